@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_BIARCRIBBONMESH_H
+#define STRANDVIEW_BIARCRIBBONMESH_H
+
+#include <vector>
+
+#include <RibbonMesh.h>
+#include <biarc/Curve.h>
+
+/// A ribbon whose two edges are biarc curves through two sequences of points, each
+/// interpolated and sampled by itself.
+///
+/// With m points on the first edge there are interpolationCount * (m - 1) + 1 rows;
+/// column 0 lies on curve A, column 1 on curve B. Normals are across the row and the
+/// edge's own tangent. The bounding box omits the last row, on purpose. Built
+/// completely in the constructor.
+///
+/// Fewer than 2 points leave the mesh empty and invalid. Coincident consecutive
+/// points give points that are not finite.
+class STRANDVIEW_EXPORT BiarcRibbonMesh : public RibbonMesh
+{
+public:
+    /// edgeB holds at least as many points as edgeA; neither is changed. The width is
+    /// only stored, as by RibbonMesh(double): the edges decide what is drawn. The
+    /// interpolation count is max(|interpolationCount|, 1), on purpose unlike that of
+    /// BiarcTubeMesh.
+    BiarcRibbonMesh(std::vector<algebra3d::Vector3<double>>& edgeA,
+                    std::vector<algebra3d::Vector3<double>>& edgeB, double width,
+                    int interpolationCount);
+
+    /// Fills one column from the first m nodes of a curve, writes the tangents of the
+    /// rows into `tangents`, which must have one entry per row, and both tables.
+    void computePointsOnSide(int column, int m, Curve<::Vector3>& curve,
+                             std::vector<algebra3d::Vector3<double>>& tangents);
+
+    // Arc lengths along curve B from its first point
+
+    /// One per point.
+    const std::vector<double>& getParamValues() const;
+    /// One per row.
+    const std::vector<double>& getInterpParamValues() const;
+
+private:
+    double interpolationCount; // a whole number
+    Curve<::Vector3> curveA;
+    Curve<::Vector3> curveB;
+    std::vector<double> paramValues;
+    std::vector<double> interpParamValues;
+};
+
+#endif

@@ -1,0 +1,135 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_MESH_H
+#define STRANDVIEW_MESH_H
+
+#include <vector>
+
+#include <Inventor/SbBox3f.h>
+#include <Inventor/SbVec3f.h>
+
+#include <StrandviewExport.h>
+#include <algebra3d/Vector3.h>
+
+class SoAction;
+class SoGLRenderAction;
+class SoMaterialBundle;
+class SoMeshShape;
+
+/// A grid of points with one unit normal each, drawn as one triangle strip between
+/// every two consecutive rows. Rows run along a rod, columns across it.
+///
+/// A mesh is not a scene-graph node; the node that owns it calls render() and
+/// generate(). A subclass fills it in this order: setWidth(), setHeight(),
+/// allocateMemory(), resetBB(), then every point through getPoints() with an
+/// updateBB() each, and the normals, or computeNormals().
+///
+/// Nothing here reports errors or checks indices. An invalid mesh draws nothing.
+class STRANDVIEW_EXPORT Mesh
+{
+public:
+    /// Without rows. rowsWrap: the last row is the first one again (closed along the
+    /// rod); columnsWrap: the last column is the first one again (closed around it).
+    Mesh(bool rowsWrap, bool columnsWrap);
+    virtual ~Mesh();
+    Mesh(const Mesh&) = delete;
+    Mesh& operator=(const Mesh&) = delete;
+
+    // The grid
+
+    /// At least one row and one column, and allocated.
+    virtual bool isValid() const;
+    /// The number of rows.
+    virtual int getHeight() const;
+    /// The number of columns.
+    virtual int getWidth() const;
+    /// The material of a point with per-vertex binding: row * height + column. The
+    /// factor is the height, not the width, on purpose; subclasses have rules of
+    /// their own.
+    virtual int getMaterialIndex(int row, int column) const;
+    /// The axis-aligned box of the points, rounded to float.
+    virtual SbBox3f getBBox() const;
+    /// The middle of that box.
+    virtual SbVec3f getCentre();
+
+    // Drawing
+
+    /// Draws the strips: per strip and column first the point of the next row, then
+    /// that of this one. materialOffset is added to every material index; with an
+    /// overall binding it is the only one. Texture coordinates run from 0 to 1
+    /// across (s) and along (t).
+    virtual void render(SoGLRenderAction* action, int materialOffset);
+    /// Emits the same triangles through the shape that owns the mesh, with plain
+    /// material indices and no texture coordinates.
+    virtual void generate(SoMeshShape* shape, SoAction* action);
+    /// (width - 1) * (2 * height - 2) triangles.
+    virtual int getPrimitiveCount();
+
+    /// Sets each normal to the unit sum of the unit normals of the adjacent cells,
+    /// a cell's normal being (across) x (along). The normals must be zero, as they
+    /// are after allocateMemory(). Then the normals of a wrapped edge are joined:
+    /// columns if they wrap, otherwise rows if they do, never both.
+    virtual void computeNormals();
+
+    /// Row pointers, null without rows; getPoints()[row][column] is writable.
+    algebra3d::Vector3<double>** getPoints();
+    algebra3d::Vector3<double>** getNormals();
+
+    // Building
+
+    /// At least 2 columns.
+    void setWidth(int columns);
+    /// All rows, as one block, of zero vectors; replaces what there was. Without
+    /// rows, nothing.
+    void allocateMemory();
+    /// Back to no rows, 2 columns and the box of a new mesh, which is not that of
+    /// resetBB(): its minimum is FLT_MAX and its maximum FLT_MIN, the smallest
+    /// positive float.
+    void clear();
+
+    /// An empty box that any point extends.
+    void resetBB();
+    void updateBB(const algebra3d::Vector3<double>& point)
+    {
+        for (int axis = 0; axis < 3; ++axis) {
+            const double value = point[axis];
+            if (minimum[axis] > value)
+                minimum[axis] = value;
+            if (value > maximum[axis])
+                maximum[axis] = value;
+        }
+    }
+
+    /// Sends one vertex to OpenGL: texture coordinates if `texture`, its material
+    /// unless `materialOverall`, its normal if `sendNormal`, then the point.
+    void addGLVertex(bool texture, double s, double t, bool materialOverall,
+                     SoMaterialBundle& bundle, int materialIndex, bool sendNormal,
+                     const algebra3d::Vector3<double>& point,
+                     const algebra3d::Vector3<double>& normal);
+
+protected:
+    /// Stores the number of rows as it is.
+    void setHeight(int rows);
+
+private:
+    struct Grid
+    {
+        std::vector<algebra3d::Vector3<double>> block;
+        std::vector<algebra3d::Vector3<double>*> rows;
+
+        void allocate(int height, int width);
+        algebra3d::Vector3<double>** getRows() { return rows.empty() ? nullptr : rows.data(); }
+    };
+
+    const bool rowsWrap;
+    const bool columnsWrap;
+    int width;
+    int height;
+    Grid points;
+    Grid normals;
+    // Kept in double and rounded when asked for: rounding is monotonic, so this is
+    // the box of the rounded points.
+    double minimum[3];
+    double maximum[3];
+};
+
+#endif

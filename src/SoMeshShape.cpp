@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <SoMeshShape.h>
+
+#include <Inventor/SbBox3f.h>
+#include <Inventor/actions/SoGetBoundingBoxAction.h>
+
+SO_NODE_ABSTRACT_SOURCE(SoMeshShape);
+
+void SoMeshShape::initClass() { SO_NODE_INIT_ABSTRACT_CLASS(SoMeshShape, SoShape, "SoShape"); }
+
+SoMeshShape::SoMeshShape() { SO_NODE_CONSTRUCTOR(SoMeshShape); }
+
+SoMeshShape::~SoMeshShape() = default;
+
+void SoMeshShape::beginShape(SoAction* action, SoShape::TriangleShape shapeType, SoDetail* detail)
+{
+    SoShape::beginShape(action, shapeType, detail);
+}
+
+void SoMeshShape::shapeVertex(const SoPrimitiveVertex* vertex) { SoShape::shapeVertex(vertex); }
+
+void SoMeshShape::endShape() { SoShape::endShape(); }
+
+void SoMeshShape::getBoundingBox(SoGetBoundingBoxAction* action)
+{
+    if (!action)
+        return;
+    SbBox3f box;
+    SbVec3f centre;
+    computeBBox(action, box, centre);
+    if (box.getMin()[0] > box.getMax()[0])
+        return;
+    action->extendBy(box);
+    action->setCenter(centre, TRUE);
+}

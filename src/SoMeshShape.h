@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_SOMESHSHAPE_H
+#define STRANDVIEW_SOMESHSHAPE_H
+
+#include <Inventor/nodes/SoShape.h>
+#include <Inventor/nodes/SoSubNode.h>
+
+#include <StrandviewExport.h>
+
+/// The base of the shape nodes that own meshes. A mesh is no node; it emits its
+/// triangles through the node that owns it.
+///
+/// Like every node class here it is registered by the host, parents first, after
+/// Coin is initialised: SoMeshShape::initClass(), then SoRod::initClass(). Using a
+/// class before, or registering it twice, fails an assertion.
+class STRANDVIEW_EXPORT SoMeshShape : public SoShape
+{
+    SO_NODE_ABSTRACT_HEADER(SoMeshShape);
+
+public:
+    static void initClass();
+
+    // SoShape's own operations of these names, made public for the meshes.
+    void beginShape(SoAction* action, SoShape::TriangleShape shapeType, SoDetail* detail = nullptr);
+    void shapeVertex(const SoPrimitiveVertex* vertex);
+    void endShape();
+
+    /// Extends the action's box by that of computeBBox and sets its centre; an empty
+    /// box, or no action, adds nothing.
+    void getBoundingBox(SoGetBoundingBoxAction* action) override;
+
+protected:
+    SoMeshShape();
+    ~SoMeshShape() override;
+};
+
+#endif

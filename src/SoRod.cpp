@@ -1,0 +1,194 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <SoRod.h>
+
+#include <algorithm>
+
+#include <Inventor/actions/SoGLRenderAction.h>
+#include <Inventor/actions/SoGetPrimitiveCountAction.h>
+#include <Inventor/bundles/SoMaterialBundle.h>
+#include <Inventor/elements/SoMaterialBindingElement.h>
+
+#include <algebra3d/Matrix3.h>
+#include <global.h>
+
+using algebra3d::Matrix3;
+using Vector = algebra3d::Vector3<double>;
+using Rotation = algebra3d::Quaternion<double>;
+
+// A rod needs its constructor's arguments, so it has no factory: hence Coin's
+// "abstract" macros for a class that is not abstract.
+SO_NODE_ABSTRACT_SOURCE(SoRod);
+
+namespace {
+
+// How far the norm of an orientation may be from 1.
+const double ROTATION_TOLERANCE = 0.01;
+
+} // namespace
+
+void SoRod::initClass() { SO_NODE_INIT_ABSTRACT_CLASS(SoRod, SoMeshShape, "SoMeshShape"); }
+
+SoRod::SoRod(double radius, double width, int ringSlices, int rowsPerSegment, bool tubeShown,
+             bool ribbonShown, bool ribbonTwoSided)
+    : tubeRadius(radius),
+      ribbonWidth(width),
+      slices(ringSlices),
+      subsegments(rowsPerSegment),
+      showingTube(tubeShown),
+      showingRibbon(ribbonShown),
+      twoSidedRibbon(ribbonTwoSided),
+      valid(false)
+{
+    SO_NODE_CONSTRUCTOR(SoRod);
+}
+
+SoRod::~SoRod() = default;
+
+bool SoRod::setData(const std::vector<Vector>& newPoints, const std::vector<Rotation>& newRotations)
+{
+    points = newPoints;
+    rotations = newRotations;
+    valid = isDataCorrect();
+    generate();
+    return valid;
+}
+
+bool SoRod::isDataCorrect()
+{
+    if (points.size() >= 2 && rotations.size() == points.size() &&
+        ::isDataCorrect(points, rotations, ROTATION_TOLERANCE))
+        return true;
+    points.clear();
+    rotations.clear();
+    return false;
+}
+
+bool SoRod::isValid() const { return valid; }
+
+int SoRod::getPointsNum() const { return int(points.size()); }
+
+void SoRod::getFrame(Vector& point, Rotation& rotation, int index) const
+{
+    if (!valid)
+        return;
+    const auto i = std::size_t(std::clamp(index, 0, getPointsNum() - 1));
+    point = points[i];
+    rotation = rotations[i];
+}
+
+void SoRod::generate()
+{
+    clear();
+    if (!valid)
+        return;
+
+    const Vector startTangent = Matrix3<double>(rotations.front()).getColumn(2);
+    const Vector endTangent = Matrix3<double>(rotations.back()).getColumn(2);
+    tubeMesh = std::make_unique<BiarcTubeMesh>(points, startTangent, endTangent, tubeRadius, slices,
+                                               subsegments, false, false);
+
+    std::vector<Vector> edgeA(points.size());
+    std::vector<Vector> edgeB(points.size());
+    generateRibbonData(points, rotations, ribbonWidth, edgeA, edgeB);
+    ribbonMesh = std::make_unique<BiarcRibbonMesh>(edgeA, edgeB, ribbonWidth, subsegments);
+}
+
+void SoRod::clear()
+{
+    tubeMesh.reset();
+    ribbonMesh.reset();
+    touch();
+}
+
+BiarcTubeMesh* SoRod::getTubeMesh() const { return tubeMesh.get(); }
+
+BiarcRibbonMesh* SoRod::getRibbonMesh() const { return ribbonMesh.get(); }
+
+void SoRod::generateRibbonData(const std::vector<Vector>& centreline,
+                               const std::vector<Rotation>& frames, double width,
+                               std::vector<Vector>& edgeA, std::vector<Vector>& edgeB)
+{
+    for (std::size_t i = 0; i < edgeA.size(); ++i) {
+        const Vector d2 = Matrix3<double>(frames[i]).getColumn(1);
+        if (twoSidedRibbon) {
+            const double half = width * 0.5;
+            edgeA[i] = centreline[i] - half * d2;
+            edgeB[i] = centreline[i] + half * d2;
+        } else {
+            edgeA[i] = centreline[i];
+            edgeB[i] = centreline[i] + width * d2;
+        }
+    }
+}
+
+bool SoRod::hasMeshes() const { return valid && tubeMesh && ribbonMesh; }
+
+void SoRod::GLRender(SoGLRenderAction* action)
+{
+    if (!shouldGLRender(action) || !hasMeshes())
+        return;
+    SoMaterialBundle bundle(action);
+    const auto binding = SoMaterialBindingElement::get(action->getState());
+    bundle.sendFirst();
+    const int ribbonOffset =
+        binding == SoMaterialBindingElement::OVERALL ? 1 : tubeMesh->getHeight();
+    if (showingTube)
+        tubeMesh->render(action, 0);
+    if (showingRibbon)
+        ribbonMesh->render(action, ribbonOffset);
+}
+
+void SoRod::generatePrimitives(SoAction* action)
+{
+    if (!hasMeshes())
+        return;
+    if (showingTube)
+        tubeMesh->generate(this, action);
+    if (showingRibbon)
+        ribbonMesh->generate(this, action);
+}
+
+void SoRod::computeBBox(SoAction* /*action*/, SbBox3f& box, SbVec3f& centre)
+{
+    box.makeEmpty();
+    if (hasMeshes()) {
+        box.extendBy(tubeMesh->getBBox());
+        box.extendBy(ribbonMesh->getBBox());
+    }
+    centre = (box.getMin() + box.getMax()) * 0.5f;
+}
+
+void SoRod::getPrimitiveCount(SoGetPrimitiveCountAction* action)
+{
+    if (!shouldPrimitiveCount(action) || !hasMeshes())
+        return;
+    action->addNumTriangles(tubeMesh->getPrimitiveCount() + ribbonMesh->getPrimitiveCount());
+}
+
+double SoRod::getTubeRadius() const { return tubeRadius; }
+
+void SoRod::setTubeRadius(double radius) { tubeRadius = radius; }
+
+double SoRod::getRibbonWidth() const { return ribbonWidth; }
+
+void SoRod::setRibbonWidth(double width) { ribbonWidth = width; }
+
+int SoRod::getSlices() const { return slices; }
+
+void SoRod::setSlices(int count) { slices = count; }
+
+int SoRod::getSubsegments() const { return subsegments; }
+
+void SoRod::setSubsegments(int count) { subsegments = std::max(count, 1); }
+
+bool SoRod::isShowingTube() const { return showingTube; }
+
+void SoRod::showTube(bool show) { showingTube = show; }
+
+bool SoRod::isShowingRibbon() const { return showingRibbon; }
+
+void SoRod::showRibbon(bool show) { showingRibbon = show; }
+
+bool SoRod::isTwoSidedRibbon() const { return twoSidedRibbon; }
+
+void SoRod::setTwoSidedRibbon(bool twoSided) { twoSidedRibbon = twoSided; }

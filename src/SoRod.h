@@ -1,0 +1,119 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_SOROD_H
+#define STRANDVIEW_SOROD_H
+
+#include <memory>
+#include <vector>
+
+#include <BiarcRibbonMesh.h>
+#include <BiarcTubeMesh.h>
+#include <SoMeshShape.h>
+#include <algebra3d/Quaternion.h>
+#include <algebra3d/Vector3.h>
+
+/// One elastic rod: centreline points with one orientation each, shown as a tube
+/// around the centreline and a ribbon along the material frame's d2.
+///
+/// Both follow the biarc interpolation of the centreline. Lengths are in the unit of
+/// the points. Changing radius, width, slices, subsegments or the two-sided flag
+/// takes effect at the next generate(), the show flags at the next render.
+///
+/// With overall material binding the tube has material 0 and the ribbon material 1.
+/// With per-vertex binding there is one material per row: those of the tube's rings,
+/// then those of the ribbon's rows.
+///
+/// A rod without correct data is invalid: it draws, bounds and counts nothing.
+class STRANDVIEW_EXPORT SoRod : public SoMeshShape
+{
+    SO_NODE_ABSTRACT_HEADER(SoRod);
+
+public:
+    static void initClass();
+
+    /// An invalid rod without points. All values are stored as they are.
+    /// slices: points per ring of the tube; subsegments: rows per segment between two
+    /// points; twoSidedRibbon: centred on the centreline instead of on one side.
+    SoRod(double tubeRadius, double ribbonWidth, int slices, int subsegments, bool showTube,
+          bool showRibbon, bool twoSidedRibbon);
+
+    // Data
+
+    /// Stores the configuration, checks it and generates the meshes; returns whether
+    /// it is valid. Refused data empties the rod.
+    bool setData(const std::vector<algebra3d::Vector3<double>>& points,
+                 const std::vector<algebra3d::Quaternion<double>>& rotations);
+
+    /// At least 2 points, as many rotations, each of them a unit quaternion within
+    /// 0.01. Otherwise false, and both sequences are emptied.
+    bool isDataCorrect();
+    bool isValid() const;
+    int getPointsNum() const;
+    /// Point and rotation of one entry, the index clamped to the first and the last.
+    /// An invalid rod leaves them unchanged.
+    void getFrame(algebra3d::Vector3<double>& point, algebra3d::Quaternion<double>& rotation,
+                  int index) const;
+
+    // Meshes
+
+    /// Rebuilds both meshes from the stored data, whatever the show flags say.
+    void generate();
+    /// Deletes both meshes; the data stay. A valid rod without meshes draws nothing.
+    void clear();
+    /// The meshes, owned by the rod until the next generate(); null before it.
+    BiarcTubeMesh* getTubeMesh() const;
+    BiarcRibbonMesh* getRibbonMesh() const;
+
+    /// The ribbon's edges, for as many points as edgeA has entries. Two-sided: half a
+    /// width before and behind the point along d2; one-sided: the point itself, and a
+    /// width behind it along d2.
+    void generateRibbonData(const std::vector<algebra3d::Vector3<double>>& points,
+                            const std::vector<algebra3d::Quaternion<double>>& rotations,
+                            double width, std::vector<algebra3d::Vector3<double>>& edgeA,
+                            std::vector<algebra3d::Vector3<double>>& edgeB);
+
+    // Parameters
+
+    double getTubeRadius() const;
+    void setTubeRadius(double radius);
+    double getRibbonWidth() const;
+    void setRibbonWidth(double width);
+    int getSlices() const;
+    void setSlices(int count);
+    int getSubsegments() const;
+    /// Stores at least 1.
+    void setSubsegments(int count);
+    bool isShowingTube() const;
+    void showTube(bool show);
+    bool isShowingRibbon() const;
+    void showRibbon(bool show);
+    bool isTwoSidedRibbon() const;
+    void setTwoSidedRibbon(bool twoSided);
+
+    void GLRender(SoGLRenderAction* action) override;
+    /// Tube and ribbon, whatever the show flags say.
+    void getPrimitiveCount(SoGetPrimitiveCountAction* action) override;
+
+protected:
+    ~SoRod() override;
+    void generatePrimitives(SoAction* action) override;
+    /// Tube and ribbon, whatever the show flags say.
+    void computeBBox(SoAction* action, SbBox3f& box, SbVec3f& centre) override;
+
+private:
+    bool hasMeshes() const;
+
+    double tubeRadius;
+    double ribbonWidth;
+    int slices;
+    int subsegments;
+    std::vector<algebra3d::Vector3<double>> points;
+    std::vector<algebra3d::Quaternion<double>> rotations;
+    std::unique_ptr<BiarcTubeMesh> tubeMesh;
+    std::unique_ptr<BiarcRibbonMesh> ribbonMesh;
+    bool showingTube;
+    bool showingRibbon;
+    bool twoSidedRibbon;
+    bool valid;
+};
+
+#endif

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_DETAIL_GLVERTEXSTATE_H
+#define STRANDVIEW_DETAIL_GLVERTEXSTATE_H
+
+#include <Inventor/SbVec3f.h>
+#include <Inventor/actions/SoGLRenderAction.h>
+#include <Inventor/bundles/SoMaterialBundle.h>
+#include <Inventor/elements/SoGLTextureEnabledElement.h>
+#include <Inventor/elements/SoMaterialBindingElement.h>
+
+#include <algebra3d/Vector3.h>
+
+/// What the traversal state asks a mesh to send with each vertex.
+struct GLVertexState
+{
+    GLVertexState(SoGLRenderAction* action, const SoMaterialBundle& bundle)
+        : sendNormal(!bundle.isColorOnly())
+    {
+        SoState* state = action->getState();
+        texture = SoGLTextureEnabledElement::get(state) != 0;
+        const SoMaterialBindingElement::Binding binding = SoMaterialBindingElement::get(state);
+        materialOverall = binding != SoMaterialBindingElement::PER_VERTEX &&
+                          binding != SoMaterialBindingElement::PER_VERTEX_INDEXED;
+    }
+
+    bool sendNormal;
+    bool texture;
+    bool materialOverall;
+};
+
+/// The vector in the precision of Coin.
+inline SbVec3f toSbVec3f(const algebra3d::Vector3<double>& vector)
+{
+    return SbVec3f(float(vector.x), float(vector.y), float(vector.z));
+}
+
+#endif

@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_DETAIL_BIARCSAMPLING_H
+#define STRANDVIEW_DETAIL_BIARCSAMPLING_H
+
+#include <algorithm>
+#include <vector>
+
+#include <algebra3d/Vector3.h>
+#include <biarc/Curve.h>
+
+inline Vector3 toBiarc(const algebra3d::Vector3<double>& v) { return Vector3(v.x, v.y, v.z); }
+
+inline algebra3d::Vector3<double> fromBiarc(const Vector3& v)
+{
+    return algebra3d::Vector3<double>(v[0], v[1], v[2]);
+}
+
+/// Walks along a curve of n nodes in `count` equal steps of arc length per biarc and
+/// calls visit(row, point, tangent) at each step's start; the last node is left to
+/// the caller. Writes the arc lengths so far, per node and per row, the last node
+/// included. Returns the last node's row.
+template <typename Visit>
+int sampleCurve(const Curve<Vector3>& curve, int n, int count, std::vector<double>& nodeLengths,
+                std::vector<double>& rowLengths, Visit visit)
+{
+    double s = 0;
+    int row = 0;
+    const int biarcs = std::min(n - 1, int(curve.biarcs.size()));
+    for (int i = 0; i < biarcs; ++i) {
+        const Biarc<Vector3>& biarc = curve.biarcs[std::size_t(i)];
+        const BiarcSampler<Vector3> sampler(biarc);
+        const double step = biarc.length / count;
+        nodeLengths[std::size_t(i)] = s;
+        for (int k = 0; k < count; ++k, ++row) {
+            Vector3 point, tangent;
+            sampler.sampleAt(k * step, point, tangent);
+            rowLengths[std::size_t(row)] = s;
+            visit(row, point, tangent);
+            s += step;
+        }
+    }
+    nodeLengths[std::size_t(n - 1)] = s;
+    rowLengths[std::size_t(row)] = s;
+    return row;
+}
+
+#endif

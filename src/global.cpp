@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <global.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include <Inventor/nodes/SoMaterial.h>
+
+using algebra3d::Quaternion;
+using algebra3d::Vector3;
+
+bool isPointRotCorrect(const Vector3<double>& /*point*/, const Quaternion<double>& rot,
+                       double tolerance)
+{
+    for (int i = 0; i < 4; ++i) {
+        if (rot[i] != rot[i])
+            return false;
+    }
+    return std::abs(rot.getNorm() - 1) <= tolerance;
+}
+
+bool isDataCorrect(const std::vector<Vector3<double>>& points,
+                   const std::vector<Quaternion<double>>& rots, double tolerance)
+{
+    const std::size_t n = std::min(points.size(), rots.size());
+    if (n < 2)
+        return true;
+    for (std::size_t i = 0; i < n; ++i) {
+        if (!isPointRotCorrect(points[i], rots[i], tolerance))
+            return false;
+    }
+    return true;
+}
+
+SoMaterial* createMaterial(const Vector3<double>& ambient, const Vector3<double>& diffuse,
+                           const Vector3<double>& specular)
+{
+    const auto colour = [](const Vector3<double>& rgb) {
+        return SbColor(float(rgb.x), float(rgb.y), float(rgb.z));
+    };
+    auto* material = new SoMaterial;
+    material->ambientColor = colour(ambient);
+    material->diffuseColor = colour(diffuse);
+    material->specularColor = colour(specular);
+    return material;
+}
