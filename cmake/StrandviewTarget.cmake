@@ -9,7 +9,8 @@ endforeach()
 add_library(strandview_options INTERFACE)
 target_compile_features(strandview_options INTERFACE cxx_std_17)
 target_compile_options(strandview_options INTERFACE
-  -Wall -Wextra -Wpedantic -Wshadow=local -Wnon-virtual-dtor -Woverloaded-virtual
+  -Wall -Wextra -Wpedantic -Wnon-virtual-dtor -Woverloaded-virtual
+  $<$<CXX_COMPILER_ID:GNU>:-Wshadow=local>
   $<$<BOOL:${STRANDVIEW_WARNINGS_AS_ERRORS}>:-Werror>
   # Source names in assertions and debug information are relative: src/SoRod.cpp.
   -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=

@@ -1,0 +1,142 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Options.h"
+
+#include <charconv>
+#include <cmath>
+#include <iostream>
+
+#include <CLI/CLI.hpp>
+
+namespace {
+
+const int BAD_INPUT = 2;
+// Coin holds the sides of a picture in 16 bits, and Qt its bytes in 31.
+const int LARGEST_SIDE = 32767;
+const long long LARGEST_PIXEL_COUNT = 700'000'000;
+
+bool parseSize(const std::string& text, int& width, int& height)
+{
+    const char* end = text.data() + text.size();
+    const auto w = std::from_chars(text.data(), end, width);
+    if (w.ec != std::errc() || w.ptr == end || (*w.ptr != 'x' && *w.ptr != 'X'))
+        return false;
+    const auto h = std::from_chars(w.ptr + 1, end, height);
+    return h.ec == std::errc() && h.ptr == end;
+}
+
+CLI::Option* addSize(CLI::App& app, int& width, int& height)
+{
+    return app
+        .add_option_function<std::string>(
+            "--size",
+            [&width, &height](const std::string& text) {
+                if (!parseSize(text, width, height) || width < 1 || height < 1 ||
+                    width > LARGEST_SIDE || height > LARGEST_SIDE) {
+                    throw CLI::ValidationError("--size", "found '" + text +
+                                                             "', expected WxH with sides from 1 "
+                                                             "to " +
+                                                             std::to_string(LARGEST_SIDE));
+                }
+                if ((long long)width * height > LARGEST_PIXEL_COUNT) {
+                    throw CLI::ValidationError("--size", "found '" + text +
+                                                             "', expected at most 700 million "
+                                                             "pixels in all");
+                }
+            },
+            "Size of the picture in pixels [1200x900]")
+        ->type_name("WxH");
+}
+
+CLI::Option* addLength(CLI::App& app, const std::string& name, std::optional<double>& length,
+                       const std::string& help)
+{
+    return app
+        .add_option_function<double>(
+            name,
+            [name, &length](const double& value) {
+                if (!std::isfinite(value) || value <= 0)
+                    throw CLI::ValidationError(name, "expected a finite length above 0");
+                length = value;
+            },
+            help)
+        ->type_name("LENGTH");
+}
+
+CLI::Option* addCount(CLI::App& app, const std::string& name, std::optional<int>& count,
+                      int smallest, int largest, const std::string& help)
+{
+    return app
+        .add_option_function<int>(
+            name, [&count](const int& value) { count = value; }, help)
+        ->check(CLI::Range(smallest, largest))
+        ->type_name("N");
+}
+
+template <typename Target>
+CLI::Option* addColour(CLI::App& app, const std::string& name, Target& colour,
+                       const std::string& help)
+{
+    return app
+        .add_option_function<std::string>(
+            name,
+            [name, &colour](const std::string& text) {
+                const std::optional<Colour> parsed = parseColour(text);
+                if (!parsed) {
+                    throw CLI::ValidationError(
+                        name, "found '" + text + "', expected #rrggbb or an SVG colour name");
+                }
+                colour = *parsed;
+            },
+            help)
+        ->type_name("COLOUR");
+}
+
+} // namespace
+
+ParsedOptions parseOptions(int argc, const char* const* argv)
+{
+    Options options;
+    CLI::App app("Shows elastic rods with their material frames: a smooth tube and ribbon for\n"
+                 "each rod of the given files, in a window or, with --render, in a picture.",
+                 "strandview");
+    app.set_version_flag("--version", "strandview " STRANDVIEW_VERSION);
+    app.add_option("FILE", options.files,
+                   "Tables (.txt .dat .csv .tsv .xyz) or .json files; - is standard input")
+        ->required();
+    app.add_option("--render", options.picture, "Write a picture instead of opening a window")
+        ->type_name("OUT.png");
+    addSize(app, options.pictureWidth, options.pictureHeight);
+    app.add_flag("--normalise", options.normalise,
+                 "Accept quaternions that are not unit and normalise them");
+
+    const std::string look = "Look";
+    addLength(app, "--radius", options.radius, "Radius of the tube [from the data]")->group(look);
+    addLength(app, "--ribbon-width", options.ribbonWidth, "Width of the ribbon [3 radii]")
+        ->group(look);
+    addCount(app, "--slices", options.slices, 3, 1000, "Points around the tube [from the data]")
+        ->group(look);
+    addCount(app, "--subsegments", options.subsegments, 1, 1000,
+             "Rows between two points [from the data]")
+        ->group(look);
+    app.add_flag("--tube,!--no-tube", options.showTube, "Show the tube [shown]")->group(look);
+    app.add_flag("--ribbon,!--no-ribbon", options.showRibbon, "Show the ribbon [shown]")
+        ->group(look);
+    app.add_flag("--two-sided", options.twoSidedRibbon,
+                 "Centre the ribbon on the centreline instead of starting it there")
+        ->group(look);
+    addColour(app, "--tube-colour", options.tubeColour, "Colour of the tubes [one per rod]")
+        ->group(look);
+    addColour(app, "--ribbon-colour", options.ribbonColour, "Colour of the ribbons")->group(look);
+    addColour(app, "--background", options.background, "Colour of the background [white]")
+        ->group(look);
+
+    try {
+        app.parse(argc, argv);
+        return {options, 0};
+    } catch (const CLI::Success& request) { // --help and --version
+        return {std::nullopt, app.exit(request)};
+    } catch (const CLI::ParseError& error) {
+        std::cerr << "strandview: " << error.what() << "\n";
+        return {std::nullopt, BAD_INPUT};
+    }
+}

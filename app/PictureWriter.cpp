@@ -1,0 +1,129 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "PictureWriter.h"
+
+#include <algorithm>
+
+#include <Inventor/SoOffscreenRenderer.h>
+#include <Inventor/actions/SoGetBoundingBoxAction.h>
+#include <Inventor/errors/SoDebugError.h>
+#include <Inventor/nodes/SoDirectionalLight.h>
+#include <Inventor/nodes/SoOrthographicCamera.h>
+#include <Inventor/nodes/SoSeparator.h>
+#include <QFileInfo>
+#include <QImage>
+#include <QImageWriter>
+#include <QSaveFile>
+
+#include <OffscreenContext.h>
+
+#include "SceneBuilder.h"
+
+namespace {
+
+// Collects Coin's messages while it lives, so that a failure can be told in one line.
+class MessageCollector
+{
+public:
+    MessageCollector()
+        : previousHandler(SoDebugError::getHandlerCallback()),
+          previousData(SoDebugError::getHandlerData())
+    {
+        SoDebugError::setHandlerCallback(collect, this);
+    }
+    ~MessageCollector() { SoDebugError::setHandlerCallback(previousHandler, previousData); }
+    MessageCollector(const MessageCollector&) = delete;
+    MessageCollector& operator=(const MessageCollector&) = delete;
+
+    std::string first;
+
+private:
+    static void collect(const SoError* error, void* data)
+    {
+        std::string& first = static_cast<MessageCollector*>(data)->first;
+        if (first.empty())
+            first = error->getDebugString().getString();
+    }
+
+    SoErrorCB* previousHandler;
+    void* previousData;
+};
+
+QByteArray imageFormat(const std::string& file)
+{
+    return QFileInfo(QString::fromStdString(file)).suffix().toLower().toLatin1();
+}
+
+// A camera that shows the scene's box with a small margin, along -z with y up. The
+// box, unlike the sphere that viewAll() shows, leaves no paper empty.
+SoOrthographicCamera* makeCamera(SoSeparator* scene, const SbViewportRegion& region)
+{
+    const float margin = 1.05f;
+    auto* camera = new SoOrthographicCamera;
+    camera->viewAll(scene, region);
+    SoGetBoundingBoxAction bounds(region);
+    bounds.apply(scene);
+    const SbVec3f sides = bounds.getBoundingBox().getSize();
+    const float aspect = region.getViewportAspectRatio();
+    // The camera's height is that of the picture's shorter side.
+    camera->height = margin * (aspect >= 1 ? std::max(sides[1], sides[0] / aspect)
+                                           : std::max(sides[0], sides[1] * aspect));
+    return camera;
+}
+
+SoSeparator* addCameraAndLight(SoSeparator* scene, const SbViewportRegion& region)
+{
+    auto* root = new SoSeparator;
+    root->addChild(makeCamera(scene, region));
+    auto* light = new SoDirectionalLight;
+    light->direction = getLightDirection();
+    root->addChild(light);
+    root->addChild(scene);
+    return root;
+}
+
+std::string saveImage(const QImage& image, const std::string& name)
+{
+    QSaveFile file(QString::fromStdString(name));
+    if (!file.open(QIODevice::WriteOnly))
+        return name + ": " + file.errorString().toStdString();
+    QImageWriter writer(&file, imageFormat(name));
+    if (!writer.write(image))
+        return name + ": " + writer.errorString().toStdString();
+    if (!file.commit())
+        return name + ": " + file.errorString().toStdString();
+    return "";
+}
+
+} // namespace
+
+std::string checkPictureName(const std::string& file)
+{
+    const QList<QByteArray> formats = QImageWriter::supportedImageFormats();
+    if (formats.contains(imageFormat(file)))
+        return "";
+    return "--render: found '" + file + "', expected a name that ends in one of ." +
+           formats.join(" .").toStdString();
+}
+
+std::string writePicture(SoSeparator* scene, const Picture& picture)
+{
+    const SbViewportRegion region{short(picture.width), short(picture.height)};
+    SoSeparator* root = addCameraAndLight(scene, region);
+    root->ref();
+
+    OffscreenContext::install();
+    SoOffscreenRenderer renderer(region);
+    renderer.setComponents(SoOffscreenRenderer::RGB);
+    renderer.setBackgroundColor(
+        SbColor(picture.background.red, picture.background.green, picture.background.blue));
+    MessageCollector messages;
+    const bool rendered = renderer.render(root);
+    root->unref();
+    if (!rendered)
+        return "the picture could not be rendered: " + messages.first;
+
+    // Coin's rows run upwards.
+    const QImage upwards(renderer.getBuffer(), picture.width, picture.height, 3 * picture.width,
+                         QImage::Format_RGB888);
+    return saveImage(upwards.mirrored(false, true), picture.file);
+}

@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Progress.h"
+
+#include <iostream>
+
+#include <unistd.h>
+
+namespace {
+
+const std::chrono::milliseconds PATIENCE(500);
+const std::chrono::milliseconds INTERVAL(100);
+const char* const ERASE_LINE = "\r\033[K";
+
+} // namespace
+
+Progress::Progress() : terminal(isatty(STDERR_FILENO) != 0), next(Clock::now() + PATIENCE) {}
+
+Progress::~Progress() { hide(); }
+
+void Progress::show(const std::string& text)
+{
+    if (!terminal || Clock::now() < next)
+        return;
+    std::cerr << ERASE_LINE << text << std::flush;
+    shown = true;
+    next = Clock::now() + INTERVAL;
+}
+
+void Progress::hide()
+{
+    if (shown)
+        std::cerr << ERASE_LINE << std::flush;
+    shown = false;
+}

@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_APP_STYLE_H
+#define STRANDVIEW_APP_STYLE_H
+
+#include <optional>
+
+#include "Colour.h"
+#include "Configuration.h"
+#include "Options.h"
+
+/// How rods are drawn. Lengths are in the data's unit.
+struct Style
+{
+    double radius;
+    double ribbonWidth;
+    int slices;
+    int subsegments;
+    bool showTube;
+    bool showRibbon;
+    bool twoSidedRibbon;
+    std::optional<Colour> tubeColour; ///< of all rods; otherwise a colour each
+    Colour ribbonColour;
+};
+
+/// The style that the options ask for; what they leave open follows from the data.
+///
+/// The radius is a small fraction of the whole scene, smaller where the rods fill
+/// their box densely, so that neighbouring turns stay apart. Rods of few points get
+/// many rows per segment, long ones few rows and slices, so that the number of
+/// vertices stays within what a window redraws smoothly.
+Style makeStyle(const Options& options, const Configuration& configuration);
+
+#endif

@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <iostream>
+#include <optional>
+#include <string>
+
+#include <Inventor/nodes/SoSeparator.h>
+
+#include "MainWindow.h"
+#include "Options.h"
+#include "PictureWriter.h"
+#include "Progress.h"
+#include "SceneBuilder.h"
+#include "Style.h"
+#include "readers/readFile.h"
+
+namespace {
+
+enum ExitStatus { SUCCESS = 0, CANNOT_WRITE = 1, BAD_INPUT = 2 };
+
+int fail(ExitStatus status, const std::string& message)
+{
+    std::cerr << "strandview: " << message << "\n";
+    return status;
+}
+
+// All files together, or nothing after the first one that cannot be read.
+std::optional<Configuration> readFiles(const Options& options, ReadReport& report,
+                                       Progress& progress)
+{
+    Configuration all;
+    for (const std::string& file : options.files) {
+        progress.show("Reading " + file);
+        std::optional<Configuration> read = readFile(file, {options.normalise}, report);
+        if (!read)
+            return std::nullopt;
+        for (std::size_t i = 0; i < read->rods.size(); ++i) {
+            read->rods[i].origin = file + ": rod " + std::to_string(i + 1);
+            all.rods.push_back(std::move(read->rods[i]));
+        }
+    }
+    return all;
+}
+
+int renderPicture(const Options& options, SoSeparator* scene, Progress& progress)
+{
+    progress.show("Rendering " + *options.picture);
+    const std::string failure = writePicture(
+        scene, {*options.picture, options.pictureWidth, options.pictureHeight, options.background});
+    progress.hide();
+    return failure.empty() ? SUCCESS : fail(CANNOT_WRITE, failure);
+}
+
+int showScene(const Options& options, SoSeparator* scene, Progress& progress)
+{
+    scene->ref();
+    int status = SUCCESS;
+    if (options.picture)
+        status = renderPicture(options, scene, progress);
+    else
+        showWindow(scene, options.files.front() + " - strandview", options.background);
+    scene->unref();
+    return status;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const ParsedOptions parsed = parseOptions(argc, argv);
+    if (!parsed.options)
+        return parsed.exitStatus;
+    const Options& options = *parsed.options;
+
+    // What can be refused is refused before a long file is read.
+    if (options.picture) {
+        const std::string refusal = checkPictureName(*options.picture);
+        if (!refusal.empty())
+            return fail(BAD_INPUT, refusal);
+    } else {
+        const std::string refusal = checkDisplay();
+        if (!refusal.empty())
+            return fail(CANNOT_WRITE, refusal);
+    }
+
+    Progress progress;
+    ReadReport report;
+    const std::optional<Configuration> configuration = readFiles(options, report, progress);
+    SoSeparator* scene = nullptr;
+    if (configuration) {
+        if (!options.picture)
+            initialiseWindows("strandview");
+        initialiseScene();
+        scene =
+            buildScene(*configuration, makeStyle(options, *configuration), progress, report.error);
+    }
+    progress.hide();
+    if (!scene)
+        return fail(BAD_INPUT, report.error);
+    // A refusal stays one line: notices are told only when all is well.
+    for (const std::string& notice : report.notices)
+        std::cerr << "strandview: " << notice << "\n";
+    return showScene(options, scene, progress);
+}

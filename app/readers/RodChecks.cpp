@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "readers/RodChecks.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "readers/wording.h"
+
+namespace {
+
+constexpr double largestCoordinate = 1e18;
+constexpr double normTolerance = 0.01;
+
+/// Divides by the largest component first: no square over- or underflows.
+algebra3d::Quaternion<double> scaledToUnit(algebra3d::Quaternion<double> q)
+{
+    double largest = 0;
+    for (int i = 0; i < 4; ++i)
+        largest = std::max(largest, std::abs(q[i]));
+    for (int i = 0; i < 4; ++i)
+        q[i] /= largest;
+    const double norm = q.getNorm();
+    for (int i = 0; i < 4; ++i)
+        q[i] /= norm;
+    return q;
+}
+
+bool isZero(const algebra3d::Quaternion<double>& q)
+{
+    return q[0] == 0 && q[1] == 0 && q[2] == 0 && q[3] == 0;
+}
+
+} // namespace
+
+bool isCoordinate(double number) { return std::abs(number) <= largestCoordinate; }
+
+bool areCoincident(const algebra3d::Vector3<double>& a, const algebra3d::Vector3<double>& b)
+{
+    const algebra3d::Vector3<double> distance = b - a;
+    return distance.dot(distance) < std::numeric_limits<double>::min();
+}
+
+std::string checkRotation(algebra3d::Quaternion<double>& rotation, const ReadOptions& options)
+{
+    if (options.normalise) {
+        if (isZero(rotation))
+            return "found the zero quaternion, expected any other";
+        rotation = scaledToUnit(rotation);
+        return {};
+    }
+    const double norm = rotation.getNorm();
+    if (std::abs(norm - 1) <= normTolerance)
+        return {};
+    return "found a quaternion of norm " + formatted(norm) +
+           ", expected 1 within 0.01 (--normalise accepts others)";
+}

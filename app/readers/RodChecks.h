@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_APP_READERS_RODCHECKS_H
+#define STRANDVIEW_APP_READERS_RODCHECKS_H
+
+#include <string>
+
+#include <algebra3d/Quaternion.h>
+#include <algebra3d/Vector3.h>
+
+#include "readers/ReadReport.h"
+
+/// What the readers ask of the numbers of a rod, whatever the format of the file.
+
+constexpr char expectedNumber[] = "a finite number";
+constexpr char expectedCoordinate[] = "a coordinate between -1e18 and 1e18";
+
+/// Whether a finite number can be drawn: at most 1e18 in magnitude, so that the square
+/// of a distance (at most 1.2e37) is finite in the single precision that is drawn with.
+bool isCoordinate(double number);
+
+/// Whether two points are one to the formulas, which divide by the square of their
+/// distance: they are equal, or so near (below 1.5e-154) that it is no normal number.
+bool areCoincident(const algebra3d::Vector3<double>& a, const algebra3d::Vector3<double>& b);
+
+/// Checks that a quaternion of finite components is a rotation: its norm is 1 within
+/// 0.01, the rod nodes' own tolerance. With options.normalise any quaternion but zero
+/// is one, and is scaled to unit length. "found ..., expected ..." if it is none, else
+/// nothing.
+std::string checkRotation(algebra3d::Quaternion<double>& rotation, const ReadOptions& options);
+
+#endif

@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_APP_READERS_PARALLELTRANSPORT_H
+#define STRANDVIEW_APP_READERS_PARALLELTRANSPORT_H
+
+#include <vector>
+
+#include <algebra3d/Quaternion.h>
+#include <algebra3d/Vector3.h>
+
+/// Material frames for a centreline that came without: one unit quaternion per point.
+///
+/// d3 is the tangent, estimated as the tubes do: the direction from the point before
+/// to the point after, at the ends that of the end's edge. (Where the centreline turns
+/// back on itself and the two are one point, it is the direction of the edge that
+/// follows.) d1 and d2 do not turn about d3 on their way along the centreline. The
+/// first d2 is z made perpendicular to d3, or y if d3 is nearly z: in a plane of
+/// constant z, every d2 is z.
+///
+/// At least 2 points, and no two consecutive ones coincident (RodChecks.h).
+std::vector<algebra3d::Quaternion<double>>
+parallelTransport(const std::vector<algebra3d::Vector3<double>>& points);
+
+#endif

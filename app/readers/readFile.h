@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_APP_READERS_READFILE_H
+#define STRANDVIEW_APP_READERS_READFILE_H
+
+#include <optional>
+#include <string>
+
+#include "Configuration.h"
+#include "readers/ReadReport.h"
+
+/// Reads one file, or standard input for "-", by the reader for its ending:
+/// .txt .dat .csv .tsv .xyz are tables, .json is JSON (upper or lower case). Standard
+/// input is JSON if its first character that is not blank is "{", else a table. A
+/// byte order mark of UTF-8 is skipped.
+///
+/// Adds to report.notices. Nothing and report.error if it fails; if the file cannot be
+/// read at all the error gives the system's reason.
+std::optional<Configuration> readFile(const std::string& path, const ReadOptions& options,
+                                      ReadReport& report);
+
+#endif

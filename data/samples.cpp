@@ -1,0 +1,379 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "samples.h"
+
+#include <cmath>
+#include <memory>
+#include <random>
+#include <utility>
+
+#include <algebra3d/Matrix3.h>
+#include <gsl/gsl_integration.h>
+#include <gsl/gsl_math.h>
+#include <gsl/gsl_sf_ellint.h>
+#include <gsl/gsl_sf_elljac.h>
+
+namespace samples {
+namespace {
+
+using Vector = algebra3d::Vector3<double>;
+using Quaternion = algebra3d::Quaternion<double>;
+
+/// A number that depends on a curve's parameter, with its first and second derivative.
+/// A plain number is a constant.
+struct Jet
+{
+    Jet(double f, double f1 = 0, double f2 = 0) : value(f), first(f1), second(f2) {}
+
+    double value, first, second;
+};
+
+Jet operator+(const Jet& f, const Jet& g)
+{
+    return {f.value + g.value, f.first + g.first, f.second + g.second};
+}
+Jet operator*(const Jet& f, const Jet& g)
+{
+    return {f.value * g.value, f.first * g.value + f.value * g.first,
+            f.second * g.value + 2 * f.first * g.first + f.value * g.second};
+}
+Jet operator-(const Jet& f, const Jet& g) { return f + -1 * g; }
+
+/// The chain rule, given the outer function's value and derivatives at f.
+Jet composed(const Jet& f, double value, double first, double second)
+{
+    return {value, first * f.first, second * f.first * f.first + first * f.second};
+}
+Jet sin(const Jet& f)
+{
+    const double s = std::sin(f.value), c = std::cos(f.value);
+    return composed(f, s, c, -s);
+}
+Jet cos(const Jet& f)
+{
+    const double s = std::sin(f.value), c = std::cos(f.value);
+    return composed(f, c, -s, -c);
+}
+Jet tanh(const Jet& f)
+{
+    const double t = std::tanh(f.value), slope = 1 - t * t;
+    return composed(f, t, slope, -2 * t * slope);
+}
+Jet exp(const Jet& f)
+{
+    const double e = std::exp(f.value);
+    return composed(f, e, e, e);
+}
+Jet logCosh(const Jet& f)
+{
+    const double t = std::tanh(f.value);
+    return composed(f, std::log(std::cosh(f.value)), t, 1 - t * t);
+}
+
+/// A curve's point with the first and second derivative by the curve's parameter.
+struct CurvePoint
+{
+    CurvePoint(const Jet& x, const Jet& y, const Jet& z)
+        : position(x.value, y.value, z.value),
+          velocity(x.first, y.first, z.first),
+          acceleration(x.second, y.second, z.second)
+    {}
+
+    double speed() const { return velocity.getNorm(); }
+    Vector tangent() const { return velocity.getUnit(); }
+    double curvature() const
+    {
+        return velocity.cross(acceleration).getNorm() / std::pow(speed(), 3);
+    }
+
+    Vector position, velocity, acceleration;
+};
+
+/// A curve as the formula of its coordinates.
+using Formula = CurvePoint (*)(const Jet& parameter);
+
+CurvePoint pointAt(Formula curve, double parameter) { return curve({parameter, 1}); }
+
+/// The rotation with ribbon direction d2 and tangent d3; d1 = d2 x d3. Of its two
+/// quaternions the one nearer to the rod's last rotation.
+void addPoint(Rod& rod, const Vector& point, const Vector& d2, const Vector& d3)
+{
+    Quaternion q = algebra3d::Matrix3<double>(d2.cross(d3), d2, d3).getQuaternion();
+    if (!rod.rotations.empty()) {
+        const Quaternion& last = rod.rotations.back();
+        if (q[0] * last[0] + q[1] * last[1] + q[2] * last[2] + q[3] * last[3] < 0)
+            q = Quaternion(-q[0], -q[1], -q[2], -q[3]);
+    }
+    rod.points.push_back(point);
+    rod.rotations.push_back(q);
+}
+
+/// The arc length between two near parameters, by ten Gauss-Legendre points.
+double arcLength(Formula curve, double begin, double end)
+{
+    static const std::unique_ptr<gsl_integration_glfixed_table,
+                                 decltype(&gsl_integration_glfixed_table_free)>
+        table(gsl_integration_glfixed_table_alloc(10), gsl_integration_glfixed_table_free);
+    double length = 0;
+    for (std::size_t i = 0; i < table->n; ++i) {
+        double parameter, weight;
+        gsl_integration_glfixed_point(begin, end, i, &parameter, &weight, table.get());
+        length += weight * pointAt(curve, parameter).speed();
+    }
+    return length;
+}
+
+/// Parameters from 0 to end, ends included, at equal arc lengths; and the curve's length.
+std::pair<std::vector<double>, double> equalArcLengths(Formula curve, double end, int count)
+{
+    double length = 0;
+    for (int i = 0; i + 1 < count; ++i)
+        length += arcLength(curve, end * i / (count - 1), end * (i + 1) / (count - 1));
+
+    const double step = length / (count - 1);
+    std::vector<double> parameters{0};
+    while (int(parameters.size()) + 1 < count) {
+        const double from = parameters.back();
+        double to = from + step / pointAt(curve, from).speed();
+        for (int newton = 0; newton < 6; ++newton)
+            to -= (arcLength(curve, from, to) - step) / pointAt(curve, to).speed();
+        parameters.push_back(to);
+    }
+    parameters.push_back(end);
+    return {parameters, length};
+}
+
+Vector reflected(const Vector& v, const Vector& mirrorNormal)
+{
+    return v - mirrorNormal * (2 * v.dot(mirrorNormal) / mirrorNormal.dot(mirrorNormal));
+}
+
+/// Parallel transport of a normal along the curve by the double reflection of
+/// W. Wang, B. Juettler, D. Zheng, Y. Liu, Computation of rotation minimizing
+/// frames, ACM Trans. Graphics 27 (2008), article 2; of fourth order in the piece.
+Vector transported(Formula curve, double from, double to, Vector normal)
+{
+    constexpr int pieces = 32;
+    CurvePoint here = pointAt(curve, from);
+    for (int i = 1; i <= pieces; ++i) {
+        const CurvePoint next = pointAt(curve, from + (to - from) * i / pieces);
+        const Vector chord = next.position - here.position;
+        const Vector between = next.tangent() - reflected(here.tangent(), chord);
+        normal = reflected(reflected(normal, chord), between);
+        here = next;
+    }
+    return normal;
+}
+
+/// The closed curve of the given period. d2 begins against the principal normal, is
+/// transported in parallel and turned about the tangent at a constant rate: of the
+/// rates that close the frame the one nearest to that of so many whole turns.
+Rod closedRod(Formula curve, double period, int count, int turns)
+{
+    const auto [parameters, length] = equalArcLengths(curve, period, count);
+    const CurvePoint start = pointAt(curve, 0);
+    const Vector first =
+        start.velocity.cross(start.acceleration).cross(start.velocity).getUnit() * -1.0;
+    std::vector<Vector> normals{first};
+    for (int i = 1; i < count; ++i)
+        normals.push_back(transported(curve, parameters[i - 1], parameters[i], normals.back()));
+
+    // The holonomy: the angle from the first normal to the last, about the tangent.
+    const double holonomy =
+        std::atan2(first.cross(normals.back()).dot(start.tangent()), first.dot(normals.back()));
+    const double twist = (2 * M_PI * turns - holonomy) / length;
+
+    Rod rod;
+    rod.scalars = {{"arclength", {}}, {"curvature", {}}, {"twist", {}}};
+    for (int i = 0; i < count; ++i) {
+        const double s = length * i / (count - 1);
+        // The ends are one place: the last row is the first, not its neighbour in rounding.
+        const bool last = i + 1 == count;
+        const CurvePoint point = last ? start : pointAt(curve, parameters[i]);
+        const Vector tangent = point.tangent();
+        const Vector d2 = last ? first
+                               : normals[i] * std::cos(twist * s) +
+                                     tangent.cross(normals[i]) * std::sin(twist * s);
+        addPoint(rod, point.position, d2, tangent);
+        rod.scalars[0].values.push_back(s);
+        rod.scalars[1].values.push_back(point.curvature());
+        rod.scalars[2].values.push_back(twist);
+    }
+    return rod;
+}
+
+} // namespace
+
+// Frenet frame: d1 is the principal normal, d2 the binormal.
+Rod helix()
+{
+    constexpr double radius = 1, pitch = 1.25, turns = 5;
+    constexpr int count = 201;
+
+    const double b = pitch / (2 * M_PI), c = std::hypot(radius, b);
+    Rod rod;
+    rod.scalars = {{"arclength", {}}, {"curvature", {}}, {"torsion", {}}};
+    for (int i = 0; i < count; ++i) {
+        const double angle = 2 * M_PI * turns * i / (count - 1);
+        const double cosine = std::cos(angle), sine = std::sin(angle);
+        addPoint(rod, Vector(b * angle - turns * pitch / 2, radius * cosine, radius * sine),
+                 Vector(radius, b * sine, -b * cosine) * (1 / c),
+                 Vector(b, -radius * sine, radius * cosine) * (1 / c));
+        rod.scalars[0].values.push_back(c * angle);
+        rod.scalars[1].values.push_back(radius / (c * c));
+        rod.scalars[2].values.push_back(b / (c * c));
+    }
+    return rod;
+}
+
+// With theta the tangent's angle to the x axis and k the modulus:
+// sin(theta / 2) = k sn s, theta' = 2 k cn s, x = 2 E(am s) - s, y = -2 k cn s.
+Rod elastica()
+{
+    constexpr double k = 0.82;
+    constexpr int periods = 3, count = 301;
+
+    const double E = gsl_sf_ellint_Ecomp(k, GSL_PREC_DOUBLE);
+    const double period = 4 * gsl_sf_ellint_Kcomp(k, GSL_PREC_DOUBLE);
+    const double advance = 8 * E - period;
+    Rod rod;
+    rod.scalars = {{"arclength", {}}, {"curvature", {}}};
+    for (int i = 0; i < count; ++i) {
+        const double s = period * periods * i / (count - 1);
+        double sn, cn, dn;
+        gsl_sf_elljac_e(s, k * k, &sn, &cn, &dn);
+        // am s is near 2 pi s / period, atan2 gives it without its whole turns.
+        const double amplitude = std::atan2(sn, cn);
+        const double turns = std::round(s / period - amplitude / (2 * M_PI));
+        const double e = gsl_sf_ellint_E(amplitude, k, GSL_PREC_DOUBLE) + turns * 4 * E;
+        const double cosine = 1 - 2 * k * k * sn * sn, sine = 2 * k * sn * dn;
+        addPoint(rod, Vector(2 * e - s - advance * periods / 2, -2 * k * cn, 0),
+                 Vector(sine, -cosine, 0), Vector(cosine, sine, 0));
+        rod.scalars[0].values.push_back(s);
+        rod.scalars[1].values.push_back(2 * k * cn);
+    }
+    return rod;
+}
+
+Rod trefoil()
+{
+    // Twice around the z axis, three times around the torus' core, right-handed.
+    const auto curve = [](const Jet& t) {
+        constexpr double coreRadius = 2, sectionRadius = 0.7, height = 0.8;
+        const Jet rho = coreRadius + sectionRadius * cos(3 * t);
+        return CurvePoint(rho * cos(2 * t), rho * sin(2 * t), -1 * height * sin(3 * t));
+    };
+    return closedRod(curve, 2 * M_PI, 301, 0);
+}
+
+Rod supercoil()
+{
+    const auto curve = [](const Jet& t) {
+        // A flat strip of two strands, with a loop at either end.
+        constexpr double radius = 0.47, loopSize = 3.4;
+        const Jet x = 8.4 * cos(t) + 0.8 * cos(3 * t);
+        const Jet y = radius * tanh(1.5 * sin(t)) + loopSize * sin(t) * exp(-4.5 * sin(t) * sin(t));
+        // Wound about the x axis, evenly as far as the loops and by whole turns between
+        // them, so that the loops lie in one plane.
+        constexpr double windingEnd = 5.5, fade = 0.7, rate = 4 * M_PI / windingEnd;
+        const Jet phi =
+            rate * fade / 2 *
+            (logCosh((x + windingEnd) * (1 / fade)) - logCosh((x - windingEnd) * (1 / fade)));
+        // The x axis bent to a circle.
+        constexpr double bend = 6;
+        const Jet rho = bend + y * cos(phi);
+        return CurvePoint(rho * sin(x * (1 / bend)), rho * cos(x * (1 / bend)), y * sin(phi));
+    };
+    return closedRod(curve, 2 * M_PI, 400, -2);
+}
+
+// The strains u1, u2 (bending) and u3 (twist) about d1, d2, d3 are random
+// trigonometric sums; the frame and the centreline follow by integration.
+Rod randomRod()
+{
+    constexpr unsigned seed = 17;
+    constexpr double length = 30, bending = 4, twisting = 2;
+    constexpr int modes = 6, count = 301, pieces = 64;
+
+    // Equal on every standard library: the engine is fixed by the C++ standard,
+    // its distributions are not. In [-1, 1).
+    std::mt19937_64 engine(seed);
+    const auto uniform = [&engine] { return std::ldexp(double(engine() >> 11), -52) - 1; };
+
+    struct Mode
+    {
+        double amplitude, phase;
+    };
+    Mode strain[3][modes];
+    for (auto& sum : strain)
+        for (Mode& mode : sum) {
+            mode.amplitude = uniform() / modes;
+            mode.phase = M_PI * uniform();
+        }
+    const auto strainAt = [&strain](double s) {
+        Vector u;
+        for (int i = 0; i < 3; ++i)
+            for (int m = 0; m < modes; ++m)
+                u[i] += (i < 2 ? bending : twisting) * strain[i][m].amplitude *
+                        std::cos(2 * M_PI * (m + 1) * s / length + strain[i][m].phase);
+        return u;
+    };
+
+    Vector point, d1(1, 0, 0), d2(0, 1, 0), d3(0, 0, 1);
+    Rod rod;
+    rod.scalars = {{"arclength", {}}, {"curvature", {}}, {"twist", {}}};
+    const double step = length / (count - 1) / pieces;
+    for (int i = 0; i < count; ++i) {
+        const double s = length * i / (count - 1);
+        const Vector u = strainAt(s);
+        addPoint(rod, point, d2, d3);
+        rod.scalars[0].values.push_back(s);
+        rod.scalars[1].values.push_back(std::hypot(u.x, u.y));
+        rod.scalars[2].values.push_back(u.z);
+        // Every piece turns the frame about the fixed axis of its middle (Rodrigues).
+        for (int piece = 0; piece < pieces; ++piece) {
+            const Vector v = strainAt(s + (piece + 0.5) * step);
+            const Vector axis = (d1 * v.x + d2 * v.y + d3 * v.z).getUnit();
+            const auto turned = [&axis](const Vector& w, double angle) {
+                return w * std::cos(angle) + axis.cross(w) * std::sin(angle) +
+                       axis * (axis.dot(w) * (1 - std::cos(angle)));
+            };
+            const double angle = v.getNorm() * step;
+            point += turned(d3, angle / 2) * step;
+            d1 = turned(d1, angle);
+            d2 = turned(d2, angle);
+            d3 = turned(d3, angle);
+        }
+    }
+    return rod;
+}
+
+namespace {
+
+/// Turned so that the diagonal (1, 1, 1) comes to the z axis.
+CurvePoint diagonalUp(const Jet& x, const Jet& y, const Jet& z)
+{
+    return CurvePoint((x - y) * std::sqrt(1 / 2.0), (x + y - 2 * z) * std::sqrt(1 / 6.0),
+                      (x + y + z) * std::sqrt(1 / 3.0));
+}
+
+} // namespace
+
+// Three ellipses in orthogonal planes: no two are linked, all three are.
+std::vector<Rod> borromeanRings()
+{
+    static constexpr double longAxis = 2.6, shortAxis = 1.6;
+    constexpr int count = 73;
+    const auto inXY = [](const Jet& t) {
+        return diagonalUp(longAxis * cos(t), shortAxis * sin(t), 0);
+    };
+    const auto inYZ = [](const Jet& t) {
+        return diagonalUp(0, longAxis * cos(t), shortAxis * sin(t));
+    };
+    const auto inZX = [](const Jet& t) {
+        return diagonalUp(shortAxis * sin(t), 0, longAxis * cos(t));
+    };
+    return {closedRod(inXY, 2 * M_PI, count, 0), closedRod(inYZ, 2 * M_PI, count, 0),
+            closedRod(inZX, 2 * M_PI, count, 0)};
+}
+
+} // namespace samples

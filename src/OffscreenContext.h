@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_OFFSCREENCONTEXT_H
+#define STRANDVIEW_OFFSCREENCONTEXT_H
+
+#include <StrandviewExport.h>
+
+/// OpenGL contexts for Coin's SoOffscreenRenderer, with and without a display.
+///
+/// The contexts are EGL pbuffers: RGBA8, depth 24, stencil 8, one sample per pixel.
+/// Tried in this order: the surfaceless platform, each device of the device platform,
+/// the default display. What was current on the thread before a render, a window's GLX
+/// context or somebody's EGL context, is current again after it.
+///
+/// Where no context can be had, SoOffscreenRenderer::render returns FALSE, the first
+/// time with a warning through SoDebugError that names what was tried. Two remarks
+/// of Coin about its own affairs are kept from the user: "Couldn't get current GLX
+/// context" and "Ignoring resource hogging"; every other message reaches the handler
+/// that the host has set.
+///
+/// Pictures larger than 4096 x 4096 pixels are put together from tiles by Coin. It
+/// writes past its buffer if such a picture has the components LUMINANCE or
+/// LUMINANCE_TRANSPARENCY: ask for RGB or RGB_TRANSPARENCY.
+class STRANDVIEW_EXPORT OffscreenContext
+{
+public:
+    OffscreenContext() = delete;
+
+    /// To be called after SoDB::init() and before the first off-screen render of the
+    /// process. Calling it again changes nothing. No context is made yet.
+    static void install();
+};
+
+#endif

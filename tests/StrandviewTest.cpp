@@ -1,0 +1,310 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The host program as its user sees it: arguments, files, lines and exit statuses.
+#include <cmath>
+#include <fstream>
+#include <sstream>
+
+#include <QDir>
+#include <QFile>
+#include <QImage>
+#include <QTemporaryDir>
+#include <gmock/gmock.h>
+
+#include "support/runProgram.h"
+
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+namespace {
+
+const char* const HELIX = "0 0 0\n1 0 0.2\n1 1 0.4\n0 1 0.6\n0 0 0.8\n";
+
+class StrandviewTest : public testing::Test
+{
+protected:
+    std::string path(const std::string& name) const
+    {
+        return folder.filePath(QString::fromStdString(name)).toStdString();
+    }
+
+    std::string write(const std::string& name, const std::string& text) const
+    {
+        std::ofstream(path(name)) << text;
+        return path(name);
+    }
+
+    ProgramRun run(const std::vector<std::string>& arguments, const std::string& input = "",
+                   const std::vector<std::pair<std::string, std::string>>& environment = {}) const
+    {
+        return runProgram(STRANDVIEW_PROGRAM, arguments, input, environment);
+    }
+
+    QImage picture(const std::string& name) const
+    {
+        return QImage(QString::fromStdString(path(name)));
+    }
+
+    QStringList files() const
+    {
+        return QDir(folder.path())
+            .entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+    }
+
+    QTemporaryDir folder;
+};
+
+void expectOneLine(const std::string& text)
+{
+    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 1) << text;
+    EXPECT_THAT(text, StartsWith("strandview: "));
+    EXPECT_THAT(text, EndsWith("\n"));
+}
+
+int countPixels(const QImage& image, const std::function<bool(QColor)>& holds)
+{
+    int count = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x)
+            count += holds(image.pixelColor(x, y));
+    }
+    return count;
+}
+
+int countCovered(const QImage& image)
+{
+    return countPixels(image, [](const QColor& colour) { return colour != QColor(Qt::white); });
+}
+
+TEST_F(StrandviewTest, RendersATableToAPictureOfTheAskedSizeWithoutADisplay)
+{
+    const ProgramRun result =
+        run({"--render", path("rod.png"), "--size", "161x93", write("rod.txt", HELIX)});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.output, "");
+    expectOneLine(result.error);
+    EXPECT_THAT(result.error, HasSubstr("parallel transport"));
+
+    const QImage image = picture("rod.png");
+    EXPECT_EQ(image.size(), QSize(161, 93));
+    EXPECT_GT(countCovered(image), 500);
+    EXPECT_EQ(image.pixelColor(0, 0), QColor(Qt::white));
+}
+
+TEST_F(StrandviewTest, SaysNothingWhenThereIsNothingToSay)
+{
+    const std::string rod = write("rod.txt", "0 0 0 0 0 0 1\n0 0 1 0 0 0 1\n");
+    const ProgramRun result = run({"--render", path("rod.png"), rod});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.output + result.error, "");
+}
+
+TEST_F(StrandviewTest, WritesTheSamePictureEveryTime)
+{
+    const std::string rod = write("rod.txt", HELIX);
+    run({"--render", path("a.png"), "--size", "200x150", rod});
+    run({"--render", path("b.png"), "--size", "200x150", rod});
+    ASSERT_FALSE(picture("a.png").isNull());
+    EXPECT_EQ(picture("a.png"), picture("b.png"));
+}
+
+TEST_F(StrandviewTest, ReadsStandardInputAsTableOrJson)
+{
+    const std::string json = R"({"strandview": 1, "rods": [{"points": [[0,0,0],[1,0,0.2],[1,1,0.4],
+                               [0,1,0.6],[0,0,0.8]]}]})";
+    EXPECT_EQ(run({"--render", path("table.png"), "-"}, HELIX).status, 0);
+    EXPECT_EQ(run({"--render", path("json.png"), "-"}, json).status, 0);
+    ASSERT_FALSE(picture("table.png").isNull());
+    EXPECT_EQ(picture("table.png"), picture("json.png"));
+}
+
+TEST_F(StrandviewTest, ShowsAllFilesTogetherEachRodInAColourOfItsOwn)
+{
+    const std::string lower = write("lower.txt", "0 0 0 0 0.70710678 0 0.70710678\n"
+                                                 "4 0 0 0 0.70710678 0 0.70710678\n");
+    const std::string upper = write("upper.txt", "0 2 0 0 0.70710678 0 0.70710678\n"
+                                                 "4 2 0 0 0.70710678 0 0.70710678\n");
+    ASSERT_EQ(run({"--render", path("both.png"), "--size", "200x150", "--no-ribbon", lower, upper})
+                  .status,
+              0);
+    const QImage image = picture("both.png");
+    int upperMiddle = 0;
+    while (upperMiddle < 150 && image.pixelColor(100, upperMiddle) == QColor(Qt::white))
+        ++upperMiddle;
+    int lowerMiddle = 149;
+    while (lowerMiddle > 0 && image.pixelColor(100, lowerMiddle) == QColor(Qt::white))
+        --lowerMiddle;
+    ASSERT_LT(upperMiddle + 10, lowerMiddle);
+    EXPECT_NE(image.pixelColor(100, upperMiddle + 1).hue() / 20,
+              image.pixelColor(100, lowerMiddle - 1).hue() / 20);
+}
+
+TEST_F(StrandviewTest, TakesColoursForTubeRibbonAndBackground)
+{
+    // A straight rod across the view; its d2 is y.
+    const std::string rod = write("rod.txt", "0 0 0 0 0.70710678 0 0.70710678\n"
+                                             "4 0 0 0 0.70710678 0 0.70710678\n");
+    ASSERT_EQ(run({"--render", path("rod.png"), "--size", "200x150", "--radius", "0.2",
+                   "--ribbon-width", "1", "--tube-colour", "red", "--ribbon-colour", "#00ff00",
+                   "--background", "#00f", rod})
+                  .status,
+              0);
+    const QImage image = picture("rod.png");
+    const auto reddish = [](const QColor& c) { return c.red() > 80 && c.red() > 2 * c.green(); };
+    const auto greenish = [](const QColor& c) { return c.green() > 80 && c.green() > 2 * c.red(); };
+    EXPECT_EQ(image.pixelColor(0, 0), QColor(Qt::blue));
+    EXPECT_GT(countPixels(image, reddish), 1000);
+    EXPECT_GT(countPixels(image, greenish), 2000);
+
+    ASSERT_EQ(run({"--render", path("tube.png"), "--size", "200x150", "--tube-colour", "red",
+                   "--ribbon-colour", "#00ff00", "--no-ribbon", rod})
+                  .status,
+              0);
+    EXPECT_EQ(countPixels(picture("tube.png"), greenish), 0);
+    EXPECT_GT(countPixels(picture("tube.png"), reddish), 500);
+
+    ASSERT_EQ(run({"--render", path("ribbon.png"), "--size", "200x150", "--tube-colour", "red",
+                   "--ribbon-colour", "#00ff00", "--no-tube", rod})
+                  .status,
+              0);
+    EXPECT_EQ(countPixels(picture("ribbon.png"), reddish), 0);
+    EXPECT_GT(countPixels(picture("ribbon.png"), greenish), 500);
+}
+
+TEST_F(StrandviewTest, RendersARodOfAHundredThousandPoints)
+{
+    std::ostringstream table;
+    for (int i = 0; i < 100000; ++i)
+        table << std::cos(0.01 * i) << ' ' << std::sin(0.01 * i) << ' ' << 1e-4 * i << '\n';
+    const ProgramRun result =
+        run({"--render", path("rod.png"), "--size", "400x300", "-"}, table.str());
+    EXPECT_EQ(result.status, 0) << result.error;
+    EXPECT_GT(countCovered(picture("rod.png")), 10000);
+}
+
+TEST_F(StrandviewTest, HelpAndVersionGoToStandardOutput)
+{
+    const ProgramRun help = run({"--help"});
+    EXPECT_EQ(help.status, 0);
+    EXPECT_EQ(help.error, "");
+    for (const char* option : {"--render", "--size", "--radius", "--ribbon-width", "--slices",
+                               "--subsegments", "--no-tube", "--no-ribbon", "--tube-colour",
+                               "--ribbon-colour", "--background", "--normalise"})
+        EXPECT_THAT(help.output, HasSubstr(option));
+
+    const ProgramRun version = run({"--version"});
+    EXPECT_EQ(version.status, 0);
+    EXPECT_THAT(version.output, testing::MatchesRegex("strandview [0-9]+\\.[0-9]+\\.[0-9]+\n"));
+}
+
+struct BadCall
+{
+    std::string name;
+    std::vector<std::string> arguments; // GOOD and BAD stand for files, OUT for a picture
+    std::string input;
+    std::string expected;
+};
+
+void PrintTo(const BadCall& call, std::ostream* stream) { *stream << call.name; }
+
+class StrandviewBadInputTest : public StrandviewTest, public testing::WithParamInterface<BadCall>
+{
+};
+
+TEST_P(StrandviewBadInputTest, GivesOneLineAndStatus2AndKeepsTheOldPicture)
+{
+    const std::string good = write("good.txt", HELIX);
+    const std::string out = write("out.png", "the old picture");
+    std::vector<std::string> arguments = GetParam().arguments;
+    for (std::string& argument : arguments) {
+        if (argument == "GOOD")
+            argument = good;
+        if (argument == "OUT")
+            argument = out;
+    }
+    const QStringList before = files();
+    const ProgramRun result = run(arguments, GetParam().input);
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.output, "");
+    expectOneLine(result.error);
+    EXPECT_THAT(result.error, HasSubstr(GetParam().expected));
+    EXPECT_EQ(files(), before);
+    QFile old(QString::fromStdString(out));
+    ASSERT_TRUE(old.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(old.readAll() == "the old picture");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    , StrandviewBadInputTest,
+    testing::Values(
+        BadCall{"NoFile", {"--render", "OUT"}, "", "FILE"},
+        BadCall{"UnknownOption", {"--rendr", "OUT", "GOOD"}, "", "--rendr"},
+        BadCall{"MissingFile", {"--render", "OUT", "no/such.txt"}, "", "no/such.txt"},
+        BadCall{"GoodThenMissing", {"--render", "OUT", "GOOD", "none.txt"}, "", "none.txt"},
+        BadCall{"NotANumber", {"--render", "OUT", "-"}, "0 0 0\n0 zero 1\n", "zero"},
+        BadCall{"NotFinite", {"--render", "OUT", "-"}, "0 0 0\n0 0 inf\n", "inf"},
+        BadCall{"Empty", {"--render", "OUT", "-"}, "", "expected"},
+        BadCall{"OnePoint", {"--render", "OUT", "-"}, "1 2 3\n1 2 3\n", "at least 2"},
+        BadCall{
+            "StraightBack", {"--render", "OUT", "-"}, "0 0 0\n1 0 0\n0 0 0\n0 1 0\n", "-: rod 1"},
+        BadCall{"PastItself", {"--render", "OUT", "-"}, "0 0 0\n1 0 0\n-1 0 0\n", "straight back"},
+        BadCall{"RibbonToAPoint",
+                {"--render", "OUT", "--ribbon-width", "1", "-"},
+                "1 0 0 0.5 -0.5 -0.5 -0.5\n0 1 0 0.7071067811865476 0 -0.7071067811865476 0\n"
+                "-1 0 0 0.5 0.5 -0.5 0.5\n",
+                "--ribbon-width"},
+        BadCall{"NotUnit", {"--render", "OUT", "-"}, "0 0 0 0 0 0 2\n0 0 1 0 0 0 1\n", "norm"},
+        BadCall{"BadJson", {"--render", "OUT", "-"}, "{\"strandview\": 1,}", "1:"},
+        BadCall{"UnknownKey", {"--render", "OUT", "-"}, "{\"strandview\": 1, \"rds\": []}", "rds"},
+        BadCall{"PictureEnding", {"--render", "out.xyz", "GOOD"}, "", "out.xyz"},
+        BadCall{"PictureWithoutEnding", {"--render", "out", "GOOD"}, "", "'out'"},
+        BadCall{"SideTooLarge", {"--render", "OUT", "--size", "32768x10", "GOOD"}, "", "32767"},
+        BadCall{
+            "TooManyPixels", {"--render", "OUT", "--size", "32767x32767", "GOOD"}, "", "million"},
+        BadCall{"ZeroSide", {"--render", "OUT", "--size", "0x10", "GOOD"}, "", "0x10"},
+        BadCall{"SizeHalf", {"--render", "OUT", "--size", "640", "GOOD"}, "", "640"},
+        BadCall{"SizeWithRest", {"--render", "OUT", "--size", "640x480px", "GOOD"}, "", "480px"},
+        BadCall{"SizeOverflow", {"--render", "OUT", "--size", "99999999999x1", "GOOD"}, "", "WxH"},
+        BadCall{"NegativeRadius", {"--render", "OUT", "--radius", "-1", "GOOD"}, "", "--radius"},
+        BadCall{"NanRadius", {"--render", "OUT", "--radius", "nan", "GOOD"}, "", "--radius"},
+        BadCall{"WordRadius", {"--render", "OUT", "--radius", "thin", "GOOD"}, "", "--radius"},
+        BadCall{"TwoSlices", {"--render", "OUT", "--slices", "2", "GOOD"}, "", "--slices"},
+        BadCall{"Colour", {"--render", "OUT", "--tube-colour", "bluish", "GOOD"}, "", "bluish"}),
+    [](const auto& test) { return test.param.name; });
+
+TEST_F(StrandviewTest, AnUnwritablePictureGivesOneLineAndStatus1AndLeavesNothing)
+{
+    const std::string rod = write("rod.txt", "0 0 0 0 0 0 1\n0 0 1 0 0 0 1\n");
+    ASSERT_TRUE(QDir(folder.path()).mkdir("folder.png"));
+    const QStringList before = files();
+    for (const char* name : {"missing/rod.png", "folder.png"}) {
+        SCOPED_TRACE(name);
+        const ProgramRun result = run({"--render", path(name), rod});
+        EXPECT_EQ(result.status, 1);
+        expectOneLine(result.error);
+        EXPECT_THAT(result.error, HasSubstr(name));
+        EXPECT_EQ(files(), before);
+    }
+}
+
+TEST_F(StrandviewTest, WithoutAnOpenGLContextARenderFailsInOneLine)
+{
+    const std::string rod = write("rod.txt", "0 0 0 0 0 0 1\n0 0 1 0 0 0 1\n");
+    const ProgramRun result = run({"--render", path("rod.png"), rod}, "",
+                                  {{"__EGL_VENDOR_LIBRARY_FILENAMES", "/dev/null"}});
+    EXPECT_EQ(result.status, 1);
+    expectOneLine(result.error);
+    EXPECT_THAT(result.error, HasSubstr("OpenGL"));
+    EXPECT_FALSE(QFile::exists(folder.filePath("rod.png")));
+}
+
+TEST_F(StrandviewTest, AWindowWithoutADisplayIsRefusedInOneLine)
+{
+    const ProgramRun result = run({write("rod.txt", HELIX)});
+    EXPECT_EQ(result.status, 1);
+    expectOneLine(result.error);
+    EXPECT_THAT(result.error, HasSubstr("DISPLAY"));
+    EXPECT_THAT(result.error, HasSubstr("--render"));
+}
+
+} // namespace

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "CoinEnvironment.h"
+
+#include <Inventor/SoDB.h>
+#include <Inventor/SoInteraction.h>
+#include <Inventor/nodekits/SoNodeKit.h>
+
+#include <OffscreenContext.h>
+#include <SoMeshShape.h>
+#include <SoRod.h>
+
+#include "MeshShape.h"
+
+void initCoinOnce()
+{
+    static const bool done = [] {
+        SoDB::init();
+        SoNodeKit::init();
+        SoInteraction::init();
+        OffscreenContext::install();
+        SoMeshShape::initClass();
+        SoRod::initClass();
+        MeshShape::initClass();
+        return true;
+    }();
+    static_cast<void>(done);
+}

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_TESTS_RENDERPICTURE_H
+#define STRANDVIEW_TESTS_RENDERPICTURE_H
+
+#include <array>
+#include <vector>
+
+class SoNode;
+
+/// Red, green and blue from 0 to 255.
+using Colour = std::array<int, 3>;
+
+const Colour BLACK = {0, 0, 0};
+const Colour RED = {255, 0, 0};
+const Colour GREEN = {0, 255, 0};
+
+/// A small picture, asked for facts. Pixel (0, 0) is the lower left one.
+class Picture
+{
+public:
+    /// Without pixels if the scene could not be rendered.
+    Picture() = default;
+    Picture(int pictureWidth, int pictureHeight, const unsigned char* rgb);
+
+    bool isRendered() const { return !pixels.empty(); }
+    Colour getColour(int x, int y) const;
+    /// The number of pixels of exactly this colour.
+    int count(const Colour& colour) const;
+    /// The number of pixels that are not of this colour.
+    int countOther(const Colour& colour) const;
+
+private:
+    int width = 0;
+    int height = 0;
+    std::vector<Colour> pixels;
+};
+
+/// Renders a scene, which brings its own camera, on black, without a display.
+Picture renderPicture(SoNode* scene, int width, int height);
+
+#endif
