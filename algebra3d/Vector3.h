@@ -48,6 +48,7 @@ public:
         return *this;
     }
     Vector3 operator*(const T& factor) const { return Vector3(x * factor, y * factor, z * factor); }
+    friend Vector3 operator*(const T& factor, const Vector3& vector) { return vector * factor; }
 
     /// The right-handed product: (1, 0, 0).cross((0, 1, 0)) is (0, 0, 1).
     Vector3 cross(const Vector3& other) const
@@ -69,12 +70,6 @@ public:
     /// getUnit() in place.
     void normalize() { *this = getUnit(); }
 };
-
-template <typename T>
-Vector3<T> operator*(const T& factor, const Vector3<T>& vector)
-{
-    return vector * factor;
-}
 
 extern template class Vector3<double>;
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "SceneBuilder.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -13,7 +14,10 @@
 
 #include <SoRod.h>
 
+#include "Extent.h"
 #include "Progress.h"
+
+using algebra3d::Vector3;
 
 namespace {
 
@@ -41,22 +45,53 @@ SoMaterial* makeMaterial(const Colour& tube, const Colour& ribbon)
     return material;
 }
 
-SoRod* makeRod(const Rod& data, const Style& style)
+// Where data points lie in the scene: (point - origin) * scale.
+struct Placement
 {
-    auto* rod = new SoRod(style.radius, style.ribbonWidth, style.slices, style.subsegments,
-                          style.showTube, style.showRibbon, style.twoSidedRibbon);
-    rod->setData(data.points, data.rotations);
+    Vector3<double> origin;
+    double scale = 1;
+};
+
+// The data's own coordinates, unless they do not suit the meshes. Single precision
+// loses what is small and far from the origin, and the thinnest tube and the shortest
+// arc that the formulas tell from a point are fixed lengths near 1e-4 and 1e-7.
+Placement choosePlacement(const Configuration& configuration, const Style& style)
+{
+    const double farAway = 100;       // diagonals
+    const double thin = 1e-3;         // a radius
+    const double shortSegment = 1e-2; // on average
+    const Extent extent = measure(configuration);
+    Placement placement;
+    if (extent.centre.getNorm() > farAway * extent.sides.getNorm())
+        placement.origin = extent.centre;
+    const double needed =
+        std::max(thin / style.radius, shortSegment * extent.segments / extent.length);
+    if (needed > 1)
+        placement.scale = std::pow(10, std::ceil(std::log10(needed)));
+    return placement;
+}
+
+SoRod* makeRod(const Rod& data, const Style& style, const Placement& placement)
+{
+    auto* rod =
+        new SoRod(placement.scale * style.radius, placement.scale * style.ribbonWidth, style.slices,
+                  style.subsegments, style.showTube, style.showRibbon, style.twoSidedRibbon);
+    std::vector<Vector3<double>> points;
+    points.reserve(data.points.size());
+    for (const Vector3<double>& point : data.points)
+        points.push_back((point - placement.origin) * placement.scale);
+    rod->setData(points, data.rotations);
     return rod;
 }
 
 // Where neighbouring tangents are opposite or edge points coincide the formulas give
 // numbers that are not finite, and with them the length of the whole curve.
-std::string checkInterpolation(const SoRod& rod, const std::string& name)
+std::string checkInterpolation(const SoRod& rod, const std::string& name, double ribbonWidth)
 {
     if (!std::isfinite(rod.getTubeMesh()->getParamValues().back()))
         return name + ": found points that turn straight back, expected a curve without reversals";
     if (!std::isfinite(rod.getRibbonMesh()->getParamValues().back())) {
-        return name + ": found a ribbon of width " + std::to_string(rod.getRibbonWidth()) +
+        return name + ": found a ribbon of width " + std::to_string(ribbonWidth) +
                " whose edge shrinks to a point or turns back, expected another --ribbon-width";
     }
     return "";
@@ -86,6 +121,7 @@ SoSeparator* buildScene(const Configuration& configuration, const Style& style, 
     surroundings->ambientIntensity = 0.6f; // so that silhouettes are dark but not black
     scene->addChild(surroundings);
 
+    const Placement placement = choosePlacement(configuration, style);
     for (std::size_t i = 0; i < configuration.rods.size(); ++i) {
         progress.show("Building rod " + std::to_string(i + 1) + " of " +
                       std::to_string(configuration.rods.size()));
@@ -93,9 +129,9 @@ SoSeparator* buildScene(const Configuration& configuration, const Style& style, 
         auto* group = new SoSeparator;
         scene->addChild(group);
         group->addChild(makeMaterial(tube, style.ribbonColour));
-        SoRod* rod = makeRod(configuration.rods[i], style);
+        SoRod* rod = makeRod(configuration.rods[i], style, placement);
         group->addChild(rod);
-        error = checkInterpolation(*rod, configuration.rods[i].origin);
+        error = checkInterpolation(*rod, configuration.rods[i].origin, style.ribbonWidth);
         if (!error.empty()) {
             scene->unref();
             return nullptr;

@@ -16,7 +16,9 @@ class SoSeparator;
 void initialiseScene();
 
 /// Turns data and style into nodes: the one place that does. Its reference count is
-/// zero. No camera and no light is in it. Null, and one line in `error`, if a rod
+/// zero. No camera and no light is in it. The scene has the data's coordinates, but
+/// data far from the origin are moved there, and tiny ones enlarged by a power of ten,
+/// so that nothing is lost in single precision. Null, and one line in `error`, if a rod
 /// cannot be interpolated: it turns straight back on itself, or its ribbon's edge does.
 SoSeparator* buildScene(const Configuration& configuration, const Style& style, Progress& progress,
                         std::string& error);

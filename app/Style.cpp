@@ -3,42 +3,12 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
-using algebra3d::Vector3;
+#include "Extent.h"
 
 namespace {
 
 const Colour RIBBON_COLOUR{0.93f, 0.60f, 0.10f};
-
-// What the automatic sizes depend on.
-struct Extent
-{
-    Vector3<double> sides; // of the box around all points
-    double length = 0;     // of all rods together
-    int segments = 0;
-};
-
-Extent measure(const Configuration& configuration)
-{
-    const double infinity = std::numeric_limits<double>::infinity();
-    Vector3<double> lowest(infinity, infinity, infinity);
-    Vector3<double> highest(-infinity, -infinity, -infinity);
-    Extent extent;
-    for (const Rod& rod : configuration.rods) {
-        for (const Vector3<double>& point : rod.points) {
-            for (int axis = 0; axis < 3; ++axis) {
-                lowest[axis] = std::min(lowest[axis], point[axis]);
-                highest[axis] = std::max(highest[axis], point[axis]);
-            }
-        }
-        for (std::size_t i = 1; i < rod.points.size(); ++i)
-            extent.length += (rod.points[i] - rod.points[i - 1]).getNorm();
-        extent.segments += int(rod.points.size()) - 1;
-    }
-    extent.sides = highest - lowest;
-    return extent;
-}
 
 // A rod of length L that fills a volume V evenly has neighbours at about sqrt(V / L).
 // Flat sides count as a tenth of the diagonal, so that planar rods have a volume.

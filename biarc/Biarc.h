@@ -42,7 +42,8 @@ public:
     double length1;       ///< arc length of the second arc
     double length;        ///< length0 + length1; like the other four not-a-number until cache()
 
-    /// A node that belongs to no curve yet; the tangent is normalised.
+    /// A node that belongs to no curve yet. The tangent is normalised, unguarded: a zero
+    /// one is not-a-number until the curve computes its tangents.
     Biarc(const Vector& nodePoint, const Vector& nodeTangent);
 
     // Building

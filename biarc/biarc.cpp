@@ -57,7 +57,7 @@ PKFmanip::~PKFmanip() = default;
 template <class Vector>
 void Tube<Vector>::clear_tube()
 {
-    points = {};
+    points = std::vector<Vector>();
 }
 
 // Biarc

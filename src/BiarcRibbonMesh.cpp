@@ -48,6 +48,8 @@ BiarcRibbonMesh::BiarcRibbonMesh(std::vector<Vector>& edgeA, std::vector<Vector>
 void BiarcRibbonMesh::computePointsOnSide(int column, int m, Curve<::Vector3>& curve,
                                           std::vector<Vector>& tangents)
 {
+    if (curve.biarcs.empty())
+        return;
     Vector** points = getPoints();
     const int last = sampleCurve(curve, m, int(interpolationCount), paramValues, interpParamValues,
                                  [&](int row, const ::Vector3& point, const ::Vector3& tangent) {
@@ -56,8 +58,8 @@ void BiarcRibbonMesh::computePointsOnSide(int column, int m, Curve<::Vector3>& c
                                      tangents[std::size_t(row)] = fromBiarc(tangent);
                                  });
     // Unlike the tube's last ring, the last row does not extend the box: kept on purpose.
-    points[last][column] = fromBiarc(curve.biarcs.back().point);
-    tangents[std::size_t(last)] = fromBiarc(curve.biarcs.back().tangent);
+    points[last][column] = fromBiarc(lastNode(curve, m).point);
+    tangents[std::size_t(last)] = fromBiarc(lastNode(curve, m).tangent);
 }
 
 const std::vector<double>& BiarcRibbonMesh::getParamValues() const { return paramValues; }

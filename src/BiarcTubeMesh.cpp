@@ -91,7 +91,7 @@ void BiarcTubeMesh::appendWithEstimatedTangents(const std::vector<Vector>& point
 
 void BiarcTubeMesh::generateMesh(int n)
 {
-    if (n < 2)
+    if (n < 2 || curve.biarcs.empty())
         return;
     setWidth(getSlices() + 1);
     setHeight(interpolationCount * (n - 1) + 1);
@@ -108,7 +108,7 @@ void BiarcTubeMesh::generateMesh(int n)
                                     computeMeshAt(sampleRow, fromBiarc(centre),
                                                   fromBiarc(tangent).getUnit(), d1, d2);
                                 });
-    const Biarc<::Vector3>& last = curve.biarcs.back();
+    const Biarc<::Vector3>& last = lastNode(curve, n);
     computeMeshAt(row, fromBiarc(last.point), fromBiarc(last.tangent), d1, d2);
 }
 

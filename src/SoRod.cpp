@@ -78,10 +78,16 @@ void SoRod::getFrame(Vector& point, Rotation& rotation, int index) const
 
 void SoRod::generate()
 {
-    clear();
-    if (!valid)
-        return;
+    tubeMesh.reset();
+    ribbonMesh.reset();
+    if (valid)
+        buildMeshes();
+    // Only now: whoever is told at once finds the new meshes.
+    touch();
+}
 
+void SoRod::buildMeshes()
+{
     const Vector startTangent = Matrix3<double>(rotations.front()).getColumn(2);
     const Vector endTangent = Matrix3<double>(rotations.back()).getColumn(2);
     tubeMesh = std::make_unique<BiarcTubeMesh>(points, startTangent, endTangent, tubeRadius, slices,
@@ -183,11 +189,19 @@ void SoRod::setSubsegments(int count) { subsegments = std::max(count, 1); }
 
 bool SoRod::isShowingTube() const { return showingTube; }
 
-void SoRod::showTube(bool show) { showingTube = show; }
+void SoRod::showTube(bool show)
+{
+    showingTube = show;
+    touch();
+}
 
 bool SoRod::isShowingRibbon() const { return showingRibbon; }
 
-void SoRod::showRibbon(bool show) { showingRibbon = show; }
+void SoRod::showRibbon(bool show)
+{
+    showingRibbon = show;
+    touch();
+}
 
 bool SoRod::isTwoSidedRibbon() const { return twoSidedRibbon; }
 

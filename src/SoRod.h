@@ -100,6 +100,7 @@ protected:
     void computeBBox(SoAction* action, SbBox3f& box, SbVec3f& centre) override;
 
 private:
+    void buildMeshes();
     bool hasMeshes() const;
 
     double tubeRadius;

@@ -78,6 +78,10 @@ TEST(RibbonMesh, BoxHoldsBothEdges)
     const SbBox3f box = straightRibbon(3, 0.5).getBBox();
     EXPECT_EQ(box.getMin(), SbVec3f(0, 0, 0));
     EXPECT_EQ(box.getMax(), SbVec3f(0, 0.5f, 2));
+
+    RibbonMesh negative({{-3, -3, -3}, {-2, -3, -2}}, {{0, 1, 0}, {0, 1, 0}}, 0.5);
+    EXPECT_EQ(negative.getBBox().getMin(), SbVec3f(-3, -3, -3));
+    EXPECT_EQ(negative.getBBox().getMax(), SbVec3f(-2, -2.5f, -2));
 }
 
 TEST(RibbonMesh, WithoutWidthIsEmpty)

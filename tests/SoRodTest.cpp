@@ -226,6 +226,7 @@ INSTANTIATE_TEST_SUITE_P(
         RefusedData{"MorePoints", straightPoints, {IDENTITY, IDENTITY}},
         RefusedData{"MoreRotations", straightPoints, Quaternions(4, IDENTITY)},
         RefusedData{"NormTooLarge", straightPoints, {IDENTITY, {0, 0, 0, 1.02}, IDENTITY}},
+        RefusedData{"NormJustTooLarge", straightPoints, {{0, 0, 0, 1.011}, IDENTITY, IDENTITY}},
         RefusedData{"NormTooSmall", straightPoints, {IDENTITY, IDENTITY, {0, 0, 0, 0.98}}},
         RefusedData{"ZeroRotation", straightPoints, {{0, 0, 0, 0}, IDENTITY, IDENTITY}},
         RefusedData{

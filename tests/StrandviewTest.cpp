@@ -182,6 +182,40 @@ TEST_F(StrandviewTest, RendersARodOfAHundredThousandPoints)
     EXPECT_GT(countCovered(picture("rod.png")), 10000);
 }
 
+TEST_F(StrandviewTest, ShowsDataInAnyUnitAndAnywhereAlike)
+{
+    const auto helix = [](double scale, double offset) {
+        std::ostringstream table;
+        table.precision(17);
+        for (int i = 0; i < 60; ++i) {
+            table << scale * (std::cos(0.2 * i) + offset) << ' ' << scale * std::sin(0.2 * i) << ' '
+                  << scale * 0.05 * i << '\n';
+        }
+        return table.str();
+    };
+    const auto render = [&](const std::string& name, const std::string& table) {
+        EXPECT_EQ(run({"--render", path(name), "--size", "200x150", "-"}, table).status, 0);
+        return picture(name);
+    };
+    const QImage metres = render("metres.png", helix(1, 0));
+    ASSERT_GT(countCovered(metres), 2000);
+    const std::vector<std::pair<double, double>> others = {{1e-10, 0}, {1e12, 0}, {1, 1e8}};
+    for (const auto& [scale, offset] : others) {
+        SCOPED_TRACE(scale);
+        SCOPED_TRACE(offset);
+        const QImage other = render("other.png", helix(scale, offset));
+        ASSERT_EQ(other.size(), metres.size());
+        int differing = 0;
+        for (int y = 0; y < 150; ++y) {
+            for (int x = 0; x < 200; ++x)
+                differing +=
+                    other.pixelColor(x, y) != metres.pixelColor(x, y) &&
+                    std::abs(other.pixelColor(x, y).green() - metres.pixelColor(x, y).green()) > 10;
+        }
+        EXPECT_LT(differing, 60); // a few along edges
+    }
+}
+
 TEST_F(StrandviewTest, HelpAndVersionGoToStandardOutput)
 {
     const ProgramRun help = run({"--help"});

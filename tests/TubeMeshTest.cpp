@@ -241,14 +241,20 @@ TEST(TubeMesh, IsTheTubeOfThePlainFormulasWithMorePointsThanRotations)
 
 TEST(TubeMesh, BoxIsThatOfTheRings)
 {
-    TubeMesh tube = straightTube(4, 0.5, 4);
-    const SbBox3f box = tube.getBBox();
-    EXPECT_FLOAT_EQ(box.getMin()[0], -0.5f);
-    EXPECT_FLOAT_EQ(box.getMin()[1], -0.5f);
-    EXPECT_EQ(box.getMin()[2], 0);
-    EXPECT_FLOAT_EQ(box.getMax()[0], 0.5f);
-    EXPECT_FLOAT_EQ(box.getMax()[1], 0.5f);
-    EXPECT_EQ(box.getMax()[2], 3);
+    // Radius 0.5 about a line along +z; also where every coordinate is negative.
+    for (double shift : {0.0, -10.0}) {
+        SCOPED_TRACE(shift);
+        const std::vector<Vector> points = {{shift, shift, shift}, {shift, shift, shift + 3}};
+        TubeMesh tube(points, {d2AlongX, d2AlongX}, 0.5, 4, false, false);
+        const SbBox3f box = tube.getBBox();
+        const float at = float(shift);
+        for (int axis = 0; axis < 2; ++axis) {
+            EXPECT_FLOAT_EQ(box.getMin()[axis], at - 0.5f);
+            EXPECT_FLOAT_EQ(box.getMax()[axis], at + 0.5f);
+        }
+        EXPECT_EQ(box.getMin()[2], at);
+        EXPECT_EQ(box.getMax()[2], at + 3);
+    }
 }
 
 TEST(TubeMesh, CircleAddsItsStepsUpAndWritesOnePointPerSlice)

@@ -15,6 +15,12 @@ inline algebra3d::Vector3<double> fromBiarc(const Vector3& v)
     return algebra3d::Vector3<double>(v[0], v[1], v[2]);
 }
 
+/// The last of the first n nodes of a curve, which is not empty.
+inline const Biarc<Vector3>& lastNode(const Curve<Vector3>& curve, int n)
+{
+    return curve.biarcs[std::min(std::size_t(n), curve.biarcs.size()) - 1];
+}
+
 /// Walks along a curve of n nodes in `count` equal steps of arc length per biarc and
 /// calls visit(row, point, tangent) at each step's start; the last node is left to
 /// the caller. Writes the arc lengths so far, per node and per row, the last node

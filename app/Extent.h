@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_APP_EXTENT_H
+#define STRANDVIEW_APP_EXTENT_H
+
+#include "Configuration.h"
+
+/// How much room the rods of a configuration take, in the data's unit.
+struct Extent
+{
+    algebra3d::Vector3<double> centre; ///< of the box around all points
+    algebra3d::Vector3<double> sides;  ///< of that box
+    double length = 0;                 ///< of all rods together
+    int segments = 0;                  ///< of all rods together
+};
+
+Extent measure(const Configuration& configuration);
+
+#endif
