@@ -10,9 +10,15 @@
 namespace {
 
 const int BAD_INPUT = 2;
-// Coin holds the sides of a picture in 16 bits, and Qt its bytes in 31.
+// Coin holds the sides of a picture in 16 bits, and Qt its bytes in 31. What is
+// rendered has to fit, so a picture's samples count.
 const int LARGEST_SIDE = 32767;
 const long long LARGEST_PIXEL_COUNT = 700'000'000;
+
+bool fits(long long width, long long height)
+{
+    return width <= LARGEST_SIDE && height <= LARGEST_SIDE && width * height <= LARGEST_PIXEL_COUNT;
+}
 
 bool parseSize(const std::string& text, int& width, int& height)
 {
@@ -26,25 +32,38 @@ bool parseSize(const std::string& text, int& width, int& height)
 
 CLI::Option* addSize(CLI::App& app, int& width, int& height)
 {
+    const auto parse = [&width, &height](const std::string& text) {
+        const std::string found = "found '" + text + "', expected ";
+        if (!parseSize(text, width, height) || width < 1 || height < 1 || width > LARGEST_SIDE ||
+            height > LARGEST_SIDE) {
+            throw CLI::ValidationError("--size", found + "WxH with sides from 1 to " +
+                                                     std::to_string(LARGEST_SIDE));
+        }
+        if (!fits(width, height)) {
+            throw CLI::ValidationError("--size", found + "at most " +
+                                                     std::to_string(LARGEST_PIXEL_COUNT) +
+                                                     " pixels in all");
+        }
+    };
     return app
-        .add_option_function<std::string>(
-            "--size",
-            [&width, &height](const std::string& text) {
-                if (!parseSize(text, width, height) || width < 1 || height < 1 ||
-                    width > LARGEST_SIDE || height > LARGEST_SIDE) {
-                    throw CLI::ValidationError("--size", "found '" + text +
-                                                             "', expected WxH with sides from 1 "
-                                                             "to " +
-                                                             std::to_string(LARGEST_SIDE));
-                }
-                if ((long long)width * height > LARGEST_PIXEL_COUNT) {
-                    throw CLI::ValidationError("--size", "found '" + text +
-                                                             "', expected at most 700 million "
-                                                             "pixels in all");
-                }
-            },
-            "Size of the picture in pixels [1200x900]")
+        .add_option_function<std::string>("--size", parse,
+                                          "Size of the picture in pixels [1200x900]")
         ->type_name("WxH");
+}
+
+// As many samples as asked for; as many as there is room for if that is left open.
+void settleSamples(const CLI::Option* asked, Options& options)
+{
+    const auto fitting = [&options] {
+        return fits((long long)options.samples * options.pictureWidth,
+                    (long long)options.samples * options.pictureHeight);
+    };
+    if (asked->count() > 0 && !fitting()) {
+        throw CLI::ValidationError("--samples", "found " + std::to_string(options.samples) +
+                                                    ", expected fewer for so large a picture");
+    }
+    while (options.samples > 1 && !fitting())
+        --options.samples;
 }
 
 CLI::Option* addLength(CLI::App& app, const std::string& name, std::optional<double>& length,
@@ -106,6 +125,11 @@ ParsedOptions parseOptions(int argc, const char* const* argv)
     app.add_option("--render", options.picture, "Write a picture instead of opening a window")
         ->type_name("OUT.png");
     addSize(app, options.pictureWidth, options.pictureHeight);
+    const CLI::Option* samples =
+        app.add_option("--samples", options.samples,
+                       "Smooth edges: N x N samples per pixel [3, fewer for huge pictures]")
+            ->check(CLI::Range(1, 8))
+            ->type_name("N");
     app.add_flag("--normalise", options.normalise,
                  "Accept quaternions that are not unit and normalise them");
 
@@ -132,6 +156,7 @@ ParsedOptions parseOptions(int argc, const char* const* argv)
 
     try {
         app.parse(argc, argv);
+        settleSamples(samples, options);
         return {options, 0};
     } catch (const CLI::Success& request) { // --help and --version
         return {std::nullopt, app.exit(request)};

@@ -18,6 +18,7 @@ struct Options
     std::optional<std::string> picture;
     int pictureWidth = 1200;
     int pictureHeight = 900;
+    int samples = 3; ///< the picture is rendered this many times wider and higher
 
     // Lengths in the data's unit.
     std::optional<double> radius;

@@ -107,7 +107,9 @@ std::string checkPictureName(const std::string& file)
 
 std::string writePicture(SoSeparator* scene, const Picture& picture)
 {
-    const SbViewportRegion region{short(picture.width), short(picture.height)};
+    const int width = picture.samples * picture.width;
+    const int height = picture.samples * picture.height;
+    const SbViewportRegion region{short(width), short(height)};
     SoSeparator* root = addCameraAndLight(scene, region);
     root->ref();
 
@@ -123,7 +125,12 @@ std::string writePicture(SoSeparator* scene, const Picture& picture)
         return "the picture could not be rendered: " + messages.first;
 
     // Coin's rows run upwards.
-    const QImage upwards(renderer.getBuffer(), picture.width, picture.height, 3 * picture.width,
-                         QImage::Format_RGB888);
-    return saveImage(upwards.mirrored(false, true), picture.file);
+    const QImage upwards(renderer.getBuffer(), width, height, 3 * width, QImage::Format_RGB888);
+    QImage image = upwards.mirrored(false, true);
+    if (picture.samples > 1) {
+        // By a whole factor this is the mean of each pixel's samples.
+        image = image.scaled(picture.width, picture.height, Qt::IgnoreAspectRatio,
+                             Qt::SmoothTransformation);
+    }
+    return saveImage(image.convertToFormat(QImage::Format_RGB888), picture.file);
 }

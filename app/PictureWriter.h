@@ -13,6 +13,7 @@ struct Picture
     std::string file;
     int width;
     int height;
+    int samples; ///< per pixel, in each direction; rendered so much larger
     Colour background;
 };
 

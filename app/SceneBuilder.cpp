@@ -40,7 +40,7 @@ SoMaterial* makeMaterial(const Colour& tube, const Colour& ribbon)
     material->diffuseColor.set1Value(0, toSbColor(tube));
     material->diffuseColor.set1Value(1, toSbColor(ribbon));
     material->ambientColor = SbColor(0.2f, 0.2f, 0.2f);
-    material->specularColor = SbColor(0.25f, 0.25f, 0.25f);
+    material->specularColor = SbColor(0.12f, 0.12f, 0.12f);
     material->shininess = 0.4f;
     return material;
 }
@@ -89,7 +89,7 @@ SoRod* makeRod(const Rod& data, const Style& style, const Placement& placement)
 std::string checkInterpolation(const SoRod& rod, const std::string& name, double ribbonWidth)
 {
     if (!std::isfinite(rod.getTubeMesh()->getParamValues().back()))
-        return name + ": found points that turn straight back, expected a curve without reversals";
+        return name + ": found points that turn straight back, or end frames with d3 across them";
     if (!std::isfinite(rod.getRibbonMesh()->getParamValues().back())) {
         return name + ": found a ribbon of width " + std::to_string(ribbonWidth) +
                " whose edge shrinks to a point or turns back, expected another --ribbon-width";

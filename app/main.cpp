@@ -44,8 +44,9 @@ std::optional<Configuration> readFiles(const Options& options, ReadReport& repor
 int renderPicture(const Options& options, SoSeparator* scene, Progress& progress)
 {
     progress.show("Rendering " + *options.picture);
-    const std::string failure = writePicture(
-        scene, {*options.picture, options.pictureWidth, options.pictureHeight, options.background});
+    const std::string failure =
+        writePicture(scene, {*options.picture, options.pictureWidth, options.pictureHeight,
+                             options.samples, options.background});
     progress.hide();
     return failure.empty() ? SUCCESS : fail(CANNOT_WRITE, failure);
 }

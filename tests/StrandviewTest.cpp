@@ -2,6 +2,8 @@
 // The host program as its user sees it: arguments, files, lines and exit statuses.
 #include <cmath>
 #include <fstream>
+#include <functional>
+#include <set>
 #include <sstream>
 
 #include <QDir>
@@ -171,6 +173,31 @@ TEST_F(StrandviewTest, TakesColoursForTubeRibbonAndBackground)
     EXPECT_GT(countPixels(picture("ribbon.png"), greenish), 500);
 }
 
+TEST_F(StrandviewTest, SamplesSmoothTheEdges)
+{
+    const std::string rod =
+        write("rod.txt", "0 0 0 -0.0863966143 0.7018088237 0.0863966143 0.7018088237\n"
+                         "4 1 0 -0.0863966143 0.7018088237 0.0863966143 0.7018088237\n");
+    const auto colours = [&](const std::string& samples) {
+        EXPECT_EQ(run({"--render", path("rod.png"), "--size", "200x150", "--no-tube",
+                       "--ribbon-width", "1", "--samples", samples, rod})
+                      .status,
+                  0);
+        const QImage image = picture("rod.png");
+        std::set<QRgb> seen;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x)
+                seen.insert(image.pixel(x, y));
+        }
+        return seen.size();
+    };
+    // A flat ribbon in one light: its colour and the background, then the shares of
+    // a pixel that nine samples tell apart.
+    EXPECT_EQ(colours("1"), 2u);
+    EXPECT_GE(colours("3"), 8u);
+    EXPECT_LE(colours("3"), 10u);
+}
+
 TEST_F(StrandviewTest, RendersARodOfAHundredThousandPoints)
 {
     std::ostringstream table;
@@ -294,11 +321,16 @@ INSTANTIATE_TEST_SUITE_P(
         BadCall{"PictureWithoutEnding", {"--render", "out", "GOOD"}, "", "'out'"},
         BadCall{"SideTooLarge", {"--render", "OUT", "--size", "32768x10", "GOOD"}, "", "32767"},
         BadCall{
-            "TooManyPixels", {"--render", "OUT", "--size", "32767x32767", "GOOD"}, "", "million"},
+            "TooManyPixels", {"--render", "OUT", "--size", "32767x32767", "GOOD"}, "", "pixels"},
         BadCall{"ZeroSide", {"--render", "OUT", "--size", "0x10", "GOOD"}, "", "0x10"},
         BadCall{"SizeHalf", {"--render", "OUT", "--size", "640", "GOOD"}, "", "640"},
         BadCall{"SizeWithRest", {"--render", "OUT", "--size", "640x480px", "GOOD"}, "", "480px"},
         BadCall{"SizeOverflow", {"--render", "OUT", "--size", "99999999999x1", "GOOD"}, "", "WxH"},
+        BadCall{"TooManySamples",
+                {"--render", "OUT", "--size", "16000x12000", "--samples", "3", "GOOD"},
+                "",
+                "--samples"},
+        BadCall{"NoSamples", {"--render", "OUT", "--samples", "0", "GOOD"}, "", "--samples"},
         BadCall{"NegativeRadius", {"--render", "OUT", "--radius", "-1", "GOOD"}, "", "--radius"},
         BadCall{"NanRadius", {"--render", "OUT", "--radius", "nan", "GOOD"}, "", "--radius"},
         BadCall{"WordRadius", {"--render", "OUT", "--radius", "thin", "GOOD"}, "", "--radius"},

@@ -257,6 +257,19 @@ TEST(TableReader, RefusesTheZeroQuaternionEvenWhenAskedToScale)
                                     "expected any other");
 }
 
+TEST(TableReader, TellsOfQuaternionsWhoseD3DoesNotFollowThePoints)
+{
+    // d3 is z. The first rod leaves it by 45 degrees, the second by 90; the third has
+    // the identity with its scalar first, which turns z over.
+    const Reading reading = readText("0 0 0 0 0 0 1\n1 0 1 0 0 0 1\n\n"
+                                     "0 0 0 0 0 0 1\n1 0 0 0 0 0 1\n\n"
+                                     "0 0 0 1 0 0 0\n0 0 1 1 0 0 0\n");
+    ASSERT_TRUE(reading.configuration) << reading.report.error;
+    EXPECT_THAT(reading.report.notices,
+                ElementsAre("rod.txt: 2 rods whose d3 does not follow the points: is the scalar of "
+                            "the quaternions last, and d3 the tangent?"));
+}
+
 // ---- Coincident points
 
 TEST(TableReader, LeavesOutPointsAtThePlaceOfTheOneBefore)
@@ -265,13 +278,13 @@ TEST(TableReader, LeavesOutPointsAtThePlaceOfTheOneBefore)
                                      "0 0 0 0 0 0 1 10\n"
                                      "0 0 0 1 0 0 0 11\n"
                                      "0 0 0 0 1 0 0 12\n"
-                                     "0 0 1 0 0 1 0 13\n"
+                                     "0 0 1 1 0 0 0 13\n"
                                      "0 0 0 0 0 0 1 14\n"
                                      "0 0 0 0 0 0 1 15\n");
     ASSERT_TRUE(reading.configuration) << reading.report.error;
     const Rod& rod = reading.configuration->rods[0];
     EXPECT_EQ(numbersOf(rod.points), (Points{{0, 0, 0}, {0, 0, 1}, {0, 0, 0}}));
-    EXPECT_EQ(numbersOf(rod.rotations), (Rotations{{0, 0, 0, 1}, {0, 0, 1, 0}, {0, 0, 0, 1}}));
+    EXPECT_EQ(numbersOf(rod.rotations), (Rotations{{0, 0, 0, 1}, {1, 0, 0, 0}, {0, 0, 0, 1}}));
     EXPECT_THAT(rod.scalars[0].values, ElementsAre(10, 13, 14));
     EXPECT_THAT(reading.report.notices,
                 ElementsAre("rod.txt: 3 points left out, at the same place as the point before"));

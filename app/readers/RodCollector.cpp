@@ -3,11 +3,17 @@
 
 #include <utility>
 
+#include <algebra3d/Matrix3.h>
+
 #include "readers/RodChecks.h"
 #include "readers/parallelTransport.h"
 #include "readers/wording.h"
 
 namespace {
+
+/// A frame follows its rod if d3 is within 60 degrees of the points' direction, on
+/// average. Sheared rods do; quaternions that are meant in another way do not.
+constexpr double smallestMeanTangency = 0.5;
 
 /// Moves the points that are kept to the front, with all that belongs to them, and
 /// cuts off the rest. How many were left out.
@@ -33,6 +39,17 @@ std::size_t mergeCoincidentPoints(Rod& rod)
     return merged;
 }
 
+/// The mean cosine of the angle between d3 and the edge that follows.
+double meanTangency(const Rod& rod)
+{
+    double sum = 0;
+    for (std::size_t i = 0; i + 1 < rod.points.size(); ++i) {
+        const auto d3 = algebra3d::Matrix3<double>(rod.rotations[i]).getColumn(2);
+        sum += d3.dot((rod.points[i + 1] - rod.points[i]).getUnit());
+    }
+    return sum / double(rod.points.size() - 1);
+}
+
 } // namespace
 
 std::string RodCollector::add(Rod rod)
@@ -44,6 +61,8 @@ std::string RodCollector::add(Rod rod)
     if (rod.rotations.empty()) {
         rod.rotations = parallelTransport(rod.points);
         ++transportedRods;
+    } else if (meanTangency(rod) < smallestMeanTangency) {
+        ++strayingRods;
     }
     configuration.rods.push_back(std::move(rod));
     return {};
@@ -58,6 +77,10 @@ std::optional<Configuration> RodCollector::finish(const std::string& fileName, R
     if (transportedRods > 0)
         report.notices.push_back(fileName + ": " + counted(transportedRods, "rod") +
                                  " without quaternions: frames made by parallel transport");
+    if (strayingRods > 0)
+        report.notices.push_back(fileName + ": " + counted(strayingRods, "rod") +
+                                 " whose d3 does not follow the points: is the scalar of the "
+                                 "quaternions last, and d3 the tangent?");
     if (mergedPoints > 0)
         report.notices.push_back(fileName + ": " + counted(mergedPoints, "point") +
                                  " left out, at the same place as the point before");

@@ -17,7 +17,8 @@ public:
     /// of one length; the rotations may be missing altogether.
     ///
     /// A point coincident with the one before it is left out, with its rotation and
-    /// scalars. Missing rotations come by parallel transport. "found ..., expected ..."
+    /// scalars. Missing rotations come by parallel transport; of given ones a notice
+    /// tells if d3 does not follow the points. "found ..., expected ..."
     /// if fewer than two points are left, else nothing.
     std::string add(Rod rod);
 
@@ -28,6 +29,7 @@ private:
     Configuration configuration;
     std::size_t mergedPoints = 0;
     std::size_t transportedRods = 0;
+    std::size_t strayingRods = 0;
 };
 
 #endif

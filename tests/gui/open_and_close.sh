@@ -1,13 +1,7 @@
 #!/usr/bin/env bash
-# Runs a program on a display of its own until its window is there, asks the window to
-# close, and fails unless the program then ends by itself with status 0.
-# With --inside, DISPLAY is that display.
+# Runs a program until its window is there, asks the window to close, and fails unless
+# the program then ends by itself with status 0.
 set -euo pipefail
-
-if [ "${1:-}" != --inside ]; then
-    exec xvfb-run -a -s "-screen 0 1280x1024x24" "$0" --inside "$@"
-fi
-shift
 
 "$@" &
 program=$!
@@ -15,11 +9,12 @@ trap 'kill -9 $program 2>/dev/null || true' EXIT
 
 window=
 for _ in $(seq 300); do
-    window=$(xdotool search --onlyvisible --maxdepth 1 --name . 2>/dev/null | tail -n 1) && [ -n "$window" ] && break
-    kill -0 "$program" 2>/dev/null || { echo "the program ended before its window came"; exit 1; }
+    window=$(wmctrl -l | cut -d' ' -f1 | tail -n 1)
+    [ -z "$window" ] || break
+    kill -0 "$program" || { echo "the program ended before its window came"; exit 1; }
     sleep 0.1
 done
 [ -n "$window" ] || { echo "no window came"; exit 1; }
 sleep 1
-xdotool windowquit "$window"
+wmctrl -i -c "$window"
 wait "$program"

@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "MainWindow.h"
+
+#include <cmath>
+
+#include <Inventor/nodes/SoSeparator.h>
+#include <QApplication>
+#include <QImage>
+#include <QPixmap>
+#include <QScreen>
+#include <QTimer>
+#include <QWidget>
+#include <gtest/gtest.h>
+
+#include "Progress.h"
+#include "SceneBuilder.h"
+
+namespace {
+
+Configuration straightRod()
+{
+    // Across the view; d2 is y.
+    Rod rod;
+    const double s = std::sqrt(0.5);
+    for (int i = 0; i < 3; ++i) {
+        rod.points.emplace_back(i, 0, 0);
+        rod.rotations.emplace_back(0, s, 0, s);
+    }
+    return {{rod}};
+}
+
+TEST(MainWindow, ShowsTheSceneOnTheBackgroundUntilItIsClosed)
+{
+    ASSERT_EQ(checkDisplay(), "");
+    initialiseWindows("MainWindowTest");
+    initialiseScene();
+    Options options;
+    options.radius = 0.2;
+    options.tubeColour = Colour{1, 0, 0};
+    options.showRibbon = false;
+    Progress progress;
+    std::string error;
+    SoSeparator* scene =
+        buildScene(straightRod(), makeStyle(options, straightRod()), progress, error);
+    ASSERT_NE(scene, nullptr) << error;
+    scene->ref();
+
+    QString title;
+    QImage picture;
+    QTimer::singleShot(2000, [&] {
+        for (QWidget* widget : QApplication::topLevelWidgets()) {
+            if (!widget->isVisible())
+                continue;
+            title = widget->windowTitle();
+            picture =
+                widget->screen()
+                    ->grabWindow(0, widget->x(), widget->y(), widget->width(), widget->height())
+                    .toImage();
+            widget->close();
+        }
+    });
+    showWindow(scene, "a straight rod", {0, 0, 1});
+    scene->unref();
+
+    EXPECT_EQ(title, "a straight rod");
+    ASSERT_GE(picture.width(), 600);
+    int red = 0;
+    int blue = 0;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            const QColor colour = picture.pixelColor(x, y);
+            red += colour.red() > 100 && colour.green() < colour.red() / 2 && colour.blue() < 120;
+            blue += colour == QColor(0, 0, 255);
+        }
+    }
+    // The rod is a tenth of the view; the viewer's own decoration takes some of the rest.
+    EXPECT_GT(red, picture.width() * picture.height() / 30);
+    EXPECT_GT(blue, picture.width() * picture.height() / 3);
+}
+
+} // namespace
