@@ -43,6 +43,7 @@ void initialiseWindows(const char* programName)
 void showWindow(SoSeparator* scene, const std::string& title, const Colour& background)
 {
     QWidget* window = SoQt::getTopLevelWidget();
+    SoQt::setWidgetSize(window, SbVec2s(1000, 750));
     SoQtExaminerViewer viewer(window);
     viewer.setCameraType(SoOrthographicCamera::getClassTypeId());
     viewer.setBackgroundColor(SbColor(background.red, background.green, background.blue));
@@ -51,7 +52,6 @@ void showWindow(SoSeparator* scene, const std::string& title, const Colour& back
     viewer.setTitle(title.c_str());
     viewer.viewAll();
     viewer.show();
-    window->resize(1000, 750);
     SoQt::show(window);
     SoQt::mainLoop();
 }

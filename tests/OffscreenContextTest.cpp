@@ -578,9 +578,13 @@ TEST_F(OffscreenContextTest, TwentyRendersInARowLeaveNothingBehind)
     EXPECT_EQ(watch.contexts, 0);
     EXPECT_EQ(watch.pbuffers, 0);
     EXPECT_EQ(openFiles(), files);
+#ifndef __SANITIZE_ADDRESS__ // which keeps freed memory for a while
     // A pbuffer has 4 bytes of colour and 4 of depth and stencil per pixel. Twenty of
     // them would be 77 MB; what an allocator may keep is worth five.
     EXPECT_LT(residentMegabytes() - memory, 5 * width * height * 8 / 1e6);
+#else
+    static_cast<void>(memory);
+#endif
 }
 
 TEST_F(OffscreenContextTest, TwentyRendersWithOneRendererUseOneContext)

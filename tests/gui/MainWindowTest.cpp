@@ -2,6 +2,7 @@
 #include "MainWindow.h"
 
 #include <cmath>
+#include <functional>
 
 #include <Inventor/nodes/SoSeparator.h>
 #include <QApplication>
@@ -29,6 +30,30 @@ Configuration straightRod()
     return {{rod}};
 }
 
+QImage screenshot(const QWidget& widget)
+{
+    return widget.screen()
+        ->grabWindow(0, widget.x(), widget.y(), widget.width(), widget.height())
+        .toImage();
+}
+
+int pixelsOf(const QImage& picture) { return picture.width() * picture.height(); }
+
+bool isRed(const QColor& colour)
+{
+    return colour.red() > 100 && colour.green() < colour.red() / 2 && colour.blue() < 120;
+}
+
+int count(const QImage& picture, const std::function<bool(QColor)>& holds)
+{
+    int pixels = 0;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x)
+            pixels += holds(picture.pixelColor(x, y));
+    }
+    return pixels;
+}
+
 TEST(MainWindow, ShowsTheSceneOnTheBackgroundUntilItIsClosed)
 {
     ASSERT_EQ(checkDisplay(), "");
@@ -45,37 +70,31 @@ TEST(MainWindow, ShowsTheSceneOnTheBackgroundUntilItIsClosed)
     ASSERT_NE(scene, nullptr) << error;
     scene->ref();
 
+    // Looks until the rod is there, for at most a minute.
     QString title;
     QImage picture;
-    QTimer::singleShot(2000, [&] {
+    QTimer timer;
+    int looks = 0;
+    QObject::connect(&timer, &QTimer::timeout, [&] {
         for (QWidget* widget : QApplication::topLevelWidgets()) {
             if (!widget->isVisible())
                 continue;
             title = widget->windowTitle();
-            picture =
-                widget->screen()
-                    ->grabWindow(0, widget->x(), widget->y(), widget->width(), widget->height())
-                    .toImage();
-            widget->close();
+            picture = screenshot(*widget);
+            if (count(picture, isRed) > pixelsOf(picture) / 30 || ++looks == 300)
+                widget->close();
         }
     });
+    timer.start(200);
     showWindow(scene, "a straight rod", {0, 0, 1});
     scene->unref();
 
     EXPECT_EQ(title, "a straight rod");
     ASSERT_GE(picture.width(), 600);
-    int red = 0;
-    int blue = 0;
-    for (int y = 0; y < picture.height(); ++y) {
-        for (int x = 0; x < picture.width(); ++x) {
-            const QColor colour = picture.pixelColor(x, y);
-            red += colour.red() > 100 && colour.green() < colour.red() / 2 && colour.blue() < 120;
-            blue += colour == QColor(0, 0, 255);
-        }
-    }
     // The rod is a tenth of the view; the viewer's own decoration takes some of the rest.
-    EXPECT_GT(red, picture.width() * picture.height() / 30);
-    EXPECT_GT(blue, picture.width() * picture.height() / 3);
+    EXPECT_GT(count(picture, isRed), pixelsOf(picture) / 30);
+    EXPECT_GT(count(picture, [](const QColor& c) { return c == QColor(0, 0, 255); }),
+              pixelsOf(picture) / 3);
 }
 
 } // namespace

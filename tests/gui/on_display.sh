@@ -8,5 +8,8 @@ shift
 openbox 2>/dev/null &
 manager=$!
 trap 'kill -9 $manager 2>/dev/null || true' EXIT
-until wmctrl -m >/dev/null 2>&1; do sleep 0.05; done
+until wmctrl -m >/dev/null 2>&1; do
+    kill -0 $manager || { echo "the window manager did not start"; exit 1; }
+    sleep 0.05
+done
 "$@"

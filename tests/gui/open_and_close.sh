@@ -9,7 +9,7 @@ trap 'kill -9 $program 2>/dev/null || true' EXIT
 
 window=
 for _ in $(seq 300); do
-    window=$(wmctrl -l | cut -d' ' -f1 | tail -n 1)
+    window=$(wmctrl -l 2>/dev/null | cut -d' ' -f1 | tail -n 1) || true
     [ -z "$window" ] || break
     kill -0 "$program" || { echo "the program ended before its window came"; exit 1; }
     sleep 0.1

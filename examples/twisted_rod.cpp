@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// A rod in a window, with nothing but what the library needs.
 #include <cmath>
 
 #include <Inventor/Qt/SoQt.h>
 #include <Inventor/Qt/viewers/SoQtExaminerViewer.h>
 #include <SoRod.h>
-#include <algebra3d/Matrix3.h>
 
 int main(int, char** argv)
 {
@@ -15,14 +13,12 @@ int main(int, char** argv)
 
     std::vector<algebra3d::Vector3<double>> points;
     std::vector<algebra3d::Quaternion<double>> rotations;
-    for (double a = 0; a < 19; a += 0.2) {
-        points.emplace_back(std::cos(a), std::sin(a), 0.2 * a);
-        const algebra3d::Vector3<double> inwards(-std::cos(a), -std::sin(a), 0); // d2
-        const auto tangent = algebra3d::Vector3<double>(-std::sin(a), std::cos(a), 0.2).getUnit();
-        rotations.push_back(
-            algebra3d::Matrix3<double>(inwards.cross(tangent), inwards, tangent).getQuaternion());
+    for (double x = 0; x < 12; x += 0.1) { // along x, with a twist of one radian per length
+        const double s = std::sqrt(0.5) * std::sin(x / 2), c = std::sqrt(0.5) * std::cos(x / 2);
+        points.emplace_back(x, 0, 0);
+        rotations.emplace_back(s, c, s, c);
     }
-    auto* rod = new SoRod(0.08, 0.3, 24, 8, true, true, false);
+    auto* rod = new SoRod(0.1, 0.8, 24, 4, true, true, true); // radius, ribbon, how fine, what
     rod->setData(points, rotations);
 
     SoQtExaminerViewer viewer(window);
