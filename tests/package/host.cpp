@@ -4,11 +4,13 @@
 
 #include <BiarcRibbonMesh.h>
 #include <BiarcTubeMesh.h>
+#include <ColourMapper.h>
 #include <Inventor/SoDB.h>
 #include <Inventor/actions/SoGetBoundingBoxAction.h>
 #include <Mesh.h>
 #include <OffscreenContext.h>
 #include <RibbonMesh.h>
+#include <SoGeneralScene.h>
 #include <SoMeshShape.h>
 #include <SoRod.h>
 #include <TubeMesh.h>
@@ -27,6 +29,7 @@ int main()
     SoDB::init();
     SoMeshShape::initClass();
     SoRod::initClass();
+    SoGeneralScene::initClass();
     OffscreenContext::install();
 
     auto* rod = new SoRod(0.5, 0.1, 4, 2, true, true, false);

@@ -1,0 +1,369 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <SoGeneralScene.h>
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+
+#include <Inventor/actions/SoGetBoundingBoxAction.h>
+#include <Inventor/events/SoKeyboardEvent.h>
+#include <Inventor/nodes/SoComplexity.h>
+#include <Inventor/nodes/SoDrawStyle.h>
+#include <Inventor/nodes/SoFragmentShader.h>
+#include <Inventor/nodes/SoMaterial.h>
+#include <Inventor/nodes/SoShaderParameter.h>
+#include <Inventor/nodes/SoShaderProgram.h>
+#include <Inventor/nodes/SoSwitch.h>
+#include <Inventor/nodes/SoVertexShader.h>
+#include <QFile>
+#include <gsl/gsl_spline.h>
+
+using algebra3d::Vector3;
+
+SO_NODE_SOURCE(SoGeneralScene);
+
+const Vector3<double> SoGeneralScene::LIGHT_DIRS[3] = {Vector3<double>(0.2, -0.2, -1.0),
+                                                       Vector3<double>(-0.2, -0.2, -1.0),
+                                                       Vector3<double>(0.0, 0.2, -1.0)};
+const double SoGeneralScene::LIGHT_INTENSITY[3] = {1.0, 0.0, 0.0};
+const double SoGeneralScene::LIGHT_SHININESS[3] = {10.0, 10.0, 10.0};
+const Vector3<double> SoGeneralScene::LINE_COLORS[2] = {Vector3<double>(1, 1, 1),
+                                                        Vector3<double>(0, 0, 0)};
+const double SoGeneralScene::LINE_ALPHA[2] = {1.0, 1.0};
+const double SoGeneralScene::LINE_MARGINS[2] = {0.002, 0.002};
+const int SoGeneralScene::LINE_NUM_STEPS[2] = {10, 10};
+const double SoGeneralScene::LINE_STEPS[2] = {0.1, 0.1};
+
+namespace {
+
+template <typename Parameter>
+Parameter* makeParameter(const char* name)
+{
+    auto* parameter = new Parameter;
+    parameter->ref();
+    parameter->name = name;
+    return parameter;
+}
+
+QByteArray readResource(const char* path)
+{
+    QFile file(path);
+    file.open(QIODevice::ReadOnly);
+    return file.readAll();
+}
+
+template <typename Shader>
+Shader* makeShader(const QByteArray& text, std::initializer_list<SoNode*> parameters)
+{
+    auto* shader = new Shader;
+    shader->sourceType = SoShaderObject::GLSL_PROGRAM;
+    shader->sourceProgram = text.constData();
+    for (SoNode* parameter : parameters)
+        shader->parameter.addNode(parameter);
+    return shader;
+}
+
+SoShaderProgram* makeProgram(SoVertexShader* vertexShader, SoFragmentShader* fragmentShader)
+{
+    auto* program = new SoShaderProgram;
+    program->ref();
+    program->shaderObject.addNode(vertexShader);
+    program->shaderObject.addNode(fragmentShader);
+    return program;
+}
+
+template <typename Node>
+void release(Node* node)
+{
+    if (node)
+        node->unref();
+}
+
+// One white specular colour; the number set before has no lasting effect and is kept
+// as it always was.
+void whitenSpecularColour(SoMaterial* material, int entries)
+{
+    material->specularColor.setNum(entries);
+    material->specularColor.setValue(1, 1, 1);
+}
+
+// Ambient and diffuse colours from entry `offset` on: the mapper's for value(i).
+template <typename Value>
+void colourEntries(const ColourMapper* mapper, SoMaterial* material, int offset, std::size_t count,
+                   Value value)
+{
+    if (count == 0)
+        return;
+    const ColourMapper fallback;
+    const ColourMapper& used = mapper ? *mapper : fallback;
+    std::vector<SbColor> entries(count);
+    ColourMapper::Colour colour;
+    for (std::size_t i = 0; i < count; ++i) {
+        used.getColour(value(i), colour);
+        entries[i].setValue(float(colour.x), float(colour.y), float(colour.z));
+    }
+    material->ambientColor.setValues(offset, int(count), entries.data());
+    material->diffuseColor.setValues(offset, int(count), entries.data());
+}
+
+bool isAscending(const std::vector<double>& x)
+{
+    for (std::size_t i = 0; i + 1 < x.size(); ++i) {
+        if (!(x[i] <= x[i + 1]))
+            return false;
+    }
+    return x.empty() || !std::isnan(x.front());
+}
+
+} // namespace
+
+void SoGeneralScene::initClass() { SO_NODE_INIT_CLASS(SoGeneralScene, SoSeparator, "SoSeparator"); }
+
+SoGeneralScene::SoGeneralScene()
+{
+    SO_NODE_CONSTRUCTOR(SoGeneralScene);
+    initScene();
+}
+
+SoGeneralScene::~SoGeneralScene()
+{
+    release(sceneRoot);
+    release(isPersp);
+    release(useTexture);
+    release(useLightOff);
+    release(useLightOn);
+    release(lightDir);
+    release(lightIntensity);
+    release(shininess);
+    release(lineColors);
+    release(margins);
+    release(numSteps);
+    release(steps);
+    release(solidProgram);
+    release(shadedProgram);
+}
+
+// The skeleton
+
+void SoGeneralScene::initScene()
+{
+    sceneRoot = new SoSeparator;
+    sceneRoot->ref();
+    prepareShaders();
+
+    complexity = new SoComplexity;
+    complexity->type = SoComplexity::SCREEN_SPACE;
+    complexity->value = 1.0f;
+    complexity->textureQuality = 1.0f;
+    sceneRoot->addChild(complexity);
+
+    drawStyle = new SoDrawStyle;
+    drawStyle->lineWidth = lineWidth;
+
+    solidGroup = new SoSeparator;
+    solidGroup->addChild(drawStyle);
+    solidGroup->addChild(solidProgram);
+    sceneRoot->addChild(solidGroup);
+
+    shadedGroup = new SoSeparator;
+    shadedGroup->addChild(shadedProgram);
+    sceneRoot->addChild(shadedGroup);
+
+    changingGroup = new SoSeparator;
+    changingGroup->addChild(drawStyle);
+    modeSwitch = new SoSwitch;
+    modeSwitch->addChild(shadedProgram);
+    modeSwitch->addChild(solidProgram);
+    modeSwitch->whichChild = 0;
+    changingGroup->addChild(modeSwitch);
+    sceneRoot->addChild(changingGroup);
+
+    addChild(sceneRoot);
+}
+
+void SoGeneralScene::prepareShaders()
+{
+    const QByteArray vertexText = readResource(":/shaders/vert.glsl");
+    const QByteArray fragmentText = readResource(":/shaders/frag.glsl");
+    prepareShaderParams();
+    // Uniforms belong to the whole program, whichever stage a parameter hangs on.
+    solidProgram = makeProgram(makeShader<SoVertexShader>(vertexText, {useLightOff, useTexture}),
+                               makeShader<SoFragmentShader>(fragmentText, {}));
+    shadedProgram = makeProgram(
+        makeShader<SoVertexShader>(vertexText, {isPersp, useLightOn, useTexture}),
+        makeShader<SoFragmentShader>(fragmentText, {lightDir, lightIntensity, shininess}));
+}
+
+void SoGeneralScene::prepareShaderParams()
+{
+    isPersp = makeParameter<SoShaderParameter1i>("isPersp");
+    useTexture = makeParameter<SoShaderParameter1i>("useTexture");
+    useLightOff = makeParameter<SoShaderParameter1i>("useLight");
+    useLightOn = makeParameter<SoShaderParameter1i>("useLight");
+    lightDir = makeParameter<SoShaderParameterArray3f>("lightDir");
+    lightIntensity = makeParameter<SoShaderParameterArray1f>("lightIntensity");
+    shininess = makeParameter<SoShaderParameterArray1f>("shininess");
+    lineColors = makeParameter<SoShaderParameterArray4f>("lineColors");
+    margins = makeParameter<SoShaderParameterArray1f>("margins");
+    numSteps = makeParameter<SoShaderParameterArray1i>("numSteps");
+    steps = makeParameter<SoShaderParameterArray1f>("steps");
+
+    isPersp->value = 0;
+    useTexture->value = 0;
+    useLightOff->value = 0;
+    useLightOn->value = 1;
+    for (int i = 0; i < 3; ++i) {
+        const Vector3<double>& direction = LIGHT_DIRS[i];
+        lightDir->value.set1Value(i, float(direction.x), float(direction.y), float(direction.z));
+        lightIntensity->value.set1Value(i, float(LIGHT_INTENSITY[i]));
+        shininess->value.set1Value(i, float(LIGHT_SHININESS[i]));
+    }
+    for (int i = 0; i < 2; ++i) {
+        const Vector3<double>& colour = LINE_COLORS[i];
+        lineColors->value.set1Value(i, float(colour.x), float(colour.y), float(colour.z),
+                                    float(LINE_ALPHA[i]));
+        margins->value.set1Value(i, float(LINE_MARGINS[i]));
+        numSteps->value.set1Value(i, LINE_NUM_STEPS[i]);
+        steps->value.set1Value(i, float(LINE_STEPS[i]));
+    }
+}
+
+// Content
+
+void SoGeneralScene::addShaded(SoNode* node) { shadedGroup->addChild(node); }
+
+void SoGeneralScene::addSolid(SoNode* node) { solidGroup->addChild(node); }
+
+void SoGeneralScene::addChanging(SoNode* node) { changingGroup->addChild(node); }
+
+void SoGeneralScene::addChild(SoNode* node) { SoGroup::addChild(node); }
+
+// Colouring
+
+void SoGeneralScene::setColourMapper(ColourMapper* mapper)
+{
+    colourMapper = mapper ? mapper : &defaultMapper;
+}
+
+void SoGeneralScene::getColourMapperLimits(double& min, double& max)
+{
+    min = colourMapper->getMin();
+    max = colourMapper->getMax();
+}
+
+void SoGeneralScene::setColourMapperLimits(double min, double max)
+{
+    colourMapper->setMapping(min, max);
+}
+
+void SoGeneralScene::generateMaterial(ColourMapper* mapper, SoMaterial* material, int offset,
+                                      const std::vector<double>& values)
+{
+    whitenSpecularColour(material, int(values.size()) + offset);
+    colourEntries(mapper, material, offset, values.size(),
+                  [&values](std::size_t i) { return values[i]; });
+}
+
+void SoGeneralScene::interpolateMaterial(ColourMapper* mapper, SoMaterial* material, int offset,
+                                         const std::vector<double>& x, const std::vector<double>& y,
+                                         const std::vector<double>& at)
+{
+    const std::size_t samples = std::min(x.size(), y.size());
+    if (samples < 3 || at.size() < 3)
+        return;
+    whitenSpecularColour(material, int(at.size()) + offset);
+    if (!isAscending(x)) {
+        material->ambientColor.setValue(0, 0, 0);
+        material->diffuseColor.setValue(0, 0, 0);
+        return;
+    }
+
+    const std::unique_ptr<gsl_interp_accel, decltype(&gsl_interp_accel_free)> accelerator(
+        gsl_interp_accel_alloc(), gsl_interp_accel_free);
+    const std::unique_ptr<gsl_spline, decltype(&gsl_spline_free)> spline(
+        gsl_spline_alloc(gsl_interp_cspline, samples), gsl_spline_free);
+    gsl_spline_init(spline.get(), x.data(), y.data(), samples);
+    colourEntries(mapper, material, offset, at.size(), [&](std::size_t i) {
+        return gsl_spline_eval(spline.get(), at[i], accelerator.get());
+    });
+}
+
+// Look
+
+void SoGeneralScene::toggleDrawStyle(bool complexityOnly)
+{
+    if (complexityOnly) {
+        const bool screenSpace = complexity->type.getValue() == SoComplexity::SCREEN_SPACE;
+        complexity->type = screenSpace ? SoComplexity::BOUNDING_BOX : SoComplexity::SCREEN_SPACE;
+        return;
+    }
+    static const int programs[3] = {1, 1, 0};
+    static const SoDrawStyle::Style styles[3] = {SoDrawStyle::FILLED, SoDrawStyle::LINES,
+                                                 SoDrawStyle::FILLED};
+    modeSwitch->whichChild = programs[drawStyleIndex];
+    drawStyle->style = styles[drawStyleIndex];
+    drawStyleIndex = (drawStyleIndex + 1) % 3;
+}
+
+void SoGeneralScene::setShaderPersp(bool perspective)
+{
+    if (isPersp)
+        isPersp->value = perspective ? 1 : 0;
+}
+
+bool SoGeneralScene::isShaderPersp() const { return isPersp && isPersp->value.getValue() != 0; }
+
+void SoGeneralScene::setGLLineData(SbVec2f range, float granularity)
+{
+    lineWidthMin = range[0];
+    lineWidthMax = range[1];
+    lineWidthStep = granularity;
+    lineWidth = range[0];
+}
+
+void SoGeneralScene::changeLineWidth(float change)
+{
+    const float width = lineWidth + change;
+    if (width < lineWidthMin || width > lineWidthMax)
+        return;
+    lineWidth = width;
+    drawStyle->lineWidth = width;
+}
+
+void SoGeneralScene::getLightingParameters(SoShaderParameterArray3f*& dirs,
+                                           SoShaderParameterArray1f*& intensities,
+                                           SoShaderParameterArray1f*& lightShininess)
+{
+    dirs = lightDir;
+    intensities = lightIntensity;
+    lightShininess = shininess;
+}
+
+// What the viewer calls
+
+bool SoGeneralScene::processSoEvent(const SoEvent* event)
+{
+    if (SO_KEY_PRESS_EVENT(event, EQUAL))
+        changeLineWidth(lineWidthStep);
+    else if (SO_KEY_PRESS_EVENT(event, MINUS))
+        changeLineWidth(-lineWidthStep);
+    else if (SO_KEY_PRESS_EVENT(event, SPACE))
+        toggleDrawStyle(event->wasShiftDown());
+    else
+        return false;
+    return true;
+}
+
+bool SoGeneralScene::processPickEvent(const SoPickedPoint* /*point*/) { return false; }
+
+void SoGeneralScene::update() {}
+
+void SoGeneralScene::getBoundingBox(SoGetBoundingBoxAction* action)
+{
+    SoSeparator::getBoundingBox(action);
+    if (!action)
+        return;
+    const SbBox3f box = action->getBoundingBox();
+    box.getMin().getValue(bbMin[0], bbMin[1], bbMin[2]);
+    box.getMax().getValue(bbMax[0], bbMax[1], bbMax[2]);
+}
