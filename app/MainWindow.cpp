@@ -5,13 +5,14 @@
 
 #include <Inventor/Qt/SoQt.h>
 #include <Inventor/Qt/viewers/SoQtExaminerViewer.h>
-#include <Inventor/nodes/SoDirectionalLight.h>
 #include <Inventor/nodes/SoOrthographicCamera.h>
 #include <Inventor/nodes/SoSeparator.h>
 #include <QGLFormat>
 #include <QWidget>
 
-#include "SceneBuilder.h"
+#include <SoGeneralScene.h>
+
+#include "Camera.h"
 
 // Last: its macros are many.
 #include <X11/Xlib.h>
@@ -40,17 +41,21 @@ void initialiseWindows(const char* programName)
     SoQt::init(programName, programName);
 }
 
-void showWindow(SoSeparator* scene, const std::string& title, const Colour& background)
+void showWindow(SoGeneralScene* scene, const std::string& title, const Colour& background,
+                float bottom)
 {
     QWidget* window = SoQt::getTopLevelWidget();
     SoQt::setWidgetSize(window, SbVec2s(1000, 750));
     SoQtExaminerViewer viewer(window);
-    viewer.setCameraType(SoOrthographicCamera::getClassTypeId());
+    // The viewer takes the first camera that it finds as its own.
+    auto* root = new SoSeparator;
+    root->addChild(makeCamera(scene, SbViewportRegion(1000, 750), bottom));
+    root->addChild(scene);
+    viewer.setHeadlight(FALSE); // the scene has its lights
     viewer.setBackgroundColor(SbColor(background.red, background.green, background.blue));
-    viewer.setSceneGraph(scene);
-    viewer.getHeadlight()->direction = getLightDirection();
+    viewer.setSceneGraph(root);
+    viewer.saveHomePosition();
     viewer.setTitle(title.c_str());
-    viewer.viewAll();
     viewer.show();
     SoQt::show(window);
     SoQt::mainLoop();

@@ -6,7 +6,7 @@
 
 #include "Colour.h"
 
-class SoSeparator;
+class SoGeneralScene;
 
 /// Empty if there is a display to open a window on, otherwise one line that says
 /// what is missing.
@@ -15,7 +15,9 @@ std::string checkDisplay();
 /// Prepares Qt, Coin and SoQt for windows; before any node is made.
 void initialiseWindows(const char* programName);
 
-/// Shows the scene until the user closes the window.
-void showWindow(SoSeparator* scene, const std::string& title, const Colour& background);
+/// Shows the scene until the user closes the window. At first the part `bottom` of the
+/// view's height is left free below the scene.
+void showWindow(SoGeneralScene* scene, const std::string& title, const Colour& background,
+                float bottom);
 
 #endif

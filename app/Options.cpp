@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cmath>
 #include <iostream>
+#include <sstream>
 
 #include <CLI/CLI.hpp>
 
@@ -110,6 +111,63 @@ CLI::Option* addColour(CLI::App& app, const std::string& name, Target& colour,
         ->type_name("COLOUR");
 }
 
+// One side of a range; empty leaves it open.
+bool parseLimit(const std::string& text, std::optional<double>& limit)
+{
+    if (text.empty())
+        return true;
+    double value = 0;
+    const auto parsed = std::from_chars(text.data(), text.data() + text.size(), value);
+    limit = value;
+    return parsed.ec == std::errc() && parsed.ptr == text.data() + text.size() &&
+           std::isfinite(value);
+}
+
+void addColouring(CLI::App& app, Options& options)
+{
+    const std::string group = "Colour by data";
+    CLI::Option* colourBy =
+        app.add_option("--colour-by", options.colourBy,
+                       "Colour by a scalar of the file, or by arclength, curvature, torsion or "
+                       "twist")
+            ->type_name("NAME")
+            ->group(group);
+    const auto parseRange = [&options](const std::string& text) {
+        const std::size_t colon = text.find(':');
+        if (colon == std::string::npos || !parseLimit(text.substr(0, colon), options.rangeMin) ||
+            !parseLimit(text.substr(colon + 1), options.rangeMax) ||
+            (options.rangeMin && options.rangeMax && !(*options.rangeMin < *options.rangeMax))) {
+            throw CLI::ValidationError("--range", "found '" + text +
+                                                      "', expected MIN:MAX with MIN below MAX; "
+                                                      "either may be left out");
+        }
+    };
+    app.add_option_function<std::string>("--range", parseRange,
+                                         "Values at the ends of the colours [those of the data]")
+        ->type_name("MIN:MAX")
+        ->needs(colourBy)
+        ->group(group);
+    const auto parseRamp = [&options](const std::string& text) {
+        std::istringstream names(text);
+        std::string name;
+        while (std::getline(names, name, ',')) {
+            const std::optional<Colour> colour = parseColour(name);
+            if (!colour) {
+                throw CLI::ValidationError(
+                    "--colours", "found '" + name + "', expected #rrggbb or an SVG colour name");
+            }
+            options.ramp.push_back(*colour);
+        }
+        if (options.ramp.size() < 2)
+            throw CLI::ValidationError("--colours", "expected two colours or more");
+    };
+    app.add_option_function<std::string>("--colours", parseRamp,
+                                         "Colours of the ramp [blue,cyan,lime,yellow,red]")
+        ->type_name("C1,C2,...")
+        ->needs(colourBy)
+        ->group(group);
+}
+
 } // namespace
 
 ParsedOptions parseOptions(int argc, const char* const* argv)
@@ -153,6 +211,7 @@ ParsedOptions parseOptions(int argc, const char* const* argv)
     addColour(app, "--ribbon-colour", options.ribbonColour, "Colour of the ribbons")->group(look);
     addColour(app, "--background", options.background, "Colour of the background [white]")
         ->group(look);
+    addColouring(app, options);
 
     try {
         app.parse(argc, argv);

@@ -32,6 +32,12 @@ struct Options
     std::optional<Colour> tubeColour;
     std::optional<Colour> ribbonColour;
     Colour background{1, 1, 1};
+
+    /// The scalar that colours tubes and ribbons; without one they have colours of their own.
+    std::optional<std::string> colourBy;
+    std::optional<double> rangeMin;
+    std::optional<double> rangeMax;
+    std::vector<Colour> ramp; ///< the mapper's own if empty
 };
 
 /// The options, or the status to exit with: 0 after --help and --version, which go

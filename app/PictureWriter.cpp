@@ -1,12 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "PictureWriter.h"
 
-#include <algorithm>
-
 #include <Inventor/SoOffscreenRenderer.h>
-#include <Inventor/actions/SoGetBoundingBoxAction.h>
 #include <Inventor/errors/SoDebugError.h>
-#include <Inventor/nodes/SoDirectionalLight.h>
 #include <Inventor/nodes/SoOrthographicCamera.h>
 #include <Inventor/nodes/SoSeparator.h>
 #include <QFileInfo>
@@ -15,8 +11,9 @@
 #include <QSaveFile>
 
 #include <OffscreenContext.h>
+#include <SoGeneralScene.h>
 
-#include "SceneBuilder.h"
+#include "Camera.h"
 
 namespace {
 
@@ -53,34 +50,6 @@ QByteArray imageFormat(const std::string& file)
     return QFileInfo(QString::fromStdString(file)).suffix().toLower().toLatin1();
 }
 
-// A camera that shows the scene's box with a small margin, along -z with y up. The
-// box, unlike the sphere that viewAll() shows, leaves no paper empty.
-SoOrthographicCamera* makeCamera(SoSeparator* scene, const SbViewportRegion& region)
-{
-    const float margin = 1.05f;
-    auto* camera = new SoOrthographicCamera;
-    camera->viewAll(scene, region);
-    SoGetBoundingBoxAction bounds(region);
-    bounds.apply(scene);
-    const SbVec3f sides = bounds.getBoundingBox().getSize();
-    const float aspect = region.getViewportAspectRatio();
-    // The camera's height is that of the picture's shorter side.
-    camera->height = margin * (aspect >= 1 ? std::max(sides[1], sides[0] / aspect)
-                                           : std::max(sides[0], sides[1] * aspect));
-    return camera;
-}
-
-SoSeparator* addCameraAndLight(SoSeparator* scene, const SbViewportRegion& region)
-{
-    auto* root = new SoSeparator;
-    root->addChild(makeCamera(scene, region));
-    auto* light = new SoDirectionalLight;
-    light->direction = getLightDirection();
-    root->addChild(light);
-    root->addChild(scene);
-    return root;
-}
-
 std::string saveImage(const QImage& image, const std::string& name)
 {
     QSaveFile file(QString::fromStdString(name));
@@ -105,13 +74,15 @@ std::string checkPictureName(const std::string& file)
            formats.join(" .").toStdString();
 }
 
-std::string writePicture(SoSeparator* scene, const Picture& picture)
+std::string writePicture(SoGeneralScene* scene, const Picture& picture)
 {
     const int width = picture.samples * picture.width;
     const int height = picture.samples * picture.height;
     const SbViewportRegion region{short(width), short(height)};
-    SoSeparator* root = addCameraAndLight(scene, region);
+    auto* root = new SoSeparator;
     root->ref();
+    root->addChild(makeCamera(scene, region, picture.bottom));
+    root->addChild(scene);
 
     OffscreenContext::install();
     SoOffscreenRenderer renderer(region);

@@ -6,7 +6,7 @@
 
 #include "Colour.h"
 
-class SoSeparator;
+class SoGeneralScene;
 
 struct Picture
 {
@@ -15,6 +15,7 @@ struct Picture
     int height;
     int samples; ///< per pixel, in each direction; rendered so much larger
     Colour background;
+    float bottom; ///< the part of the height that is left free below the scene
 };
 
 /// Empty if the ending of a picture's name is one that can be written, otherwise one
@@ -22,8 +23,8 @@ struct Picture
 std::string checkPictureName(const std::string& file);
 
 /// Renders the whole scene off screen, seen along -z with y up by an orthographic
-/// camera with a light beside it, and writes it. The file appears complete or not at
-/// all. Returns one line that says what failed, or nothing.
-std::string writePicture(SoSeparator* scene, const Picture& picture);
+/// camera, and writes it. The file appears complete or not at all. Returns one line that
+/// says what failed, or nothing.
+std::string writePicture(SoGeneralScene* scene, const Picture& picture);
 
 #endif

@@ -7,15 +7,18 @@
 
 #include <Inventor/SoDB.h>
 #include <Inventor/SoInteraction.h>
-#include <Inventor/nodes/SoEnvironment.h>
 #include <Inventor/nodes/SoMaterial.h>
+#include <Inventor/nodes/SoMaterialBinding.h>
 #include <Inventor/nodes/SoSeparator.h>
-#include <Inventor/nodes/SoShapeHints.h>
 
+#include <SoGeneralScene.h>
 #include <SoRod.h>
 
+#include "Colouring.h"
 #include "Extent.h"
+#include "Legend.h"
 #include "Progress.h"
+#include "SoOverlay.h"
 
 using algebra3d::Vector3;
 
@@ -34,15 +37,46 @@ const std::array<Colour, 7> TUBE_COLOURS{{{0.34f, 0.61f, 0.82f},
 SbColor toSbColor(const Colour& colour) { return SbColor(colour.red, colour.green, colour.blue); }
 
 // Material 0 is the tube's, material 1 the ribbon's.
-SoMaterial* makeMaterial(const Colour& tube, const Colour& ribbon)
+SoMaterial* makeMaterial(const Style& style, std::size_t rodIndex)
 {
     auto* material = new SoMaterial;
-    material->diffuseColor.set1Value(0, toSbColor(tube));
-    material->diffuseColor.set1Value(1, toSbColor(ribbon));
-    material->ambientColor = SbColor(0.2f, 0.2f, 0.2f);
-    material->specularColor = SbColor(0.12f, 0.12f, 0.12f);
-    material->shininess = 0.4f;
+    material->diffuseColor.set1Value(
+        0, toSbColor(style.tubeColour.value_or(TUBE_COLOURS[rodIndex % TUBE_COLOURS.size()])));
+    material->diffuseColor.set1Value(1, toSbColor(style.ribbonColour));
     return material;
+}
+
+// The colours of one mesh's rows, from entry `offset` on: the scalar along the arc
+// length, smooth through the points' values, straight where they are two.
+template <typename MeshType>
+void colourRows(const Colouring& colouring, const std::vector<double>& values, const MeshType& mesh,
+                int offset, SoMaterial* material)
+{
+    ColourMapper mapper = colouring.mapper;
+    const std::vector<double>& at = mesh.getInterpParamValues();
+    if (values.size() >= 3) {
+        SoGeneralScene::interpolateMaterial(&mapper, material, offset, mesh.getParamValues(),
+                                            values, at);
+        return;
+    }
+    std::vector<double> rows;
+    for (double s : at)
+        rows.push_back(values[0] + (values[1] - values[0]) * s / at.back());
+    SoGeneralScene::generateMaterial(&mapper, material, offset, rows);
+}
+
+// One material per row: those of the tube, then those of the ribbon.
+void addColours(SoSeparator* group, const SoRod& rod, const Colouring& colouring,
+                std::size_t rodIndex)
+{
+    const std::vector<double>& values = colouring.values[rodIndex];
+    auto* material = new SoMaterial;
+    colourRows(colouring, values, *rod.getTubeMesh(), 0, material);
+    colourRows(colouring, values, *rod.getRibbonMesh(), rod.getTubeMesh()->getHeight(), material);
+    group->addChild(material);
+    auto* binding = new SoMaterialBinding;
+    binding->value = SoMaterialBinding::PER_VERTEX;
+    group->addChild(binding);
 }
 
 // Where data points lie in the scene: (point - origin) * scale.
@@ -105,40 +139,37 @@ void initialiseScene()
     SoInteraction::init();
     SoMeshShape::initClass();
     SoRod::initClass();
+    SoGeneralScene::initClass();
+    SoOverlay::initClass();
 }
 
-SoSeparator* buildScene(const Configuration& configuration, const Style& style, Progress& progress,
-                        std::string& error)
+SoGeneralScene* buildScene(const Configuration& configuration, const Style& style,
+                           const Colouring* colouring, Progress& progress, std::string& error)
 {
-    auto* scene = new SoSeparator;
+    auto* scene = new SoGeneralScene;
     scene->ref();
-    // Ribbons are seen from both sides and the upper caps from behind: an order
-    // without a shape type makes Coin light both sides of a face.
-    auto* hints = new SoShapeHints;
-    hints->vertexOrdering = SoShapeHints::COUNTERCLOCKWISE;
-    scene->addChild(hints);
-    auto* surroundings = new SoEnvironment;
-    surroundings->ambientIntensity = 0.6f; // so that silhouettes are dark but not black
-    scene->addChild(surroundings);
-
     const Placement placement = choosePlacement(configuration, style);
     for (std::size_t i = 0; i < configuration.rods.size(); ++i) {
         progress.show("Building rod " + std::to_string(i + 1) + " of " +
                       std::to_string(configuration.rods.size()));
-        const Colour tube = style.tubeColour.value_or(TUBE_COLOURS[i % TUBE_COLOURS.size()]);
+        const Rod& data = configuration.rods[i];
+        SoRod* rod = makeRod(data, style, placement);
         auto* group = new SoSeparator;
-        scene->addChild(group);
-        group->addChild(makeMaterial(tube, style.ribbonColour));
-        SoRod* rod = makeRod(configuration.rods[i], style, placement);
+        if (colouring)
+            addColours(group, *rod, *colouring, i);
+        else
+            group->addChild(makeMaterial(style, i));
         group->addChild(rod);
-        error = checkInterpolation(*rod, configuration.rods[i].origin, style.ribbonWidth);
+        scene->addShaded(group);
+
+        error = checkInterpolation(*rod, data.origin, style.ribbonWidth);
         if (!error.empty()) {
             scene->unref();
             return nullptr;
         }
     }
+    if (colouring)
+        scene->addChild(makeLegend(colouring->name, colouring->mapper, style.background));
     scene->unrefNoDelete();
     return scene;
 }
-
-SbVec3f getLightDirection() { return SbVec3f(0.15f, -0.2f, -1); }

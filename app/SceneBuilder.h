@@ -8,22 +8,22 @@
 #include "Style.h"
 
 class Progress;
-class SbVec3f;
-class SoSeparator;
+class SoGeneralScene;
+struct Colouring;
 
-/// Initialises Coin and registers the library's node classes; once per program, and
-/// before anything else of Coin.
+/// Initialises Coin and registers the program's and the library's node classes;
+/// once per program, and before anything else of Coin.
 void initialiseScene();
 
-/// Turns data and style into nodes: the one place that does. Its reference count is
-/// zero. No camera and no light is in it. The scene has the data's coordinates, but
-/// data far from the origin are moved there, and tiny ones enlarged by a power of ten,
-/// so that nothing is lost in single precision. Null, and one line in `error`, if a rod
-/// cannot be interpolated: it turns straight back on itself, or its ribbon's edge does.
-SoSeparator* buildScene(const Configuration& configuration, const Style& style, Progress& progress,
-                        std::string& error);
-
-/// Where the light of a picture or a window shines to, seen from its camera.
-SbVec3f getLightDirection();
+/// Turns data and style into nodes: the one place that does. The rods are shaded
+/// content; a legend of the colouring, if there is one, is drawn over them. There is no
+/// camera of the scene in it, and its reference count is zero.
+///
+/// The scene has the data's coordinates, but data far from the origin are moved there,
+/// and tiny ones enlarged by a power of ten, so that nothing is lost in single
+/// precision. Null, and one line in `error`, if a rod cannot be interpolated: it turns
+/// straight back on itself, or its ribbon's edge does.
+SoGeneralScene* buildScene(const Configuration& configuration, const Style& style,
+                           const Colouring* colouring, Progress& progress, std::string& error);
 
 #endif

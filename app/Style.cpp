@@ -48,5 +48,6 @@ Style makeStyle(const Options& options, const Configuration& configuration)
     style.twoSidedRibbon = options.twoSidedRibbon;
     style.tubeColour = options.tubeColour;
     style.ribbonColour = options.ribbonColour.value_or(RIBBON_COLOUR);
+    style.background = options.background;
     return style;
 }

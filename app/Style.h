@@ -20,6 +20,7 @@ struct Style
     bool twoSidedRibbon;
     std::optional<Colour> tubeColour; ///< of all rods; otherwise a colour each
     Colour ribbonColour;
+    Colour background;
 };
 
 /// The style that the options ask for; what they leave open follows from the data.

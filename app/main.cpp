@@ -3,8 +3,10 @@
 #include <optional>
 #include <string>
 
-#include <Inventor/nodes/SoSeparator.h>
+#include <SoGeneralScene.h>
 
+#include "Colouring.h"
+#include "Legend.h"
 #include "MainWindow.h"
 #include "Options.h"
 #include "PictureWriter.h"
@@ -41,26 +43,46 @@ std::optional<Configuration> readFiles(const Options& options, ReadReport& repor
     return all;
 }
 
-int renderPicture(const Options& options, SoSeparator* scene, Progress& progress)
+int renderPicture(const Options& options, SoGeneralScene* scene, float bottom, Progress& progress)
 {
     progress.show("Rendering " + *options.picture);
     const std::string failure =
         writePicture(scene, {*options.picture, options.pictureWidth, options.pictureHeight,
-                             options.samples, options.background});
+                             options.samples, options.background, bottom});
     progress.hide();
     return failure.empty() ? SUCCESS : fail(CANNOT_WRITE, failure);
 }
 
-int showScene(const Options& options, SoSeparator* scene, Progress& progress)
+int showScene(const Options& options, SoGeneralScene* scene, Progress& progress)
 {
+    const float bottom = options.colourBy ? LEGEND_HEIGHT : 0;
     scene->ref();
     int status = SUCCESS;
     if (options.picture)
-        status = renderPicture(options, scene, progress);
+        status = renderPicture(options, scene, bottom, progress);
     else
-        showWindow(scene, options.files.front() + " - strandview", options.background);
+        showWindow(scene, options.files.front() + " - strandview", options.background, bottom);
     scene->unref();
     return status;
+}
+
+// The scene, or null and a line in report.error.
+SoGeneralScene* makeScene(const Options& options, ReadReport& report, Progress& progress)
+{
+    const std::optional<Configuration> configuration = readFiles(options, report, progress);
+    if (!configuration)
+        return nullptr;
+    std::optional<Colouring> colouring;
+    if (options.colourBy) {
+        colouring = makeColouring(options, *configuration, report.error);
+        if (!colouring)
+            return nullptr;
+    }
+    if (!options.picture)
+        initialiseWindows("strandview");
+    initialiseScene();
+    return buildScene(*configuration, makeStyle(options, *configuration),
+                      colouring ? &*colouring : nullptr, progress, report.error);
 }
 
 } // namespace
@@ -85,15 +107,7 @@ int main(int argc, char** argv)
 
     Progress progress;
     ReadReport report;
-    const std::optional<Configuration> configuration = readFiles(options, report, progress);
-    SoSeparator* scene = nullptr;
-    if (configuration) {
-        if (!options.picture)
-            initialiseWindows("strandview");
-        initialiseScene();
-        scene =
-            buildScene(*configuration, makeStyle(options, *configuration), progress, report.error);
-    }
+    SoGeneralScene* scene = makeScene(options, report, progress);
     progress.hide();
     if (!scene)
         return fail(BAD_INPUT, report.error);

@@ -73,6 +73,12 @@ int countPixels(const QImage& image, const std::function<bool(QColor)>& holds)
     return count;
 }
 
+int distance(const QColor& a, const QColor& b)
+{
+    return std::max({std::abs(a.red() - b.red()), std::abs(a.green() - b.green()),
+                     std::abs(a.blue() - b.blue())});
+}
+
 int countCovered(const QImage& image)
 {
     return countPixels(image, [](const QColor& colour) { return colour != QColor(Qt::white); });
@@ -243,6 +249,78 @@ TEST_F(StrandviewTest, ShowsDataInAnyUnitAndAnywhereAlike)
     }
 }
 
+const char* const SCALARS = "x y z qx qy qz qw heat\n"
+                            "0 0 0 0 0.70710678 0 0.70710678 10\n"
+                            "1 0 0 0 0.70710678 0 0.70710678 15\n"
+                            "2 0 0 0 0.70710678 0 0.70710678 20\n"
+                            "3 0 0 0 0.70710678 0 0.70710678 25\n"
+                            "4 0 0 0 0.70710678 0 0.70710678 30\n";
+
+TEST_F(StrandviewTest, ColoursByAScalarOfTheFileAlongTheRodAndShowsALegend)
+{
+    const std::string rod = write("rod.txt", SCALARS);
+    const auto render = [&](std::vector<std::string> more) {
+        more.insert(more.end(), {"--render", path("rod.png"), "--size", "400x300", rod});
+        const ProgramRun result = run(more);
+        EXPECT_EQ(result.status, 0) << result.error;
+        return picture("rod.png");
+    };
+    const QImage plain = render({});
+    const QImage image = render({"--colour-by", "heat"});
+    // The legend at the bottom: the ends and the middle of the ramp, unlit.
+    const auto barAt = [&image](int x) { return image.pixelColor(x, 276); };
+    EXPECT_LE(distance(barAt(200 - 104), Qt::blue), 12);
+    EXPECT_LE(distance(barAt(200), Qt::green), 12);
+    EXPECT_LE(distance(barAt(200 + 104), Qt::red), 12);
+    EXPECT_GT(countPixels(image, [](const QColor& c) { return c.lightness() < 60; }),
+              countPixels(plain, [](const QColor& c) { return c.lightness() < 60; }));
+
+    // On the rod: blue on the left, green in the middle, red on the right.
+    const auto hueAt = [&image](int x) {
+        int y = 0;
+        while (y < 200 && image.pixelColor(x, y) == QColor(Qt::white))
+            ++y;
+        return image.pixelColor(x, y + 2).hsvHue();
+    };
+    EXPECT_NEAR(hueAt(20), 240, 25);
+    EXPECT_NEAR(hueAt(200), 120, 15);
+    EXPECT_LT(std::abs((hueAt(380) + 180) % 360 - 180), 25);
+}
+
+TEST_F(StrandviewTest, RangeAndColoursChangeTheRamp)
+{
+    const std::string rod = write("rod.txt", SCALARS);
+    ASSERT_EQ(run({"--render", path("rod.png"), "--size", "400x300", "--colour-by", "heat",
+                   "--range", "100:200", "--colours", "red,#0000ff", rod})
+                  .status,
+              0);
+    // All values are below the range, so the rod is of the first colour from end to end.
+    const QImage image = picture("rod.png");
+    int rodPixels = 0;
+    for (int y = 0; y < 200; ++y) {
+        for (int x = 0; x < 400; ++x) {
+            const QColor colour = image.pixelColor(x, y);
+            if (colour == QColor(Qt::white))
+                continue;
+            ++rodPixels;
+            EXPECT_LE(colour.blue(), colour.red()) << x << ", " << y;
+        }
+    }
+    EXPECT_GT(rodPixels, 1000);
+    EXPECT_GT(countPixels(image, [](const QColor& c) { return c.blue() > 250 && c.red() < 40; }),
+              10); // the legend's right end
+}
+
+TEST_F(StrandviewTest, ColoursByEveryBuiltInScalarOfAnyRod)
+{
+    const std::string two = write("two.txt", "0 0 0\n1 0 1\n");
+    const std::string helix = write("helix.txt", HELIX);
+    for (const char* name : {"arclength", "curvature", "torsion", "twist"}) {
+        SCOPED_TRACE(name);
+        EXPECT_EQ(run({"--render", path("rod.png"), "--colour-by", name, two, helix}).status, 0);
+    }
+}
+
 TEST_F(StrandviewTest, HelpAndVersionGoToStandardOutput)
 {
     const ProgramRun help = run({"--help"});
@@ -314,6 +392,24 @@ INSTANTIATE_TEST_SUITE_P(
                 "1 0 0 0.5 -0.5 -0.5 -0.5\n0 1 0 0.7071067811865476 0 -0.7071067811865476 0\n"
                 "-1 0 0 0.5 0.5 -0.5 0.5\n",
                 "--ribbon-width"},
+        BadCall{"NoSuchScalar",
+                {"--render", "OUT", "--colour-by", "speed", "GOOD"},
+                "",
+                "expected one of arclength, curvature, torsion, twist"},
+        BadCall{"RangeBackwards",
+                {"--render", "OUT", "--colour-by", "twist", "--range", "2:1", "GOOD"},
+                "",
+                "2:1"},
+        BadCall{"RangeOfWords",
+                {"--render", "OUT", "--colour-by", "twist", "--range", "low:high", "GOOD"},
+                "",
+                "MIN:MAX"},
+        BadCall{
+            "RangeWithoutScalar", {"--render", "OUT", "--range", "1:2", "GOOD"}, "", "--colour-by"},
+        BadCall{"OneColour",
+                {"--render", "OUT", "--colour-by", "twist", "--colours", "red", "GOOD"},
+                "",
+                "--colours"},
         BadCall{"NotUnit", {"--render", "OUT", "-"}, "0 0 0 0 0 0 2\n0 0 1 0 0 0 1\n", "norm"},
         BadCall{"BadJson", {"--render", "OUT", "-"}, "{\"strandview\": 1,}", "1:"},
         BadCall{"UnknownKey", {"--render", "OUT", "-"}, "{\"strandview\": 1, \"rds\": []}", "rds"},

@@ -4,7 +4,6 @@
 #include <cmath>
 #include <functional>
 
-#include <Inventor/nodes/SoSeparator.h>
 #include <QApplication>
 #include <QImage>
 #include <QPixmap>
@@ -12,6 +11,8 @@
 #include <QTimer>
 #include <QWidget>
 #include <gtest/gtest.h>
+
+#include <SoGeneralScene.h>
 
 #include "Progress.h"
 #include "SceneBuilder.h"
@@ -65,8 +66,8 @@ TEST(MainWindow, ShowsTheSceneOnTheBackgroundUntilItIsClosed)
     options.showRibbon = false;
     Progress progress;
     std::string error;
-    SoSeparator* scene =
-        buildScene(straightRod(), makeStyle(options, straightRod()), progress, error);
+    SoGeneralScene* scene =
+        buildScene(straightRod(), makeStyle(options, straightRod()), nullptr, progress, error);
     ASSERT_NE(scene, nullptr) << error;
     scene->ref();
 
@@ -86,7 +87,7 @@ TEST(MainWindow, ShowsTheSceneOnTheBackgroundUntilItIsClosed)
         }
     });
     timer.start(200);
-    showWindow(scene, "a straight rod", {0, 0, 1});
+    showWindow(scene, "a straight rod", {0, 0, 1}, 0);
     scene->unref();
 
     EXPECT_EQ(title, "a straight rod");

@@ -1,0 +1,118 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Scalars.h"
+
+#include <cmath>
+
+#include <algebra3d/Matrix3.h>
+
+using algebra3d::Matrix3;
+using algebra3d::Vector3;
+
+namespace {
+
+using Values = std::vector<double>;
+
+// Per point from one value per edge: the mean of the two edges.
+Values fromEdges(const Values& edges)
+{
+    Values points(edges.size() + 1);
+    points.front() = edges.front();
+    points.back() = edges.back();
+    for (std::size_t i = 1; i < edges.size(); ++i)
+        points[i] = (edges[i - 1] + edges[i]) / 2;
+    return points;
+}
+
+Values arcLength(const Rod& rod)
+{
+    Values values(rod.points.size());
+    for (std::size_t i = 1; i < values.size(); ++i)
+        values[i] = values[i - 1] + (rod.points[i] - rod.points[i - 1]).getNorm();
+    return values;
+}
+
+// Twice the vector area of the triangle at a point; zero where the rod is straight.
+Vector3<double> doubleArea(const Rod& rod, std::size_t i)
+{
+    return (rod.points[i] - rod.points[i - 1]).cross(rod.points[i + 1] - rod.points[i]);
+}
+
+Values curvature(const Rod& rod)
+{
+    const auto& p = rod.points;
+    Values values(p.size());
+    if (p.size() < 3)
+        return values;
+    for (std::size_t i = 1; i + 1 < p.size(); ++i) {
+        // The circle's radius is the product of the sides over four times the area.
+        const double sides = (p[i] - p[i - 1]).getNorm() * (p[i + 1] - p[i]).getNorm() *
+                             (p[i + 1] - p[i - 1]).getNorm();
+        values[i] = sides == 0 ? 0 : 2 * doubleArea(rod, i).getNorm() / sides;
+    }
+    values.front() = values[1];
+    values.back() = values[values.size() - 2];
+    return values;
+}
+
+Values torsion(const Rod& rod)
+{
+    const std::size_t edges = rod.points.size() - 1;
+    if (edges < 3)
+        return Values(rod.points.size());
+    Values values(edges);
+    for (std::size_t i = 1; i + 1 < edges; ++i) {
+        const Vector3<double> edge = rod.points[i + 1] - rod.points[i];
+        const Vector3<double> before = doubleArea(rod, i).getUnit();
+        const Vector3<double> after = doubleArea(rod, i + 1).getUnit();
+        values[i] =
+            std::atan2(before.cross(after).dot(edge.getUnit()), before.dot(after)) / edge.getNorm();
+    }
+    values.front() = values[1];
+    values.back() = values[edges - 2];
+    return fromEdges(values);
+}
+
+Values twist(const Rod& rod)
+{
+    Values values(rod.points.size() - 1);
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const Matrix3<double> from(rod.rotations[i]);
+        const Matrix3<double> to(rod.rotations[i + 1]);
+        // The rotation between the two in the first one's frame, as a quaternion: the
+        // angle of its part about d3.
+        const auto column = [&](int j) {
+            const Vector3<double> d = to.getColumn(j);
+            return Vector3<double>(from.getColumn(0).dot(d), from.getColumn(1).dot(d),
+                                   from.getColumn(2).dot(d));
+        };
+        const auto q = Matrix3<double>(column(0), column(1), column(2)).getQuaternion();
+        values[i] = std::remainder(2 * std::atan2(q[2], q[3]), 2 * std::acos(-1.0)) /
+                    (rod.points[i + 1] - rod.points[i]).getNorm();
+    }
+    return fromEdges(values);
+}
+
+} // namespace
+
+const std::vector<std::string>& builtInScalars()
+{
+    static const std::vector<std::string> names = {"arclength", "curvature", "torsion", "twist"};
+    return names;
+}
+
+std::optional<std::vector<double>> findScalar(const Rod& rod, const std::string& name)
+{
+    for (const Scalar& scalar : rod.scalars) {
+        if (scalar.name == name)
+            return scalar.values;
+    }
+    if (name == "arclength")
+        return arcLength(rod);
+    if (name == "curvature")
+        return curvature(rod);
+    if (name == "torsion")
+        return torsion(rod);
+    if (name == "twist")
+        return twist(rod);
+    return std::nullopt;
+}

@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_APP_SCALARS_H
+#define STRANDVIEW_APP_SCALARS_H
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Configuration.h"
+
+/// The scalars that every rod has, computed from its points and frames, one value per
+/// point. Ends take the value beside them.
+///
+/// arclength: along the polygon, from 0. curvature: of the circle through a point and
+/// its neighbours. torsion: by how much the plane of that circle turns, per length,
+/// positive for a right-handed curve. twist: by how much d1 and d2 turn about d3, per
+/// length, positive for a right-handed turn.
+const std::vector<std::string>& builtInScalars();
+
+/// A scalar of the rod by name: one of its file, else a built-in one, else nothing.
+std::optional<std::vector<double>> findScalar(const Rod& rod, const std::string& name);
+
+#endif

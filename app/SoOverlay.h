@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_APP_SOOVERLAY_H
+#define STRANDVIEW_APP_SOOVERLAY_H
+
+#include <Inventor/nodes/SoSeparator.h>
+#include <Inventor/nodes/SoSubNode.h>
+
+/// What is drawn over a scene without being part of it: it has no extent there and is
+/// not picked.
+class SoOverlay : public SoSeparator
+{
+    SO_NODE_HEADER(SoOverlay);
+
+public:
+    static void initClass();
+    SoOverlay();
+
+    void getBoundingBox(SoGetBoundingBoxAction* action) override;
+    void rayPick(SoRayPickAction* action) override;
+
+protected:
+    ~SoOverlay() override;
+};
+
+#endif

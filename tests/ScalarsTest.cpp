@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Scalars.h"
+
+#include <cmath>
+
+#include <gmock/gmock.h>
+
+#include "algebra3d/Matrix3.h"
+
+namespace {
+
+using algebra3d::Matrix3;
+using algebra3d::Vector3;
+
+const double RADIUS = 2;
+const double PITCH = 0.5; // height per radian
+const double TURN = 0.02; // radians between points
+const double SPEED = std::sqrt(RADIUS * RADIUS + PITCH * PITCH);
+
+// A helix in its Frenet frame (d1 the normal, d2 the binormal), turned about d3 by
+// `twist` per length. Right-handed if `hand` is 1, left-handed if -1.
+Rod helix(double twist, double hand)
+{
+    Rod rod;
+    for (int i = 0; i < 200; ++i) {
+        const double a = TURN * i;
+        const double c = std::cos(a), s = std::sin(a);
+        const Vector3<double> d3(-RADIUS * s / SPEED, hand * RADIUS * c / SPEED, PITCH / SPEED);
+        const Vector3<double> normal(-c, -hand * s, 0);
+        const Vector3<double> binormal = d3.cross(normal);
+        const double phi = twist * SPEED * a;
+        const Vector3<double> d1 = std::cos(phi) * normal + std::sin(phi) * binormal;
+        rod.points.emplace_back(RADIUS * c, hand * RADIUS * s, PITCH * a);
+        rod.rotations.push_back(Matrix3<double>(d1, d3.cross(d1), d3).getQuaternion());
+    }
+    return rod;
+}
+
+void expectAllNear(const Rod& rod, const std::string& name, double expected, double tolerance)
+{
+    SCOPED_TRACE(name);
+    const auto values = findScalar(rod, name);
+    ASSERT_TRUE(values);
+    ASSERT_EQ(values->size(), rod.points.size());
+    for (double value : *values)
+        EXPECT_NEAR(value, expected, tolerance);
+}
+
+TEST(Scalars, OfAHelixAreItsKnownOnes)
+{
+    for (const double hand : {1.0, -1.0}) {
+        SCOPED_TRACE(hand);
+        const Rod rod = helix(0, hand);
+        const double torsion = hand * PITCH / (SPEED * SPEED);
+        expectAllNear(rod, "curvature", RADIUS / (SPEED * SPEED), 1e-4);
+        expectAllNear(rod, "torsion", torsion, 1e-4);
+        // The Frenet frame turns about the tangent by the torsion.
+        expectAllNear(rod, "twist", torsion, 1e-4);
+    }
+}
+
+TEST(Scalars, TwistAddsToTheTorsion)
+{
+    expectAllNear(helix(0.7, 1), "twist", 0.7 + PITCH / (SPEED * SPEED), 1e-4);
+    expectAllNear(helix(-3, 1), "twist", -3 + PITCH / (SPEED * SPEED), 1e-4);
+}
+
+TEST(Scalars, TwistDoesNotDependOnTheSignOfAQuaternion)
+{
+    Rod rod = helix(0.7, 1);
+    for (int i = 0; i < 4; ++i)
+        rod.rotations[100][i] = -rod.rotations[100][i];
+    expectAllNear(rod, "twist", 0.7 + PITCH / (SPEED * SPEED), 1e-4);
+}
+
+TEST(Scalars, ArcLengthRunsAlongThePolygon)
+{
+    Rod rod;
+    rod.points = {Vector3<double>(0, 0, 0), Vector3<double>(3, 4, 0), Vector3<double>(3, 4, 2)};
+    rod.rotations.resize(3);
+    EXPECT_THAT(*findScalar(rod, "arclength"), testing::ElementsAre(0, 5, 7));
+}
+
+TEST(Scalars, OfAStraightRodAreZeroWhateverItsLength)
+{
+    for (int size = 2; size < 7; ++size) {
+        Rod rod;
+        for (int i = 0; i < size; ++i) {
+            rod.points.emplace_back(0, 0, i);
+            rod.rotations.emplace_back();
+        }
+        for (const char* name : {"curvature", "torsion", "twist"})
+            expectAllNear(rod, name, 0, 0);
+    }
+}
+
+TEST(Scalars, OfTheFileComeBeforeBuiltInOnes)
+{
+    Rod rod = helix(0, 1);
+    rod.scalars.push_back({"twist", std::vector<double>(rod.points.size(), 42)});
+    expectAllNear(rod, "twist", 42, 0);
+}
+
+TEST(Scalars, UnknownNamesGiveNothing)
+{
+    EXPECT_FALSE(findScalar(helix(0, 1), "temperature"));
+    EXPECT_FALSE(findScalar(helix(0, 1), ""));
+}
+
+TEST(Scalars, EveryBuiltInNameIsFound)
+{
+    for (const std::string& name : builtInScalars())
+        EXPECT_TRUE(findScalar(helix(0, 1), name)) << name;
+}
+
+} // namespace
