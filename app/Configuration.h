@@ -19,7 +19,7 @@ struct Scalar
 /// (the material frames), and scalars of the same length, in the file's order.
 struct Rod
 {
-    std::string origin; ///< for messages: "helix.txt: rod 1"
+    std::string origin; ///< for messages: "helix.txt:2: rod 1", "helix.json: rods[0]"
     std::vector<algebra3d::Vector3<double>> points;
     std::vector<algebra3d::Quaternion<double>> rotations;
     std::vector<Scalar> scalars;

@@ -21,7 +21,7 @@ Extent measure(const Configuration& configuration)
         }
         for (std::size_t i = 1; i < rod.points.size(); ++i)
             extent.length += (rod.points[i] - rod.points[i - 1]).getNorm();
-        extent.segments += int(rod.points.size()) - 1;
+        extent.segments += (long long)(rod.points.size()) - 1;
     }
     extent.centre = 0.5 * (lowest + highest);
     extent.sides = highest - lowest;

@@ -10,7 +10,7 @@ struct Extent
     algebra3d::Vector3<double> centre; ///< of the box around all points
     algebra3d::Vector3<double> sides;  ///< of that box
     double length = 0;                 ///< of all rods together
-    int segments = 0;                  ///< of all rods together
+    long long segments = 0;            ///< of all rods together
 };
 
 Extent measure(const Configuration& configuration);

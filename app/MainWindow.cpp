@@ -7,29 +7,41 @@
 #include <Inventor/Qt/viewers/SoQtExaminerViewer.h>
 #include <Inventor/nodes/SoOrthographicCamera.h>
 #include <Inventor/nodes/SoSeparator.h>
+#include <QApplication>
+#include <QEvent>
 #include <QGLFormat>
+#include <QTimer>
 #include <QWidget>
 
 #include <SoGeneralScene.h>
 
 #include "Camera.h"
 
-// Last: its macros are many.
-#include <X11/Xlib.h>
+namespace {
 
-std::string checkDisplay()
+// The X server shows and resizes windows in its own time, and a frame that comes before
+// is cut off or lost; Qt's GL widget does not ask for another. So whenever a window
+// appears or changes, there are a few more frames, later and later.
+class Redrawer : public QObject
 {
-    Display* display = XOpenDisplay(nullptr);
-    if (!display) {
-        const char* name = std::getenv("DISPLAY");
-        return std::string("no window can be opened: found ") +
-               (name && *name ? "no X server at DISPLAY=" + std::string(name)
-                              : "that DISPLAY is not set") +
-               ", expected an X display; --render OUT.png needs none";
+public:
+    explicit Redrawer(SoQtViewer& watched) : viewer(watched) { qApp->installEventFilter(this); }
+
+    bool eventFilter(QObject* object, QEvent* event) override
+    {
+        if (object->isWindowType() &&
+            (event->type() == QEvent::Expose || event->type() == QEvent::Resize)) {
+            for (const int milliseconds : {0, 100, 400, 1600})
+                QTimer::singleShot(milliseconds, this, [this] { viewer.scheduleRedraw(); });
+        }
+        return QObject::eventFilter(object, event);
     }
-    XCloseDisplay(display);
-    return "";
-}
+
+private:
+    SoQtViewer& viewer;
+};
+
+} // namespace
 
 void initialiseWindows(const char* programName)
 {
@@ -57,6 +69,7 @@ void showWindow(SoGeneralScene* scene, const std::string& title, const Colour& b
     viewer.saveHomePosition();
     viewer.setTitle(title.c_str());
     viewer.show();
+    const Redrawer redrawer(viewer);
     SoQt::show(window);
     SoQt::mainLoop();
 }

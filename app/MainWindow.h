@@ -8,10 +8,6 @@
 
 class SoGeneralScene;
 
-/// Empty if there is a display to open a window on, otherwise one line that says
-/// what is missing.
-std::string checkDisplay();
-
 /// Prepares Qt, Coin and SoQt for windows; before any node is made.
 void initialiseWindows(const char* programName);
 

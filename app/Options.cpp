@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Options.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <iostream>
@@ -180,13 +181,15 @@ ParsedOptions parseOptions(int argc, const char* const* argv)
     app.add_option("FILE", options.files,
                    "Tables (.txt .dat .csv .tsv .xyz) or .json files; - is standard input")
         ->required();
-    app.add_option("--render", options.picture, "Write a picture instead of opening a window")
-        ->type_name("OUT.png");
-    addSize(app, options.pictureWidth, options.pictureHeight);
+    CLI::Option* render =
+        app.add_option("--render", options.picture, "Write a picture instead of opening a window")
+            ->type_name("OUT.png");
+    addSize(app, options.pictureWidth, options.pictureHeight)->needs(render);
     const CLI::Option* samples =
         app.add_option("--samples", options.samples,
                        "Smooth edges: N x N samples per pixel [3, fewer for huge pictures]")
             ->check(CLI::Range(1, 8))
+            ->needs(render)
             ->type_name("N");
     app.add_flag("--normalise", options.normalise,
                  "Accept quaternions that are not unit and normalise them");
@@ -216,6 +219,8 @@ ParsedOptions parseOptions(int argc, const char* const* argv)
     try {
         app.parse(argc, argv);
         settleSamples(samples, options);
+        if (std::count(options.files.begin(), options.files.end(), "-") > 1)
+            throw CLI::ValidationError("FILE", "found - twice, expected standard input once");
         return {options, 0};
     } catch (const CLI::Success& request) { // --help and --version
         return {std::nullopt, app.exit(request)};

@@ -5,6 +5,7 @@
 #include <Inventor/errors/SoDebugError.h>
 #include <Inventor/nodes/SoOrthographicCamera.h>
 #include <Inventor/nodes/SoSeparator.h>
+#include <QBuffer>
 #include <QFileInfo>
 #include <QImage>
 #include <QImageWriter>
@@ -50,25 +51,42 @@ QByteArray imageFormat(const std::string& file)
     return QFileInfo(QString::fromStdString(file)).suffix().toLower().toLatin1();
 }
 
+// Encoded first, so that what can fail while writing is the disk alone.
 std::string saveImage(const QImage& image, const std::string& name)
 {
-    QSaveFile file(QString::fromStdString(name));
-    if (!file.open(QIODevice::WriteOnly))
-        return name + ": " + file.errorString().toStdString();
-    QImageWriter writer(&file, imageFormat(name));
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    QImageWriter writer(&buffer, imageFormat(name));
     if (!writer.write(image))
         return name + ": " + writer.errorString().toStdString();
-    if (!file.commit())
+
+    const QFileInfo target(QString::fromStdString(name));
+    if (target.exists() && !target.isFile())
+        return name + ": found something that is no file, expected a file or nothing there";
+    QSaveFile file(target.filePath());
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
         return name + ": " + file.errorString().toStdString();
     return "";
+}
+
+// What papers and slides take, as far as Qt can write it.
+QList<QByteArray> writableFormats()
+{
+    QList<QByteArray> formats;
+    for (const char* format : {"png", "jpg", "jpeg", "tif", "tiff", "bmp", "ppm"}) {
+        if (QImageWriter::supportedImageFormats().contains(format))
+            formats.append(format);
+    }
+    return formats;
 }
 
 } // namespace
 
 std::string checkPictureName(const std::string& file)
 {
-    const QList<QByteArray> formats = QImageWriter::supportedImageFormats();
-    if (formats.contains(imageFormat(file)))
+    const QList<QByteArray> formats = writableFormats();
+    const bool named = !QFileInfo(QString::fromStdString(file)).completeBaseName().isEmpty();
+    if (named && formats.contains(imageFormat(file)))
         return "";
     return "--render: found '" + file + "', expected a name that ends in one of ." +
            formats.join(" .").toStdString();

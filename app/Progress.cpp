@@ -19,7 +19,13 @@ Progress::~Progress() { hide(); }
 
 void Progress::show(const std::string& text)
 {
-    if (!terminal || Clock::now() < next)
+    if (Clock::now() >= next)
+        announce(text);
+}
+
+void Progress::announce(const std::string& text)
+{
+    if (!terminal)
         return;
     std::cerr << ERASE_LINE << text << std::flush;
     shown = true;

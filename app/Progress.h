@@ -6,7 +6,7 @@
 #include <string>
 
 /// One line on standard error that says what long work is at, if that is a terminal.
-/// Short work shows nothing, and nothing is left of the line at the end.
+/// Nothing is left of the line at the end.
 class Progress
 {
 public:
@@ -17,6 +17,8 @@ public:
 
     /// Replaces the line, at most ten times a second.
     void show(const std::string& text);
+    /// Replaces the line at once, before work that tells nothing on its way.
+    void announce(const std::string& text);
     /// Removes the line, so that something else can be printed.
     void hide();
 

@@ -19,6 +19,7 @@
 #include "Legend.h"
 #include "Progress.h"
 #include "SoOverlay.h"
+#include "readers/wording.h"
 
 using algebra3d::Vector3;
 
@@ -118,14 +119,30 @@ SoRod* makeRod(const Rod& data, const Style& style, const Placement& placement)
     return rod;
 }
 
+// Refuses what would take more memory than any machine of our users has: a vertex
+// takes 64 bytes.
+std::string checkSize(const Configuration& configuration, const Style& style)
+{
+    const double largest = 1e9;
+    const double rows = double(measure(configuration).segments) * style.subsegments + 1;
+    const double vertices = rows * (style.slices + 1);
+    if (vertices <= largest)
+        return "";
+    return "found " + formatted(vertices) +
+           " vertices to draw, expected at most 1e+09: fewer --subsegments or --slices";
+}
+
 // Where neighbouring tangents are opposite or edge points coincide the formulas give
 // numbers that are not finite, and with them the length of the whole curve.
 std::string checkInterpolation(const SoRod& rod, const std::string& name, double ribbonWidth)
 {
-    if (!std::isfinite(rod.getTubeMesh()->getParamValues().back()))
+    TubeMesh& tube = *rod.getTubeMesh();
+    // A frame that is not finite stays so from ring to ring.
+    const double lastNormal = tube.getNormals()[tube.getHeight() - 1][0].getNorm();
+    if (!std::isfinite(rod.getTubeMesh()->getParamValues().back() + lastNormal))
         return name + ": found points that turn straight back, or end frames with d3 across them";
     if (!std::isfinite(rod.getRibbonMesh()->getParamValues().back())) {
-        return name + ": found a ribbon of width " + std::to_string(ribbonWidth) +
+        return name + ": found a ribbon of width " + formatted(ribbonWidth) +
                " whose edge shrinks to a point or turns back, expected another --ribbon-width";
     }
     return "";
@@ -146,6 +163,9 @@ void initialiseScene()
 SoGeneralScene* buildScene(const Configuration& configuration, const Style& style,
                            const Colouring* colouring, Progress& progress, std::string& error)
 {
+    error = checkSize(configuration, style);
+    if (!error.empty())
+        return nullptr;
     auto* scene = new SoGeneralScene;
     scene->ref();
     const Placement placement = choosePlacement(configuration, style);

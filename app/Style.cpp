@@ -11,26 +11,30 @@ namespace {
 const Colour RIBBON_COLOUR{0.93f, 0.60f, 0.10f};
 
 // A rod of length L that fills a volume V evenly has neighbours at about sqrt(V / L).
-// Flat sides count as a tenth of the diagonal, so that planar rods have a volume.
+// Flat sides count as a fiftieth of the longest one, so that planar rods have a volume.
+// What is hardly longer than its box has no neighbours.
 double automaticRadius(const Extent& extent)
 {
-    const double diagonal = extent.sides.getNorm();
+    const double longest = std::max({extent.sides.x, extent.sides.y, extent.sides.z});
+    const double thin = extent.sides.getNorm() / 80;
+    if (extent.length < 1.5 * extent.sides.getNorm())
+        return thin;
     double volume = 1;
     for (int axis = 0; axis < 3; ++axis)
-        volume *= std::max(extent.sides[axis], diagonal / 10);
-    return std::min(diagonal / 80, std::sqrt(volume / extent.length) / 6);
+        volume *= std::max(extent.sides[axis], longest / 50);
+    return std::min(thin, std::sqrt(volume / extent.length) / 5);
 }
 
 int automaticSubsegments(const Extent& extent)
 {
-    const int rows = 6000;
-    return std::clamp(rows / std::max(extent.segments, 1), 1, 32);
+    const long long rows = 6000;
+    return int(std::clamp(rows / std::max(extent.segments, 1LL), 1LL, 32LL));
 }
 
 int automaticSlices(const Extent& extent, int subsegments)
 {
-    const int vertices = 400000;
-    return std::clamp(vertices / std::max(extent.segments * subsegments, 1), 10, 32);
+    const long long vertices = 400000;
+    return int(std::clamp(vertices / std::max(extent.segments * subsegments, 1LL), 10LL, 32LL));
 }
 
 } // namespace
@@ -40,7 +44,8 @@ Style makeStyle(const Options& options, const Configuration& configuration)
     const Extent extent = measure(configuration);
     Style style;
     style.radius = options.radius ? *options.radius : automaticRadius(extent);
-    style.ribbonWidth = options.ribbonWidth.value_or(3 * style.radius);
+    style.ribbonWidth =
+        options.ribbonWidth.value_or((options.twoSidedRibbon ? 6 : 3) * style.radius);
     style.subsegments = options.subsegments.value_or(automaticSubsegments(extent));
     style.slices = options.slices.value_or(automaticSlices(extent, style.subsegments));
     style.showTube = options.showTube;

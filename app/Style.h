@@ -26,7 +26,7 @@ struct Style
 /// The style that the options ask for; what they leave open follows from the data.
 ///
 /// The radius is a small fraction of the whole scene, smaller where the rods fill
-/// their box densely, so that neighbouring turns stay apart. Rods of few points get
+/// their box densely: most neighbouring turns then stay apart. Rods of few points get
 /// many rows per segment, long ones few rows and slices, so that the number of
 /// vertices stays within what a window redraws smoothly.
 Style makeStyle(const Options& options, const Configuration& configuration);

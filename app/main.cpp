@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <iostream>
+#include <new>
 #include <optional>
 #include <string>
 
@@ -13,6 +14,7 @@
 #include "Progress.h"
 #include "SceneBuilder.h"
 #include "Style.h"
+#include "checkDisplay.h"
 #include "readers/readFile.h"
 
 namespace {
@@ -31,7 +33,7 @@ std::optional<Configuration> readFiles(const Options& options, ReadReport& repor
 {
     Configuration all;
     for (const std::string& file : options.files) {
-        progress.show("Reading " + file);
+        progress.announce("Reading " + file);
         std::optional<Configuration> read = readFile(file, {options.normalise}, report);
         if (!read)
             return std::nullopt;
@@ -45,12 +47,21 @@ std::optional<Configuration> readFiles(const Options& options, ReadReport& repor
 
 int renderPicture(const Options& options, SoGeneralScene* scene, float bottom, Progress& progress)
 {
-    progress.show("Rendering " + *options.picture);
+    progress.announce("Rendering " + *options.picture);
     const std::string failure =
         writePicture(scene, {*options.picture, options.pictureWidth, options.pictureHeight,
                              options.samples, options.background, bottom});
     progress.hide();
     return failure.empty() ? SUCCESS : fail(CANNOT_WRITE, failure);
+}
+
+std::string windowTitle(const Options& options)
+{
+    const std::string& first = options.files.front();
+    std::string title = first == "-" ? "standard input" : first;
+    if (options.files.size() > 1)
+        title += " and " + std::to_string(options.files.size() - 1) + " more";
+    return title + " - strandview";
 }
 
 int showScene(const Options& options, SoGeneralScene* scene, Progress& progress)
@@ -61,7 +72,7 @@ int showScene(const Options& options, SoGeneralScene* scene, Progress& progress)
     if (options.picture)
         status = renderPicture(options, scene, bottom, progress);
     else
-        showWindow(scene, options.files.front() + " - strandview", options.background, bottom);
+        showWindow(scene, windowTitle(options), options.background, bottom);
     scene->unref();
     return status;
 }
@@ -85,9 +96,7 @@ SoGeneralScene* makeScene(const Options& options, ReadReport& report, Progress& 
                       colouring ? &*colouring : nullptr, progress, report.error);
 }
 
-} // namespace
-
-int main(int argc, char** argv)
+int run(int argc, char** argv)
 {
     const ParsedOptions parsed = parseOptions(argc, argv);
     if (!parsed.options)
@@ -115,4 +124,15 @@ int main(int argc, char** argv)
     for (const std::string& notice : report.notices)
         std::cerr << "strandview: " << notice << "\n";
     return showScene(options, scene, progress);
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    try {
+        return run(argc, argv);
+    } catch (const std::bad_alloc&) {
+        return fail(BAD_INPUT, "found too little memory for so many points, rows or pixels");
+    }
 }

@@ -64,10 +64,7 @@ void Mesh::render(SoGLRenderAction* action, int materialOffset)
         return;
 
     SoMaterialBundle bundle(action);
-    bundle.sendFirst();
-    const GLVertexState state(action, bundle);
-    if (state.materialOverall)
-        bundle.send(materialOffset, TRUE);
+    const GLVertexState state(action, bundle, materialOffset);
 
     for (int i = 0; i + 1 < height; ++i) {
         glBegin(GL_TRIANGLE_STRIP);

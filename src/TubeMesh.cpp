@@ -75,10 +75,7 @@ void TubeMesh::render(SoGLRenderAction* action, int materialOffset)
         return;
 
     SoMaterialBundle bundle(action);
-    bundle.sendFirst();
-    const GLVertexState state(action, bundle);
-    if (state.materialOverall)
-        bundle.send(materialOffset, TRUE);
+    const GLVertexState state(action, bundle, materialOffset);
 
     const int last = getHeight() - 1;
     const bool perVertex = !state.materialOverall;

@@ -6,6 +6,8 @@
 #include <set>
 #include <sstream>
 
+#include <sys/stat.h>
+
 #include <QDir>
 #include <QFile>
 #include <QImage>
@@ -336,6 +338,14 @@ TEST_F(StrandviewTest, HelpAndVersionGoToStandardOutput)
     EXPECT_THAT(version.output, testing::MatchesRegex("strandview [0-9]+\\.[0-9]+\\.[0-9]+\n"));
 }
 
+std::string longTable(int points)
+{
+    std::ostringstream table;
+    for (int i = 0; i < points; ++i)
+        table << std::cos(0.1 * i) << ' ' << std::sin(0.1 * i) << ' ' << 0.01 * i << '\n';
+    return table.str();
+}
+
 struct BadCall
 {
     std::string name;
@@ -392,6 +402,13 @@ INSTANTIATE_TEST_SUITE_P(
                 "1 0 0 0.5 -0.5 -0.5 -0.5\n0 1 0 0.7071067811865476 0 -0.7071067811865476 0\n"
                 "-1 0 0 0.5 0.5 -0.5 0.5\n",
                 "--ribbon-width"},
+        BadCall{"StandardInputTwice", {"--render", "OUT", "-", "-"}, "0 0 0\n", "twice"},
+        BadCall{"SizeOfAWindow", {"--size", "10x10", "GOOD"}, "", "--render"},
+        BadCall{"PictureWithoutName", {"--render", ".png", "GOOD"}, "", ".png"},
+        BadCall{"TooManyVertices",
+                {"--render", "OUT", "--subsegments", "1000", "--slices", "1000", "-"},
+                longTable(2000),
+                "--subsegments"},
         BadCall{"NoSuchScalar",
                 {"--render", "OUT", "--colour-by", "speed", "GOOD"},
                 "",
@@ -446,6 +463,22 @@ TEST_F(StrandviewTest, AnUnwritablePictureGivesOneLineAndStatus1AndLeavesNothing
         expectOneLine(result.error);
         EXPECT_THAT(result.error, HasSubstr(name));
         EXPECT_EQ(files(), before);
+    }
+}
+
+TEST_F(StrandviewTest, OnlyFilesAreReplaced)
+{
+    const std::string rod = write("rod.txt", "0 0 0 0 0 0 1\n0 0 1 0 0 0 1\n");
+    ASSERT_EQ(mkfifo(path("fifo.png").c_str(), 0600), 0);
+    ASSERT_TRUE(QFile::link("fifo.png", folder.filePath("link.png")));
+    for (const char* name : {"fifo.png", "link.png"}) {
+        SCOPED_TRACE(name);
+        const ProgramRun result = run({"--render", path(name), rod});
+        EXPECT_EQ(result.status, 1);
+        expectOneLine(result.error);
+        struct stat status;
+        ASSERT_EQ(stat(path("fifo.png").c_str(), &status), 0);
+        EXPECT_TRUE(S_ISFIFO(status.st_mode));
     }
 }
 

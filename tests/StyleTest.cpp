@@ -81,6 +81,25 @@ TEST(Style, DenseRodsAreThinnerThanSparseOnes)
     EXPECT_LT(makeStyle({}, bundle).radius, 0.3);
 }
 
+TEST(Style, TurnsOfALongThinCoilStayApart)
+{
+    // A helix of radius 1 and height 100 whose turns are 0.63 apart.
+    Rod rod;
+    for (int i = 0; i < 10000; ++i) {
+        rod.points.emplace_back(std::cos(0.1 * i), std::sin(0.1 * i), 0.01 * i);
+        rod.rotations.emplace_back();
+    }
+    EXPECT_LT(2 * makeStyle({}, {{rod}}).radius, 0.63);
+}
+
+TEST(Style, ATwoSidedRibbonReachesAsFarOnEachSide)
+{
+    Options options;
+    options.twoSidedRibbon = true;
+    EXPECT_DOUBLE_EQ(makeStyle(options, helix(100, 0.2)).ribbonWidth,
+                     2 * makeStyle({}, helix(100, 0.2)).ribbonWidth);
+}
+
 TEST(Style, LongRodsGetFewVerticesPerPointAndShortOnesManyRows)
 {
     const Style lengthy = makeStyle({}, helix(100001, 0.01));

@@ -10,17 +10,22 @@
 
 #include <algebra3d/Vector3.h>
 
-/// What the traversal state asks a mesh to send with each vertex.
+/// What the traversal state asks a mesh to send with each vertex. Making one begins the
+/// drawing: it sends the first material, and with an overall binding that at
+/// materialOffset.
 struct GLVertexState
 {
-    GLVertexState(SoGLRenderAction* action, const SoMaterialBundle& bundle)
-        : sendNormal(!bundle.isColorOnly())
+    GLVertexState(SoGLRenderAction* action, SoMaterialBundle& bundle, int materialOffset)
     {
+        bundle.sendFirst();
+        sendNormal = !bundle.isColorOnly();
         SoState* state = action->getState();
         texture = SoGLTextureEnabledElement::get(state) != 0;
         const SoMaterialBindingElement::Binding binding = SoMaterialBindingElement::get(state);
         materialOverall = binding != SoMaterialBindingElement::PER_VERTEX &&
                           binding != SoMaterialBindingElement::PER_VERTEX_INDEXED;
+        if (materialOverall)
+            bundle.send(materialOffset, TRUE);
     }
 
     bool sendNormal;

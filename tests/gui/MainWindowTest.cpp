@@ -16,6 +16,7 @@
 
 #include "Progress.h"
 #include "SceneBuilder.h"
+#include "checkDisplay.h"
 
 namespace {
 
