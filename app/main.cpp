@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include <algorithm>
 #include <iostream>
+#include <iterator>
 #include <new>
 #include <optional>
 #include <string>
@@ -37,10 +39,7 @@ std::optional<Configuration> readFiles(const Options& options, ReadReport& repor
         std::optional<Configuration> read = readFile(file, {options.normalise}, report);
         if (!read)
             return std::nullopt;
-        for (std::size_t i = 0; i < read->rods.size(); ++i) {
-            read->rods[i].origin = file + ": rod " + std::to_string(i + 1);
-            all.rods.push_back(std::move(read->rods[i]));
-        }
+        std::move(read->rods.begin(), read->rods.end(), std::back_inserter(all.rods));
     }
     return all;
 }

@@ -44,10 +44,8 @@ ColourMapper::ColourMapper(const double& a, const double& b, std::vector<Colour>
 
 void ColourMapper::setMapping(const double& a, const double& b)
 {
-    // Copies: the arguments may be limits of this very mapper.
-    const double first = a, second = b;
-    min = second > first ? first : second;
-    max = second > first ? second : first;
+    min = b > a ? a : b;
+    max = b > a ? b : a;
     range = max - min;
 }
 

@@ -48,8 +48,7 @@ Parameter* makeParameter(const char* name)
 QByteArray readResource(const char* path)
 {
     QFile file(path);
-    file.open(QIODevice::ReadOnly);
-    return file.readAll();
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 template <typename Shader>
@@ -321,11 +320,8 @@ void SoGeneralScene::setGLLineData(SbVec2f range, float granularity)
     lineWidth = range[0];
 }
 
-void SoGeneralScene::changeLineWidth(float change)
+void SoGeneralScene::setLineWidth(float width)
 {
-    const float width = lineWidth + change;
-    if (width < lineWidthMin || width > lineWidthMax)
-        return;
     lineWidth = width;
     drawStyle->lineWidth = width;
 }
@@ -343,14 +339,19 @@ void SoGeneralScene::getLightingParameters(SoShaderParameterArray3f*& dirs,
 
 bool SoGeneralScene::processSoEvent(const SoEvent* event)
 {
-    if (SO_KEY_PRESS_EVENT(event, EQUAL))
-        changeLineWidth(lineWidthStep);
-    else if (SO_KEY_PRESS_EVENT(event, MINUS))
-        changeLineWidth(-lineWidthStep);
-    else if (SO_KEY_PRESS_EVENT(event, SPACE))
+    const float thicker = lineWidth + lineWidthStep;
+    const float thinner = lineWidth - lineWidthStep;
+    if (SO_KEY_PRESS_EVENT(event, EQUAL)) {
+        if (thicker <= lineWidthMax)
+            setLineWidth(thicker);
+    } else if (SO_KEY_PRESS_EVENT(event, MINUS)) {
+        if (thinner >= lineWidthMin)
+            setLineWidth(thinner);
+    } else if (SO_KEY_PRESS_EVENT(event, SPACE)) {
         toggleDrawStyle(event->wasShiftDown());
-    else
+    } else {
         return false;
+    }
     return true;
 }
 

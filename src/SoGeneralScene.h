@@ -135,7 +135,7 @@ protected:
     void prepareShaderParams();
 
 private:
-    void changeLineWidth(float change);
+    void setLineWidth(float width);
 
     SoSeparator* sceneRoot = nullptr;
     SoSeparator* solidGroup = nullptr;

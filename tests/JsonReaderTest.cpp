@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "readers/JsonReader.h"
 
-#include <array>
 #include <cmath>
 #include <cstdio>
 #include <random>
@@ -9,24 +8,16 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "support/readText.h"
+
 namespace {
 
-using algebra3d::Quaternion;
-using algebra3d::Vector3;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-struct Reading
-{
-    std::optional<Configuration> configuration;
-    ReadReport report;
-};
-
 Reading readText(const std::string& text, const ReadOptions& options = {})
 {
-    Reading reading;
-    reading.configuration = readJson(text, "rod.json", options, reading.report);
-    return reading;
+    return readWith(readJson, text, "rod.json", options);
 }
 
 /// A file of one rod, of which the members are given.
@@ -35,32 +26,10 @@ std::string fileOfRod(const std::string& rodMembers)
     return R"({"strandview": 1, "rods": [{)" + rodMembers + "}]}";
 }
 
-/// The only rod of a text that must be accepted.
 Rod rodOf(const std::string& text, const ReadOptions& options = {})
 {
-    const Reading reading = readText(text, options);
-    EXPECT_EQ(reading.report.error, "");
-    if (!reading.configuration || reading.configuration->rods.size() != 1) {
-        ADD_FAILURE() << "not one rod in " << text;
-        return {};
-    }
-    return reading.configuration->rods[0];
+    return onlyRod(readText(text, options));
 }
-
-std::array<double, 3> numbersOf(const Vector3<double>& v) { return {v.x, v.y, v.z}; }
-std::array<double, 4> numbersOf(const Quaternion<double>& q) { return {q[0], q[1], q[2], q[3]}; }
-
-template <typename T>
-auto numbersOf(const std::vector<T>& sequence)
-{
-    std::vector<decltype(numbersOf(sequence[0]))> numbers;
-    for (const T& element : sequence)
-        numbers.push_back(numbersOf(element));
-    return numbers;
-}
-
-using Points = std::vector<std::array<double, 3>>;
-using Rotations = std::vector<std::array<double, 4>>;
 
 } // namespace
 
@@ -106,6 +75,21 @@ TEST(JsonReader, TheOrderOfTheKeysDoesNotMatter)
     EXPECT_THAT(rod.scalars[0].values, ElementsAre(1, 2));
 }
 
+TEST(JsonReader, ARodKnowsItsPlaceInTheFile)
+{
+    const std::vector<Rod> rods = acceptedRods(readText(R"({"strandview": 1, "rods": [
+        {"points": [[0, 0, 0], [0, 0, 1]]}, {"points": [[0, 0, 0], [1, 0, 0]]}]})"));
+    ASSERT_EQ(rods.size(), 2U);
+    EXPECT_EQ(rods[0].origin, "rod.json: rods[0]");
+    EXPECT_EQ(rods[1].origin, "rod.json: rods[1]");
+}
+
+TEST(JsonReader, ANumberBelowDoubleIsZero)
+{
+    const Rod rod = rodOf(fileOfRod(R"("points": [[1e-400, 0, 0], [0, -1e-999, 1]])"));
+    EXPECT_EQ(numbersOf(rod.points), (Points{{0, 0, 0}, {0, 0, 1}}));
+}
+
 TEST(JsonReader, WithoutQuaternionsMakesTheFramesAndSaysSo)
 {
     const Reading reading = readText(fileOfRod(R"("points": [[0, 0, 0], [0, 0, 1]])"));
@@ -147,13 +131,12 @@ TEST(JsonReader, ReadsRandomRodsBackBitForBit)
         Points points;
         std::vector<double> values;
         std::string pointText, valueText;
+        const int scale = static_cast<int>(random() % 100) - 50;
         for (std::size_t i = 0, length = 2 + random() % 20; i < length; ++i) {
-            const auto number = [&] {
-                return std::ldexp(random() * 0x1p-32 + random() * 0x1p-64 - 0.5,
-                                  static_cast<int>(random() % 100) - 50);
-            };
-            points.push_back({number(), number(), number()});
-            values.push_back(number());
+            const auto number = [&] { return random() * 0x1p-32 + random() * 0x1p-64 - 0.5; };
+            const auto coordinate = [&] { return std::ldexp(number(), scale); };
+            points.push_back({coordinate(), coordinate(), coordinate()});
+            values.push_back(std::ldexp(number(), static_cast<int>(random() % 100) - 50));
             char text[128];
             std::snprintf(text, sizeof text, "[%.17g, %.17g,%.17g]", points[i][0], points[i][1],
                           points[i][2]);

@@ -167,6 +167,34 @@ TEST_F(ReadFile, SkipsAByteOrderMark)
     EXPECT_EQ(report.error, nothing + ": found nothing to show, expected at least one rod");
 }
 
+TEST_F(ReadFile, RefusesTextInUtf16)
+{
+    using namespace std::string_literals;
+    for (const std::string& text : {"\xFF\xFE"
+                                    "0\0 \0"s,
+                                    "\xFE\xFF"
+                                    "\0{"s,
+                                    "\xFF\xFE"s}) {
+        for (const char* name : {"a.txt", "a.json"}) {
+            const std::string path = write(name, text);
+            EXPECT_FALSE(read(path));
+            EXPECT_EQ(report.error, path + ": found UTF-16 text, expected UTF-8");
+        }
+        EXPECT_FALSE(readAsStandardInput(text));
+        EXPECT_EQ(report.error, "standard input: found UTF-16 text, expected UTF-8");
+    }
+}
+
+TEST_F(ReadFile, TheOriginOfARodHasTheFileNameOnOneLine)
+{
+    const auto fromTable = read(write("a\nb.txt", table));
+    ASSERT_TRUE(fromTable) << report.error;
+    EXPECT_EQ(fromTable->rods[0].origin, folder + "/a\\x0ab.txt:1: rod 1");
+    const auto fromJson = read(write("a\nb.json", json));
+    ASSERT_TRUE(fromJson) << report.error;
+    EXPECT_EQ(fromJson->rods[0].origin, folder + "/a\\x0ab.json: rods[0]");
+}
+
 TEST_F(ReadFile, ReadsAllOfAFileOfSeveralMegabytes)
 {
     const int rows = 200000;
@@ -349,10 +377,11 @@ void expectReaderHoldsFor(Mutator mutator, Reader reader)
 }
 
 const std::vector<std::string> numberSnippets = {
-    "0",    "-1",   "1e18",    "1e19", "1e308", "1e999", "1e-160", "5e-324", "nan", "inf",
-    "1e",   "-",    "+",       ".",    "0x1",   "1D3",   "0 0 0",  "\n\n",   "\r",  "#",
-    ",",    ",,",   ";",       "\t",   " ",     "x",     "qx",     "x y z",  "s",   "\xEF\xBB\xBF",
-    "\x1b", "\x7f", "\xc3\xa9"};
+    "0",     "-1",           "1e18", "1e19", "1e308",   "1e999", "1e-160", "5e-324",
+    "nan",   "inf",          "1e",   "-",    "+",       ".",     "0x1",    "1D3",
+    "0 0 0", "\n\n",         "\r",   "#",    "%",       "\"",    "0,5",    "x [m]",
+    ",",     ",,",           ";",    "\t",   " ",       "x",     "qx",     "x y z",
+    "s",     "\xEF\xBB\xBF", "\x1b", "\x7f", "\xc3\xa9"};
 
 } // namespace
 
@@ -365,6 +394,7 @@ TEST(AnyTable, GivesGoodRodsOrOneLineOfError)
                                   "0 0 0 0 0 0 1\n0 0 1 0 0.6 0 0.8\n0 1 1 1 0 0 0\n",
                                   "x,y,z,s,t\n0,0,0,4,5\n1,0,0,4.5,-1e3\n\nx,y,z,s,t\n5,5,5,0,0\n"
                                   "6,6,6,1,1\n",
+                                  "\"\";\"x [m]\";y;z;\n0;0,5;0;0;\n1;\"0\";1,5;0;\n",
                                   "# rod\r\nqw qx qy qz z y x u\r\n1 0 0 0 1 2 3 4 # a\r\n"
                                   "0 1 0 0 5 6 7 8\r\n"},
                                  snippets),

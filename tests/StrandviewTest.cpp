@@ -395,7 +395,7 @@ INSTANTIATE_TEST_SUITE_P(
         BadCall{"Empty", {"--render", "OUT", "-"}, "", "expected"},
         BadCall{"OnePoint", {"--render", "OUT", "-"}, "1 2 3\n1 2 3\n", "at least 2"},
         BadCall{
-            "StraightBack", {"--render", "OUT", "-"}, "0 0 0\n1 0 0\n0 0 0\n0 1 0\n", "-: rod 1"},
+            "StraightBack", {"--render", "OUT", "-"}, "0 0 0\n1 0 0\n0 0 0\n0 1 0\n", "standard input:1: rod 1"},
         BadCall{"PastItself", {"--render", "OUT", "-"}, "0 0 0\n1 0 0\n-1 0 0\n", "straight back"},
         BadCall{"RibbonToAPoint",
                 {"--render", "OUT", "--ribbon-width", "1", "-"},

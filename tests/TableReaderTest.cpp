@@ -2,7 +2,6 @@
 #include "readers/TableReader.h"
 
 #include <algorithm>
-#include <array>
 #include <clocale>
 #include <cmath>
 #include <cstdio>
@@ -14,6 +13,7 @@
 #include <gtest/gtest.h>
 
 #include "readers/parallelTransport.h"
+#include "support/readText.h"
 
 namespace {
 
@@ -25,50 +25,25 @@ using testing::IsEmpty;
 
 constexpr double pi = 3.14159265358979323846;
 
-/// What came of one text; nothing of it stays when the text was refused.
-struct Reading
-{
-    std::optional<Configuration> configuration;
-    ReadReport report;
-};
-
 Reading readText(const std::string& text, const ReadOptions& options = {})
 {
-    Reading reading;
-    reading.configuration = readTable(text, "rod.txt", options, reading.report);
-    return reading;
+    return readWith(readTable, text, "rod.txt", options);
 }
 
-/// The rods of a text that must be accepted.
-std::vector<Rod> rodsOf(const std::string& text, const ReadOptions& options = {})
-{
-    const Reading reading = readText(text, options);
-    EXPECT_EQ(reading.report.error, "");
-    return reading.configuration ? reading.configuration->rods : std::vector<Rod>();
-}
+std::vector<Rod> rodsOf(const std::string& text) { return acceptedRods(readText(text)); }
 
-/// The only rod of a text that must be accepted.
 Rod rodOf(const std::string& text, const ReadOptions& options = {})
 {
-    const std::vector<Rod> rods = rodsOf(text, options);
-    EXPECT_EQ(rods.size(), 1U);
-    return rods.size() == 1 ? rods[0] : Rod();
+    return onlyRod(readText(text, options));
 }
 
-std::array<double, 3> numbersOf(const Vector3<double>& v) { return {v.x, v.y, v.z}; }
-std::array<double, 4> numbersOf(const Quaternion<double>& q) { return {q[0], q[1], q[2], q[3]}; }
-
-template <typename T>
-auto numbersOf(const std::vector<T>& sequence)
+std::vector<std::string> scalarNames(const Rod& rod)
 {
-    std::vector<decltype(numbersOf(sequence[0]))> numbers;
-    for (const T& element : sequence)
-        numbers.push_back(numbersOf(element));
-    return numbers;
+    std::vector<std::string> names;
+    for (const Scalar& scalar : rod.scalars)
+        names.push_back(scalar.name);
+    return names;
 }
-
-using Points = std::vector<std::array<double, 3>>;
-using Rotations = std::vector<std::array<double, 4>>;
 
 } // namespace
 
@@ -175,6 +150,65 @@ TEST(TableReader, CountsTheRodsWithoutQuaternionsInOneNotice)
         ElementsAre("rod.txt: 2 rods without quaternions: frames made by parallel transport"));
 }
 
+TEST(TableReader, ARodKnowsTheLineOfItsFirstPoint)
+{
+    const std::vector<Rod> rods = rodsOf("x y z\n# first\n0 0 0\n0 0 1\n\nx y z\n1 0 0\n1 0 1\n");
+    ASSERT_EQ(rods.size(), 2U);
+    EXPECT_EQ(rods[0].origin, "rod.txt:3: rod 1");
+    EXPECT_EQ(rods[1].origin, "rod.txt:7: rod 2");
+}
+
+// ---- Headers of other programs
+
+TEST(TableReader, QuotesProtectBlanksAndSeparatorsInNames)
+{
+    const Rod rod = rodOf("\"x\" \"y\" \"z\" \"a, b # c\"\n0 0 0 1\n0 0 1 2\n");
+    EXPECT_THAT(scalarNames(rod), ElementsAre("a, b # c"));
+}
+
+TEST(TableReader, BetweenCommasSemicolonsOrTabsANameMayHaveBlanks)
+{
+    for (const std::string separator : {",", ";", "\t", " , "}) {
+        SCOPED_TRACE(separator);
+        const auto joined = [&](const std::string& first) {
+            return first + separator + "x" + separator + "y" + separator + "z";
+        };
+        const std::vector<Rod> rods = rodsOf(joined("bond angle") + " # mm\n7 0 0 0\n8 0 0 1\n\n" +
+                                             joined("bond angle") + "\n7 0 1 0\n8 0 1 1\n");
+        ASSERT_EQ(rods.size(), 2U);
+        EXPECT_THAT(scalarNames(rods[1]), ElementsAre("bond angle"));
+        EXPECT_EQ(numbersOf(rods[1].points), (Points{{0, 1, 0}, {0, 1, 1}}));
+    }
+}
+
+TEST(TableReader, UnitsBehindTheNamesOfPointsAreLeftOut)
+{
+    const Rod rod = rodOf("X [m],y (nm),z[1e-9 m],bend [1/m]\n1,2,3,4\n5,6,7,8\n");
+    EXPECT_EQ(numbersOf(rod.points), (Points{{1, 2, 3}, {5, 6, 7}}));
+    EXPECT_THAT(scalarNames(rod), ElementsAre("bend [1/m]"));
+}
+
+TEST(TableReader, AFirstColumnWithoutANameIsNamedByItsNumber)
+{
+    for (const char* name : {"", "\"\""}) {
+        const Rod rod = rodOf(std::string(name) + ",x,y,z\n0,1,2,3\n1,4,5,6\n");
+        EXPECT_EQ(numbersOf(rod.points), (Points{{1, 2, 3}, {4, 5, 6}}));
+        EXPECT_THAT(scalarNames(rod), ElementsAre("column1"));
+    }
+}
+
+TEST(TableReader, ASeparatorAtTheEndOfEveryLineIsLeftOut)
+{
+    for (const char* text : {"x,y,z,\n0,0,0,\n0,0,1, # c\n\nx,y,z,\n1,0,0,\n1,0,1,\n",
+                             "0;0;0;\n0;0;1;\n\n1;0;0;\n1;0;1;\n",
+                             "x\ty\tz\t\n0\t0\t0\t\n0\t0\t1\t\n\n1\t0\t0\t\n1\t0\t1\n"}) {
+        const std::vector<Rod> rods = rodsOf(text);
+        ASSERT_EQ(rods.size(), 2U) << text;
+        EXPECT_EQ(numbersOf(rods[1].points), (Points{{1, 0, 0}, {1, 0, 1}}));
+        EXPECT_THAT(rods[1].scalars, IsEmpty());
+    }
+}
+
 // ---- How it is written
 
 class TableSpelling : public testing::TestWithParam<std::string>
@@ -188,18 +222,25 @@ TEST_P(TableSpelling, ReadsAsTheSameTwoPoints)
 
 INSTANTIATE_TEST_SUITE_P(
     Accepted, TableSpelling,
-    testing::Values("1 -2.5 0.001\n0.5 1e10 1.5\n",           // blanks
-                    "1\t-2.5\t0.001\n0.5\t1e10\t1.5\n",       // tabs
-                    "1,-2.5,0.001\n0.5,1e10,1.5\n",           // commas
-                    "1;-2.5;0.001\n0.5;1e10;1.5\n",           // semicolons
-                    "  1, -2.5 ,\t0.001 \n 0.5 ; 1e10,1.5\n", // mixed
-                    "1 -2.5 0.001\r\n0.5 1e10 1.5\r\n",       // CR LF
-                    "1 -2.5 0.001\r0.5 1e10 1.5\r",           // CR
-                    "1 -2.5 0.001\n0.5 1e10 1.5",             // no line end at the end
-                    "1 -2.5 0.001#a,b\n0.5 1e10 1.5 # c",     // comments behind numbers
-                    "+1 -2.5 1e-3\n.5 1E+10 +1.5\n",          // signs and exponents
-                    "1. -2.50 1D-3\n0.5d0 1d+10 1.5D0\n",     // Fortran
-                    "x y z\n1 -2.5 0.001\n0.5 1e10 1.5\n",    // header
+    testing::Values("1 -2.5 0.001\n0.5 1e10 1.5\n",                   // blanks
+                    "1\t-2.5\t0.001\n0.5\t1e10\t1.5\n",               // tabs
+                    "1,-2.5,0.001\n0.5,1e10,1.5\n",                   // commas
+                    "1;-2.5;0.001\n0.5;1e10;1.5\n",                   // semicolons
+                    "  1, -2.5 ,\t0.001 \n 0.5 ; 1e10,1.5\n",         // mixed
+                    "1 -2.5 0.001\r\n0.5 1e10 1.5\r\n",               // CR LF
+                    "1 -2.5 0.001\r0.5 1e10 1.5\r",                   // CR
+                    "1 -2.5 0.001\n0.5 1e10 1.5",                     // no line end at the end
+                    "1 -2.5 0.001#a,b\n0.5 1e10 1.5 # c",             // comments behind numbers
+                    "+1 -2.5 1e-3\n.5 1E+10 +1.5\n",                  // signs and exponents
+                    "1. -2.50 1D-3\n0.5d0 1d+10 1.5D0\n",             // Fortran
+                    "x y z\n1 -2.5 0.001\n0.5 1e10 1.5\n",            // header
+                    "% x y z\n1 -2.5 0.001\n %\n0.5 1e10 1.5\n",      // Matlab
+                    "\"1\",\"-2.5\",\" 0.001 \"\n0.5,1e10,\"1.5\"\n", // quotes
+                    "1;-2,5;0,001\n0,5;1e10;1,5\n",                   // decimal commas
+                    "x;y;z\n1;-2,5;1,0e-3\n0,5;1,0D10;1,5\n",
+                    "x\ty\tz\n1\t-2,5\t0,001\n0,5\t1e10\t1,5\n",
+                    "\"x\";\"y\";\"z\"\n\"1\";\"-2,5\";\"0,001\"\n0,5;1e10;1,5\n",
+                    "x, y z\n1 -2.5 0.001\n0.5 1e10 1.5\n", // a header with other separators
                     "# x y z\nx,y,z\r\n1,-2.5,0.001\r\n0.5,1e10,1.5\r\n"));
 
 TEST(TableReader, ADecimalPointIsAPointInEveryLocale)
@@ -298,11 +339,35 @@ TEST(TableReader, CountsTheLeftOutPointsOfAllRodsTogether)
                 ElementsAre("rod.txt: 2 points left out, at the same place as the point before"));
 }
 
-TEST(TableReader, PointsAreOneOnlyIfTheSquareOfTheirDistanceVanishes)
+TEST(TableReader, PointsAreOneIfTheSquareOfTheirDistanceVanishes)
 {
     // The squares are 1e-320, no normal number, and 1e-306.
-    EXPECT_EQ(rodOf("0 0 0\n1e-160 0 0\n1 0 0\n").points.size(), 2U);
-    EXPECT_EQ(rodOf("0 0 0\n1e-153 0 0\n1 0 0\n").points.size(), 3U);
+    EXPECT_EQ(rodOf("0 0 0\n1e-160 0 0\n1e-153 0 0\n").points.size(), 2U);
+    EXPECT_EQ(rodOf("0 0 0\n1e-153 0 0\n2e-153 0 0\n").points.size(), 3U);
+}
+
+TEST(TableReader, PointsAreOneBelowAHundredThousandthOfTheMeanDistance)
+{
+    // The distances 3, d and 3 have the mean 2 + d / 3.
+    EXPECT_EQ(rodOf("0 0 0\n3 0 0\n3.0000199 0 0\n6 0 0\n").points.size(), 3U);
+    EXPECT_EQ(rodOf("0 0 0\n3 0 0\n3.0000201 0 0\n6 0 0\n").points.size(), 4U);
+    // Distances of 0 do not count for the mean.
+    EXPECT_EQ(rodOf("0 0 0\n3 0 0\n3 0 0\n3 0 0\n3.0000199 0 0\n6 0 0\n").points.size(), 3U);
+
+    const Reading reading = readText("0 0 0\n0.4 0.1 0\n0.8 0.3 0.1\n"
+                                     "0.80000000000000016 0.3 0.1\n1.2 0.7 0.2\n");
+    EXPECT_EQ(numbersOf(onlyRod(reading).points),
+              (Points{{0, 0, 0}, {0.4, 0.1, 0}, {0.8, 0.3, 0.1}, {1.2, 0.7, 0.2}}));
+    EXPECT_THAT(
+        reading.report.notices,
+        testing::Contains("rod.txt: 1 point left out, at the same place as the point before"));
+}
+
+TEST(TableReader, ANumberBelowDoubleIsZeroOrTheNearest)
+{
+    const Rod rod = rodOf("x y z s\n0 1e-400 0 4e-320\n0 -1D-999 1 -1e-99999\n");
+    EXPECT_EQ(numbersOf(rod.points), (Points{{0, 0, 0}, {0, 0, 1}}));
+    EXPECT_THAT(rod.scalars[0].values, ElementsAre(4e-320, 0));
 }
 
 TEST(TableReader, TheDistanceCountsFromTheLastPointThatWasKept)
@@ -385,9 +450,38 @@ INSTANTIATE_TEST_SUITE_P(
         BadTable{"FourColumns", "0 0 0 1\n",
                  "1: found 4 columns, expected 3 (x y z), or 7 or more (x y z qx qy qz qw and "
                  "scalars)"},
-        BadTable{"DecimalCommas", "# cm\n1,5;2,5;3,5\n",
-                 "2: found 6 columns, expected 3 (x y z), or 7 or more (x y z qx qy qz qw and "
+        BadTable{"DecimalCommasBetweenBlanks", "# cm\n1,5 2,5 3\n",
+                 "2: found 5 columns, expected 3 (x y z), or 7 or more (x y z qx qy qz qw and "
+                 "scalars), with a decimal point"},
+        BadTable{"DecimalCommasBetweenBlanksBelowAHeader", "x y z\n1,5 2,5 3\n",
+                 "2: found 5 columns, expected 3 as in line 1, with a decimal point"},
+        BadTable{"ADecimalCommaInQuotes", "\"1,5\",2,3\n",
+                 "1: column 1 (x): found '1,5', expected a finite number, with a decimal point"},
+        BadTable{"TwoCommasInANumber", "x;y;z\n1,234,5;2;3\n",
+                 "2: column 1 (x): found '1,234,5', expected a finite number, with a decimal "
+                 "point"},
+        BadTable{"AnOpenQuote", "0,0,0\n0,\"1,2\n3,4,5\n",
+                 "2: column 2 (y): found '\"1,2', expected a closing quote at the end of the "
+                 "field"},
+        BadTable{"AnOpenQuoteInTheHeader", "\"x\",\"y,z\n0,0,0\n",
+                 "1: column 2: found '\"y,z', expected a closing quote at the end of the field"},
+        BadTable{
+            "AQuoteInsideAField", "\"0\"1 0 0\n",
+            "1: column 1 (x): found '\"0\"1', expected a closing quote at the end of the field"},
+        BadTable{"ARowWithoutTheSeparatorAtItsEnd", "x,y,z,\n0,0,0,\n0,0,1\n",
+                 "3: found no separator at the end of the row, expected one as in line 1"},
+        BadTable{"ARowTooLongBeforeTheSeparatorAtItsEnd", "x,y,z,\n0,0,0,5,\n",
+                 "2: found 4 columns, expected 3 as in line 1"},
+        BadTable{"ARowTooLongInsteadOfTheSeparatorAtItsEnd", "x,y,z,\n0,0,0,5\n",
+                 "2: found 4 columns, expected 3 as in line 1"},
+        BadTable{"AnAtomList", "2\nwater\nO 0 0 0\nH 0 0 1\n",
+                 "1: found an atom list, expected rows of numbers"},
+        BadTable{"ACommentSignOfMatlabBehindNumbers", "0 0 0 % a\n",
+                 "1: found 5 columns, expected 3 (x y z), or 7 or more (x y z qx qy qz qw and "
                  "scalars)"},
+        BadTable{"AHeaderOfOtherNames", "Var1,Var2,Var3\n0,0,0\n",
+                 "1: column 1: found 'Var1', expected a number, or a header that names x y z, and "
+                 "qx qy qz qw if there are quaternions"},
         BadTable{"AShorterRow", "# rod\n0 0 0\n0 0 1\n\n1 1 1\n0 1\n",
                  "6: found 2 columns, expected 3 as in line 2"},
         BadTable{"ALongerRow", "x y z s\n0 0 0 1\n0 0 1 1 1\n",
@@ -403,7 +497,8 @@ INSTANTIATE_TEST_SUITE_P(
         BadTable{"AHeaderWithAnEmptyField", "x,y,,z\n0,0,0,0\n",
                  "1: column 3: found an empty field, expected a column's name"},
         BadTable{"Prose", "Dear reader,\n0 0 0\n",
-                 "1: column 1: found 'Dear', expected a number, or a header with x y z"},
+                 "1: column 1: found 'Dear', expected a number, or a header that names x y z, and "
+                 "qx qy qz qw if there are quaternions"},
         BadTable{"AnotherHeader", "x y z\n0 0 0\n0 0 1\n\nz y x\n0 0 0\n",
                  "5: column 1 (x): found 'z', expected a finite number"},
         BadTable{"AHeaderInsideARod", "x y z\n0 0 0\nx y z\n0 0 1\n",
@@ -458,6 +553,9 @@ public:
         if (haveHeader)
             std::shuffle(order.begin(), order.end(), random);
 
+        const std::vector<std::string> choices[] = {
+            {" ", "  "}, {"\t", " \t", "\t "}, {",", ", ", " ,", "\t,"}, {";", " ; ", ";\t"}};
+        separators = choices[below(4)];
         std::string text = below(3) == 0 ? "\n# by chance\n" : "";
         if (haveHeader)
             writeHeader(text);
@@ -475,6 +573,12 @@ public:
 private:
     std::size_t below(std::size_t limit) { return random() % limit; }
     std::string pick(const std::vector<std::string>& texts) { return texts[below(texts.size())]; }
+
+    /// Points of one scale: those too near to each other would be one.
+    double coordinate(int scale)
+    {
+        return std::ldexp(random() * 0x1p-32 + random() * 0x1p-64 - 0.5, scale);
+    }
 
     /// Of either sign, over many orders of magnitude.
     double number()
@@ -499,9 +603,10 @@ private:
         rods.assign(count, Rod());
         for (Rod& rod : rods) {
             rod.scalars.assign(scalarCount, Scalar());
+            const int scale = static_cast<int>(below(100)) - 50;
             const std::size_t length = 2 + below(10);
             for (std::size_t i = 0; i < length; ++i) {
-                rod.points.emplace_back(number(), number(), number());
+                rod.points.emplace_back(coordinate(scale), coordinate(scale), coordinate(scale));
                 if (haveRotations)
                     rod.rotations.push_back(rotation());
                 for (Scalar& scalar : rod.scalars)
@@ -542,11 +647,13 @@ private:
         text += lineEnd();
     }
 
-    std::string separator() { return pick({" ", "  ", "\t", ",", ", ", " ,", ";", " ; "}); }
+    /// The same throughout a table, but for blanks around it.
+    std::string separator() { return pick(separators); }
     std::string lineEnd() { return pick({"\n", " \n", "\r\n", "\r", " # 1 2 3\n", "\n# 4,5\n"}); }
 
     std::mt19937 random;
     std::size_t scalarCount = 0;
+    std::vector<std::string> separators;
     std::vector<std::size_t> order; ///< what stands in each column
 };
 
@@ -636,17 +743,19 @@ TEST(ParallelTransport, AStraightRodHasOneFrame)
     }
 }
 
-TEST(ParallelTransport, AlongZTheFirstD2IsYAndElsewhereZMadePerpendicular)
+TEST(ParallelTransport, TheFirstD2IsAcrossZAndAlongZItIsY)
 {
     const auto along = [](const Vector3<double>& direction) {
         return Matrix3<double>(parallelTransport({{0, 0, 0}, direction})[0]).getColumn(1);
     };
+    expectNear(along({3, 0, 0}), {0, 1, 0}, 1e-15);
+    expectNear(along({0, 4, 3}), {-1, 0, 0}, 1e-15);
     expectNear(along({0, 0, 2}), {0, 1, 0}, 1e-15);
-    expectNear(along({3, 0, 0}), {0, 0, 1}, 1e-15);
-    expectNear(along({0, 4, 3}), {0, -0.6, 0.8}, 1e-15);
+    expectNear(along({0, 0, -2}), {0, 1, 0}, 1e-15);
+    expectNear(along({0, 0.28, 0.96}), {0, 0.96, -0.28}, 1e-15);
 }
 
-TEST(ParallelTransport, InAPlaneOfConstantZEveryD2IsZ)
+TEST(ParallelTransport, InAPlaneOfConstantZEveryD2LiesInIt)
 {
     std::vector<Vector3<double>> points;
     for (int i = 0; i <= 300; ++i) {
@@ -655,8 +764,35 @@ TEST(ParallelTransport, InAPlaneOfConstantZEveryD2IsZ)
     }
     for (const Quaternion<double>& rotation : parallelTransport(points)) {
         expectFrameIsRightHanded(rotation);
-        expectNear(Matrix3<double>(rotation).getColumn(1), {0, 0, 1}, 1e-12);
+        const Vector3<double> d3 = Matrix3<double>(rotation).getColumn(2);
+        expectNear(Matrix3<double>(rotation).getColumn(1), {-d3.y, d3.x, 0}, 1e-12);
     }
+}
+
+TEST(ParallelTransport, TheEndsOfAClosedRodHaveOneTangent)
+{
+    // A square: the neighbours of its corner are the second point and the last but one.
+    const std::vector<Vector3<double>> square = {
+        {0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}, {0, 0, 0}};
+    const Vector3<double> diagonal(std::sqrt(0.5), -std::sqrt(0.5), 0);
+    for (const double gap : {0., 0.9e-5, 1.1e-5}) {
+        SCOPED_TRACE(gap);
+        std::vector<Vector3<double>> points = square;
+        points.back().x = gap;
+        const auto rotations = parallelTransport(points);
+        const bool isClosed = gap < 1e-5; // of the mean edge, 1
+        expectNear(Matrix3<double>(rotations[0]).getColumn(2),
+                   isClosed ? diagonal : Vector3<double>(1, 0, 0), 1e-15);
+        expectNear(Matrix3<double>(rotations[4]).getColumn(2),
+                   isClosed ? diagonal : Vector3<double>(0, -1, 0), gap == 0 ? 1e-15 : 2e-5);
+    }
+}
+
+TEST(ParallelTransport, AClosedRodOfThreePointsKeepsTheTangentsOfItsEdges)
+{
+    const auto rotations = parallelTransport({{0, 0, 0}, {1, 0, 0}, {0, 0, 0}});
+    expectNear(Matrix3<double>(rotations[0]).getColumn(2), {1, 0, 0}, 1e-15);
+    expectNear(Matrix3<double>(rotations[2]).getColumn(2), {-1, 0, 0}, 1e-15);
 }
 
 TEST(ParallelTransport, AlongAHelixTheFrenetNormalTurnsAgainstD2ByTheTotalTorsion)

@@ -308,6 +308,7 @@ private:
         for (const Scalar& scalar : rod.scalars)
             if (!requireOnePerPoint(".scalars" + memberText(scalar.name), scalar.values.size()))
                 return false;
+        rod.origin = fileName + ": " + path();
         const std::string fault = collector.add(std::exchange(rod, Rod()));
         return fault.empty() || failAt(path() + ".points", fault);
     }

@@ -17,7 +17,8 @@
 ///                "scalars": {"name": [number, ...], ...}}, ...]}
 ///
 /// "quaternions" and "scalars" may be missing; what is there has one entry per point.
-/// Any other key is an error, and so is a key twice in one object.
+/// Any other key is an error, and so is a key twice in one object. The origin of a rod
+/// is "fileName: rods[0]".
 ///
 /// Nothing and report.error if that fails. Where the text is not JSON the error is
 /// "fileName:line:column: found ..., expected ...", with the character, counted from

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <limits>
 
 #include "readers/wording.h"
@@ -11,6 +12,7 @@ namespace {
 
 constexpr double largestCoordinate = 1e18;
 constexpr double normTolerance = 0.01;
+constexpr double smallestEdgeOfMean = 1e-5;
 
 /// Divides by the largest component first: no square over- or underflows.
 algebra3d::Quaternion<double> scaledToUnit(algebra3d::Quaternion<double> q)
@@ -39,6 +41,18 @@ bool areCoincident(const algebra3d::Vector3<double>& a, const algebra3d::Vector3
 {
     const algebra3d::Vector3<double> distance = b - a;
     return distance.dot(distance) < std::numeric_limits<double>::min();
+}
+
+double smallestEdge(const std::vector<algebra3d::Vector3<double>>& points)
+{
+    double sum = 0;
+    std::size_t count = 0;
+    for (std::size_t i = 1; i < points.size(); ++i)
+        if (!areCoincident(points[i - 1], points[i])) {
+            sum += (points[i] - points[i - 1]).getNorm();
+            ++count;
+        }
+    return count == 0 ? 0 : smallestEdgeOfMean * (sum / double(count));
 }
 
 std::string checkRotation(algebra3d::Quaternion<double>& rotation, const ReadOptions& options)

@@ -3,6 +3,7 @@
 #define STRANDVIEW_APP_READERS_RODCHECKS_H
 
 #include <string>
+#include <vector>
 
 #include <algebra3d/Quaternion.h>
 #include <algebra3d/Vector3.h>
@@ -21,6 +22,11 @@ bool isCoordinate(double number);
 /// Whether two points are one to the formulas, which divide by the square of their
 /// distance: they are equal, or so near (below 1.5e-154) that it is no normal number.
 bool areCoincident(const algebra3d::Vector3<double>& a, const algebra3d::Vector3<double>& b);
+
+/// Points of one rod that are nearer than this are one: 1e-5 of the mean distance of
+/// consecutive points, not counting coincident ones; 0 without any. Beside unit edges
+/// the rings of the tubes were seen to fail from 1e-7 down, and to hold at 1e-6.
+double smallestEdge(const std::vector<algebra3d::Vector3<double>>& points);
 
 /// Checks that a quaternion of finite components is a rotation: its norm is 1 within
 /// 0.01, the rod nodes' own tolerance. With options.normalise any quaternion but zero

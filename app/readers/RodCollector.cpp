@@ -11,17 +11,24 @@
 
 namespace {
 
+using Vector = algebra3d::Vector3<double>;
+
 /// A frame follows its rod if d3 is within 60 degrees of the points' direction, on
 /// average. Sheared rods do; quaternions that are meant in another way do not.
 constexpr double smallestMeanTangency = 0.5;
 
 /// Moves the points that are kept to the front, with all that belongs to them, and
-/// cuts off the rest. How many were left out.
+/// cuts off the rest. How many were left out: never the far end of an edge of mean
+/// length or more, so two are kept if any two were distinct.
 std::size_t mergeCoincidentPoints(Rod& rod)
 {
+    const double nearest = smallestEdge(rod.points);
+    const auto areOne = [nearest](const Vector& a, const Vector& b) {
+        return areCoincident(a, b) || (b - a).getNorm() < nearest;
+    };
     std::size_t kept = 0;
     for (std::size_t i = 0; i < rod.points.size(); ++i) {
-        if (kept > 0 && areCoincident(rod.points[kept - 1], rod.points[i]))
+        if (kept > 0 && areOne(rod.points[kept - 1], rod.points[i]))
             continue;
         rod.points[kept] = rod.points[i];
         if (!rod.rotations.empty())

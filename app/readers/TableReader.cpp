@@ -6,6 +6,8 @@
 #include <charconv>
 #include <cmath>
 #include <cstddef>
+#include <locale>
+#include <sstream>
 #include <system_error>
 #include <unordered_set>
 #include <utility>
@@ -22,9 +24,18 @@ constexpr std::array<std::string_view, 7> geometryNames = {"x", "y", "z", "qx", 
 constexpr std::size_t noColumn = static_cast<std::size_t>(-1);
 
 bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\v' || c == '\f'; }
-bool isComma(char c) { return c == ',' || c == ';'; }
 bool endsLine(char c) { return c == '\n' || c == '\r'; }
-bool isPartOfField(char c) { return !isBlank(c) && !isComma(c) && !endsLine(c) && c != '#'; }
+bool isQuote(char c) { return c == '"'; }
+
+/// The text without the blanks around it.
+std::string_view trimmed(std::string_view text)
+{
+    while (!text.empty() && isBlank(text.front()))
+        text.remove_prefix(1);
+    while (!text.empty() && isBlank(text.back()))
+        text.remove_suffix(1);
+    return text;
+}
 
 /// A place in the text that moves on by fields within a line, and by lines.
 /// A copy looks ahead.
@@ -36,16 +47,22 @@ public:
     bool isAtEnd() const { return position == text.size(); }
     std::size_t getLine() const { return line; }
 
+    /// From now on commas separate nothing.
+    void makeCommasText() { comma = ';'; }
+    bool areCommasText() const { return comma == ';'; }
+    /// From now on spaces separate nothing, but tabs still do.
+    void makeSpacesText() { spacesAreText = true; }
+
     /// The next field of the line: empty between two commas, none at the end of the line.
+    /// Of a field in double quotes it is the text between them; if it begins with a
+    /// quote, the closing one is missing or does not end the field.
     std::optional<std::string_view> nextField()
     {
         skipBlanks();
         if (!isAtField() && !isAtComma() && !afterComma)
             return {};
-        const std::size_t start = position;
-        while (isAtField())
-            ++position;
-        const std::string_view field = text.substr(start, position - start);
+        const std::string_view field =
+            isAtField() && isQuote(text[position]) ? takeQuoted() : take();
         skipBlanks();
         afterComma = isAtComma();
         if (afterComma)
@@ -53,11 +70,16 @@ public:
         return field;
     }
 
-    /// To be asked at the start of a line; a line of a comment only is not blank.
+    /// These two are to be asked at the start of a line; a comment is not blank.
     bool isLineBlank()
     {
         skipBlanks();
         return isAtEnd() || endsLine(text[position]);
+    }
+    bool isLineComment()
+    {
+        skipBlanks();
+        return !isAtEnd() && (text[position] == '#' || text[position] == '%');
     }
 
     void nextLine()
@@ -76,10 +98,36 @@ private:
         while (!isAtEnd() && isBlank(text[position]))
             ++position;
     }
+    std::string_view take()
+    {
+        const std::size_t start = position;
+        while (isAtField())
+            ++position;
+        const std::string_view field = text.substr(start, position - start);
+        return spacesAreText ? trimmed(field) : field;
+    }
+    std::string_view takeQuoted()
+    {
+        const std::size_t start = position++;
+        while (!isAtEnd() && !endsLine(text[position]) && !isQuote(text[position]))
+            ++position;
+        if (isAtEnd() || endsLine(text[position]))
+            return text.substr(start, position - start);
+        const std::string_view field = text.substr(start + 1, position++ - start - 1);
+        return take().empty() ? trimmed(field) : text.substr(start, position - start);
+    }
+
+    bool isPartOfField(char c) const
+    {
+        return isBlank(c) ? c == ' ' && spacesAreText : !isComma(c) && !endsLine(c) && c != '#';
+    }
+    bool isComma(char c) const { return c == comma || c == ';'; }
     bool isAtField() const { return !isAtEnd() && isPartOfField(text[position]); }
     bool isAtComma() const { return !isAtEnd() && isComma(text[position]); }
 
     std::string_view text;
+    char comma = ','; ///< separates too, besides semicolons; or is one
+    bool spacesAreText = false;
     std::size_t position = 0;
     std::size_t line = 1;
     bool afterComma = false; ///< the line owes a field
@@ -94,8 +142,17 @@ std::vector<std::string_view> remainingFields(FieldScanner scanner)
     return fields;
 }
 
-/// Reads a whole field as C or Fortran writes numbers: "+1.5", ".5", "1e-3", "1D-3".
-/// result_out_of_range if no double can hold it, invalid_argument if it is no number.
+/// For a number that is too large or too small for double precision: the latter is rounded.
+std::errc parseExtremeNumber(const std::string& field, double& number)
+{
+    std::istringstream stream(field);
+    stream.imbue(std::locale::classic());
+    return stream >> number ? std::errc() : std::errc::result_out_of_range;
+}
+
+/// Reads a whole field as C or Fortran writes numbers: "+1.5", ".5", "1e-3", "1D-3", or
+/// with a comma for the point. result_out_of_range if it is too large for a double,
+/// invalid_argument if it is no number.
 std::errc parseNumber(std::string_view field, double& number)
 {
     if (field.size() > 1 && field[0] == '+' && field[1] != '-')
@@ -103,12 +160,14 @@ std::errc parseNumber(std::string_view field, double& number)
     const char* end = field.data() + field.size();
     const auto [stop, status] = std::from_chars(field.data(), end, number);
     if (stop == end)
-        return status;
-    if (*stop != 'd' && *stop != 'D')
+        return status == std::errc::result_out_of_range
+                   ? parseExtremeNumber(std::string(field), number)
+                   : status;
+    if (*stop != 'd' && *stop != 'D' && *stop != ',')
         return std::errc::invalid_argument;
-    std::string withE(field);
-    withE[stop - field.data()] = 'e';
-    return parseNumber(withE, number);
+    std::string inC(field);
+    inC[stop - field.data()] = *stop == ',' ? '.' : 'e';
+    return parseNumber(inC, number);
 }
 
 bool isNumber(std::string_view field)
@@ -117,13 +176,29 @@ bool isNumber(std::string_view field)
     return parseNumber(field, ignored) != std::errc::invalid_argument;
 }
 
-/// Null, or what should stand there instead of this field.
-const char* readNumber(std::string_view field, double& number)
+bool hasComma(std::string_view field) { return field.find(',') != std::string_view::npos; }
+
+/// Whether commas can only be decimal ones: no field has any other.
+bool areCommasDecimal(const std::vector<std::string_view>& fields)
 {
-    const std::errc status = parseNumber(field, number);
+    return fields.size() > 1 && std::all_of(fields.begin(), fields.end(), [](auto field) {
+               return !hasComma(field) || isNumber(field);
+           });
+}
+
+constexpr char expectedClosingQuote[] = "a closing quote at the end of the field";
+constexpr char decimalPointHint[] = ", with a decimal point";
+
+bool hasOpenQuote(std::string_view field) { return !field.empty() && isQuote(field[0]); }
+
+/// What should stand there instead of a field that is no finite number.
+std::string expectedInstead(std::string_view field, std::errc status)
+{
+    if (hasOpenQuote(field))
+        return expectedClosingQuote;
     if (status == std::errc::result_out_of_range)
         return "a number within the range of double precision";
-    return status == std::errc() && std::isfinite(number) ? nullptr : expectedNumber;
+    return std::string(expectedNumber) + (hasComma(field) ? decimalPointHint : "");
 }
 
 std::string foundField(std::string_view field)
@@ -137,10 +212,20 @@ std::size_t indexOfGeometryName(std::string_view name)
     return found == geometryNames.end() ? noColumn : found - geometryNames.begin();
 }
 
-/// A column's name: x y z qx qy qz qw in lower case, any other as it is.
+/// The text before a last part in brackets: "x" for "x [m]" and "x(nm)".
+std::string_view withoutUnit(std::string_view field)
+{
+    const char last = field.empty() ? ' ' : field.back();
+    if (last != ']' && last != ')')
+        return field;
+    const std::size_t bracket = field.rfind(last == ']' ? '[' : '(');
+    return bracket == std::string_view::npos ? field : trimmed(field.substr(0, bracket));
+}
+
+/// A column's name: x y z qx qy qz qw in lower case and without a unit, any other as it is.
 std::string nameOfColumn(std::string_view field)
 {
-    std::string lower(field);
+    std::string lower(withoutUnit(field));
     for (char& c : lower)
         if (c >= 'A' && c <= 'Z')
             c = static_cast<char>(c - 'A' + 'a');
@@ -152,10 +237,15 @@ bool isGeometryName(std::string_view field)
     return indexOfGeometryName(nameOfColumn(field)) != noColumn;
 }
 
+std::string nameByNumber(std::size_t column) { return "column" + std::to_string(column + 1); }
+
+/// The first may have no name: that of an index often has none.
 std::vector<std::string> namesOfColumns(const std::vector<std::string_view>& fields)
 {
     std::vector<std::string> names(fields.size());
     std::transform(fields.begin(), fields.end(), names.begin(), nameOfColumn);
+    if (names[0].empty())
+        names[0] = nameByNumber(0);
     return names;
 }
 
@@ -164,8 +254,26 @@ std::vector<std::string> namesWithoutHeader(std::size_t count)
     std::vector<std::string> names(geometryNames.begin(),
                                    geometryNames.begin() + std::min<std::size_t>(count, 7));
     while (names.size() < count)
-        names.push_back("column" + std::to_string(names.size() + 1));
+        names.push_back(nameByNumber(names.size()));
     return names;
+}
+
+bool haveNamesOfPoints(const std::vector<std::string_view>& fields)
+{
+    return std::all_of(geometryNames.begin(), geometryNames.begin() + 3, [&](auto name) {
+        return std::any_of(fields.begin(), fields.end(),
+                           [&](auto field) { return nameOfColumn(field) == name; });
+    });
+}
+
+/// The fields of the line the scanner is in if it is a header: where commas, semicolons
+/// or tabs separate x y z, spaces are part of the names.
+std::vector<std::string_view> headerFields(FieldScanner scanner)
+{
+    FieldScanner withSpaces = scanner;
+    withSpaces.makeSpacesText();
+    std::vector<std::string_view> fields = remainingFields(withSpaces);
+    return haveNamesOfPoints(fields) ? fields : remainingFields(scanner);
 }
 
 /// A row that is all names: none of its fields is a number.
@@ -178,6 +286,7 @@ bool isHeader(const std::vector<std::string_view>& fields)
 struct Columns
 {
     std::size_t line = 0; ///< where they were fixed; 0 before that
+    bool endWithComma = false;
     std::vector<std::string> names;
     std::array<std::size_t, 7> geometry; ///< the column of each of geometryNames, or noColumn
     std::vector<std::size_t> scalars;    ///< the others
@@ -210,48 +319,91 @@ private:
     {
         if (scanner.isLineBlank())
             return finishRod();
+        if (scanner.isLineComment())
+            return true;
         if (!rod.points.empty())
             return readRow();
-        const std::vector<std::string_view> fields = remainingFields(scanner);
-        if (fields.empty()) // a comment only
-            return true;
-        return startRod(fields);
+        if (columns.line == 0)
+            return takeFirstLine();
+        return isHeaderAgain() || readRow();
     }
 
-    /// The first line of a rod, or a header above it.
-    bool startRod(const std::vector<std::string_view>& fields)
+    /// The first line that is neither blank nor a comment fixes the columns.
+    bool takeFirstLine()
     {
-        if (columns.line == 0)
-            return isHeader(fields) ? takeHeader(fields)
-                                    : takeColumnCount(fields.size()) && readRow();
-        if (isHeader(fields) && namesOfColumns(fields) == columns.names)
-            return true;
-        return readRow();
+        FieldScanner line = scanner;
+        line.makeCommasText();
+        line.makeSpacesText();
+        if (areCommasDecimal(remainingFields(line)))
+            scanner.makeCommasText();
+
+        std::vector<std::string_view> fields = headerFields(scanner);
+        columns.endWithComma = fields.size() > 1 && fields.back().empty();
+        if (columns.endWithComma)
+            fields.pop_back();
+        return isHeader(fields) ? takeHeader(fields) : takeColumnCount(fields.size()) && readRow();
+    }
+
+    /// Above a later rod.
+    bool isHeaderAgain() const
+    {
+        if (isNumber(*FieldScanner(scanner).nextField())) // most often
+            return false;
+        std::vector<std::string_view> fields = headerFields(scanner);
+        if (columns.endWithComma && fields.back().empty())
+            fields.pop_back();
+        return isHeader(fields) && namesOfColumns(fields) == columns.names;
     }
 
     bool takeColumnCount(std::size_t count)
     {
+        if (count == 1 && isAtomList())
+            return fail("found an atom list, expected rows of numbers");
         if (count != 3 && count < geometryNames.size())
             return fail("found " + counted(count, "column") +
-                        ", expected 3 (x y z), or 7 or more (x y z qx qy qz qw and scalars)");
+                        ", expected 3 (x y z), or 7 or more (x y z qx qy qz qw and scalars)" +
+                        hintFor(scanner));
         setColumns(namesWithoutHeader(count));
         return true;
     }
 
+    /// Whether the number in this line could be that of the atoms from the line after
+    /// the next on, each with its name first.
+    bool isAtomList() const
+    {
+        FieldScanner atom = scanner;
+        atom.nextLine();
+        atom.nextLine();
+        const auto name = atom.nextField();
+        return name && !name->empty() && !isNumber(*name);
+    }
+
+    /// For a line with too many columns.
+    static std::string hintFor(FieldScanner line)
+    {
+        line.makeCommasText();
+        const std::vector<std::string_view> words = remainingFields(line);
+        const bool haveCommas = std::any_of(words.begin(), words.end(), hasComma);
+        return haveCommas && areCommasDecimal(words) ? decimalPointHint : "";
+    }
+
     bool takeHeader(const std::vector<std::string_view>& fields)
     {
+        for (std::size_t c = 0; c < fields.size(); ++c)
+            if (hasOpenQuote(fields[c]))
+                return fail(columnText(c) + ": " + foundField(fields[c]) + ", expected " +
+                            expectedClosingQuote);
         if (std::none_of(fields.begin(), fields.end(), isGeometryName))
             return fail("column 1: " + foundField(fields[0]) +
-                        ", expected a number, or a header with x y z");
-        std::vector<std::string> names;
+                        ", expected a number, or a header that names x y z, and qx qy qz qw if "
+                        "there are quaternions");
+        std::vector<std::string> names = namesOfColumns(fields);
         std::unordered_set<std::string> seen;
-        for (const std::string_view field : fields) {
-            const std::string column = columnText(names.size());
-            names.push_back(nameOfColumn(field));
-            if (field.empty())
-                return fail(column + ": found an empty field, expected a column's name");
-            if (!seen.insert(names.back()).second)
-                return fail(column + ": found " + inQuotes(field) +
+        for (std::size_t c = 0; c < fields.size(); ++c) {
+            if (names[c].empty())
+                return fail(columnText(c) + ": found an empty field, expected a column's name");
+            if (!seen.insert(names[c]).second)
+                return fail(columnText(c) + ": found " + inQuotes(fields[c]) +
                             " again, expected each name once");
         }
         setColumns(std::move(names));
@@ -288,19 +440,37 @@ private:
 
     bool readRow()
     {
+        const FieldScanner start = scanner;
         std::size_t count = 0;
+        bool endsWithComma = false;
         for (; const auto field = scanner.nextField(); ++count) {
-            if (count >= row.size())
-                continue; // to say how many there are
-            if (const char* expected = readNumber(*field, row[count]))
-                return fail(nameText(count) + ": " + foundField(*field) + ", expected " + expected);
+            if (count < row.size()) {
+                if (!readField(*field, count))
+                    return false;
+            } else { // to say how many there are
+                endsWithComma = field->empty();
+            }
         }
-        if (count == 0) // a comment only
-            return true;
+        if (columns.endWithComma && endsWithComma)
+            --count;
+        else if (columns.endWithComma && count == row.size())
+            return fail("found no separator at the end of the row, expected one as in line " +
+                        std::to_string(columns.line));
         if (count != row.size())
             return fail("found " + counted(count, "column") + ", expected " +
-                        std::to_string(row.size()) + " as in line " + std::to_string(columns.line));
+                        std::to_string(row.size()) + " as in line " + std::to_string(columns.line) +
+                        hintFor(start));
         return addPoint();
+    }
+
+    bool readField(std::string_view field, std::size_t column)
+    {
+        const std::errc status = parseNumber(field, row[column]);
+        const bool isComma = !scanner.areCommasText() && hasComma(field);
+        if (status == std::errc() && std::isfinite(row[column]) && !isComma)
+            return true;
+        return fail(nameText(column) + ": " + foundField(field) + ", expected " +
+                    expectedInstead(field, status));
     }
 
     /// The row's numbers become the rod's next point.
@@ -326,6 +496,8 @@ private:
     void openRod()
     {
         firstLine = scanner.getLine();
+        rod.origin = fileName + ":" + std::to_string(firstLine) + ": rod " +
+                     std::to_string(collector.getRodCount() + 1);
         for (const std::size_t c : columns.scalars)
             rod.scalars.push_back({columns.names[c], {}});
     }

@@ -14,13 +14,21 @@
 /// The columns are x y z, or x y z qx qy qz qw and then any number of scalars, named
 /// "column8" and so on; or in any order what a header names, where x y z must be
 /// there, all or none of qx qy qz qw (upper or lower case), and other names are
-/// scalars. A header is a first row without any number. It counts for the whole file
-/// and may come again before any rod.
+/// scalars; without any, the first is "column1". Of x y z qx qy qz qw a unit in brackets
+/// behind the name is left out. A header is a first row without any number. It counts
+/// for the whole file and may come again before any rod.
 ///
 /// Blanks, tabs, a comma or a semicolon separate columns; nothing between two commas
-/// is an error. "#" starts a comment; a line of a comment only is not blank. Lines end
-/// with LF, CR LF or CR. Numbers have a decimal point in every locale, and an exponent
-/// may be written with D, as Fortran does.
+/// is an error, but one more comma or semicolon at the end of every line is left out.
+/// Between the names of a header spaces separate nothing if the others do, and double
+/// quotes protect all that is between them. "#" starts a comment, and so does "%" at the
+/// start of a line; a line of a comment only is not blank. Lines end with LF, CR LF or
+/// CR.
+///
+/// Numbers have a decimal point in every locale; or a decimal comma, if semicolons or
+/// tabs separate the first line and it has no other commas. An exponent may be written
+/// with D, as Fortran does. A number too small for double precision is 0. A rod's origin
+/// is "fileName:line: rod 1", with the line of its first point.
 ///
 /// Nothing and report.error if that fails, as "fileName:line: column 3 (z): found ...,
 /// expected ...", lines and columns counted from 1.

@@ -12,9 +12,19 @@ namespace {
 
 using Vector = algebra3d::Vector3<double>;
 
-Vector tangentAt(const std::vector<Vector>& points, std::size_t i)
+/// Whether the last point is the first one again.
+bool isClosed(const std::vector<Vector>& points)
+{
+    return areCoincident(points.front(), points.back()) ||
+           (points.back() - points.front()).getNorm() < smallestEdge(points);
+}
+
+Vector tangentAt(const std::vector<Vector>& points, std::size_t i, bool closed)
 {
     const std::size_t last = points.size() - 1;
+    const bool isEnd = i == 0 || i == last;
+    if (closed && isEnd && !areCoincident(points[last - 1], points[1]))
+        return (points[1] - points[last - 1]).getUnit();
     const Vector& before = points[i == 0 ? 0 : i - 1];
     const Vector& after = points[i == last ? last : i + 1];
     if (areCoincident(before, after))
@@ -28,7 +38,8 @@ Vector madePerpendicular(const Vector& v, const Vector& t) { return (v - t * v.d
 Vector firstD2(const Vector& tangent)
 {
     const bool nearlyZ = std::abs(tangent.z) > 0.9;
-    return madePerpendicular(nearlyZ ? Vector(0, 1, 0) : Vector(0, 0, 1), tangent);
+    return nearlyZ ? madePerpendicular(Vector(0, 1, 0), tangent)
+                   : Vector(0, 0, 1).cross(tangent).getUnit();
 }
 
 /// v reflected in the plane perpendicular to the unit vector n.
@@ -55,9 +66,10 @@ std::vector<algebra3d::Quaternion<double>> parallelTransport(const std::vector<V
 {
     std::vector<algebra3d::Quaternion<double>> rotations;
     rotations.reserve(points.size());
+    const bool closed = isClosed(points);
     Vector d2, d3;
     for (std::size_t i = 0; i < points.size(); ++i) {
-        const Vector tangent = tangentAt(points, i);
+        const Vector tangent = tangentAt(points, i, closed);
         d2 = i == 0 ? firstD2(tangent) : carried(d2, points[i - 1], d3, points[i], tangent);
         d3 = tangent;
         rotations.push_back(algebra3d::Matrix3<double>(d2.cross(d3), d2, d3).getQuaternion());

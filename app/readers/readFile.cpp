@@ -66,6 +66,13 @@ std::string_view withoutByteOrderMark(std::string_view text)
     return text.substr(text.substr(0, mark.size()) == mark ? mark.size() : 0);
 }
 
+/// By its byte order mark.
+bool isUtf16(std::string_view text)
+{
+    const std::string_view mark = text.substr(0, 2);
+    return mark == "\xFF\xFE" || mark == "\xFE\xFF";
+}
+
 std::string cannotBeRead(int reason)
 {
     return "cannot be read: " + std::generic_category().message(reason);
@@ -123,8 +130,10 @@ std::optional<Configuration> readFile(const std::string& path, const ReadOptions
     const std::string fileName = isInput ? "standard input" : onOneLine(path);
     std::string text;
     Reader reader = nullptr;
-    const std::string fault =
+    std::string fault =
         isInput ? readStandardInput(text, reader) : readNamedFile(path, text, reader);
+    if (fault.empty() && isUtf16(text))
+        fault = "found UTF-16 text, expected UTF-8";
     report.error = fault.empty() ? "" : fileName + ": " + fault;
     if (!fault.empty())
         return {};

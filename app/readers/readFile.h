@@ -11,7 +11,7 @@
 /// Reads one file, or standard input for "-", by the reader for its ending:
 /// .txt .dat .csv .tsv .xyz are tables, .json is JSON (upper or lower case). Standard
 /// input is JSON if its first character that is not blank is "{", else a table. A
-/// byte order mark of UTF-8 is skipped.
+/// byte order mark of UTF-8 is skipped; text with one of UTF-16 is refused.
 ///
 /// Adds to report.notices. Nothing and report.error if it fails; if the file cannot be
 /// read at all the error gives the system's reason.

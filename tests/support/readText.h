@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_TESTS_SUPPORT_READTEXT_H
+#define STRANDVIEW_TESTS_SUPPORT_READTEXT_H
+
+#include <array>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "Configuration.h"
+#include "readers/ReadReport.h"
+
+/// What came of one text; nothing of it stays when the text was refused.
+struct Reading
+{
+    std::optional<Configuration> configuration;
+    ReadReport report;
+};
+
+/// Either reader of the program.
+using TextReader = std::optional<Configuration> (*)(std::string_view text,
+                                                    const std::string& fileName,
+                                                    const ReadOptions& options, ReadReport& report);
+
+inline Reading readWith(TextReader reader, const std::string& text, const std::string& fileName,
+                        const ReadOptions& options)
+{
+    Reading reading;
+    reading.configuration = reader(text, fileName, options, reading.report);
+    return reading;
+}
+
+/// The rods of a text that must be accepted.
+inline std::vector<Rod> acceptedRods(const Reading& reading)
+{
+    EXPECT_EQ(reading.report.error, "");
+    return reading.configuration ? reading.configuration->rods : std::vector<Rod>();
+}
+
+/// The only rod of a text that must be accepted.
+inline Rod onlyRod(const Reading& reading)
+{
+    const std::vector<Rod> rods = acceptedRods(reading);
+    EXPECT_EQ(rods.size(), 1U);
+    return rods.size() == 1 ? rods[0] : Rod();
+}
+
+using Points = std::vector<std::array<double, 3>>;
+using Rotations = std::vector<std::array<double, 4>>;
+
+inline Points numbersOf(const std::vector<algebra3d::Vector3<double>>& points)
+{
+    Points numbers;
+    for (const auto& p : points)
+        numbers.push_back({p.x, p.y, p.z});
+    return numbers;
+}
+
+inline Rotations numbersOf(const std::vector<algebra3d::Quaternion<double>>& rotations)
+{
+    Rotations numbers;
+    for (const auto& q : rotations)
+        numbers.push_back({q[0], q[1], q[2], q[3]});
+    return numbers;
+}
+
+#endif
