@@ -7,11 +7,15 @@
 #include <ColourMapper.h>
 #include <Inventor/SoDB.h>
 #include <Inventor/actions/SoGetBoundingBoxAction.h>
+#include <LightingDialog.h>
 #include <Mesh.h>
 #include <OffscreenContext.h>
 #include <RibbonMesh.h>
+#include <ScreenshotDialog.h>
 #include <SoGeneralScene.h>
 #include <SoMeshShape.h>
+#include <SoQtGeneralViewer.h>
+#include <SoQtGeneralViewerDialog.h>
 #include <SoRod.h>
 #include <TubeMesh.h>
 #include <algebra3d/Matrix3.h>

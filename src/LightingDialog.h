@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_LIGHTINGDIALOG_H
+#define STRANDVIEW_LIGHTINGDIALOG_H
+
+#include <memory>
+
+#include <QDialog>
+
+#include <StrandviewExport.h>
+
+class SoShaderParameterArray1f;
+class SoShaderParameterArray3f;
+class Ui_LightingDialog;
+
+/// Shows and edits three directional lights in place: the arrays that
+/// SoGeneralScene::getLightingParameters() hands out, three entries each, not owned.
+/// Return in any field takes all of them, and the next render shows it.
+class STRANDVIEW_EXPORT LightingDialog : public QDialog
+{
+    Q_OBJECT
+
+public:
+    /// Not modal. With any array null the dialog stays empty and changes nothing.
+    LightingDialog(QWidget* parent, SoShaderParameterArray3f* directions,
+                   SoShaderParameterArray1f* intensities, SoShaderParameterArray1f* shininess);
+    ~LightingDialog() override;
+
+    /// Writes the arrays into the fields, with six significant digits.
+    void updateGUIFromShaders();
+
+public slots:
+    /// QDialog::exec(); with any array null 0 at once, and nothing is shown.
+    int exec() override;
+    /// Reads the fields into the arrays, and shows what was stored. Directions are taken
+    /// as typed, not normalised; intensities are clamped to 0 to 1, shininess to 0 and
+    /// above. What is no number counts as 0.
+    void updateShaderParameters();
+
+private:
+    struct LightFields;
+
+    bool hasParameters() const;
+
+    std::unique_ptr<Ui_LightingDialog> form;
+    SoShaderParameterArray3f* directions;
+    SoShaderParameterArray1f* intensities;
+    SoShaderParameterArray1f* shininess;
+    std::unique_ptr<LightFields[]> lights;
+};
+
+#endif

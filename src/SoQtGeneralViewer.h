@@ -1,0 +1,162 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_SOQTGENERALVIEWER_H
+#define STRANDVIEW_SOQTGENERALVIEWER_H
+
+#include <map>
+#include <memory>
+
+#include <Inventor/Qt/viewers/SoQtExaminerViewer.h>
+#include <Inventor/sensors/SoNodeSensor.h>
+#include <QPointer>
+
+#include <StrandviewExport.h>
+
+class LightingDialog;
+class ScreenshotDialog;
+class SoGeneralScene;
+class SoMouseButtonEvent;
+class SoOffscreenRenderer;
+class SoQtGeneralViewer;
+
+/// Sees every event that the viewer processes; it cannot consume one.
+using SoQtGeneralViewerEventCB = void(void* userData, SoQtGeneralViewer* viewer,
+                                      const SoEvent* event);
+/// Is told the viewer's new size.
+using SoQtGeneralViewerResizeCB = void(void* userData, SoQtGeneralViewer* viewer,
+                                       const SbVec2s& size);
+
+/// An examiner viewer for a SoGeneralScene: keys that move the camera, picks that reach
+/// the scene, callbacks for the host, a dialog for the lights, and screenshots.
+///
+/// Keys, besides those of the scene (see SoGeneralScene::processSoEvent):
+///
+///     a d w s           move the camera left, right, up, down by a tenth of the view
+///     q e               move it forward, backward by a tenth of the focal distance
+///     alt, ctrl, shift  with a and d: orbit about the horizontal, vertical, viewing axis
+///     alt               with w and s: zoom in and out
+///     x y z             look along -x, -y, -z; with shift, another axis up
+///     l b f i           lights; white or black; frames per second; screenshot
+///     Return            show or hide the decoration
+///
+/// Releasing the left button with ctrl held over an object puts the focal point there.
+///
+/// Without a scene or a camera every operation is harmless and does nothing.
+class STRANDVIEW_EXPORT SoQtGeneralViewer : public SoQtExaminerViewer
+{
+    SOQT_OBJECT_HEADER(SoQtGeneralViewer, SoQtExaminerViewer);
+
+public:
+    /// As SoQtExaminerViewer's, without the pop-up menu, with the axis cross. Installs
+    /// OffscreenContext.
+    SoQtGeneralViewer(QWidget* parent = nullptr, const char* name = nullptr, SbBool embed = TRUE);
+    ~SoQtGeneralViewer() override;
+
+    // Anti-aliasing, of OpenGL widgets created afterwards
+
+    /// The samples per pixel of Qt's default OpenGL format.
+    static int getDefaultAntialiasingLevel();
+    /// level: clamped to 1 to 12.
+    static void setDefaultAntialiasingLevel(int level);
+
+    // Screenshots
+
+    /// The one renderer of all viewers. Its size and background colour stay from one
+    /// screenshot to the next.
+    static SoOffscreenRenderer* getOSRenderer();
+    /// Asks for file and size, renders the scene with the viewer's camera, writes the
+    /// picture and tells how it went. The background is the one that the renderer was
+    /// given by the screenshot before, black at first.
+    void renderOffscreen();
+
+    // Lights
+
+    /// Shows the dialog of the scene's lights.
+    virtual void setUpLighting();
+
+    // Camera; F is the focal point, f the focal distance
+
+    /// Pixels per scene unit at the focal plane, for the view's smaller side m: for a
+    /// perspective camera (m / 2 / f) / tan(heightAngle / 2), otherwise m / height.
+    virtual double getCameraZoom() const;
+    /// Zooms about F, which stays: a perspective camera moves along its viewing
+    /// direction, any other changes its height. The zoom is at least 1e-10.
+    virtual void setCameraZoom(double zoom);
+    /// Looks at F along `direction`, with `up` upwards, from the distance f. Both are
+    /// normalised.
+    virtual void setupCamera(SbVec3f direction, SbVec3f up);
+    /// Turns the camera about F: `axis` in the camera's own frame (x to the right, y up,
+    /// z to the viewer), `angle` in radians.
+    virtual void rotateCamera(SbVec3f axis, double angle);
+    /// Moves camera and F: x and y in parts of the view's width and height, z forward
+    /// in parts of f.
+    virtual void moveCamera(const SbVec3f& v);
+    /// The number of rotation key presses for a full turn.
+    virtual int getNumCameraRotSteps();
+    /// What is not greater than 0 becomes 12.
+    virtual void setNumCameraRotSteps(int n);
+
+    // The host's callbacks
+    //
+    // In each chain a function stands once, its first user data stays, and the functions
+    // are called in the order of their addresses. They may add and remove while the
+    // chain runs.
+
+    /// Called before the viewer acts on an event.
+    virtual void addPreEventProcessCB(SoQtGeneralViewerEventCB* cb, void* userData);
+    virtual void removePreEventProcessCB(SoQtGeneralViewerEventCB* cb);
+    /// Called after it, except for the keys that end with their action: all but b, f, i.
+    virtual void addPostEventProcessCB(SoQtGeneralViewerEventCB* cb, void* userData);
+    virtual void removePostEventProcessCB(SoQtGeneralViewerEventCB* cb);
+
+    // Scene
+
+    /// Null before the scene is set, and after it was destroyed.
+    virtual SoGeneralScene* getGeneralScene();
+    /// Shows the scene, all of it, with an orthographic camera along -z with y up, and
+    /// lets its lights be edited. Null changes nothing.
+    virtual void setSceneGraph(SoGeneralScene* scene);
+
+    virtual void addResizeCB(SoQtGeneralViewerResizeCB* cb, void* userData);
+    virtual void removeResizeCB(SoQtGeneralViewerResizeCB* cb);
+
+    /// SoGeneralScene::update() of the scene.
+    virtual void update();
+
+    // Of the base classes
+
+    /// Shows a graph that is no scene of ours; the recorded scene stays.
+    void setSceneGraph(SoNode* root) override;
+    /// Also tells the scene's shaders whether the camera is a perspective one.
+    void setCameraType(SoType type) override;
+
+protected:
+    void sizeChanged(const SbVec2s& size) override;
+    SbBool processSoEvent(const SoEvent* const event) override;
+
+private:
+    enum KeyResult { NOT_HANDLED, HANDLED, HANDLED_AND_DONE };
+
+    void recordScene(SoGeneralScene* scene);
+    static void forgetScene(void* viewer, SoSensor* sensor);
+
+    KeyResult processKey(const SoEvent& event);
+    void processMouseButton(const SoMouseButtonEvent& event, bool handled);
+    void toggleBackground();
+    void toggleFramesPerSecond();
+
+    bool renderSceneForScreenshot();
+    void writeScreenshot();
+
+    SoGeneralScene* sceneRoot = nullptr; // not owned
+    SoNodeSensor sceneWatcher;           // tells when it goes
+    // The parent widget's children, which may go before the viewer.
+    QPointer<ScreenshotDialog> screenshotDialog;
+    QPointer<LightingDialog> lightingDialog;
+    bool whiteBackground = false;
+    int cameraRotSteps = 12;
+    std::map<SoQtGeneralViewerResizeCB*, void*> resizeCBs;
+    std::map<SoQtGeneralViewerEventCB*, void*> preEventCBs;
+    std::map<SoQtGeneralViewerEventCB*, void*> postEventCBs;
+};
+
+#endif
