@@ -2,13 +2,37 @@
 #ifndef STRANDVIEW_APP_CAMERA_H
 #define STRANDVIEW_APP_CAMERA_H
 
-class SbViewportRegion;
-class SoNode;
-class SoOrthographicCamera;
+#include <Inventor/SbVec3f.h>
 
-/// A camera that shows all of the scene with a small margin, along -z with y up. The
-/// part `bottom` of the view's height, from 0 to below 1, is left free below the scene.
-/// Its reference count is zero.
-SoOrthographicCamera* makeCamera(SoNode* scene, const SbViewportRegion& region, float bottom);
+#include "CameraRequest.h"
+
+class SbViewportRegion;
+class SoCamera;
+class SoNode;
+
+/// Along where a standard view looks, and what is up in it.
+struct ViewAxes
+{
+    SbVec3f direction;
+    SbVec3f up;
+};
+
+ViewAxes axesOf(Side side);
+
+/// A camera as asked for, its reference count zero; see placeCamera().
+SoCamera* makeCamera(const CameraRequest& request, SoNode* scene, const SbViewportRegion& region,
+                     float bottom);
+
+/// Puts a camera of the right type where it was asked for: by its numbers, or on a
+/// side from where all of the scene is seen as fitScene() says.
+void placeCamera(SoCamera& camera, const CameraRequest& request, SoNode* scene,
+                 const SbViewportRegion& region, float bottom);
+
+/// Moves the camera, without turning it, so that the whole scene just fits the view with
+/// a small margin. The part `bottom` of the view's height, from 0 to below 1, is left
+/// free below the scene. The clipping planes are set around the scene.
+void fitScene(SoCamera& camera, SoNode* scene, const SbViewportRegion& region, float bottom);
+
+CameraNumbers numbersOf(const SoCamera& camera);
 
 #endif

@@ -3,6 +3,7 @@
 
 #include <cmath>
 
+#include <Inventor/misc/SoChildList.h>
 #include <Inventor/nodes/SoAsciiText.h>
 #include <Inventor/nodes/SoBaseColor.h>
 #include <Inventor/nodes/SoCoordinate3.h>
@@ -138,15 +139,24 @@ SoNode* makeLegend(const std::string& name, const ColourMapper& mapper, const Co
     legend->addChild(lightModel);
 
     addBar(legend, mapper);
-    const ColourMapper::Colour ink = ColourMapper::getForeground(ColourMapper::Colour(
-        double(background.red), double(background.green), double(background.blue)));
-    auto* colour = new SoBaseColor;
-    colour->rgb.setValue(float(ink.x), float(ink.y), float(ink.z));
-    legend->addChild(colour);
+    legend->addChild(new SoBaseColor);
+    setLegendBackground(*legend, background);
     auto* font = new SoFont;
     font->size = TEXT_SIZE;
     legend->addChild(font);
     addTicks(legend, mapper);
     addText(legend, name, 0, NAME);
     return legend;
+}
+
+void setLegendBackground(SoNode& legend, const Colour& background)
+{
+    const ColourMapper::Colour ink = ColourMapper::getForeground(ColourMapper::Colour(
+        double(background.red), double(background.green), double(background.blue)));
+    for (int i = 0; i < legend.getChildren()->getLength(); ++i) {
+        SoNode* child = (*legend.getChildren())[i];
+        if (child->isOfType(SoBaseColor::getClassTypeId()))
+            static_cast<SoBaseColor*>(child)->rgb.setValue(float(ink.x), float(ink.y),
+                                                           float(ink.z));
+    }
 }

@@ -22,4 +22,7 @@ std::vector<double> roundTicks(double min, double max);
 /// the background.
 SoNode* makeLegend(const std::string& name, const ColourMapper& mapper, const Colour& background);
 
+/// Gives a legend's text the colour that is read on another background.
+void setLegendBackground(SoNode& legend, const Colour& background);
+
 #endif

@@ -2,22 +2,46 @@
 #include "MainWindow.h"
 
 #include <cstdlib>
+#include <iostream>
 
 #include <Inventor/Qt/SoQt.h>
-#include <Inventor/Qt/viewers/SoQtExaminerViewer.h>
+#include <Inventor/events/SoKeyboardEvent.h>
 #include <Inventor/nodes/SoOrthographicCamera.h>
-#include <Inventor/nodes/SoSeparator.h>
+#include <Inventor/nodes/SoPerspectiveCamera.h>
+#include <QAction>
 #include <QApplication>
-#include <QEvent>
-#include <QGLFormat>
+#include <QClipboard>
+#include <QCloseEvent>
+#include <QDropEvent>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QImage>
+#include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QPixmap>
+#include <QScreen>
+#include <QSettings>
+#include <QStatusBar>
+#include <QStyle>
 #include <QTimer>
-#include <QWidget>
+#include <QToolBar>
+#include <QVBoxLayout>
 
-#include <SoGeneralScene.h>
+#include <SoQtGeneralViewer.h>
 
 #include "Camera.h"
+#include "DataScene.h"
+#include "Keys.h"
+#include "PictureWriter.h"
 
 namespace {
+
+const int RECENT_FILE_COUNT = 8;
+const char* const RECENT_FILES = "recentFiles";
+const char* const GEOMETRY = "windowGeometry";
 
 // The X server shows and resizes windows in its own time, and a frame that comes before
 // is cut off or lost; Qt's GL widget does not ask for another. So whenever a window
@@ -41,35 +65,531 @@ private:
     SoQtViewer& viewer;
 };
 
+QString keyPage()
+{
+    QString page = "<table cellspacing='4'>";
+    for (const KeyGroup& group : keyHelp()) {
+        page += "<tr><td colspan='2'><b>" + QString::fromStdString(group.title) + "</b></td></tr>";
+        for (const KeyHelp& help : group.keys)
+            page += "<tr><td>" + QString::fromStdString(help.key).toHtmlEscaped() +
+                    "&nbsp;&nbsp;</td><td>" + QString::fromStdString(help.does).toHtmlEscaped() +
+                    "</td></tr>";
+    }
+    return page + "</table>";
+}
+
+// A box that stays beside the window.
+void showText(QWidget* parent, const QString& title, const QString& text)
+{
+    auto* box = new QMessageBox(QMessageBox::NoIcon, title, text, QMessageBox::Close, parent);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->setModal(false);
+    box->show();
+}
+
+QString titleFor(const std::vector<std::string>& files)
+{
+    if (files.empty())
+        return "strandview";
+    const std::string& first = files.front();
+    QString title = first == "-" ? QString("standard input") : QString::fromStdString(first);
+    if (files.size() > 1)
+        title += " and " + QString::number(files.size() - 1) + " more";
+    return title + " - strandview";
+}
+
+QStringList localFiles(const QMimeData& data)
+{
+    QStringList files;
+    for (const QUrl& url : data.urls()) {
+        if (url.isLocalFile())
+            files.append(url.toLocalFile());
+    }
+    return files;
+}
+
 } // namespace
+
+// Lets the window see the size that pictures take.
+class MainWindow::Viewer : public SoQtGeneralViewer
+{
+public:
+    explicit Viewer(QWidget* parent) : SoQtGeneralViewer(parent) {}
+
+    using SoQtGeneralViewer::getGLSize;
+    using SoQtGeneralViewer::processSoEvent;
+};
 
 void initialiseWindows(const char* programName)
 {
     // Coin calls X11 itself and crashes under Qt's Wayland plugin.
     setenv("QT_QPA_PLATFORM", "xcb", 0);
-    QGLFormat format = QGLFormat::defaultFormat();
-    format.setSampleBuffers(true);
-    QGLFormat::setDefaultFormat(format);
+    SoQtGeneralViewer::setDefaultAntialiasingLevel(4);
     SoQt::init(programName, programName);
+    QApplication::setOrganizationName("strandview");
+    QApplication::setApplicationName("strandview");
+    SoQtGeneralViewer::initClass();
 }
 
-void showWindow(SoGeneralScene* scene, const std::string& title, const Colour& background,
-                float bottom)
+MainWindow::MainWindow(const Options& startOptions, Loader sceneLoader)
+    : SoQtGeneralViewerDialog(nullptr), options(startOptions), loader(std::move(sceneLoader))
 {
-    QWidget* window = SoQt::getTopLevelWidget();
-    SoQt::setWidgetSize(window, SbVec2s(1000, 750));
-    SoQtExaminerViewer viewer(window);
-    // The viewer takes the first camera that it finds as its own.
-    auto* root = new SoSeparator;
-    root->addChild(makeCamera(scene, SbViewportRegion(1000, 750), bottom));
-    root->addChild(scene);
-    viewer.setHeadlight(FALSE); // the scene has its lights
-    viewer.setBackgroundColor(SbColor(background.red, background.green, background.blue));
-    viewer.setSceneGraph(root);
-    viewer.saveHomePosition();
-    viewer.setTitle(title.c_str());
-    viewer.show();
-    const Redrawer redrawer(viewer);
-    SoQt::show(window);
+    setWindowFlags(Qt::Window);
+    setWindowTitle(titleFor({}));
+    setAcceptDrops(true);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    buildMenus();
+
+    auto* area = new QWidget(this);
+    area->setMinimumSize(160, 120);
+    layout->addWidget(area, 1);
+    ownedViewer = std::make_unique<Viewer>(area);
+    viewer = ownedViewer.get();
+    redrawer = std::make_unique<Redrawer>(*viewer);
+    viewer->setHeadlight(FALSE); // the scene has its lights
+    viewer->setDecoration(FALSE);
+    const SbColor background(options.background.red, options.background.green,
+                             options.background.blue);
+    viewer->setBackgroundColor(background);
+    if (background == SbColor(1, 1, 1))
+        pressKey(SoKeyboardEvent::B); // so that the key's next press gives black
+    viewer->addResizeCB(refit, this);
+    viewer->show();
+
+    pickLabel = new QLabel("Right button: point and arc length. F1: all keys.", statusBar);
+    pickLabel->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    pickLabel->setIndent(4);
+    pickLabel->setMinimumWidth(1); // so that long texts do not widen the window
+    statusBar->addWidget(pickLabel, 1);
+    layout->addWidget(statusBar);
+    setupUi();
+
+    restoreWindow();
+    followViewer();
+    viewer->getGLWidget()->setFocus();
+}
+
+MainWindow::~MainWindow() = default;
+
+// Scene
+
+void MainWindow::showScene(DataScene* newScene, const std::vector<std::string>& files)
+{
+    scene = newScene;
+    scene->onPick = [this](const std::string& text) {
+        pickLabel->setText(QString::fromStdString(text));
+    };
+    viewer->setSceneGraph(static_cast<SoGeneralScene*>(scene));
+    place(options.camera);
+    viewer->saveHomePosition();
+    // The numbers were for the first scene.
+    options.camera.numbers.reset();
+    setWindowTitle(titleFor(files));
+    followViewer();
+}
+
+bool MainWindow::hasScene() const { return scene; }
+
+CameraNumbers MainWindow::getCameraNumbers() const { return numbersOf(*viewer->getCamera()); }
+
+void MainWindow::openFiles(const QStringList& names)
+{
+    std::vector<std::string> files;
+    for (const QString& name : names)
+        files.push_back(name.toStdString());
+    if (files.empty())
+        return;
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    ReadReport report;
+    DataScene* loaded = loader(files, report);
+    QApplication::restoreOverrideCursor();
+    if (!loaded) {
+        QMessageBox::critical(this, "Cannot open", QString::fromStdString(report.error));
+        return;
+    }
+    showScene(loaded, files);
+    rememberFiles(names);
+    QStringList notices;
+    for (const std::string& notice : report.notices)
+        notices.append(QString::fromStdString(notice));
+    pickLabel->setText(notices.join("; "));
+}
+
+// Camera
+
+void MainWindow::place(const CameraRequest& request)
+{
+    if (!scene)
+        return;
+    viewer->setCameraType(request.isPerspective() ? SoPerspectiveCamera::getClassTypeId()
+                                                  : SoOrthographicCamera::getClassTypeId());
+    placeCamera(*viewer->getCamera(), request, scene, SbViewportRegion(ownedViewer->getGLSize()),
+                scene->getLegendHeight());
+    fitted.reset();
+    if (!request.numbers)
+        fitted = getCameraNumbers();
+    update3DZoom();
+}
+
+void MainWindow::fit()
+{
+    fitScene(*viewer->getCamera(), scene, SbViewportRegion(ownedViewer->getGLSize()),
+             scene->getLegendHeight());
+    fitted = getCameraNumbers();
+    update3DZoom();
+}
+
+void MainWindow::refit(void* window, SoQtGeneralViewer* /*viewer*/, const SbVec2s& /*size*/)
+{
+    auto* self = static_cast<MainWindow*>(window);
+    if (self->scene && self->fitted && *self->fitted == self->getCameraNumbers())
+        self->fit();
+}
+
+void MainWindow::viewAll()
+{
+    if (scene)
+        fit();
+}
+
+void MainWindow::viewFrom(Side side)
+{
+    CameraRequest request;
+    request.side = side;
+    request.perspective = perspectiveAction->isChecked();
+    place(request);
+}
+
+void MainWindow::setPerspective(bool perspective)
+{
+    viewer->setCameraType(perspective ? SoPerspectiveCamera::getClassTypeId()
+                                      : SoOrthographicCamera::getClassTypeId());
+    update3DZoom();
+}
+
+void MainWindow::copyCamera()
+{
+    if (!scene)
+        return;
+    const QString text = "--camera " + QString::fromStdString(formatCamera(getCameraNumbers()));
+    QApplication::clipboard()->setText(text);
+    pickLabel->setText("Copied: " + text);
+}
+
+// What is shown of the viewer
+
+void MainWindow::update3DZoom()
+{
+    SoQtGeneralViewerDialog::update3DZoom();
+    followViewer();
+}
+
+void MainWindow::setCameraZoom()
+{
+    SoQtGeneralViewerDialog::setCameraZoom();
+    viewer->getGLWidget()->setFocus();
+}
+
+void MainWindow::followViewer()
+{
+    for (QAction* action : sceneActions)
+        action->setEnabled(scene);
+    const SoCamera* camera = viewer->getCamera();
+    perspectiveAction->setChecked(camera &&
+                                  camera->isOfType(SoPerspectiveCamera::getClassTypeId()));
+    const SbColor background = viewer->getBackgroundColor();
+    if (scene)
+        scene->setBackground({background[0], background[1], background[2]});
+}
+
+// Pictures
+
+void MainWindow::choosePicture()
+{
+    const QString file =
+        QFileDialog::getSaveFileName(this, "Save a picture of the view", "picture.png",
+                                     "Pictures (" + pictureNamePatterns() + ")");
+    if (!file.isEmpty())
+        savePicture(QFileInfo(file).suffix().isEmpty() ? file + ".png" : file);
+}
+
+void MainWindow::savePicture(const QString& file)
+{
+    if (!scene)
+        return;
+    const std::string name = file.toStdString();
+    std::string failure = checkPictureName("Save a picture", name, false);
+    if (failure.empty()) {
+        const SbVec2s size = ownedViewer->getGLSize();
+        const SbColor background = viewer->getBackgroundColor();
+        CameraRequest camera;
+        camera.numbers = getCameraNumbers();
+        QApplication::setOverrideCursor(Qt::WaitCursor);
+        failure = writePicture(scene, {name,
+                                       size[0],
+                                       size[1],
+                                       options.samples,
+                                       {background[0], background[1], background[2]},
+                                       false,
+                                       camera,
+                                       0});
+        QApplication::restoreOverrideCursor();
+    }
+    if (failure.empty())
+        pickLabel->setText("Saved " + file);
+    else
+        QMessageBox::critical(this, "Cannot save", QString::fromStdString(failure));
+}
+
+// Files
+
+void MainWindow::chooseFiles()
+{
+    openFiles(QFileDialog::getOpenFileNames(
+        this, "Open", QString(),
+        "Configurations (*.txt *.dat *.csv *.tsv *.xyz *.json);;All files (*)"));
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent* event)
+{
+    if (!localFiles(*event->mimeData()).isEmpty())
+        event->acceptProposedAction();
+}
+
+void MainWindow::dropEvent(QDropEvent* event)
+{
+    event->acceptProposedAction();
+    openFiles(localFiles(*event->mimeData()));
+}
+
+void MainWindow::rememberFiles(const QStringList& files)
+{
+    QSettings settings;
+    QStringList recent = settings.value(RECENT_FILES).toStringList();
+    for (const QString& file : files) {
+        const QString path = QFileInfo(file).absoluteFilePath();
+        recent.removeAll(path);
+        recent.prepend(path);
+    }
+    settings.setValue(RECENT_FILES, QStringList(recent.mid(0, RECENT_FILE_COUNT)));
+}
+
+void MainWindow::updateRecentMenu()
+{
+    recentMenu->clear();
+    for (const QString& file : QSettings().value(RECENT_FILES).toStringList())
+        recentMenu->addAction(file, this, [this, file] { openFiles({file}); });
+    if (recentMenu->isEmpty())
+        recentMenu->addAction("None yet")->setEnabled(false);
+}
+
+// Window
+
+void MainWindow::restoreWindow()
+{
+    resize(1000, 750);
+    if (options.windowSize)
+        resize(options.windowSize->first, options.windowSize->second);
+    else
+        restoreGeometry(QSettings().value(GEOMETRY).toByteArray());
+}
+
+void MainWindow::done(int result)
+{
+    if (!options.windowSize)
+        QSettings().setValue(GEOMETRY, saveGeometry());
+    SoQtGeneralViewerDialog::done(result);
+}
+
+// Menus
+
+void MainWindow::buildMenus()
+{
+    auto* bar = new QMenuBar(this);
+    layout()->setMenuBar(bar);
+    tools = new QToolBar(this);
+    tools->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    layout()->addWidget(tools);
+    buildFileMenu(*bar->addMenu("&File"));
+    tools->addSeparator();
+    buildViewMenu(*bar->addMenu("&View"));
+    buildLookMenu(*bar->addMenu("&Look"));
+    buildHelpMenu(*bar->addMenu("&Help"));
+}
+
+void MainWindow::buildFileMenu(QMenu& menu)
+{
+    QAction* open = menu.addAction(style()->standardIcon(QStyle::SP_DialogOpenButton), "&Open...",
+                                   this, &MainWindow::chooseFiles, QKeySequence("Ctrl+O"));
+    recentMenu = menu.addMenu("Open &recent");
+    connect(recentMenu, &QMenu::aboutToShow, this, &MainWindow::updateRecentMenu);
+    menu.addSeparator();
+    QAction* save =
+        menu.addAction(style()->standardIcon(QStyle::SP_DialogSaveButton), "&Save a picture...",
+                       this, &MainWindow::choosePicture, QKeySequence("Ctrl+P"));
+    save->setIconText("Save a picture");
+    sceneActions.push_back(save);
+    sceneActions.push_back(addKeyAction(menu, "S&creenshot...", "I", SoKeyboardEvent::I));
+    sceneActions.push_back(
+        menu.addAction("Copy c&amera", this, &MainWindow::copyCamera, QKeySequence("Ctrl+K")));
+    menu.addSeparator();
+    menu.addAction("&Quit\tAlt+F4", this, &QWidget::close);
+
+    tools->addAction(open);
+    tools->addAction(save);
+}
+
+void MainWindow::buildViewMenu(QMenu& menu)
+{
+    QAction* all = menu.addAction("View &all", this, &MainWindow::viewAll, QKeySequence("V"));
+    sceneActions.push_back(all);
+    tools->addAction(all);
+    menu.addSeparator();
+    const std::vector<std::pair<QString, Side>> sides{{"x", Side::X}, {"-x", Side::MINUS_X},
+                                                      {"y", Side::Y}, {"-y", Side::MINUS_Y},
+                                                      {"z", Side::Z}, {"-z", Side::MINUS_Z}};
+    int digit = 1;
+    for (const auto& [name, side] : sides) {
+        QAction* action = menu.addAction(
+            "From " + name, this, [this, from = side] { viewFrom(from); },
+            QKeySequence("Ctrl+" + QString::number(digit++)));
+        sceneActions.push_back(action);
+        if (!name.startsWith('-'))
+            tools->addAction(action);
+    }
+    menu.addSeparator();
+    perspectiveAction = menu.addAction("&Perspective");
+    perspectiveAction->setCheckable(true);
+    perspectiveAction->setShortcut(QKeySequence("P"));
+    connect(perspectiveAction, &QAction::triggered, this, &MainWindow::setPerspective);
+    sceneActions.push_back(perspectiveAction);
+    tools->addAction(perspectiveAction);
+
+    struct Step
+    {
+        QString text, keyName;
+        int key;
+        Qt::KeyboardModifier modifier;
+    };
+    const auto addSteps = [this, &menu](const QString& title, const std::vector<Step>& steps) {
+        QMenu* submenu = menu.addMenu(title);
+        for (const Step& step : steps)
+            sceneActions.push_back(
+                addKeyAction(*submenu, step.text, step.keyName, step.key, step.modifier));
+    };
+    addSteps("&Move", {{"Left", "A", SoKeyboardEvent::A, Qt::NoModifier},
+                       {"Right", "D", SoKeyboardEvent::D, Qt::NoModifier},
+                       {"Up", "W", SoKeyboardEvent::W, Qt::NoModifier},
+                       {"Down", "S", SoKeyboardEvent::S, Qt::NoModifier},
+                       {"Forward", "Q", SoKeyboardEvent::Q, Qt::NoModifier},
+                       {"Backward", "E", SoKeyboardEvent::E, Qt::NoModifier}});
+    addSteps("&Zoom", {{"In", "Alt+W", SoKeyboardEvent::W, Qt::AltModifier},
+                       {"Out", "Alt+S", SoKeyboardEvent::S, Qt::AltModifier}});
+    addSteps("&Turn",
+             {{"About the horizontal axis", "Alt+D", SoKeyboardEvent::D, Qt::AltModifier},
+              {"And back", "Alt+A", SoKeyboardEvent::A, Qt::AltModifier},
+              {"About the vertical axis", "Ctrl+D", SoKeyboardEvent::D, Qt::ControlModifier},
+              {"And back", "Ctrl+A", SoKeyboardEvent::A, Qt::ControlModifier},
+              {"About the viewing axis", "Shift+D", SoKeyboardEvent::D, Qt::ShiftModifier},
+              {"And back", "Shift+A", SoKeyboardEvent::A, Qt::ShiftModifier}});
+    addSteps("From where it &is", {{"x, z up", "X", SoKeyboardEvent::X, Qt::NoModifier},
+                                   {"x, y up", "Shift+X", SoKeyboardEvent::X, Qt::ShiftModifier},
+                                   {"y, z up", "Y", SoKeyboardEvent::Y, Qt::NoModifier},
+                                   {"y, x up", "Shift+Y", SoKeyboardEvent::Y, Qt::ShiftModifier},
+                                   {"z, y up", "Z", SoKeyboardEvent::Z, Qt::NoModifier},
+                                   {"z, x up", "Shift+Z", SoKeyboardEvent::Z, Qt::ShiftModifier}});
+}
+
+void MainWindow::buildLookMenu(QMenu& menu)
+{
+    QAction* drawStyle =
+        addKeyAction(menu, "Lit, plain, &wireframe", "Space", SoKeyboardEvent::SPACE);
+    drawStyle->setIconText("Draw style");
+    QAction* lights = addKeyAction(menu, "&Lights...", "L", SoKeyboardEvent::L);
+    lights->setIconText("Lights");
+    for (QAction* action : {drawStyle, lights}) {
+        sceneActions.push_back(action);
+        tools->addAction(action);
+    }
+    sceneActions.push_back(addKeyAction(menu, "Shapes or bounding &boxes", "Shift+Space",
+                                        SoKeyboardEvent::SPACE, Qt::ShiftModifier));
+    sceneActions.push_back(addKeyAction(menu, "&Thicker lines", "=", SoKeyboardEvent::EQUAL));
+    sceneActions.push_back(addKeyAction(menu, "Thi&nner lines", "-", SoKeyboardEvent::MINUS));
+    menu.addSeparator();
+    addKeyAction(menu, "White or black &background", "B", SoKeyboardEvent::B);
+    addKeyAction(menu, "&Frames per second", "F", SoKeyboardEvent::F);
+    addKeyAction(menu, "W&heels and buttons", "Return", SoKeyboardEvent::RETURN);
+    menu.addAction("Turning or &picking\tEsc", this,
+                   [this] { viewer->setViewing(!viewer->isViewing()); });
+}
+
+void MainWindow::buildHelpMenu(QMenu& menu)
+{
+    menu.addAction("&Keys", this, &MainWindow::showKeys, QKeySequence("F1"));
+    menu.addAction("&About strandview", this, &MainWindow::showAbout);
+}
+
+QAction* MainWindow::addKeyAction(QMenu& menu, const QString& text, const QString& keyName, int key,
+                                  Qt::KeyboardModifier modifier)
+{
+    // The viewer takes the key itself: the menu only names it.
+    return menu.addAction(text + "\t" + keyName, this,
+                          [this, key, modifier] { pressKey(key, modifier); });
+}
+
+void MainWindow::pressKey(int key, Qt::KeyboardModifier modifier)
+{
+    SoKeyboardEvent event;
+    event.setTime(SbTime::getTimeOfDay());
+    event.setKey(SoKeyboardEvent::Key(key));
+    event.setShiftDown(modifier == Qt::ShiftModifier);
+    event.setCtrlDown(modifier == Qt::ControlModifier);
+    event.setAltDown(modifier == Qt::AltModifier);
+    event.setState(SoButtonEvent::DOWN);
+    ownedViewer->processSoEvent(&event);
+    event.setState(SoButtonEvent::UP);
+    ownedViewer->processSoEvent(&event);
+}
+
+void MainWindow::showKeys() { showText(this, "Keys and mouse", keyPage()); }
+
+void MainWindow::showAbout()
+{
+    showText(this, "About strandview",
+             "<b>strandview " STRANDVIEW_VERSION "</b><br />Shows elastic rods and DNA, "
+             "right, smooth and fast.<br />Free software: GPL-3.0-or-later.");
+}
+
+// The whole of it
+
+namespace {
+
+// What the screen shows of the window, its frame left out.
+std::string saveWindow(const QWidget& window, const std::string& file)
+{
+    const QImage image = window.screen()->grabWindow(window.winId()).toImage();
+    return saveImage(image.convertToFormat(QImage::Format_RGB888), file);
+}
+
+} // namespace
+
+std::string runWindow(const Options& options, DataScene* scene, MainWindow::Loader loader)
+{
+    MainWindow window(options, std::move(loader));
+    if (scene)
+        window.showScene(scene, options.files);
+    window.show();
+    std::string failure;
+    if (options.windowPicture) {
+        QTimer::singleShot(int(1000 * options.windowPictureAfter), &window, [&] {
+            failure = saveWindow(window, *options.windowPicture);
+            window.close();
+        });
+    }
     SoQt::mainLoop();
+    if (options.printCamera && window.hasScene())
+        std::cout << formatCamera(window.getCameraNumbers()) << std::endl;
+    return failure;
 }

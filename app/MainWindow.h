@@ -2,18 +2,115 @@
 #ifndef STRANDVIEW_APP_MAINWINDOW_H
 #define STRANDVIEW_APP_MAINWINDOW_H
 
+#include <functional>
+#include <memory>
 #include <string>
+#include <vector>
 
-#include "Colour.h"
+#include <QStringList>
 
-class SoGeneralScene;
+#include <SoQtGeneralViewerDialog.h>
+
+#include "Options.h"
+#include "readers/ReadReport.h"
+
+class DataScene;
+class QAction;
+class QLabel;
+class QMenu;
+class QToolBar;
 
 /// Prepares Qt, Coin and SoQt for windows; before any node is made.
 void initialiseWindows(const char* programName);
 
-/// Shows the scene until the user closes the window. At first the part `bottom` of the
-/// view's height is left free below the scene.
-void showWindow(SoGeneralScene* scene, const std::string& title, const Colour& background,
-                float bottom);
+/// The program's window: the viewer with a menu, a tool bar, and a status bar that shows
+/// the zoom and what was picked. Its menu reaches everything that the keys do.
+class MainWindow : public SoQtGeneralViewerDialog
+{
+    Q_OBJECT
+
+public:
+    /// Makes the scene of some files: null, and report.error, if it cannot.
+    using Loader =
+        std::function<DataScene*(const std::vector<std::string>& files, ReadReport& report)>;
+
+    MainWindow(const Options& options, Loader loader);
+    ~MainWindow() override;
+
+    /// Shows the scene of these files instead of the present one, with the camera that
+    /// the options ask for.
+    void showScene(DataScene* scene, const std::vector<std::string>& files);
+    CameraNumbers getCameraNumbers() const;
+    bool hasScene() const;
+
+public slots:
+    void update3DZoom() override;
+    /// And gives the keyboard back to the view.
+    void setCameraZoom() override;
+
+    // File
+    void chooseFiles();
+    /// Loads and shows the files; tells in a message box if it cannot, and shows what it
+    /// showed.
+    void openFiles(const QStringList& files);
+    void choosePicture();
+    /// Writes what the view shows, with smooth edges; tells in a message box if it cannot.
+    void savePicture(const QString& file);
+    void copyCamera();
+
+    // View
+    void viewAll();
+    void viewFrom(Side side);
+    void setPerspective(bool perspective);
+
+    // Help
+    void showKeys();
+    void showAbout();
+
+protected:
+    void done(int result) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
+private:
+    class Viewer;
+
+    void buildMenus();
+    void buildFileMenu(QMenu& menu);
+    void buildViewMenu(QMenu& menu);
+    void buildLookMenu(QMenu& menu);
+    void buildHelpMenu(QMenu& menu);
+    /// An entry that does what a key of the viewer does.
+    QAction* addKeyAction(QMenu& menu, const QString& text, const QString& keyName, int key,
+                          Qt::KeyboardModifier modifier = Qt::NoModifier);
+    void pressKey(int key, Qt::KeyboardModifier modifier = Qt::NoModifier);
+
+    void updateRecentMenu();
+    void rememberFiles(const QStringList& files);
+    void restoreWindow();
+
+    void place(const CameraRequest& request);
+    void fit();
+    /// A view that the user left as it was fitted is fitted anew to another size.
+    static void refit(void* window, SoQtGeneralViewer* viewer, const SbVec2s& size);
+    void followViewer();
+
+    Options options;
+    Loader loader;
+    std::unique_ptr<Viewer> ownedViewer;
+    std::unique_ptr<QObject> redrawer;
+    DataScene* scene = nullptr; // kept by the viewer
+    std::optional<CameraNumbers> fitted;
+
+    QToolBar* tools = nullptr;
+    QLabel* pickLabel = nullptr;
+    QMenu* recentMenu = nullptr;
+    QAction* perspectiveAction = nullptr;
+    std::vector<QAction*> sceneActions; // that need a scene
+};
+
+/// Shows the scene, or an empty window if it is null, until the user closes it. Returns
+/// one line that says what failed, or nothing.
+std::string runWindow(const Options& options, DataScene* scene, MainWindow::Loader loader);
 
 #endif

@@ -5,6 +5,7 @@
 #include <charconv>
 #include <cmath>
 #include <iostream>
+#include <map>
 #include <sstream>
 
 #include <CLI/CLI.hpp>
@@ -32,9 +33,10 @@ bool parseSize(const std::string& text, int& width, int& height)
     return h.ec == std::errc() && h.ptr == end;
 }
 
-CLI::Option* addSize(CLI::App& app, int& width, int& height)
+void addSize(CLI::App& app, Options& options)
 {
-    const auto parse = [&width, &height](const std::string& text) {
+    const auto parse = [&options](const std::string& text) {
+        int width = 0, height = 0;
         const std::string found = "found '" + text + "', expected ";
         if (!parseSize(text, width, height) || width < 1 || height < 1 || width > LARGEST_SIDE ||
             height > LARGEST_SIDE) {
@@ -46,10 +48,13 @@ CLI::Option* addSize(CLI::App& app, int& width, int& height)
                                                      std::to_string(LARGEST_PIXEL_COUNT) +
                                                      " pixels in all");
         }
+        options.pictureWidth = width;
+        options.pictureHeight = height;
+        options.windowSize = {width, height};
     };
-    return app
-        .add_option_function<std::string>("--size", parse,
-                                          "Size of the picture in pixels [1200x900]")
+    app.add_option_function<std::string>("--size", parse,
+                                         "Size of the picture in pixels [1200x900], or of the "
+                                         "window [as it was]")
         ->type_name("WxH");
 }
 
@@ -124,6 +129,66 @@ bool parseLimit(const std::string& text, std::optional<double>& limit)
            std::isfinite(value);
 }
 
+void addCamera(CLI::App& app, Options& options)
+{
+    const std::string group = "Camera";
+    const std::map<std::string, Side> sides{{"x", Side::X}, {"-x", Side::MINUS_X},
+                                            {"y", Side::Y}, {"-y", Side::MINUS_Y},
+                                            {"z", Side::Z}, {"-z", Side::MINUS_Z}};
+    const auto parseSide = [&options, sides](const std::string& text) {
+        const auto side = sides.find(text);
+        if (side == sides.end()) {
+            throw CLI::ValidationError("--view",
+                                       "found '" + text + "', expected one of x -x y -y z -z");
+        }
+        options.camera.side = side->second;
+    };
+    CLI::Option* view =
+        app.add_option_function<std::string>(
+               "--view", parseSide, "The side that it is seen from: x, -x, y, -y, z or -z [z]")
+            ->type_name("SIDE")
+            ->group(group);
+    CLI::Option* perspective = app.add_flag("--perspective", options.camera.perspective,
+                                            "What is far away is smaller [orthographic]")
+                                   ->group(group);
+    const auto parseNumbers = [&options](const std::string& text) {
+        options.camera.numbers = parseCamera(text);
+        if (!options.camera.numbers) {
+            throw CLI::ValidationError(
+                "--camera", "found '" + text +
+                                "', expected the text that --print-camera gave: "
+                                "orthographic or perspective and 9 numbers, with commas");
+        }
+    };
+    app.add_option_function<std::string>("--camera", parseNumbers,
+                                         "Exactly the camera that --print-camera told")
+        ->type_name("NUMBERS")
+        ->excludes(view)
+        ->excludes(perspective)
+        ->group(group);
+    app.add_flag("--print-camera", options.printCamera, "Print the last camera, for --camera")
+        ->group(group);
+}
+
+void addWindowPicture(CLI::App& app, CLI::Option* render, Options& options)
+{
+    const auto parse = [&options](const std::vector<std::string>& texts) {
+        std::optional<double> seconds;
+        if (!parseLimit(texts[0], seconds) || !seconds || *seconds < 0 || *seconds > 1e6) {
+            throw CLI::ValidationError("--screenshot-after",
+                                       "found '" + texts[0] + "', expected seconds from 0 on");
+        }
+        options.windowPictureAfter = *seconds;
+        options.windowPicture = texts[1];
+    };
+    app.add_option_function<std::vector<std::string>>(
+           "--screenshot-after", parse,
+           "Write a picture of the whole window after so many seconds, and end")
+        ->type_name("SECONDS OUT.png")
+        ->expected(2)
+        ->excludes(render);
+}
+
 void addColouring(CLI::App& app, Options& options)
 {
     const std::string group = "Colour by data";
@@ -179,18 +244,20 @@ ParsedOptions parseOptions(int argc, const char* const* argv)
                  "strandview");
     app.set_version_flag("--version", "strandview " STRANDVIEW_VERSION);
     app.add_option("FILE", options.files,
-                   "Tables (.txt .dat .csv .tsv .xyz) or .json files; - is standard input")
-        ->required();
+                   "Tables (.txt .dat .csv .tsv .xyz) or .json files; - is standard input");
     CLI::Option* render =
         app.add_option("--render", options.picture, "Write a picture instead of opening a window")
             ->type_name("OUT.png");
-    addSize(app, options.pictureWidth, options.pictureHeight)->needs(render);
+    addSize(app, options);
     const CLI::Option* samples =
         app.add_option("--samples", options.samples,
                        "Smooth edges: N x N samples per pixel [3, fewer for huge pictures]")
             ->check(CLI::Range(1, 8))
             ->needs(render)
             ->type_name("N");
+    app.add_flag("--transparent", options.transparent, "Leave the picture's background out")
+        ->needs(render);
+    addWindowPicture(app, render, options);
     app.add_flag("--normalise", options.normalise,
                  "Accept quaternions that are not unit and normalise them");
 
@@ -215,10 +282,13 @@ ParsedOptions parseOptions(int argc, const char* const* argv)
     addColour(app, "--background", options.background, "Colour of the background [white]")
         ->group(look);
     addColouring(app, options);
+    addCamera(app, options);
 
     try {
         app.parse(argc, argv);
         settleSamples(samples, options);
+        if (options.picture && options.files.empty())
+            throw CLI::RequiredError("FILE");
         if (std::count(options.files.begin(), options.files.end(), "-") > 1)
             throw CLI::ValidationError("FILE", "found - twice, expected standard input once");
         return {options, 0};

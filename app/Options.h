@@ -4,8 +4,10 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "CameraRequest.h"
 #include "Colour.h"
 
 /// What the command line asks for. What is not given is chosen from the data.
@@ -18,7 +20,17 @@ struct Options
     std::optional<std::string> picture;
     int pictureWidth = 1200;
     int pictureHeight = 900;
-    int samples = 3; ///< the picture is rendered this many times wider and higher
+    int samples = 3;          ///< the picture is rendered this many times wider and higher
+    bool transparent = false; ///< no background in the picture
+
+    /// The window, its size in pixels remembered from the last time unless given.
+    std::optional<std::pair<int, int>> windowSize;
+    /// A picture to take of the window, after so many seconds; then the program ends.
+    std::optional<std::string> windowPicture;
+    double windowPictureAfter = 0;
+
+    CameraRequest camera;
+    bool printCamera = false; ///< to standard output, at the end
 
     // Lengths in the data's unit.
     std::optional<double> radius;

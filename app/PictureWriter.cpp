@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "PictureWriter.h"
 
+#include <algorithm>
+
 #include <Inventor/SoOffscreenRenderer.h>
 #include <Inventor/errors/SoDebugError.h>
-#include <Inventor/nodes/SoOrthographicCamera.h>
+#include <Inventor/nodes/SoCamera.h>
 #include <Inventor/nodes/SoSeparator.h>
 #include <QBuffer>
 #include <QFileInfo>
@@ -51,6 +53,68 @@ QByteArray imageFormat(const std::string& file)
     return QFileInfo(QString::fromStdString(file)).suffix().toLower().toLatin1();
 }
 
+// What papers and slides take, as far as Qt can write it; some cannot be transparent.
+QList<QByteArray> writableFormats(bool transparent)
+{
+    QList<QByteArray> formats{"png", "tif", "tiff"};
+    if (!transparent)
+        formats += {"jpg", "jpeg", "bmp", "ppm"};
+    const QList<QByteArray> supported = QImageWriter::supportedImageFormats();
+    formats.erase(std::remove_if(formats.begin(), formats.end(),
+                                 [&](const QByteArray& f) { return !supported.contains(f); }),
+                  formats.end());
+    return formats;
+}
+
+// How much of the background shows is found by rendering before black and before white
+// (A. R. Smith and J. F. Blinn, Blue screen matting, SIGGRAPH 1996): what covers a sample
+// is black's picture, and covers all that white's does not exceed it by. So neither the
+// colour of what is shown nor that of the background matters.
+QImage separate(const QImage& beforeBlack, const QImage& beforeWhite)
+{
+    QImage separated(beforeBlack.size(), QImage::Format_ARGB32_Premultiplied);
+    for (int y = 0; y < separated.height(); ++y) {
+        const uchar* black = beforeBlack.constScanLine(y);
+        const uchar* white = beforeWhite.constScanLine(y);
+        auto* pixel = reinterpret_cast<QRgb*>(separated.scanLine(y));
+        for (int x = 0; x < separated.width(); ++x, black += 3, white += 3) {
+            const int shining =
+                std::min({white[0] - black[0], white[1] - black[1], white[2] - black[2]});
+            const int alpha = 255 - std::max(shining, 0);
+            pixel[x] = qRgba(std::min<int>(black[0], alpha), std::min<int>(black[1], alpha),
+                             std::min<int>(black[2], alpha), alpha);
+        }
+    }
+    return separated;
+}
+
+// One picture of the graph; null if it failed.
+QImage render(SoOffscreenRenderer& renderer, SoNode* graph, const Colour& background)
+{
+    renderer.setBackgroundColor(SbColor(background.red, background.green, background.blue));
+    if (!renderer.render(graph))
+        return QImage();
+    const SbVec2s size = renderer.getViewportRegion().getWindowSize();
+    // Coin's rows run upwards.
+    const QImage upwards(renderer.getBuffer(), size[0], size[1], 3 * size[0],
+                         QImage::Format_RGB888);
+    return upwards.mirrored(false, true);
+}
+
+} // namespace
+
+std::string checkPictureName(const std::string& option, const std::string& file, bool transparent)
+{
+    const QList<QByteArray> formats = writableFormats(transparent);
+    const bool named = !QFileInfo(QString::fromStdString(file)).completeBaseName().isEmpty();
+    if (named && formats.contains(imageFormat(file)))
+        return "";
+    return option + ": found '" + file + "', expected a name that ends in one of ." +
+           formats.join(" .").toStdString() + (transparent ? ", with --transparent" : "");
+}
+
+QString pictureNamePatterns() { return "*." + writableFormats(false).join(" *."); }
+
 // Encoded first, so that what can fail while writing is the disk alone.
 std::string saveImage(const QImage& image, const std::string& name)
 {
@@ -69,57 +133,43 @@ std::string saveImage(const QImage& image, const std::string& name)
     return "";
 }
 
-// What papers and slides take, as far as Qt can write it.
-QList<QByteArray> writableFormats()
+std::string writePicture(SoGeneralScene* scene, const Picture& picture, CameraNumbers* usedCamera)
 {
-    QList<QByteArray> formats;
-    for (const char* format : {"png", "jpg", "jpeg", "tif", "tiff", "bmp", "ppm"}) {
-        if (QImageWriter::supportedImageFormats().contains(format))
-            formats.append(format);
-    }
-    return formats;
-}
-
-} // namespace
-
-std::string checkPictureName(const std::string& file)
-{
-    const QList<QByteArray> formats = writableFormats();
-    const bool named = !QFileInfo(QString::fromStdString(file)).completeBaseName().isEmpty();
-    if (named && formats.contains(imageFormat(file)))
-        return "";
-    return "--render: found '" + file + "', expected a name that ends in one of ." +
-           formats.join(" .").toStdString();
-}
-
-std::string writePicture(SoGeneralScene* scene, const Picture& picture)
-{
-    const int width = picture.samples * picture.width;
-    const int height = picture.samples * picture.height;
-    const SbViewportRegion region{short(width), short(height)};
+    const SbViewportRegion region{short(picture.samples * picture.width),
+                                  short(picture.samples * picture.height)};
+    SoCamera* camera = makeCamera(picture.camera, scene, region, picture.bottom);
     auto* root = new SoSeparator;
     root->ref();
-    root->addChild(makeCamera(scene, region, picture.bottom));
+    root->addChild(camera);
     root->addChild(scene);
+    if (usedCamera)
+        *usedCamera = numbersOf(*camera);
+    const bool perspectiveBefore = scene->isShaderPersp();
+    scene->setShaderPersp(picture.camera.isPerspective());
 
     OffscreenContext::install();
     SoOffscreenRenderer renderer(region);
     renderer.setComponents(SoOffscreenRenderer::RGB);
-    renderer.setBackgroundColor(
-        SbColor(picture.background.red, picture.background.green, picture.background.blue));
     MessageCollector messages;
-    const bool rendered = renderer.render(root);
+    QImage image;
+    if (picture.transparent) {
+        image = render(renderer, root, {0, 0, 0});
+        const QImage beforeWhite = image.isNull() ? QImage() : render(renderer, root, {1, 1, 1});
+        image = beforeWhite.isNull() ? QImage() : separate(image, beforeWhite);
+    } else {
+        image = render(renderer, root, picture.background);
+    }
     root->unref();
-    if (!rendered)
+    scene->setShaderPersp(perspectiveBefore);
+    if (image.isNull())
         return "the picture could not be rendered: " + messages.first;
 
-    // Coin's rows run upwards.
-    const QImage upwards(renderer.getBuffer(), width, height, 3 * width, QImage::Format_RGB888);
-    QImage image = upwards.mirrored(false, true);
     if (picture.samples > 1) {
         // By a whole factor this is the mean of each pixel's samples.
         image = image.scaled(picture.width, picture.height, Qt::IgnoreAspectRatio,
                              Qt::SmoothTransformation);
     }
-    return saveImage(image.convertToFormat(QImage::Format_RGB888), picture.file);
+    image =
+        image.convertToFormat(picture.transparent ? QImage::Format_ARGB32 : QImage::Format_RGB888);
+    return saveImage(image, picture.file);
 }

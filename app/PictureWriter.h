@@ -4,8 +4,11 @@
 
 #include <string>
 
+#include "CameraRequest.h"
 #include "Colour.h"
 
+class QImage;
+class QString;
 class SoGeneralScene;
 
 struct Picture
@@ -15,16 +18,26 @@ struct Picture
     int height;
     int samples; ///< per pixel, in each direction; rendered so much larger
     Colour background;
-    float bottom; ///< the part of the height that is left free below the scene
+    bool transparent; ///< the background is left out
+    CameraRequest camera;
+    float bottom; ///< the part of the height that a standard view leaves free below the scene
 };
 
-/// Empty if the ending of a picture's name is one that can be written, otherwise one
-/// line that says which can.
-std::string checkPictureName(const std::string& file);
+/// Empty if the ending of a picture's name is one that can be written, and with
+/// transparent pixels if asked for; otherwise one line that begins with `option` and
+/// says which can.
+std::string checkPictureName(const std::string& option, const std::string& file, bool transparent);
 
-/// Renders the whole scene off screen, seen along -z with y up by an orthographic
-/// camera, and writes it. The file appears complete or not at all. Returns one line that
-/// says what failed, or nothing.
-std::string writePicture(SoGeneralScene* scene, const Picture& picture);
+/// Renders the scene off screen and writes it. The file appears complete or not at all.
+/// Returns one line that says what failed, or nothing. `usedCamera`, if not null, is
+/// told the camera.
+std::string writePicture(SoGeneralScene* scene, const Picture& picture,
+                         CameraNumbers* usedCamera = nullptr);
+
+/// Writes an image in the format of the name's ending; as writePicture().
+std::string saveImage(const QImage& image, const std::string& name);
+
+/// The name endings of the formats that can be written, as "*.png *.jpg".
+QString pictureNamePatterns();
 
 #endif

@@ -11,10 +11,10 @@
 #include <Inventor/nodes/SoMaterialBinding.h>
 #include <Inventor/nodes/SoSeparator.h>
 
-#include <SoGeneralScene.h>
 #include <SoRod.h>
 
 #include "Colouring.h"
+#include "DataScene.h"
 #include "Extent.h"
 #include "Legend.h"
 #include "Progress.h"
@@ -80,13 +80,6 @@ void addColours(SoSeparator* group, const SoRod& rod, const Colouring& colouring
     group->addChild(binding);
 }
 
-// Where data points lie in the scene: (point - origin) * scale.
-struct Placement
-{
-    Vector3<double> origin;
-    double scale = 1;
-};
-
 // The data's own coordinates, unless they do not suit the meshes. Single precision
 // loses what is small and far from the origin, and the thinnest tube and the shortest
 // arc that the formulas tell from a point are fixed lengths near 1e-4 and 1e-7.
@@ -114,7 +107,7 @@ SoRod* makeRod(const Rod& data, const Style& style, const Placement& placement)
     std::vector<Vector3<double>> points;
     points.reserve(data.points.size());
     for (const Vector3<double>& point : data.points)
-        points.push_back((point - placement.origin) * placement.scale);
+        points.push_back(placement.toScene(point));
     rod->setData(points, data.rotations);
     return rod;
 }
@@ -160,15 +153,15 @@ void initialiseScene()
     SoOverlay::initClass();
 }
 
-SoGeneralScene* buildScene(const Configuration& configuration, const Style& style,
-                           const Colouring* colouring, Progress& progress, std::string& error)
+DataScene* buildScene(const Configuration& configuration, const Style& style,
+                      const Colouring* colouring, Progress& progress, std::string& error)
 {
     error = checkSize(configuration, style);
     if (!error.empty())
         return nullptr;
-    auto* scene = new SoGeneralScene;
-    scene->ref();
     const Placement placement = choosePlacement(configuration, style);
+    auto* scene = new DataScene(placement);
+    scene->ref();
     for (std::size_t i = 0; i < configuration.rods.size(); ++i) {
         progress.show("Building rod " + std::to_string(i + 1) + " of " +
                       std::to_string(configuration.rods.size()));
@@ -180,7 +173,7 @@ SoGeneralScene* buildScene(const Configuration& configuration, const Style& styl
         else
             group->addChild(makeMaterial(style, i));
         group->addChild(rod);
-        scene->addShaded(group);
+        scene->addRod(group, rod, data.origin);
 
         error = checkInterpolation(*rod, data.origin, style.ribbonWidth);
         if (!error.empty()) {
@@ -189,7 +182,7 @@ SoGeneralScene* buildScene(const Configuration& configuration, const Style& styl
         }
     }
     if (colouring)
-        scene->addChild(makeLegend(colouring->name, colouring->mapper, style.background));
+        scene->addLegend(makeLegend(colouring->name, colouring->mapper, style.background));
     scene->unrefNoDelete();
     return scene;
 }

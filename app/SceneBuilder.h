@@ -7,23 +7,23 @@
 #include "Configuration.h"
 #include "Style.h"
 
+class DataScene;
 class Progress;
-class SoGeneralScene;
 struct Colouring;
 
 /// Initialises Coin and registers the program's and the library's node classes;
 /// once per program, and before anything else of Coin.
 void initialiseScene();
 
-/// Turns data and style into nodes: the one place that does. The rods are shaded
-/// content; a legend of the colouring, if there is one, is drawn over them. There is no
-/// camera of the scene in it, and its reference count is zero.
+/// Turns data and style into nodes: the one place that does. The rods are changing
+/// content, lit at first; a legend of the colouring, if there is one, is drawn over them. There is
+/// no camera of the scene in it, and its reference count is zero.
 ///
 /// The scene has the data's coordinates, but data far from the origin are moved there,
 /// and tiny ones enlarged by a power of ten, so that nothing is lost in single
 /// precision. Null, and one line in `error`, if a rod cannot be interpolated: it turns
 /// straight back on itself, or its ribbon's edge does.
-SoGeneralScene* buildScene(const Configuration& configuration, const Style& style,
-                           const Colouring* colouring, Progress& progress, std::string& error);
+DataScene* buildScene(const Configuration& configuration, const Style& style,
+                      const Colouring* colouring, Progress& progress, std::string& error);
 
 #endif

@@ -12,3 +12,5 @@ SoOverlay::~SoOverlay() = default;
 void SoOverlay::getBoundingBox(SoGetBoundingBoxAction* /*action*/) {}
 
 void SoOverlay::rayPick(SoRayPickAction* /*action*/) {}
+
+void SoOverlay::search(SoSearchAction* action) { SoNode::search(action); }

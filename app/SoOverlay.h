@@ -5,8 +5,8 @@
 #include <Inventor/nodes/SoSeparator.h>
 #include <Inventor/nodes/SoSubNode.h>
 
-/// What is drawn over a scene without being part of it: it has no extent there and is
-/// not picked.
+/// What is drawn over a scene without being part of it: it has no extent there, is not
+/// picked, and what is in it is not found by a search, its own camera least of all.
 class SoOverlay : public SoSeparator
 {
     SO_NODE_HEADER(SoOverlay);
@@ -17,6 +17,7 @@ public:
 
     void getBoundingBox(SoGetBoundingBoxAction* action) override;
     void rayPick(SoRayPickAction* action) override;
+    void search(SoSearchAction* action) override;
 
 protected:
     ~SoOverlay() override;

@@ -1,23 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include <algorithm>
 #include <iostream>
-#include <iterator>
 #include <new>
-#include <optional>
 #include <string>
 
-#include <SoGeneralScene.h>
-
-#include "Colouring.h"
-#include "Legend.h"
+#include "DataScene.h"
 #include "MainWindow.h"
 #include "Options.h"
 #include "PictureWriter.h"
 #include "Progress.h"
 #include "SceneBuilder.h"
-#include "Style.h"
+#include "SceneLoader.h"
 #include "checkDisplay.h"
-#include "readers/readFile.h"
 
 namespace {
 
@@ -29,70 +22,45 @@ int fail(ExitStatus status, const std::string& message)
     return status;
 }
 
-// All files together, or nothing after the first one that cannot be read.
-std::optional<Configuration> readFiles(const Options& options, ReadReport& report,
-                                       Progress& progress)
+int renderPicture(const Options& options, DataScene* scene)
 {
-    Configuration all;
-    for (const std::string& file : options.files) {
-        progress.announce("Reading " + file);
-        std::optional<Configuration> read = readFile(file, {options.normalise}, report);
-        if (!read)
-            return std::nullopt;
-        std::move(read->rods.begin(), read->rods.end(), std::back_inserter(all.rods));
-    }
-    return all;
+    Progress progress;
+    progress.announce("Rendering " + *options.picture);
+    CameraNumbers camera;
+    const std::string failure = writePicture(
+        scene,
+        {*options.picture, options.pictureWidth, options.pictureHeight, options.samples,
+         options.background, options.transparent, options.camera, scene->getLegendHeight()},
+        &camera);
+    progress.hide();
+    if (!failure.empty())
+        return fail(CANNOT_WRITE, failure);
+    if (options.printCamera)
+        std::cout << formatCamera(camera) << std::endl;
+    return SUCCESS;
 }
 
-int renderPicture(const Options& options, SoGeneralScene* scene, float bottom, Progress& progress)
+int showWindow(const Options& options, DataScene* scene)
 {
-    progress.announce("Rendering " + *options.picture);
-    const std::string failure =
-        writePicture(scene, {*options.picture, options.pictureWidth, options.pictureHeight,
-                             options.samples, options.background, bottom});
-    progress.hide();
+    const std::string failure = runWindow(
+        options, scene, [&options](const std::vector<std::string>& files, ReadReport& report) {
+            return loadScene(files, options, report);
+        });
     return failure.empty() ? SUCCESS : fail(CANNOT_WRITE, failure);
 }
 
-std::string windowTitle(const Options& options)
+// What can be refused before a long file is read.
+int checkOutput(const Options& options)
 {
-    const std::string& first = options.files.front();
-    std::string title = first == "-" ? "standard input" : first;
-    if (options.files.size() > 1)
-        title += " and " + std::to_string(options.files.size() - 1) + " more";
-    return title + " - strandview";
-}
-
-int showScene(const Options& options, SoGeneralScene* scene, Progress& progress)
-{
-    const float bottom = options.colourBy ? LEGEND_HEIGHT : 0;
-    scene->ref();
-    int status = SUCCESS;
+    std::string refusal;
     if (options.picture)
-        status = renderPicture(options, scene, bottom, progress);
-    else
-        showWindow(scene, windowTitle(options), options.background, bottom);
-    scene->unref();
-    return status;
-}
-
-// The scene, or null and a line in report.error.
-SoGeneralScene* makeScene(const Options& options, ReadReport& report, Progress& progress)
-{
-    const std::optional<Configuration> configuration = readFiles(options, report, progress);
-    if (!configuration)
-        return nullptr;
-    std::optional<Colouring> colouring;
-    if (options.colourBy) {
-        colouring = makeColouring(options, *configuration, report.error);
-        if (!colouring)
-            return nullptr;
-    }
-    if (!options.picture)
-        initialiseWindows("strandview");
-    initialiseScene();
-    return buildScene(*configuration, makeStyle(options, *configuration),
-                      colouring ? &*colouring : nullptr, progress, report.error);
+        refusal = checkPictureName("--render", *options.picture, options.transparent);
+    else if (options.windowPicture)
+        refusal = checkPictureName("--screenshot-after", *options.windowPicture, false);
+    if (!refusal.empty())
+        return fail(BAD_INPUT, refusal);
+    refusal = options.picture ? "" : checkDisplay();
+    return refusal.empty() ? SUCCESS : fail(CANNOT_WRITE, refusal);
 }
 
 int run(int argc, char** argv)
@@ -102,27 +70,26 @@ int run(int argc, char** argv)
         return parsed.exitStatus;
     const Options& options = *parsed.options;
 
-    // What can be refused is refused before a long file is read.
-    if (options.picture) {
-        const std::string refusal = checkPictureName(*options.picture);
-        if (!refusal.empty())
-            return fail(BAD_INPUT, refusal);
-    } else {
-        const std::string refusal = checkDisplay();
-        if (!refusal.empty())
-            return fail(CANNOT_WRITE, refusal);
-    }
+    const int refused = checkOutput(options);
+    if (refused)
+        return refused;
+    if (!options.picture)
+        initialiseWindows("strandview");
+    initialiseScene();
 
-    Progress progress;
     ReadReport report;
-    SoGeneralScene* scene = makeScene(options, report, progress);
-    progress.hide();
-    if (!scene)
+    DataScene* scene = options.files.empty() ? nullptr : loadScene(options.files, options, report);
+    if (!report.error.empty())
         return fail(BAD_INPUT, report.error);
     // A refusal stays one line: notices are told only when all is well.
     for (const std::string& notice : report.notices)
         std::cerr << "strandview: " << notice << "\n";
-    return showScene(options, scene, progress);
+    if (!options.picture)
+        return showWindow(options, scene);
+    scene->ref();
+    const int status = renderPicture(options, scene);
+    scene->unref();
+    return status;
 }
 
 } // namespace

@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "CameraNumbers.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <sstream>
+#include <vector>
+
+namespace {
+
+const char* const ORTHOGRAPHIC = "orthographic";
+const char* const PERSPECTIVE = "perspective";
+
+std::vector<std::string> split(const std::string& text)
+{
+    std::vector<std::string> parts;
+    std::istringstream stream(text);
+    for (std::string part; std::getline(stream, part, ',');)
+        parts.push_back(part);
+    return parts;
+}
+
+bool parseNumber(const std::string& text, float& number)
+{
+    const char* end = text.data() + text.size();
+    const auto parsed = std::from_chars(text.data(), end, number);
+    return parsed.ec == std::errc() && parsed.ptr == end && std::isfinite(number);
+}
+
+// Shortest, and back the same.
+std::string shortest(float number)
+{
+    char text[32];
+    return std::string(text, std::to_chars(text, text + sizeof text, number).ptr);
+}
+
+} // namespace
+
+bool operator==(const CameraNumbers& a, const CameraNumbers& b)
+{
+    return a.perspective == b.perspective && a.position == b.position &&
+           a.orientation == b.orientation && a.focalDistance == b.focalDistance && a.size == b.size;
+}
+
+std::string formatCamera(const CameraNumbers& camera)
+{
+    std::string text = camera.perspective ? PERSPECTIVE : ORTHOGRAPHIC;
+    const auto append = [&text](float number) { text += "," + shortest(number); };
+    std::for_each(camera.position.begin(), camera.position.end(), append);
+    std::for_each(camera.orientation.begin(), camera.orientation.end(), append);
+    append(camera.focalDistance);
+    append(camera.size);
+    return text;
+}
+
+std::optional<CameraNumbers> parseCamera(const std::string& text)
+{
+    const std::vector<std::string> parts = split(text);
+    const std::size_t numberCount = 9;
+    if (parts.size() != 1 + numberCount || (parts[0] != ORTHOGRAPHIC && parts[0] != PERSPECTIVE))
+        return std::nullopt;
+    std::array<float, numberCount> numbers;
+    for (std::size_t i = 0; i < numberCount; ++i) {
+        if (!parseNumber(parts[1 + i], numbers[i]))
+            return std::nullopt;
+    }
+
+    CameraNumbers camera;
+    camera.perspective = parts[0] == PERSPECTIVE;
+    std::copy_n(numbers.begin(), 3, camera.position.begin());
+    std::copy_n(numbers.begin() + 3, 4, camera.orientation.begin());
+    camera.focalDistance = numbers[7];
+    camera.size = numbers[8];
+
+    double norm = 0;
+    for (const float component : camera.orientation)
+        norm += double(component) * component;
+    const bool sizeFits = camera.size > 0 && (!camera.perspective || camera.size < M_PI);
+    if (std::abs(norm - 1) > 0.01 || !(camera.focalDistance > 0) || !sizeFits)
+        return std::nullopt;
+    return camera;
+}

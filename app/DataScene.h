@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_APP_DATASCENE_H
+#define STRANDVIEW_APP_DATASCENE_H
+
+#include <functional>
+#include <map>
+#include <string>
+
+#include <SoGeneralScene.h>
+
+#include "Colour.h"
+#include "Placement.h"
+
+class SoRod;
+
+/// The program's scene: it knows which data its nodes show, and tells what was picked.
+class DataScene : public SoGeneralScene
+{
+public:
+    explicit DataScene(const Placement& placementOfData);
+
+    /// Adds a group that shows a rod, so that picks can be told by its name.
+    void addRod(SoNode* group, const SoRod* rod, const std::string& name);
+
+    /// Adds a legend that is drawn over the scene.
+    void addLegend(SoNode* node);
+    /// The part of a view's height, at its bottom, that the legend takes.
+    float getLegendHeight() const;
+    /// Keeps the legend readable on another background.
+    void setBackground(const Colour& background);
+
+    /// "helix.txt:1: rod 1: point 0.1 2 3, arc length 1.5 of 8", in the data's
+    /// coordinates; the arc length is that of the nearest point of the centreline.
+    std::string describe(const SoPickedPoint& picked) const;
+
+    /// Called with the description of what the user picks, if set.
+    std::function<void(const std::string&)> onPick;
+
+    /// Tells onPick. The pick stays free for the viewer: false.
+    bool processPickEvent(const SoPickedPoint* point) override;
+
+private:
+    ~DataScene() override = default;
+
+    Placement placement;
+    SoNode* legend = nullptr;
+    std::map<const SoNode*, std::string> names;
+};
+
+/// The arc length, in the scene, of the point of a rod's centreline that is nearest to
+/// a point of the scene.
+double nearestArcLength(const SoRod& rod, const algebra3d::Vector3<double>& point);
+
+#endif

@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "SceneLoader.h"
+
+#include <iterator>
+#include <new>
+#include <optional>
+
+#include "Colouring.h"
+#include "DataScene.h"
+#include "Progress.h"
+#include "SceneBuilder.h"
+#include "Style.h"
+#include "readers/readFile.h"
+
+namespace {
+
+// Nothing after the first file that cannot be read.
+std::optional<Configuration> readFiles(const std::vector<std::string>& files, bool normalise,
+                                       ReadReport& report, Progress& progress)
+{
+    Configuration all;
+    for (const std::string& file : files) {
+        progress.announce("Reading " + file);
+        std::optional<Configuration> read = readFile(file, {normalise}, report);
+        if (!read)
+            return std::nullopt;
+        std::move(read->rods.begin(), read->rods.end(), std::back_inserter(all.rods));
+    }
+    return all;
+}
+
+DataScene* load(const std::vector<std::string>& files, const Options& options, ReadReport& report)
+{
+    Progress progress;
+    const std::optional<Configuration> configuration =
+        readFiles(files, options.normalise, report, progress);
+    if (!configuration)
+        return nullptr;
+    std::optional<Colouring> colouring;
+    if (options.colourBy) {
+        colouring = makeColouring(options, *configuration, report.error);
+        if (!colouring)
+            return nullptr;
+    }
+    return buildScene(*configuration, makeStyle(options, *configuration),
+                      colouring ? &*colouring : nullptr, progress, report.error);
+}
+
+} // namespace
+
+DataScene* loadScene(const std::vector<std::string>& files, const Options& options,
+                     ReadReport& report)
+{
+    try {
+        return load(files, options, report);
+    } catch (const std::bad_alloc&) {
+        report.error = "found too little memory for so many points, rows or pixels";
+        return nullptr;
+    }
+}
