@@ -44,6 +44,8 @@ void SoQtGeneralViewerDialog::setupUi()
     layout->addWidget(label);
     layout->addWidget(zoomLineEdit);
     container->setLayout(layout);
+    // No wider than it needs, so that it stays at the right end.
+    container->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Preferred);
     statusBar->addPermanentWidget(container);
 
     viewer->addPostEventProcessCB(updateZoom3DEventCB, this);
