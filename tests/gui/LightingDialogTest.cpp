@@ -267,9 +267,9 @@ TEST_F(LightingDialogTest, TheEnterKeyOfTheNumbersIsAReturn)
 
 TEST_F(LightingDialogTest, ClampsIntensitiesTo0And1)
 {
-    const std::pair<const char*, float> typed[] = {{"1.7", 1}, {"-0.2", 0},     {"0.5", 0.5f},
-                                                   {"inf", 1}, {"-inf", 0},     {"nan", 0},
-                                                   {"1", 1},   {"1e-07", 1e-7f}};
+    const std::pair<const char*, float> typed[] = {{"1.7", 1}, {"-0.2", 0},      {"0.5", 0.5f},
+                                                   {"inf", 1}, {"-inf", 0},      {"nan", 0},
+                                                   {"1", 1},   {"1e-07", 1e-7f}, {"-0", 0}};
     for (const auto& [text, stored] : typed) {
         for (int light = 1; light <= 3; ++light) {
             typeWithReturn(field("intensity", light), text);
@@ -283,7 +283,8 @@ TEST_F(LightingDialogTest, RaisesShininessTo0)
 {
     const float infinite = std::numeric_limits<float>::infinity();
     const std::pair<const char*, float> typed[] = {{"-3", 0},  {"250", 250}, {"1e6", 1e6f},
-                                                   {"nan", 0}, {"-inf", 0},  {"inf", infinite}};
+                                                   {"nan", 0}, {"-inf", 0},  {"inf", infinite},
+                                                   {"-0", 0}};
     for (const auto& [text, stored] : typed) {
         for (int light = 1; light <= 3; ++light) {
             typeWithReturn(field("shininess", light), text);

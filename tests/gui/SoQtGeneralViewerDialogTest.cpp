@@ -9,6 +9,7 @@
 
 #include <Inventor/nodes/SoOrthographicCamera.h>
 #include <Inventor/nodes/SoPerspectiveCamera.h>
+#include <Inventor/nodes/SoShaderParameter.h>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -17,6 +18,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <LightingDialog.h>
+#include <ScreenshotDialog.h>
 #include <SoGeneralScene.h>
 #include <SoQtGeneralViewer.h>
 #include <SoRod.h>
@@ -56,7 +59,9 @@ public:
             makeViewer(area);
         }
         layout->addWidget(statusBar);
-        layout->addWidget(new QPushButton("of the host"));
+        auto* button = new QPushButton("of the host");
+        button->setObjectName("hosts");
+        layout->addWidget(button);
         resize(500, 400);
     }
 
@@ -450,6 +455,38 @@ TEST_F(SoQtGeneralViewerDialogTest, EscapeInTheFieldDoesNotCloseTheViewer)
     EXPECT_EQ(window->endings, 0);
     EXPECT_TRUE(window->isVisible());
     EXPECT_TRUE(viewer().isViewing());
+}
+
+TEST_F(SoQtGeneralViewerDialogTest, TheDialogsOfItsViewerKeepTheirKeys)
+{
+    show();
+    ASSERT_TRUE(focus(*field()));
+    ASSERT_TRUE(focus(*window->findChild<QPushButton*>("hosts")));
+    const bool asked = duringDialog<ScreenshotDialog>(
+        [&] { QTest::keyClick(area, Qt::Key_I); },
+        [](ScreenshotDialog& dialog) {
+            EXPECT_TRUE(child<QPushButton>(dialog, "okButton")->isDefault());
+            QTest::keyClick(&dialog, Qt::Key_Escape);
+            EXPECT_FALSE(dialog.isVisible());
+        });
+    EXPECT_TRUE(asked);
+    EXPECT_TRUE(window->isVisible());
+
+    QTest::keyClick(area, Qt::Key_L);
+    auto* lights = window->findChild<LightingDialog*>();
+    ASSERT_TRUE(lights && lights->isVisible());
+    auto* intensity = child<QLineEdit>(*lights, "intensity1LineEdit");
+    typeOver(*intensity, "0.25");
+    QTest::keyClick(intensity, Qt::Key_Return);
+    SoShaderParameterArray3f* directions = nullptr;
+    SoShaderParameterArray1f* intensities = nullptr;
+    SoShaderParameterArray1f* shininess = nullptr;
+    viewer().getGeneralScene()->getLightingParameters(directions, intensities, shininess);
+    EXPECT_EQ(intensities->value[0], 0.25f);
+    QTest::keyClick(intensity, Qt::Key_Escape);
+    EXPECT_FALSE(lights->isVisible());
+    EXPECT_TRUE(window->isVisible());
+    EXPECT_EQ(window->endings, 0);
 }
 
 TEST_F(SoQtGeneralViewerDialogTest, TheWindowClosesAsEverOtherwise)
