@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <LightingDialog.h>
 
-#include <cmath>
+#include <algorithm>
 
 #include <Inventor/nodes/SoShaderParameter.h>
 
@@ -15,8 +15,8 @@ void showValue(QLineEdit* field, double value) { field->setText(QString::number(
 
 double readValue(const QLineEdit* field) { return field->text().toDouble(); }
 
-// Not std::clamp, which would let a typed "nan" through.
-double atLeastZero(double value) { return std::fmax(value, 0); }
+// Not std::max, which would let a typed "nan" through, and perhaps a "-0".
+double atLeastZero(double value) { return value > 0 ? value : 0; }
 
 } // namespace
 
@@ -81,7 +81,7 @@ void LightingDialog::updateShaderParameters()
     }
     for (int i = 0; i < LIGHT_COUNT; ++i)
         intensities->value.set1Value(
-            i, float(std::fmin(atLeastZero(readValue(lights[i].intensity)), 1)));
+            i, float(std::min(atLeastZero(readValue(lights[i].intensity)), 1.0)));
     for (int i = 0; i < LIGHT_COUNT; ++i)
         shininess->value.set1Value(i, float(atLeastZero(readValue(lights[i].shininess))));
     updateGUIFromShaders();

@@ -106,6 +106,10 @@ void ScreenshotDialog::updateSize()
     form->multDoubleSpinBox->setEnabled(multiple);
     if (!multiple)
         return;
-    const double factor = form->multDoubleSpinBox->value();
-    setImageSize(int(glWidth * factor), int(glHeight * factor));
+    // Within the fields' range first, because larger products are no integers.
+    const auto pixels = [this](int side) {
+        return int(std::clamp(side * form->multDoubleSpinBox->value(), 1.0,
+                              double(form->widthSpinBox->maximum())));
+    };
+    setImageSize(pixels(glWidth), pixels(glHeight));
 }

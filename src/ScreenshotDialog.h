@@ -53,7 +53,7 @@ public:
     /// The absolute path of the file; a relative directory is below the working one.
     virtual QString getFinalPath() const;
 
-protected slots:
+public slots:
     /// Lets the user choose another directory.
     virtual void updateDir();
     /// Shows stem, index and extension as the file's name.

@@ -2,6 +2,7 @@
 #include <SoQtGeneralViewerDialog.h>
 
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QStatusBar>
@@ -68,6 +69,8 @@ void SoQtGeneralViewerDialog::setCameraZoom()
         viewer->setCameraZoom(zoom);
     zoomLineEdit->setText(zoomText(*viewer));
 }
+
+void SoQtGeneralViewerDialog::keyPressEvent(QKeyEvent* event) { event->ignore(); }
 
 void updateZoom3DEventCB(void* userData, SoQtGeneralViewer* /*viewer*/, const SoEvent* /*event*/)
 {

@@ -42,6 +42,10 @@ public slots:
     virtual void setCameraZoom();
 
 protected:
+    /// Leaves Return and Escape to the field and the viewer: in a dialog like any other
+    /// they would press a button and close the window.
+    void keyPressEvent(QKeyEvent* event) override;
+
     SoQtGeneralViewer* viewer = nullptr; ///< not owned
     QStatusBar* statusBar = nullptr;
     QLineEdit* zoomLineEdit = nullptr;
