@@ -97,6 +97,8 @@ public:
 private:
     friend class BiarcSampler<Vector>;
 
+    void cacheArc(const Vector& from, const Vector& to, const Vector& t, double& radius,
+                  double& arcLength) const;
     ArcSampler<Vector> firstArc() const;
     ArcSampler<Vector> secondArc(const Vector& end) const;
     Vector pointOnArc(const ArcSampler<Vector>& arc, double s) const;
@@ -112,6 +114,9 @@ public:
     Vector b0, b1, b2; ///< control points: b0 is the start, b2 the end
     double radius;
     double length;
+    double chord;          ///< of the model circle's arc, which starts in the origin along y
+    double chordX, chordY; ///< its unit direction
+    double weight;         ///< of b1
 
     ArcSampler(const char* evaluation, const Vector& start, const Vector& middle, const Vector& end,
                double arcRadius, double arcLength);
@@ -122,10 +127,8 @@ public:
     /// Biarc::a for these control points.
     Vector pointAt(double tau) const;
 
-private:
-    double chord;
-    double chordX, chordY; // the chord's direction in the model circle's plane
-    double weight;
+    /// A projection on the chord that is not above this counts as none.
+    static constexpr double SMALLEST_PROJECTION = 1e-7;
 };
 
 /// Evaluates one biarc at many arc lengths: the same points and tangents, bit for
@@ -142,6 +145,13 @@ public:
     Vector tangentAt(double s) const;
     /// Both at once.
     void sampleAt(double s, Vector& point, Vector& tangent) const;
+
+    /// Whether both arcs are curved: only then are the points those of the arcs.
+    bool isCurved() const { return biarc.biarcFlag && biarc.radius0 >= 0 && biarc.radius1 >= 0; }
+    const Biarc<Vector>& getBiarc() const { return biarc; }
+    const Biarc<Vector>& getNext() const { return nextBiarc; }
+    const ArcSampler<Vector>& getArc0() const { return arc0; }
+    const ArcSampler<Vector>& getArc1() const { return arc1; }
 
 private:
     bool isInside(double s, const char* outOfBounds, const char* invalid) const;

@@ -13,8 +13,6 @@ namespace {
 
 // Below this sine squared of the angle between chord and tangent an arc is straight.
 const double STRAIGHT_SINE2 = 1e-7;
-// Below this projection on the chord a model circle's point is taken as the start.
-const double SMALLEST_PROJECTION = 1e-7;
 
 template <class Vector>
 Vector unit(Vector vector)
@@ -22,6 +20,18 @@ Vector unit(Vector vector)
     vector.normalize();
     return vector;
 }
+
+// Of the arc over a chord that its tangent at the start meets at an angle of the given
+// cosine.
+template <class Vector>
+double arcRadius(const Vector& chord, double cosine)
+{
+    if (STRAIGHT_SINE2 > 1 - cosine * cosine)
+        return -1;
+    return std::sqrt(chord.norm2() * 0.25 / (1 - cosine * cosine));
+}
+
+double arcAngle(double cosine) { return 2 * std::acos(cosine); }
 
 // The weight of the middle control point that makes the conic a circular arc: the
 // cosine of the angle between chord and tangent.
@@ -95,11 +105,21 @@ void Biarc<Vector>::setMidTangent(const Vector& midTangent)
 template <class Vector>
 void Biarc<Vector>::cache()
 {
-    radius0 = _radius(point, matchPoint, tangent);
-    radius1 = _radius(matchPoint, next().point, matchTangent);
-    length0 = _arclength0();
-    length1 = _arclength1();
+    cacheArc(point, matchPoint, tangent, radius0, length0);
+    cacheArc(matchPoint, next().point, matchTangent, radius1, length1);
     length = length0 + length1;
+}
+
+// _radius, and _arclength0 or _arclength1, with what they share computed once.
+template <class Vector>
+void Biarc<Vector>::cacheArc(const Vector& from, const Vector& to, const Vector& t, double& radius,
+                             double& arcLength) const
+{
+    const Vector chord = to - from;
+    const double chordLength = chord.norm();
+    const double cosine = (chord / chordLength).dot(t);
+    radius = arcRadius(chord, cosine);
+    arcLength = radius < 0 ? chordLength : radius * arcAngle(cosine);
 }
 
 template <class Vector>
@@ -191,16 +211,13 @@ template <class Vector>
 double Biarc<Vector>::_radius(const Vector& from, const Vector& to, const Vector& t) const
 {
     const Vector chord = to - from;
-    const double cosine = unit(chord).dot(t);
-    if (STRAIGHT_SINE2 > 1 - cosine * cosine)
-        return -1;
-    return std::sqrt(chord.norm2() * 0.25 / (1 - cosine * cosine));
+    return arcRadius(chord, unit(chord).dot(t));
 }
 
 template <class Vector>
 double Biarc<Vector>::_angle(const Vector& from, const Vector& to, const Vector& t) const
 {
-    return 2 * std::acos(unit(to - from).dot(t));
+    return arcAngle(unit(to - from).dot(t));
 }
 
 template <class Vector>

@@ -15,7 +15,9 @@ target_compile_options(strandview_options INTERFACE
   # Source names in assertions and debug information are relative: src/SoRod.cpp.
   -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=
   # The meshes promise the doubles of their formulas: no fused multiply-add.
-  -ffp-contract=off)
+  -ffp-contract=off
+  # Nothing reads errno after a square root, which is one instruction then.
+  -fno-math-errno)
 if(STRANDVIEW_SANITIZE)
   target_compile_options(strandview_options INTERFACE
     -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)

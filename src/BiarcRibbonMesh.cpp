@@ -3,15 +3,23 @@
 
 #include <algorithm>
 #include <cmath>
+#include <new>
 
 #include "detail/biarcSampling.h"
 
 using Vector = algebra3d::Vector3<double>;
 
 BiarcRibbonMesh::BiarcRibbonMesh(std::vector<Vector>& edgeA, std::vector<Vector>& edgeB,
-                                 double width, int rowsPerBiarc)
+                                 double width, int rowsPerBiarc, BiarcRibbonMesh* replaced)
     : RibbonMesh(width), interpolationCount(std::max(std::abs(double(rowsPerBiarc)), 1.0))
 {
+    if (replaced) {
+        takeMemory(*replaced);
+        takeCapacity(curveA.biarcs, replaced->curveA.biarcs);
+        takeCapacity(curveB.biarcs, replaced->curveB.biarcs);
+        takeCapacity(paramValues, replaced->paramValues);
+        takeCapacity(interpParamValues, replaced->interpParamValues);
+    }
     setWidth(2);
     const std::size_t m = edgeA.size();
     if (m < 2)
@@ -21,8 +29,6 @@ BiarcRibbonMesh::BiarcRibbonMesh(std::vector<Vector>& edgeA, std::vector<Vector>
     setHeight(rows);
     paramValues.resize(m);
     interpParamValues.resize(std::size_t(rows));
-    std::vector<Vector> tangentsA(static_cast<std::size_t>(rows));
-    std::vector<Vector> tangentsB(static_cast<std::size_t>(rows));
 
     const auto interpolate = [m](Curve<::Vector3>& curve, const std::vector<Vector>& edge) {
         curve.biarcs.reserve(m);
@@ -34,32 +40,49 @@ BiarcRibbonMesh::BiarcRibbonMesh(std::vector<Vector>& edgeA, std::vector<Vector>
     interpolate(curveA, edgeA);
     interpolate(curveB, edgeB);
 
-    allocateMemory();
+    allocateUnconstructed();
     resetBB();
-    computePointsOnSide(0, int(m), curveA, tangentsA);
-    computePointsOnSide(1, int(m), curveB, tangentsB);
+    Vector** normals = getNormals();
+    for (const int column : {0, 1}) {
+        // Each tangent waits in the place of the normal that is made from it.
+        samplePointsOnSide(
+            column, int(m), column == 0 ? curveA : curveB,
+            [&](int row, const Vector& tangent) { new (&normals[row][column]) Vector(tangent); });
+    }
     for (int row = 0; row < rows; ++row) {
         const Vector side = getPoints()[row][1] - getPoints()[row][0];
-        getNormals()[row][0] = side.cross(tangentsA[std::size_t(row)]).getUnit();
-        getNormals()[row][1] = side.cross(tangentsB[std::size_t(row)]).getUnit();
+        for (const int column : {0, 1})
+            normals[row][column] = side.cross(normals[row][column]).getUnit();
     }
 }
 
 void BiarcRibbonMesh::computePointsOnSide(int column, int m, Curve<::Vector3>& curve,
                                           std::vector<Vector>& tangents)
 {
-    if (curve.biarcs.empty())
-        return;
+    if (!curve.biarcs.empty())
+        samplePointsOnSide(column, m, curve, [&](int row, const Vector& tangent) {
+            tangents[std::size_t(row)] = tangent;
+        });
+}
+
+// Constructs the points of a column, and calls setTangent(row, tangent) for each.
+template <typename SetTangent>
+void BiarcRibbonMesh::samplePointsOnSide(int column, int m, const Curve<::Vector3>& curve,
+                                         SetTangent setTangent)
+{
     Vector** points = getPoints();
-    const int last = sampleCurve(curve, m, int(interpolationCount), paramValues, interpParamValues,
-                                 [&](int row, const ::Vector3& point, const ::Vector3& tangent) {
-                                     points[row][column] = fromBiarc(point);
-                                     updateBB(points[row][column]);
-                                     tangents[std::size_t(row)] = fromBiarc(tangent);
-                                 });
+    const auto visit = [&](int firstRow, const CurveSamples& samples) {
+        for (int i = 0; i < samples.size; ++i) {
+            const auto* const point = new (&points[firstRow + i][column]) Vector(samples.point(i));
+            updateBB(*point);
+            setTangent(firstRow + i, samples.tangent(i));
+        }
+    };
+    const int last =
+        sampleCurve(curve, m, int(interpolationCount), paramValues, interpParamValues, visit);
     // Unlike the tube's last ring, the last row does not extend the box: kept on purpose.
-    points[last][column] = fromBiarc(lastNode(curve, m).point);
-    tangents[std::size_t(last)] = fromBiarc(lastNode(curve, m).tangent);
+    new (&points[last][column]) Vector(fromBiarc(lastNode(curve, m).point));
+    setTangent(last, fromBiarc(lastNode(curve, m).tangent));
 }
 
 const std::vector<double>& BiarcRibbonMesh::getParamValues() const { return paramValues; }

@@ -23,10 +23,11 @@ public:
     /// edgeB holds at least as many points as edgeA; neither is changed. The width is
     /// only stored, as by RibbonMesh(double): the edges decide what is drawn. The
     /// interpolation count is max(|interpolationCount|, 1), on purpose unlike that of
-    /// BiarcTubeMesh.
+    /// BiarcTubeMesh. A mesh that this one replaces, if one is given, hands over its
+    /// memory and is empty then: far faster than fresh memory.
     BiarcRibbonMesh(std::vector<algebra3d::Vector3<double>>& edgeA,
                     std::vector<algebra3d::Vector3<double>>& edgeB, double width,
-                    int interpolationCount);
+                    int interpolationCount, BiarcRibbonMesh* replaced = nullptr);
 
     /// Fills one column from the first m nodes of a curve, writes the tangents of the
     /// rows into `tangents`, which must have one entry per row, and both tables.
@@ -41,6 +42,10 @@ public:
     const std::vector<double>& getInterpParamValues() const;
 
 private:
+    template <typename SetTangent>
+    void samplePointsOnSide(int column, int m, const Curve<::Vector3>& curve,
+                            SetTangent setTangent);
+
     double interpolationCount; // a whole number
     Curve<::Vector3> curveA;
     Curve<::Vector3> curveB;

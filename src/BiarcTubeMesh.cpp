@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <typeinfo>
 
 #include <algebra3d/Matrix3.h>
 
@@ -11,28 +12,45 @@
 using Vector = algebra3d::Vector3<double>;
 using Rotation = algebra3d::Quaternion<double>;
 
-BiarcTubeMesh::BiarcTubeMesh(const std::vector<Vector>& points, double radius, int ringSlices,
-                             int ringsPerBiarc, bool lowerCapTakesLast, bool upperCapTakesFirst)
+BiarcTubeMesh::BiarcTubeMesh(double radius, int ringSlices, int ringsPerBiarc,
+                             bool lowerCapTakesLast, bool upperCapTakesFirst,
+                             BiarcTubeMesh* replaced)
     : TubeMesh(radius, ringSlices, lowerCapTakesLast, upperCapTakesFirst),
       interpolationCount(std::max(ringsPerBiarc, 1))
+{
+    if (!replaced)
+        return;
+    takeMemory(*replaced);
+    takeCapacity(curve.biarcs, replaced->curve.biarcs);
+    takeCapacity(paramValues, replaced->paramValues);
+    takeCapacity(interpParamValues, replaced->interpParamValues);
+}
+
+BiarcTubeMesh::BiarcTubeMesh(const std::vector<Vector>& points, double radius, int ringSlices,
+                             int ringsPerBiarc, bool lowerCapTakesLast, bool upperCapTakesFirst,
+                             BiarcTubeMesh* replaced)
+    : BiarcTubeMesh(radius, ringSlices, ringsPerBiarc, lowerCapTakesLast, upperCapTakesFirst,
+                    replaced)
 {
     generateMesh(computeCurve(points));
 }
 
 BiarcTubeMesh::BiarcTubeMesh(const std::vector<Vector>& points,
                              const std::vector<Rotation>& rotations, double radius, int ringSlices,
-                             int ringsPerBiarc, bool lowerCapTakesLast, bool upperCapTakesFirst)
-    : TubeMesh(radius, ringSlices, lowerCapTakesLast, upperCapTakesFirst),
-      interpolationCount(std::max(ringsPerBiarc, 1))
+                             int ringsPerBiarc, bool lowerCapTakesLast, bool upperCapTakesFirst,
+                             BiarcTubeMesh* replaced)
+    : BiarcTubeMesh(radius, ringSlices, ringsPerBiarc, lowerCapTakesLast, upperCapTakesFirst,
+                    replaced)
 {
     generateMesh(computeCurve(points, rotations));
 }
 
 BiarcTubeMesh::BiarcTubeMesh(const std::vector<Vector>& points, const Vector& startTangent,
                              const Vector& endTangent, double radius, int ringSlices,
-                             int ringsPerBiarc, bool lowerCapTakesLast, bool upperCapTakesFirst)
-    : TubeMesh(radius, ringSlices, lowerCapTakesLast, upperCapTakesFirst),
-      interpolationCount(std::max(ringsPerBiarc, 1))
+                             int ringsPerBiarc, bool lowerCapTakesLast, bool upperCapTakesFirst,
+                             BiarcTubeMesh* replaced)
+    : BiarcTubeMesh(radius, ringSlices, ringsPerBiarc, lowerCapTakesLast, upperCapTakesFirst,
+                    replaced)
 {
     generateMesh(computeCurve(points, startTangent, endTangent));
 }
@@ -95,32 +113,41 @@ void BiarcTubeMesh::generateMesh(int n)
         return;
     setWidth(getSlices() + 1);
     setHeight(interpolationCount * (n - 1) + 1);
-    paramValues.resize(std::size_t(n));
-    interpParamValues.resize(std::size_t(getHeight()));
-    allocateMemory();
+    paramValues.assign(std::size_t(n), 0.0);
+    interpParamValues.assign(std::size_t(getHeight()), 0.0);
+    // A subclass may have a circle of its own. It is then asked ring by ring.
+    const bool ownCircle = typeid(*this) != typeid(BiarcTubeMesh);
+    if (ownCircle || int(curve.biarcs.size()) < n)
+        allocateMemory();
+    else
+        allocateUnconstructed();
     resetBB();
 
     // Fixed axes, not any orientation of the rod, start the section frame.
     Vector d1(0, 1, 0);
     Vector d2(0, 0, 1);
-    const int row = sampleCurve(curve, n, interpolationCount, paramValues, interpParamValues,
-                                [&](int sampleRow, const ::Vector3& centre, ::Vector3 tangent) {
-                                    computeMeshAt(sampleRow, fromBiarc(centre),
-                                                  fromBiarc(tangent).getUnit(), d1, d2);
-                                });
-    const Biarc<::Vector3>& last = lastNode(curve, n);
-    computeMeshAt(row, fromBiarc(last.point), fromBiarc(last.tangent), d1, d2);
+    const auto fill = [&](int firstRow, const CurveSamples& samples) {
+        if (ownCircle) {
+            for (int i = 0; i < samples.size; ++i)
+                computeMeshAt(firstRow + i, samples.point(i), samples.tangent(i), d1, d2);
+        } else {
+            fillerFrom(firstRow).fillCarried(samples, d1, d2);
+        }
+    };
+    const auto normaliseAndFill = [&](int firstRow, CurveSamples& samples) {
+        normaliseTangents(samples);
+        fill(firstRow, samples);
+    };
+    const int last =
+        sampleCurve(curve, n, interpolationCount, paramValues, interpParamValues, normaliseAndFill);
+    CurveSamples end;
+    end.append(lastNode(curve, n).point, lastNode(curve, n).tangent);
+    fill(last, end);
 }
 
 void BiarcTubeMesh::computeMeshAt(int row, Vector centre, Vector tangent, Vector& d1, Vector& d2)
 {
-    if (std::abs(d1.dot(tangent)) >= 0.5) {
-        d1 = d2.cross(tangent).getUnit();
-        d2 = tangent.cross(d1);
-    } else {
-        d2 = tangent.cross(d1).getUnit();
-        d1 = d2.cross(tangent);
-    }
+    carryFrame(tangent, d1, d2);
     fillRing(row, centre, d1, d2);
 }
 

@@ -17,28 +17,31 @@
 /// follow the rod's twist. Built completely in the constructor.
 ///
 /// In every constructor radius, slices and the two flags go to TubeMesh, and the
-/// interpolation count is at least 1. Fewer than 2 points leave the mesh empty and
-/// invalid, and its tables empty. Coincident consecutive points give points that
-/// are not finite.
+/// interpolation count is at least 1. A mesh that the new one replaces, if one is given,
+/// hands over its memory and is empty then: far faster than fresh memory. Fewer than 2
+/// points leave the mesh empty and invalid, and its tables empty. Coincident consecutive
+/// points give points that are not finite.
 class STRANDVIEW_EXPORT BiarcTubeMesh : public TubeMesh
 {
 public:
     /// Tangents estimated from the points (Curve::computeTangents).
     BiarcTubeMesh(const std::vector<algebra3d::Vector3<double>>& points, double radius, int slices,
-                  int interpolationCount, bool lowerCapTakesLast, bool upperCapTakesFirst);
+                  int interpolationCount, bool lowerCapTakesLast, bool upperCapTakesFirst,
+                  BiarcTubeMesh* replaced = nullptr);
 
     /// Tangents are d3 of the rotations; the shorter sequence decides.
     BiarcTubeMesh(const std::vector<algebra3d::Vector3<double>>& points,
                   const std::vector<algebra3d::Quaternion<double>>& rotations, double radius,
                   int slices, int interpolationCount, bool lowerCapTakesLast,
-                  bool upperCapTakesFirst);
+                  bool upperCapTakesFirst, BiarcTubeMesh* replaced = nullptr);
 
     /// Tangents estimated, but those at the ends lie along the given ones, which fix
     /// the line only: their sense follows the order of the points.
     BiarcTubeMesh(const std::vector<algebra3d::Vector3<double>>& points,
                   const algebra3d::Vector3<double>& startTangent,
                   const algebra3d::Vector3<double>& endTangent, double radius, int slices,
-                  int interpolationCount, bool lowerCapTakesLast, bool upperCapTakesFirst);
+                  int interpolationCount, bool lowerCapTakesLast, bool upperCapTakesFirst,
+                  BiarcTubeMesh* replaced = nullptr);
 
     ~BiarcTubeMesh() override;
 
@@ -70,6 +73,9 @@ public:
     const std::vector<double>& getInterpParamValues() const;
 
 private:
+    BiarcTubeMesh(double radius, int slices, int interpolationCount, bool lowerCapTakesLast,
+                  bool upperCapTakesFirst, BiarcTubeMesh* replaced);
+
     void appendWithEstimatedTangents(const std::vector<algebra3d::Vector3<double>>& points);
 
     int interpolationCount;

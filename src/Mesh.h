@@ -2,6 +2,8 @@
 #ifndef STRANDVIEW_MESH_H
 #define STRANDVIEW_MESH_H
 
+#include <cstddef>
+#include <memory>
 #include <vector>
 
 #include <Inventor/SbBox3f.h>
@@ -110,22 +112,35 @@ protected:
     /// Stores the number of rows as it is.
     void setHeight(int rows);
 
-private:
-    struct Grid
-    {
-        std::vector<algebra3d::Vector3<double>> block;
-        std::vector<algebra3d::Vector3<double>*> rows;
+    /// allocateMemory() for a subclass that constructs every vector itself: until then
+    /// the rows hold none.
+    void allocateUnconstructed();
+    /// Takes the memory of a mesh that this one replaces, for the next allocation, and
+    /// clears that mesh. Fresh memory costs more than all else about a mesh.
+    void takeMemory(Mesh& replaced);
 
-        void allocate(int height, int width);
-        algebra3d::Vector3<double>** getRows() { return rows.empty() ? nullptr : rows.data(); }
+    // The box as updateBB() keeps it, three doubles each.
+    double* getMinimum() { return minimum; }
+    double* getMaximum() { return maximum; }
+
+private:
+    struct Free
+    {
+        void operator()(algebra3d::Vector3<double>* block) const;
     };
+
+    /// The number of points and of normals.
+    std::size_t size() const { return std::size_t(height) * std::size_t(width); }
 
     const bool rowsWrap;
     const bool columnsWrap;
     int width;
     int height;
-    Grid points;
-    Grid normals;
+    // All points, then all normals, row by row. The block may be larger than they are.
+    std::unique_ptr<algebra3d::Vector3<double>[], Free> block;
+    std::size_t capacity;
+    // Those of the points, then those of the normals; none without an allocation.
+    std::vector<algebra3d::Vector3<double>*> rows;
     // Kept in double and rounded when asked for: rounding is monotonic, so this is
     // the box of the rounded points.
     double minimum[3];

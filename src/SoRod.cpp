@@ -78,25 +78,29 @@ void SoRod::getFrame(Vector& point, Rotation& rotation, int index) const
 
 void SoRod::generate()
 {
-    tubeMesh.reset();
-    ribbonMesh.reset();
-    if (valid)
+    if (valid) {
         buildMeshes();
+    } else {
+        tubeMesh.reset();
+        ribbonMesh.reset();
+    }
     // Only now: whoever is told at once finds the new meshes.
     touch();
 }
 
+// The new meshes take over the memory of the old ones, which go after that.
 void SoRod::buildMeshes()
 {
     const Vector startTangent = Matrix3<double>(rotations.front()).getColumn(2);
     const Vector endTangent = Matrix3<double>(rotations.back()).getColumn(2);
     tubeMesh = std::make_unique<BiarcTubeMesh>(points, startTangent, endTangent, tubeRadius, slices,
-                                               subsegments, false, false);
+                                               subsegments, false, false, tubeMesh.get());
 
     std::vector<Vector> edgeA(points.size());
     std::vector<Vector> edgeB(points.size());
     generateRibbonData(points, rotations, ribbonWidth, edgeA, edgeB);
-    ribbonMesh = std::make_unique<BiarcRibbonMesh>(edgeA, edgeB, ribbonWidth, subsegments);
+    ribbonMesh =
+        std::make_unique<BiarcRibbonMesh>(edgeA, edgeB, ribbonWidth, subsegments, ribbonMesh.get());
 }
 
 void SoRod::clear()

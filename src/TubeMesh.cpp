@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include <GL/gl.h>
 #include <Inventor/SoPrimitiveVertex.h>
@@ -11,6 +12,7 @@
 #include <algebra3d/Matrix3.h>
 
 #include "detail/GLVertexState.h"
+#include "detail/fourAtOnce.h"
 
 using algebra3d::Matrix3;
 using algebra3d::Quaternion;
@@ -34,30 +36,49 @@ TubeMesh::TubeMesh(double tubeRadius, int ringSlices, bool lowerTakesLast, bool 
 
 TubeMesh::TubeMesh(const std::vector<Vector3<double>>& points,
                    const std::vector<Quaternion<double>>& rotations, double tubeRadius,
-                   int ringSlices, bool lowerTakesLast, bool upperTakesFirst)
+                   int ringSlices, bool lowerTakesLast, bool upperTakesFirst, TubeMesh* replaced)
     : TubeMesh(std::max(std::abs(tubeRadius), SMALLEST_BUILT_RADIUS), ringSlices, lowerTakesLast,
                upperTakesFirst)
 {
+    if (replaced)
+        takeMemory(*replaced);
     if (points.size() < 2 || rotations.size() < 2)
         return;
 
     const std::size_t rings = std::min(points.size(), rotations.size());
     setWidth(slices + 1);
     setHeight(int(rings));
-    allocateMemory();
+    allocateUnconstructed();
     resetBB();
+    const int PORTION = 64;
+    RingFrame frames[PORTION];
+    int filled = 0;
+    Vector3<double> before; // the unit direction from the point before
     for (std::size_t i = 0; i < rings; ++i) {
-        Vector3<double> tangent;
+        Vector3<double> tangent, after;
         if (i > 0)
-            tangent += (points[i] - points[i - 1]).getUnit();
-        if (i + 1 < points.size())
-            tangent += (points[i + 1] - points[i]).getUnit();
+            tangent += before;
+        if (i + 1 < points.size()) {
+            after = (points[i + 1] - points[i]).getUnit();
+            tangent += after;
+        }
         tangent.normalize();
+        before = after;
 
         const Vector3<double> d2 = Matrix3<double>(rotations[i]).getColumn(1);
         const Vector3<double> across = tangent.cross(d2).getUnit();
-        fillRing(int(i), points[i], across.cross(tangent), across);
+        frames[filled++] = {points[i], across.cross(tangent), across};
+        if (filled == PORTION || i + 1 == rings) {
+            fillerFrom(int(i) + 1 - filled).fill(frames, filled);
+            filled = 0;
+        }
     }
+}
+
+void TubeMesh::takeMemory(TubeMesh& replaced)
+{
+    Mesh::takeMemory(replaced);
+    directions = std::move(replaced.directions);
 }
 
 int TubeMesh::getMaterialIndex(int row, int /*column*/) const { return row; }
@@ -138,21 +159,28 @@ Vector3<double> TubeMesh::capNormal(int row)
     return (ring[2] - ring[0]).cross(ring[1] - ring[0]).getUnit();
 }
 
+void TubeMesh::computeDirections(int columns)
+{
+    const auto n = std::size_t(columns);
+    if (directions.size() == 2 * (n + 1))
+        return;
+    directions.resize(2 * (n + 1));
+    const double step = TWO_PI / double(n);
+    double angle = 0;
+    for (std::size_t k = 0; k < n; ++k, angle += step) {
+        directions[2 * k] = std::cos(angle);
+        directions[2 * k + 1] = std::sin(angle);
+    }
+    directions[2 * n] = directions[0];
+    directions[2 * n + 1] = directions[1];
+}
+
 void TubeMesh::generate3DCircle(Vector3<double> u, Vector3<double> v, Vector3<double>* out)
 {
-    const std::size_t n = std::size_t(getWidth()) - 1;
-    if (cosines.size() != n) {
-        cosines.resize(n);
-        sines.resize(n);
-        const double step = TWO_PI / double(n);
-        double angle = 0;
-        for (std::size_t k = 0; k < n; ++k, angle += step) {
-            cosines[k] = std::cos(angle);
-            sines[k] = std::sin(angle);
-        }
-    }
-    for (std::size_t k = 0; k < n; ++k)
-        out[k] = cosines[k] * u + sines[k] * v;
+    const int n = getWidth() - 1;
+    computeDirections(n);
+    for (std::size_t k = 0; k < std::size_t(n); ++k)
+        out[k] = directions[2 * k] * u + directions[2 * k + 1] * v;
 }
 
 void TubeMesh::fillRing(int row, const Vector3<double>& centre, const Vector3<double>& u,
@@ -168,4 +196,11 @@ void TubeMesh::fillRing(int row, const Vector3<double>& centre, const Vector3<do
     // The closing column repeats the first: it cannot extend the box.
     points[slices] = points[0];
     normals[slices] = normals[0];
+}
+
+RingFiller TubeMesh::fillerFrom(int row)
+{
+    computeDirections(slices);
+    return {directions.data(), slices + 1,   radius,      getPoints()[row],
+            getNormals()[row], getMinimum(), getMaximum()};
 }

@@ -7,6 +7,8 @@
 #include <Mesh.h>
 #include <algebra3d/Quaternion.h>
 
+struct RingFiller;
+
 /// A tube of circular section around a centreline, closed by two flat caps.
 ///
 /// Row i is the ring around one sample of the centreline; it turns counter-clockwise
@@ -18,6 +20,12 @@
 class STRANDVIEW_EXPORT TubeMesh : public Mesh
 {
 public:
+    /// Where a ring's circle lies: its centre, and two unit axes of its plane.
+    struct RingFrame
+    {
+        algebra3d::Vector3<double> centre, u, v;
+    };
+
     /// Without rings, for subclasses that fill them. The radius is stored as
     /// max(|radius|, 0.0001), slices as at least 3. The two flags matter with
     /// per-vertex materials only: lowerCapTakesLast draws the first ring's cap in the
@@ -28,10 +36,11 @@ public:
     /// fewer than 2 give no rings. A ring starts at its frame's d2, projected across
     /// the tangent; the tangent comes from the points, as the unit sum of the unit
     /// directions from the point before and to the point after. Here the radius is
-    /// max(|radius|, 0.01), on purpose a larger floor than above.
+    /// max(|radius|, 0.01), on purpose a larger floor than above. A mesh that this one
+    /// replaces hands over its memory and is empty then.
     TubeMesh(const std::vector<algebra3d::Vector3<double>>& points,
              const std::vector<algebra3d::Quaternion<double>>& rotations, double radius, int slices,
-             bool lowerCapTakesLast, bool upperCapTakesFirst);
+             bool lowerCapTakesLast, bool upperCapTakesFirst, TubeMesh* replaced = nullptr);
 
     /// The row: one material per ring.
     int getMaterialIndex(int row, int column) const override;
@@ -62,12 +71,20 @@ public:
     int getSlices() const { return slices; }
 
 protected:
+    /// Mesh::takeMemory(), and the table of angles.
+    void takeMemory(TubeMesh& replaced);
+
     /// Fills one ring around `centre`: normals by generate3DCircle(u, v), points one
     /// radius along them, the box, and the closing column.
     void fillRing(int row, const algebra3d::Vector3<double>& centre,
                   const algebra3d::Vector3<double>& u, const algebra3d::Vector3<double>& v);
+    /// For this library's own meshes: what fills the rings from this row on much faster,
+    /// with the circle of this class whatever a subclass makes of it, constructing the
+    /// vectors. Good until the next allocation.
+    RingFiller fillerFrom(int row);
 
 private:
+    void computeDirections(int slicesOfRing);
     algebra3d::Vector3<double> capNormal(int row);
     void renderCap(int row, bool texture, bool sendNormal, SoMaterialBundle& bundle);
     void generateCap(int row, SoMeshShape* shape, SoAction* action);
@@ -76,9 +93,9 @@ private:
     int slices;
     bool lowerCapTakesLast;
     bool upperCapTakesFirst;
-    // The angles are the same in every ring: their cosines and sines, per column.
-    std::vector<double> cosines;
-    std::vector<double> sines;
+    // Cosine and sine of each column's angle, the closing column's too: the same in every
+    // ring.
+    std::vector<double> directions;
 };
 
 #endif

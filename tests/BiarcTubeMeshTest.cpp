@@ -454,6 +454,32 @@ TEST(BiarcTubeMesh, CirclesHaveOnePointPerColumnButTheLast)
     expectEqual(circle[4], untouched);
 }
 
+TEST(BiarcTubeMesh, ASubclassMayHaveACircleOfItsOwn)
+{
+    class SquareTube : public BiarcTubeMesh
+    {
+    public:
+        using BiarcTubeMesh::BiarcTubeMesh;
+        void generate3DCircle(Vector u, Vector v, Vector* out) override
+        {
+            for (int k = 0; k < 4; ++k)
+                out[k] = (k == 0 || k == 3 ? 1.0 : -1.0) * u + (k < 2 ? 1.0 : -1.0) * v;
+        }
+    };
+    SquareTube mesh(lineAlong({1, 0, 0}), 0.5, 4, 2, false, false);
+    expectNear(mesh.getNormals()[3][0], {0, 1, 0}); // a constructor knows no subclass
+
+    mesh.generateMesh(4);
+    for (int row = 0; row < mesh.getHeight(); ++row) {
+        SCOPED_TRACE(row);
+        expectNear(mesh.getNormals()[row][0], {0, 1, 1});
+        expectNear(mesh.getNormals()[row][1], {0, -1, 1});
+        expectNear(mesh.getNormals()[row][4], {0, 1, 1});
+    }
+    EXPECT_EQ(mesh.getBBox().getMin(), SbVec3f(0, -0.5f, -0.5f));
+    EXPECT_EQ(mesh.getBBox().getMax(), SbVec3f(6, 0.5f, 0.5f));
+}
+
 TEST(BiarcTubeMesh, TooFewPointsLeaveTheCurveAsItWas)
 {
     BiarcTubeMesh mesh(BENT, 0.1, 8, 4, false, false);
@@ -539,6 +565,20 @@ TEST_P(BiarcTubeMeshOnRandomRods, IsThePlainTubeWithGivenEndTangents)
         BiarcTubeMesh mesh(rod.points, start, end, radius, slices, rings, false, false);
         expectSame(mesh, expectedMesh(rod, tangents));
     });
+}
+
+TEST_P(BiarcTubeMeshOnRandomRods, IsThePlainTubeWithManyRingsPerBiarc)
+{
+    // Samples are made in portions: below, at and above their size, and several.
+    for (const int count : {1, 4, 31, 63, 64, 65, 127, 128, 129, 300}) {
+        SCOPED_TRACE(count);
+        forRods(2, [this, count](const RandomRod& rod, RandomNumbers&) {
+            rings = count;
+            BiarcTubeMesh mesh(rod.points, radius, slices, rings, false, false);
+            const auto tangents = plain::estimatedTangents(plain::toPlain(rod.points));
+            expectSame(mesh, expectedMesh(rod, tangents));
+        });
+    }
 }
 
 TEST_P(BiarcTubeMeshOnRandomRods, SaysNothing)

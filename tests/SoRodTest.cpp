@@ -19,6 +19,7 @@
 #include <Inventor/sensors/SoNodeSensor.h>
 #include <algebra3d/Matrix3.h>
 
+#include "support/AllocationCount.h"
 #include "support/CoinEnvironment.h"
 #include "support/drawing.h"
 #include "support/renderPicture.h"
@@ -346,6 +347,23 @@ TEST_F(SoRodTest, ParametersTakeEffectAtTheNextGenerate)
     EXPECT_EQ(rod->getTubeMesh()->getWidth(), 9);
     expectNear(boxOf(rod).getMin(), SbVec3f(-0.25f, -0.75f, 0));
     expectNear(boxOf(rod).getMax(), SbVec3f(0.25f, 0.75f, 2));
+}
+
+TEST_F(SoRodTest, GeneratingAgainKeepsTheMemoryOfTheMeshes)
+{
+    const std::size_t size = 200;
+    Vectors points;
+    for (std::size_t i = 0; i < size; ++i)
+        points.emplace_back(0.1 * std::sin(double(i)), 0.1 * std::cos(double(i)), double(i));
+    ASSERT_TRUE(rod->setData(points, Quaternions(size, IDENTITY)));
+
+    const AllocationCount count;
+    rod->setTubeRadius(0.2);
+    rod->generate();
+    // The largest blocks that are made are the ribbon's edges.
+    EXPECT_EQ(count.largest(), size * sizeof(Vector));
+    EXPECT_EQ(rod->getTubeMesh()->getRadius(), 0.2);
+    EXPECT_EQ(rod->getTubeMesh()->getHeight(), 2 * 199 + 1);
 }
 
 TEST_F(SoRodTest, TubeFollowsThePointsFromTheFirstD3ToTheLast)

@@ -1,0 +1,120 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "measuring.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <iostream>
+
+namespace {
+
+double secondsOf(const std::function<void()>& function, int calls)
+{
+    const auto begin = std::chrono::steady_clock::now();
+    for (int call = 0; call < calls; ++call)
+        function();
+    const auto end = std::chrono::steady_clock::now();
+    return std::chrono::duration<double>(end - begin).count() / calls;
+}
+
+std::string threeDigits(double value)
+{
+    char text[32];
+    std::snprintf(text, sizeof text, value < 100 ? "%.3g" : "%.0f", value);
+    return text;
+}
+
+std::string row(const std::vector<std::string>& cells)
+{
+    std::string line = "|";
+    for (const std::string& cell : cells)
+        line += " " + cell + " |";
+    return line + "\n";
+}
+
+} // namespace
+
+std::vector<double> medianSeconds(const std::vector<std::function<void()>>& functions, int rounds)
+{
+    const double secondsPerRound = 0.005;
+    std::vector<int> calls;
+    for (const auto& function : functions) {
+        function(); // the first call is another matter
+        const double seconds = secondsOf(function, 1);
+        calls.push_back(int(std::clamp(secondsPerRound / seconds, 1.0, 1000.0)));
+    }
+
+    std::vector<std::vector<double>> seconds(functions.size());
+    for (int round = 0; round < rounds; ++round) {
+        for (std::size_t i = 0; i < functions.size(); ++i)
+            seconds[i].push_back(secondsOf(functions[i], calls[i]));
+    }
+
+    std::vector<double> medians;
+    for (std::vector<double>& ofOne : seconds) {
+        const auto middle = ofOne.begin() + std::ptrdiff_t(ofOne.size() / 2);
+        std::nth_element(ofOne.begin(), middle, ofOne.end());
+        medians.push_back(*middle);
+    }
+    return medians;
+}
+
+double countInstructions(const std::string& program, const std::vector<std::string>& arguments)
+{
+    std::string command =
+        "valgrind --tool=callgrind --callgrind-out-file=/dev/null '" + program + "'";
+    for (const std::string& argument : arguments)
+        command += " '" + argument + "'";
+    command += " 2>&1";
+
+    double instructions = -1;
+    if (FILE* const output = popen(command.c_str(), "r")) {
+        char line[1024];
+        while (std::fgets(line, sizeof line, output)) {
+            const std::string text = line;
+            const std::string name = "Collected : ";
+            const std::size_t at = text.find(name);
+            if (at != std::string::npos)
+                instructions = std::atof(text.c_str() + at + name.size());
+        }
+        if (pclose(output) != 0)
+            instructions = -1;
+    }
+    if (instructions < 0)
+        std::cerr << "valgrind could not count the instructions of " << program << "\n";
+    return instructions;
+}
+
+Table::Table(const std::string& title, const std::string& introduction)
+    : text("## " + title + "\n\n" + introduction + "\n\n" +
+           row({"What", "Ours", "Peer or limit", "Ratio", "Goal", "Holds?"}) +
+           "|---|---|---|---|---|---|\n")
+{}
+
+void Table::compare(const std::string& what, double ours, const std::string& peerName, double peer,
+                    const std::string& unit, Goal goal, double limit)
+{
+    const double ratio = goal == Goal::AtMost ? ours / peer : peer / ours;
+    const bool holds = goal == Goal::AtMost ? ratio <= limit : ratio >= limit;
+    const std::string sign = goal == Goal::AtMost ? "≤ " : "≥ ";
+    text +=
+        row({what, threeDigits(ours) + " " + unit, peerName + ": " + threeDigits(peer) + " " + unit,
+             threeDigits(ratio), goal == Goal::None ? "–" : sign + threeDigits(limit),
+             goal == Goal::None ? "–"
+             : holds            ? "yes"
+                                : "**no**"});
+}
+
+void Table::limit(const std::string& what, double ours, const std::string& unit, double limit)
+{
+    compare(what, ours, "limit", limit, unit, Goal::AtMost, 1);
+}
+
+void Table::missing(const std::string& what, const std::string& why)
+{
+    text += row({what, "not measured: " + why, "–", "–", "–", "–"});
+}
+
+void Table::print() const { std::cout << text << "\n"; }
