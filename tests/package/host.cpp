@@ -10,6 +10,7 @@
 #include <Mesh.h>
 #include <OffscreenContext.h>
 #include <RibbonMesh.h>
+#include <SoBirod.h>
 #include <SoGeneralScene.h>
 #include <SoMeshShape.h>
 #include <SoRod.h>
@@ -29,6 +30,7 @@ int main()
     SoDB::init();
     SoMeshShape::initClass();
     SoRod::initClass();
+    SoBirod::initClass();
     SoGeneralScene::initClass();
     OffscreenContext::install();
 
@@ -41,5 +43,9 @@ int main()
     std::printf("%d %g %g %g %g\n", valid, double(box.getMin()[0]), double(box.getMin()[2]),
                 double(box.getMax()[0]), double(box.getMax()[2]));
     rod->unref();
+
+    SoNode* birod = new SoBirod(0.1, 0.1, 0.5, 0.5, 0.2, 0.1, 8, 2, true, true, true, true, false);
+    birod->ref();
+    birod->unref();
     return 0;
 }

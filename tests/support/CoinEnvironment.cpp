@@ -6,6 +6,7 @@
 #include <Inventor/nodekits/SoNodeKit.h>
 
 #include <OffscreenContext.h>
+#include <SoBirod.h>
 #include <SoMeshShape.h>
 #include <SoRod.h>
 
@@ -20,6 +21,7 @@ void initCoinOnce()
         OffscreenContext::install();
         SoMeshShape::initClass();
         SoRod::initClass();
+        SoBirod::initClass();
         MeshShape::initClass();
         return true;
     }();
