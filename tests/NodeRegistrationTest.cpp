@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The registration of the nodes of birods.
+// The registration of the nodes of birods and glyphs.
 #include <cstdlib>
 
 #include <Inventor/SoDB.h>
 
+#include <SoArrow.h>
 #include <SoBirod.h>
+#include <SoFrame.h>
+#include <SoMarker.h>
 
 #include "support/registration.h"
 
@@ -23,6 +26,33 @@ struct Birod
     }
 };
 
+struct Arrow
+{
+    using Node = SoArrow;
+    static constexpr const char* NAME = "SoArrow";
+    static constexpr const char* PARENT = "Separator";
+    static void prepare() {}
+    static Node* make() { return new SoArrow({0, 0, 0}, {1, 0, 0}, 0.1, 0.2, 0.3); }
+};
+
+struct Frame
+{
+    using Node = SoFrame;
+    static constexpr const char* NAME = "SoFrame";
+    static constexpr const char* PARENT = "Separator";
+    static void prepare() {}
+    static Node* make() { return new SoFrame({1, 0, 0}, {0, 1, 0}, {0, 0, 1}); }
+};
+
+struct Marker
+{
+    using Node = SoMarker;
+    static constexpr const char* NAME = "SoMarker";
+    static constexpr const char* PARENT = "Separator";
+    static void prepare() { SoArrow::initClass(); }
+    static Node* make() { return new SoMarker(1, {1, 0, 0}, 1, 0, SoMarker::SPHERE); }
+};
+
 template <typename Class>
 class NodeRegistrationDeathTest : public RegistrationDeathTest
 {
@@ -37,7 +67,7 @@ struct Names
     }
 };
 
-using Classes = testing::Types<Birod>;
+using Classes = testing::Types<Birod, Arrow, Frame, Marker>;
 TYPED_TEST_SUITE(NodeRegistrationDeathTest, Classes, Names);
 
 } // namespace

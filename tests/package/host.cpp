@@ -10,8 +10,11 @@
 #include <Mesh.h>
 #include <OffscreenContext.h>
 #include <RibbonMesh.h>
+#include <SoArrow.h>
 #include <SoBirod.h>
+#include <SoFrame.h>
 #include <SoGeneralScene.h>
+#include <SoMarker.h>
 #include <SoMeshShape.h>
 #include <SoRod.h>
 #include <TubeMesh.h>
@@ -31,6 +34,9 @@ int main()
     SoMeshShape::initClass();
     SoRod::initClass();
     SoBirod::initClass();
+    SoArrow::initClass();
+    SoFrame::initClass();
+    SoMarker::initClass();
     SoGeneralScene::initClass();
     OffscreenContext::install();
 
@@ -44,8 +50,13 @@ int main()
                 double(box.getMax()[0]), double(box.getMax()[2]));
     rod->unref();
 
-    SoNode* birod = new SoBirod(0.1, 0.1, 0.5, 0.5, 0.2, 0.1, 8, 2, true, true, true, true, false);
-    birod->ref();
-    birod->unref();
+    auto* glyphs = new SoSeparator;
+    glyphs->ref();
+    glyphs->addChild(new SoArrow({0, 0, 0}, {0, 0, 1}, 0.1, 0.2, 0.3));
+    glyphs->addChild(new SoFrame({1, 0, 0}, {0, 1, 0}, {0, 0, 1}));
+    glyphs->addChild(new SoMarker(1, {1, 0, 0}, 0.5, 0, SoMarker::CROSS));
+    glyphs->addChild(
+        new SoBirod(0.1, 0.1, 0.5, 0.5, 0.2, 0.1, 8, 2, true, true, true, true, false));
+    glyphs->unref();
     return 0;
 }

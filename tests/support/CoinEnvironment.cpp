@@ -6,7 +6,10 @@
 #include <Inventor/nodekits/SoNodeKit.h>
 
 #include <OffscreenContext.h>
+#include <SoArrow.h>
 #include <SoBirod.h>
+#include <SoFrame.h>
+#include <SoMarker.h>
 #include <SoMeshShape.h>
 #include <SoRod.h>
 
@@ -22,6 +25,9 @@ void initCoinOnce()
         SoMeshShape::initClass();
         SoRod::initClass();
         SoBirod::initClass();
+        SoArrow::initClass();
+        SoFrame::initClass();
+        SoMarker::initClass();
         MeshShape::initClass();
         return true;
     }();
