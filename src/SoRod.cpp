@@ -8,23 +8,17 @@
 #include <Inventor/bundles/SoMaterialBundle.h>
 #include <Inventor/elements/SoMaterialBindingElement.h>
 
-#include <algebra3d/Matrix3.h>
 #include <global.h>
 
-using algebra3d::Matrix3;
+#include "detail/existingMaterial.h"
+#include "detail/rodData.h"
+
 using Vector = algebra3d::Vector3<double>;
 using Rotation = algebra3d::Quaternion<double>;
 
 // A rod needs its constructor's arguments, so it has no factory: hence Coin's
 // "abstract" macros for a class that is not abstract.
 SO_NODE_ABSTRACT_SOURCE(SoRod);
-
-namespace {
-
-// How far the norm of an orientation may be from 1.
-const double ROTATION_TOLERANCE = 0.01;
-
-} // namespace
 
 void SoRod::initClass() { SO_NODE_INIT_ABSTRACT_CLASS(SoRod, SoMeshShape, "SoMeshShape"); }
 
@@ -71,7 +65,7 @@ void SoRod::getFrame(Vector& point, Rotation& rotation, int index) const
 {
     if (!valid)
         return;
-    const auto i = std::size_t(std::clamp(index, 0, getPointsNum() - 1));
+    const std::size_t i = clampIndex(index, points.size());
     point = points[i];
     rotation = rotations[i];
 }
@@ -91,10 +85,7 @@ void SoRod::generate()
 // The new meshes take over the memory of the old ones, which go after that.
 void SoRod::buildMeshes()
 {
-    const Vector startTangent = Matrix3<double>(rotations.front()).getColumn(2);
-    const Vector endTangent = Matrix3<double>(rotations.back()).getColumn(2);
-    tubeMesh = std::make_unique<BiarcTubeMesh>(points, startTangent, endTangent, tubeRadius, slices,
-                                               subsegments, false, false, tubeMesh.get());
+    tubeMesh = makeFramedTube(points, rotations, tubeRadius, slices, subsegments, tubeMesh.get());
 
     std::vector<Vector> edgeA(points.size());
     std::vector<Vector> edgeB(points.size());
@@ -118,17 +109,7 @@ void SoRod::generateRibbonData(const std::vector<Vector>& centreline,
                                const std::vector<Rotation>& frames, double width,
                                std::vector<Vector>& edgeA, std::vector<Vector>& edgeB)
 {
-    for (std::size_t i = 0; i < edgeA.size(); ++i) {
-        const Vector d2 = Matrix3<double>(frames[i]).getColumn(1);
-        if (twoSidedRibbon) {
-            const double half = width * 0.5;
-            edgeA[i] = centreline[i] - half * d2;
-            edgeB[i] = centreline[i] + half * d2;
-        } else {
-            edgeA[i] = centreline[i];
-            edgeB[i] = centreline[i] + width * d2;
-        }
-    }
+    fillRibbonEdges(centreline, frames, width, twoSidedRibbon, edgeA, edgeB);
 }
 
 bool SoRod::hasMeshes() const { return valid && tubeMesh && ribbonMesh; }
@@ -138,14 +119,15 @@ void SoRod::GLRender(SoGLRenderAction* action)
     if (!shouldGLRender(action) || !hasMeshes())
         return;
     SoMaterialBundle bundle(action);
-    const auto binding = SoMaterialBindingElement::get(action->getState());
+    SoState* state = action->getState();
+    const auto binding = SoMaterialBindingElement::get(state);
     bundle.sendFirst();
     const int ribbonOffset =
         binding == SoMaterialBindingElement::OVERALL ? 1 : tubeMesh->getHeight();
     if (showingTube)
         tubeMesh->render(action, 0);
     if (showingRibbon)
-        ribbonMesh->render(action, ribbonOffset);
+        ribbonMesh->render(action, existingMaterial(state, ribbonOffset));
 }
 
 void SoRod::generatePrimitives(SoAction* action)

@@ -18,7 +18,8 @@
 /// the points. Changing radius, width, slices, subsegments or the two-sided flag
 /// takes effect at the next generate(), the show flags at the next render.
 ///
-/// With overall material binding the tube has material 0 and the ribbon material 1.
+/// With overall material binding the tube has material 0 and the ribbon material 1,
+/// or 0 too if that is the only one.
 /// With per-vertex binding there is one material per row: those of the tube's rings,
 /// then those of the ribbon's rows.
 ///

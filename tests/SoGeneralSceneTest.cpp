@@ -37,9 +37,8 @@
 #include <gsl/gsl_errno.h>
 
 #include "support/CoinEnvironment.h"
+#include "support/registration.h"
 
-using testing::AllOf;
-using testing::ContainsRegex;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
@@ -233,24 +232,7 @@ TEST_F(SoGeneralSceneTest, AddsNoFields)
     EXPECT_EQ(scene->getFields(own), separator->getFields(inherited));
 }
 
-// Each statement runs in a process of its own that starts afresh, with nothing
-// registered: hence the "threadsafe" style, and no CoinTest.
-class SceneRegistrationDeathTest : public testing::Test
-{
-protected:
-    void SetUp() override { testing::FLAGS_gtest_death_test_style = "threadsafe"; }
-};
-
-namespace {
-
-// What the C library says when the assertion fails, the source named relatively.
-auto assertionInScene(const char* text)
-{
-    return AllOf(ContainsRegex("(^|[: \n])src/SoGeneralScene\\.cpp:[0-9]+: "),
-                 HasSubstr(std::string("Assertion `") + text + "' failed."));
-}
-
-} // namespace
+using SceneRegistrationDeathTest = RegistrationDeathTest;
 
 TEST_F(SceneRegistrationDeathTest, ConstructedBeforeItsRegistration)
 {
@@ -259,8 +241,8 @@ TEST_F(SceneRegistrationDeathTest, ConstructedBeforeItsRegistration)
             SoDB::init();
             (new SoGeneralScene)->ref();
         },
-        assertionInScene(
-            R"(SoGeneralScene::classTypeId != SoType::badType() && "you forgot init()!")"));
+        assertionIn("SoGeneralScene",
+                    R"(SoGeneralScene::classTypeId != SoType::badType() && "you forgot init()!")"));
 }
 
 TEST_F(SceneRegistrationDeathTest, RegisteredTwice)
@@ -271,7 +253,8 @@ TEST_F(SceneRegistrationDeathTest, RegisteredTwice)
             SoGeneralScene::initClass();
             SoGeneralScene::initClass();
         },
-        assertionInScene(
+        assertionIn(
+            "SoGeneralScene",
             R"(SoGeneralScene::classTypeId == SoType::badType() && "don't init() twice!")"));
 }
 
@@ -283,8 +266,8 @@ TEST_F(SceneRegistrationDeathTest, RegisteredBeforeItsParent)
             SoType::removeType("Separator");
             SoGeneralScene::initClass();
         },
-        assertionInScene(
-            R"(parentType != SoType::badType() && "you forgot init() on parentclass!")"));
+        assertionIn("SoGeneralScene",
+                    R"(parentType != SoType::badType() && "you forgot init() on parentclass!")"));
 }
 
 TEST_F(SceneRegistrationDeathTest, NotRegisteredByItselfAndTakenBackByCoinsCleanUp)

@@ -10,17 +10,13 @@
 #include <Inventor/nodes/SoGroup.h>
 #include <Inventor/nodes/SoSeparator.h>
 #include <Inventor/nodes/SoTranslation.h>
-#include <gmock/gmock.h>
 
 #include <Mesh.h>
 #include <SoRod.h>
 
 #include "support/CoinEnvironment.h"
 #include "support/MeshShape.h"
-
-using testing::AllOf;
-using testing::ContainsRegex;
-using testing::HasSubstr;
+#include "support/registration.h"
 
 namespace {
 
@@ -118,22 +114,7 @@ TEST_F(SoMeshShapeTest, WithoutAnActionNothingIsComputed)
     EXPECT_EQ(shape->boxComputations, 0);
 }
 
-// Each statement runs in a process of its own that starts afresh, with nothing
-// registered: hence the "threadsafe" style, and no CoinTest.
-class RegistrationDeathTest : public testing::Test
-{
-protected:
-    void SetUp() override { testing::FLAGS_gtest_death_test_style = "threadsafe"; }
-};
-
 namespace {
-
-// What the C library says when the assertion fails, the source named relatively.
-auto assertionIn(const char* source, const char* text)
-{
-    return AllOf(ContainsRegex(std::string("(^|[: \n])src/") + source + "\\.cpp:[0-9]+: "),
-                 HasSubstr(std::string("Assertion `") + text + "' failed."));
-}
 
 void constructRod() { (new SoRod(0.1, 0.5, 8, 2, true, true, false))->ref(); }
 

@@ -11,18 +11,16 @@
 #include <Inventor/actions/SoRayPickAction.h>
 #include <Inventor/lists/SoFieldList.h>
 #include <Inventor/nodes/SoDrawStyle.h>
-#include <Inventor/nodes/SoLightModel.h>
-#include <Inventor/nodes/SoMaterial.h>
 #include <Inventor/nodes/SoMaterialBinding.h>
-#include <Inventor/nodes/SoOrthographicCamera.h>
 #include <Inventor/nodes/SoSeparator.h>
 #include <Inventor/sensors/SoNodeSensor.h>
 #include <algebra3d/Matrix3.h>
 
 #include "support/AllocationCount.h"
 #include "support/CoinEnvironment.h"
+#include "support/FlatPictureTest.h"
 #include "support/drawing.h"
-#include "support/renderPicture.h"
+#include "support/nodeFacts.h"
 #include "support/triangles.h"
 
 using Quaternion = algebra3d::Quaternion<double>;
@@ -35,7 +33,6 @@ namespace {
 const double R = std::sqrt(0.5);
 const double NOT_A_NUMBER = std::numeric_limits<double>::quiet_NaN();
 const Quaternion IDENTITY; // d1 = +x, d2 = +y, d3 = +z
-const SbViewportRegion viewport(100, 100);
 
 // Along +z, with the identity at each point: the ribbon lies along +y.
 const Vectors straightPoints = {{0, 0, 0}, {0, 0, 1}, {0, 0, 2}};
@@ -49,35 +46,6 @@ public:
     using SoRod::computeBBox;
 };
 
-SbBox3f boxOf(SoNode* node)
-{
-    SoGetBoundingBoxAction action(viewport);
-    action.apply(node);
-    return action.getBoundingBox();
-}
-
-void expectSameVector(const Vector& actual, const Vector& expected)
-{
-    EXPECT_EQ(actual.x, expected.x);
-    EXPECT_EQ(actual.y, expected.y);
-    EXPECT_EQ(actual.z, expected.z);
-}
-
-// The angles of these tests are multiples of a quarter turn; lengths are about 1.
-void expectNear(const SbVec3f& actual, const SbVec3f& expected)
-{
-    for (int axis = 0; axis < 3; ++axis)
-        EXPECT_NEAR(actual[axis], expected[axis], 1e-6f) << "axis " << axis;
-}
-
-bool containsStrips(const RecordedCalls& calls)
-{
-    for (const GLCall& call : calls)
-        if (call.name == "glBegin" || call.name == "glVertex3f")
-            return true;
-    return false;
-}
-
 } // namespace
 
 class SoRodTest : public CoinTest
@@ -87,22 +55,6 @@ protected:
     NodeRef<OpenRod> rod{new OpenRod};
 
     void SetUp() override { ASSERT_TRUE(rod->setData(straightPoints, straightRotations)); }
-
-    void expectNothing()
-    {
-        EXPECT_TRUE(generatedTriangles(rod).empty());
-        EXPECT_EQ(countedTriangles(rod), 0);
-        SoGetBoundingBoxAction action(viewport);
-        action.apply(rod);
-        EXPECT_TRUE(action.getBoundingBox().isEmpty());
-        EXPECT_FALSE(action.isCenterSet());
-        for (const DrawingState& state : allDrawingStates())
-            EXPECT_FALSE(containsStrips(recordDrawing(rod, state))) << state;
-        SoRayPickAction pick(viewport);
-        pick.setRay(SbVec3f(5, 0, 0.7f), SbVec3f(-1, 0, 0));
-        pick.apply(rod);
-        EXPECT_EQ(pick.getPickedPoint(), nullptr);
-    }
 };
 
 // Registration and construction
@@ -215,7 +167,7 @@ TEST_P(SoRodRefusing, EmptiesItAndLeavesNothingToShow)
     EXPECT_EQ(rod->getPointsNum(), 0);
     EXPECT_EQ(rod->getTubeMesh(), nullptr);
     EXPECT_EQ(rod->getRibbonMesh(), nullptr);
-    expectNothing();
+    expectNothingShown(rod);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -456,7 +408,7 @@ TEST_F(SoRodTest, ClearDeletesTheMeshesAndKeepsTheData)
     EXPECT_EQ(rod->getRibbonMesh(), nullptr);
     EXPECT_TRUE(rod->isValid());
     EXPECT_EQ(rod->getPointsNum(), 3);
-    expectNothing();
+    expectNothingShown(rod);
     rod->clear();
 
     Vector point;
@@ -728,14 +680,9 @@ TEST_F(SoRodTest, DrawsNothingWhereShapesAreInvisible)
 
 namespace {
 
-// Seen along -z, 100 x 100 pixels, 50 to a unit, the origin in the middle; unlit, so
-// that colours are those of the materials: the first red, the second green.
-class RodPicture : public CoinTest
+class RodPicture : public FlatPictureTest
 {
 protected:
-    NodeRef<SoSeparator> scene{new SoSeparator};
-    SoOrthographicCamera* camera = new SoOrthographicCamera;
-    SoMaterial* material = new SoMaterial;
     SoMaterialBinding* binding = new SoMaterialBinding;
     SoSeparator* cached = new SoSeparator;
     // 1.6 long along x, radius 0.2, the ribbon 0.5 wide along +y.
@@ -745,32 +692,13 @@ protected:
 
     void SetUp() override
     {
-        camera->position = SbVec3f(0, 0, 5);
-        camera->nearDistance = 1;
-        camera->farDistance = 10;
-        camera->height = 2;
-        scene->addChild(camera);
-        auto* lightModel = new SoLightModel;
-        lightModel->model = SoLightModel::BASE_COLOR;
-        scene->addChild(lightModel);
-        material->diffuseColor.set1Value(0, 1, 0, 0);
-        material->diffuseColor.set1Value(1, 0, 1, 0);
-        scene->addChild(material);
+        FlatPictureTest::SetUp();
         scene->addChild(binding);
         scene->addChild(cached);
         cached->addChild(rod);
         ASSERT_TRUE(rod->setData({{-0.8, 0, 0}, {0.8, 0, 0}}, {d3AlongX, d3AlongX}));
     }
-
-    Picture render() { return renderPicture(scene, 100, 100); }
 };
-
-// An area in pixels, off by less than one along each of its edges.
-void expectArea(int actual, double width, double height)
-{
-    EXPECT_GE(actual, (width - 2) * (height - 2));
-    EXPECT_LE(actual, (width + 2) * (height + 2));
-}
 
 } // namespace
 
@@ -787,6 +715,16 @@ TEST_F(RodPicture, OverallBindingShowsTubeAndRibbonInTheTwoColours)
     EXPECT_EQ(picture.getColour(5, 50), BLACK);
     expectArea(picture.count(RED), 80, 20);
     expectArea(picture.count(GREEN), 80, 15); // the rest is behind the tube
+}
+
+TEST_F(RodPicture, RibbonTakesTheOnlyMaterial)
+{
+    material->diffuseColor.setValue(0, 1, 0);
+    const Picture picture = render();
+    EXPECT_EQ(picture.getColour(50, 50), GREEN);
+    EXPECT_EQ(picture.getColour(50, 70), GREEN);
+    expectArea(picture.count(GREEN), 80, 35);
+    EXPECT_EQ(picture.count(GREEN), picture.countOther(BLACK));
 }
 
 TEST_F(RodPicture, HiddenTubeShowsTheWholeRibbon)

@@ -2,13 +2,12 @@
 #ifndef STRANDVIEW_DETAIL_GLVERTEXSTATE_H
 #define STRANDVIEW_DETAIL_GLVERTEXSTATE_H
 
-#include <Inventor/SbVec3f.h>
 #include <Inventor/actions/SoGLRenderAction.h>
 #include <Inventor/bundles/SoMaterialBundle.h>
 #include <Inventor/elements/SoGLTextureEnabledElement.h>
 #include <Inventor/elements/SoMaterialBindingElement.h>
 
-#include <algebra3d/Vector3.h>
+#include "toSbVec3f.h"
 
 /// What the traversal state asks a mesh to send with each vertex. Making one begins the
 /// drawing: it sends the first material, and with an overall binding that at
@@ -32,11 +31,5 @@ struct GLVertexState
     bool texture;
     bool materialOverall;
 };
-
-/// The vector in the precision of Coin.
-inline SbVec3f toSbVec3f(const algebra3d::Vector3<double>& vector)
-{
-    return SbVec3f(float(vector.x), float(vector.y), float(vector.z));
-}
 
 #endif

@@ -12,7 +12,11 @@
 #include <OffscreenContext.h>
 #include <RibbonMesh.h>
 #include <ScreenshotDialog.h>
+#include <SoArrow.h>
+#include <SoBirod.h>
+#include <SoFrame.h>
 #include <SoGeneralScene.h>
+#include <SoMarker.h>
 #include <SoMeshShape.h>
 #include <SoQtGeneralViewer.h>
 #include <SoQtGeneralViewerDialog.h>
@@ -33,6 +37,10 @@ int main()
     SoDB::init();
     SoMeshShape::initClass();
     SoRod::initClass();
+    SoBirod::initClass();
+    SoArrow::initClass();
+    SoFrame::initClass();
+    SoMarker::initClass();
     SoGeneralScene::initClass();
     OffscreenContext::install();
 
@@ -45,5 +53,14 @@ int main()
     std::printf("%d %g %g %g %g\n", valid, double(box.getMin()[0]), double(box.getMin()[2]),
                 double(box.getMax()[0]), double(box.getMax()[2]));
     rod->unref();
+
+    auto* glyphs = new SoSeparator;
+    glyphs->ref();
+    glyphs->addChild(new SoArrow({0, 0, 0}, {0, 0, 1}, 0.1, 0.2, 0.3));
+    glyphs->addChild(new SoFrame({1, 0, 0}, {0, 1, 0}, {0, 0, 1}));
+    glyphs->addChild(new SoMarker(1, {1, 0, 0}, 0.5, 0, SoMarker::CROSS));
+    glyphs->addChild(
+        new SoBirod(0.1, 0.1, 0.5, 0.5, 0.2, 0.1, 8, 2, true, true, true, true, false));
+    glyphs->unref();
     return 0;
 }

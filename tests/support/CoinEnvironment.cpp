@@ -6,6 +6,10 @@
 #include <Inventor/nodekits/SoNodeKit.h>
 
 #include <OffscreenContext.h>
+#include <SoArrow.h>
+#include <SoBirod.h>
+#include <SoFrame.h>
+#include <SoMarker.h>
 #include <SoMeshShape.h>
 #include <SoRod.h>
 
@@ -20,6 +24,10 @@ void initCoinOnce()
         OffscreenContext::install();
         SoMeshShape::initClass();
         SoRod::initClass();
+        SoBirod::initClass();
+        SoArrow::initClass();
+        SoFrame::initClass();
+        SoMarker::initClass();
         MeshShape::initClass();
         return true;
     }();

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "drawing.h"
 
+#include <algorithm>
+
 #include <GL/gl.h>
 #include <Inventor/actions/SoGLRenderAction.h>
 #include <Inventor/nodes/SoCallback.h>
@@ -119,6 +121,13 @@ RecordedCalls recordDrawing(SoNode* shape, const DrawingState& state)
         significant.push_back(call);
     }
     return significant;
+}
+
+bool containsStrips(const RecordedCalls& calls)
+{
+    return std::any_of(calls.begin(), calls.end(), [](const GLCall& call) {
+        return call.name == "glBegin" || call.name == "glVertex3f";
+    });
 }
 
 void ExpectedDrawing::sendMaterial(int index)

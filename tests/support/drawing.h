@@ -38,6 +38,9 @@ std::vector<DrawingState> allDrawingStates();
 /// colour that is the current one already.
 RecordedCalls recordDrawing(SoNode* shape, const DrawingState& state);
 
+/// Whether anything is drawn at all.
+bool containsStrips(const RecordedCalls& calls);
+
 /// The calls that a drawing consists of by the rules of the meshes, written down one
 /// after the other.
 class ExpectedDrawing
