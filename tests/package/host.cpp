@@ -10,8 +10,10 @@
 #include <Mesh.h>
 #include <OffscreenContext.h>
 #include <RibbonMesh.h>
+#include <SoDNA.h>
 #include <SoGeneralScene.h>
 #include <SoMeshShape.h>
+#include <SoNucleobase.h>
 #include <SoRod.h>
 #include <TubeMesh.h>
 #include <algebra3d/Matrix3.h>
@@ -23,6 +25,7 @@
 #include <biarc/Tube.h>
 #include <biarc/Vector3.h>
 #include <global.h>
+#include <idealbases.h>
 
 int main()
 {

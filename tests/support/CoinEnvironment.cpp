@@ -6,7 +6,9 @@
 #include <Inventor/nodekits/SoNodeKit.h>
 
 #include <OffscreenContext.h>
+#include <SoDNA.h>
 #include <SoMeshShape.h>
+#include <SoNucleobase.h>
 #include <SoRod.h>
 
 #include "MeshShape.h"
@@ -20,6 +22,8 @@ void initCoinOnce()
         OffscreenContext::install();
         SoMeshShape::initClass();
         SoRod::initClass();
+        SoNucleobase::initClass();
+        SoDNA::initClass();
         MeshShape::initClass();
         return true;
     }();

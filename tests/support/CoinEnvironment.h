@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-/// Initialises Coin, its off-screen contexts and the rod nodes, once per program.
+/// Initialises Coin, its off-screen contexts and the nodes of rods and DNA, once per program.
 /// Not done before a test asks for it: what happens without it is tested too, in
 /// processes of its own.
 void initCoinOnce();
