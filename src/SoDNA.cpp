@@ -9,6 +9,7 @@
 #include <Inventor/nodes/SoTransform.h>
 #include <Inventor/nodes/SoTranslation.h>
 
+#include <detail/DnaDrawing.h>
 #include <detail/GLVertexState.h>
 #include <detail/overallColour.h>
 #include <global.h>
@@ -57,7 +58,7 @@ SoTransform* addPlaced(SoGroup* group, const Vector& place, const Rotation& rota
 
 void SoDNA::initClass() { SO_NODE_INIT_CLASS(SoDNA, SoSeparator, "SoSeparator"); }
 
-SoDNA::SoDNA()
+SoDNA::SoDNA() : drawing(std::make_unique<DnaDrawing>())
 {
     SO_NODE_CONSTRUCTOR(SoDNA);
     const Vector white(COLOUR_BP_DEF);
@@ -285,4 +286,10 @@ void SoDNA::showBasePairBoxes(bool show)
 bool SoDNA::areBasePairBoxesShown() const
 {
     return bpSwitch->whichChild.getValue() == SO_SWITCH_ALL;
+}
+
+void SoDNA::GLRenderBelowPath(SoGLRenderAction* action)
+{
+    if (!drawing->draw(action, this, bpSwitch, basesGroup))
+        SoSeparator::GLRenderBelowPath(action);
 }

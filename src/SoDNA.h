@@ -2,6 +2,7 @@
 #ifndef STRANDVIEW_SODNA_H
 #define STRANDVIEW_SODNA_H
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,7 @@
 #include <algebra3d/Quaternion.h>
 #include <algebra3d/Vector3.h>
 
+class DnaDrawing;
 class SoCube;
 class SoMaterial;
 class SoSwitch;
@@ -98,6 +100,10 @@ public:
 
     static const double COLOUR_BP_DEF[3];
 
+    /// Draws the pairs from buffers where the graph and the state allow it, and traverses the
+    /// graph elsewhere; see docs/architecture.md.
+    void GLRenderBelowPath(SoGLRenderAction* action) override;
+
 protected:
     ~SoDNA() override;
     /// As many frames of each kind as letters, all letters correct and all quaternions too
@@ -129,6 +135,7 @@ private:
     std::vector<SoTransform*> strand2Transforms;
     SoSwitch* bpSwitch;
     SoSeparator* basesGroup;
+    std::unique_ptr<DnaDrawing> drawing;
 };
 
 #endif
