@@ -3,6 +3,8 @@
 
 #include <cmath>
 
+#include <Inventor/actions/SoGLRenderAction.h>
+#include <Inventor/misc/SoState.h>
 #include <Inventor/nodes/SoCube.h>
 #include <Inventor/nodes/SoMaterial.h>
 #include <Inventor/nodes/SoSwitch.h>
@@ -290,6 +292,11 @@ bool SoDNA::areBasePairBoxesShown() const
 
 void SoDNA::GLRenderBelowPath(SoGLRenderAction* action)
 {
-    if (!drawing->draw(action, this, bpSwitch, basesGroup))
+    SoState* const state = action->getState();
+    state->push();
+    // A list being recorded is for other views, too.
+    const bool outOfView = !state->isCacheOpen() && cullTest(state);
+    state->pop();
+    if (!outOfView && !drawing->draw(action, this, bpSwitch, basesGroup))
         SoSeparator::GLRenderBelowPath(action);
 }

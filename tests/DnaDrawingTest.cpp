@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
+#include <limits>
 #include <memory>
 #include <ostream>
 
@@ -30,6 +31,7 @@
 
 #include "support/CoinEnvironment.h"
 #include "support/IdealDna.h"
+#include "support/graph.h"
 
 using Vector = algebra3d::Vector3<double>;
 
@@ -299,6 +301,15 @@ TEST_F(DnaDrawingTest, EachBoxAndTheSpheresOfEachBaseAreOneDraw)
     EXPECT_EQ(draws(), 0);
 }
 
+TEST_F(DnaDrawingTest, OutOfViewNothingIsDrawn)
+{
+    boxOf(dna); // Coin has the box then
+    camera->pointAt(SbVec3f(60, 40, 80));
+    drawCount = 0;
+    EXPECT_EQ(compare(draw(), draw()).covered, 0);
+    EXPECT_EQ(drawCount, 0);
+}
+
 // What is not drawn from buffers is traversed
 
 struct Setting
@@ -429,6 +440,9 @@ INSTANTIATE_TEST_SUITE_P(
                [](SoDNA* dna) { dna->setAtomColour(SoNucleobase::CARBON, Vector(0, 1, 0)); }},
         Change{"AtomRadius", [](SoDNA* dna) { dna->setAtomRadius(SoNucleobase::CARBON, 2); }},
         Change{"AtomComplexity", [](SoDNA* dna) { dna->setAtomComplexity(0); }},
+        Change{"NoComplexity",
+               [](SoDNA* dna) { dna->setAtomComplexity(std::numeric_limits<double>::quiet_NaN()); },
+               false},
         Change{"NoPairBoxes",
                [](SoDNA* dna) {
                    dna->showBaseBoxes(false);

@@ -6,7 +6,6 @@
 
 #include <Inventor/SoDB.h>
 #include <Inventor/SoPickedPoint.h>
-#include <Inventor/actions/SoGetBoundingBoxAction.h>
 #include <Inventor/actions/SoRayPickAction.h>
 #include <Inventor/actions/SoSearchAction.h>
 #include <Inventor/lists/SoFieldList.h>
@@ -24,6 +23,7 @@
 #include "support/CoinEnvironment.h"
 #include "support/IdealDna.h"
 #include "support/RandomRods.h"
+#include "support/graph.h"
 #include "support/renderPicture.h"
 
 using testing::AllOf;
@@ -58,14 +58,6 @@ struct RandomDna
     SoDNA::Quaternions qAvg, q1, q2;
 };
 
-template <typename Node>
-Node* child(SoNode* group, int index)
-{
-    auto* const node = static_cast<SoGroup*>(group)->getChild(index);
-    EXPECT_EQ(node->getTypeId(), Node::getClassTypeId());
-    return static_cast<Node*>(node);
-}
-
 // The graph, found by its places.
 struct Parts
 {
@@ -92,20 +84,6 @@ struct Parts
     SoSwitch* bpSwitch;
     SoSeparator* basesGroup;
 };
-
-void expectColour(const Vector& actual, double red, double green, double blue)
-{
-    EXPECT_EQ(actual.x, float(red));
-    EXPECT_EQ(actual.y, float(green));
-    EXPECT_EQ(actual.z, float(blue));
-}
-
-SbBox3f boxOf(SoNode* node)
-{
-    SoGetBoundingBoxAction action(SbViewportRegion(100, 100));
-    action.apply(node);
-    return action.getBoundingBox();
-}
 
 } // namespace
 

@@ -6,7 +6,6 @@
 
 #include <Inventor/SoDB.h>
 #include <Inventor/SoPath.h>
-#include <Inventor/actions/SoGetBoundingBoxAction.h>
 #include <Inventor/lists/SoFieldList.h>
 #include <Inventor/nodes/SoComplexity.h>
 #include <Inventor/nodes/SoCube.h>
@@ -17,6 +16,7 @@
 #include <gmock/gmock.h>
 
 #include "support/CoinEnvironment.h"
+#include "support/graph.h"
 
 using testing::AllOf;
 using testing::ContainsRegex;
@@ -30,21 +30,6 @@ const SoNucleobase::Atom ATOMS[3] = {SoNucleobase::CARBON, SoNucleobase::NITROGE
                                      SoNucleobase::OXYGEN};
 const auto NO_ATOM = static_cast<SoNucleobase::Atom>(3);
 const auto NEGATIVE_ATOM = static_cast<SoNucleobase::Atom>(-1);
-
-void expectColour(const Vector& actual, double red, double green, double blue)
-{
-    EXPECT_EQ(actual.x, float(red));
-    EXPECT_EQ(actual.y, float(green));
-    EXPECT_EQ(actual.z, float(blue));
-}
-
-template <typename Node>
-Node* child(SoNode* group, int index)
-{
-    auto* const node = static_cast<SoGroup*>(group)->getChild(index);
-    EXPECT_EQ(node->getTypeId(), Node::getClassTypeId());
-    return static_cast<Node*>(node);
-}
 
 // The parts of a base that is not empty, found by their places.
 struct Parts
@@ -72,13 +57,6 @@ struct Parts
     SoTranslation* boxTranslation;
     SoCube* box;
 };
-
-SbBox3f boxOf(SoNode* node)
-{
-    SoGetBoundingBoxAction action(SbViewportRegion(100, 100));
-    action.apply(node);
-    return action.getBoundingBox();
-}
 
 } // namespace
 

@@ -89,7 +89,7 @@ bool isPlain(SoState* state)
            !SoMultiTextureEnabledElement::getEnabledUnits(state, lastUnit);
 }
 
-// Coin's own matrix is one deeper than it needs to be; two more are used here.
+// One matrix for what is placed, one for a box within it.
 bool hasRoomForMatrices()
 {
     GLint depth = 0, room = 0;
@@ -144,7 +144,8 @@ struct DnaDrawing::Compiler
             state.complexity = complexity;
             return !complexity->isOverride() && !complexity->type.isIgnored() &&
                    !complexity->value.isIgnored() &&
-                   complexity->type.getValue() == SoComplexity::OBJECT_SPACE;
+                   complexity->type.getValue() == SoComplexity::OBJECT_SPACE &&
+                   !std::isnan(complexity->value.getValue());
         }
         if (!state.material)
             return false;
