@@ -109,6 +109,10 @@ void SoNucleobase::addAtoms()
         atom->addChild(atomGroups[getKind(idealbases::ATOMS[baseIndex][i])]);
         atomSwitch->addChild(atom);
     }
+    for (SoSeparator* group : atomGroups) {
+        if (group->getRefCount() == 0)
+            unplacedGroups.append(group);
+    }
     atomSwitch->whichChild = SO_SWITCH_ALL;
     addChild(atomSwitch);
 }

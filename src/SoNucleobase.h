@@ -2,6 +2,7 @@
 #ifndef STRANDVIEW_SONUCLEOBASE_H
 #define STRANDVIEW_SONUCLEOBASE_H
 
+#include <Inventor/lists/SoNodeList.h>
 #include <Inventor/nodes/SoSeparator.h>
 #include <Inventor/nodes/SoSubNode.h>
 
@@ -116,6 +117,7 @@ private:
     SoSeparator* atomGroups[3] = {};
     SoSphere* atomSpheres[3] = {};
     SoSwitch* atomSwitch = nullptr;
+    SoNodeList unplacedGroups; // referenced here: adenine has no oxygen, but can be asked
 };
 
 #endif

@@ -420,8 +420,7 @@ SoNode* firstBase(SoDNA* dna) { return childGroup(childGroup(childGroup(dna, 1),
 
 SoTransform* transformOf(SoDNA* dna, int which, int i)
 {
-    return static_cast<SoTransform*>(
-        static_cast<SoNode*>(childGroup(childGroup(childGroup(dna, which), i), 0)));
+    return static_cast<SoTransform*>(childGroup(childGroup(dna, which), i)->getChild(0));
 }
 
 SoNode* makeTranslation()
@@ -493,14 +492,14 @@ INSTANTIATE_TEST_SUITE_P(
                    childGroup(childGroup(dna, 1), 0)->insertChild(scale, 1);
                },
                false},
-        Change{"ATransparentBase",
-               [](SoDNA* dna) {
-                   dna->showBasePairBoxes(false);
-                   static_cast<SoMaterial*>(
-                       static_cast<SoNode*>(childGroup(childGroup(firstBase(dna), 1), 0)))
-                       ->transparency = 0.5f;
-               },
-               false},
+        Change{
+            "ATransparentBase",
+            [](SoDNA* dna) {
+                dna->showBasePairBoxes(false);
+                static_cast<SoMaterial*>(childGroup(firstBase(dna), 1)->getChild(0))->transparency =
+                    0.5f;
+            },
+            false},
         Change{"OneAtomOnly",
                [](SoDNA* dna) {
                    auto* atoms = static_cast<SoSwitch*>(childGroup(firstBase(dna), 0));
@@ -537,7 +536,9 @@ TEST_F(DnaDrawingTest, IsSeenInACacheThatRecords)
     for (int frame = 0; frame < 4; ++frame) {
         if (frame == 2)
             dna->setBasepairColour(Vector(0, 1, 1));
+        drawCount = 0;
         const Bytes next = render(*renderer, scene); // from the list, once there is one
+        EXPECT_TRUE(frame != 0 || drawCount == 0);   // recorded by traversal
         const Difference difference = compare(first, next);
         EXPECT_EQ(difference.pixels > 0, frame == 2) << frame << ": " << difference;
         first = next;

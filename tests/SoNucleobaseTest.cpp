@@ -307,6 +307,15 @@ TEST_F(SoNucleobaseTest, ExtentsAreThoseOfAtomsAndBox)
     EXPECT_NEAR(box.getMax()[2], 0.75, 1e-6);
 }
 
+TEST_F(SoNucleobaseTest, KindsWithoutAtomsKeepTheirSettings) // those of a DNA are read from A
+{
+    NodeRef<SoNucleobase> adenine(new SoNucleobase('A', true));
+    adenine->setAtomRadius(SoNucleobase::OXYGEN, 0.5);
+    adenine->setAtomColour(SoNucleobase::OXYGEN, Vector(0.5, 0.25, 0.75));
+    EXPECT_EQ(adenine->getAtomRadius(SoNucleobase::OXYGEN), 0.5);
+    expectColour(adenine->getAtomColour(SoNucleobase::OXYGEN), 0.5, 0.25, 0.75);
+}
+
 // Bad input
 
 TEST_F(SoNucleobaseTest, NoBaseIsAnEmptyNodeThatAnswersSentinels)
