@@ -14,10 +14,12 @@
 #include <ScreenshotDialog.h>
 #include <SoArrow.h>
 #include <SoBirod.h>
+#include <SoDNA.h>
 #include <SoFrame.h>
 #include <SoGeneralScene.h>
 #include <SoMarker.h>
 #include <SoMeshShape.h>
+#include <SoNucleobase.h>
 #include <SoQtGeneralViewer.h>
 #include <SoQtGeneralViewerDialog.h>
 #include <SoRod.h>
@@ -31,6 +33,7 @@
 #include <biarc/Tube.h>
 #include <biarc/Vector3.h>
 #include <global.h>
+#include <idealbases.h>
 
 int main()
 {

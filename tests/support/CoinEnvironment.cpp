@@ -8,9 +8,11 @@
 #include <OffscreenContext.h>
 #include <SoArrow.h>
 #include <SoBirod.h>
+#include <SoDNA.h>
 #include <SoFrame.h>
 #include <SoMarker.h>
 #include <SoMeshShape.h>
+#include <SoNucleobase.h>
 #include <SoRod.h>
 
 #include "MeshShape.h"
@@ -28,6 +30,8 @@ void initCoinOnce()
         SoArrow::initClass();
         SoFrame::initClass();
         SoMarker::initClass();
+        SoNucleobase::initClass();
+        SoDNA::initClass();
         MeshShape::initClass();
         return true;
     }();

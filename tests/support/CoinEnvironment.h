@@ -4,9 +4,9 @@
 
 #include <gtest/gtest.h>
 
-/// Initialises Coin, its off-screen contexts and the nodes of rods, birods and glyphs,
-/// once per program. Not done before a test asks for it: what happens without it is
-/// tested too, in processes of its own.
+/// Initialises Coin, its off-screen contexts and the nodes of rods and DNA, once per program.
+/// Not done before a test asks for it: what happens without it is tested too, in
+/// processes of its own.
 void initCoinOnce();
 
 /// The base of the test suites that use nodes.

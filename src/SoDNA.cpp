@@ -1,0 +1,302 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <SoDNA.h>
+
+#include <cmath>
+
+#include <Inventor/actions/SoGLRenderAction.h>
+#include <Inventor/misc/SoState.h>
+#include <Inventor/nodes/SoCube.h>
+#include <Inventor/nodes/SoMaterial.h>
+#include <Inventor/nodes/SoSwitch.h>
+#include <Inventor/nodes/SoTransform.h>
+#include <Inventor/nodes/SoTranslation.h>
+
+#include <detail/DnaDrawing.h>
+#include <detail/GLVertexState.h>
+#include <detail/overallColour.h>
+#include <global.h>
+
+using Vector = algebra3d::Vector3<double>;
+using Rotation = algebra3d::Quaternion<double>;
+
+SO_NODE_SOURCE(SoDNA);
+
+const double SoDNA::COLOUR_BP_DEF[3] = {1, 1, 1};
+
+namespace {
+
+// How far the norm of an orientation may be from 1.
+const double ROTATION_TOLERANCE = 0.01;
+
+template <typename Node>
+Node* makeReferenced()
+{
+    auto* node = new Node;
+    node->ref();
+    return node;
+}
+
+// Both count the scalar last.
+SbRotation toSbRotation(const Rotation& q)
+{
+    return SbRotation(float(q[0]), float(q[1]), float(q[2]), float(q[3]));
+}
+
+// Appends a new separator of a new, referenced transform and what it places.
+SoTransform* addPlaced(SoGroup* group, const Vector& place, const Rotation& rotation,
+                       SoNode* placed)
+{
+    auto* transform = makeReferenced<SoTransform>();
+    transform->translation = toSbVec3f(place);
+    transform->rotation = toSbRotation(rotation);
+    auto* separator = new SoSeparator;
+    separator->addChild(transform);
+    separator->addChild(placed);
+    group->addChild(separator);
+    return transform;
+}
+
+} // namespace
+
+void SoDNA::initClass() { SO_NODE_INIT_CLASS(SoDNA, SoSeparator, "SoSeparator"); }
+
+SoDNA::SoDNA() : drawing(std::make_unique<DnaDrawing>())
+{
+    SO_NODE_CONSTRUCTOR(SoDNA);
+    const Vector white(COLOUR_BP_DEF);
+    bpMaterial = createMaterial(white, white, Vector());
+    bpMaterial->ref();
+    for (int i = 0; i < 4; ++i) {
+        strand1Bases[i] = new SoNucleobase(SoNucleobase::getBase(i), true);
+        strand1Bases[i]->ref();
+        strand2Bases[i] = new SoNucleobase(SoNucleobase::getBase(i), false);
+        strand2Bases[i]->ref();
+    }
+    createBP();
+    bpSwitch = makeReferenced<SoSwitch>();
+    bpSwitch->whichChild = SO_SWITCH_ALL;
+    addChild(bpSwitch);
+    basesGroup = makeReferenced<SoSeparator>();
+    addChild(basesGroup);
+}
+
+SoDNA::~SoDNA()
+{
+    clear();
+    bpMaterial->unref();
+    forEachBase([](SoNucleobase* base) { base->unref(); });
+    bpGroup->unref();
+    bpBox->unref();
+    bpSwitch->unref();
+    basesGroup->unref();
+}
+
+// The pair box: centred on the pair's axis in y, as long as both bases of any pair.
+void SoDNA::createBP()
+{
+    double xMin, xMax, yMin, yMax;
+    SoNucleobase::getAllBasesBB(xMin, xMax, yMin, yMax);
+    auto* translation = new SoTranslation;
+    translation->translation.setValue(float((xMin + xMax) / 2), 0, 0);
+    bpBox = makeReferenced<SoCube>();
+    bpBox->width = float(xMax - xMin);
+    bpBox->height = float(2 * yMax);
+    bpBox->depth = float(strand1Bases[0]->getBoxHeight());
+    bpGroup = makeReferenced<SoSeparator>();
+    bpGroup->addChild(bpMaterial);
+    bpGroup->addChild(translation);
+    bpGroup->addChild(bpBox);
+}
+
+template <typename Action>
+void SoDNA::forEachBase(Action action)
+{
+    for (SoNucleobase* base : strand1Bases)
+        action(base);
+    for (SoNucleobase* base : strand2Bases)
+        action(base);
+}
+
+// Data
+
+bool SoDNA::setData(const std::string& newSequence, const Vectors& newRAvg,
+                    const Quaternions& newQAvg, const Vectors& newR1, const Quaternions& newQ1,
+                    const Vectors& newR2, const Quaternions& newQ2)
+{
+    sequence = newSequence;
+    rAvg = newRAvg;
+    qAvg = newQAvg;
+    r1 = newR1;
+    q1 = newQ1;
+    r2 = newR2;
+    q2 = newQ2;
+    return checkData();
+}
+
+bool SoDNA::checkData()
+{
+    const std::size_t n = sequence.size();
+    if (rAvg.size() == n && qAvg.size() == n && r1.size() == n && q1.size() == n &&
+        r2.size() == n && q2.size() == n && isSequenceCorrect(sequence) == 0 &&
+        isDataCorrect(rAvg, qAvg, ROTATION_TOLERANCE) &&
+        isDataCorrect(r1, q1, ROTATION_TOLERANCE) && isDataCorrect(r2, q2, ROTATION_TOLERANCE))
+        return true;
+    sequence.clear();
+    rAvg.clear();
+    qAvg.clear();
+    r1.clear();
+    q1.clear();
+    r2.clear();
+    q2.clear();
+    return false;
+}
+
+int SoDNA::isSequenceCorrect(std::string letters)
+{
+    for (std::size_t i = 0; i < letters.size(); ++i) {
+        if (!SoNucleobase::isBaseCorrect(letters[i]))
+            return int(i) + 1;
+    }
+    return 0;
+}
+
+void SoDNA::generate()
+{
+    // One notification in the end instead of several per pair.
+    const SbBool notified = enableNotify(FALSE);
+    clear();
+    const std::size_t n = rAvg.size();
+    avgTransforms.resize(n);
+    strand1Transforms.resize(n);
+    strand2Transforms.resize(n);
+    for (std::size_t i = 0; i < n; ++i) {
+        const int base = SoNucleobase::getBaseIndex(sequence[i]);
+        const int complement = SoNucleobase::getComplementIndex(base);
+        avgTransforms[i] = addPlaced(bpSwitch, rAvg[i], qAvg[i], bpGroup);
+        strand1Transforms[i] = addPlaced(basesGroup, r1[i], q1[i], strand1Bases[base]);
+        strand2Transforms[i] = addPlaced(basesGroup, r2[i], q2[i], strand2Bases[complement]);
+    }
+    enableNotify(notified);
+    touch();
+}
+
+void SoDNA::clear()
+{
+    bpSwitch->removeAllChildren();
+    basesGroup->removeAllChildren();
+    for (auto* transforms : {&avgTransforms, &strand1Transforms, &strand2Transforms}) {
+        for (SoTransform* transform : *transforms)
+            transform->unref();
+        transforms->clear();
+    }
+}
+
+const std::string& SoDNA::getSequence() const { return sequence; }
+
+const SoDNA::Vectors& SoDNA::getRAvg() const { return rAvg; }
+
+const SoDNA::Quaternions& SoDNA::getQAvg() const { return qAvg; }
+
+const SoDNA::Vectors& SoDNA::getR1() const { return r1; }
+
+const SoDNA::Quaternions& SoDNA::getQ1() const { return q1; }
+
+const SoDNA::Vectors& SoDNA::getR2() const { return r2; }
+
+const SoDNA::Quaternions& SoDNA::getQ2() const { return q2; }
+
+int SoDNA::getNumBP() const { return int(sequence.size()); }
+
+// Bases
+
+void SoDNA::setAtomColour(Atom atom, Vector colour)
+{
+    forEachBase([&](SoNucleobase* base) { base->setAtomColour(atom, colour); });
+}
+
+Vector SoDNA::getAtomColour(Atom atom) const { return strand1Bases[0]->getAtomColour(atom); }
+
+void SoDNA::setAtomRadius(Atom atom, double radius)
+{
+    forEachBase([&](SoNucleobase* base) { base->setAtomRadius(atom, radius); });
+}
+
+double SoDNA::getAtomRadius(Atom atom) const { return strand1Bases[0]->getAtomRadius(atom); }
+
+void SoDNA::setAtomComplexity(double complexity)
+{
+    forEachBase([&](SoNucleobase* base) { base->setAtomComplexity(complexity); });
+}
+
+double SoDNA::getAtomComplexity() const { return strand1Bases[0]->getAtomComplexity(); }
+
+void SoDNA::showAtoms(bool show)
+{
+    forEachBase([&](SoNucleobase* base) { base->showAtoms(show); });
+}
+
+bool SoDNA::areAtomsShown() const { return strand1Bases[0]->areAtomsShown(); }
+
+void SoDNA::showBaseBoxes(bool show)
+{
+    forEachBase([&](SoNucleobase* base) { base->showBox(show); });
+}
+
+bool SoDNA::areBaseBoxesShown() const { return strand1Bases[0]->isBoxShown(); }
+
+void SoDNA::setSmallerPyr(bool smaller)
+{
+    forEachBase([&](SoNucleobase* base) { base->setSmallerPyr(smaller); });
+}
+
+bool SoDNA::isPyrSmaller() const { return strand1Bases[0]->isPyrSmaller(); }
+
+void SoDNA::setBaseColour(char base, Vector colour)
+{
+    const int index = SoNucleobase::getBaseIndex(base);
+    if (index < 0)
+        return;
+    strand1Bases[index]->setBoxColour(colour);
+    strand2Bases[index]->setBoxColour(colour);
+}
+
+Vector SoDNA::getBaseColour(char base) const
+{
+    const int index = SoNucleobase::getBaseIndex(base);
+    return index < 0 ? noColour() : strand1Bases[index]->getBoxColour();
+}
+
+// Pair boxes
+
+void SoDNA::setBoxHeight(double height)
+{
+    bpBox->depth = float(std::abs(height));
+    forEachBase([&](SoNucleobase* base) { base->setBoxHeight(height); });
+}
+
+double SoDNA::getBoxHeight() const { return bpBox->depth.getValue(); }
+
+void SoDNA::setBasepairColour(Vector colour) { setOverallColour(bpMaterial, colour); }
+
+Vector SoDNA::getBasepairColour() const { return getOverallColour(bpMaterial); }
+
+void SoDNA::showBasePairBoxes(bool show)
+{
+    bpSwitch->whichChild = show ? SO_SWITCH_ALL : SO_SWITCH_NONE;
+}
+
+bool SoDNA::areBasePairBoxesShown() const
+{
+    return bpSwitch->whichChild.getValue() == SO_SWITCH_ALL;
+}
+
+void SoDNA::GLRenderBelowPath(SoGLRenderAction* action)
+{
+    SoState* const state = action->getState();
+    state->push();
+    // A list being recorded is for other views, too.
+    const bool outOfView = !state->isCacheOpen() && cullTest(state);
+    state->pop();
+    if (!outOfView && !drawing->draw(action, this, bpSwitch, basesGroup))
+        SoSeparator::GLRenderBelowPath(action);
+}

@@ -1,0 +1,141 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_SODNA_H
+#define STRANDVIEW_SODNA_H
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <Inventor/nodes/SoSeparator.h>
+#include <Inventor/nodes/SoSubNode.h>
+
+#include <SoNucleobase.h>
+#include <StrandviewExport.h>
+#include <algebra3d/Quaternion.h>
+#include <algebra3d/Vector3.h>
+
+class DnaDrawing;
+class SoCube;
+class SoMaterial;
+class SoSwitch;
+class SoTransform;
+
+/// A DNA double strand as a stack of base pairs, in ångström: per pair a box in the pair's
+/// average frame, and the two nucleobases, each in its own frame.
+///
+/// Its children are a switch with one separator per pair for the boxes, and a separator with
+/// two separators per pair for the bases, strand 1 first. Each of them holds a transform and
+/// what is placed by it: the one pair box, or one of eight nucleobases, the four of strand 1
+/// upright, those of strand 2 mirrored. All pairs share these nine, so a change of one shows
+/// at every pair at once. The sequence is that of strand 1; strand 2 has the complements.
+///
+/// setData() stores and checks, generate() builds. Refused data empties what is stored and
+/// leaves the picture as it was until the next generate(). Backbones are not part of a DNA.
+class STRANDVIEW_EXPORT SoDNA : public SoSeparator
+{
+    SO_NODE_HEADER(SoDNA);
+
+public:
+    using Vectors = std::vector<algebra3d::Vector3<double>>;
+    using Quaternions = std::vector<algebra3d::Quaternion<double>>;
+    using Atom = SoNucleobase::Atom;
+
+    static void initClass();
+
+    /// A DNA without pairs.
+    SoDNA();
+
+    // Data
+
+    /// Copies one letter of ATGC per pair, and per pair position and unit quaternion (within
+    /// 0.01) of the average frame and of the bases of strand 1 and 2. Returns whether they
+    /// are correct; see checkData(). The graph stays as it is until generate().
+    bool setData(const std::string& sequence, const Vectors& rAvg, const Quaternions& qAvg,
+                 const Vectors& r1, const Quaternions& q1, const Vectors& r2,
+                 const Quaternions& q2);
+    /// Rebuilds the pairs from the stored data, in time linear in their number.
+    void generate();
+
+    const std::string& getSequence() const;
+    const Vectors& getRAvg() const;
+    const Quaternions& getQAvg() const;
+    const Vectors& getR1() const;
+    const Quaternions& getQ1() const;
+    const Vectors& getR2() const;
+    const Quaternions& getQ2() const;
+    int getNumBP() const;
+
+    /// 0 if every letter is one of ATGC, upper case; otherwise the place of the first one that
+    /// is not, counted from 1. Zero means correct, whatever the name says.
+    static int isSequenceCorrect(std::string sequence);
+
+    // Bases: of all pairs and both strands. Getters read adenine of strand 1. What is invalid
+    // is ignored, and answered with -1, (-1, -1, -1) or false.
+
+    void setAtomColour(Atom atom, algebra3d::Vector3<double> colour);
+    algebra3d::Vector3<double> getAtomColour(Atom atom) const;
+    void setAtomRadius(Atom atom, double radius);
+    double getAtomRadius(Atom atom) const;
+    void setAtomComplexity(double complexity);
+    double getAtomComplexity() const;
+    void showAtoms(bool show);
+    bool areAtomsShown() const;
+    void showBaseBoxes(bool show);
+    bool areBaseBoxesShown() const;
+    void setSmallerPyr(bool smaller);
+    bool isPyrSmaller() const;
+    /// The box colour of the base with that letter, upper case, in both strands.
+    void setBaseColour(char base, algebra3d::Vector3<double> colour);
+    algebra3d::Vector3<double> getBaseColour(char base) const;
+
+    // Pair boxes
+
+    /// The thickness of the pair boxes and of all base boxes; stores the absolute value.
+    void setBoxHeight(double height);
+    double getBoxHeight() const;
+    void setBasepairColour(algebra3d::Vector3<double> colour);
+    algebra3d::Vector3<double> getBasepairColour() const;
+    void showBasePairBoxes(bool show);
+    bool areBasePairBoxesShown() const;
+
+    static const double COLOUR_BP_DEF[3];
+
+    /// Draws the pairs from buffers where the graph and the state allow it, and traverses the
+    /// graph elsewhere; see docs/architecture.md.
+    void GLRenderBelowPath(SoGLRenderAction* action) override;
+
+protected:
+    ~SoDNA() override;
+    /// As many frames of each kind as letters, all letters correct and all quaternions too
+    /// (isDataCorrect: a single pair's are not examined). Otherwise false, and all stored data
+    /// is emptied.
+    bool checkData();
+    /// Removes the pairs; what they share stays.
+    void clear();
+
+private:
+    void createBP();
+    template <typename Action>
+    void forEachBase(Action action);
+
+    SoMaterial* bpMaterial;
+    SoNucleobase* strand1Bases[4];
+    SoNucleobase* strand2Bases[4];
+    SoCube* bpBox;
+    SoSeparator* bpGroup;
+    std::string sequence;
+    Vectors rAvg;
+    Quaternions qAvg;
+    Vectors r1;
+    Quaternions q1;
+    Vectors r2;
+    Quaternions q2;
+    std::vector<SoTransform*> avgTransforms;
+    std::vector<SoTransform*> strand1Transforms;
+    std::vector<SoTransform*> strand2Transforms;
+    SoSwitch* bpSwitch;
+    SoSeparator* basesGroup;
+    std::unique_ptr<DnaDrawing> drawing;
+};
+
+#endif

@@ -1,0 +1,597 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// A DNA that draws from buffers looks like its graph traversed. The graph's two groups under
+// a plain separator are what it is compared with.
+#include <SoDNA.h>
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <memory>
+#include <ostream>
+
+#include <GL/gl.h>
+#include <Inventor/SoOffscreenRenderer.h>
+#include <Inventor/nodes/SoComplexity.h>
+#include <Inventor/nodes/SoCube.h>
+#include <Inventor/nodes/SoDirectionalLight.h>
+#include <Inventor/nodes/SoDrawStyle.h>
+#include <Inventor/nodes/SoLightModel.h>
+#include <Inventor/nodes/SoMaterial.h>
+#include <Inventor/nodes/SoMaterialBinding.h>
+#include <Inventor/nodes/SoPerspectiveCamera.h>
+#include <Inventor/nodes/SoRotationXYZ.h>
+#include <Inventor/nodes/SoScale.h>
+#include <Inventor/nodes/SoSwitch.h>
+#include <Inventor/nodes/SoTexture2.h>
+#include <Inventor/nodes/SoTransform.h>
+#include <Inventor/nodes/SoTranslation.h>
+#include <SoGeneralScene.h>
+#include <dlfcn.h>
+
+#include "support/CoinEnvironment.h"
+#include "support/IdealDna.h"
+#include "support/graph.h"
+
+using Vector = algebra3d::Vector3<double>;
+
+// The program's own glDrawArrays and glDrawElements, which count: Coin draws in immediate
+// mode.
+
+namespace {
+int drawCount = 0;
+}
+
+#define REAL(function) reinterpret_cast<decltype(&function)>(dlsym(RTLD_NEXT, #function))
+
+extern "C" __attribute__((visibility("default"))) void glDrawArrays(GLenum mode, GLint first,
+                                                                    GLsizei count)
+{
+    static const auto real = REAL(glDrawArrays);
+    ++drawCount;
+    real(mode, first, count);
+}
+
+extern "C" __attribute__((visibility("default"))) void
+glDrawElements(GLenum mode, GLsizei count, GLenum type, const void* indices)
+{
+    static const auto real = REAL(glDrawElements);
+    ++drawCount;
+    real(mode, count, type, indices);
+}
+
+namespace {
+
+const int SIZE = 200;
+
+struct Difference
+{
+    int pixels = 0; // that differ at all
+    int largest = 0;
+    int strong = 0;  // that differ by more than one level of 255
+    int covered = 0; // that are not background
+};
+
+std::ostream& operator<<(std::ostream& stream, const Difference& difference)
+{
+    return stream << difference.pixels << " of " << difference.covered << " pixels, "
+                  << difference.strong << " by more than one level, at most by "
+                  << difference.largest;
+}
+
+using Bytes = std::vector<unsigned char>;
+
+Bytes render(SoOffscreenRenderer& renderer, SoNode* scene)
+{
+    renderer.setBackgroundColor(SbColor(0, 0, 0));
+    if (!renderer.render(scene))
+        return {};
+    return Bytes(renderer.getBuffer(), renderer.getBuffer() + 3 * SIZE * SIZE);
+}
+
+Difference compare(const Bytes& a, const Bytes& b)
+{
+    Difference result;
+    EXPECT_EQ(a.size(), std::size_t(3 * SIZE * SIZE));
+    EXPECT_EQ(b.size(), a.size());
+    for (std::size_t i = 0; i + 2 < std::min(a.size(), b.size()); i += 3) {
+        int largest = 0, brightest = 0;
+        for (std::size_t k = i; k < i + 3; ++k) {
+            largest = std::max(largest, std::abs(int(a[k]) - int(b[k])));
+            brightest = std::max({brightest, int(a[k]), int(b[k])});
+        }
+        result.pixels += largest > 0;
+        result.strong += largest > 1;
+        result.covered += brightest > 0;
+        result.largest = std::max(result.largest, largest);
+    }
+    return result;
+}
+
+} // namespace
+
+class DnaDrawingTest : public CoinTest
+{
+protected:
+    static void SetUpTestSuite()
+    {
+        CoinTest::SetUpTestSuite();
+        if (SoGeneralScene::getClassTypeId().isBad())
+            SoGeneralScene::initClass();
+    }
+
+    NodeRef<SoSeparator> scene{new SoSeparator};
+    SoPerspectiveCamera* camera = new SoPerspectiveCamera;
+    SoGroup* settings = new SoGroup;      // for what a test puts before the DNA
+    SoSeparator* place = new SoSeparator; // of the DNA, or of its groups
+    NodeRef<SoDNA> dna{new SoDNA};
+    NodeRef<SoSeparator> plain{new SoSeparator};
+    std::unique_ptr<SoOffscreenRenderer> renderer =
+        std::make_unique<SoOffscreenRenderer>(SbViewportRegion(SIZE, SIZE));
+
+    void SetUp() override
+    {
+        // Lists divide quadrilaterals otherwise than immediate mode: where boxes are coplanar,
+        // Coin's traversal differs from itself once it has made some.
+        SoSeparator::setNumRenderCaches(0);
+        camera->position = SbVec3f(30, 20, 40);
+        camera->pointAt(SbVec3f(0, 0, 12), SbVec3f(0, 0, 1));
+        camera->nearDistance = 10;
+        camera->farDistance = 100;
+        scene->renderCaching = SoSeparator::OFF;
+        scene->addChild(camera);
+        auto* light = new SoDirectionalLight;
+        light->direction = SbVec3f(-0.3f, -0.5f, -0.8f);
+        scene->addChild(light);
+        scene->addChild(settings);
+        scene->addChild(place);
+        place->addChild(dna);
+        ASSERT_TRUE(IdealDna("ATGCCATG").give(*dna));
+        dna->generate();
+        plain->addChild(dna->getChild(0));
+        plain->addChild(dna->getChild(1));
+    }
+
+    void TearDown() override { SoSeparator::setNumRenderCaches(initialCaches); }
+
+    const int initialCaches = SoSeparator::getNumRenderCaches();
+
+    void setUnlit()
+    {
+        auto* model = new SoLightModel;
+        model->model = SoLightModel::BASE_COLOR;
+        settings->addChild(model);
+    }
+    void lookFrom(int side)
+    {
+        const float angle = 0.7f * float(side);
+        camera->position =
+            SbVec3f(30 * std::cos(angle), 30 * std::sin(angle), 2 * float(side) - 10);
+        camera->pointAt(SbVec3f(0, 0, 12), SbVec3f(0, 0, 1));
+    }
+    SoGroup* group(int which) { return static_cast<SoGroup*>(dna->getChild(which)); }
+    SoGroup* pair(int which, int i) { return static_cast<SoGroup*>(group(which)->getChild(i)); }
+    SoTransform* transform(int which, int i)
+    {
+        return static_cast<SoTransform*>(pair(which, i)->getChild(0));
+    }
+    SoGroup* bpGroup() { return static_cast<SoGroup*>(pair(0, 0)->getChild(1)); }
+    SoCube* cube() { return static_cast<SoCube*>(bpGroup()->getChild(2)); }
+
+    Bytes draw()
+    {
+        place->replaceChild(0, static_cast<SoNode*>(dna));
+        return render(*renderer, scene);
+    }
+    Bytes traverse()
+    {
+        place->replaceChild(0, static_cast<SoNode*>(plain));
+        drawCount = 0;
+        Bytes picture = render(*renderer, scene);
+        EXPECT_EQ(drawCount, 0);
+        return picture;
+    }
+
+    // Both pictures are the same, and the DNA drew from its buffers, or did not.
+    void expectSame(bool fromBuffers = true)
+    {
+        drawCount = 0;
+        const Bytes drawn = draw();
+        EXPECT_EQ(drawCount > 0, fromBuffers);
+        const Difference difference = compare(drawn, traverse());
+        EXPECT_EQ(difference.pixels, 0) << difference;
+        EXPECT_GT(difference.covered, 500);
+    }
+};
+
+// What is exact: no vertex is computed otherwise
+
+TEST_F(DnaDrawingTest, UnlitBoxesAreThoseTraversedPixelForPixel)
+{
+    setUnlit();
+    dna->showAtoms(false);
+    expectSame();
+    dna->showBaseBoxes(true); // coplanar with the pair boxes
+    expectSame();
+}
+
+TEST_F(DnaDrawingTest, BoxesAreThoseThatCoinKeepsInListsUnlessCoplanar)
+{
+    SoSeparator::setNumRenderCaches(2);
+    setUnlit();
+    dna->showAtoms(false);
+    dna->showBaseBoxes(true);
+    cube()->width = 4;
+    cube()->height = 8;
+    cube()->depth = 2;
+    for (int frame = 0; frame < 8; ++frame) // often enough for Coin to make them
+        expectSame();
+}
+
+TEST_F(DnaDrawingTest, UnderTheProgramsOfTheSceneBoxesAreThoseTraversed)
+{
+    dna->showAtoms(false);
+    dna->showBaseBoxes(true);
+    NodeRef<SoSeparator> root(new SoSeparator);
+    root->addChild(camera);
+    auto* shaded = new SoGeneralScene;
+    root->addChild(shaded);
+    shaded->addShaded(place);
+    place->replaceChild(0, static_cast<SoNode*>(dna));
+    drawCount = 0;
+    const Bytes drawn = render(*renderer, root);
+    EXPECT_GT(drawCount, 0);
+    place->replaceChild(0, static_cast<SoNode*>(plain));
+    const Difference difference = compare(drawn, render(*renderer, root));
+    EXPECT_EQ(difference.pixels, 0) << difference;
+    EXPECT_GT(difference.covered, 500);
+}
+
+// What is rounded otherwise
+
+// OpenGL lights with an ambient colour of eight bits here, and of a float there.
+TEST_F(DnaDrawingTest, LitBoxesAreThoseTraversedWithinOneLevel)
+{
+    dna->showAtoms(false);
+    dna->showBaseBoxes(true);
+    const Bytes drawn = draw();
+    const Difference difference = compare(drawn, traverse());
+    EXPECT_EQ(difference.strong, 0) << difference;
+    EXPECT_LE(difference.largest, 1) << difference;
+    dna->setBaseColour('G', Vector(0.2, 0.6, 0)); // of whole levels, as the others nearly are
+    dna->setBaseColour('C', Vector(1, 0.8, 0));
+    expectSame();
+}
+
+// A vertex is off by a few roundings of float, a hundred-thousandth of a pixel. One pixel in
+// thousands then is the other side of a rounding to eight bits, or of an edge.
+TEST_F(DnaDrawingTest, AtomsAreThoseTraversedButForAFewPixels)
+{
+    for (bool lit : {true, false}) {
+        if (!lit)
+            setUnlit();
+        for (int side = 0; side < 6; ++side) {
+            lookFrom(side);
+            const Bytes drawn = draw();
+            const Difference difference = compare(drawn, traverse());
+            EXPECT_LE(difference.pixels, 8) << difference;
+            EXPECT_LE(difference.strong, 2) << difference;
+            EXPECT_GT(difference.covered, 5000);
+        }
+    }
+}
+
+// Counts
+
+TEST_F(DnaDrawingTest, EachBoxAndTheSpheresOfEachBaseAreOneDraw)
+{
+    const auto draws = [this] {
+        drawCount = 0;
+        draw();
+        return drawCount;
+    };
+    EXPECT_EQ(draws(), 8 + 16);
+    dna->showBaseBoxes(true);
+    EXPECT_EQ(draws(), 8 + 16 + 16);
+    dna->showAtoms(false);
+    EXPECT_EQ(draws(), 8 + 16);
+    dna->showBasePairBoxes(false);
+    EXPECT_EQ(draws(), 16);
+    dna->showBaseBoxes(false);
+    EXPECT_EQ(draws(), 0);
+}
+
+TEST_F(DnaDrawingTest, OutOfViewNothingIsDrawn)
+{
+    boxOf(dna); // Coin has the box then
+    camera->pointAt(SbVec3f(60, 40, 80));
+    drawCount = 0;
+    EXPECT_EQ(compare(draw(), draw()).covered, 0);
+    EXPECT_EQ(drawCount, 0);
+}
+
+// What is not drawn from buffers is traversed
+
+struct Setting
+{
+    const char* name;
+    std::function<SoNode*()> make;
+};
+
+void PrintTo(const Setting& setting, std::ostream* stream) { *stream << setting.name; }
+
+class DnaDrawingFallback : public DnaDrawingTest, public testing::WithParamInterface<Setting>
+{
+};
+
+TEST_P(DnaDrawingFallback, IsTraversed)
+{
+    settings->addChild(GetParam().make());
+    expectSame(false);
+    settings->removeAllChildren();
+    drawCount = 0;
+    draw();
+    EXPECT_GT(drawCount, 0);
+}
+
+namespace {
+
+template <typename Node, typename Value>
+std::function<SoNode*()> make(Value Node::*field, int value, bool override = false)
+{
+    return [=] {
+        auto* node = new Node;
+        (node->*field).setValue(value);
+        node->setOverride(override);
+        return node;
+    };
+}
+
+SoNode* makeTransparentOverride()
+{
+    auto* material = new SoMaterial;
+    material->transparency = 0.5f;
+    material->setOverride(TRUE);
+    return material;
+}
+
+SoNode* makeTexture()
+{
+    auto* texture = new SoTexture2;
+    const unsigned char pixels[12] = {255, 0, 0, 0, 255, 0, 0, 0, 255, 255, 255, 0};
+    texture->image.setValue(SbVec2s(2, 2), 3, pixels);
+    return texture;
+}
+
+} // namespace
+
+INSTANTIATE_TEST_SUITE_P(
+    Settings, DnaDrawingFallback,
+    testing::Values(Setting{"Lines", make(&SoDrawStyle::style, SoDrawStyle::LINES)},
+                    Setting{"Points", make(&SoDrawStyle::style, SoDrawStyle::POINTS)},
+                    Setting{"BoundingBoxes", make(&SoComplexity::type, SoComplexity::BOUNDING_BOX)},
+                    Setting{"OverriddenComplexity",
+                            make(&SoComplexity::type, SoComplexity::SCREEN_SPACE, true)},
+                    Setting{"OverriddenTransparency", makeTransparentOverride},
+                    Setting{"MaterialPerPart",
+                            make(&SoMaterialBinding::value, SoMaterialBinding::PER_PART)},
+                    Setting{"Texture", makeTexture}),
+    testing::PrintToStringParamName());
+
+// Changes show in the next picture
+
+struct Change
+{
+    const char* name;
+    std::function<void(SoDNA*)> apply;
+    bool drawnFromBuffers = true;
+};
+
+void PrintTo(const Change& change, std::ostream* stream) { *stream << change.name; }
+
+class DnaDrawingChange : public DnaDrawingTest, public testing::WithParamInterface<Change>
+{
+};
+
+TEST_P(DnaDrawingChange, ShowsInTheNextPicture)
+{
+    setUnlit();
+    for (int kind = 0; kind < 3; ++kind)
+        dna->setAtomRadius(SoNucleobase::Atom(kind), 0.9);
+    dna->showBaseBoxes(true);
+    const Bytes first = draw();
+    GetParam().apply(dna);
+    drawCount = 0;
+    const Bytes drawn = draw();
+    EXPECT_EQ(drawCount > 0, GetParam().drawnFromBuffers);
+    EXPECT_GT(compare(first, drawn).strong, 20);
+    const Difference difference = compare(drawn, traverse());
+    EXPECT_LE(difference.pixels, 2) << difference; // as for atoms, unlit
+}
+
+namespace {
+
+SoGroup* childGroup(SoNode* node, int index)
+{
+    return static_cast<SoGroup*>(static_cast<SoGroup*>(node)->getChild(index));
+}
+
+SoNode* firstBase(SoDNA* dna) { return childGroup(childGroup(childGroup(dna, 1), 0), 1); }
+
+SoTransform* transformOf(SoDNA* dna, int which, int i)
+{
+    return static_cast<SoTransform*>(childGroup(childGroup(dna, which), i)->getChild(0));
+}
+
+SoNode* makeTranslation()
+{
+    auto* translation = new SoTranslation;
+    translation->translation = SbVec3f(3, 2, 1);
+    return translation;
+}
+
+} // namespace
+
+INSTANTIATE_TEST_SUITE_P(
+    Changes, DnaDrawingChange,
+    testing::Values(
+        Change{"AtomColour",
+               [](SoDNA* dna) { dna->setAtomColour(SoNucleobase::CARBON, Vector(0, 1, 0)); }},
+        Change{"AtomRadius", [](SoDNA* dna) { dna->setAtomRadius(SoNucleobase::CARBON, 2); }},
+        Change{"AtomComplexity", [](SoDNA* dna) { dna->setAtomComplexity(0); }},
+        Change{"NoComplexity",
+               [](SoDNA* dna) { dna->setAtomComplexity(std::numeric_limits<double>::quiet_NaN()); },
+               false},
+        Change{"NoPairBoxes",
+               [](SoDNA* dna) {
+                   dna->showBaseBoxes(false);
+                   dna->showBasePairBoxes(false);
+               }},
+        Change{"NoBaseBoxes", [](SoDNA* dna) { dna->showBaseBoxes(false); }},
+        Change{"SmallerPyrimidines",
+               [](SoDNA* dna) {
+                   dna->showBasePairBoxes(false);
+                   dna->setSmallerPyr(true);
+               }},
+        Change{"BaseColour", [](SoDNA* dna) { dna->setBaseColour('G', Vector(0, 1, 1)); }},
+        Change{"PairColour",
+               [](SoDNA* dna) {
+                   dna->showBaseBoxes(false);
+                   dna->setBasepairColour(Vector(0, 1, 1));
+               }},
+        Change{"BoxHeight", [](SoDNA* dna) { dna->setBoxHeight(0.3); }},
+        Change{"ATransform",
+               [](SoDNA* dna) { transformOf(dna, 1, 5)->translation = SbVec3f(9, 0, 9); }},
+        Change{"AScaledPairBox",
+               [](SoDNA* dna) { transformOf(dna, 0, 3)->scaleFactor = SbVec3f(1, 3, 1); }},
+        Change{"AnotherTransform",
+               [](SoDNA* dna) {
+                   childGroup(childGroup(dna, 1), 3)->replaceChild(0, transformOf(dna, 1, 8));
+               }},
+        Change{"FewerPairs",
+               [](SoDNA* dna) {
+                   IdealDna("GG").give(*dna);
+                   dna->generate();
+               }},
+        Change{"ARemovedBase", [](SoDNA* dna) { childGroup(dna, 1)->removeChild(4); }},
+        Change{"TranslatedBase",
+               [](SoDNA* dna) {
+                   static_cast<SoGroup*>(firstBase(dna))->insertChild(makeTranslation(), 0);
+               }},
+        Change{"ARotationInABase",
+               [](SoDNA* dna) {
+                   auto* rotation = new SoRotationXYZ;
+                   rotation->angle = 1;
+                   static_cast<SoGroup*>(firstBase(dna))->insertChild(rotation, 0);
+               },
+               false},
+        Change{"AScaleInAPair",
+               [](SoDNA* dna) {
+                   auto* scale = new SoScale;
+                   scale->scaleFactor = SbVec3f(2, 2, 2);
+                   childGroup(childGroup(dna, 1), 0)->insertChild(scale, 1);
+               },
+               false},
+        Change{
+            "ATransparentBase",
+            [](SoDNA* dna) {
+                dna->showBasePairBoxes(false);
+                static_cast<SoMaterial*>(childGroup(firstBase(dna), 1)->getChild(0))->transparency =
+                    0.5f;
+            },
+            false},
+        Change{"OneAtomOnly",
+               [](SoDNA* dna) {
+                   auto* atoms = static_cast<SoSwitch*>(childGroup(firstBase(dna), 0));
+                   atoms->whichChild = 0;
+               },
+               false}),
+    testing::PrintToStringParamName());
+
+TEST_F(DnaDrawingTest, IsDrawnFromBuffersAgainOnceTheGraphIsUnderstoodAgain)
+{
+    draw();
+    NodeRef<SoCube> extra(new SoCube);
+    pair(1, 2)->addChild(extra);
+    drawCount = 0;
+    draw();
+    EXPECT_EQ(drawCount, 0);
+    pair(1, 2)->removeChild(extra);
+    draw();
+    EXPECT_EQ(drawCount, 24);
+    dna->addChild(extra);
+    draw();
+    EXPECT_EQ(drawCount, 24);
+}
+
+// Caches and contexts
+
+TEST_F(DnaDrawingTest, IsSeenInACacheThatRecords)
+{
+    SoSeparator::setNumRenderCaches(2);
+    setUnlit();
+    place->renderCaching = SoSeparator::ON;
+    dna->showAtoms(false);
+    Bytes first = draw();
+    for (int frame = 0; frame < 4; ++frame) {
+        if (frame == 2)
+            dna->setBasepairColour(Vector(0, 1, 1));
+        drawCount = 0;
+        const Bytes next = render(*renderer, scene); // from the list, once there is one
+        EXPECT_TRUE(frame != 0 || drawCount == 0);   // recorded by traversal
+        const Difference difference = compare(first, next);
+        EXPECT_EQ(difference.pixels > 0, frame == 2) << frame << ": " << difference;
+        first = next;
+    }
+}
+
+TEST_F(DnaDrawingTest, FollowingShapesHaveTheirOwnColours)
+{
+    auto* material = new SoMaterial;
+    material->diffuseColor = SbColor(0, 1, 0);
+    scene->insertChild(material, 0); // set before, sent after the DNA
+    auto* translation = new SoTranslation;
+    translation->translation = SbVec3f(8, 0, 12);
+    scene->addChild(translation);
+    scene->addChild(new SoCube);
+    dna->showAtoms(false);
+    expectSame();
+    setUnlit();
+    dna->showAtoms(true);
+    const Bytes drawn = draw();
+    EXPECT_LE(compare(drawn, traverse()).pixels, 2);
+}
+
+TEST_F(DnaDrawingTest, EachContextHasItsBuffersAndANewOneAfterItsLoss)
+{
+    dna->showAtoms(false);
+    setUnlit();
+    const Bytes expected = draw();
+    auto other = std::make_unique<SoOffscreenRenderer>(SbViewportRegion(SIZE, SIZE));
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(compare(expected, render(*other, scene)).pixels, 0);
+        EXPECT_EQ(compare(expected, render(*renderer, scene)).pixels, 0);
+        if (i == 0)
+            renderer.reset(new SoOffscreenRenderer(SbViewportRegion(SIZE, SIZE)));
+        if (i == 1)
+            other = std::make_unique<SoOffscreenRenderer>(SbViewportRegion(SIZE, SIZE));
+    }
+    dna->setBasepairColour(Vector(1, 0, 1));
+    const Bytes changed = render(*renderer, scene);
+    EXPECT_GT(compare(expected, changed).pixels, 100);
+    EXPECT_EQ(compare(changed, render(*other, scene)).pixels, 0);
+}
+
+TEST_F(DnaDrawingTest, ADnaThatGoesLeavesTheOthersPictureAlone)
+{
+    const Bytes expected = draw();
+    for (int i = 0; i < 3; ++i) {
+        NodeRef<SoDNA> shortLived(new SoDNA);
+        ASSERT_TRUE(IdealDna("AT").give(*shortLived));
+        shortLived->generate();
+        place->addChild(shortLived);
+        EXPECT_GT(compare(expected, draw()).covered, 500);
+        place->removeChild(1);
+    }
+    EXPECT_EQ(compare(expected, draw()).pixels, 0);
+}
