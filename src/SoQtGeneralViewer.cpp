@@ -183,6 +183,10 @@ void SoQtGeneralViewer::setUpLighting()
 
 void SoQtGeneralViewer::setCameraType(SoType type)
 {
+    // SoQt takes what is no perspective camera for an orthographic one, unseen.
+    if (!type.isDerivedFrom(SoPerspectiveCamera::getClassTypeId()) &&
+        !type.isDerivedFrom(SoOrthographicCamera::getClassTypeId()))
+        return;
     SoQtViewer::setCameraType(type);
     const SoCamera* camera = getCamera();
     if (sceneRoot && camera)
