@@ -17,6 +17,7 @@
 #include <Inventor/nodes/SoPerspectiveCamera.h>
 #include <Inventor/nodes/SoSeparator.h>
 #include <QFile>
+#include <QFrame>
 #include <QGLFormat>
 #include <QMessageBox>
 
@@ -29,8 +30,7 @@
 
 // Registration asserts that it is done, and done once. Both assertions carry the line of
 // this macro, because SoQt defines both functions in it; the line is part of what hosts
-// see, so it stays the thirty-fifth of this file, and a test
-// holds it there.
+// see, so it stays the thirty-fifth of this file, and a test holds it there.
 
 SOQT_OBJECT_SOURCE(SoQtGeneralViewer);
 
@@ -311,7 +311,18 @@ void SoQtGeneralViewer::removeResizeCB(SoQtGeneralViewerResizeCB* cb) { resizeCB
 void SoQtGeneralViewer::sizeChanged(const SbVec2s& size)
 {
     SoQtFullViewer::sizeChanged(size);
+    fitGLArea();
     callAll(resizeCBs, this, size);
+}
+
+// Where a screen has several pixels for one of Qt's, SoQt 1.6.0 makes the widget that it
+// draws into so many times larger than its frame, which hides most of it.
+void SoQtGeneralViewer::fitGLArea()
+{
+    QWidget* area = getGLWidget();
+    auto* frame = area ? qobject_cast<QFrame*>(area->parentWidget()) : nullptr;
+    if (frame)
+        area->setGeometry(frame->contentsRect());
 }
 
 SbBool SoQtGeneralViewer::processSoEvent(const SoEvent* const event)

@@ -362,6 +362,27 @@ TEST_F(SoQtGeneralViewerTest, TheAntialiasingLevelReachesAViewerThatIsMadeAfterw
     EXPECT_EQ(glWidget->format().samples(), 4);
 }
 
+TEST_F(SoQtGeneralViewerTest, TheGLAreaFillsItsFrameAndCountsDevicePixels)
+{
+    const auto check = [&] {
+        EXPECT_EQ(area->geometry(), area->parentWidget()->contentsRect());
+        const int ratio = area->devicePixelRatio();
+        EXPECT_EQ(viewer->getGLSize(),
+                  SbVec2s(short(area->width() * ratio), short(area->height() * ratio)));
+        EXPECT_EQ(viewer->getViewportRegion().getViewportSizePixels(), viewer->getGLSize());
+        EXPECT_FLOAT_EQ(viewer->getGLAspectRatio(), float(area->width()) / area->height());
+        expectOnScreen(getMiddle()[0], getMiddle()[1], Qt::red);
+    };
+    check();
+    for (const bool shown : {true, false}) {
+        press(SoKeyboardEvent::RETURN);
+        EXPECT_EQ(bool(viewer->isDecoration()), shown);
+        check();
+    }
+    resizeArea(301, 203);
+    check();
+}
+
 // Keys
 
 namespace {
@@ -1118,18 +1139,11 @@ TEST_F(ViewerCallbacksTest, HearOfANewSizeInTheOrderOfTheirAddresses)
         callback(nullptr, nullptr, SbVec2s());
     EXPECT_EQ(heard.substr(heard.size() - 4), names());
 
-    viewer->sizeChanged(viewer->getGLSize());
-    EXPECT_EQ(lastViewer, viewer);
-    EXPECT_EQ(lastSize, viewer->getGLSize());
-}
-
-TEST_F(ViewerCallbacksTest, ANewSizeIsToldInTheViewersOwnUnit)
-{
-    viewer->addResizeCB(noteSize<'a'>, nullptr);
+    // The size of the whole viewer, in Qt's pixels.
     lastSize = SbVec2s(0, 0);
-    resizeArea(360, 240);
-    ASSERT_FALSE(entries.empty());
-    EXPECT_EQ(lastSize, viewer->getGLSize());
+    resizeArea(320, 200);
+    EXPECT_EQ(lastViewer, viewer);
+    EXPECT_EQ(lastSize, SbVec2s(320, 200));
 }
 
 // What is not there
