@@ -20,6 +20,7 @@
 #include <QFrame>
 #include <QGLFormat>
 #include <QMessageBox>
+#include <QResizeEvent>
 
 #include <LightingDialog.h>
 #include <OffscreenContext.h>
@@ -28,9 +29,8 @@
 
 #include "detail/ascii.h"
 
-// Registration asserts that it is done, and done once. Both assertions carry the line of
-// this macro, because SoQt defines both functions in it; the line is part of what hosts
-// see, so it stays the thirty-fifth of this file, and a test holds it there.
+// Both assertions of the registration carry the line of this macro, in which SoQt defines
+// both functions. Hosts see it, so it stays line 35 of this file; a test holds it there.
 
 SOQT_OBJECT_SOURCE(SoQtGeneralViewer);
 
@@ -75,6 +75,26 @@ void callAll(const std::map<Callback*, void*>& chain, Arguments... arguments)
     }
 }
 
+// Keeps the widget that SoQt draws into as large as its frame. SoQt 1.6.0 makes it several
+// times larger where a screen has several pixels for one of Qt's; and now and then X11's
+// late report of the size it was made with makes it as small as that again.
+class AreaFitter : public QObject
+{
+public:
+    bool eventFilter(QObject* object, QEvent* event) override
+    {
+        auto* area = static_cast<QWidget*>(object);
+        const auto* frame = qobject_cast<QFrame*>(area->parentWidget());
+        if (event->type() != QEvent::Resize || !frame)
+            return false;
+        const QRect rect = frame->contentsRect();
+        if (rect.isEmpty() || static_cast<QResizeEvent*>(event)->size() == rect.size())
+            return false;
+        area->setGeometry(rect);
+        return true;
+    }
+};
+
 QStringList writableExtensions(SoOffscreenRenderer& renderer)
 {
     QStringList extensions("ps");
@@ -94,6 +114,7 @@ QStringList writableExtensions(SoOffscreenRenderer& renderer)
 
 SoQtGeneralViewer::SoQtGeneralViewer(QWidget* parent, const char* name, SbBool embed)
     : SoQtExaminerViewer(parent, name, embed, SoQtFullViewer::BUILD_ALL, SoQtViewer::BROWSER),
+      areaFitter(std::make_unique<AreaFitter>()),
       cameraRotSteps(DEFAULT_CAMERA_ROT_STEPS)
 {
     OffscreenContext::install();
@@ -101,6 +122,7 @@ SoQtGeneralViewer::SoQtGeneralViewer(QWidget* parent, const char* name, SbBool e
     sceneWatcher.setPriority(0);
     sceneWatcher.setDeleteCallback(forgetScene, this);
 
+    getGLWidget()->installEventFilter(areaFitter.get());
     setPopupMenuEnabled(FALSE);
     setDrawStyle(SoQtViewer::INTERACTIVE, SoQtViewer::VIEW_SAME_AS_STILL);
     setFeedbackVisibility(TRUE);
@@ -311,18 +333,10 @@ void SoQtGeneralViewer::removeResizeCB(SoQtGeneralViewerResizeCB* cb) { resizeCB
 void SoQtGeneralViewer::sizeChanged(const SbVec2s& size)
 {
     SoQtFullViewer::sizeChanged(size);
-    fitGLArea();
+    // SoQt makes a new area when its format changes.
+    if (QWidget* area = getGLWidget())
+        area->installEventFilter(areaFitter.get());
     callAll(resizeCBs, this, size);
-}
-
-// Where a screen has several pixels for one of Qt's, SoQt 1.6.0 makes the widget that it
-// draws into so many times larger than its frame, which hides most of it.
-void SoQtGeneralViewer::fitGLArea()
-{
-    QWidget* area = getGLWidget();
-    auto* frame = area ? qobject_cast<QFrame*>(area->parentWidget()) : nullptr;
-    if (frame)
-        area->setGeometry(frame->contentsRect());
 }
 
 SbBool SoQtGeneralViewer::processSoEvent(const SoEvent* const event)
@@ -485,7 +499,8 @@ void SoQtGeneralViewer::renderOffscreen()
         writeScreenshot();
     else
         QMessageBox::critical(getBaseWidget(), "Screenshot failed", "Off-screen rendering failed");
-    if (screenshotDialog->isIndexUsed())
+    // It may be gone: the message boxes handle events.
+    if (screenshotDialog && screenshotDialog->isIndexUsed())
         screenshotDialog->setIndex(screenshotDialog->getIndex() + 1);
 }
 

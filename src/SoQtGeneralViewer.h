@@ -140,7 +140,6 @@ private:
     void recordScene(SoGeneralScene* scene);
     static void forgetScene(void* viewer, SoSensor* sensor);
 
-    void fitGLArea();
     KeyResult processKey(const SoEvent& event);
     void processMouseButton(const SoMouseButtonEvent& event, bool handled);
     void toggleBackground();
@@ -154,6 +153,7 @@ private:
     // The parent widget's children, which may go before the viewer.
     QPointer<ScreenshotDialog> screenshotDialog;
     QPointer<LightingDialog> lightingDialog;
+    std::unique_ptr<QObject> areaFitter;
     bool whiteBackground = false;
     int cameraRotSteps = 12;
     std::map<SoQtGeneralViewerResizeCB*, void*> resizeCBs;

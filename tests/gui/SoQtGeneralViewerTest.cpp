@@ -383,6 +383,23 @@ TEST_F(SoQtGeneralViewerTest, TheGLAreaFillsItsFrameAndCountsDevicePixels)
     check();
 }
 
+TEST_F(SoQtGeneralViewerTest, TheGLAreaIsFittedAgainWhenItsSizeIsLost)
+{
+    for (const QSize& size : {QSize(100, 30), QSize(800, 600)}) {
+        area->resize(size);
+        EXPECT_EQ(area->geometry(), area->parentWidget()->contentsRect());
+        EXPECT_EQ(area->size(), QSize(400, 300));
+    }
+    // An area that replaces it is fitted too.
+    viewer->setDoubleBuffer(FALSE);
+    viewer->setDoubleBuffer(TRUE);
+    area = qobject_cast<QGLWidget*>(viewer->getGLWidget());
+    ASSERT_TRUE(area);
+    resizeArea(320, 200);
+    area->resize(100, 30);
+    EXPECT_EQ(area->size(), QSize(320, 200));
+}
+
 // Keys
 
 namespace {

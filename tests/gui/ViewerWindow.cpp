@@ -66,12 +66,12 @@ SoMouseButtonEvent mouseEvent(SoMouseButtonEvent::Button button, SoButtonEvent::
     return event;
 }
 
-bool waitUntil(const std::function<bool()>& condition)
+bool waitUntil(const std::function<bool()>& condition, int milliseconds)
 {
     QElapsedTimer timer;
     timer.start();
     while (!condition()) {
-        if (timer.elapsed() > 10000)
+        if (timer.elapsed() > milliseconds)
             return false;
         QApplication::processEvents();
         QThread::msleep(5);
@@ -135,11 +135,13 @@ bool ViewerWindowTest::press(SoKeyboardEvent::Key key, int modifiers)
 
 void ViewerWindowTest::resizeArea(int width, int height)
 {
+    const int ratio = area->devicePixelRatio();
+    const QSize expected(width * ratio, height * ratio);
     window->resize(width, height);
-    const qreal ratio = area->devicePixelRatioF();
-    const SbVec2s expected(short(width * ratio), short(height * ratio));
     ASSERT_TRUE(waitUntil([&] {
-        return area->size() == QSize(width, height) && viewer->getGLSize() == expected;
+        const SbVec2s size = viewer->getGLSize();
+        return area->size() == QSize(width, height) && QSize(size[0], size[1]) == expected &&
+               grabArea().size() == expected;
     })) << area->width()
         << " x " << area->height() << ", in OpenGL " << viewer->getGLSize()[0] << " x "
         << viewer->getGLSize()[1];

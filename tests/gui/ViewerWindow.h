@@ -61,8 +61,8 @@ SoKeyboardEvent keyEvent(SoKeyboardEvent::Key key, int modifiers = NONE,
 SoMouseButtonEvent mouseEvent(SoMouseButtonEvent::Button button, SoButtonEvent::State state,
                               const SbVec2s& position, int modifiers = NONE);
 
-/// Handles events until a condition holds, at most 10 seconds. Whether it holds.
-bool waitUntil(const std::function<bool()>& condition);
+/// Handles events until a condition holds. Whether it holds in time.
+bool waitUntil(const std::function<bool()>& condition, int milliseconds = 10000);
 
 /// A viewer in a window of its own, on the screen, without decoration and axis cross. Its
 /// scene is a red cube from (-1, -1, -1) to (1, 1, 1), unlit, before black.
