@@ -13,6 +13,14 @@ const int LIGHT_COUNT = 3;
 
 void showValue(QLineEdit* field, double value) { field->setText(QString::number(value, 'g', 6)); }
 
+// Without a callback: the sensor is there to know whether the node still exists.
+void watch(SoNodeSensor& sensor, SoNode* node)
+{
+    sensor.setPriority(0);
+    if (node)
+        sensor.attach(node);
+}
+
 double readValue(const QLineEdit* field) { return field->text().toDouble(); }
 
 // Not std::max, which would let a typed "nan" through, and perhaps a "-0".
@@ -30,12 +38,11 @@ struct LightingDialog::LightFields
 LightingDialog::LightingDialog(QWidget* parent, SoShaderParameterArray3f* directionArray,
                                SoShaderParameterArray1f* intensityArray,
                                SoShaderParameterArray1f* shininessArray)
-    : QDialog(parent),
-      form(std::make_unique<Ui_LightingDialog>()),
-      directions(directionArray),
-      intensities(intensityArray),
-      shininess(shininessArray)
+    : QDialog(parent), form(std::make_unique<Ui_LightingDialog>())
 {
+    watch(directions, directionArray);
+    watch(intensities, intensityArray);
+    watch(shininess, shininessArray);
     form->setupUi(this);
     setModal(false);
     lights.reset(
@@ -63,9 +70,9 @@ void LightingDialog::updateGUIFromShaders()
         return;
     for (int i = 0; i < LIGHT_COUNT; ++i) {
         for (int axis = 0; axis < 3; ++axis)
-            showValue(lights[i].direction[axis], directions->value[i][axis]);
-        showValue(lights[i].intensity, intensities->value[i]);
-        showValue(lights[i].shininess, shininess->value[i]);
+            showValue(lights[i].direction[axis], getDirections()->value[i][axis]);
+        showValue(lights[i].intensity, getIntensities()->value[i]);
+        showValue(lights[i].shininess, getShininess()->value[i]);
     }
 }
 
@@ -75,16 +82,34 @@ void LightingDialog::updateShaderParameters()
         return;
     for (int i = 0; i < LIGHT_COUNT; ++i) {
         const LightFields& light = lights[i];
-        directions->value.set1Value(i, float(readValue(light.direction[0])),
-                                    float(readValue(light.direction[1])),
-                                    float(readValue(light.direction[2])));
+        getDirections()->value.set1Value(i, float(readValue(light.direction[0])),
+                                         float(readValue(light.direction[1])),
+                                         float(readValue(light.direction[2])));
     }
     for (int i = 0; i < LIGHT_COUNT; ++i)
-        intensities->value.set1Value(
+        getIntensities()->value.set1Value(
             i, float(std::min(atLeastZero(readValue(lights[i].intensity)), 1.0)));
     for (int i = 0; i < LIGHT_COUNT; ++i)
-        shininess->value.set1Value(i, float(atLeastZero(readValue(lights[i].shininess))));
+        getShininess()->value.set1Value(i, float(atLeastZero(readValue(lights[i].shininess))));
     updateGUIFromShaders();
 }
 
-bool LightingDialog::hasParameters() const { return directions && intensities && shininess; }
+SoShaderParameterArray3f* LightingDialog::getDirections() const
+{
+    return static_cast<SoShaderParameterArray3f*>(directions.getAttachedNode());
+}
+
+SoShaderParameterArray1f* LightingDialog::getIntensities() const
+{
+    return static_cast<SoShaderParameterArray1f*>(intensities.getAttachedNode());
+}
+
+SoShaderParameterArray1f* LightingDialog::getShininess() const
+{
+    return static_cast<SoShaderParameterArray1f*>(shininess.getAttachedNode());
+}
+
+bool LightingDialog::hasParameters() const
+{
+    return getDirections() && getIntensities() && getShininess();
+}

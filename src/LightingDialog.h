@@ -4,6 +4,7 @@
 
 #include <memory>
 
+#include <Inventor/sensors/SoNodeSensor.h>
 #include <QDialog>
 
 #include <StrandviewExport.h>
@@ -20,7 +21,7 @@ class STRANDVIEW_EXPORT LightingDialog : public QDialog
     Q_OBJECT
 
 public:
-    /// Not modal. With any array null the dialog stays empty and changes nothing.
+    /// Not modal. With any array null or destroyed the dialog changes nothing.
     LightingDialog(QWidget* parent, SoShaderParameterArray3f* directions,
                    SoShaderParameterArray1f* intensities, SoShaderParameterArray1f* shininess);
     ~LightingDialog() override;
@@ -29,7 +30,7 @@ public:
     void updateGUIFromShaders();
 
 public slots:
-    /// QDialog::exec(); with any array null 0 at once, and nothing is shown.
+    /// QDialog::exec(); without all three arrays 0 at once, and nothing is shown.
     int exec() override;
     /// Reads the fields into the arrays, and shows what was stored. Directions are taken
     /// as typed, not normalised; intensities are clamped to 0 to 1, shininess to 0 and
@@ -39,12 +40,16 @@ public slots:
 private:
     struct LightFields;
 
+    SoShaderParameterArray3f* getDirections() const;
+    SoShaderParameterArray1f* getIntensities() const;
+    SoShaderParameterArray1f* getShininess() const;
     bool hasParameters() const;
 
     std::unique_ptr<Ui_LightingDialog> form;
-    SoShaderParameterArray3f* directions;
-    SoShaderParameterArray1f* intensities;
-    SoShaderParameterArray1f* shininess;
+    // Attached to the arrays as long as these exist.
+    SoNodeSensor directions;
+    SoNodeSensor intensities;
+    SoNodeSensor shininess;
     std::unique_ptr<LightFields[]> lights;
 };
 

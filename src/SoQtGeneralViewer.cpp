@@ -17,8 +17,10 @@
 #include <Inventor/nodes/SoPerspectiveCamera.h>
 #include <Inventor/nodes/SoSeparator.h>
 #include <QFile>
+#include <QFrame>
 #include <QGLFormat>
 #include <QMessageBox>
+#include <QResizeEvent>
 
 #include <LightingDialog.h>
 #include <OffscreenContext.h>
@@ -27,10 +29,8 @@
 
 #include "detail/ascii.h"
 
-// Registration asserts that it is done, and done once. Both assertions carry the line of
-// this macro, because SoQt defines both functions in it; the line is part of what hosts
-// see, so it stays the thirty-fifth of this file, and a test
-// holds it there.
+// Both assertions of the registration carry the line of this macro, in which SoQt defines
+// both functions. Hosts see it, so it stays line 35 of this file; a test holds it there.
 
 SOQT_OBJECT_SOURCE(SoQtGeneralViewer);
 
@@ -75,6 +75,26 @@ void callAll(const std::map<Callback*, void*>& chain, Arguments... arguments)
     }
 }
 
+// Keeps the widget that SoQt draws into as large as its frame. SoQt 1.6.0 makes it several
+// times larger where a screen has several pixels for one of Qt's; and now and then X11's
+// late report of the size it was made with makes it as small as that again.
+class AreaFitter : public QObject
+{
+public:
+    bool eventFilter(QObject* object, QEvent* event) override
+    {
+        auto* area = static_cast<QWidget*>(object);
+        const auto* frame = qobject_cast<QFrame*>(area->parentWidget());
+        if (event->type() != QEvent::Resize || !frame)
+            return false;
+        const QRect rect = frame->contentsRect();
+        if (rect.isEmpty() || static_cast<QResizeEvent*>(event)->size() == rect.size())
+            return false;
+        area->setGeometry(rect);
+        return true;
+    }
+};
+
 QStringList writableExtensions(SoOffscreenRenderer& renderer)
 {
     QStringList extensions("ps");
@@ -94,6 +114,7 @@ QStringList writableExtensions(SoOffscreenRenderer& renderer)
 
 SoQtGeneralViewer::SoQtGeneralViewer(QWidget* parent, const char* name, SbBool embed)
     : SoQtExaminerViewer(parent, name, embed, SoQtFullViewer::BUILD_ALL, SoQtViewer::BROWSER),
+      areaFitter(std::make_unique<AreaFitter>()),
       cameraRotSteps(DEFAULT_CAMERA_ROT_STEPS)
 {
     OffscreenContext::install();
@@ -101,6 +122,7 @@ SoQtGeneralViewer::SoQtGeneralViewer(QWidget* parent, const char* name, SbBool e
     sceneWatcher.setPriority(0);
     sceneWatcher.setDeleteCallback(forgetScene, this);
 
+    getGLWidget()->installEventFilter(areaFitter.get());
     setPopupMenuEnabled(FALSE);
     setDrawStyle(SoQtViewer::INTERACTIVE, SoQtViewer::VIEW_SAME_AS_STILL);
     setFeedbackVisibility(TRUE);
@@ -183,6 +205,10 @@ void SoQtGeneralViewer::setUpLighting()
 
 void SoQtGeneralViewer::setCameraType(SoType type)
 {
+    // SoQt takes what is no perspective camera for an orthographic one, unseen.
+    if (!type.isDerivedFrom(SoPerspectiveCamera::getClassTypeId()) &&
+        !type.isDerivedFrom(SoOrthographicCamera::getClassTypeId()))
+        return;
     SoQtViewer::setCameraType(type);
     const SoCamera* camera = getCamera();
     if (sceneRoot && camera)
@@ -307,6 +333,9 @@ void SoQtGeneralViewer::removeResizeCB(SoQtGeneralViewerResizeCB* cb) { resizeCB
 void SoQtGeneralViewer::sizeChanged(const SbVec2s& size)
 {
     SoQtFullViewer::sizeChanged(size);
+    // SoQt makes a new area when its format changes.
+    if (QWidget* area = getGLWidget())
+        area->installEventFilter(areaFitter.get());
     callAll(resizeCBs, this, size);
 }
 
@@ -470,7 +499,8 @@ void SoQtGeneralViewer::renderOffscreen()
         writeScreenshot();
     else
         QMessageBox::critical(getBaseWidget(), "Screenshot failed", "Off-screen rendering failed");
-    if (screenshotDialog->isIndexUsed())
+    // It may be gone: the message boxes handle events.
+    if (screenshotDialog && screenshotDialog->isIndexUsed())
         screenshotDialog->setIndex(screenshotDialog->getIndex() + 1);
 }
 

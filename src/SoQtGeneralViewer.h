@@ -30,8 +30,8 @@ using SoQtGeneralViewerResizeCB = void(void* userData, SoQtGeneralViewer* viewer
 ///
 /// Keys, besides those of the scene (see SoGeneralScene::processSoEvent):
 ///
-///     a d w s           move the camera left, right, up, down by a tenth of the view
-///     q e               move it forward, backward by a tenth of the focal distance
+///     a d w s           move the picture left, right, up, down by a tenth of the view
+///     q e               move the camera forward, backward by a tenth of the focal distance
 ///     alt, ctrl, shift  with a and d: orbit about the horizontal, vertical, viewing axis
 ///     alt               with w and s: zoom in and out
 ///     x y z             look along -x, -y, -z; with shift, another axis up
@@ -87,8 +87,8 @@ public:
     /// Turns the camera about F: `axis` in the camera's own frame (x to the right, y up,
     /// z to the viewer), `angle` in radians.
     virtual void rotateCamera(SbVec3f axis, double angle);
-    /// Moves camera and F: x and y in parts of the view's width and height, z forward
-    /// in parts of f.
+    /// Moves camera and F: the picture goes by x and y, in parts of the view volume's
+    /// width and height, and the camera by z forward, in parts of f.
     virtual void moveCamera(const SbVec3f& v);
     /// The number of rotation key presses for a full turn.
     virtual int getNumCameraRotSteps();
@@ -126,7 +126,8 @@ public:
 
     /// Shows a graph that is no scene of ours; the recorded scene stays.
     void setSceneGraph(SoNode* root) override;
-    /// Also tells the scene's shaders whether the camera is a perspective one.
+    /// Also tells the scene's shaders whether the camera is a perspective one. Types
+    /// that are neither perspective nor orthographic change nothing.
     void setCameraType(SoType type) override;
 
 protected:
@@ -152,6 +153,7 @@ private:
     // The parent widget's children, which may go before the viewer.
     QPointer<ScreenshotDialog> screenshotDialog;
     QPointer<LightingDialog> lightingDialog;
+    std::unique_ptr<QObject> areaFitter;
     bool whiteBackground = false;
     int cameraRotSteps = 12;
     std::map<SoQtGeneralViewerResizeCB*, void*> resizeCBs;
