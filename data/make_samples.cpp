@@ -11,18 +11,28 @@
 
 namespace {
 
-/// Ten digits after the point, which is where two machines' mathematics may begin to
-/// differ, without the zeros at the end.
-std::string written(double value)
+using Vector = algebra3d::Vector3<double>;
+using Quaternion = algebra3d::Quaternion<double>;
+
+/// With so many digits after the point, without the zeros at the end.
+std::string written(double value, int digits)
 {
     char text[64];
-    std::snprintf(text, sizeof text, "%.10f", value);
+    std::snprintf(text, sizeof text, "%.*f", digits, value);
     std::string number = text;
     number.erase(number.find_last_not_of('0') + 1);
     if (number.back() == '.')
         number.pop_back();
     return number == "-0" ? "0" : number;
 }
+
+/// Ten digits after the point, which is where two machines' mathematics may begin to
+/// differ.
+std::string written(double value) { return written(value, 10); }
+
+/// Of lengths in Angstrom, and of quaternions beside them: their norms are 1 within 1e-7.
+std::string writtenShort(const Vector& point, int k) { return written(point[k], 4); }
+std::string writtenShort(const Quaternion& rotation, int k) { return written(rotation[k], 7); }
 
 void writeTable(std::ostream& out, const char* comment, const Rod& rod)
 {
@@ -38,6 +48,29 @@ void writeTable(std::ostream& out, const char* comment, const Rod& rod)
             out << (k ? " " : "") << written(rod.rotations[i][k]);
         for (const Scalar& scalar : rod.scalars)
             out << ' ' << written(scalar.values[i]);
+        out << '\n';
+    }
+}
+
+void writeDnaTable(std::ostream& out, const char* comment, const Dna& dna)
+{
+    out << "# " << comment << "\n# " << dna.bases.size()
+        << " pairs, lengths in Angstrom, made by make_samples; see README.md\nbase";
+    for (const char* strand : {"", "1", "2"})
+        for (const char* name : {"x", "y", "z", "qx", "qy", "qz", "qw"})
+            out << ' ' << name << strand;
+    out << '\n';
+    for (std::size_t i = 0; i < dna.bases.size(); ++i) {
+        const auto writeFrame = [&](const Vector& point, const Quaternion& rotation) {
+            for (int k = 0; k < 3; ++k)
+                out << ' ' << writtenShort(point, k);
+            for (int k = 0; k < 4; ++k)
+                out << ' ' << writtenShort(rotation, k);
+        };
+        out << dna.bases[i];
+        writeFrame(dna.pairPoints[i], dna.pairRotations[i]);
+        writeFrame(dna.points1[i], dna.rotations1[i]);
+        writeFrame(dna.points2[i], dna.rotations2[i]);
         out << '\n';
     }
 }
@@ -80,6 +113,88 @@ void writeJson(std::ostream& out, const std::vector<Rod>& rods)
     out << "}\n";
 }
 
+void writeShort(std::ostream& out, const Vector& point)
+{
+    writeList(out, 3, ", ", [&](std::size_t k) { out << writtenShort(point, int(k)); });
+}
+
+void writeShort(std::ostream& out, const Quaternion& rotation)
+{
+    writeList(out, 4, ", ", [&](std::size_t k) { out << writtenShort(rotation, int(k)); });
+}
+
+/// What stands between the braces of a rod or strand.
+void writeShort(std::ostream& out, const std::vector<Vector>& points,
+                const std::vector<Quaternion>& rotations)
+{
+    out << "\"points\": ";
+    writeList(out, points.size(), ",\n", [&](std::size_t i) { writeShort(out, points[i]); });
+    out << ",\n\"quaternions\": ";
+    writeList(out, rotations.size(), ",\n", [&](std::size_t i) { writeShort(out, rotations[i]); });
+}
+
+void writeMinicircle(std::ostream& out, const Configuration& configuration)
+{
+    const auto strand = [&out](const char* key, const auto& points, const auto& rotations) {
+        out << ",\n\"" << key << "\": {";
+        writeShort(out, points, rotations);
+        out << '}';
+    };
+    const Dna& dna = configuration.dnas[0];
+    out << "{\"strandview\": 1,\n\"dna\": [{\"sequence\": \"" << dna.bases << '"';
+    strand("pairs", dna.pairPoints, dna.pairRotations);
+    strand("strand1", dna.points1, dna.rotations1);
+    strand("strand2", dna.points2, dna.rotations2);
+    const Birod& birod = configuration.birods[0];
+    out << "}],\n\"birods\": [{\"average\": {";
+    writeShort(out, birod.points, birod.rotations);
+    out << '}';
+    strand("strand1", birod.points1, birod.rotations1);
+    strand("strand2", birod.points2, birod.rotations2);
+    out << "}],\n\"rods\": ";
+    writeList(out, configuration.rods.size(), ",\n", [&](std::size_t r) {
+        out << '{';
+        writeShort(out, configuration.rods[r].points, configuration.rods[r].rotations);
+        out << '}';
+    });
+    out << "}\n";
+}
+
+void writeGlyphs(std::ostream& out, const Configuration& configuration)
+{
+    constexpr const char* shapes[] = {"sphere", "cube", "cross"};
+    out << "{\"strandview\": 1,\n\"markers\": ";
+    writeList(out, configuration.markers.size(), ",\n", [&](std::size_t i) {
+        const Marker& marker = configuration.markers[i];
+        out << "{\"point\": ";
+        writeShort(out, marker.point);
+        out << ", \"shape\": \"" << shapes[static_cast<int>(marker.shape)]
+            << "\", \"size\": " << written(*marker.size) << ", \"colour\": \"" << *marker.colour
+            << "\", \"transparency\": " << written(marker.transparency) << ", \"id\": " << marker.id
+            << '}';
+    });
+    out << ",\n\"frames\": ";
+    writeList(out, configuration.frames.size(), ",\n", [&](std::size_t i) {
+        const Frame& frame = configuration.frames[i];
+        out << "{\"point\": ";
+        writeShort(out, frame.point);
+        out << ", \"quaternion\": ";
+        writeShort(out, frame.rotation);
+        out << ", \"size\": " << written(*frame.size) << '}';
+    });
+    out << ",\n\"arrows\": ";
+    writeList(out, configuration.arrows.size(), ",\n", [&](std::size_t i) {
+        const Arrow& arrow = configuration.arrows[i];
+        out << "{\"from\": ";
+        writeShort(out, arrow.from);
+        out << ", \"to\": ";
+        writeShort(out, arrow.to);
+        out << ", \"radius\": " << written(*arrow.radius) << ", \"colour\": \"" << *arrow.colour
+            << "\"}";
+    });
+    out << "}\n";
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -111,6 +226,15 @@ int main(int argc, char** argv)
     table("supercoil.txt", "A closed plectonemic supercoil, for tube radii up to 0.4.",
           samples::supercoil());
     table("random.txt", "A rod with smooth random curvatures and twist.", samples::randomRod());
+    write("dna.txt", [](std::ostream& out) {
+        writeDnaTable(out, "Straight B-DNA, ten pairs a turn.", samples::straightDna());
+    });
+    write("dna_bent.txt", [](std::ostream& out) {
+        writeDnaTable(out, "DNA bent to a quarter of a circle.", samples::bentDna());
+    });
+    write("minicircle.json",
+          [](std::ostream& out) { writeMinicircle(out, samples::minicircle()); });
+    write("glyphs.json", [](std::ostream& out) { writeGlyphs(out, samples::glyphs()); });
     write("rods.json", [](std::ostream& out) { writeJson(out, samples::borromeanRings()); });
     return good ? 0 : 1;
 }

@@ -94,17 +94,23 @@ using Formula = CurvePoint (*)(const Jet& parameter);
 CurvePoint pointAt(Formula curve, double parameter) { return curve({parameter, 1}); }
 
 /// The rotation with ribbon direction d2 and tangent d3; d1 = d2 x d3. Of its two
-/// quaternions the one nearer to the rod's last rotation.
-void addPoint(Rod& rod, const Vector& point, const Vector& d2, const Vector& d3)
+/// quaternions the one nearer to the last rotation.
+void addPoint(std::vector<Vector>& points, std::vector<Quaternion>& rotations, const Vector& point,
+              const Vector& d2, const Vector& d3)
 {
     Quaternion q = algebra3d::Matrix3<double>(d2.cross(d3), d2, d3).getQuaternion();
-    if (!rod.rotations.empty()) {
-        const Quaternion& last = rod.rotations.back();
+    if (!rotations.empty()) {
+        const Quaternion& last = rotations.back();
         if (q[0] * last[0] + q[1] * last[1] + q[2] * last[2] + q[3] * last[3] < 0)
             q = Quaternion(-q[0], -q[1], -q[2], -q[3]);
     }
-    rod.points.push_back(point);
-    rod.rotations.push_back(q);
+    points.push_back(point);
+    rotations.push_back(q);
+}
+
+void addPoint(Rod& rod, const Vector& point, const Vector& d2, const Vector& d3)
+{
+    addPoint(rod.points, rod.rotations, point, d2, d3);
 }
 
 /// The arc length between two near parameters, by ten Gauss-Legendre points.
@@ -374,6 +380,149 @@ std::vector<Rod> borromeanRings()
     };
     return {closedRod(inXY, 2 * M_PI, count, 0), closedRod(inYZ, 2 * M_PI, count, 0),
             closedRod(inZX, 2 * M_PI, count, 0)};
+}
+
+namespace {
+
+constexpr double rise = 3.38; ///< from pair to pair along the axis, in Angstrom
+
+/// A base pair: its middle and its directors. d3 is along the helix, d2 along the pair
+/// from the base of strand 2 to that of strand 1, d1 into the major groove.
+struct Pair
+{
+    Vector middle, d1, d2, d3;
+
+    Vector at(double x, double y) const { return middle + d1 * x + d2 * y; }
+};
+
+/// The pair at a place of the axis, with d1 turned from the normal by the angle.
+Pair pairAt(const Vector& middle, const Vector& tangent, const Vector& normal, double angle)
+{
+    const Vector d1 = normal * std::cos(angle) + tangent.cross(normal) * std::sin(angle);
+    return {middle, d1, tangent.cross(d1), tangent};
+}
+
+/// A place of the circle about the z axis, turned there by the angle against outwards.
+Pair pairOnCircle(double radius, double place, double angle)
+{
+    const Vector outwards(std::cos(place), std::sin(place), 0);
+    return pairAt(outwards * radius, Vector(-outwards.y, outwards.x, 0), outwards, angle);
+}
+
+/// The bases are in the pair's place, where those of flat pairs meet, turned about d2
+/// against each other by the propeller twist.
+void addPair(Dna& dna, char base, const Pair& pair, double propeller)
+{
+    const auto turnedD3 = [&pair](double angle) {
+        return pair.d3 * std::cos(angle) + pair.d1 * std::sin(angle);
+    };
+    dna.bases += base;
+    addPoint(dna.pairPoints, dna.pairRotations, pair.middle, pair.d2, pair.d3);
+    addPoint(dna.points1, dna.rotations1, pair.middle, pair.d2, turnedD3(propeller / 2));
+    addPoint(dna.points2, dna.rotations2, pair.middle, pair.d2, turnedD3(-propeller / 2));
+}
+
+// The first crystal structure of B-DNA was of this dodecamer: R. Wing et al., Crystal
+// structure analysis of a complete turn of B-DNA, Nature 287, 1980, 755-758.
+constexpr char dodecamer[] = "CGCGAATTCGCG";
+
+} // namespace
+
+Dna straightDna()
+{
+    constexpr int count = 60, pairsPerTurn = 10;
+    Dna dna;
+    for (int i = 0; i < count; ++i) {
+        const Vector middle(rise * i - rise * (count - 1) / 2, 0, 0);
+        const double angle = 2 * M_PI * i / pairsPerTurn;
+        addPair(dna, dodecamer[i % 12], pairAt(middle, Vector(1, 0, 0), Vector(0, 1, 0), angle), 0);
+    }
+    return dna;
+}
+
+// A quarter of a circle. Runs of A in phase with the helix, as in DNA that is bent.
+Dna bentDna()
+{
+    constexpr int count = 60, pairsPerTurn = 10;
+    constexpr double bend = M_PI / 2, propeller = -11 * M_PI / 180;
+    const double radius = rise * (count - 1) / bend;
+    Dna dna;
+    for (int i = 0; i < count; ++i) {
+        const double place = M_PI / 4 + bend * i / (count - 1);
+        addPair(dna, "AAAAAACGGC"[i % 10], pairOnCircle(radius, place, 2 * M_PI * i / pairsPerTurn),
+                propeller);
+    }
+    return dna;
+}
+
+// The phosphorus atoms of B-DNA are near (-3, +-8.9) of their pairs' frames, the middles of
+// the bases near (-0.24, +-2.6).
+Configuration minicircle()
+{
+    constexpr int count = 84, link = 8;
+    constexpr double phosphorusX = -3, phosphorusY = 8.9, baseX = -0.24, baseY = 2.6;
+    const double radius = rise * count / (2 * M_PI);
+    // How a vector of the pair turns on its way along the axis, per length.
+    const Vector bending = Vector(0, 0, 1) * (1 / radius);
+    constexpr double twisting = 2 * M_PI * link / (rise * count);
+
+    Configuration configuration;
+    Dna& dna = configuration.dnas.emplace_back();
+    std::vector<Rod>& backbones = configuration.rods;
+    Birod& birod = configuration.birods.emplace_back();
+    backbones.resize(2);
+    for (int i = 0; i <= count; ++i) {
+        const int row = i % count; // the ends are one place
+        const Pair pair =
+            pairOnCircle(radius, 2 * M_PI * row / count, 2 * M_PI * link * row / count);
+        if (i < count)
+            addPair(dna, dodecamer[i % 12], pair, 0);
+        for (int strand = 0; strand < 2; ++strand) {
+            const Vector point = pair.at(phosphorusX, strand == 0 ? phosphorusY : -phosphorusY);
+            const Vector outwards = point - pair.middle;
+            const Vector d3 = (pair.d3 + (bending + pair.d3 * twisting).cross(outwards)).getUnit();
+            addPoint(backbones[strand], point, (outwards - d3 * outwards.dot(d3)).getUnit(), d3);
+        }
+        addPoint(birod.points, birod.rotations, pair.middle, pair.d2, pair.d3);
+        addPoint(birod.points1, birod.rotations1, pair.at(baseX, baseY), pair.d2, pair.d3);
+        addPoint(birod.points2, birod.rotations2, pair.at(baseX, -baseY), pair.d2, pair.d3);
+    }
+    return configuration;
+}
+
+// A clock of markers, arrows to every second of them, and frames along the z axis.
+Configuration glyphs()
+{
+    constexpr const char* colours[] = {"tomato", "gold", "yellowgreen", "steelblue", "#9932cc"};
+    Configuration configuration;
+    for (int i = 0; i < 12; ++i) {
+        const double angle = 2 * M_PI * i / 12;
+        const Vector outwards(std::sin(angle), std::cos(angle), 0);
+        Marker marker;
+        marker.point = outwards * 3.0;
+        marker.shape = static_cast<Marker::Shape>(i % 3);
+        marker.size = 0.35 + 0.05 * i;
+        marker.colour = colours[i % 5];
+        marker.transparency = 0.25 * (i / 3);
+        marker.id = i == 0 ? 12 : i;
+        configuration.markers.push_back(marker);
+        if (i % 2 == 1)
+            continue;
+        Arrow arrow;
+        arrow.from = outwards * 0.5;
+        arrow.to = outwards * 2.5;
+        arrow.radius = 0.05;
+        arrow.colour = colours[i % 5];
+        configuration.arrows.push_back(arrow);
+    }
+    for (int i = 0; i < 5; ++i) {
+        Frame frame;
+        frame.point = Vector(0, 0, i - 2);
+        frame.rotation = Quaternion(0, 0, std::sin(i * M_PI / 12), std::cos(i * M_PI / 12));
+        frame.size = 0.8;
+        configuration.frames.push_back(frame);
+    }
+    return configuration;
 }
 
 } // namespace samples

@@ -6,10 +6,12 @@
 
 #include "Configuration.h"
 
-/// The sample configurations: one function per curve, without arguments, the same
-/// result at every call. Points lie at equal arc lengths; every rotation has the
-/// unit tangent as d3 and is of the sign nearest to the one before. A closed rod
-/// repeats its first point as its last, and the frame there is the same.
+/// The sample configurations: one function each, without arguments, the same result at
+/// every call. A rotation is of the sign nearest to the one before.
+///
+/// Points of rods lie at equal arc lengths, but for those along DNA, which has one per
+/// pair; every rotation has the unit tangent as d3. A closed rod repeats its first point
+/// as its last, and the frame there is the same.
 namespace samples {
 
 Rod helix();
@@ -18,6 +20,15 @@ Rod trefoil();
 Rod supercoil();
 Rod randomRod();
 std::vector<Rod> borromeanRings();
+
+/// DNA in Angstrom, strand 1 in the direction of the rows.
+Dna straightDna();
+Dna bentDna();
+/// Closed DNA without a first pair repeated; two rods, its backbones; and a birod.
+Configuration minicircle();
+
+/// Markers, frames and arrows.
+Configuration glyphs();
 
 } // namespace samples
 

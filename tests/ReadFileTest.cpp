@@ -16,6 +16,7 @@
 
 #include "readers/JsonReader.h"
 #include "readers/TableReader.h"
+#include "support/readText.h"
 
 namespace {
 
@@ -164,7 +165,7 @@ TEST_F(ReadFile, SkipsAByteOrderMark)
     EXPECT_FALSE(read(twice));
     const std::string nothing = write("d.txt", byteOrderMark);
     EXPECT_FALSE(read(nothing));
-    EXPECT_EQ(report.error, nothing + ": found nothing to show, expected at least one rod");
+    EXPECT_EQ(report.error, nothing + ": found nothing to show, expected at least one rod or DNA");
 }
 
 TEST_F(ReadFile, RefusesTextInUtf16)
@@ -220,7 +221,8 @@ TEST_F(ReadFile, ADashIsStandardInputAndItsFirstCharacterTheFormat)
     EXPECT_TRUE(readAsStandardInput("\r\n\t" + json)) << report.error;
 
     EXPECT_FALSE(readAsStandardInput(""));
-    EXPECT_EQ(report.error, "standard input: found nothing to show, expected at least one rod");
+    EXPECT_EQ(report.error,
+              "standard input: found nothing to show, expected at least one rod or DNA");
     EXPECT_FALSE(readAsStandardInput("0 0 0\n0 1\n"));
     EXPECT_EQ(report.error, "standard input:2: found 2 columns, expected 3 as in line 1");
     EXPECT_FALSE(readAsStandardInput("{\"strandview\": 3}"));
@@ -250,6 +252,23 @@ TEST_F(ReadFile, BothFormatsGiveTheSameRods)
     }
 }
 
+TEST_F(ReadFile, BothFormatsGiveTheSameDna)
+{
+    const auto fromTable =
+        read(write("a.txt", "g 1 2 3 0 0 0 1  4 5 6 1 0 0 0  7 8 9 0.6 0 0 0.8\n"
+                            "T 1 2 4 0 0 1 0  4 5 7 0 1 0 0  7 8 8 0 0.6 0.8 0\n"));
+    const auto fromJson = read(write("a.json", R"({"strandview": 1, "dna": [{"sequence": "GT",
+        "pairs": {"points": [[1, 2, 3], [1, 2, 4]], "quaternions": [[0, 0, 0, 1], [0, 0, 1, 0]]},
+        "strand1": {"points": [[4, 5, 6], [4, 5, 7]], "quaternions": [[1, 0, 0, 0], [0, 1, 0, 0]]},
+        "strand2": {"points": [[7, 8, 9], [7, 8, 8]],
+                    "quaternions": [[0.6, 0, 0, 0.8], [0, 0.6, 0.8, 0]]}}]})"));
+    ASSERT_TRUE(fromTable && fromJson) << report.error;
+    ASSERT_EQ(fromTable->dnas.size(), 1U);
+    ASSERT_EQ(fromJson->dnas.size(), 1U);
+    expectSameDna(fromTable->dnas[0], fromJson->dnas[0]);
+    EXPECT_THAT(report.notices, IsEmpty());
+}
+
 // ---- Whatever the text
 
 namespace {
@@ -266,20 +285,97 @@ bool haveNormalSquaredDistance(const Vector3<double>& a, const Vector3<double>& 
     return std::isnormal((a - b).dot(a - b));
 }
 
+bool arePoints(const std::vector<Vector3<double>>& points)
+{
+    return std::all_of(points.begin(), points.end(), isPoint);
+}
+
+/// Of the count, with points that are apart from the one before.
+void expectCurve(const std::vector<Vector3<double>>& points, std::size_t count)
+{
+    ASSERT_EQ(points.size(), count);
+    EXPECT_TRUE(arePoints(points));
+    for (std::size_t i = 1; i < points.size(); ++i)
+        EXPECT_TRUE(haveNormalSquaredDistance(points[i - 1], points[i]));
+}
+
+void expectRotations(const std::vector<Quaternion<double>>& rotations, std::size_t count)
+{
+    ASSERT_EQ(rotations.size(), count);
+    EXPECT_TRUE(std::all_of(rotations.begin(), rotations.end(), isRotation));
+}
+
 /// What Configuration.h promises, and what the formulas need.
 void expectPromises(const Rod& rod)
 {
-    ASSERT_GE(rod.points.size(), 2U);
-    ASSERT_EQ(rod.rotations.size(), rod.points.size());
-    EXPECT_TRUE(std::all_of(rod.points.begin(), rod.points.end(), isPoint));
-    EXPECT_TRUE(std::all_of(rod.rotations.begin(), rod.rotations.end(), isRotation));
-    for (std::size_t i = 1; i < rod.points.size(); ++i)
-        EXPECT_TRUE(haveNormalSquaredDistance(rod.points[i - 1], rod.points[i]));
+    const std::size_t count = rod.points.size();
+    ASSERT_GE(count, 2U);
+    expectCurve(rod.points, count);
+    expectRotations(rod.rotations, count);
     for (const Scalar& scalar : rod.scalars) {
-        EXPECT_EQ(scalar.values.size(), rod.points.size());
+        EXPECT_EQ(scalar.values.size(), count);
         EXPECT_TRUE(std::all_of(scalar.values.begin(), scalar.values.end(),
                                 [](double value) { return std::isfinite(value); }));
     }
+}
+
+void expectPromises(const Birod& birod)
+{
+    const std::size_t count = birod.points.size();
+    ASSERT_GE(count, 2U);
+    for (const auto& points : {birod.points, birod.points1, birod.points2})
+        expectCurve(points, count);
+    for (const auto& rotations : {birod.rotations, birod.rotations1, birod.rotations2})
+        expectRotations(rotations, count);
+}
+
+void expectPromises(const Dna& dna)
+{
+    const std::size_t count = dna.bases.size();
+    ASSERT_GE(count, 1U);
+    EXPECT_EQ(dna.bases.find_first_not_of("ACGT"), std::string::npos);
+    for (const auto& points : {dna.pairPoints, dna.points1, dna.points2}) {
+        EXPECT_EQ(points.size(), count);
+        EXPECT_TRUE(arePoints(points));
+    }
+    for (const auto& rotations : {dna.pairRotations, dna.rotations1, dna.rotations2})
+        expectRotations(rotations, count);
+}
+
+bool isLength(const std::optional<double>& length)
+{
+    return !length || (*length > 0 && *length <= 1e18);
+}
+
+void expectPromises(const Marker& marker)
+{
+    EXPECT_TRUE(isPoint(marker.point));
+    EXPECT_TRUE(isLength(marker.size));
+    EXPECT_TRUE(marker.transparency >= 0 && marker.transparency <= 1);
+}
+
+void expectPromises(const Frame& frame)
+{
+    EXPECT_TRUE(isPoint(frame.point));
+    EXPECT_TRUE(isRotation(frame.rotation));
+    EXPECT_TRUE(isLength(frame.size));
+}
+
+void expectPromises(const Arrow& arrow)
+{
+    EXPECT_TRUE(isPoint(arrow.from) && isPoint(arrow.to));
+    EXPECT_TRUE(isLength(arrow.radius));
+}
+
+/// Of all things of one kind; how many there are.
+template <typename Things>
+std::size_t expectPromisesOfAll(const Things& things)
+{
+    for (const auto& thing : things) {
+        EXPECT_THAT(thing.origin, testing::StartsWith("file:"));
+        expectPromises(thing);
+    }
+    return things.size();
 }
 
 void expectOneLine(const std::string& error)
@@ -348,8 +444,8 @@ private:
 
 using Reader = decltype(&readTable);
 
-/// Every text either gives rods that keep the promises or one line of error; both
-/// happen often.
+/// Every text either gives what keeps the promises or one line of error; both happen
+/// often.
 void expectReaderHoldsFor(Mutator mutator, Reader reader)
 {
     int accepted = 0, refused = 0;
@@ -362,9 +458,13 @@ void expectReaderHoldsFor(Mutator mutator, Reader reader)
         if (const auto configuration = reader(text, "file", options, report)) {
             ++accepted;
             EXPECT_EQ(report.error, "");
-            EXPECT_FALSE(configuration->rods.empty());
-            for (const Rod& rod : configuration->rods)
-                expectPromises(rod);
+            EXPECT_GT(expectPromisesOfAll(configuration->rods) +
+                          expectPromisesOfAll(configuration->birods) +
+                          expectPromisesOfAll(configuration->dnas) +
+                          expectPromisesOfAll(configuration->markers) +
+                          expectPromisesOfAll(configuration->frames) +
+                          expectPromisesOfAll(configuration->arrows),
+                      0U);
         } else {
             ++refused;
             expectOneLine(report.error);
@@ -417,6 +517,70 @@ TEST(AnyJson, GivesGoodRodsOrOneLineOfError)
                       "quaternions": [[0, 0, 0, 1], [0, 0, 0.6, 0.8], [1, 0, 0, 0]]}]})"},
                 snippets),
         readJson);
+}
+
+TEST(AnyTableOfDna, GivesGoodDnaOrOneLineOfError)
+{
+    std::vector<std::string> snippets = numberSnippets;
+    for (const char* snippet : {"A", "c", "N", "AT", "base", "x1", "qw2", "1e", "\n\nG ", "\"T\""})
+        snippets.emplace_back(snippet);
+    expectReaderHoldsFor(
+        Mutator({"A 0 0 0 0 0 0 1 0 1 0 0 0 0 1 0 -1 0 0 0 0 1\n"
+                 "c 0 0 3 0 0 0.6 0.8 0 1 3 0 0 0 1 0 -1 3 1 0 0 0\n\n"
+                 "G 0 0 0 0 0 0 1 0 1 0 0 0 0 1 0 -1 0 0 0 0 1\n",
+                 "base,x,y,z,qx,qy,qz,qw,x1,y1,z1,qx1,qy1,qz1,qw1,x2,y2,z2,qx2,qy2,qz2,qw2\n"
+                 "T,0,0,0,0,0,0,1,0,1,0,0,0,0,1,0,-1,0,0,0,0,1\n",
+                 "g;0;0;0;0;0;0;1;0;1,5;0;0;0;0;1;0;-1,5;0;0;0;0;1;\n"},
+                snippets),
+        readTable);
+}
+
+TEST(AnyJsonOfEverything, GivesGoodThingsOrOneLineOfError)
+{
+    std::vector<std::string> snippets = numberSnippets;
+    for (const char* snippet : {"[",
+                                "]",
+                                "{",
+                                "}",
+                                "\"",
+                                ":",
+                                "null",
+                                "\"ACGT\"",
+                                "\"points\"",
+                                "\"strand1\"",
+                                "\"dna\"",
+                                "\"average\"",
+                                "\"pairs\"",
+                                "\"frames\"",
+                                "\"size\": 1,",
+                                "\"id\": 4,",
+                                "\"colour\": \"x\",",
+                                "\"from\"",
+                                "[0, 0, 0],",
+                                "{},",
+                                "\"cube\"",
+                                "a",
+                                "\\u0000",
+                                "9223372036854775808"})
+        snippets.emplace_back(snippet);
+    expectReaderHoldsFor(Mutator({R"({"strandview": 1, "birods": [{
+                     "average": {"points": [[0,0,0],[0,0,1]], "quaternions": [[0,0,0,1],[0,0,1,0]]},
+                     "strand1": {"points": [[1,0,0],[1,0,1]], "quaternions": [[0,0,0,1],[0,0,1,0]]},
+                     "strand2": {"points": [[2,0,0],[2,0,1]], "quaternions": [[0,0,0,1],[0,0,1,0]]}
+                     }], "markers": [{"point": [1, 2, 3]}]})",
+                                  R"({"strandview": 1, "dna": [{"sequence": "aC",
+                     "pairs": {"points": [[0,0,0],[0,0,1]], "quaternions": [[0,0,0,1],[0,0,1,0]]},
+                     "strand1": {"points": [[0,0,0],[0,0,1]], "quaternions": [[0,0,0,1],[0,0,1,0]]},
+                     "strand2": {"points": [[0,0,0],[0,0,1]], "quaternions": [[0,0,0,1],[0,0,1,0]]}
+                     }]})",
+                                  R"({"strandview": 1, "markers": [
+                     {"point": [1, 2, 3], "shape": "cross", "size": 2, "colour": "#123456",
+                      "transparency": 0.5, "id": -3}, {"point": [1, 2, 3]}],
+                     "frames": [{"point": [0, 0, 0], "quaternion": [0, 0.6, 0, 0.8], "size": 2}],
+                     "arrows": [{"from": [0, 0, 0], "to": [0, 1, 2], "radius": 0.1,
+                                 "colour": "tan"}]})"},
+                                 snippets),
+                         readJson);
 }
 
 // ---- Curves from elsewhere

@@ -21,15 +21,17 @@ using Quaternion = algebra3d::Quaternion<double>;
 
 constexpr double PI = 3.14159265358979323846;
 
-std::vector<Rod> readSample(const std::string& name)
+Configuration readAll(const std::string& name)
 {
     ReadReport report;
     const auto configuration =
         readFile((std::filesystem::path(SAMPLES_FOLDER) / name).string(), {}, report);
     EXPECT_EQ(report.error, "");
     EXPECT_TRUE(report.notices.empty()) << report.notices.front();
-    return configuration ? configuration->rods : std::vector<Rod>();
+    return configuration.value_or(Configuration());
 }
+
+std::vector<Rod> readSample(const std::string& name) { return readAll(name).rods; }
 
 /// The only rod of a sample; an empty one, and a failure, if there is not one.
 Rod readRod(const std::string& name)
@@ -48,9 +50,14 @@ std::vector<double> scalar(const Rod& rod, const std::string& name)
     return {};
 }
 
+Vector director(const Quaternion& rotation, int column)
+{
+    return algebra3d::Matrix3<double>(rotation).getColumn(column);
+}
+
 Vector director(const Rod& rod, std::size_t i, int column)
 {
-    return algebra3d::Matrix3<double>(rod.rotations[i]).getColumn(column);
+    return director(rod.rotations[i], column);
 }
 
 /// All samples are sampled at equal arc lengths; 0 without any.
@@ -206,7 +213,7 @@ TEST(Samples, AreWhatTheirGeneratorWrites)
                 ASSERT_EQ(made[i], kept[i]);
         }
     }
-    EXPECT_EQ(files, 6);
+    EXPECT_EQ(files, 10);
     std::filesystem::remove_all(folder);
 }
 
@@ -487,5 +494,319 @@ TEST(RodsSample, AreEllipsesThatPassThroughEachOtherInTurn)
             EXPECT_NEAR(p.dot(axes[(i + 2) % 3]), 0, 1e-9);
             EXPECT_NEAR(std::hypot(p.dot(axes[i]) / 2.6, p.dot(axes[(i + 1) % 3]) / 1.6), 1, 1e-9);
         }
+    }
+}
+
+/// What every DNA of the samples has. Places are written to 1e-4, so differences of two
+/// err by less than 2e-4; quaternions to 1e-7, so directors err by less than 1e-6.
+class DnaSample : public testing::TestWithParam<const char*>
+{
+protected:
+    void SetUp() override
+    {
+        const Configuration configuration = readAll(GetParam());
+        ASSERT_EQ(configuration.dnas.size(), 1u);
+        dna = configuration.dnas[0];
+    }
+
+    Dna dna;
+};
+
+/// The atoms C1' and the one of the middle hydrogen bond, N1 of A and G, N3 of C and T, in
+/// the frame of strand 1's base; strand 2's are mirrored in y.
+struct BaseAtoms
+{
+    Vector c1, n;
+};
+
+static BaseAtoms atomsOf(char base, double mirror)
+{
+    const auto at = [mirror](double x, double y) { return Vector(x, mirror * y, 0); };
+    switch (base) {
+    case 'A':
+        return {at(-2.498, 5.390), at(-0.759, 0.558)};
+    case 'C':
+        return {at(-2.498, 5.390), at(-0.385, 2.335)};
+    case 'G':
+        return {at(-2.498, 5.390), at(-0.812, 0.582)};
+    default:
+        return {at(-2.498, 5.390), at(-0.345, 2.392)};
+    }
+}
+
+static char complementOf(char base) { return std::string("TGCA")[std::string("ACGT").find(base)]; }
+
+static Vector placed(const Vector& local, const Vector& origin, const Quaternion& rotation)
+{
+    return origin + director(rotation, 0) * local.x + director(rotation, 1) * local.y +
+           director(rotation, 2) * local.z;
+}
+
+TEST_P(DnaSample, HasUnitRotationsOfOneSign)
+{
+    for (const auto* rotations : {&dna.pairRotations, &dna.rotations1, &dna.rotations2})
+        for (std::size_t i = 0; i < rotations->size(); ++i) {
+            EXPECT_NEAR((*rotations)[i].getNorm(), 1, 1e-7) << i;
+            if (i == 0)
+                continue;
+            const Quaternion &a = (*rotations)[i - 1], &b = (*rotations)[i];
+            EXPECT_GT(a[0] * b[0] + a[1] * b[1] + a[2] * b[2] + a[3] * b[3], 0.9) << i;
+        }
+}
+
+TEST_P(DnaSample, HasBasesThatMeetInTheirPairs)
+{
+    // In crystals the middle hydrogen bond of Watson-Crick pairs has 2.8 to 3.0, and the
+    // atoms C1' are 10.4 to 10.8 apart.
+    for (std::size_t i = 0; i < dna.bases.size(); ++i) {
+        const BaseAtoms first = atomsOf(dna.bases[i], 1);
+        const BaseAtoms second = atomsOf(complementOf(dna.bases[i]), -1);
+        const auto distance = [&](const Vector& a, const Vector& b) {
+            return (placed(a, dna.points1[i], dna.rotations1[i]) -
+                    placed(b, dna.points2[i], dna.rotations2[i]))
+                .getNorm();
+        };
+        EXPECT_NEAR(distance(first.n, second.n), 2.95, 0.05) << i;
+        EXPECT_NEAR(distance(first.c1, second.c1), 10.8, 0.05) << i;
+    }
+}
+
+TEST_P(DnaSample, HasTheBasesOfAPairOnEitherSideOfItsMiddle)
+{
+    for (std::size_t i = 0; i < dna.bases.size(); ++i) {
+        EXPECT_LT((dna.points1[i] - dna.pairPoints[i]).getNorm(), 1e-9) << i;
+        EXPECT_LT((dna.points2[i] - dna.pairPoints[i]).getNorm(), 1e-9) << i;
+        for (int column = 0; column < 3; ++column) {
+            const Vector mean =
+                director(dna.rotations1[i], column) + director(dna.rotations2[i], column);
+            EXPECT_LT((mean.getUnit() - director(dna.pairRotations[i], column)).getNorm(), 1e-6);
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Samples, DnaSample,
+                         testing::Values("dna.txt", "dna_bent.txt", "minicircle.json"),
+                         withoutEnding);
+
+namespace {
+
+Dna readDna(const std::string& name)
+{
+    const std::vector<Dna> dnas = readAll(name).dnas;
+    EXPECT_EQ(dnas.size(), 1u);
+    return dnas.size() == 1 ? dnas[0] : Dna();
+}
+
+std::string repeated(const std::string& text, int times)
+{
+    std::string result;
+    for (int i = 0; i < times; ++i)
+        result += text;
+    return result;
+}
+
+/// From pair i to pair j, in degrees: the turn of d1 about d3, to the right if positive.
+double twist(const Dna& dna, std::size_t i, std::size_t j)
+{
+    const Quaternion &a = dna.pairRotations[i], &b = dna.pairRotations[j];
+    const Vector d1 = transported(director(a, 0), director(a, 2), director(b, 2));
+    return std::atan2(d1.cross(director(b, 0)).dot(director(b, 2)), d1.dot(director(b, 0))) * 180 /
+           PI;
+}
+
+/// The angle between the axes of two pairs, in degrees.
+double bend(const Dna& dna, std::size_t i, std::size_t j)
+{
+    const Vector a = director(dna.pairRotations[i], 2), b = director(dna.pairRotations[j], 2);
+    return std::atan2(a.cross(b).getNorm(), a.dot(b)) * 180 / PI;
+}
+
+} // namespace
+
+TEST(StraightDnaSample, HasSixtyPairsOfTheDodecamer)
+{
+    EXPECT_EQ(readDna("dna.txt").bases, repeated("CGCGAATTCGCG", 5));
+}
+
+TEST(StraightDnaSample, RisesAndTurnsAsIdealBDna)
+{
+    const Dna dna = readDna("dna.txt");
+    ASSERT_EQ(dna.pairPoints.size(), 60u);
+    for (std::size_t i = 0; i + 1 < 60; ++i) {
+        const Vector step = dna.pairPoints[i + 1] - dna.pairPoints[i];
+        EXPECT_LT((step - director(dna.pairRotations[i], 2) * 3.38).getNorm(), 1e-5) << i;
+        EXPECT_NEAR(twist(dna, i, i + 1), 36, 1e-4) << i;
+        EXPECT_NEAR(bend(dna, i, i + 1), 0, 1e-4) << i;
+    }
+}
+
+TEST(StraightDnaSample, HasFlatPairs)
+{
+    const Dna dna = readDna("dna.txt");
+    for (std::size_t i = 0; i < dna.bases.size(); ++i)
+        for (int k = 0; k < 4; ++k) {
+            EXPECT_EQ(dna.rotations1[i][k], dna.pairRotations[i][k]) << i;
+            EXPECT_EQ(dna.rotations2[i][k], dna.pairRotations[i][k]) << i;
+        }
+}
+
+TEST(BentDnaSample, HasRunsOfAInPhaseWithTheHelix)
+{
+    EXPECT_EQ(readDna("dna_bent.txt").bases, repeated("AAAAAACGGC", 6));
+}
+
+TEST(BentDnaSample, BendsEvenlyByARightAngle)
+{
+    const Dna dna = readDna("dna_bent.txt");
+    ASSERT_EQ(dna.pairPoints.size(), 60u);
+    EXPECT_NEAR(bend(dna, 0, 59), 90, 1e-4);
+    const double angle = 90. / 59, radius = 3.38 / (angle * PI / 180);
+    for (std::size_t i = 0; i + 1 < 60; ++i) {
+        EXPECT_NEAR(bend(dna, i, i + 1), angle, 1e-4) << i;
+        EXPECT_NEAR(twist(dna, i, i + 1), 36, 1e-4) << i;
+        const Vector step = dna.pairPoints[i + 1] - dna.pairPoints[i];
+        EXPECT_NEAR(step.getNorm(), 2 * radius * std::sin(angle * PI / 360), 2e-4) << i;
+        const Vector mean =
+            (director(dna.pairRotations[i], 2) + director(dna.pairRotations[i + 1], 2)).getUnit();
+        EXPECT_LT((step.getUnit() - mean).getNorm(), 1e-4) << i;
+    }
+}
+
+TEST(BentDnaSample, HasAPropellerTwistOfElevenDegrees)
+{
+    // About d2, from the base of strand 2 to that of strand 1; to the left.
+    const Dna dna = readDna("dna_bent.txt");
+    for (std::size_t i = 0; i < dna.bases.size(); ++i) {
+        const Vector d2 = director(dna.pairRotations[i], 1);
+        EXPECT_LT((director(dna.rotations1[i], 1) - d2).getNorm(), 1e-6) << i;
+        EXPECT_LT((director(dna.rotations2[i], 1) - d2).getNorm(), 1e-6) << i;
+        const Vector from = director(dna.rotations2[i], 2), to = director(dna.rotations1[i], 2);
+        EXPECT_NEAR(std::atan2(from.cross(to).dot(d2), from.dot(to)) * 180 / PI, -11, 1e-4) << i;
+    }
+}
+
+TEST(MinicircleSample, IsAClosedCircleOfEightyFourPairs)
+{
+    const Dna dna = readDna("minicircle.json");
+    EXPECT_EQ(dna.bases, repeated("CGCGAATTCGCG", 7));
+    ASSERT_EQ(dna.pairPoints.size(), 84u);
+    const double radius = 84 * 3.38 / (2 * PI);
+    double turns = 0;
+    for (std::size_t i = 0; i < 84; ++i) {
+        const std::size_t next = (i + 1) % 84; // after the last comes the first
+        const Vector& p = dna.pairPoints[i];
+        EXPECT_NEAR(std::hypot(p.x, p.y), radius, 1e-4) << i;
+        EXPECT_EQ(p.z, 0) << i;
+        EXPECT_NEAR(bend(dna, i, next), 360. / 84, 1e-4) << i;
+        EXPECT_NEAR(twist(dna, i, next), 8 * 360. / 84, 1e-4) << i;
+        const Vector step = dna.pairPoints[next] - p;
+        EXPECT_NEAR(step.getNorm(), 2 * radius * std::sin(PI / 84), 2e-4) << i;
+        EXPECT_GT(step.getUnit().dot(director(dna.pairRotations[i], 2)), 0.999) << i;
+        turns += twist(dna, i, next) / 360;
+    }
+    EXPECT_NEAR(turns, 8, 1e-5); // and a plane circle has no writhe
+}
+
+TEST(MinicircleSample, HasTwoClosedBackbonesLinkedEightTimes)
+{
+    const Configuration configuration = readAll("minicircle.json");
+    const std::vector<Rod>& rods = configuration.rods;
+    ASSERT_EQ(rods.size(), 2u);
+    ASSERT_EQ(configuration.dnas.size(), 1u);
+    const Dna& dna = configuration.dnas[0];
+    EXPECT_NEAR(link(rods[0], rods[1]), 8, 1e-6);
+    for (int strand = 0; strand < 2; ++strand) {
+        const Rod& rod = rods[strand];
+        ASSERT_EQ(rod.points.size(), 85u);
+        EXPECT_EQ((rod.points[84] - rod.points[0]).getNorm(), 0);
+        for (int column = 0; column < 3; ++column)
+            EXPECT_LT((director(rod, 84, column) - director(rod, 0, column)).getNorm(), 1e-9);
+        const Vector phosphorus(-3, strand == 0 ? 8.9 : -8.9, 0);
+        for (std::size_t i = 0; i < 84; ++i) {
+            const Vector expected = placed(phosphorus, dna.pairPoints[i], dna.pairRotations[i]);
+            EXPECT_LT((rod.points[i] - expected).getNorm(), 3e-4) << i;
+            EXPECT_NEAR(rod.rotations[i].getNorm(), 1, 1e-7) << i;
+            // A step turns by 34 degrees, h = 0.6: the difference errs by h^4 / 30 = 0.004.
+            const auto at = [&](std::size_t j) { return rod.points[(i + j) % 84]; };
+            const Vector tangent = ((at(1) - at(83)) * 8.0 - (at(2) - at(82))).getUnit();
+            EXPECT_LT((tangent - director(rod, i, 2)).getNorm(), 0.005) << i;
+            EXPECT_GT(director(rod, i, 1).dot((rod.points[i] - dna.pairPoints[i]).getUnit()), 0.9)
+                << i;
+        }
+    }
+}
+
+TEST(MinicircleSample, HasABirodAlongItsPairsAndTheMiddlesOfItsBases)
+{
+    const Configuration configuration = readAll("minicircle.json");
+    ASSERT_EQ(configuration.birods.size(), 1u);
+    ASSERT_EQ(configuration.dnas.size(), 1u);
+    const Birod& birod = configuration.birods[0];
+    const Dna& dna = configuration.dnas[0];
+    ASSERT_EQ(birod.points.size(), 85u);
+    for (std::size_t i = 0; i < 85; ++i) {
+        const Vector& middle = dna.pairPoints[i % 84];
+        const Quaternion& rotation = dna.pairRotations[i % 84];
+        EXPECT_EQ((birod.points[i] - middle).getNorm(), 0) << i;
+        EXPECT_LT((birod.points1[i] - placed(Vector(-0.24, 2.6, 0), middle, rotation)).getNorm(),
+                  3e-4)
+            << i;
+        EXPECT_LT((birod.points2[i] - placed(Vector(-0.24, -2.6, 0), middle, rotation)).getNorm(),
+                  3e-4)
+            << i;
+        for (const auto* rotations : {&birod.rotations, &birod.rotations1, &birod.rotations2})
+            for (int column = 0; column < 3; ++column)
+                EXPECT_LT(
+                    (director((*rotations)[i], column) - director(rotation, column)).getNorm(),
+                    1e-9)
+                    << i;
+    }
+}
+
+TEST(GlyphsSample, HasTwelveMarkersAroundAClock)
+{
+    const std::vector<Marker> markers = readAll("glyphs.json").markers;
+    ASSERT_EQ(markers.size(), 12u);
+    for (int i = 0; i < 12; ++i) {
+        const Marker& marker = markers[i];
+        const double angle = 2 * PI * i / 12;
+        const Vector expected(3 * std::sin(angle), 3 * std::cos(angle), 0);
+        EXPECT_LT((marker.point - expected).getNorm(), 1e-4) << i;
+        EXPECT_EQ(static_cast<int>(marker.shape), i % 3) << i;
+        EXPECT_EQ(marker.id, i == 0 ? 12 : i);
+        EXPECT_NEAR(marker.size.value_or(0), 0.35 + 0.05 * i, 1e-9) << i;
+        EXPECT_EQ(marker.transparency, 0.25 * (i / 3)) << i;
+        EXPECT_TRUE(marker.colour) << i;
+    }
+}
+
+TEST(GlyphsSample, HasArrowsToEverySecondMarker)
+{
+    const Configuration configuration = readAll("glyphs.json");
+    ASSERT_EQ(configuration.arrows.size(), 6u);
+    ASSERT_EQ(configuration.markers.size(), 12u);
+    for (int i = 0; i < 6; ++i) {
+        const Arrow& arrow = configuration.arrows[i];
+        const Marker& marker = configuration.markers[2 * i];
+        EXPECT_LT((arrow.from - marker.point * (0.5 / 3)).getNorm(), 2e-4) << i;
+        EXPECT_LT((arrow.to - marker.point * (2.5 / 3)).getNorm(), 2e-4) << i;
+        EXPECT_EQ(arrow.radius, 0.05);
+        EXPECT_EQ(arrow.colour, marker.colour);
+    }
+}
+
+TEST(GlyphsSample, HasFramesThatTurnAlongTheZAxis)
+{
+    const std::vector<Frame> frames = readAll("glyphs.json").frames;
+    ASSERT_EQ(frames.size(), 5u);
+    for (int i = 0; i < 5; ++i) {
+        const double angle = PI / 6 * i;
+        EXPECT_EQ((frames[i].point - Vector(0, 0, i - 2)).getNorm(), 0) << i;
+        EXPECT_LT((director(frames[i].rotation, 0) - Vector(std::cos(angle), std::sin(angle), 0))
+                      .getNorm(),
+                  1e-6)
+            << i;
+        EXPECT_LT((director(frames[i].rotation, 2) - Vector(0, 0, 1)).getNorm(), 1e-6) << i;
+        EXPECT_EQ(frames[i].size, 0.8) << i;
     }
 }

@@ -2,11 +2,14 @@
 #include "readers/TableReader.h"
 
 #include <algorithm>
+#include <array>
 #include <clocale>
 #include <cmath>
 #include <cstdio>
 #include <locale>
 #include <random>
+#include <sstream>
+#include <utility>
 
 #include <algebra3d/Matrix3.h>
 #include <gmock/gmock.h>
@@ -386,6 +389,181 @@ TEST(TableReader, TakesCoordinatesUpToTheLargest)
     EXPECT_TRUE(std::isfinite(3 * across * across));
 }
 
+// ---- DNA
+
+namespace {
+
+/// The frames of a pair and its bases: quaternions of the norms 1, 1 and 1.
+const std::string dnaNumbers = "1 2 3 0 0 0 1  4 5 6 1 0 0 0  7 8 9 0.6 0 0 0.8";
+const std::string dnaHeader =
+    "base x y z qx qy qz qw x1 y1 z1 qx1 qy1 qz1 qw1 x2 y2 z2 qx2 qy2 qz2 qw2\n";
+
+Dna onlyDna(const std::string& text)
+{
+    const Reading reading = readText(text);
+    EXPECT_EQ(reading.report.error, "");
+    EXPECT_THAT(reading.report.notices, IsEmpty());
+    if (!reading.configuration || reading.configuration->dnas.size() != 1) {
+        ADD_FAILURE() << "not one DNA";
+        return {};
+    }
+    EXPECT_THAT(reading.configuration->rods, IsEmpty());
+    return reading.configuration->dnas[0];
+}
+
+void expectDnaNumbers(const Dna& dna, const std::string& bases)
+{
+    const std::size_t count = bases.size();
+    EXPECT_EQ(dna.bases, bases);
+    EXPECT_EQ(numbersOf(dna.pairPoints), Points(count, {1, 2, 3}));
+    EXPECT_EQ(numbersOf(dna.pairRotations), Rotations(count, {0, 0, 0, 1}));
+    EXPECT_EQ(numbersOf(dna.points1), Points(count, {4, 5, 6}));
+    EXPECT_EQ(numbersOf(dna.rotations1), Rotations(count, {1, 0, 0, 0}));
+    EXPECT_EQ(numbersOf(dna.points2), Points(count, {7, 8, 9}));
+    EXPECT_EQ(numbersOf(dna.rotations2), Rotations(count, {0.6, 0, 0, 0.8}));
+}
+
+/// dnaNumbers with other text at a column, counted from 1 as in messages.
+std::string dnaRow(const std::string& base, std::size_t column = 0, const std::string& text = "")
+{
+    std::vector<std::string> fields = {base};
+    std::istringstream numbers(dnaNumbers);
+    for (std::string field; numbers >> field;)
+        fields.push_back(field);
+    if (column > 0)
+        fields[column - 1] = text;
+    std::string row;
+    for (const std::string& field : fields)
+        row += (row.empty() ? "" : " ") + field;
+    return row + "\n";
+}
+
+} // namespace
+
+TEST(TableReader, ALetterAndTwentyOneNumbersAreABasePairAndItsBases)
+{
+    expectDnaNumbers(onlyDna("A " + dnaNumbers + "\n"), "A");
+    expectDnaNumbers(onlyDna(dnaRow("A") + dnaRow("c") + dnaRow("G") + dnaRow("t")), "ACGT");
+}
+
+TEST(TableReader, AHeaderOfDnaNamesTheNumbersInAnyOrder)
+{
+    expectDnaNumbers(onlyDna(dnaHeader + dnaRow("T")), "T");
+    expectDnaNumbers(onlyDna("base Z2 y2 x2 qw2 qz2 qy2 qx2 x y z QX qy qz qw "
+                             "x1 y1 z1 qx1 qy1 qz1 qw1\n"
+                             "g 9 8 7 0.8 0 0 0.6 1 2 3 0 0 0 1 4 5 6 1 0 0 0\n"),
+                     "G");
+}
+
+TEST(TableReader, AHeaderOfDnaMayHaveUnitsAndCapitalsAndSeparators)
+{
+    expectDnaNumbers(onlyDna("\"Base\";X [A];y (A);z[A];qx;qy;qz;qw;x1 [A];y1;z1;qx1;qy1;qz1;qw1;"
+                             "x2;y2;z2;qx2;qy2;qz2;qw2;\n"
+                             "\"A\";1;2;3;0;0;0;1;4;5;6;1;0;0;0;7;8;9;0,6;0;0;0,8;\n"),
+                     "A");
+}
+
+TEST(TableReader, DnaIsWrittenAsRodsAre)
+{
+    std::string commas = dnaRow("C"), tabs = commas, decimalCommas = commas;
+    std::replace(commas.begin(), commas.end(), ' ', ',');
+    std::replace(tabs.begin(), tabs.end(), ' ', '\t');
+    std::replace(decimalCommas.begin(), decimalCommas.end(), ' ', ';');
+    std::replace(decimalCommas.begin(), decimalCommas.end(), '.', ',');
+    for (const std::string& text :
+         {commas, tabs, decimalCommas, "\r\n # DNA\r\n" + commas, "% DNA\n" + tabs + "# end\n",
+          "  C  " + dnaNumbers + " # first", dnaHeader + commas})
+        expectDnaNumbers(onlyDna(text), "C");
+}
+
+TEST(TableReader, ABlankLineStartsTheNextDna)
+{
+    const Reading reading =
+        readText("# two\n" + dnaHeader + dnaRow("A") + "# still the first\n" + dnaRow("C") +
+                 "\n\n" + dnaRow("G") + "\n" + dnaHeader + dnaRow("T") + dnaRow("T") + dnaRow("T"));
+    ASSERT_TRUE(reading.configuration) << reading.report.error;
+    const std::vector<Dna>& dnas = reading.configuration->dnas;
+    ASSERT_EQ(dnas.size(), 3U);
+    EXPECT_EQ(dnas[0].origin, "rod.txt:3: DNA 1");
+    expectDnaNumbers(dnas[0], "AC");
+    EXPECT_EQ(dnas[1].origin, "rod.txt:8: DNA 2");
+    expectDnaNumbers(dnas[1], "G");
+    EXPECT_EQ(dnas[2].origin, "rod.txt:11: DNA 3");
+    expectDnaNumbers(dnas[2], "TTT");
+}
+
+TEST(TableReader, ScalesTheQuaternionsOfDnaWhenAskedTo)
+{
+    ReadOptions options;
+    options.normalise = true;
+    const Reading reading = readText("A 1 2 3 0 0 0 5  4 5 6 -2 0 0 0  7 8 9 3 0 0 4\n", options);
+    ASSERT_TRUE(reading.configuration) << reading.report.error;
+    const Dna& dna = reading.configuration->dnas[0];
+    EXPECT_EQ(numbersOf(dna.pairRotations), (Rotations{{0, 0, 0, 1}}));
+    EXPECT_EQ(numbersOf(dna.rotations1), (Rotations{{-1, 0, 0, 0}}));
+    EXPECT_EQ(numbersOf(dna.rotations2), (Rotations{{0.6, 0, 0, 0.8}}));
+}
+
+TEST(TableReader, TellsOfDnaWhoseD3DoesNotFollowThePairs)
+{
+    // The identity with its scalar first turns z over.
+    const std::string bases = " 0 0 0 0 0 0 1 0 0 0 0 0 0 1\n";
+    const Reading reading = readText("A 0 0 0 1 0 0 0" + bases + "A 0 0 1 1 0 0 0" + bases);
+    EXPECT_THAT(reading.report.notices,
+                ElementsAre("rod.txt: 1 DNA whose d3 does not follow the pairs: is the scalar of "
+                            "the quaternions last, and d3 the tangent?"));
+}
+
+TEST(TableReader, AScalarNamedAsABaseIsAScalarOfARod)
+{
+    const Rod rod = rodOf("base x y z t a\n1 0 0 0 2 3\n4 0 0 1 5 6\n");
+    EXPECT_THAT(scalarNames(rod), ElementsAre("base", "t", "a"));
+    EXPECT_THAT(scalarNames(rodOf("A x y z X1\n1 0 0 0 2\n4 0 0 1 5\n")), ElementsAre("A", "X1"));
+}
+
+TEST(TableReader, ReadsRandomDnaBackBitForBit)
+{
+    for (unsigned seed = 0; seed < 500; ++seed) {
+        SCOPED_TRACE(seed);
+        std::mt19937 random(seed);
+        const auto number = [&] { return random() * 0x1p-32 + random() * 0x1p-64 - 0.5; };
+        const bool haveHeader = random() % 2 == 0;
+        const char* separator = std::array{" ", "\t", ", ", ";"}[random() % 4];
+        std::string text = haveHeader ? dnaHeader : "";
+        std::vector<Dna> expected(1 + random() % 3);
+        for (Dna& dna : expected) {
+            for (std::size_t i = 0, count = 1 + random() % 8; i < count; ++i) {
+                const std::size_t base = random() % 4;
+                dna.bases += "ACGT"[base];
+                text += (random() % 2 == 0 ? "ACGT" : "acgt")[base];
+                for (const auto& [points, rotations] :
+                     {std::pair(&dna.pairPoints, &dna.pairRotations),
+                      std::pair(&dna.points1, &dna.rotations1),
+                      std::pair(&dna.points2, &dna.rotations2)}) {
+                    points->emplace_back(1e3 * number(), number(), number());
+                    const Quaternion<double> q(number(), number(), number(), number());
+                    const double n = q.getNorm();
+                    rotations->emplace_back(q[0] / n, q[1] / n, q[2] / n, q[3] / n);
+                    for (int k = 0; k < 7; ++k) {
+                        char digits[32];
+                        std::snprintf(digits, sizeof digits, "%.17g",
+                                      k < 3 ? points->back()[k] : rotations->back()[k - 3]);
+                        text += separator + std::string(digits);
+                    }
+                }
+                text += random() % 4 == 0 ? " # pair\n" : "\n";
+            }
+            text += "\n";
+        }
+        const Reading reading = readText(text);
+        ASSERT_TRUE(reading.configuration) << reading.report.error << "\n" << text;
+        ASSERT_EQ(reading.configuration->dnas.size(), expected.size()) << text;
+        for (std::size_t i = 0; i < expected.size(); ++i)
+            expectSameDna(reading.configuration->dnas[i], expected[i]);
+        ASSERT_FALSE(HasFailure()) << text;
+    }
+}
+
 // ---- What is refused
 
 struct BadTable
@@ -513,11 +691,13 @@ INSTANTIATE_TEST_SUITE_P(
                  "5: found 1 distinct point, expected at least 2 in a rod"},
         BadTable{"ARodOfOnePointThreeTimes", "1 1 1\n1 1 1\n1 1 1\n",
                  "1: found 1 distinct point, expected at least 2 in a rod"},
-        BadTable{"AnEmptyFile", "", " found nothing to show, expected at least one rod"},
-        BadTable{"BlankLines", " \n\n\t\n", " found nothing to show, expected at least one rod"},
+        BadTable{"AnEmptyFile", "", " found nothing to show, expected at least one rod or DNA"},
+        BadTable{"BlankLines", " \n\n\t\n",
+                 " found nothing to show, expected at least one rod or DNA"},
         BadTable{"Comments", "# x y z\n# 0 0 0\n",
-                 " found nothing to show, expected at least one rod"},
-        BadTable{"AHeaderOnly", "x y z\n", " found nothing to show, expected at least one rod"},
+                 " found nothing to show, expected at least one rod or DNA"},
+        BadTable{"AHeaderOnly", "x y z\n",
+                 " found nothing to show, expected at least one rod or DNA"},
         BadTable{"ALineAfterCarriageReturns", "0 0 0\r0 0 1\r\n0 0 b\r",
                  "3: column 3 (z): found 'b', expected a finite number"},
         BadTable{"ControlCharacters", std::string("0 0 0\n0 \x1b[1m\0\x7f 0\n", 17),
@@ -529,6 +709,85 @@ INSTANTIATE_TEST_SUITE_P(
                  "0 0 0\n0 0 " + std::string(39, 'a') + "\xc3\xa9\xc3\xa9\n",
                  "2: column 3 (z): found '" + std::string(39, 'a') +
                      "...', expected a finite number"}),
+    [](const auto& test) { return test.param.name; });
+
+namespace {
+
+const std::string expectedOfDna =
+    "22 (a base, and x y z qx qy qz qw of the pair, of strand 1 and of strand 2)";
+const std::string expectedDnaNames = "base, x y z qx qy qz qw, and these with 1 and with 2 behind";
+
+} // namespace
+
+INSTANTIATE_TEST_SUITE_P(
+    BadDna, TableReaderRefuses,
+    testing::Values(
+        BadTable{"AWordForANumberOfThePair", dnaRow("A", 3, "b"),
+                 "1: column 3 (y of the pair): found 'b', expected a finite number"},
+        BadTable{"AnInfinityOfStrand1", dnaRow("A") + dnaRow("A", 15, "inf"),
+                 "2: column 15 (qw of strand 1): found 'inf', expected a finite number"},
+        BadTable{"NaNOfStrand2BelowAHeaderInAnotherOrder",
+                 "base Z2 y2 x2 qw2 qz2 qy2 qx2 x y z qx qy qz qw x1 y1 z1 qx1 qy1 qz1 qw1\n" +
+                     dnaRow("A", 2, "nan"),
+                 "2: column 2 (z of strand 2): found 'nan', expected a finite number"},
+        BadTable{"AnEmptyField", "A,1,,3,0,0,0,1,4,5,6,1,0,0,0,7,8,9,0.6,0,0,0.8\n",
+                 "1: column 3 (y of the pair): found an empty field, expected a finite number"},
+        BadTable{"AnotherLetter", dnaRow("A") + dnaRow("N"),
+                 "2: column 1 (base): found 'N', expected A, C, G or T"},
+        BadTable{"AnotherLetterInTheFirstRow", dnaRow("U"),
+                 "1: column 1 (x): found 'U', expected a finite number"},
+        BadTable{"AnotherLetterBelowAHeader", dnaHeader + dnaRow("U"),
+                 "2: column 1 (base): found 'U', expected A, C, G or T"},
+        BadTable{"TwoLetters", dnaRow("A") + dnaRow("AT"),
+                 "2: column 1 (base): found 'AT', expected A, C, G or T"},
+        BadTable{"NoLetter", "A," + dnaNumbers + "\n," + dnaNumbers + "\n",
+                 "2: column 1 (base): found an empty field, expected A, C, G or T"},
+        BadTable{"ANumberForTheBase", dnaRow("A") + dnaRow("1"),
+                 "2: column 1 (base): found '1', expected A, C, G or T"},
+        BadTable{
+            "AnOpenQuoteAtTheBase", dnaRow("A") + dnaRow("\"A"),
+            "2: column 1 (base): found '\"A 1 2 3 0 0 0 1 4 5 6 1 0 0 0 7 8 9 0.6...', expected a "
+            "closing quote at the end of the field"},
+        BadTable{"ARowOfARod", dnaRow("A") + "0 0 0\n",
+                 "2: column 1 (base): found '0', expected A, C, G or T"},
+        BadTable{"ARowOfDnaAmongRods", "0 0 0\n0 0 1\n\n" + dnaRow("A"),
+                 "4: column 1 (x): found 'A', expected a finite number"},
+        BadTable{"AnAtomByItsName", "C 0 0 0\nC 0 0 1\n",
+                 "1: found 4 columns, expected " + expectedOfDna},
+        BadTable{"OneNumberMore", "t " + dnaNumbers + " 5\n",
+                 "1: found 23 columns, expected " + expectedOfDna},
+        BadTable{"DecimalCommasBetweenBlanks", "A 1,5 2,5 3\n",
+                 "1: found 6 columns, expected " + expectedOfDna + ", with a decimal point"},
+        BadTable{"AShorterRow", dnaRow("A") + "A 1 2 3\n",
+                 "2: found 4 columns, expected 22 as in line 1"},
+        BadTable{"ALongerRow", dnaHeader + "A " + dnaNumbers + " 5\n",
+                 "2: found 23 columns, expected 22 as in line 1"},
+        BadTable{"ALetterAlone", "A\n",
+                 "1: column 1: found 'A', expected a number, or a header that names x y z, and "
+                 "qx qy qz qw if there are quaternions"},
+        BadTable{"ACoordinateBeyondFloat", dnaRow("A", 18, "-2e18"),
+                 "1: column 18 (z of strand 2): found -2e+18, expected a coordinate between -1e18 "
+                 "and 1e18"},
+        BadTable{"AQuaternionOfThePairTooLong", dnaRow("A", 8, "1.5"),
+                 "1: columns qx qy qz qw of the pair: found a quaternion of norm 1.5, expected 1 "
+                 "within 0.01 (--normalise accepts others)"},
+        BadTable{"AQuaternionOfStrand1TooShort", dnaRow("A") + dnaRow("A", 12, "0.5"),
+                 "2: columns qx qy qz qw of strand 1: found a quaternion of norm 0.5, expected 1 "
+                 "within 0.01 (--normalise accepts others)"},
+        BadTable{"TheZeroQuaternionOfStrand2", "A 1 2 3 0 0 0 1  4 5 6 1 0 0 0  7 8 9 0 0 0 0\n",
+                 "1: columns qx qy qz qw of strand 2: found a quaternion of norm 0, expected 1 "
+                 "within 0.01 (--normalise accepts others)"},
+        BadTable{"AHeaderWithoutAllNames",
+                 "base x y z qx qy qz qw x1 y1 z1 qx1 qy1 qw1 x2 y2 qx2 qy2 qz2 qw2\n",
+                 "1: found a header without qz1 z2, expected " + expectedDnaNames},
+        BadTable{"AHeaderWithAScalar", "base x y z charge x1\n",
+                 "1: column 5: found 'charge', expected only " + expectedDnaNames},
+        BadTable{"AHeaderWithANameTwice", "base x y z x1 x2 X1\n",
+                 "1: column 7: found 'X1' again, expected each name once"},
+        BadTable{"AHeaderOnlyOfDna", dnaHeader,
+                 " found nothing to show, expected at least one rod or DNA"},
+        BadTable{"AHeaderInsideDna", dnaHeader + dnaRow("A") + dnaHeader,
+                 "3: column 1 (base): found 'base', expected A, C, G or T"}),
     [](const auto& test) { return test.param.name; });
 
 // ---- Any table

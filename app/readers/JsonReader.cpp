@@ -6,14 +6,15 @@
 #include <cctype>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <unordered_set>
 #include <utility>
 #include <vector>
 
 #include <nlohmann/json.hpp>
 
-#include "readers/RodChecks.h"
-#include "readers/RodCollector.h"
+#include "readers/Collector.h"
+#include "readers/DataChecks.h"
 #include "readers/wording.h"
 
 namespace {
@@ -24,6 +25,23 @@ enum class Place {
     version,
     rods,
     rod,
+    birods,
+    birod,
+    dnas,
+    dna,
+    sequence,
+    strand,
+    markers,
+    marker,
+    shape,
+    transparency,
+    id,
+    frames,
+    frame,
+    arrows,
+    arrow,
+    length,
+    colour,
     points,
     point,
     quaternions,
@@ -33,21 +51,39 @@ enum class Place {
     number
 };
 
-enum class Kind { object, array, number };
+enum class Kind { object, array, number, text };
 
 /// What a place holds.
 struct Rule
 {
     Kind kind;
-    Place element; ///< of every element; unused for numbers and for objects with Members
+    Place element; ///< of every element; unused but for arrays and the free keys of scalars
     const char* expected;
 };
 
 constexpr Rule rules[] = {
-    /* file */ {Kind::object, Place::file, "an object with strandview and rods"},
+    /* file */ {Kind::object, Place::file,
+                "an object with strandview and rods, birods, dna, markers, frames or arrows"},
     /* version */ {Kind::number, Place::version, "1"},
     /* rods */ {Kind::array, Place::rod, "an array of rods"},
     /* rod */ {Kind::object, Place::rod, "an object with points"},
+    /* birods */ {Kind::array, Place::birod, "an array of birods"},
+    /* birod */ {Kind::object, Place::birod, "an object with average, strand1 and strand2"},
+    /* dnas */ {Kind::array, Place::dna, "an array of DNA"},
+    /* dna */ {Kind::object, Place::dna, "an object with sequence, pairs, strand1 and strand2"},
+    /* sequence */ {Kind::text, Place::sequence, "a string of A, C, G and T"},
+    /* strand */ {Kind::object, Place::strand, "an object with points and quaternions"},
+    /* markers */ {Kind::array, Place::marker, "an array of markers"},
+    /* marker */ {Kind::object, Place::marker, "an object with point"},
+    /* shape */ {Kind::text, Place::shape, "sphere, cube or cross"},
+    /* transparency */ {Kind::number, Place::transparency, "a number from 0 to 1"},
+    /* id */ {Kind::number, Place::id, "a whole number from -2^63 to 2^63 - 1"},
+    /* frames */ {Kind::array, Place::frame, "an array of frames"},
+    /* frame */ {Kind::object, Place::frame, "an object with point and quaternion"},
+    /* arrows */ {Kind::array, Place::arrow, "an array of arrows"},
+    /* arrow */ {Kind::object, Place::arrow, "an object with from and to"},
+    /* length */ {Kind::number, Place::length, "a number above 0 and up to 1e18"},
+    /* colour */ {Kind::text, Place::colour, "a colour: #rrggbb or an SVG name"},
     /* points */ {Kind::array, Place::point, "an array of points"},
     /* point */ {Kind::array, Place::number, "an array of 3 numbers"},
     /* quaternions */ {Kind::array, Place::quaternion, "an array of quaternions"},
@@ -59,18 +95,50 @@ constexpr Rule rules[] = {
 
 const Rule& ruleOf(Place place) { return rules[static_cast<std::size_t>(place)]; }
 
+enum class Need { required, optional };
+
 /// A key with a meaning of its own; those of scalars are free.
 struct Member
 {
     Place owner;
-    Place place;
     const char* key;
+    Place place;
+    Need need;
 };
 
 constexpr Member members[] = {
-    {Place::file, Place::version, "strandview"}, {Place::file, Place::rods, "rods"},
-    {Place::rod, Place::points, "points"},       {Place::rod, Place::quaternions, "quaternions"},
-    {Place::rod, Place::scalars, "scalars"},
+    {Place::file, "strandview", Place::version, Need::required},
+    {Place::file, "rods", Place::rods, Need::optional},
+    {Place::file, "birods", Place::birods, Need::optional},
+    {Place::file, "dna", Place::dnas, Need::optional},
+    {Place::file, "markers", Place::markers, Need::optional},
+    {Place::file, "frames", Place::frames, Need::optional},
+    {Place::file, "arrows", Place::arrows, Need::optional},
+    {Place::rod, "points", Place::points, Need::required},
+    {Place::rod, "quaternions", Place::quaternions, Need::optional},
+    {Place::rod, "scalars", Place::scalars, Need::optional},
+    {Place::birod, "average", Place::strand, Need::required},
+    {Place::birod, "strand1", Place::strand, Need::required},
+    {Place::birod, "strand2", Place::strand, Need::required},
+    {Place::dna, "sequence", Place::sequence, Need::required},
+    {Place::dna, "pairs", Place::strand, Need::required},
+    {Place::dna, "strand1", Place::strand, Need::required},
+    {Place::dna, "strand2", Place::strand, Need::required},
+    {Place::strand, "points", Place::points, Need::required},
+    {Place::strand, "quaternions", Place::quaternions, Need::required},
+    {Place::marker, "point", Place::point, Need::required},
+    {Place::marker, "shape", Place::shape, Need::optional},
+    {Place::marker, "size", Place::length, Need::optional},
+    {Place::marker, "colour", Place::colour, Need::optional},
+    {Place::marker, "transparency", Place::transparency, Need::optional},
+    {Place::marker, "id", Place::id, Need::optional},
+    {Place::frame, "point", Place::point, Need::required},
+    {Place::frame, "quaternion", Place::quaternion, Need::required},
+    {Place::frame, "size", Place::length, Need::optional},
+    {Place::arrow, "from", Place::point, Need::required},
+    {Place::arrow, "to", Place::point, Need::required},
+    {Place::arrow, "radius", Place::length, Need::optional},
+    {Place::arrow, "colour", Place::colour, Need::optional},
 };
 
 const Member* findMember(Place owner, const std::string& key)
@@ -89,6 +157,20 @@ std::string keysOf(Place owner)
             keys += (keys.empty() ? "" : ", ") + std::string(member.key);
     return keys;
 }
+
+constexpr std::pair<const char*, Marker::Shape> shapes[] = {{"sphere", Marker::Shape::sphere},
+                                                            {"cube", Marker::Shape::cube},
+                                                            {"cross", Marker::Shape::cross}};
+
+using Vector = algebra3d::Vector3<double>;
+using Quaternion = algebra3d::Quaternion<double>;
+
+/// Points with their frames, whatever they belong to.
+struct Strand
+{
+    std::vector<Vector> points;
+    std::vector<Quaternion> rotations;
+};
 
 /// An object or array that the parser is in, and where in it.
 struct Level
@@ -145,7 +227,7 @@ std::string placeInText(std::string_view text, std::size_t byte)
 }
 
 /// Is told every event of the parser, in the order of the text, and keeps no more of
-/// it than the rod being read. Each event answers whether to go on.
+/// it than the rod, the DNA or the like being read. Each event answers whether to go on.
 class JsonReader : public nlohmann::json_sax<nlohmann::json>
 {
 public:
@@ -164,20 +246,25 @@ public:
         }
         if (!nlohmann::json::sax_parse(text.begin(), text.end(), this))
             return {};
-        return collector.finish(fileName, report);
+        return collector.finish(fileName, "rod, birod, DNA, marker, frame or arrow", report);
     }
 
     bool null() override { return failExpected("null"); }
     bool boolean(bool value) override { return failExpected(value ? "true" : "false"); }
     bool string(std::string& value) override
     {
-        return failExpected("the string " + inQuotes(value));
+        const Place place = nextPlace();
+        if (ruleOf(place).kind != Kind::text)
+            return failExpected("the string " + inQuotes(value));
+        return takeText(place, value) && goOn();
     }
     bool binary(binary_t&) override { return failExpected("binary data"); }
-    bool number_integer(std::int64_t value) override { return number(static_cast<double>(value)); }
+    bool number_integer(std::int64_t value) override { return wholeNumber(value); }
     bool number_unsigned(std::uint64_t value) override
     {
-        return number(static_cast<double>(value));
+        constexpr std::uint64_t largest = std::numeric_limits<std::int64_t>::max();
+        return value <= largest ? wholeNumber(static_cast<std::int64_t>(value))
+                                : number(static_cast<double>(value));
     }
     bool number_float(double value, const std::string&) override { return number(value); }
 
@@ -200,11 +287,11 @@ public:
     bool end_object() override
     {
         const Level level = leave();
-        if (level.place == Place::file)
-            return requireKey(level, "strandview") && requireKey(level, "rods") && goOn();
-        if (level.place == Place::rod)
-            return requireKey(level, "points") && finishRod(level) && goOn();
-        return goOn();
+        for (const Member& member : members)
+            if (member.owner == level.place && member.need == Need::required &&
+                !level.keys.count(member.key))
+                return fail("found no key " + std::string(member.key) + ", expected one");
+        return finish(level) && goOn();
     }
 
     bool end_array() override
@@ -265,14 +352,40 @@ private:
         return true;
     }
 
+    bool wholeNumber(std::int64_t value)
+    {
+        if (nextPlace() != Place::id)
+            return number(static_cast<double>(value));
+        marker.id = value;
+        return goOn();
+    }
+
     bool number(double value)
     {
         const Place place = nextPlace();
-        if (ruleOf(place).kind != Kind::number || (place == Place::version && value != 1))
+        if (!mayStandAt(place, value))
             return failExpected(formatted(value));
         if (place == Place::number && !addNumber(levels.back(), value))
             return false;
+        if (place == Place::transparency)
+            marker.transparency = value;
+        if (place == Place::length)
+            currentLength() = value;
         return goOn();
+    }
+
+    static bool mayStandAt(Place place, double value)
+    {
+        switch (place) {
+        case Place::version:
+            return value == 1;
+        case Place::transparency:
+            return value >= 0 && value <= 1;
+        case Place::length:
+            return value > 0 && isCoordinate(value);
+        default:
+            return place == Place::number;
+        }
     }
 
     /// The number is the current element of a point, a quaternion or a scalar's values.
@@ -287,43 +400,189 @@ private:
         return true;
     }
 
+    bool takeText(Place place, std::string& value)
+    {
+        if (place == Place::sequence)
+            return takeSequence(value);
+        if (place == Place::shape)
+            return takeShape(value);
+        currentColour() = std::move(value);
+        return true;
+    }
+
+    bool takeSequence(const std::string& value)
+    {
+        for (std::size_t i = 0; i < value.size(); ++i) {
+            const std::optional<char> base = parseBase(value[i]);
+            if (!base)
+                return failAt(path() + "[" + std::to_string(i) + "]",
+                              "found " +
+                                  inQuotes(firstCharacter(std::string_view(value).substr(i))) +
+                                  ", expected " + expectedBase);
+            dna.bases += *base;
+        }
+        return true;
+    }
+
+    bool takeShape(const std::string& value)
+    {
+        for (const auto& [name, shape] : shapes)
+            if (value == name) {
+                marker.shape = shape;
+                return true;
+            }
+        return failExpected("the string " + inQuotes(value));
+    }
+
+    /// Where a value belongs that stands in several objects.
+    Vector& currentPoint()
+    {
+        const Level& level = levels.back();
+        if (level.place == Place::points)
+            return strand.points.emplace_back();
+        if (level.place == Place::arrow)
+            return level.key == "from" ? arrow.from : arrow.to;
+        return level.place == Place::marker ? marker.point : frame.point;
+    }
+    Quaternion& currentRotation()
+    {
+        return levels.back().place == Place::frame ? frame.rotation
+                                                   : strand.rotations.emplace_back();
+    }
+    std::optional<double>& currentLength()
+    {
+        const Place owner = levels.back().place;
+        return owner == Place::marker  ? marker.size
+               : owner == Place::frame ? frame.size
+                                       : arrow.radius;
+    }
+    std::optional<std::string>& currentColour()
+    {
+        return levels.back().place == Place::marker ? marker.colour : arrow.colour;
+    }
+
     bool addPoint()
     {
-        rod.points.emplace_back(components[0], components[1], components[2]);
+        currentPoint() = Vector(components[0], components[1], components[2]);
         return true;
     }
 
     bool addRotation()
     {
-        rod.rotations.emplace_back(components[0], components[1], components[2], components[3]);
-        const std::string fault = checkRotation(rod.rotations.back(), options);
+        Quaternion& rotation = currentRotation();
+        rotation = Quaternion(components[0], components[1], components[2], components[3]);
+        const std::string fault = checkRotation(rotation, options);
         return fault.empty() || fail(fault);
+    }
+
+    /// An object is complete.
+    bool finish(const Level& level)
+    {
+        switch (level.place) {
+        case Place::rod:
+            return finishRod(level);
+        case Place::strand:
+            return finishStrand();
+        case Place::birod:
+            return finishBirod();
+        case Place::dna:
+            return finishDna();
+        case Place::marker:
+            if (!level.keys.count("id"))
+                marker.id = static_cast<long long>(levels.back().index);
+            return finishGlyph(marker);
+        case Place::frame:
+            return finishGlyph(frame);
+        case Place::arrow:
+            return finishGlyph(arrow);
+        default:
+            return true;
+        }
     }
 
     bool finishRod(const Level& level)
     {
+        const std::size_t count = strand.points.size();
         if (level.keys.count("quaternions") &&
-            !requireOnePerPoint(".quaternions", rod.rotations.size()))
+            !requireOneEach(".quaternions", strand.rotations.size(), count, "point"))
             return false;
         for (const Scalar& scalar : rod.scalars)
-            if (!requireOnePerPoint(".scalars" + memberText(scalar.name), scalar.values.size()))
+            if (!requireOneEach(".scalars" + memberText(scalar.name), scalar.values.size(), count,
+                                "point"))
                 return false;
         rod.origin = fileName + ": " + path();
-        const std::string fault = collector.add(std::exchange(rod, Rod()));
-        return fault.empty() || failAt(path() + ".points", fault);
+        moveStrand(strand, rod.points, rod.rotations);
+        return acceptedAt(".points", collector.add(std::exchange(rod, Rod())));
     }
 
-    bool requireOnePerPoint(const std::string& member, std::size_t count)
+    bool finishStrand()
     {
-        return count == rod.points.size() ||
+        if (!requireOneEach(".quaternions", strand.rotations.size(), strand.points.size(), "point"))
+            return false;
+        const std::string& key = levels.back().key;
+        strands[key == "strand1" ? 1 : key == "strand2" ? 2 : 0] = std::exchange(strand, Strand());
+        return true;
+    }
+
+    bool finishBirod()
+    {
+        if (!requireStrandsOf(strands[0].points.size(), "average", "point of the average"))
+            return false;
+        Birod birod;
+        birod.origin = fileName + ": " + path();
+        moveStrand(strands[0], birod.points, birod.rotations);
+        moveStrand(strands[1], birod.points1, birod.rotations1);
+        moveStrand(strands[2], birod.points2, birod.rotations2);
+        return acceptedAt("", collector.add(std::move(birod)));
+    }
+
+    bool finishDna()
+    {
+        if (!requireStrandsOf(dna.bases.size(), "pairs", "base"))
+            return false;
+        dna.origin = fileName + ": " + path();
+        moveStrand(strands[0], dna.pairPoints, dna.pairRotations);
+        moveStrand(strands[1], dna.points1, dna.rotations1);
+        moveStrand(strands[2], dna.points2, dna.rotations2);
+        return acceptedAt(".sequence", collector.add(std::exchange(dna, Dna())));
+    }
+
+    bool requireStrandsOf(std::size_t count, const std::string& first, const char* each)
+    {
+        const std::string keys[] = {first, "strand1", "strand2"};
+        for (std::size_t i = 0; i < strands.size(); ++i)
+            if (!requireOneEach("." + keys[i] + ".points", strands[i].points.size(), count, each))
+                return false;
+        return true;
+    }
+
+    static void moveStrand(Strand& from, std::vector<Vector>& points,
+                           std::vector<Quaternion>& rotations)
+    {
+        points = std::move(from.points);
+        rotations = std::move(from.rotations);
+        from = Strand();
+    }
+
+    template <typename Glyph>
+    bool finishGlyph(Glyph& glyph)
+    {
+        glyph.origin = fileName + ": " + path();
+        collector.add(std::exchange(glyph, Glyph()));
+        return true;
+    }
+
+    bool acceptedAt(const std::string& member, const std::string& fault)
+    {
+        return fault.empty() || failAt(path() + member, fault);
+    }
+
+    bool requireOneEach(const std::string& member, std::size_t count, std::size_t expected,
+                        const char* each)
+    {
+        return count == expected ||
                failAt(path() + member, "found " + std::to_string(count) + ", expected " +
-                                           std::to_string(rod.points.size()) +
-                                           ", one for each point");
-    }
-
-    bool requireKey(const Level& level, const char* key)
-    {
-        return level.keys.count(key) || fail("found no key " + std::string(key) + ", expected one");
+                                           std::to_string(expected) + ", one for each " + each);
     }
 
     bool requireCount(const Level& level, std::size_t count)
@@ -366,8 +625,14 @@ private:
     ReadReport& report;
     std::vector<Level> levels;        ///< from the outermost in
     std::array<double, 4> components; ///< of the point or quaternion being read
-    Rod rod;                          ///< the one being read
-    RodCollector collector;
+    Strand strand;                    ///< being read, and so are these
+    std::array<Strand, 3> strands;    ///< average or pairs, strand 1, strand 2
+    Rod rod;                          ///< without its points and rotations
+    Dna dna;                          ///< without those either
+    Marker marker;
+    Frame frame;
+    Arrow arrow;
+    Collector collector;
 };
 
 } // namespace

@@ -9,16 +9,29 @@
 #include "Configuration.h"
 #include "readers/ReadReport.h"
 
-/// Reads rods from JSON, version 1:
+/// Reads JSON, version 1:
 ///
 ///     {"strandview": 1,
 ///      "rods": [{"points": [[x, y, z], ...],
 ///                "quaternions": [[x, y, z, w], ...],
-///                "scalars": {"name": [number, ...], ...}}, ...]}
+///                "scalars": {"name": [number, ...], ...}}, ...],
+///      "birods": [{"average": STRAND, "strand1": STRAND, "strand2": STRAND}, ...],
+///      "dna": [{"sequence": "ACGT...",
+///               "pairs": STRAND, "strand1": STRAND, "strand2": STRAND}, ...],
+///      "markers": [{"point": [x, y, z], "shape": "sphere", "size": number,
+///                   "colour": "red", "transparency": number, "id": number}, ...],
+///      "frames": [{"point": [x, y, z], "quaternion": [x, y, z, w], "size": number}, ...],
+///      "arrows": [{"from": [x, y, z], "to": [x, y, z], "radius": number,
+///                  "colour": "red"}, ...]}
 ///
-/// "quaternions" and "scalars" may be missing; what is there has one entry per point.
-/// Any other key is an error, and so is a key twice in one object. The origin of a rod
-/// is "fileName: rods[0]".
+/// with {"points": [[x, y, z], ...], "quaternions": [[x, y, z, w], ...]} for STRAND.
+///
+/// What may be missing: any of the arrays of the file, if one of the others has something
+/// in it; of a rod "quaternions" and "scalars"; of a marker all but "point"; the
+/// "size", "radius" and "colour" of anything. What is there has one entry per point,
+/// or per letter of the sequence, which may be small. A shape is a sphere, cube or cross.
+/// Any other key is an error, and so is a key twice in one object. The origin of a rod is
+/// "fileName: rods[0]", and so on.
 ///
 /// Nothing and report.error if that fails. Where the text is not JSON the error is
 /// "fileName:line:column: found ..., expected ...", with the character, counted from

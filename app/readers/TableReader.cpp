@@ -13,15 +13,35 @@
 #include <utility>
 #include <vector>
 
-#include "readers/RodChecks.h"
-#include "readers/RodCollector.h"
+#include "readers/Collector.h"
+#include "readers/DataChecks.h"
 #include "readers/wording.h"
 
 namespace {
 
-/// The columns that place a point, in the order of a table without a header.
-constexpr std::array<std::string_view, 7> geometryNames = {"x", "y", "z", "qx", "qy", "qz", "qw"};
+using Names = std::vector<std::string>;
+
+/// The columns that place a point with its frame, in the order of a table without a header.
+const Names rodNames = {"x", "y", "z", "qx", "qy", "qz", "qw"};
+constexpr std::size_t frameWidth = 7;
 constexpr std::size_t noColumn = static_cast<std::size_t>(-1);
+
+/// What the frames of a row of DNA belong to.
+constexpr std::array<const char*, 3> dnaOwners = {"the pair", "strand 1", "strand 2"};
+constexpr std::size_t dnaWidth = 1 + dnaOwners.size() * frameWidth; ///< the base comes first
+constexpr char expectedOfDna[] =
+    "a base, and x y z qx qy qz qw of the pair, of strand 1 and of strand 2";
+
+/// The columns that place a base pair: as of a rod, then with 1, then with 2 behind.
+Names makeDnaNames()
+{
+    Names names = rodNames;
+    for (const char* strand : {"1", "2"})
+        for (const std::string& name : rodNames)
+            names.push_back(name + strand);
+    return names;
+}
+const Names dnaNames = makeDnaNames();
 
 bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\v' || c == '\f'; }
 bool endsLine(char c) { return c == '\n' || c == '\r'; }
@@ -206,10 +226,10 @@ std::string foundField(std::string_view field)
     return field.empty() ? "found an empty field" : "found " + inQuotes(field);
 }
 
-std::size_t indexOfGeometryName(std::string_view name)
+std::size_t indexOfName(std::string_view name, const Names& names)
 {
-    const auto found = std::find(geometryNames.begin(), geometryNames.end(), name);
-    return found == geometryNames.end() ? noColumn : found - geometryNames.begin();
+    const auto found = std::find(names.begin(), names.end(), name);
+    return found == names.end() ? noColumn : found - names.begin();
 }
 
 /// The text before a last part in brackets: "x" for "x [m]" and "x(nm)".
@@ -222,37 +242,43 @@ std::string_view withoutUnit(std::string_view field)
     return bracket == std::string_view::npos ? field : trimmed(field.substr(0, bracket));
 }
 
-/// A column's name: x y z qx qy qz qw in lower case and without a unit, any other as it is.
-std::string nameOfColumn(std::string_view field)
+std::string inSmallLetters(std::string_view text)
 {
-    std::string lower(withoutUnit(field));
+    std::string lower(text);
     for (char& c : lower)
         if (c >= 'A' && c <= 'Z')
             c = static_cast<char>(c - 'A' + 'a');
-    return indexOfGeometryName(lower) == noColumn ? std::string(field) : lower;
+    return lower;
 }
 
-bool isGeometryName(std::string_view field)
+/// A column's name: a known one in lower case and without a unit, any other as it is.
+std::string nameOfColumn(std::string_view field, const Names& known)
 {
-    return indexOfGeometryName(nameOfColumn(field)) != noColumn;
+    std::string lower = inSmallLetters(withoutUnit(field));
+    return indexOfName(lower, known) == noColumn ? std::string(field) : lower;
+}
+
+bool isNameOf(std::string_view field, const Names& known)
+{
+    return indexOfName(nameOfColumn(field, known), known) != noColumn;
 }
 
 std::string nameByNumber(std::size_t column) { return "column" + std::to_string(column + 1); }
 
 /// The first may have no name: that of an index often has none.
-std::vector<std::string> namesOfColumns(const std::vector<std::string_view>& fields)
+Names namesOfColumns(const std::vector<std::string_view>& fields, const Names& known)
 {
-    std::vector<std::string> names(fields.size());
-    std::transform(fields.begin(), fields.end(), names.begin(), nameOfColumn);
+    Names names;
+    for (const std::string_view field : fields)
+        names.push_back(nameOfColumn(field, known));
     if (names[0].empty())
         names[0] = nameByNumber(0);
     return names;
 }
 
-std::vector<std::string> namesWithoutHeader(std::size_t count)
+Names namesWithoutHeader(std::size_t count)
 {
-    std::vector<std::string> names(geometryNames.begin(),
-                                   geometryNames.begin() + std::min<std::size_t>(count, 7));
+    Names names(rodNames.begin(), rodNames.begin() + std::min(count, frameWidth));
     while (names.size() < count)
         names.push_back(nameByNumber(names.size()));
     return names;
@@ -260,10 +286,22 @@ std::vector<std::string> namesWithoutHeader(std::size_t count)
 
 bool haveNamesOfPoints(const std::vector<std::string_view>& fields)
 {
-    return std::all_of(geometryNames.begin(), geometryNames.begin() + 3, [&](auto name) {
+    return std::all_of(rodNames.begin(), rodNames.begin() + 3, [&](const std::string& name) {
         return std::any_of(fields.begin(), fields.end(),
-                           [&](auto field) { return nameOfColumn(field) == name; });
+                           [&](auto field) { return nameOfColumn(field, rodNames) == name; });
     });
+}
+
+bool isBase(std::string_view field) { return field.size() == 1 && parseBase(field[0]); }
+
+/// Whether a header is one of DNA: that names a base first, and then a strand's place. A
+/// rod may have a scalar named base.
+bool isDnaHeader(const std::vector<std::string_view>& fields)
+{
+    return inSmallLetters(fields[0]) == "base" &&
+           std::any_of(fields.begin(), fields.end(), [](auto field) {
+               return isNameOf(field, dnaNames) && !isNameOf(field, rodNames);
+           });
 }
 
 /// The fields of the line the scanner is in if it is a header: where commas, semicolons
@@ -287,12 +325,12 @@ struct Columns
 {
     std::size_t line = 0; ///< where they were fixed; 0 before that
     bool endWithComma = false;
-    std::vector<std::string> names;
-    std::array<std::size_t, 7> geometry; ///< the column of each of geometryNames, or noColumn
-    std::vector<std::size_t> scalars;    ///< the others
+    bool areOfDna = false;
+    Names names;
+    std::vector<std::size_t> geometry; ///< the column of each of knownNames(), or noColumn
+    std::vector<std::size_t> others;   ///< the scalars; of DNA the base
 
-    Columns() { geometry.fill(noColumn); }
-
+    const Names& knownNames() const { return areOfDna ? dnaNames : rodNames; }
     bool haveRotations() const { return geometry[3] != noColumn; }
 };
 
@@ -309,19 +347,19 @@ public:
         for (; !scanner.isAtEnd(); scanner.nextLine())
             if (!readLine())
                 return {};
-        if (!finishRod())
+        if (!finishBlock())
             return {};
-        return collector.finish(fileName, report);
+        return collector.finish(fileName, "rod or DNA", report);
     }
 
 private:
     bool readLine()
     {
         if (scanner.isLineBlank())
-            return finishRod();
+            return finishBlock();
         if (scanner.isLineComment())
             return true;
-        if (!rod.points.empty())
+        if (isInBlock())
             return readRow();
         if (columns.line == 0)
             return takeFirstLine();
@@ -341,10 +379,13 @@ private:
         columns.endWithComma = fields.size() > 1 && fields.back().empty();
         if (columns.endWithComma)
             fields.pop_back();
-        return isHeader(fields) ? takeHeader(fields) : takeColumnCount(fields.size()) && readRow();
+        if (isHeader(fields))
+            return takeHeader(fields);
+        columns.areOfDna = isBase(fields[0]);
+        return takeColumnCount(fields.size()) && readRow();
     }
 
-    /// Above a later rod.
+    /// Above a later rod or DNA.
     bool isHeaderAgain() const
     {
         if (isNumber(*FieldScanner(scanner).nextField())) // most often
@@ -352,18 +393,31 @@ private:
         std::vector<std::string_view> fields = headerFields(scanner);
         if (columns.endWithComma && fields.back().empty())
             fields.pop_back();
-        return isHeader(fields) && namesOfColumns(fields) == columns.names;
+        return isHeader(fields) && namesOfColumns(fields, columns.knownNames()) == columns.names;
     }
 
     bool takeColumnCount(std::size_t count)
     {
+        if (columns.areOfDna)
+            return takeDnaColumnCount(count);
         if (count == 1 && isAtomList())
             return fail("found an atom list, expected rows of numbers");
-        if (count != 3 && count < geometryNames.size())
+        if (count != 3 && count < frameWidth)
             return fail("found " + counted(count, "column") +
                         ", expected 3 (x y z), or 7 or more (x y z qx qy qz qw and scalars)" +
                         hintFor(scanner));
         setColumns(namesWithoutHeader(count));
+        return true;
+    }
+
+    bool takeDnaColumnCount(std::size_t count)
+    {
+        if (count != dnaWidth)
+            return fail("found " + counted(count, "column") + ", expected " +
+                        std::to_string(dnaWidth) + " (" + expectedOfDna + ")" + hintFor(scanner));
+        Names names = {"base"};
+        names.insert(names.end(), dnaNames.begin(), dnaNames.end());
+        setColumns(std::move(names));
         return true;
     }
 
@@ -393,11 +447,13 @@ private:
             if (hasOpenQuote(fields[c]))
                 return fail(columnText(c) + ": " + foundField(fields[c]) + ", expected " +
                             expectedClosingQuote);
-        if (std::none_of(fields.begin(), fields.end(), isGeometryName))
+        columns.areOfDna = isDnaHeader(fields);
+        if (std::none_of(fields.begin(), fields.end(),
+                         [&](auto field) { return isNameOf(field, columns.knownNames()); }))
             return fail("column 1: " + foundField(fields[0]) +
                         ", expected a number, or a header that names x y z, and qx qy qz qw if "
                         "there are quaternions");
-        std::vector<std::string> names = namesOfColumns(fields);
+        Names names = namesOfColumns(fields, columns.knownNames());
         std::unordered_set<std::string> seen;
         for (std::size_t c = 0; c < fields.size(); ++c) {
             if (names[c].empty())
@@ -407,31 +463,46 @@ private:
                             " again, expected each name once");
         }
         setColumns(std::move(names));
-        return checkHeader();
+        return columns.areOfDna ? checkDnaHeader() : checkRodHeader();
     }
 
-    bool checkHeader()
+    bool checkRodHeader()
     {
         const bool anyRotation = std::any_of(columns.geometry.begin() + 3, columns.geometry.end(),
                                              [](std::size_t column) { return column != noColumn; });
-        std::string missing;
-        for (std::size_t i = 0; i < (anyRotation ? 7 : 3); ++i)
-            if (columns.geometry[i] == noColumn)
-                missing += " " + std::string(geometryNames[i]);
-        if (missing.empty())
-            return true;
-        return fail("found a header without" + missing +
-                    ", expected x y z and all or none of qx qy qz qw");
+        return requireNames(anyRotation ? 7 : 3, "x y z and all or none of qx qy qz qw");
     }
 
-    void setColumns(std::vector<std::string> names)
+    bool checkDnaHeader()
+    {
+        constexpr char expected[] = "base, x y z qx qy qz qw, and these with 1 and with 2 behind";
+        if (columns.others.size() == 1)
+            return requireNames(dnaNames.size(), expected);
+        const std::size_t other = columns.others[1];
+        return fail(columnText(other) + ": found " + inQuotes(columns.names[other]) +
+                    ", expected only " + expected);
+    }
+
+    /// The first so many of those known.
+    bool requireNames(std::size_t count, const char* expected)
+    {
+        std::string missing;
+        for (std::size_t i = 0; i < count; ++i)
+            if (columns.geometry[i] == noColumn)
+                missing += " " + columns.knownNames()[i];
+        return missing.empty() ||
+               fail("found a header without" + missing + ", expected " + expected);
+    }
+
+    void setColumns(Names names)
     {
         columns.line = scanner.getLine();
         columns.names = std::move(names);
+        columns.geometry.assign(columns.knownNames().size(), noColumn);
         for (std::size_t c = 0; c < columns.names.size(); ++c) {
-            const std::size_t index = indexOfGeometryName(columns.names[c]);
+            const std::size_t index = indexOfName(columns.names[c], columns.knownNames());
             if (index == noColumn)
-                columns.scalars.push_back(c);
+                columns.others.push_back(c);
             else
                 columns.geometry[index] = c;
         }
@@ -460,11 +531,13 @@ private:
             return fail("found " + counted(count, "column") + ", expected " +
                         std::to_string(row.size()) + " as in line " + std::to_string(columns.line) +
                         hintFor(start));
-        return addPoint();
+        return addRow();
     }
 
     bool readField(std::string_view field, std::size_t column)
     {
+        if (columns.areOfDna && column == 0)
+            return readBase(field);
         const std::errc status = parseNumber(field, row[column]);
         const bool isComma = !scanner.areCommasText() && hasComma(field);
         if (status == std::errc() && std::isfinite(row[column]) && !isComma)
@@ -473,40 +546,70 @@ private:
                     expectedInstead(field, status));
     }
 
-    /// The row's numbers become the rod's next point.
-    bool addPoint()
+    bool readBase(std::string_view field)
     {
-        const auto& at = columns.geometry;
+        if (!isBase(field))
+            return fail(nameText(0) + ": " + foundField(field) + ", expected " +
+                        (hasOpenQuote(field) ? expectedClosingQuote : expectedBase));
+        base = *parseBase(field[0]);
+        return true;
+    }
+
+    bool addRow()
+    {
+        if (!isInBlock())
+            openBlock();
+        if (columns.areOfDna) {
+            dna.bases += base;
+            return addFrame(0, dna.pairPoints, dna.pairRotations) &&
+                   addFrame(1, dna.points1, dna.rotations1) &&
+                   addFrame(2, dna.points2, dna.rotations2);
+        }
+        for (std::size_t i = 0; i < columns.others.size(); ++i)
+            rod.scalars[i].values.push_back(row[columns.others[i]]);
+        return addFrame(0, rod.points, rod.rotations);
+    }
+
+    /// One of the points that the row places, with its rotation.
+    bool addFrame(std::size_t frame, std::vector<algebra3d::Vector3<double>>& points,
+                  std::vector<algebra3d::Quaternion<double>>& rotations)
+    {
+        const std::size_t* at = &columns.geometry[frame * frameWidth];
         for (std::size_t i = 0; i < 3; ++i)
             if (!isCoordinate(row[at[i]]))
                 return fail(nameText(at[i]) + ": found " + formatted(row[at[i]]) + ", expected " +
                             expectedCoordinate);
-        if (rod.points.empty())
-            openRod();
-        rod.points.emplace_back(row[at[0]], row[at[1]], row[at[2]]);
-        for (std::size_t i = 0; i < columns.scalars.size(); ++i)
-            rod.scalars[i].values.push_back(row[columns.scalars[i]]);
+        points.emplace_back(row[at[0]], row[at[1]], row[at[2]]);
         if (!columns.haveRotations())
             return true;
-        rod.rotations.emplace_back(row[at[3]], row[at[4]], row[at[5]], row[at[6]]);
-        const std::string fault = checkRotation(rod.rotations.back(), options);
-        return fault.empty() || fail("columns qx qy qz qw: " + fault);
+        rotations.emplace_back(row[at[3]], row[at[4]], row[at[5]], row[at[6]]);
+        const std::string fault = checkRotation(rotations.back(), options);
+        return fault.empty() || fail("columns qx qy qz qw" + ofOwner(frame) + ": " + fault);
     }
 
-    void openRod()
+    /// Rows between blank lines.
+    bool isInBlock() const { return !rod.points.empty() || !dna.bases.empty(); }
+
+    void openBlock()
     {
         firstLine = scanner.getLine();
-        rod.origin = fileName + ":" + std::to_string(firstLine) + ": rod " +
-                     std::to_string(collector.getRodCount() + 1);
-        for (const std::size_t c : columns.scalars)
+        const std::string line = fileName + ":" + std::to_string(firstLine) + ": ";
+        const std::string number = std::to_string(++blocks);
+        if (columns.areOfDna) {
+            dna.origin = line + "DNA " + number;
+            return;
+        }
+        rod.origin = line + "rod " + number;
+        for (const std::size_t c : columns.others)
             rod.scalars.push_back({columns.names[c], {}});
     }
 
-    bool finishRod()
+    bool finishBlock()
     {
-        if (rod.points.empty())
+        if (!isInBlock())
             return true;
-        const std::string fault = collector.add(std::exchange(rod, Rod()));
+        const std::string fault = columns.areOfDna ? collector.add(std::exchange(dna, Dna()))
+                                                   : collector.add(std::exchange(rod, Rod()));
         return fault.empty() || failInLine(firstLine, fault);
     }
 
@@ -516,7 +619,15 @@ private:
     }
     std::string nameText(std::size_t column) const
     {
-        return columnText(column) + " (" + shortened(columns.names[column]) + ")";
+        const std::size_t index = indexOfName(columns.names[column], columns.knownNames());
+        const std::string name = columns.areOfDna && index != noColumn
+                                     ? rodNames[index % frameWidth] + ofOwner(index / frameWidth)
+                                     : shortened(columns.names[column]);
+        return columnText(column) + " (" + name + ")";
+    }
+    std::string ofOwner(std::size_t frame) const
+    {
+        return columns.areOfDna ? std::string(" of ") + dnaOwners[frame] : "";
     }
 
     /// Always false.
@@ -533,9 +644,12 @@ private:
     ReadReport& report;
     Columns columns;
     std::vector<double> row; ///< the numbers of one row, by column
-    Rod rod;                 ///< the one being read; without points between rods
+    char base = 0;           ///< of the row
+    Rod rod;                 ///< being read, or
+    Dna dna;                 ///< this; without points between blocks
     std::size_t firstLine = 0;
-    RodCollector collector;
+    std::size_t blocks = 0;
+    Collector collector;
 };
 
 } // namespace

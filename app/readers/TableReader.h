@@ -9,14 +9,20 @@
 #include "Configuration.h"
 #include "readers/ReadReport.h"
 
-/// Reads a table of rods: a row per point, blank lines between rods.
+/// Reads a table of rods or of DNA: a row per point or per base pair, blank lines between
+/// rods.
 ///
-/// The columns are x y z, or x y z qx qy qz qw and then any number of scalars, named
+/// The columns of rods are x y z, or x y z qx qy qz qw and then any number of scalars, named
 /// "column8" and so on; or in any order what a header names, where x y z must be
 /// there, all or none of qx qy qz qw (upper or lower case), and other names are
 /// scalars; without any, the first is "column1". Of x y z qx qy qz qw a unit in brackets
 /// behind the name is left out. A header is a first row without any number. It counts
 /// for the whole file and may come again before any rod.
+///
+/// A table is one of DNA if its first field is a letter A, C, G or T, small or capital: that
+/// is strand 1's base, and x y z qx qy qz qw of the pair, of strand 1 and of strand 2 follow.
+/// A header is "base", then in any order the names of those: x to qw, x1 to qw1 and x2
+/// to qw2.
 ///
 /// Blanks, tabs, a comma or a semicolon separate columns; nothing between two commas
 /// is an error, but one more comma or semicolon at the end of every line is left out.
@@ -28,7 +34,7 @@
 /// Numbers have a decimal point in every locale; or a decimal comma, if semicolons or
 /// tabs separate the first line and it has no other commas. An exponent may be written
 /// with D, as Fortran does. A number too small for double precision is 0. A rod's origin
-/// is "fileName:line: rod 1", with the line of its first point.
+/// is "fileName:line: rod 1", with the line of its first point, and that of DNA "DNA 1".
 ///
 /// Nothing and report.error if that fails, as "fileName:line: column 3 (z): found ...,
 /// expected ...", lines and columns counted from 1.

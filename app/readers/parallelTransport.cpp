@@ -6,7 +6,7 @@
 
 #include <algebra3d/Matrix3.h>
 
-#include "readers/RodChecks.h"
+#include "readers/DataChecks.h"
 
 namespace {
 

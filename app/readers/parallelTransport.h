@@ -20,7 +20,7 @@
 /// the unit vector of z x d3, or y made perpendicular to d3 where d3 is nearly z or -z:
 /// in a plane of constant z, every d2 lies in that plane.
 ///
-/// At least 2 points, and no two consecutive ones coincident (RodChecks.h).
+/// At least 2 points, and no two consecutive ones coincident (DataChecks.h).
 std::vector<algebra3d::Quaternion<double>>
 parallelTransport(const std::vector<algebra3d::Vector3<double>>& points);
 

@@ -40,6 +40,14 @@ std::string shortened(std::string_view text)
 
 std::string inQuotes(std::string_view text) { return "'" + shortened(text) + "'"; }
 
+std::string_view firstCharacter(std::string_view text)
+{
+    std::size_t length = 1;
+    while (length < text.size() && continuesCharacter(text[length]))
+        ++length;
+    return text.substr(0, length);
+}
+
 std::string formatted(double number)
 {
     std::array<char, 32> text; // the longest double takes 24 characters

@@ -15,6 +15,9 @@ std::string shortened(std::string_view text);
 /// shortened() between single quotation marks.
 std::string inQuotes(std::string_view text);
 
+/// The first character of a text in UTF-8, which may have several bytes.
+std::string_view firstCharacter(std::string_view text);
+
 /// The shortest decimal text that reads back as this number, whatever the locale.
 std::string formatted(double number);
 

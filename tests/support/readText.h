@@ -67,4 +67,15 @@ inline Rotations numbersOf(const std::vector<algebra3d::Quaternion<double>>& rot
     return numbers;
 }
 
+inline void expectSameDna(const Dna& found, const Dna& expected)
+{
+    EXPECT_EQ(found.bases, expected.bases);
+    EXPECT_EQ(numbersOf(found.pairPoints), numbersOf(expected.pairPoints));
+    EXPECT_EQ(numbersOf(found.pairRotations), numbersOf(expected.pairRotations));
+    EXPECT_EQ(numbersOf(found.points1), numbersOf(expected.points1));
+    EXPECT_EQ(numbersOf(found.rotations1), numbersOf(expected.rotations1));
+    EXPECT_EQ(numbersOf(found.points2), numbersOf(expected.points2));
+    EXPECT_EQ(numbersOf(found.rotations2), numbersOf(expected.rotations2));
+}
+
 #endif

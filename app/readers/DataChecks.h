@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#ifndef STRANDVIEW_APP_READERS_RODCHECKS_H
-#define STRANDVIEW_APP_READERS_RODCHECKS_H
+#ifndef STRANDVIEW_APP_READERS_DATACHECKS_H
+#define STRANDVIEW_APP_READERS_DATACHECKS_H
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -10,10 +11,11 @@
 
 #include "readers/ReadReport.h"
 
-/// What the readers ask of the numbers of a rod, whatever the format of the file.
+/// What the readers ask of numbers and letters, whatever the format of the file.
 
 constexpr char expectedNumber[] = "a finite number";
 constexpr char expectedCoordinate[] = "a coordinate between -1e18 and 1e18";
+constexpr char expectedBase[] = "A, C, G or T";
 
 /// Whether a finite number can be drawn: at most 1e18 in magnitude, so that the square
 /// of a distance (at most 1.2e37) is finite in the single precision that is drawn with.
@@ -33,5 +35,8 @@ double smallestEdge(const std::vector<algebra3d::Vector3<double>>& points);
 /// is one, and is scaled to unit length. "found ..., expected ..." if it is none, else
 /// nothing.
 std::string checkRotation(algebra3d::Quaternion<double>& rotation, const ReadOptions& options);
+
+/// A, C, G or T for such a letter, small or capital; nothing for any other character.
+std::optional<char> parseBase(char letter);
 
 #endif

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "readers/RodChecks.h"
+#include "readers/DataChecks.h"
 
 #include <algorithm>
 #include <cmath>
@@ -68,4 +68,12 @@ std::string checkRotation(algebra3d::Quaternion<double>& rotation, const ReadOpt
         return {};
     return "found a quaternion of norm " + formatted(norm) +
            ", expected 1 within 0.01 (--normalise accepts others)";
+}
+
+std::optional<char> parseBase(char letter)
+{
+    const char base =
+        letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 'a' + 'A') : letter;
+    return base == 'A' || base == 'C' || base == 'G' || base == 'T' ? std::optional(base)
+                                                                    : std::nullopt;
 }
