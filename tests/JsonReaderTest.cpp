@@ -202,8 +202,9 @@ TEST(JsonReader, ReadsMarkers)
          "transparency": 0.25, "id": -9223372036854775808},
         {"point": [4, 5, 6]},
         {"id": 9223372036854775807, "transparency": 1, "shape": "cube", "point": [7, 8, 9]},
-        {"shape": "sphere", "point": [0, 0, 0], "transparency": 0}])"));
-    ASSERT_EQ(configuration.markers.size(), 4U);
+        {"shape": "sphere", "point": [0, 0, 0], "transparency": 0},
+        {"point": [0, 0, 0], "id": 0}])"));
+    ASSERT_EQ(configuration.markers.size(), 5U);
     const Marker& full = configuration.markers[0];
     EXPECT_EQ(full.origin, "rod.json: markers[0]");
     EXPECT_EQ(numbersOf({full.point}), (Points{{1, 2, 3}}));
@@ -226,6 +227,7 @@ TEST(JsonReader, ReadsMarkers)
     EXPECT_EQ(configuration.markers[2].id, std::numeric_limits<long long>::max());
     EXPECT_EQ(configuration.markers[3].shape, Marker::Shape::sphere);
     EXPECT_EQ(configuration.markers[3].id, 3);
+    EXPECT_EQ(configuration.markers[4].id, 0);
 }
 
 TEST(JsonReader, LeavesTheColoursAsTheyAre)
