@@ -52,6 +52,10 @@ ColourMapper makeMapper(const Options& options, const std::vector<std::vector<do
 std::optional<Colouring> makeColouring(const Options& options, const Configuration& configuration,
                                        std::string& error)
 {
+    if (configuration.rods.empty()) {
+        error = "--colour-by: found no rod to colour, expected one";
+        return std::nullopt;
+    }
     Colouring colouring;
     colouring.name = *options.colourBy;
     for (const Rod& rod : configuration.rods) {

@@ -8,6 +8,8 @@
 #include <Inventor/SoPath.h>
 #include <Inventor/SoPickedPoint.h>
 
+#include <SoBirod.h>
+#include <SoDNA.h>
 #include <SoRod.h>
 
 #include "Legend.h"
@@ -33,13 +35,42 @@ Vector3<double> centreOfRing(const Vector3<double>* ring, int slices)
     return sum * (1.0 / slices);
 }
 
+// The tube whose centreline tells arc lengths; null for what is no rod.
+BiarcTubeMesh* centralTube(SoNode& node)
+{
+    if (node.isOfType(SoRod::getClassTypeId()))
+        return static_cast<SoRod&>(node).getTubeMesh();
+    if (node.isOfType(SoBirod::getClassTypeId()))
+        return static_cast<SoBirod&>(node).getAvgTubeMesh();
+    return nullptr;
+}
+
+// ", pair 12 AT, strand 2" below a DNA, which is the path's node `index`: child 0 holds
+// the boxes of the pairs, child 1 the bases, two for each pair.
+std::string placeInDna(const SoPath& path, int index)
+{
+    SoNode& node = *path.getNode(index);
+    if (!node.isOfType(SoDNA::getClassTypeId()) || path.getLength() < index + 3)
+        return "";
+    const bool isBase = path.getIndex(index + 1) == 1;
+    const int place = path.getIndex(index + 2);
+    const int pair = isBase ? place / 2 : place;
+    const std::string& bases = static_cast<SoDNA&>(node).getSequence();
+    const char base = bases[std::size_t(pair)];
+    std::string text =
+        ", pair " + std::to_string(pair + 1) + " " + base + SoNucleobase::getComplement(base);
+    if (isBase)
+        text += ", strand " + std::to_string(place % 2 + 1);
+    return text;
+}
+
 } // namespace
 
 DataScene::DataScene(const Placement& placementOfData) : placement(placementOfData) {}
 
-void DataScene::addRod(SoNode* group, const SoRod* rod, const std::string& name)
+void DataScene::addNamed(SoNode* group, const SoNode* node, const std::string& name)
 {
-    names[rod] = name;
+    names[node] = name;
     addChanging(group);
 }
 
@@ -62,17 +93,23 @@ std::string DataScene::describe(const SoPickedPoint& picked) const
     const SbVec3f scenePoint = picked.getPoint();
     const Vector3<double> inScene(scenePoint[0], scenePoint[1], scenePoint[2]);
     const Vector3<double> point = placement.toData(inScene);
-    std::string text =
+    const std::string where =
         "point " + readable(point.x) + " " + readable(point.y) + " " + readable(point.z);
-    const SoNode* node = picked.getPath()->getTail();
-    const auto known = names.find(node);
-    if (known == names.end())
+
+    const SoPath& path = *picked.getPath();
+    for (int i = path.getLength() - 1; i >= 0; --i) {
+        const auto known = names.find(path.getNode(i));
+        if (known == names.end())
+            continue;
+        std::string text = known->second + placeInDna(path, i) + ": " + where;
+        if (BiarcTubeMesh* tube = centralTube(*path.getNode(i))) {
+            const double unit = 1 / placement.scale;
+            text += ", arc length " + readable(nearestArcLength(*tube, inScene) * unit) + " of " +
+                    readable(tube->getParamValues().back() * unit);
+        }
         return text;
-    const auto& rod = static_cast<const SoRod&>(*node);
-    const double unit = 1 / placement.scale;
-    return known->second + ": " + text + ", arc length " +
-           readable(nearestArcLength(rod, inScene) * unit) + " of " +
-           readable(rod.getTubeMesh()->getParamValues().back() * unit);
+    }
+    return where;
 }
 
 bool DataScene::processPickEvent(const SoPickedPoint* point)
@@ -82,9 +119,8 @@ bool DataScene::processPickEvent(const SoPickedPoint* point)
     return false;
 }
 
-double nearestArcLength(const SoRod& rod, const Vector3<double>& point)
+double nearestArcLength(BiarcTubeMesh& tube, const Vector3<double>& point)
 {
-    BiarcTubeMesh& tube = *rod.getTubeMesh();
     const std::vector<double>& arcLengths = tube.getInterpParamValues();
     double nearest = INFINITY, arcLength = 0;
     Vector3<double> last = centreOfRing(tube.getPoints()[0], tube.getWidth());

@@ -11,7 +11,7 @@
 #include "Colour.h"
 #include "Placement.h"
 
-class SoRod;
+class BiarcTubeMesh;
 
 /// The program's scene: it knows which data its nodes show, and tells what was picked.
 class DataScene : public SoGeneralScene
@@ -19,8 +19,8 @@ class DataScene : public SoGeneralScene
 public:
     explicit DataScene(const Placement& placementOfData);
 
-    /// Adds a group that shows a rod, so that picks can be told by its name.
-    void addRod(SoNode* group, const SoRod* rod, const std::string& name);
+    /// Adds a group with a node that shows some data, so that picks can be told by name.
+    void addNamed(SoNode* group, const SoNode* node, const std::string& name);
 
     /// Adds a legend that is drawn over the scene.
     void addLegend(SoNode* node);
@@ -30,7 +30,8 @@ public:
     void setBackground(const Colour& background);
 
     /// "helix.txt:1: rod 1: point 0.1 2 3, arc length 1.5 of 8", in the data's
-    /// coordinates; the arc length is that of the nearest point of the centreline.
+    /// coordinates; the arc length is that of the nearest point of the centreline, of a
+    /// birod its average's. "dna.txt:1: DNA 1, pair 12 AT, strand 2: point 0.1 2 3".
     std::string describe(const SoPickedPoint& picked) const;
 
     /// Called with the description of what the user picks, if set.
@@ -47,8 +48,8 @@ private:
     std::map<const SoNode*, std::string> names;
 };
 
-/// The arc length, in the scene, of the point of a rod's centreline that is nearest to
+/// The arc length, in the scene, of the point of a tube's centreline that is nearest to
 /// a point of the scene.
-double nearestArcLength(const SoRod& rod, const algebra3d::Vector3<double>& point);
+double nearestArcLength(BiarcTubeMesh& tube, const algebra3d::Vector3<double>& point);
 
 #endif

@@ -4,13 +4,13 @@
 
 #include "Configuration.h"
 
-/// How much room the rods of a configuration take, in the data's unit.
+/// How much room a configuration takes, in the data's unit.
 struct Extent
 {
     algebra3d::Vector3<double> centre; ///< of the box around all points
     algebra3d::Vector3<double> sides;  ///< of that box
-    double length = 0;                 ///< of all rods together
-    long long segments = 0;            ///< of all rods together
+    double length = 0;                 ///< of all rods and strands together
+    long long segments = 0;            ///< of all rods and strands together
 };
 
 Extent measure(const Configuration& configuration);

@@ -5,6 +5,7 @@
 #include <iostream>
 
 #include <Inventor/Qt/SoQt.h>
+#include <Inventor/actions/SoGLRenderAction.h>
 #include <Inventor/events/SoKeyboardEvent.h>
 #include <Inventor/nodes/SoOrthographicCamera.h>
 #include <Inventor/nodes/SoPerspectiveCamera.h>
@@ -148,6 +149,7 @@ MainWindow::MainWindow(const Options& startOptions, Loader sceneLoader)
     ownedViewer = std::make_unique<Viewer>(area);
     viewer = ownedViewer.get();
     redrawer = std::make_unique<Redrawer>(*viewer);
+    viewer->setTransparencyType(SoGLRenderAction::SORTED_OBJECT_BLEND);
     viewer->setHeadlight(FALSE); // the scene has its lights
     viewer->setDecoration(FALSE);
     const SbColor background(options.background.red, options.background.green,

@@ -129,6 +129,43 @@ bool parseLimit(const std::string& text, std::optional<double>& limit)
            std::isfinite(value);
 }
 
+void addDna(CLI::App& app, Options& options)
+{
+    const std::string group = "DNA";
+    const auto parseLook = [&options](const std::string& text) {
+        options.dna.atoms = options.dna.baseBoxes = options.dna.pairBoxes = false;
+        std::istringstream names(text);
+        for (std::string name; std::getline(names, name, ',');) {
+            if (name == "atoms")
+                options.dna.atoms = true;
+            else if (name == "bases")
+                options.dna.baseBoxes = true;
+            else if (name == "pairs")
+                options.dna.pairBoxes = true;
+            else
+                throw CLI::ValidationError("--dna", "found '" + name +
+                                                        "', expected some of atoms, bases and "
+                                                        "pairs, with commas");
+        }
+    };
+    app.add_option_function<std::string>("--dna", parseLook,
+                                         "Show atoms, boxes of bases, boxes of pairs "
+                                         "[atoms]")
+        ->type_name("WHAT,...")
+        ->group(group);
+    const auto parseUnit = [&options](const std::string& text) {
+        if (text != "angstrom" && text != "nm") {
+            throw CLI::ValidationError("--dna-unit",
+                                       "found '" + text + "', expected angstrom or nm");
+        }
+        options.dna.angstrom = text == "nm" ? 0.1 : 1;
+    };
+    app.add_option_function<std::string>("--dna-unit", parseUnit,
+                                         "Unit of a DNA's points: angstrom or nm [angstrom]")
+        ->type_name("UNIT")
+        ->group(group);
+}
+
 void addCamera(CLI::App& app, Options& options)
 {
     const std::string group = "Camera";
@@ -239,8 +276,8 @@ void addColouring(CLI::App& app, Options& options)
 ParsedOptions parseOptions(int argc, const char* const* argv)
 {
     Options options;
-    CLI::App app("Shows elastic rods with their material frames: a smooth tube and ribbon for\n"
-                 "each rod of the given files, in a window or, with --render, in a picture.",
+    CLI::App app("Shows elastic rods with their material frames, birods and DNA: smooth tubes and\n"
+                 "ribbons, atoms and boxes, in a window or, with --render, in a picture.",
                  "strandview");
     app.set_version_flag("--version", "strandview " STRANDVIEW_VERSION);
     app.add_option("FILE", options.files,
@@ -282,6 +319,7 @@ ParsedOptions parseOptions(int argc, const char* const* argv)
     addColour(app, "--background", options.background, "Colour of the background [white]")
         ->group(look);
     addColouring(app, options);
+    addDna(app, options);
     addCamera(app, options);
 
     try {

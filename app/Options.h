@@ -10,6 +10,15 @@
 #include "CameraRequest.h"
 #include "Colour.h"
 
+/// What is shown of a DNA, and the unit of its points.
+struct DnaLook
+{
+    bool atoms = true;
+    bool baseBoxes = false;
+    bool pairBoxes = false;
+    double angstrom = 1; ///< of them in the data's unit
+};
+
 /// What the command line asks for. What is not given is chosen from the data.
 struct Options
 {
@@ -40,6 +49,8 @@ struct Options
     bool showTube = true;
     bool showRibbon = true;
     bool twoSidedRibbon = false;
+
+    DnaLook dna;
 
     std::optional<Colour> tubeColour;
     std::optional<Colour> ribbonColour;

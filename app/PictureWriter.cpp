@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include <Inventor/SoOffscreenRenderer.h>
+#include <Inventor/actions/SoGLRenderAction.h>
 #include <Inventor/errors/SoDebugError.h>
 #include <Inventor/nodes/SoCamera.h>
 #include <Inventor/nodes/SoSeparator.h>
@@ -150,6 +151,7 @@ std::string writePicture(SoGeneralScene* scene, const Picture& picture, CameraNu
     OffscreenContext::install();
     SoOffscreenRenderer renderer(region);
     renderer.setComponents(SoOffscreenRenderer::RGB);
+    renderer.getGLRenderAction()->setTransparencyType(SoGLRenderAction::SORTED_OBJECT_BLEND);
     MessageCollector messages;
     QImage image;
     if (picture.transparent) {

@@ -9,9 +9,18 @@
 #include <Inventor/SoInteraction.h>
 #include <Inventor/nodes/SoMaterial.h>
 #include <Inventor/nodes/SoMaterialBinding.h>
+#include <Inventor/nodes/SoScale.h>
 #include <Inventor/nodes/SoSeparator.h>
+#include <Inventor/nodes/SoShapeHints.h>
+#include <Inventor/nodes/SoTransform.h>
 
+#include <SoArrow.h>
+#include <SoBirod.h>
+#include <SoDNA.h>
+#include <SoFrame.h>
+#include <SoMarker.h>
 #include <SoRod.h>
+#include <global.h>
 
 #include "Colouring.h"
 #include "DataScene.h"
@@ -34,6 +43,8 @@ const std::array<Colour, 7> TUBE_COLOURS{{{0.34f, 0.61f, 0.82f},
                                           {0.00f, 0.45f, 0.70f},
                                           {0.94f, 0.89f, 0.26f},
                                           {0.55f, 0.55f, 0.55f}}};
+
+const Colour GLYPH_COLOUR{0.80f, 0.20f, 0.15f};
 
 SbColor toSbColor(const Colour& colour) { return SbColor(colour.red, colour.green, colour.blue); }
 
@@ -92,24 +103,13 @@ Placement choosePlacement(const Configuration& configuration, const Style& style
     Placement placement;
     if (extent.centre.getNorm() > farAway * extent.sides.getNorm())
         placement.origin = extent.centre;
+    if (extent.segments == 0)
+        return placement;
     const double needed =
         std::max(thin / style.radius, shortSegment * extent.segments / extent.length);
     if (needed > 1)
         placement.scale = std::pow(10, std::ceil(std::log10(needed)));
     return placement;
-}
-
-SoRod* makeRod(const Rod& data, const Style& style, const Placement& placement)
-{
-    auto* rod =
-        new SoRod(placement.scale * style.radius, placement.scale * style.ribbonWidth, style.slices,
-                  style.subsegments, style.showTube, style.showRibbon, style.twoSidedRibbon);
-    std::vector<Vector3<double>> points;
-    points.reserve(data.points.size());
-    for (const Vector3<double>& point : data.points)
-        points.push_back(placement.toScene(point));
-    rod->setData(points, data.rotations);
-    return rod;
 }
 
 // Refuses what would take more memory than any machine of our users has: a vertex
@@ -127,19 +127,290 @@ std::string checkSize(const Configuration& configuration, const Style& style)
 
 // Where neighbouring tangents are opposite or edge points coincide the formulas give
 // numbers that are not finite, and with them the length of the whole curve.
-std::string checkInterpolation(const SoRod& rod, const std::string& name, double ribbonWidth)
+std::string checkInterpolation(BiarcTubeMesh& tube, const BiarcRibbonMesh& ribbon,
+                               const std::string& name, double ribbonWidth)
 {
-    TubeMesh& tube = *rod.getTubeMesh();
     // A frame that is not finite stays so from ring to ring.
     const double lastNormal = tube.getNormals()[tube.getHeight() - 1][0].getNorm();
-    if (!std::isfinite(rod.getTubeMesh()->getParamValues().back() + lastNormal))
+    if (!std::isfinite(tube.getParamValues().back() + lastNormal))
         return name + ": found points that turn straight back, or end frames with d3 across them";
-    if (!std::isfinite(rod.getRibbonMesh()->getParamValues().back())) {
+    if (!std::isfinite(ribbon.getParamValues().back())) {
         return name + ": found a ribbon of width " + formatted(ribbonWidth) +
                " whose edge shrinks to a point or turns back, expected another --ribbon-width";
     }
     return "";
 }
+
+SbVec3f toSbVec3f(const Vector3<double>& v) { return SbVec3f(float(v.x), float(v.y), float(v.z)); }
+
+SbRotation toSbRotation(const algebra3d::Quaternion<double>& q)
+{
+    return SbRotation(float(q[0]), float(q[1]), float(q[2]), float(q[3]));
+}
+
+Vector3<double> toVector(const Colour& colour)
+{
+    return Vector3<double>(double(colour.red), double(colour.green), double(colour.blue));
+}
+
+// Builds one scene. Each add...() returns one line that says why it failed, or nothing.
+class Builder
+{
+public:
+    Builder(const Configuration& shownData, const Style& shownStyle, const Colouring* rodColouring,
+            Progress& shownProgress)
+        : data(shownData),
+          style(shownStyle),
+          colouring(rodColouring),
+          progress(shownProgress),
+          placement(choosePlacement(shownData, shownStyle)),
+          scene(new DataScene(placement))
+    {
+        scene->ref();
+    }
+    ~Builder()
+    {
+        if (taken)
+            scene->unrefNoDelete();
+        else
+            scene->unref();
+    }
+    Builder(const Builder&) = delete;
+    Builder& operator=(const Builder&) = delete;
+
+    std::string build()
+    {
+        std::string error = addRods();
+        if (error.empty())
+            error = addBirods();
+        if (error.empty())
+            error = addDnas();
+        if (error.empty())
+            error = addMarkers();
+        if (error.empty())
+            error = addArrows();
+        addFrames();
+        if (colouring)
+            scene->addLegend(makeLegend(colouring->name, colouring->mapper, style.background));
+        return error;
+    }
+
+    /// The scene, which outlives the builder then.
+    DataScene* take()
+    {
+        taken = true;
+        return scene;
+    }
+
+private:
+    std::string addRods()
+    {
+        for (std::size_t i = 0; i < data.rods.size(); ++i) {
+            progress.show("Building rod " + std::to_string(i + 1) + " of " +
+                          std::to_string(data.rods.size()));
+            const Rod& rod = data.rods[i];
+            auto* node = new SoRod(scaled(style.radius), scaled(style.ribbonWidth), style.slices,
+                                   style.subsegments, style.showTube, style.showRibbon,
+                                   style.twoSidedRibbon);
+            node->setData(toScene(rod.points), rod.rotations);
+            auto* group = new SoSeparator;
+            if (colouring)
+                addColours(group, *node, *colouring, i);
+            else
+                group->addChild(makeMaterial(style, i));
+            add(group, node, rod.origin);
+            const std::string error = checkInterpolation(
+                *node->getTubeMesh(), *node->getRibbonMesh(), rod.origin, style.ribbonWidth);
+            if (!error.empty())
+                return error;
+        }
+        return "";
+    }
+
+    // The strands are drawn through their own points, the average thinner between them.
+    std::string addBirods()
+    {
+        for (std::size_t i = 0; i < data.birods.size(); ++i) {
+            const Birod& birod = data.birods[i];
+            auto* node = new SoBirod(scaled(0.6 * style.radius), scaled(style.radius),
+                                     scaled(style.ribbonWidth), scaled(style.ribbonWidth), 0, 0,
+                                     style.slices, style.subsegments, style.showTube,
+                                     style.showTube, style.showRibbon, false, style.twoSidedRibbon);
+            node->setData(toScene(birod.points), birod.rotations, toScene(birod.points1),
+                          birod.rotations1, toScene(birod.points2), birod.rotations2);
+            auto* group = new SoSeparator;
+            addBirodColours(group, *node, i);
+            add(group, node, birod.origin);
+            const std::pair<BiarcTubeMesh*, BiarcRibbonMesh*> meshes[] = {
+                {node->getAvgTubeMesh(), node->getAvgRibbonMesh()},
+                {node->getTube1Mesh(), node->getRibbon1Mesh()},
+                {node->getTube2Mesh(), node->getRibbon2Mesh()}};
+            for (const auto& [tube, ribbon] : meshes) {
+                const std::string error =
+                    checkInterpolation(*tube, *ribbon, birod.origin, style.ribbonWidth);
+                if (!error.empty())
+                    return error;
+            }
+        }
+        return "";
+    }
+
+    // A DNA is built in ångström, the unit of its atoms, and scaled to the scene.
+    std::string addDnas()
+    {
+        for (std::size_t i = 0; i < data.dnas.size(); ++i) {
+            progress.show("Building DNA " + std::to_string(i + 1) + " of " +
+                          std::to_string(data.dnas.size()));
+            const Dna& dna = data.dnas[i];
+            auto* node = new SoDNA;
+            node->showAtoms(style.dna.atoms);
+            node->showBaseBoxes(style.dna.baseBoxes);
+            node->showBasePairBoxes(style.dna.pairBoxes);
+            node->setData(dna.bases, toAngstrom(dna.pairPoints), dna.pairRotations,
+                          toAngstrom(dna.points1), dna.rotations1, toAngstrom(dna.points2),
+                          dna.rotations2);
+            node->generate();
+            auto* group = new SoSeparator;
+            auto* scale = new SoScale;
+            const float factor = float(scaled(style.dna.angstrom));
+            scale->scaleFactor = SbVec3f(factor, factor, factor);
+            group->addChild(scale);
+            add(group, node, dna.origin);
+        }
+        return "";
+    }
+
+    std::string addMarkers()
+    {
+        auto* scale = new SoScale; // one for all
+        scale->ref();
+        std::string error;
+        for (const Marker& marker : data.markers) {
+            Colour colour = GLYPH_COLOUR;
+            error = readColour(marker.colour, marker.origin, colour);
+            if (!error.empty())
+                break;
+            auto* node = new SoMarker(marker.id, toVector(colour),
+                                      scaled(marker.size.value_or(style.glyphSize)),
+                                      marker.transparency, SoMarker::Shape(marker.shape));
+            // Shapes that are closed: of a transparent one the far side does not show.
+            auto* hints = new SoShapeHints;
+            hints->vertexOrdering = SoShapeHints::COUNTERCLOCKWISE;
+            hints->shapeType = SoShapeHints::SOLID;
+            auto* group = new SoSeparator;
+            group->addChild(hints);
+            group->addChild(SoMarker::wrap(node, scale, placement.toScene(marker.point)));
+            scene->addNamed(group, node, marker.origin + ": id " + std::to_string(marker.id));
+        }
+        scale->unref();
+        return error;
+    }
+
+    std::string addArrows()
+    {
+        for (const Arrow& arrow : data.arrows) {
+            Colour colour = GLYPH_COLOUR;
+            const std::string error = readColour(arrow.colour, arrow.origin, colour);
+            if (!error.empty())
+                return error;
+            const Vector3<double> from = placement.toScene(arrow.from);
+            const Vector3<double> to = placement.toScene(arrow.to);
+            // A head of the usual form, but of at most half the arrow.
+            const double radius = scaled(arrow.radius.value_or(style.glyphSize / 8));
+            const double headLength = std::min(5 * radius, 0.5 * (to - from).getNorm());
+            auto* group = new SoSeparator;
+            group->addChild(createMaterial(toVector(colour), toVector(colour), {1, 1, 1}));
+            add(group, new SoArrow(from, to, radius, 2.2 * radius, headLength), arrow.origin);
+        }
+        return "";
+    }
+
+    void addFrames()
+    {
+        for (const Frame& frame : data.frames) {
+            auto* group = new SoSeparator;
+            auto* transform = new SoTransform;
+            const float size = float(scaled(frame.size.value_or(2 * style.glyphSize)));
+            transform->translation = toSbVec3f(placement.toScene(frame.point));
+            transform->rotation = toSbRotation(frame.rotation);
+            transform->scaleFactor = SbVec3f(size, size, size);
+            group->addChild(transform);
+            add(group, new SoFrame({1, 0, 0}, {0, 0.8, 0}, {0, 0, 1}), frame.origin);
+        }
+    }
+
+    void add(SoSeparator* group, SoNode* node, const std::string& name)
+    {
+        group->addChild(node);
+        scene->addNamed(group, node, name);
+    }
+
+    // A colour for each of the three tubes, and one for all ribbons. A birod finds the
+    // material of a mesh behind those of the rows of all meshes before.
+    void addBirodColours(SoSeparator* group, const SoBirod& birod, std::size_t index) const
+    {
+        const std::size_t next = data.rods.size() + 3 * index;
+        std::vector<SbColor> colours;
+        const auto append = [&colours](const Mesh& mesh, const Colour& colour) {
+            colours.insert(colours.end(), std::size_t(mesh.getHeight()), toSbColor(colour));
+        };
+        const auto appendBoth = [&](const Mesh& tube, const Mesh& ribbon, std::size_t i) {
+            append(tube, style.tubeColour.value_or(TUBE_COLOURS[i % TUBE_COLOURS.size()]));
+            append(ribbon, style.ribbonColour);
+        };
+        appendBoth(*birod.getAvgTubeMesh(), *birod.getAvgRibbonMesh(), next + 2);
+        appendBoth(*birod.getTube1Mesh(), *birod.getRibbon1Mesh(), next);
+        appendBoth(*birod.getTube2Mesh(), *birod.getRibbon2Mesh(), next + 1);
+        auto* material = new SoMaterial;
+        material->diffuseColor.setValues(0, int(colours.size()), colours.data());
+        group->addChild(material);
+        auto* binding = new SoMaterialBinding;
+        binding->value = SoMaterialBinding::PER_PART;
+        group->addChild(binding);
+    }
+
+    static std::string readColour(const std::optional<std::string>& text, const std::string& origin,
+                                  Colour& colour)
+    {
+        if (!text)
+            return "";
+        const std::optional<Colour> parsed = parseColour(*text);
+        if (!parsed) {
+            return origin + ".colour: found " + inQuotes(*text) +
+                   ", expected #rrggbb or an SVG colour name";
+        }
+        colour = *parsed;
+        return "";
+    }
+
+    double scaled(double length) const { return placement.scale * length; }
+
+    std::vector<Vector3<double>> toScene(const std::vector<Vector3<double>>& points) const
+    {
+        std::vector<Vector3<double>> placed;
+        placed.reserve(points.size());
+        for (const Vector3<double>& point : points)
+            placed.push_back(placement.toScene(point));
+        return placed;
+    }
+
+    std::vector<Vector3<double>> toAngstrom(const std::vector<Vector3<double>>& points) const
+    {
+        std::vector<Vector3<double>> placed;
+        placed.reserve(points.size());
+        for (const Vector3<double>& point : points)
+            placed.push_back((point - placement.origin) * (1 / style.dna.angstrom));
+        return placed;
+    }
+
+    const Configuration& data;
+    const Style& style;
+    const Colouring* colouring;
+    Progress& progress;
+    const Placement placement;
+    DataScene* const scene;
+    bool taken = false;
+};
 
 } // namespace
 
@@ -149,6 +420,12 @@ void initialiseScene()
     SoInteraction::init();
     SoMeshShape::initClass();
     SoRod::initClass();
+    SoBirod::initClass();
+    SoArrow::initClass();
+    SoFrame::initClass();
+    SoMarker::initClass();
+    SoNucleobase::initClass();
+    SoDNA::initClass();
     SoGeneralScene::initClass();
     SoOverlay::initClass();
 }
@@ -159,30 +436,7 @@ DataScene* buildScene(const Configuration& configuration, const Style& style,
     error = checkSize(configuration, style);
     if (!error.empty())
         return nullptr;
-    const Placement placement = choosePlacement(configuration, style);
-    auto* scene = new DataScene(placement);
-    scene->ref();
-    for (std::size_t i = 0; i < configuration.rods.size(); ++i) {
-        progress.show("Building rod " + std::to_string(i + 1) + " of " +
-                      std::to_string(configuration.rods.size()));
-        const Rod& data = configuration.rods[i];
-        SoRod* rod = makeRod(data, style, placement);
-        auto* group = new SoSeparator;
-        if (colouring)
-            addColours(group, *rod, *colouring, i);
-        else
-            group->addChild(makeMaterial(style, i));
-        group->addChild(rod);
-        scene->addRod(group, rod, data.origin);
-
-        error = checkInterpolation(*rod, data.origin, style.ribbonWidth);
-        if (!error.empty()) {
-            scene->unref();
-            return nullptr;
-        }
-    }
-    if (colouring)
-        scene->addLegend(makeLegend(colouring->name, colouring->mapper, style.background));
-    scene->unrefNoDelete();
-    return scene;
+    Builder builder(configuration, style, colouring, progress);
+    error = builder.build();
+    return error.empty() ? builder.take() : nullptr;
 }

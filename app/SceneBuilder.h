@@ -15,9 +15,9 @@ struct Colouring;
 /// once per program, and before anything else of Coin.
 void initialiseScene();
 
-/// Turns data and style into nodes: the one place that does. The rods are changing
-/// content, lit at first; a legend of the colouring, if there is one, is drawn over them. There is
-/// no camera of the scene in it, and its reference count is zero.
+/// Turns data and style into nodes: the one place that does. Everything is changing
+/// content, lit at first; a legend of the colouring, if there is one, is drawn over it.
+/// There is no camera of the scene in it, and its reference count is zero.
 ///
 /// The scene has the data's coordinates, but data far from the origin are moved there,
 /// and tiny ones enlarged by a power of ten, so that nothing is lost in single

@@ -14,6 +14,12 @@
 
 namespace {
 
+template <typename Item>
+void append(std::vector<Item>& all, std::vector<Item>& more)
+{
+    std::move(more.begin(), more.end(), std::back_inserter(all));
+}
+
 // Nothing after the first file that cannot be read.
 std::optional<Configuration> readFiles(const std::vector<std::string>& files, bool normalise,
                                        ReadReport& report, Progress& progress)
@@ -24,7 +30,12 @@ std::optional<Configuration> readFiles(const std::vector<std::string>& files, bo
         std::optional<Configuration> read = readFile(file, {normalise}, report);
         if (!read)
             return std::nullopt;
-        std::move(read->rods.begin(), read->rods.end(), std::back_inserter(all.rods));
+        append(all.rods, read->rods);
+        append(all.birods, read->birods);
+        append(all.dnas, read->dnas);
+        append(all.markers, read->markers);
+        append(all.frames, read->frames);
+        append(all.arrows, read->arrows);
     }
     return all;
 }

@@ -10,13 +10,20 @@ namespace {
 
 const Colour RIBBON_COLOUR{0.93f, 0.60f, 0.10f};
 
+// Of a single point, as good as any.
+double diagonal(const Extent& extent)
+{
+    const double length = extent.sides.getNorm();
+    return length > 0 ? length : 1;
+}
+
 // A rod of length L that fills a volume V evenly has neighbours at about sqrt(V / L).
 // Flat sides count as a fiftieth of the longest one, so that planar rods have a volume.
 // What is hardly longer than its box has no neighbours.
 double automaticRadius(const Extent& extent)
 {
     const double longest = std::max({extent.sides.x, extent.sides.y, extent.sides.z});
-    const double thin = extent.sides.getNorm() / 80;
+    const double thin = diagonal(extent) / 80;
     if (extent.length < 1.5 * extent.sides.getNorm())
         return thin;
     double volume = 1;
@@ -54,5 +61,7 @@ Style makeStyle(const Options& options, const Configuration& configuration)
     style.tubeColour = options.tubeColour;
     style.ribbonColour = options.ribbonColour.value_or(RIBBON_COLOUR);
     style.background = options.background;
+    style.glyphSize = configuration.rods.empty() ? diagonal(extent) / 30 : 4 * style.radius;
+    style.dna = options.dna;
     return style;
 }

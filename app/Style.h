@@ -8,7 +8,7 @@
 #include "Configuration.h"
 #include "Options.h"
 
-/// How rods are drawn. Lengths are in the data's unit.
+/// How everything is drawn. Lengths are in the data's unit.
 struct Style
 {
     double radius;
@@ -21,6 +21,9 @@ struct Style
     std::optional<Colour> tubeColour; ///< of all rods; otherwise a colour each
     Colour ribbonColour;
     Colour background;
+
+    double glyphSize; ///< of markers and frames that have none of their own
+    DnaLook dna;
 };
 
 /// The style that the options ask for; what they leave open follows from the data.
