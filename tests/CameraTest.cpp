@@ -13,7 +13,7 @@
 #include <Inventor/nodes/SoTranslation.h>
 #include <gmock/gmock.h>
 
-#include "SceneBuilder.h"
+#include "support/initialiseSceneOnce.h"
 
 namespace {
 
@@ -30,11 +30,7 @@ struct Seen
 class CameraTest : public testing::Test
 {
 protected:
-    CameraTest()
-    {
-        static const bool initialised = (initialiseScene(), true);
-        EXPECT_TRUE(initialised);
-    }
+    CameraTest() { initialiseSceneOnce(); }
 
     ~CameraTest() override
     {
