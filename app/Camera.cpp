@@ -68,7 +68,9 @@ void setClipping(SoCamera& camera, const SbBox3f& box)
         nearest = std::min(nearest, -corner[2]);
         farthest = std::max(farthest, -corner[2]);
     }
-    const float slack = 0.01f * std::max(farthest - nearest, 1e-6f * std::abs(farthest));
+    // From afar, more than the rounding of the distance.
+    const float slack = std::max(0.01f * (farthest - nearest),
+                                 1e-6f * std::max(std::abs(nearest), std::abs(farthest)));
     nearest -= slack;
     farthest += slack;
     if (isPerspective(camera)) {
@@ -112,10 +114,19 @@ void fitPerspective(SoPerspectiveCamera& camera, const SbBox3f& box, const SbVie
         box.getCenter() + turned(camera, SbVec3f(0, -bottom * up * (distance - front), distance));
 }
 
+// Bit for bit, so that a camera that is told and set again stays: the constructor of four
+// numbers would normalise, which changes the last bit of what was normalised before.
+SbRotation rotationOf(const std::array<float, 4>& quaternion)
+{
+    SbRotation rotation;
+    std::copy(quaternion.begin(), quaternion.end(), const_cast<float*>(rotation.getValue()));
+    return rotation;
+}
+
 void setNumbers(SoCamera& camera, const CameraNumbers& numbers)
 {
     camera.position = SbVec3f(numbers.position.data());
-    camera.orientation = SbRotation(numbers.orientation.data());
+    camera.orientation = rotationOf(numbers.orientation);
     camera.focalDistance = numbers.focalDistance;
     if (numbers.perspective)
         static_cast<SoPerspectiveCamera&>(camera).heightAngle = numbers.size;

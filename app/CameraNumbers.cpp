@@ -11,11 +11,13 @@ namespace {
 
 const char* const ORTHOGRAPHIC = "orthographic";
 const char* const PERSPECTIVE = "perspective";
+// By how much the square of a unit quaternion of floats differs from 1.
+const double ROUNDING = 1e-6;
 
 std::vector<std::string> split(const std::string& text)
 {
     std::vector<std::string> parts;
-    std::istringstream stream(text);
+    std::istringstream stream(text + ","); // so that an empty last part counts
     for (std::string part; std::getline(stream, part, ',');)
         parts.push_back(part);
     return parts;
@@ -73,11 +75,15 @@ std::optional<CameraNumbers> parseCamera(const std::string& text)
     camera.focalDistance = numbers[7];
     camera.size = numbers[8];
 
-    double norm = 0;
+    double square = 0;
     for (const float component : camera.orientation)
-        norm += double(component) * component;
+        square += double(component) * component;
     const bool sizeFits = camera.size > 0 && (!camera.perspective || camera.size < M_PI);
-    if (std::abs(norm - 1) > 0.01 || !(camera.focalDistance > 0) || !sizeFits)
+    if (std::abs(square - 1) > 0.01 || !(camera.focalDistance > 0) || !sizeFits)
         return std::nullopt;
+    if (std::abs(square - 1) > ROUNDING) {
+        for (float& component : camera.orientation)
+            component = float(component / std::sqrt(square));
+    }
     return camera;
 }

@@ -24,7 +24,8 @@ bool operator==(const CameraNumbers& a, const CameraNumbers& b);
 /// number in as many digits as give it back.
 std::string formatCamera(const CameraNumbers& camera);
 
-/// The camera of such a text, or nothing if it is none. The quaternion is normalised.
+/// The camera of such a text, or nothing if it is none. What formatCamera() gave comes
+/// back bit for bit; a quaternion that was shortened by hand is normalised.
 std::optional<CameraNumbers> parseCamera(const std::string& text);
 
 #endif

@@ -26,9 +26,11 @@ std::string readable(double value)
     return text;
 }
 
-// Opposite points of a ring cancel about its centre, the point of the centreline.
-Vector3<double> centreOfRing(const Vector3<double>* ring, int slices)
+// The points of a regular ring cancel about its centre, the point of the centreline. The
+// last of a row is the first once more.
+Vector3<double> centreOfRing(const Vector3<double>* ring, int width)
 {
+    const int slices = width - 1;
     Vector3<double> sum;
     for (int i = 0; i < slices; ++i)
         sum += ring[i];

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "MainWindow.h"
 
+#include <cmath>
 #include <cstdlib>
 #include <iostream>
 
@@ -9,10 +10,12 @@
 #include <Inventor/events/SoKeyboardEvent.h>
 #include <Inventor/nodes/SoOrthographicCamera.h>
 #include <Inventor/nodes/SoPerspectiveCamera.h>
+#include <Inventor/nodes/SoSeparator.h>
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
 #include <QCloseEvent>
+#include <QDialogButtonBox>
 #include <QDropEvent>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -66,25 +69,44 @@ private:
     SoQtViewer& viewer;
 };
 
+// The groups in two columns, so that the page fits small screens.
 QString keyPage()
 {
-    QString page = "<table cellspacing='4'>";
-    for (const KeyGroup& group : keyHelp()) {
-        page += "<tr><td colspan='2'><b>" + QString::fromStdString(group.title) + "</b></td></tr>";
-        for (const KeyHelp& help : group.keys)
+    const std::vector<KeyGroup>& groups = keyHelp();
+    QString page = "<table style='white-space: nowrap'><tr><td><table cellspacing='4'>";
+    for (std::size_t i = 0; i < groups.size(); ++i) {
+        if (i == groups.size() / 2)
+            page += "</table></td><td><table cellspacing='4'>";
+        page +=
+            "<tr><td colspan='2'><b>" + QString::fromStdString(groups[i].title) + "</b></td></tr>";
+        for (const KeyHelp& help : groups[i].keys)
             page += "<tr><td>" + QString::fromStdString(help.key).toHtmlEscaped() +
                     "&nbsp;&nbsp;</td><td>" + QString::fromStdString(help.does).toHtmlEscaped() +
-                    "</td></tr>";
+                    "&nbsp;&nbsp;</td></tr>";
     }
-    return page + "</table>";
+    return page + "</table></td></tr></table>";
 }
 
-// A box that stays beside the window.
+// Not even where a file's name or text looks like rich text is it shown as such.
+void tellFailure(QWidget* parent, const QString& title, const std::string& failure)
+{
+    QMessageBox box(QMessageBox::Critical, title, QString::fromStdString(failure), QMessageBox::Ok,
+                    parent);
+    box.setTextFormat(Qt::PlainText);
+    box.exec();
+}
+
+// A box that stays beside the window, as wide as its text.
 void showText(QWidget* parent, const QString& title, const QString& text)
 {
-    auto* box = new QMessageBox(QMessageBox::NoIcon, title, text, QMessageBox::Close, parent);
+    auto* box = new QDialog(parent);
     box->setAttribute(Qt::WA_DeleteOnClose);
-    box->setModal(false);
+    box->setWindowTitle(title);
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, box);
+    QObject::connect(buttons, &QDialogButtonBox::rejected, box, &QDialog::close);
+    auto* layout = new QVBoxLayout(box);
+    layout->addWidget(new QLabel(text, box));
+    layout->addWidget(buttons);
     box->show();
 }
 
@@ -109,6 +131,18 @@ QStringList localFiles(const QMimeData& data)
     return files;
 }
 
+// SoQt lays its view out in the screen's pixels, so that under Qt's scaling only a part of
+// it would be seen. The text is scaled instead, and what Qt measures by it.
+void disableScaling()
+{
+    const double factor = qgetenv("QT_SCALE_FACTOR").toDouble();
+    if (factor > 0 && factor < 100)
+        setenv("QT_FONT_DPI", std::to_string(int(std::lround(96 * factor))).c_str(), 0);
+    for (const char* variable : {"QT_SCALE_FACTOR", "QT_SCREEN_SCALE_FACTORS",
+                                 "QT_AUTO_SCREEN_SCALE_FACTOR", "QT_ENABLE_HIGHDPI_SCALING"})
+        unsetenv(variable);
+}
+
 } // namespace
 
 // Lets the window see the size that pictures take.
@@ -125,6 +159,7 @@ void initialiseWindows(const char* programName)
 {
     // Coin calls X11 itself and crashes under Qt's Wayland plugin.
     setenv("QT_QPA_PLATFORM", "xcb", 0);
+    disableScaling();
     SoQtGeneralViewer::setDefaultAntialiasingLevel(4);
     SoQt::init(programName, programName);
     QApplication::setOrganizationName("strandview");
@@ -156,11 +191,14 @@ MainWindow::MainWindow(const Options& startOptions, Loader sceneLoader)
                              options.background.blue);
     viewer->setBackgroundColor(background);
     if (background == SbColor(1, 1, 1))
-        pressKey(SoKeyboardEvent::B); // so that the key's next press gives black
+        pressKey(SoKeyboardEvent::B);       // so that the key's next press gives black
+    viewer->setSceneGraph(new SoSeparator); // without one the view stays black
     viewer->addResizeCB(refit, this);
+    restoreWindow(); // before SoQt, which shows the whole window with the view
     viewer->show();
 
-    pickLabel = new QLabel("Right button: point and arc length. F1: all keys.", statusBar);
+    pickLabel = new QLabel("Open a file, or drop it here. F1: all keys.", statusBar);
+    pickLabel->setTextFormat(Qt::PlainText);
     pickLabel->setTextInteractionFlags(Qt::TextSelectableByMouse);
     pickLabel->setIndent(4);
     pickLabel->setMinimumWidth(1); // so that long texts do not widen the window
@@ -168,7 +206,6 @@ MainWindow::MainWindow(const Options& startOptions, Loader sceneLoader)
     layout->addWidget(statusBar);
     setupUi();
 
-    restoreWindow();
     followViewer();
     viewer->getGLWidget()->setFocus();
 }
@@ -189,6 +226,7 @@ void MainWindow::showScene(DataScene* newScene, const std::vector<std::string>& 
     // The numbers were for the first scene.
     options.camera.numbers.reset();
     setWindowTitle(titleFor(files));
+    pickLabel->setText("Right button: point and arc length. F1: all keys.");
     followViewer();
 }
 
@@ -208,7 +246,7 @@ void MainWindow::openFiles(const QStringList& names)
     DataScene* loaded = loader(files, report);
     QApplication::restoreOverrideCursor();
     if (!loaded) {
-        QMessageBox::critical(this, "Cannot open", QString::fromStdString(report.error));
+        tellFailure(this, "Cannot open", report.error);
         return;
     }
     showScene(loaded, files);
@@ -216,7 +254,8 @@ void MainWindow::openFiles(const QStringList& names)
     QStringList notices;
     for (const std::string& notice : report.notices)
         notices.append(QString::fromStdString(notice));
-    pickLabel->setText(notices.join("; "));
+    if (!notices.empty())
+        pickLabel->setText(notices.join("; "));
 }
 
 // Camera
@@ -243,10 +282,12 @@ void MainWindow::fit()
     update3DZoom();
 }
 
+bool MainWindow::isFitted() const { return scene && fitted && *fitted == getCameraNumbers(); }
+
 void MainWindow::refit(void* window, SoQtGeneralViewer* /*viewer*/, const SbVec2s& /*size*/)
 {
     auto* self = static_cast<MainWindow*>(window);
-    if (self->scene && self->fitted && *self->fitted == self->getCameraNumbers())
+    if (self->isFitted())
         self->fit();
 }
 
@@ -266,9 +307,16 @@ void MainWindow::viewFrom(Side side)
 
 void MainWindow::setPerspective(bool perspective)
 {
+    if (!scene)
+        return;
+    const bool wasFitted = isFitted();
     viewer->setCameraType(perspective ? SoPerspectiveCamera::getClassTypeId()
                                       : SoOrthographicCamera::getClassTypeId());
-    update3DZoom();
+    // What is nearer than the middle grows, and may no longer fit.
+    if (wasFitted)
+        fit();
+    else
+        update3DZoom();
 }
 
 void MainWindow::copyCamera()
@@ -298,9 +346,7 @@ void MainWindow::followViewer()
 {
     for (QAction* action : sceneActions)
         action->setEnabled(scene);
-    const SoCamera* camera = viewer->getCamera();
-    perspectiveAction->setChecked(camera &&
-                                  camera->isOfType(SoPerspectiveCamera::getClassTypeId()));
+    perspectiveAction->setChecked(scene && getCameraNumbers().perspective);
     const SbColor background = viewer->getBackgroundColor();
     if (scene)
         scene->setBackground({background[0], background[1], background[2]});
@@ -310,11 +356,13 @@ void MainWindow::followViewer()
 
 void MainWindow::choosePicture()
 {
-    const QString file =
-        QFileDialog::getSaveFileName(this, "Save a picture of the view", "picture.png",
-                                     "Pictures (" + pictureNamePatterns() + ")");
-    if (!file.isEmpty())
-        savePicture(QFileInfo(file).suffix().isEmpty() ? file + ".png" : file);
+    QFileDialog dialog(this, "Save a picture of the view", QString(),
+                       "Pictures (" + pictureNamePatterns() + ")");
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setDefaultSuffix("png"); // before the dialog asks whether to overwrite
+    dialog.selectFile("picture.png");
+    if (dialog.exec() == QDialog::Accepted)
+        savePicture(dialog.selectedFiles().constFirst());
 }
 
 void MainWindow::savePicture(const QString& file)
@@ -342,7 +390,7 @@ void MainWindow::savePicture(const QString& file)
     if (failure.empty())
         pickLabel->setText("Saved " + file);
     else
-        QMessageBox::critical(this, "Cannot save", QString::fromStdString(failure));
+        tellFailure(this, "Cannot save", failure);
 }
 
 // Files
@@ -363,7 +411,9 @@ void MainWindow::dragEnterEvent(QDragEnterEvent* event)
 void MainWindow::dropEvent(QDropEvent* event)
 {
     event->acceptProposedAction();
-    openFiles(localFiles(*event->mimeData()));
+    // Later: the program that the files come from waits for this to return.
+    QTimer::singleShot(0, this,
+                       [this, files = localFiles(*event->mimeData())] { openFiles(files); });
 }
 
 void MainWindow::rememberFiles(const QStringList& files)
@@ -381,8 +431,11 @@ void MainWindow::rememberFiles(const QStringList& files)
 void MainWindow::updateRecentMenu()
 {
     recentMenu->clear();
-    for (const QString& file : QSettings().value(RECENT_FILES).toStringList())
-        recentMenu->addAction(file, this, [this, file] { openFiles({file}); });
+    for (const QString& file : QSettings().value(RECENT_FILES).toStringList()) {
+        // A single & would underline the letter after it.
+        recentMenu->addAction(QString(file).replace('&', "&&"), this,
+                              [this, file] { openFiles({file}); });
+    }
     if (recentMenu->isEmpty())
         recentMenu->addAction("None yet")->setEnabled(false);
 }
@@ -393,7 +446,8 @@ void MainWindow::restoreWindow()
 {
     resize(1000, 750);
     if (options.windowSize)
-        resize(options.windowSize->first, options.windowSize->second);
+        resize(QSize(options.windowSize->first, options.windowSize->second)
+                   .boundedTo(screen()->availableVirtualSize()));
     else
         restoreGeometry(QSettings().value(GEOMETRY).toByteArray());
 }
@@ -448,6 +502,8 @@ void MainWindow::buildViewMenu(QMenu& menu)
     QAction* all = menu.addAction("View &all", this, &MainWindow::viewAll, QKeySequence("V"));
     sceneActions.push_back(all);
     tools->addAction(all);
+    sceneActions.push_back(
+        addKeyAction(menu, "As at the &beginning", "Home", SoKeyboardEvent::HOME));
     menu.addSeparator();
     const std::vector<std::pair<QString, Side>> sides{{"x", Side::X}, {"-x", Side::MINUS_X},
                                                       {"y", Side::Y}, {"-y", Side::MINUS_Y},
@@ -575,16 +631,30 @@ std::string saveWindow(const QWidget& window, const std::string& file)
     return saveImage(image.convertToFormat(QImage::Format_RGB888), file);
 }
 
+// Standard input is no file to open again.
+QStringList namesOf(const std::vector<std::string>& files)
+{
+    QStringList names;
+    for (const std::string& file : files) {
+        if (file != "-")
+            names.append(QString::fromStdString(file));
+    }
+    return names;
+}
+
 } // namespace
 
 std::string runWindow(const Options& options, DataScene* scene, MainWindow::Loader loader)
 {
     MainWindow window(options, std::move(loader));
-    if (scene)
+    if (scene) {
         window.showScene(scene, options.files);
+        MainWindow::rememberFiles(namesOf(options.files));
+    }
     window.show();
     std::string failure;
     if (options.windowPicture) {
+        failure = *options.windowPicture + ": the window was closed before its picture was taken";
         QTimer::singleShot(int(1000 * options.windowPictureAfter), &window, [&] {
             failure = saveWindow(window, *options.windowPicture);
             window.close();

@@ -40,6 +40,8 @@ public:
     /// Shows the scene of these files instead of the present one, with the camera that
     /// the options ask for.
     void showScene(DataScene* scene, const std::vector<std::string>& files);
+    /// Puts the files at the top of those to open again.
+    static void rememberFiles(const QStringList& files);
     CameraNumbers getCameraNumbers() const;
     bool hasScene() const;
 
@@ -86,11 +88,12 @@ private:
     void pressKey(int key, Qt::KeyboardModifier modifier = Qt::NoModifier);
 
     void updateRecentMenu();
-    void rememberFiles(const QStringList& files);
     void restoreWindow();
 
     void place(const CameraRequest& request);
     void fit();
+    /// Whether the view is as it was fitted.
+    bool isFitted() const;
     /// A view that the user left as it was fitted is fitted anew to another size.
     static void refit(void* window, SoQtGeneralViewer* viewer, const SbVec2s& size);
     void followViewer();

@@ -223,6 +223,7 @@ void addWindowPicture(CLI::App& app, CLI::Option* render, Options& options)
            "Write a picture of the whole window after so many seconds, and end")
         ->type_name("SECONDS OUT.png")
         ->expected(2)
+        ->allow_extra_args(false)
         ->excludes(render);
 }
 

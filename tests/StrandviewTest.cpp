@@ -11,6 +11,7 @@
 #include <QDir>
 #include <QFile>
 #include <QImage>
+#include <QPainter>
 #include <QTemporaryDir>
 #include <gmock/gmock.h>
 
@@ -323,14 +324,192 @@ TEST_F(StrandviewTest, ColoursByEveryBuiltInScalarOfAnyRod)
     }
 }
 
+// A flat cross of three arms that differ: along x to 1, along y to 2, along z to 4.
+const char* const ARMS_JSON = R"({"strandview": 1, "rods": [
+    {"points": [[0.3,0,0],[1,0,0]]}, {"points": [[0,0.3,0],[0,2,0]]},
+    {"points": [[0,0,0.3],[0,0,4]]}]})";
+
+TEST_F(StrandviewTest, EveryStandardViewShowsItsOwnSide)
+{
+    struct View
+    {
+        std::string side;
+        // Where the ends of the long arms are seen: 1 right or up, -1 left or down, 0 end on.
+        int yRight, yUp, zRight, zUp;
+    };
+    const std::string rods = write("arms.json", ARMS_JSON);
+    for (const View& view :
+         {View{"x", 1, 0, 0, 1}, View{"-x", -1, 0, 0, 1}, View{"y", 0, 0, 0, 1},
+          View{"-y", 0, 0, 0, 1}, View{"z", 0, 1, 0, 0}, View{"-z", 0, 1, 0, 0}}) {
+        SCOPED_TRACE(view.side);
+        ASSERT_EQ(run({"--render", path("view.png"), "--size", "300x300", "--no-ribbon", "--radius",
+                       "0.1", "--view", view.side, rods})
+                      .status,
+                  0);
+        // The boxes of the first, second and third rod's colours.
+        const QImage image = picture("view.png");
+        const auto middleOf = [&image](int hueFrom, int hueTo) {
+            QRect box;
+            for (int y = 0; y < image.height(); ++y) {
+                for (int x = 0; x < image.width(); ++x) {
+                    const QColor c = image.pixelColor(x, y);
+                    if (c.hsvSaturation() > 60 && c.hsvHue() > hueFrom && c.hsvHue() < hueTo)
+                        box |= QRect(x, y, 1, 1);
+                }
+            }
+            return box;
+        };
+        const QRect alongX = middleOf(190, 220), alongY = middleOf(150, 180),
+                    alongZ = middleOf(300, 345);
+        const auto isLong = [](int a, int b) { return a > 2 * b; };
+        EXPECT_EQ(isLong(alongY.width(), alongY.height()), view.yRight != 0);
+        EXPECT_EQ(isLong(alongY.height(), alongY.width()), view.yUp != 0);
+        EXPECT_EQ(isLong(alongZ.height(), alongZ.width()), view.zUp != 0);
+        EXPECT_FALSE(isLong(alongZ.width(), alongZ.height()));
+        if (view.yRight) {
+            EXPECT_GT(view.yRight * (alongY.center().x() - alongZ.center().x()), 20);
+        }
+        if (view.zUp) {
+            EXPECT_LT(alongZ.center().y(), 160);
+        }
+        // From the opposite sides x points the other way.
+        if (view.side == "z" || view.side == "-y") {
+            EXPECT_GT(alongX.center().x(), (view.side == "z" ? alongY : alongZ).center().x());
+        }
+        if (view.side == "-z" || view.side == "y") {
+            EXPECT_LT(alongX.center().x(), (view.side == "-z" ? alongY : alongZ).center().x());
+        }
+    }
+}
+
+TEST_F(StrandviewTest, TheCameraThatItPrintsGivesTheSamePicturePixelByPixel)
+{
+    const std::string rod = write("rod.txt", HELIX);
+    for (const std::vector<std::string>& view :
+         {std::vector<std::string>{"--view", "-x"}, {"--view", "y", "--perspective"}, {}}) {
+        std::vector<std::string> arguments{"--render",       path("a.png"), "--size", "200x150",
+                                           "--print-camera", "--colour-by", "twist",  rod};
+        arguments.insert(arguments.begin(), view.begin(), view.end());
+        const ProgramRun first = run(arguments);
+        ASSERT_EQ(first.status, 0) << first.error;
+        ASSERT_EQ(std::count(first.output.begin(), first.output.end(), '\n'), 1);
+        const std::string numbers = first.output.substr(0, first.output.size() - 1);
+        const ProgramRun again = run({"--render", path("b.png"), "--size", "200x150", "--colour-by",
+                                      "twist", "--print-camera", "--camera", numbers, rod});
+        ASSERT_EQ(again.status, 0) << again.error;
+        EXPECT_EQ(again.output, first.output);
+        EXPECT_GT(countCovered(picture("a.png")), 1000);
+        EXPECT_EQ(picture("a.png"), picture("b.png"));
+    }
+}
+
+TEST_F(StrandviewTest, TransparentPicturesHaveTheCoverageAsAlphaWhateverTheColours)
+{
+    // A rod across the view, a tenth of it high, its ribbon slanted beside it.
+    const std::string rod =
+        write("rod.txt", "0 0 0 -0.0863966143 0.7018088237 0.0863966143 0.7018088237\n"
+                         "4 1 0 -0.0863966143 0.7018088237 0.0863966143 0.7018088237\n");
+    const auto render = [&](const std::string& colour, const std::string& background,
+                            const std::string& samples) {
+        EXPECT_EQ(run({"--render", path("rod.png"), "--size", "200x150", "--no-ribbon", "--radius",
+                       "0.2", "--tube-colour", colour, "--background", background, "--samples",
+                       samples, "--transparent", rod})
+                      .status,
+                  0);
+        return picture("rod.png");
+    };
+    const QImage black = render("black", "white", "3");
+    ASSERT_TRUE(black.hasAlphaChannel());
+    EXPECT_EQ(black.pixelColor(0, 0).alpha(), 0);
+    EXPECT_EQ(black.pixelColor(100, 75).alpha(), 255);
+    std::set<int> shares;
+    int edge = 0;
+    for (const char* colour : {"black", "white", "#00f"}) {
+        for (const char* background : {"white", "black", "blue"}) {
+            SCOPED_TRACE(std::string(colour) + " on " + background);
+            const QImage other = render(colour, background, "3");
+            ASSERT_EQ(other.size(), black.size());
+            for (int y = 0; y < black.height(); ++y) {
+                for (int x = 0; x < black.width(); ++x) {
+                    const int alpha = qAlpha(other.pixel(x, y));
+                    ASSERT_EQ(alpha, qAlpha(black.pixel(x, y))) << x << ", " << y;
+                    shares.insert(alpha);
+                    edge += alpha > 0 && alpha < 255;
+                }
+            }
+        }
+    }
+    // Thin edges: the shares that nine samples tell apart.
+    EXPECT_GT(edge, 100);
+    EXPECT_GE(shares.size(), 8u);
+    for (const int share : shares)
+        EXPECT_NEAR(share * 9 / 255.0, std::round(share * 9 / 255.0), 0.04) << share;
+    const QImage single = render("white", "white", "1");
+    EXPECT_EQ(countPixels(single, [](const QColor& c) { return c.alpha() % 255 != 0; }), 0);
+}
+
+TEST_F(StrandviewTest, ATransparentPictureOnItsBackgroundIsThePlainPicture)
+{
+    const std::string rod = write("rod.txt", SCALARS);
+    const std::vector<std::string> common{
+        "--size", "400x300", "--background", "#fffff0", "--colour-by", "heat", rod};
+    const auto render = [&](std::vector<std::string> arguments) {
+        arguments.insert(arguments.end(), common.begin(), common.end());
+        EXPECT_EQ(run(arguments).status, 0);
+    };
+    render({"--render", path("plain.png")});
+    render({"--render", path("clear.png"), "--transparent"});
+    QImage laid(400, 300, QImage::Format_RGB32);
+    laid.fill(QColor("#fffff0"));
+    QPainter(&laid).drawImage(0, 0, picture("clear.png"));
+    const QImage plain = picture("plain.png");
+    int text = 0;
+    for (int y = 0; y < 300; ++y) {
+        for (int x = 0; x < 400; ++x) {
+            ASSERT_LE(distance(laid.pixelColor(x, y), plain.pixelColor(x, y)), 4) << x << ", " << y;
+            text += y > 280 && plain.pixelColor(x, y).lightness() < 160;
+        }
+    }
+    EXPECT_GT(text, 20); // the legend's numbers
+}
+
+TEST_F(StrandviewTest, PicturesOfOnePixelAndOfOneLineAreWritten)
+{
+    const std::string rod = write("rod.txt", HELIX);
+    for (const auto& [text, size] : std::vector<std::pair<std::string, QSize>>{
+             {"1x1", {1, 1}}, {"2000x1", {2000, 1}}, {"1x2000", {1, 2000}}}) {
+        for (const char* type : {"--no-ribbon", "--perspective", "--transparent"}) {
+            SCOPED_TRACE(text + type);
+            EXPECT_EQ(run({"--render", path("rod.png"), "--size", text, type, rod}).status, 0);
+            EXPECT_EQ(picture("rod.png").size(), size);
+        }
+    }
+}
+
+TEST_F(StrandviewTest, ExtremeCamerasAreHarmless)
+{
+    const std::string rod = write("rod.txt", HELIX);
+    for (const char* numbers :
+         {"orthographic,1e38,1e38,1e38,0,0,0,1,1e38,1e38", "orthographic,0,0,0,0,0,0,1,1e-38,1e-38",
+          "perspective,0,0,0,0,0,0,1,1e-38,3.14", "perspective,0,0,1e38,0,0,0,1,1e38,1e-6"}) {
+        EXPECT_EQ(
+            run({"--render", path("rod.png"), "--size", "50x50", "--camera", numbers, rod}).status,
+            0)
+            << numbers;
+        EXPECT_EQ(picture("rod.png").size(), QSize(50, 50));
+    }
+}
+
 TEST_F(StrandviewTest, HelpAndVersionGoToStandardOutput)
 {
     const ProgramRun help = run({"--help"});
     EXPECT_EQ(help.status, 0);
     EXPECT_EQ(help.error, "");
-    for (const char* option : {"--render", "--size", "--radius", "--ribbon-width", "--slices",
-                               "--subsegments", "--no-tube", "--no-ribbon", "--tube-colour",
-                               "--ribbon-colour", "--background", "--normalise"})
+    for (const char* option :
+         {"--render", "--size", "--radius", "--ribbon-width", "--slices", "--subsegments",
+          "--no-tube", "--no-ribbon", "--tube-colour", "--ribbon-colour", "--background",
+          "--normalise", "--samples", "--transparent", "--view", "--perspective", "--camera",
+          "--print-camera", "--screenshot-after"})
         EXPECT_THAT(help.output, HasSubstr(option));
 
     const ProgramRun version = run({"--version"});
@@ -449,6 +628,37 @@ INSTANTIATE_TEST_SUITE_P(
         BadCall{"NanRadius", {"--render", "OUT", "--radius", "nan", "GOOD"}, "", "--radius"},
         BadCall{"WordRadius", {"--render", "OUT", "--radius", "thin", "GOOD"}, "", "--radius"},
         BadCall{"TwoSlices", {"--render", "OUT", "--slices", "2", "GOOD"}, "", "--slices"},
+        BadCall{"TooManySamplesEver", {"--render", "OUT", "--samples", "9", "GOOD"}, "", "1 to 8"},
+        BadCall{"SamplesOfNoPicture", {"--samples", "3", "GOOD"}, "", "--render"},
+        BadCall{"TransparentWindow", {"--transparent", "GOOD"}, "", "--render"},
+        BadCall{"TransparentJpeg", {"--render", "out.jpg", "--transparent", "GOOD"}, "", ".png"},
+        BadCall{"Background", {"--render", "OUT", "--background", "#12", "GOOD"}, "", "'#12'"},
+        BadCall{"NoSuchSide", {"--render", "OUT", "--view", "w", "GOOD"}, "", "x -x y -y z -z"},
+        BadCall{"TwoSides", {"--render", "OUT", "--view", "xy", "GOOD"}, "", "'xy'"},
+        BadCall{"CameraOfWords", {"--render", "OUT", "--camera", "front", "GOOD"}, "", "'front'"},
+        BadCall{"CameraTooShort",
+                {"--render", "OUT", "--camera", "orthographic,0,0,0,0,0,0,1,1,", "GOOD"},
+                "",
+                "9 numbers"},
+        BadCall{"CameraAndView",
+                {"--render", "OUT", "--view", "x", "--camera", "orthographic,0,0,0,0,0,0,1,1,1",
+                 "GOOD"},
+                "",
+                "--view"},
+        BadCall{"CameraAndPerspective",
+                {"--render", "OUT", "--perspective", "--camera", "orthographic,0,0,0,0,0,0,1,1,1",
+                 "GOOD"},
+                "",
+                "--perspective"},
+        BadCall{"ScreenshotAndRender",
+                {"--render", "OUT", "--screenshot-after", "1", "OUT", "GOOD"},
+                "",
+                "--screenshot-after"},
+        BadCall{"ScreenshotInThePast", {"--screenshot-after", "-1", "OUT", "GOOD"}, "", "'-1'"},
+        BadCall{"ScreenshotSometime", {"--screenshot-after", "soon", "OUT", "GOOD"}, "", "'soon'"},
+        BadCall{"ScreenshotNever", {"--screenshot-after", "inf", "OUT", "GOOD"}, "", "'inf'"},
+        BadCall{"ScreenshotWithoutName", {"--screenshot-after", "1"}, "", "--screenshot-after"},
+        BadCall{"ScreenshotEnding", {"--screenshot-after", "1", "w.xyz", "GOOD"}, "", "w.xyz"},
         BadCall{"Colour", {"--render", "OUT", "--tube-colour", "bluish", "GOOD"}, "", "bluish"}),
     [](const auto& test) { return test.param.name; });
 

@@ -1,44 +1,57 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+// The program's window as its user sees it: a real window, keys, clicks, menus and drops.
 #include "MainWindow.h"
 
 #include <cmath>
+#include <fstream>
 #include <functional>
+#include <memory>
+#include <sstream>
 
+#include <QAbstractButton>
+#include <QAction>
 #include <QApplication>
+#include <QClipboard>
+#include <QDir>
+#include <QDropEvent>
+#include <QFileDialog>
+#include <QGLWidget>
 #include <QImage>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMessageBox>
+#include <QMimeData>
 #include <QPixmap>
+#include <QPointer>
 #include <QScreen>
+#include <QSettings>
+#include <QStatusBar>
+#include <QTemporaryDir>
+#include <QTest>
 #include <QTimer>
-#include <QWidget>
-#include <gtest/gtest.h>
+#include <QToolBar>
+#include <QUrl>
+#include <gmock/gmock.h>
 
 #include "DataScene.h"
-#include "Progress.h"
+#include "Keys.h"
 #include "SceneBuilder.h"
+#include "SceneLoader.h"
 #include "checkDisplay.h"
+#include "support/runProgram.h"
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
 
 namespace {
 
-Configuration straightRod()
-{
-    // Across the view; d2 is y.
-    Rod rod;
-    const double s = std::sqrt(0.5);
-    for (int i = 0; i < 3; ++i) {
-        rod.points.emplace_back(i, 0, 0);
-        rod.rotations.emplace_back(0, s, 0, s);
-    }
-    return {{rod}};
-}
-
-QImage screenshot(const QWidget& widget)
-{
-    return widget.screen()
-        ->grabWindow(0, widget.x(), widget.y(), widget.width(), widget.height())
-        .toImage();
-}
-
-int pixelsOf(const QImage& picture) { return picture.width() * picture.height(); }
+// Along x from 0 to 2; d2 is y.
+const char* const STRAIGHT = "0 0 0 0 0.70710678118654752 0 0.70710678118654752\n"
+                             "1 0 0 0 0.70710678118654752 0 0.70710678118654752\n"
+                             "2 0 0 0 0.70710678118654752 0 0.70710678118654752\n";
 
 bool isRed(const QColor& colour)
 {
@@ -55,21 +68,180 @@ int count(const QImage& picture, const std::function<bool(QColor)>& holds)
     return pixels;
 }
 
-TEST(MainWindow, ShowsTheSceneOnTheBackgroundUntilItIsClosed)
+int difference(const QColor& a, const QColor& b)
 {
-    ASSERT_EQ(checkDisplay(), "");
-    initialiseWindows("MainWindowTest");
-    initialiseScene();
+    return std::max({std::abs(a.red() - b.red()), std::abs(a.green() - b.green()),
+                     std::abs(a.blue() - b.blue())});
+}
+
+// What a menu shows of an action, without mark-up for keys.
+std::string plainText(const QAction& action)
+{
+    return action.text().section('\t', 0, 0).remove('&').toStdString();
+}
+
+// While it lives, every modal dialog and menu that opens is answered: by the given
+// function, and is then closed if it is still there.
+class Answers
+{
+public:
+    explicit Answers(std::function<void(QWidget&)> answerDialog = nullptr)
+        : answer(std::move(answerDialog))
+    {
+        timer.setSingleShot(true); // for answers that bring up another dialog
+        QObject::connect(&timer, &QTimer::timeout, [this] { look(); });
+        timer.start(20);
+    }
+
+    std::vector<std::string> texts; ///< of the message boxes, in order
+
+private:
+    void look()
+    {
+        timer.start(20);
+        if (QWidget* popup = QApplication::activePopupWidget())
+            popup->close();
+        const QPointer<QWidget> modal = QApplication::activeModalWidget();
+        if (!modal || !modal->isVisible())
+            return;
+        if (const auto* box = qobject_cast<QMessageBox*>(modal))
+            texts.push_back(box->text().toStdString());
+        if (answer)
+            answer(*modal);
+        if (modal)
+            modal->close();
+    }
+
+    std::function<void(QWidget&)> answer;
+    QTimer timer;
+};
+
+class MainWindowTest : public testing::Test
+{
+protected:
+    static void SetUpTestSuite()
+    {
+        ASSERT_EQ(checkDisplay(), "");
+        static QTemporaryDir settings;
+        qputenv("XDG_CONFIG_HOME", settings.path().toLocal8Bit());
+        QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+        initialiseWindows("MainWindowTest");
+        initialiseScene();
+    }
+
+    MainWindowTest()
+    {
+        QSettings().clear();
+        options.windowSize = {520, 420};
+        options.radius = 0.2;
+        options.tubeColour = Colour{1, 0, 0};
+        options.showRibbon = false;
+    }
+
+    std::string write(const std::string& name, const std::string& text) const
+    {
+        const std::string path = folder.filePath(QString::fromStdString(name)).toStdString();
+        std::ofstream(path) << text;
+        return path;
+    }
+
+    // A window on these files, shown.
+    void open(const std::vector<std::string>& files)
+    {
+        window = std::make_unique<MainWindow>(
+            options, [this](const std::vector<std::string>& names, ReadReport& report) {
+                return loadScene(names, options, report);
+            });
+        if (!files.empty()) {
+            ReadReport report;
+            DataScene* scene = loadScene(files, options, report);
+            ASSERT_NE(scene, nullptr) << report.error;
+            window->showScene(scene, files);
+        }
+        window->show();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    }
+
+    QWidget* view() const { return window->findChild<QGLWidget*>(); }
+    QLineEdit* zoomField() const { return window->findChild<QLineEdit*>("zoomLineEdit"); }
+
+    std::string statusText() const
+    {
+        return window->findChild<QStatusBar*>()->findChild<QLabel*>()->text().toStdString();
+    }
+
+    QAction* action(const std::string& text) const
+    {
+        for (QAction* candidate : window->findChildren<QAction*>()) {
+            if (plainText(*candidate) == text)
+                return candidate;
+        }
+        ADD_FAILURE() << "no entry " << text;
+        return nullptr;
+    }
+
+    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) const
+    {
+        QTest::keyClick(view(), key, modifiers);
+    }
+
+    // The screen's pixels of the view, or of the whole window.
+    QImage shown() const { return grab(*view()); }
+    static QImage grab(QWidget& widget)
+    {
+        return widget.screen()->grabWindow(widget.winId()).toImage();
+    }
+
+    // Waits for the screen.
+    bool comesToShow(const std::function<bool(const QImage&)>& holds) const
+    {
+        return QTest::qWaitFor([&] { return holds(shown()); }, 20000);
+    }
+    bool comesToShowTheRod() const
+    {
+        return comesToShow(
+            [](const QImage& p) { return count(p, isRed) > p.width() * p.height() / 50; });
+    }
+
+    // Where the view shows a point of the plane z = 0, as long as it looks along -z.
+    QPoint pixelOf(double x, double y) const
+    {
+        const CameraNumbers camera = window->getCameraNumbers();
+        const double pixels = std::min(view()->width(), view()->height()) / camera.size;
+        return QPoint(int(view()->width() / 2.0 + (x - camera.position[0]) * pixels),
+                      int(view()->height() / 2.0 - (y - camera.position[1]) * pixels));
+    }
+
+    void drop(const QList<QUrl>& urls) const
+    {
+        QMimeData data;
+        data.setUrls(urls);
+        QDragEnterEvent enter(QPoint(9, 9), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(window.get(), &enter);
+        accepted = enter.isAccepted();
+        QDropEvent event(QPointF(9, 9), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        if (accepted)
+            QApplication::sendEvent(window.get(), &event);
+        QTest::qWait(50);
+    }
+
+    QTemporaryDir folder;
     Options options;
-    options.radius = 0.2;
-    options.tubeColour = Colour{1, 0, 0};
-    options.showRibbon = false;
-    Progress progress;
-    std::string error;
+    std::unique_ptr<MainWindow> window;
+    mutable bool accepted = false;
+};
+
+QUrl url(const std::string& file) { return QUrl::fromLocalFile(QString::fromStdString(file)); }
+
+// Opening and closing
+
+TEST_F(MainWindowTest, ShowsTheSceneOnTheBackgroundUntilItIsClosed)
+{
     options.background = {0, 0, 1};
-    DataScene* scene =
-        buildScene(straightRod(), makeStyle(options, straightRod()), nullptr, progress, error);
-    ASSERT_NE(scene, nullptr) << error;
+    options.files = {write("straight.txt", STRAIGHT)};
+    ReadReport report;
+    DataScene* scene = loadScene(options.files, options, report);
+    ASSERT_NE(scene, nullptr) << report.error;
 
     // Looks until the rod is there, for at most a minute.
     QString title;
@@ -81,21 +253,699 @@ TEST(MainWindow, ShowsTheSceneOnTheBackgroundUntilItIsClosed)
             if (!widget->isVisible())
                 continue;
             title = widget->windowTitle();
-            picture = screenshot(*widget);
-            if (count(picture, isRed) > pixelsOf(picture) / 30 || ++looks == 300)
+            picture = grab(*widget);
+            if (count(picture, isRed) > picture.width() * picture.height() / 30 || ++looks == 300)
                 widget->close();
         }
     });
     timer.start(200);
-    options.files = {"straight.txt"};
     EXPECT_EQ(runWindow(options, scene, nullptr), "");
 
-    EXPECT_EQ(title, "straight.txt - strandview");
-    ASSERT_GE(picture.width(), 600);
-    // The rod is a tenth of the view; the viewer's own decoration takes some of the rest.
-    EXPECT_GT(count(picture, isRed), pixelsOf(picture) / 30);
-    EXPECT_GT(count(picture, [](const QColor& c) { return c == QColor(0, 0, 255); }),
-              pixelsOf(picture) / 3);
+    EXPECT_EQ(title.toStdString(), options.files[0] + " - strandview");
+    const int pixels = picture.width() * picture.height();
+    EXPECT_GT(count(picture, isRed), pixels / 30);
+    EXPECT_GT(count(picture, [](const QColor& c) { return c == QColor(0, 0, 255); }), pixels / 3);
+}
+
+TEST_F(MainWindowTest, SaysSoWhenItIsClosedBeforeItsPictureIsTaken)
+{
+    options.windowPicture = folder.filePath("window.png").toStdString();
+    options.windowPictureAfter = 600;
+    QTimer::singleShot(300, [] {
+        for (QWidget* widget : QApplication::topLevelWidgets())
+            widget->close();
+    });
+    EXPECT_THAT(runWindow(options, nullptr, nullptr),
+                AllOf(StartsWith(*options.windowPicture), HasSubstr("closed")));
+    EXPECT_FALSE(QFile::exists(folder.filePath("window.png")));
+}
+
+TEST_F(MainWindowTest, FilesOfTheCommandLineAreRecentButStandardInputIsNot)
+{
+    options.files = {write("straight.txt", STRAIGHT)};
+    ReadReport report;
+    DataScene* scene = loadScene(options.files, options, report);
+    ASSERT_NE(scene, nullptr);
+    options.files.emplace_back("-");
+    QTimer::singleShot(100, [] {
+        for (QWidget* widget : QApplication::topLevelWidgets())
+            widget->close();
+    });
+    runWindow(options, scene, nullptr);
+    EXPECT_EQ(QSettings().value("recentFiles").toStringList(),
+              QStringList(QString::fromStdString(options.files[0])));
+}
+
+TEST_F(MainWindowTest, AnEmptyWindowIsOfTheBackgroundAndOffersWhatItCanDo)
+{
+    options.background = {1, 1, 1};
+    open({});
+    EXPECT_TRUE(comesToShow([](const QImage& p) { return p.pixelColor(9, 9) == Qt::white; }));
+    EXPECT_EQ(window->windowTitle(), "strandview");
+    EXPECT_TRUE(action("Open...")->isEnabled());
+    EXPECT_TRUE(action("Keys")->isEnabled());
+    for (const char* text : {"Save a picture...", "View all", "From x", "Perspective", "Lights...",
+                             "Copy camera", "Lit, plain, wireframe"})
+        EXPECT_FALSE(action(text)->isEnabled()) << text;
+}
+
+// Every key with every modifier, then every entry of the menus.
+void tryEverything(MainWindow& window, QWidget& view)
+{
+    const Answers answers;
+    std::vector<int> keys;
+    for (int key = Qt::Key_Space; key <= Qt::Key_AsciiTilde; ++key)
+        keys.push_back(key);
+    for (int key = Qt::Key_Escape; key <= Qt::Key_PageDown; ++key)
+        keys.push_back(key);
+    keys.insert(keys.end(), {Qt::Key_Shift, Qt::Key_Control, Qt::Key_Alt, Qt::Key_F1, Qt::Key_F12});
+    for (const int key : keys) {
+        for (const auto modifier :
+             {Qt::NoModifier, Qt::ShiftModifier, Qt::ControlModifier, Qt::AltModifier}) {
+            // Of any key: keyClick() knows those alone that have a letter.
+            QTest::sendKeyEvent(QTest::Click, &view, Qt::Key(key), QString(), modifier);
+            QApplication::processEvents();
+            while (QWidget* popup = QApplication::activePopupWidget())
+                popup->close();
+            ASSERT_TRUE(window.isVisible()) << "closed by key " << key << " + " << modifier;
+        }
+    }
+    for (const auto button : {Qt::LeftButton, Qt::MiddleButton, Qt::RightButton}) {
+        QTest::mouseClick(&view, button, Qt::NoModifier, QPoint(30, 30));
+        QTest::mouseClick(&view, button, Qt::ControlModifier, view.rect().center());
+    }
+    for (QAction* action : window.findChildren<QAction*>()) {
+        if (plainText(*action) == "Quit")
+            continue;
+        action->trigger();
+        QApplication::processEvents();
+    }
+    for (QWidget* other : QApplication::topLevelWidgets()) {
+        if (other != &window && other->isVisible())
+            other->close();
+    }
+    QTest::qWait(50);
+}
+
+TEST_F(MainWindowTest, NothingHarmsAnEmptyWindow)
+{
+    open({});
+    tryEverything(*window, *view());
+    EXPECT_FALSE(window->hasScene());
+    window->viewAll();
+    window->setPerspective(true);
+    window->viewFrom(Side::X);
+    window->copyCamera();
+    window->savePicture(folder.filePath("none.png"));
+    EXPECT_FALSE(QFile::exists(folder.filePath("none.png")));
+    QTest::keyClicks(zoomField(), "12");
+    QTest::keyClick(zoomField(), Qt::Key_Return);
+    EXPECT_TRUE(window->isVisible());
+}
+
+TEST_F(MainWindowTest, NothingHarmsAWindowWithAScene)
+{
+    options.colourBy = "arclength";
+    open({write("straight.txt", STRAIGHT)});
+    tryEverything(*window, *view());
+    EXPECT_TRUE(window->hasScene());
+    EXPECT_TRUE(window->isVisible());
+}
+
+TEST_F(MainWindowTest, QuitClosesIt)
+{
+    open({});
+    action("Quit")->trigger();
+    EXPECT_FALSE(window->isVisible());
+}
+
+// Files
+
+TEST_F(MainWindowTest, OpeningAnotherFileReplacesWhatIsShown)
+{
+    const std::string second = write("second.txt", "0 0 0\n0 8 0\n0 9 0\n");
+    open({write("straight.txt", STRAIGHT)});
+    const CameraNumbers before = window->getCameraNumbers();
+    window->openFiles({QString::fromStdString(second)});
+    EXPECT_EQ(window->windowTitle().toStdString(), second + " - strandview");
+    EXPECT_FALSE(window->getCameraNumbers() == before);
+    EXPECT_NEAR(window->getCameraNumbers().position[1], 4.5, 0.01);
+    EXPECT_THAT(statusText(), HasSubstr("parallel transport"));
+
+    window->openFiles({QString::fromStdString(second), QString::fromStdString(second)});
+    EXPECT_EQ(window->windowTitle().toStdString(), second + " and 1 more - strandview");
+}
+
+TEST_F(MainWindowTest, AFileThatCannotBeOpenedIsToldAndLeavesWhatWasShown)
+{
+    const std::string bad = write("<b>bad.txt", "0 0 zero\n");
+    open({write("straight.txt", STRAIGHT)});
+    press(Qt::Key_A);
+    const CameraNumbers before = window->getCameraNumbers();
+    const QString title = window->windowTitle();
+    for (const std::string& file : {bad, std::string("no/such.txt"), folder.path().toStdString()}) {
+        Answers answers;
+        window->openFiles({QString::fromStdString(file)});
+        ASSERT_EQ(answers.texts.size(), 1u) << file;
+        EXPECT_THAT(answers.texts[0], HasSubstr(file));
+    }
+    EXPECT_EQ(window->windowTitle(), title);
+    EXPECT_TRUE(window->getCameraNumbers() == before);
+    EXPECT_TRUE(comesToShowTheRod());
+    EXPECT_TRUE(QSettings().value("recentFiles").toStringList().isEmpty());
+}
+
+TEST_F(MainWindowTest, AFailureIsShownLetterByLetter)
+{
+    Qt::TextFormat format = Qt::RichText;
+    open({});
+    const Answers answers(
+        [&](QWidget& dialog) { format = dynamic_cast<QMessageBox&>(dialog).textFormat(); });
+    window->openFiles({QString::fromStdString(write("x.txt", "0 0 <b>\n"))});
+    EXPECT_EQ(format, Qt::PlainText);
+}
+
+TEST_F(MainWindowTest, OpensTheFilesThatAreChosen)
+{
+    const std::string file = write("straight.txt", STRAIGHT);
+    open({});
+    const Answers answers([&](QWidget& dialog) {
+        auto& chooser = dynamic_cast<QFileDialog&>(dialog);
+        chooser.findChild<QLineEdit*>()->setText(QString::fromStdString(file));
+        QMetaObject::invokeMethod(&chooser, "accept");
+    });
+    QTest::keyClick(view(), Qt::Key_O, Qt::ControlModifier);
+    EXPECT_TRUE(window->hasScene());
+    EXPECT_EQ(window->windowTitle().toStdString(), file + " - strandview");
+    EXPECT_TRUE(comesToShowTheRod());
+}
+
+TEST_F(MainWindowTest, OpensWhatIsDropped)
+{
+    const std::string file = write("straight.txt", STRAIGHT);
+    open({});
+    drop({url(file)});
+    EXPECT_TRUE(accepted);
+    EXPECT_TRUE(window->hasScene());
+    EXPECT_TRUE(comesToShowTheRod());
+}
+
+TEST_F(MainWindowTest, TellsWhyADroppedFileCannotBeOpened)
+{
+    open({write("straight.txt", STRAIGHT)});
+    const QString title = window->windowTitle();
+    Answers answers;
+    drop({url(write("bad.txt", "no numbers\n"))});
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !answers.texts.empty(); }));
+    EXPECT_THAT(answers.texts, testing::ElementsAre(HasSubstr("bad.txt")));
+    EXPECT_EQ(window->windowTitle(), title);
+}
+
+TEST_F(MainWindowTest, TakesNoDropsButFiles)
+{
+    open({});
+    drop({QUrl("https://example.org/rod.txt")});
+    EXPECT_FALSE(accepted);
+    drop({});
+    EXPECT_FALSE(accepted);
+}
+
+TEST_F(MainWindowTest, OffersTheLastEightFilesAgainTheNewestFirst)
+{
+    open({});
+    QStringList files;
+    for (int i = 0; i < 10; ++i) {
+        files.prepend(QString::fromStdString(write("a&b " + std::to_string(i) + ".txt", STRAIGHT)));
+        window->openFiles({files.front()});
+    }
+    window->openFiles({files[1]}); // once more: to the front
+    files.move(1, 0);
+
+    QMenu* recent = nullptr;
+    for (QMenu* menu : window->findChildren<QMenu*>()) {
+        if (menu->title() == "Open &recent")
+            recent = menu;
+    }
+    ASSERT_NE(recent, nullptr);
+    QMetaObject::invokeMethod(recent, "aboutToShow");
+    ASSERT_EQ(recent->actions().size(), 8);
+    for (int i = 0; i < 8; ++i) {
+        EXPECT_EQ(recent->actions().at(i)->text().toStdString(),
+                  QString(files[i]).replace('&', "&&").toStdString());
+    }
+    recent->actions().at(7)->trigger();
+    EXPECT_EQ(window->windowTitle(), files[7] + " - strandview");
+}
+
+TEST_F(MainWindowTest, SaysThatNoFileIsRecent)
+{
+    open({});
+    for (QMenu* menu : window->findChildren<QMenu*>()) {
+        if (menu->title() != "Open &recent")
+            continue;
+        QMetaObject::invokeMethod(menu, "aboutToShow");
+        ASSERT_EQ(menu->actions().size(), 1);
+        EXPECT_FALSE(menu->actions().at(0)->isEnabled());
+        return;
+    }
+    FAIL() << "no such menu";
+}
+
+// Window
+
+TEST_F(MainWindowTest, TheNextWindowHasTheSizeOfTheLast)
+{
+    options.windowSize.reset();
+    open({});
+    window->resize(543, 432);
+    QTest::qWait(100);
+    ASSERT_EQ(window->size(), QSize(543, 432));
+    window->close();
+    open({});
+    EXPECT_EQ(window->width(), 543);
+    EXPECT_EQ(window->height(), 432);
+}
+
+TEST_F(MainWindowTest, ASizeAskedForIsNotRemembered)
+{
+    options.windowSize.reset();
+    open({});
+    window->resize(543, 432);
+    QTest::qWait(100);
+    window->close();
+    options.windowSize = {600, 480};
+    open({});
+    EXPECT_EQ(window->size(), QSize(600, 480));
+    window->close();
+    options.windowSize.reset();
+    open({});
+    EXPECT_EQ(window->size(), QSize(543, 432));
+}
+
+TEST_F(MainWindowTest, IsNotLargerThanTheScreen)
+{
+    options.windowSize = {30000, 20000};
+    open({});
+    EXPECT_LE(window->width(), window->screen()->availableVirtualSize().width());
+    EXPECT_LE(window->height(), window->screen()->availableVirtualSize().height());
+}
+
+TEST_F(MainWindowTest, CanBeMadeTinyAndLongTextsDoNotWidenIt)
+{
+    options.windowSize = {1, 1};
+    open({write("straight.txt", STRAIGHT)});
+    QTest::qWait(100);
+    const int width = window->width();
+    EXPECT_LT(width, 300);
+    window->copyCamera();
+    QTest::qWait(100);
+    EXPECT_EQ(window->width(), width);
+}
+
+// Camera
+
+TEST_F(MainWindowTest, AFittedViewIsFittedAnewToAnotherSize)
+{
+    open({write("straight.txt", STRAIGHT)});
+    const auto rodEnds = [this] { return std::make_pair(pixelOf(0, 0).x(), pixelOf(2, 0).x()); };
+    for (const QSize size : {QSize(700, 420), QSize(400, 700)}) {
+        window->resize(size);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return view()->width() == size.width(); }));
+        QTest::qWait(50);
+        EXPECT_NEAR(rodEnds().first + rodEnds().second, view()->width(), 4);
+        EXPECT_GT(rodEnds().second - rodEnds().first, 0.8 * view()->width());
+        EXPECT_LT(rodEnds().second - rodEnds().first, view()->width());
+    }
+    // One that the user moved is left alone.
+    press(Qt::Key_D);
+    const CameraNumbers moved = window->getCameraNumbers();
+    window->resize(600, 500);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return view()->width() == 600; }));
+    EXPECT_TRUE(window->getCameraNumbers() == moved);
+    press(Qt::Key_V);
+    EXPECT_NEAR(rodEnds().first + rodEnds().second, view()->width(), 4);
+}
+
+TEST_F(MainWindowTest, KeysMoveTheCameraAndMenusDoTheSame)
+{
+    open({write("straight.txt", STRAIGHT)});
+    struct Same
+    {
+        Qt::Key key;
+        Qt::KeyboardModifier modifier;
+        const char* text;
+    };
+    for (const Same& same :
+         {Same{Qt::Key_A, Qt::NoModifier, "Left"}, Same{Qt::Key_D, Qt::NoModifier, "Right"},
+          Same{Qt::Key_W, Qt::NoModifier, "Up"}, Same{Qt::Key_S, Qt::NoModifier, "Down"},
+          Same{Qt::Key_Q, Qt::NoModifier, "Forward"}, Same{Qt::Key_E, Qt::NoModifier, "Backward"},
+          Same{Qt::Key_W, Qt::AltModifier, "In"}, Same{Qt::Key_S, Qt::AltModifier, "Out"},
+          Same{Qt::Key_D, Qt::AltModifier, "About the horizontal axis"},
+          Same{Qt::Key_D, Qt::ControlModifier, "About the vertical axis"},
+          Same{Qt::Key_D, Qt::ShiftModifier, "About the viewing axis"},
+          Same{Qt::Key_X, Qt::NoModifier, "x, z up"}, Same{Qt::Key_X, Qt::ShiftModifier, "x, y up"},
+          Same{Qt::Key_Y, Qt::NoModifier, "y, z up"}, Same{Qt::Key_Y, Qt::ShiftModifier, "y, x up"},
+          Same{Qt::Key_Z, Qt::ShiftModifier, "z, x up"},
+          Same{Qt::Key_1, Qt::ControlModifier, "From x"},
+          Same{Qt::Key_4, Qt::ControlModifier, "From -y"},
+          Same{Qt::Key_6, Qt::ControlModifier, "From -z"}}) {
+        SCOPED_TRACE(same.text);
+        window->viewFrom(Side::Z);
+        const CameraNumbers start = window->getCameraNumbers();
+        press(same.key, same.modifier);
+        const CameraNumbers byKey = window->getCameraNumbers();
+        EXPECT_FALSE(byKey == start);
+        window->viewFrom(Side::Z);
+        action(same.text)->trigger();
+        EXPECT_TRUE(window->getCameraNumbers() == byKey);
+    }
+}
+
+TEST_F(MainWindowTest, PerspectiveIsToggledByKeyMenuAndToolBarAndStillFits)
+{
+    open({write("straight.txt", STRAIGHT)});
+    const CameraNumbers start = window->getCameraNumbers();
+    EXPECT_FALSE(start.perspective);
+    press(Qt::Key_P);
+    EXPECT_TRUE(window->getCameraNumbers().perspective);
+    EXPECT_TRUE(action("Perspective")->isChecked());
+    // Fitted: seeing all again changes nothing.
+    const CameraNumbers perspective = window->getCameraNumbers();
+    press(Qt::Key_V);
+    EXPECT_TRUE(window->getCameraNumbers() == perspective);
+    action("Perspective")->trigger();
+    EXPECT_FALSE(window->getCameraNumbers().perspective);
+    EXPECT_FALSE(action("Perspective")->isChecked());
+    EXPECT_TRUE(window->getCameraNumbers() == start);
+    const QList<QAction*> tools = window->findChild<QToolBar*>()->actions();
+    EXPECT_TRUE(tools.contains(action("Perspective")));
+}
+
+TEST_F(MainWindowTest, TheZoomFieldShowsTheZoomAndTakesAnother)
+{
+    open({write("straight.txt", STRAIGHT)});
+    const auto zoom = [this] {
+        return std::min(view()->width(), view()->height()) /
+               double(window->getCameraNumbers().size);
+    };
+    EXPECT_NEAR(zoomField()->text().toDouble(), zoom(), 1e-3 * zoom());
+    press(Qt::Key_W, Qt::AltModifier);
+    EXPECT_NEAR(zoomField()->text().toDouble(), zoom(), 1e-3 * zoom());
+
+    zoomField()->setFocus();
+    zoomField()->selectAll();
+    QTest::keyClicks(zoomField(), "50");
+    QTest::keyClick(zoomField(), Qt::Key_Return);
+    EXPECT_NEAR(zoom(), 50, 1e-3);
+    EXPECT_TRUE(window->isVisible());
+    // The view has the keys again.
+    EXPECT_TRUE(view()->hasFocus());
+
+    zoomField()->setText("much");
+    QTest::keyClick(zoomField(), Qt::Key_Return);
+    EXPECT_NEAR(zoom(), 50, 1e-3);
+    EXPECT_EQ(zoomField()->text(), "50");
+}
+
+TEST_F(MainWindowTest, LettersThatAreTypedIntoTheZoomFieldAreNoShortCuts)
+{
+    open({write("straight.txt", STRAIGHT)});
+    zoomField()->setFocus();
+    zoomField()->clear();
+    QTest::keyClicks(zoomField(), "pv");
+    EXPECT_EQ(zoomField()->text(), "pv");
+    EXPECT_FALSE(window->getCameraNumbers().perspective);
+}
+
+TEST_F(MainWindowTest, AClickIntoTheViewBringsTheKeysThere)
+{
+    open({write("straight.txt", STRAIGHT)});
+    zoomField()->setFocus();
+    ASSERT_FALSE(view()->hasFocus());
+    QTest::mouseClick(view(), Qt::LeftButton, Qt::NoModifier, QPoint(20, 20));
+    EXPECT_TRUE(view()->hasFocus());
+}
+
+TEST_F(MainWindowTest, CopiesTheCameraForTheCommandLine)
+{
+    open({write("straight.txt", STRAIGHT)});
+    press(Qt::Key_D, Qt::AltModifier);
+    press(Qt::Key_P);
+    press(Qt::Key_K, Qt::ControlModifier);
+    const std::string text = QApplication::clipboard()->text().toStdString();
+    ASSERT_THAT(text, StartsWith("--camera "));
+    const std::optional<CameraNumbers> copied = parseCamera(text.substr(9));
+    ASSERT_TRUE(copied);
+    EXPECT_TRUE(*copied == window->getCameraNumbers());
+    EXPECT_THAT(statusText(), HasSubstr(text));
+}
+
+TEST_F(MainWindowTest, TakesACameraByItsNumbersForTheFirstSceneAlone)
+{
+    options.camera.numbers = parseCamera("perspective,3,4,5,0.5,0.5,0.5,0.5,6,0.7");
+    const std::string file = write("straight.txt", STRAIGHT);
+    open({file});
+    EXPECT_TRUE(window->getCameraNumbers() == *options.camera.numbers);
+    window->resize(600, 500);
+    QTest::qWait(100);
+    EXPECT_TRUE(window->getCameraNumbers() == *options.camera.numbers);
+    window->openFiles({QString::fromStdString(file)});
+    EXPECT_FALSE(window->getCameraNumbers() == *options.camera.numbers);
+}
+
+// Picks
+
+TEST_F(MainWindowTest, ThePointThatIsPickedAndItsArcLengthAreTold)
+{
+    const std::string file = write("straight.txt", STRAIGHT);
+    open({file});
+    ASSERT_TRUE(comesToShowTheRod());
+    for (const double x : {0.25, 1.0, 1.7}) {
+        for (const double y : {-0.1, 0.0, 0.15}) {
+            SCOPED_TRACE(testing::Message() << x << ", " << y);
+            QTest::mouseClick(view(), Qt::RightButton, Qt::NoModifier, pixelOf(x, y));
+            const std::string text = statusText();
+            ASSERT_THAT(text, StartsWith(file + ":1: rod 1: point "));
+            std::istringstream numbers(text.substr((file + ":1: rod 1: point ").size()));
+            double px = 0, py = 0, pz = 0, at = 0, length = 0;
+            std::string word;
+            numbers >> px >> py >> pz >> word >> word >> word >> at >> word >> length;
+            const double pixel = 1.5 / zoomField()->text().toDouble();
+            EXPECT_NEAR(px, x, pixel);
+            EXPECT_NEAR(py, y, pixel);
+            EXPECT_NEAR(pz, std::sqrt(0.04 - py * py), 0.02);
+            EXPECT_NEAR(at, x, pixel);
+            EXPECT_NEAR(at, px, 1e-4);
+            EXPECT_DOUBLE_EQ(length, 2);
+        }
+    }
+    const std::string before = statusText();
+    QTest::mouseClick(view(), Qt::RightButton, Qt::NoModifier, QPoint(3, 3));
+    EXPECT_EQ(statusText(), before);
+}
+
+TEST_F(MainWindowTest, TheLeftButtonPicksOnlyAfterEscape)
+{
+    const std::string file = write("straight.txt", STRAIGHT);
+    open({file});
+    ASSERT_TRUE(comesToShowTheRod());
+    const std::string before = statusText();
+    QTest::mouseClick(view(), Qt::LeftButton, Qt::NoModifier, pixelOf(1, 0));
+    EXPECT_EQ(statusText(), before);
+    action("Turning or picking")->trigger();
+    QTest::mouseClick(view(), Qt::LeftButton, Qt::NoModifier, pixelOf(1, 0));
+    EXPECT_THAT(statusText(), HasSubstr("arc length"));
+}
+
+TEST_F(MainWindowTest, ACtrlClickBringsThePointToTheMiddle)
+{
+    open({write("straight.txt", STRAIGHT)});
+    ASSERT_TRUE(comesToShowTheRod());
+    QTest::mouseClick(view(), Qt::LeftButton, Qt::ControlModifier, pixelOf(0.5, 0));
+    EXPECT_NEAR(window->getCameraNumbers().position[0], 0.5, 0.02);
+}
+
+// Look
+
+TEST_F(MainWindowTest, TheBackgroundKeyChangesBetweenWhiteAndBlackAndTheMenuAgain)
+{
+    open({write("straight.txt", STRAIGHT)});
+    const auto corner = [](const QColor& colour) {
+        return [colour](const QImage& p) { return p.pixelColor(4, 4) == colour; };
+    };
+    EXPECT_TRUE(comesToShow(corner(Qt::white)));
+    press(Qt::Key_B);
+    EXPECT_TRUE(comesToShow(corner(Qt::black)));
+    action("White or black background")->trigger();
+    EXPECT_TRUE(comesToShow(corner(Qt::white)));
+}
+
+TEST_F(MainWindowTest, EveryKeyThatTheViewKnowsStandsOnTheHelpPage)
+{
+    const Answers answers; // to the screenshot's dialog
+    open({write("straight.txt", STRAIGHT)});
+    std::string page;
+    for (const KeyGroup& group : keyHelp()) {
+        for (const KeyHelp& help : group.keys)
+            page += " " + help.key + " ";
+    }
+    int moving = 0;
+    const auto tryKey = [&](int key, const std::string& name) {
+        SCOPED_TRACE(name);
+        window->viewFrom(Side::Z);
+        press(Qt::Key_D, Qt::ShiftModifier);
+        press(Qt::Key_D);
+        const CameraNumbers before = window->getCameraNumbers();
+        QTest::sendKeyEvent(QTest::Click, view(), Qt::Key(key), QString(), Qt::NoModifier);
+        if (window->getCameraNumbers() == before)
+            return;
+        ++moving;
+        EXPECT_THAT(page, HasSubstr(" " + name));
+    };
+    for (int key = Qt::Key_A; key <= Qt::Key_Z; ++key)
+        tryKey(key, std::string(1, char('A' + key - Qt::Key_A)));
+    for (int key = Qt::Key_0; key <= Qt::Key_9; ++key)
+        tryKey(key, std::string(1, char('0' + key - Qt::Key_0)));
+    for (const int key : {Qt::Key_Left, Qt::Key_Right, Qt::Key_Up, Qt::Key_Down})
+        tryKey(key, "arrows");
+    for (const auto& [key, name] :
+         std::vector<std::pair<int, std::string>>{{Qt::Key_Home, "Home"},
+                                                  {Qt::Key_End, "End"},
+                                                  {Qt::Key_PageUp, "Page up"},
+                                                  {Qt::Key_PageDown, "Page down"},
+                                                  {Qt::Key_Insert, "Insert"},
+                                                  {Qt::Key_Delete, "Delete"},
+                                                  {Qt::Key_Backspace, "Backspace"},
+                                                  {Qt::Key_Tab, "Tab"},
+                                                  {Qt::Key_Plus, "+"},
+                                                  {Qt::Key_Comma, ","},
+                                                  {Qt::Key_Period, "."}})
+        tryKey(key, name);
+    EXPECT_GE(moving, 16); // A D W S Q E X Y Z V P, Home and the arrows
+}
+
+TEST_F(MainWindowTest, ShowsEveryKeyOnOnePageAndSaysWhatItIs)
+{
+    open({});
+    press(Qt::Key_F1);
+    action("About strandview")->trigger();
+    std::string texts;
+    for (QDialog* box : window->findChildren<QDialog*>()) {
+        if (!box->isVisible())
+            continue;
+        EXPECT_FALSE(box->isModal());
+        for (const QLabel* label : box->findChildren<QLabel*>()) {
+            EXPECT_GE(label->width(), label->sizeHint().width());
+            EXPECT_GE(label->height(), label->sizeHint().height());
+            texts += label->text().toStdString();
+        }
+        // Small screens have 1280 by 720 pixels.
+        EXPECT_LT(box->width(), 1200);
+        EXPECT_LT(box->height(), 640);
+        box->close();
+    }
+    for (const KeyGroup& group : keyHelp()) {
+        for (const KeyHelp& help : group.keys)
+            EXPECT_THAT(texts,
+                        HasSubstr(QString::fromStdString(help.does).toHtmlEscaped().toStdString()));
+    }
+    EXPECT_THAT(texts, HasSubstr("GPL-3.0-or-later"));
+}
+
+// Pictures
+
+TEST_F(MainWindowTest, ThePictureOfACopiedCameraIsWhatTheWindowShows)
+{
+    options.showRibbon = true;
+    const std::string file = write("helix.txt", [] {
+        std::ostringstream table;
+        for (int i = 0; i < 60; ++i)
+            table << std::cos(0.2 * i) << ' ' << std::sin(0.2 * i) << ' ' << 0.05 * i << '\n';
+        return table.str();
+    }());
+    open({file});
+    const std::string out = folder.filePath("picture.png").toStdString();
+    for (const bool perspective : {false, true}) {
+        SCOPED_TRACE(perspective);
+        window->setPerspective(perspective);
+        press(Qt::Key_D, Qt::AltModifier);
+        press(Qt::Key_A, Qt::ControlModifier);
+        press(Qt::Key_W, Qt::AltModifier);
+        ASSERT_TRUE(comesToShowTheRod());
+        QTest::qWait(1000); // for the last frame
+        const QImage seen = shown();
+        const ProgramRun run = runProgram(
+            STRANDVIEW_PROGRAM, {"--render", out, "--size",
+                                 std::to_string(seen.width()) + "x" + std::to_string(seen.height()),
+                                 "--radius", "0.2", "--tube-colour", "#ff0000", "--camera",
+                                 formatCamera(window->getCameraNumbers()), file});
+        ASSERT_EQ(run.status, 0) << run.error;
+        const QImage rendered(QString::fromStdString(out));
+        ASSERT_EQ(rendered.size(), seen.size());
+        int covered = 0, differing = 0;
+        for (int y = 0; y < seen.height(); ++y) {
+            for (int x = 0; x < seen.width(); ++x) {
+                // The axis cross is the window's alone.
+                if (x > 0.75 * seen.width() && y > 0.65 * seen.height())
+                    continue;
+                covered += rendered.pixelColor(x, y) != QColor(Qt::white);
+                differing += difference(rendered.pixelColor(x, y), seen.pixelColor(x, y)) > 12;
+            }
+        }
+        RecordProperty(perspective ? "perspective" : "orthographic", differing);
+        EXPECT_GT(covered, 20000);
+        EXPECT_LT(differing, covered / 20);
+    }
+}
+
+TEST_F(MainWindowTest, SavesThePictureThatItShows)
+{
+    open({write("straight.txt", STRAIGHT)});
+    press(Qt::Key_B);
+    ASSERT_TRUE(comesToShowTheRod());
+    const QString file = folder.filePath("saved.png");
+    window->savePicture(file);
+    EXPECT_EQ(statusText(), "Saved " + file.toStdString());
+    const QImage saved(file);
+    EXPECT_EQ(saved.size(), view()->size());
+    EXPECT_EQ(saved.pixelColor(3, 3), QColor(Qt::black));
+    const int red = count(saved, isRed);
+    EXPECT_NEAR(count(shown(), isRed), red, 0.05 * red);
+}
+
+TEST_F(MainWindowTest, ASavedPictureGetsAnEndingAndNothingIsOverwrittenUnasked)
+{
+    open({write("straight.txt", STRAIGHT)});
+    const std::string old = write("picture.png", "the old picture");
+    bool asked = false;
+    const Answers answers([&](QWidget& dialog) {
+        if (auto* box = qobject_cast<QMessageBox*>(&dialog)) {
+            asked = true;
+            box->button(QMessageBox::No)->click();
+        } else if (auto* chooser = qobject_cast<QFileDialog*>(&dialog)) {
+            if (asked)
+                return; // closes
+            chooser->findChild<QLineEdit*>()->setText(folder.filePath("picture"));
+            QMetaObject::invokeMethod(chooser, "accept");
+        }
+    });
+    press(Qt::Key_P, Qt::ControlModifier);
+    EXPECT_TRUE(asked);
+    std::ifstream stream(old);
+    std::string text;
+    std::getline(stream, text);
+    EXPECT_EQ(text, "the old picture");
+}
+
+TEST_F(MainWindowTest, APictureThatCannotBeSavedIsToldAndLeavesNothing)
+{
+    open({write("straight.txt", STRAIGHT)});
+    const QStringList before = QDir(folder.path()).entryList();
+    Answers answers;
+    for (const char* name : {"picture.xyz", "picture", "missing/picture.png"})
+        window->savePicture(folder.filePath(name));
+    EXPECT_EQ(answers.texts.size(), 3u);
+    EXPECT_EQ(QDir(folder.path()).entryList(), before);
 }
 
 } // namespace
