@@ -98,7 +98,7 @@ TEST_F(DataSceneTest, TheNearestArcLengthIsThatOfASearchOverAllRows)
         }
         for (int i = 0; i < 50; ++i) {
             const Vector3<double> point(coordinate(random), coordinate(random), height(random));
-            const double found = nearestArcLength(*rod, point);
+            const double found = nearestArcLength(*rod->getTubeMesh(), point);
             double nearest = INFINITY, distanceOfFound = INFINITY;
             for (std::size_t k = 0; k < samples.size(); ++k) {
                 const double distance = (samples[k] - point).getNorm();
@@ -123,7 +123,7 @@ TEST_F(DataSceneTest, TheNearestArcLengthOfAPointOfTheSurfaceIsThatOfItsCentre)
     const double tolerance = 1.05 * 0.2 * RADIUS / (SPEED * SPEED) * (SPEED * TURN / 4) / 2;
     for (int row = 0; row < tube.getHeight(); row += 7) {
         for (int slice = 0; slice < tube.getWidth(); slice += 5) {
-            EXPECT_NEAR(nearestArcLength(*rod, tube.getPoints()[row][slice]),
+            EXPECT_NEAR(nearestArcLength(*rod->getTubeMesh(), tube.getPoints()[row][slice]),
                         tube.getInterpParamValues()[row], tolerance);
         }
     }
@@ -134,9 +134,9 @@ TEST_F(DataSceneTest, BeyondItsEndsARodHasTheArcLengthsOfItsEnds)
 {
     SoRod* rod = makeStraight();
     rod->ref();
-    EXPECT_EQ(nearestArcLength(*rod, {-3, 1, 0}), 0);
-    EXPECT_DOUBLE_EQ(nearestArcLength(*rod, {9, 1, 0}), 4);
-    EXPECT_NEAR(nearestArcLength(*rod, {1.25, 7, -2}), 1.25, 1e-12);
+    EXPECT_EQ(nearestArcLength(*rod->getTubeMesh(), {-3, 1, 0}), 0);
+    EXPECT_DOUBLE_EQ(nearestArcLength(*rod->getTubeMesh(), {9, 1, 0}), 4);
+    EXPECT_NEAR(nearestArcLength(*rod->getTubeMesh(), {1.25, 7, -2}), 1.25, 1e-12);
     rod->unref();
 }
 
@@ -151,7 +151,7 @@ TEST_F(DataSceneTest, TellsRodPointAndArcLengthInTheDatasCoordinatesAndUnit)
     SoRod* rod = makeStraight();
     auto* group = new SoSeparator;
     group->addChild(rod);
-    scene->addRod(group, rod, "rods.txt:1: rod 1");
+    scene->addNamed(group, rod, "rods.txt:1: rod 1");
     EXPECT_EQ(describe(*scene, 1, 0),
               "rods.txt:1: rod 1: point 100.001 -200 300, arc length 0.001 of 0.004");
     EXPECT_EQ(describe(*scene, 1, 3), "");
