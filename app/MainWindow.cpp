@@ -131,18 +131,6 @@ QStringList localFiles(const QMimeData& data)
     return files;
 }
 
-// SoQt lays its view out in the screen's pixels, so that under Qt's scaling only a part of
-// it would be seen. The text is scaled instead, and what Qt measures by it.
-void disableScaling()
-{
-    const double factor = qgetenv("QT_SCALE_FACTOR").toDouble();
-    if (factor > 0 && factor < 100)
-        setenv("QT_FONT_DPI", std::to_string(int(std::lround(96 * factor))).c_str(), 0);
-    for (const char* variable : {"QT_SCALE_FACTOR", "QT_SCREEN_SCALE_FACTORS",
-                                 "QT_AUTO_SCREEN_SCALE_FACTOR", "QT_ENABLE_HIGHDPI_SCALING"})
-        unsetenv(variable);
-}
-
 } // namespace
 
 // Lets the window see the size that pictures take.
@@ -159,7 +147,6 @@ void initialiseWindows(const char* programName)
 {
     // Coin calls X11 itself and crashes under Qt's Wayland plugin.
     setenv("QT_QPA_PLATFORM", "xcb", 0);
-    disableScaling();
     SoQtGeneralViewer::setDefaultAntialiasingLevel(4);
     SoQt::init(programName, programName);
     QApplication::setOrganizationName("strandview");

@@ -2,11 +2,15 @@
 #include "PictureWriter.h"
 
 #include <algorithm>
+#include <map>
 
 #include <Inventor/SoOffscreenRenderer.h>
+#include <Inventor/SoPath.h>
 #include <Inventor/actions/SoGLRenderAction.h>
+#include <Inventor/actions/SoSearchAction.h>
 #include <Inventor/errors/SoDebugError.h>
 #include <Inventor/nodes/SoCamera.h>
+#include <Inventor/nodes/SoDrawStyle.h>
 #include <Inventor/nodes/SoSeparator.h>
 #include <QBuffer>
 #include <QFileInfo>
@@ -102,6 +106,38 @@ QImage render(SoOffscreenRenderer& renderer, SoNode* graph, const Colour& backgr
     return upwards.mirrored(false, true);
 }
 
+// Makes the lines of a scene, whose widths are in pixels, wider while it lives, so that
+// they are as wide as ever once the samples are brought together.
+class LineWidener
+{
+public:
+    LineWidener(SoNode* scene, int factor)
+    {
+        SoSearchAction search;
+        search.setType(SoDrawStyle::getClassTypeId());
+        search.setInterest(SoSearchAction::ALL);
+        search.apply(scene);
+        for (int i = 0; i < search.getPaths().getLength(); ++i) {
+            auto* style = static_cast<SoDrawStyle*>(search.getPaths()[i]->getTail());
+            if (widths.emplace(style, style->lineWidth.getValue()).second) {
+                // 0 stands for OpenGL's own width, 1.
+                const float width = std::max(style->lineWidth.getValue(), 0.0f);
+                style->lineWidth = float(factor) * (width > 0 ? width : 1);
+            }
+        }
+    }
+    ~LineWidener()
+    {
+        for (const auto& [style, width] : widths)
+            style->lineWidth = width;
+    }
+    LineWidener(const LineWidener&) = delete;
+    LineWidener& operator=(const LineWidener&) = delete;
+
+private:
+    std::map<SoDrawStyle*, float> widths;
+};
+
 } // namespace
 
 std::string checkPictureName(const std::string& option, const std::string& file, bool transparent)
@@ -147,6 +183,8 @@ std::string writePicture(SoGeneralScene* scene, const Picture& picture, CameraNu
         *usedCamera = numbersOf(*camera);
     const bool perspectiveBefore = scene->isShaderPersp();
     scene->setShaderPersp(picture.camera.isPerspective());
+
+    const LineWidener lines(scene, picture.samples);
 
     OffscreenContext::install();
     SoOffscreenRenderer renderer(region);
