@@ -7,6 +7,7 @@
 
 #include <Inventor/SoPath.h>
 #include <Inventor/SoPickedPoint.h>
+#include <Inventor/actions/SoGetBoundingBoxAction.h>
 
 #include <SoBirod.h>
 #include <SoDNA.h>
@@ -74,6 +75,18 @@ void DataScene::addNamed(SoNode* group, const SoNode* node, const std::string& n
 {
     names[node] = name;
     addChanging(group);
+}
+
+void DataScene::extendBox(const SbBox3f& more) { box.extendBy(more); }
+
+void DataScene::getBoundingBox(SoGetBoundingBoxAction* action)
+{
+    if (box.isEmpty()) {
+        SoGeneralScene::getBoundingBox(action);
+        return;
+    }
+    action->extendBy(box);
+    action->setCenter(box.getCenter(), TRUE);
 }
 
 void DataScene::addLegend(SoNode* node)

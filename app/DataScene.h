@@ -6,6 +6,7 @@
 #include <map>
 #include <string>
 
+#include <Inventor/SbBox3f.h>
 #include <SoGeneralScene.h>
 
 #include "Colour.h"
@@ -22,6 +23,9 @@ public:
     /// Adds a group with a node that shows some data, so that picks can be told by name.
     void addNamed(SoNode* group, const SoNode* node, const std::string& name);
 
+    /// The box that everything added lies in.
+    void extendBox(const SbBox3f& more);
+
     /// Adds a legend that is drawn over the scene.
     void addLegend(SoNode* node);
     /// The part of a view's height, at its bottom, that the legend takes.
@@ -37,6 +41,9 @@ public:
     /// Called with the description of what the user picks, if set.
     std::function<void(const std::string&)> onPick;
 
+    /// The box as it was told: what Coin makes of many turned boxes, such as a DNA's, is
+    /// much larger, and costs their number in every frame.
+    void getBoundingBox(SoGetBoundingBoxAction* action) override;
     /// Tells onPick. The pick stays free for the viewer: false.
     bool processPickEvent(const SoPickedPoint* point) override;
 
@@ -44,6 +51,7 @@ private:
     ~DataScene() override = default;
 
     Placement placement;
+    SbBox3f box;
     SoNode* legend = nullptr;
     std::map<const SoNode*, std::string> names;
 };

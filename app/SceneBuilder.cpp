@@ -7,6 +7,7 @@
 
 #include <Inventor/SoDB.h>
 #include <Inventor/SoInteraction.h>
+#include <Inventor/actions/SoGetBoundingBoxAction.h>
 #include <Inventor/nodes/SoMaterial.h>
 #include <Inventor/nodes/SoMaterialBinding.h>
 #include <Inventor/nodes/SoScale.h>
@@ -275,7 +276,9 @@ private:
             const float factor = float(scaled(style.dna.angstrom));
             scale->scaleFactor = SbVec3f(factor, factor, factor);
             group->addChild(scale);
-            add(group, node, dna.origin);
+            group->addChild(node);
+            scene->addNamed(group, node, dna.origin);
+            scene->extendBox(boxOfDna(dna));
         }
         return "";
     }
@@ -300,7 +303,7 @@ private:
             auto* group = new SoSeparator;
             group->addChild(hints);
             group->addChild(SoMarker::wrap(node, scale, placement.toScene(marker.point)));
-            scene->addNamed(group, node, marker.origin + ": id " + std::to_string(marker.id));
+            show(group, node, marker.origin + ": id " + std::to_string(marker.id));
         }
         scale->unref();
         return error;
@@ -342,7 +345,30 @@ private:
     void add(SoSeparator* group, SoNode* node, const std::string& name)
     {
         group->addChild(node);
+        show(group, node, name);
+    }
+
+    void show(SoSeparator* group, SoNode* node, const std::string& name)
+    {
         scene->addNamed(group, node, name);
+        SoGetBoundingBoxAction bounds(SbViewportRegion(1, 1));
+        bounds.apply(group);
+        scene->extendBox(bounds.getBoundingBox());
+    }
+
+    // Around all that its frames can place: no atom of a base is farther from its frame.
+    SbBox3f boxOfDna(const Dna& dna) const
+    {
+        const double reach = scaled(9 * style.dna.angstrom);
+        const Vector3<double> margin(reach, reach, reach);
+        SbBox3f box;
+        for (const auto* points : {&dna.pairPoints, &dna.points1, &dna.points2}) {
+            for (const Vector3<double>& point : *points) {
+                box.extendBy(toSbVec3f(placement.toScene(point) - margin));
+                box.extendBy(toSbVec3f(placement.toScene(point) + margin));
+            }
+        }
+        return box;
     }
 
     // A colour for each of the three tubes, and one for all ribbons. A birod finds the
