@@ -56,7 +56,8 @@ TEST_P(SamplePicturesTest, LooksAsExpected)
 }
 
 INSTANTIATE_TEST_SUITE_P(, SamplePicturesTest,
-                         testing::Values("elastica.txt", "helix.txt", "random.txt", "rods.json",
+                         testing::Values("dna.txt", "dna_bent.txt", "elastica.txt", "glyphs.json",
+                                         "helix.txt", "minicircle.json", "random.txt", "rods.json",
                                          "supercoil.txt", "trefoil.txt"),
                          [](const auto& test) {
                              const std::string file = test.param;
