@@ -502,7 +502,7 @@ Configuration glyphs()
         marker.point = outwards * 3.0;
         marker.shape = static_cast<Marker::Shape>(i % 3);
         marker.size = 0.35 + 0.05 * i;
-        marker.colour = colours[i % 5];
+        marker.colour.emplace(colours[i % 5]);
         marker.transparency = 0.25 * (i / 3);
         marker.id = i == 0 ? 12 : i;
         configuration.markers.push_back(marker);
@@ -512,7 +512,7 @@ Configuration glyphs()
         arrow.from = outwards * 0.5;
         arrow.to = outwards * 2.5;
         arrow.radius = 0.05;
-        arrow.colour = colours[i % 5];
+        arrow.colour.emplace(colours[i % 5]);
         configuration.arrows.push_back(arrow);
     }
     for (int i = 0; i < 5; ++i) {
