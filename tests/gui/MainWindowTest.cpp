@@ -46,14 +46,6 @@ using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
 
-// Mesa's software driver keeps the pixels of some windows that were resized and closed:
-// seen with two empty windows already. In this program alone, because elsewhere such a
-// leak could be that of an off-screen context.
-extern "C" __attribute__((visibility("default"))) const char* __lsan_default_suppressions()
-{
-    return "leak:swrast_dri.so\n";
-}
-
 namespace {
 
 // Along x from 0 to 2; d2 is y.
