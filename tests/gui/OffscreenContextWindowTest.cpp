@@ -12,7 +12,6 @@
 #include <gtest/gtest.h>
 
 #include <Inventor/Qt/SoQt.h>
-#include <Inventor/Qt/viewers/SoQtExaminerViewer.h>
 #include <Inventor/SoOffscreenRenderer.h>
 #include <Inventor/actions/SoGLRenderAction.h>
 #include <Inventor/nodes/SoCallback.h>
@@ -21,6 +20,7 @@
 #include <Inventor/nodes/SoOrthographicCamera.h>
 #include <Inventor/nodes/SoSeparator.h>
 #include <Inventor/nodes/SoSphere.h>
+#include <SoQtGeneralViewer.h>
 
 // Last, for Xlib's macros.
 #include <GL/glx.h>
@@ -86,8 +86,10 @@ protected:
         static int argc = 1;
         static char name[] = "test";
         static char* argv[] = {name, nullptr};
-        if (!QApplication::instance())
+        if (!QApplication::instance()) {
             SoQt::init(argc, argv, name);
+            SoQtGeneralViewer::initClass();
+        }
         OffscreenContext::install();
     }
 
@@ -95,7 +97,8 @@ protected:
     {
         window = new QWidget;
         window->resize(400, 300);
-        viewer = new SoQtExaminerViewer(window);
+        // SoQt's own viewer stays as small as it was made in one of a hundred windows.
+        viewer = new SoQtGeneralViewer(window);
         viewer->setDecoration(FALSE);
         viewer->setFeedbackVisibility(FALSE);
         viewer->setBackgroundColor(SbColor(0, 0, 0));
@@ -109,7 +112,7 @@ protected:
         ASSERT_TRUE(area);
         // Without a window manager the first frame is drawn before the window is there,
         // and nothing tells the viewer to draw it again.
-        for (int i = 0; i < 100 && getCentre() != QColor(Qt::red); ++i) {
+        for (int i = 0; i < 1000 && getCentre() != QColor(Qt::red); ++i) {
             QApplication::processEvents();
             QThread::msleep(10);
             viewer->scheduleRedraw();
@@ -143,7 +146,7 @@ protected:
     }
 
     QWidget* window = nullptr;
-    SoQtExaminerViewer* viewer = nullptr;
+    SoQtGeneralViewer* viewer = nullptr;
     QGLWidget* area = nullptr;
     SoMaterial* material = nullptr;
     SoSeparator* scene = nullptr;
