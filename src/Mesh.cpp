@@ -22,6 +22,7 @@
 #include <SoMeshShape.h>
 
 #include "detail/GLVertexState.h"
+#include "detail/sendMaterial.h"
 
 using algebra3d::Vector3;
 
@@ -233,7 +234,7 @@ void Mesh::addGLVertex(bool texture, double s, double t, bool materialOverall,
     if (texture)
         glTexCoord2f(float(s), float(t));
     if (!materialOverall)
-        bundle.send(materialIndex, TRUE);
+        sendMaterial(bundle, materialIndex);
     if (sendNormal)
         glNormal3f(float(normal.x), float(normal.y), float(normal.z));
     glVertex3f(float(point.x), float(point.y), float(point.z));

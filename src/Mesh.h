@@ -57,8 +57,8 @@ public:
 
     /// Draws the strips: per strip and column first the point of the next row, then
     /// that of this one. materialOffset is added to every material index; with an
-    /// overall binding it is the only one. Texture coordinates run from 0 to 1
-    /// across (s) and along (t).
+    /// overall binding it is the only one. Where there are not so many materials the
+    /// last one is taken. Texture coordinates run from 0 to 1 across (s) and along (t).
     virtual void render(SoGLRenderAction* action, int materialOffset);
     /// Emits the same triangles through the shape that owns the mesh, with plain
     /// material indices and no texture coordinates.
@@ -101,8 +101,9 @@ public:
         }
     }
 
-    /// Sends one vertex to OpenGL: texture coordinates if `texture`, its material
-    /// unless `materialOverall`, its normal if `sendNormal`, then the point.
+    /// Sends one vertex to OpenGL: texture coordinates if `texture`, its material, or
+    /// the last one there is, unless `materialOverall`, its normal if `sendNormal`, then
+    /// the point.
     void addGLVertex(bool texture, double s, double t, bool materialOverall,
                      SoMaterialBundle& bundle, int materialIndex, bool sendNormal,
                      const algebra3d::Vector3<double>& point,

@@ -5,12 +5,11 @@
 
 #include <Inventor/actions/SoGLRenderAction.h>
 #include <Inventor/actions/SoGetPrimitiveCountAction.h>
-#include <Inventor/bundles/SoMaterialBundle.h>
 #include <Inventor/elements/SoMaterialBindingElement.h>
 
 #include <global.h>
 
-#include "detail/existingMaterial.h"
+#include "detail/MeshDrawing.h"
 #include "detail/rodData.h"
 
 using Vector = algebra3d::Vector3<double>;
@@ -34,6 +33,7 @@ SoBirod::SoBirod(double avgRadius, double strandsRadius, double avgWidth, double
       strandYPos(strandY),
       slices(ringSlices),
       subsegments(rowsPerSegment),
+      drawing(std::make_unique<MeshDrawing>()),
       showingAvgTube(avgTubeShown),
       showingTubes(tubesShown),
       showingAvgRibbon(avgRibbonShown),
@@ -240,14 +240,14 @@ void SoBirod::GLRender(SoGLRenderAction* action)
 {
     if (!shouldGLRender(action) || !hasMeshes())
         return;
-    SoMaterialBundle bundle(action);
-    SoState* state = action->getState();
-    const bool overall = SoMaterialBindingElement::get(state) == SoMaterialBindingElement::OVERALL;
-    bundle.sendFirst();
+    const bool overall =
+        SoMaterialBindingElement::get(action->getState()) == SoMaterialBindingElement::OVERALL;
+    std::vector<MeshDrawing::Part> parts;
     for (const Part part : {AVG_TUBE, AVG_RIBBON, TUBE_1, TUBE_2, RIBBON_1, RIBBON_2}) {
         if (isShowing(part))
-            getMesh(part).render(action, existingMaterial(state, getMaterialOffset(part, overall)));
+            parts.push_back({getMesh(part), getMaterialOffset(part, overall)});
     }
+    drawing->draw(*this, action, parts);
 }
 
 void SoBirod::generatePrimitives(SoAction* action)

@@ -11,6 +11,8 @@
 #include <algebra3d/Quaternion.h>
 #include <algebra3d/Vector3.h>
 
+class MeshDrawing;
+
 /// A birod: an average rod and two strands, each a centreline with one orientation per
 /// point, shown as a tube and a ribbon each.
 ///
@@ -74,7 +76,8 @@ public:
     void generate();
     /// Deletes the meshes; the data stay. A valid birod without meshes draws nothing.
     void clear();
-    /// The meshes, owned by the birod until the next generate(); null before it.
+    /// The meshes, owned by the birod until the next generate(); null before it. Whoever
+    /// changes one calls touch().
     BiarcTubeMesh* getAvgTubeMesh() const;
     BiarcTubeMesh* getTube1Mesh() const;
     BiarcTubeMesh* getTube2Mesh() const;
@@ -166,6 +169,7 @@ private:
     Rod average;
     Rod strand1;
     Rod strand2;
+    std::unique_ptr<MeshDrawing> drawing;
     bool showingAvgTube;
     bool showingTubes;
     bool showingAvgRibbon;

@@ -5,12 +5,11 @@
 
 #include <Inventor/actions/SoGLRenderAction.h>
 #include <Inventor/actions/SoGetPrimitiveCountAction.h>
-#include <Inventor/bundles/SoMaterialBundle.h>
 #include <Inventor/elements/SoMaterialBindingElement.h>
 
 #include <global.h>
 
-#include "detail/existingMaterial.h"
+#include "detail/MeshDrawing.h"
 #include "detail/rodData.h"
 
 using Vector = algebra3d::Vector3<double>;
@@ -28,6 +27,7 @@ SoRod::SoRod(double radius, double width, int ringSlices, int rowsPerSegment, bo
       ribbonWidth(width),
       slices(ringSlices),
       subsegments(rowsPerSegment),
+      drawing(std::make_unique<MeshDrawing>()),
       showingTube(tubeShown),
       showingRibbon(ribbonShown),
       twoSidedRibbon(ribbonTwoSided),
@@ -118,16 +118,14 @@ void SoRod::GLRender(SoGLRenderAction* action)
 {
     if (!shouldGLRender(action) || !hasMeshes())
         return;
-    SoMaterialBundle bundle(action);
-    SoState* state = action->getState();
-    const auto binding = SoMaterialBindingElement::get(state);
-    bundle.sendFirst();
-    const int ribbonOffset =
-        binding == SoMaterialBindingElement::OVERALL ? 1 : tubeMesh->getHeight();
+    const bool overall =
+        SoMaterialBindingElement::get(action->getState()) == SoMaterialBindingElement::OVERALL;
+    std::vector<MeshDrawing::Part> parts;
     if (showingTube)
-        tubeMesh->render(action, 0);
+        parts.push_back({*tubeMesh, 0});
     if (showingRibbon)
-        ribbonMesh->render(action, existingMaterial(state, ribbonOffset));
+        parts.push_back({*ribbonMesh, overall ? 1 : tubeMesh->getHeight()});
+    drawing->draw(*this, action, parts);
 }
 
 void SoRod::generatePrimitives(SoAction* action)

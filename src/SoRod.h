@@ -11,6 +11,8 @@
 #include <algebra3d/Quaternion.h>
 #include <algebra3d/Vector3.h>
 
+class MeshDrawing;
+
 /// One elastic rod: centreline points with one orientation each, shown as a tube
 /// around the centreline and a ribbon along the material frame's d2.
 ///
@@ -61,7 +63,8 @@ public:
     void generate();
     /// Deletes both meshes; the data stay. A valid rod without meshes draws nothing.
     void clear();
-    /// The meshes, owned by the rod until the next generate(); null before it.
+    /// The meshes, owned by the rod until the next generate(); null before it. Whoever
+    /// changes one calls touch().
     BiarcTubeMesh* getTubeMesh() const;
     BiarcRibbonMesh* getRibbonMesh() const;
 
@@ -113,6 +116,7 @@ private:
     std::vector<algebra3d::Quaternion<double>> rotations;
     std::unique_ptr<BiarcTubeMesh> tubeMesh;
     std::unique_ptr<BiarcRibbonMesh> ribbonMesh;
+    std::unique_ptr<MeshDrawing> drawing;
     bool showingTube;
     bool showingRibbon;
     bool twoSidedRibbon;

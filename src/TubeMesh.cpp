@@ -13,6 +13,7 @@
 
 #include "detail/GLVertexState.h"
 #include "detail/fourAtOnce.h"
+#include "detail/sendMaterial.h"
 
 using algebra3d::Matrix3;
 using algebra3d::Quaternion;
@@ -83,6 +84,12 @@ void TubeMesh::takeMemory(TubeMesh& replaced)
 
 int TubeMesh::getMaterialIndex(int row, int /*column*/) const { return row; }
 
+int TubeMesh::getCapMaterialIndex(int row) const
+{
+    const bool takesLast = row == 0 ? lowerCapTakesLast : !upperCapTakesFirst;
+    return takesLast ? getHeight() - 1 : 0;
+}
+
 bool TubeMesh::isValid()
 {
     const Mesh& mesh = *this;
@@ -98,12 +105,11 @@ void TubeMesh::render(SoGLRenderAction* action, int materialOffset)
     SoMaterialBundle bundle(action);
     const GLVertexState state(action, bundle, materialOffset);
 
-    const int last = getHeight() - 1;
-    const bool perVertex = !state.materialOverall;
-    bundle.send(materialOffset + (perVertex && lowerCapTakesLast ? last : 0), TRUE);
-    renderCap(0, state.texture, state.sendNormal, bundle);
-    bundle.send(materialOffset + (perVertex && !upperCapTakesFirst ? last : 0), TRUE);
-    renderCap(last, state.texture, state.sendNormal, bundle);
+    for (const int row : {0, getHeight() - 1}) {
+        sendMaterial(bundle,
+                     materialOffset + (state.materialOverall ? 0 : getCapMaterialIndex(row)));
+        renderCap(row, state.texture, state.sendNormal, bundle);
+    }
 }
 
 void TubeMesh::renderCap(int row, bool texture, bool sendNormal, SoMaterialBundle& bundle)

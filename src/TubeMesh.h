@@ -44,6 +44,9 @@ public:
 
     /// The row: one material per ring.
     int getMaterialIndex(int row, int column) const override;
+    /// The material that render() draws the cap at the first or the last row in with
+    /// per-vertex binding: that of the row, unless the cap's flag says otherwise.
+    int getCapMaterialIndex(int row) const;
     /// The body, then the lower and the upper cap.
     void render(SoGLRenderAction* action, int materialOffset) override;
     /// The same triangles; the caps in the material of their ring, whatever the flags.

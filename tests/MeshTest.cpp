@@ -495,7 +495,7 @@ class MeshDrawing : public CoinTest, public testing::WithParamInterface<DrawingS
 TEST_P(MeshDrawing, SendsExactlyTheStrips)
 {
     GridMesh mesh(4, 3);
-    for (int offset : {0, 1, 5}) {
+    for (int offset : {0, 1, 5, 190, 1000, -4}) { // of 200 materials
         SCOPED_TRACE(offset);
         NodeRef<MeshShape> shape(new MeshShape(&mesh, offset));
         ExpectedDrawing expected(GetParam());

@@ -508,7 +508,7 @@ TEST_P(TubeMeshDrawing, SendsExactlyTheBodyAndTheCaps)
     std::vector<Vector> points;
     std::vector<Quaternion> rotations;
     bentRod(4, points, rotations);
-    for (int offset : {0, 5}) {
+    for (int offset : {0, 5, 198, 1000}) {
         for (int flags = 0; flags < 4; ++flags) {
             SCOPED_TRACE(testing::Message() << "offset " << offset << ", flags " << flags);
             const bool lowerCapTakesLast = flags & 1, upperCapTakesFirst = flags & 2;

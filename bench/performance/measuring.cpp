@@ -112,6 +112,11 @@ void Table::limit(const std::string& what, double ours, const std::string& unit,
     compare(what, ours, "limit", limit, unit, Goal::AtMost, 1);
 }
 
+void Table::value(const std::string& what, double ours, const std::string& unit)
+{
+    text += row({what, threeDigits(ours) + " " + unit, "–", "–", "–", "–"});
+}
+
 void Table::missing(const std::string& what, const std::string& why)
 {
     text += row({what, "not measured: " + why, "–", "–", "–", "–"});

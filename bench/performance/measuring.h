@@ -35,6 +35,8 @@ public:
                  const std::string& unit, Goal goal, double limit);
     /// A value with a limit of its own, which is also its peer.
     void limit(const std::string& what, double ours, const std::string& unit, double limit);
+    /// A value that stands for itself.
+    void value(const std::string& what, double ours, const std::string& unit);
     /// What could not be measured, and why.
     void missing(const std::string& what, const std::string& why);
 

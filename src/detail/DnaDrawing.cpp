@@ -5,7 +5,6 @@
 #include <cmath>
 #include <cstddef>
 
-#include <Inventor/C/glue/gl.h>
 #include <Inventor/actions/SoGLRenderAction.h>
 #include <Inventor/bundles/SoMaterialBundle.h>
 #include <Inventor/elements/SoDrawStyleElement.h>
@@ -15,7 +14,6 @@
 #include <Inventor/elements/SoMultiTextureEnabledElement.h>
 #include <Inventor/elements/SoOverrideElement.h>
 #include <Inventor/elements/SoShapeStyleElement.h>
-#include <Inventor/misc/SoContextHandler.h>
 #include <Inventor/misc/SoState.h>
 #include <Inventor/nodes/SoComplexity.h>
 #include <Inventor/nodes/SoCube.h>
@@ -97,8 +95,6 @@ bool hasRoomForMatrices()
     glGetIntegerv(GL_MAX_MODELVIEW_STACK_DEPTH, &room);
     return depth + 2 <= room;
 }
-
-const void* offset(std::size_t bytes) { return static_cast<const char*>(nullptr) + bytes; }
 
 } // namespace
 
@@ -244,39 +240,9 @@ struct DnaDrawing::Compiler
     }
 };
 
-DnaDrawing::DnaDrawing()
-{
-    SoContextHandler::addContextDestructionCallback(contextIsDestroyed, this);
-}
+DnaDrawing::DnaDrawing() = default;
 
-DnaDrawing::~DnaDrawing()
-{
-    SoContextHandler::removeContextDestructionCallback(contextIsDestroyed, this);
-    setMaterial(nullptr);
-    // Buffers are deleted when their context is current for the next time.
-    for (const auto& [context, held] : buffers) {
-        SoGLCacheContextElement::scheduleDeleteCallback(
-            context,
-            [](void* closure, std::uint32_t contextId) {
-                auto* names = static_cast<GLuint*>(closure);
-                cc_glglue_glDeleteBuffers(cc_glglue_instance(int(contextId)), 2, names);
-                delete[] names;
-            },
-            new GLuint[2]{held.vertices, held.indices});
-    }
-}
-
-// Called while the context is current.
-void DnaDrawing::contextIsDestroyed(std::uint32_t context, void* closure)
-{
-    auto& buffers = static_cast<DnaDrawing*>(closure)->buffers;
-    const auto held = buffers.find(context);
-    if (held == buffers.end())
-        return;
-    const GLuint names[2] = {held->second.vertices, held->second.indices};
-    cc_glglue_glDeleteBuffers(cc_glglue_instance(int(context)), 2, names);
-    buffers.erase(held);
-}
+DnaDrawing::~DnaDrawing() { setMaterial(nullptr); }
 
 // Kept beyond its removal, which is not noticed while notification is off.
 void DnaDrawing::setMaterial(SoMaterial* newMaterial)
@@ -401,11 +367,11 @@ bool DnaDrawing::draw(SoGLRenderAction* action, SoGroup* root, SoSwitch* boxes, 
 
     glEnableClientState(GL_VERTEX_ARRAY);
     glEnableClientState(GL_COLOR_ARRAY);
-    glVertexPointer(3, GL_FLOAT, sizeof(Vertex), offset(offsetof(Vertex, point)));
-    glColorPointer(4, GL_UNSIGNED_BYTE, sizeof(Vertex), offset(offsetof(Vertex, colour)));
+    glVertexPointer(3, GL_FLOAT, sizeof(Vertex), GLBuffer::offset(offsetof(Vertex, point)));
+    glColorPointer(4, GL_UNSIGNED_BYTE, sizeof(Vertex), GLBuffer::offset(offsetof(Vertex, colour)));
     if (lit) {
         glEnableClientState(GL_NORMAL_ARRAY);
-        glNormalPointer(GL_FLOAT, sizeof(Vertex), offset(offsetof(Vertex, normal)));
+        glNormalPointer(GL_FLOAT, sizeof(Vertex), GLBuffer::offset(offsetof(Vertex, normal)));
     }
     if (boxesShown)
         drawPlacements(boxPlacements);
@@ -414,9 +380,8 @@ bool DnaDrawing::draw(SoGLRenderAction* action, SoGroup* root, SoSwitch* boxes, 
     glDisableClientState(GL_COLOR_ARRAY);
     glDisableClientState(GL_VERTEX_ARRAY);
 
-    const cc_glglue* const glue = cc_glglue_instance(int(action->getCacheContext()));
-    cc_glglue_glBindBuffer(glue, GL_ARRAY_BUFFER, 0);
-    cc_glglue_glBindBuffer(glue, GL_ELEMENT_ARRAY_BUFFER, 0);
+    GLBuffer().bind(GL_ARRAY_BUFFER);
+    GLBuffer().bind(GL_ELEMENT_ARRAY_BUFFER);
     if (lit)
         glColorMaterial(GL_FRONT_AND_BACK, GL_DIFFUSE);
     // The current colour is undefined after an array of them.
@@ -445,7 +410,7 @@ void DnaDrawing::drawPlacements(const std::vector<Placement>& placements) const
                 glDrawArrays(GL_QUADS, batch.first, batch.count);
             else
                 glDrawElements(GL_TRIANGLES, batch.count, GL_UNSIGNED_INT,
-                               offset(std::size_t(batch.first) * sizeof(std::uint32_t)));
+                               GLBuffer::offset(std::size_t(batch.first) * sizeof(std::uint32_t)));
             if (moved)
                 glPopMatrix();
         }
@@ -456,23 +421,15 @@ void DnaDrawing::drawPlacements(const std::vector<Placement>& placements) const
 // Brings the geometry to the context, unless it is there already.
 bool DnaDrawing::bindBuffers(std::uint32_t context)
 {
-    const cc_glglue* const glue = cc_glglue_instance(int(context));
-    if (!cc_glglue_has_vertex_buffer_object(glue))
+    if (!GLBuffer::areSupported(context))
         return false;
     Buffers& held = buffers[context];
-    if (!held.vertices) {
-        cc_glglue_glGenBuffers(glue, 1, &held.vertices);
-        cc_glglue_glGenBuffers(glue, 1, &held.indices);
-    }
-    cc_glglue_glBindBuffer(glue, GL_ARRAY_BUFFER, held.vertices);
-    cc_glglue_glBindBuffer(glue, GL_ELEMENT_ARRAY_BUFFER, held.indices);
     if (held.version != geometryVersion) {
-        cc_glglue_glBufferData(glue, GL_ARRAY_BUFFER, intptr_t(vertices.size() * sizeof(Vertex)),
-                               vertices.data(), GL_STATIC_DRAW);
-        cc_glglue_glBufferData(glue, GL_ELEMENT_ARRAY_BUFFER,
-                               intptr_t(indices.size() * sizeof(std::uint32_t)), indices.data(),
-                               GL_STATIC_DRAW);
+        held.vertices = GLBuffer(context, GL_ARRAY_BUFFER, vertices);
+        held.indices = GLBuffer(context, GL_ELEMENT_ARRAY_BUFFER, indices);
         held.version = geometryVersion;
     }
+    held.vertices.bind(GL_ARRAY_BUFFER);
+    held.indices.bind(GL_ELEMENT_ARRAY_BUFFER);
     return true;
 }

@@ -3,11 +3,12 @@
 #define STRANDVIEW_DETAIL_DNADRAWING_H
 
 #include <cstdint>
-#include <map>
 #include <vector>
 
 #include <Inventor/SbMatrix.h>
 #include <Inventor/SbVec3f.h>
+
+#include "GLBuffer.h"
 
 class SoGLRenderAction;
 class SoGroup;
@@ -73,8 +74,7 @@ private:
 
     struct Buffers
     {
-        unsigned int vertices = 0;
-        unsigned int indices = 0;
+        GLBuffer vertices, indices;
         std::uint64_t version = 0; // of the geometry in them
     };
 
@@ -87,7 +87,6 @@ private:
     void setMaterial(SoMaterial* newMaterial);
     void drawPlacements(const std::vector<Placement>& placements) const;
     bool bindBuffers(std::uint32_t context);
-    static void contextIsDestroyed(std::uint32_t context, void* drawing);
 
     std::vector<Glyph> glyphs;
     std::vector<Glyph> formerGlyphs; // while the graph is read: what it had before
@@ -100,7 +99,7 @@ private:
     std::uint64_t geometryVersion = 0;
     bool drawable = false;
     bool boxesShown = false;
-    std::map<std::uint32_t, Buffers> buffers; // by context
+    PerContext<Buffers> buffers;
 };
 
 #endif

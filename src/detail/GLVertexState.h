@@ -7,7 +7,16 @@
 #include <Inventor/elements/SoGLTextureEnabledElement.h>
 #include <Inventor/elements/SoMaterialBindingElement.h>
 
+#include "sendMaterial.h"
 #include "toSbVec3f.h"
+
+/// Whether all vertices of a mesh have one material.
+inline bool isMaterialOverall(SoState* state)
+{
+    const SoMaterialBindingElement::Binding binding = SoMaterialBindingElement::get(state);
+    return binding != SoMaterialBindingElement::PER_VERTEX &&
+           binding != SoMaterialBindingElement::PER_VERTEX_INDEXED;
+}
 
 /// What the traversal state asks a mesh to send with each vertex. Making one begins the
 /// drawing: it sends the first material, and with an overall binding that at
@@ -20,11 +29,9 @@ struct GLVertexState
         sendNormal = !bundle.isColorOnly();
         SoState* state = action->getState();
         texture = SoGLTextureEnabledElement::get(state) != 0;
-        const SoMaterialBindingElement::Binding binding = SoMaterialBindingElement::get(state);
-        materialOverall = binding != SoMaterialBindingElement::PER_VERTEX &&
-                          binding != SoMaterialBindingElement::PER_VERTEX_INDEXED;
+        materialOverall = isMaterialOverall(state);
         if (materialOverall)
-            bundle.send(materialOffset, TRUE);
+            sendMaterial(bundle, materialOffset);
     }
 
     bool sendNormal;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "RecordingGL.h"
 
+#define GL_GLEXT_PROTOTYPES
 #include <algorithm>
 #include <cstdlib>
 #include <iostream>
@@ -94,6 +95,27 @@ RECORDED void glMaterialfv(GLenum face, GLenum name, const GLfloat* values)
     // Colours have four components, and Coin sends nothing else this way.
     record("glMaterialfv", {float(face), float(name), values[0], values[1], values[2], values[3]});
     real(face, name, values);
+}
+
+RECORDED void glDrawElements(GLenum mode, GLsizei count, GLenum type, const void* indices)
+{
+    FORWARD(glDrawElements);
+    record("glDrawElements", {float(mode), float(count), float(type)});
+    real(mode, count, type, indices);
+}
+
+RECORDED void glGenBuffers(GLsizei count, GLuint* buffers)
+{
+    FORWARD(glGenBuffers);
+    real(count, buffers);
+    record("glGenBuffers", std::vector<float>(buffers, buffers + count));
+}
+
+RECORDED void glDeleteBuffers(GLsizei count, const GLuint* buffers)
+{
+    FORWARD(glDeleteBuffers);
+    record("glDeleteBuffers", std::vector<float>(buffers, buffers + count));
+    real(count, buffers);
 }
 
 } // extern "C"

@@ -27,8 +27,9 @@ using RecordedCalls = std::vector<GLCall>;
 
 /// The OpenGL calls of the library and of Coin that draw in immediate mode or send a
 /// material: glBegin, glEnd, glNormal3f, glTexCoord2f, glVertex3f, glColor4ub,
-/// glMaterialf and glMaterialfv. The program that links this file defines them
-/// itself; each call goes on to the real function.
+/// glMaterialf and glMaterialfv; that draw from buffers: glDrawElements; and that make
+/// and delete those: glGenBuffers and glDeleteBuffers. The program that links this file
+/// defines them itself; each call goes on to the real function.
 namespace RecordingGL {
 
 /// Forgets what was recorded and records from now on.

@@ -132,6 +132,7 @@ bool containsStrips(const RecordedCalls& calls)
 
 void ExpectedDrawing::sendMaterial(int index)
 {
+    index = std::clamp(index, 0, materialCount - 1);
     if (index == currentMaterial)
         return;
     currentMaterial = index;

@@ -42,7 +42,7 @@ RecordedCalls recordDrawing(SoNode* shape, const DrawingState& state);
 bool containsStrips(const RecordedCalls& calls);
 
 /// The calls that a drawing consists of by the rules of the meshes, written down one
-/// after the other.
+/// after the other. A material that is not there is the last one, or the first.
 class ExpectedDrawing
 {
 public:

@@ -26,15 +26,29 @@ int Picture::countOther(const Colour& colour) const
     return static_cast<int>(pixels.size()) - count(colour);
 }
 
+int Picture::countDifferences(const Picture& other) const
+{
+    int count = 0;
+    for (std::size_t i = 0; i < pixels.size(); ++i)
+        count += pixels[i] != other.pixels.at(i);
+    return count;
+}
+
 Picture renderPicture(SoNode* scene, int width, int height)
 {
     const SbViewportRegion viewport(static_cast<short>(width), static_cast<short>(height));
     // One for the whole program: a context takes longer than the pictures.
     static SoOffscreenRenderer renderer(viewport);
     renderer.setViewportRegion(viewport);
+    return renderPicture(renderer, scene);
+}
+
+Picture renderPicture(SoOffscreenRenderer& renderer, SoNode* scene)
+{
     renderer.setComponents(SoOffscreenRenderer::RGB);
     renderer.setBackgroundColor(SbColor(0, 0, 0));
     if (!renderer.render(scene))
         return Picture();
-    return Picture(width, height, renderer.getBuffer());
+    const SbVec2s size = renderer.getViewportRegion().getViewportSizePixels();
+    return Picture(size[0], size[1], renderer.getBuffer());
 }

@@ -6,6 +6,7 @@
 #include <vector>
 
 class SoNode;
+class SoOffscreenRenderer;
 
 /// Red, green and blue from 0 to 255.
 using Colour = std::array<int, 3>;
@@ -28,6 +29,8 @@ public:
     int count(const Colour& colour) const;
     /// The number of pixels that are not of this colour.
     int countOther(const Colour& colour) const;
+    /// The number of pixels that are not the same in another picture of this size.
+    int countDifferences(const Picture& other) const;
 
 private:
     int width = 0;
@@ -37,5 +40,7 @@ private:
 
 /// Renders a scene, which brings its own camera, on black, without a display.
 Picture renderPicture(SoNode* scene, int width, int height);
+/// The same with a renderer of one's own, which has an OpenGL context of its own.
+Picture renderPicture(SoOffscreenRenderer& renderer, SoNode* scene);
 
 #endif

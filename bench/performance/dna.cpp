@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What a DNA costs per base pair. With arguments it only draws, for the counting of
+// instructions: dna PAIRS FRAMES.
+#include <cstdlib>
+#include <string>
+
+#include <malloc.h>
+
+#include <Inventor/SoDB.h>
+#include <Inventor/SoOffscreenRenderer.h>
+#include <Inventor/nodes/SoDirectionalLight.h>
+#include <Inventor/nodes/SoOrthographicCamera.h>
+#include <OffscreenContext.h>
+#include <SoDNA.h>
+#include <support/IdealDna.h>
+
+#include "measuring.h"
+
+namespace {
+
+// A DNA under a camera and a light, or its graph alone: Coin's own way through it.
+class Scene
+{
+public:
+    Scene(int pairs, bool traversed)
+    {
+        root->ref();
+        root->renderCaching = SoSeparator::OFF; // as under a viewer's camera and lights
+        auto* camera = new SoOrthographicCamera;
+        root->addChild(camera);
+        root->addChild(new SoDirectionalLight);
+        dna->ref(); // its graph goes with it
+        IdealDna(irregularSequence(std::size_t(pairs))).give(*dna);
+        dna->generate();
+        if (traversed) {
+            root->addChild(dna->getChild(0));
+            root->addChild(dna->getChild(1));
+        } else {
+            root->addChild(dna);
+        }
+        camera->viewAll(root, region);
+    }
+    ~Scene()
+    {
+        root->unref();
+        dna->unref();
+    }
+
+    bool draw() { return renderer.render(root); }
+
+private:
+    const SbViewportRegion region{200, 200};
+    SoSeparator* const root = new SoSeparator;
+    SoDNA* const dna = new SoDNA;
+    SoOffscreenRenderer renderer{region};
+};
+
+const int FIRST_FRAMES = 8; // until Coin has all its caches
+
+void countFrames(Table& table, const std::string& program, int pairs, const std::string& name)
+{
+    const std::string what = "Unchanged frame, " + name + " pairs";
+    const int frames = 10;
+    const auto count = [&](int number) {
+        return countInstructions(program, {std::to_string(pairs), std::to_string(number)});
+    };
+    const double first = count(FIRST_FRAMES), all = count(FIRST_FRAMES + frames);
+    if (first < 0 || all < 0)
+        table.missing(what, "valgrind or OpenGL cannot run");
+    else
+        table.limit(what, (all - first) / frames / pairs, "instructions/pair", 10000);
+}
+
+void measure(Table& table, int pairs, const std::string& name)
+{
+    Scene drawn(pairs, false), traversed(pairs, true);
+    for (int frame = 0; frame < FIRST_FRAMES; ++frame) {
+        drawn.draw();
+        traversed.draw();
+    }
+    const std::vector<double> frames =
+        medianSeconds({[&] { drawn.draw(); }, [&] { traversed.draw(); }});
+    table.compare("Unchanged frame, " + name + " pairs", frames[0] / pairs * 1e9,
+                  "the graph traversed", frames[1] / pairs * 1e9, "ns/pair", Table::Goal::AtLeast,
+                  10);
+
+    const IdealDna ideal(irregularSequence(std::size_t(pairs)));
+    auto* dna = new SoDNA;
+    dna->ref();
+    const std::size_t before = mallinfo2().uordblks;
+    ideal.give(*dna);
+    dna->generate();
+    const std::size_t after = mallinfo2().uordblks;
+    const std::vector<double> building = medianSeconds({[&] {
+                                                            ideal.give(*dna);
+                                                            dna->generate();
+                                                        },
+                                                        [&] { dna->generate(); }});
+    table.value("Data given and generated, " + name + " pairs", building[0] / pairs * 1e9,
+                "ns/pair");
+    table.value("Generated, " + name + " pairs", building[1] / pairs * 1e9, "ns/pair");
+    table.value("Memory, " + name + " pairs", double(after - before) / pairs, "bytes/pair");
+    dna->unref();
+}
+
+} // namespace
+
+int main(int count, char** arguments)
+{
+    // Mesa's driver then does nothing: what is left is the processor's share.
+    setenv("GALLIUM_NOOP", "1", 1);
+    setenv("LP_NUM_THREADS", "0", 1);
+    SoDB::init();
+    OffscreenContext::install();
+    SoNucleobase::initClass();
+    SoDNA::initClass();
+    if (count == 3) {
+        Scene scene(std::atoi(arguments[1]), false);
+        bool drawn = true;
+        for (int frame = 0; frame < std::atoi(arguments[2]); ++frame)
+            drawn = scene.draw() && drawn;
+        return drawn ? 0 : 1;
+    }
+
+    Table table(
+        "DNA", "What a base pair costs, without the graphics driver's share (`GALLIUM_NOOP=1`): to "
+               "draw it again where\nnothing changed, and to build it. The graph traversed is the "
+               "same one without a `SoDNA` above it:\nCoin's own way, with its caches.");
+    const struct
+    {
+        int pairs;
+        const char* name;
+    } sizes[] = {{1000, "10³"}, {10000, "10⁴"}};
+    for (const auto& [pairs, name] : sizes) {
+        countFrames(table, arguments[0], pairs, name);
+        measure(table, pairs, name);
+    }
+    table.print();
+}

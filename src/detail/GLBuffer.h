@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_DETAIL_GLBUFFER_H
+#define STRANDVIEW_DETAIL_GLBUFFER_H
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <vector>
+
+#include <GL/gl.h>
+#include <Inventor/misc/SoContextHandler.h>
+
+/// A buffer object of OpenGL, or none. It is deleted with this, as soon as its context is
+/// current again. Contexts are named as Coin does: by their cache contexts.
+class GLBuffer
+{
+public:
+    GLBuffer() = default;
+    /// Of the current context, which has this name.
+    template <typename Element>
+    GLBuffer(std::uint32_t currentContext, GLenum target, const std::vector<Element>& elements)
+        : GLBuffer(currentContext, target, elements.data(), elements.size() * sizeof(Element))
+    {}
+    GLBuffer(GLBuffer&& other) noexcept;
+    GLBuffer& operator=(GLBuffer&& other) noexcept;
+    ~GLBuffer();
+
+    /// Whether a context has any; OpenGL itself has them since its version 1.5.
+    static bool areSupported(std::uint32_t context);
+
+    /// Whether there is one.
+    explicit operator bool() const { return name != 0; }
+    /// Binds it, or none.
+    void bind(GLenum target) const;
+
+    /// A place in the bound buffer, for OpenGL's functions that take a pointer.
+    static const void* offset(std::size_t bytes)
+    {
+        return static_cast<const char*>(nullptr) + bytes;
+    }
+
+private:
+    GLBuffer(std::uint32_t currentContext, GLenum target, const void* data, std::size_t bytes);
+
+    std::uint32_t context = 0;
+    GLuint name = 0;
+};
+
+/// What somebody keeps in each context, until the context goes.
+template <typename Kept>
+class PerContext
+{
+public:
+    PerContext() { SoContextHandler::addContextDestructionCallback(contextGoes, this); }
+    ~PerContext() { SoContextHandler::removeContextDestructionCallback(contextGoes, this); }
+    PerContext(const PerContext&) = delete;
+    PerContext& operator=(const PerContext&) = delete;
+
+    Kept& operator[](std::uint32_t context) { return kept[context]; }
+    void clear() { kept.clear(); }
+
+private:
+    // Called while the context is still there; what is deleted now is deleted with it.
+    static void contextGoes(std::uint32_t context, void* closure)
+    {
+        static_cast<PerContext*>(closure)->kept.erase(context);
+    }
+
+    std::map<std::uint32_t, Kept> kept;
+};
+
+#endif

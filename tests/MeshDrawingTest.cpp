@@ -1,0 +1,708 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Rods and birods look the same drawn from buffers, where nothing changed, as drawn by
+// their meshes, where something did. A node that is touched before each frame is what they
+// are compared with.
+#include <algorithm>
+#include <functional>
+#include <memory>
+#include <numeric>
+#include <set>
+#include <string>
+
+#include <GL/gl.h>
+#include <Inventor/SoOffscreenRenderer.h>
+#include <Inventor/actions/SoGLRenderAction.h>
+#include <Inventor/nodes/SoBaseColor.h>
+#include <Inventor/nodes/SoCallback.h>
+#include <Inventor/nodes/SoComplexity.h>
+#include <Inventor/nodes/SoCube.h>
+#include <Inventor/nodes/SoDirectionalLight.h>
+#include <Inventor/nodes/SoDrawStyle.h>
+#include <Inventor/nodes/SoLightModel.h>
+#include <Inventor/nodes/SoMaterial.h>
+#include <Inventor/nodes/SoMaterialBinding.h>
+#include <Inventor/nodes/SoPackedColor.h>
+#include <Inventor/nodes/SoPerspectiveCamera.h>
+#include <Inventor/nodes/SoSeparator.h>
+#include <Inventor/nodes/SoShapeHints.h>
+#include <Inventor/nodes/SoTexture2.h>
+#include <Inventor/nodes/SoTranslation.h>
+#include <Inventor/nodes/SoTransparencyType.h>
+#include <SoBirod.h>
+#include <SoGeneralScene.h>
+#include <SoRod.h>
+
+#include "support/CoinEnvironment.h"
+#include "support/RecordingGL.h"
+#include "support/renderPicture.h"
+
+using Vectors = std::vector<algebra3d::Vector3<double>>;
+using Quaternions = std::vector<algebra3d::Quaternion<double>>;
+
+namespace {
+
+const int SIZE = 150;
+const int MATERIALS = 200; // more than any of the nodes has rows
+
+int count(const RecordedCalls& calls, const char* name)
+{
+    return int(std::count_if(calls.begin(), calls.end(),
+                             [name](const GLCall& call) { return call.name == name; }));
+}
+
+// Buffers go by their names.
+std::multiset<float> namesIn(const RecordedCalls& calls, const char* name)
+{
+    std::multiset<float> names;
+    for (const GLCall& call : calls) {
+        if (call.name == name)
+            names.insert(call.arguments.begin(), call.arguments.end());
+    }
+    return names;
+}
+
+SoRod* makeRod()
+{
+    auto* rod = new SoRod(0.25, 0.8, 8, 4, true, true, false);
+    const algebra3d::Quaternion<double> turned(0, 0, std::sin(0.4), std::cos(0.4));
+    rod->setData({{-0.2, 0, -1.5}, {0.3, 0.2, 0}, {0, 0.1, 1.5}}, {{}, turned, turned});
+    return rod;
+}
+
+SoBirod* makeBirod()
+{
+    auto* birod = new SoBirod(0.2, 0.15, 0.5, 0.3, 0.4, 0.3, 6, 3, true, true, true, true, false);
+    const Quaternions straight(3);
+    birod->setData({{0, 0, -1.5}, {0, 0.2, 0}, {0, 0, 1.5}}, straight,
+                   {{0.2, 0, -1.5}, {0.3, 0.2, 0}, {0.2, 0, 1.5}}, straight,
+                   {{-0.4, 0, -1.5}, {-0.3, 0.2, 0}, {-0.4, 0, 1.5}}, straight);
+    return birod;
+}
+
+SoMaterial* makeMaterials(int number, int transparencies = 0)
+{
+    auto* material = new SoMaterial;
+    for (int i = 0; i < number; ++i)
+        material->diffuseColor.set1Value(i, float(i % 7) / 6, float(i % 5) / 4, float(i % 3) / 2);
+    for (int i = 0; i < transparencies; ++i)
+        material->transparency.set1Value(i, 0.3f + 0.5f * float(i % 4) / 3);
+    return material;
+}
+
+SoMaterialBinding* makeBinding(SoMaterialBinding::Binding value)
+{
+    auto* binding = new SoMaterialBinding;
+    binding->value = value;
+    return binding;
+}
+
+template <typename Node, typename Value>
+SoNode* make(Value Node::*field, int value)
+{
+    auto* node = new Node;
+    (node->*field).setValue(value);
+    return node;
+}
+
+SoNode* makeTexture()
+{
+    const unsigned char pixels[] = {255, 90, 90, 90, 255, 90, 90, 90, 255, 255, 255, 90};
+    auto* texture = new SoTexture2;
+    texture->image.setValue(SbVec2s(2, 2), 3, pixels);
+    return texture;
+}
+
+SoNode* makeLines()
+{
+    auto* style = new SoDrawStyle;
+    style->style = SoDrawStyle::LINES;
+    style->linePattern = 0x0f3f;
+    return style;
+}
+
+SoNode* makePackedColours(int number)
+{
+    auto* colours = new SoPackedColor;
+    for (int i = 0; i < number; ++i)
+        colours->orderedRGBA.set1Value(i, 0x80a000ffu + 0x01050b00u * unsigned(i % 9));
+    return colours;
+}
+
+struct Setting
+{
+    std::string name;
+    std::function<std::vector<SoNode*>()> make;
+    bool fromBuffers = true;
+};
+
+void PrintTo(const Setting& setting, std::ostream* stream) { *stream << setting.name; }
+
+std::vector<Setting> allSettings()
+{
+    using Binding = SoMaterialBinding;
+    std::vector<Setting> settings = {
+        {"OneMaterial", [] { return std::vector<SoNode*>{makeMaterials(1)}; }},
+        {"TwoMaterials", [] { return std::vector<SoNode*>{makeMaterials(2)}; }},
+        {"BaseColours",
+         [] {
+             auto* colours = new SoBaseColor;
+             colours->rgb.set1Value(0, SbColor(1, 0, 0));
+             colours->rgb.set1Value(1, SbColor(0, 1, 0));
+             return std::vector<SoNode*>{colours};
+         }},
+        {"PackedColours",
+         [] {
+             return std::vector<SoNode*>{makePackedColours(MATERIALS),
+                                         makeBinding(Binding::PER_VERTEX)};
+         }},
+        {"Unlit",
+         [] {
+             return std::vector<SoNode*>{makeMaterials(2),
+                                         make(&SoLightModel::model, SoLightModel::BASE_COLOR)};
+         }},
+        {"Textured", [] { return std::vector<SoNode*>{makeTexture()}; }},
+        {"TexturedPerVertex",
+         [] {
+             return std::vector<SoNode*>{makeTexture(), makeMaterials(MATERIALS),
+                                         makeBinding(Binding::PER_VERTEX)};
+         }},
+        {"Lines",
+         [] {
+             return std::vector<SoNode*>{makeLines(), makeMaterials(MATERIALS),
+                                         makeBinding(Binding::PER_VERTEX)};
+         }},
+        {"Points",
+         [] {
+             return std::vector<SoNode*>{make(&SoDrawStyle::style, SoDrawStyle::POINTS),
+                                         makeMaterials(2)};
+         }},
+        {"BackFacesCulled",
+         [] {
+             auto* hints = new SoShapeHints;
+             hints->vertexOrdering = SoShapeHints::COUNTERCLOCKWISE;
+             hints->shapeType = SoShapeHints::SOLID;
+             return std::vector<SoNode*>{hints};
+         }},
+        {"BoundingBox",
+         [] { return std::vector<SoNode*>{make(&SoComplexity::type, SoComplexity::BOUNDING_BOX)}; },
+         false},
+    };
+    const struct
+    {
+        const char* name;
+        Binding::Binding value;
+    } bindings[] = {{"Overall", Binding::OVERALL},
+                    {"PerFace", Binding::PER_FACE},
+                    {"PerVertex", Binding::PER_VERTEX},
+                    {"PerVertexIndexed", Binding::PER_VERTEX_INDEXED}};
+    for (const auto& [name, binding] : bindings) {
+        // The last number: of fewer materials than there are rows.
+        for (int number : {MATERIALS, 5}) {
+            settings.push_back(
+                {name + std::to_string(number) + "Materials", [binding = binding, number] {
+                     return std::vector<SoNode*>{makeMaterials(number), makeBinding(binding)};
+                 }});
+        }
+    }
+    const struct
+    {
+        const char* name;
+        SoTransparencyType::Type type;
+        bool fromBuffers;
+    } types[] = {
+        {"ScreenDoor", SoTransparencyType::SCREEN_DOOR, true},
+        {"Add", SoTransparencyType::ADD, true},
+        {"DelayedAdd", SoTransparencyType::DELAYED_ADD, true},
+        {"Blend", SoTransparencyType::BLEND, true},
+        {"DelayedBlend", SoTransparencyType::DELAYED_BLEND, true},
+        {"SortedBlend", SoTransparencyType::SORTED_OBJECT_BLEND, true},
+        {"SortedTriangles", SoTransparencyType::SORTED_OBJECT_SORTED_TRIANGLE_BLEND, false},
+        {"Opaque", SoTransparencyType::NONE, true}};
+    for (const auto& [name, type, fromBuffers] : types) {
+        for (int number : {1, 2, MATERIALS}) {
+            settings.push_back({name + std::to_string(number) + "Transparencies",
+                                [type = type, number] {
+                                    std::vector<SoNode*> nodes = {
+                                        make(&SoTransparencyType::value, type),
+                                        makeMaterials(number, number)};
+                                    if (number == MATERIALS)
+                                        nodes.push_back(makeBinding(Binding::PER_VERTEX));
+                                    return nodes;
+                                },
+                                fromBuffers});
+        }
+    }
+    return settings;
+}
+
+} // namespace
+
+class MeshDrawingTest : public CoinTest
+{
+protected:
+    static void SetUpTestSuite()
+    {
+        CoinTest::SetUpTestSuite();
+        if (SoGeneralScene::getClassTypeId().isBad())
+            SoGeneralScene::initClass();
+    }
+
+    NodeRef<SoSeparator> scene{new SoSeparator};
+    NodeRef<SoPerspectiveCamera> camera{new SoPerspectiveCamera};
+    SoGroup* settings = new SoGroup;             // for what a test puts before the shape
+    NodeRef<SoSeparator> place{new SoSeparator}; // of the shape
+    SoShape* shape = nullptr;
+    std::unique_ptr<SoOffscreenRenderer> renderer = makeRenderer();
+    RecordedCalls calls; // of the last frame
+
+    void SetUp() override
+    {
+        camera->position = SbVec3f(3, 2, 3);
+        camera->pointAt(SbVec3f(0, 0.1f, 0));
+        camera->nearDistance = 1;
+        camera->farDistance = 20;
+        scene->renderCaching = SoSeparator::OFF;
+        place->renderCaching = SoSeparator::OFF;
+        scene->addChild(camera);
+        auto* light = new SoDirectionalLight;
+        light->direction = SbVec3f(-0.3f, -0.5f, -0.8f);
+        scene->addChild(light);
+        scene->addChild(settings);
+        scene->addChild(place);
+        show(makeRod());
+    }
+
+    static std::unique_ptr<SoOffscreenRenderer> makeRenderer()
+    {
+        return std::make_unique<SoOffscreenRenderer>(SbViewportRegion(SIZE, SIZE));
+    }
+    void show(SoShape* newShape)
+    {
+        place->removeAllChildren();
+        shape = newShape;
+        place->addChild(shape);
+    }
+
+    Picture draw(SoOffscreenRenderer& with)
+    {
+        RecordingGL::start();
+        Picture picture = renderPicture(with, scene);
+        calls = RecordingGL::stop();
+        return picture;
+    }
+    Picture draw() { return draw(*renderer); }
+    Picture drawChanged()
+    {
+        shape->touch();
+        return draw();
+    }
+    int draws() const { return count(calls, "glDrawElements"); }
+    int vertices() const { return count(calls, "glVertex3f"); }
+
+    // Draws the shape often enough for it to be in buffers. Whether the pictures are those
+    // of the meshes, and of as many of its instances.
+    void expectSameFromBuffers(int instances = 1)
+    {
+        const Picture expected = drawChanged();
+        EXPECT_GT(vertices(), 0);
+        EXPECT_EQ(draws(), 0);
+        EXPECT_GT(expected.countOther(BLACK), 1000);
+        for (int frame = 1; frame < 4; ++frame) {
+            EXPECT_EQ(draw().countDifferences(expected), 0) << frame;
+            EXPECT_EQ(vertices(), 0) << frame;
+            EXPECT_EQ(draws(), instances) << frame;
+        }
+    }
+};
+
+// The same picture
+
+class MeshDrawingSetting : public MeshDrawingTest, public testing::WithParamInterface<Setting>
+{
+};
+
+TEST_P(MeshDrawingSetting, LooksAsTheMeshesDrawIt)
+{
+    for (SoNode* node : GetParam().make())
+        settings->addChild(node);
+    for (SoShape* tested : {static_cast<SoShape*>(makeRod()), static_cast<SoShape*>(makeBirod())}) {
+        SCOPED_TRACE(tested->getTypeId().getName().getString());
+        show(tested);
+        const Picture expected = drawChanged();
+        EXPECT_GT(expected.countOther(BLACK), 80); // points are few
+        for (int frame = 1; frame < 4; ++frame) {
+            EXPECT_EQ(draw().countDifferences(expected), 0) << frame;
+            EXPECT_EQ(draws() > 0, GetParam().fromBuffers) << frame;
+            EXPECT_TRUE(vertices() == 0 || !GetParam().fromBuffers) << frame;
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Settings, MeshDrawingSetting, testing::ValuesIn(allSettings()),
+                         testing::PrintToStringParamName());
+
+TEST_F(MeshDrawingTest, TheThirdFrameSendsNoVertexWhereverTheCameraIs)
+{
+    expectSameFromBuffers();
+    const Picture before = draw();
+    camera->position = SbVec3f(-2, 3, 2);
+    camera->pointAt(SbVec3f(0, 0.1f, 0));
+    const Picture moved = draw();
+    EXPECT_EQ(vertices(), 0);
+    EXPECT_EQ(draws(), 1);
+    EXPECT_GT(before.countDifferences(moved), 500);
+    EXPECT_EQ(drawChanged().countDifferences(moved), 0);
+}
+
+TEST_F(MeshDrawingTest, HiddenMeshesAreNotDrawn)
+{
+    auto* rod = static_cast<SoRod*>(shape);
+    rod->showTube(false);
+    expectSameFromBuffers();
+    rod->showRibbon(false);
+    for (int frame = 0; frame < 4; ++frame)
+        EXPECT_EQ(draw().countOther(BLACK), 0);
+    rod->showTube(true);
+    expectSameFromBuffers();
+}
+
+TEST_F(MeshDrawingTest, UnderTheProgramsOfTheSceneItLooksTheSameInEveryGroup)
+{
+    const std::function<void(SoGeneralScene*, SoNode*)> groups[] = {
+        [](SoGeneralScene* root, SoNode* node) { root->addShaded(node); },
+        [](SoGeneralScene* root, SoNode* node) { root->addSolid(node); },
+        [](SoGeneralScene* root, SoNode* node) { root->addChanging(node); }};
+    place->insertChild(makeMaterials(2), 0);
+    for (const auto& add : groups) {
+        scene->removeAllChildren();
+        scene->addChild(camera);
+        auto* root = new SoGeneralScene;
+        scene->addChild(root);
+        add(root, place);
+        expectSameFromBuffers();
+    }
+}
+
+TEST_F(MeshDrawingTest, WhatFollowsHasItsOwnColourAndNormals)
+{
+    settings->addChild(makeMaterials(2));
+    auto* translation = new SoTranslation;
+    translation->translation = SbVec3f(-0.9f, -0.8f, 0);
+    scene->addChild(translation);
+    scene->addChild(new SoCube);
+    scene->addChild(makeBinding(SoMaterialBinding::PER_VERTEX));
+    scene->addChild(makeBirod());
+    const Picture expected = drawChanged();
+    for (int frame = 0; frame < 3; ++frame)
+        EXPECT_EQ(draw().countDifferences(expected), 0) << frame;
+    // A colour is sent anew after each draw: OpenGL leaves open which one is current.
+    for (auto call = calls.begin(); call != calls.end(); ++call) {
+        if (call->name == "glDrawElements") {
+            EXPECT_GT(count(RecordedCalls(call, calls.end()), "glColor4ub"), 0);
+        }
+    }
+}
+
+namespace {
+
+void expectNoArrays(void* found, SoAction* action)
+{
+    if (!action->isOfType(SoGLRenderAction::getClassTypeId()))
+        return;
+    *static_cast<bool*>(found) = true;
+    for (GLenum array : {GL_VERTEX_ARRAY, GL_NORMAL_ARRAY, GL_COLOR_ARRAY, GL_TEXTURE_COORD_ARRAY})
+        EXPECT_FALSE(glIsEnabled(array));
+    for (GLenum value :
+         {GL_ARRAY_BUFFER_BINDING, GL_ELEMENT_ARRAY_BUFFER_BINDING, GL_CLIENT_ATTRIB_STACK_DEPTH}) {
+        GLint current = -1;
+        glGetIntegerv(value, &current);
+        EXPECT_EQ(current, 0);
+    }
+}
+
+} // namespace
+
+TEST_F(MeshDrawingTest, LeavesNoArraysAndBuffersToWhatFollows)
+{
+    bool found = false;
+    auto* callback = new SoCallback;
+    callback->setCallback(expectNoArrays, &found);
+    settings->addChild(makeTexture());
+    scene->addChild(callback);
+    expectSameFromBuffers();
+    EXPECT_TRUE(found);
+}
+
+// Changes
+
+struct Change
+{
+    const char* name;
+    std::function<void(SoRod*, SoMaterial*, SoGroup*)> apply;
+};
+
+void PrintTo(const Change& change, std::ostream* stream) { *stream << change.name; }
+
+class MeshDrawingChange : public MeshDrawingTest, public testing::WithParamInterface<Change>
+{
+};
+
+TEST_P(MeshDrawingChange, IsSeenInTheNextFrame)
+{
+    auto* material = makeMaterials(MATERIALS);
+    material->transparency = 0.4f;
+    settings->addChild(make(&SoTransparencyType::value, SoTransparencyType::BLEND));
+    settings->addChild(material);
+    settings->addChild(makeBinding(SoMaterialBinding::PER_VERTEX));
+    expectSameFromBuffers();
+    const Picture before = draw();
+    GetParam().apply(static_cast<SoRod*>(shape), material, settings);
+    const Picture after = draw();
+    EXPECT_GT(before.countDifferences(after), 100);
+    EXPECT_EQ(drawChanged().countDifferences(after), 0);
+    expectSameFromBuffers();
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Changes, MeshDrawingChange,
+    testing::Values(
+        Change{"AColour",
+               [](auto*, SoMaterial* m, auto*) { m->diffuseColor.set1Value(4, 1, 1, 1); }},
+        Change{"OneColourForAll",
+               [](auto*, SoMaterial* m, auto*) { m->diffuseColor.setValue(1, 0.5f, 0); }},
+        Change{"Transparency", [](auto*, SoMaterial* m, auto*) { m->transparency = 0.41f; }},
+        Change{"ATransparencyPerVertex",
+               [](auto*, SoMaterial* m, auto*) {
+                   for (int i = 0; i < MATERIALS; ++i)
+                       m->transparency.set1Value(i, 0.4f + 0.3f * float(i % 2));
+               }},
+        Change{"Binding", [](auto*, auto*,
+                             SoGroup* s) { s->addChild(makeBinding(SoMaterialBinding::OVERALL)); }},
+        Change{"TransparencyType",
+               [](auto*, auto*, SoGroup* s) {
+                   s->addChild(make(&SoTransparencyType::value, SoTransparencyType::SCREEN_DOOR));
+               }},
+        Change{"HiddenTube", [](SoRod* rod, auto*, auto*) { rod->showTube(false); }},
+        Change{"HiddenRibbon", [](SoRod* rod, auto*, auto*) { rod->showRibbon(false); }},
+        Change{"Radius",
+               [](SoRod* rod, auto*, auto*) {
+                   rod->setTubeRadius(0.4);
+                   rod->generate();
+               }},
+        Change{"RadiusWithoutNotification",
+               [](SoRod* rod, auto*, auto*) {
+                   rod->enableNotify(FALSE);
+                   rod->setTubeRadius(0.4);
+                   rod->generate();
+                   rod->enableNotify(TRUE);
+               }},
+        Change{"Data",
+               [](SoRod* rod, auto*, auto*) {
+                   rod->setData({{0, 0, -1}, {0, 0, 1}}, Quaternions(2));
+               }},
+        Change{"APointOfTheMesh",
+               [](SoRod* rod, auto*, auto*) {
+                   rod->getTubeMesh()->getPoints()[3][2] += {0.9, 0.9, 0};
+                   rod->touch();
+               }},
+        Change{"Lines", [](auto*, auto*, SoGroup* s) { s->addChild(makeLines()); }},
+        Change{"Texture", [](auto*, auto*, SoGroup* s) { s->addChild(makeTexture()); }},
+        Change{"Light",
+               [](auto*, auto*, SoGroup* s) {
+                   s->addChild(make(&SoLightModel::model, SoLightModel::BASE_COLOR));
+               }}),
+    testing::PrintToStringParamName());
+
+TEST_F(MeshDrawingTest, WhatChangesInEveryFrameFillsNoBuffers)
+{
+    auto* material = makeMaterials(1);
+    settings->addChild(material);
+    for (int frame = 0; frame < 20; ++frame) {
+        material->diffuseColor.setValue(1, float(frame) / 20, 0);
+        draw();
+        EXPECT_GT(vertices(), 0);
+        EXPECT_EQ(draws(), 0);
+        EXPECT_EQ(count(calls, "glGenBuffers"), 0);
+    }
+    // Beside it another instance, which does not change.
+    place->addChild(makeMaterials(2));
+    place->addChild(shape);
+    draw();
+    for (int frame = 0; frame < 20; ++frame) {
+        material->diffuseColor.setValue(1, float(frame) / 20, 1);
+        draw();
+        EXPECT_GT(vertices(), 0);
+        EXPECT_EQ(draws(), 1);
+    }
+}
+
+TEST_F(MeshDrawingTest, TransparencyIsSeenHoweverLittleItChanges)
+{
+    auto* material = makeMaterials(1, 1);
+    settings->addChild(make(&SoTransparencyType::value, SoTransparencyType::BLEND));
+    settings->addChild(material);
+    material->diffuseColor.setValue(1, 1, 1);
+    material->transparency = 0.4f;
+    expectSameFromBuffers();
+    const Picture before = draw();
+    material->transparency = 0.4045f; // 153 and 151.9 of 255 opaque
+    EXPECT_GT(before.countDifferences(draw()), 100);
+    expectSameFromBuffers();
+}
+
+TEST_F(MeshDrawingTest, EveryTransparencyTypeIsSeen)
+{
+    auto* type = new SoTransparencyType;
+    settings->addChild(type);
+    settings->addChild(makeMaterials(MATERIALS, MATERIALS));
+    settings->addChild(makeBinding(SoMaterialBinding::PER_VERTEX));
+    for (auto value : {SoTransparencyType::BLEND, SoTransparencyType::SCREEN_DOOR,
+                       SoTransparencyType::ADD, SoTransparencyType::NONE,
+                       SoTransparencyType::SCREEN_DOOR, SoTransparencyType::DELAYED_BLEND}) {
+        type->value = value;
+        Picture last;
+        for (int frame = 0; frame < 3; ++frame)
+            last = draw();
+        EXPECT_EQ(draws(), 1) << value;
+        EXPECT_EQ(drawChanged().countDifferences(last), 0) << value;
+        draw();
+        draw();
+    }
+}
+
+TEST_F(MeshDrawingTest, TransparenciesBesideTheColoursAreSeen)
+{
+    auto* colours = new SoBaseColor;
+    for (int i = 0; i < MATERIALS; ++i)
+        colours->rgb.set1Value(i, SbColor(1, float(i % 3) / 2, 0));
+    auto* transparencies = makeMaterials(1, MATERIALS);
+    transparencies->diffuseColor.setIgnored(TRUE);
+    for (SoNode* node :
+         std::vector<SoNode*>{make(&SoTransparencyType::value, SoTransparencyType::BLEND),
+                              transparencies, colours, makeBinding(SoMaterialBinding::PER_VERTEX)})
+        settings->addChild(node);
+    expectSameFromBuffers();
+    const Picture before = draw();
+    transparencies->transparency.set1Value(4, 0.9f);
+    const Picture after = draw();
+    EXPECT_GT(before.countDifferences(after), 20);
+    EXPECT_EQ(drawChanged().countDifferences(after), 0);
+}
+
+TEST_F(MeshDrawingTest, NewColoursFillOneBuffer)
+{
+    auto* material = makeMaterials(2);
+    settings->addChild(material);
+    drawChanged();
+    draw();
+    EXPECT_EQ(namesIn(calls, "glGenBuffers").size(), 3u); // vertices, triangles, colours
+    material->diffuseColor.setValue(1, 0, 1);
+    draw();
+    draw();
+    EXPECT_EQ(namesIn(calls, "glGenBuffers").size(), 1u);
+    EXPECT_EQ(vertices(), 0);
+}
+
+// Several materials
+
+TEST_F(MeshDrawingTest, InstancesUnderSeveralMaterialsHaveEachTheirOwn)
+{
+    const NodeRef<SoShape> held(shape);
+    place->removeAllChildren();
+    for (int i = 0; i < 8; ++i) {
+        auto* instance = new SoSeparator;
+        auto* translation = new SoTranslation;
+        translation->translation = SbVec3f(0.7f * float(i % 4 - 2), 0, 0.5f * float(i / 4));
+        auto* material = new SoMaterial;
+        material->diffuseColor.setValue(float(i % 2), float(i / 2 % 2), 1 - 0.1f * float(i));
+        instance->addChild(translation);
+        instance->addChild(material);
+        instance->addChild(shape);
+        place->addChild(instance);
+    }
+    expectSameFromBuffers(8);
+
+    // More of them are drawn by their meshes.
+    auto* material = new SoMaterial;
+    material->diffuseColor.setValue(1, 1, 1);
+    place->addChild(material);
+    place->addChild(shape);
+    const Picture expected = drawChanged();
+    for (int frame = 0; frame < 3; ++frame) {
+        EXPECT_EQ(draw().countDifferences(expected), 0) << frame;
+        EXPECT_EQ(draws(), 0) << frame;
+    }
+}
+
+// Lists and contexts
+
+TEST_F(MeshDrawingTest, AListThatIsRecordedHasTheVertices)
+{
+    settings->addChild(makeMaterials(2));
+    const Picture expected = drawChanged();
+    draw();
+    draw();
+    scene->renderCaching = SoSeparator::ON;
+    for (int frame = 0; frame < 4; ++frame) {
+        EXPECT_EQ(draw().countDifferences(expected), 0) << frame;
+        // Coin records in its second frame, and calls its list from then on.
+        EXPECT_EQ(draws(), frame == 0 ? 1 : 0) << frame;
+        EXPECT_EQ(vertices() > 0, frame == 1) << frame;
+    }
+    scene->renderCaching = SoSeparator::OFF;
+    draw();
+    EXPECT_EQ(draw().countDifferences(expected), 0);
+    EXPECT_EQ(draws(), 1);
+}
+
+TEST_F(MeshDrawingTest, EachContextHasItsOwnBuffers)
+{
+    settings->addChild(makeMaterials(2));
+    const auto other = makeRenderer();
+    const Picture expected = drawChanged();
+    for (int frame = 0; frame < 4; ++frame) {
+        for (SoOffscreenRenderer* each : {other.get(), renderer.get()}) {
+            EXPECT_EQ(draw(*each).countDifferences(expected), 0) << frame;
+            EXPECT_EQ(draws(), frame > 0 || each == renderer.get() ? 1 : 0) << frame;
+        }
+    }
+    shape->touch();
+    draw(*other); // forgets those of both
+    EXPECT_EQ(draws(), 0);
+    for (SoOffscreenRenderer* each : {renderer.get(), other.get()}) {
+        draw(*each);
+        EXPECT_EQ(namesIn(calls, "glDeleteBuffers").size(), 3u);
+    }
+}
+
+TEST_F(MeshDrawingTest, ALostContextTakesItsBuffersAlong)
+{
+    drawChanged();
+    const Picture expected = draw();
+    const auto made = namesIn(calls, "glGenBuffers");
+    EXPECT_EQ(made.size(), 3u);
+    RecordingGL::start();
+    renderer.reset();
+    EXPECT_EQ(namesIn(RecordingGL::stop(), "glDeleteBuffers"), made);
+    renderer = makeRenderer();
+    for (int frame = 0; frame < 4; ++frame) {
+        EXPECT_EQ(draw().countDifferences(expected), 0) << frame;
+        EXPECT_EQ(draws(), frame > 0 ? 1 : 0);
+    }
+}
+
+TEST_F(MeshDrawingTest, BuffersGoWithTheNodeOrItsChange)
+{
+    drawChanged();
+    draw();
+    const auto made = namesIn(calls, "glGenBuffers");
+    shape->touch();
+    draw(); // forgets them
+    draw(); // deletes them and makes new ones
+    EXPECT_EQ(namesIn(calls, "glDeleteBuffers"), made);
+    const auto madeAgain = namesIn(calls, "glGenBuffers");
+    EXPECT_EQ(madeAgain.size(), 3u);
+    place->removeAllChildren();
+    draw();
+    EXPECT_EQ(namesIn(calls, "glDeleteBuffers"), madeAgain);
+}
