@@ -22,6 +22,7 @@
 #include <SoMeshShape.h>
 
 #include "detail/GLVertexState.h"
+#include "detail/RowBoxes.h"
 #include "detail/sendMaterial.h"
 
 using algebra3d::Vector3;
@@ -56,7 +57,7 @@ Vector3<double>* allocateVectors(std::size_t count)
 void Mesh::Free::operator()(Vector3<double>* block) const { ::operator delete(block, ALIGNMENT); }
 
 Mesh::Mesh(bool rowsWrapAround, bool columnsWrapAround)
-    : rowsWrap(rowsWrapAround), columnsWrap(columnsWrapAround), capacity(0)
+    : rowsWrap(rowsWrapAround), columnsWrap(columnsWrapAround), capacity(0), pickedNodeId(0)
 {
     clear();
 }
@@ -107,26 +108,49 @@ void Mesh::render(SoGLRenderAction* action, int materialOffset)
     }
 }
 
-void Mesh::generate(SoMeshShape* shape, SoAction* action)
+void Mesh::generate(SoMeshShape* shape, SoAction* action) { generateStrips(shape, action); }
+
+Mesh::LeftOut Mesh::generateStrips(SoMeshShape* shape, SoAction* action)
 {
+    LeftOut leftOut = {true, true};
     const Mesh& mesh = *this;
     if (!mesh.isValid())
-        return;
+        return leftOut;
     const auto points = getPoints(), normals = getNormals();
 
     SoPrimitiveVertex vertex;
-    for (int i = 0; i + 1 < height; ++i) {
-        shape->beginShape(action, SoShape::TRIANGLE_STRIP, nullptr);
-        for (int j = 0; j < width; ++j) {
-            for (const int row : {i + 1, i}) {
-                vertex.setPoint(toSbVec3f(points[row][j]));
-                vertex.setNormal(toSbVec3f(normals[row][j]));
-                vertex.setMaterialIndex(getMaterialIndex(row, j));
-                shape->shapeVertex(&vertex);
+    const auto generateRun = [&](int first, int end) {
+        leftOut.atFirstRow &= first != 0;
+        leftOut.atLastRow &= end != height - 1;
+        for (int i = first; i < end; ++i) {
+            shape->beginShape(action, SoShape::TRIANGLE_STRIP, nullptr);
+            for (int j = 0; j < width; ++j) {
+                for (const int row : {i + 1, i}) {
+                    vertex.setPoint(toSbVec3f(points[row][j]));
+                    vertex.setNormal(toSbVec3f(normals[row][j]));
+                    vertex.setMaterialIndex(getMaterialIndex(row, j));
+                    shape->shapeVertex(&vertex);
+                }
             }
+            shape->endShape();
         }
-        shape->endShape();
+    };
+    if (SoRayPickAction* const pick = asRayPick(action))
+        boxesFor(*shape).visitHit(*pick, generateRun);
+    else
+        generateRun(0, height - 1);
+    return leftOut;
+}
+
+// Coin gives a node a new id, of all there ever were, whenever it is touched.
+const RowBoxes& Mesh::boxesFor(const SoMeshShape& shape)
+{
+    const std::uint64_t nodeId = shape.getNodeId();
+    if (!pickBoxes || pickedNodeId != nodeId) {
+        pickBoxes = std::make_unique<RowBoxes>(rows.data(), height, width, columnsWrap);
+        pickedNodeId = nodeId;
     }
+    return *pickBoxes;
 }
 
 int Mesh::getPrimitiveCount() { return (width - 1) * (2 * height - 2); }
@@ -170,9 +194,17 @@ Vector3<double>** Mesh::getNormals()
     return rows.empty() ? nullptr : rows.data() + rows.size() / 2;
 }
 
-void Mesh::setWidth(int columns) { width = std::max(columns, 2); }
+void Mesh::setWidth(int columns)
+{
+    pickBoxes.reset();
+    width = std::max(columns, 2);
+}
 
-void Mesh::setHeight(int rows) { height = rows; }
+void Mesh::setHeight(int rowCount)
+{
+    pickBoxes.reset();
+    height = rowCount;
+}
 
 void Mesh::allocateMemory()
 {
@@ -193,6 +225,7 @@ void Mesh::allocateUnconstructed()
         block.reset(allocateVectors(needed));
         capacity = needed;
     }
+    pickBoxes.reset();
     rows.resize(2 * std::size_t(height));
     Vector3<double>* next = block.get();
     for (Vector3<double>*& row : rows) {
@@ -212,6 +245,7 @@ void Mesh::takeMemory(Mesh& replaced)
 
 void Mesh::clear()
 {
+    pickBoxes.reset();
     rows = {};
     block.reset();
     capacity = 0;

@@ -3,6 +3,7 @@
 #define STRANDVIEW_MESH_H
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <vector>
 
@@ -12,6 +13,7 @@
 #include <StrandviewExport.h>
 #include <algebra3d/Vector3.h>
 
+class RowBoxes;
 class SoAction;
 class SoGLRenderAction;
 class SoMaterialBundle;
@@ -61,7 +63,8 @@ public:
     /// last one is taken. Texture coordinates run from 0 to 1 across (s) and along (t).
     virtual void render(SoGLRenderAction* action, int materialOffset);
     /// Emits the same triangles through the shape that owns the mesh, with plain
-    /// material indices and no texture coordinates.
+    /// material indices and no texture coordinates. For a ray pick it leaves out strips
+    /// that the ray misses; the boxes that tell are kept while the shape is not touched.
     virtual void generate(SoMeshShape* shape, SoAction* action);
     /// (width - 1) * (2 * height - 2) triangles.
     virtual int getPrimitiveCount();
@@ -72,7 +75,8 @@ public:
     /// columns if they wrap, otherwise rows if they do, never both.
     virtual void computeNormals();
 
-    /// Row pointers, null without rows; getPoints()[row][column] is writable.
+    /// Row pointers, null without rows; getPoints()[row][column] is writable. Whoever
+    /// writes after the mesh was shown touches the node that shows it.
     algebra3d::Vector3<double>** getPoints();
     algebra3d::Vector3<double>** getNormals();
 
@@ -120,6 +124,14 @@ protected:
     /// clears that mesh. Fresh memory costs more than all else about a mesh.
     void takeMemory(Mesh& replaced);
 
+    /// generate() of this class. Returns whether strips beside the first and the last row
+    /// were left out because a ray misses them and what lies flat in these rows.
+    struct LeftOut
+    {
+        bool atFirstRow, atLastRow;
+    };
+    LeftOut generateStrips(SoMeshShape* shape, SoAction* action);
+
     // The box as updateBB() keeps it, three doubles each.
     double* getMinimum() { return minimum; }
     double* getMaximum() { return maximum; }
@@ -132,6 +144,7 @@ private:
 
     /// The number of points and of normals.
     std::size_t size() const { return std::size_t(height) * std::size_t(width); }
+    const RowBoxes& boxesFor(const SoMeshShape& shape);
 
     const bool rowsWrap;
     const bool columnsWrap;
@@ -146,6 +159,9 @@ private:
     // the box of the rounded points.
     double minimum[3];
     double maximum[3];
+    // Made by the first ray pick of a shape in that state; null before.
+    std::unique_ptr<RowBoxes> pickBoxes;
+    std::uint64_t pickedNodeId;
 };
 
 #endif

@@ -129,9 +129,11 @@ void TubeMesh::generate(SoMeshShape* shape, SoAction* action)
 {
     if (!isValid())
         return;
-    Mesh::generate(shape, action);
-    generateCap(0, shape, action);
-    generateCap(getHeight() - 1, shape, action);
+    const LeftOut leftOut = generateStrips(shape, action);
+    if (!leftOut.atFirstRow)
+        generateCap(0, shape, action);
+    if (!leftOut.atLastRow)
+        generateCap(getHeight() - 1, shape, action);
 }
 
 void TubeMesh::generateCap(int row, SoMeshShape* shape, SoAction* action)
