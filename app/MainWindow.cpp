@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "MainWindow.h"
 
-#include <cmath>
 #include <cstdlib>
 #include <iostream>
 
@@ -14,7 +13,6 @@
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
-#include <QCloseEvent>
 #include <QDialogButtonBox>
 #include <QDropEvent>
 #include <QFileDialog>
@@ -367,7 +365,7 @@ void MainWindow::savePicture(const QString& file)
         failure = writePicture(scene, {name,
                                        size[0],
                                        size[1],
-                                       options.samples,
+                                       fittingSamples(options.samples, size[0], size[1]),
                                        {background[0], background[1], background[2]},
                                        false,
                                        camera,
@@ -573,7 +571,9 @@ void MainWindow::buildLookMenu(QMenu& menu)
 void MainWindow::buildHelpMenu(QMenu& menu)
 {
     menu.addAction("&Keys", this, &MainWindow::showKeys, QKeySequence("F1"));
-    menu.addAction("&About strandview", this, &MainWindow::showAbout);
+    QAction* about = menu.addAction("&About strandview", this, &MainWindow::showAbout);
+    about->setIconText("About");
+    tools->addAction(about);
 }
 
 QAction* MainWindow::addKeyAction(QMenu& menu, const QString& text, const QString& keyName, int key,

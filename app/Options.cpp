@@ -10,18 +10,11 @@
 
 #include <CLI/CLI.hpp>
 
+#include "PictureWriter.h"
+
 namespace {
 
 const int BAD_INPUT = 2;
-// Coin holds the sides of a picture in 16 bits, and Qt its bytes in 31. What is
-// rendered has to fit, so a picture's samples count.
-const int LARGEST_SIDE = 32767;
-const long long LARGEST_PIXEL_COUNT = 700'000'000;
-
-bool fits(long long width, long long height)
-{
-    return width <= LARGEST_SIDE && height <= LARGEST_SIDE && width * height <= LARGEST_PIXEL_COUNT;
-}
 
 bool parseSize(const std::string& text, int& width, int& height)
 {
@@ -38,12 +31,12 @@ void addSize(CLI::App& app, Options& options)
     const auto parse = [&options](const std::string& text) {
         int width = 0, height = 0;
         const std::string found = "found '" + text + "', expected ";
-        if (!parseSize(text, width, height) || width < 1 || height < 1 || width > LARGEST_SIDE ||
-            height > LARGEST_SIDE) {
+        if (!parseSize(text, width, height) || width < 1 || height < 1 ||
+            width > LARGEST_PICTURE_SIDE || height > LARGEST_PICTURE_SIDE) {
             throw CLI::ValidationError("--size", found + "WxH with sides from 1 to " +
-                                                     std::to_string(LARGEST_SIDE));
+                                                     std::to_string(LARGEST_PICTURE_SIDE));
         }
-        if (!fits(width, height)) {
+        if (fittingSamples(1, width, height) < 1) {
             throw CLI::ValidationError("--size", found + "at most " +
                                                      std::to_string(LARGEST_PIXEL_COUNT) +
                                                      " pixels in all");
@@ -61,16 +54,13 @@ void addSize(CLI::App& app, Options& options)
 // As many samples as asked for; as many as there is room for if that is left open.
 void settleSamples(const CLI::Option* asked, Options& options)
 {
-    const auto fitting = [&options] {
-        return fits((long long)options.samples * options.pictureWidth,
-                    (long long)options.samples * options.pictureHeight);
-    };
-    if (asked->count() > 0 && !fitting()) {
+    const int fitting =
+        fittingSamples(options.samples, options.pictureWidth, options.pictureHeight);
+    if (asked->count() > 0 && fitting < options.samples) {
         throw CLI::ValidationError("--samples", "found " + std::to_string(options.samples) +
                                                     ", expected fewer for so large a picture");
     }
-    while (options.samples > 1 && !fitting())
-        --options.samples;
+    options.samples = fitting;
 }
 
 CLI::Option* addLength(CLI::App& app, const std::string& name, std::optional<double>& length,

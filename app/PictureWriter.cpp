@@ -140,6 +140,16 @@ private:
 
 } // namespace
 
+int fittingSamples(int wanted, int width, int height)
+{
+    const long long largestSide = LARGEST_PICTURE_SIDE, largestCount = LARGEST_PIXEL_COUNT;
+    int samples = wanted;
+    while (samples > 0 && (largestSide < (long long)samples * std::max(width, height) ||
+                           largestCount < (long long)samples * width * samples * height))
+        --samples;
+    return samples;
+}
+
 std::string checkPictureName(const std::string& option, const std::string& file, bool transparent)
 {
     const QList<QByteArray> formats = writableFormats(transparent);

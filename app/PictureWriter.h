@@ -11,6 +11,10 @@ class QImage;
 class QString;
 class SoGeneralScene;
 
+/// What is rendered has to fit, so a picture's samples count.
+constexpr int LARGEST_PICTURE_SIDE = 32767;
+constexpr int LARGEST_PIXEL_COUNT = 700'000'000;
+
 struct Picture
 {
     std::string file;
@@ -22,6 +26,11 @@ struct Picture
     CameraRequest camera;
     float bottom; ///< the part of the height that a standard view leaves free below the scene
 };
+
+/// As many samples as wanted, or as many as there is room for in a picture of this size: Coin
+/// holds the sides of what is rendered in 16 bits, and Qt its bytes in 31. None if there is
+/// no room for a single one.
+int fittingSamples(int wanted, int width, int height);
 
 /// Empty if the ending of a picture's name is one that can be written, and with
 /// transparent pixels if asked for; otherwise one line that begins with `option` and

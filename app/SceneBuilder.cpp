@@ -95,12 +95,11 @@ void addColours(SoSeparator* group, const SoRod& rod, const Colouring& colouring
 // The data's own coordinates, unless they do not suit the meshes. Single precision
 // loses what is small and far from the origin, and the thinnest tube and the shortest
 // arc that the formulas tell from a point are fixed lengths near 1e-4 and 1e-7.
-Placement choosePlacement(const Configuration& configuration, const Style& style)
+Placement choosePlacement(const Extent& extent, const Style& style)
 {
     const double farAway = 100;       // diagonals
     const double thin = 1e-3;         // a radius
     const double shortSegment = 1e-2; // on average
-    const Extent extent = measure(configuration);
     Placement placement;
     if (extent.centre.getNorm() > farAway * extent.sides.getNorm())
         placement.origin = extent.centre;
@@ -115,10 +114,10 @@ Placement choosePlacement(const Configuration& configuration, const Style& style
 
 // Refuses what would take more memory than any machine of our users has: a vertex
 // takes 64 bytes.
-std::string checkSize(const Configuration& configuration, const Style& style)
+std::string checkSize(const Extent& extent, const Style& style)
 {
     const double largest = 1e9;
-    const double rows = double(measure(configuration).segments) * style.subsegments + 1;
+    const double rows = double(extent.segments) * style.subsegments + 1;
     const double vertices = rows * (style.slices + 1);
     if (vertices <= largest)
         return "";
@@ -154,17 +153,17 @@ Vector3<double> toVector(const Colour& colour)
     return Vector3<double>(double(colour.red), double(colour.green), double(colour.blue));
 }
 
-// Builds one scene. Each add...() returns one line that says why it failed, or nothing.
+// Builds one scene. An add...() that can fail returns one line that says why, or nothing.
 class Builder
 {
 public:
-    Builder(const Configuration& shownData, const Style& shownStyle, const Colouring* rodColouring,
-            Progress& shownProgress)
+    Builder(const Configuration& shownData, const Placement& dataPlacement, const Style& shownStyle,
+            const Colouring* rodColouring, Progress& shownProgress)
         : data(shownData),
           style(shownStyle),
           colouring(rodColouring),
           progress(shownProgress),
-          placement(choosePlacement(shownData, shownStyle)),
+          placement(dataPlacement),
           scene(new DataScene(placement))
     {
         scene->ref();
@@ -181,19 +180,17 @@ public:
 
     std::string build()
     {
-        std::string error = addRods();
-        if (error.empty())
-            error = addBirods();
-        if (error.empty())
-            error = addDnas();
-        if (error.empty())
-            error = addMarkers();
-        if (error.empty())
-            error = addArrows();
+        for (const auto add :
+             {&Builder::addRods, &Builder::addBirods, &Builder::addMarkers, &Builder::addArrows}) {
+            const std::string error = (this->*add)();
+            if (!error.empty())
+                return error;
+        }
+        addDnas();
         addFrames();
         if (colouring)
             scene->addLegend(makeLegend(colouring->name, colouring->mapper, style.background));
-        return error;
+        return "";
     }
 
     /// The scene, which outlives the builder then.
@@ -257,7 +254,7 @@ private:
     }
 
     // A DNA is built in ångström, the unit of its atoms, and scaled to the scene.
-    std::string addDnas()
+    void addDnas()
     {
         for (std::size_t i = 0; i < data.dnas.size(); ++i) {
             progress.show("Building DNA " + std::to_string(i + 1) + " of " +
@@ -280,7 +277,6 @@ private:
             scene->addNamed(group, node, dna.origin);
             scene->extendBox(boxOfDna(dna));
         }
-        return "";
     }
 
     std::string addMarkers()
@@ -459,10 +455,11 @@ void initialiseScene()
 DataScene* buildScene(const Configuration& configuration, const Style& style,
                       const Colouring* colouring, Progress& progress, std::string& error)
 {
-    error = checkSize(configuration, style);
+    const Extent extent = measure(configuration);
+    error = checkSize(extent, style);
     if (!error.empty())
         return nullptr;
-    Builder builder(configuration, style, colouring, progress);
+    Builder builder(configuration, choosePlacement(extent, style), style, colouring, progress);
     error = builder.build();
     return error.empty() ? builder.take() : nullptr;
 }
