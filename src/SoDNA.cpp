@@ -42,17 +42,92 @@ SbRotation toSbRotation(const Rotation& q)
     return SbRotation(float(q[0]), float(q[1]), float(q[2]), float(q[3]));
 }
 
-// Appends a new separator of a new, referenced transform and what it places.
-SoTransform* addPlaced(SoGroup* group, const Vector& place, const Rotation& rotation,
-                       SoNode* placed)
+// Whether a field takes a value as that of a new node does.
+bool isFree(const SoField& field)
 {
-    auto* transform = makeReferenced<SoTransform>();
+    return !field.isIgnored() && !field.isConnected() && field.isNotifyEnabled();
+}
+
+bool isAsMade(const SoField& field) { return field.isDefault() && isFree(field); }
+
+// Whether a node has nothing of its own beside its fields and children.
+bool isPlain(const SoNode* node)
+{
+    return !node->isOverride() && node->isNotifyEnabled() && !node->getUserData() &&
+           node->getName().getLength() == 0;
+}
+
+// Whether a separator with a DNA's transform is as good as new but for what it places, and
+// where: nobody else holds them, and nobody changed anything else in them.
+bool isReusable(const SoNode* node, const SoTransform* transform)
+{
+    if (node->getTypeId() != SoSeparator::getClassTypeId() || node->getRefCount() != 1 ||
+        !isPlain(node))
+        return false;
+    const auto* separator = static_cast<const SoSeparator*>(node);
+    return isAsMade(separator->renderCaching) && isAsMade(separator->boundingBoxCaching) &&
+           isAsMade(separator->renderCulling) && isAsMade(separator->pickCulling) &&
+           separator->getNumChildren() == 2 && separator->getChild(0) == transform &&
+           transform->getRefCount() == 2 && isPlain(transform) && isFree(transform->translation) &&
+           isFree(transform->rotation) && isAsMade(transform->scaleFactor) &&
+           isAsMade(transform->scaleOrientation) && isAsMade(transform->center);
+}
+
+// The separators of a group that is generated again, each with its transform. Making them anew
+// costs several times as much, most of it in Coin's constructors and in scattered memory.
+class Separators
+{
+public:
+    explicit Separators(std::size_t size) { kept.reserve(size); }
+    ~Separators()
+    {
+        for (; next < kept.size(); ++next)
+            kept[next]->unref();
+    }
+    Separators(const Separators&) = delete;
+    Separators& operator=(const Separators&) = delete;
+
+    // Keeps the child with that index beyond its removal if it can be used again.
+    void keep(const SoGroup* group, std::size_t index, const SoTransform* transform)
+    {
+        if (index >= std::size_t(group->getNumChildren()) ||
+            !isReusable(group->getChild(int(index)), transform))
+            return;
+        auto* separator = static_cast<SoSeparator*>(group->getChild(int(index)));
+        separator->ref();
+        kept.push_back(separator);
+    }
+
+    // One that was kept, or a new one; to be unreferenced.
+    SoSeparator* take()
+    {
+        if (next < kept.size())
+            return kept[next++];
+        auto* separator = makeReferenced<SoSeparator>();
+        separator->addChild(new SoTransform);
+        return separator;
+    }
+
+private:
+    std::vector<SoSeparator*> kept;
+    std::size_t next = 0;
+};
+
+// Appends a separator of a transform and what it places, and references the transform.
+SoTransform* addPlaced(SoGroup* group, Separators& separators, const Vector& place,
+                       const Rotation& rotation, SoNode* placed)
+{
+    SoSeparator* const separator = separators.take();
+    auto* transform = static_cast<SoTransform*>(separator->getChild(0));
+    transform->ref();
     transform->translation = toSbVec3f(place);
     transform->rotation = toSbRotation(rotation);
-    auto* separator = new SoSeparator;
-    separator->addChild(transform);
-    separator->addChild(placed);
+    if (separator->getNumChildren() == 1)
+        separator->addChild(placed);
+    else if (separator->getChild(1) != placed)
+        separator->replaceChild(1, placed);
     group->addChild(separator);
+    separator->unref();
     return transform;
 }
 
@@ -164,17 +239,26 @@ void SoDNA::generate()
 {
     // One notification in the end instead of several per pair.
     const SbBool notified = enableNotify(FALSE);
+    const std::size_t former = avgTransforms.size();
+    Separators boxes(former), bases(2 * former);
+    for (std::size_t i = 0; i < former; ++i) {
+        boxes.keep(bpSwitch, i, avgTransforms[i]);
+        bases.keep(basesGroup, 2 * i, strand1Transforms[i]);
+        bases.keep(basesGroup, 2 * i + 1, strand2Transforms[i]);
+    }
     clear();
     const std::size_t n = rAvg.size();
     avgTransforms.resize(n);
     strand1Transforms.resize(n);
     strand2Transforms.resize(n);
+    // One group after the other: they are emptied so, and memory goes in the order it came.
+    for (std::size_t i = 0; i < n; ++i)
+        avgTransforms[i] = addPlaced(bpSwitch, boxes, rAvg[i], qAvg[i], bpGroup);
     for (std::size_t i = 0; i < n; ++i) {
         const int base = SoNucleobase::getBaseIndex(sequence[i]);
         const int complement = SoNucleobase::getComplementIndex(base);
-        avgTransforms[i] = addPlaced(bpSwitch, rAvg[i], qAvg[i], bpGroup);
-        strand1Transforms[i] = addPlaced(basesGroup, r1[i], q1[i], strand1Bases[base]);
-        strand2Transforms[i] = addPlaced(basesGroup, r2[i], q2[i], strand2Bases[complement]);
+        strand1Transforms[i] = addPlaced(basesGroup, bases, r1[i], q1[i], strand1Bases[base]);
+        strand2Transforms[i] = addPlaced(basesGroup, bases, r2[i], q2[i], strand2Bases[complement]);
     }
     enableNotify(notified);
     touch();
@@ -182,13 +266,14 @@ void SoDNA::generate()
 
 void SoDNA::clear()
 {
-    bpSwitch->removeAllChildren();
-    basesGroup->removeAllChildren();
+    // Each transform then goes with its separator.
     for (auto* transforms : {&avgTransforms, &strand1Transforms, &strand2Transforms}) {
         for (SoTransform* transform : *transforms)
             transform->unref();
         transforms->clear();
     }
+    bpSwitch->removeAllChildren();
+    basesGroup->removeAllChildren();
 }
 
 const std::string& SoDNA::getSequence() const { return sequence; }

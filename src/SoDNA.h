@@ -53,7 +53,9 @@ public:
     bool setData(const std::string& sequence, const Vectors& rAvg, const Quaternions& qAvg,
                  const Vectors& r1, const Quaternions& q1, const Vectors& r2,
                  const Quaternions& q2);
-    /// Rebuilds the pairs from the stored data, in time linear in their number.
+    /// Rebuilds the pairs from the stored data, in time linear in their number. Separators and
+    /// transforms of former pairs serve again, as good as new, unless somebody else references
+    /// them.
     void generate();
 
     const std::string& getSequence() const;

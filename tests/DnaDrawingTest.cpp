@@ -545,6 +545,27 @@ TEST_F(DnaDrawingTest, IsSeenInACacheThatRecords)
     }
 }
 
+TEST_F(DnaDrawingTest, WhatCoinKeptOfFormerPairsIsNotDrawn)
+{
+    SoSeparator::setNumRenderCaches(2);
+    auto* lines = new SoDrawStyle;
+    lines->style = SoDrawStyle::LINES;
+    settings->addChild(lines); // traversed, then
+    Bytes first;
+    for (int frame = 0; frame < 6; ++frame) // often enough for Coin to make lists
+        first = draw();
+    const IdealDna bent("GGTTACGA", 3, 1);
+    ASSERT_TRUE(bent.give(*dna));
+    dna->generate();
+    const Bytes again = draw();
+    EXPECT_GT(compare(first, again).strong, 100);
+    NodeRef<SoDNA> fresh(new SoDNA);
+    ASSERT_TRUE(bent.give(*fresh));
+    fresh->generate();
+    place->replaceChild(0, static_cast<SoNode*>(fresh));
+    EXPECT_EQ(compare(again, render(*renderer, scene)).pixels, 0);
+}
+
 TEST_F(DnaDrawingTest, FollowingShapesHaveTheirOwnColours)
 {
     auto* material = new SoMaterial;

@@ -2,13 +2,20 @@
 #include <SoDNA.h>
 
 #include <cmath>
+#include <cstdlib>
+#include <functional>
 #include <limits>
+#include <ostream>
 
 #include <Inventor/SoDB.h>
+#include <Inventor/SoOutput.h>
+#include <Inventor/SoPath.h>
 #include <Inventor/SoPickedPoint.h>
 #include <Inventor/actions/SoRayPickAction.h>
 #include <Inventor/actions/SoSearchAction.h>
+#include <Inventor/actions/SoWriteAction.h>
 #include <Inventor/lists/SoFieldList.h>
+#include <Inventor/nodes/SoAnnotation.h>
 #include <Inventor/nodes/SoCube.h>
 #include <Inventor/nodes/SoLightModel.h>
 #include <Inventor/nodes/SoMaterial.h>
@@ -20,6 +27,7 @@
 #include <algebra3d/Matrix3.h>
 #include <gmock/gmock.h>
 
+#include "support/AllocationCount.h"
 #include "support/CoinEnvironment.h"
 #include "support/IdealDna.h"
 #include "support/RandomRods.h"
@@ -84,6 +92,21 @@ struct Parts
     SoSwitch* bpSwitch;
     SoSeparator* basesGroup;
 };
+
+// The file that Coin writes of a graph: all nodes, fields, names and connections.
+std::string written(SoNode* node)
+{
+    SoOutput output;
+    const auto grow = [](void* memory, std::size_t size) { return std::realloc(memory, size); };
+    output.setBuffer(std::malloc(1), 1, grow);
+    SoWriteAction(&output).apply(node);
+    void* text;
+    std::size_t size;
+    output.getBuffer(text, size);
+    const std::string result(static_cast<const char*>(text), size);
+    std::free(text);
+    return result;
+}
 
 } // namespace
 
@@ -363,6 +386,171 @@ TEST_F(SoDNATest, OldPairsStayUntilTheNextGenerate)
     EXPECT_EQ(parts.bpGroup(0), static_cast<SoSeparator*>(group)); // what is shared survives
     EXPECT_FALSE(boxOf(dna).isEmpty());
 }
+
+TEST_F(SoDNATest, GeneratedAgainItIsAsANewOne)
+{
+    for (std::size_t size : {5, 8, 8, 3, 0, 4}) {
+        const RandomDna data(size, unsigned(size));
+        ASSERT_TRUE(data.give(dna));
+        dna->generate();
+        NodeRef<SoDNA> fresh(new SoDNA);
+        ASSERT_TRUE(data.give(fresh));
+        fresh->generate();
+        EXPECT_EQ(written(dna), written(fresh));
+        EXPECT_EQ(boxOf(dna).getMin(), boxOf(fresh).getMin());
+        EXPECT_EQ(boxOf(dna).getMax(), boxOf(fresh).getMax());
+    }
+}
+
+TEST_F(SoDNATest, GeneratedAgainItMakesNoNodes)
+{
+    ASSERT_TRUE(RandomDna(100, 1).give(dna));
+    const AllocationCount first;
+    dna->generate();
+    EXPECT_GT(first.blocks(), 600u); // three separators and transforms per pair
+    RandomDna next(100, 2);
+    ASSERT_TRUE(next.give(dna));
+    const AllocationCount again;
+    dna->generate();
+    EXPECT_LT(again.blocks(), 20u);
+    next.sequence = std::string(100, 'A');
+    ASSERT_TRUE(next.give(dna));
+    const AllocationCount otherLetters;
+    dna->generate();
+    EXPECT_LT(otherLetters.blocks(), 20u);
+}
+
+TEST_F(SoDNATest, WhatSomebodyHoldsOfFormerPairsIsLeftAlone)
+{
+    ASSERT_TRUE(RandomDna(4, 1).give(dna));
+    dna->generate();
+    NodeRef<SoSeparator> separator(parts.separator(1, 0));
+    NodeRef<SoTransform> transform(parts.transform(2, 1));
+    auto* path = new SoPath(dna);
+    path->ref();
+    path->append(parts.basesGroup);
+    path->append(parts.separator(3, 2));
+    const std::string before = written(separator) + written(transform);
+    ASSERT_TRUE(RandomDna(4, 2).give(dna));
+    dna->generate();
+    EXPECT_EQ(written(separator) + written(transform), before);
+    EXPECT_EQ(separator->getRefCount(), 1);
+    EXPECT_EQ(transform->getRefCount(), 1);
+    EXPECT_EQ(path->getLength(), 2); // the pair that it led to has gone
+    path->unref();
+    NodeRef<SoDNA> fresh(new SoDNA);
+    ASSERT_TRUE(RandomDna(4, 2).give(fresh));
+    fresh->generate();
+    EXPECT_EQ(written(dna), written(fresh));
+}
+
+struct Edit
+{
+    const char* name;
+    std::function<void(const Parts&)> apply;
+};
+
+void PrintTo(const Edit& edit, std::ostream* stream) { *stream << edit.name; }
+
+class EditedDna : public SoDNATest, public testing::WithParamInterface<Edit>
+{
+};
+
+TEST_P(EditedDna, IsAsANewOneWhenGeneratedAgain)
+{
+    ASSERT_TRUE(RandomDna(4, 1).give(dna));
+    dna->generate();
+    GetParam().apply(parts);
+    ASSERT_TRUE(RandomDna(5, 2).give(dna));
+    dna->generate();
+    NodeRef<SoDNA> fresh(new SoDNA);
+    ASSERT_TRUE(RandomDna(5, 2).give(fresh));
+    fresh->generate();
+    EXPECT_EQ(written(dna), written(fresh));
+    // What is not written:
+    for (int pair = 0; pair < 5; ++pair) {
+        for (int frame = 0; frame < 3; ++frame) {
+            SoTransform* const transform = parts.transform(pair, frame);
+            EXPECT_EQ(transform->getRefCount(), 2);
+            for (SoNode* node : {static_cast<SoNode*>(parts.separator(pair, frame)),
+                                 static_cast<SoNode*>(transform)}) {
+                EXPECT_FALSE(node->isOverride());
+                EXPECT_TRUE(node->isNotifyEnabled());
+                EXPECT_EQ(node->getUserData(), nullptr);
+            }
+            EXPECT_TRUE(transform->translation.isNotifyEnabled());
+            EXPECT_TRUE(transform->center.isNotifyEnabled());
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Edits, EditedDna,
+    testing::Values(
+        Edit{"None", [](const Parts&) {}},
+        Edit{"Scale", [](const Parts& p) { p.transform(1, 1)->scaleFactor.setValue(2, 2, 2); }},
+        Edit{"ScaleOrientation",
+             [](const Parts& p) { p.transform(1, 1)->scaleOrientation.setValue(1, 0, 0, 0); }},
+        Edit{"Centre", [](const Parts& p) { p.transform(1, 0)->center.setValue(1, 2, 3); }},
+        Edit{"IgnoredTranslation",
+             [](const Parts& p) { p.transform(1, 2)->translation.setIgnored(TRUE); }},
+        Edit{"IgnoredRotation",
+             [](const Parts& p) { p.transform(1, 2)->rotation.setIgnored(TRUE); }},
+        Edit{"ConnectedTranslation",
+             [](const Parts& p) {
+                 p.transform(1, 2)->translation.connectFrom(&p.transform(2, 1)->translation);
+             }},
+        Edit{"ConnectedRotation",
+             [](const Parts& p) {
+                 p.transform(1, 2)->rotation.connectFrom(&p.transform(2, 1)->rotation);
+             }},
+        Edit{"TranslationThatTellsNobody",
+             [](const Parts& p) { p.transform(0, 0)->translation.enableNotify(FALSE); }},
+        Edit{"CentreThatTellsNobody",
+             [](const Parts& p) { p.transform(0, 0)->center.enableNotify(FALSE); }},
+        Edit{"TransformThatTellsNobody",
+             [](const Parts& p) { p.transform(0, 0)->enableNotify(FALSE); }},
+        Edit{"SeparatorThatTellsNobody",
+             [](const Parts& p) { p.separator(0, 0)->enableNotify(FALSE); }},
+        Edit{"OverridingTransform", [](const Parts& p) { p.transform(3, 1)->setOverride(TRUE); }},
+        Edit{"NamedTransform", [](const Parts& p) { p.transform(3, 1)->setName("third"); }},
+        Edit{"NamedSeparator", [](const Parts& p) { p.separator(3, 0)->setName("third"); }},
+        Edit{"UserData", [](const Parts& p) { p.separator(3, 2)->setUserData(p.bpSwitch); }},
+        Edit{"RenderCaching",
+             [](const Parts& p) { p.separator(2, 0)->renderCaching = SoSeparator::OFF; }},
+        Edit{"BoxCaching",
+             [](const Parts& p) { p.separator(2, 0)->boundingBoxCaching = SoSeparator::OFF; }},
+        Edit{"RenderCulling",
+             [](const Parts& p) { p.separator(2, 1)->renderCulling = SoSeparator::ON; }},
+        Edit{"PickCulling",
+             [](const Parts& p) { p.separator(2, 2)->pickCulling = SoSeparator::OFF; }},
+        Edit{"AnotherChild", [](const Parts& p) { p.separator(2, 1)->addChild(new SoCube); }},
+        Edit{"NoChildren", [](const Parts& p) { p.separator(2, 1)->removeAllChildren(); }},
+        Edit{"AnotherTransform",
+             [](const Parts& p) { p.separator(1, 1)->replaceChild(0, new SoTransform); }},
+        Edit{"SharedTransform",
+             [](const Parts& p) { p.separator(1, 1)->replaceChild(0, p.transform(3, 1)); }},
+        Edit{"TransformElsewhere",
+             [](const Parts& p) {
+                 p.separator(2, 1)->addChild(p.transform(1, 1));
+                 p.separator(1, 1)->replaceChild(0, new SoCube);
+             }},
+        Edit{"SomethingElsePlaced",
+             [](const Parts& p) { p.separator(1, 1)->replaceChild(1, new SoCube); }},
+        Edit{"RemovedSeparator", [](const Parts& p) { p.basesGroup->removeChild(3); }},
+        Edit{"AnotherSeparator",
+             [](const Parts& p) { p.bpSwitch->insertChild(new SoSeparator, 1); }},
+        Edit{"AnotherKindOfSeparator",
+             [](const Parts& p) {
+                 auto* annotation = new SoAnnotation;
+                 annotation->addChild(p.transform(1, 0));
+                 annotation->addChild(p.bpGroup(1));
+                 p.bpSwitch->replaceChild(1, annotation);
+             }},
+        Edit{"TwiceTheSameSeparator",
+             [](const Parts& p) { p.bpSwitch->addChild(p.separator(1, 0)); }},
+        Edit{"NoSeparators", [](const Parts& p) { p.bpSwitch->removeAllChildren(); }}),
+    testing::PrintToStringParamName());
 
 TEST_F(SoDNATest, GenerateNotifiesOnce)
 {
