@@ -98,14 +98,10 @@ public:
         kept.push_back(separator);
     }
 
-    // One that was kept, or a new one; to be unreferenced.
+    // One that was kept, or a new one without children; to be unreferenced.
     SoSeparator* take()
     {
-        if (next < kept.size())
-            return kept[next++];
-        auto* separator = makeReferenced<SoSeparator>();
-        separator->addChild(new SoTransform);
-        return separator;
+        return next < kept.size() ? kept[next++] : makeReferenced<SoSeparator>();
     }
 
 private:
@@ -118,14 +114,17 @@ SoTransform* addPlaced(SoGroup* group, Separators& separators, const Vector& pla
                        const Rotation& rotation, SoNode* placed)
 {
     SoSeparator* const separator = separators.take();
-    auto* transform = static_cast<SoTransform*>(separator->getChild(0));
+    const bool isNew = separator->getNumChildren() == 0;
+    auto* transform = isNew ? new SoTransform : static_cast<SoTransform*>(separator->getChild(0));
     transform->ref();
     transform->translation = toSbVec3f(place);
     transform->rotation = toSbRotation(rotation);
-    if (separator->getNumChildren() == 1)
+    if (isNew) { // before, the separator would be told twice more
+        separator->addChild(transform);
         separator->addChild(placed);
-    else if (separator->getChild(1) != placed)
+    } else if (separator->getChild(1) != placed) {
         separator->replaceChild(1, placed);
+    }
     group->addChild(separator);
     separator->unref();
     return transform;
