@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What a DNA costs per base pair. With arguments it only draws, for the counting of
-// instructions: dna PAIRS FRAMES.
+// What a DNA costs per base pair. With arguments it only builds or draws, for the counting of
+// instructions: dna PAIRS [FRAMES].
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
@@ -24,6 +24,19 @@
 
 namespace {
 
+SoDNA* newDna()
+{
+    auto* dna = new SoDNA;
+    dna->ref();
+    return dna;
+}
+
+void build(const IdealDna& ideal, SoDNA* dna)
+{
+    ideal.give(*dna);
+    dna->generate();
+}
+
 // A DNA under a camera and a light, or its graph alone: Coin's own way through it.
 class Scene
 {
@@ -35,9 +48,7 @@ public:
         auto* camera = new SoOrthographicCamera;
         root->addChild(camera);
         root->addChild(new SoDirectionalLight);
-        dna->ref(); // its graph goes with it
-        IdealDna(irregularSequence(std::size_t(pairs))).give(*dna);
-        dna->generate();
+        build(IdealDna(irregularSequence(std::size_t(pairs))), dna);
         if (traversed) {
             root->addChild(dna->getChild(0));
             root->addChild(dna->getChild(1));
@@ -57,7 +68,7 @@ public:
 private:
     const SbViewportRegion region{200, 200};
     SoSeparator* const root = new SoSeparator;
-    SoDNA* const dna = new SoDNA;
+    SoDNA* const dna = newDna(); // its graph goes with it
     SoOffscreenRenderer renderer{region};
 };
 
@@ -131,28 +142,42 @@ double leastSeconds(bool fresh, const std::function<void(Node*)>& fill)
     return least;
 }
 
-// Returns the seconds of a first build in fresh memory.
-double measureBuilding(Table& table, int pairs, const std::string& name)
+// Compares the instructions of a pair with those at a tenth of the length, and returns them.
+double countBuilding(Table& table, const std::string& program, int pairs, const std::string& name,
+                     double before)
+{
+    const std::string what = "Data given and generated, " + name + " pairs";
+    const double none = countInstructions(program, {"0"});
+    const double all = countInstructions(program, {std::to_string(pairs)});
+    if (none < 0 || all < 0) {
+        table.missing(what, "valgrind cannot run");
+        return 0;
+    }
+    const double each = (all - none) / pairs;
+    if (before > 0)
+        table.compare(what, each, "a tenth of the length", before, "instructions/pair",
+                      Table::Goal::AtMost, 1.1);
+    else
+        table.value(what, each, "instructions/pair");
+    return each;
+}
+
+void measureBuilding(Table& table, int pairs, const std::string& name)
 {
     const IdealDna ideal(irregularSequence(std::size_t(pairs)));
-    auto* dna = new SoDNA;
-    dna->ref();
+    SoDNA* const dna = newDna();
     const std::size_t before = mallinfo2().uordblks;
-    ideal.give(*dna);
-    dna->generate();
+    build(ideal, dna);
     const double bytes = double(mallinfo2().uordblks - before);
     table.limit("Memory, " + name + " pairs", bytes / pairs, "bytes/pair", 5000);
     const double again = medianSeconds({[&] { dna->generate(); }})[0];
     table.limit("Generated again, " + name + " pairs", again / pairs * 1e9, "ns/pair", 8000);
 
-    const auto build = [&](SoDNA* built) {
-        ideal.give(*built);
-        built->generate();
-    };
+    const auto fill = [&](SoDNA* empty) { build(ideal, empty); };
     auto* placed = new SoSeparator;
     placed->ref();
-    const double kept = leastSeconds<SoDNA>(false, build);
-    const double first = leastSeconds<SoDNA>(true, build);
+    const double kept = leastSeconds<SoDNA>(false, fill);
+    const double first = leastSeconds<SoDNA>(true, fill);
     const double nodes =
         leastSeconds<SoGroup>(true, [&](SoGroup* group) { addNodes(group, pairs, placed); });
     placed->unref();
@@ -162,7 +187,6 @@ double measureBuilding(Table& table, int pairs, const std::string& name)
     table.limit(what + ", in fresh memory", first / pairs * 1e9, "ns/pair", 8000);
     table.compare(what + ", in fresh memory", first / pairs * 1e9, "Coin's nodes alone",
                   nodes / pairs * 1e9, "ns/pair", Table::Goal::None, 0);
-    return first;
 }
 
 } // namespace
@@ -177,6 +201,10 @@ int main(int count, char** arguments)
     OffscreenContext::install();
     SoNucleobase::initClass();
     SoDNA::initClass();
+    if (count == 2) {
+        build(IdealDna(irregularSequence(std::size_t(std::atoi(arguments[1])))), newDna());
+        return 0;
+    }
     if (count == 3) {
         Scene scene(std::atoi(arguments[1]), false);
         bool drawn = true;
@@ -203,14 +231,9 @@ int main(int count, char** arguments)
     const std::vector<std::pair<int, std::string>> lengths{
         {100, "10²"}, {1000, "10³"}, {10000, "10⁴"}, {100000, "10⁵"}};
     double before = 0;
-    std::string nameBefore;
     for (const auto& [pairs, name] : lengths) {
-        const double building = measureBuilding(table, pairs, name);
-        if (before > 0)
-            table.compare("Time of " + name + " pairs", building * 1e3, nameBefore + " pairs",
-                          before * 1e3, "ms", Table::Goal::AtMost, 11);
-        before = building;
-        nameBefore = name;
+        before = countBuilding(table, arguments[0], pairs, name, before);
+        measureBuilding(table, pairs, name);
     }
     table.print();
 }
