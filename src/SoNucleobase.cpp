@@ -6,6 +6,8 @@
 #include <cstring>
 #include <limits>
 
+#include <Inventor/actions/SoGLRenderAction.h>
+#include <Inventor/misc/SoState.h>
 #include <Inventor/nodes/SoComplexity.h>
 #include <Inventor/nodes/SoCube.h>
 #include <Inventor/nodes/SoMaterial.h>
@@ -13,6 +15,7 @@
 #include <Inventor/nodes/SoSwitch.h>
 #include <Inventor/nodes/SoTranslation.h>
 
+#include <detail/GlyphDrawing.h>
 #include <detail/overallColour.h>
 #include <global.h>
 #include <idealbases.h>
@@ -274,4 +277,23 @@ void SoNucleobase::getAllBasesBB(double& xMin, double& xMax, double& yMin, doubl
         extend(index, 0, xMin, xMax);
         extend(index, 1, yMin, yMax);
     }
+}
+
+// Drawing
+
+void SoNucleobase::GLRenderBelowPath(SoGLRenderAction* action)
+{
+    SoState* const state = action->getState();
+    state->push();
+    // A list being recorded is for other views, too.
+    const bool outOfView = !state->isCacheOpen() && cullTest(state);
+    state->pop();
+    if (outOfView)
+        return;
+    if (!drawing)
+        drawing = std::make_unique<GlyphDrawing>();
+    const auto drawHere = [this] { drawing->drawGlyph(0, SbMatrix::identity()); };
+    if (!GlyphDrawing::canDraw(state) || !drawing->update({this}) ||
+        !drawing->draw(action, drawHere))
+        SoSeparator::GLRenderBelowPath(action);
 }

@@ -2,6 +2,8 @@
 #ifndef STRANDVIEW_SONUCLEOBASE_H
 #define STRANDVIEW_SONUCLEOBASE_H
 
+#include <memory>
+
 #include <Inventor/lists/SoNodeList.h>
 #include <Inventor/nodes/SoSeparator.h>
 #include <Inventor/nodes/SoSubNode.h>
@@ -9,6 +11,7 @@
 #include <StrandviewExport.h>
 #include <algebra3d/Vector3.h>
 
+class GlyphDrawing;
 class SoComplexity;
 class SoCube;
 class SoMaterial;
@@ -95,6 +98,10 @@ public:
     static const double COLOUR_BASES_DEF[4][3];
     static const double BASE_HEIGHT_DEF;
 
+    /// Draws the base from buffers where its parts and the state allow it, and traverses them
+    /// elsewhere; see docs/architecture.md.
+    void GLRenderBelowPath(SoGLRenderAction* action) override;
+
 protected:
     ~SoNucleobase() override;
 
@@ -118,6 +125,7 @@ private:
     SoSphere* atomSpheres[3] = {};
     SoSwitch* atomSwitch = nullptr;
     SoNodeList unplacedGroups; // referenced here: adenine has no oxygen, but can be asked
+    std::unique_ptr<GlyphDrawing> drawing; // from the first time it is drawn alone
 };
 
 #endif

@@ -1,25 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// A DNA that draws from buffers looks like its graph traversed. The graph's two groups under
-// a plain separator are what it is compared with.
 #include <SoDNA.h>
 
 #include <algorithm>
 #include <cmath>
 #include <functional>
 #include <limits>
-#include <memory>
 #include <ostream>
 
-#include <GL/gl.h>
-#include <Inventor/SoOffscreenRenderer.h>
 #include <Inventor/nodes/SoComplexity.h>
 #include <Inventor/nodes/SoCube.h>
-#include <Inventor/nodes/SoDirectionalLight.h>
 #include <Inventor/nodes/SoDrawStyle.h>
-#include <Inventor/nodes/SoLightModel.h>
 #include <Inventor/nodes/SoMaterial.h>
 #include <Inventor/nodes/SoMaterialBinding.h>
-#include <Inventor/nodes/SoPerspectiveCamera.h>
 #include <Inventor/nodes/SoRotationXYZ.h>
 #include <Inventor/nodes/SoScale.h>
 #include <Inventor/nodes/SoSwitch.h>
@@ -27,90 +19,14 @@
 #include <Inventor/nodes/SoTransform.h>
 #include <Inventor/nodes/SoTranslation.h>
 #include <SoGeneralScene.h>
-#include <dlfcn.h>
 
-#include "support/CoinEnvironment.h"
+#include "support/DrawingComparison.h"
 #include "support/IdealDna.h"
 #include "support/graph.h"
 
 using Vector = algebra3d::Vector3<double>;
 
-// The program's own glDrawArrays and glDrawElements, which count: Coin draws in immediate
-// mode.
-
-namespace {
-int drawCount = 0;
-}
-
-#define REAL(function) reinterpret_cast<decltype(&function)>(dlsym(RTLD_NEXT, #function))
-
-extern "C" __attribute__((visibility("default"))) void glDrawArrays(GLenum mode, GLint first,
-                                                                    GLsizei count)
-{
-    static const auto real = REAL(glDrawArrays);
-    ++drawCount;
-    real(mode, first, count);
-}
-
-extern "C" __attribute__((visibility("default"))) void
-glDrawElements(GLenum mode, GLsizei count, GLenum type, const void* indices)
-{
-    static const auto real = REAL(glDrawElements);
-    ++drawCount;
-    real(mode, count, type, indices);
-}
-
-namespace {
-
-const int SIZE = 200;
-
-struct Difference
-{
-    int pixels = 0; // that differ at all
-    int largest = 0;
-    int strong = 0;  // that differ by more than one level of 255
-    int covered = 0; // that are not background
-};
-
-std::ostream& operator<<(std::ostream& stream, const Difference& difference)
-{
-    return stream << difference.pixels << " of " << difference.covered << " pixels, "
-                  << difference.strong << " by more than one level, at most by "
-                  << difference.largest;
-}
-
-using Bytes = std::vector<unsigned char>;
-
-Bytes render(SoOffscreenRenderer& renderer, SoNode* scene)
-{
-    renderer.setBackgroundColor(SbColor(0, 0, 0));
-    if (!renderer.render(scene))
-        return {};
-    return Bytes(renderer.getBuffer(), renderer.getBuffer() + 3 * SIZE * SIZE);
-}
-
-Difference compare(const Bytes& a, const Bytes& b)
-{
-    Difference result;
-    EXPECT_EQ(a.size(), std::size_t(3 * SIZE * SIZE));
-    EXPECT_EQ(b.size(), a.size());
-    for (std::size_t i = 0; i + 2 < std::min(a.size(), b.size()); i += 3) {
-        int largest = 0, brightest = 0;
-        for (std::size_t k = i; k < i + 3; ++k) {
-            largest = std::max(largest, std::abs(int(a[k]) - int(b[k])));
-            brightest = std::max({brightest, int(a[k]), int(b[k])});
-        }
-        result.pixels += largest > 0;
-        result.strong += largest > 1;
-        result.covered += brightest > 0;
-        result.largest = std::max(result.largest, largest);
-    }
-    return result;
-}
-
-} // namespace
-
-class DnaDrawingTest : public CoinTest
+class DnaDrawingTest : public DrawingComparison
 {
 protected:
     static void SetUpTestSuite()
@@ -120,48 +36,17 @@ protected:
             SoGeneralScene::initClass();
     }
 
-    NodeRef<SoSeparator> scene{new SoSeparator};
-    SoPerspectiveCamera* camera = new SoPerspectiveCamera;
-    SoGroup* settings = new SoGroup;      // for what a test puts before the DNA
-    SoSeparator* place = new SoSeparator; // of the DNA, or of its groups
     NodeRef<SoDNA> dna{new SoDNA};
-    NodeRef<SoSeparator> plain{new SoSeparator};
-    std::unique_ptr<SoOffscreenRenderer> renderer =
-        std::make_unique<SoOffscreenRenderer>(SbViewportRegion(SIZE, SIZE));
 
     void SetUp() override
     {
-        // Lists divide quadrilaterals otherwise than immediate mode: where boxes are coplanar,
-        // Coin's traversal differs from itself once it has made some.
-        SoSeparator::setNumRenderCaches(0);
         camera->position = SbVec3f(30, 20, 40);
         camera->pointAt(SbVec3f(0, 0, 12), SbVec3f(0, 0, 1));
-        camera->nearDistance = 10;
-        camera->farDistance = 100;
-        scene->renderCaching = SoSeparator::OFF;
-        scene->addChild(camera);
-        auto* light = new SoDirectionalLight;
-        light->direction = SbVec3f(-0.3f, -0.5f, -0.8f);
-        scene->addChild(light);
-        scene->addChild(settings);
-        scene->addChild(place);
-        place->addChild(dna);
         ASSERT_TRUE(IdealDna("ATGCCATG").give(*dna));
         dna->generate();
-        plain->addChild(dna->getChild(0));
-        plain->addChild(dna->getChild(1));
+        compareDrawing(dna);
     }
 
-    void TearDown() override { SoSeparator::setNumRenderCaches(initialCaches); }
-
-    const int initialCaches = SoSeparator::getNumRenderCaches();
-
-    void setUnlit()
-    {
-        auto* model = new SoLightModel;
-        model->model = SoLightModel::BASE_COLOR;
-        settings->addChild(model);
-    }
     void lookFrom(int side)
     {
         const float angle = 0.7f * float(side);
@@ -169,38 +54,13 @@ protected:
             SbVec3f(30 * std::cos(angle), 30 * std::sin(angle), 2 * float(side) - 10);
         camera->pointAt(SbVec3f(0, 0, 12), SbVec3f(0, 0, 1));
     }
-    SoGroup* group(int which) { return static_cast<SoGroup*>(dna->getChild(which)); }
-    SoGroup* pair(int which, int i) { return static_cast<SoGroup*>(group(which)->getChild(i)); }
-    SoTransform* transform(int which, int i)
+    SoGroup* pair(int which, int i)
     {
-        return static_cast<SoTransform*>(pair(which, i)->getChild(0));
+        return static_cast<SoGroup*>(static_cast<SoGroup*>(dna->getChild(which))->getChild(i));
     }
-    SoGroup* bpGroup() { return static_cast<SoGroup*>(pair(0, 0)->getChild(1)); }
-    SoCube* cube() { return static_cast<SoCube*>(bpGroup()->getChild(2)); }
-
-    Bytes draw()
+    SoCube* cube()
     {
-        place->replaceChild(0, static_cast<SoNode*>(dna));
-        return render(*renderer, scene);
-    }
-    Bytes traverse()
-    {
-        place->replaceChild(0, static_cast<SoNode*>(plain));
-        drawCount = 0;
-        Bytes picture = render(*renderer, scene);
-        EXPECT_EQ(drawCount, 0);
-        return picture;
-    }
-
-    // Both pictures are the same, and the DNA drew from its buffers, or did not.
-    void expectSame(bool fromBuffers = true)
-    {
-        drawCount = 0;
-        const Bytes drawn = draw();
-        EXPECT_EQ(drawCount > 0, fromBuffers);
-        const Difference difference = compare(drawn, traverse());
-        EXPECT_EQ(difference.pixels, 0) << difference;
-        EXPECT_GT(difference.covered, 500);
+        return static_cast<SoCube*>(static_cast<SoGroup*>(pair(0, 0)->getChild(1))->getChild(2));
     }
 };
 
@@ -237,12 +97,10 @@ TEST_F(DnaDrawingTest, UnderTheProgramsOfTheSceneBoxesAreThoseTraversed)
     auto* shaded = new SoGeneralScene;
     root->addChild(shaded);
     shaded->addShaded(place);
-    place->replaceChild(0, static_cast<SoNode*>(dna));
     drawCount = 0;
-    const Bytes drawn = render(*renderer, root);
+    const Bytes drawn = draw(root);
     EXPECT_GT(drawCount, 0);
-    place->replaceChild(0, static_cast<SoNode*>(plain));
-    const Difference difference = compare(drawn, render(*renderer, root));
+    const Difference difference = compare(drawn, traverse(root));
     EXPECT_EQ(difference.pixels, 0) << difference;
     EXPECT_GT(difference.covered, 500);
 }
@@ -285,20 +143,15 @@ TEST_F(DnaDrawingTest, AtomsAreThoseTraversedButForAFewPixels)
 
 TEST_F(DnaDrawingTest, EachBoxAndTheSpheresOfEachBaseAreOneDraw)
 {
-    const auto draws = [this] {
-        drawCount = 0;
-        draw();
-        return drawCount;
-    };
-    EXPECT_EQ(draws(), 8 + 16);
+    EXPECT_EQ(countDraws(), 8 + 16);
     dna->showBaseBoxes(true);
-    EXPECT_EQ(draws(), 8 + 16 + 16);
+    EXPECT_EQ(countDraws(), 8 + 16 + 16);
     dna->showAtoms(false);
-    EXPECT_EQ(draws(), 8 + 16);
+    EXPECT_EQ(countDraws(), 8 + 16);
     dna->showBasePairBoxes(false);
-    EXPECT_EQ(draws(), 16);
+    EXPECT_EQ(countDraws(), 16);
     dna->showBaseBoxes(false);
-    EXPECT_EQ(draws(), 0);
+    EXPECT_EQ(countDraws(), 0);
 }
 
 TEST_F(DnaDrawingTest, OutOfViewNothingIsDrawn)
@@ -329,9 +182,7 @@ TEST_P(DnaDrawingFallback, IsTraversed)
     settings->addChild(GetParam().make());
     expectSame(false);
     settings->removeAllChildren();
-    drawCount = 0;
-    draw();
-    EXPECT_GT(drawCount, 0);
+    EXPECT_GT(countDraws(), 0);
 }
 
 namespace {
@@ -384,7 +235,7 @@ struct Change
 {
     const char* name;
     std::function<void(SoDNA*)> apply;
-    bool drawnFromBuffers = true;
+    int draws = 40; // 8 pair boxes, 16 bases with atoms and box; without the boxes, bases alone
 };
 
 void PrintTo(const Change& change, std::ostream* stream) { *stream << change.name; }
@@ -403,7 +254,7 @@ TEST_P(DnaDrawingChange, ShowsInTheNextPicture)
     GetParam().apply(dna);
     drawCount = 0;
     const Bytes drawn = draw();
-    EXPECT_EQ(drawCount > 0, GetParam().drawnFromBuffers);
+    EXPECT_EQ(drawCount, GetParam().draws);
     EXPECT_GT(compare(first, drawn).strong, 20);
     const Difference difference = compare(drawn, traverse());
     EXPECT_LE(difference.pixels, 2) << difference; // as for atoms, unlit
@@ -441,24 +292,27 @@ INSTANTIATE_TEST_SUITE_P(
         Change{"AtomComplexity", [](SoDNA* dna) { dna->setAtomComplexity(0); }},
         Change{"NoComplexity",
                [](SoDNA* dna) { dna->setAtomComplexity(std::numeric_limits<double>::quiet_NaN()); },
-               false},
+               0},
         Change{"NoPairBoxes",
                [](SoDNA* dna) {
                    dna->showBaseBoxes(false);
                    dna->showBasePairBoxes(false);
-               }},
-        Change{"NoBaseBoxes", [](SoDNA* dna) { dna->showBaseBoxes(false); }},
+               },
+               16},
+        Change{"NoBaseBoxes", [](SoDNA* dna) { dna->showBaseBoxes(false); }, 24},
         Change{"SmallerPyrimidines",
                [](SoDNA* dna) {
                    dna->showBasePairBoxes(false);
                    dna->setSmallerPyr(true);
-               }},
+               },
+               32},
         Change{"BaseColour", [](SoDNA* dna) { dna->setBaseColour('G', Vector(0, 1, 1)); }},
         Change{"PairColour",
                [](SoDNA* dna) {
                    dna->showBaseBoxes(false);
                    dna->setBasepairColour(Vector(0, 1, 1));
-               }},
+               },
+               24},
         Change{"BoxHeight", [](SoDNA* dna) { dna->setBoxHeight(0.3); }},
         Change{"ATransform",
                [](SoDNA* dna) { transformOf(dna, 1, 5)->translation = SbVec3f(9, 0, 9); }},
@@ -472,8 +326,9 @@ INSTANTIATE_TEST_SUITE_P(
                [](SoDNA* dna) {
                    IdealDna("GG").give(*dna);
                    dna->generate();
-               }},
-        Change{"ARemovedBase", [](SoDNA* dna) { childGroup(dna, 1)->removeChild(4); }},
+               },
+               10},
+        Change{"ARemovedBase", [](SoDNA* dna) { childGroup(dna, 1)->removeChild(4); }, 38},
         Change{"TranslatedBase",
                [](SoDNA* dna) {
                    static_cast<SoGroup*>(firstBase(dna))->insertChild(makeTranslation(), 0);
@@ -484,14 +339,14 @@ INSTANTIATE_TEST_SUITE_P(
                    rotation->angle = 1;
                    static_cast<SoGroup*>(firstBase(dna))->insertChild(rotation, 0);
                },
-               false},
+               28},
         Change{"AScaleInAPair",
                [](SoDNA* dna) {
                    auto* scale = new SoScale;
                    scale->scaleFactor = SbVec3f(2, 2, 2);
                    childGroup(childGroup(dna, 1), 0)->insertChild(scale, 1);
                },
-               false},
+               32},
         Change{
             "ATransparentBase",
             [](SoDNA* dna) {
@@ -499,29 +354,28 @@ INSTANTIATE_TEST_SUITE_P(
                 static_cast<SoMaterial*>(childGroup(firstBase(dna), 1)->getChild(0))->transparency =
                     0.5f;
             },
-            false},
+            28},
         Change{"OneAtomOnly",
                [](SoDNA* dna) {
                    auto* atoms = static_cast<SoSwitch*>(childGroup(firstBase(dna), 0));
                    atoms->whichChild = 0;
                },
-               false}),
+               28}),
     testing::PrintToStringParamName());
 
 TEST_F(DnaDrawingTest, IsDrawnFromBuffersAgainOnceTheGraphIsUnderstoodAgain)
 {
-    draw();
+    dna->showAtoms(false);
+    EXPECT_EQ(countDraws(), 8);
     NodeRef<SoCube> extra(new SoCube);
     pair(1, 2)->addChild(extra);
-    drawCount = 0;
-    draw();
-    EXPECT_EQ(drawCount, 0);
+    EXPECT_EQ(countDraws(), 0);
     pair(1, 2)->removeChild(extra);
-    draw();
-    EXPECT_EQ(drawCount, 24);
+    EXPECT_EQ(countDraws(), 8);
     dna->addChild(extra);
-    draw();
-    EXPECT_EQ(drawCount, 24);
+    EXPECT_EQ(countDraws(), 0);
+    dna->showAtoms(true); // the bases are drawn from their own
+    EXPECT_EQ(countDraws(), 16);
 }
 
 // Caches and contexts
@@ -537,8 +391,8 @@ TEST_F(DnaDrawingTest, IsSeenInACacheThatRecords)
         if (frame == 2)
             dna->setBasepairColour(Vector(0, 1, 1));
         drawCount = 0;
-        const Bytes next = render(*renderer, scene); // from the list, once there is one
-        EXPECT_TRUE(frame != 0 || drawCount == 0);   // recorded by traversal
+        const Bytes next = renderBytes(*renderer, scene); // from the list, once there is one
+        EXPECT_TRUE(frame != 0 || drawCount == 0);        // recorded by traversal
         const Difference difference = compare(first, next);
         EXPECT_EQ(difference.pixels > 0, frame == 2) << frame << ": " << difference;
         first = next;
@@ -563,7 +417,7 @@ TEST_F(DnaDrawingTest, WhatCoinKeptOfFormerPairsIsNotDrawn)
     ASSERT_TRUE(bent.give(*fresh));
     fresh->generate();
     place->replaceChild(0, static_cast<SoNode*>(fresh));
-    EXPECT_EQ(compare(again, render(*renderer, scene)).pixels, 0);
+    EXPECT_EQ(compare(again, renderBytes(*renderer, scene)).pixels, 0);
 }
 
 TEST_F(DnaDrawingTest, FollowingShapesHaveTheirOwnColours)
@@ -590,17 +444,17 @@ TEST_F(DnaDrawingTest, EachContextHasItsBuffersAndANewOneAfterItsLoss)
     const Bytes expected = draw();
     auto other = std::make_unique<SoOffscreenRenderer>(SbViewportRegion(SIZE, SIZE));
     for (int i = 0; i < 3; ++i) {
-        EXPECT_EQ(compare(expected, render(*other, scene)).pixels, 0);
-        EXPECT_EQ(compare(expected, render(*renderer, scene)).pixels, 0);
+        EXPECT_EQ(compare(expected, renderBytes(*other, scene)).pixels, 0);
+        EXPECT_EQ(compare(expected, renderBytes(*renderer, scene)).pixels, 0);
         if (i == 0)
             renderer.reset(new SoOffscreenRenderer(SbViewportRegion(SIZE, SIZE)));
         if (i == 1)
             other = std::make_unique<SoOffscreenRenderer>(SbViewportRegion(SIZE, SIZE));
     }
     dna->setBasepairColour(Vector(1, 0, 1));
-    const Bytes changed = render(*renderer, scene);
+    const Bytes changed = renderBytes(*renderer, scene);
     EXPECT_GT(compare(expected, changed).pixels, 100);
-    EXPECT_EQ(compare(changed, render(*other, scene)).pixels, 0);
+    EXPECT_EQ(compare(changed, renderBytes(*other, scene)).pixels, 0);
 }
 
 TEST_F(DnaDrawingTest, ADnaThatGoesLeavesTheOthersPictureAlone)

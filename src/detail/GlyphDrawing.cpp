@@ -1,0 +1,370 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <detail/GlyphDrawing.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+
+#include <Inventor/actions/SoGLRenderAction.h>
+#include <Inventor/bundles/SoMaterialBundle.h>
+#include <Inventor/elements/SoDrawStyleElement.h>
+#include <Inventor/elements/SoGLCacheContextElement.h>
+#include <Inventor/elements/SoGLLazyElement.h>
+#include <Inventor/elements/SoMaterialBindingElement.h>
+#include <Inventor/elements/SoMultiTextureEnabledElement.h>
+#include <Inventor/elements/SoOverrideElement.h>
+#include <Inventor/elements/SoShapeStyleElement.h>
+#include <Inventor/misc/SoState.h>
+#include <Inventor/nodes/SoComplexity.h>
+#include <Inventor/nodes/SoCube.h>
+#include <Inventor/nodes/SoMaterial.h>
+#include <Inventor/nodes/SoSeparator.h>
+#include <Inventor/nodes/SoSphere.h>
+#include <Inventor/nodes/SoSwitch.h>
+#include <Inventor/nodes/SoTranslation.h>
+
+#include <SoNucleobase.h>
+#include <detail/exactly.h>
+
+namespace {
+
+SoGroup* asSeparator(SoNode* node)
+{
+    SoGroup* const base = exactly<SoNucleobase>(node);
+    return base ? base : exactly<SoSeparator>(node);
+}
+
+// Whether a switch shows all or nothing: the two that are drawn here.
+bool isAllOrNothing(const SoSwitch* node)
+{
+    const int which = node->whichChild.getValue();
+    return which == SO_SWITCH_ALL || which == SO_SWITCH_NONE;
+}
+
+template <typename Field>
+bool isSingle(const Field& field)
+{
+    return field.getNum() == 1 && !field.isIgnored();
+}
+
+bool isPlain(const SoMaterial* material)
+{
+    return !material->isOverride() && isSingle(material->ambientColor) &&
+           isSingle(material->diffuseColor) && isSingle(material->specularColor) &&
+           isSingle(material->emissiveColor) && isSingle(material->shininess) &&
+           isSingle(material->transparency) && material->transparency[0] == 0 &&
+           material->ambientColor[0] == material->diffuseColor[0];
+}
+
+// Whether two plain materials differ in their colour only.
+bool areAlike(const SoMaterial* a, const SoMaterial* b)
+{
+    return a->specularColor[0] == b->specularColor[0] &&
+           a->emissiveColor[0] == b->emissiveColor[0] && a->shininess[0] == b->shininess[0];
+}
+
+// Whether shapes are drawn as they are: filled, opaque, without textures and overrides.
+bool isPlain(SoState* state)
+{
+    const unsigned int special =
+        SoShapeStyleElement::TEXENABLED | SoShapeStyleElement::TEX3ENABLED |
+        SoShapeStyleElement::BBOXCMPLX | SoShapeStyleElement::INVISIBLE |
+        SoShapeStyleElement::BIGIMAGE | SoShapeStyleElement::BUMPMAP |
+        SoShapeStyleElement::TRANSP_TEXTURE | SoShapeStyleElement::TRANSP_MATERIAL |
+        SoShapeStyleElement::TRANSP_SORTED_TRIANGLES | SoShapeStyleElement::SHADOWMAP;
+    int lastUnit = -1;
+    return (SoShapeStyleElement::get(state)->getFlags() & special) == 0 &&
+           SoOverrideElement::getFlags(state) == 0 &&
+           SoDrawStyleElement::get(state) == SoDrawStyleElement::FILLED &&
+           SoMaterialBindingElement::get(state) == SoMaterialBindingElement::OVERALL &&
+           !SoMultiTextureEnabledElement::getEnabledUnits(state, lastUnit);
+}
+
+// One matrix for what is placed, one for a box within it.
+bool hasRoomForMatrices()
+{
+    GLint depth = 0, room = 0;
+    glGetIntegerv(GL_MODELVIEW_STACK_DEPTH, &depth);
+    glGetIntegerv(GL_MAX_MODELVIEW_STACK_DEPTH, &room);
+    return depth + 2 <= room;
+}
+
+} // namespace
+
+// Walks over what is placed, as a traversal would, and collects its triangles.
+struct GlyphDrawing::Compiler
+{
+    std::vector<Vertex>& vertices;
+    std::vector<std::uint32_t>& indices;
+    SoMaterial*& common;
+    std::vector<Batch> batches;
+
+    // The part of a traversal's state that counts here; copied by separators.
+    struct State
+    {
+        SbVec3f place = SbVec3f(0, 0, 0);
+        const SoMaterial* material = nullptr;
+        const SoComplexity* complexity = nullptr;
+    };
+
+    // Whether everything was understood.
+    bool compile(SoNode* node, State& state)
+    {
+        if (const SoGroup* separator = asSeparator(node)) {
+            State inner = state;
+            return compileChildren(separator, inner);
+        }
+        if (const auto* group = exactly<SoSwitch>(node)) {
+            if (!isAllOrNothing(group))
+                return false;
+            return group->whichChild.getValue() == SO_SWITCH_NONE || compileChildren(group, state);
+        }
+        if (const auto* translation = exactly<SoTranslation>(node)) {
+            state.place += translation->translation.getValue();
+            return !translation->translation.isIgnored();
+        }
+        if (auto* material = exactly<SoMaterial>(node)) {
+            state.material = material;
+            if (!common)
+                common = material;
+            return isPlain(material) && isPlain(common) && areAlike(material, common);
+        }
+        if (const auto* complexity = exactly<SoComplexity>(node)) {
+            state.complexity = complexity;
+            return !complexity->isOverride() && !complexity->type.isIgnored() &&
+                   !complexity->value.isIgnored() &&
+                   complexity->type.getValue() == SoComplexity::OBJECT_SPACE &&
+                   !std::isnan(complexity->value.getValue());
+        }
+        if (!state.material)
+            return false;
+        if (const auto* sphere = exactly<SoSphere>(node)) {
+            if (!state.complexity)
+                return false;
+            addSphere(state, sphere->radius.getValue());
+            return true;
+        }
+        if (const auto* cube = exactly<SoCube>(node)) {
+            addBox(state, cube);
+            return true;
+        }
+        return false;
+    }
+
+    bool compileChildren(const SoGroup* group, State& state)
+    {
+        for (int i = 0; i < group->getNumChildren(); ++i) {
+            if (!compile(group->getChild(i), state))
+                return false;
+        }
+        return true;
+    }
+
+    void addVertex(const State& state, const SbVec3f& point, const SbVec3f& normal)
+    {
+        const std::uint32_t colour = state.material->diffuseColor[0].getPackedValue();
+        vertices.push_back({point,
+                            normal,
+                            {std::uint8_t(colour >> 24), std::uint8_t(colour >> 16),
+                             std::uint8_t(colour >> 8), std::uint8_t(colour)}});
+    }
+
+    // The rows of points between two poles that Coin draws for a sphere, with the same
+    // diagonals: the light is interpolated along them.
+    void addSphere(const State& state, float radius)
+    {
+        const float complexity = std::clamp(state.complexity->value.getValue(), 0.0f, 1.0f);
+        const int rows = std::max(int(30.0f * complexity), 3);
+        const int slices = std::clamp(int(30.0f * complexity), 4, 128);
+        const float rowAngle = float(M_PI) / float(rows - 1);
+        const float sliceAngle = 2.0f * float(M_PI) / float(slices);
+        const auto first = std::uint32_t(vertices.size());
+        const auto width = std::uint32_t(slices) + 1;
+        const auto add = [&](const SbVec3f& normal) {
+            addVertex(state, normal * radius + state.place, normal);
+        };
+
+        add(SbVec3f(0, 1, 0));
+        add(SbVec3f(0, -1, 0));
+        float rowPlace = rowAngle;
+        for (int row = 1; row < rows - 1; ++row, rowPlace += rowAngle) {
+            const float y = std::cos(rowPlace), distance = -std::sin(rowPlace);
+            float slicePlace = 0;
+            for (int slice = 0; slice <= slices; ++slice, slicePlace += sliceAngle)
+                add(slice == 0 && row == 1 ? SbVec3f(0, y, distance)
+                                           : SbVec3f(std::sin(slicePlace) * distance, y,
+                                                     std::cos(slicePlace) * distance));
+        }
+
+        if (batches.empty() || batches.back().quads)
+            batches.push_back({SbVec3f(0, 0, 0), false, std::int32_t(indices.size()), 0});
+        const std::uint32_t rowStart = first + 2;
+        const std::uint32_t lastRow = rowStart + width * std::uint32_t(rows - 3);
+        for (std::uint32_t i = 0; i + 1 < width; ++i)
+            indices.insert(indices.end(), {first, rowStart + i, rowStart + i + 1});
+        for (std::uint32_t row = rowStart; row < lastRow; row += width) {
+            for (std::uint32_t i = row; i + 1 < row + width; ++i) {
+                const std::uint32_t below = i + width;
+                indices.insert(indices.end(), {i + 1, i, below + 1, i, below, below + 1});
+            }
+        }
+        for (std::uint32_t i = lastRow; i + 1 < lastRow + width; ++i)
+            indices.insert(indices.end(), {i, first + 1, i + 1});
+        batches.back().count = std::int32_t(indices.size()) - batches.back().first;
+    }
+
+    // The corners in Coin's order; bits 0, 1 and 2 of a corner are negative x, y and z.
+    void addBox(const State& state, const SoCube* cube)
+    {
+        static const int faces[6][4] = {{0, 1, 3, 2}, {5, 4, 6, 7}, {1, 5, 7, 3},
+                                        {4, 0, 2, 6}, {4, 5, 1, 0}, {2, 3, 7, 6}};
+        static const SbVec3f normals[6] = {{0, 0, 1}, {0, 0, -1}, {-1, 0, 0},
+                                           {1, 0, 0}, {0, 1, 0},  {0, -1, 0}};
+        const SbVec3f half(cube->width.getValue() * 0.5f, cube->height.getValue() * 0.5f,
+                           cube->depth.getValue() * 0.5f);
+        batches.push_back({state.place, true, std::int32_t(vertices.size()), 24});
+        for (int face = 0; face < 6; ++face) {
+            for (int corner : faces[face])
+                addVertex(state,
+                          SbVec3f(corner & 1 ? -half[0] : half[0], corner & 2 ? -half[1] : half[1],
+                                  corner & 4 ? -half[2] : half[2]),
+                          normals[face]);
+        }
+    }
+};
+
+GlyphDrawing::GlyphDrawing() = default;
+
+GlyphDrawing::~GlyphDrawing() { setMaterial(nullptr); }
+
+// Kept beyond its removal, which is not noticed while notification is off.
+void GlyphDrawing::setMaterial(SoMaterial* newMaterial)
+{
+    if (newMaterial)
+        newMaterial->ref();
+    if (material)
+        material->unref();
+    material = newMaterial;
+}
+
+bool GlyphDrawing::update(const std::vector<SoNode*>& nodes)
+{
+    const bool unchanged =
+        std::equal(glyphs.begin(), glyphs.end(), nodes.begin(), nodes.end(),
+                   [](const Glyph& glyph, const SoNode* node) {
+                       return glyph.node == node && glyph.id == node->getNodeId();
+                   });
+    if (!unchanged)
+        understood = compile(nodes);
+    return understood;
+}
+
+bool GlyphDrawing::compile(const std::vector<SoNode*>& nodes)
+{
+    ++version;
+    glyphs.clear();
+    vertices.clear();
+    indices.clear();
+    SoMaterial* common = nullptr;
+    bool all = true;
+    for (SoNode* node : nodes) {
+        Compiler compiler{vertices, indices, common, {}};
+        Compiler::State state;
+        all = all && asSeparator(node) && compiler.compile(node, state);
+        glyphs.push_back({node, node->getNodeId(), std::move(compiler.batches)});
+    }
+    setMaterial(all ? common : nullptr);
+    return all;
+}
+
+// Drawing
+
+bool GlyphDrawing::canDraw(SoState* state)
+{
+    // A list being recorded would hold the triangles of all of them; those of the graph's own
+    // nodes it can refer to.
+    return !state->isCacheOpen() && isPlain(state);
+}
+
+bool GlyphDrawing::draw(SoGLRenderAction* action, const std::function<void()>& drawAll)
+{
+    SoState* const state = action->getState();
+    if (!hasRoomForMatrices() || !bindBuffers(action->getCacheContext()))
+        return false;
+    SoGLCacheContextElement::shouldAutoCache(state, SoGLCacheContextElement::DONT_AUTO_CACHE);
+    if (!material)
+        return true;
+
+    state->push();
+    material->GLRender(action);
+    SoMaterialBundle bundle(action);
+    bundle.sendFirst();
+    const bool lit = !bundle.isColorOnly();
+    // All but the colour is the same for all of them; Coin lets it be the diffuse one only.
+    if (lit)
+        glColorMaterial(GL_FRONT_AND_BACK, GL_AMBIENT_AND_DIFFUSE);
+
+    glEnableClientState(GL_VERTEX_ARRAY);
+    glEnableClientState(GL_COLOR_ARRAY);
+    glVertexPointer(3, GL_FLOAT, sizeof(Vertex), GLBuffer::offset(offsetof(Vertex, point)));
+    glColorPointer(4, GL_UNSIGNED_BYTE, sizeof(Vertex), GLBuffer::offset(offsetof(Vertex, colour)));
+    if (lit) {
+        glEnableClientState(GL_NORMAL_ARRAY);
+        glNormalPointer(GL_FLOAT, sizeof(Vertex), GLBuffer::offset(offsetof(Vertex, normal)));
+    }
+    drawAll();
+    glDisableClientState(GL_NORMAL_ARRAY);
+    glDisableClientState(GL_COLOR_ARRAY);
+    glDisableClientState(GL_VERTEX_ARRAY);
+
+    GLBuffer().bind(GL_ARRAY_BUFFER);
+    GLBuffer().bind(GL_ELEMENT_ARRAY_BUFFER);
+    if (lit)
+        glColorMaterial(GL_FRONT_AND_BACK, GL_DIFFUSE);
+    // The current colour is undefined after an array of them.
+    SoGLLazyElement::getInstance(state)->reset(state, SoLazyElement::DIFFUSE_MASK |
+                                                          SoLazyElement::AMBIENT_MASK);
+    state->pop();
+    return true;
+}
+
+void GlyphDrawing::drawGlyph(std::size_t index, const SbMatrix& place) const
+{
+    const std::vector<Batch>& batches = glyphs[index].batches;
+    if (batches.empty())
+        return;
+    const SbVec3f nowhere(0, 0, 0);
+    glPushMatrix();
+    glMultMatrixf(place[0]);
+    for (const Batch& batch : batches) {
+        const bool moved = batch.translation != nowhere;
+        if (moved) {
+            glPushMatrix();
+            glTranslatef(batch.translation[0], batch.translation[1], batch.translation[2]);
+        }
+        if (batch.quads)
+            glDrawArrays(GL_QUADS, batch.first, batch.count);
+        else
+            glDrawElements(GL_TRIANGLES, batch.count, GL_UNSIGNED_INT,
+                           GLBuffer::offset(std::size_t(batch.first) * sizeof(std::uint32_t)));
+        if (moved)
+            glPopMatrix();
+    }
+    glPopMatrix();
+}
+
+// Brings the geometry to the context, unless it is there already.
+bool GlyphDrawing::bindBuffers(std::uint32_t context)
+{
+    if (!GLBuffer::areSupported(context))
+        return false;
+    Buffers& held = buffers[context];
+    if (held.version != version) {
+        held.vertices = GLBuffer(context, GL_ARRAY_BUFFER, vertices);
+        held.indices = GLBuffer(context, GL_ELEMENT_ARRAY_BUFFER, indices);
+        held.version = version;
+    }
+    held.vertices.bind(GL_ARRAY_BUFFER);
+    held.indices.bind(GL_ELEMENT_ARRAY_BUFFER);
+    return true;
+}

@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_DETAIL_GLYPHDRAWING_H
+#define STRANDVIEW_DETAIL_GLYPHDRAWING_H
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+#include <Inventor/SbMatrix.h>
+#include <Inventor/SbVec3f.h>
+
+#include "GLBuffer.h"
+
+class SoGLRenderAction;
+class SoMaterial;
+class SoNode;
+class SoState;
+
+/// Draws nodes that hold spheres and boxes from vertex buffers, instead of traversing them:
+/// the bases and boxes of a DNA, which are placed many times.
+///
+/// The nodes stay the only description of what is shown. They are read again where their ids
+/// tell that they changed, and compiled into glyphs, the triangles of a node. What is not
+/// understood, in a node or in the traversal state, is not drawn here; it is to be traversed.
+///
+/// The spheres of a glyph are merged, each at its place: their vertices may be rounded
+/// differently from those of a sphere that OpenGL moves. Boxes are moved by OpenGL.
+class GlyphDrawing
+{
+public:
+    GlyphDrawing();
+    ~GlyphDrawing();
+    GlyphDrawing(const GlyphDrawing&) = delete;
+    GlyphDrawing& operator=(const GlyphDrawing&) = delete;
+
+    /// Whether the traversal state has shapes drawn as they are: filled, opaque, without
+    /// textures and overrides, and recorded nowhere.
+    static bool canDraw(SoState* state);
+
+    /// Reads the nodes, one glyph each, unless they are as they were. Whether all of them are
+    /// understood.
+    bool update(const std::vector<SoNode*>& nodes);
+
+    /// Sets up OpenGL for drawGlyph(), which drawAll is to call for each place, and leaves
+    /// OpenGL and Coin's state as before. Needs update() and canDraw(). False, and nothing is
+    /// drawn, in a context without buffers or without matrices left.
+    bool draw(SoGLRenderAction* action, const std::function<void()>& drawAll);
+    /// Draws the glyph of the node with that index at a place.
+    void drawGlyph(std::size_t index, const SbMatrix& place) const;
+
+private:
+    struct Vertex
+    {
+        SbVec3f point;
+        SbVec3f normal;
+        std::uint8_t colour[4];
+    };
+
+    // One draw: indexed triangles of merged spheres, or the quadrilaterals of a box, which
+    // OpenGL is to move and to divide as it does in immediate mode: without indices.
+    struct Batch
+    {
+        SbVec3f translation;
+        bool quads;
+        std::int32_t first; // index, or vertex of a box
+        std::int32_t count;
+    };
+
+    struct Glyph
+    {
+        const SoNode* node;
+        std::uint64_t id; // of the node when it was compiled
+        std::vector<Batch> batches;
+    };
+
+    struct Buffers
+    {
+        GLBuffer vertices, indices;
+        std::uint64_t version = 0; // of the geometry in them
+    };
+
+    struct Compiler;
+
+    bool compile(const std::vector<SoNode*>& nodes);
+    void setMaterial(SoMaterial* newMaterial);
+    bool bindBuffers(std::uint32_t context);
+
+    std::vector<Glyph> glyphs;
+    bool understood = true;
+    std::vector<Vertex> vertices;
+    std::vector<std::uint32_t> indices;
+    SoMaterial* material = nullptr; // one of those that were compiled, referenced
+    std::uint64_t version = 0;
+    PerContext<Buffers> buffers;
+};
+
+#endif

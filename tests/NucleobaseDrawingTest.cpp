@@ -1,0 +1,231 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <cmath>
+#include <functional>
+#include <ostream>
+
+#include <Inventor/actions/SoGetBoundingBoxAction.h>
+#include <Inventor/nodes/SoComplexity.h>
+#include <Inventor/nodes/SoCube.h>
+#include <Inventor/nodes/SoDrawStyle.h>
+#include <Inventor/nodes/SoMaterial.h>
+#include <Inventor/nodes/SoRotationXYZ.h>
+#include <Inventor/nodes/SoTransform.h>
+#include <Inventor/nodes/SoTranslation.h>
+#include <SoNucleobase.h>
+
+#include "support/DrawingComparison.h"
+
+using Vector = algebra3d::Vector3<double>;
+
+class NucleobaseDrawingTest : public DrawingComparison
+{
+protected:
+    NodeRef<SoNucleobase> base{new SoNucleobase('G', false)};
+
+    void SetUp() override
+    {
+        lookFrom(0);
+        compareDrawing(base);
+    }
+    void lookFrom(int side)
+    {
+        const float angle = 0.7f * float(side) + 0.3f;
+        camera->position = SbVec3f(15 * std::cos(angle), 15 * std::sin(angle), 12);
+        camera->pointAt(SbVec3f(0, -2, 0));
+        camera->nearDistance = 2;
+    }
+};
+
+TEST_F(NucleobaseDrawingTest, AtomsAreThoseTraversedButForAFewPixels)
+{
+    for (bool lit : {true, false}) {
+        if (!lit)
+            setUnlit();
+        for (int side = 0; side < 6; ++side) {
+            lookFrom(side);
+            const Difference difference = compare(draw(), traverse());
+            EXPECT_LE(difference.pixels, 8) << difference;
+            EXPECT_LE(difference.strong, 2) << difference;
+            EXPECT_GT(difference.covered, 4000);
+        }
+    }
+}
+
+TEST_F(NucleobaseDrawingTest, TheBoxIsThatTraversedPixelForPixel)
+{
+    setUnlit();
+    base->showAtoms(false);
+    base->showBox(true);
+    for (int side = 0; side < 6; ++side) {
+        lookFrom(side);
+        expectSame();
+    }
+}
+
+TEST_F(NucleobaseDrawingTest, TheAtomsAreOneDrawAndTheBoxIsOne)
+{
+    EXPECT_EQ(countDraws(), 1);
+    base->showBox(true);
+    EXPECT_EQ(countDraws(), 2);
+    base->showAtoms(false);
+    EXPECT_EQ(countDraws(), 1);
+    base->showBox(false);
+    EXPECT_EQ(countDraws(), 0);
+}
+
+TEST_F(NucleobaseDrawingTest, EachPlaceIsOneDraw)
+{
+    setUnlit();
+    base->showAtoms(false);
+    base->showBox(true);
+    NodeRef<SoSeparator> row(new SoSeparator);
+    row->addChild(camera);
+    auto* aside = new SoTransform;
+    aside->translation = SbVec3f(-2, 1, -5);
+    aside->rotation = SbRotation(SbVec3f(0, 0, 1), 0.5f);
+    for (int i = 0; i < 3; ++i) {
+        row->addChild(settings);
+        row->addChild(place);
+        row->addChild(aside);
+    }
+    drawCount = 0;
+    const Bytes drawn = draw(row);
+    EXPECT_EQ(drawCount, 3);
+    const Difference difference = compare(drawn, traverse(row));
+    EXPECT_EQ(difference.pixels, 0) << difference;
+    EXPECT_GT(compare(drawn, draw()).strong, 500); // of one alone
+}
+
+TEST_F(NucleobaseDrawingTest, OfNoLetterNothingIsDrawn)
+{
+    NodeRef<SoNucleobase> none(new SoNucleobase('X', true));
+    place->addChild(none);
+    EXPECT_EQ(countDraws(), 1);
+    place->removeChild(0);
+    drawCount = 0;
+    const Bytes picture = renderBytes(*renderer, scene);
+    EXPECT_EQ(compare(picture, picture).covered, 0);
+    EXPECT_EQ(drawCount, 0);
+}
+
+TEST_F(NucleobaseDrawingTest, OutOfViewNothingIsDrawn)
+{
+    SoGetBoundingBoxAction(renderer->getViewportRegion()).apply(base); // Coin has the box then
+    camera->pointAt(SbVec3f(60, 40, 80));
+    EXPECT_EQ(countDraws(), 0);
+}
+
+TEST_F(NucleobaseDrawingTest, WhatTheStateAsksForIsTraversed)
+{
+    auto* lines = new SoDrawStyle;
+    lines->style = SoDrawStyle::LINES;
+    settings->addChild(lines);
+    expectSame(false);
+    settings->removeAllChildren();
+    auto* boxes = new SoComplexity;
+    boxes->type = SoComplexity::BOUNDING_BOX;
+    settings->addChild(boxes);
+    expectSame(false);
+    settings->removeAllChildren();
+    EXPECT_EQ(countDraws(), 1);
+}
+
+TEST_F(NucleobaseDrawingTest, APartThatIsNotItsOwnIsTraversed)
+{
+    base->addChild(new SoRotationXYZ);
+    EXPECT_EQ(countDraws(), 0);
+    EXPECT_GT(compare(draw(), traverse()).covered, 4000);
+    base->removeChild(2);
+    EXPECT_EQ(countDraws(), 1);
+}
+
+TEST_F(NucleobaseDrawingTest, IsTraversedWhereACacheRecords)
+{
+    SoSeparator::setNumRenderCaches(2);
+    setUnlit();
+    base->showAtoms(false);
+    base->showBox(true);
+    place->renderCaching = SoSeparator::ON;
+    Bytes before = draw();
+    for (int frame = 0; frame < 4; ++frame) {
+        if (frame == 2)
+            base->setBoxColour(Vector(0, 1, 0));
+        drawCount = 0;
+        const Bytes next = renderBytes(*renderer, scene); // from the list, once there is one
+        EXPECT_TRUE(frame != 0 || drawCount == 0);        // recorded by traversal
+        EXPECT_EQ(compare(before, next).pixels > 0, frame == 2);
+        before = next;
+    }
+}
+
+TEST_F(NucleobaseDrawingTest, FollowingShapesHaveTheirOwnColours)
+{
+    auto* material = new SoMaterial;
+    material->diffuseColor = SbColor(0, 1, 0);
+    scene->insertChild(material, 0); // set before, sent after the base
+    auto* translation = new SoTranslation;
+    translation->translation = SbVec3f(5, 0, 0);
+    scene->addChild(translation);
+    scene->addChild(new SoCube);
+    setUnlit();
+    const Difference difference = compare(draw(), traverse());
+    EXPECT_LE(difference.pixels, 2) << difference;
+}
+
+TEST_F(NucleobaseDrawingTest, EachContextHasItsBuffersAndANewOneAfterItsLoss)
+{
+    const Bytes expected = draw();
+    SoOffscreenRenderer other(renderer->getViewportRegion());
+    EXPECT_EQ(compare(expected, renderBytes(other, scene)).pixels, 0);
+    renderer = std::make_unique<SoOffscreenRenderer>(other.getViewportRegion());
+    EXPECT_EQ(compare(expected, renderBytes(*renderer, scene)).pixels, 0);
+    base->setAtomRadius(SoNucleobase::NITROGEN, 1);
+    const Bytes changed = renderBytes(*renderer, scene);
+    EXPECT_GT(compare(expected, changed).strong, 50);
+    EXPECT_EQ(compare(changed, renderBytes(other, scene)).pixels, 0);
+}
+
+// Changes show in the next picture
+
+struct BaseChange
+{
+    const char* name;
+    std::function<void(SoNucleobase*)> apply;
+};
+
+void PrintTo(const BaseChange& change, std::ostream* stream) { *stream << change.name; }
+
+class NucleobaseDrawingChange : public NucleobaseDrawingTest,
+                                public testing::WithParamInterface<BaseChange>
+{
+};
+
+TEST_P(NucleobaseDrawingChange, ShowsInTheNextPicture)
+{
+    setUnlit();
+    for (int kind = 0; kind < 3; ++kind)
+        base->setAtomRadius(SoNucleobase::Atom(kind), 0.9);
+    base->showBox(true);
+    const Bytes first = draw();
+    GetParam().apply(base);
+    const Bytes drawn = draw();
+    EXPECT_GT(compare(first, drawn).strong, 20);
+    const Difference difference = compare(drawn, traverse());
+    EXPECT_LE(difference.pixels, 2) << difference;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Changes, NucleobaseDrawingChange,
+    testing::Values(
+        BaseChange{
+            "AtomColour",
+            [](SoNucleobase* base) { base->setAtomColour(SoNucleobase::OXYGEN, Vector(0, 1, 0)); }},
+        BaseChange{"AtomRadius",
+                   [](SoNucleobase* base) { base->setAtomRadius(SoNucleobase::CARBON, 1.5); }},
+        BaseChange{"AtomComplexity", [](SoNucleobase* base) { base->setAtomComplexity(0); }},
+        BaseChange{"NoAtoms", [](SoNucleobase* base) { base->showAtoms(false); }},
+        BaseChange{"NoBox", [](SoNucleobase* base) { base->showBox(false); }},
+        BaseChange{"BoxColour", [](SoNucleobase* base) { base->setBoxColour(Vector(0, 1, 1)); }},
+        BaseChange{"BoxHeight", [](SoNucleobase* base) { base->setBoxHeight(3); }},
+        BaseChange{"SmallerBox", [](SoNucleobase* base) { base->setSmallerPyr(true); }}),
+    testing::PrintToStringParamName());
