@@ -5,9 +5,8 @@
 #include <map>
 
 #include <Inventor/SoOffscreenRenderer.h>
-#include <Inventor/SoPath.h>
+#include <Inventor/actions/SoCallbackAction.h>
 #include <Inventor/actions/SoGLRenderAction.h>
-#include <Inventor/actions/SoSearchAction.h>
 #include <Inventor/errors/SoDebugError.h>
 #include <Inventor/nodes/SoCamera.h>
 #include <Inventor/nodes/SoDrawStyle.h>
@@ -113,17 +112,13 @@ class LineWidener
 public:
     LineWidener(SoNode* scene, int factor)
     {
-        SoSearchAction search;
-        search.setType(SoDrawStyle::getClassTypeId());
-        search.setInterest(SoSearchAction::ALL);
-        search.apply(scene);
-        for (int i = 0; i < search.getPaths().getLength(); ++i) {
-            auto* style = static_cast<SoDrawStyle*>(search.getPaths()[i]->getTail());
-            if (widths.emplace(style, style->lineWidth.getValue()).second) {
-                // 0 stands for OpenGL's own width, 1.
-                const float width = std::max(style->lineWidth.getValue(), 0.0f);
-                style->lineWidth = float(factor) * (width > 0 ? width : 1);
-            }
+        // A search would miss what is in an overlay.
+        SoCallbackAction traversal;
+        traversal.addPreCallback(SoDrawStyle::getClassTypeId(), note, this);
+        traversal.apply(scene);
+        for (const auto& [style, width] : widths) {
+            // 0 stands for OpenGL's own width, 1.
+            style->lineWidth = float(factor) * (width > 0 ? width : 1);
         }
     }
     ~LineWidener()
@@ -135,6 +130,14 @@ public:
     LineWidener& operator=(const LineWidener&) = delete;
 
 private:
+    static SoCallbackAction::Response note(void* widener, SoCallbackAction* traversal,
+                                           const SoNode* /*style*/)
+    {
+        auto* style = static_cast<SoDrawStyle*>(traversal->getCurPathTail());
+        static_cast<LineWidener*>(widener)->widths[style] = style->lineWidth.getValue();
+        return SoCallbackAction::CONTINUE;
+    }
+
     std::map<SoDrawStyle*, float> widths;
 };
 

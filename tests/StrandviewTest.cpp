@@ -290,6 +290,24 @@ TEST_F(StrandviewTest, ColoursByAScalarOfTheFileAlongTheRodAndShowsALegend)
     EXPECT_LT(std::abs((hueAt(380) + 180) % 360 - 180), 25);
 }
 
+TEST_F(StrandviewTest, TheTicksOfALegendAreTwoPixelsWideWithAnySamples)
+{
+    const std::string rod = write("rod.txt", SCALARS);
+    for (const char* samples : {"1", "2", "3", "5"}) {
+        SCOPED_TRACE(samples);
+        EXPECT_EQ(run({"--render", path("rod.png"), "--size", "800x600", "--colour-by", "heat",
+                       "--samples", samples, rod})
+                      .status,
+                  0);
+        // A row between the bar and the numbers: nothing but ticks, at 10, 15, 20, 25 and 30.
+        const QImage image = picture("rod.png");
+        double pixels = 0;
+        for (int x = 0; x < image.width(); ++x)
+            pixels += 1 - image.pixelColor(x, 563).lightnessF();
+        EXPECT_NEAR(pixels, 5 * 2, 0.1);
+    }
+}
+
 TEST_F(StrandviewTest, RangeAndColoursChangeTheRamp)
 {
     const std::string rod = write("rod.txt", SCALARS);

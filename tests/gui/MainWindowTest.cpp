@@ -132,6 +132,7 @@ protected:
     MainWindowTest()
     {
         QSettings().clear();
+        qunsetenv("COIN_SHOW_FPS_COUNTER"); // a key toggles it, for all windows
         options.windowSize = {520, 420};
         options.radius = 0.2;
         options.tubeColour = Colour{1, 0, 0};
@@ -641,6 +642,27 @@ TEST_F(MainWindowTest, PerspectiveIsToggledByKeyMenuAndToolBarAndStillFits)
     EXPECT_TRUE(tools.contains(action("Perspective")));
 }
 
+TEST_F(MainWindowTest, TheLegendStaysAsItIsHoweverTheSceneIsSeen)
+{
+    options.colourBy = "arclength";
+    open({write("straight.txt", STRAIGHT)});
+    // The axis cross is further to the right.
+    const auto legend = [](const QImage& p) {
+        return p.copy(0, p.height() * 9 / 10, p.width() * 3 / 4, p.height() / 10);
+    };
+    const auto blue = [](const QColor& c) { return c.blue() > 250 && c.green() < 100; };
+    ASSERT_TRUE(comesToShow([&](const QImage& p) { return count(legend(p), blue) > 20; }));
+    QTest::qWait(1000); // for the last frame
+    const QImage before = shown();
+    for (const Qt::Key key : {Qt::Key_P, Qt::Key_X, Qt::Key_Y, Qt::Key_P, Qt::Key_V}) {
+        press(key);
+        QTest::qWait(500);
+        EXPECT_EQ(legend(shown()), legend(before)) << key;
+    }
+    press(Qt::Key_X);
+    EXPECT_TRUE(comesToShow([&](const QImage& p) { return p != before; }));
+}
+
 TEST_F(MainWindowTest, TheZoomFieldShowsTheZoomAndTakesAnother)
 {
     open({write("straight.txt", STRAIGHT)});
@@ -939,6 +961,28 @@ TEST_F(MainWindowTest, TheLinesOfASavedPictureAreAsWideAsThoseOfTheWindow)
         };
         EXPECT_GT(ink(shown()), 500);
         EXPECT_NEAR(ink(QImage(file)), ink(shown()), 0.15 * ink(shown())) << thicker;
+    }
+}
+
+TEST_F(MainWindowTest, TheTicksOfASavedLegendAreAsWideAsThoseOfTheWindow)
+{
+    options.colourBy = "arclength"; // 0 to 2: five ticks
+    open({write("straight.txt", STRAIGHT)});
+    const QString file = folder.filePath("legend.png");
+    // Twice, as a picture leaves the scene as it was.
+    for (int i = 0; i < 2; ++i) {
+        window->savePicture(file);
+        QTest::qWait(1000); // for the last frame
+        // How much ink there is in a row between the bar and the numbers.
+        const auto ticks = [](const QImage& picture) {
+            const int y = int(picture.height() * (1 + 0.8775) / 2);
+            double sum = 0;
+            for (int x = 0; x < picture.width() * 3 / 4; ++x)
+                sum += 1 - picture.pixelColor(x, y).lightnessF();
+            return sum;
+        };
+        EXPECT_NEAR(ticks(shown()), 5 * 2, 0.1);
+        EXPECT_NEAR(ticks(QImage(file)), 5 * 2, 0.1);
     }
 }
 
