@@ -139,13 +139,13 @@ void addNodes(SoGroup* group, int pairs, SoNode* placed)
     }
 }
 
-// The least seconds of filling a new node: in memory that the process has, or in fresh memory,
-// which the system has to give.
+// The least seconds of filling a new node, small ones more often: in memory that the process
+// has, or in fresh memory, which the system has to give.
 template <typename Node>
-double leastSeconds(bool fresh, const std::function<void(Node*)>& fill)
+double leastSeconds(int pairs, bool fresh, const std::function<void(Node*)>& fill)
 {
     double least = 0;
-    for (int i = 0; i < 5; ++i) {
+    for (int i = 0; i < std::max(5, 10000 / pairs); ++i) {
         auto* node = new Node;
         node->ref();
         if (fresh)
@@ -191,10 +191,10 @@ void measureBuilding(Table& table, int pairs, const std::string& name)
     const auto fill = [&](SoDNA* empty) { build(ideal, empty); };
     auto* placed = new SoSeparator;
     placed->ref();
-    const double kept = leastSeconds<SoDNA>(false, fill);
-    const double first = leastSeconds<SoDNA>(true, fill);
+    const double kept = leastSeconds<SoDNA>(pairs, false, fill);
+    const double first = leastSeconds<SoDNA>(pairs, true, fill);
     const double nodes =
-        leastSeconds<SoGroup>(true, [&](SoGroup* group) { addNodes(group, pairs, placed); });
+        leastSeconds<SoGroup>(pairs, true, [&](SoGroup* group) { addNodes(group, pairs, placed); });
     placed->unref();
     dna->unref();
     const std::string what = "Data given and generated, " + name + " pairs";
