@@ -1,0 +1,127 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// A host whose picture follows a running simulation: a vibrating string with twist, integrated in
+// the event loop. Each frame shows the newest state, and the title tells what a frame costs.
+#include <chrono>
+#include <cmath>
+#include <vector>
+
+#include <Inventor/Qt/SoQt.h>
+#include <Inventor/nodes/SoMaterial.h>
+#include <QTimer>
+#include <QWidget>
+#include <SoGeneralScene.h>
+#include <SoQtGeneralViewer.h>
+#include <SoRod.h>
+
+namespace {
+
+using Vector = algebra3d::Vector3<double>;
+using Rotation = algebra3d::Quaternion<double>;
+
+// The wave equation for the two displacements of a string along x, fixed at its ends, by central
+// differences in space and time (leapfrog; stable while a wave does not pass a whole interval
+// in one step).
+class VibratingString
+{
+public:
+    explicit VibratingString(int points) : now(std::size_t(points)), before(now), next(now)
+    {
+        for (std::size_t i = 0; i < now.size(); ++i) {
+            const double x = double(i) / double(now.size() - 1);
+            now[i] = Vector(0, std::sin(M_PI * x) + 0.5 * std::sin(2 * M_PI * x),
+                            0.4 * std::sin(3 * M_PI * x));
+        }
+        before = now;
+    }
+
+    void step()
+    {
+        const double courant = 0.5; // wave speed times step, in intervals
+        for (std::size_t i = 1; i + 1 < now.size(); ++i)
+            next[i] =
+                2 * now[i] - before[i] + courant * courant * (now[i + 1] - 2 * now[i] + now[i - 1]);
+        before.swap(now);
+        now.swap(next);
+    }
+
+    std::vector<Vector> points() const
+    {
+        std::vector<Vector> result(now);
+        for (std::size_t i = 0; i < result.size(); ++i)
+            result[i].x = LENGTH * double(i) / double(result.size() - 1);
+        return result;
+    }
+
+    // The smallest turn that takes z into the tangent, d3 of the material frame, after a twist
+    // about z of half a radian per length.
+    static std::vector<Rotation> frames(const std::vector<Vector>& points)
+    {
+        std::vector<Rotation> result;
+        result.reserve(points.size());
+        for (std::size_t i = 0; i < points.size(); ++i) {
+            const Vector& from = points[i == 0 ? 0 : i - 1];
+            const Vector& to = points[i + 1 == points.size() ? i : i + 1];
+            Vector tangent = to - from;
+            tangent.normalize();
+            const double x = -tangent.y, y = tangent.x, w = 1 + tangent.z; // of the turn
+            const double norm = std::sqrt(x * x + y * y + w * w);
+            const double half = points[i].x / 4; // of the twist
+            const double c = std::cos(half) / norm, s = std::sin(half) / norm;
+            result.emplace_back(x * c + y * s, y * c - x * s, w * s, w * c);
+        }
+        return result;
+    }
+
+private:
+    static constexpr double LENGTH = 8;
+    std::vector<Vector> now, before, next; // of the displacements; x is not used
+};
+
+} // namespace
+
+int main(int, char** argv)
+{
+    QWidget* window = SoQt::init(argv[0]);
+    SoQtGeneralViewer::initClass();
+    SoMeshShape::initClass();
+    SoRod::initClass();
+    SoGeneralScene::initClass();
+
+    VibratingString string(1000);
+    auto* rod = new SoRod(0.05, 0.4, 16, 2, true, true, false);
+    const auto show = [&] {
+        const std::vector<Vector> points = string.points();
+        rod->setData(points, VibratingString::frames(points)); // the next frame shows it
+    };
+    show();
+
+    auto* scene = new SoGeneralScene;
+    auto* colours = new SoMaterial;
+    colours->diffuseColor.set1Value(0, SbColor(0.2f, 0.5f, 0.8f)); // tubes
+    colours->diffuseColor.set1Value(1, SbColor(0.9f, 0.6f, 0.1f)); // ribbons
+    scene->addShaded(colours);
+    scene->addShaded(rod);
+    auto* viewer = new SoQtGeneralViewer(window);
+    viewer->setSceneGraph(scene);
+    viewer->setBackgroundColor(SbColor(1, 1, 1));
+    viewer->show();
+
+    QTimer timer; // of no interval: as often as the event loop is idle
+    int frames = 0;
+    double rebuilding = 0;
+    QObject::connect(&timer, &QTimer::timeout, [&] {
+        for (int i = 0; i < 10; ++i)
+            string.step();
+        const auto start = std::chrono::steady_clock::now();
+        show();
+        rebuilding +=
+            std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+        if (++frames % 100 == 0)
+            window->setWindowTitle(QString("1000 points, %1 ms per rebuild")
+                                       .arg(1e3 * rebuilding / frames, 0, 'f', 2));
+    });
+    timer.start();
+    SoQt::show(window);
+    SoQt::mainLoop();
+    delete viewer;
+}
