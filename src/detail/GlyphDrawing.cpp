@@ -38,7 +38,7 @@ SoGroup* asSeparator(SoNode* node)
 bool isAllOrNothing(const SoSwitch* node)
 {
     const int which = node->whichChild.getValue();
-    return which == SO_SWITCH_ALL || which == SO_SWITCH_NONE;
+    return !node->whichChild.isIgnored() && (which == SO_SWITCH_ALL || which == SO_SWITCH_NONE);
 }
 
 template <typename Field>
@@ -289,14 +289,15 @@ bool GlyphDrawing::canDraw(SoState* state)
 bool GlyphDrawing::draw(SoGLRenderAction* action, const std::function<void()>& drawAll)
 {
     SoState* const state = action->getState();
+    if (!material)
+        return true; // without one there are no shapes
     if (!hasRoomForMatrices() || !bindBuffers(action->getCacheContext()))
         return false;
     SoGLCacheContextElement::shouldAutoCache(state, SoGLCacheContextElement::DONT_AUTO_CACHE);
-    if (!material)
-        return true;
 
     state->push();
     material->GLRender(action);
+    action->handleTransparency(FALSE); // not blended, whatever was before
     SoMaterialBundle bundle(action);
     bundle.sendFirst();
     const bool lit = !bundle.isColorOnly();
