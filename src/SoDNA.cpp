@@ -12,8 +12,8 @@
 #include <Inventor/nodes/SoTranslation.h>
 
 #include <detail/DnaDrawing.h>
-#include <detail/GLVertexState.h>
 #include <detail/overallColour.h>
+#include <detail/toSbVec3f.h>
 #include <global.h>
 
 using Vector = algebra3d::Vector3<double>;
@@ -45,7 +45,8 @@ SbRotation toSbRotation(const Rotation& q)
 // Whether a field takes a value as that of a new node does.
 bool isFree(const SoField& field)
 {
-    return !field.isIgnored() && !field.isConnected() && field.isNotifyEnabled();
+    return !field.isIgnored() && !field.isConnected() && field.isConnectionEnabled() &&
+           field.isNotifyEnabled();
 }
 
 bool isAsMade(const SoField& field) { return field.isDefault() && isFree(field); }
@@ -54,7 +55,7 @@ bool isAsMade(const SoField& field) { return field.isDefault() && isFree(field);
 bool isPlain(const SoNode* node)
 {
     return !node->isOverride() && node->isNotifyEnabled() && !node->getUserData() &&
-           node->getName().getLength() == 0;
+           node->getNodeType() == SoNode::INVENTOR && node->getName().getLength() == 0;
 }
 
 // Whether a separator with a DNA's transform is as good as new but for what it places, and

@@ -477,9 +477,13 @@ TEST_P(EditedDna, IsAsANewOneWhenGeneratedAgain)
                 EXPECT_FALSE(node->isOverride());
                 EXPECT_TRUE(node->isNotifyEnabled());
                 EXPECT_EQ(node->getUserData(), nullptr);
+                EXPECT_EQ(node->getNodeType(), SoNode::INVENTOR);
             }
-            EXPECT_TRUE(transform->translation.isNotifyEnabled());
-            EXPECT_TRUE(transform->center.isNotifyEnabled());
+            for (const SoField* field : {static_cast<SoField*>(&transform->translation),
+                                         static_cast<SoField*>(&transform->center)}) {
+                EXPECT_TRUE(field->isNotifyEnabled());
+                EXPECT_TRUE(field->isConnectionEnabled());
+            }
         }
     }
 }
@@ -508,6 +512,12 @@ INSTANTIATE_TEST_SUITE_P(
              [](const Parts& p) { p.transform(0, 0)->translation.enableNotify(FALSE); }},
         Edit{"CentreThatTellsNobody",
              [](const Parts& p) { p.transform(0, 0)->center.enableNotify(FALSE); }},
+        Edit{"TranslationThatFollowsNobody",
+             [](const Parts& p) { p.transform(0, 0)->translation.enableConnection(FALSE); }},
+        Edit{"CentreThatFollowsNobody",
+             [](const Parts& p) { p.transform(0, 0)->center.enableConnection(FALSE); }},
+        Edit{"VrmlSeparator",
+             [](const Parts& p) { p.separator(0, 0)->setNodeType(SoNode::VRML2); }},
         Edit{"TransformThatTellsNobody",
              [](const Parts& p) { p.transform(0, 0)->enableNotify(FALSE); }},
         Edit{"SeparatorThatTellsNobody",
