@@ -600,6 +600,38 @@ TEST_F(SoDNATest, ReleasesEverythingInTheEnd)
     EXPECT_EQ(cube->getRefCount(), 2);
 }
 
+TEST_F(SoDNATest, CopyIsADnaOfItsOwn)
+{
+    const RandomDna data(5);
+    ASSERT_TRUE(data.give(dna));
+    dna->generate();
+    dna->setBoxHeight(2);
+    const std::string before = written(dna);
+    NodeRef<SoDNA> copy(static_cast<SoDNA*>(dna->copy()));
+    EXPECT_EQ(written(copy), before);
+    EXPECT_EQ(copy->getSequence(), data.sequence);
+    EXPECT_EQ(copy->getR2()[4][1], data.r2[4][1]);
+    EXPECT_EQ(copy->getQAvg()[4][3], data.qAvg[4][3]);
+    EXPECT_EQ(copy->getBoxHeight(), 2);
+    const Parts copied(copy);
+    EXPECT_EQ(copied.transform(3, 1)->getRefCount(), 2);
+    EXPECT_EQ(copied.separator(3, 1)->getRefCount(), 1);
+    EXPECT_EQ(copied.bpGroup(0), copied.bpGroup(4));
+
+    copy->setBasepairColour(Vector(1, 0, 0));
+    copy->showBaseBoxes(true);
+    copy->showBasePairBoxes(false);
+    copy->setBoxHeight(3);
+    ASSERT_TRUE(RandomDna(7, 2).give(copy));
+    copy->generate();
+    ASSERT_EQ(copied.bpSwitch->getNumChildren(), 7);
+    ASSERT_EQ(copied.basesGroup->getNumChildren(), 14);
+    EXPECT_TRUE(copied.base(6, 1)->isBoxShown());
+    EXPECT_EQ(copied.base(0, 2)->getBoxHeight(), 3);
+    EXPECT_FALSE(copy->areBasePairBoxesShown());
+    EXPECT_EQ(written(dna), before);
+}
+
 TEST_F(SoDNATest, IsBoundedAndPickedByPair)
 {
     const IdealDna ideal("ATGC");
