@@ -178,6 +178,27 @@ TEST_F(NucleobaseDrawingTest, IsTraversedWhereACacheRecords)
     }
 }
 
+TEST_F(NucleobaseDrawingTest, IsRecordedOutOfViewToo)
+{
+    SoSeparator::setNumRenderCaches(2);
+    place->renderCaching = SoSeparator::ON;
+    auto* aside = new SoTranslation;
+    aside->translation = SbVec3f(40, 0, 0);
+    place->addChild(aside);
+    place->addChild(new SoCube);
+    SoGetBoundingBoxAction(renderer->getViewportRegion()).apply(scene); // Coin has the boxes then
+    camera->pointAt(aside->translation.getValue());
+    for (int frame = 0; frame < 4; ++frame) {
+        const Bytes cube = renderBytes(*renderer, scene);
+        EXPECT_LT(compare(cube, cube).covered, 1000);
+    }
+    lookFrom(0);
+    drawCount = 0;
+    const Bytes picture = renderBytes(*renderer, scene);
+    EXPECT_EQ(drawCount, 0); // from the list
+    EXPECT_GT(compare(picture, picture).covered, 4000);
+}
+
 TEST_F(NucleobaseDrawingTest, FollowingShapesHaveTheirOwnColours)
 {
     auto* material = new SoMaterial;

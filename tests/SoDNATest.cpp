@@ -397,6 +397,9 @@ TEST_F(SoDNATest, GeneratedAgainItIsAsANewOne)
         ASSERT_TRUE(data.give(fresh));
         fresh->generate();
         EXPECT_EQ(written(dna), written(fresh));
+        if (size > 0) { // the pairs and the DNA hold it, and nobody else
+            EXPECT_EQ(parts.bpGroup(0)->getRefCount(), int(size) + 1);
+        }
         EXPECT_EQ(boxOf(dna).getMin(), boxOf(fresh).getMin());
         EXPECT_EQ(boxOf(dna).getMax(), boxOf(fresh).getMax());
     }

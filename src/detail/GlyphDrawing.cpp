@@ -270,7 +270,7 @@ bool GlyphDrawing::compile(const std::vector<SoNode*>& nodes)
     for (SoNode* node : nodes) {
         Compiler compiler{vertices, indices, common, {}};
         Compiler::State state;
-        all = all && asSeparator(node) && compiler.compile(node, state);
+        all = all && compiler.compile(node, state);
         glyphs.push_back({node, node->getNodeId(), std::move(compiler.batches)});
     }
     setMaterial(all ? common : nullptr);
