@@ -2,6 +2,7 @@
 #include <SoDNA.h>
 
 #include <cmath>
+#include <iterator>
 
 #include <Inventor/actions/SoGLRenderAction.h>
 #include <Inventor/misc/SoState.h>
@@ -12,8 +13,9 @@
 #include <Inventor/nodes/SoTranslation.h>
 
 #include <detail/DnaDrawing.h>
-#include <detail/GLVertexState.h>
+#include <detail/copyOf.h>
 #include <detail/overallColour.h>
+#include <detail/toSbVec3f.h>
 #include <global.h>
 
 using Vector = algebra3d::Vector3<double>;
@@ -45,7 +47,8 @@ SbRotation toSbRotation(const Rotation& q)
 // Whether a field takes a value as that of a new node does.
 bool isFree(const SoField& field)
 {
-    return !field.isIgnored() && !field.isConnected() && field.isNotifyEnabled();
+    return !field.isIgnored() && !field.isConnected() && field.isConnectionEnabled() &&
+           field.isNotifyEnabled();
 }
 
 bool isAsMade(const SoField& field) { return field.isDefault() && isFree(field); }
@@ -54,7 +57,7 @@ bool isAsMade(const SoField& field) { return field.isDefault() && isFree(field);
 bool isPlain(const SoNode* node)
 {
     return !node->isOverride() && node->isNotifyEnabled() && !node->getUserData() &&
-           node->getName().getLength() == 0;
+           node->getNodeType() == SoNode::INVENTOR && node->getName().getLength() == 0;
 }
 
 // Whether a separator with a DNA's transform is as good as new but for what it places, and
@@ -273,6 +276,36 @@ void SoDNA::clear()
     }
     bpSwitch->removeAllChildren();
     basesGroup->removeAllChildren();
+}
+
+void SoDNA::copyContents(const SoFieldContainer* from, SbBool copyConnections)
+{
+    SoSeparator::copyContents(from, copyConnections);
+    const auto* original = static_cast<const SoDNA*>(from);
+    sequence = original->sequence;
+    rAvg = original->rAvg;
+    qAvg = original->qAvg;
+    r1 = original->r1;
+    q1 = original->q1;
+    r2 = original->r2;
+    q2 = original->q2;
+    const auto follow = [copyConnections](const auto& originals, auto& held) {
+        for (std::size_t i = 0; i < std::size(originals); ++i)
+            holdCopyOf(originals[i], held[i], copyConnections);
+    };
+    holdCopyOf(original->bpMaterial, bpMaterial, copyConnections);
+    follow(original->strand1Bases, strand1Bases);
+    follow(original->strand2Bases, strand2Bases);
+    holdCopyOf(original->bpBox, bpBox, copyConnections);
+    holdCopyOf(original->bpGroup, bpGroup, copyConnections);
+    holdCopyOf(original->bpSwitch, bpSwitch, copyConnections);
+    holdCopyOf(original->basesGroup, basesGroup, copyConnections);
+    const std::size_t n = original->avgTransforms.size();
+    for (auto* transforms : {&avgTransforms, &strand1Transforms, &strand2Transforms})
+        transforms->resize(n);
+    follow(original->avgTransforms, avgTransforms);
+    follow(original->strand1Transforms, strand1Transforms);
+    follow(original->strand2Transforms, strand2Transforms);
 }
 
 const std::string& SoDNA::getSequence() const { return sequence; }

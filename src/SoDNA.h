@@ -106,6 +106,8 @@ public:
     /// graph elsewhere; see docs/architecture.md.
     void GLRenderBelowPath(SoGLRenderAction* action) override;
 
+    void copyContents(const SoFieldContainer* from, SbBool copyConnections) override;
+
 protected:
     ~SoDNA() override;
     /// As many frames of each kind as letters, all letters correct and all quaternions too

@@ -129,14 +129,8 @@ void SoMarker::copyContents(const SoFieldContainer* from, SbBool copyConnections
     id = original->id;
     material = copyOf(original->material, copyConnections);
     shapeSwitch = copyOf(original->shapeSwitch, copyConnections);
-    const auto follow = [copyConnections](auto*& held, const auto* originalNode) {
-        auto* copy = copyOf(originalNode, copyConnections);
-        copy->ref();
-        held->unref();
-        held = copy;
-    };
-    follow(sphere, original->sphere);
-    follow(cube, original->cube);
-    follow(scale, original->scale);
-    follow(cross, original->cross);
+    holdCopyOf(original->sphere, sphere, copyConnections);
+    holdCopyOf(original->cube, cube, copyConnections);
+    holdCopyOf(original->scale, scale, copyConnections);
+    holdCopyOf(original->cross, cross, copyConnections);
 }

@@ -16,6 +16,7 @@
 #include <Inventor/nodes/SoTranslation.h>
 
 #include <detail/GlyphDrawing.h>
+#include <detail/copyOf.h>
 #include <detail/overallColour.h>
 #include <global.h>
 #include <idealbases.h>
@@ -134,6 +135,30 @@ void SoNucleobase::addBox()
     boxSwitch->addChild(box);
     boxSwitch->whichChild = SO_SWITCH_NONE;
     addChild(boxSwitch);
+}
+
+void SoNucleobase::copyContents(const SoFieldContainer* from, SbBool copyConnections)
+{
+    SoSeparator::copyContents(from, copyConnections);
+    const auto* original = static_cast<const SoNucleobase*>(from);
+    base = original->base;
+    baseIndex = original->baseIndex;
+    upright = original->upright;
+    smallerPyr = original->smallerPyr;
+    boxMaterial = copyOf(original->boxMaterial, copyConnections);
+    box = copyOf(original->box, copyConnections);
+    boxTranslation = copyOf(original->boxTranslation, copyConnections);
+    boxSwitch = copyOf(original->boxSwitch, copyConnections);
+    atomComplexity = copyOf(original->atomComplexity, copyConnections);
+    for (int kind = 0; kind < KINDS; ++kind) {
+        atomMaterials[kind] = copyOf(original->atomMaterials[kind], copyConnections);
+        atomGroups[kind] = copyOf(original->atomGroups[kind], copyConnections);
+        atomSpheres[kind] = copyOf(original->atomSpheres[kind], copyConnections);
+    }
+    atomSwitch = copyOf(original->atomSwitch, copyConnections);
+    unplacedGroups.truncate(0);
+    for (int i = 0; i < original->unplacedGroups.getLength(); ++i)
+        unplacedGroups.append(copyOf(original->unplacedGroups[i], copyConnections));
 }
 
 // Atoms

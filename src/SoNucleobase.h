@@ -102,6 +102,8 @@ public:
     /// elsewhere; see docs/architecture.md.
     void GLRenderBelowPath(SoGLRenderAction* action) override;
 
+    void copyContents(const SoFieldContainer* from, SbBool copyConnections) override;
+
 protected:
     ~SoNucleobase() override;
 

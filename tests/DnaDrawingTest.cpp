@@ -299,6 +299,12 @@ INSTANTIATE_TEST_SUITE_P(
                    dna->showBasePairBoxes(false);
                },
                16},
+        Change{"IgnoredPairBoxes",
+               [](SoDNA* dna) {
+                   dna->showBaseBoxes(false);
+                   static_cast<SoSwitch*>(dna->getChild(0))->whichChild.setIgnored(TRUE);
+               },
+               16}, // the bases' own
         Change{"NoBaseBoxes", [](SoDNA* dna) { dna->showBaseBoxes(false); }, 24},
         Change{"SmallerPyrimidines",
                [](SoDNA* dna) {

@@ -1,14 +1,21 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include <array>
 #include <cmath>
 #include <functional>
 #include <ostream>
+#include <vector>
 
+#include <GL/gl.h>
+#include <GL/glext.h>
+#include <Inventor/actions/SoGLRenderAction.h>
 #include <Inventor/actions/SoGetBoundingBoxAction.h>
+#include <Inventor/nodes/SoCallback.h>
 #include <Inventor/nodes/SoComplexity.h>
 #include <Inventor/nodes/SoCube.h>
 #include <Inventor/nodes/SoDrawStyle.h>
 #include <Inventor/nodes/SoMaterial.h>
 #include <Inventor/nodes/SoRotationXYZ.h>
+#include <Inventor/nodes/SoSwitch.h>
 #include <Inventor/nodes/SoTransform.h>
 #include <Inventor/nodes/SoTranslation.h>
 #include <SoNucleobase.h>
@@ -130,6 +137,19 @@ TEST_F(NucleobaseDrawingTest, WhatTheStateAsksForIsTraversed)
     EXPECT_EQ(countDraws(), 1);
 }
 
+TEST_F(NucleobaseDrawingTest, ASwitchWhoseChoiceIsIgnoredShowsNothing)
+{
+    base->showBox(true);
+    for (int part = 0; part < 2; ++part) {
+        auto* parts = static_cast<SoSwitch*>(base->getChild(part));
+        parts->whichChild.setIgnored(TRUE);
+        const Difference difference = compare(draw(), traverse());
+        EXPECT_EQ(difference.strong, 0) << difference;
+        EXPECT_GT(difference.covered, 500);
+        parts->whichChild.setIgnored(FALSE);
+    }
+}
+
 TEST_F(NucleobaseDrawingTest, APartThatIsNotItsOwnIsTraversed)
 {
     base->addChild(new SoRotationXYZ);
@@ -158,6 +178,27 @@ TEST_F(NucleobaseDrawingTest, IsTraversedWhereACacheRecords)
     }
 }
 
+TEST_F(NucleobaseDrawingTest, IsRecordedOutOfViewToo)
+{
+    SoSeparator::setNumRenderCaches(2);
+    place->renderCaching = SoSeparator::ON;
+    auto* aside = new SoTranslation;
+    aside->translation = SbVec3f(40, 0, 0);
+    place->addChild(aside);
+    place->addChild(new SoCube);
+    SoGetBoundingBoxAction(renderer->getViewportRegion()).apply(scene); // Coin has the boxes then
+    camera->pointAt(aside->translation.getValue());
+    for (int frame = 0; frame < 4; ++frame) {
+        const Bytes cube = renderBytes(*renderer, scene);
+        EXPECT_LT(compare(cube, cube).covered, 1000);
+    }
+    lookFrom(0);
+    drawCount = 0;
+    const Bytes picture = renderBytes(*renderer, scene);
+    EXPECT_EQ(drawCount, 0); // from the list
+    EXPECT_GT(compare(picture, picture).covered, 4000);
+}
+
 TEST_F(NucleobaseDrawingTest, FollowingShapesHaveTheirOwnColours)
 {
     auto* material = new SoMaterial;
@@ -170,6 +211,57 @@ TEST_F(NucleobaseDrawingTest, FollowingShapesHaveTheirOwnColours)
     setUnlit();
     const Difference difference = compare(draw(), traverse());
     EXPECT_LE(difference.pixels, 2) << difference;
+}
+
+TEST_F(NucleobaseDrawingTest, IsOpaqueAfterShapesThatAreAdded)
+{
+    renderer->getGLRenderAction()->setTransparencyType(SoGLRenderAction::ADD);
+    auto* glass = new SoMaterial;
+    glass->transparency = 0.5f;
+    settings->addChild(glass);
+    auto* behind = new SoTranslation;
+    behind->translation = SbVec3f(0, 0, -4);
+    settings->addChild(behind);
+    auto* pane = new SoCube;
+    pane->width = pane->height = 30;
+    settings->addChild(pane);
+    settings->addChild(new SoMaterial);
+    const Difference difference = compare(draw(), traverse());
+    EXPECT_LE(difference.strong, 2) << difference;
+    EXPECT_EQ(countDraws(), 1);
+}
+
+TEST_F(NucleobaseDrawingTest, LeavesOpenGLAsItWas)
+{
+    using Facts = std::array<GLint, 8>;
+    const auto note = [](void* facts, SoAction* action) {
+        if (!action->isOfType(SoGLRenderAction::getClassTypeId()))
+            return;
+        Facts now{};
+        const GLenum asked[] = {GL_ARRAY_BUFFER_BINDING, GL_ELEMENT_ARRAY_BUFFER_BINDING,
+                                GL_VERTEX_ARRAY,         GL_NORMAL_ARRAY,
+                                GL_COLOR_ARRAY,          GL_COLOR_MATERIAL_PARAMETER,
+                                GL_MODELVIEW_STACK_DEPTH};
+        for (std::size_t i = 0; i < std::size(asked); ++i)
+            glGetIntegerv(asked[i], &now[i]);
+        now.back() = GLint(glGetError());
+        static_cast<std::vector<Facts>*>(facts)->push_back(now);
+    };
+    std::vector<Facts> facts;
+    auto* callback = new SoCallback;
+    callback->setCallback(note, &facts);
+    settings->addChild(callback);
+    scene->addChild(callback);
+    for (bool atoms : {true, false}) {
+        for (bool box : {true, false}) {
+            base->showAtoms(atoms);
+            base->showBox(box);
+            facts.clear();
+            EXPECT_EQ(countDraws(), int(atoms) + int(box));
+            ASSERT_EQ(facts.size(), 2u);
+            EXPECT_EQ(facts[1], facts[0]) << atoms << box;
+        }
+    }
 }
 
 TEST_F(NucleobaseDrawingTest, EachContextHasItsBuffersAndANewOneAfterItsLoss)

@@ -397,6 +397,9 @@ TEST_F(SoDNATest, GeneratedAgainItIsAsANewOne)
         ASSERT_TRUE(data.give(fresh));
         fresh->generate();
         EXPECT_EQ(written(dna), written(fresh));
+        if (size > 0) { // the pairs and the DNA hold it, and nobody else
+            EXPECT_EQ(parts.bpGroup(0)->getRefCount(), int(size) + 1);
+        }
         EXPECT_EQ(boxOf(dna).getMin(), boxOf(fresh).getMin());
         EXPECT_EQ(boxOf(dna).getMax(), boxOf(fresh).getMax());
     }
@@ -477,9 +480,13 @@ TEST_P(EditedDna, IsAsANewOneWhenGeneratedAgain)
                 EXPECT_FALSE(node->isOverride());
                 EXPECT_TRUE(node->isNotifyEnabled());
                 EXPECT_EQ(node->getUserData(), nullptr);
+                EXPECT_EQ(node->getNodeType(), SoNode::INVENTOR);
             }
-            EXPECT_TRUE(transform->translation.isNotifyEnabled());
-            EXPECT_TRUE(transform->center.isNotifyEnabled());
+            for (const SoField* field : {static_cast<SoField*>(&transform->translation),
+                                         static_cast<SoField*>(&transform->center)}) {
+                EXPECT_TRUE(field->isNotifyEnabled());
+                EXPECT_TRUE(field->isConnectionEnabled());
+            }
         }
     }
 }
@@ -508,6 +515,12 @@ INSTANTIATE_TEST_SUITE_P(
              [](const Parts& p) { p.transform(0, 0)->translation.enableNotify(FALSE); }},
         Edit{"CentreThatTellsNobody",
              [](const Parts& p) { p.transform(0, 0)->center.enableNotify(FALSE); }},
+        Edit{"TranslationThatFollowsNobody",
+             [](const Parts& p) { p.transform(0, 0)->translation.enableConnection(FALSE); }},
+        Edit{"CentreThatFollowsNobody",
+             [](const Parts& p) { p.transform(0, 0)->center.enableConnection(FALSE); }},
+        Edit{"VrmlSeparator",
+             [](const Parts& p) { p.separator(0, 0)->setNodeType(SoNode::VRML2); }},
         Edit{"TransformThatTellsNobody",
              [](const Parts& p) { p.transform(0, 0)->enableNotify(FALSE); }},
         Edit{"SeparatorThatTellsNobody",
@@ -588,6 +601,38 @@ TEST_F(SoDNATest, ReleasesEverythingInTheEnd)
         EXPECT_EQ(node->getRefCount(), 1);
     EXPECT_EQ(material->getRefCount(), 2); // the pair group, which the test holds
     EXPECT_EQ(cube->getRefCount(), 2);
+}
+
+TEST_F(SoDNATest, CopyIsADnaOfItsOwn)
+{
+    const RandomDna data(5);
+    ASSERT_TRUE(data.give(dna));
+    dna->generate();
+    dna->setBoxHeight(2);
+    const std::string before = written(dna);
+    NodeRef<SoDNA> copy(static_cast<SoDNA*>(dna->copy()));
+    EXPECT_EQ(written(copy), before);
+    EXPECT_EQ(copy->getSequence(), data.sequence);
+    EXPECT_EQ(copy->getR2()[4][1], data.r2[4][1]);
+    EXPECT_EQ(copy->getQAvg()[4][3], data.qAvg[4][3]);
+    EXPECT_EQ(copy->getBoxHeight(), 2);
+    const Parts copied(copy);
+    EXPECT_EQ(copied.transform(3, 1)->getRefCount(), 2);
+    EXPECT_EQ(copied.separator(3, 1)->getRefCount(), 1);
+    EXPECT_EQ(copied.bpGroup(0), copied.bpGroup(4));
+
+    copy->setBasepairColour(Vector(1, 0, 0));
+    copy->showBaseBoxes(true);
+    copy->showBasePairBoxes(false);
+    copy->setBoxHeight(3);
+    ASSERT_TRUE(RandomDna(7, 2).give(copy));
+    copy->generate();
+    ASSERT_EQ(copied.bpSwitch->getNumChildren(), 7);
+    ASSERT_EQ(copied.basesGroup->getNumChildren(), 14);
+    EXPECT_TRUE(copied.base(6, 1)->isBoxShown());
+    EXPECT_EQ(copied.base(0, 2)->getBoxHeight(), 3);
+    EXPECT_FALSE(copy->areBasePairBoxesShown());
+    EXPECT_EQ(written(dna), before);
 }
 
 TEST_F(SoDNATest, IsBoundedAndPickedByPair)

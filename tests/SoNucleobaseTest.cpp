@@ -367,6 +367,60 @@ TEST_F(SoNucleobaseTest, PartsGoWithTheNode)
 
 // Look-ups, which need no node
 
+TEST_F(SoNucleobaseTest, CopyIsABaseOfItsOwn)
+{
+    NodeRef<SoNucleobase> thymine(new SoNucleobase('T', false));
+    thymine->setAtomRadius(SoNucleobase::OXYGEN, 0.5);
+    thymine->setAtomColour(SoNucleobase::CARBON, Vector(0.25, 0.5, 0.75));
+    thymine->setBoxHeight(2);
+    thymine->setSmallerPyr(true);
+    NodeRef<SoNucleobase> copy(static_cast<SoNucleobase*>(thymine->copy()));
+    const Parts parts(copy), originals(thymine);
+    ASSERT_EQ(copy->getNumChildren(), 2);
+    ASSERT_EQ(parts.atoms->getNumChildren(), originals.atoms->getNumChildren());
+    for (int i = 0; i < parts.atoms->getNumChildren(); ++i)
+        EXPECT_EQ(parts.place(i), originals.place(i));
+    EXPECT_EQ(copy->getAtomRadius(SoNucleobase::OXYGEN), 0.5);
+    expectColour(copy->getAtomColour(SoNucleobase::CARBON), 0.25, 0.5, 0.75);
+    EXPECT_EQ(copy->getBoxHeight(), 2);
+    EXPECT_TRUE(copy->isPyrSmaller());
+
+    copy->setAtomRadius(SoNucleobase::OXYGEN, 3);
+    copy->setAtomComplexity(1);
+    copy->setBoxHeight(4);
+    copy->showAtoms(false);
+    copy->showBox(true);
+    copy->setSmallerPyr(false);
+    EXPECT_EQ(child<SoSphere>(parts.group(6), 2)->radius.getValue(), 3); // O2
+    EXPECT_EQ(parts.box->depth.getValue(), 4);
+    EXPECT_EQ(parts.atoms->whichChild.getValue(), SO_SWITCH_NONE);
+    EXPECT_LT(parts.boxTranslation->translation.getValue()[1], -2.5f); // mirrored still
+    EXPECT_EQ(thymine->getAtomRadius(SoNucleobase::OXYGEN), 0.5);
+    EXPECT_EQ(thymine->getBoxHeight(), 2);
+    EXPECT_TRUE(thymine->areAtomsShown());
+}
+
+TEST_F(SoNucleobaseTest, CopyKeepsTheSettingsOfKindsWithoutAtoms)
+{
+    NodeRef<SoNucleobase> adenine(new SoNucleobase('A', true));
+    adenine->setAtomRadius(SoNucleobase::OXYGEN, 0.5);
+    NodeRef<SoNucleobase> copy(static_cast<SoNucleobase*>(adenine->copy()));
+    EXPECT_EQ(copy->getAtomRadius(SoNucleobase::OXYGEN), 0.5);
+    copy->setAtomRadius(SoNucleobase::OXYGEN, 2);
+    EXPECT_EQ(copy->getAtomRadius(SoNucleobase::OXYGEN), 2);
+    EXPECT_EQ(adenine->getAtomRadius(SoNucleobase::OXYGEN), 0.5);
+}
+
+TEST_F(SoNucleobaseTest, CopyOfNoBaseIsNone)
+{
+    NodeRef<SoNucleobase> copy(static_cast<SoNucleobase*>(empty->copy()));
+    EXPECT_EQ(copy->getNumChildren(), 0);
+    EXPECT_EQ(copy->getAtomRadius(SoNucleobase::CARBON), -1);
+    EXPECT_EQ(copy->getBoxHeight(), -1);
+    copy->showAtoms(true);
+    EXPECT_FALSE(copy->areAtomsShown());
+}
+
 TEST(SoNucleobaseLookUps, BasesAreUpperCase)
 {
     EXPECT_STREQ(SoNucleobase::BASES, "ATGC");

@@ -20,7 +20,8 @@ bool DnaDrawing::update(SoGroup* root, SoSwitch* boxes, SoGroup* bases)
     placed.clear();
     const int which = boxes->whichChild.getValue();
     drawable = root->getNumChildren() == 2 && root->getChild(0) == boxes &&
-               root->getChild(1) == bases && (which == SO_SWITCH_ALL || which == SO_SWITCH_NONE) &&
+               root->getChild(1) == bases && !boxes->whichChild.isIgnored() &&
+               (which == SO_SWITCH_ALL || which == SO_SWITCH_NONE) &&
                updatePlacements(boxes, boxPlacements) && updatePlacements(bases, basePlacements) &&
                glyphs.update(placed);
     boxesShown = which == SO_SWITCH_ALL;

@@ -38,7 +38,7 @@ SoGroup* asSeparator(SoNode* node)
 bool isAllOrNothing(const SoSwitch* node)
 {
     const int which = node->whichChild.getValue();
-    return which == SO_SWITCH_ALL || which == SO_SWITCH_NONE;
+    return !node->whichChild.isIgnored() && (which == SO_SWITCH_ALL || which == SO_SWITCH_NONE);
 }
 
 template <typename Field>
@@ -270,7 +270,7 @@ bool GlyphDrawing::compile(const std::vector<SoNode*>& nodes)
     for (SoNode* node : nodes) {
         Compiler compiler{vertices, indices, common, {}};
         Compiler::State state;
-        all = all && asSeparator(node) && compiler.compile(node, state);
+        all = all && compiler.compile(node, state);
         glyphs.push_back({node, node->getNodeId(), std::move(compiler.batches)});
     }
     setMaterial(all ? common : nullptr);
@@ -289,14 +289,15 @@ bool GlyphDrawing::canDraw(SoState* state)
 bool GlyphDrawing::draw(SoGLRenderAction* action, const std::function<void()>& drawAll)
 {
     SoState* const state = action->getState();
+    if (!material)
+        return true; // without one there are no shapes
     if (!hasRoomForMatrices() || !bindBuffers(action->getCacheContext()))
         return false;
     SoGLCacheContextElement::shouldAutoCache(state, SoGLCacheContextElement::DONT_AUTO_CACHE);
-    if (!material)
-        return true;
 
     state->push();
     material->GLRender(action);
+    action->handleTransparency(FALSE); // not blended, whatever was before
     SoMaterialBundle bundle(action);
     bundle.sendFirst();
     const bool lit = !bundle.isColorOnly();
