@@ -101,33 +101,60 @@ public:
         kept.push_back(separator);
     }
 
-    // One that was kept, or a new one without children; to be unreferenced.
-    SoSeparator* take()
-    {
-        return next < kept.size() ? kept[next++] : makeReferenced<SoSeparator>();
-    }
+    // One that was kept, to be unreferenced, or null.
+    SoSeparator* take() { return next < kept.size() ? kept[next++] : nullptr; }
 
 private:
     std::vector<SoSeparator*> kept;
     std::size_t next = 0;
 };
 
+// Keeps a node from notifying: one notification in the end tells as much as one per change.
+class Silence
+{
+public:
+    explicit Silence(SoNode* silent) : node(silent), before(silent->enableNotify(FALSE)) {}
+    ~Silence() { node->enableNotify(before); }
+    Silence(const Silence&) = delete;
+    Silence& operator=(const Silence&) = delete;
+
+private:
+    SoNode* node;
+    SbBool before;
+};
+
+void setPlace(SoTransform* transform, const Vector& place, const Rotation& rotation)
+{
+    transform->translation = toSbVec3f(place);
+    transform->rotation = toSbRotation(rotation);
+}
+
+// A new, referenced separator. Nobody is there yet to be notified.
+SoSeparator* makePlaced(const Vector& place, const Rotation& rotation, SoNode* placed)
+{
+    auto* transform = new SoTransform;
+    auto* separator = makeReferenced<SoSeparator>();
+    const Silence ofTransform(transform), ofSeparator(separator);
+    setPlace(transform, place, rotation);
+    separator->addChild(transform);
+    separator->addChild(placed);
+    return separator;
+}
+
 // Appends a separator of a transform and what it places, and references the transform.
 SoTransform* addPlaced(SoGroup* group, Separators& separators, const Vector& place,
                        const Rotation& rotation, SoNode* placed)
 {
-    SoSeparator* const separator = separators.take();
-    const bool isNew = separator->getNumChildren() == 0;
-    auto* transform = isNew ? new SoTransform : static_cast<SoTransform*>(separator->getChild(0));
-    transform->ref();
-    transform->translation = toSbVec3f(place);
-    transform->rotation = toSbRotation(rotation);
-    if (isNew) { // before, the separator would be told twice more
-        separator->addChild(transform);
-        separator->addChild(placed);
-    } else if (separator->getChild(1) != placed) {
-        separator->replaceChild(1, placed);
+    SoSeparator* separator = separators.take();
+    if (separator) {
+        setPlace(static_cast<SoTransform*>(separator->getChild(0)), place, rotation);
+        if (separator->getChild(1) != placed)
+            separator->replaceChild(1, placed);
+    } else {
+        separator = makePlaced(place, rotation, placed);
     }
+    auto* transform = static_cast<SoTransform*>(separator->getChild(0));
+    transform->ref();
     group->addChild(separator);
     separator->unref();
     return transform;
@@ -239,8 +266,20 @@ int SoDNA::isSequenceCorrect(std::string letters)
 
 void SoDNA::generate()
 {
-    // One notification in the end instead of several per pair.
-    const SbBool notified = enableNotify(FALSE);
+    {
+        const Silence ofAll(this);
+        {
+            const Silence ofBoxes(bpSwitch), ofBases(basesGroup);
+            replacePairs();
+        }
+        bpSwitch->touch();
+        basesGroup->touch();
+    }
+    touch();
+}
+
+void SoDNA::replacePairs()
+{
     const std::size_t former = avgTransforms.size();
     Separators boxes(former), bases(2 * former);
     for (std::size_t i = 0; i < former; ++i) {
@@ -262,8 +301,6 @@ void SoDNA::generate()
         strand1Transforms[i] = addPlaced(basesGroup, bases, r1[i], q1[i], strand1Bases[base]);
         strand2Transforms[i] = addPlaced(basesGroup, bases, r2[i], q2[i], strand2Bases[complement]);
     }
-    enableNotify(notified);
-    touch();
 }
 
 void SoDNA::clear()

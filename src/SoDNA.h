@@ -119,6 +119,7 @@ protected:
 
 private:
     void createBP();
+    void replacePairs();
     template <typename Action>
     void forEachBase(Action action);
 

@@ -584,6 +584,27 @@ TEST_F(SoDNATest, GenerateNotifiesOnce)
     EXPECT_FALSE(dna->isNotifyEnabled()); // as the host has set it
 }
 
+TEST_F(SoDNATest, GenerateNotifiesTheParentsOfItsGroups)
+{
+    for (SoNode* group :
+         {static_cast<SoNode*>(parts.bpSwitch), static_cast<SoNode*>(parts.basesGroup)}) {
+        NodeRef<SoSeparator> other(new SoSeparator);
+        other->addChild(group);
+        ASSERT_TRUE(RandomDna(3, 1).give(dna));
+        dna->generate();
+        const SbBox3f first = boxOf(other);
+        const SbUniqueId id = other->getNodeId();
+        ASSERT_TRUE(RandomDna(3, 2).give(dna));
+        dna->generate();
+        EXPECT_GT(other->getNodeId(), id);
+        EXPECT_NE(boxOf(other).getMin(), first.getMin());
+        group->enableNotify(FALSE);
+        dna->generate();
+        EXPECT_FALSE(group->isNotifyEnabled()); // as the host has set it
+        group->enableNotify(TRUE);
+    }
+}
+
 TEST_F(SoDNATest, ReleasesEverythingInTheEnd)
 {
     auto* gone = new SoDNA;
