@@ -129,11 +129,12 @@ void setPlace(SoTransform* transform, const Vector& place, const Rotation& rotat
     transform->rotation = toSbRotation(rotation);
 }
 
-// A new, referenced separator. Nobody is there yet to be notified.
+// A new, referenced separator. Nobody is there yet to be notified. It is made before its
+// transform, for memory is read fastest in the order in which they are visited.
 SoSeparator* makePlaced(const Vector& place, const Rotation& rotation, SoNode* placed)
 {
-    auto* transform = new SoTransform;
     auto* separator = makeReferenced<SoSeparator>();
+    auto* transform = new SoTransform;
     const Silence ofTransform(transform), ofSeparator(separator);
     setPlace(transform, place, rotation);
     separator->addChild(transform);
