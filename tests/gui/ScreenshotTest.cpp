@@ -67,6 +67,12 @@ protected:
         answers.boxes.clear();
         viewer->renderOffscreen();
     }
+    // Of a test's own process, which does not destroy the test.
+    [[noreturn]] void endProcess(bool right)
+    {
+        folder.remove();
+        std::_Exit(right ? 0 : 1);
+    }
     void useIndex() { field<QCheckBox>("indexCheckBox")->setChecked(true); }
     QString path(const QString& name) const { return folder.filePath(name); }
     QStringList files() const { return QDir(folder.path()).entryList(QDir::Files); }
@@ -413,7 +419,7 @@ TEST_F(ScreenshotTest, TheFirstOfAProcessIsBlackAndTheNextHasTheViewersBackgroun
             const QColor third = read(path("screenshot.png")).pixelColor(2, 2);
             const bool right = first == QColor(Qt::black) && second == QColor(Qt::white) &&
                                third == QColor(Qt::blue);
-            std::_Exit(right ? 0 : 1);
+            endProcess(right);
         },
         testing::ExitedWithCode(0), "");
 }
@@ -441,7 +447,7 @@ TEST_F(ScreenshotTest, TheRendererIsOneForAllAnd640By480AtFirst)
             const bool right =
                 renderer->getViewportRegion().getViewportSizePixels() == SbVec2s(640, 480) &&
                 renderer->getBackgroundColor() == SbColor(0, 0, 0);
-            std::_Exit(right ? 0 : 1);
+            endProcess(right);
         },
         testing::ExitedWithCode(0), "");
     take(123, 45);
@@ -575,7 +581,7 @@ TEST_F(ScreenshotTest, WithoutOffscreenContextsItSaysSoAndRestoresTheCamera)
                 answers.boxes[0].buttons == QMessageBox::Ok && dialog->getIndex() == 1 &&
                 viewer->getCamera()->viewportMapping.getValue() == SoCamera::LEAVE_ALONE &&
                 files().isEmpty();
-            std::_Exit(right ? 0 : 1);
+            endProcess(right);
         },
         testing::ExitedWithCode(0), "");
 }
