@@ -269,10 +269,7 @@ void SoDNA::generate()
 {
     {
         const Silence ofAll(this);
-        {
-            const Silence ofBoxes(bpSwitch), ofBases(basesGroup);
-            replacePairs();
-        }
+        replacePairs();
         bpSwitch->touch();
         basesGroup->touch();
     }
@@ -281,6 +278,7 @@ void SoDNA::generate()
 
 void SoDNA::replacePairs()
 {
+    const Silence ofBoxes(bpSwitch), ofBases(basesGroup);
     const std::size_t former = avgTransforms.size();
     Separators boxes(former), bases(2 * former);
     for (std::size_t i = 0; i < former; ++i) {

@@ -308,7 +308,7 @@ protected:
         EXPECT_EQ(draws(), 0);
         EXPECT_GT(expected.countOther(BLACK), 1000);
         for (int frame = 1; frame < 4; ++frame) {
-            EXPECT_EQ(draw().countDifferences(expected), 0) << frame;
+            EXPECT_EQ(compare(draw(), expected).pixels, 0) << frame;
             EXPECT_EQ(vertices(), 0) << frame;
             EXPECT_EQ(draws(), instances) << frame;
         }
@@ -331,7 +331,7 @@ TEST_P(MeshDrawingSetting, LooksAsTheMeshesDrawIt)
         const Picture expected = drawChanged();
         EXPECT_GT(expected.countOther(BLACK), 80); // points are few
         for (int frame = 1; frame < 4; ++frame) {
-            EXPECT_EQ(draw().countDifferences(expected), 0) << frame;
+            EXPECT_EQ(compare(draw(), expected).pixels, 0) << frame;
             EXPECT_EQ(draws() > 0, GetParam().fromBuffers) << frame;
             EXPECT_TRUE(vertices() == 0 || !GetParam().fromBuffers) << frame;
         }
@@ -350,8 +350,8 @@ TEST_F(MeshDrawingTest, TheThirdFrameSendsNoVertexWhereverTheCameraIs)
     const Picture moved = draw();
     EXPECT_EQ(vertices(), 0);
     EXPECT_EQ(draws(), 1);
-    EXPECT_GT(before.countDifferences(moved), 500);
-    EXPECT_EQ(drawChanged().countDifferences(moved), 0);
+    EXPECT_GT(compare(before, moved).pixels, 500);
+    EXPECT_EQ(compare(drawChanged(), moved).pixels, 0);
 }
 
 TEST_F(MeshDrawingTest, HiddenMeshesAreNotDrawn)
@@ -394,7 +394,7 @@ TEST_F(MeshDrawingTest, WhatFollowsHasItsOwnColourAndNormals)
     scene->addChild(makeBirod());
     const Picture expected = drawChanged();
     for (int frame = 0; frame < 3; ++frame)
-        EXPECT_EQ(draw().countDifferences(expected), 0) << frame;
+        EXPECT_EQ(compare(draw(), expected).pixels, 0) << frame;
     // A colour is sent anew after each draw: OpenGL leaves open which one is current.
     for (auto call = calls.begin(); call != calls.end(); ++call) {
         if (call->name == "glDrawElements") {
@@ -458,8 +458,8 @@ TEST_P(MeshDrawingChange, IsSeenInTheNextFrame)
     const Picture before = draw();
     GetParam().apply(static_cast<SoRod*>(shape), material, settings);
     const Picture after = draw();
-    EXPECT_GT(before.countDifferences(after), 100);
-    EXPECT_EQ(drawChanged().countDifferences(after), 0);
+    EXPECT_GT(compare(before, after).pixels, 100);
+    EXPECT_EQ(compare(drawChanged(), after).pixels, 0);
     expectSameFromBuffers();
 }
 
@@ -546,7 +546,7 @@ TEST_F(MeshDrawingTest, TransparencyIsSeenHoweverLittleItChanges)
     expectSameFromBuffers();
     const Picture before = draw();
     material->transparency = 0.4045f; // 153 and 151.9 of 255 opaque
-    EXPECT_GT(before.countDifferences(draw()), 100);
+    EXPECT_GT(compare(before, draw()).pixels, 100);
     expectSameFromBuffers();
 }
 
@@ -564,7 +564,7 @@ TEST_F(MeshDrawingTest, EveryTransparencyTypeIsSeen)
         for (int frame = 0; frame < 3; ++frame)
             last = draw();
         EXPECT_EQ(draws(), 1) << value;
-        EXPECT_EQ(drawChanged().countDifferences(last), 0) << value;
+        EXPECT_EQ(compare(drawChanged(), last).pixels, 0) << value;
         draw();
         draw();
     }
@@ -585,8 +585,8 @@ TEST_F(MeshDrawingTest, TransparenciesBesideTheColoursAreSeen)
     const Picture before = draw();
     transparencies->transparency.set1Value(4, 0.9f);
     const Picture after = draw();
-    EXPECT_GT(before.countDifferences(after), 20);
-    EXPECT_EQ(drawChanged().countDifferences(after), 0);
+    EXPECT_GT(compare(before, after).pixels, 20);
+    EXPECT_EQ(compare(drawChanged(), after).pixels, 0);
 }
 
 TEST_F(MeshDrawingTest, NewColoursFillOneBuffer)
@@ -629,7 +629,7 @@ TEST_F(MeshDrawingTest, InstancesUnderSeveralMaterialsHaveEachTheirOwn)
     place->addChild(shape);
     const Picture expected = drawChanged();
     for (int frame = 0; frame < 3; ++frame) {
-        EXPECT_EQ(draw().countDifferences(expected), 0) << frame;
+        EXPECT_EQ(compare(draw(), expected).pixels, 0) << frame;
         EXPECT_EQ(draws(), 0) << frame;
     }
 }
@@ -644,14 +644,14 @@ TEST_F(MeshDrawingTest, AListThatIsRecordedHasTheVertices)
     draw();
     scene->renderCaching = SoSeparator::ON;
     for (int frame = 0; frame < 4; ++frame) {
-        EXPECT_EQ(draw().countDifferences(expected), 0) << frame;
+        EXPECT_EQ(compare(draw(), expected).pixels, 0) << frame;
         // Coin records in its second frame, and calls its list from then on.
         EXPECT_EQ(draws(), frame == 0 ? 1 : 0) << frame;
         EXPECT_EQ(vertices() > 0, frame == 1) << frame;
     }
     scene->renderCaching = SoSeparator::OFF;
     draw();
-    EXPECT_EQ(draw().countDifferences(expected), 0);
+    EXPECT_EQ(compare(draw(), expected).pixels, 0);
     EXPECT_EQ(draws(), 1);
 }
 
@@ -662,7 +662,7 @@ TEST_F(MeshDrawingTest, EachContextHasItsOwnBuffers)
     const Picture expected = drawChanged();
     for (int frame = 0; frame < 4; ++frame) {
         for (SoOffscreenRenderer* each : {other.get(), renderer.get()}) {
-            EXPECT_EQ(draw(*each).countDifferences(expected), 0) << frame;
+            EXPECT_EQ(compare(draw(*each), expected).pixels, 0) << frame;
             EXPECT_EQ(draws(), frame > 0 || each == renderer.get() ? 1 : 0) << frame;
         }
     }
@@ -686,7 +686,7 @@ TEST_F(MeshDrawingTest, ALostContextTakesItsBuffersAlong)
     EXPECT_EQ(namesIn(RecordingGL::stop(), "glDeleteBuffers"), made);
     renderer = makeRenderer();
     for (int frame = 0; frame < 4; ++frame) {
-        EXPECT_EQ(draw().countDifferences(expected), 0) << frame;
+        EXPECT_EQ(compare(draw(), expected).pixels, 0) << frame;
         EXPECT_EQ(draws(), frame > 0 ? 1 : 0);
     }
 }

@@ -96,7 +96,7 @@ TEST_F(NucleobaseDrawingTest, EachPlaceIsOneDraw)
         row->addChild(aside);
     }
     drawCount = 0;
-    const Bytes drawn = draw(row);
+    const Picture drawn = draw(row);
     EXPECT_EQ(drawCount, 3);
     const Difference difference = compare(drawn, traverse(row));
     EXPECT_EQ(difference.pixels, 0) << difference;
@@ -110,8 +110,8 @@ TEST_F(NucleobaseDrawingTest, OfNoLetterNothingIsDrawn)
     EXPECT_EQ(countDraws(), 1);
     place->removeChild(0);
     drawCount = 0;
-    const Bytes picture = renderBytes(*renderer, scene);
-    EXPECT_EQ(compare(picture, picture).covered, 0);
+    const Picture picture = renderPicture(*renderer, scene);
+    EXPECT_EQ(picture.countOther(BLACK), 0);
     EXPECT_EQ(drawCount, 0);
 }
 
@@ -166,13 +166,13 @@ TEST_F(NucleobaseDrawingTest, IsTraversedWhereACacheRecords)
     base->showAtoms(false);
     base->showBox(true);
     place->renderCaching = SoSeparator::ON;
-    Bytes before = draw();
+    Picture before = draw();
     for (int frame = 0; frame < 4; ++frame) {
         if (frame == 2)
             base->setBoxColour(Vector(0, 1, 0));
         drawCount = 0;
-        const Bytes next = renderBytes(*renderer, scene); // from the list, once there is one
-        EXPECT_TRUE(frame != 0 || drawCount == 0);        // recorded by traversal
+        const Picture next = renderPicture(*renderer, scene); // from the list, once there is one
+        EXPECT_TRUE(frame != 0 || drawCount == 0);            // recorded by traversal
         EXPECT_EQ(compare(before, next).pixels > 0, frame == 2);
         before = next;
     }
@@ -189,14 +189,14 @@ TEST_F(NucleobaseDrawingTest, IsRecordedOutOfViewToo)
     SoGetBoundingBoxAction(renderer->getViewportRegion()).apply(scene); // Coin has the boxes then
     camera->pointAt(aside->translation.getValue());
     for (int frame = 0; frame < 4; ++frame) {
-        const Bytes cube = renderBytes(*renderer, scene);
-        EXPECT_LT(compare(cube, cube).covered, 1000);
+        const Picture cube = renderPicture(*renderer, scene);
+        EXPECT_LT(cube.countOther(BLACK), 1000);
     }
     lookFrom(0);
     drawCount = 0;
-    const Bytes picture = renderBytes(*renderer, scene);
+    const Picture picture = renderPicture(*renderer, scene);
     EXPECT_EQ(drawCount, 0); // from the list
-    EXPECT_GT(compare(picture, picture).covered, 4000);
+    EXPECT_GT(picture.countOther(BLACK), 4000);
 }
 
 TEST_F(NucleobaseDrawingTest, FollowingShapesHaveTheirOwnColours)
@@ -266,15 +266,15 @@ TEST_F(NucleobaseDrawingTest, LeavesOpenGLAsItWas)
 
 TEST_F(NucleobaseDrawingTest, EachContextHasItsBuffersAndANewOneAfterItsLoss)
 {
-    const Bytes expected = draw();
+    const Picture expected = draw();
     SoOffscreenRenderer other(renderer->getViewportRegion());
-    EXPECT_EQ(compare(expected, renderBytes(other, scene)).pixels, 0);
+    EXPECT_EQ(compare(expected, renderPicture(other, scene)).pixels, 0);
     renderer = std::make_unique<SoOffscreenRenderer>(other.getViewportRegion());
-    EXPECT_EQ(compare(expected, renderBytes(*renderer, scene)).pixels, 0);
+    EXPECT_EQ(compare(expected, renderPicture(*renderer, scene)).pixels, 0);
     base->setAtomRadius(SoNucleobase::NITROGEN, 1);
-    const Bytes changed = renderBytes(*renderer, scene);
+    const Picture changed = renderPicture(*renderer, scene);
     EXPECT_GT(compare(expected, changed).strong, 50);
-    EXPECT_EQ(compare(changed, renderBytes(other, scene)).pixels, 0);
+    EXPECT_EQ(compare(changed, renderPicture(other, scene)).pixels, 0);
 }
 
 // Changes show in the next picture
@@ -298,9 +298,9 @@ TEST_P(NucleobaseDrawingChange, ShowsInTheNextPicture)
     for (int kind = 0; kind < 3; ++kind)
         base->setAtomRadius(SoNucleobase::Atom(kind), 0.9);
     base->showBox(true);
-    const Bytes first = draw();
+    const Picture first = draw();
     GetParam().apply(base);
-    const Bytes drawn = draw();
+    const Picture drawn = draw();
     EXPECT_GT(compare(first, drawn).strong, 20);
     const Difference difference = compare(drawn, traverse());
     EXPECT_LE(difference.pixels, 2) << difference;

@@ -2,7 +2,6 @@
 // What a DNA costs per base pair. With arguments it only builds or draws, for the counting of
 // instructions: dna PAIRS [FRAMES].
 #include <algorithm>
-#include <chrono>
 #include <cstdlib>
 #include <functional>
 #include <string>
@@ -118,13 +117,6 @@ void measureFrames(Table& table, int pairs, const std::string& name)
                   frames[2] / pairs * 1e9, "ns/pair", Table::Goal::None, 0);
 }
 
-double secondsOf(const std::function<void()>& function)
-{
-    const auto start = std::chrono::steady_clock::now();
-    function();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
 // The nodes of as many pairs, made without a DNA: what Coin takes for them.
 void addNodes(SoGroup* group, int pairs, SoNode* placed)
 {
@@ -158,11 +150,11 @@ double leastSeconds(int pairs, bool fresh, const std::function<void(Node*)>& fil
 }
 
 // Compares the instructions of a pair with those at a tenth of the length, and returns them.
-double countBuilding(Table& table, const std::string& program, int pairs, const std::string& name,
-                     double before)
+// A program without pairs takes so many.
+double countBuilding(Table& table, const std::string& program, double none, int pairs,
+                     const std::string& name, double before)
 {
     const std::string what = "Data given and generated, " + name + " pairs";
-    const double none = countInstructions(program, {"0"});
     const double all = countInstructions(program, {std::to_string(pairs)});
     if (none < 0 || all < 0) {
         table.missing(what, "valgrind cannot run");
@@ -245,9 +237,10 @@ int main(int count, char** arguments)
     }
     const std::vector<std::pair<int, std::string>> lengths{
         {100, "10²"}, {1000, "10³"}, {10000, "10⁴"}, {100000, "10⁵"}};
+    const double none = countInstructions(arguments[0], {"0"});
     double before = 0;
     for (const auto& [pairs, name] : lengths) {
-        before = countBuilding(table, arguments[0], pairs, name, before);
+        before = countBuilding(table, arguments[0], none, pairs, name, before);
         measureBuilding(table, pairs, name);
     }
     table.print();

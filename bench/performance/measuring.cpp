@@ -10,15 +10,6 @@
 
 namespace {
 
-double secondsOf(const std::function<void()>& function, int calls)
-{
-    const auto begin = std::chrono::steady_clock::now();
-    for (int call = 0; call < calls; ++call)
-        function();
-    const auto end = std::chrono::steady_clock::now();
-    return std::chrono::duration<double>(end - begin).count() / calls;
-}
-
 std::string threeDigits(double value)
 {
     char text[32];
@@ -36,28 +27,44 @@ std::string row(const std::vector<std::string>& cells)
 
 } // namespace
 
+double secondsOf(const std::function<void()>& function)
+{
+    const auto begin = std::chrono::steady_clock::now();
+    function();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+}
+
+double median(std::vector<double> values)
+{
+    const auto middle = values.begin() + std::ptrdiff_t(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
+}
+
 std::vector<double> medianSeconds(const std::vector<std::function<void()>>& functions, int rounds)
 {
     const double secondsPerRound = 0.005;
     std::vector<int> calls;
     for (const auto& function : functions) {
         function(); // the first call is another matter
-        const double seconds = secondsOf(function, 1);
+        const double seconds = secondsOf(function);
         calls.push_back(int(std::clamp(secondsPerRound / seconds, 1.0, 1000.0)));
     }
 
     std::vector<std::vector<double>> seconds(functions.size());
     for (int round = 0; round < rounds; ++round) {
-        for (std::size_t i = 0; i < functions.size(); ++i)
-            seconds[i].push_back(secondsOf(functions[i], calls[i]));
+        for (std::size_t i = 0; i < functions.size(); ++i) {
+            const double all = secondsOf([&] {
+                for (int call = 0; call < calls[i]; ++call)
+                    functions[i]();
+            });
+            seconds[i].push_back(all / calls[i]);
+        }
     }
 
     std::vector<double> medians;
-    for (std::vector<double>& ofOne : seconds) {
-        const auto middle = ofOne.begin() + std::ptrdiff_t(ofOne.size() / 2);
-        std::nth_element(ofOne.begin(), middle, ofOne.end());
-        medians.push_back(*middle);
-    }
+    for (const std::vector<double>& ofOne : seconds)
+        medians.push_back(median(ofOne));
     return medians;
 }
 

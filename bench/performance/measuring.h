@@ -11,6 +11,12 @@
 // are only compared with what was measured in turn with them, and instructions are
 // counted.
 
+/// The seconds of one call.
+double secondsOf(const std::function<void()>& function);
+
+/// The median of at least one value.
+double median(std::vector<double> values);
+
 /// The median seconds of one call of each function. They are called in turn, as often per
 /// round as makes a round of one function some milliseconds long.
 std::vector<double> medianSeconds(const std::vector<std::function<void()>>& functions,

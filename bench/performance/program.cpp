@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What a run of strandview costs: a long table, from reading to the picture.
-#include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -88,13 +86,6 @@ CameraRequest fromAside()
     return camera;
 }
 
-double secondsOf(const std::function<void()>& function)
-{
-    const auto start = std::chrono::steady_clock::now();
-    function();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
 // The seconds of what a run does, in the memory of a fresh process.
 struct Phases
 {
@@ -145,13 +136,6 @@ bool measurePhasesAfresh(const std::string& file, const std::string& picture, Ph
     close(ends[0]);
     int status = 1;
     return child > 0 && waitpid(child, &status, 0) == child && status == 0 && told;
-}
-
-double median(std::vector<double> values)
-{
-    std::nth_element(values.begin(), values.begin() + std::ptrdiff_t(values.size() / 2),
-                     values.end());
-    return values[values.size() / 2];
 }
 
 void addProfile(Table& table, const std::string& file, const std::string& picture,

@@ -18,13 +18,11 @@ bool DnaDrawing::update(SoGroup* root, SoSwitch* boxes, SoGroup* bases)
     if (id == seenId)
         return drawable;
     placed.clear();
-    const int which = boxes->whichChild.getValue();
     drawable = root->getNumChildren() == 2 && root->getChild(0) == boxes &&
-               root->getChild(1) == bases && !boxes->whichChild.isIgnored() &&
-               (which == SO_SWITCH_ALL || which == SO_SWITCH_NONE) &&
+               root->getChild(1) == bases && isAllOrNothing(boxes) &&
                updatePlacements(boxes, boxPlacements) && updatePlacements(bases, basePlacements) &&
                glyphs.update(placed);
-    boxesShown = which == SO_SWITCH_ALL;
+    boxesShown = boxes->whichChild.getValue() == SO_SWITCH_ALL;
     seenId = id;
     if (!drawable)
         boxPlacements = basePlacements = {};

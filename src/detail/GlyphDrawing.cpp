@@ -34,13 +34,6 @@ SoGroup* asSeparator(SoNode* node)
     return base ? base : exactly<SoSeparator>(node);
 }
 
-// Whether a switch shows all or nothing: the two that are drawn here.
-bool isAllOrNothing(const SoSwitch* node)
-{
-    const int which = node->whichChild.getValue();
-    return !node->whichChild.isIgnored() && (which == SO_SWITCH_ALL || which == SO_SWITCH_NONE);
-}
-
 template <typename Field>
 bool isSingle(const Field& field)
 {
@@ -90,6 +83,12 @@ bool hasRoomForMatrices()
 }
 
 } // namespace
+
+bool isAllOrNothing(const SoSwitch* node)
+{
+    const int which = node->whichChild.getValue();
+    return !node->whichChild.isIgnored() && (which == SO_SWITCH_ALL || which == SO_SWITCH_NONE);
+}
 
 // Walks over what is placed, as a traversal would, and collects its triangles.
 struct GlyphDrawing::Compiler
@@ -291,7 +290,8 @@ bool GlyphDrawing::draw(SoGLRenderAction* action, const std::function<void()>& d
     SoState* const state = action->getState();
     if (!material)
         return true; // without one there are no shapes
-    if (!hasRoomForMatrices() || !bindBuffers(action->getCacheContext()))
+    const std::uint32_t context = action->getCacheContext();
+    if (!hasRoomForMatrices() || !GLBuffer::areSupported(context))
         return false;
     SoGLCacheContextElement::shouldAutoCache(state, SoGLCacheContextElement::DONT_AUTO_CACHE);
 
@@ -305,6 +305,8 @@ bool GlyphDrawing::draw(SoGLRenderAction* action, const std::function<void()>& d
     if (lit)
         glColorMaterial(GL_FRONT_AND_BACK, GL_AMBIENT_AND_DIFFUSE);
 
+    glPushClientAttrib(GL_CLIENT_VERTEX_ARRAY_BIT);
+    bindBuffers(context);
     glEnableClientState(GL_VERTEX_ARRAY);
     glEnableClientState(GL_COLOR_ARRAY);
     glVertexPointer(3, GL_FLOAT, sizeof(Vertex), GLBuffer::offset(offsetof(Vertex, point)));
@@ -314,12 +316,7 @@ bool GlyphDrawing::draw(SoGLRenderAction* action, const std::function<void()>& d
         glNormalPointer(GL_FLOAT, sizeof(Vertex), GLBuffer::offset(offsetof(Vertex, normal)));
     }
     drawAll();
-    glDisableClientState(GL_NORMAL_ARRAY);
-    glDisableClientState(GL_COLOR_ARRAY);
-    glDisableClientState(GL_VERTEX_ARRAY);
-
-    GLBuffer().bind(GL_ARRAY_BUFFER);
-    GLBuffer().bind(GL_ELEMENT_ARRAY_BUFFER);
+    glPopClientAttrib();
     if (lit)
         glColorMaterial(GL_FRONT_AND_BACK, GL_DIFFUSE);
     // The current colour is undefined after an array of them.
@@ -355,10 +352,8 @@ void GlyphDrawing::drawGlyph(std::size_t index, const SbMatrix& place) const
 }
 
 // Brings the geometry to the context, unless it is there already.
-bool GlyphDrawing::bindBuffers(std::uint32_t context)
+void GlyphDrawing::bindBuffers(std::uint32_t context)
 {
-    if (!GLBuffer::areSupported(context))
-        return false;
     Buffers& held = buffers[context];
     if (held.version != version) {
         held.vertices = GLBuffer(context, GL_ARRAY_BUFFER, vertices);
@@ -367,5 +362,4 @@ bool GlyphDrawing::bindBuffers(std::uint32_t context)
     }
     held.vertices.bind(GL_ARRAY_BUFFER);
     held.indices.bind(GL_ELEMENT_ARRAY_BUFFER);
-    return true;
 }

@@ -16,6 +16,10 @@ class SoGLRenderAction;
 class SoMaterial;
 class SoNode;
 class SoState;
+class SoSwitch;
+
+/// Whether a switch shows all or nothing: the two that are drawn from buffers.
+bool isAllOrNothing(const SoSwitch* node);
 
 /// Draws nodes that hold spheres and boxes from vertex buffers, instead of traversing them:
 /// the bases and boxes of a DNA, which are placed many times.
@@ -84,7 +88,7 @@ private:
 
     bool compile(const std::vector<SoNode*>& nodes);
     void setMaterial(SoMaterial* newMaterial);
-    bool bindBuffers(std::uint32_t context);
+    void bindBuffers(std::uint32_t context);
 
     std::vector<Glyph> glyphs;
     bool understood = true;

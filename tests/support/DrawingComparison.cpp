@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/DrawingComparison.h"
 
-#include <algorithm>
-#include <cstdlib>
-
 #include <GL/gl.h>
 #include <Inventor/nodes/SoDirectionalLight.h>
 #include <Inventor/nodes/SoLightModel.h>
@@ -28,41 +25,6 @@ glDrawElements(GLenum mode, GLsizei count, GLenum type, const void* indices)
     static const auto real = REAL(glDrawElements);
     ++drawCount;
     real(mode, count, type, indices);
-}
-
-std::ostream& operator<<(std::ostream& stream, const Difference& difference)
-{
-    return stream << difference.pixels << " of " << difference.covered << " pixels, "
-                  << difference.strong << " by more than one level, at most by "
-                  << difference.largest;
-}
-
-Bytes renderBytes(SoOffscreenRenderer& renderer, SoNode* scene)
-{
-    renderer.setBackgroundColor(SbColor(0, 0, 0));
-    if (!renderer.render(scene))
-        return {};
-    const SbVec2s size = renderer.getViewportRegion().getViewportSizePixels();
-    return Bytes(renderer.getBuffer(), renderer.getBuffer() + 3 * size[0] * size[1]);
-}
-
-Difference compare(const Bytes& a, const Bytes& b)
-{
-    Difference result;
-    EXPECT_FALSE(a.empty());
-    EXPECT_EQ(b.size(), a.size());
-    for (std::size_t i = 0; i + 2 < std::min(a.size(), b.size()); i += 3) {
-        int largest = 0, brightest = 0;
-        for (std::size_t k = i; k < i + 3; ++k) {
-            largest = std::max(largest, std::abs(int(a[k]) - int(b[k])));
-            brightest = std::max({brightest, int(a[k]), int(b[k])});
-        }
-        result.pixels += largest > 0;
-        result.strong += largest > 1;
-        result.covered += brightest > 0;
-        result.largest = std::max(result.largest, largest);
-    }
-    return result;
 }
 
 DrawingComparison::DrawingComparison()
@@ -101,17 +63,17 @@ void DrawingComparison::setUnlit()
     settings->addChild(model);
 }
 
-Bytes DrawingComparison::draw(SoNode* root)
+Picture DrawingComparison::draw(SoNode* root)
 {
     place->replaceChild(0, drawn);
-    return renderBytes(*renderer, root);
+    return renderPicture(*renderer, root);
 }
 
-Bytes DrawingComparison::traverse(SoNode* root)
+Picture DrawingComparison::traverse(SoNode* root)
 {
     place->replaceChild(0, plain);
     drawCount = 0;
-    Bytes picture = renderBytes(*renderer, root);
+    Picture picture = renderPicture(*renderer, root);
     EXPECT_EQ(drawCount, 0);
     return picture;
 }
@@ -126,7 +88,7 @@ int DrawingComparison::countDraws()
 void DrawingComparison::expectSame(bool fromBuffers)
 {
     drawCount = 0;
-    const Bytes picture = draw();
+    const Picture picture = draw();
     EXPECT_EQ(drawCount > 0, fromBuffers);
     const Difference difference = compare(picture, traverse());
     EXPECT_EQ(difference.pixels, 0) << difference;

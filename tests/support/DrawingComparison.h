@@ -3,8 +3,6 @@
 #define STRANDVIEW_TESTS_DRAWINGCOMPARISON_H
 
 #include <memory>
-#include <ostream>
-#include <vector>
 
 #include <Inventor/SoOffscreenRenderer.h>
 #include <Inventor/nodes/SoPerspectiveCamera.h>
@@ -12,28 +10,12 @@
 #include <gtest/gtest.h>
 
 #include "CoinEnvironment.h"
+#include "renderPicture.h"
 
 /// The calls of glDrawArrays and glDrawElements so far; for a test to set to zero. A program
 /// that links the source has both functions of its own, which count. Coin itself draws in
 /// immediate mode.
 extern int drawCount;
-
-/// How two pictures of the size of a DrawingComparison differ.
-struct Difference
-{
-    int pixels = 0; ///< that differ at all
-    int largest = 0;
-    int strong = 0;  ///< that differ by more than one level of 255
-    int covered = 0; ///< that are not background
-};
-
-std::ostream& operator<<(std::ostream& stream, const Difference& difference);
-
-using Bytes = std::vector<unsigned char>;
-
-/// Red, green and blue of all pixels on black; empty if the scene could not be rendered.
-Bytes renderBytes(SoOffscreenRenderer& renderer, SoNode* scene);
-Difference compare(const Bytes& a, const Bytes& b);
 
 /// A node that draws from buffers looks like its graph traversed: its children, under a plain
 /// separator and an override, with which nothing is drawn from buffers.
@@ -49,10 +31,10 @@ protected:
     void setUnlit();
 
     /// The picture of the scene, or of another one above the place, in either way.
-    Bytes draw() { return draw(scene); }
-    Bytes draw(SoNode* root);
-    Bytes traverse() { return traverse(scene); }
-    Bytes traverse(SoNode* root);
+    Picture draw() { return draw(scene); }
+    Picture draw(SoNode* root);
+    Picture traverse() { return traverse(scene); }
+    Picture traverse(SoNode* root);
     /// The number of draws from buffers in a frame.
     int countDraws();
     /// Both pictures are the same, and the node drew from its buffers, or did not.

@@ -2,10 +2,12 @@
 #include "renderPicture.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 #include <Inventor/SbColor.h>
 #include <Inventor/SbViewportRegion.h>
 #include <Inventor/SoOffscreenRenderer.h>
+#include <gtest/gtest.h>
 
 Picture::Picture(int pictureWidth, int pictureHeight, const unsigned char* rgb)
     : width(pictureWidth), height(pictureHeight)
@@ -26,12 +28,28 @@ int Picture::countOther(const Colour& colour) const
     return static_cast<int>(pixels.size()) - count(colour);
 }
 
-int Picture::countDifferences(const Picture& other) const
+Difference compare(const Picture& a, const Picture& b)
 {
-    int count = 0;
-    for (std::size_t i = 0; i < pixels.size(); ++i)
-        count += pixels[i] != other.pixels.at(i);
-    return count;
+    Difference result;
+    EXPECT_TRUE(a.isRendered());
+    EXPECT_EQ(b.pixels.size(), a.pixels.size());
+    for (std::size_t i = 0; i < std::min(a.pixels.size(), b.pixels.size()); ++i) {
+        int largest = 0;
+        for (std::size_t k = 0; k < 3; ++k)
+            largest = std::max(largest, std::abs(a.pixels[i][k] - b.pixels[i][k]));
+        result.pixels += largest > 0;
+        result.strong += largest > 1;
+        result.covered += a.pixels[i] != BLACK || b.pixels[i] != BLACK;
+        result.largest = std::max(result.largest, largest);
+    }
+    return result;
+}
+
+std::ostream& operator<<(std::ostream& stream, const Difference& difference)
+{
+    return stream << difference.pixels << " of " << difference.covered << " pixels, "
+                  << difference.strong << " by more than one level, at most by "
+                  << difference.largest;
 }
 
 Picture renderPicture(SoNode* scene, int width, int height)
