@@ -174,7 +174,7 @@ void placeCamera(SoCamera& camera, const CameraRequest& request, SoNode* scene,
         setClipping(camera, boxOf(scene, region));
         return;
     }
-    const ViewAxes axes = axesOf(request.side);
+    const ViewAxes axes = axesOf(request.side.value_or(Side::Z));
     camera.pointAt(camera.position.getValue() + axes.direction, axes.up);
     fitScene(camera, scene, region, bottom);
 }

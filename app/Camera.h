@@ -24,7 +24,7 @@ SoCamera* makeCamera(const CameraRequest& request, SoNode* scene, const SbViewpo
                      float bottom);
 
 /// Puts a camera of the right type where it was asked for: by its numbers, or on a
-/// side from where all of the scene is seen as fitScene() says.
+/// side, that of z if left open, from where all of the scene is seen as fitScene() says.
 void placeCamera(SoCamera& camera, const CameraRequest& request, SoNode* scene,
                  const SbViewportRegion& region, float bottom);
 

@@ -12,7 +12,7 @@ enum class Side { X, MINUS_X, Y, MINUS_Y, Z, MINUS_Z };
 /// The camera that the user asked for: its numbers, or else a standard view.
 struct CameraRequest
 {
-    Side side = Side::Z;
+    std::optional<Side> side; ///< the thinnest if left open, see thinnestSide()
     bool perspective = false;
     std::optional<CameraNumbers> numbers;
 

@@ -89,6 +89,13 @@ void DataScene::getBoundingBox(SoGetBoundingBoxAction* action)
     action->setCenter(box.getCenter(), TRUE);
 }
 
+CameraRequest DataScene::settle(CameraRequest request) const
+{
+    if (!request.side)
+        request.side = standardSide;
+    return request;
+}
+
 void DataScene::addLegend(SoNode* node)
 {
     legend = node;

@@ -9,6 +9,7 @@
 #include <Inventor/SbBox3f.h>
 #include <SoGeneralScene.h>
 
+#include "CameraRequest.h"
 #include "Colour.h"
 #include "Placement.h"
 
@@ -25,6 +26,11 @@ public:
 
     /// The box that everything added lies in.
     void extendBox(const SbBox3f& more);
+
+    /// The side that it is seen from unless another is asked for.
+    void setSide(Side side) { standardSide = side; }
+    /// What was asked for, with what it leaves open.
+    CameraRequest settle(CameraRequest request) const;
 
     /// Adds a legend that is drawn over the scene.
     void addLegend(SoNode* node);
@@ -52,6 +58,7 @@ private:
 
     Placement placement;
     SbBox3f box;
+    Side standardSide = Side::Z;
     SoNode* legend = nullptr;
     std::map<const SoNode*, std::string> names;
 };

@@ -75,3 +75,14 @@ Extent measure(const Configuration& configuration)
     }
     return measurer.finish();
 }
+
+Side thinnestSide(const Extent& extent)
+{
+    const Vector3<double>& sides = extent.sides;
+    // Files have six digits or more.
+    const double rounding = 1e-6 * std::max({sides.x, sides.y, sides.z});
+    const double shortest = std::min({sides.x, sides.y, sides.z}) + rounding;
+    if (!(sides.z > shortest))
+        return Side::Z;
+    return sides.x > shortest ? Side::Y : Side::X;
+}

@@ -2,6 +2,7 @@
 #ifndef STRANDVIEW_APP_EXTENT_H
 #define STRANDVIEW_APP_EXTENT_H
 
+#include "CameraRequest.h"
 #include "Configuration.h"
 
 /// How much room a configuration takes, in the data's unit.
@@ -14,5 +15,10 @@ struct Extent
 };
 
 Extent measure(const Configuration& configuration);
+
+/// The side that most is seen from: one looks along the direction, of x, y and z, in which
+/// the box is shortest. Of those that are as short but for rounding it is z rather than x,
+/// and x rather than y.
+Side thinnestSide(const Extent& extent);
 
 #endif

@@ -206,7 +206,7 @@ void MainWindow::showScene(DataScene* newScene, const std::vector<std::string>& 
         pickLabel->setText(QString::fromStdString(text));
     };
     viewer->setSceneGraph(static_cast<SoGeneralScene*>(scene));
-    place(options.camera);
+    place(scene->settle(options.camera));
     viewer->saveHomePosition();
     // The numbers were for the first scene.
     options.camera.numbers.reset();

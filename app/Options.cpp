@@ -172,7 +172,9 @@ void addCamera(CLI::App& app, Options& options)
     };
     CLI::Option* view =
         app.add_option_function<std::string>(
-               "--view", parseSide, "The side that it is seen from: x, -x, y, -y, z or -z [z]")
+               "--view", parseSide,
+               "The side that it is seen from: x, -x, y, -y, z or -z [along the shortest side of "
+               "its box]")
             ->type_name("SIDE")
             ->group(group);
     CLI::Option* perspective = app.add_flag("--perspective", options.camera.perspective,

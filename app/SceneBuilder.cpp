@@ -461,5 +461,9 @@ DataScene* buildScene(const Configuration& configuration, const Style& style,
         return nullptr;
     Builder builder(configuration, choosePlacement(extent, style), style, colouring, progress);
     error = builder.build();
-    return error.empty() ? builder.take() : nullptr;
+    if (!error.empty())
+        return nullptr;
+    DataScene* scene = builder.take();
+    scene->setSide(thinnestSide(extent));
+    return scene;
 }

@@ -27,11 +27,12 @@ int renderPicture(const Options& options, DataScene* scene)
     Progress progress;
     progress.announce("Rendering " + *options.picture);
     CameraNumbers camera;
-    const std::string failure = writePicture(
-        scene,
-        {*options.picture, options.pictureWidth, options.pictureHeight, options.samples,
-         options.background, options.transparent, options.camera, scene->getLegendHeight()},
-        &camera);
+    const std::string failure =
+        writePicture(scene,
+                     {*options.picture, options.pictureWidth, options.pictureHeight,
+                      options.samples, options.background, options.transparent,
+                      scene->settle(options.camera), scene->getLegendHeight()},
+                     &camera);
     progress.hide();
     if (!failure.empty())
         return fail(CANNOT_WRITE, failure);

@@ -400,6 +400,32 @@ TEST_F(StrandviewTest, EveryStandardViewShowsItsOwnSide)
     }
 }
 
+TEST_F(StrandviewTest, WithoutAViewItLooksAlongTheShortestSideOfTheData)
+{
+    const auto cameraOf = [&](const std::string& table, std::vector<std::string> view) {
+        view.insert(view.end(), {"--print-camera", "--size", "40x30", "--render", path("rod.png"),
+                                 write("rod.txt", table)});
+        const ProgramRun result = run(view);
+        EXPECT_EQ(result.status, 0) << result.error;
+        return result.output;
+    };
+    // Arcs in the planes across x, y and z, and a straight rod along z.
+    const std::pair<const char*, const char*> tables[] = {{"0 0 0\n0 1 1\n0 2 1\n0 3 0\n", "x"},
+                                                          {"0 0 0\n1 0 1\n2 0 1\n3 0 0\n", "y"},
+                                                          {"0 0 0\n1 1 0\n2 1 0\n3 0 0\n", "z"},
+                                                          {"0 0 0\n0 0 1\n0 0 2\n", "x"}};
+    for (const auto& [table, side] : tables) {
+        SCOPED_TRACE(table);
+        for (const std::vector<std::string>& type :
+             {std::vector<std::string>{}, std::vector<std::string>{"--perspective"}}) {
+            std::vector<std::string> asked = type;
+            asked.insert(asked.end(), {"--view", side});
+            EXPECT_NE(cameraOf(table, type), "");
+            EXPECT_EQ(cameraOf(table, type), cameraOf(table, asked));
+        }
+    }
+}
+
 TEST_F(StrandviewTest, TheCameraThatItPrintsGivesTheSamePicturePixelByPixel)
 {
     const std::string rod = write("rod.txt", HELIX);

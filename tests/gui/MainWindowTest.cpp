@@ -622,6 +622,18 @@ TEST_F(MainWindowTest, KeysMoveTheCameraAndMenusDoTheSame)
     }
 }
 
+TEST_F(MainWindowTest, OpensAlongTheShortestSideOfTheDataAndHomeReturnsThere)
+{
+    open({write("upright.txt", "0 0 0\n0 0 1\n0 0 2\n")});
+    const CameraNumbers atStart = window->getCameraNumbers();
+    press(Qt::Key_1, Qt::ControlModifier);
+    EXPECT_EQ(window->getCameraNumbers(), atStart) << "from x";
+    press(Qt::Key_5, Qt::ControlModifier);
+    EXPECT_FALSE(window->getCameraNumbers() == atStart);
+    press(Qt::Key_Home);
+    EXPECT_EQ(window->getCameraNumbers(), atStart);
+}
+
 TEST_F(MainWindowTest, PerspectiveIsToggledByKeyMenuAndToolBarAndStillFits)
 {
     open({write("straight.txt", STRAIGHT)});
