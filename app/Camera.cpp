@@ -13,6 +13,8 @@
 namespace {
 
 const float MARGIN = 1.05f;
+// Of perspective cameras, Coin's own.
+const float USUAL_ANGLE = float(M_PI / 4);
 
 bool isPerspective(const SoCamera& camera)
 {
@@ -101,6 +103,7 @@ void fitOrthographic(SoOrthographicCamera& camera, const SbBox3f& box,
 void fitPerspective(SoPerspectiveCamera& camera, const SbBox3f& box, const SbViewportRegion& region,
                     float bottom)
 {
+    camera.heightAngle = USUAL_ANGLE;
     const float up = tangentUpwards(camera, region);
     const float aside = up * region.getViewportAspectRatio();
     float front = 0, distance = 0;
@@ -175,7 +178,8 @@ void placeCamera(SoCamera& camera, const CameraRequest& request, SoNode* scene,
         return;
     }
     const ViewAxes axes = axesOf(request.side.value_or(Side::Z));
-    camera.pointAt(camera.position.getValue() + axes.direction, axes.up);
+    camera.position = SbVec3f(0, 0, 0); // so that nothing is rounded by where it was
+    camera.pointAt(axes.direction, axes.up);
     fitScene(camera, scene, region, bottom);
 }
 
@@ -189,6 +193,26 @@ void fitScene(SoCamera& camera, SoNode* scene, const SbViewportRegion& region, f
     else
         fitOrthographic(static_cast<SoOrthographicCamera&>(camera), box, region, bottom);
     setClipping(camera, box);
+}
+
+void keepInFront(SoCamera& camera, SoNode* scene, const SbViewportRegion& region)
+{
+    const SbBox3f box = boxOf(scene, region);
+    if (!isPerspective(camera) || box.isEmpty())
+        return;
+    const float distance = camera.focalDistance.getValue();
+    const SbVec3f focalPoint =
+        camera.position.getValue() + turned(camera, SbVec3f(0, 0, -distance));
+    float front = 0;
+    for (const SbVec3f& corner : cornersFrom(focalPoint, box, camera))
+        front = std::max(front, MARGIN * corner[2]);
+    if (front <= distance)
+        return;
+    auto& perspective = static_cast<SoPerspectiveCamera&>(camera);
+    const float halfHeight = distance * std::tan(perspective.heightAngle.getValue() / 2);
+    perspective.heightAngle = 2 * std::atan(halfHeight / front);
+    perspective.focalDistance = front;
+    perspective.position = focalPoint + turned(camera, SbVec3f(0, 0, front));
 }
 
 CameraNumbers numbersOf(const SoCamera& camera)

@@ -131,14 +131,35 @@ QStringList localFiles(const QMimeData& data)
 
 } // namespace
 
-// Lets the window see the size that pictures take.
+// Lets the window see the size that pictures take, and leaves the home to it.
 class MainWindow::Viewer : public SoQtGeneralViewer
 {
 public:
-    explicit Viewer(QWidget* parent) : SoQtGeneralViewer(parent) {}
+    Viewer(MainWindow& shownIn, QWidget* parent) : SoQtGeneralViewer(parent), window(shownIn) {}
+
+    // SoQt takes the camera that it makes for the new home; and near what is long along the
+    // view a perspective camera that shows as much as a parallel one would be inside it.
+    void setCameraType(SoType type) override
+    {
+        const CameraRequest home = window.home;
+        SoQtGeneralViewer::setCameraType(type);
+        window.home = home;
+        if (getCamera() && window.scene)
+            keepInFront(*getCamera(), window.scene, SbViewportRegion(getGLSize()));
+    }
+    void saveHomePosition() override
+    {
+        SoQtGeneralViewer::saveHomePosition();
+        if (getCamera())
+            window.home.numbers = numbersOf(*getCamera());
+    }
+    void resetToHomePosition() override { window.place(window.home); }
 
     using SoQtGeneralViewer::getGLSize;
     using SoQtGeneralViewer::processSoEvent;
+
+private:
+    MainWindow& window;
 };
 
 void initialiseWindows(const char* programName)
@@ -166,7 +187,7 @@ MainWindow::MainWindow(const Options& startOptions, Loader sceneLoader)
     auto* area = new QWidget(this);
     area->setMinimumSize(160, 120);
     layout->addWidget(area, 1);
-    ownedViewer = std::make_unique<Viewer>(area);
+    ownedViewer = std::make_unique<Viewer>(*this, area);
     viewer = ownedViewer.get();
     redrawer = std::make_unique<Redrawer>(*viewer);
     viewer->setTransparencyType(SoGLRenderAction::SORTED_OBJECT_BLEND);
@@ -206,8 +227,8 @@ void MainWindow::showScene(DataScene* newScene, const std::vector<std::string>& 
         pickLabel->setText(QString::fromStdString(text));
     };
     viewer->setSceneGraph(static_cast<SoGeneralScene*>(scene));
-    place(scene->settle(options.camera));
-    viewer->saveHomePosition();
+    home = scene->settle(options.camera);
+    place(home);
     // The numbers were for the first scene.
     options.camera.numbers.reset();
     setWindowTitle(titleFor(files));

@@ -104,6 +104,7 @@ private:
     std::unique_ptr<QObject> redrawer;
     DataScene* scene = nullptr; // kept by the viewer
     std::optional<CameraNumbers> fitted;
+    CameraRequest home; ///< where the scene is seen from at the beginning
 
     QToolBar* tools = nullptr;
     QLabel* pickLabel = nullptr;

@@ -634,6 +634,90 @@ TEST_F(MainWindowTest, OpensAlongTheShortestSideOfTheDataAndHomeReturnsThere)
     EXPECT_EQ(window->getCameraNumbers(), atStart);
 }
 
+// A straight rod along x as long as its view from x is wide a hundred times over.
+const char* const LONG = "-10 0 0 0 0.70710678118654752 0 0.70710678118654752\n"
+                         "0 0 0 0 0.70710678118654752 0 0.70710678118654752\n"
+                         "10 0 0 0 0.70710678118654752 0 0.70710678118654752\n";
+
+struct KeyPress
+{
+    Qt::Key key;
+    Qt::KeyboardModifier modifier = Qt::NoModifier;
+};
+
+TEST_F(MainWindowTest, HomeIsTheCameraOfTheBeginningWhateverWasPressedBefore)
+{
+    const std::vector<std::vector<KeyPress>> presses{
+        {{Qt::Key_P}},
+        {{Qt::Key_1, Qt::ControlModifier}, {Qt::Key_P}},
+        {{Qt::Key_P}, {Qt::Key_P}, {Qt::Key_D, Qt::AltModifier}},
+        {{Qt::Key_D, Qt::ControlModifier}, {Qt::Key_P}, {Qt::Key_W, Qt::AltModifier}},
+        {{Qt::Key_1, Qt::ControlModifier}, {Qt::Key_W, Qt::AltModifier}, {Qt::Key_P}, {Qt::Key_V}}};
+    for (const bool perspective : {false, true}) {
+        options.camera.perspective = perspective;
+        open({write("long.txt", LONG)});
+        const CameraNumbers atStart = window->getCameraNumbers();
+        ASSERT_EQ(atStart.perspective, perspective);
+        for (std::size_t i = 0; i < presses.size(); ++i) {
+            for (const KeyPress& pressed : presses[i])
+                press(pressed.key, pressed.modifier);
+            EXPECT_FALSE(window->getCameraNumbers() == atStart) << i;
+            press(Qt::Key_Home);
+            EXPECT_EQ(formatCamera(window->getCameraNumbers()), formatCamera(atStart)) << i;
+            EXPECT_EQ(action("Perspective")->isChecked(), perspective) << i;
+        }
+    }
+}
+
+TEST_F(MainWindowTest, HomeIsTheCameraAskedForByItsNumbers)
+{
+    options.camera.numbers = parseCamera("perspective,3,4,5,0.5,0.5,0.5,0.5,6,0.7");
+    open({write("straight.txt", STRAIGHT)});
+    for (const Qt::Key key : {Qt::Key_P, Qt::Key_V, Qt::Key_X, Qt::Key_Home})
+        press(key);
+    EXPECT_EQ(formatCamera(window->getCameraNumbers()), formatCamera(*options.camera.numbers));
+}
+
+TEST_F(MainWindowTest, HomeShowsAllInAWindowOfAnotherShape)
+{
+    open({write("long.txt", LONG)});
+    press(Qt::Key_D, Qt::AltModifier);
+    window->resize(420, 620);
+    QTest::qWait(200);
+    press(Qt::Key_Home);
+    const CameraNumbers home = window->getCameraNumbers();
+    press(Qt::Key_V);
+    EXPECT_EQ(formatCamera(window->getCameraNumbers()), formatCamera(home));
+}
+
+TEST_F(MainWindowTest, PerspectiveKeepsTheCameraInFrontOfEverything)
+{
+    open({write("long.txt", LONG)});
+    const std::vector<std::vector<KeyPress>> presses{
+        {{Qt::Key_1, Qt::ControlModifier}},
+        {{Qt::Key_1, Qt::ControlModifier}, {Qt::Key_W, Qt::AltModifier}},
+        {{Qt::Key_2, Qt::ControlModifier}, {Qt::Key_D}},
+        {{Qt::Key_1, Qt::ControlModifier}, {Qt::Key_D, Qt::ShiftModifier}}};
+    for (std::size_t i = 0; i < presses.size(); ++i) {
+        SCOPED_TRACE(i);
+        for (const KeyPress& pressed : presses[i])
+            press(pressed.key, pressed.modifier);
+        const double zoom = zoomField()->text().toDouble();
+        const CameraNumbers parallel = window->getCameraNumbers();
+        press(Qt::Key_P);
+        const CameraNumbers camera = window->getCameraNumbers();
+        ASSERT_TRUE(camera.perspective);
+        EXPECT_GT(std::abs(camera.position[0]), 10);
+        if (i > 0) { // or it is fitted anew
+            EXPECT_NEAR(zoomField()->text().toDouble(), zoom, 1e-4 * zoom);
+            press(Qt::Key_P);
+            EXPECT_NEAR(window->getCameraNumbers().size, parallel.size, 1e-4 * parallel.size);
+        } else {
+            press(Qt::Key_P);
+        }
+    }
+}
+
 TEST_F(MainWindowTest, PerspectiveIsToggledByKeyMenuAndToolBarAndStillFits)
 {
     open({write("straight.txt", STRAIGHT)});
