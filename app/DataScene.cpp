@@ -48,7 +48,7 @@ BiarcTubeMesh* centralTube(SoNode& node)
     return nullptr;
 }
 
-// ", pair 12 AT, strand 2" below a DNA, which is the path's node `index`: child 0 holds
+// "pair 12 AT, strand 2, " below a DNA, which is the path's node `index`: child 0 holds
 // the boxes of the pairs, child 1 the bases, two for each pair.
 std::string placeInDna(const SoPath& path, int index)
 {
@@ -61,9 +61,9 @@ std::string placeInDna(const SoPath& path, int index)
     const std::string& bases = static_cast<SoDNA&>(node).getSequence();
     const char base = bases[std::size_t(pair)];
     std::string text =
-        ", pair " + std::to_string(pair + 1) + " " + base + SoNucleobase::getComplement(base);
+        "pair " + std::to_string(pair + 1) + " " + base + SoNucleobase::getComplement(base) + ", ";
     if (isBase)
-        text += ", strand " + std::to_string(place % 2 + 1);
+        text += "strand " + std::to_string(place % 2 + 1) + ", ";
     return text;
 }
 
@@ -110,7 +110,7 @@ void DataScene::setBackground(const Colour& background)
         setLegendBackground(*legend, background);
 }
 
-std::string DataScene::describe(const SoPickedPoint& picked) const
+Told DataScene::describe(const SoPickedPoint& picked) const
 {
     const SbVec3f scenePoint = picked.getPoint();
     const Vector3<double> inScene(scenePoint[0], scenePoint[1], scenePoint[2]);
@@ -123,15 +123,15 @@ std::string DataScene::describe(const SoPickedPoint& picked) const
         const auto known = names.find(path.getNode(i));
         if (known == names.end())
             continue;
-        std::string text = known->second + placeInDna(path, i) + ": " + where;
+        std::string text = placeInDna(path, i) + where;
         if (BiarcTubeMesh* tube = centralTube(*path.getNode(i))) {
             const double unit = 1 / placement.scale;
             text += ", arc length " + readable(nearestArcLength(*tube, inScene) * unit) + " of " +
                     readable(tube->getParamValues().back() * unit);
         }
-        return text;
+        return {text, known->second};
     }
-    return where;
+    return {where, ""};
 }
 
 bool DataScene::processPickEvent(const SoPickedPoint* point)

@@ -12,6 +12,7 @@
 #include "CameraRequest.h"
 #include "Colour.h"
 #include "Placement.h"
+#include "Told.h"
 
 class BiarcTubeMesh;
 
@@ -39,13 +40,13 @@ public:
     /// Keeps the legend readable on another background.
     void setBackground(const Colour& background);
 
-    /// "helix.txt:1: rod 1: point 0.1 2 3, arc length 1.5 of 8", in the data's
+    /// "point 0.1 2 3, arc length 1.5 of 8" of "helix.txt:1: rod 1", in the data's
     /// coordinates; the arc length is that of the nearest point of the centreline, of a
-    /// birod its average's. "dna.txt:1: DNA 1, pair 12 AT, strand 2: point 0.1 2 3".
-    std::string describe(const SoPickedPoint& picked) const;
+    /// birod its average's. "pair 12 AT, strand 2, point 0.1 2 3" of "dna.txt:1: DNA 1".
+    Told describe(const SoPickedPoint& picked) const;
 
     /// Called with the description of what the user picks, if set.
-    std::function<void(const std::string&)> onPick;
+    std::function<void(const Told&)> onPick;
 
     /// The box as it was told: what Coin makes of many turned boxes, such as a DNA's, is
     /// much larger, and costs their number in every frame.

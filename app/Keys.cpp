@@ -39,6 +39,7 @@ const std::vector<KeyGroup>& keyHelp()
           {"Ctrl + P", "saves a picture of the view"},
           {"I", "saves a screenshot of any size"},
           {"Ctrl + K", "copies the camera, for --camera"},
+          {"Ctrl + C", "copies what the status bar tells, all of it"},
           {"F1", "this page"},
           {"Alt + F4", "closes the window"}}}};
     return groups;

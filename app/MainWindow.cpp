@@ -7,6 +7,7 @@
 #include <Inventor/Qt/SoQt.h>
 #include <Inventor/actions/SoGLRenderAction.h>
 #include <Inventor/events/SoKeyboardEvent.h>
+#include <Inventor/events/SoMouseButtonEvent.h>
 #include <Inventor/nodes/SoOrthographicCamera.h>
 #include <Inventor/nodes/SoPerspectiveCamera.h>
 #include <Inventor/nodes/SoSeparator.h>
@@ -38,6 +39,7 @@
 #include "DataScene.h"
 #include "Keys.h"
 #include "PictureWriter.h"
+#include "StatusText.h"
 
 namespace {
 
@@ -131,7 +133,8 @@ QStringList localFiles(const QMimeData& data)
 
 } // namespace
 
-// Lets the window see the size that pictures take, and leaves the home to it.
+// Lets the window see the size that pictures take and what is clicked, and leaves the home to
+// it.
 class MainWindow::Viewer : public SoQtGeneralViewer
 {
 public:
@@ -156,9 +159,27 @@ public:
     void resetToHomePosition() override { window.place(window.home); }
 
     using SoQtGeneralViewer::getGLSize;
-    using SoQtGeneralViewer::processSoEvent;
+
+    SbBool processSoEvent(const SoEvent* const event) override
+    {
+        hasPicked = false;
+        const bool picks = isPick(event);
+        const SbBool handled = SoQtGeneralViewer::processSoEvent(event);
+        if (picks && !hasPicked && onMiss)
+            onMiss();
+        return handled;
+    }
+
+    bool hasPicked = false;       ///< in the event that is being processed
+    std::function<void()> onMiss; ///< called after a click beside everything
 
 private:
+    bool isPick(const SoEvent* event) const
+    {
+        return SO_MOUSE_RELEASE_EVENT(event, BUTTON2) ||
+               (SO_MOUSE_RELEASE_EVENT(event, BUTTON1) && !isViewing());
+    }
+
     MainWindow& window;
 };
 
@@ -203,12 +224,10 @@ MainWindow::MainWindow(const Options& startOptions, Loader sceneLoader)
     restoreWindow(); // before SoQt, which shows the whole window with the view
     viewer->show();
 
-    pickLabel = new QLabel("Open a file, or drop it here. F1: all keys.", statusBar);
-    pickLabel->setTextFormat(Qt::PlainText);
-    pickLabel->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    pickLabel->setIndent(4);
-    pickLabel->setMinimumWidth(1); // so that long texts do not widen the window
-    statusBar->addWidget(pickLabel, 1);
+    statusText = new StatusText(statusBar);
+    statusText->setHint("Open a file, or drop it here. F1: all keys.");
+    statusBar->addWidget(statusText, 1);
+    ownedViewer->onMiss = [this] { statusText->tell({}); };
     layout->addWidget(statusBar);
     setupUi();
 
@@ -223,8 +242,9 @@ MainWindow::~MainWindow() = default;
 void MainWindow::showScene(DataScene* newScene, const std::vector<std::string>& files)
 {
     scene = newScene;
-    scene->onPick = [this](const std::string& text) {
-        pickLabel->setText(QString::fromStdString(text));
+    scene->onPick = [this](const Told& told) {
+        ownedViewer->hasPicked = true;
+        statusText->tell({told});
     };
     viewer->setSceneGraph(static_cast<SoGeneralScene*>(scene));
     home = scene->settle(options.camera);
@@ -232,7 +252,8 @@ void MainWindow::showScene(DataScene* newScene, const std::vector<std::string>& 
     // The numbers were for the first scene.
     options.camera.numbers.reset();
     setWindowTitle(titleFor(files));
-    pickLabel->setText("Right button: point and arc length. F1: all keys.");
+    statusText->setHint("Right button: point and arc length. F1: all keys.");
+    statusText->tell({});
     followViewer();
 }
 
@@ -257,11 +278,10 @@ void MainWindow::openFiles(const QStringList& names)
     }
     showScene(loaded, files);
     rememberFiles(names);
-    QStringList notices;
+    std::vector<Told> notices;
     for (const std::string& notice : report.notices)
-        notices.append(QString::fromStdString(notice));
-    if (!notices.empty())
-        pickLabel->setText(notices.join("; "));
+        notices.push_back(toldOf(notice, files));
+    statusText->tell(notices);
 }
 
 // Camera
@@ -329,10 +349,12 @@ void MainWindow::copyCamera()
 {
     if (!scene)
         return;
-    const QString text = "--camera " + QString::fromStdString(formatCamera(getCameraNumbers()));
-    QApplication::clipboard()->setText(text);
-    pickLabel->setText("Copied: " + text);
+    const std::string text = "--camera " + formatCamera(getCameraNumbers());
+    QApplication::clipboard()->setText(QString::fromStdString(text));
+    statusText->tell({{"Copied: " + text, ""}});
 }
+
+void MainWindow::copyStatusText() { statusText->copy(); }
 
 // What is shown of the viewer
 
@@ -394,7 +416,7 @@ void MainWindow::savePicture(const QString& file)
         QApplication::restoreOverrideCursor();
     }
     if (failure.empty())
-        pickLabel->setText("Saved " + file);
+        statusText->tell({{"Saved", name}});
     else
         tellFailure(this, "Cannot save", failure);
 }
@@ -496,6 +518,7 @@ void MainWindow::buildFileMenu(QMenu& menu)
     sceneActions.push_back(addKeyAction(menu, "S&creenshot...", "I", SoKeyboardEvent::I));
     sceneActions.push_back(
         menu.addAction("Copy c&amera", this, &MainWindow::copyCamera, QKeySequence("Ctrl+K")));
+    menu.addAction("Copy s&tatus text", this, &MainWindow::copyStatusText, QKeySequence("Ctrl+C"));
     menu.addSeparator();
     menu.addAction("&Quit\tAlt+F4", this, &QWidget::close);
 

@@ -16,9 +16,9 @@
 
 class DataScene;
 class QAction;
-class QLabel;
 class QMenu;
 class QToolBar;
+class StatusText;
 
 /// Prepares Qt, Coin and SoQt for windows; before any node is made.
 void initialiseWindows(const char* programName);
@@ -59,6 +59,8 @@ public slots:
     /// Writes what the view shows, with smooth edges; tells in a message box if it cannot.
     void savePicture(const QString& file);
     void copyCamera();
+    /// What the status bar tells, all of it.
+    void copyStatusText();
 
     // View
     void viewAll();
@@ -107,7 +109,7 @@ private:
     CameraRequest home; ///< where the scene is seen from at the beginning
 
     QToolBar* tools = nullptr;
-    QLabel* pickLabel = nullptr;
+    StatusText* statusText = nullptr;
     QMenu* recentMenu = nullptr;
     QAction* perspectiveAction = nullptr;
     std::vector<QAction*> sceneActions; // that need a scene

@@ -61,7 +61,7 @@ protected:
         pick.setRay(SbVec3f(x, y, 50), SbVec3f(0, 0, -1));
         pick.apply(&scene);
         const SoPickedPoint* point = pick.getPickedPoint();
-        return point ? scene.describe(*point) : "";
+        return point ? toLine(scene.describe(*point)) : "";
     }
 };
 
@@ -153,7 +153,7 @@ TEST_F(DataSceneTest, TellsRodPointAndArcLengthInTheDatasCoordinatesAndUnit)
     group->addChild(rod);
     scene->addNamed(group, rod, "rods.txt:1: rod 1");
     EXPECT_EQ(describe(*scene, 1, 0),
-              "rods.txt:1: rod 1: point 100.001 -200 300, arc length 0.001 of 0.004");
+              "point 100.001 -200 300, arc length 0.001 of 0.004 – rods.txt:1: rod 1");
     EXPECT_EQ(describe(*scene, 1, 3), "");
     scene->unref();
 }
@@ -178,7 +178,7 @@ TEST_F(DataSceneTest, TellsWhoListensAndLeavesThePickToTheViewer)
     ASSERT_TRUE(pick.getPickedPoint());
     EXPECT_FALSE(scene->processPickEvent(pick.getPickedPoint())); // nobody listens
     std::string told;
-    scene->onPick = [&told](const std::string& text) { told = text; };
+    scene->onPick = [&told](const Told& description) { told = toLine(description); };
     EXPECT_FALSE(scene->processPickEvent(pick.getPickedPoint()));
     EXPECT_EQ(told, "point 0 0 1");
     scene->unref();

@@ -26,6 +26,7 @@
 
 using algebra3d::Quaternion;
 using algebra3d::Vector3;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
 
@@ -79,7 +80,7 @@ protected:
         pick.setRay(SbVec3f(x, y, 1000), SbVec3f(0, 0, -1));
         pick.apply(scene);
         const SoPickedPoint* point = pick.getPickedPoint();
-        return point ? scene->describe(*point) : "";
+        return point ? toLine(scene->describe(*point)) : "";
     }
 
     DataScene* scene = nullptr;
@@ -153,8 +154,8 @@ TEST_F(SceneBuilderTest, ShowsABirodThroughItsOwnPointsAndTellsTheAveragesArcLen
     EXPECT_TRUE(birods[0]->isValid());
     EXPECT_EQ(birods[0]->getStrandXPos(), 0);
     EXPECT_EQ(birods[0]->getStrandYPos(), 0);
-    EXPECT_THAT(describe(1, 1.5), StartsWith("ladder.json: birods[0]: point 1 1.5 "));
-    EXPECT_THAT(describe(1, 1.5), HasSubstr("arc length 1.5 of 3"));
+    EXPECT_THAT(describe(1, 1.5), StartsWith("point 1 1.5 "));
+    EXPECT_THAT(describe(1, 1.5), EndsWith(", arc length 1.5 of 3 – ladder.json: birods[0]"));
     EXPECT_THAT(describe(-1, 0.5), HasSubstr("arc length 0.5 of 3"));
     EXPECT_EQ(describe(0.5, 0.5), "") << "the ribbon is seen from its edge";
 }
@@ -165,8 +166,9 @@ TEST_F(SceneBuilderTest, TellsWhichBaseOfADnaWasPicked)
     data.dnas.push_back(makeDna("AC"));
     ASSERT_TRUE(build(data)) << error;
     // From above the last pair hides the first. Strand 1's bases lie along d2, y.
-    EXPECT_THAT(describe(0, 4), StartsWith("dna.txt:1: DNA 1, pair 2 CG, strand 1: point 0 4 1"));
-    EXPECT_THAT(describe(0, -4), StartsWith("dna.txt:1: DNA 1, pair 2 CG, strand 2: point 0 -4 1"));
+    EXPECT_THAT(describe(0, 4), StartsWith("pair 2 CG, strand 1, point 0 4 1"));
+    EXPECT_THAT(describe(0, 4), EndsWith(" – dna.txt:1: DNA 1"));
+    EXPECT_THAT(describe(0, -4), StartsWith("pair 2 CG, strand 2, point 0 -4 1"));
     EXPECT_EQ(describe(20, 0), "");
 }
 
@@ -177,7 +179,7 @@ TEST_F(SceneBuilderTest, TellsThePairOfAPairsBox)
     Options options;
     options.dna = {false, false, true, 1};
     ASSERT_TRUE(build(data, options)) << error;
-    EXPECT_THAT(describe(0, 4), StartsWith("dna.txt:1: DNA 1, pair 3 TA: point 0 4 "));
+    EXPECT_THAT(describe(0, 4), StartsWith("pair 3 TA, point 0 4 "));
 }
 
 TEST_F(SceneBuilderTest, ShowsOfADnaWhatIsAskedFor)
@@ -210,7 +212,7 @@ TEST_F(SceneBuilderTest, ADnaInNanometresIsTheSameATenthAsLarge)
     ASSERT_TRUE(build(inNanometres, options)) << error;
     for (int axis = 0; axis < 3; ++axis)
         EXPECT_NEAR(box().getSize()[axis], 0.1f * large.getSize()[axis], 1e-4f);
-    EXPECT_THAT(describe(0, 0.4f), HasSubstr("pair 4 TA, strand 1: point 0 0.4 3"));
+    EXPECT_THAT(describe(0, 0.4f), HasSubstr("pair 4 TA, strand 1, point 0 0.4 3"));
 }
 
 TEST_F(SceneBuilderTest, TheBoxOfADnaHoldsAllOfItAndLittleMore)
@@ -264,7 +266,7 @@ TEST_F(SceneBuilderTest, PlacesMarkersWithTheirIdShapeSizeColourAndTransparency)
     EXPECT_EQ(red, 0);
     EXPECT_EQ(green, 0);
     EXPECT_EQ(blue, 1);
-    EXPECT_EQ(describe(5, 0), "glyphs.json: markers[0]: id 7: point 5 0 1");
+    EXPECT_EQ(describe(5, 0), "point 5 0 1 – glyphs.json: markers[0]: id 7");
 }
 
 TEST_F(SceneBuilderTest, PlacesArrowsAndFramesInTheirSize)
@@ -272,8 +274,8 @@ TEST_F(SceneBuilderTest, PlacesArrowsAndFramesInTheirSize)
     ASSERT_TRUE(build(glyphs())) << error;
     EXPECT_EQ(find<SoArrow>().size(), 1u + 3u) << "the arrow, and those of the marker's cross";
     EXPECT_EQ(find<SoFrame>().size(), 1u);
-    EXPECT_EQ(describe(0.5f, -5), "glyphs.json: arrows[0]: point 0.5 -5 0.5");
-    EXPECT_THAT(describe(1, 0), StartsWith("glyphs.json: frames[0]: point 1 0 0."));
+    EXPECT_EQ(describe(0.5f, -5), "point 0.5 -5 0.5 – glyphs.json: arrows[0]");
+    EXPECT_THAT(describe(1, 0), StartsWith("point 1 0 0."));
     const SbBox3f all = box();
     EXPECT_NEAR(all.getMax()[2], 2, 1e-3) << "the frame's axis z";
     EXPECT_NEAR(all.getMin()[1], -5 - 1.1, 0.01) << "the arrow's head";

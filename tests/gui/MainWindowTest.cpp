@@ -38,10 +38,12 @@
 #include "Keys.h"
 #include "SceneBuilder.h"
 #include "SceneLoader.h"
+#include "StatusText.h"
 #include "checkDisplay.h"
 #include "support/runProgram.h"
 
 using testing::AllOf;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
@@ -168,7 +170,10 @@ protected:
 
     std::string statusText() const
     {
-        return window->findChild<QStatusBar*>()->findChild<QLabel*>()->text().toStdString();
+        return dynamic_cast<const StatusText&>(
+                   *window->findChild<QStatusBar*>()->findChild<QLabel*>())
+            .getAll()
+            .toStdString();
     }
 
     QAction* action(const std::string& text) const
@@ -391,7 +396,8 @@ TEST_F(MainWindowTest, OpeningAnotherFileReplacesWhatIsShown)
     EXPECT_EQ(window->windowTitle().toStdString(), second + " - strandview");
     EXPECT_FALSE(window->getCameraNumbers() == before);
     EXPECT_NEAR(window->getCameraNumbers().position[1], 4.5, 0.01);
-    EXPECT_THAT(statusText(), HasSubstr("parallel transport"));
+    EXPECT_EQ(statusText(),
+              "1 rod without quaternions: frames made by parallel transport – " + second);
 
     window->openFiles({QString::fromStdString(second), QString::fromStdString(second)});
     EXPECT_EQ(window->windowTitle().toStdString(), second + " and 1 more - strandview");
@@ -843,8 +849,9 @@ TEST_F(MainWindowTest, ThePointThatIsPickedAndItsArcLengthAreTold)
             SCOPED_TRACE(testing::Message() << x << ", " << y);
             QTest::mouseClick(view(), Qt::RightButton, Qt::NoModifier, pixelOf(x, y));
             const std::string text = statusText();
-            ASSERT_THAT(text, StartsWith(file + ":1: rod 1: point "));
-            std::istringstream numbers(text.substr((file + ":1: rod 1: point ").size()));
+            ASSERT_THAT(text, StartsWith("point "));
+            EXPECT_THAT(text, EndsWith(" – " + file + ":1: rod 1"));
+            std::istringstream numbers(text.substr(std::string("point ").size()));
             double px = 0, py = 0, pz = 0, at = 0, length = 0;
             std::string word;
             numbers >> px >> py >> pz >> word >> word >> word >> at >> word >> length;
@@ -857,9 +864,36 @@ TEST_F(MainWindowTest, ThePointThatIsPickedAndItsArcLengthAreTold)
             EXPECT_DOUBLE_EQ(length, 2);
         }
     }
-    const std::string before = statusText();
-    QTest::mouseClick(view(), Qt::RightButton, Qt::NoModifier, QPoint(3, 3));
-    EXPECT_EQ(statusText(), before);
+}
+
+TEST_F(MainWindowTest, AClickBesideEverythingTakesBackWhatWasPicked)
+{
+    open({write("straight.txt", STRAIGHT)});
+    ASSERT_TRUE(comesToShowTheRod());
+    const std::string hint = statusText();
+    const auto click = [this](Qt::MouseButton button, const QPoint& place) {
+        QTest::mouseClick(view(), button, Qt::NoModifier, place);
+        return statusText();
+    };
+    EXPECT_THAT(click(Qt::RightButton, pixelOf(1, 0)), HasSubstr("arc length 1 of 2"));
+    // Of a button that does not pick, nothing is to be seen.
+    EXPECT_THAT(click(Qt::LeftButton, QPoint(3, 3)), HasSubstr("arc length 1 of 2"));
+    EXPECT_EQ(click(Qt::RightButton, QPoint(3, 3)), hint);
+}
+
+TEST_F(MainWindowTest, APicksNumbersAreSeenBeforeALongName)
+{
+    const std::string name(120, 'n');
+    const std::string file = write(name + ".txt", STRAIGHT);
+    open({file});
+    ASSERT_TRUE(comesToShowTheRod());
+    QTest::mouseClick(view(), Qt::RightButton, Qt::NoModifier, pixelOf(1, 0));
+    const auto* label = window->findChild<QStatusBar*>()->findChild<QLabel*>();
+    EXPECT_THAT(label->text().toStdString(), HasSubstr(", arc length 1 of 2"));
+    EXPECT_LE(label->fontMetrics().horizontalAdvance(label->text()), label->width());
+    press(Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text().toStdString(), statusText());
+    EXPECT_THAT(statusText(), EndsWith(file + ":1: rod 1"));
 }
 
 TEST_F(MainWindowTest, TheLeftButtonPicksOnlyAfterEscape)
@@ -1024,7 +1058,7 @@ TEST_F(MainWindowTest, SavesThePictureThatItShows)
     ASSERT_TRUE(comesToShowTheRod());
     const QString file = folder.filePath("saved.png");
     window->savePicture(file);
-    EXPECT_EQ(statusText(), "Saved " + file.toStdString());
+    EXPECT_EQ(statusText(), "Saved – " + file.toStdString());
     const QImage saved(file);
     EXPECT_EQ(saved.size(), view()->size());
     EXPECT_EQ(saved.pixelColor(3, 3), QColor(Qt::black));
