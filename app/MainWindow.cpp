@@ -170,8 +170,16 @@ public:
         return handled;
     }
 
+    void setViewing(SbBool viewing) override
+    {
+        SoQtGeneralViewer::setViewing(viewing);
+        if (onMode)
+            onMode();
+    }
+
     bool hasPicked = false;       ///< in the event that is being processed
     std::function<void()> onMiss; ///< called after a click beside everything
+    std::function<void()> onMode; ///< called after a change between turning and picking
 
 private:
     bool isPick(const SoEvent* event) const
@@ -225,13 +233,15 @@ MainWindow::MainWindow(const Options& startOptions, Loader sceneLoader)
     viewer->show();
 
     statusText = new StatusText(statusBar);
-    statusText->setHint("Open a file, or drop it here. F1: all keys.");
     statusBar->addWidget(statusText, 1);
+    modeLabel = new QLabel(statusBar);
+    statusBar->addPermanentWidget(modeLabel);
     ownedViewer->onMiss = [this] { statusText->tell({}); };
+    ownedViewer->onMode = [this] { followMode(); };
     layout->addWidget(statusBar);
     setupUi();
 
-    followViewer();
+    followMode();
     viewer->getGLWidget()->setFocus();
 }
 
@@ -252,9 +262,7 @@ void MainWindow::showScene(DataScene* newScene, const std::vector<std::string>& 
     // The numbers were for the first scene.
     options.camera.numbers.reset();
     setWindowTitle(titleFor(files));
-    statusText->setHint("Right button: point and arc length. F1: all keys.");
-    statusText->tell({});
-    followViewer();
+    followMode();
 }
 
 bool MainWindow::hasScene() const { return scene; }
@@ -375,9 +383,29 @@ void MainWindow::followViewer()
     for (QAction* action : sceneActions)
         action->setEnabled(scene);
     perspectiveAction->setChecked(scene && getCameraNumbers().perspective);
+    boxesAction->setChecked(scene && scene->isShowingBoundingBoxes());
+    framesAction->setChecked(std::getenv("COIN_SHOW_FPS_COUNTER"));
+    wheelsAction->setChecked(viewer->isDecoration());
+    pickingAction->setChecked(!viewer->isViewing());
     const SbColor background = viewer->getBackgroundColor();
     if (scene)
         scene->setBackground({background[0], background[1], background[2]});
+}
+
+void MainWindow::followMode()
+{
+    const bool turning = viewer->isViewing();
+    modeLabel->setText(turning ? "Turning" : "Picking");
+    modeLabel->setToolTip("Esc: turning or picking");
+    if (!turning)
+        statusText->setHint("Picking: the left button, too, tells point and arc length. Esc: "
+                            "turning. Until then dragging, wheel and arrows do nothing.");
+    else if (scene)
+        statusText->setHint("Right button: point and arc length. F1: all keys.");
+    else
+        statusText->setHint("Open a file, or drop it here. F1: all keys.");
+    statusText->tell({});
+    followViewer();
 }
 
 // Pictures
@@ -600,16 +628,17 @@ void MainWindow::buildLookMenu(QMenu& menu)
         sceneActions.push_back(action);
         tools->addAction(action);
     }
-    sceneActions.push_back(addKeyAction(menu, "Shapes or bounding &boxes", "Shift+Space",
-                                        SoKeyboardEvent::SPACE, Qt::ShiftModifier));
+    boxesAction = addKeySwitch(menu, "Bounding &boxes", "Shift+Space", SoKeyboardEvent::SPACE,
+                               Qt::ShiftModifier);
+    sceneActions.push_back(boxesAction);
     sceneActions.push_back(addKeyAction(menu, "&Thicker lines", "=", SoKeyboardEvent::EQUAL));
     sceneActions.push_back(addKeyAction(menu, "Thi&nner lines", "-", SoKeyboardEvent::MINUS));
     menu.addSeparator();
     addKeyAction(menu, "White or black &background", "B", SoKeyboardEvent::B);
-    addKeyAction(menu, "&Frames per second", "F", SoKeyboardEvent::F);
-    addKeyAction(menu, "W&heels and buttons", "Return", SoKeyboardEvent::RETURN);
-    menu.addAction("Turning or &picking\tEsc", this,
-                   [this] { viewer->setViewing(!viewer->isViewing()); });
+    framesAction = addKeySwitch(menu, "&Frames per second", "F", SoKeyboardEvent::F);
+    wheelsAction = addKeySwitch(menu, "W&heels and buttons", "Return", SoKeyboardEvent::RETURN);
+    pickingAction =
+        addKeySwitch(menu, "&Picking instead of turning", "Esc", SoKeyboardEvent::ESCAPE);
 }
 
 void MainWindow::buildHelpMenu(QMenu& menu)
@@ -626,6 +655,14 @@ QAction* MainWindow::addKeyAction(QMenu& menu, const QString& text, const QStrin
     // The viewer takes the key itself: the menu only names it.
     return menu.addAction(text + "\t" + keyName, this,
                           [this, key, modifier] { pressKey(key, modifier); });
+}
+
+QAction* MainWindow::addKeySwitch(QMenu& menu, const QString& text, const QString& keyName, int key,
+                                  Qt::KeyboardModifier modifier)
+{
+    QAction* action = addKeyAction(menu, text, keyName, key, modifier);
+    action->setCheckable(true);
+    return action;
 }
 
 void MainWindow::pressKey(int key, Qt::KeyboardModifier modifier)

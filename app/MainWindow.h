@@ -16,6 +16,7 @@
 
 class DataScene;
 class QAction;
+class QLabel;
 class QMenu;
 class QToolBar;
 class StatusText;
@@ -87,6 +88,8 @@ private:
     /// An entry that does what a key of the viewer does.
     QAction* addKeyAction(QMenu& menu, const QString& text, const QString& keyName, int key,
                           Qt::KeyboardModifier modifier = Qt::NoModifier);
+    QAction* addKeySwitch(QMenu& menu, const QString& text, const QString& keyName, int key,
+                          Qt::KeyboardModifier modifier = Qt::NoModifier);
     void pressKey(int key, Qt::KeyboardModifier modifier = Qt::NoModifier);
 
     void updateRecentMenu();
@@ -99,6 +102,7 @@ private:
     /// A view that the user left as it was fitted is fitted anew to another size.
     static void refit(void* window, SoQtGeneralViewer* viewer, const SbVec2s& size);
     void followViewer();
+    void followMode();
 
     Options options;
     Loader loader;
@@ -110,8 +114,14 @@ private:
 
     QToolBar* tools = nullptr;
     StatusText* statusText = nullptr;
+    QLabel* modeLabel = nullptr; // turning or picking
     QMenu* recentMenu = nullptr;
     QAction* perspectiveAction = nullptr;
+    // Ticked as the viewer is, whoever changed it.
+    QAction* boxesAction = nullptr;
+    QAction* framesAction = nullptr;
+    QAction* wheelsAction = nullptr;
+    QAction* pickingAction = nullptr;
     std::vector<QAction*> sceneActions; // that need a scene
 };
 

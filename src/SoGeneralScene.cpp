@@ -304,6 +304,11 @@ void SoGeneralScene::toggleDrawStyle(bool complexityOnly)
     drawStyleIndex = (drawStyleIndex + 1) % 3;
 }
 
+bool SoGeneralScene::isShowingBoundingBoxes() const
+{
+    return complexity && complexity->type.getValue() == SoComplexity::BOUNDING_BOX;
+}
+
 void SoGeneralScene::setShaderPersp(bool perspective)
 {
     if (isPersp)

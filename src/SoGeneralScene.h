@@ -88,6 +88,8 @@ public:
     /// complexityOnly the draw style stays, and shapes change between themselves and
     /// their bounding boxes.
     void toggleDrawStyle(bool complexityOnly);
+    /// Whether shapes are drawn as their bounding boxes.
+    bool isShowingBoundingBoxes() const;
     /// Whether highlights are those of a perspective camera.
     void setShaderPersp(bool perspective);
     bool isShaderPersp() const;

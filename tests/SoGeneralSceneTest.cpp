@@ -677,6 +677,17 @@ TEST_F(SoGeneralSceneTest, ComplexityChangesBesideTheCycle)
     EXPECT_EQ(parts.complexity->value.getValue(), 1.0f);
 }
 
+TEST_F(SoGeneralSceneTest, TellsWhetherItShowsBoundingBoxes)
+{
+    EXPECT_FALSE(scene->isShowingBoundingBoxes());
+    scene->toggleDrawStyle(true);
+    EXPECT_TRUE(scene->isShowingBoundingBoxes());
+    scene->toggleDrawStyle(false);
+    EXPECT_TRUE(scene->isShowingBoundingBoxes());
+    scene->toggleDrawStyle(true);
+    EXPECT_FALSE(scene->isShowingBoundingBoxes());
+}
+
 TEST_F(SoGeneralSceneTest, SpaceBarTogglesTheDrawStyleAndWithShiftTheComplexity)
 {
     EXPECT_TRUE(press(scene, SoKeyboardEvent::SPACE));

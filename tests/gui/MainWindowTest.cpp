@@ -24,6 +24,7 @@
 #include <QMimeData>
 #include <QPixmap>
 #include <QPointer>
+#include <QPushButton>
 #include <QScreen>
 #include <QSettings>
 #include <QStatusBar>
@@ -32,6 +33,7 @@
 #include <QTimer>
 #include <QToolBar>
 #include <QUrl>
+#include <QWheelEvent>
 #include <gmock/gmock.h>
 
 #include "DataScene.h"
@@ -174,6 +176,16 @@ protected:
                    *window->findChild<QStatusBar*>()->findChild<QLabel*>())
             .getAll()
             .toStdString();
+    }
+
+    // Whether a label of the status bar is just this text.
+    bool isToldInStatusBar(const QString& text) const
+    {
+        for (const QLabel* label : window->findChild<QStatusBar*>()->findChildren<QLabel*>()) {
+            if (label->isVisible() && label->text() == text)
+                return true;
+        }
+        return false;
     }
 
     QAction* action(const std::string& text) const
@@ -883,6 +895,7 @@ TEST_F(MainWindowTest, AClickBesideEverythingTakesBackWhatWasPicked)
 
 TEST_F(MainWindowTest, APicksNumbersAreSeenBeforeALongName)
 {
+    options.windowSize = {800, 420};
     const std::string name(120, 'n');
     const std::string file = write(name + ".txt", STRAIGHT);
     open({file});
@@ -904,9 +917,127 @@ TEST_F(MainWindowTest, TheLeftButtonPicksOnlyAfterEscape)
     const std::string before = statusText();
     QTest::mouseClick(view(), Qt::LeftButton, Qt::NoModifier, pixelOf(1, 0));
     EXPECT_EQ(statusText(), before);
-    action("Turning or picking")->trigger();
+    press(Qt::Key_Escape);
     QTest::mouseClick(view(), Qt::LeftButton, Qt::NoModifier, pixelOf(1, 0));
     EXPECT_THAT(statusText(), HasSubstr("arc length"));
+    QTest::mouseClick(view(), Qt::LeftButton, Qt::NoModifier, QPoint(3, 3));
+    EXPECT_THAT(statusText(), StartsWith("Picking: "));
+}
+
+TEST_F(MainWindowTest, TurningOrPickingIsToldByStatusBarAndMenuWhoeverChangesIt)
+{
+    open({write("straight.txt", STRAIGHT)});
+    const std::string turningHint = statusText();
+    const auto expectMode = [&](bool picking) {
+        EXPECT_EQ(action("Picking instead of turning")->isChecked(), picking);
+        EXPECT_TRUE(isToldInStatusBar(picking ? "Picking" : "Turning"));
+        EXPECT_FALSE(isToldInStatusBar(picking ? "Turning" : "Picking"));
+        if (picking)
+            EXPECT_THAT(statusText(), AllOf(StartsWith("Picking: "), HasSubstr("Esc: turning")));
+        else
+            EXPECT_EQ(statusText(), turningHint);
+    };
+    expectMode(false);
+    press(Qt::Key_Escape);
+    expectMode(true);
+    action("Picking instead of turning")->trigger();
+    expectMode(false);
+    action("Picking instead of turning")->trigger();
+    expectMode(true);
+    // A mode outlives the scene that it was chosen for.
+    window->openFiles({QString::fromStdString(write("second.txt", STRAIGHT))});
+    expectMode(true);
+    press(Qt::Key_Escape);
+    expectMode(false);
+    // Of the viewer's own buttons the first is for picking, the second for turning.
+    press(Qt::Key_Return);
+    QList<QPushButton*> buttons;
+    for (QPushButton* button : window->findChildren<QPushButton*>()) {
+        if (button->isVisible())
+            buttons.append(button);
+    }
+    ASSERT_GE(buttons.size(), 2);
+    buttons[0]->click();
+    expectMode(true);
+    buttons[1]->click();
+    expectMode(false);
+    press(Qt::Key_Return);
+}
+
+TEST_F(MainWindowTest, WhatIsSaidToBeOffWhilePickingIsOff)
+{
+    open({write("straight.txt", STRAIGHT)});
+    const auto moves = [this](const std::function<void()>& act) {
+        window->viewFrom(Side::Z);
+        const CameraNumbers before = window->getCameraNumbers();
+        act();
+        return !(window->getCameraNumbers() == before);
+    };
+    const auto drag = [this](Qt::MouseButton button) {
+        QTest::mousePress(view(), button, Qt::NoModifier, QPoint(200, 100));
+        for (int x = 210; x < 260; x += 10) {
+            QMouseEvent move(QEvent::MouseMove, QPointF(x, 120), Qt::NoButton, button,
+                             Qt::NoModifier);
+            QApplication::sendEvent(view(), &move);
+        }
+        QTest::mouseRelease(view(), button, Qt::NoModifier, QPoint(260, 120));
+    };
+    const auto turnWheel = [this] {
+        const QPoint middle = view()->rect().center();
+        QWheelEvent wheel(middle, view()->mapToGlobal(middle), QPoint(), QPoint(0, 120),
+                          Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(view(), &wheel);
+    };
+    for (const bool picking : {false, true}) {
+        SCOPED_TRACE(picking);
+        EXPECT_EQ(moves([&] { drag(Qt::LeftButton); }), !picking);
+        EXPECT_EQ(moves([&] { drag(Qt::MiddleButton); }), !picking);
+        EXPECT_EQ(moves(turnWheel), !picking);
+        EXPECT_EQ(moves([&] { press(Qt::Key_Left); }), !picking);
+        EXPECT_TRUE(moves([&] { press(Qt::Key_D); }));
+        EXPECT_TRUE(moves([&] { press(Qt::Key_X); }));
+        EXPECT_TRUE(moves([&] { press(Qt::Key_W, Qt::AltModifier); }));
+        EXPECT_TRUE(moves([&] { press(Qt::Key_P); }));
+        press(Qt::Key_P);
+        press(Qt::Key_Escape);
+    }
+}
+
+TEST_F(MainWindowTest, MenusTickWhatIsOnWhetherAKeyOrTheMenuSwitchedIt)
+{
+    open({write("straight.txt", STRAIGHT)});
+    struct Switch
+    {
+        const char* text;
+        Qt::Key key;
+        Qt::KeyboardModifier modifier;
+    };
+    for (const Switch& one :
+         {Switch{"Bounding boxes", Qt::Key_Space, Qt::ShiftModifier},
+          Switch{"Frames per second", Qt::Key_F, Qt::NoModifier},
+          Switch{"Wheels and buttons", Qt::Key_Return, Qt::NoModifier},
+          Switch{"Picking instead of turning", Qt::Key_Escape, Qt::NoModifier}}) {
+        SCOPED_TRACE(one.text);
+        QAction* entry = action(one.text);
+        ASSERT_TRUE(entry->isCheckable());
+        EXPECT_FALSE(entry->isChecked());
+        press(one.key, one.modifier);
+        EXPECT_TRUE(entry->isChecked());
+        entry->trigger();
+        EXPECT_FALSE(entry->isChecked());
+        entry->trigger();
+        EXPECT_TRUE(entry->isChecked());
+        press(one.key, one.modifier);
+        EXPECT_FALSE(entry->isChecked());
+    }
+}
+
+TEST_F(MainWindowTest, AnotherSceneShowsNoBoxesAndTheMenuSaysSo)
+{
+    open({write("straight.txt", STRAIGHT)});
+    press(Qt::Key_Space, Qt::ShiftModifier);
+    window->openFiles({QString::fromStdString(write("second.txt", STRAIGHT))});
+    EXPECT_FALSE(action("Bounding boxes")->isChecked());
 }
 
 TEST_F(MainWindowTest, ACtrlClickBringsThePointToTheMiddle)
