@@ -9,7 +9,7 @@
 #include <algebra3d/Quaternion.h>
 #include <algebra3d/Vector3.h>
 
-/// One named number per point of a rod.
+/// One named number per point of a rod; not-a-number where it is not known.
 struct Scalar
 {
     std::string name;

@@ -1,60 +1,186 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Legend.h"
 
-#include <cmath>
+#include <algorithm>
 
 #include <Inventor/misc/SoChildList.h>
-#include <Inventor/nodes/SoAsciiText.h>
 #include <Inventor/nodes/SoBaseColor.h>
 #include <Inventor/nodes/SoCoordinate3.h>
 #include <Inventor/nodes/SoDepthBuffer.h>
 #include <Inventor/nodes/SoDrawStyle.h>
-#include <Inventor/nodes/SoFont.h>
+#include <Inventor/nodes/SoFaceSet.h>
 #include <Inventor/nodes/SoLightModel.h>
 #include <Inventor/nodes/SoLineSet.h>
 #include <Inventor/nodes/SoMaterial.h>
 #include <Inventor/nodes/SoMaterialBinding.h>
 #include <Inventor/nodes/SoOrthographicCamera.h>
 #include <Inventor/nodes/SoQuadMesh.h>
-#include <Inventor/nodes/SoTranslation.h>
-#include <QString>
 
-#include <ColourMapper.h>
-
+#include "Colouring.h"
+#include "Lettering.h"
 #include "SoOverlay.h"
+#include "Ticks.h"
 
 namespace {
 
 // In the legend's own view: 2 high, and 2 wide or more.
-const float HALF_WIDTH = 0.7f;
+const float BAR_LEFT = -0.7f;
+const float BAR_RIGHT = 0.7f;
+const float BAR_RIGHT_OF_PATCH = 0.55f; // where a patch stands beside the bar
+const float CONSTANT_WIDTH = 0.1f;
+const float PATCH_LEFT = 0.77f;
+const float PATCH_RIGHT = 0.85f;
 const float BAR_TOP = -0.82f;
 const float BAR_BOTTOM = -0.87f;
+const float TRIANGLE = 0.04f; // beyond the bar
 const float TICK_BOTTOM = -0.885f;
 const float NUMBERS = -0.945f;
 const float NAME = -0.80f;
 const float TEXT_SIZE = 0.05f;
+const float WIDEST = 1.9f;   // of all text
+const float GAP = TEXT_SIZE; // between two texts
 const int BAR_CELLS = 256;
+const int MOST_STEPS = 8;
+const char* const NO_VALUE = "no value";
 
-float place(const ColourMapper& mapper, double value)
+// From left to right on the view.
+struct Bar
 {
-    return HALF_WIDTH * float(2 * mapper.minMaxToZeroOne(value) - 1);
+    explicit Bar(const Colouring& colouring)
+    {
+        if (!colouring.constant.empty()) {
+            left = -CONSTANT_WIDTH;
+            right = CONSTANT_WIDTH;
+        } else if (colouring.isMissing) {
+            right = BAR_RIGHT_OF_PATCH;
+        }
+    }
+    float at(double place) const { return left + (right - left) * float(place); }
+    float middle() const { return (left + right) / 2; }
+
+    float left = BAR_LEFT;
+    float right = BAR_RIGHT;
+};
+
+double placeOf(const Colouring& colouring, double value)
+{
+    return (value - colouring.min) / (colouring.max - colouring.min);
 }
 
-void addBar(SoSeparator* legend, const ColourMapper& mapper)
+LegendText makeText(const Lettering& lettering, const std::string& text, float x, float y)
+{
+    return {text, x, y, TEXT_SIZE * float(lettering.getWidth(text))};
+}
+
+bool areApart(const std::vector<LegendText>& texts)
+{
+    for (std::size_t i = 1; i < texts.size(); ++i) {
+        const float between = (texts[i - 1].width + texts[i].width) / 2 + GAP;
+        if (texts[i].x - texts[i - 1].x < between)
+            return false;
+    }
+    return true;
+}
+
+std::vector<LegendText> layOutNumbers(const Colouring& colouring, const Ticks& ticks,
+                                      const Lettering& lettering)
+{
+    const Bar bar(colouring);
+    std::vector<LegendText> numbers;
+    for (std::size_t i = 0; i < ticks.values.size(); ++i) {
+        numbers.push_back(makeText(lettering, ticks.labels[i],
+                                   bar.at(placeOf(colouring, ticks.values[i])), NUMBERS));
+    }
+    if (colouring.isMissing)
+        numbers.push_back(makeText(lettering, NO_VALUE, (PATCH_LEFT + PATCH_RIGHT) / 2, NUMBERS));
+    return numbers;
+}
+
+// As many as have room beside each other.
+Ticks chooseTicks(const Colouring& colouring, const Lettering& lettering)
+{
+    const int fewestSteps = 2;
+    Ticks ticks;
+    for (int steps = MOST_STEPS; steps >= fewestSteps; --steps) {
+        ticks = makeTicks(colouring.min, colouring.max, steps);
+        if (areApart(layOutNumbers(colouring, ticks, lettering)))
+            break;
+    }
+    return ticks;
+}
+
+// The one number of a constant is its own tick.
+Ticks ticksOf(const Colouring& colouring, const Lettering& lettering)
+{
+    if (colouring.constant.empty())
+        return chooseTicks(colouring, lettering);
+    return {{(colouring.min + colouring.max) / 2}, {colouring.constant}, ""};
+}
+
+// The name in the middle and what belongs to the numbers at the bar's end, or both in a row
+// where they would meet. A long name loses its end.
+std::vector<LegendText> layOutName(const Colouring& colouring, const std::string& note,
+                                   const Lettering& lettering)
+{
+    LegendText behind = makeText(lettering, note, 0, NAME);
+    const float apart = note.empty() ? 0 : 2 * GAP;
+    const double room = double((WIDEST - behind.width - apart) / TEXT_SIZE);
+    LegendText name = makeText(lettering, lettering.elide(colouring.name, room), 0, NAME);
+    if (note.empty())
+        return {name};
+    behind.x = Bar(colouring).right - behind.width / 2;
+    if (name.width / 2 + apart > behind.x - behind.width / 2) {
+        const float left = -(name.width + apart + behind.width) / 2;
+        name.x = left + name.width / 2;
+        behind.x = -left - behind.width / 2;
+    }
+    return {name, behind};
+}
+
+std::vector<LegendText> layOut(const Colouring& colouring, const Ticks& ticks,
+                               const Lettering& lettering)
+{
+    std::vector<LegendText> texts = layOutName(colouring, ticks.note, lettering);
+    const std::vector<LegendText> numbers = layOutNumbers(colouring, ticks, lettering);
+    texts.insert(texts.end(), numbers.begin(), numbers.end());
+    return texts;
+}
+
+SbColor colourAt(const ColourMapper& ramp, double place)
+{
+    ColourMapper::Colour colour;
+    ramp.getColour(place, colour);
+    return SbColor(float(colour.x), float(colour.y), float(colour.z));
+}
+
+// A filled shape of one colour.
+void addFace(SoSeparator* legend, const SbColor& colour, const std::vector<SbVec3f>& corners)
+{
+    auto* group = new SoSeparator;
+    auto* base = new SoMaterial; // not of the text's kind, whose colour changes
+    base->diffuseColor = colour;
+    group->addChild(base);
+    auto* coordinates = new SoCoordinate3;
+    coordinates->point.setValues(0, int(corners.size()), corners.data());
+    group->addChild(coordinates);
+    auto* face = new SoFaceSet;
+    face->numVertices = int(corners.size());
+    group->addChild(face);
+    legend->addChild(group);
+}
+
+void addBar(SoSeparator* legend, const Colouring& colouring, const Bar& bar)
 {
     auto* group = new SoSeparator;
     auto* material = new SoMaterial;
     auto* corners = new SoCoordinate3;
-    ColourMapper::Colour colour;
     for (int i = 0; i <= BAR_CELLS; ++i) {
         const double t = double(i) / BAR_CELLS;
-        mapper.getColour(mapper.zeroOneToMinMax(t), colour);
-        const float x = HALF_WIDTH * float(2 * t - 1);
+        const SbColor colour = colourAt(colouring.ramp, colouring.constant.empty() ? t : 0.5);
         for (const int row : {0, 1}) {
             const int index = row * (BAR_CELLS + 1) + i;
-            corners->point.set1Value(index, x, row == 0 ? BAR_BOTTOM : BAR_TOP, 0);
-            material->diffuseColor.set1Value(index, float(colour.x), float(colour.y),
-                                             float(colour.z));
+            corners->point.set1Value(index, bar.at(t), row == 0 ? BAR_BOTTOM : BAR_TOP, 0);
+            material->diffuseColor.set1Value(index, colour);
         }
     }
     group->addChild(material);
@@ -62,39 +188,45 @@ void addBar(SoSeparator* legend, const ColourMapper& mapper)
     binding->value = SoMaterialBinding::PER_VERTEX;
     group->addChild(binding);
     group->addChild(corners);
-    auto* bar = new SoQuadMesh;
-    bar->verticesPerRow = BAR_CELLS + 1;
-    bar->verticesPerColumn = 2;
-    group->addChild(bar);
+    auto* mesh = new SoQuadMesh;
+    mesh->verticesPerRow = BAR_CELLS + 1;
+    mesh->verticesPerColumn = 2;
+    group->addChild(mesh);
     legend->addChild(group);
 }
 
-void addText(SoSeparator* legend, const std::string& text, float x, float y)
+// What the colours of the bar do not show.
+void addBesideBar(SoSeparator* legend, const Colouring& colouring, const Bar& bar)
 {
-    auto* group = new SoSeparator;
-    auto* translation = new SoTranslation;
-    translation->translation = SbVec3f(x, y, 0);
-    group->addChild(translation);
-    auto* line = new SoAsciiText;
-    line->string = text.c_str();
-    line->justification = SoAsciiText::CENTER;
-    group->addChild(line);
-    legend->addChild(group);
+    const float middle = (BAR_TOP + BAR_BOTTOM) / 2;
+    const auto addTriangle = [&](float end, float tip, double place) {
+        addFace(legend, colourAt(colouring.ramp, place),
+                {{end, BAR_BOTTOM, 0}, {tip, middle, 0}, {end, BAR_TOP, 0}});
+    };
+    if (colouring.isBelow)
+        addTriangle(bar.left, bar.left - TRIANGLE, 0);
+    if (colouring.isAbove)
+        addTriangle(bar.right, bar.right + TRIANGLE, 1);
+    if (colouring.isMissing) {
+        addFace(legend, SbColor(NO_VALUE_COLOUR.red, NO_VALUE_COLOUR.green, NO_VALUE_COLOUR.blue),
+                {{PATCH_LEFT, BAR_BOTTOM, 0},
+                 {PATCH_RIGHT, BAR_BOTTOM, 0},
+                 {PATCH_RIGHT, BAR_TOP, 0},
+                 {PATCH_LEFT, BAR_TOP, 0}});
+    }
 }
 
-void addTicks(SoSeparator* legend, const ColourMapper& mapper)
+void addTicks(SoSeparator* legend, const Colouring& colouring, const Ticks& ticks, const Bar& bar)
 {
-    const std::vector<double> ticks = roundTicks(mapper.getMin(), mapper.getMax());
     auto* ends = new SoCoordinate3;
     auto* lines = new SoLineSet;
     int count = 0;
-    for (const double tick : ticks) {
-        const float x = place(mapper, tick);
+    for (const double tick : ticks.values) {
+        const float x = bar.at(placeOf(colouring, tick));
         ends->point.set1Value(2 * count, x, BAR_BOTTOM, 0);
         ends->point.set1Value(2 * count + 1, x, TICK_BOTTOM, 0);
         lines->numVertices.set1Value(count, 2);
         ++count;
-        addText(legend, QString::number(tick, 'g', 6).toStdString(), x, NUMBERS);
     }
     auto* style = new SoDrawStyle;
     style->lineWidth = 2;
@@ -103,25 +235,34 @@ void addTicks(SoSeparator* legend, const ColourMapper& mapper)
     legend->addChild(lines);
 }
 
-} // namespace
-
-std::vector<double> roundTicks(double min, double max)
+void addTexts(SoSeparator* legend, const std::vector<LegendText>& texts, const Lettering& lettering)
 {
-    const double power = std::pow(10, std::floor(std::log10((max - min) / 4)));
-    double step = power;
-    for (const double factor : {2.0, 5.0, 10.0}) {
-        if ((max - min) / step > 8)
-            step = factor * power;
+    std::vector<SbVec3f> corners;
+    for (const LegendText& text : texts) {
+        for (const SbVec2f& corner : lettering.getShape(text.text)) {
+            corners.emplace_back(text.x - text.width / 2 + TEXT_SIZE * corner[0],
+                                 text.y + TEXT_SIZE * corner[1], 0.0f);
+        }
     }
-    // What is off by rounding only counts as inside, and as zero.
-    const double slack = 1e-9 * step;
-    std::vector<double> ticks;
-    for (double k = std::ceil((min - slack) / step); k * step <= max + slack; ++k)
-        ticks.push_back(k == 0 ? 0 : k * step);
-    return ticks;
+    auto* coordinates = new SoCoordinate3;
+    coordinates->point.setValues(0, int(corners.size()), corners.data());
+    auto* faces = new SoFaceSet;
+    const std::vector<int32_t> counts(corners.size() / 4, 4);
+    faces->numVertices.setValues(0, int(counts.size()), counts.data());
+    faces->numVertices.setNum(int(counts.size()));
+    legend->addChild(coordinates);
+    legend->addChild(faces);
 }
 
-SoNode* makeLegend(const std::string& name, const ColourMapper& mapper, const Colour& background)
+} // namespace
+
+std::vector<LegendText> layOutLegend(const Colouring& colouring)
+{
+    const Lettering lettering;
+    return layOut(colouring, ticksOf(colouring, lettering), lettering);
+}
+
+SoNode* makeLegend(const Colouring& colouring, const Colour& background)
 {
     auto* legend = new SoOverlay;
     auto* camera = new SoOrthographicCamera;
@@ -138,14 +279,15 @@ SoNode* makeLegend(const std::string& name, const ColourMapper& mapper, const Co
     lightModel->model = SoLightModel::BASE_COLOR;
     legend->addChild(lightModel);
 
-    addBar(legend, mapper);
+    const Bar bar(colouring);
+    addBar(legend, colouring, bar);
+    addBesideBar(legend, colouring, bar);
     legend->addChild(new SoBaseColor);
     setLegendBackground(*legend, background);
-    auto* font = new SoFont;
-    font->size = TEXT_SIZE;
-    legend->addChild(font);
-    addTicks(legend, mapper);
-    addText(legend, name, 0, NAME);
+    const Lettering lettering;
+    const Ticks ticks = ticksOf(colouring, lettering);
+    addTicks(legend, colouring, ticks, bar);
+    addTexts(legend, layOut(colouring, ticks, lettering), lettering);
     return legend;
 }
 

@@ -7,20 +7,30 @@
 
 #include "Colour.h"
 
-class ColourMapper;
 class SoNode;
+struct Colouring;
 
 /// The part of a view's height, at its bottom, that a legend takes.
 constexpr float LEGEND_HEIGHT = 0.16f;
 
-/// Round numbers from min to max, both included if round: three to nine of them, in
-/// steps of 1, 2 or 5 times a power of ten.
-std::vector<double> roundTicks(double min, double max);
+/// A line of a legend's text: its middle, and its width.
+struct LegendText
+{
+    std::string text;
+    float x, y;
+    float width;
+};
 
-/// A bar with the mapper's ramp, ticks with their numbers, and the scalar's name, at the
-/// bottom of whatever view it is drawn in. The text is black or white, as is read on
-/// the background.
-SoNode* makeLegend(const std::string& name, const ColourMapper& mapper, const Colour& background);
+/// The texts of a legend, none over another, in its own view, which is 2 high and 2 wide or
+/// more, with the origin in its middle: the name, what makes the numbers values if anything
+/// does, and the numbers, as many as there is room for.
+std::vector<LegendText> layOutLegend(const Colouring& colouring);
+
+/// A bar with the ramp, ticks with their numbers, and the scalar's name, at the bottom of
+/// whatever view it is drawn in. Triangles at its ends show that values lie beyond them, a grey
+/// patch beside it that some are no numbers. A constant has one colour and one number. The
+/// text is black or white, as is read on the background.
+SoNode* makeLegend(const Colouring& colouring, const Colour& background);
 
 /// Gives a legend's text the colour that is read on another background.
 void setLegendBackground(SoNode& legend, const Colour& background);

@@ -11,6 +11,7 @@
 #include <CLI/CLI.hpp>
 
 #include "PictureWriter.h"
+#include "Ticks.h"
 
 namespace {
 
@@ -237,6 +238,11 @@ void addColouring(CLI::App& app, Options& options)
                                                       "', expected MIN:MAX with MIN below MAX; "
                                                       "either may be left out");
         }
+        if (options.rangeMin && options.rangeMax && !isRange(*options.rangeMin, *options.rangeMax))
+            throw CLI::ValidationError("--range",
+                                       "found '" + text +
+                                           "', expected limits that are a 1e-12th of them apart "
+                                           "or more, and up to 1e+307");
     };
     app.add_option_function<std::string>("--range", parseRange,
                                          "Values at the ends of the colours [those of the data]")

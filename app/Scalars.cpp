@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Scalars.h"
 
+#include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include <algebra3d/Matrix3.h>
 
@@ -31,6 +33,27 @@ Values arcLength(const Rod& rod)
     return values;
 }
 
+// By how much the difference of two points may be off: some units in the last place of the
+// largest coordinate.
+double roundingOfEdges(const Rod& rod)
+{
+    double largest = 0;
+    for (const Vector3<double>& point : rod.points)
+        largest = std::max({largest, std::abs(point.x), std::abs(point.y), std::abs(point.z)});
+    return 8 * std::numeric_limits<double>::epsilon() * largest;
+}
+
+double edgeLength(const Rod& rod, std::size_t edge)
+{
+    return (rod.points[edge + 1] - rod.points[edge]).getNorm();
+}
+
+// The shorter of the edges that meet at an inner point.
+double shorterEdge(const Rod& rod, std::size_t i)
+{
+    return std::min(edgeLength(rod, i - 1), edgeLength(rod, i));
+}
+
 // Twice the vector area of the triangle at a point; zero where the rod is straight.
 Vector3<double> doubleArea(const Rod& rod, std::size_t i)
 {
@@ -54,13 +77,26 @@ Values curvature(const Rod& rod)
     return values;
 }
 
+// By how much the plane of the circle at an inner point may be turned by rounding, in
+// radians: the less the rod is bent there, the more; infinite if it is straight.
+double roundingOfPlane(const Rod& rod, std::size_t i, double ofEdges)
+{
+    const double sides = edgeLength(rod, i - 1) * edgeLength(rod, i);
+    const double turn = sides == 0 ? 0 : doubleArea(rod, i).getNorm() / sides;
+    const double rounding = ofEdges / shorterEdge(rod, i);
+    return turn > 4 * rounding ? rounding / turn : std::numeric_limits<double>::infinity();
+}
+
 Values torsion(const Rod& rod)
 {
     const std::size_t edges = rod.points.size() - 1;
     if (edges < 3)
         return Values(rod.points.size());
     Values values(edges);
+    const double ofEdges = roundingOfEdges(rod);
     for (std::size_t i = 1; i + 1 < edges; ++i) {
+        if (std::isinf(roundingOfPlane(rod, i, ofEdges) + roundingOfPlane(rod, i + 1, ofEdges)))
+            continue;
         const Vector3<double> edge = rod.points[i + 1] - rod.points[i];
         const Vector3<double> before = doubleArea(rod, i).getUnit();
         const Vector3<double> after = doubleArea(rod, i + 1).getUnit();
@@ -92,6 +128,51 @@ Values twist(const Rod& rod)
     return fromEdges(values);
 }
 
+// As the values: ends take what is beside them.
+Values roundingOfCurvature(const Rod& rod)
+{
+    Values values(rod.points.size());
+    if (values.size() < 3)
+        return values;
+    const double ofEdges = roundingOfEdges(rod);
+    for (std::size_t i = 1; i + 1 < values.size(); ++i)
+        values[i] = ofEdges / (shorterEdge(rod, i) * shorterEdge(rod, i));
+    values.front() = values[1];
+    values.back() = values[values.size() - 2];
+    return values;
+}
+
+Values roundingOfTorsion(const Rod& rod)
+{
+    const std::size_t edges = rod.points.size() - 1;
+    if (edges < 3)
+        return Values(rod.points.size());
+    Values values(edges);
+    const double ofEdges = roundingOfEdges(rod);
+    for (std::size_t i = 1; i + 1 < edges; ++i) {
+        values[i] = (roundingOfPlane(rod, i, ofEdges) + roundingOfPlane(rod, i + 1, ofEdges)) /
+                    edgeLength(rod, i);
+    }
+    values.front() = values[1];
+    values.back() = values[edges - 2];
+    return fromEdges(values);
+}
+
+Values roundingOfTwist(const Rod& rod)
+{
+    const double angle = 16 * std::numeric_limits<double>::epsilon();
+    Values values(rod.points.size() - 1);
+    for (std::size_t i = 0; i < values.size(); ++i)
+        values[i] = angle / edgeLength(rod, i);
+    return fromEdges(values);
+}
+
+bool isOfFile(const Rod& rod, const std::string& name)
+{
+    return std::any_of(rod.scalars.begin(), rod.scalars.end(),
+                       [&name](const Scalar& scalar) { return scalar.name == name; });
+}
+
 } // namespace
 
 const std::vector<std::string>& builtInScalars()
@@ -115,4 +196,21 @@ std::optional<std::vector<double>> findScalar(const Rod& rod, const std::string&
     if (name == "twist")
         return twist(rod);
     return std::nullopt;
+}
+
+std::vector<double> roundingOf(const Rod& rod, const std::string& name)
+{
+    Values values(rod.points.size());
+    if (isOfFile(rod, name) || name == "arclength")
+        return values;
+    if (name == "curvature")
+        values = roundingOfCurvature(rod);
+    else if (name == "torsion")
+        values = roundingOfTorsion(rod);
+    else if (name == "twist")
+        values = roundingOfTwist(rod);
+    const double least = 1e-9 / arcLength(rod).back();
+    for (double& value : values)
+        value = std::max(value, least);
+    return values;
 }

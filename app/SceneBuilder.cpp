@@ -59,33 +59,18 @@ SoMaterial* makeMaterial(const Style& style, std::size_t rodIndex)
     return material;
 }
 
-// The colours of one mesh's rows, from entry `offset` on: the scalar along the arc
-// length, smooth through the points' values, straight where they are two.
-template <typename MeshType>
-void colourRows(const Colouring& colouring, const std::vector<double>& values, const MeshType& mesh,
-                int offset, SoMaterial* material)
-{
-    ColourMapper mapper = colouring.mapper;
-    const std::vector<double>& at = mesh.getInterpParamValues();
-    if (values.size() >= 3) {
-        SoGeneralScene::interpolateMaterial(&mapper, material, offset, mesh.getParamValues(),
-                                            values, at);
-        return;
-    }
-    std::vector<double> rows;
-    for (double s : at)
-        rows.push_back(values[0] + (values[1] - values[0]) * s / at.back());
-    SoGeneralScene::generateMaterial(&mapper, material, offset, rows);
-}
-
 // One material per row: those of the tube, then those of the ribbon.
 void addColours(SoSeparator* group, const SoRod& rod, const Colouring& colouring,
                 std::size_t rodIndex)
 {
-    const std::vector<double>& values = colouring.values[rodIndex];
+    const std::vector<double>& places = colouring.places[rodIndex];
     auto* material = new SoMaterial;
-    colourRows(colouring, values, *rod.getTubeMesh(), 0, material);
-    colourRows(colouring, values, *rod.getRibbonMesh(), rod.getTubeMesh()->getHeight(), material);
+    const BiarcTubeMesh& tube = *rod.getTubeMesh();
+    const BiarcRibbonMesh& ribbon = *rod.getRibbonMesh();
+    colourRows(colouring.ramp, tube.getParamValues(), places, tube.getInterpParamValues(), 0,
+               material);
+    colourRows(colouring.ramp, ribbon.getParamValues(), places, ribbon.getInterpParamValues(),
+               tube.getHeight(), material);
     group->addChild(material);
     auto* binding = new SoMaterialBinding;
     binding->value = SoMaterialBinding::PER_VERTEX;
@@ -189,7 +174,7 @@ public:
         addDnas();
         addFrames();
         if (colouring)
-            scene->addLegend(makeLegend(colouring->name, colouring->mapper, style.background));
+            scene->addLegend(makeLegend(*colouring, style.background));
         return "";
     }
 
@@ -212,7 +197,7 @@ private:
                                    style.twoSidedRibbon);
             node->setData(toScene(rod.points), rod.rotations);
             auto* group = new SoSeparator;
-            if (colouring)
+            if (colouring && !colouring->places[i].empty())
                 addColours(group, *node, *colouring, i);
             else
                 group->addChild(makeMaterial(style, i));

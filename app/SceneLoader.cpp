@@ -49,7 +49,7 @@ DataScene* load(const std::vector<std::string>& files, const Options& options, R
         return nullptr;
     std::optional<Colouring> colouring;
     if (options.colourBy) {
-        colouring = makeColouring(options, *configuration, report.error);
+        colouring = makeColouring(options, *configuration, report);
         if (!colouring)
             return nullptr;
     }

@@ -18,6 +18,7 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::IsNan;
 
 Reading readText(const std::string& text, const ReadOptions& options = {})
 {
@@ -116,6 +117,14 @@ TEST(JsonReader, LeavesOutPointsAtThePlaceOfTheOneBefore)
     EXPECT_THAT(rod.scalars[0].values, ElementsAre(1, 3));
     EXPECT_THAT(reading.report.notices,
                 ElementsAre("rod.json: 1 point left out, at the same place as the point before"));
+}
+
+TEST(JsonReader, NullAmongTheValuesOfAScalarIsNotANumber)
+{
+    const Rod rod = rodOf(R"({"rods": [{"points": [[0, 0, 0], [0, 0, 1], [0, 0, 2]],
+                                        "scalars": {"s": [1, null, 3]}}], "strandview": 1})");
+    ASSERT_EQ(rod.scalars.size(), 1U);
+    EXPECT_THAT(rod.scalars[0].values, ElementsAre(1, IsNan(), 3));
 }
 
 TEST(JsonReader, ScalesQuaternionsToUnitLengthWhenAskedTo)

@@ -2,34 +2,137 @@
 #include "Legend.h"
 
 #include <cmath>
+#include <random>
 
+#include <Inventor/SoPrimitiveVertex.h>
+#include <Inventor/actions/SoCallbackAction.h>
+#include <Inventor/nodes/SoFaceSet.h>
 #include <gmock/gmock.h>
+
+#include "Colouring.h"
+#include "Ticks.h"
+#include "support/initialiseSceneOnce.h"
+
+using testing::ElementsAre;
+using testing::HasSubstr;
 
 namespace {
 
-using testing::DoubleEq;
-using testing::ElementsAre;
-
-TEST(RoundTicks, AreStepsOfOneTwoOrFive)
+Colouring colouring(double min, double max, const std::string& name = "k")
 {
-    EXPECT_THAT(roundTicks(0, 1), ElementsAre(0, DoubleEq(0.2), DoubleEq(0.4), DoubleEq(0.6),
-                                              DoubleEq(0.8), DoubleEq(1)));
-    EXPECT_THAT(roundTicks(-3, 4), ElementsAre(-3, -2, -1, 0, 1, 2, 3, 4));
-    EXPECT_THAT(roundTicks(12, 31), ElementsAre(15, 20, 25, 30));
+    Colouring made;
+    made.name = name;
+    made.ramp = ColourMapper(0, 1);
+    made.min = min;
+    made.max = max;
+    return made;
 }
 
-TEST(RoundTicks, LieInsideTheLimitsAndAreThreeToNine)
+std::vector<std::string> textsOf(const Colouring& shown)
 {
-    for (double width = 1e-9; width < 1e9; width *= 1.37) {
-        for (const double min : {-width / 3, 0.0, width / 7, 20 * width}) {
-            const std::vector<double> ticks = roundTicks(min, min + width);
-            SCOPED_TRACE(width);
-            EXPECT_GE(ticks.size(), 3u);
-            EXPECT_LE(ticks.size(), 9u);
-            EXPECT_GE(ticks.front(), min - 1e-8 * width);
-            EXPECT_LE(ticks.back(), min + width * (1 + 1e-8));
+    std::vector<std::string> texts;
+    for (const LegendText& text : layOutLegend(shown))
+        texts.push_back(text.text);
+    return texts;
+}
+
+void expectApart(const Colouring& shown)
+{
+    const std::vector<LegendText> texts = layOutLegend(shown);
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        SCOPED_TRACE(texts[i].text);
+        EXPECT_GT(texts[i].width, 0);
+        EXPECT_LE(std::abs(texts[i].x) + texts[i].width / 2, 1) << "in every view";
+        for (std::size_t j = 0; j < i; ++j) {
+            if (texts[i].y != texts[j].y)
+                continue;
+            EXPECT_GT(std::abs(texts[i].x - texts[j].x),
+                      (texts[i].width + texts[j].width) / 2 + 0.02f)
+                << texts[j].text;
         }
     }
+}
+
+TEST(Legend, WritesTheNameAndARoundNumberPerTick)
+{
+    EXPECT_THAT(textsOf(colouring(0, 1, "κ_β²")),
+                ElementsAre("κ_β²", "0.0", "0.2", "0.4", "0.6", "0.8", "1.0"));
+    EXPECT_THAT(textsOf(colouring(0, 2500000)),
+                ElementsAre("k", "×10⁶", "0.0", "0.5", "1.0", "1.5", "2.0", "2.5"));
+}
+
+TEST(Legend, OfAConstantHasOneNumber)
+{
+    Colouring shown = colouring(0, 1);
+    shown.constant = "0.3";
+    EXPECT_THAT(textsOf(shown), ElementsAre("k", "0.3"));
+}
+
+TEST(Legend, SaysWhatTheGreyPatchIs)
+{
+    Colouring shown = colouring(0, 1);
+    shown.isMissing = true;
+    EXPECT_EQ(textsOf(shown).back(), "no value");
+    expectApart(shown);
+}
+
+TEST(Legend, ItsTextsNeverMeet)
+{
+    std::mt19937 engine(12);
+    std::uniform_real_distribution<double> digit(-9.99, 9.99), exponent(-30, 30);
+    for (int i = 0; i < 60; ++i) {
+        const double min = digit(engine) * std::pow(10, exponent(engine));
+        const double max = min + std::abs(min) * std::pow(10, exponent(engine) / 3);
+        if (!isRange(min, max))
+            continue;
+        SCOPED_TRACE(testing::Message() << min << " to " << max);
+        Colouring shown = colouring(min, max, std::string(std::size_t(5 * i + 1), 'W'));
+        shown.isMissing = i % 2;
+        expectApart(shown);
+    }
+}
+
+// The area of all that is filled but the bar: of the text, and of a patch or triangles.
+double inkOf(const Colouring& shown)
+{
+    initialiseSceneOnce();
+    SoNode* legend = makeLegend(shown, {1, 1, 1});
+    legend->ref();
+    SoCallbackAction triangles;
+    double ink = 0;
+    const auto add = [](void* data, SoCallbackAction* /*action*/, const SoPrimitiveVertex* a,
+                        const SoPrimitiveVertex* b, const SoPrimitiveVertex* c) {
+        const SbVec3f normal = (b->getPoint() - a->getPoint()).cross(c->getPoint() - a->getPoint());
+        *static_cast<double*>(data) += double(normal.length()) / 2;
+    };
+    triangles.addTriangleCallback(SoFaceSet::getClassTypeId(), add, &ink);
+    triangles.apply(legend);
+    legend->unref();
+    return ink;
+}
+
+TEST(Legend, DrawsLettersOfEveryAlphabetEachAsItself)
+{
+    const auto inkOfName = [](const std::string& name) {
+        return inkOf(colouring(0, 1, name)) - inkOf(colouring(0, 1, ""));
+    };
+    const double beta = inkOfName("β"), underscore = inkOfName("_"), kappa = inkOfName("κ");
+    EXPECT_GT(beta, 1e-5);
+    EXPECT_GT(kappa, 1e-5);
+    EXPECT_GT(beta, 1.2 * kappa) << "a tall letter and a small one, no box for both";
+    EXPECT_NEAR(inkOfName("κβ_"), kappa + beta + underscore, 1e-6);
+    EXPECT_EQ(inkOfName(" "), 0);
+    EXPECT_EQ(inkOfName("\n\t"), 0);
+}
+
+TEST(Legend, ALetterWithAHoleIsNotFilled)
+{
+    const auto widthAndInk = [](const std::string& name) {
+        const double ink = inkOf(colouring(0, 1, name)) - inkOf(colouring(0, 1, ""));
+        return ink / double(layOutLegend(colouring(0, 1, name)).front().width);
+    };
+    // A ring and a disc of about the same width and height.
+    EXPECT_LT(widthAndInk("○"), 0.6 * widthAndInk("●"));
 }
 
 } // namespace

@@ -569,6 +569,8 @@ std::string longTable(int points)
     return table.str();
 }
 
+const char* const WITH_SCALAR = "x y z k\n0 0 0 1\n0 0 1 2\n0 1 2 3\n";
+
 struct BadCall
 {
     std::string name;
@@ -641,6 +643,32 @@ INSTANTIATE_TEST_SUITE_P(
                 {"--render", "OUT", "--colour-by", "twist", "--range", "2:1", "GOOD"},
                 "",
                 "2:1"},
+        BadCall{"RangeOfNeighbours",
+                {"--render", "OUT", "--colour-by", "arclength", "--range",
+                 "100000000000000000:100000000000000016", "GOOD"},
+                "",
+                "'100000000000000000:100000000000000016', expected limits that are a 1e-12th"},
+        BadCall{
+            "RangeBeyondDouble",
+            {"--render", "OUT", "--colour-by", "arclength", "--range", "-1.7e308:1.7e308", "GOOD"},
+            "",
+            "up to 1e+307"},
+        BadCall{"RangeAboveTheData",
+                {"--render", "OUT", "--colour-by", "k", "--range", "5:", "-"},
+                WITH_SCALAR,
+                "--range: found '5:', expected MIN below 3, the largest value of 'k'"},
+        BadCall{"RangeBelowTheData",
+                {"--render", "OUT", "--colour-by", "k", "--range", ":0", "-"},
+                WITH_SCALAR,
+                "--range: found ':0', expected MAX above 1, the smallest value of 'k'"},
+        BadCall{"ScalarBeyondDouble",
+                {"--render", "OUT", "--colour-by", "k", "-"},
+                "x y z k\n0 0 0 -1.7e308\n0 0 1 1.7e308\n",
+                "found values from -1.7e+308 to 1.7e+308, expected magnitudes up to 1e+307"},
+        BadCall{"ScalarOfNoNumber",
+                {"--render", "OUT", "--colour-by", "k", "-"},
+                "x y z k\n0 0 0 nan\n0 0 1 nan\n",
+                "--colour-by k: found no value that is a number"},
         BadCall{"RangeOfWords",
                 {"--render", "OUT", "--colour-by", "twist", "--range", "low:high", "GOOD"},
                 "",

@@ -25,6 +25,7 @@ using algebra3d::Quaternion;
 using algebra3d::Vector3;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::IsNan;
 
 constexpr double pi = 3.14159265358979323846;
 
@@ -364,6 +365,13 @@ TEST(TableReader, PointsAreOneBelowAHundredThousandthOfTheMeanDistance)
     EXPECT_THAT(
         reading.report.notices,
         testing::Contains("rod.txt: 1 point left out, at the same place as the point before"));
+}
+
+TEST(TableReader, AScalarMayBeNotANumberAndPointsMayNot)
+{
+    const Rod rod = rodOf("x y z s\n0 0 0 nan\n0 0 1 1\n0 0 2 NaN\n");
+    ASSERT_EQ(rod.scalars.size(), 1U);
+    EXPECT_THAT(rod.scalars[0].values, ElementsAre(IsNan(), 1, IsNan()));
 }
 
 TEST(TableReader, ANumberBelowDoubleIsZeroOrTheNearest)

@@ -249,7 +249,13 @@ public:
         return collector.finish(fileName, "rod, birod, DNA, marker, frame or arrow", report);
     }
 
-    bool null() override { return failExpected("null"); }
+    /// Among a scalar's values it stands for one that is no number.
+    bool null() override
+    {
+        if (levels.empty() || levels.back().place != Place::values)
+            return failExpected("null");
+        return addNumber(levels.back(), std::numeric_limits<double>::quiet_NaN()) && goOn();
+    }
     bool boolean(bool value) override { return failExpected(value ? "true" : "false"); }
     bool string(std::string& value) override
     {

@@ -540,10 +540,19 @@ private:
             return readBase(field);
         const std::errc status = parseNumber(field, row[column]);
         const bool isComma = !scanner.areCommasText() && hasComma(field);
-        if (status == std::errc() && std::isfinite(row[column]) && !isComma)
+        if (status == std::errc() && !isComma && mayStandIn(column, row[column]))
             return true;
         return fail(nameText(column) + ": " + foundField(field) + ", expected " +
                     expectedInstead(field, status));
+    }
+
+    /// A scalar may be unknown: not-a-number.
+    bool mayStandIn(std::size_t column, double number) const
+    {
+        if (!std::isnan(number))
+            return std::isfinite(number);
+        const auto& scalars = columns.others;
+        return std::find(scalars.begin(), scalars.end(), column) != scalars.end();
     }
 
     bool readBase(std::string_view field)
