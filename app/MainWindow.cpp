@@ -478,6 +478,8 @@ void MainWindow::rememberFiles(const QStringList& files)
     QStringList recent = settings.value(RECENT_FILES).toStringList();
     for (const QString& file : files) {
         const QString path = QFileInfo(file).absoluteFilePath();
+        if (!QFileInfo(path).isFile()) // a pipe cannot be opened again
+            continue;
         recent.removeAll(path);
         recent.prepend(path);
     }

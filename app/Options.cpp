@@ -12,6 +12,8 @@
 
 #include "PictureWriter.h"
 #include "Ticks.h"
+#include "optionNames.h"
+#include "readers/wording.h"
 
 namespace {
 
@@ -270,6 +272,59 @@ void addColouring(CLI::App& app, Options& options)
         ->group(group);
 }
 
+// The command line with the names of its options as they are spelt here.
+std::vector<std::string> inOwnSpelling(int argc, const char* const* argv)
+{
+    std::vector<std::string> arguments;
+    bool areNames = true; // up to --
+    for (int i = 0; i < argc; ++i) {
+        areNames = areNames && std::string(argv[i]) != "--";
+        arguments.push_back(areNames && i > 0 ? inBritishSpelling(argv[i]) : argv[i]);
+    }
+    return arguments;
+}
+
+void parseArguments(CLI::App& app, const std::vector<std::string>& arguments)
+{
+    std::vector<const char*> texts;
+    for (const std::string& argument : arguments)
+        texts.push_back(argument.c_str());
+    app.parse(int(texts.size()), texts.data());
+}
+
+// Every name with its two dashes.
+std::vector<std::string> namesOfOptions(const CLI::App& app)
+{
+    std::vector<std::string> names;
+    for (const CLI::Option* option : app.get_options({})) {
+        for (const std::string& name : option->get_lnames())
+            names.push_back("--" + name);
+    }
+    return names;
+}
+
+// One line about an option that there is not, with what may have been meant.
+std::string unknownOption(const CLI::App& app, const std::string& argument)
+{
+    const std::string written = argument.substr(0, argument.find('='));
+    std::string text = "found the option " + inQuotes(written) + ", expected one of --help";
+    const std::vector<std::string> nearest = nearestNames(written, namesOfOptions(app));
+    for (std::size_t i = 0; i < nearest.size(); ++i)
+        text += (i == 0 ? "; did you mean " : " or ") + nearest[i];
+    return text + (nearest.empty() ? "" : "?");
+}
+
+// What is wrong with the command line. A misspelt name comes first: it can be the cause of
+// all else.
+std::string explain(const CLI::App& app, const CLI::ParseError& error)
+{
+    for (const std::string& argument : app.remaining()) {
+        if (argument != "--")
+            return unknownOption(app, argument);
+    }
+    return error.what();
+}
+
 } // namespace
 
 ParsedOptions parseOptions(int argc, const char* const* argv)
@@ -279,8 +334,11 @@ ParsedOptions parseOptions(int argc, const char* const* argv)
                  "ribbons, atoms and boxes, in a window or, with --render, in a picture.",
                  "strandview");
     app.set_version_flag("--version", "strandview " STRANDVIEW_VERSION);
-    app.add_option("FILE", options.files,
-                   "Tables (.txt .dat .csv .tsv .xyz) or .json files; - is standard input");
+    app.footer("American spellings are understood, too: --color-by, --normalize and so on.");
+    app.add_option(
+        "FILE", options.files,
+        "Tables (.txt .dat .csv .tsv .xyz), .json files, or others known by their content; "
+        "- is standard input");
     CLI::Option* render =
         app.add_option("--render", options.picture, "Write a picture instead of opening a window")
             ->type_name("OUT.png");
@@ -322,7 +380,7 @@ ParsedOptions parseOptions(int argc, const char* const* argv)
     addCamera(app, options);
 
     try {
-        app.parse(argc, argv);
+        parseArguments(app, inOwnSpelling(argc, argv));
         settleSamples(samples, options);
         if (options.picture && options.files.empty())
             throw CLI::RequiredError("FILE");
@@ -332,7 +390,7 @@ ParsedOptions parseOptions(int argc, const char* const* argv)
     } catch (const CLI::Success& request) { // --help and --version
         return {std::nullopt, app.exit(request)};
     } catch (const CLI::ParseError& error) {
-        std::cerr << "strandview: " << error.what() << "\n";
+        std::cerr << "strandview: " << explain(app, error) << "\n";
         return {std::nullopt, BAD_INPUT};
     }
 }

@@ -251,6 +251,19 @@ TEST(JsonReader, LeavesTheColoursAsTheyAre)
     EXPECT_EQ(configuration.arrows[0].colour, "no such");
 }
 
+TEST(JsonReader, AColourMayBeSpeltTheAmericanWay)
+{
+    const Configuration configuration =
+        acceptedConfiguration(fileWith(R"("markers": [{"point": [0, 0, 0], "color": "red"}],
+                    "arrows": [{"from": [0, 0, 0], "to": [0, 0, 1], "color": "tan"}],
+                    "rods": [{"points": [[0, 0, 0], [0, 0, 1]],
+                              "quaternions": [[0, 0, 0, 1], [0, 0, 0, 1]],
+                              "scalars": {"color": [1, 2]}}])"));
+    EXPECT_EQ(configuration.markers[0].colour, "red");
+    EXPECT_EQ(configuration.arrows[0].colour, "tan");
+    EXPECT_EQ(configuration.rods[0].scalars[0].name, "color");
+}
+
 TEST(JsonReader, ReadsFrames)
 {
     const Configuration configuration = acceptedConfiguration(fileWith(R"("frames": [
@@ -940,8 +953,8 @@ INSTANTIATE_TEST_SUITE_P(
                 " markers[0]: found an array, expected an object with point"},
         BadJson{"AMarkerWithoutAPoint", fileWith("\"markers\": [{\"point\": [0, 0, 0]}, {}]"),
                 " markers[1]: found no key point, expected one"},
-        BadJson{"AnUnknownKeyOfAMarker", fileOfMarker("\"color\": \"red\""),
-                " markers[0].color: found an unknown key, expected one of point, shape, size, "
+        BadJson{"AnUnknownKeyOfAMarker", fileOfMarker("\"hue\": \"red\""),
+                " markers[0].hue: found an unknown key, expected one of point, shape, size, "
                 "colour, transparency, id"},
         BadJson{"AMarkersPointOfTwoNumbers", fileOfMarker("\"point\": [0, 0]"),
                 " markers[0].point: found 2 numbers, expected 3"},
@@ -961,6 +974,8 @@ INSTANTIATE_TEST_SUITE_P(
                 " markers[0].size: found 1.1e+18" + expectedLength},
         BadJson{"ASizeInQuotes", fileOfMarker("\"size\": \"1\""),
                 " markers[0].size: found the string '1'" + expectedLength},
+        BadJson{"AColourInBothSpellings", fileOfMarker(R"("color": "red", "colour": "red")"),
+                " markers[0].colour: found a second time, expected each key once"},
         BadJson{"AColourOfNumbers", fileOfMarker("\"colour\": [1, 0, 0]"),
                 " markers[0].colour: found an array, expected a colour: #rrggbb or an SVG name"},
         BadJson{"AColourThatIsANumber", fileOfMarker("\"colour\": 16711680"),

@@ -10,6 +10,9 @@
 #include <limits>
 #include <random>
 #include <string_view>
+#include <thread>
+
+#include <sys/stat.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -76,15 +79,61 @@ TEST_F(ReadFile, TheEndingDecidesTheFormat)
     EXPECT_FALSE(read(write("b.txt", json)));
 }
 
-TEST_F(ReadFile, AnUnknownEndingIsRefusedWithTheKnownOnes)
+TEST_F(ReadFile, WithoutAKnownEndingTheContentDecidesTheFormat)
 {
-    const std::string path = write("a.pdb", table);
-    EXPECT_FALSE(read(path));
-    EXPECT_EQ(report.error,
-              path + ": found the ending '.pdb', expected .txt .dat .csv .tsv .xyz .json");
-    const std::string bare = write("txt", table);
-    EXPECT_FALSE(read(bare));
-    EXPECT_EQ(report.error, bare + ": found no ending, expected .txt .dat .csv .tsv .xyz .json");
+    for (const char* name : {"rod", "rod.out", "rod.0001", "txt", "rod.json.bak"}) {
+        EXPECT_TRUE(read(write(name, table))) << report.error;
+        EXPECT_TRUE(read(write(name, json))) << report.error;
+        EXPECT_TRUE(read(write(name, byteOrderMark + json))) << report.error;
+    }
+    const std::string other = write("a.pdb", "HEADER    DNA\n");
+    EXPECT_FALSE(read(other));
+    EXPECT_EQ(report.error, other + ":1: column 1: found 'HEADER', expected a number, or a header "
+                                    "that names x y z, and qx qy qz qw if there are quaternions");
+}
+
+TEST_F(ReadFile, RefusesBinaryDataThatNoEndingNames)
+{
+    using namespace std::string_literals;
+    const std::string faults[] = {"\x89PNG\r\n\x1a\n\0\0\0\rIHDR"s,
+                                  "PK\x03\x04\x14"s,
+                                  "\x93NUMPY\x01\0v\0{'descr': '<f8'"s,
+                                  "\x1f\x8b\x08"s,
+                                  "{\0"s,
+                                  "0 0 0\n0 0 \0"s};
+    for (const std::string& text : faults) {
+        const std::string path = write("rod.out", text);
+        EXPECT_FALSE(read(path));
+        EXPECT_EQ(report.error, path + ": found binary data, expected a table or JSON");
+        EXPECT_FALSE(readAsStandardInput(text));
+        EXPECT_EQ(report.error, "standard input: found binary data, expected a table or JSON");
+    }
+}
+
+TEST_F(ReadFile, StopsAtTheBeginningOfBinaryDataWithoutEnd)
+{
+    EXPECT_FALSE(read("/dev/zero"));
+    EXPECT_EQ(report.error, "/dev/zero: found binary data, expected a table or JSON");
+}
+
+TEST_F(ReadFile, ReadsAPipeByItsContent)
+{
+    for (const std::string& text : {table, json}) {
+        const std::string path = folder + "/pipe";
+        ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
+        std::thread writer([&] { std::ofstream(path) << text; });
+        EXPECT_TRUE(read(path)) << report.error;
+        writer.join();
+        std::filesystem::remove(path);
+    }
+}
+
+TEST_F(ReadFile, ReadsStandardInputByItsNameAsADevice)
+{
+    for (const std::string& text : {table, json}) {
+        ASSERT_TRUE(std::freopen(write("input", text).c_str(), "rb", stdin));
+        EXPECT_TRUE(read("/dev/stdin")) << report.error;
+    }
 }
 
 TEST_F(ReadFile, GivesTheSystemsReasonForWhatCannotBeRead)
@@ -176,7 +225,7 @@ TEST_F(ReadFile, RefusesTextInUtf16)
                                     "\xFE\xFF"
                                     "\0{"s,
                                     "\xFF\xFE"s}) {
-        for (const char* name : {"a.txt", "a.json"}) {
+        for (const char* name : {"a.txt", "a.json", "a"}) {
             const std::string path = write(name, text);
             EXPECT_FALSE(read(path));
             EXPECT_EQ(report.error, path + ": found UTF-16 text, expected UTF-8");

@@ -5,6 +5,7 @@
 #include <functional>
 #include <set>
 #include <sstream>
+#include <thread>
 
 #include <sys/stat.h>
 
@@ -127,6 +128,46 @@ TEST_F(StrandviewTest, ReadsStandardInputAsTableOrJson)
     EXPECT_EQ(run({"--render", path("json.png"), "-"}, json).status, 0);
     ASSERT_FALSE(picture("table.png").isNull());
     EXPECT_EQ(picture("table.png"), picture("json.png"));
+}
+
+TEST_F(StrandviewTest, ReadsAPipeAndStandardInputByItsDevice)
+{
+    const std::string pipe = path("pipe");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    std::thread writer([&pipe] { std::ofstream(pipe) << HELIX; });
+    EXPECT_EQ(run({"--render", path("pipe.png"), "--size", "200x150", pipe}).status, 0);
+    writer.join();
+    EXPECT_EQ(
+        run({"--render", path("device.png"), "--size", "200x150", "/dev/stdin"}, HELIX).status, 0);
+    ASSERT_FALSE(picture("pipe.png").isNull());
+    EXPECT_EQ(picture("pipe.png"), picture("device.png"));
+}
+
+TEST_F(StrandviewTest, AmericanSpellingsOfOptionsDoTheSame)
+{
+    const std::string rod = write("rod.txt", "0 0 0 0 0 0 2\n1 0 1 0 0 0 2\n1 1 1 0 0 0 2\n");
+    const std::vector<std::string> common = {"--size", "100x80", rod};
+    const auto pictureOf = [&](const std::vector<std::string>& own) {
+        std::vector<std::string> arguments = {"--render", path("out.png")};
+        arguments.insert(arguments.end(), own.begin(), own.end());
+        arguments.insert(arguments.end(), common.begin(), common.end());
+        const ProgramRun result = run(arguments);
+        EXPECT_EQ(result.status, 0) << result.error;
+        return picture("out.png");
+    };
+    const QImage british =
+        pictureOf({"--normalise", "--colour-by", "curvature", "--colours", "red,blue"});
+    ASSERT_FALSE(british.isNull());
+    EXPECT_EQ(pictureOf({"--normalize", "--color-by", "curvature", "--colors=red,blue"}), british);
+    EXPECT_EQ(pictureOf({"--normalize", "--tube-color", "red", "--ribbon-color=lime"}),
+              pictureOf({"--normalise", "--tube-colour", "red", "--ribbon-colour=lime"}));
+}
+
+TEST_F(StrandviewTest, AfterTwoDashesEverythingIsAFile)
+{
+    const ProgramRun result = run({"--render", path("out.png"), "--", "--color.txt"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.error, HasSubstr("--color.txt: cannot be read"));
 }
 
 TEST_F(StrandviewTest, ShowsAllFilesTogetherEachRodInAColourOfItsOwn)
@@ -612,7 +653,28 @@ INSTANTIATE_TEST_SUITE_P(
     , StrandviewBadInputTest,
     testing::Values(
         BadCall{"NoFile", {"--render", "OUT"}, "", "FILE"},
-        BadCall{"UnknownOption", {"--rendr", "OUT", "GOOD"}, "", "--rendr"},
+        BadCall{"UnknownOption",
+                {"--frobnicate", "--render", "OUT", "GOOD"},
+                "",
+                "found the option '--frobnicate', expected one of --help\n"},
+        BadCall{"MisspeltOption",
+                {"--render", "OUT", "--ribon-width", "0.5", "GOOD"},
+                "",
+                "found the option '--ribon-width', expected one of --help; did you mean "
+                "--ribbon-width?\n"},
+        BadCall{"MisspeltOptionWithItsValue",
+                {"--render", "OUT", "--raduis=0.5", "GOOD"},
+                "",
+                "found the option '--raduis', expected one of --help; did you mean --radius?\n"},
+        BadCall{"MisspeltOptionThatAnotherNeeds",
+                {"--render", "OUT", "--color-bye", "twist", "--range", "0:1", "GOOD"},
+                "",
+                "did you mean --colour-by?"},
+        BadCall{"OneDash", {"-render", "OUT", "GOOD"}, "", "did you mean --render?"},
+        BadCall{"TextThatIsNoTable",
+                {"--render", "OUT", "OUT"},
+                "",
+                "expected a number, or a header that names x y z"},
         BadCall{"MissingFile", {"--render", "OUT", "no/such.txt"}, "", "no/such.txt"},
         BadCall{"GoodThenMissing", {"--render", "OUT", "GOOD", "none.txt"}, "", "none.txt"},
         BadCall{"NotANumber", {"--render", "OUT", "-"}, "0 0 0\n0 zero 1\n", "zero"},

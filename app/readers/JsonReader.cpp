@@ -280,12 +280,13 @@ public:
     bool key(std::string& value) override
     {
         Level& level = levels.back();
-        level.key = value;
-        if (level.place != Place::scalars && !findMember(level.place, value))
+        const bool isOfOurs = level.place != Place::scalars;
+        level.key = isOfOurs && value == "color" ? "colour" : value;
+        if (isOfOurs && !findMember(level.place, level.key))
             return fail("found an unknown key, expected one of " + keysOf(level.place));
-        if (!level.keys.insert(value).second)
+        if (!level.keys.insert(level.key).second)
             return fail("found a second time, expected each key once");
-        if (level.place == Place::scalars)
+        if (!isOfOurs)
             rod.scalars.push_back({value, {}});
         return true;
     }

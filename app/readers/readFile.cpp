@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "readers/readFile.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstddef>
 #include <cstdio>
@@ -45,21 +46,6 @@ Reader readerForEnding(const std::string& ending)
     return nullptr;
 }
 
-std::string unknownEnding(const std::string& ending)
-{
-    std::string text = ending.empty() ? "found no ending" : "found the ending " + inQuotes(ending);
-    text += ", expected";
-    for (const Ending& known : endings)
-        (text += " ") += known.text;
-    return text;
-}
-
-Reader readerForText(std::string_view text)
-{
-    const std::size_t first = text.find_first_not_of(" \t\r\n");
-    return first != std::string_view::npos && text[first] == '{' ? readJson : readTable;
-}
-
 std::string_view withoutByteOrderMark(std::string_view text)
 {
     constexpr std::string_view mark = "\xEF\xBB\xBF";
@@ -73,13 +59,43 @@ bool isUtf16(std::string_view text)
     return mark == "\xFF\xFE" || mark == "\xFE\xFF";
 }
 
+/// Whether it begins with characters that no text has. Every picture, archive or dump
+/// of numbers that was tried has some among its first hundred.
+bool isBinary(std::string_view text)
+{
+    constexpr std::string_view blanks = "\t\n\v\f\r";
+    constexpr std::size_t beginning = 4096;
+    text = text.substr(0, beginning);
+    return std::any_of(text.begin(), text.end(), [&](char c) {
+        return static_cast<unsigned char>(c) < 0x20 && blanks.find(c) == std::string_view::npos;
+    });
+}
+
+constexpr char foundUtf16[] = "found UTF-16 text, expected UTF-8";
+
+/// Why this cannot be the beginning of a table or of JSON, or nothing.
+std::string refusalOf(std::string_view beginning)
+{
+    if (isUtf16(beginning))
+        return foundUtf16;
+    return isBinary(beginning) ? "found binary data, expected a table or JSON" : "";
+}
+
+Reader readerForText(std::string_view text)
+{
+    const std::size_t first = text.find_first_not_of(" \t\r\n");
+    return first != std::string_view::npos && text[first] == '{' ? readJson : readTable;
+}
+
 std::string cannotBeRead(int reason)
 {
     return "cannot be read: " + std::generic_category().message(reason);
 }
 
-/// Reads all that is left of the file; why that failed, or nothing.
-std::string readAll(std::FILE* file, std::string& text)
+/// Reads all that is left of the file; why that failed, or nothing. Of text that is known
+/// by nothing but its content no more than the beginning is read if it is refused: a
+/// device may have no end.
+std::string readAll(std::FILE* file, bool contentDecides, std::string& text)
 {
     constexpr std::size_t step = 1 << 20;
     std::size_t size = 0, count = 0;
@@ -89,6 +105,10 @@ std::string readAll(std::FILE* file, std::string& text)
         errno = 0;
         count = std::fread(&text[size], 1, text.size() - size, file);
         size += count;
+        const std::string refusal =
+            contentDecides ? refusalOf(std::string_view(text).substr(0, size)) : "";
+        if (!refusal.empty())
+            return refusal;
     } while (count > 0);
     const int reason = errno;
     text.resize(size);
@@ -100,25 +120,10 @@ struct CloseFile
     void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
-std::string readNamedFile(const std::string& path, std::string& text, Reader& reader)
+std::string readNamedFile(const std::string& path, bool contentDecides, std::string& text)
 {
     const std::unique_ptr<std::FILE, CloseFile> file(std::fopen(path.c_str(), "rb"));
-    if (!file)
-        return cannotBeRead(errno);
-    // A directory opens as a file does, but its name is not to be blamed.
-    std::error_code ignored;
-    if (std::filesystem::is_directory(path, ignored))
-        return cannotBeRead(EISDIR);
-    const std::string ending = endingOf(path);
-    reader = readerForEnding(ending);
-    return reader ? readAll(file.get(), text) : unknownEnding(ending);
-}
-
-std::string readStandardInput(std::string& text, Reader& reader)
-{
-    std::string fault = readAll(stdin, text);
-    reader = readerForText(withoutByteOrderMark(text));
-    return fault;
+    return file ? readAll(file.get(), contentDecides, text) : cannotBeRead(errno);
 }
 
 } // namespace
@@ -128,14 +133,17 @@ std::optional<Configuration> readFile(const std::string& path, const ReadOptions
 {
     const bool isInput = path == "-";
     const std::string fileName = isInput ? "standard input" : onOneLine(path);
+    const Reader readerOfEnding = isInput ? nullptr : readerForEnding(endingOf(path));
+    const bool contentDecides = !readerOfEnding;
     std::string text;
-    Reader reader = nullptr;
     std::string fault =
-        isInput ? readStandardInput(text, reader) : readNamedFile(path, text, reader);
+        isInput ? readAll(stdin, contentDecides, text) : readNamedFile(path, contentDecides, text);
     if (fault.empty() && isUtf16(text))
-        fault = "found UTF-16 text, expected UTF-8";
+        fault = foundUtf16;
     report.error = fault.empty() ? "" : fileName + ": " + fault;
     if (!fault.empty())
         return {};
-    return reader(withoutByteOrderMark(text), fileName, options, report);
+    const std::string_view content = withoutByteOrderMark(text);
+    const Reader reader = contentDecides ? readerForText(content) : readerOfEnding;
+    return reader(content, fileName, options, report);
 }

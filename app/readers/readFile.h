@@ -9,9 +9,11 @@
 #include "readers/ReadReport.h"
 
 /// Reads one file, or standard input for "-", by the reader for its ending:
-/// .txt .dat .csv .tsv .xyz are tables, .json is JSON (upper or lower case). Standard
-/// input is JSON if its first character that is not blank is "{", else a table. A
-/// byte order mark of UTF-8 is skipped; text with one of UTF-16 is refused.
+/// .txt .dat .csv .tsv .xyz are tables, .json is JSON (upper or lower case). Of standard
+/// input, and where there is no ending or another one (pipes, devices), the content
+/// decides: JSON if the first character that is not blank is "{", else a table; what
+/// begins with control characters is neither. A byte order mark of UTF-8 is skipped;
+/// text with one of UTF-16 is refused.
 ///
 /// Adds to report.notices. Nothing and report.error if it fails; if the file cannot be
 /// read at all the error gives the system's reason.
