@@ -24,6 +24,7 @@ struct Rod
     std::vector<algebra3d::Vector3<double>> points;
     std::vector<algebra3d::Quaternion<double>> rotations;
     std::vector<Scalar> scalars;
+    bool hasFrames = true; ///< of its own; else the rotations were made by parallel transport
 };
 
 /// Two strands and the average of both: six sequences of one length, at least 2. In each

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <iostream>
 #include <map>
 #include <sstream>
@@ -365,7 +366,10 @@ ParsedOptions parseOptions(int argc, const char* const* argv)
              "Rows between two points [from the data]")
         ->group(look);
     app.add_flag("--tube,!--no-tube", options.showTube, "Show the tube [shown]")->group(look);
-    app.add_flag("--ribbon,!--no-ribbon", options.showRibbon, "Show the ribbon [shown]")
+    app.add_flag_function(
+           "--ribbon,!--no-ribbon",
+           [&options](std::int64_t count) { options.showRibbon = count > 0; },
+           "Show the ribbon [of what has frames]")
         ->group(look);
     app.add_flag("--two-sided", options.twoSidedRibbon,
                  "Centre the ribbon on the centreline instead of starting it there")

@@ -47,7 +47,7 @@ struct Options
     std::optional<int> slices;
     std::optional<int> subsegments;
     bool showTube = true;
-    bool showRibbon = true;
+    std::optional<bool> showRibbon;
     bool twoSidedRibbon = false;
 
     DnaLook dna;

@@ -59,6 +59,11 @@ SoMaterial* makeMaterial(const Style& style, std::size_t rodIndex)
     return material;
 }
 
+bool isFinite(const BiarcRibbonMesh& ribbon)
+{
+    return std::isfinite(ribbon.getParamValues().back());
+}
+
 // One material per row: those of the tube, then those of the ribbon.
 void addColours(SoSeparator* group, const SoRod& rod, const Colouring& colouring,
                 std::size_t rodIndex)
@@ -69,8 +74,9 @@ void addColours(SoSeparator* group, const SoRod& rod, const Colouring& colouring
     const BiarcRibbonMesh& ribbon = *rod.getRibbonMesh();
     colourRows(colouring.ramp, tube.getParamValues(), places, tube.getInterpParamValues(), 0,
                material);
-    colourRows(colouring.ramp, ribbon.getParamValues(), places, ribbon.getInterpParamValues(),
-               tube.getHeight(), material);
+    if (isFinite(ribbon)) // a hidden one need not be
+        colourRows(colouring.ramp, ribbon.getParamValues(), places, ribbon.getInterpParamValues(),
+                   tube.getHeight(), material);
     group->addChild(material);
     auto* binding = new SoMaterialBinding;
     binding->value = SoMaterialBinding::PER_VERTEX;
@@ -112,14 +118,14 @@ std::string checkSize(const Extent& extent, const Style& style)
 
 // Where neighbouring tangents are opposite or edge points coincide the formulas give
 // numbers that are not finite, and with them the length of the whole curve.
-std::string checkInterpolation(BiarcTubeMesh& tube, const BiarcRibbonMesh& ribbon,
+std::string checkInterpolation(BiarcTubeMesh& tube, const BiarcRibbonMesh* shownRibbon,
                                const std::string& name, double ribbonWidth)
 {
     // A frame that is not finite stays so from ring to ring.
     const double lastNormal = tube.getNormals()[tube.getHeight() - 1][0].getNorm();
     if (!std::isfinite(tube.getParamValues().back() + lastNormal))
         return name + ": found points that turn straight back, or end frames with d3 across them";
-    if (!std::isfinite(ribbon.getParamValues().back())) {
+    if (shownRibbon && !isFinite(*shownRibbon)) {
         return name + ": found a ribbon of width " + formatted(ribbonWidth) +
                " whose edge shrinks to a point or turns back, expected another --ribbon-width";
     }
@@ -192,9 +198,10 @@ private:
             progress.show("Building rod " + std::to_string(i + 1) + " of " +
                           std::to_string(data.rods.size()));
             const Rod& rod = data.rods[i];
-            auto* node = new SoRod(scaled(style.radius), scaled(style.ribbonWidth), style.slices,
-                                   style.subsegments, style.showTube, style.showRibbon,
-                                   style.twoSidedRibbon);
+            const bool showRibbon = style.showRibbon && (rod.hasFrames || style.showMadeFrames);
+            auto* node =
+                new SoRod(scaled(style.radius), scaled(style.ribbonWidth), style.slices,
+                          style.subsegments, style.showTube, showRibbon, style.twoSidedRibbon);
             node->setData(toScene(rod.points), rod.rotations);
             auto* group = new SoSeparator;
             if (colouring && !colouring->places[i].empty())
@@ -203,7 +210,8 @@ private:
                 group->addChild(makeMaterial(style, i));
             add(group, node, rod.origin);
             const std::string error = checkInterpolation(
-                *node->getTubeMesh(), *node->getRibbonMesh(), rod.origin, style.ribbonWidth);
+                *node->getTubeMesh(), showRibbon ? node->getRibbonMesh() : nullptr, rod.origin,
+                style.ribbonWidth);
             if (!error.empty())
                 return error;
         }
@@ -229,8 +237,8 @@ private:
                 {node->getTube1Mesh(), node->getRibbon1Mesh()},
                 {node->getTube2Mesh(), node->getRibbon2Mesh()}};
             for (const auto& [tube, ribbon] : meshes) {
-                const std::string error =
-                    checkInterpolation(*tube, *ribbon, birod.origin, style.ribbonWidth);
+                const std::string error = checkInterpolation(
+                    *tube, style.showRibbon ? ribbon : nullptr, birod.origin, style.ribbonWidth);
                 if (!error.empty())
                     return error;
             }

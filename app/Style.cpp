@@ -38,6 +38,13 @@ int automaticSubsegments(const Extent& extent)
     return int(std::clamp(rows / std::max(extent.segments, 1LL), 1LL, 32LL));
 }
 
+// Whoever says how a ribbon is to look wants to see one.
+bool asksForRibbon(const Options& options)
+{
+    return options.showRibbon.value_or(options.ribbonWidth || options.ribbonColour ||
+                                       options.twoSidedRibbon);
+}
+
 int automaticSlices(const Extent& extent, int subsegments)
 {
     const long long vertices = 400000;
@@ -56,7 +63,8 @@ Style makeStyle(const Options& options, const Configuration& configuration)
     style.subsegments = options.subsegments.value_or(automaticSubsegments(extent));
     style.slices = options.slices.value_or(automaticSlices(extent, style.subsegments));
     style.showTube = options.showTube;
-    style.showRibbon = options.showRibbon;
+    style.showRibbon = options.showRibbon.value_or(true);
+    style.showMadeFrames = asksForRibbon(options);
     style.twoSidedRibbon = options.twoSidedRibbon;
     style.tubeColour = options.tubeColour;
     style.ribbonColour = options.ribbonColour.value_or(RIBBON_COLOUR);

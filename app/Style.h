@@ -17,6 +17,7 @@ struct Style
     int subsegments;
     bool showTube;
     bool showRibbon;
+    bool showMadeFrames; ///< a ribbon of rods without frames of their own, too
     bool twoSidedRibbon;
     std::optional<Colour> tubeColour; ///< of all rods; otherwise a colour each
     Colour ribbonColour;

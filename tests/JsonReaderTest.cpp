@@ -2,6 +2,7 @@
 #include "readers/JsonReader.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
@@ -102,7 +103,9 @@ TEST(JsonReader, WithoutQuaternionsMakesTheFramesAndSaysSo)
     EXPECT_EQ(reading.configuration->rods[0].rotations.size(), 2U);
     EXPECT_THAT(
         reading.report.notices,
-        ElementsAre("rod.json: 1 rod without quaternions: frames made by parallel transport"));
+        ElementsAre(
+            "rod.json: 1 rod without frames: no ribbon unless asked for (--ribbon), then by "
+            "parallel transport"));
 }
 
 TEST(JsonReader, LeavesOutPointsAtThePlaceOfTheOneBefore)
@@ -342,6 +345,95 @@ TEST(JsonReader, ScalesTheQuaternionsOfEverythingWhenAskedTo)
     EXPECT_EQ(numbersOf({configuration.frames[0].rotation}), (Rotations{{0, 0, 0.6, 0.8}}));
 }
 
+// ---- Directors and elements
+
+namespace {
+
+// d1 along y, d2 along z, d3 along x: a third of a turn about (1, 1, 1).
+const std::string turned = "[[0, 1, 0], [0, 0, 1], [1, 0, 0]]";
+const std::array<double, 4> thirdOfATurn = {0.5, 0.5, 0.5, 0.5};
+
+} // namespace
+
+TEST(JsonReader, DirectorsStandWhereQuaternionsMay)
+{
+    const std::string strand =
+        R"({"points": [[0, 0, 0], [1, 0, 0]], "directors": [)" + turned + ", " + turned + "]}";
+    const Configuration configuration = acceptedConfiguration(
+        R"({"strandview": 1, "rods": [)" + strand + R"(], "birods": [{"average": )" + strand +
+        R"(, "strand1": {"points": [[0, 1, 0], [1, 1, 0]], "quaternions": [[0, 0, 0, 1],
+        [0, 0, 0, 1]]}, "strand2": )" +
+        strand + R"(}], "dna": [{"sequence": "AC", "pairs": )" + strand + R"(, "strand1": )" +
+        strand + R"(, "strand2": )" + strand +
+        R"(}], "frames": [{"point": [0, 0, 0], "directors": )" + turned + "}]}");
+    const Rotations both = {thirdOfATurn, thirdOfATurn};
+    EXPECT_EQ(numbersOf(configuration.rods[0].rotations), both);
+    EXPECT_EQ(numbersOf(configuration.birods[0].rotations), both);
+    EXPECT_EQ(numbersOf(configuration.birods[0].rotations1),
+              (Rotations{{0, 0, 0, 1}, {0, 0, 0, 1}}));
+    EXPECT_EQ(numbersOf(configuration.birods[0].rotations2), both);
+    EXPECT_EQ(numbersOf(configuration.dnas[0].pairRotations), both);
+    EXPECT_EQ(numbersOf(configuration.dnas[0].rotations1), both);
+    EXPECT_EQ(numbersOf({configuration.frames[0].rotation}), Rotations{thirdOfATurn});
+}
+
+TEST(JsonReader, NormaliseMakesAFrameOfAnyRightHandedDirectors)
+{
+    ReadOptions options;
+    options.normalise = true;
+    const Rod rod = rodOf(fileOfRod(R"("points": [[0, 0, 0], [1, 0, 0]],
+        "directors": [[[5, 1, 0], [0, 0, 9], [7, 0, 0]], [[0, 2, 0], [0, 0, 2], [2, 0, 0]]])"),
+                          options);
+    EXPECT_EQ(numbersOf(rod.rotations), (Rotations{thirdOfATurn, thirdOfATurn}));
+}
+
+TEST(JsonReader, OneFrameAndOneScalarFewerThanPointsBelongToElements)
+{
+    const Reading reading =
+        readText(fileOfRod(R"("points": [[0, 0, 0], [1, 0, 0], [2, 0, 0]],
+        "directors": [)" + turned +
+                           ", " + turned + R"(], "scalars": {"energy": [1, 4], "s": [1, 2, 3]})"));
+    ASSERT_TRUE(reading.configuration) << reading.report.error;
+    const Rod& rod = reading.configuration->rods[0];
+    ASSERT_EQ(rod.rotations.size(), 3U);
+    for (const auto& q : rod.rotations)
+        for (int k = 0; k < 4; ++k)
+            EXPECT_NEAR(q[k], 0.5, 1e-15);
+    EXPECT_THAT(rod.scalars[0].values, ElementsAre(1, 2.5, 4));
+    EXPECT_THAT(rod.scalars[1].values, ElementsAre(1, 2, 3));
+    EXPECT_THAT(
+        reading.report.notices,
+        ElementsAre("rod.json: 1 rod with frames or scalars of elements: taken to the points"));
+}
+
+TEST(JsonReader, TheCurvesOfABirodMayHaveFramesOfElements)
+{
+    const Reading reading = readText(R"({"strandview": 1, "birods": [{
+        "average": {"points": [[0, 0, 0], [0, 0, 1]], "quaternions": [[0, 0, 0, 1]]},
+        "strand1": {"points": [[0, 1, 0], [0, 1, 1]], "quaternions": [[0, 0, 1, 0], [0, 0, 0, 1]]},
+        "strand2": {"points": [[1, 0, 0], [1, 0, 1]], "quaternions": [[0, 0, 1, 0]]}}]})");
+    ASSERT_TRUE(reading.configuration) << reading.report.error;
+    const Birod& birod = reading.configuration->birods[0];
+    EXPECT_EQ(numbersOf(birod.rotations), (Rotations{{0, 0, 0, 1}, {0, 0, 0, 1}}));
+    EXPECT_EQ(numbersOf(birod.rotations1), (Rotations{{0, 0, 1, 0}, {0, 0, 0, 1}}));
+    EXPECT_EQ(numbersOf(birod.rotations2), (Rotations{{0, 0, 1, 0}, {0, 0, 1, 0}}));
+    EXPECT_THAT(
+        reading.report.notices,
+        ElementsAre("rod.json: 1 birod with frames or scalars of elements: taken to the points"));
+}
+
+TEST(JsonReader, WithoutStrandsThePairsFramesAreThoseOfTheBases)
+{
+    const Configuration configuration = acceptedConfiguration(R"({"strandview": 1, "dna": [
+        {"sequence": "AC", "pairs": {"points": [[0, 0, 0], [0, 0, 3]],
+                                     "quaternions": [[0, 0, 0, 1], [0, 0, 1, 0]]}}]})");
+    const Dna& dna = configuration.dnas[0];
+    for (const auto* points : {&dna.points1, &dna.points2})
+        EXPECT_EQ(numbersOf(*points), numbersOf(dna.pairPoints));
+    for (const auto* rotations : {&dna.rotations1, &dna.rotations2})
+        EXPECT_EQ(numbersOf(*rotations), numbersOf(dna.pairRotations));
+}
+
 TEST(JsonReader, LeavesOutOfAllCurvesOfABirodWhereOneHasTwoPointsInOnePlace)
 {
     const auto curve = [](const std::string& points) {
@@ -393,7 +485,8 @@ TEST(JsonReader, TellsOfBirodsAndDnaWhoseD3DoesNotFollowThePoints)
                  ", {\"sequence\": \"AA\", \"pairs\": " + withStrands(bad, bad) +
                  ", {\"sequence\": \"AA\", \"pairs\": " + withStrands(good, bad) + "]"));
     ASSERT_TRUE(reading.configuration) << reading.report.error;
-    const std::string question = ": is the scalar of the quaternions last, and d3 the tangent?";
+    const std::string question =
+        ": is d3 the tangent (quaternions: scalar last; directors: d1, d2, d3)?";
     EXPECT_THAT(
         reading.report.notices,
         ElementsAre("rod.json: 1 birod whose d3 does not follow the average's points" + question,
@@ -727,6 +820,7 @@ INSTANTIATE_TEST_SUITE_P(
                 "dna, markers, frames, arrows"},
         BadJson{"AnUnknownKeyOfARod", fileOfRod("\"pionts\": []"),
                 " rods[0].pionts: found an unknown key, expected one of points, quaternions, "
+                "directors, "
                 "scalars"},
         BadJson{"AnOddUnknownKey", "{\"a.b\\nc\": 1}",
                 " ['a.b\\x0ac']: found an unknown key, expected one of strandview, rods, birods, "
@@ -765,14 +859,41 @@ INSTANTIATE_TEST_SUITE_P(
                 " rods[0].quaternions[1]: found a quaternion of norm 0.5, expected 1 within 0.01 "
                 "(--normalise accepts others)"},
         BadJson{"FewerQuaternionsThanPoints",
-                fileOfRod("\"points\": [[0, 0, 0], [0, 0, 1]], \"quaternions\": [[0, 0, 0, 1]]"),
-                " rods[0].quaternions: found 1, expected 2, one for each point"},
+                fileOfRod("\"points\": [[0, 0, 0], [0, 0, 1], [0, 0, 2]], \"quaternions\": "
+                          "[[0, 0, 0, 1]]"),
+                " rods[0].quaternions: found 1, expected 3, one for each point, or 2, one for "
+                "each element"},
+        BadJson{"FewerDirectorsThanElements",
+                fileOfRod(R"("points": [[0, 0, 0], [0, 0, 1], [0, 0, 2]],
+                             "directors": [[[1, 0, 0], [0, 1, 0], [0, 0, 1]]])"),
+                " rods[0].directors: found 1, expected 3, one for each point, or 2, one for "
+                "each element"},
+        BadJson{"QuaternionsAndDirectors", fileOfRod(R"("quaternions": [], "directors": [])"),
+                " rods[0].directors: found quaternions and directors, expected one of both"},
+        BadJson{"DirectorsOfTwo", fileOfRod("\"directors\": [[[1, 0, 0], [0, 1, 0]]]"),
+                " rods[0].directors[0]: found 2 directors, expected 3"},
+        BadJson{"DirectorsOfFour",
+                fileOfRod("\"directors\": [[[1,0,0], [0,1,0], [0,0,1], [0,0,1]]]"),
+                " rods[0].directors[0]: found 4 directors, expected 3"},
+        BadJson{"ADirectorOfTwoNumbers", fileOfRod("\"directors\": [[[1, 0]]]"),
+                " rods[0].directors[0][0]: found 2 numbers, expected 3"},
+        BadJson{"DirectorsThatAreNumbers", fileOfRod("\"directors\": [1, 0, 0]"),
+                " rods[0].directors[0]: found 1, expected an array of d1, d2 and d3"},
+        BadJson{"LeftHandedDirectors",
+                fileOfRod("\"directors\": [[[1, 0, 0], [0, 1, 0], [0, 0, -1]]]"),
+                " rods[0].directors[0]: found left-handed directors, expected d3 = d1 x d2"},
+        BadJson{"ADirectorTooShort",
+                fileOfRod("\"directors\": [[[1, 0, 0], [0, 0.5, 0], [0, 0, 1]]]"),
+                " rods[0].directors[0]: found d2 of norm 0.5, expected 1 within 0.01 "
+                "(--normalise accepts others)"},
         BadJson{"QuaternionsWithoutOne",
                 fileOfRod("\"points\": [[0, 0, 0], [0, 0, 1]], \"quaternions\": []"),
-                " rods[0].quaternions: found 0, expected 2, one for each point"},
+                " rods[0].quaternions: found 0, expected 2, one for each point, or 1, one for each "
+                "element"},
         BadJson{"MoreScalarsThanPoints",
                 fileOfRod("\"points\": [[0, 0, 0], [0, 0, 1]], \"scalars\": {\"a b\": [1, 2, 3]}"),
-                " rods[0].scalars['a b']: found 3, expected 2, one for each point"},
+                " rods[0].scalars['a b']: found 3, expected 2, one for each point, or 1, one for "
+                "each element"},
         BadJson{"ScalarsInAnArray", fileOfRod("\"scalars\": [1]"),
                 " rods[0].scalars: found an array, expected an object of arrays of numbers"},
         BadJson{"AScalarThatIsOneNumber", fileOfRod("\"scalars\": {\"s\": 1}"),
@@ -848,13 +969,13 @@ INSTANTIATE_TEST_SUITE_P(
                 "strand2"},
         BadJson{"AnUnknownKeyOfAStrand", fileOfBirod("\"strand2\": {\"scalars\": {}}"),
                 " birods[0].strand2.scalars: found an unknown key, expected one of points, "
-                "quaternions"},
+                "quaternions, directors"},
         BadJson{"AStrandTwice", fileOfBirod(strandNamed("strand1") + ", " + strandNamed("strand1")),
                 " birods[0].strand1: found a second time, expected each key once"},
         BadJson{"AStrandWithoutPoints", fileOfBirod("\"strand1\": {\"quaternions\": []}"),
                 " birods[0].strand1: found no key points, expected one"},
         BadJson{"AStrandWithoutQuaternions", fileOfBirod("\"strand1\": {\"points\": []}"),
-                " birods[0].strand1: found no key quaternions, expected one"},
+                " birods[0].strand1: found no key quaternions or directors, expected one"},
         BadJson{"AStrandWithFewerQuaternionsThanPoints",
                 fileOfBirod("\"strand1\": {\"points\": [[0, 0, 0]], \"quaternions\": []}"),
                 " birods[0].strand1.quaternions: found 0, expected 1, one for each point"},
@@ -901,7 +1022,9 @@ INSTANTIATE_TEST_SUITE_P(
                 " dna[0]: found no key sequence, expected one"},
         BadJson{"NoPairs", fileOfDna("\"sequence\": \"AA\"" + strands),
                 " dna[0]: found no key pairs, expected one"},
-        BadJson{"NoStrand1", fileOfDna("\"sequence\": \"AA\", " + strandNamed("pairs")),
+        BadJson{"NoStrand1",
+                fileOfDna("\"sequence\": \"AA\", " + strandNamed("pairs") + ", " +
+                          strandNamed("strand2")),
                 " dna[0]: found no key strand1, expected one"},
         BadJson{"NoStrand2",
                 fileOfDna("\"sequence\": \"AA\", " + strandNamed("pairs") + ", " +
@@ -939,6 +1062,13 @@ INSTANTIATE_TEST_SUITE_P(
         BadJson{"FewerQuaternionsThanPairs",
                 fileOfDna("\"pairs\": {\"points\": [[0, 0, 0]], \"quaternions\": []}"),
                 " dna[0].pairs.quaternions: found 0, expected 1, one for each point"},
+        BadJson{"FewerPairsThanBasesWithoutStrands",
+                fileOfDna("\"sequence\": \"ACG\", " + strandNamed("pairs")),
+                " dna[0].pairs.points: found 2, expected 3, one for each base"},
+        BadJson{"QuaternionsOfElementsOfDna",
+                fileOfDna("\"pairs\": {\"points\": [[0, 0, 0], [0, 0, 1]], \"quaternions\": "
+                          "[[0, 0, 0, 1]]}"),
+                " dna[0].pairs.quaternions: found 1, expected 2, one for each point"},
         BadJson{"AQuaternionOfAPairTooShort",
                 fileOfDna("\"pairs\": {\"quaternions\": [[0, 0, 0, 0.5]]}"),
                 " dna[0].pairs.quaternions[0]: found a quaternion of norm 0.5" + expectedNorm}),
@@ -999,7 +1129,7 @@ INSTANTIATE_TEST_SUITE_P(
         BadJson{"AFrameWithoutAPoint", fileOfFrame("\"quaternion\": [0, 0, 0, 1]"),
                 " frames[0]: found no key point, expected one"},
         BadJson{"AFrameWithoutAQuaternion", fileOfFrame("\"point\": [0, 0, 0]"),
-                " frames[0]: found no key quaternion, expected one"},
+                " frames[0]: found no key quaternion or directors, expected one"},
         BadJson{"AFramesQuaternionOfThreeNumbers", fileOfFrame("\"quaternion\": [0, 0, 1]"),
                 " frames[0].quaternion: found 3 numbers, expected 4"},
         BadJson{"AFramesQuaternionTooLong", fileOfFrame("\"quaternion\": [0, 0, 0, 2]"),
@@ -1008,7 +1138,7 @@ INSTANTIATE_TEST_SUITE_P(
                 " frames[0].size: found 0" + expectedLength},
         BadJson{"AnUnknownKeyOfAFrame", fileOfFrame("\"quaternions\": []"),
                 " frames[0].quaternions: found an unknown key, expected one of point, quaternion, "
-                "size"},
+                "directors, size"},
         BadJson{"ArrowsThatAreOne", fileWith("\"arrows\": {}"),
                 " arrows: found an object, expected an array of arrows"},
         BadJson{"AnArrowThatIsANumber", fileWith("\"arrows\": [1]"),

@@ -185,7 +185,8 @@ TEST_F(ReadFile, TheReadersNameTheFileInErrorsAndNotices)
     EXPECT_EQ(report.error, "") << "of the file before";
     EXPECT_THAT(
         report.notices,
-        ElementsAre(bare + ": 1 rod without quaternions: frames made by parallel transport"));
+        ElementsAre(bare + ": 1 rod without frames: no ribbon unless asked for (--ribbon), then by "
+                           "parallel transport"));
 }
 
 TEST_F(ReadFile, PassesTheOptionsOn)
@@ -543,6 +544,10 @@ TEST(AnyTable, GivesGoodRodsOrOneLineOfError)
                                   "0 0 0 0 0 0 1\n0 0 1 0 0.6 0 0.8\n0 1 1 1 0 0 0\n",
                                   "x,y,z,s,t\n0,0,0,4,5\n1,0,0,4.5,-1e3\n\nx,y,z,s,t\n5,5,5,0,0\n"
                                   "6,6,6,1,1\n",
+                                  "x,y,z,d1x,d1y,d1z,d3x,d3y,d3z,s\n0,0,0,1,0,0,0,0,1,5\n"
+                                  "0,0,1,1,0,0,0,0,1,6\n0,0,2,,,,,,,\n",
+                                  "x y z qx qy qz qw s\n0 0 0 0 0 0 1 5\n0 0 1 0 0 0.6 0.8 5\n"
+                                  "0 0 2 nan nan nan nan nan\n",
                                   "\"\";\"x [m]\";y;z;\n0;0,5;0;0;\n1;\"0\";1,5;0;\n",
                                   "# rod\r\nqw qx qy qz z y x u\r\n1 0 0 0 1 2 3 4 # a\r\n"
                                   "0 1 0 0 5 6 7 8\r\n"},
@@ -555,7 +560,8 @@ TEST(AnyJson, GivesGoodRodsOrOneLineOfError)
     std::vector<std::string> snippets = numberSnippets;
     for (const char* snippet :
          {"[", "]", "{", "}", "\"", ":", "null", "true", "\"points\"", "\"quaternions\"",
-          "\"scalars\": {}", "\"s\": [1, 2],", "[0, 0, 0],", "[[[", "\\n", "\\u0000", "{},"})
+          "\"scalars\": {}", "\"directors\"", "[[1, 0, 0], [0, 1, 0], [0, 0, 1]],",
+          "\"s\": [1, 2],", "[0, 0, 0],", "[[[", "\\n", "\\u0000", "{},"})
         snippets.emplace_back(snippet);
     snippets.emplace_back(1, '\0');
     expectReaderHoldsFor(
@@ -563,7 +569,11 @@ TEST(AnyJson, GivesGoodRodsOrOneLineOfError)
                  R"({"strandview": 1, "rods": [{"points": [[0, 0, 0], [0, 0, 1], [2, 2, 2]],
                      "scalars": {"a": [1, 2, 3], "b c": [0.5, 1e-5, 6]}},
                      {"points": [[0, 0, 0], [0, 0, 0], [1, 1, 1]],
-                      "quaternions": [[0, 0, 0, 1], [0, 0, 0.6, 0.8], [1, 0, 0, 0]]}]})"},
+                      "quaternions": [[0, 0, 0, 1], [0, 0, 0.6, 0.8], [1, 0, 0, 0]]}]})",
+                 R"({"strandview": 1, "rods": [{"points": [[0, 0, 0], [0, 0, 1], [0, 0, 3]],
+                     "directors": [[[1, 0, 0], [0, 1, 0], [0, 0, 1]],
+                                   [[0, -1, 0], [1, 0, 0], [0, 0, 1]]],
+                     "scalars": {"a": [1, 2]}}]})"},
                 snippets),
         readJson);
 }
@@ -579,6 +589,8 @@ TEST(AnyTableOfDna, GivesGoodDnaOrOneLineOfError)
                  "G 0 0 0 0 0 0 1 0 1 0 0 0 0 1 0 -1 0 0 0 0 1\n",
                  "base,x,y,z,qx,qy,qz,qw,x1,y1,z1,qx1,qy1,qz1,qw1,x2,y2,z2,qx2,qy2,qz2,qw2\n"
                  "T,0,0,0,0,0,0,1,0,1,0,0,0,0,1,0,-1,0,0,0,0,1\n",
+                 "C 0 0 0 0 0 0 1\nG 0 0 3 0 0 0.6 0.8\n",
+                 "base x y z d1x d1y d1z d2x d2y d2z\na 0 0 0 1 0 0 0 1 0\n",
                  "g;0;0;0;0;0;0;1;0;1,5;0;0;0;0;1;0;-1,5;0;0;0;0;1;\n"},
                 snippets),
         readTable);

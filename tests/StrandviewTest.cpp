@@ -163,6 +163,46 @@ TEST_F(StrandviewTest, AmericanSpellingsOfOptionsDoTheSame)
               pictureOf({"--normalise", "--tube-colour", "red", "--ribbon-colour=lime"}));
 }
 
+TEST_F(StrandviewTest, ARodWithoutFramesHasARibbonOnlyIfThatIsAskedFor)
+{
+    const auto pictureOf = [&](const std::string& rod, const std::vector<std::string>& own) {
+        std::vector<std::string> arguments = {"--render", path("out.png"), "--size", "200x150"};
+        arguments.insert(arguments.end(), own.begin(), own.end());
+        arguments.push_back(rod);
+        EXPECT_EQ(run(arguments).status, 0);
+        return picture("out.png");
+    };
+    const std::string bare = write("bare.txt", HELIX);
+    const QImage tube = pictureOf(bare, {"--no-ribbon"});
+    ASSERT_FALSE(tube.isNull());
+    EXPECT_EQ(pictureOf(bare, {}), tube);
+    const QImage ribbon = pictureOf(bare, {"--ribbon"});
+    EXPECT_NE(ribbon, tube);
+    EXPECT_EQ(pictureOf(bare, {"--ribbon-colour", "#ed991a"}), ribbon);
+    EXPECT_NE(pictureOf(bare, {"--ribbon-width", "0.3"}), tube);
+    EXPECT_NE(pictureOf(bare, {"--two-sided"}), tube);
+
+    const std::string framed =
+        write("framed.txt", "0 0 0 0 0 0 1\n0 0 1 0 0 0 1\n0 0 2 0 0 0.6 0.8\n");
+    EXPECT_EQ(pictureOf(framed, {"--view", "x"}), pictureOf(framed, {"--view", "x", "--ribbon"}));
+    EXPECT_NE(pictureOf(framed, {"--view", "x"}),
+              pictureOf(framed, {"--view", "x", "--no-ribbon"}));
+}
+
+TEST_F(StrandviewTest, AnEdgeThatShrinksToAPointIsNoFaultOfAHiddenRibbon)
+{
+    const std::string rod = write("rod.txt", "1 0 0 0.5 -0.5 -0.5 -0.5\n"
+                                             "0 1 0 0.7071067811865476 0 -0.7071067811865476 0\n"
+                                             "-1 0 0 0.5 0.5 -0.5 0.5\n");
+    const ProgramRun result = run({"--render", path("out.png"), "--size", "60x60", "--ribbon-width",
+                                   "1", "--no-ribbon", "--colour-by", "arclength", rod});
+    EXPECT_EQ(result.status, 0) << result.error;
+    // The tube has its colours, from blue to red.
+    const QImage image = picture("out.png");
+    EXPECT_GT(countPixels(image, [](QColor c) { return c.red() > 2 * c.blue() + 50; }), 20);
+    EXPECT_GT(countPixels(image, [](QColor c) { return c.blue() > 2 * c.red() + 50; }), 20);
+}
+
 TEST_F(StrandviewTest, AfterTwoDashesEverythingIsAFile)
 {
     const ProgramRun result = run({"--render", path("out.png"), "--", "--color.txt"});
@@ -254,7 +294,7 @@ TEST_F(StrandviewTest, RendersARodOfAHundredThousandPoints)
     for (int i = 0; i < 100000; ++i)
         table << std::cos(0.01 * i) << ' ' << std::sin(0.01 * i) << ' ' << 1e-4 * i << '\n';
     const ProgramRun result =
-        run({"--render", path("rod.png"), "--size", "400x300", "-"}, table.str());
+        run({"--render", path("rod.png"), "--size", "400x300", "--ribbon", "-"}, table.str());
     EXPECT_EQ(result.status, 0) << result.error;
     EXPECT_GT(countCovered(picture("rod.png")), 10000);
 }

@@ -100,6 +100,24 @@ TEST(Style, ATwoSidedRibbonReachesAsFarOnEachSide)
                      2 * makeStyle({}, helix(100, 0.2)).ribbonWidth);
 }
 
+TEST(Style, FramesThatWereMadeAreShownOnlyIfARibbonIsAskedFor)
+{
+    const auto showsMadeFrames = [](auto ask) {
+        Options options;
+        ask(options);
+        return makeStyle(options, helix(20, 0.3)).showMadeFrames;
+    };
+    EXPECT_FALSE(showsMadeFrames([](Options&) {}));
+    EXPECT_TRUE(showsMadeFrames([](Options& o) { o.showRibbon = true; }));
+    EXPECT_TRUE(showsMadeFrames([](Options& o) { o.ribbonWidth = 1; }));
+    EXPECT_TRUE(showsMadeFrames([](Options& o) { o.ribbonColour = Colour{1, 0, 0}; }));
+    EXPECT_TRUE(showsMadeFrames([](Options& o) { o.twoSidedRibbon = true; }));
+    EXPECT_FALSE(showsMadeFrames([](Options& o) {
+        o.ribbonWidth = 1;
+        o.showRibbon = false;
+    }));
+}
+
 TEST(Style, LongRodsGetFewVerticesPerPointAndShortOnesManyRows)
 {
     const Style lengthy = makeStyle({}, helix(100001, 0.01));

@@ -112,7 +112,197 @@ TEST(TableReader, AHeaderWithoutQuaternionsLeavesTheFramesToTheReader)
     EXPECT_THAT(rod.scalars[0].values, ElementsAre(5, 6));
     EXPECT_THAT(
         reading.report.notices,
-        ElementsAre("rod.txt: 1 rod without quaternions: frames made by parallel transport"));
+        ElementsAre("rod.txt: 1 rod without frames: no ribbon unless asked for (--ribbon), then by "
+                    "parallel transport"));
+}
+
+// ---- Directors
+
+namespace {
+
+// d1 along y, d2 along z, d3 along x: a third of a turn about (1, 1, 1).
+const Rotations thirdOfATurn = {{0.5, 0.5, 0.5, 0.5}, {0.5, 0.5, 0.5, 0.5}};
+
+/// Two points along x, each with the same numbers behind.
+std::string alongX(const std::string& names, const std::string& numbers)
+{
+    return "x y z " + names + "\n0 0 0 " + numbers + "\n1 0 0 " + numbers + "\n";
+}
+
+constexpr char allDirectors[] = "d1x d1y d1z d2x d2y d2z d3x d3y d3z";
+
+void expectMatrix(const Quaternion<double>& rotation,
+                  const std::array<std::array<double, 3>, 3>& columns, double tolerance)
+{
+    const Matrix3<double> matrix(rotation);
+    for (int column = 0; column < 3; ++column)
+        for (int k = 0; k < 3; ++k)
+            EXPECT_NEAR(matrix.getColumn(column)[k], columns[std::size_t(column)][std::size_t(k)],
+                        tolerance)
+                << column << ", " << k;
+}
+
+} // namespace
+
+TEST(TableReader, NineDirectorColumnsAreAFrame)
+{
+    const Rod rod = rodOf(alongX(allDirectors, "0 1 0 0 0 1 1 0 0"));
+    EXPECT_EQ(numbersOf(rod.rotations), thirdOfATurn);
+    EXPECT_TRUE(rod.hasFrames);
+    EXPECT_THAT(rod.scalars, IsEmpty());
+}
+
+TEST(TableReader, TwoDirectorsTellTheThird)
+{
+    for (const auto& [names, numbers] :
+         {std::pair("d1x d1y d1z d2x d2y d2z", "0 1 0 0 0 1"),
+          std::pair("d2x d2y d2z d3x d3y d3z", "0 0 1 1 0 0"),
+          std::pair("d1x d1y d1z d3x d3y d3z", "0 1 0 1 0 0"),
+          std::pair("d3z(1) D3X d3y s d1z d1y d1x", "0 1 0 7 0 1 0")}) {
+        // The last has a unit, a capital, another order and a scalar.
+        const Rod rod = rodOf(alongX(names, numbers));
+        EXPECT_EQ(numbersOf(rod.rotations), thirdOfATurn) << names;
+    }
+}
+
+TEST(TableReader, DirectorsWithinTheToleranceAreMadeOrthonormalAlongD3)
+{
+    // d3 5 mrad off x within the plane of x and y, d1 along y, of norm 1.005.
+    const double c = std::cos(0.005), s = std::sin(0.005);
+    std::ostringstream numbers;
+    numbers.precision(17);
+    numbers << "0 1.005 0 0 0 0.995 " << c << ' ' << s << " 0";
+    const Rod rod = rodOf(alongX(allDirectors, numbers.str()));
+    expectMatrix(rod.rotations[1], {{{-s, c, 0}, {0, 0, 1}, {c, s, 0}}}, 1e-15);
+}
+
+TEST(TableReader, NormaliseMakesAFrameOfAnyRightHandedDirectors)
+{
+    ReadOptions options;
+    options.normalise = true;
+    // d2 and d3 at 45 degrees: d3 stays, d2 turns, whatever their lengths.
+    const Rod rod = rodOf(alongX("d2x d2y d2z d3x d3y d3z", "-3e200 0 3e200 1e-200 0 0"), options);
+    EXPECT_EQ(numbersOf(rod.rotations), thirdOfATurn);
+    const Rod three = rodOf(alongX(allDirectors, "5 1 0 0 0 9 7 0 0"), options);
+    EXPECT_EQ(numbersOf(three.rotations), thirdOfATurn);
+}
+
+TEST(TableReader, NormaliseStillRefusesWhatIsNoFrame)
+{
+    ReadOptions options;
+    options.normalise = true;
+    for (const auto& [numbers, fault] :
+         {std::pair("0 1 0 0 0 -1 1 0 0", "found left-handed directors, expected d3 = d1 x d2"),
+          std::pair("1 1 0 1 2 0 1 0 0",
+                    "found directors in one plane or line, expected d3 = d1 x d2"),
+          std::pair("0 1 0 2 0 0 1 0 0",
+                    "found directors in one plane or line, expected d3 = d1 x d2"),
+          std::pair("0 1 0 0 0 0 1 0 0", "found d2 of norm 0, expected any other")}) {
+        const Reading reading = readText(alongX(allDirectors, numbers), options);
+        EXPECT_FALSE(reading.configuration) << numbers;
+        EXPECT_EQ(reading.report.error, "rod.txt:2: directors: " + std::string(fault));
+    }
+}
+
+TEST(TableReader, BesideAQuaternionDirectorsAreScalars)
+{
+    const Rod rod = rodOf(alongX("qx qy qz qw d3x d3y d3z", "0 0 0 1 1 0 0"));
+    EXPECT_EQ(numbersOf(rod.rotations), (Rotations{{0, 0, 0, 1}, {0, 0, 0, 1}}));
+    EXPECT_THAT(scalarNames(rod), ElementsAre("d3x", "d3y", "d3z"));
+}
+
+// ---- Elements
+
+namespace {
+
+/// A rotation by the angle in degrees about z, as four fields.
+std::string aboutZ(double degrees)
+{
+    std::ostringstream fields;
+    fields.precision(17);
+    fields << "0,0," << std::sin(degrees * pi / 360) << ',' << std::cos(degrees * pi / 360);
+    return fields.str();
+}
+
+/// The angle of a rotation about z, in degrees.
+double angleAboutZ(const Quaternion<double>& q) { return 360 / pi * std::atan2(q[2], q[3]); }
+
+} // namespace
+
+TEST(TableReader, FramesThatAreMissingInTheLastRowAreThoseOfElements)
+{
+    for (const char* last : {",,,", "nan,NaN,nan,nan", " , ,,"}) {
+        const Reading reading =
+            readText("x,y,z,qx,qy,qz,qw\n0,0,0," + aboutZ(10) + "\n0,0,1," + aboutZ(30) +
+                     "\n0,0,2," + aboutZ(40) + "\n0,0,3," + last + "\n");
+        ASSERT_TRUE(reading.configuration) << reading.report.error;
+        const Rod& rod = reading.configuration->rods[0];
+        ASSERT_EQ(rod.rotations.size(), 4U);
+        // Half-way inside; the ends turn on by half of 20 and of 10 degrees.
+        const double expected[] = {0, 20, 35, 45};
+        for (std::size_t i = 0; i < 4; ++i)
+            EXPECT_NEAR(angleAboutZ(rod.rotations[i]), expected[i], 1e-12);
+        EXPECT_TRUE(rod.hasFrames);
+        EXPECT_THAT(reading.report.notices, ElementsAre("rod.txt: 1 rod with frames or scalars of "
+                                                        "elements: taken to the points"));
+    }
+}
+
+TEST(TableReader, HalfWayBetweenOppositeSignsOfAQuaternionIsTheSameRotation)
+{
+    const Rod rod =
+        onlyRod(readText("x,y,z,qx,qy,qz,qw\n0,0,0,0,0,0,1\n0,0,1,0,0,0,-1\n0,0,2,,,,\n"));
+    for (const Quaternion<double>& q : rod.rotations)
+        EXPECT_EQ(std::abs(q[3]), 1);
+}
+
+TEST(TableReader, DirectorsMayBelongToElements)
+{
+    const Rod rod = onlyRod(readText("x,y,z,d1x,d1y,d1z,d3x,d3y,d3z\n"
+                                     "0,0,0,0,1,0,1,0,0\n1,0,0,0,1,0,1,0,0\n2,0,0,,,,,,\n"));
+    ASSERT_EQ(rod.rotations.size(), 3U);
+    for (const Quaternion<double>& q : rod.rotations)
+        for (int k = 0; k < 4; ++k)
+            EXPECT_NEAR(q[k], 0.5, 1e-15);
+}
+
+TEST(TableReader, AScalarThatIsMissingInTheLastRowBelongsToElements)
+{
+    const Rod rod = onlyRod(readText("x,y,z,energy,charge\n0,0,0,1,5\n0,0,1,3,6\n0,0,2,8,7\n"
+                                     "0,0,3,,8\n"));
+    ASSERT_EQ(rod.scalars.size(), 2U);
+    EXPECT_THAT(rod.scalars[0].values, ElementsAre(1, 2, 5.5, 8)); // means, and the ends' own
+    EXPECT_THAT(rod.scalars[1].values, ElementsAre(5, 6, 7, 8));
+}
+
+TEST(TableReader, AScalarThatIsNoNumberIsMissingIfTheFrameIs)
+{
+    const std::string frame = ",0,0,0,1,";
+    const Rod rod = onlyRod(readText("x,y,z,qx,qy,qz,qw,s\n0,0,0" + frame + "1\n0,0,1" + frame +
+                                     "3\n0,0,2,nan,nan,nan,nan,nan\n"));
+    EXPECT_THAT(rod.scalars[0].values, ElementsAre(1, 2, 3));
+}
+
+TEST(TableReader, EveryRodHasElementsOfItsOwn)
+{
+    const Reading reading = readText("x,y,z,s\n0,0,0,1\n0,0,1,\n\n0,0,0,1\n0,0,1,2\n\n"
+                                     "x,y,z,s\n0,0,0,7\n0,0,1,\n");
+    ASSERT_TRUE(reading.configuration) << reading.report.error;
+    EXPECT_THAT(reading.configuration->rods[0].scalars[0].values, ElementsAre(1, 1));
+    EXPECT_THAT(reading.configuration->rods[1].scalars[0].values, ElementsAre(1, 2));
+    EXPECT_THAT(reading.configuration->rods[2].scalars[0].values, ElementsAre(7, 7));
+}
+
+TEST(TableReader, TheEndsOfAClosedRodAreBetweenItsLastElementAndItsFirst)
+{
+    const Rod rod = onlyRod(readText("x,y,z,qx,qy,qz,qw,s\n"
+                                     "0,0,0," +
+                                     aboutZ(80) + ",1\n1,0,0," + aboutZ(200) + ",2\n0,1,0," +
+                                     aboutZ(320) + ",6\n0,0,0,,,,,\n"));
+    EXPECT_THAT(rod.scalars[0].values, ElementsAre(3.5, 1.5, 4, 3.5));
+    const double expected[] = {20, 140, -100, 20};
+    for (std::size_t i = 0; i < 4; ++i)
+        EXPECT_NEAR(std::remainder(angleAboutZ(rod.rotations[i]) - expected[i], 360), 0, 1e-12);
 }
 
 // ---- Rods
@@ -151,7 +341,9 @@ TEST(TableReader, CountsTheRodsWithoutQuaternionsInOneNotice)
     const Reading reading = readText("0 0 0\n0 0 1\n\n1 0 0\n1 0 1\n");
     EXPECT_THAT(
         reading.report.notices,
-        ElementsAre("rod.txt: 2 rods without quaternions: frames made by parallel transport"));
+        ElementsAre(
+            "rod.txt: 2 rods without frames: no ribbon unless asked for (--ribbon), then by "
+            "parallel transport"));
 }
 
 TEST(TableReader, ARodKnowsTheLineOfItsFirstPoint)
@@ -311,8 +503,8 @@ TEST(TableReader, TellsOfQuaternionsWhoseD3DoesNotFollowThePoints)
                                      "0 0 0 1 0 0 0\n0 0 1 1 0 0 0\n");
     ASSERT_TRUE(reading.configuration) << reading.report.error;
     EXPECT_THAT(reading.report.notices,
-                ElementsAre("rod.txt: 2 rods whose d3 does not follow the points: is the scalar of "
-                            "the quaternions last, and d3 the tangent?"));
+                ElementsAre("rod.txt: 2 rods whose d3 does not follow the points: is d3 the "
+                            "tangent (quaternions: scalar last; directors: d1, d2, d3)?"));
 }
 
 // ---- Coincident points
@@ -484,6 +676,33 @@ TEST(TableReader, DnaIsWrittenAsRodsAre)
         expectDnaNumbers(onlyDna(text), "C");
 }
 
+TEST(TableReader, ALetterAndSevenNumbersAreABasePairWithOneFrameForBothBases)
+{
+    const std::string rows = "C 1 2 3 0.6 0 0 0.8\n# turned\ng 1 -1 4 0 0 1 0\n";
+    for (const std::string& text : {rows, "base x y z qx qy qz qw\n" + rows,
+                                    "# bases\nBase, X, y, z [A], qx, qy, qz, qw\n" + rows}) {
+        const Dna dna = onlyDna(text);
+        EXPECT_EQ(dna.bases, "CG");
+        for (const auto* points : {&dna.pairPoints, &dna.points1, &dna.points2})
+            EXPECT_EQ(numbersOf(*points), (Points{{1, 2, 3}, {1, -1, 4}})) << text;
+        for (const auto* rotations : {&dna.pairRotations, &dna.rotations1, &dna.rotations2})
+            EXPECT_EQ(numbersOf(*rotations), (Rotations{{0.6, 0, 0, 0.8}, {0, 0, 1, 0}})) << text;
+    }
+}
+
+TEST(TableReader, ABasePairMayHaveDirectors)
+{
+    // d1 along y, d2 along z, d3 along x: a third of a turn about (1, 1, 1).
+    const Dna flat = onlyDna("base x y z d1x d1y d1z d3x d3y d3z\nA 1 2 3 0 1 0 1 0 0\n");
+    EXPECT_EQ(numbersOf(flat.rotations2), (Rotations{{0.5, 0.5, 0.5, 0.5}}));
+    const Dna bent = onlyDna("base x y z qx qy qz qw x1 y1 z1 d1x1 d1y1 d1z1 d3x1 d3y1 d3z1 "
+                             "x2 y2 z2 qx2 qy2 qz2 qw2\n"
+                             "A 1 2 3 0 0 0 1  4 5 6 0 1 0 1 0 0  7 8 9 0 0 1 0\n");
+    EXPECT_EQ(numbersOf(bent.pairRotations), (Rotations{{0, 0, 0, 1}}));
+    EXPECT_EQ(numbersOf(bent.rotations1), (Rotations{{0.5, 0.5, 0.5, 0.5}}));
+    EXPECT_EQ(numbersOf(bent.rotations2), (Rotations{{0, 0, 1, 0}}));
+}
+
 TEST(TableReader, ABlankLineStartsTheNextDna)
 {
     const Reading reading =
@@ -518,8 +737,8 @@ TEST(TableReader, TellsOfDnaWhoseD3DoesNotFollowThePairs)
     const std::string bases = " 0 0 0 0 0 0 1 0 0 0 0 0 0 1\n";
     const Reading reading = readText("A 0 0 0 1 0 0 0" + bases + "A 0 0 1 1 0 0 0" + bases);
     EXPECT_THAT(reading.report.notices,
-                ElementsAre("rod.txt: 1 DNA whose d3 does not follow the pairs: is the scalar of "
-                            "the quaternions last, and d3 the tangent?"));
+                ElementsAre("rod.txt: 1 DNA whose d3 does not follow the pairs: is d3 the "
+                            "tangent (quaternions: scalar last; directors: d1, d2, d3)?"));
 }
 
 TEST(TableReader, AScalarNamedAsABaseIsAScalarOfARod)
@@ -592,6 +811,15 @@ TEST_P(TableReaderRefuses, WithOneLineThatSaysWhereAndWhat)
     EXPECT_EQ(reading.report.error, "rod.txt:" + GetParam().error);
     EXPECT_THAT(reading.report.notices, IsEmpty());
 }
+
+namespace {
+
+const std::string expectedDirectors =
+    ", expected two or three of d1x d1y d1z, d2x d2y d2z, d3x d3y d3z";
+const std::string expectedOfElements =
+    "expected a finite number; a rod's last row may lack what is of elements";
+
+} // namespace
 
 INSTANTIATE_TEST_SUITE_P(
     BadTables, TableReaderRefuses,
@@ -695,6 +923,29 @@ INSTANTIATE_TEST_SUITE_P(
         BadTable{"TheZeroQuaternion", "0 0 0 0 0 0 0\n0 0 1 0 0 0 1\n",
                  "1: columns qx qy qz qw: found a quaternion of norm 0, expected 1 within 0.01 "
                  "(--normalise accepts others)"},
+        BadTable{"OneDirector", "x y z d3x d3y d3z\n",
+                 "1: found a header with one director" + expectedDirectors},
+        BadTable{"ADirectorWithoutItsZ", "x y z d1x d1y d2x d2y d2z\n",
+                 "1: found a header without d1z" + expectedDirectors},
+        BadTable{"ADirectorTooLong", alongX(allDirectors, "0 1.02 0 0 0 1 1 0 0"),
+                 "2: directors: found d1 of norm 1.02, expected 1 within 0.01 (--normalise accepts "
+                 "others)"},
+        BadTable{"DirectorsAtAnAngle", alongX("d2x d2y d2z d3x d3y d3z", "0.6 0 0.8 1 0 0"),
+                 "2: directors: found d2 times d3 = 0.6, expected 0 within 0.01 (--normalise "
+                 "accepts others)"},
+        BadTable{"LeftHandedDirectors", alongX(allDirectors, "0 1 0 0 0 -1 1 0 0"),
+                 "2: directors: found left-handed directors, expected d3 = d1 x d2"},
+        BadTable{"AMissingQuaternionInTheMiddle",
+                 "x,y,z,qx,qy,qz,qw\n0,0,0,0,0,0,1\n0,0,1,,,,\n0,0,2,0,0,0,1\n",
+                 "3: column 4 (qx): found an empty field, " + expectedOfElements},
+        BadTable{"HalfAQuaternion", "x,y,z,qx,qy,qz,qw\n0,0,0,0,0,0,1\n0,0,1,0,0,,\n",
+                 "3: column 6 (qz): found an empty field, " + expectedOfElements},
+        BadTable{"AScalarThatIsNoNumber", "x y z s\n0 0 0 1\n0 0 1 nan\n",
+                 "3: column 4 (s): found 'nan', " + expectedOfElements},
+        BadTable{"AMissingScalarInTheMiddle", "x,y,z,s\n0,0,0,1\n0,0,1,\n0,0,2,5\n",
+                 "3: column 4 (s): found an empty field, " + expectedOfElements},
+        BadTable{"ALastRowCutShort", "0 0 0 0 0 0 1\n0 0 1 0 0 0 1\n0 0 2\n",
+                 "3: found 3 columns, expected 7 as in line 1"},
         BadTable{"ARodOfOnePoint", "0 0 0\n0 0 1\n\n# lonely\n5 5 5\n\n0 0 0\n0 0 1\n",
                  "5: found 1 distinct point, expected at least 2 in a rod"},
         BadTable{"ARodOfOnePointThreeTimes", "1 1 1\n1 1 1\n1 1 1\n",
@@ -722,7 +973,8 @@ INSTANTIATE_TEST_SUITE_P(
 namespace {
 
 const std::string expectedOfDna =
-    "22 (a base, and x y z qx qy qz qw of the pair, of strand 1 and of strand 2)";
+    "8 (a base, and x y z qx qy qz qw of the pair) or 22 (a base, and x y z qx qy qz qw of the "
+    "pair, of strand 1 and of strand 2)";
 const std::string expectedDnaNames = "base, x y z qx qy qz qw, and these with 1 and with 2 behind";
 
 } // namespace
@@ -792,6 +1044,14 @@ INSTANTIATE_TEST_SUITE_P(
                  "1: column 5: found 'charge', expected only " + expectedDnaNames},
         BadTable{"AHeaderWithANameTwice", "base x y z x1 x2 X1\n",
                  "1: column 7: found 'X1' again, expected each name once"},
+        BadTable{"AHeaderOfOneFrameWithAScalar", "base x y z qx qy qz qw charge\nA 1\n",
+                 "1: column 9: found 'charge', expected only base, x y z qx qy qz qw"},
+        BadTable{"AHeaderOfOneFrameWithoutAllNames", "base x y z qx qy qz\nA 1\n",
+                 "1: found a header without qw, expected base, x y z qx qy qz qw"},
+        BadTable{"AnotherLetterBelowAHeaderOfOneFrame", "base x y z qx qy qz qw\nU 1 2 3 0 0 0 1\n",
+                 "2: column 1 (base): found 'U', expected A, C, G or T"},
+        BadTable{"AFieldMissingOfDna", "A,0,0,0,0,0,0,1\nA,0,0,0,,,,\n",
+                 "2: column 5 (qx of the pair): found an empty field, expected a finite number"},
         BadTable{"AHeaderOnlyOfDna", dnaHeader,
                  " found nothing to show, expected at least one rod or DNA"},
         BadTable{"AHeaderInsideDna", dnaHeader + dnaRow("A") + dnaHeader,

@@ -6,6 +6,7 @@
 #include <algebra3d/Matrix3.h>
 
 #include "readers/DataChecks.h"
+#include "readers/elements.h"
 #include "readers/parallelTransport.h"
 #include "readers/wording.h"
 
@@ -69,6 +70,23 @@ bool followsPoints(const Rotations& rotations, const Points& points)
     return sum >= smallestMeanTangency * double(edges);
 }
 
+/// Makes values of elements, one fewer than the points, values of the points; whether
+/// they were.
+bool takeToPoints(Rotations& rotations, const Points& points)
+{
+    const bool areOfElements = points.size() >= 2 && rotations.size() + 1 == points.size();
+    if (areOfElements)
+        rotations = rotationsAtPoints(rotations, isClosed(points));
+    return areOfElements;
+}
+bool takeToPoints(std::vector<double>& values, const Points& points)
+{
+    const bool areOfElements = points.size() >= 2 && values.size() + 1 == points.size();
+    if (areOfElements)
+        values = valuesAtPoints(values, isClosed(points));
+    return areOfElements;
+}
+
 bool isEmpty(const Configuration& configuration)
 {
     return configuration.rods.empty() && configuration.birods.empty() &&
@@ -80,15 +98,20 @@ bool isEmpty(const Configuration& configuration)
 
 std::string Collector::add(Rod rod)
 {
+    bool hasElements = takeToPoints(rod.rotations, rod.points);
+    for (Scalar& scalar : rod.scalars)
+        hasElements = takeToPoints(scalar.values, rod.points) || hasElements;
     const Indices kept = distinctPoints({&rod.points});
     if (kept.size() < 2)
         return "found " + counted(kept.size(), "distinct point") + ", expected at least 2 in a rod";
+    rodsOfElements += hasElements;
     mergedPoints += rod.points.size() - kept.size();
     keep(rod.points, kept);
     for (Scalar& scalar : rod.scalars)
         keep(scalar.values, kept);
     if (rod.rotations.empty()) {
         rod.rotations = parallelTransport(rod.points);
+        rod.hasFrames = false;
         ++transportedRods;
     } else {
         keep(rod.rotations, kept);
@@ -100,10 +123,14 @@ std::string Collector::add(Rod rod)
 
 std::string Collector::add(Birod birod)
 {
+    bool hasElements = takeToPoints(birod.rotations, birod.points);
+    hasElements = takeToPoints(birod.rotations1, birod.points1) || hasElements;
+    hasElements = takeToPoints(birod.rotations2, birod.points2) || hasElements;
     const Indices kept = distinctPoints({&birod.points, &birod.points1, &birod.points2});
     if (kept.size() < 2)
         return "found " + counted(kept.size(), "point") +
                " distinct in the average and in both strands, expected at least 2 in a birod";
+    birodsOfElements += hasElements;
     mergedPoints += birod.points.size() - kept.size();
     for (Points* points : {&birod.points, &birod.points1, &birod.points2})
         keep(*points, kept);
@@ -140,9 +167,13 @@ std::optional<Configuration> Collector::finish(const std::string& fileName, cons
     };
     const auto doesNotFollow = [](const std::string& points) {
         return "whose d3 does not follow the " + points +
-               ": is the scalar of the quaternions last, and d3 the tangent?";
+               ": is d3 the tangent (quaternions: scalar last; directors: d1, d2, d3)?";
     };
-    notice(transportedRods, "rod", "without quaternions: frames made by parallel transport");
+    notice(transportedRods, "rod",
+           "without frames: no ribbon unless asked for (--ribbon), then by parallel transport");
+    const std::string ofElements = "with frames or scalars of elements: taken to the points";
+    notice(rodsOfElements, "rod", ofElements);
+    notice(birodsOfElements, "birod", ofElements);
     notice(strayingRods, "rod", doesNotFollow("points"));
     notice(strayingBirods, "birod", doesNotFollow("average's points"));
     notice(strayingDnas, "DNA", doesNotFollow("pairs"));

@@ -16,7 +16,9 @@
 class Collector
 {
 public:
-    /// The rotations may be missing altogether.
+    /// The rotations may be missing altogether. They, and each of the scalars, may be one
+    /// fewer than the points: then they belong to the elements between the points, and are
+    /// taken to the points by the rules of elements.h.
     ///
     /// A point coincident with the one before it, or nearer to it than smallestEdge(),
     /// is left out, with its rotation and scalars; at least two must be left. Missing
@@ -24,8 +26,9 @@ public:
     /// follow the points.
     std::string add(Rod rod);
 
-    /// Leaves out points as of a rod: where any of the three curves has two in one
-    /// place, from all of them. A notice tells if the average's d3 does not follow it.
+    /// Rotations may be of elements, and points are left out, as of a rod: where any of the three
+    /// curves has two in one place, from all of them. A notice tells if the average's d3 does not
+    /// follow it.
     std::string add(Birod birod);
 
     /// Leaves out nothing. A notice tells if the pairs' d3 does not follow them.
@@ -44,6 +47,8 @@ private:
     Configuration configuration;
     std::size_t mergedPoints = 0;
     std::size_t transportedRods = 0;
+    std::size_t rodsOfElements = 0;
+    std::size_t birodsOfElements = 0;
     std::size_t strayingRods = 0;
     std::size_t strayingBirods = 0;
     std::size_t strayingDnas = 0;

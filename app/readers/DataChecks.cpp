@@ -14,20 +14,6 @@ constexpr double largestCoordinate = 1e18;
 constexpr double normTolerance = 0.01;
 constexpr double smallestEdgeOfMean = 1e-5;
 
-/// Divides by the largest component first: no square over- or underflows.
-algebra3d::Quaternion<double> scaledToUnit(algebra3d::Quaternion<double> q)
-{
-    double largest = 0;
-    for (int i = 0; i < 4; ++i)
-        largest = std::max(largest, std::abs(q[i]));
-    for (int i = 0; i < 4; ++i)
-        q[i] /= largest;
-    const double norm = q.getNorm();
-    for (int i = 0; i < 4; ++i)
-        q[i] /= norm;
-    return q;
-}
-
 bool isZero(const algebra3d::Quaternion<double>& q)
 {
     return q[0] == 0 && q[1] == 0 && q[2] == 0 && q[3] == 0;
@@ -53,6 +39,26 @@ double smallestEdge(const std::vector<algebra3d::Vector3<double>>& points)
             ++count;
         }
     return count == 0 ? 0 : smallestEdgeOfMean * (sum / double(count));
+}
+
+bool isClosed(const std::vector<algebra3d::Vector3<double>>& points)
+{
+    return areCoincident(points.front(), points.back()) ||
+           (points.back() - points.front()).getNorm() < smallestEdge(points);
+}
+
+// Divides by the largest component first: no square over- or underflows.
+algebra3d::Quaternion<double> scaledToUnit(algebra3d::Quaternion<double> q)
+{
+    double largest = 0;
+    for (int i = 0; i < 4; ++i)
+        largest = std::max(largest, std::abs(q[i]));
+    for (int i = 0; i < 4; ++i)
+        q[i] /= largest;
+    const double norm = q.getNorm();
+    for (int i = 0; i < 4; ++i)
+        q[i] /= norm;
+    return q;
 }
 
 std::string checkRotation(algebra3d::Quaternion<double>& rotation, const ReadOptions& options)

@@ -30,6 +30,12 @@ bool areCoincident(const algebra3d::Vector3<double>& a, const algebra3d::Vector3
 /// the rings of the tubes were seen to fail from 1e-7 down, and to hold at 1e-6.
 double smallestEdge(const std::vector<algebra3d::Vector3<double>>& points);
 
+/// Whether the last of at least two points is the first one again, within smallestEdge().
+bool isClosed(const std::vector<algebra3d::Vector3<double>>& points);
+
+/// The quaternion divided by its norm, which is not 0.
+algebra3d::Quaternion<double> scaledToUnit(algebra3d::Quaternion<double> q);
+
 /// Checks that a quaternion of finite components is a rotation: its norm is 1 within
 /// 0.01, the rod nodes' own tolerance. With options.normalise any quaternion but zero
 /// is one, and is scaled to unit length. "found ..., expected ..." if it is none, else

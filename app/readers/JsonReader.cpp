@@ -15,6 +15,7 @@
 
 #include "readers/Collector.h"
 #include "readers/DataChecks.h"
+#include "readers/directors.h"
 #include "readers/wording.h"
 
 namespace {
@@ -46,6 +47,9 @@ enum class Place {
     point,
     quaternions,
     quaternion,
+    directorsOfAll,
+    directors,
+    director,
     scalars,
     values,
     number
@@ -88,6 +92,9 @@ constexpr Rule rules[] = {
     /* point */ {Kind::array, Place::number, "an array of 3 numbers"},
     /* quaternions */ {Kind::array, Place::quaternion, "an array of quaternions"},
     /* quaternion */ {Kind::array, Place::number, "an array of 4 numbers"},
+    /* directorsOfAll */ {Kind::array, Place::directors, "an array of directors"},
+    /* directors */ {Kind::array, Place::director, "an array of d1, d2 and d3"},
+    /* director */ {Kind::array, Place::number, "an array of 3 numbers"},
     /* scalars */ {Kind::object, Place::values, "an object of arrays of numbers"},
     /* values */ {Kind::array, Place::number, "an array of numbers"},
     /* number */ {Kind::number, Place::number, expectedNumber},
@@ -116,16 +123,18 @@ constexpr Member members[] = {
     {Place::file, "arrows", Place::arrows, Need::optional},
     {Place::rod, "points", Place::points, Need::required},
     {Place::rod, "quaternions", Place::quaternions, Need::optional},
+    {Place::rod, "directors", Place::directorsOfAll, Need::optional},
     {Place::rod, "scalars", Place::scalars, Need::optional},
     {Place::birod, "average", Place::strand, Need::required},
     {Place::birod, "strand1", Place::strand, Need::required},
     {Place::birod, "strand2", Place::strand, Need::required},
     {Place::dna, "sequence", Place::sequence, Need::required},
     {Place::dna, "pairs", Place::strand, Need::required},
-    {Place::dna, "strand1", Place::strand, Need::required},
-    {Place::dna, "strand2", Place::strand, Need::required},
+    {Place::dna, "strand1", Place::strand, Need::optional},
+    {Place::dna, "strand2", Place::strand, Need::optional},
     {Place::strand, "points", Place::points, Need::required},
-    {Place::strand, "quaternions", Place::quaternions, Need::required},
+    {Place::strand, "quaternions", Place::quaternions, Need::optional},
+    {Place::strand, "directors", Place::directorsOfAll, Need::optional},
     {Place::marker, "point", Place::point, Need::required},
     {Place::marker, "shape", Place::shape, Need::optional},
     {Place::marker, "size", Place::length, Need::optional},
@@ -133,7 +142,8 @@ constexpr Member members[] = {
     {Place::marker, "transparency", Place::transparency, Need::optional},
     {Place::marker, "id", Place::id, Need::optional},
     {Place::frame, "point", Place::point, Need::required},
-    {Place::frame, "quaternion", Place::quaternion, Need::required},
+    {Place::frame, "quaternion", Place::quaternion, Need::optional},
+    {Place::frame, "directors", Place::directors, Need::optional},
     {Place::frame, "size", Place::length, Need::optional},
     {Place::arrow, "from", Place::point, Need::required},
     {Place::arrow, "to", Place::point, Need::required},
@@ -286,6 +296,9 @@ public:
             return fail("found an unknown key, expected one of " + keysOf(level.place));
         if (!level.keys.insert(level.key).second)
             return fail("found a second time, expected each key once");
+        if (isOfOurs && level.keys.count("directors") &&
+            (level.keys.count("quaternions") || level.keys.count("quaternion")))
+            return fail("found quaternions and directors, expected one of both");
         if (!isOfOurs)
             rod.scalars.push_back({value, {}});
         return true;
@@ -306,6 +319,10 @@ public:
         const Level level = leave();
         if (level.place == Place::point)
             return requireCount(level, 3) && addPoint() && goOn();
+        if (level.place == Place::director)
+            return requireCount(level, 3) && addDirector() && goOn();
+        if (level.place == Place::directors)
+            return requireCount(level, 3, "director") && addRotationOfDirectors() && goOn();
         if (level.place == Place::quaternion)
             return requireCount(level, 4) && addRotation() && goOn();
         return goOn();
@@ -395,7 +412,8 @@ private:
         }
     }
 
-    /// The number is the current element of a point, a quaternion or a scalar's values.
+    /// The number is the current element of a point, a quaternion, a director or a scalar's
+    /// values.
     bool addNumber(const Level& level, double value)
     {
         if (level.place == Place::values)
@@ -482,6 +500,20 @@ private:
         return fault.empty() || fail(fault);
     }
 
+    bool addDirector()
+    {
+        const std::size_t index = levels.back().index;
+        if (index < directors.size())
+            directors[index] = Vector(components[0], components[1], components[2]);
+        return true;
+    }
+
+    bool addRotationOfDirectors()
+    {
+        const std::string fault = findRotation(directors, options, currentRotation());
+        return fault.empty() || fail(fault);
+    }
+
     /// An object is complete.
     bool finish(const Level& level)
     {
@@ -489,17 +521,17 @@ private:
         case Place::rod:
             return finishRod(level);
         case Place::strand:
-            return finishStrand();
+            return finishStrand(level);
         case Place::birod:
             return finishBirod();
         case Place::dna:
-            return finishDna();
+            return finishDna(level);
         case Place::marker:
             if (!level.keys.count("id"))
                 marker.id = static_cast<long long>(levels.back().index);
             return finishGlyph(marker);
         case Place::frame:
-            return finishGlyph(frame);
+            return requireRotations(level, "quaternion") && finishGlyph(frame);
         case Place::arrow:
             return finishGlyph(arrow);
         default:
@@ -510,25 +542,40 @@ private:
     bool finishRod(const Level& level)
     {
         const std::size_t count = strand.points.size();
-        if (level.keys.count("quaternions") &&
-            !requireOneEach(".quaternions", strand.rotations.size(), count, "point"))
-            return false;
+        for (const char* key : {"quaternions", "directors"})
+            if (level.keys.count(key) &&
+                !requirePerPointOrElement("." + std::string(key), strand.rotations.size(), count))
+                return false;
         for (const Scalar& scalar : rod.scalars)
-            if (!requireOneEach(".scalars" + memberText(scalar.name), scalar.values.size(), count,
-                                "point"))
+            if (!requirePerPointOrElement(".scalars" + memberText(scalar.name),
+                                          scalar.values.size(), count))
                 return false;
         rod.origin = fileName + ": " + path();
         moveStrand(strand, rod.points, rod.rotations);
         return acceptedAt(".points", collector.add(std::exchange(rod, Rod())));
     }
 
-    bool finishStrand()
+    bool finishStrand(const Level& level)
     {
-        if (!requireOneEach(".quaternions", strand.rotations.size(), strand.points.size(), "point"))
+        if (!requireRotations(level, "quaternions"))
+            return false;
+        const std::string member = level.keys.count("directors") ? ".directors" : ".quaternions";
+        const std::size_t count = strand.points.size();
+        const bool fits = levels.back().place == Place::birod
+                              ? requirePerPointOrElement(member, strand.rotations.size(), count)
+                              : requireOneEach(member, strand.rotations.size(), count, "point");
+        if (!fits)
             return false;
         const std::string& key = levels.back().key;
         strands[key == "strand1" ? 1 : key == "strand2" ? 2 : 0] = std::exchange(strand, Strand());
         return true;
+    }
+
+    /// The key, or directors instead.
+    bool requireRotations(const Level& level, const std::string& key)
+    {
+        return level.keys.count(key) || level.keys.count("directors") ||
+               fail("found no key " + key + " or directors, expected one");
     }
 
     bool finishBirod()
@@ -543,8 +590,14 @@ private:
         return acceptedAt("", collector.add(std::move(birod)));
     }
 
-    bool finishDna()
+    bool finishDna(const Level& level)
     {
+        for (const char* missing : {"strand1", "strand2"})
+            if (level.keys.count("strand1") + level.keys.count("strand2") == 1 &&
+                !level.keys.count(missing))
+                return fail("found no key " + std::string(missing) + ", expected one");
+        if (!level.keys.count("strand1"))
+            strands[1] = strands[2] = strands[0]; // one frame of the pair and of its bases
         if (!requireStrandsOf(dna.bases.size(), "pairs", "base"))
             return false;
         dna.origin = fileName + ": " + path();
@@ -592,10 +645,22 @@ private:
                                            std::to_string(expected) + ", one for each " + each);
     }
 
-    bool requireCount(const Level& level, std::size_t count)
+    /// Of elements there is one less, and one at least.
+    bool requirePerPointOrElement(const std::string& member, std::size_t count, std::size_t points)
     {
-        return level.index == count || fail("found " + counted(level.index, "number") +
-                                            ", expected " + std::to_string(count));
+        if (count == points || (count > 0 && count + 1 == points))
+            return true;
+        const std::string elements =
+            points > 1 ? ", or " + std::to_string(points - 1) + ", one for each element" : "";
+        return failAt(path() + member, "found " + std::to_string(count) + ", expected " +
+                                           std::to_string(points) + ", one for each point" +
+                                           elements);
+    }
+
+    bool requireCount(const Level& level, std::size_t count, const char* noun = "number")
+    {
+        return level.index == count ||
+               fail("found " + counted(level.index, noun) + ", expected " + std::to_string(count));
     }
 
     /// Of the current value, as "rods[0].points[2]"; empty for the whole text.
@@ -632,6 +697,7 @@ private:
     ReadReport& report;
     std::vector<Level> levels;        ///< from the outermost in
     std::array<double, 4> components; ///< of the point or quaternion being read
+    Directors directors;              ///< being read, all three
     Strand strand;                    ///< being read, and so are these
     std::array<Strand, 3> strands;    ///< average or pairs, strand 1, strand 2
     Rod rod;                          ///< without its points and rotations

@@ -24,12 +24,17 @@
 ///      "arrows": [{"from": [x, y, z], "to": [x, y, z], "radius": number,
 ///                  "colour": "red"}, ...]}
 ///
-/// with {"points": [[x, y, z], ...], "quaternions": [[x, y, z, w], ...]} for STRAND.
+/// with {"points": [[x, y, z], ...], "quaternions": [[x, y, z, w], ...]} for STRAND. For
+/// "quaternions", and for the "quaternion" of a frame, there may be "directors": [d1, d2, d3]
+/// of three numbers each for every quaternion.
 ///
 /// What may be missing: any of the arrays of the file, if one of the others has something
-/// in it; of a rod "quaternions" and "scalars"; of a marker all but "point"; the
-/// "size", "radius" and "colour" of anything. What is there has one entry per point,
-/// or per letter of the sequence, which may be small. A shape is a sphere, cube or cross.
+/// in it; of a rod "quaternions" and "scalars"; of DNA "strand1" and "strand2" together,
+/// which are as "pairs" then; of a marker all but "point"; the "size", "radius" and "colour"
+/// of anything. What is there has one entry per point, or per letter of the sequence, which
+/// may be small; frames and scalars of rods and frames of birods may have one fewer, of the
+/// elements between the points (elements.h). A shape is a sphere, cube or cross, and
+/// "color" is a colour.
 /// Any other key is an error, and so is a key twice in one object. The origin of a rod is
 /// "fileName: rods[0]", and so on.
 ///

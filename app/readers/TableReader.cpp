@@ -6,6 +6,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstddef>
+#include <limits>
 #include <locale>
 #include <sstream>
 #include <system_error>
@@ -15,22 +16,31 @@
 
 #include "readers/Collector.h"
 #include "readers/DataChecks.h"
+#include "readers/directors.h"
 #include "readers/wording.h"
 
 namespace {
 
 using Names = std::vector<std::string>;
 
-/// The columns that place a point with its frame, in the order of a table without a header.
-const Names rodNames = {"x", "y", "z", "qx", "qy", "qz", "qw"};
-constexpr std::size_t frameWidth = 7;
+/// The columns that place a point with its frame, by a quaternion or by directors. The
+/// first ones are in the order of a table without a header.
+const Names rodNames = {"x",   "y",   "z",   "qx",  "qy",  "qz",  "qw",  "d1x",
+                        "d1y", "d1z", "d2x", "d2y", "d2z", "d3x", "d3y", "d3z"};
+constexpr std::size_t frameWidth = 16; ///< of all names
+constexpr std::size_t plainWidth = 7;  ///< of those without a header
+constexpr std::size_t firstOfQuaternion = 3;
+constexpr std::size_t firstOfDirectors = 7;
 constexpr std::size_t noColumn = static_cast<std::size_t>(-1);
 
 /// What the frames of a row of DNA belong to.
 constexpr std::array<const char*, 3> dnaOwners = {"the pair", "strand 1", "strand 2"};
-constexpr std::size_t dnaWidth = 1 + dnaOwners.size() * frameWidth; ///< the base comes first
-constexpr char expectedOfDna[] =
-    "a base, and x y z qx qy qz qw of the pair, of strand 1 and of strand 2";
+/// The base comes first. One frame is that of the pair and of both bases.
+constexpr std::size_t dnaWidth = 1 + dnaOwners.size() * plainWidth;
+constexpr std::size_t flatDnaWidth = 1 + plainWidth;
+constexpr char expectedOfDna[] = "(a base, and x y z qx qy qz qw of the pair)";
+constexpr char expectedOfBases[] =
+    "(a base, and x y z qx qy qz qw of the pair, of strand 1 and of strand 2)";
 
 /// The columns that place a base pair: as of a rod, then with 1, then with 2 behind.
 Names makeDnaNames()
@@ -278,7 +288,7 @@ Names namesOfColumns(const std::vector<std::string_view>& fields, const Names& k
 
 Names namesWithoutHeader(std::size_t count)
 {
-    Names names(rodNames.begin(), rodNames.begin() + std::min(count, frameWidth));
+    Names names(rodNames.begin(), rodNames.begin() + std::min(count, plainWidth));
     while (names.size() < count)
         names.push_back(nameByNumber(names.size()));
     return names;
@@ -294,14 +304,31 @@ bool haveNamesOfPoints(const std::vector<std::string_view>& fields)
 
 bool isBase(std::string_view field) { return field.size() == 1 && parseBase(field[0]); }
 
-/// Whether a header is one of DNA: that names a base first, and then a strand's place. A
-/// rod may have a scalar named base.
-bool isDnaHeader(const std::vector<std::string_view>& fields)
+/// The columns of DNA below a header: with one frame a row, or with three.
+Names namesOfDna(std::size_t count)
 {
-    return inSmallLetters(fields[0]) == "base" &&
-           std::any_of(fields.begin(), fields.end(), [](auto field) {
-               return isNameOf(field, dnaNames) && !isNameOf(field, rodNames);
-           });
+    Names names = {"base"};
+    for (std::size_t frame = 0; names.size() < count; ++frame) {
+        const auto first = dnaNames.begin() + std::ptrdiff_t(frame * frameWidth);
+        names.insert(names.end(), first, first + plainWidth);
+    }
+    return names;
+}
+
+bool nameStrands(const std::vector<std::string_view>& fields)
+{
+    return std::any_of(fields.begin(), fields.end(), [](auto field) {
+        return isNameOf(field, dnaNames) && !isNameOf(field, rodNames);
+    });
+}
+
+/// The first field below the line that the scanner is in, and below comments.
+std::string_view firstFieldBelow(FieldScanner scanner)
+{
+    do
+        scanner.nextLine();
+    while (!scanner.isAtEnd() && (scanner.isLineBlank() || scanner.isLineComment()));
+    return scanner.nextField().value_or("");
 }
 
 /// The fields of the line the scanner is in if it is a header: where commas, semicolons
@@ -331,7 +358,40 @@ struct Columns
     std::vector<std::size_t> others;   ///< the scalars; of DNA the base
 
     const Names& knownNames() const { return areOfDna ? dnaNames : rodNames; }
-    bool haveRotations() const { return geometry[3] != noColumn; }
+    bool have(std::size_t name) const { return geometry[name] != noColumn; }
+    /// Any of them: a header that was accepted has all.
+    bool nameQuaternion(std::size_t frame) const
+    {
+        const std::size_t first = frame * frameWidth + firstOfQuaternion;
+        return have(first) || have(first + 1) || have(first + 2) || have(first + 3);
+    }
+    static std::array<std::size_t, 3> namesOfDirector(std::size_t frame, std::size_t director)
+    {
+        const std::size_t first = frame * frameWidth + firstOfDirectors + 3 * director;
+        return {first, first + 1, first + 2};
+    }
+    bool haveDirector(std::size_t frame, std::size_t director) const
+    {
+        const std::array<std::size_t, 3> of = namesOfDirector(frame, director);
+        return have(of[0]) || have(of[1]) || have(of[2]);
+    }
+    bool isOfGeometry(std::size_t column) const
+    {
+        return std::find(geometry.begin(), geometry.end(), column) != geometry.end();
+    }
+    bool haveDirectors(std::size_t frame) const
+    {
+        return haveDirector(frame, 0) || haveDirector(frame, 1) || haveDirector(frame, 2);
+    }
+    /// Of DNA: of the bases, too, or of the pairs alone.
+    bool haveBases() const { return have(frameWidth); }
+};
+
+/// A field without a number, as it stands there.
+struct MissingField
+{
+    std::size_t column;
+    std::string_view text;
 };
 
 class TableReader
@@ -402,7 +462,7 @@ private:
             return takeDnaColumnCount(count);
         if (count == 1 && isAtomList())
             return fail("found an atom list, expected rows of numbers");
-        if (count != 3 && count < frameWidth)
+        if (count != 3 && count < plainWidth)
             return fail("found " + counted(count, "column") +
                         ", expected 3 (x y z), or 7 or more (x y z qx qy qz qw and scalars)" +
                         hintFor(scanner));
@@ -412,12 +472,11 @@ private:
 
     bool takeDnaColumnCount(std::size_t count)
     {
-        if (count != dnaWidth)
+        if (count != flatDnaWidth && count != dnaWidth)
             return fail("found " + counted(count, "column") + ", expected " +
-                        std::to_string(dnaWidth) + " (" + expectedOfDna + ")" + hintFor(scanner));
-        Names names = {"base"};
-        names.insert(names.end(), dnaNames.begin(), dnaNames.end());
-        setColumns(std::move(names));
+                        std::to_string(flatDnaWidth) + " " + expectedOfDna + " or " +
+                        std::to_string(dnaWidth) + " " + expectedOfBases + hintFor(scanner));
+        setColumns(namesOfDna(count));
         return true;
     }
 
@@ -466,32 +525,83 @@ private:
         return columns.areOfDna ? checkDnaHeader() : checkRodHeader();
     }
 
+    /// That names a base first, and then a strand's place, or stands above a letter. A rod
+    /// may have a scalar named base.
+    bool isDnaHeader(const std::vector<std::string_view>& fields) const
+    {
+        if (inSmallLetters(fields[0]) != "base")
+            return false;
+        const std::string_view below = firstFieldBelow(scanner);
+        return nameStrands(fields) || (!below.empty() && !isNumber(below));
+    }
+
     bool checkRodHeader()
     {
-        const bool anyRotation = std::any_of(columns.geometry.begin() + 3, columns.geometry.end(),
-                                             [](std::size_t column) { return column != noColumn; });
-        return requireNames(anyRotation ? 7 : 3, "x y z and all or none of qx qy qz qw");
+        return requireNames(1, "x y z and all or none of qx qy qz qw") && checkDirectors(0);
     }
 
     bool checkDnaHeader()
     {
-        constexpr char expected[] = "base, x y z qx qy qz qw, and these with 1 and with 2 behind";
-        if (columns.others.size() == 1)
-            return requireNames(dnaNames.size(), expected);
-        const std::size_t other = columns.others[1];
-        return fail(columnText(other) + ": found " + inQuotes(columns.names[other]) +
-                    ", expected only " + expected);
+        const std::size_t frames = nameBases() ? dnaOwners.size() : 1;
+        const std::string expected = std::string("base, x y z qx qy qz qw") +
+                                     (frames > 1 ? ", and these with 1 and with 2 behind" : "");
+        if (columns.others.size() > 1) {
+            const std::size_t other = columns.others[1];
+            return fail(columnText(other) + ": found " + inQuotes(columns.names[other]) +
+                        ", expected only " + expected);
+        }
+        if (!requireNames(frames, expected))
+            return false;
+        for (std::size_t frame = 0; frame < frames; ++frame)
+            if (!checkDirectors(frame))
+                return false;
+        return true;
     }
 
-    /// The first so many of those known.
-    bool requireNames(std::size_t count, const char* expected)
+    /// Whether a header of DNA names anything of a strand.
+    bool nameBases() const
+    {
+        return std::any_of(columns.geometry.begin() + frameWidth, columns.geometry.end(),
+                           [](std::size_t column) { return column != noColumn; });
+    }
+
+    /// Of the points and quaternions of so many frames; those of a rod may be missing
+    /// altogether, and all may have directors instead.
+    bool requireNames(std::size_t frames, const std::string& expected)
     {
         std::string missing;
-        for (std::size_t i = 0; i < count; ++i)
-            if (columns.geometry[i] == noColumn)
-                missing += " " + columns.knownNames()[i];
+        for (std::size_t frame = 0; frame < frames; ++frame) {
+            const bool mayLackQuaternion = !columns.areOfDna || columns.haveDirectors(frame);
+            const bool needsQuaternion = !mayLackQuaternion || columns.nameQuaternion(frame);
+            const std::size_t count = needsQuaternion ? plainWidth : firstOfQuaternion;
+            for (std::size_t name = frame * frameWidth; name < frame * frameWidth + count; ++name)
+                if (!columns.have(name))
+                    missing += " " + columns.knownNames()[name];
+        }
         return missing.empty() ||
                fail("found a header without" + missing + ", expected " + expected);
+    }
+
+    /// Those that are there must be whole, and at least two.
+    bool checkDirectors(std::size_t frame)
+    {
+        if (!columns.haveDirectors(frame))
+            return true;
+        std::string missing;
+        std::size_t count = 0;
+        for (std::size_t director = 0; director < 3; ++director) {
+            if (!columns.haveDirector(frame, director))
+                continue;
+            ++count;
+            for (std::size_t name : columns.namesOfDirector(frame, director))
+                if (!columns.have(name))
+                    missing += " " + columns.knownNames()[name];
+        }
+        constexpr char expected[] = ", expected two or three of d1x d1y d1z, d2x d2y d2z, d3x d3y "
+                                    "d3z";
+        if (!missing.empty())
+            return fail("found a header without" + missing + expected);
+        return count > 1 || fail("found a header with one director" + ofOwner(frame) + expected);
     }
 
     void setColumns(Names names)
@@ -501,16 +611,29 @@ private:
         columns.geometry.assign(columns.knownNames().size(), noColumn);
         for (std::size_t c = 0; c < columns.names.size(); ++c) {
             const std::size_t index = indexOfName(columns.names[c], columns.knownNames());
-            if (index == noColumn)
-                columns.others.push_back(c);
-            else
+            if (index != noColumn)
                 columns.geometry[index] = c;
         }
+        for (std::size_t frame = 0; frame * frameWidth < columns.geometry.size(); ++frame)
+            if (columns.nameQuaternion(frame))
+                leaveOutDirectors(frame);
+        for (std::size_t c = 0; c < columns.names.size(); ++c)
+            if (!columns.isOfGeometry(c))
+                columns.others.push_back(c);
         row.resize(columns.names.size());
+    }
+
+    /// Beside a quaternion they are as any other columns.
+    void leaveOutDirectors(std::size_t frame)
+    {
+        const auto first = columns.geometry.begin() + std::ptrdiff_t(frame * frameWidth);
+        std::fill(first + firstOfDirectors, first + frameWidth, noColumn);
     }
 
     bool readRow()
     {
+        if (!missing.empty())
+            return failMissing();
         const FieldScanner start = scanner;
         std::size_t count = 0;
         bool endsWithComma = false;
@@ -542,6 +665,13 @@ private:
         const bool isComma = !scanner.areCommasText() && hasComma(field);
         if (status == std::errc() && !isComma && mayStandIn(column, row[column]))
             return true;
+        const bool isNoNumber = status == std::errc() && std::isnan(row[column]);
+        if ((field.empty() || isNoNumber) && mayBeMissing(column)) {
+            row[column] = std::numeric_limits<double>::quiet_NaN();
+            missing.push_back({column, field});
+            missingLine = scanner.getLine();
+            return true;
+        }
         return fail(nameText(column) + ": " + foundField(field) + ", expected " +
                     expectedInstead(field, status));
     }
@@ -570,16 +700,20 @@ private:
             openBlock();
         if (columns.areOfDna) {
             dna.bases += base;
+            const std::size_t first = columns.haveBases() ? 1 : 0, second = 2 * first;
             return addFrame(0, dna.pairPoints, dna.pairRotations) &&
-                   addFrame(1, dna.points1, dna.rotations1) &&
-                   addFrame(2, dna.points2, dna.rotations2);
+                   addFrame(first, dna.points1, dna.rotations1) &&
+                   addFrame(second, dna.points2, dna.rotations2);
         }
+        if (!missing.empty() && !isRowOfElements())
+            return failMissing();
         for (std::size_t i = 0; i < columns.others.size(); ++i)
-            rod.scalars[i].values.push_back(row[columns.others[i]]);
+            if (!std::isnan(row[columns.others[i]]))
+                rod.scalars[i].values.push_back(row[columns.others[i]]);
         return addFrame(0, rod.points, rod.rotations);
     }
 
-    /// One of the points that the row places, with its rotation.
+    /// One of the points that the row places, with its rotation unless that is missing.
     bool addFrame(std::size_t frame, std::vector<algebra3d::Vector3<double>>& points,
                   std::vector<algebra3d::Quaternion<double>>& rotations)
     {
@@ -589,11 +723,64 @@ private:
                 return fail(nameText(at[i]) + ": found " + formatted(row[at[i]]) + ", expected " +
                             expectedCoordinate);
         points.emplace_back(row[at[0]], row[at[1]], row[at[2]]);
-        if (!columns.haveRotations())
+        if (isRotationMissing())
+            return true;
+        if (columns.haveDirectors(frame))
+            return addRotationOfDirectors(frame, rotations);
+        if (!columns.nameQuaternion(frame))
             return true;
         rotations.emplace_back(row[at[3]], row[at[4]], row[at[5]], row[at[6]]);
         const std::string fault = checkRotation(rotations.back(), options);
         return fault.empty() || fail("columns qx qy qz qw" + ofOwner(frame) + ": " + fault);
+    }
+
+    bool addRotationOfDirectors(std::size_t frame,
+                                std::vector<algebra3d::Quaternion<double>>& rotations)
+    {
+        Directors directors;
+        for (std::size_t i = 0; i < directors.size(); ++i) {
+            if (!columns.haveDirector(frame, i))
+                continue;
+            const auto [x, y, z] = columns.namesOfDirector(frame, i);
+            directors[i].emplace(row[columns.geometry[x]], row[columns.geometry[y]],
+                                 row[columns.geometry[z]]);
+        }
+        const std::string fault = findRotation(directors, options, rotations.emplace_back());
+        return fault.empty() || fail("directors" + ofOwner(frame) + ": " + fault);
+    }
+
+    /// Whatever belongs to elements is missing in the last row of a rod.
+    bool mayBeMissing(std::size_t column) const
+    {
+        const auto coordinates = columns.geometry.begin();
+        return !columns.areOfDna && std::find(coordinates, coordinates + firstOfQuaternion,
+                                              column) == coordinates + firstOfQuaternion;
+    }
+    bool isRotationMissing() const
+    {
+        return std::any_of(missing.begin(), missing.end(), [this](const MissingField& field) {
+            return columns.isOfGeometry(field.column);
+        });
+    }
+    /// Whether a rotation is missing as a whole, and numbers where they are left empty, or
+    /// with the rotation: one that is no number is missing only then.
+    bool isRowOfElements() const
+    {
+        const std::size_t ofRotation =
+            std::size_t(std::count_if(missing.begin(), missing.end(), [this](const auto& field) {
+                return columns.isOfGeometry(field.column);
+            }));
+        if (ofRotation == 0)
+            return std::all_of(missing.begin(), missing.end(),
+                               [](const MissingField& field) { return field.text.empty(); });
+        return ofRotation == columns.names.size() - columns.others.size() - firstOfQuaternion;
+    }
+    bool failMissing()
+    {
+        const MissingField& first = missing.front();
+        return failInLine(missingLine, nameText(first.column) + ": " + foundField(first.text) +
+                                           ", expected " + expectedNumber +
+                                           "; a rod's last row may lack what is of elements");
     }
 
     /// Rows between blank lines.
@@ -617,6 +804,7 @@ private:
     {
         if (!isInBlock())
             return true;
+        missing.clear();
         const std::string fault = columns.areOfDna ? collector.add(std::exchange(dna, Dna()))
                                                    : collector.add(std::exchange(rod, Rod()));
         return fault.empty() || failInLine(firstLine, fault);
@@ -652,10 +840,12 @@ private:
     const ReadOptions& options;
     ReadReport& report;
     Columns columns;
-    std::vector<double> row; ///< the numbers of one row, by column
-    char base = 0;           ///< of the row
-    Rod rod;                 ///< being read, or
-    Dna dna;                 ///< this; without points between blocks
+    std::vector<double> row;           ///< the numbers of one row, by column
+    std::vector<MissingField> missing; ///< of the last row that was read
+    std::size_t missingLine = 0;
+    char base = 0; ///< of the row
+    Rod rod;       ///< being read, or
+    Dna dna;       ///< this; without points between blocks
     std::size_t firstLine = 0;
     std::size_t blocks = 0;
     Collector collector;

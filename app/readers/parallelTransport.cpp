@@ -12,13 +12,6 @@ namespace {
 
 using Vector = algebra3d::Vector3<double>;
 
-/// Whether the last point is the first one again.
-bool isClosed(const std::vector<Vector>& points)
-{
-    return areCoincident(points.front(), points.back()) ||
-           (points.back() - points.front()).getNorm() < smallestEdge(points);
-}
-
 Vector tangentAt(const std::vector<Vector>& points, std::size_t i, bool closed)
 {
     const std::size_t last = points.size() - 1;
