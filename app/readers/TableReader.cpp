@@ -663,7 +663,7 @@ private:
             return readBase(field);
         const std::errc status = parseNumber(field, row[column]);
         const bool isComma = !scanner.areCommasText() && hasComma(field);
-        if (status == std::errc() && !isComma && mayStandIn(column, row[column]))
+        if (status == std::errc() && !isComma && std::isfinite(row[column]))
             return true;
         const bool isNoNumber = status == std::errc() && std::isnan(row[column]);
         if ((field.empty() || isNoNumber) && mayBeMissing(column)) {
@@ -674,15 +674,6 @@ private:
         }
         return fail(nameText(column) + ": " + foundField(field) + ", expected " +
                     expectedInstead(field, status));
-    }
-
-    /// A scalar may be unknown: not-a-number.
-    bool mayStandIn(std::size_t column, double number) const
-    {
-        if (!std::isnan(number))
-            return std::isfinite(number);
-        const auto& scalars = columns.others;
-        return std::find(scalars.begin(), scalars.end(), column) != scalars.end();
     }
 
     bool readBase(std::string_view field)
@@ -705,10 +696,12 @@ private:
                    addFrame(first, dna.points1, dna.rotations1) &&
                    addFrame(second, dna.points2, dna.rotations2);
         }
+        if (!isRotationMissing())
+            keepUnknownScalars();
         if (!missing.empty() && !isRowOfElements())
             return failMissing();
         for (std::size_t i = 0; i < columns.others.size(); ++i)
-            if (!std::isnan(row[columns.others[i]]))
+            if (!isMissing(columns.others[i]))
                 rod.scalars[i].values.push_back(row[columns.others[i]]);
         return addFrame(0, rod.points, rod.rotations);
     }
@@ -756,24 +749,33 @@ private:
         return !columns.areOfDna && std::find(coordinates, coordinates + firstOfQuaternion,
                                               column) == coordinates + firstOfQuaternion;
     }
+    bool isMissing(std::size_t column) const
+    {
+        return std::any_of(missing.begin(), missing.end(),
+                           [column](const MissingField& field) { return field.column == column; });
+    }
+    /// A scalar that is no number, beside a frame or where there are none, is not missing:
+    /// it is the point's, and unknown.
+    void keepUnknownScalars()
+    {
+        const auto isUnknown = [](const MissingField& field) { return !field.text.empty(); };
+        missing.erase(std::remove_if(missing.begin(), missing.end(), isUnknown), missing.end());
+    }
     bool isRotationMissing() const
     {
         return std::any_of(missing.begin(), missing.end(), [this](const MissingField& field) {
             return columns.isOfGeometry(field.column);
         });
     }
-    /// Whether a rotation is missing as a whole, and numbers where they are left empty, or
-    /// with the rotation: one that is no number is missing only then.
+    /// Whether a rotation is missing as a whole, or not at all.
     bool isRowOfElements() const
     {
         const std::size_t ofRotation =
             std::size_t(std::count_if(missing.begin(), missing.end(), [this](const auto& field) {
                 return columns.isOfGeometry(field.column);
             }));
-        if (ofRotation == 0)
-            return std::all_of(missing.begin(), missing.end(),
-                               [](const MissingField& field) { return field.text.empty(); });
-        return ofRotation == columns.names.size() - columns.others.size() - firstOfQuaternion;
+        return ofRotation == 0 ||
+               ofRotation == columns.names.size() - columns.others.size() - firstOfQuaternion;
     }
     bool failMissing()
     {
