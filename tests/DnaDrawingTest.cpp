@@ -7,11 +7,14 @@
 #include <limits>
 #include <ostream>
 
+#include <Inventor/nodes/SoClipPlane.h>
 #include <Inventor/nodes/SoComplexity.h>
 #include <Inventor/nodes/SoCube.h>
+#include <Inventor/nodes/SoDepthBuffer.h>
 #include <Inventor/nodes/SoDrawStyle.h>
 #include <Inventor/nodes/SoMaterial.h>
 #include <Inventor/nodes/SoMaterialBinding.h>
+#include <Inventor/nodes/SoOrthographicCamera.h>
 #include <Inventor/nodes/SoRotationXYZ.h>
 #include <Inventor/nodes/SoScale.h>
 #include <Inventor/nodes/SoSwitch.h>
@@ -161,6 +164,117 @@ TEST_F(DnaDrawingTest, OutOfViewNothingIsDrawn)
     drawCount = 0;
     EXPECT_EQ(draw().countOther(BLACK), 0);
     EXPECT_EQ(drawCount, 0);
+}
+
+// One behind the other, only what is seen is drawn
+
+class LongDnaDrawingTest : public DnaDrawingTest
+{
+protected:
+    static constexpr int PAIRS = 300;
+
+    void SetUp() override
+    {
+        DnaDrawingTest::SetUp();
+        // Not ten pairs a turn, for each is to be seen beside those in front.
+        const IdealDna ideal(irregularSequence(PAIRS), 3.4, 34.3 * M_PI / 180);
+        ASSERT_TRUE(ideal.give(*dna));
+        dna->generate();
+        camera->nearDistance = 1;
+        camera->farDistance = 4000;
+    }
+
+    // Along the axis from a distance before its end, a little from the side.
+    void lookAlong(float distance, float aside = 0)
+    {
+        const float end = 3.4f * PAIRS;
+        camera->position = SbVec3f(aside, aside / 2, end + distance);
+        camera->pointAt(SbVec3f(0, 0, end / 2), SbVec3f(0, 1, 0));
+    }
+
+    void lookInParallel()
+    {
+        auto* parallel = new SoOrthographicCamera;
+        parallel->position = SbVec3f(1, 2, 3.4f * PAIRS + 20);
+        parallel->height = 25;
+        parallel->nearDistance = 1;
+        parallel->farDistance = 4000;
+        scene->replaceChild(scene->findChild(camera), parallel);
+    }
+
+    void expectSameButForAFewPixels()
+    {
+        const Picture drawn = draw();
+        const Difference difference = compare(drawn, traverse());
+        EXPECT_LE(difference.pixels, 8) << difference;
+        EXPECT_LE(difference.strong, 2) << difference;
+        EXPECT_GT(difference.covered, 1500);
+    }
+};
+
+TEST_F(LongDnaDrawingTest, AtomsAreThoseTraversedButForAFewPixels)
+{
+    setUnlit();
+    for (float aside : {0, 3, 20, 60}) {
+        SCOPED_TRACE(aside);
+        lookAlong(12, aside);
+        expectSameButForAFewPixels();
+    }
+    lookAlong(-100); // from within
+    expectSameButForAFewPixels();
+    lookInParallel();
+    expectSameButForAFewPixels();
+}
+
+TEST_F(LongDnaDrawingTest, BoxesAreThoseTraversedPixelForPixel)
+{
+    setUnlit();
+    dna->showAtoms(false);
+    for (bool bases : {false, true}) {
+        dna->showBaseBoxes(bases);
+        lookAlong(12, 1);
+        expectSame();
+        lookAlong(-100, 1);
+        expectSame();
+    }
+    lookInParallel();
+    expectSame();
+}
+
+TEST_F(LongDnaDrawingTest, WhatIsScaledAndTurnedIsThatTraversed)
+{
+    setUnlit();
+    auto* transform = new SoTransform;
+    transform->scaleFactor = SbVec3f(0.7f, 1.2f, -0.9f);
+    transform->rotation = SbRotation(SbVec3f(0, 1, 0), float(M_PI));
+    settings->addChild(transform);
+    lookAlong(-70);
+    expectSameButForAFewPixels();
+}
+
+TEST_F(LongDnaDrawingTest, WhatIsHiddenByTheNearestPairsIsNotDrawn)
+{
+    dna->showBasePairBoxes(false);
+    lookAlong(12);
+    EXPECT_LT(countDraws(), PAIRS);
+    camera->position = SbVec3f(2000, 0, 1.7f * PAIRS);
+    camera->pointAt(SbVec3f(0, 0, 1.7f * PAIRS));
+    EXPECT_EQ(countDraws(), 2 * PAIRS);
+}
+
+TEST_F(LongDnaDrawingTest, WhatIsHiddenButForADepthTestIsDrawn)
+{
+    dna->showBasePairBoxes(false);
+    lookAlong(12);
+    auto* depth = new SoDepthBuffer;
+    depth->test = FALSE;
+    settings->addChild(depth);
+    EXPECT_EQ(countDraws(), 2 * PAIRS);
+    settings->removeAllChildren();
+    auto* plane = new SoClipPlane; // without the nearest
+    plane->plane = SbPlane(SbVec3f(0, 0, -1), SbVec3f(0, 0, 3.4f * PAIRS - 40));
+    settings->addChild(plane);
+    EXPECT_EQ(countDraws(), 2 * PAIRS);
 }
 
 // What is not drawn from buffers is traversed

@@ -10,10 +10,12 @@
 #include "GlyphDrawing.h"
 
 class SoGroup;
+class SoState;
 class SoSwitch;
 
 /// Draws the pairs of a DNA from vertex buffers, one small draw per placed base or box,
-/// instead of traversing their graph.
+/// instead of traversing their graph. Where many of them lie one behind the other, the nearest
+/// come first, and what they hide is not drawn.
 ///
 /// The graph stays the only description of what is shown. It is read again where its nodes'
 /// ids tell that it changed: as glyphs, what the pairs share, and placements, one matrix and
@@ -34,16 +36,33 @@ private:
         SbMatrix matrix;
     };
 
+    // A placement in view, and about how many pixels it covers.
+    struct Seen
+    {
+        const Placement* placement;
+        DepthGrid::Disc disc;
+        float distance; // of the place's origin along the view
+        double pixels;
+    };
+
     bool update(SoGroup* root, SoSwitch* boxes, SoGroup* bases);
     bool updatePlacements(SoGroup* group, std::vector<Placement>& placements);
     int findGlyph(SoNode* node);
     void drawPlacements(const std::vector<Placement>& placements) const;
+    void measure();
+    void drawAll(SoState* state) const;
+    bool mayOverdraw(const DepthGrid& grid) const;
+    std::vector<Seen> findSeen(const std::vector<Placement>& placements,
+                               const DepthGrid& grid) const;
+    void drawNearestFirst(std::vector<Seen>& seen, DepthGrid& grid, double& unread) const;
 
     GlyphDrawing glyphs;
     std::vector<SoNode*> placed; // the node of each glyph
     std::vector<Placement> boxPlacements;
     std::vector<Placement> basePlacements;
-    std::uint64_t seenId = 0; // the root's node id when the graph was read last
+    GlyphDrawing::Ball bound = {}; // about all that is shown
+    double area = 0;               // of all of it seen one beside the other
+    std::uint64_t seenId = 0;      // the root's node id when the graph was read last
     bool drawable = false;
     bool boxesShown = false;
 };

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstddef>
 
+#include <Inventor/SbBox3f.h>
 #include <Inventor/actions/SoGLRenderAction.h>
 #include <Inventor/bundles/SoMaterialBundle.h>
 #include <Inventor/elements/SoDrawStyleElement.h>
@@ -82,6 +83,30 @@ bool hasRoomForMatrices()
     return depth + 2 <= room;
 }
 
+// Cuts a box into bricks that are as nearly cubes as its thinnest side allows, without more than
+// a few of them along a side.
+std::vector<SbVec3f> cutIntoBricks(const SbVec3f& middle, const SbVec3f& half, SbVec3f& halfBrick)
+{
+    const float longest = std::max({half[0], half[1], half[2]});
+    const float brick = std::max(std::min({half[0], half[1], half[2]}), longest / 8);
+    int numbers[3];
+    for (int i = 0; i < 3; ++i) {
+        numbers[i] = brick > 0 ? std::max(1, int(std::ceil(half[i] / brick))) : 1;
+        halfBrick[i] = half[i] / float(numbers[i]);
+    }
+    std::vector<SbVec3f> bricks;
+    for (int x = 0; x < numbers[0]; ++x) {
+        for (int y = 0; y < numbers[1]; ++y) {
+            for (int z = 0; z < numbers[2]; ++z) {
+                bricks.push_back(middle + SbVec3f(halfBrick[0] * float(2 * x + 1 - numbers[0]),
+                                                  halfBrick[1] * float(2 * y + 1 - numbers[1]),
+                                                  halfBrick[2] * float(2 * z + 1 - numbers[2])));
+            }
+        }
+    }
+    return bricks;
+}
+
 } // namespace
 
 bool isAllOrNothing(const SoSwitch* node)
@@ -97,6 +122,7 @@ struct GlyphDrawing::Compiler
     std::vector<std::uint32_t>& indices;
     SoMaterial*& common;
     std::vector<Batch> batches;
+    std::vector<Part> parts;
 
     // The part of a traversal's state that counts here; copied by separators.
     struct State
@@ -197,6 +223,7 @@ struct GlyphDrawing::Compiler
 
         if (batches.empty() || batches.back().quads)
             batches.push_back({SbVec3f(0, 0, 0), false, std::int32_t(indices.size()), 0});
+        const auto firstIndex = std::int32_t(indices.size());
         const std::uint32_t rowStart = first + 2;
         const std::uint32_t lastRow = rowStart + width * std::uint32_t(rows - 3);
         for (std::uint32_t i = 0; i + 1 < width; ++i)
@@ -210,6 +237,11 @@ struct GlyphDrawing::Compiler
         for (std::uint32_t i = lastRow; i + 1 < lastRow + width; ++i)
             indices.insert(indices.end(), {i, first + 1, i + 1});
         batches.back().count = std::int32_t(indices.size()) - batches.back().first;
+        const auto count = std::int32_t(indices.size()) - firstIndex;
+        parts.push_back({{SbVec3f(0, 0, 0), false, firstIndex, count},
+                         {state.place, std::abs(radius)},
+                         {},
+                         SbVec3f(0, 0, 0)});
     }
 
     // The corners in Coin's order; bits 0, 1 and 2 of a corner are negative x, y and z.
@@ -222,6 +254,10 @@ struct GlyphDrawing::Compiler
         const SbVec3f half(cube->width.getValue() * 0.5f, cube->height.getValue() * 0.5f,
                            cube->depth.getValue() * 0.5f);
         batches.push_back({state.place, true, std::int32_t(vertices.size()), 24});
+        const SbVec3f size(std::abs(half[0]), std::abs(half[1]), std::abs(half[2]));
+        SbVec3f halfBrick;
+        const std::vector<SbVec3f> bricks = cutIntoBricks(state.place, size, halfBrick);
+        parts.push_back({batches.back(), {state.place, size.length()}, bricks, halfBrick});
         for (int face = 0; face < 6; ++face) {
             for (int corner : faces[face])
                 addVertex(state,
@@ -267,13 +303,39 @@ bool GlyphDrawing::compile(const std::vector<SoNode*>& nodes)
     SoMaterial* common = nullptr;
     bool all = true;
     for (SoNode* node : nodes) {
-        Compiler compiler{vertices, indices, common, {}};
+        Compiler compiler{vertices, indices, common, {}, {}};
         Compiler::State state;
         all = all && compiler.compile(node, state);
-        glyphs.push_back({node, node->getNodeId(), std::move(compiler.batches)});
+        glyphs.push_back({node,
+                          node->getNodeId(),
+                          std::move(compiler.batches),
+                          std::move(compiler.parts),
+                          {},
+                          0});
+        measure(glyphs.back());
     }
     setMaterial(all ? common : nullptr);
     return all;
+}
+
+void GlyphDrawing::measure(Glyph& glyph)
+{
+    SbBox3f box;
+    for (const Part& part : glyph.parts) {
+        box.extendBy(part.bound.centre);
+        const SbVec3f sides = part.half * 2;
+        const double radius = part.bound.radius;
+        glyph.area +=
+            part.bricks.empty()
+                ? M_PI * radius * radius
+                : double(sides[0] * sides[1] + sides[1] * sides[2] + sides[2] * sides[0]) *
+                      double(part.bricks.size()) / 2;
+    }
+    glyph.bound = {glyph.parts.empty() ? SbVec3f(0, 0, 0) : box.getCenter(), 0};
+    for (const Part& part : glyph.parts) {
+        const float distance = (part.bound.centre - glyph.bound.centre).length();
+        glyph.bound.radius = std::max(glyph.bound.radius, distance + part.bound.radius);
+    }
 }
 
 // Drawing
@@ -326,29 +388,65 @@ bool GlyphDrawing::draw(SoGLRenderAction* action, const std::function<void()>& d
     return true;
 }
 
+void GlyphDrawing::drawBatch(const Batch& batch)
+{
+    const bool moved = batch.translation != SbVec3f(0, 0, 0);
+    if (moved) {
+        glPushMatrix();
+        glTranslatef(batch.translation[0], batch.translation[1], batch.translation[2]);
+    }
+    if (batch.quads)
+        glDrawArrays(GL_QUADS, batch.first, batch.count);
+    else
+        glDrawElements(GL_TRIANGLES, batch.count, GL_UNSIGNED_INT,
+                       GLBuffer::offset(std::size_t(batch.first) * sizeof(std::uint32_t)));
+    if (moved)
+        glPopMatrix();
+}
+
 void GlyphDrawing::drawGlyph(std::size_t index, const SbMatrix& place) const
 {
     const std::vector<Batch>& batches = glyphs[index].batches;
     if (batches.empty())
         return;
-    const SbVec3f nowhere(0, 0, 0);
     glPushMatrix();
     glMultMatrixf(place[0]);
-    for (const Batch& batch : batches) {
-        const bool moved = batch.translation != nowhere;
-        if (moved) {
-            glPushMatrix();
-            glTranslatef(batch.translation[0], batch.translation[1], batch.translation[2]);
+    for (const Batch& batch : batches)
+        drawBatch(batch);
+    glPopMatrix();
+}
+
+double GlyphDrawing::drawSeen(std::size_t index, const SbMatrix& place, DepthGrid& grid) const
+{
+    SbMatrix toEye = place;
+    toEye.multRight(grid.getToEye());
+    const double stretch = DepthGrid::stretchOf(toEye);
+    double drawn = 0;
+    std::vector<DepthGrid::Area> areas;
+    glPushMatrix();
+    glMultMatrixf(place[0]);
+    for (const Part& part : glyphs[index].parts) {
+        const Ball& bound = part.bound;
+        areas = {grid.seen(grid.project(bound.centre, bound.radius, toEye, stretch))};
+        if (!areas[0].isEmpty() && !part.bricks.empty()) {
+            areas.clear();
+            SbVec3f halves[3], middle;
+            for (int i = 0; i < 3; ++i)
+                halves[i] = SbVec3f(toEye[i]) * part.half[i];
+            for (const SbVec3f& brick : part.bricks) {
+                toEye.multVecMatrix(brick, middle);
+                areas.push_back(grid.seen(grid.project(middle, halves)));
+            }
         }
-        if (batch.quads)
-            glDrawArrays(GL_QUADS, batch.first, batch.count);
-        else
-            glDrawElements(GL_TRIANGLES, batch.count, GL_UNSIGNED_INT,
-                           GLBuffer::offset(std::size_t(batch.first) * sizeof(std::uint32_t)));
-        if (moved)
-            glPopMatrix();
+        DepthGrid::simplify(areas);
+        for (const DepthGrid::Area& area : areas) {
+            grid.enter(area);
+            drawBatch(part.batch);
+            drawn += area.getSize();
+        }
     }
     glPopMatrix();
+    return drawn;
 }
 
 // Brings the geometry to the context, unless it is there already.

@@ -10,6 +10,7 @@
 #include <Inventor/SbMatrix.h>
 #include <Inventor/SbVec3f.h>
 
+#include "DepthGrid.h"
 #include "GLBuffer.h"
 
 class SoGLRenderAction;
@@ -33,6 +34,12 @@ bool isAllOrNothing(const SoSwitch* node);
 class GlyphDrawing
 {
 public:
+    struct Ball
+    {
+        SbVec3f centre;
+        float radius;
+    };
+
     GlyphDrawing();
     ~GlyphDrawing();
     GlyphDrawing(const GlyphDrawing&) = delete;
@@ -53,6 +60,14 @@ public:
     /// Draws the glyph of the node with that index at a place.
     void drawGlyph(std::size_t index, const SbMatrix& place) const;
 
+    /// About all of the glyph of the node with that index, in its own coordinates.
+    const Ball& getBound(std::size_t index) const { return glyphs[index].bound; }
+    /// The area of a glyph's parts seen one beside the other.
+    double getArea(std::size_t index) const { return glyphs[index].area; }
+    /// As drawGlyph(), without the parts, or what is left and right of them, that the grid says
+    /// are hidden. About how many pixels were drawn.
+    double drawSeen(std::size_t index, const SbMatrix& place, DepthGrid& grid) const;
+
 private:
     struct Vertex
     {
@@ -71,11 +86,23 @@ private:
         std::int32_t count;
     };
 
+    // A sphere, or a box in bricks, which are along the axes.
+    struct Part
+    {
+        Batch batch;
+        Ball bound;
+        std::vector<SbVec3f> bricks; // their middles
+        SbVec3f half;                // of a brick's sides
+    };
+
     struct Glyph
     {
         const SoNode* node;
         std::uint64_t id; // of the node when it was compiled
         std::vector<Batch> batches;
+        std::vector<Part> parts; // the same in smaller draws
+        Ball bound;              // about all parts
+        double area;
     };
 
     struct Buffers
@@ -87,6 +114,8 @@ private:
     struct Compiler;
 
     bool compile(const std::vector<SoNode*>& nodes);
+    static void measure(Glyph& glyph);
+    static void drawBatch(const Batch& batch);
     void setMaterial(SoMaterial* newMaterial);
     void bindBuffers(std::uint32_t context);
 
