@@ -8,6 +8,8 @@
 #include <Inventor/SoPath.h>
 #include <Inventor/SoPickedPoint.h>
 #include <Inventor/actions/SoGetBoundingBoxAction.h>
+#include <Inventor/nodes/SoShaderParameter.h>
+#include <Inventor/nodes/SoSwitch.h>
 
 #include <SoBirod.h>
 #include <SoDNA.h>
@@ -96,18 +98,69 @@ CameraRequest DataScene::settle(CameraRequest request) const
     return request;
 }
 
-void DataScene::addLegend(SoNode* node)
+SoNode* DataScene::addColours(SoNode* own, SoNode* ofData)
 {
-    legend = node;
-    addChild(node);
+    auto* choice = new SoSwitch;
+    choice->addChild(own);
+    choice->addChild(ofData);
+    choice->whichChild = 1;
+    colours.push_back(choice);
+    return choice;
 }
 
-float DataScene::getLegendHeight() const { return legend ? LEGEND_HEIGHT : 0; }
+void DataScene::addLegend(SoNode* node)
+{
+    legend = new SoSwitch;
+    legend->addChild(node);
+    addChild(legend);
+    showColours(true);
+}
+
+bool DataScene::hasColours() const { return legend; }
+
+void DataScene::showColours(bool show)
+{
+    if (!legend || show == (legend->whichChild.getValue() == 0))
+        return;
+    legend->whichChild = show ? 0 : SO_SWITCH_NONE;
+    for (SoSwitch* choice : colours)
+        choice->whichChild = show ? 1 : 0;
+
+    const Shininess none(getShininess().size(), 0.0f);
+    areUserHighlights = areUserHighlights || (!show && getShininess() != none);
+    if (areUserHighlights)
+        return;
+    if (show)
+        highlights = getShininess();
+    setShininess(show ? none : highlights);
+}
+
+DataScene::Shininess DataScene::getShininess()
+{
+    SoShaderParameterArray3f* directions = nullptr;
+    SoShaderParameterArray1f *intensities = nullptr, *shininess = nullptr;
+    getLightingParameters(directions, intensities, shininess);
+    const float* values = shininess->value.getValues(0);
+    return Shininess(values, values + shininess->value.getNum());
+}
+
+void DataScene::setShininess(const Shininess& values)
+{
+    SoShaderParameterArray3f* directions = nullptr;
+    SoShaderParameterArray1f *intensities = nullptr, *shininess = nullptr;
+    getLightingParameters(directions, intensities, shininess);
+    shininess->value.setValues(0, int(values.size()), values.data());
+}
+
+float DataScene::getLegendHeight() const
+{
+    return legend && legend->whichChild.getValue() == 0 ? LEGEND_HEIGHT : 0;
+}
 
 void DataScene::setBackground(const Colour& background)
 {
     if (legend)
-        setLegendBackground(*legend, background);
+        setLegendBackground(*legend->getChild(0), background);
 }
 
 Told DataScene::describe(const SoPickedPoint& picked) const

@@ -5,6 +5,7 @@
 #include <functional>
 #include <map>
 #include <string>
+#include <vector>
 
 #include <Inventor/SbBox3f.h>
 #include <SoGeneralScene.h>
@@ -15,6 +16,7 @@
 #include "Told.h"
 
 class BiarcTubeMesh;
+class SoSwitch;
 
 /// The program's scene: it knows which data its nodes show, and tells what was picked.
 class DataScene : public SoGeneralScene
@@ -33,8 +35,17 @@ public:
     /// What was asked for, with what it leaves open.
     CameraRequest settle(CameraRequest request) const;
 
-    /// Adds a legend that is drawn over the scene.
+    // Colours of data, shown at first
+
+    /// A node that gives what follows it its own colours or those of data.
+    SoNode* addColours(SoNode* own, SoNode* ofData);
+    /// Adds a legend that is drawn over the scene, for the colours that were added.
     void addLegend(SoNode* node);
+    bool hasColours() const;
+    /// Whether data give the colours, and the legend is there. There are no highlights then,
+    /// so that what is turned to the light has the legend's colours; once the user has changed
+    /// that, highlights are left alone.
+    void showColours(bool show);
     /// The part of a view's height, at its bottom, that the legend takes.
     float getLegendHeight() const;
     /// Keeps the legend readable on another background.
@@ -57,10 +68,17 @@ public:
 private:
     ~DataScene() override = default;
 
+    using Shininess = std::vector<float>;
+    Shininess getShininess();
+    void setShininess(const Shininess& values);
+
     Placement placement;
     SbBox3f box;
     Side standardSide = Side::Z;
-    SoNode* legend = nullptr;
+    std::vector<SoSwitch*> colours; ///< children: own, of data
+    SoSwitch* legend = nullptr;
+    Shininess highlights;           ///< while colours are shown: those without
+    bool areUserHighlights = false; ///< changed while colours were shown
     std::map<const SoNode*, std::string> names;
 };
 

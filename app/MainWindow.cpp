@@ -256,6 +256,7 @@ void MainWindow::showScene(DataScene* newScene, const std::vector<std::string>& 
         ownedViewer->hasPicked = true;
         statusText->tell({told});
     };
+    scene->showColours(coloursAction->isChecked());
     viewer->setSceneGraph(static_cast<SoGeneralScene*>(scene));
     home = scene->settle(options.camera);
     place(home);
@@ -353,6 +354,17 @@ void MainWindow::setPerspective(bool perspective)
         update3DZoom();
 }
 
+void MainWindow::setColours(bool ofData)
+{
+    if (!scene)
+        return;
+    const bool wasFitted = isFitted();
+    scene->showColours(ofData);
+    // The legend's room comes or goes.
+    if (wasFitted)
+        fit();
+}
+
 void MainWindow::copyCamera()
 {
     if (!scene)
@@ -387,6 +399,7 @@ void MainWindow::followViewer()
     framesAction->setChecked(std::getenv("COIN_SHOW_FPS_COUNTER"));
     wheelsAction->setChecked(viewer->isDecoration());
     pickingAction->setChecked(!viewer->isViewing());
+    coloursAction->setEnabled(scene && scene->hasColours());
     const SbColor background = viewer->getBackgroundColor();
     if (scene)
         scene->setBackground({background[0], background[1], background[2]});
@@ -633,6 +646,10 @@ void MainWindow::buildLookMenu(QMenu& menu)
     boxesAction = addKeySwitch(menu, "Bounding &boxes", "Shift+Space", SoKeyboardEvent::SPACE,
                                Qt::ShiftModifier);
     sceneActions.push_back(boxesAction);
+    coloursAction = menu.addAction("&Colours of data");
+    coloursAction->setCheckable(true);
+    coloursAction->setChecked(true);
+    connect(coloursAction, &QAction::triggered, this, &MainWindow::setColours);
     sceneActions.push_back(addKeyAction(menu, "&Thicker lines", "=", SoKeyboardEvent::EQUAL));
     sceneActions.push_back(addKeyAction(menu, "Thi&nner lines", "-", SoKeyboardEvent::MINUS));
     menu.addSeparator();

@@ -68,6 +68,10 @@ public slots:
     void viewFrom(Side side);
     void setPerspective(bool perspective);
 
+    // Look
+    /// Whether data give the colours, in this scene and in those to come.
+    void setColours(bool ofData);
+
     // Help
     void showKeys();
     void showAbout();
@@ -122,6 +126,7 @@ private:
     QAction* framesAction = nullptr;
     QAction* wheelsAction = nullptr;
     QAction* pickingAction = nullptr;
+    QAction* coloursAction = nullptr;
     std::vector<QAction*> sceneActions; // that need a scene
 };
 

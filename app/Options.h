@@ -58,6 +58,7 @@ struct Options
 
     /// The scalar that colours tubes and ribbons; without one they have colours of their own.
     std::optional<std::string> colourBy;
+    bool colourIfPossible = false; ///< what has no such scalar is shown all the same, with a notice
     std::optional<double> rangeMin;
     std::optional<double> rangeMax;
     std::vector<Colour> ramp; ///< the mapper's own if empty

@@ -65,8 +65,7 @@ bool isFinite(const BiarcRibbonMesh& ribbon)
 }
 
 // One material per row: those of the tube, then those of the ribbon.
-void addColours(SoSeparator* group, const SoRod& rod, const Colouring& colouring,
-                std::size_t rodIndex)
+SoGroup* makeColours(const SoRod& rod, const Colouring& colouring, std::size_t rodIndex)
 {
     const std::vector<double>& places = colouring.places[rodIndex];
     auto* material = new SoMaterial;
@@ -77,10 +76,12 @@ void addColours(SoSeparator* group, const SoRod& rod, const Colouring& colouring
     if (isFinite(ribbon)) // a hidden one need not be
         colourRows(colouring.ramp, ribbon.getParamValues(), places, ribbon.getInterpParamValues(),
                    tube.getHeight(), material);
-    group->addChild(material);
     auto* binding = new SoMaterialBinding;
     binding->value = SoMaterialBinding::PER_VERTEX;
+    auto* group = new SoGroup;
+    group->addChild(material);
     group->addChild(binding);
+    return group;
 }
 
 // The data's own coordinates, unless they do not suit the meshes. Single precision
@@ -204,10 +205,11 @@ private:
                           style.subsegments, style.showTube, showRibbon, style.twoSidedRibbon);
             node->setData(toScene(rod.points), rod.rotations);
             auto* group = new SoSeparator;
+            SoMaterial* material = makeMaterial(style, i);
             if (colouring && !colouring->places[i].empty())
-                addColours(group, *node, *colouring, i);
+                group->addChild(scene->addColours(material, makeColours(*node, *colouring, i)));
             else
-                group->addChild(makeMaterial(style, i));
+                group->addChild(material);
             add(group, node, rod.origin);
             const std::string error = checkInterpolation(
                 *node->getTubeMesh(), showRibbon ? node->getRibbonMesh() : nullptr, rod.origin,

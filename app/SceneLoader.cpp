@@ -4,6 +4,7 @@
 #include <iterator>
 #include <new>
 #include <optional>
+#include <utility>
 
 #include "Colouring.h"
 #include "DataScene.h"
@@ -47,11 +48,15 @@ DataScene* load(const std::vector<std::string>& files, const Options& options, R
         readFiles(files, options.normalise, report, progress);
     if (!configuration)
         return nullptr;
+    for (std::string& line : unusedColours(options, *configuration))
+        report.notices.push_back(std::move(line));
     std::optional<Colouring> colouring;
     if (options.colourBy) {
         colouring = makeColouring(options, *configuration, report);
-        if (!colouring)
+        if (!colouring && !options.colourIfPossible)
             return nullptr;
+        if (!colouring)
+            report.notices.push_back("not coloured: " + std::exchange(report.error, ""));
     }
     return buildScene(*configuration, makeStyle(options, *configuration),
                       colouring ? &*colouring : nullptr, progress, report.error);

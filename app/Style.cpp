@@ -73,3 +73,14 @@ Style makeStyle(const Options& options, const Configuration& configuration)
     style.dna = options.dna;
     return style;
 }
+
+std::vector<std::string> unusedColours(const Options& options, const Configuration& configuration)
+{
+    const bool hasRods = !configuration.rods.empty() || !configuration.birods.empty();
+    std::vector<std::string> lines;
+    if (options.tubeColour && !(hasRods && options.showTube))
+        lines.emplace_back("--tube-colour: found no tube to show, so it has no effect");
+    if (options.ribbonColour && !(hasRods && options.showRibbon))
+        lines.emplace_back("--ribbon-colour: found no ribbon to show, so it has no effect");
+    return lines;
+}

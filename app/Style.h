@@ -3,6 +3,8 @@
 #define STRANDVIEW_APP_STYLE_H
 
 #include <optional>
+#include <string>
+#include <vector>
 
 #include "Colour.h"
 #include "Configuration.h"
@@ -34,5 +36,8 @@ struct Style
 /// many rows per segment, long ones few rows and slices, so that the number of
 /// vertices stays within what a window redraws smoothly.
 Style makeStyle(const Options& options, const Configuration& configuration);
+
+/// A line for each colour that the options give to what is not shown of the data.
+std::vector<std::string> unusedColours(const Options& options, const Configuration& configuration);
 
 #endif

@@ -43,9 +43,12 @@ int renderPicture(const Options& options, DataScene* scene)
 
 int showWindow(const Options& options, DataScene* scene)
 {
+    // The command line's scalar need not be one of every file that is opened later.
+    Options later = options;
+    later.colourIfPossible = true;
     const std::string failure = runWindow(
-        options, scene, [&options](const std::vector<std::string>& files, ReadReport& report) {
-            return loadScene(files, options, report);
+        options, scene, [&later](const std::vector<std::string>& files, ReadReport& report) {
+            return loadScene(files, later, report);
         });
     return failure.empty() ? SUCCESS : fail(CANNOT_WRITE, failure);
 }

@@ -8,6 +8,7 @@
 #include <Inventor/SoPickedPoint.h>
 #include <Inventor/actions/SoRayPickAction.h>
 #include <Inventor/nodes/SoSeparator.h>
+#include <Inventor/nodes/SoShaderParameter.h>
 #include <Inventor/nodes/SoSphere.h>
 #include <SoRod.h>
 #include <gmock/gmock.h>
@@ -181,6 +182,60 @@ TEST_F(DataSceneTest, TellsWhoListensAndLeavesThePickToTheViewer)
     scene->onPick = [&told](const Told& description) { told = toLine(description); };
     EXPECT_FALSE(scene->processPickEvent(pick.getPickedPoint()));
     EXPECT_EQ(told, "point 0 0 1");
+    scene->unref();
+}
+
+std::vector<float> shininessOf(SoGeneralScene& scene)
+{
+    SoShaderParameterArray3f* directions = nullptr;
+    SoShaderParameterArray1f *intensities = nullptr, *shininess = nullptr;
+    scene.getLightingParameters(directions, intensities, shininess);
+    const float* values = shininess->value.getValues(0);
+    return {values, values + shininess->value.getNum()};
+}
+
+void setShininess(SoGeneralScene& scene, float value)
+{
+    SoShaderParameterArray3f* directions = nullptr;
+    SoShaderParameterArray1f *intensities = nullptr, *shininess = nullptr;
+    scene.getLightingParameters(directions, intensities, shininess);
+    shininess->value.set1Value(0, value);
+}
+
+TEST_F(DataSceneTest, ColoursOfDataHaveNoHighlightsUnlessTheUserChangesThem)
+{
+    auto* scene = new DataScene({});
+    scene->ref();
+    EXPECT_FALSE(scene->hasColours());
+    const std::vector<float> usual = shininessOf(*scene);
+    EXPECT_GT(usual[0], 0);
+    scene->addLegend(new SoSeparator);
+    EXPECT_TRUE(scene->hasColours());
+    EXPECT_THAT(shininessOf(*scene), testing::Each(0));
+    EXPECT_GT(scene->getLegendHeight(), 0);
+
+    scene->showColours(false);
+    EXPECT_EQ(shininessOf(*scene), usual);
+    EXPECT_EQ(scene->getLegendHeight(), 0);
+    scene->showColours(true);
+    EXPECT_THAT(shininessOf(*scene), testing::Each(0));
+
+    setShininess(*scene, 5);
+    for (const bool show : {true, false, true, false}) {
+        scene->showColours(show);
+        EXPECT_EQ(shininessOf(*scene)[0], 5);
+    }
+    scene->unref();
+}
+
+TEST_F(DataSceneTest, ASceneWithoutColoursOfDataHasNoneToShow)
+{
+    auto* scene = new DataScene({});
+    scene->ref();
+    const std::vector<float> usual = shininessOf(*scene);
+    scene->showColours(true);
+    scene->showColours(false);
+    EXPECT_EQ(shininessOf(*scene), usual);
     scene->unref();
 }
 

@@ -14,8 +14,11 @@
 #include <QImage>
 #include <QPainter>
 #include <QTemporaryDir>
+#include <SoGeneralScene.h>
 #include <gmock/gmock.h>
 
+#include "Camera.h"
+#include "algebra3d/Matrix3.h"
 #include "support/runProgram.h"
 
 using testing::EndsWith;
@@ -369,6 +372,138 @@ TEST_F(StrandviewTest, ColoursByAScalarOfTheFileAlongTheRodAndShowsALegend)
     EXPECT_NEAR(hueAt(20), 240, 25);
     EXPECT_NEAR(hueAt(200), 120, 15);
     EXPECT_LT(std::abs((hueAt(380) + 180) % 360 - 180), 25);
+}
+
+// Five flat ribbons or thick tubes side by side, turned to the scene's light as it is seen from
+// a side, with one value each: 0 to 4.
+std::string fiveTurnedToTheLight(Side side)
+{
+    const auto toVector = [](const SbVec3f& v) {
+        return algebra3d::Vector3<double>(double(v[0]), double(v[1]), double(v[2]));
+    };
+    const ViewAxes axes = axesOf(side);
+    const auto up = toVector(axes.up), back = toVector(axes.direction) * -1.0;
+    const auto right = up.cross(back);
+    const auto toLight = SoGeneralScene::LIGHT_DIRS[0] * -1.0;
+    const auto d1 = (right * toLight.x + up * toLight.y + back * toLight.z).getUnit();
+    const auto d3 = up.cross(d1).getUnit();
+    const auto d2 = d3.cross(d1);
+    const auto q = algebra3d::Matrix3<double>(d1, d2, d3).getQuaternion();
+    std::ostringstream table;
+    table.precision(17);
+    table << "x y z qx qy qz qw value\n";
+    for (int rod = 0; rod < 5; ++rod) {
+        for (int i = 0; i < 4; ++i) {
+            const auto point = d2 * (1.5 * rod) + d3 * (2.0 * i);
+            table << point.x << ' ' << point.y << ' ' << point.z << ' ' << q[0] << ' ' << q[1]
+                  << ' ' << q[2] << ' ' << q[3] << ' ' << rod << '\n';
+        }
+        table << '\n';
+    }
+    return table.str();
+}
+
+// What a ramp of evenly spaced colours shows at t from 0 to 1.
+QColor onRamp(const std::vector<QColor>& ramp, double t)
+{
+    const double step = t * double(ramp.size() - 1);
+    const std::size_t i = std::min(std::size_t(step), ramp.size() - 2);
+    const double u = step - double(i);
+    const auto mix = [u](int a, int b) { return int(std::lround((1 - u) * a + u * b)); };
+    const QColor &a = ramp[i], &b = ramp[i + 1];
+    return QColor(mix(a.red(), b.red()), mix(a.green(), b.green()), mix(a.blue(), b.blue()));
+}
+
+const std::vector<std::vector<QColor>> RAMPS{{Qt::blue, Qt::cyan, Qt::green, Qt::yellow, Qt::red},
+                                             {QColor(255, 10, 0), QColor(0, 10, 255)},
+                                             {QColor(0, 0, 128), Qt::white, QColor(139, 0, 0)}};
+
+std::string listOf(const std::vector<QColor>& ramp)
+{
+    std::string list;
+    for (const QColor& colour : ramp)
+        list += (list.empty() ? "" : ",") + colour.name().toStdString();
+    return list;
+}
+
+TEST_F(StrandviewTest, WhatIsTurnedToTheLightHasTheRampsColoursInEveryView)
+{
+    const std::vector<std::pair<std::string, Side>> sides{{"x", Side::X}, {"-x", Side::MINUS_X},
+                                                          {"y", Side::Y}, {"-y", Side::MINUS_Y},
+                                                          {"z", Side::Z}, {"-z", Side::MINUS_Z}};
+    std::size_t next = 0;
+    for (const auto& [name, side] : sides) {
+        const std::string rods = write("rods.txt", fiveTurnedToTheLight(side));
+        const std::vector<QColor>& ramp = RAMPS[next++ % RAMPS.size()];
+        for (const bool perspective : {false, true}) {
+            for (const char* part : {"--no-tube", "--no-ribbon"}) {
+                SCOPED_TRACE("--view " + name + " --colours " + listOf(ramp) + " " + part);
+                SCOPED_TRACE(perspective);
+                std::vector<std::string> arguments{"--render",
+                                                   path("rods.png"),
+                                                   "--view",
+                                                   name,
+                                                   "--size",
+                                                   "240x180",
+                                                   "--samples",
+                                                   "1",
+                                                   "--colour-by",
+                                                   "value",
+                                                   "--range",
+                                                   "0:4",
+                                                   "--colours",
+                                                   listOf(ramp),
+                                                   "--background",
+                                                   "#204060",
+                                                   "--ribbon-width",
+                                                   "1",
+                                                   "--radius",
+                                                   "0.6",
+                                                   "--slices",
+                                                   "64",
+                                                   part,
+                                                   rods};
+                if (perspective)
+                    arguments.push_back("--perspective");
+                ASSERT_EQ(run(arguments).status, 0);
+                const QImage scene = picture("rods.png").copy(0, 0, 240, 145); // no legend
+                for (int rod = 0; rod < 5; ++rod) {
+                    const QColor expected = onRamp(ramp, rod / 4.0);
+                    const auto is = [&](const QColor& c) { return distance(c, expected) <= 2; };
+                    EXPECT_GT(countPixels(scene, is), 60) << expected.name().toStdString();
+                }
+            }
+        }
+    }
+}
+
+TEST_F(StrandviewTest, TheBarOfALegendHasTheRampsColours)
+{
+    const std::string rods = write("rods.txt", fiveTurnedToTheLight(Side::Z));
+    for (const std::vector<QColor>& ramp : RAMPS) {
+        SCOPED_TRACE(listOf(ramp));
+        ASSERT_EQ(run({"--render", path("rods.png"), "--size", "800x600", "--colour-by", "value",
+                       "--colours", listOf(ramp), "--samples", "1", rods})
+                      .status,
+                  0);
+        const QImage image = picture("rods.png");
+        // The bar is 0.7 of the height wide, and its middle 0.0775 of it above the bottom.
+        for (int x = 195; x < 605; ++x) {
+            const double t = 0.5 + (x + 0.5 - 400) / (0.7 * 600);
+            EXPECT_LE(distance(image.pixelColor(x, 553), onRamp(ramp, t)), 2) << x;
+        }
+    }
+}
+
+TEST_F(StrandviewTest, ColoursOfDataStillShowTheShape)
+{
+    const std::string rods = write("rods.txt", fiveTurnedToTheLight(Side::Z));
+    ASSERT_EQ(run({"--render", path("rods.png"), "--size", "240x180", "--colour-by", "value",
+                   "--colours", "white,white", "--no-ribbon", "--radius", "0.6", rods})
+                  .status,
+              0);
+    const auto isShade = [](const QColor& c) { return c.value() > 60 && c.value() < 200; };
+    EXPECT_GT(countPixels(picture("rods.png"), isShade), 2000) << "white tubes on white";
 }
 
 TEST_F(StrandviewTest, TheTicksOfALegendAreTwoPixelsWideWithAnySamples)

@@ -777,6 +777,66 @@ TEST_F(MainWindowTest, TheLegendStaysAsItIsHoweverTheSceneIsSeen)
     EXPECT_TRUE(comesToShow([&](const QImage& p) { return p != before; }));
 }
 
+bool isBlue(const QColor& colour) { return colour.blue() > 200 && colour.green() < 60; }
+
+TEST_F(MainWindowTest, ColoursOfDataAreSwitchedOffAndOn)
+{
+    options.colourBy = "arclength"; // on the left the rod is blue, and so is the legend
+    open({write("straight.txt", STRAIGHT)});
+    const auto legend = [](const QImage& p) {
+        return p.copy(0, p.height() * 9 / 10, p.width() * 3 / 4, p.height() / 10);
+    };
+    const auto isColoured = [&](const QImage& p) {
+        return count(p, isBlue) > 500 && count(legend(p), isBlue) > 20;
+    };
+    const auto isPlain = [&](const QImage& p) {
+        return count(p, isBlue) < 50 && count(legend(p), isBlue) == 0 &&
+               count(p, isRed) > p.width() * p.height() / 50;
+    };
+    ASSERT_TRUE(comesToShow(isColoured));
+    const CameraNumbers withLegend = window->getCameraNumbers();
+    QAction* colours = action("Colours of data");
+    EXPECT_TRUE(colours->isEnabled() && colours->isCheckable() && colours->isChecked());
+    colours->trigger();
+    EXPECT_TRUE(comesToShow(isPlain));
+    EXPECT_FALSE(colours->isChecked());
+    EXPECT_FALSE(window->getCameraNumbers() == withLegend) << "the legend's room is free";
+
+    window->openFiles({QString::fromStdString(write("other.txt", STRAIGHT))});
+    EXPECT_TRUE(comesToShow(isPlain)) << "of other files, too";
+    colours->trigger();
+    EXPECT_TRUE(comesToShow(isColoured));
+    EXPECT_TRUE(window->getCameraNumbers() == withLegend);
+
+    press(Qt::Key_A);
+    const CameraNumbers moved = window->getCameraNumbers();
+    colours->trigger();
+    EXPECT_TRUE(window->getCameraNumbers() == moved) << "what the user moved stays";
+}
+
+TEST_F(MainWindowTest, AFileWithoutTheScalarIsShownInItsOwnColours)
+{
+    const std::string heat = "x y z qx qy qz qw heat\n"
+                             "0 0 0 0 0.70710678 0 0.70710678 1\n"
+                             "2 0 0 0 0.70710678 0 0.70710678 3\n";
+    const QString with = QString::fromStdString(write("heat.txt", heat));
+    const QString without = QString::fromStdString(write("straight.txt", STRAIGHT));
+    options.colourBy = "heat";
+    open({with.toStdString()});
+    const auto isColoured = [](const QImage& p) { return count(p, isBlue) > 500; };
+    ASSERT_TRUE(comesToShow(isColoured));
+
+    options.colourIfPossible = true; // as the program has it from then on
+    window->openFiles({without});
+    EXPECT_TRUE(comesToShowTheRod());
+    EXPECT_THAT(statusText(), HasSubstr("not coloured"));
+    EXPECT_THAT(statusText(), HasSubstr("found no scalar 'heat'"));
+    EXPECT_FALSE(action("Colours of data")->isEnabled());
+    window->openFiles({with});
+    EXPECT_TRUE(comesToShow(isColoured));
+    EXPECT_TRUE(action("Colours of data")->isEnabled());
+}
+
 TEST_F(MainWindowTest, TheZoomFieldShowsTheZoomAndTakesAnother)
 {
     open({write("straight.txt", STRAIGHT)});
