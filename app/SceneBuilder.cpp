@@ -8,6 +8,8 @@
 #include <Inventor/SoDB.h>
 #include <Inventor/SoInteraction.h>
 #include <Inventor/actions/SoGetBoundingBoxAction.h>
+#include <Inventor/actions/SoSearchAction.h>
+#include <Inventor/nodes/SoCube.h>
 #include <Inventor/nodes/SoMaterial.h>
 #include <Inventor/nodes/SoMaterialBinding.h>
 #include <Inventor/nodes/SoScale.h>
@@ -46,6 +48,9 @@ const std::array<Colour, 7> TUBE_COLOURS{{{0.34f, 0.61f, 0.82f},
                                           {0.55f, 0.55f, 0.55f}}};
 
 const Colour GLYPH_COLOUR{0.80f, 0.20f, 0.15f};
+
+// Dark enough to be seen on white where a highlight is added, and on black in the shade.
+const Colour PAIR_COLOUR{0.30f, 0.42f, 0.58f};
 
 SbColor toSbColor(const Colour& colour) { return SbColor(colour.red, colour.green, colour.blue); }
 
@@ -143,6 +148,21 @@ SbRotation toSbRotation(const algebra3d::Quaternion<double>& q)
 Vector3<double> toVector(const Colour& colour)
 {
     return Vector3<double>(double(colour.red), double(colour.green), double(colour.blue));
+}
+
+// Makes of the box that all pairs share a plate: thinner than the boxes of the bases, with
+// which it would share faces otherwise, and as much wider that its rim is seen around them.
+void makePlate(SoDNA& dna)
+{
+    const float rim = 0.8f, thickness = 0.5f; // in ångström
+    SoSearchAction search;
+    search.setType(SoCube::getClassTypeId());
+    search.setSearchingAll(TRUE);
+    search.apply(dna.getChild(0));
+    auto* box = static_cast<SoCube*>(search.getPath()->getTail());
+    box->width = box->width.getValue() + 2 * rim;
+    box->height = box->height.getValue() + 2 * rim;
+    box->depth = thickness;
 }
 
 // Builds one scene. An add...() that can fail returns one line that says why, or nothing.
@@ -263,6 +283,9 @@ private:
                           toAngstrom(dna.points1), dna.rotations1, toAngstrom(dna.points2),
                           dna.rotations2);
             node->generate();
+            node->setBasepairColour(toVector(PAIR_COLOUR));
+            if (style.dna.baseBoxes && style.dna.pairBoxes)
+                makePlate(*node);
             auto* group = new SoSeparator;
             auto* scale = new SoScale;
             const float factor = float(scaled(style.dna.angstrom));

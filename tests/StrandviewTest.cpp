@@ -558,6 +558,69 @@ TEST_F(StrandviewTest, ColoursByEveryBuiltInScalarOfAnyRod)
     }
 }
 
+TEST_F(StrandviewTest, EveryLookOfADnaIsSeenOnWhiteAndOnBlack)
+{
+    for (const char* look : {"atoms", "bases", "pairs", "bases,pairs", "atoms,pairs"}) {
+        for (const char* view : {"x", "y", "z"}) {
+            SCOPED_TRACE(look);
+            SCOPED_TRACE(view);
+            const auto render = [&](const char* background) {
+                EXPECT_EQ(run({"--render", path("dna.png"), "--size", "200x150", "--samples", "1",
+                               "--dna", look, "--view", view, "--background", background,
+                               SAMPLES_FOLDER "/dna_bent.txt"})
+                              .status,
+                          0);
+                return picture("dna.png");
+            };
+            const QImage onWhite = render("white"), onBlack = render("black");
+            int covered = 0, seenOnWhite = 0, seenOnBlack = 0;
+            for (int y = 0; y < 150; ++y) {
+                for (int x = 0; x < 200; ++x) {
+                    if (onWhite.pixel(x, y) != onBlack.pixel(x, y))
+                        continue;
+                    ++covered;
+                    seenOnWhite += distance(onWhite.pixelColor(x, y), Qt::white) > 60;
+                    seenOnBlack += distance(onBlack.pixelColor(x, y), Qt::black) > 30;
+                }
+            }
+            EXPECT_GT(covered, 500);
+            EXPECT_GT(seenOnWhite, 0.95 * covered); // all but the atoms' highlights
+            EXPECT_GT(seenOnBlack, 0.85 * covered);
+        }
+    }
+}
+
+// One pair whose three frames are one, in the plane of x and y.
+const char* const FLAT_PAIR = "C 0 0 0 0 0 0 1 0 0 0 0 0 0 1 0 0 0 0 0 0 1\n";
+
+TEST_F(StrandviewTest, APairsPlateIsSeenAroundItsBasesAndShinesThroughNowhere)
+{
+    const std::string pair = write("pair.txt", FLAT_PAIR);
+    const std::string camera = "orthographic,0,0,40,0,0,0,1,40,16";
+    for (const std::string& from : {camera, std::string("orthographic,0,0,-40,0,1,0,0,40,16"),
+                                    std::string("perspective,0,0,40,0,0,0,1,40,0.4")}) {
+        SCOPED_TRACE(from);
+        const auto render = [&](const char* look) {
+            EXPECT_EQ(run({"--render", path("pair.png"), "--size", "200x200", "--samples", "1",
+                           "--dna", look, "--camera", from, pair})
+                          .status,
+                      0);
+            return picture("pair.png");
+        };
+        const QImage bases = render("bases"), both = render("bases,pairs");
+        int plate = 0;
+        for (int y = 0; y < 200; ++y) {
+            for (int x = 0; x < 200; ++x) {
+                if (bases.pixelColor(x, y) == QColor(Qt::white))
+                    plate += both.pixelColor(x, y) != QColor(Qt::white);
+                else
+                    EXPECT_EQ(both.pixel(x, y), bases.pixel(x, y)) << x << ", " << y;
+            }
+        }
+        EXPECT_GT(plate, 1000);
+    }
+}
+
 // A flat cross of three arms that differ: along x to 1, along y to 2, along z to 4.
 const char* const ARMS_JSON = R"({"strandview": 1, "rods": [
     {"points": [[0.3,0,0],[1,0,0]]}, {"points": [[0,0.3,0],[0,2,0]]},
