@@ -36,6 +36,7 @@ const std::vector<KeyGroup>& keyHelp()
           {"Return", "shows or hides wheels and buttons"}}},
         {"Program",
          {{"Ctrl + O", "opens files; they can also be dropped on the window"},
+          {"Esc", "while files are loaded: stops that, and what was shown stays"},
           {"Ctrl + P", "saves a picture of the view"},
           {"I", "saves a screenshot of any size"},
           {"Ctrl + K", "copies the camera, for --camera"},

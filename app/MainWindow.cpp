@@ -3,6 +3,7 @@
 
 #include <cstdlib>
 #include <iostream>
+#include <utility>
 
 #include <Inventor/Qt/SoQt.h>
 #include <Inventor/actions/SoGLRenderAction.h>
@@ -38,10 +39,14 @@
 #include "Camera.h"
 #include "DataScene.h"
 #include "Keys.h"
+#include "LoadBar.h"
 #include "PictureWriter.h"
 #include "StatusText.h"
 
 namespace {
+
+// What is loaded sooner is shown without a word about loading it.
+const std::chrono::milliseconds PATIENCE(200);
 
 const int RECENT_FILE_COUNT = 8;
 const char* const RECENT_FILES = "recentFiles";
@@ -121,6 +126,17 @@ QString titleFor(const std::vector<std::string>& files)
     return title + " - strandview";
 }
 
+// Standard input is no file to open again.
+QStringList namesOf(const std::vector<std::string>& files)
+{
+    QStringList names;
+    for (const std::string& file : files) {
+        if (file != "-")
+            names.append(QString::fromStdString(file));
+    }
+    return names;
+}
+
 QStringList localFiles(const QMimeData& data)
 {
     QStringList files;
@@ -133,8 +149,8 @@ QStringList localFiles(const QMimeData& data)
 
 } // namespace
 
-// Lets the window see the size that pictures take and what is clicked, and leaves the home to
-// it.
+// Lets the window see the size that pictures take, what is clicked and when a frame is drawn, and
+// leaves the home to it.
 class MainWindow::Viewer : public SoQtGeneralViewer
 {
 public:
@@ -158,6 +174,9 @@ public:
     }
     void resetToHomePosition() override { window.place(window.home); }
 
+    /// Called once, after the next frame.
+    std::function<void()> onDrawn;
+
     using SoQtGeneralViewer::getGLSize;
 
     SbBool processSoEvent(const SoEvent* const event) override
@@ -180,6 +199,14 @@ public:
     bool hasPicked = false;       ///< in the event that is being processed
     std::function<void()> onMiss; ///< called after a click beside everything
     std::function<void()> onMode; ///< called after a change between turning and picking
+
+protected:
+    void actualRedraw() override
+    {
+        SoQtGeneralViewer::actualRedraw();
+        if (const auto tell = std::exchange(onDrawn, nullptr))
+            tell();
+    }
 
 private:
     bool isPick(const SoEvent* event) const
@@ -238,6 +265,8 @@ MainWindow::MainWindow(const Options& startOptions, Loader sceneLoader)
     statusBar->addPermanentWidget(modeLabel);
     ownedViewer->onMiss = [this] { statusText->tell({}); };
     ownedViewer->onMode = [this] { followMode(); };
+    loadBar = new LoadBar(stopAction, statusBar);
+    statusBar->addWidget(loadBar, 1);
     layout->addWidget(statusBar);
     setupUi();
 
@@ -270,6 +299,8 @@ bool MainWindow::hasScene() const { return scene; }
 
 CameraNumbers MainWindow::getCameraNumbers() const { return numbersOf(*viewer->getCamera()); }
 
+// Loading
+
 void MainWindow::openFiles(const QStringList& names)
 {
     std::vector<std::string> files;
@@ -277,20 +308,73 @@ void MainWindow::openFiles(const QStringList& names)
         files.push_back(name.toStdString());
     if (files.empty())
         return;
-    QApplication::setOverrideCursor(Qt::WaitCursor);
-    ReadReport report;
-    DataScene* loaded = loader(files, report);
-    QApplication::restoreOverrideCursor();
-    if (!loaded) {
+    follow(std::make_unique<LoadJob>(files, loader),
+           [this, files](const ReadReport& report) { tellOpened(files, report); });
+    if (job->waitFor(PATIENCE))
+        job->finish();
+}
+
+void MainWindow::follow(std::unique_ptr<LoadJob> newJob,
+                        std::function<void(const ReadReport&)> tell)
+{
+    stopLoading();
+    job = std::move(newJob);
+    showLoading();
+    connect(job.get(), &LoadJob::progressed, loadBar, &LoadBar::setText);
+    connect(job.get(), &LoadJob::finished, this,
+            [this, tell](DataScene* loaded, const ReadReport& report) {
+                LoadJob* const ended = job.release();
+                ended->deleteLater(); // not before it returns
+                showLoading();
+                if (loaded) {
+                    showDrawing();
+                    showScene(loaded, ended->getFiles());
+                    rememberFiles(namesOf(ended->getFiles()));
+                }
+                tell(report);
+                emit loadingEnded();
+            });
+}
+
+void MainWindow::tellOpened(const std::vector<std::string>& files, const ReadReport& report)
+{
+    if (!report.error.empty()) {
         tellFailure(this, "Cannot open", report.error);
         return;
     }
-    showScene(loaded, files);
-    rememberFiles(names);
     std::vector<Told> notices;
     for (const std::string& notice : report.notices)
         notices.push_back(toldOf(notice, files));
     statusText->tell(notices);
+}
+
+void MainWindow::stopLoading()
+{
+    if (!job)
+        return;
+    job.release()->abandonTo(this);
+    showLoading();
+    emit loadingEnded();
+}
+
+bool MainWindow::isLoading() const { return job != nullptr; }
+
+// The first frame of much data takes long, and the window does not answer then.
+void MainWindow::showDrawing()
+{
+    loadBar->setText("Drawing");
+    loadBar->show();
+    loadBar->repaint();
+    ownedViewer->onDrawn = [this] { showLoading(); };
+}
+
+// Only while something is loaded is Esc the key that stops it.
+void MainWindow::showLoading()
+{
+    ownedViewer->onDrawn = nullptr;
+    loadBar->setText("");
+    loadBar->setVisible(isLoading());
+    stopAction->setEnabled(isLoading());
 }
 
 // Camera
@@ -525,6 +609,7 @@ void MainWindow::restoreWindow()
 
 void MainWindow::done(int result)
 {
+    stopLoading();
     if (!options.windowSize)
         QSettings().setValue(GEOMETRY, saveGeometry());
     SoQtGeneralViewerDialog::done(result);
@@ -552,6 +637,10 @@ void MainWindow::buildFileMenu(QMenu& menu)
                                    this, &MainWindow::chooseFiles, QKeySequence("Ctrl+O"));
     recentMenu = menu.addMenu("Open &recent");
     connect(recentMenu, &QMenu::aboutToShow, this, &MainWindow::updateRecentMenu);
+    stopAction = menu.addAction("S&top loading", this, &MainWindow::stopLoading,
+                                QKeySequence(Qt::Key_Escape));
+    stopAction->setIconText("Stop");
+    stopAction->setEnabled(false);
     menu.addSeparator();
     QAction* save =
         menu.addAction(style()->standardIcon(QStyle::SP_DialogSaveButton), "&Save a picture...",
@@ -718,34 +807,63 @@ std::string saveWindow(const QWidget& window, const std::string& file)
     return saveImage(image.convertToFormat(QImage::Format_RGB888), file);
 }
 
-// Standard input is no file to open again.
-QStringList namesOf(const std::vector<std::string>& files)
+void tellNotices(const ReadReport& report)
 {
-    QStringList names;
-    for (const std::string& file : files) {
-        if (file != "-")
-            names.append(QString::fromStdString(file));
-    }
-    return names;
+    for (const std::string& notice : report.notices)
+        std::cerr << "strandview: " << notice << "\n";
 }
 
 } // namespace
 
-std::string runWindow(const Options& options, DataScene* scene, MainWindow::Loader loader)
+std::string runWindow(const Options& options, const MainWindow::Loader& loader, ReadReport& report,
+                      const MainWindow::Loader& first)
 {
-    MainWindow window(options, std::move(loader));
+    std::unique_ptr<LoadJob> begun;
+    DataScene* scene = nullptr;
+    if (!options.files.empty()) {
+        begun = std::make_unique<LoadJob>(options.files, first ? first : loader);
+        if (begun->waitFor(PATIENCE)) {
+            QObject::connect(begun.get(), &LoadJob::finished,
+                             [&](DataScene* loaded, const ReadReport& loadReport) {
+                                 scene = loaded;
+                                 report = loadReport;
+                             });
+            begun->finish();
+            begun.reset();
+            if (!scene)
+                return "";
+        }
+    }
+
+    MainWindow window(options, loader);
     if (scene) {
         window.showScene(scene, options.files);
         MainWindow::rememberFiles(namesOf(options.files));
+        tellNotices(report);
+    }
+    if (begun) {
+        window.follow(std::move(begun), [&](const ReadReport& loadReport) {
+            report = loadReport;
+            if (report.error.empty())
+                tellNotices(report);
+            else
+                window.close();
+        });
     }
     window.show();
     std::string failure;
     if (options.windowPicture) {
         failure = *options.windowPicture + ": the window was closed before its picture was taken";
-        QTimer::singleShot(int(1000 * options.windowPictureAfter), &window, [&] {
-            failure = saveWindow(window, *options.windowPicture);
-            window.close();
-        });
+        const auto takePicture = [&] {
+            QTimer::singleShot(int(1000 * options.windowPictureAfter), &window, [&] {
+                failure = saveWindow(window, *options.windowPicture);
+                window.close();
+            });
+        };
+        if (window.isLoading())
+            QObject::connect(&window, &MainWindow::loadingEnded, takePicture);
+        else
+            takePicture();
     }
     SoQt::mainLoop();
     if (options.printCamera && window.hasScene())

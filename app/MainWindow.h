@@ -11,10 +11,12 @@
 
 #include <SoQtGeneralViewerDialog.h>
 
+#include "LoadJob.h"
 #include "Options.h"
 #include "readers/ReadReport.h"
 
 class DataScene;
+class LoadBar;
 class QAction;
 class QLabel;
 class QMenu;
@@ -31,9 +33,7 @@ class MainWindow : public SoQtGeneralViewerDialog
     Q_OBJECT
 
 public:
-    /// Makes the scene of some files: null, and report.error, if it cannot.
-    using Loader =
-        std::function<DataScene*(const std::vector<std::string>& files, ReadReport& report)>;
+    using Loader = LoadJob::Loader;
 
     MainWindow(const Options& options, Loader loader);
     ~MainWindow() override;
@@ -46,6 +46,15 @@ public:
     CameraNumbers getCameraNumbers() const;
     bool hasScene() const;
 
+    /// Shows the scene of a job when it is there, and then tells of success or failure. What
+    /// is being loaded is stopped.
+    void follow(std::unique_ptr<LoadJob> newJob, std::function<void(const ReadReport&)> tell);
+    bool isLoading() const;
+
+signals:
+    /// Nothing is being loaded any more: it is shown, has failed or was stopped.
+    void loadingEnded();
+
 public slots:
     void update3DZoom() override;
     /// And gives the keyboard back to the view.
@@ -53,9 +62,11 @@ public slots:
 
     // File
     void chooseFiles();
-    /// Loads and shows the files; tells in a message box if it cannot, and shows what it
-    /// showed.
+    /// Loads the files, which stops what is being loaded, and shows them then; tells in a
+    /// message box if it cannot, and shows what it showed. What takes long is not waited for.
     void openFiles(const QStringList& files);
+    /// What is shown stays.
+    void stopLoading();
     void choosePicture();
     /// Writes what the view shows, with smooth edges; tells in a message box if it cannot.
     void savePicture(const QString& file);
@@ -98,6 +109,9 @@ private:
 
     void updateRecentMenu();
     void restoreWindow();
+    void showLoading();
+    void showDrawing();
+    void tellOpened(const std::vector<std::string>& files, const ReadReport& report);
 
     void place(const CameraRequest& request);
     void fit();
@@ -114,11 +128,14 @@ private:
     std::unique_ptr<QObject> redrawer;
     DataScene* scene = nullptr; // kept by the viewer
     std::optional<CameraNumbers> fitted;
-    CameraRequest home; ///< where the scene is seen from at the beginning
+    CameraRequest home;           ///< where the scene is seen from at the beginning
+    std::unique_ptr<LoadJob> job; // at work, else null
 
     QToolBar* tools = nullptr;
     StatusText* statusText = nullptr;
     QLabel* modeLabel = nullptr; // turning or picking
+    LoadBar* loadBar = nullptr;
+    QAction* stopAction = nullptr;
     QMenu* recentMenu = nullptr;
     QAction* perspectiveAction = nullptr;
     // Ticked as the viewer is, whoever changed it.
@@ -130,8 +147,12 @@ private:
     std::vector<QAction*> sceneActions; // that need a scene
 };
 
-/// Shows the scene, or an empty window if it is null, until the user closes it. Returns
-/// one line that says what failed, or nothing.
-std::string runWindow(const Options& options, DataScene* scene, MainWindow::Loader loader);
+/// Loads the options' files, if there are any, and shows them until the user closes the window;
+/// by a loader of their own if there is a first one. What is there soon is
+/// shown at once, and what is refused soon never opens a window; a later refusal closes it: both
+/// give report.error. Notices go to standard error. Returns one line that says what failed of the
+/// window itself, or nothing.
+std::string runWindow(const Options& options, const MainWindow::Loader& loader, ReadReport& report,
+                      const MainWindow::Loader& first = nullptr);
 
 #endif

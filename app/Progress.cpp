@@ -13,17 +13,19 @@ const char* const ERASE_LINE = "\r\033[K";
 
 } // namespace
 
-Progress::Progress() : terminal(isatty(STDERR_FILENO) != 0), next(Clock::now() + PATIENCE) {}
+TerminalProgress::TerminalProgress()
+    : terminal(isatty(STDERR_FILENO) != 0), next(Clock::now() + PATIENCE)
+{}
 
-Progress::~Progress() { hide(); }
+TerminalProgress::~TerminalProgress() { hide(); }
 
-void Progress::show(const std::string& text)
+void TerminalProgress::show(const std::string& text)
 {
     if (Clock::now() >= next)
         announce(text);
 }
 
-void Progress::announce(const std::string& text)
+void TerminalProgress::announce(const std::string& text)
 {
     if (!terminal)
         return;
@@ -32,7 +34,7 @@ void Progress::announce(const std::string& text)
     next = Clock::now() + INTERVAL;
 }
 
-void Progress::hide()
+void TerminalProgress::hide()
 {
     if (shown)
         std::cerr << ERASE_LINE << std::flush;

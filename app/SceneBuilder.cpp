@@ -165,20 +165,46 @@ void makePlate(SoDNA& dna)
     box->depth = thickness;
 }
 
+std::vector<Vector3<double>> toScene(const std::vector<Vector3<double>>& points,
+                                     const Placement& placement)
+{
+    std::vector<Vector3<double>> placed;
+    placed.reserve(points.size());
+    for (const Vector3<double>& point : points)
+        placed.push_back(placement.toScene(point));
+    return placed;
+}
+
+// "Building rod 2 of 7".
+std::string whichOf(const char* what, std::size_t index, std::size_t count)
+{
+    return what + (" " + std::to_string(index + 1)) + " of " + std::to_string(count);
+}
+
+const char* const STOPPED = "building the scene was stopped";
+
+// Made frames are shown only if somebody asks for a ribbon.
+bool showsRibbon(const Style& style, const Rod& rod)
+{
+    return style.showRibbon && (rod.hasFrames || style.showMadeFrames);
+}
+
 // Builds one scene. An add...() that can fail returns one line that says why, or nothing.
 class Builder
 {
 public:
-    Builder(const Configuration& shownData, const Placement& dataPlacement, const Style& shownStyle,
+    Builder(const Configuration& shownData, SceneGeometry dataGeometry, const Style& shownStyle,
             const Colouring* rodColouring, Progress& shownProgress)
         : data(shownData),
           style(shownStyle),
           colouring(rodColouring),
           progress(shownProgress),
-          placement(dataPlacement),
+          placement(dataGeometry.placement),
+          geometry(std::move(dataGeometry)),
           scene(new DataScene(placement))
     {
         scene->ref();
+        scene->setSide(geometry.side);
     }
     ~Builder()
     {
@@ -192,14 +218,12 @@ public:
 
     std::string build()
     {
-        for (const auto add :
-             {&Builder::addRods, &Builder::addBirods, &Builder::addMarkers, &Builder::addArrows}) {
+        for (const auto add : {&Builder::addRods, &Builder::addBirods, &Builder::addMarkers,
+                               &Builder::addArrows, &Builder::addDnas, &Builder::addFrames}) {
             const std::string error = (this->*add)();
             if (!error.empty())
                 return error;
         }
-        addDnas();
-        addFrames();
         if (colouring)
             scene->addLegend(makeLegend(*colouring, style.background));
         return "";
@@ -216,14 +240,14 @@ private:
     std::string addRods()
     {
         for (std::size_t i = 0; i < data.rods.size(); ++i) {
-            progress.show("Building rod " + std::to_string(i + 1) + " of " +
-                          std::to_string(data.rods.size()));
+            if (!tell("Showing rod", i, data.rods.size()))
+                return STOPPED;
             const Rod& rod = data.rods[i];
-            const bool showRibbon = style.showRibbon && (rod.hasFrames || style.showMadeFrames);
-            auto* node =
-                new SoRod(scaled(style.radius), scaled(style.ribbonWidth), style.slices,
-                          style.subsegments, style.showTube, showRibbon, style.twoSidedRibbon);
-            node->setData(toScene(rod.points), rod.rotations);
+            auto* node = new SoRod(scaled(style.radius), scaled(style.ribbonWidth), style.slices,
+                                   style.subsegments, style.showTube, showsRibbon(style, rod),
+                                   style.twoSidedRibbon);
+            node->setData(std::move(geometry.rods[i].points), rod.rotations,
+                          std::move(geometry.rods[i].meshes));
             auto* group = new SoSeparator;
             SoMaterial* material = makeMaterial(style, i);
             if (colouring && !colouring->places[i].empty())
@@ -231,11 +255,6 @@ private:
             else
                 group->addChild(material);
             add(group, node, rod.origin);
-            const std::string error = checkInterpolation(
-                *node->getTubeMesh(), showRibbon ? node->getRibbonMesh() : nullptr, rod.origin,
-                style.ribbonWidth);
-            if (!error.empty())
-                return error;
         }
         return "";
     }
@@ -244,6 +263,8 @@ private:
     std::string addBirods()
     {
         for (std::size_t i = 0; i < data.birods.size(); ++i) {
+            if (!tell("Building birod", i, data.birods.size()))
+                return STOPPED;
             const Birod& birod = data.birods[i];
             auto* node = new SoBirod(scaled(0.6 * style.radius), scaled(style.radius),
                                      scaled(style.ribbonWidth), scaled(style.ribbonWidth), 0, 0,
@@ -269,11 +290,11 @@ private:
     }
 
     // A DNA is built in ångström, the unit of its atoms, and scaled to the scene.
-    void addDnas()
+    std::string addDnas()
     {
         for (std::size_t i = 0; i < data.dnas.size(); ++i) {
-            progress.show("Building DNA " + std::to_string(i + 1) + " of " +
-                          std::to_string(data.dnas.size()));
+            if (!tell("Building DNA", i, data.dnas.size()))
+                return STOPPED;
             const Dna& dna = data.dnas[i];
             auto* node = new SoDNA;
             node->showAtoms(style.dna.atoms);
@@ -295,6 +316,7 @@ private:
             scene->addNamed(group, node, dna.origin);
             scene->extendBox(boxOfDna(dna));
         }
+        return "";
     }
 
     std::string addMarkers()
@@ -303,6 +325,11 @@ private:
         scale->ref();
         std::string error;
         for (const Marker& marker : data.markers) {
+            if (!tell("Building marker", std::size_t(&marker - data.markers.data()),
+                      data.markers.size())) {
+                error = STOPPED;
+                break;
+            }
             Colour colour = GLYPH_COLOUR;
             error = readColour(marker.colour, marker.origin, colour);
             if (!error.empty())
@@ -326,6 +353,9 @@ private:
     std::string addArrows()
     {
         for (const Arrow& arrow : data.arrows) {
+            if (!tell("Building arrow", std::size_t(&arrow - data.arrows.data()),
+                      data.arrows.size()))
+                return STOPPED;
             Colour colour = GLYPH_COLOUR;
             const std::string error = readColour(arrow.colour, arrow.origin, colour);
             if (!error.empty())
@@ -342,9 +372,12 @@ private:
         return "";
     }
 
-    void addFrames()
+    std::string addFrames()
     {
         for (const Frame& frame : data.frames) {
+            if (!tell("Building frame", std::size_t(&frame - data.frames.data()),
+                      data.frames.size()))
+                return STOPPED;
             auto* group = new SoSeparator;
             auto* transform = new SoTransform;
             const float size = float(scaled(frame.size.value_or(2 * style.glyphSize)));
@@ -354,6 +387,14 @@ private:
             group->addChild(transform);
             add(group, new SoFrame({1, 0, 0}, {0, 0.8, 0}, {0, 0, 1}), frame.origin);
         }
+        return "";
+    }
+
+    // Says what is being built, in a file's order; whether to go on.
+    bool tell(const char* what, std::size_t index, std::size_t count)
+    {
+        progress.show(whichOf(what, index, count));
+        return !progress.isStopped();
     }
 
     void add(SoSeparator* group, SoNode* node, const std::string& name)
@@ -427,11 +468,7 @@ private:
 
     std::vector<Vector3<double>> toScene(const std::vector<Vector3<double>>& points) const
     {
-        std::vector<Vector3<double>> placed;
-        placed.reserve(points.size());
-        for (const Vector3<double>& point : points)
-            placed.push_back(placement.toScene(point));
-        return placed;
+        return ::toScene(points, placement);
     }
 
     std::vector<Vector3<double>> toAngstrom(const std::vector<Vector3<double>>& points) const
@@ -448,6 +485,7 @@ private:
     const Colouring* colouring;
     Progress& progress;
     const Placement placement;
+    SceneGeometry geometry; // goes over into the nodes
     DataScene* const scene;
     bool taken = false;
 };
@@ -470,18 +508,51 @@ void initialiseScene()
     SoOverlay::initClass();
 }
 
-DataScene* buildScene(const Configuration& configuration, const Style& style,
-                      const Colouring* colouring, Progress& progress, std::string& error)
+SceneGeometry computeGeometry(const Configuration& configuration, const Style& style,
+                              Progress& progress, std::string& error)
 {
+    SceneGeometry geometry;
     const Extent extent = measure(configuration);
     error = checkSize(extent, style);
     if (!error.empty())
-        return nullptr;
-    Builder builder(configuration, choosePlacement(extent, style), style, colouring, progress);
+        return geometry;
+    geometry.placement = choosePlacement(extent, style);
+    geometry.side = thinnestSide(extent);
+    const double scale = geometry.placement.scale;
+    const std::vector<Rod>& rods = configuration.rods;
+    geometry.rods.reserve(rods.size());
+    for (std::size_t i = 0; i < rods.size() && error.empty(); ++i) {
+        progress.show(whichOf("Building rod", i, rods.size()));
+        SceneGeometry::Rod rod;
+        rod.points = toScene(rods[i].points, geometry.placement);
+        rod.meshes = SoRod::makeMeshes(rod.points, rods[i].rotations, scale * style.radius,
+                                       scale * style.ribbonWidth, style.slices, style.subsegments,
+                                       style.twoSidedRibbon);
+        error = progress.isStopped()
+                    ? STOPPED
+                    : checkInterpolation(*rod.meshes.tube,
+                                         showsRibbon(style, rods[i]) ? rod.meshes.ribbon.get()
+                                                                     : nullptr,
+                                         rods[i].origin, style.ribbonWidth);
+        geometry.rods.push_back(std::move(rod));
+    }
+    return geometry;
+}
+
+DataScene* buildScene(const Configuration& configuration, const Style& style,
+                      const Colouring* colouring, SceneGeometry geometry, Progress& progress,
+                      std::string& error)
+{
+    Builder builder(configuration, std::move(geometry), style, colouring, progress);
     error = builder.build();
-    if (!error.empty())
-        return nullptr;
-    DataScene* scene = builder.take();
-    scene->setSide(thinnestSide(extent));
-    return scene;
+    return error.empty() ? builder.take() : nullptr;
+}
+
+DataScene* buildScene(const Configuration& configuration, const Style& style,
+                      const Colouring* colouring, Progress& progress, std::string& error)
+{
+    SceneGeometry geometry = computeGeometry(configuration, style, progress, error);
+    return error.empty()
+               ? buildScene(configuration, style, colouring, std::move(geometry), progress, error)
+               : nullptr;
 }

@@ -24,7 +24,7 @@ int fail(ExitStatus status, const std::string& message)
 
 int renderPicture(const Options& options, DataScene* scene)
 {
-    Progress progress;
+    TerminalProgress progress;
     progress.announce("Rendering " + *options.picture);
     CameraNumbers camera;
     const std::string failure =
@@ -41,15 +41,20 @@ int renderPicture(const Options& options, DataScene* scene)
     return SUCCESS;
 }
 
-int showWindow(const Options& options, DataScene* scene)
+int showWindow(const Options& options)
 {
     // The command line's scalar need not be one of every file that is opened later.
     Options later = options;
     later.colourIfPossible = true;
-    const std::string failure = runWindow(
-        options, scene, [&later](const std::vector<std::string>& files, ReadReport& report) {
-            return loadScene(files, later, report);
-        });
+    const auto loaderFor = [](const Options& asked) {
+        return
+            [&asked](const std::vector<std::string>& files, ReadReport& report,
+                     Progress& progress) { return prepareScene(files, asked, report, progress); };
+    };
+    ReadReport report;
+    const std::string failure = runWindow(options, loaderFor(later), report, loaderFor(options));
+    if (!report.error.empty())
+        return fail(BAD_INPUT, report.error);
     return failure.empty() ? SUCCESS : fail(CANNOT_WRITE, failure);
 }
 
@@ -80,16 +85,16 @@ int run(int argc, char** argv)
     if (!options.picture)
         initialiseWindows("strandview");
     initialiseScene();
+    if (!options.picture)
+        return showWindow(options);
 
     ReadReport report;
-    DataScene* scene = options.files.empty() ? nullptr : loadScene(options.files, options, report);
-    if (!report.error.empty())
+    DataScene* scene = loadScene(options.files, options, report);
+    if (!scene)
         return fail(BAD_INPUT, report.error);
     // A refusal stays one line: notices are told only when all is well.
     for (const std::string& notice : report.notices)
         std::cerr << "strandview: " << notice << "\n";
-    if (!options.picture)
-        return showWindow(options, scene);
     scene->ref();
     const int status = renderPicture(options, scene);
     scene->unref();

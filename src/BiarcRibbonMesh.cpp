@@ -85,6 +85,12 @@ void BiarcRibbonMesh::samplePointsOnSide(int column, int m, const Curve<::Vector
     setTangent(last, fromBiarc(lastNode(curve, m).tangent));
 }
 
+void BiarcRibbonMesh::forgetCurves()
+{
+    curveA.biarcs = {};
+    curveB.biarcs = {};
+}
+
 const std::vector<double>& BiarcRibbonMesh::getParamValues() const { return paramValues; }
 
 const std::vector<double>& BiarcRibbonMesh::getInterpParamValues() const

@@ -151,6 +151,8 @@ void BiarcTubeMesh::computeMeshAt(int row, Vector centre, Vector tangent, Vector
     fillRing(row, centre, d1, d2);
 }
 
+void BiarcTubeMesh::forgetCurve() { curve.biarcs = {}; }
+
 const std::vector<double>& BiarcTubeMesh::getParamValues() const { return paramValues; }
 
 const std::vector<double>& BiarcTubeMesh::getInterpParamValues() const { return interpParamValues; }

@@ -65,6 +65,10 @@ public:
                        algebra3d::Vector3<double> tangent, algebra3d::Vector3<double>& d1,
                        algebra3d::Vector3<double>& d2);
 
+    /// Frees the curve, which nothing needs once the rings are made: 208 bytes a point.
+    /// generateMesh() then needs another computeCurve().
+    void forgetCurve();
+
     // Arc lengths from the first point
 
     /// One per point.

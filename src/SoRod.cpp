@@ -2,6 +2,7 @@
 #include <SoRod.h>
 
 #include <algorithm>
+#include <utility>
 
 #include <Inventor/actions/SoGLRenderAction.h>
 #include <Inventor/actions/SoGetPrimitiveCountAction.h>
@@ -18,6 +19,27 @@ using Rotation = algebra3d::Quaternion<double>;
 // A rod needs its constructor's arguments, so it has no factory: hence Coin's
 // "abstract" macros for a class that is not abstract.
 SO_NODE_ABSTRACT_SOURCE(SoRod);
+
+namespace {
+
+bool areCorrect(const std::vector<Vector>& points, const std::vector<Rotation>& rotations)
+{
+    return points.size() >= 2 && rotations.size() == points.size() &&
+           isDataCorrect(points, rotations, ROTATION_TOLERANCE);
+}
+
+std::unique_ptr<BiarcRibbonMesh> makeRibbon(const std::vector<Vector>& points,
+                                            const std::vector<Rotation>& rotations, double width,
+                                            int subsegments, bool twoSided,
+                                            BiarcRibbonMesh* replaced)
+{
+    std::vector<Vector> edgeA(points.size());
+    std::vector<Vector> edgeB(points.size());
+    fillRibbonEdges(points, rotations, width, twoSided, edgeA, edgeB);
+    return std::make_unique<BiarcRibbonMesh>(edgeA, edgeB, width, subsegments, replaced);
+}
+
+} // namespace
 
 void SoRod::initClass() { SO_NODE_INIT_ABSTRACT_CLASS(SoRod, SoMeshShape, "SoMeshShape"); }
 
@@ -47,10 +69,38 @@ bool SoRod::setData(const std::vector<Vector>& newPoints, const std::vector<Rota
     return valid;
 }
 
+SoRod::Meshes SoRod::makeMeshes(const std::vector<Vector>& points,
+                                const std::vector<Rotation>& rotations, double tubeRadius,
+                                double ribbonWidth, int slices, int subsegments,
+                                bool twoSidedRibbon)
+{
+    Meshes meshes;
+    if (!areCorrect(points, rotations))
+        return meshes;
+    // The ribbon first, while there is no tube yet: it has two curves, the tube one.
+    meshes.ribbon =
+        makeRibbon(points, rotations, ribbonWidth, subsegments, twoSidedRibbon, nullptr);
+    meshes.ribbon->forgetCurves();
+    meshes.tube = makeFramedTube(points, rotations, tubeRadius, slices, subsegments, nullptr);
+    meshes.tube->forgetCurve();
+    return meshes;
+}
+
+bool SoRod::setData(std::vector<Vector> newPoints, std::vector<Rotation> newRotations,
+                    Meshes meshes)
+{
+    points = std::move(newPoints);
+    rotations = std::move(newRotations);
+    valid = isDataCorrect();
+    tubeMesh = valid ? std::move(meshes.tube) : nullptr;
+    ribbonMesh = valid ? std::move(meshes.ribbon) : nullptr;
+    touch();
+    return valid;
+}
+
 bool SoRod::isDataCorrect()
 {
-    if (points.size() >= 2 && rotations.size() == points.size() &&
-        ::isDataCorrect(points, rotations, ROTATION_TOLERANCE))
+    if (areCorrect(points, rotations))
         return true;
     points.clear();
     rotations.clear();
@@ -86,12 +136,8 @@ void SoRod::generate()
 void SoRod::buildMeshes()
 {
     tubeMesh = makeFramedTube(points, rotations, tubeRadius, slices, subsegments, tubeMesh.get());
-
-    std::vector<Vector> edgeA(points.size());
-    std::vector<Vector> edgeB(points.size());
-    generateRibbonData(points, rotations, ribbonWidth, edgeA, edgeB);
     ribbonMesh =
-        std::make_unique<BiarcRibbonMesh>(edgeA, edgeB, ribbonWidth, subsegments, ribbonMesh.get());
+        makeRibbon(points, rotations, ribbonWidth, subsegments, twoSidedRibbon, ribbonMesh.get());
 }
 
 void SoRod::clear()

@@ -46,6 +46,24 @@ public:
     bool setData(const std::vector<algebra3d::Vector3<double>>& points,
                  const std::vector<algebra3d::Quaternion<double>>& rotations);
 
+    /// Both meshes of a rod.
+    struct Meshes
+    {
+        std::unique_ptr<BiarcTubeMesh> tube;
+        std::unique_ptr<BiarcRibbonMesh> ribbon;
+    };
+    /// The meshes that a rod of these values would generate from such data; null of data
+    /// that are not correct. This touches nothing of Coin, so any thread may do it. The
+    /// meshes have forgotten their curves: see BiarcTubeMesh::forgetCurve().
+    static Meshes makeMeshes(const std::vector<algebra3d::Vector3<double>>& points,
+                             const std::vector<algebra3d::Quaternion<double>>& rotations,
+                             double tubeRadius, double ribbonWidth, int slices, int subsegments,
+                             bool twoSidedRibbon);
+    /// setData() that takes the meshes that makeMeshes() made from the same data with the
+    /// rod's values instead of generating them.
+    bool setData(std::vector<algebra3d::Vector3<double>> points,
+                 std::vector<algebra3d::Quaternion<double>> rotations, Meshes meshes);
+
     /// At least 2 points, as many rotations, each of them a unit quaternion within
     /// 0.01. Otherwise false, and both sequences are emptied.
     bool isDataCorrect();

@@ -414,6 +414,20 @@ TEST(BiarcTubeMesh, CanBeFilledAnewFromAnotherCurve)
     expectSameMeshes(mesh, withEnds);
 }
 
+TEST(BiarcTubeMesh, RingsOutliveTheCurve)
+{
+    const Vector start(1, 0.2, 0.3), end(0.1, 1, 0.5);
+    BiarcTubeMesh expected = meshWithEndTangents(BENT, start, end);
+    BiarcTubeMesh mesh = meshWithEndTangents(BENT, start, end);
+    mesh.forgetCurve();
+    expectSameMeshes(mesh, expected);
+
+    mesh.generateMesh(int(BENT.size())); // without a curve, as a mesh that never had one
+    expectSameMeshes(mesh, expected);
+    mesh.generateMesh(mesh.computeCurve(BENT, start, end));
+    expectSameMeshes(mesh, expected);
+}
+
 TEST(BiarcTubeMesh, StopsEarlyWhereTheCurveHasFewerNodes)
 {
     // Three nodes where five are asked for: rows for five, filled as far as there are

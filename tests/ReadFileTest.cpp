@@ -2,6 +2,7 @@
 #include "readers/readFile.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -16,6 +17,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "readers/JsonReader.h"
 #include "readers/TableReader.h"
@@ -25,8 +27,11 @@ namespace {
 
 using algebra3d::Quaternion;
 using algebra3d::Vector3;
+using testing::AllOf;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::StartsWith;
 
 const std::string table = "0 0 0 0 0 0 1\n0 0 1 0 0 0 1\n";
 const std::string json = R"( {"strandview": 1, "rods": [{"points": [[0, 0, 0], [0, 0, 1]],
@@ -202,6 +207,64 @@ TEST_F(ReadFile, PassesTheOptionsOn)
                                    options, report);
     ASSERT_TRUE(fromJson) << report.error;
     EXPECT_EQ(fromJson->rods[0].rotations[1][3], 1);
+}
+
+TEST_F(ReadFile, TellsHowFarItIsInALongFile)
+{
+    std::string rows, points;
+    for (int i = 0; i < 50000; ++i) {
+        rows += std::to_string(i) + " 0 0\n";
+        points += (i == 0 ? "[" : ", [") + std::to_string(i) + ", 0, 0]";
+    }
+    for (const std::string& path :
+         {write("a.txt", rows),
+          write("a.json", R"({"strandview": 1, "rods": [{"points": [)" + points + "]}]}")}) {
+        std::vector<double> shares;
+        ReadOptions options;
+        options.goOn = [&](double share) {
+            shares.push_back(share);
+            return true;
+        };
+        EXPECT_TRUE(readFile(path, options, report)) << report.error;
+        EXPECT_GT(shares.size(), 5u) << path;
+        EXPECT_TRUE(std::is_sorted(shares.begin(), shares.end())) << path;
+        EXPECT_EQ(shares.front(), 0) << path;
+        EXPECT_GT(shares.back(), 0.8) << path;
+        EXPECT_LE(shares.back(), 1) << path;
+
+        options.goOn = [](double share) { return share < 0.3; };
+        EXPECT_FALSE(readFile(path, options, report));
+        EXPECT_THAT(report.error, AllOf(StartsWith(path + ":"), HasSubstr("reading was stopped")));
+    }
+}
+
+TEST_F(ReadFile, DoesNotWaitForAPipeThatItIsNotToWaitFor)
+{
+    const std::string pipe = folder + "/pipe.txt";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    int asked = 0;
+    ReadOptions options;
+    options.goOn = [&](double) { return ++asked < 3; };
+    EXPECT_FALSE(readFile(pipe, options, report)) << "nobody ever writes to it";
+    EXPECT_EQ(report.error, pipe + ": reading was stopped");
+    EXPECT_EQ(asked, 3);
+}
+
+TEST_F(ReadFile, WaitsForAPipeThatIsWrittenInPieces)
+{
+    const std::string pipe = folder + "/pipe.txt";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    std::thread writer([&] {
+        std::ofstream stream(pipe);
+        for (const char* piece : {"0 0 0\n0 0", " 1\n", "0 1 2\n"}) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+            stream << piece << std::flush;
+        }
+    });
+    const auto configuration = read(pipe);
+    writer.join();
+    ASSERT_TRUE(configuration) << report.error;
+    EXPECT_EQ(configuration->rods[0].points.size(), 3u);
 }
 
 TEST_F(ReadFile, SkipsAByteOrderMark)

@@ -45,7 +45,7 @@ protected:
     // The scene of the data, or null and the error.
     DataScene* build(const Configuration& data, const Options& options = {})
     {
-        Progress progress;
+        TerminalProgress progress;
         scene = buildScene(data, makeStyle(options, data), nullptr, progress, error);
         if (scene)
             scene->ref();
@@ -142,6 +142,47 @@ Configuration glyphs()
     arrow.radius = 0.5;
     data.arrows.push_back(arrow);
     return data;
+}
+
+// Stops the work when it is told of something the so-many-th time.
+struct StoppingAt : Progress
+{
+    explicit StoppingAt(int stopCount) : count(stopCount) {}
+    void show(const std::string& text) override
+    {
+        texts.push_back(text);
+        --count;
+    }
+    void announce(const std::string& text) override { show(text); }
+    bool isStopped() const override { return count <= 0; }
+
+    int count;
+    std::vector<std::string> texts;
+};
+
+TEST_F(SceneBuilderTest, SaysWhatItBuildsAndStopsWhereItIsToldTo)
+{
+    Configuration data;
+    const std::vector<algebra3d::Vector3<double>> points = {{0, 0, 0}, {0, 0, 1}};
+    for (int i = 0; i < 3; ++i)
+        data.rods.push_back({"rod", points, std::vector<algebra3d::Quaternion<double>>(2), {}});
+    data.arrows.resize(2);
+    const Style style = makeStyle({}, data);
+    StoppingAt never(1000);
+    scene = buildScene(data, style, nullptr, never, error);
+    ASSERT_NE(scene, nullptr) << error;
+    scene->ref();
+    EXPECT_THAT(never.texts,
+                testing::ElementsAre("Building rod 1 of 3", "Building rod 2 of 3",
+                                     "Building rod 3 of 3", "Showing rod 1 of 3",
+                                     "Showing rod 2 of 3", "Showing rod 3 of 3",
+                                     "Building arrow 1 of 2", "Building arrow 2 of 2"));
+    for (int i = 1; i <= 8; ++i) {
+        StoppingAt progress(i);
+        EXPECT_EQ(buildScene(data, style, nullptr, progress, error), nullptr) << i;
+        EXPECT_EQ(error, "building the scene was stopped");
+        EXPECT_EQ(progress.texts.size(), std::size_t(i));
+    }
 }
 
 TEST_F(SceneBuilderTest, ShowsABirodThroughItsOwnPointsAndTellsTheAveragesArcLength)

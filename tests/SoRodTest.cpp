@@ -4,6 +4,8 @@
 #include <cfloat>
 #include <cmath>
 #include <limits>
+#include <thread>
+#include <utility>
 
 #include <Inventor/SoPickedPoint.h>
 #include <Inventor/actions/SoGetBoundingBoxAction.h>
@@ -45,6 +47,20 @@ public:
     OpenRod() : SoRod(0.1, 0.5, 4, 2, true, true, false) {}
     using SoRod::computeBBox;
 };
+
+void expectSameMeshes(Mesh& a, Mesh& b)
+{
+    ASSERT_EQ(a.getHeight(), b.getHeight());
+    ASSERT_EQ(a.getWidth(), b.getWidth());
+    for (int row = 0; row < a.getHeight(); ++row) {
+        for (int column = 0; column < a.getWidth(); ++column) {
+            for (int k = 0; k < 3; ++k) {
+                EXPECT_EQ(a.getPoints()[row][column][k], b.getPoints()[row][column][k]);
+                EXPECT_EQ(a.getNormals()[row][column][k], b.getNormals()[row][column][k]);
+            }
+        }
+    }
+}
 
 } // namespace
 
@@ -316,6 +332,48 @@ TEST_F(SoRodTest, GeneratingAgainKeepsTheMemoryOfTheMeshes)
     EXPECT_EQ(count.largest(), size * sizeof(Vector));
     EXPECT_EQ(rod->getTubeMesh()->getRadius(), 0.2);
     EXPECT_EQ(rod->getTubeMesh()->getHeight(), 2 * 199 + 1);
+}
+
+TEST_F(SoRodTest, TakesMeshesThatWereMadeInAnotherThread)
+{
+    // A bent rod, so that no number is trivial.
+    const Vectors points = {{0, 0, 0}, {0, 0.2, 1}, {0.3, 0.1, 2.2}, {0.5, 0.9, 3}};
+    const Quaternions rotations(4, IDENTITY);
+    NodeRef<OpenRod> generated{new OpenRod};
+    ASSERT_TRUE(generated->setData(points, rotations));
+
+    SoRod::Meshes meshes;
+    std::thread([&] {
+        meshes = SoRod::makeMeshes(points, rotations, 0.1, 0.5, 4, 2, false);
+    }).join();
+    const auto oldId = rod->getNodeId();
+    ASSERT_TRUE(rod->setData(points, rotations, std::move(meshes)));
+
+    EXPECT_NE(rod->getNodeId(), oldId);
+    EXPECT_EQ(rod->getPointsNum(), 4);
+    expectSameMeshes(*rod->getTubeMesh(), *generated->getTubeMesh());
+    expectSameMeshes(*rod->getRibbonMesh(), *generated->getRibbonMesh());
+    EXPECT_EQ(rod->getTubeMesh()->getParamValues(), generated->getTubeMesh()->getParamValues());
+    EXPECT_EQ(rod->getRibbonMesh()->getInterpParamValues(),
+              generated->getRibbonMesh()->getInterpParamValues());
+
+    rod->generate(); // from the data that it was given
+    expectSameMeshes(*rod->getTubeMesh(), *generated->getTubeMesh());
+    expectSameMeshes(*rod->getRibbonMesh(), *generated->getRibbonMesh());
+}
+
+TEST_F(SoRodTest, MakesNoMeshesOfIncorrectData)
+{
+    for (const auto& [points, rotations] :
+         {std::pair(Vectors{{0, 0, 0}}, Quaternions(1)), std::pair(straightPoints, Quaternions(2)),
+          std::pair(straightPoints, Quaternions(3, Quaternion(0, 0, 0, 2)))}) {
+        SoRod::Meshes meshes = SoRod::makeMeshes(points, rotations, 0.1, 0.5, 4, 2, false);
+        EXPECT_FALSE(meshes.tube);
+        EXPECT_FALSE(meshes.ribbon);
+        EXPECT_FALSE(rod->setData(points, rotations, std::move(meshes)));
+        EXPECT_FALSE(rod->isValid());
+        EXPECT_EQ(rod->getTubeMesh(), nullptr);
+    }
 }
 
 TEST_F(SoRodTest, TubeFollowsThePointsFromTheFirstD3ToTheLast)

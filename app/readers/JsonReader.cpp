@@ -6,6 +6,7 @@
 #include <cctype>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <limits>
 #include <unordered_set>
 #include <utility>
@@ -15,6 +16,7 @@
 
 #include "readers/Collector.h"
 #include "readers/DataChecks.h"
+#include "readers/Milestones.h"
 #include "readers/directors.h"
 #include "readers/wording.h"
 
@@ -236,6 +238,32 @@ std::string placeInText(std::string_view text, std::size_t byte)
     return std::to_string(line) + ":" + std::to_string(column);
 }
 
+/// A place in the text that the parser moves on, and everybody sees.
+class Cursor
+{
+public:
+    using iterator_category = std::input_iterator_tag;
+    using value_type = char;
+    using difference_type = std::ptrdiff_t;
+    using pointer = const char*;
+    using reference = const char&;
+
+    Cursor(const char* start, const char*& shownPlace) : place(start), shown(&shownPlace) {}
+
+    const char& operator*() const { return *place; }
+    Cursor& operator++()
+    {
+        *shown = ++place;
+        return *this;
+    }
+    bool operator==(const Cursor& other) const { return place == other.place; }
+    bool operator!=(const Cursor& other) const { return place != other.place; }
+
+private:
+    const char* place;
+    const char** shown;
+};
+
 /// Is told every event of the parser, in the order of the text, and keeps no more of
 /// it than the rod, the DNA or the like being read. Each event answers whether to go on.
 class JsonReader : public nlohmann::json_sax<nlohmann::json>
@@ -243,7 +271,12 @@ class JsonReader : public nlohmann::json_sax<nlohmann::json>
 public:
     JsonReader(std::string_view wholeText, const std::string& jsonName,
                const ReadOptions& readOptions, ReadReport& readReport)
-        : text(wholeText), fileName(jsonName), options(readOptions), report(readReport)
+        : text(wholeText),
+          fileName(jsonName),
+          options(readOptions),
+          report(readReport),
+          milestones(readOptions, wholeText.size()),
+          place(wholeText.data())
     {}
 
     std::optional<Configuration> read()
@@ -254,7 +287,8 @@ public:
             failInText(nul, "found a character of code 0, expected valid JSON in UTF-8");
             return {};
         }
-        if (!nlohmann::json::sax_parse(text.begin(), text.end(), this))
+        const char* const end = text.data() + text.size();
+        if (!nlohmann::json::sax_parse(Cursor(place, place), Cursor(end, place), this))
             return {};
         return collector.finish(fileName, "rod, birod, DNA, marker, frame or arrow", report);
     }
@@ -373,7 +407,7 @@ private:
     {
         if (!levels.empty())
             ++levels.back().index;
-        return true;
+        return milestones.pass(std::size_t(place - text.data())) || failAt("", readingStopped);
     }
 
     bool wholeNumber(std::int64_t value)
@@ -695,6 +729,8 @@ private:
     const std::string& fileName;
     const ReadOptions& options;
     ReadReport& report;
+    Milestones milestones;
+    const char* place;                ///< in the text, that the parser has come to
     std::vector<Level> levels;        ///< from the outermost in
     std::array<double, 4> components; ///< of the point or quaternion being read
     Directors directors;              ///< being read, all three

@@ -2,6 +2,7 @@
 #ifndef STRANDVIEW_APP_READERS_READREPORT_H
 #define STRANDVIEW_APP_READERS_READREPORT_H
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -9,6 +10,9 @@ struct ReadOptions
 {
     /// Accept quaternions of any norm but zero and scale them to unit length.
     bool normalise = false;
+    /// Asked now and then while a file is read, with the share of it that is done, from 0 to
+    /// 1: whether to go on. If not, nothing is read, and the error says so.
+    std::function<bool(double share)> goOn = {};
 };
 
 /// What a reader has to tell its user.

@@ -16,6 +16,7 @@
 
 #include "readers/Collector.h"
 #include "readers/DataChecks.h"
+#include "readers/Milestones.h"
 #include "readers/directors.h"
 #include "readers/wording.h"
 
@@ -76,6 +77,7 @@ public:
 
     bool isAtEnd() const { return position == text.size(); }
     std::size_t getLine() const { return line; }
+    std::size_t getPosition() const { return position; }
 
     /// From now on commas separate nothing.
     void makeCommasText() { comma = ';'; }
@@ -399,13 +401,17 @@ class TableReader
 public:
     TableReader(std::string_view text, const std::string& tableName, const ReadOptions& readOptions,
                 ReadReport& readReport)
-        : scanner(text), fileName(tableName), options(readOptions), report(readReport)
+        : scanner(text),
+          fileName(tableName),
+          options(readOptions),
+          report(readReport),
+          milestones(readOptions, text.size())
     {}
 
     std::optional<Configuration> read()
     {
         for (; !scanner.isAtEnd(); scanner.nextLine())
-            if (!readLine())
+            if (!(milestones.pass(scanner.getPosition()) || fail(readingStopped)) || !readLine())
                 return {};
         if (!finishBlock())
             return {};
@@ -841,6 +847,7 @@ private:
     const std::string& fileName;
     const ReadOptions& options;
     ReadReport& report;
+    Milestones milestones;
     Columns columns;
     std::vector<double> row;           ///< the numbers of one row, by column
     std::vector<MissingField> missing; ///< of the last row that was read

@@ -4,13 +4,17 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstddef>
-#include <cstdio>
 #include <filesystem>
-#include <memory>
 #include <string_view>
 #include <system_error>
 
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include "readers/JsonReader.h"
+#include "readers/Milestones.h"
 #include "readers/TableReader.h"
 #include "readers/wording.h"
 
@@ -92,38 +96,84 @@ std::string cannotBeRead(int reason)
     return "cannot be read: " + std::generic_category().message(reason);
 }
 
+/// Whether to go on: asked again and again until a pipe or a terminal has something to read,
+/// or says what is wrong with it.
+bool waitForInput(int descriptor, const ReadOptions& options)
+{
+    constexpr int patience = 50; // milliseconds
+    pollfd input = {descriptor, POLLIN, 0};
+    int ready = 0;
+    do {
+        if (options.goOn && !options.goOn(0))
+            return false;
+        ready = poll(&input, 1, patience);
+    } while (ready == 0 || (ready < 0 && errno == EINTR));
+    return true;
+}
+
+/// How much room to make at a time: for all of a file, and one byte to find its end. What
+/// has no size of its own may be long too.
+std::size_t stepFor(int descriptor)
+{
+    constexpr std::size_t smallest = 1 << 20;
+    struct stat facts = {};
+    const bool isFile = fstat(descriptor, &facts) == 0 && S_ISREG(facts.st_mode);
+    return isFile ? std::max(std::size_t(facts.st_size) + 1, smallest) : smallest;
+}
+
 /// Reads all that is left of the file; why that failed, or nothing. Of text that is known
 /// by nothing but its content no more than the beginning is read if it is refused: a
 /// device may have no end.
-std::string readAll(std::FILE* file, bool contentDecides, std::string& text)
+std::string readAll(int descriptor, bool contentDecides, const ReadOptions& options,
+                    std::string& text)
 {
-    constexpr std::size_t step = 1 << 20;
-    std::size_t size = 0, count = 0;
-    do {
+    const std::size_t step = stepFor(descriptor);
+    std::size_t size = 0;
+    for (;;) {
         if (size == text.size())
-            text.resize(2 * size + step);
-        errno = 0;
-        count = std::fread(&text[size], 1, text.size() - size, file);
-        size += count;
+            text.resize(size == 0 ? step : 2 * size);
+        if (!waitForInput(descriptor, options))
+            return readingStopped;
+        const ssize_t count = read(descriptor, &text[size], text.size() - size);
+        if (count < 0 && errno != EINTR && errno != EAGAIN)
+            return cannotBeRead(errno);
+        if (count == 0)
+            break;
+        size += std::size_t(std::max(count, ssize_t(0)));
         const std::string refusal =
             contentDecides ? refusalOf(std::string_view(text).substr(0, size)) : "";
         if (!refusal.empty())
             return refusal;
-    } while (count > 0);
-    const int reason = errno;
+    }
     text.resize(size);
-    return std::ferror(file) ? cannotBeRead(reason) : std::string();
+    return {};
 }
 
-struct CloseFile
+/// An open file, if it could be opened. Whoever opens a pipe that nobody writes to yet does
+/// not wait for that.
+class OpenFile
 {
-    void operator()(std::FILE* file) const { std::fclose(file); }
+public:
+    explicit OpenFile(const std::string& path)
+        : descriptor(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC))
+    {}
+    ~OpenFile()
+    {
+        if (descriptor >= 0)
+            close(descriptor);
+    }
+    OpenFile(const OpenFile&) = delete;
+    OpenFile& operator=(const OpenFile&) = delete;
+
+    const int descriptor; ///< negative if not
 };
 
-std::string readNamedFile(const std::string& path, bool contentDecides, std::string& text)
+std::string readNamedFile(const std::string& path, bool contentDecides, const ReadOptions& options,
+                          std::string& text)
 {
-    const std::unique_ptr<std::FILE, CloseFile> file(std::fopen(path.c_str(), "rb"));
-    return file ? readAll(file.get(), contentDecides, text) : cannotBeRead(errno);
+    const OpenFile file(path);
+    return file.descriptor < 0 ? cannotBeRead(errno)
+                               : readAll(file.descriptor, contentDecides, options, text);
 }
 
 } // namespace
@@ -136,8 +186,8 @@ std::optional<Configuration> readFile(const std::string& path, const ReadOptions
     const Reader readerOfEnding = isInput ? nullptr : readerForEnding(endingOf(path));
     const bool contentDecides = !readerOfEnding;
     std::string text;
-    std::string fault =
-        isInput ? readAll(stdin, contentDecides, text) : readNamedFile(path, contentDecides, text);
+    std::string fault = isInput ? readAll(STDIN_FILENO, contentDecides, options, text)
+                                : readNamedFile(path, contentDecides, options, text);
     if (fault.empty() && isUtf16(text))
         fault = foundUtf16;
     report.error = fault.empty() ? "" : fileName + ": " + fault;

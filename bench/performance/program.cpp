@@ -102,7 +102,7 @@ bool measurePhases(const std::string& file, const std::string& picture, Phases& 
     });
     initialiseScene();
     const Style style = makeStyle({}, data);
-    Progress progress;
+    TerminalProgress progress;
     std::string error;
     DataScene* scene = nullptr;
     phases.building = secondsOf([&] {

@@ -150,13 +150,18 @@ protected:
         return path;
     }
 
+    MainWindow::Loader loader() const
+    {
+        return
+            [this](const std::vector<std::string>& files, ReadReport& report, Progress& progress) {
+                return prepareScene(files, options, report, progress);
+            };
+    }
+
     // A window on these files, shown.
     void open(const std::vector<std::string>& files)
     {
-        window = std::make_unique<MainWindow>(
-            options, [this](const std::vector<std::string>& names, ReadReport& report) {
-                return loadScene(names, options, report);
-            });
+        window = std::make_unique<MainWindow>(options, loader());
         if (!files.empty()) {
             ReadReport report;
             DataScene* scene = loadScene(files, options, report);
@@ -196,6 +201,13 @@ protected:
         }
         ADD_FAILURE() << "no entry " << text;
         return nullptr;
+    }
+
+    // Opens them and waits until they are shown or refused.
+    void load(const QStringList& files) const
+    {
+        window->openFiles(files);
+        ASSERT_TRUE(QTest::qWaitFor([this] { return !window->isLoading(); }, 20000));
     }
 
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) const
@@ -241,6 +253,7 @@ protected:
         if (accepted)
             QApplication::sendEvent(window.get(), &event);
         QTest::qWait(50);
+        ASSERT_TRUE(QTest::qWaitFor([this] { return !window->isLoading(); }, 20000));
     }
 
     QTemporaryDir folder;
@@ -257,9 +270,6 @@ TEST_F(MainWindowTest, ShowsTheSceneOnTheBackgroundUntilItIsClosed)
 {
     options.background = {0, 0, 1};
     options.files = {write("straight.txt", STRAIGHT)};
-    ReadReport report;
-    DataScene* scene = loadScene(options.files, options, report);
-    ASSERT_NE(scene, nullptr) << report.error;
 
     // Looks until the rod is there, for at most a minute.
     QString title;
@@ -277,7 +287,9 @@ TEST_F(MainWindowTest, ShowsTheSceneOnTheBackgroundUntilItIsClosed)
         }
     });
     timer.start(200);
-    EXPECT_EQ(runWindow(options, scene, nullptr), "");
+    ReadReport report;
+    EXPECT_EQ(runWindow(options, loader(), report), "");
+    EXPECT_EQ(report.error, "");
 
     EXPECT_EQ(title.toStdString(), options.files[0] + " - strandview");
     const int pixels = picture.width() * picture.height();
@@ -293,7 +305,8 @@ TEST_F(MainWindowTest, SaysSoWhenItIsClosedBeforeItsPictureIsTaken)
         for (QWidget* widget : QApplication::topLevelWidgets())
             widget->close();
     });
-    EXPECT_THAT(runWindow(options, nullptr, nullptr),
+    ReadReport report;
+    EXPECT_THAT(runWindow(options, nullptr, report),
                 AllOf(StartsWith(*options.windowPicture), HasSubstr("closed")));
     EXPECT_FALSE(QFile::exists(folder.filePath("window.png")));
 }
@@ -301,15 +314,17 @@ TEST_F(MainWindowTest, SaysSoWhenItIsClosedBeforeItsPictureIsTaken)
 TEST_F(MainWindowTest, FilesOfTheCommandLineAreRecentButStandardInputIsNot)
 {
     options.files = {write("straight.txt", STRAIGHT)};
-    ReadReport report;
-    DataScene* scene = loadScene(options.files, options, report);
-    ASSERT_NE(scene, nullptr);
     options.files.emplace_back("-");
     QTimer::singleShot(100, [] {
         for (QWidget* widget : QApplication::topLevelWidgets())
             widget->close();
     });
-    runWindow(options, scene, nullptr);
+    ReadReport report;
+    const auto leaveInput = [this](const std::vector<std::string>& files, ReadReport& loadReport,
+                                   Progress& progress) {
+        return prepareScene({files.front()}, options, loadReport, progress);
+    };
+    runWindow(options, leaveInput, report);
     EXPECT_EQ(QSettings().value("recentFiles").toStringList(),
               QStringList(QString::fromStdString(options.files[0])));
 }
@@ -404,14 +419,14 @@ TEST_F(MainWindowTest, OpeningAnotherFileReplacesWhatIsShown)
     const std::string second = write("second.txt", "0 0 0\n0 8 0\n0 9 0\n");
     open({write("straight.txt", STRAIGHT)});
     const CameraNumbers before = window->getCameraNumbers();
-    window->openFiles({QString::fromStdString(second)});
+    load({QString::fromStdString(second)});
     EXPECT_EQ(window->windowTitle().toStdString(), second + " - strandview");
     EXPECT_FALSE(window->getCameraNumbers() == before);
     EXPECT_NEAR(window->getCameraNumbers().position[1], 4.5, 0.01);
     EXPECT_EQ(statusText(),
               "1 rod without quaternions: frames made by parallel transport – " + second);
 
-    window->openFiles({QString::fromStdString(second), QString::fromStdString(second)});
+    load({QString::fromStdString(second), QString::fromStdString(second)});
     EXPECT_EQ(window->windowTitle().toStdString(), second + " and 1 more - strandview");
 }
 
@@ -424,7 +439,7 @@ TEST_F(MainWindowTest, AFileThatCannotBeOpenedIsToldAndLeavesWhatWasShown)
     const QString title = window->windowTitle();
     for (const std::string& file : {bad, std::string("no/such.txt"), folder.path().toStdString()}) {
         Answers answers;
-        window->openFiles({QString::fromStdString(file)});
+        load({QString::fromStdString(file)});
         ASSERT_EQ(answers.texts.size(), 1u) << file;
         EXPECT_THAT(answers.texts[0], HasSubstr(file));
     }
@@ -440,7 +455,7 @@ TEST_F(MainWindowTest, AFailureIsShownLetterByLetter)
     open({});
     const Answers answers(
         [&](QWidget& dialog) { format = dynamic_cast<QMessageBox&>(dialog).textFormat(); });
-    window->openFiles({QString::fromStdString(write("x.txt", "0 0 <b>\n"))});
+    load({QString::fromStdString(write("x.txt", "0 0 <b>\n"))});
     EXPECT_EQ(format, Qt::PlainText);
 }
 
@@ -495,9 +510,9 @@ TEST_F(MainWindowTest, OffersTheLastEightFilesAgainTheNewestFirst)
     QStringList files;
     for (int i = 0; i < 10; ++i) {
         files.prepend(QString::fromStdString(write("a&b " + std::to_string(i) + ".txt", STRAIGHT)));
-        window->openFiles({files.front()});
+        load({files.front()});
     }
-    window->openFiles({files[1]}); // once more: to the front
+    load({files[1]}); // once more: to the front
     files.move(1, 0);
 
     QMenu* recent = nullptr;
@@ -905,7 +920,7 @@ TEST_F(MainWindowTest, TakesACameraByItsNumbersForTheFirstSceneAlone)
     window->resize(600, 500);
     QTest::qWait(100);
     EXPECT_TRUE(window->getCameraNumbers() == *options.camera.numbers);
-    window->openFiles({QString::fromStdString(file)});
+    load({QString::fromStdString(file)});
     EXPECT_FALSE(window->getCameraNumbers() == *options.camera.numbers);
 }
 
