@@ -2,6 +2,7 @@
 #ifndef STRANDVIEW_APP_CONFIGURATION_H
 #define STRANDVIEW_APP_CONFIGURATION_H
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -24,6 +25,8 @@ struct Rod
     std::vector<algebra3d::Vector3<double>> points;
     std::vector<algebra3d::Quaternion<double>> rotations;
     std::vector<Scalar> scalars;
+    std::vector<std::size_t> lines = {};   ///< of its points, if the file is a table
+    std::vector<std::size_t> indices = {}; ///< of its points in the file, if some were left out
     bool hasFrames = true; ///< of its own; else the rotations were made by parallel transport
 };
 
@@ -38,6 +41,7 @@ struct Birod
     std::vector<algebra3d::Quaternion<double>> rotations1;
     std::vector<algebra3d::Vector3<double>> points2;
     std::vector<algebra3d::Quaternion<double>> rotations2;
+    std::vector<std::size_t> indices = {}; ///< of its points in the file, if some were left out
 };
 
 /// A double strand: seven sequences of one length, at least 1. A strand's frames are

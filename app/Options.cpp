@@ -304,6 +304,17 @@ std::vector<std::string> namesOfOptions(const CLI::App& app)
     return names;
 }
 
+// The first name of each option that the command line has.
+std::vector<std::string> givenOptions(const CLI::App& app)
+{
+    std::vector<std::string> names;
+    for (const CLI::Option* option : app.get_options({})) {
+        if (option->count() > 0 && !option->get_lnames().empty())
+            names.push_back("--" + option->get_lnames().front());
+    }
+    return names;
+}
+
 // One line about an option that there is not, with what may have been meant.
 std::string unknownOption(const CLI::App& app, const std::string& argument)
 {
@@ -386,6 +397,7 @@ ParsedOptions parseOptions(int argc, const char* const* argv)
     try {
         parseArguments(app, inOwnSpelling(argc, argv));
         settleSamples(samples, options);
+        options.given = givenOptions(app);
         if (options.picture && options.files.empty())
             throw CLI::RequiredError("FILE");
         if (std::count(options.files.begin(), options.files.end(), "-") > 1)

@@ -23,6 +23,7 @@ struct DnaLook
 struct Options
 {
     std::vector<std::string> files;
+    std::vector<std::string> given; ///< every option of the command line, such as "--radius"
     bool normalise = false;
 
     /// The picture to write; without one a window opens.

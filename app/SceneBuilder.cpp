@@ -31,6 +31,7 @@
 #include "Legend.h"
 #include "Progress.h"
 #include "SoOverlay.h"
+#include "curveFaults.h"
 #include "readers/wording.h"
 
 using algebra3d::Vector3;
@@ -62,11 +63,6 @@ SoMaterial* makeMaterial(const Style& style, std::size_t rodIndex)
         0, toSbColor(style.tubeColour.value_or(TUBE_COLOURS[rodIndex % TUBE_COLOURS.size()])));
     material->diffuseColor.set1Value(1, toSbColor(style.ribbonColour));
     return material;
-}
-
-bool isFinite(const BiarcRibbonMesh& ribbon)
-{
-    return std::isfinite(ribbon.getParamValues().back());
 }
 
 // One material per row: those of the tube, then those of the ribbon.
@@ -122,22 +118,6 @@ std::string checkSize(const Extent& extent, const Style& style)
            " vertices to draw, expected at most 1e+09: fewer --subsegments or --slices";
 }
 
-// Where neighbouring tangents are opposite or edge points coincide the formulas give
-// numbers that are not finite, and with them the length of the whole curve.
-std::string checkInterpolation(BiarcTubeMesh& tube, const BiarcRibbonMesh* shownRibbon,
-                               const std::string& name, double ribbonWidth)
-{
-    // A frame that is not finite stays so from ring to ring.
-    const double lastNormal = tube.getNormals()[tube.getHeight() - 1][0].getNorm();
-    if (!std::isfinite(tube.getParamValues().back() + lastNormal))
-        return name + ": found points that turn straight back, or end frames with d3 across them";
-    if (shownRibbon && !isFinite(*shownRibbon)) {
-        return name + ": found a ribbon of width " + formatted(ribbonWidth) +
-               " whose edge shrinks to a point or turns back, expected another --ribbon-width";
-    }
-    return "";
-}
-
 SbVec3f toSbVec3f(const Vector3<double>& v) { return SbVec3f(float(v.x), float(v.y), float(v.z)); }
 
 SbRotation toSbRotation(const algebra3d::Quaternion<double>& q)
@@ -182,6 +162,14 @@ std::string whichOf(const char* what, std::size_t index, std::size_t count)
 }
 
 const char* const STOPPED = "building the scene was stopped";
+
+// What is wrong with a tube, or with its ribbon if that is shown, or nothing.
+std::string findFaultOf(BiarcTubeMesh& tube, const BiarcRibbonMesh* shownRibbon, const Style& style,
+                        const NamedCurve& curve)
+{
+    const std::string fault = findFault(tube, style.subsegments, curve);
+    return fault.empty() && shownRibbon ? findFault(*shownRibbon, style.ribbonWidth, curve) : fault;
+}
 
 // Made frames are shown only if somebody asks for a ribbon.
 bool showsRibbon(const Style& style, const Rod& rod)
@@ -275,18 +263,31 @@ private:
             auto* group = new SoSeparator;
             addBirodColours(group, *node, i);
             add(group, node, birod.origin);
-            const std::pair<BiarcTubeMesh*, BiarcRibbonMesh*> meshes[] = {
-                {node->getAvgTubeMesh(), node->getAvgRibbonMesh()},
-                {node->getTube1Mesh(), node->getRibbon1Mesh()},
-                {node->getTube2Mesh(), node->getRibbon2Mesh()}};
-            for (const auto& [tube, ribbon] : meshes) {
-                const std::string error = checkInterpolation(
-                    *tube, style.showRibbon ? ribbon : nullptr, birod.origin, style.ribbonWidth);
-                if (!error.empty())
-                    return error;
-            }
+            const std::string error = findFault(birod, *node);
+            if (!error.empty())
+                return error;
         }
         return "";
+    }
+
+    // What is wrong with one of a birod's three curves.
+    std::string findFault(const Birod& birod, const SoBirod& node) const
+    {
+        const auto named = [&birod](const std::string& member) {
+            return [&birod, member](std::size_t i) { return nameOfPoint(birod, member, i); };
+        };
+        const auto ribbon = [this](const BiarcRibbonMesh* mesh) {
+            return style.showRibbon ? mesh : nullptr;
+        };
+        std::string fault = findFaultOf(*node.getAvgTubeMesh(), ribbon(node.getAvgRibbonMesh()),
+                                        style, {birod.points, &birod.rotations, named("average")});
+        if (fault.empty())
+            fault = findFaultOf(*node.getTube1Mesh(), ribbon(node.getRibbon1Mesh()), style,
+                                {birod.points1, nullptr, named("strand1")});
+        if (fault.empty())
+            fault = findFaultOf(*node.getTube2Mesh(), ribbon(node.getRibbon2Mesh()), style,
+                                {birod.points2, nullptr, named("strand2")});
+        return fault;
     }
 
     // A DNA is built in ångström, the unit of its atoms, and scaled to the scene.
@@ -528,12 +529,14 @@ SceneGeometry computeGeometry(const Configuration& configuration, const Style& s
         rod.meshes = SoRod::makeMeshes(rod.points, rods[i].rotations, scale * style.radius,
                                        scale * style.ribbonWidth, style.slices, style.subsegments,
                                        style.twoSidedRibbon);
-        error = progress.isStopped()
-                    ? STOPPED
-                    : checkInterpolation(*rod.meshes.tube,
-                                         showsRibbon(style, rods[i]) ? rod.meshes.ribbon.get()
-                                                                     : nullptr,
-                                         rods[i].origin, style.ribbonWidth);
+        const auto named = [&source = rods[i]](std::size_t point) {
+            return nameOfPoint(source, point);
+        };
+        const BiarcRibbonMesh* const shownRibbon =
+            showsRibbon(style, rods[i]) ? rod.meshes.ribbon.get() : nullptr;
+        error = progress.isStopped() ? STOPPED
+                                     : findFaultOf(*rod.meshes.tube, shownRibbon, style,
+                                                   {rods[i].points, &rods[i].rotations, named});
         geometry.rods.push_back(std::move(rod));
     }
     return geometry;

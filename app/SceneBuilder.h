@@ -35,7 +35,7 @@ struct SceneGeometry
 
 /// Computes the geometry of data: in any thread, since nothing of Coin is touched. One line
 /// in `error` if it is too large, if a rod cannot be interpolated (it turns straight back
-/// on itself, or its ribbon's edge does), or if it is stopped.
+/// on itself, or the edge of a ribbon that is shown does), or if it is stopped.
 SceneGeometry computeGeometry(const Configuration& configuration, const Style& style,
                               Progress& progress, std::string& error);
 

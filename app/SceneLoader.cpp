@@ -13,6 +13,7 @@
 #include "Progress.h"
 #include "SceneBuilder.h"
 #include "Style.h"
+#include "idleOptions.h"
 #include "readers/readFile.h"
 
 namespace {
@@ -75,8 +76,11 @@ std::shared_ptr<Prepared> prepare(const std::vector<std::string>& files, const O
         readFiles(files, options.normalise, report, progress);
     if (!configuration)
         return nullptr;
-    for (std::string& line : unusedColours(options, *configuration))
-        report.notices.push_back(std::move(line));
+    report.error = checkLengths(options, *configuration);
+    if (!report.error.empty())
+        return nullptr;
+    for (const std::string& line : findIdleOptions(options, *configuration))
+        report.notices.push_back(line);
     std::optional<Colouring> colouring;
     if (options.colourBy) {
         colouring = makeColouring(options, *configuration, report);

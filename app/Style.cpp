@@ -3,8 +3,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 
 #include "Extent.h"
+#include "readers/wording.h"
 
 namespace {
 
@@ -38,20 +40,40 @@ int automaticSubsegments(const Extent& extent)
     return int(std::clamp(rows / std::max(extent.segments, 1LL), 1LL, 32LL));
 }
 
-// Whoever says how a ribbon is to look wants to see one.
-bool asksForRibbon(const Options& options)
-{
-    return options.showRibbon.value_or(options.ribbonWidth || options.ribbonColour ||
-                                       options.twoSidedRibbon);
-}
-
 int automaticSlices(const Extent& extent, int subsegments)
 {
     const long long vertices = 400000;
     return int(std::clamp(vertices / std::max(extent.segments * subsegments, 1LL), 10LL, 32LL));
 }
 
+// Of a limit, three digits.
+std::string readable(double value)
+{
+    char text[32];
+    std::snprintf(text, sizeof text, "%.3g", value);
+    return text;
+}
+
+// Refuses a length that cannot be seen beside the data, or beside which they cannot be seen,
+// before the formulas and single precision do so less clearly.
+std::string checkLength(const std::string& option, const std::optional<double>& length,
+                        const Extent& extent)
+{
+    const double size = extent.sides.getNorm();
+    const double least = 1e-6 * size, most = 1e6 * size;
+    if (!length || extent.segments == 0 || (*length >= least && *length <= most))
+        return "";
+    return option + ": found " + formatted(*length) + ", expected " + readable(least) + " to " +
+           readable(most) + ", a millionth to a million times the size of the data";
+}
+
 } // namespace
+
+bool asksForRibbon(const Options& options)
+{
+    return options.showRibbon.value_or(options.ribbonWidth || options.ribbonColour ||
+                                       options.twoSidedRibbon);
+}
 
 Style makeStyle(const Options& options, const Configuration& configuration)
 {
@@ -74,13 +96,9 @@ Style makeStyle(const Options& options, const Configuration& configuration)
     return style;
 }
 
-std::vector<std::string> unusedColours(const Options& options, const Configuration& configuration)
+std::string checkLengths(const Options& options, const Configuration& configuration)
 {
-    const bool hasRods = !configuration.rods.empty() || !configuration.birods.empty();
-    std::vector<std::string> lines;
-    if (options.tubeColour && !(hasRods && options.showTube))
-        lines.emplace_back("--tube-colour: found no tube to show, so it has no effect");
-    if (options.ribbonColour && !(hasRods && options.showRibbon))
-        lines.emplace_back("--ribbon-colour: found no ribbon to show, so it has no effect");
-    return lines;
+    const Extent extent = measure(configuration);
+    const std::string fault = checkLength("--radius", options.radius, extent);
+    return fault.empty() ? checkLength("--ribbon-width", options.ribbonWidth, extent) : fault;
 }

@@ -4,7 +4,6 @@
 
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "Colour.h"
 #include "Configuration.h"
@@ -29,6 +28,9 @@ struct Style
     DnaLook dna;
 };
 
+/// Whether the options ask for a ribbon, or say how it is to look.
+bool asksForRibbon(const Options& options);
+
 /// The style that the options ask for; what they leave open follows from the data.
 ///
 /// The radius is a small fraction of the whole scene, smaller where the rods fill
@@ -37,7 +39,8 @@ struct Style
 /// vertices stays within what a window redraws smoothly.
 Style makeStyle(const Options& options, const Configuration& configuration);
 
-/// A line for each colour that the options give to what is not shown of the data.
-std::vector<std::string> unusedColours(const Options& options, const Configuration& configuration);
+/// One line about a length of the options that cannot be drawn beside these data, or
+/// nothing.
+std::string checkLengths(const Options& options, const Configuration& configuration);
 
 #endif

@@ -357,7 +357,10 @@ TEST_F(SceneBuilderTest, RefusesABirodThatTurnsStraightBack)
     data.birods.push_back(makeBirod());
     data.birods[0].points2[2] = data.birods[0].points2[0];
     EXPECT_FALSE(build(data));
-    EXPECT_THAT(error, StartsWith("ladder.json: birods[0]: found points that turn straight back"));
+    EXPECT_THAT(
+        error,
+        StartsWith(
+            "ladder.json: birods[0].strand2.points[1]: found edges that turn straight back"));
 }
 
 } // namespace

@@ -840,6 +840,96 @@ TEST_F(StrandviewTest, HelpAndVersionGoToStandardOutput)
     EXPECT_THAT(version.output, testing::MatchesRegex("strandview [0-9]+\\.[0-9]+\\.[0-9]+\n"));
 }
 
+// What the program says of options that change nothing, and its status 0.
+struct IdleCall
+{
+    std::string name;
+    std::vector<std::string> arguments;
+    std::string input;
+    std::vector<std::string> lines; // without "strandview: "
+};
+
+void PrintTo(const IdleCall& call, std::ostream* stream) { *stream << call.name; }
+
+class StrandviewIdleOptionTest : public StrandviewTest, public testing::WithParamInterface<IdleCall>
+{
+};
+
+TEST_P(StrandviewIdleOptionTest, IsToldInALine)
+{
+    std::vector<std::string> arguments = {"--render", path("out.png"), "--size", "40x30"};
+    arguments.insert(arguments.end(), GetParam().arguments.begin(), GetParam().arguments.end());
+    arguments.push_back("-");
+    const ProgramRun result = run(arguments, GetParam().input);
+    EXPECT_EQ(result.status, 0);
+    std::string expected;
+    for (const std::string& line : GetParam().lines)
+        expected += "strandview: " + line + "\n";
+    EXPECT_EQ(result.error, expected);
+}
+
+const char* const FRAMED = "0 0 0 0 0 0 1\n0 0 1 0 0 0 1\n";
+const char* const PAIR = "A 0 0 0 0 0 0 1\n";
+const std::string BARE_NOTICE = "standard input: 1 rod without frames: no ribbon unless asked for "
+                                "(--ribbon), then by parallel transport";
+
+INSTANTIATE_TEST_SUITE_P(
+    , StrandviewIdleOptionTest,
+    testing::Values(
+        IdleCall{"Dna",
+                 {"--dna", "bases", "--dna-unit", "nm"},
+                 FRAMED,
+                 {"--dna has no effect: found no DNA", "--dna-unit has no effect: found no DNA"}},
+        IdleCall{"DnaOfDna", {"--dna", "bases", "--dna-unit", "nm"}, PAIR, {}},
+        IdleCall{
+            "RodsOfDna",
+            {"--radius", "1", "--ribbon-width", "1", "--slices", "4", "--subsegments", "2",
+             "--no-tube", "--no-ribbon", "--two-sided", "--tube-colour", "red", "--ribbon-colour",
+             "red"},
+            PAIR,
+            {"--radius has no effect: found no rods", "--ribbon-width has no effect: found no rods",
+             "--slices has no effect: found no rods", "--subsegments has no effect: found no rods",
+             "--no-tube has no effect: found no rods", "--no-ribbon has no effect: found no rods",
+             "--two-sided has no effect: found no rods",
+             "--tube-colour has no effect: found no rods",
+             "--ribbon-colour has no effect: found no rods"}},
+        IdleCall{"TubesWithoutTubes",
+                 {"--slices", "4", "--tube-color", "red", "--no-tube"},
+                 FRAMED,
+                 {"--slices has no effect: --no-tube hides the tubes",
+                  "--tube-colour has no effect: --no-tube hides the tubes"}},
+        IdleCall{"RibbonsWithoutRibbons",
+                 {"--ribbon-width", "1", "--two-sided", "--ribbon-colour", "red", "--no-ribbon"},
+                 FRAMED,
+                 {"--ribbon-width has no effect: --no-ribbon hides the ribbons",
+                  "--two-sided has no effect: --no-ribbon hides the ribbons",
+                  "--ribbon-colour has no effect: --no-ribbon hides the ribbons"}},
+        IdleCall{"NeitherTubeNorRibbon",
+                 {"--no-tube", "--no-ribbon"},
+                 FRAMED,
+                 {"--no-tube --no-ribbon: nothing of the rods is left to see"}},
+        IdleCall{"NoTubeOfRodsWithoutFrames",
+                 {"--no-tube"},
+                 "0 0 0\n0 0 1\n",
+                 {BARE_NOTICE,
+                  "--no-tube: nothing is left to see of rods without frames; --ribbon shows a "
+                  "ribbon"}},
+        IdleCall{"NoTubeButARibbon", {"--no-tube", "--ribbon"}, "0 0 0\n0 0 1\n", {BARE_NOTICE}},
+        IdleCall{"NormaliseWithoutFrames",
+                 {"--normalise"},
+                 "0 0 0\n0 0 1\n",
+                 {BARE_NOTICE, "--normalise has no effect: found no frames"}},
+        IdleCall{"NormaliseWithFrames", {"--normalise"}, FRAMED, {}},
+        IdleCall{"BackgroundThatIsLeftOut",
+                 {"--transparent", "--background", "red"},
+                 FRAMED,
+                 {"--background has no effect: --transparent leaves it out"}},
+        IdleCall{"BackgroundOfALegend",
+                 {"--transparent", "--background", "red", "--colour-by", "arclength"},
+                 FRAMED,
+                 {}}),
+    [](const auto& test) { return test.param.name; });
+
 std::string longTable(int points)
 {
     std::ostringstream table;
@@ -922,13 +1012,58 @@ INSTANTIATE_TEST_SUITE_P(
         BadCall{"StraightBack",
                 {"--render", "OUT", "-"},
                 "0 0 0\n1 0 0\n0 0 0\n0 1 0\n",
-                "standard input:1: rod 1"},
-        BadCall{"PastItself", {"--render", "OUT", "-"}, "0 0 0\n1 0 0\n-1 0 0\n", "straight back"},
+                "standard input:1: rod 1, line 2: found edges that turn straight back, expected "
+                "another angle between them\n"},
+        BadCall{"StraightBackBelowCommentsAndDoublePoints",
+                {"--render", "OUT", "-"},
+                "# c\n0 1 0\n0 0 1\n\n0 0 0\n0 0 0\n1 0 0\n# d\n2 0 0\n1.5 0 0\n",
+                "standard input:5: rod 2, line 9: found edges that turn straight back"},
+        BadCall{"StraightBackInJson",
+                {"--render", "OUT", "-"},
+                R"({"strandview": 1, "rods": [{"points": [[0, 0, 0], [1, 0, 0], [1, 0, 0],
+                    [2, 0, 0], [1, 0, 0]]}]})",
+                "standard input: rods[0].points[3]: found edges that turn straight back"},
+        BadCall{"PastItself",
+                {"--render", "OUT", "-"},
+                "0 0 0\n1 0 0\n-1 0 0\n",
+                "rod 1, line 2: found edges that turn straight back"},
+        BadCall{"ThereBackAndThere",
+                {"--render", "OUT", "-"},
+                "0 0 0\n2 0 0\n1 0 0\n3 0 0\n",
+                "rod 1, line 2: found edges that turn straight back"},
+        BadCall{"FramesAcrossTheRod",
+                {"--render", "OUT", "-"},
+                "0 0 0 0 0 0 1\n1 0 0 0 0 0 1\n",
+                "rod 1, line 1: found a frame with d3 across the end's edge, expected d3 along it"},
+        BadCall{"MirroredTangents",
+                {"--render", "OUT", "-"},
+                "0.4 -0.8 0\n0 0 0\n1 0 0\n-0.6 0.8 0\n",
+                "rod 1, line 2: found an edge that no smooth curve follows, expected smaller "
+                "angles to the edges beside it\n"},
+        BadCall{"PointsTooNearForDoubles",
+                {"--render", "OUT", "-"},
+                "0 0 0\n1e-300 0 0\n2e-300 0 0\n",
+                "standard input:1: found points nearer than 1.5e-154 to one another, expected a "
+                "unit in which they are apart\n"},
+        BadCall{"ATubeTooThin",
+                {"--render", "OUT", "--radius", "1e-300", "-"},
+                "0 0 0\n3 0 0\n3 4 0\n",
+                "--radius: found 1e-300, expected 5e-06 to 5e+06, a millionth to a million times "
+                "the size of the data\n"},
+        BadCall{"ATubeTooThick",
+                {"--render", "OUT", "--radius", "1e300", "-"},
+                "0 0 0\n3 0 0\n3 4 0\n",
+                "--radius: found 1e+300, expected 5e-06 to 5e+06"},
+        BadCall{"ARibbonTooWide",
+                {"--render", "OUT", "--ribbon-width", "1e300", "-"},
+                "0 0 0\n3 0 0\n3 4 0\n",
+                "--ribbon-width: found 1e+300, expected 5e-06 to 5e+06"},
         BadCall{"RibbonToAPoint",
                 {"--render", "OUT", "--ribbon-width", "1", "-"},
                 "1 0 0 0.5 -0.5 -0.5 -0.5\n0 1 0 0.7071067811865476 0 -0.7071067811865476 0\n"
                 "-1 0 0 0.5 0.5 -0.5 0.5\n",
-                "--ribbon-width"},
+                "standard input:1: rod 1, line 2: found a ribbon of width 1 whose edge shrinks to "
+                "a point or turns back, expected another --ribbon-width\n"},
         BadCall{"StandardInputTwice", {"--render", "OUT", "-", "-"}, "0 0 0\n", "twice"},
         BadCall{"PictureWithoutName", {"--render", ".png", "GOOD"}, "", ".png"},
         BadCall{"TooManyVertices",

@@ -128,17 +128,4 @@ TEST(Style, LongRodsGetFewVerticesPerPointAndShortOnesManyRows)
     EXPECT_EQ(brief.slices, 32);
 }
 
-TEST(Style, TellsOfColoursForWhatIsNotShown)
-{
-    Options options;
-    EXPECT_TRUE(unusedColours(options, {}).empty());
-    options.tubeColour = options.ribbonColour = Colour{1, 0, 0};
-    EXPECT_TRUE(unusedColours(options, helix(5, 0.3)).empty());
-    EXPECT_EQ(unusedColours(options, {}).size(), 2u);
-    options.showTube = false;
-    const std::vector<std::string> lines = unusedColours(options, helix(5, 0.3));
-    ASSERT_EQ(lines.size(), 1u);
-    EXPECT_EQ(lines[0], "--tube-colour: found no tube to show, so it has no effect");
-}
-
 } // namespace

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "readers/Collector.h"
 
+#include <algorithm>
 #include <utility>
 
 #include <algebra3d/Matrix3.h>
@@ -70,6 +71,18 @@ bool followsPoints(const Rotations& rotations, const Points& points)
     return sum >= smallestMeanTangency * double(edges);
 }
 
+/// Whether all points are one to the last bit.
+bool areEqual(const Points& points)
+{
+    return std::all_of(points.begin(), points.end(), [&](const Vector& point) {
+        const Vector& first = points.front();
+        return point.x == first.x && point.y == first.y && point.z == first.z;
+    });
+}
+
+constexpr char foundTooNear[] =
+    "found points nearer than 1.5e-154 to one another, expected a unit in which they are apart";
+
 /// Makes values of elements, one fewer than the points, values of the points; whether
 /// they were.
 bool takeToPoints(Rotations& rotations, const Points& points)
@@ -103,10 +116,16 @@ std::string Collector::add(Rod rod)
         hasElements = takeToPoints(scalar.values, rod.points) || hasElements;
     const Indices kept = distinctPoints({&rod.points});
     if (kept.size() < 2)
-        return "found " + counted(kept.size(), "distinct point") + ", expected at least 2 in a rod";
+        return areEqual(rod.points) ? "found " + counted(kept.size(), "distinct point") +
+                                          ", expected at least 2 in a rod"
+                                    : foundTooNear;
     rodsOfElements += hasElements;
     mergedPoints += rod.points.size() - kept.size();
+    if (kept.size() < rod.points.size())
+        rod.indices = kept;
     keep(rod.points, kept);
+    if (!rod.lines.empty())
+        keep(rod.lines, kept);
     for (Scalar& scalar : rod.scalars)
         keep(scalar.values, kept);
     if (rod.rotations.empty()) {
@@ -132,6 +151,8 @@ std::string Collector::add(Birod birod)
                " distinct in the average and in both strands, expected at least 2 in a birod";
     birodsOfElements += hasElements;
     mergedPoints += birod.points.size() - kept.size();
+    if (kept.size() < birod.points.size())
+        birod.indices = kept;
     for (Points* points : {&birod.points, &birod.points1, &birod.points2})
         keep(*points, kept);
     for (Rotations* rotations : {&birod.rotations, &birod.rotations1, &birod.rotations2})

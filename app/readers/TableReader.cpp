@@ -706,6 +706,7 @@ private:
             keepUnknownScalars();
         if (!missing.empty() && !isRowOfElements())
             return failMissing();
+        rod.lines.push_back(scanner.getLine());
         for (std::size_t i = 0; i < columns.others.size(); ++i)
             if (!isMissing(columns.others[i]))
                 rod.scalars[i].values.push_back(row[columns.others[i]]);
