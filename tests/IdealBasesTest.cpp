@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <idealbases.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <fstream>
+#include <sstream>
 #include <string>
 
 #include <gmock/gmock.h>
@@ -53,6 +56,33 @@ TEST(IdealBases, CountsAndNamesAreThoseOfTheFourBases)
     EXPECT_THAT(namesOf(2), ElementsAre("C1'", "N9", "C4", "C8", "N1", "C2", "N3", "C5", "C6", "N7",
                                         "N2", "O6"));
     EXPECT_THAT(namesOf(3), ElementsAre("C1'", "N1", "C2", "C6", "N3", "C4", "C5", "O2", "N4"));
+}
+
+// The rows of the guide's table, each as "A N9 -1.286578 4.522557 0".
+TEST(IdealBases, TheTableOfTheGuideIsThatOfTheLibrary)
+{
+    std::ifstream guide(BASES_GUIDE);
+    ASSERT_TRUE(guide);
+    std::vector<std::string> rows;
+    for (std::string line; std::getline(guide, line);) {
+        std::replace(line.begin(), line.end(), '|', ' ');
+        std::istringstream fields(line);
+        std::string base, atom;
+        double x, y, z;
+        if (fields >> base >> atom >> x >> y >> z)
+            rows.push_back(base + " " + atom + " " + std::to_string(x) + " " + std::to_string(y) +
+                           " " + std::to_string(z));
+    }
+    std::vector<std::string> expected;
+    for (int base = 0; base < 4; ++base) {
+        for (int i = 0; i < NUM_ATOMS[base]; ++i) {
+            const double* place = COORDS[base][i];
+            expected.push_back(std::string(1, BASES[base]) + " " + ATOMS[base][i] + " " +
+                               std::to_string(place[0]) + " " + std::to_string(place[1]) + " " +
+                               std::to_string(place[2]));
+        }
+    }
+    EXPECT_THAT(rows, ElementsAreArray(expected));
 }
 
 // Plain sums find a wrong digit, those weighted by the atom's place find exchanged rows.

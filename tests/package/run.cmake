@@ -1,5 +1,5 @@
-# Installs the build into an empty prefix, moves the prefix, and builds and runs the
-# host project against it. Called with BUILD, FOLDER and FLAGS,
+# Installs the build into an empty prefix by script/install, moves the prefix, and builds and
+# runs the host project against it. Called with BUILD, FOLDER and FLAGS,
 # what the host is compiled and linked with.
 function(run what)
   execute_process(COMMAND ${ARGN} RESULT_VARIABLE status OUTPUT_VARIABLE output
@@ -11,7 +11,11 @@ function(run what)
 endfunction()
 
 file(REMOVE_RECURSE ${FOLDER})
-run(Installing ${CMAKE_COMMAND} --install ${BUILD} --prefix ${FOLDER}/first)
+run(Installing ${CMAKE_CURRENT_LIST_DIR}/../../script/install ${FOLDER}/first ${BUILD})
+string(FIND "${output}" "The program is ${FOLDER}/first/bin/strandview.\n" place)
+if(NOT place EQUAL 0)
+  message(FATAL_ERROR "script/install printed: ${output}")
+endif()
 file(RENAME ${FOLDER}/first ${FOLDER}/prefix)
 run(Configuring ${CMAKE_COMMAND} -G Ninja -S ${CMAKE_CURRENT_LIST_DIR} -B ${FOLDER}/build
     -DCMAKE_BUILD_TYPE=Release -DCMAKE_PREFIX_PATH=${FOLDER}/prefix
