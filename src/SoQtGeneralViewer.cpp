@@ -206,8 +206,8 @@ void SoQtGeneralViewer::setUpLighting()
 void SoQtGeneralViewer::setCameraType(SoType type)
 {
     // SoQt takes what is no perspective camera for an orthographic one, unseen.
-    if (!type.isDerivedFrom(SoPerspectiveCamera::getClassTypeId()) &&
-        !type.isDerivedFrom(SoOrthographicCamera::getClassTypeId()))
+    if (type.isBad() || (!type.isDerivedFrom(SoPerspectiveCamera::getClassTypeId()) &&
+                         !type.isDerivedFrom(SoOrthographicCamera::getClassTypeId())))
         return;
     SoQtViewer::setCameraType(type);
     const SoCamera* camera = getCamera();

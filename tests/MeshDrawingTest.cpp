@@ -3,6 +3,7 @@
 // their meshes, where something did. A node that is touched before each frame is what they
 // are compared with.
 #include <algorithm>
+#include <cmath>
 #include <functional>
 #include <memory>
 #include <numeric>
@@ -14,6 +15,7 @@
 #include <Inventor/actions/SoGLRenderAction.h>
 #include <Inventor/nodes/SoBaseColor.h>
 #include <Inventor/nodes/SoCallback.h>
+#include <Inventor/nodes/SoClipPlane.h>
 #include <Inventor/nodes/SoComplexity.h>
 #include <Inventor/nodes/SoCube.h>
 #include <Inventor/nodes/SoDirectionalLight.h>
@@ -632,6 +634,97 @@ TEST_F(MeshDrawingTest, InstancesUnderSeveralMaterialsHaveEachTheirOwn)
         EXPECT_EQ(compare(draw(), expected).pixels, 0) << frame;
         EXPECT_EQ(draws(), 0) << frame;
     }
+}
+
+// One behind the other
+
+class CoilDrawingTest : public MeshDrawingTest
+{
+protected:
+    static const int TURNS = 60;
+
+    void SetUp() override
+    {
+        MeshDrawingTest::SetUp();
+        Vectors points;
+        for (int i = 0; i <= 30 * TURNS; ++i) {
+            const double t = 2 * M_PI * i / 30;
+            points.emplace_back(std::cos(t), std::sin(t), -0.05 * t);
+        }
+        auto* coil = new SoRod(0.2, 0.5, 8, 2, true, true, false);
+        coil->setData(points, Quaternions(points.size()));
+        show(coil);
+        settings->addChild(make(&SoLightModel::model, SoLightModel::BASE_COLOR));
+        settings->addChild(makeMaterials(2));
+        camera->farDistance = 100;
+    }
+
+    double indices() const
+    {
+        double sum = 0;
+        for (const GLCall& call : calls) {
+            if (call.name == "glDrawElements")
+                sum += call.arguments.at(1);
+        }
+        return sum;
+    }
+
+    // The picture of the meshes: nothing is left out where there is a clipping plane, here one
+    // that clips nothing.
+    Picture drawByMeshes()
+    {
+        auto* plane = new SoClipPlane;
+        plane->plane = SbPlane(SbVec3f(0, 0, 1), -1000);
+        settings->addChild(plane);
+        const Picture picture = drawChanged();
+        EXPECT_EQ(draws(), 0);
+        EXPECT_GT(vertices(), 0);
+        settings->removeChild(plane);
+        return picture;
+    }
+};
+
+TEST_F(CoilDrawingTest, LooksTheSameWithoutWhatIsHidden)
+{
+    for (const SbVec3f& place :
+         {SbVec3f(0, 0, 3), SbVec3f(0.5f, 0.2f, 2.5f), SbVec3f(0, 0.2f, -5)}) {
+        camera->position = place;
+        camera->pointAt(SbVec3f(0, 0, -10), SbVec3f(0, 1, 0));
+        const Picture expected = drawByMeshes();
+        const Difference difference = compare(drawChanged(), expected);
+        EXPECT_EQ(vertices(), 0);                      // from buffers, at once
+        EXPECT_LE(difference.pixels, 3) << difference; // where faces cross
+        EXPECT_GT(difference.covered, 3000);
+        EXPECT_LE(compare(draw(), expected).pixels, 3);
+    }
+}
+
+TEST_F(CoilDrawingTest, WhatIsHiddenIsNotDrawn)
+{
+    camera->position = SbVec3f(0, 0, 6);
+    camera->pointAt(SbVec3f(0, 0, 0), SbVec3f(0, 1, 0));
+    auto* wall = new SoSeparator;
+    auto* translation = new SoTranslation;
+    translation->translation = SbVec3f(0, 0, 2);
+    wall->addChild(translation);
+    auto* cube = new SoCube;
+    cube->width = cube->height = 10;
+    wall->addChild(cube);
+    settings->addChild(wall);
+    drawChanged();
+    const double strips = 30 * TURNS * 2; // of 8 faces of the tube, and one of the ribbon
+    EXPECT_GT(indices(), 0);
+    EXPECT_LT(indices(), 0.7 * 6 * (8 + 1) * strips);
+}
+
+TEST_F(CoilDrawingTest, FromAsideItIsOneDraw)
+{
+    camera->position = SbVec3f(40, 0, -9);
+    camera->pointAt(SbVec3f(0, 0, -9), SbVec3f(0, 1, 0));
+    drawChanged();
+    EXPECT_EQ(draws(), 0);
+    draw();
+    EXPECT_EQ(draws(), 1);
 }
 
 // Lists and contexts

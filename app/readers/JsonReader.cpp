@@ -206,9 +206,13 @@ std::string memberText(const std::string& key)
 std::string expectedByParser(std::string_view message)
 {
     constexpr std::pair<std::string_view, const char*> wordings[] = {
-        {"expected ']'", "',' or ']'"}, {"expected '}'", "',' or '}'"},
-        {"expected ':'", "':'"},        {"expected string literal", "a key in double quotes"},
-        {"or a literal", "a value"},    {"expected end of input", "the end of the file"}};
+        {"expected ']'", "',' or ']'"},
+        {"expected '}'", "',' or '}'"},
+        {"expected ':'", "':'"},
+        {"expected string literal", "a key in double quotes"},
+        {"or a literal", "a value"},
+        {"contains the expected JSON", "a value"},
+        {"expected end of input", "the end of the file"}};
     for (const auto& [theirs, ours] : wordings)
         if (message.size() >= theirs.size() &&
             message.substr(message.size() - theirs.size()) == theirs)

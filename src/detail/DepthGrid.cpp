@@ -3,13 +3,14 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
+#include <cstring>
 
 #include <Inventor/elements/SoClipPlaneElement.h>
 #include <Inventor/elements/SoDepthBufferElement.h>
 #include <Inventor/elements/SoModelMatrixElement.h>
 #include <Inventor/elements/SoProjectionMatrixElement.h>
 #include <Inventor/elements/SoViewingMatrixElement.h>
+#include <Inventor/elements/SoViewportRegionElement.h>
 #include <Inventor/misc/SoState.h>
 #include <Inventor/system/gl.h>
 
@@ -28,7 +29,7 @@ int getInteger(GLenum name)
     return value;
 }
 
-// Whether what is drawn first hides what is behind it.
+// Whether what is drawn first hides what is behind it, and nothing else.
 bool hidesWhatIsBehind(SoState* state)
 {
     SbBool test = FALSE, write = FALSE;
@@ -37,7 +38,8 @@ bool hidesWhatIsBehind(SoState* state)
     SoDepthBufferElement::get(state, test, write, function, range);
     return test && write && range == SbVec2f(0, 1) &&
            (function == SoDepthBufferElement::LESS || function == SoDepthBufferElement::LEQUAL) &&
-           SoClipPlaneElement::getInstance(state)->getNum() == 0;
+           SoClipPlaneElement::getInstance(state)->getNum() == 0 &&
+           !glIsEnabled(GL_POLYGON_OFFSET_FILL);
 }
 
 // Whether a projection is that of a camera, parallel or perspective, in its middle or not.
@@ -46,6 +48,22 @@ bool isOfCamera(const SbMatrix& p)
     return p[0][1] == 0 && p[0][2] == 0 && p[0][3] == 0 && p[1][0] == 0 && p[1][2] == 0 &&
            p[1][3] == 0 && p[3][0] == p[3][0] * p[3][3] && p[3][1] == p[3][1] * p[3][3] &&
            ((p[2][3] == 0 && p[3][3] == 1) || (p[2][3] == -1 && p[3][3] == 0));
+}
+
+// Whether a processor draws the pixels: it takes its time for hidden ones as well, and answers at
+// once. A graphics card drops them by itself, and would be waited for.
+bool isSoftware()
+{
+    const auto* renderer = reinterpret_cast<const char*>(glGetString(GL_RENDERER));
+    return renderer && (std::strstr(renderer, "llvmpipe") || std::strstr(renderer, "softpipe"));
+}
+
+bool canRead()
+{
+    const int drawn = getInteger(GL_DRAW_FRAMEBUFFER_BINDING);
+    return getInteger(GL_DEPTH_BITS) > 0 && drawn == getInteger(GL_READ_FRAMEBUFFER_BINDING) &&
+           (drawn == 0 || getInteger(GL_SAMPLES) == 0) &&
+           getInteger(GL_PIXEL_PACK_BUFFER_BINDING) == 0 && !glIsEnabled(GL_SCISSOR_TEST);
 }
 
 } // namespace
@@ -83,24 +101,20 @@ DepthGrid::DepthGrid(SoState* state)
     : toEye(SoModelMatrixElement::get(state)), projection(SoProjectionMatrixElement::get(state))
 {
     toEye.multRight(SoViewingMatrixElement::get(state));
-    GLint viewport[4];
-    glGetIntegerv(GL_VIEWPORT, viewport);
-    std::copy_n(viewport, 2, origin);
-    width = viewport[2];
-    height = viewport[3];
+    const SbViewportRegion& region = SoViewportRegionElement::get(state);
+    for (int i = 0; i < 2; ++i)
+        origin[i] = region.getViewportOriginPixels()[i];
+    width = region.getViewportSizePixels()[0];
+    height = region.getViewportSizePixels()[1];
     cell = std::max(SMALLEST_CELL, (std::max(width, height) + CELLS_ACROSS - 1) / CELLS_ACROSS);
     columns = (width + cell - 1) / cell;
     rows = (height + cell - 1) / cell;
-    usable =
-        width > 0 && height > 0 && hidesWhatIsBehind(state) && isOfCamera(projection) && canRead();
 }
 
-bool DepthGrid::canRead() const
+bool DepthGrid::isUsable(SoState* state)
 {
-    const int drawn = getInteger(GL_DRAW_FRAMEBUFFER_BINDING);
-    return getInteger(GL_DEPTH_BITS) > 0 && drawn == getInteger(GL_READ_FRAMEBUFFER_BINDING) &&
-           (drawn == 0 || getInteger(GL_SAMPLES) == 0) &&
-           getInteger(GL_PIXEL_PACK_BUFFER_BINDING) == 0 && !glIsEnabled(GL_SCISSOR_TEST);
+    return isOfCamera(SoProjectionMatrixElement::get(state)) && hidesWhatIsBehind(state) &&
+           isSoftware() && canRead();
 }
 
 // The square root of a bound of the largest eigenvalue of the matrix times its transpose; exact
@@ -119,16 +133,28 @@ double DepthGrid::stretchOf(const SbMatrix& m)
     return std::sqrt(largest);
 }
 
-double DepthGrid::getScaleAtNearest(const SbVec3f& centre, double radius, double stretch) const
+double DepthGrid::pixelsOf(double area, double radius, const Disc& disc) const
 {
+    const double scale = disc.radius / radius;
+    const double pixels = area * scale * scale;
+    return disc.radius > 0 && pixels < getViewportArea() ? pixels : getViewportArea();
+}
+
+bool DepthGrid::mayCover(const SbVec3f& centre, double radius, double area, double layers) const
+{
+    if (width <= 0 || height <= 0 || !(radius > 0))
+        return false;
+    const double stretch = stretchOf(toEye);
     SbVec3f eye;
     toEye.multVecMatrix(centre, eye);
     const double w = double(eye[2]) * projection[2][3] + projection[3][3];
     const double least = w - radius * stretch * std::abs(projection[2][3]);
     if (!(least > 0))
-        return std::numeric_limits<double>::infinity();
-    return std::max(std::abs(projection[0][0]) * width, std::abs(projection[1][1]) * height) / 2 /
-           least;
+        return true;
+    const double scale =
+        std::max(std::abs(projection[0][0]) * width, std::abs(projection[1][1]) * height) / 2 /
+        least * stretch;
+    return area * scale * scale > layers * getViewportArea();
 }
 
 DepthGrid::Disc DepthGrid::project(const SbVec3f& centre, double radius, const SbMatrix& matrix,
@@ -209,17 +235,18 @@ void DepthGrid::read()
     }
 }
 
-DepthGrid::Area DepthGrid::seen(const Disc& disc) const
+// Within some of the cells.
+DepthGrid::Area DepthGrid::seen(const Disc& disc, const Area& cells) const
 {
-    if (!(disc.radius > 0))
-        return {0, 0, width, height};
+    if (!(disc.radius > 0) || !std::isfinite(disc.x + disc.y + disc.radius))
+        return {cells.left * cell, cells.bottom * cell, cells.right * cell, cells.top * cell};
     // One pixel more, for roundings.
     const double radius = disc.radius + 1;
     const auto cellOf = [this](double pixel, int last) {
         return int(std::clamp(std::floor(pixel / cell), -1.0, double(last)));
     };
-    const int bottom = std::max(0, cellOf(disc.y - radius, rows));
-    const int top = std::min(rows - 1, cellOf(disc.y + radius, rows));
+    const int bottom = std::max(cells.bottom, cellOf(disc.y - radius, rows));
+    const int top = std::min(cells.top - 1, cellOf(disc.y + radius, rows));
     const float depth = disc.depth - DEPTH_TOLERANCE;
     Area area = nowhere();
     for (int row = bottom; row <= top; ++row) {
@@ -227,8 +254,8 @@ DepthGrid::Area DepthGrid::seen(const Disc& disc) const
         const double below = double(row) * cell;
         const double distance = std::clamp(disc.y, below, below + cell) - disc.y;
         const double half = std::sqrt(std::max(radius * radius - distance * distance, 0.0));
-        const int left = std::max(0, cellOf(disc.x - half, columns));
-        const int right = std::min(columns - 1, cellOf(disc.x + half, columns));
+        const int left = std::max(cells.left, cellOf(disc.x - half, columns));
+        const int right = std::min(cells.right - 1, cellOf(disc.x + half, columns));
         if (left > right)
             continue;
         int first = left, last = right;
@@ -244,6 +271,35 @@ DepthGrid::Area DepthGrid::seen(const Disc& disc) const
         area.extend({first * cell, row * cell, (last + 1) * cell, (row + 1) * cell});
     }
     return area;
+}
+
+std::vector<DepthGrid::Area> DepthGrid::seenInParts(const Disc& disc) const
+{
+    const Area all = seen(disc);
+    const Area cells = {all.left / cell, all.bottom / cell, (all.right + cell - 1) / cell,
+                        (all.top + cell - 1) / cell};
+    // Each of them is a draw.
+    const int parts = 4; // a side
+    if (std::min(cells.right - cells.left, cells.top - cells.bottom) < 2 * parts) {
+        std::vector<Area> areas = {all};
+        simplify(areas);
+        return areas;
+    }
+    std::vector<Area> areas;
+    for (int row = 0; row < parts; ++row) {
+        const int bottom = cells.bottom + (cells.top - cells.bottom) * row / parts;
+        const int top = cells.bottom + (cells.top - cells.bottom) * (row + 1) / parts;
+        std::vector<Area> inRow;
+        for (int column = 0; column < parts; ++column) {
+            const int left = cells.left + (cells.right - cells.left) * column / parts;
+            const int right = cells.left + (cells.right - cells.left) * (column + 1) / parts;
+            inRow.push_back(seen(disc, {left, bottom, right, top}));
+        }
+        simplify(inRow);
+        areas.insert(areas.end(), inRow.begin(), inRow.end());
+    }
+    simplify(areas);
+    return areas;
 }
 
 void DepthGrid::enter(const Area& area)

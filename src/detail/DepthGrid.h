@@ -38,12 +38,13 @@ public:
         float depth;         ///< of the depth buffer, 0 to 1
     };
 
-    /// Under a traversal's matrices and settings. Nothing is hidden before read().
+    /// Under a traversal's matrices and view. Nothing is hidden before read().
     explicit DepthGrid(SoState* state);
 
-    /// Whether the depth buffer may be read, and hides what is behind: it does not with a depth
-    /// test of another kind, with clipping planes or with other matrices than those of cameras.
-    bool isUsable() const { return usable; }
+    /// Whether it pays to look, and what is behind is hidden: only Mesa's software drivers take
+    /// time for it; and it is not hidden with a depth test of another kind, with clipping planes
+    /// or with other matrices than those of cameras. Shaders are taken to leave points in place.
+    static bool isUsable(SoState* state);
 
     /// From the coordinates of the state's model matrix to those of the eye.
     const SbMatrix& getToEye() const { return toEye; }
@@ -56,9 +57,11 @@ public:
     /// The disc of a box: its middle and half of each of its sides, as vectors, in the eye's
     /// coordinates.
     Disc project(const SbVec3f& middle, const SbVec3f halves[3]) const;
-    /// The pixels per length of the eye's coordinates where a ball, in those of the state's model
-    /// matrix, is nearest; infinite where it is not all in front of the eye.
-    double getScaleAtNearest(const SbVec3f& centre, double radius, double stretch) const;
+    /// About how many pixels an area has that is within the ball of a disc.
+    double pixelsOf(double area, double radius, const Disc& disc) const;
+    /// Whether an area within a ball, in coordinates of the state's model matrix, would cover the
+    /// viewport that often if all of it were where the ball is nearest.
+    bool mayCover(const SbVec3f& centre, double radius, double area, double layers) const;
     /// By how much a matrix stretches lengths at most.
     static double stretchOf(const SbMatrix& matrix);
 
@@ -66,19 +69,20 @@ public:
     /// Takes the depths as they are now.
     void read();
     /// The smallest area outside of which a disc cannot be seen.
-    Area seen(const Disc& disc) const;
+    Area seen(const Disc& disc) const { return seen(disc, {0, 0, columns, rows}); }
+    /// Several areas instead, where that leaves out more.
+    std::vector<Area> seenInParts(const Disc& disc) const;
 
     /// Lets OpenGL draw in an area only, until leave().
     void enter(const Area& area);
     void leave();
 
 private:
-    bool canRead() const;
+    Area seen(const Disc& disc, const Area& cells) const;
 
     SbMatrix toEye, projection;
     int origin[2] = {0, 0};
     int width = 0, height = 0;
-    bool usable = false;
     bool scissoring = false;
     int cell = 1; // pixels per side of a cell
     int columns = 0, rows = 0;

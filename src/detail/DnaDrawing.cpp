@@ -11,16 +11,6 @@
 
 #include <detail/exactly.h>
 
-namespace {
-
-// How often the viewport must be covered, if nothing hid anything, for an order to pay; and how
-// often before the first look at the depth buffer, which costs about a layer, and before the
-// next, in which there is less and less to be found, twice, three times as often and so on.
-const double SORTED_LAYERS = 1;
-const double READ_LAYERS = 4;
-
-} // namespace
-
 // Reading the graph
 
 bool DnaDrawing::update(SoGroup* root, SoSwitch* boxes, SoGroup* bases)
@@ -119,19 +109,15 @@ bool DnaDrawing::draw(SoGLRenderAction* action, SoGroup* root, SoSwitch* boxes, 
 void DnaDrawing::drawAll(SoState* state) const
 {
     DepthGrid grid(state);
-    if (mayOverdraw(grid)) {
-        std::vector<Seen> seenBoxes, seenBases = findSeen(basePlacements, grid);
+    if (grid.mayCover(bound.centre, bound.radius, area, SORTED_LAYERS) &&
+        DepthGrid::isUsable(state)) {
+        std::vector<InView<const Placement*>> boxes, bases = findSeen(basePlacements, grid);
         if (boxesShown)
-            seenBoxes = findSeen(boxPlacements, grid);
-        double pixels = 0;
-        for (const std::vector<Seen>* all : {&seenBoxes, &seenBases}) {
-            for (const Seen& seen : *all)
-                pixels += seen.pixels;
-        }
-        if (pixels > SORTED_LAYERS * grid.getViewportArea()) {
+            boxes = findSeen(boxPlacements, grid);
+        if (pixelsOf(boxes) + pixelsOf(bases) > SORTED_LAYERS * grid.getViewportArea()) {
             double unread = 0;
-            drawNearestFirst(seenBoxes, grid, unread);
-            drawNearestFirst(seenBases, grid, unread);
+            drawNearestFirst(boxes, grid, unread);
+            drawNearestFirst(bases, grid, unread);
             return;
         }
     }
@@ -146,20 +132,10 @@ void DnaDrawing::drawPlacements(const std::vector<Placement>& placements) const
         glyphs.drawGlyph(placement.glyph, placement.matrix);
 }
 
-// Whether it would all cover the viewport more than once if it were where its nearest point is.
-bool DnaDrawing::mayOverdraw(const DepthGrid& grid) const
+std::vector<InView<const DnaDrawing::Placement*>>
+DnaDrawing::findSeen(const std::vector<Placement>& placements, const DepthGrid& grid) const
 {
-    if (!grid.isUsable() || !(bound.radius > 0))
-        return false;
-    const double stretch = DepthGrid::stretchOf(grid.getToEye());
-    const double scale = grid.getScaleAtNearest(bound.centre, bound.radius, stretch);
-    return !(area * stretch * stretch * scale * scale <= SORTED_LAYERS * grid.getViewportArea());
-}
-
-std::vector<DnaDrawing::Seen> DnaDrawing::findSeen(const std::vector<Placement>& placements,
-                                                   const DepthGrid& grid) const
-{
-    std::vector<Seen> seen;
+    std::vector<InView<const Placement*>> seen;
     seen.reserve(placements.size());
     for (const Placement& placement : placements) {
         SbMatrix toEye = placement.matrix;
@@ -167,35 +143,23 @@ std::vector<DnaDrawing::Seen> DnaDrawing::findSeen(const std::vector<Placement>&
         const GlyphDrawing::Ball& ball = glyphs.getBound(placement.glyph);
         const DepthGrid::Disc disc =
             grid.project(ball.centre, ball.radius, toEye, DepthGrid::stretchOf(toEye));
-        if (grid.seen(disc).isEmpty())
-            continue;
-        const double scale = disc.radius / double(ball.radius);
-        const double pixels = glyphs.getArea(placement.glyph) * scale * scale;
-        const bool near = !(disc.radius > 0); // too near for its pixels to be told
-        seen.push_back({&placement, disc, -toEye[3][2], near ? grid.getViewportArea() : pixels});
+        if (!grid.seen(disc).isEmpty()) {
+            const double pixels = grid.pixelsOf(glyphs.getArea(placement.glyph), ball.radius, disc);
+            seen.push_back({&placement, disc, -toEye[3][2], pixels});
+        }
     }
     return seen;
 }
 
-// One behind the other, so that the shader sees little of what is hidden; and without what the
-// depth buffer hides once it holds some layers. What is placed alike keeps its order, for the
-// last of coincident faces is seen.
-void DnaDrawing::drawNearestFirst(std::vector<Seen>& order, DepthGrid& grid, double& unread) const
+void DnaDrawing::drawNearestFirst(std::vector<InView<const Placement*>>& seen, DepthGrid& grid,
+                                  double& unread) const
 {
-    std::stable_sort(order.begin(), order.end(),
-                     [](const Seen& a, const Seen& b) { return a.distance < b.distance; });
-    for (const Seen& seen : order) {
-        if (unread > READ_LAYERS * (1 + grid.getReads()) * grid.getViewportArea()) {
-            grid.read();
-            unread = 0;
-        }
-        const Placement& placement = *seen.placement;
-        if (grid.getReads() == 0) {
-            glyphs.drawGlyph(placement.glyph, placement.matrix);
-            unread += seen.pixels;
-        } else if (!grid.seen(seen.disc).isEmpty()) {
-            unread += glyphs.drawSeen(placement.glyph, placement.matrix, grid);
-        }
-    }
-    grid.leave();
+    ::drawNearestFirst(
+        seen, grid, unread,
+        [this](const Placement* placement) {
+            glyphs.drawGlyph(placement->glyph, placement->matrix);
+        },
+        [&](const Placement* placement, const DepthGrid::Disc& /*disc*/) {
+            return glyphs.drawSeen(placement->glyph, placement->matrix, grid);
+        });
 }

@@ -8,6 +8,7 @@
 #include <Inventor/SbMatrix.h>
 
 #include "GlyphDrawing.h"
+#include "drawNearestFirst.h"
 
 class SoGroup;
 class SoState;
@@ -36,25 +37,16 @@ private:
         SbMatrix matrix;
     };
 
-    // A placement in view, and about how many pixels it covers.
-    struct Seen
-    {
-        const Placement* placement;
-        DepthGrid::Disc disc;
-        float distance; // of the place's origin along the view
-        double pixels;
-    };
-
     bool update(SoGroup* root, SoSwitch* boxes, SoGroup* bases);
     bool updatePlacements(SoGroup* group, std::vector<Placement>& placements);
     int findGlyph(SoNode* node);
     void drawPlacements(const std::vector<Placement>& placements) const;
     void measure();
     void drawAll(SoState* state) const;
-    bool mayOverdraw(const DepthGrid& grid) const;
-    std::vector<Seen> findSeen(const std::vector<Placement>& placements,
-                               const DepthGrid& grid) const;
-    void drawNearestFirst(std::vector<Seen>& seen, DepthGrid& grid, double& unread) const;
+    std::vector<InView<const Placement*>> findSeen(const std::vector<Placement>& placements,
+                                                   const DepthGrid& grid) const;
+    void drawNearestFirst(std::vector<InView<const Placement*>>& seen, DepthGrid& grid,
+                          double& unread) const;
 
     GlyphDrawing glyphs;
     std::vector<SoNode*> placed; // the node of each glyph

@@ -8,8 +8,10 @@
 #include <utility>
 
 #include <GL/glext.h>
+#include <Inventor/SbBox3f.h>
 #include <Inventor/actions/SoGLRenderAction.h>
 #include <Inventor/bundles/SoMaterialBundle.h>
+#include <Inventor/elements/SoDrawStyleElement.h>
 #include <Inventor/elements/SoGLCacheContextElement.h>
 #include <Inventor/elements/SoGLLazyElement.h>
 #include <Inventor/elements/SoGLTextureEnabledElement.h>
@@ -19,8 +21,11 @@
 
 #include <TubeMesh.h>
 
+#include "DepthGrid.h"
 #include "GLVertexState.h"
+#include "drawNearestFirst.h"
 #include "sendMaterial.h"
+#include "toSbVec3f.h"
 
 using algebra3d::Vector3;
 
@@ -29,12 +34,30 @@ namespace {
 // Of one node under different materials; with more of them it is drawn as if it changed.
 const std::size_t LARGEST_COUNT = 8;
 
+// Of fewer rows there is little to leave out.
+const int MANY_ROWS = 1000;
+
 struct Vertex
 {
     float point[3];
     float normal[3];
     float texture[2];
 };
+
+float diagonalOf(const SbBox3f& box) { return (box.getMax() - box.getMin()).length(); }
+
+// Seen from aside, front and back: two layers of a tube, one of a ribbon, of two columns.
+double areaOfStrip(Mesh& mesh, int row)
+{
+    const Vector3<double>* const points = mesh.getPoints()[row];
+    const int width = mesh.getWidth();
+    const int opposite = width == 2 ? 1 : width / 2;
+    const double across = (points[opposite] - points[0]).getNorm();
+    const double along =
+        std::max((mesh.getPoints()[row + 1][0] - points[0]).getNorm(),
+                 (mesh.getPoints()[row + 1][opposite] - points[opposite]).getNorm());
+    return along * across * (width == 2 ? 1 : 2);
+}
 
 // What meshes send to OpenGL, as arrays.
 class VertexArrays
@@ -55,12 +78,14 @@ public:
                 addCap(*tube, 0, materialOffset);
                 addCap(*tube, tube->getHeight() - 1, materialOffset);
             }
+            ++part;
         }
     }
 
     std::vector<Vertex> vertices;
     std::vector<int> materials;           // an index for each vertex
     std::vector<std::uint32_t> triangles; // three vertices each
+    std::vector<MeshDrawing::Run> runs;   // of all triangles
 
 private:
     // See Mesh::render(): the triangles of its strips, each with the corners in the strip's
@@ -77,12 +102,24 @@ private:
                           double(i) / (height - 1), materialOffset, mesh.getMaterialIndex(i, j));
             }
         }
+        auto begin = std::uint32_t(triangles.size());
+        SbBox3f box = boxOf(first, width);
+        const float largest = 1.3F * diagonalOf(box);
+        double areaOfRun = 0;
         for (int i = 0; i + 1 < height; ++i) {
             const std::uint32_t row = first + std::uint32_t(i) * std::uint32_t(width);
             const std::uint32_t next = row + std::uint32_t(width);
             for (std::uint32_t j = 0; j + 1 < std::uint32_t(width); ++j) {
                 addTriangle(next + j, row + j, next + j + 1);
                 addTriangle(next + j + 1, row + j, row + j + 1);
+            }
+            box.extendBy(boxOf(next, width));
+            areaOfRun += areaOfStrip(mesh, i);
+            if (diagonalOf(box) >= largest || i + 2 == height) {
+                addRun(begin, box, areaOfRun);
+                begin = std::uint32_t(triangles.size());
+                box = boxOf(next, width);
+                areaOfRun = 0;
             }
         }
     }
@@ -100,8 +137,26 @@ private:
                       double(k) / width, double(row) / height, materialOffset,
                       tube.getCapMaterialIndex(row));
         }
+        const auto begin = std::uint32_t(triangles.size());
         for (std::uint32_t last = first + 2; last < vertices.size(); ++last)
             addTriangle(first, last - 1, last);
+        const SbBox3f box = boxOf(first, int(vertices.size() - first));
+        addRun(begin, box, double(diagonalOf(box)) * double(diagonalOf(box)) / 2);
+    }
+
+    SbBox3f boxOf(std::uint32_t first, int count) const
+    {
+        SbBox3f box;
+        for (int i = 0; i < count; ++i)
+            box.extendBy(SbVec3f(vertices[first + std::uint32_t(i)].point));
+        return box;
+    }
+
+    // From the first triangle index to the last there is.
+    void addRun(std::uint32_t begin, const SbBox3f& box, double area)
+    {
+        runs.push_back({part, begin, std::uint32_t(triangles.size()) - begin, box.getCenter(),
+                        diagonalOf(box) / 2, area});
     }
 
     void addVertex(const Vector3<double>& point, const Vector3<double>& normal, double s, double t,
@@ -121,6 +176,7 @@ private:
     }
 
     const bool materialOverall;
+    std::size_t part = 0;
 };
 
 using Colour = std::uint32_t; // four bytes: red, green, blue, alpha
@@ -150,6 +206,47 @@ std::vector<Colour> coloursOf(const std::vector<int>& materials, SoMaterialBundl
     return colours;
 }
 
+// Whether all that is drawn hides all that is behind it.
+bool isOpaque(SoState* state)
+{
+    return !glIsEnabled(GL_BLEND) && SoDrawStyleElement::get(state) == SoDrawStyleElement::FILLED;
+}
+
+void drawRun(const MeshDrawing::Run* run)
+{
+    glDrawElements(GL_TRIANGLES, GLsizei(run->count), GL_UNSIGNED_INT,
+                   GLBuffer::offset(run->first * sizeof(std::uint32_t)));
+}
+
+// One part after the other, since they meet: where both are equally near, the last is seen.
+void drawRunsNearestFirst(const std::vector<MeshDrawing::Run>& runs, DepthGrid& grid)
+{
+    const double stretch = DepthGrid::stretchOf(grid.getToEye());
+    std::vector<InView<const MeshDrawing::Run*>> seen;
+    double unread = 0;
+    for (auto run = runs.begin(); run != runs.end();) {
+        seen.clear();
+        const std::size_t part = run->part;
+        for (; run != runs.end() && run->part == part; ++run) {
+            const DepthGrid::Disc disc =
+                grid.project(run->centre, run->radius, grid.getToEye(), stretch);
+            if (!grid.seen(disc).isEmpty())
+                seen.push_back(
+                    {&*run, disc, disc.depth, grid.pixelsOf(run->area, run->radius, disc)});
+        }
+        drawNearestFirst(seen, grid, unread, drawRun,
+                         [&grid](const MeshDrawing::Run* one, const DepthGrid::Disc& disc) {
+                             double drawn = 0;
+                             for (const DepthGrid::Area& area : grid.seenInParts(disc)) {
+                                 grid.enter(area);
+                                 drawRun(one);
+                                 drawn += area.getSize();
+                             }
+                             return drawn;
+                         });
+    }
+}
+
 } // namespace
 
 MeshDrawing::Materials::Materials(SoState* state)
@@ -177,6 +274,7 @@ void MeshDrawing::draw(const SoNode& node, SoGLRenderAction* action, const std::
     if (drawnId != node.getNodeId()) {
         drawnId = node.getNodeId();
         contexts.clear();
+        measure(parts);
     }
     SoState* const state = action->getState();
     SoMaterialBundle bundle(action);
@@ -184,8 +282,12 @@ void MeshDrawing::draw(const SoNode& node, SoGLRenderAction* action, const std::
     const std::uint32_t context = action->getCacheContext();
     if (!state->isCacheOpen() && GLBuffer::areSupported(context)) {
         Kept& kept = contexts[context];
-        if (const Colours* colours = find(action, kept, parts)) {
-            drawKept(kept, *colours, !bundle.isColorOnly(), state);
+        DepthGrid grid(state);
+        const bool overdrawn = grid.mayCover(centre, radius, area, SORTED_LAYERS) &&
+                               rowCount >= MANY_ROWS && isOpaque(state) &&
+                               DepthGrid::isUsable(state);
+        if (const Colours* colours = find(action, kept, parts, overdrawn)) {
+            drawKept(kept, *colours, !bundle.isColorOnly(), state, overdrawn ? &grid : nullptr);
             return;
         }
     }
@@ -193,9 +295,32 @@ void MeshDrawing::draw(const SoNode& node, SoGLRenderAction* action, const std::
         mesh.render(action, materialOffset);
 }
 
-// Those that the parts are drawn with, filled, or null if they were not seen before.
+// From few points per row, so that what changes in every frame costs hardly more.
+void MeshDrawing::measure(const std::vector<Part>& parts)
+{
+    SbBox3f box;
+    area = 0;
+    rowCount = 0;
+    for (const auto& [mesh, materialOffset] : parts) {
+        if (!std::as_const(mesh).isValid())
+            continue;
+        rowCount += mesh.getHeight();
+        const int opposite = mesh.getWidth() == 2 ? 1 : mesh.getWidth() / 2;
+        for (int i = 0; i < mesh.getHeight(); ++i) {
+            box.extendBy(toSbVec3f(mesh.getPoints()[i][0]));
+            box.extendBy(toSbVec3f(mesh.getPoints()[i][opposite]));
+            if (i + 1 < mesh.getHeight())
+                area += areaOfStrip(mesh, i);
+        }
+    }
+    centre = box.isEmpty() ? SbVec3f(0, 0, 0) : box.getCenter();
+    radius = box.isEmpty() ? 0 : diagonalOf(box) / 2;
+}
+
+// Those that the parts are drawn with, filled, or null if they were not seen before and need
+// not be there at once.
 const MeshDrawing::Colours* MeshDrawing::find(SoGLRenderAction* action, Kept& kept,
-                                              const std::vector<Part>& parts)
+                                              const std::vector<Part>& parts, bool atOnce)
 {
     auto& colours = kept.colours;
     const Materials materials(action->getState());
@@ -206,9 +331,11 @@ const MeshDrawing::Colours* MeshDrawing::find(SoGLRenderAction* action, Kept& ke
         if (colours.size() == LARGEST_COUNT)
             colours.erase(colours.begin());
         colours.push_back({materials, {}});
-        return nullptr;
+        if (!atOnce)
+            return nullptr;
+    } else {
+        std::rotate(found, found + 1, colours.end());
     }
-    std::rotate(found, found + 1, colours.end());
     if (GLBuffer& buffer = colours.back().buffer; !buffer) {
         const std::uint32_t context = action->getCacheContext();
         SoMaterialBundle bundle(action);
@@ -217,13 +344,15 @@ const MeshDrawing::Colours* MeshDrawing::find(SoGLRenderAction* action, Kept& ke
             kept.vertices = GLBuffer(context, GL_ARRAY_BUFFER, arrays.vertices);
             kept.triangles = GLBuffer(context, GL_ELEMENT_ARRAY_BUFFER, arrays.triangles);
             kept.indexCount = int(arrays.triangles.size());
+            kept.runs = arrays.runs;
         }
         buffer = GLBuffer(context, GL_ARRAY_BUFFER, coloursOf(arrays.materials, bundle));
     }
     return &colours.back();
 }
 
-void MeshDrawing::drawKept(const Kept& kept, const Colours& colours, bool normals, SoState* state)
+void MeshDrawing::drawKept(const Kept& kept, const Colours& colours, bool normals, SoState* state,
+                           DepthGrid* grid)
 {
     glPushClientAttrib(GL_CLIENT_VERTEX_ARRAY_BIT);
     kept.vertices.bind(GL_ARRAY_BUFFER);
@@ -241,7 +370,10 @@ void MeshDrawing::drawKept(const Kept& kept, const Colours& colours, bool normal
     glEnableClientState(GL_COLOR_ARRAY);
     glColorPointer(4, GL_UNSIGNED_BYTE, 0, nullptr);
     kept.triangles.bind(GL_ELEMENT_ARRAY_BUFFER);
-    glDrawElements(GL_TRIANGLES, kept.indexCount, GL_UNSIGNED_INT, nullptr);
+    if (grid)
+        drawRunsNearestFirst(kept.runs, *grid);
+    else
+        glDrawElements(GL_TRIANGLES, kept.indexCount, GL_UNSIGNED_INT, nullptr);
     glPopClientAttrib();
     // Which colour is current now OpenGL leaves open.
     SoGLLazyElement::getInstance(state)->reset(state, SoLazyElement::DIFFUSE_MASK);

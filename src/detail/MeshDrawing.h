@@ -2,12 +2,16 @@
 #ifndef STRANDVIEW_DETAIL_MESHDRAWING_H
 #define STRANDVIEW_DETAIL_MESHDRAWING_H
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
 #include <Inventor/SbBasic.h>
+#include <Inventor/SbVec3f.h>
 
 #include "GLBuffer.h"
+
+class DepthGrid;
 
 class Mesh;
 class SoGLRenderAction;
@@ -25,6 +29,9 @@ class SoState;
 /// place; the materials are kept as one colour per vertex. A display list that somebody
 /// records gets what the meshes send.
 ///
+/// Where much of it would lie one behind the other, as in a coil seen along its axis, it is put
+/// into buffers at once, the nearest comes first, and what is hidden is not drawn.
+///
 /// Coin caches no extension shape unless it is told to, and gives up every cache in which a
 /// shader program was traversed: what hangs beside a program keeps its own.
 class MeshDrawing
@@ -34,6 +41,16 @@ public:
     {
         Mesh& mesh;
         int materialOffset;
+    };
+
+    /// A few consecutive strips of a part: triangles of the vertex arrays.
+    struct Run
+    {
+        std::size_t part;
+        std::uint32_t first, count; ///< of their indices
+        SbVec3f centre;             ///< of a ball about them
+        float radius;
+        double area; ///< seen from aside, front and back
     };
 
     /// Draws the parts in their order, as their render() does. They are the same until the
@@ -60,13 +77,21 @@ private:
     {
         GLBuffer vertices, triangles;
         int indexCount = 0;
+        std::vector<Run> runs;
         std::vector<Colours> colours; // those used last at the end
     };
 
-    const Colours* find(SoGLRenderAction* action, Kept& kept, const std::vector<Part>& parts);
-    static void drawKept(const Kept& kept, const Colours& colours, bool normals, SoState* state);
+    void measure(const std::vector<Part>& parts);
+    const Colours* find(SoGLRenderAction* action, Kept& kept, const std::vector<Part>& parts,
+                        bool atOnce);
+    static void drawKept(const Kept& kept, const Colours& colours, bool normals, SoState* state,
+                         DepthGrid* grid);
 
-    SbUniqueId drawnId = 0; // the node's
+    SbUniqueId drawnId = 0;  // the node's
+    SbVec3f centre{0, 0, 0}; // of a ball about the parts
+    double radius = 0;
+    int rowCount = 0;
+    double area = 0; // of the parts seen from aside, front and back
     PerContext<Kept> contexts;
 };
 
