@@ -52,28 +52,6 @@ const int RECENT_FILE_COUNT = 8;
 const char* const RECENT_FILES = "recentFiles";
 const char* const GEOMETRY = "windowGeometry";
 
-// The X server shows and resizes windows in its own time, and a frame that comes before
-// is cut off or lost; Qt's GL widget does not ask for another. So whenever a window
-// appears or changes, there are a few more frames, later and later.
-class Redrawer : public QObject
-{
-public:
-    explicit Redrawer(SoQtViewer& watched) : viewer(watched) { qApp->installEventFilter(this); }
-
-    bool eventFilter(QObject* object, QEvent* event) override
-    {
-        if (object->isWindowType() &&
-            (event->type() == QEvent::Expose || event->type() == QEvent::Resize)) {
-            for (const int milliseconds : {0, 100, 400, 1600})
-                QTimer::singleShot(milliseconds, this, [this] { viewer.scheduleRedraw(); });
-        }
-        return QObject::eventFilter(object, event);
-    }
-
-private:
-    SoQtViewer& viewer;
-};
-
 // The groups in two columns, so that the page fits small screens.
 QString keyPage()
 {
@@ -245,7 +223,6 @@ MainWindow::MainWindow(const Options& startOptions, Loader sceneLoader)
     layout->addWidget(area, 1);
     ownedViewer = std::make_unique<Viewer>(*this, area);
     viewer = ownedViewer.get();
-    redrawer = std::make_unique<Redrawer>(*viewer);
     viewer->setTransparencyType(SoGLRenderAction::SORTED_OBJECT_BLEND);
     viewer->setHeadlight(FALSE); // the scene has its lights
     viewer->setDecoration(FALSE);

@@ -125,7 +125,6 @@ private:
     Options options;
     Loader loader;
     std::unique_ptr<Viewer> ownedViewer;
-    std::unique_ptr<QObject> redrawer;
     DataScene* scene = nullptr; // kept by the viewer
     std::optional<CameraNumbers> fitted;
     CameraRequest home;           ///< where the scene is seen from at the beginning

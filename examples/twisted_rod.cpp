@@ -2,12 +2,13 @@
 #include <cmath>
 
 #include <Inventor/Qt/SoQt.h>
-#include <Inventor/Qt/viewers/SoQtExaminerViewer.h>
+#include <SoQtGeneralViewer.h>
 #include <SoRod.h>
 
 int main(int, char** argv)
 {
     QWidget* window = SoQt::init(argv[0]);
+    SoQtGeneralViewer::initClass();
     SoMeshShape::initClass(); // parents first
     SoRod::initClass();
 
@@ -21,7 +22,7 @@ int main(int, char** argv)
     auto* rod = new SoRod(0.1, 0.8, 24, 4, true, true, true); // radius, ribbon, how fine, what
     rod->setData(points, rotations);
 
-    SoQtExaminerViewer viewer(window);
+    SoQtGeneralViewer viewer(window); // or any viewer of SoQt
     viewer.setSceneGraph(rod);
     viewer.show();
     SoQt::show(window);

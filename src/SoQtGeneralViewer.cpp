@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <limits>
+#include <memory>
 
 #include <Inventor/SbLine.h>
 #include <Inventor/SbPlane.h>
@@ -17,10 +18,8 @@
 #include <Inventor/nodes/SoPerspectiveCamera.h>
 #include <Inventor/nodes/SoSeparator.h>
 #include <QFile>
-#include <QFrame>
 #include <QGLFormat>
 #include <QMessageBox>
-#include <QResizeEvent>
 
 #include <LightingDialog.h>
 #include <OffscreenContext.h>
@@ -28,6 +27,7 @@
 #include <SoGeneralScene.h>
 
 #include "detail/ascii.h"
+#include "detail/viewKeeping.h"
 
 // Both assertions of the registration carry the line of this macro, in which SoQt defines
 // both functions. Hosts see it, so it stays line 35 of this file; a test holds it there.
@@ -75,26 +75,6 @@ void callAll(const std::map<Callback*, void*>& chain, Arguments... arguments)
     }
 }
 
-// Keeps the widget that SoQt draws into as large as its frame. SoQt 1.6.0 makes it several
-// times larger where a screen has several pixels for one of Qt's; and now and then X11's
-// late report of the size it was made with makes it as small as that again.
-class AreaFitter : public QObject
-{
-public:
-    bool eventFilter(QObject* object, QEvent* event) override
-    {
-        auto* area = static_cast<QWidget*>(object);
-        const auto* frame = qobject_cast<QFrame*>(area->parentWidget());
-        if (event->type() != QEvent::Resize || !frame)
-            return false;
-        const QRect rect = frame->contentsRect();
-        if (rect.isEmpty() || static_cast<QResizeEvent*>(event)->size() == rect.size())
-            return false;
-        area->setGeometry(rect);
-        return true;
-    }
-};
-
 QStringList writableExtensions(SoOffscreenRenderer& renderer)
 {
     QStringList extensions("ps");
@@ -115,6 +95,7 @@ QStringList writableExtensions(SoOffscreenRenderer& renderer)
 SoQtGeneralViewer::SoQtGeneralViewer(QWidget* parent, const char* name, SbBool embed)
     : SoQtExaminerViewer(parent, name, embed, SoQtFullViewer::BUILD_ALL, SoQtViewer::BROWSER),
       areaFitter(std::make_unique<AreaFitter>()),
+      redrawer(std::make_unique<Redrawer>(*this)),
       cameraRotSteps(DEFAULT_CAMERA_ROT_STEPS)
 {
     OffscreenContext::install();

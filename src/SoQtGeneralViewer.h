@@ -40,6 +40,9 @@ using SoQtGeneralViewerResizeCB = void(void* userData, SoQtGeneralViewer* viewer
 ///
 /// Releasing the left button with ctrl held over an object puts the focal point there.
 ///
+/// While it lives, a window that appears or changes its size is followed by a few more frames,
+/// the last after 1.6 seconds: what is drawn before the X server shows the window is lost.
+///
 /// Without a scene or a camera every operation is harmless and does nothing.
 class STRANDVIEW_EXPORT SoQtGeneralViewer : public SoQtExaminerViewer
 {
@@ -154,6 +157,7 @@ private:
     QPointer<ScreenshotDialog> screenshotDialog;
     QPointer<LightingDialog> lightingDialog;
     std::unique_ptr<QObject> areaFitter;
+    std::unique_ptr<QObject> redrawer;
     bool whiteBackground = false;
     int cameraRotSteps = 12;
     std::map<SoQtGeneralViewerResizeCB*, void*> resizeCBs;
