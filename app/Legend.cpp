@@ -13,11 +13,11 @@
 #include <Inventor/nodes/SoLineSet.h>
 #include <Inventor/nodes/SoMaterial.h>
 #include <Inventor/nodes/SoMaterialBinding.h>
-#include <Inventor/nodes/SoOrthographicCamera.h>
 #include <Inventor/nodes/SoQuadMesh.h>
 
 #include "Colouring.h"
 #include "Lettering.h"
+#include "SoLegendCamera.h"
 #include "SoOverlay.h"
 #include "Ticks.h"
 
@@ -33,12 +33,9 @@ const float PATCH_RIGHT = 0.85f;
 const float BAR_TOP = -0.82f;
 const float BAR_BOTTOM = -0.87f;
 const float TRIANGLE = 0.04f; // beyond the bar
-const float TICK_BOTTOM = -0.885f;
-const float NUMBERS = -0.945f;
+const float TICK_BOTTOM = -0.89f;
 const float NAME = -0.80f;
-const float TEXT_SIZE = 0.05f;
-const float WIDEST = 1.9f;   // of all text
-const float GAP = TEXT_SIZE; // between two texts
+const float WIDEST = 1.9f; // of all text
 const int BAR_CELLS = 256;
 const int MOST_STEPS = 8;
 const char* const NO_VALUE = "no value";
@@ -62,20 +59,46 @@ struct Bar
     float right = BAR_RIGHT;
 };
 
+// The letters of a legend, in their size.
+class Text
+{
+public:
+    explicit Text(float letterSize) : size(letterSize) {}
+
+    LegendText make(const std::string& text, float x, float y) const
+    {
+        return {text, x, y, size * float(lettering.getWidth(text))};
+    }
+    std::string elide(const std::string& text, float width) const
+    {
+        return lettering.elide(text, double(width / size));
+    }
+    /// The baseline of the numbers: below the ticks by the height of digits and a little.
+    float numberLine() const { return TICK_BOTTOM - 0.0235f - 0.73f * size; }
+    /// Between two texts.
+    float gap() const { return size; }
+
+    void addCorners(const LegendText& text, std::vector<SbVec3f>& corners) const
+    {
+        for (const SbVec2f& corner : lettering.getShape(text.text))
+            corners.emplace_back(text.x - text.width / 2 + size * corner[0],
+                                 text.y + size * corner[1], 0.0f);
+    }
+
+private:
+    Lettering lettering;
+    float size;
+};
+
 double placeOf(const Colouring& colouring, double value)
 {
     return (value - colouring.min) / (colouring.max - colouring.min);
 }
 
-LegendText makeText(const Lettering& lettering, const std::string& text, float x, float y)
-{
-    return {text, x, y, TEXT_SIZE * float(lettering.getWidth(text))};
-}
-
-bool areApart(const std::vector<LegendText>& texts)
+bool areApart(const std::vector<LegendText>& texts, float gap)
 {
     for (std::size_t i = 1; i < texts.size(); ++i) {
-        const float between = (texts[i - 1].width + texts[i].width) / 2 + GAP;
+        const float between = (texts[i - 1].width + texts[i].width) / 2 + gap;
         if (texts[i].x - texts[i - 1].x < between)
             return false;
     }
@@ -83,49 +106,53 @@ bool areApart(const std::vector<LegendText>& texts)
 }
 
 std::vector<LegendText> layOutNumbers(const Colouring& colouring, const Ticks& ticks,
-                                      const Lettering& lettering)
+                                      const Text& letters)
 {
     const Bar bar(colouring);
     std::vector<LegendText> numbers;
     for (std::size_t i = 0; i < ticks.values.size(); ++i) {
-        numbers.push_back(makeText(lettering, ticks.labels[i],
-                                   bar.at(placeOf(colouring, ticks.values[i])), NUMBERS));
+        numbers.push_back(letters.make(ticks.labels[i], bar.at(placeOf(colouring, ticks.values[i])),
+                                       letters.numberLine()));
     }
-    if (colouring.isMissing)
-        numbers.push_back(makeText(lettering, NO_VALUE, (PATCH_LEFT + PATCH_RIGHT) / 2, NUMBERS));
+    if (colouring.isMissing) {
+        LegendText label =
+            letters.make(NO_VALUE, (PATCH_LEFT + PATCH_RIGHT) / 2, letters.numberLine());
+        label.x = std::min(label.x, (WIDEST - label.width) / 2);
+        numbers.push_back(label);
+    }
     return numbers;
 }
 
 // As many as have room beside each other.
-Ticks chooseTicks(const Colouring& colouring, const Lettering& lettering)
+Ticks chooseTicks(const Colouring& colouring, const Text& letters)
 {
     const int fewestSteps = 2;
     Ticks ticks;
     for (int steps = MOST_STEPS; steps >= fewestSteps; --steps) {
         ticks = makeTicks(colouring.min, colouring.max, steps);
-        if (areApart(layOutNumbers(colouring, ticks, lettering)))
+        if (areApart(layOutNumbers(colouring, ticks, letters), letters.gap()))
             break;
     }
     return ticks;
 }
 
 // The one number of a constant is its own tick.
-Ticks ticksOf(const Colouring& colouring, const Lettering& lettering)
+Ticks ticksOf(const Colouring& colouring, const Text& letters)
 {
     if (colouring.constant.empty())
-        return chooseTicks(colouring, lettering);
+        return chooseTicks(colouring, letters);
     return {{(colouring.min + colouring.max) / 2}, {colouring.constant}, ""};
 }
 
 // The name in the middle and what belongs to the numbers at the bar's end, or both in a row
 // where they would meet. A long name loses its end.
 std::vector<LegendText> layOutName(const Colouring& colouring, const std::string& note,
-                                   const Lettering& lettering)
+                                   const Text& letters)
 {
-    LegendText behind = makeText(lettering, note, 0, NAME);
-    const float apart = note.empty() ? 0 : 2 * GAP;
-    const double room = double((WIDEST - behind.width - apart) / TEXT_SIZE);
-    LegendText name = makeText(lettering, lettering.elide(colouring.name, room), 0, NAME);
+    LegendText behind = letters.make(note, 0, NAME);
+    const float apart = note.empty() ? 0 : 2 * letters.gap();
+    const float room = WIDEST - behind.width - apart;
+    LegendText name = letters.make(letters.elide(colouring.name, room), 0, NAME);
     if (note.empty())
         return {name};
     behind.x = Bar(colouring).right - behind.width / 2;
@@ -137,11 +164,10 @@ std::vector<LegendText> layOutName(const Colouring& colouring, const std::string
     return {name, behind};
 }
 
-std::vector<LegendText> layOut(const Colouring& colouring, const Ticks& ticks,
-                               const Lettering& lettering)
+std::vector<LegendText> layOut(const Colouring& colouring, const Ticks& ticks, const Text& letters)
 {
-    std::vector<LegendText> texts = layOutName(colouring, ticks.note, lettering);
-    const std::vector<LegendText> numbers = layOutNumbers(colouring, ticks, lettering);
+    std::vector<LegendText> texts = layOutName(colouring, ticks.note, letters);
+    const std::vector<LegendText> numbers = layOutNumbers(colouring, ticks, letters);
     texts.insert(texts.end(), numbers.begin(), numbers.end());
     return texts;
 }
@@ -216,6 +242,30 @@ void addBesideBar(SoSeparator* legend, const Colouring& colouring, const Bar& ba
     }
 }
 
+// Around the bar and its triangles, so that a ramp's end of the background's colour is seen.
+void addFrame(SoSeparator* legend, const Colouring& colouring, const Bar& bar)
+{
+    const float middle = (BAR_TOP + BAR_BOTTOM) / 2;
+    std::vector<SbVec3f> corners{{bar.left, BAR_TOP, 0}};
+    if (colouring.isBelow)
+        corners.emplace_back(bar.left - TRIANGLE, middle, 0.0f);
+    corners.emplace_back(bar.left, BAR_BOTTOM, 0.0f);
+    corners.emplace_back(bar.right, BAR_BOTTOM, 0.0f);
+    if (colouring.isAbove)
+        corners.emplace_back(bar.right + TRIANGLE, middle, 0.0f);
+    corners.emplace_back(bar.right, BAR_TOP, 0.0f);
+    corners.push_back(corners.front());
+    auto* style = new SoDrawStyle;
+    style->lineWidth = 1;
+    legend->addChild(style);
+    auto* coordinates = new SoCoordinate3;
+    coordinates->point.setValues(0, int(corners.size()), corners.data());
+    legend->addChild(coordinates);
+    auto* line = new SoLineSet;
+    line->numVertices = int(corners.size());
+    legend->addChild(line);
+}
+
 void addTicks(SoSeparator* legend, const Colouring& colouring, const Ticks& ticks, const Bar& bar)
 {
     auto* ends = new SoCoordinate3;
@@ -235,15 +285,11 @@ void addTicks(SoSeparator* legend, const Colouring& colouring, const Ticks& tick
     legend->addChild(lines);
 }
 
-void addTexts(SoSeparator* legend, const std::vector<LegendText>& texts, const Lettering& lettering)
+void addTexts(SoSeparator* legend, const std::vector<LegendText>& texts, const Text& letters)
 {
     std::vector<SbVec3f> corners;
-    for (const LegendText& text : texts) {
-        for (const SbVec2f& corner : lettering.getShape(text.text)) {
-            corners.emplace_back(text.x - text.width / 2 + TEXT_SIZE * corner[0],
-                                 text.y + TEXT_SIZE * corner[1], 0.0f);
-        }
-    }
+    for (const LegendText& text : texts)
+        letters.addCorners(text, corners);
     auto* coordinates = new SoCoordinate3;
     coordinates->point.setValues(0, int(corners.size()), corners.data());
     auto* faces = new SoFaceSet;
@@ -256,21 +302,16 @@ void addTexts(SoSeparator* legend, const std::vector<LegendText>& texts, const L
 
 } // namespace
 
-std::vector<LegendText> layOutLegend(const Colouring& colouring)
+std::vector<LegendText> layOutLegend(const Colouring& colouring, float textSize)
 {
-    const Lettering lettering;
-    return layOut(colouring, ticksOf(colouring, lettering), lettering);
+    const Text letters(textSize);
+    return layOut(colouring, ticksOf(colouring, letters), letters);
 }
 
-SoNode* makeLegend(const Colouring& colouring, const Colour& background)
+SoNode* makeLegend(const Colouring& colouring, const Colour& background, float textSize)
 {
     auto* legend = new SoOverlay;
-    auto* camera = new SoOrthographicCamera;
-    camera->position = SbVec3f(0, 0, 1);
-    camera->height = 2;
-    camera->nearDistance = 0.5f;
-    camera->farDistance = 1.5f;
-    legend->addChild(camera);
+    legend->addChild(new SoLegendCamera);
     auto* depth = new SoDepthBuffer;
     depth->test = FALSE;
     depth->write = FALSE;
@@ -284,10 +325,11 @@ SoNode* makeLegend(const Colouring& colouring, const Colour& background)
     addBesideBar(legend, colouring, bar);
     legend->addChild(new SoBaseColor);
     setLegendBackground(*legend, background);
-    const Lettering lettering;
-    const Ticks ticks = ticksOf(colouring, lettering);
+    const Text letters(textSize);
+    const Ticks ticks = ticksOf(colouring, letters);
+    addFrame(legend, colouring, bar);
     addTicks(legend, colouring, ticks, bar);
-    addTexts(legend, layOut(colouring, ticks, lettering), lettering);
+    addTexts(legend, layOut(colouring, ticks, letters), letters);
     return legend;
 }
 

@@ -30,6 +30,7 @@
 #include "Extent.h"
 #include "Legend.h"
 #include "Progress.h"
+#include "SoLegendCamera.h"
 #include "SoOverlay.h"
 #include "curveFaults.h"
 #include "readers/wording.h"
@@ -213,7 +214,7 @@ public:
                 return error;
         }
         if (colouring)
-            scene->addLegend(makeLegend(*colouring, style.background));
+            scene->addLegend(makeLegend(*colouring, style.background, style.legendTextSize));
         return "";
     }
 
@@ -507,6 +508,7 @@ void initialiseScene()
     SoDNA::initClass();
     SoGeneralScene::initClass();
     SoOverlay::initClass();
+    SoLegendCamera::initClass();
 }
 
 SceneGeometry computeGeometry(const Configuration& configuration, const Style& style,

@@ -6,6 +6,7 @@
 #include <cstdio>
 
 #include "Extent.h"
+#include "Legend.h"
 #include "readers/wording.h"
 
 namespace {
@@ -32,6 +33,17 @@ double automaticRadius(const Extent& extent)
     for (int axis = 0; axis < 3; ++axis)
         volume *= std::max(extent.sides[axis], longest / 50);
     return std::min(thin, std::sqrt(volume / extent.length) / 5);
+}
+
+// In a small picture larger than elsewhere, as far as there is room. The shorter side is 2.
+float automaticTextSize(const Options& options)
+{
+    const int readable = 11; // pixels
+    if (!options.picture)
+        return LEGEND_TEXT_SIZE;
+    return std::clamp(2 * float(readable) /
+                          float(std::min(options.pictureWidth, options.pictureHeight)),
+                      LEGEND_TEXT_SIZE, LARGEST_LEGEND_TEXT_SIZE);
 }
 
 int automaticSubsegments(const Extent& extent)
@@ -91,6 +103,7 @@ Style makeStyle(const Options& options, const Configuration& configuration)
     style.tubeColour = options.tubeColour;
     style.ribbonColour = options.ribbonColour.value_or(RIBBON_COLOUR);
     style.background = options.background;
+    style.legendTextSize = automaticTextSize(options);
     style.glyphSize = configuration.rods.empty() ? diagonal(extent) / 30 : 4 * style.radius;
     style.dna = options.dna;
     return style;

@@ -28,17 +28,17 @@ Colouring colouring(double min, double max, const std::string& name = "k")
     return made;
 }
 
-std::vector<std::string> textsOf(const Colouring& shown)
+std::vector<std::string> textsOf(const Colouring& shown, float textSize = LEGEND_TEXT_SIZE)
 {
     std::vector<std::string> texts;
-    for (const LegendText& text : layOutLegend(shown))
+    for (const LegendText& text : layOutLegend(shown, textSize))
         texts.push_back(text.text);
     return texts;
 }
 
-void expectApart(const Colouring& shown)
+void expectApart(const Colouring& shown, float textSize = LEGEND_TEXT_SIZE)
 {
-    const std::vector<LegendText> texts = layOutLegend(shown);
+    const std::vector<LegendText> texts = layOutLegend(shown, textSize);
     for (std::size_t i = 0; i < texts.size(); ++i) {
         SCOPED_TRACE(texts[i].text);
         EXPECT_GT(texts[i].width, 0);
@@ -88,15 +88,21 @@ TEST(Legend, ItsTextsNeverMeet)
         SCOPED_TRACE(testing::Message() << min << " to " << max);
         Colouring shown = colouring(min, max, std::string(std::size_t(5 * i + 1), 'W'));
         shown.isMissing = i % 2;
-        expectApart(shown);
+        expectApart(shown, i % 3 == 0 ? LARGEST_LEGEND_TEXT_SIZE : LEGEND_TEXT_SIZE);
     }
+}
+
+TEST(Legend, HasFewerNumbersWhereTheyAreLarger)
+{
+    const Colouring shown = colouring(10000, 10007);
+    EXPECT_LT(textsOf(shown, LARGEST_LEGEND_TEXT_SIZE).size(), textsOf(shown).size());
 }
 
 // The area of all that is filled but the bar: of the text, and of a patch or triangles.
 double inkOf(const Colouring& shown)
 {
     initialiseSceneOnce();
-    SoNode* legend = makeLegend(shown, {1, 1, 1});
+    SoNode* legend = makeLegend(shown, {1, 1, 1}, LEGEND_TEXT_SIZE);
     legend->ref();
     SoCallbackAction triangles;
     double ink = 0;
@@ -129,7 +135,7 @@ TEST(Legend, ALetterWithAHoleIsNotFilled)
 {
     const auto widthAndInk = [](const std::string& name) {
         const double ink = inkOf(colouring(0, 1, name)) - inkOf(colouring(0, 1, ""));
-        return ink / double(layOutLegend(colouring(0, 1, name)).front().width);
+        return ink / double(layOutLegend(colouring(0, 1, name), LEGEND_TEXT_SIZE).front().width);
     };
     // A ring and a disc of about the same width and height.
     EXPECT_LT(widthAndInk("○"), 0.6 * widthAndInk("●"));

@@ -354,11 +354,11 @@ TEST_F(StrandviewTest, ColoursByAScalarOfTheFileAlongTheRodAndShowsALegend)
     };
     const QImage plain = render({});
     const QImage image = render({"--colour-by", "heat"});
-    // The legend at the bottom: the ends and the middle of the ramp, unlit.
+    // The legend at the bottom: the ends, inside the frame, and the middle of the ramp, unlit.
     const auto barAt = [&image](int x) { return image.pixelColor(x, 276); };
-    EXPECT_LE(distance(barAt(200 - 104), Qt::blue), 12);
+    EXPECT_LE(distance(barAt(200 - 103), Qt::blue), 12);
     EXPECT_LE(distance(barAt(200), Qt::green), 12);
-    EXPECT_LE(distance(barAt(200 + 104), Qt::red), 12);
+    EXPECT_LE(distance(barAt(200 + 103), Qt::red), 12);
     EXPECT_GT(countPixels(image, [](const QColor& c) { return c.lightness() < 60; }),
               countPixels(plain, [](const QColor& c) { return c.lightness() < 60; }));
 
@@ -492,6 +492,38 @@ TEST_F(StrandviewTest, TheBarOfALegendHasTheRampsColours)
             const double t = 0.5 + (x + 0.5 - 400) / (0.7 * 600);
             EXPECT_LE(distance(image.pixelColor(x, 553), onRamp(ramp, t)), 2) << x;
         }
+    }
+}
+
+TEST_F(StrandviewTest, ALegendsLettersNeedNoDisplayAndSayNothing)
+{
+    const std::string rod = write("rod.txt", SCALARS);
+    const ProgramRun result =
+        run({"--render", path("rod.png"), "--colour-by", "heat", rod}, "",
+            {{"QT_QPA_PLATFORM", "none"}, {"XDG_RUNTIME_DIR", ""}, {"LC_ALL", "de_DE.UTF-8"}});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.output + result.error, "");
+}
+
+TEST_F(StrandviewTest, ALegendIsAtTheBottomOfAPictureOfAnyForm)
+{
+    const std::string rod = write("rod.txt", SCALARS);
+    for (const auto& [width, height] : {std::pair(150, 300), {150, 600}, {200, 200}, {900, 200}}) {
+        SCOPED_TRACE(width);
+        SCOPED_TRACE(height);
+        const std::string size = std::to_string(width) + "x" + std::to_string(height);
+        ASSERT_EQ(
+            run({"--render", path("rod.png"), "--size", size, "--colour-by", "heat", rod}).status,
+            0);
+        const QImage image = picture("rod.png");
+        const double unit = std::min(width, height) / 2.0;
+        const int bar = int(height - 0.155 * unit), ramp = int(0.6 * unit);
+        EXPECT_LE(distance(image.pixelColor(width / 2, bar), Qt::green), 20);
+        EXPECT_GT(image.pixelColor(width / 2 - ramp, bar).blue(), 200);
+        EXPECT_GT(image.pixelColor(width / 2 + ramp, bar).red(), 200);
+        // Between the legend and the rod there is nothing.
+        const QImage between = image.copy(0, int(height - 0.36 * unit), width, 2);
+        EXPECT_EQ(countCovered(between), 0);
     }
 }
 

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include "Legend.h"
+
 namespace {
 
 using algebra3d::Vector3;
@@ -126,6 +128,19 @@ TEST(Style, LongRodsGetFewVerticesPerPointAndShortOnesManyRows)
     const Style brief = makeStyle({}, helix(5, 0.3));
     EXPECT_EQ(brief.subsegments, 32);
     EXPECT_EQ(brief.slices, 32);
+}
+
+TEST(Style, TheLegendOfASmallPictureHasLargerLetters)
+{
+    Options options;
+    EXPECT_EQ(makeStyle(options, helix(5, 0.3)).legendTextSize, LEGEND_TEXT_SIZE);
+    options.picture = "picture.png";
+    EXPECT_EQ(makeStyle(options, helix(5, 0.3)).legendTextSize, LEGEND_TEXT_SIZE);
+    options.pictureWidth = 400;
+    options.pictureHeight = 275;
+    EXPECT_FLOAT_EQ(makeStyle(options, helix(5, 0.3)).legendTextSize, 0.08f);
+    options.pictureWidth = 1;
+    EXPECT_EQ(makeStyle(options, helix(5, 0.3)).legendTextSize, LARGEST_LEGEND_TEXT_SIZE);
 }
 
 } // namespace

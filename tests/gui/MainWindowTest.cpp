@@ -1309,9 +1309,9 @@ TEST_F(MainWindowTest, TheTicksOfASavedLegendAreAsWideAsThoseOfTheWindow)
     for (int i = 0; i < 2; ++i) {
         window->savePicture(file);
         QTest::qWait(1000); // for the last frame
-        // How much ink there is in a row between the bar and the numbers.
+        // How much ink there is in a row between the frame and the numbers.
         const auto ticks = [](const QImage& picture) {
-            const int y = int(picture.height() * (1 + 0.8775) / 2);
+            const int y = int(picture.height() * (1 + 0.88) / 2);
             double sum = 0;
             for (int x = 0; x < picture.width() * 3 / 4; ++x)
                 sum += 1 - picture.pixelColor(x, y).lightnessF();
