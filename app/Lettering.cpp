@@ -33,11 +33,12 @@ void ignoreMessage(QtMsgType /*type*/, const QMessageLogContext& /*context*/,
                    const QString& /*text*/)
 {}
 
-// For text alone: without a display, and silent about what only windows need.
+// For text alone: without a display, and silent about what only windows need. Of the two
+// platforms of Qt that need none, "offscreen" leaves memory behind.
 std::unique_ptr<QGuiApplication> makeApplication()
 {
     // Kept by Qt, which takes out what it understands.
-    static char name[] = "strandview", option[] = "-platform", platform[] = "offscreen";
+    static char name[] = "strandview", option[] = "-platform", platform[] = "minimal:enable_fonts";
     static char* arguments[4];
     static int count;
     std::copy_n(std::array<char*, 4>{name, option, platform, nullptr}.begin(), 4, arguments);

@@ -131,14 +131,4 @@ TEST(Legend, DrawsLettersOfEveryAlphabetEachAsItself)
     EXPECT_EQ(inkOfName("\n\t"), 0);
 }
 
-TEST(Legend, ALetterWithAHoleIsNotFilled)
-{
-    const auto widthAndInk = [](const std::string& name) {
-        const double ink = inkOf(colouring(0, 1, name)) - inkOf(colouring(0, 1, ""));
-        return ink / double(layOutLegend(colouring(0, 1, name), LEGEND_TEXT_SIZE).front().width);
-    };
-    // A ring and a disc of about the same width and height.
-    EXPECT_LT(widthAndInk("○"), 0.6 * widthAndInk("●"));
-}
-
 } // namespace
