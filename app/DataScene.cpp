@@ -2,8 +2,8 @@
 #include "DataScene.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
-#include <cstdio>
 
 #include <Inventor/SoPath.h>
 #include <Inventor/SoPickedPoint.h>
@@ -21,12 +21,13 @@ using algebra3d::Vector3;
 
 namespace {
 
-// What a person reads: six digits.
+// What a person reads: six digits, with a decimal point in every locale.
 std::string readable(double value)
 {
     char text[32];
-    std::snprintf(text, sizeof text, "%.6g", value);
-    return text;
+    const auto result =
+        std::to_chars(text, text + sizeof text, value, std::chars_format::general, 6);
+    return std::string(text, result.ptr);
 }
 
 // The points of a regular ring cancel about its centre, the point of the centreline. The

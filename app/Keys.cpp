@@ -36,12 +36,14 @@ const std::vector<KeyGroup>& keyHelp()
           {"Return", "shows or hides wheels and buttons"}}},
         {"Program",
          {{"Ctrl + O", "opens files; they can also be dropped on the window"},
+          {"F5", "reads the files again, the camera stays"},
           {"Esc", "while files are loaded: stops that, and what was shown stays"},
           {"Ctrl + P", "saves a picture of the view"},
           {"I", "saves a screenshot of any size"},
           {"Ctrl + K", "copies the camera, for --camera"},
           {"Ctrl + C", "copies what the status bar tells, all of it"},
           {"F1", "this page"},
-          {"Alt + F4", "closes the window"}}}};
+          {"F11", "full screen, and back"},
+          {"Ctrl + Q, Ctrl + W, Alt + F4", "closes the window"}}}};
     return groups;
 }

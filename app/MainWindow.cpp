@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "MainWindow.h"
 
+#include <algorithm>
+#include <clocale>
 #include <cstdlib>
 #include <iostream>
 #include <utility>
@@ -12,20 +14,24 @@
 #include <Inventor/nodes/SoOrthographicCamera.h>
 #include <Inventor/nodes/SoPerspectiveCamera.h>
 #include <Inventor/nodes/SoSeparator.h>
+#include <Inventor/sensors/SoFieldSensor.h>
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
 #include <QDialogButtonBox>
+#include <QDoubleSpinBox>
 #include <QDropEvent>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QImage>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPixmap>
+#include <QPointer>
 #include <QScreen>
 #include <QSettings>
 #include <QStatusBar>
@@ -34,14 +40,20 @@
 #include <QToolBar>
 #include <QVBoxLayout>
 
+#include <LightingDialog.h>
+#include <ScreenshotDialog.h>
 #include <SoQtGeneralViewer.h>
 
+#include "AxisCross.h"
 #include "Camera.h"
 #include "DataScene.h"
+#include "FrameWaiter.h"
 #include "Keys.h"
 #include "LoadBar.h"
 #include "PictureWriter.h"
+#include "ScreenFitter.h"
 #include "StatusText.h"
+#include "decimalComma.h"
 
 namespace {
 
@@ -115,6 +127,11 @@ QStringList namesOf(const std::vector<std::string>& files)
     return names;
 }
 
+bool isAscii(const QString& text)
+{
+    return std::all_of(text.begin(), text.end(), [](QChar c) { return c.unicode() < 128; });
+}
+
 QStringList localFiles(const QMimeData& data)
 {
     QStringList files;
@@ -128,11 +145,15 @@ QStringList localFiles(const QMimeData& data)
 } // namespace
 
 // Lets the window see the size that pictures take, what is clicked and when a frame is drawn, and
-// leaves the home to it.
+// leaves the home to it; shows axes of its own.
 class MainWindow::Viewer : public SoQtGeneralViewer
 {
 public:
-    Viewer(MainWindow& shownIn, QWidget* parent) : SoQtGeneralViewer(parent), window(shownIn) {}
+    Viewer(MainWindow& shownIn, QWidget* parent) : SoQtGeneralViewer(parent), window(shownIn)
+    {
+        setFeedbackVisibility(FALSE); // a cross over the scene, with yellow letters
+        cameraWatcher.setPriority(0);
+    }
 
     // SoQt takes the camera that it makes for the new home; and near what is long along the
     // view a perspective camera that shows as much as a parallel one would be inside it.
@@ -156,6 +177,25 @@ public:
     std::function<void()> onDrawn;
 
     using SoQtGeneralViewer::getGLSize;
+    using SoQtGeneralViewer::setSceneGraph;
+
+    void setSceneGraph(SoNode* root) override
+    {
+        auto* withAxes = new SoSeparator;
+        withAxes->addChild(axes.getNode());
+        withAxes->addChild(root);
+        SoQtGeneralViewer::setSceneGraph(withAxes);
+    }
+
+    void setCamera(SoCamera* camera) override
+    {
+        SoQtGeneralViewer::setCamera(camera);
+        cameraWatcher.detach();
+        if (!camera)
+            return;
+        cameraWatcher.attach(&camera->orientation);
+        turnAxes(this, nullptr);
+    }
 
     SbBool processSoEvent(const SoEvent* const event) override
     {
@@ -177,16 +217,33 @@ public:
     bool hasPicked = false;       ///< in the event that is being processed
     std::function<void()> onMiss; ///< called after a click beside everything
     std::function<void()> onMode; ///< called after a change between turning and picking
+    AxisCross axes;
+    QPointer<FrameWaiter> frameWaiter;
 
 protected:
     void actualRedraw() override
     {
         SoQtGeneralViewer::actualRedraw();
+        const SbVec2s size = getGLSize();
+        if (frameWaiter)
+            frameWaiter->endFrame(size[0], size[1]);
         if (const auto tell = std::exchange(onDrawn, nullptr))
             tell();
     }
 
+    void sizeChanged(const SbVec2s& size) override
+    {
+        SoQtGeneralViewer::sizeChanged(size);
+        axes.setView(getGLSize(), float(getGLWidget()->devicePixelRatioF()));
+    }
+
 private:
+    static void turnAxes(void* viewer, SoSensor* /*sensor*/)
+    {
+        auto* self = static_cast<Viewer*>(viewer);
+        self->axes.setOrientation(self->getCamera()->orientation.getValue());
+    }
+
     bool isPick(const SoEvent* event) const
     {
         return SO_MOUSE_RELEASE_EVENT(event, BUTTON2) ||
@@ -194,6 +251,7 @@ private:
     }
 
     MainWindow& window;
+    SoFieldSensor cameraWatcher{turnAxes, this};
 };
 
 void initialiseWindows(const char* programName)
@@ -202,6 +260,7 @@ void initialiseWindows(const char* programName)
     setenv("QT_QPA_PLATFORM", "xcb", 0);
     SoQtGeneralViewer::setDefaultAntialiasingLevel(4);
     SoQt::init(programName, programName);
+    std::setlocale(LC_NUMERIC, "C"); // Qt took the user's; numbers have a decimal point here
     QApplication::setOrganizationName("strandview");
     QApplication::setApplicationName("strandview");
     SoQtGeneralViewer::initClass();
@@ -246,6 +305,8 @@ MainWindow::MainWindow(const Options& startOptions, Loader sceneLoader)
     statusBar->addWidget(loadBar, 1);
     layout->addWidget(statusBar);
     setupUi();
+    acceptDecimalComma(*findChild<QLineEdit*>("zoomLineEdit"));
+    acceptDecimalComma(*findChild<QDoubleSpinBox*>("multDoubleSpinBox"));
 
     followMode();
     viewer->getGLWidget()->setFocus();
@@ -255,9 +316,15 @@ MainWindow::~MainWindow() = default;
 
 // Scene
 
-void MainWindow::showScene(DataScene* newScene, const std::vector<std::string>& files)
+void MainWindow::showScene(DataScene* newScene, const std::vector<std::string>& files,
+                           CameraChoice choice)
 {
+    CameraRequest same;
+    if (choice == SAME_CAMERA && scene)
+        same.numbers = getCameraNumbers();
+    const bool wasFitted = isFitted();
     scene = newScene;
+    shownFiles = files;
     scene->onPick = [this](const Told& told) {
         ownedViewer->hasPicked = true;
         statusText->tell({told});
@@ -268,8 +335,21 @@ void MainWindow::showScene(DataScene* newScene, const std::vector<std::string>& 
     place(home);
     // The numbers were for the first scene.
     options.camera.numbers.reset();
+    if (same.numbers) {
+        place(same);
+        if (wasFitted)
+            fitted = getCameraNumbers();
+    }
+    prepareDialogs();
     setWindowTitle(titleFor(files));
     followMode();
+}
+
+void MainWindow::whenPainted(std::function<void()> act)
+{
+    ownedViewer->frameWaiter = new FrameWaiter(
+        *viewer->getGLWidget(), [this] { viewer->scheduleRedraw(); }, std::move(act));
+    ownedViewer->frameWaiter->setParent(this);
 }
 
 bool MainWindow::hasScene() const { return scene; }
@@ -278,34 +358,35 @@ CameraNumbers MainWindow::getCameraNumbers() const { return numbersOf(*viewer->g
 
 // Loading
 
-void MainWindow::openFiles(const QStringList& names)
+void MainWindow::openFiles(const QStringList& names, CameraChoice choice)
 {
     std::vector<std::string> files;
     for (const QString& name : names)
         files.push_back(name.toStdString());
     if (files.empty())
         return;
-    follow(std::make_unique<LoadJob>(files, loader),
-           [this, files](const ReadReport& report) { tellOpened(files, report); });
+    follow(
+        std::make_unique<LoadJob>(files, loader),
+        [this, files](const ReadReport& report) { tellOpened(files, report); }, choice);
     if (job->waitFor(PATIENCE))
         job->finish();
 }
 
 void MainWindow::follow(std::unique_ptr<LoadJob> newJob,
-                        std::function<void(const ReadReport&)> tell)
+                        std::function<void(const ReadReport&)> tell, CameraChoice choice)
 {
     stopLoading();
     job = std::move(newJob);
     showLoading();
     connect(job.get(), &LoadJob::progressed, loadBar, &LoadBar::setText);
     connect(job.get(), &LoadJob::finished, this,
-            [this, tell](DataScene* loaded, const ReadReport& report) {
+            [this, tell, choice](DataScene* loaded, const ReadReport& report) {
                 LoadJob* const ended = job.release();
                 ended->deleteLater(); // not before it returns
                 showLoading();
                 if (loaded) {
                     showDrawing();
-                    showScene(loaded, ended->getFiles());
+                    showScene(loaded, ended->getFiles(), choice);
                     rememberFiles(namesOf(ended->getFiles()));
                 }
                 tell(report);
@@ -352,6 +433,19 @@ void MainWindow::showLoading()
     loadBar->setText("");
     loadBar->setVisible(isLoading());
     stopAction->setEnabled(isLoading());
+}
+
+void MainWindow::readAgain()
+{
+    for (const std::string& file : shownFiles) {
+        const QFileInfo info(QString::fromStdString(file));
+        if (file == "-" || (info.exists() && !info.isFile())) {
+            statusText->tell(
+                {{"Only files can be read again", file == "-" ? "standard input" : file}});
+            return;
+        }
+    }
+    openFiles(namesOf(shownFiles), SAME_CAMERA);
 }
 
 // Camera
@@ -472,8 +566,8 @@ void MainWindow::followMode()
     modeLabel->setText(turning ? "Turning" : "Picking");
     modeLabel->setToolTip("Esc: turning or picking");
     if (!turning)
-        statusText->setHint("Picking: the left button, too, tells point and arc length. Esc: "
-                            "turning. Until then dragging, wheel and arrows do nothing.");
+        statusText->setHint("Picking: the left button tells a point. Dragging, wheel and arrows "
+                            "are off; Esc turns again.");
     else if (scene)
         statusText->setHint("Right button: point and arc length. F1: all keys.");
     else
@@ -486,7 +580,7 @@ void MainWindow::followMode()
 
 void MainWindow::choosePicture()
 {
-    QFileDialog dialog(this, "Save a picture of the view", QString(),
+    QFileDialog dialog(this, "Save a picture of the view", folderOfFiles(),
                        "Pictures (" + pictureNamePatterns() + ")");
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setDefaultSuffix("png"); // before the dialog asks whether to overwrite
@@ -525,10 +619,16 @@ void MainWindow::savePicture(const QString& file)
 
 // Files
 
+QString MainWindow::folderOfFiles() const
+{
+    const QStringList names = namesOf(shownFiles);
+    return names.empty() ? QString() : QFileInfo(names.front()).absolutePath();
+}
+
 void MainWindow::chooseFiles()
 {
     openFiles(QFileDialog::getOpenFileNames(
-        this, "Open", QString(),
+        this, "Open", folderOfFiles(),
         "Configurations (*.txt *.dat *.csv *.tsv *.xyz *.json);;All files (*)"));
 }
 
@@ -574,14 +674,44 @@ void MainWindow::updateRecentMenu()
 
 // Window
 
+// The viewer makes its dialog of the lights anew for each scene.
+void MainWindow::prepareDialogs()
+{
+    for (const LightingDialog* lights : findChildren<LightingDialog*>()) {
+        for (QLineEdit* field : lights->findChildren<QLineEdit*>())
+            acceptDecimalComma(*field);
+    }
+    auto* folder = findChild<QLineEdit*>("dirLineEdit");
+    if (folder->text() != screenshotFolder)
+        return; // the user's choice
+    const QString path = folderOfFiles();
+    // The dialog's paths are ASCII.
+    screenshotFolder = !path.isEmpty() && isAscii(path) ? path : QString("./");
+    folder->setText(screenshotFolder);
+}
+
+void MainWindow::setFullScreen(bool full)
+{
+    setWindowState(full ? windowState() | Qt::WindowFullScreen
+                        : windowState() & ~Qt::WindowFullScreen);
+}
+
+void MainWindow::changeEvent(QEvent* event)
+{
+    SoQtGeneralViewerDialog::changeEvent(event);
+    if (event->type() == QEvent::WindowStateChange)
+        fullScreenAction->setChecked(isFullScreen());
+}
+
 void MainWindow::restoreWindow()
 {
     resize(1000, 750);
     if (options.windowSize)
-        resize(QSize(options.windowSize->first, options.windowSize->second)
-                   .boundedTo(screen()->availableVirtualSize()));
+        resize(options.windowSize->first, options.windowSize->second);
     else
         restoreGeometry(QSettings().value(GEOMETRY).toByteArray());
+    setFullScreen(false); // not even if the last window ended so
+    screenFitter = std::make_unique<ScreenFitter>(*this);
 }
 
 void MainWindow::done(int result)
@@ -618,6 +748,8 @@ void MainWindow::buildFileMenu(QMenu& menu)
                                 QKeySequence(Qt::Key_Escape));
     stopAction->setIconText("Stop");
     stopAction->setEnabled(false);
+    sceneActions.push_back(
+        menu.addAction("Read a&gain", this, &MainWindow::readAgain, QKeySequence("F5")));
     menu.addSeparator();
     QAction* save =
         menu.addAction(style()->standardIcon(QStyle::SP_DialogSaveButton), "&Save a picture...",
@@ -629,7 +761,8 @@ void MainWindow::buildFileMenu(QMenu& menu)
         menu.addAction("Copy c&amera", this, &MainWindow::copyCamera, QKeySequence("Ctrl+K")));
     menu.addAction("Copy s&tatus text", this, &MainWindow::copyStatusText, QKeySequence("Ctrl+C"));
     menu.addSeparator();
-    menu.addAction("&Quit\tAlt+F4", this, &QWidget::close);
+    menu.addAction("C&lose", this, &QWidget::close, QKeySequence("Ctrl+W"));
+    menu.addAction("&Quit", this, &QWidget::close, QKeySequence("Ctrl+Q"));
 
     tools->addAction(open);
     tools->addAction(save);
@@ -662,6 +795,11 @@ void MainWindow::buildViewMenu(QMenu& menu)
     connect(perspectiveAction, &QAction::triggered, this, &MainWindow::setPerspective);
     sceneActions.push_back(perspectiveAction);
     tools->addAction(perspectiveAction);
+    fullScreenAction = menu.addAction("&Full screen");
+    fullScreenAction->setCheckable(true);
+    fullScreenAction->setShortcut(QKeySequence("F11"));
+    connect(fullScreenAction, &QAction::triggered, this, &MainWindow::setFullScreen);
+    menu.addSeparator();
 
     struct Step
     {
@@ -720,6 +858,10 @@ void MainWindow::buildLookMenu(QMenu& menu)
     sceneActions.push_back(addKeyAction(menu, "Thi&nner lines", "-", SoKeyboardEvent::MINUS));
     menu.addSeparator();
     addKeyAction(menu, "White or black &background", "B", SoKeyboardEvent::B);
+    QAction* axes = menu.addAction("A&xes in the corner");
+    axes->setCheckable(true);
+    axes->setChecked(true);
+    connect(axes, &QAction::triggered, this, [this](bool shown) { ownedViewer->axes.show(shown); });
     framesAction = addKeySwitch(menu, "&Frames per second", "F", SoKeyboardEvent::F);
     wheelsAction = addKeySwitch(menu, "W&heels and buttons", "Return", SoKeyboardEvent::RETURN);
     pickingAction =
@@ -833,8 +975,10 @@ std::string runWindow(const Options& options, const MainWindow::Loader& loader, 
         failure = *options.windowPicture + ": the window was closed before its picture was taken";
         const auto takePicture = [&] {
             QTimer::singleShot(int(1000 * options.windowPictureAfter), &window, [&] {
-                failure = saveWindow(window, *options.windowPicture);
-                window.close();
+                window.whenPainted([&] {
+                    failure = saveWindow(window, *options.windowPicture);
+                    window.close();
+                });
             });
         };
         if (window.isLoading())

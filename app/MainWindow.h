@@ -38,17 +38,23 @@ public:
     MainWindow(const Options& options, Loader loader);
     ~MainWindow() override;
 
+    enum CameraChoice { NEW_CAMERA, SAME_CAMERA };
+
     /// Shows the scene of these files instead of the present one, with the camera that
-    /// the options ask for.
-    void showScene(DataScene* scene, const std::vector<std::string>& files);
+    /// the options ask for, or that of the present one.
+    void showScene(DataScene* scene, const std::vector<std::string>& files,
+                   CameraChoice choice = NEW_CAMERA);
     /// Puts the files at the top of those to open again.
     static void rememberFiles(const QStringList& files);
     CameraNumbers getCameraNumbers() const;
     bool hasScene() const;
+    /// Acts once, as soon as the screen shows a whole frame that was drawn after this call.
+    void whenPainted(std::function<void()> act);
 
     /// Shows the scene of a job when it is there, and then tells of success or failure. What
     /// is being loaded is stopped.
-    void follow(std::unique_ptr<LoadJob> newJob, std::function<void(const ReadReport&)> tell);
+    void follow(std::unique_ptr<LoadJob> newJob, std::function<void(const ReadReport&)> tell,
+                CameraChoice choice = NEW_CAMERA);
     bool isLoading() const;
 
 signals:
@@ -64,7 +70,9 @@ public slots:
     void chooseFiles();
     /// Loads the files, which stops what is being loaded, and shows them then; tells in a
     /// message box if it cannot, and shows what it showed. What takes long is not waited for.
-    void openFiles(const QStringList& files);
+    void openFiles(const QStringList& files, CameraChoice choice = NEW_CAMERA);
+    /// The files that are shown, with the camera as it is.
+    void readAgain();
     /// What is shown stays.
     void stopLoading();
     void choosePicture();
@@ -78,6 +86,7 @@ public slots:
     void viewAll();
     void viewFrom(Side side);
     void setPerspective(bool perspective);
+    void setFullScreen(bool full);
 
     // Look
     /// Whether data give the colours, in this scene and in those to come.
@@ -88,6 +97,7 @@ public slots:
     void showAbout();
 
 protected:
+    void changeEvent(QEvent* event) override;
     void done(int result) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
@@ -108,6 +118,9 @@ private:
     void pressKey(int key, Qt::KeyboardModifier modifier = Qt::NoModifier);
 
     void updateRecentMenu();
+    /// Where the first of the shown files is; empty for none.
+    QString folderOfFiles() const;
+    void prepareDialogs();
     void restoreWindow();
     void showLoading();
     void showDrawing();
@@ -125,7 +138,9 @@ private:
     Options options;
     Loader loader;
     std::unique_ptr<Viewer> ownedViewer;
+    std::unique_ptr<QObject> screenFitter;
     DataScene* scene = nullptr; // kept by the viewer
+    std::vector<std::string> shownFiles;
     std::optional<CameraNumbers> fitted;
     CameraRequest home;           ///< where the scene is seen from at the beginning
     std::unique_ptr<LoadJob> job; // at work, else null
@@ -136,7 +151,9 @@ private:
     LoadBar* loadBar = nullptr;
     QAction* stopAction = nullptr;
     QMenu* recentMenu = nullptr;
+    QString screenshotFolder = "./"; // as the dialog comes
     QAction* perspectiveAction = nullptr;
+    QAction* fullScreenAction = nullptr;
     // Ticked as the viewer is, whoever changed it.
     QAction* boxesAction = nullptr;
     QAction* framesAction = nullptr;

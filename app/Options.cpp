@@ -216,7 +216,8 @@ void addWindowPicture(CLI::App& app, CLI::Option* render, Options& options)
     };
     app.add_option_function<std::vector<std::string>>(
            "--screenshot-after", parse,
-           "Write a picture of the whole window after so many seconds, and end")
+           "Write a picture of the whole window after so many seconds, once it is "
+           "painted, and end")
         ->type_name("SECONDS OUT.png")
         ->expected(2)
         ->allow_extra_args(false)

@@ -15,6 +15,7 @@ ScreenshotDialog::ScreenshotDialog(QWidget* parent, int viewWidth, int viewHeigh
       glWidth(viewWidth),
       glHeight(viewHeight)
 {
+    setLocale(QLocale::c()); // a decimal point, as in the viewer's other fields
     form->setupUi(this);
     setWindowModality(Qt::ApplicationModal);
 

@@ -16,6 +16,8 @@ class Ui_ScreenshotDialog;
 /// running index if wanted, an extension, and a size in pixels, either typed in or the
 /// view's times a factor. The file name that comes out is shown as it changes.
 ///
+/// The factor is shown and typed with a decimal point in every locale.
+///
 /// Modal to the application. All fields keep their values from one exec() to the next.
 class STRANDVIEW_EXPORT ScreenshotDialog : public QDialog
 {

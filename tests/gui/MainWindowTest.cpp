@@ -2,17 +2,23 @@
 // The program's window as its user sees it: a real window, keys, clicks, menus and drops.
 #include "MainWindow.h"
 
+#include <clocale>
 #include <cmath>
 #include <fstream>
 #include <functional>
 #include <memory>
 #include <sstream>
 
+#include <sys/stat.h>
+
+#include <Inventor/nodes/SoShaderParameter.h>
+#include <LightingDialog.h>
 #include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
 #include <QDir>
+#include <QDoubleSpinBox>
 #include <QDropEvent>
 #include <QFileDialog>
 #include <QGLWidget>
@@ -36,6 +42,7 @@
 #include <QWheelEvent>
 #include <gmock/gmock.h>
 
+#include "AxisCross.h"
 #include "DataScene.h"
 #include "Keys.h"
 #include "SceneBuilder.h"
@@ -128,6 +135,7 @@ protected:
         ASSERT_EQ(checkDisplay(), "");
         static QTemporaryDir settings;
         qputenv("XDG_CONFIG_HOME", settings.path().toLocal8Bit());
+        qputenv("LC_ALL", "C.UTF-8"); // not the one that programs start with
         QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
         initialiseWindows("MainWindowTest");
         initialiseScene();
@@ -311,6 +319,29 @@ TEST_F(MainWindowTest, SaysSoWhenItIsClosedBeforeItsPictureIsTaken)
     EXPECT_FALSE(QFile::exists(folder.filePath("window.png")));
 }
 
+TEST_F(MainWindowTest, APictureOfTheWindowIsNeverTakenBeforeTheViewIsPainted)
+{
+    const std::string file = write("straight.txt", STRAIGHT);
+    const std::string out = folder.filePath("window.png").toStdString();
+    for (int i = 0; i < 5; ++i) {
+        const ProgramRun run =
+            runProgram(STRANDVIEW_PROGRAM,
+                       {"--size", "500x400", "--tube-colour", "#ff0000", "--background", "#0000ff",
+                        "--radius", "0.2", "--screenshot-after", "0", out, file},
+                       "", {{"DISPLAY", qgetenv("DISPLAY").toStdString()}});
+        ASSERT_EQ(run.status, 0) << run.error;
+        const QImage picture(QString::fromStdString(out));
+        ASSERT_EQ(picture.size(), QSize(500, 400));
+        EXPECT_GT(count(picture, isRed), 10000) << i;
+        EXPECT_EQ(count(picture, [](const QColor& c) { return c == QColor(90, 10, 165); }), 0)
+            << "the marks of the wait";
+        // The corners of the view, above the status bar and below the tool bar.
+        for (const QPoint corner : {QPoint(1, 80), QPoint(498, 80), QPoint(1, 360)})
+            EXPECT_EQ(picture.pixelColor(corner), QColor(0, 0, 255)) << i;
+        QFile::remove(QString::fromStdString(out));
+    }
+}
+
 TEST_F(MainWindowTest, FilesOfTheCommandLineAreRecentButStandardInputIsNot)
 {
     options.files = {write("straight.txt", STRAIGHT)};
@@ -351,10 +382,13 @@ void tryEverything(MainWindow& window, QWidget& view)
         keys.push_back(key);
     for (int key = Qt::Key_Escape; key <= Qt::Key_PageDown; ++key)
         keys.push_back(key);
-    keys.insert(keys.end(), {Qt::Key_Shift, Qt::Key_Control, Qt::Key_Alt, Qt::Key_F1, Qt::Key_F12});
+    keys.insert(keys.end(), {Qt::Key_Shift, Qt::Key_Control, Qt::Key_Alt, Qt::Key_F1, Qt::Key_F5,
+                             Qt::Key_F11, Qt::Key_F12});
     for (const int key : keys) {
         for (const auto modifier :
              {Qt::NoModifier, Qt::ShiftModifier, Qt::ControlModifier, Qt::AltModifier}) {
+            if (modifier == Qt::ControlModifier && (key == Qt::Key_Q || key == Qt::Key_W))
+                continue; // close it
             // Of any key: keyClick() knows those alone that have a letter.
             QTest::sendKeyEvent(QTest::Click, &view, Qt::Key(key), QString(), modifier);
             QApplication::processEvents();
@@ -368,7 +402,7 @@ void tryEverything(MainWindow& window, QWidget& view)
         QTest::mouseClick(&view, button, Qt::ControlModifier, view.rect().center());
     }
     for (QAction* action : window.findChildren<QAction*>()) {
-        if (plainText(*action) == "Quit")
+        if (plainText(*action) == "Quit" || plainText(*action) == "Close")
             continue;
         action->trigger();
         QApplication::processEvents();
@@ -405,11 +439,23 @@ TEST_F(MainWindowTest, NothingHarmsAWindowWithAScene)
     EXPECT_TRUE(window->isVisible());
 }
 
-TEST_F(MainWindowTest, QuitClosesIt)
+TEST_F(MainWindowTest, EntriesAndKeysCloseIt)
 {
-    open({});
-    action("Quit")->trigger();
-    EXPECT_FALSE(window->isVisible());
+    for (const char* entry : {"Quit", "Close"}) {
+        open({});
+        action(entry)->trigger();
+        EXPECT_FALSE(window->isVisible()) << entry;
+    }
+    for (const Qt::Key key : {Qt::Key_Q, Qt::Key_W}) {
+        open({write("straight.txt", STRAIGHT)});
+        press(key, Qt::ControlModifier);
+        EXPECT_FALSE(window->isVisible()) << key;
+    }
+}
+
+TEST_F(MainWindowTest, NumbersHaveADecimalPointWhateverTheUsersLocale)
+{
+    EXPECT_STREQ(std::setlocale(LC_NUMERIC, nullptr), "C");
 }
 
 // Files
@@ -472,6 +518,97 @@ TEST_F(MainWindowTest, OpensTheFilesThatAreChosen)
     EXPECT_TRUE(window->hasScene());
     EXPECT_EQ(window->windowTitle().toStdString(), file + " - strandview");
     EXPECT_TRUE(comesToShowTheRod());
+}
+
+TEST_F(MainWindowTest, DialogsStartWhereTheShownFileIs)
+{
+    QStringList folders;
+    const Answers answers([&](QWidget& dialog) {
+        if (const auto* chooser = qobject_cast<QFileDialog*>(&dialog))
+            folders.append(chooser->directory().canonicalPath());
+    });
+    QDir(folder.path()).mkdir("inner");
+    open({write("inner/straight.txt", STRAIGHT)});
+    window->chooseFiles();
+    window->choosePicture();
+    const QString inner = QFileInfo(folder.filePath("inner")).canonicalFilePath();
+    EXPECT_EQ(folders, QStringList({inner, inner}));
+
+    window->openFiles({QString::fromStdString(write("straight.txt", STRAIGHT))});
+    window->chooseFiles();
+    EXPECT_EQ(folders.last(), QFileInfo(folder.path()).canonicalFilePath());
+}
+
+TEST_F(MainWindowTest, ScreenshotsGoWhereTheShownFileIsUnlessTheUserChoseAnotherFolder)
+{
+    const std::string file = write("straight.txt", STRAIGHT);
+    open({});
+    auto* where = window->findChild<QLineEdit*>("dirLineEdit");
+    EXPECT_EQ(where->text(), "./");
+    window->openFiles({QString::fromStdString(file)});
+    EXPECT_EQ(where->text(), folder.path());
+    where->setText("/elsewhere");
+    window->openFiles({QString::fromStdString(file)});
+    EXPECT_EQ(where->text(), "/elsewhere");
+}
+
+// Reading again
+
+TEST_F(MainWindowTest, ReadsTheFilesAgainAndTheCameraStays)
+{
+    const std::string file = write("straight.txt", STRAIGHT);
+    open({file});
+    ASSERT_TRUE(comesToShowTheRod());
+    press(Qt::Key_P);
+    press(Qt::Key_D, Qt::AltModifier);
+    const CameraNumbers before = window->getCameraNumbers();
+    write("straight.txt", "0 0 0\n0 8 0\n0 9 0\n");
+    press(Qt::Key_F5);
+    EXPECT_TRUE(window->getCameraNumbers() == before);
+    EXPECT_THAT(statusText(), HasSubstr("parallel transport"));
+    EXPECT_EQ(window->windowTitle().toStdString(), file + " - strandview");
+    window->viewFrom(Side::Z);
+    EXPECT_NEAR(window->getCameraNumbers().position[1], 4.5, 0.01);
+}
+
+TEST_F(MainWindowTest, AFittedViewIsStillFittedAfterItsFilesWereReadAgain)
+{
+    open({write("straight.txt", STRAIGHT)});
+    const CameraNumbers before = window->getCameraNumbers();
+    action("Read again")->trigger();
+    EXPECT_TRUE(window->getCameraNumbers() == before);
+    window->resize(400, 700);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return view()->width() == 400; }));
+    EXPECT_LT(pixelOf(2, 0).x() - pixelOf(0, 0).x(), 400);
+}
+
+TEST_F(MainWindowTest, AFileThatIsGoneWhenItIsReadAgainIsToldAndStaysInView)
+{
+    const std::string file = write("straight.txt", STRAIGHT);
+    open({file});
+    const CameraNumbers before = window->getCameraNumbers();
+    QFile::remove(QString::fromStdString(file));
+    Answers answers;
+    press(Qt::Key_F5);
+    ASSERT_EQ(answers.texts.size(), 1u);
+    EXPECT_THAT(answers.texts[0], HasSubstr(file));
+    EXPECT_TRUE(window->getCameraNumbers() == before);
+    EXPECT_TRUE(comesToShowTheRod());
+}
+
+TEST_F(MainWindowTest, StandardInputAndPipesAreNotReadAgain)
+{
+    const std::string file = write("straight.txt", STRAIGHT);
+    const std::string pipe = folder.filePath("pipe").toStdString();
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    for (const std::string& name : {std::string("-"), pipe}) {
+        open({});
+        ReadReport report;
+        window->showScene(loadScene({file}, options, report), {name});
+        press(Qt::Key_F5);
+        EXPECT_THAT(statusText(), StartsWith("Only files can be read again"));
+        EXPECT_TRUE(window->hasScene());
+    }
 }
 
 TEST_F(MainWindowTest, OpensWhatIsDropped)
@@ -580,8 +717,43 @@ TEST_F(MainWindowTest, IsNotLargerThanTheScreen)
 {
     options.windowSize = {30000, 20000};
     open({});
-    EXPECT_LE(window->width(), window->screen()->availableVirtualSize().width());
-    EXPECT_LE(window->height(), window->screen()->availableVirtualSize().height());
+    EXPECT_TRUE(QTest::qWaitFor([this] {
+        return window->frameGeometry() != window->geometry() &&
+               window->screen()->availableGeometry().contains(window->frameGeometry());
+    }));
+}
+
+TEST_F(MainWindowTest, FillsTheScreenAndComesBack)
+{
+    open({write("straight.txt", STRAIGHT)});
+    const auto comesToBe = [this](bool full) {
+        return QTest::qWaitFor([&] {
+            return (window->size() == window->screen()->size()) == full &&
+                   action("Full screen")->isChecked() == full;
+        });
+    };
+    press(Qt::Key_F11);
+    EXPECT_TRUE(comesToBe(true));
+    press(Qt::Key_F11);
+    EXPECT_TRUE(comesToBe(false));
+    EXPECT_EQ(window->size(), QSize(520, 420));
+    action("Full screen")->trigger();
+    EXPECT_TRUE(comesToBe(true));
+}
+
+TEST_F(MainWindowTest, TheNextWindowDoesNotFillTheScreen)
+{
+    options.windowSize.reset();
+    open({});
+    window->resize(543, 432);
+    QTest::qWait(100);
+    press(Qt::Key_F11);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return window->width() > 543; }));
+    window->close();
+    open({});
+    QTest::qWait(100);
+    EXPECT_FALSE(window->isFullScreen());
+    EXPECT_EQ(window->size(), QSize(543, 432));
 }
 
 TEST_F(MainWindowTest, CanBeMadeTinyAndLongTextsDoNotWidenIt)
@@ -1008,7 +1180,7 @@ TEST_F(MainWindowTest, TurningOrPickingIsToldByStatusBarAndMenuWhoeverChangesIt)
         EXPECT_TRUE(isToldInStatusBar(picking ? "Picking" : "Turning"));
         EXPECT_FALSE(isToldInStatusBar(picking ? "Turning" : "Picking"));
         if (picking)
-            EXPECT_THAT(statusText(), AllOf(StartsWith("Picking: "), HasSubstr("Esc: turning")));
+            EXPECT_THAT(statusText(), AllOf(StartsWith("Picking: "), HasSubstr("Esc turns again")));
         else
             EXPECT_EQ(statusText(), turningHint);
     };
@@ -1124,6 +1296,97 @@ TEST_F(MainWindowTest, ACtrlClickBringsThePointToTheMiddle)
 }
 
 // Look
+
+// The corner that holds the axes.
+QImage axesOf(const QImage& view)
+{
+    const int side = 2 * int(AxisCross::HALF_SIDE);
+    return view.copy(view.width() - side, view.height() - side, side, side);
+}
+
+bool isAxis(const QColor& c)
+{
+    const int most = std::max({c.red(), c.green(), c.blue()});
+    const int least = std::min({c.red(), c.green(), c.blue()});
+    return most > 120 && most - least > 100;
+}
+
+TEST_F(MainWindowTest, AxesInTheCornerAreSeenInTheWindowAloneAndCanBeTakenAway)
+{
+    options.tubeColour = Colour{0.5, 0.5, 0.5};
+    open({write("straight.txt", STRAIGHT)});
+    const auto seen = [](const QImage& p) { return count(axesOf(p), isAxis) > 100; };
+    const auto notSeen = [](const QImage& p) { return count(p, isAxis) == 0; };
+    EXPECT_TRUE(comesToShow(seen));
+    EXPECT_EQ(
+        count(shown(),
+              [](const QColor& c) { return c.red() > 200 && c.green() > 200 && c.blue() < 100; }),
+        0)
+        << "no yellow";
+    press(Qt::Key_B);
+    EXPECT_TRUE(comesToShow(
+        [&](const QImage& p) { return seen(p) && p.pixelColor(4, 4) == QColor(Qt::black); }));
+    const QString file = folder.filePath("picture.png");
+    window->savePicture(file);
+    EXPECT_TRUE(notSeen(QImage(file)));
+    action("Axes in the corner")->trigger();
+    EXPECT_TRUE(comesToShow(notSeen));
+    action("Axes in the corner")->trigger();
+    EXPECT_TRUE(comesToShow(seen));
+}
+
+TEST_F(MainWindowTest, AxesTurnWithTheCamera)
+{
+    options.tubeColour = Colour{0.5, 0.5, 0.5};
+    open({write("straight.txt", STRAIGHT)});
+    const auto red = [](const QColor& c) { return c.red() > 180 && c.green() < 100; };
+    const auto redWidth = [&](const QImage& p) {
+        const QImage axes = axesOf(p);
+        int columns = 0;
+        for (int x = 0; x < axes.width(); ++x)
+            columns += count(axes.copy(x, 0, 1, axes.height()), red) > 0;
+        return columns;
+    };
+    EXPECT_TRUE(comesToShow([&](const QImage& p) { return redWidth(p) > 30; }));
+    press(Qt::Key_P);
+    press(Qt::Key_X);
+    EXPECT_TRUE(comesToShow([&](const QImage& p) { return redWidth(p) > 0 && redWidth(p) < 20; }));
+    press(Qt::Key_Y);
+    EXPECT_TRUE(comesToShow([&](const QImage& p) { return redWidth(p) > 30; }));
+}
+
+TEST_F(MainWindowTest, ACommaTypedIntoANumberIsAPoint)
+{
+    open({write("straight.txt", STRAIGHT)});
+    zoomField()->setFocus();
+    zoomField()->selectAll();
+    QTest::keyClicks(zoomField(), "50,5");
+    QTest::keyClick(zoomField(), Qt::Key_Return);
+    EXPECT_EQ(zoomField()->text(), "50.5");
+
+    ReadReport report;
+    DataScene* scene = loadScene({write("straight.txt", STRAIGHT)}, options, report);
+    window->showScene(scene, {});
+    press(Qt::Key_L);
+    auto* lights = window->findChild<LightingDialog*>();
+    auto* intensity = lights->findChild<QLineEdit*>("intensity2LineEdit");
+    intensity->selectAll();
+    QTest::keyClicks(intensity, "0,25");
+    QTest::keyClick(intensity, Qt::Key_Return);
+    EXPECT_EQ(intensity->text(), "0.25");
+    SoShaderParameterArray3f* directions = nullptr;
+    SoShaderParameterArray1f *intensities = nullptr, *shininess = nullptr;
+    scene->getLightingParameters(directions, intensities, shininess);
+    EXPECT_EQ(intensities->value[1], 0.25f);
+
+    const Answers answers([](QWidget& dialog) {
+        auto* factor = dialog.findChild<QDoubleSpinBox*>("multDoubleSpinBox");
+        factor->selectAll();
+        QTest::keyClicks(factor, "1,5");
+        EXPECT_EQ(factor->value(), 1.5);
+    });
+    press(Qt::Key_I);
+}
 
 TEST_F(MainWindowTest, TheBackgroundKeyChangesBetweenWhiteAndBlackAndTheMenuAgain)
 {

@@ -424,6 +424,23 @@ TEST_F(ScreenshotDialogTest, TheSizeIsTheViewsTimesTheFactorCutToWholePixels)
     EXPECT_THAT(imageSize(), ElementsAre(36, 38));
 }
 
+TEST_F(ScreenshotDialogTest, TheFactorHasADecimalPointInEveryLocale)
+{
+    const QLocale before;
+    QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+    ScreenshotDialog german(nullptr, 800, 600);
+    QLocale::setDefault(before);
+    auto* factor = child<QDoubleSpinBox>(german, "multDoubleSpinBox");
+    EXPECT_EQ(factor->text(), "1.000");
+    ASSERT_TRUE(showActive(german));
+    typeOver(*factor, "1.5");
+    EXPECT_EQ(factor->value(), 1.5);
+    int width = 0, height = 0;
+    german.getImageSize(width, height);
+    EXPECT_EQ(width, 1200);
+    EXPECT_EQ(height, 900);
+}
+
 TEST_F(ScreenshotDialogTest, NoSideIsBelowOnePixel)
 {
     multDoubleSpinBox->setValue(0.001);
