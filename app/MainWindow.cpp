@@ -53,6 +53,7 @@
 #include "PictureWriter.h"
 #include "ScreenFitter.h"
 #include "StatusText.h"
+#include "checkDisplay.h"
 #include "decimalComma.h"
 
 namespace {
@@ -256,8 +257,9 @@ private:
 
 void initialiseWindows(const char* programName)
 {
-    // Coin calls X11 itself and crashes under Qt's Wayland plugin.
-    setenv("QT_QPA_PLATFORM", "xcb", 0);
+    const std::string notice = chooseX11();
+    if (!notice.empty())
+        std::cerr << programName << ": " << notice << "\n";
     SoQtGeneralViewer::setDefaultAntialiasingLevel(4);
     SoQt::init(programName, programName);
     std::setlocale(LC_NUMERIC, "C"); // Qt took the user's; numbers have a decimal point here

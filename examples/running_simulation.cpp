@@ -81,6 +81,7 @@ private:
 
 int main(int, char** argv)
 {
+    qputenv("QT_QPA_PLATFORM", "xcb"); // Coin speaks X11 alone, under Wayland, too
     QWidget* window = SoQt::init(argv[0]);
     SoQtGeneralViewer::initClass();
     SoMeshShape::initClass();

@@ -99,6 +99,7 @@ public:
 
 int main(int, char** argv)
 {
+    qputenv("QT_QPA_PLATFORM", "xcb");                 // Coin speaks X11 alone, under Wayland, too
     SoQtGeneralViewer::setDefaultAntialiasingLevel(4); // before the viewer is made
     SoQt::init(argv[0]);
     SoQtGeneralViewer::initClass();

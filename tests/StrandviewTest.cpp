@@ -1,13 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The host program as its user sees it: arguments, files, lines and exit statuses.
+#include <atomic>
 #include <cmath>
+#include <cstdint>
 #include <fstream>
 #include <functional>
 #include <set>
 #include <sstream>
 #include <thread>
 
+#include <netinet/in.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <QDir>
 #include <QFile>
@@ -1260,6 +1265,75 @@ TEST_F(StrandviewTest, AWindowWithoutADisplayIsRefusedInOneLine)
     expectOneLine(result.error);
     EXPECT_THAT(result.error, HasSubstr("DISPLAY"));
     EXPECT_THAT(result.error, HasSubstr("--render"));
+}
+
+// An X server that lets nobody in, and says why. It serves one client.
+class RefusingServer
+{
+public:
+    RefusingServer() : listener(socket(AF_INET, SOCK_STREAM, 0))
+    {
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        // Display N is port 6000 + N.
+        for (number = 2000; number < 2100; ++number) {
+            address.sin_port = htons(std::uint16_t(6000 + number));
+            if (bind(listener, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0)
+                break;
+        }
+        listen(listener, 1);
+        server = std::thread([this] { serve(); });
+    }
+    ~RefusingServer()
+    {
+        shutdown(listener, SHUT_RDWR);
+        server.join();
+        close(listener);
+    }
+
+    std::string getDisplay() const { return "127.0.0.1:" + std::to_string(number); }
+    bool wasAsked() const { return asked; }
+
+private:
+    void serve()
+    {
+        const int client = accept(listener, nullptr, nullptr);
+        if (client < 0)
+            return;
+        char request[12];
+        asked = read(client, request, sizeof request) == sizeof request;
+        // Failed, 20 letters, version 11.0, 5 words to follow.
+        const char reply[] = "\0\24\13\0\0\0\5\0No one is let in her";
+        asked = asked && write(client, reply, sizeof reply - 1) == sizeof reply - 1;
+        close(client);
+    }
+
+    int listener;
+    int number = 0;
+    std::atomic<bool> asked{false};
+    std::thread server;
+};
+
+TEST_F(StrandviewTest, ADisplayThatLetsNobodyInIsToldInOneLineOfOurs)
+{
+    const RefusingServer server;
+    const ProgramRun result =
+        run({write("rod.txt", HELIX)}, "", {{"DISPLAY", server.getDisplay()}});
+    EXPECT_TRUE(server.wasAsked());
+    EXPECT_EQ(result.status, 1);
+    expectOneLine(result.error);
+    EXPECT_THAT(result.error, HasSubstr("DISPLAY=" + server.getDisplay()));
+}
+
+TEST_F(StrandviewTest, AWaylandPlatformWithoutADisplayIsRefusedInOneLine)
+{
+    const ProgramRun result =
+        run({write("rod.txt", HELIX)}, "",
+            {{"QT_QPA_PLATFORM", "wayland"}, {"WAYLAND_DISPLAY", "wayland-0"}});
+    EXPECT_EQ(result.status, 1);
+    expectOneLine(result.error);
+    EXPECT_THAT(result.error, HasSubstr("Xwayland"));
 }
 
 } // namespace

@@ -342,6 +342,30 @@ TEST_F(MainWindowTest, APictureOfTheWindowIsNeverTakenBeforeTheViewIsPainted)
     }
 }
 
+TEST_F(MainWindowTest, OpensOnTheXDisplayWhateverPlatformIsAskedFor)
+{
+    const std::string file = write("straight.txt", STRAIGHT);
+    const std::string out = folder.filePath("window.png").toStdString();
+    QDir(folder.path()).mkdir("run");
+    const auto show = [&](const std::string& platform) {
+        const ProgramRun run =
+            runProgram(STRANDVIEW_PROGRAM, {"--screenshot-after", "0", out, file}, "",
+                       {{"DISPLAY", qgetenv("DISPLAY").toStdString()},
+                        {"XDG_RUNTIME_DIR", folder.filePath("run").toStdString()},
+                        {"QT_QPA_PLATFORM", platform}});
+        EXPECT_EQ(run.status, 0) << platform;
+        EXPECT_TRUE(QFile::remove(QString::fromStdString(out))) << platform;
+        return run.error;
+    };
+    const std::string notices = show("xcb");
+    for (const char* platform : {"", "wayland", "wayland;xcb", "wayland-egl"})
+        EXPECT_EQ(show(platform), notices) << platform;
+    for (const char* platform : {"minimal", "no-such"})
+        EXPECT_EQ(show(platform), std::string("strandview: found QT_QPA_PLATFORM=") + platform +
+                                      ", expected xcb: the window opens on the X display\n" +
+                                      notices);
+}
+
 TEST_F(MainWindowTest, FilesOfTheCommandLineAreRecentButStandardInputIsNot)
 {
     options.files = {write("straight.txt", STRAIGHT)};

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Runs a program on a display of its own, with a window manager.
+# Runs a program on a display of its own, with a window manager. XVFB_ARGUMENTS, if set, are
+# more of the display's server.
 set -euo pipefail
 
 folder=$(mktemp -d)
@@ -13,8 +14,8 @@ trap 'stop; rm -rf "$folder"' EXIT
 # A number of our own, because a server that ends may remove the socket of the next one
 # with its number. The server names the number once clients may come.
 start() {
-    Xvfb ":$1" -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp 3>"$folder/number" \
-        2>"$folder/log" &
+    Xvfb ":$1" -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp ${XVFB_ARGUMENTS:-} \
+        3>"$folder/number" 2>"$folder/log" &
     server=$!
     until [ -s "$folder/number" ]; do
         kill -0 $server 2>/dev/null || return 1
