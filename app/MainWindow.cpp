@@ -775,8 +775,9 @@ void MainWindow::buildViewMenu(QMenu& menu)
     QAction* all = menu.addAction("View &all", this, &MainWindow::viewAll, QKeySequence("V"));
     sceneActions.push_back(all);
     tools->addAction(all);
-    sceneActions.push_back(
-        addKeyAction(menu, "As at the &beginning", "Home", SoKeyboardEvent::HOME));
+    // The viewer's own key is off while it picks.
+    sceneActions.push_back(menu.addAction(
+        "As at the &beginning", this, [this] { place(home); }, QKeySequence("Home")));
     menu.addSeparator();
     const std::vector<std::pair<QString, Side>> sides{{"x", Side::X}, {"-x", Side::MINUS_X},
                                                       {"y", Side::Y}, {"-y", Side::MINUS_Y},
