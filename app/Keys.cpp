@@ -10,7 +10,7 @@ const std::vector<KeyGroup>& keyHelp()
           {"wheel", "zooms"},
           {"right button, click", "tells point and arc length in the status bar"},
           {"Ctrl + left or right button, click", "brings the point clicked to the middle"},
-          {"Esc", "turning, or picking: the left button tells, drags are off"}}},
+          {"Esc", "turning, or picking: the left button tells, no drags"}}},
         {"Camera",
          {{"A D", "left, right"},
           {"W S", "up, down"},
