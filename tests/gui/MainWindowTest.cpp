@@ -366,10 +366,13 @@ TEST_F(MainWindowTest, OpensOnTheXDisplayWhateverPlatformIsAskedFor)
                                       notices);
 }
 
-TEST_F(MainWindowTest, FilesOfTheCommandLineAreRecentButStandardInputIsNot)
+TEST_F(MainWindowTest, FilesOfTheCommandLineAreRecentButStandardInputAndPipesAreNot)
 {
     options.files = {write("straight.txt", STRAIGHT)};
     options.files.emplace_back("-");
+    const std::string pipe = folder.filePath("pipe").toStdString();
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    options.files.push_back(pipe);
     QTimer::singleShot(100, [] {
         for (QWidget* widget : QApplication::topLevelWidgets())
             widget->close();
