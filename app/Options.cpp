@@ -67,16 +67,29 @@ void settleSamples(const CLI::Option* asked, Options& options)
     options.samples = fitting;
 }
 
+// One side of a range; empty leaves it open.
+bool parseLimit(const std::string& text, std::optional<double>& limit)
+{
+    if (text.empty())
+        return true;
+    double value = 0;
+    const auto parsed = std::from_chars(text.data(), text.data() + text.size(), value);
+    limit = value;
+    return parsed.ec == std::errc() && parsed.ptr == text.data() + text.size() &&
+           std::isfinite(value);
+}
+
 CLI::Option* addLength(CLI::App& app, const std::string& name, std::optional<double>& length,
                        const std::string& help)
 {
     return app
-        .add_option_function<double>(
+        .add_option_function<std::string>(
             name,
-            [name, &length](const double& value) {
-                if (!std::isfinite(value) || value <= 0)
-                    throw CLI::ValidationError(name, "expected a finite length above 0");
-                length = value;
+            [name, &length](const std::string& text) {
+                if (!parseLimit(text, length) || !length || *length <= 0) {
+                    throw CLI::ValidationError(name, "found " + inQuotes(text) +
+                                                         ", expected a length above 0");
+                }
             },
             help)
         ->type_name("LENGTH");
@@ -109,18 +122,6 @@ CLI::Option* addColour(CLI::App& app, const std::string& name, Target& colour,
             },
             help)
         ->type_name("COLOUR");
-}
-
-// One side of a range; empty leaves it open.
-bool parseLimit(const std::string& text, std::optional<double>& limit)
-{
-    if (text.empty())
-        return true;
-    double value = 0;
-    const auto parsed = std::from_chars(text.data(), text.data() + text.size(), value);
-    limit = value;
-    return parsed.ec == std::errc() && parsed.ptr == text.data() + text.size() &&
-           std::isfinite(value);
 }
 
 void addDna(CLI::App& app, Options& options)
@@ -366,7 +367,7 @@ ParsedOptions parseOptions(int argc, const char* const* argv)
         ->needs(render);
     addWindowPicture(app, render, options);
     app.add_flag("--normalise", options.normalise,
-                 "Accept quaternions that are not unit and normalise them");
+                 "Accept quaternions and directors that are not unit and normalise them");
 
     const std::string look = "Look";
     addLength(app, "--radius", options.radius, "Radius of the tube [from the data]")->group(look);

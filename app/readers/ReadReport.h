@@ -8,7 +8,8 @@
 
 struct ReadOptions
 {
-    /// Accept quaternions of any norm but zero and scale them to unit length.
+    /// Accept quaternions of any norm but zero and scale them to unit length, and any
+    /// right-handed directors and make them orthonormal.
     bool normalise = false;
     /// Asked now and then while a file is read, with the share of it that is done, from 0 to
     /// 1: whether to go on. If not, nothing is read, and the error says so.
