@@ -56,16 +56,23 @@ std::string formatCamera(const CameraNumbers& camera)
     return text;
 }
 
-std::optional<CameraNumbers> parseCamera(const std::string& text)
+std::optional<CameraNumbers> parseCamera(const std::string& text, std::string* expected)
 {
+    const auto refuse = [expected](const std::string& what) {
+        if (expected)
+            *expected = what;
+        return std::nullopt;
+    };
+    const char* const form = "the text that --print-camera gave: orthographic or perspective and "
+                             "9 numbers, with commas";
     const std::vector<std::string> parts = split(text);
     const std::size_t numberCount = 9;
     if (parts.size() != 1 + numberCount || (parts[0] != ORTHOGRAPHIC && parts[0] != PERSPECTIVE))
-        return std::nullopt;
+        return refuse(form);
     std::array<float, numberCount> numbers;
     for (std::size_t i = 0; i < numberCount; ++i) {
         if (!parseNumber(parts[1 + i], numbers[i]))
-            return std::nullopt;
+            return refuse(form);
     }
 
     CameraNumbers camera;
@@ -78,9 +85,15 @@ std::optional<CameraNumbers> parseCamera(const std::string& text)
     double square = 0;
     for (const float component : camera.orientation)
         square += double(component) * component;
-    const bool sizeFits = camera.size > 0 && (!camera.perspective || camera.size < M_PI);
-    if (std::abs(square - 1) > 0.01 || !(camera.focalDistance > 0) || !sizeFits)
-        return std::nullopt;
+    if (std::abs(square - 1) > 0.01)
+        return refuse("a unit quaternion in the numbers 4 to 7, theirs has the norm " +
+                      shortest(float(std::sqrt(square))));
+    if (!(camera.focalDistance > 0))
+        return refuse("a focal distance, number 8, above 0");
+    if (!(camera.size > 0))
+        return refuse("a size, number 9, above 0");
+    if (camera.perspective && !(camera.size < M_PI))
+        return refuse("an angle, number 9, below pi: radians");
     if (std::abs(square - 1) > ROUNDING) {
         for (float& component : camera.orientation)
             component = float(component / std::sqrt(square));

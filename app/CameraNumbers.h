@@ -24,8 +24,9 @@ bool operator==(const CameraNumbers& a, const CameraNumbers& b);
 /// number in as many digits as give it back.
 std::string formatCamera(const CameraNumbers& camera);
 
-/// The camera of such a text, or nothing if it is none. What formatCamera() gave comes
-/// back bit for bit; a quaternion that was shortened by hand is normalised.
-std::optional<CameraNumbers> parseCamera(const std::string& text);
+/// The camera of such a text, or nothing if it is none; `expected`, if not null, is then told
+/// what was. What formatCamera() gave comes back bit for bit; a quaternion that was shortened
+/// by hand is normalised.
+std::optional<CameraNumbers> parseCamera(const std::string& text, std::string* expected = nullptr);
 
 #endif

@@ -29,6 +29,7 @@ public:
 
     /// The box that everything added lies in.
     void extendBox(const SbBox3f& more);
+    const SbBox3f& getBox() const { return box; }
 
     /// The side that it is seen from unless another is asked for.
     void setSide(Side side) { standardSide = side; }

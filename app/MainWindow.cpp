@@ -55,6 +55,7 @@
 #include "StatusText.h"
 #include "checkDisplay.h"
 #include "decimalComma.h"
+#include "printCamera.h"
 
 namespace {
 
@@ -606,7 +607,7 @@ void MainWindow::savePicture(const QString& file)
         failure = writePicture(scene, {name,
                                        size[0],
                                        size[1],
-                                       fittingSamples(options.samples, size[0], size[1]),
+                                       options.samples,
                                        {background[0], background[1], background[2]},
                                        false,
                                        camera,
@@ -991,6 +992,6 @@ std::string runWindow(const Options& options, const MainWindow::Loader& loader, 
     }
     SoQt::mainLoop();
     if (options.printCamera && window.hasScene())
-        std::cout << formatCamera(window.getCameraNumbers()) << std::endl;
+        failure += failure.empty() ? printCamera(window.getCameraNumbers()) : "";
     return failure;
 }

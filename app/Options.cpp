@@ -2,9 +2,11 @@
 #include "Options.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <iostream>
 #include <map>
 #include <sstream>
@@ -18,6 +20,7 @@
 
 namespace {
 
+const int CANNOT_WRITE = 1;
 const int BAD_INPUT = 2;
 
 bool parseSize(const std::string& text, int& width, int& height)
@@ -30,21 +33,30 @@ bool parseSize(const std::string& text, int& width, int& height)
     return h.ec == std::errc() && h.ptr == end;
 }
 
+// The largest picture of the same shape.
+std::string fittingSize(int width, int height)
+{
+    const double scale = std::min({1.0, LARGEST_PICTURE_SIDE / double(std::max(width, height)),
+                                   std::sqrt(double(LARGEST_PIXEL_COUNT) / width / height)});
+    const auto side = [scale](int pixels) {
+        return std::to_string(std::max(1, int(scale * pixels)));
+    };
+    return side(width) + "x" + side(height);
+}
+
 void addSize(CLI::App& app, Options& options)
 {
     const auto parse = [&options](const std::string& text) {
         int width = 0, height = 0;
-        const std::string found = "found '" + text + "', expected ";
-        if (!parseSize(text, width, height) || width < 1 || height < 1 ||
-            width > LARGEST_PICTURE_SIDE || height > LARGEST_PICTURE_SIDE) {
-            throw CLI::ValidationError("--size", found + "WxH with sides from 1 to " +
-                                                     std::to_string(LARGEST_PICTURE_SIDE));
-        }
-        if (fittingSamples(1, width, height) < 1) {
-            throw CLI::ValidationError("--size", found + "at most " +
-                                                     std::to_string(LARGEST_PIXEL_COUNT) +
-                                                     " pixels in all");
-        }
+        const std::string refusal = "found '" + text + "', expected WxH, sides from 1 to " +
+                                    std::to_string(LARGEST_PICTURE_SIDE) + " and at most " +
+                                    std::to_string(LARGEST_PIXEL_COUNT) + " pixels in all";
+        if (!parseSize(text, width, height) || width < 1 || height < 1)
+            throw CLI::ValidationError("--size", refusal);
+        if (std::max(width, height) > LARGEST_PICTURE_SIDE ||
+            LARGEST_PIXEL_COUNT < (long long)width * height)
+            throw CLI::ValidationError("--size",
+                                       refusal + ": " + fittingSize(width, height) + " fits");
         options.pictureWidth = width;
         options.pictureHeight = height;
         options.windowSize = {width, height};
@@ -53,18 +65,6 @@ void addSize(CLI::App& app, Options& options)
                                          "Size of the picture in pixels [1200x900], or of the "
                                          "window [as it was]")
         ->type_name("WxH");
-}
-
-// As many samples as asked for; as many as there is room for if that is left open.
-void settleSamples(const CLI::Option* asked, Options& options)
-{
-    const int fitting =
-        fittingSamples(options.samples, options.pictureWidth, options.pictureHeight);
-    if (asked->count() > 0 && fitting < options.samples) {
-        throw CLI::ValidationError("--samples", "found " + std::to_string(options.samples) +
-                                                    ", expected fewer for so large a picture");
-    }
-    options.samples = fitting;
 }
 
 // One side of a range; empty leaves it open.
@@ -95,14 +95,22 @@ CLI::Option* addLength(CLI::App& app, const std::string& name, std::optional<dou
         ->type_name("LENGTH");
 }
 
-CLI::Option* addCount(CLI::App& app, const std::string& name, std::optional<int>& count,
-                      int smallest, int largest, const std::string& help)
+template <typename Target>
+CLI::Option* addCount(CLI::App& app, const std::string& name, Target& count, int smallest,
+                      int largest, const std::string& help)
 {
-    return app
-        .add_option_function<int>(
-            name, [&count](const int& value) { count = value; }, help)
-        ->check(CLI::Range(smallest, largest))
-        ->type_name("N");
+    const auto parse = [=, &count](const std::string& text) {
+        int value = 0;
+        const char* end = text.data() + text.size();
+        const auto parsed = std::from_chars(text.data(), end, value);
+        if (parsed.ec != std::errc() || parsed.ptr != end || value < smallest || value > largest) {
+            throw CLI::ValidationError(name, "found '" + text + "', expected a whole number from " +
+                                                 std::to_string(smallest) + " to " +
+                                                 std::to_string(largest));
+        }
+        count = value;
+    };
+    return app.add_option_function<std::string>(name, parse, help)->type_name("N");
 }
 
 template <typename Target>
@@ -186,13 +194,10 @@ void addCamera(CLI::App& app, Options& options)
                                             "What is far away is smaller [orthographic]")
                                    ->group(group);
     const auto parseNumbers = [&options](const std::string& text) {
-        options.camera.numbers = parseCamera(text);
-        if (!options.camera.numbers) {
-            throw CLI::ValidationError(
-                "--camera", "found '" + text +
-                                "', expected the text that --print-camera gave: "
-                                "orthographic or perspective and 9 numbers, with commas");
-        }
+        std::string expected;
+        options.camera.numbers = parseCamera(text, &expected);
+        if (!options.camera.numbers)
+            throw CLI::ValidationError("--camera", "found '" + text + "', expected " + expected);
     };
     app.add_option_function<std::string>("--camera", parseNumbers,
                                          "Exactly the camera that --print-camera told")
@@ -357,12 +362,8 @@ ParsedOptions parseOptions(int argc, const char* const* argv)
         app.add_option("--render", options.picture, "Write a picture instead of opening a window")
             ->type_name("OUT.png");
     addSize(app, options);
-    const CLI::Option* samples =
-        app.add_option("--samples", options.samples,
-                       "Smooth edges: N x N samples per pixel [3, fewer for huge pictures]")
-            ->check(CLI::Range(1, 8))
-            ->needs(render)
-            ->type_name("N");
+    addCount(app, "--samples", options.samples, 1, 8, "Smooth edges: N x N samples per pixel [3]")
+        ->needs(render);
     app.add_flag("--transparent", options.transparent, "Leave the picture's background out")
         ->needs(render);
     addWindowPicture(app, render, options);
@@ -398,7 +399,6 @@ ParsedOptions parseOptions(int argc, const char* const* argv)
 
     try {
         parseArguments(app, inOwnSpelling(argc, argv));
-        settleSamples(samples, options);
         options.given = givenOptions(app);
         if (options.picture && options.files.empty())
             throw CLI::RequiredError("FILE");
@@ -406,7 +406,11 @@ ParsedOptions parseOptions(int argc, const char* const* argv)
             throw CLI::ValidationError("FILE", "found - twice, expected standard input once");
         return {options, 0};
     } catch (const CLI::Success& request) { // --help and --version
-        return {std::nullopt, app.exit(request)};
+        const int status = app.exit(request);
+        if (std::cout.flush())
+            return {std::nullopt, status};
+        std::cerr << "strandview: standard output: " << std::strerror(errno) << "\n";
+        return {std::nullopt, CANNOT_WRITE};
     } catch (const CLI::ParseError& error) {
         std::cerr << "strandview: " << explain(app, error) << "\n";
         return {std::nullopt, BAD_INPUT};

@@ -11,9 +11,13 @@ class QImage;
 class QString;
 class SoGeneralScene;
 
-/// What is rendered has to fit, so a picture's samples count.
+/// Of a picture: Coin holds its sides in 16 bits, and Qt its bytes in 31.
 constexpr int LARGEST_PICTURE_SIDE = 32767;
 constexpr int LARGEST_PIXEL_COUNT = 700'000'000;
+
+/// Larger pictures are rendered in tiles of at most so many samples, which take some 60 MB. A
+/// tile holds one pixel at least.
+constexpr int SAMPLES_AT_ONCE = 5'000'000;
 
 struct Picture
 {
@@ -25,17 +29,17 @@ struct Picture
     bool transparent; ///< the background is left out
     CameraRequest camera;
     float bottom; ///< the part of the height that a standard view leaves free below the scene
+    int samplesAtOnce = SAMPLES_AT_ONCE;
 };
-
-/// As many samples as wanted, or as many as there is room for in a picture of this size: Coin
-/// holds the sides of what is rendered in 16 bits, and Qt its bytes in 31. None if there is
-/// no room for a single one.
-int fittingSamples(int wanted, int width, int height);
 
 /// Empty if the ending of a picture's name is one that can be written, and with
 /// transparent pixels if asked for; otherwise one line that begins with `option` and
 /// says which can.
 std::string checkPictureName(const std::string& option, const std::string& file, bool transparent);
+
+/// Empty if a file of this name can be written where it is; otherwise one line that says
+/// why not.
+std::string checkWritable(const std::string& name);
 
 /// Renders the scene off screen and writes it. The file appears complete or not at all.
 /// Returns one line that says what failed, or nothing. `usedCamera`, if not null, is

@@ -16,6 +16,7 @@
 #include <Inventor/nodes/SoSeparator.h>
 #include <Inventor/nodes/SoShapeHints.h>
 #include <Inventor/nodes/SoTransform.h>
+#include <QString>
 
 #include <SoArrow.h>
 #include <SoBirod.h>
@@ -119,6 +120,18 @@ std::string checkSize(const Extent& extent, const Style& style)
            " vertices to draw, expected at most 1e+09: fewer --subsegments or --slices";
 }
 
+// Refuses what no camera can be placed before: squares of distances have to be finite in
+// single precision.
+std::string checkReach(const SbBox3f& box)
+{
+    const float largest = 1e19f;
+    const float across = std::max({box.getSize()[0], box.getSize()[1], box.getSize()[2]});
+    if (across <= largest)
+        return "";
+    return "found a scene that is " + QString::number(double(across), 'g', 3).toStdString() +
+           " across, expected at most 1e+19: a smaller --radius, --ribbon-width or unit";
+}
+
 SbVec3f toSbVec3f(const Vector3<double>& v) { return SbVec3f(float(v.x), float(v.y), float(v.z)); }
 
 SbRotation toSbRotation(const algebra3d::Quaternion<double>& q)
@@ -213,6 +226,9 @@ public:
             if (!error.empty())
                 return error;
         }
+        const std::string error = checkReach(scene->getBox());
+        if (!error.empty())
+            return error;
         if (colouring)
             scene->addLegend(makeLegend(*colouring, style.background, style.legendTextSize));
         return "";

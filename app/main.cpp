@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include <csignal>
 #include <iostream>
 #include <new>
 #include <string>
@@ -11,6 +12,7 @@
 #include "SceneBuilder.h"
 #include "SceneLoader.h"
 #include "checkDisplay.h"
+#include "printCamera.h"
 
 namespace {
 
@@ -36,9 +38,8 @@ int renderPicture(const Options& options, DataScene* scene)
     progress.hide();
     if (!failure.empty())
         return fail(CANNOT_WRITE, failure);
-    if (options.printCamera)
-        std::cout << formatCamera(camera) << std::endl;
-    return SUCCESS;
+    const std::string unprinted = options.printCamera ? printCamera(camera) : "";
+    return unprinted.empty() ? SUCCESS : fail(CANNOT_WRITE, unprinted);
 }
 
 int showWindow(const Options& options)
@@ -68,7 +69,12 @@ int checkOutput(const Options& options)
         refusal = checkPictureName("--screenshot-after", *options.windowPicture, false);
     if (!refusal.empty())
         return fail(BAD_INPUT, refusal);
-    refusal = options.picture ? "" : checkDisplay();
+    const std::optional<std::string>& output =
+        options.picture ? options.picture : options.windowPicture;
+    if (output)
+        refusal = checkWritable(*output);
+    if (refusal.empty() && !options.picture)
+        refusal = checkDisplay();
     return refusal.empty() ? SUCCESS : fail(CANNOT_WRITE, refusal);
 }
 
@@ -105,6 +111,8 @@ int run(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
+    // So that a file larger than is allowed is told as any other that cannot be written.
+    std::signal(SIGXFSZ, SIG_IGN);
     try {
         return run(argc, argv);
     } catch (const std::bad_alloc&) {

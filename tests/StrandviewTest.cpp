@@ -763,6 +763,29 @@ TEST_F(StrandviewTest, TheCameraThatItPrintsGivesTheSamePicturePixelByPixel)
     }
 }
 
+TEST_F(StrandviewTest, TheCameraOfTheGuideShowsAllOfTheKnot)
+{
+    // The printed camera and the command that is given it.
+    std::ifstream guide(GUIDE_FILE);
+    std::string printed, command;
+    const std::string start = "$ strandview --render knot.png --camera ";
+    for (std::string line, before; std::getline(guide, line); before = line) {
+        if (line.rfind(start, 0) == 0) {
+            printed = before;
+            command = line;
+        }
+    }
+    ASSERT_EQ(command, start + printed + " data/trefoil.txt");
+    const ProgramRun result = run({"--render", path("knot.png"), "--camera", printed,
+                                   "--print-camera", std::string(SAMPLES_FOLDER) + "/trefoil.txt"});
+    EXPECT_EQ(result.status, 0) << result.error;
+    EXPECT_EQ(result.output, printed + "\n") << "as it was told by a real run";
+    const QImage image = picture("knot.png");
+    EXPECT_GT(countCovered(image), 100000);
+    const QRect inner = image.rect().adjusted(1, 1, -1, -1);
+    EXPECT_EQ(countCovered(image), countCovered(image.copy(inner))) << "nothing at the edges";
+}
+
 TEST_F(StrandviewTest, TransparentPicturesHaveTheCoverageAsAlphaWhateverTheColours)
 {
     // A rod across the view, a tenth of it high, its ribbon slanted beside it.
@@ -1164,17 +1187,18 @@ INSTANTIATE_TEST_SUITE_P(
         BadCall{"UnknownKey", {"--render", "OUT", "-"}, "{\"strandview\": 1, \"rds\": []}", "rds"},
         BadCall{"PictureEnding", {"--render", "out.xyz", "GOOD"}, "", "out.xyz"},
         BadCall{"PictureWithoutEnding", {"--render", "out", "GOOD"}, "", "'out'"},
-        BadCall{"SideTooLarge", {"--render", "OUT", "--size", "32768x10", "GOOD"}, "", "32767"},
-        BadCall{
-            "TooManyPixels", {"--render", "OUT", "--size", "32767x32767", "GOOD"}, "", "pixels"},
+        BadCall{"SideTooLarge",
+                {"--render", "OUT", "--size", "32768x10", "GOOD"},
+                "",
+                "from 1 to 32767 and at most 700000000 pixels in all: 32767x9 fits"},
+        BadCall{"TooManyPixels",
+                {"--render", "OUT", "--size", "32767x32767", "GOOD"},
+                "",
+                "pixels in all: 26457x26457 fits"},
         BadCall{"ZeroSide", {"--render", "OUT", "--size", "0x10", "GOOD"}, "", "0x10"},
         BadCall{"SizeHalf", {"--render", "OUT", "--size", "640", "GOOD"}, "", "640"},
         BadCall{"SizeWithRest", {"--render", "OUT", "--size", "640x480px", "GOOD"}, "", "480px"},
         BadCall{"SizeOverflow", {"--render", "OUT", "--size", "99999999999x1", "GOOD"}, "", "WxH"},
-        BadCall{"TooManySamples",
-                {"--render", "OUT", "--size", "16000x12000", "--samples", "3", "GOOD"},
-                "",
-                "--samples"},
         BadCall{"DnaLook", {"--render", "OUT", "--dna", "atoms,helix", "GOOD"}, "", "'helix'"},
         BadCall{"DnaUnit", {"--render", "OUT", "--dna-unit", "pm", "GOOD"}, "", "'pm'"},
         BadCall{"MarkerColour",
@@ -1190,6 +1214,38 @@ INSTANTIATE_TEST_SUITE_P(
         BadCall{"NanRadius", {"--render", "OUT", "--radius", "nan", "GOOD"}, "", "--radius"},
         BadCall{"TwoSlices", {"--render", "OUT", "--slices", "2", "GOOD"}, "", "--slices"},
         BadCall{"TooManySamplesEver", {"--render", "OUT", "--samples", "9", "GOOD"}, "", "1 to 8"},
+        BadCall{"HalfASample",
+                {"--render", "OUT", "--samples", "2.5", "GOOD"},
+                "",
+                "found '2.5', expected a whole number from 1 to 8"},
+        BadCall{"HalfASlice",
+                {"--render", "OUT", "--slices", "8.5", "GOOD"},
+                "",
+                "found '8.5', expected a whole number from 3 to 1000"},
+        BadCall{"NoRows",
+                {"--render", "OUT", "--subsegments", "", "GOOD"},
+                "",
+                "expected a whole number from 1 to 1000"},
+        BadCall{"SceneWithoutCamera",
+                {"--render", "OUT", "--print-camera", "--radius", "1e20", "-"},
+                "0 0 0\n0 0 1e15\n",
+                "across, expected at most 1e+19"},
+        BadCall{"CameraQuaternion",
+                {"--render", "OUT", "--camera", "orthographic,0,0,0,0,0,0,2,1,1", "GOOD"},
+                "",
+                "expected a unit quaternion in the numbers 4 to 7, theirs has the norm 2"},
+        BadCall{"CameraDistance",
+                {"--render", "OUT", "--camera", "orthographic,0,0,0,0,0,0,1,-1,1", "GOOD"},
+                "",
+                "expected a focal distance, number 8, above 0"},
+        BadCall{"CameraSize",
+                {"--render", "OUT", "--camera", "orthographic,0,0,0,0,0,0,1,1,0", "GOOD"},
+                "",
+                "expected a size, number 9, above 0"},
+        BadCall{"CameraAngle",
+                {"--render", "OUT", "--camera", "perspective,0,0,0,0,0,0,1,1,4", "GOOD"},
+                "",
+                "expected an angle, number 9, below pi"},
         BadCall{"SamplesOfNoPicture", {"--samples", "3", "GOOD"}, "", "--render"},
         BadCall{"TransparentWindow", {"--transparent", "GOOD"}, "", "--render"},
         BadCall{"TransparentJpeg", {"--render", "out.jpg", "--transparent", "GOOD"}, "", ".png"},
@@ -1236,6 +1292,90 @@ TEST_F(StrandviewTest, AnUnwritablePictureGivesOneLineAndStatus1AndLeavesNothing
         EXPECT_THAT(result.error, HasSubstr(name));
         EXPECT_EQ(files(), before);
     }
+}
+
+TEST_F(StrandviewTest, AnOutputThatCannotBeWrittenIsToldBeforeAnythingIsRead)
+{
+    ASSERT_TRUE(QDir(folder.path()).mkdir("folder.png"));
+    write("file", "");
+    const std::string outputs[] = {path("missing/rod.png"), path("folder.png"),
+                                   path("file/rod.png"), "/proc/rod.png"};
+    for (const std::string& output : outputs) {
+        for (const std::vector<std::string>& option :
+             {std::vector<std::string>{"--render"}, {"--screenshot-after", "0"}}) {
+            SCOPED_TRACE(option[0] + " " + output);
+            std::vector<std::string> arguments = option;
+            arguments.insert(arguments.end(), {output, path("no such input.txt")});
+            const ProgramRun result = run(arguments);
+            EXPECT_EQ(result.status, 1);
+            expectOneLine(result.error);
+            EXPECT_THAT(result.error, StartsWith("strandview: " + output + ": "));
+        }
+    }
+}
+
+std::string inQuotes(const std::string& argument) { return "'" + argument + "'"; }
+
+// Runs strandview from a shell, which sets up what no argument can.
+ProgramRun runInShell(const std::string& before, const std::string& arguments)
+{
+    return runProgram("/bin/sh", {"-c", before + inQuotes(STRANDVIEW_PROGRAM) + " " + arguments});
+}
+
+TEST_F(StrandviewTest, WhatCannotBePrintedIsToldAndStatus1)
+{
+    const std::string rod = write("rod.txt", "0 0 0 0 0 0 1\n0 0 1 0 0 0 1\n");
+    for (const std::string& arguments :
+         {"--print-camera --render " + inQuotes(path("rod.png")) + " " + inQuotes(rod),
+          std::string("--help"), std::string("--version")}) {
+        const ProgramRun result = runInShell("", arguments + " >/dev/full");
+        EXPECT_EQ(result.status, 1);
+        EXPECT_EQ(result.error, "strandview: standard output: No space left on device\n");
+    }
+}
+
+TEST_F(StrandviewTest, ADiskThatDoesNotTakeThePictureIsToldWithItsReason)
+{
+    const std::string arguments = "--render " + inQuotes(path("rod.png")) + " " +
+                                  inQuotes(write("rod.txt", "0 0 0 0 0 0 1\n0 0 1 0 0 0 1\n"));
+    const QStringList before = files();
+    const ProgramRun limited = runInShell("ulimit -f 1; ", arguments);
+    EXPECT_EQ(limited.status, 1);
+    EXPECT_EQ(limited.error, "strandview: " + path("rod.png") + ": File too large\n");
+    EXPECT_EQ(files(), before);
+
+    // A full disk, where the system lets us have one of our own.
+    const auto runOnSmallDisk = [&](const std::string& command) {
+        return runProgram("/bin/sh", {"-c", "mkdir -p " + inQuotes(path("disk")) + "; cd " +
+                                                inQuotes(folder.path().toStdString()) +
+                                                "; exec unshare -rm sh -c \"mount -t tmpfs -o "
+                                                "size=4k none disk && " +
+                                                command + "\""});
+    };
+    if (runOnSmallDisk("true").status != 0)
+        GTEST_SKIP() << "no disk of our own";
+    const ProgramRun full =
+        runOnSmallDisk(inQuotes(STRANDVIEW_PROGRAM) + " --render disk/rod.png rod.txt");
+    EXPECT_EQ(full.status, 1);
+    EXPECT_EQ(full.error, "strandview: disk/rod.png: No space left on device\n");
+}
+
+// 192 million samples, 2 GB if they were in memory at once; then 1.4 GB of pixels.
+TEST_F(StrandviewTest, BigPicturesTakeLittleMemoryAndTooLittleIsTold)
+{
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "The sanitizer reserves more than any limit.";
+#endif
+    const std::string rod = inQuotes(write("rod.txt", "0 0 0 0 0 0 1\n0 0 1 0 0 0 1\n"));
+    const std::string arguments = rod + " --render " + inQuotes(path("rod.png"));
+    const ProgramRun big =
+        runInShell("ulimit -v 1200000; ", arguments + " --size 2000x1500 --samples 8");
+    EXPECT_EQ(big.status, 0) << big.error;
+    EXPECT_EQ(picture("rod.png").size(), QSize(2000, 1500));
+    const ProgramRun tooBig =
+        runInShell("ulimit -v 1200000; ", arguments + " --size 26000x26000 --samples 1");
+    EXPECT_EQ(tooBig.status, 1);
+    EXPECT_EQ(tooBig.error, "strandview: found too little memory for so many pixels\n");
 }
 
 TEST_F(StrandviewTest, OnlyFilesAreReplaced)

@@ -138,6 +138,23 @@ bool measurePhasesAfresh(const std::string& file, const std::string& picture, Ph
     return child > 0 && waitpid(child, &status, 0) == child && status == 0 && told;
 }
 
+// What a large picture takes beyond a tiny one of the same scene.
+void addLargePicture(Table& table, const std::string& name, const std::string& scene,
+                     const std::string& picture, const std::vector<std::string>& how,
+                     double pictureBytes)
+{
+    std::vector<std::string> large{"--render", picture, scene};
+    large.insert(large.end(), how.begin(), how.end());
+    const double peak = peakMemory(large);
+    const double base =
+        peakMemory({"--render", picture, scene, "--size", "16x16", "--samples", "1"});
+    if (peak < 0 || base < 0)
+        table.missing(name, "strandview failed");
+    else
+        table.compare(name, (peak - base) / 1e6, "the finished picture twice and 200 MB",
+                      (2 * pictureBytes + 200e6) / 1e6, "MB", Table::Goal::AtMost, 1);
+}
+
 void addProfile(Table& table, const std::string& file, const std::string& picture,
                 const std::function<double()>& runWhole)
 {
@@ -181,7 +198,8 @@ int main()
                 "points, 7 columns,\nthe picture's usual size of 1200 x 900 and one sample per "
                 "pixel, in a fresh process. Drawing is\nMesa's software driver here, without a "
                 "GPU. Memory is the peak of the process, less that of a rod\nof three points; the "
-                "mesh is all points and normals of the tube and the ribbon.");
+                "mesh is all points and normals of the tube and the ribbon. That of large pictures "
+                "is less that of\n16 x 16 pixels of the same rod.");
 
     // Before anything large is here: a process counts what it was forked from.
     const std::vector<std::string> render{"--render", picture.path, "--samples",
@@ -194,6 +212,10 @@ int main()
     setenv("GALLIUM_NOOP", "1", 1); // the driver's own memory is not the program's
     const double peak = run(file.path), base = run(small.path);
     unsetenv("GALLIUM_NOOP");
+    addLargePicture(table, "Peak memory of 4000 x 3000 pixels of 49 samples", small.path,
+                    picture.path, {"--size", "4000x3000", "--samples", "7"}, 3.0 * 4000 * 3000);
+    addLargePicture(table, "Peak memory of 10000 x 10000 transparent pixels", small.path,
+                    picture.path, {"--size", "10000x10000", "--transparent"}, 4e8);
     const double help = medianSeconds({[] { peakMemory({"--help"}); }})[0];
 
     addProfile(table, file.path, picture.path, [&] { return run(file.path); });
