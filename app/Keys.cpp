@@ -14,7 +14,7 @@ const std::vector<KeyGroup>& keyHelp()
         {"Camera",
          {{"A D", "left, right"},
           {"W S", "up, down"},
-          {"Q E", "forward, backward; a parallel view looks the same from anywhere"},
+          {"Q E", "forward, backward; a parallel view stays the same"},
           {"Alt + A, D", "orbits about the horizontal axis"},
           {"Ctrl + A, D", "orbits about the vertical axis"},
           {"Shift + A, D", "turns about the viewing axis"},
