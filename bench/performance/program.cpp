@@ -193,13 +193,14 @@ int main()
     writeTable(small.path, 3);
     const auto bytes = double(std::filesystem::file_size(file.path));
 
-    Table table("The program",
-                "Where the time of `strandview --render` goes, and its memory: a table of 10⁵ "
-                "points, 7 columns,\nthe picture's usual size of 1200 x 900 and one sample per "
-                "pixel, in a fresh process. Drawing is\nMesa's software driver here, without a "
-                "GPU. Memory is the peak of the process, less that of a rod\nof three points; the "
-                "mesh is all points and normals of the tube and the ribbon. That of large pictures "
-                "is less that of\n16 x 16 pixels of the same rod.");
+    Table table(
+        "The program",
+        "Where the time of `strandview --render` goes, and its memory: a table of 10⁵ "
+        "points, 7 columns,\nthe picture's usual size of 1200 x 900 and one sample per "
+        "pixel, in a fresh process. Drawing is\nMesa's software driver here, without a "
+        "GPU. Memory is the peak of the process, less that of a rod\nof three points; the "
+        "mesh is all points and normals of the tube and the ribbon.\nThat of large pictures "
+        "is less that of 16 x 16 pixels of the same rod.");
 
     // Before anything large is here: a process counts what it was forked from.
     const std::vector<std::string> render{"--render", picture.path, "--samples",
