@@ -327,7 +327,8 @@ std::string unknownOption(const CLI::App& app, const std::string& argument)
 {
     const std::string written = argument.substr(0, argument.find('='));
     std::string text = "found the option " + inQuotes(written) + ", expected one of --help";
-    const std::vector<std::string> nearest = nearestNames(written, namesOfOptions(app));
+    const std::vector<std::string> nearest =
+        nearestNames(inBritishSpelling(written), namesOfOptions(app));
     for (std::size_t i = 0; i < nearest.size(); ++i)
         text += (i == 0 ? "; did you mean " : " or ") + nearest[i];
     return text + (nearest.empty() ? "" : "?");
@@ -335,11 +336,17 @@ std::string unknownOption(const CLI::App& app, const std::string& argument)
 
 // What is wrong with the command line. A misspelt name comes first: it can be the cause of
 // all else.
-std::string explain(const CLI::App& app, const CLI::ParseError& error)
+std::string explain(const CLI::App& app, const CLI::ParseError& error, int argc,
+                    const char* const* argv)
 {
     for (const std::string& argument : app.remaining()) {
-        if (argument != "--")
-            return unknownOption(app, argument);
+        if (argument == "--")
+            continue;
+        const auto isWritten = [&argument](const char* written) {
+            return inBritishSpelling(written) == argument;
+        };
+        const auto written = std::find_if(argv, argv + argc, isWritten);
+        return unknownOption(app, written == argv + argc ? argument : *written);
     }
     return error.what();
 }
@@ -412,7 +419,7 @@ ParsedOptions parseOptions(int argc, const char* const* argv)
         std::cerr << "strandview: standard output: " << std::strerror(errno) << "\n";
         return {std::nullopt, CANNOT_WRITE};
     } catch (const CLI::ParseError& error) {
-        std::cerr << "strandview: " << explain(app, error) << "\n";
+        std::cerr << "strandview: " << explain(app, error, argc, argv) << "\n";
         return {std::nullopt, BAD_INPUT};
     }
 }
