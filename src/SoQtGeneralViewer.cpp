@@ -103,6 +103,7 @@ SoQtGeneralViewer::SoQtGeneralViewer(QWidget* parent, const char* name, SbBool e
     sceneWatcher.setPriority(0);
     sceneWatcher.setDeleteCallback(forgetScene, this);
 
+    base = getBaseWidget();
     getGLWidget()->installEventFilter(areaFitter.get());
     setPopupMenuEnabled(FALSE);
     setDrawStyle(SoQtViewer::INTERACTIVE, SoQtViewer::VIEW_SAME_AS_STILL);
@@ -184,6 +185,9 @@ void SoQtGeneralViewer::setUpLighting()
 
 // Camera
 
+// SoQt 1.6.3 asks its widget for it, which may have gone with the parent.
+SbVec2s SoQtGeneralViewer::getViewSize() const { return base ? getGLSize() : SbVec2s(1, 1); }
+
 void SoQtGeneralViewer::setCameraType(SoType type)
 {
     // SoQt takes what is no perspective camera for an orthographic one, unseen.
@@ -202,7 +206,8 @@ void SoQtGeneralViewer::moveCamera(const SbVec3f& v)
     if (!camera)
         return;
     const View view(*camera);
-    const SbViewVolume volume = camera->getViewVolume(getGLAspectRatio());
+    const SbViewVolume volume =
+        camera->getViewVolume(float(getViewSize()[0]) / float(getViewSize()[1]));
     const SbPlane focalPlane = volume.getPlane(view.distance);
     SbLine centre, moved;
     volume.projectPointToLine(SbVec2f(0.5f, 0.5f), centre);
@@ -242,7 +247,7 @@ double SoQtGeneralViewer::getCameraZoom() const
     const SoCamera* camera = getCamera();
     if (!camera)
         return 0;
-    const double side = std::min(getGLSize()[0], getGLSize()[1]);
+    const double side = std::min(getViewSize()[0], getViewSize()[1]);
     if (camera->isOfType(SoPerspectiveCamera::getClassTypeId())) {
         const auto* perspective = static_cast<const SoPerspectiveCamera*>(camera);
         return (side * 0.5 / perspective->focalDistance.getValue()) /
@@ -260,7 +265,7 @@ void SoQtGeneralViewer::setCameraZoom(double zoom)
         return;
     if (!(zoom > SMALLEST_ZOOM)) // nor what is no number
         zoom = SMALLEST_ZOOM;
-    const double side = std::min(getGLSize()[0], getGLSize()[1]);
+    const double side = std::min(getViewSize()[0], getViewSize()[1]);
     if (camera->isOfType(SoPerspectiveCamera::getClassTypeId())) {
         auto* perspective = static_cast<SoPerspectiveCamera*>(camera);
         const View view(*camera);

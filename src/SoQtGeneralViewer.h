@@ -148,6 +148,7 @@ private:
     void toggleBackground();
     void toggleFramesPerSecond();
 
+    SbVec2s getViewSize() const;
     bool renderSceneForScreenshot();
     void writeScreenshot();
 
@@ -156,6 +157,7 @@ private:
     // The parent widget's children, which may go before the viewer.
     QPointer<ScreenshotDialog> screenshotDialog;
     QPointer<LightingDialog> lightingDialog;
+    QPointer<QWidget> base;
     std::unique_ptr<QObject> areaFitter;
     std::unique_ptr<QObject> redrawer;
     bool whiteBackground = false;
