@@ -315,6 +315,7 @@ private:
                 return STOPPED;
             const Dna& dna = data.dnas[i];
             auto* node = new SoDNA;
+            node->drawAtomsRound(true);
             node->showAtoms(style.dna.atoms);
             node->showBaseBoxes(style.dna.baseBoxes);
             node->showBasePairBoxes(style.dna.pairBoxes);

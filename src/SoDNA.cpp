@@ -318,6 +318,7 @@ void SoDNA::copyContents(const SoFieldContainer* from, SbBool copyConnections)
 {
     SoSeparator::copyContents(from, copyConnections);
     const auto* original = static_cast<const SoDNA*>(from);
+    drawing->setRound(original->areAtomsDrawnRound());
     sequence = original->sequence;
     rAvg = original->rAvg;
     qAvg = original->qAvg;
@@ -382,6 +383,14 @@ void SoDNA::setAtomComplexity(double complexity)
 }
 
 double SoDNA::getAtomComplexity() const { return strand1Bases[0]->getAtomComplexity(); }
+
+void SoDNA::drawAtomsRound(bool round)
+{
+    drawing->setRound(round);
+    touch();
+}
+
+bool SoDNA::areAtomsDrawnRound() const { return drawing->isRound(); }
 
 void SoDNA::showAtoms(bool show)
 {

@@ -80,6 +80,11 @@ public:
     double getAtomRadius(Atom atom) const;
     void setAtomComplexity(double complexity);
     double getAtomComplexity() const;
+    /// Whether the atoms get as many corners as they need to look round where they are seen, and
+    /// no more, instead of what their complexity says; for drawing alone, not for other actions.
+    /// At first their complexity decides.
+    void drawAtomsRound(bool round);
+    bool areAtomsDrawnRound() const;
     void showAtoms(bool show);
     bool areAtomsShown() const;
     void showBaseBoxes(bool show);

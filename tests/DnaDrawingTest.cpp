@@ -166,6 +166,81 @@ TEST_F(DnaDrawingTest, OutOfViewNothingIsDrawn)
     EXPECT_EQ(drawCount, 0);
 }
 
+// Round atoms
+
+class RoundAtomsTest : public DnaDrawingTest
+{
+protected:
+    void SetUp() override
+    {
+        DnaDrawingTest::SetUp();
+        dna->showBasePairBoxes(false);
+        setUnlit();
+        camera->farDistance = 10000;
+    }
+    void lookFromAfar(float distance)
+    {
+        camera->position = SbVec3f(distance, 0, 12);
+        camera->pointAt(SbVec3f(0, 0, 12), SbVec3f(0, 0, 1));
+    }
+    int countIndices()
+    {
+        indexCount = 0;
+        draw();
+        return indexCount;
+    }
+};
+
+TEST_F(RoundAtomsTest, HaveTheCornersOfTheirComplexityAtFirst)
+{
+    EXPECT_FALSE(dna->areAtomsDrawnRound());
+    lookFromAfar(30);
+    const int indices = countIndices();
+    lookFromAfar(1000);
+    EXPECT_EQ(countIndices(), indices);
+}
+
+TEST_F(RoundAtomsTest, HaveMoreCornersTheLargerTheyAre)
+{
+    const int ofComplexity = countIndices();
+    dna->drawAtomsRound(true);
+    EXPECT_TRUE(dna->areAtomsDrawnRound());
+    lookFromAfar(1000);
+    const int far = countIndices();
+    EXPECT_GT(far, 0);
+    EXPECT_LT(far, ofComplexity / 2);
+    lookFromAfar(50);
+    const int near = countIndices();
+    EXPECT_GT(near, 4 * far);
+    dna->drawAtomsRound(false);
+    EXPECT_EQ(countIndices(), ofComplexity);
+}
+
+// Seen along the poles, where Coin's coarse spheres have 9 corners; 30 are nearly round here.
+TEST_F(RoundAtomsTest, CoverAsMuchAsTheFinestSpheresOfCoin)
+{
+    IdealDna("G").give(*dna);
+    dna->generate();
+    camera->position = SbVec3f(0, 40, 0);
+    camera->pointAt(SbVec3f(0, 0, 0), SbVec3f(0, 0, 1));
+    camera->heightAngle = 0.25f;
+    const int coarse = draw().countOther(BLACK);
+    dna->drawAtomsRound(true);
+    const int drawnRound = draw().countOther(BLACK);
+    dna->drawAtomsRound(false);
+    dna->setAtomComplexity(1);
+    const int fine = draw().countOther(BLACK);
+    EXPECT_LT(coarse, 0.96 * fine);
+    EXPECT_NEAR(drawnRound, fine, 0.01 * fine);
+}
+
+TEST_F(RoundAtomsTest, AreThoseOfACopyToo)
+{
+    dna->drawAtomsRound(true);
+    NodeRef<SoNode> copy(dna->copy());
+    EXPECT_TRUE(static_cast<SoDNA*>(static_cast<SoNode*>(copy))->areAtomsDrawnRound());
+}
+
 // One behind the other, only what is seen is drawn
 
 class LongDnaDrawingTest : public DnaDrawingTest

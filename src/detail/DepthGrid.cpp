@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <limits>
 
 #include <Inventor/elements/SoClipPlaneElement.h>
 #include <Inventor/elements/SoDepthBufferElement.h>
@@ -111,10 +112,14 @@ DepthGrid::DepthGrid(SoState* state)
     rows = (height + cell - 1) / cell;
 }
 
+bool DepthGrid::canProject(SoState* state)
+{
+    return isOfCamera(SoProjectionMatrixElement::get(state));
+}
+
 bool DepthGrid::isUsable(SoState* state)
 {
-    return isOfCamera(SoProjectionMatrixElement::get(state)) && hidesWhatIsBehind(state) &&
-           isSoftware() && canRead();
+    return canProject(state) && hidesWhatIsBehind(state) && isSoftware() && canRead();
 }
 
 // The square root of a bound of the largest eigenvalue of the matrix times its transpose; exact
@@ -140,20 +145,24 @@ double DepthGrid::pixelsOf(double area, double radius, const Disc& disc) const
     return disc.radius > 0 && pixels < getViewportArea() ? pixels : getViewportArea();
 }
 
-bool DepthGrid::mayCover(const SbVec3f& centre, double radius, double area, double layers) const
+double DepthGrid::pixelsAtNearest(const SbVec3f& centre, double radius, double length) const
 {
-    if (width <= 0 || height <= 0 || !(radius > 0))
-        return false;
     const double stretch = stretchOf(toEye);
     SbVec3f eye;
     toEye.multVecMatrix(centre, eye);
     const double w = double(eye[2]) * projection[2][3] + projection[3][3];
     const double least = w - radius * stretch * std::abs(projection[2][3]);
     if (!(least > 0))
-        return true;
-    const double scale =
-        std::max(std::abs(projection[0][0]) * width, std::abs(projection[1][1]) * height) / 2 /
-        least * stretch;
+        return std::numeric_limits<double>::infinity();
+    return std::max(std::abs(projection[0][0]) * width, std::abs(projection[1][1]) * height) / 2 /
+           least * stretch * length;
+}
+
+bool DepthGrid::mayCover(const SbVec3f& centre, double radius, double area, double layers) const
+{
+    if (width <= 0 || height <= 0 || !(radius > 0))
+        return false;
+    const double scale = pixelsAtNearest(centre, radius, 1);
     return area * scale * scale > layers * getViewportArea();
 }
 

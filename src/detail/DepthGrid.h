@@ -45,6 +45,8 @@ public:
     /// time for it; and it is not hidden with a depth test of another kind, with clipping planes
     /// or with other matrices than those of cameras. Shaders are taken to leave points in place.
     static bool isUsable(SoState* state);
+    /// Whether the projection is one of those that project() knows: of a camera.
+    static bool canProject(SoState* state);
 
     /// From the coordinates of the state's model matrix to those of the eye.
     const SbMatrix& getToEye() const { return toEye; }
@@ -59,6 +61,9 @@ public:
     Disc project(const SbVec3f& middle, const SbVec3f halves[3]) const;
     /// About how many pixels an area has that is within the ball of a disc.
     double pixelsOf(double area, double radius, const Disc& disc) const;
+    /// The pixels of a length where a ball, in coordinates of the state's model matrix, is nearest;
+    /// infinite where it is not all in front of the eye.
+    double pixelsAtNearest(const SbVec3f& centre, double radius, double length) const;
     /// Whether an area within a ball, in coordinates of the state's model matrix, would cover the
     /// viewport that often if all of it were where the ball is nearest.
     bool mayCover(const SbVec3f& centre, double radius, double area, double layers) const;

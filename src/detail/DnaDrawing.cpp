@@ -2,6 +2,7 @@
 #include <detail/DnaDrawing.h>
 
 #include <algorithm>
+#include <cmath>
 
 #include <Inventor/SbBox3f.h>
 #include <Inventor/actions/SoGLRenderAction.h>
@@ -10,6 +11,18 @@
 #include <Inventor/nodes/SoTransform.h>
 
 #include <detail/exactly.h>
+
+namespace {
+
+// Of round spheres; multiples of the smallest, so that few steps of a zoom compile them.
+const int SMALLEST_CORNERS = 6;
+const int MANY_CORNERS = 12; // with more of them what is out of view is not drawn
+const int LARGEST_CORNERS = 96;
+const double LARGEST_ERROR = 0.5; // of the outline, in pixels
+const double LARGEST_TRIANGLES = 2e7;
+const double ATOMS_PER_BASE = 9;
+
+} // namespace
 
 // Reading the graph
 
@@ -22,7 +35,7 @@ bool DnaDrawing::update(SoGroup* root, SoSwitch* boxes, SoGroup* bases)
     drawable = root->getNumChildren() == 2 && root->getChild(0) == boxes &&
                root->getChild(1) == bases && isAllOrNothing(boxes) &&
                updatePlacements(boxes, boxPlacements) && updatePlacements(bases, basePlacements) &&
-               glyphs.update(placed);
+               glyphs.update(placed, corners);
     boxesShown = boxes->whichChild.getValue() == SO_SWITCH_ALL;
     seenId = id;
     if (!drawable)
@@ -97,13 +110,41 @@ void DnaDrawing::measure()
         bound = {box.getCenter(), float((box.getMax() - box.getCenter()).length() + reach)};
 }
 
+bool DnaDrawing::setCorners(int newCorners)
+{
+    corners = newCorners;
+    return glyphs.update(placed, corners);
+}
+
 // Drawing
 
 bool DnaDrawing::draw(SoGLRenderAction* action, SoGroup* root, SoSwitch* boxes, SoGroup* bases)
 {
     SoState* const state = action->getState();
     return GlyphDrawing::canDraw(state) && update(root, boxes, bases) &&
+           setCorners(roundSpheres && DepthGrid::canProject(state) ? findCorners(state) : 0) &&
            glyphs.draw(action, [this, state] { drawAll(state); });
+}
+
+// Enough for the outline of the nearest sphere to be off by less than half a pixel, unless
+// there are too many of them in view.
+int DnaDrawing::findCorners(SoState* state) const
+{
+    const DepthGrid grid(state);
+    const double pixels =
+        grid.pixelsAtNearest(bound.centre, bound.radius, glyphs.getLargestSphere());
+    // A chord's distance from the circle is pixels (1 - cos(pi / corners)).
+    const double needed = M_PI * std::sqrt(pixels / (2 * LARGEST_ERROR));
+    int number = SMALLEST_CORNERS;
+    while (number < needed && number < LARGEST_CORNERS)
+        number += SMALLEST_CORNERS;
+    if (number > MANY_CORNERS) {
+        const double count = double(findSeen(basePlacements, grid).size());
+        while (number > MANY_CORNERS &&
+               count * ATOMS_PER_BASE * number * number > LARGEST_TRIANGLES)
+            number -= SMALLEST_CORNERS;
+    }
+    return number;
 }
 
 void DnaDrawing::drawAll(SoState* state) const
@@ -123,7 +164,12 @@ void DnaDrawing::drawAll(SoState* state) const
     }
     if (boxesShown)
         drawPlacements(boxPlacements);
-    drawPlacements(basePlacements);
+    if (corners > MANY_CORNERS) {
+        for (const InView<const Placement*>& base : findSeen(basePlacements, grid))
+            glyphs.drawGlyph(base.what->glyph, base.what->matrix);
+    } else {
+        drawPlacements(basePlacements);
+    }
 }
 
 void DnaDrawing::drawPlacements(const std::vector<Placement>& placements) const

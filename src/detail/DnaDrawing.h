@@ -25,6 +25,11 @@ class SoSwitch;
 class DnaDrawing
 {
 public:
+    /// Whether spheres get as many corners as they need to look round where they are, and no
+    /// more, or as many as Coin gives them. At first Coin's.
+    void setRound(bool round) { roundSpheres = round; }
+    bool isRound() const { return roundSpheres; }
+
     /// Draws what stands below root, whose children are to be the two groups: separators of
     /// a transform and what it places. Whether it was drawn.
     bool draw(SoGLRenderAction* action, SoGroup* root, SoSwitch* boxes, SoGroup* bases);
@@ -42,6 +47,8 @@ private:
     int findGlyph(SoNode* node);
     void drawPlacements(const std::vector<Placement>& placements) const;
     void measure();
+    int findCorners(SoState* state) const;
+    bool setCorners(int newCorners);
     void drawAll(SoState* state) const;
     std::vector<InView<const Placement*>> findSeen(const std::vector<Placement>& placements,
                                                    const DepthGrid& grid) const;
@@ -56,6 +63,8 @@ private:
     double area = 0;               // of all of it seen one beside the other
     std::uint64_t seenId = 0;      // the root's node id when the graph was read last
     bool drawable = false;
+    bool roundSpheres = false;
+    int corners = 0; // of a sphere; 0: Coin's
     bool boxesShown = false;
 };
 

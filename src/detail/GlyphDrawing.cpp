@@ -121,6 +121,8 @@ struct GlyphDrawing::Compiler
     std::vector<Vertex>& vertices;
     std::vector<std::uint32_t>& indices;
     SoMaterial*& common;
+    const int corners; // of a sphere, around; 0: Coin's number
+    float& largestSphere;
     std::vector<Batch> batches;
     std::vector<Part> parts;
 
@@ -199,8 +201,9 @@ struct GlyphDrawing::Compiler
     void addSphere(const State& state, float radius)
     {
         const float complexity = std::clamp(state.complexity->value.getValue(), 0.0f, 1.0f);
-        const int rows = std::max(int(30.0f * complexity), 3);
-        const int slices = std::clamp(int(30.0f * complexity), 4, 128);
+        const int rows = corners > 0 ? corners / 2 + 1 : std::max(int(30.0f * complexity), 3);
+        const int slices = corners > 0 ? corners : std::clamp(int(30.0f * complexity), 4, 128);
+        largestSphere = std::max(largestSphere, std::abs(radius));
         const float rowAngle = float(M_PI) / float(rows - 1);
         const float sliceAngle = 2.0f * float(M_PI) / float(slices);
         const auto first = std::uint32_t(vertices.size());
@@ -282,13 +285,15 @@ void GlyphDrawing::setMaterial(SoMaterial* newMaterial)
     material = newMaterial;
 }
 
-bool GlyphDrawing::update(const std::vector<SoNode*>& nodes)
+bool GlyphDrawing::update(const std::vector<SoNode*>& nodes, int corners)
 {
     const bool unchanged =
+        corners == sphereCorners &&
         std::equal(glyphs.begin(), glyphs.end(), nodes.begin(), nodes.end(),
                    [](const Glyph& glyph, const SoNode* node) {
                        return glyph.node == node && glyph.id == node->getNodeId();
                    });
+    sphereCorners = corners;
     if (!unchanged)
         understood = compile(nodes);
     return understood;
@@ -300,10 +305,11 @@ bool GlyphDrawing::compile(const std::vector<SoNode*>& nodes)
     glyphs.clear();
     vertices.clear();
     indices.clear();
+    largestSphere = 0;
     SoMaterial* common = nullptr;
     bool all = true;
     for (SoNode* node : nodes) {
-        Compiler compiler{vertices, indices, common, {}, {}};
+        Compiler compiler{vertices, indices, common, sphereCorners, largestSphere, {}, {}};
         Compiler::State state;
         all = all && compiler.compile(node, state);
         glyphs.push_back({node,

@@ -50,8 +50,12 @@ public:
     static bool canDraw(SoState* state);
 
     /// Reads the nodes, one glyph each, unless they are as they were. Whether all of them are
-    /// understood.
-    bool update(const std::vector<SoNode*>& nodes);
+    /// understood. Spheres have that many corners around and half as many rows; with 0 as many
+    /// as Coin gives them.
+    bool update(const std::vector<SoNode*>& nodes, int corners = 0);
+
+    /// The largest radius of all spheres.
+    float getLargestSphere() const { return largestSphere; }
 
     /// Sets up OpenGL for drawGlyph(), which drawAll is to call for each place, and leaves
     /// OpenGL and Coin's state as before. Needs update() and canDraw(). False, and nothing is
@@ -121,6 +125,8 @@ private:
 
     std::vector<Glyph> glyphs;
     bool understood = true;
+    int sphereCorners = 0;
+    float largestSphere = 0;
     std::vector<Vertex> vertices;
     std::vector<std::uint32_t> indices;
     SoMaterial* material = nullptr; // one of those that were compiled, referenced

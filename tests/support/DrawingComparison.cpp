@@ -8,6 +8,7 @@
 #include <dlfcn.h>
 
 int drawCount = 0;
+int indexCount = 0;
 
 #define REAL(function) reinterpret_cast<decltype(&function)>(dlsym(RTLD_NEXT, #function))
 
@@ -24,6 +25,7 @@ glDrawElements(GLenum mode, GLsizei count, GLenum type, const void* indices)
 {
     static const auto real = REAL(glDrawElements);
     ++drawCount;
+    indexCount += count;
     real(mode, count, type, indices);
 }
 

@@ -16,6 +16,8 @@
 /// that links the source has both functions of its own, which count. Coin itself draws in
 /// immediate mode.
 extern int drawCount;
+/// The indices that glDrawElements was given so far.
+extern int indexCount;
 
 /// A node that draws from buffers looks like its graph traversed: its children, under a plain
 /// separator and an override, with which nothing is drawn from buffers.
