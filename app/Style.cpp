@@ -52,10 +52,14 @@ int automaticSubsegments(const Extent& extent)
     return int(std::clamp(rows / std::max(extent.segments, 1LL), 1LL, 32LL));
 }
 
+// At least 10, so that a tube looks round; of very many rows, which are no longer than a
+// pixel or two when all of them are seen, at least 6.
 int automaticSlices(const Extent& extent, int subsegments)
 {
-    const long long vertices = 400000;
-    return int(std::clamp(vertices / std::max(extent.segments * subsegments, 1LL), 10LL, 32LL));
+    const long long vertices = 400000, mostRoundVertices = 2500000;
+    const long long rows = std::max(extent.segments * subsegments, 1LL);
+    const long long fewest = std::clamp(mostRoundVertices / rows, 6LL, 10LL);
+    return int(std::clamp(vertices / rows, fewest, 32LL));
 }
 
 // Of a limit, three digits.

@@ -87,8 +87,9 @@ void BiarcRibbonMesh::samplePointsOnSide(int column, int m, const Curve<::Vector
 
 void BiarcRibbonMesh::forgetCurves()
 {
-    curveA.biarcs = {};
-    curveB.biarcs = {};
+    // Assigning {} would keep the memory.
+    curveA.biarcs = std::vector<Biarc<::Vector3>>();
+    curveB.biarcs = std::vector<Biarc<::Vector3>>();
 }
 
 const std::vector<double>& BiarcRibbonMesh::getParamValues() const { return paramValues; }

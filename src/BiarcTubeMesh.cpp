@@ -151,7 +151,8 @@ void BiarcTubeMesh::computeMeshAt(int row, Vector centre, Vector tangent, Vector
     fillRing(row, centre, d1, d2);
 }
 
-void BiarcTubeMesh::forgetCurve() { curve.biarcs = {}; }
+// Assigning {} would keep the memory.
+void BiarcTubeMesh::forgetCurve() { curve.biarcs = std::vector<Biarc<::Vector3>>(); }
 
 const std::vector<double>& BiarcTubeMesh::getParamValues() const { return paramValues; }
 

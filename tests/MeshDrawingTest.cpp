@@ -343,6 +343,50 @@ TEST_P(MeshDrawingSetting, LooksAsTheMeshesDrawIt)
 INSTANTIATE_TEST_SUITE_P(Settings, MeshDrawingSetting, testing::ValuesIn(allSettings()),
                          testing::PrintToStringParamName());
 
+// A coil of 60,000 segments whose tube has 35 columns: 2.1 million vertices.
+SoRod* makeLongRod()
+{
+    Vectors points;
+    for (int i = 0; i <= 60000; ++i) {
+        const double t = 0.01 * i;
+        points.emplace_back(std::cos(t), std::sin(t), -1.5 + 5e-3 * t);
+    }
+    auto* rod = new SoRod(0.25, 0.8, 34, 1, true, true, false);
+    rod->setData(points, Quaternions(points.size()));
+    return rod;
+}
+
+// What a rod's meshes send by themselves.
+void renderMeshes(void* rod, SoAction* action)
+{
+    if (!action->isOfType(SoGLRenderAction::getClassTypeId()))
+        return;
+    auto& shown = *static_cast<SoRod*>(rod);
+    shown.getTubeMesh()->render(static_cast<SoGLRenderAction*>(action), 0);
+    shown.getRibbonMesh()->render(static_cast<SoGLRenderAction*>(action), 1);
+}
+
+TEST_F(MeshDrawingTest, MillionsOfVerticesAreInBuffersAtOnceAndDrawnInRuns)
+{
+    settings->addChild(makeMaterials(2));
+    settings->addChild(makeTexture());
+    SoRod* const rod = makeLongRod();
+    show(rod);
+    auto* meshes = new SoCallback;
+    meshes->setCallback(renderMeshes, rod);
+    scene->replaceChild(place, meshes);
+    const Picture expected = renderPicture(*renderer, scene);
+    EXPECT_GT(expected.countOther(BLACK), 1000);
+
+    scene->replaceChild(meshes, place);
+    for (int frame = 0; frame < 2; ++frame) {
+        EXPECT_EQ(compare(draw(), expected).pixels, 0) << frame;
+        EXPECT_EQ(vertices(), 0) << frame;
+        // The tube's strips are nine times 7,489 at most; the caps and the ribbon follow.
+        EXPECT_EQ(draws(), 10) << frame;
+    }
+}
+
 TEST_F(MeshDrawingTest, TheThirdFrameSendsNoVertexWhereverTheCameraIs)
 {
     expectSameFromBuffers();

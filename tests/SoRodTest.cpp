@@ -362,6 +362,28 @@ TEST_F(SoRodTest, TakesMeshesThatWereMadeInAnotherThread)
     expectSameMeshes(*rod->getRibbonMesh(), *generated->getRibbonMesh());
 }
 
+TEST_F(SoRodTest, MeshesThatWereMadeHoldNoMemoryForTheirCurves)
+{
+    Vectors points;
+    for (int i = 0; i < 1000; ++i)
+        points.emplace_back(std::cos(0.1 * i), std::sin(0.1 * i), 0.1 * i);
+    const std::size_t curve = points.size() * sizeof(Biarc<::Vector3>);
+    SoRod::Meshes meshes =
+        SoRod::makeMeshes(points, Quaternions(points.size()), 0.1, 0.5, 4, 1, false);
+
+    // What the curves need now is fresh memory, where a mesh that keeps them needs none.
+    BiarcTubeMesh tube(points, 0.1, 4, 1, false, false);
+    const AllocationCount kept;
+    tube.computeCurve(points);
+    EXPECT_LT(kept.largest(), curve);
+    const AllocationCount ofTube;
+    meshes.tube->computeCurve(points);
+    EXPECT_GE(ofTube.largest(), curve);
+    const AllocationCount ofRibbon;
+    const BiarcRibbonMesh again(points, points, 0.5, 1, meshes.ribbon.get());
+    EXPECT_GE(ofRibbon.largest(), curve);
+}
+
 TEST_F(SoRodTest, MakesNoMeshesOfIncorrectData)
 {
     for (const auto& [points, rotations] :

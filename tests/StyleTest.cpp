@@ -125,6 +125,8 @@ TEST(Style, LongRodsGetFewVerticesPerPointAndShortOnesManyRows)
     const Style lengthy = makeStyle({}, helix(100001, 0.01));
     EXPECT_EQ(lengthy.subsegments, 1);
     EXPECT_EQ(lengthy.slices, 10);
+    EXPECT_EQ(makeStyle({}, helix(300001, 0.01)).slices, 8);
+    EXPECT_EQ(makeStyle({}, helix(1000001, 0.001)).slices, 6);
     const Style brief = makeStyle({}, helix(5, 0.3));
     EXPECT_EQ(brief.subsegments, 32);
     EXPECT_EQ(brief.slices, 32);

@@ -45,4 +45,11 @@ bool GLBuffer::areSupported(std::uint32_t context)
     return cc_glglue_has_vertex_buffer_object(cc_glglue_instance(int(context)));
 }
 
+void GLBuffer::write(GLenum target, std::size_t offset, const void* data, std::size_t bytes) const
+{
+    glBindBuffer(target, name);
+    glBufferSubData(target, GLintptr(offset), GLsizeiptr(bytes), data);
+    glBindBuffer(target, 0);
+}
+
 void GLBuffer::bind(GLenum target) const { glBindBuffer(target, name); }

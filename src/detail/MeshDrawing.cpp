@@ -34,6 +34,10 @@ namespace {
 // Of one node under different materials; with more of them it is drawn as if it changed.
 const std::size_t LARGEST_COUNT = 8;
 
+// From here on buffers are filled at once, and drawn in several draws.
+const std::size_t LARGE_COUNT = 2'000'000;
+const std::size_t VERTICES_PER_DRAW = 1 << 18;
+
 // Of fewer rows there is little to leave out.
 const int MANY_ROWS = 1000;
 
@@ -41,7 +45,11 @@ struct Vertex
 {
     float point[3];
     float normal[3];
-    float texture[2];
+};
+
+struct TexturePlace
+{
+    float s, t;
 };
 
 float diagonalOf(const SbBox3f& box) { return (box.getMax() - box.getMin()).length(); }
@@ -59,126 +67,6 @@ double areaOfStrip(Mesh& mesh, int row)
     return along * across * (width == 2 ? 1 : 2);
 }
 
-// What meshes send to OpenGL, as arrays.
-class VertexArrays
-{
-public:
-    VertexArrays(const std::vector<MeshDrawing::Part>& parts, bool overall)
-        : materialOverall(overall)
-    {
-        std::size_t count = 0;
-        for (const auto& [mesh, materialOffset] : parts)
-            count += std::size_t(mesh.getHeight() + 2) * std::size_t(mesh.getWidth());
-        vertices.reserve(count);
-        materials.reserve(count);
-        triangles.reserve(6 * count);
-        for (const auto& [mesh, materialOffset] : parts) {
-            addBody(mesh, materialOffset);
-            if (auto* tube = dynamic_cast<TubeMesh*>(&mesh)) {
-                addCap(*tube, 0, materialOffset);
-                addCap(*tube, tube->getHeight() - 1, materialOffset);
-            }
-            ++part;
-        }
-    }
-
-    std::vector<Vertex> vertices;
-    std::vector<int> materials;           // an index for each vertex
-    std::vector<std::uint32_t> triangles; // three vertices each
-    std::vector<MeshDrawing::Run> runs;   // of all triangles
-
-private:
-    // See Mesh::render(): the triangles of its strips, each with the corners in the strip's
-    // order, which tells their lines and a flat colour.
-    void addBody(Mesh& mesh, int materialOffset)
-    {
-        if (!std::as_const(mesh).isValid())
-            return;
-        const int height = mesh.getHeight(), width = mesh.getWidth();
-        const auto first = std::uint32_t(vertices.size());
-        for (int i = 0; i < height; ++i) {
-            for (int j = 0; j < width; ++j) {
-                addVertex(mesh.getPoints()[i][j], mesh.getNormals()[i][j], double(j) / (width - 1),
-                          double(i) / (height - 1), materialOffset, mesh.getMaterialIndex(i, j));
-            }
-        }
-        auto begin = std::uint32_t(triangles.size());
-        SbBox3f box = boxOf(first, width);
-        const float largest = 1.3F * diagonalOf(box);
-        double areaOfRun = 0;
-        for (int i = 0; i + 1 < height; ++i) {
-            const std::uint32_t row = first + std::uint32_t(i) * std::uint32_t(width);
-            const std::uint32_t next = row + std::uint32_t(width);
-            for (std::uint32_t j = 0; j + 1 < std::uint32_t(width); ++j) {
-                addTriangle(next + j, row + j, next + j + 1);
-                addTriangle(next + j + 1, row + j, row + j + 1);
-            }
-            box.extendBy(boxOf(next, width));
-            areaOfRun += areaOfStrip(mesh, i);
-            if (diagonalOf(box) >= largest || i + 2 == height) {
-                addRun(begin, box, areaOfRun);
-                begin = std::uint32_t(triangles.size());
-                box = boxOf(next, width);
-                areaOfRun = 0;
-            }
-        }
-    }
-
-    // See TubeMesh::render(): the triangles of its fan.
-    void addCap(TubeMesh& tube, int row, int materialOffset)
-    {
-        if (!tube.isValid())
-            return;
-        const int height = tube.getHeight(), width = tube.getWidth();
-        const auto first = std::uint32_t(vertices.size());
-        for (int k = width - 2; k >= 0; --k) {
-            addVertex(tube.getPoints()[row][k],
-                      row == 0 ? tube.getLowerCapNormal() : tube.getUpperCapNormal(),
-                      double(k) / width, double(row) / height, materialOffset,
-                      tube.getCapMaterialIndex(row));
-        }
-        const auto begin = std::uint32_t(triangles.size());
-        for (std::uint32_t last = first + 2; last < vertices.size(); ++last)
-            addTriangle(first, last - 1, last);
-        const SbBox3f box = boxOf(first, int(vertices.size() - first));
-        addRun(begin, box, double(diagonalOf(box)) * double(diagonalOf(box)) / 2);
-    }
-
-    SbBox3f boxOf(std::uint32_t first, int count) const
-    {
-        SbBox3f box;
-        for (int i = 0; i < count; ++i)
-            box.extendBy(SbVec3f(vertices[first + std::uint32_t(i)].point));
-        return box;
-    }
-
-    // From the first triangle index to the last there is.
-    void addRun(std::uint32_t begin, const SbBox3f& box, double area)
-    {
-        runs.push_back({part, begin, std::uint32_t(triangles.size()) - begin, box.getCenter(),
-                        diagonalOf(box) / 2, area});
-    }
-
-    void addVertex(const Vector3<double>& point, const Vector3<double>& normal, double s, double t,
-                   int materialOffset, int materialIndex)
-    {
-        vertices.push_back({{float(point.x), float(point.y), float(point.z)},
-                            {float(normal.x), float(normal.y), float(normal.z)},
-                            {float(s), float(t)}});
-        materials.push_back(materialOffset + (materialOverall ? 0 : materialIndex));
-    }
-
-    void addTriangle(std::uint32_t a, std::uint32_t b, std::uint32_t c)
-    {
-        triangles.push_back(a);
-        triangles.push_back(b);
-        triangles.push_back(c);
-    }
-
-    const bool materialOverall;
-    std::size_t part = 0;
-};
-
 using Colour = std::uint32_t; // four bytes: red, green, blue, alpha
 
 // The colour in which OpenGL draws what has this material.
@@ -194,17 +82,269 @@ Colour colourOf(SoMaterialBundle& bundle, int material)
     return colour;
 }
 
-// Neighbours have the same material most of the time.
-std::vector<Colour> coloursOf(const std::vector<int>& materials, SoMaterialBundle& bundle)
+} // namespace
+
+// What meshes send to OpenGL, one after the other: the vertices of all bodies and caps, each
+// once, and the triangles between them.
+class MeshDrawing::Layout
 {
-    std::vector<Colour> colours;
-    colours.reserve(materials.size());
-    for (std::size_t i = 0; i < materials.size(); ++i) {
-        const bool same = i > 0 && materials[i] == materials[i - 1];
-        colours.push_back(same ? colours.back() : colourOf(bundle, materials[i]));
+public:
+    Layout(const std::vector<Part>& drawnParts, bool overall)
+        : parts(drawnParts), materialOverall(overall)
+    {
+        for (const auto& [mesh, materialOffset] : parts) {
+            vertexCount += bodySize(mesh);
+            if (auto* tube = dynamic_cast<TubeMesh*>(&mesh))
+                vertexCount += 2 * capSize(*tube);
+        }
+        std::size_t vertex = 0, index = 0;
+        for (std::size_t part = 0; part < parts.size(); ++part) {
+            Mesh& mesh = parts[part].mesh;
+            if (bodySize(mesh) > 0)
+                placeBody(mesh, part, vertex, index);
+            auto* tube = dynamic_cast<TubeMesh*>(&mesh);
+            for (int cap = 0; tube && capSize(*tube) > 0 && cap < 2; ++cap)
+                placeCap(*tube, cap == 0 ? 0 : tube->getHeight() - 1, part, vertex, index);
+        }
     }
-    return colours;
-}
+
+    std::size_t getVertexCount() const { return vertexCount; }
+
+    // Calls visit(point, normal, texture place, material) for each vertex.
+    template <typename Visit>
+    void visitVertices(Visit visit) const
+    {
+        for (const auto& [mesh, materialOffset] : parts) {
+            visitBody(mesh, materialOffset, visit);
+            if (auto* tube = dynamic_cast<TubeMesh*>(&mesh)) {
+                visitCap(*tube, 0, materialOffset, visit);
+                visitCap(*tube, tube->getHeight() - 1, materialOffset, visit);
+            }
+        }
+    }
+
+    // See Mesh::render() and TubeMesh::render(): the triangles of the strips and fans, each with
+    // the corners in the strip's order, which tells their lines and a flat colour. Of a body
+    // drawn in several draws the indices of the first rows serve for all that follow.
+    std::vector<std::uint32_t> makeIndices() const
+    {
+        std::vector<std::uint32_t> indices;
+        for (const Piece& piece : pieces) {
+            if (piece.cap)
+                addCap(piece, indices);
+            else
+                addBody(piece, indices);
+        }
+        return indices;
+    }
+
+    // How all of it is drawn in the meshes' order, in few draws.
+    std::vector<Draw> makeDraws() const
+    {
+        std::vector<Draw> draws;
+        for (const Piece& piece : pieces) {
+            for (std::size_t strip = 0; strip < piece.strips; strip += piece.stripsPerDraw)
+                addDraw(drawOf(piece, strip, std::min(strip + piece.stripsPerDraw, piece.strips)),
+                        draws);
+        }
+        return draws;
+    }
+
+    // The same in runs that are about as long as they are wide.
+    std::vector<Run> makeRuns() const
+    {
+        std::vector<Run> runs;
+        for (const Piece& piece : pieces) {
+            if (piece.cap) {
+                const SbBox3f box = boxOf(piece.mesh, piece.row);
+                const double side = double(diagonalOf(box));
+                addRun(piece, 0, 1, box, side * side / 2, runs);
+            } else {
+                addRunsOfBody(piece, runs);
+            }
+        }
+        return runs;
+    }
+
+private:
+    // A body, whose strips are alike, or a cap, which counts as one strip.
+    struct Piece
+    {
+        Mesh& mesh;
+        std::size_t part;
+        bool cap;
+        int row; // of a cap
+        std::size_t firstVertex, firstIndex;
+        std::size_t strips, indicesPerStrip, stripsPerDraw;
+    };
+
+    static std::size_t bodySize(const Mesh& mesh)
+    {
+        return mesh.isValid() ? std::size_t(mesh.getHeight()) * std::size_t(mesh.getWidth()) : 0;
+    }
+    static std::size_t capSize(TubeMesh& tube)
+    {
+        return tube.isValid() ? std::size_t(tube.getWidth() - 1) : 0;
+    }
+
+    void placeBody(Mesh& mesh, std::size_t part, std::size_t& vertex, std::size_t& index)
+    {
+        const auto width = std::size_t(mesh.getWidth());
+        const auto strips = std::size_t(mesh.getHeight() - 1);
+        const std::size_t most = std::max(VERTICES_PER_DRAW / width, std::size_t(1));
+        const std::size_t perDraw =
+            std::max(vertexCount >= LARGE_COUNT ? std::min(strips, most) : strips, std::size_t(1));
+        pieces.push_back({mesh, part, false, 0, vertex, index, strips, 6 * (width - 1), perDraw});
+        vertex += bodySize(mesh);
+        index += std::min(strips, perDraw) * pieces.back().indicesPerStrip;
+    }
+
+    void placeCap(TubeMesh& tube, int row, std::size_t part, std::size_t& vertex,
+                  std::size_t& index)
+    {
+        const std::size_t size = capSize(tube);
+        pieces.push_back({tube, part, true, row, vertex, index, 1, 3 * (size - 2), 1});
+        vertex += size;
+        index += pieces.back().indicesPerStrip;
+    }
+
+    template <typename Visit>
+    void visitBody(Mesh& mesh, int materialOffset, Visit& visit) const
+    {
+        if (!std::as_const(mesh).isValid())
+            return;
+        const int height = mesh.getHeight(), width = mesh.getWidth();
+        for (int i = 0; i < height; ++i) {
+            for (int j = 0; j < width; ++j) {
+                const TexturePlace place{float(double(j) / (width - 1)),
+                                         float(double(i) / (height - 1))};
+                visit(mesh.getPoints()[i][j], mesh.getNormals()[i][j], place,
+                      material(materialOffset, mesh.getMaterialIndex(i, j)));
+            }
+        }
+    }
+
+    // See TubeMesh::render(): the fan's corners.
+    template <typename Visit>
+    void visitCap(TubeMesh& tube, int row, int materialOffset, Visit& visit) const
+    {
+        if (!tube.isValid())
+            return;
+        const int height = tube.getHeight(), width = tube.getWidth();
+        const Vector3<double> normal =
+            row == 0 ? tube.getLowerCapNormal() : tube.getUpperCapNormal();
+        for (int k = width - 2; k >= 0; --k) {
+            visit(tube.getPoints()[row][k], normal,
+                  TexturePlace{float(double(k) / width), float(double(row) / height)},
+                  material(materialOffset, tube.getCapMaterialIndex(row)));
+        }
+    }
+
+    int material(int offset, int index) const { return offset + (materialOverall ? 0 : index); }
+
+    static void addBody(const Piece& piece, std::vector<std::uint32_t>& indices)
+    {
+        const auto width = std::uint32_t(piece.mesh.getWidth());
+        for (std::size_t i = 0; i < std::min(piece.strips, piece.stripsPerDraw); ++i) {
+            const auto row = std::uint32_t(piece.firstVertex + i * width);
+            const std::uint32_t next = row + width;
+            for (std::uint32_t j = 0; j + 1 < width; ++j)
+                indices.insert(indices.end(), {next + j, row + j, next + j + 1, next + j + 1,
+                                               row + j, row + j + 1});
+        }
+    }
+
+    static void addCap(const Piece& piece, std::vector<std::uint32_t>& indices)
+    {
+        const auto first = std::uint32_t(piece.firstVertex);
+        for (std::uint32_t k = 0; k < piece.indicesPerStrip / 3; ++k)
+            indices.insert(indices.end(), {first, first + k + 1, first + k + 2});
+    }
+
+    // Consecutive strips of one draw.
+    static Draw drawOf(const Piece& piece, std::size_t strip, std::size_t end)
+    {
+        const std::size_t inDraw = strip % piece.stripsPerDraw;
+        return {(strip - inDraw) * std::size_t(piece.mesh.getWidth()),
+                piece.firstIndex + inDraw * piece.indicesPerStrip,
+                int((end - strip) * piece.indicesPerStrip)};
+    }
+
+    // One with the draw before if it goes on where that ends.
+    static void addDraw(const Draw& draw, std::vector<Draw>& draws)
+    {
+        if (draw.indexCount == 0)
+            return;
+        if (!draws.empty() && draws.back().firstVertex == draw.firstVertex &&
+            draws.back().firstIndex + std::size_t(draws.back().indexCount) == draw.firstIndex)
+            draws.back().indexCount += draw.indexCount;
+        else
+            draws.push_back(draw);
+    }
+
+    static SbBox3f boxOf(Mesh& mesh, int row)
+    {
+        SbBox3f box;
+        for (int j = 0; j < mesh.getWidth(); ++j)
+            box.extendBy(toSbVec3f(mesh.getPoints()[row][j]));
+        return box;
+    }
+
+    static void addRunsOfBody(const Piece& piece, std::vector<Run>& runs)
+    {
+        SbBox3f box = boxOf(piece.mesh, 0);
+        const float largest = 1.3F * diagonalOf(box);
+        double area = 0;
+        std::size_t begin = 0;
+        for (std::size_t i = 0; i < piece.strips; ++i) {
+            const SbBox3f next = boxOf(piece.mesh, int(i) + 1);
+            box.extendBy(next);
+            area += areaOfStrip(piece.mesh, int(i));
+            const bool endsDraw = (i + 1) % piece.stripsPerDraw == 0;
+            if (diagonalOf(box) >= largest || endsDraw || i + 1 == piece.strips) {
+                addRun(piece, begin, i + 1, box, area, runs);
+                begin = i + 1;
+                box = next;
+                area = 0;
+            }
+        }
+    }
+
+    static void addRun(const Piece& piece, std::size_t begin, std::size_t end, const SbBox3f& box,
+                       double area, std::vector<Run>& runs)
+    {
+        runs.push_back(
+            {piece.part, drawOf(piece, begin, end), box.getCenter(), diagonalOf(box) / 2, area});
+    }
+
+    const std::vector<Part>& parts;
+    const bool materialOverall;
+    std::size_t vertexCount = 0;
+    std::vector<Piece> pieces; // in the order of the vertices
+};
+
+namespace {
+
+// Neighbours have the same material most of the time.
+class ColourLookup
+{
+public:
+    explicit ColourLookup(SoMaterialBundle& materials) : bundle(materials) {}
+
+    Colour operator()(int material)
+    {
+        if (material != lastMaterial) {
+            lastMaterial = material;
+            lastColour = colourOf(bundle, material);
+        }
+        return lastColour;
+    }
+
+private:
+    SoMaterialBundle& bundle;
+    int lastMaterial = -1;
+    Colour lastColour = 0;
+};
 
 // Whether all that is drawn hides all that is behind it.
 bool isOpaque(SoState* state)
@@ -212,42 +352,75 @@ bool isOpaque(SoState* state)
     return !glIsEnabled(GL_BLEND) && SoDrawStyleElement::get(state) == SoDrawStyleElement::FILLED;
 }
 
-void drawRun(const MeshDrawing::Run* run)
-{
-    glDrawElements(GL_TRIANGLES, GLsizei(run->count), GL_UNSIGNED_INT,
-                   GLBuffer::offset(run->first * sizeof(std::uint32_t)));
-}
-
-// One part after the other, since they meet: where both are equally near, the last is seen.
-void drawRunsNearestFirst(const std::vector<MeshDrawing::Run>& runs, DepthGrid& grid)
-{
-    const double stretch = DepthGrid::stretchOf(grid.getToEye());
-    std::vector<InView<const MeshDrawing::Run*>> seen;
-    double unread = 0;
-    for (auto run = runs.begin(); run != runs.end();) {
-        seen.clear();
-        const std::size_t part = run->part;
-        for (; run != runs.end() && run->part == part; ++run) {
-            const DepthGrid::Disc disc =
-                grid.project(run->centre, run->radius, grid.getToEye(), stretch);
-            if (!grid.seen(disc).isEmpty())
-                seen.push_back(
-                    {&*run, disc, disc.depth, grid.pixelsOf(run->area, run->radius, disc)});
-        }
-        drawNearestFirst(seen, grid, unread, drawRun,
-                         [&grid](const MeshDrawing::Run* one, const DepthGrid::Disc& disc) {
-                             double drawn = 0;
-                             for (const DepthGrid::Area& area : grid.seenInParts(disc)) {
-                                 grid.enter(area);
-                                 drawRun(one);
-                                 drawn += area.getSize();
-                             }
-                             return drawn;
-                         });
-    }
-}
-
 } // namespace
+
+// Draws from the buffers.
+class MeshDrawing::Drawer
+{
+public:
+    Drawer(const Kept& keptBuffers, const Colours& shownColours, bool sendNormals, SoState* state)
+        : kept(keptBuffers),
+          colours(shownColours),
+          normals(sendNormals),
+          textured(SoGLTextureEnabledElement::get(state) != 0)
+    {
+        glPushClientAttrib(GL_CLIENT_VERTEX_ARRAY_BIT);
+        glEnableClientState(GL_VERTEX_ARRAY);
+        if (normals)
+            glEnableClientState(GL_NORMAL_ARRAY);
+        if (textured)
+            glEnableClientState(GL_TEXTURE_COORD_ARRAY);
+        glEnableClientState(GL_COLOR_ARRAY);
+        kept.triangles.bind(GL_ELEMENT_ARRAY_BUFFER);
+    }
+    ~Drawer() { glPopClientAttrib(); }
+    Drawer(const Drawer&) = delete;
+    Drawer& operator=(const Drawer&) = delete;
+
+    void operator()(const Draw& draw)
+    {
+        if (!bound || boundVertex != draw.firstVertex)
+            bindFrom(draw.firstVertex);
+        glDrawElements(GL_TRIANGLES, draw.indexCount, GL_UNSIGNED_INT,
+                       GLBuffer::offset(draw.firstIndex * sizeof(std::uint32_t)));
+        // A software driver collects triangles, hundreds of bytes each, faster than it draws
+        // them: Mesa's up to 64 times 36 MB.
+        collected += std::size_t(draw.indexCount);
+        if (collected >= 6 * VERTICES_PER_DRAW) {
+            glFinish();
+            collected = 0;
+        }
+    }
+
+private:
+    // The arrays begin at the vertex that the indices count from: OpenGL has a parameter for
+    // that only since its version 3.2.
+    void bindFrom(std::size_t vertex)
+    {
+        bound = true;
+        boundVertex = vertex;
+        const std::size_t start = vertex * sizeof(Vertex);
+        kept.vertices.bind(GL_ARRAY_BUFFER);
+        glVertexPointer(3, GL_FLOAT, sizeof(Vertex),
+                        GLBuffer::offset(start + offsetof(Vertex, point)));
+        if (normals)
+            glNormalPointer(GL_FLOAT, sizeof(Vertex),
+                            GLBuffer::offset(start + offsetof(Vertex, normal)));
+        if (textured) {
+            kept.textures.bind(GL_ARRAY_BUFFER);
+            glTexCoordPointer(2, GL_FLOAT, 0, GLBuffer::offset(vertex * sizeof(TexturePlace)));
+        }
+        colours.buffer.bind(GL_ARRAY_BUFFER);
+        glColorPointer(4, GL_UNSIGNED_BYTE, 0, GLBuffer::offset(vertex * sizeof(Colour)));
+    }
+
+    const Kept& kept;
+    const Colours& colours;
+    const bool normals, textured;
+    bool bound = false;
+    std::size_t boundVertex = 0;
+    std::size_t collected = 0; // indices since the driver last had to draw
+};
 
 MeshDrawing::Materials::Materials(SoState* state)
 {
@@ -287,7 +460,13 @@ void MeshDrawing::draw(const SoNode& node, SoGLRenderAction* action, const std::
                                rowCount >= MANY_ROWS && isOpaque(state) &&
                                DepthGrid::isUsable(state);
         if (const Colours* colours = find(action, kept, parts, overdrawn)) {
-            drawKept(kept, *colours, !bundle.isColorOnly(), state, overdrawn ? &grid : nullptr);
+            const bool normals = !bundle.isColorOnly();
+            if (overdrawn)
+                drawNearestFirst(kept, *colours, normals, state, parts, grid);
+            else
+                drawInOrder(kept, *colours, normals, state);
+            // Which colour is current now OpenGL leaves open.
+            SoGLLazyElement::getInstance(state)->reset(state, SoLazyElement::DIFFUSE_MASK);
             return;
         }
     }
@@ -327,54 +506,94 @@ const MeshDrawing::Colours* MeshDrawing::find(SoGLRenderAction* action, Kept& ke
     const auto found = std::find_if(colours.begin(), colours.end(), [&](const Colours& seen) {
         return seen.materials == materials;
     });
+    const bool textured = SoGLTextureEnabledElement::get(action->getState());
+    if (found != colours.end()) {
+        std::rotate(found, found + 1, colours.end());
+        if (colours.back().buffer && (kept.textures || !textured))
+            return &colours.back();
+    }
+    const Layout layout(parts, isMaterialOverall(action->getState()));
     if (found == colours.end()) {
         if (colours.size() == LARGEST_COUNT)
             colours.erase(colours.begin());
         colours.push_back({materials, {}});
-        if (!atOnce)
+        if (!atOnce && layout.getVertexCount() < LARGE_COUNT)
             return nullptr;
-    } else {
-        std::rotate(found, found + 1, colours.end());
+    }
+    const std::uint32_t context = action->getCacheContext();
+    if (!kept.vertices)
+        fillVertices(kept, context, layout);
+    if (!kept.textures && textured) {
+        const std::size_t bytes = layout.getVertexCount() * sizeof(TexturePlace);
+        kept.textures = GLBuffer(context, GL_ARRAY_BUFFER, bytes);
+        BufferWriter<TexturePlace> writer(kept.textures, GL_ARRAY_BUFFER);
+        layout.visitVertices([&](const auto&, const auto&, const TexturePlace& place, int) {
+            writer.append(place);
+        });
     }
     if (GLBuffer& buffer = colours.back().buffer; !buffer) {
-        const std::uint32_t context = action->getCacheContext();
+        buffer = GLBuffer(context, GL_ARRAY_BUFFER, layout.getVertexCount() * sizeof(Colour));
+        BufferWriter<Colour> writer(buffer, GL_ARRAY_BUFFER);
         SoMaterialBundle bundle(action);
-        const VertexArrays arrays(parts, isMaterialOverall(action->getState()));
-        if (!kept.vertices) {
-            kept.vertices = GLBuffer(context, GL_ARRAY_BUFFER, arrays.vertices);
-            kept.triangles = GLBuffer(context, GL_ELEMENT_ARRAY_BUFFER, arrays.triangles);
-            kept.indexCount = int(arrays.triangles.size());
-            kept.runs = arrays.runs;
-        }
-        buffer = GLBuffer(context, GL_ARRAY_BUFFER, coloursOf(arrays.materials, bundle));
+        ColourLookup lookup(bundle);
+        layout.visitVertices([&](const auto&, const auto&, const auto&, int material) {
+            writer.append(lookup(material));
+        });
     }
     return &colours.back();
 }
 
-void MeshDrawing::drawKept(const Kept& kept, const Colours& colours, bool normals, SoState* state,
-                           DepthGrid* grid)
+void MeshDrawing::fillVertices(Kept& kept, std::uint32_t context, const Layout& layout)
 {
-    glPushClientAttrib(GL_CLIENT_VERTEX_ARRAY_BIT);
-    kept.vertices.bind(GL_ARRAY_BUFFER);
-    glEnableClientState(GL_VERTEX_ARRAY);
-    glVertexPointer(3, GL_FLOAT, sizeof(Vertex), GLBuffer::offset(offsetof(Vertex, point)));
-    if (normals) {
-        glEnableClientState(GL_NORMAL_ARRAY);
-        glNormalPointer(GL_FLOAT, sizeof(Vertex), GLBuffer::offset(offsetof(Vertex, normal)));
+    kept.vertices = GLBuffer(context, GL_ARRAY_BUFFER, layout.getVertexCount() * sizeof(Vertex));
+    BufferWriter<Vertex> writer(kept.vertices, GL_ARRAY_BUFFER);
+    layout.visitVertices(
+        [&](const Vector3<double>& point, const Vector3<double>& normal, const TexturePlace&, int) {
+            writer.append({{float(point.x), float(point.y), float(point.z)},
+                           {float(normal.x), float(normal.y), float(normal.z)}});
+        });
+    kept.triangles = GLBuffer(context, GL_ELEMENT_ARRAY_BUFFER, layout.makeIndices());
+    kept.draws = layout.makeDraws();
+}
+
+void MeshDrawing::drawInOrder(const Kept& kept, const Colours& colours, bool normals,
+                              SoState* state)
+{
+    Drawer drawer(kept, colours, normals, state);
+    for (const Draw& draw : kept.draws)
+        drawer(draw);
+}
+
+// One part after the other, since they meet: where both are equally near, the last is seen.
+void MeshDrawing::drawNearestFirst(Kept& kept, const Colours& colours, bool normals, SoState* state,
+                                   const std::vector<Part>& parts, DepthGrid& grid)
+{
+    if (kept.runs.empty())
+        kept.runs = Layout(parts, isMaterialOverall(state)).makeRuns();
+    Drawer drawer(kept, colours, normals, state);
+    const double stretch = DepthGrid::stretchOf(grid.getToEye());
+    std::vector<InView<const Run*>> seen;
+    double unread = 0;
+    for (auto run = kept.runs.begin(); run != kept.runs.end();) {
+        seen.clear();
+        const std::size_t part = run->part;
+        for (; run != kept.runs.end() && run->part == part; ++run) {
+            const DepthGrid::Disc disc =
+                grid.project(run->centre, run->radius, grid.getToEye(), stretch);
+            if (!grid.seen(disc).isEmpty())
+                seen.push_back(
+                    {&*run, disc, disc.depth, grid.pixelsOf(run->area, run->radius, disc)});
+        }
+        const auto drawAll = [&drawer](const Run* one) { drawer(one->draw); };
+        const auto drawSeen = [&](const Run* one, const DepthGrid::Disc& disc) {
+            double drawn = 0;
+            for (const DepthGrid::Area& visible : grid.seenInParts(disc)) {
+                grid.enter(visible);
+                drawer(one->draw);
+                drawn += visible.getSize();
+            }
+            return drawn;
+        };
+        ::drawNearestFirst(seen, grid, unread, drawAll, drawSeen);
     }
-    if (SoGLTextureEnabledElement::get(state)) {
-        glEnableClientState(GL_TEXTURE_COORD_ARRAY);
-        glTexCoordPointer(2, GL_FLOAT, sizeof(Vertex), GLBuffer::offset(offsetof(Vertex, texture)));
-    }
-    colours.buffer.bind(GL_ARRAY_BUFFER);
-    glEnableClientState(GL_COLOR_ARRAY);
-    glColorPointer(4, GL_UNSIGNED_BYTE, 0, nullptr);
-    kept.triangles.bind(GL_ELEMENT_ARRAY_BUFFER);
-    if (grid)
-        drawRunsNearestFirst(kept.runs, *grid);
-    else
-        glDrawElements(GL_TRIANGLES, kept.indexCount, GL_UNSIGNED_INT, nullptr);
-    glPopClientAttrib();
-    // Which colour is current now OpenGL leaves open.
-    SoGLLazyElement::getInstance(state)->reset(state, SoLazyElement::DIFFUSE_MASK);
 }
