@@ -95,6 +95,12 @@ bool LoadJob::waitFor(std::chrono::milliseconds patience)
     return shared->ended.wait_for(lock, patience, [this] { return shared->hasEnded; });
 }
 
+std::string LoadJob::getFailure()
+{
+    const std::lock_guard<std::mutex> lock(shared->mutex);
+    return shared->hasEnded && !shared->make ? shared->report.error : "";
+}
+
 void LoadJob::look()
 {
     if (waitFor(std::chrono::milliseconds(0))) {

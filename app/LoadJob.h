@@ -40,6 +40,8 @@ public:
     /// Waits for the thread, without processing events, but not longer than that; says
     /// whether it has ended, so that finish() can be called.
     bool waitFor(std::chrono::milliseconds patience);
+    /// Why the thread has ended without anything to make nodes of; nothing if it has not.
+    std::string getFailure();
     /// Makes the nodes, for which the thread must have ended, and emits finished().
     void finish();
 

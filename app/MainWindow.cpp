@@ -942,28 +942,15 @@ std::string runWindow(const Options& options, const MainWindow::Loader& loader, 
                       const MainWindow::Loader& first)
 {
     std::unique_ptr<LoadJob> begun;
-    DataScene* scene = nullptr;
     if (!options.files.empty()) {
         begun = std::make_unique<LoadJob>(options.files, first ? first : loader);
-        if (begun->waitFor(PATIENCE)) {
-            QObject::connect(begun.get(), &LoadJob::finished,
-                             [&](DataScene* loaded, const ReadReport& loadReport) {
-                                 scene = loaded;
-                                 report = loadReport;
-                             });
-            begun->finish();
-            begun.reset();
-            if (!scene)
-                return "";
-        }
+        begun->waitFor(PATIENCE);
+        report.error = begun->getFailure();
+        if (!report.error.empty())
+            return "";
     }
 
     MainWindow window(options, loader);
-    if (scene) {
-        window.showScene(scene, options.files);
-        MainWindow::rememberFiles(namesOf(options.files));
-        tellNotices(report);
-    }
     if (begun) {
         window.follow(std::move(begun), [&](const ReadReport& loadReport) {
             report = loadReport;

@@ -343,15 +343,16 @@ TEST_P(MeshDrawingSetting, LooksAsTheMeshesDrawIt)
 INSTANTIATE_TEST_SUITE_P(Settings, MeshDrawingSetting, testing::ValuesIn(allSettings()),
                          testing::PrintToStringParamName());
 
-// A coil of 60,000 segments whose tube has 35 columns: 2.1 million vertices.
+// A wave of 60,000 segments whose tube has 35 columns: 2.1 million vertices, which lie beside
+// each other, so that they are drawn in their order.
 SoRod* makeLongRod()
 {
     Vectors points;
     for (int i = 0; i <= 60000; ++i) {
-        const double t = 0.01 * i;
-        points.emplace_back(std::cos(t), std::sin(t), -1.5 + 5e-3 * t);
+        const double x = 4e-5 * i - 1.2;
+        points.emplace_back(x, 0.3 * std::sin(3 * x), 0);
     }
-    auto* rod = new SoRod(0.25, 0.8, 34, 1, true, true, false);
+    auto* rod = new SoRod(0.15, 0.3, 34, 1, true, true, false);
     rod->setData(points, Quaternions(points.size()));
     return rod;
 }

@@ -25,7 +25,7 @@
 
 namespace {
 
-const int POINTS = 100000;
+const int POINTS = 100000, LONG_POINTS = 1000000;
 
 // A file that goes with the program.
 class TemporaryFile
@@ -184,12 +184,26 @@ void addProfile(Table& table, const std::string& file, const std::string& pictur
                   Table::Goal::AtMost, 1);
 }
 
+// All points and normals of the tube and the ribbon.
+double meshBytes(int points, const Style& style)
+{
+    const double rows = double(points - 1) * style.subsegments + 1;
+    return rows * (style.slices + 1 + 2) * 64;
+}
+
+Style styleOf(const std::string& file)
+{
+    ReadReport report;
+    return makeStyle({}, *readFile(file, {}, report));
+}
+
 } // namespace
 
 int main()
 {
-    const TemporaryFile file(".txt"), small("-small.txt"), picture(".png");
+    const TemporaryFile file(".txt"), longFile("-long.txt"), small("-small.txt"), picture(".png");
     writeTable(file.path, POINTS);
+    writeTable(longFile.path, LONG_POINTS);
     writeTable(small.path, 3);
     const auto bytes = double(std::filesystem::file_size(file.path));
 
@@ -211,8 +225,9 @@ int main()
         return peakMemory(arguments);
     };
     setenv("GALLIUM_NOOP", "1", 1); // the driver's own memory is not the program's
-    const double peak = run(file.path), base = run(small.path);
+    const double peak = run(file.path), base = run(small.path), longPeak = run(longFile.path);
     unsetenv("GALLIUM_NOOP");
+    const double drivenPeak = run(longFile.path), drivenBase = run(small.path);
     addLargePicture(table, "Peak memory of 4000 x 3000 pixels of 49 samples", small.path,
                     picture.path, {"--size", "4000x3000", "--samples", "7"}, 3.0 * 4000 * 3000);
     addLargePicture(table, "Peak memory of 10000 x 10000 transparent pixels", small.path,
@@ -230,13 +245,19 @@ int main()
                   Table::Goal::AtLeast, 1);
 
     const Style style = makeStyle({}, data);
-    const double rows = double(POINTS - 1) * style.subsegments + 1;
-    const double mesh = rows * (style.slices + 1 + 2) * 64;
-    if (peak < 0 || base < 0)
+    const double mesh = meshBytes(POINTS, style);
+    const double longMesh = meshBytes(LONG_POINTS, styleOf(longFile.path));
+    if (peak < 0 || base < 0 || longPeak < 0 || drivenPeak < 0 || drivenBase < 0) {
         table.missing("Peak memory", "strandview failed");
-    else
+    } else {
         table.compare("Peak memory", (peak - base) / 1e6, "the mesh", mesh / 1e6, "MB",
                       Table::Goal::AtMost, 3);
+        table.compare("Peak memory, 10⁶ points", (longPeak - base) / 1e6, "the mesh",
+                      longMesh / 1e6, "MB", Table::Goal::AtMost, 2);
+        table.compare("Peak memory, 10⁶ points, the driver's included",
+                      (drivenPeak - drivenBase) / 1e6, "the mesh", longMesh / 1e6, "MB",
+                      Table::Goal::AtMost, 2.5);
+    }
 
     table.limit("strandview --help", 1e3 * help, "ms", 50);
     table.print();
