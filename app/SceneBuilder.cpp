@@ -280,6 +280,12 @@ private:
             auto* group = new SoSeparator;
             addBirodColours(group, *node, i);
             add(group, node, birod.origin);
+            for (BiarcTubeMesh* tube :
+                 {node->getAvgTubeMesh(), node->getTube1Mesh(), node->getTube2Mesh()})
+                tube->forgetCurve();
+            for (BiarcRibbonMesh* ribbon :
+                 {node->getAvgRibbonMesh(), node->getRibbon1Mesh(), node->getRibbon2Mesh()})
+                ribbon->forgetCurves();
             const std::string error = findFault(birod, *node);
             if (!error.empty())
                 return error;
