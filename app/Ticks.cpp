@@ -121,7 +121,9 @@ Integer commonOffset(const Multiples& multiples)
 // The power of ten that all labels are to be multiplied with, so that they are short.
 int commonExponent(Integer largest, int exponent)
 {
-    const int top = largest == 0 ? 0 : countDigits(largest) - 1 + exponent;
+    if (largest == 0)
+        return exponent; // so that a label is 0, without more of them or decimals
+    const int top = countDigits(largest) - 1 + exponent;
     return top > 4 || top < -2 || exponent < -4 ? top : 0;
 }
 
@@ -163,7 +165,8 @@ Ticks makeTicks(double min, double max, int mostSteps)
         const Integer label = (k - offset) * powerOfTen(std::max(zeros, 0));
         ticks.labels.push_back((label < 0 ? MINUS : "") + withDecimals(label, -zeros));
     }
-    ticks.note = timesPowerOfTen(common);
+    if (largest != 0)
+        ticks.note = timesPowerOfTen(common);
     if (offset != 0) {
         const std::string sign = offset < 0 ? MINUS : "+";
         ticks.note += (ticks.note.empty() ? sign : " " + sign + " ") +

@@ -51,6 +51,16 @@ TEST(RoundTicks, AreNoneWhereDoublePrecisionHasNoRoomForThem)
     EXPECT_THAT(roundTicks(0, std::nan("")), IsEmpty());
 }
 
+TEST(MakeTicks, AZeroAloneHasNeitherPowerNorDecimals)
+{
+    for (const double width : {4e299, 4e-299, 4.0}) {
+        const Ticks ticks = makeTicks(-width, width, 1);
+        EXPECT_THAT(ticks.values, ElementsAre(0)) << width;
+        EXPECT_THAT(ticks.labels, ElementsAre("0")) << width;
+        EXPECT_EQ(ticks.note, "") << width;
+    }
+}
+
 // Any two doubles: of any magnitude, far apart, near each other, or neighbours.
 class AnyRange
 {
