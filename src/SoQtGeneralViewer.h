@@ -40,8 +40,8 @@ using SoQtGeneralViewerResizeCB = void(void* userData, SoQtGeneralViewer* viewer
 ///
 /// Releasing the left button with ctrl held over an object puts the focal point there.
 ///
-/// While it lives, a window that appears or changes its size is followed by a few more frames,
-/// the last after 1.6 seconds: what is drawn before the X server shows the window is lost.
+/// When its window appears or changes its size a few more frames follow, the last after 1.6
+/// seconds: what is drawn before the X server shows the window is lost.
 ///
 /// Without a scene or a camera every operation is harmless and does nothing.
 class STRANDVIEW_EXPORT SoQtGeneralViewer : public SoQtExaminerViewer

@@ -5,8 +5,10 @@
 #include <Inventor/Qt/viewers/SoQtViewer.h>
 #include <QApplication>
 #include <QFrame>
+#include <QPointer>
 #include <QResizeEvent>
 #include <QTimer>
+#include <QWindow>
 
 /// Keeps the widget that SoQt draws into as large as its frame. SoQt 1.6.0 makes it several
 /// times larger where a screen has several pixels for one of Qt's; and now and then X11's
@@ -29,25 +31,45 @@ public:
 };
 
 /// The X server shows and resizes windows in its own time, and a frame that comes before is cut
-/// off or lost; Qt's GL widget does not ask for another, and the view stays black. So whenever a
-/// window appears or changes, there are a few more frames, later and later.
+/// off or lost; Qt's GL widget does not ask for another, and the view stays black. So whenever the
+/// viewer's window appears or changes, there are a few more frames, later and later.
 class Redrawer : public QObject
 {
 public:
-    explicit Redrawer(SoQtViewer& watched) : viewer(watched) { qApp->installEventFilter(this); }
+    explicit Redrawer(SoQtViewer& watched) : viewer(watched), base(watched.getBaseWidget())
+    {
+        qApp->installEventFilter(this);
+    }
 
     bool eventFilter(QObject* object, QEvent* event) override
     {
-        if (object->isWindowType() &&
-            (event->type() == QEvent::Expose || event->type() == QEvent::Resize)) {
+        if ((event->type() == QEvent::Expose || event->type() == QEvent::Resize) &&
+            isOfView(*object)) {
             for (const int milliseconds : {0, 100, 400, 1600})
-                QTimer::singleShot(milliseconds, this, [this] { viewer.scheduleRedraw(); });
+                QTimer::singleShot(milliseconds, this, [this] { redraw(); });
         }
         return false;
     }
 
 private:
+    // The window that the view is in, or one within it: not a menu or a tool tip.
+    bool isOfView(const QObject& object) const
+    {
+        const QWindow* const window = base ? base->window()->windowHandle() : nullptr;
+        const QObject* ancestor = &object;
+        while (ancestor && ancestor != window)
+            ancestor = ancestor->parent();
+        return ancestor && object.isWindowType();
+    }
+
+    void redraw()
+    {
+        if (base)
+            viewer.scheduleRedraw();
+    }
+
     SoQtViewer& viewer;
+    QPointer<QWidget> base; // goes with its parent
 };
 
 #endif

@@ -14,6 +14,8 @@
 
 #include <Inventor/Qt/SoQt.h>
 #include <Inventor/SoPickedPoint.h>
+#include <Inventor/actions/SoGLRenderAction.h>
+#include <Inventor/nodes/SoCallback.h>
 #include <Inventor/nodes/SoCube.h>
 #include <Inventor/nodes/SoDrawStyle.h>
 #include <Inventor/nodes/SoEventCallback.h>
@@ -1299,4 +1301,28 @@ TEST_F(SoQtGeneralViewerTest, OutlivesItsParentUnharmed)
     EXPECT_EQ(viewer->getGeneralScene(), scene);
     EXPECT_EQ(scene->updates, 1);
     EXPECT_EQ(answers.dialogs, 0);
+}
+
+void countFrame(void* count, SoAction* action)
+{
+    if (action->isOfType(SoGLRenderAction::getClassTypeId()))
+        ++*static_cast<int*>(count);
+}
+
+TEST_F(SoQtGeneralViewerTest, DrawsMoreFramesWhenItsOwnWindowChangesAndNoOther)
+{
+    int frames = 0;
+    auto* counter = new SoCallback;
+    counter->setCallback(countFrame, &frames);
+    scene->addChanging(counter);
+    resizeArea(300, 250);
+    EXPECT_TRUE(waitUntil([&] { return frames >= 4; }));
+    QTest::qWait(2000); // none is left
+
+    frames = 0;
+    QWidget tip(nullptr, Qt::ToolTip);
+    tip.setGeometry(window->frameGeometry().right() + 100, 50, 60, 20);
+    tip.show();
+    QTest::qWait(2000);
+    EXPECT_EQ(frames, 0);
 }
