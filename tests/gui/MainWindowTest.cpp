@@ -215,6 +215,10 @@ protected:
     void load(const QStringList& files) const
     {
         window->openFiles(files);
+        waitUntilLoaded();
+    }
+    void waitUntilLoaded() const
+    {
         ASSERT_TRUE(QTest::qWaitFor([this] { return !window->isLoading(); }, 20000));
     }
 
@@ -261,7 +265,7 @@ protected:
         if (accepted)
             QApplication::sendEvent(window.get(), &event);
         QTest::qWait(50);
-        ASSERT_TRUE(QTest::qWaitFor([this] { return !window->isLoading(); }, 20000));
+        waitUntilLoaded();
     }
 
     QTemporaryDir folder;
@@ -561,7 +565,7 @@ TEST_F(MainWindowTest, DialogsStartWhereTheShownFileIs)
     const QString inner = QFileInfo(folder.filePath("inner")).canonicalFilePath();
     EXPECT_EQ(folders, QStringList({inner, inner}));
 
-    window->openFiles({QString::fromStdString(write("straight.txt", STRAIGHT))});
+    load({QString::fromStdString(write("straight.txt", STRAIGHT))});
     window->chooseFiles();
     EXPECT_EQ(folders.last(), QFileInfo(folder.path()).canonicalFilePath());
 }
@@ -572,10 +576,10 @@ TEST_F(MainWindowTest, ScreenshotsGoWhereTheShownFileIsUnlessTheUserChoseAnother
     open({});
     auto* where = window->findChild<QLineEdit*>("dirLineEdit");
     EXPECT_EQ(where->text(), "./");
-    window->openFiles({QString::fromStdString(file)});
+    load({QString::fromStdString(file)});
     EXPECT_EQ(where->text(), folder.path());
     where->setText("/elsewhere");
-    window->openFiles({QString::fromStdString(file)});
+    load({QString::fromStdString(file)});
     EXPECT_EQ(where->text(), "/elsewhere");
 }
 
@@ -591,6 +595,7 @@ TEST_F(MainWindowTest, ReadsTheFilesAgainAndTheCameraStays)
     const CameraNumbers before = window->getCameraNumbers();
     write("straight.txt", "0 0 0\n0 8 0\n0 9 0\n");
     press(Qt::Key_F5);
+    waitUntilLoaded();
     EXPECT_TRUE(window->getCameraNumbers() == before);
     EXPECT_THAT(statusText(), HasSubstr("parallel transport"));
     EXPECT_EQ(window->windowTitle().toStdString(), file + " - strandview");
@@ -603,6 +608,7 @@ TEST_F(MainWindowTest, AFittedViewIsStillFittedAfterItsFilesWereReadAgain)
     open({write("straight.txt", STRAIGHT)});
     const CameraNumbers before = window->getCameraNumbers();
     action("Read again")->trigger();
+    waitUntilLoaded();
     EXPECT_TRUE(window->getCameraNumbers() == before);
     window->resize(400, 700);
     ASSERT_TRUE(QTest::qWaitFor([&] { return view()->width() == 400; }));
@@ -617,6 +623,7 @@ TEST_F(MainWindowTest, AFileThatIsGoneWhenItIsReadAgainIsToldAndStaysInView)
     QFile::remove(QString::fromStdString(file));
     Answers answers;
     press(Qt::Key_F5);
+    waitUntilLoaded();
     ASSERT_EQ(answers.texts.size(), 1u);
     EXPECT_THAT(answers.texts[0], HasSubstr(file));
     EXPECT_TRUE(window->getCameraNumbers() == before);
@@ -1016,7 +1023,7 @@ TEST_F(MainWindowTest, ColoursOfDataAreSwitchedOffAndOn)
     EXPECT_FALSE(colours->isChecked());
     EXPECT_FALSE(window->getCameraNumbers() == withLegend) << "the legend's room is free";
 
-    window->openFiles({QString::fromStdString(write("other.txt", STRAIGHT))});
+    load({QString::fromStdString(write("other.txt", STRAIGHT))});
     EXPECT_TRUE(comesToShow(isPlain)) << "of other files, too";
     colours->trigger();
     EXPECT_TRUE(comesToShow(isColoured));
@@ -1041,12 +1048,12 @@ TEST_F(MainWindowTest, AFileWithoutTheScalarIsShownInItsOwnColours)
     ASSERT_TRUE(comesToShow(isColoured));
 
     options.colourIfPossible = true; // as the program has it from then on
-    window->openFiles({without});
+    load({without});
     EXPECT_TRUE(comesToShowTheRod());
     EXPECT_THAT(statusText(), HasSubstr("not coloured"));
     EXPECT_THAT(statusText(), HasSubstr("found no scalar 'heat'"));
     EXPECT_FALSE(action("Colours of data")->isEnabled());
-    window->openFiles({with});
+    load({with});
     EXPECT_TRUE(comesToShow(isColoured));
     EXPECT_TRUE(action("Colours of data")->isEnabled());
 }
@@ -1219,7 +1226,7 @@ TEST_F(MainWindowTest, TurningOrPickingIsToldByStatusBarAndMenuWhoeverChangesIt)
     action("Picking instead of turning")->trigger();
     expectMode(true);
     // A mode outlives the scene that it was chosen for.
-    window->openFiles({QString::fromStdString(write("second.txt", STRAIGHT))});
+    load({QString::fromStdString(write("second.txt", STRAIGHT))});
     expectMode(true);
     press(Qt::Key_Escape);
     expectMode(false);
@@ -1314,7 +1321,7 @@ TEST_F(MainWindowTest, AnotherSceneShowsNoBoxesAndTheMenuSaysSo)
 {
     open({write("straight.txt", STRAIGHT)});
     press(Qt::Key_Space, Qt::ShiftModifier);
-    window->openFiles({QString::fromStdString(write("second.txt", STRAIGHT))});
+    load({QString::fromStdString(write("second.txt", STRAIGHT))});
     EXPECT_FALSE(action("Bounding boxes")->isChecked());
 }
 
