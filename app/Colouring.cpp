@@ -114,6 +114,7 @@ std::string checkLimits(const Options& options, const Limits& limits, const Limi
            formatted(values.min) + ", the smallest" + ofValues;
 }
 
+// Those that colours of data replace. Of hidden tubes and ribbons it is told elsewhere.
 void noteIgnoredColours(const Options& options, const Configuration& configuration,
                         const Colouring& colouring, ReadReport& report)
 {
@@ -123,9 +124,9 @@ void noteIgnoredColours(const Options& options, const Configuration& configurati
     if (!allColoured)
         return;
     std::string ignored;
-    if (options.tubeColour)
+    if (options.tubeColour && options.showTube)
         ignored = "--tube-colour";
-    if (options.ribbonColour)
+    if (options.ribbonColour && options.showRibbon.value_or(true))
         ignored += (ignored.empty() ? "" : " and ") + std::string("--ribbon-colour");
     if (!ignored.empty())
         report.notices.push_back(optionText(options) + ": leaves " + ignored + " without effect");
