@@ -9,7 +9,6 @@
 #include <QSize>
 #include <QTimer>
 
-class QImage;
 class QWidget;
 
 /// Waits until the screen shows a whole frame of an OpenGL view. As a window comes up,

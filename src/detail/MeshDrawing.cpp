@@ -82,6 +82,33 @@ Colour colourOf(SoMaterialBundle& bundle, int material)
     return colour;
 }
 
+// Neighbours have the same material most of the time.
+class ColourLookup
+{
+public:
+    explicit ColourLookup(SoMaterialBundle& materials) : bundle(materials) {}
+
+    Colour operator()(int material)
+    {
+        if (material != lastMaterial) {
+            lastMaterial = material;
+            lastColour = colourOf(bundle, material);
+        }
+        return lastColour;
+    }
+
+private:
+    SoMaterialBundle& bundle;
+    int lastMaterial = -1;
+    Colour lastColour = 0;
+};
+
+// Whether all that is drawn hides all that is behind it.
+bool isOpaque(SoState* state)
+{
+    return !glIsEnabled(GL_BLEND) && SoDrawStyleElement::get(state) == SoDrawStyleElement::FILLED;
+}
+
 } // namespace
 
 // What meshes send to OpenGL, one after the other: the vertices of all bodies and caps, each
@@ -322,37 +349,6 @@ private:
     std::size_t vertexCount = 0;
     std::vector<Piece> pieces; // in the order of the vertices
 };
-
-namespace {
-
-// Neighbours have the same material most of the time.
-class ColourLookup
-{
-public:
-    explicit ColourLookup(SoMaterialBundle& materials) : bundle(materials) {}
-
-    Colour operator()(int material)
-    {
-        if (material != lastMaterial) {
-            lastMaterial = material;
-            lastColour = colourOf(bundle, material);
-        }
-        return lastColour;
-    }
-
-private:
-    SoMaterialBundle& bundle;
-    int lastMaterial = -1;
-    Colour lastColour = 0;
-};
-
-// Whether all that is drawn hides all that is behind it.
-bool isOpaque(SoState* state)
-{
-    return !glIsEnabled(GL_BLEND) && SoDrawStyleElement::get(state) == SoDrawStyleElement::FILLED;
-}
-
-} // namespace
 
 // Draws from the buffers.
 class MeshDrawing::Drawer

@@ -12,10 +12,8 @@
 #include "GLBuffer.h"
 
 class DepthGrid;
-
 class Mesh;
 class SoGLRenderAction;
-class SoMaterialBundle;
 class SoNode;
 class SoState;
 
@@ -24,11 +22,13 @@ class SoState;
 ///
 /// What is drawn for the first time, or after a change, is drawn by the meshes themselves:
 /// what changes in every frame costs nothing more. When the same is drawn again it is put
-/// into vertex buffers, and drawn from them from then on; the picture is the same. From two
-/// million vertices on it is put there at once, which takes less than half of the time. The same
+/// into vertex buffers, and drawn from them from then on; the picture is the same. The same
 /// means: by the same node id, in the same OpenGL context, with materials from the same
 /// place; the materials are kept as one colour per vertex. A display list that somebody
 /// records gets what the meshes send.
+///
+/// From two million vertices on it is put into buffers at once, which takes less than half of
+/// the time, and drawn in several draws.
 ///
 /// Where much of it would lie one behind the other, as in a coil seen along its axis, it is put
 /// into buffers at once, the nearest comes first, and what is hidden is not drawn.
