@@ -298,6 +298,25 @@ protected:
         shape->touch();
         return draw();
     }
+    // Of what a rod's meshes send by themselves, the tube under material 0 and the ribbon under 1.
+    Picture pictureOfMeshes(SoRod& rod)
+    {
+        auto* meshes = new SoCallback;
+        meshes->setCallback(renderMeshes, &rod);
+        scene->replaceChild(place, meshes);
+        Picture picture = renderPicture(*renderer, scene);
+        scene->replaceChild(meshes, place);
+        return picture;
+    }
+    static void renderMeshes(void* rod, SoAction* action)
+    {
+        if (!action->isOfType(SoGLRenderAction::getClassTypeId()))
+            return;
+        auto& shown = *static_cast<SoRod*>(rod);
+        shown.getTubeMesh()->render(static_cast<SoGLRenderAction*>(action), 0);
+        shown.getRibbonMesh()->render(static_cast<SoGLRenderAction*>(action), 1);
+    }
+
     int draws() const { return count(calls, "glDrawElements"); }
     int vertices() const { return count(calls, "glVertex3f"); }
 
@@ -357,29 +376,14 @@ SoRod* makeLongRod()
     return rod;
 }
 
-// What a rod's meshes send by themselves.
-void renderMeshes(void* rod, SoAction* action)
-{
-    if (!action->isOfType(SoGLRenderAction::getClassTypeId()))
-        return;
-    auto& shown = *static_cast<SoRod*>(rod);
-    shown.getTubeMesh()->render(static_cast<SoGLRenderAction*>(action), 0);
-    shown.getRibbonMesh()->render(static_cast<SoGLRenderAction*>(action), 1);
-}
-
 TEST_F(MeshDrawingTest, MillionsOfVerticesAreInBuffersAtOnceAndDrawnInRuns)
 {
     settings->addChild(makeMaterials(2));
     settings->addChild(makeTexture());
     SoRod* const rod = makeLongRod();
     show(rod);
-    auto* meshes = new SoCallback;
-    meshes->setCallback(renderMeshes, rod);
-    scene->replaceChild(place, meshes);
-    const Picture expected = renderPicture(*renderer, scene);
+    const Picture expected = pictureOfMeshes(*rod);
     EXPECT_GT(expected.countOther(BLACK), 1000);
-
-    scene->replaceChild(meshes, place);
     for (int frame = 0; frame < 2; ++frame) {
         EXPECT_EQ(compare(draw(), expected).pixels, 0) << frame;
         EXPECT_EQ(vertices(), 0) << frame;
@@ -688,17 +692,23 @@ class CoilDrawingTest : public MeshDrawingTest
 protected:
     static const int TURNS = 60;
 
-    void SetUp() override
+    // 30 segments a turn.
+    static SoRod* makeCoil(int turns, int slices)
     {
-        MeshDrawingTest::SetUp();
         Vectors points;
-        for (int i = 0; i <= 30 * TURNS; ++i) {
+        for (int i = 0; i <= 30 * turns; ++i) {
             const double t = 2 * M_PI * i / 30;
             points.emplace_back(std::cos(t), std::sin(t), -0.05 * t);
         }
-        auto* coil = new SoRod(0.2, 0.5, 8, 2, true, true, false);
+        auto* coil = new SoRod(0.2, 0.5, slices, 2, true, true, false);
         coil->setData(points, Quaternions(points.size()));
-        show(coil);
+        return coil;
+    }
+
+    void SetUp() override
+    {
+        MeshDrawingTest::SetUp();
+        show(makeCoil(TURNS, 8));
         settings->addChild(make(&SoLightModel::model, SoLightModel::BASE_COLOR));
         settings->addChild(makeMaterials(2));
         camera->farDistance = 100;
@@ -742,6 +752,22 @@ TEST_F(CoilDrawingTest, LooksTheSameWithoutWhatIsHidden)
         EXPECT_GT(difference.covered, 3000);
         EXPECT_LE(compare(draw(), expected).pixels, 3);
     }
+}
+
+TEST_F(CoilDrawingTest, OfMillionsOfVerticesLooksTheSameWithoutWhatIsHidden)
+{
+    SoRod* const coil = makeCoil(1000, 34); // 60,001 rows of 35 columns, and of 2
+    show(coil);
+    camera->farDistance = 1000;
+    // Before the end, which is in the last of the draws.
+    camera->position = SbVec3f(0.5f, 0.2f, -316.7f);
+    camera->pointAt(SbVec3f(0, 0, -300), SbVec3f(0, 1, 0));
+    const Picture expected = pictureOfMeshes(*coil);
+    const Difference difference = compare(drawChanged(), expected);
+    EXPECT_EQ(vertices(), 0);
+    EXPECT_GT(draws(), 100); // runs, and not in their order
+    EXPECT_LE(difference.pixels, 3) << difference;
+    EXPECT_GT(difference.covered, 3000);
 }
 
 TEST_F(CoilDrawingTest, WhatIsHiddenIsNotDrawn)
