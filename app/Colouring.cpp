@@ -102,16 +102,19 @@ std::string checkLimits(const Options& options, const Limits& limits, const Limi
 {
     if (isRange(limits.min, limits.max))
         return "";
-    const std::string ofValues = " value of " + inQuotes(*options.colourBy);
-    if (limits.magnitude() > LARGEST_LIMIT)
+    if (values.magnitude() > LARGEST_LIMIT)
         return optionText(options) + ": found values from " + formatted(values.min) + " to " +
                formatted(values.max) + ", expected magnitudes up to " + formatted(LARGEST_LIMIT) +
                ", or --range";
+    const std::string found =
+        "--range: found '" + (options.rangeMin ? formatted(limits.min) + ":" : "") +
+        (options.rangeMax ? ":" + formatted(limits.max) : "") + "', expected ";
+    if (limits.magnitude() > LARGEST_LIMIT)
+        return found + "a magnitude up to " + formatted(LARGEST_LIMIT);
+    const std::string ofValues = " value of " + inQuotes(*options.colourBy);
     if (options.rangeMin)
-        return "--range: found '" + formatted(limits.min) + ":', expected MIN below " +
-               formatted(values.max) + ", the largest" + ofValues;
-    return "--range: found ':" + formatted(limits.max) + "', expected MAX above " +
-           formatted(values.min) + ", the smallest" + ofValues;
+        return found + "MIN below " + formatted(values.max) + ", the largest" + ofValues;
+    return found + "MAX above " + formatted(values.min) + ", the smallest" + ofValues;
 }
 
 // Those that colours of data replace. Of hidden tubes and ribbons it is told elsewhere.
