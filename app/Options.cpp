@@ -334,6 +334,21 @@ std::string unknownOption(const CLI::App& app, const std::string& argument)
     return text + (nearest.empty() ? "" : "?");
 }
 
+// One line about the first option that has too few or too many values, or nothing.
+std::string wrongCount(const CLI::App& app)
+{
+    for (const CLI::Option* option : app.get_options({})) {
+        const int count = int(option->count());
+        const int least = option->get_items_expected_min();
+        const int most = option->get_items_expected_max();
+        if (count > 0 && (count < least || count > most)) {
+            return option->get_name() + ": found " + counted(std::size_t(count), "value") +
+                   ", expected " + std::to_string(count < least ? least : most);
+        }
+    }
+    return "";
+}
+
 // What is wrong with the command line. A misspelt name comes first: it can be the cause of
 // all else.
 std::string explain(const CLI::App& app, const CLI::ParseError& error, int argc,
@@ -348,7 +363,9 @@ std::string explain(const CLI::App& app, const CLI::ParseError& error, int argc,
         const auto written = std::find_if(argv, argv + argc, isWritten);
         return unknownOption(app, written == argv + argc ? argument : *written);
     }
-    return error.what();
+    const bool isMismatch = dynamic_cast<const CLI::ArgumentMismatch*>(&error);
+    const std::string mismatch = isMismatch ? wrongCount(app) : "";
+    return mismatch.empty() ? error.what() : mismatch;
 }
 
 } // namespace
