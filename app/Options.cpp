@@ -137,8 +137,7 @@ void addDna(CLI::App& app, Options& options)
     const std::string group = "DNA";
     const auto parseLook = [&options](const std::string& text) {
         options.dna.atoms = options.dna.baseBoxes = options.dna.pairBoxes = false;
-        std::istringstream names(text);
-        for (std::string name; std::getline(names, name, ',');) {
+        const auto show = [&options](const std::string& name) {
             if (name == "atoms")
                 options.dna.atoms = true;
             else if (name == "bases")
@@ -149,7 +148,12 @@ void addDna(CLI::App& app, Options& options)
                 throw CLI::ValidationError("--dna", "found '" + name +
                                                         "', expected some of atoms, bases and "
                                                         "pairs, with commas");
-        }
+        };
+        if (text.empty())
+            show(text);
+        std::istringstream names(text);
+        for (std::string name; std::getline(names, name, ',');)
+            show(name);
     };
     app.add_option_function<std::string>("--dna", parseLook,
                                          "Show atoms, boxes of bases, boxes of pairs "
