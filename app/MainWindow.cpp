@@ -518,6 +518,9 @@ void MainWindow::setColours(bool ofData)
         return;
     const bool wasFitted = isFitted();
     scene->showColours(ofData);
+    // The highlights came or went.
+    for (LightingDialog* lights : findChildren<LightingDialog*>())
+        lights->updateGUIFromShaders();
     // The legend's room comes or goes.
     if (wasFitted)
         fit();

@@ -1035,6 +1035,18 @@ TEST_F(MainWindowTest, ColoursOfDataAreSwitchedOffAndOn)
     EXPECT_TRUE(window->getCameraNumbers() == moved) << "what the user moved stays";
 }
 
+TEST_F(MainWindowTest, TheDialogOfLightsTellsTheHighlightsOfTheColoursShown)
+{
+    options.colourBy = "arclength";
+    open({write("straight.txt", STRAIGHT)});
+    auto* field = window->findChild<QLineEdit*>("shininess1LineEdit");
+    ASSERT_EQ(field->text(), "0");
+    action("Colours of data")->trigger();
+    EXPECT_EQ(field->text(), "10");
+    action("Colours of data")->trigger();
+    EXPECT_EQ(field->text(), "0");
+}
+
 TEST_F(MainWindowTest, AFileWithoutTheScalarIsShownInItsOwnColours)
 {
     const std::string heat = "x y z qx qy qz qw heat\n"
