@@ -33,6 +33,7 @@
 #include <QPixmap>
 #include <QPointer>
 #include <QScreen>
+#include <QScrollArea>
 #include <QSettings>
 #include <QStatusBar>
 #include <QStyle>
@@ -93,7 +94,8 @@ void tellFailure(QWidget* parent, const QString& title, const std::string& failu
     box.exec();
 }
 
-// A box that stays beside the window, as wide as its text.
+// A box that stays beside the window, as large as its text, or as the screen; then its text
+// can be scrolled.
 void showText(QWidget* parent, const QString& title, const QString& text)
 {
     auto* box = new QDialog(parent);
@@ -101,9 +103,16 @@ void showText(QWidget* parent, const QString& title, const QString& text)
     box->setWindowTitle(title);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, box);
     QObject::connect(buttons, &QDialogButtonBox::rejected, box, &QDialog::close);
+    auto* label = new QLabel(text);
+    auto* area = new QScrollArea(box);
+    area->setFrameShape(QFrame::NoFrame);
+    area->setWidget(label);
     auto* layout = new QVBoxLayout(box);
-    layout->addWidget(new QLabel(text, box));
+    layout->addWidget(area);
     layout->addWidget(buttons);
+    // A scroll area asks for some lines alone, however long its text.
+    box->resize(box->sizeHint() + (label->sizeHint() - area->sizeHint()).expandedTo(QSize(0, 0)));
+    (new ScreenFitter(*box))->setParent(box);
     box->show();
 }
 

@@ -2,6 +2,7 @@
 // The program's window as its user sees it: a real window, keys, clicks, menus and drops.
 #include "MainWindow.h"
 
+#include <algorithm>
 #include <clocale>
 #include <cmath>
 #include <fstream>
@@ -32,6 +33,8 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QSettings>
 #include <QStatusBar>
 #include <QTemporaryDir>
@@ -1522,6 +1525,30 @@ TEST_F(MainWindowTest, ShowsEveryKeyOnOnePageAndSaysWhatItIs)
                         HasSubstr(QString::fromStdString(help.does).toHtmlEscaped().toStdString()));
     }
     EXPECT_THAT(texts, HasSubstr("GPL-3.0-or-later"));
+}
+
+TEST_F(MainWindowTest, ThePageOfKeysIsNotLargerThanTheScreenAndCanBeScrolled)
+{
+    const QFont usual = QApplication::font();
+    QFont large = usual;
+    large.setPointSize(3 * usual.pointSize());
+    open({});
+    QApplication::setFont(large);
+    press(Qt::Key_F1);
+    const auto boxes = window->findChildren<QDialog*>();
+    const auto shown = std::find_if(boxes.begin(), boxes.end(),
+                                    [](const QDialog* dialog) { return dialog->isVisible(); });
+    ASSERT_NE(shown, boxes.end());
+    const QDialog* box = *shown;
+    EXPECT_TRUE(QTest::qWaitFor([box] {
+        return box->frameGeometry() != box->geometry() &&
+               box->screen()->availableGeometry().contains(box->frameGeometry());
+    }));
+    const auto* area = box->findChild<QScrollArea*>();
+    ASSERT_TRUE(area);
+    EXPECT_GT(area->widget()->width(), box->width());
+    EXPECT_GT(area->horizontalScrollBar()->maximum(), 0);
+    QApplication::setFont(usual);
 }
 
 // Pictures
