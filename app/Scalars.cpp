@@ -33,14 +33,52 @@ Values arcLength(const Rod& rod)
     return values;
 }
 
+// The unit of the last decimal that numbers are written with: what they stand for was rounded to
+// it. Zero if it is larger than `coarsest`, or if they have more than twelve decimals, or so many
+// digits that a double does not tell.
+double lastDecimal(const Values& numbers, double coarsest)
+{
+    double scale = 1;
+    for (int decimals = 0; decimals <= 12; ++decimals, scale *= 10) {
+        const auto isWhole = [scale](double number) {
+            const double units = number * scale;
+            return std::abs(units) < 1e13 && std::abs(units - std::round(units)) < 1e-2;
+        };
+        if (std::all_of(numbers.begin(), numbers.end(), isWhole))
+            return scale * coarsest < 1 ? 0 : 1 / scale;
+    }
+    return 0;
+}
+
+// Of the points; that of a lattice, whose edges are a few units long, is no rounding.
+double lastDecimalOfPoints(const Rod& rod)
+{
+    Values numbers;
+    numbers.reserve(3 * rod.points.size());
+    for (const Vector3<double>& point : rod.points)
+        numbers.insert(numbers.end(), {point.x, point.y, point.z});
+    return lastDecimal(numbers, 1e-3 * arcLength(rod).back() / double(rod.points.size() - 1));
+}
+
+double lastDecimalOfFrames(const Rod& rod)
+{
+    Values numbers;
+    numbers.reserve(4 * rod.rotations.size());
+    for (const algebra3d::Quaternion<double>& q : rod.rotations)
+        numbers.insert(numbers.end(), {q[0], q[1], q[2], q[3]});
+    return lastDecimal(numbers, 1e-4);
+}
+
 // By how much the difference of two points may be off: some units in the last place of the
-// largest coordinate.
+// largest coordinate, or of the last decimal: half a unit in each of four coordinates, along the
+// diagonal.
 double roundingOfEdges(const Rod& rod)
 {
     double largest = 0;
     for (const Vector3<double>& point : rod.points)
         largest = std::max({largest, std::abs(point.x), std::abs(point.y), std::abs(point.z)});
-    return 8 * std::numeric_limits<double>::epsilon() * largest;
+    return std::max(8 * std::numeric_limits<double>::epsilon() * largest,
+                    4 * lastDecimalOfPoints(rod));
 }
 
 double edgeLength(const Rod& rod, std::size_t edge)
@@ -108,7 +146,7 @@ Values torsion(const Rod& rod)
     return fromEdges(values);
 }
 
-Values twist(const Rod& rod)
+Values twistOfEdges(const Rod& rod)
 {
     Values values(rod.points.size() - 1);
     for (std::size_t i = 0; i < values.size(); ++i) {
@@ -125,8 +163,10 @@ Values twist(const Rod& rod)
         values[i] = std::remainder(2 * std::atan2(q[2], q[3]), 2 * std::acos(-1.0)) /
                     (rod.points[i + 1] - rod.points[i]).getNorm();
     }
-    return fromEdges(values);
+    return values;
 }
+
+Values twist(const Rod& rod) { return fromEdges(twistOfEdges(rod)); }
 
 // As the values: ends take what is beside them.
 Values roundingOfCurvature(const Rod& rod)
@@ -160,10 +200,16 @@ Values roundingOfTorsion(const Rod& rod)
 
 Values roundingOfTwist(const Rod& rod)
 {
-    const double angle = 16 * std::numeric_limits<double>::epsilon();
+    // Of the angle between two frames, and by the length of the edge of the whole.
+    const double angle =
+        std::max(16 * std::numeric_limits<double>::epsilon(), 8 * lastDecimalOfFrames(rod));
+    const double ofEdges = roundingOfEdges(rod);
+    const Values twists = twistOfEdges(rod);
     Values values(rod.points.size() - 1);
-    for (std::size_t i = 0; i < values.size(); ++i)
-        values[i] = angle / edgeLength(rod, i);
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const double length = edgeLength(rod, i);
+        values[i] = (angle + std::abs(twists[i]) * ofEdges) / length;
+    }
     return fromEdges(values);
 }
 

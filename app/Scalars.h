@@ -20,10 +20,11 @@ const std::vector<std::string>& builtInScalars();
 /// A scalar of the rod by name: one of its file, else a built-in one, else nothing.
 std::optional<std::vector<double>> findScalar(const Rod& rod, const std::string& name);
 
-/// By how much the values of findScalar() may be off because points and frames are rounded
-/// to double precision, one number per point: as the formula carries the rounding on, and
-/// of curvature, torsion and twist a 1e-9th of 1 / length at least. Infinite where a torsion
-/// is not determined; zero of arclength and of the scalars of files.
+/// By how much the values of findScalar() may be off because points and frames are rounded, to
+/// double precision or to the decimals that they were written with, one number per point: as the
+/// formula carries the rounding on, and of curvature, torsion and twist a 1e-9th of 1 / length at
+/// least. Infinite where a torsion is not determined; zero of arclength and of the scalars of
+/// files.
 std::vector<double> roundingOf(const Rod& rod, const std::string& name);
 
 #endif

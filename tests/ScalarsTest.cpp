@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Scalars.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include <gmock/gmock.h>
@@ -57,6 +58,48 @@ TEST(Scalars, OfAHelixAreItsKnownOnes)
         // The Frenet frame turns about the tangent by the torsion.
         expectAllNear(rod, "twist", torsion, 1e-4);
     }
+}
+
+// As a file has them that was written with so many decimals.
+Rod written(Rod rod, int decimals)
+{
+    const double scale = std::pow(10, decimals);
+    const auto round = [scale](double& number) { number = std::round(number * scale) / scale; };
+    for (Vector3<double>& point : rod.points) {
+        for (int axis = 0; axis < 3; ++axis)
+            round(point[axis]);
+    }
+    for (auto& rotation : rod.rotations) {
+        for (int i = 0; i < 4; ++i)
+            round(rotation[i]);
+    }
+    return rod;
+}
+
+TEST(Scalars, OfAHelixVaryWithinTheRoundingOfItsDecimals)
+{
+    for (const int decimals : {5, 6, 7, 9, 12, 17}) {
+        const Rod rod = written(helix(1, 1), decimals);
+        for (const char* name : {"curvature", "torsion", "twist"}) {
+            SCOPED_TRACE(std::string(name) + " with decimals: " + std::to_string(decimals));
+            const auto values = *findScalar(rod, name);
+            const auto rounding = roundingOf(rod, name);
+            const auto [least, greatest] = std::minmax_element(values.begin(), values.end());
+            const double largest = *std::max_element(rounding.begin(), rounding.end());
+            EXPECT_LE(*greatest - *least, 2 * largest);
+            EXPECT_TRUE(decimals < 9 || largest < 0.01) << largest; // the bound is of use
+        }
+    }
+}
+
+TEST(Scalars, OfALatticeAreNotRounded)
+{
+    Rod rod;
+    for (int i = 0; i < 20; ++i)
+        rod.points.emplace_back(1e-9 * ((i + 1) / 2), 1e-9 * (i / 2), 0);
+    rod.rotations.resize(rod.points.size());
+    for (const double rounding : roundingOf(rod, "curvature"))
+        EXPECT_LT(rounding, 1e-3 * findScalar(rod, "curvature")->front());
 }
 
 TEST(Scalars, TwistAddsToTheTorsion)
