@@ -101,11 +101,9 @@ TEST(JsonReader, WithoutQuaternionsMakesTheFramesAndSaysSo)
     const Reading reading = readText(fileOfRod(R"("points": [[0, 0, 0], [0, 0, 1]])"));
     ASSERT_TRUE(reading.configuration) << reading.report.error;
     EXPECT_EQ(reading.configuration->rods[0].rotations.size(), 2U);
-    EXPECT_THAT(
-        reading.report.notices,
-        ElementsAre(
-            "rod.json: 1 rod without frames: no ribbon unless asked for (--ribbon), then by "
-            "parallel transport"));
+    EXPECT_THAT(reading.report.notices,
+                ElementsAre("rod.json: 1 rod without frames: made by parallel transport, for a "
+                            "ribbon where one is asked for (--ribbon)"));
 }
 
 TEST(JsonReader, LeavesOutPointsAtThePlaceOfTheOneBefore)

@@ -188,10 +188,9 @@ TEST_F(ReadFile, TheReadersNameTheFileInErrorsAndNotices)
     const std::string bare = write("bare.csv", "0,0,0\n0,0,1\n");
     EXPECT_TRUE(read(bare));
     EXPECT_EQ(report.error, "") << "of the file before";
-    EXPECT_THAT(
-        report.notices,
-        ElementsAre(bare + ": 1 rod without frames: no ribbon unless asked for (--ribbon), then by "
-                           "parallel transport"));
+    EXPECT_THAT(report.notices,
+                ElementsAre(bare + ": 1 rod without frames: made by parallel transport, for a "
+                                   "ribbon where one is asked for (--ribbon)"));
 }
 
 TEST_F(ReadFile, PassesTheOptionsOn)

@@ -930,8 +930,8 @@ TEST_P(StrandviewIdleOptionTest, IsToldInALine)
 
 const char* const FRAMED = "0 0 0 0 0 0 1\n0 0 1 0 0 0 1\n";
 const char* const PAIR = "A 0 0 0 0 0 0 1\n";
-const std::string BARE_NOTICE = "standard input: 1 rod without frames: no ribbon unless asked for "
-                                "(--ribbon), then by parallel transport";
+const std::string BARE_NOTICE = "standard input: 1 rod without frames: made by parallel transport, "
+                                "for a ribbon where one is asked for (--ribbon)";
 
 INSTANTIATE_TEST_SUITE_P(
     , StrandviewIdleOptionTest,

@@ -110,10 +110,9 @@ TEST(TableReader, AHeaderWithoutQuaternionsLeavesTheFramesToTheReader)
     EXPECT_EQ(numbersOf(rod.points), (Points{{0, 0, 0}, {1, 0, 0}}));
     EXPECT_EQ(rod.rotations.size(), 2U);
     EXPECT_THAT(rod.scalars[0].values, ElementsAre(5, 6));
-    EXPECT_THAT(
-        reading.report.notices,
-        ElementsAre("rod.txt: 1 rod without frames: no ribbon unless asked for (--ribbon), then by "
-                    "parallel transport"));
+    EXPECT_THAT(reading.report.notices,
+                ElementsAre("rod.txt: 1 rod without frames: made by parallel transport, for a "
+                            "ribbon where one is asked for (--ribbon)"));
 }
 
 // ---- Directors
@@ -339,11 +338,9 @@ TEST(TableReader, AHeaderCountsForEveryRodAndMayComeAgain)
 TEST(TableReader, CountsTheRodsWithoutQuaternionsInOneNotice)
 {
     const Reading reading = readText("0 0 0\n0 0 1\n\n1 0 0\n1 0 1\n");
-    EXPECT_THAT(
-        reading.report.notices,
-        ElementsAre(
-            "rod.txt: 2 rods without frames: no ribbon unless asked for (--ribbon), then by "
-            "parallel transport"));
+    EXPECT_THAT(reading.report.notices,
+                ElementsAre("rod.txt: 2 rods without frames: made by parallel transport, for a "
+                            "ribbon where one is asked for (--ribbon)"));
 }
 
 TEST(TableReader, ARodKnowsTheLineOfItsFirstPoint)

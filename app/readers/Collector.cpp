@@ -191,7 +191,8 @@ std::optional<Configuration> Collector::finish(const std::string& fileName, cons
                ": is d3 the tangent (quaternions: scalar last; directors: d1, d2, d3)?";
     };
     notice(transportedRods, "rod",
-           "without frames: no ribbon unless asked for (--ribbon), then by parallel transport");
+           "without frames: made by parallel transport, for a ribbon where one is asked for "
+           "(--ribbon)");
     const std::string ofElements = "with frames or scalars of elements: taken to the points";
     notice(rodsOfElements, "rod", ofElements);
     notice(birodsOfElements, "birod", ofElements);
