@@ -521,15 +521,7 @@ void initialiseScene()
 {
     SoDB::init();
     SoInteraction::init();
-    SoMeshShape::initClass();
-    SoRod::initClass();
-    SoBirod::initClass();
-    SoArrow::initClass();
-    SoFrame::initClass();
-    SoMarker::initClass();
-    SoNucleobase::initClass();
-    SoDNA::initClass();
-    SoGeneralScene::initClass();
+    initStrandviewClasses();
     SoOverlay::initClass();
     SoLegendCamera::initClass();
 }

@@ -12,6 +12,7 @@
 #include <SoGeneralScene.h>
 #include <SoQtGeneralViewer.h>
 #include <SoRod.h>
+#include <global.h>
 
 namespace {
 
@@ -83,10 +84,7 @@ int main(int, char** argv)
 {
     qputenv("QT_QPA_PLATFORM", "xcb"); // Coin speaks X11 alone, under Wayland, too
     QWidget* window = SoQt::init(argv[0]);
-    SoQtGeneralViewer::initClass();
-    SoMeshShape::initClass();
-    SoRod::initClass();
-    SoGeneralScene::initClass();
+    initStrandviewClasses();
 
     VibratingString string(1000);
     auto* rod = new SoRod(0.05, 0.4, 16, 2, true, true, false);

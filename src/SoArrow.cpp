@@ -59,3 +59,5 @@ SoArrow::SoArrow(const Vector& from, const Vector& to, double shaftRadius, doubl
 }
 
 SoArrow::~SoArrow() = default;
+
+const char* SoArrow::getFileFormatName() const { return "Separator"; }

@@ -25,6 +25,10 @@ public:
     SoArrow(const algebra3d::Vector3<double>& from, const algebra3d::Vector3<double>& to,
             double shaftRadius, double headRadius, double headLength);
 
+    /// In a file it is the plain separator that it is made of, which any Coin program reads:
+    /// it shows the same then, and is no SoArrow any more.
+    const char* getFileFormatName() const override;
+
 protected:
     ~SoArrow() override;
 };

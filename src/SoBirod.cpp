@@ -10,6 +10,7 @@
 #include <global.h>
 
 #include "detail/MeshDrawing.h"
+#include "detail/WrittenShape.h"
 #include "detail/rodData.h"
 
 using Vector = algebra3d::Vector3<double>;
@@ -34,6 +35,7 @@ SoBirod::SoBirod(double avgRadius, double strandsRadius, double avgWidth, double
       slices(ringSlices),
       subsegments(rowsPerSegment),
       drawing(std::make_unique<MeshDrawing>()),
+      written(std::make_unique<WrittenShape>()),
       showingAvgTube(avgTubeShown),
       showingTubes(tubesShown),
       showingAvgRibbon(avgRibbonShown),
@@ -234,6 +236,42 @@ int SoBirod::getMaterialOffset(Part part, bool overall) const
     for (int before = AVG_TUBE; before < part; ++before)
         offset += getMesh(Part(before)).getHeight();
     return offset;
+}
+
+// There is no factory to ask.
+SoNode* SoBirod::addToCopyDict() const
+{
+    if (SoFieldContainer* const copy = checkCopy(this))
+        return static_cast<SoNode*>(copy);
+    auto* const copy = new SoBirod(avgTubeRadius, tubesRadius, avgRibbonWidth, ribbonsWidth,
+                                   strandXPos, strandYPos, slices, subsegments, showingAvgTube,
+                                   showingTubes, showingAvgRibbon, showingRibbons, twoSidedRibbon);
+    addCopy(this, copy);
+    return copy;
+}
+
+void SoBirod::copyContents(const SoFieldContainer* from, SbBool copyConnections)
+{
+    SoMeshShape::copyContents(from, copyConnections);
+    const auto* original = static_cast<const SoBirod*>(from);
+    const auto copyData = [](const Rod& rod, Rod& copy) {
+        copy.points = rod.points;
+        copy.rotations = rod.rotations;
+        copy.positions = rod.positions;
+    };
+    copyData(original->average, average);
+    copyData(original->strand1, strand1);
+    copyData(original->strand2, strand2);
+    valid = original->valid;
+    if (original->hasMeshes())
+        generate();
+}
+
+void SoBirod::write(SoWriteAction* action) { written->write(*this, action); }
+
+void SoBirod::addWriteReference(SoOutput* output, SbBool isFromField)
+{
+    written->addReference(*this, output, isFromField);
 }
 
 void SoBirod::GLRender(SoGLRenderAction* action)

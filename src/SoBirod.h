@@ -12,6 +12,7 @@
 #include <algebra3d/Vector3.h>
 
 class MeshDrawing;
+class WrittenShape;
 
 /// A birod: an average rod and two strands, each a centreline with one orientation per
 /// point, shown as a tube and a ribbon each.
@@ -29,6 +30,9 @@ class MeshDrawing;
 /// it, or the last one there is.
 ///
 /// A birod without correct data is invalid: it draws, bounds and counts nothing.
+///
+/// Copied and written as a SoRod: a copy has data, parameters and meshes of its own; a file
+/// has the shapes shown, in the first material.
 class STRANDVIEW_EXPORT SoBirod : public SoMeshShape
 {
     SO_NODE_ABSTRACT_HEADER(SoBirod);
@@ -132,6 +136,11 @@ public:
     /// What is shown, unlike that of a rod.
     void getPrimitiveCount(SoGetPrimitiveCountAction* action) override;
 
+    SoNode* addToCopyDict() const override;
+    void copyContents(const SoFieldContainer* from, SbBool copyConnections) override;
+    void write(SoWriteAction* action) override;
+    void addWriteReference(SoOutput* output, SbBool isFromField) override;
+
 protected:
     ~SoBirod() override;
     void generatePrimitives(SoAction* action) override;
@@ -170,6 +179,7 @@ private:
     Rod strand1;
     Rod strand2;
     std::unique_ptr<MeshDrawing> drawing;
+    std::unique_ptr<WrittenShape> written;
     bool showingAvgTube;
     bool showingTubes;
     bool showingAvgRibbon;

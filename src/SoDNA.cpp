@@ -462,3 +462,5 @@ void SoDNA::GLRenderBelowPath(SoGLRenderAction* action)
     if (!outOfView && !drawing->draw(action, this, bpSwitch, basesGroup))
         SoSeparator::GLRenderBelowPath(action);
 }
+
+const char* SoDNA::getFileFormatName() const { return "Separator"; }

@@ -111,6 +111,9 @@ public:
     /// graph elsewhere; see docs/architecture.md.
     void GLRenderBelowPath(SoGLRenderAction* action) override;
 
+    /// In a file it is the plain separator that it is made of, which any Coin program reads:
+    /// it shows the same then, and is no SoDNA any more.
+    const char* getFileFormatName() const override;
     void copyContents(const SoFieldContainer* from, SbBool copyConnections) override;
 
 protected:

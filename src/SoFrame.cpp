@@ -106,3 +106,5 @@ void SoFrame::copyContents(const SoFieldContainer* from, SbBool copyConnections)
     materialY = copyOf(original->materialY, copyConnections);
     materialZ = copyOf(original->materialZ, copyConnections);
 }
+
+const char* SoFrame::getFileFormatName() const { return "Separator"; }

@@ -28,6 +28,9 @@ public:
     /// Of all three axes, from 0 (opaque) to 1; clamped to that.
     void setTransparency(double transparency);
 
+    /// In a file it is the plain separator that it is made of, which any Coin program reads:
+    /// it shows the same then, and is no SoFrame any more.
+    const char* getFileFormatName() const override;
     void copyContents(const SoFieldContainer* from, SbBool copyConnections) override;
 
 protected:

@@ -18,6 +18,8 @@
 #include <QFile>
 #include <gsl/gsl_spline.h>
 
+#include "detail/copyOf.h"
+
 using algebra3d::Vector3;
 
 SO_NODE_SOURCE(SoGeneralScene);
@@ -372,4 +374,46 @@ void SoGeneralScene::getBoundingBox(SoGetBoundingBoxAction* action)
     const SbBox3f box = action->getBoundingBox();
     box.getMin().getValue(bbMin[0], bbMin[1], bbMin[2]);
     box.getMax().getValue(bbMax[0], bbMax[1], bbMax[2]);
+}
+
+const char* SoGeneralScene::getFileFormatName() const { return "Separator"; }
+
+void SoGeneralScene::copyContents(const SoFieldContainer* from, SbBool copyConnections)
+{
+    SoSeparator::copyContents(from, copyConnections);
+    const auto* original = static_cast<const SoGeneralScene*>(from);
+    const auto hold = [copyConnections](auto* part, auto*& held) {
+        holdCopyOf(part, held, copyConnections);
+    };
+    hold(original->sceneRoot, sceneRoot);
+    hold(original->isPersp, isPersp);
+    hold(original->useTexture, useTexture);
+    hold(original->useLightOff, useLightOff);
+    hold(original->useLightOn, useLightOn);
+    hold(original->lightDir, lightDir);
+    hold(original->lightIntensity, lightIntensity);
+    hold(original->shininess, shininess);
+    hold(original->lineColors, lineColors);
+    hold(original->margins, margins);
+    hold(original->numSteps, numSteps);
+    hold(original->steps, steps);
+    hold(original->solidProgram, solidProgram);
+    hold(original->shadedProgram, shadedProgram);
+    solidGroup = copyOf(original->solidGroup, copyConnections);
+    shadedGroup = copyOf(original->shadedGroup, copyConnections);
+    changingGroup = copyOf(original->changingGroup, copyConnections);
+    modeSwitch = copyOf(original->modeSwitch, copyConnections);
+    complexity = copyOf(original->complexity, copyConnections);
+    drawStyle = copyOf(original->drawStyle, copyConnections);
+
+    drawStyleIndex = original->drawStyleIndex;
+    lineWidthMin = original->lineWidthMin;
+    lineWidthMax = original->lineWidthMax;
+    lineWidthStep = original->lineWidthStep;
+    lineWidth = original->lineWidth;
+    defaultMapper = original->defaultMapper;
+    colourMapper = original->colourMapper == &original->defaultMapper ? &defaultMapper
+                                                                      : original->colourMapper;
+    std::copy_n(original->bbMin, 3, bbMin);
+    std::copy_n(original->bbMax, 3, bbMax);
 }

@@ -113,6 +113,10 @@ public:
     virtual void update();
 
     void getBoundingBox(SoGetBoundingBoxAction* action) override;
+    /// In a file it is the plain separator that it is made of, which any Coin program reads:
+    /// it shows the same then, and is no SoGeneralScene any more.
+    const char* getFileFormatName() const override;
+    void copyContents(const SoFieldContainer* from, SbBool copyConnections) override;
 
     // Initial values
 

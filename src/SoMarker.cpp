@@ -134,3 +134,5 @@ void SoMarker::copyContents(const SoFieldContainer* from, SbBool copyConnections
     holdCopyOf(original->scale, scale, copyConnections);
     holdCopyOf(original->cross, cross, copyConnections);
 }
+
+const char* SoMarker::getFileFormatName() const { return "Separator"; }

@@ -62,6 +62,9 @@ public:
     void setColour(double r, double g, double b);
     void getColour(double& r, double& g, double& b) const;
 
+    /// In a file it is the plain separator that it is made of, which any Coin program reads:
+    /// it shows the same then, and is no SoMarker any more.
+    const char* getFileFormatName() const override;
     void copyContents(const SoFieldContainer* from, SbBool copyConnections) override;
 
 protected:

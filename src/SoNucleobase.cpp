@@ -322,3 +322,5 @@ void SoNucleobase::GLRenderBelowPath(SoGLRenderAction* action)
         !drawing->draw(action, drawHere))
         SoSeparator::GLRenderBelowPath(action);
 }
+
+const char* SoNucleobase::getFileFormatName() const { return "Separator"; }

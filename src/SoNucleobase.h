@@ -102,6 +102,9 @@ public:
     /// elsewhere; see docs/architecture.md.
     void GLRenderBelowPath(SoGLRenderAction* action) override;
 
+    /// In a file it is the plain separator that it is made of, which any Coin program reads:
+    /// it shows the same then, and is no SoNucleobase any more.
+    const char* getFileFormatName() const override;
     void copyContents(const SoFieldContainer* from, SbBool copyConnections) override;
 
 protected:

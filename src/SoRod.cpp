@@ -11,6 +11,7 @@
 #include <global.h>
 
 #include "detail/MeshDrawing.h"
+#include "detail/WrittenShape.h"
 #include "detail/rodData.h"
 
 using Vector = algebra3d::Vector3<double>;
@@ -50,6 +51,7 @@ SoRod::SoRod(double radius, double width, int ringSlices, int rowsPerSegment, bo
       slices(ringSlices),
       subsegments(rowsPerSegment),
       drawing(std::make_unique<MeshDrawing>()),
+      written(std::make_unique<WrittenShape>()),
       showingTube(tubeShown),
       showingRibbon(ribbonShown),
       twoSidedRibbon(ribbonTwoSided),
@@ -159,6 +161,35 @@ void SoRod::generateRibbonData(const std::vector<Vector>& centreline,
 }
 
 bool SoRod::hasMeshes() const { return valid && tubeMesh && ribbonMesh; }
+
+// There is no factory to ask.
+SoNode* SoRod::addToCopyDict() const
+{
+    if (SoFieldContainer* const copy = checkCopy(this))
+        return static_cast<SoNode*>(copy);
+    auto* const copy = new SoRod(tubeRadius, ribbonWidth, slices, subsegments, showingTube,
+                                 showingRibbon, twoSidedRibbon);
+    addCopy(this, copy);
+    return copy;
+}
+
+void SoRod::copyContents(const SoFieldContainer* from, SbBool copyConnections)
+{
+    SoMeshShape::copyContents(from, copyConnections);
+    const auto* original = static_cast<const SoRod*>(from);
+    points = original->points;
+    rotations = original->rotations;
+    valid = original->valid;
+    if (original->hasMeshes())
+        generate();
+}
+
+void SoRod::write(SoWriteAction* action) { written->write(*this, action); }
+
+void SoRod::addWriteReference(SoOutput* output, SbBool isFromField)
+{
+    written->addReference(*this, output, isFromField);
+}
 
 void SoRod::GLRender(SoGLRenderAction* action)
 {

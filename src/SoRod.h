@@ -12,6 +12,7 @@
 #include <algebra3d/Vector3.h>
 
 class MeshDrawing;
+class WrittenShape;
 
 /// One elastic rod: centreline points with one orientation each, shown as a tube
 /// around the centreline and a ribbon along the material frame's d2.
@@ -26,6 +27,11 @@ class MeshDrawing;
 /// then those of the ribbon's rows.
 ///
 /// A rod without correct data is invalid: it draws, bounds and counts nothing.
+///
+/// A copy has the data, the parameters and, where there are any, meshes of its own, built
+/// from both; one of a subclass is a plain rod unless that overrides addToCopyDict(). In a
+/// file a rod is the shapes that it shows, in the first material: the data and the materials
+/// of ribbon and rows are lost.
 class STRANDVIEW_EXPORT SoRod : public SoMeshShape
 {
     SO_NODE_ABSTRACT_HEADER(SoRod);
@@ -116,6 +122,11 @@ public:
     /// Tube and ribbon, whatever the show flags say.
     void getPrimitiveCount(SoGetPrimitiveCountAction* action) override;
 
+    SoNode* addToCopyDict() const override;
+    void copyContents(const SoFieldContainer* from, SbBool copyConnections) override;
+    void write(SoWriteAction* action) override;
+    void addWriteReference(SoOutput* output, SbBool isFromField) override;
+
 protected:
     ~SoRod() override;
     void generatePrimitives(SoAction* action) override;
@@ -135,6 +146,7 @@ private:
     std::unique_ptr<BiarcTubeMesh> tubeMesh;
     std::unique_ptr<BiarcRibbonMesh> ribbonMesh;
     std::unique_ptr<MeshDrawing> drawing;
+    std::unique_ptr<WrittenShape> written;
     bool showingTube;
     bool showingRibbon;
     bool twoSidedRibbon;

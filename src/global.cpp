@@ -4,10 +4,47 @@
 #include <algorithm>
 #include <cmath>
 
+#include <Inventor/Qt/viewers/SoQtExaminerViewer.h>
 #include <Inventor/nodes/SoMaterial.h>
+
+#include <SoArrow.h>
+#include <SoBirod.h>
+#include <SoDNA.h>
+#include <SoFrame.h>
+#include <SoGeneralScene.h>
+#include <SoMarker.h>
+#include <SoMeshShape.h>
+#include <SoNucleobase.h>
+#include <SoQtGeneralViewer.h>
+#include <SoRod.h>
 
 using algebra3d::Quaternion;
 using algebra3d::Vector3;
+
+namespace {
+
+template <typename Class>
+void initOnce()
+{
+    if (Class::getClassTypeId() == SoType::badType())
+        Class::initClass();
+}
+
+template <typename... Classes>
+void initEachOnce()
+{
+    (initOnce<Classes>(), ...);
+}
+
+} // namespace
+
+void initStrandviewClasses()
+{
+    initEachOnce<SoMeshShape, SoRod, SoBirod, SoArrow, SoFrame, SoMarker, SoNucleobase, SoDNA,
+                 SoGeneralScene>();
+    if (SoQtExaminerViewer::getClassTypeId() != SoType::badType())
+        initOnce<SoQtGeneralViewer>();
+}
 
 bool isPointRotCorrect(const Vector3<double>& /*point*/, const Quaternion<double>& rot,
                        double tolerance)

@@ -10,6 +10,11 @@
 
 class SoMaterial;
 
+/// Registers every node class of the library that is not registered yet, parents first, in
+/// place of their initClass() one by one; after SoDB::init(). The viewer's class too where its
+/// parent, SoQt's examiner, is registered: after SoQt::init(). In the thread that uses Coin.
+STRANDVIEW_EXPORT void initStrandviewClasses();
+
 /// Whether an orientation is usable: no component is not-a-number, and its norm
 /// differs from 1 by at most `tolerance`. The point is not examined.
 STRANDVIEW_EXPORT bool isPointRotCorrect(const algebra3d::Vector3<double>& point,

@@ -8,6 +8,7 @@
 #include <SoBirod.h>
 #include <SoFrame.h>
 #include <SoMarker.h>
+#include <global.h>
 
 #include "support/registration.h"
 
@@ -126,6 +127,25 @@ TYPED_TEST(NodeRegistrationDeathTest, NotByItselfAndTakenBackByCoinsCleanUp)
             SoDB::finish();
             const bool takenBack = TypeParam::Node::getClassTypeId().isBad();
             std::_Exit(none && registered && takenBack ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "");
+}
+
+using InitStrandviewClassesDeathTest = RegistrationDeathTest;
+
+TEST_F(InitStrandviewClassesDeathTest, RegistersWhatIsNotRegisteredYetWithoutTheViewer)
+{
+    EXPECT_EXIT(
+        {
+            SoDB::init();
+            SoMeshShape::initClass();
+            initStrandviewClasses();
+            initStrandviewClasses();
+            bool all = true;
+            for (const char* name : {"SoMeshShape", "SoRod", "SoBirod", "SoArrow", "SoFrame",
+                                     "SoMarker", "SoNucleobase", "SoDNA", "SoGeneralScene"})
+                all &= !SoType::fromName(name).isBad();
+            std::_Exit(all && SoType::fromName("SoQtGeneralViewer").isBad() ? 0 : 1);
         },
         testing::ExitedWithCode(0), "");
 }
