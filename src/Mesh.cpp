@@ -15,14 +15,13 @@
 #endif
 
 #include <GL/gl.h>
-#include <Inventor/SoPrimitiveVertex.h>
 #include <Inventor/actions/SoGLRenderAction.h>
 #include <Inventor/bundles/SoMaterialBundle.h>
 
 #include <SoMeshShape.h>
 
-#include "detail/GLVertexState.h"
 #include "detail/RowBoxes.h"
+#include "detail/meshVisitors.h"
 #include "detail/sendMaterial.h"
 
 using algebra3d::Vector3;
@@ -89,23 +88,8 @@ void Mesh::render(SoGLRenderAction* action, int materialOffset)
     const Mesh& mesh = *this; // the validity asked for is that of any mesh, not a subclass's
     if (!mesh.isValid())
         return;
-    const auto points = getPoints(), normals = getNormals();
-
-    SoMaterialBundle bundle(action);
-    const GLVertexState state(action, bundle, materialOffset);
-
-    for (int i = 0; i + 1 < height; ++i) {
-        glBegin(GL_TRIANGLE_STRIP);
-        for (int j = 0; j < width; ++j) {
-            const double s = double(j) / (width - 1);
-            for (const int row : {i + 1, i}) {
-                addGLVertex(state.texture, s, double(row) / (height - 1), state.materialOverall,
-                            bundle, getMaterialIndex(row, j) + materialOffset, state.sendNormal,
-                            points[row][j], normals[row][j]);
-            }
-        }
-        glEnd();
-    }
+    ImmediateDrawing drawing(*this, action, materialOffset);
+    visitStrips(drawing, 0, height - 1);
 }
 
 void Mesh::generate(SoMeshShape* shape, SoAction* action) { generateStrips(shape, action); }
@@ -116,24 +100,11 @@ Mesh::LeftOut Mesh::generateStrips(SoMeshShape* shape, SoAction* action)
     const Mesh& mesh = *this;
     if (!mesh.isValid())
         return leftOut;
-    const auto points = getPoints(), normals = getNormals();
-
-    SoPrimitiveVertex vertex;
+    PrimitiveGeneration generation(*shape, action);
     const auto generateRun = [&](int first, int end) {
         leftOut.atFirstRow &= first != 0;
         leftOut.atLastRow &= end != height - 1;
-        for (int i = first; i < end; ++i) {
-            shape->beginShape(action, SoShape::TRIANGLE_STRIP, nullptr);
-            for (int j = 0; j < width; ++j) {
-                for (const int row : {i + 1, i}) {
-                    vertex.setPoint(toSbVec3f(points[row][j]));
-                    vertex.setNormal(toSbVec3f(normals[row][j]));
-                    vertex.setMaterialIndex(getMaterialIndex(row, j));
-                    shape->shapeVertex(&vertex);
-                }
-            }
-            shape->endShape();
-        }
+        visitStrips(generation, first, end);
     };
     if (SoRayPickAction* const pick = asRayPick(action))
         boxesFor(*shape).visitHit(*pick, generateRun);
@@ -141,6 +112,40 @@ Mesh::LeftOut Mesh::generateStrips(SoMeshShape* shape, SoAction* action)
         generateRun(0, height - 1);
     return leftOut;
 }
+
+void Mesh::visit(MeshVisitor& visitor)
+{
+    const Mesh& mesh = *this;
+    if (mesh.isValid())
+        visitStrips(visitor, 0, height - 1);
+    visitCaps(visitor);
+}
+
+void Mesh::visitCaps(MeshVisitor& visitor)
+{
+    if (caps && caps->areThere()) {
+        caps->visitCap(0, visitor);
+        caps->visitCap(height - 1, visitor);
+    }
+}
+
+void Mesh::visitStrips(MeshVisitor& visitor, int first, int end)
+{
+    const auto points = getPoints(), normals = getNormals();
+    for (int i = first; i < end; ++i) {
+        visitor.begin(MeshVisitor::STRIP, 0);
+        for (int j = 0; j < width; ++j) {
+            const double s = double(j) / (width - 1);
+            for (const int row : {i + 1, i}) {
+                visitor.vertex({row, j, points[row][j], normals[row][j], getMaterialIndex(row, j),
+                                s, double(row) / (height - 1)});
+            }
+        }
+        visitor.end();
+    }
+}
+
+void Mesh::setCaps(Caps* newCaps) { caps = newCaps; }
 
 // Coin gives a node a new id, of all there ever were, whenever it is touched.
 const RowBoxes& Mesh::boxesFor(const SoMeshShape& shape)

@@ -13,6 +13,7 @@
 #include <StrandviewExport.h>
 #include <algebra3d/Vector3.h>
 
+class MeshVisitor;
 class RowBoxes;
 class SoAction;
 class SoGLRenderAction;
@@ -66,6 +67,12 @@ public:
     /// material indices and no texture coordinates. For a ray pick it leaves out strips
     /// that the ray misses; the boxes that tell are kept while the shape is not touched.
     virtual void generate(SoMeshShape* shape, SoAction* action);
+    /// Tells all triangles: the strips, then a tube's caps, the lower and the upper, in the
+    /// order of render(). An invalid mesh tells nothing. What every consumer of the triangles
+    /// uses, those of this class included.
+    void visit(MeshVisitor& visitor);
+    /// The same without the strips, whose vertices are the grid's.
+    void visitCaps(MeshVisitor& visitor);
     /// (width - 1) * (2 * height - 2) triangles.
     virtual int getPrimitiveCount();
 
@@ -114,6 +121,20 @@ public:
                      const algebra3d::Vector3<double>& normal);
 
 protected:
+    /// How a subclass tells the fans at its ends.
+    class Caps
+    {
+    public:
+        virtual bool areThere() = 0;
+        /// Of the first or the last row.
+        virtual void visitCap(int row, MeshVisitor& visitor) = 0;
+
+    protected:
+        ~Caps() = default;
+    };
+    /// Null for none; not owned.
+    void setCaps(Caps* caps);
+
     /// Stores the number of rows as it is.
     void setHeight(int rows);
 
@@ -137,6 +158,9 @@ protected:
     double* getMaximum() { return maximum; }
 
 private:
+    /// The strips from row `first` to row `end`, of a valid mesh.
+    void visitStrips(MeshVisitor& visitor, int first, int end);
+
     struct Free
     {
         void operator()(algebra3d::Vector3<double>* block) const;
@@ -148,6 +172,7 @@ private:
 
     const bool rowsWrap;
     const bool columnsWrap;
+    Caps* caps = nullptr;
     int width;
     int height;
     // All points, then all normals, row by row. The block may be larger than they are.

@@ -5,15 +5,10 @@
 #include <cmath>
 #include <utility>
 
-#include <GL/gl.h>
-#include <Inventor/SoPrimitiveVertex.h>
-
-#include <SoMeshShape.h>
 #include <algebra3d/Matrix3.h>
 
-#include "detail/GLVertexState.h"
 #include "detail/fourAtOnce.h"
-#include "detail/sendMaterial.h"
+#include "detail/meshVisitors.h"
 
 using algebra3d::Matrix3;
 using algebra3d::Quaternion;
@@ -33,7 +28,9 @@ TubeMesh::TubeMesh(double tubeRadius, int ringSlices, bool lowerTakesLast, bool 
       slices(std::max(ringSlices, 3)),
       lowerCapTakesLast(lowerTakesLast),
       upperCapTakesFirst(upperTakesFirst)
-{}
+{
+    setCaps(this);
+}
 
 TubeMesh::TubeMesh(const std::vector<Vector3<double>>& points,
                    const std::vector<Quaternion<double>>& rotations, double tubeRadius,
@@ -101,28 +98,9 @@ void TubeMesh::render(SoGLRenderAction* action, int materialOffset)
     Mesh::render(action, materialOffset);
     if (!isValid())
         return;
-
-    SoMaterialBundle bundle(action);
-    const GLVertexState state(action, bundle, materialOffset);
-
-    for (const int row : {0, getHeight() - 1}) {
-        sendMaterial(bundle,
-                     materialOffset + (state.materialOverall ? 0 : getCapMaterialIndex(row)));
-        renderCap(row, state.texture, state.sendNormal, bundle);
-    }
-}
-
-void TubeMesh::renderCap(int row, bool texture, bool sendNormal, SoMaterialBundle& bundle)
-{
-    const Vector3<double> normal = row == 0 ? getLowerCapNormal() : getUpperCapNormal();
-    // Divided by width and height, not by one less as on the body: kept on purpose.
-    const double t = double(row) / getHeight();
-    glBegin(GL_TRIANGLE_FAN);
-    for (int k = getWidth() - 2; k >= 0; --k) {
-        addGLVertex(texture, double(k) / getWidth(), t, true, bundle, 0, sendNormal,
-                    getPoints()[row][k], normal);
-    }
-    glEnd();
+    ImmediateDrawing drawing(*this, action, materialOffset);
+    for (const int row : {0, getHeight() - 1})
+        visitCap(row, drawing);
 }
 
 void TubeMesh::generate(SoMeshShape* shape, SoAction* action)
@@ -130,23 +108,25 @@ void TubeMesh::generate(SoMeshShape* shape, SoAction* action)
     if (!isValid())
         return;
     const LeftOut leftOut = generateStrips(shape, action);
+    PrimitiveGeneration generation(*shape, action);
     if (!leftOut.atFirstRow)
-        generateCap(0, shape, action);
+        visitCap(0, generation);
     if (!leftOut.atLastRow)
-        generateCap(getHeight() - 1, shape, action);
+        visitCap(getHeight() - 1, generation);
 }
 
-void TubeMesh::generateCap(int row, SoMeshShape* shape, SoAction* action)
+bool TubeMesh::areThere() { return isValid(); }
+
+void TubeMesh::visitCap(int row, MeshVisitor& visitor)
 {
-    SoPrimitiveVertex vertex;
-    vertex.setNormal(toSbVec3f(row == 0 ? getLowerCapNormal() : getUpperCapNormal()));
-    vertex.setMaterialIndex(row);
-    shape->beginShape(action, SoShape::TRIANGLE_FAN, nullptr);
-    for (int k = getWidth() - 2; k >= 0; --k) {
-        vertex.setPoint(toSbVec3f(getPoints()[row][k]));
-        shape->shapeVertex(&vertex);
-    }
-    shape->endShape();
+    const Vector3<double> normal = row == 0 ? getLowerCapNormal() : getUpperCapNormal();
+    const int material = getCapMaterialIndex(row);
+    // Divided by width and height, not by one less as on the body: kept on purpose.
+    const double t = double(row) / getHeight();
+    visitor.begin(MeshVisitor::FAN, material);
+    for (int k = getWidth() - 2; k >= 0; --k)
+        visitor.vertex({row, k, getPoints()[row][k], normal, material, double(k) / getWidth(), t});
+    visitor.end();
 }
 
 int TubeMesh::getPrimitiveCount() { return Mesh::getPrimitiveCount() + 2 * getWidth() - 4; }

@@ -17,7 +17,7 @@ struct RingFiller;
 ///
 /// Bad input is not an error: the mesh stays empty, isValid() is false, and an
 /// invalid mesh draws nothing.
-class STRANDVIEW_EXPORT TubeMesh : public Mesh
+class STRANDVIEW_EXPORT TubeMesh : public Mesh, private Mesh::Caps
 {
 public:
     /// Where a ring's circle lies: its centre, and two unit axes of its plane.
@@ -89,8 +89,8 @@ protected:
 private:
     void computeDirections(int slicesOfRing);
     algebra3d::Vector3<double> capNormal(int row);
-    void renderCap(int row, bool texture, bool sendNormal, SoMaterialBundle& bundle);
-    void generateCap(int row, SoMeshShape* shape, SoAction* action);
+    bool areThere() final;
+    void visitCap(int row, MeshVisitor& visitor) final;
 
     double radius;
     int slices;

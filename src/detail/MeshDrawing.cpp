@@ -19,7 +19,8 @@
 #include <Inventor/misc/SoState.h>
 #include <Inventor/nodes/SoNode.h>
 
-#include <TubeMesh.h>
+#include <Mesh.h>
+#include <MeshVisitor.h>
 
 #include "DepthGrid.h"
 #include "GLVertexState.h"
@@ -41,7 +42,7 @@ const std::size_t VERTICES_PER_DRAW = 1 << 18;
 // Of fewer rows there is little to leave out.
 const int MANY_ROWS = 1000;
 
-struct Vertex
+struct BufferVertex
 {
     float point[3];
     float normal[3];
@@ -111,6 +112,45 @@ bool isOpaque(SoState* state)
 
 } // namespace
 
+namespace {
+
+// The fan that closes a mesh at one of its ends.
+struct Cap
+{
+    struct Corner
+    {
+        Vector3<double> point, normal;
+        TexturePlace place;
+    };
+
+    int row = 0;
+    int material = 0;
+    std::vector<Corner> corners;
+};
+
+class CapCollector final : public MeshVisitor
+{
+public:
+    explicit CapCollector(Mesh& mesh) { mesh.visitCaps(*this); }
+
+    std::vector<Cap> caps;
+
+private:
+    void begin(Kind /*kind*/, int material) override
+    {
+        caps.emplace_back();
+        caps.back().material = material;
+    }
+    void vertex(const Vertex& v) override
+    {
+        caps.back().row = v.row;
+        caps.back().corners.push_back({v.point, v.normal, {float(v.s), float(v.t)}});
+    }
+    void end() override {}
+};
+
+} // namespace
+
 // What meshes send to OpenGL, one after the other: the vertices of all bodies and caps, each
 // once, and the triangles between them.
 class MeshDrawing::Layout
@@ -120,18 +160,18 @@ public:
         : parts(drawnParts), materialOverall(overall)
     {
         for (const auto& [mesh, materialOffset] : parts) {
+            caps.push_back(CapCollector(mesh).caps);
             vertexCount += bodySize(mesh);
-            if (auto* tube = dynamic_cast<TubeMesh*>(&mesh))
-                vertexCount += 2 * capSize(*tube);
+            for (const Cap& cap : caps.back())
+                vertexCount += cap.corners.size();
         }
         std::size_t vertex = 0, index = 0;
         for (std::size_t part = 0; part < parts.size(); ++part) {
             Mesh& mesh = parts[part].mesh;
             if (bodySize(mesh) > 0)
                 placeBody(mesh, part, vertex, index);
-            auto* tube = dynamic_cast<TubeMesh*>(&mesh);
-            for (int cap = 0; tube && capSize(*tube) > 0 && cap < 2; ++cap)
-                placeCap(*tube, cap == 0 ? 0 : tube->getHeight() - 1, part, vertex, index);
+            for (const Cap& cap : caps[part])
+                placeCap(mesh, cap, part, vertex, index);
         }
     }
 
@@ -141,16 +181,17 @@ public:
     template <typename Visit>
     void visitVertices(Visit visit) const
     {
-        for (const auto& [mesh, materialOffset] : parts) {
-            visitBody(mesh, materialOffset, visit);
-            if (auto* tube = dynamic_cast<TubeMesh*>(&mesh)) {
-                visitCap(*tube, 0, materialOffset, visit);
-                visitCap(*tube, tube->getHeight() - 1, materialOffset, visit);
+        for (std::size_t part = 0; part < parts.size(); ++part) {
+            visitBody(parts[part].mesh, parts[part].materialOffset, visit);
+            for (const Cap& cap : caps[part]) {
+                for (const Cap::Corner& corner : cap.corners)
+                    visit(corner.point, corner.normal, corner.place,
+                          material(parts[part].materialOffset, cap.material));
             }
         }
     }
 
-    // See Mesh::render() and TubeMesh::render(): the triangles of the strips and fans, each with
+    // See MeshVisitor: the triangles of the strips and fans, each with
     // the corners in the strip's order, which tells their lines and a flat colour. Of a body
     // drawn in several draws the indices of the first rows serve for all that follow.
     std::vector<std::uint32_t> makeIndices() const
@@ -209,10 +250,6 @@ private:
     {
         return mesh.isValid() ? std::size_t(mesh.getHeight()) * std::size_t(mesh.getWidth()) : 0;
     }
-    static std::size_t capSize(TubeMesh& tube)
-    {
-        return tube.isValid() ? std::size_t(tube.getWidth() - 1) : 0;
-    }
 
     void placeBody(Mesh& mesh, std::size_t part, std::size_t& vertex, std::size_t& index)
     {
@@ -226,11 +263,11 @@ private:
         index += std::min(strips, perDraw) * pieces.back().indicesPerStrip;
     }
 
-    void placeCap(TubeMesh& tube, int row, std::size_t part, std::size_t& vertex,
+    void placeCap(Mesh& mesh, const Cap& cap, std::size_t part, std::size_t& vertex,
                   std::size_t& index)
     {
-        const std::size_t size = capSize(tube);
-        pieces.push_back({tube, part, true, row, vertex, index, 1, 3 * (size - 2), 1});
+        const std::size_t size = cap.corners.size();
+        pieces.push_back({mesh, part, true, cap.row, vertex, index, 1, 3 * (size - 2), 1});
         vertex += size;
         index += pieces.back().indicesPerStrip;
     }
@@ -248,22 +285,6 @@ private:
                 visit(mesh.getPoints()[i][j], mesh.getNormals()[i][j], place,
                       material(materialOffset, mesh.getMaterialIndex(i, j)));
             }
-        }
-    }
-
-    // See TubeMesh::render(): the fan's corners.
-    template <typename Visit>
-    void visitCap(TubeMesh& tube, int row, int materialOffset, Visit& visit) const
-    {
-        if (!tube.isValid())
-            return;
-        const int height = tube.getHeight(), width = tube.getWidth();
-        const Vector3<double> normal =
-            row == 0 ? tube.getLowerCapNormal() : tube.getUpperCapNormal();
-        for (int k = width - 2; k >= 0; --k) {
-            visit(tube.getPoints()[row][k], normal,
-                  TexturePlace{float(double(k) / width), float(double(row) / height)},
-                  material(materialOffset, tube.getCapMaterialIndex(row)));
         }
     }
 
@@ -346,6 +367,7 @@ private:
 
     const std::vector<Part>& parts;
     const bool materialOverall;
+    std::vector<std::vector<Cap>> caps; // of each part
     std::size_t vertexCount = 0;
     std::vector<Piece> pieces; // in the order of the vertices
 };
@@ -395,13 +417,13 @@ private:
     {
         bound = true;
         boundVertex = vertex;
-        const std::size_t start = vertex * sizeof(Vertex);
+        const std::size_t start = vertex * sizeof(BufferVertex);
         kept.vertices.bind(GL_ARRAY_BUFFER);
-        glVertexPointer(3, GL_FLOAT, sizeof(Vertex),
-                        GLBuffer::offset(start + offsetof(Vertex, point)));
+        glVertexPointer(3, GL_FLOAT, sizeof(BufferVertex),
+                        GLBuffer::offset(start + offsetof(BufferVertex, point)));
         if (normals)
-            glNormalPointer(GL_FLOAT, sizeof(Vertex),
-                            GLBuffer::offset(start + offsetof(Vertex, normal)));
+            glNormalPointer(GL_FLOAT, sizeof(BufferVertex),
+                            GLBuffer::offset(start + offsetof(BufferVertex, normal)));
         if (textured) {
             kept.textures.bind(GL_ARRAY_BUFFER);
             glTexCoordPointer(2, GL_FLOAT, 0, GLBuffer::offset(vertex * sizeof(TexturePlace)));
@@ -541,8 +563,9 @@ const MeshDrawing::Colours* MeshDrawing::find(SoGLRenderAction* action, Kept& ke
 
 void MeshDrawing::fillVertices(Kept& kept, std::uint32_t context, const Layout& layout)
 {
-    kept.vertices = GLBuffer(context, GL_ARRAY_BUFFER, layout.getVertexCount() * sizeof(Vertex));
-    BufferWriter<Vertex> writer(kept.vertices, GL_ARRAY_BUFFER);
+    kept.vertices =
+        GLBuffer(context, GL_ARRAY_BUFFER, layout.getVertexCount() * sizeof(BufferVertex));
+    BufferWriter<BufferVertex> writer(kept.vertices, GL_ARRAY_BUFFER);
     layout.visitVertices(
         [&](const Vector3<double>& point, const Vector3<double>& normal, const TexturePlace&, int) {
             writer.append({{float(point.x), float(point.y), float(point.z)},

@@ -9,6 +9,7 @@
 #include <Inventor/actions/SoGetBoundingBoxAction.h>
 #include <LightingDialog.h>
 #include <Mesh.h>
+#include <MeshVisitor.h>
 #include <OffscreenContext.h>
 #include <RibbonMesh.h>
 #include <ScreenshotDialog.h>
