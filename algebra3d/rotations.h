@@ -46,6 +46,15 @@ Quaternion<T> nearer(const Quaternion<T>& q, const Quaternion<T>& other)
     return dot(q, other) < 0 ? Quaternion<T>(-q[0], -q[1], -q[2], -q[3]) : q;
 }
 
+/// The vector turned by a unit quaternion: column j of its matrix is the turned j-th axis.
+template <typename T>
+Vector3<T> rotated(const Vector3<T>& v, const Quaternion<T>& q)
+{
+    const Vector3<T> u(q[0], q[1], q[2]);
+    const Vector3<T> across = u.cross(v) * T(2);
+    return v + across * q[3] + u.cross(across);
+}
+
 /// The rotation by an angle about an axis of any length, right-handed; by any angle about
 /// the zero vector it is the identity.
 template <typename T>

@@ -5,9 +5,8 @@
 #include <cmath>
 #include <limits>
 
-#include <algebra3d/Matrix3.h>
+#include <algebra3d/rotations.h>
 
-using algebra3d::Matrix3;
 using algebra3d::Vector3;
 
 namespace {
@@ -150,16 +149,8 @@ Values twistOfEdges(const Rod& rod)
 {
     Values values(rod.points.size() - 1);
     for (std::size_t i = 0; i < values.size(); ++i) {
-        const Matrix3<double> from(rod.rotations[i]);
-        const Matrix3<double> to(rod.rotations[i + 1]);
-        // The rotation between the two in the first one's frame, as a quaternion: the
-        // angle of its part about d3.
-        const auto column = [&](int j) {
-            const Vector3<double> d = to.getColumn(j);
-            return Vector3<double>(from.getColumn(0).dot(d), from.getColumn(1).dot(d),
-                                   from.getColumn(2).dot(d));
-        };
-        const auto q = Matrix3<double>(column(0), column(1), column(2)).getQuaternion();
+        // The rotation between the two in the first one's frame: the angle of its part about d3.
+        const auto q = algebra3d::conjugate(rod.rotations[i]) * rod.rotations[i + 1];
         values[i] = std::remainder(2 * std::atan2(q[2], q[3]), 2 * std::acos(-1.0)) /
                     (rod.points[i + 1] - rod.points[i]).getNorm();
     }

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include <algebra3d/Matrix3.h>
+#include <algebra3d/rotations.h>
 #include <gsl/gsl_integration.h>
 #include <gsl/gsl_math.h>
 #include <gsl/gsl_sf_ellint.h>
@@ -98,14 +99,9 @@ CurvePoint pointAt(Formula curve, double parameter) { return curve({parameter, 1
 void addPoint(std::vector<Vector>& points, std::vector<Quaternion>& rotations, const Vector& point,
               const Vector& d2, const Vector& d3)
 {
-    Quaternion q = algebra3d::Matrix3<double>(d2.cross(d3), d2, d3).getQuaternion();
-    if (!rotations.empty()) {
-        const Quaternion& last = rotations.back();
-        if (q[0] * last[0] + q[1] * last[1] + q[2] * last[2] + q[3] * last[3] < 0)
-            q = Quaternion(-q[0], -q[1], -q[2], -q[3]);
-    }
+    const Quaternion q = algebra3d::Matrix3<double>(d2.cross(d3), d2, d3).getQuaternion();
     points.push_back(point);
-    rotations.push_back(q);
+    rotations.push_back(rotations.empty() ? q : algebra3d::nearer(q, rotations.back()));
 }
 
 void addPoint(Rod& rod, const Vector& point, const Vector& d2, const Vector& d3)
@@ -335,13 +331,12 @@ Rod randomRod()
         rod.scalars[0].values.push_back(s);
         rod.scalars[1].values.push_back(std::hypot(u.x, u.y));
         rod.scalars[2].values.push_back(u.z);
-        // Every piece turns the frame about the fixed axis of its middle (Rodrigues).
+        // Every piece turns the frame about the fixed axis of its middle.
         for (int piece = 0; piece < pieces; ++piece) {
             const Vector v = strainAt(s + (piece + 0.5) * step);
             const Vector axis = (d1 * v.x + d2 * v.y + d3 * v.z).getUnit();
             const auto turned = [&axis](const Vector& w, double angle) {
-                return w * std::cos(angle) + axis.cross(w) * std::sin(angle) +
-                       axis * (axis.dot(w) * (1 - std::cos(angle)));
+                return algebra3d::rotated(w, algebra3d::about(axis, angle));
             };
             const double angle = v.getNorm() * step;
             point += turned(d3, angle / 2) * step;
@@ -518,7 +513,7 @@ Configuration glyphs()
     for (int i = 0; i < 5; ++i) {
         Frame frame;
         frame.point = Vector(0, 0, i - 2);
-        frame.rotation = Quaternion(0, 0, std::sin(i * M_PI / 12), std::cos(i * M_PI / 12));
+        frame.rotation = algebra3d::about(Vector(0, 0, 1), i * M_PI / 6);
         frame.size = 0.8;
         configuration.frames.push_back(frame);
     }

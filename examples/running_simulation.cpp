@@ -12,6 +12,7 @@
 #include <SoGeneralScene.h>
 #include <SoQtGeneralViewer.h>
 #include <SoRod.h>
+#include <algebra3d/rotations.h>
 #include <global.h>
 
 namespace {
@@ -62,13 +63,9 @@ public:
         for (std::size_t i = 0; i < points.size(); ++i) {
             const Vector& from = points[i == 0 ? 0 : i - 1];
             const Vector& to = points[i + 1 == points.size() ? i : i + 1];
-            Vector tangent = to - from;
-            tangent.normalize();
-            const double x = -tangent.y, y = tangent.x, w = 1 + tangent.z; // of the turn
-            const double norm = std::sqrt(x * x + y * y + w * w);
-            const double half = points[i].x / 4; // of the twist
-            const double c = std::cos(half) / norm, s = std::sin(half) / norm;
-            result.emplace_back(x * c + y * s, y * c - x * s, w * s, w * c);
+            const Vector tangent = to - from;
+            const Vector z(0, 0, 1);
+            result.push_back(algebra3d::between(z, tangent) * algebra3d::about(z, points[i].x / 2));
         }
         return result;
     }

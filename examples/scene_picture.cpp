@@ -15,6 +15,7 @@
 #include <OffscreenContext.h>
 #include <SoGeneralScene.h>
 #include <SoRod.h>
+#include <algebra3d/rotations.h>
 #include <global.h>
 
 namespace {
@@ -22,13 +23,14 @@ namespace {
 // A twisted rod along x.
 SoRod* makeRod()
 {
-    std::vector<algebra3d::Vector3<double>> points;
+    using Vector = algebra3d::Vector3<double>;
+    using algebra3d::about;
+    std::vector<Vector> points;
     std::vector<algebra3d::Quaternion<double>> rotations;
     for (int i = 0; i <= 40; ++i) {
         const double a = 0.1 * i;
-        const double s = std::sqrt(0.5) * std::sin(a), c = std::sqrt(0.5) * std::cos(a);
         points.emplace_back(a, 0, 0);
-        rotations.emplace_back(s, c, s, c);
+        rotations.push_back(about(Vector(1, 0, 0), 2 * a) * about(Vector(0, 1, 0), M_PI / 2));
     }
     auto* rod = new SoRod(0.25, 1.2, 24, 4, true, true, true);
     rod->setData(points, rotations);

@@ -4,6 +4,7 @@
 #include <Inventor/Qt/SoQt.h>
 #include <SoQtGeneralViewer.h>
 #include <SoRod.h>
+#include <algebra3d/rotations.h>
 
 int main(int, char** argv)
 {
@@ -13,12 +14,13 @@ int main(int, char** argv)
     SoMeshShape::initClass(); // parents first
     SoRod::initClass();
 
-    std::vector<algebra3d::Vector3<double>> points;
-    std::vector<algebra3d::Quaternion<double>> rotations;
-    for (double x = 0; x < 12; x += 0.1) { // along x, with a twist of one radian per length
-        const double s = std::sqrt(0.5) * std::sin(x / 2), c = std::sqrt(0.5) * std::cos(x / 2);
+    using Vector = algebra3d::Vector3<double>;
+    using algebra3d::about;
+    std::vector<Vector> points;
+    std::vector<algebra3d::Quaternion<double>> rotations; // from x, y, z to d1, d2, d3
+    for (double x = 0; x < 12; x += 0.1) {                // along x, twisted by 1 radian per length
         points.emplace_back(x, 0, 0);
-        rotations.emplace_back(s, c, s, c);
+        rotations.push_back(about(Vector(1, 0, 0), x) * about(Vector(0, 1, 0), M_PI / 2));
     }
     auto* rod = new SoRod(0.1, 0.8, 24, 4, true, true, true); // radius, ribbon, how fine, what
     rod->setData(points, rotations);

@@ -13,6 +13,7 @@
 #include <SoQtGeneralViewer.h>
 #include <SoQtGeneralViewerDialog.h>
 #include <SoRod.h>
+#include <algebra3d/rotations.h>
 
 namespace {
 
@@ -36,15 +37,16 @@ private:
 
 SoRod* makeHelix()
 {
-    std::vector<algebra3d::Vector3<double>> points;
+    using Vector = algebra3d::Vector3<double>;
+    using algebra3d::about;
+    using algebra3d::between;
+    std::vector<Vector> points;
     std::vector<algebra3d::Quaternion<double>> rotations;
     const double pitch = 0.5; // the tangent is (-sin t, cos t, pitch), normalised
     for (double t = 0; t < 20; t += 0.2) {
         points.emplace_back(std::cos(t), std::sin(t), pitch * t);
-        // About z by t, after the tangent was laid from z onto y and pitch.
-        const double lay = -std::atan2(1, pitch) / 2;
-        rotations.emplace_back(std::sin(lay) * std::cos(t / 2), std::sin(lay) * std::sin(t / 2),
-                               std::cos(lay) * std::sin(t / 2), std::cos(lay) * std::cos(t / 2));
+        // From z to the first tangent, then about z with the helix.
+        rotations.push_back(about(Vector(0, 0, 1), t) * between(Vector(0, 0, 1), {0, 1, pitch}));
     }
     auto* rod = new SoRod(0.1, 0.4, 24, 4, true, true, false);
     rod->setData(points, rotations);

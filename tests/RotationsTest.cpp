@@ -15,7 +15,7 @@ using algebra3d::slerp;
 
 namespace {
 
-Vector rotated(const Quaternion& q, const Vector& v)
+Vector byMatrix(const Vector& v, const Quaternion& q)
 {
     const Matrix m(q);
     return v.x * m.getColumn(0) + v.y * m.getColumn(1) + v.z * m.getColumn(2);
@@ -56,10 +56,20 @@ private:
 TEST(Rotations, AboutZByAQuarterTakesXToY)
 {
     const Quaternion q = about(Vector(0, 0, 5), M_PI / 2);
-    expectNear(rotated(q, Vector(1, 0, 0)), Vector(0, 1, 0));
-    expectNear(rotated(q, Vector(0, 1, 0)), Vector(-1, 0, 0));
+    expectNear(byMatrix(Vector(1, 0, 0), q), Vector(0, 1, 0));
+    expectNear(byMatrix(Vector(0, 1, 0), q), Vector(-1, 0, 0));
     EXPECT_DOUBLE_EQ(q[2], std::sqrt(0.5));
     EXPECT_DOUBLE_EQ(q[3], std::sqrt(0.5));
+}
+
+TEST(Rotations, RotatedIsByTheMatrixOfTheQuaternion)
+{
+    RandomRotations random;
+    for (int i = 0; i < 100; ++i) {
+        const Quaternion q = random.rotation();
+        const Vector v = random.direction() * 3;
+        expectNear(algebra3d::rotated(v, q), byMatrix(v, q));
+    }
 }
 
 TEST(Rotations, AboutTheZeroVectorIsTheIdentity)
@@ -87,7 +97,7 @@ TEST(Rotations, ProductTurnsByTheSecondFirst)
     for (int i = 0; i < 100; ++i) {
         const Quaternion a = random.rotation(), b = random.rotation();
         const Vector v = random.direction();
-        expectNear(rotated(a * b, v), rotated(a, rotated(b, v)));
+        expectNear(byMatrix(v, a * b), byMatrix(byMatrix(v, b), a));
     }
 }
 
@@ -106,8 +116,8 @@ TEST(Rotations, BetweenTakesOneDirectionToTheOtherAboutTheirNormal)
     for (int i = 0; i < 100; ++i) {
         const Vector a = random.direction() * 3, b = random.direction() * 0.2;
         const Quaternion q = between(a, b);
-        expectNear(rotated(q, a.getUnit()), b.getUnit());
-        expectNear(rotated(q, a.cross(b)), a.cross(b)); // the smallest such rotation
+        expectNear(byMatrix(a.getUnit(), q), b.getUnit());
+        expectNear(byMatrix(a.cross(b), q), a.cross(b)); // the smallest such rotation
         EXPECT_GE(q[3], 0);
     }
 }
@@ -116,7 +126,7 @@ TEST(Rotations, BetweenOppositeDirectionsIsAHalfTurn)
 {
     for (const Vector& a : {Vector(1, 0, 0), Vector(0, 2, 0), Vector(0, 0, -1), Vector(1, 1, 1)}) {
         const Quaternion q = between(a, a * -1);
-        expectNear(rotated(q, a.getUnit()), a.getUnit() * -1);
+        expectNear(byMatrix(a.getUnit(), q), a.getUnit() * -1);
         EXPECT_NEAR(q[3], 0, 1e-15);
     }
 }

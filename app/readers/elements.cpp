@@ -3,39 +3,23 @@
 
 #include <cstddef>
 
+#include <algebra3d/rotations.h>
+
 #include "readers/DataChecks.h"
 
 namespace {
 
 using Quaternion = algebra3d::Quaternion<double>;
 
-/// Along the shorter way, so nearly opposite quaternions are nearly one rotation.
 Quaternion halfWay(const Quaternion& a, const Quaternion& b)
 {
-    const double product = a[0] * b[0] + a[1] * b[1] + a[2] * b[2] + a[3] * b[3];
-    const double sign = product < 0 ? -1 : 1;
-    return scaledToUnit(
-        Quaternion(a[0] + sign * b[0], a[1] + sign * b[1], a[2] + sign * b[2], a[3] + sign * b[3]));
-}
-
-/// First b, then a.
-Quaternion product(const Quaternion& a, const Quaternion& b)
-{
-    return Quaternion(a[3] * b[0] + a[0] * b[3] + a[1] * b[2] - a[2] * b[1],
-                      a[3] * b[1] - a[0] * b[2] + a[1] * b[3] + a[2] * b[0],
-                      a[3] * b[2] + a[0] * b[1] - a[1] * b[0] + a[2] * b[3],
-                      a[3] * b[3] - a[0] * b[0] - a[1] * b[1] - a[2] * b[2]);
-}
-
-Quaternion inverse(const Quaternion& unit)
-{
-    return Quaternion(-unit[0], -unit[1], -unit[2], unit[3]);
+    return scaledToUnit(algebra3d::slerp(a, b, 0.5));
 }
 
 /// As far beyond `end` as `end` is from the point between it and its neighbour.
 Quaternion turnedOn(const Quaternion& end, const Quaternion& neighbour)
 {
-    return product(product(end, inverse(halfWay(end, neighbour))), end);
+    return end * algebra3d::conjugate(halfWay(end, neighbour)) * end;
 }
 
 } // namespace
