@@ -145,7 +145,7 @@ void Mesh::visitStrips(MeshVisitor& visitor, int first, int end)
     }
 }
 
-void Mesh::setCaps(Caps* newCaps) { caps = newCaps; }
+void Mesh::setCaps(MeshCaps* newCaps) { caps = newCaps; }
 
 // Coin gives a node a new id, of all there ever were, whenever it is touched.
 const RowBoxes& Mesh::boxesFor(const SoMeshShape& shape)

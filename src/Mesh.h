@@ -13,6 +13,7 @@
 #include <StrandviewExport.h>
 #include <algebra3d/Vector3.h>
 
+class MeshCaps;
 class MeshVisitor;
 class RowBoxes;
 class SoAction;
@@ -121,19 +122,8 @@ public:
                      const algebra3d::Vector3<double>& normal);
 
 protected:
-    /// How a subclass tells the fans at its ends.
-    class Caps
-    {
-    public:
-        virtual bool areThere() = 0;
-        /// Of the first or the last row.
-        virtual void visitCap(int row, MeshVisitor& visitor) = 0;
-
-    protected:
-        ~Caps() = default;
-    };
-    /// Null for none; not owned.
-    void setCaps(Caps* caps);
+    /// How a subclass tells the fans at its ends: null for none; not owned.
+    void setCaps(MeshCaps* caps);
 
     /// Stores the number of rows as it is.
     void setHeight(int rows);
@@ -172,7 +162,7 @@ private:
 
     const bool rowsWrap;
     const bool columnsWrap;
-    Caps* caps = nullptr;
+    MeshCaps* caps = nullptr;
     int width;
     int height;
     // All points, then all normals, row by row. The block may be larger than they are.

@@ -2,3 +2,5 @@
 #include <MeshVisitor.h>
 
 MeshVisitor::~MeshVisitor() = default;
+
+MeshCaps::~MeshCaps() = default;

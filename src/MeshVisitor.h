@@ -39,4 +39,19 @@ protected:
     virtual ~MeshVisitor();
 };
 
+/// The fans at a mesh's two ends, told by the class that has them.
+class STRANDVIEW_EXPORT MeshCaps
+{
+public:
+    virtual bool areThere() = 0;
+    /// Of the first or the last row.
+    virtual void visitCap(int row, MeshVisitor& visitor) = 0;
+
+protected:
+    MeshCaps() = default;
+    MeshCaps(const MeshCaps&) = default;
+    MeshCaps& operator=(const MeshCaps&) = default;
+    virtual ~MeshCaps();
+};
+
 #endif

@@ -12,7 +12,7 @@
 
 using algebra3d::Matrix3;
 using algebra3d::Quaternion;
-using algebra3d::Vector3;
+using Vector = algebra3d::Vector3<double>;
 
 namespace {
 
@@ -32,7 +32,7 @@ TubeMesh::TubeMesh(double tubeRadius, int ringSlices, bool lowerTakesLast, bool 
     setCaps(this);
 }
 
-TubeMesh::TubeMesh(const std::vector<Vector3<double>>& points,
+TubeMesh::TubeMesh(const std::vector<Vector>& points,
                    const std::vector<Quaternion<double>>& rotations, double tubeRadius,
                    int ringSlices, bool lowerTakesLast, bool upperTakesFirst, TubeMesh* replaced)
     : TubeMesh(std::max(std::abs(tubeRadius), SMALLEST_BUILT_RADIUS), ringSlices, lowerTakesLast,
@@ -51,9 +51,9 @@ TubeMesh::TubeMesh(const std::vector<Vector3<double>>& points,
     const int PORTION = 64;
     RingFrame frames[PORTION];
     int filled = 0;
-    Vector3<double> before; // the unit direction from the point before
+    Vector before; // the unit direction from the point before
     for (std::size_t i = 0; i < rings; ++i) {
-        Vector3<double> tangent, after;
+        Vector tangent, after;
         if (i > 0)
             tangent += before;
         if (i + 1 < points.size()) {
@@ -63,8 +63,8 @@ TubeMesh::TubeMesh(const std::vector<Vector3<double>>& points,
         tangent.normalize();
         before = after;
 
-        const Vector3<double> d2 = Matrix3<double>(rotations[i]).getColumn(1);
-        const Vector3<double> across = tangent.cross(d2).getUnit();
+        const Vector d2 = Matrix3<double>(rotations[i]).getColumn(1);
+        const Vector across = tangent.cross(d2).getUnit();
         frames[filled++] = {points[i], across.cross(tangent), across};
         if (filled == PORTION || i + 1 == rings) {
             fillerFrom(int(i) + 1 - filled).fill(frames, filled);
@@ -119,7 +119,7 @@ bool TubeMesh::areThere() { return isValid(); }
 
 void TubeMesh::visitCap(int row, MeshVisitor& visitor)
 {
-    const Vector3<double> normal = row == 0 ? getLowerCapNormal() : getUpperCapNormal();
+    const Vector normal = row == 0 ? getLowerCapNormal() : getUpperCapNormal();
     const int material = getCapMaterialIndex(row);
     // Divided by width and height, not by one less as on the body: kept on purpose.
     const double t = double(row) / getHeight();
@@ -131,19 +131,13 @@ void TubeMesh::visitCap(int row, MeshVisitor& visitor)
 
 int TubeMesh::getPrimitiveCount() { return Mesh::getPrimitiveCount() + 2 * getWidth() - 4; }
 
-Vector3<double> TubeMesh::getUpperCapNormal()
-{
-    return isValid() ? capNormal(getHeight() - 1) : Vector3<double>();
-}
+Vector TubeMesh::getUpperCapNormal() { return isValid() ? capNormal(getHeight() - 1) : Vector(); }
 
-Vector3<double> TubeMesh::getLowerCapNormal()
-{
-    return isValid() ? capNormal(0) : Vector3<double>();
-}
+Vector TubeMesh::getLowerCapNormal() { return isValid() ? capNormal(0) : Vector(); }
 
-Vector3<double> TubeMesh::capNormal(int row)
+Vector TubeMesh::capNormal(int row)
 {
-    const Vector3<double>* ring = getPoints()[row];
+    const Vector* ring = getPoints()[row];
     return (ring[2] - ring[0]).cross(ring[1] - ring[0]).getUnit();
 }
 
@@ -163,7 +157,7 @@ void TubeMesh::computeDirections(int columns)
     directions[2 * n + 1] = directions[1];
 }
 
-void TubeMesh::generate3DCircle(Vector3<double> u, Vector3<double> v, Vector3<double>* out)
+void TubeMesh::generate3DCircle(Vector u, Vector v, Vector* out)
 {
     const int n = getWidth() - 1;
     computeDirections(n);
@@ -171,11 +165,10 @@ void TubeMesh::generate3DCircle(Vector3<double> u, Vector3<double> v, Vector3<do
         out[k] = directions[2 * k] * u + directions[2 * k + 1] * v;
 }
 
-void TubeMesh::fillRing(int row, const Vector3<double>& centre, const Vector3<double>& u,
-                        const Vector3<double>& v)
+void TubeMesh::fillRing(int row, const Vector& centre, const Vector& u, const Vector& v)
 {
-    Vector3<double>* points = getPoints()[row];
-    Vector3<double>* normals = getNormals()[row];
+    Vector* points = getPoints()[row];
+    Vector* normals = getNormals()[row];
     generate3DCircle(u, v, normals);
     for (int k = 0; k < slices; ++k) {
         points[k] = centre + radius * normals[k];

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include <Mesh.h>
+#include <MeshVisitor.h>
 #include <algebra3d/Quaternion.h>
 
 struct RingFiller;
@@ -17,7 +18,7 @@ struct RingFiller;
 ///
 /// Bad input is not an error: the mesh stays empty, isValid() is false, and an
 /// invalid mesh draws nothing.
-class STRANDVIEW_EXPORT TubeMesh : public Mesh, private Mesh::Caps
+class STRANDVIEW_EXPORT TubeMesh : public Mesh, private MeshCaps
 {
 public:
     /// Where a ring's circle lies: its centre, and two unit axes of its plane.

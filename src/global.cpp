@@ -18,8 +18,8 @@
 #include <SoQtGeneralViewer.h>
 #include <SoRod.h>
 
-using algebra3d::Quaternion;
-using algebra3d::Vector3;
+using Rotation = algebra3d::Quaternion<double>;
+using Vector = algebra3d::Vector3<double>;
 
 namespace {
 
@@ -46,8 +46,7 @@ void initStrandviewClasses()
         initOnce<SoQtGeneralViewer>();
 }
 
-bool isPointRotCorrect(const Vector3<double>& /*point*/, const Quaternion<double>& rot,
-                       double tolerance)
+bool isPointRotCorrect(const Vector& /*point*/, const Rotation& rot, double tolerance)
 {
     for (int i = 0; i < 4; ++i) {
         if (rot[i] != rot[i])
@@ -56,8 +55,8 @@ bool isPointRotCorrect(const Vector3<double>& /*point*/, const Quaternion<double
     return std::abs(rot.getNorm() - 1) <= tolerance;
 }
 
-bool isDataCorrect(const std::vector<Vector3<double>>& points,
-                   const std::vector<Quaternion<double>>& rots, double tolerance)
+bool isDataCorrect(const std::vector<Vector>& points, const std::vector<Rotation>& rots,
+                   double tolerance)
 {
     const std::size_t n = std::min(points.size(), rots.size());
     if (n < 2)
@@ -69,10 +68,9 @@ bool isDataCorrect(const std::vector<Vector3<double>>& points,
     return true;
 }
 
-SoMaterial* createMaterial(const Vector3<double>& ambient, const Vector3<double>& diffuse,
-                           const Vector3<double>& specular)
+SoMaterial* createMaterial(const Vector& ambient, const Vector& diffuse, const Vector& specular)
 {
-    const auto colour = [](const Vector3<double>& rgb) {
+    const auto colour = [](const Vector& rgb) {
         return SbColor(float(rgb.x), float(rgb.y), float(rgb.z));
     };
     auto* material = new SoMaterial;

@@ -41,10 +41,7 @@ public:
     void write(GLenum target, std::size_t offset, const void* data, std::size_t bytes) const;
 
     /// A place in the bound buffer, for OpenGL's functions that take a pointer.
-    static const void* offset(std::size_t bytes)
-    {
-        return static_cast<const char*>(nullptr) + bytes;
-    }
+    static const void* offset(std::size_t bytes) { return reinterpret_cast<const void*>(bytes); }
 
 private:
     GLBuffer(std::uint32_t currentContext, GLenum target, const void* data, std::size_t bytes);

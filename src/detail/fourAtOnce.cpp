@@ -9,9 +9,11 @@
 #if defined(__x86_64__)
 #include <emmintrin.h>
 #endif
-#if defined(__x86_64__) && !defined(STRANDVIEW_BASELINE_ONLY)
+#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__) &&                             \
+    !defined(STRANDVIEW_BASELINE_ONLY)
 // Compiled twice, and chosen when the library is loaded. The compiler leaves the AVX2
-// state (vzeroupper) before it calls or returns to anything else.
+// state (vzeroupper) before it calls or returns to anything else. Clang refuses vectors that go
+// between one of two such functions and what is compiled into it.
 #define FOUR_AT_ONCE __attribute__((target_clones("avx2", "default")))
 #else
 #define FOUR_AT_ONCE
@@ -166,8 +168,7 @@ ALWAYS_INLINE Four components(const Vector& vector)
 // pointer to the virtual functions is copied.
 ALWAYS_INLINE void construct(Vector* vector, const Four& values, const Four& made)
 {
-    store(__builtin_shuffle(values, made, FourMasks{4, 1, 2, 3}),
-          reinterpret_cast<double*>(vector));
+    store(__builtin_shufflevector(values, made, 4, 1, 2, 3), reinterpret_cast<double*>(vector));
 }
 
 // next() gives the frame of one ring after the other.
