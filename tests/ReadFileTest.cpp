@@ -710,16 +710,17 @@ TEST(AnyJsonOfEverything, GivesGoodThingsOrOneLineOfError)
 
 namespace {
 
-/// The points of a file of the shared folder; skips the test where that is absent.
-class SharedCurve : public testing::Test
+/// The points of a file that others wrote, in the folder that STRANDVIEW_TEST_DATA names; skips
+/// the test where it names none.
+class CurveOfOthers : public testing::Test
 {
 protected:
     void load(const std::string& name)
     {
-        const std::string path = std::string(SHARED_DATA_FOLDER) + "/" + name;
-        if (!std::filesystem::exists(path))
-            GTEST_SKIP() << "skipped: " << name << " is not there";
-        const auto configuration = readFile(path, {}, report);
+        const char* const folder = std::getenv("STRANDVIEW_TEST_DATA");
+        if (!folder)
+            GTEST_SKIP() << "skipped: STRANDVIEW_TEST_DATA is not set";
+        const auto configuration = readFile(std::string(folder) + "/" + name, {}, report);
         ASSERT_TRUE(configuration) << report.error;
         ASSERT_EQ(configuration->rods.size(), 1U);
         expectPromises(configuration->rods[0]);
@@ -739,7 +740,7 @@ protected:
 
 } // namespace
 
-TEST_F(SharedCurve, OfAProteinHasItsKnownLengths)
+TEST_F(CurveOfOthers, OfAProteinHasItsKnownLengths)
 {
     load("protein_3kzn_a.xyz");
     if (IsSkipped() || HasFatalFailure())
@@ -755,7 +756,7 @@ TEST_F(SharedCurve, OfAProteinHasItsKnownLengths)
     EXPECT_EQ(report.notices.size(), 1U) << "made frames, left out no point";
 }
 
-TEST_F(SharedCurve, OfASupercoiledRingHasItsKnownLengths)
+TEST_F(CurveOfOthers, OfASupercoiledRingHasItsKnownLengths)
 {
     load("trefoil_supercoiled.xyz");
     if (IsSkipped() || HasFatalFailure())
