@@ -83,6 +83,24 @@ SbVec3f Mesh::getCentre()
     return (box.getMin() + box.getMax()) * 0.5f;
 }
 
+// For each visitor of its own: those of this library are compiled into the walk.
+template <typename Visitor>
+void Mesh::visitStrips(Visitor& visitor, int first, int end)
+{
+    const auto points = getPoints(), normals = getNormals();
+    for (int i = first; i < end; ++i) {
+        visitor.begin(MeshVisitor::STRIP, 0);
+        for (int j = 0; j < width; ++j) {
+            const double s = double(j) / (width - 1);
+            for (const int row : {i + 1, i}) {
+                visitor.vertex({row, j, points[row][j], normals[row][j], getMaterialIndex(row, j),
+                                s, double(row) / (height - 1)});
+            }
+        }
+        visitor.end();
+    }
+}
+
 void Mesh::render(SoGLRenderAction* action, int materialOffset)
 {
     const Mesh& mesh = *this; // the validity asked for is that of any mesh, not a subclass's
@@ -126,22 +144,6 @@ void Mesh::visitCaps(MeshVisitor& visitor)
     if (caps && caps->areThere()) {
         caps->visitCap(0, visitor);
         caps->visitCap(height - 1, visitor);
-    }
-}
-
-void Mesh::visitStrips(MeshVisitor& visitor, int first, int end)
-{
-    const auto points = getPoints(), normals = getNormals();
-    for (int i = first; i < end; ++i) {
-        visitor.begin(MeshVisitor::STRIP, 0);
-        for (int j = 0; j < width; ++j) {
-            const double s = double(j) / (width - 1);
-            for (const int row : {i + 1, i}) {
-                visitor.vertex({row, j, points[row][j], normals[row][j], getMaterialIndex(row, j),
-                                s, double(row) / (height - 1)});
-            }
-        }
-        visitor.end();
     }
 }
 

@@ -149,7 +149,8 @@ protected:
 
 private:
     /// The strips from row `first` to row `end`, of a valid mesh.
-    void visitStrips(MeshVisitor& visitor, int first, int end);
+    template <typename Visitor>
+    void visitStrips(Visitor& visitor, int first, int end);
 
     struct Free
     {
