@@ -24,6 +24,20 @@ Values fromEdges(const Values& edges)
     return points;
 }
 
+// Inner ones by value(i); the ends take the value beside them. Zeros of fewer than three.
+template <typename Value>
+Values fromInner(std::size_t count, Value value)
+{
+    Values values(count);
+    if (count < 3)
+        return values;
+    for (std::size_t i = 1; i + 1 < count; ++i)
+        values[i] = value(i);
+    values.front() = values[1];
+    values.back() = values[count - 2];
+    return values;
+}
+
 Values arcLength(const Rod& rod)
 {
     Values values(rod.points.size());
@@ -100,18 +114,12 @@ Vector3<double> doubleArea(const Rod& rod, std::size_t i)
 Values curvature(const Rod& rod)
 {
     const auto& p = rod.points;
-    Values values(p.size());
-    if (p.size() < 3)
-        return values;
-    for (std::size_t i = 1; i + 1 < p.size(); ++i) {
+    return fromInner(p.size(), [&](std::size_t i) {
         // The circle's radius is the product of the sides over four times the area.
-        const double sides = (p[i] - p[i - 1]).getNorm() * (p[i + 1] - p[i]).getNorm() *
-                             (p[i + 1] - p[i - 1]).getNorm();
-        values[i] = sides == 0 ? 0 : 2 * doubleArea(rod, i).getNorm() / sides;
-    }
-    values.front() = values[1];
-    values.back() = values[values.size() - 2];
-    return values;
+        const double sides =
+            edgeLength(rod, i - 1) * edgeLength(rod, i) * (p[i + 1] - p[i - 1]).getNorm();
+        return sides == 0 ? 0 : 2 * doubleArea(rod, i).getNorm() / sides;
+    });
 }
 
 // By how much the plane of the circle at an inner point may be turned by rounding, in
@@ -126,23 +134,16 @@ double roundingOfPlane(const Rod& rod, std::size_t i, double ofEdges)
 
 Values torsion(const Rod& rod)
 {
-    const std::size_t edges = rod.points.size() - 1;
-    if (edges < 3)
-        return Values(rod.points.size());
-    Values values(edges);
     const double ofEdges = roundingOfEdges(rod);
-    for (std::size_t i = 1; i + 1 < edges; ++i) {
+    return fromEdges(fromInner(rod.points.size() - 1, [&](std::size_t i) {
         if (std::isinf(roundingOfPlane(rod, i, ofEdges) + roundingOfPlane(rod, i + 1, ofEdges)))
-            continue;
+            return 0.0;
         const Vector3<double> edge = rod.points[i + 1] - rod.points[i];
         const Vector3<double> before = doubleArea(rod, i).getUnit();
         const Vector3<double> after = doubleArea(rod, i + 1).getUnit();
-        values[i] =
-            std::atan2(before.cross(after).dot(edge.getUnit()), before.dot(after)) / edge.getNorm();
-    }
-    values.front() = values[1];
-    values.back() = values[edges - 2];
-    return fromEdges(values);
+        return std::atan2(before.cross(after).dot(edge.getUnit()), before.dot(after)) /
+               edge.getNorm();
+    }));
 }
 
 Values twistOfEdges(const Rod& rod)
@@ -151,42 +152,29 @@ Values twistOfEdges(const Rod& rod)
     for (std::size_t i = 0; i < values.size(); ++i) {
         // The rotation between the two in the first one's frame: the angle of its part about d3.
         const auto q = algebra3d::conjugate(rod.rotations[i]) * rod.rotations[i + 1];
-        values[i] = std::remainder(2 * std::atan2(q[2], q[3]), 2 * std::acos(-1.0)) /
-                    (rod.points[i + 1] - rod.points[i]).getNorm();
+        values[i] =
+            std::remainder(2 * std::atan2(q[2], q[3]), 2 * std::acos(-1.0)) / edgeLength(rod, i);
     }
     return values;
 }
 
 Values twist(const Rod& rod) { return fromEdges(twistOfEdges(rod)); }
 
-// As the values: ends take what is beside them.
 Values roundingOfCurvature(const Rod& rod)
 {
-    Values values(rod.points.size());
-    if (values.size() < 3)
-        return values;
     const double ofEdges = roundingOfEdges(rod);
-    for (std::size_t i = 1; i + 1 < values.size(); ++i)
-        values[i] = ofEdges / (shorterEdge(rod, i) * shorterEdge(rod, i));
-    values.front() = values[1];
-    values.back() = values[values.size() - 2];
-    return values;
+    return fromInner(rod.points.size(), [&](std::size_t i) {
+        return ofEdges / (shorterEdge(rod, i) * shorterEdge(rod, i));
+    });
 }
 
 Values roundingOfTorsion(const Rod& rod)
 {
-    const std::size_t edges = rod.points.size() - 1;
-    if (edges < 3)
-        return Values(rod.points.size());
-    Values values(edges);
     const double ofEdges = roundingOfEdges(rod);
-    for (std::size_t i = 1; i + 1 < edges; ++i) {
-        values[i] = (roundingOfPlane(rod, i, ofEdges) + roundingOfPlane(rod, i + 1, ofEdges)) /
-                    edgeLength(rod, i);
-    }
-    values.front() = values[1];
-    values.back() = values[edges - 2];
-    return fromEdges(values);
+    return fromEdges(fromInner(rod.points.size() - 1, [&](std::size_t i) {
+        return (roundingOfPlane(rod, i, ofEdges) + roundingOfPlane(rod, i + 1, ofEdges)) /
+               edgeLength(rod, i);
+    }));
 }
 
 Values roundingOfTwist(const Rod& rod)

@@ -157,6 +157,8 @@ TEST_F(GraphFileTest, OfASceneIsItsPicture)
 
 TEST_F(GraphFileTest, ThatNamesARodIsRefusedWithItsLine)
 {
+    SoErrorCB* const before = SoReadError::getHandlerCallback();
+    void* const beforeData = SoReadError::getHandlerData();
     std::string message;
     SoReadError::setHandlerCallback(
         [](const SoError* error, void* text) {
@@ -164,7 +166,7 @@ TEST_F(GraphFileTest, ThatNamesARodIsRefusedWithItsLine)
         },
         &message);
     EXPECT_EQ(readText("#Inventor V2.1 ascii\nSoRod { fields [ ] }\n"), nullptr);
-    SoReadError::setHandlerCallback(SoReadError::getHandlerCallback(), nullptr);
+    SoReadError::setHandlerCallback(before, beforeData);
     EXPECT_THAT(message, HasSubstr("\"SoRod\" is abstract"));
     EXPECT_THAT(message, HasSubstr("line"));
 }

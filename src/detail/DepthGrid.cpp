@@ -51,14 +51,6 @@ bool isOfCamera(const SbMatrix& p)
            ((p[2][3] == 0 && p[3][3] == 1) || (p[2][3] == -1 && p[3][3] == 0));
 }
 
-// Whether a processor draws the pixels: it takes its time for hidden ones as well, and answers at
-// once. A graphics card drops them by itself, and would be waited for.
-bool isSoftware()
-{
-    const auto* renderer = reinterpret_cast<const char*>(glGetString(GL_RENDERER));
-    return renderer && (std::strstr(renderer, "llvmpipe") || std::strstr(renderer, "softpipe"));
-}
-
 bool canRead()
 {
     const int drawn = getInteger(GL_DRAW_FRAMEBUFFER_BINDING);
@@ -115,6 +107,12 @@ DepthGrid::DepthGrid(SoState* state)
 bool DepthGrid::canProject(SoState* state)
 {
     return isOfCamera(SoProjectionMatrixElement::get(state));
+}
+
+bool DepthGrid::isSoftware()
+{
+    const auto* renderer = reinterpret_cast<const char*>(glGetString(GL_RENDERER));
+    return renderer && (std::strstr(renderer, "llvmpipe") || std::strstr(renderer, "softpipe"));
 }
 
 bool DepthGrid::isUsable(SoState* state)

@@ -380,7 +380,8 @@ public:
         : kept(keptBuffers),
           colours(shownColours),
           normals(sendNormals),
-          textured(SoGLTextureEnabledElement::get(state) != 0)
+          textured(SoGLTextureEnabledElement::get(state) != 0),
+          collects(keptBuffers.draws.size() > 1 && DepthGrid::isSoftware())
     {
         glPushClientAttrib(GL_CLIENT_VERTEX_ARRAY_BIT);
         glEnableClientState(GL_VERTEX_ARRAY);
@@ -401,10 +402,8 @@ public:
             bindFrom(draw.firstVertex);
         glDrawElements(GL_TRIANGLES, draw.indexCount, GL_UNSIGNED_INT,
                        GLBuffer::offset(draw.firstIndex * sizeof(std::uint32_t)));
-        // A software driver collects triangles, hundreds of bytes each, faster than it draws
-        // them: Mesa's up to 64 times 36 MB.
         collected += std::size_t(draw.indexCount);
-        if (collected >= 6 * VERTICES_PER_DRAW) {
+        if (collects && collected >= 6 * VERTICES_PER_DRAW) {
             glFinish();
             collected = 0;
         }
@@ -437,6 +436,9 @@ private:
     const bool normals, textured;
     bool bound = false;
     std::size_t boundVertex = 0;
+    // A software driver collects triangles, hundreds of bytes each, faster than it draws them:
+    // Mesa's up to 64 times 36 MB. What is one draw is not that large.
+    const bool collects;
     std::size_t collected = 0; // indices since the driver last had to draw
 };
 
