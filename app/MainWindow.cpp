@@ -987,7 +987,7 @@ std::string runWindow(const Options& options, const MainWindow::Loader& loader, 
         // Once: what the user opens meanwhile asks for no other.
         if (window.isLoading())
             QObject::connect(&window, &MainWindow::loadingEnded, &window,
-                             [&, first = true]() mutable {
+                             [takePicture, first = true]() mutable {
                                  if (std::exchange(first, false))
                                      takePicture();
                              });
