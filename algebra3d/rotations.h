@@ -46,6 +46,22 @@ Quaternion<T> nearer(const Quaternion<T>& q, const Quaternion<T>& other)
     return dot(q, other) < 0 ? Quaternion<T>(-q[0], -q[1], -q[2], -q[3]) : q;
 }
 
+/// The quaternion, which is not zero, divided by its norm: of any size, since no square over-
+/// or underflows.
+template <typename T>
+Quaternion<T> scaledToUnit(Quaternion<T> q)
+{
+    T largest = 0;
+    for (int i = 0; i < 4; ++i)
+        largest = std::fmax(largest, std::abs(q[i]));
+    for (int i = 0; i < 4; ++i)
+        q[i] /= largest;
+    const T norm = q.getNorm();
+    for (int i = 0; i < 4; ++i)
+        q[i] /= norm;
+    return q;
+}
+
 /// The vector turned by a unit quaternion: column j of its matrix is the turned j-th axis.
 template <typename T>
 Vector3<T> rotated(const Vector3<T>& v, const Quaternion<T>& q)

@@ -4,19 +4,20 @@
 #include <new>
 #include <string>
 
-#include "DataScene.h"
-#include "MainWindow.h"
-#include "Options.h"
-#include "PictureWriter.h"
-#include "Progress.h"
-#include "SceneBuilder.h"
-#include "SceneLoader.h"
-#include "checkDisplay.h"
-#include "printCamera.h"
+#include "camera/printCamera.h"
+#include "command/parseOptions.h"
+#include "pictures/PictureWriter.h"
+#include "request/ExitStatus.h"
+#include "scene/DataScene.h"
+#include "scene/Progress.h"
+#include "scene/SceneBuilder.h"
+#include "scene/SceneLoader.h"
+#include "window/MainWindow.h"
+#include "window/checkDisplay.h"
+
+namespace strandview {
 
 namespace {
-
-enum ExitStatus { SUCCESS = 0, CANNOT_WRITE = 1, BAD_INPUT = 2 };
 
 int fail(ExitStatus status, const std::string& message)
 {
@@ -109,13 +110,20 @@ int run(int argc, char** argv)
 
 } // namespace
 
-int main(int argc, char** argv)
+int runProgram(int argc, char** argv)
 {
-    // So that a file larger than is allowed is told as any other that cannot be written.
-    std::signal(SIGXFSZ, SIG_IGN);
     try {
         return run(argc, argv);
     } catch (const std::bad_alloc&) {
         return fail(BAD_INPUT, "found too little memory for so many points, rows or pixels");
     }
+}
+
+} // namespace strandview
+
+int main(int argc, char** argv)
+{
+    // So that a file larger than is allowed is told as any other that cannot be written.
+    std::signal(SIGXFSZ, SIG_IGN);
+    return strandview::runProgram(argc, argv);
 }

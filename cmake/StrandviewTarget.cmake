@@ -61,3 +61,34 @@ endfunction()
 function(strandview_headers subfolder)
   install(FILES ${ARGN} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/strandview/${subfolder})
 endfunction()
+
+# strandview_room(NAME SOURCES files... HEADERS files... [PUBLIC targets...] [PRIVATE targets...])
+# A shared library Strandview::NAME of the namespace strandview, of the folder that it is called in.
+# Its headers are <strandview/NAME/X.h>, in the build tree and installed.
+function(strandview_room name)
+  include(GenerateExportHeader)
+  cmake_parse_arguments(arg "" "" "SOURCES;HEADERS;PUBLIC;PRIVATE" ${ARGN})
+  set(target strandview_${name})
+  add_library(${target} SHARED ${arg_SOURCES})
+  add_library(Strandview::${name} ALIAS ${target})
+  strandview_compile(${target})
+  target_compile_features(${target} PUBLIC cxx_std_17)
+  set(prefix ${PROJECT_BINARY_DIR}/include/strandview)
+  generate_export_header(${target} EXPORT_FILE_NAME ${prefix}/${name}Export.h)
+  file(CREATE_LINK ${CMAKE_CURRENT_SOURCE_DIR} ${prefix}/${name} SYMBOLIC)
+  set_target_properties(${target} PROPERTIES
+    EXPORT_NAME ${name}
+    VERSION ${PROJECT_VERSION}
+    SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}
+    INSTALL_RPATH "$ORIGIN")
+  target_include_directories(${target} PUBLIC
+    $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include>
+    $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+  target_link_libraries(${target} PUBLIC ${arg_PUBLIC} PRIVATE ${arg_PRIVATE})
+  install(TARGETS ${target} EXPORT StrandviewTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+  install(FILES ${prefix}/${name}Export.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/strandview)
+  foreach(header IN LISTS arg_HEADERS)
+    get_filename_component(folder ${header} DIRECTORY)
+    install(FILES ${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/strandview/${name}/${folder})
+  endforeach()
+endfunction()

@@ -9,6 +9,8 @@
 
 #include "samples.h"
 
+using namespace strandview;
+
 namespace {
 
 using Vector = algebra3d::Vector3<double>;

@@ -13,7 +13,7 @@
 #include <gsl/gsl_sf_ellint.h>
 #include <gsl/gsl_sf_elljac.h>
 
-namespace samples {
+namespace strandview::samples {
 namespace {
 
 using Vector = algebra3d::Vector3<double>;
@@ -520,4 +520,4 @@ Configuration glyphs()
     return configuration;
 }
 
-} // namespace samples
+} // namespace strandview::samples

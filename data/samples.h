@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "Configuration.h"
+#include <strandview/model/Configuration.h>
 
 /// The sample configurations: one function each, without arguments, the same result at
 /// every call. A rotation is of the sign nearest to the one before.
@@ -12,7 +12,7 @@
 /// Points of rods lie at equal arc lengths, but for those along DNA, which has one per
 /// pair; every rotation has the unit tangent as d3. A closed rod repeats its first point
 /// as its last, and the frame there is the same.
-namespace samples {
+namespace strandview::samples {
 
 Rod helix();
 Rod elastica();
@@ -30,6 +30,6 @@ Configuration minicircle();
 /// Markers, frames and arrows.
 Configuration glyphs();
 
-} // namespace samples
+} // namespace strandview::samples
 
 #endif

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <new>
 
-#include "detail/biarcSampling.h"
+#include "sampling/biarcSampling.h"
 
 using Vector = algebra3d::Vector3<double>;
 

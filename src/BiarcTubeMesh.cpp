@@ -7,7 +7,7 @@
 
 #include <algebra3d/Matrix3.h>
 
-#include "detail/biarcSampling.h"
+#include "sampling/biarcSampling.h"
 
 using Vector = algebra3d::Vector3<double>;
 using Rotation = algebra3d::Quaternion<double>;

@@ -20,9 +20,9 @@
 
 #include <SoMeshShape.h>
 
-#include "detail/RowBoxes.h"
-#include "detail/meshVisitors.h"
-#include "detail/sendMaterial.h"
+#include "drawing/meshVisitors.h"
+#include "drawing/sendMaterial.h"
+#include "picking/RowBoxes.h"
 
 using algebra3d::Vector3;
 

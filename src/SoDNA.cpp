@@ -12,10 +12,10 @@
 #include <Inventor/nodes/SoTransform.h>
 #include <Inventor/nodes/SoTranslation.h>
 
-#include <detail/DnaDrawing.h>
-#include <detail/copyOf.h>
-#include <detail/overallColour.h>
-#include <detail/toSbVec3f.h>
+#include "detail/copyOf.h"
+#include "detail/toSbVec3f.h"
+#include "drawing/DnaDrawing.h"
+#include "drawing/overallColour.h"
 #include <global.h>
 
 using Vector = algebra3d::Vector3<double>;

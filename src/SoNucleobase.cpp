@@ -15,9 +15,9 @@
 #include <Inventor/nodes/SoSwitch.h>
 #include <Inventor/nodes/SoTranslation.h>
 
-#include <detail/GlyphDrawing.h>
-#include <detail/copyOf.h>
-#include <detail/overallColour.h>
+#include "detail/copyOf.h"
+#include "drawing/GlyphDrawing.h"
+#include "drawing/overallColour.h"
 #include <global.h>
 #include <idealbases.h>
 

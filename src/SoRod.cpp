@@ -10,9 +10,9 @@
 
 #include <global.h>
 
-#include "detail/MeshDrawing.h"
 #include "detail/WrittenShape.h"
 #include "detail/rodData.h"
+#include "drawing/MeshDrawing.h"
 
 using Vector = algebra3d::Vector3<double>;
 using Rotation = algebra3d::Quaternion<double>;

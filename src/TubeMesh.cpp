@@ -7,8 +7,8 @@
 
 #include <algebra3d/Matrix3.h>
 
-#include "detail/fourAtOnce.h"
-#include "detail/meshVisitors.h"
+#include "drawing/meshVisitors.h"
+#include "sampling/fourAtOnce.h"
 
 using algebra3d::Matrix3;
 using algebra3d::Quaternion;

@@ -15,13 +15,16 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "DataScene.h"
-#include "PictureWriter.h"
-#include "Progress.h"
-#include "SceneBuilder.h"
-#include "Style.h"
+#include <strandview/formats/readFile.h>
+
 #include "measuring.h"
-#include "readers/readFile.h"
+#include "pictures/PictureWriter.h"
+#include "scene/DataScene.h"
+#include "scene/Progress.h"
+#include "scene/SceneBuilder.h"
+#include "scene/Style.h"
+
+using namespace strandview;
 
 namespace {
 

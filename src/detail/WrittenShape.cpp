@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "WrittenShape.h"
+#include "detail/WrittenShape.h"
 
 #include <array>
 #include <cstdint>

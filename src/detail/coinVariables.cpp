@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include <detail/coinVariables.h>
+#include "detail/coinVariables.h"
 
 #include <cstdlib>
 

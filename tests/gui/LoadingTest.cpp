@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Loading as the user of a window sees it. What is read waits at a gate that the test
 // opens, so that nothing depends on how fast the machine is.
-#include "LoadJob.h"
+#include "window/LoadJob.h"
 
 #include <condition_variable>
 #include <fstream>
@@ -20,12 +20,14 @@
 #include <QToolButton>
 #include <gmock/gmock.h>
 
-#include "MainWindow.h"
-#include "Progress.h"
-#include "SceneBuilder.h"
-#include "SceneLoader.h"
-#include "checkDisplay.h"
+#include "scene/Progress.h"
+#include "scene/SceneBuilder.h"
+#include "scene/SceneLoader.h"
 #include "support/runProgram.h"
+#include "window/MainWindow.h"
+#include "window/checkDisplay.h"
+
+namespace strandview {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -421,3 +423,5 @@ TEST_F(LoadingTest, TheProgramEndsWithOneLineHoweverLateItFails)
 }
 
 } // namespace
+
+} // namespace strandview

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The program's window as its user sees it: a real window, keys, clicks, menus and drops.
-#include "MainWindow.h"
+#include "window/MainWindow.h"
 
 #include <algorithm>
 #include <clocale>
@@ -45,14 +45,16 @@
 #include <QWheelEvent>
 #include <gmock/gmock.h>
 
-#include "AxisCross.h"
-#include "DataScene.h"
-#include "Keys.h"
-#include "SceneBuilder.h"
-#include "SceneLoader.h"
-#include "StatusText.h"
-#include "checkDisplay.h"
+#include "scene/DataScene.h"
+#include "scene/SceneBuilder.h"
+#include "scene/SceneLoader.h"
 #include "support/runProgram.h"
+#include "window/AxisCross.h"
+#include "window/Keys.h"
+#include "window/StatusText.h"
+#include "window/checkDisplay.h"
+
+namespace strandview {
 
 using testing::AllOf;
 using testing::EndsWith;
@@ -1698,3 +1700,5 @@ TEST_F(MainWindowTest, APictureThatCannotBeSavedIsToldAndLeavesNothing)
 }
 
 } // namespace
+
+} // namespace strandview

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "ScreenFitter.h"
+#include "window/ScreenFitter.h"
 
 #include <memory>
 
@@ -9,6 +9,8 @@
 #include <gtest/gtest.h>
 
 #include "windows.h"
+
+namespace strandview {
 
 namespace {
 
@@ -79,3 +81,5 @@ TEST_F(ScreenFitterTest, WhereTheUserMovesItLaterItStays)
 }
 
 } // namespace
+
+} // namespace strandview

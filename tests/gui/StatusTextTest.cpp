@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "StatusText.h"
+#include "window/StatusText.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -7,6 +7,8 @@
 #include <gmock/gmock.h>
 
 #include "windows.h"
+
+namespace strandview {
 
 using testing::EndsWith;
 using testing::HasSubstr;
@@ -127,3 +129,5 @@ TEST_F(StatusTextTest, IsOneLineWhateverTheName)
 }
 
 } // namespace
+
+} // namespace strandview

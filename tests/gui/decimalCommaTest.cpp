@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "decimalComma.h"
+#include "window/decimalComma.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -9,6 +9,8 @@
 #include <gtest/gtest.h>
 
 #include "windows.h"
+
+namespace strandview {
 
 namespace {
 
@@ -59,3 +61,5 @@ TEST_F(DecimalCommaTest, BecomesAPointInASpinBox)
 }
 
 } // namespace
+
+} // namespace strandview

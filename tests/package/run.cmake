@@ -1,5 +1,5 @@
 # Installs the build into an empty prefix by script/install, moves the prefix, and builds and
-# runs the host project against it. Called with BUILD, FOLDER and FLAGS,
+# runs the host projects against it. Called with BUILD, FOLDER and FLAGS,
 # what the host is compiled and linked with.
 function(run what)
   execute_process(COMMAND ${ARGN} RESULT_VARIABLE status OUTPUT_VARIABLE output
@@ -17,13 +17,26 @@ if(NOT place EQUAL 0)
   message(FATAL_ERROR "script/install printed: ${output}")
 endif()
 file(RENAME ${FOLDER}/first ${FOLDER}/prefix)
-run(Configuring ${CMAKE_COMMAND} -G Ninja -S ${CMAKE_CURRENT_LIST_DIR} -B ${FOLDER}/build
-    -DCMAKE_BUILD_TYPE=Release -DCMAKE_PREFIX_PATH=${FOLDER}/prefix
-    -DCMAKE_CXX_FLAGS=${FLAGS} -DCMAKE_EXE_LINKER_FLAGS=${FLAGS})
-run(Building ${CMAKE_COMMAND} --build ${FOLDER}/build)
-run(Running ${FOLDER}/build/host)
+# Builds the project in that folder beside this file, and runs its program.
+function(run_host folder)
+  run("Configuring ${folder}" ${CMAKE_COMMAND} -G Ninja -S ${CMAKE_CURRENT_LIST_DIR}/${folder}
+      -B ${FOLDER}/${folder} -DCMAKE_BUILD_TYPE=Release -DCMAKE_PREFIX_PATH=${FOLDER}/prefix
+      -DCMAKE_CXX_FLAGS=${FLAGS} -DCMAKE_EXE_LINKER_FLAGS=${FLAGS})
+  run("Building ${folder}" ${CMAKE_COMMAND} --build ${FOLDER}/${folder})
+  run("Running ${folder}" ${FOLDER}/${folder}/${ARGN})
+  set(output "${output}" PARENT_SCOPE)
+endfunction()
+
+run_host(scene host)
 # A tube of radius 0.5 along z from 0 to 2, its four columns on the axes.
 if(NOT output STREQUAL "1 -0.5 0 0.5 2\n")
   message(FATAL_ERROR "The host printed: ${output}")
+endif()
+
+# A quarter of a circle of radius 4, whose ends take the curvature beside them.
+file(WRITE ${FOLDER}/quarter.txt "4 0 0\n2.8284271247461903 2.8284271247461903 0\n0 4 0\n")
+run_host(curvature curvature ${FOLDER}/quarter.txt)
+if(NOT output STREQUAL "0.25\n0.25\n0.25\n")
+  message(FATAL_ERROR "The host of the numbers printed: ${output}")
 endif()
 run("The installed program" ${FOLDER}/prefix/bin/strandview --version)

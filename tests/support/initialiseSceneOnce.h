@@ -2,12 +2,12 @@
 #ifndef STRANDVIEW_TESTS_INITIALISESCENEONCE_H
 #define STRANDVIEW_TESTS_INITIALISESCENEONCE_H
 
-#include "SceneBuilder.h"
+#include "scene/SceneBuilder.h"
 
-/// initialiseScene(), for the first test of a program that needs it.
+/// strandview::initialiseScene(), for the first test of a program that needs it.
 inline void initialiseSceneOnce()
 {
-    static const bool initialised = (initialiseScene(), true);
+    static const bool initialised = (strandview::initialiseScene(), true);
     static_cast<void>(initialised);
 }
 

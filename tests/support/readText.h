@@ -10,8 +10,10 @@
 
 #include <gtest/gtest.h>
 
-#include "Configuration.h"
-#include "readers/ReadReport.h"
+#include <strandview/formats/ReadReport.h>
+#include <strandview/model/Configuration.h>
+
+namespace strandview {
 
 /// What came of one text; nothing of it stays when the text was refused.
 struct Reading
@@ -77,5 +79,7 @@ inline void expectSameDna(const Dna& found, const Dna& expected)
     EXPECT_EQ(numbersOf(found.points2), numbersOf(expected.points2));
     EXPECT_EQ(numbersOf(found.rotations2), numbersOf(expected.rotations2));
 }
+
+} // namespace strandview
 
 #endif

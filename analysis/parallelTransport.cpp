@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <strandview/analysis/parallelTransport.h>
+
+#include <cmath>
+#include <cstddef>
+
+#include <algebra3d/Matrix3.h>
+
+#include <strandview/model/points.h>
+
+namespace strandview {
+
+namespace {
+
+using Vector = algebra3d::Vector3<double>;
+
+Vector tangentAt(const std::vector<Vector>& points, std::size_t i, bool closed)
+{
+    const std::size_t last = points.size() - 1;
+    const bool isEnd = i == 0 || i == last;
+    if (closed && isEnd && !areCoincident(points[last - 1], points[1]))
+        return (points[1] - points[last - 1]).getUnit();
+    const Vector& before = points[i == 0 ? 0 : i - 1];
+    const Vector& after = points[i == last ? last : i + 1];
+    if (areCoincident(before, after))
+        return (after - points[i]).getUnit();
+    return (after - before).getUnit();
+}
+
+/// The unit vector along the part of v that is perpendicular to the unit vector t.
+Vector madePerpendicular(const Vector& v, const Vector& t) { return (v - t * v.dot(t)).getUnit(); }
+
+Vector firstD2(const Vector& tangent)
+{
+    const bool nearlyZ = std::abs(tangent.z) > 0.9;
+    return nearlyZ ? madePerpendicular(Vector(0, 1, 0), tangent)
+                   : Vector(0, 0, 1).cross(tangent).getUnit();
+}
+
+/// v reflected in the plane perpendicular to the unit vector n.
+Vector reflected(const Vector& v, const Vector& n) { return v - n * (2 * n.dot(v)); }
+
+/// Carries d2 from point a with tangent ta to point b with tangent tb by two
+/// reflections (W. Wang, B. Juettler, D. Zheng, Y. Liu, Computation of rotation
+/// minimizing frames, ACM Trans. Graph. 27, 2008, 2:1-2:18).
+Vector carried(const Vector& d2, const Vector& a, const Vector& ta, const Vector& b,
+               const Vector& tb)
+{
+    const Vector edge = (b - a).getUnit();
+    Vector result = reflected(d2, edge);
+    const Vector second = tb - reflected(ta, edge);
+    // Below this the second plane is rounding only, and the reflection moves nothing.
+    if (second.getNorm() > 1e-10)
+        result = reflected(result, second.getUnit());
+    return madePerpendicular(result, tb);
+}
+
+} // namespace
+
+std::vector<algebra3d::Quaternion<double>> parallelTransport(const std::vector<Vector>& points)
+{
+    std::vector<algebra3d::Quaternion<double>> rotations;
+    rotations.reserve(points.size());
+    const bool closed = isClosed(points);
+    Vector d2, d3;
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        const Vector tangent = tangentAt(points, i, closed);
+        d2 = i == 0 ? firstD2(tangent) : carried(d2, points[i - 1], d3, points[i], tangent);
+        d3 = tangent;
+        rotations.push_back(algebra3d::Matrix3<double>(d2.cross(d3), d2, d3).getQuaternion());
+    }
+    return rotations;
+}
+
+} // namespace strandview

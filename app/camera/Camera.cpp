@@ -1,0 +1,234 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "camera/Camera.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include <Inventor/SbViewportRegion.h>
+#include <Inventor/actions/SoGetBoundingBoxAction.h>
+#include <Inventor/nodes/SoOrthographicCamera.h>
+#include <Inventor/nodes/SoPerspectiveCamera.h>
+
+namespace strandview {
+
+namespace {
+
+const float MARGIN = 1.05f;
+// Of perspective cameras, Coin's own.
+const float USUAL_ANGLE = float(M_PI / 4);
+
+bool isPerspective(const SoCamera& camera)
+{
+    return camera.isOfType(SoPerspectiveCamera::getClassTypeId());
+}
+
+// A view's height in units of its shorter side, which is what a camera's fields tell.
+float heightInShorterSides(const SbViewportRegion& region)
+{
+    return std::max(1.0f, 1 / region.getViewportAspectRatio());
+}
+
+// The tangents of half the angle that a perspective camera's view takes upwards.
+float tangentUpwards(const SoPerspectiveCamera& camera, const SbViewportRegion& region)
+{
+    return std::tan(camera.heightAngle.getValue() / 2) * heightInShorterSides(region);
+}
+
+SbBox3f boxOf(SoNode* scene, const SbViewportRegion& region)
+{
+    SoGetBoundingBoxAction bounds(region);
+    bounds.apply(scene);
+    return bounds.getBoundingBox();
+}
+
+// The box's corners from a point, along the camera's own axes: to the right, up, and
+// against the viewing direction.
+std::array<SbVec3f, 8> cornersFrom(const SbVec3f& from, const SbBox3f& box, const SoCamera& camera)
+{
+    const SbRotation toCamera = camera.orientation.getValue().inverse();
+    std::array<SbVec3f, 8> corners;
+    for (int i = 0; i < 8; ++i) {
+        const SbVec3f corner(box.getMin()[0] + (i & 1 ? box.getSize()[0] : 0),
+                             box.getMin()[1] + (i & 2 ? box.getSize()[1] : 0),
+                             box.getMin()[2] + (i & 4 ? box.getSize()[2] : 0));
+        toCamera.multVec(corner - from, corners[i]);
+    }
+    return corners;
+}
+
+SbVec3f turned(const SoCamera& camera, const SbVec3f& v)
+{
+    SbVec3f result;
+    camera.orientation.getValue().multVec(v, result);
+    return result;
+}
+
+// Around the box, but in front of a perspective camera; depth has 24 bits.
+void setClipping(SoCamera& camera, const SbBox3f& box)
+{
+    float nearest = INFINITY, farthest = -INFINITY;
+    for (const SbVec3f& corner : cornersFrom(camera.position.getValue(), box, camera)) {
+        nearest = std::min(nearest, -corner[2]);
+        farthest = std::max(farthest, -corner[2]);
+    }
+    // From afar, more than the rounding of the distance.
+    const float slack = std::max(0.01f * (farthest - nearest),
+                                 1e-6f * std::max(std::abs(nearest), std::abs(farthest)));
+    nearest -= slack;
+    farthest += slack;
+    if (isPerspective(camera)) {
+        farthest = std::max(farthest, camera.focalDistance.getValue());
+        nearest = std::max(nearest, farthest / 20000);
+    }
+    camera.nearDistance = nearest;
+    camera.farDistance = farthest;
+}
+
+void fitOrthographic(SoOrthographicCamera& camera, const SbBox3f& box,
+                     const SbViewportRegion& region, float bottom)
+{
+    float halfWidth = 0, halfHeight = 0;
+    for (const SbVec3f& corner : cornersFrom(box.getCenter(), box, camera)) {
+        halfWidth = std::max(halfWidth, corner[0]);
+        halfHeight = std::max(halfHeight, corner[1]);
+    }
+    const float height = 2 * std::max(MARGIN * halfHeight / (1 - bottom),
+                                      MARGIN * halfWidth / region.getViewportAspectRatio());
+    const float distance = box.getSize().length() / 2;
+    camera.height = height / heightInShorterSides(region);
+    camera.focalDistance = distance;
+    camera.position = box.getCenter() + turned(camera, SbVec3f(0, -bottom * height / 2, distance));
+}
+
+// A corner is seen if it is within the view's slopes at its own depth.
+void fitPerspective(SoPerspectiveCamera& camera, const SbBox3f& box, const SbViewportRegion& region,
+                    float bottom)
+{
+    camera.heightAngle = USUAL_ANGLE;
+    const float up = tangentUpwards(camera, region);
+    const float aside = up * region.getViewportAspectRatio();
+    float front = 0, distance = 0;
+    for (const SbVec3f& corner : cornersFrom(box.getCenter(), box, camera)) {
+        front = std::max(front, corner[2]);
+        distance = std::max({distance, corner[2] + MARGIN * std::abs(corner[0]) / aside,
+                             corner[2] + MARGIN * std::abs(corner[1]) / (up * (1 - bottom))});
+    }
+    camera.focalDistance = distance;
+    camera.position =
+        box.getCenter() + turned(camera, SbVec3f(0, -bottom * up * (distance - front), distance));
+}
+
+// Bit for bit, so that a camera that is told and set again stays: the constructor of four
+// numbers would normalise, which changes the last bit of what was normalised before.
+SbRotation rotationOf(const std::array<float, 4>& quaternion)
+{
+    SbRotation rotation;
+    std::copy(quaternion.begin(), quaternion.end(), const_cast<float*>(rotation.getValue()));
+    return rotation;
+}
+
+void setNumbers(SoCamera& camera, const CameraNumbers& numbers)
+{
+    camera.position = SbVec3f(numbers.position.data());
+    camera.orientation = rotationOf(numbers.orientation);
+    camera.focalDistance = numbers.focalDistance;
+    if (numbers.perspective)
+        static_cast<SoPerspectiveCamera&>(camera).heightAngle = numbers.size;
+    else
+        static_cast<SoOrthographicCamera&>(camera).height = numbers.size;
+}
+
+} // namespace
+
+ViewAxes axesOf(Side side)
+{
+    switch (side) {
+    case Side::X:
+        return {SbVec3f(-1, 0, 0), SbVec3f(0, 0, 1)};
+    case Side::MINUS_X:
+        return {SbVec3f(1, 0, 0), SbVec3f(0, 0, 1)};
+    case Side::Y:
+        return {SbVec3f(0, -1, 0), SbVec3f(0, 0, 1)};
+    case Side::MINUS_Y:
+        return {SbVec3f(0, 1, 0), SbVec3f(0, 0, 1)};
+    case Side::MINUS_Z:
+        return {SbVec3f(0, 0, 1), SbVec3f(0, 1, 0)};
+    default:
+        return {SbVec3f(0, 0, -1), SbVec3f(0, 1, 0)};
+    }
+}
+
+SoCamera* makeCamera(const CameraRequest& request, SoNode* scene, const SbViewportRegion& region,
+                     float bottom)
+{
+    SoCamera* camera = nullptr;
+    if (request.isPerspective())
+        camera = new SoPerspectiveCamera;
+    else
+        camera = new SoOrthographicCamera;
+    placeCamera(*camera, request, scene, region, bottom);
+    return camera;
+}
+
+void placeCamera(SoCamera& camera, const CameraRequest& request, SoNode* scene,
+                 const SbViewportRegion& region, float bottom)
+{
+    if (request.numbers) {
+        setNumbers(camera, *request.numbers);
+        setClipping(camera, boxOf(scene, region));
+        return;
+    }
+    const ViewAxes axes = axesOf(request.side.value_or(Side::Z));
+    camera.position = SbVec3f(0, 0, 0); // so that nothing is rounded by where it was
+    camera.pointAt(axes.direction, axes.up);
+    fitScene(camera, scene, region, bottom);
+}
+
+void fitScene(SoCamera& camera, SoNode* scene, const SbViewportRegion& region, float bottom)
+{
+    const SbBox3f box = boxOf(scene, region);
+    if (box.isEmpty())
+        return;
+    if (isPerspective(camera))
+        fitPerspective(static_cast<SoPerspectiveCamera&>(camera), box, region, bottom);
+    else
+        fitOrthographic(static_cast<SoOrthographicCamera&>(camera), box, region, bottom);
+    setClipping(camera, box);
+}
+
+void keepInFront(SoCamera& camera, SoNode* scene, const SbViewportRegion& region)
+{
+    const SbBox3f box = boxOf(scene, region);
+    if (!isPerspective(camera) || box.isEmpty())
+        return;
+    const float distance = camera.focalDistance.getValue();
+    const SbVec3f focalPoint =
+        camera.position.getValue() + turned(camera, SbVec3f(0, 0, -distance));
+    float front = 0;
+    for (const SbVec3f& corner : cornersFrom(focalPoint, box, camera))
+        front = std::max(front, MARGIN * corner[2]);
+    if (front <= distance)
+        return;
+    auto& perspective = static_cast<SoPerspectiveCamera&>(camera);
+    const float halfHeight = distance * std::tan(perspective.heightAngle.getValue() / 2);
+    perspective.heightAngle = 2 * std::atan(halfHeight / front);
+    perspective.focalDistance = front;
+    perspective.position = focalPoint + turned(camera, SbVec3f(0, 0, front));
+}
+
+CameraNumbers numbersOf(const SoCamera& camera)
+{
+    CameraNumbers numbers;
+    numbers.perspective = isPerspective(camera);
+    const SbVec3f position = camera.position.getValue();
+    std::copy_n(position.getValue(), 3, numbers.position.begin());
+    std::copy_n(camera.orientation.getValue().getValue(), 4, numbers.orientation.begin());
+    numbers.focalDistance = camera.focalDistance.getValue();
+    numbers.size = numbers.perspective
+                       ? static_cast<const SoPerspectiveCamera&>(camera).heightAngle.getValue()
+                       : static_cast<const SoOrthographicCamera&>(camera).height.getValue();
+    return numbers;
+}
+
+} // namespace strandview

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_APP_CAMERA_CAMERA_H
+#define STRANDVIEW_APP_CAMERA_CAMERA_H
+
+#include <Inventor/SbVec3f.h>
+
+#include "request/CameraRequest.h"
+
+class SbViewportRegion;
+class SoCamera;
+class SoNode;
+
+namespace strandview {
+
+/// Along where a standard view looks, and what is up in it.
+struct ViewAxes
+{
+    SbVec3f direction;
+    SbVec3f up;
+};
+
+ViewAxes axesOf(Side side);
+
+/// A camera as asked for, its reference count zero; see placeCamera().
+SoCamera* makeCamera(const CameraRequest& request, SoNode* scene, const SbViewportRegion& region,
+                     float bottom);
+
+/// Puts a camera of the right type where it was asked for, wherever it was: by its numbers,
+/// or on a side, that of z if left open, from where all of the scene is seen as fitScene()
+/// says.
+void placeCamera(SoCamera& camera, const CameraRequest& request, SoNode* scene,
+                 const SbViewportRegion& region, float bottom);
+
+/// Moves the camera, without turning it, so that the whole scene just fits the view with
+/// a small margin; a perspective camera gets its usual angle of 45 degrees. The part `bottom` of
+/// the view's height, from 0 to below 1, is left free below the scene. The clipping planes are set
+/// around the scene.
+void fitScene(SoCamera& camera, SoNode* scene, const SbViewportRegion& region, float bottom);
+
+/// Moves a perspective camera that is not in front of the whole scene back until it is, and
+/// narrows its angle so that at the focal point it shows what it showed. Any other stays.
+void keepInFront(SoCamera& camera, SoNode* scene, const SbViewportRegion& region);
+
+CameraNumbers numbersOf(const SoCamera& camera);
+
+} // namespace strandview
+
+#endif

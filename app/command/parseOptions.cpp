@@ -1,0 +1,445 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "command/parseOptions.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <iostream>
+#include <sstream>
+
+#include <CLI/CLI.hpp>
+
+#include <strandview/formats/text/wording.h>
+
+#include "command/optionNames.h"
+#include "request/ExitStatus.h"
+#include "request/limits.h"
+
+namespace strandview {
+
+namespace {
+
+bool parseSize(const std::string& text, int& width, int& height)
+{
+    const char* end = text.data() + text.size();
+    const auto w = std::from_chars(text.data(), end, width);
+    if (w.ec != std::errc() || w.ptr == end || (*w.ptr != 'x' && *w.ptr != 'X'))
+        return false;
+    const auto h = std::from_chars(w.ptr + 1, end, height);
+    return h.ec == std::errc() && h.ptr == end;
+}
+
+// The largest picture of the same shape.
+std::string fittingSize(int width, int height)
+{
+    const double scale = std::min({1.0, LARGEST_PICTURE_SIDE / double(std::max(width, height)),
+                                   std::sqrt(double(LARGEST_PIXEL_COUNT) / width / height)});
+    const auto side = [scale](int pixels) {
+        return std::to_string(std::max(1, int(scale * pixels)));
+    };
+    return side(width) + "x" + side(height);
+}
+
+void addSize(CLI::App& app, Options& options)
+{
+    const auto parse = [&options](const std::string& text) {
+        int width = 0, height = 0;
+        const std::string refusal = "found '" + text + "', expected WxH, sides from 1 to " +
+                                    std::to_string(LARGEST_PICTURE_SIDE) + " and at most " +
+                                    std::to_string(LARGEST_PIXEL_COUNT) + " pixels in all";
+        if (!parseSize(text, width, height) || width < 1 || height < 1)
+            throw CLI::ValidationError("--size", refusal);
+        if (std::max(width, height) > LARGEST_PICTURE_SIDE ||
+            LARGEST_PIXEL_COUNT < (long long)width * height)
+            throw CLI::ValidationError("--size",
+                                       refusal + ": " + fittingSize(width, height) + " fits");
+        options.pictureWidth = width;
+        options.pictureHeight = height;
+        options.windowSize = {width, height};
+    };
+    app.add_option_function<std::string>("--size", parse,
+                                         "Size of the picture in pixels [1200x900], or of the "
+                                         "window [as it was]")
+        ->type_name("WxH");
+}
+
+// One side of a range; empty leaves it open.
+bool parseLimit(const std::string& text, std::optional<double>& limit)
+{
+    if (text.empty())
+        return true;
+    double value = 0;
+    const auto parsed = std::from_chars(text.data(), text.data() + text.size(), value);
+    limit = value;
+    return parsed.ec == std::errc() && parsed.ptr == text.data() + text.size() &&
+           std::isfinite(value);
+}
+
+CLI::Option* addLength(CLI::App& app, const std::string& name, std::optional<double>& length,
+                       const std::string& help)
+{
+    return app
+        .add_option_function<std::string>(
+            name,
+            [name, &length](const std::string& text) {
+                if (!parseLimit(text, length) || !length || *length <= 0) {
+                    throw CLI::ValidationError(name, "found " + inQuotes(text) +
+                                                         ", expected a length above 0");
+                }
+            },
+            help)
+        ->type_name("LENGTH");
+}
+
+template <typename Target>
+CLI::Option* addCount(CLI::App& app, const std::string& name, Target& count, int smallest,
+                      int largest, const std::string& help)
+{
+    const auto parse = [=, &count](const std::string& text) {
+        int value = 0;
+        const char* end = text.data() + text.size();
+        const auto parsed = std::from_chars(text.data(), end, value);
+        if (parsed.ec != std::errc() || parsed.ptr != end || value < smallest || value > largest) {
+            throw CLI::ValidationError(name, "found '" + text + "', expected a whole number from " +
+                                                 std::to_string(smallest) + " to " +
+                                                 std::to_string(largest));
+        }
+        count = value;
+    };
+    return app.add_option_function<std::string>(name, parse, help)->type_name("N");
+}
+
+template <typename Target>
+CLI::Option* addColour(CLI::App& app, const std::string& name, Target& colour,
+                       const std::string& help)
+{
+    return app
+        .add_option_function<std::string>(
+            name,
+            [name, &colour](const std::string& text) {
+                const std::optional<Colour> parsed = parseColour(text);
+                if (!parsed) {
+                    throw CLI::ValidationError(
+                        name, "found '" + text + "', expected #rrggbb or an SVG colour name");
+                }
+                colour = *parsed;
+            },
+            help)
+        ->type_name("COLOUR");
+}
+
+void addDna(CLI::App& app, Options& options)
+{
+    const std::string group = "DNA";
+    const auto parseLook = [&options](const std::string& text) {
+        options.dna.atoms = options.dna.baseBoxes = options.dna.pairBoxes = false;
+        const auto show = [&options](const std::string& name) {
+            if (name == "atoms")
+                options.dna.atoms = true;
+            else if (name == "bases")
+                options.dna.baseBoxes = true;
+            else if (name == "pairs")
+                options.dna.pairBoxes = true;
+            else
+                throw CLI::ValidationError("--dna", "found '" + name +
+                                                        "', expected some of atoms, bases and "
+                                                        "pairs, with commas");
+        };
+        if (text.empty())
+            show(text);
+        std::istringstream names(text);
+        for (std::string name; std::getline(names, name, ',');)
+            show(name);
+    };
+    app.add_option_function<std::string>("--dna", parseLook,
+                                         "Show atoms, boxes of bases, boxes of pairs "
+                                         "[atoms]")
+        ->type_name("WHAT,...")
+        ->group(group);
+    const auto parseUnit = [&options](const std::string& text) {
+        if (text != "angstrom" && text != "nm") {
+            throw CLI::ValidationError("--dna-unit",
+                                       "found '" + text + "', expected angstrom or nm");
+        }
+        options.dna.angstrom = text == "nm" ? 0.1 : 1;
+    };
+    app.add_option_function<std::string>("--dna-unit", parseUnit,
+                                         "Unit of a DNA's points: angstrom or nm [angstrom]")
+        ->type_name("UNIT")
+        ->group(group);
+}
+
+void addCamera(CLI::App& app, Options& options)
+{
+    const std::string group = "Camera";
+    const auto parseSide = [&options](const std::string& text) {
+        const auto* named = std::find_if(SIDES.begin(), SIDES.end(),
+                                         [&text](const NamedSide& s) { return text == s.name; });
+        if (named == SIDES.end()) {
+            throw CLI::ValidationError("--view",
+                                       "found '" + text + "', expected one of x -x y -y z -z");
+        }
+        options.camera.side = named->side;
+    };
+    CLI::Option* view =
+        app.add_option_function<std::string>(
+               "--view", parseSide,
+               "The side that it is seen from: x, -x, y, -y, z or -z [along the shortest side of "
+               "its box]")
+            ->type_name("SIDE")
+            ->group(group);
+    CLI::Option* perspective = app.add_flag("--perspective", options.camera.perspective,
+                                            "What is far away is smaller [orthographic]")
+                                   ->group(group);
+    const auto parseNumbers = [&options](const std::string& text) {
+        std::string expected;
+        options.camera.numbers = parseCamera(text, &expected);
+        if (!options.camera.numbers)
+            throw CLI::ValidationError("--camera", "found '" + text + "', expected " + expected);
+    };
+    app.add_option_function<std::string>("--camera", parseNumbers,
+                                         "Exactly the camera that --print-camera told")
+        ->type_name("NUMBERS")
+        ->excludes(view)
+        ->excludes(perspective)
+        ->group(group);
+    app.add_flag("--print-camera", options.printCamera, "Print the last camera, for --camera")
+        ->group(group);
+}
+
+void addWindowPicture(CLI::App& app, CLI::Option* render, Options& options)
+{
+    const auto parse = [&options](const std::vector<std::string>& texts) {
+        std::optional<double> seconds;
+        if (!parseLimit(texts[0], seconds) || !seconds || *seconds < 0 || *seconds > 1e6) {
+            throw CLI::ValidationError("--screenshot-after",
+                                       "found '" + texts[0] + "', expected seconds from 0 on");
+        }
+        options.windowPictureAfter = *seconds;
+        options.windowPicture = texts[1];
+    };
+    app.add_option_function<std::vector<std::string>>(
+           "--screenshot-after", parse,
+           "Write a picture of the whole window after so many seconds, once it is "
+           "painted, and end")
+        ->type_name("SECONDS OUT.png")
+        ->expected(2)
+        ->allow_extra_args(false)
+        ->excludes(render);
+}
+
+void addColouring(CLI::App& app, Options& options)
+{
+    const std::string group = "Colour by data";
+    CLI::Option* colourBy =
+        app.add_option("--colour-by", options.colourBy,
+                       "Colour by a scalar of the file, or by arclength, curvature, torsion or "
+                       "twist")
+            ->type_name("NAME")
+            ->group(group);
+    const auto parseRange = [&options](const std::string& text) {
+        const std::size_t colon = text.find(':');
+        if (colon == std::string::npos || !parseLimit(text.substr(0, colon), options.rangeMin) ||
+            !parseLimit(text.substr(colon + 1), options.rangeMax) ||
+            (options.rangeMin && options.rangeMax && !(*options.rangeMin < *options.rangeMax))) {
+            throw CLI::ValidationError("--range", "found '" + text +
+                                                      "', expected MIN:MAX with MIN below MAX; "
+                                                      "either may be left out");
+        }
+        if (options.rangeMin && options.rangeMax && !isRange(*options.rangeMin, *options.rangeMax))
+            throw CLI::ValidationError("--range",
+                                       "found '" + text +
+                                           "', expected limits that are a 1e-12th of them apart "
+                                           "or more, and up to 1e+307");
+    };
+    app.add_option_function<std::string>("--range", parseRange,
+                                         "Values at the ends of the colours [those of the data]")
+        ->type_name("MIN:MAX")
+        ->needs(colourBy)
+        ->group(group);
+    const auto parseRamp = [&options](const std::string& text) {
+        std::istringstream names(text);
+        std::string name;
+        while (std::getline(names, name, ',')) {
+            const std::optional<Colour> colour = parseColour(name);
+            if (!colour) {
+                throw CLI::ValidationError(
+                    "--colours", "found '" + name + "', expected #rrggbb or an SVG colour name");
+            }
+            options.ramp.push_back(*colour);
+        }
+        if (options.ramp.size() < 2)
+            throw CLI::ValidationError("--colours", "expected two colours or more");
+    };
+    app.add_option_function<std::string>("--colours", parseRamp,
+                                         "Colours of the ramp [blue,cyan,lime,yellow,red]")
+        ->type_name("C1,C2,...")
+        ->needs(colourBy)
+        ->group(group);
+}
+
+// The command line with the names of its options as they are spelt here.
+std::vector<std::string> inOwnSpelling(int argc, const char* const* argv)
+{
+    std::vector<std::string> arguments;
+    bool areNames = true; // up to --
+    for (int i = 0; i < argc; ++i) {
+        areNames = areNames && std::string(argv[i]) != "--";
+        arguments.push_back(areNames && i > 0 ? inBritishSpelling(argv[i]) : argv[i]);
+    }
+    return arguments;
+}
+
+void parseArguments(CLI::App& app, const std::vector<std::string>& arguments)
+{
+    std::vector<const char*> texts;
+    for (const std::string& argument : arguments)
+        texts.push_back(argument.c_str());
+    app.parse(int(texts.size()), texts.data());
+}
+
+// Every name with its two dashes.
+std::vector<std::string> namesOfOptions(const CLI::App& app)
+{
+    std::vector<std::string> names;
+    for (const CLI::Option* option : app.get_options({})) {
+        for (const std::string& name : option->get_lnames())
+            names.push_back("--" + name);
+    }
+    return names;
+}
+
+// The first name of each option that the command line has.
+std::vector<std::string> givenOptions(const CLI::App& app)
+{
+    std::vector<std::string> names;
+    for (const CLI::Option* option : app.get_options({})) {
+        if (option->count() > 0 && !option->get_lnames().empty())
+            names.push_back("--" + option->get_lnames().front());
+    }
+    return names;
+}
+
+// One line about an option that there is not, with what may have been meant.
+std::string unknownOption(const CLI::App& app, const std::string& argument)
+{
+    const std::string written = argument.substr(0, argument.find('='));
+    std::string text = "found the option " + inQuotes(written) + ", expected one of --help";
+    const std::vector<std::string> nearest =
+        nearestNames(inBritishSpelling(written), namesOfOptions(app));
+    for (std::size_t i = 0; i < nearest.size(); ++i)
+        text += (i == 0 ? "; did you mean " : " or ") + nearest[i];
+    return text + (nearest.empty() ? "" : "?");
+}
+
+// One line about the first option that has too few or too many values, or nothing.
+std::string wrongCount(const CLI::App& app)
+{
+    for (const CLI::Option* option : app.get_options({})) {
+        const int count = int(option->count());
+        const int least = option->get_items_expected_min();
+        const int most = option->get_items_expected_max();
+        if (count > 0 && (count < least || count > most)) {
+            return option->get_name() + ": found " + counted(std::size_t(count), "value") +
+                   ", expected " + std::to_string(count < least ? least : most);
+        }
+    }
+    return "";
+}
+
+// What is wrong with the command line. A misspelt name comes first: it can be the cause of
+// all else.
+std::string explain(const CLI::App& app, const CLI::ParseError& error, int argc,
+                    const char* const* argv)
+{
+    for (const std::string& argument : app.remaining()) {
+        if (argument == "--")
+            continue;
+        const auto isWritten = [&argument](const char* written) {
+            return inBritishSpelling(written) == argument;
+        };
+        const auto written = std::find_if(argv, argv + argc, isWritten);
+        return unknownOption(app, written == argv + argc ? argument : *written);
+    }
+    const bool isMismatch = dynamic_cast<const CLI::ArgumentMismatch*>(&error);
+    const std::string mismatch = isMismatch ? wrongCount(app) : "";
+    return mismatch.empty() ? error.what() : mismatch;
+}
+
+} // namespace
+
+ParsedOptions parseOptions(int argc, const char* const* argv)
+{
+    Options options;
+    CLI::App app("Shows elastic rods with their material frames, birods and DNA: smooth tubes and\n"
+                 "ribbons, atoms and boxes, in a window or, with --render, in a picture.",
+                 "strandview");
+    app.set_version_flag("--version", "strandview " STRANDVIEW_VERSION);
+    app.footer("American spellings are understood, too: --color-by, --normalize and so on.");
+    app.add_option(
+        "FILE", options.files,
+        "Tables (.txt .dat .csv .tsv .xyz), .json files, or others known by their content; "
+        "- is standard input");
+    CLI::Option* render =
+        app.add_option("--render", options.picture, "Write a picture instead of opening a window")
+            ->type_name("OUT.png");
+    addSize(app, options);
+    addCount(app, "--samples", options.samples, 1, 8, "Smooth edges: N x N samples per pixel [3]")
+        ->needs(render);
+    app.add_flag("--transparent", options.transparent, "Leave the picture's background out")
+        ->needs(render);
+    addWindowPicture(app, render, options);
+    app.add_flag("--normalise", options.normalise,
+                 "Accept quaternions and directors that are not unit and normalise them");
+
+    const std::string look = "Look";
+    addLength(app, "--radius", options.radius, "Radius of the tube [from the data]")->group(look);
+    addLength(app, "--ribbon-width", options.ribbonWidth, "Width of the ribbon [3 radii]")
+        ->group(look);
+    addCount(app, "--slices", options.slices, 3, 1000, "Points around the tube [from the data]")
+        ->group(look);
+    addCount(app, "--subsegments", options.subsegments, 1, 1000,
+             "Rows between two points [from the data]")
+        ->group(look);
+    app.add_flag("--tube,!--no-tube", options.showTube, "Show the tube [shown]")->group(look);
+    app.add_flag_function(
+           "--ribbon,!--no-ribbon",
+           [&options](std::int64_t count) { options.showRibbon = count > 0; },
+           "Show the ribbon [of what has frames]")
+        ->group(look);
+    app.add_flag("--two-sided", options.twoSidedRibbon,
+                 "Centre the ribbon on the centreline instead of starting it there")
+        ->group(look);
+    addColour(app, "--tube-colour", options.tubeColour, "Colour of the tubes [one per rod]")
+        ->group(look);
+    addColour(app, "--ribbon-colour", options.ribbonColour, "Colour of the ribbons")->group(look);
+    addColour(app, "--background", options.background, "Colour of the background [white]")
+        ->group(look);
+    addColouring(app, options);
+    addDna(app, options);
+    addCamera(app, options);
+
+    try {
+        parseArguments(app, inOwnSpelling(argc, argv));
+        options.given = givenOptions(app);
+        if (options.picture && options.files.empty())
+            throw CLI::RequiredError("FILE");
+        if (std::count(options.files.begin(), options.files.end(), "-") > 1)
+            throw CLI::ValidationError("FILE", "found - twice, expected standard input once");
+        return {options, 0};
+    } catch (const CLI::Success& request) { // --help and --version
+        const int status = app.exit(request);
+        if (std::cout.flush())
+            return {std::nullopt, status};
+        std::cerr << "strandview: standard output: " << std::strerror(errno) << "\n";
+        return {std::nullopt, CANNOT_WRITE};
+    } catch (const CLI::ParseError& error) {
+        std::cerr << "strandview: " << explain(app, error, argc, argv) << "\n";
+        return {std::nullopt, BAD_INPUT};
+    }
+}
+
+} // namespace strandview

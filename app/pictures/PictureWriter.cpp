@@ -1,0 +1,373 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "pictures/PictureWriter.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <new>
+#include <vector>
+
+#include <Inventor/actions/SoCallbackAction.h>
+#include <Inventor/errors/SoDebugError.h>
+#include <Inventor/nodes/SoCamera.h>
+#include <Inventor/nodes/SoDrawStyle.h>
+#include <Inventor/nodes/SoSeparator.h>
+#include <QBuffer>
+#include <QFileInfo>
+#include <QImage>
+#include <QImageWriter>
+#include <QSaveFile>
+
+#include <OffscreenContext.h>
+#include <SoGeneralScene.h>
+
+#include "camera/Camera.h"
+#include "pictures/TileRenderer.h"
+#include "request/limits.h"
+
+namespace strandview {
+
+namespace {
+
+const int LARGEST_TILE_SIDE = 4096; // that Coin renders at once
+const Colour BLACK{0, 0, 0};
+const Colour WHITE{1, 1, 1};
+const char* const TOO_LITTLE_MEMORY = "found too little memory for so many pixels";
+
+// Collects Coin's messages while it lives, so that a failure can be told in one line.
+class MessageCollector
+{
+public:
+    MessageCollector()
+        : previousHandler(SoDebugError::getHandlerCallback()),
+          previousData(SoDebugError::getHandlerData())
+    {
+        SoDebugError::setHandlerCallback(collect, this);
+    }
+    ~MessageCollector() { SoDebugError::setHandlerCallback(previousHandler, previousData); }
+    MessageCollector(const MessageCollector&) = delete;
+    MessageCollector& operator=(const MessageCollector&) = delete;
+
+    std::string first;
+
+private:
+    static void collect(const SoError* error, void* data)
+    {
+        std::string& first = static_cast<MessageCollector*>(data)->first;
+        if (first.empty())
+            first = error->getDebugString().getString();
+    }
+
+    SoErrorCB* previousHandler;
+    void* previousData;
+};
+
+QByteArray imageFormat(const std::string& file)
+{
+    return QFileInfo(QString::fromStdString(file)).suffix().toLower().toLatin1();
+}
+
+// What papers and slides take, as far as Qt can write it; some cannot be transparent.
+QList<QByteArray> writableFormats(bool transparent)
+{
+    QList<QByteArray> formats{"png", "tif", "tiff"};
+    if (!transparent)
+        formats += {"jpg", "jpeg", "bmp", "ppm"};
+    const QList<QByteArray> supported = QImageWriter::supportedImageFormats();
+    formats.erase(std::remove_if(formats.begin(), formats.end(),
+                                 [&](const QByteArray& f) { return !supported.contains(f); }),
+                  formats.end());
+    return formats;
+}
+
+// What a pixel's samples add up to.
+struct Sum
+{
+    int red = 0;
+    int green = 0;
+    int blue = 0;
+    int alpha = 0;
+};
+
+// How much of the background shows is found by rendering before black and before white
+// (A. R. Smith and J. F. Blinn, Blue screen matting, SIGGRAPH 1996): what covers a sample
+// is black's picture, and covers all that white's does not exceed it by. So neither the
+// colour of what is shown nor that of the background matters.
+void addSeparated(Sum& sum, const uchar* black, const uchar* white)
+{
+    const int shining = std::min({white[0] - black[0], white[1] - black[1], white[2] - black[2]});
+    const int alpha = 255 - std::max(shining, 0);
+    sum.red += std::min<int>(black[0], alpha);
+    sum.green += std::min<int>(black[1], alpha);
+    sum.blue += std::min<int>(black[2], alpha);
+    sum.alpha += alpha;
+}
+
+int ratio(int sum, int count) { return (2 * sum + count) / (2 * count); }
+
+// The rows of samples of a tile, which run upwards, and where in them a pixel's are.
+struct Samples
+{
+    const uchar* rows;
+    int rowBytes;
+    int perPixel; // in each direction
+
+    const uchar* at(int left, int below) const { return rows + below * rowBytes + 3 * left; }
+};
+
+// The mean of the samples from `left` and `below` on.
+void setOpaque(uchar* pixel, const Samples& samples, int left, int below)
+{
+    const int n = samples.perPixel;
+    Sum sum;
+    for (int row = 0; row < n; ++row) {
+        const uchar* sample = samples.at(left, below + row);
+        for (const uchar* end = sample + 3 * n; sample < end; sample += 3) {
+            sum.red += sample[0];
+            sum.green += sample[1];
+            sum.blue += sample[2];
+        }
+    }
+    pixel[0] = uchar(ratio(sum.red, n * n));
+    pixel[1] = uchar(ratio(sum.green, n * n));
+    pixel[2] = uchar(ratio(sum.blue, n * n));
+}
+
+// The same of what is before black and before white, its colour apart from its alpha.
+void setTransparent(QRgb& pixel, const Samples& black, const Samples& white, int left, int below)
+{
+    const int n = black.perPixel;
+    Sum sum;
+    for (int row = 0; row < n; ++row) {
+        for (int i = 0; i < n; ++i)
+            addSeparated(sum, black.at(left + i, below + row), white.at(left + i, below + row));
+    }
+    pixel = 0;
+    if (sum.alpha > 0) {
+        const auto part = [&sum](int colour) { return ratio(255 * colour, sum.alpha); };
+        pixel = qRgba(part(sum.red), part(sum.green), part(sum.blue), ratio(sum.alpha, n * n));
+    }
+}
+
+// Makes the lines of a scene, whose widths are in pixels, wider while it lives, so that
+// they are as wide as ever once the samples are brought together.
+class LineWidener
+{
+public:
+    LineWidener(SoNode* scene, int factor)
+    {
+        // A search would miss what is in an overlay.
+        SoCallbackAction traversal;
+        traversal.addPreCallback(SoDrawStyle::getClassTypeId(), note, this);
+        traversal.apply(scene);
+        for (const auto& [style, width] : widths) {
+            // 0 stands for OpenGL's own width, 1.
+            style->lineWidth = float(factor) * (width > 0 ? width : 1);
+        }
+    }
+    ~LineWidener()
+    {
+        for (const auto& [style, width] : widths)
+            style->lineWidth = width;
+    }
+    LineWidener(const LineWidener&) = delete;
+    LineWidener& operator=(const LineWidener&) = delete;
+
+    float getWidest() const
+    {
+        float widest = 0;
+        for (const auto& [style, width] : widths)
+            widest = std::max(widest, style->lineWidth.getValue());
+        return widest;
+    }
+
+private:
+    static SoCallbackAction::Response note(void* widener, SoCallbackAction* traversal,
+                                           const SoNode* /*style*/)
+    {
+        auto* style = static_cast<SoDrawStyle*>(traversal->getCurPathTail());
+        static_cast<LineWidener*>(widener)->widths[style] = style->lineWidth.getValue();
+        return SoCallbackAction::CONTINUE;
+    }
+
+    std::map<SoDrawStyle*, float> widths;
+};
+
+// How a picture is rendered: in tiles of so many pixels, with a border of so many samples
+// around each. What is drawn in lines ends where its middle leaves the tile.
+struct Division
+{
+    int width;
+    int height;
+    int border;
+};
+
+// The fewest tiles within the limits, and as alike as can be.
+Division divide(const Picture& picture, int border)
+{
+    const int n = picture.samples;
+    const long long sides = (long long)n * std::max(picture.width, picture.height);
+    if (sides <= LARGEST_TILE_SIDE &&
+        (long long)n * picture.width * n * picture.height <= picture.samplesAtOnce)
+        return {picture.width, picture.height, 0};
+    const auto fitting = [&](int pixels, int otherSide) {
+        const int side = std::min(LARGEST_TILE_SIDE, picture.samplesAtOnce / otherSide);
+        const int fit = std::max(1, (side - 2 * border) / n);
+        const int count = (pixels + fit - 1) / fit;
+        return (pixels + count - 1) / count;
+    };
+    const int square = int(std::sqrt(picture.samplesAtOnce));
+    int width = fitting(picture.width, square);
+    const int height = fitting(picture.height, n * width + 2 * border);
+    width = fitting(picture.width, n * height + 2 * border);
+    return {width, height, border};
+}
+
+// Fills in the part of the picture that a tile shows, its border left out. `black` holds the
+// samples before black if the picture is transparent.
+void setPixels(QImage& image, const QRect& part, const Samples& samples, const Samples& black,
+               int border)
+{
+    const int n = samples.perPixel;
+    for (int row = 0; row < part.height(); ++row) {
+        uchar* pixels = image.scanLine(part.bottom() - row);
+        const int below = border + n * row;
+        for (int column = 0; column < part.width(); ++column) {
+            const int left = border + n * column, x = part.x() + column;
+            if (black.rows)
+                setTransparent(reinterpret_cast<QRgb*>(pixels)[x], black, samples, left, below);
+            else
+                setOpaque(pixels + 3 * x, samples, left, below);
+        }
+    }
+}
+
+// Renders the graph into the image. Returns one line that says what failed, or nothing.
+std::string render(SoNode* graph, const SbViewportRegion& region, const Picture& picture,
+                   QImage& image)
+{
+    const int n = picture.samples;
+    const LineWidener lines(graph, n);
+    const Division division = divide(picture, int(std::ceil(lines.getWidest() / 2)) + 1);
+    const SbVec2s tile{short(n * division.width + 2 * division.border),
+                       short(n * division.height + 2 * division.border)};
+
+    OffscreenContext::install();
+    MessageCollector messages;
+    TileRenderer renderer(graph, region, n * picture.width, n * picture.height, tile);
+    const int rowBytes = 3 * tile[0];
+    std::vector<uchar> black;
+    for (int y = 0; y < picture.height; y += division.height) {
+        for (int x = 0; x < picture.width; x += division.width) {
+            const QRect part =
+                QRect(x, y, division.width, division.height).intersected(image.rect());
+            const int left = n * x - division.border;
+            const int below = n * (picture.height - 1 - part.bottom()) - division.border;
+            bool rendered =
+                renderer.render(left, below, picture.transparent ? BLACK : picture.background);
+            if (rendered && picture.transparent) {
+                black.assign(renderer.getSamples(), renderer.getSamples() + rowBytes * tile[1]);
+                rendered = renderer.render(left, below, WHITE);
+            }
+            if (!rendered)
+                return "the picture could not be rendered: " + messages.first;
+            setPixels(image, part, {renderer.getSamples(), rowBytes, n},
+                      {black.empty() ? nullptr : black.data(), rowBytes, n}, division.border);
+        }
+    }
+    return "";
+}
+
+std::string open(QSaveFile& file, const std::string& name)
+{
+    const QFileInfo target(file.fileName());
+    if (target.exists() && !target.isFile())
+        return name + ": found something that is no file, expected a file or nothing there";
+    // A buffer would not tell why it cannot be written out.
+    const QIODevice::OpenMode mode = QIODevice::WriteOnly | QIODevice::Unbuffered;
+    return file.open(mode) ? "" : name + ": " + file.errorString().toStdString();
+}
+
+// A disk that becomes full takes a part, and tells why at the next.
+bool writeAll(QIODevice& file, const QByteArray& bytes)
+{
+    qint64 written = 0;
+    while (written < bytes.size()) {
+        const qint64 more = file.write(bytes.constData() + written, bytes.size() - written);
+        if (more <= 0)
+            return false;
+        written += more;
+    }
+    return true;
+}
+
+} // namespace
+
+std::string checkPictureName(const std::string& option, const std::string& file, bool transparent)
+{
+    const QList<QByteArray> formats = writableFormats(transparent);
+    const bool named = !QFileInfo(QString::fromStdString(file)).completeBaseName().isEmpty();
+    if (named && formats.contains(imageFormat(file)))
+        return "";
+    return option + ": found '" + file + "', expected a name that ends in one of ." +
+           formats.join(" .").toStdString() + (transparent ? ", with --transparent" : "");
+}
+
+QString pictureNamePatterns() { return "*." + writableFormats(false).join(" *."); }
+
+std::string checkWritable(const std::string& name)
+{
+    QSaveFile file(QString::fromStdString(name));
+    const std::string failure = open(file, name);
+    file.cancelWriting();
+    return failure;
+}
+
+// Encoded first, so that what can fail while writing is the disk alone.
+std::string saveImage(const QImage& image, const std::string& name)
+{
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    QImageWriter writer(&buffer, imageFormat(name));
+    if (!writer.write(image)) {
+        return name + ": " +
+               (writer.error() == QImageWriter::UnknownError ? TOO_LITTLE_MEMORY
+                                                             : writer.errorString().toStdString());
+    }
+    QSaveFile file(QString::fromStdString(name));
+    const std::string failure = open(file, name);
+    if (!failure.empty())
+        return failure;
+    return writeAll(file, bytes) && file.commit() ? ""
+                                                  : name + ": " + file.errorString().toStdString();
+}
+
+std::string writePicture(SoGeneralScene* scene, const Picture& picture, CameraNumbers* usedCamera)
+{
+    const SbViewportRegion region{short(picture.width), short(picture.height)};
+    SoCamera* camera = makeCamera(picture.camera, scene, region, picture.bottom);
+    auto* root = new SoSeparator;
+    root->ref();
+    root->addChild(camera);
+    root->addChild(scene);
+    if (usedCamera)
+        *usedCamera = numbersOf(*camera);
+    const bool perspectiveBefore = scene->isShaderPersp();
+    scene->setShaderPersp(picture.camera.isPerspective());
+    QImage image(picture.width, picture.height,
+                 picture.transparent ? QImage::Format_ARGB32 : QImage::Format_RGB888);
+    std::string failure = TOO_LITTLE_MEMORY;
+    try {
+        if (!image.isNull())
+            failure = render(root, region, picture, image);
+        if (failure.empty())
+            failure = saveImage(image, picture.file);
+    } catch (const std::bad_alloc&) {
+        failure = TOO_LITTLE_MEMORY;
+    }
+    root->unref();
+    scene->setShaderPersp(perspectiveBefore);
+    return failure;
+}
+
+} // namespace strandview

@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_APP_PICTURES_PICTUREWRITER_H
+#define STRANDVIEW_APP_PICTURES_PICTUREWRITER_H
+
+#include <string>
+
+#include "request/CameraRequest.h"
+#include "request/Colour.h"
+
+class QImage;
+class QString;
+class SoGeneralScene;
+
+namespace strandview {
+
+/// Larger pictures are rendered in tiles of at most so many samples, which take some 60 MB. A
+/// tile holds one pixel at least.
+constexpr int SAMPLES_AT_ONCE = 5'000'000;
+
+struct Picture
+{
+    std::string file;
+    int width;
+    int height;
+    int samples; ///< per pixel, in each direction; rendered so much larger
+    Colour background;
+    bool transparent; ///< the background is left out
+    CameraRequest camera;
+    float bottom; ///< the part of the height that a standard view leaves free below the scene
+    int samplesAtOnce = SAMPLES_AT_ONCE;
+};
+
+/// Empty if the ending of a picture's name is one that can be written, and with
+/// transparent pixels if asked for; otherwise one line that begins with `option` and
+/// says which can.
+std::string checkPictureName(const std::string& option, const std::string& file, bool transparent);
+
+/// Empty if a file of this name can be written where it is; otherwise one line that says
+/// why not.
+std::string checkWritable(const std::string& name);
+
+/// Renders the scene off screen and writes it. The file appears complete or not at all.
+/// Returns one line that says what failed, or nothing. `usedCamera`, if not null, is
+/// told the camera.
+std::string writePicture(SoGeneralScene* scene, const Picture& picture,
+                         CameraNumbers* usedCamera = nullptr);
+
+/// Writes an image in the format of the name's ending; as writePicture().
+std::string saveImage(const QImage& image, const std::string& name);
+
+/// The name endings of the formats that can be written, as "*.png *.jpg".
+QString pictureNamePatterns();
+
+} // namespace strandview
+
+#endif

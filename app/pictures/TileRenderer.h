@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_APP_PICTURES_TILERENDERER_H
+#define STRANDVIEW_APP_PICTURES_TILERENDERER_H
+
+#include <Inventor/SbVec2s.h>
+#include <Inventor/SbViewportRegion.h>
+#include <Inventor/SoOffscreenRenderer.h>
+#include <Inventor/actions/SoGLRenderAction.h>
+
+#include "request/Colour.h"
+
+class SoCamera;
+class SoNode;
+
+namespace strandview {
+
+/// Renders a picture off screen tile by tile: what no memory holds at once, and whose sides
+/// may exceed what Coin holds in 16 bits. Every camera of the graph shows its part of what
+/// it would show in the whole picture, those of overlays too, so that tiles that lie side
+/// by side fit together.
+class TileRenderer
+{
+public:
+    /// A picture of the region's shape with `width` x `height` samples, in tiles of one size.
+    TileRenderer(SoNode* graph, const SbViewportRegion& region, int width, int height,
+                 const SbVec2s& tile);
+    TileRenderer(const TileRenderer&) = delete;
+    TileRenderer& operator=(const TileRenderer&) = delete;
+
+    /// Renders the tile whose first sample has `left` samples to its left and `below` below
+    /// it; both may be outside the picture. False if that failed.
+    bool render(int left, int below, const Colour& background);
+
+    /// Rows upwards of three bytes per sample: red, green and blue.
+    const unsigned char* getSamples() const;
+
+private:
+    static SoGLRenderAction::AbortCode beforeNode(void* renderer);
+    void narrow(SoCamera& camera) const;
+
+    SoNode* const graph;
+    const SbViewportRegion region;
+    const int width;
+    const int height;
+    const bool narrowing; // the whole picture is no tile
+    SoOffscreenRenderer renderer;
+
+    int left = 0;
+    int below = 0;
+    SoCamera* lastCamera = nullptr; // traversed, and not yet narrowed
+    bool asked = false;             // by Coin: it does not where it takes the tile to pieces itself
+};
+
+} // namespace strandview
+
+#endif

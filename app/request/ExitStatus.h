@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_APP_REQUEST_EXITSTATUS_H
+#define STRANDVIEW_APP_REQUEST_EXITSTATUS_H
+
+namespace strandview {
+
+/// What the program ends with.
+enum ExitStatus {
+    SUCCESS = 0,
+    CANNOT_WRITE = 1, ///< an output, or there is no display to show a window on
+    BAD_INPUT = 2     ///< of the command line, or in a file
+};
+
+} // namespace strandview
+
+#endif

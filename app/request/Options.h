@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_APP_REQUEST_OPTIONS_H
+#define STRANDVIEW_APP_REQUEST_OPTIONS_H
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "request/CameraRequest.h"
+#include "request/Colour.h"
+
+namespace strandview {
+
+/// What is shown of a DNA, and the unit of its points.
+struct DnaLook
+{
+    bool atoms = true;
+    bool baseBoxes = false;
+    bool pairBoxes = false;
+    double angstrom = 1; ///< of them in the data's unit
+};
+
+/// What the command line asks for. What is not given is chosen from the data.
+struct Options
+{
+    std::vector<std::string> files;
+    std::vector<std::string> given; ///< every option of the command line, such as "--radius"
+    bool normalise = false;
+
+    /// The picture to write; without one a window opens.
+    std::optional<std::string> picture;
+    int pictureWidth = 1200;
+    int pictureHeight = 900;
+    int samples = 3;          ///< the picture is rendered this many times wider and higher
+    bool transparent = false; ///< no background in the picture
+
+    /// The window, its size in pixels remembered from the last time unless given.
+    std::optional<std::pair<int, int>> windowSize;
+    /// A picture to take of the window, after so many seconds; then the program ends.
+    std::optional<std::string> windowPicture;
+    double windowPictureAfter = 0;
+
+    CameraRequest camera;
+    bool printCamera = false; ///< to standard output, at the end
+
+    // Lengths in the data's unit.
+    std::optional<double> radius;
+    std::optional<double> ribbonWidth;
+    std::optional<int> slices;
+    std::optional<int> subsegments;
+    bool showTube = true;
+    std::optional<bool> showRibbon;
+    bool twoSidedRibbon = false;
+
+    DnaLook dna;
+
+    std::optional<Colour> tubeColour;
+    std::optional<Colour> ribbonColour;
+    Colour background{1, 1, 1};
+
+    /// The scalar that colours tubes and ribbons; without one they have colours of their own.
+    std::optional<std::string> colourBy;
+    bool colourIfPossible = false; ///< what has no such scalar is shown all the same, with a notice
+    std::optional<double> rangeMin;
+    std::optional<double> rangeMax;
+    std::vector<Colour> ramp; ///< the mapper's own if empty
+};
+
+} // namespace strandview
+
+#endif

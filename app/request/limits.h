@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_APP_REQUEST_LIMITS_H
+#define STRANDVIEW_APP_REQUEST_LIMITS_H
+
+#include <algorithm>
+#include <cmath>
+
+namespace strandview {
+
+/// Of a picture: Coin holds its sides in 16 bits, and Qt its bytes in 31.
+constexpr int LARGEST_PICTURE_SIDE = 32767;
+constexpr int LARGEST_PIXEL_COUNT = 700'000'000;
+
+/// The largest magnitude of a limit of a range that can be given ticks.
+constexpr double LARGEST_LIMIT = 1e307;
+
+/// Whether double precision tells enough values between two limits apart to number them:
+/// max lies above min by at least 1e-300 and a 1e-12th of the larger magnitude, and no
+/// magnitude is above LARGEST_LIMIT.
+inline bool isRange(double min, double max)
+{
+    const double magnitude = std::max(std::abs(min), std::abs(max));
+    return magnitude <= LARGEST_LIMIT && max - min >= 1e-300 && max - min >= 1e-12 * magnitude;
+}
+
+} // namespace strandview
+
+#endif

@@ -1,0 +1,349 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "scene/Colouring.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include <Inventor/nodes/SoMaterial.h>
+#include <SoGeneralScene.h>
+
+#include <strandview/analysis/scalars.h>
+#include <strandview/formats/text/wording.h>
+
+#include "request/limits.h"
+#include "scene/Ticks.h"
+
+namespace strandview {
+
+namespace {
+
+using Values = std::vector<double>;
+
+const double NONE = std::numeric_limits<double>::quiet_NaN();
+
+// The names of all scalars, those of files first.
+std::string availableScalars(const std::vector<Rod>& rods)
+{
+    std::vector<std::string> names;
+    const auto add = [&names](const std::string& name) {
+        if (std::find(names.begin(), names.end(), name) == names.end())
+            names.push_back(name);
+    };
+    for (const Rod& rod : rods) {
+        for (const Scalar& scalar : rod.scalars)
+            add(scalar.name);
+    }
+    for (const std::string& name : builtInScalars())
+        add(name);
+    std::string text;
+    for (const std::string& name : names)
+        text += (text.empty() ? "" : ", ") + name;
+    return text;
+}
+
+// The least and the greatest of some numbers; infinite, the other way round, if there are none.
+struct Limits
+{
+    double min = std::numeric_limits<double>::infinity();
+    double max = -std::numeric_limits<double>::infinity();
+
+    void include(double value)
+    {
+        min = std::min(min, value);
+        max = std::max(max, value);
+    }
+    bool isEmpty() const { return !(min <= max); }
+    double magnitude() const { return std::max(std::abs(min), std::abs(max)); }
+};
+
+// What is known of all values together.
+struct Summary
+{
+    Limits values;
+    // Every number that is off from each value by at most its rounding is between these.
+    double agreedMin = -std::numeric_limits<double>::infinity();
+    double agreedMax = std::numeric_limits<double>::infinity();
+    bool isRounding = true; ///< no value is more than the rounding of 0
+    std::size_t missing = 0;
+
+    void include(double value, double rounding)
+    {
+        if (!std::isfinite(value)) {
+            ++missing;
+            return;
+        }
+        values.include(value);
+        agreedMin = std::max(agreedMin, value - rounding);
+        agreedMax = std::min(agreedMax, value + rounding);
+        isRounding = isRounding && std::abs(value) <= rounding;
+    }
+
+    bool isConstant() const
+    {
+        return agreedMin - agreedMax <= std::max(1e-9 * values.magnitude(), 1e-300);
+    }
+
+    // The number of a constant, with the digits that rounding leaves of it.
+    std::string constantText() const
+    {
+        if (isRounding)
+            return "0";
+        const int mostDigits = 9;
+        const double number = agreedMin / 2 + agreedMax / 2;
+        const double doubt = std::abs(agreedMax - agreedMin) / 2;
+        const double digits = std::floor(std::log10(std::abs(number) / doubt));
+        return numberText(number, digits > 1 ? int(std::min<double>(digits, mostDigits)) : 1);
+    }
+};
+
+std::string optionText(const Options& options)
+{
+    return "--colour-by " + onOneLine(*options.colourBy);
+}
+
+// One line if the limits, of which one at most is given, are none; or nothing.
+std::string checkLimits(const Options& options, const Limits& limits, const Limits& values)
+{
+    if (isRange(limits.min, limits.max))
+        return "";
+    if (values.magnitude() > LARGEST_LIMIT)
+        return optionText(options) + ": found values from " + formatted(values.min) + " to " +
+               formatted(values.max) + ", expected magnitudes up to " + formatted(LARGEST_LIMIT) +
+               ", or --range";
+    const std::string found =
+        "--range: found '" + (options.rangeMin ? formatted(limits.min) + ":" : "") +
+        (options.rangeMax ? ":" + formatted(limits.max) : "") + "', expected ";
+    if (limits.magnitude() > LARGEST_LIMIT)
+        return found + "a magnitude up to " + formatted(LARGEST_LIMIT);
+    const std::string ofValues = " value of " + inQuotes(*options.colourBy);
+    if (options.rangeMin)
+        return found + "MIN below " + formatted(values.max) + ", the largest" + ofValues;
+    return found + "MAX above " + formatted(values.min) + ", the smallest" + ofValues;
+}
+
+// Those that colours of data replace. Of hidden tubes and ribbons it is told elsewhere.
+void noteIgnoredColours(const Options& options, const Configuration& configuration,
+                        const Colouring& colouring, ReadReport& report)
+{
+    const bool allColoured = configuration.birods.empty() &&
+                             std::none_of(colouring.places.begin(), colouring.places.end(),
+                                          [](const Values& places) { return places.empty(); });
+    if (!allColoured)
+        return;
+    std::string ignored;
+    if (options.tubeColour && options.showTube)
+        ignored = "--tube-colour";
+    if (options.ribbonColour && options.showRibbon.value_or(true))
+        ignored += (ignored.empty() ? "" : " and ") + std::string("--ribbon-colour");
+    if (!ignored.empty())
+        report.notices.push_back(optionText(options) + ": leaves " + ignored + " without effect");
+}
+
+void note(const Options& options, const Colouring& colouring, const Summary& summary,
+          ReadReport& report)
+{
+    const auto tell = [&](const std::string& text) {
+        report.notices.push_back(optionText(options) + ": " + text);
+    };
+    if (!colouring.constant.empty())
+        tell("found " + colouring.constant + " everywhere, shown as one colour");
+    if (summary.missing > 0)
+        tell("found " + counted(summary.missing, "value") + " that " +
+             (summary.missing == 1 ? "is" : "are") + " no number, shown in grey");
+    const std::size_t without =
+        std::size_t(std::count_if(colouring.places.begin(), colouring.places.end(),
+                                  [](const Values& places) { return places.empty(); }));
+    if (without > 0)
+        tell("found " + counted(without, "rod") + " of " + std::to_string(colouring.places.size()) +
+             " without it, shown in " + (without == 1 ? "its own colours" : "their own colours"));
+}
+
+ColourMapper makeRamp(const Options& options)
+{
+    ColourMapper ramp(0, 1);
+    if (!options.ramp.empty()) {
+        std::vector<ColourMapper::Colour> colours;
+        for (const Colour& colour : options.ramp)
+            colours.emplace_back(double(colour.red), double(colour.green), double(colour.blue));
+        ramp.setColours(colours);
+    }
+    return ramp;
+}
+
+// A value's place on the ramp, and not so far beyond its ends that a spline through it
+// would overflow.
+double placeOf(double value, const Limits& limits)
+{
+    if (!std::isfinite(value))
+        return NONE;
+    const double farAway = 1e6;
+    return std::clamp((value - limits.min) / (limits.max - limits.min), -farAway, farAway);
+}
+
+// Values become places.
+void place(Colouring& colouring, const Limits& limits)
+{
+    colouring.min = limits.min;
+    colouring.max = limits.max;
+    for (Values& rod : colouring.places) {
+        for (double& value : rod) {
+            value = placeOf(value, limits);
+            colouring.isBelow = colouring.isBelow || value < 0;
+            colouring.isAbove = colouring.isAbove || value > 1;
+        }
+    }
+}
+
+// All are in the middle of the ramp.
+void placeConstant(Colouring& colouring, const Summary& summary)
+{
+    colouring.constant = summary.constantText();
+    for (Values& rod : colouring.places) {
+        for (double& value : rod)
+            value = std::isfinite(value) ? 0.5 : NONE;
+    }
+}
+
+} // namespace
+
+std::optional<Colouring> makeColouring(const Options& options, const Configuration& configuration,
+                                       ReadReport& report)
+{
+    if (configuration.rods.empty()) {
+        report.error = "--colour-by: found no rod to colour, expected one";
+        return std::nullopt;
+    }
+    Colouring colouring;
+    colouring.name = *options.colourBy;
+    colouring.ramp = makeRamp(options);
+    Summary summary;
+    bool found = false;
+    for (const Rod& rod : configuration.rods) {
+        const std::optional<Values> values = findScalar(rod, colouring.name);
+        colouring.places.push_back(values.value_or(Values()));
+        if (!values)
+            continue;
+        found = true;
+        const Values rounding = roundingOf(rod, colouring.name);
+        for (std::size_t i = 0; i < values->size(); ++i)
+            summary.include((*values)[i], rounding[i]);
+    }
+    if (!found) {
+        report.error = configuration.rods.front().origin + ": found no scalar " +
+                       inQuotes(colouring.name) + ", expected one of " +
+                       availableScalars(configuration.rods);
+        return std::nullopt;
+    }
+    if (summary.values.isEmpty()) {
+        report.error = optionText(options) + ": found no value that is a number, expected one";
+        return std::nullopt;
+    }
+    colouring.isMissing = summary.missing > 0;
+    if (!options.rangeMin && !options.rangeMax && summary.isConstant()) {
+        placeConstant(colouring, summary);
+    } else {
+        const Limits limits{options.rangeMin.value_or(summary.values.min),
+                            options.rangeMax.value_or(summary.values.max)};
+        report.error = checkLimits(options, limits, summary.values);
+        if (!report.error.empty())
+            return std::nullopt;
+        place(colouring, limits);
+    }
+    note(options, colouring, summary, report);
+    noteIgnoredColours(options, configuration, colouring, report);
+    return colouring;
+}
+
+// Rows
+
+namespace {
+
+// The point nearest to each of some ascending arc lengths; of two, the one before.
+std::vector<std::size_t> nearestPoints(const Values& arcLengths, const Values& at)
+{
+    std::vector<std::size_t> nearest;
+    std::size_t point = 0;
+    for (const double s : at) {
+        while (point + 1 < arcLengths.size() &&
+               std::abs(arcLengths[point + 1] - s) < std::abs(arcLengths[point] - s))
+            ++point;
+        nearest.push_back(point);
+    }
+    return nearest;
+}
+
+void setColours(SoMaterial* material, int index, const Colour& colour)
+{
+    const SbColor value(colour.red, colour.green, colour.blue);
+    material->ambientColor.set1Value(index, value);
+    material->diffuseColor.set1Value(index, value);
+}
+
+// Between two places, and at their own beyond them.
+Values straight(double from, double fromPlace, double to, double toPlace, const Values& at)
+{
+    Values places;
+    for (const double s : at) {
+        const double t = std::clamp((s - from) / (to - from), 0.0, 1.0);
+        places.push_back(fromPlace + (toPlace - fromPlace) * t);
+    }
+    return places;
+}
+
+// Points `first` to `last`, all with a place; `at` lies between them.
+void colourRun(ColourMapper& ramp, const Values& arcLengths, const Values& places,
+               std::size_t first, std::size_t last, const Values& at, int offset,
+               SoMaterial* material)
+{
+    if (last - first < 2 || at.size() < 3) {
+        // Of three points or more, the two around the rows.
+        while (last - first > 1 && arcLengths[first + 1] <= at.front())
+            ++first;
+        while (last - first > 1 && arcLengths[last - 1] >= at.back())
+            --last;
+        SoGeneralScene::generateMaterial(
+            &ramp, material, offset,
+            straight(arcLengths[first], places[first], arcLengths[last], places[last], at));
+        return;
+    }
+    const auto part = [=](const Values& all) {
+        return Values(all.begin() + std::ptrdiff_t(first), all.begin() + std::ptrdiff_t(last) + 1);
+    };
+    SoGeneralScene::interpolateMaterial(&ramp, material, offset, part(arcLengths), part(places),
+                                        at);
+}
+
+} // namespace
+
+void colourRows(const ColourMapper& ramp, const Values& arcLengths, const Values& places,
+                const Values& at, int offset, SoMaterial* material)
+{
+    ColourMapper mapper = ramp;
+    const std::vector<std::size_t> nearest = nearestPoints(arcLengths, at);
+    Values steps;
+    for (const std::size_t point : nearest)
+        steps.push_back(places[point]);
+    SoGeneralScene::generateMaterial(&mapper, material, offset, steps);
+    for (std::size_t row = 0; row < at.size(); ++row) {
+        if (std::isnan(steps[row]))
+            setColours(material, offset + int(row), NO_VALUE_COLOUR);
+    }
+
+    // Smooth between neighbours that all have places.
+    for (std::size_t first = 0; first < places.size(); ++first) {
+        if (std::isnan(places[first]))
+            continue;
+        std::size_t last = first;
+        while (last + 1 < places.size() && !std::isnan(places[last + 1]))
+            ++last;
+        const auto from = std::lower_bound(at.begin(), at.end(), arcLengths[first]);
+        const auto to = std::upper_bound(from, at.end(), arcLengths[last]);
+        if (last > first && from != to) {
+            colourRun(mapper, arcLengths, places, first, last, Values(from, to),
+                      offset + int(from - at.begin()), material);
+        }
+        first = last;
+    }
+}
+
+} // namespace strandview

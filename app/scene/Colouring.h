@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_APP_SCENE_COLOURING_H
+#define STRANDVIEW_APP_SCENE_COLOURING_H
+
+#include <limits>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <ColourMapper.h>
+
+#include <strandview/formats/ReadReport.h>
+#include <strandview/model/Configuration.h>
+
+#include "request/Colour.h"
+#include "request/Options.h"
+
+class SoMaterial;
+
+namespace strandview {
+
+/// Of points whose value is no number; seen on white and on black.
+constexpr Colour NO_VALUE_COLOUR{0.5f, 0.5f, 0.5f};
+
+/// A scalar shown as colours: its name, the ramp and the values at its ends, and where on it
+/// every point of each rod is.
+struct Colouring
+{
+    std::string name;
+    ColourMapper ramp; ///< from 0 to 1
+    double min = 0;    ///< the value at the ramp's 0
+    double max = 1;    ///< and at its 1
+
+    /// The number of a scalar that has only one, in words; all points are at 0.5 then.
+    std::string constant;
+
+    /// Per point of each rod: below 0 or above 1 if the value lies beyond the ends, and
+    /// not-a-number if it is no number. Empty for a rod without the scalar.
+    std::vector<std::vector<double>> places;
+
+    // What there is among the places.
+    bool isBelow = false;
+    bool isAbove = false;
+    bool isMissing = false; ///< a value is no number
+};
+
+/// The colouring that the options ask for by name. Its limits are those of all values unless
+/// given. Values that differ by less than a 1e-9th of the largest, or by what the rounding of
+/// points and frames may cause, are a constant. A notice tells this, how many rods have no
+/// such scalar, how many values are no numbers, and which options have no effect. Nothing, and
+/// one line in report.error, if no rod has the scalar, none of its values is a number, or the
+/// limits leave no room between them.
+std::optional<Colouring> makeColouring(const Options& options, const Configuration& configuration,
+                                       ReadReport& report);
+
+/// Appends to the material's ambient and diffuse colours, from entry `offset` on, one for each
+/// of the arc lengths `at`, along a curve whose points have these ascending arc lengths and
+/// places: smooth through the places, straight where they are two, and grey nearer to a
+/// point without a place than to one with.
+void colourRows(const ColourMapper& ramp, const std::vector<double>& arcLengths,
+                const std::vector<double>& places, const std::vector<double>& at, int offset,
+                SoMaterial* material);
+
+} // namespace strandview
+
+#endif

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_APP_SCENE_LEGEND_H
+#define STRANDVIEW_APP_SCENE_LEGEND_H
+
+#include <string>
+#include <vector>
+
+#include "request/Colour.h"
+
+class SoNode;
+
+namespace strandview {
+
+struct Colouring;
+
+/// Of letters, in the legend's own view: what is read easily in a window or a large picture.
+constexpr float LEGEND_TEXT_SIZE = 0.05f;
+/// For which there is room.
+constexpr float LARGEST_LEGEND_TEXT_SIZE = 0.1f;
+
+/// The part of a view's height, at its bottom, that a legend takes.
+constexpr float LEGEND_HEIGHT = 0.16f;
+
+/// A line of a legend's text: its middle, and its width.
+struct LegendText
+{
+    std::string text;
+    float x, y;
+    float width;
+};
+
+/// The texts of a legend, none over another, in its own view, which is 2 high and 2 wide or
+/// more; y is -1 at its bottom and x is 0 in the middle: the name, what makes the numbers values if
+/// anything does, and the numbers, as many as there is room for.
+std::vector<LegendText> layOutLegend(const Colouring& colouring, float textSize);
+
+/// A framed bar with the ramp, ticks with their numbers, and the scalar's name, at the bottom of
+/// whatever view it is drawn in. Triangles at its ends show that values lie beyond them, a grey
+/// patch beside it that some are no numbers. A constant has one colour and one number. The
+/// text is black or white, as is read on the background.
+SoNode* makeLegend(const Colouring& colouring, const Colour& background, float textSize);
+
+/// Gives a legend's text the colour that is read on another background.
+void setLegendBackground(SoNode& legend, const Colour& background);
+
+} // namespace strandview
+
+#endif

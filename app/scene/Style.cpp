@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "scene/Style.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+
+#include <strandview/formats/text/wording.h>
+#include <strandview/model/Extent.h>
+
+#include "scene/Legend.h"
+
+namespace strandview {
+
+namespace {
+
+const Colour RIBBON_COLOUR{0.93f, 0.60f, 0.10f};
+
+// Of a single point, as good as any.
+double diagonal(const Extent& extent)
+{
+    const double length = extent.sides.getNorm();
+    return length > 0 ? length : 1;
+}
+
+// A rod of length L that fills a volume V evenly has neighbours at about sqrt(V / L).
+// Flat sides count as a fiftieth of the longest one, so that planar rods have a volume.
+// What is hardly longer than its box has no neighbours.
+double automaticRadius(const Extent& extent)
+{
+    const double longest = std::max({extent.sides.x, extent.sides.y, extent.sides.z});
+    const double thin = diagonal(extent) / 80;
+    if (extent.length < 1.5 * extent.sides.getNorm())
+        return thin;
+    double volume = 1;
+    for (int axis = 0; axis < 3; ++axis)
+        volume *= std::max(extent.sides[axis], longest / 50);
+    return std::min(thin, std::sqrt(volume / extent.length) / 5);
+}
+
+// In a small picture larger than elsewhere, as far as there is room. The shorter side is 2.
+float automaticTextSize(const Options& options)
+{
+    const int readable = 11; // pixels
+    if (!options.picture)
+        return LEGEND_TEXT_SIZE;
+    return std::clamp(2 * float(readable) /
+                          float(std::min(options.pictureWidth, options.pictureHeight)),
+                      LEGEND_TEXT_SIZE, LARGEST_LEGEND_TEXT_SIZE);
+}
+
+int automaticSubsegments(const Extent& extent)
+{
+    const long long rows = 6000;
+    return int(std::clamp(rows / std::max(extent.segments, 1LL), 1LL, 32LL));
+}
+
+// At least 10, so that a tube looks round; of very many rows, which are no longer than a
+// pixel or two when all of them are seen, at least 6.
+int automaticSlices(const Extent& extent, int subsegments)
+{
+    const long long vertices = 400000, mostRoundVertices = 2500000;
+    const long long rows = std::max(extent.segments * subsegments, 1LL);
+    const long long fewest = std::clamp(mostRoundVertices / rows, 6LL, 10LL);
+    return int(std::clamp(vertices / rows, fewest, 32LL));
+}
+
+// Of a limit, three digits.
+std::string readable(double value)
+{
+    char text[32];
+    std::snprintf(text, sizeof text, "%.3g", value);
+    return text;
+}
+
+// Refuses a length that cannot be seen beside the data, or beside which they cannot be seen,
+// before the formulas and single precision do so less clearly.
+std::string checkLength(const std::string& option, const std::optional<double>& length,
+                        const Extent& extent)
+{
+    const double size = extent.sides.getNorm();
+    const double least = 1e-6 * size, most = 1e6 * size;
+    if (!length || extent.segments == 0 || (*length >= least && *length <= most))
+        return "";
+    return option + ": found " + formatted(*length) + ", expected " + readable(least) + " to " +
+           readable(most) + ", a millionth to a million times the size of the data";
+}
+
+} // namespace
+
+bool asksForRibbon(const Options& options)
+{
+    return options.showRibbon.value_or(options.ribbonWidth || options.ribbonColour ||
+                                       options.twoSidedRibbon);
+}
+
+Style makeStyle(const Options& options, const Configuration& configuration)
+{
+    const Extent extent = measure(configuration);
+    Style style;
+    style.radius = options.radius ? *options.radius : automaticRadius(extent);
+    style.ribbonWidth =
+        options.ribbonWidth.value_or((options.twoSidedRibbon ? 6 : 3) * style.radius);
+    style.subsegments = options.subsegments.value_or(automaticSubsegments(extent));
+    style.slices = options.slices.value_or(automaticSlices(extent, style.subsegments));
+    style.showTube = options.showTube;
+    style.showRibbon = options.showRibbon.value_or(true);
+    style.showMadeFrames = asksForRibbon(options);
+    style.twoSidedRibbon = options.twoSidedRibbon;
+    style.tubeColour = options.tubeColour;
+    style.ribbonColour = options.ribbonColour.value_or(RIBBON_COLOUR);
+    style.background = options.background;
+    style.legendTextSize = automaticTextSize(options);
+    style.glyphSize = configuration.rods.empty() ? diagonal(extent) / 30 : 4 * style.radius;
+    style.dna = options.dna;
+    return style;
+}
+
+std::string checkLengths(const Options& options, const Configuration& configuration)
+{
+    const Extent extent = measure(configuration);
+    const std::string fault = checkLength("--radius", options.radius, extent);
+    return fault.empty() ? checkLength("--ribbon-width", options.ribbonWidth, extent) : fault;
+}
+
+} // namespace strandview

@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_APP_SCENE_STYLE_H
+#define STRANDVIEW_APP_SCENE_STYLE_H
+
+#include <optional>
+#include <string>
+
+#include <strandview/model/Configuration.h>
+
+#include "request/Colour.h"
+#include "request/Options.h"
+
+namespace strandview {
+
+/// How everything is drawn. Lengths are in the data's unit.
+struct Style
+{
+    double radius;
+    double ribbonWidth;
+    int slices;
+    int subsegments;
+    bool showTube;
+    bool showRibbon;
+    bool showMadeFrames; ///< a ribbon of rods without frames of their own, too
+    bool twoSidedRibbon;
+    std::optional<Colour> tubeColour; ///< of all rods; otherwise a colour each
+    Colour ribbonColour;
+    Colour background;
+    float legendTextSize; ///< in the legend's own view
+
+    double glyphSize; ///< of markers and frames that have none of their own
+    DnaLook dna;
+};
+
+/// Whether the options ask for a ribbon, or say how it is to look.
+bool asksForRibbon(const Options& options);
+
+/// The style that the options ask for; what they leave open follows from the data.
+///
+/// The radius is a small fraction of the whole scene, smaller where the rods fill
+/// their box densely: most neighbouring turns then stay apart. Rods of few points get
+/// many rows per segment, long ones few rows and slices, so that the number of
+/// vertices stays within what a window redraws smoothly.
+Style makeStyle(const Options& options, const Configuration& configuration);
+
+/// One line about a length of the options that cannot be drawn beside these data, or
+/// nothing.
+std::string checkLengths(const Options& options, const Configuration& configuration);
+
+} // namespace strandview
+
+#endif

@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "scene/Told.h"
+
+namespace strandview {
+
+Told toldOf(const std::string& notice, const std::vector<std::string>& files)
+{
+    for (const std::string& file : files) {
+        const std::string start = file + ": ";
+        if (notice.compare(0, start.size(), start) == 0)
+            return {notice.substr(start.size()), file};
+    }
+    return {notice, ""};
+}
+
+std::string toLine(const Told& told)
+{
+    return told.name.empty() ? told.what : told.what + " – " + told.name;
+}
+
+} // namespace strandview

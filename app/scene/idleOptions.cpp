@@ -1,0 +1,101 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "scene/idleOptions.h"
+
+#include <algorithm>
+
+#include "scene/Style.h"
+
+namespace strandview {
+
+namespace {
+
+// What the options act on.
+struct Shown
+{
+    Shown(const Options& options, const Configuration& data)
+        : dna(!data.dnas.empty()),
+          rods(!data.rods.empty() || !data.birods.empty()),
+          tubes(rods && options.showTube),
+          ribbons(rods && options.showRibbon.value_or(true)),
+          frames(dna || !data.birods.empty() || !data.frames.empty() || haveFrames(data.rods)),
+          background(!options.transparent || options.colourBy)
+    {}
+
+    static bool haveFrames(const std::vector<Rod>& rods)
+    {
+        return std::any_of(rods.begin(), rods.end(), [](const Rod& rod) { return rod.hasFrames; });
+    }
+
+    bool dna, rods, tubes, ribbons, frames;
+    bool background; ///< the legend is drawn in a colour that suits it
+};
+
+struct Rule
+{
+    const char* option;
+    bool Shown::*needed;
+    const char* reason;
+};
+
+// The first rule that an option breaks is told.
+const Rule RULES[] = {{"--dna", &Shown::dna, "found no DNA"},
+                      {"--dna-unit", &Shown::dna, "found no DNA"},
+                      {"--radius", &Shown::rods, "found no rods"},
+                      {"--subsegments", &Shown::rods, "found no rods"},
+                      {"--tube", &Shown::rods, "found no rods"},
+                      {"--slices", &Shown::rods, "found no rods"},
+                      {"--slices", &Shown::tubes, "--no-tube hides the tubes"},
+                      {"--tube-colour", &Shown::rods, "found no rods"},
+                      {"--tube-colour", &Shown::tubes, "--no-tube hides the tubes"},
+                      {"--ribbon", &Shown::rods, "found no rods"},
+                      {"--ribbon-width", &Shown::rods, "found no rods"},
+                      {"--ribbon-width", &Shown::ribbons, "--no-ribbon hides the ribbons"},
+                      {"--ribbon-colour", &Shown::rods, "found no rods"},
+                      {"--ribbon-colour", &Shown::ribbons, "--no-ribbon hides the ribbons"},
+                      {"--two-sided", &Shown::rods, "found no rods"},
+                      {"--two-sided", &Shown::ribbons, "--no-ribbon hides the ribbons"},
+                      {"--normalise", &Shown::frames, "found no frames"},
+                      {"--background", &Shown::background, "--transparent leaves it out"}};
+
+// As it stands on the command line.
+std::string written(const std::string& option, const Options& options)
+{
+    if (option == "--tube" && !options.showTube)
+        return "--no-tube";
+    return option == "--ribbon" && !options.showRibbon.value_or(true) ? "--no-ribbon" : option;
+}
+
+// Rods of which neither tube nor ribbon is shown.
+std::string hiddenRods(const Options& options, const Configuration& data)
+{
+    if (options.showTube || (data.rods.empty() && data.birods.empty()))
+        return "";
+    if (!options.showRibbon.value_or(true))
+        return "--no-tube --no-ribbon: nothing of the rods is left to see";
+    const auto bare = std::count_if(data.rods.begin(), data.rods.end(),
+                                    [](const Rod& rod) { return !rod.hasFrames; });
+    return bare == 0 || asksForRibbon(options) ? ""
+                                               : "--no-tube: nothing is left to see of rods "
+                                                 "without frames; --ribbon shows a ribbon";
+}
+
+} // namespace
+
+std::vector<std::string> findIdleOptions(const Options& options, const Configuration& configuration)
+{
+    const Shown shown(options, configuration);
+    std::vector<std::string> lines;
+    for (const std::string& option : options.given) {
+        const auto broken = std::find_if(std::begin(RULES), std::end(RULES), [&](const Rule& rule) {
+            return option == rule.option && !(shown.*rule.needed);
+        });
+        if (broken != std::end(RULES))
+            lines.push_back(written(option, options) + " has no effect: " + broken->reason);
+    }
+    const std::string hidden = hiddenRods(options, configuration);
+    if (!hidden.empty())
+        lines.push_back(hidden);
+    return lines;
+}
+
+} // namespace strandview

@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_APP_SCENE_IDLEOPTIONS_H
+#define STRANDVIEW_APP_SCENE_IDLEOPTIONS_H
+
+#include <string>
+#include <vector>
+
+#include <strandview/model/Configuration.h>
+
+#include "request/Options.h"
+
+namespace strandview {
+
+/// A line for each option on the command line that changes nothing about these data, such
+/// as "--dna has no effect: found no DNA"; and one if nothing of the rods is left to see.
+std::vector<std::string> findIdleOptions(const Options& options,
+                                         const Configuration& configuration);
+
+} // namespace strandview
+
+#endif

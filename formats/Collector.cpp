@@ -1,0 +1,209 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <strandview/formats/Collector.h>
+
+#include <algorithm>
+#include <utility>
+
+#include <algebra3d/Matrix3.h>
+
+#include <strandview/analysis/elements.h>
+#include <strandview/analysis/parallelTransport.h>
+#include <strandview/formats/checks.h>
+#include <strandview/formats/text/wording.h>
+#include <strandview/model/points.h>
+
+namespace strandview {
+
+namespace {
+
+using Vector = algebra3d::Vector3<double>;
+using Points = std::vector<Vector>;
+using Rotations = std::vector<algebra3d::Quaternion<double>>;
+
+/// A frame follows its rod if d3 is within 60 degrees of the points' direction, on
+/// average. Sheared rods do; quaternions that are meant in another way do not.
+constexpr double smallestMeanTangency = 0.5;
+
+using Indices = std::vector<std::size_t>;
+
+/// Of points of some curves, all of one length: the indices of those that are in no
+/// curve at the place of the one before. Of a single curve they are two if any two were
+/// distinct, since the far end of an edge of mean length or more is one of them.
+Indices distinctPoints(const std::vector<const Points*>& curves)
+{
+    std::vector<double> nearest;
+    for (const Points* points : curves)
+        nearest.push_back(smallestEdge(*points));
+    const auto areApart = [&](std::size_t i, std::size_t j) {
+        for (std::size_t c = 0; c < curves.size(); ++c) {
+            const Vector &a = (*curves[c])[i], &b = (*curves[c])[j];
+            if (areCoincident(a, b) || (b - a).getNorm() < nearest[c])
+                return false;
+        }
+        return true;
+    };
+    Indices kept;
+    for (std::size_t i = 0; i < curves.front()->size(); ++i)
+        if (kept.empty() || areApart(kept.back(), i))
+            kept.push_back(i);
+    return kept;
+}
+
+/// Moves what is kept to the front and cuts off the rest.
+template <typename T>
+void keep(std::vector<T>& values, const Indices& kept)
+{
+    for (std::size_t i = 0; i < kept.size(); ++i)
+        values[i] = values[kept[i]];
+    values.resize(kept.size());
+}
+
+/// Whether d3 is the direction to the next point, by and large. Points in one place have
+/// none.
+bool followsPoints(const Rotations& rotations, const Points& points)
+{
+    double sum = 0;
+    std::size_t edges = 0;
+    for (std::size_t i = 0; i + 1 < points.size(); ++i) {
+        if (areCoincident(points[i], points[i + 1]))
+            continue;
+        const auto d3 = algebra3d::Matrix3<double>(rotations[i]).getColumn(2);
+        sum += d3.dot((points[i + 1] - points[i]).getUnit());
+        ++edges;
+    }
+    return sum >= smallestMeanTangency * double(edges);
+}
+
+/// Whether all points are one to the last bit.
+bool areEqual(const Points& points)
+{
+    return std::all_of(points.begin(), points.end(), [&](const Vector& point) {
+        const Vector& first = points.front();
+        return point.x == first.x && point.y == first.y && point.z == first.z;
+    });
+}
+
+constexpr char foundTooNear[] =
+    "found points nearer than 1.5e-154 to one another, expected a unit in which they are apart";
+
+/// Makes values of elements, one fewer than the points, values of the points; whether
+/// they were.
+bool takeToPoints(Rotations& rotations, const Points& points)
+{
+    const bool areOfElements = points.size() >= 2 && rotations.size() + 1 == points.size();
+    if (areOfElements)
+        rotations = rotationsAtPoints(rotations, isClosed(points));
+    return areOfElements;
+}
+bool takeToPoints(std::vector<double>& values, const Points& points)
+{
+    const bool areOfElements = points.size() >= 2 && values.size() + 1 == points.size();
+    if (areOfElements)
+        values = valuesAtPoints(values, isClosed(points));
+    return areOfElements;
+}
+
+bool isEmpty(const Configuration& configuration)
+{
+    return configuration.rods.empty() && configuration.birods.empty() &&
+           configuration.dnas.empty() && configuration.markers.empty() &&
+           configuration.frames.empty() && configuration.arrows.empty();
+}
+
+} // namespace
+
+std::string Collector::add(Rod rod)
+{
+    bool hasElements = takeToPoints(rod.rotations, rod.points);
+    for (Scalar& scalar : rod.scalars)
+        hasElements = takeToPoints(scalar.values, rod.points) || hasElements;
+    const Indices kept = distinctPoints({&rod.points});
+    if (kept.size() < 2)
+        return areEqual(rod.points) ? "found " + counted(kept.size(), "distinct point") +
+                                          ", expected at least 2 in a rod"
+                                    : foundTooNear;
+    rodsOfElements += hasElements;
+    mergedPoints += rod.points.size() - kept.size();
+    if (kept.size() < rod.points.size())
+        rod.indices = kept;
+    keep(rod.points, kept);
+    if (!rod.lines.empty())
+        keep(rod.lines, kept);
+    for (Scalar& scalar : rod.scalars)
+        keep(scalar.values, kept);
+    if (rod.rotations.empty()) {
+        rod.rotations = parallelTransport(rod.points);
+        rod.hasFrames = false;
+        ++transportedRods;
+    } else {
+        keep(rod.rotations, kept);
+        strayingRods += !followsPoints(rod.rotations, rod.points);
+    }
+    configuration.rods.push_back(std::move(rod));
+    return {};
+}
+
+std::string Collector::add(Birod birod)
+{
+    bool hasElements = takeToPoints(birod.rotations, birod.points);
+    hasElements = takeToPoints(birod.rotations1, birod.points1) || hasElements;
+    hasElements = takeToPoints(birod.rotations2, birod.points2) || hasElements;
+    const Indices kept = distinctPoints({&birod.points, &birod.points1, &birod.points2});
+    if (kept.size() < 2)
+        return "found " + counted(kept.size(), "point") +
+               " distinct in the average and in both strands, expected at least 2 in a birod";
+    birodsOfElements += hasElements;
+    mergedPoints += birod.points.size() - kept.size();
+    if (kept.size() < birod.points.size())
+        birod.indices = kept;
+    for (Points* points : {&birod.points, &birod.points1, &birod.points2})
+        keep(*points, kept);
+    for (Rotations* rotations : {&birod.rotations, &birod.rotations1, &birod.rotations2})
+        keep(*rotations, kept);
+    strayingBirods += !followsPoints(birod.rotations, birod.points);
+    configuration.birods.push_back(std::move(birod));
+    return {};
+}
+
+std::string Collector::add(Dna dna)
+{
+    if (dna.bases.empty())
+        return "found 0 bases, expected at least 1";
+    strayingDnas += !followsPoints(dna.pairRotations, dna.pairPoints);
+    configuration.dnas.push_back(std::move(dna));
+    return {};
+}
+
+void Collector::add(Marker marker) { configuration.markers.push_back(std::move(marker)); }
+void Collector::add(Frame frame) { configuration.frames.push_back(std::move(frame)); }
+void Collector::add(Arrow arrow) { configuration.arrows.push_back(std::move(arrow)); }
+
+std::optional<Configuration> Collector::finish(const std::string& fileName, const char* expected,
+                                               ReadReport& report)
+{
+    if (isEmpty(configuration)) {
+        report.error = fileName + ": found nothing to show, expected at least one " + expected;
+        return {};
+    }
+    const auto notice = [&](std::size_t count, const char* noun, const std::string& what) {
+        if (count > 0)
+            report.notices.push_back(fileName + ": " + counted(count, noun) + " " + what);
+    };
+    const auto doesNotFollow = [](const std::string& points) {
+        return "whose d3 does not follow the " + points +
+               ": is d3 the tangent (quaternions: scalar last; directors: d1, d2, d3)?";
+    };
+    notice(transportedRods, "rod",
+           "without frames: made by parallel transport, for a ribbon where one is asked for "
+           "(--ribbon)");
+    const std::string ofElements = "with frames or scalars of elements: taken to the points";
+    notice(rodsOfElements, "rod", ofElements);
+    notice(birodsOfElements, "birod", ofElements);
+    notice(strayingRods, "rod", doesNotFollow("points"));
+    notice(strayingBirods, "birod", doesNotFollow("average's points"));
+    notice(strayingDnas, "DNA", doesNotFollow("pairs"));
+    notice(mergedPoints, "point", "left out, at the same place as the point before");
+    return std::move(configuration);
+}
+
+} // namespace strandview

@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_FORMATS_COLLECTOR_H
+#define STRANDVIEW_FORMATS_COLLECTOR_H
+
+#include <cstddef>
+#include <optional>
+#include <string>
+
+#include <strandview/formats/ReadReport.h>
+#include <strandview/formatsExport.h>
+#include <strandview/model/Configuration.h>
+
+namespace strandview {
+
+/// Completes what one file holds, and counts what it did for the report.
+///
+/// add() takes what has passed checks.h, with its sequences of one length. It answers
+/// "found ..., expected ..." if there are too few points, else nothing.
+class STRANDVIEW_FORMATS_EXPORT Collector
+{
+public:
+    /// The rotations may be missing altogether. They, and each of the scalars, may be one
+    /// fewer than the points: then they belong to the elements between the points, and are
+    /// taken to the points by the rules of elements.h.
+    ///
+    /// A point coincident with the one before it, or nearer to it than smallestEdge(),
+    /// is left out, with its rotation and scalars; at least two must be left. Missing
+    /// rotations come by parallel transport; of given ones a notice tells if d3 does not
+    /// follow the points.
+    std::string add(Rod rod);
+
+    /// Rotations may be of elements, and points are left out, as of a rod: where any of the three
+    /// curves has two in one place, from all of them. A notice tells if the average's d3 does not
+    /// follow it.
+    std::string add(Birod birod);
+
+    /// Leaves out nothing. A notice tells if the pairs' d3 does not follow them.
+    std::string add(Dna dna);
+
+    void add(Marker marker);
+    void add(Frame frame);
+    void add(Arrow arrow);
+
+    /// All of it, and a notice for each thing done; nothing and an error if there is
+    /// nothing to show, with what could have been: "rod or DNA".
+    std::optional<Configuration> finish(const std::string& fileName, const char* expected,
+                                        ReadReport& report);
+
+private:
+    Configuration configuration;
+    std::size_t mergedPoints = 0;
+    std::size_t transportedRods = 0;
+    std::size_t rodsOfElements = 0;
+    std::size_t birodsOfElements = 0;
+    std::size_t strayingRods = 0;
+    std::size_t strayingBirods = 0;
+    std::size_t strayingDnas = 0;
+};
+
+} // namespace strandview
+
+#endif

@@ -1,0 +1,761 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <strandview/formats/JsonReader.h>
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cstddef>
+#include <cstdint>
+#include <iterator>
+#include <limits>
+#include <unordered_set>
+#include <utility>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include <strandview/formats/Collector.h>
+#include <strandview/formats/Milestones.h>
+#include <strandview/formats/checks.h>
+#include <strandview/formats/directors.h>
+#include <strandview/formats/text/wording.h>
+
+namespace strandview {
+
+namespace {
+
+/// Everything that the format has a place for.
+enum class Place {
+    file,
+    version,
+    rods,
+    rod,
+    birods,
+    birod,
+    dnas,
+    dna,
+    sequence,
+    strand,
+    markers,
+    marker,
+    shape,
+    transparency,
+    id,
+    frames,
+    frame,
+    arrows,
+    arrow,
+    length,
+    colour,
+    points,
+    point,
+    quaternions,
+    quaternion,
+    directorsOfAll,
+    directors,
+    director,
+    scalars,
+    values,
+    number
+};
+
+enum class Kind { object, array, number, text };
+
+/// What a place holds.
+struct Rule
+{
+    Kind kind;
+    Place element; ///< of every element; unused but for arrays and the free keys of scalars
+    const char* expected;
+};
+
+constexpr Rule rules[] = {
+    /* file */ {Kind::object, Place::file,
+                "an object with strandview and rods, birods, dna, markers, frames or arrows"},
+    /* version */ {Kind::number, Place::version, "1"},
+    /* rods */ {Kind::array, Place::rod, "an array of rods"},
+    /* rod */ {Kind::object, Place::rod, "an object with points"},
+    /* birods */ {Kind::array, Place::birod, "an array of birods"},
+    /* birod */ {Kind::object, Place::birod, "an object with average, strand1 and strand2"},
+    /* dnas */ {Kind::array, Place::dna, "an array of DNA"},
+    /* dna */ {Kind::object, Place::dna, "an object with sequence, pairs, strand1 and strand2"},
+    /* sequence */ {Kind::text, Place::sequence, "a string of A, C, G and T"},
+    /* strand */ {Kind::object, Place::strand, "an object with points and quaternions"},
+    /* markers */ {Kind::array, Place::marker, "an array of markers"},
+    /* marker */ {Kind::object, Place::marker, "an object with point"},
+    /* shape */ {Kind::text, Place::shape, "sphere, cube or cross"},
+    /* transparency */ {Kind::number, Place::transparency, "a number from 0 to 1"},
+    /* id */ {Kind::number, Place::id, "a whole number from -2^63 to 2^63 - 1"},
+    /* frames */ {Kind::array, Place::frame, "an array of frames"},
+    /* frame */ {Kind::object, Place::frame, "an object with point and quaternion"},
+    /* arrows */ {Kind::array, Place::arrow, "an array of arrows"},
+    /* arrow */ {Kind::object, Place::arrow, "an object with from and to"},
+    /* length */ {Kind::number, Place::length, "a number above 0 and up to 1e18"},
+    /* colour */ {Kind::text, Place::colour, "a colour: #rrggbb or an SVG name"},
+    /* points */ {Kind::array, Place::point, "an array of points"},
+    /* point */ {Kind::array, Place::number, "an array of 3 numbers"},
+    /* quaternions */ {Kind::array, Place::quaternion, "an array of quaternions"},
+    /* quaternion */ {Kind::array, Place::number, "an array of 4 numbers"},
+    /* directorsOfAll */ {Kind::array, Place::directors, "an array of directors"},
+    /* directors */ {Kind::array, Place::director, "an array of d1, d2 and d3"},
+    /* director */ {Kind::array, Place::number, "an array of 3 numbers"},
+    /* scalars */ {Kind::object, Place::values, "an object of arrays of numbers"},
+    /* values */ {Kind::array, Place::number, "an array of numbers"},
+    /* number */ {Kind::number, Place::number, expectedNumber},
+};
+
+const Rule& ruleOf(Place place) { return rules[static_cast<std::size_t>(place)]; }
+
+enum class Need { required, optional };
+
+/// A key with a meaning of its own; those of scalars are free.
+struct Member
+{
+    Place owner;
+    const char* key;
+    Place place;
+    Need need;
+};
+
+constexpr Member members[] = {
+    {Place::file, "strandview", Place::version, Need::required},
+    {Place::file, "rods", Place::rods, Need::optional},
+    {Place::file, "birods", Place::birods, Need::optional},
+    {Place::file, "dna", Place::dnas, Need::optional},
+    {Place::file, "markers", Place::markers, Need::optional},
+    {Place::file, "frames", Place::frames, Need::optional},
+    {Place::file, "arrows", Place::arrows, Need::optional},
+    {Place::rod, "points", Place::points, Need::required},
+    {Place::rod, "quaternions", Place::quaternions, Need::optional},
+    {Place::rod, "directors", Place::directorsOfAll, Need::optional},
+    {Place::rod, "scalars", Place::scalars, Need::optional},
+    {Place::birod, "average", Place::strand, Need::required},
+    {Place::birod, "strand1", Place::strand, Need::required},
+    {Place::birod, "strand2", Place::strand, Need::required},
+    {Place::dna, "sequence", Place::sequence, Need::required},
+    {Place::dna, "pairs", Place::strand, Need::required},
+    {Place::dna, "strand1", Place::strand, Need::optional},
+    {Place::dna, "strand2", Place::strand, Need::optional},
+    {Place::strand, "points", Place::points, Need::required},
+    {Place::strand, "quaternions", Place::quaternions, Need::optional},
+    {Place::strand, "directors", Place::directorsOfAll, Need::optional},
+    {Place::marker, "point", Place::point, Need::required},
+    {Place::marker, "shape", Place::shape, Need::optional},
+    {Place::marker, "size", Place::length, Need::optional},
+    {Place::marker, "colour", Place::colour, Need::optional},
+    {Place::marker, "transparency", Place::transparency, Need::optional},
+    {Place::marker, "id", Place::id, Need::optional},
+    {Place::frame, "point", Place::point, Need::required},
+    {Place::frame, "quaternion", Place::quaternion, Need::optional},
+    {Place::frame, "directors", Place::directors, Need::optional},
+    {Place::frame, "size", Place::length, Need::optional},
+    {Place::arrow, "from", Place::point, Need::required},
+    {Place::arrow, "to", Place::point, Need::required},
+    {Place::arrow, "radius", Place::length, Need::optional},
+    {Place::arrow, "colour", Place::colour, Need::optional},
+};
+
+const Member* findMember(Place owner, const std::string& key)
+{
+    for (const Member& member : members)
+        if (member.owner == owner && member.key == key)
+            return &member;
+    return nullptr;
+}
+
+std::string keysOf(Place owner)
+{
+    std::string keys;
+    for (const Member& member : members)
+        if (member.owner == owner)
+            keys += (keys.empty() ? "" : ", ") + std::string(member.key);
+    return keys;
+}
+
+constexpr std::pair<const char*, Marker::Shape> shapes[] = {{"sphere", Marker::Shape::sphere},
+                                                            {"cube", Marker::Shape::cube},
+                                                            {"cross", Marker::Shape::cross}};
+
+using Vector = algebra3d::Vector3<double>;
+using Quaternion = algebra3d::Quaternion<double>;
+
+/// Points with their frames, whatever they belong to.
+struct Strand
+{
+    std::vector<Vector> points;
+    std::vector<Quaternion> rotations;
+};
+
+/// An object or array that the parser is in, and where in it.
+struct Level
+{
+    Place place;
+    std::size_t index = 0;                ///< of the current element, in an array
+    std::string key;                      ///< of the current member, in an object
+    std::unordered_set<std::string> keys; ///< all so far, in an object
+};
+
+/// ".key", or "['odd key']" where a dot could mislead.
+std::string memberText(const std::string& key)
+{
+    const bool isPlain = !key.empty() && std::all_of(key.begin(), key.end(), [](unsigned char c) {
+        return c == '_' || (c < 0x80 && std::isalnum(c));
+    });
+    return isPlain ? "." + shortened(key) : "[" + inQuotes(key) + "]";
+}
+
+/// What the parser expected by the end of its message, in our words.
+std::string expectedByParser(std::string_view message)
+{
+    constexpr std::pair<std::string_view, const char*> wordings[] = {
+        {"expected ']'", "',' or ']'"},
+        {"expected '}'", "',' or '}'"},
+        {"expected ':'", "':'"},
+        {"expected string literal", "a key in double quotes"},
+        {"or a literal", "a value"},
+        {"contains the expected JSON", "a value"},
+        {"expected end of input", "the end of the file"}};
+    for (const auto& [theirs, ours] : wordings)
+        if (message.size() >= theirs.size() &&
+            message.substr(message.size() - theirs.size()) == theirs)
+            return ours;
+    return "valid JSON in UTF-8";
+}
+
+/// The byte and what belongs to it: up to the next blanks and punctuation of JSON.
+std::string_view wordAround(std::string_view text, std::size_t byte)
+{
+    constexpr std::string_view punctuation = " \t\r\n,:[]{}";
+    if (punctuation.find(text[byte]) != std::string_view::npos)
+        return text.substr(byte, 1);
+    const std::size_t start = text.find_last_of(punctuation, byte) + 1; // 0 if there is none
+    return text.substr(start, text.find_first_of(punctuation, byte) - start);
+}
+
+/// "line:column" of a byte; the column counts characters, not bytes.
+std::string placeInText(std::string_view text, std::size_t byte)
+{
+    const std::string_view before = text.substr(0, byte);
+    const std::size_t lineStart = before.rfind('\n') + 1; // 0 without a line end
+    const auto line = std::count(before.begin(), before.end(), '\n') + 1;
+    const auto column = std::count_if(before.begin() + lineStart, before.end(),
+                                      [](unsigned char c) { return (c & 0xC0) != 0x80; }) +
+                        1;
+    return std::to_string(line) + ":" + std::to_string(column);
+}
+
+/// A place in the text that the parser moves on, and everybody sees.
+class Cursor
+{
+public:
+    using iterator_category = std::input_iterator_tag;
+    using value_type = char;
+    using difference_type = std::ptrdiff_t;
+    using pointer = const char*;
+    using reference = const char&;
+
+    Cursor(const char* start, const char*& shownPlace) : place(start), shown(&shownPlace) {}
+
+    const char& operator*() const { return *place; }
+    Cursor& operator++()
+    {
+        *shown = ++place;
+        return *this;
+    }
+    bool operator==(const Cursor& other) const { return place == other.place; }
+    bool operator!=(const Cursor& other) const { return place != other.place; }
+
+private:
+    const char* place;
+    const char** shown;
+};
+
+/// Is told every event of the parser, in the order of the text, and keeps no more of
+/// it than the rod, the DNA or the like being read. Each event answers whether to go on.
+class JsonReader : public nlohmann::json_sax<nlohmann::json>
+{
+public:
+    JsonReader(std::string_view wholeText, const std::string& jsonName,
+               const ReadOptions& readOptions, ReadReport& readReport)
+        : text(wholeText),
+          fileName(jsonName),
+          options(readOptions),
+          report(readReport),
+          milestones(readOptions, wholeText.size()),
+          place(wholeText.data())
+    {}
+
+    std::optional<Configuration> read()
+    {
+        // To the parser this character is the end of the text.
+        const std::size_t nul = text.find('\0');
+        if (nul != std::string_view::npos) {
+            failInText(nul, "found a character of code 0, expected valid JSON in UTF-8");
+            return {};
+        }
+        const char* const end = text.data() + text.size();
+        if (!nlohmann::json::sax_parse(Cursor(place, place), Cursor(end, place), this))
+            return {};
+        return collector.finish(fileName, "rod, birod, DNA, marker, frame or arrow", report);
+    }
+
+    /// Among a scalar's values it stands for one that is no number.
+    bool null() override
+    {
+        if (levels.empty() || levels.back().place != Place::values)
+            return failExpected("null");
+        return addNumber(levels.back(), std::numeric_limits<double>::quiet_NaN()) && goOn();
+    }
+    bool boolean(bool value) override { return failExpected(value ? "true" : "false"); }
+    bool string(std::string& value) override
+    {
+        const Place place = nextPlace();
+        if (ruleOf(place).kind != Kind::text)
+            return failExpected("the string " + inQuotes(value));
+        return takeText(place, value) && goOn();
+    }
+    bool binary(binary_t&) override { return failExpected("binary data"); }
+    bool number_integer(std::int64_t value) override { return wholeNumber(value); }
+    bool number_unsigned(std::uint64_t value) override
+    {
+        constexpr std::uint64_t largest = std::numeric_limits<std::int64_t>::max();
+        return value <= largest ? wholeNumber(static_cast<std::int64_t>(value))
+                                : number(static_cast<double>(value));
+    }
+    bool number_float(double value, const std::string&) override { return number(value); }
+
+    bool start_object(std::size_t) override { return enter(Kind::object, "an object"); }
+    bool start_array(std::size_t) override { return enter(Kind::array, "an array"); }
+
+    bool key(std::string& value) override
+    {
+        Level& level = levels.back();
+        const bool isOfOurs = level.place != Place::scalars;
+        level.key = isOfOurs && value == "color" ? "colour" : value;
+        if (isOfOurs && !findMember(level.place, level.key))
+            return fail("found an unknown key, expected one of " + keysOf(level.place));
+        if (!level.keys.insert(level.key).second)
+            return fail("found a second time, expected each key once");
+        if (isOfOurs && level.keys.count("directors") &&
+            (level.keys.count("quaternions") || level.keys.count("quaternion")))
+            return fail("found quaternions and directors, expected one of both");
+        if (!isOfOurs)
+            rod.scalars.push_back({value, {}});
+        return true;
+    }
+
+    bool end_object() override
+    {
+        const Level level = leave();
+        for (const Member& member : members)
+            if (member.owner == level.place && member.need == Need::required &&
+                !level.keys.count(member.key))
+                return fail("found no key " + std::string(member.key) + ", expected one");
+        return finish(level) && goOn();
+    }
+
+    bool end_array() override
+    {
+        const Level level = leave();
+        if (level.place == Place::point)
+            return requireCount(level, 3) && addPoint() && goOn();
+        if (level.place == Place::director)
+            return requireCount(level, 3) && addDirector() && goOn();
+        if (level.place == Place::directors)
+            return requireCount(level, 3, "director") && addRotationOfDirectors() && goOn();
+        if (level.place == Place::quaternion)
+            return requireCount(level, 4) && addRotation() && goOn();
+        return goOn();
+    }
+
+    /// The position is behind the character at which the parser stopped.
+    bool parse_error(std::size_t position, const std::string&,
+                     const nlohmann::json::exception& error) override
+    {
+        const bool isTooLarge = dynamic_cast<const nlohmann::json::out_of_range*>(&error);
+        const std::string expected =
+            ", expected " + (isTooLarge ? expectedNumber : expectedByParser(error.what()));
+        if (position > text.size())
+            return failInText(text.size(), "found the end of the file" + expected);
+        const std::string_view word = wordAround(text, position - 1);
+        return failInText(word.data() - text.data(), "found " + inQuotes(word) + expected);
+    }
+
+private:
+    /// Of the value that comes next.
+    Place nextPlace() const
+    {
+        if (levels.empty())
+            return Place::file;
+        const Level& level = levels.back();
+        const Member* member = findMember(level.place, level.key);
+        return member ? member->place : ruleOf(level.place).element;
+    }
+
+    bool enter(Kind kind, const char* found)
+    {
+        const Place place = nextPlace();
+        if (ruleOf(place).kind != kind)
+            return failExpected(found);
+        levels.push_back({place, 0, {}, {}});
+        return true;
+    }
+
+    Level leave()
+    {
+        Level level = std::move(levels.back());
+        levels.pop_back();
+        return level;
+    }
+
+    /// A value is complete.
+    bool goOn()
+    {
+        if (!levels.empty())
+            ++levels.back().index;
+        return milestones.pass(std::size_t(place - text.data())) || failAt("", readingStopped);
+    }
+
+    bool wholeNumber(std::int64_t value)
+    {
+        if (nextPlace() != Place::id)
+            return number(static_cast<double>(value));
+        marker.id = value;
+        return goOn();
+    }
+
+    bool number(double value)
+    {
+        const Place place = nextPlace();
+        if (!mayStandAt(place, value))
+            return failExpected(formatted(value));
+        if (place == Place::number && !addNumber(levels.back(), value))
+            return false;
+        if (place == Place::transparency)
+            marker.transparency = value;
+        if (place == Place::length)
+            currentLength() = value;
+        return goOn();
+    }
+
+    static bool mayStandAt(Place place, double value)
+    {
+        switch (place) {
+        case Place::version:
+            return value == 1;
+        case Place::transparency:
+            return value >= 0 && value <= 1;
+        case Place::length:
+            return value > 0 && isCoordinate(value);
+        default:
+            return place == Place::number;
+        }
+    }
+
+    /// The number is the current element of a point, a quaternion, a director or a scalar's
+    /// values.
+    bool addNumber(const Level& level, double value)
+    {
+        if (level.place == Place::values)
+            rod.scalars.back().values.push_back(value);
+        else if (level.place == Place::point && !isCoordinate(value))
+            return fail("found " + formatted(value) + ", expected " + expectedCoordinate);
+        else if (level.index < components.size())
+            components[level.index] = value;
+        return true;
+    }
+
+    bool takeText(Place place, std::string& value)
+    {
+        if (place == Place::sequence)
+            return takeSequence(value);
+        if (place == Place::shape)
+            return takeShape(value);
+        currentColour() = std::move(value);
+        return true;
+    }
+
+    bool takeSequence(const std::string& value)
+    {
+        for (std::size_t i = 0; i < value.size(); ++i) {
+            const std::optional<char> base = parseBase(value[i]);
+            if (!base)
+                return failAt(path() + "[" + std::to_string(i) + "]",
+                              "found " +
+                                  inQuotes(firstCharacter(std::string_view(value).substr(i))) +
+                                  ", expected " + expectedBase);
+            dna.bases += *base;
+        }
+        return true;
+    }
+
+    bool takeShape(const std::string& value)
+    {
+        for (const auto& [name, shape] : shapes)
+            if (value == name) {
+                marker.shape = shape;
+                return true;
+            }
+        return failExpected("the string " + inQuotes(value));
+    }
+
+    /// Where a value belongs that stands in several objects.
+    Vector& currentPoint()
+    {
+        const Level& level = levels.back();
+        if (level.place == Place::points)
+            return strand.points.emplace_back();
+        if (level.place == Place::arrow)
+            return level.key == "from" ? arrow.from : arrow.to;
+        return level.place == Place::marker ? marker.point : frame.point;
+    }
+    Quaternion& currentRotation()
+    {
+        return levels.back().place == Place::frame ? frame.rotation
+                                                   : strand.rotations.emplace_back();
+    }
+    std::optional<double>& currentLength()
+    {
+        const Place owner = levels.back().place;
+        return owner == Place::marker  ? marker.size
+               : owner == Place::frame ? frame.size
+                                       : arrow.radius;
+    }
+    std::optional<std::string>& currentColour()
+    {
+        return levels.back().place == Place::marker ? marker.colour : arrow.colour;
+    }
+
+    bool addPoint()
+    {
+        currentPoint() = Vector(components[0], components[1], components[2]);
+        return true;
+    }
+
+    bool addRotation()
+    {
+        Quaternion& rotation = currentRotation();
+        rotation = Quaternion(components[0], components[1], components[2], components[3]);
+        const std::string fault = checkRotation(rotation, options);
+        return fault.empty() || fail(fault);
+    }
+
+    bool addDirector()
+    {
+        const std::size_t index = levels.back().index;
+        if (index < directors.size())
+            directors[index] = Vector(components[0], components[1], components[2]);
+        return true;
+    }
+
+    bool addRotationOfDirectors()
+    {
+        const std::string fault = findRotation(directors, options, currentRotation());
+        return fault.empty() || fail(fault);
+    }
+
+    /// An object is complete.
+    bool finish(const Level& level)
+    {
+        switch (level.place) {
+        case Place::rod:
+            return finishRod(level);
+        case Place::strand:
+            return finishStrand(level);
+        case Place::birod:
+            return finishBirod();
+        case Place::dna:
+            return finishDna(level);
+        case Place::marker:
+            if (!level.keys.count("id"))
+                marker.id = static_cast<long long>(levels.back().index);
+            return finishGlyph(marker);
+        case Place::frame:
+            return requireRotations(level, "quaternion") && finishGlyph(frame);
+        case Place::arrow:
+            return finishGlyph(arrow);
+        default:
+            return true;
+        }
+    }
+
+    bool finishRod(const Level& level)
+    {
+        const std::size_t count = strand.points.size();
+        for (const char* key : {"quaternions", "directors"})
+            if (level.keys.count(key) &&
+                !requirePerPointOrElement("." + std::string(key), strand.rotations.size(), count))
+                return false;
+        for (const Scalar& scalar : rod.scalars)
+            if (!requirePerPointOrElement(".scalars" + memberText(scalar.name),
+                                          scalar.values.size(), count))
+                return false;
+        rod.origin = fileName + ": " + path();
+        moveStrand(strand, rod.points, rod.rotations);
+        return acceptedAt(".points", collector.add(std::exchange(rod, Rod())));
+    }
+
+    bool finishStrand(const Level& level)
+    {
+        if (!requireRotations(level, "quaternions"))
+            return false;
+        const std::string member = level.keys.count("directors") ? ".directors" : ".quaternions";
+        const std::size_t count = strand.points.size();
+        const bool fits = levels.back().place == Place::birod
+                              ? requirePerPointOrElement(member, strand.rotations.size(), count)
+                              : requireOneEach(member, strand.rotations.size(), count, "point");
+        if (!fits)
+            return false;
+        const std::string& key = levels.back().key;
+        strands[key == "strand1" ? 1 : key == "strand2" ? 2 : 0] = std::exchange(strand, Strand());
+        return true;
+    }
+
+    /// The key, or directors instead.
+    bool requireRotations(const Level& level, const std::string& key)
+    {
+        return level.keys.count(key) || level.keys.count("directors") ||
+               fail("found no key " + key + " or directors, expected one");
+    }
+
+    bool finishBirod()
+    {
+        if (!requireStrandsOf(strands[0].points.size(), "average", "point of the average"))
+            return false;
+        Birod birod;
+        birod.origin = fileName + ": " + path();
+        moveStrand(strands[0], birod.points, birod.rotations);
+        moveStrand(strands[1], birod.points1, birod.rotations1);
+        moveStrand(strands[2], birod.points2, birod.rotations2);
+        return acceptedAt("", collector.add(std::move(birod)));
+    }
+
+    bool finishDna(const Level& level)
+    {
+        for (const char* missing : {"strand1", "strand2"})
+            if (level.keys.count("strand1") + level.keys.count("strand2") == 1 &&
+                !level.keys.count(missing))
+                return fail("found no key " + std::string(missing) + ", expected one");
+        if (!level.keys.count("strand1"))
+            strands[1] = strands[2] = strands[0]; // one frame of the pair and of its bases
+        if (!requireStrandsOf(dna.bases.size(), "pairs", "base"))
+            return false;
+        dna.origin = fileName + ": " + path();
+        moveStrand(strands[0], dna.pairPoints, dna.pairRotations);
+        moveStrand(strands[1], dna.points1, dna.rotations1);
+        moveStrand(strands[2], dna.points2, dna.rotations2);
+        return acceptedAt(".sequence", collector.add(std::exchange(dna, Dna())));
+    }
+
+    bool requireStrandsOf(std::size_t count, const std::string& first, const char* each)
+    {
+        const std::string keys[] = {first, "strand1", "strand2"};
+        for (std::size_t i = 0; i < strands.size(); ++i)
+            if (!requireOneEach("." + keys[i] + ".points", strands[i].points.size(), count, each))
+                return false;
+        return true;
+    }
+
+    static void moveStrand(Strand& from, std::vector<Vector>& points,
+                           std::vector<Quaternion>& rotations)
+    {
+        points = std::move(from.points);
+        rotations = std::move(from.rotations);
+        from = Strand();
+    }
+
+    template <typename Glyph>
+    bool finishGlyph(Glyph& glyph)
+    {
+        glyph.origin = fileName + ": " + path();
+        collector.add(std::exchange(glyph, Glyph()));
+        return true;
+    }
+
+    bool acceptedAt(const std::string& member, const std::string& fault)
+    {
+        return fault.empty() || failAt(path() + member, fault);
+    }
+
+    bool requireOneEach(const std::string& member, std::size_t count, std::size_t expected,
+                        const char* each)
+    {
+        return count == expected ||
+               failAt(path() + member, "found " + std::to_string(count) + ", expected " +
+                                           std::to_string(expected) + ", one for each " + each);
+    }
+
+    /// Of elements there is one less, and one at least.
+    bool requirePerPointOrElement(const std::string& member, std::size_t count, std::size_t points)
+    {
+        if (count == points || (count > 0 && count + 1 == points))
+            return true;
+        const std::string elements =
+            points > 1 ? ", or " + std::to_string(points - 1) + ", one for each element" : "";
+        return failAt(path() + member, "found " + std::to_string(count) + ", expected " +
+                                           std::to_string(points) + ", one for each point" +
+                                           elements);
+    }
+
+    bool requireCount(const Level& level, std::size_t count, const char* noun = "number")
+    {
+        return level.index == count ||
+               fail("found " + counted(level.index, noun) + ", expected " + std::to_string(count));
+    }
+
+    /// Of the current value, as "rods[0].points[2]"; empty for the whole text.
+    std::string path() const
+    {
+        std::string result;
+        for (const Level& level : levels)
+            result += ruleOf(level.place).kind == Kind::array
+                          ? "[" + std::to_string(level.index) + "]"
+                          : memberText(level.key);
+        return result.substr(!result.empty() && result[0] == '.' ? 1 : 0);
+    }
+
+    /// These are always false.
+    bool failExpected(const std::string& found)
+    {
+        return fail("found " + found + ", expected " + ruleOf(nextPlace()).expected);
+    }
+    bool fail(const std::string& what) { return failAt(path(), what); }
+    bool failAt(const std::string& place, const std::string& what)
+    {
+        report.error = fileName + ": " + (place.empty() ? "" : place + ": ") + what;
+        return false;
+    }
+    bool failInText(std::size_t byte, const std::string& what)
+    {
+        report.error = fileName + ":" + placeInText(text, byte) + ": " + what;
+        return false;
+    }
+
+    std::string_view text;
+    const std::string& fileName;
+    const ReadOptions& options;
+    ReadReport& report;
+    Milestones milestones;
+    const char* place;                ///< in the text, that the parser has come to
+    std::vector<Level> levels;        ///< from the outermost in
+    std::array<double, 4> components; ///< of the point or quaternion being read
+    Directors directors;              ///< being read, all three
+    Strand strand;                    ///< being read, and so are these
+    std::array<Strand, 3> strands;    ///< average or pairs, strand 1, strand 2
+    Rod rod;                          ///< without its points and rotations
+    Dna dna;                          ///< without those either
+    Marker marker;
+    Frame frame;
+    Arrow arrow;
+    Collector collector;
+};
+
+} // namespace
+
+std::optional<Configuration> readJson(std::string_view text, const std::string& fileName,
+                                      const ReadOptions& options, ReadReport& report)
+{
+    return JsonReader(text, fileName, options, report).read();
+}
+
+} // namespace strandview

@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_FORMATS_READREPORT_H
+#define STRANDVIEW_FORMATS_READREPORT_H
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace strandview {
+
+struct ReadOptions
+{
+    /// Accept quaternions of any norm but zero and scale them to unit length, and any
+    /// right-handed directors and make them orthonormal.
+    bool normalise = false;
+    /// Asked now and then while a file is read, with the share of it that is done, from 0 to
+    /// 1: whether to go on. If not, nothing is read, and the error says so.
+    std::function<bool(double share)> goOn = {};
+};
+
+/// What a reader has to tell its user.
+struct ReadReport
+{
+    /// Things done to the data that the user should know of, a line each.
+    std::vector<std::string> notices;
+    /// Why nothing was read: one line, "file:line: column 3 (z): found ..., expected ...",
+    /// with as much of the place as the format has; empty after success.
+    std::string error;
+};
+
+} // namespace strandview
+
+#endif

@@ -1,0 +1,874 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <strandview/formats/TableReader.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstddef>
+#include <limits>
+#include <locale>
+#include <sstream>
+#include <system_error>
+#include <unordered_set>
+#include <utility>
+#include <vector>
+
+#include <strandview/formats/Collector.h>
+#include <strandview/formats/Milestones.h>
+#include <strandview/formats/checks.h>
+#include <strandview/formats/directors.h>
+#include <strandview/formats/text/wording.h>
+
+namespace strandview {
+
+namespace {
+
+using Names = std::vector<std::string>;
+
+/// The columns that place a point with its frame, by a quaternion or by directors. The
+/// first ones are in the order of a table without a header.
+const Names rodNames = {"x",   "y",   "z",   "qx",  "qy",  "qz",  "qw",  "d1x",
+                        "d1y", "d1z", "d2x", "d2y", "d2z", "d3x", "d3y", "d3z"};
+constexpr std::size_t frameWidth = 16; ///< of all names
+constexpr std::size_t plainWidth = 7;  ///< of those without a header
+constexpr std::size_t firstOfQuaternion = 3;
+constexpr std::size_t firstOfDirectors = 7;
+constexpr std::size_t noColumn = static_cast<std::size_t>(-1);
+
+/// What the frames of a row of DNA belong to.
+constexpr std::array<const char*, 3> dnaOwners = {"the pair", "strand 1", "strand 2"};
+/// The base comes first. One frame is that of the pair and of both bases.
+constexpr std::size_t dnaWidth = 1 + dnaOwners.size() * plainWidth;
+constexpr std::size_t flatDnaWidth = 1 + plainWidth;
+constexpr char expectedOfDna[] = "(a base, and x y z qx qy qz qw of the pair)";
+constexpr char expectedOfBases[] =
+    "(a base, and x y z qx qy qz qw of the pair, of strand 1 and of strand 2)";
+
+/// The columns that place a base pair: as of a rod, then with 1, then with 2 behind.
+Names makeDnaNames()
+{
+    Names names = rodNames;
+    for (const char* strand : {"1", "2"})
+        for (const std::string& name : rodNames)
+            names.push_back(name + strand);
+    return names;
+}
+const Names dnaNames = makeDnaNames();
+
+bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\v' || c == '\f'; }
+bool endsLine(char c) { return c == '\n' || c == '\r'; }
+bool isQuote(char c) { return c == '"'; }
+
+/// The text without the blanks around it.
+std::string_view trimmed(std::string_view text)
+{
+    while (!text.empty() && isBlank(text.front()))
+        text.remove_prefix(1);
+    while (!text.empty() && isBlank(text.back()))
+        text.remove_suffix(1);
+    return text;
+}
+
+/// A place in the text that moves on by fields within a line, and by lines.
+/// A copy looks ahead.
+class FieldScanner
+{
+public:
+    explicit FieldScanner(std::string_view wholeText) : text(wholeText) {}
+
+    bool isAtEnd() const { return position == text.size(); }
+    std::size_t getLine() const { return line; }
+    std::size_t getPosition() const { return position; }
+
+    /// From now on commas separate nothing.
+    void makeCommasText() { comma = ';'; }
+    bool areCommasText() const { return comma == ';'; }
+    /// From now on spaces separate nothing, but tabs still do.
+    void makeSpacesText() { spacesAreText = true; }
+
+    /// The next field of the line: empty between two commas, none at the end of the line.
+    /// Of a field in double quotes it is the text between them; if it begins with a
+    /// quote, the closing one is missing or does not end the field.
+    std::optional<std::string_view> nextField()
+    {
+        skipBlanks();
+        if (!isAtField() && !isAtComma() && !afterComma)
+            return {};
+        const std::string_view field =
+            isAtField() && isQuote(text[position]) ? takeQuoted() : take();
+        skipBlanks();
+        afterComma = isAtComma();
+        if (afterComma)
+            ++position;
+        return field;
+    }
+
+    /// These two are to be asked at the start of a line; a comment is not blank.
+    bool isLineBlank()
+    {
+        skipBlanks();
+        return isAtEnd() || endsLine(text[position]);
+    }
+    bool isLineComment()
+    {
+        skipBlanks();
+        return !isAtEnd() && (text[position] == '#' || text[position] == '%');
+    }
+
+    void nextLine()
+    {
+        while (!isAtEnd() && !endsLine(text[position]))
+            ++position;
+        if (!isAtEnd() && text[position++] == '\r' && !isAtEnd() && text[position] == '\n')
+            ++position;
+        afterComma = false;
+        ++line;
+    }
+
+private:
+    void skipBlanks()
+    {
+        while (!isAtEnd() && isBlank(text[position]))
+            ++position;
+    }
+    std::string_view take()
+    {
+        const std::size_t start = position;
+        while (isAtField())
+            ++position;
+        const std::string_view field = text.substr(start, position - start);
+        return spacesAreText ? trimmed(field) : field;
+    }
+    std::string_view takeQuoted()
+    {
+        const std::size_t start = position++;
+        while (!isAtEnd() && !endsLine(text[position]) && !isQuote(text[position]))
+            ++position;
+        if (isAtEnd() || endsLine(text[position]))
+            return text.substr(start, position - start);
+        const std::string_view field = text.substr(start + 1, position++ - start - 1);
+        return take().empty() ? trimmed(field) : text.substr(start, position - start);
+    }
+
+    bool isPartOfField(char c) const
+    {
+        return isBlank(c) ? c == ' ' && spacesAreText : !isComma(c) && !endsLine(c) && c != '#';
+    }
+    bool isComma(char c) const { return c == comma || c == ';'; }
+    bool isAtField() const { return !isAtEnd() && isPartOfField(text[position]); }
+    bool isAtComma() const { return !isAtEnd() && isComma(text[position]); }
+
+    std::string_view text;
+    char comma = ','; ///< separates too, besides semicolons; or is one
+    bool spacesAreText = false;
+    std::size_t position = 0;
+    std::size_t line = 1;
+    bool afterComma = false; ///< the line owes a field
+};
+
+/// By value: the rest of the line the scanner is in.
+std::vector<std::string_view> remainingFields(FieldScanner scanner)
+{
+    std::vector<std::string_view> fields;
+    while (const auto field = scanner.nextField())
+        fields.push_back(*field);
+    return fields;
+}
+
+/// For a number that is too large or too small for double precision: the latter is rounded.
+std::errc parseExtremeNumber(const std::string& field, double& number)
+{
+    std::istringstream stream(field);
+    stream.imbue(std::locale::classic());
+    return stream >> number ? std::errc() : std::errc::result_out_of_range;
+}
+
+/// Reads a whole field as C or Fortran writes numbers: "+1.5", ".5", "1e-3", "1D-3", or
+/// with a comma for the point. result_out_of_range if it is too large for a double,
+/// invalid_argument if it is no number.
+std::errc parseNumber(std::string_view field, double& number)
+{
+    if (field.size() > 1 && field[0] == '+' && field[1] != '-')
+        field.remove_prefix(1);
+    const char* end = field.data() + field.size();
+    const auto [stop, status] = std::from_chars(field.data(), end, number);
+    if (stop == end)
+        return status == std::errc::result_out_of_range
+                   ? parseExtremeNumber(std::string(field), number)
+                   : status;
+    if (*stop != 'd' && *stop != 'D' && *stop != ',')
+        return std::errc::invalid_argument;
+    std::string inC(field);
+    inC[stop - field.data()] = *stop == ',' ? '.' : 'e';
+    return parseNumber(inC, number);
+}
+
+bool isNumber(std::string_view field)
+{
+    double ignored;
+    return parseNumber(field, ignored) != std::errc::invalid_argument;
+}
+
+bool hasComma(std::string_view field) { return field.find(',') != std::string_view::npos; }
+
+/// Whether commas can only be decimal ones: no field has any other.
+bool areCommasDecimal(const std::vector<std::string_view>& fields)
+{
+    return fields.size() > 1 && std::all_of(fields.begin(), fields.end(), [](auto field) {
+               return !hasComma(field) || isNumber(field);
+           });
+}
+
+constexpr char expectedClosingQuote[] = "a closing quote at the end of the field";
+constexpr char decimalPointHint[] = ", with a decimal point";
+
+bool hasOpenQuote(std::string_view field) { return !field.empty() && isQuote(field[0]); }
+
+/// What should stand there instead of a field that is no finite number.
+std::string expectedInstead(std::string_view field, std::errc status)
+{
+    if (hasOpenQuote(field))
+        return expectedClosingQuote;
+    if (status == std::errc::result_out_of_range)
+        return "a number within the range of double precision";
+    return std::string(expectedNumber) + (hasComma(field) ? decimalPointHint : "");
+}
+
+std::string foundField(std::string_view field)
+{
+    return field.empty() ? "found an empty field" : "found " + inQuotes(field);
+}
+
+std::size_t indexOfName(std::string_view name, const Names& names)
+{
+    const auto found = std::find(names.begin(), names.end(), name);
+    return found == names.end() ? noColumn : found - names.begin();
+}
+
+/// The text before a last part in brackets: "x" for "x [m]" and "x(nm)".
+std::string_view withoutUnit(std::string_view field)
+{
+    const char last = field.empty() ? ' ' : field.back();
+    if (last != ']' && last != ')')
+        return field;
+    const std::size_t bracket = field.rfind(last == ']' ? '[' : '(');
+    return bracket == std::string_view::npos ? field : trimmed(field.substr(0, bracket));
+}
+
+std::string inSmallLetters(std::string_view text)
+{
+    std::string lower(text);
+    for (char& c : lower)
+        if (c >= 'A' && c <= 'Z')
+            c = static_cast<char>(c - 'A' + 'a');
+    return lower;
+}
+
+/// A column's name: a known one in lower case and without a unit, any other as it is.
+std::string nameOfColumn(std::string_view field, const Names& known)
+{
+    std::string lower = inSmallLetters(withoutUnit(field));
+    return indexOfName(lower, known) == noColumn ? std::string(field) : lower;
+}
+
+bool isNameOf(std::string_view field, const Names& known)
+{
+    return indexOfName(nameOfColumn(field, known), known) != noColumn;
+}
+
+std::string nameByNumber(std::size_t column) { return "column" + std::to_string(column + 1); }
+
+/// The first may have no name: that of an index often has none.
+Names namesOfColumns(const std::vector<std::string_view>& fields, const Names& known)
+{
+    Names names;
+    for (const std::string_view field : fields)
+        names.push_back(nameOfColumn(field, known));
+    if (names[0].empty())
+        names[0] = nameByNumber(0);
+    return names;
+}
+
+Names namesWithoutHeader(std::size_t count)
+{
+    Names names(rodNames.begin(), rodNames.begin() + std::min(count, plainWidth));
+    while (names.size() < count)
+        names.push_back(nameByNumber(names.size()));
+    return names;
+}
+
+bool haveNamesOfPoints(const std::vector<std::string_view>& fields)
+{
+    return std::all_of(rodNames.begin(), rodNames.begin() + 3, [&](const std::string& name) {
+        return std::any_of(fields.begin(), fields.end(),
+                           [&](auto field) { return nameOfColumn(field, rodNames) == name; });
+    });
+}
+
+bool isBase(std::string_view field) { return field.size() == 1 && parseBase(field[0]); }
+
+/// The columns of DNA below a header: with one frame a row, or with three.
+Names namesOfDna(std::size_t count)
+{
+    Names names = {"base"};
+    for (std::size_t frame = 0; names.size() < count; ++frame) {
+        const auto first = dnaNames.begin() + std::ptrdiff_t(frame * frameWidth);
+        names.insert(names.end(), first, first + plainWidth);
+    }
+    return names;
+}
+
+bool nameStrands(const std::vector<std::string_view>& fields)
+{
+    return std::any_of(fields.begin(), fields.end(), [](auto field) {
+        return isNameOf(field, dnaNames) && !isNameOf(field, rodNames);
+    });
+}
+
+/// The first field below the line that the scanner is in, and below comments.
+std::string_view firstFieldBelow(FieldScanner scanner)
+{
+    do
+        scanner.nextLine();
+    while (!scanner.isAtEnd() && (scanner.isLineBlank() || scanner.isLineComment()));
+    return scanner.nextField().value_or("");
+}
+
+/// The fields of the line the scanner is in if it is a header: where commas, semicolons
+/// or tabs separate x y z, spaces are part of the names.
+std::vector<std::string_view> headerFields(FieldScanner scanner)
+{
+    FieldScanner withSpaces = scanner;
+    withSpaces.makeSpacesText();
+    std::vector<std::string_view> fields = remainingFields(withSpaces);
+    return haveNamesOfPoints(fields) ? fields : remainingFields(scanner);
+}
+
+/// A row that is all names: none of its fields is a number.
+bool isHeader(const std::vector<std::string_view>& fields)
+{
+    return std::none_of(fields.begin(), fields.end(), isNumber);
+}
+
+/// What the columns of the file are, fixed by its header or its first row.
+struct Columns
+{
+    std::size_t line = 0; ///< where they were fixed; 0 before that
+    bool endWithComma = false;
+    bool areOfDna = false;
+    Names names;
+    std::vector<std::size_t> geometry; ///< the column of each of knownNames(), or noColumn
+    std::vector<std::size_t> others;   ///< the scalars; of DNA the base
+
+    const Names& knownNames() const { return areOfDna ? dnaNames : rodNames; }
+    bool have(std::size_t name) const { return geometry[name] != noColumn; }
+    /// Any of them: a header that was accepted has all.
+    bool nameQuaternion(std::size_t frame) const
+    {
+        const std::size_t first = frame * frameWidth + firstOfQuaternion;
+        return have(first) || have(first + 1) || have(first + 2) || have(first + 3);
+    }
+    static std::array<std::size_t, 3> namesOfDirector(std::size_t frame, std::size_t director)
+    {
+        const std::size_t first = frame * frameWidth + firstOfDirectors + 3 * director;
+        return {first, first + 1, first + 2};
+    }
+    bool haveDirector(std::size_t frame, std::size_t director) const
+    {
+        const std::array<std::size_t, 3> of = namesOfDirector(frame, director);
+        return have(of[0]) || have(of[1]) || have(of[2]);
+    }
+    bool isOfGeometry(std::size_t column) const
+    {
+        return std::find(geometry.begin(), geometry.end(), column) != geometry.end();
+    }
+    bool haveDirectors(std::size_t frame) const
+    {
+        return haveDirector(frame, 0) || haveDirector(frame, 1) || haveDirector(frame, 2);
+    }
+    /// Of DNA: of the bases, too, or of the pairs alone.
+    bool haveBases() const { return have(frameWidth); }
+};
+
+/// A field without a number, as it stands there.
+struct MissingField
+{
+    std::size_t column;
+    std::string_view text;
+};
+
+class TableReader
+{
+public:
+    TableReader(std::string_view text, const std::string& tableName, const ReadOptions& readOptions,
+                ReadReport& readReport)
+        : scanner(text),
+          fileName(tableName),
+          options(readOptions),
+          report(readReport),
+          milestones(readOptions, text.size())
+    {}
+
+    std::optional<Configuration> read()
+    {
+        for (; !scanner.isAtEnd(); scanner.nextLine())
+            if (!(milestones.pass(scanner.getPosition()) || fail(readingStopped)) || !readLine())
+                return {};
+        if (!finishBlock())
+            return {};
+        return collector.finish(fileName, "rod or DNA", report);
+    }
+
+private:
+    bool readLine()
+    {
+        if (scanner.isLineBlank())
+            return finishBlock();
+        if (scanner.isLineComment())
+            return true;
+        if (isInBlock())
+            return readRow();
+        if (columns.line == 0)
+            return takeFirstLine();
+        return isHeaderAgain() || readRow();
+    }
+
+    /// The first line that is neither blank nor a comment fixes the columns.
+    bool takeFirstLine()
+    {
+        FieldScanner line = scanner;
+        line.makeCommasText();
+        line.makeSpacesText();
+        if (areCommasDecimal(remainingFields(line)))
+            scanner.makeCommasText();
+
+        std::vector<std::string_view> fields = headerFields(scanner);
+        columns.endWithComma = fields.size() > 1 && fields.back().empty();
+        if (columns.endWithComma)
+            fields.pop_back();
+        if (isHeader(fields))
+            return takeHeader(fields);
+        columns.areOfDna = isBase(fields[0]);
+        return takeColumnCount(fields.size()) && readRow();
+    }
+
+    /// Above a later rod or DNA.
+    bool isHeaderAgain() const
+    {
+        if (isNumber(*FieldScanner(scanner).nextField())) // most often
+            return false;
+        std::vector<std::string_view> fields = headerFields(scanner);
+        if (columns.endWithComma && fields.back().empty())
+            fields.pop_back();
+        return isHeader(fields) && namesOfColumns(fields, columns.knownNames()) == columns.names;
+    }
+
+    bool takeColumnCount(std::size_t count)
+    {
+        if (columns.areOfDna)
+            return takeDnaColumnCount(count);
+        if (count == 1 && isAtomList())
+            return fail("found an atom list, expected rows of numbers");
+        if (count != 3 && count < plainWidth)
+            return fail("found " + counted(count, "column") +
+                        ", expected 3 (x y z), or 7 or more (x y z qx qy qz qw and scalars)" +
+                        hintFor(scanner));
+        setColumns(namesWithoutHeader(count));
+        return true;
+    }
+
+    bool takeDnaColumnCount(std::size_t count)
+    {
+        if (count != flatDnaWidth && count != dnaWidth)
+            return fail("found " + counted(count, "column") + ", expected " +
+                        std::to_string(flatDnaWidth) + " " + expectedOfDna + " or " +
+                        std::to_string(dnaWidth) + " " + expectedOfBases + hintFor(scanner));
+        setColumns(namesOfDna(count));
+        return true;
+    }
+
+    /// Whether the number in this line could be that of the atoms from the line after
+    /// the next on, each with its name first.
+    bool isAtomList() const
+    {
+        FieldScanner atom = scanner;
+        atom.nextLine();
+        atom.nextLine();
+        const auto name = atom.nextField();
+        return name && !name->empty() && !isNumber(*name);
+    }
+
+    /// For a line with too many columns.
+    static std::string hintFor(FieldScanner line)
+    {
+        line.makeCommasText();
+        const std::vector<std::string_view> words = remainingFields(line);
+        const bool haveCommas = std::any_of(words.begin(), words.end(), hasComma);
+        return haveCommas && areCommasDecimal(words) ? decimalPointHint : "";
+    }
+
+    bool takeHeader(const std::vector<std::string_view>& fields)
+    {
+        for (std::size_t c = 0; c < fields.size(); ++c)
+            if (hasOpenQuote(fields[c]))
+                return fail(columnText(c) + ": " + foundField(fields[c]) + ", expected " +
+                            expectedClosingQuote);
+        columns.areOfDna = isDnaHeader(fields);
+        if (std::none_of(fields.begin(), fields.end(),
+                         [&](auto field) { return isNameOf(field, columns.knownNames()); }))
+            return fail("column 1: " + foundField(fields[0]) +
+                        ", expected a number, or a header that names x y z, and qx qy qz qw if "
+                        "there are quaternions");
+        Names names = namesOfColumns(fields, columns.knownNames());
+        std::unordered_set<std::string> seen;
+        for (std::size_t c = 0; c < fields.size(); ++c) {
+            if (names[c].empty())
+                return fail(columnText(c) + ": found an empty field, expected a column's name");
+            if (!seen.insert(names[c]).second)
+                return fail(columnText(c) + ": found " + inQuotes(fields[c]) +
+                            " again, expected each name once");
+        }
+        setColumns(std::move(names));
+        return columns.areOfDna ? checkDnaHeader() : checkRodHeader();
+    }
+
+    /// That names a base first, and then a strand's place, or stands above a letter. A rod
+    /// may have a scalar named base.
+    bool isDnaHeader(const std::vector<std::string_view>& fields) const
+    {
+        if (inSmallLetters(fields[0]) != "base")
+            return false;
+        const std::string_view below = firstFieldBelow(scanner);
+        return nameStrands(fields) || (!below.empty() && !isNumber(below));
+    }
+
+    bool checkRodHeader()
+    {
+        return requireNames(1, "x y z and all or none of qx qy qz qw") && checkDirectors(0);
+    }
+
+    bool checkDnaHeader()
+    {
+        const std::size_t frames = nameBases() ? dnaOwners.size() : 1;
+        const std::string expected = std::string("base, x y z qx qy qz qw") +
+                                     (frames > 1 ? ", and these with 1 and with 2 behind" : "");
+        if (columns.others.size() > 1) {
+            const std::size_t other = columns.others[1];
+            return fail(columnText(other) + ": found " + inQuotes(columns.names[other]) +
+                        ", expected only " + expected);
+        }
+        if (!requireNames(frames, expected))
+            return false;
+        for (std::size_t frame = 0; frame < frames; ++frame)
+            if (!checkDirectors(frame))
+                return false;
+        return true;
+    }
+
+    /// Whether a header of DNA names anything of a strand.
+    bool nameBases() const
+    {
+        return std::any_of(columns.geometry.begin() + frameWidth, columns.geometry.end(),
+                           [](std::size_t column) { return column != noColumn; });
+    }
+
+    /// Of the points and quaternions of so many frames; those of a rod may be missing
+    /// altogether, and all may have directors instead.
+    bool requireNames(std::size_t frames, const std::string& expected)
+    {
+        std::string missing;
+        for (std::size_t frame = 0; frame < frames; ++frame) {
+            const bool mayLackQuaternion = !columns.areOfDna || columns.haveDirectors(frame);
+            const bool needsQuaternion = !mayLackQuaternion || columns.nameQuaternion(frame);
+            const std::size_t count = needsQuaternion ? plainWidth : firstOfQuaternion;
+            for (std::size_t name = frame * frameWidth; name < frame * frameWidth + count; ++name)
+                if (!columns.have(name))
+                    missing += " " + columns.knownNames()[name];
+        }
+        return missing.empty() ||
+               fail("found a header without" + missing + ", expected " + expected);
+    }
+
+    /// Those that are there must be whole, and at least two.
+    bool checkDirectors(std::size_t frame)
+    {
+        if (!columns.haveDirectors(frame))
+            return true;
+        std::string missing;
+        std::size_t count = 0;
+        for (std::size_t director = 0; director < 3; ++director) {
+            if (!columns.haveDirector(frame, director))
+                continue;
+            ++count;
+            for (std::size_t name : columns.namesOfDirector(frame, director))
+                if (!columns.have(name))
+                    missing += " " + columns.knownNames()[name];
+        }
+        constexpr char expected[] = ", expected two or three of d1x d1y d1z, d2x d2y d2z, d3x d3y "
+                                    "d3z";
+        if (!missing.empty())
+            return fail("found a header without" + missing + expected);
+        return count > 1 || fail("found a header with one director" + ofOwner(frame) + expected);
+    }
+
+    void setColumns(Names names)
+    {
+        columns.line = scanner.getLine();
+        columns.names = std::move(names);
+        columns.geometry.assign(columns.knownNames().size(), noColumn);
+        for (std::size_t c = 0; c < columns.names.size(); ++c) {
+            const std::size_t index = indexOfName(columns.names[c], columns.knownNames());
+            if (index != noColumn)
+                columns.geometry[index] = c;
+        }
+        for (std::size_t frame = 0; frame * frameWidth < columns.geometry.size(); ++frame)
+            if (columns.nameQuaternion(frame))
+                leaveOutDirectors(frame);
+        for (std::size_t c = 0; c < columns.names.size(); ++c)
+            if (!columns.isOfGeometry(c))
+                columns.others.push_back(c);
+        row.resize(columns.names.size());
+    }
+
+    /// Beside a quaternion they are as any other columns.
+    void leaveOutDirectors(std::size_t frame)
+    {
+        const auto first = columns.geometry.begin() + std::ptrdiff_t(frame * frameWidth);
+        std::fill(first + firstOfDirectors, first + frameWidth, noColumn);
+    }
+
+    bool readRow()
+    {
+        if (!missing.empty())
+            return failMissing();
+        const FieldScanner start = scanner;
+        std::size_t count = 0;
+        bool endsWithComma = false;
+        for (; const auto field = scanner.nextField(); ++count) {
+            if (count < row.size()) {
+                if (!readField(*field, count))
+                    return false;
+            } else { // to say how many there are
+                endsWithComma = field->empty();
+            }
+        }
+        if (columns.endWithComma && endsWithComma)
+            --count;
+        else if (columns.endWithComma && count == row.size())
+            return fail("found no separator at the end of the row, expected one as in line " +
+                        std::to_string(columns.line));
+        if (count != row.size())
+            return fail("found " + counted(count, "column") + ", expected " +
+                        std::to_string(row.size()) + " as in line " + std::to_string(columns.line) +
+                        hintFor(start));
+        return addRow();
+    }
+
+    bool readField(std::string_view field, std::size_t column)
+    {
+        if (columns.areOfDna && column == 0)
+            return readBase(field);
+        const std::errc status = parseNumber(field, row[column]);
+        const bool isComma = !scanner.areCommasText() && hasComma(field);
+        if (status == std::errc() && !isComma && std::isfinite(row[column]))
+            return true;
+        const bool isNoNumber = status == std::errc() && std::isnan(row[column]);
+        if ((field.empty() || isNoNumber) && mayBeMissing(column)) {
+            row[column] = std::numeric_limits<double>::quiet_NaN();
+            missing.push_back({column, field});
+            missingLine = scanner.getLine();
+            return true;
+        }
+        return fail(nameText(column) + ": " + foundField(field) + ", expected " +
+                    expectedInstead(field, status));
+    }
+
+    bool readBase(std::string_view field)
+    {
+        if (!isBase(field))
+            return fail(nameText(0) + ": " + foundField(field) + ", expected " +
+                        (hasOpenQuote(field) ? expectedClosingQuote : expectedBase));
+        base = *parseBase(field[0]);
+        return true;
+    }
+
+    bool addRow()
+    {
+        if (!isInBlock())
+            openBlock();
+        if (columns.areOfDna) {
+            dna.bases += base;
+            const std::size_t first = columns.haveBases() ? 1 : 0, second = 2 * first;
+            return addFrame(0, dna.pairPoints, dna.pairRotations) &&
+                   addFrame(first, dna.points1, dna.rotations1) &&
+                   addFrame(second, dna.points2, dna.rotations2);
+        }
+        if (!isRotationMissing())
+            keepUnknownScalars();
+        if (!missing.empty() && !isRowOfElements())
+            return failMissing();
+        rod.lines.push_back(scanner.getLine());
+        for (std::size_t i = 0; i < columns.others.size(); ++i)
+            if (!isMissing(columns.others[i]))
+                rod.scalars[i].values.push_back(row[columns.others[i]]);
+        return addFrame(0, rod.points, rod.rotations);
+    }
+
+    /// One of the points that the row places, with its rotation unless that is missing.
+    bool addFrame(std::size_t frame, std::vector<algebra3d::Vector3<double>>& points,
+                  std::vector<algebra3d::Quaternion<double>>& rotations)
+    {
+        const std::size_t* at = &columns.geometry[frame * frameWidth];
+        for (std::size_t i = 0; i < 3; ++i)
+            if (!isCoordinate(row[at[i]]))
+                return fail(nameText(at[i]) + ": found " + formatted(row[at[i]]) + ", expected " +
+                            expectedCoordinate);
+        points.emplace_back(row[at[0]], row[at[1]], row[at[2]]);
+        if (isRotationMissing())
+            return true;
+        if (columns.haveDirectors(frame))
+            return addRotationOfDirectors(frame, rotations);
+        if (!columns.nameQuaternion(frame))
+            return true;
+        rotations.emplace_back(row[at[3]], row[at[4]], row[at[5]], row[at[6]]);
+        const std::string fault = checkRotation(rotations.back(), options);
+        return fault.empty() || fail("columns qx qy qz qw" + ofOwner(frame) + ": " + fault);
+    }
+
+    bool addRotationOfDirectors(std::size_t frame,
+                                std::vector<algebra3d::Quaternion<double>>& rotations)
+    {
+        Directors directors;
+        for (std::size_t i = 0; i < directors.size(); ++i) {
+            if (!columns.haveDirector(frame, i))
+                continue;
+            const auto [x, y, z] = columns.namesOfDirector(frame, i);
+            directors[i].emplace(row[columns.geometry[x]], row[columns.geometry[y]],
+                                 row[columns.geometry[z]]);
+        }
+        const std::string fault = findRotation(directors, options, rotations.emplace_back());
+        return fault.empty() || fail("directors" + ofOwner(frame) + ": " + fault);
+    }
+
+    /// Whatever belongs to elements is missing in the last row of a rod.
+    bool mayBeMissing(std::size_t column) const
+    {
+        const auto coordinates = columns.geometry.begin();
+        return !columns.areOfDna && std::find(coordinates, coordinates + firstOfQuaternion,
+                                              column) == coordinates + firstOfQuaternion;
+    }
+    bool isMissing(std::size_t column) const
+    {
+        return std::any_of(missing.begin(), missing.end(),
+                           [column](const MissingField& field) { return field.column == column; });
+    }
+    /// A scalar that is no number, beside a frame or where there are none, is not missing:
+    /// it is the point's, and unknown.
+    void keepUnknownScalars()
+    {
+        const auto isUnknown = [](const MissingField& field) { return !field.text.empty(); };
+        missing.erase(std::remove_if(missing.begin(), missing.end(), isUnknown), missing.end());
+    }
+    bool isRotationMissing() const
+    {
+        return std::any_of(missing.begin(), missing.end(), [this](const MissingField& field) {
+            return columns.isOfGeometry(field.column);
+        });
+    }
+    /// Whether a rotation is missing as a whole, or not at all.
+    bool isRowOfElements() const
+    {
+        const std::size_t ofRotation =
+            std::size_t(std::count_if(missing.begin(), missing.end(), [this](const auto& field) {
+                return columns.isOfGeometry(field.column);
+            }));
+        return ofRotation == 0 ||
+               ofRotation == columns.names.size() - columns.others.size() - firstOfQuaternion;
+    }
+    bool failMissing()
+    {
+        const MissingField& first = missing.front();
+        return failInLine(missingLine, nameText(first.column) + ": " + foundField(first.text) +
+                                           ", expected " + expectedNumber +
+                                           "; a rod's last row may lack what is of elements");
+    }
+
+    /// Rows between blank lines.
+    bool isInBlock() const { return !rod.points.empty() || !dna.bases.empty(); }
+
+    void openBlock()
+    {
+        firstLine = scanner.getLine();
+        const std::string line = fileName + ":" + std::to_string(firstLine) + ": ";
+        const std::string number = std::to_string(++blocks);
+        if (columns.areOfDna) {
+            dna.origin = line + "DNA " + number;
+            return;
+        }
+        rod.origin = line + "rod " + number;
+        for (const std::size_t c : columns.others)
+            rod.scalars.push_back({columns.names[c], {}});
+    }
+
+    bool finishBlock()
+    {
+        if (!isInBlock())
+            return true;
+        missing.clear();
+        const std::string fault = columns.areOfDna ? collector.add(std::exchange(dna, Dna()))
+                                                   : collector.add(std::exchange(rod, Rod()));
+        return fault.empty() || failInLine(firstLine, fault);
+    }
+
+    std::string columnText(std::size_t column) const
+    {
+        return "column " + std::to_string(column + 1);
+    }
+    std::string nameText(std::size_t column) const
+    {
+        const std::size_t index = indexOfName(columns.names[column], columns.knownNames());
+        const std::string name = columns.areOfDna && index != noColumn
+                                     ? rodNames[index % frameWidth] + ofOwner(index / frameWidth)
+                                     : shortened(columns.names[column]);
+        return columnText(column) + " (" + name + ")";
+    }
+    std::string ofOwner(std::size_t frame) const
+    {
+        return columns.areOfDna ? std::string(" of ") + dnaOwners[frame] : "";
+    }
+
+    /// Always false.
+    bool fail(const std::string& text) { return failInLine(scanner.getLine(), text); }
+    bool failInLine(std::size_t line, const std::string& text)
+    {
+        report.error = fileName + ":" + std::to_string(line) + ": " + text;
+        return false;
+    }
+
+    FieldScanner scanner;
+    const std::string& fileName;
+    const ReadOptions& options;
+    ReadReport& report;
+    Milestones milestones;
+    Columns columns;
+    std::vector<double> row;           ///< the numbers of one row, by column
+    std::vector<MissingField> missing; ///< of the last row that was read
+    std::size_t missingLine = 0;
+    char base = 0; ///< of the row
+    Rod rod;       ///< being read, or
+    Dna dna;       ///< this; without points between blocks
+    std::size_t firstLine = 0;
+    std::size_t blocks = 0;
+    Collector collector;
+};
+
+} // namespace
+
+std::optional<Configuration> readTable(std::string_view text, const std::string& fileName,
+                                       const ReadOptions& options, ReadReport& report)
+{
+    return TableReader(text, fileName, options, report).read();
+}
+
+} // namespace strandview

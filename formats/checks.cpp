@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <strandview/formats/checks.h>
+
+#include <cmath>
+
+#include <algebra3d/rotations.h>
+
+#include <strandview/formats/text/wording.h>
+
+namespace strandview {
+
+namespace {
+
+constexpr double largestCoordinate = 1e18;
+constexpr double normTolerance = 0.01;
+
+bool isZero(const algebra3d::Quaternion<double>& q)
+{
+    return q[0] == 0 && q[1] == 0 && q[2] == 0 && q[3] == 0;
+}
+
+} // namespace
+
+bool isCoordinate(double number) { return std::abs(number) <= largestCoordinate; }
+
+std::string checkRotation(algebra3d::Quaternion<double>& rotation, const ReadOptions& options)
+{
+    if (options.normalise) {
+        if (isZero(rotation))
+            return "found the zero quaternion, expected any other";
+        rotation = algebra3d::scaledToUnit(rotation);
+        return {};
+    }
+    const double norm = rotation.getNorm();
+    if (std::abs(norm - 1) <= normTolerance)
+        return {};
+    return "found a quaternion of norm " + formatted(norm) +
+           ", expected 1 within 0.01 (--normalise accepts others)";
+}
+
+std::optional<char> parseBase(char letter)
+{
+    const char base =
+        letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 'a' + 'A') : letter;
+    return base == 'A' || base == 'C' || base == 'G' || base == 'T' ? std::optional(base)
+                                                                    : std::nullopt;
+}
+
+} // namespace strandview

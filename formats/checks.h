@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_FORMATS_CHECKS_H
+#define STRANDVIEW_FORMATS_CHECKS_H
+
+#include <optional>
+#include <string>
+
+#include <algebra3d/Quaternion.h>
+#include <algebra3d/Vector3.h>
+
+#include <strandview/formats/ReadReport.h>
+#include <strandview/formatsExport.h>
+
+namespace strandview {
+
+/// What the readers ask of numbers and letters, whatever the format of the file.
+
+constexpr char expectedNumber[] = "a finite number";
+constexpr char expectedCoordinate[] = "a coordinate between -1e18 and 1e18";
+constexpr char expectedBase[] = "A, C, G or T";
+
+/// Whether a finite number can be drawn: at most 1e18 in magnitude, so that the square
+/// of a distance (at most 1.2e37) is finite in the single precision that is drawn with.
+STRANDVIEW_FORMATS_EXPORT bool isCoordinate(double number);
+
+/// Checks that a quaternion of finite components is a rotation: its norm is 1 within
+/// 0.01, the rod nodes' own tolerance. With options.normalise any quaternion but zero
+/// is one, and is scaled to unit length. "found ..., expected ..." if it is none, else
+/// nothing.
+STRANDVIEW_FORMATS_EXPORT std::string checkRotation(algebra3d::Quaternion<double>& rotation,
+                                                    const ReadOptions& options);
+
+/// A, C, G or T for such a letter, small or capital; nothing for any other character.
+STRANDVIEW_FORMATS_EXPORT std::optional<char> parseBase(char letter);
+
+} // namespace strandview
+
+#endif

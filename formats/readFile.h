@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_FORMATS_READFILE_H
+#define STRANDVIEW_FORMATS_READFILE_H
+
+#include <optional>
+#include <string>
+
+#include <strandview/formats/ReadReport.h>
+#include <strandview/formatsExport.h>
+#include <strandview/model/Configuration.h>
+
+namespace strandview {
+
+/// Reads one file, or standard input for "-", by the reader for its ending:
+/// .txt .dat .csv .tsv .xyz are tables, .json is JSON (upper or lower case). Of standard
+/// input, and where there is no ending or another one (pipes, devices), the content
+/// decides: JSON if the first character that is not blank is "{", else a table; what
+/// begins with control characters is neither. A byte order mark of UTF-8 is skipped;
+/// text with one of UTF-16 is refused.
+///
+/// Adds to report.notices. Nothing and report.error if it fails; if the file cannot be
+/// read at all the error gives the system's reason.
+STRANDVIEW_FORMATS_EXPORT std::optional<Configuration>
+readFile(const std::string& path, const ReadOptions& options, ReadReport& report);
+
+} // namespace strandview
+
+#endif

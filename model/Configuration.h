@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_MODEL_CONFIGURATION_H
+#define STRANDVIEW_MODEL_CONFIGURATION_H
+
+#include <vector>
+
+#include <strandview/model/Arrow.h>
+#include <strandview/model/Birod.h>
+#include <strandview/model/Dna.h>
+#include <strandview/model/Frame.h>
+#include <strandview/model/Marker.h>
+#include <strandview/model/Rod.h>
+
+namespace strandview {
+
+/// All that a user asked to see, free of any style; of rods alone made as {rods}.
+struct Configuration
+{
+    std::vector<Rod> rods;
+    std::vector<Birod> birods = {};
+    std::vector<Dna> dnas = {};
+    std::vector<Marker> markers = {};
+    std::vector<Frame> frames = {};
+    std::vector<Arrow> arrows = {};
+};
+
+} // namespace strandview
+
+#endif

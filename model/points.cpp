@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <strandview/model/points.h>
+
+#include <cstddef>
+#include <limits>
+
+namespace strandview {
+
+namespace {
+
+constexpr double smallestEdgeOfMean = 1e-5;
+
+} // namespace
+
+bool areCoincident(const algebra3d::Vector3<double>& a, const algebra3d::Vector3<double>& b)
+{
+    const algebra3d::Vector3<double> distance = b - a;
+    return distance.dot(distance) < std::numeric_limits<double>::min();
+}
+
+double smallestEdge(const std::vector<algebra3d::Vector3<double>>& points)
+{
+    double sum = 0;
+    std::size_t count = 0;
+    for (std::size_t i = 1; i < points.size(); ++i)
+        if (!areCoincident(points[i - 1], points[i])) {
+            sum += (points[i] - points[i - 1]).getNorm();
+            ++count;
+        }
+    return count == 0 ? 0 : smallestEdgeOfMean * (sum / double(count));
+}
+
+bool isClosed(const std::vector<algebra3d::Vector3<double>>& points)
+{
+    return areCoincident(points.front(), points.back()) ||
+           (points.back() - points.front()).getNorm() < smallestEdge(points);
+}
+
+} // namespace strandview

@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_DRAWING_DEPTHGRID_H
+#define STRANDVIEW_DRAWING_DEPTHGRID_H
+
+#include <vector>
+
+#include <Inventor/SbMatrix.h>
+#include <Inventor/SbVec3f.h>
+
+class SoState;
+
+/// What OpenGL's depth buffer hides, coarsely: tells in front of what has been drawn, and where
+/// in the window, a ball would be seen. Nothing that would be seen is told to be hidden, but for
+/// gaps narrower than a pixel where it has several samples.
+///
+/// Lives within one frame. Pixels are those of the viewport, from its lower left corner.
+class DepthGrid
+{
+public:
+    /// Pixels left <= x < right, bottom <= y < top.
+    struct Area
+    {
+        int left, bottom, right, top;
+
+        bool isEmpty() const { return left >= right || bottom >= top; }
+        double getSize() const { return double(right - left) * double(top - bottom); }
+        void extend(const Area& other);
+    };
+
+    static Area nowhere() { return {0, 0, 0, 0}; }
+    /// Removes those that are empty, and makes all of them one where that has hardly more pixels.
+    static void simplify(std::vector<Area>& areas);
+
+    /// A ball in the viewport, and how near its nearest point is.
+    struct Disc
+    {
+        double x, y, radius; ///< in pixels; a radius that is not positive: it may be anywhere
+        float depth;         ///< of the depth buffer, 0 to 1
+    };
+
+    /// Under a traversal's matrices and view. Nothing is hidden before read().
+    explicit DepthGrid(SoState* state);
+
+    /// Whether a processor draws the pixels: it takes its time for hidden ones as well, and answers
+    /// at once. A graphics card drops them by itself, and would be waited for.
+    static bool isSoftware();
+    /// Whether it pays to look, and what is behind is hidden: only Mesa's software drivers take
+    /// time for it; and it is not hidden with a depth test of another kind, with clipping planes
+    /// or with other matrices than those of cameras. Shaders are taken to leave points in place.
+    static bool isUsable(SoState* state);
+    /// Whether the projection is one of those that project() knows: of a camera.
+    static bool canProject(SoState* state);
+
+    /// From the coordinates of the state's model matrix to those of the eye.
+    const SbMatrix& getToEye() const { return toEye; }
+    double getViewportArea() const { return double(width) * double(height); }
+
+    /// The disc of a ball in coordinates that a matrix brings to the eye's, stretched by at most
+    /// `stretch`.
+    Disc project(const SbVec3f& centre, double radius, const SbMatrix& matrix,
+                 double stretch) const;
+    /// The disc of a box: its middle and half of each of its sides, as vectors, in the eye's
+    /// coordinates.
+    Disc project(const SbVec3f& middle, const SbVec3f halves[3]) const;
+    /// About how many pixels an area has that is within the ball of a disc.
+    double pixelsOf(double area, double radius, const Disc& disc) const;
+    /// The pixels of a length where a ball, in coordinates of the state's model matrix, is nearest;
+    /// infinite where it is not all in front of the eye.
+    double pixelsAtNearest(const SbVec3f& centre, double radius, double length) const;
+    /// Whether an area within a ball, in coordinates of the state's model matrix, would cover the
+    /// viewport that often if all of it were where the ball is nearest.
+    bool mayCover(const SbVec3f& centre, double radius, double area, double layers) const;
+    /// By how much a matrix stretches lengths at most.
+    static double stretchOf(const SbMatrix& matrix);
+
+    int getReads() const { return reads; }
+    /// Takes the depths as they are now.
+    void read();
+    /// The smallest area outside of which a disc cannot be seen.
+    Area seen(const Disc& disc) const { return seen(disc, {0, 0, columns, rows}); }
+    /// Several areas instead, where that leaves out more.
+    std::vector<Area> seenInParts(const Disc& disc) const;
+
+    /// Lets OpenGL draw in an area only, until leave().
+    void enter(const Area& area);
+    void leave();
+
+private:
+    Area seen(const Disc& disc, const Area& cells) const;
+
+    SbMatrix toEye, projection;
+    int origin[2] = {0, 0};
+    int width = 0, height = 0;
+    bool scissoring = false;
+    int cell = 1; // pixels per side of a cell
+    int columns = 0, rows = 0;
+    int reads = 0;
+    std::vector<float> farthest; // the largest depth in a cell; row by row, empty before read()
+    std::vector<float> pixels;
+};
+
+#endif

@@ -1,0 +1,211 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "drawing/DnaDrawing.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include <Inventor/SbBox3f.h>
+#include <Inventor/actions/SoGLRenderAction.h>
+#include <Inventor/nodes/SoSeparator.h>
+#include <Inventor/nodes/SoSwitch.h>
+#include <Inventor/nodes/SoTransform.h>
+
+#include "detail/exactly.h"
+
+namespace {
+
+// Of round spheres; multiples of the smallest, so that few steps of a zoom compile them.
+const int SMALLEST_CORNERS = 6;
+const int MANY_CORNERS = 12; // with more of them what is out of view is not drawn
+const int LARGEST_CORNERS = 96;
+const double LARGEST_ERROR = 0.5; // of the outline, in pixels
+const double LARGEST_TRIANGLES = 2e7;
+const double ATOMS_PER_BASE = 9;
+
+} // namespace
+
+// Reading the graph
+
+bool DnaDrawing::update(SoGroup* root, SoSwitch* boxes, SoGroup* bases)
+{
+    const std::uint64_t id = root->getNodeId();
+    if (id == seenId)
+        return drawable;
+    placed.clear();
+    drawable = root->getNumChildren() == 2 && root->getChild(0) == boxes &&
+               root->getChild(1) == bases && isAllOrNothing(boxes) &&
+               updatePlacements(boxes, boxPlacements) && updatePlacements(bases, basePlacements) &&
+               glyphs.update(placed, corners);
+    boxesShown = boxes->whichChild.getValue() == SO_SWITCH_ALL;
+    seenId = id;
+    if (!drawable)
+        boxPlacements = basePlacements = {};
+    measure();
+    return drawable;
+}
+
+// Matrices are made again only where the transform is another one, or changed.
+bool DnaDrawing::updatePlacements(SoGroup* group, std::vector<Placement>& placements)
+{
+    const int n = group->getNumChildren();
+    placements.resize(std::size_t(n));
+    placements.shrink_to_fit();
+    for (int i = 0; i < n; ++i) {
+        const auto* separator = exactly<SoSeparator>(group->getChild(i));
+        if (!separator || separator->getNumChildren() != 2)
+            return false;
+        const auto* transform = exactly<SoTransform>(separator->getChild(0));
+        if (!transform)
+            return false;
+        Placement& placement = placements[std::size_t(i)];
+        const int glyph = findGlyph(separator->getChild(1));
+        if (glyph < 0)
+            return false;
+        placement.glyph = std::uint32_t(glyph);
+        if (placement.transform == transform && transform->getNodeId() <= seenId)
+            continue;
+        placement.transform = transform;
+        placement.matrix.setTransform(
+            transform->translation.getValue(), transform->rotation.getValue(),
+            transform->scaleFactor.getValue(), transform->scaleOrientation.getValue(),
+            transform->center.getValue());
+    }
+    return true;
+}
+
+// Nine nodes are shared; with many more the graph is not ours any more.
+int DnaDrawing::findGlyph(SoNode* node)
+{
+    const auto found = std::find(placed.begin(), placed.end(), node);
+    if (found != placed.end())
+        return int(found - placed.begin());
+    if (placed.size() >= 16)
+        return -1;
+    placed.push_back(node);
+    return int(placed.size()) - 1;
+}
+
+// What is needed to find out quickly that hardly anything lies behind anything.
+void DnaDrawing::measure()
+{
+    SbBox3f box;
+    double reach = 0;
+    area = 0;
+    for (const auto* placements : {&boxPlacements, &basePlacements}) {
+        if (placements == &boxPlacements && !boxesShown)
+            continue;
+        for (const Placement& placement : *placements) {
+            const GlyphDrawing::Ball& ball = glyphs.getBound(placement.glyph);
+            const double stretch = DepthGrid::stretchOf(placement.matrix);
+            SbVec3f centre;
+            placement.matrix.multVecMatrix(ball.centre, centre);
+            box.extendBy(centre);
+            reach = std::max(reach, ball.radius * stretch);
+            area += glyphs.getArea(placement.glyph) * stretch * stretch;
+        }
+    }
+    if (box.isEmpty())
+        bound = {};
+    else
+        bound = {box.getCenter(), float((box.getMax() - box.getCenter()).length() + reach)};
+}
+
+bool DnaDrawing::setCorners(int newCorners)
+{
+    corners = newCorners;
+    return glyphs.update(placed, corners);
+}
+
+// Drawing
+
+bool DnaDrawing::draw(SoGLRenderAction* action, SoGroup* root, SoSwitch* boxes, SoGroup* bases)
+{
+    SoState* const state = action->getState();
+    return GlyphDrawing::canDraw(state) && update(root, boxes, bases) &&
+           setCorners(roundSpheres && DepthGrid::canProject(state) ? findCorners(state) : 0) &&
+           glyphs.draw(action, [this, state] { drawAll(state); });
+}
+
+// Enough for the outline of the nearest sphere to be off by less than half a pixel, unless
+// there are too many of them in view.
+int DnaDrawing::findCorners(SoState* state) const
+{
+    const DepthGrid grid(state);
+    const double pixels =
+        grid.pixelsAtNearest(bound.centre, bound.radius, glyphs.getLargestSphere());
+    // A chord's distance from the circle is pixels (1 - cos(pi / corners)).
+    const double needed = M_PI * std::sqrt(pixels / (2 * LARGEST_ERROR));
+    int number = SMALLEST_CORNERS;
+    while (number < needed && number < LARGEST_CORNERS)
+        number += SMALLEST_CORNERS;
+    if (number > MANY_CORNERS) {
+        const double count = double(findSeen(basePlacements, grid).size());
+        while (number > MANY_CORNERS &&
+               count * ATOMS_PER_BASE * number * number > LARGEST_TRIANGLES)
+            number -= SMALLEST_CORNERS;
+    }
+    return number;
+}
+
+void DnaDrawing::drawAll(SoState* state) const
+{
+    DepthGrid grid(state);
+    if (grid.mayCover(bound.centre, bound.radius, area, SORTED_LAYERS) &&
+        DepthGrid::isUsable(state)) {
+        std::vector<InView<const Placement*>> boxes, bases = findSeen(basePlacements, grid);
+        if (boxesShown)
+            boxes = findSeen(boxPlacements, grid);
+        if (pixelsOf(boxes) + pixelsOf(bases) > SORTED_LAYERS * grid.getViewportArea()) {
+            double unread = 0;
+            drawNearestFirst(boxes, grid, unread);
+            drawNearestFirst(bases, grid, unread);
+            return;
+        }
+    }
+    if (boxesShown)
+        drawPlacements(boxPlacements);
+    if (corners > MANY_CORNERS) {
+        for (const InView<const Placement*>& base : findSeen(basePlacements, grid))
+            glyphs.drawGlyph(base.what->glyph, base.what->matrix);
+    } else {
+        drawPlacements(basePlacements);
+    }
+}
+
+void DnaDrawing::drawPlacements(const std::vector<Placement>& placements) const
+{
+    for (const Placement& placement : placements)
+        glyphs.drawGlyph(placement.glyph, placement.matrix);
+}
+
+std::vector<InView<const DnaDrawing::Placement*>>
+DnaDrawing::findSeen(const std::vector<Placement>& placements, const DepthGrid& grid) const
+{
+    std::vector<InView<const Placement*>> seen;
+    seen.reserve(placements.size());
+    for (const Placement& placement : placements) {
+        SbMatrix toEye = placement.matrix;
+        toEye.multRight(grid.getToEye());
+        const GlyphDrawing::Ball& ball = glyphs.getBound(placement.glyph);
+        const DepthGrid::Disc disc =
+            grid.project(ball.centre, ball.radius, toEye, DepthGrid::stretchOf(toEye));
+        if (!grid.seen(disc).isEmpty()) {
+            const double pixels = grid.pixelsOf(glyphs.getArea(placement.glyph), ball.radius, disc);
+            seen.push_back({&placement, disc, -toEye[3][2], pixels});
+        }
+    }
+    return seen;
+}
+
+void DnaDrawing::drawNearestFirst(std::vector<InView<const Placement*>>& seen, DepthGrid& grid,
+                                  double& unread) const
+{
+    ::drawNearestFirst(
+        seen, grid, unread,
+        [this](const Placement* placement) {
+            glyphs.drawGlyph(placement->glyph, placement->matrix);
+        },
+        [&](const Placement* placement, const DepthGrid::Disc& /*disc*/) {
+            return glyphs.drawSeen(placement->glyph, placement->matrix, grid);
+        });
+}

@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_DRAWING_GLBUFFER_H
+#define STRANDVIEW_DRAWING_GLBUFFER_H
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <vector>
+
+#include <GL/gl.h>
+#include <Inventor/misc/SoContextHandler.h>
+
+/// A buffer object of OpenGL, or none. It is deleted with this, as soon as its context is
+/// current again. Contexts are named as Coin does: by their cache contexts.
+class GLBuffer
+{
+public:
+    GLBuffer() = default;
+    /// Of the current context, which has this name.
+    template <typename Element>
+    GLBuffer(std::uint32_t currentContext, GLenum target, const std::vector<Element>& elements)
+        : GLBuffer(currentContext, target, elements.data(), elements.size() * sizeof(Element))
+    {}
+    /// So many bytes that a BufferWriter fills.
+    GLBuffer(std::uint32_t currentContext, GLenum target, std::size_t bytes)
+        : GLBuffer(currentContext, target, nullptr, bytes)
+    {}
+    GLBuffer(GLBuffer&& other) noexcept;
+    GLBuffer& operator=(GLBuffer&& other) noexcept;
+    ~GLBuffer();
+
+    /// Whether a context has any; OpenGL itself has them since its version 1.5.
+    static bool areSupported(std::uint32_t context);
+
+    /// Whether there is one.
+    explicit operator bool() const { return name != 0; }
+    /// Binds it, or none.
+    void bind(GLenum target) const;
+
+    /// Replaces bytes from an offset on.
+    void write(GLenum target, std::size_t offset, const void* data, std::size_t bytes) const;
+
+    /// A place in the bound buffer, for OpenGL's functions that take a pointer.
+    static const void* offset(std::size_t bytes) { return reinterpret_cast<const void*>(bytes); }
+
+private:
+    GLBuffer(std::uint32_t currentContext, GLenum target, const void* data, std::size_t bytes);
+
+    std::uint32_t context = 0;
+    GLuint name = 0;
+};
+
+/// Fills a buffer from its beginning with elements that come one by one, so that they are
+/// never all in memory beside it.
+template <typename Element>
+class BufferWriter
+{
+public:
+    BufferWriter(const GLBuffer& filledBuffer, GLenum bufferTarget)
+        : buffer(filledBuffer), target(bufferTarget)
+    {
+        elements.reserve(CAPACITY);
+    }
+    ~BufferWriter() { flush(); }
+    BufferWriter(const BufferWriter&) = delete;
+    BufferWriter& operator=(const BufferWriter&) = delete;
+
+    void append(const Element& element)
+    {
+        elements.push_back(element);
+        if (elements.size() == CAPACITY)
+            flush();
+    }
+
+private:
+    static constexpr std::size_t CAPACITY = 32 * 1024;
+
+    void flush()
+    {
+        const std::size_t bytes = elements.size() * sizeof(Element);
+        buffer.write(target, written, elements.data(), bytes);
+        written += bytes;
+        elements.clear();
+    }
+
+    const GLBuffer& buffer;
+    const GLenum target;
+    std::vector<Element> elements;
+    std::size_t written = 0; // bytes
+};
+
+/// What somebody keeps in each context, until the context goes.
+template <typename Kept>
+class PerContext
+{
+public:
+    PerContext() { SoContextHandler::addContextDestructionCallback(contextGoes, this); }
+    ~PerContext() { SoContextHandler::removeContextDestructionCallback(contextGoes, this); }
+    PerContext(const PerContext&) = delete;
+    PerContext& operator=(const PerContext&) = delete;
+
+    Kept& operator[](std::uint32_t context) { return kept[context]; }
+    void clear() { kept.clear(); }
+
+private:
+    // Called while the context is still there; what is deleted now is deleted with it.
+    static void contextGoes(std::uint32_t context, void* closure)
+    {
+        static_cast<PerContext*>(closure)->kept.erase(context);
+    }
+
+    std::map<std::uint32_t, Kept> kept;
+};
+
+#endif

@@ -1,0 +1,289 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "sampling/fourAtOnce.h"
+
+#include <algorithm>
+#include <cfloat>
+#include <cmath>
+#include <cstddef>
+
+#if defined(__x86_64__)
+#include <emmintrin.h>
+#endif
+#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__) &&                             \
+    !defined(STRANDVIEW_BASELINE_ONLY)
+// Compiled twice, and chosen when the library is loaded. The compiler leaves the AVX2
+// state (vzeroupper) before it calls or returns to anything else. Clang refuses vectors that go
+// between one of two such functions and what is compiled into it.
+#define FOUR_AT_ONCE __attribute__((target_clones("avx2", "default")))
+#else
+#define FOUR_AT_ONCE
+#endif
+#define ALWAYS_INLINE inline __attribute__((always_inline))
+
+// Four are passed only between functions that are compiled into each other.
+#pragma GCC diagnostic ignored "-Wpsabi"
+
+using Vector = algebra3d::Vector3<double>;
+
+namespace {
+
+typedef double Four __attribute__((vector_size(32)));
+// Wherever four doubles lie, even as a vector.
+typedef double FourInMemory __attribute__((vector_size(32), aligned(8), may_alias));
+typedef long long FourMasks __attribute__((vector_size(32)));
+
+struct FourVectors
+{
+    Four x, y, z;
+};
+
+ALWAYS_INLINE Four all(double value) { return Four{value, value, value, value}; }
+
+ALWAYS_INLINE FourVectors all(const Vector3& v) { return {all(v[0]), all(v[1]), all(v[2])}; }
+
+ALWAYS_INLINE Four load(const double* values)
+{
+    return *reinterpret_cast<const FourInMemory*>(values);
+}
+
+ALWAYS_INLINE void store(const Four& four, double* values)
+{
+    *reinterpret_cast<FourInMemory*>(values) = four;
+}
+
+ALWAYS_INLINE FourVectors operator+(const FourVectors& a, const FourVectors& b)
+{
+    return {a.x + b.x, a.y + b.y, a.z + b.z};
+}
+
+ALWAYS_INLINE FourVectors operator-(const FourVectors& a, const FourVectors& b)
+{
+    return {a.x - b.x, a.y - b.y, a.z - b.z};
+}
+
+ALWAYS_INLINE FourVectors operator*(const Four& factor, const FourVectors& v)
+{
+    return {factor * v.x, factor * v.y, factor * v.z};
+}
+
+ALWAYS_INLINE FourVectors operator/(const FourVectors& v, const Four& divisor)
+{
+    return {v.x / divisor, v.y / divisor, v.z / divisor};
+}
+
+ALWAYS_INLINE Four dot(const FourVectors& a, const FourVectors& b)
+{
+    return a.x * b.x + a.y * b.y + a.z * b.z;
+}
+
+ALWAYS_INLINE FourVectors select(const FourMasks& mask, const FourVectors& a, const FourVectors& b)
+{
+    return {mask ? a.x : b.x, mask ? a.y : b.y, mask ? a.z : b.z};
+}
+
+ALWAYS_INLINE Four squareRoot(const Four& four)
+{
+#if defined(__x86_64__)
+    const __m128d low = _mm_sqrt_pd(__m128d{four[0], four[1]});
+    const __m128d high = _mm_sqrt_pd(__m128d{four[2], four[3]});
+    return Four{low[0], low[1], high[0], high[1]};
+#else
+    return Four{std::sqrt(four[0]), std::sqrt(four[1]), std::sqrt(four[2]), std::sqrt(four[3])};
+#endif
+}
+
+ALWAYS_INLINE Four norm(const FourVectors& v) { return squareRoot(dot(v, v)); }
+
+// BiarcSampler::sampleAt on two curved arcs, from there formula by formula. Each of four
+// samples takes the numbers of the arc that it lies on.
+FOUR_AT_ONCE void sampleArcs(const BiarcSampler<Vector3>& sampler, double step, int begin,
+                             int count, CurveSamples& samples, int at)
+{
+    const Biarc<Vector3>& biarc = sampler.getBiarc();
+    const ArcSampler<Vector3>&arc0 = sampler.getArc0(), &arc1 = sampler.getArc1();
+    const double halfway0 = biarc.length0 / 2, halfway1 = biarc.length0 + biarc.length1 / 2;
+    const FourVectors t0 = all(biarc.tangent), tm = all(biarc.matchTangent),
+                      tN = all(sampler.getNext().tangent);
+    const Four zero = all(0), one = all(1);
+
+    for (int i = 0; i < count; i += 4) {
+        const double k = begin + i;
+        const Four s = Four{k, k + 1, k + 2, k + 3} * step;
+        const FourMasks onFirst = s <= biarc.length0;
+        const auto number = [&](double ArcSampler<Vector3>::*of) {
+            return onFirst ? all(arc0.*of) : all(arc1.*of);
+        };
+        const FourVectors b0 = select(onFirst, all(arc0.b0), all(arc1.b0));
+        const FourVectors b1 = select(onFirst, all(arc0.b1), all(arc1.b1));
+        const FourVectors b2 = select(onFirst, all(arc0.b2), all(arc1.b2));
+        const Four radius = number(&ArcSampler<Vector3>::radius);
+        const Four onArc = onFirst ? s : s - biarc.length0;
+
+        const Four cosine = load(samples.cosines + at + i), sine = load(samples.sines + at + i);
+        const Four modelX = radius - radius * cosine;
+        const Four modelY = radius * sine;
+        const Four projection = modelX * number(&ArcSampler<Vector3>::chordX) +
+                                modelY * number(&ArcSampler<Vector3>::chordY);
+        const Four fraction = projection / number(&ArcSampler<Vector3>::chord);
+        const Four atLeast0 = fraction < zero ? zero : fraction;
+        const Four clamped = one < atLeast0 ? one : atLeast0;
+        const Four tau = projection > arc0.SMALLEST_PROJECTION ? clamped : zero;
+
+        const Four first = (1 - tau) * (1 - tau);
+        const Four second = 2 * number(&ArcSampler<Vector3>::weight) * tau * (1 - tau);
+        const Four third = tau * tau;
+        FourVectors point = (first * b0 + second * b1 + third * b2) / (first + third + second);
+        point = select(onArc == number(&ArcSampler<Vector3>::length), b2, point);
+        point = select(onArc == zero, b0, point);
+
+        const FourMasks nearStart = s <= (onFirst ? all(halfway0) : all(halfway1));
+        const FourVectors known =
+            select(nearStart, select(onFirst, tm, tN), select(onFirst, t0, tm));
+        const FourVectors line = select(nearStart, b2 - point, point - b0);
+        const FourVectors reflected = 2 * (dot(known, line) / dot(line, line)) * line - known;
+        FourVectors tangent = reflected / norm(reflected);
+        tangent = select(s == biarc.length, tN, tangent);
+        tangent = select(s == biarc.length0, tm, tangent);
+        tangent = select(s == zero, t0, tangent);
+
+        store(point.x, samples.x + at + i);
+        store(point.y, samples.y + at + i);
+        store(point.z, samples.z + at + i);
+        store(tangent.x, samples.tangentX + at + i);
+        store(tangent.y, samples.tangentY + at + i);
+        store(tangent.z, samples.tangentZ + at + i);
+    }
+}
+
+static_assert(sizeof(Vector) == sizeof(Four) && alignof(Vector) == alignof(double),
+              "a vector is its table of virtual functions and x, y, z");
+
+// The components of a vector, behind a 0.
+ALWAYS_INLINE Four components(const Vector& vector)
+{
+    return Four{0, vector.x, vector.y, vector.z};
+}
+
+// Constructs a vector of these values behind a 0; `made` is one that is made already, whose
+// pointer to the virtual functions is copied.
+ALWAYS_INLINE void construct(Vector* vector, const Four& values, const Four& made)
+{
+    store(__builtin_shufflevector(values, made, 4, 1, 2, 3), reinterpret_cast<double*>(vector));
+}
+
+// next() gives the frame of one ring after the other.
+template <typename Next>
+ALWAYS_INLINE void fillRings(const RingFiller& to, int count, Next next)
+{
+    const Vector zeroVector;
+    const Four made = load(reinterpret_cast<const double*>(&zeroVector));
+
+    // By value: the compiler cannot know that the vectors lie elsewhere.
+    const double* const directions = to.directions;
+    const std::ptrdiff_t columns = to.columns;
+    const double radius = to.radius;
+    Vector* point = to.points;
+    Vector* normal = to.normals;
+    Four low = {0, to.minimum[0], to.minimum[1], to.minimum[2]};
+    Four high = {0, to.maximum[0], to.maximum[1], to.maximum[2]};
+    for (int ring = 0; ring < count; ++ring) {
+        Four centre, u, v;
+        next(centre, u, v);
+        for (std::ptrdiff_t column = 0; column < columns; ++column) {
+            const Four n = directions[2 * column] * u + directions[2 * column + 1] * v;
+            const Four p = centre + radius * n;
+            construct(normal++, n, made);
+            construct(point++, p, made);
+            low = p < low ? p : low;
+            high = p > high ? p : high;
+        }
+    }
+    for (int axis = 0; axis < 3; ++axis) {
+        to.minimum[axis] = low[axis + 1];
+        to.maximum[axis] = high[axis + 1];
+    }
+}
+
+FOUR_AT_ONCE void fillGivenRings(const RingFiller& to, const TubeMesh::RingFrame* rings, int count)
+{
+    fillRings(to, count, [&](Four& centre, Four& u, Four& v) {
+        centre = components(rings->centre);
+        u = components(rings->u);
+        v = components(rings->v);
+        ++rings;
+    });
+}
+
+FOUR_AT_ONCE void fillCarriedRings(const RingFiller& to, const CurveSamples& samples, Vector& d1,
+                                   Vector& d2)
+{
+    int i = 0;
+    Vector u = d1, v = d2;
+    fillRings(to, samples.size, [&](Four& ringCentre, Four& ringU, Four& ringV) {
+        // The next ring's frame depends on this one's: the processor computes it while
+        // this ring is written.
+        carryFrame(samples.tangent(i), u, v);
+        ringCentre = Four{0, samples.x[i], samples.y[i], samples.z[i]};
+        ringU = components(u);
+        ringV = components(v);
+        ++i;
+    });
+    d1 = u;
+    d2 = v;
+}
+
+FOUR_AT_ONCE void normalise(double* x, double* y, double* z, int count)
+{
+    for (int i = 0; i < count; i += 4) {
+        const FourVectors v = {load(x + i), load(y + i), load(z + i)};
+        const Four length = norm(v);
+        const FourVectors unit = select(length == all(0), v, v / length);
+        store(unit.x, x + i);
+        store(unit.y, y + i);
+        store(unit.z, z + i);
+    }
+}
+
+} // namespace
+
+void sampleBiarc(const BiarcSampler<Vector3>& sampler, double step, int first, int count,
+                 CurveSamples& samples)
+{
+    const Biarc<Vector3>& biarc = sampler.getBiarc();
+    const int end = first + count;
+    // Straight ones, and what is not finite or not valid.
+    if (!sampler.isCurved() || !((end - 1) * step <= biarc.length && biarc.length <= DBL_MAX)) {
+        for (int k = first; k < end; ++k) {
+            Vector3 point, tangent;
+            sampler.sampleAt(k * step, point, tangent);
+            samples.append(point, tangent);
+        }
+        return;
+    }
+
+    const int at = samples.size;
+    samples.size += count;
+    for (int i = 0; i < count; ++i) {
+        const double s = (first + i) * step;
+        const double angle =
+            s <= biarc.length0 ? s / biarc.radius0 : (s - biarc.length0) / biarc.radius1;
+        samples.cosines[at + i] = std::cos(angle);
+        samples.sines[at + i] = std::sin(angle);
+    }
+    sampleArcs(sampler, step, first, count, samples, at);
+}
+
+void normaliseTangents(CurveSamples& samples)
+{
+    normalise(samples.tangentX, samples.tangentY, samples.tangentZ, samples.size);
+}
+
+void RingFiller::fill(const TubeMesh::RingFrame* rings, int count)
+{
+    fillGivenRings(*this, rings, count);
+}
+
+void RingFiller::fillCarried(const CurveSamples& samples, Vector& d1, Vector& d2)
+{
+    fillCarriedRings(*this, samples, d1, d2);
+}

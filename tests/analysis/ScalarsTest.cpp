@@ -1,0 +1,163 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <strandview/analysis/scalars.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include <gmock/gmock.h>
+
+#include <algebra3d/Matrix3.h>
+
+namespace strandview {
+
+namespace {
+
+using algebra3d::Matrix3;
+using algebra3d::Vector3;
+
+const double RADIUS = 2;
+const double PITCH = 0.5; // height per radian
+const double TURN = 0.02; // radians between points
+const double SPEED = std::sqrt(RADIUS * RADIUS + PITCH * PITCH);
+
+// A helix in its Frenet frame (d1 the normal, d2 the binormal), turned about d3 by
+// `twist` per length. Right-handed if `hand` is 1, left-handed if -1.
+Rod helix(double twist, double hand)
+{
+    Rod rod;
+    for (int i = 0; i < 200; ++i) {
+        const double a = TURN * i;
+        const double c = std::cos(a), s = std::sin(a);
+        const Vector3<double> d3(-RADIUS * s / SPEED, hand * RADIUS * c / SPEED, PITCH / SPEED);
+        const Vector3<double> normal(-c, -hand * s, 0);
+        const Vector3<double> binormal = d3.cross(normal);
+        const double phi = twist * SPEED * a;
+        const Vector3<double> d1 = std::cos(phi) * normal + std::sin(phi) * binormal;
+        rod.points.emplace_back(RADIUS * c, hand * RADIUS * s, PITCH * a);
+        rod.rotations.push_back(Matrix3<double>(d1, d3.cross(d1), d3).getQuaternion());
+    }
+    return rod;
+}
+
+void expectAllNear(const Rod& rod, const std::string& name, double expected, double tolerance)
+{
+    SCOPED_TRACE(name);
+    const auto values = findScalar(rod, name);
+    ASSERT_TRUE(values);
+    ASSERT_EQ(values->size(), rod.points.size());
+    for (double value : *values)
+        EXPECT_NEAR(value, expected, tolerance);
+}
+
+TEST(Scalars, OfAHelixAreItsKnownOnes)
+{
+    for (const double hand : {1.0, -1.0}) {
+        SCOPED_TRACE(hand);
+        const Rod rod = helix(0, hand);
+        const double torsion = hand * PITCH / (SPEED * SPEED);
+        expectAllNear(rod, "curvature", RADIUS / (SPEED * SPEED), 1e-4);
+        expectAllNear(rod, "torsion", torsion, 1e-4);
+        // The Frenet frame turns about the tangent by the torsion.
+        expectAllNear(rod, "twist", torsion, 1e-4);
+    }
+}
+
+// As a file has them that was written with so many decimals.
+Rod written(Rod rod, int decimals)
+{
+    const double scale = std::pow(10, decimals);
+    const auto round = [scale](double& number) { number = std::round(number * scale) / scale; };
+    for (Vector3<double>& point : rod.points) {
+        for (int axis = 0; axis < 3; ++axis)
+            round(point[axis]);
+    }
+    for (auto& rotation : rod.rotations) {
+        for (int i = 0; i < 4; ++i)
+            round(rotation[i]);
+    }
+    return rod;
+}
+
+TEST(Scalars, OfAHelixVaryWithinTheRoundingOfItsDecimals)
+{
+    for (const int decimals : {5, 6, 7, 9, 12, 17}) {
+        const Rod rod = written(helix(1, 1), decimals);
+        for (const char* name : {"curvature", "torsion", "twist"}) {
+            SCOPED_TRACE(std::string(name) + " with decimals: " + std::to_string(decimals));
+            const auto values = *findScalar(rod, name);
+            const auto rounding = roundingOf(rod, name);
+            const auto [least, greatest] = std::minmax_element(values.begin(), values.end());
+            const double largest = *std::max_element(rounding.begin(), rounding.end());
+            EXPECT_LE(*greatest - *least, 2 * largest);
+            EXPECT_TRUE(decimals < 9 || largest < 0.01) << largest; // the bound is of use
+        }
+    }
+}
+
+TEST(Scalars, OfALatticeAreNotRounded)
+{
+    Rod rod;
+    for (int i = 0; i < 20; ++i)
+        rod.points.emplace_back(1e-9 * ((i + 1) / 2), 1e-9 * (i / 2), 0);
+    rod.rotations.resize(rod.points.size());
+    for (const double rounding : roundingOf(rod, "curvature"))
+        EXPECT_LT(rounding, 1e-3 * findScalar(rod, "curvature")->front());
+}
+
+TEST(Scalars, TwistAddsToTheTorsion)
+{
+    expectAllNear(helix(0.7, 1), "twist", 0.7 + PITCH / (SPEED * SPEED), 1e-4);
+    expectAllNear(helix(-3, 1), "twist", -3 + PITCH / (SPEED * SPEED), 1e-4);
+}
+
+TEST(Scalars, TwistDoesNotDependOnTheSignOfAQuaternion)
+{
+    Rod rod = helix(0.7, 1);
+    for (int i = 0; i < 4; ++i)
+        rod.rotations[100][i] = -rod.rotations[100][i];
+    expectAllNear(rod, "twist", 0.7 + PITCH / (SPEED * SPEED), 1e-4);
+}
+
+TEST(Scalars, ArcLengthRunsAlongThePolygon)
+{
+    Rod rod;
+    rod.points = {Vector3<double>(0, 0, 0), Vector3<double>(3, 4, 0), Vector3<double>(3, 4, 2)};
+    rod.rotations.resize(3);
+    EXPECT_THAT(*findScalar(rod, "arclength"), testing::ElementsAre(0, 5, 7));
+}
+
+TEST(Scalars, OfAStraightRodAreZeroWhateverItsLength)
+{
+    for (int size = 2; size < 7; ++size) {
+        Rod rod;
+        for (int i = 0; i < size; ++i) {
+            rod.points.emplace_back(0, 0, i);
+            rod.rotations.emplace_back();
+        }
+        for (const char* name : {"curvature", "torsion", "twist"})
+            expectAllNear(rod, name, 0, 0);
+    }
+}
+
+TEST(Scalars, OfTheFileComeBeforeBuiltInOnes)
+{
+    Rod rod = helix(0, 1);
+    rod.scalars.push_back({"twist", std::vector<double>(rod.points.size(), 42)});
+    expectAllNear(rod, "twist", 42, 0);
+}
+
+TEST(Scalars, UnknownNamesGiveNothing)
+{
+    EXPECT_FALSE(findScalar(helix(0, 1), "temperature"));
+    EXPECT_FALSE(findScalar(helix(0, 1), ""));
+}
+
+TEST(Scalars, EveryBuiltInNameIsFound)
+{
+    for (const std::string& name : builtInScalars())
+        EXPECT_TRUE(findScalar(helix(0, 1), name)) << name;
+}
+
+} // namespace
+
+} // namespace strandview

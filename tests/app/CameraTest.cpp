@@ -1,0 +1,260 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "camera/Camera.h"
+
+#include <cmath>
+#include <random>
+
+#include <Inventor/SbViewportRegion.h>
+#include <Inventor/actions/SoGetBoundingBoxAction.h>
+#include <Inventor/nodes/SoCube.h>
+#include <Inventor/nodes/SoOrthographicCamera.h>
+#include <Inventor/nodes/SoPerspectiveCamera.h>
+#include <Inventor/nodes/SoSeparator.h>
+#include <Inventor/nodes/SoTranslation.h>
+#include <gmock/gmock.h>
+
+#include "support/initialiseSceneOnce.h"
+
+namespace strandview {
+
+namespace {
+
+const std::vector<Side> SIDES{Side::X,       Side::MINUS_X, Side::Y,
+                              Side::MINUS_Y, Side::Z,       Side::MINUS_Z};
+
+// Where the box's corners are: x and y from 0 to 1 across the view, and their depths.
+struct Seen
+{
+    SbVec3f lowest{INFINITY, INFINITY, INFINITY};
+    SbVec3f highest{-INFINITY, -INFINITY, -INFINITY};
+};
+
+class CameraTest : public testing::Test
+{
+protected:
+    CameraTest() { initialiseSceneOnce(); }
+
+    ~CameraTest() override
+    {
+        if (scene)
+            scene->unref();
+    }
+
+    // A scene that is a box away from the origin.
+    void makeScene(const SbVec3f& size)
+    {
+        if (scene)
+            scene->unref();
+        scene = new SoSeparator;
+        scene->ref();
+        auto* place = new SoTranslation;
+        place->translation = SbVec3f(3, -1, 2);
+        scene->addChild(place);
+        auto* cube = new SoCube;
+        cube->width = size[0];
+        cube->height = size[1];
+        cube->depth = size[2];
+        scene->addChild(cube);
+        for (int i = 0; i < 8; ++i) {
+            corners[i] = SbVec3f(3, -1, 2) + 0.5f * SbVec3f(i & 1 ? size[0] : -size[0],
+                                                            i & 2 ? size[1] : -size[1],
+                                                            i & 4 ? size[2] : -size[2]);
+        }
+    }
+
+    // As Coin itself projects with the camera.
+    Seen look(const SoCamera& camera, const SbVec2s& size) const
+    {
+        SbViewportRegion region(size);
+        const SbViewVolume volume = camera.getViewVolume(region, region);
+        Seen seen;
+        for (const SbVec3f& corner : corners) {
+            SbVec3f at;
+            volume.projectToScreen(corner, at);
+            SbVec3f direction;
+            camera.orientation.getValue().multVec(SbVec3f(0, 0, -1), direction);
+            at[2] = direction.dot(corner - camera.position.getValue());
+            for (int i = 0; i < 3; ++i) {
+                seen.lowest[i] = std::min(seen.lowest[i], at[i]);
+                seen.highest[i] = std::max(seen.highest[i], at[i]);
+            }
+        }
+        return seen;
+    }
+
+    SoSeparator* scene = nullptr;
+    SbVec3f corners[8];
+};
+
+TEST_F(CameraTest, FitsTheWholeBoxFromEverySideIntoAnyView)
+{
+    const std::vector<SbVec2s> sizes{{400, 300}, {300, 400}, {256, 256}, {900, 30},
+                                     {30, 900},  {1000, 1},  {1, 1000}};
+    const std::vector<SbVec3f> boxes{{2, 2, 2}, {10, 1, 0.1f}, {0.1f, 8, 1}, {1e-3f, 2e-3f, 1e-3f}};
+    for (const bool perspective : {false, true}) {
+        for (const Side side : SIDES) {
+            for (const SbVec2s& size : sizes) {
+                for (const float bottom : {0.0f, 0.12f, 0.5f}) {
+                    for (const SbVec3f& box : boxes) {
+                        SCOPED_TRACE(testing::Message()
+                                     << (perspective ? "perspective" : "orthographic") << " side "
+                                     << int(side) << ", " << size[0] << "x" << size[1]
+                                     << ", bottom " << bottom << ", box " << box[0]);
+                        makeScene(box);
+                        CameraRequest request;
+                        request.side = side;
+                        request.perspective = perspective;
+                        SoCamera* camera =
+                            makeCamera(request, scene, SbViewportRegion(size), bottom);
+                        camera->ref();
+                        const Seen seen = look(*camera, size);
+                        const float slack = 2e-4f;
+                        EXPECT_GE(seen.lowest[0], -slack);
+                        EXPECT_LE(seen.highest[0], 1 + slack);
+                        EXPECT_GE(seen.lowest[1], bottom - slack);
+                        EXPECT_LE(seen.highest[1], 1 + slack);
+                        // Between the clipping planes.
+                        EXPECT_GE(seen.lowest[2], camera->nearDistance.getValue());
+                        EXPECT_LE(seen.highest[2], camera->farDistance.getValue());
+                        // Sideways in the middle; and it fills the view in one direction.
+                        EXPECT_NEAR(seen.lowest[0] + seen.highest[0], 1, 1e-3);
+                        const float width = seen.highest[0] - seen.lowest[0];
+                        const float height = (seen.highest[1] - seen.lowest[1]) / (1 - bottom);
+                        EXPECT_GT(std::max(width, height), perspective ? 0.6f : 0.94f);
+                        camera->unref();
+                    }
+                }
+            }
+        }
+    }
+}
+
+TEST_F(CameraTest, AFittedOrthographicBoxLeavesTheMarginOnly)
+{
+    makeScene(SbVec3f(4, 3, 2));
+    SoCamera* camera = makeCamera({}, scene, SbViewportRegion(400, 300), 0);
+    camera->ref();
+    const Seen seen = look(*camera, SbVec2s(400, 300));
+    EXPECT_NEAR(seen.highest[0] - seen.lowest[0], 1 / 1.05, 1e-4);
+    EXPECT_NEAR(seen.highest[1] - seen.lowest[1], 1 / 1.05, 1e-4);
+    camera->unref();
+}
+
+TEST_F(CameraTest, StandardViewsLookAtTheSideTheyAreNamedAfter)
+{
+    makeScene(SbVec3f(1, 2, 3));
+    const std::vector<SbVec3f> towards{{1, 0, 0},  {-1, 0, 0}, {0, 1, 0},
+                                       {0, -1, 0}, {0, 0, 1},  {0, 0, -1}};
+    for (std::size_t i = 0; i < SIDES.size(); ++i) {
+        SCOPED_TRACE(i);
+        for (const bool perspective : {false, true}) {
+            CameraRequest request;
+            request.side = SIDES[i];
+            request.perspective = perspective;
+            SoCamera* camera = makeCamera(request, scene, SbViewportRegion(400, 300), 0);
+            camera->ref();
+            EXPECT_EQ(camera->isOfType(SoPerspectiveCamera::getClassTypeId()), bool(perspective));
+            // The camera stands on that side.
+            EXPECT_GT((camera->position.getValue() - SbVec3f(3, -1, 2)).dot(towards[i]), 0);
+            const ViewAxes axes = axesOf(SIDES[i]);
+            EXPECT_EQ(axes.direction, -towards[i]);
+            SbVec3f direction, up;
+            camera->orientation.getValue().multVec(SbVec3f(0, 0, -1), direction);
+            camera->orientation.getValue().multVec(SbVec3f(0, 1, 0), up);
+            EXPECT_NEAR(direction.dot(axes.direction), 1, 1e-6);
+            EXPECT_NEAR(up.dot(axes.up), 1, 1e-6);
+            EXPECT_NEAR(axes.up.dot(axes.direction), 0, 0);
+            camera->unref();
+        }
+    }
+}
+
+TEST_F(CameraTest, FittingDoesNotTurnTheCamera)
+{
+    makeScene(SbVec3f(1, 2, 3));
+    auto* camera = new SoPerspectiveCamera;
+    camera->ref();
+    camera->orientation = SbRotation(SbVec3f(1, 2, 3), 0.7f);
+    const SbRotation before = camera->orientation.getValue();
+    fitScene(*camera, scene, SbViewportRegion(400, 300), 0.2f);
+    EXPECT_EQ(camera->orientation.getValue(), before);
+    const Seen seen = look(*camera, SbVec2s(400, 300));
+    EXPECT_GE(seen.lowest[0], 0);
+    EXPECT_LE(seen.highest[0], 1);
+    EXPECT_GE(seen.lowest[1], 0.2f);
+    EXPECT_LE(seen.highest[1], 1);
+    camera->unref();
+}
+
+TEST_F(CameraTest, AnEmptySceneLeavesTheCameraWhereItIs)
+{
+    auto* empty = new SoSeparator;
+    empty->ref();
+    for (SoCamera* camera : {static_cast<SoCamera*>(new SoPerspectiveCamera),
+                             static_cast<SoCamera*>(new SoOrthographicCamera)}) {
+        camera->ref();
+        const CameraNumbers before = numbersOf(*camera);
+        fitScene(*camera, empty, SbViewportRegion(400, 300), 0);
+        EXPECT_TRUE(numbersOf(*camera) == before);
+        EXPECT_TRUE(std::isfinite(camera->nearDistance.getValue()));
+        EXPECT_TRUE(std::isfinite(camera->farDistance.getValue()));
+        camera->unref();
+    }
+    empty->unref();
+}
+
+TEST_F(CameraTest, PlacingByNumbersGivesThemBackBitForBit)
+{
+    makeScene(SbVec3f(1, 2, 3));
+    std::mt19937 random(7);
+    std::normal_distribution<float> normal;
+    for (int i = 0; i < 1000; ++i) {
+        // A camera as rotations leave it.
+        const SbRotation turned = SbRotation(SbVec3f(normal(random), normal(random), 1), 0.3f) *
+                                  SbRotation(SbVec3f(1, normal(random), 0), normal(random));
+        CameraRequest request;
+        request.numbers = CameraNumbers{i % 2 == 1,
+                                        {normal(random), normal(random), normal(random)},
+                                        {turned[0], turned[1], turned[2], turned[3]},
+                                        1 + std::abs(normal(random)),
+                                        1.5f};
+        SoCamera* camera = makeCamera(request, scene, SbViewportRegion(400, 300), 0.3f);
+        camera->ref();
+        ASSERT_TRUE(numbersOf(*camera) == *request.numbers)
+            << i << ": " << formatCamera(*request.numbers) << " became "
+            << formatCamera(numbersOf(*camera));
+        camera->unref();
+    }
+}
+
+TEST_F(CameraTest, AnyNumbersGiveFiniteClippingPlanesInOrder)
+{
+    makeScene(SbVec3f(1, 2, 3));
+    for (const char* text :
+         {"perspective,3,-1,2,0,0,0,1,0.001,0.8",    // within the box
+          "perspective,3,-1,-50,0,0,0,1,10,0.8",     // behind the box
+          "perspective,0,0,1e30,0,0,0,1,1e30,0.001", // far away
+          "perspective,0,0,0,0,0,0,1,1e-30,3.14", "orthographic,3,-1,2,0,0,0,1,1,5",
+          "orthographic,0,0,-1e30,0,0,0,1,1e30,1e-30",
+          "orthographic,1e38,1e38,1e38,0.5,0.5,0.5,0.5,1e38,1e38"}) {
+        SCOPED_TRACE(text);
+        CameraRequest request;
+        request.numbers = parseCamera(text);
+        ASSERT_TRUE(request.numbers);
+        SoCamera* camera = makeCamera(request, scene, SbViewportRegion(400, 300), 0);
+        camera->ref();
+        const float near = camera->nearDistance.getValue();
+        const float far = camera->farDistance.getValue();
+        EXPECT_TRUE(std::isfinite(near)) << near;
+        EXPECT_TRUE(std::isfinite(far)) << far;
+        EXPECT_LT(near, far);
+        if (request.isPerspective()) {
+            EXPECT_GT(near, 0);
+        }
+        camera->unref();
+    }
+}
+
+} // namespace
+
+} // namespace strandview

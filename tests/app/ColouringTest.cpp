@@ -1,0 +1,243 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "scene/Colouring.h"
+
+#include <cmath>
+
+#include <Inventor/nodes/SoMaterial.h>
+#include <gmock/gmock.h>
+
+#include <strandview/analysis/parallelTransport.h>
+
+#include "support/initialiseSceneOnce.h"
+
+namespace strandview {
+
+using algebra3d::Vector3;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+namespace {
+
+const double NONE = std::nan("");
+
+Rod rodThrough(const std::vector<Vector3<double>>& points)
+{
+    Rod rod;
+    rod.origin = "rod.txt:1: rod 1";
+    rod.points = points;
+    rod.rotations = parallelTransport(points);
+    return rod;
+}
+
+// Along z, with one scalar k.
+Rod straightRod(const std::vector<double>& values)
+{
+    std::vector<Vector3<double>> points;
+    for (std::size_t i = 0; i < values.size(); ++i)
+        points.emplace_back(0, 0, i);
+    Rod rod = rodThrough(points);
+    rod.scalars.push_back({"k", values});
+    return rod;
+}
+
+// Once around, in a plane tilted about x.
+Rod circle(int edges, double radius, double tilt)
+{
+    std::vector<Vector3<double>> points;
+    for (int i = 0; i <= edges; ++i) {
+        const double a = 2 * std::acos(-1.0) * i / edges;
+        points.emplace_back(radius * std::cos(a), radius * std::cos(tilt) * std::sin(a),
+                            radius * std::sin(tilt) * std::sin(a));
+    }
+    return rodThrough(points);
+}
+
+class ColouringTest : public testing::Test
+{
+protected:
+    std::optional<Colouring> make(const std::vector<Rod>& rods, const std::string& name = "k")
+    {
+        options.colourBy = name;
+        report = {};
+        return makeColouring(options, {rods}, report);
+    }
+
+    Options options;
+    ReadReport report;
+};
+
+TEST_F(ColouringTest, PlacesTheValuesBetweenTheLeastAndTheGreatestOfAllRods)
+{
+    const auto made = make({straightRod({1, 2}), straightRod({3, 5})});
+    ASSERT_TRUE(made) << report.error;
+    EXPECT_EQ(made->min, 1);
+    EXPECT_EQ(made->max, 5);
+    EXPECT_THAT(made->places, ElementsAre(ElementsAre(0, 0.25), ElementsAre(0.5, 1)));
+    EXPECT_EQ(made->constant, "");
+    EXPECT_FALSE(made->isBelow || made->isAbove || made->isMissing);
+    EXPECT_THAT(report.notices, IsEmpty());
+}
+
+TEST_F(ColouringTest, AGivenRangeIsTakenAndKnowsWhatLiesBeyond)
+{
+    options.rangeMin = 2;
+    options.rangeMax = 4;
+    const auto made = make({straightRod({1, 2, 4})});
+    ASSERT_TRUE(made);
+    EXPECT_THAT(made->places, ElementsAre(ElementsAre(-0.5, 0, 1)));
+    EXPECT_TRUE(made->isBelow);
+    EXPECT_FALSE(made->isAbove);
+    EXPECT_TRUE(make({straightRod({2, 3, 5})})->isAbove);
+}
+
+TEST_F(ColouringTest, ValuesThatDifferByRoundingAloneAreAConstant)
+{
+    const auto made = make({straightRod({0.3, 0.30000000000000004, 0.3})});
+    ASSERT_TRUE(made);
+    EXPECT_EQ(made->constant, "0.3");
+    EXPECT_THAT(made->places, ElementsAre(ElementsAre(0.5, 0.5, 0.5)));
+    EXPECT_THAT(report.notices,
+                ElementsAre("--colour-by k: found 0.3 everywhere, shown as one colour"));
+    EXPECT_EQ(make({straightRod({-1e17, -1e17 - 16})})->constant, "−1×10¹⁷");
+    EXPECT_EQ(make({straightRod({0, 0})})->constant, "0");
+    EXPECT_EQ(make({straightRod({1e-310, 3e-310})})->constant, "2×10⁻³¹⁰");
+}
+
+TEST_F(ColouringTest, ValuesThatDifferByMoreAreNoConstant)
+{
+    EXPECT_EQ(make({straightRod({1, 1.00000001})})->constant, "");
+    EXPECT_EQ(make({straightRod({0, 1e-200})})->constant, "");
+    options.rangeMin = 0;
+    EXPECT_EQ(make({straightRod({0.3, 0.3})})->constant, "") << "a range is taken as it is";
+    EXPECT_THAT(report.notices, IsEmpty());
+}
+
+TEST_F(ColouringTest, ACircleHasOneCurvatureNoTorsionAndNoTwistHoweverItLies)
+{
+    for (const int edges : {12, 1000, 50000}) {
+        for (const double tilt : {0.0, 0.7}) {
+            SCOPED_TRACE(testing::Message() << edges << " edges, tilt " << tilt);
+            const Rod rod = circle(edges, 2, tilt);
+            EXPECT_EQ(make({rod}, "curvature")->constant, "0.5");
+            EXPECT_EQ(make({rod}, "torsion")->constant, "0");
+            EXPECT_EQ(make({rod}, "twist")->constant, "0");
+            EXPECT_THAT(report.notices, SizeIs(1));
+        }
+    }
+}
+
+TEST_F(ColouringTest, AStraightRodHasNoneOfThemWhateverItsDirection)
+{
+    for (const int count : {2, 3, 4, 1000}) {
+        std::vector<Vector3<double>> points;
+        for (int i = 0; i < count; ++i)
+            points.emplace_back(0.1 * i, 0.3 * i, 0.7 * i);
+        for (const char* name : {"curvature", "torsion", "twist"}) {
+            SCOPED_TRACE(testing::Message() << name << " of " << count);
+            EXPECT_EQ(make({rodThrough(points)}, name)->constant, "0");
+        }
+    }
+}
+
+TEST_F(ColouringTest, CirclesOfTwoSizesHaveTwoCurvatures)
+{
+    EXPECT_EQ(make({circle(100, 1, 0), circle(100, 1.000001, 0)}, "curvature")->constant, "");
+    EXPECT_EQ(make({circle(100, 1, 0), circle(100, 1, 1)}, "curvature")->constant, "1");
+}
+
+TEST_F(ColouringTest, TellsHowManyValuesAreNoNumbers)
+{
+    const auto made = make({straightRod({1, NONE, 3, NONE})});
+    ASSERT_TRUE(made);
+    EXPECT_TRUE(made->isMissing);
+    EXPECT_EQ(made->max, 3);
+    EXPECT_TRUE(std::isnan(made->places[0][1]));
+    EXPECT_THAT(report.notices,
+                ElementsAre("--colour-by k: found 2 values that are no number, shown in grey"));
+    EXPECT_FALSE(make({straightRod({NONE, NONE})}));
+    EXPECT_EQ(report.error, "--colour-by k: found no value that is a number, expected one");
+}
+
+TEST_F(ColouringTest, RodsWithoutTheScalarAreLeftOutAndCounted)
+{
+    Rod plain = straightRod({1, 2});
+    plain.scalars.clear();
+    const auto made = make({plain, straightRod({3, 4}), plain});
+    ASSERT_TRUE(made) << report.error;
+    EXPECT_THAT(made->places, ElementsAre(IsEmpty(), ElementsAre(0, 1), IsEmpty()));
+    EXPECT_THAT(
+        report.notices,
+        ElementsAre("--colour-by k: found 2 rods of 3 without it, shown in their own colours"));
+
+    EXPECT_FALSE(make({plain, straightRod({3, 4})}, "speed"));
+    EXPECT_EQ(report.error, "rod.txt:1: rod 1: found no scalar 'speed', expected one of k, "
+                            "arclength, curvature, torsion, twist");
+}
+
+TEST_F(ColouringTest, SaysWhichColoursHaveNoEffect)
+{
+    options.tubeColour = Colour{1, 0, 0};
+    make({straightRod({1, 2})});
+    EXPECT_THAT(report.notices, ElementsAre("--colour-by k: leaves --tube-colour without effect"));
+    options.ribbonColour = Colour{1, 0, 0};
+    make({straightRod({1, 2})});
+    EXPECT_THAT(report.notices, ElementsAre("--colour-by k: leaves --tube-colour and "
+                                            "--ribbon-colour without effect"));
+    Rod plain = straightRod({1, 2});
+    plain.scalars.clear();
+    make({straightRod({1, 2}), plain});
+    EXPECT_THAT(report.notices, ElementsAre(HasSubstr("1 rod of 2 without it")))
+        << "they have an effect there";
+}
+
+// Rows, coloured on a ramp from black to white.
+
+std::vector<float> levelsOf(const std::vector<double>& places, const std::vector<double>& at)
+{
+    initialiseSceneOnce();
+    const ColourMapper ramp(0, 1, {ColourMapper::Colour(0, 0, 0), ColourMapper::Colour(1, 1, 1)});
+    std::vector<double> arcLengths;
+    for (std::size_t i = 0; i < places.size(); ++i)
+        arcLengths.push_back(double(i));
+    auto* material = new SoMaterial;
+    material->ref();
+    const int offset = 2;
+    colourRows(ramp, arcLengths, places, at, offset, material);
+    EXPECT_EQ(material->diffuseColor.getNum(), offset + int(at.size()));
+    std::vector<float> levels;
+    for (int i = offset; i < material->diffuseColor.getNum(); ++i) {
+        EXPECT_EQ(material->diffuseColor[i], material->ambientColor[i]);
+        levels.push_back(material->diffuseColor[i][1]);
+    }
+    material->unref();
+    return levels;
+}
+
+TEST(ColourRows, GoThroughThePlacesOfThePoints)
+{
+    EXPECT_THAT(levelsOf({0.25, 0.75}, {0, 0.5, 1}), ElementsAre(0.25f, 0.5f, 0.75f));
+    // A natural spline through (0, 0), (1, 1), (2, 0) is 11/16 half-way.
+    EXPECT_THAT(levelsOf({0, 1, 0}, {0, 0.5, 1, 1.5, 2}), ElementsAre(0, 0.6875f, 1, 0.6875f, 0));
+}
+
+TEST(ColourRows, AreGreyNearerToAPointWithoutAPlace)
+{
+    const float grey = NO_VALUE_COLOUR.green;
+    EXPECT_THAT(levelsOf({1, 1, NONE, 0, 0}, {0, 0.5, 1, 1.25, 1.75, 2, 2.25, 2.75, 3, 3.5, 4}),
+                ElementsAre(1, 1, 1, 1, grey, grey, grey, 0, 0, 0, 0));
+    EXPECT_THAT(levelsOf({NONE, 1, NONE}, {0, 1, 2}), ElementsAre(grey, 1, grey));
+    EXPECT_THAT(levelsOf({NONE, 0, 1, 0}, {0, 1, 1.5, 2, 2.5, 3}),
+                ElementsAre(grey, 0, 0.6875f, 1, 0.6875f, 0));
+    EXPECT_THAT(levelsOf({0.25, 1, NONE}, {0, 0.25, 1, 2}), ElementsAre(0.25f, 0.4375f, 1, grey));
+}
+
+TEST(ColourRows, StayOnTheRampHoweverFarBeyondItThePlacesAre)
+{
+    EXPECT_THAT(levelsOf({-1e6, -1e6, 1e6}, {0, 1, 2}), ElementsAre(0, 0, 1));
+}
+
+} // namespace
+
+} // namespace strandview

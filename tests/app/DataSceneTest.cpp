@@ -1,0 +1,246 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "scene/DataScene.h"
+
+#include <cmath>
+#include <random>
+
+#include <Inventor/SbViewportRegion.h>
+#include <Inventor/SoPickedPoint.h>
+#include <Inventor/actions/SoRayPickAction.h>
+#include <Inventor/nodes/SoSeparator.h>
+#include <Inventor/nodes/SoShaderParameter.h>
+#include <Inventor/nodes/SoSphere.h>
+#include <SoRod.h>
+#include <gmock/gmock.h>
+
+#include "support/initialiseSceneOnce.h"
+#include <algebra3d/Matrix3.h>
+
+namespace strandview {
+
+using algebra3d::Matrix3;
+using algebra3d::Quaternion;
+using algebra3d::Vector3;
+
+namespace {
+
+const double RADIUS = 2;
+const double PITCH = 0.5; // height per radian
+const double SPEED = std::sqrt(RADIUS * RADIUS + PITCH * PITCH);
+const double TURN = 0.1; // radians between points
+const int POINTS = 120;
+
+Vector3<double> helix(double angle)
+{
+    return {RADIUS * std::cos(angle), RADIUS * std::sin(angle), PITCH * angle};
+}
+
+// A rod along the helix, with its reference count zero.
+SoRod* makeHelix(int slices)
+{
+    auto* rod = new SoRod(0.2, 0.6, slices, 4, true, true, false);
+    std::vector<Vector3<double>> points;
+    std::vector<Quaternion<double>> rotations;
+    for (int i = 0; i < POINTS; ++i) {
+        const double c = std::cos(TURN * i), s = std::sin(TURN * i);
+        const Vector3<double> d3(-RADIUS * s / SPEED, RADIUS * c / SPEED, PITCH / SPEED);
+        const Vector3<double> d1(-c, -s, 0);
+        points.push_back(helix(TURN * i));
+        rotations.push_back(Matrix3<double>(d1, d3.cross(d1), d3).getQuaternion());
+    }
+    EXPECT_TRUE(rod->setData(points, rotations));
+    return rod;
+}
+
+class DataSceneTest : public testing::Test
+{
+protected:
+    DataSceneTest() { initialiseSceneOnce(); }
+
+    // What is told of what a ray along -z through x and y hits; empty if nothing.
+    static std::string describe(DataScene& scene, float x, float y)
+    {
+        SoRayPickAction pick(SbViewportRegion(100, 100));
+        pick.setRay(SbVec3f(x, y, 50), SbVec3f(0, 0, -1));
+        pick.apply(&scene);
+        const SoPickedPoint* point = pick.getPickedPoint();
+        return point ? toLine(scene.describe(*point)) : "";
+    }
+};
+
+// A straight rod along x, 4 long, in the scene's coordinates.
+SoRod* makeStraight()
+{
+    auto* rod = new SoRod(0.2, 0.6, 24, 4, true, false, false);
+    const double s = std::sqrt(0.5);
+    rod->setData({{0, 0, 0}, {2, 0, 0}, {4, 0, 0}},
+                 std::vector<Quaternion<double>>(3, Quaternion<double>(0, s, 0, s)));
+    return rod;
+}
+
+TEST_F(DataSceneTest, TheNearestArcLengthIsThatOfASearchOverAllRows)
+{
+    std::mt19937 random(3);
+    std::uniform_real_distribution<double> coordinate(-3, 3), height(-1, PITCH * TURN * POINTS + 1);
+    for (const int slices : {3, 7, 24}) {
+        SCOPED_TRACE(slices);
+        SoRod* rod = makeHelix(slices);
+        rod->ref();
+        BiarcTubeMesh& tube = *rod->getTubeMesh();
+        const std::vector<double>& arcLengths = tube.getInterpParamValues();
+        // The centreline between the rows, sampled densely.
+        std::vector<Vector3<double>> samples;
+        std::vector<double> at;
+        for (std::size_t row = 0; row + 1 < arcLengths.size(); ++row) {
+            for (double t = 0; t <= 1; t += 0.01) {
+                const double s = (1 - t) * arcLengths[row] + t * arcLengths[row + 1];
+                samples.push_back((1 - t) * helix(arcLengths[row] / SPEED) +
+                                  t * helix(arcLengths[row + 1] / SPEED));
+                at.push_back(s);
+            }
+        }
+        for (int i = 0; i < 50; ++i) {
+            const Vector3<double> point(coordinate(random), coordinate(random), height(random));
+            const double found = nearestArcLength(*rod->getTubeMesh(), point);
+            double nearest = INFINITY, distanceOfFound = INFINITY;
+            for (std::size_t k = 0; k < samples.size(); ++k) {
+                const double distance = (samples[k] - point).getNorm();
+                nearest = std::min(nearest, distance);
+                if (std::abs(at[k] - found) < 0.001)
+                    distanceOfFound = std::min(distanceOfFound, distance);
+            }
+            // Two places may be as near, so that distances are compared.
+            EXPECT_NEAR(distanceOfFound, nearest, 1e-3) << i;
+        }
+        rod->unref();
+    }
+}
+
+TEST_F(DataSceneTest, TheNearestArcLengthOfAPointOfTheSurfaceIsThatOfItsCentre)
+{
+    SoRod* rod = makeHelix(24);
+    rod->ref();
+    BiarcTubeMesh& tube = *rod->getTubeMesh();
+    // The rows are taken as joined by chords, which are tilted by half the angle between
+    // rows: seen from the surface their foot moves by the radius times as much.
+    const double tolerance = 1.05 * 0.2 * RADIUS / (SPEED * SPEED) * (SPEED * TURN / 4) / 2;
+    for (int row = 0; row < tube.getHeight(); row += 7) {
+        for (int slice = 0; slice < tube.getWidth(); slice += 5) {
+            EXPECT_NEAR(nearestArcLength(*rod->getTubeMesh(), tube.getPoints()[row][slice]),
+                        tube.getInterpParamValues()[row], tolerance);
+        }
+    }
+    rod->unref();
+}
+
+TEST_F(DataSceneTest, BeyondItsEndsARodHasTheArcLengthsOfItsEnds)
+{
+    SoRod* rod = makeStraight();
+    rod->ref();
+    EXPECT_EQ(nearestArcLength(*rod->getTubeMesh(), {-3, 1, 0}), 0);
+    EXPECT_DOUBLE_EQ(nearestArcLength(*rod->getTubeMesh(), {9, 1, 0}), 4);
+    EXPECT_NEAR(nearestArcLength(*rod->getTubeMesh(), {1.25, 7, -2}), 1.25, 1e-12);
+    rod->unref();
+}
+
+TEST_F(DataSceneTest, TellsRodPointAndArcLengthInTheDatasCoordinatesAndUnit)
+{
+    // The data are a thousandth as large, and far away.
+    Placement placement;
+    placement.origin = {100, -200, 300};
+    placement.scale = 1000;
+    auto* scene = new DataScene(placement);
+    scene->ref();
+    SoRod* rod = makeStraight();
+    auto* group = new SoSeparator;
+    group->addChild(rod);
+    scene->addNamed(group, rod, "rods.txt:1: rod 1");
+    EXPECT_EQ(describe(*scene, 1, 0),
+              "point 100.001 -200 300, arc length 0.001 of 0.004 – rods.txt:1: rod 1");
+    EXPECT_EQ(describe(*scene, 1, 3), "");
+    scene->unref();
+}
+
+TEST_F(DataSceneTest, TellsThePointAloneOfWhatIsNoRod)
+{
+    auto* scene = new DataScene({});
+    scene->ref();
+    scene->addShaded(new SoSphere);
+    EXPECT_EQ(describe(*scene, 0, 0), "point 0 0 1");
+    scene->unref();
+}
+
+TEST_F(DataSceneTest, TellsWhoListensAndLeavesThePickToTheViewer)
+{
+    auto* scene = new DataScene({});
+    scene->ref();
+    scene->addShaded(new SoSphere);
+    SoRayPickAction pick(SbViewportRegion(100, 100));
+    pick.setRay(SbVec3f(0, 0, 50), SbVec3f(0, 0, -1));
+    pick.apply(scene);
+    ASSERT_TRUE(pick.getPickedPoint());
+    EXPECT_FALSE(scene->processPickEvent(pick.getPickedPoint())); // nobody listens
+    std::string told;
+    scene->onPick = [&told](const Told& description) { told = toLine(description); };
+    EXPECT_FALSE(scene->processPickEvent(pick.getPickedPoint()));
+    EXPECT_EQ(told, "point 0 0 1");
+    scene->unref();
+}
+
+std::vector<float> shininessOf(SoGeneralScene& scene)
+{
+    SoShaderParameterArray3f* directions = nullptr;
+    SoShaderParameterArray1f *intensities = nullptr, *shininess = nullptr;
+    scene.getLightingParameters(directions, intensities, shininess);
+    const float* values = shininess->value.getValues(0);
+    return {values, values + shininess->value.getNum()};
+}
+
+void setShininess(SoGeneralScene& scene, float value)
+{
+    SoShaderParameterArray3f* directions = nullptr;
+    SoShaderParameterArray1f *intensities = nullptr, *shininess = nullptr;
+    scene.getLightingParameters(directions, intensities, shininess);
+    shininess->value.set1Value(0, value);
+}
+
+TEST_F(DataSceneTest, ColoursOfDataHaveNoHighlightsUnlessTheUserChangesThem)
+{
+    auto* scene = new DataScene({});
+    scene->ref();
+    EXPECT_FALSE(scene->hasColours());
+    const std::vector<float> usual = shininessOf(*scene);
+    EXPECT_GT(usual[0], 0);
+    scene->addLegend(new SoSeparator);
+    EXPECT_TRUE(scene->hasColours());
+    EXPECT_THAT(shininessOf(*scene), testing::Each(0));
+    EXPECT_GT(scene->getLegendHeight(), 0);
+
+    scene->showColours(false);
+    EXPECT_EQ(shininessOf(*scene), usual);
+    EXPECT_EQ(scene->getLegendHeight(), 0);
+    scene->showColours(true);
+    EXPECT_THAT(shininessOf(*scene), testing::Each(0));
+
+    setShininess(*scene, 5);
+    for (const bool show : {true, false, true, false}) {
+        scene->showColours(show);
+        EXPECT_EQ(shininessOf(*scene)[0], 5);
+    }
+    scene->unref();
+}
+
+TEST_F(DataSceneTest, ASceneWithoutColoursOfDataHasNoneToShow)
+{
+    auto* scene = new DataScene({});
+    scene->ref();
+    const std::vector<float> usual = shininessOf(*scene);
+    scene->showColours(true);
+    scene->showColours(false);
+    EXPECT_EQ(shininessOf(*scene), usual);
+    scene->unref();
+}
+
+} // namespace
+
+} // namespace strandview

@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "scene/Legend.h"
+
+#include <cmath>
+#include <random>
+
+#include <Inventor/SoPrimitiveVertex.h>
+#include <Inventor/actions/SoCallbackAction.h>
+#include <Inventor/nodes/SoFaceSet.h>
+#include <gmock/gmock.h>
+
+#include "request/limits.h"
+#include "scene/Colouring.h"
+#include "scene/Ticks.h"
+#include "support/initialiseSceneOnce.h"
+
+namespace strandview {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+namespace {
+
+Colouring colouring(double min, double max, const std::string& name = "k")
+{
+    Colouring made;
+    made.name = name;
+    made.ramp = ColourMapper(0, 1);
+    made.min = min;
+    made.max = max;
+    return made;
+}
+
+std::vector<std::string> textsOf(const Colouring& shown, float textSize = LEGEND_TEXT_SIZE)
+{
+    std::vector<std::string> texts;
+    for (const LegendText& text : layOutLegend(shown, textSize))
+        texts.push_back(text.text);
+    return texts;
+}
+
+void expectApart(const Colouring& shown, float textSize = LEGEND_TEXT_SIZE)
+{
+    const std::vector<LegendText> texts = layOutLegend(shown, textSize);
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        SCOPED_TRACE(texts[i].text);
+        EXPECT_GT(texts[i].width, 0);
+        EXPECT_LE(std::abs(texts[i].x) + texts[i].width / 2, 1) << "in every view";
+        for (std::size_t j = 0; j < i; ++j) {
+            if (texts[i].y != texts[j].y)
+                continue;
+            EXPECT_GT(std::abs(texts[i].x - texts[j].x),
+                      (texts[i].width + texts[j].width) / 2 + 0.02f)
+                << texts[j].text;
+        }
+    }
+}
+
+TEST(Legend, WritesTheNameAndARoundNumberPerTick)
+{
+    EXPECT_THAT(textsOf(colouring(0, 1, "κ_β²")),
+                ElementsAre("κ_β²", "0.0", "0.2", "0.4", "0.6", "0.8", "1.0"));
+    EXPECT_THAT(textsOf(colouring(0, 2500000)),
+                ElementsAre("k", "×10⁶", "0.0", "0.5", "1.0", "1.5", "2.0", "2.5"));
+}
+
+TEST(Legend, OfAConstantHasOneNumber)
+{
+    Colouring shown = colouring(0, 1);
+    shown.constant = "0.3";
+    EXPECT_THAT(textsOf(shown), ElementsAre("k", "0.3"));
+}
+
+TEST(Legend, SaysWhatTheGreyPatchIs)
+{
+    Colouring shown = colouring(0, 1);
+    shown.isMissing = true;
+    EXPECT_EQ(textsOf(shown).back(), "no value");
+    expectApart(shown);
+}
+
+TEST(Legend, ItsTextsNeverMeet)
+{
+    std::mt19937 engine(12);
+    std::uniform_real_distribution<double> digit(-9.99, 9.99), exponent(-30, 30);
+    for (int i = 0; i < 60; ++i) {
+        const double min = digit(engine) * std::pow(10, exponent(engine));
+        const double max = min + std::abs(min) * std::pow(10, exponent(engine) / 3);
+        if (!isRange(min, max))
+            continue;
+        SCOPED_TRACE(testing::Message() << min << " to " << max);
+        Colouring shown = colouring(min, max, std::string(std::size_t(5 * i + 1), 'W'));
+        shown.isMissing = i % 2;
+        expectApart(shown, i % 3 == 0 ? LARGEST_LEGEND_TEXT_SIZE : LEGEND_TEXT_SIZE);
+    }
+}
+
+TEST(Legend, HasFewerNumbersWhereTheyAreLarger)
+{
+    const Colouring shown = colouring(10000, 10007);
+    EXPECT_LT(textsOf(shown, LARGEST_LEGEND_TEXT_SIZE).size(), textsOf(shown).size());
+}
+
+// The area of all that is filled but the bar: of the text, and of a patch or triangles.
+double inkOf(const Colouring& shown)
+{
+    initialiseSceneOnce();
+    SoNode* legend = makeLegend(shown, {1, 1, 1}, LEGEND_TEXT_SIZE);
+    legend->ref();
+    SoCallbackAction triangles;
+    double ink = 0;
+    const auto add = [](void* data, SoCallbackAction* /*action*/, const SoPrimitiveVertex* a,
+                        const SoPrimitiveVertex* b, const SoPrimitiveVertex* c) {
+        const SbVec3f normal = (b->getPoint() - a->getPoint()).cross(c->getPoint() - a->getPoint());
+        *static_cast<double*>(data) += double(normal.length()) / 2;
+    };
+    triangles.addTriangleCallback(SoFaceSet::getClassTypeId(), add, &ink);
+    triangles.apply(legend);
+    legend->unref();
+    return ink;
+}
+
+TEST(Legend, DrawsLettersOfEveryAlphabetEachAsItself)
+{
+    const auto inkOfName = [](const std::string& name) {
+        return inkOf(colouring(0, 1, name)) - inkOf(colouring(0, 1, ""));
+    };
+    const double beta = inkOfName("β"), underscore = inkOfName("_"), kappa = inkOfName("κ");
+    EXPECT_GT(beta, 1e-5);
+    EXPECT_GT(kappa, 1e-5);
+    EXPECT_GT(beta, 1.2 * kappa) << "a tall letter and a small one, no box for both";
+    EXPECT_NEAR(inkOfName("κβ_"), kappa + beta + underscore, 1e-6);
+    EXPECT_EQ(inkOfName(" "), 0);
+    EXPECT_EQ(inkOfName("\n\t"), 0);
+}
+
+} // namespace
+
+} // namespace strandview

@@ -1,0 +1,181 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "pictures/PictureWriter.h"
+
+#include <algorithm>
+#include <functional>
+
+#include <QImage>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+#include "scene/DataScene.h"
+#include "scene/SceneLoader.h"
+#include "support/initialiseSceneOnce.h"
+
+namespace strandview {
+
+namespace {
+
+struct Compared
+{
+    int covered = 0;   ///< pixels that are not those of the corner
+    int differing = 0; ///< by more than a rounding
+};
+
+int difference(QRgb a, QRgb b)
+{
+    return std::max({std::abs(qRed(a) - qRed(b)), std::abs(qGreen(a) - qGreen(b)),
+                     std::abs(qBlue(a) - qBlue(b)), std::abs(qAlpha(a) - qAlpha(b))});
+}
+
+Compared compare(const QImage& a, const QImage& b)
+{
+    Compared compared;
+    for (int y = 0; y < a.height(); ++y) {
+        for (int x = 0; x < a.width(); ++x) {
+            compared.covered += a.pixel(x, y) != a.pixel(0, 0);
+            compared.differing += difference(a.pixel(x, y), b.pixel(x, y)) > 1;
+        }
+    }
+    return compared;
+}
+
+struct Shown
+{
+    std::string name;
+    std::string file;
+    std::function<void(Options&)> ask;
+    bool wireframe = false;
+};
+
+void PrintTo(const Shown& shown, std::ostream* stream) { *stream << shown.name; }
+
+class PictureInTilesTest : public testing::TestWithParam<Shown>
+{
+protected:
+    PictureInTilesTest()
+    {
+        initialiseSceneOnce();
+        if (GetParam().ask)
+            GetParam().ask(options);
+        ReadReport report;
+        scene = loadScene({std::string(SAMPLES_FOLDER) + "/" + GetParam().file}, options, report);
+        EXPECT_NE(scene, nullptr) << report.error;
+        scene->ref();
+        if (GetParam().wireframe) {
+            scene->toggleDrawStyle(false); // plain
+            scene->toggleDrawStyle(false);
+        }
+    }
+    ~PictureInTilesTest() override { scene->unref(); }
+
+    QImage render(int samples, int samplesAtOnce)
+    {
+        const QString file = folder.filePath("picture.png");
+        const std::string failure = writePicture(scene, {file.toStdString(),
+                                                         301,
+                                                         200,
+                                                         samples,
+                                                         {1, 1, 1},
+                                                         options.transparent,
+                                                         scene->settle(options.camera),
+                                                         scene->getLegendHeight(),
+                                                         samplesAtOnce});
+        EXPECT_EQ(failure, "");
+        return QImage(file).convertToFormat(QImage::Format_ARGB32);
+    }
+
+    QTemporaryDir folder;
+    Options options;
+    DataScene* scene = nullptr;
+};
+
+// Where an edge runs through a sample's middle it counts as the one side or the other by the
+// last bit of its coordinates, which tiles round differently: of a thousand pixels that are
+// covered at most two, all in all. A seam would change one at every edge of a tile.
+TEST_P(PictureInTilesTest, IsThePictureThatIsRenderedWhole)
+{
+    const std::pair<int, int> divisions[] = {{1, 9000}, {3, 60000}}; // 7 tiles, 10 tiles
+    for (const auto& [samples, samplesAtOnce] : divisions) {
+        SCOPED_TRACE(samples);
+        const QImage whole = render(samples, SAMPLES_AT_ONCE);
+        const QImage tiled = render(samples, samplesAtOnce);
+        ASSERT_EQ(tiled.size(), QSize(301, 200));
+        const Compared compared = compare(whole, tiled);
+        EXPECT_GT(compared.covered, 1500);
+        EXPECT_LE(compared.differing, compared.covered / 500);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(, PictureInTilesTest,
+                         testing::Values(Shown{"Rod", "trefoil.txt", nullptr},
+                                         Shown{"RodInPerspective", "trefoil.txt",
+                                               [](Options& o) { o.camera.perspective = true; }},
+                                         Shown{"Wireframe", "elastica.txt",
+                                               [](Options& o) {
+                                                   o.subsegments = 1;
+                                                   o.slices = 4;
+                                               },
+                                               true},
+                                         Shown{"Legend", "helix.txt",
+                                               [](Options& o) { o.colourBy = "curvature"; }},
+                                         Shown{"LegendInPerspective", "supercoil.txt",
+                                               [](Options& o) {
+                                                   o.colourBy = "arclength";
+                                                   o.camera.perspective = true;
+                                               }},
+                                         Shown{"Glyphs", "glyphs.json", nullptr},
+                                         Shown{"GlyphsInPerspective", "glyphs.json",
+                                               [](Options& o) { o.camera.perspective = true; }},
+                                         Shown{"TransparentGlyphs", "glyphs.json",
+                                               [](Options& o) { o.transparent = true; }},
+                                         Shown{"Atoms", "dna_bent.txt", nullptr},
+                                         Shown{"AtomsOfFewPairsInPerspective", "minicircle.json",
+                                               [](Options& o) {
+                                                   o.camera.perspective = true;
+                                                   o.camera.side = Side::X;
+                                               }},
+                                         Shown{"Boxes", "dna_bent.txt",
+                                               [](Options& o) {
+                                                   o.dna.atoms = false;
+                                                   o.dna.baseBoxes = true;
+                                               }},
+                                         Shown{"TransparentLegend", "helix.txt",
+                                               [](Options& o) {
+                                                   o.colourBy = "curvature";
+                                                   o.transparent = true;
+                                               }}),
+                         [](const auto& test) { return test.param.name; });
+
+TEST(Picture, OfAnyShapeIsRenderedInTiles)
+{
+    initialiseSceneOnce();
+    ReadReport report;
+    DataScene* scene = loadScene({std::string(SAMPLES_FOLDER) + "/rods.json"}, {}, report);
+    ASSERT_NE(scene, nullptr) << report.error;
+    scene->ref();
+    QTemporaryDir folder;
+    const QString file = folder.filePath("picture.png");
+    const auto write = [&](const QSize& size, int samples, int samplesAtOnce) {
+        EXPECT_EQ(writePicture(scene, {file.toStdString(),
+                                       size.width(),
+                                       size.height(),
+                                       samples,
+                                       {0, 0, 1},
+                                       false,
+                                       {},
+                                       0,
+                                       samplesAtOnce}),
+                  "");
+        EXPECT_EQ(QImage(file).size(), size);
+    };
+    write({1, 1}, 8, 10); // a tile is a pixel at least
+    write({80, 1}, 1, 30);
+    write({1, 80}, 2, 30);
+    write({12000, 2}, 3, SAMPLES_AT_ONCE); // wider than 16 bits of samples
+    scene->unref();
+}
+
+} // namespace
+
+} // namespace strandview

@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Every sample configuration looks as it did when somebody last looked at it. A
+// failure leaves the actual picture and the difference in the folder PICTURES_OUT.
+#include <algorithm>
+#include <cstdlib>
+
+#include <QDir>
+#include <QImage>
+#include <gtest/gtest.h>
+
+#include "support/runProgram.h"
+
+namespace strandview {
+
+namespace {
+
+// Rasterisers differ by a pixel along edges: those pixels may differ, if they are few.
+const int SAME_COLOUR = 24;      // of 255, per channel
+const double FEW_PIXELS = 0.004; // of the picture; a tube moved by a pixel is twice that
+
+int distance(QRgb a, QRgb b)
+{
+    return std::max({std::abs(qRed(a) - qRed(b)), std::abs(qGreen(a) - qGreen(b)),
+                     std::abs(qBlue(a) - qBlue(b))});
+}
+
+class SamplePicturesTest : public testing::TestWithParam<const char*>
+{
+};
+
+TEST_P(SamplePicturesTest, LooksAsExpected)
+{
+    const QString name = QString(GetParam()).section('.', 0, 0);
+    const QString actualFile = QString(PICTURES_OUT) + "/" + name + ".png";
+    ASSERT_TRUE(QDir().mkpath(PICTURES_OUT));
+    const ProgramRun run =
+        runProgram(STRANDVIEW_PROGRAM, {"--render", actualFile.toStdString(), "--size", "320x240",
+                                        std::string(SAMPLES_FOLDER) + "/" + GetParam()});
+    ASSERT_EQ(run.status, 0) << run.error;
+    const QImage actual = QImage(actualFile).convertToFormat(QImage::Format_RGB32);
+    const QImage expected = QImage(QString(EXPECTED_PICTURES) + "/" + name + ".png")
+                                .convertToFormat(QImage::Format_RGB32);
+    ASSERT_FALSE(expected.isNull());
+    ASSERT_EQ(actual.size(), expected.size());
+
+    QImage difference(actual.size(), QImage::Format_RGB32);
+    int differing = 0;
+    for (int y = 0; y < actual.height(); ++y) {
+        for (int x = 0; x < actual.width(); ++x) {
+            const int d = distance(actual.pixel(x, y), expected.pixel(x, y));
+            differing += d > SAME_COLOUR;
+            difference.setPixel(x, y, qRgb(d, d, d));
+        }
+    }
+    EXPECT_LE(differing, FEW_PIXELS * actual.width() * actual.height());
+    if (HasFailure())
+        difference.save(QString(PICTURES_OUT) + "/" + name + "-difference.png");
+}
+
+INSTANTIATE_TEST_SUITE_P(, SamplePicturesTest,
+                         testing::Values("dna.txt", "dna_bent.txt", "elastica.txt", "glyphs.json",
+                                         "helix.txt", "minicircle.json", "random.txt", "rods.json",
+                                         "supercoil.txt", "trefoil.txt"),
+                         [](const auto& test) {
+                             const std::string file = test.param;
+                             return file.substr(0, file.find('.'));
+                         });
+
+} // namespace
+
+} // namespace strandview

@@ -1,0 +1,370 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "scene/SceneBuilder.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include <Inventor/SbViewportRegion.h>
+#include <Inventor/SoPickedPoint.h>
+#include <Inventor/SoPrimitiveVertex.h>
+#include <Inventor/actions/SoCallbackAction.h>
+#include <Inventor/actions/SoGetBoundingBoxAction.h>
+#include <Inventor/actions/SoRayPickAction.h>
+#include <Inventor/actions/SoSearchAction.h>
+#include <Inventor/nodes/SoShape.h>
+#include <SoArrow.h>
+#include <SoBirod.h>
+#include <SoDNA.h>
+#include <SoFrame.h>
+#include <SoMarker.h>
+#include <SoRod.h>
+#include <gmock/gmock.h>
+
+#include "scene/DataScene.h"
+#include "scene/Progress.h"
+#include "support/initialiseSceneOnce.h"
+
+namespace strandview {
+
+using algebra3d::Quaternion;
+using algebra3d::Vector3;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+namespace {
+
+class SceneBuilderTest : public testing::Test
+{
+protected:
+    SceneBuilderTest() { initialiseSceneOnce(); }
+    ~SceneBuilderTest() override
+    {
+        if (scene)
+            scene->unref();
+    }
+
+    // The scene of the data, or null and the error.
+    DataScene* build(const Configuration& data, const Options& options = {})
+    {
+        TerminalProgress progress;
+        scene = buildScene(data, makeStyle(options, data), nullptr, progress, error);
+        if (scene)
+            scene->ref();
+        return scene;
+    }
+
+    template <typename Node>
+    std::vector<Node*> find()
+    {
+        SoSearchAction search;
+        search.setType(Node::getClassTypeId());
+        search.setInterest(SoSearchAction::ALL);
+        search.setSearchingAll(TRUE);
+        search.apply(scene);
+        std::vector<Node*> nodes;
+        for (int i = 0; i < search.getPaths().getLength(); ++i)
+            nodes.push_back(static_cast<Node*>(search.getPaths()[i]->getTail()));
+        return nodes;
+    }
+
+    SbBox3f box()
+    {
+        SoGetBoundingBoxAction bounds(SbViewportRegion(100, 100));
+        bounds.apply(scene);
+        return bounds.getBoundingBox();
+    }
+
+    // What is told of what a ray from above through x and y hits; empty if nothing.
+    std::string describe(float x, float y)
+    {
+        SoRayPickAction pick(SbViewportRegion(100, 100));
+        pick.setRay(SbVec3f(x, y, 1000), SbVec3f(0, 0, -1));
+        pick.apply(scene);
+        const SoPickedPoint* point = pick.getPickedPoint();
+        return point ? toLine(scene->describe(*point)) : "";
+    }
+
+    DataScene* scene = nullptr;
+    std::string error;
+};
+
+// Pairs one above the other along z, 10 apart, in the unit of `angstrom`.
+Dna makeDna(const std::string& bases, double angstrom = 1)
+{
+    Dna dna;
+    dna.origin = "dna.txt:1: DNA 1";
+    dna.bases = bases;
+    for (std::size_t i = 0; i < bases.size(); ++i) {
+        dna.pairPoints.emplace_back(0, 0, 10.0 * double(i) * angstrom);
+        dna.pairRotations.emplace_back();
+    }
+    dna.points1 = dna.points2 = dna.pairPoints;
+    dna.rotations1 = dna.rotations2 = dna.pairRotations;
+    return dna;
+}
+
+// Strands at x = 1 and x = -1 along y.
+Birod makeBirod()
+{
+    Birod birod;
+    birod.origin = "ladder.json: birods[0]";
+    const double s = std::sqrt(0.5);
+    for (int i = 0; i < 4; ++i) {
+        birod.points.emplace_back(0, i, 0);
+        birod.points1.emplace_back(1, i, 0);
+        birod.points2.emplace_back(-1, i, 0);
+        birod.rotations.emplace_back(-s, 0, 0, s);
+    }
+    birod.rotations1 = birod.rotations2 = birod.rotations;
+    return birod;
+}
+
+Configuration glyphs()
+{
+    Configuration data;
+    Marker marker;
+    marker.origin = "glyphs.json: markers[0]";
+    marker.point = {5, 0, 0};
+    marker.shape = Marker::Shape::cube;
+    marker.size = 2.0;
+    marker.colour = "blue";
+    marker.transparency = 0.25;
+    marker.id = 7;
+    data.markers.push_back(marker);
+    Frame frame;
+    frame.origin = "glyphs.json: frames[0]";
+    frame.point = {0, 0, 0};
+    frame.size = 2.0;
+    data.frames.push_back(frame);
+    Arrow arrow;
+    arrow.origin = "glyphs.json: arrows[0]";
+    arrow.from = {0, -5, 0};
+    arrow.to = {4, -5, 0};
+    arrow.radius = 0.5;
+    data.arrows.push_back(arrow);
+    return data;
+}
+
+// Stops the work when it is told of something the so-many-th time.
+struct StoppingAt : Progress
+{
+    explicit StoppingAt(int stopCount) : count(stopCount) {}
+    void show(const std::string& text) override
+    {
+        texts.push_back(text);
+        --count;
+    }
+    void announce(const std::string& text) override { show(text); }
+    bool isStopped() const override { return count <= 0; }
+
+    int count;
+    std::vector<std::string> texts;
+};
+
+TEST_F(SceneBuilderTest, SaysWhatItBuildsAndStopsWhereItIsToldTo)
+{
+    Configuration data;
+    const std::vector<algebra3d::Vector3<double>> points = {{0, 0, 0}, {0, 0, 1}};
+    for (int i = 0; i < 3; ++i)
+        data.rods.push_back({"rod", points, std::vector<algebra3d::Quaternion<double>>(2), {}});
+    data.arrows.resize(2);
+    const Style style = makeStyle({}, data);
+    StoppingAt never(1000);
+    scene = buildScene(data, style, nullptr, never, error);
+    ASSERT_NE(scene, nullptr) << error;
+    scene->ref();
+    EXPECT_THAT(never.texts,
+                testing::ElementsAre("Building rod 1 of 3", "Building rod 2 of 3",
+                                     "Building rod 3 of 3", "Showing rod 1 of 3",
+                                     "Showing rod 2 of 3", "Showing rod 3 of 3",
+                                     "Building arrow 1 of 2", "Building arrow 2 of 2"));
+    for (int i = 1; i <= 8; ++i) {
+        StoppingAt progress(i);
+        EXPECT_EQ(buildScene(data, style, nullptr, progress, error), nullptr) << i;
+        EXPECT_EQ(error, "building the scene was stopped");
+        EXPECT_EQ(progress.texts.size(), std::size_t(i));
+    }
+}
+
+TEST_F(SceneBuilderTest, ShowsABirodThroughItsOwnPointsAndTellsTheAveragesArcLength)
+{
+    Configuration data;
+    data.birods.push_back(makeBirod());
+    ASSERT_TRUE(build(data)) << error;
+    const auto birods = find<SoBirod>();
+    ASSERT_EQ(birods.size(), 1u);
+    EXPECT_TRUE(birods[0]->isValid());
+    EXPECT_EQ(birods[0]->getStrandXPos(), 0);
+    EXPECT_EQ(birods[0]->getStrandYPos(), 0);
+    EXPECT_THAT(describe(1, 1.5), StartsWith("point 1 1.5 "));
+    EXPECT_THAT(describe(1, 1.5), EndsWith(", arc length 1.5 of 3 – ladder.json: birods[0]"));
+    EXPECT_THAT(describe(-1, 0.5), HasSubstr("arc length 0.5 of 3"));
+    EXPECT_EQ(describe(0.5, 0.5), "") << "the ribbon is seen from its edge";
+}
+
+TEST_F(SceneBuilderTest, TellsWhichBaseOfADnaWasPicked)
+{
+    Configuration data;
+    data.dnas.push_back(makeDna("AC"));
+    ASSERT_TRUE(build(data)) << error;
+    // From above the last pair hides the first. Strand 1's bases lie along d2, y.
+    EXPECT_THAT(describe(0, 4), StartsWith("pair 2 CG, strand 1, point 0 4 1"));
+    EXPECT_THAT(describe(0, 4), EndsWith(" – dna.txt:1: DNA 1"));
+    EXPECT_THAT(describe(0, -4), StartsWith("pair 2 CG, strand 2, point 0 -4 1"));
+    EXPECT_EQ(describe(20, 0), "");
+}
+
+TEST_F(SceneBuilderTest, TellsThePairOfAPairsBox)
+{
+    Configuration data;
+    data.dnas.push_back(makeDna("GAT"));
+    Options options;
+    options.dna = {false, false, true, 1};
+    ASSERT_TRUE(build(data, options)) << error;
+    EXPECT_THAT(describe(0, 4), StartsWith("pair 3 TA, point 0 4 "));
+}
+
+TEST_F(SceneBuilderTest, ShowsOfADnaWhatIsAskedFor)
+{
+    Configuration data;
+    data.dnas.push_back(makeDna("A"));
+    Options options;
+    options.dna = {false, true, true, 1};
+    ASSERT_TRUE(build(data, options)) << error;
+    const auto dnas = find<SoDNA>();
+    ASSERT_EQ(dnas.size(), 1u);
+    EXPECT_FALSE(dnas[0]->areAtomsShown());
+    EXPECT_TRUE(dnas[0]->areBaseBoxesShown());
+    EXPECT_TRUE(dnas[0]->areBasePairBoxesShown());
+}
+
+TEST_F(SceneBuilderTest, ADnaInNanometresIsTheSameATenthAsLarge)
+{
+    Configuration inAngstrom, inNanometres;
+    inAngstrom.dnas.push_back(makeDna("ACGT"));
+    inNanometres.dnas.push_back(makeDna("ACGT", 0.1));
+    ASSERT_TRUE(build(inAngstrom)) << error;
+    const SbBox3f large = box();
+    const std::string told = describe(0, 4);
+    EXPECT_THAT(told, HasSubstr("point 0 4 3"));
+    scene->unref();
+
+    Options options;
+    options.dna.angstrom = 0.1;
+    ASSERT_TRUE(build(inNanometres, options)) << error;
+    for (int axis = 0; axis < 3; ++axis)
+        EXPECT_NEAR(box().getSize()[axis], 0.1f * large.getSize()[axis], 1e-4f);
+    EXPECT_THAT(describe(0, 0.4f), HasSubstr("pair 4 TA, strand 1, point 0 0.4 3"));
+}
+
+TEST_F(SceneBuilderTest, TheBoxOfADnaHoldsAllOfItAndLittleMore)
+{
+    // Turned pairs, of which Coin makes much larger boxes.
+    Dna dna = makeDna("ACGTACGTAC");
+    for (std::size_t i = 0; i < dna.bases.size(); ++i) {
+        const double angle = 0.3 * double(i);
+        dna.pairRotations[i] = Quaternion<double>(0, 0, std::sin(angle), std::cos(angle));
+        dna.pairPoints[i] = {20 * std::cos(angle), 20 * std::sin(angle), double(i)};
+    }
+    dna.points1 = dna.points2 = dna.pairPoints;
+    dna.rotations1 = dna.rotations2 = dna.pairRotations;
+    Configuration data;
+    data.dnas.push_back(dna);
+    ASSERT_TRUE(build(data)) << error;
+    const SbBox3f told = box();
+
+    // Every corner of every triangle, where it is shown.
+    SbBox3f exact;
+    SoCallbackAction corners;
+    const auto extend = [](void* box, SoCallbackAction* action, const SoPrimitiveVertex* a,
+                           const SoPrimitiveVertex* b, const SoPrimitiveVertex* c) {
+        for (const SoPrimitiveVertex* corner : {a, b, c}) {
+            SbVec3f placed;
+            action->getModelMatrix().multVecMatrix(corner->getPoint(), placed);
+            static_cast<SbBox3f*>(box)->extendBy(placed);
+        }
+    };
+    corners.addTriangleCallback(SoShape::getClassTypeId(), extend, &exact);
+    corners.apply(scene);
+    ASSERT_FALSE(exact.isEmpty());
+    for (int axis = 0; axis < 3; ++axis) {
+        EXPECT_LE(told.getMin()[axis], exact.getMin()[axis]) << axis;
+        EXPECT_GE(told.getMax()[axis], exact.getMax()[axis]) << axis;
+        EXPECT_LE(told.getSize()[axis], exact.getSize()[axis] + 18) << axis;
+    }
+}
+
+TEST_F(SceneBuilderTest, PlacesMarkersWithTheirIdShapeSizeColourAndTransparency)
+{
+    ASSERT_TRUE(build(glyphs())) << error;
+    const auto markers = find<SoMarker>();
+    ASSERT_EQ(markers.size(), 1u);
+    EXPECT_EQ(markers[0]->getId(), 7);
+    EXPECT_EQ(markers[0]->getShape(), SoMarker::CUBE);
+    EXPECT_EQ(markers[0]->getSize(), 2);
+    EXPECT_EQ(markers[0]->getTransparency(), 0.25);
+    double red = -1, green = -1, blue = -1;
+    markers[0]->getColour(red, green, blue);
+    EXPECT_EQ(red, 0);
+    EXPECT_EQ(green, 0);
+    EXPECT_EQ(blue, 1);
+    EXPECT_EQ(describe(5, 0), "point 5 0 1 – glyphs.json: markers[0]: id 7");
+}
+
+TEST_F(SceneBuilderTest, PlacesArrowsAndFramesInTheirSize)
+{
+    ASSERT_TRUE(build(glyphs())) << error;
+    EXPECT_EQ(find<SoArrow>().size(), 1u + 3u) << "the arrow, and those of the marker's cross";
+    EXPECT_EQ(find<SoFrame>().size(), 1u);
+    EXPECT_EQ(describe(0.5f, -5), "point 0.5 -5 0.5 – glyphs.json: arrows[0]");
+    EXPECT_THAT(describe(1, 0), StartsWith("point 1 0 0."));
+    const SbBox3f all = box();
+    EXPECT_NEAR(all.getMax()[2], 2, 1e-3) << "the frame's axis z";
+    EXPECT_NEAR(all.getMin()[1], -5 - 1.1, 0.01) << "the arrow's head";
+}
+
+TEST_F(SceneBuilderTest, RefusesAColourThatIsNone)
+{
+    Configuration data = glyphs();
+    data.markers[0].colour = "bluish";
+    EXPECT_FALSE(build(data));
+    EXPECT_EQ(error, "glyphs.json: markers[0].colour: found 'bluish', expected #rrggbb or an SVG "
+                     "colour name");
+    data = glyphs();
+    data.arrows[0].colour = "#12";
+    EXPECT_FALSE(build(data));
+    EXPECT_THAT(error, StartsWith("glyphs.json: arrows[0].colour: found '#12'"));
+}
+
+TEST_F(SceneBuilderTest, ShowsASinglePointOfAnything)
+{
+    Configuration data;
+    Marker marker;
+    marker.point = {1e6, 2e6, 3e6};
+    data.markers.push_back(marker);
+    ASSERT_TRUE(build(data)) << error;
+    EXPECT_GT(box().getSize()[0], 0);
+    scene->unref();
+
+    data = {};
+    data.dnas.push_back(makeDna("G"));
+    ASSERT_TRUE(build(data)) << error;
+    EXPECT_GT(box().getSize()[0], 5);
+}
+
+TEST_F(SceneBuilderTest, RefusesABirodThatTurnsStraightBack)
+{
+    Configuration data;
+    data.birods.push_back(makeBirod());
+    data.birods[0].points2[2] = data.birods[0].points2[0];
+    EXPECT_FALSE(build(data));
+    EXPECT_THAT(
+        error,
+        StartsWith(
+            "ladder.json: birods[0].strand2.points[1]: found edges that turn straight back"));
+}
+
+} // namespace
+
+} // namespace strandview

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "scene/Told.h"
+
+#include <gtest/gtest.h>
+
+namespace strandview {
+
+namespace {
+
+TEST(Told, ANoticeOfAFileTellsTheFileLast)
+{
+    const Told told = toldOf("/a: b/rods.txt: 2 points left out", {"other.txt", "/a: b/rods.txt"});
+    EXPECT_EQ(told.what, "2 points left out");
+    EXPECT_EQ(told.name, "/a: b/rods.txt");
+    EXPECT_EQ(toLine(told), "2 points left out – /a: b/rods.txt");
+}
+
+TEST(Told, ANoticeOfNoFileStaysAsItIs)
+{
+    const Told told = toldOf("3 rods: no such scalar", {"rods.txt"});
+    EXPECT_EQ(told.name, "");
+    EXPECT_EQ(toLine(told), "3 rods: no such scalar");
+}
+
+} // namespace
+
+} // namespace strandview
