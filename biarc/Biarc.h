@@ -5,11 +5,11 @@
 #include <biarc/Vector3.h>
 
 template <class Vector>
-class ArcSampler;
+class BIARC_EXPORT ArcSampler;
 template <class Vector>
-class BiarcSampler;
+class BIARC_EXPORT BiarcSampler;
 template <class Vector>
-class Curve;
+class BIARC_EXPORT Curve;
 
 /// One node of a curve and the biarc that leaves it: two circular arcs, from the
 /// node's point p0 (tangent t0) to the matching point m (matching tangent tm) and

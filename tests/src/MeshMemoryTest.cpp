@@ -110,7 +110,7 @@ class MeshMemory : public testing::Test
 };
 
 using MeshTypes = testing::Types<BiarcTubeMesh, TubeMesh, BiarcRibbonMesh>;
-TYPED_TEST_SUITE(MeshMemory, MeshTypes);
+TYPED_TEST_SUITE(MeshMemory, MeshTypes, );
 
 TYPED_TEST(MeshMemory, IsKeptByAMeshOfTheSameSize)
 {
