@@ -75,11 +75,11 @@ SoGeneralScene* makeLights(int which)
     SoShaderParameterArray1f* shininess;
     scene->getLightingParameters(directions, intensities, shininess);
     if (which == 1) {
-        directions->value.set1Value(1, 0, 1, -0.3f); // from below
+        directions->value.set1Value(1, 0, 1, -0.3f); // light 1 from below
         intensities->value.set1Value(1, 0.7f);
     }
     if (which == 2)
-        shininess->value.set1Value(0, 0);
+        shininess->value.set1Value(0, 0); // light 0 without a highlight
     return scene;
 }
 
@@ -87,15 +87,15 @@ SoGeneralScene* makeLights(int which)
 SoGeneralScene* makeColours()
 {
     SoRod* rod = makeRod();
-    std::vector<double> heights;
+    std::vector<double> values; // one for each of the rod's points
     for (double s : rod->getTubeMesh()->getParamValues())
-        heights.push_back(std::cos(2 * s));
+        values.push_back(std::cos(2 * s));
     ColourMapper mapper(-1, 1);
     auto* material = new SoMaterial;
     SoGeneralScene::interpolateMaterial(&mapper, material, 0, rod->getTubeMesh()->getParamValues(),
-                                        heights, rod->getTubeMesh()->getInterpParamValues());
+                                        values, rod->getTubeMesh()->getInterpParamValues());
     SoGeneralScene::interpolateMaterial(&mapper, material, rod->getTubeMesh()->getHeight(),
-                                        rod->getRibbonMesh()->getParamValues(), heights,
+                                        rod->getRibbonMesh()->getParamValues(), values,
                                         rod->getRibbonMesh()->getInterpParamValues());
     auto* content = new SoSeparator;
     content->addChild(material);

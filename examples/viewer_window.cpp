@@ -85,8 +85,9 @@ public:
         auto* scene = new PickedScene(statusBar);
         scene->addShaded(colours);
         scene->addShaded(makeHelix());
-        viewer->setSceneGraph(scene);
+        viewer->setSceneGraph(scene);                             // seen along -z, all of it
         viewer->setupCamera(SbVec3f(-1, 0, 0), SbVec3f(0, 1, 0)); // the helix lies across
+        viewer->setCameraZoom(60);                                // pixels per unit
         viewer->setBackgroundColor(SbColor(1, 1, 1));
         viewer->show();
         setupUi(); // the zoom field

@@ -1,0 +1,240 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What the pages show is true: code is compiled, files are read, commands are there or run
+// (tests/gui/DocsCommandsTest.cpp), and whatever is named exists.
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <regex>
+#include <set>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+#include <strandview/formats/readFile.h>
+
+#include "support/codeBlocks.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+const fs::path PROJECT = PROJECT_FOLDER;
+
+std::vector<CodeBlock> blocksIn(const std::string& language)
+{
+    std::vector<CodeBlock> found;
+    for (const CodeBlock& block : codeBlocksOf(PROJECT)) {
+        if (block.language == language)
+            found.push_back(block);
+    }
+    return found;
+}
+
+// Whether the block stands at that line, the whole of it deeper by so many blanks or none.
+bool standsAt(const Lines& source, std::size_t start, const Lines& block)
+{
+    if (block.empty() || start + block.size() > source.size())
+        return false;
+    const std::size_t place = source[start].find(block[0]);
+    if (place == std::string::npos)
+        return false;
+    const std::string indent(place, ' ');
+    for (std::size_t i = 0; i < block.size(); ++i) {
+        if (source[start + i] != (block[i].empty() ? "" : indent + block[i]))
+            return false;
+    }
+    return true;
+}
+
+bool isExcerptOf(const fs::path& file, const CodeBlock& block)
+{
+    const Lines source = readLines(file);
+    for (std::size_t start = 0; start < source.size(); ++start) {
+        if (standsAt(source, start, block.lines))
+            return true;
+    }
+    return false;
+}
+
+bool isExcerptOfOne(const std::vector<fs::path>& files, const CodeBlock& block)
+{
+    return std::any_of(files.begin(), files.end(),
+                       [&](const fs::path& file) { return isExcerptOf(file, block); });
+}
+
+std::vector<fs::path> filesBelow(const fs::path& folder, const std::string& ending)
+{
+    std::vector<fs::path> files;
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder)) {
+        const std::string name = entry.path().filename().string();
+        if (name.size() >= ending.size() &&
+            name.compare(name.size() - ending.size(), ending.size(), ending) == 0)
+            files.push_back(entry.path());
+    }
+    return files;
+}
+
+bool isExecutable(const fs::path& file)
+{
+    return fs::is_regular_file(file) &&
+           (fs::status(file).permissions() & fs::perms::owner_exec) != fs::perms::none;
+}
+
+// What a reader says against the block as a file with that ending; empty if nothing.
+std::string faultOf(const CodeBlock& block, const std::string& ending)
+{
+    const fs::path file = fs::path(testing::TempDir()) / ("strandview_docs" + ending);
+    std::ofstream(file) << block.text();
+    strandview::ReadReport report;
+    const auto read = strandview::readFile(file.string(), {}, report);
+    fs::remove(file);
+    return read ? "" : report.error;
+}
+
+TEST(Docs, EveryCodeBlockIsOfAKindThatIsTested)
+{
+    const std::set<std::string> kinds{"cpp", "cmake", "sh", "json", "text", ""};
+    std::set<std::string> seen;
+    for (const CodeBlock& block : codeBlocksOf(PROJECT)) {
+        seen.insert(block.language);
+        EXPECT_EQ(kinds.count(block.language), 1u) << block.place << ": " << block.language;
+        EXPECT_FALSE(block.lines.empty()) << block.place;
+    }
+    EXPECT_EQ(seen, kinds) << "kinds that no page has need no tests";
+}
+
+TEST(Docs, CodeIsAnExcerptOfAHostThatIsCompiled)
+{
+    const std::vector<fs::path> hosts = filesBelow(PROJECT / "examples", ".cpp");
+    const std::string list =
+        CodeBlock{"", "", readLines(PROJECT / "examples/CMakeLists.txt")}.text();
+    for (const fs::path& host : hosts)
+        EXPECT_THAT(list, testing::HasSubstr(host.stem().string())) << "is not compiled";
+    for (const CodeBlock& block : blocksIn("cpp"))
+        EXPECT_TRUE(isExcerptOfOne(hosts, block)) << block.place;
+}
+
+TEST(Docs, BuildRulesAreExcerptsOfHostProjectsThatAreBuilt)
+{
+    const std::vector<fs::path> projects = filesBelow(PROJECT / "tests/package", "CMakeLists.txt");
+    for (const CodeBlock& block : blocksIn("cmake"))
+        EXPECT_TRUE(isExcerptOfOne(projects, block)) << block.place;
+}
+
+TEST(Docs, FilesThatAreShownAreReadWithoutAFault)
+{
+    for (const CodeBlock& block : blocksIn("json"))
+        EXPECT_EQ(faultOf(block, ".json"), "") << block.place;
+    for (const CodeBlock& block : blocksIn(""))
+        EXPECT_EQ(faultOf(block, ".txt"), "") << block.place;
+}
+
+TEST(Docs, CommandsOfTheProjectAreThere)
+{
+    for (const CodeBlock& block : blocksIn("sh")) {
+        if (block.isRun())
+            continue;
+        for (const std::string& line : block.lines)
+            EXPECT_TRUE(isExecutable(PROJECT / line.substr(0, line.find(' '))))
+                << block.place << ": " << line;
+    }
+}
+
+// The folders that a map of lines like "  scene/   data and style to nodes" names, as paths:
+// one that does not begin its line may stand beside the line's folder or in it.
+std::set<std::string> foldersOn(const CodeBlock& map, const fs::path& project)
+{
+    static const std::regex name("([A-Za-z0-9_]+)/");
+    std::set<std::string> folders;
+    std::string top;
+    for (const std::string& line : map.lines) {
+        const bool isTop = line[0] != ' ';
+        std::string outer = isTop ? "" : top;
+        for (std::sregex_iterator at(line.begin(), line.end(), name), end; at != end; ++at) {
+            const std::string word = (*at)[1];
+            if (isTop && at->position() == 0)
+                top = word;
+            const std::string inside = (isTop ? top : outer) + "/" + word;
+            const bool isInside = at->position() != 0 && fs::is_directory(project / inside);
+            folders.insert(isInside ? inside : word);
+        }
+    }
+    return folders;
+}
+
+TEST(Docs, TheMapNamesTheFoldersThatThereAre)
+{
+    std::set<std::string> named;
+    for (const CodeBlock& block : blocksIn("text"))
+        named.merge(foldersOn(block, PROJECT));
+    for (const std::string& folder : named)
+        EXPECT_TRUE(fs::is_directory(PROJECT / folder)) << folder;
+
+    const auto expectNamed = [&](const std::string& outer) {
+        for (const fs::directory_entry& entry : fs::directory_iterator(PROJECT / outer)) {
+            const std::string folder = fs::relative(entry.path(), PROJECT).generic_string();
+            const bool isOurs = entry.is_directory() && folder[0] != '.' && folder != "build";
+            EXPECT_TRUE(!isOurs || named.count(folder) == 1) << folder << " is not on the map";
+        }
+    };
+    for (const char* outer : {".", "app", "formats", "src"})
+        expectNamed(outer);
+}
+
+TEST(Docs, LinksLeadToFilesOfTheProject)
+{
+    static const std::regex link("\\]\\(([^)#]+)(#[^)]*)?\\)");
+    for (const fs::path& page : pagesOf(PROJECT)) {
+        for (const std::string& line : readLines(page)) {
+            for (std::sregex_iterator at(line.begin(), line.end(), link), end; at != end; ++at) {
+                const std::string target = (*at)[1];
+                const bool isOurs = target.find("://") == std::string::npos;
+                EXPECT_TRUE(!isOurs || fs::exists(page.parent_path() / target))
+                    << page << ": " << target;
+            }
+        }
+    }
+}
+
+// In the pages a path in backticks is below the project, the folder where it stands, or a library.
+bool isThere(const std::string& path, const fs::path& page)
+{
+    for (const fs::path& folder : {PROJECT, page.parent_path(), PROJECT / "src", PROJECT / "app"}) {
+        if (fs::exists(folder / path))
+            return true;
+    }
+    return false;
+}
+
+TEST(Docs, SourcesAndScriptsThatAreNamedExist)
+{
+    static const std::regex named(
+        "`((script/[a-z_]+)|([A-Za-z0-9_]+(/[A-Za-z0-9_]+)*/[A-Za-z0-9_]+\\.(h|cpp|txt|sh|md)))");
+    static const std::regex anyName("/X(Test)?\\."); // of a class that there may be
+    std::size_t seen = 0;
+    for (const fs::path& page : pagesOf(PROJECT)) {
+        for (const std::string& line : readLines(page)) {
+            for (std::sregex_iterator at(line.begin(), line.end(), named), end; at != end; ++at) {
+                const std::string path = (*at)[1];
+                ++seen;
+                EXPECT_TRUE(isThere(path, page) || std::regex_search(path, anyName))
+                    << page << ": " << path;
+            }
+        }
+    }
+    EXPECT_GT(seen, 30u); // so that the test has read what it is about
+}
+
+TEST(DocsExcerpts, StandWholeAndInOrderWhateverTheirIndent)
+{
+    const Lines source{"int main()",      "{", "    run();", "", "    if (more)",
+                       "        stop();", "}"};
+    EXPECT_TRUE(standsAt(source, 2, {"run();", "", "if (more)", "    stop();"}));
+    EXPECT_FALSE(standsAt(source, 2, {"run();", "if (more)"}));
+    EXPECT_FALSE(standsAt(source, 2, {"run();", "", "if (more)", "stop();"}));
+    EXPECT_FALSE(standsAt(source, 2, {"ru"}));
+    EXPECT_FALSE(standsAt(source, 6, {"}", "more"}));
+}
+
+} // namespace
