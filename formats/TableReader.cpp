@@ -18,6 +18,7 @@
 #include <strandview/formats/Milestones.h>
 #include <strandview/formats/checks.h>
 #include <strandview/formats/directors.h>
+#include <strandview/formats/text/encoding.h>
 #include <strandview/formats/text/wording.h>
 
 namespace strandview {
@@ -254,15 +255,6 @@ std::string_view withoutUnit(std::string_view field)
         return field;
     const std::size_t bracket = field.rfind(last == ']' ? '[' : '(');
     return bracket == std::string_view::npos ? field : trimmed(field.substr(0, bracket));
-}
-
-std::string inSmallLetters(std::string_view text)
-{
-    std::string lower(text);
-    for (char& c : lower)
-        if (c >= 'A' && c <= 'Z')
-            c = static_cast<char>(c - 'A' + 'a');
-    return lower;
 }
 
 /// A column's name: a known one in lower case and without a unit, any other as it is.

@@ -11,17 +11,22 @@
 
 namespace strandview {
 
-/// Reads one file, or standard input for "-", by the reader for its ending:
-/// .txt .dat .csv .tsv .xyz are tables, .json is JSON (upper or lower case). Of standard
-/// input, and where there is no ending or another one (pipes, devices), the content
-/// decides: JSON if the first character that is not blank is "{", else a table; what
-/// begins with control characters is neither. A byte order mark of UTF-8 is skipped;
-/// text with one of UTF-16 is refused.
+class Source;
+
+/// Reads one file, or standard input for "-", in the format of its ending (upper or lower
+/// case), of formats(). Of standard input, and where there is no ending or another one (pipes,
+/// devices), the content decides: JSON if the first character that is not blank is "{", a
+/// table if it is text at all; what begins with control characters is neither. A byte order
+/// mark of UTF-8 is skipped; text with one of UTF-16 is refused.
 ///
 /// Adds to report.notices. Nothing and report.error if it fails; if the file cannot be
-/// read at all the error gives the system's reason.
+/// read at all the error gives the system's reason. May be called from any thread.
 STRANDVIEW_FORMATS_EXPORT std::optional<Configuration>
 readFile(const std::string& path, const ReadOptions& options, ReadReport& report);
+
+/// The same of what is open already; bytes have no ending.
+STRANDVIEW_FORMATS_EXPORT std::optional<Configuration>
+readSource(Source& source, const ReadOptions& options, ReadReport& report);
 
 } // namespace strandview
 

@@ -12,6 +12,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <strandview/formats/formats.h>
 #include <strandview/formats/text/wording.h>
 
 #include "command/optionNames.h"
@@ -281,6 +282,15 @@ void addColouring(CLI::App& app, Options& options)
         ->group(group);
 }
 
+// "Tables (.txt .dat), JSON (.json)".
+std::string namedFormats()
+{
+    std::string text;
+    for (const Format& format : formats())
+        text += (text.empty() ? "" : ", ") + format.name + " (" + endingsOf(format) + ")";
+    return text;
+}
+
 // The command line with the names of its options as they are spelt here.
 std::vector<std::string> inOwnSpelling(int argc, const char* const* argv)
 {
@@ -379,10 +389,8 @@ ParsedOptions parseOptions(int argc, const char* const* argv)
                  "strandview");
     app.set_version_flag("--version", "strandview " STRANDVIEW_VERSION);
     app.footer("American spellings are understood, too: --color-by, --normalize and so on.");
-    app.add_option(
-        "FILE", options.files,
-        "Tables (.txt .dat .csv .tsv .xyz), .json files, or others known by their content; "
-        "- is standard input");
+    app.add_option("FILE", options.files,
+                   namedFormats() + ", or others known by their content; - is standard input");
     CLI::Option* render =
         app.add_option("--render", options.picture, "Write a picture instead of opening a window")
             ->type_name("OUT.png");

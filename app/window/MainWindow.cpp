@@ -57,6 +57,7 @@
 #include "window/StatusText.h"
 #include "window/checkDisplay.h"
 #include "window/decimalComma.h"
+#include "window/fileFilter.h"
 
 namespace strandview {
 
@@ -644,9 +645,7 @@ QString MainWindow::folderOfFiles() const
 
 void MainWindow::chooseFiles()
 {
-    openFiles(QFileDialog::getOpenFileNames(
-        this, "Open", folderOfFiles(),
-        "Configurations (*.txt *.dat *.csv *.tsv *.xyz *.json);;All files (*)"));
+    openFiles(QFileDialog::getOpenFileNames(this, "Open", folderOfFiles(), fileFilter()));
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event)

@@ -26,6 +26,8 @@
 #include "support/runProgram.h"
 #include <algebra3d/Matrix3.h>
 
+#include <strandview/formats/formats.h>
+
 namespace strandview {
 
 using testing::EndsWith;
@@ -900,6 +902,25 @@ TEST_F(StrandviewTest, HelpAndVersionGoToStandardOutput)
     const ProgramRun version = run({"--version"});
     EXPECT_EQ(version.status, 0);
     EXPECT_THAT(version.output, testing::MatchesRegex("strandview [0-9]+\\.[0-9]+\\.[0-9]+\n"));
+}
+
+// The help's lines as one, with one blank wherever it has some.
+std::string onOneLineOf(const std::string& help)
+{
+    std::istringstream words(help);
+    std::string line;
+    for (std::string word; words >> word;)
+        line += (line.empty() ? "" : " ") + word;
+    return line;
+}
+
+TEST_F(StrandviewTest, HelpNamesEveryFormatWithItsEndings)
+{
+    std::string named;
+    for (const Format& format : formats())
+        named += format.name + " (" + endingsOf(format) + "), ";
+    EXPECT_THAT(onOneLineOf(run({"--help"}).output),
+                HasSubstr(named + "or others known by their content; - is standard input"));
 }
 
 // What the program says of options that change nothing, and its status 0.

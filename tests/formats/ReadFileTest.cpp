@@ -22,6 +22,7 @@
 #include <strandview/formats/JsonReader.h>
 #include <strandview/formats/TableReader.h>
 
+#include "support/TemporaryFolder.h"
 #include "support/readText.h"
 
 namespace strandview {
@@ -41,22 +42,12 @@ const std::string json = R"( {"strandview": 1, "rods": [{"points": [[0, 0, 0], [
                              "quaternions": [[0, 0, 0, 1], [0, 0, 0, 1]]}]})";
 const std::string byteOrderMark = "\xEF\xBB\xBF";
 
-/// A folder for the files of one test, gone at its end.
 class ReadFile : public testing::Test
 {
 protected:
-    ReadFile()
-    {
-        std::string pattern = testing::TempDir() + "strandview-readFile-XXXXXX";
-        folder = ::mkdtemp(pattern.data());
-    }
-    ~ReadFile() override { std::filesystem::remove_all(folder); }
-
     std::string write(const std::string& name, const std::string& text) const
     {
-        const std::string path = folder + "/" + name;
-        std::ofstream(path, std::ios::binary) << text;
-        return path;
+        return temporary.write(name, text);
     }
 
     std::optional<Configuration> read(const std::string& path)
@@ -70,7 +61,8 @@ protected:
         return read("-");
     }
 
-    std::string folder;
+    const TemporaryFolder temporary;
+    const std::string folder = temporary.path();
     ReadReport report;
 };
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The program's window as its user sees it: a real window, keys, clicks, menus and drops.
 #include "window/MainWindow.h"
+#include "window/fileFilter.h"
 
 #include <algorithm>
 #include <clocale>
@@ -554,6 +555,19 @@ TEST_F(MainWindowTest, OpensTheFilesThatAreChosen)
     EXPECT_TRUE(window->hasScene());
     EXPECT_EQ(window->windowTitle().toStdString(), file + " - strandview");
     EXPECT_TRUE(comesToShowTheRod());
+}
+
+TEST_F(MainWindowTest, TheDialogThatOpensFilesOffersAllFormats)
+{
+    QStringList filters;
+    const Answers answers([&](QWidget& dialog) {
+        if (const auto* chooser = qobject_cast<QFileDialog*>(&dialog))
+            filters = chooser->nameFilters();
+    });
+    open({});
+    window->chooseFiles();
+    EXPECT_EQ(filters.join(";;"), fileFilter());
+    EXPECT_EQ(filters.size(), 2);
 }
 
 TEST_F(MainWindowTest, DialogsStartWhereTheShownFileIs)

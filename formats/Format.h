@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_FORMATS_FORMAT_H
+#define STRANDVIEW_FORMATS_FORMAT_H
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <strandview/formats/ReadReport.h>
+#include <strandview/model/Configuration.h>
+
+namespace strandview {
+
+class Source;
+
+/// What strandview knows of one format of files: a row of formats().
+struct Format
+{
+    /// As a list names it: "Tables". The guide has a heading of this name.
+    std::string name;
+    /// As a message expects one: "a table".
+    std::string expected;
+    /// With their dots, in small letters; a file may have them in capitals, too.
+    std::vector<std::string> endings;
+
+    /// Whether bytes without such an ending can be one, by the first 64 KiB, or by all where
+    /// there are fewer.
+    bool (*recognises)(std::string_view beginning);
+
+    /// A configuration; nothing and report.error if that fails.
+    std::optional<Configuration> (*read)(Source& source, const ReadOptions& options,
+                                         ReadReport& report);
+};
+
+} // namespace strandview
+
+#endif

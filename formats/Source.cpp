@@ -1,0 +1,187 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <strandview/formats/Source.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <limits>
+#include <system_error>
+#include <utility>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <strandview/formats/Milestones.h>
+#include <strandview/formats/text/wording.h>
+
+namespace strandview {
+
+namespace {
+
+constexpr std::uint64_t everything = std::numeric_limits<std::uint64_t>::max();
+constexpr std::size_t smallestRoom = 1 << 20;
+constexpr char standardInput[] = "standard input";
+
+bool fail(const std::string& name, const std::string& what, ReadReport& report)
+{
+    report.error = name + ": " + what;
+    return false;
+}
+
+std::string cannotBeRead(int reason)
+{
+    return "cannot be read: " + std::generic_category().message(reason);
+}
+
+/// Whether to go on: asked again and again until a pipe or a terminal has something to read,
+/// or says what is wrong with it.
+bool waitForInput(int descriptor, const ReadOptions& options)
+{
+    constexpr int patience = 50; // milliseconds
+    pollfd input = {descriptor, POLLIN, 0};
+    int ready = 0;
+    do {
+        if (options.goOn && !options.goOn(0))
+            return false;
+        ready = poll(&input, 1, patience);
+    } while (ready == 0 || (ready < 0 && errno == EINTR));
+    return true;
+}
+
+} // namespace
+
+std::unique_ptr<Source> Source::open(const std::string& path, ReadReport& report)
+{
+    if (path == "-")
+        return std::unique_ptr<Source>(new Source(standardInput, "", STDIN_FILENO));
+    // Whoever opens a pipe that nobody writes to yet does not wait for that.
+    const int descriptor = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (descriptor >= 0)
+        return std::unique_ptr<Source>(new Source(onOneLine(path), path, descriptor));
+    fail(onOneLine(path), cannotBeRead(errno), report);
+    return nullptr;
+}
+
+std::unique_ptr<Source> Source::ofBytes(const std::string& name, std::string bytes)
+{
+    std::unique_ptr<Source> source(new Source(onOneLine(name), "", -1));
+    source->size = source->filled = bytes.size();
+    source->beginning = std::move(bytes);
+    source->isComplete = true;
+    return source;
+}
+
+Source::Source(std::string sourceName, std::string sourcePath, int openDescriptor)
+    : name(std::move(sourceName)), path(std::move(sourcePath)), descriptor(openDescriptor)
+{
+    struct stat facts = {};
+    // Standard input may be a file that somebody else reads, too, and from its middle on.
+    isFile = !path.empty() && fstat(descriptor, &facts) == 0 && S_ISREG(facts.st_mode);
+    if (isFile && facts.st_size > 0)
+        size = std::uint64_t(facts.st_size);
+}
+
+Source::~Source()
+{
+    if (!path.empty())
+        close(descriptor);
+}
+
+/// How much room to make at a time: for all of a file, and one byte to find its end. What
+/// has no size of its own may be long too.
+std::size_t Source::roomFor(std::uint64_t count) const
+{
+    if (count < smallestRoom)
+        return std::size_t(count);
+    const std::uint64_t whole =
+        std::max({size.value_or(0) + 1, std::uint64_t(smallestRoom), 2 * std::uint64_t(filled)});
+    return std::size_t(std::min(count, whole));
+}
+
+/// Reads some of the next bytes, or of those at an offset; none at the end.
+bool Source::readPiece(char* to, std::size_t count, std::optional<std::uint64_t> offset,
+                       const ReadOptions& options, ReadReport& report, std::size_t& got) const
+{
+    for (;;) {
+        if (!waitForInput(descriptor, options))
+            return fail(name, readingStopped, report);
+        const ssize_t result =
+            offset ? pread(descriptor, to, count, off_t(*offset)) : read(descriptor, to, count);
+        got = std::size_t(std::max(result, ssize_t(0)));
+        if (result >= 0)
+            return true;
+        if (errno != EINTR && errno != EAGAIN)
+            return fail(name, cannotBeRead(errno), report);
+    }
+}
+
+/// Reads on from the beginning until there are so many bytes, or the end comes.
+bool Source::fill(std::uint64_t count, const ReadOptions& options, ReadReport& report)
+{
+    while (!isComplete && filled < count) {
+        if (filled == beginning.size())
+            beginning.resize(roomFor(count));
+        std::size_t got = 0;
+        if (!readPiece(&beginning[filled], beginning.size() - filled, {}, options, report, got))
+            return false;
+        filled += got;
+        isComplete = got == 0;
+    }
+    return true;
+}
+
+std::optional<std::string_view> Source::readBeginning(std::size_t count, const ReadOptions& options,
+                                                      ReadReport& report)
+{
+    if (!fill(count, options, report))
+        return {};
+    return std::string_view(beginning).substr(0, std::min(count, filled));
+}
+
+std::optional<std::string_view> Source::readAll(const ReadOptions& options, ReadReport& report)
+{
+    if (!fill(everything, options, report))
+        return {};
+    return std::string_view(beginning).substr(0, filled);
+}
+
+std::optional<std::string> Source::readAt(std::uint64_t offset, std::size_t count,
+                                          const ReadOptions& options, ReadReport& report)
+{
+    const std::uint64_t end = offset + std::min(std::uint64_t(count), everything - offset);
+    if (!isFile && !fill(end, options, report))
+        return {};
+    if (isComplete || end <= filled) {
+        const std::size_t from = std::size_t(std::min(offset, std::uint64_t(filled)));
+        return beginning.substr(from, std::min(count, filled - from));
+    }
+    std::string bytes;
+    std::size_t place = 0, got = 1;
+    for (; got > 0 && place < count; place += got) {
+        // Not all the room at once: a count may be a broken file's own.
+        bytes.resize(place + std::min(count - place, std::max(place, smallestRoom)));
+        if (!readPiece(&bytes[place], bytes.size() - place, offset + place, options, report, got))
+            return {};
+    }
+    bytes.resize(place);
+    return bytes;
+}
+
+std::unique_ptr<Source> Source::openBeside(const std::string& fileName, ReadReport& report) const
+{
+    if (!path.empty())
+        return open((std::filesystem::path(path).parent_path() / fileName).string(), report);
+    fail(name, "found no folder, expected " + inQuotes(fileName) + " beside it", report);
+    return nullptr;
+}
+
+std::unique_ptr<Source> Source::openWithEnding(const std::string& ending, ReadReport& report) const
+{
+    if (path.empty())
+        return openBeside("*" + ending, report);
+    return open(std::filesystem::path(path).replace_extension(ending).string(), report);
+}
+
+} // namespace strandview

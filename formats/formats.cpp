@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <strandview/formats/formats.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <filesystem>
+
+#include <strandview/formats/JsonReader.h>
+#include <strandview/formats/Source.h>
+#include <strandview/formats/TableReader.h>
+#include <strandview/formats/text/encoding.h>
+
+namespace strandview {
+
+namespace {
+
+/// Reads all of a text in UTF-8, with or without a byte order mark.
+template <auto readText>
+std::optional<Configuration> readWhole(Source& source, const ReadOptions& options,
+                                       ReadReport& report)
+{
+    const std::optional<std::string_view> bytes = source.readAll(options, report);
+    if (!bytes)
+        return {};
+    if (!isUtf16(*bytes))
+        return readText(withoutByteOrderMark(*bytes), source.getName(), options, report);
+    report.error = source.getName() + ": " + foundUtf16;
+    return {};
+}
+
+bool isText(std::string_view beginning) { return !isUtf16(beginning) && !isBinary(beginning); }
+
+bool isJson(std::string_view beginning)
+{
+    const std::string_view text = withoutByteOrderMark(beginning);
+    const std::size_t first = text.find_first_not_of(" \t\r\n");
+    return isText(beginning) && first != std::string_view::npos && text[first] == '{';
+}
+
+} // namespace
+
+const std::vector<Format>& formats()
+{
+    static const std::vector<Format> all = {
+        {"Tables",
+         "a table",
+         {".txt", ".dat", ".csv", ".tsv", ".xyz"},
+         isText,
+         readWhole<readTable>},
+        {"JSON", "JSON", {".json"}, isJson, readWhole<readJson>},
+    };
+    return all;
+}
+
+const Format* formatOfEnding(const std::string& path)
+{
+    const std::string ending = inSmallLetters(std::filesystem::path(path).extension().string());
+    for (const Format& format : formats())
+        if (std::find(format.endings.begin(), format.endings.end(), ending) != format.endings.end())
+            return &format;
+    return nullptr;
+}
+
+const Format* formatOfContent(std::string_view beginning)
+{
+    const std::vector<Format>& all = formats();
+    const auto found = std::find_if(all.rbegin(), all.rend(), [&](const Format& format) {
+        return format.recognises(beginning);
+    });
+    return found == all.rend() ? nullptr : &*found;
+}
+
+std::string expectedFormats()
+{
+    const std::vector<Format>& all = formats();
+    std::string text = all.front().expected;
+    for (std::size_t i = 1; i < all.size(); ++i)
+        text += (i + 1 == all.size() ? " or " : ", ") + all[i].expected;
+    return text;
+}
+
+std::string endingsOf(const Format& format, const std::string& before)
+{
+    std::string text;
+    for (const std::string& ending : format.endings)
+        text += (text.empty() ? "" : " ") + before + ending;
+    return text;
+}
+
+} // namespace strandview

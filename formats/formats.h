@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_FORMATS_FORMATS_H
+#define STRANDVIEW_FORMATS_FORMATS_H
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <strandview/formats/Format.h>
+#include <strandview/formatsExport.h>
+
+namespace strandview {
+
+/// Every format that is read, each once. All may be called from any thread.
+STRANDVIEW_FORMATS_EXPORT const std::vector<Format>& formats();
+
+/// The format whose ending a path has; null if none has it.
+STRANDVIEW_FORMATS_EXPORT const Format* formatOfEnding(const std::string& path);
+
+/// The format that recognises bytes by their beginning; null if none does. The last one of the
+/// list is asked first: what comes first in it is tables, which take any text.
+STRANDVIEW_FORMATS_EXPORT const Format* formatOfContent(std::string_view beginning);
+
+/// "a table or JSON".
+STRANDVIEW_FORMATS_EXPORT std::string expectedFormats();
+
+/// ".txt .dat .csv": of one format, separated by blanks, or with another text before each.
+STRANDVIEW_FORMATS_EXPORT std::string endingsOf(const Format& format,
+                                                const std::string& before = "");
+
+} // namespace strandview
+
+#endif

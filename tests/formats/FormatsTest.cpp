@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <strandview/formats/formats.h>
+
+#include <cctype>
+#include <fstream>
+#include <regex>
+#include <set>
+#include <string>
+
+#include <gmock/gmock.h>
+
+#include <strandview/formats/Source.h>
+
+namespace strandview {
+
+namespace {
+
+std::string nameOf(const Format* format) { return format ? format->name : "none"; }
+
+/// The headings of the guide that name endings: "Tables: `.txt` `.dat`", one a line.
+std::string headingsOfTheGuide()
+{
+    static const std::regex heading("^## (.*: `\\..*)$");
+    std::string headings;
+    std::ifstream guide(FILES_GUIDE);
+    EXPECT_TRUE(guide);
+    for (std::string line; std::getline(guide, line);) {
+        std::smatch match;
+        if (std::regex_match(line, match, heading))
+            headings += match[1].str() + "\n";
+    }
+    return headings;
+}
+
+} // namespace
+
+TEST(Formats, TheGuideHasASectionForEachWithItsEndings)
+{
+    std::string headings;
+    for (const Format& format : formats()) {
+        headings += format.name + ":";
+        for (const std::string& ending : format.endings)
+            headings += " `" + ending + "`";
+        headings += "\n";
+    }
+    EXPECT_EQ(headings, headingsOfTheGuide());
+}
+
+TEST(Formats, AnEndingBelongsToOneAndIsWrittenSmall)
+{
+    std::set<std::string> seen;
+    for (const Format& format : formats()) {
+        EXPECT_FALSE(format.endings.empty()) << format.name;
+        for (const std::string& ending : format.endings) {
+            EXPECT_EQ(ending.find('.'), 0u) << ending;
+            EXPECT_TRUE(seen.insert(ending).second) << ending;
+            for (const unsigned char c : ending)
+                EXPECT_FALSE(std::isupper(c)) << ending;
+        }
+    }
+}
+
+TEST(Formats, TheEndingOfAPathTellsOneInAnyCase)
+{
+    EXPECT_EQ(nameOf(formatOfEnding("a/b.c/rods.CSV")), "Tables");
+    EXPECT_EQ(nameOf(formatOfEnding("rods.txt.json")), "JSON");
+    for (const char* path : {"", "-", "rods", ".json", "a.json/rods", "rods.jsonx", "rods.pdb"})
+        EXPECT_EQ(formatOfEnding(path), nullptr) << path;
+}
+
+TEST(Formats, TheContentTellsOne)
+{
+    using namespace std::string_literals;
+    EXPECT_EQ(nameOf(formatOfContent(" \r\n\t{")), "JSON");
+    EXPECT_EQ(nameOf(formatOfContent("\xEF\xBB\xBF{")), "JSON");
+    EXPECT_EQ(nameOf(formatOfContent("0 0 0\n{")), "Tables");
+    EXPECT_EQ(nameOf(formatOfContent("")), "Tables");
+    for (const std::string& bytes : {"{\0"s, "\x93NUMPY\x01"s, "\xFF\xFE{"s})
+        EXPECT_EQ(formatOfContent(bytes), nullptr);
+}
+
+TEST(Formats, WhatIsExpectedNamesThemAll)
+{
+    EXPECT_EQ(expectedFormats(), "a table or JSON");
+    EXPECT_EQ(endingsOf(formats()[0]), ".txt .dat .csv .tsv .xyz");
+    EXPECT_EQ(endingsOf(formats()[1], "*"), "*.json");
+}
+
+TEST(Formats, EachReadsASourceUnderItsName)
+{
+    const std::string texts[] = {
+        "0 0 0\n0 0 1\n", R"({"strandview": 1, "rods": [{"points": [[0, 0, 0], [0, 0, 1]]}]})"};
+    ASSERT_EQ(formats().size(), std::size(texts)) << "a text for each";
+    for (std::size_t i = 0; i < formats().size(); ++i) {
+        SCOPED_TRACE(formats()[i].name);
+        ReadReport report;
+        const auto source = Source::ofBytes("here", texts[i]);
+        const auto read = formats()[i].read(*source, {}, report);
+        ASSERT_TRUE(read) << report.error;
+        ASSERT_EQ(read->rods.size(), 1u);
+        EXPECT_EQ(read->rods[0].points.size(), 2u);
+        EXPECT_EQ(read->rods[0].origin.rfind("here:", 0), 0u);
+    }
+}
+
+} // namespace strandview
