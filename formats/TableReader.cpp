@@ -3,12 +3,9 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cmath>
 #include <cstddef>
 #include <limits>
-#include <locale>
-#include <sstream>
 #include <system_error>
 #include <unordered_set>
 #include <utility>
@@ -19,6 +16,8 @@
 #include <strandview/formats/checks.h>
 #include <strandview/formats/directors.h>
 #include <strandview/formats/text/encoding.h>
+#include <strandview/formats/text/fields.h>
+#include <strandview/formats/text/numbers.h>
 #include <strandview/formats/text/wording.h>
 
 namespace strandview {
@@ -57,160 +56,6 @@ Names makeDnaNames()
 }
 const Names dnaNames = makeDnaNames();
 
-bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\v' || c == '\f'; }
-bool endsLine(char c) { return c == '\n' || c == '\r'; }
-bool isQuote(char c) { return c == '"'; }
-
-/// The text without the blanks around it.
-std::string_view trimmed(std::string_view text)
-{
-    while (!text.empty() && isBlank(text.front()))
-        text.remove_prefix(1);
-    while (!text.empty() && isBlank(text.back()))
-        text.remove_suffix(1);
-    return text;
-}
-
-/// A place in the text that moves on by fields within a line, and by lines.
-/// A copy looks ahead.
-class FieldScanner
-{
-public:
-    explicit FieldScanner(std::string_view wholeText) : text(wholeText) {}
-
-    bool isAtEnd() const { return position == text.size(); }
-    std::size_t getLine() const { return line; }
-    std::size_t getPosition() const { return position; }
-
-    /// From now on commas separate nothing.
-    void makeCommasText() { comma = ';'; }
-    bool areCommasText() const { return comma == ';'; }
-    /// From now on spaces separate nothing, but tabs still do.
-    void makeSpacesText() { spacesAreText = true; }
-
-    /// The next field of the line: empty between two commas, none at the end of the line.
-    /// Of a field in double quotes it is the text between them; if it begins with a
-    /// quote, the closing one is missing or does not end the field.
-    std::optional<std::string_view> nextField()
-    {
-        skipBlanks();
-        if (!isAtField() && !isAtComma() && !afterComma)
-            return {};
-        const std::string_view field =
-            isAtField() && isQuote(text[position]) ? takeQuoted() : take();
-        skipBlanks();
-        afterComma = isAtComma();
-        if (afterComma)
-            ++position;
-        return field;
-    }
-
-    /// These two are to be asked at the start of a line; a comment is not blank.
-    bool isLineBlank()
-    {
-        skipBlanks();
-        return isAtEnd() || endsLine(text[position]);
-    }
-    bool isLineComment()
-    {
-        skipBlanks();
-        return !isAtEnd() && (text[position] == '#' || text[position] == '%');
-    }
-
-    void nextLine()
-    {
-        while (!isAtEnd() && !endsLine(text[position]))
-            ++position;
-        if (!isAtEnd() && text[position++] == '\r' && !isAtEnd() && text[position] == '\n')
-            ++position;
-        afterComma = false;
-        ++line;
-    }
-
-private:
-    void skipBlanks()
-    {
-        while (!isAtEnd() && isBlank(text[position]))
-            ++position;
-    }
-    std::string_view take()
-    {
-        const std::size_t start = position;
-        while (isAtField())
-            ++position;
-        const std::string_view field = text.substr(start, position - start);
-        return spacesAreText ? trimmed(field) : field;
-    }
-    std::string_view takeQuoted()
-    {
-        const std::size_t start = position++;
-        while (!isAtEnd() && !endsLine(text[position]) && !isQuote(text[position]))
-            ++position;
-        if (isAtEnd() || endsLine(text[position]))
-            return text.substr(start, position - start);
-        const std::string_view field = text.substr(start + 1, position++ - start - 1);
-        return take().empty() ? trimmed(field) : text.substr(start, position - start);
-    }
-
-    bool isPartOfField(char c) const
-    {
-        return isBlank(c) ? c == ' ' && spacesAreText : !isComma(c) && !endsLine(c) && c != '#';
-    }
-    bool isComma(char c) const { return c == comma || c == ';'; }
-    bool isAtField() const { return !isAtEnd() && isPartOfField(text[position]); }
-    bool isAtComma() const { return !isAtEnd() && isComma(text[position]); }
-
-    std::string_view text;
-    char comma = ','; ///< separates too, besides semicolons; or is one
-    bool spacesAreText = false;
-    std::size_t position = 0;
-    std::size_t line = 1;
-    bool afterComma = false; ///< the line owes a field
-};
-
-/// By value: the rest of the line the scanner is in.
-std::vector<std::string_view> remainingFields(FieldScanner scanner)
-{
-    std::vector<std::string_view> fields;
-    while (const auto field = scanner.nextField())
-        fields.push_back(*field);
-    return fields;
-}
-
-/// For a number that is too large or too small for double precision: the latter is rounded.
-std::errc parseExtremeNumber(const std::string& field, double& number)
-{
-    std::istringstream stream(field);
-    stream.imbue(std::locale::classic());
-    return stream >> number ? std::errc() : std::errc::result_out_of_range;
-}
-
-/// Reads a whole field as C or Fortran writes numbers: "+1.5", ".5", "1e-3", "1D-3", or
-/// with a comma for the point. result_out_of_range if it is too large for a double,
-/// invalid_argument if it is no number.
-std::errc parseNumber(std::string_view field, double& number)
-{
-    if (field.size() > 1 && field[0] == '+' && field[1] != '-')
-        field.remove_prefix(1);
-    const char* end = field.data() + field.size();
-    const auto [stop, status] = std::from_chars(field.data(), end, number);
-    if (stop == end)
-        return status == std::errc::result_out_of_range
-                   ? parseExtremeNumber(std::string(field), number)
-                   : status;
-    if (*stop != 'd' && *stop != 'D' && *stop != ',')
-        return std::errc::invalid_argument;
-    std::string inC(field);
-    inC[stop - field.data()] = *stop == ',' ? '.' : 'e';
-    return parseNumber(inC, number);
-}
-
-bool isNumber(std::string_view field)
-{
-    double ignored;
-    return parseNumber(field, ignored) != std::errc::invalid_argument;
-}
-
 bool hasComma(std::string_view field) { return field.find(',') != std::string_view::npos; }
 
 /// Whether commas can only be decimal ones: no field has any other.
@@ -223,8 +68,6 @@ bool areCommasDecimal(const std::vector<std::string_view>& fields)
 
 constexpr char expectedClosingQuote[] = "a closing quote at the end of the field";
 constexpr char decimalPointHint[] = ", with a decimal point";
-
-bool hasOpenQuote(std::string_view field) { return !field.empty() && isQuote(field[0]); }
 
 /// What should stand there instead of a field that is no finite number.
 std::string expectedInstead(std::string_view field, std::errc status)

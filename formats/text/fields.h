@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_FORMATS_TEXT_FIELDS_H
+#define STRANDVIEW_FORMATS_TEXT_FIELDS_H
+
+#include <cstddef>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include <strandview/formatsExport.h>
+
+namespace strandview {
+
+/// The text without the blanks and tabs around it.
+STRANDVIEW_FORMATS_EXPORT std::string_view trimmed(std::string_view text);
+
+/// Whether a field of FieldScanner lacks its closing quote.
+STRANDVIEW_FORMATS_EXPORT bool hasOpenQuote(std::string_view field);
+
+/// A place in a text that moves on by fields within a line, and by lines. A copy looks ahead.
+///
+/// Blanks, tabs, a comma or a semicolon separate fields, double quotes protect what is between
+/// them, and "#" ends a line's fields. Lines end with LF, CR LF or CR. Fields are views of the
+/// text, which must outlive them.
+class FieldScanner
+{
+public:
+    explicit FieldScanner(std::string_view wholeText) : text(wholeText) {}
+
+    bool isAtEnd() const { return position == text.size(); }
+    /// Counted from 1.
+    std::size_t getLine() const { return line; }
+    /// In bytes, from 0.
+    std::size_t getPosition() const { return position; }
+
+    /// From now on commas separate nothing.
+    void makeCommasText() { comma = ';'; }
+    bool areCommasText() const { return comma == ';'; }
+    /// From now on spaces separate nothing, but tabs still do.
+    void makeSpacesText() { spacesAreText = true; }
+
+    /// The next field of the line: empty between two commas, none at the end of the line.
+    /// Of a field in double quotes it is the text between them; if it begins with a
+    /// quote, the closing one is missing or does not end the field.
+    STRANDVIEW_FORMATS_EXPORT std::optional<std::string_view> nextField();
+
+    /// These two are to be asked at the start of a line; a comment, from "#" or "%" on, is not
+    /// blank.
+    STRANDVIEW_FORMATS_EXPORT bool isLineBlank();
+    STRANDVIEW_FORMATS_EXPORT bool isLineComment();
+
+    /// Leaves out what is left of this one.
+    STRANDVIEW_FORMATS_EXPORT void nextLine();
+
+private:
+    void skipBlanks();
+    std::string_view take();
+    std::string_view takeQuoted();
+    bool isPartOfField(char c) const;
+    bool isComma(char c) const { return c == comma || c == ';'; }
+    bool isAtField() const { return !isAtEnd() && isPartOfField(text[position]); }
+    bool isAtComma() const { return !isAtEnd() && isComma(text[position]); }
+    bool isAtLineEnd() const;
+
+    std::string_view text;
+    char comma = ','; ///< separates too, besides semicolons; or is one
+    bool spacesAreText = false;
+    std::size_t position = 0;
+    std::size_t line = 1;
+    bool afterComma = false; ///< the line owes a field
+};
+
+/// By value: the rest of the line that the scanner is in.
+STRANDVIEW_FORMATS_EXPORT std::vector<std::string_view> remainingFields(FieldScanner scanner);
+
+} // namespace strandview
+
+#endif
