@@ -291,6 +291,8 @@ void SoGeneralScene::interpolateMaterial(ColourMapper* mapper, SoMaterial* mater
 
 // Look
 
+SoGeneralScene::Shading SoGeneralScene::getShading() const { return Shading(drawStyleIndex); }
+
 void SoGeneralScene::toggleDrawStyle(bool complexityOnly)
 {
     if (complexityOnly) {
@@ -327,11 +329,17 @@ void SoGeneralScene::setGLLineData(SbVec2f range, float granularity)
     lineWidth = range[0];
 }
 
-void SoGeneralScene::setLineWidth(float width)
+void SoGeneralScene::changeLineWidth(int steps)
 {
+    const float width = lineWidth + float(steps) * lineWidthStep;
+    const bool allowed = steps > 0 ? width <= lineWidthMax : width >= lineWidthMin;
+    if (!allowed)
+        return;
     lineWidth = width;
     drawStyle->lineWidth = width;
 }
+
+float SoGeneralScene::getLineWidth() const { return lineWidth; }
 
 void SoGeneralScene::getLightingParameters(SoShaderParameterArray3f*& dirs,
                                            SoShaderParameterArray1f*& intensities,
@@ -346,19 +354,14 @@ void SoGeneralScene::getLightingParameters(SoShaderParameterArray3f*& dirs,
 
 bool SoGeneralScene::processSoEvent(const SoEvent* event)
 {
-    const float thicker = lineWidth + lineWidthStep;
-    const float thinner = lineWidth - lineWidthStep;
-    if (SO_KEY_PRESS_EVENT(event, EQUAL)) {
-        if (thicker <= lineWidthMax)
-            setLineWidth(thicker);
-    } else if (SO_KEY_PRESS_EVENT(event, MINUS)) {
-        if (thinner >= lineWidthMin)
-            setLineWidth(thinner);
-    } else if (SO_KEY_PRESS_EVENT(event, SPACE)) {
+    if (SO_KEY_PRESS_EVENT(event, EQUAL))
+        changeLineWidth(1);
+    else if (SO_KEY_PRESS_EVENT(event, MINUS))
+        changeLineWidth(-1);
+    else if (SO_KEY_PRESS_EVENT(event, SPACE))
         toggleDrawStyle(event->wasShiftDown());
-    } else {
+    else
         return false;
-    }
     return true;
 }
 

@@ -84,12 +84,20 @@ public:
 
     // Look
 
+    /// How changing content is drawn; wireframe, solid content, too.
+    enum Shading { LIT, PLAIN, WIREFRAME };
+    Shading getShading() const;
     /// The next step of: lit and filled, unlit and filled, unlit wireframe. With
     /// complexityOnly the draw style stays, and shapes change between themselves and
     /// their bounding boxes.
     void toggleDrawStyle(bool complexityOnly);
     /// Whether shapes are drawn as their bounding boxes.
     bool isShowingBoundingBoxes() const;
+    /// Lines thicker by as many steps of OpenGL's granularity, thinner by a negative number
+    /// of them; beyond the limits nothing changes.
+    void changeLineWidth(int steps);
+    /// In pixels; what setGLLineData() said at first.
+    float getLineWidth() const;
     /// Whether highlights are those of a perspective camera.
     void setShaderPersp(bool perspective);
     bool isShaderPersp() const;
@@ -104,7 +112,7 @@ public:
 
     // What the viewer calls; subclasses may do more
 
-    /// "=" and "-" make lines thicker and thinner, the space bar is
+    /// "=" and "-" are changeLineWidth(1) and (-1), the space bar is
     /// toggleDrawStyle(shift held). Whether the event was one of these keys, pressed.
     virtual bool processSoEvent(const SoEvent* event);
     /// Nothing; false.
@@ -141,8 +149,6 @@ protected:
     void prepareShaderParams();
 
 private:
-    void setLineWidth(float width);
-
     SoSeparator* sceneRoot = nullptr;
     SoSeparator* solidGroup = nullptr;
     SoSeparator* shadedGroup = nullptr;

@@ -38,6 +38,7 @@ namespace {
 
 const int DEFAULT_CAMERA_ROT_STEPS = 12;
 const double SMALLEST_ZOOM = 1e-10;
+const char* const FPS_VARIABLE = "COIN_SHOW_FPS_COUNTER"; // Coin's
 
 // Where a camera looks, from its fields.
 struct View
@@ -73,6 +74,52 @@ void callAll(const std::map<Callback*, void*>& chain, Arguments... arguments)
         callback(link->second, arguments...);
         link = chain.upper_bound(callback);
     }
+}
+
+using Viewer = SoQtGeneralViewer;
+
+// The keys of the camera. With several modifiers the first counts, in this order.
+struct MovingKey
+{
+    SoKeyboardEvent::Key key;
+    Viewer::CameraStep withAlt, withCtrl, withShift, alone;
+};
+const MovingKey MOVING_KEYS[] = {
+    {SoKeyboardEvent::A, Viewer::ORBIT_HORIZONTALLY_BACK, Viewer::ORBIT_VERTICALLY_BACK,
+     Viewer::ROLL_BACK, Viewer::MOVE_LEFT},
+    {SoKeyboardEvent::D, Viewer::ORBIT_HORIZONTALLY, Viewer::ORBIT_VERTICALLY, Viewer::ROLL,
+     Viewer::MOVE_RIGHT},
+    {SoKeyboardEvent::W, Viewer::ZOOM_IN, Viewer::MOVE_UP, Viewer::MOVE_UP, Viewer::MOVE_UP},
+    {SoKeyboardEvent::S, Viewer::ZOOM_OUT, Viewer::MOVE_DOWN, Viewer::MOVE_DOWN, Viewer::MOVE_DOWN},
+    {SoKeyboardEvent::Q, Viewer::MOVE_FORWARD, Viewer::MOVE_FORWARD, Viewer::MOVE_FORWARD,
+     Viewer::MOVE_FORWARD},
+    {SoKeyboardEvent::E, Viewer::MOVE_BACKWARD, Viewer::MOVE_BACKWARD, Viewer::MOVE_BACKWARD,
+     Viewer::MOVE_BACKWARD}};
+
+// These look at shift alone.
+struct LookingKey
+{
+    SoKeyboardEvent::Key key;
+    Viewer::CameraStep withShift, alone;
+};
+const LookingKey LOOKING_KEYS[] = {{SoKeyboardEvent::X, Viewer::FROM_X_Y_UP, Viewer::FROM_X_Z_UP},
+                                   {SoKeyboardEvent::Y, Viewer::FROM_Y_X_UP, Viewer::FROM_Y_Z_UP},
+                                   {SoKeyboardEvent::Z, Viewer::FROM_Z_X_UP, Viewer::FROM_Z_Y_UP}};
+
+std::optional<Viewer::CameraStep> stepOf(SoKeyboardEvent::Key key, const SoEvent& event)
+{
+    for (const MovingKey& moving : MOVING_KEYS) {
+        if (moving.key == key)
+            return event.wasAltDown()     ? moving.withAlt
+                   : event.wasCtrlDown()  ? moving.withCtrl
+                   : event.wasShiftDown() ? moving.withShift
+                                          : moving.alone;
+    }
+    for (const LookingKey& looking : LOOKING_KEYS) {
+        if (looking.key == key)
+            return event.wasShiftDown() ? looking.withShift : looking.alone;
+    }
+    return std::nullopt;
 }
 
 QStringList writableExtensions(SoOffscreenRenderer& renderer)
@@ -177,11 +224,57 @@ void SoQtGeneralViewer::update()
         sceneRoot->update();
 }
 
+// Look
+
 void SoQtGeneralViewer::setUpLighting()
 {
     if (sceneRoot && lightingDialog)
         lightingDialog->setVisible(true);
 }
+
+void SoQtGeneralViewer::cycleShading()
+{
+    if (sceneRoot)
+        sceneRoot->toggleDrawStyle(false);
+}
+
+void SoQtGeneralViewer::toggleBoundingBoxes()
+{
+    if (sceneRoot)
+        sceneRoot->toggleDrawStyle(true);
+}
+
+bool SoQtGeneralViewer::isShowingBoundingBoxes() const
+{
+    return sceneRoot && sceneRoot->isShowingBoundingBoxes();
+}
+
+void SoQtGeneralViewer::changeLineWidth(int steps)
+{
+    if (sceneRoot)
+        sceneRoot->changeLineWidth(steps);
+}
+
+void SoQtGeneralViewer::setWhiteBackground(bool white)
+{
+    whiteBackground = white;
+    setBackgroundColor(white ? SbColor(1, 1, 1) : SbColor(0, 0, 0));
+}
+
+void SoQtGeneralViewer::toggleBackground() { setWhiteBackground(!whiteBackground); }
+
+bool SoQtGeneralViewer::isBackgroundWhite() const { return whiteBackground; }
+
+void SoQtGeneralViewer::toggleFramesPerSecond()
+{
+    if (isShowingFramesPerSecond())
+        unsetenv(FPS_VARIABLE);
+    else
+        setenv(FPS_VARIABLE, "1", 1);
+    redraw();
+}
+
+bool SoQtGeneralViewer::isShowingFramesPerSecond() { return std::getenv(FPS_VARIABLE); }
 
 // Camera
 
@@ -278,6 +371,26 @@ void SoQtGeneralViewer::setCameraZoom(double zoom)
     }
 }
 
+void SoQtGeneralViewer::stepCamera(CameraStep step)
+{
+    static const SbVec3f moves[] = {{-0.1f, 0, 0}, {0.1f, 0, 0}, {0, 0.1f, 0},
+                                    {0, -0.1f, 0}, {0, 0, 0.1f}, {0, 0, -0.1f}};
+    static const double zooms[] = {1.25, 0.8};
+    static const SbVec3f axes[] = {{1, 0, 0},  {-1, 0, 0}, {0, 1, 0},
+                                   {0, -1, 0}, {0, 0, 1},  {0, 0, -1}};
+    static const SbVec3f views[][2] = {{{-1, 0, 0}, {0, 0, 1}}, {{0, -1, 0}, {0, 0, 1}},
+                                       {{0, 0, -1}, {0, 1, 0}}, {{-1, 0, 0}, {0, 1, 0}},
+                                       {{0, -1, 0}, {1, 0, 0}}, {{0, 0, -1}, {1, 0, 0}}};
+    if (step < ZOOM_IN)
+        moveCamera(moves[step]);
+    else if (step < ORBIT_HORIZONTALLY)
+        setCameraZoom(getCameraZoom() * zooms[step - ZOOM_IN]);
+    else if (step < FROM_X_Z_UP)
+        rotateCamera(axes[step - ORBIT_HORIZONTALLY], 2 * M_PI / cameraRotSteps);
+    else
+        setupCamera(views[step - FROM_X_Z_UP][0], views[step - FROM_X_Z_UP][1]);
+}
+
 int SoQtGeneralViewer::getNumCameraRotSteps() { return cameraRotSteps; }
 
 void SoQtGeneralViewer::setNumCameraRotSteps(int n)
@@ -347,56 +460,12 @@ SbBool SoQtGeneralViewer::processSoEvent(const SoEvent* const event)
 
 SoQtGeneralViewer::KeyResult SoQtGeneralViewer::processKey(const SoEvent& event)
 {
-    const bool alt = event.wasAltDown();
-    const bool ctrl = event.wasCtrlDown();
-    const bool shift = event.wasShiftDown();
-    const double angle = 2 * M_PI / cameraRotSteps;
-    // Orbits with a modifier, moves sideways without.
-    const auto orbitOrMove = [&](float sign) {
-        if (alt)
-            rotateCamera(SbVec3f(sign, 0, 0), angle);
-        else if (ctrl)
-            rotateCamera(SbVec3f(0, sign, 0), angle);
-        else if (shift)
-            rotateCamera(SbVec3f(0, 0, sign), angle);
-        else
-            moveCamera(SbVec3f(sign * 0.1f, 0, 0));
-    };
-
-    switch (static_cast<const SoKeyboardEvent&>(event).getKey()) {
-    case SoKeyboardEvent::A:
-        orbitOrMove(-1);
+    const SoKeyboardEvent::Key key = static_cast<const SoKeyboardEvent&>(event).getKey();
+    if (const std::optional<CameraStep> step = stepOf(key, event)) {
+        stepCamera(*step);
         return HANDLED_AND_DONE;
-    case SoKeyboardEvent::D:
-        orbitOrMove(1);
-        return HANDLED_AND_DONE;
-    case SoKeyboardEvent::W:
-        if (alt)
-            setCameraZoom(getCameraZoom() * 1.25);
-        else
-            moveCamera(SbVec3f(0, 0.1f, 0));
-        return HANDLED_AND_DONE;
-    case SoKeyboardEvent::S:
-        if (alt)
-            setCameraZoom(getCameraZoom() * 0.8);
-        else
-            moveCamera(SbVec3f(0, -0.1f, 0));
-        return HANDLED_AND_DONE;
-    case SoKeyboardEvent::Q:
-        moveCamera(SbVec3f(0, 0, 0.1f));
-        return HANDLED_AND_DONE;
-    case SoKeyboardEvent::E:
-        moveCamera(SbVec3f(0, 0, -0.1f));
-        return HANDLED_AND_DONE;
-    case SoKeyboardEvent::X:
-        setupCamera(SbVec3f(-1, 0, 0), shift ? SbVec3f(0, 1, 0) : SbVec3f(0, 0, 1));
-        return HANDLED_AND_DONE;
-    case SoKeyboardEvent::Y:
-        setupCamera(SbVec3f(0, -1, 0), shift ? SbVec3f(1, 0, 0) : SbVec3f(0, 0, 1));
-        return HANDLED_AND_DONE;
-    case SoKeyboardEvent::Z:
-        setupCamera(SbVec3f(0, 0, -1), shift ? SbVec3f(1, 0, 0) : SbVec3f(0, 1, 0));
-        return HANDLED_AND_DONE;
+    }
+    switch (key) {
     case SoKeyboardEvent::L:
         setUpLighting();
         return HANDLED_AND_DONE;
@@ -415,22 +484,6 @@ SoQtGeneralViewer::KeyResult SoQtGeneralViewer::processKey(const SoEvent& event)
     default:
         return NOT_HANDLED;
     }
-}
-
-void SoQtGeneralViewer::toggleBackground()
-{
-    whiteBackground = !whiteBackground;
-    setBackgroundColor(whiteBackground ? SbColor(1, 1, 1) : SbColor(0, 0, 0));
-}
-
-void SoQtGeneralViewer::toggleFramesPerSecond()
-{
-    const char* variable = "COIN_SHOW_FPS_COUNTER";
-    if (std::getenv(variable))
-        unsetenv(variable);
-    else
-        setenv(variable, "1", 1);
-    redraw();
 }
 
 void SoQtGeneralViewer::processMouseButton(const SoMouseButtonEvent& event, bool handled)

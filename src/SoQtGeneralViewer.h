@@ -4,6 +4,7 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 
 #include <Inventor/Qt/viewers/SoQtExaminerViewer.h>
 #include <Inventor/sensors/SoNodeSensor.h>
@@ -38,6 +39,8 @@ using SoQtGeneralViewerResizeCB = void(void* userData, SoQtGeneralViewer* viewer
 ///     l b f i           lights; white or black; frames per second; screenshot
 ///     Return            show or hide the decoration
 ///
+/// Each key is one of the operations below, which menus and buttons call as well.
+///
 /// Releasing the left button with ctrl held over an object puts the focal point there.
 ///
 /// When its window appears or changes its size a few more frames follow, the last after 1.6
@@ -66,15 +69,31 @@ public:
     /// The one renderer of all viewers. Its size and background colour stay from one
     /// screenshot to the next.
     static SoOffscreenRenderer* getOSRenderer();
-    /// Asks for file and size, renders the scene with the viewer's camera, writes the
+    /// Key i. Asks for file and size, renders the scene with the viewer's camera, writes the
     /// picture and tells how it went. The background is the one that the renderer was
     /// given by the screenshot before, black at first.
     void renderOffscreen();
 
-    // Lights
+    // Look. Whether the decoration shows is SoQt's: setDecoration(), isDecoration().
 
-    /// Shows the dialog of the scene's lights.
+    /// Shows the dialog of the scene's lights. Key l.
     virtual void setUpLighting();
+    /// SoGeneralScene::toggleDrawStyle() of the scene: its next shading, or boxes for shapes
+    /// and back. The space bar, without and with shift.
+    void cycleShading();
+    void toggleBoundingBoxes();
+    bool isShowingBoundingBoxes() const;
+    /// SoGeneralScene::changeLineWidth() of the scene. Keys = and -.
+    void changeLineWidth(int steps);
+    /// White, or else black. A background of another colour counts as what it was last, black
+    /// at first, so that the first toggle makes it white. Key b.
+    void setWhiteBackground(bool white);
+    void toggleBackground();
+    bool isBackgroundWhite() const;
+    /// Whether frames per second stand in the view: Coin's COIN_SHOW_FPS_COUNTER in the
+    /// environment, for all viewers. Key f.
+    void toggleFramesPerSecond();
+    static bool isShowingFramesPerSecond();
 
     // Camera; F is the focal point, f the focal distance
 
@@ -93,7 +112,36 @@ public:
     /// Moves camera and F: the picture goes by x and y, in parts of the view volume's
     /// width and height, and the camera by z forward, in parts of f.
     virtual void moveCamera(const SbVec3f& v);
-    /// The number of rotation key presses for a full turn.
+    /// What one key press does to the camera.
+    enum CameraStep {
+        // moveCamera() by a tenth: the picture, and by q and e the camera
+        MOVE_LEFT,
+        MOVE_RIGHT,
+        MOVE_UP,
+        MOVE_DOWN,
+        MOVE_FORWARD,
+        MOVE_BACKWARD,
+        // setCameraZoom(), a quarter more or a fifth less
+        ZOOM_IN,
+        ZOOM_OUT,
+        // rotateCamera() about the camera's own axes x, y, z and back, a full turn by
+        // getNumCameraRotSteps()
+        ORBIT_HORIZONTALLY,
+        ORBIT_HORIZONTALLY_BACK,
+        ORBIT_VERTICALLY,
+        ORBIT_VERTICALLY_BACK,
+        ROLL,
+        ROLL_BACK,
+        // setupCamera() along -x, -y, -z
+        FROM_X_Z_UP,
+        FROM_Y_Z_UP,
+        FROM_Z_Y_UP,
+        FROM_X_Y_UP,
+        FROM_Y_X_UP,
+        FROM_Z_X_UP
+    };
+    void stepCamera(CameraStep step);
+    /// The number of rotation steps for a full turn.
     virtual int getNumCameraRotSteps();
     /// What is not greater than 0 becomes 12.
     virtual void setNumCameraRotSteps(int n);
@@ -145,8 +193,6 @@ private:
 
     KeyResult processKey(const SoEvent& event);
     void processMouseButton(const SoMouseButtonEvent& event, bool handled);
-    void toggleBackground();
-    void toggleFramesPerSecond();
 
     SbVec2s getViewSize() const;
     bool renderSceneForScreenshot();

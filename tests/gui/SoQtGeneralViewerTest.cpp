@@ -662,6 +662,156 @@ TEST_F(ViewerKeysTest, ReturnShowsAndHidesTheDecoration)
     }
 }
 
+// Operations
+
+TEST_F(ViewerKeysTest, EachStepOfTheCameraIsThatOfItsKey)
+{
+    using V = SoQtGeneralViewer;
+    struct StepKey
+    {
+        V::CameraStep step;
+        char key;
+        int modifier;
+    };
+    const StepKey stepKeys[] = {{V::MOVE_LEFT, 'a', NONE},
+                                {V::MOVE_RIGHT, 'd', NONE},
+                                {V::MOVE_UP, 'w', NONE},
+                                {V::MOVE_DOWN, 's', NONE},
+                                {V::MOVE_FORWARD, 'q', NONE},
+                                {V::MOVE_BACKWARD, 'e', NONE},
+                                {V::ZOOM_IN, 'w', ALT},
+                                {V::ZOOM_OUT, 's', ALT},
+                                {V::ORBIT_HORIZONTALLY, 'd', ALT},
+                                {V::ORBIT_HORIZONTALLY_BACK, 'a', ALT},
+                                {V::ORBIT_VERTICALLY, 'd', CTRL},
+                                {V::ORBIT_VERTICALLY_BACK, 'a', CTRL},
+                                {V::ROLL, 'd', SHIFT},
+                                {V::ROLL_BACK, 'a', SHIFT},
+                                {V::FROM_X_Z_UP, 'x', NONE},
+                                {V::FROM_Y_Z_UP, 'y', NONE},
+                                {V::FROM_Z_Y_UP, 'z', NONE},
+                                {V::FROM_X_Y_UP, 'x', SHIFT},
+                                {V::FROM_Y_X_UP, 'y', SHIFT},
+                                {V::FROM_Z_X_UP, 'z', SHIFT}};
+    for (const StepKey& one : stepKeys) {
+        SCOPED_TRACE(one.step);
+        noting->calls.clear();
+        process(keyEvent(letter(one.key), one.modifier));
+        viewer->stepCamera(one.step);
+        ASSERT_EQ(noting->calls.size(), 2u);
+        EXPECT_EQ(noting->calls[0], noting->calls[1]);
+    }
+}
+
+TEST_F(ViewerKeysTest, StepsTakeTheNumberOfStepsForATurn)
+{
+    viewer->setNumCameraRotSteps(72);
+    viewer->stepCamera(SoQtGeneralViewer::ORBIT_VERTICALLY);
+    EXPECT_THAT(noting->calls, ElementsAre("rotate (0, 1, 0) by 5"));
+}
+
+TEST_F(ViewerKeysTest, OperationsReachNeitherTheCallbacksNorTheEventsOfTheScene)
+{
+    viewer->stepCamera(SoQtGeneralViewer::MOVE_LEFT);
+    viewer->cycleShading();
+    viewer->toggleBoundingBoxes();
+    viewer->changeLineWidth(1);
+    viewer->toggleBackground();
+    viewer->toggleFramesPerSecond();
+    viewer->toggleFramesPerSecond();
+    EXPECT_THAT(log, IsEmpty());
+}
+
+TEST_F(ViewerKeysTest, ShadingAndBoxesAreThoseOfTheSpaceBar)
+{
+    const auto act = [this](bool byKey, int modifier) {
+        if (byKey)
+            process(keyEvent(SoKeyboardEvent::SPACE, modifier));
+        else if (modifier == SHIFT)
+            viewer->toggleBoundingBoxes();
+        else
+            viewer->cycleShading();
+    };
+    for (const bool byKey : {true, false}) {
+        SCOPED_TRACE(byKey);
+        for (const auto shading :
+             {SoGeneralScene::PLAIN, SoGeneralScene::WIREFRAME, SoGeneralScene::LIT}) {
+            act(byKey, NONE);
+            EXPECT_EQ(scene->getShading(), shading);
+            EXPECT_EQ(drawStyleOf(*scene)->style.getValue() == SoDrawStyle::LINES,
+                      shading == SoGeneralScene::WIREFRAME);
+        }
+        for (const bool boxes : {true, false}) {
+            act(byKey, SHIFT);
+            EXPECT_EQ(viewer->isShowingBoundingBoxes(), boxes);
+            EXPECT_EQ(scene->isShowingBoundingBoxes(), boxes);
+        }
+    }
+}
+
+TEST_F(ViewerKeysTest, LineWidthsAreThoseOfTheirKeys)
+{
+    process(keyEvent(SoKeyboardEvent::EQUAL));
+    process(keyEvent(SoKeyboardEvent::EQUAL));
+    const float thick = drawStyleOf(*scene)->lineWidth.getValue();
+    EXPECT_EQ(scene->getLineWidth(), thick);
+    process(keyEvent(SoKeyboardEvent::MINUS));
+    const float thin = drawStyleOf(*scene)->lineWidth.getValue();
+    ASSERT_LT(thin, thick);
+    viewer->changeLineWidth(1);
+    EXPECT_EQ(drawStyleOf(*scene)->lineWidth.getValue(), thick);
+    viewer->changeLineWidth(-1);
+    EXPECT_EQ(drawStyleOf(*scene)->lineWidth.getValue(), thin);
+    for (const int beyond : {-1000000, 1000000}) {
+        viewer->changeLineWidth(beyond);
+        EXPECT_EQ(drawStyleOf(*scene)->lineWidth.getValue(), thin);
+    }
+}
+
+TEST_F(ViewerKeysTest, TheBackgroundIsThatOfItsKeyWhicheverOfThemChangedItLast)
+{
+    EXPECT_FALSE(viewer->isBackgroundWhite());
+    viewer->toggleBackground();
+    EXPECT_EQ(viewer->getBackgroundColor(), SbColor(1, 1, 1));
+    EXPECT_TRUE(viewer->isBackgroundWhite());
+    process(keyEvent(SoKeyboardEvent::B));
+    EXPECT_EQ(viewer->getBackgroundColor(), SbColor(0, 0, 0));
+    EXPECT_FALSE(viewer->isBackgroundWhite());
+    viewer->setWhiteBackground(true);
+    viewer->setWhiteBackground(true);
+    EXPECT_EQ(viewer->getBackgroundColor(), SbColor(1, 1, 1));
+    process(keyEvent(SoKeyboardEvent::B));
+    EXPECT_EQ(viewer->getBackgroundColor(), SbColor(0, 0, 0));
+}
+
+TEST_F(ViewerKeysTest, FramesPerSecondAreThoseOfTheirKey)
+{
+    unsetenv("COIN_SHOW_FPS_COUNTER");
+    viewer->toggleFramesPerSecond();
+    EXPECT_STREQ(std::getenv("COIN_SHOW_FPS_COUNTER"), "1");
+    EXPECT_TRUE(SoQtGeneralViewer::isShowingFramesPerSecond());
+    process(keyEvent(SoKeyboardEvent::F));
+    EXPECT_FALSE(SoQtGeneralViewer::isShowingFramesPerSecond());
+    setenv("COIN_SHOW_FPS_COUNTER", "0", 1); // any value counts
+    EXPECT_TRUE(SoQtGeneralViewer::isShowingFramesPerSecond());
+    viewer->toggleFramesPerSecond();
+    EXPECT_FALSE(std::getenv("COIN_SHOW_FPS_COUNTER"));
+}
+
+TEST_F(SoQtGeneralViewerTest, OperationsWithoutASceneDoNothing)
+{
+    QWidget parent;
+    OpenViewer fresh(&parent);
+    for (int step = 0; step <= SoQtGeneralViewer::FROM_Z_X_UP; ++step)
+        fresh.stepCamera(SoQtGeneralViewer::CameraStep(step));
+    fresh.cycleShading();
+    fresh.toggleBoundingBoxes();
+    fresh.changeLineWidth(1);
+    fresh.setUpLighting();
+    EXPECT_FALSE(fresh.isShowingBoundingBoxes());
+    EXPECT_FALSE(fresh.getCamera());
+}
+
 TEST_F(SoQtGeneralViewerTest, LShowsTheLightsOfTheSceneAndTheyCanBeChanged)
 {
     LightingDialog* dialog = dialogsOf<LightingDialog>(window).value(0);
