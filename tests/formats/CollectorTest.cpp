@@ -1,0 +1,310 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <strandview/formats/Collector.h>
+
+#include <array>
+#include <numeric>
+
+#include <gmock/gmock.h>
+
+#include "support/readText.h"
+
+namespace strandview {
+
+namespace {
+
+using Vector = algebra3d::Vector3<double>;
+using Quaternion = algebra3d::Quaternion<double>;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+const Quaternion identity(0, 0, 0, 1);
+const Quaternion halfTurnAboutX(1, 0, 0, 0);
+
+/// Along z, from 0 on, in steps of these lengths.
+std::vector<Vector> alongZ(const std::vector<double>& steps)
+{
+    std::vector<Vector> points = {Vector(0, 0, 0)};
+    for (const double step : steps)
+        points.emplace_back(0, 0, points.back().z + step);
+    return points;
+}
+
+/// Whose frames follow it.
+Rod straightRod(const std::vector<double>& steps)
+{
+    Rod rod;
+    rod.points = alongZ(steps);
+    rod.rotations.assign(rod.points.size(), identity);
+    return rod;
+}
+
+Birod straightBirod(const std::array<std::vector<double>, 3>& steps)
+{
+    Birod birod;
+    birod.points = alongZ(steps[0]);
+    birod.points1 = alongZ(steps[1]);
+    birod.points2 = alongZ(steps[2]);
+    birod.rotations.assign(birod.points.size(), identity);
+    birod.rotations1 = birod.rotations2 = birod.rotations;
+    return birod;
+}
+
+struct Collected
+{
+    std::string fault;
+    std::optional<Configuration> configuration;
+    ReadReport report;
+};
+
+/// What came of one thing.
+template <typename Thing>
+Collected collect(Thing thing)
+{
+    Collected result;
+    Collector collector;
+    result.fault = collector.add(std::move(thing));
+    result.configuration = collector.finish("file", "rod", result.report);
+    return result;
+}
+
+} // namespace
+
+// ---- Points in one place
+
+TEST(Collector, KeepsWhatIsApartAsItIs)
+{
+    const Collected result = collect(straightRod({1, 2, 1e-4}));
+    ASSERT_TRUE(result.configuration);
+    const Rod& rod = result.configuration->rods[0];
+    EXPECT_EQ(numbersOf(rod.points), Points({{0, 0, 0}, {0, 0, 1}, {0, 0, 3}, {0, 0, 3.0001}}));
+    EXPECT_THAT(rod.indices, IsEmpty()) << "nothing is left out";
+    EXPECT_TRUE(rod.hasFrames);
+    EXPECT_THAT(result.report.notices, IsEmpty());
+}
+
+TEST(Collector, LeavesOutAPointInThePlaceOfTheOneBeforeWithAllThatBelongsToIt)
+{
+    Rod rod = straightRod({1, 0, 0, 1, 1e-6});
+    for (std::size_t i = 0; i < 6; ++i) {
+        rod.rotations[i] = Quaternion(0, 0, std::sin(0.1 * i), std::cos(0.1 * i));
+        rod.lines.push_back(10 + i);
+    }
+    rod.scalars = {{"a", {0, 1, 2, 3, 4, 5}}, {"b", {10, 11, 12, 13, 14, 15}}};
+    const Collected result = collect(rod);
+    ASSERT_TRUE(result.configuration) << result.fault;
+    const Rod& kept = result.configuration->rods[0];
+    EXPECT_THAT(kept.indices, ElementsAre(0, 1, 4));
+    EXPECT_THAT(kept.lines, ElementsAre(10, 11, 14));
+    EXPECT_EQ(numbersOf(kept.points), Points({{0, 0, 0}, {0, 0, 1}, {0, 0, 2}}));
+    EXPECT_THAT(kept.scalars[0].values, ElementsAre(0, 1, 4));
+    EXPECT_THAT(kept.scalars[1].values, ElementsAre(10, 11, 14));
+    EXPECT_EQ(kept.rotations[2][2], std::sin(0.4));
+    EXPECT_THAT(result.report.notices,
+                ElementsAre("file: 3 points left out, at the same place as the point before"));
+}
+
+TEST(Collector, ComparesWithTheLastPointThatIsKept)
+{
+    // Eight short steps and one of 1: the mean is 0.11, so points nearer than 1.1e-6 are one.
+    const Collected apart =
+        collect(straightRod({1, 4e-6, 4e-6, 4e-6, 4e-6, 4e-6, 4e-6, 4e-6, 4e-6}));
+    EXPECT_EQ(apart.configuration->rods[0].points.size(), 10u);
+    // Of steps of 4e-7 every third ends more than that behind the point that was kept.
+    const Collected near =
+        collect(straightRod({1, 4e-7, 4e-7, 4e-7, 4e-7, 4e-7, 4e-7, 4e-7, 4e-7}));
+    EXPECT_THAT(near.configuration->rods[0].indices, ElementsAre(0, 1, 4, 7));
+}
+
+TEST(Collector, RefusesARodWithoutTwoPlaces)
+{
+    const Collected one = collect(straightRod({0, 0}));
+    EXPECT_EQ(one.fault, "found 1 distinct point, expected at least 2 in a rod");
+    EXPECT_FALSE(one.configuration) << "nothing was taken";
+    EXPECT_EQ(collect(Rod()).fault, "found 0 distinct points, expected at least 2 in a rod");
+    EXPECT_EQ(collect(straightRod({1e-160})).fault,
+              "found points nearer than 1.5e-154 to one another, expected a unit in which they "
+              "are apart");
+}
+
+// ---- Birods: each of the three curves has a tolerance of its own
+
+/// The three curves of a birod, in an order of their own.
+class CollectorOfBirods : public testing::TestWithParam<std::array<int, 3>>
+{
+};
+
+TEST_P(CollectorOfBirods, JudgesEachCurveByItsOwnDistances)
+{
+    // The mean edges are 1, about 750 and about 7.5e-4, so points are one that are nearer than
+    // 1e-5, 7.5e-3 and 7.5e-9. In the long curve point 3 is 1e-3 behind point 2, which counts
+    // there alone; in the short one point 4 is 1e-6 behind point 3, which counts nowhere.
+    const std::array<std::vector<double>, 3> curves = {std::vector<double>{1, 1, 1, 1},
+                                                       std::vector<double>{1000, 1000, 1e-3, 1000},
+                                                       std::vector<double>{1e-3, 1e-3, 1e-3, 1e-6}};
+    const std::array<int, 3> order = GetParam();
+    const Collected result =
+        collect(straightBirod({curves[order[0]], curves[order[1]], curves[order[2]]}));
+    ASSERT_TRUE(result.configuration) << result.fault;
+    const Birod& birod = result.configuration->birods[0];
+    EXPECT_THAT(birod.indices, ElementsAre(0, 1, 2, 4));
+    for (const auto* points : {&birod.points, &birod.points1, &birod.points2})
+        EXPECT_EQ(points->size(), 4u);
+    for (const auto* rotations : {&birod.rotations, &birod.rotations1, &birod.rotations2})
+        EXPECT_EQ(rotations->size(), 4u);
+    EXPECT_THAT(result.report.notices,
+                ElementsAre("file: 1 point left out, at the same place as the point before"));
+}
+
+INSTANTIATE_TEST_SUITE_P(InAnyOrder, CollectorOfBirods,
+                         testing::Values(std::array{0, 1, 2}, std::array{0, 2, 1},
+                                         std::array{1, 0, 2}, std::array{1, 2, 0},
+                                         std::array{2, 0, 1}, std::array{2, 1, 0}));
+
+TEST(Collector, LeavesAPointOutOfAllThreeCurvesOfABirod)
+{
+    const Collected result = collect(straightBirod({{{1, 0, 1}, {2, 2, 2}, {3, 3, 3}}}));
+    ASSERT_TRUE(result.configuration) << result.fault;
+    const Birod& birod = result.configuration->birods[0];
+    EXPECT_EQ(numbersOf(birod.points), Points({{0, 0, 0}, {0, 0, 1}, {0, 0, 2}}));
+    EXPECT_EQ(numbersOf(birod.points1), Points({{0, 0, 0}, {0, 0, 2}, {0, 0, 6}}));
+    EXPECT_EQ(numbersOf(birod.points2), Points({{0, 0, 0}, {0, 0, 3}, {0, 0, 9}}));
+}
+
+TEST(Collector, RefusesABirodWithACurveInOnePlace)
+{
+    EXPECT_EQ(collect(straightBirod({{{1, 1}, {1, 1}, {0, 0}}})).fault,
+              "found 1 point distinct in the average and in both strands, expected at least 2 in a "
+              "birod");
+}
+
+// ---- Frames
+
+TEST(Collector, MakesFramesWhereThereAreNone)
+{
+    Rod rod = straightRod({1, 1});
+    rod.rotations.clear();
+    const Collected result = collect(rod);
+    ASSERT_TRUE(result.configuration);
+    EXPECT_EQ(result.configuration->rods[0].rotations.size(), 3u);
+    EXPECT_FALSE(result.configuration->rods[0].hasFrames);
+    EXPECT_THAT(result.report.notices,
+                ElementsAre("file: 1 rod without frames: made by parallel transport, for a ribbon "
+                            "where one is asked for (--ribbon)"));
+}
+
+TEST(Collector, TakesFramesAndScalarsOfElementsToThePointsBeforeAnyIsLeftOut)
+{
+    Rod rod = straightRod({1, 0, 1});
+    rod.rotations.pop_back();
+    rod.scalars = {{"ofElements", {1, 3, 5}}, {"ofPoints", {0, 1, 2, 3}}};
+    const Collected result = collect(rod);
+    ASSERT_TRUE(result.configuration) << result.fault;
+    const Rod& kept = result.configuration->rods[0];
+    EXPECT_THAT(kept.indices, ElementsAre(0, 1, 3));
+    EXPECT_EQ(kept.rotations.size(), 3u);
+    EXPECT_THAT(kept.scalars[0].values, ElementsAre(1, 2, 5));
+    EXPECT_THAT(kept.scalars[1].values, ElementsAre(0, 1, 3));
+    EXPECT_THAT(result.report.notices,
+                ElementsAre("file: 1 rod with frames or scalars of elements: taken to the points",
+                            "file: 1 point left out, at the same place as the point before"));
+}
+
+TEST(Collector, TakesFramesOfElementsOfAnyCurveOfABirodToThePoints)
+{
+    for (int curve = 0; curve < 3; ++curve) {
+        Birod birod = straightBirod({{{1, 1}, {1, 1}, {1, 1}}});
+        (curve == 0   ? birod.rotations
+         : curve == 1 ? birod.rotations1
+                      : birod.rotations2)
+            .pop_back();
+        const Collected result = collect(birod);
+        ASSERT_TRUE(result.configuration) << result.fault;
+        for (const auto* rotations : {&result.configuration->birods[0].rotations,
+                                      &result.configuration->birods[0].rotations1,
+                                      &result.configuration->birods[0].rotations2})
+            EXPECT_EQ(rotations->size(), 3u);
+        EXPECT_THAT(
+            result.report.notices,
+            ElementsAre("file: 1 birod with frames or scalars of elements: taken to the points"));
+    }
+}
+
+TEST(Collector, TellsFramesThatDoNotFollowTheirPoints)
+{
+    Rod rod = straightRod({1, 1});
+    rod.rotations.assign(3, halfTurnAboutX);
+    Birod birod = straightBirod({{{1, 1}, {1, 1}, {1, 1}}});
+    birod.rotations.assign(3, halfTurnAboutX);
+    Dna dna;
+    dna.bases = "AC";
+    dna.pairPoints = alongZ({1});
+    dna.pairRotations.assign(2, halfTurnAboutX);
+    const std::string question =
+        ": is d3 the tangent (quaternions: scalar last; directors: d1, d2, d3)?";
+    EXPECT_THAT(collect(rod).report.notices,
+                ElementsAre("file: 1 rod whose d3 does not follow the points" + question));
+    EXPECT_THAT(
+        collect(birod).report.notices,
+        ElementsAre("file: 1 birod whose d3 does not follow the average's points" + question));
+    EXPECT_THAT(collect(dna).report.notices,
+                ElementsAre("file: 1 DNA whose d3 does not follow the pairs" + question));
+}
+
+TEST(Collector, FramesFollowTheirPointsUpTo60DegreesOnAverage)
+{
+    for (const double degrees : {59.0, 61.0}) {
+        Rod rod = straightRod({1, 1});
+        const double half = degrees / 360 * std::acos(-1.0);
+        rod.rotations.assign(3, Quaternion(std::sin(half), 0, 0, std::cos(half)));
+        EXPECT_EQ(collect(rod).report.notices.size(), degrees > 60 ? 1u : 0u) << degrees;
+    }
+}
+
+// ---- All of it
+
+TEST(Collector, KeepsEachKindInTheOrderInWhichItCame)
+{
+    Collector collector;
+    for (const char* origin : {"one", "two"}) {
+        Marker marker;
+        marker.origin = origin;
+        collector.add(marker);
+        Arrow arrow;
+        arrow.origin = origin;
+        collector.add(arrow);
+        Frame frame;
+        frame.origin = origin;
+        collector.add(frame);
+    }
+    ReadReport report;
+    const auto all = collector.finish("file", "glyph", report);
+    ASSERT_TRUE(all);
+    EXPECT_EQ(all->markers[0].origin + all->markers[1].origin, "onetwo");
+    EXPECT_EQ(all->arrows[0].origin + all->arrows[1].origin, "onetwo");
+    EXPECT_EQ(all->frames[0].origin + all->frames[1].origin, "onetwo");
+}
+
+TEST(Collector, CountsWhatItDidInAllRods)
+{
+    Collector collector;
+    for (int i = 0; i < 2; ++i) {
+        Rod rod = straightRod({1, 0, 1});
+        rod.rotations.clear();
+        EXPECT_EQ(collector.add(rod), "");
+    }
+    ReadReport report;
+    EXPECT_TRUE(collector.finish("file", "rod", report));
+    EXPECT_THAT(report.notices,
+                ElementsAre(HasSubstr("2 rods without frames"), HasSubstr("2 points left out")));
+}
+
+TEST(Collector, RefusesNothingAndDnaWithoutBases)
+{
+    ReadReport report;
+    EXPECT_FALSE(Collector().finish("file", "rod or DNA", report));
+    EXPECT_EQ(report.error, "file: found nothing to show, expected at least one rod or DNA");
+    EXPECT_EQ(collect(Dna()).fault, "found 0 bases, expected at least 1");
+}
+
+} // namespace strandview

@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <strandview/formats/text/numbers.h>
+
+#include <clocale>
+#include <cmath>
+#include <limits>
+#include <string>
+
+#include <gtest/gtest.h>
+
+namespace strandview {
+
+namespace {
+
+/// Not-a-number for what is refused.
+double numberOf(std::string_view field)
+{
+    double number = 0;
+    return parseNumber(field, number) == std::errc() ? number : std::nan("");
+}
+
+std::errc statusOf(std::string_view field)
+{
+    double ignored = 0;
+    return parseNumber(field, ignored);
+}
+
+} // namespace
+
+TEST(Numbers, AreWrittenAsInC)
+{
+    EXPECT_EQ(numberOf("0"), 0);
+    EXPECT_EQ(numberOf("-1.5"), -1.5);
+    EXPECT_EQ(numberOf("+1.5"), 1.5);
+    EXPECT_EQ(numberOf(".5"), 0.5);
+    EXPECT_EQ(numberOf("5."), 5);
+    EXPECT_EQ(numberOf("1e-3"), 1e-3);
+    EXPECT_EQ(numberOf("1E+3"), 1000);
+    EXPECT_EQ(numberOf("0.1"), 0.1) << "the nearest double";
+    EXPECT_TRUE(std::signbit(numberOf("-0")));
+}
+
+TEST(Numbers, MayHaveFortransExponentOrADecimalComma)
+{
+    EXPECT_EQ(numberOf("1D3"), 1000);
+    EXPECT_EQ(numberOf("-1.5d-2"), -0.015);
+    EXPECT_EQ(numberOf("0,5"), 0.5);
+    EXPECT_EQ(numberOf("1,5e2"), 150);
+    EXPECT_EQ(numberOf("1,5D2"), 150);
+}
+
+TEST(Numbers, MayBeInfiniteOrUnknown)
+{
+    EXPECT_EQ(numberOf("-inf"), -std::numeric_limits<double>::infinity());
+    for (const char* field : {"nan", "NaN"}) {
+        double number = 0;
+        EXPECT_EQ(parseNumber(field, number), std::errc()) << field;
+        EXPECT_TRUE(std::isnan(number)) << field;
+    }
+}
+
+TEST(Numbers, TooSmallForADoubleAreRoundedAndTooLargeRefused)
+{
+    EXPECT_EQ(numberOf("1e-400"), 0);
+    EXPECT_EQ(numberOf("-1d-400"), 0);
+    EXPECT_EQ(numberOf("5e-324"), std::numeric_limits<double>::denorm_min());
+    for (const char* field : {"1e400", "-1e400", "1D400", "+1e400"})
+        EXPECT_EQ(statusOf(field), std::errc::result_out_of_range) << field;
+    EXPECT_TRUE(isNumber("1e400"));
+}
+
+TEST(Numbers, AreWholeFields)
+{
+    for (const char* field : {"", "+", "-", ".", "x", "1x", "1 ", " 1", "1e", "--1", "+-1", "++1",
+                              "0x10", "1,2,3", "1,2.5", "1d2d3", "e5", "\xc3\xa9", "1_000"}) {
+        EXPECT_EQ(statusOf(field), std::errc::invalid_argument) << field;
+        EXPECT_FALSE(isNumber(field)) << field;
+    }
+}
+
+TEST(Numbers, AreReadAlikeInEveryLocale)
+{
+    const std::string before = std::setlocale(LC_ALL, nullptr);
+    for (const char* locale : {"C", "de_DE.UTF-8", "fr_FR.UTF-8"}) {
+        if (!std::setlocale(LC_ALL, locale))
+            continue;
+        EXPECT_EQ(numberOf("1.5"), 1.5) << locale;
+        EXPECT_EQ(numberOf("1,5"), 1.5) << locale;
+        EXPECT_EQ(numberOf("1.5e-400"), 0) << locale;
+    }
+    std::setlocale(LC_ALL, before.c_str());
+}
+
+} // namespace strandview
