@@ -62,6 +62,29 @@ TEST(Rotations, AboutZByAQuarterTakesXToY)
     EXPECT_DOUBLE_EQ(q[3], std::sqrt(0.5));
 }
 
+TEST(Rotations, ScaledToUnitKeepsTheDirectionOfAnyQuaternion)
+{
+    // The largest and the smallest numbers have squares that over- and underflow.
+    for (const double factor : {1.0, 2.0, 1e-3, 1e300, 5e-324 / 0.1, 1e-300}) {
+        SCOPED_TRACE(factor);
+        const Quaternion q = algebra3d::scaledToUnit(
+            Quaternion(0.1 * factor, -0.5 * factor, 0.7 * factor, -0.5 * factor));
+        const Quaternion original(0.1 * factor, -0.5 * factor, 0.7 * factor, -0.5 * factor);
+        EXPECT_NEAR(q.getNorm(), 1, 1e-15);
+        // Of the components as they are, rounded: denormal ones have few digits.
+        for (int i = 0; i < 4; ++i)
+            EXPECT_NEAR(q[i] / q[2], original[i] / original[2], 1e-15) << i;
+        EXPECT_GT(q[2], 0) << "the sign stays";
+    }
+}
+
+TEST(Rotations, ScaledToUnitOfAUnitQuaternionIsItself)
+{
+    const Quaternion q = algebra3d::scaledToUnit(Quaternion(0, 0, 0, -3));
+    EXPECT_EQ(q[3], -1);
+    EXPECT_EQ(q[0] + q[1] + q[2], 0);
+}
+
 TEST(Rotations, RotatedIsByTheMatrixOfTheQuaternion)
 {
     RandomRotations random;

@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <strandview/analysis/parallelTransport.h>
+
+#include <cmath>
+
+#include <gtest/gtest.h>
+
+#include <algebra3d/Matrix3.h>
+
+namespace strandview {
+
+namespace {
+
+using Vector = algebra3d::Vector3<double>;
+using Matrix = algebra3d::Matrix3<double>;
+
+/// d1, d2 and d3 at each point.
+std::vector<Matrix> framesAlong(const std::vector<Vector>& points)
+{
+    std::vector<Matrix> frames;
+    for (const auto& rotation : parallelTransport(points)) {
+        EXPECT_NEAR(rotation.getNorm(), 1, 1e-14);
+        frames.emplace_back(rotation);
+    }
+    EXPECT_EQ(frames.size(), points.size());
+    return frames;
+}
+
+void expectNear(const Vector& actual, const Vector& expected, double tolerance = 1e-12)
+{
+    EXPECT_NEAR((actual - expected).getNorm(), 0, tolerance)
+        << actual.x << " " << actual.y << " " << actual.z;
+}
+
+std::vector<Vector> helix(int count, double pitch, double step)
+{
+    std::vector<Vector> points;
+    for (int i = 0; i < count; ++i)
+        points.emplace_back(std::cos(i * step), std::sin(i * step), pitch * i * step);
+    return points;
+}
+
+} // namespace
+
+TEST(ParallelTransport, StraightFramesAreAlike)
+{
+    for (const Matrix& frame : framesAlong({{0, 0, 0}, {1, 0, 0}, {5, 0, 0}})) {
+        expectNear(frame.getColumn(2), {1, 0, 0});
+        expectNear(frame.getColumn(1), {0, 1, 0}); // z x d3
+        expectNear(frame.getColumn(0), {0, 0, -1}); // d2 x d3
+    }
+}
+
+TEST(ParallelTransport, TheFirstD2OfARodAlongZIsY)
+{
+    for (const double sign : {1.0, -1.0})
+        expectNear(framesAlong({{0, 0, 0}, {0, 0, sign}})[0].getColumn(1), {0, 1, 0});
+    // Up to a z of 0.9 it is z x d3, level.
+    const Vector steep = Vector(0.6, 0, 0.8);
+    expectNear(framesAlong({{0, 0, 0}, steep})[0].getColumn(1), {0, 1, 0});
+    const Vector steeper = Vector(0, 0.28, 0.96);
+    expectNear(framesAlong({{0, 0, 0}, steeper})[0].getColumn(1), {0, 0.96, -0.28});
+}
+
+TEST(ParallelTransport, TheTangentIsTheDirectionFromThePointBeforeToThePointAfter)
+{
+    const auto frames = framesAlong({{0, 0, 0}, {1, 0, 0}, {1, 2, 0}});
+    expectNear(frames[0].getColumn(2), {1, 0, 0});
+    expectNear(frames[1].getColumn(2), Vector(1, 2, 0).getUnit());
+    expectNear(frames[2].getColumn(2), {0, 1, 0});
+}
+
+TEST(ParallelTransport, InAPlaneOfConstantZEveryD2LiesInIt)
+{
+    for (const Matrix& frame : framesAlong(helix(50, 0, 0.1)))
+        expectNear(frame.getColumn(0), {0, 0, -1});
+}
+
+TEST(ParallelTransport, FramesDoNotTurnAboutTheTangent)
+{
+    // Along a helix of curvature k and torsion t the Frenet frame turns by t per length about the
+    // tangent; against it the transported one turns back by as much.
+    const double pitch = 0.5, step = 0.01;
+    const int count = 501;
+    const auto frames = framesAlong(helix(count, pitch, step));
+    const auto angleToNormal = [&](int i) {
+        const Vector normal(-std::cos(i * step), -std::sin(i * step), 0);
+        return std::atan2(frames[i].getColumn(1).dot(normal), frames[i].getColumn(0).dot(normal));
+    };
+    // torsion = pitch / (1 + pitch^2), and a radian is sqrt(1 + pitch^2) long.
+    const double radians = 4;
+    const double expected = radians * pitch / std::sqrt(1 + pitch * pitch);
+    const double turned = angleToNormal(450) - angleToNormal(50);
+    EXPECT_NEAR(std::remainder(turned - expected, 2 * std::acos(-1.0)), 0, 1e-4);
+}
+
+TEST(ParallelTransport, TheEndsOfAClosedRodHaveOneTangent)
+{
+    const auto closed = framesAlong({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}, {0, 0, 0}});
+    const Vector across = Vector(1, -1, 0).getUnit(); // from the last but one to the second
+    expectNear(closed.front().getColumn(2), across);
+    expectNear(closed.back().getColumn(2), across);
+}
+
+TEST(ParallelTransport, WhereTheRodTurnsBackTheTangentIsThatOfTheEdgeAfter)
+{
+    const auto frames = framesAlong({{0, 0, 0}, {1, 0, 0}, {0, 0, 0}, {0, 1, 0}});
+    expectNear(frames[1].getColumn(2), {-1, 0, 0});
+}
+
+} // namespace strandview
