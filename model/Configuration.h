@@ -10,6 +10,7 @@
 #include <strandview/model/Frame.h>
 #include <strandview/model/Marker.h>
 #include <strandview/model/Rod.h>
+#include <strandview/modelExport.h>
 
 namespace strandview {
 
@@ -23,6 +24,9 @@ struct Configuration
     std::vector<Frame> frames = {};
     std::vector<Arrow> arrows = {};
 };
+
+/// Adds what another has behind what there is, kind by kind; nothing is left in the other.
+STRANDVIEW_MODEL_EXPORT void append(Configuration& all, Configuration&& more);
 
 } // namespace strandview
 

@@ -22,6 +22,13 @@ SoArrow::SoArrow(const Vector& from, const Vector& to, double shaftRadius, doubl
 {
     SO_NODE_CONSTRUCTOR(SoArrow);
 
+    setArrow(from, to, shaftRadius, headRadius, headLength);
+}
+
+void SoArrow::setArrow(const Vector& from, const Vector& to, double shaftRadius, double headRadius,
+                       double headLength)
+{
+    removeAllChildren();
     const Vector arrow = to - from;
     const double length = arrow.getNorm();
     const bool hasRoomForShaft = headLength < length;

@@ -25,6 +25,11 @@ public:
     SoArrow(const algebra3d::Vector3<double>& from, const algebra3d::Vector3<double>& to,
             double shaftRadius, double headRadius, double headLength);
 
+    /// Makes it the arrow that the constructor makes of these: replaces what it holds, and stays
+    /// the same node, in the same material.
+    void setArrow(const algebra3d::Vector3<double>& from, const algebra3d::Vector3<double>& to,
+                  double shaftRadius, double headRadius, double headLength);
+
     /// In a file it is the plain separator that it is made of, which any Coin program reads:
     /// it shows the same then, and is no SoArrow any more.
     const char* getFileFormatName() const override;

@@ -2,6 +2,7 @@
 #include <SoBirod.h>
 
 #include <algorithm>
+#include <utility>
 
 #include <Inventor/actions/SoGLRenderAction.h>
 #include <Inventor/actions/SoGetPrimitiveCountAction.h>
@@ -19,6 +20,55 @@ using Rotation = algebra3d::Quaternion<double>;
 // A birod needs its constructor's arguments, so it has no factory: hence Coin's
 // "abstract" macros for a class that is not abstract.
 SO_NODE_ABSTRACT_SOURCE(SoBirod);
+
+namespace {
+
+// A strand's centreline, displaced in its own frames.
+void displace(const std::vector<Vector>& points, const std::vector<Rotation>& rotations, double x,
+              double y, std::vector<Vector>& positions)
+{
+    positions.resize(points.size());
+    for (std::size_t i = 0; i < positions.size(); ++i) {
+        const algebra3d::Matrix3<double> frame(rotations[i]);
+        positions[i] = points[i] + x * frame.getColumn(0) + y * frame.getColumn(1);
+    }
+}
+
+using Points = std::vector<Vector>;
+using Rotations = std::vector<Rotation>;
+
+bool areCorrect(const Points& avgPoints, const Rotations& avgRotations, const Points& points1,
+                const Rotations& rotations1, const Points& points2, const Rotations& rotations2)
+{
+    const std::size_t count = avgPoints.size();
+    const auto isRodCorrect = [count](const Points& points, const Rotations& rotations) {
+        return points.size() == count && rotations.size() == count &&
+               isDataCorrect(points, rotations, ROTATION_TOLERANCE);
+    };
+    return count >= 2 && isRodCorrect(avgPoints, avgRotations) &&
+           isRodCorrect(points1, rotations1) && isRodCorrect(points2, rotations2);
+}
+
+// A displaced strand does not run along d3: its tangents come from the points alone.
+std::unique_ptr<BiarcTubeMesh> makeStrandTube(const std::vector<Vector>& positions, double radius,
+                                              int slices, int subsegments, BiarcTubeMesh* replaced)
+{
+    return std::make_unique<BiarcTubeMesh>(positions, radius, slices, subsegments, false, false,
+                                           replaced);
+}
+
+std::unique_ptr<BiarcRibbonMesh> makeRibbon(const std::vector<Vector>& centreline,
+                                            const std::vector<Rotation>& rotations, double width,
+                                            int subsegments, bool twoSided,
+                                            BiarcRibbonMesh* replaced)
+{
+    std::vector<Vector> edgeA(centreline.size());
+    std::vector<Vector> edgeB(centreline.size());
+    fillRibbonEdges(centreline, rotations, width, twoSided, edgeA, edgeB);
+    return std::make_unique<BiarcRibbonMesh>(edgeA, edgeB, width, subsegments, replaced);
+}
+
+} // namespace
 
 void SoBirod::initClass() { SO_NODE_INIT_ABSTRACT_CLASS(SoBirod, SoMeshShape, "SoMeshShape"); }
 
@@ -64,14 +114,64 @@ bool SoBirod::setData(const std::vector<Vector>& avgPoints,
     return valid;
 }
 
+SoBirod::Meshes SoBirod::makeMeshes(const Data& data, double avgTubeRadius, double tubesRadius,
+                                    double avgRibbonWidth, double ribbonsWidth, double strandXPos,
+                                    double strandYPos, int slices, int subsegments,
+                                    bool twoSidedRibbon)
+{
+    Meshes meshes;
+    if (!areCorrect(data.avgPoints, data.avgRotations, data.points1, data.rotations1, data.points2,
+                    data.rotations2))
+        return meshes;
+    std::vector<Vector> positions1, positions2;
+    displace(data.points1, data.rotations1, strandXPos, strandYPos, positions1);
+    displace(data.points2, data.rotations2, strandXPos, -strandYPos, positions2);
+    const auto ribbon = [&](const std::vector<Vector>& centreline,
+                            const std::vector<Rotation>& rotations, double width) {
+        auto mesh = makeRibbon(centreline, rotations, width, subsegments, twoSidedRibbon, nullptr);
+        mesh->forgetCurves();
+        return mesh;
+    };
+    meshes.avgRibbon = ribbon(data.avgPoints, data.avgRotations, avgRibbonWidth);
+    meshes.ribbon1 = ribbon(positions1, data.rotations1, ribbonsWidth);
+    meshes.ribbon2 = ribbon(positions2, data.rotations2, ribbonsWidth);
+    meshes.avgTube = makeFramedTube(data.avgPoints, data.avgRotations, avgTubeRadius, slices,
+                                    subsegments, nullptr);
+    meshes.tube1 = makeStrandTube(positions1, tubesRadius, slices, subsegments, nullptr);
+    meshes.tube2 = makeStrandTube(positions2, tubesRadius, slices, subsegments, nullptr);
+    for (BiarcTubeMesh* const tube : {meshes.avgTube.get(), meshes.tube1.get(), meshes.tube2.get()})
+        tube->forgetCurve();
+    return meshes;
+}
+
+bool SoBirod::setData(Data data, Meshes meshes)
+{
+    average.points = std::move(data.avgPoints);
+    average.rotations = std::move(data.avgRotations);
+    strand1.points = std::move(data.points1);
+    strand1.rotations = std::move(data.rotations1);
+    strand2.points = std::move(data.points2);
+    strand2.rotations = std::move(data.rotations2);
+    valid = isDataCorrect();
+    if (valid) {
+        updateStrandPositions();
+        average.tube = std::move(meshes.avgTube);
+        average.ribbon = std::move(meshes.avgRibbon);
+        strand1.tube = std::move(meshes.tube1);
+        strand1.ribbon = std::move(meshes.ribbon1);
+        strand2.tube = std::move(meshes.tube2);
+        strand2.ribbon = std::move(meshes.ribbon2);
+    } else {
+        deleteMeshes();
+    }
+    touch();
+    return valid;
+}
+
 bool SoBirod::isDataCorrect()
 {
-    const std::size_t count = average.points.size();
-    const auto isRodCorrect = [count](const Rod& rod) {
-        return rod.points.size() == count && rod.rotations.size() == count &&
-               ::isDataCorrect(rod.points, rod.rotations, ROTATION_TOLERANCE);
-    };
-    if (count >= 2 && isRodCorrect(average) && isRodCorrect(strand1) && isRodCorrect(strand2))
+    if (areCorrect(average.points, average.rotations, strand1.points, strand1.rotations,
+                   strand2.points, strand2.rotations))
         return true;
     for (Rod* rod : {&average, &strand1, &strand2}) {
         rod->points.clear();
@@ -108,16 +208,9 @@ void SoBirod::getAvgFrame(Vector& point, Rotation& rotation, int index) const
 
 void SoBirod::updateStrandPositions()
 {
-    const auto displace = [](Rod& strand, double x, double y) {
-        strand.positions.resize(strand.points.size());
-        for (std::size_t i = 0; i < strand.positions.size(); ++i) {
-            const algebra3d::Matrix3<double> frame(strand.rotations[i]);
-            strand.positions[i] =
-                strand.points[i] + x * frame.getColumn(0) + y * frame.getColumn(1);
-        }
-    };
-    displace(strand1, strandXPos, strandYPos);
-    displace(strand2, strandXPos, -strandYPos); // mirrored in its d1
+    displace(strand1.points, strand1.rotations, strandXPos, strandYPos, strand1.positions);
+    // Mirrored in its d1.
+    displace(strand2.points, strand2.rotations, strandXPos, -strandYPos, strand2.positions);
 }
 
 void SoBirod::generate()
@@ -144,17 +237,12 @@ void SoBirod::buildMeshes()
     updateStrandPositions();
     average.tube = makeFramedTube(average.points, average.rotations, avgTubeRadius, slices,
                                   subsegments, average.tube.get());
-    // A displaced strand does not run along d3: its tangents come from the points alone.
     for (Rod* strand : {&strand1, &strand2})
-        strand->tube = std::make_unique<BiarcTubeMesh>(
-            strand->positions, tubesRadius, slices, subsegments, false, false, strand->tube.get());
-
-    std::vector<Vector> edgeA(average.points.size());
-    std::vector<Vector> edgeB(average.points.size());
-    const auto buildRibbon = [&](Rod& rod, const std::vector<Vector>& centreline, double width) {
-        generateRibbonData(centreline, rod.rotations, width, edgeA, edgeB);
-        rod.ribbon =
-            std::make_unique<BiarcRibbonMesh>(edgeA, edgeB, width, subsegments, rod.ribbon.get());
+        strand->tube =
+            makeStrandTube(strand->positions, tubesRadius, slices, subsegments, strand->tube.get());
+    const auto buildRibbon = [this](Rod& rod, const std::vector<Vector>& centreline, double width) {
+        rod.ribbon = makeRibbon(centreline, rod.rotations, width, subsegments, twoSidedRibbon,
+                                rod.ribbon.get());
     };
     buildRibbon(average, average.points, avgRibbonWidth);
     buildRibbon(strand1, strand1.positions, ribbonsWidth);

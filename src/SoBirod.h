@@ -59,6 +59,32 @@ public:
                  const std::vector<algebra3d::Vector3<double>>& points2,
                  const std::vector<algebra3d::Quaternion<double>>& rotations2);
 
+    /// What setData() is given: a centreline and its frames, of the average and of both strands.
+    struct Data
+    {
+        std::vector<algebra3d::Vector3<double>> avgPoints;
+        std::vector<algebra3d::Quaternion<double>> avgRotations;
+        std::vector<algebra3d::Vector3<double>> points1;
+        std::vector<algebra3d::Quaternion<double>> rotations1;
+        std::vector<algebra3d::Vector3<double>> points2;
+        std::vector<algebra3d::Quaternion<double>> rotations2;
+    };
+    /// All meshes of a birod.
+    struct Meshes
+    {
+        std::unique_ptr<BiarcTubeMesh> avgTube, tube1, tube2;
+        std::unique_ptr<BiarcRibbonMesh> avgRibbon, ribbon1, ribbon2;
+    };
+    /// The meshes that a birod of these values would generate from such data; null of data
+    /// that are not correct. This touches nothing of Coin, so any thread may do it. The
+    /// meshes have forgotten their curves: see BiarcTubeMesh::forgetCurve().
+    static Meshes makeMeshes(const Data& data, double avgTubeRadius, double tubesRadius,
+                             double avgRibbonWidth, double ribbonsWidth, double strandXPos,
+                             double strandYPos, int slices, int subsegments, bool twoSidedRibbon);
+    /// setData() that takes the meshes that makeMeshes() made from the same data with the
+    /// birod's values instead of generating them.
+    bool setData(Data data, Meshes meshes);
+
     /// At least 2 average points, as many of everything else, and each rotation a unit
     /// quaternion within 0.01. Otherwise false, and all sequences are emptied.
     bool isDataCorrect();

@@ -180,28 +180,101 @@ double placeOf(double value, const Limits& limits)
     return std::clamp((value - limits.min) / (limits.max - limits.min), -farAway, farAway);
 }
 
-// Values become places.
-void place(Colouring& colouring, const Limits& limits)
+void noteWhatThereIs(Colouring& colouring)
 {
-    colouring.min = limits.min;
-    colouring.max = limits.max;
-    for (Values& rod : colouring.places) {
-        for (double& value : rod) {
-            value = placeOf(value, limits);
-            colouring.isBelow = colouring.isBelow || value < 0;
-            colouring.isAbove = colouring.isAbove || value > 1;
+    for (const Values& rod : colouring.places) {
+        for (const double place : rod) {
+            colouring.isBelow = colouring.isBelow || place < 0;
+            colouring.isAbove = colouring.isAbove || place > 1;
+            colouring.isMissing = colouring.isMissing || std::isnan(place);
         }
     }
+}
+
+// Values become places.
+void place(Colouring& colouring)
+{
+    const Limits limits{colouring.min, colouring.max};
+    for (Values& rod : colouring.places) {
+        for (double& value : rod)
+            value = placeOf(value, limits);
+    }
+    noteWhatThereIs(colouring);
+}
+
+// A value that may be off by `rounding`: in the middle of the ramp if it may be the constant.
+double placeBesideConstant(const Colouring& colouring, double value, double rounding)
+{
+    if (!std::isfinite(value))
+        return NONE;
+    const double slack =
+        1e-9 * std::max(std::abs(colouring.constantMin), std::abs(colouring.constantMax));
+    if (value + rounding < colouring.constantMin - slack)
+        return -1;
+    return value - rounding > colouring.constantMax + slack ? 2 : 0.5;
+}
+
+void placeBesideConstant(Colouring& colouring, const std::vector<Rod>& rods)
+{
+    for (std::size_t i = 0; i < rods.size(); ++i) {
+        Values& places = colouring.places[i];
+        if (places.empty())
+            continue;
+        const Values rounding = roundingOf(rods[i], colouring.name);
+        for (std::size_t point = 0; point < places.size(); ++point)
+            places[point] = placeBesideConstant(colouring, places[point], rounding[point]);
+    }
+    noteWhatThereIs(colouring);
 }
 
 // All are in the middle of the ramp.
 void placeConstant(Colouring& colouring, const Summary& summary)
 {
     colouring.constant = summary.constantText();
+    colouring.constantMin = std::min(summary.agreedMin, summary.agreedMax);
+    colouring.constantMax = std::max(summary.agreedMin, summary.agreedMax);
     for (Values& rod : colouring.places) {
         for (double& value : rod)
             value = std::isfinite(value) ? 0.5 : NONE;
     }
+    noteWhatThereIs(colouring);
+}
+
+// The values of each rod, not yet their places.
+std::vector<Values> findValues(const std::vector<Rod>& rods, const std::string& name)
+{
+    std::vector<Values> all;
+    for (const Rod& rod : rods)
+        all.push_back(findScalar(rod, name).value_or(Values()));
+    return all;
+}
+
+Summary summarise(const std::vector<Values>& values, const std::vector<Rod>& rods,
+                  const std::string& name)
+{
+    Summary summary;
+    for (std::size_t i = 0; i < rods.size(); ++i) {
+        if (values[i].empty())
+            continue;
+        const Values rounding = roundingOf(rods[i], name);
+        for (std::size_t point = 0; point < values[i].size(); ++point)
+            summary.include(values[i][point], rounding[point]);
+    }
+    return summary;
+}
+
+// One line if there is nothing to colour by, or nothing.
+std::string checkValues(const Options& options, const std::vector<Rod>& rods,
+                        const std::vector<Values>& values, const Summary& summary)
+{
+    const bool found = std::any_of(values.begin(), values.end(),
+                                   [](const Values& ofRod) { return !ofRod.empty(); });
+    if (!found)
+        return rods.front().origin + ": found no scalar " + inQuotes(*options.colourBy) +
+               ", expected one of " + availableScalars(rods);
+    if (summary.values.isEmpty())
+        return optionText(options) + ": found no value that is a number, expected one";
+    return "";
 }
 
 } // namespace
@@ -209,36 +282,19 @@ void placeConstant(Colouring& colouring, const Summary& summary)
 std::optional<Colouring> makeColouring(const Options& options, const Configuration& configuration,
                                        ReadReport& report)
 {
-    if (configuration.rods.empty()) {
+    const std::vector<Rod>& rods = configuration.rods;
+    if (rods.empty()) {
         report.error = "--colour-by: found no rod to colour, expected one";
         return std::nullopt;
     }
     Colouring colouring;
     colouring.name = *options.colourBy;
     colouring.ramp = makeRamp(options);
-    Summary summary;
-    bool found = false;
-    for (const Rod& rod : configuration.rods) {
-        const std::optional<Values> values = findScalar(rod, colouring.name);
-        colouring.places.push_back(values.value_or(Values()));
-        if (!values)
-            continue;
-        found = true;
-        const Values rounding = roundingOf(rod, colouring.name);
-        for (std::size_t i = 0; i < values->size(); ++i)
-            summary.include((*values)[i], rounding[i]);
-    }
-    if (!found) {
-        report.error = configuration.rods.front().origin + ": found no scalar " +
-                       inQuotes(colouring.name) + ", expected one of " +
-                       availableScalars(configuration.rods);
+    colouring.places = findValues(rods, colouring.name);
+    const Summary summary = summarise(colouring.places, rods, colouring.name);
+    report.error = checkValues(options, rods, colouring.places, summary);
+    if (!report.error.empty())
         return std::nullopt;
-    }
-    if (summary.values.isEmpty()) {
-        report.error = optionText(options) + ": found no value that is a number, expected one";
-        return std::nullopt;
-    }
-    colouring.isMissing = summary.missing > 0;
     if (!options.rangeMin && !options.rangeMax && summary.isConstant()) {
         placeConstant(colouring, summary);
     } else {
@@ -247,10 +303,24 @@ std::optional<Colouring> makeColouring(const Options& options, const Configurati
         report.error = checkLimits(options, limits, summary.values);
         if (!report.error.empty())
             return std::nullopt;
-        place(colouring, limits);
+        colouring.min = limits.min;
+        colouring.max = limits.max;
+        place(colouring);
     }
     note(options, colouring, summary, report);
     noteIgnoredColours(options, configuration, colouring, report);
+    return colouring;
+}
+
+Colouring followColouring(const Colouring& first, const Configuration& next)
+{
+    Colouring colouring = first;
+    colouring.isBelow = colouring.isAbove = colouring.isMissing = false;
+    colouring.places = findValues(next.rods, first.name);
+    if (first.constant.empty())
+        place(colouring);
+    else
+        placeBesideConstant(colouring, next.rods);
     return colouring;
 }
 

@@ -31,8 +31,11 @@ struct Colouring
     double min = 0;    ///< the value at the ramp's 0
     double max = 1;    ///< and at its 1
 
-    /// The number of a scalar that has only one, in words; all points are at 0.5 then.
+    /// The number of a scalar that has only one, in words; all points are at 0.5 then, and
+    /// those of other frames whose number is another one are beyond the ends.
     std::string constant;
+    double constantMin = 0; ///< numbers between these are that one
+    double constantMax = 0;
 
     /// Per point of each rod: below 0 or above 1 if the value lies beyond the ends, and
     /// not-a-number if it is no number. Empty for a rod without the scalar.
@@ -52,6 +55,10 @@ struct Colouring
 /// limits leave no room between them.
 std::optional<Colouring> makeColouring(const Options& options, const Configuration& configuration,
                                        ReadReport& report);
+
+/// The same colouring of another frame: name, ramp, the values at its ends and the constant stay,
+/// and the values of the frame get their places among them. Rods without the scalar have none.
+Colouring followColouring(const Colouring& first, const Configuration& next);
 
 /// Appends to the material's ambient and diffuse colours, from entry `offset` on, one for each
 /// of the arc lengths `at`, along a curve whose points have these ascending arc lengths and

@@ -2,18 +2,19 @@
 #include "scene/DataScene.h"
 
 #include <algorithm>
+#include <cassert>
 #include <charconv>
 #include <cmath>
 
 #include <Inventor/SoPath.h>
 #include <Inventor/SoPickedPoint.h>
 #include <Inventor/actions/SoGetBoundingBoxAction.h>
+#include <Inventor/nodes/SoGroup.h>
+#include <Inventor/nodes/SoSeparator.h>
 #include <Inventor/nodes/SoShaderParameter.h>
 #include <Inventor/nodes/SoSwitch.h>
 
-#include <SoBirod.h>
-#include <SoDNA.h>
-#include <SoRod.h>
+#include <BiarcTubeMesh.h>
 
 #include "scene/Legend.h"
 
@@ -43,55 +44,78 @@ Vector3<double> centreOfRing(const Vector3<double>* ring, int width)
     return sum * (1.0 / slices);
 }
 
-// The tube whose centreline tells arc lengths; null for what is no rod.
-BiarcTubeMesh* centralTube(SoNode& node)
+// Whether two frames' legends look alike.
+bool areAlike(const Colouring& one, const Colouring& other)
 {
-    if (node.isOfType(SoRod::getClassTypeId()))
-        return static_cast<SoRod&>(node).getTubeMesh();
-    if (node.isOfType(SoBirod::getClassTypeId()))
-        return static_cast<SoBirod&>(node).getAvgTubeMesh();
-    return nullptr;
-}
-
-// "pair 12 AT, strand 2, " below a DNA, which is the path's node `index`: child 0 holds
-// the boxes of the pairs, child 1 the bases, two for each pair.
-std::string placeInDna(const SoPath& path, int index)
-{
-    SoNode& node = *path.getNode(index);
-    if (!node.isOfType(SoDNA::getClassTypeId()) || path.getLength() < index + 3)
-        return "";
-    const bool isBase = path.getIndex(index + 1) == 1;
-    const int place = path.getIndex(index + 2);
-    const int pair = isBase ? place / 2 : place;
-    const std::string& bases = static_cast<SoDNA&>(node).getSequence();
-    const char base = bases[std::size_t(pair)];
-    std::string text =
-        "pair " + std::to_string(pair + 1) + " " + base + SoNucleobase::getComplement(base) + ", ";
-    if (isBase)
-        text += "strand " + std::to_string(place % 2 + 1) + ", ";
-    return text;
+    return one.isBelow == other.isBelow && one.isAbove == other.isAbove &&
+           one.isMissing == other.isMissing;
 }
 
 } // namespace
 
-DataScene::DataScene(const Placement& placementOfData) : placement(placementOfData) {}
+DataScene::DataScene(const Placement& placementOfData, const Style& styleOfData)
+    : placement(placementOfData), style(styleOfData)
+{}
 
-void DataScene::addNamed(SoNode* group, const SoNode* node, const std::string& name)
+const std::vector<ShownDatum>& DataScene::getShown(std::size_t kind) const
 {
-    names[node] = name;
-    addChanging(group);
+    static const std::vector<ShownDatum> none;
+    return kind < kinds.size() ? kinds[kind].data : none;
 }
 
-void DataScene::extendBox(const SbBox3f& more) { box.extendBy(more); }
+void DataScene::add(std::size_t kind, const ShownDatum& datum)
+{
+    while (kinds.size() <= kind) {
+        kinds.push_back({new SoGroup, {}});
+        addChanging(kinds.back().group);
+    }
+    places[datum.node] = {kind, kinds[kind].data.size()};
+    kinds[kind].data.push_back(datum);
+    kinds[kind].group->addChild(datum.group);
+    box.reset();
+}
+
+void DataScene::change(std::size_t kind, std::size_t index, const ShownDatum& datum)
+{
+    ShownDatum& known = kinds[kind].data[index];
+    assert(datum.node == known.node && datum.group == known.group);
+    known = datum;
+    box.reset();
+}
+
+void DataScene::keepFirst(std::size_t kind, std::size_t count)
+{
+    if (getShown(kind).size() <= count)
+        return;
+    std::vector<ShownDatum>& data = kinds[kind].data;
+    for (std::size_t i = data.size(); i > count; --i) {
+        places.erase(data[i - 1].node);
+        kinds[kind].group->removeChild(int(i) - 1);
+    }
+    data.resize(count);
+    box.reset();
+}
+
+const SbBox3f& DataScene::getBox() const
+{
+    if (!box) {
+        box.emplace();
+        for (const Kind& kind : kinds) {
+            for (const ShownDatum& datum : kind.data)
+                box->extendBy(datum.box);
+        }
+    }
+    return *box;
+}
 
 void DataScene::getBoundingBox(SoGetBoundingBoxAction* action)
 {
-    if (box.isEmpty()) {
+    if (getBox().isEmpty()) {
         SoGeneralScene::getBoundingBox(action);
         return;
     }
-    action->extendBy(box);
-    action->setCenter(box.getCenter(), TRUE);
+    action->extendBy(getBox());
+    action->setCenter(getBox().getCenter(), TRUE);
 }
 
 CameraRequest DataScene::settle(CameraRequest request) const
@@ -101,22 +125,24 @@ CameraRequest DataScene::settle(CameraRequest request) const
     return request;
 }
 
-SoNode* DataScene::addColours(SoNode* own, SoNode* ofData)
+void DataScene::addLegend(const Colouring& colouringOfData)
 {
-    auto* choice = new SoSwitch;
-    choice->addChild(own);
-    choice->addChild(ofData);
-    choice->whichChild = 1;
-    colours.push_back(choice);
-    return choice;
-}
-
-void DataScene::addLegend(SoNode* node)
-{
+    colouring = colouringOfData;
+    colouring->places.clear();
     legend = new SoSwitch;
-    legend->addChild(node);
+    legend->addChild(makeLegend(*colouring, style.background, style.legendTextSize));
     addChild(legend);
     showColours(true);
+}
+
+void DataScene::updateLegend(const Colouring& next)
+{
+    if (!legend || areAlike(*colouring, next))
+        return;
+    colouring->isBelow = next.isBelow;
+    colouring->isAbove = next.isAbove;
+    colouring->isMissing = next.isMissing;
+    legend->replaceChild(0, makeLegend(*colouring, style.background, style.legendTextSize));
 }
 
 bool DataScene::hasColours() const { return legend; }
@@ -126,8 +152,12 @@ void DataScene::showColours(bool show)
     if (!legend || show == (legend->whichChild.getValue() == 0))
         return;
     legend->whichChild = show ? 0 : SO_SWITCH_NONE;
-    for (SoSwitch* choice : colours)
-        choice->whichChild = show ? 1 : 0;
+    for (const Kind& kind : kinds) {
+        for (const ShownDatum& datum : kind.data) {
+            if (datum.colours)
+                datum.colours->whichChild = show ? 1 : 0;
+        }
+    }
 
     const Shininess none(getShininess().size(), 0.0f);
     areUserHighlights = areUserHighlights || (!show && getShininess() != none);
@@ -137,6 +167,8 @@ void DataScene::showColours(bool show)
         highlights = getShininess();
     setShininess(show ? none : highlights);
 }
+
+bool DataScene::areColoursShown() const { return !legend || legend->whichChild.getValue() == 0; }
 
 DataScene::Shininess DataScene::getShininess()
 {
@@ -162,6 +194,7 @@ float DataScene::getLegendHeight() const
 
 void DataScene::setBackground(const Colour& background)
 {
+    style.background = background;
     if (legend)
         setLegendBackground(*legend->getChild(0), background);
 }
@@ -176,16 +209,18 @@ Told DataScene::describe(const SoPickedPoint& picked) const
 
     const SoPath& path = *picked.getPath();
     for (int i = path.getLength() - 1; i >= 0; --i) {
-        const auto known = names.find(path.getNode(i));
-        if (known == names.end())
+        const auto known = places.find(path.getNode(i));
+        if (known == places.end())
             continue;
-        std::string text = placeInDna(path, i) + where;
-        if (BiarcTubeMesh* tube = centralTube(*path.getNode(i))) {
+        const ShownDatum& datum = kinds[known->second.kind].data[known->second.index];
+        std::string text = (datum.placeIn ? datum.placeIn(path, i) : "") + where;
+        if (datum.centralTube) {
+            BiarcTubeMesh& tube = *datum.centralTube(*datum.node);
             const double unit = 1 / placement.scale;
-            text += ", arc length " + readable(nearestArcLength(*tube, inScene) * unit) + " of " +
-                    readable(tube->getParamValues().back() * unit);
+            text += ", arc length " + readable(nearestArcLength(tube, inScene) * unit) + " of " +
+                    readable(tube.getParamValues().back() * unit);
         }
-        return {text, known->second};
+        return {text, datum.name};
     }
     return {where, ""};
 }

@@ -3,8 +3,9 @@
 #define STRANDVIEW_APP_SCENE_DATASCENE_H
 
 #include <functional>
-#include <map>
+#include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include <Inventor/SbBox3f.h>
@@ -12,26 +13,38 @@
 
 #include "request/CameraRequest.h"
 #include "request/Colour.h"
+#include "scene/Colouring.h"
 #include "scene/Placement.h"
+#include "scene/ShownDatum.h"
+#include "scene/Style.h"
 #include "scene/Told.h"
-
-class BiarcTubeMesh;
-class SoSwitch;
 
 namespace strandview {
 
-/// The program's scene: it knows which data its nodes show, and tells what was picked.
+/// The program's scene: it knows which nodes show which datum, and tells what was picked.
+/// Placement and style are those of the first frame that it shows, and stay.
 class DataScene : public SoGeneralScene
 {
 public:
-    explicit DataScene(const Placement& placementOfData);
+    explicit DataScene(const Placement& placementOfData, const Style& styleOfData = {});
 
-    /// Adds a group with a node that shows some data, so that picks can be told by name.
-    void addNamed(SoNode* group, const SoNode* node, const std::string& name);
+    const Placement& getPlacement() const { return placement; }
+    const Style& getStyle() const { return style; }
 
-    /// The box that everything added lies in.
-    void extendBox(const SbBox3f& more);
-    const SbBox3f& getBox() const { return box; }
+    // Data: by their kinds, which are numbered from 0 in the order in which they are drawn, and
+    // within a kind in their order.
+
+    /// The data of a kind; none of one that has never been shown.
+    const std::vector<ShownDatum>& getShown(std::size_t kind) const;
+    /// Adds a datum at the end of its kind, so that picks can be told by its name.
+    void add(std::size_t kind, const ShownDatum& datum);
+    /// Replaces what is known of one; its group and node stay what they were.
+    void change(std::size_t kind, std::size_t index, const ShownDatum& datum);
+    /// Drops the data of a kind from `count` on.
+    void keepFirst(std::size_t kind, std::size_t count);
+
+    /// The box that all data lie in.
+    const SbBox3f& getBox() const;
 
     /// The side that it is seen from unless another is asked for.
     void setSide(Side side) { standardSide = side; }
@@ -40,15 +53,19 @@ public:
 
     // Colours of data, shown at first
 
-    /// A node that gives what follows it its own colours or those of data.
-    SoNode* addColours(SoNode* own, SoNode* ofData);
-    /// Adds a legend that is drawn over the scene, for the colours that were added.
-    void addLegend(SoNode* node);
+    /// Adds a legend that is drawn over the scene, for the colouring of the data.
+    void addLegend(const Colouring& colouring);
+    /// Makes the legend tell whether the values of another frame lie beyond its ends or are none.
+    void updateLegend(const Colouring& next);
+    /// That of the first frame, without the places of its points; nothing without a legend.
+    const std::optional<Colouring>& getColouring() const { return colouring; }
     bool hasColours() const;
     /// Whether data give the colours, and the legend is there. There are no highlights then,
     /// so that what is turned to the light has the legend's colours; once the user has changed
     /// that, highlights are left alone.
     void showColours(bool show);
+    /// Whether data give the colours of what has colours of data.
+    bool areColoursShown() const;
     /// The part of a view's height, at its bottom, that the legend takes.
     float getLegendHeight() const;
     /// Keeps the legend readable on another background.
@@ -75,14 +92,26 @@ private:
     Shininess getShininess();
     void setShininess(const Shininess& values);
 
+    struct Kind
+    {
+        SoGroup* group; ///< owned by the graph
+        std::vector<ShownDatum> data;
+    };
+    struct Place
+    {
+        std::size_t kind, index;
+    };
+
     Placement placement;
-    SbBox3f box;
+    Style style;
+    std::vector<Kind> kinds;
+    std::unordered_map<const SoNode*, Place> places; ///< of the nodes whose picks are told
+    mutable std::optional<SbBox3f> box;              ///< nothing where it is to be found anew
     Side standardSide = Side::Z;
-    std::vector<SoSwitch*> colours; ///< children: own, of data
+    std::optional<Colouring> colouring;
     SoSwitch* legend = nullptr;
     Shininess highlights;           ///< while colours are shown: those without
     bool areUserHighlights = false; ///< changed while colours were shown
-    std::map<const SoNode*, std::string> names;
 };
 
 /// The arc length, in the scene, of the point of a tube's centreline that is nearest to

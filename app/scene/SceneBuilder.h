@@ -3,14 +3,11 @@
 #define STRANDVIEW_APP_SCENE_SCENEBUILDER_H
 
 #include <string>
-#include <vector>
-
-#include <SoRod.h>
 
 #include <strandview/model/Configuration.h>
 
-#include "request/CameraRequest.h"
 #include "scene/Placement.h"
+#include "scene/SceneGeometry.h"
 #include "scene/Style.h"
 
 namespace strandview {
@@ -23,24 +20,14 @@ struct Colouring;
 /// once per program, and before anything else of Coin.
 void initialiseScene();
 
-/// What can be computed of a scene without a node.
-struct SceneGeometry
-{
-    struct Rod
-    {
-        std::vector<algebra3d::Vector3<double>> points; ///< in the scene
-        SoRod::Meshes meshes;
-    };
-    Placement placement;
-    Side side = Side::Z;   ///< that it is seen from unless another is asked for
-    std::vector<Rod> rods; ///< one for each of the configuration
-};
-
 /// Computes the geometry of data: in any thread, since nothing of Coin is touched. One line
-/// in `error` if it is too large, if a rod cannot be interpolated (it turns straight back
-/// on itself, or the edge of a ribbon that is shown does), or if it is stopped.
+/// in `error` if it is too large, if a rod or birod cannot be interpolated (it turns straight
+/// back on itself, or the edge of a ribbon that is shown does), or if it is stopped.
 SceneGeometry computeGeometry(const Configuration& configuration, const Style& style,
                               Progress& progress, std::string& error);
+/// The same of another frame, whose placement is that of the first.
+SceneGeometry computeGeometry(const Configuration& next, const Style& style,
+                              const Placement& placement, Progress& progress, std::string& error);
 
 /// Turns data, style and the data's geometry into nodes: the one place that does. Everything is
 /// changing content, lit at first; a legend of the colouring, if there is one, is drawn over it.
@@ -48,14 +35,30 @@ SceneGeometry computeGeometry(const Configuration& configuration, const Style& s
 ///
 /// The scene has the data's coordinates, but data far from the origin are moved there,
 /// and tiny ones enlarged by a power of ten, so that nothing is lost in single
-/// precision. Null, and one line in `error`, if a birod cannot be interpolated or building
-/// is stopped.
+/// precision. Null, and one line in `error`, if a colour is none, the scene is too wide or
+/// building is stopped.
 DataScene* buildScene(const Configuration& configuration, const Style& style,
                       const Colouring* colouring, SceneGeometry geometry, Progress& progress,
                       std::string& error);
 /// The same, which computes the geometry first.
 DataScene* buildScene(const Configuration& configuration, const Style& style,
                       const Colouring* colouring, Progress& progress, std::string& error);
+
+/// Lets a scene show the next frame instead: all of it, or, with one line that says why not,
+/// nothing. Placement, style, colours' range and side stay those of the first frame; camera,
+/// lights and whatever else is no datum are not touched.
+///
+/// Which datum is which goes by the index within its kind: the i-th rod of the frame is shown by
+/// the node of the i-th rod before it. Nodes of data that are there stay, data beyond them get
+/// new ones, and the last nodes go where there are fewer data. Picks are told by the new frame's
+/// names.
+///
+/// The geometry is that of computeGeometry() for getStyle() and getPlacement() of the scene, the
+/// colouring what followColouring() makes of its getColouring(); null for a scene without one.
+std::string updateScene(DataScene& scene, const Configuration& next, const Colouring* colouring,
+                        SceneGeometry geometry, Progress& progress);
+/// The same, which computes geometry and colouring first.
+std::string updateScene(DataScene& scene, const Configuration& next, Progress& progress);
 
 } // namespace strandview
 

@@ -2,7 +2,6 @@
 #include "scene/SceneLoader.h"
 
 #include <cmath>
-#include <iterator>
 #include <memory>
 #include <new>
 #include <optional>
@@ -20,12 +19,6 @@
 namespace strandview {
 
 namespace {
-
-template <typename Item>
-void append(std::vector<Item>& all, std::vector<Item>& more)
-{
-    std::move(more.begin(), more.end(), std::back_inserter(all));
-}
 
 // "Reading helix.txt (2 of 3): 40 %"
 std::string readingText(const std::vector<std::string>& files, std::size_t index, double share)
@@ -53,12 +46,7 @@ std::optional<Configuration> readFiles(const std::vector<std::string>& files, bo
         std::optional<Configuration> read = readFile(files[i], {normalise, goOn}, report);
         if (!read)
             return std::nullopt;
-        append(all.rods, read->rods);
-        append(all.birods, read->birods);
-        append(all.dnas, read->dnas);
-        append(all.markers, read->markers);
-        append(all.frames, read->frames);
-        append(all.arrows, read->arrows);
+        append(all, std::move(*read));
     }
     return all;
 }

@@ -104,23 +104,16 @@ std::string findFault(const BiarcRibbonMesh& ribbon, double width, const NamedCu
            " whose edge shrinks to a point or turns back, expected another --ribbon-width";
 }
 
+std::string findFault(BiarcTubeMesh& tube, const BiarcRibbonMesh* shownRibbon, int subsegments,
+                      double width, const NamedCurve& curve)
+{
+    const std::string fault = findFault(tube, subsegments, curve);
+    return fault.empty() && shownRibbon ? findFault(*shownRibbon, width, curve) : fault;
+}
+
 bool isFinite(const BiarcRibbonMesh& ribbon)
 {
     return std::isfinite(ribbon.getParamValues().back());
-}
-
-std::string nameOfPoint(const Rod& rod, std::size_t point)
-{
-    if (!rod.lines.empty())
-        return rod.origin + ", line " + std::to_string(rod.lines[point]);
-    const std::size_t index = rod.indices.empty() ? point : rod.indices[point];
-    return rod.origin + ".points[" + std::to_string(index) + "]";
-}
-
-std::string nameOfPoint(const Birod& birod, const std::string& member, std::size_t point)
-{
-    const std::size_t index = birod.indices.empty() ? point : birod.indices[point];
-    return birod.origin + "." + member + ".points[" + std::to_string(index) + "]";
 }
 
 } // namespace strandview

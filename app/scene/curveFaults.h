@@ -10,8 +10,6 @@
 #include <algebra3d/Quaternion.h>
 #include <algebra3d/Vector3.h>
 
-#include <strandview/model/Configuration.h>
-
 class BiarcRibbonMesh;
 class BiarcTubeMesh;
 
@@ -36,14 +34,12 @@ std::string findFault(BiarcTubeMesh& tube, int subsegments, const NamedCurve& cu
 /// data's unit.
 std::string findFault(const BiarcRibbonMesh& ribbon, double width, const NamedCurve& curve);
 
+/// Of a tube, or of its ribbon, null if that is hidden.
+std::string findFault(BiarcTubeMesh& tube, const BiarcRibbonMesh* shownRibbon, int subsegments,
+                      double width, const NamedCurve& curve);
+
 /// Whether a ribbon can be drawn.
 bool isFinite(const BiarcRibbonMesh& ribbon);
-
-/// "rod.txt:2: rod 1, line 7", "rod.json: rods[0].points[5]".
-std::string nameOfPoint(const Rod& rod, std::size_t point);
-
-/// "pair.json: birods[0].strand1.points[5]" for the member "strand1".
-std::string nameOfPoint(const Birod& birod, const std::string& member, std::size_t point);
 
 } // namespace strandview
 

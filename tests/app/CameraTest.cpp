@@ -255,6 +255,33 @@ TEST_F(CameraTest, AnyNumbersGiveFiniteClippingPlanesInOrder)
     }
 }
 
+TEST_F(CameraTest, CloseToThingsTheNearPlaneIsATwentyThousandthOfTheFarOnesDistance)
+{
+    // Depth has 24 bits: the far half of the scene has at least 400 steps of it then.
+    makeScene(SbVec3f(10, 10, 10));
+    for (const char* const text : {"perspective,3,-1,2,0,0,0,1,1,0.8",     // in the middle
+                                   "perspective,3,-1,7,0,0,0,1,1,0.8",     // on a face
+                                   "perspective,3,-1,7.05,0,0,0,1,1,0.8"}) // just before it
+    {
+        SCOPED_TRACE(text);
+        CameraRequest request;
+        request.numbers = parseCamera(text);
+        ASSERT_TRUE(request.numbers);
+        SoCamera* camera = makeCamera(request, scene, SbViewportRegion(400, 300), 0);
+        camera->ref();
+        EXPECT_NEAR(camera->farDistance.getValue() / camera->nearDistance.getValue(), 20000, 1);
+        camera->unref();
+    }
+    // Farther away it is before all there is, by a hundredth of its depth.
+    CameraRequest request;
+    request.numbers = parseCamera("perspective,3,-1,8,0,0,0,1,1,0.8");
+    SoCamera* camera = makeCamera(request, scene, SbViewportRegion(400, 300), 0);
+    camera->ref();
+    EXPECT_NEAR(camera->nearDistance.getValue(), 0.9f, 1e-5);
+    EXPECT_NEAR(camera->farDistance.getValue(), 11.1f, 1e-5);
+    camera->unref();
+}
+
 } // namespace
 
 } // namespace strandview

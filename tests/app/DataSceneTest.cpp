@@ -154,7 +154,14 @@ TEST_F(DataSceneTest, TellsRodPointAndArcLengthInTheDatasCoordinatesAndUnit)
     SoRod* rod = makeStraight();
     auto* group = new SoSeparator;
     group->addChild(rod);
-    scene->addNamed(group, rod, "rods.txt:1: rod 1");
+    ShownDatum datum;
+    datum.group = group;
+    datum.node = rod;
+    datum.name = "rods.txt:1: rod 1";
+    datum.centralTube = [](const SoNode& node) {
+        return static_cast<const SoRod&>(node).getTubeMesh();
+    };
+    scene->add(0, datum);
     EXPECT_EQ(describe(*scene, 1, 0),
               "point 100.001 -200 300, arc length 0.001 of 0.004 – rods.txt:1: rod 1");
     EXPECT_EQ(describe(*scene, 1, 3), "");
@@ -211,7 +218,7 @@ TEST_F(DataSceneTest, ColoursOfDataHaveNoHighlightsUnlessTheUserChangesThem)
     EXPECT_FALSE(scene->hasColours());
     const std::vector<float> usual = shininessOf(*scene);
     EXPECT_GT(usual[0], 0);
-    scene->addLegend(new SoSeparator);
+    scene->addLegend(Colouring());
     EXPECT_TRUE(scene->hasColours());
     EXPECT_THAT(shininessOf(*scene), testing::Each(0));
     EXPECT_GT(scene->getLegendHeight(), 0);

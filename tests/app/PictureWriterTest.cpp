@@ -4,6 +4,11 @@
 #include <algorithm>
 #include <functional>
 
+#include <Inventor/nodes/SoCube.h>
+#include <Inventor/nodes/SoMaterial.h>
+#include <Inventor/nodes/SoSeparator.h>
+#include <Inventor/nodes/SoTransparencyType.h>
+#include <QColor>
 #include <QImage>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
@@ -174,6 +179,38 @@ TEST(Picture, OfAnyShapeIsRenderedInTiles)
     write({1, 80}, 2, 30);
     write({12000, 2}, 3, SAMPLES_AT_ONCE); // wider than 16 bits of samples
     scene->unref();
+}
+
+// What adds its light to all that is behind it hides nothing in the other two channels.
+TEST(Picture, WhatShinesInOneChannelAloneIsSeenWithoutTheBackground)
+{
+    initialiseSceneOnce();
+    QTemporaryDir folder;
+    const std::string file = folder.filePath("picture.png").toStdString();
+    for (int channel = 0; channel < 3; ++channel) {
+        SCOPED_TRACE(channel);
+        auto* scene = new SoGeneralScene;
+        scene->ref();
+        auto* adding = new SoTransparencyType;
+        adding->value = SoTransparencyType::ADD;
+        auto* material = new SoMaterial;
+        material->diffuseColor = SbColor(channel == 0, channel == 1, channel == 2);
+        material->transparency = 0.5f;
+        auto* group = new SoSeparator;
+        group->addChild(adding);
+        group->addChild(material);
+        auto* square = new SoCube;
+        square->depth = 0; // of its two sides, both are added
+        group->addChild(square);
+        scene->addSolid(group);
+        EXPECT_EQ(writePicture(scene, {file, 40, 40, 1, {1, 1, 1}, true, {}, 0}), "");
+        const QColor seen = QImage(QString::fromStdString(file)).pixelColor(20, 20);
+        const int colours[] = {seen.red(), seen.green(), seen.blue()};
+        EXPECT_GT(seen.alpha(), 120);
+        for (int i = 0; i < 3; ++i)
+            EXPECT_EQ(colours[i], i == channel ? 255 : 0) << i;
+        scene->unref();
+    }
 }
 
 } // namespace

@@ -40,6 +40,19 @@ TEST(RoundTicks, LieInsideTheLimitsAndAreThreeToNine)
     }
 }
 
+TEST(RoundTicks, ThatAreOffByLessThanABillionthOfAStepAreStillInside)
+{
+    // Steps of 1.
+    EXPECT_EQ(roundTicks(0, 7 - 0.9e-9).back(), 7);
+    EXPECT_EQ(roundTicks(0, 7 - 1.1e-9).back(), 6);
+    EXPECT_EQ(roundTicks(-7 + 0.9e-9, 0).front(), -7);
+    EXPECT_EQ(roundTicks(-7 + 1.1e-9, 0).front(), -6);
+    // Far from 0 there is the rounding of the limits, of some units in the last place, 1.2e-7.
+    const double far = 1e9;
+    EXPECT_EQ(roundTicks(far, far + 7 - 0.9e-6).back(), far + 7);
+    EXPECT_EQ(roundTicks(far, far + 7 - 1.2e-6).back(), far + 6);
+}
+
 TEST(RoundTicks, AreNoneWhereDoublePrecisionHasNoRoomForThem)
 {
     EXPECT_THAT(roundTicks(1, 1), IsEmpty());

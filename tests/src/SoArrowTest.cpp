@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <SoArrow.h>
 
+#include <array>
+
 #include <cmath>
 #include <limits>
 
@@ -157,6 +159,24 @@ TEST_F(SoArrowTest, LeavesWhatFollowsWhereItWas)
     const SbBox3f arrow = boxOf(scene);
     scene->addChild(new SoArrow({5, 5, 5}, {5, 6, 5}, 0.1, 0, 0));
     EXPECT_EQ(boxOf(scene), arrow);
+}
+
+TEST_F(SoArrowTest, SetAnewIsTheArrowOfTheSameValuesAndTheSameNode)
+{
+    // One after the other: with both parts, all head, all shaft, nothing.
+    NodeRef<SoArrow> arrow(new SoArrow({0, 0, 0}, {1, 0, 0}, 0.1, 0.2, 0.4));
+    const std::array<double, 3> forms[] = {
+        {0.1, 0.2, 0.4}, {0.1, 0.2, 9}, {0.1, 0, 0}, {0.3, 0.5, 1}};
+    for (const auto& [shaft, head, length] : forms) {
+        for (const Vector& to : {Vector(1, 2, 3), Vector(0, -4, 0), Vector(1, 0, 0)}) {
+            const auto before = arrow->getNodeId();
+            arrow->setArrow({1, 0, 0}, to, shaft, head, length);
+            EXPECT_NE(arrow->getNodeId(), before);
+            NodeRef<SoArrow> anew(new SoArrow({1, 0, 0}, to, shaft, head, length));
+            EXPECT_EQ(outline(arrow), outline(anew));
+            EXPECT_EQ(boxOf(arrow), boxOf(anew));
+        }
+    }
 }
 
 using ArrowPicture = FlatPictureTest;

@@ -3,6 +3,7 @@
 
 #include <cmath>
 #include <limits>
+#include <thread>
 
 #include <Inventor/SoPickedPoint.h>
 #include <Inventor/actions/SoRayPickAction.h>
@@ -287,6 +288,67 @@ TEST_F(SoBirodTest, CheckingDoesNotMakeItValidByItself)
     EXPECT_FALSE(fresh->isValid());
     fresh->generate();
     EXPECT_EQ(fresh->getAvgTubeMesh(), nullptr);
+}
+
+SoBirod::Data toBirodData(const Data& data)
+{
+    return {data.avgPoints,  data.avgRotations, data.points1,
+            data.rotations1, data.points2,      data.rotations2};
+}
+
+TEST_F(SoBirodTest, TakesMeshesThatAnotherThreadMade)
+{
+    RandomNumbers random(11);
+    Data data = straightData(5);
+    for (Vectors* points : {&data.avgPoints, &data.points1, &data.points2}) {
+        for (Vector& point : *points)
+            point += 0.2 * random.unitVector();
+    }
+    // The radii, widths and places of OpenBirod.
+    SoBirod::Meshes meshes;
+    std::thread([&] {
+        meshes = SoBirod::makeMeshes(toBirodData(data), 0.1, 0.2, 0.5, 0.75, 0.2, 0.1, 4, 2, false);
+    }).join();
+    NodeRef<OpenBirod> generated(new OpenBirod);
+    ASSERT_TRUE(setData(generated, data));
+    const auto oldId = birod->getNodeId();
+    ASSERT_TRUE(birod->setData(toBirodData(data), std::move(meshes)));
+    EXPECT_NE(birod->getNodeId(), oldId);
+    EXPECT_EQ(birod->getPointsNum(), 5);
+    const std::vector<Mesh*> taken = birod->getMeshes(), expected = generated->getMeshes();
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+        SCOPED_TRACE(i);
+        ASSERT_NE(taken[i], nullptr);
+        expectSameMeshes(*taken[i], *expected[i]);
+    }
+    Vector point1, point2, expected1, expected2;
+    Quaternion rotation1, rotation2;
+    birod->getFrames(point1, rotation1, point2, rotation2, 3);
+    generated->getFrames(expected1, rotation1, expected2, rotation2, 3);
+    EXPECT_EQ((point1 - expected1).getNorm(), 0);
+    EXPECT_EQ((point2 - expected2).getNorm(), 0);
+
+    birod->generate(); // from the data that it was given
+    for (std::size_t i = 0; i < expected.size(); ++i)
+        expectSameMeshes(*birod->getMeshes()[i], *expected[i]);
+}
+
+TEST_F(SoBirodTest, MakesNoMeshesOfIncorrectData)
+{
+    Data shorter = straightData(3), turned = straightData(3);
+    shorter.points2.pop_back();
+    turned.rotations1[1] = Quaternion(0, 0, 0, 2);
+    for (const Data& data : {straightData(1), shorter, turned}) {
+        SoBirod::Meshes meshes =
+            SoBirod::makeMeshes(toBirodData(data), 0.1, 0.2, 0.5, 0.75, 0.2, 0.1, 4, 2, false);
+        EXPECT_FALSE(meshes.avgTube || meshes.tube1 || meshes.tube2);
+        EXPECT_FALSE(meshes.avgRibbon || meshes.ribbon1 || meshes.ribbon2);
+        ASSERT_TRUE(setData(birod, straightData(3)));
+        EXPECT_FALSE(birod->setData(toBirodData(data), std::move(meshes)));
+        EXPECT_FALSE(birod->isValid());
+        EXPECT_EQ(birod->getPointsNum(), 0);
+        EXPECT_EQ(birod->getAvgTubeMesh(), nullptr);
+    }
 }
 
 TEST_F(SoBirodTest, TakesCorrectDataAfterRefusedData)

@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_APP_SCENE_SCENEGEOMETRY_H
+#define STRANDVIEW_APP_SCENE_SCENEGEOMETRY_H
+
+#include <vector>
+
+#include <SoBirod.h>
+#include <SoRod.h>
+
+#include "request/CameraRequest.h"
+#include "scene/Placement.h"
+
+namespace strandview {
+
+/// What can be computed of a scene without a node.
+struct SceneGeometry
+{
+    struct Rod
+    {
+        std::vector<algebra3d::Vector3<double>> points; ///< in the scene
+        SoRod::Meshes meshes;
+    };
+    struct Birod
+    {
+        SoBirod::Data data; ///< in the scene
+        SoBirod::Meshes meshes;
+    };
+    Placement placement;
+    Side side = Side::Z;       ///< that it is seen from unless another is asked for
+    std::vector<Rod> rods;     ///< one for each of the configuration
+    std::vector<Birod> birods; ///< one for each of the configuration
+};
+
+} // namespace strandview
+
+#endif

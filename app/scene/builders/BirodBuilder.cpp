@@ -1,0 +1,142 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "scene/builders/BirodBuilder.h"
+
+#include <initializer_list>
+#include <utility>
+
+#include <Inventor/nodes/SoMaterial.h>
+#include <Inventor/nodes/SoMaterialBinding.h>
+#include <Inventor/nodes/SoSeparator.h>
+
+#include "scene/curveFaults.h"
+
+namespace strandview {
+
+namespace {
+
+const double AVERAGE_RADIUS = 0.6; // of that of the strands
+
+// "pair.json: birods[0].strand1.points[5]" for the member "strand1".
+std::string nameOfPoint(const Birod& birod, const std::string& member, std::size_t point)
+{
+    const std::size_t index = birod.indices.empty() ? point : birod.indices[point];
+    return birod.origin + "." + member + ".points[" + std::to_string(index) + "]";
+}
+
+// What is wrong with one of a birod's three curves.
+std::string findFault(const Birod& birod, const SoBirod::Meshes& meshes, const Style& style)
+{
+    struct Strand
+    {
+        const char* member;
+        BiarcTubeMesh& tube;
+        const BiarcRibbonMesh* ribbon;
+        const std::vector<algebra3d::Vector3<double>>& points;
+        const std::vector<algebra3d::Quaternion<double>>* rotations;
+    };
+    for (const Strand& strand :
+         {Strand{"average", *meshes.avgTube, meshes.avgRibbon.get(), birod.points,
+                 &birod.rotations},
+          Strand{"strand1", *meshes.tube1, meshes.ribbon1.get(), birod.points1, nullptr},
+          Strand{"strand2", *meshes.tube2, meshes.ribbon2.get(), birod.points2, nullptr}}) {
+        const NamedCurve curve{strand.points, strand.rotations, [&](std::size_t point) {
+                                   return nameOfPoint(birod, strand.member, point);
+                               }};
+        std::string fault = findFault(strand.tube, style.showRibbon ? strand.ribbon : nullptr,
+                                      style.subsegments, style.ribbonWidth, curve);
+        if (!fault.empty())
+            return fault;
+    }
+    return "";
+}
+
+BiarcTubeMesh* centralTube(const SoNode& node)
+{
+    return static_cast<const SoBirod&>(node).getAvgTubeMesh();
+}
+
+} // namespace
+
+SceneGeometry::Birod BirodBuilder::compute(const Birod& birod, const Style& style,
+                                           const Placement& placement, std::string& error)
+{
+    SceneGeometry::Birod computed;
+    computed.data = {placement.toScene(birod.points),  birod.rotations,
+                     placement.toScene(birod.points1), birod.rotations1,
+                     placement.toScene(birod.points2), birod.rotations2};
+    const double radius = placement.scale * style.radius;
+    const double width = placement.scale * style.ribbonWidth;
+    computed.meshes =
+        SoBirod::makeMeshes(computed.data, AVERAGE_RADIUS * radius, radius, width, width, 0, 0,
+                            style.slices, style.subsegments, style.twoSidedRibbon);
+    error = findFault(birod, computed.meshes, style);
+    return computed;
+}
+
+const char* BirodBuilder::getWork() const { return "Showing birod"; }
+
+std::size_t BirodBuilder::count() const { return frame.data.birods.size(); }
+
+std::string BirodBuilder::getName(std::size_t index) const
+{
+    return frame.data.birods[index].origin;
+}
+
+SbBox3f BirodBuilder::getReach(std::size_t index) const
+{
+    const SoBirod::Meshes& meshes = frame.geometry.birods[index].meshes;
+    SbBox3f box;
+    for (const Mesh* mesh : std::initializer_list<const Mesh*>{
+             meshes.avgTube.get(), meshes.avgRibbon.get(), meshes.tube1.get(), meshes.ribbon1.get(),
+             meshes.tube2.get(), meshes.ribbon2.get()})
+        box.extendBy(mesh->getBBox());
+    return box;
+}
+
+ShownDatum BirodBuilder::makeNodes(std::size_t index)
+{
+    const Style& style = frame.style;
+    const double radius = frame.scaled(style.radius), width = frame.scaled(style.ribbonWidth);
+    auto* binding = new SoMaterialBinding;
+    binding->value = SoMaterialBinding::PER_PART;
+    ShownDatum shown;
+    shown.group = new SoSeparator;
+    shown.group->addChild(new SoMaterial);
+    shown.group->addChild(binding);
+    shown.node = new SoBirod(frame.scaled(AVERAGE_RADIUS * style.radius), radius, width, width, 0,
+                             0, style.slices, style.subsegments, style.showTube, style.showTube,
+                             style.showRibbon, false, style.twoSidedRibbon);
+    shown.group->addChild(shown.node);
+    shown.centralTube = &centralTube;
+    updateNodes(index, shown);
+    return shown;
+}
+
+void BirodBuilder::updateNodes(std::size_t index, ShownDatum& shown)
+{
+    auto* node = static_cast<SoBirod*>(shown.node);
+    SceneGeometry::Birod& computed = frame.geometry.birods[index];
+    node->setData(std::move(computed.data), std::move(computed.meshes));
+    setColours(index, *node, static_cast<SoMaterial*>(shown.group->getChild(0)));
+}
+
+// A colour for each of the three tubes, and one for all ribbons; the tubes' follow those of the
+// rods. A birod finds the material of a mesh behind those of the rows of all meshes before.
+void BirodBuilder::setColours(std::size_t index, const SoBirod& birod, SoMaterial* material) const
+{
+    const std::size_t next = frame.data.rods.size() + 3 * index;
+    std::vector<SbColor> colours;
+    const auto append = [&](const Mesh& tube, const Mesh& ribbon, std::size_t tubeIndex) {
+        colours.insert(colours.end(), std::size_t(tube.getHeight()),
+                       toSbColor(tubeColour(frame.style, tubeIndex)));
+        colours.insert(colours.end(), std::size_t(ribbon.getHeight()),
+                       toSbColor(frame.style.ribbonColour));
+    };
+    append(*birod.getAvgTubeMesh(), *birod.getAvgRibbonMesh(), next + 2);
+    append(*birod.getTube1Mesh(), *birod.getRibbon1Mesh(), next);
+    append(*birod.getTube2Mesh(), *birod.getRibbon2Mesh(), next + 1);
+    material->diffuseColor.setNum(int(colours.size()));
+    material->diffuseColor.setValues(0, int(colours.size()), colours.data());
+}
+
+} // namespace strandview

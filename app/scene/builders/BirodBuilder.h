@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_APP_SCENE_BUILDERS_BIRODBUILDER_H
+#define STRANDVIEW_APP_SCENE_BUILDERS_BIRODBUILDER_H
+
+#include "scene/SceneGeometry.h"
+#include "scene/builders/DatumBuilder.h"
+
+class SoMaterial;
+
+namespace strandview {
+
+/// Birods: the strands are drawn through their own points, the average thinner between them.
+class BirodBuilder : public DatumBuilder
+{
+public:
+    using DatumBuilder::DatumBuilder;
+
+    /// The points and meshes of one birod, in any thread. One line in `error` if one of its
+    /// tubes, or of its ribbons where they are shown, cannot be interpolated.
+    static SceneGeometry::Birod compute(const Birod& birod, const Style& style,
+                                        const Placement& placement, std::string& error);
+
+    const char* getWork() const override;
+    std::size_t count() const override;
+    SbBox3f getReach(std::size_t index) const override;
+
+protected:
+    ShownDatum makeNodes(std::size_t index) override;
+    void updateNodes(std::size_t index, ShownDatum& shown) override;
+    std::string getName(std::size_t index) const override;
+
+private:
+    void setColours(std::size_t index, const SoBirod& birod, SoMaterial* material) const;
+};
+
+} // namespace strandview
+
+#endif

@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "scene/builders/DatumBuilder.h"
+
+#include <array>
+
+#include <Inventor/SbViewportRegion.h>
+#include <Inventor/actions/SoGetBoundingBoxAction.h>
+#include <Inventor/nodes/SoSeparator.h>
+
+#include <strandview/formats/text/wording.h>
+
+namespace strandview {
+
+using algebra3d::Vector3;
+
+namespace {
+
+// Colours that are told apart with every kind of colour vision, the ribbon's left out
+// (M. Okabe and K. Ito, Color universal design, 2008).
+const std::array<Colour, 7> TUBE_COLOURS{{{0.34f, 0.61f, 0.82f},
+                                          {0.00f, 0.62f, 0.45f},
+                                          {0.80f, 0.47f, 0.65f},
+                                          {0.84f, 0.37f, 0.00f},
+                                          {0.00f, 0.45f, 0.70f},
+                                          {0.94f, 0.89f, 0.26f},
+                                          {0.55f, 0.55f, 0.55f}}};
+
+const Colour GLYPH_COLOUR{0.80f, 0.20f, 0.15f};
+
+} // namespace
+
+std::string DatumBuilder::check(std::size_t /*index*/) const { return ""; }
+
+ShownDatum DatumBuilder::build(std::size_t index)
+{
+    ShownDatum shown = makeNodes(index);
+    shown.name = getName(index);
+    shown.group->ref(); // an action leaves no node without a reference
+    shown.box = findBox(index, shown);
+    shown.group->unrefNoDelete();
+    return shown;
+}
+
+void DatumBuilder::update(std::size_t index, ShownDatum& shown)
+{
+    updateNodes(index, shown);
+    shown.name = getName(index);
+    shown.box = findBox(index, shown);
+}
+
+SbBox3f DatumBuilder::findBox(std::size_t /*index*/, const ShownDatum& shown) const
+{
+    SoGetBoundingBoxAction bounds(SbViewportRegion(1, 1));
+    bounds.apply(shown.group);
+    return bounds.getBoundingBox();
+}
+
+SbVec3f toSbVec3f(const Vector3<double>& v) { return SbVec3f(float(v.x), float(v.y), float(v.z)); }
+
+SbColor toSbColor(const Colour& colour) { return SbColor(colour.red, colour.green, colour.blue); }
+
+Vector3<double> toVector(const Colour& colour)
+{
+    return Vector3<double>(double(colour.red), double(colour.green), double(colour.blue));
+}
+
+SbBox3f boxAround(const Vector3<double>& point, double reach)
+{
+    const Vector3<double> margin(reach, reach, reach);
+    return SbBox3f(toSbVec3f(point - margin), toSbVec3f(point + margin));
+}
+
+Colour tubeColour(const Style& style, std::size_t index)
+{
+    return style.tubeColour.value_or(TUBE_COLOURS[index % TUBE_COLOURS.size()]);
+}
+
+Colour glyphColour(const std::optional<std::string>& text)
+{
+    return text ? parseColour(*text).value_or(GLYPH_COLOUR) : GLYPH_COLOUR;
+}
+
+std::string checkColour(const std::optional<std::string>& text, const std::string& origin)
+{
+    if (!text || parseColour(*text))
+        return "";
+    return origin + ".colour: found " + inQuotes(*text) +
+           ", expected #rrggbb or an SVG colour name";
+}
+
+} // namespace strandview

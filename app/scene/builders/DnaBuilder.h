@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_APP_SCENE_BUILDERS_DNABUILDER_H
+#define STRANDVIEW_APP_SCENE_BUILDERS_DNABUILDER_H
+
+#include "scene/builders/DatumBuilder.h"
+
+namespace strandview {
+
+/// DNA: built in ångström, the unit of its atoms, and scaled to the scene.
+class DnaBuilder : public DatumBuilder
+{
+public:
+    using DatumBuilder::DatumBuilder;
+
+    const char* getWork() const override;
+    std::size_t count() const override;
+    SbBox3f getReach(std::size_t index) const override;
+
+protected:
+    ShownDatum makeNodes(std::size_t index) override;
+    void updateNodes(std::size_t index, ShownDatum& shown) override;
+    std::string getName(std::size_t index) const override;
+    SbBox3f findBox(std::size_t index, const ShownDatum& shown) const override;
+};
+
+} // namespace strandview
+
+#endif

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_APP_SCENE_BUILDERS_FRAMEBUILDER_H
+#define STRANDVIEW_APP_SCENE_BUILDERS_FRAMEBUILDER_H
+
+#include "scene/builders/DatumBuilder.h"
+
+namespace strandview {
+
+/// Frames: three arrows each.
+class FrameBuilder : public DatumBuilder
+{
+public:
+    using DatumBuilder::DatumBuilder;
+
+    const char* getWork() const override;
+    std::size_t count() const override;
+    SbBox3f getReach(std::size_t index) const override;
+
+protected:
+    ShownDatum makeNodes(std::size_t index) override;
+    void updateNodes(std::size_t index, ShownDatum& shown) override;
+    std::string getName(std::size_t index) const override;
+};
+
+} // namespace strandview
+
+#endif

@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "scene/builders/MarkerBuilder.h"
+
+#include <Inventor/nodes/SoScale.h>
+#include <Inventor/nodes/SoSeparator.h>
+#include <Inventor/nodes/SoShapeHints.h>
+#include <Inventor/nodes/SoTranslation.h>
+
+#include <SoMarker.h>
+
+namespace strandview {
+
+namespace {
+
+double sizeOf(const Marker& marker, const Style& style)
+{
+    return marker.size.value_or(style.glyphSize);
+}
+
+// Shapes that are closed: of a transparent one the far side does not show.
+SoShapeHints* makeHints()
+{
+    auto* hints = new SoShapeHints;
+    hints->vertexOrdering = SoShapeHints::COUNTERCLOCKWISE;
+    hints->shapeType = SoShapeHints::SOLID;
+    return hints;
+}
+
+} // namespace
+
+MarkerBuilder::MarkerBuilder(const FrameToShow& frameToShow)
+    : DatumBuilder(frameToShow), scale(new SoScale)
+{
+    scale->ref();
+}
+
+MarkerBuilder::~MarkerBuilder() { scale->unref(); }
+
+const char* MarkerBuilder::getWork() const { return "Building marker"; }
+
+std::size_t MarkerBuilder::count() const { return frame.data.markers.size(); }
+
+std::string MarkerBuilder::getName(std::size_t index) const
+{
+    const Marker& marker = frame.data.markers[index];
+    return marker.origin + ": id " + std::to_string(marker.id);
+}
+
+std::string MarkerBuilder::check(std::size_t index) const
+{
+    const Marker& marker = frame.data.markers[index];
+    return checkColour(marker.colour, marker.origin);
+}
+
+SbBox3f MarkerBuilder::getReach(std::size_t index) const
+{
+    const Marker& marker = frame.data.markers[index];
+    return boxAround(frame.placement.toScene(marker.point),
+                     frame.scaled(sizeOf(marker, frame.style))); // a cross is 1.6 sizes long
+}
+
+ShownDatum MarkerBuilder::makeNodes(std::size_t index)
+{
+    const Marker& marker = frame.data.markers[index];
+    auto* node = new SoMarker(marker.id, toVector(glyphColour(marker.colour)),
+                              frame.scaled(sizeOf(marker, frame.style)), marker.transparency,
+                              SoMarker::Shape(marker.shape));
+    ShownDatum shown;
+    shown.group = new SoSeparator;
+    shown.group->addChild(makeHints());
+    shown.group->addChild(SoMarker::wrap(node, scale, frame.placement.toScene(marker.point)));
+    shown.node = node;
+    return shown;
+}
+
+void MarkerBuilder::updateNodes(std::size_t index, ShownDatum& shown)
+{
+    const Marker& marker = frame.data.markers[index];
+    const Colour colour = glyphColour(marker.colour);
+    auto* node = static_cast<SoMarker*>(shown.node);
+    node->setId(marker.id);
+    node->setColour(double(colour.red), double(colour.green), double(colour.blue));
+    node->setSize(frame.scaled(sizeOf(marker, frame.style)));
+    node->setTransparency(marker.transparency);
+    node->setShape(SoMarker::Shape(marker.shape));
+    auto* placed = static_cast<SoSeparator*>(shown.group->getChild(1));
+    static_cast<SoTranslation*>(placed->getChild(0))->translation =
+        toSbVec3f(frame.placement.toScene(marker.point));
+}
+
+} // namespace strandview

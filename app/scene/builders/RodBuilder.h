@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_APP_SCENE_BUILDERS_RODBUILDER_H
+#define STRANDVIEW_APP_SCENE_BUILDERS_RODBUILDER_H
+
+#include "scene/SceneGeometry.h"
+#include "scene/builders/DatumBuilder.h"
+
+class SoSwitch;
+
+namespace strandview {
+
+/// Rods: tube and ribbon, in a colour of their own or in those of a scalar.
+class RodBuilder : public DatumBuilder
+{
+public:
+    using DatumBuilder::DatumBuilder;
+
+    /// The points and meshes of one rod, in any thread. One line in `error` if a tube, or a
+    /// ribbon that is shown, cannot be interpolated.
+    static SceneGeometry::Rod compute(const Rod& rod, const Style& style,
+                                      const Placement& placement, std::string& error);
+
+    const char* getWork() const override;
+    std::size_t count() const override;
+    SbBox3f getReach(std::size_t index) const override;
+
+protected:
+    ShownDatum makeNodes(std::size_t index) override;
+    void updateNodes(std::size_t index, ShownDatum& shown) override;
+    std::string getName(std::size_t index) const override;
+
+private:
+    bool hasDataColours(std::size_t index) const;
+    void setDataColours(std::size_t index, ShownDatum& shown) const;
+};
+
+} // namespace strandview
+
+#endif

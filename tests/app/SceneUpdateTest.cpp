@@ -1,0 +1,690 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// updateScene() of scene/SceneBuilder.h: what a frame shows is what a new scene of it would show.
+#include "scene/SceneBuilder.h"
+
+#include <cmath>
+#include <functional>
+#include <set>
+
+#include <Inventor/SbViewportRegion.h>
+#include <Inventor/SoOffscreenRenderer.h>
+#include <Inventor/SoPickedPoint.h>
+#include <Inventor/actions/SoRayPickAction.h>
+#include <Inventor/actions/SoSearchAction.h>
+#include <Inventor/nodes/SoMaterial.h>
+#include <Inventor/nodes/SoOrthographicCamera.h>
+#include <Inventor/nodes/SoSeparator.h>
+#include <Inventor/nodes/SoSwitch.h>
+#include <OffscreenContext.h>
+#include <SoBirod.h>
+#include <SoDNA.h>
+#include <SoRod.h>
+#include <algebra3d/Matrix3.h>
+#include <gmock/gmock.h>
+
+#include "scene/Colouring.h"
+#include "scene/DataScene.h"
+#include "scene/Progress.h"
+#include "support/RandomRods.h"
+#include "support/initialiseSceneOnce.h"
+#include "support/renderPicture.h"
+
+namespace strandview {
+
+using algebra3d::Matrix3;
+using algebra3d::Quaternion;
+using algebra3d::Vector3;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+namespace {
+
+enum Kind { RODS, BIRODS, MARKERS, ARROWS, DNAS, FRAMES, KINDS }; // as they are drawn
+
+// Goes on until it was told something the so-many-th time.
+struct StoppingAt : Progress
+{
+    explicit StoppingAt(int stopCount = 1000000) : count(stopCount) {}
+    void show(const std::string& /*text*/) override { --count; }
+    void announce(const std::string& text) override { show(text); }
+    bool isStopped() const override { return count <= 0; }
+
+    int count;
+};
+
+// A piece of a helix about a line along z, whose turns never meet.
+struct Helix
+{
+    Vector3<double> centre;
+    double radius;
+    double phase;
+    double speed; // radians between points
+    int points;
+
+    Vector3<double> at(int i) const
+    {
+        const double angle = phase + speed * i;
+        return centre +
+               Vector3<double>(radius * std::cos(angle), radius * std::sin(angle), 0.4 * i);
+    }
+    std::vector<Vector3<double>> all() const
+    {
+        std::vector<Vector3<double>> found;
+        for (int i = 0; i < points; ++i)
+            found.push_back(at(i));
+        return found;
+    }
+    // d3 along the helix.
+    std::vector<Quaternion<double>> frames() const
+    {
+        std::vector<Quaternion<double>> found;
+        for (int i = 0; i < points; ++i) {
+            const double angle = phase + speed * i;
+            const Vector3<double> d1(std::cos(angle), std::sin(angle), 0);
+            const Vector3<double> d3 = Vector3<double>(-radius * speed * std::sin(angle),
+                                                       radius * speed * std::cos(angle), 0.4)
+                                           .getUnit();
+            found.push_back(Matrix3<double>(d1, d3.cross(d1), d3).getQuaternion());
+        }
+        return found;
+    }
+};
+
+Rod makeRod(const Helix& helix, const std::string& origin)
+{
+    Rod rod;
+    rod.origin = origin;
+    rod.points = helix.all();
+    rod.rotations = helix.frames();
+    return rod;
+}
+
+Birod makeBirod(const Helix& helix, const std::string& origin)
+{
+    Birod birod;
+    birod.origin = origin;
+    birod.points = helix.all();
+    birod.rotations = helix.frames();
+    for (int i = 0; i < helix.points; ++i) {
+        birod.points1.push_back(helix.at(i) + Vector3<double>(0.5, 0, 0));
+        birod.points2.push_back(helix.at(i) - Vector3<double>(0.5, 0, 0));
+    }
+    birod.rotations1 = birod.rotations2 = birod.rotations;
+    return birod;
+}
+
+Dna makeDna(const Helix& helix, const std::string& bases, const std::string& origin)
+{
+    Dna dna;
+    dna.origin = origin;
+    dna.bases = bases;
+    for (std::size_t i = 0; i < bases.size(); ++i) {
+        dna.pairPoints.push_back(helix.at(int(i)));
+        dna.pairRotations.push_back(helix.frames()[i]);
+    }
+    dna.points1 = dna.points2 = dna.pairPoints;
+    dna.rotations1 = dna.rotations2 = dna.pairRotations;
+    return dna;
+}
+
+Marker makeMarker(const Vector3<double>& point, const std::string& colour, long long id)
+{
+    Marker marker;
+    marker.origin = "glyphs.json: markers[0]";
+    marker.point = point;
+    marker.colour = colour;
+    marker.id = id;
+    return marker;
+}
+
+Arrow makeArrow(const Vector3<double>& from, const Vector3<double>& to)
+{
+    Arrow arrow;
+    arrow.origin = "glyphs.json: arrows[0]";
+    arrow.from = from;
+    arrow.to = to;
+    return arrow;
+}
+
+Frame makeFrame(const Vector3<double>& point, const Quaternion<double>& rotation)
+{
+    Frame frame;
+    frame.origin = "glyphs.json: frames[0]";
+    frame.point = point;
+    frame.rotation = rotation;
+    return frame;
+}
+
+Helix helixAt(double x, double radius = 1, int points = 8)
+{
+    return {Vector3<double>(x, 0, 0), radius, 0.3, 0.5, points};
+}
+
+// One of each, or as they are a little later.
+Configuration oneOfEach(double time = 0)
+{
+    Configuration data;
+    data.rods = {makeRod(helixAt(time, 1 + time), "rods.txt:1: rod 1")};
+    data.birods = {makeBirod(helixAt(4, 1 + time), "ladder.json: birods[0]")};
+    data.dnas = {makeDna(helixAt(8 + time), time > 0 ? "CGTA" : "ACG", "dna.txt:1: DNA 1")};
+    data.markers = {makeMarker({-3, time, 0}, time > 0 ? "blue" : "red", time > 0 ? 8 : 7)};
+    data.arrows = {makeArrow({-3, -3, 0}, {-1, -3 + time, time})};
+    data.frames = {
+        makeFrame({-5, 2, time}, Quaternion<double>(0, 0, std::sin(time), std::cos(time)))};
+    return data;
+}
+
+void setScalar(Rod& rod, const std::function<double(double)>& value)
+{
+    Scalar scalar{"k", {}};
+    for (std::size_t i = 0; i < rod.points.size(); ++i)
+        scalar.values.push_back(value(double(i) / double(rod.points.size() - 1)));
+    rod.scalars = {scalar};
+}
+
+class SceneUpdateTest : public testing::Test
+{
+protected:
+    SceneUpdateTest()
+    {
+        initialiseSceneOnce();
+        OffscreenContext::install();
+    }
+    ~SceneUpdateTest() override
+    {
+        if (scene)
+            scene->unref();
+    }
+
+    void build(const Configuration& first)
+    {
+        if (options.colourBy) {
+            ReadReport report;
+            colouring = makeColouring(options, first, report);
+            ASSERT_TRUE(colouring) << report.error;
+        }
+        std::string error;
+        StoppingAt never;
+        scene = buildScene(first, makeStyle(options, first), colouring ? &*colouring : nullptr,
+                           never, error);
+        ASSERT_NE(scene, nullptr) << error;
+        scene->ref();
+    }
+
+    std::string update(const Configuration& next)
+    {
+        StoppingAt never;
+        return updateScene(*scene, next, never);
+    }
+
+    // A new scene of a frame on the terms of the first one; with a reference.
+    DataScene* buildAnew(const Configuration& frame)
+    {
+        const Style& style = scene->getStyle();
+        StoppingAt never;
+        std::string error;
+        SceneGeometry geometry = computeGeometry(frame, style, scene->getPlacement(), never, error);
+        EXPECT_EQ(error, "");
+        std::optional<Colouring> followed;
+        if (colouring)
+            followed = followColouring(*colouring, frame);
+        DataScene* anew = buildScene(frame, style, followed ? &*followed : nullptr,
+                                     std::move(geometry), never, error);
+        EXPECT_NE(anew, nullptr) << error;
+        if (anew)
+            anew->ref();
+        return anew;
+    }
+
+    // Of the whole box, from above.
+    ::Picture render(DataScene* shown, const SbBox3f& box)
+    {
+        auto* camera = new SoOrthographicCamera;
+        camera->position = box.getCenter() + SbVec3f(0, 0, box.getSize().length());
+        camera->height = 1.1f * std::max(box.getSize()[0], box.getSize()[1]);
+        camera->nearDistance = 0;
+        camera->farDistance = 2 * box.getSize().length();
+        auto* root = new SoSeparator;
+        root->ref();
+        root->addChild(camera);
+        root->addChild(shown);
+        const ::Picture picture = renderPicture(renderer, root);
+        root->unref();
+        return picture;
+    }
+
+    // The scene shows the frame as a new scene of it does, pixel for pixel.
+    void expectShows(const Configuration& frame)
+    {
+        DataScene* anew = buildAnew(frame);
+        ASSERT_NE(anew, nullptr);
+        anew->showColours(scene->areColoursShown());
+        for (std::size_t kind = 0; kind < KINDS; ++kind) {
+            ASSERT_EQ(scene->getShown(kind).size(), anew->getShown(kind).size()) << kind;
+            for (std::size_t i = 0; i < anew->getShown(kind).size(); ++i) {
+                EXPECT_EQ(scene->getShown(kind)[i].name, anew->getShown(kind)[i].name);
+                EXPECT_EQ(scene->getShown(kind)[i].box, anew->getShown(kind)[i].box);
+            }
+        }
+        EXPECT_EQ(scene->getBox(), anew->getBox());
+        const SbBox3f box = anew->getBox();
+        if (!box.isEmpty()) {
+            const Difference difference = compare(render(scene, box), render(anew, box));
+            EXPECT_GT(difference.covered, 100);
+            EXPECT_EQ(difference.pixels, 0) << difference;
+        }
+        anew->unref();
+    }
+
+    std::set<const SoNode*> allNodes()
+    {
+        SoSearchAction search;
+        search.setType(SoNode::getClassTypeId());
+        search.setInterest(SoSearchAction::ALL);
+        search.setSearchingAll(TRUE);
+        search.apply(scene);
+        std::set<const SoNode*> nodes;
+        for (int i = 0; i < search.getPaths().getLength(); ++i)
+            nodes.insert(search.getPaths()[i]->getTail());
+        return nodes;
+    }
+
+    // What is told of what a ray from above through x and y hits; empty if nothing.
+    std::string describe(float x, float y)
+    {
+        SoRayPickAction pick(SbViewportRegion(100, 100));
+        pick.setRay(SbVec3f(x, y, 1000), SbVec3f(0, 0, -1));
+        pick.apply(scene);
+        const SoPickedPoint* point = pick.getPickedPoint();
+        return point ? toLine(scene->describe(*point)) : "";
+    }
+
+    Options options;
+    std::optional<Colouring> colouring;
+    DataScene* scene = nullptr;
+    SoOffscreenRenderer renderer{SbViewportRegion(160, 120)};
+};
+
+TEST_F(SceneUpdateTest, ShowsTheNextFrameAsANewSceneDoes)
+{
+    build(oneOfEach());
+    for (const double time : {0.2, 0.5, 0.0}) {
+        SCOPED_TRACE(time);
+        ASSERT_EQ(update(oneOfEach(time)), "");
+        expectShows(oneOfEach(time));
+    }
+}
+
+TEST_F(SceneUpdateTest, KeepsTheNodesOfDataThatStay)
+{
+    build(oneOfEach());
+    std::vector<std::pair<SoSeparator*, SoNode*>> before;
+    for (std::size_t kind = 0; kind < KINDS; ++kind) {
+        ASSERT_EQ(scene->getShown(kind).size(), 1u);
+        before.emplace_back(scene->getShown(kind)[0].group, scene->getShown(kind)[0].node);
+    }
+    ASSERT_EQ(update(oneOfEach(0.3)), "");
+    for (std::size_t kind = 0; kind < KINDS; ++kind) {
+        EXPECT_EQ(scene->getShown(kind)[0].group, before[kind].first) << kind;
+        EXPECT_EQ(scene->getShown(kind)[0].node, before[kind].second) << kind;
+    }
+    EXPECT_EQ(scene->getShown(RODS)[0].node->getTypeId(), SoRod::getClassTypeId());
+    EXPECT_EQ(scene->getShown(BIRODS)[0].node->getTypeId(), SoBirod::getClassTypeId());
+}
+
+TEST_F(SceneUpdateTest, OfRodsMakesNoNodeAtAll)
+{
+    options.colourBy = "k";
+    Configuration first;
+    for (int i = 0; i < 5; ++i) {
+        first.rods.push_back(makeRod(helixAt(3 * i), "rod"));
+        setScalar(first.rods.back(), [](double t) { return t; });
+    }
+    Configuration next = first;
+    for (Rod& rod : next.rods) {
+        rod.points[3].x += 0.2;
+        setScalar(rod, [](double t) { return t * t; });
+    }
+    build(first);
+    const std::set<const SoNode*> before = allNodes();
+    EXPECT_GT(before.size(), 5u * 6u);
+    ASSERT_EQ(update(next), "");
+    EXPECT_EQ(allNodes(), before);
+    expectShows(next);
+}
+
+TEST_F(SceneUpdateTest, AddsWhatAppearsAndDropsWhatWent)
+{
+    Configuration more = oneOfEach();
+    more.rods.push_back(makeRod(helixAt(-4, 0.7), "rods.txt:1: rod 2"));
+    more.birods.push_back(makeBirod(helixAt(0), "ladder.json: birods[1]"));
+    more.dnas.push_back(makeDna(helixAt(-12), "TTT", "dna.txt:2: DNA 2"));
+    more.markers.push_back(makeMarker({2, 2, 2}, "green", 12));
+    more.arrows.push_back(makeArrow({0, 0, 5}, {3, 3, 5}));
+    more.frames.push_back(makeFrame({1, -4, 0}, Quaternion<double>()));
+    build(oneOfEach());
+    SoNode* const rod = scene->getShown(RODS)[0].node;
+    ASSERT_EQ(update(more), "");
+    expectShows(more);
+    EXPECT_EQ(scene->getShown(RODS)[0].node, rod);
+    ASSERT_EQ(update(Configuration()), "");
+    expectShows(Configuration());
+    ASSERT_EQ(update(more), "");
+    expectShows(more);
+    SoNode* const again = scene->getShown(RODS)[0].node;
+    ASSERT_EQ(update(oneOfEach(0.1)), "");
+    expectShows(oneOfEach(0.1));
+    EXPECT_EQ(scene->getShown(RODS)[0].node, again);
+}
+
+TEST_F(SceneUpdateTest, TubesOfBirodsFollowTheColoursOfAsManyRodsAsThereAre)
+{
+    Configuration data = oneOfEach();
+    build(data);
+    data.rods.push_back(makeRod(helixAt(-4, 0.7), "rods.txt:1: rod 2"));
+    ASSERT_EQ(update(data), "");
+    expectShows(data);
+}
+
+TEST_F(SceneUpdateTest, LeavesPlacementStyleAndSideAlone)
+{
+    // Moved to the origin, and enlarged.
+    Configuration first, next;
+    Helix helix = helixAt(0);
+    helix.centre = {1e4, 0, 0};
+    first.rods = {makeRod(helix, "rod")};
+    helix.centre = {1e4 + 1, 2, 30};
+    next.rods = {makeRod(helix, "rod")};
+    build(first);
+    const Placement placement = scene->getPlacement();
+    ASSERT_NE(placement.origin.x, 0);
+    const double radius = static_cast<SoRod*>(scene->getShown(RODS)[0].node)->getTubeRadius();
+    const std::optional<Side> side = scene->settle({}).side;
+    ASSERT_EQ(update(next), "");
+    EXPECT_EQ((scene->getPlacement().origin - placement.origin).getNorm(), 0);
+    EXPECT_EQ(scene->getPlacement().scale, placement.scale);
+    EXPECT_EQ(static_cast<SoRod*>(scene->getShown(RODS)[0].node)->getTubeRadius(), radius);
+    EXPECT_EQ(scene->settle({}).side, side);
+    expectShows(next);
+}
+
+TEST_F(SceneUpdateTest, TouchesNoCameraBesideTheScene)
+{
+    build(oneOfEach());
+    auto* root = new SoSeparator;
+    root->ref();
+    auto* camera = new SoOrthographicCamera;
+    root->addChild(camera);
+    root->addChild(scene);
+    const auto before = camera->getNodeId();
+    const auto ofScene = scene->getNodeId();
+    ASSERT_EQ(update(oneOfEach(0.4)), "");
+    EXPECT_EQ(camera->getNodeId(), before);
+    EXPECT_NE(scene->getNodeId(), ofScene) << "the window is told to draw again";
+    root->unref();
+}
+
+TEST_F(SceneUpdateTest, PicksAreToldByTheNamesAndPlacesOfTheNewFrame)
+{
+    Configuration first, next;
+    first.markers = {makeMarker({0, 0, 0}, "red", 7), makeMarker({20, 0, 0}, "red", 8)};
+    build(first);
+    EXPECT_THAT(describe(0, 0), EndsWith("glyphs.json: markers[0]: id 7"));
+    next.markers = {makeMarker({40, 0, 0}, "red", 9)};
+    ASSERT_EQ(update(next), "");
+    EXPECT_EQ(describe(0, 0), "");
+    EXPECT_EQ(describe(20, 0), "");
+    EXPECT_THAT(describe(40, 0), StartsWith("point 40 0 "));
+    EXPECT_THAT(describe(40, 0), EndsWith("glyphs.json: markers[0]: id 9"));
+}
+
+// A frame that cannot be shown, and the line about it.
+struct Refused
+{
+    std::string name;
+    std::function<void(Configuration&)> spoil;
+    std::string error;
+};
+
+void PrintTo(const Refused& refused, std::ostream* stream) { *stream << refused.name; }
+
+class RefusedFrameTest : public SceneUpdateTest, public testing::WithParamInterface<Refused>
+{
+};
+
+TEST_P(RefusedFrameTest, LeavesTheSceneAsItWas)
+{
+    const Configuration first = oneOfEach();
+    build(first);
+    const auto id = scene->getNodeId();
+    Configuration next = oneOfEach(0.5);
+    next.rods.push_back(next.rods[0]);
+    GetParam().spoil(next);
+    EXPECT_THAT(update(next), StartsWith(GetParam().error));
+    EXPECT_EQ(scene->getNodeId(), id) << "nothing below it was changed";
+    expectShows(first);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    , RefusedFrameTest,
+    testing::Values(
+        Refused{"MarkersColour", [](Configuration& data) { data.markers[0].colour = "bluish"; },
+                "glyphs.json: markers[0].colour: found 'bluish', expected #rrggbb"},
+        Refused{"ArrowsColour", [](Configuration& data) { data.arrows[0].colour = "#12"; },
+                "glyphs.json: arrows[0].colour: found '#12', expected #rrggbb"},
+        Refused{"Rod", [](Configuration& data) { data.rods[0].points[2] = data.rods[0].points[0]; },
+                "rods.txt:1: rod 1.points[1]: found edges that turn straight back"},
+        Refused{"Birod",
+                [](Configuration& data) { data.birods[0].points2[2] = data.birods[0].points2[0]; },
+                "ladder.json: birods[0].strand2.points[1]: found edges that turn straight back"},
+        Refused{"Marker", [](Configuration& data) { data.markers[0].point.x = 1e25; },
+                "found a scene that is 1e+25 across, expected at most 1e+19"},
+        Refused{"MarkersSize", [](Configuration& data) { data.markers[0].size = 1e25; },
+                "found a scene that is 2e+25 across, expected at most 1e+19"},
+        Refused{"Arrow", [](Configuration& data) { data.arrows[0].to.y = -1e25; },
+                "found a scene that is 1e+25 across, expected at most 1e+19"},
+        Refused{"Frame", [](Configuration& data) { data.frames[0].size = 1e25; },
+                "found a scene that is 2.2e+25 across, expected at most 1e+19"},
+        Refused{"Dna", [](Configuration& data) { data.dnas[0].points1[1].z = 1e25; },
+                "found a scene that is 1e+25 across, expected at most 1e+19"},
+        Refused{"NewArrow",
+                [](Configuration& data) {
+                    data.arrows.push_back(makeArrow({0, 0, 0}, {0, 0, 1e25}));
+                },
+                "found a scene that is 1e+25 across, expected at most 1e+19"},
+        Refused{"LongRod",
+                [](Configuration& data) {
+                    data.rods[0] = makeRod(helixAt(0, 1, 1000000), "rods.txt:1: rod 1");
+                },
+                "found 1056"}),
+    [](const auto& test) { return test.param.name; });
+
+TEST_F(SceneUpdateTest, StoppedAnywhereItLeavesTheSceneAsItWas)
+{
+    const Configuration first = oneOfEach();
+    build(first);
+    const auto id = scene->getNodeId();
+    Configuration next = oneOfEach(0.5);
+    next.dnas.push_back(next.dnas[0]);
+    // Geometry of a rod and a birod, then all seven.
+    for (int i = 1; i <= 9; ++i) {
+        StoppingAt progress(i);
+        EXPECT_EQ(updateScene(*scene, next, progress), "building the scene was stopped") << i;
+        EXPECT_EQ(scene->getNodeId(), id) << i;
+    }
+    StoppingAt progress(10);
+    EXPECT_EQ(updateScene(*scene, next, progress), "");
+    expectShows(next);
+}
+
+TEST_F(SceneUpdateTest, ColoursFollowTheScalarOnTheRangeOfTheFirstFrame)
+{
+    options.colourBy = "k";
+    Configuration first, next;
+    first.rods = {makeRod(helixAt(0), "rod"), makeRod(helixAt(4), "rod")};
+    for (Rod& rod : first.rods)
+        setScalar(rod, [](double t) { return 10 * t; });
+    build(first);
+    next = first;
+    setScalar(next.rods[0], [](double t) { return 5 + 2 * t; });
+    ASSERT_EQ(update(next), "");
+    expectShows(next);
+    EXPECT_EQ(scene->getColouring()->min, 0);
+    EXPECT_EQ(scene->getColouring()->max, 10);
+    EXPECT_FALSE(scene->getColouring()->isAbove);
+
+    // Beyond the ends, which the legend tells; and fewer points than before.
+    next.rods[0] = makeRod(helixAt(0, 1, 4), "rod");
+    setScalar(next.rods[0], [](double t) { return 30 * t; });
+    ASSERT_EQ(update(next), "");
+    expectShows(next);
+    EXPECT_TRUE(scene->getColouring()->isAbove);
+
+    // A rod without it is in its own colours, and has colours of data again later.
+    next.rods[1].scalars.clear();
+    ASSERT_EQ(update(next), "");
+    expectShows(next);
+    EXPECT_EQ(scene->getShown(RODS)[1].colours, nullptr);
+    ASSERT_EQ(update(first), "");
+    expectShows(first);
+    EXPECT_NE(scene->getShown(RODS)[1].colours, nullptr);
+    EXPECT_FALSE(scene->getColouring()->isAbove);
+}
+
+TEST_F(SceneUpdateTest, ColoursThatAreNotShownAreThereWhenTheyAre)
+{
+    options.colourBy = "k";
+    Configuration first, next;
+    first.rods = {makeRod(helixAt(0), "rod")};
+    setScalar(first.rods[0], [](double t) { return t; });
+    next.rods = {makeRod(helixAt(0, 1.2), "rod"), makeRod(helixAt(4), "rod")};
+    for (Rod& rod : next.rods)
+        setScalar(rod, [](double t) { return t * t; });
+    build(first);
+    scene->showColours(false);
+    ASSERT_EQ(update(next), "");
+    expectShows(next);
+    scene->showColours(true);
+    expectShows(next);
+}
+
+TEST_F(SceneUpdateTest, OfAConstantOtherNumbersAreBeyondItsEnds)
+{
+    options.colourBy = "k";
+    Configuration data;
+    data.rods = {makeRod(helixAt(0), "rod")};
+    setScalar(data.rods[0], [](double) { return 3; });
+    build(data);
+    ASSERT_EQ(colouring->constant, "3");
+    setScalar(data.rods[0], [](double t) { return t < 0.4 ? 3 : 4; });
+    ASSERT_EQ(update(data), "");
+    expectShows(data);
+    EXPECT_TRUE(scene->getColouring()->isAbove);
+    EXPECT_FALSE(scene->getColouring()->isBelow);
+    EXPECT_EQ(scene->getColouring()->constant, "3");
+}
+
+TEST_F(SceneUpdateTest, TheLegendKeepsTheBackgroundThatItIsReadOn)
+{
+    options.colourBy = "k";
+    Configuration data;
+    data.rods = {makeRod(helixAt(0), "rod")};
+    setScalar(data.rods[0], [](double t) { return t; });
+    build(data);
+    scene->setBackground({0, 0, 0});
+    setScalar(data.rods[0], [](double t) { return 2 * t; }); // a new legend
+    ASSERT_EQ(update(data), "");
+    expectShows(data);
+}
+
+// A frame of up to three of each kind.
+Configuration randomFrame(RandomNumbers& random)
+{
+    const auto point = [&random] {
+        return Vector3<double>(random.uniform(-8, 8), random.uniform(-8, 8), random.uniform(-3, 3));
+    };
+    const auto helix = [&] {
+        return Helix{point(), random.uniform(0.5, 2), random.uniform(0, 6),
+                     random.uniform(0.2, 0.7), random.integer(2, 12)};
+    };
+    const auto repeat = [&random](auto make, auto& all) {
+        for (int count = random.integer(0, 3); count > 0; --count)
+            all.push_back(make());
+    };
+    const auto number = [&random] { return std::to_string(random.integer(0, 99)); };
+    Configuration data;
+    repeat(
+        [&] {
+            Rod rod = makeRod(helix(), "rod " + number());
+            rod.hasFrames = random.integer(0, 2) > 0;
+            if (random.integer(0, 3) > 0)
+                setScalar(rod, [&](double) { return random.uniform(-0.5, 1.5); });
+            return rod;
+        },
+        data.rods);
+    repeat([&] { return makeBirod(helix(), "birod " + number()); }, data.birods);
+    repeat(
+        [&] {
+            Helix axis = helix();
+            axis.points = 12;
+            std::string bases;
+            for (int count = random.integer(1, 4); count > 0; --count)
+                bases += "ACGT"[random.integer(0, 3)];
+            return makeDna(axis, bases, "DNA " + number());
+        },
+        data.dnas);
+    repeat(
+        [&] {
+            const char* const colours[] = {"red", "#00f", "teal"};
+            Marker marker =
+                makeMarker(point(), colours[random.integer(0, 2)], random.integer(0, 9));
+            marker.shape = Marker::Shape(random.integer(0, 2));
+            marker.transparency = random.integer(0, 1) * 0.5;
+            if (random.integer(0, 1) == 1)
+                marker.size = random.uniform(0.2, 2);
+            return marker;
+        },
+        data.markers);
+    repeat(
+        [&] {
+            const Vector3<double> from = point();
+            Arrow arrow = makeArrow(from, random.integer(0, 5) == 0 ? from : point());
+            if (random.integer(0, 1) == 1)
+                arrow.radius = random.uniform(0.1, 0.4);
+            if (random.integer(0, 1) == 1)
+                arrow.colour = "orange";
+            return arrow;
+        },
+        data.arrows);
+    repeat([&] { return makeFrame(point(), random.unitQuaternion()); }, data.frames);
+    return data;
+}
+
+TEST_F(SceneUpdateTest, AnySequenceOfFramesShowsWhatNewScenesShow)
+{
+    options.dna.baseBoxes = true;
+    for (unsigned seed = 1; seed <= 6; ++seed) {
+        SCOPED_TRACE(seed);
+        RandomNumbers random(seed);
+        Configuration first = randomFrame(random);
+        first.rods.push_back(makeRod(helixAt(0), "rod"));
+        setScalar(first.rods.back(), [](double t) { return t; });
+        options.colourBy = seed % 2 == 0 ? std::optional<std::string>("k") : std::nullopt;
+        options.dna.pairBoxes = seed % 3 == 0;
+        colouring.reset();
+        build(first);
+        for (int i = 0; i < 5; ++i) {
+            SCOPED_TRACE(i);
+            const Configuration next = randomFrame(random);
+            ASSERT_EQ(update(next), "");
+            expectShows(next);
+        }
+        scene->unref();
+        scene = nullptr;
+    }
+}
+
+} // namespace
+
+} // namespace strandview

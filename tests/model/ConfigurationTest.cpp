@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <strandview/model/Configuration.h>
+
+#include <string>
+
+#include <gtest/gtest.h>
+
+namespace strandview {
+
+namespace {
+
+// One of each kind, with an origin that tells which.
+Configuration oneOfEach(const std::string& name)
+{
+    Configuration all;
+    all.rods.resize(1);
+    all.birods.resize(1);
+    all.dnas.resize(1);
+    all.markers.resize(1);
+    all.frames.resize(1);
+    all.arrows.resize(1);
+    all.rods[0].origin = name + " rod";
+    all.birods[0].origin = name + " birod";
+    all.dnas[0].origin = name + " DNA";
+    all.markers[0].origin = name + " marker";
+    all.frames[0].origin = name + " frame";
+    all.arrows[0].origin = name + " arrow";
+    return all;
+}
+
+template <typename Item>
+void expectOrigins(const std::vector<Item>& items, const std::string& kind)
+{
+    ASSERT_EQ(items.size(), 2u) << kind;
+    EXPECT_EQ(items[0].origin, "first " + kind);
+    EXPECT_EQ(items[1].origin, "second " + kind);
+}
+
+TEST(Configuration, AppendsEachKindBehindItsOwn)
+{
+    Configuration all = oneOfEach("first"), more = oneOfEach("second");
+    append(all, std::move(more));
+    expectOrigins(all.rods, "rod");
+    expectOrigins(all.birods, "birod");
+    expectOrigins(all.dnas, "DNA");
+    expectOrigins(all.markers, "marker");
+    expectOrigins(all.frames, "frame");
+    expectOrigins(all.arrows, "arrow");
+}
+
+} // namespace
+
+} // namespace strandview
