@@ -12,8 +12,8 @@
 #include "scene/Progress.h"
 #include "scene/SceneBuilder.h"
 #include "scene/SceneLoader.h"
-#include "window/MainWindow.h"
 #include "window/checkDisplay.h"
+#include "window/runWindow.h"
 
 namespace strandview {
 

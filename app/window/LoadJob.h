@@ -33,6 +33,9 @@ public:
     using Loader = std::function<SceneMaker(const std::vector<std::string>& files,
                                             ReadReport& report, Progress& progress)>;
 
+    /// What is loaded sooner is shown without a word about loading it.
+    static constexpr std::chrono::milliseconds PATIENCE{200};
+
     /// Begins at once. finished() comes when events are processed, not before.
     LoadJob(const std::vector<std::string>& files, const Loader& loader);
     /// Stops it, and waits for the thread.

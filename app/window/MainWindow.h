@@ -15,23 +15,20 @@
 
 #include "request/Options.h"
 #include "window/LoadJob.h"
+#include "window/actions.h"
 
-class QAction;
 class QLabel;
-class QMenu;
-class QToolBar;
 
 namespace strandview {
 
 class DataScene;
 class LoadBar;
+class Menus;
 class StatusText;
-
-/// Prepares Qt, Coin and SoQt for windows; before any node is made.
-void initialiseWindows(const char* programName);
+class WindowViewer;
 
 /// The program's window: the viewer with a menu, a tool bar, and a status bar that shows
-/// the zoom and what was picked. Its menu reaches everything that the keys do.
+/// the zoom and what was picked. Menus, tool bar and keys are those of actions().
 class MainWindow : public SoQtGeneralViewerDialog
 {
     Q_OBJECT
@@ -48,8 +45,6 @@ public:
     /// the options ask for, or that of the present one.
     void showScene(DataScene* scene, const std::vector<std::string>& files,
                    CameraChoice choice = NEW_CAMERA);
-    /// Puts the files at the top of those to open again.
-    static void rememberFiles(const QStringList& files);
     CameraNumbers getCameraNumbers() const;
     bool hasScene() const;
     /// Acts once, as soon as the screen shows a whole frame that was drawn after this call.
@@ -107,21 +102,13 @@ protected:
     void dropEvent(QDropEvent* event) override;
 
 private:
-    class Viewer;
-
     void buildMenus();
-    void buildFileMenu(QMenu& menu);
-    void buildViewMenu(QMenu& menu);
-    void buildLookMenu(QMenu& menu);
-    void buildHelpMenu(QMenu& menu);
-    /// An entry that does what a key of the viewer does.
-    QAction* addKeyAction(QMenu& menu, const QString& text, const QString& keyName, int key,
-                          Qt::KeyboardModifier modifier = Qt::NoModifier);
-    QAction* addKeySwitch(QMenu& menu, const QString& text, const QString& keyName, int key,
-                          Qt::KeyboardModifier modifier = Qt::NoModifier);
-    void pressKey(int key, Qt::KeyboardModifier modifier = Qt::NoModifier);
+    /// What the view is in.
+    QWidget* buildView();
+    void buildStatusBar();
+    void perform(const Deed& deed, bool on);
+    void command(Command command, bool on);
 
-    void updateRecentMenu();
     /// Where the first of the shown files is; empty for none.
     QString folderOfFiles() const;
     void prepareDialogs();
@@ -141,39 +128,19 @@ private:
 
     Options options;
     Loader loader;
-    std::unique_ptr<Viewer> ownedViewer;
+    std::unique_ptr<WindowViewer> ownedViewer;
     std::unique_ptr<QObject> screenFitter;
     DataScene* scene = nullptr; // kept by the viewer
     std::vector<std::string> shownFiles;
     std::optional<CameraNumbers> fitted;
-    CameraRequest home;           ///< where the scene is seen from at the beginning
     std::unique_ptr<LoadJob> job; // at work, else null
 
-    QToolBar* tools = nullptr;
+    std::unique_ptr<Menus> menus;
     StatusText* statusText = nullptr;
     QLabel* modeLabel = nullptr; // turning or picking
     LoadBar* loadBar = nullptr;
-    QAction* stopAction = nullptr;
-    QMenu* recentMenu = nullptr;
     QString screenshotFolder = "./"; // as the dialog comes
-    QAction* perspectiveAction = nullptr;
-    QAction* fullScreenAction = nullptr;
-    // Ticked as the viewer is, whoever changed it.
-    QAction* boxesAction = nullptr;
-    QAction* framesAction = nullptr;
-    QAction* wheelsAction = nullptr;
-    QAction* pickingAction = nullptr;
-    QAction* coloursAction = nullptr;
-    std::vector<QAction*> sceneActions; // that need a scene
 };
-
-/// Loads the options' files, if there are any, and shows them until the user closes the window;
-/// by a loader of their own if there is a first one. What is there soon is
-/// shown at once, and what is refused soon never opens a window; a later refusal closes it: both
-/// give report.error. Notices go to standard error. Returns one line that says what failed of the
-/// window itself, or nothing.
-std::string runWindow(const Options& options, const MainWindow::Loader& loader, ReadReport& report,
-                      const MainWindow::Loader& first = nullptr);
 
 } // namespace strandview
 

@@ -26,6 +26,7 @@
 #include "support/runProgram.h"
 #include "window/MainWindow.h"
 #include "window/checkDisplay.h"
+#include "window/runWindow.h"
 
 namespace strandview {
 

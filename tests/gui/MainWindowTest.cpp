@@ -28,6 +28,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPixmap>
@@ -51,9 +52,10 @@
 #include "scene/SceneLoader.h"
 #include "support/runProgram.h"
 #include "window/AxisCross.h"
-#include "window/Keys.h"
 #include "window/StatusText.h"
+#include "window/actions.h"
 #include "window/checkDisplay.h"
+#include "window/runWindow.h"
 
 namespace strandview {
 
@@ -1468,6 +1470,188 @@ TEST_F(MainWindowTest, TheBackgroundKeyChangesBetweenWhiteAndBlackAndTheMenuAgai
     EXPECT_TRUE(comesToShow(corner(Qt::black)));
     action("White or black background")->trigger();
     EXPECT_TRUE(comesToShow(corner(Qt::white)));
+}
+
+// The whole table of actions, in a real window.
+
+class ActionsTest : public MainWindowTest
+{
+protected:
+    class OpenWindow : public MainWindow
+    {
+    public:
+        using MainWindow::MainWindow;
+        using MainWindow::viewer;
+    };
+
+    static void SetUpTestSuite()
+    {
+        if (SoQtGeneralViewer::getClassTypeId().isBad()) // no other suite was before
+            MainWindowTest::SetUpTestSuite();
+    }
+
+    void SetUp() override { openAnew(); }
+
+    void openAnew()
+    {
+        auto made = std::make_unique<OpenWindow>(options, loader());
+        opened = made.get();
+        window = std::move(made);
+        window->show();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+        reset();
+    }
+
+    // A fresh scene in the window as it was.
+    void reset()
+    {
+        opened->viewer->setDecoration(FALSE); // before the scene is fitted
+        ReadReport report;
+        const std::string file = write("straight.txt", STRAIGHT);
+        scene = loadScene({file}, options, report);
+        window->showScene(scene, {file});
+        opened->viewer->stepCamera(SoQtGeneralViewer::ORBIT_VERTICALLY);
+        opened->viewer->stepCamera(SoQtGeneralViewer::ORBIT_HORIZONTALLY);
+        opened->viewer->changeLineWidth(1);
+        opened->viewer->setWhiteBackground(true);
+        opened->viewer->setViewing(TRUE);
+        qunsetenv("COIN_SHOW_FPS_COUNTER");
+        window->update3DZoom();
+    }
+
+    // Of all that the viewer's keys change.
+    std::string state() const
+    {
+        std::ostringstream text;
+        text << formatCamera(window->getCameraNumbers()) << " shading " << scene->getShading()
+             << " boxes " << scene->isShowingBoundingBoxes() << " lines " << scene->getLineWidth()
+             << " background " << opened->viewer->getBackgroundColor().getPackedValue()
+             << " wheels " << bool(opened->viewer->isDecoration()) << " turning "
+             << bool(opened->viewer->isViewing()) << " frames "
+             << SoQtGeneralViewer::isShowingFramesPerSecond() << " dialogs " << dialogs;
+        for (const auto* lights : window->findChildren<LightingDialog*>())
+            text << " lights " << lights->isVisible();
+        for (const QAction* entry : window->findChildren<QAction*>())
+            text << (entry->isChecked() ? '1' : '0');
+        text << " zoom " << zoomField()->text().toStdString();
+        return text.str();
+    }
+
+    // What the table calls by its text and keys.
+    QAction* entryOf(const Action& told) const
+    {
+        for (QAction* candidate : window->findChildren<QAction*>()) {
+            if (candidate->text().section('\t', 0, 0) == told.text &&
+                (candidate->text().section('\t', 1) == told.keys ||
+                 candidate->shortcut() == QKeySequence(told.keys)))
+                return candidate;
+        }
+        return nullptr;
+    }
+
+    void pressKeysOf(const Action& told) const
+    {
+        const int key = QKeySequence(told.keys)[0];
+        QTest::sendKeyEvent(QTest::Click, view(), Qt::Key(key & ~Qt::KeyboardModifierMask),
+                            QString(), Qt::KeyboardModifiers(key & Qt::KeyboardModifierMask));
+        QApplication::processEvents();
+    }
+
+    template <typename Try>
+    void tryEach(const Try& tryAction)
+    {
+        for (const ActionGroup& group : actions()) {
+            for (const Action& told : group.actions) {
+                if (!told.text)
+                    continue;
+                SCOPED_TRACE(std::string(group.title) + " " + told.text);
+                QAction* entry = entryOf(told);
+                ASSERT_TRUE(entry);
+                tryAction(told, *entry);
+            }
+        }
+    }
+
+    OpenWindow* opened = nullptr;
+    DataScene* scene = nullptr; // kept by the viewer
+    int dialogs = 0;            // that came up
+};
+
+TEST_F(ActionsTest, AllAreInTheMenusAndThoseOfTheToolBarThereAndNothingElse)
+{
+    int entries = 0, buttons = 0;
+    const auto* tools = window->findChild<QToolBar*>();
+    tryEach([&](const Action& told, QAction& entry) {
+        ++entries;
+        buttons += (told.traits & IN_TOOL_BAR) != 0;
+        EXPECT_EQ(entry.isCheckable(), (told.traits & CHECKABLE) != 0);
+        EXPECT_EQ(tools->actions().contains(&entry), (told.traits & IN_TOOL_BAR) != 0);
+    });
+    const auto countEntries = [](const QList<QAction*>& held) {
+        return std::count_if(held.begin(), held.end(), [](const QAction* one) {
+            return !one->isSeparator() && (!one->menu() || one->menu()->title() == "Open &recent");
+        });
+    };
+    EXPECT_EQ(countEntries(tools->actions()), buttons);
+    std::vector<std::string> texts;
+    for (const QAction* button : tools->actions()) {
+        if (!button->isSeparator())
+            texts.push_back(button->iconText().toStdString());
+    }
+    EXPECT_THAT(texts,
+                testing::ElementsAre("Open", "Save a picture", "View all", "From x", "From y",
+                                     "From z", "Perspective", "Draw style", "Lights", "About"));
+    int inMenus = 0;
+    for (const QMenu* menu : window->findChild<QMenuBar*>()->findChildren<QMenu*>())
+        inMenus += int(countEntries(menu->actions()));
+    EXPECT_EQ(inMenus, entries);
+}
+
+TEST_F(ActionsTest, EveryKeyOfTheViewDoesWhatItsEntryDoes)
+{
+    const Answers answers([this](QWidget&) { ++dialogs; });
+    int tried = 0;
+    tryEach([&](const Action& told, QAction& entry) {
+        if (!(told.traits & KEY_OF_VIEWER))
+            return;
+        ++tried;
+        const auto stateAfter = [&](const std::function<void()>& act) {
+            reset();
+            dialogs = 0;
+            act();
+            return state();
+        };
+        const std::string before = stateAfter([] {});
+        const std::string byEntry = stateAfter([&] { entry.trigger(); });
+        EXPECT_NE(byEntry, before);
+        EXPECT_EQ(stateAfter([&] { pressKeysOf(told); }), byEntry);
+    });
+    EXPECT_EQ(tried, 30);
+}
+
+TEST_F(ActionsTest, EveryOtherKeyTriggersItsEntryOnce)
+{
+    const Answers answers;
+    int tried = 0;
+    for (const ActionGroup& group : actions()) {
+        for (const Action& told : group.actions) {
+            if (!told.text || !*told.keys || (told.traits & KEY_OF_VIEWER))
+                continue;
+            SCOPED_TRACE(told.text);
+            ++tried;
+            openAnew(); // what the last one did may be a dialog, or have closed it
+            QAction* entry = entryOf(told);
+            ASSERT_TRUE(entry);
+            entry->setEnabled(true); // to stop loading, too
+            int triggered = 0;
+            QObject::connect(entry, &QAction::triggered, [&] { ++triggered; });
+            pressKeysOf(told);
+            EXPECT_EQ(triggered, 1);
+            waitUntilLoaded();
+            entry->disconnect();
+        }
+    }
+    EXPECT_EQ(tried, 19);
 }
 
 TEST_F(MainWindowTest, EveryKeyThatTheViewKnowsStandsOnTheHelpPage)

@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_APP_WINDOW_WINDOWVIEWER_H
+#define STRANDVIEW_APP_WINDOW_WINDOWVIEWER_H
+
+#include <functional>
+
+#include <Inventor/sensors/SoFieldSensor.h>
+#include <QPointer>
+
+#include <SoQtGeneralViewer.h>
+
+#include "request/CameraRequest.h"
+#include "window/AxisCross.h"
+#include "window/FrameWaiter.h"
+
+namespace strandview {
+
+/// The window's viewer: it lets the window see the size that pictures take, what is clicked and
+/// when a frame is drawn, leaves the home to it, and shows axes of its own.
+class WindowViewer : public SoQtGeneralViewer
+{
+public:
+    explicit WindowViewer(QWidget* parent);
+
+    // What the window is told; each may be empty
+    std::function<void()> onHome;  ///< instead of SoQt's return to its home
+    std::function<void()> onDrawn; ///< once, after the next frame
+    std::function<void()> onMiss;  ///< after a click beside everything
+    std::function<void()> onMode;  ///< after a change between turning and picking
+
+    CameraRequest home;     ///< where the scene is seen from at the beginning
+    bool hasPicked = false; ///< in the event that is being processed; whoever picks says so
+    AxisCross axes;
+    QPointer<FrameWaiter> frameWaiter;
+
+    using SoQtGeneralViewer::getGLSize;
+    using SoQtGeneralViewer::setSceneGraph;
+
+    /// The home stays, and a perspective camera is in front of everything.
+    void setCameraType(SoType type) override;
+    void saveHomePosition() override;
+    void resetToHomePosition() override;
+    /// With the axes.
+    void setSceneGraph(SoNode* root) override;
+    void setCamera(SoCamera* camera) override;
+    void setViewing(SbBool viewing) override;
+
+protected:
+    SbBool processSoEvent(const SoEvent* event) override;
+    void actualRedraw() override;
+    void sizeChanged(const SbVec2s& size) override;
+
+private:
+    static void turnAxes(void* viewer, SoSensor* sensor);
+    bool isPick(const SoEvent* event) const;
+
+    SoFieldSensor cameraWatcher{turnAxes, this};
+};
+
+} // namespace strandview
+
+#endif

@@ -1,0 +1,221 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "window/actions.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace strandview {
+
+namespace {
+
+using V = SoQtGeneralViewer;
+
+const char* const MOVE = "&Move";
+const char* const ZOOM = "&Zoom";
+const char* const TURN = "&Turn";
+const char* const FROM_HERE = "From where it &is";
+
+// A step of the camera: the viewer has a key for each.
+Action step(const char* submenu, const char* text, const char* keys, V::CameraStep deed,
+            const char* help = nullptr)
+{
+    return {text, keys, help, deed, NEEDS_SCENE | KEY_OF_VIEWER, submenu};
+}
+
+ActionGroup mouse()
+{
+    return {"Mouse",
+            {{nullptr, "left button, drag", "turns the scene"},
+             {nullptr, "middle button, drag", "moves it"},
+             {nullptr, "wheel", "zooms"},
+             {nullptr, "right button, click", "tells point and arc length in the status bar"},
+             {nullptr, "Ctrl + left or right button, click",
+              "brings the point clicked to the middle"}}};
+}
+
+ActionGroup file()
+{
+    using C = Command;
+    return {
+        "&File",
+        {{"&Open...", "Ctrl+O", "opens files; they can also be dropped on the window", C::OPEN,
+          IN_TOOL_BAR},
+         {"Open &recent", "", nullptr, C::OPEN_RECENT, WITH_SUBMENU},
+         {"S&top loading", "Esc", "while files are loaded: stops that, and what was shown stays",
+          C::STOP_LOADING, 0, nullptr, "Stop"},
+         {"Read a&gain", "F5", "reads the files again, the camera stays", C::READ_AGAIN,
+          NEEDS_SCENE},
+         {"&Save a picture...", "Ctrl+P", "saves a picture of the view", C::SAVE_PICTURE,
+          NEEDS_SCENE | IN_TOOL_BAR | AFTER_A_LINE | BEFORE_TOOL_LINE},
+         {"S&creenshot...", "I", "saves a screenshot of any size", C::TAKE_SCREENSHOT,
+          NEEDS_SCENE | KEY_OF_VIEWER},
+         {"Copy c&amera", "Ctrl+K", "copies the camera, for --camera", C::COPY_CAMERA, NEEDS_SCENE},
+         {"Copy s&tatus text", "Ctrl+C", "copies what the status bar tells, all of it",
+          C::COPY_STATUS},
+         {"C&lose", "Ctrl+W", "closes the window", C::CLOSE, AFTER_A_LINE},
+         {"&Quit", "Ctrl+Q", nullptr, C::QUIT},
+         {nullptr, "Alt + F4", "closes it, too, where the desktop has that key"}}};
+}
+
+// Long, as the menu is.
+ActionGroup view()
+{
+    using C = Command;
+    return {
+        "&View",
+        {{"View &all", "V", "shows all", C::VIEW_ALL, NEEDS_SCENE | IN_TOOL_BAR},
+         // The viewer's own key is off while it picks.
+         {"As at the &beginning", "Home", "the camera of the beginning", C::GO_HOME, NEEDS_SCENE},
+         {"From x", "Ctrl+1", "seen from x, -x, y, -y, z, -z, all of it", Side::X,
+          NEEDS_SCENE | IN_TOOL_BAR | AFTER_A_LINE},
+         {"From -x", "Ctrl+2", nullptr, Side::MINUS_X, NEEDS_SCENE},
+         {"From y", "Ctrl+3", nullptr, Side::Y, NEEDS_SCENE | IN_TOOL_BAR},
+         {"From -y", "Ctrl+4", nullptr, Side::MINUS_Y, NEEDS_SCENE},
+         {"From z", "Ctrl+5", nullptr, Side::Z, NEEDS_SCENE | IN_TOOL_BAR},
+         {"From -z", "Ctrl+6", nullptr, Side::MINUS_Z, NEEDS_SCENE},
+         {"&Perspective", "P", "perspective or orthographic", C::SET_PERSPECTIVE,
+          NEEDS_SCENE | CHECKABLE | IN_TOOL_BAR | AFTER_A_LINE},
+         {"&Full screen", "F11", "full screen, and back", C::SET_FULL_SCREEN, CHECKABLE},
+         step(MOVE, "Left", "A", V::MOVE_LEFT, "left, right"),
+         step(MOVE, "Right", "D", V::MOVE_RIGHT),
+         step(MOVE, "Up", "W", V::MOVE_UP, "up, down"),
+         step(MOVE, "Down", "S", V::MOVE_DOWN),
+         step(MOVE, "Forward", "Q", V::MOVE_FORWARD,
+              "forward, backward; a parallel view stays the same"),
+         step(MOVE, "Backward", "E", V::MOVE_BACKWARD),
+         {nullptr, "arrows", "move the view by a tenth, too"},
+         step(ZOOM, "In", "Alt+W", V::ZOOM_IN, "zooms in, out"),
+         step(ZOOM, "Out", "Alt+S", V::ZOOM_OUT),
+         step(TURN, "About the horizontal axis", "Alt+D", V::ORBIT_HORIZONTALLY,
+              "orbits about the horizontal axis, and back"),
+         step(TURN, "And back", "Alt+A", V::ORBIT_HORIZONTALLY_BACK),
+         step(TURN, "About the vertical axis", "Ctrl+D", V::ORBIT_VERTICALLY,
+              "orbits about the vertical axis, and back"),
+         step(TURN, "And back", "Ctrl+A", V::ORBIT_VERTICALLY_BACK),
+         step(TURN, "About the viewing axis", "Shift+D", V::ROLL,
+              "turns about the viewing axis, and back"),
+         step(TURN, "And back", "Shift+A", V::ROLL_BACK),
+         step(FROM_HERE, "x, z up", "X", V::FROM_X_Z_UP, "seen from the side of x, y, z"),
+         step(FROM_HERE, "y, z up", "Y", V::FROM_Y_Z_UP),
+         step(FROM_HERE, "z, y up", "Z", V::FROM_Z_Y_UP),
+         step(FROM_HERE, "x, y up", "Shift+X", V::FROM_X_Y_UP, "the same with another axis up"),
+         step(FROM_HERE, "y, x up", "Shift+Y", V::FROM_Y_X_UP),
+         step(FROM_HERE, "z, x up", "Shift+Z", V::FROM_Z_X_UP)}};
+}
+
+ActionGroup look()
+{
+    using C = Command;
+    return {"&Look",
+            {{"Lit, plain, &wireframe", "Space", "lit, plain, wireframe", C::CYCLE_SHADING,
+              NEEDS_SCENE | IN_TOOL_BAR | KEY_OF_VIEWER, nullptr, "Draw style"},
+             {"&Lights...", "L", "lights", C::SET_LIGHTS, NEEDS_SCENE | IN_TOOL_BAR | KEY_OF_VIEWER,
+              nullptr, "Lights"},
+             {"Bounding &boxes", "Shift+Space", "shapes or their bounding boxes", C::TOGGLE_BOXES,
+              NEEDS_SCENE | CHECKABLE | KEY_OF_VIEWER},
+             {"&Colours of data", "", nullptr, C::SHOW_COLOURS, CHECKABLE},
+             {"&Thicker lines", "=", "thicker, thinner lines", C::THICKEN_LINES,
+              NEEDS_SCENE | KEY_OF_VIEWER},
+             {"Thi&nner lines", "-", nullptr, C::THIN_LINES, NEEDS_SCENE | KEY_OF_VIEWER},
+             {"White or black &background", "B", "white or black background", C::TOGGLE_BACKGROUND,
+              AFTER_A_LINE | KEY_OF_VIEWER},
+             {"A&xes in the corner", "", nullptr, C::SHOW_AXES, CHECKABLE},
+             {"&Frames per second", "F", "frames per second", C::TOGGLE_FRAMES,
+              CHECKABLE | KEY_OF_VIEWER},
+             {"W&heels and buttons", "Return", "shows or hides wheels and buttons",
+              C::TOGGLE_WHEELS, CHECKABLE | KEY_OF_VIEWER},
+             {"&Picking instead of turning", "Esc",
+              "turning, or picking: the left button tells, no drags", C::TOGGLE_PICKING,
+              CHECKABLE | KEY_OF_VIEWER}}};
+}
+
+ActionGroup help()
+{
+    return {
+        "&Help",
+        {{"&Keys", "F1", "this page", Command::SHOW_KEYS},
+         {"&About strandview", "", nullptr, Command::SHOW_ABOUT, IN_TOOL_BAR, nullptr, "About"}}};
+}
+
+std::string withoutMark(std::string title)
+{
+    title.erase(std::remove(title.begin(), title.end(), '&'), title.end());
+    return title;
+}
+
+// "Ctrl" and "O" of "Ctrl+O".
+std::pair<std::string, std::string> splitKey(const std::string& keys)
+{
+    const std::size_t plus = keys.rfind('+');
+    if (plus == std::string::npos || plus == 0)
+        return {"", keys};
+    return {keys.substr(0, plus), keys.substr(plus + 1)};
+}
+
+bool areDigitsInARow(const std::vector<std::string>& keys)
+{
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+        if (keys[i].size() != 1 || keys[i][0] < '0' || keys[i][0] > '9' ||
+            keys[i][0] != keys[0][0] + int(i))
+            return false;
+    }
+    return keys.size() > 2;
+}
+
+// "A D"; "Ctrl + 1 to 6"; "Alt + W, S". The modifier of the first is that of all.
+std::string joinKeys(const std::vector<std::string>& sequences)
+{
+    const std::string modifier = splitKey(sequences.front()).first;
+    std::vector<std::string> keys;
+    keys.reserve(sequences.size());
+    for (const std::string& sequence : sequences)
+        keys.push_back(splitKey(sequence).second);
+    std::string joined = modifier.empty() ? "" : modifier + " + ";
+    if (areDigitsInARow(keys))
+        return joined + keys.front() + " to " + keys.back();
+    joined += keys.front();
+    for (std::size_t i = 1; i < keys.size(); ++i)
+        joined += (modifier.empty() ? " " : ", ") + keys[i];
+    return joined;
+}
+
+KeyGroup helpOf(const ActionGroup& group)
+{
+    KeyGroup page{withoutMark(group.title), {}};
+    std::vector<std::string> keys; // of the last line
+    for (const Action& action : group.actions) {
+        const std::string key = action.keys;
+        if (key.empty())
+            continue;
+        if (!action.text) {
+            page.keys.push_back({key, action.help});
+            continue;
+        }
+        if (action.help) {
+            page.keys.push_back({"", action.help});
+            keys.clear();
+        }
+        keys.push_back(key);
+        page.keys.back().key = joinKeys(keys);
+    }
+    return page;
+}
+
+} // namespace
+
+const std::vector<ActionGroup>& actions()
+{
+    static const std::vector<ActionGroup> groups{mouse(), file(), view(), look(), help()};
+    return groups;
+}
+
+std::vector<KeyGroup> keyHelp()
+{
+    std::vector<KeyGroup> page;
+    page.reserve(actions().size());
+    for (const ActionGroup& group : actions())
+        page.push_back(helpOf(group));
+    return page;
+}
+
+} // namespace strandview

@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "window/runWindow.h"
+
+#include <clocale>
+#include <iostream>
+#include <memory>
+#include <utility>
+
+#include <Inventor/Qt/SoQt.h>
+#include <QApplication>
+#include <QImage>
+#include <QPixmap>
+#include <QScreen>
+#include <QTimer>
+
+#include <SoQtGeneralViewer.h>
+
+#include "camera/printCamera.h"
+#include "pictures/PictureWriter.h"
+#include "window/MainWindow.h"
+#include "window/checkDisplay.h"
+
+namespace strandview {
+
+void initialiseWindows(const char* programName)
+{
+    const std::string notice = chooseX11();
+    if (!notice.empty())
+        std::cerr << programName << ": " << notice << "\n";
+    SoQtGeneralViewer::setDefaultAntialiasingLevel(4);
+    SoQt::init(programName, programName);
+    std::setlocale(LC_NUMERIC, "C"); // Qt took the user's; numbers have a decimal point here
+    QApplication::setOrganizationName("strandview");
+    QApplication::setApplicationName("strandview");
+    SoQtGeneralViewer::initClass();
+}
+
+namespace {
+
+// What the screen shows of the window, its frame left out.
+std::string saveWindow(const QWidget& window, const std::string& file)
+{
+    const QImage image = window.screen()->grabWindow(window.winId()).toImage();
+    return saveImage(image.convertToFormat(QImage::Format_RGB888), file);
+}
+
+void tellNotices(const ReadReport& report)
+{
+    for (const std::string& notice : report.notices)
+        std::cerr << "strandview: " << notice << "\n";
+}
+
+} // namespace
+
+std::string runWindow(const Options& options, const LoadJob::Loader& loader, ReadReport& report,
+                      const LoadJob::Loader& first)
+{
+    std::unique_ptr<LoadJob> begun;
+    if (!options.files.empty()) {
+        begun = std::make_unique<LoadJob>(options.files, first ? first : loader);
+        begun->waitFor(LoadJob::PATIENCE);
+        report.error = begun->getFailure();
+        if (!report.error.empty())
+            return "";
+    }
+
+    MainWindow window(options, loader);
+    if (begun) {
+        window.follow(std::move(begun), [&](const ReadReport& loadReport) {
+            report = loadReport;
+            if (report.error.empty())
+                tellNotices(report);
+            else
+                window.close();
+        });
+    }
+    window.show();
+    std::string failure;
+    if (options.windowPicture) {
+        failure = *options.windowPicture + ": the window was closed before its picture was taken";
+        const auto takePicture = [&] {
+            QTimer::singleShot(int(1000 * options.windowPictureAfter), &window, [&] {
+                window.whenPainted([&] {
+                    failure = saveWindow(window, *options.windowPicture);
+                    window.close();
+                });
+            });
+        };
+        // Once: what the user opens meanwhile asks for no other.
+        if (window.isLoading())
+            QObject::connect(&window, &MainWindow::loadingEnded, &window,
+                             [takePicture, first = true]() mutable {
+                                 if (std::exchange(first, false))
+                                     takePicture();
+                             });
+        else
+            takePicture();
+    }
+    SoQt::mainLoop();
+    if (options.printCamera && window.hasScene())
+        failure += failure.empty() ? printCamera(window.getCameraNumbers()) : "";
+    return failure;
+}
+
+} // namespace strandview
