@@ -12,6 +12,7 @@ namespace algebra3d {
 
 /// A 3 by 3 matrix. As the rotation of a unit quaternion its columns 0, 1 and 2
 /// are the material frame d1, d2, d3 of a rod's point; d3 is the tangent.
+/// A plain value for any thread, as Vector3 is.
 template <typename T>
 class ALGEBRA3D_EXPORT Matrix3
 {

@@ -10,6 +10,7 @@ namespace algebra3d {
 
 /// A quaternion (x, y, z, w), scalar last. A unit quaternion is a rotation; its
 /// matrix, and so the material frame of a rod's point, is Matrix3(quaternion).
+/// A plain value for any thread, as Vector3 is.
 template <typename T>
 class ALGEBRA3D_EXPORT Quaternion
 {

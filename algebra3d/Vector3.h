@@ -12,6 +12,7 @@ namespace algebra3d {
 ///
 /// The operations are the plain component-wise formulas, evaluated in the order
 /// written here, so that results can be compared bit for bit.
+/// Values hold no reference to anything: any thread may use its own, and several may read one.
 template <typename T>
 class ALGEBRA3D_EXPORT Vector3
 {

@@ -23,6 +23,8 @@ class BIARC_EXPORT Curve;
 /// Bad calls are not errors. They write one line to standard error and give the
 /// zero vector. Coincident points and opposite tangents give numbers that are not
 /// finite, without a message. Only Vector3 is instantiated.
+///
+/// It refers to its curve without owning it, and goes with it. Threads: see Curve.
 template <class Vector>
 class BIARC_EXPORT Biarc
 {

@@ -13,6 +13,9 @@
 /// estimate them, then call makeMidpointRule(); from then on all biarcs but the
 /// last of an open curve can be evaluated. The biarcs refer back to their curve,
 /// so it neither moves nor is copied.
+///
+/// A curve owns its biarcs, and knows nothing of Coin: any thread may build and evaluate one, and
+/// several may evaluate one that none of them changes.
 template <class Vector>
 class BIARC_EXPORT Curve : public PKFmanip
 {

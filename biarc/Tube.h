@@ -7,6 +7,7 @@
 #include <biarc/Vector3.h>
 
 /// The points of a tube around a curve; empty until its user fills it.
+/// For one thread at a time, whichever.
 template <class Vector>
 class BIARC_EXPORT Tube
 {

@@ -16,6 +16,10 @@ class QWidget;
 /// A plain value; copies are independent. Nothing is reported or checked: equal limits
 /// make minMaxToZeroOne divide by zero, and a ramp of fewer than two stops maps
 /// everything to black.
+///
+/// Any thread may use its own, and several may read one that none changes; getStyleSheet() touches
+/// no widget. getRandomColour() has Qt's sequence per thread, updateWidgetColour() belongs to that
+/// of the widgets.
 class STRANDVIEW_EXPORT ColourMapper
 {
 public:

@@ -16,6 +16,8 @@ class Ui_LightingDialog;
 /// Shows and edits three directional lights in place: the arrays that
 /// SoGeneralScene::getLightingParameters() hands out, three entries each, not owned.
 /// Return in any field takes all of them, and the next render shows it.
+/// As every widget it belongs to the thread of Qt's event loop and, with a parent, to that. Whoever
+/// makes it keeps the arrays alive for as long.
 class STRANDVIEW_EXPORT LightingDialog : public QDialog
 {
     Q_OBJECT

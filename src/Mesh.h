@@ -30,6 +30,11 @@ class SoMeshShape;
 /// updateBB() each, and the normals, or computeNormals().
 ///
 /// Nothing here reports errors or checks indices. An invalid mesh draws nothing.
+///
+/// A mesh owns its memory and is never copied. Any thread may build one, several at once too, and
+/// visit() and read it, as long as no other uses it; what it is given is read in the constructor
+/// alone. With the node that shows it, it goes over to Coin's thread: render(), generate() and
+/// whatever else takes a node or an action belong there.
 class STRANDVIEW_EXPORT Mesh
 {
 public:

@@ -10,6 +10,7 @@
 ///
 /// In a strip every vertex after the second makes a triangle with the two before it, each
 /// second triangle turned round; in a fan with the first one and the one before it.
+/// It is called in the thread that calls visit().
 class STRANDVIEW_EXPORT MeshVisitor
 {
 public:

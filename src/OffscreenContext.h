@@ -20,6 +20,9 @@
 /// Pictures larger than 4096 x 4096 pixels are put together from tiles by Coin. It
 /// writes past its buffer if such a picture has the components LUMINANCE or
 /// LUMINANCE_TRANSPARENCY: ask for RGB or RGB_TRANSPARENCY.
+///
+/// install() and every render belong to Coin's thread. Contexts are owned by Coin, which has them
+/// destroyed with the renderer.
 class STRANDVIEW_EXPORT OffscreenContext
 {
 public:

@@ -19,6 +19,7 @@ class Ui_ScreenshotDialog;
 /// The factor is shown and typed with a decimal point in every locale.
 ///
 /// Modal to the application. All fields keep their values from one exec() to the next.
+/// As every widget it belongs to the thread of Qt's event loop and, with a parent, to that.
 class STRANDVIEW_EXPORT ScreenshotDialog : public QDialog
 {
     Q_OBJECT

@@ -12,6 +12,8 @@
 ///
 /// It has no material of its own and cannot be changed once made. Created by name it is
 /// a cylinder of radius 0.1 from the origin to (0, 1, 0).
+///
+/// A copy has parts of its own. Threads and references: see SoMeshShape.
 class STRANDVIEW_EXPORT SoArrow : public SoSeparator
 {
     SO_NODE_HEADER(SoArrow);

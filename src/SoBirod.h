@@ -33,6 +33,7 @@ class WrittenShape;
 ///
 /// Copied and written as a SoRod: a copy has data, parameters and meshes of its own; a file
 /// has the shapes shown, in the first material.
+/// For Coin's thread alone; it owns data and meshes.
 class STRANDVIEW_EXPORT SoBirod : public SoMeshShape
 {
     SO_NODE_ABSTRACT_HEADER(SoBirod);

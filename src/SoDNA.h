@@ -31,6 +31,9 @@ class SoTransform;
 ///
 /// setData() stores and checks, generate() builds. Refused data empties what is stored and
 /// leaves the picture as it was until the next generate(). Backbones are not part of a DNA.
+///
+/// A copy has data, the nine shared parts and pairs of its own. Threads and references: see
+/// SoMeshShape.
 class STRANDVIEW_EXPORT SoDNA : public SoSeparator
 {
     SO_NODE_HEADER(SoDNA);

@@ -14,6 +14,8 @@ class SoMaterial;
 /// in a colour of its own. A transformation before it places, turns and scales it.
 ///
 /// Created by name its x axis is red, y green and z blue.
+///
+/// A copy has parts and colours of its own. Threads and references: see SoMeshShape.
 class STRANDVIEW_EXPORT SoFrame : public SoSeparator
 {
     SO_NODE_HEADER(SoFrame);

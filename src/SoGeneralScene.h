@@ -39,6 +39,10 @@ class SoSwitch;
 /// The draw style and the programs are shared: a change of draw style reaches solid
 /// and changing content at once, and never the shaded one. Lights are directional and
 /// fixed to the camera; see LIGHT_DIRS.
+///
+/// The scene references its skeleton, which references what is added. A copy has a skeleton,
+/// parameters and content of its own; a client's colour mapper is not owned, and shared by both.
+/// Threads and references: see SoMeshShape.
 class STRANDVIEW_EXPORT SoGeneralScene : public SoSeparator
 {
     SO_NODE_HEADER(SoGeneralScene);

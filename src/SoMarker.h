@@ -19,6 +19,8 @@ class SoSwitch;
 ///
 /// The cross is made of arrows: SoArrow::initClass() too comes before the first marker.
 /// Created by name it is number -1, a white sphere of size 1, fully transparent.
+///
+/// A copy has number, material and shapes of its own. Threads and references: see SoMeshShape.
 class STRANDVIEW_EXPORT SoMarker : public SoSeparator
 {
     SO_NODE_HEADER(SoMarker);

@@ -13,6 +13,11 @@
 /// Like every node class here it is registered by the host, parents first, after
 /// Coin is initialised: SoMeshShape::initClass(), then SoRod::initClass(). Using a
 /// class before, or registering it twice, fails an assertion.
+///
+/// Nodes, and what they give out, belong to the one thread that uses Coin (see
+/// SoDB::isMultiThread()): not even making one is safe in another. They are counted by references:
+/// made with a count of zero, each is deleted by its last unref(), never by its maker. All of this
+/// holds for every node class of the library.
 class STRANDVIEW_EXPORT SoMeshShape : public SoShape
 {
     SO_NODE_ABSTRACT_HEADER(SoMeshShape);

@@ -28,6 +28,8 @@ class SoTranslation;
 ///
 /// A node made for a letter that is no base stays empty: its getters answer -1, the colour
 /// (-1, -1, -1) or false, and its setters do nothing.
+///
+/// A copy has parts of its own. Threads and references: see SoMeshShape.
 class STRANDVIEW_EXPORT SoNucleobase : public SoSeparator
 {
     SO_NODE_HEADER(SoNucleobase);

@@ -47,6 +47,9 @@ using SoQtGeneralViewerResizeCB = void(void* userData, SoQtGeneralViewer* viewer
 /// seconds: what is drawn before the X server shows the window is lost.
 ///
 /// Without a scene or a camera every operation is harmless and does nothing.
+///
+/// For the thread of Qt's event loop alone, which is Coin's. Its maker deletes the viewer; its
+/// dialogs are children of the parent widget and go with that. It references what it shows.
 class STRANDVIEW_EXPORT SoQtGeneralViewer : public SoQtExaminerViewer
 {
     SOQT_OBJECT_HEADER(SoQtGeneralViewer, SoQtExaminerViewer);

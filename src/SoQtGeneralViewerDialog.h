@@ -23,6 +23,9 @@ class SoQtGeneralViewer;
 ///
 /// Who destroys the dialog before its viewer removes updateZoom3DEventCB and
 /// updateZoom3DResizeCB from the viewer first.
+///
+/// As every widget it belongs to the thread of Qt's event loop and, with a parent, to that; status
+/// bar and zoom field are its children. The viewer is its maker's.
 class STRANDVIEW_EXPORT SoQtGeneralViewerDialog : public QDialog
 {
     Q_OBJECT

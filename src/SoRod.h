@@ -32,6 +32,9 @@ class WrittenShape;
 /// from both; one of a subclass is a plain rod unless that overrides addToCopyDict(). In a
 /// file a rod is the shapes that it shows, in the first material: the data and the materials
 /// of ribbon and rows are lost.
+///
+/// Data are copied into the rod; it owns its meshes. makeMeshes() is for any thread, everything
+/// else for Coin's (see SoMeshShape).
 class STRANDVIEW_EXPORT SoRod : public SoMeshShape
 {
     SO_NODE_ABSTRACT_HEADER(SoRod);

@@ -29,7 +29,8 @@ STRANDVIEW_EXPORT bool isDataCorrect(const std::vector<algebra3d::Vector3<double
 
 /// A new material of one ambient, one diffuse and one specular colour (red, green,
 /// blue in [0, 1], passed on unchecked), otherwise Coin's defaults. Its reference
-/// count is zero: it belongs to whoever puts it into a scene graph.
+/// count is zero: it belongs to whoever puts it into a scene graph. In the thread that uses Coin;
+/// the checks above are for any.
 STRANDVIEW_EXPORT SoMaterial* createMaterial(const algebra3d::Vector3<double>& ambient,
                                              const algebra3d::Vector3<double>& diffuse,
                                              const algebra3d::Vector3<double>& specular);

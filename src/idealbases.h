@@ -13,6 +13,7 @@
 ///
 /// The frames are those of a pair: base and complement, the one turned by half a turn about
 /// its x axis in the same frame, face each other at hydrogen-bonding distance.
+/// Constants, for any thread.
 namespace idealbases {
 
 const int MAX_ATOMS = 12;
