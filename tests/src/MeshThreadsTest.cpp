@@ -3,6 +3,7 @@
 #include <functional>
 #include <memory>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include <BiarcRibbonMesh.h>
@@ -49,36 +50,44 @@ private:
     std::vector<double> numbers;
 };
 
-// All kinds of meshes of one rod, of its own length.
-std::vector<double> build(unsigned seed)
+struct Case
 {
-    const RandomRod rod = randomRod(RodKind::Smooth, 200 + int(seed), seed);
-    RandomNumbers random(seed);
+    RandomRod rod;
     std::vector<Vector> edge, directions;
-    for (const Vector& point : rod.points) {
-        edge.push_back(point + 0.3 * random.unitVector());
-        directions.push_back(random.unitVector());
-    }
-    std::vector<Vector> base = rod.points;
-    BiarcTubeMesh biarcTube(rod.points, RADIUS, SLICES, ROWS, false, false);
-    TubeMesh tube(rod.points, rod.rotations, RADIUS, SLICES, false, false);
-    BiarcRibbonMesh biarcRibbon(base, edge, WIDTH, ROWS);
-    RibbonMesh ribbon(rod.points, directions, WIDTH);
-    const SoRod::Meshes meshes =
-        SoRod::makeMeshes(rod.points, rod.rotations, RADIUS, WIDTH, SLICES, ROWS, true);
+};
 
-    std::vector<double> numbers;
-    for (Mesh* mesh :
-         {static_cast<Mesh*>(&biarcTube), static_cast<Mesh*>(&tube),
-          static_cast<Mesh*>(&biarcRibbon), static_cast<Mesh*>(&ribbon),
-          static_cast<Mesh*>(meshes.tube.get()), static_cast<Mesh*>(meshes.ribbon.get())}) {
-        const std::vector<double> more = Numbers::of(*mesh);
-        numbers.insert(numbers.end(), more.begin(), more.end());
+Case makeCase(unsigned seed)
+{
+    Case made{randomRod(RodKind::Smooth, 400 + int(seed), seed), {}, {}};
+    RandomNumbers random(seed);
+    for (const Vector& point : made.rod.points) {
+        made.edge.push_back(point + 0.3 * random.unitVector());
+        made.directions.push_back(random.unitVector());
     }
-    return numbers;
+    return made;
 }
 
-const int THREADS = 4, ROUNDS = 8;
+using Meshes = std::vector<std::unique_ptr<Mesh>>;
+
+// All kinds of meshes of one rod.
+Meshes build(const Case& of)
+{
+    std::vector<Vector> base = of.rod.points, edge = of.edge;
+    Meshes meshes;
+    meshes.push_back(
+        std::make_unique<BiarcTubeMesh>(of.rod.points, RADIUS, SLICES, ROWS, false, false));
+    meshes.push_back(
+        std::make_unique<TubeMesh>(of.rod.points, of.rod.rotations, RADIUS, SLICES, false, false));
+    meshes.push_back(std::make_unique<BiarcRibbonMesh>(base, edge, WIDTH, ROWS));
+    meshes.push_back(std::make_unique<RibbonMesh>(of.rod.points, of.directions, WIDTH));
+    SoRod::Meshes rod =
+        SoRod::makeMeshes(of.rod.points, of.rod.rotations, RADIUS, WIDTH, SLICES, ROWS, true);
+    meshes.push_back(std::move(rod.tube));
+    meshes.push_back(std::move(rod.ribbon));
+    return meshes;
+}
+
+const int THREADS = 4, ROUNDS = 25;
 
 // What each thread makes in its rounds, all of them at work at once.
 template <typename Result>
@@ -101,10 +110,18 @@ std::vector<Result> inThreads(const std::function<Result(unsigned)>& make)
 
 TEST(MeshThreads, MeshesBuiltAtOnceAreThoseBuiltOneAfterTheOtherBitForBit)
 {
-    const auto together = inThreads<std::vector<double>>(build);
-    for (unsigned seed = 0; seed < unsigned(THREADS * ROUNDS); ++seed) {
-        ASSERT_GT(together[seed].size(), 10000u);
-        EXPECT_TRUE(together[seed] == build(seed)) << seed; // too many numbers to print
+    std::vector<Case> cases;
+    for (unsigned seed = 0; seed < unsigned(THREADS * ROUNDS); ++seed)
+        cases.push_back(makeCase(seed));
+    const auto together = inThreads<Meshes>([&](unsigned i) { return build(cases[i]); });
+    for (std::size_t i = 0; i < cases.size(); ++i) {
+        const Meshes alone = build(cases[i]);
+        for (std::size_t kind = 0; kind < alone.size(); ++kind) {
+            ASSERT_GT(alone[kind]->getHeight(), 399);
+            // Too many numbers to print.
+            EXPECT_TRUE(Numbers::of(*together[i][kind]) == Numbers::of(*alone[kind]))
+                << "rod " << i << ", mesh " << kind;
+        }
     }
 }
 
