@@ -2,6 +2,7 @@
 #ifndef STRANDVIEW_FORMATS_FORMAT_H
 #define STRANDVIEW_FORMATS_FORMAT_H
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -9,6 +10,7 @@
 
 #include <strandview/formats/ReadReport.h>
 #include <strandview/model/Configuration.h>
+#include <strandview/model/Series.h>
 
 namespace strandview {
 
@@ -28,9 +30,14 @@ struct Format
     /// there are fewer.
     bool (*recognises)(std::string_view beginning);
 
-    /// A configuration; nothing and report.error if that fails.
+    /// A configuration, of a series its first frame; nothing and report.error if that fails.
     std::optional<Configuration> (*read)(Source& source, const ReadOptions& options,
                                          ReadReport& report);
+
+    /// A series of frames; null and report.error if that fails. Null where a file holds one
+    /// configuration.
+    std::unique_ptr<Series> (*openSeries)(std::unique_ptr<Source> source,
+                                          const ReadOptions& options, ReadReport& report);
 };
 
 } // namespace strandview

@@ -14,6 +14,8 @@ namespace strandview {
 
 namespace {
 
+constexpr std::size_t beginningToKnowBy = 64 * 1024;
+
 /// Reads all of a text in UTF-8, with or without a byte order mark.
 template <auto readText>
 std::optional<Configuration> readWhole(Source& source, const ReadOptions& options,
@@ -46,8 +48,9 @@ const std::vector<Format>& formats()
          "a table",
          {".txt", ".dat", ".csv", ".tsv", ".xyz"},
          isText,
-         readWhole<readTable>},
-        {"JSON", "JSON", {".json"}, isJson, readWhole<readJson>},
+         readWhole<readTable>,
+         nullptr},
+        {"JSON", "JSON", {".json"}, isJson, readWhole<readJson>, nullptr},
     };
     return all;
 }
@@ -68,6 +71,22 @@ const Format* formatOfContent(std::string_view beginning)
         return format.recognises(beginning);
     });
     return found == all.rend() ? nullptr : &*found;
+}
+
+const Format* formatOf(Source& source, const ReadOptions& options, ReadReport& report)
+{
+    if (const Format* const format = formatOfEnding(source.getPath()))
+        return format;
+    const std::optional<std::string_view> beginning =
+        source.readBeginning(beginningToKnowBy, options, report);
+    if (!beginning)
+        return nullptr;
+    const Format* const format = formatOfContent(*beginning);
+    if (!format)
+        report.error =
+            source.getName() + ": " +
+            (isUtf16(*beginning) ? foundUtf16 : "found binary data, expected " + expectedFormats());
+    return format;
 }
 
 std::string expectedFormats()

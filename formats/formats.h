@@ -21,6 +21,11 @@ STRANDVIEW_FORMATS_EXPORT const Format* formatOfEnding(const std::string& path);
 /// list is asked first: what comes first in it is tables, which take any text.
 STRANDVIEW_FORMATS_EXPORT const Format* formatOfContent(std::string_view beginning);
 
+/// By the ending, else by the content, of which no more is read than the beginning: a device may
+/// have no end. Null and report.error if neither tells one.
+STRANDVIEW_FORMATS_EXPORT const Format* formatOf(Source& source, const ReadOptions& options,
+                                                 ReadReport& report);
+
 /// "a table or JSON".
 STRANDVIEW_FORMATS_EXPORT std::string expectedFormats();
 

@@ -20,6 +20,7 @@
 #include <sys/stat.h>
 
 #include <strandview/formats/JsonReader.h>
+#include <strandview/formats/Source.h>
 #include <strandview/formats/TableReader.h>
 
 #include "support/TemporaryFolder.h"
@@ -334,6 +335,20 @@ TEST_F(ReadFile, ADashIsStandardInputAndItsFirstCharacterTheFormat)
     EXPECT_EQ(report.error, "standard input:2: found 2 columns, expected 3 as in line 1");
     EXPECT_FALSE(readAsStandardInput("{\"strandview\": 3}"));
     EXPECT_EQ(report.error, "standard input: strandview: found 3, expected 1");
+}
+
+TEST_F(ReadFile, BytesThatAreOpenAlreadyAreReadByTheirContent)
+{
+    for (const std::string& text : {table, json, byteOrderMark + json}) {
+        const auto source = Source::ofBytes("made.json", text);
+        const auto configuration = readSource(*source, {}, report);
+        ASSERT_TRUE(configuration) << report.error;
+        EXPECT_THAT(configuration->rods[0].origin, StartsWith("made.json:"));
+    }
+    EXPECT_FALSE(readSource(*Source::ofBytes("made", "0 0"), {}, report));
+    EXPECT_THAT(report.error, StartsWith("made:1: found 2 columns"));
+    EXPECT_TRUE(readSource(*Source::ofBytes("made", table), {}, report));
+    EXPECT_EQ(report.error, "") << "of the bytes before";
 }
 
 TEST_F(ReadFile, BothFormatsGiveTheSameRods)
