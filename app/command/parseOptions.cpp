@@ -232,6 +232,39 @@ void addWindowPicture(CLI::App& app, CLI::Option* render, Options& options)
         ->excludes(render);
 }
 
+void parseRange(const std::string& text, Options& options)
+{
+    const std::size_t colon = text.find(':');
+    if (colon == std::string::npos || !parseLimit(text.substr(0, colon), options.rangeMin) ||
+        !parseLimit(text.substr(colon + 1), options.rangeMax) ||
+        (options.rangeMin && options.rangeMax && !(*options.rangeMin < *options.rangeMax))) {
+        throw CLI::ValidationError("--range", "found '" + text +
+                                                  "', expected MIN:MAX with MIN below MAX; "
+                                                  "either may be left out");
+    }
+    if (options.rangeMin && options.rangeMax && !isRange(*options.rangeMin, *options.rangeMax))
+        throw CLI::ValidationError("--range",
+                                   "found '" + text +
+                                       "', expected limits that are a 1e-12th of them apart "
+                                       "or more, and up to 1e+307");
+}
+
+void parseRamp(const std::string& text, Options& options)
+{
+    std::istringstream names(text);
+    std::string name;
+    while (std::getline(names, name, ',')) {
+        const std::optional<Colour> colour = parseColour(name);
+        if (!colour) {
+            throw CLI::ValidationError(
+                "--colours", "found '" + name + "', expected #rrggbb or an SVG colour name");
+        }
+        options.ramp.push_back(*colour);
+    }
+    if (options.ramp.size() < 2)
+        throw CLI::ValidationError("--colours", "expected two colours or more");
+}
+
 void addColouring(CLI::App& app, Options& options)
 {
     const std::string group = "Colour by data";
@@ -241,42 +274,15 @@ void addColouring(CLI::App& app, Options& options)
                        "twist")
             ->type_name("NAME")
             ->group(group);
-    const auto parseRange = [&options](const std::string& text) {
-        const std::size_t colon = text.find(':');
-        if (colon == std::string::npos || !parseLimit(text.substr(0, colon), options.rangeMin) ||
-            !parseLimit(text.substr(colon + 1), options.rangeMax) ||
-            (options.rangeMin && options.rangeMax && !(*options.rangeMin < *options.rangeMax))) {
-            throw CLI::ValidationError("--range", "found '" + text +
-                                                      "', expected MIN:MAX with MIN below MAX; "
-                                                      "either may be left out");
-        }
-        if (options.rangeMin && options.rangeMax && !isRange(*options.rangeMin, *options.rangeMax))
-            throw CLI::ValidationError("--range",
-                                       "found '" + text +
-                                           "', expected limits that are a 1e-12th of them apart "
-                                           "or more, and up to 1e+307");
-    };
-    app.add_option_function<std::string>("--range", parseRange,
-                                         "Values at the ends of the colours [those of the data]")
+    app.add_option_function<std::string>(
+           "--range", [&options](const std::string& text) { parseRange(text, options); },
+           "Values at the ends of the colours [those of the data]")
         ->type_name("MIN:MAX")
         ->needs(colourBy)
         ->group(group);
-    const auto parseRamp = [&options](const std::string& text) {
-        std::istringstream names(text);
-        std::string name;
-        while (std::getline(names, name, ',')) {
-            const std::optional<Colour> colour = parseColour(name);
-            if (!colour) {
-                throw CLI::ValidationError(
-                    "--colours", "found '" + name + "', expected #rrggbb or an SVG colour name");
-            }
-            options.ramp.push_back(*colour);
-        }
-        if (options.ramp.size() < 2)
-            throw CLI::ValidationError("--colours", "expected two colours or more");
-    };
-    app.add_option_function<std::string>("--colours", parseRamp,
-                                         "Colours of the ramp [blue,cyan,lime,yellow,red]")
+    app.add_option_function<std::string>(
+           "--colours", [&options](const std::string& text) { parseRamp(text, options); },
+           "Colours of the ramp [blue,cyan,lime,yellow,red]")
         ->type_name("C1,C2,...")
         ->needs(colourBy)
         ->group(group);
@@ -289,6 +295,51 @@ std::string namedFormats()
     for (const Format& format : formats())
         text += (text.empty() ? "" : ", ") + format.name + " (" + endingsOf(format) + ")";
     return text;
+}
+
+// What is read and written.
+void addFiles(CLI::App& app, Options& options)
+{
+    app.add_option("FILE", options.files,
+                   namedFormats() + ", or others known by their content; - is standard input");
+    CLI::Option* render =
+        app.add_option("--render", options.picture, "Write a picture instead of opening a window")
+            ->type_name("OUT.png");
+    addSize(app, options);
+    addCount(app, "--samples", options.samples, 1, 8, "Smooth edges: N x N samples per pixel [3]")
+        ->needs(render);
+    app.add_flag("--transparent", options.transparent, "Leave the picture's background out")
+        ->needs(render);
+    addWindowPicture(app, render, options);
+    app.add_flag("--normalise", options.normalise,
+                 "Accept quaternions and directors that are not unit and normalise them");
+}
+
+void addLook(CLI::App& app, Options& options)
+{
+    const std::string look = "Look";
+    addLength(app, "--radius", options.radius, "Radius of the tube [from the data]")->group(look);
+    addLength(app, "--ribbon-width", options.ribbonWidth, "Width of the ribbon [3 radii]")
+        ->group(look);
+    addCount(app, "--slices", options.slices, 3, 1000, "Points around the tube [from the data]")
+        ->group(look);
+    addCount(app, "--subsegments", options.subsegments, 1, 1000,
+             "Rows between two points [from the data]")
+        ->group(look);
+    app.add_flag("--tube,!--no-tube", options.showTube, "Show the tube [shown]")->group(look);
+    app.add_flag_function(
+           "--ribbon,!--no-ribbon",
+           [&options](std::int64_t count) { options.showRibbon = count > 0; },
+           "Show the ribbon [of what has frames]")
+        ->group(look);
+    app.add_flag("--two-sided", options.twoSidedRibbon,
+                 "Centre the ribbon on the centreline instead of starting it there")
+        ->group(look);
+    addColour(app, "--tube-colour", options.tubeColour, "Colour of the tubes [one per rod]")
+        ->group(look);
+    addColour(app, "--ribbon-colour", options.ribbonColour, "Colour of the ribbons")->group(look);
+    addColour(app, "--background", options.background, "Colour of the background [white]")
+        ->group(look);
 }
 
 // The command line with the names of its options as they are spelt here.
@@ -389,43 +440,8 @@ ParsedOptions parseOptions(int argc, const char* const* argv)
                  "strandview");
     app.set_version_flag("--version", "strandview " STRANDVIEW_VERSION);
     app.footer("American spellings are understood, too: --color-by, --normalize and so on.");
-    app.add_option("FILE", options.files,
-                   namedFormats() + ", or others known by their content; - is standard input");
-    CLI::Option* render =
-        app.add_option("--render", options.picture, "Write a picture instead of opening a window")
-            ->type_name("OUT.png");
-    addSize(app, options);
-    addCount(app, "--samples", options.samples, 1, 8, "Smooth edges: N x N samples per pixel [3]")
-        ->needs(render);
-    app.add_flag("--transparent", options.transparent, "Leave the picture's background out")
-        ->needs(render);
-    addWindowPicture(app, render, options);
-    app.add_flag("--normalise", options.normalise,
-                 "Accept quaternions and directors that are not unit and normalise them");
-
-    const std::string look = "Look";
-    addLength(app, "--radius", options.radius, "Radius of the tube [from the data]")->group(look);
-    addLength(app, "--ribbon-width", options.ribbonWidth, "Width of the ribbon [3 radii]")
-        ->group(look);
-    addCount(app, "--slices", options.slices, 3, 1000, "Points around the tube [from the data]")
-        ->group(look);
-    addCount(app, "--subsegments", options.subsegments, 1, 1000,
-             "Rows between two points [from the data]")
-        ->group(look);
-    app.add_flag("--tube,!--no-tube", options.showTube, "Show the tube [shown]")->group(look);
-    app.add_flag_function(
-           "--ribbon,!--no-ribbon",
-           [&options](std::int64_t count) { options.showRibbon = count > 0; },
-           "Show the ribbon [of what has frames]")
-        ->group(look);
-    app.add_flag("--two-sided", options.twoSidedRibbon,
-                 "Centre the ribbon on the centreline instead of starting it there")
-        ->group(look);
-    addColour(app, "--tube-colour", options.tubeColour, "Colour of the tubes [one per rod]")
-        ->group(look);
-    addColour(app, "--ribbon-colour", options.ribbonColour, "Colour of the ribbons")->group(look);
-    addColour(app, "--background", options.background, "Colour of the background [white]")
-        ->group(look);
+    addFiles(app, options);
+    addLook(app, options);
     addColouring(app, options);
     addDna(app, options);
     addCamera(app, options);

@@ -39,6 +39,30 @@ std::string shortest(float number)
     return std::string(text, std::to_chars(text, text + sizeof text, number).ptr);
 }
 
+double squareOf(const std::array<float, 4>& quaternion)
+{
+    double square = 0;
+    for (const float component : quaternion)
+        square += double(component) * component;
+    return square;
+}
+
+// Of numbers that are no camera's, what would be; or nothing.
+std::string whatIsNeeded(const CameraNumbers& camera)
+{
+    const double square = squareOf(camera.orientation);
+    if (std::abs(square - 1) > 0.01)
+        return "a unit quaternion in the numbers 4 to 7, theirs has the norm " +
+               shortest(float(std::sqrt(square)));
+    if (!(camera.focalDistance > 0))
+        return "a focal distance, number 8, above 0";
+    if (!(camera.size > 0))
+        return "a size, number 9, above 0";
+    if (camera.perspective && !(camera.size < M_PI))
+        return "an angle, number 9, below pi: radians";
+    return "";
+}
+
 } // namespace
 
 bool operator==(const CameraNumbers& a, const CameraNumbers& b)
@@ -65,17 +89,15 @@ std::optional<CameraNumbers> parseCamera(const std::string& text, std::string* e
             *expected = what;
         return std::nullopt;
     };
-    const char* const form = "the text that --print-camera gave: orthographic or perspective and "
-                             "9 numbers, with commas";
     const std::vector<std::string> parts = split(text);
-    const std::size_t numberCount = 9;
-    if (parts.size() != 1 + numberCount || (parts[0] != ORTHOGRAPHIC && parts[0] != PERSPECTIVE))
-        return refuse(form);
-    std::array<float, numberCount> numbers;
-    for (std::size_t i = 0; i < numberCount; ++i) {
-        if (!parseNumber(parts[1 + i], numbers[i]))
-            return refuse(form);
-    }
+    std::array<float, 9> numbers{};
+    bool isCamera =
+        parts.size() == 1 + numbers.size() && (parts[0] == ORTHOGRAPHIC || parts[0] == PERSPECTIVE);
+    for (std::size_t i = 0; isCamera && i < numbers.size(); ++i)
+        isCamera = parseNumber(parts[1 + i], numbers[i]);
+    if (!isCamera)
+        return refuse("the text that --print-camera gave: orthographic or perspective and "
+                      "9 numbers, with commas");
 
     CameraNumbers camera;
     camera.perspective = parts[0] == PERSPECTIVE;
@@ -83,22 +105,13 @@ std::optional<CameraNumbers> parseCamera(const std::string& text, std::string* e
     std::copy_n(numbers.begin() + 3, 4, camera.orientation.begin());
     camera.focalDistance = numbers[7];
     camera.size = numbers[8];
-
-    double square = 0;
-    for (const float component : camera.orientation)
-        square += double(component) * component;
-    if (std::abs(square - 1) > 0.01)
-        return refuse("a unit quaternion in the numbers 4 to 7, theirs has the norm " +
-                      shortest(float(std::sqrt(square))));
-    if (!(camera.focalDistance > 0))
-        return refuse("a focal distance, number 8, above 0");
-    if (!(camera.size > 0))
-        return refuse("a size, number 9, above 0");
-    if (camera.perspective && !(camera.size < M_PI))
-        return refuse("an angle, number 9, below pi: radians");
-    if (std::abs(square - 1) > ROUNDING) {
+    const std::string needed = whatIsNeeded(camera);
+    if (!needed.empty())
+        return refuse(needed);
+    if (std::abs(squareOf(camera.orientation) - 1) > ROUNDING) {
+        const double norm = std::sqrt(squareOf(camera.orientation));
         for (float& component : camera.orientation)
-            component = float(component / std::sqrt(square));
+            component = float(component / norm);
     }
     return camera;
 }
