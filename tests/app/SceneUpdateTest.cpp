@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <functional>
+#include <memory>
 #include <set>
 
 #include <Inventor/SbViewportRegion.h>
@@ -183,6 +184,28 @@ void setScalar(Rod& rod, const std::function<double(double)>& value)
     rod.scalars = {scalar};
 }
 
+// The colours of all materials, one after the other, with their numbers.
+std::vector<float> coloursOf(DataScene* scene)
+{
+    SoSearchAction search;
+    search.setType(SoMaterial::getClassTypeId());
+    search.setInterest(SoSearchAction::ALL);
+    search.setSearchingAll(TRUE);
+    search.apply(scene);
+    std::vector<float> colours;
+    for (int i = 0; i < search.getPaths().getLength(); ++i) {
+        const auto* material = static_cast<SoMaterial*>(search.getPaths()[i]->getTail());
+        for (const SoMFColor* field : {&material->ambientColor, &material->diffuseColor}) {
+            colours.push_back(float(field->getNum()));
+            for (int k = 0; k < field->getNum(); ++k) {
+                const SbColor& colour = (*field)[k];
+                colours.insert(colours.end(), {colour[0], colour[1], colour[2]});
+            }
+        }
+    }
+    return colours;
+}
+
 class SceneUpdateTest : public testing::Test
 {
 protected:
@@ -190,6 +213,7 @@ protected:
     {
         initialiseSceneOnce();
         OffscreenContext::install();
+        renderer = std::make_unique<SoOffscreenRenderer>(SbViewportRegion(160, 120));
     }
     ~SceneUpdateTest() override
     {
@@ -249,7 +273,7 @@ protected:
         root->ref();
         root->addChild(camera);
         root->addChild(shown);
-        const ::Picture picture = renderPicture(renderer, root);
+        const ::Picture picture = renderPicture(*renderer, root);
         root->unref();
         return picture;
     }
@@ -268,6 +292,7 @@ protected:
             }
         }
         EXPECT_EQ(scene->getBox(), anew->getBox());
+        EXPECT_TRUE(coloursOf(scene) == coloursOf(anew));
         const SbBox3f box = anew->getBox();
         if (!box.isEmpty()) {
             const Difference difference = compare(render(scene, box), render(anew, box));
@@ -303,7 +328,7 @@ protected:
     Options options;
     std::optional<Colouring> colouring;
     DataScene* scene = nullptr;
-    SoOffscreenRenderer renderer{SbViewportRegion(160, 120)};
+    std::unique_ptr<SoOffscreenRenderer> renderer;
 };
 
 TEST_F(SceneUpdateTest, ShowsTheNextFrameAsANewSceneDoes)
