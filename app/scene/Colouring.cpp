@@ -12,6 +12,7 @@
 
 #include "request/limits.h"
 #include "scene/Ticks.h"
+#include "scene/conversions.h"
 
 namespace strandview {
 
@@ -164,7 +165,7 @@ ColourMapper makeRamp(const Options& options)
     if (!options.ramp.empty()) {
         std::vector<ColourMapper::Colour> colours;
         for (const Colour& colour : options.ramp)
-            colours.emplace_back(double(colour.red), double(colour.green), double(colour.blue));
+            colours.push_back(toVector(colour));
         ramp.setColours(colours);
     }
     return ramp;
@@ -344,7 +345,7 @@ std::vector<std::size_t> nearestPoints(const Values& arcLengths, const Values& a
 
 void setColours(SoMaterial* material, int index, const Colour& colour)
 {
-    const SbColor value(colour.red, colour.green, colour.blue);
+    const SbColor value = toSbColor(colour);
     material->ambientColor.set1Value(index, value);
     material->diffuseColor.set1Value(index, value);
 }

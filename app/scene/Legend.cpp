@@ -20,6 +20,7 @@
 #include "scene/SoLegendCamera.h"
 #include "scene/SoOverlay.h"
 #include "scene/Ticks.h"
+#include "scene/conversions.h"
 
 namespace strandview {
 
@@ -236,7 +237,7 @@ void addBesideBar(SoSeparator* legend, const Colouring& colouring, const Bar& ba
     if (colouring.isAbove)
         addTriangle(bar.right, bar.right + TRIANGLE, 1);
     if (colouring.isMissing) {
-        addFace(legend, SbColor(NO_VALUE_COLOUR.red, NO_VALUE_COLOUR.green, NO_VALUE_COLOUR.blue),
+        addFace(legend, toSbColor(NO_VALUE_COLOUR),
                 {{PATCH_LEFT, BAR_BOTTOM, 0},
                  {PATCH_RIGHT, BAR_BOTTOM, 0},
                  {PATCH_RIGHT, BAR_TOP, 0},
@@ -337,8 +338,7 @@ SoNode* makeLegend(const Colouring& colouring, const Colour& background, float t
 
 void setLegendBackground(SoNode& legend, const Colour& background)
 {
-    const ColourMapper::Colour ink = ColourMapper::getForeground(ColourMapper::Colour(
-        double(background.red), double(background.green), double(background.blue)));
+    const ColourMapper::Colour ink = ColourMapper::getForeground(toVector(background));
     for (int i = 0; i < legend.getChildren()->getLength(); ++i) {
         SoNode* child = (*legend.getChildren())[i];
         if (child->isOfType(SoBaseColor::getClassTypeId()))

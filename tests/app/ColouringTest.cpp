@@ -215,6 +215,56 @@ std::vector<float> levelsOf(const std::vector<double>& places, const std::vector
     return levels;
 }
 
+TEST_F(ColouringTest, OfAnotherFrameHasItsValuesOnTheSameRange)
+{
+    const auto first = make({straightRod({1, 2, 5})});
+    ASSERT_TRUE(first) << report.error;
+    const Colouring next = followColouring(
+        *first,
+        {{straightRod({3, 0}), rodThrough({{0, 0, 0}, {0, 0, 1}}), straightRod({NONE, 9})}});
+    EXPECT_EQ(next.name, "k");
+    EXPECT_EQ(next.min, 1);
+    EXPECT_EQ(next.max, 5);
+    ASSERT_THAT(next.places, SizeIs(3));
+    EXPECT_THAT(next.places[0], ElementsAre(0.5, -0.25));
+    EXPECT_THAT(next.places[1], IsEmpty());
+    EXPECT_TRUE(std::isnan(next.places[2][0]));
+    EXPECT_EQ(next.places[2][1], 2);
+    EXPECT_TRUE(next.isBelow && next.isAbove && next.isMissing);
+    // And back, with nothing left of it.
+    const Colouring again = followColouring(next, {{straightRod({1, 2, 5})}});
+    EXPECT_EQ(again.places, first->places);
+    EXPECT_FALSE(again.isBelow || again.isAbove || again.isMissing);
+}
+
+TEST_F(ColouringTest, OfAnotherFrameOfAConstantTellsWhatIsNoMoreThatNumber)
+{
+    const auto first = make({straightRod({2, 2, 2 + 1e-10})});
+    ASSERT_TRUE(first) << report.error;
+    ASSERT_EQ(first->constant, "2");
+    const Colouring next = followColouring(*first, {{straightRod({2, 2 + 1e-9, 3, 1, NONE})}});
+    EXPECT_EQ(next.constant, "2");
+    ASSERT_THAT(next.places, SizeIs(1));
+    EXPECT_EQ(next.places[0][0], 0.5);
+    EXPECT_EQ(next.places[0][1], 0.5);
+    EXPECT_GT(next.places[0][2], 1);
+    EXPECT_LT(next.places[0][3], 0);
+    EXPECT_TRUE(std::isnan(next.places[0][4]));
+    EXPECT_TRUE(next.isBelow && next.isAbove && next.isMissing);
+}
+
+TEST_F(ColouringTest, OfAnotherFrameOfAConstantForgivesTheRoundingOfBoth)
+{
+    // Of a circle that is written with few decimals the curvature is one number but for rounding.
+    const auto first = make({circle(60, 2, 0.3)}, "curvature");
+    ASSERT_TRUE(first) << report.error;
+    ASSERT_NE(first->constant, "");
+    const Colouring turned = followColouring(*first, {{circle(60, 2, 1.1)}});
+    EXPECT_THAT(turned.places[0], testing::Each(0.5));
+    const Colouring smaller = followColouring(*first, {{circle(60, 1.9, 1.1)}});
+    EXPECT_THAT(smaller.places[0], testing::Each(testing::Gt(1)));
+}
+
 TEST(ColourRows, GoThroughThePlacesOfThePoints)
 {
     EXPECT_THAT(levelsOf({0.25, 0.75}, {0, 0.5, 1}), ElementsAre(0.25f, 0.5f, 0.75f));

@@ -7,9 +7,11 @@
 #include <Inventor/SbViewportRegion.h>
 #include <Inventor/SoPickedPoint.h>
 #include <Inventor/actions/SoRayPickAction.h>
+#include <Inventor/nodes/SoCube.h>
 #include <Inventor/nodes/SoSeparator.h>
 #include <Inventor/nodes/SoShaderParameter.h>
 #include <Inventor/nodes/SoSphere.h>
+#include <Inventor/nodes/SoTranslation.h>
 #include <SoRod.h>
 #include <gmock/gmock.h>
 
@@ -165,6 +167,56 @@ TEST_F(DataSceneTest, TellsRodPointAndArcLengthInTheDatasCoordinatesAndUnit)
     EXPECT_EQ(describe(*scene, 1, 0),
               "point 100.001 -200 300, arc length 0.001 of 0.004 – rods.txt:1: rod 1");
     EXPECT_EQ(describe(*scene, 1, 3), "");
+    scene->unref();
+}
+
+// A cube of edge 2 about a place on x, which its box tells.
+ShownDatum makeCube(float x, const std::string& name)
+{
+    auto* place = new SoTranslation;
+    place->translation = SbVec3f(x, 0, 0);
+    ShownDatum datum;
+    datum.group = new SoSeparator;
+    datum.group->addChild(place);
+    datum.node = new SoCube;
+    datum.group->addChild(datum.node);
+    datum.name = name;
+    datum.box = SbBox3f(x - 1, -1, -1, x + 1, 1, 1);
+    return datum;
+}
+
+TEST_F(DataSceneTest, KeepsDataByKindAndIndex)
+{
+    auto* scene = new DataScene({});
+    scene->ref();
+    EXPECT_TRUE(scene->getShown(3).empty());
+    EXPECT_TRUE(scene->getBox().isEmpty());
+    scene->add(1, makeCube(0, "first"));
+    scene->add(1, makeCube(10, "second"));
+    scene->add(0, makeCube(20, "of another kind"));
+    ASSERT_EQ(scene->getShown(1).size(), 2u);
+    EXPECT_EQ(describe(*scene, 10, 0), "point 10 0 1 – second");
+    EXPECT_EQ(describe(*scene, 20, 0), "point 20 0 1 – of another kind");
+    EXPECT_EQ(scene->getBox(), SbBox3f(-1, -1, -1, 21, 1, 1));
+
+    ShownDatum changed = scene->getShown(1)[1];
+    changed.name = "changed";
+    changed.box = SbBox3f(9, -1, -1, 11, 1, 30);
+    scene->change(1, 1, changed);
+    EXPECT_EQ(describe(*scene, 10, 0), "point 10 0 1 – changed");
+    EXPECT_EQ(scene->getBox().getMax()[2], 30);
+
+    scene->keepFirst(1, 2);
+    EXPECT_EQ(scene->getShown(1).size(), 2u);
+    scene->keepFirst(1, 1);
+    EXPECT_EQ(scene->getShown(1).size(), 1u);
+    EXPECT_EQ(describe(*scene, 10, 0), "");
+    EXPECT_EQ(describe(*scene, 0, 0), "point 0 0 1 – first");
+    EXPECT_EQ(describe(*scene, 20, 0), "point 20 0 1 – of another kind");
+    EXPECT_EQ(scene->getBox(), SbBox3f(-1, -1, -1, 21, 1, 1));
+    scene->keepFirst(0, 0);
+    scene->keepFirst(1, 0);
+    EXPECT_TRUE(scene->getBox().isEmpty());
     scene->unref();
 }
 

@@ -15,12 +15,20 @@ using algebra3d::Vector3;
 
 namespace {
 
-double radiusOf(const Arrow& arrow, const Style& style)
+// In the scene: a head of the usual form, but of at most half the arrow.
+struct Form
 {
-    return arrow.radius.value_or(style.glyphSize / 8);
-}
+    Form(const FrameToShow& frame, const Arrow& arrow)
+        : from(frame.placement.toScene(arrow.from)),
+          to(frame.placement.toScene(arrow.to)),
+          radius(frame.scaled(arrow.radius.value_or(frame.style.glyphSize / 8))),
+          headRadius(2.2 * radius),
+          headLength(std::min(5 * radius, 0.5 * (to - from).getNorm()))
+    {}
 
-const double HEAD_RADIUS = 2.2; // of the shaft's
+    Vector3<double> from, to;
+    double radius, headRadius, headLength;
+};
 
 } // namespace
 
@@ -41,21 +49,22 @@ std::string ArrowBuilder::check(std::size_t index) const
 
 SbBox3f ArrowBuilder::getReach(std::size_t index) const
 {
-    const Arrow& arrow = frame.data.arrows[index];
-    const double reach = HEAD_RADIUS * frame.scaled(radiusOf(arrow, frame.style));
-    SbBox3f box = boxAround(frame.placement.toScene(arrow.from), reach);
-    box.extendBy(boxAround(frame.placement.toScene(arrow.to), reach));
+    const Form form(frame, frame.data.arrows[index]);
+    SbBox3f box = boxAround(form.from, form.headRadius);
+    box.extendBy(boxAround(form.to, form.headRadius));
     return box;
 }
 
 ShownDatum ArrowBuilder::makeNodes(std::size_t index)
 {
+    const Arrow& arrow = frame.data.arrows[index];
+    const Vector3<double> colour = toVector(glyphColour(arrow.colour));
+    const Form form(frame, arrow);
     ShownDatum shown;
     shown.group = new SoSeparator;
-    shown.group->addChild(createMaterial({}, {}, {1, 1, 1}));
-    shown.node = new SoArrow({0, 0, 0}, {0, 0, 0}, 0, 0, 0);
+    shown.group->addChild(createMaterial(colour, colour, {1, 1, 1}));
+    shown.node = new SoArrow(form.from, form.to, form.radius, form.headRadius, form.headLength);
     shown.group->addChild(shown.node);
-    updateNodes(index, shown);
     return shown;
 }
 
@@ -66,13 +75,9 @@ void ArrowBuilder::updateNodes(std::size_t index, ShownDatum& shown)
     auto* material = static_cast<SoMaterial*>(shown.group->getChild(0));
     material->ambientColor = colour;
     material->diffuseColor = colour;
-
-    const Vector3<double> from = frame.placement.toScene(arrow.from);
-    const Vector3<double> to = frame.placement.toScene(arrow.to);
-    // A head of the usual form, but of at most half the arrow.
-    const double radius = frame.scaled(radiusOf(arrow, frame.style));
-    const double headLength = std::min(5 * radius, 0.5 * (to - from).getNorm());
-    static_cast<SoArrow*>(shown.node)->setArrow(from, to, radius, HEAD_RADIUS * radius, headLength);
+    const Form form(frame, arrow);
+    static_cast<SoArrow*>(shown.node)
+        ->setArrow(form.from, form.to, form.radius, form.headRadius, form.headLength);
 }
 
 } // namespace strandview

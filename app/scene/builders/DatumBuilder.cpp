@@ -55,15 +55,6 @@ SbBox3f DatumBuilder::findBox(std::size_t /*index*/, const ShownDatum& shown) co
     return bounds.getBoundingBox();
 }
 
-SbVec3f toSbVec3f(const Vector3<double>& v) { return SbVec3f(float(v.x), float(v.y), float(v.z)); }
-
-SbColor toSbColor(const Colour& colour) { return SbColor(colour.red, colour.green, colour.blue); }
-
-Vector3<double> toVector(const Colour& colour)
-{
-    return Vector3<double>(double(colour.red), double(colour.green), double(colour.blue));
-}
-
 SbBox3f boxAround(const Vector3<double>& point, double reach)
 {
     const Vector3<double> margin(reach, reach, reach);

@@ -9,8 +9,6 @@
 #include <vector>
 
 #include <Inventor/SbBox3f.h>
-#include <Inventor/SbColor.h>
-#include <Inventor/SbVec3f.h>
 
 #include <strandview/model/Configuration.h>
 
@@ -18,6 +16,7 @@
 #include "scene/Placement.h"
 #include "scene/ShownDatum.h"
 #include "scene/Style.h"
+#include "scene/conversions.h"
 
 namespace strandview {
 
@@ -75,10 +74,6 @@ protected:
 };
 
 // What builders have in common
-
-SbVec3f toSbVec3f(const algebra3d::Vector3<double>& v);
-SbColor toSbColor(const Colour& colour);
-algebra3d::Vector3<double> toVector(const Colour& colour);
 
 /// A box around a point of the scene.
 SbBox3f boxAround(const algebra3d::Vector3<double>& point, double reach);

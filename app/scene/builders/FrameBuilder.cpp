@@ -10,11 +10,6 @@ namespace strandview {
 
 namespace {
 
-SbRotation toSbRotation(const algebra3d::Quaternion<double>& q)
-{
-    return SbRotation(float(q[0]), float(q[1]), float(q[2]), float(q[3]));
-}
-
 double sizeOf(const Frame& frame, const Style& style)
 {
     return frame.size.value_or(2 * style.glyphSize);
