@@ -481,10 +481,11 @@ template <typename Node>
 std::vector<Node*> notedInstances()
 {
     NodeRef<Node> sample(new Node);
+    const void* const start = static_cast<Node*>(sample);
     std::vector<Node*> found;
     for (std::size_t i = 0; i < allocationWatch.notedCount; ++i) {
         void* const block = allocationWatch.noted[i];
-        if (block && std::memcmp(block, static_cast<Node*>(sample), sizeof(void*)) == 0)
+        if (block && std::memcmp(block, start, sizeof(void*)) == 0)
             found.push_back(static_cast<Node*>(block));
     }
     return found;
@@ -1122,7 +1123,7 @@ TEST_F(ScalarColouringTest, FieldsChangeInOrder)
 TEST_F(ScalarColouringTest, AMillionValuesTakeAFewAllocations)
 {
     const std::vector<double> few(1000, 0.3), many(1000000, 0.3);
-    const auto allocations = [this](const std::vector<double>& values) {
+    const auto allocations = [](const std::vector<double>& values) {
         NodeRef<SoMaterial> coloured(new SoMaterial);
         const std::size_t before = allocationWatch.allocations;
         SoGeneralScene::generateMaterial(nullptr, coloured, 0, values);
