@@ -18,6 +18,7 @@
 #include <gtest/gtest.h>
 
 #include "support/initialiseSceneOnce.h"
+#include "support/keepPictures.h"
 
 namespace strandview {
 
@@ -61,7 +62,7 @@ protected:
         EXPECT_TRUE(renderer.render(root));
         const QImage upsideDown(renderer.getBuffer(), WIDTH, HEIGHT, 3 * WIDTH,
                                 QImage::Format_RGB888);
-        return upsideDown.mirrored();
+        return keepIfFailed(upsideDown.mirrored());
     }
 
     // The box of the pixels for which something holds; null if none.

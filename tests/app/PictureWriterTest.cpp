@@ -16,6 +16,7 @@
 #include "scene/DataScene.h"
 #include "scene/SceneLoader.h"
 #include "support/initialiseSceneOnce.h"
+#include "support/keepPictures.h"
 
 namespace strandview {
 
@@ -35,6 +36,7 @@ int difference(QRgb a, QRgb b)
 
 Compared compare(const QImage& a, const QImage& b)
 {
+    keepIfFailed(a, b);
     Compared compared;
     for (int y = 0; y < a.height(); ++y) {
         for (int x = 0; x < a.width(); ++x) {

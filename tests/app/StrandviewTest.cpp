@@ -23,6 +23,7 @@
 #include <gmock/gmock.h>
 
 #include "camera/Camera.h"
+#include "support/keepPictures.h"
 #include "support/runProgram.h"
 #include <algebra3d/Matrix3.h>
 
@@ -60,7 +61,7 @@ protected:
 
     QImage picture(const std::string& name) const
     {
-        return QImage(QString::fromStdString(path(name)));
+        return keepIfFailed(QImage(QString::fromStdString(path(name))));
     }
 
     QStringList files() const

@@ -9,6 +9,8 @@
 #include <QTest>
 #include <gtest/gtest.h>
 
+#include "support/keepPictures.h"
+
 namespace {
 
 const int STARTS = 4;
@@ -43,9 +45,9 @@ int countPainted(const QRect& window)
     const QRect middle(window.x() + window.width() / 4, window.y() + window.height() / 4,
                        window.width() / 2, window.height() / 2);
     const QImage image =
-        QGuiApplication::primaryScreen()
-            ->grabWindow(0, middle.x(), middle.y(), middle.width(), middle.height())
-            .toImage();
+        keepIfFailed(QGuiApplication::primaryScreen()
+                         ->grabWindow(0, middle.x(), middle.y(), middle.width(), middle.height())
+                         .toImage());
     int count = 0;
     for (int y = 0; y < image.height(); ++y) {
         for (int x = 0; x < image.width(); ++x)

@@ -50,6 +50,7 @@
 #include "scene/DataScene.h"
 #include "scene/SceneBuilder.h"
 #include "scene/SceneLoader.h"
+#include "support/keepPictures.h"
 #include "support/runProgram.h"
 #include "window/AxisCross.h"
 #include "window/StatusText.h"
@@ -239,7 +240,7 @@ protected:
     QImage shown() const { return grab(*view()); }
     static QImage grab(QWidget& widget)
     {
-        return widget.screen()->grabWindow(widget.winId()).toImage();
+        return keepIfFailed(widget.screen()->grabWindow(widget.winId()).toImage());
     }
 
     // Waits for the screen.
@@ -1399,7 +1400,7 @@ TEST_F(MainWindowTest, AxesInTheCornerAreSeenInTheWindowAloneAndCanBeTakenAway)
         [&](const QImage& p) { return seen(p) && p.pixelColor(4, 4) == QColor(Qt::black); }));
     const QString file = folder.filePath("picture.png");
     window->savePicture(file);
-    EXPECT_TRUE(notSeen(QImage(file)));
+    EXPECT_TRUE(notSeen(keepIfFailed(QImage(file))));
     action("Axes in the corner")->trigger();
     EXPECT_TRUE(comesToShow(notSeen));
     action("Axes in the corner")->trigger();
@@ -1836,7 +1837,7 @@ TEST_F(MainWindowTest, TheLinesOfASavedPictureAreAsWideAsThoseOfTheWindow)
             return sum;
         };
         EXPECT_GT(ink(shown()), 500);
-        EXPECT_NEAR(ink(QImage(file)), ink(shown()), 0.15 * ink(shown())) << thicker;
+        EXPECT_NEAR(ink(keepIfFailed(QImage(file))), ink(shown()), 0.15 * ink(shown())) << thicker;
     }
 }
 
@@ -1858,7 +1859,7 @@ TEST_F(MainWindowTest, TheTicksOfASavedLegendAreAsWideAsThoseOfTheWindow)
             return sum;
         };
         EXPECT_NEAR(ticks(shown()), 5 * 2, 0.1);
-        EXPECT_NEAR(ticks(QImage(file)), 5 * 2, 0.1);
+        EXPECT_NEAR(ticks(keepIfFailed(QImage(file))), 5 * 2, 0.1);
     }
 }
 

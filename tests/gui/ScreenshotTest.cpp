@@ -26,6 +26,7 @@
 #include <ScreenshotDialog.h>
 
 #include "ViewerWindow.h"
+#include "support/keepPictures.h"
 
 using testing::Contains;
 using testing::IsEmpty;
@@ -106,7 +107,7 @@ QImage read(const QString& path)
     const QImage image = reader.read();
     EXPECT_FALSE(image.isNull()) << path.toStdString() << ": "
                                  << reader.errorString().toStdString();
-    return image;
+    return keepIfFailed(image);
 }
 
 QByteArray firstBytes(const QString& path, int count)

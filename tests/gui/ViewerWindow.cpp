@@ -16,6 +16,8 @@
 
 #include <ScreenshotDialog.h>
 
+#include "support/keepPictures.h"
+
 SO_NODE_SOURCE(RecordingScene);
 
 void RecordingScene::initClass()
@@ -149,7 +151,7 @@ void ViewerWindowTest::resizeArea(int width, int height)
 
 QImage ViewerWindowTest::grabArea() const
 {
-    return QApplication::primaryScreen()->grabWindow(area->winId()).toImage();
+    return keepIfFailed(QApplication::primaryScreen()->grabWindow(area->winId()).toImage());
 }
 
 void ViewerWindowTest::expectOnScreen(int x, int y, const QColor& colour)

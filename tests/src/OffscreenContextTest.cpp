@@ -38,6 +38,7 @@
 #include <Inventor/nodes/SoSphere.h>
 
 #include "support/CoinEnvironment.h"
+#include "support/keepPictures.h"
 
 using testing::AllOf;
 using testing::HasSubstr;
@@ -219,6 +220,8 @@ public:
         const bool done = renderer.render(scene);
         scene->unrefNoDelete();
         buffer = done ? renderer.getBuffer() : nullptr;
+        if (done)
+            keep();
         return done;
     }
 
@@ -238,6 +241,15 @@ public:
     }
 
 private:
+    void keep() const
+    {
+        const int height = renderer.getViewportRegion().getViewportSizePixels()[1];
+        const bool hasAlpha = components == SoOffscreenRenderer::RGB_TRANSPARENCY;
+        const QImage upsideDown(buffer, width, height, width * components,
+                                hasAlpha ? QImage::Format_RGBA8888 : QImage::Format_RGB888);
+        keepIfFailed(upsideDown.mirrored());
+    }
+
     int width;
     SoOffscreenRenderer renderer;
     SoOffscreenRenderer::Components components;

@@ -9,6 +9,8 @@
 #include <Inventor/SoOffscreenRenderer.h>
 #include <gtest/gtest.h>
 
+#include "support/keepPictures.h"
+
 Picture::Picture(int pictureWidth, int pictureHeight, const unsigned char* rgb)
     : width(pictureWidth), height(pictureHeight)
 {
@@ -28,8 +30,21 @@ int Picture::countOther(const Colour& colour) const
     return static_cast<int>(pixels.size()) - count(colour);
 }
 
+QImage Picture::toImage() const
+{
+    QImage image(width, height, QImage::Format_RGB32);
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            const Colour& colour = pixels[std::size_t(y) * width + x];
+            image.setPixel(x, height - 1 - y, qRgb(colour[0], colour[1], colour[2]));
+        }
+    }
+    return image;
+}
+
 Difference compare(const Picture& a, const Picture& b)
 {
+    keepIfFailed(a.toImage(), b.toImage());
     Difference result;
     EXPECT_TRUE(a.isRendered());
     EXPECT_EQ(b.pixels.size(), a.pixels.size());
@@ -68,5 +83,7 @@ Picture renderPicture(SoOffscreenRenderer& renderer, SoNode* scene)
     if (!renderer.render(scene))
         return Picture();
     const SbVec2s size = renderer.getViewportRegion().getViewportSizePixels();
-    return Picture(size[0], size[1], renderer.getBuffer());
+    const Picture picture(size[0], size[1], renderer.getBuffer());
+    keepIfFailed(picture.toImage());
+    return picture;
 }

@@ -6,6 +6,8 @@
 #include <ostream>
 #include <vector>
 
+#include <QImage>
+
 class SoNode;
 class SoOffscreenRenderer;
 
@@ -39,6 +41,8 @@ public:
     int count(const Colour& colour) const;
     /// The number of pixels that are not of this colour.
     int countOther(const Colour& colour) const;
+    /// As it is seen, the upper row first.
+    QImage toImage() const;
 
 private:
     friend Difference compare(const Picture& a, const Picture& b);
