@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "scene/idleOptions.h"
+
+#include <gmock/gmock.h>
+
+namespace strandview {
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+Configuration rods(bool hasFrames = true)
+{
+    Rod rod;
+    rod.points = {{0, 0, 0}, {0, 0, 1}};
+    rod.rotations.resize(2);
+    rod.hasFrames = hasFrames;
+    return {{rod}};
+}
+
+Configuration dna()
+{
+    Configuration configuration{{}};
+    configuration.dnas.emplace_back();
+    return configuration;
+}
+
+Options given(const std::vector<std::string>& names)
+{
+    Options options;
+    options.given = names;
+    return options;
+}
+
+TEST(IdleOptions, AreNoneWhereEachHasSomethingToActOn)
+{
+    EXPECT_THAT(
+        findIdleOptions(given({"--radius", "--ribbon-width", "--normalise", "--render"}), rods()),
+        IsEmpty());
+    EXPECT_THAT(findIdleOptions(given({"--dna", "--dna-unit", "--normalise"}), dna()), IsEmpty());
+}
+
+TEST(IdleOptions, AreToldInTheirOrderWithTheReason)
+{
+    EXPECT_THAT(
+        findIdleOptions(given({"--dna-unit", "--dna"}), rods()),
+        ElementsAre("--dna-unit has no effect: found no DNA", "--dna has no effect: found no DNA"));
+    EXPECT_THAT(findIdleOptions(given({"--slices"}), dna()),
+                ElementsAre("--slices has no effect: found no rods"));
+}
+
+TEST(IdleOptions, AreThoseOfWhatAnotherOptionHides)
+{
+    Options options = given({"--tube", "--slices", "--tube-colour"});
+    options.showTube = false;
+    EXPECT_THAT(findIdleOptions(options, rods()),
+                ElementsAre("--slices has no effect: --no-tube hides the tubes",
+                            "--tube-colour has no effect: --no-tube hides the tubes"));
+    EXPECT_THAT(findIdleOptions(options, dna()),
+                ElementsAre("--no-tube has no effect: found no rods",
+                            "--slices has no effect: found no rods",
+                            "--tube-colour has no effect: found no rods"));
+}
+
+TEST(IdleOptions, FramesThatWereMadeAreNotNormalised)
+{
+    EXPECT_THAT(findIdleOptions(given({"--normalise"}), rods(false)),
+                ElementsAre("--normalise has no effect: found no frames"));
+}
+
+TEST(IdleOptions, ABackgroundThatIsLeftOutStillSuitsTheLegend)
+{
+    Options options = given({"--background"});
+    options.transparent = true;
+    EXPECT_THAT(findIdleOptions(options, rods()),
+                ElementsAre("--background has no effect: --transparent leaves it out"));
+    options.colourBy = "curvature";
+    EXPECT_THAT(findIdleOptions(options, rods()), IsEmpty());
+}
+
+TEST(IdleOptions, NothingLeftOfTheRodsIsToldAsWell)
+{
+    Options options;
+    options.showTube = false;
+    EXPECT_THAT(findIdleOptions(options, rods()), IsEmpty()) << "the ribbon is shown";
+    EXPECT_THAT(findIdleOptions(options, rods(false)),
+                ElementsAre("--no-tube: nothing is left to see of rods without frames; --ribbon "
+                            "shows a ribbon"));
+    options.showRibbon = false;
+    EXPECT_THAT(findIdleOptions(options, rods()),
+                ElementsAre("--no-tube --no-ribbon: nothing of the rods is left to see"));
+    EXPECT_THAT(findIdleOptions(options, dna()), IsEmpty());
+}
+
+} // namespace
+
+} // namespace strandview

@@ -1,0 +1,164 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What a command line becomes. What the program says to bad ones, and does with good ones, is in
+// StrandviewTest.cpp.
+#include "command/parseOptions.h"
+
+#include <iostream>
+#include <sstream>
+
+#include <gmock/gmock.h>
+
+namespace strandview {
+
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Pair;
+using testing::StartsWith;
+
+struct Parsed
+{
+    ParsedOptions result;
+    std::string output, error;
+};
+
+Parsed parse(std::vector<const char*> arguments)
+{
+    arguments.insert(arguments.begin(), "strandview");
+    std::ostringstream output, error;
+    std::streambuf* const outputBefore = std::cout.rdbuf(output.rdbuf());
+    std::streambuf* const errorBefore = std::cerr.rdbuf(error.rdbuf());
+    ParsedOptions result = parseOptions(int(arguments.size()), arguments.data());
+    std::cout.rdbuf(outputBefore);
+    std::cerr.rdbuf(errorBefore);
+    return {std::move(result), output.str(), error.str()};
+}
+
+Options accepted(const std::vector<const char*>& arguments)
+{
+    const Parsed parsed = parse(arguments);
+    EXPECT_EQ(parsed.error, "");
+    EXPECT_TRUE(parsed.result.options);
+    return parsed.result.options.value_or(Options());
+}
+
+void expectRefused(const std::vector<const char*>& arguments, const std::string& what)
+{
+    const Parsed parsed = parse(arguments);
+    EXPECT_FALSE(parsed.result.options) << what;
+    EXPECT_EQ(parsed.result.exitStatus, 2) << what;
+    EXPECT_EQ(parsed.output, "");
+    EXPECT_THAT(parsed.error, StartsWith("strandview: "));
+    EXPECT_THAT(parsed.error, HasSubstr(what));
+    EXPECT_EQ(parsed.error.find('\n'), parsed.error.size() - 1) << "one line";
+}
+
+TEST(ParseOptions, WhatIsNotGivenIsLeftToTheData)
+{
+    const Options options = accepted({"rod.txt", "-"});
+    EXPECT_THAT(options.files, ElementsAre("rod.txt", "-"));
+    EXPECT_THAT(options.given, IsEmpty());
+    EXPECT_FALSE(options.picture || options.windowSize || options.windowPicture);
+    EXPECT_FALSE(options.radius || options.ribbonWidth || options.slices || options.subsegments);
+    EXPECT_FALSE(options.showRibbon || options.tubeColour || options.ribbonColour);
+    EXPECT_FALSE(options.colourBy || options.rangeMin || options.rangeMax);
+    EXPECT_FALSE(options.camera.side || options.camera.numbers);
+    EXPECT_TRUE(options.showTube);
+}
+
+TEST(ParseOptions, LengthsCountsAndColoursAreTaken)
+{
+    const Options options = accepted({"--radius", "0.25", "--ribbon-width=2", "--slices", "12",
+                                      "--subsegments", "3", "--tube-colour", "#f00", "rod.txt"});
+    EXPECT_EQ(options.radius, 0.25);
+    EXPECT_EQ(options.ribbonWidth, 2);
+    EXPECT_EQ(options.slices, 12);
+    EXPECT_EQ(options.subsegments, 3);
+    ASSERT_TRUE(options.tubeColour);
+    EXPECT_EQ(options.tubeColour->red, 1);
+    EXPECT_EQ(options.tubeColour->green, 0);
+}
+
+TEST(ParseOptions, TheNamesGivenAreKeptAsTheHelpCallsThem)
+{
+    EXPECT_THAT(accepted({"--no-tube", "--color-by", "twist", "--radius", "1", "rod.txt"}).given,
+                testing::UnorderedElementsAre("--tube", "--colour-by", "--radius"));
+}
+
+TEST(ParseOptions, TheSizeIsOfThePictureOrElseOfTheWindow)
+{
+    const Options picture = accepted({"--render", "rod.png", "--size", "640x480", "rod.txt"});
+    EXPECT_EQ(picture.pictureWidth, 640);
+    EXPECT_EQ(picture.pictureHeight, 480);
+    EXPECT_THAT(accepted({"--size", "640x480", "rod.txt"}).windowSize.value_or(std::pair(0, 0)),
+                Pair(640, 480));
+}
+
+TEST(ParseOptions, APartCanBeShownOrHiddenInSoManyWords)
+{
+    EXPECT_FALSE(accepted({"--no-tube", "rod.txt"}).showTube);
+    EXPECT_EQ(accepted({"--ribbon", "rod.txt"}).showRibbon, true);
+    EXPECT_EQ(accepted({"--no-ribbon", "rod.txt"}).showRibbon, false);
+}
+
+TEST(ParseOptions, ALookOfDnaIsAllThatIsNamed)
+{
+    const DnaLook look = accepted({"--dna", "bases,pairs", "--dna-unit", "nm", "dna.txt"}).dna;
+    EXPECT_FALSE(look.atoms);
+    EXPECT_TRUE(look.baseBoxes);
+    EXPECT_TRUE(look.pairBoxes);
+    EXPECT_EQ(look.angstrom, 0.1);
+}
+
+TEST(ParseOptions, EitherEndOfARangeMayBeLeftOpen)
+{
+    const Options from = accepted({"--colour-by", "twist", "--range", "-2:", "rod.txt"});
+    EXPECT_EQ(from.rangeMin, -2);
+    EXPECT_FALSE(from.rangeMax);
+    const Options to = accepted({"--colour-by", "twist", "--range", ":1e3", "rod.txt"});
+    EXPECT_FALSE(to.rangeMin);
+    EXPECT_EQ(to.rangeMax, 1000);
+}
+
+TEST(ParseOptions, EachSideHasItsName)
+{
+    for (const NamedSide& side : SIDES)
+        EXPECT_EQ(accepted({"--view", side.name, "rod.txt"}).camera.side, side.side) << side.name;
+}
+
+TEST(ParseOptions, ACameraIsTakenAsItIsPrinted)
+{
+    const char* const text = "perspective,1,2,3,0,0,0,1,4,0.5";
+    const Options options = accepted({"--camera", text, "rod.txt"});
+    ASSERT_TRUE(options.camera.numbers);
+    EXPECT_EQ(formatCamera(*options.camera.numbers), text);
+    EXPECT_TRUE(options.camera.isPerspective());
+}
+
+TEST(ParseOptions, WhatIsFoundAndExpectedIsToldInOneLine)
+{
+    expectRefused({"--radius", "-1", "rod.txt"}, "--radius: found '-1', expected a length above 0");
+    expectRefused({"--slices", "2", "rod.txt"}, "--slices: found '2', expected a whole number");
+    expectRefused({"--view", "up", "rod.txt"}, "--view: found 'up', expected one of x -x y");
+    expectRefused({"--range", "2:1", "--colour-by", "twist", "rod.txt"}, "--range: found '2:1'");
+    expectRefused({"--no-such", "rod.txt"}, "found the option '--no-such'");
+    expectRefused({"--render", "rod.png"}, "FILE");
+    expectRefused({"-", "-"}, "found - twice, expected standard input once");
+}
+
+TEST(ParseOptions, HelpAndVersionAreNoOptionsButEndWell)
+{
+    for (const char* const name : {"--help", "--version"}) {
+        const Parsed parsed = parse({name});
+        EXPECT_FALSE(parsed.result.options);
+        EXPECT_EQ(parsed.result.exitStatus, 0);
+        EXPECT_THAT(parsed.output, HasSubstr("strandview"));
+        EXPECT_EQ(parsed.error, "");
+    }
+}
+
+} // namespace
+
+} // namespace strandview
