@@ -141,23 +141,32 @@ TEST(Docs, CommandsOfTheProjectAreThere)
     }
 }
 
-// The folders that a map of lines like "  scene/   data and style to nodes" names, as paths:
-// one that does not begin its line may stand beside the line's folder or in it.
-std::set<std::string> foldersOn(const CodeBlock& map, const fs::path& project)
+// The first of these that is a folder of the project, or else the last.
+std::string folderOf(const std::vector<std::string>& paths)
+{
+    for (const std::string& path : paths) {
+        if (fs::is_directory(PROJECT / path))
+            return path;
+    }
+    return paths.back();
+}
+
+// The folders that a map of lines like "  scene/   data and style to nodes" names, as paths: one
+// that does not begin its line is in the one before it, in the line's outermost one or beside it.
+std::set<std::string> foldersOn(const CodeBlock& map)
 {
     static const std::regex name("([A-Za-z0-9_]+)/");
     std::set<std::string> folders;
     std::string top;
     for (const std::string& line : map.lines) {
-        const bool isTop = line[0] != ' ';
-        std::string outer = isTop ? "" : top;
+        std::string before = top;
         for (std::sregex_iterator at(line.begin(), line.end(), name), end; at != end; ++at) {
             const std::string word = (*at)[1];
-            if (isTop && at->position() == 0)
-                top = word;
-            const std::string inside = (isTop ? top : outer) + "/" + word;
-            const bool isInside = at->position() != 0 && fs::is_directory(project / inside);
-            folders.insert(isInside ? inside : word);
+            if (at->position() == 0)
+                before = top = word;
+            else
+                before = folderOf({before + "/" + word, top + "/" + word, word});
+            folders.insert(before);
         }
     }
     return folders;
@@ -167,7 +176,7 @@ TEST(Docs, TheMapNamesTheFoldersThatThereAre)
 {
     std::set<std::string> named;
     for (const CodeBlock& block : blocksIn("text"))
-        named.merge(foldersOn(block, PROJECT));
+        named.merge(foldersOn(block));
     for (const std::string& folder : named)
         EXPECT_TRUE(fs::is_directory(PROJECT / folder)) << folder;
 

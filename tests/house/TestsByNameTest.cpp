@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Who looks for the tests of a source finds them by its name.
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
+#include <map>
+#include <set>
+#include <string>
+
+#include <gmock/gmock.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+const fs::path PROJECT = PROJECT_FOLDER;
+
+// What is tested as a part of something else, by sources or folders, and where.
+const std::map<std::string, std::string> ELSEWHERE{
+    {"app/main.cpp", "tests/app/StrandviewTest.cpp"},
+    {"app/scene/SoLegendCamera.cpp", "tests/app/LegendTest.cpp"},
+    {"app/scene/builders", "tests/app/SceneUpdateTest.cpp"},
+    {"app/window/FrameWaiter.cpp", "tests/gui/MainWindowTest.cpp"},
+    {"app/window/LoadBar.cpp", "tests/gui/LoadingTest.cpp"},
+    {"app/window/LoadJob.cpp", "tests/gui/LoadingTest.cpp"},
+    {"app/window/checkDisplay.cpp", "tests/app/StrandviewTest.cpp"},
+};
+
+std::string inSmallLetters(std::string text)
+{
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](unsigned char letter) { return char(std::tolower(letter)); });
+    return text;
+}
+
+std::set<fs::path> sourcesBelow(const std::string& folder)
+{
+    std::set<fs::path> files;
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(PROJECT / folder)) {
+        if (entry.path().extension() == ".cpp")
+            files.insert(entry.path().lexically_relative(PROJECT));
+    }
+    return files;
+}
+
+// "keystest" of tests/app/KeysTest.cpp.
+std::set<std::string> namesOfTests()
+{
+    std::set<std::string> names;
+    for (const fs::path& file : sourcesBelow("tests"))
+        names.insert(inSmallLetters(file.stem().string()));
+    return names;
+}
+
+bool isTestedElsewhere(const fs::path& source)
+{
+    return ELSEWHERE.count(source.generic_string()) != 0 ||
+           ELSEWHERE.count(source.parent_path().generic_string()) != 0;
+}
+
+TEST(TestsByName, EverySourceOfTheFormatsAndOfTheProgramHasOne)
+{
+    const std::set<std::string> tests = namesOfTests();
+    for (const char* folder : {"formats", "app"}) {
+        for (const fs::path& source : sourcesBelow(folder)) {
+            const std::string name = inSmallLetters(source.stem().string()) + "test";
+            EXPECT_NE(tests.count(name) != 0, isTestedElsewhere(source))
+                << source << ": expected a test of that name, or where else it is tested, not both";
+        }
+    }
+}
+
+TEST(TestsByName, WhatIsTestedElsewhereExistsAndSoDoItsTests)
+{
+    for (const auto& [source, test] : ELSEWHERE) {
+        EXPECT_TRUE(fs::exists(PROJECT / source)) << source;
+        EXPECT_TRUE(fs::exists(PROJECT / test)) << test;
+    }
+}
+
+} // namespace
