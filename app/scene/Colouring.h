@@ -56,8 +56,9 @@ struct Colouring
 std::optional<Colouring> makeColouring(const Options& options, const Configuration& configuration,
                                        ReadReport& report);
 
-/// The same colouring of another frame: name, ramp, the values at its ends and the constant stay,
-/// and the values of the frame get their places among them. Rods without the scalar have none.
+/// The same colouring of another frame, in any thread: name, ramp, the values at its ends and the
+/// constant stay, and the values of the frame get their places among them. Rods without the scalar
+/// have none.
 Colouring followColouring(const Colouring& first, const Configuration& next);
 
 /// Appends to the material's ambient and diffuse colours, from entry `offset` on, one for each

@@ -36,7 +36,8 @@ std::vector<LegendText> layOutLegend(const Colouring& colouring, float textSize)
 
 /// A framed bar with the ramp, ticks with their numbers, and the scalar's name, at the bottom of
 /// whatever view it is drawn in. Triangles at its ends show that values lie beyond them, a grey
-/// patch beside it that some are no numbers. A constant has one colour and one number. The
+/// patch beside it that some are no numbers. A constant has one colour and one number, and the
+/// triangles where another frame has other numbers. The
 /// text is black or white, as is read on the background.
 SoNode* makeLegend(const Colouring& colouring, const Colour& background, float textSize);
 

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cassert>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -179,6 +180,9 @@ private:
 std::string showFrame(DataScene& scene, const Configuration& data, const Colouring* colouring,
                       SceneGeometry& geometry, Progress& progress)
 {
+    assert(geometry.rods.size() == data.rods.size());
+    assert(geometry.birods.size() == data.birods.size());
+    assert(!colouring || colouring->places.size() == data.rods.size());
     FrameChange change(scene, {data, scene.getStyle(), scene.getPlacement(), colouring,
                                scene.areColoursShown(), geometry});
     std::string error = change.prepare(progress);

@@ -31,7 +31,8 @@ SceneGeometry computeGeometry(const Configuration& next, const Style& style,
 
 /// Turns data, style and the data's geometry into nodes: the one place that does. Everything is
 /// changing content, lit at first; a legend of the colouring, if there is one, is drawn over it.
-/// There is no camera of the scene in it, and its reference count is zero.
+/// There is no camera of the scene in it, and its reference count is zero. In the thread that Coin
+/// is used in.
 ///
 /// The scene has the data's coordinates, but data far from the origin are moved there,
 /// and tiny ones enlarged by a power of ten, so that nothing is lost in single
@@ -53,8 +54,10 @@ DataScene* buildScene(const Configuration& configuration, const Style& style,
 /// new ones, and the last nodes go where there are fewer data. Picks are told by the new frame's
 /// names.
 ///
-/// The geometry is that of computeGeometry() for getStyle() and getPlacement() of the scene, the
-/// colouring what followColouring() makes of its getColouring(); null for a scene without one.
+/// In the thread that Coin is used in; the progress may process events, which must leave the
+/// scene to itself. The geometry is that of computeGeometry() for getStyle() and getPlacement() of
+/// the scene, the colouring what followColouring() makes of its getColouring(); null for a scene
+/// without one.
 std::string updateScene(DataScene& scene, const Configuration& next, const Colouring* colouring,
                         SceneGeometry geometry, Progress& progress);
 /// The same, which computes geometry and colouring first.
