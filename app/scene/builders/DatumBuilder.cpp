@@ -4,7 +4,6 @@
 #include <array>
 
 #include <Inventor/SbViewportRegion.h>
-#include <Inventor/actions/SoGetBoundingBoxAction.h>
 #include <Inventor/nodes/SoSeparator.h>
 
 #include <strandview/formats/text/wording.h>
@@ -29,6 +28,10 @@ const Colour GLYPH_COLOUR{0.80f, 0.20f, 0.15f};
 
 } // namespace
 
+DatumBuilder::DatumBuilder(const FrameToShow& frameToShow)
+    : frame(frameToShow), bounds(SbViewportRegion(1, 1))
+{}
+
 std::string DatumBuilder::check(std::size_t /*index*/) const { return ""; }
 
 ShownDatum DatumBuilder::build(std::size_t index)
@@ -48,9 +51,8 @@ void DatumBuilder::update(std::size_t index, ShownDatum& shown)
     shown.box = findBox(index, shown);
 }
 
-SbBox3f DatumBuilder::findBox(std::size_t /*index*/, const ShownDatum& shown) const
+SbBox3f DatumBuilder::findBox(std::size_t /*index*/, const ShownDatum& shown)
 {
-    SoGetBoundingBoxAction bounds(SbViewportRegion(1, 1));
     bounds.apply(shown.group);
     return bounds.getBoundingBox();
 }

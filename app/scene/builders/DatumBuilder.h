@@ -9,6 +9,7 @@
 #include <vector>
 
 #include <Inventor/SbBox3f.h>
+#include <Inventor/actions/SoGetBoundingBoxAction.h>
 
 #include <strandview/model/Configuration.h>
 
@@ -42,7 +43,7 @@ struct FrameToShow
 class DatumBuilder
 {
 public:
-    explicit DatumBuilder(const FrameToShow& frameToShow) : frame(frameToShow) {}
+    explicit DatumBuilder(const FrameToShow& frameToShow);
     virtual ~DatumBuilder() = default;
     DatumBuilder(const DatumBuilder&) = delete;
     DatumBuilder& operator=(const DatumBuilder&) = delete;
@@ -68,9 +69,12 @@ protected:
     virtual void updateNodes(std::size_t index, ShownDatum& shown) = 0;
     virtual std::string getName(std::size_t index) const = 0;
     /// The box that Coin finds unless there is a better one.
-    virtual SbBox3f findBox(std::size_t index, const ShownDatum& shown) const;
+    virtual SbBox3f findBox(std::size_t index, const ShownDatum& shown);
 
     const FrameToShow frame;
+
+private:
+    SoGetBoundingBoxAction bounds; // one for all data
 };
 
 // What builders have in common

@@ -85,7 +85,7 @@ SbBox3f DnaBuilder::getReach(std::size_t index) const
 }
 
 // Around all that its frames can place, which is less than what Coin makes of turned boxes.
-SbBox3f DnaBuilder::findBox(std::size_t index, const ShownDatum& /*shown*/) const
+SbBox3f DnaBuilder::findBox(std::size_t index, const ShownDatum& /*shown*/)
 {
     return getReach(index);
 }

@@ -20,7 +20,7 @@ protected:
     ShownDatum makeNodes(std::size_t index) override;
     void updateNodes(std::size_t index, ShownDatum& shown) override;
     std::string getName(std::size_t index) const override;
-    SbBox3f findBox(std::size_t index, const ShownDatum& shown) const override;
+    SbBox3f findBox(std::size_t index, const ShownDatum& shown) override;
 };
 
 } // namespace strandview
