@@ -62,6 +62,17 @@ Quaternion<T> scaledToUnit(Quaternion<T> q)
     return q;
 }
 
+/// How far from 1 the norm of a rotation may be: components rounded to three digits are within
+/// it, and what was meant in another way is not.
+constexpr double ROTATION_TOLERANCE = 0.01;
+
+/// Whether the norm is 1 within ROTATION_TOLERANCE; with a component that is no number it is not.
+template <typename T>
+bool isRotation(const Quaternion<T>& q)
+{
+    return std::abs(q.getNorm() - 1) <= ROTATION_TOLERANCE;
+}
+
 /// The vector turned by a unit quaternion: column j of its matrix is the turned j-th axis.
 template <typename T>
 Vector3<T> rotated(const Vector3<T>& v, const Quaternion<T>& q)

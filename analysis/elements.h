@@ -22,8 +22,8 @@ STRANDVIEW_ANALYSIS_EXPORT std::vector<double> valuesAtPoints(const std::vector<
 /// Inside the rotation half-way between the two elements at a point, and so where a
 /// closed rod's ends meet. At an end the frame turns on from the element's by half of
 /// what it turns between the end's element and the next, so that even bending and twist
-/// stay even up to the end; a single element gives its own to both. Unit quaternions
-/// within 0.01.
+/// stay even up to the end; a single element gives its own to both. Quaternions
+/// that are rotations (algebra3d::isRotation()).
 STRANDVIEW_ANALYSIS_EXPORT std::vector<algebra3d::Quaternion<double>>
 rotationsAtPoints(const std::vector<algebra3d::Quaternion<double>>& elements, bool isClosed);
 

@@ -6,13 +6,13 @@
 #include <algebra3d/rotations.h>
 
 #include <strandview/formats/text/wording.h>
+#include <strandview/model/Dna.h>
 
 namespace strandview {
 
 namespace {
 
 constexpr double largestCoordinate = 1e18;
-constexpr double normTolerance = 0.01;
 
 bool isZero(const algebra3d::Quaternion<double>& q)
 {
@@ -31,19 +31,17 @@ std::string checkRotation(algebra3d::Quaternion<double>& rotation, const ReadOpt
         rotation = algebra3d::scaledToUnit(rotation);
         return {};
     }
-    const double norm = rotation.getNorm();
-    if (std::abs(norm - 1) <= normTolerance)
+    if (algebra3d::isRotation(rotation))
         return {};
-    return "found a quaternion of norm " + formatted(norm) +
-           ", expected 1 within 0.01 (--normalise accepts others)";
+    return "found a quaternion of norm " + formatted(rotation.getNorm()) + ", expected 1 within " +
+           formatted(algebra3d::ROTATION_TOLERANCE) + " (--normalise accepts others)";
 }
 
 std::optional<char> parseBase(char letter)
 {
     const char base =
         letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 'a' + 'A') : letter;
-    return base == 'A' || base == 'C' || base == 'G' || base == 'T' ? std::optional(base)
-                                                                    : std::nullopt;
+    return BASE_LETTERS.find(base) == std::string_view::npos ? std::nullopt : std::optional(base);
 }
 
 } // namespace strandview

@@ -17,20 +17,20 @@ namespace strandview {
 
 constexpr char expectedNumber[] = "a finite number";
 constexpr char expectedCoordinate[] = "a coordinate between -1e18 and 1e18";
-constexpr char expectedBase[] = "A, C, G or T";
+constexpr char expectedBase[] = "A, C, G or T"; // model/Dna.h
 
 /// Whether a finite number can be drawn: at most 1e18 in magnitude, so that the square
 /// of a distance (at most 1.2e37) is finite in the single precision that is drawn with.
 STRANDVIEW_FORMATS_EXPORT bool isCoordinate(double number);
 
 /// Checks that a quaternion of finite components is a rotation: its norm is 1 within
-/// 0.01, the rod nodes' own tolerance. With options.normalise any quaternion but zero
-/// is one, and is scaled to unit length. "found ..., expected ..." if it is none, else
+/// algebra3d::ROTATION_TOLERANCE, as the nodes ask it. With options.normalise any quaternion but
+/// zero is one, and is scaled to unit length. "found ..., expected ..." if it is none, else
 /// nothing.
 STRANDVIEW_FORMATS_EXPORT std::string checkRotation(algebra3d::Quaternion<double>& rotation,
                                                     const ReadOptions& options);
 
-/// A, C, G or T for such a letter, small or capital; nothing for any other character.
+/// The one of BASE_LETTERS for such a letter, small or capital; nothing for any other character.
 STRANDVIEW_FORMATS_EXPORT std::optional<char> parseBase(char letter);
 
 } // namespace strandview

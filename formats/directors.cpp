@@ -7,6 +7,7 @@
 #include <utility>
 
 #include <algebra3d/Matrix3.h>
+#include <algebra3d/rotations.h>
 
 #include <strandview/formats/text/wording.h>
 
@@ -16,7 +17,7 @@ namespace {
 
 using Vector = algebra3d::Vector3<double>;
 
-constexpr double tolerance = 0.01;    ///< as of a quaternion's norm
+constexpr double tolerance = algebra3d::ROTATION_TOLERANCE;
 constexpr double smallestSine = 1e-6; ///< of an angle that still tells a plane
 constexpr char normaliseHint[] = " (--normalise accepts others)";
 
@@ -38,8 +39,8 @@ std::string checkLength(const Vector& director, std::size_t index, const ReadOpt
     const double norm = director.getNorm();
     return std::abs(norm - 1) <= tolerance
                ? ""
-               : "found " + nameOf(index) + " of norm " + formatted(norm) +
-                     ", expected 1 within 0.01" + normaliseHint;
+               : "found " + nameOf(index) + " of norm " + formatted(norm) + ", expected 1 within " +
+                     formatted(tolerance) + normaliseHint;
 }
 
 std::string checkAngle(const Directors& directors, std::size_t i, std::size_t j)
@@ -50,7 +51,7 @@ std::string checkAngle(const Directors& directors, std::size_t i, std::size_t j)
     return std::abs(product) <= tolerance
                ? ""
                : "found " + nameOf(i) + " times " + nameOf(j) + " = " + formatted(product) +
-                     ", expected 0 within 0.01" + normaliseHint;
+                     ", expected 0 within " + formatted(tolerance) + normaliseHint;
 }
 
 std::string checkAngles(const Directors& directors, const ReadOptions& options)

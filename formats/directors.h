@@ -19,9 +19,9 @@ namespace strandview {
 using Directors = std::array<std::optional<algebra3d::Vector3<double>>, 3>;
 
 /// Finds the rotation whose matrix has the directors, of finite components, as columns.
-/// They must be right-handed, of norm 1 within 0.01, and the products of two of them 0
-/// within 0.01; with options.normalise any length and any angle do that leave them
-/// right-handed. What is left of the rules is made right: d3 keeps its direction, d2 is
+/// They must be right-handed, of norm 1, and the products of two of them 0,
+/// within algebra3d::ROTATION_TOLERANCE; with options.normalise any length and any angle do that
+/// leave them right-handed. What is left of the rules is made right: d3 keeps its direction, d2 is
 /// made perpendicular to it (d1 where d2 is missing), and the third follows.
 /// "found ..., expected ..." if they are no frame, else nothing.
 STRANDVIEW_FORMATS_EXPORT std::string findRotation(const Directors& directors,

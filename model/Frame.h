@@ -15,7 +15,7 @@ struct Frame
 {
     std::string origin; ///< "glyphs.json: frames[0]"
     algebra3d::Vector3<double> point;
-    algebra3d::Quaternion<double> rotation; ///< of norm 1 within 0.01
+    algebra3d::Quaternion<double> rotation; ///< algebra3d::isRotation()
     std::optional<double> size;             ///< the arrows' length, above 0
 };
 

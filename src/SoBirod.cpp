@@ -8,6 +8,7 @@
 #include <Inventor/actions/SoGetPrimitiveCountAction.h>
 #include <Inventor/elements/SoMaterialBindingElement.h>
 
+#include <algebra3d/rotations.h>
 #include <global.h>
 
 #include "detail/WrittenShape.h"
@@ -43,7 +44,7 @@ bool areCorrect(const Points& avgPoints, const Rotations& avgRotations, const Po
     const std::size_t count = avgPoints.size();
     const auto isRodCorrect = [count](const Points& points, const Rotations& rotations) {
         return points.size() == count && rotations.size() == count &&
-               isDataCorrect(points, rotations, ROTATION_TOLERANCE);
+               isDataCorrect(points, rotations, algebra3d::ROTATION_TOLERANCE);
     };
     return count >= 2 && isRodCorrect(avgPoints, avgRotations) &&
            isRodCorrect(points1, rotations1) && isRodCorrect(points2, rotations2);

@@ -16,6 +16,7 @@
 #include "detail/toSbVec3f.h"
 #include "drawing/DnaDrawing.h"
 #include "drawing/overallColour.h"
+#include <algebra3d/rotations.h>
 #include <global.h>
 
 using Vector = algebra3d::Vector3<double>;
@@ -26,9 +27,6 @@ SO_NODE_SOURCE(SoDNA);
 const double SoDNA::COLOUR_BP_DEF[3] = {1, 1, 1};
 
 namespace {
-
-// How far the norm of an orientation may be from 1.
-const double ROTATION_TOLERANCE = 0.01;
 
 template <typename Node>
 Node* makeReferenced()
@@ -241,10 +239,11 @@ bool SoDNA::setData(const std::string& newSequence, const Vectors& newRAvg,
 bool SoDNA::checkData()
 {
     const std::size_t n = sequence.size();
+    const double tolerance = algebra3d::ROTATION_TOLERANCE;
     if (rAvg.size() == n && qAvg.size() == n && r1.size() == n && q1.size() == n &&
         r2.size() == n && q2.size() == n && isSequenceCorrect(sequence) == 0 &&
-        isDataCorrect(rAvg, qAvg, ROTATION_TOLERANCE) &&
-        isDataCorrect(r1, q1, ROTATION_TOLERANCE) && isDataCorrect(r2, q2, ROTATION_TOLERANCE))
+        isDataCorrect(rAvg, qAvg, tolerance) && isDataCorrect(r1, q1, tolerance) &&
+        isDataCorrect(r2, q2, tolerance))
         return true;
     sequence.clear();
     rAvg.clear();

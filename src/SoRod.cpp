@@ -8,6 +8,7 @@
 #include <Inventor/actions/SoGetPrimitiveCountAction.h>
 #include <Inventor/elements/SoMaterialBindingElement.h>
 
+#include <algebra3d/rotations.h>
 #include <global.h>
 
 #include "detail/WrittenShape.h"
@@ -26,7 +27,7 @@ namespace {
 bool areCorrect(const std::vector<Vector>& points, const std::vector<Rotation>& rotations)
 {
     return points.size() >= 2 && rotations.size() == points.size() &&
-           isDataCorrect(points, rotations, ROTATION_TOLERANCE);
+           isDataCorrect(points, rotations, algebra3d::ROTATION_TOLERANCE);
 }
 
 std::unique_ptr<BiarcRibbonMesh> makeRibbon(const std::vector<Vector>& points,

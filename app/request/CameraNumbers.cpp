@@ -7,14 +7,16 @@
 #include <sstream>
 #include <vector>
 
+#include <algebra3d/rotations.h>
+
 namespace strandview {
 
 namespace {
 
 const char* const ORTHOGRAPHIC = "orthographic";
 const char* const PERSPECTIVE = "perspective";
-// By how much the square of a unit quaternion of floats differs from 1.
-const double ROUNDING = 1e-6;
+// By how much the norm of a unit quaternion of floats differs from 1.
+const double ROUNDING = 5e-7;
 
 std::vector<std::string> split(const std::string& text)
 {
@@ -39,21 +41,19 @@ std::string shortest(float number)
     return std::string(text, std::to_chars(text, text + sizeof text, number).ptr);
 }
 
-double squareOf(const std::array<float, 4>& quaternion)
+algebra3d::Quaternion<double> orientationOf(const CameraNumbers& camera)
 {
-    double square = 0;
-    for (const float component : quaternion)
-        square += double(component) * component;
-    return square;
+    const auto& [x, y, z, w] = camera.orientation;
+    return {double(x), double(y), double(z), double(w)};
 }
 
 // Of numbers that are no camera's, what would be; or nothing.
 std::string whatIsNeeded(const CameraNumbers& camera)
 {
-    const double square = squareOf(camera.orientation);
-    if (std::abs(square - 1) > 0.01)
+    const algebra3d::Quaternion<double> orientation = orientationOf(camera);
+    if (!algebra3d::isRotation(orientation))
         return "a unit quaternion in the numbers 4 to 7, theirs has the norm " +
-               shortest(float(std::sqrt(square)));
+               shortest(float(orientation.getNorm()));
     if (!(camera.focalDistance > 0))
         return "a focal distance, number 8, above 0";
     if (!(camera.size > 0))
@@ -108,8 +108,8 @@ std::optional<CameraNumbers> parseCamera(const std::string& text, std::string* e
     const std::string needed = whatIsNeeded(camera);
     if (!needed.empty())
         return refuse(needed);
-    if (std::abs(squareOf(camera.orientation) - 1) > ROUNDING) {
-        const double norm = std::sqrt(squareOf(camera.orientation));
+    const double norm = orientationOf(camera).getNorm();
+    if (std::abs(norm - 1) > ROUNDING) {
         for (float& component : camera.orientation)
             component = float(component / norm);
     }

@@ -13,9 +13,6 @@
 
 // What the nodes of rods and birods do alike with one sequence of points and frames.
 
-/// How far the norm of an orientation may be from 1.
-constexpr double ROTATION_TOLERANCE = 0.01;
-
 /// Axis d1, d2 or d3 of a material frame, for column 0, 1 or 2.
 inline algebra3d::Vector3<double> director(const algebra3d::Quaternion<double>& rotation,
                                            int column)

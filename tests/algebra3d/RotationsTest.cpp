@@ -62,6 +62,14 @@ TEST(Rotations, AboutZByAQuarterTakesXToY)
     EXPECT_DOUBLE_EQ(q[3], std::sqrt(0.5));
 }
 
+TEST(Rotations, AreQuaternionsOfNorm1Within001)
+{
+    for (const double norm : {1.0, 0.9901, 1.0099})
+        EXPECT_TRUE(algebra3d::isRotation(Quaternion(0.6 * norm, 0, -0.8 * norm, 0))) << norm;
+    for (const double norm : {0.0, 0.9899, 1.0101, HUGE_VAL, std::nan("")})
+        EXPECT_FALSE(algebra3d::isRotation(Quaternion(0, norm, 0, 0))) << norm;
+}
+
 TEST(Rotations, ScaledToUnitKeepsTheDirectionOfAnyQuaternion)
 {
     // The largest and the smallest numbers have squares that over- and underflow.

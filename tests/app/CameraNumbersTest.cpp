@@ -86,6 +86,15 @@ TEST(CameraNumbers, NormaliseAQuaternionThatWasShortenedByHand)
     EXPECT_FLOAT_EQ(camera->orientation[1], -camera->orientation[0]);
 }
 
+TEST(CameraNumbers, AnOrientationHasTheNormOfARotation)
+{
+    // As the quaternions of files: 1 within 0.01.
+    for (const char* w : {"0.9901", "1.0099"})
+        EXPECT_TRUE(parseCamera(std::string("orthographic,0,0,5,0,0,0,") + w + ",5,2")) << w;
+    for (const char* w : {"0.9899", "1.0101"})
+        EXPECT_FALSE(parseCamera(std::string("orthographic,0,0,5,0,0,0,") + w + ",5,2")) << w;
+}
+
 TEST(CameraNumbers, AreEqualOnlyInEveryNumber)
 {
     const CameraNumbers camera = someCamera(false);

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <strandview/model/Dna.h>
+
 namespace strandview {
 
 namespace {
@@ -19,6 +21,15 @@ std::string faultOf(Quaternion rotation, bool normalise)
 }
 
 } // namespace
+
+TEST(Checks, WhatIsExpectedOfABaseNamesAllLetters)
+{
+    std::string letters;
+    for (const char letter : std::string(expectedBase))
+        if (letter >= 'A' && letter <= 'Z')
+            letters += letter;
+    EXPECT_EQ(letters, BASE_LETTERS);
+}
 
 TEST(Checks, ACoordinateIsAtMost1e18)
 {
