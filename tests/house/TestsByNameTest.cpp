@@ -23,7 +23,11 @@ const std::map<std::string, std::string> ELSEWHERE{
     {"app/window/FrameWaiter.cpp", "tests/gui/MainWindowTest.cpp"},
     {"app/window/LoadBar.cpp", "tests/gui/LoadingTest.cpp"},
     {"app/window/LoadJob.cpp", "tests/gui/LoadingTest.cpp"},
+    {"app/window/Menus.cpp", "tests/gui/MainWindowTest.cpp"},
+    {"app/window/WindowViewer.cpp", "tests/gui/MainWindowTest.cpp"},
     {"app/window/checkDisplay.cpp", "tests/app/StrandviewTest.cpp"},
+    {"app/window/runWindow.cpp", "tests/gui/LoadingTest.cpp"},
+    {"app/window/textBoxes.cpp", "tests/gui/MainWindowTest.cpp"},
 };
 
 std::string inSmallLetters(std::string text)
