@@ -5,8 +5,7 @@
 #include <Inventor/nodes/SoCylinder.h>
 #include <Inventor/nodes/SoRotation.h>
 #include <Inventor/nodes/SoTranslation.h>
-
-#include "detail/toSbVec3f.h"
+#include <toCoin.h>
 
 using Vector = algebra3d::Vector3<double>;
 

@@ -13,11 +13,11 @@
 #include <Inventor/nodes/SoTranslation.h>
 
 #include "detail/copyOf.h"
-#include "detail/toSbVec3f.h"
 #include "drawing/DnaDrawing.h"
 #include "drawing/overallColour.h"
 #include <algebra3d/rotations.h>
 #include <global.h>
+#include <toCoin.h>
 
 using Vector = algebra3d::Vector3<double>;
 using Rotation = algebra3d::Quaternion<double>;
@@ -34,12 +34,6 @@ Node* makeReferenced()
     auto* node = new Node;
     node->ref();
     return node;
-}
-
-// Both count the scalar last.
-SbRotation toSbRotation(const Rotation& q)
-{
-    return SbRotation(float(q[0]), float(q[1]), float(q[2]), float(q[3]));
 }
 
 // Whether a field takes a value as that of a new node does.

@@ -74,8 +74,8 @@ public:
     /// is not, counted from 1. Zero means correct, whatever the name says.
     static int isSequenceCorrect(std::string sequence);
 
-    // Bases: of all pairs and both strands. Getters read adenine of strand 1. What is invalid
-    // is ignored, and answered with -1, (-1, -1, -1) or false.
+    // Bases: SoNucleobase's operations of these names, or of its box, for all pairs and both
+    // strands, adenine's of strand 1 answering. What is invalid is answered as by an empty base.
 
     void setAtomColour(Atom atom, algebra3d::Vector3<double> colour);
     algebra3d::Vector3<double> getAtomColour(Atom atom) const;
@@ -94,13 +94,13 @@ public:
     bool areBaseBoxesShown() const;
     void setSmallerPyr(bool smaller);
     bool isPyrSmaller() const;
-    /// The box colour of the base with that letter, upper case, in both strands.
+    /// Of the base with that letter, upper case, in both strands.
     void setBaseColour(char base, algebra3d::Vector3<double> colour);
     algebra3d::Vector3<double> getBaseColour(char base) const;
 
     // Pair boxes
 
-    /// The thickness of the pair boxes and of all base boxes; stores the absolute value.
+    /// SoNucleobase's of all base boxes, and of the pair boxes.
     void setBoxHeight(double height);
     double getBoxHeight() const;
     void setBasepairColour(algebra3d::Vector3<double> colour);
@@ -110,12 +110,10 @@ public:
 
     static const double COLOUR_BP_DEF[3];
 
-    /// Draws the pairs from buffers where the graph and the state allow it, and traverses the
-    /// graph elsewhere; see docs/architecture.md.
+    /// As SoNucleobase's, all pairs together.
     void GLRenderBelowPath(SoGLRenderAction* action) override;
 
-    /// In a file it is the plain separator that it is made of, which any Coin program reads:
-    /// it shows the same then, and is no SoDNA any more.
+    /// As SoNucleobase's.
     const char* getFileFormatName() const override;
     void copyContents(const SoFieldContainer* from, SbBool copyConnections) override;
 

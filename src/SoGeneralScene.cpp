@@ -17,6 +17,7 @@
 #include <Inventor/nodes/SoVertexShader.h>
 #include <QFile>
 #include <gsl/gsl_spline.h>
+#include <toCoin.h>
 
 #include "detail/copyOf.h"
 
@@ -101,7 +102,7 @@ void colourEntries(const ColourMapper* mapper, SoMaterial* material, int offset,
     ColourMapper::Colour colour;
     for (std::size_t i = 0; i < count; ++i) {
         used.getColour(value(i), colour);
-        entries[i].setValue(float(colour.x), float(colour.y), float(colour.z));
+        entries[i] = toSbColor(colour);
     }
     material->ambientColor.setValues(offset, int(count), entries.data());
     material->diffuseColor.setValues(offset, int(count), entries.data());
@@ -215,7 +216,7 @@ void SoGeneralScene::prepareShaderParams()
     useLightOn->value = 1;
     for (int i = 0; i < 3; ++i) {
         const Vector3<double>& direction = LIGHT_DIRS[i];
-        lightDir->value.set1Value(i, float(direction.x), float(direction.y), float(direction.z));
+        lightDir->value.set1Value(i, toSbVec3f(direction));
         lightIntensity->value.set1Value(i, float(LIGHT_INTENSITY[i]));
         shininess->value.set1Value(i, float(LIGHT_SHININESS[i]));
     }

@@ -12,9 +12,9 @@
 
 #include <SoArrow.h>
 #include <global.h>
+#include <toCoin.h>
 
 #include "detail/copyOf.h"
-#include "detail/toSbVec3f.h"
 
 using Vector = algebra3d::Vector3<double>;
 

@@ -17,6 +17,7 @@
 #include <SoNucleobase.h>
 #include <SoQtGeneralViewer.h>
 #include <SoRod.h>
+#include <toCoin.h>
 
 using Rotation = algebra3d::Quaternion<double>;
 using Vector = algebra3d::Vector3<double>;
@@ -70,12 +71,9 @@ bool isDataCorrect(const std::vector<Vector>& points, const std::vector<Rotation
 
 SoMaterial* createMaterial(const Vector& ambient, const Vector& diffuse, const Vector& specular)
 {
-    const auto colour = [](const Vector& rgb) {
-        return SbColor(float(rgb.x), float(rgb.y), float(rgb.z));
-    };
     auto* material = new SoMaterial;
-    material->ambientColor = colour(ambient);
-    material->diffuseColor = colour(diffuse);
-    material->specularColor = colour(specular);
+    material->ambientColor = toSbColor(ambient);
+    material->diffuseColor = toSbColor(diffuse);
+    material->specularColor = toSbColor(specular);
     return material;
 }

@@ -9,6 +9,8 @@
 #include <Inventor/elements/SoViewingMatrixElement.h>
 #include <Inventor/nodes/SoCamera.h>
 
+#include "request/conversions.h"
+
 namespace strandview {
 
 namespace {
@@ -42,7 +44,7 @@ bool TileRenderer::render(int samplesLeft, int samplesBelow, const Colour& backg
     left = samplesLeft;
     below = samplesBelow;
     lastCamera = nullptr;
-    renderer.setBackgroundColor(SbColor(background.red, background.green, background.blue));
+    renderer.setBackgroundColor(toSbColor(background));
     asked = !narrowing;
     return renderer.render(graph) && asked;
 }

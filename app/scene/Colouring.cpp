@@ -10,9 +10,9 @@
 #include <strandview/analysis/scalars.h>
 #include <strandview/formats/text/wording.h>
 
+#include "request/conversions.h"
 #include "request/limits.h"
 #include "scene/Ticks.h"
-#include "scene/conversions.h"
 
 namespace strandview {
 

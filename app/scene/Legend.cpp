@@ -15,12 +15,12 @@
 #include <Inventor/nodes/SoMaterialBinding.h>
 #include <Inventor/nodes/SoQuadMesh.h>
 
+#include "request/conversions.h"
 #include "scene/Colouring.h"
 #include "scene/Lettering.h"
 #include "scene/SoLegendCamera.h"
 #include "scene/SoOverlay.h"
 #include "scene/Ticks.h"
-#include "scene/conversions.h"
 
 namespace strandview {
 
@@ -179,7 +179,7 @@ SbColor colourAt(const ColourMapper& ramp, double place)
 {
     ColourMapper::Colour colour;
     ramp.getColour(place, colour);
-    return SbColor(float(colour.x), float(colour.y), float(colour.z));
+    return toSbColor(colour);
 }
 
 // A filled shape of one colour.
@@ -342,8 +342,7 @@ void setLegendBackground(SoNode& legend, const Colour& background)
     for (int i = 0; i < legend.getChildren()->getLength(); ++i) {
         SoNode* child = (*legend.getChildren())[i];
         if (child->isOfType(SoBaseColor::getClassTypeId()))
-            static_cast<SoBaseColor*>(child)->rgb.setValue(float(ink.x), float(ink.y),
-                                                           float(ink.z));
+            static_cast<SoBaseColor*>(child)->rgb = toSbColor(ink);
     }
 }
 

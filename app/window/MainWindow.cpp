@@ -33,6 +33,7 @@
 
 #include "camera/Camera.h"
 #include "pictures/PictureWriter.h"
+#include "request/conversions.h"
 #include "scene/DataScene.h"
 #include "window/FrameWaiter.h"
 #include "window/LoadBar.h"
@@ -130,8 +131,7 @@ QWidget* MainWindow::buildView()
     viewer->setTransparencyType(SoGLRenderAction::SORTED_OBJECT_BLEND);
     viewer->setHeadlight(FALSE); // the scene has its lights
     viewer->setDecoration(FALSE);
-    const SbColor background(options.background.red, options.background.green,
-                             options.background.blue);
+    const SbColor background = toSbColor(options.background);
     if (background == SbColor(1, 1, 1))
         viewer->setWhiteBackground(true); // so that the key's next press gives black
     else

@@ -6,8 +6,8 @@
 #include <Inventor/bundles/SoMaterialBundle.h>
 #include <Inventor/elements/SoGLTextureEnabledElement.h>
 #include <Inventor/elements/SoMaterialBindingElement.h>
+#include <toCoin.h>
 
-#include "detail/toSbVec3f.h"
 #include "drawing/sendMaterial.h"
 
 /// Whether all vertices of a mesh have one material.

@@ -21,8 +21,8 @@
 
 #include <Mesh.h>
 #include <MeshVisitor.h>
+#include <toCoin.h>
 
-#include "detail/toSbVec3f.h"
 #include "drawing/DepthGrid.h"
 #include "drawing/GLVertexState.h"
 #include "drawing/drawNearestFirst.h"

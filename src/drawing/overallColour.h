@@ -5,6 +5,7 @@
 #include <Inventor/nodes/SoMaterial.h>
 
 #include <algebra3d/Vector3.h>
+#include <toCoin.h>
 
 /// What getters answer where there is no colour.
 inline algebra3d::Vector3<double> noColour() { return {-1, -1, -1}; }
@@ -12,7 +13,7 @@ inline algebra3d::Vector3<double> noColour() { return {-1, -1, -1}; }
 /// Makes a colour (red, green, blue) the material's ambient and diffuse one.
 inline void setOverallColour(SoMaterial* material, const algebra3d::Vector3<double>& colour)
 {
-    const SbColor converted(float(colour.x), float(colour.y), float(colour.z));
+    const SbColor converted = toSbColor(colour);
     material->ambientColor = converted;
     material->diffuseColor = converted;
 }

@@ -14,10 +14,10 @@
 #include <strandview/model/Configuration.h>
 
 #include "request/Colour.h"
+#include "request/conversions.h"
 #include "scene/Placement.h"
 #include "scene/ShownDatum.h"
 #include "scene/Style.h"
-#include "scene/conversions.h"
 
 namespace strandview {
 

@@ -35,6 +35,7 @@
 #include <biarc/Vector3.h>
 #include <global.h>
 #include <idealbases.h>
+#include <toCoin.h>
 
 int main()
 {
