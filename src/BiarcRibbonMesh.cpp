@@ -9,6 +9,20 @@
 
 using Vector = algebra3d::Vector3<double>;
 
+namespace {
+
+// Through the first m points.
+void interpolate(Curve<::Vector3>& curve, const std::vector<Vector>& edge, std::size_t m)
+{
+    curve.biarcs.reserve(m);
+    for (std::size_t i = 0; i < m; ++i)
+        curve.append(toBiarc(edge[i]), ::Vector3());
+    curve.computeTangents();
+    curve.makeMidpointRule();
+}
+
+} // namespace
+
 BiarcRibbonMesh::BiarcRibbonMesh(std::vector<Vector>& edgeA, std::vector<Vector>& edgeB,
                                  double width, int rowsPerBiarc, BiarcRibbonMesh* replaced)
     : RibbonMesh(width), interpolationCount(std::max(std::abs(double(rowsPerBiarc)), 1.0))
@@ -30,15 +44,8 @@ BiarcRibbonMesh::BiarcRibbonMesh(std::vector<Vector>& edgeA, std::vector<Vector>
     paramValues.resize(m);
     interpParamValues.resize(std::size_t(rows));
 
-    const auto interpolate = [m](Curve<::Vector3>& curve, const std::vector<Vector>& edge) {
-        curve.biarcs.reserve(m);
-        for (std::size_t i = 0; i < m; ++i)
-            curve.append(toBiarc(edge[i]), ::Vector3());
-        curve.computeTangents();
-        curve.makeMidpointRule();
-    };
-    interpolate(curveA, edgeA);
-    interpolate(curveB, edgeB);
+    interpolate(curveA, edgeA, m);
+    interpolate(curveB, edgeB, m);
 
     allocateUnconstructed();
     resetBB();

@@ -50,6 +50,30 @@ void tellNotices(const ReadReport& report)
         std::cerr << "strandview: " << notice << "\n";
 }
 
+// Of the window when its files are loaded and some seconds have passed, and closes it. What failed
+// is told when the window goes.
+void takePictureOnce(MainWindow& window, const Options& options, std::string& failure)
+{
+    failure = *options.windowPicture + ": the window was closed before its picture was taken";
+    const auto take = [&window, &options, &failure] {
+        QTimer::singleShot(int(1000 * options.windowPictureAfter), &window, [&] {
+            window.whenPainted([&] {
+                failure = saveWindow(window, *options.windowPicture);
+                window.close();
+            });
+        });
+    };
+    // Once: what the user opens meanwhile asks for no other.
+    if (window.isLoading())
+        QObject::connect(&window, &MainWindow::loadingEnded, &window,
+                         [take, first = true]() mutable {
+                             if (std::exchange(first, false))
+                                 take();
+                         });
+    else
+        take();
+}
+
 } // namespace
 
 std::string runWindow(const Options& options, const LoadJob::Loader& loader, ReadReport& report,
@@ -76,26 +100,8 @@ std::string runWindow(const Options& options, const LoadJob::Loader& loader, Rea
     }
     window.show();
     std::string failure;
-    if (options.windowPicture) {
-        failure = *options.windowPicture + ": the window was closed before its picture was taken";
-        const auto takePicture = [&] {
-            QTimer::singleShot(int(1000 * options.windowPictureAfter), &window, [&] {
-                window.whenPainted([&] {
-                    failure = saveWindow(window, *options.windowPicture);
-                    window.close();
-                });
-            });
-        };
-        // Once: what the user opens meanwhile asks for no other.
-        if (window.isLoading())
-            QObject::connect(&window, &MainWindow::loadingEnded, &window,
-                             [takePicture, first = true]() mutable {
-                                 if (std::exchange(first, false))
-                                     takePicture();
-                             });
-        else
-            takePicture();
-    }
+    if (options.windowPicture)
+        takePictureOnce(window, options, failure);
     SoQt::mainLoop();
     if (options.printCamera && window.hasScene())
         failure += failure.empty() ? printCamera(window.getCameraNumbers()) : "";

@@ -224,11 +224,22 @@ struct GlyphDrawing::Compiler
                                                      std::cos(slicePlace) * distance));
         }
 
+        const auto firstIndex = std::int32_t(indices.size());
+        addSphereFaces(first, width, std::uint32_t(rows));
+        const auto count = std::int32_t(indices.size()) - firstIndex;
+        parts.push_back({{SbVec3f(0, 0, 0), false, firstIndex, count},
+                         {state.place, std::abs(radius)},
+                         {},
+                         SbVec3f(0, 0, 0)});
+    }
+
+    // Of the poles, which come first, and of the rows after them.
+    void addSphereFaces(std::uint32_t first, std::uint32_t width, std::uint32_t rows)
+    {
         if (batches.empty() || batches.back().quads)
             batches.push_back({SbVec3f(0, 0, 0), false, std::int32_t(indices.size()), 0});
-        const auto firstIndex = std::int32_t(indices.size());
         const std::uint32_t rowStart = first + 2;
-        const std::uint32_t lastRow = rowStart + width * std::uint32_t(rows - 3);
+        const std::uint32_t lastRow = rowStart + width * (rows - 3);
         for (std::uint32_t i = 0; i + 1 < width; ++i)
             indices.insert(indices.end(), {first, rowStart + i, rowStart + i + 1});
         for (std::uint32_t row = rowStart; row < lastRow; row += width) {
@@ -240,11 +251,6 @@ struct GlyphDrawing::Compiler
         for (std::uint32_t i = lastRow; i + 1 < lastRow + width; ++i)
             indices.insert(indices.end(), {i, first + 1, i + 1});
         batches.back().count = std::int32_t(indices.size()) - batches.back().first;
-        const auto count = std::int32_t(indices.size()) - firstIndex;
-        parts.push_back({{SbVec3f(0, 0, 0), false, firstIndex, count},
-                         {state.place, std::abs(radius)},
-                         {},
-                         SbVec3f(0, 0, 0)});
     }
 
     // The corners in Coin's order; bits 0, 1 and 2 of a corner are negative x, y and z.

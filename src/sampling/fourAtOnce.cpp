@@ -95,7 +95,8 @@ ALWAYS_INLINE Four squareRoot(const Four& four)
 ALWAYS_INLINE Four norm(const FourVectors& v) { return squareRoot(dot(v, v)); }
 
 // BiarcSampler::sampleAt on two curved arcs, from there formula by formula. Each of four
-// samples takes the numbers of the arc that it lies on.
+// samples takes the numbers of the arc that it lies on. In one piece, as long as it is: its steps
+// share nearly all of their values, which stay in registers.
 FOUR_AT_ONCE void sampleArcs(const BiarcSampler<Vector3>& sampler, double step, int begin,
                              int count, CurveSamples& samples, int at)
 {
