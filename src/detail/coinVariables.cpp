@@ -8,7 +8,7 @@
 namespace {
 
 // As the library is loaded, for hosts start Coin themselves. What the user has set stays.
-const bool prepared = [] {
+const bool PREPARED = [] {
     const bool hasDisplay = std::getenv("DISPLAY") || std::getenv("WAYLAND_DISPLAY");
     for (const auto& [name, value] : coinVariables(SoDB::getVersion(), hasDisplay))
         setenv(name, value, 0);
