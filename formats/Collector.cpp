@@ -22,7 +22,7 @@ using Rotations = std::vector<algebra3d::Quaternion<double>>;
 
 /// A frame follows its rod if d3 is within 60 degrees of the points' direction, on
 /// average. Sheared rods do; quaternions that are meant in another way do not.
-constexpr double smallestMeanTangency = 0.5;
+constexpr double SMALLEST_MEAN_TANGENCY = 0.5;
 
 using Indices = std::vector<std::size_t>;
 
@@ -71,7 +71,7 @@ bool followsPoints(const Rotations& rotations, const Points& points)
         sum += d3.dot((points[i + 1] - points[i]).getUnit());
         ++edges;
     }
-    return sum >= smallestMeanTangency * double(edges);
+    return sum >= SMALLEST_MEAN_TANGENCY * double(edges);
 }
 
 /// Whether all points are one to the last bit.
@@ -83,7 +83,7 @@ bool areEqual(const Points& points)
     });
 }
 
-constexpr char foundTooNear[] =
+constexpr char FOUND_TOO_NEAR[] =
     "found points nearer than 1.5e-154 to one another, expected a unit in which they are apart";
 
 /// Makes values of elements, one fewer than the points, values of the points; whether
@@ -121,7 +121,7 @@ std::string Collector::add(Rod rod)
     if (kept.size() < 2)
         return areEqual(rod.points) ? "found " + counted(kept.size(), "distinct point") +
                                           ", expected at least 2 in a rod"
-                                    : foundTooNear;
+                                    : FOUND_TOO_NEAR;
     rodsOfElements += hasElements;
     mergedPoints += rod.points.size() - kept.size();
     if (kept.size() < rod.points.size())

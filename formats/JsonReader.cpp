@@ -26,40 +26,40 @@ namespace {
 
 /// Everything that the format has a place for.
 enum class Place {
-    file,
-    version,
-    rods,
-    rod,
-    birods,
-    birod,
-    dnas,
-    dna,
-    sequence,
-    strand,
-    markers,
-    marker,
-    shape,
-    transparency,
-    id,
-    frames,
-    frame,
-    arrows,
-    arrow,
-    length,
-    colour,
-    points,
-    point,
-    quaternions,
-    quaternion,
-    directorsOfAll,
-    directors,
-    director,
-    scalars,
-    values,
-    number
+    FILE,
+    VERSION,
+    RODS,
+    ROD,
+    BIRODS,
+    BIROD,
+    DNAS,
+    DNA,
+    SEQUENCE,
+    STRAND,
+    MARKERS,
+    MARKER,
+    SHAPE,
+    TRANSPARENCY,
+    ID,
+    FRAMES,
+    FRAME,
+    ARROWS,
+    ARROW,
+    LENGTH,
+    COLOUR,
+    POINTS,
+    POINT,
+    QUATERNIONS,
+    QUATERNION,
+    DIRECTORS_OF_ALL,
+    DIRECTORS,
+    DIRECTOR,
+    SCALARS,
+    VALUES,
+    NUMBER
 };
 
-enum class Kind { object, array, number, text };
+enum class Kind { OBJECT, ARRAY, NUMBER, TEXT };
 
 /// What a place holds.
 struct Rule
@@ -69,44 +69,44 @@ struct Rule
     const char* expected;
 };
 
-constexpr Rule rules[] = {
-    /* file */ {Kind::object, Place::file,
+constexpr Rule RULES[] = {
+    /* file */ {Kind::OBJECT, Place::FILE,
                 "an object with strandview and rods, birods, dna, markers, frames or arrows"},
-    /* version */ {Kind::number, Place::version, "1"},
-    /* rods */ {Kind::array, Place::rod, "an array of rods"},
-    /* rod */ {Kind::object, Place::rod, "an object with points"},
-    /* birods */ {Kind::array, Place::birod, "an array of birods"},
-    /* birod */ {Kind::object, Place::birod, "an object with average, strand1 and strand2"},
-    /* dnas */ {Kind::array, Place::dna, "an array of DNA"},
-    /* dna */ {Kind::object, Place::dna, "an object with sequence, pairs, strand1 and strand2"},
-    /* sequence */ {Kind::text, Place::sequence, "a string of A, C, G and T"},
-    /* strand */ {Kind::object, Place::strand, "an object with points and quaternions"},
-    /* markers */ {Kind::array, Place::marker, "an array of markers"},
-    /* marker */ {Kind::object, Place::marker, "an object with point"},
-    /* shape */ {Kind::text, Place::shape, "sphere, cube or cross"},
-    /* transparency */ {Kind::number, Place::transparency, "a number from 0 to 1"},
-    /* id */ {Kind::number, Place::id, "a whole number from -2^63 to 2^63 - 1"},
-    /* frames */ {Kind::array, Place::frame, "an array of frames"},
-    /* frame */ {Kind::object, Place::frame, "an object with point and quaternion"},
-    /* arrows */ {Kind::array, Place::arrow, "an array of arrows"},
-    /* arrow */ {Kind::object, Place::arrow, "an object with from and to"},
-    /* length */ {Kind::number, Place::length, "a number above 0 and up to 1e18"},
-    /* colour */ {Kind::text, Place::colour, "a colour: #rrggbb or an SVG name"},
-    /* points */ {Kind::array, Place::point, "an array of points"},
-    /* point */ {Kind::array, Place::number, "an array of 3 numbers"},
-    /* quaternions */ {Kind::array, Place::quaternion, "an array of quaternions"},
-    /* quaternion */ {Kind::array, Place::number, "an array of 4 numbers"},
-    /* directorsOfAll */ {Kind::array, Place::directors, "an array of directors"},
-    /* directors */ {Kind::array, Place::director, "an array of d1, d2 and d3"},
-    /* director */ {Kind::array, Place::number, "an array of 3 numbers"},
-    /* scalars */ {Kind::object, Place::values, "an object of arrays of numbers"},
-    /* values */ {Kind::array, Place::number, "an array of numbers"},
-    /* number */ {Kind::number, Place::number, expectedNumber},
+    /* version */ {Kind::NUMBER, Place::VERSION, "1"},
+    /* rods */ {Kind::ARRAY, Place::ROD, "an array of rods"},
+    /* rod */ {Kind::OBJECT, Place::ROD, "an object with points"},
+    /* birods */ {Kind::ARRAY, Place::BIROD, "an array of birods"},
+    /* birod */ {Kind::OBJECT, Place::BIROD, "an object with average, strand1 and strand2"},
+    /* dnas */ {Kind::ARRAY, Place::DNA, "an array of DNA"},
+    /* dna */ {Kind::OBJECT, Place::DNA, "an object with sequence, pairs, strand1 and strand2"},
+    /* sequence */ {Kind::TEXT, Place::SEQUENCE, "a string of A, C, G and T"},
+    /* strand */ {Kind::OBJECT, Place::STRAND, "an object with points and quaternions"},
+    /* markers */ {Kind::ARRAY, Place::MARKER, "an array of markers"},
+    /* marker */ {Kind::OBJECT, Place::MARKER, "an object with point"},
+    /* shape */ {Kind::TEXT, Place::SHAPE, "sphere, cube or cross"},
+    /* transparency */ {Kind::NUMBER, Place::TRANSPARENCY, "a number from 0 to 1"},
+    /* id */ {Kind::NUMBER, Place::ID, "a whole number from -2^63 to 2^63 - 1"},
+    /* frames */ {Kind::ARRAY, Place::FRAME, "an array of frames"},
+    /* frame */ {Kind::OBJECT, Place::FRAME, "an object with point and quaternion"},
+    /* arrows */ {Kind::ARRAY, Place::ARROW, "an array of arrows"},
+    /* arrow */ {Kind::OBJECT, Place::ARROW, "an object with from and to"},
+    /* length */ {Kind::NUMBER, Place::LENGTH, "a number above 0 and up to 1e18"},
+    /* colour */ {Kind::TEXT, Place::COLOUR, "a colour: #rrggbb or an SVG name"},
+    /* points */ {Kind::ARRAY, Place::POINT, "an array of points"},
+    /* point */ {Kind::ARRAY, Place::NUMBER, "an array of 3 numbers"},
+    /* quaternions */ {Kind::ARRAY, Place::QUATERNION, "an array of quaternions"},
+    /* quaternion */ {Kind::ARRAY, Place::NUMBER, "an array of 4 numbers"},
+    /* directorsOfAll */ {Kind::ARRAY, Place::DIRECTORS, "an array of directors"},
+    /* directors */ {Kind::ARRAY, Place::DIRECTOR, "an array of d1, d2 and d3"},
+    /* director */ {Kind::ARRAY, Place::NUMBER, "an array of 3 numbers"},
+    /* scalars */ {Kind::OBJECT, Place::VALUES, "an object of arrays of numbers"},
+    /* values */ {Kind::ARRAY, Place::NUMBER, "an array of numbers"},
+    /* number */ {Kind::NUMBER, Place::NUMBER, EXPECTED_NUMBER},
 };
 
-const Rule& ruleOf(Place place) { return rules[static_cast<std::size_t>(place)]; }
+const Rule& ruleOf(Place place) { return RULES[static_cast<std::size_t>(place)]; }
 
-enum class Need { required, optional };
+enum class Need { REQUIRED, OPTIONAL };
 
 /// A key with a meaning of its own; those of scalars are free.
 struct Member
@@ -117,47 +117,47 @@ struct Member
     Need need;
 };
 
-constexpr Member members[] = {
-    {Place::file, "strandview", Place::version, Need::required},
-    {Place::file, "rods", Place::rods, Need::optional},
-    {Place::file, "birods", Place::birods, Need::optional},
-    {Place::file, "dna", Place::dnas, Need::optional},
-    {Place::file, "markers", Place::markers, Need::optional},
-    {Place::file, "frames", Place::frames, Need::optional},
-    {Place::file, "arrows", Place::arrows, Need::optional},
-    {Place::rod, "points", Place::points, Need::required},
-    {Place::rod, "quaternions", Place::quaternions, Need::optional},
-    {Place::rod, "directors", Place::directorsOfAll, Need::optional},
-    {Place::rod, "scalars", Place::scalars, Need::optional},
-    {Place::birod, "average", Place::strand, Need::required},
-    {Place::birod, "strand1", Place::strand, Need::required},
-    {Place::birod, "strand2", Place::strand, Need::required},
-    {Place::dna, "sequence", Place::sequence, Need::required},
-    {Place::dna, "pairs", Place::strand, Need::required},
-    {Place::dna, "strand1", Place::strand, Need::optional},
-    {Place::dna, "strand2", Place::strand, Need::optional},
-    {Place::strand, "points", Place::points, Need::required},
-    {Place::strand, "quaternions", Place::quaternions, Need::optional},
-    {Place::strand, "directors", Place::directorsOfAll, Need::optional},
-    {Place::marker, "point", Place::point, Need::required},
-    {Place::marker, "shape", Place::shape, Need::optional},
-    {Place::marker, "size", Place::length, Need::optional},
-    {Place::marker, "colour", Place::colour, Need::optional},
-    {Place::marker, "transparency", Place::transparency, Need::optional},
-    {Place::marker, "id", Place::id, Need::optional},
-    {Place::frame, "point", Place::point, Need::required},
-    {Place::frame, "quaternion", Place::quaternion, Need::optional},
-    {Place::frame, "directors", Place::directors, Need::optional},
-    {Place::frame, "size", Place::length, Need::optional},
-    {Place::arrow, "from", Place::point, Need::required},
-    {Place::arrow, "to", Place::point, Need::required},
-    {Place::arrow, "radius", Place::length, Need::optional},
-    {Place::arrow, "colour", Place::colour, Need::optional},
+constexpr Member MEMBERS[] = {
+    {Place::FILE, "strandview", Place::VERSION, Need::REQUIRED},
+    {Place::FILE, "rods", Place::RODS, Need::OPTIONAL},
+    {Place::FILE, "birods", Place::BIRODS, Need::OPTIONAL},
+    {Place::FILE, "dna", Place::DNAS, Need::OPTIONAL},
+    {Place::FILE, "markers", Place::MARKERS, Need::OPTIONAL},
+    {Place::FILE, "frames", Place::FRAMES, Need::OPTIONAL},
+    {Place::FILE, "arrows", Place::ARROWS, Need::OPTIONAL},
+    {Place::ROD, "points", Place::POINTS, Need::REQUIRED},
+    {Place::ROD, "quaternions", Place::QUATERNIONS, Need::OPTIONAL},
+    {Place::ROD, "directors", Place::DIRECTORS_OF_ALL, Need::OPTIONAL},
+    {Place::ROD, "scalars", Place::SCALARS, Need::OPTIONAL},
+    {Place::BIROD, "average", Place::STRAND, Need::REQUIRED},
+    {Place::BIROD, "strand1", Place::STRAND, Need::REQUIRED},
+    {Place::BIROD, "strand2", Place::STRAND, Need::REQUIRED},
+    {Place::DNA, "sequence", Place::SEQUENCE, Need::REQUIRED},
+    {Place::DNA, "pairs", Place::STRAND, Need::REQUIRED},
+    {Place::DNA, "strand1", Place::STRAND, Need::OPTIONAL},
+    {Place::DNA, "strand2", Place::STRAND, Need::OPTIONAL},
+    {Place::STRAND, "points", Place::POINTS, Need::REQUIRED},
+    {Place::STRAND, "quaternions", Place::QUATERNIONS, Need::OPTIONAL},
+    {Place::STRAND, "directors", Place::DIRECTORS_OF_ALL, Need::OPTIONAL},
+    {Place::MARKER, "point", Place::POINT, Need::REQUIRED},
+    {Place::MARKER, "shape", Place::SHAPE, Need::OPTIONAL},
+    {Place::MARKER, "size", Place::LENGTH, Need::OPTIONAL},
+    {Place::MARKER, "colour", Place::COLOUR, Need::OPTIONAL},
+    {Place::MARKER, "transparency", Place::TRANSPARENCY, Need::OPTIONAL},
+    {Place::MARKER, "id", Place::ID, Need::OPTIONAL},
+    {Place::FRAME, "point", Place::POINT, Need::REQUIRED},
+    {Place::FRAME, "quaternion", Place::QUATERNION, Need::OPTIONAL},
+    {Place::FRAME, "directors", Place::DIRECTORS, Need::OPTIONAL},
+    {Place::FRAME, "size", Place::LENGTH, Need::OPTIONAL},
+    {Place::ARROW, "from", Place::POINT, Need::REQUIRED},
+    {Place::ARROW, "to", Place::POINT, Need::REQUIRED},
+    {Place::ARROW, "radius", Place::LENGTH, Need::OPTIONAL},
+    {Place::ARROW, "colour", Place::COLOUR, Need::OPTIONAL},
 };
 
 const Member* findMember(Place owner, const std::string& key)
 {
-    for (const Member& member : members)
+    for (const Member& member : MEMBERS)
         if (member.owner == owner && member.key == key)
             return &member;
     return nullptr;
@@ -166,15 +166,15 @@ const Member* findMember(Place owner, const std::string& key)
 std::string keysOf(Place owner)
 {
     std::string keys;
-    for (const Member& member : members)
+    for (const Member& member : MEMBERS)
         if (member.owner == owner)
             keys += (keys.empty() ? "" : ", ") + std::string(member.key);
     return keys;
 }
 
-constexpr std::pair<const char*, Marker::Shape> shapes[] = {{"sphere", Marker::Shape::sphere},
-                                                            {"cube", Marker::Shape::cube},
-                                                            {"cross", Marker::Shape::cross}};
+constexpr std::pair<const char*, Marker::Shape> SHAPES[] = {{"sphere", Marker::Shape::SPHERE},
+                                                            {"cube", Marker::Shape::CUBE},
+                                                            {"cross", Marker::Shape::CROSS}};
 
 using Vector = algebra3d::Vector3<double>;
 using Quaternion = algebra3d::Quaternion<double>;
@@ -302,7 +302,7 @@ public:
     /// Among a scalar's values it stands for one that is no number.
     bool null() override
     {
-        if (levels.empty() || levels.back().place != Place::values)
+        if (levels.empty() || levels.back().place != Place::VALUES)
             return failExpected("null");
         return addNumber(levels.back(), std::numeric_limits<double>::quiet_NaN()) && goOn();
     }
@@ -310,7 +310,7 @@ public:
     bool string(std::string& value) override
     {
         const Place place = nextPlace();
-        if (ruleOf(place).kind != Kind::text)
+        if (ruleOf(place).kind != Kind::TEXT)
             return failExpected("the string " + inQuotes(value));
         return takeText(place, value) && goOn();
     }
@@ -324,13 +324,13 @@ public:
     }
     bool number_float(double value, const std::string&) override { return number(value); }
 
-    bool start_object(std::size_t) override { return enter(Kind::object, "an object"); }
-    bool start_array(std::size_t) override { return enter(Kind::array, "an array"); }
+    bool start_object(std::size_t) override { return enter(Kind::OBJECT, "an object"); }
+    bool start_array(std::size_t) override { return enter(Kind::ARRAY, "an array"); }
 
     bool key(std::string& value) override
     {
         Level& level = levels.back();
-        const bool isOfOurs = level.place != Place::scalars;
+        const bool isOfOurs = level.place != Place::SCALARS;
         level.key = isOfOurs && value == "color" ? "colour" : value;
         if (isOfOurs && !findMember(level.place, level.key))
             return fail("found an unknown key, expected one of " + keysOf(level.place));
@@ -347,8 +347,8 @@ public:
     bool end_object() override
     {
         const Level level = leave();
-        for (const Member& member : members)
-            if (member.owner == level.place && member.need == Need::required &&
+        for (const Member& member : MEMBERS)
+            if (member.owner == level.place && member.need == Need::REQUIRED &&
                 !level.keys.count(member.key))
                 return fail("found no key " + std::string(member.key) + ", expected one");
         return finish(level) && goOn();
@@ -357,13 +357,13 @@ public:
     bool end_array() override
     {
         const Level level = leave();
-        if (level.place == Place::point)
+        if (level.place == Place::POINT)
             return requireCount(level, 3) && addPoint() && goOn();
-        if (level.place == Place::director)
+        if (level.place == Place::DIRECTOR)
             return requireCount(level, 3) && addDirector() && goOn();
-        if (level.place == Place::directors)
+        if (level.place == Place::DIRECTORS)
             return requireCount(level, 3, "director") && addRotationOfDirectors() && goOn();
-        if (level.place == Place::quaternion)
+        if (level.place == Place::QUATERNION)
             return requireCount(level, 4) && addRotation() && goOn();
         return goOn();
     }
@@ -374,7 +374,7 @@ public:
     {
         const bool isTooLarge = dynamic_cast<const nlohmann::json::out_of_range*>(&error);
         const std::string expected =
-            ", expected " + (isTooLarge ? expectedNumber : expectedByParser(error.what()));
+            ", expected " + (isTooLarge ? EXPECTED_NUMBER : expectedByParser(error.what()));
         if (position > text.size())
             return failInText(text.size(), "found the end of the file" + expected);
         const std::string_view word = wordAround(text, position - 1);
@@ -386,7 +386,7 @@ private:
     Place nextPlace() const
     {
         if (levels.empty())
-            return Place::file;
+            return Place::FILE;
         const Level& level = levels.back();
         const Member* member = findMember(level.place, level.key);
         return member ? member->place : ruleOf(level.place).element;
@@ -413,12 +413,12 @@ private:
     {
         if (!levels.empty())
             ++levels.back().index;
-        return milestones.pass(std::size_t(place - text.data())) || failAt("", readingStopped);
+        return milestones.pass(std::size_t(place - text.data())) || failAt("", READING_STOPPED);
     }
 
     bool wholeNumber(std::int64_t value)
     {
-        if (nextPlace() != Place::id)
+        if (nextPlace() != Place::ID)
             return number(static_cast<double>(value));
         marker.id = value;
         return goOn();
@@ -429,11 +429,11 @@ private:
         const Place place = nextPlace();
         if (!mayStandAt(place, value))
             return failExpected(formatted(value));
-        if (place == Place::number && !addNumber(levels.back(), value))
+        if (place == Place::NUMBER && !addNumber(levels.back(), value))
             return false;
-        if (place == Place::transparency)
+        if (place == Place::TRANSPARENCY)
             marker.transparency = value;
-        if (place == Place::length)
+        if (place == Place::LENGTH)
             currentLength() = value;
         return goOn();
     }
@@ -441,14 +441,14 @@ private:
     static bool mayStandAt(Place place, double value)
     {
         switch (place) {
-        case Place::version:
+        case Place::VERSION:
             return value == 1;
-        case Place::transparency:
+        case Place::TRANSPARENCY:
             return value >= 0 && value <= 1;
-        case Place::length:
+        case Place::LENGTH:
             return value > 0 && isCoordinate(value);
         default:
-            return place == Place::number;
+            return place == Place::NUMBER;
         }
     }
 
@@ -456,10 +456,10 @@ private:
     /// values.
     bool addNumber(const Level& level, double value)
     {
-        if (level.place == Place::values)
+        if (level.place == Place::VALUES)
             rod.scalars.back().values.push_back(value);
-        else if (level.place == Place::point && !isCoordinate(value))
-            return fail("found " + formatted(value) + ", expected " + expectedCoordinate);
+        else if (level.place == Place::POINT && !isCoordinate(value))
+            return fail("found " + formatted(value) + ", expected " + EXPECTED_COORDINATE);
         else if (level.index < components.size())
             components[level.index] = value;
         return true;
@@ -467,9 +467,9 @@ private:
 
     bool takeText(Place place, std::string& value)
     {
-        if (place == Place::sequence)
+        if (place == Place::SEQUENCE)
             return takeSequence(value);
-        if (place == Place::shape)
+        if (place == Place::SHAPE)
             return takeShape(value);
         currentColour() = std::move(value);
         return true;
@@ -483,7 +483,7 @@ private:
                 return failAt(path() + "[" + std::to_string(i) + "]",
                               "found " +
                                   inQuotes(firstCharacter(std::string_view(value).substr(i))) +
-                                  ", expected " + expectedBase);
+                                  ", expected " + EXPECTED_BASE);
             dna.bases += *base;
         }
         return true;
@@ -491,7 +491,7 @@ private:
 
     bool takeShape(const std::string& value)
     {
-        for (const auto& [name, shape] : shapes)
+        for (const auto& [name, shape] : SHAPES)
             if (value == name) {
                 marker.shape = shape;
                 return true;
@@ -503,27 +503,27 @@ private:
     Vector& currentPoint()
     {
         const Level& level = levels.back();
-        if (level.place == Place::points)
+        if (level.place == Place::POINTS)
             return strand.points.emplace_back();
-        if (level.place == Place::arrow)
+        if (level.place == Place::ARROW)
             return level.key == "from" ? arrow.from : arrow.to;
-        return level.place == Place::marker ? marker.point : frame.point;
+        return level.place == Place::MARKER ? marker.point : frame.point;
     }
     Quaternion& currentRotation()
     {
-        return levels.back().place == Place::frame ? frame.rotation
+        return levels.back().place == Place::FRAME ? frame.rotation
                                                    : strand.rotations.emplace_back();
     }
     std::optional<double>& currentLength()
     {
         const Place owner = levels.back().place;
-        return owner == Place::marker  ? marker.size
-               : owner == Place::frame ? frame.size
+        return owner == Place::MARKER  ? marker.size
+               : owner == Place::FRAME ? frame.size
                                        : arrow.radius;
     }
     std::optional<std::string>& currentColour()
     {
-        return levels.back().place == Place::marker ? marker.colour : arrow.colour;
+        return levels.back().place == Place::MARKER ? marker.colour : arrow.colour;
     }
 
     bool addPoint()
@@ -558,21 +558,21 @@ private:
     bool finish(const Level& level)
     {
         switch (level.place) {
-        case Place::rod:
+        case Place::ROD:
             return finishRod(level);
-        case Place::strand:
+        case Place::STRAND:
             return finishStrand(level);
-        case Place::birod:
+        case Place::BIROD:
             return finishBirod();
-        case Place::dna:
+        case Place::DNA:
             return finishDna(level);
-        case Place::marker:
+        case Place::MARKER:
             if (!level.keys.count("id"))
                 marker.id = static_cast<long long>(levels.back().index);
             return finishGlyph(marker);
-        case Place::frame:
+        case Place::FRAME:
             return requireRotations(level, "quaternion") && finishGlyph(frame);
-        case Place::arrow:
+        case Place::ARROW:
             return finishGlyph(arrow);
         default:
             return true;
@@ -601,7 +601,7 @@ private:
             return false;
         const std::string member = level.keys.count("directors") ? ".directors" : ".quaternions";
         const std::size_t count = strand.points.size();
-        const bool fits = levels.back().place == Place::birod
+        const bool fits = levels.back().place == Place::BIROD
                               ? requirePerPointOrElement(member, strand.rotations.size(), count)
                               : requireOneEach(member, strand.rotations.size(), count, "point");
         if (!fits)
@@ -708,7 +708,7 @@ private:
     {
         std::string result;
         for (const Level& level : levels)
-            result += ruleOf(level.place).kind == Kind::array
+            result += ruleOf(level.place).kind == Kind::ARRAY
                           ? "[" + std::to_string(level.index) + "]"
                           : memberText(level.key);
         return result.substr(!result.empty() && result[0] == '.' ? 1 : 0);

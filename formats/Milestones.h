@@ -9,7 +9,7 @@
 namespace strandview {
 
 /// What the error says when ReadOptions::goOn stopped a reader.
-constexpr char readingStopped[] = "reading was stopped";
+constexpr char READING_STOPPED[] = "reading was stopped";
 
 /// Asks ReadOptions::goOn on a reader's way through a text: every 64 KiB, some
 /// milliseconds of work.

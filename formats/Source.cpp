@@ -21,8 +21,8 @@ namespace strandview {
 namespace {
 
 constexpr std::uint64_t everything = std::numeric_limits<std::uint64_t>::max();
-constexpr std::size_t smallestRoom = 1 << 20;
-constexpr char standardInput[] = "standard input";
+constexpr std::size_t SMALLEST_ROOM = 1 << 20;
+constexpr char STANDARD_INPUT[] = "standard input";
 
 bool fail(const std::string& name, const std::string& what, ReadReport& report)
 {
@@ -55,7 +55,7 @@ bool waitForInput(int descriptor, const ReadOptions& options)
 std::unique_ptr<Source> Source::open(const std::string& path, ReadReport& report)
 {
     if (path == "-")
-        return std::unique_ptr<Source>(new Source(standardInput, "", STDIN_FILENO));
+        return std::unique_ptr<Source>(new Source(STANDARD_INPUT, "", STDIN_FILENO));
     // Whoever opens a pipe that nobody writes to yet does not wait for that.
     const int descriptor = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     if (descriptor >= 0)
@@ -93,10 +93,10 @@ Source::~Source()
 /// has no size of its own may be long too.
 std::size_t Source::roomFor(std::uint64_t count) const
 {
-    if (count < smallestRoom)
+    if (count < SMALLEST_ROOM)
         return std::size_t(count);
     const std::uint64_t whole =
-        std::max({size.value_or(0) + 1, std::uint64_t(smallestRoom), 2 * std::uint64_t(filled)});
+        std::max({size.value_or(0) + 1, std::uint64_t(SMALLEST_ROOM), 2 * std::uint64_t(filled)});
     return std::size_t(std::min(count, whole));
 }
 
@@ -106,7 +106,7 @@ bool Source::readPiece(char* to, std::size_t count, std::optional<std::uint64_t>
 {
     for (;;) {
         if (!waitForInput(descriptor, options))
-            return fail(name, readingStopped, report);
+            return fail(name, READING_STOPPED, report);
         const ssize_t result =
             offset ? pread(descriptor, to, count, off_t(*offset)) : read(descriptor, to, count);
         got = std::size_t(std::max(result, ssize_t(0)));
@@ -161,7 +161,7 @@ std::optional<std::string> Source::readAt(std::uint64_t offset, std::size_t coun
     std::size_t place = 0, got = 1;
     for (; got > 0 && place < count; place += got) {
         // Not all the room at once: a count may be a broken file's own.
-        bytes.resize(place + std::min(count - place, std::max(place, smallestRoom)));
+        bytes.resize(place + std::min(count - place, std::max(place, SMALLEST_ROOM)));
         if (!readPiece(&bytes[place], bytes.size() - place, offset + place, options, report, got))
             return {};
     }

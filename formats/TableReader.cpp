@@ -28,29 +28,29 @@ using Names = std::vector<std::string>;
 
 /// The columns that place a point with its frame, by a quaternion or by directors. The
 /// first ones are in the order of a table without a header.
-const Names rodNames = {"x",   "y",   "z",   "qx",  "qy",  "qz",  "qw",  "d1x",
-                        "d1y", "d1z", "d2x", "d2y", "d2z", "d3x", "d3y", "d3z"};
-constexpr std::size_t frameWidth = 16; ///< of all names
-constexpr std::size_t plainWidth = 7;  ///< of those without a header
-constexpr std::size_t firstOfQuaternion = 3;
-constexpr std::size_t firstOfDirectors = 7;
+const Names ROD_NAMES = {"x",   "y",   "z",   "qx",  "qy",  "qz",  "qw",  "d1x",
+                         "d1y", "d1z", "d2x", "d2y", "d2z", "d3x", "d3y", "d3z"};
+constexpr std::size_t FRAME_WIDTH = 16; ///< of all names
+constexpr std::size_t PLAIN_WIDTH = 7;  ///< of those without a header
+constexpr std::size_t FIRST_OF_QUATERNION = 3;
+constexpr std::size_t FIRST_OF_DIRECTORS = 7;
 constexpr std::size_t noColumn = static_cast<std::size_t>(-1);
 
 /// What the frames of a row of DNA belong to.
-constexpr std::array<const char*, 3> dnaOwners = {"the pair", "strand 1", "strand 2"};
+constexpr std::array<const char*, 3> DNA_OWNERS = {"the pair", "strand 1", "strand 2"};
 /// The base comes first. One frame is that of the pair and of both bases.
-constexpr std::size_t dnaWidth = 1 + dnaOwners.size() * plainWidth;
-constexpr std::size_t flatDnaWidth = 1 + plainWidth;
+constexpr std::size_t dnaWidth = 1 + DNA_OWNERS.size() * PLAIN_WIDTH;
+constexpr std::size_t FLAT_DNA_WIDTH = 1 + PLAIN_WIDTH;
 constexpr char expectedOfDna[] = "(a base, and x y z qx qy qz qw of the pair)";
-constexpr char expectedOfBases[] =
+constexpr char EXPECTED_OF_BASES[] =
     "(a base, and x y z qx qy qz qw of the pair, of strand 1 and of strand 2)";
 
 /// The columns that place a base pair: as of a rod, then with 1, then with 2 behind.
 Names makeDnaNames()
 {
-    Names names = rodNames;
+    Names names = ROD_NAMES;
     for (const char* strand : {"1", "2"})
-        for (const std::string& name : rodNames)
+        for (const std::string& name : ROD_NAMES)
             names.push_back(name + strand);
     return names;
 }
@@ -66,17 +66,17 @@ bool areCommasDecimal(const std::vector<std::string_view>& fields)
            });
 }
 
-constexpr char expectedClosingQuote[] = "a closing quote at the end of the field";
-constexpr char decimalPointHint[] = ", with a decimal point";
+constexpr char EXPECTED_CLOSING_QUOTE[] = "a closing quote at the end of the field";
+constexpr char DECIMAL_POINT_HINT[] = ", with a decimal point";
 
 /// What should stand there instead of a field that is no finite number.
 std::string expectedInstead(std::string_view field, std::errc status)
 {
     if (hasOpenQuote(field))
-        return expectedClosingQuote;
+        return EXPECTED_CLOSING_QUOTE;
     if (status == std::errc::result_out_of_range)
         return "a number within the range of double precision";
-    return std::string(expectedNumber) + (hasComma(field) ? decimalPointHint : "");
+    return std::string(EXPECTED_NUMBER) + (hasComma(field) ? DECIMAL_POINT_HINT : "");
 }
 
 std::string foundField(std::string_view field)
@@ -127,7 +127,7 @@ Names namesOfColumns(const std::vector<std::string_view>& fields, const Names& k
 
 Names namesWithoutHeader(std::size_t count)
 {
-    Names names(rodNames.begin(), rodNames.begin() + std::min(count, plainWidth));
+    Names names(ROD_NAMES.begin(), ROD_NAMES.begin() + std::min(count, PLAIN_WIDTH));
     while (names.size() < count)
         names.push_back(nameByNumber(names.size()));
     return names;
@@ -135,9 +135,9 @@ Names namesWithoutHeader(std::size_t count)
 
 bool haveNamesOfPoints(const std::vector<std::string_view>& fields)
 {
-    return std::all_of(rodNames.begin(), rodNames.begin() + 3, [&](const std::string& name) {
+    return std::all_of(ROD_NAMES.begin(), ROD_NAMES.begin() + 3, [&](const std::string& name) {
         return std::any_of(fields.begin(), fields.end(),
-                           [&](auto field) { return nameOfColumn(field, rodNames) == name; });
+                           [&](auto field) { return nameOfColumn(field, ROD_NAMES) == name; });
     });
 }
 
@@ -148,8 +148,8 @@ Names namesOfDna(std::size_t count)
 {
     Names names = {"base"};
     for (std::size_t frame = 0; names.size() < count; ++frame) {
-        const auto first = dnaNames.begin() + std::ptrdiff_t(frame * frameWidth);
-        names.insert(names.end(), first, first + plainWidth);
+        const auto first = dnaNames.begin() + std::ptrdiff_t(frame * FRAME_WIDTH);
+        names.insert(names.end(), first, first + PLAIN_WIDTH);
     }
     return names;
 }
@@ -157,7 +157,7 @@ Names namesOfDna(std::size_t count)
 bool nameStrands(const std::vector<std::string_view>& fields)
 {
     return std::any_of(fields.begin(), fields.end(), [](auto field) {
-        return isNameOf(field, dnaNames) && !isNameOf(field, rodNames);
+        return isNameOf(field, dnaNames) && !isNameOf(field, ROD_NAMES);
     });
 }
 
@@ -196,17 +196,17 @@ struct Columns
     std::vector<std::size_t> geometry; ///< the column of each of knownNames(), or noColumn
     std::vector<std::size_t> others;   ///< the scalars; of DNA the base
 
-    const Names& knownNames() const { return areOfDna ? dnaNames : rodNames; }
+    const Names& knownNames() const { return areOfDna ? dnaNames : ROD_NAMES; }
     bool have(std::size_t name) const { return geometry[name] != noColumn; }
     /// Any of them: a header that was accepted has all.
     bool nameQuaternion(std::size_t frame) const
     {
-        const std::size_t first = frame * frameWidth + firstOfQuaternion;
+        const std::size_t first = frame * FRAME_WIDTH + FIRST_OF_QUATERNION;
         return have(first) || have(first + 1) || have(first + 2) || have(first + 3);
     }
     static std::array<std::size_t, 3> namesOfDirector(std::size_t frame, std::size_t director)
     {
-        const std::size_t first = frame * frameWidth + firstOfDirectors + 3 * director;
+        const std::size_t first = frame * FRAME_WIDTH + FIRST_OF_DIRECTORS + 3 * director;
         return {first, first + 1, first + 2};
     }
     bool haveDirector(std::size_t frame, std::size_t director) const
@@ -223,7 +223,7 @@ struct Columns
         return haveDirector(frame, 0) || haveDirector(frame, 1) || haveDirector(frame, 2);
     }
     /// Of DNA: of the bases, too, or of the pairs alone.
-    bool haveBases() const { return have(frameWidth); }
+    bool haveBases() const { return have(FRAME_WIDTH); }
 };
 
 /// A field without a number, as it stands there.
@@ -248,7 +248,7 @@ public:
     std::optional<Configuration> read()
     {
         for (; !scanner.isAtEnd(); scanner.nextLine())
-            if (!(milestones.pass(scanner.getPosition()) || fail(readingStopped)) || !readLine())
+            if (!(milestones.pass(scanner.getPosition()) || fail(READING_STOPPED)) || !readLine())
                 return {};
         if (!finishBlock())
             return {};
@@ -305,7 +305,7 @@ private:
             return takeDnaColumnCount(count);
         if (count == 1 && isAtomList())
             return fail("found an atom list, expected rows of numbers");
-        if (count != 3 && count < plainWidth)
+        if (count != 3 && count < PLAIN_WIDTH)
             return fail("found " + counted(count, "column") +
                         ", expected 3 (x y z), or 7 or more (x y z qx qy qz qw and scalars)" +
                         hintFor(scanner));
@@ -315,10 +315,10 @@ private:
 
     bool takeDnaColumnCount(std::size_t count)
     {
-        if (count != flatDnaWidth && count != dnaWidth)
+        if (count != FLAT_DNA_WIDTH && count != dnaWidth)
             return fail("found " + counted(count, "column") + ", expected " +
-                        std::to_string(flatDnaWidth) + " " + expectedOfDna + " or " +
-                        std::to_string(dnaWidth) + " " + expectedOfBases + hintFor(scanner));
+                        std::to_string(FLAT_DNA_WIDTH) + " " + expectedOfDna + " or " +
+                        std::to_string(dnaWidth) + " " + EXPECTED_OF_BASES + hintFor(scanner));
         setColumns(namesOfDna(count));
         return true;
     }
@@ -340,7 +340,7 @@ private:
         line.makeCommasText();
         const std::vector<std::string_view> words = remainingFields(line);
         const bool haveCommas = std::any_of(words.begin(), words.end(), hasComma);
-        return haveCommas && areCommasDecimal(words) ? decimalPointHint : "";
+        return haveCommas && areCommasDecimal(words) ? DECIMAL_POINT_HINT : "";
     }
 
     bool takeHeader(const std::vector<std::string_view>& fields)
@@ -348,7 +348,7 @@ private:
         for (std::size_t c = 0; c < fields.size(); ++c)
             if (hasOpenQuote(fields[c]))
                 return fail(columnText(c) + ": " + foundField(fields[c]) + ", expected " +
-                            expectedClosingQuote);
+                            EXPECTED_CLOSING_QUOTE);
         columns.areOfDna = isDnaHeader(fields);
         if (std::none_of(fields.begin(), fields.end(),
                          [&](auto field) { return isNameOf(field, columns.knownNames()); }))
@@ -385,7 +385,7 @@ private:
 
     bool checkDnaHeader()
     {
-        const std::size_t frames = nameBases() ? dnaOwners.size() : 1;
+        const std::size_t frames = nameBases() ? DNA_OWNERS.size() : 1;
         const std::string expected = std::string("base, x y z qx qy qz qw") +
                                      (frames > 1 ? ", and these with 1 and with 2 behind" : "");
         if (columns.others.size() > 1) {
@@ -404,7 +404,7 @@ private:
     /// Whether a header of DNA names anything of a strand.
     bool nameBases() const
     {
-        return std::any_of(columns.geometry.begin() + frameWidth, columns.geometry.end(),
+        return std::any_of(columns.geometry.begin() + FRAME_WIDTH, columns.geometry.end(),
                            [](std::size_t column) { return column != noColumn; });
     }
 
@@ -416,8 +416,8 @@ private:
         for (std::size_t frame = 0; frame < frames; ++frame) {
             const bool mayLackQuaternion = !columns.areOfDna || columns.haveDirectors(frame);
             const bool needsQuaternion = !mayLackQuaternion || columns.nameQuaternion(frame);
-            const std::size_t count = needsQuaternion ? plainWidth : firstOfQuaternion;
-            for (std::size_t name = frame * frameWidth; name < frame * frameWidth + count; ++name)
+            const std::size_t count = needsQuaternion ? PLAIN_WIDTH : FIRST_OF_QUATERNION;
+            for (std::size_t name = frame * FRAME_WIDTH; name < frame * FRAME_WIDTH + count; ++name)
                 if (!columns.have(name))
                     missing += " " + columns.knownNames()[name];
         }
@@ -457,7 +457,7 @@ private:
             if (index != noColumn)
                 columns.geometry[index] = c;
         }
-        for (std::size_t frame = 0; frame * frameWidth < columns.geometry.size(); ++frame)
+        for (std::size_t frame = 0; frame * FRAME_WIDTH < columns.geometry.size(); ++frame)
             if (columns.nameQuaternion(frame))
                 leaveOutDirectors(frame);
         for (std::size_t c = 0; c < columns.names.size(); ++c)
@@ -469,8 +469,8 @@ private:
     /// Beside a quaternion they are as any other columns.
     void leaveOutDirectors(std::size_t frame)
     {
-        const auto first = columns.geometry.begin() + std::ptrdiff_t(frame * frameWidth);
-        std::fill(first + firstOfDirectors, first + frameWidth, noColumn);
+        const auto first = columns.geometry.begin() + std::ptrdiff_t(frame * FRAME_WIDTH);
+        std::fill(first + FIRST_OF_DIRECTORS, first + FRAME_WIDTH, noColumn);
     }
 
     bool readRow()
@@ -523,7 +523,7 @@ private:
     {
         if (!isBase(field))
             return fail(nameText(0) + ": " + foundField(field) + ", expected " +
-                        (hasOpenQuote(field) ? expectedClosingQuote : expectedBase));
+                        (hasOpenQuote(field) ? EXPECTED_CLOSING_QUOTE : EXPECTED_BASE));
         base = *parseBase(field[0]);
         return true;
     }
@@ -554,11 +554,11 @@ private:
     bool addFrame(std::size_t frame, std::vector<algebra3d::Vector3<double>>& points,
                   std::vector<algebra3d::Quaternion<double>>& rotations)
     {
-        const std::size_t* at = &columns.geometry[frame * frameWidth];
+        const std::size_t* at = &columns.geometry[frame * FRAME_WIDTH];
         for (std::size_t i = 0; i < 3; ++i)
             if (!isCoordinate(row[at[i]]))
                 return fail(nameText(at[i]) + ": found " + formatted(row[at[i]]) + ", expected " +
-                            expectedCoordinate);
+                            EXPECTED_COORDINATE);
         points.emplace_back(row[at[0]], row[at[1]], row[at[2]]);
         if (isRotationMissing())
             return true;
@@ -590,8 +590,8 @@ private:
     bool mayBeMissing(std::size_t column) const
     {
         const auto coordinates = columns.geometry.begin();
-        return !columns.areOfDna && std::find(coordinates, coordinates + firstOfQuaternion,
-                                              column) == coordinates + firstOfQuaternion;
+        return !columns.areOfDna && std::find(coordinates, coordinates + FIRST_OF_QUATERNION,
+                                              column) == coordinates + FIRST_OF_QUATERNION;
     }
     bool isMissing(std::size_t column) const
     {
@@ -619,13 +619,13 @@ private:
                 return columns.isOfGeometry(field.column);
             }));
         return ofRotation == 0 ||
-               ofRotation == columns.names.size() - columns.others.size() - firstOfQuaternion;
+               ofRotation == columns.names.size() - columns.others.size() - FIRST_OF_QUATERNION;
     }
     bool failMissing()
     {
         const MissingField& first = missing.front();
         return failInLine(missingLine, nameText(first.column) + ": " + foundField(first.text) +
-                                           ", expected " + expectedNumber +
+                                           ", expected " + EXPECTED_NUMBER +
                                            "; a rod's last row may lack what is of elements");
     }
 
@@ -664,13 +664,13 @@ private:
     {
         const std::size_t index = indexOfName(columns.names[column], columns.knownNames());
         const std::string name = columns.areOfDna && index != noColumn
-                                     ? rodNames[index % frameWidth] + ofOwner(index / frameWidth)
+                                     ? ROD_NAMES[index % FRAME_WIDTH] + ofOwner(index / FRAME_WIDTH)
                                      : shortened(columns.names[column]);
         return columnText(column) + " (" + name + ")";
     }
     std::string ofOwner(std::size_t frame) const
     {
-        return columns.areOfDna ? std::string(" of ") + dnaOwners[frame] : "";
+        return columns.areOfDna ? std::string(" of ") + DNA_OWNERS[frame] : "";
     }
 
     /// Always false.

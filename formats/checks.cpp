@@ -12,7 +12,7 @@ namespace strandview {
 
 namespace {
 
-constexpr double largestCoordinate = 1e18;
+constexpr double LARGEST_COORDINATE = 1e18;
 
 bool isZero(const algebra3d::Quaternion<double>& q)
 {
@@ -21,7 +21,7 @@ bool isZero(const algebra3d::Quaternion<double>& q)
 
 } // namespace
 
-bool isCoordinate(double number) { return std::abs(number) <= largestCoordinate; }
+bool isCoordinate(double number) { return std::abs(number) <= LARGEST_COORDINATE; }
 
 std::string checkRotation(algebra3d::Quaternion<double>& rotation, const ReadOptions& options)
 {

@@ -15,9 +15,9 @@ namespace strandview {
 
 /// What the readers ask of numbers and letters, whatever the format of the file.
 
-constexpr char expectedNumber[] = "a finite number";
-constexpr char expectedCoordinate[] = "a coordinate between -1e18 and 1e18";
-constexpr char expectedBase[] = "A, C, G or T"; // model/Dna.h
+constexpr char EXPECTED_NUMBER[] = "a finite number";
+constexpr char EXPECTED_COORDINATE[] = "a coordinate between -1e18 and 1e18";
+constexpr char EXPECTED_BASE[] = "A, C, G or T"; // model/Dna.h
 
 /// Whether a finite number can be drawn: at most 1e18 in magnitude, so that the square
 /// of a distance (at most 1.2e37) is finite in the single precision that is drawn with.

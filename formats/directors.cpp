@@ -17,8 +17,8 @@ namespace {
 
 using Vector = algebra3d::Vector3<double>;
 
-constexpr double tolerance = algebra3d::ROTATION_TOLERANCE;
-constexpr double smallestSine = 1e-6; ///< of an angle that still tells a plane
+constexpr double TOLERANCE = algebra3d::ROTATION_TOLERANCE;
+constexpr double SMALLEST_SINE = 1e-6; ///< of an angle that still tells a plane
 constexpr char normaliseHint[] = " (--normalise accepts others)";
 
 std::string nameOf(std::size_t director) { return "d" + std::to_string(director + 1); }
@@ -37,10 +37,10 @@ std::string checkLength(const Vector& director, std::size_t index, const ReadOpt
     if (options.normalise)
         return isZero(director) ? "found " + nameOf(index) + " of norm 0, expected any other" : "";
     const double norm = director.getNorm();
-    return std::abs(norm - 1) <= tolerance
+    return std::abs(norm - 1) <= TOLERANCE
                ? ""
                : "found " + nameOf(index) + " of norm " + formatted(norm) + ", expected 1 within " +
-                     formatted(tolerance) + normaliseHint;
+                     formatted(TOLERANCE) + normaliseHint;
 }
 
 std::string checkAngle(const Directors& directors, std::size_t i, std::size_t j)
@@ -48,10 +48,10 @@ std::string checkAngle(const Directors& directors, std::size_t i, std::size_t j)
     if (!directors[i] || !directors[j])
         return {};
     const double product = directors[i]->dot(*directors[j]);
-    return std::abs(product) <= tolerance
+    return std::abs(product) <= TOLERANCE
                ? ""
                : "found " + nameOf(i) + " times " + nameOf(j) + " = " + formatted(product) +
-                     ", expected 0 within " + formatted(tolerance) + normaliseHint;
+                     ", expected 0 within " + formatted(TOLERANCE) + normaliseHint;
 }
 
 std::string checkAngles(const Directors& directors, const ReadOptions& options)
@@ -71,7 +71,7 @@ std::string checkAngles(const Directors& directors, const ReadOptions& options)
 Vector madePerpendicular(const Vector& v, const Vector& t)
 {
     const Vector rest = v - t * v.dot(t);
-    return rest.getNorm() < smallestSine ? Vector() : rest.getUnit();
+    return rest.getNorm() < SMALLEST_SINE ? Vector() : rest.getUnit();
 }
 
 /// d2 and d3, perpendicular unit vectors; d2 is zero where the directors tell none.
@@ -108,7 +108,7 @@ std::string findRotation(const Directors& directors, const ReadOptions& options,
     const auto [d2, d3] = secondAndThird(units);
     const Vector d1 = d2.cross(d3);
     const double along = units[0] ? units[0]->dot(d1) : 1;
-    if (isZero(d2) || std::abs(along) < smallestSine)
+    if (isZero(d2) || std::abs(along) < SMALLEST_SINE)
         return "found directors in one plane or line, expected d3 = d1 x d2";
     if (along < 0)
         return "found left-handed directors, expected d3 = d1 x d2";

@@ -14,7 +14,7 @@ namespace strandview {
 
 namespace {
 
-constexpr std::size_t beginningToKnowBy = 64 * 1024;
+constexpr std::size_t BEGINNING_TO_KNOW_BY = 64 * 1024;
 
 /// Reads all of a text in UTF-8, with or without a byte order mark.
 template <auto readText>
@@ -26,7 +26,7 @@ std::optional<Configuration> readWhole(Source& source, const ReadOptions& option
         return {};
     if (!isUtf16(*bytes))
         return readText(withoutByteOrderMark(*bytes), source.getName(), options, report);
-    report.error = source.getName() + ": " + foundUtf16;
+    report.error = source.getName() + ": " + FOUND_UTF16;
     return {};
 }
 
@@ -78,14 +78,14 @@ const Format* formatOf(Source& source, const ReadOptions& options, ReadReport& r
     if (const Format* const format = formatOfEnding(source.getPath()))
         return format;
     const std::optional<std::string_view> beginning =
-        source.readBeginning(beginningToKnowBy, options, report);
+        source.readBeginning(BEGINNING_TO_KNOW_BY, options, report);
     if (!beginning)
         return nullptr;
     const Format* const format = formatOfContent(*beginning);
     if (!format)
-        report.error =
-            source.getName() + ": " +
-            (isUtf16(*beginning) ? foundUtf16 : "found binary data, expected " + expectedFormats());
+        report.error = source.getName() + ": " +
+                       (isUtf16(*beginning) ? FOUND_UTF16
+                                            : "found binary data, expected " + expectedFormats());
     return format;
 }
 

@@ -12,11 +12,11 @@ namespace strandview {
 /// A glyph at a place.
 struct Marker
 {
-    enum class Shape { sphere, cube, cross };
+    enum class Shape { SPHERE, CUBE, CROSS };
 
     std::string origin; ///< "glyphs.json: markers[0]"
     algebra3d::Vector3<double> point;
-    Shape shape = Shape::sphere;
+    Shape shape = Shape::SPHERE;
     std::optional<double> size; ///< diameter or edge, above 0
     /// As the file has it: whoever draws it asks parseColour(), and tells a text that is
     /// no colour as "origin.colour: found ..., expected ...".

@@ -8,7 +8,7 @@ namespace strandview {
 
 namespace {
 
-constexpr double smallestEdgeOfMean = 1e-5;
+constexpr double SMALLEST_EDGE_OF_MEAN = 1e-5;
 
 } // namespace
 
@@ -27,7 +27,7 @@ double smallestEdge(const std::vector<algebra3d::Vector3<double>>& points)
             sum += (points[i] - points[i - 1]).getNorm();
             ++count;
         }
-    return count == 0 ? 0 : smallestEdgeOfMean * (sum / double(count));
+    return count == 0 ? 0 : SMALLEST_EDGE_OF_MEAN * (sum / double(count));
 }
 
 bool isClosed(const std::vector<algebra3d::Vector3<double>>& points)

@@ -11,7 +11,7 @@ namespace strandview {
 
 // Which bytes are text, and letters of ASCII in any locale.
 
-constexpr char foundUtf16[] = "found UTF-16 text, expected UTF-8";
+constexpr char FOUND_UTF16[] = "found UTF-16 text, expected UTF-8";
 
 /// By its byte order mark.
 STRANDVIEW_FORMATS_EXPORT bool isUtf16(std::string_view bytes);

@@ -8,7 +8,7 @@ namespace strandview {
 
 namespace {
 
-constexpr std::size_t longestQuotation = 40;
+constexpr std::size_t LONGEST_QUOTATION = 40;
 
 /// In UTF-8, whether the byte goes on with the character before it.
 bool continuesCharacter(char byte) { return (static_cast<unsigned char>(byte) & 0xC0) == 0x80; }
@@ -31,10 +31,10 @@ std::string onOneLine(std::string_view text)
 
 std::string shortened(std::string_view text)
 {
-    std::string line = onOneLine(text.substr(0, longestQuotation + 1));
-    if (line.size() <= longestQuotation)
+    std::string line = onOneLine(text.substr(0, LONGEST_QUOTATION + 1));
+    if (line.size() <= LONGEST_QUOTATION)
         return line;
-    std::size_t length = longestQuotation;
+    std::size_t length = LONGEST_QUOTATION;
     while (length > 0 && continuesCharacter(line[length]))
         --length;
     return line.substr(0, length) + "...";

@@ -126,7 +126,7 @@ Configuration glyphs()
     Marker marker;
     marker.origin = "glyphs.json: markers[0]";
     marker.point = {5, 0, 0};
-    marker.shape = Marker::Shape::cube;
+    marker.shape = Marker::Shape::CUBE;
     marker.size = 2.0;
     marker.colour = "blue";
     marker.transparency = 0.25;

@@ -742,7 +742,7 @@ TEST_P(BiarcOnRandomRods, EvaluatesToThePlainFormulas)
                 expectSame(biarc.pointOnArc0(s), plain::pointOnArc0(expected, s));
                 expectSame(biarc.pointOnArc1(s), plain::pointOnArc1(expected, s));
                 // Arcs too short for the projection have no tangents.
-                if (s >= 0 && GetParam() != RodKind::Tiny) {
+                if (s >= 0 && GetParam() != RodKind::TINY) {
                     EXPECT_TRUE(isFinite(biarc.pointOnBiarc(s)));
                     EXPECT_TRUE(isFinite(biarc.tangentOnBiarc(s)));
                 }
@@ -821,7 +821,7 @@ TEST_P(BiarcOnRandomRods, SamplesOfAnArcLieOnItsCircleAndAreTangentToIt)
                 const Vector3 tangent = biarc.tangentOnBiarc(s);
                 EXPECT_NEAR(fromCentre.norm() / radius, 1, 1e-9 + rounded);
                 ++samples;
-                if (GetParam() == RodKind::Tiny && !isFinite(tangent))
+                if (GetParam() == RodKind::TINY && !isFinite(tangent))
                     continue; // too short for the projection
                 EXPECT_NEAR(fromCentre.dot(tangent) / radius, 0, 1e-9 + rounded);
                 EXPECT_NEAR(tangent.norm(), 1, 1e-14);
@@ -854,7 +854,7 @@ TEST(RandomRods, NearlyCollinearOnesHaveStraightAndCurvedArcs)
 {
     int straight = 0, curved = 0;
     for (unsigned seed = 0; seed < 20; ++seed) {
-        const auto curve = randomCurve(RodKind::NearCollinear, seed);
+        const auto curve = randomCurve(RodKind::NEAR_COLLINEAR, seed);
         for (std::size_t i = 0; i + 1 < curve->biarcs.size(); ++i)
             ++(curve->biarcs[i].radius0 < 0 ? straight : curved);
     }

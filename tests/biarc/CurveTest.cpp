@@ -294,7 +294,7 @@ TEST_P(CurveOnRandomRods, HasTheBiarcsOfThePlainFormulas)
     for (unsigned seed = 0; seed < 20; ++seed) {
         for (const bool closed : {false, true}) {
             // A rod that ends where it began has no chord to wrap around.
-            if (closed && GetParam() == RodKind::Closed)
+            if (closed && GetParam() == RodKind::CLOSED)
                 continue;
             SCOPED_TRACE("seed " + std::to_string(seed) + (closed ? ", closed" : ", open"));
             const std::vector<plain::Vec> points =
@@ -368,7 +368,7 @@ TEST_P(CurveOnRandomRods, IsContinuousWithItsTangentAtEveryNodeAndMatchingPoint)
             // The end is evaluated, not looked up: length - length0 need not be length1.
             expectNear(biarc.pointOnBiarc(0), biarc.point, 0);
             // An arc too short for the projection then ends in its start.
-            if (GetParam() != RodKind::Tiny) {
+            if (GetParam() != RodKind::TINY) {
                 expectNear(biarc.pointOnBiarc(biarc.length), next.point,
                            1e-14 * (next.point.norm() + biarc.length));
             }

@@ -25,7 +25,7 @@ std::string faultOf(Quaternion rotation, bool normalise)
 TEST(Checks, WhatIsExpectedOfABaseNamesAllLetters)
 {
     std::string letters;
-    for (const char letter : std::string(expectedBase))
+    for (const char letter : std::string(EXPECTED_BASE))
         if (letter >= 'A' && letter <= 'Z')
             letters += letter;
     EXPECT_EQ(letters, BASE_LETTERS);

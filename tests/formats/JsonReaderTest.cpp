@@ -220,7 +220,7 @@ TEST(JsonReader, ReadsMarkers)
     const Marker& full = configuration.markers[0];
     EXPECT_EQ(full.origin, "rod.json: markers[0]");
     EXPECT_EQ(numbersOf({full.point}), (Points{{1, 2, 3}}));
-    EXPECT_EQ(full.shape, Marker::Shape::cross);
+    EXPECT_EQ(full.shape, Marker::Shape::CROSS);
     EXPECT_EQ(full.size, 0.5);
     EXPECT_EQ(full.colour, "steelblue");
     EXPECT_EQ(full.transparency, 0.25);
@@ -229,15 +229,15 @@ TEST(JsonReader, ReadsMarkers)
     const Marker& bare = configuration.markers[1];
     EXPECT_EQ(bare.origin, "rod.json: markers[1]");
     EXPECT_EQ(numbersOf({bare.point}), (Points{{4, 5, 6}}));
-    EXPECT_EQ(bare.shape, Marker::Shape::sphere);
+    EXPECT_EQ(bare.shape, Marker::Shape::SPHERE);
     EXPECT_EQ(bare.size, std::nullopt);
     EXPECT_EQ(bare.colour, std::nullopt);
     EXPECT_EQ(bare.transparency, 0);
     EXPECT_EQ(bare.id, 1) << "its index";
 
-    EXPECT_EQ(configuration.markers[2].shape, Marker::Shape::cube);
+    EXPECT_EQ(configuration.markers[2].shape, Marker::Shape::CUBE);
     EXPECT_EQ(configuration.markers[2].id, std::numeric_limits<long long>::max());
-    EXPECT_EQ(configuration.markers[3].shape, Marker::Shape::sphere);
+    EXPECT_EQ(configuration.markers[3].shape, Marker::Shape::SPHERE);
     EXPECT_EQ(configuration.markers[3].id, 3);
     EXPECT_EQ(configuration.markers[4].id, 0);
 }

@@ -266,11 +266,11 @@ protected:
     static double scale()
     {
         switch (GetParam()) {
-        case RodKind::Large:
+        case RodKind::LARGE:
             return 1e6;
-        case RodKind::Small:
+        case RodKind::SMALL:
             return 1e-3;
-        case RodKind::Tiny:
+        case RodKind::TINY:
             return 1e-7;
         default:
             return 1;
@@ -294,7 +294,7 @@ TEST_P(BiarcRibbonMeshOnRandomRods, IsThePlainRibbon)
         EXPECT_EQ(ribbon.getParamValues(), expected.nodeLengths);
         EXPECT_EQ(ribbon.getInterpParamValues(), expected.rowLengths);
         // Arcs too short for the projection have no tangents.
-        if (GetParam() != RodKind::Tiny)
+        if (GetParam() != RodKind::TINY)
             expectFinite(ribbon);
     }
 }

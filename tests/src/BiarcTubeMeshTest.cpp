@@ -541,7 +541,7 @@ protected:
         expectSameMesh(mesh, expected);
         expectSameTables(mesh, expected);
         // Arcs too short for the projection have no tangents.
-        if (GetParam() != RodKind::Tiny)
+        if (GetParam() != RodKind::TINY)
             expectFinite(mesh);
     }
 

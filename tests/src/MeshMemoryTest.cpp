@@ -28,7 +28,7 @@ struct Case
     int slices, rows;
 
     Case(int points, int ringSlices, int rowsPerBiarc, unsigned seed = 1)
-        : rod(randomRod(RodKind::Smooth, points, seed)), slices(ringSlices), rows(rowsPerBiarc)
+        : rod(randomRod(RodKind::SMOOTH, points, seed)), slices(ringSlices), rows(rowsPerBiarc)
     {
         RandomNumbers random(seed);
         for (const Vector& point : rod.points)

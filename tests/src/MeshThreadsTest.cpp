@@ -58,7 +58,7 @@ struct Case
 
 Case makeCase(unsigned seed)
 {
-    Case made{randomRod(RodKind::Smooth, 400 + int(seed), seed), {}, {}};
+    Case made{randomRod(RodKind::SMOOTH, 400 + int(seed), seed), {}, {}};
     RandomNumbers random(seed);
     for (const Vector& point : made.rod.points) {
         made.edge.push_back(point + 0.3 * random.unitVector());

@@ -348,7 +348,7 @@ TEST_F(PickingTest, TubesArePickedAsTheirTriangles)
         for (const int slices : {3, 12, 70}) {
             SCOPED_TRACE(nameOf(kind));
             const RandomRod rod = randomRod(kind, 12, seed);
-            BiarcTubeMesh mesh(rod.points, kind == RodKind::Large ? 1e5 : 0.2, slices,
+            BiarcTubeMesh mesh(rod.points, kind == RodKind::LARGE ? 1e5 : 0.2, slices,
                                slices == 70 ? 1 : 4, false, false);
             hits += expectSameForRays(mesh, 150, seed++);
         }
@@ -513,7 +513,7 @@ TEST_F(PickingTest, MeshesAsLargeAsAFloatArePickedAsPlainly)
 
 TEST_F(PickingTest, RodsArePickedAsTheirTrianglesWhateverIsShown)
 {
-    const RandomRod data = randomRod(RodKind::RandomWalk, 12, 3);
+    const RandomRod data = randomRod(RodKind::RANDOM_WALK, 12, 3);
     int hits = 0;
     for (unsigned shown = 0; shown < 4; ++shown) {
         NodeRef<SoRod> rod(new SoRod(0.15, 0.4, 7, 5, shown & 1, shown & 2, true));
@@ -527,7 +527,7 @@ TEST_F(PickingTest, RodsArePickedAsTheirTrianglesWhateverIsShown)
 
 TEST_F(PickingTest, BirodsArePickedAsTheirTrianglesWhateverIsShown)
 {
-    const RandomRod data = randomRod(RodKind::Smooth, 10, 4);
+    const RandomRod data = randomRod(RodKind::SMOOTH, 10, 4);
     Vectors points1 = data.points, points2 = data.points;
     for (Vector& point : points1)
         point += Vector(0.7, 0, 0);
@@ -549,7 +549,7 @@ class PickingBehindTest : public PickingTest
 protected:
     PickingBehindTest()
     {
-        const RandomRod data = randomRod(RodKind::RandomWalk, 12, 5);
+        const RandomRod data = randomRod(RodKind::RANDOM_WALK, 12, 5);
         rod->setData(data.points, data.rotations);
         pair = std::make_unique<PickedPair>(rod);
     }

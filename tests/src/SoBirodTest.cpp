@@ -387,9 +387,9 @@ TEST_F(SoBirodTest, StrandsAreDisplacedByThePlainFormula)
 {
     for (unsigned seed = 0; seed < 20; ++seed) {
         SCOPED_TRACE(seed);
-        const RandomRod average = randomRod(RodKind::Smooth, 12, seed);
-        const RandomRod one = randomRod(RodKind::RandomWalk, 12, seed + 100);
-        const RandomRod two = randomRod(RodKind::Planar, 12, seed + 200);
+        const RandomRod average = randomRod(RodKind::SMOOTH, 12, seed);
+        const RandomRod one = randomRod(RodKind::RANDOM_WALK, 12, seed + 100);
+        const RandomRod two = randomRod(RodKind::PLANAR, 12, seed + 200);
         const double x = 0.3 * seed - 1, y = 0.7 - 0.2 * seed;
         birod->setStrandXPos(x);
         birod->setStrandYPos(y);
@@ -503,9 +503,9 @@ TEST_F(SoBirodTest, MeshesAreThoseOfTheDisplayedData)
     for (unsigned seed = 0; seed < 10; ++seed) {
         for (bool twoSided : {false, true}) {
             SCOPED_TRACE(testing::Message() << "seed " << seed << ", two-sided " << twoSided);
-            const RandomRod average = randomRod(RodKind::Smooth, 9, seed);
-            RandomRod one = randomRod(RodKind::RandomWalk, 9, seed + 100);
-            RandomRod two = randomRod(RodKind::Smooth, 9, seed + 200);
+            const RandomRod average = randomRod(RodKind::SMOOTH, 9, seed);
+            RandomRod one = randomRod(RodKind::RANDOM_WALK, 9, seed + 100);
+            RandomRod two = randomRod(RodKind::SMOOTH, 9, seed + 200);
             birod->setTwoSidedRibbon(twoSided);
             ASSERT_TRUE(birod->setData(average.points, average.rotations, one.points, one.rotations,
                                        two.points, two.rotations));

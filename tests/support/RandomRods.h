@@ -51,23 +51,23 @@ private:
 };
 
 enum class RodKind {
-    RandomWalk,
-    Smooth,
-    Planar,
-    StraightPieces, ///< runs of exactly collinear points along the axes, with corners
-    NearCollinear,  ///< bends on both sides of what a biarc takes as straight
-    Large,          ///< a random walk of steps near 1e6, far from the origin
-    Small,          ///< steps near 1e-3
-    Tiny,           ///< steps near 1e-7, the smallest projection that counts on a chord
-    Closed          ///< the last point is the first; at least 4 points
+    RANDOM_WALK,
+    SMOOTH,
+    PLANAR,
+    STRAIGHT_PIECES, ///< runs of exactly collinear points along the axes, with corners
+    NEAR_COLLINEAR,  ///< bends on both sides of what a biarc takes as straight
+    LARGE,           ///< a random walk of steps near 1e6, far from the origin
+    SMALL,           ///< steps near 1e-3
+    TINY,            ///< steps near 1e-7, the smallest projection that counts on a chord
+    CLOSED           ///< the last point is the first; at least 4 points
 };
 
 inline const std::vector<RodKind>& allRodKinds()
 {
     static const std::vector<RodKind> kinds = {
-        RodKind::RandomWalk,     RodKind::Smooth,        RodKind::Planar,
-        RodKind::StraightPieces, RodKind::NearCollinear, RodKind::Large,
-        RodKind::Small,          RodKind::Tiny,          RodKind::Closed};
+        RodKind::RANDOM_WALK,     RodKind::SMOOTH,         RodKind::PLANAR,
+        RodKind::STRAIGHT_PIECES, RodKind::NEAR_COLLINEAR, RodKind::LARGE,
+        RodKind::SMALL,           RodKind::TINY,           RodKind::CLOSED};
     return kinds;
 }
 
@@ -76,7 +76,7 @@ inline std::vector<RodKind> rodKindsWithTangents()
 {
     std::vector<RodKind> kinds;
     for (const RodKind kind : allRodKinds()) {
-        if (kind != RodKind::Tiny)
+        if (kind != RodKind::TINY)
             kinds.push_back(kind);
     }
     return kinds;
@@ -102,7 +102,7 @@ struct RandomRod
 inline RandomRod randomRod(RodKind kind, int size, unsigned seed)
 {
     using Vector = algebra3d::Vector3<double>;
-    if (kind == RodKind::Closed && size < 4)
+    if (kind == RodKind::CLOSED && size < 4)
         size = 4;
     RandomNumbers random(seed * 100 + unsigned(kind));
     const auto moved = [](const Vector& p, const Vector& direction, double step) {
@@ -112,13 +112,13 @@ inline RandomRod randomRod(RodKind kind, int size, unsigned seed)
     RandomRod rod;
     Vector p(random.uniform(-5, 5), random.uniform(-5, 5), random.uniform(-5, 5));
     double step = 1;
-    if (kind == RodKind::Large) {
+    if (kind == RodKind::LARGE) {
         p = Vector(p.x * 1e7, p.y * 1e7, p.z * 1e7);
         step = 1e6;
-    } else if (kind == RodKind::Small) {
+    } else if (kind == RodKind::SMALL) {
         p = Vector(p.x * 1e-3, p.y * 1e-3, p.z * 1e-3);
         step = 1e-3;
-    } else if (kind == RodKind::Tiny) {
+    } else if (kind == RodKind::TINY) {
         p = Vector(p.x * 1e-7, p.y * 1e-7, p.z * 1e-7);
         step = 1e-7;
     }
@@ -131,23 +131,23 @@ inline RandomRod randomRod(RodKind kind, int size, unsigned seed)
 
     for (int i = 0; i < size; ++i) {
         switch (kind) {
-        case RodKind::RandomWalk:
-        case RodKind::Large:
-        case RodKind::Small:
-        case RodKind::Tiny:
-        case RodKind::Closed:
+        case RodKind::RANDOM_WALK:
+        case RodKind::LARGE:
+        case RodKind::SMALL:
+        case RodKind::TINY:
+        case RodKind::CLOSED:
             rod.points.push_back(p);
             p = moved(p, random.unitVector(), step * random.uniform(0.5, 1.5));
             break;
-        case RodKind::Smooth:
+        case RodKind::SMOOTH:
             rod.points.emplace_back(p.x + 3 * std::sin(speeds.x * i + phases.x),
                                     p.y + 3 * std::cos(speeds.y * i + phases.y), p.z + 0.5 * i);
             break;
-        case RodKind::Planar:
+        case RodKind::PLANAR:
             rod.points.push_back(p);
             p = Vector(p.x + random.uniform(0.2, 1), p.y + random.uniform(-1, 1), p.z);
             break;
-        case RodKind::StraightPieces:
+        case RodKind::STRAIGHT_PIECES:
             rod.points.push_back(p);
             if (leftOnAxis == 0) {
                 const double sign = random.integer(0, 1) ? 1 : -1;
@@ -160,7 +160,7 @@ inline RandomRod randomRod(RodKind kind, int size, unsigned seed)
             --leftOnAxis;
             p = moved(p, axis, random.integer(1, 4) * 0.25);
             break;
-        case RodKind::NearCollinear:
+        case RodKind::NEAR_COLLINEAR:
             rod.points.push_back(
                 moved(p, random.unitVector(), std::pow(10, random.uniform(-9, -2))));
             p = moved(p, line, random.uniform(0.5, 1.5));
@@ -168,7 +168,7 @@ inline RandomRod randomRod(RodKind kind, int size, unsigned seed)
         }
         rod.rotations.push_back(random.unitQuaternion());
     }
-    if (kind == RodKind::Closed)
+    if (kind == RodKind::CLOSED)
         rod.points.back() = rod.points.front();
     return rod;
 }
