@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <map>
 #include <regex>
 #include <set>
@@ -162,6 +163,19 @@ TEST(Includes, OnlyOneRoomKnowsTheParserOfOptions)
         for (const fs::path& file : sourcesOf(room)) {
             for (const std::string& include : includesOf(file))
                 EXPECT_NE(include.rfind("CLI/", 0), 0u) << pathOf(file);
+        }
+    }
+}
+
+// Hosts include them, and so do the headers that are installed.
+TEST(Includes, EveryHeaderOfTheLibrariesWithoutASceneIsInstalled)
+{
+    for (const std::string room : {"model", "analysis", "formats"}) {
+        std::ifstream rules(fs::path(PROJECT_FOLDER) / room / "CMakeLists.txt");
+        const Rooms listed(std::istream_iterator<std::string>(rules), {});
+        for (const fs::path& source : sourcesOf(room)) {
+            const std::string name = pathOf(source).substr(room.size() + 1);
+            EXPECT_EQ(listed.count(name), 1u) << room << "/CMakeLists.txt: " << name;
         }
     }
 }
