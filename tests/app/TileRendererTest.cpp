@@ -34,6 +34,7 @@ protected:
     {
         initialiseSceneOnce();
         OffscreenContext::install();
+        scene = new SoSeparator;
         scene->ref();
         auto* camera = new SoOrthographicCamera;
         camera->position = SbVec3f(WIDTH / 2, HEIGHT / 2, 50);
@@ -87,7 +88,7 @@ protected:
         }
     }
 
-    SoSeparator* scene = new SoSeparator;
+    SoSeparator* scene;
 };
 
 TEST_F(TileRendererTest, OneTileOfThePicturesSizeIsThePicture)
