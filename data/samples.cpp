@@ -379,7 +379,7 @@ std::vector<Rod> borromeanRings()
 
 namespace {
 
-constexpr double rise = 3.38; ///< from pair to pair along the axis, in Angstrom
+constexpr double RISE = 3.38; ///< from pair to pair along the axis, in Angstrom
 
 /// A base pair: its middle and its directors. d3 is along the helix, d2 along the pair
 /// from the base of strand 2 to that of strand 1, d1 into the major groove.
@@ -419,7 +419,7 @@ void addPair(Dna& dna, char base, const Pair& pair, double propeller)
 
 // The first crystal structure of B-DNA was of this dodecamer: R. Wing et al., Crystal
 // structure analysis of a complete turn of B-DNA, Nature 287, 1980, 755-758.
-constexpr char dodecamer[] = "CGCGAATTCGCG";
+constexpr char DODECAMER[] = "CGCGAATTCGCG";
 
 } // namespace
 
@@ -428,9 +428,9 @@ Dna straightDna()
     constexpr int count = 60, pairsPerTurn = 10;
     Dna dna;
     for (int i = 0; i < count; ++i) {
-        const Vector middle(rise * i - rise * (count - 1) / 2, 0, 0);
+        const Vector middle(RISE * i - RISE * (count - 1) / 2, 0, 0);
         const double angle = 2 * M_PI * i / pairsPerTurn;
-        addPair(dna, dodecamer[i % 12], pairAt(middle, Vector(1, 0, 0), Vector(0, 1, 0), angle), 0);
+        addPair(dna, DODECAMER[i % 12], pairAt(middle, Vector(1, 0, 0), Vector(0, 1, 0), angle), 0);
     }
     return dna;
 }
@@ -440,7 +440,7 @@ Dna bentDna()
 {
     constexpr int count = 60, pairsPerTurn = 10;
     constexpr double bend = M_PI / 2, propeller = -11 * M_PI / 180;
-    const double radius = rise * (count - 1) / bend;
+    const double radius = RISE * (count - 1) / bend;
     Dna dna;
     for (int i = 0; i < count; ++i) {
         const double place = M_PI / 4 + bend * i / (count - 1);
@@ -456,10 +456,10 @@ Configuration minicircle()
 {
     constexpr int count = 84, link = 8;
     constexpr double phosphorusX = -3, phosphorusY = 8.9, baseX = -0.24, baseY = 2.6;
-    const double radius = rise * count / (2 * M_PI);
+    const double radius = RISE * count / (2 * M_PI);
     // How a vector of the pair turns on its way along the axis, per length.
     const Vector bending = Vector(0, 0, 1) * (1 / radius);
-    constexpr double twisting = 2 * M_PI * link / (rise * count);
+    constexpr double twisting = 2 * M_PI * link / (RISE * count);
 
     Configuration configuration;
     Dna& dna = configuration.dnas.emplace_back();
@@ -471,7 +471,7 @@ Configuration minicircle()
         const Pair pair =
             pairOnCircle(radius, 2 * M_PI * row / count, 2 * M_PI * link * row / count);
         if (i < count)
-            addPair(dna, dodecamer[i % 12], pair, 0);
+            addPair(dna, DODECAMER[i % 12], pair, 0);
         for (int strand = 0; strand < 2; ++strand) {
             const Vector point = pair.at(phosphorusX, strand == 0 ? phosphorusY : -phosphorusY);
             const Vector outwards = point - pair.middle;

@@ -20,7 +20,7 @@ namespace strandview {
 
 namespace {
 
-constexpr std::uint64_t everything = std::numeric_limits<std::uint64_t>::max();
+constexpr std::uint64_t EVERYTHING = std::numeric_limits<std::uint64_t>::max();
 constexpr std::size_t SMALLEST_ROOM = 1 << 20;
 constexpr char STANDARD_INPUT[] = "standard input";
 
@@ -142,7 +142,7 @@ std::optional<std::string_view> Source::readBeginning(std::size_t count, const R
 
 std::optional<std::string_view> Source::readAll(const ReadOptions& options, ReadReport& report)
 {
-    if (!fill(everything, options, report))
+    if (!fill(EVERYTHING, options, report))
         return {};
     return std::string_view(beginning).substr(0, filled);
 }
@@ -150,7 +150,7 @@ std::optional<std::string_view> Source::readAll(const ReadOptions& options, Read
 std::optional<std::string> Source::readAt(std::uint64_t offset, std::size_t count,
                                           const ReadOptions& options, ReadReport& report)
 {
-    const std::uint64_t end = offset + std::min(std::uint64_t(count), everything - offset);
+    const std::uint64_t end = offset + std::min(std::uint64_t(count), EVERYTHING - offset);
     if (!isFile && !fill(end, options, report))
         return {};
     if (isComplete || end <= filled) {

@@ -34,14 +34,14 @@ constexpr std::size_t FRAME_WIDTH = 16; ///< of all names
 constexpr std::size_t PLAIN_WIDTH = 7;  ///< of those without a header
 constexpr std::size_t FIRST_OF_QUATERNION = 3;
 constexpr std::size_t FIRST_OF_DIRECTORS = 7;
-constexpr std::size_t noColumn = static_cast<std::size_t>(-1);
+constexpr std::size_t NO_COLUMN = static_cast<std::size_t>(-1);
 
 /// What the frames of a row of DNA belong to.
 constexpr std::array<const char*, 3> DNA_OWNERS = {"the pair", "strand 1", "strand 2"};
 /// The base comes first. One frame is that of the pair and of both bases.
-constexpr std::size_t dnaWidth = 1 + DNA_OWNERS.size() * PLAIN_WIDTH;
+constexpr std::size_t DNA_WIDTH = 1 + DNA_OWNERS.size() * PLAIN_WIDTH;
 constexpr std::size_t FLAT_DNA_WIDTH = 1 + PLAIN_WIDTH;
-constexpr char expectedOfDna[] = "(a base, and x y z qx qy qz qw of the pair)";
+constexpr char EXPECTED_OF_DNA[] = "(a base, and x y z qx qy qz qw of the pair)";
 constexpr char EXPECTED_OF_BASES[] =
     "(a base, and x y z qx qy qz qw of the pair, of strand 1 and of strand 2)";
 
@@ -54,7 +54,7 @@ Names makeDnaNames()
             names.push_back(name + strand);
     return names;
 }
-const Names dnaNames = makeDnaNames();
+const Names DNA_NAMES = makeDnaNames();
 
 bool hasComma(std::string_view field) { return field.find(',') != std::string_view::npos; }
 
@@ -87,7 +87,7 @@ std::string foundField(std::string_view field)
 std::size_t indexOfName(std::string_view name, const Names& names)
 {
     const auto found = std::find(names.begin(), names.end(), name);
-    return found == names.end() ? noColumn : found - names.begin();
+    return found == names.end() ? NO_COLUMN : found - names.begin();
 }
 
 /// The text before a last part in brackets: "x" for "x [m]" and "x(nm)".
@@ -104,12 +104,12 @@ std::string_view withoutUnit(std::string_view field)
 std::string nameOfColumn(std::string_view field, const Names& known)
 {
     std::string lower = inSmallLetters(withoutUnit(field));
-    return indexOfName(lower, known) == noColumn ? std::string(field) : lower;
+    return indexOfName(lower, known) == NO_COLUMN ? std::string(field) : lower;
 }
 
 bool isNameOf(std::string_view field, const Names& known)
 {
-    return indexOfName(nameOfColumn(field, known), known) != noColumn;
+    return indexOfName(nameOfColumn(field, known), known) != NO_COLUMN;
 }
 
 std::string nameByNumber(std::size_t column) { return "column" + std::to_string(column + 1); }
@@ -148,7 +148,7 @@ Names namesOfDna(std::size_t count)
 {
     Names names = {"base"};
     for (std::size_t frame = 0; names.size() < count; ++frame) {
-        const auto first = dnaNames.begin() + std::ptrdiff_t(frame * FRAME_WIDTH);
+        const auto first = DNA_NAMES.begin() + std::ptrdiff_t(frame * FRAME_WIDTH);
         names.insert(names.end(), first, first + PLAIN_WIDTH);
     }
     return names;
@@ -157,7 +157,7 @@ Names namesOfDna(std::size_t count)
 bool nameStrands(const std::vector<std::string_view>& fields)
 {
     return std::any_of(fields.begin(), fields.end(), [](auto field) {
-        return isNameOf(field, dnaNames) && !isNameOf(field, ROD_NAMES);
+        return isNameOf(field, DNA_NAMES) && !isNameOf(field, ROD_NAMES);
     });
 }
 
@@ -193,11 +193,11 @@ struct Columns
     bool endWithComma = false;
     bool areOfDna = false;
     Names names;
-    std::vector<std::size_t> geometry; ///< the column of each of knownNames(), or noColumn
+    std::vector<std::size_t> geometry; ///< the column of each of knownNames(), or NO_COLUMN
     std::vector<std::size_t> others;   ///< the scalars; of DNA the base
 
-    const Names& knownNames() const { return areOfDna ? dnaNames : ROD_NAMES; }
-    bool have(std::size_t name) const { return geometry[name] != noColumn; }
+    const Names& knownNames() const { return areOfDna ? DNA_NAMES : ROD_NAMES; }
+    bool have(std::size_t name) const { return geometry[name] != NO_COLUMN; }
     /// Any of them: a header that was accepted has all.
     bool nameQuaternion(std::size_t frame) const
     {
@@ -315,10 +315,10 @@ private:
 
     bool takeDnaColumnCount(std::size_t count)
     {
-        if (count != FLAT_DNA_WIDTH && count != dnaWidth)
+        if (count != FLAT_DNA_WIDTH && count != DNA_WIDTH)
             return fail("found " + counted(count, "column") + ", expected " +
-                        std::to_string(FLAT_DNA_WIDTH) + " " + expectedOfDna + " or " +
-                        std::to_string(dnaWidth) + " " + EXPECTED_OF_BASES + hintFor(scanner));
+                        std::to_string(FLAT_DNA_WIDTH) + " " + EXPECTED_OF_DNA + " or " +
+                        std::to_string(DNA_WIDTH) + " " + EXPECTED_OF_BASES + hintFor(scanner));
         setColumns(namesOfDna(count));
         return true;
     }
@@ -405,7 +405,7 @@ private:
     bool nameBases() const
     {
         return std::any_of(columns.geometry.begin() + FRAME_WIDTH, columns.geometry.end(),
-                           [](std::size_t column) { return column != noColumn; });
+                           [](std::size_t column) { return column != NO_COLUMN; });
     }
 
     /// Of the points and quaternions of so many frames; those of a rod may be missing
@@ -451,10 +451,10 @@ private:
     {
         columns.line = scanner.getLine();
         columns.names = std::move(names);
-        columns.geometry.assign(columns.knownNames().size(), noColumn);
+        columns.geometry.assign(columns.knownNames().size(), NO_COLUMN);
         for (std::size_t c = 0; c < columns.names.size(); ++c) {
             const std::size_t index = indexOfName(columns.names[c], columns.knownNames());
-            if (index != noColumn)
+            if (index != NO_COLUMN)
                 columns.geometry[index] = c;
         }
         for (std::size_t frame = 0; frame * FRAME_WIDTH < columns.geometry.size(); ++frame)
@@ -470,7 +470,7 @@ private:
     void leaveOutDirectors(std::size_t frame)
     {
         const auto first = columns.geometry.begin() + std::ptrdiff_t(frame * FRAME_WIDTH);
-        std::fill(first + FIRST_OF_DIRECTORS, first + FRAME_WIDTH, noColumn);
+        std::fill(first + FIRST_OF_DIRECTORS, first + FRAME_WIDTH, NO_COLUMN);
     }
 
     bool readRow()
@@ -663,7 +663,7 @@ private:
     std::string nameText(std::size_t column) const
     {
         const std::size_t index = indexOfName(columns.names[column], columns.knownNames());
-        const std::string name = columns.areOfDna && index != noColumn
+        const std::string name = columns.areOfDna && index != NO_COLUMN
                                      ? ROD_NAMES[index % FRAME_WIDTH] + ofOwner(index / FRAME_WIDTH)
                                      : shortened(columns.names[column]);
         return columnText(column) + " (" + name + ")";

@@ -19,7 +19,7 @@ using Vector = algebra3d::Vector3<double>;
 
 constexpr double TOLERANCE = algebra3d::ROTATION_TOLERANCE;
 constexpr double SMALLEST_SINE = 1e-6; ///< of an angle that still tells a plane
-constexpr char normaliseHint[] = " (--normalise accepts others)";
+constexpr char NORMALISE_HINT[] = " (--normalise accepts others)";
 
 std::string nameOf(std::size_t director) { return "d" + std::to_string(director + 1); }
 
@@ -40,7 +40,7 @@ std::string checkLength(const Vector& director, std::size_t index, const ReadOpt
     return std::abs(norm - 1) <= TOLERANCE
                ? ""
                : "found " + nameOf(index) + " of norm " + formatted(norm) + ", expected 1 within " +
-                     formatted(TOLERANCE) + normaliseHint;
+                     formatted(TOLERANCE) + NORMALISE_HINT;
 }
 
 std::string checkAngle(const Directors& directors, std::size_t i, std::size_t j)
@@ -51,7 +51,7 @@ std::string checkAngle(const Directors& directors, std::size_t i, std::size_t j)
     return std::abs(product) <= TOLERANCE
                ? ""
                : "found " + nameOf(i) + " times " + nameOf(j) + " = " + formatted(product) +
-                     ", expected 0 within " + formatted(TOLERANCE) + normaliseHint;
+                     ", expected 0 within " + formatted(TOLERANCE) + NORMALISE_HINT;
 }
 
 std::string checkAngles(const Directors& directors, const ReadOptions& options)

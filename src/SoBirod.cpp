@@ -58,17 +58,6 @@ std::unique_ptr<BiarcTubeMesh> makeStrandTube(const std::vector<Vector>& positio
                                            replaced);
 }
 
-std::unique_ptr<BiarcRibbonMesh> makeRibbon(const std::vector<Vector>& centreline,
-                                            const std::vector<Rotation>& rotations, double width,
-                                            int subsegments, bool twoSided,
-                                            BiarcRibbonMesh* replaced)
-{
-    std::vector<Vector> edgeA(centreline.size());
-    std::vector<Vector> edgeB(centreline.size());
-    fillRibbonEdges(centreline, rotations, width, twoSided, edgeA, edgeB);
-    return std::make_unique<BiarcRibbonMesh>(edgeA, edgeB, width, subsegments, replaced);
-}
-
 } // namespace
 
 void SoBirod::initClass() { SO_NODE_INIT_ABSTRACT_CLASS(SoBirod, SoMeshShape, "SoMeshShape"); }

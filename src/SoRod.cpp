@@ -30,17 +30,6 @@ bool areCorrect(const std::vector<Vector>& points, const std::vector<Rotation>& 
            isDataCorrect(points, rotations, algebra3d::ROTATION_TOLERANCE);
 }
 
-std::unique_ptr<BiarcRibbonMesh> makeRibbon(const std::vector<Vector>& points,
-                                            const std::vector<Rotation>& rotations, double width,
-                                            int subsegments, bool twoSided,
-                                            BiarcRibbonMesh* replaced)
-{
-    std::vector<Vector> edgeA(points.size());
-    std::vector<Vector> edgeB(points.size());
-    fillRibbonEdges(points, rotations, width, twoSided, edgeA, edgeB);
-    return std::make_unique<BiarcRibbonMesh>(edgeA, edgeB, width, subsegments, replaced);
-}
-
 } // namespace
 
 void SoRod::initClass() { SO_NODE_INIT_ABSTRACT_CLASS(SoRod, SoMeshShape, "SoMeshShape"); }

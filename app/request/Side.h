@@ -15,7 +15,7 @@ struct NamedSide
     Side side;
 };
 
-/// All of them, as the command line and the menu call them.
+/// All of them by name: "--view x" of the command line, "From x" of the menu.
 constexpr std::array<NamedSide, 6> SIDES{{{"x", Side::X},
                                           {"-x", Side::MINUS_X},
                                           {"y", Side::Y},

@@ -108,6 +108,31 @@ std::string computeAll(const char* work, const std::vector<Item>& items,
     return error;
 }
 
+SceneGeometry compute(const Configuration& configuration, const Extent& extent, const Style& style,
+                      const Placement& placement, Progress& progress, std::string& error)
+{
+    SceneGeometry geometry;
+    error = checkSize(extent, style);
+    if (!error.empty())
+        return geometry;
+    geometry.placement = placement;
+    geometry.side = std::array{Side::X, Side::Y, Side::Z}[std::size_t(thinnestAxis(extent))];
+    error = computeAll(
+        "Building rod", configuration.rods, geometry.rods,
+        [&](const Rod& rod, std::string& fault) {
+            return RodBuilder::compute(rod, style, placement, fault);
+        },
+        progress);
+    if (error.empty())
+        error = computeAll(
+            "Building birod", configuration.birods, geometry.birods,
+            [&](const Birod& birod, std::string& fault) {
+                return BirodBuilder::compute(birod, style, placement, fault);
+            },
+            progress);
+    return geometry;
+}
+
 // Lets a scene show a frame, in two steps: what may fail or be stopped leaves the scene as it is.
 class FrameChange
 {
@@ -205,34 +230,15 @@ void initialiseScene()
 SceneGeometry computeGeometry(const Configuration& configuration, const Style& style,
                               Progress& progress, std::string& error)
 {
-    return computeGeometry(configuration, style,
-                           choosePlacement(measure(configuration), style.radius), progress, error);
+    const Extent extent = measure(configuration);
+    return compute(configuration, extent, style, choosePlacement(extent, style.radius), progress,
+                   error);
 }
 
-SceneGeometry computeGeometry(const Configuration& configuration, const Style& style,
+SceneGeometry computeGeometry(const Configuration& next, const Style& style,
                               const Placement& placement, Progress& progress, std::string& error)
 {
-    SceneGeometry geometry;
-    const Extent extent = measure(configuration);
-    error = checkSize(extent, style);
-    if (!error.empty())
-        return geometry;
-    geometry.placement = placement;
-    geometry.side = std::array{Side::X, Side::Y, Side::Z}[std::size_t(thinnestAxis(extent))];
-    error = computeAll(
-        "Building rod", configuration.rods, geometry.rods,
-        [&](const Rod& rod, std::string& fault) {
-            return RodBuilder::compute(rod, style, placement, fault);
-        },
-        progress);
-    if (error.empty())
-        error = computeAll(
-            "Building birod", configuration.birods, geometry.birods,
-            [&](const Birod& birod, std::string& fault) {
-                return BirodBuilder::compute(birod, style, placement, fault);
-            },
-            progress);
-    return geometry;
+    return compute(next, measure(next), style, placement, progress, error);
 }
 
 DataScene* buildScene(const Configuration& configuration, const Style& style,

@@ -6,6 +6,7 @@
 #include <memory>
 #include <vector>
 
+#include <BiarcRibbonMesh.h>
 #include <BiarcTubeMesh.h>
 #include <algebra3d/Matrix3.h>
 #include <algebra3d/Quaternion.h>
@@ -51,6 +52,18 @@ inline void fillRibbonEdges(const std::vector<algebra3d::Vector3<double>>& point
             edgeB[i] = points[i] + width * d2;
         }
     }
+}
+
+/// The ribbon between those edges, in the memory of the ribbon that it replaces, if any.
+inline std::unique_ptr<BiarcRibbonMesh>
+makeRibbon(const std::vector<algebra3d::Vector3<double>>& points,
+           const std::vector<algebra3d::Quaternion<double>>& rotations, double width,
+           int subsegments, bool twoSided, BiarcRibbonMesh* replaced)
+{
+    std::vector<algebra3d::Vector3<double>> edgeA(points.size());
+    std::vector<algebra3d::Vector3<double>> edgeB(points.size());
+    fillRibbonEdges(points, rotations, width, twoSided, edgeA, edgeB);
+    return std::make_unique<BiarcRibbonMesh>(edgeA, edgeB, width, subsegments, replaced);
 }
 
 /// The entry of `count` ones, at least 1, that an index means: the first or the last if

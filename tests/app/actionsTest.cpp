@@ -44,6 +44,21 @@ TEST(Actions, StandInTheReadmeAllOfThemAndNoOthers)
     EXPECT_EQ(readmeRows(), expected);
 }
 
+TEST(Actions, ShowTheSceneFromEverySideUnderTheNameThatTheCommandLineHasForIt)
+{
+    std::map<std::string, Side> offered;
+    for (const ActionGroup& group : actions()) {
+        for (const Action& action : group.actions) {
+            if (const Side* side = std::get_if<Side>(&action.deed))
+                offered[action.text] = *side;
+        }
+    }
+    std::map<std::string, Side> expected;
+    for (const NamedSide& named : SIDES)
+        expected[std::string("From ") + named.name] = named.side;
+    EXPECT_EQ(offered, expected);
+}
+
 TEST(Actions, KeysAndTextsStandOnceEach)
 {
     std::multiset<std::string> keys;

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Who looks for the tests of a source finds them by its name.
-#include <algorithm>
-#include <cctype>
 #include <filesystem>
 #include <map>
 #include <set>
 #include <string>
 
 #include <gmock/gmock.h>
+
+#include <strandview/formats/text/encoding.h>
 
 namespace {
 
@@ -30,13 +30,6 @@ const std::map<std::string, std::string> ELSEWHERE{
     {"app/window/textBoxes.cpp", "tests/gui/MainWindowTest.cpp"},
 };
 
-std::string inSmallLetters(std::string text)
-{
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](unsigned char letter) { return char(std::tolower(letter)); });
-    return text;
-}
-
 std::set<fs::path> sourcesBelow(const std::string& folder)
 {
     std::set<fs::path> files;
@@ -52,7 +45,7 @@ std::set<std::string> namesOfTests()
 {
     std::set<std::string> names;
     for (const fs::path& file : sourcesBelow("tests"))
-        names.insert(inSmallLetters(file.stem().string()));
+        names.insert(strandview::inSmallLetters(file.stem().string()));
     return names;
 }
 
@@ -67,7 +60,7 @@ TEST(TestsByName, EverySourceOfTheFormatsAndOfTheProgramHasOne)
     const std::set<std::string> tests = namesOfTests();
     for (const char* folder : {"formats", "app"}) {
         for (const fs::path& source : sourcesBelow(folder)) {
-            const std::string name = inSmallLetters(source.stem().string()) + "test";
+            const std::string name = strandview::inSmallLetters(source.stem().string()) + "test";
             EXPECT_NE(tests.count(name) != 0, isTestedElsewhere(source))
                 << source << ": expected a test of that name, or where else it is tested, not both";
         }

@@ -34,22 +34,15 @@ struct Form
 
 const char* ArrowBuilder::getWork() const { return "Building arrow"; }
 
-std::size_t ArrowBuilder::count() const { return frame.data.arrows.size(); }
-
-std::string ArrowBuilder::getName(std::size_t index) const
-{
-    return frame.data.arrows[index].origin;
-}
-
 std::string ArrowBuilder::check(std::size_t index) const
 {
-    const Arrow& arrow = frame.data.arrows[index];
+    const Arrow& arrow = datum(index);
     return checkColour(arrow.colour, arrow.origin);
 }
 
 SbBox3f ArrowBuilder::getReach(std::size_t index) const
 {
-    const Form form(frame, frame.data.arrows[index]);
+    const Form form(frame, datum(index));
     SbBox3f box = boxAround(form.from, form.headRadius);
     box.extendBy(boxAround(form.to, form.headRadius));
     return box;
@@ -57,7 +50,7 @@ SbBox3f ArrowBuilder::getReach(std::size_t index) const
 
 ShownDatum ArrowBuilder::makeNodes(std::size_t index)
 {
-    const Arrow& arrow = frame.data.arrows[index];
+    const Arrow& arrow = datum(index);
     const Vector3<double> colour = toVector(glyphColour(arrow.colour));
     const Form form(frame, arrow);
     ShownDatum shown;
@@ -70,7 +63,7 @@ ShownDatum ArrowBuilder::makeNodes(std::size_t index)
 
 void ArrowBuilder::updateNodes(std::size_t index, ShownDatum& shown)
 {
-    const Arrow& arrow = frame.data.arrows[index];
+    const Arrow& arrow = datum(index);
     const SbColor colour = toSbColor(glyphColour(arrow.colour));
     auto* material = static_cast<SoMaterial*>(shown.group->getChild(0));
     material->ambientColor = colour;

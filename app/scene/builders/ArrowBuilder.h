@@ -7,20 +7,18 @@
 namespace strandview {
 
 /// Arrows, with a head of the usual form.
-class ArrowBuilder : public DatumBuilder
+class ArrowBuilder : public BuilderOf<&Configuration::arrows>
 {
 public:
-    using DatumBuilder::DatumBuilder;
+    using BuilderOf::BuilderOf;
 
     const char* getWork() const override;
-    std::size_t count() const override;
     std::string check(std::size_t index) const override;
     SbBox3f getReach(std::size_t index) const override;
 
 protected:
     ShownDatum makeNodes(std::size_t index) override;
     void updateNodes(std::size_t index, ShownDatum& shown) override;
-    std::string getName(std::size_t index) const override;
 };
 
 } // namespace strandview

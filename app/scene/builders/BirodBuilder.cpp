@@ -75,13 +75,6 @@ SceneGeometry::Birod BirodBuilder::compute(const Birod& birod, const Style& styl
 
 const char* BirodBuilder::getWork() const { return "Showing birod"; }
 
-std::size_t BirodBuilder::count() const { return frame.data.birods.size(); }
-
-std::string BirodBuilder::getName(std::size_t index) const
-{
-    return frame.data.birods[index].origin;
-}
-
 SbBox3f BirodBuilder::getReach(std::size_t index) const
 {
     const SoBirod::Meshes& meshes = frame.geometry.birods[index].meshes;

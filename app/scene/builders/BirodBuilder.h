@@ -10,10 +10,10 @@ class SoMaterial;
 namespace strandview {
 
 /// Birods: the strands are drawn through their own points, the average thinner between them.
-class BirodBuilder : public DatumBuilder
+class BirodBuilder : public BuilderOf<&Configuration::birods>
 {
 public:
-    using DatumBuilder::DatumBuilder;
+    using BuilderOf::BuilderOf;
 
     /// The points and meshes of one birod, in any thread. One line in `error` if one of its
     /// tubes, or of its ribbons where they are shown, cannot be interpolated.
@@ -21,13 +21,11 @@ public:
                                         const Placement& placement, std::string& error);
 
     const char* getWork() const override;
-    std::size_t count() const override;
     SbBox3f getReach(std::size_t index) const override;
 
 protected:
     ShownDatum makeNodes(std::size_t index) override;
     void updateNodes(std::size_t index, ShownDatum& shown) override;
-    std::string getName(std::size_t index) const override;
 
 private:
     void setColours(std::size_t index, const SoBirod& birod, SoMaterial* material) const;

@@ -77,6 +77,20 @@ private:
     SoGetBoundingBoxAction bounds; // one for all data
 };
 
+/// A builder of the data in one member of a configuration, which are told by their origin.
+template <auto items>
+class BuilderOf : public DatumBuilder
+{
+public:
+    using DatumBuilder::DatumBuilder;
+
+    std::size_t count() const override { return (frame.data.*items).size(); }
+
+protected:
+    const auto& datum(std::size_t index) const { return (frame.data.*items)[index]; }
+    std::string getName(std::size_t index) const override { return datum(index).origin; }
+};
+
 // What builders have in common
 
 /// A box around a point of the scene.

@@ -36,16 +36,6 @@ void makePlate(SoDNA& dna)
     box->depth = thickness;
 }
 
-std::vector<Vector3<double>> toAngstrom(const std::vector<Vector3<double>>& points,
-                                        const Vector3<double>& origin, double angstrom)
-{
-    std::vector<Vector3<double>> placed;
-    placed.reserve(points.size());
-    for (const Vector3<double>& point : points)
-        placed.push_back((point - origin) * (1 / angstrom));
-    return placed;
-}
-
 // "pair 12 AT, strand 2, " below a DNA, which is the path's node `index`: child 0 holds
 // the boxes of the pairs, child 1 the bases, two for each pair.
 std::string placeIn(const SoPath& path, int index)
@@ -68,13 +58,9 @@ std::string placeIn(const SoPath& path, int index)
 
 const char* DnaBuilder::getWork() const { return "Building DNA"; }
 
-std::size_t DnaBuilder::count() const { return frame.data.dnas.size(); }
-
-std::string DnaBuilder::getName(std::size_t index) const { return frame.data.dnas[index].origin; }
-
 SbBox3f DnaBuilder::getReach(std::size_t index) const
 {
-    const Dna& dna = frame.data.dnas[index];
+    const Dna& dna = datum(index);
     const double reach = frame.scaled(REACH * frame.style.dna.angstrom);
     SbBox3f box;
     for (const auto* points : {&dna.pairPoints, &dna.points1, &dna.points2}) {
@@ -116,13 +102,12 @@ ShownDatum DnaBuilder::makeNodes(std::size_t index)
 
 void DnaBuilder::updateNodes(std::size_t index, ShownDatum& shown)
 {
-    const Dna& dna = frame.data.dnas[index];
-    const auto placed = [this](const std::vector<Vector3<double>>& points) {
-        return toAngstrom(points, frame.placement.origin, frame.style.dna.angstrom);
-    };
+    const Dna& dna = datum(index);
+    const Placement inAngstrom{frame.placement.origin, 1 / frame.style.dna.angstrom};
     auto* node = static_cast<SoDNA*>(shown.node);
-    node->setData(dna.bases, placed(dna.pairPoints), dna.pairRotations, placed(dna.points1),
-                  dna.rotations1, placed(dna.points2), dna.rotations2);
+    node->setData(dna.bases, inAngstrom.toScene(dna.pairPoints), dna.pairRotations,
+                  inAngstrom.toScene(dna.points1), dna.rotations1, inAngstrom.toScene(dna.points2),
+                  dna.rotations2);
     node->generate();
 }
 

@@ -7,19 +7,17 @@
 namespace strandview {
 
 /// DNA: built in ångström, the unit of its atoms, and scaled to the scene.
-class DnaBuilder : public DatumBuilder
+class DnaBuilder : public BuilderOf<&Configuration::dnas>
 {
 public:
-    using DatumBuilder::DatumBuilder;
+    using BuilderOf::BuilderOf;
 
     const char* getWork() const override;
-    std::size_t count() const override;
     SbBox3f getReach(std::size_t index) const override;
 
 protected:
     ShownDatum makeNodes(std::size_t index) override;
     void updateNodes(std::size_t index, ShownDatum& shown) override;
-    std::string getName(std::size_t index) const override;
     SbBox3f findBox(std::size_t index, const ShownDatum& shown) override;
 };
 

@@ -19,19 +19,12 @@ double sizeOf(const Frame& frame, const Style& style)
 
 const char* FrameBuilder::getWork() const { return "Building frame"; }
 
-std::size_t FrameBuilder::count() const { return frame.data.frames.size(); }
-
-std::string FrameBuilder::getName(std::size_t index) const
-{
-    return frame.data.frames[index].origin;
-}
-
 SbBox3f FrameBuilder::getReach(std::size_t index) const
 {
-    const Frame& datum = frame.data.frames[index];
+    const Frame& shownFrame = datum(index);
     const double heads = 1.1; // beside the ends
-    return boxAround(frame.placement.toScene(datum.point),
-                     heads * frame.scaled(sizeOf(datum, frame.style)));
+    return boxAround(frame.placement.toScene(shownFrame.point),
+                     heads * frame.scaled(sizeOf(shownFrame, frame.style)));
 }
 
 ShownDatum FrameBuilder::makeNodes(std::size_t index)
@@ -47,11 +40,11 @@ ShownDatum FrameBuilder::makeNodes(std::size_t index)
 
 void FrameBuilder::updateNodes(std::size_t index, ShownDatum& shown)
 {
-    const Frame& datum = frame.data.frames[index];
-    const float size = float(frame.scaled(sizeOf(datum, frame.style)));
+    const Frame& shownFrame = datum(index);
+    const float size = float(frame.scaled(sizeOf(shownFrame, frame.style)));
     auto* transform = static_cast<SoTransform*>(shown.group->getChild(0));
-    transform->translation = toSbVec3f(frame.placement.toScene(datum.point));
-    transform->rotation = toSbRotation(datum.rotation);
+    transform->translation = toSbVec3f(frame.placement.toScene(shownFrame.point));
+    transform->rotation = toSbRotation(shownFrame.rotation);
     transform->scaleFactor = SbVec3f(size, size, size);
 }
 

@@ -7,19 +7,17 @@
 namespace strandview {
 
 /// Frames: three arrows each.
-class FrameBuilder : public DatumBuilder
+class FrameBuilder : public BuilderOf<&Configuration::frames>
 {
 public:
-    using DatumBuilder::DatumBuilder;
+    using BuilderOf::BuilderOf;
 
     const char* getWork() const override;
-    std::size_t count() const override;
     SbBox3f getReach(std::size_t index) const override;
 
 protected:
     ShownDatum makeNodes(std::size_t index) override;
     void updateNodes(std::size_t index, ShownDatum& shown) override;
-    std::string getName(std::size_t index) const override;
 };
 
 } // namespace strandview

@@ -29,7 +29,7 @@ SoShapeHints* makeHints()
 } // namespace
 
 MarkerBuilder::MarkerBuilder(const FrameToShow& frameToShow)
-    : DatumBuilder(frameToShow), scale(new SoScale)
+    : BuilderOf(frameToShow), scale(new SoScale)
 {
     scale->ref();
 }
@@ -38,30 +38,28 @@ MarkerBuilder::~MarkerBuilder() { scale->unref(); }
 
 const char* MarkerBuilder::getWork() const { return "Building marker"; }
 
-std::size_t MarkerBuilder::count() const { return frame.data.markers.size(); }
-
 std::string MarkerBuilder::getName(std::size_t index) const
 {
-    const Marker& marker = frame.data.markers[index];
+    const Marker& marker = datum(index);
     return marker.origin + ": id " + std::to_string(marker.id);
 }
 
 std::string MarkerBuilder::check(std::size_t index) const
 {
-    const Marker& marker = frame.data.markers[index];
+    const Marker& marker = datum(index);
     return checkColour(marker.colour, marker.origin);
 }
 
 SbBox3f MarkerBuilder::getReach(std::size_t index) const
 {
-    const Marker& marker = frame.data.markers[index];
+    const Marker& marker = datum(index);
     return boxAround(frame.placement.toScene(marker.point),
                      frame.scaled(sizeOf(marker, frame.style))); // a cross is 1.6 sizes long
 }
 
 ShownDatum MarkerBuilder::makeNodes(std::size_t index)
 {
-    const Marker& marker = frame.data.markers[index];
+    const Marker& marker = datum(index);
     auto* node = new SoMarker(marker.id, toVector(glyphColour(marker.colour)),
                               frame.scaled(sizeOf(marker, frame.style)), marker.transparency,
                               SoMarker::Shape(marker.shape));
@@ -75,7 +73,7 @@ ShownDatum MarkerBuilder::makeNodes(std::size_t index)
 
 void MarkerBuilder::updateNodes(std::size_t index, ShownDatum& shown)
 {
-    const Marker& marker = frame.data.markers[index];
+    const Marker& marker = datum(index);
     const Colour colour = glyphColour(marker.colour);
     auto* node = static_cast<SoMarker*>(shown.node);
     node->setId(marker.id);

@@ -9,14 +9,13 @@ class SoScale;
 namespace strandview {
 
 /// Markers: closed shapes, all new ones of which share a scale.
-class MarkerBuilder : public DatumBuilder
+class MarkerBuilder : public BuilderOf<&Configuration::markers>
 {
 public:
     explicit MarkerBuilder(const FrameToShow& frameToShow);
     ~MarkerBuilder() override;
 
     const char* getWork() const override;
-    std::size_t count() const override;
     std::string check(std::size_t index) const override;
     SbBox3f getReach(std::size_t index) const override;
 

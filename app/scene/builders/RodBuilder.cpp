@@ -99,10 +99,6 @@ SceneGeometry::Rod RodBuilder::compute(const Rod& rod, const Style& style,
 
 const char* RodBuilder::getWork() const { return "Showing rod"; }
 
-std::size_t RodBuilder::count() const { return frame.data.rods.size(); }
-
-std::string RodBuilder::getName(std::size_t index) const { return frame.data.rods[index].origin; }
-
 SbBox3f RodBuilder::getReach(std::size_t index) const
 {
     const SoRod::Meshes& meshes = frame.geometry.rods[index].meshes;
@@ -130,9 +126,8 @@ void RodBuilder::updateNodes(std::size_t index, ShownDatum& shown)
 {
     auto* node = static_cast<SoRod*>(shown.node);
     SceneGeometry::Rod& computed = frame.geometry.rods[index];
-    node->showRibbon(showsRibbon(frame.style, frame.data.rods[index]));
-    node->setData(std::move(computed.points), frame.data.rods[index].rotations,
-                  std::move(computed.meshes));
+    node->showRibbon(showsRibbon(frame.style, datum(index)));
+    node->setData(std::move(computed.points), datum(index).rotations, std::move(computed.meshes));
     if (hasDataColours(index)) {
         setDataColours(index, shown);
     } else if (shown.colours) {

@@ -10,10 +10,10 @@ class SoSwitch;
 namespace strandview {
 
 /// Rods: tube and ribbon, in a colour of their own or in those of a scalar.
-class RodBuilder : public DatumBuilder
+class RodBuilder : public BuilderOf<&Configuration::rods>
 {
 public:
-    using DatumBuilder::DatumBuilder;
+    using BuilderOf::BuilderOf;
 
     /// The points and meshes of one rod, in any thread. One line in `error` if a tube, or a
     /// ribbon that is shown, cannot be interpolated.
@@ -21,13 +21,11 @@ public:
                                       const Placement& placement, std::string& error);
 
     const char* getWork() const override;
-    std::size_t count() const override;
     SbBox3f getReach(std::size_t index) const override;
 
 protected:
     ShownDatum makeNodes(std::size_t index) override;
     void updateNodes(std::size_t index, ShownDatum& shown) override;
-    std::string getName(std::size_t index) const override;
 
 private:
     bool hasDataColours(std::size_t index) const;
