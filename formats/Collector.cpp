@@ -107,7 +107,8 @@ bool isEmpty(const Configuration& configuration)
 {
     return configuration.rods.empty() && configuration.birods.empty() &&
            configuration.dnas.empty() && configuration.markers.empty() &&
-           configuration.frames.empty() && configuration.arrows.empty();
+           configuration.frames.empty() && configuration.arrows.empty() &&
+           configuration.loneBases.empty();
 }
 
 } // namespace
@@ -177,6 +178,8 @@ std::string Collector::add(Dna dna)
 void Collector::add(Marker marker) { configuration.markers.push_back(std::move(marker)); }
 void Collector::add(Frame frame) { configuration.frames.push_back(std::move(frame)); }
 void Collector::add(Arrow arrow) { configuration.arrows.push_back(std::move(arrow)); }
+
+void Collector::add(LoneBase base) { configuration.loneBases.push_back(std::move(base)); }
 
 std::optional<Configuration> Collector::finish(const std::string& fileName, const char* expected,
                                                ReadReport& report)

@@ -40,6 +40,7 @@ public:
     void add(Marker marker);
     void add(Frame frame);
     void add(Arrow arrow);
+    void add(LoneBase base);
 
     /// All of it, and a notice for each thing done; nothing and an error if there is
     /// nothing to show, with what could have been: "rod or DNA".

@@ -16,6 +16,13 @@ namespace strandview {
 
 class Source;
 
+/// How sure the first bytes of a file make it that it is of a format.
+enum class Likeness {
+    NONE,
+    POSSIBLE, ///< nothing speaks against it: the name decides before
+    CERTAIN,  ///< whatever the name is
+};
+
 /// What strandview knows of one format of files: a row of formats().
 struct Format
 {
@@ -23,12 +30,12 @@ struct Format
     std::string name;
     /// As a message expects one: "a table".
     std::string expected;
-    /// With their dots, in small letters; a file may have them in capitals, too.
+    /// With their dots, in small letters; a file may have them in capitals, too. The first format
+    /// of several that share one is that of files whose content leaves it open.
     std::vector<std::string> endings;
 
-    /// Whether bytes without such an ending can be one, by the first 64 KiB, or by all where
-    /// there are fewer.
-    bool (*recognises)(std::string_view beginning);
+    /// Whether bytes can be one, by the first 64 KiB, or by all where there are fewer.
+    Likeness (*recognises)(std::string_view beginning);
 
     /// A configuration, of a series its first frame; nothing and report.error if that fails.
     std::optional<Configuration> (*read)(Source& source, const ReadOptions& options,

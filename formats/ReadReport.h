@@ -16,6 +16,8 @@ struct ReadOptions
     /// Asked now and then while a file is read, with the share of it that is done, from 0 to
     /// 1: whether to go on. If not, nothing is read, and the error says so.
     std::function<bool(double share)> goOn = {};
+    /// Close every rod whose ends are apart, by one more element.
+    bool close = false;
 };
 
 /// What a reader has to tell its user.

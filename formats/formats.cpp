@@ -32,11 +32,17 @@ std::optional<Configuration> readWhole(Source& source, const ReadOptions& option
 
 bool isText(std::string_view beginning) { return !isUtf16(beginning) && !isBinary(beginning); }
 
-bool isJson(std::string_view beginning)
+Likeness likenessToTable(std::string_view beginning)
+{
+    return isText(beginning) ? Likeness::POSSIBLE : Likeness::NONE;
+}
+
+Likeness likenessToJson(std::string_view beginning)
 {
     const std::string_view text = withoutByteOrderMark(beginning);
     const std::size_t first = text.find_first_not_of(" \t\r\n");
-    return isText(beginning) && first != std::string_view::npos && text[first] == '{';
+    const bool isJson = isText(beginning) && first != std::string_view::npos && text[first] == '{';
+    return isJson ? Likeness::POSSIBLE : Likeness::NONE;
 }
 
 } // namespace
@@ -47,10 +53,10 @@ const std::vector<Format>& formats()
         {"Tables",
          "a table",
          {".txt", ".dat", ".csv", ".tsv", ".xyz"},
-         isText,
+         likenessToTable,
          readWhole<readTable>,
          nullptr},
-        {"JSON", "JSON", {".json"}, isJson, readWhole<readJson>, nullptr},
+        {"JSON", "JSON", {".json"}, likenessToJson, readWhole<readJson>, nullptr},
     };
     return all;
 }
@@ -64,24 +70,26 @@ const Format* formatOfEnding(const std::string& path)
     return nullptr;
 }
 
-const Format* formatOfContent(std::string_view beginning)
+const Format* formatOfContent(std::string_view beginning, Likeness atLeast)
 {
     const std::vector<Format>& all = formats();
     const auto found = std::find_if(all.rbegin(), all.rend(), [&](const Format& format) {
-        return format.recognises(beginning);
+        return format.recognises(beginning) >= atLeast;
     });
     return found == all.rend() ? nullptr : &*found;
 }
 
 const Format* formatOf(Source& source, const ReadOptions& options, ReadReport& report)
 {
-    if (const Format* const format = formatOfEnding(source.getPath()))
-        return format;
     const std::optional<std::string_view> beginning =
         source.readBeginning(BEGINNING_TO_KNOW_BY, options, report);
     if (!beginning)
         return nullptr;
-    const Format* const format = formatOfContent(*beginning);
+    const Format* format = formatOfContent(*beginning, Likeness::CERTAIN);
+    if (!format)
+        format = formatOfEnding(source.getPath());
+    if (!format)
+        format = formatOfContent(*beginning);
     if (!format)
         report.error = source.getName() + ": " +
                        (isUtf16(*beginning) ? FOUND_UTF16

@@ -14,15 +14,17 @@ namespace strandview {
 /// Every format that is read, each once. All may be called from any thread.
 STRANDVIEW_FORMATS_EXPORT const std::vector<Format>& formats();
 
-/// The format whose ending a path has; null if none has it.
+/// The first format whose ending a path has; null if none has it.
 STRANDVIEW_FORMATS_EXPORT const Format* formatOfEnding(const std::string& path);
 
-/// The format that recognises bytes by their beginning; null if none does. The last one of the
-/// list is asked first: what comes first in it is tables, which take any text.
-STRANDVIEW_FORMATS_EXPORT const Format* formatOfContent(std::string_view beginning);
+/// The format that is as likely as asked by the beginning of the bytes; null if none is. The last
+/// one of the list is asked first: what comes first in it is tables, which take any text.
+STRANDVIEW_FORMATS_EXPORT const Format* formatOfContent(std::string_view beginning,
+                                                        Likeness atLeast = Likeness::POSSIBLE);
 
-/// By the ending, else by the content, of which no more is read than the beginning: a device may
-/// have no end. Null and report.error if neither tells one.
+/// By the content where that is certain, else by the ending, else by what the content can be. No
+/// more is read than the beginning: a device may have no end. Null and report.error if nothing
+/// tells one, or if nothing can be read.
 STRANDVIEW_FORMATS_EXPORT const Format* formatOf(Source& source, const ReadOptions& options,
                                                  ReadReport& report);
 

@@ -13,11 +13,9 @@ namespace strandview {
 
 class Source;
 
-/// Reads one file, or standard input for "-", in the format of its ending (upper or lower
-/// case), of formats(). Of standard input, and where there is no ending or another one (pipes,
-/// devices), the content decides: JSON if the first character that is not blank is "{", a
-/// table if it is text at all; what begins with control characters is neither. A byte order
-/// mark of UTF-8 is skipped; text with one of UTF-16 is refused.
+/// Reads one file, or standard input for "-", in the format that formatOf() finds: by its content
+/// where that is unmistakable, else by its ending (upper or lower case). A byte order mark of
+/// UTF-8 is skipped; text with one of UTF-16 is refused.
 ///
 /// Adds to report.notices. Nothing and report.error if it fails; if the file cannot be
 /// read at all the error gives the system's reason. May be called from any thread.

@@ -8,6 +8,7 @@
 #include <strandview/model/Birod.h>
 #include <strandview/model/Dna.h>
 #include <strandview/model/Frame.h>
+#include <strandview/model/LoneBase.h>
 #include <strandview/model/Marker.h>
 #include <strandview/model/Rod.h>
 #include <strandview/modelExport.h>
@@ -23,9 +24,11 @@ struct Configuration
     std::vector<Marker> markers = {};
     std::vector<Frame> frames = {};
     std::vector<Arrow> arrows = {};
+    std::vector<LoneBase> loneBases = {};
 };
 
-/// Adds what another has behind what there is, kind by kind; nothing is left in the other.
+/// Adds what another has behind what there is, kind by kind; nothing is left in the other. Its
+/// molecules get numbers of their own.
 STRANDVIEW_MODEL_EXPORT void append(Configuration& all, Configuration&& more);
 
 } // namespace strandview

@@ -75,6 +75,8 @@ Extent measure(const Configuration& configuration)
         measurer.addPoint(arrow.from);
         measurer.addPoint(arrow.to);
     }
+    for (const LoneBase& base : configuration.loneBases)
+        measurer.addPoint(base.point);
     return measurer.finish();
 }
 

@@ -3,6 +3,7 @@
 #define STRANDVIEW_MODEL_ROD_H
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -28,7 +29,16 @@ struct Rod
     std::vector<Scalar> scalars;
     std::vector<std::size_t> lines = {};   ///< of its points, if the file is a table
     std::vector<std::size_t> indices = {}; ///< of its points in the file, if some were left out
-    bool hasFrames = true; ///< of its own; else the rotations were made by parallel transport
+    bool hasFrames = true;                 ///< of its own; else the rotations were made
+
+    std::string name = {};                  ///< that the file gives it; may be empty
+    std::optional<std::string> colour = {}; ///< as that of a Marker
+    std::optional<double> radius = {};      ///< of its tube, above 0
+    /// Then the last point is the first one again, exactly. Its rotation is that of the first one,
+    /// or its opposite, unless the frames turn on around a closed centreline.
+    bool isClosed = false;
+    bool isBackbone = false;  ///< of a strand of DNA, from its 5' end to its 3' end
+    std::size_t molecule = 0; ///< what has the same number, above 0, belongs together
 };
 
 } // namespace strandview

@@ -46,11 +46,11 @@ TEST(Formats, TheGuideHasASectionForEachWithItsEndings)
     EXPECT_EQ(headings, headingsOfTheGuide());
 }
 
-TEST(Formats, AnEndingBelongsToOneAndIsWrittenSmall)
+TEST(Formats, AnEndingIsNamedOnceAndWrittenSmall)
 {
-    std::set<std::string> seen;
     for (const Format& format : formats()) {
         EXPECT_FALSE(format.endings.empty()) << format.name;
+        std::set<std::string> seen;
         for (const std::string& ending : format.endings) {
             EXPECT_EQ(ending.find('.'), 0u) << ending;
             EXPECT_TRUE(seen.insert(ending).second) << ending;

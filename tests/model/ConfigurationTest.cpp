@@ -19,12 +19,14 @@ Configuration oneOfEach(const std::string& name)
     all.markers.resize(1);
     all.frames.resize(1);
     all.arrows.resize(1);
+    all.loneBases.resize(1);
     all.rods[0].origin = name + " rod";
     all.birods[0].origin = name + " birod";
     all.dnas[0].origin = name + " DNA";
     all.markers[0].origin = name + " marker";
     all.frames[0].origin = name + " frame";
     all.arrows[0].origin = name + " arrow";
+    all.loneBases[0].origin = name + " base";
     return all;
 }
 
@@ -46,6 +48,22 @@ TEST(Configuration, AppendsEachKindBehindItsOwn)
     expectOrigins(all.markers, "marker");
     expectOrigins(all.frames, "frame");
     expectOrigins(all.arrows, "arrow");
+    expectOrigins(all.loneBases, "base");
+}
+
+TEST(Configuration, KeepsMoleculesApartThatItAppends)
+{
+    Configuration all = oneOfEach("first"), more = oneOfEach("second");
+    all.rods[0].molecule = 1;
+    all.dnas[0].molecule = 3;
+    more.rods[0].molecule = 2;
+    more.loneBases[0].molecule = 2;
+    append(all, std::move(more));
+    EXPECT_EQ(all.rods[0].molecule, 1u);
+    EXPECT_EQ(all.dnas[0].molecule, 3u);
+    EXPECT_EQ(all.rods[1].molecule, 5u);
+    EXPECT_EQ(all.loneBases[1].molecule, 5u);
+    EXPECT_EQ(all.dnas[1].molecule, 0u) << "belonged to nothing";
 }
 
 } // namespace

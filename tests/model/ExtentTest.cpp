@@ -56,8 +56,11 @@ TEST(Extent, IsTheBoxAroundEverythingThatIsShown)
     arrow.from = Vector3<double>(0, -2, 0);
     arrow.to = Vector3<double>(0, 0, 7);
     data.arrows.push_back(arrow);
+    LoneBase base;
+    base.point = Vector3<double>(-1, 0, 0);
+    data.loneBases.push_back(base);
     const Extent extent = measure(data);
-    EXPECT_EQ(extent.sides.x, 1);
+    EXPECT_EQ(extent.sides.x, 2);
     EXPECT_EQ(extent.sides.y, 2);
     EXPECT_EQ(extent.sides.z, 7);
     EXPECT_EQ(thinnestAxis(extent), 0);
