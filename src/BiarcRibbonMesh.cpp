@@ -5,6 +5,7 @@
 #include <cmath>
 #include <new>
 
+#include "detail/closedCurves.h"
 #include "sampling/biarcSampling.h"
 
 using Vector = algebra3d::Vector3<double>;
@@ -12,12 +13,17 @@ using Vector = algebra3d::Vector3<double>;
 namespace {
 
 // Through the first m points.
-void interpolate(Curve<::Vector3>& curve, const std::vector<Vector>& edge, std::size_t m)
+void interpolate(Curve<::Vector3>& curve, const std::vector<Vector>& edge, std::size_t m,
+                 bool closed)
 {
     curve.biarcs.reserve(m);
     for (std::size_t i = 0; i < m; ++i)
         curve.append(toBiarc(edge[i]), ::Vector3());
     curve.computeTangents();
+    if (closed) {
+        curve.biarcs.front().tangent = toBiarc(tangentAtSeam(edge));
+        curve.biarcs.back().tangent = curve.biarcs.front().tangent;
+    }
     curve.makeMidpointRule();
 }
 
@@ -25,6 +31,22 @@ void interpolate(Curve<::Vector3>& curve, const std::vector<Vector>& edge, std::
 
 BiarcRibbonMesh::BiarcRibbonMesh(std::vector<Vector>& edgeA, std::vector<Vector>& edgeB,
                                  double width, int rowsPerBiarc, BiarcRibbonMesh* replaced)
+    : BiarcRibbonMesh(edgeA, edgeB, width, rowsPerBiarc, false, replaced)
+{}
+
+std::unique_ptr<BiarcRibbonMesh> BiarcRibbonMesh::makeClosed(std::vector<Vector>& edgeA,
+                                                             std::vector<Vector>& edgeB,
+                                                             double width, int rowsPerBiarc,
+                                                             BiarcRibbonMesh* replaced)
+{
+    const bool closed = isClosedCurve(edgeA) && isClosedCurve(edgeB);
+    return std::unique_ptr<BiarcRibbonMesh>(
+        new BiarcRibbonMesh(edgeA, edgeB, width, rowsPerBiarc, closed, replaced));
+}
+
+BiarcRibbonMesh::BiarcRibbonMesh(const std::vector<Vector>& edgeA, const std::vector<Vector>& edgeB,
+                                 double width, int rowsPerBiarc, bool closed,
+                                 BiarcRibbonMesh* replaced)
     : RibbonMesh(width), interpolationCount(std::max(std::abs(double(rowsPerBiarc)), 1.0))
 {
     if (replaced) {
@@ -44,8 +66,8 @@ BiarcRibbonMesh::BiarcRibbonMesh(std::vector<Vector>& edgeA, std::vector<Vector>
     paramValues.resize(m);
     interpParamValues.resize(std::size_t(rows));
 
-    interpolate(curveA, edgeA, m);
-    interpolate(curveB, edgeB, m);
+    interpolate(curveA, edgeA, m, closed);
+    interpolate(curveB, edgeB, m, closed);
 
     allocateUnconstructed();
     resetBB();

@@ -2,6 +2,7 @@
 #ifndef STRANDVIEW_BIARCRIBBONMESH_H
 #define STRANDVIEW_BIARCRIBBONMESH_H
 
+#include <memory>
 #include <vector>
 
 #include <RibbonMesh.h>
@@ -29,6 +30,14 @@ public:
                     std::vector<algebra3d::Vector3<double>>& edgeB, double width,
                     int interpolationCount, BiarcRibbonMesh* replaced = nullptr);
 
+    /// The ribbon between two closed curves, whose last points are the first ones again: smooth
+    /// there, too, with the first row as the last. An open one if a last point is another one, or
+    /// if there are fewer than 4.
+    static std::unique_ptr<BiarcRibbonMesh>
+    makeClosed(std::vector<algebra3d::Vector3<double>>& edgeA,
+               std::vector<algebra3d::Vector3<double>>& edgeB, double width, int interpolationCount,
+               BiarcRibbonMesh* replaced = nullptr);
+
     /// Fills one column from the first m nodes of a curve, writes the tangents of the
     /// rows into `tangents`, which must have one entry per row, and both tables.
     void computePointsOnSide(int column, int m, Curve<::Vector3>& curve,
@@ -45,6 +54,10 @@ public:
     const std::vector<double>& getInterpParamValues() const;
 
 private:
+    BiarcRibbonMesh(const std::vector<algebra3d::Vector3<double>>& edgeA,
+                    const std::vector<algebra3d::Vector3<double>>& edgeB, double width,
+                    int interpolationCount, bool closed, BiarcRibbonMesh* replaced);
+
     template <typename SetTangent>
     void samplePointsOnSide(int column, int m, const Curve<::Vector3>& curve,
                             SetTangent setTangent);

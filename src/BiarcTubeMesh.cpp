@@ -7,6 +7,7 @@
 
 #include <algebra3d/Matrix3.h>
 
+#include "detail/closedCurves.h"
 #include "sampling/biarcSampling.h"
 
 using Vector = algebra3d::Vector3<double>;
@@ -53,6 +54,23 @@ BiarcTubeMesh::BiarcTubeMesh(const std::vector<Vector>& points, const Vector& st
                     replaced)
 {
     generateMesh(computeCurve(points, startTangent, endTangent));
+}
+
+std::unique_ptr<BiarcTubeMesh> BiarcTubeMesh::makeClosed(const std::vector<Vector>& points,
+                                                         double radius, int ringSlices,
+                                                         int ringsPerBiarc, BiarcTubeMesh* replaced)
+{
+    if (!isClosedCurve(points))
+        return std::make_unique<BiarcTubeMesh>(points, radius, ringSlices, ringsPerBiarc, false,
+                                               false, replaced);
+    const Vector tangent = tangentAtSeam(points);
+    auto mesh = std::make_unique<BiarcTubeMesh>(points, tangent, tangent, radius, ringSlices,
+                                                ringsPerBiarc, false, false, replaced);
+    std::vector<double> shares = mesh->interpParamValues;
+    for (double& share : shares)
+        share /= mesh->interpParamValues.back();
+    mesh->meetItself(shares);
+    return mesh;
 }
 
 BiarcTubeMesh::~BiarcTubeMesh() { tube.clear_tube(); }

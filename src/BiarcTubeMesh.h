@@ -2,6 +2,7 @@
 #ifndef STRANDVIEW_BIARCTUBEMESH_H
 #define STRANDVIEW_BIARCTUBEMESH_H
 
+#include <memory>
 #include <vector>
 
 #include <TubeMesh.h>
@@ -42,6 +43,14 @@ public:
                   const algebra3d::Vector3<double>& endTangent, double radius, int slices,
                   int interpolationCount, bool lowerCapTakesLast, bool upperCapTakesFirst,
                   BiarcTubeMesh* replaced = nullptr);
+
+    /// The tube of a closed curve, whose last point is the first one again: smooth there, too.
+    /// The rings turn by equal shares of arc length about the curve, so that the last one is the
+    /// first one, and there are no caps. An open tube if the last point is another one, or if
+    /// there are fewer than 4.
+    static std::unique_ptr<BiarcTubeMesh>
+    makeClosed(const std::vector<algebra3d::Vector3<double>>& points, double radius, int slices,
+               int interpolationCount, BiarcTubeMesh* replaced = nullptr);
 
     ~BiarcTubeMesh() override;
 

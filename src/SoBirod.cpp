@@ -118,7 +118,8 @@ SoBirod::Meshes SoBirod::makeMeshes(const Data& data, double avgTubeRadius, doub
     displace(data.points2, data.rotations2, strandXPos, -strandYPos, positions2);
     const auto ribbon = [&](const std::vector<Vector>& centreline,
                             const std::vector<Rotation>& rotations, double width) {
-        auto mesh = makeRibbon(centreline, rotations, width, subsegments, twoSidedRibbon, nullptr);
+        auto mesh =
+            makeRibbon(centreline, rotations, width, subsegments, twoSidedRibbon, false, nullptr);
         mesh->forgetCurves();
         return mesh;
     };
@@ -126,7 +127,7 @@ SoBirod::Meshes SoBirod::makeMeshes(const Data& data, double avgTubeRadius, doub
     meshes.ribbon1 = ribbon(positions1, data.rotations1, ribbonsWidth);
     meshes.ribbon2 = ribbon(positions2, data.rotations2, ribbonsWidth);
     meshes.avgTube = makeFramedTube(data.avgPoints, data.avgRotations, avgTubeRadius, slices,
-                                    subsegments, nullptr);
+                                    subsegments, false, nullptr);
     meshes.tube1 = makeStrandTube(positions1, tubesRadius, slices, subsegments, nullptr);
     meshes.tube2 = makeStrandTube(positions2, tubesRadius, slices, subsegments, nullptr);
     for (BiarcTubeMesh* const tube : {meshes.avgTube.get(), meshes.tube1.get(), meshes.tube2.get()})
@@ -226,13 +227,13 @@ void SoBirod::buildMeshes()
 {
     updateStrandPositions();
     average.tube = makeFramedTube(average.points, average.rotations, avgTubeRadius, slices,
-                                  subsegments, average.tube.get());
+                                  subsegments, false, average.tube.get());
     for (Rod* strand : {&strand1, &strand2})
         strand->tube =
             makeStrandTube(strand->positions, tubesRadius, slices, subsegments, strand->tube.get());
     const auto buildRibbon = [this](Rod& rod, const std::vector<Vector>& centreline, double width) {
         rod.ribbon = makeRibbon(centreline, rod.rotations, width, subsegments, twoSidedRibbon,
-                                rod.ribbon.get());
+                                false, rod.ribbon.get());
     };
     buildRibbon(average, average.points, avgRibbonWidth);
     buildRibbon(strand1, strand1.positions, ribbonsWidth);

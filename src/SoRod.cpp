@@ -64,16 +64,17 @@ bool SoRod::setData(const std::vector<Vector>& newPoints, const std::vector<Rota
 SoRod::Meshes SoRod::makeMeshes(const std::vector<Vector>& points,
                                 const std::vector<Rotation>& rotations, double tubeRadius,
                                 double ribbonWidth, int slices, int subsegments,
-                                bool twoSidedRibbon)
+                                bool twoSidedRibbon, bool closed)
 {
     Meshes meshes;
     if (!areCorrect(points, rotations))
         return meshes;
     // The ribbon first, while there is no tube yet: it has two curves, the tube one.
     meshes.ribbon =
-        makeRibbon(points, rotations, ribbonWidth, subsegments, twoSidedRibbon, nullptr);
+        makeRibbon(points, rotations, ribbonWidth, subsegments, twoSidedRibbon, closed, nullptr);
     meshes.ribbon->forgetCurves();
-    meshes.tube = makeFramedTube(points, rotations, tubeRadius, slices, subsegments, nullptr);
+    meshes.tube =
+        makeFramedTube(points, rotations, tubeRadius, slices, subsegments, closed, nullptr);
     meshes.tube->forgetCurve();
     return meshes;
 }
@@ -127,9 +128,10 @@ void SoRod::generate()
 // The new meshes take over the memory of the old ones, which go after that.
 void SoRod::buildMeshes()
 {
-    tubeMesh = makeFramedTube(points, rotations, tubeRadius, slices, subsegments, tubeMesh.get());
-    ribbonMesh =
-        makeRibbon(points, rotations, ribbonWidth, subsegments, twoSidedRibbon, ribbonMesh.get());
+    tubeMesh =
+        makeFramedTube(points, rotations, tubeRadius, slices, subsegments, closed, tubeMesh.get());
+    ribbonMesh = makeRibbon(points, rotations, ribbonWidth, subsegments, twoSidedRibbon, closed,
+                            ribbonMesh.get());
 }
 
 void SoRod::clear()
@@ -170,6 +172,7 @@ void SoRod::copyContents(const SoFieldContainer* from, SbBool copyConnections)
     points = original->points;
     rotations = original->rotations;
     valid = original->valid;
+    closed = original->closed;
     if (original->hasMeshes())
         generate();
 }
@@ -257,3 +260,7 @@ void SoRod::showRibbon(bool show)
 bool SoRod::isTwoSidedRibbon() const { return twoSidedRibbon; }
 
 void SoRod::setTwoSidedRibbon(bool twoSided) { twoSidedRibbon = twoSided; }
+
+bool SoRod::isClosed() const { return closed; }
+
+void SoRod::setClosed(bool isClosed) { closed = isClosed; }

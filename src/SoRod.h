@@ -67,7 +67,7 @@ public:
     static Meshes makeMeshes(const std::vector<algebra3d::Vector3<double>>& points,
                              const std::vector<algebra3d::Quaternion<double>>& rotations,
                              double tubeRadius, double ribbonWidth, int slices, int subsegments,
-                             bool twoSidedRibbon);
+                             bool twoSidedRibbon, bool closed = false);
     /// setData() that takes the meshes that makeMeshes() made from the same data with the
     /// rod's values instead of generating them.
     bool setData(std::vector<algebra3d::Vector3<double>> points,
@@ -120,6 +120,12 @@ public:
     void showRibbon(bool show);
     bool isTwoSidedRibbon() const;
     void setTwoSidedRibbon(bool twoSided);
+    /// Whether a rod whose last point is the first one again, exactly, meets itself there: the
+    /// tube has no caps, and is smooth where it has a seam otherwise; the ribbon meets itself if
+    /// the last rotation is the first one or its opposite. The seam's tangent is that of the
+    /// points beside it, not d3. At first not; takes effect at the next generate().
+    bool isClosed() const;
+    void setClosed(bool isClosed);
 
     void GLRender(SoGLRenderAction* action) override;
     /// Tube and ribbon, whatever the show flags say.
@@ -153,6 +159,7 @@ private:
     bool showingTube;
     bool showingRibbon;
     bool twoSidedRibbon;
+    bool closed = false;
     bool valid;
 };
 

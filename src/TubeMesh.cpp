@@ -96,7 +96,7 @@ bool TubeMesh::isValid()
 void TubeMesh::render(SoGLRenderAction* action, int materialOffset)
 {
     Mesh::render(action, materialOffset);
-    if (!isValid())
+    if (!areThere())
         return;
     ImmediateDrawing drawing(*this, action, materialOffset);
     for (const int row : {0, getHeight() - 1})
@@ -108,6 +108,8 @@ void TubeMesh::generate(SoMeshShape* shape, SoAction* action)
     if (!isValid())
         return;
     const LeftOut leftOut = generateStrips(shape, action);
+    if (meetsItself)
+        return;
     PrimitiveGeneration generation(*shape, action);
     if (!leftOut.atFirstRow)
         visitCap(0, generation);
@@ -115,7 +117,7 @@ void TubeMesh::generate(SoMeshShape* shape, SoAction* action)
         visitCap(getHeight() - 1, generation);
 }
 
-bool TubeMesh::areThere() { return isValid(); }
+bool TubeMesh::areThere() { return !meetsItself && isValid(); }
 
 void TubeMesh::visitCap(int row, MeshVisitor& visitor)
 {
@@ -129,7 +131,10 @@ void TubeMesh::visitCap(int row, MeshVisitor& visitor)
     visitor.end();
 }
 
-int TubeMesh::getPrimitiveCount() { return Mesh::getPrimitiveCount() + 2 * getWidth() - 4; }
+int TubeMesh::getPrimitiveCount()
+{
+    return Mesh::getPrimitiveCount() + (meetsItself ? 0 : 2 * getWidth() - 4);
+}
 
 Vector TubeMesh::getUpperCapNormal() { return isValid() ? capNormal(getHeight() - 1) : Vector(); }
 
@@ -139,6 +144,32 @@ Vector TubeMesh::capNormal(int row)
 {
     const Vector* ring = getPoints()[row];
     return (ring[2] - ring[0]).cross(ring[1] - ring[0]).getUnit();
+}
+
+// The first normal lies along u, the second one a column's angle from there towards v.
+TubeMesh::RingFrame TubeMesh::frameOf(int row)
+{
+    computeDirections(slices);
+    const Vector& u = getNormals()[row][0];
+    const Vector v = (getNormals()[row][1] - directions[2] * u) * (1 / directions[3]);
+    return {getPoints()[row][0] - radius * u, u, v};
+}
+
+void TubeMesh::meetItself(const std::vector<double>& shares)
+{
+    const int last = getHeight() - 1;
+    const RingFrame first = frameOf(0);
+    const Vector& end = getNormals()[last][0];
+    const double angle = std::atan2(end.dot(first.v), end.dot(first.u));
+    resetBB();
+    for (int row = 0; row <= last; ++row) {
+        RingFrame frame = row == last ? first : frameOf(row);
+        const double back = row == last ? 0 : -angle * shares[std::size_t(row)];
+        const Vector u = std::cos(back) * frame.u + std::sin(back) * frame.v;
+        const Vector v = std::cos(back) * frame.v - std::sin(back) * frame.u;
+        fillRing(row, frame.centre, u, v);
+    }
+    meetsItself = true;
 }
 
 void TubeMesh::computeDirections(int columns)

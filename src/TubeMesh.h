@@ -10,7 +10,8 @@
 
 struct RingFiller;
 
-/// A tube of circular section around a centreline, closed by two flat caps.
+/// A tube of circular section around a centreline, closed by two flat caps, or, if it is one
+/// around a closed curve, meeting itself without any.
 ///
 /// Row i is the ring around one sample of the centreline; it turns counter-clockwise
 /// about the tangent. A ring has `slices` distinct points, and its last column
@@ -52,7 +53,8 @@ public:
     void render(SoGLRenderAction* action, int materialOffset) override;
     /// The same triangles; the caps in the material of their ring, whatever the flags.
     void generate(SoMeshShape* shape, SoAction* action) override;
-    /// That of the body and width - 2 per cap: one more each than is drawn, on purpose.
+    /// That of the body and width - 2 per cap: one more each than is drawn, on purpose. Of a
+    /// tube that meets itself that of the body.
     int getPrimitiveCount() override;
 
     /// At least 2 rings of 3 distinct points. Drawing the body asks the const one of
@@ -74,7 +76,15 @@ public:
     double getRadius() const { return radius; }
     int getSlices() const { return slices; }
 
+    /// Whether the last ring is the first one again, so that there are no caps.
+    bool isMeetingItself() const { return meetsItself; }
+
 protected:
+    /// Makes the last ring the first one, which has its centre and plane, and has no caps any
+    /// more. Each ring is turned about its tangent by a share of the angle between the two, at
+    /// most half a turn; `shares` has one per ring, from 0 to 1.
+    void meetItself(const std::vector<double>& shares);
+
     /// Mesh::takeMemory(), and the table of angles.
     void takeMemory(TubeMesh& replaced);
 
@@ -89,6 +99,7 @@ protected:
 
 private:
     void computeDirections(int slicesOfRing);
+    RingFrame frameOf(int row);
     algebra3d::Vector3<double> capNormal(int row);
     bool areThere() final;
     void visitCap(int row, MeshVisitor& visitor) final;
@@ -97,6 +108,7 @@ private:
     int slices;
     bool lowerCapTakesLast;
     bool upperCapTakesFirst;
+    bool meetsItself = false;
     // Cosine and sine of each column's angle, the closing column's too: the same in every
     // ring.
     std::vector<double> directions;

@@ -12,6 +12,8 @@
 #include <algebra3d/Quaternion.h>
 #include <algebra3d/Vector3.h>
 
+#include "detail/closedCurves.h"
+
 // What the nodes of rods and birods do alike with one sequence of points and frames.
 
 /// Axis d1, d2 or d3 of a material frame, for column 0, 1 or 2.
@@ -21,13 +23,16 @@ inline algebra3d::Vector3<double> director(const algebra3d::Quaternion<double>& 
     return algebra3d::Matrix3<double>(rotation).getColumn(column);
 }
 
-/// The tube that leaves its first point along d3 and arrives at its last along d3, in
-/// the memory of the tube that it replaces, if any.
+/// The tube that leaves its first point along d3 and arrives at its last along d3, or one that
+/// meets itself if the curve is said to be closed, and is; in the memory of the tube that it
+/// replaces, if any.
 inline std::unique_ptr<BiarcTubeMesh>
 makeFramedTube(const std::vector<algebra3d::Vector3<double>>& points,
                const std::vector<algebra3d::Quaternion<double>>& rotations, double radius,
-               int slices, int subsegments, BiarcTubeMesh* replaced)
+               int slices, int subsegments, bool closed, BiarcTubeMesh* replaced)
 {
+    if (closed && isClosedCurve(points))
+        return BiarcTubeMesh::makeClosed(points, radius, slices, subsegments, replaced);
     return std::make_unique<BiarcTubeMesh>(points, director(rotations.front(), 2),
                                            director(rotations.back(), 2), radius, slices,
                                            subsegments, false, false, replaced);
@@ -54,15 +59,18 @@ inline void fillRibbonEdges(const std::vector<algebra3d::Vector3<double>>& point
     }
 }
 
-/// The ribbon between those edges, in the memory of the ribbon that it replaces, if any.
+/// The ribbon between those edges, which meets itself if it is said to be closed and frames and
+/// points end as they begin; in the memory of the ribbon that it replaces, if any.
 inline std::unique_ptr<BiarcRibbonMesh>
 makeRibbon(const std::vector<algebra3d::Vector3<double>>& points,
            const std::vector<algebra3d::Quaternion<double>>& rotations, double width,
-           int subsegments, bool twoSided, BiarcRibbonMesh* replaced)
+           int subsegments, bool twoSided, bool closed, BiarcRibbonMesh* replaced)
 {
     std::vector<algebra3d::Vector3<double>> edgeA(points.size());
     std::vector<algebra3d::Vector3<double>> edgeB(points.size());
     fillRibbonEdges(points, rotations, width, twoSided, edgeA, edgeB);
+    if (closed)
+        return BiarcRibbonMesh::makeClosed(edgeA, edgeB, width, subsegments, replaced);
     return std::make_unique<BiarcRibbonMesh>(edgeA, edgeB, width, subsegments, replaced);
 }
 

@@ -20,6 +20,8 @@
 #include <SoRod.h>
 #include <gmock/gmock.h>
 
+#include <strandview/analysis/parallelTransport.h>
+
 #include "scene/DataScene.h"
 #include "scene/Progress.h"
 #include "support/initialiseSceneOnce.h"
@@ -201,6 +203,26 @@ TEST_F(SceneBuilderTest, ShowsABirodThroughItsOwnPointsAndTellsTheAveragesArcLen
     EXPECT_THAT(describe(1, 1.5), EndsWith(", arc length 1.5 of 3 – ladder.json: birods[0]"));
     EXPECT_THAT(describe(-1, 0.5), HasSubstr("arc length 0.5 of 3"));
     EXPECT_EQ(describe(0.5, 0.5), "") << "the ribbon is seen from its edge";
+}
+
+TEST_F(SceneBuilderTest, ShowsAClosedRodWithoutASeam)
+{
+    Configuration data;
+    data.rods.resize(2);
+    for (Rod& rod : data.rods) {
+        for (int i = 0; i < 8; ++i)
+            rod.points.emplace_back(std::cos(M_PI / 4 * i), std::sin(M_PI / 4 * i), 0);
+        rod.points.push_back(rod.points.front());
+        rod.rotations = parallelTransport(rod.points);
+    }
+    data.rods[1].isClosed = true;
+    ASSERT_TRUE(build(data)) << error;
+    const auto rods = find<SoRod>();
+    ASSERT_EQ(rods.size(), 2u);
+    EXPECT_FALSE(rods[0]->isClosed());
+    EXPECT_FALSE(rods[0]->getTubeMesh()->isMeetingItself());
+    EXPECT_TRUE(rods[1]->isClosed());
+    EXPECT_TRUE(rods[1]->getTubeMesh()->isMeetingItself());
 }
 
 TEST_F(SceneBuilderTest, TellsWhichBaseOfADnaWasPicked)

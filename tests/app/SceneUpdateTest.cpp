@@ -23,6 +23,8 @@
 #include <algebra3d/Matrix3.h>
 #include <gmock/gmock.h>
 
+#include <strandview/analysis/parallelTransport.h>
+
 #include "scene/Colouring.h"
 #include "scene/DataScene.h"
 #include "scene/Progress.h"
@@ -377,6 +379,24 @@ TEST_F(SceneUpdateTest, OfRodsMakesNoNodeAtAll)
     ASSERT_EQ(update(next), "");
     EXPECT_EQ(allNodes(), before);
     expectShows(next);
+}
+
+TEST_F(SceneUpdateTest, OpensAndClosesARod)
+{
+    Configuration open;
+    open.rods.resize(1);
+    Rod& rod = open.rods[0];
+    rod.points = {{1, 0, 0}, {0, 1, 0}, {-1, 0, 0}, {0, -1, 0}, {1, 0, 0}};
+    rod.rotations = parallelTransport(rod.points);
+    Configuration closed = open;
+    closed.rods[0].isClosed = true;
+    build(open);
+    const auto* const node = static_cast<const SoRod*>(scene->getShown(RODS)[0].node);
+    for (const Configuration& frame : {closed, open, closed}) {
+        ASSERT_EQ(update(frame), "");
+        EXPECT_EQ(node->isClosed(), frame.rods[0].isClosed);
+        EXPECT_EQ(node->getTubeMesh()->isMeetingItself(), frame.rods[0].isClosed);
+    }
 }
 
 TEST_F(SceneUpdateTest, AddsWhatAppearsAndDropsWhatWent)

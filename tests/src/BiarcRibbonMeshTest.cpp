@@ -334,6 +334,61 @@ TEST_P(BiarcRibbonMeshWithTangents, PassesThroughTheEdgesPointsWithUnitNormalsAc
     }
 }
 
+// Closed curves
+
+namespace {
+
+// A circle of radius 1 in `count` points, whose last point is the first one again.
+std::vector<Vector> circle(int count, double z)
+{
+    std::vector<Vector> points;
+    for (int i = 0; i < count; ++i)
+        points.emplace_back(std::cos(2 * M_PI * i / count), std::sin(2 * M_PI * i / count), z);
+    points.push_back(points.front());
+    return points;
+}
+
+} // namespace
+
+TEST(BiarcRibbonMesh, BetweenClosedCurvesEndsWithTheRowThatItBeganWith)
+{
+    std::vector<Vector> one = circle(9, 0), other = circle(9, 0.5);
+    const auto ribbon = BiarcRibbonMesh::makeClosed(one, other, 0.5, 4);
+    ASSERT_EQ(ribbon->getHeight(), 37);
+    for (const int column : {0, 1}) {
+        expectEqual(ribbon->getPoints()[36][column], ribbon->getPoints()[0][column]);
+        expectEqual(ribbon->getNormals()[36][column], ribbon->getNormals()[0][column]);
+    }
+}
+
+// As every other row: an open ribbon bends off there, for it begins along its first edge.
+TEST(BiarcRibbonMesh, BetweenClosedCurvesIsRoundWhereItMeets)
+{
+    std::vector<Vector> one = circle(9, 0), other = circle(9, 0.5);
+    const auto ribbon = BiarcRibbonMesh::makeClosed(one, other, 0.5, 4);
+    BiarcRibbonMesh open(one, other, 0.5, 4);
+    for (int row = 0; row < 36; ++row) {
+        const Vector& point = ribbon->getPoints()[row][1];
+        EXPECT_NEAR(std::hypot(point.x, point.y), 1, 1e-12) << row;
+        EXPECT_NEAR(ribbon->getNormals()[row][1].dot({point.x, point.y, 0}), -1, 1e-12) << row;
+    }
+    EXPECT_GT(std::abs(std::hypot(open.getPoints()[2][1].x, open.getPoints()[2][1].y) - 1), 1e-3);
+}
+
+TEST(BiarcRibbonMesh, IsOpenWhereAnEdgeDoesNotEndAsItBegins)
+{
+    std::vector<Vector> one = circle(9, 0), other = circle(9, 0.5);
+    other.back() = Vector(1.1, 0, 0.5);
+    const auto asked = BiarcRibbonMesh::makeClosed(one, other, 0.5, 4);
+    BiarcRibbonMesh open(one, other, 0.5, 4);
+    for (int row = 0; row < open.getHeight(); ++row) {
+        for (const int column : {0, 1}) {
+            expectEqual(asked->getPoints()[row][column], open.getPoints()[row][column]);
+            expectEqual(asked->getNormals()[row][column], open.getNormals()[row][column]);
+        }
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(Kinds, BiarcRibbonMeshOnRandomRods, testing::ValuesIn(allRodKinds()),
                          [](const auto& kind) { return nameOf(kind.param); });
 INSTANTIATE_TEST_SUITE_P(Kinds, BiarcRibbonMeshWithTangents,

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <MeshVisitor.h>
 #include <algebra3d/Matrix3.h>
 
 #include "support/MeshComparison.h"
@@ -75,6 +76,44 @@ BiarcTubeMesh meshWithEndTangents(const std::vector<Vector>& points, const Vecto
                                   const Vector& end)
 {
     return BiarcTubeMesh(points, start, end, 0.3, 8, 4, false, false);
+}
+
+// A trefoil or, if it is flat, an ellipse, whose last point is the first one again.
+std::vector<Vector> closedCurve(int count, bool isFlat = false)
+{
+    std::vector<Vector> points;
+    for (int i = 0; i < count; ++i) {
+        const double t = 2 * M_PI * i / count;
+        points.push_back(isFlat ? Vector(3 * std::cos(t), std::sin(t), 0)
+                                : Vector(std::sin(t) + 2 * std::sin(2 * t),
+                                         std::cos(t) - 2 * std::cos(2 * t), -std::sin(3 * t)));
+    }
+    points.push_back(points.front());
+    return points;
+}
+
+int countFans(Mesh& mesh)
+{
+    struct Counter : MeshVisitor
+    {
+        void begin(Kind kind, int) override { fans += kind == FAN; }
+        void vertex(const Vertex&) override {}
+        void end() override {}
+        int fans = 0;
+    } counter;
+    mesh.visit(counter);
+    return counter.fans;
+}
+
+// By how much ring `row` is turned about the tangent against the ring before, carried there with
+// the least turning: the turn of a rotation between two planes about the line they share.
+double turnOfRing(BiarcTubeMesh& mesh, int row)
+{
+    const Vector before = axisOf(mesh, row - 1).getUnit(), here = axisOf(mesh, row).getUnit();
+    const Vector& u = mesh.getNormals()[row - 1][0];
+    const Vector carried = u - (before + here) * (here.dot(u) / (1 + before.dot(here)));
+    const Vector& turned = mesh.getNormals()[row][0];
+    return std::atan2(carried.cross(turned).dot(here), carried.dot(turned));
 }
 
 } // namespace
@@ -677,6 +716,99 @@ TEST_P(BiarcTubeMeshOnRandomRods, TablesGrowFromZeroToTheWholeLength)
             EXPECT_GE(nodes[i], polygon * (1 - 1e-8)) << "node " << i;
         }
     });
+}
+
+// Closed curves
+
+TEST(BiarcTubeMesh, OfAClosedCurveEndsWithTheRingThatItBeganWith)
+{
+    for (const int count : {3, 4, 7, 100}) {
+        for (const bool isFlat : {true, false}) {
+            const auto mesh = BiarcTubeMesh::makeClosed(closedCurve(count, isFlat), 0.2, 8, 5);
+            ASSERT_EQ(mesh->getHeight(), 5 * count + 1);
+            const int last = mesh->getHeight() - 1;
+            for (int column = 0; column <= 8; ++column) {
+                expectEqual(mesh->getPoints()[last][column], mesh->getPoints()[0][column]);
+                expectEqual(mesh->getNormals()[last][column], mesh->getNormals()[0][column]);
+            }
+        }
+    }
+}
+
+TEST(BiarcTubeMesh, OfAClosedCurveHasNoCaps)
+{
+    const auto mesh = BiarcTubeMesh::makeClosed(closedCurve(20), 0.2, 8, 5);
+    EXPECT_TRUE(mesh->isMeetingItself());
+    EXPECT_EQ(countFans(*mesh), 0);
+    EXPECT_EQ(mesh->getPrimitiveCount(), mesh->Mesh::getPrimitiveCount());
+    BiarcTubeMesh open(closedCurve(20), 0.2, 8, 5, false, false);
+    EXPECT_FALSE(open.isMeetingItself());
+    EXPECT_EQ(countFans(open), 2);
+}
+
+TEST(BiarcTubeMesh, OfAClosedCurveSpreadsTheClosingAngleEvenly)
+{
+    const std::vector<Vector> points = closedCurve(60);
+    const auto mesh = BiarcTubeMesh::makeClosed(points, 0.2, 8, 6);
+    const Vector tangent = points[1] - points[59];
+    BiarcTubeMesh open(points, tangent, tangent, 0.2, 8, 6, false, false);
+    const std::vector<double>& lengths = mesh->getInterpParamValues();
+    const auto turned = [&](int row) { return turnOfRing(*mesh, row) - turnOfRing(open, row); };
+    const double perLength = turned(1) / lengths[1];
+    EXPECT_GT(std::abs(perLength) * lengths.back(), 0.1) << "a curve that closes by itself";
+    EXPECT_LE(std::abs(perLength) * lengths.back(), M_PI);
+    for (int row = 1; row < mesh->getHeight(); ++row) {
+        const double step = lengths[std::size_t(row)] - lengths[std::size_t(row) - 1];
+        EXPECT_NEAR(turned(row), perLength * step, 1e-12) << row;
+    }
+}
+
+TEST(BiarcTubeMesh, OfAClosedCurveIsTheSameWhereverItBegins)
+{
+    std::vector<Vector> points = closedCurve(30);
+    const auto mesh = BiarcTubeMesh::makeClosed(points, 0.2, 8, 4);
+    points.erase(points.begin(), points.begin() + 11);
+    const std::vector<Vector> whole = closedCurve(30);
+    points.insert(points.end(), whole.begin() + 1, whole.begin() + 12);
+    const auto shifted = BiarcTubeMesh::makeClosed(points, 0.2, 8, 4);
+    for (int row = 0; row < 120; ++row) {
+        expectNear(centreOf(*shifted, row), centreOf(*mesh, (row + 44) % 120), 1e-13);
+        expectNear(axisOf(*shifted, row), axisOf(*mesh, (row + 44) % 120), 1e-12);
+    }
+}
+
+TEST(BiarcTubeMesh, OfAClosedCurveHasTheBoxOfItsPoints)
+{
+    const auto mesh = BiarcTubeMesh::makeClosed(closedCurve(40), 0.3, 12, 3);
+    SbBox3f box;
+    for (int row = 0; row < mesh->getHeight(); ++row) {
+        for (int column = 0; column < 12; ++column) {
+            const Vector& point = mesh->getPoints()[row][column];
+            box.extendBy(SbVec3f(float(point.x), float(point.y), float(point.z)));
+        }
+    }
+    EXPECT_EQ(mesh->getBBox().getMin(), box.getMin());
+    EXPECT_EQ(mesh->getBBox().getMax(), box.getMax());
+}
+
+TEST(BiarcTubeMesh, IsOpenWhereTheLastPointIsNotTheFirst)
+{
+    std::vector<Vector> points = closedCurve(20);
+    points.back().z += 1e-9;
+    const auto asked = BiarcTubeMesh::makeClosed(points, 0.2, 8, 5);
+    BiarcTubeMesh open(points, 0.2, 8, 5, false, false);
+    EXPECT_FALSE(asked->isMeetingItself());
+    expectSameMeshes(*asked, open);
+    const std::vector<Vector> thereAndBack = {{0, 0, 0}, {1, 0, 0}, {0, 0, 0}};
+    EXPECT_FALSE(BiarcTubeMesh::makeClosed(thereAndBack, 0.2, 8, 5)->isMeetingItself());
+}
+
+TEST(BiarcTubeMesh, OfAClosedCurveIsTheSameInTheMemoryOfAnother)
+{
+    const auto fresh = BiarcTubeMesh::makeClosed(closedCurve(20), 0.2, 8, 5);
+    const auto replaced = BiarcTubeMesh::makeClosed(closedCurve(33), 0.3, 9, 2);
+    const auto reused = BiarcTubeMesh::makeClosed(closedCurve(20), 0.2, 8, 5, replaced.get());
+    expectSameMeshes(*fresh, *reused);
 }
 
 INSTANTIATE_TEST_SUITE_P(Kinds, BiarcTubeMeshOnRandomRods, testing::ValuesIn(allRodKinds()),

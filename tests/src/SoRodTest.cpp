@@ -566,6 +566,91 @@ TEST_F(SoRodTest, CountsOneTriangleMorePerCapThanItGenerates) // kept on purpose
     EXPECT_EQ(countedTriangles(rod), 46);
 }
 
+namespace {
+
+// A square ring about z; frames whose d3 is along it and whose d2 is z.
+Vectors ringPoints() { return {{1, 0, 0}, {0, 1, 0}, {-1, 0, 0}, {0, -1, 0}, {1, 0, 0}}; }
+Quaternions ringRotations()
+{
+    Quaternions rotations;
+    for (int i = 0; i <= 4; ++i) {
+        const double angle = M_PI / 2 * (i % 4);
+        const Vector outwards(std::cos(angle), std::sin(angle), 0);
+        const Vector along(-outwards.y, outwards.x, 0), up(0, 0, 1);
+        rotations.push_back(algebra3d::Matrix3<double>(up.cross(along), up, along).getQuaternion());
+    }
+    return rotations;
+}
+
+// Whether first and last row are one, bit for bit.
+bool meets(Mesh& mesh)
+{
+    const int last = mesh.getHeight() - 1;
+    for (int column = 0; column < mesh.getWidth(); ++column) {
+        for (int k = 0; k < 3; ++k) {
+            if (mesh.getPoints()[0][column][k] != mesh.getPoints()[last][column][k] ||
+                mesh.getNormals()[0][column][k] != mesh.getNormals()[last][column][k])
+                return false;
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+TEST_F(SoRodTest, ThatIsClosedMeetsItself)
+{
+    ASSERT_TRUE(rod->setData(ringPoints(), ringRotations()));
+    EXPECT_FALSE(rod->isClosed());
+    EXPECT_FALSE(meets(*rod->getTubeMesh()));
+    EXPECT_EQ(int(generatedTriangles(rod).size()), 8 * 8 + 2 * 2 + 8 * 2);
+    rod->setClosed(true);
+    EXPECT_FALSE(rod->getTubeMesh()->isMeetingItself()) << "not before generate()";
+    rod->generate();
+    EXPECT_TRUE(rod->getTubeMesh()->isMeetingItself());
+    EXPECT_TRUE(meets(*rod->getTubeMesh()));
+    EXPECT_TRUE(meets(*rod->getRibbonMesh()));
+    EXPECT_EQ(int(generatedTriangles(rod).size()), 8 * 8 + 8 * 2) << "without caps";
+    EXPECT_EQ(countedTriangles(rod), 8 * 8 + 8 * 2);
+}
+
+TEST_F(SoRodTest, ThatIsClosedHasAnOpenRibbonWhereTheFramesDoNotClose)
+{
+    Quaternions rotations = ringRotations();
+    Quaternion& last = rotations.back();
+    rod->setClosed(true);
+    last = Quaternion(-last[0], -last[1], -last[2], -last[3]);
+    ASSERT_TRUE(rod->setData(ringPoints(), rotations));
+    EXPECT_TRUE(meets(*rod->getRibbonMesh())) << "the same frame";
+    last = IDENTITY;
+    ASSERT_TRUE(rod->setData(ringPoints(), rotations));
+    EXPECT_TRUE(meets(*rod->getTubeMesh()));
+    EXPECT_FALSE(meets(*rod->getRibbonMesh()));
+}
+
+TEST_F(SoRodTest, ThatIsClosedIsOpenWithoutTheFirstPointAgain)
+{
+    NodeRef<OpenRod> open{new OpenRod};
+    ASSERT_TRUE(open->setData(straightPoints, straightRotations));
+    rod->setClosed(true);
+    rod->generate();
+    expectSameMeshes(*rod->getTubeMesh(), *open->getTubeMesh());
+    expectSameMeshes(*rod->getRibbonMesh(), *open->getRibbonMesh());
+}
+
+TEST_F(SoRodTest, ThatIsClosedIsCopiedAndBuiltElsewhereAsSuch)
+{
+    rod->setClosed(true);
+    ASSERT_TRUE(rod->setData(ringPoints(), ringRotations()));
+    NodeRef<SoRod> copy(static_cast<SoRod*>(rod->copy()));
+    EXPECT_TRUE(copy->isClosed());
+    expectSameMeshes(*copy->getTubeMesh(), *rod->getTubeMesh());
+    const SoRod::Meshes meshes =
+        SoRod::makeMeshes(ringPoints(), ringRotations(), 0.1, 0.5, 4, 2, false, true);
+    expectSameMeshes(*meshes.tube, *rod->getTubeMesh());
+    expectSameMeshes(*meshes.ribbon, *rod->getRibbonMesh());
+}
+
 TEST_F(SoRodTest, BoxInASeparatorFollowsTheData)
 {
     NodeRef<SoSeparator> scene(new SoSeparator);

@@ -86,9 +86,10 @@ SceneGeometry::Rod RodBuilder::compute(const Rod& rod, const Style& style,
 {
     SceneGeometry::Rod computed;
     computed.points = placement.toScene(rod.points);
-    computed.meshes = SoRod::makeMeshes(
-        computed.points, rod.rotations, placement.scale * style.radius,
-        placement.scale * style.ribbonWidth, style.slices, style.subsegments, style.twoSidedRibbon);
+    computed.meshes =
+        SoRod::makeMeshes(computed.points, rod.rotations, placement.scale * style.radius,
+                          placement.scale * style.ribbonWidth, style.slices, style.subsegments,
+                          style.twoSidedRibbon, rod.isClosed);
     const NamedCurve curve{rod.points, &rod.rotations,
                            [&rod](std::size_t point) { return nameOfPoint(rod, point); }};
     error = findFault(*computed.meshes.tube,
@@ -127,6 +128,7 @@ void RodBuilder::updateNodes(std::size_t index, ShownDatum& shown)
     auto* node = static_cast<SoRod*>(shown.node);
     SceneGeometry::Rod& computed = frame.geometry.rods[index];
     node->showRibbon(showsRibbon(frame.style, datum(index)));
+    node->setClosed(datum(index).isClosed);
     node->setData(std::move(computed.points), datum(index).rotations, std::move(computed.meshes));
     if (hasDataColours(index)) {
         setDataColours(index, shown);
