@@ -4,10 +4,11 @@
 #include <new>
 #include <string>
 
-#include "camera/printCamera.h"
 #include "command/parseOptions.h"
+#include "info/Findings.h"
 #include "pictures/PictureWriter.h"
 #include "request/ExitStatus.h"
+#include "request/print.h"
 #include "scene/DataScene.h"
 #include "scene/Progress.h"
 #include "scene/SceneBuilder.h"
@@ -39,8 +40,20 @@ int renderPicture(const Options& options, DataScene* scene)
     progress.hide();
     if (!failure.empty())
         return fail(CANNOT_WRITE, failure);
-    const std::string unprinted = options.printCamera ? printCamera(camera) : "";
+    const std::string unprinted = options.printCamera ? print(formatCamera(camera) + "\n") : "";
     return unprinted.empty() ? SUCCESS : fail(CANNOT_WRITE, unprinted);
+}
+
+int tellFindings(const Options& options)
+{
+    ReadReport report;
+    const std::optional<Findings> findings =
+        findIn(options.files, 0, {options.normalise, {}, false}, report);
+    if (!findings)
+        return fail(BAD_INPUT, report.error);
+    const std::string untold = print(options.asJson ? toJson(*findings, options.dna.angstrom)
+                                                    : describe(*findings, options.dna.angstrom));
+    return untold.empty() ? SUCCESS : fail(CANNOT_WRITE, untold);
 }
 
 int showWindow(const Options& options)
@@ -86,6 +99,8 @@ int run(int argc, char** argv)
         return parsed.exitStatus;
     const Options& options = *parsed.options;
 
+    if (options.info)
+        return tellFindings(options);
     const int refused = checkOutput(options);
     if (refused)
         return refused;

@@ -297,6 +297,15 @@ std::string namedFormats()
     return text;
 }
 
+void addInfo(CLI::App& app, CLI::Option* render, Options& options)
+{
+    CLI::Option* info =
+        app.add_flag("--info", options.info, "Tell what was found instead of showing it")
+            ->excludes(render)
+            ->excludes(app.get_option("--screenshot-after"));
+    app.add_flag("--json", options.asJson, "Tell it as JSON, for scripts")->needs(info);
+}
+
 // What is read and written.
 void addFiles(CLI::App& app, Options& options)
 {
@@ -311,6 +320,7 @@ void addFiles(CLI::App& app, Options& options)
     app.add_flag("--transparent", options.transparent, "Leave the picture's background out")
         ->needs(render);
     addWindowPicture(app, render, options);
+    addInfo(app, render, options);
     app.add_flag("--normalise", options.normalise,
                  "Accept quaternions and directors that are not unit and normalise them");
 }
@@ -449,7 +459,7 @@ ParsedOptions parseOptions(int argc, const char* const* argv)
     try {
         parseArguments(app, inOwnSpelling(argc, argv));
         options.given = givenOptions(app);
-        if (options.picture && options.files.empty())
+        if ((options.picture || options.info) && options.files.empty())
             throw CLI::RequiredError("FILE");
         if (std::count(options.files.begin(), options.files.end(), "-") > 1)
             throw CLI::ValidationError("FILE", "found - twice, expected standard input once");

@@ -28,6 +28,10 @@ struct Options
     std::vector<std::string> given; ///< every option of the command line, such as "--radius"
     bool normalise = false;
 
+    /// What was found is told on standard output, for people or as JSON; nothing is shown.
+    bool info = false;
+    bool asJson = false;
+
     /// The picture to write; without one a window opens.
     std::optional<std::string> picture;
     int pictureWidth = 1200;

@@ -15,8 +15,8 @@
 
 #include <SoQtGeneralViewer.h>
 
-#include "camera/printCamera.h"
 #include "pictures/PictureWriter.h"
+#include "request/print.h"
 #include "window/MainWindow.h"
 #include "window/checkDisplay.h"
 
@@ -104,7 +104,7 @@ std::string runWindow(const Options& options, const LoadJob::Loader& loader, Rea
         takePictureOnce(window, options, failure);
     SoQt::mainLoop();
     if (options.printCamera && window.hasScene())
-        failure += failure.empty() ? printCamera(window.getCameraNumbers()) : "";
+        failure += failure.empty() ? print(formatCamera(window.getCameraNumbers()) + "\n") : "";
     return failure;
 }
 

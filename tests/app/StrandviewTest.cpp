@@ -1279,6 +1279,10 @@ INSTANTIATE_TEST_SUITE_P(
                 {"--render", "OUT", "--print-camera", "--radius", "1e20", "-"},
                 "0 0 0\n0 0 1e15\n",
                 "across, expected at most 1e+19"},
+        BadCall{"InfoOfNothing", {"--info"}, "", "FILE"},
+        BadCall{"InfoOfABadFile", {"--info", "-"}, "0 0\n", "found 2 columns"},
+        BadCall{"JsonOfNothing", {"--json", "--render", "OUT", "GOOD"}, "", "--json"},
+        BadCall{"InfoAndAPicture", {"--info", "--render", "OUT", "GOOD"}, "", "--info"},
         BadCall{"CameraQuaternion",
                 {"--render", "OUT", "--camera", "orthographic,0,0,0,0,0,0,2,1,1", "GOOD"},
                 "",
@@ -1371,12 +1375,28 @@ ProgramRun runInShell(const std::string& before, const std::string& arguments)
     return runProgram("/bin/sh", {"-c", before + inQuotes(STRANDVIEW_PROGRAM) + " " + arguments});
 }
 
+TEST_F(StrandviewTest, TellsWhatItFoundInsteadOfShowingIt)
+{
+    const std::string rod = write("rod.txt", "0 0 0 0 0 0 1\n0 0 1 0 0 0 1\n");
+    const ProgramRun inWords = run({"--info", rod});
+    EXPECT_EQ(inWords.status, 0) << inWords.error;
+    EXPECT_EQ(inWords.output,
+              rod + ": Tables\nrod 1: 2 points, length 1, end to end 1, with frames\n");
+    EXPECT_EQ(inWords.error, "");
+    const ProgramRun asJson = run({"--info", "--json", "-"}, "0 0 0\n0 0 1\n");
+    EXPECT_EQ(asJson.status, 0) << asJson.error;
+    EXPECT_THAT(asJson.output, StartsWith("{\n  \"files\": [\n"));
+    EXPECT_THAT(asJson.output, HasSubstr("\"file\": \"standard input\""));
+    EXPECT_THAT(asJson.output, EndsWith("\n}\n"));
+    EXPECT_EQ(asJson.error, "") << "notices are among the findings";
+}
+
 TEST_F(StrandviewTest, WhatCannotBePrintedIsToldAndStatus1)
 {
     const std::string rod = write("rod.txt", "0 0 0 0 0 0 1\n0 0 1 0 0 0 1\n");
     for (const std::string& arguments :
          {"--print-camera --render " + inQuotes(path("rod.png")) + " " + inQuotes(rod),
-          std::string("--help"), std::string("--version")}) {
+          "--info " + inQuotes(rod), std::string("--help"), std::string("--version")}) {
         const ProgramRun result = runInShell("", arguments + " >/dev/full");
         EXPECT_EQ(result.status, 1);
         EXPECT_EQ(result.error, "strandview: standard output: No space left on device\n");

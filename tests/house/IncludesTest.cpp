@@ -34,6 +34,7 @@ const std::map<std::string, Rooms> MAY_INCLUDE{
     {"app/command", {"algebra3d", "model", "analysis", "formats", "src", "app/request"}},
     {"app/scene", {"algebra3d", "biarc", "model", "analysis", "formats", "src", "app/request"}},
     {"app/camera", {"algebra3d", "model", "analysis", "formats", "src", "app/request"}},
+    {"app/info", {"algebra3d", "model", "analysis", "formats", "app/request"}},
     {"app/pictures",
      {"algebra3d", "model", "analysis", "formats", "src", "app/request", "app/camera"}},
     {"app/window",
@@ -41,11 +42,11 @@ const std::map<std::string, Rooms> MAY_INCLUDE{
       "app/pictures"}},
     {"app",
      {"algebra3d", "model", "analysis", "formats", "src", "app/request", "app/command", "app/scene",
-      "app/camera", "app/pictures", "app/window"}},
+      "app/camera", "app/info", "app/pictures", "app/window"}},
 };
 
 // These know no scene and no window.
-const Rooms PLAIN{"algebra3d", "biarc", "model", "analysis", "formats", "app/command"};
+const Rooms PLAIN{"algebra3d", "biarc", "model", "analysis", "formats", "app/command", "app/info"};
 
 std::string pathOf(const fs::path& file)
 {

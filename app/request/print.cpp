@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "camera/printCamera.h"
+#include "request/print.h"
 
 #include <cerrno>
 #include <cstring>
@@ -7,9 +7,9 @@
 
 namespace strandview {
 
-std::string printCamera(const CameraNumbers& camera)
+std::string print(const std::string& text)
 {
-    if (std::cout << formatCamera(camera) << std::endl)
+    if (std::cout << text << std::flush)
         return "";
     return std::string("standard output: ") + std::strerror(errno);
 }

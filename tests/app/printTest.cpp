@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "camera/printCamera.h"
+#include "request/print.h"
 
 #include <fstream>
 #include <iostream>
@@ -9,8 +9,6 @@
 namespace strandview {
 
 namespace {
-
-const CameraNumbers CAMERA{false, {1, 2.5f, -3}, {0, 0, 0, 1}, 4, 5};
 
 // Standard output goes elsewhere as long as it lives.
 class Redirection
@@ -27,23 +25,22 @@ private:
     std::streambuf* before;
 };
 
-TEST(PrintCamera, PrintsALineThatGivesTheCameraBack)
+TEST(Print, PrintsTheTextAsItIs)
 {
     std::ostringstream output;
     {
         const Redirection redirection(output.rdbuf());
-        EXPECT_EQ(printCamera(CAMERA), "");
+        EXPECT_EQ(print("1 %s\n2"), "");
     }
-    ASSERT_EQ(output.str(), formatCamera(CAMERA) + "\n");
-    EXPECT_EQ(parseCamera(formatCamera(CAMERA)), CAMERA);
+    EXPECT_EQ(output.str(), "1 %s\n2");
 }
 
-TEST(PrintCamera, TellsWhyTheOutputTookNothing)
+TEST(Print, TellsWhyTheOutputTookNothing)
 {
     std::ofstream full("/dev/full");
     ASSERT_TRUE(full);
     const Redirection redirection(full.rdbuf());
-    EXPECT_EQ(printCamera(CAMERA), "standard output: No space left on device");
+    EXPECT_EQ(print("text"), "standard output: No space left on device");
 }
 
 } // namespace

@@ -1,0 +1,253 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "info/Findings.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+#include <utility>
+
+#include <nlohmann/json.hpp>
+
+#include <strandview/analysis/dnaNumbers.h>
+#include <strandview/formats/Source.h>
+#include <strandview/formats/formats.h>
+#include <strandview/formats/openSeries.h>
+#include <strandview/formats/text/wording.h>
+
+namespace strandview {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+using Points = std::vector<algebra3d::Vector3<double>>;
+
+// Whatever has points along a line, and is open or closed.
+struct CurveNumbers
+{
+    std::size_t points; // those of a closed curve once
+    double length;
+    double endToEnd;
+};
+
+CurveNumbers measure(const Points& points, bool isClosed)
+{
+    CurveNumbers numbers{points.size() - (isClosed ? 1 : 0), 0, 0};
+    for (std::size_t i = 1; i < points.size(); ++i)
+        numbers.length += (points[i] - points[i - 1]).getNorm();
+    numbers.endToEnd = (points.back() - points.front()).getNorm();
+    return numbers;
+}
+
+// Of the letters, nothing if none is known.
+std::optional<std::string> knownSequence(const Dna& dna)
+{
+    const bool isKnown = dna.bases.find_first_not_of(UNKNOWN_BASE) != std::string::npos;
+    return isKnown ? std::optional(dna.bases) : std::nullopt;
+}
+
+std::optional<double> scaled(const std::optional<double>& length, double factor)
+{
+    return length ? std::optional(*length * factor) : std::nullopt;
+}
+
+// Numbers for people
+
+std::string shortNumber(double number)
+{
+    char text[32];
+    std::snprintf(text, sizeof text, "%.6g", number);
+    return text;
+}
+
+std::string titled(const char* kind, std::size_t index, const std::string& name)
+{
+    std::string text = kind + (" " + std::to_string(index + 1));
+    if (!name.empty())
+        text += " " + inQuotes(name);
+    return text + ": ";
+}
+
+// "12 points, closed, length 7.5, end to end 2.5".
+std::string inWords(const CurveNumbers& numbers, bool isClosed)
+{
+    std::string text = counted(numbers.points, "point") + ", length " + shortNumber(numbers.length);
+    return text + (isClosed ? ", closed" : ", end to end " + shortNumber(numbers.endToEnd));
+}
+
+std::string describe(const Rod& rod)
+{
+    std::string text = inWords(measure(rod.points, rod.isClosed), rod.isClosed);
+    if (rod.isBackbone)
+        text += ", backbone of a strand";
+    text += rod.hasFrames ? ", with frames" : ", without frames";
+    for (std::size_t i = 0; i < rod.scalars.size(); ++i)
+        text += (i == 0 ? ", scalars " : " ") + onOneLine(rod.scalars[i].name);
+    return text;
+}
+
+std::string describe(const Dna& dna, double angstrom)
+{
+    const DnaNumbers numbers = numbersOf(dna);
+    const std::optional<std::string> sequence = knownSequence(dna);
+    const std::size_t most = 60;
+    std::string text = counted(dna.bases.size(), "pair") + (dna.isClosed ? ", closed" : "");
+    text += sequence ? ", " + sequence->substr(0, most) + (sequence->size() > most ? "..." : "")
+                     : ", without letters";
+    text += "\n    length " + shortNumber(numbers.length / angstrom) + " Å";
+    if (!dna.isClosed)
+        text += ", end to end " + shortNumber(numbers.endToEnd / angstrom) + " Å";
+    if (numbers.meanTwist)
+        text += "\n    twist " + shortNumber(*numbers.meanTwist) + "° a step, " +
+                shortNumber(*numbers.totalTwist) + "° in all, rise " +
+                shortNumber(*numbers.meanRise / angstrom) + " Å a step";
+    if (dna.standard)
+        text += "\n    bases fit within " + shortNumber(dna.standard->rms) + " Å rms";
+    return text;
+}
+
+std::string describe(const Findings::File& file)
+{
+    return onOneLine(file.name) + ": " + file.format +
+           (file.frames == 1 ? "" : ", " + counted(file.frames, "frame"));
+}
+
+// Numbers for scripts
+
+template <typename Value>
+Json orNull(const std::optional<Value>& value)
+{
+    return value ? Json(*value) : Json();
+}
+
+Json orNull(const std::string& name) { return name.empty() ? Json() : Json(name); }
+
+Json toJson(const Rod& rod)
+{
+    const CurveNumbers numbers = measure(rod.points, rod.isClosed);
+    Json scalars = Json::array();
+    for (const Scalar& scalar : rod.scalars)
+        scalars.push_back(scalar.name);
+    return {{"name", orNull(rod.name)}, {"points", numbers.points},
+            {"length", numbers.length}, {"endToEnd", numbers.endToEnd},
+            {"closed", rod.isClosed},   {"frames", rod.hasFrames ? "given" : "made"},
+            {"scalars", scalars}};
+}
+
+Json toJson(const Birod& birod)
+{
+    const CurveNumbers numbers = measure(birod.points, false);
+    return {{"points", numbers.points}, {"length", numbers.length}, {"endToEnd", numbers.endToEnd}};
+}
+
+Json toJson(const Dna& dna, double angstrom)
+{
+    const DnaNumbers numbers = numbersOf(dna);
+    return {{"name", orNull(dna.name)},
+            {"pairs", dna.bases.size()},
+            {"sequence", orNull(knownSequence(dna))},
+            {"closed", dna.isClosed},
+            {"length", numbers.length / angstrom},
+            {"endToEnd", numbers.endToEnd / angstrom},
+            {"meanTwist", orNull(numbers.meanTwist)},
+            {"totalTwist", orNull(numbers.totalTwist)},
+            {"meanRise", orNull(scaled(numbers.meanRise, 1 / angstrom))},
+            {"fitRms", dna.standard ? Json(dna.standard->rms) : Json()}};
+}
+
+template <typename Items, typename Tell>
+Json listOf(const Items& items, Tell tell)
+{
+    Json list = Json::array();
+    for (const auto& item : items)
+        list.push_back(tell(item));
+    return list;
+}
+
+// One file's part of the findings.
+bool readInto(Findings& findings, const std::string& path, const ReadOptions& options,
+              ReadReport& report)
+{
+    std::unique_ptr<Source> source = Source::open(path, report);
+    const Format* const format = source ? formatOf(*source, options, report) : nullptr;
+    if (!format)
+        return false;
+    const std::string name = source->getName();
+    const std::unique_ptr<Series> series = openSeries(std::move(source), *format, options, report);
+    if (!series)
+        return false;
+    const std::size_t frame = series->count() == 1 ? 0 : findings.frame;
+    LoadedFrame loaded = series->load(frame, options.goOn);
+    if (!loaded.configuration) {
+        report.error = loaded.error;
+        return false;
+    }
+    findings.files.push_back({name, format->name, series->count()});
+    append(findings.data, std::move(*loaded.configuration));
+    report.notices.insert(report.notices.end(), loaded.notices.begin(), loaded.notices.end());
+    return true;
+}
+
+} // namespace
+
+std::optional<Findings> findIn(const std::vector<std::string>& files, std::size_t frame,
+                               const ReadOptions& options, ReadReport& report)
+{
+    Findings findings;
+    findings.frame = frame;
+    for (const std::string& path : files)
+        if (!readInto(findings, path, options, report))
+            return {};
+    findings.notices = report.notices;
+    return findings;
+}
+
+std::string describe(const Findings& findings, double angstrom)
+{
+    const Configuration& data = findings.data;
+    std::string text;
+    for (const Findings::File& file : findings.files)
+        text += describe(file) + "\n";
+    const bool hasFrames = std::any_of(findings.files.begin(), findings.files.end(),
+                                       [](const auto& file) { return file.frames > 1; });
+    if (hasFrames)
+        text += "frame " + std::to_string(findings.frame) + ", counted from 0:\n";
+    for (std::size_t i = 0; i < data.rods.size(); ++i)
+        text += titled("rod", i, data.rods[i].name) + describe(data.rods[i]) + "\n";
+    for (std::size_t i = 0; i < data.birods.size(); ++i)
+        text +=
+            titled("birod", i, "") + inWords(measure(data.birods[i].points, false), false) + "\n";
+    for (std::size_t i = 0; i < data.dnas.size(); ++i)
+        text += titled("DNA", i, data.dnas[i].name) + describe(data.dnas[i], angstrom) + "\n";
+    if (!data.loneBases.empty())
+        text += counted(data.loneBases.size(), "base") + " in no pair\n";
+    const std::pair<const char*, std::size_t> glyphs[] = {{"marker", data.markers.size()},
+                                                          {"frame glyph", data.frames.size()},
+                                                          {"arrow", data.arrows.size()}};
+    for (const auto& [noun, count] : glyphs)
+        if (count > 0)
+            text += counted(count, noun) + "\n";
+    for (const std::string& notice : findings.notices)
+        text += "note: " + notice + "\n";
+    return text;
+}
+
+std::string toJson(const Findings& findings, double angstrom)
+{
+    const Configuration& data = findings.data;
+    const Json json = {
+        {"files",
+         listOf(findings.files,
+                [](const Findings::File& file) -> Json {
+                    return {{"file", file.name}, {"format", file.format}, {"frames", file.frames}};
+                })},
+        {"frame", findings.frame},
+        {"rods", listOf(data.rods, [](const Rod& rod) { return toJson(rod); })},
+        {"birods", listOf(data.birods, [](const Birod& birod) { return toJson(birod); })},
+        {"dna", listOf(data.dnas, [&](const Dna& dna) { return toJson(dna, angstrom); })},
+        {"unpairedBases", data.loneBases.size()},
+        {"notices", findings.notices}};
+    // A name need not be UTF-8: what is not is replaced.
+    return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+} // namespace strandview

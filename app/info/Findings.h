@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_APP_INFO_FINDINGS_H
+#define STRANDVIEW_APP_INFO_FINDINGS_H
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <strandview/formats/ReadReport.h>
+#include <strandview/model/Configuration.h>
+
+namespace strandview {
+
+/// What was found in files.
+struct Findings
+{
+    struct File
+    {
+        std::string name;
+        std::string format; ///< of formats()
+        std::size_t frames = 1;
+    };
+    std::vector<File> files;
+    std::size_t frame = 0;            ///< that the data are of, counted from 0
+    Configuration data;               ///< of all files
+    std::vector<std::string> notices; ///< of what was done to the data
+};
+
+/// Reads a frame of each file; one that has a single configuration has it in every frame.
+/// Nothing, and one line in report.error, if a file cannot be read or has no such frame.
+std::optional<Findings> findIn(const std::vector<std::string>& files, std::size_t frame,
+                               const ReadOptions& options, ReadReport& report);
+
+/// For people: a few lines for each thing. Lengths of DNA are in ångström, of which the unit of
+/// its points has `angstrom`; other lengths are in the file's unit.
+std::string describe(const Findings& findings, double angstrom);
+
+/// The same as one JSON object, for scripts, with all digits; the guide lists its keys.
+std::string toJson(const Findings& findings, double angstrom);
+
+} // namespace strandview
+
+#endif

@@ -1,0 +1,188 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "info/Findings.h"
+
+#include <cmath>
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+#include "support/IdealDna.h"
+#include "support/TemporaryFolder.h"
+
+namespace strandview {
+
+namespace {
+
+using nlohmann::json;
+using testing::HasSubstr;
+
+Rod square()
+{
+    Rod rod;
+    rod.points = {{0, 0, 0}, {2, 0, 0}, {2, 2, 0}, {0, 2, 0}};
+    rod.rotations.resize(4);
+    return rod;
+}
+
+Dna dnaOf(const std::string& letters, double rise = 3.4, double turn = M_PI / 5)
+{
+    const IdealDna ideal(letters, rise, turn);
+    Dna dna;
+    dna.bases = letters;
+    dna.pairPoints = dna.points1 = dna.points2 = ideal.points;
+    dna.pairRotations = dna.rotations1 = dna.rotations2 = ideal.rotations;
+    return dna;
+}
+
+json asJson(const Configuration& data, double angstrom = 1)
+{
+    Findings findings;
+    findings.data = data;
+    return json::parse(toJson(findings, angstrom));
+}
+
+json asJson(const Rod& rod) { return asJson(Configuration{{rod}})["rods"][0]; }
+
+json asJson(const Dna& dna, double angstrom = 1)
+{
+    return asJson(Configuration{{}, {}, {dna}}, angstrom)["dna"][0];
+}
+
+std::string inWords(const Configuration& data)
+{
+    Findings findings;
+    findings.data = data;
+    return describe(findings, 1);
+}
+
+TEST(Findings, OfARodAreItsLengthItsEndsAndItsScalars)
+{
+    Rod rod = square();
+    rod.scalars = {{"bend", {1, 2, 3, 4}}, {"κ", {1, 2, 3, 4}}};
+    EXPECT_EQ(asJson(rod), json::parse(R"({"name": null, "points": 4, "length": 6.0,
+        "endToEnd": 2.0, "closed": false, "frames": "given", "scalars": ["bend", "κ"]})"));
+    rod.name = "loop";
+    rod.hasFrames = false;
+    EXPECT_EQ(asJson(rod)["name"], "loop");
+    EXPECT_EQ(asJson(rod)["frames"], "made");
+    EXPECT_EQ(inWords({{rod}}), "rod 1 'loop': 4 points, length 6, end to end 2, without frames, "
+                                "scalars bend κ\n");
+}
+
+TEST(Findings, CountTheFirstPointOfAClosedRodOnce)
+{
+    Rod rod = square();
+    rod.points.push_back(rod.points.front());
+    rod.rotations.resize(5);
+    rod.isClosed = true;
+    const json found = asJson(rod);
+    EXPECT_EQ(found["points"], 4);
+    EXPECT_EQ(found["length"], 8);
+    EXPECT_EQ(found["endToEnd"], 0);
+    EXPECT_EQ(found["closed"], true);
+    EXPECT_THAT(inWords({{rod}}), HasSubstr("4 points, length 8, closed"));
+}
+
+// B-DNA of 10 pairs a turn.
+TEST(Findings, OfADnaAreTheNumbersOfItsSteps)
+{
+    Dna dna = dnaOf("ACGTA");
+    const json found = asJson(dna);
+    EXPECT_EQ(found["pairs"], 5);
+    EXPECT_EQ(found["sequence"], "ACGTA");
+    EXPECT_NEAR(double(found["length"]), 13.6, 1e-12);
+    EXPECT_NEAR(double(found["endToEnd"]), 13.6, 1e-12);
+    EXPECT_NEAR(double(found["meanTwist"]), 36, 1e-10);
+    EXPECT_NEAR(double(found["totalTwist"]), 144, 1e-10);
+    EXPECT_NEAR(double(found["meanRise"]), 3.4, 1e-12);
+    EXPECT_EQ(found["fitRms"], nullptr);
+    EXPECT_THAT(inWords({{}, {}, {dna}}), HasSubstr("twist 36° a step, 144° in all, rise 3.4 Å"));
+}
+
+TEST(Findings, OfADnaAreThoseOfTheStandardFramesWhereThereAreSome)
+{
+    Dna dna = dnaOf("ACGTA", 3, 0.5);
+    const Dna other = dnaOf("ACGTA");
+    dna.standard =
+        StandardFrames{other.pairPoints, other.pairRotations, other.points1, other.rotations1,
+                       other.points2,    other.rotations2,    0.025};
+    EXPECT_NEAR(double(asJson(dna)["meanTwist"]), 36, 1e-10);
+    EXPECT_NEAR(double(asJson(dna)["length"]), 13.6, 1e-12);
+    EXPECT_EQ(asJson(dna)["fitRms"], 0.025);
+}
+
+TEST(Findings, OfADnaAreInAngstromWhateverTheUnitOfItsPoints)
+{
+    const json found = asJson(dnaOf("ACGTA", 0.34), 0.1);
+    EXPECT_NEAR(double(found["length"]), 13.6, 1e-12);
+    EXPECT_NEAR(double(found["meanRise"]), 3.4, 1e-12);
+    EXPECT_NEAR(double(found["meanTwist"]), 36, 1e-10);
+}
+
+TEST(Findings, AreNullWhereNothingIsKnown)
+{
+    const json single = asJson(dnaOf("A"));
+    for (const char* key : {"meanTwist", "totalTwist", "meanRise"})
+        EXPECT_EQ(single[key], nullptr) << key;
+    Dna dna = dnaOf("ACG");
+    dna.bases = "NNN";
+    EXPECT_EQ(asJson(dna)["sequence"], nullptr);
+    EXPECT_THAT(inWords({{}, {}, {dna}}), HasSubstr("3 pairs, without letters"));
+    dna.bases = "NCN";
+    EXPECT_EQ(asJson(dna)["sequence"], "NCN");
+}
+
+TEST(Findings, HaveAllKeysWhateverThereIs)
+{
+    const json found = asJson(Configuration{});
+    EXPECT_EQ(found, json::parse(R"({"files": [], "frame": 0, "rods": [], "birods": [], "dna": [],
+        "unpairedBases": 0, "notices": []})"));
+}
+
+TEST(Findings, CountBasesWithoutAPair)
+{
+    Configuration data;
+    data.loneBases.resize(3);
+    EXPECT_EQ(asJson(data)["unpairedBases"], 3);
+    EXPECT_EQ(inWords(data), "3 bases in no pair\n");
+}
+
+TEST(Findings, OfSeveralFilesAreOneBehindTheOther)
+{
+    const TemporaryFolder folder;
+    const std::string first = folder.write("a.txt", "0 0 0\n0 0 1\n"),
+                      second = folder.write("b.txt", "0 0 0\n0 0 2\n\n0 0 0\n0 0 3\n");
+    ReadReport report;
+    const std::optional<Findings> findings = findIn({first, second}, 0, {}, report);
+    ASSERT_TRUE(findings) << report.error;
+    const json found = json::parse(toJson(*findings, 1));
+    EXPECT_EQ(found["files"], json::parse(R"([{"file": ")" + first + R"(", "format": "Tables",
+        "frames": 1}, {"file": ")" + second +
+                                          R"(", "format": "Tables", "frames": 1}])"));
+    ASSERT_EQ(found["rods"].size(), 3u);
+    EXPECT_EQ(found["rods"][1]["length"], 2);
+    EXPECT_EQ(found["notices"].size(), 2u) << "frames were made, in both";
+    EXPECT_THAT(describe(*findings, 1), HasSubstr("note: " + first));
+}
+
+TEST(Findings, FailWithTheFirstFileThatCannotBeRead)
+{
+    const TemporaryFolder folder;
+    const std::string good = folder.write("a.txt", "0 0 0\n0 0 1\n"), bad = folder.path("b.txt");
+    ReadReport report;
+    EXPECT_FALSE(findIn({good, bad}, 0, {}, report));
+    EXPECT_EQ(report.error, bad + ": cannot be read: No such file or directory");
+}
+
+// Names of files and of things are bytes, JSON is UTF-8.
+TEST(Findings, AreValidJsonWhateverTheNames)
+{
+    Rod rod = square();
+    rod.name = "a\xFF\"\n";
+    EXPECT_EQ(asJson(rod)["name"], "a\uFFFD\"\n");
+    EXPECT_EQ(inWords({{rod}}).find('\n'), inWords({{rod}}).size() - 1) << "one line";
+}
+
+} // namespace
+
+} // namespace strandview
