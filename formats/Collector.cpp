@@ -135,7 +135,7 @@ std::string Collector::add(Rod rod)
     if (rod.rotations.empty()) {
         rod.rotations = parallelTransport(rod.points);
         rod.hasFrames = false;
-        ++transportedRods;
+        transportedRods += !rod.isBackbone; // which nobody expects to have any
     } else {
         keep(rod.rotations, kept);
         strayingRods += !followsPoints(rod.rotations, rod.points);

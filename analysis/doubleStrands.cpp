@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <strandview/analysis/doubleStrands.h>
+
+#include <algorithm>
+
+#include <algebra3d/rotations.h>
+
+namespace strandview {
+
+namespace {
+
+using Nucleotides = std::vector<Nucleotide>;
+using Points = std::vector<algebra3d::Vector3<double>>;
+using Rotations = std::vector<algebra3d::Quaternion<double>>;
+
+void append(const BaseFrame& frame, Points& points, Rotations& rotations)
+{
+    points.push_back(frame.point);
+    rotations.push_back(rotations.empty() ? frame.rotation
+                                          : nearer(frame.rotation, rotations.back()));
+}
+
+/// Into a Dna or its StandardFrames, which call them alike.
+template <typename Frames>
+void appendPair(const BaseFrame& strand1, const BaseFrame& strand2, Frames& frames)
+{
+    BaseFrame turned = turnedOver(strand2);
+    turned.rotation = nearer(turned.rotation, strand1.rotation);
+    append(strand1, frames.points1, frames.rotations1);
+    append(turned, frames.points2, frames.rotations2);
+    append(halfWay(strand1, turned), frames.pairPoints, frames.pairRotations);
+}
+
+/// The strands' names in the order in which they come, each once: "B,C".
+std::string namesOf(const std::vector<std::size_t>& side, const Nucleotides& nucleotides,
+                    const NucleotideNames& names)
+{
+    std::vector<std::size_t> strands;
+    for (const std::size_t i : side)
+        if (std::find(strands.begin(), strands.end(), nucleotides[i].strand) == strands.end())
+            strands.push_back(nucleotides[i].strand);
+    std::string text;
+    for (const std::size_t strand : strands)
+        text += (text.empty() ? "" : ",") + names.strands[strand];
+    return text;
+}
+
+Dna makeDna(const Helix& helix, const Nucleotides& nucleotides, const NucleotideNames& names)
+{
+    Dna dna;
+    dna.name = namesOf(helix.strand1, nucleotides, names) + "-" +
+               namesOf(helix.strand2, nucleotides, names);
+    dna.origin = names.file + ": DNA " + dna.name;
+    dna.isClosed = helix.isClosed;
+    if (nucleotides[helix.strand1.front()].standard)
+        dna.standard.emplace();
+    for (std::size_t k = 0; k < helix.strand1.size(); ++k) {
+        const Nucleotide &a = nucleotides[helix.strand1[k]], &b = nucleotides[helix.strand2[k]];
+        dna.bases += a.base == UNKNOWN_BASE ? complementOf(b.base) : a.base;
+        appendPair(a.frame, b.frame, dna);
+        if (!dna.standard)
+            continue;
+        appendPair(*a.standard, *b.standard, *dna.standard);
+        dna.standard->rms = std::max({dna.standard->rms, a.rms, b.rms});
+    }
+    return dna;
+}
+
+} // namespace
+
+char complementOf(char base)
+{
+    const std::size_t index = BASE_LETTERS.find(base);
+    return index == std::string_view::npos ? UNKNOWN_BASE
+                                           : BASE_LETTERS[BASE_LETTERS.size() - 1 - index];
+}
+
+DoubleStrands makeDoubleStrands(const Nucleotides& nucleotides, const NucleotideNames& names)
+{
+    DoubleStrands all;
+    all.molecules = findMolecules(nucleotides, names.strands.size());
+    for (const Helix& helix : findHelices(nucleotides)) {
+        all.dnas.push_back(makeDna(helix, nucleotides, names));
+        all.dnas.back().molecule = all.molecules[nucleotides[helix.strand1.front()].strand];
+    }
+    for (std::size_t i = 0; i < nucleotides.size(); ++i) {
+        const Nucleotide& one = nucleotides[i];
+        if (one.partner != NO_NUCLEOTIDE)
+            continue;
+        const std::string place = names.placeOf ? ": " + names.placeOf(i) : "";
+        all.loneBases.push_back({names.file + place, one.base, one.frame.point, one.frame.rotation,
+                                 all.molecules[one.strand]});
+    }
+    return all;
+}
+
+} // namespace strandview

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <strandview/analysis/mutuallyNearest.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+#include <utility>
+
+#include <strandview/analysis/helices.h>
+
+namespace strandview {
+
+namespace {
+
+/// A cube of space, of the size of the reach: numbers of whole cubes, which a double holds.
+using Cell = std::array<double, 3>;
+using InCell = std::pair<Cell, std::size_t>;
+
+Cell cellOf(const algebra3d::Vector3<double>& point, double size)
+{
+    return {std::floor(point.x / size), std::floor(point.y / size), std::floor(point.z / size)};
+}
+
+template <typename Visit>
+void forNeighbours(const std::vector<InCell>& sorted, const Cell& centre, Visit visit)
+{
+    // A row of three cells along z is one run of the sorted ones.
+    for (int x = -1; x <= 1; ++x) {
+        for (int y = -1; y <= 1; ++y) {
+            const Cell first{centre[0] + x, centre[1] + y, centre[2] - 1};
+            const Cell last{first[0], first[1], centre[2] + 1};
+            for (auto entry = std::lower_bound(sorted.begin(), sorted.end(), InCell(first, 0));
+                 entry != sorted.end() && entry->first <= last; ++entry)
+                visit(entry->second);
+        }
+    }
+}
+
+} // namespace
+
+std::vector<std::size_t>
+mutuallyNearest(const std::vector<algebra3d::Vector3<double>>& points, double reach,
+                const std::function<double(std::size_t, std::size_t)>& distance)
+{
+    std::vector<InCell> sorted;
+    for (std::size_t i = 0; i < points.size(); ++i)
+        sorted.emplace_back(cellOf(points[i], reach), i);
+    std::sort(sorted.begin(), sorted.end());
+
+    std::vector<std::size_t> nearest(points.size(), NO_NUCLEOTIDE);
+    for (const auto& [cell, index] : sorted) {
+        const std::size_t i = index;
+        double least = std::numeric_limits<double>::infinity();
+        forNeighbours(sorted, cell, [&](std::size_t j) {
+            if (j == i || (points[j] - points[i]).getNorm() > reach)
+                return;
+            const double apart = distance(i, j);
+            if (apart < least || (apart == least && std::isfinite(apart) && j < nearest[i])) {
+                least = apart;
+                nearest[i] = j;
+            }
+        });
+    }
+    std::vector<std::size_t> partners(points.size(), NO_NUCLEOTIDE);
+    for (std::size_t i = 0; i < points.size(); ++i)
+        if (nearest[i] != NO_NUCLEOTIDE && nearest[nearest[i]] == i)
+            partners[i] = nearest[i];
+    return partners;
+}
+
+} // namespace strandview
