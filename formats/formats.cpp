@@ -8,6 +8,7 @@
 #include <strandview/formats/JsonReader.h>
 #include <strandview/formats/Source.h>
 #include <strandview/formats/TableReader.h>
+#include <strandview/formats/structures/StructureReader.h>
 #include <strandview/formats/text/encoding.h>
 
 namespace strandview {
@@ -57,6 +58,12 @@ const std::vector<Format>& formats()
          readWhole<readTable>,
          nullptr},
         {"JSON", "JSON", {".json"}, likenessToJson, readWhole<readJson>, nullptr},
+        {"PDB and mmCIF",
+         "a structure",
+         {".pdb", ".ent", ".cif", ".mmcif"},
+         likenessToStructure,
+         readStructure,
+         openStructures},
     };
     return all;
 }

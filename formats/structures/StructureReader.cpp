@@ -1,0 +1,140 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <strandview/formats/structures/StructureReader.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <strandview/formats/Source.h>
+#include <strandview/formats/structures/nucleicAcid.h>
+#include <strandview/formats/structures/readAtoms.h>
+#include <strandview/formats/text/encoding.h>
+#include <strandview/formats/text/fields.h>
+#include <strandview/formats/text/numbers.h>
+#include <strandview/model/MemorySeries.h>
+
+namespace strandview {
+
+namespace {
+
+/// How many lines with something on them are looked at.
+constexpr std::size_t LINES_TO_KNOW_BY = 8;
+
+std::vector<std::string_view> firstLines(std::string_view text)
+{
+    std::vector<std::string_view> lines;
+    while (!text.empty() && lines.size() < LINES_TO_KNOW_BY) {
+        const std::size_t end = std::min(text.find_first_of("\r\n"), text.size());
+        if (!trimmed(text.substr(0, end)).empty())
+            lines.push_back(text.substr(0, end));
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    return lines;
+}
+
+bool isMmcif(std::string_view beginning)
+{
+    std::vector<std::string_view> lines;
+    for (const std::string_view line : firstLines(beginning))
+        if (trimmed(line)[0] != '#')
+            lines.push_back(trimmed(line));
+    if (lines.empty() || inSmallLetters(lines[0].substr(0, 5)) != "data_")
+        return false;
+    return lines.size() == 1 || lines[1][0] == '_' || inSmallLetters(lines[1]) == "loop_";
+}
+
+bool isLineOfPdb(std::string_view line)
+{
+    static const std::string_view records[] = {
+        "ANISOU", "ATOM",   "AUTHOR", "CAVEAT", "CISPEP", "COMPND", "CRYST1", "DBREF",
+        "DBREF1", "DBREF2", "END",    "ENDMDL", "EXPDTA", "FORMUL", "HEADER", "HELIX",
+        "HET",    "HETATM", "HETNAM", "HETSYN", "JRNL",   "KEYWDS", "LINK",   "MASTER",
+        "MDLTYP", "MODEL",  "MODRES", "NUMMDL", "OBSLTE", "ORIGX1", "ORIGX2", "ORIGX3",
+        "REMARK", "REVDAT", "SCALE1", "SCALE2", "SCALE3", "SEQADV", "SEQRES", "SHEET",
+        "SITE",   "SOURCE", "SPLIT",  "SPRSDE", "SSBOND", "TER",    "TITLE"};
+    const std::string_view record = trimmed(line.substr(0, 6));
+    if (std::find(std::begin(records), std::end(records), record) == std::end(records))
+        return false;
+    if (record != "ATOM" && record != "HETATM")
+        return true;
+    constexpr std::size_t coordinates[] = {30, 38, 46};
+    return line.size() >= 54 &&
+           std::all_of(std::begin(coordinates), std::end(coordinates), [line](std::size_t first) {
+               return isNumber(trimmed(line.substr(first, 8)));
+           });
+}
+
+bool isPdb(std::string_view beginning)
+{
+    std::vector<std::string_view> lines = firstLines(beginning);
+    return !lines.empty() && std::all_of(lines.begin(), lines.end(), isLineOfPdb);
+}
+
+bool readModels(Source& source, const ReadOptions& options, const TakeModel& take,
+                ReadReport& report)
+{
+    const auto bytes = source.readAll(options, report);
+    if (!bytes)
+        return false;
+    if (isUtf16(*bytes) || isBinary(*bytes)) {
+        report.error = source.getName() + ": " +
+                       (isUtf16(*bytes) ? FOUND_UTF16 : "found binary data, expected a structure");
+        return false;
+    }
+    const std::string_view text = withoutByteOrderMark(*bytes);
+    return (isMmcif(text) ? readMmcif : readPdb)(text, source.getName(), options, take, report);
+}
+
+} // namespace
+
+Likeness likenessToStructure(std::string_view beginning)
+{
+    if (isUtf16(beginning) || isBinary(beginning))
+        return Likeness::NONE;
+    const std::string_view text = withoutByteOrderMark(beginning);
+    return isMmcif(text) || isPdb(text) ? Likeness::CERTAIN : Likeness::NONE;
+}
+
+std::optional<Configuration> readStructure(Source& source, const ReadOptions& options,
+                                           ReadReport& report)
+{
+    StructureModel first;
+    const auto takeFirst = [&first](StructureModel model) {
+        first = std::move(model);
+        return false;
+    };
+    if (!readModels(source, options, takeFirst, report))
+        return {};
+    return makeNucleicAcid(std::move(first), source.getName(), report);
+}
+
+std::unique_ptr<Series> openStructures(std::unique_ptr<Source> source, const ReadOptions& options,
+                                       ReadReport& report)
+{
+    std::vector<Configuration> frames;
+    bool hasDna = false;
+    ReadReport ofModel;
+    const auto takeEach = [&](StructureModel model) {
+        ofModel = {};
+        auto made = makeNucleicAcid(std::move(model), source->getName(), ofModel);
+        if (made && !hasDna)
+            report.notices.insert(report.notices.end(), ofModel.notices.begin(),
+                                  ofModel.notices.end());
+        hasDna = hasDna || made.has_value();
+        frames.push_back(made ? std::move(*made) : Configuration());
+        return true;
+    };
+    if (!readModels(*source, options, takeEach, report))
+        return nullptr;
+    if (frames.empty())
+        makeNucleicAcid({}, source->getName(), ofModel);
+    if (!hasDna) {
+        report.error = ofModel.error;
+        return nullptr;
+    }
+    return std::make_unique<MemorySeries>(std::move(frames));
+}
+
+} // namespace strandview

@@ -1,0 +1,587 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The only source that includes gemmi, which takes long to compile.
+#include <strandview/formats/structures/readAtoms.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <map>
+#include <stdexcept>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include <gemmi/cif.hpp>
+#include <gemmi/pdb.hpp>
+#include <gemmi/resinfo.hpp>
+
+#include <strandview/formats/Milestones.h>
+#include <strandview/formats/checks.h>
+#include <strandview/formats/text/encoding.h>
+#include <strandview/formats/text/fields.h>
+#include <strandview/formats/text/numbers.h>
+#include <strandview/formats/text/wording.h>
+
+namespace strandview {
+
+namespace {
+
+bool isBaseLetter(char c) { return c == 'U' || parseBase(c) == c; }
+
+/// The base of "A", "DA", "RA", "+A", and, at the ends of strands, of "DA5", "DA3" and "DAN", or
+/// of "ADE" and the like, none of which the wwPDB has; NUL of other names.
+char letterOfPlainName(std::string_view name)
+{
+    static const std::map<std::string_view, char> longNames{
+        {"ADE", 'A'}, {"CYT", 'C'}, {"GUA", 'G'}, {"THY", 'T'}, {"URA", 'U'}};
+    const auto found = longNames.find(name);
+    if (found != longNames.end())
+        return found->second;
+    if (name.size() > 1 && (name[0] == 'D' || name[0] == 'R' || name[0] == '+'))
+        name.remove_prefix(1);
+    if (name.size() == 2 && (name[1] == '5' || name[1] == '3' || name[1] == 'N'))
+        name.remove_suffix(1);
+    return name.size() == 1 && isBaseLetter(name[0]) ? name[0] : '\0';
+}
+
+bool isWaterOfDynamics(std::string_view name)
+{
+    return name == "WAT" || name == "TIP" || name == "TP3" || name == "SOL" || name == "SPC" ||
+           name == "HOH";
+}
+
+bool isNumberOfCoordinate(std::string_view field, double& number)
+{
+    return parseNumber(field, number) == std::errc() && std::isfinite(number) &&
+           isCoordinate(number);
+}
+
+std::string expectedCoordinate(std::string_view field)
+{
+    double number = 0;
+    const bool isTooLarge = parseNumber(field, number) == std::errc() && std::isfinite(number);
+    return "found " + inQuotes(field) + ", expected " +
+           (isTooLarge ? EXPECTED_COORDINATE : EXPECTED_NUMBER);
+}
+
+// PDB
+
+/// Of "%8.3f" for x, y and z.
+constexpr std::size_t FIRST_COORDINATE = 30;
+constexpr std::size_t COORDINATE_WIDTH = 8;
+constexpr std::size_t SHORTEST_ATOM = FIRST_COORDINATE + 3 * COORDINATE_WIDTH;
+/// Behind it are the element and charge, or what old files have there.
+constexpr std::size_t LAST_COLUMN = 76;
+
+std::string_view column(std::string_view line, std::size_t first, std::size_t size)
+{
+    return trimmed(line.substr(std::min(first, line.size()), size));
+}
+
+/// What is wrong with the line of an atom, "column 31 (x): found ..., expected ..."; else nothing.
+std::string faultOfAtomLine(std::string_view line)
+{
+    if (line.size() < SHORTEST_ATOM)
+        return "found an atom of " + counted(line.size(), "character") + ", expected at least " +
+               std::to_string(SHORTEST_ATOM);
+    for (std::size_t i = 0; i < 3; ++i) {
+        const std::size_t first = FIRST_COORDINATE + i * COORDINATE_WIDTH;
+        const std::string_view field = column(line, first, COORDINATE_WIDTH);
+        double number = 0;
+        if (!isNumberOfCoordinate(field, number))
+            return "column " + std::to_string(first + 1) + " (" + "xyz"[i] +
+                   "): " + expectedCoordinate(field);
+    }
+    return {};
+}
+
+/// Walks over the lines and keeps those of atoms that may be DNA, model by model: few of a file
+/// with protein and water.
+class PdbScanner
+{
+public:
+    PdbScanner(const std::string& name, const TakeModel& takeModel, ReadReport& readReport)
+        : fileName(name),
+          take(takeModel),
+          report(readReport),
+          residues([this](const std::string& residue) { return typeOf(residue); })
+    {}
+
+    /// Whether to go on.
+    bool scan(std::string_view line)
+    {
+        ++number;
+        const std::string_view record = column(line, 0, 6);
+        if (record == "ATOM" || record == "HETATM")
+            return scanAtom(line);
+        if (record == "TER" && isInModel)
+            kept += "TER\n";
+        if (record == "MODRES")
+            addModified(line);
+        return (record != "ENDMDL" && record != "END" && record != "MODEL") || finishModel();
+    }
+
+    bool finishModel()
+    {
+        if (!isInModel)
+            return true;
+        isInModel = false;
+        try {
+            addAtoms();
+        } catch (const std::exception& problem) {
+            report.error = fileName + ": " + onOneLine(problem.what());
+            return false;
+        }
+        kept.clear();
+        StructureModel model = residues.take();
+        model.hasProtein = model.hasProtein || hasProtein;
+        model.hasWater = model.hasWater || hasWater;
+        hasProtein = hasWater = false;
+        isStopped = !take(std::move(model));
+        return !isStopped;
+    }
+
+    /// Whether nobody wants more.
+    bool wasStopped() const { return isStopped; }
+
+private:
+    ResidueType typeOf(const std::string& residue) const
+    {
+        const auto parent = parents.find(residue);
+        ResidueType type = typeOfResidue(residue);
+        if (type.kind == ResidueKind::OTHER && parent != parents.end()) {
+            type = typeOfResidue(parent->second);
+            type.isModified = true;
+        }
+        return type;
+    }
+
+    bool scanAtom(std::string_view line)
+    {
+        isInModel = true;
+        const std::string_view residue = column(line, 17, 3);
+        const auto [known, isNew] = kinds.emplace(residue, ResidueKind::OTHER);
+        if (isNew)
+            known->second = typeOf(known->first).kind;
+        hasProtein = hasProtein || known->second == ResidueKind::AMINO_ACID;
+        hasWater = hasWater || known->second == ResidueKind::WATER;
+        if (known->second == ResidueKind::AMINO_ACID || known->second == ResidueKind::WATER)
+            return true;
+        const std::string fault = faultOfAtomLine(line);
+        if (!fault.empty()) {
+            report.error = fileName + ":" + std::to_string(number) + ": " + fault;
+            return false;
+        }
+        kept += line.substr(0, LAST_COLUMN);
+        kept += '\n';
+        return true;
+    }
+
+    /// "MODRES 1ABC 5CM A    3   DC  ..."
+    void addModified(std::string_view line)
+    {
+        const std::string_view residue = column(line, 12, 3), parent = column(line, 24, 3);
+        if (!residue.empty() && !parent.empty())
+            parents.emplace(residue, parent);
+    }
+
+    void addAtoms()
+    {
+        gemmi::PdbReadOptions options;
+        options.split_chain_on_ter = true;
+        const gemmi::Structure read =
+            gemmi::read_pdb_from_memory(kept.data(), kept.size(), fileName, options);
+        for (const gemmi::Model& model : read.models)
+            for (std::size_t i = 0; i < model.chains.size(); ++i)
+                for (const gemmi::Residue& residue : model.chains[i].residues)
+                    addResidue(residue, model.chains[i].name, i);
+    }
+
+    void addResidue(const gemmi::Residue& residue, const std::string& chain, std::size_t index)
+    {
+        const std::string part = std::to_string(index) + residue.segment;
+        const std::string place = residue.seqid.str();
+        for (const gemmi::Atom& atom : residue.atoms)
+            residues.add({chain,
+                          part,
+                          place,
+                          residue.name,
+                          atom.name,
+                          atom.altloc,
+                          atom.occ,
+                          {atom.pos.x, atom.pos.y, atom.pos.z}});
+    }
+
+    const std::string& fileName;
+    const TakeModel& take;
+    ReadReport& report;
+    ResidueCollector residues;
+    std::map<std::string, std::string> parents;
+    std::map<std::string, ResidueKind, std::less<>> kinds;
+    std::string kept; ///< lines of the model
+    std::size_t number = 0;
+    bool isInModel = false;
+    bool hasProtein = false;
+    bool hasWater = false;
+    bool isStopped = false;
+};
+
+// mmCIF
+
+namespace pegtl = tao::pegtl;
+namespace rules = gemmi::cif::rules;
+
+/// Thrown out of the parser, whose own errors are exceptions.
+struct Fault : std::runtime_error
+{
+    Fault(std::size_t lineNumber, const std::string& what)
+        : std::runtime_error(what), line(lineNumber)
+    {}
+    std::size_t line;
+};
+struct Enough
+{
+};
+
+/// What a column of a table is to us.
+enum Column {
+    CHAIN,
+    LABEL_CHAIN,
+    NUMBER,
+    LABEL_NUMBER,
+    INSERTION,
+    RESIDUE,
+    LABEL_RESIDUE,
+    ATOM,
+    LABEL_ATOM,
+    CONFORMER,
+    X,
+    Y,
+    Z,
+    OCCUPANCY,
+    MODEL,
+    COMPONENT,
+    PARENT,
+    COLUMNS
+};
+
+constexpr int NO_COLUMN = -1;
+
+int columnOf(std::string_view tag)
+{
+    static const std::map<std::string, Column, std::less<>> columns{
+        {"_atom_site.auth_asym_id", CHAIN},
+        {"_atom_site.label_asym_id", LABEL_CHAIN},
+        {"_atom_site.auth_seq_id", NUMBER},
+        {"_atom_site.label_seq_id", LABEL_NUMBER},
+        {"_atom_site.pdbx_pdb_ins_code", INSERTION},
+        {"_atom_site.auth_comp_id", RESIDUE},
+        {"_atom_site.label_comp_id", LABEL_RESIDUE},
+        {"_atom_site.auth_atom_id", ATOM},
+        {"_atom_site.label_atom_id", LABEL_ATOM},
+        {"_atom_site.label_alt_id", CONFORMER},
+        {"_atom_site.cartn_x", X},
+        {"_atom_site.cartn_y", Y},
+        {"_atom_site.cartn_z", Z},
+        {"_atom_site.occupancy", OCCUPANCY},
+        {"_atom_site.pdbx_pdb_model_num", MODEL},
+        {"_chem_comp.id", COMPONENT},
+        {"_chem_comp.mon_nstd_parent_comp_id", PARENT},
+    };
+    const auto found = columns.find(inSmallLetters(tag));
+    return found == columns.end() ? NO_COLUMN : int(found->second);
+}
+
+/// Without quotation marks; nothing of "." and "?", which stand for nothing.
+std::string_view valueOf(std::string_view token)
+{
+    if (token == "." || token == "?")
+        return {};
+    const bool isQuoted =
+        token.size() >= 2 && (token[0] == '"' || token[0] == '\'') && token.back() == token[0];
+    return isQuoted ? token.substr(1, token.size() - 2) : token;
+}
+
+/// Takes the tables of atoms and of components from the parser, a value at a time.
+class CifScanner
+{
+public:
+    CifScanner(std::string_view wholeText, const TakeModel& takeModel, const ReadOptions& options)
+        : text(wholeText),
+          take(takeModel),
+          milestones(options, wholeText.size()),
+          residues([this](const std::string& residue) { return typeOf(residue); })
+    {}
+
+    void beginBlock()
+    {
+        finishModel();
+        if (hasAtoms)
+            throw Enough();
+        parents.clear();
+    }
+
+    void beginLoop()
+    {
+        columns.clear();
+        next = 0;
+        isOfAtoms = false;
+    }
+
+    void addTag(std::string_view tag, std::size_t line)
+    {
+        columns.push_back(columnOf(tag));
+        const bool isAtoms = columns.back() >= 0 && columns.back() < COMPONENT;
+        isOfAtoms = isOfAtoms || isAtoms;
+        beginLine = line;
+    }
+
+    void addValue(std::string_view token, std::size_t line)
+    {
+        if (!milestones.pass(std::size_t(token.data() - text.data())))
+            throw Fault(0, READING_STOPPED);
+        if (next == 0) {
+            row.fill({});
+            if (isOfAtoms)
+                checkColumns();
+        }
+        if (columns[next] != NO_COLUMN)
+            row[std::size_t(columns[next])] = valueOf(token);
+        if (++next < columns.size())
+            return;
+        next = 0;
+        if (isOfAtoms)
+            addAtom(line);
+        else if (!row[COMPONENT].empty() && !row[PARENT].empty())
+            parents.emplace(row[COMPONENT], row[PARENT]);
+    }
+
+    void endLoop(std::size_t line)
+    {
+        if (next != 0)
+            throw Fault(line, "found a table that ends in a row of " + counted(next, "value") +
+                                  ", expected " + std::to_string(columns.size()));
+    }
+
+    void finishModel()
+    {
+        if (residues.isEmpty())
+            return;
+        if (!take(residues.take()))
+            throw Enough();
+    }
+
+private:
+    ResidueType typeOf(const std::string& residue) const
+    {
+        const auto parent = parents.find(residue);
+        ResidueType type = typeOfResidue(residue);
+        if (type.kind == ResidueKind::OTHER && parent != parents.end()) {
+            type = typeOfResidue(parent->second);
+            type.isModified = true;
+        }
+        return type;
+    }
+
+    bool has(Column wanted) const
+    {
+        return std::find(columns.begin(), columns.end(), int(wanted)) != columns.end();
+    }
+
+    void checkColumns()
+    {
+        const std::pair<bool, const char*> needed[] = {
+            {has(X), "Cartn_x"},
+            {has(Y), "Cartn_y"},
+            {has(Z), "Cartn_z"},
+            {has(ATOM) || has(LABEL_ATOM), "label_atom_id"},
+            {has(RESIDUE) || has(LABEL_RESIDUE), "label_comp_id"},
+        };
+        for (const auto& [isThere, name] : needed)
+            if (!isThere)
+                throw Fault(beginLine, std::string("found atoms without _atom_site.") + name +
+                                           ", expected a structure with it");
+        isOfAtoms = hasAtoms = true;
+    }
+
+    /// The author's value where there is one.
+    std::string_view either(Column author, Column label) const
+    {
+        return row[author].empty() ? row[label] : row[author];
+    }
+
+    double coordinate(Column which, std::size_t line) const
+    {
+        // The digits in brackets behind a number are its uncertainty.
+        const std::string_view field = row[which].substr(0, row[which].find('('));
+        double number = 0;
+        if (!isNumberOfCoordinate(field, number))
+            throw Fault(line, std::string("Cartn_") + "xyz"[which - X] + ": " +
+                                  expectedCoordinate(field));
+        return number;
+    }
+
+    void addAtom(std::size_t line)
+    {
+        if (row[MODEL] != model) {
+            finishModel();
+            model = row[MODEL];
+        }
+        AtomRow atom;
+        atom.chain = either(CHAIN, LABEL_CHAIN);
+        atom.part = either(LABEL_CHAIN, CHAIN);
+        number = std::string(either(NUMBER, LABEL_NUMBER)) + std::string(row[INSERTION]);
+        atom.number = number;
+        atom.residue = either(RESIDUE, LABEL_RESIDUE);
+        atom.atom = either(ATOM, LABEL_ATOM);
+        atom.conformer = row[CONFORMER].empty() ? '\0' : row[CONFORMER][0];
+        if (parseNumber(row[OCCUPANCY], atom.occupancy) != std::errc())
+            atom.occupancy = 1;
+        atom.place = {coordinate(X, line), coordinate(Y, line), coordinate(Z, line)};
+        residues.add(atom);
+    }
+
+    std::string_view text;
+    const TakeModel& take;
+    Milestones milestones;
+    ResidueCollector residues;
+    std::map<std::string, std::string, std::less<>> parents;
+    std::vector<int> columns; ///< of the loop
+    std::size_t next = 0;     ///< column
+    bool isOfAtoms = false;
+    bool hasAtoms = false;
+    std::size_t beginLine = 0;
+    std::array<std::string_view, COLUMNS> row;
+    std::string number;
+    std::string_view model;
+};
+
+template <typename Rule>
+struct CifAction : pegtl::nothing<Rule>
+{
+};
+
+template <typename Input>
+std::string_view tokenOf(const Input& in)
+{
+    return {in.begin(), in.size()};
+}
+
+template <>
+struct CifAction<rules::datablockname>
+{
+    template <typename Input>
+    static void apply(const Input&, CifScanner& scanner)
+    {
+        scanner.beginBlock();
+    }
+};
+
+template <>
+struct CifAction<rules::str_loop>
+{
+    template <typename Input>
+    static void apply(const Input&, CifScanner& scanner)
+    {
+        scanner.beginLoop();
+    }
+};
+
+template <>
+struct CifAction<rules::loop_tag>
+{
+    template <typename Input>
+    static void apply(const Input& in, CifScanner& scanner)
+    {
+        scanner.addTag(tokenOf(in), in.iterator().line);
+    }
+};
+
+template <>
+struct CifAction<rules::loop_value>
+{
+    template <typename Input>
+    static void apply(const Input& in, CifScanner& scanner)
+    {
+        scanner.addValue(tokenOf(in), in.iterator().line);
+    }
+};
+
+template <>
+struct CifAction<rules::loop_end>
+{
+    template <typename Input>
+    static void apply(const Input& in, CifScanner& scanner)
+    {
+        scanner.endLoop(in.iterator().line);
+    }
+};
+
+/// Parses the text; what is wrong with it is thrown.
+void parse(std::string_view text, CifScanner& scanner)
+{
+    pegtl::memory_input<> in(text.data(), text.size(), "");
+    pegtl::parse<rules::file, CifAction, gemmi::cif::Errors>(in, scanner);
+    scanner.finishModel();
+}
+
+} // namespace
+
+ResidueType typeOfResidue(const std::string& name)
+{
+    if (const char letter = letterOfPlainName(name))
+        return {ResidueKind::NUCLEOTIDE, letter, false};
+    const gemmi::ResidueInfo info = gemmi::find_tabulated_residue(name);
+    if (info.is_water() || isWaterOfDynamics(name))
+        return {ResidueKind::WATER};
+    if (info.is_amino_acid())
+        return {ResidueKind::AMINO_ACID};
+    if (!info.is_nucleic_acid())
+        return {};
+    const char code = info.one_letter_code; // small of what is modified
+    const char letter = code >= 'a' && code <= 'z' ? char(code - 'a' + 'A') : code;
+    return {ResidueKind::NUCLEOTIDE, isBaseLetter(letter) ? letter : '\0', true};
+}
+
+bool readPdb(std::string_view text, const std::string& fileName, const ReadOptions& options,
+             const TakeModel& take, ReadReport& report)
+{
+    PdbScanner scanner(fileName, take, report);
+    Milestones milestones(options, text.size());
+    for (std::size_t start = 0; start < text.size();) {
+        if (!milestones.pass(start)) {
+            report.error = fileName + ": " + READING_STOPPED;
+            return false;
+        }
+        const std::size_t end = std::min(text.find_first_of("\r\n", start), text.size());
+        if (!scanner.scan(text.substr(start, end - start)))
+            return scanner.wasStopped();
+        const bool isCrLf = text.substr(end, 2) == "\r\n";
+        start = end + (isCrLf ? 2 : 1);
+    }
+    return scanner.finishModel() || scanner.wasStopped();
+}
+
+bool readMmcif(std::string_view text, const std::string& fileName, const ReadOptions& options,
+               const TakeModel& take, ReadReport& report)
+{
+    CifScanner scanner(text, take, options);
+    try {
+        parse(text, scanner);
+    } catch (const Enough&) {
+    } catch (const Fault& fault) {
+        const std::string line = fault.line > 0 ? ":" + std::to_string(fault.line) : "";
+        report.error = fileName + line + ": " + fault.what();
+        return false;
+    } catch (const pegtl::parse_error& error) {
+        const auto position = error.positions().front();
+        report.error = fileName + ":" + std::to_string(position.line) + ":" +
+                       std::to_string(position.column) +
+                       ": no mmCIF: " + onOneLine(std::string(error.message()));
+        return false;
+    }
+    return true;
+}
+
+} // namespace strandview
