@@ -6,7 +6,9 @@
 #include <filesystem>
 
 #include <strandview/formats/JsonReader.h>
+#include <strandview/formats/PairFrameReader.h>
 #include <strandview/formats/Source.h>
+#include <strandview/formats/StepParameterReader.h>
 #include <strandview/formats/TableReader.h>
 #include <strandview/formats/structures/StructureReader.h>
 #include <strandview/formats/text/encoding.h>
@@ -64,6 +66,18 @@ const std::vector<Format>& formats()
          likenessToStructure,
          readStructure,
          openStructures},
+        {"Step parameters",
+         "step parameters",
+         {".par"},
+         likenessToStepParameters,
+         readWhole<readStepParameters>,
+         nullptr},
+        {"Pair frames",
+         "pair frames",
+         {".bplist"},
+         likenessToPairFrames,
+         readWhole<readPairFrames>,
+         nullptr},
     };
     return all;
 }

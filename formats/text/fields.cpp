@@ -54,6 +54,11 @@ bool FieldScanner::isLineComment()
     return !isAtEnd() && (text[position] == '#' || text[position] == '%');
 }
 
+std::string_view FieldScanner::getRestOfLine() const
+{
+    return text.substr(position, text.find_first_of("\r\n", position) - position);
+}
+
 void FieldScanner::nextLine()
 {
     while (!isAtLineEnd())

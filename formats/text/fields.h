@@ -49,6 +49,9 @@ public:
     STRANDVIEW_FORMATS_EXPORT bool isLineBlank();
     STRANDVIEW_FORMATS_EXPORT bool isLineComment();
 
+    /// What is left of this line, comments too, without its end.
+    STRANDVIEW_FORMATS_EXPORT std::string_view getRestOfLine() const;
+
     /// Leaves out what is left of this one.
     STRANDVIEW_FORMATS_EXPORT void nextLine();
 

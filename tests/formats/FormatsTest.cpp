@@ -3,6 +3,7 @@
 
 #include <cctype>
 #include <fstream>
+#include <map>
 #include <regex>
 #include <set>
 #include <string>
@@ -81,25 +82,36 @@ TEST(Formats, TheContentTellsOne)
 
 TEST(Formats, WhatIsExpectedNamesThemAll)
 {
-    EXPECT_EQ(expectedFormats(), "a table or JSON");
+    const std::string last = " or " + formats().back().expected;
+    EXPECT_EQ(expectedFormats().rfind("a table, JSON, ", 0), 0u);
+    EXPECT_EQ(expectedFormats().find(last), expectedFormats().size() - last.size());
     EXPECT_EQ(endingsOf(formats()[0]), ".txt .dat .csv .tsv .xyz");
     EXPECT_EQ(endingsOf(formats()[1], "*"), "*.json");
 }
 
 TEST(Formats, EachReadsASourceUnderItsName)
 {
-    const std::string texts[] = {
-        "0 0 0\n0 0 1\n", R"({"strandview": 1, "rods": [{"points": [[0, 0, 0], [0, 0, 1]]}]})"};
-    ASSERT_EQ(formats().size(), std::size(texts)) << "a text for each";
-    for (std::size_t i = 0; i < formats().size(); ++i) {
-        SCOPED_TRACE(formats()[i].name);
+    const std::map<std::string, std::string> texts = {
+        {"Tables", "0 0 0\n0 0 1\n"},
+        {"JSON", R"({"strandview": 1, "rods": [{"points": [[0, 0, 0], [0, 0, 1]]}]})"},
+        {"Step parameters", "2\n0 # parameters\nA-T 0 0 0 0 0 0 0 0 0 0 0 0\n"
+                            "C-G 0 0 0 0 0 0 0 0 3.4 0 0 36\n"},
+        {"Pair frames", "{{0,0,0},{{1,0,0},{0,1,0},{0,0,1}}}\n"
+                        "{{0,0,3},{{1,0,0},{0,1,0},{0,0,1}}}\n"},
+    };
+    for (const Format& format : formats()) {
+        SCOPED_TRACE(format.name);
+        ASSERT_EQ(texts.count(format.name), 1u) << "a text for each";
+        const std::string& text = texts.at(format.name);
+        EXPECT_EQ(nameOf(formatOfContent(text)), format.name);
         ReadReport report;
-        const auto source = Source::ofBytes("here", texts[i]);
-        const auto read = formats()[i].read(*source, {}, report);
+        const auto source = Source::ofBytes("here", text);
+        const auto read = format.read(*source, {}, report);
         ASSERT_TRUE(read) << report.error;
-        ASSERT_EQ(read->rods.size(), 1u);
-        EXPECT_EQ(read->rods[0].points.size(), 2u);
-        EXPECT_EQ(read->rods[0].origin.rfind("here:", 0), 0u);
+        ASSERT_EQ(read->rods.size() + read->dnas.size(), 1u);
+        const bool isRod = !read->rods.empty();
+        EXPECT_EQ((isRod ? read->rods[0].points : read->dnas[0].pairPoints).size(), 2u);
+        EXPECT_EQ((isRod ? read->rods[0].origin : read->dnas[0].origin).rfind("here:", 0), 0u);
     }
 }
 

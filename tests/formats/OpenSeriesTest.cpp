@@ -108,7 +108,7 @@ TEST_F(OpenSeriesTest, RefusesWhatCannotBeReadAtOnce)
     EXPECT_FALSE(open({folder.write("bad.txt", "0 0 0\n0 1\n")}));
     EXPECT_THAT(report.error, HasSubstr("bad.txt:2: found 2 columns"));
     EXPECT_FALSE(open({folder.write("picture", "\x89PNG\r\n\x1a\n")}));
-    EXPECT_THAT(report.error, HasSubstr("found binary data, expected a table or JSON"));
+    EXPECT_THAT(report.error, HasSubstr("found binary data, expected " + expectedFormats()));
     EXPECT_TRUE(open({folder.write("good.txt", rod)}));
     EXPECT_EQ(report.error, "") << "of the one before";
 }

@@ -22,6 +22,7 @@
 #include <strandview/formats/JsonReader.h>
 #include <strandview/formats/Source.h>
 #include <strandview/formats/TableReader.h>
+#include <strandview/formats/formats.h>
 
 #include "support/TemporaryFolder.h"
 #include "support/readText.h"
@@ -105,16 +106,16 @@ TEST_F(ReadFile, RefusesBinaryDataThatNoEndingNames)
     for (const std::string& text : faults) {
         const std::string path = write("rod.out", text);
         EXPECT_FALSE(read(path));
-        EXPECT_EQ(report.error, path + ": found binary data, expected a table or JSON");
+        EXPECT_EQ(report.error, path + ": found binary data, expected " + expectedFormats());
         EXPECT_FALSE(readAsStandardInput(text));
-        EXPECT_EQ(report.error, "standard input: found binary data, expected a table or JSON");
+        EXPECT_EQ(report.error, "standard input: found binary data, expected " + expectedFormats());
     }
 }
 
 TEST_F(ReadFile, StopsAtTheBeginningOfBinaryDataWithoutEnd)
 {
     EXPECT_FALSE(read("/dev/zero"));
-    EXPECT_EQ(report.error, "/dev/zero: found binary data, expected a table or JSON");
+    EXPECT_EQ(report.error, "/dev/zero: found binary data, expected " + expectedFormats());
 }
 
 TEST_F(ReadFile, ReadsAPipeByItsContent)
