@@ -55,18 +55,61 @@ Vector carried(const Vector& d2, const Vector& a, const Vector& ta, const Vector
     return madePerpendicular(result, tb);
 }
 
+/// The angle about the unit vector t, across both, that turns one d2 into another.
+double angleBetween(const Vector& from, const Vector& to, const Vector& t)
+{
+    return std::atan2(from.cross(to).dot(t), from.dot(to));
+}
+
+/// d2 and d3 of each point.
+struct Directions
+{
+    std::vector<Vector> d2, d3;
+};
+
+Directions transported(const std::vector<Vector>& points, bool closed)
+{
+    Directions frames;
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        const Vector tangent = tangentAt(points, i, closed);
+        frames.d2.push_back(i == 0 ? firstD2(tangent)
+                                   : carried(frames.d2.back(), points[i - 1], frames.d3.back(),
+                                             points[i], tangent));
+        frames.d3.push_back(tangent);
+    }
+    return frames;
+}
+
+/// Turns every d2 about its d3 by the share of the way that is behind it of what is missing at the
+/// end, where both ends have one tangent: so all edges turn by as little as can be.
+void close(Directions& frames, const std::vector<Vector>& points)
+{
+    const double missing = angleBetween(frames.d2.back(), frames.d2.front(), frames.d3.front());
+    std::vector<double> way = {0};
+    for (std::size_t i = 1; i < points.size(); ++i)
+        way.push_back(way.back() + (points[i] - points[i - 1]).getNorm());
+    for (std::size_t i = 1; i < points.size(); ++i) {
+        const double angle = missing * (way[i] / way.back());
+        const Vector &d2 = frames.d2[i], d1 = d2.cross(frames.d3[i]);
+        frames.d2[i] = d2 * std::cos(angle) - d1 * std::sin(angle);
+    }
+    frames.d2.back() = frames.d2.front();
+    frames.d3.back() = frames.d3.front();
+}
+
 } // namespace
 
 std::vector<algebra3d::Quaternion<double>> parallelTransport(const std::vector<Vector>& points)
 {
+    const bool closed = isClosed(points);
+    Directions frames = transported(points, closed);
+    // A rod there and back has opposite tangents at its ends.
+    if (closed && frames.d3.front().dot(frames.d3.back()) > 0)
+        close(frames, points);
     std::vector<algebra3d::Quaternion<double>> rotations;
     rotations.reserve(points.size());
-    const bool closed = isClosed(points);
-    Vector d2, d3;
     for (std::size_t i = 0; i < points.size(); ++i) {
-        const Vector tangent = tangentAt(points, i, closed);
-        d2 = i == 0 ? firstD2(tangent) : carried(d2, points[i - 1], d3, points[i], tangent);
-        d3 = tangent;
+        const Vector &d2 = frames.d2[i], &d3 = frames.d3[i];
         rotations.push_back(algebra3d::Matrix3<double>(d2.cross(d3), d2, d3).getQuaternion());
     }
     return rotations;

@@ -17,12 +17,17 @@ namespace strandview {
 /// to the point after, at the ends that of the end's edge. (Where the centreline turns
 /// back on itself and the two are one point, it is the direction of the edge that
 /// follows.) If the last point is the first one again, within smallestEdge(), both ends
-/// have the direction from the last but one to the second: no seam, but the last d2 may
-/// be the first one turned about d3.
+/// have the direction from the last but one to the second.
 ///
-/// d1 and d2 do not turn about d3 on their way along the centreline. The first d2 is
-/// the unit vector of z x d3, or y made perpendicular to d3 where d3 is nearly z or -z:
-/// in a plane of constant z, every d2 lies in that plane.
+/// d1 and d2 do not turn about d3 on their way along the centreline: they are carried from
+/// point to point by two reflections (W. Wang, B. Jüttler, D. Zheng, Y. Liu, Computation of
+/// rotation minimizing frames, ACM Trans. Graph. 27, 2008, 2:1-2:18). The first d2 is the unit
+/// vector of z x d3, or y made perpendicular to d3 where d3 is nearly z or -z: in a plane of
+/// constant z, every d2 lies in that plane.
+///
+/// Carried so around a closed centreline d2 comes back turned about d3 by some angle of at most
+/// half a turn. It is turned back by that, evenly along the length: the last frame is the first
+/// one, to the last bit. (Not where both ends lie on one edge: their tangents are opposite.)
 ///
 /// At least 2 points, and no two consecutive ones coincident (model/points.h).
 STRANDVIEW_ANALYSIS_EXPORT std::vector<algebra3d::Quaternion<double>>

@@ -2,6 +2,7 @@
 #include <strandview/formats/Collector.h>
 
 #include <algorithm>
+#include <numeric>
 #include <utility>
 
 #include <algebra3d/Matrix3.h>
@@ -58,6 +59,19 @@ void keep(std::vector<T>& values, const Indices& kept)
     values.resize(kept.size());
 }
 
+void keepPoints(Rod& rod, const Indices& kept)
+{
+    if (kept.size() < rod.points.size())
+        rod.indices = kept;
+    keep(rod.points, kept);
+    if (!rod.lines.empty())
+        keep(rod.lines, kept);
+    if (!rod.rotations.empty())
+        keep(rod.rotations, kept);
+    for (Scalar& scalar : rod.scalars)
+        keep(scalar.values, kept);
+}
+
 /// Whether d3 is the direction to the next point, by and large. Points in one place have
 /// none.
 bool followsPoints(const Rotations& rotations, const Points& points)
@@ -103,6 +117,24 @@ bool takeToPoints(std::vector<double>& values, const Points& points)
     return areOfElements;
 }
 
+/// Again at the end, with what belongs to it.
+void repeatFirstPoint(Rod& rod)
+{
+    rod.points.push_back(rod.points.front());
+    if (!rod.rotations.empty())
+        rod.rotations.push_back(rod.rotations.front());
+    for (Scalar& scalar : rod.scalars)
+        scalar.values.push_back(scalar.values.front());
+    if (!rod.lines.empty())
+        rod.lines.push_back(rod.lines.front());
+    if (rod.indices.empty()) {
+        rod.indices.resize(rod.points.size());
+        std::iota(rod.indices.begin(), rod.indices.end(), 0);
+        rod.indices.pop_back();
+    }
+    rod.indices.push_back(rod.indices.front());
+}
+
 bool isEmpty(const Configuration& configuration)
 {
     return configuration.rods.empty() && configuration.birods.empty() &&
@@ -112,6 +144,25 @@ bool isEmpty(const Configuration& configuration)
 }
 
 } // namespace
+
+/// By its points' own, or by what is said of it or of all; there and back is no closed curve.
+std::string Collector::close(Rod& rod, bool doEndsMeet)
+{
+    const std::size_t places = rod.points.size() - doEndsMeet;
+    const bool isSaid = rod.isClosed;
+    if (isSaid && places < 3)
+        return "found " + counted(places, "distinct point") +
+               ", expected at least 3 in a closed rod";
+    rod.isClosed = places > 2 && (doEndsMeet || isSaid || (closes && !rod.isBackbone));
+    if (!rod.isClosed)
+        return {};
+    closedRods += !doEndsMeet && !isSaid;
+    if (doEndsMeet)
+        rod.points.back() = rod.points.front();
+    else
+        repeatFirstPoint(rod);
+    return {};
+}
 
 std::string Collector::add(Rod rod)
 {
@@ -123,21 +174,19 @@ std::string Collector::add(Rod rod)
         return areEqual(rod.points) ? "found " + counted(kept.size(), "distinct point") +
                                           ", expected at least 2 in a rod"
                                     : FOUND_TOO_NEAR;
+    const bool doEndsMeet = isClosed(rod.points);
+    const std::size_t merged = rod.points.size() - kept.size();
+    keepPoints(rod, kept);
+    const std::string fault = close(rod, doEndsMeet);
+    if (!fault.empty())
+        return fault;
     rodsOfElements += hasElements;
-    mergedPoints += rod.points.size() - kept.size();
-    if (kept.size() < rod.points.size())
-        rod.indices = kept;
-    keep(rod.points, kept);
-    if (!rod.lines.empty())
-        keep(rod.lines, kept);
-    for (Scalar& scalar : rod.scalars)
-        keep(scalar.values, kept);
+    mergedPoints += merged;
     if (rod.rotations.empty()) {
         rod.rotations = parallelTransport(rod.points);
         rod.hasFrames = false;
         transportedRods += !rod.isBackbone; // which nobody expects to have any
     } else {
-        keep(rod.rotations, kept);
         strayingRods += !followsPoints(rod.rotations, rod.points);
     }
     configuration.rods.push_back(std::move(rod));
@@ -196,6 +245,10 @@ std::optional<Configuration> Collector::finish(const std::string& fileName, cons
         return "whose d3 does not follow the " + points +
                ": is d3 the tangent (quaternions: scalar last; directors: d1, d2, d3)?";
     };
+    notice(closedRods, "rod", "closed: the ends were apart");
+    if (closes && closedRods == 0 && !configuration.rods.empty())
+        report.notices.push_back(fileName +
+                                 ": --closed has no effect: found no rod whose ends are apart");
     notice(transportedRods, "rod",
            "without frames: made by parallel transport, for a ribbon where one is asked for "
            "(--ribbon)");

@@ -19,6 +19,10 @@ namespace strandview {
 class STRANDVIEW_FORMATS_EXPORT Collector
 {
 public:
+    Collector() = default;
+    /// Closes rods as ReadOptions::close asks for, but backbones of DNA.
+    explicit Collector(const ReadOptions& options) : closes(options.close) {}
+
     /// The rotations may be missing altogether. They, and each of the scalars, may be one
     /// fewer than the points: then they belong to the elements between the points, and are
     /// taken to the points by the rules of elements.h.
@@ -27,6 +31,11 @@ public:
     /// is left out, with its rotation and scalars; at least two must be left. Missing
     /// rotations come by parallel transport; of given ones a notice tells if d3 does not
     /// follow the points.
+    ///
+    /// A rod of at least three places whose last point is the first one again (model/points.h) is
+    /// closed, and gets the first point there exactly. To one that is said to be closed, and to any
+    /// whose ends are apart if all are to be closed, the first point is added at the end, with its
+    /// rotation and scalars.
     std::string add(Rod rod);
 
     /// Rotations may be of elements, and points are left out, as of a rod: where any of the three
@@ -48,7 +57,11 @@ public:
                                         ReadReport& report);
 
 private:
+    std::string close(Rod& rod, bool doEndsMeet);
+
+    bool closes = false;
     Configuration configuration;
+    std::size_t closedRods = 0;
     std::size_t mergedPoints = 0;
     std::size_t transportedRods = 0;
     std::size_t rodsOfElements = 0;

@@ -7,8 +7,8 @@
 
 namespace strandview {
 
-FileSeries::FileSeries(std::vector<std::string> paths, bool shallNormalise)
-    : files(std::move(paths)), normalise(shallNormalise)
+FileSeries::FileSeries(std::vector<std::string> paths, ReadOptions readOptions)
+    : files(std::move(paths)), options(std::move(readOptions))
 {}
 
 std::size_t FileSeries::count() const { return files.size(); }
@@ -16,7 +16,9 @@ std::size_t FileSeries::count() const { return files.size(); }
 LoadedFrame FileSeries::loadFrame(std::size_t frame, const GoOn& goOn)
 {
     ReadReport report;
-    std::optional<Configuration> read = readFile(files[frame], {normalise, goOn}, report);
+    options.goOn = goOn;
+    std::optional<Configuration> read = readFile(files[frame], options, report);
+    options.goOn = {};
     return {std::move(read), std::move(report.notices), std::move(report.error)};
 }
 

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include <strandview/formats/ReadReport.h>
 #include <strandview/formatsExport.h>
 #include <strandview/model/Series.h>
 
@@ -16,8 +17,8 @@ namespace strandview {
 class STRANDVIEW_FORMATS_EXPORT FileSeries : public Series
 {
 public:
-    /// `shallNormalise` is ReadOptions::normalise.
-    explicit FileSeries(std::vector<std::string> paths, bool shallNormalise = false);
+    /// The options hold for every file, but for goOn, which load() has.
+    explicit FileSeries(std::vector<std::string> paths, ReadOptions readOptions = {});
 
     std::size_t count() const override;
 
@@ -25,7 +26,7 @@ private:
     LoadedFrame loadFrame(std::size_t frame, const GoOn& goOn) override;
 
     std::vector<std::string> files;
-    bool normalise;
+    ReadOptions options;
 };
 
 } // namespace strandview

@@ -282,7 +282,8 @@ public:
           options(readOptions),
           report(readReport),
           milestones(readOptions, wholeText.size()),
-          place(wholeText.data())
+          place(wholeText.data()),
+          collector(readOptions)
     {}
 
     std::optional<Configuration> read()

@@ -242,7 +242,8 @@ public:
           fileName(tableName),
           options(readOptions),
           report(readReport),
-          milestones(readOptions, text.size())
+          milestones(readOptions, text.size()),
+          collector(readOptions)
     {}
 
     std::optional<Configuration> read()

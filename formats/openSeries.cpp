@@ -17,7 +17,7 @@ std::unique_ptr<Series> openSeries(const std::vector<std::string>& paths,
     if (paths.empty())
         return nullptr;
     if (paths.size() > 1)
-        return std::make_unique<FileSeries>(paths, options.normalise);
+        return std::make_unique<FileSeries>(paths, options);
     std::unique_ptr<Source> source = Source::open(paths.front(), report);
     const Format* const format = source ? formatOf(*source, options, report) : nullptr;
     return format ? openSeries(std::move(source), *format, options, report) : nullptr;

@@ -20,7 +20,7 @@ class Source;
 ///
 /// The series is the caller's, and keeps what it reads from. Null and report.error if a single
 /// file cannot be opened, or if there is none; several are not looked at before they are
-/// loaded. options.normalise holds for every frame, options.goOn is asked until this returns.
+/// loaded. The options hold for every frame, but for goOn, which is asked until this returns.
 /// May be called from any thread.
 STRANDVIEW_FORMATS_EXPORT std::unique_ptr<Series>
 openSeries(const std::vector<std::string>& paths, const ReadOptions& options, ReadReport& report);

@@ -323,6 +323,8 @@ void addFiles(CLI::App& app, Options& options)
     addInfo(app, render, options);
     app.add_flag("--normalise", options.normalise,
                  "Accept quaternions and directors that are not unit and normalise them");
+    app.add_flag("--closed", options.closed,
+                 "Close every rod whose ends are apart by one more element [what files close]");
 }
 
 void addLook(CLI::App& app, Options& options)

@@ -27,6 +27,7 @@ struct Options
     std::vector<std::string> files;
     std::vector<std::string> given; ///< every option of the command line, such as "--radius"
     bool normalise = false;
+    bool closed = false; ///< every rod, ReadOptions::close
 
     /// What was found is told on standard output, for people or as JSON; nothing is shown.
     bool info = false;

@@ -33,8 +33,9 @@ std::string readingText(const std::vector<std::string>& files, std::size_t index
 }
 
 // Nothing after the first file that cannot be read.
-std::optional<Configuration> readFiles(const std::vector<std::string>& files, bool normalise,
-                                       ReadReport& report, Progress& progress)
+std::optional<Configuration> readFiles(const std::vector<std::string>& files,
+                                       const Options& options, ReadReport& report,
+                                       Progress& progress)
 {
     Configuration all;
     for (std::size_t i = 0; i < files.size(); ++i) {
@@ -43,7 +44,8 @@ std::optional<Configuration> readFiles(const std::vector<std::string>& files, bo
             progress.show(readingText(files, i, share));
             return !progress.isStopped();
         };
-        std::optional<Configuration> read = readFile(files[i], {normalise, goOn}, report);
+        std::optional<Configuration> read =
+            readFile(files[i], {options.normalise, goOn, options.closed}, report);
         if (!read)
             return std::nullopt;
         append(all, std::move(*read));
@@ -63,8 +65,7 @@ struct Prepared
 std::shared_ptr<Prepared> prepare(const std::vector<std::string>& files, const Options& options,
                                   ReadReport& report, Progress& progress)
 {
-    std::optional<Configuration> configuration =
-        readFiles(files, options.normalise, report, progress);
+    std::optional<Configuration> configuration = readFiles(files, options, report, progress);
     if (!configuration)
         return nullptr;
     report.error = checkLengths(options, *configuration);

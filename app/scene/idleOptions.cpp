@@ -15,6 +15,7 @@ struct Shown
     Shown(const Options& options, const Configuration& data)
         : dna(!data.dnas.empty()),
           rods(!data.rods.empty() || !data.birods.empty()),
+          curves(haveCurves(data.rods)),
           tubes(rods && options.showTube),
           ribbons(rods && options.showRibbon.value_or(true)),
           frames(dna || !data.birods.empty() || !data.frames.empty() || haveFrames(data.rods)),
@@ -26,7 +27,15 @@ struct Shown
         return std::any_of(rods.begin(), rods.end(), [](const Rod& rod) { return rod.hasFrames; });
     }
 
-    bool dna, rods, tubes, ribbons, frames;
+    static bool haveCurves(const std::vector<Rod>& rods)
+    {
+        return std::any_of(rods.begin(), rods.end(),
+                           [](const Rod& rod) { return !rod.isBackbone; });
+    }
+
+    bool dna, rods;
+    bool curves; ///< rods that are no strands
+    bool tubes, ribbons, frames;
     bool background; ///< the legend is drawn in a colour that suits it
 };
 
@@ -55,6 +64,7 @@ const Rule RULES[] = {{"--dna", &Shown::dna, "found no DNA"},
                       {"--two-sided", &Shown::rods, "found no rods"},
                       {"--two-sided", &Shown::ribbons, "--no-ribbon hides the ribbons"},
                       {"--normalise", &Shown::frames, "found no frames"},
+                      {"--closed", &Shown::curves, "found no rods"},
                       {"--background", &Shown::background, "--transparent leaves it out"}};
 
 // As it stands on the command line.

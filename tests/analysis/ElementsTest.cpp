@@ -77,4 +77,20 @@ TEST(Elements, TheSignAndTheNormOfAQuaternionDoNotMatter)
     expectAnglesAboutZ(rotationsAtPoints({aboutZ(0.2), opposite}, false), {0, 0.4, 0.8});
 }
 
+TEST(Elements, AnySignsOfNeighboursGiveTheSameRotations)
+{
+    for (int signs = 0; signs < 16; ++signs) {
+        SCOPED_TRACE(signs);
+        std::vector<Quaternion> elements;
+        for (int i = 0; i < 4; ++i) {
+            Quaternion q = aboutZ(0.2 * i * i);
+            if (signs >> i & 1)
+                q = Quaternion(-q[0], -q[1], -q[2], -q[3]);
+            elements.push_back(q);
+        }
+        expectAnglesAboutZ(rotationsAtPoints(elements, false), {-0.1, 0.1, 0.5, 1.3, 2.3});
+        expectAnglesAboutZ(rotationsAtPoints(elements, true), {0.9, 0.1, 0.5, 1.3, 0.9});
+    }
+}
+
 } // namespace strandview

@@ -103,6 +103,79 @@ TEST(ParallelTransport, TheEndsOfAClosedRodHaveOneTangent)
     expectNear(closed.back().getColumn(2), across);
 }
 
+namespace {
+
+/// A closed curve that bends and twists: around the z axis once, up and down `waves` times.
+std::vector<Vector> wavyRing(int count, int waves, double height)
+{
+    std::vector<Vector> points;
+    for (int i = 0; i < count; ++i) {
+        const double angle = 2 * std::acos(-1.0) * i / count;
+        points.emplace_back(std::cos(angle), std::sin(angle) * (1 + 0.2 * std::cos(angle)),
+                            height * std::sin(waves * angle + 0.3));
+    }
+    points.push_back(points.front());
+    return points;
+}
+
+/// By how much d2 turns about d3 from one point to the next, against d2 carried by reflections.
+double turnOf(const Matrix& from, const Matrix& to, const Vector& edge)
+{
+    const auto reflected = [](const Vector& v, const Vector& n) {
+        return v - n * (2 * n.dot(v) / n.dot(n));
+    };
+    const Vector d3 = to.getColumn(2);
+    const Vector second = d3 - reflected(from.getColumn(2), edge);
+    const Vector carried = reflected(reflected(from.getColumn(1), edge), second);
+    return std::atan2(carried.cross(to.getColumn(1)).dot(d3), carried.dot(to.getColumn(1)));
+}
+
+} // namespace
+
+TEST(ParallelTransport, TheLastFrameOfAClosedRodIsTheFirstToTheLastBit)
+{
+    for (const int waves : {1, 2, 3, 5}) {
+        const auto rotations = parallelTransport(wavyRing(101, waves, 0.7));
+        for (int i = 0; i < 4; ++i)
+            EXPECT_EQ(rotations.back()[i], rotations.front()[i]) << waves;
+    }
+}
+
+TEST(ParallelTransport, WhatIsMissingToCloseIsSpreadAlongTheLength)
+{
+    std::vector<Vector> points = wavyRing(201, 3, 0.7);
+    points.erase(points.begin() + 20, points.begin() + 24); // one edge is five times as long
+    const auto frames = framesAlong(points);
+    double length = 0, sum = 0;
+    for (std::size_t i = 0; i + 1 < points.size(); ++i)
+        length += (points[i + 1] - points[i]).getNorm();
+    const double perLength =
+        turnOf(frames[0], frames[1], points[1] - points[0]) / (points[1] - points[0]).getNorm();
+    EXPECT_GT(std::abs(perLength * length), 0.5) << "something is missing";
+    EXPECT_LE(std::abs(perLength * length), std::acos(-1.0)) << "the shorter way";
+    for (std::size_t i = 0; i + 1 < points.size(); ++i) {
+        const Vector edge = points[i + 1] - points[i];
+        const double turn = turnOf(frames[i], frames[i + 1], edge);
+        EXPECT_NEAR(turn, perLength * edge.getNorm(), 1e-10) << i;
+        sum += turn;
+    }
+    EXPECT_NEAR(sum, perLength * length, 1e-9);
+}
+
+TEST(ParallelTransport, AClosedRodInAPlaneStaysAsItWas)
+{
+    // Nothing is missing: no frame is turned.
+    for (const Matrix& frame : framesAlong(wavyRing(60, 2, 0)))
+        expectNear(frame.getColumn(0), {0, 0, -1});
+}
+
+TEST(ParallelTransport, ARodThereAndBackDoesNotClose)
+{
+    const auto frames = framesAlong({{0, 0, 0}, {1, 0, 0}, {0, 0, 0}});
+    expectNear(frames.front().getColumn(2), {1, 0, 0});
+    expectNear(frames.back().getColumn(2), {-1, 0, 0});
+}
+
 TEST(ParallelTransport, WhereTheRodTurnsBackTheTangentIsThatOfTheEdgeAfter)
 {
     const auto frames = framesAlong({{0, 0, 0}, {1, 0, 0}, {0, 0, 0}, {0, 1, 0}});

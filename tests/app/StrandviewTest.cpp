@@ -894,10 +894,10 @@ TEST_F(StrandviewTest, HelpAndVersionGoToStandardOutput)
     EXPECT_EQ(help.status, 0);
     EXPECT_EQ(help.error, "");
     for (const char* option :
-         {"--render", "--size", "--radius", "--ribbon-width", "--slices", "--subsegments",
-          "--no-tube", "--no-ribbon", "--tube-colour", "--ribbon-colour", "--background",
-          "--normalise", "--samples", "--transparent", "--view", "--perspective", "--camera",
-          "--print-camera", "--screenshot-after"})
+         {"--render",      "--size",        "--radius",    "--ribbon-width", "--slices",
+          "--subsegments", "--no-tube",     "--no-ribbon", "--tube-colour",  "--ribbon-colour",
+          "--background",  "--normalise",   "--closed",    "--samples",      "--transparent",
+          "--view",        "--perspective", "--camera",    "--print-camera", "--screenshot-after"})
         EXPECT_THAT(help.output, HasSubstr(option));
 
     const ProgramRun version = run({"--version"});
@@ -1012,6 +1012,16 @@ INSTANTIATE_TEST_SUITE_P(
                  "0 0 0\n0 0 1\n",
                  {BARE_NOTICE, "--normalise has no effect: found no frames"}},
         IdleCall{"NormaliseWithFrames", {"--normalise"}, FRAMED, {}},
+        IdleCall{"ClosedOfDna", {"--closed"}, PAIR, {"--closed has no effect: found no rods"}},
+        IdleCall{"ClosedOfAClosedRod",
+                 {"--closed"},
+                 "0 0 0\n1 0 0\n0 1 0\n0 0 0\n",
+                 {"standard input: --closed has no effect: found no rod whose ends are apart",
+                  BARE_NOTICE}},
+        IdleCall{"ClosedOfAnOpenRod",
+                 {"--closed"},
+                 "0 0 0\n1 0 0\n0 1 0\n",
+                 {"standard input: 1 rod closed: the ends were apart", BARE_NOTICE}},
         IdleCall{"BackgroundThatIsLeftOut",
                  {"--transparent", "--background", "red"},
                  FRAMED,

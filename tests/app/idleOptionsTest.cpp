@@ -39,6 +39,7 @@ TEST(IdleOptions, AreNoneWhereEachHasSomethingToActOn)
         findIdleOptions(given({"--radius", "--ribbon-width", "--normalise", "--render"}), rods()),
         IsEmpty());
     EXPECT_THAT(findIdleOptions(given({"--dna", "--dna-unit", "--normalise"}), dna()), IsEmpty());
+    EXPECT_THAT(findIdleOptions(given({"--closed"}), rods(false)), IsEmpty());
 }
 
 TEST(IdleOptions, AreToldInTheirOrderWithTheReason)
@@ -48,6 +49,15 @@ TEST(IdleOptions, AreToldInTheirOrderWithTheReason)
         ElementsAre("--dna-unit has no effect: found no DNA", "--dna has no effect: found no DNA"));
     EXPECT_THAT(findIdleOptions(given({"--slices"}), dna()),
                 ElementsAre("--slices has no effect: found no rods"));
+}
+
+TEST(IdleOptions, ClosingNeedsRodsThatAreNoStrandsOfDna)
+{
+    Configuration strands = rods();
+    strands.rods[0].isBackbone = true;
+    for (const Configuration& data : {dna(), strands})
+        EXPECT_THAT(findIdleOptions(given({"--closed"}), data),
+                    ElementsAre("--closed has no effect: found no rods"));
 }
 
 TEST(IdleOptions, AreThoseOfWhatAnotherOptionHides)

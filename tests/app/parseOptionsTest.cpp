@@ -68,6 +68,13 @@ TEST(ParseOptions, WhatIsNotGivenIsLeftToTheData)
     EXPECT_TRUE(options.showTube);
 }
 
+TEST(ParseOptions, FlagsOfReadingAreOffUnlessGiven)
+{
+    const Options none = accepted({"rod.txt"}), both = accepted({"--closed", "--normalize", "a"});
+    EXPECT_FALSE(none.closed || none.normalise);
+    EXPECT_TRUE(both.closed && both.normalise);
+}
+
 TEST(ParseOptions, LengthsCountsAndColoursAreTaken)
 {
     const Options options = accepted({"--radius", "0.25", "--ribbon-width=2", "--slices", "12",

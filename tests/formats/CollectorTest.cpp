@@ -127,6 +127,155 @@ TEST(Collector, RefusesARodWithoutTwoPlaces)
               "are apart");
 }
 
+// ---- Closed rods
+
+namespace {
+
+/// Three corners, and a fourth point so far from the first.
+Rod triangle(double gap)
+{
+    Rod rod;
+    rod.points = {Vector(0, 0, 0), Vector(1, 0, 0), Vector(0, 1, 0), Vector(0, gap, 0)};
+    return rod;
+}
+
+Rod saidToBeClosed(Rod rod)
+{
+    rod.isClosed = true;
+    return rod;
+}
+
+Collected collectClosing(Rod rod)
+{
+    ReadOptions options;
+    options.close = true;
+    Collected result;
+    Collector collector(options);
+    result.fault = collector.add(std::move(rod));
+    result.configuration = collector.finish("file", "rod", result.report);
+    return result;
+}
+
+void expectSame(const Quaternion& a, const Quaternion& b)
+{
+    for (int i = 0; i < 4; ++i)
+        EXPECT_EQ(a[i], b[i]);
+}
+
+} // namespace
+
+TEST(Collector, ARodWhoseLastPointIsTheFirstAgainIsClosedExactly)
+{
+    // The mean edge is about 1, so points nearer than 1e-5 are one.
+    for (const double gap : {0.0, 9e-6}) {
+        const Collected result = collect(triangle(gap));
+        ASSERT_TRUE(result.configuration);
+        const Rod& rod = result.configuration->rods[0];
+        EXPECT_TRUE(rod.isClosed);
+        EXPECT_EQ(numbersOf(rod.points), Points({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 0}}));
+        expectSame(rod.rotations.front(), rod.rotations.back());
+        EXPECT_THAT(rod.indices, IsEmpty());
+        EXPECT_THAT(result.report.notices, ElementsAre(HasSubstr("without frames")));
+    }
+    EXPECT_FALSE(collect(triangle(2e-5)).configuration->rods[0].isClosed);
+}
+
+TEST(Collector, ThereAndBackIsNotClosed)
+{
+    Rod rod;
+    rod.points = {Vector(0, 0, 0), Vector(1, 0, 0), Vector(0, 0, 0)};
+    EXPECT_FALSE(collect(rod).configuration->rods[0].isClosed);
+    EXPECT_EQ(collect(saidToBeClosed(rod)).fault,
+              "found 2 distinct points, expected at least 3 in a closed rod");
+}
+
+TEST(Collector, ARodSaidToBeClosedGetsTheFirstPointAgainWithAllThatBelongsToIt)
+{
+    Rod rod = saidToBeClosed(triangle(0.5));
+    for (std::size_t i = 0; i < 4; ++i) {
+        rod.rotations.emplace_back(0, 0, std::sin(0.1 * i), std::cos(0.1 * i));
+        rod.lines.push_back(10 + i);
+    }
+    rod.scalars = {{"a", {3, 4, 5, 6}}};
+    const Collected result = collect(rod);
+    ASSERT_TRUE(result.configuration) << result.fault;
+    const Rod& closed = result.configuration->rods[0];
+    EXPECT_TRUE(closed.isClosed);
+    EXPECT_EQ(numbersOf(closed.points),
+              Points({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0.5, 0}, {0, 0, 0}}));
+    EXPECT_THAT(closed.lines, ElementsAre(10, 11, 12, 13, 10));
+    EXPECT_THAT(closed.indices, ElementsAre(0, 1, 2, 3, 0));
+    EXPECT_THAT(closed.scalars[0].values, ElementsAre(3, 4, 5, 6, 3));
+    ASSERT_EQ(closed.rotations.size(), 5u);
+    expectSame(closed.rotations.back(), closed.rotations.front());
+    EXPECT_EQ(result.report.notices.size(), 1u) << "about d3: nothing of the closing";
+}
+
+TEST(Collector, OneSaidToBeClosedThatRepeatsItsFirstPointIsAsItIs)
+{
+    const Collected result = collect(saidToBeClosed(triangle(0)));
+    EXPECT_EQ(result.configuration->rods[0].points.size(), 4u);
+    EXPECT_TRUE(result.configuration->rods[0].isClosed);
+}
+
+TEST(Collector, FramesThatAreGivenAndDoNotCloseStayAsTheyAre)
+{
+    Rod rod = triangle(0);
+    for (std::size_t i = 0; i < 4; ++i)
+        rod.rotations.emplace_back(0, 0, std::sin(0.1 * i), std::cos(0.1 * i));
+    const Collected result = collect(rod);
+    EXPECT_TRUE(result.configuration->rods[0].isClosed);
+    expectSame(result.configuration->rods[0].rotations.back(), rod.rotations.back());
+}
+
+TEST(Collector, ClosesAllWhoseEndsAreApartWhereItIsToldToAndSaysHowMany)
+{
+    ReadOptions options;
+    options.close = true;
+    Collector collector(options);
+    Rod backbone = triangle(0.5);
+    backbone.isBackbone = true;
+    for (const Rod& rod : {triangle(0.5), triangle(0), straightRod({1}), backbone, triangle(0.2),
+                           saidToBeClosed(triangle(0.3))})
+        EXPECT_EQ(collector.add(rod), "");
+    ReadReport report;
+    const auto read = collector.finish("file", "rod", report);
+    ASSERT_TRUE(read);
+    std::vector<bool> areClosed;
+    std::vector<std::size_t> counts;
+    for (const Rod& rod : read->rods) {
+        areClosed.push_back(rod.isClosed);
+        counts.push_back(rod.points.size());
+    }
+    EXPECT_THAT(areClosed, ElementsAre(true, true, false, false, true, true));
+    EXPECT_THAT(counts, ElementsAre(5, 4, 2, 4, 5, 5));
+    EXPECT_EQ(report.notices.at(0), "file: 2 rods closed: the ends were apart");
+}
+
+TEST(Collector, SaysWhereThereIsNothingToClose)
+{
+    EXPECT_EQ(collectClosing(triangle(0)).report.notices.at(0),
+              "file: --closed has no effect: found no rod whose ends are apart");
+    // Of two places none can be closed, and none gets a point more.
+    Rod rod;
+    rod.points = {Vector(0, 0, 0), Vector(1, 0, 0), Vector(1, 0, 0)};
+    const Collected result = collectClosing(rod);
+    EXPECT_EQ(result.configuration->rods[0].points.size(), 2u);
+    EXPECT_FALSE(result.configuration->rods[0].isClosed);
+    EXPECT_EQ(result.report.notices.at(0), "file: --closed has no effect: found no rod whose ends are apart");
+}
+
+TEST(Collector, PointsLeftOutDoNotOpenAClosedRod)
+{
+    Rod rod = triangle(5e-6); // one with the first, and with the next one
+    rod.points.emplace_back(0, 0, 0);
+    const Collected result = collect(rod);
+    const Rod& closed = result.configuration->rods[0];
+    EXPECT_TRUE(closed.isClosed);
+    EXPECT_EQ(numbersOf(closed.points), Points({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 0}}));
+    EXPECT_THAT(closed.indices, ElementsAre(0, 1, 2, 3));
+}
+
 // ---- Birods: each of the three curves has a tolerance of its own
 
 /// The three curves of a birod, in an order of their own.

@@ -61,7 +61,7 @@ TEST_F(FileSeriesTest, NormalisesWhereItIsToldTo)
 {
     const std::string path = folder.write("a.txt", "0 0 0 0 0 0 2\n0 0 1 0 0 0 2\n");
     EXPECT_THAT(FileSeries({path}).load(0).error, HasSubstr("a quaternion of norm 2"));
-    const LoadedFrame loaded = FileSeries({path}, true).load(0);
+    const LoadedFrame loaded = FileSeries({path}, {true}).load(0);
     ASSERT_TRUE(loaded.configuration) << loaded.error;
     EXPECT_EQ(loaded.configuration->rods[0].rotations[0][3], 1);
 }
