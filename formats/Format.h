@@ -37,7 +37,8 @@ struct Format
     /// Whether bytes can be one, by the first 64 KiB, or by all where there are fewer.
     Likeness (*recognises)(std::string_view beginning);
 
-    /// A configuration, of a series its first frame; nothing and report.error if that fails.
+    /// A configuration, of a series its first frame, with their number in report.frames; nothing
+    /// and report.error if that fails.
     std::optional<Configuration> (*read)(Source& source, const ReadOptions& options,
                                          ReadReport& report);
 

@@ -19,6 +19,7 @@
 #include <strandview/formats/checks.h>
 #include <strandview/formats/directors.h>
 #include <strandview/formats/text/wording.h>
+#include <strandview/model/MemorySeries.h>
 
 namespace strandview {
 
@@ -28,6 +29,10 @@ namespace {
 enum class Place {
     FILE,
     VERSION,
+    LISTS, ///< of what is shown: those of a file, or of each frame of a series
+    SERIES,
+    STEP, ///< a frame of a series
+    TIME,
     RODS,
     ROD,
     BIRODS,
@@ -45,8 +50,16 @@ enum class Place {
     FRAME,
     ARROWS,
     ARROW,
+    BASES,
+    BASE,
+    LETTER,
     LENGTH,
     COLOUR,
+    NAME,
+    CLOSED,
+    BACKBONE,
+    MOLECULE,
+    FRAMES_OF_ROD,
     POINTS,
     POINT,
     QUATERNIONS,
@@ -59,7 +72,7 @@ enum class Place {
     NUMBER
 };
 
-enum class Kind { OBJECT, ARRAY, NUMBER, TEXT };
+enum class Kind { OBJECT, ARRAY, NUMBER, TEXT, BOOLEAN };
 
 /// What a place holds.
 struct Rule
@@ -69,17 +82,27 @@ struct Rule
     const char* expected;
 };
 
+constexpr char EXPECTED_LETTER[] = "A, C, G, T or N"; // model/Dna.h
+
 constexpr Rule RULES[] = {
-    /* file */ {Kind::OBJECT, Place::FILE,
-                "an object with strandview and rods, birods, dna, markers, frames or arrows"},
+    /* file */ {
+        Kind::OBJECT, Place::FILE,
+        "an object with strandview and rods, birods, dna, markers, frames, arrows, bases or "
+        "series"},
     /* version */ {Kind::NUMBER, Place::VERSION, "1"},
+    /* lists */ {Kind::OBJECT, Place::LISTS, "an object of lists"},
+    /* series */ {Kind::ARRAY, Place::STEP, "an array of frames"},
+    /* step */
+    {Kind::OBJECT, Place::STEP,
+     "an object with rods, birods, dna, markers, frames, arrows or bases"},
+    /* time */ {Kind::NUMBER, Place::TIME, EXPECTED_NUMBER},
     /* rods */ {Kind::ARRAY, Place::ROD, "an array of rods"},
     /* rod */ {Kind::OBJECT, Place::ROD, "an object with points"},
     /* birods */ {Kind::ARRAY, Place::BIROD, "an array of birods"},
     /* birod */ {Kind::OBJECT, Place::BIROD, "an object with average, strand1 and strand2"},
     /* dnas */ {Kind::ARRAY, Place::DNA, "an array of DNA"},
     /* dna */ {Kind::OBJECT, Place::DNA, "an object with sequence, pairs, strand1 and strand2"},
-    /* sequence */ {Kind::TEXT, Place::SEQUENCE, "a string of A, C, G and T"},
+    /* sequence */ {Kind::TEXT, Place::SEQUENCE, "a string of A, C, G, T and N, or null"},
     /* strand */ {Kind::OBJECT, Place::STRAND, "an object with points and quaternions"},
     /* markers */ {Kind::ARRAY, Place::MARKER, "an array of markers"},
     /* marker */ {Kind::OBJECT, Place::MARKER, "an object with point"},
@@ -90,8 +113,16 @@ constexpr Rule RULES[] = {
     /* frame */ {Kind::OBJECT, Place::FRAME, "an object with point and quaternion"},
     /* arrows */ {Kind::ARRAY, Place::ARROW, "an array of arrows"},
     /* arrow */ {Kind::OBJECT, Place::ARROW, "an object with from and to"},
+    /* bases */ {Kind::ARRAY, Place::BASE, "an array of bases"},
+    /* base */ {Kind::OBJECT, Place::BASE, "an object with base, point and quaternion"},
+    /* letter */ {Kind::TEXT, Place::LETTER, EXPECTED_LETTER},
     /* length */ {Kind::NUMBER, Place::LENGTH, "a number above 0 and up to 1e18"},
     /* colour */ {Kind::TEXT, Place::COLOUR, "a colour: #rrggbb or an SVG name"},
+    /* name */ {Kind::TEXT, Place::NAME, "a string"},
+    /* closed */ {Kind::BOOLEAN, Place::CLOSED, "true or false"},
+    /* backbone */ {Kind::BOOLEAN, Place::BACKBONE, "true or false"},
+    /* molecule */ {Kind::NUMBER, Place::MOLECULE, "a whole number from 1 to 9007199254740992"},
+    /* framesOfRod */ {Kind::TEXT, Place::FRAMES_OF_ROD, "given or made"},
     /* points */ {Kind::ARRAY, Place::POINT, "an array of points"},
     /* point */ {Kind::ARRAY, Place::NUMBER, "an array of 3 numbers"},
     /* quaternions */ {Kind::ARRAY, Place::QUATERNION, "an array of quaternions"},
@@ -119,16 +150,26 @@ struct Member
 
 constexpr Member MEMBERS[] = {
     {Place::FILE, "strandview", Place::VERSION, Need::REQUIRED},
-    {Place::FILE, "rods", Place::RODS, Need::OPTIONAL},
-    {Place::FILE, "birods", Place::BIRODS, Need::OPTIONAL},
-    {Place::FILE, "dna", Place::DNAS, Need::OPTIONAL},
-    {Place::FILE, "markers", Place::MARKERS, Need::OPTIONAL},
-    {Place::FILE, "frames", Place::FRAMES, Need::OPTIONAL},
-    {Place::FILE, "arrows", Place::ARROWS, Need::OPTIONAL},
+    {Place::FILE, "series", Place::SERIES, Need::OPTIONAL},
+    {Place::STEP, "time", Place::TIME, Need::OPTIONAL},
+    {Place::LISTS, "rods", Place::RODS, Need::OPTIONAL},
+    {Place::LISTS, "birods", Place::BIRODS, Need::OPTIONAL},
+    {Place::LISTS, "dna", Place::DNAS, Need::OPTIONAL},
+    {Place::LISTS, "markers", Place::MARKERS, Need::OPTIONAL},
+    {Place::LISTS, "frames", Place::FRAMES, Need::OPTIONAL},
+    {Place::LISTS, "arrows", Place::ARROWS, Need::OPTIONAL},
+    {Place::LISTS, "bases", Place::BASES, Need::OPTIONAL},
     {Place::ROD, "points", Place::POINTS, Need::REQUIRED},
     {Place::ROD, "quaternions", Place::QUATERNIONS, Need::OPTIONAL},
     {Place::ROD, "directors", Place::DIRECTORS_OF_ALL, Need::OPTIONAL},
     {Place::ROD, "scalars", Place::SCALARS, Need::OPTIONAL},
+    {Place::ROD, "closed", Place::CLOSED, Need::OPTIONAL},
+    {Place::ROD, "name", Place::NAME, Need::OPTIONAL},
+    {Place::ROD, "colour", Place::COLOUR, Need::OPTIONAL},
+    {Place::ROD, "radius", Place::LENGTH, Need::OPTIONAL},
+    {Place::ROD, "backbone", Place::BACKBONE, Need::OPTIONAL},
+    {Place::ROD, "molecule", Place::MOLECULE, Need::OPTIONAL},
+    {Place::ROD, "frames", Place::FRAMES_OF_ROD, Need::OPTIONAL},
     {Place::BIROD, "average", Place::STRAND, Need::REQUIRED},
     {Place::BIROD, "strand1", Place::STRAND, Need::REQUIRED},
     {Place::BIROD, "strand2", Place::STRAND, Need::REQUIRED},
@@ -136,6 +177,9 @@ constexpr Member MEMBERS[] = {
     {Place::DNA, "pairs", Place::STRAND, Need::REQUIRED},
     {Place::DNA, "strand1", Place::STRAND, Need::OPTIONAL},
     {Place::DNA, "strand2", Place::STRAND, Need::OPTIONAL},
+    {Place::DNA, "closed", Place::CLOSED, Need::OPTIONAL},
+    {Place::DNA, "name", Place::NAME, Need::OPTIONAL},
+    {Place::DNA, "molecule", Place::MOLECULE, Need::OPTIONAL},
     {Place::STRAND, "points", Place::POINTS, Need::REQUIRED},
     {Place::STRAND, "quaternions", Place::QUATERNIONS, Need::OPTIONAL},
     {Place::STRAND, "directors", Place::DIRECTORS_OF_ALL, Need::OPTIONAL},
@@ -153,12 +197,23 @@ constexpr Member MEMBERS[] = {
     {Place::ARROW, "to", Place::POINT, Need::REQUIRED},
     {Place::ARROW, "radius", Place::LENGTH, Need::OPTIONAL},
     {Place::ARROW, "colour", Place::COLOUR, Need::OPTIONAL},
+    {Place::BASE, "base", Place::LETTER, Need::REQUIRED},
+    {Place::BASE, "point", Place::POINT, Need::REQUIRED},
+    {Place::BASE, "quaternion", Place::QUATERNION, Need::OPTIONAL},
+    {Place::BASE, "directors", Place::DIRECTORS, Need::OPTIONAL},
+    {Place::BASE, "molecule", Place::MOLECULE, Need::OPTIONAL},
 };
+
+bool isOf(const Member& member, Place owner)
+{
+    return member.owner == owner ||
+           (member.owner == Place::LISTS && (owner == Place::FILE || owner == Place::STEP));
+}
 
 const Member* findMember(Place owner, const std::string& key)
 {
     for (const Member& member : MEMBERS)
-        if (member.owner == owner && member.key == key)
+        if (isOf(member, owner) && member.key == key)
             return &member;
     return nullptr;
 }
@@ -167,7 +222,7 @@ std::string keysOf(Place owner)
 {
     std::string keys;
     for (const Member& member : MEMBERS)
-        if (member.owner == owner)
+        if (isOf(member, owner))
             keys += (keys.empty() ? "" : ", ") + std::string(member.key);
     return keys;
 }
@@ -175,6 +230,14 @@ std::string keysOf(Place owner)
 constexpr std::pair<const char*, Marker::Shape> SHAPES[] = {{"sphere", Marker::Shape::SPHERE},
                                                             {"cube", Marker::Shape::CUBE},
                                                             {"cross", Marker::Shape::CROSS}};
+
+/// Far more than there are, and exact in the double precision that other programs read.
+constexpr std::int64_t LARGEST_MOLECULE = std::int64_t(1) << 53;
+
+std::optional<char> parseLetter(char letter)
+{
+    return letter == 'N' || letter == 'n' ? UNKNOWN_BASE : parseBase(letter);
+}
 
 using Vector = algebra3d::Vector3<double>;
 using Quaternion = algebra3d::Quaternion<double>;
@@ -276,38 +339,58 @@ class JsonReader : public nlohmann::json_sax<nlohmann::json>
 {
 public:
     JsonReader(std::string_view wholeText, const std::string& jsonName,
-               const ReadOptions& readOptions, ReadReport& readReport)
+               const ReadOptions& readOptions, ReadReport& readReport, bool shallKeepAll)
         : text(wholeText),
           fileName(jsonName),
           options(readOptions),
           report(readReport),
           milestones(readOptions, wholeText.size()),
+          keepsAll(shallKeepAll),
           place(wholeText.data()),
           collector(readOptions)
     {}
 
-    std::optional<Configuration> read()
+    /// What was read of the frames: all of them or the first, which is that of a file without a
+    /// series.
+    std::vector<Configuration> frames;
+    std::vector<double> times; ///< of as many frames as the file has, or none
+
+    /// Whether all of it is as it should be.
+    bool read()
     {
         // To the parser this character is the end of the text.
         const std::size_t nul = text.find('\0');
-        if (nul != std::string_view::npos) {
-            failInText(nul, "found a character of code 0, expected valid JSON in UTF-8");
-            return {};
-        }
+        if (nul != std::string_view::npos)
+            return failInText(nul, "found a character of code 0, expected valid JSON in UTF-8");
         const char* const end = text.data() + text.size();
         if (!nlohmann::json::sax_parse(Cursor(place, place), Cursor(end, place), this))
-            return {};
-        return collector.finish(fileName, "rod, birod, DNA, marker, frame or arrow", report);
+            return false;
+        return report.frames > 0 || finishFrame("");
     }
 
-    /// Among a scalar's values it stands for one that is no number.
+    /// Among a scalar's values it stands for one that is no number, and of a sequence for bases
+    /// that are not known.
     bool null() override
     {
+        if (nextPlace() == Place::SEQUENCE) {
+            isSequenceNull = true;
+            return goOn();
+        }
         if (levels.empty() || levels.back().place != Place::VALUES)
             return failExpected("null");
         return addNumber(levels.back(), std::numeric_limits<double>::quiet_NaN()) && goOn();
     }
-    bool boolean(bool value) override { return failExpected(value ? "true" : "false"); }
+    bool boolean(bool value) override
+    {
+        const Place place = nextPlace();
+        if (ruleOf(place).kind != Kind::BOOLEAN)
+            return failExpected(value ? "true" : "false");
+        bool& flag = place == Place::BACKBONE            ? rod.isBackbone
+                     : levels.back().place == Place::ROD ? rod.isClosed
+                                                         : dna.isClosed;
+        flag = value;
+        return goOn();
+    }
     bool string(std::string& value) override
     {
         const Place place = nextPlace();
@@ -340,6 +423,8 @@ public:
         if (isOfOurs && level.keys.count("directors") &&
             (level.keys.count("quaternions") || level.keys.count("quaternion")))
             return fail("found quaternions and directors, expected one of both");
+        if (level.place == Place::FILE && !requireEither(level))
+            return false;
         if (!isOfOurs)
             rod.scalars.push_back({value, {}});
         return true;
@@ -349,7 +434,7 @@ public:
     {
         const Level level = leave();
         for (const Member& member : MEMBERS)
-            if (member.owner == level.place && member.need == Need::REQUIRED &&
+            if (isOf(member, level.place) && member.need == Need::REQUIRED &&
                 !level.keys.count(member.key))
                 return fail("found no key " + std::string(member.key) + ", expected one");
         return finish(level) && goOn();
@@ -366,6 +451,8 @@ public:
             return requireCount(level, 3, "director") && addRotationOfDirectors() && goOn();
         if (level.place == Place::QUATERNION)
             return requireCount(level, 4) && addRotation() && goOn();
+        if (level.place == Place::SERIES && level.index == 0)
+            return fail("found 0 frames, expected at least 1");
         return goOn();
     }
 
@@ -419,9 +506,13 @@ private:
 
     bool wholeNumber(std::int64_t value)
     {
-        if (nextPlace() != Place::ID)
+        const Place place = nextPlace();
+        if (place == Place::MOLECULE && value >= 1 && value <= LARGEST_MOLECULE)
+            currentMolecule() = static_cast<std::size_t>(value);
+        else if (place == Place::ID)
+            marker.id = value;
+        else
             return number(static_cast<double>(value));
-        marker.id = value;
         return goOn();
     }
 
@@ -436,6 +527,8 @@ private:
             marker.transparency = value;
         if (place == Place::LENGTH)
             currentLength() = value;
+        if (place == Place::TIME)
+            time = value;
         return goOn();
     }
 
@@ -448,6 +541,8 @@ private:
             return value >= 0 && value <= 1;
         case Place::LENGTH:
             return value > 0 && isCoordinate(value);
+        case Place::TIME:
+            return true; // the parser takes no number that is not finite
         default:
             return place == Place::NUMBER;
         }
@@ -472,19 +567,26 @@ private:
             return takeSequence(value);
         if (place == Place::SHAPE)
             return takeShape(value);
-        currentColour() = std::move(value);
+        if (place == Place::LETTER)
+            return takeLetter(value);
+        if (place == Place::FRAMES_OF_ROD)
+            return takeFramesOfRod(value);
+        if (place == Place::NAME)
+            (levels.back().place == Place::ROD ? rod.name : dna.name) = std::move(value);
+        else
+            currentColour() = std::move(value);
         return true;
     }
 
     bool takeSequence(const std::string& value)
     {
         for (std::size_t i = 0; i < value.size(); ++i) {
-            const std::optional<char> base = parseBase(value[i]);
+            const std::optional<char> base = parseLetter(value[i]);
             if (!base)
                 return failAt(path() + "[" + std::to_string(i) + "]",
                               "found " +
                                   inQuotes(firstCharacter(std::string_view(value).substr(i))) +
-                                  ", expected " + EXPECTED_BASE);
+                                  ", expected " + EXPECTED_LETTER);
             dna.bases += *base;
         }
         return true;
@@ -500,6 +602,21 @@ private:
         return failExpected("the string " + inQuotes(value));
     }
 
+    bool takeLetter(const std::string& value)
+    {
+        const std::optional<char> letter = value.size() == 1 ? parseLetter(value[0]) : std::nullopt;
+        if (!letter)
+            return failExpected("the string " + inQuotes(value));
+        loneBase.base = *letter;
+        return true;
+    }
+
+    bool takeFramesOfRod(const std::string& value)
+    {
+        rod.hasFrames = value == "given";
+        return rod.hasFrames || value == "made" || failExpected("the string " + inQuotes(value));
+    }
+
     /// Where a value belongs that stands in several objects.
     Vector& currentPoint()
     {
@@ -508,23 +625,38 @@ private:
             return strand.points.emplace_back();
         if (level.place == Place::ARROW)
             return level.key == "from" ? arrow.from : arrow.to;
-        return level.place == Place::MARKER ? marker.point : frame.point;
+        return level.place == Place::MARKER ? marker.point
+               : level.place == Place::BASE ? loneBase.point
+                                            : frame.point;
     }
     Quaternion& currentRotation()
     {
-        return levels.back().place == Place::FRAME ? frame.rotation
-                                                   : strand.rotations.emplace_back();
+        const Place owner = levels.back().place;
+        return owner == Place::FRAME  ? frame.rotation
+               : owner == Place::BASE ? loneBase.rotation
+                                      : strand.rotations.emplace_back();
     }
     std::optional<double>& currentLength()
     {
         const Place owner = levels.back().place;
         return owner == Place::MARKER  ? marker.size
                : owner == Place::FRAME ? frame.size
+               : owner == Place::ROD   ? rod.radius
                                        : arrow.radius;
     }
     std::optional<std::string>& currentColour()
     {
-        return levels.back().place == Place::MARKER ? marker.colour : arrow.colour;
+        const Place owner = levels.back().place;
+        return owner == Place::MARKER ? marker.colour
+               : owner == Place::ROD  ? rod.colour
+                                      : arrow.colour;
+    }
+    std::size_t& currentMolecule()
+    {
+        const Place owner = levels.back().place;
+        return owner == Place::ROD   ? rod.molecule
+               : owner == Place::DNA ? dna.molecule
+                                     : loneBase.molecule;
     }
 
     bool addPoint()
@@ -575,14 +707,70 @@ private:
             return requireRotations(level, "quaternion") && finishGlyph(frame);
         case Place::ARROW:
             return finishGlyph(arrow);
+        case Place::BASE:
+            return requireRotations(level, "quaternion") && finishGlyph(loneBase);
+        case Place::STEP:
+            return finishStep(level);
         default:
             return true;
         }
     }
 
+    /// A series stands in the place of lists.
+    bool requireEither(const Level& level)
+    {
+        const bool isSeries = level.key == "series";
+        for (const Member& member : MEMBERS)
+            if (member.owner == Place::LISTS && level.keys.count("series") &&
+                level.keys.count(member.key))
+                return fail("found beside " + std::string(isSeries ? member.key : "series") +
+                            ", expected either series or lists");
+        return true;
+    }
+
+    bool finishStep(const Level& level)
+    {
+        const bool hasTime = level.keys.count("time");
+        if (report.frames > 0 && hasTime == times.empty())
+            return fail(std::string("found ") + (hasTime ? "a" : "no") + " key time, expected " +
+                        (hasTime ? "none" : "one") + " as in series[0]");
+        if (hasTime)
+            times.push_back(time);
+        return finishFrame(path() + ": ");
+    }
+
+    /// `owner` stands before what its error says.
+    bool finishFrame(const std::string& owner)
+    {
+        ReadReport ofFrame;
+        std::optional<Configuration> frame =
+            std::exchange(collector, Collector(options))
+                .finish(fileName, "rod, birod, DNA, marker, frame, arrow or base", ofFrame);
+        if (!frame) {
+            report.error = ofFrame.error.insert(fileName.size() + 2, owner);
+            return false;
+        }
+        if (report.frames++ > 0 && !keepsAll)
+            return true;
+        frames.push_back(std::move(*frame));
+        addNew(ofFrame.notices);
+        return true;
+    }
+
+    /// Most frames have the same to tell.
+    void addNew(std::vector<std::string>& notices)
+    {
+        for (std::string& notice : notices)
+            if (told.insert(notice).second)
+                report.notices.push_back(std::move(notice));
+    }
+
     bool finishRod(const Level& level)
     {
         const std::size_t count = strand.points.size();
+        if (level.keys.count("frames") && rod.hasFrames && strand.rotations.empty())
+            return failAt(path() + ".frames", "found 'given' without quaternions or directors, "
+                                              "expected one of both");
         for (const char* key : {"quaternions", "directors"})
             if (level.keys.count(key) &&
                 !requirePerPointOrElement("." + std::string(key), strand.rotations.size(), count))
@@ -639,6 +827,9 @@ private:
                 return fail("found no key " + std::string(missing) + ", expected one");
         if (!level.keys.count("strand1"))
             strands[1] = strands[2] = strands[0]; // one frame of the pair and of its bases
+        if (isSequenceNull)
+            dna.bases.assign(strands[0].points.size(), UNKNOWN_BASE);
+        isSequenceNull = false;
         if (!requireStrandsOf(dna.bases.size(), "pairs", "base"))
             return false;
         dna.origin = fileName + ": " + path();
@@ -737,18 +928,23 @@ private:
     const ReadOptions& options;
     ReadReport& report;
     Milestones milestones;
-    const char* place;                ///< in the text, that the parser has come to
-    std::vector<Level> levels;        ///< from the outermost in
-    std::array<double, 4> components; ///< of the point or quaternion being read
-    Directors directors;              ///< being read, all three
-    Strand strand;                    ///< being read, and so are these
-    std::array<Strand, 3> strands;    ///< average or pairs, strand 1, strand 2
-    Rod rod;                          ///< without its points and rotations
-    Dna dna;                          ///< without those either
+    const bool keepsAll;
+    std::unordered_set<std::string> told; ///< notices
+    const char* place;                    ///< in the text, that the parser has come to
+    std::vector<Level> levels;            ///< from the outermost in
+    std::array<double, 4> components;     ///< of the point or quaternion being read
+    Directors directors;                  ///< being read, all three
+    Strand strand;                        ///< being read, and so are these
+    std::array<Strand, 3> strands;        ///< average or pairs, strand 1, strand 2
+    Rod rod;                              ///< without its points and rotations
+    Dna dna;                              ///< without those either
     Marker marker;
     Frame frame;
     Arrow arrow;
-    Collector collector;
+    LoneBase loneBase;
+    double time = 0;
+    bool isSequenceNull = false;
+    Collector collector; ///< of the frame being read
 };
 
 } // namespace
@@ -756,7 +952,19 @@ private:
 std::optional<Configuration> readJson(std::string_view text, const std::string& fileName,
                                       const ReadOptions& options, ReadReport& report)
 {
-    return JsonReader(text, fileName, options, report).read();
+    report.frames = 0;
+    JsonReader reader(text, fileName, options, report, false);
+    return reader.read() ? std::optional(std::move(reader.frames.front())) : std::nullopt;
+}
+
+std::unique_ptr<Series> openJson(std::string_view text, const std::string& fileName,
+                                 const ReadOptions& options, ReadReport& report)
+{
+    report.frames = 0;
+    JsonReader reader(text, fileName, options, report, true);
+    if (!reader.read())
+        return nullptr;
+    return std::make_unique<MemorySeries>(std::move(reader.frames), std::move(reader.times));
 }
 
 } // namespace strandview

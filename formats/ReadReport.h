@@ -2,6 +2,7 @@
 #ifndef STRANDVIEW_FORMATS_READREPORT_H
 #define STRANDVIEW_FORMATS_READREPORT_H
 
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <vector>
@@ -25,6 +26,8 @@ struct ReadReport
 {
     /// Things done to the data that the user should know of, a line each.
     std::vector<std::string> notices;
+    /// How many frames there are in what was read last; it was the first of them.
+    std::size_t frames = 1;
     /// Why nothing was read: one line, "file:line: column 3 (z): found ..., expected ...",
     /// with as much of the place as the format has; empty after success.
     std::string error;

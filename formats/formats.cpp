@@ -21,8 +21,8 @@ constexpr std::size_t BEGINNING_TO_KNOW_BY = 64 * 1024;
 
 /// Reads all of a text in UTF-8, with or without a byte order mark.
 template <auto readText>
-std::optional<Configuration> readWhole(Source& source, const ReadOptions& options,
-                                       ReadReport& report)
+auto readWhole(Source& source, const ReadOptions& options, ReadReport& report)
+    -> decltype(readText({}, {}, options, report))
 {
     const std::optional<std::string_view> bytes = source.readAll(options, report);
     if (!bytes)
@@ -31,6 +31,13 @@ std::optional<Configuration> readWhole(Source& source, const ReadOptions& option
         return readText(withoutByteOrderMark(*bytes), source.getName(), options, report);
     report.error = source.getName() + ": " + FOUND_UTF16;
     return {};
+}
+
+template <auto openText>
+std::unique_ptr<Series> openWhole(std::unique_ptr<Source> source, const ReadOptions& options,
+                                  ReadReport& report)
+{
+    return readWhole<openText>(*source, options, report);
 }
 
 bool isText(std::string_view beginning) { return !isUtf16(beginning) && !isBinary(beginning); }
@@ -59,7 +66,7 @@ const std::vector<Format>& formats()
          likenessToTable,
          readWhole<readTable>,
          nullptr},
-        {"JSON", "JSON", {".json"}, likenessToJson, readWhole<readJson>, nullptr},
+        {"JSON", "JSON", {".json"}, likenessToJson, readWhole<readJson>, openWhole<openJson>},
         {"PDB and mmCIF",
          "a structure",
          {".pdb", ".ent", ".cif", ".mmcif"},

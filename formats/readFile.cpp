@@ -20,8 +20,16 @@ std::optional<Configuration> readSource(Source& source, const ReadOptions& optio
                                         ReadReport& report)
 {
     report.error.clear();
+    report.frames = 1;
     const Format* const format = formatOf(source, options, report);
-    return format ? format->read(source, options, report) : std::nullopt;
+    if (!format)
+        return {};
+    std::optional<Configuration> first = format->read(source, options, report);
+    if (first && report.frames > 1)
+        report.notices.push_back(source.getName() + ": the first of " +
+                                 std::to_string(report.frames) +
+                                 " frames; --frame N takes another, counted from 0");
+    return first;
 }
 
 } // namespace strandview

@@ -345,7 +345,7 @@ TEST(JsonReader, ScalesTheQuaternionsOfEverythingWhenAskedTo)
     EXPECT_EQ(numbersOf({configuration.frames[0].rotation}), (Rotations{{0, 0, 0.6, 0.8}}));
 }
 
-// ---- Directors and elements
+// ---- What programs tell of their data besides
 
 namespace {
 
@@ -354,6 +354,143 @@ const std::string turned = "[[0, 1, 0], [0, 0, 1], [1, 0, 0]]";
 const std::array<double, 4> thirdOfATurn = {0.5, 0.5, 0.5, 0.5};
 
 } // namespace
+
+TEST(JsonReader, ReadsWhatARodIsBesidesItsCurve)
+{
+    const Configuration configuration = acceptedConfiguration(fileWith(R"("rods": [
+        {"closed": true, "name": "a \"knot\"", "colour": "red", "radius": 0.25, "backbone": true,
+         "molecule": 9007199254740992, "frames": "made",
+         "points": [[0, 0, 0], [1, 0, 1], [0, 1, 2], [0, 0, 0]],
+         "quaternions": [[0, 0, 0, 1], [0, 0, 1, 0], [1, 0, 0, 0], [0, 0, 0, 1]]},
+        {"color": "tan", "closed": false, "backbone": false, "frames": "given", )" +
+                                                                       pairAlongZ + "}]"));
+    ASSERT_EQ(configuration.rods.size(), 2U);
+    const Rod& rod = configuration.rods[0];
+    EXPECT_TRUE(rod.isClosed);
+    EXPECT_EQ(rod.name, "a \"knot\"");
+    EXPECT_EQ(rod.colour, "red");
+    EXPECT_EQ(rod.radius, 0.25);
+    EXPECT_TRUE(rod.isBackbone);
+    EXPECT_EQ(rod.molecule, 9007199254740992U);
+    EXPECT_FALSE(rod.hasFrames);
+    EXPECT_EQ(numbersOf(rod.rotations),
+              (Rotations{{0, 0, 0, 1}, {0, 0, 1, 0}, {1, 0, 0, 0}, {0, 0, 0, 1}}));
+    const Rod& other = configuration.rods[1];
+    EXPECT_EQ(other.colour, "tan");
+    EXPECT_FALSE(other.isClosed || other.isBackbone || other.molecule || other.radius);
+    EXPECT_EQ(other.name, "");
+    EXPECT_TRUE(other.hasFrames);
+}
+
+TEST(JsonReader, FramesThatAreMadeMayBeLeftToTheReader)
+{
+    const Rod rod =
+        onlyRod(readText(fileOfRod(R"("frames": "made", "points": [[0, 0, 0], [0, 0, 1]])")));
+    EXPECT_EQ(rod.rotations.size(), 2U);
+    EXPECT_FALSE(rod.hasFrames);
+}
+
+TEST(JsonReader, ReadsClosedDnaOfUnknownBases)
+{
+    const std::string curve = R"({"points": [[0, 0, 0], [0, 0, 3]],
+                                  "quaternions": [[0, 0, 0, 1], [0, 0, 1, 0]]})";
+    const Configuration configuration =
+        acceptedConfiguration(fileWith(R"("dna": [{"sequence": null, "pairs": )" + curve +
+                                       R"(, "closed": true, "name": "ring", "molecule": 3},
+                    {"sequence": "nA", "pairs": )" +
+                                       curve + "}]"));
+    ASSERT_EQ(configuration.dnas.size(), 2U);
+    EXPECT_EQ(configuration.dnas[0].bases, "NN");
+    EXPECT_TRUE(configuration.dnas[0].isClosed);
+    EXPECT_EQ(configuration.dnas[0].name, "ring");
+    EXPECT_EQ(configuration.dnas[0].molecule, 3U);
+    EXPECT_EQ(configuration.dnas[1].bases, "NA");
+    EXPECT_FALSE(configuration.dnas[1].isClosed);
+}
+
+TEST(JsonReader, ReadsBasesInNoPair)
+{
+    const Configuration configuration = acceptedConfiguration(fileWith(R"("bases": [
+        {"base": "g", "point": [1, 2, 3], "quaternion": [0.6, 0, 0, 0.8], "molecule": 2},
+        {"directors": )" + turned + R"(, "point": [4, 5, 6], "base": "N"}])"));
+    ASSERT_EQ(configuration.loneBases.size(), 2U);
+    const LoneBase &first = configuration.loneBases[0], &second = configuration.loneBases[1];
+    EXPECT_EQ(first.origin, "rod.json: bases[0]");
+    EXPECT_EQ(first.base, 'G');
+    EXPECT_EQ(numbersOf({first.point, second.point}), (Points{{1, 2, 3}, {4, 5, 6}}));
+    EXPECT_EQ(numbersOf({first.rotation, second.rotation}),
+              (Rotations{{0.6, 0, 0, 0.8}, thirdOfATurn}));
+    EXPECT_EQ(first.molecule, 2U);
+    EXPECT_EQ(second.base, UNKNOWN_BASE);
+    EXPECT_EQ(second.molecule, 0U);
+}
+
+// ---- Series
+
+namespace {
+
+std::string seriesOf(const std::string& frames) { return fileWith("\"series\": [" + frames + "]"); }
+
+/// A frame with so many markers.
+std::string frameOfMarkers(const std::string& time, int count)
+{
+    std::string text = "{" + (time.empty() ? "" : "\"time\": " + time + ", ") + "\"markers\": [";
+    for (int i = 0; i < count; ++i)
+        text += std::string(i == 0 ? "" : ", ") + "{\"point\": [0, 0, 0]}";
+    return text + "]}";
+}
+
+std::unique_ptr<Series> opened(const std::string& text)
+{
+    ReadReport report;
+    std::unique_ptr<Series> series = openJson(text, "run.json", {}, report);
+    EXPECT_TRUE(series) << report.error;
+    return series;
+}
+
+} // namespace
+
+TEST(JsonReader, ASeriesHasFramesWithTheirTimes)
+{
+    const auto series = opened(seriesOf(frameOfMarkers("-0.5", 1) + ", " + frameOfMarkers("2", 3)));
+    ASSERT_EQ(series->count(), 2U);
+    EXPECT_EQ(series->time(0), -0.5);
+    EXPECT_EQ(series->time(1), 2);
+    EXPECT_EQ(series->load(0).configuration->markers.size(), 1U);
+    const Configuration last = *series->load(1).configuration;
+    ASSERT_EQ(last.markers.size(), 3U);
+    EXPECT_EQ(last.markers[2].origin, "run.json: series[1].markers[2]");
+    EXPECT_EQ(last.markers[2].id, 2);
+}
+
+TEST(JsonReader, OfASeriesTheFirstFrameIsRead)
+{
+    const Reading reading =
+        readText(seriesOf(frameOfMarkers("", 4) + ", " + frameOfMarkers("", 1)));
+    ASSERT_TRUE(reading.configuration) << reading.report.error;
+    EXPECT_EQ(reading.configuration->markers.size(), 4U);
+    EXPECT_EQ(reading.report.frames, 2U);
+}
+
+TEST(JsonReader, TimesMayBeUnknownAndAFileWithoutASeriesHasOneFrame)
+{
+    EXPECT_EQ(opened(seriesOf(frameOfMarkers("", 1)))->time(0), std::nullopt);
+    const auto only = opened(fileWith("\"markers\": [{\"point\": [0, 0, 0]}]"));
+    ASSERT_EQ(only->count(), 1U);
+    EXPECT_EQ(only->load(0).configuration->markers.size(), 1U);
+    EXPECT_EQ(only->time(0), std::nullopt);
+}
+
+TEST(JsonReader, WhatAllFramesHaveToTellIsToldOnce)
+{
+    ReadReport report;
+    const std::string frame = R"({"rods": [{"points": [[0, 0, 0], [0, 0, 1]]}]})";
+    const auto series = openJson(seriesOf(frame + ", " + frame), "run.json", {}, report);
+    ASSERT_TRUE(series) << report.error;
+    EXPECT_THAT(report.notices, ElementsAre(testing::HasSubstr("1 rod without frames")));
+}
+
+// ---- Directors and elements
 
 TEST(JsonReader, DirectorsStandWhereQuaternionsMay)
 {
@@ -792,10 +929,10 @@ INSTANTIATE_TEST_SUITE_P(
         BadJson{
             "AnArray", "[1, 2]",
             " found an array, expected an object with strandview and rods, birods, dna, markers, "
-            "frames or arrows"},
+            "frames, arrows, bases or series"},
         BadJson{"ANumber", "1.5",
                 " found 1.5, expected an object with strandview and rods, birods, dna, "
-                "markers, frames or arrows"},
+                "markers, frames, arrows, bases or series"},
         BadJson{"NoVersion", "{\"rods\": []}", " found no key strandview, expected one"},
         BadJson{"AnotherVersion", "{\"strandview\": 2, \"twigs\": []}",
                 " strandview: found 2, expected 1"},
@@ -804,27 +941,85 @@ INSTANTIATE_TEST_SUITE_P(
         BadJson{"AVersionInBrackets", "{\"strandview\": [1]}",
                 " strandview: found an array, expected 1"},
         BadJson{"NothingBesideTheVersion", "{\"strandview\": 1}",
-                " found nothing to show, expected at least one rod, birod, DNA, marker, frame or "
-                "arrow"},
+                " found nothing to show, expected at least one rod, birod, DNA, marker, frame, "
+                "arrow or base"},
         BadJson{"NothingInAnyArray",
                 "{\"strandview\": 1, \"rods\": [], \"birods\": [], \"dna\": [], \"markers\": [], "
                 "\"frames\": [], \"arrows\": []}",
-                " found nothing to show, expected at least one rod, birod, DNA, marker, frame or "
-                "arrow"},
+                " found nothing to show, expected at least one rod, birod, DNA, marker, frame, "
+                "arrow or base"},
+        BadJson{"AnEmptySeries", "{\"strandview\": 1, \"series\": []}",
+                " series: found 0 frames, expected at least 1"},
+        BadJson{"ASeriesOfNumbers", "{\"strandview\": 1, \"series\": [3]}",
+                " series[0]: found 3, expected an object with rods, birods, dna, markers, frames, "
+                "arrows or bases"},
+        BadJson{"AnEmptyFrame", seriesOf(frameOfMarkers("", 1) + ", {\"rods\": []}"),
+                " series[1]: found nothing to show, expected at least one rod, birod, DNA, marker, "
+                "frame, arrow or base"},
+        BadJson{"AFaultInALaterFrame",
+                seriesOf(frameOfMarkers("", 1) + ", {\"rods\": [{\"points\": [[0, 0]]}]}"),
+                " series[1].rods[0].points[0]: found 2 numbers, expected 3"},
+        BadJson{"ALaterFrameWithoutATime",
+                seriesOf(frameOfMarkers("1", 1) + ", " + frameOfMarkers("", 1)),
+                " series[1]: found no key time, expected one as in series[0]"},
+        BadJson{"ALaterFrameWithATime",
+                seriesOf(frameOfMarkers("", 1) + ", " + frameOfMarkers("1", 1)),
+                " series[1]: found a key time, expected none as in series[0]"},
+        BadJson{"ATimeInQuotes", seriesOf(frameOfMarkers("\"1\"", 1)),
+                " series[0].time: found the string '1', expected a finite number"},
+        BadJson{"ASeriesInASeries", seriesOf("{\"series\": []}"),
+                " series[0].series: found an unknown key, expected one of time, rods, birods, dna, "
+                "markers, frames, arrows, bases"},
+        BadJson{"ATimeOfAFile", fileWith("\"time\": 1"),
+                " time: found an unknown key, expected one of strandview, series, rods, birods, "
+                "dna, markers, frames, arrows, bases"},
+        BadJson{"ListsBesideASeries",
+                fileWith("\"series\": [" + frameOfMarkers("", 1) + "], \"rods\": []"),
+                " rods: found beside series, expected either series or lists"},
+        BadJson{"ASeriesBesideLists", fileWith("\"dna\": [], \"series\": []"),
+                " series: found beside dna, expected either series or lists"},
+        BadJson{"ClosedAsANumber", fileOfRod("\"closed\": 1"),
+                " rods[0].closed: found 1, expected true or false"},
+        BadJson{"ABackboneThatIsNull", fileOfRod("\"backbone\": null"),
+                " rods[0].backbone: found null, expected true or false"},
+        BadJson{"ANameThatIsANumber", fileOfRod("\"name\": 7"),
+                " rods[0].name: found 7, expected a string"},
+        BadJson{"MoleculeZero", fileOfRod("\"molecule\": 0"),
+                " rods[0].molecule: found 0, expected a whole number from 1 to 9007199254740992"},
+        BadJson{"MoleculesBeyondTheLast", fileOfRod("\"molecule\": 9007199254740993"),
+                " rods[0].molecule: found 9007199254740992, expected a whole number from 1 to "
+                "9007199254740992"},
+        BadJson{"HalfAMolecule", fileOfRod("\"molecule\": 1.5"),
+                " rods[0].molecule: found 1.5, expected a whole number from 1 to 9007199254740992"},
+        BadJson{"ARadiusOfZero", fileOfRod("\"radius\": 0"),
+                " rods[0].radius: found 0, expected a number above 0 and up to 1e18"},
+        BadJson{"OtherFrames", fileOfRod("\"frames\": \"lost\""),
+                " rods[0].frames: found the string 'lost', expected given or made"},
+        BadJson{"GivenFramesThatAreNot",
+                fileOfRod("\"frames\": \"given\", \"points\": [[0, 0, 0], [0, 0, 1]]"),
+                " rods[0].frames: found 'given' without quaternions or directors, expected one of "
+                "both"},
+        BadJson{"ABaseWithoutALetter", fileWith("\"bases\": [{\"point\": [0, 0, 0]}]"),
+                " bases[0]: found no key base, expected one"},
+        BadJson{"ABaseOfTwoLetters", fileWith("\"bases\": [{\"base\": \"AC\"}]"),
+                " bases[0].base: found the string 'AC', expected A, C, G, T or N"},
+        BadJson{"ABaseWithoutAFrame",
+                fileWith("\"bases\": [{\"base\": \"A\", \"point\": [0, 0, 0]}]"),
+                " bases[0]: found no key quaternion or directors, expected one"},
         BadJson{"RodsInAnObject", "{\"strandview\": 1, \"rods\": {}}",
                 " rods: found an object, expected an array of rods"},
         BadJson{"ARodThatIsNull", "{\"strandview\": 1, \"rods\": [null]}",
                 " rods[0]: found null, expected an object with points"},
         BadJson{"AnUnknownKey", "{\"strandview\": 1, \"rodz\": []}",
-                " rodz: found an unknown key, expected one of strandview, rods, birods, "
-                "dna, markers, frames, arrows"},
+                " rodz: found an unknown key, expected one of strandview, series, rods, birods, "
+                "dna, markers, frames, arrows, bases"},
         BadJson{"AnUnknownKeyOfARod", fileOfRod("\"pionts\": []"),
                 " rods[0].pionts: found an unknown key, expected one of points, quaternions, "
-                "directors, "
-                "scalars"},
+                "directors, scalars, closed, name, colour, radius, backbone, molecule, frames"},
         BadJson{"AnOddUnknownKey", "{\"a.b\\nc\": 1}",
-                " ['a.b\\x0ac']: found an unknown key, expected one of strandview, rods, birods, "
-                "dna, markers, frames, arrows"},
+                " ['a.b\\x0ac']: found an unknown key, expected one of strandview, series, rods, "
+                "birods, "
+                "dna, markers, frames, arrows, bases"},
         BadJson{"AKeyTwice", fileOfRod("\"points\": [], \"points\": []"),
                 " rods[0].points: found a second time, expected each key once"},
         BadJson{"TheVersionTwice", "{\"strandview\": 1, \"strandview\": 1}",
@@ -1032,19 +1227,19 @@ INSTANTIATE_TEST_SUITE_P(
                 " dna[0]: found no key strand2, expected one"},
         BadJson{"AnUnknownKeyOfDna", fileOfDna("\"average\": {}"),
                 " dna[0].average: found an unknown key, expected one of sequence, pairs, strand1, "
-                "strand2"},
-        BadJson{"AnotherLetter", fileOfDna("\"sequence\": \"ACGTacgtN\""),
-                " dna[0].sequence[8]: found 'N', expected A, C, G or T"},
+                "strand2, closed, name, molecule"},
+        BadJson{"AnotherLetter", fileOfDna("\"sequence\": \"ACGTacgtNnU\""),
+                " dna[0].sequence[10]: found 'U', expected A, C, G, T or N"},
         BadJson{"ABlankBetweenLetters", fileOfDna("\"sequence\": \"A C\""),
-                " dna[0].sequence[1]: found ' ', expected A, C, G or T"},
+                " dna[0].sequence[1]: found ' ', expected A, C, G, T or N"},
         BadJson{"ALetterOfTwoBytes", fileOfDna("\"sequence\": \"G\xc3\x84g\""),
-                " dna[0].sequence[1]: found '\xc3\x84', expected A, C, G or T"},
+                " dna[0].sequence[1]: found '\xc3\x84', expected A, C, G, T or N"},
         BadJson{"AControlCharacterInTheSequence", fileOfDna("\"sequence\": \"\\u0007\""),
-                " dna[0].sequence[0]: found '\\x07', expected A, C, G or T"},
+                " dna[0].sequence[0]: found '\\x07', expected A, C, G, T or N"},
         BadJson{"ASequenceThatIsAnArray", fileOfDna("\"sequence\": [\"A\"]"),
-                " dna[0].sequence: found an array, expected a string of A, C, G and T"},
+                " dna[0].sequence: found an array, expected a string of A, C, G, T and N, or null"},
         BadJson{"ASequenceThatIsANumber", fileOfDna("\"sequence\": 4"),
-                " dna[0].sequence: found 4, expected a string of A, C, G and T"},
+                " dna[0].sequence: found 4, expected a string of A, C, G, T and N, or null"},
         BadJson{"NoBases", fileOfDna(R"("sequence": "", "pairs": {"points": [], "quaternions": []},
                              "strand1": {"points": [], "quaternions": []},
                              "strand2": {"points": [], "quaternions": []})"),

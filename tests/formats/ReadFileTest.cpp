@@ -352,6 +352,22 @@ TEST_F(ReadFile, BytesThatAreOpenAlreadyAreReadByTheirContent)
     EXPECT_EQ(report.error, "") << "of the bytes before";
 }
 
+TEST_F(ReadFile, OfSeveralFramesTheFirstIsReadAndANoticeTells)
+{
+    const auto markers = [](const char* id) {
+        return std::string(R"({"markers": [{"point": [0, 0, 0], "id": )") + id + "}]}";
+    };
+    const auto source = Source::ofBytes("run", R"({"strandview": 1, "series": [)" + markers("7") +
+                                                   ", " + markers("8") + "]}");
+    const auto first = readSource(*source, {}, report);
+    ASSERT_TRUE(first) << report.error;
+    EXPECT_EQ(first->markers[0].id, 7);
+    EXPECT_THAT(report.notices,
+                ElementsAre("run: the first of 2 frames; --frame N takes another, counted from 0"));
+    ASSERT_TRUE(readSource(*Source::ofBytes("one", "0 0 0 0 0 0 1\n0 0 1 0 0 0 1\n"), {}, report));
+    EXPECT_EQ(report.notices.size(), 1U) << "the next source has one frame";
+}
+
 TEST_F(ReadFile, BothFormatsGiveTheSameRods)
 {
     const auto fromTable = read(write("a.txt", "x y z s\n0 0 0 5\n1 0 0 6\n1 1 0 7\n\n"
