@@ -5,6 +5,8 @@
 
 #include <algebra3d/rotations.h>
 
+#include <strandview/analysis/stepParameters.h>
+
 namespace strandview {
 
 namespace {
@@ -28,7 +30,11 @@ void appendPair(const BaseFrame& strand1, const BaseFrame& strand2, Frames& fram
     turned.rotation = nearer(turned.rotation, strand1.rotation);
     append(strand1, frames.points1, frames.rotations1);
     append(turned, frames.points2, frames.rotations2);
-    append(halfWay(strand1, turned), frames.pairPoints, frames.pairRotations);
+    // Half-way by the scheme of the parameters, as published ones of steps are made: by the
+    // rotation half-way some would differ by 0.3 degrees.
+    const PlacedFrame pair =
+        midFrame({turned.point, turned.rotation}, {strand1.point, strand1.rotation});
+    append({pair.point, pair.rotation}, frames.pairPoints, frames.pairRotations);
 }
 
 /// The strands' names in the order in which they come, each once: "B,C".
