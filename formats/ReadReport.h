@@ -19,6 +19,9 @@ struct ReadOptions
     std::function<bool(double share)> goOn = {};
     /// Close every rod whose ends are apart, by one more element.
     bool close = false;
+    /// Of a configuration whose topology is another file: its path, where it is not found beside
+    /// it.
+    std::string topology = {};
 };
 
 /// What a reader has to tell its user.

@@ -11,6 +11,7 @@
 #include <strandview/formats/StepParameterReader.h>
 #include <strandview/formats/TableReader.h>
 #include <strandview/formats/structures/StructureReader.h>
+#include <strandview/formats/oxdna/OxdnaReader.h>
 #include <strandview/formats/text/encoding.h>
 
 namespace strandview {
@@ -85,6 +86,12 @@ const std::vector<Format>& formats()
          likenessToPairFrames,
          readWhole<readPairFrames>,
          nullptr},
+        {"oxDNA",
+         "an oxDNA configuration",
+         {".oxdna", ".conf", ".dat", ".top"},
+         likenessToOxdna,
+         readOxdna,
+         openOxdna},
     };
     return all;
 }

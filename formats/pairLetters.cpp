@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <strandview/formats/pairLetters.h>
 
+#include <strandview/analysis/doubleStrands.h>
 #include <strandview/formats/checks.h>
 #include <strandview/formats/text/wording.h>
 #include <strandview/model/Dna.h>
@@ -13,12 +14,6 @@ bool isLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
 bool isUracil(char letter) { return letter == 'U' || letter == 'u'; }
 
 std::optional<char> baseOf(char letter) { return isUracil(letter) ? 'T' : parseBase(letter); }
-
-bool arePaired(char base1, char base2)
-{
-    constexpr std::string_view complements = "TGCA";
-    return complements[BASE_LETTERS.find(base1)] == base2;
-}
 
 } // namespace
 
@@ -40,7 +35,7 @@ char LetterCounts::take(char letter)
 char LetterCounts::take(const PairLetters& pair)
 {
     const std::optional<char> base1 = baseOf(pair.strand1), base2 = baseOf(pair.strand2);
-    mismatches += base1 && base2 && !arePaired(*base1, *base2);
+    mismatches += base1 && base2 && *base2 != complementOf(*base1);
     return take(pair.strand1);
 }
 

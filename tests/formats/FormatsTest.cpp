@@ -101,6 +101,8 @@ TEST(Formats, EachReadsASourceUnderItsName)
     };
     for (const Format& format : formats()) {
         SCOPED_TRACE(format.name);
+        if (format.name == "oxDNA")
+            continue; // of two files: OxdnaReaderTest.cpp
         ASSERT_EQ(texts.count(format.name), 1u) << "a text for each";
         const std::string& text = texts.at(format.name);
         EXPECT_EQ(nameOf(formatOfContent(text)), format.name);

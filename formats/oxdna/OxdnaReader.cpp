@@ -1,0 +1,338 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <strandview/formats/oxdna/OxdnaReader.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <algebra3d/Vector3.h>
+
+#include <strandview/analysis/doubleStrands.h>
+#include <strandview/analysis/mutuallyNearest.h>
+#include <strandview/formats/Collector.h>
+#include <strandview/formats/IndexedSeries.h>
+#include <strandview/formats/Milestones.h>
+#include <strandview/formats/RowScanner.h>
+#include <strandview/formats/Source.h>
+#include <strandview/formats/checks.h>
+#include <strandview/formats/directors.h>
+#include <strandview/formats/oxdna/files.h>
+#include <strandview/formats/text/numbers.h>
+#include <strandview/formats/text/wording.h>
+
+namespace strandview {
+
+namespace {
+
+using Vector = algebra3d::Vector3<double>;
+using Points = std::vector<Vector>;
+
+constexpr double UNIT = 8.518; ///< ångström
+
+// Places along a1, in units.
+constexpr double BASE_SITE = 0.4;
+constexpr double BACKBONE_SITE = -0.4;
+constexpr double FRAME_ORIGIN = 0.6; ///< of the base's frame, where that of its pair is
+
+// Of two bases that are paired.
+constexpr double FARTHEST_SITES = 0.6;
+constexpr double LARGEST_COSINE = -0.5;
+constexpr std::int64_t COMPLEMENTARY_SUM = 3;
+
+/// One nucleotide as a line of the file has it, in units.
+struct Placed
+{
+    Vector position, a1, a3;
+};
+
+std::string_view afterEquals(std::string_view line)
+{
+    return trimmed(line.substr(std::min(line.find('=') + 1, line.size())));
+}
+
+bool beginsConfiguration(std::string_view line)
+{
+    line = trimmed(line);
+    return line.substr(0, 1) == "t" && trimmed(line.substr(1)).substr(0, 1) == "=";
+}
+
+/// Chains of nucleotides from their 5' ends on, in the order of their lowest indices. A circle
+/// begins at its lowest index, and its last nucleotide goes on to it.
+std::vector<std::vector<std::size_t>> chainsOf(const std::vector<Nucleotide>& nucleotides)
+{
+    std::vector<std::vector<std::size_t>> chains;
+    std::vector<bool> isTaken(nucleotides.size());
+    for (std::size_t i = 0; i < nucleotides.size(); ++i) {
+        if (isTaken[i])
+            continue;
+        std::size_t start = i;
+        while (nucleotides[start].previous != NO_NUCLEOTIDE && nucleotides[start].previous != i)
+            start = nucleotides[start].previous;
+        if (nucleotides[start].previous == i)
+            start = i;
+        std::vector<std::size_t>& chain = chains.emplace_back();
+        for (std::size_t at = start; at != NO_NUCLEOTIDE && !isTaken[at];
+             at = nucleotides[at].next) {
+            isTaken[at] = true;
+            chain.push_back(at);
+        }
+    }
+    return chains;
+}
+
+/// Reads one configuration.
+class ConfigurationReader
+{
+public:
+    ConfigurationReader(const OxdnaTopology& oxdnaTopology, const FrameText& frame,
+                        const std::string& name, const ReadOptions& readOptions,
+                        ReadReport& readReport)
+        : topology(oxdnaTopology),
+          text(frame.text),
+          fileName(name),
+          options(readOptions),
+          report(readReport),
+          rows(frame.text, name, readReport, frame.line),
+          milestones(readOptions, frame.text.size())
+    {}
+
+    FrameRead read()
+    {
+        if (!readHeader() || !readNucleotides())
+            return {{}, isCut};
+        pair();
+        return {makeConfiguration()};
+    }
+
+private:
+    bool readHeader()
+    {
+        for (const char* key : {"t", "b", "E"}) {
+            const std::string expected = "'" + std::string(key) + " = ...'";
+            if (!rows.nextRow(expected))
+                return failCut();
+            const std::string_view line = trimmed(rows.getRestOfLine());
+            if (line.substr(0, 1) != key || trimmed(line.substr(1)).substr(0, 1) != "=")
+                return rows.fail("found " + inQuotes(line) + ", expected " + expected);
+        }
+        return true;
+    }
+
+    bool readNucleotides()
+    {
+        const std::size_t count = topology.nucleotides.size();
+        const std::string expected =
+            "expected " + std::to_string(count) + " as in " + topology.name;
+        placed.reserve(std::min(count, countLines(text)));
+        while (rows.nextRow()) {
+            if (!milestones.pass(rows.getPosition())) {
+                report.error = fileName + ": " + READING_STOPPED;
+                return false;
+            }
+            if (placed.size() == count)
+                return rows.fail("found one more nucleotide, " + expected);
+            if (!readNucleotide())
+                return false;
+        }
+        if (placed.size() == count)
+            return true;
+        rows.fail("found the end of the configuration after " +
+                  counted(placed.size(), "nucleotide") + ", " + expected);
+        return failCut();
+    }
+
+    bool readNucleotide()
+    {
+        Placed one;
+        if (!rows.takePoint(one.position) || !rows.takePoint(one.a1) || !rows.takePoint(one.a3))
+            return isLastLine() ? failCut() : false;
+        for (int i = 0; i < 3; ++i)
+            if (!isCoordinate(UNIT * (std::abs(one.position[i]) + std::abs(one.a1[i]))))
+                return rows.fail("found " + formatted(one.position[i]) +
+                                 " units of 8.518 ångström, expected " + EXPECTED_COORDINATE);
+        BaseFrame frame;
+        frame.point = UNIT * (one.position + one.a1 * FRAME_ORIGIN);
+        const std::string fault =
+            findRotation({std::nullopt, -one.a1, -one.a3}, options, frame.rotation);
+        if (!fault.empty())
+            return rows.fail("axes a1 and a3: " + fault);
+        nucleotides.push_back(topology.nucleotides[placed.size()]);
+        nucleotides.back().frame = frame;
+        placed.push_back(one);
+        return true;
+    }
+
+    bool isLastLine() const
+    {
+        return text.find('\n', rows.getPosition()) == std::string_view::npos;
+    }
+
+    bool failCut()
+    {
+        isCut = true;
+        return false;
+    }
+
+    void pair()
+    {
+        Points sites;
+        sites.reserve(placed.size());
+        for (const Placed& one : placed)
+            sites.push_back(one.position + one.a1 * BASE_SITE);
+        const auto partners =
+            mutuallyNearest(sites, FARTHEST_SITES, [&](std::size_t i, std::size_t j) {
+                const std::int64_t sum =
+                    std::int64_t(topology.codes[i]) + std::int64_t(topology.codes[j]);
+                return sum == COMPLEMENTARY_SUM && placed[i].a1.dot(placed[j].a1) < LARGEST_COSINE
+                           ? (sites[i] - sites[j]).getNorm()
+                           : std::numeric_limits<double>::infinity();
+            });
+        for (std::size_t i = 0; i < partners.size(); ++i)
+            nucleotides[i].partner = partners[i];
+    }
+
+    std::optional<Configuration> makeConfiguration()
+    {
+        NucleotideNames names;
+        names.file = fileName;
+        for (std::size_t strand = 1; strand <= topology.strands; ++strand)
+            names.strands.push_back(std::to_string(strand));
+        names.placeOf = [](std::size_t i) { return "nucleotide " + std::to_string(i); };
+        DoubleStrands all = makeDoubleStrands(nucleotides, names);
+        Collector collector;
+        for (const std::vector<std::size_t>& chain : chainsOf(nucleotides))
+            if (!addBackbone(chain, all.molecules, collector))
+                return {};
+        for (Dna& dna : all.dnas)
+            collector.add(std::move(dna));
+        for (LoneBase& base : all.loneBases)
+            collector.add(std::move(base));
+        return collector.finish(fileName, "strand", report);
+    }
+
+    bool addBackbone(const std::vector<std::size_t>& chain,
+                     const std::vector<std::size_t>& molecules, Collector& collector)
+    {
+        if (chain.size() < 2)
+            return true;
+        Rod rod;
+        const std::size_t strand = nucleotides[chain.front()].strand;
+        rod.name = "strand " + std::to_string(strand + 1);
+        rod.origin = fileName + ": " + rod.name;
+        rod.isBackbone = true;
+        rod.molecule = molecules[strand];
+        for (const std::size_t i : chain)
+            rod.points.push_back(UNIT * (placed[i].position + placed[i].a1 * BACKBONE_SITE));
+        if (nucleotides[chain.back()].next == chain.front()) {
+            rod.isClosed = true;
+            rod.points.push_back(rod.points.front());
+        }
+        const std::string origin = rod.origin, fault = collector.add(std::move(rod));
+        if (!fault.empty())
+            report.error = origin + ": " + fault;
+        return fault.empty();
+    }
+
+    const OxdnaTopology& topology;
+    std::string_view text;
+    const std::string& fileName;
+    const ReadOptions& options;
+    ReadReport& report;
+    RowScanner rows;
+    Milestones milestones;
+    std::vector<Placed> placed;
+    std::vector<Nucleotide> nucleotides;
+    bool isCut = false;
+};
+
+class OxdnaFrames : public TextFrames
+{
+public:
+    explicit OxdnaFrames(OxdnaTopology ofStrands) : topology(std::move(ofStrands)) {}
+
+    void see(std::string_view line, FrameIndex& index) override
+    {
+        if (beginsConfiguration(line)) {
+            index.begin();
+            double time = 0;
+            if (parseNumber(afterEquals(line), time) == std::errc())
+                index.setTime(time);
+        } else if (index.count() == 0 && !trimmed(line).empty()) {
+            index.refuse("found " + inQuotes(line) + ", expected 't = ...'");
+        }
+    }
+
+    FrameRead read(const FrameText& frame, const std::string& fileName, const ReadOptions& options,
+                   ReadReport& report) override
+    {
+        return ConfigurationReader(topology, frame, fileName, options, report).read();
+    }
+
+private:
+    OxdnaTopology topology;
+};
+
+/// Whether it is a topology that was named, of which the configuration is another file.
+std::optional<bool> isTopology(Source& source, const ReadOptions& options, ReadReport& report)
+{
+    constexpr std::size_t enough = 4096;
+    const auto beginning = source.readBeginning(enough, options, report);
+    if (!beginning)
+        return {};
+    return countInOxdnaTopology(*beginning).has_value();
+}
+
+/// Of a topology's configuration; report.error if there is none.
+std::unique_ptr<OxdnaFrames> framesFor(Source& configuration, const std::string& topologyPath,
+                                       ReadOptions options, ReadReport& report)
+{
+    if (!topologyPath.empty())
+        options.topology = topologyPath;
+    std::optional<OxdnaTopology> topology = findOxdnaTopology(configuration, options, report);
+    return topology ? std::make_unique<OxdnaFrames>(std::move(*topology)) : nullptr;
+}
+
+} // namespace
+
+std::optional<Configuration> readOxdna(Source& source, const ReadOptions& options,
+                                       ReadReport& report)
+{
+    const std::optional<bool> isNamedByTopology = isTopology(source, options, report);
+    if (!isNamedByTopology)
+        return {};
+    std::unique_ptr<Source> found;
+    if (*isNamedByTopology && !(found = findOxdnaConfiguration(source, options, report)))
+        return {};
+    Source& configuration = found ? *found : source;
+    const auto frames = framesFor(configuration, found ? source.getPath() : "", options, report);
+    return frames ? IndexedSeries::readFirst(configuration, *frames, options, report)
+                  : std::nullopt;
+}
+
+std::unique_ptr<Series> openOxdna(std::unique_ptr<Source> source, const ReadOptions& options,
+                                  ReadReport& report)
+{
+    const std::optional<bool> isNamedByTopology = isTopology(*source, options, report);
+    if (!isNamedByTopology)
+        return nullptr;
+    std::string topology;
+    if (*isNamedByTopology) {
+        topology = source->getPath();
+        source = findOxdnaConfiguration(*source, options, report);
+    }
+    auto frames = source ? framesFor(*source, topology, options, report) : nullptr;
+    return frames ? IndexedSeries::open(std::move(source), std::move(frames), options, report)
+                  : nullptr;
+}
+
+Likeness likenessToOxdna(std::string_view beginning)
+{
+    const bool isOne = isOxdnaConfiguration(beginning) || countInOxdnaTopology(beginning);
+    return isOne ? Likeness::CERTAIN : Likeness::NONE;
+}
+
+} // namespace strandview
