@@ -12,6 +12,7 @@
 #include <strandview/formats/TableReader.h>
 #include <strandview/formats/structures/StructureReader.h>
 #include <strandview/formats/oxdna/OxdnaReader.h>
+#include <strandview/formats/numpy/NumpyReader.h>
 #include <strandview/formats/text/encoding.h>
 
 namespace strandview {
@@ -92,6 +93,7 @@ const std::vector<Format>& formats()
          likenessToOxdna,
          readOxdna,
          openOxdna},
+        {"NumPy", "arrays of NumPy", {".npy", ".npz"}, likenessToNumpy, readNumpy, openNumpySeries},
     };
     return all;
 }

@@ -262,7 +262,8 @@ TEST(Collector, SaysWhereThereIsNothingToClose)
     const Collected result = collectClosing(rod);
     EXPECT_EQ(result.configuration->rods[0].points.size(), 2u);
     EXPECT_FALSE(result.configuration->rods[0].isClosed);
-    EXPECT_EQ(result.report.notices.at(0), "file: --closed has no effect: found no rod whose ends are apart");
+    EXPECT_EQ(result.report.notices.at(0),
+              "file: --closed has no effect: found no rod whose ends are apart");
 }
 
 TEST(Collector, PointsLeftOutDoNotOpenAClosedRod)

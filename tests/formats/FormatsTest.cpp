@@ -76,7 +76,7 @@ TEST(Formats, TheContentTellsOne)
     EXPECT_EQ(nameOf(formatOfContent("\xEF\xBB\xBF{")), "JSON");
     EXPECT_EQ(nameOf(formatOfContent("0 0 0\n{")), "Tables");
     EXPECT_EQ(nameOf(formatOfContent("")), "Tables");
-    for (const std::string& bytes : {"{\0"s, "\x93NUMPY\x01"s, "\xFF\xFE{"s})
+    for (const std::string& bytes : {"{\0"s, "PK\x03\x04"s, "\xFF\xFE{"s})
         EXPECT_EQ(formatOfContent(bytes), nullptr);
 }
 
@@ -91,6 +91,7 @@ TEST(Formats, WhatIsExpectedNamesThemAll)
 
 TEST(Formats, EachReadsASourceUnderItsName)
 {
+    using namespace std::string_literals;
     const std::map<std::string, std::string> texts = {
         {"Tables", "0 0 0\n0 0 1\n"},
         {"JSON", R"({"strandview": 1, "rods": [{"points": [[0, 0, 0], [0, 0, 1]]}]})"},
@@ -98,6 +99,9 @@ TEST(Formats, EachReadsASourceUnderItsName)
                             "C-G 0 0 0 0 0 0 0 0 3.4 0 0 36\n"},
         {"Pair frames", "{{0,0,0},{{1,0,0},{0,1,0},{0,0,1}}}\n"
                         "{{0,0,3},{{1,0,0},{0,1,0},{0,0,1}}}\n"},
+        {"NumPy",
+         "\x93NUMPY\x01\0\x3B\0{'descr': '<f8', 'fortran_order': False, 'shape': (2, 3)}  "s +
+             std::string(46, '\0') + "\xF0\x3F"},
     };
     for (const Format& format : formats()) {
         SCOPED_TRACE(format.name);

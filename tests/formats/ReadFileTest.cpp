@@ -97,12 +97,8 @@ TEST_F(ReadFile, WithoutAKnownEndingTheContentDecidesTheFormat)
 TEST_F(ReadFile, RefusesBinaryDataThatNoEndingNames)
 {
     using namespace std::string_literals;
-    const std::string faults[] = {"\x89PNG\r\n\x1a\n\0\0\0\rIHDR"s,
-                                  "PK\x03\x04\x14"s,
-                                  "\x93NUMPY\x01\0v\0{'descr': '<f8'"s,
-                                  "\x1f\x8b\x08"s,
-                                  "{\0"s,
-                                  "0 0 0\n0 0 \0"s};
+    const std::string faults[] = {"\x89PNG\r\n\x1a\n\0\0\0\rIHDR"s, "PK\x03\x04\x14"s,
+                                  "\x1f\x8b\x08"s, "{\0"s, "0 0 0\n0 0 \0"s};
     for (const std::string& text : faults) {
         const std::string path = write("rod.out", text);
         EXPECT_FALSE(read(path));

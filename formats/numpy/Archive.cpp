@@ -1,0 +1,251 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <strandview/formats/numpy/Archive.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <map>
+#include <utility>
+
+#include <zip.h>
+
+namespace strandview {
+
+namespace {
+
+constexpr std::size_t PIECE = 1 << 18;
+/// Entries that are open at a time; each takes some 50 KB where it is packed.
+constexpr std::size_t MOST_OPEN = 16;
+
+/// What libzip reads an archive from. It asks for bytes while something else is asked of it, hence
+/// the options and the report of the moment.
+struct Bytes
+{
+    Source& source;
+    std::uint64_t size;
+    std::uint64_t place = 0;
+    const ReadOptions* options = nullptr;
+    ReadReport* report = nullptr;
+    zip_error_t error;
+
+    zip_int64_t read(void* to, zip_uint64_t count)
+    {
+        const std::uint64_t most = std::min<std::uint64_t>({count, size - place, PIECE});
+        const auto bytes = source.readAt(place, std::size_t(most), *options, *report);
+        if (!bytes) {
+            zip_error_set(&error, ZIP_ER_READ, EIO);
+            return -1;
+        }
+        std::memcpy(to, bytes->data(), bytes->size());
+        place += bytes->size();
+        return zip_int64_t(bytes->size());
+    }
+
+    zip_int64_t seek(void* data, zip_uint64_t length)
+    {
+        const zip_int64_t to = zip_source_seek_compute_offset(place, size, data, length, &error);
+        if (to < 0)
+            return -1;
+        place = std::uint64_t(to);
+        return 0;
+    }
+
+    zip_int64_t tellSize(void* data, zip_uint64_t length)
+    {
+        zip_stat_t* const facts = ZIP_SOURCE_GET_ARGS(zip_stat_t, data, length, &error);
+        if (!facts)
+            return -1;
+        zip_stat_init(facts);
+        facts->size = size;
+        facts->valid = ZIP_STAT_SIZE;
+        return sizeof(*facts);
+    }
+
+    static zip_int64_t answer(void* self, void* data, zip_uint64_t length, zip_source_cmd_t command)
+    {
+        Bytes& bytes = *static_cast<Bytes*>(self);
+        switch (command) {
+        case ZIP_SOURCE_OPEN:
+            bytes.place = 0;
+            return 0;
+        case ZIP_SOURCE_READ:
+            return bytes.read(data, length);
+        case ZIP_SOURCE_SEEK:
+            return bytes.seek(data, length);
+        case ZIP_SOURCE_TELL:
+            return zip_int64_t(bytes.place);
+        case ZIP_SOURCE_STAT:
+            return bytes.tellSize(data, length);
+        case ZIP_SOURCE_ERROR:
+            return zip_error_to_data(&bytes.error, data, length);
+        case ZIP_SOURCE_SUPPORTS:
+            return zip_source_make_command_bitmap(
+                ZIP_SOURCE_OPEN, ZIP_SOURCE_READ, ZIP_SOURCE_CLOSE, ZIP_SOURCE_STAT,
+                ZIP_SOURCE_ERROR, ZIP_SOURCE_FREE, ZIP_SOURCE_SEEK, ZIP_SOURCE_TELL,
+                ZIP_SOURCE_SUPPORTS, -1);
+        default: // nothing to close or to free
+            return 0;
+        }
+    }
+};
+
+/// An entry that is being read.
+struct OpenEntry
+{
+    zip_file_t* file = nullptr;
+    std::uint64_t place = 0; ///< in it
+};
+
+std::string notUnpacked(const std::string& reason) { return "cannot be unpacked: " + reason; }
+
+} // namespace
+
+struct Archive::Zip
+{
+    explicit Zip(Source& source, std::uint64_t size) : bytes{source, size, 0, nullptr, nullptr, {}}
+    {
+        zip_error_init(&bytes.error);
+    }
+    ~Zip()
+    {
+        closeEntries();
+        if (archive)
+            zip_discard(archive);
+        zip_error_fini(&bytes.error);
+    }
+    Zip(const Zip&) = delete;
+    Zip& operator=(const Zip&) = delete;
+
+    bool open(ReadReport& report)
+    {
+        zip_error_t error;
+        zip_error_init(&error);
+        zip_source_t* const from = zip_source_function_create(Bytes::answer, &bytes, &error);
+        archive = from ? zip_open_from_source(from, ZIP_RDONLY, &error) : nullptr;
+        if (!archive && from)
+            zip_source_free(from);
+        if (!archive && report.error.empty())
+            report.error = bytes.source.getName() + ": found no whole ZIP archive (" +
+                           zip_error_strerror(&error) + "), expected one of NumPy's arrays";
+        zip_error_fini(&error);
+        return archive;
+    }
+
+    void closeEntries()
+    {
+        for (auto& [entry, opened] : entries)
+            zip_fclose(opened.file);
+        entries.clear();
+    }
+
+    void close(std::size_t entry)
+    {
+        zip_fclose(entries[entry].file);
+        entries.erase(entry);
+    }
+
+    /// At the place, or before it where the bytes between have to be read.
+    OpenEntry* openAt(std::size_t entry, std::uint64_t place)
+    {
+        if (entries.count(entry) > 0 && entries[entry].place > place && !isStored(entry))
+            close(entry);
+        if (entries.count(entry) == 0) {
+            if (entries.size() >= MOST_OPEN)
+                closeEntries();
+            zip_file_t* const file = zip_fopen_index(archive, entry, 0);
+            if (!file)
+                return nullptr;
+            entries[entry] = {file, 0};
+        }
+        OpenEntry& opened = entries[entry];
+        if (opened.place != place && isStored(entry) &&
+            zip_fseek(opened.file, zip_int64_t(place), SEEK_SET) == 0)
+            opened.place = place;
+        return &opened;
+    }
+
+    bool isStored(std::size_t entry) const
+    {
+        zip_stat_t facts;
+        return zip_stat_index(archive, entry, 0, &facts) == 0 &&
+               (facts.valid & ZIP_STAT_COMP_METHOD) && facts.comp_method == ZIP_CM_STORE;
+    }
+
+    Bytes bytes;
+    zip_t* archive = nullptr;
+    std::map<std::size_t, OpenEntry> entries;
+};
+
+Archive::Archive(std::unique_ptr<Zip> openZip) : zip(std::move(openZip))
+{
+    const zip_int64_t count = zip_get_num_entries(zip->archive, 0);
+    for (zip_int64_t i = 0; i < count; ++i) {
+        const char* const name = zip_get_name(zip->archive, zip_uint64_t(i), 0);
+        names.emplace_back(name ? name : "");
+    }
+}
+
+Archive::~Archive() = default;
+
+std::unique_ptr<Archive> Archive::open(Source& source, const ReadOptions& options,
+                                       ReadReport& report)
+{
+    std::optional<std::uint64_t> size = source.getSize();
+    if (!size) {
+        const auto all = source.readAll(options, report);
+        if (!all)
+            return nullptr;
+        size = all->size();
+    }
+    auto zip = std::make_unique<Zip>(source, *size);
+    zip->bytes.options = &options;
+    zip->bytes.report = &report;
+    return zip->open(report) ? std::unique_ptr<Archive>(new Archive(std::move(zip))) : nullptr;
+}
+
+std::uint64_t Archive::sizeOf(std::size_t entry) const
+{
+    zip_stat_t facts;
+    return zip_stat_index(zip->archive, entry, 0, &facts) == 0 && (facts.valid & ZIP_STAT_SIZE)
+               ? facts.size
+               : 0;
+}
+
+std::optional<std::string> Archive::readAt(std::size_t entry, std::uint64_t offset,
+                                           std::size_t count, const ReadOptions& options,
+                                           ReadReport& report)
+{
+    zip->bytes.options = &options;
+    zip->bytes.report = &report;
+    const auto fail = [&](const std::string& reason) {
+        if (report.error.empty())
+            report.error =
+                zip->bytes.source.getName() + ": " + names[entry] + ": " + notUnpacked(reason);
+        return std::nullopt;
+    };
+    OpenEntry* const opened = zip->openAt(entry, offset);
+    if (!opened)
+        return fail(zip_strerror(zip->archive));
+    std::string bytes;
+    for (std::size_t got = 0; got < count;) {
+        // What lies before the offset is read and dropped.
+        const std::uint64_t before = offset - std::min(offset, opened->place);
+        const std::size_t piece =
+            std::size_t(std::min<std::uint64_t>(before > 0 ? before : count - got, PIECE));
+        bytes.resize(got + piece);
+        const zip_int64_t more = zip_fread(opened->file, &bytes[got], piece);
+        const std::string reason = more < 0 ? zip_file_strerror(opened->file) : "";
+        if (more < 0)
+            zip->close(entry);
+        if (more < 0)
+            return fail(reason);
+        opened->place += std::uint64_t(more);
+        got += before > 0 ? 0 : std::size_t(more);
+        bytes.resize(got);
+        if (more == 0)
+            break;
+    }
+    return bytes;
+}
+
+} // namespace strandview

@@ -1,0 +1,193 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <strandview/formats/numpy/NumpyFile.h>
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+#include <strandview/formats/Milestones.h>
+#include <strandview/formats/text/wording.h>
+
+namespace strandview {
+
+namespace {
+
+constexpr std::size_t PIECE = 1 << 17; ///< in numbers: a MiB of doubles
+constexpr std::string_view ENDING = ".npy";
+
+bool endsAsArray(const std::string& name)
+{
+    return name.size() > ENDING.size() &&
+           name.compare(name.size() - ENDING.size(), ENDING.size(), ENDING) == 0;
+}
+
+/// Of all axes but the first ones; it was checked to fit.
+std::uint64_t product(const std::vector<std::uint64_t>& shape, std::size_t from = 0)
+{
+    std::uint64_t count = 1;
+    for (std::size_t axis = from; axis < shape.size(); ++axis)
+        count *= shape[axis];
+    return count;
+}
+
+std::vector<std::size_t> stridesOf(const std::vector<std::uint64_t>& shape, bool isFortranOrder)
+{
+    std::vector<std::size_t> strides(shape.size());
+    std::size_t stride = 1;
+    for (std::size_t i = 0; i < shape.size(); ++i) {
+        const std::size_t axis = isFortranOrder ? i : shape.size() - 1 - i;
+        strides[axis] = stride;
+        stride *= std::size_t(shape[axis]);
+    }
+    return strides;
+}
+
+bool isHostBigEndian()
+{
+    const std::uint16_t one = 1;
+    unsigned char first;
+    std::memcpy(&first, &one, 1);
+    return first == 0;
+}
+
+/// Appends every `step`-th number, from the `skip`-th on.
+template <typename Float>
+void append(std::string& bytes, bool isReversed, std::uint64_t skip, std::uint64_t step,
+            std::vector<double>& values)
+{
+    const std::uint64_t count = bytes.size() / sizeof(Float);
+    if (skip >= count)
+        return;
+    std::size_t to = values.size();
+    values.resize(to + std::size_t((count - skip - 1) / step + 1));
+    for (std::uint64_t i = skip; i < count; i += step) {
+        char* const place = &bytes[std::size_t(i) * sizeof(Float)];
+        if (isReversed)
+            std::reverse(place, place + sizeof(Float));
+        Float number;
+        std::memcpy(&number, place, sizeof(Float));
+        values[to++] = double(number);
+    }
+}
+
+} // namespace
+
+std::uint64_t NumpyArray::wholeCount() const
+{
+    const std::uint64_t rest = product(header.shape, 1) * header.itemSize;
+    const std::uint64_t all = header.shape.empty() ? 1 : header.shape[0];
+    const std::uint64_t there = size - std::min(size, header.dataOffset);
+    if (rest == 0 || there / rest >= all)
+        return all;
+    return header.isFortranOrder ? 0 : there / rest;
+}
+
+std::unique_ptr<NumpyFile> NumpyFile::open(Source& source, const ReadOptions& options,
+                                           ReadReport& report)
+{
+    const auto beginning = source.readBeginning(NPY_MAGIC.size(), options, report);
+    if (!beginning)
+        return nullptr;
+    std::unique_ptr<NumpyFile> file(new NumpyFile(source));
+    if (isPickle(*beginning)) {
+        report.error = source.getName() + ": " + pickleRefusal();
+        return nullptr;
+    }
+    if (beginning->substr(0, 2) == "PK") {
+        file->archive = Archive::open(source, options, report);
+        return file->archive ? std::move(file) : nullptr;
+    }
+    std::optional<std::uint64_t> size = source.getSize();
+    if (!size) {
+        const auto all = source.readAll(options, report);
+        if (!all)
+            return nullptr;
+        size = all->size();
+    }
+    file->size = *size;
+    return file;
+}
+
+std::vector<std::string> NumpyFile::getNames() const
+{
+    if (!archive)
+        return {""};
+    std::vector<std::string> names;
+    for (const std::string& name : archive->getNames())
+        if (endsAsArray(name))
+            names.push_back(name.substr(0, name.size() - ENDING.size()));
+    return names;
+}
+
+std::optional<std::string> NumpyFile::readBytes(std::size_t entry, std::uint64_t offset,
+                                                std::size_t count, const ReadOptions& options,
+                                                ReadReport& report)
+{
+    return archive ? archive->readAt(entry, offset, count, options, report)
+                   : source.readAt(offset, count, options, report);
+}
+
+std::optional<NumpyArray> NumpyFile::describe(const std::string& name, const ReadOptions& options,
+                                              ReadReport& report)
+{
+    NumpyArray array;
+    array.name = name;
+    array.path = source.getName();
+    array.size = size;
+    if (archive) {
+        array.path += ": " + shortened(name);
+        const std::vector<std::string>& names = archive->getNames();
+        const auto found = std::find(names.begin(), names.end(), name + std::string(ENDING));
+        array.entry = std::size_t(found - names.begin());
+        array.size = archive->sizeOf(array.entry);
+    }
+    const auto bytes = readBytes(array.entry, 0, LARGEST_NPY_HEADER, options, report);
+    if (!bytes)
+        return {};
+    const std::string fault = parseNpyHeader(*bytes, array.header);
+    if (fault.empty())
+        return array;
+    report.error = array.path + ": " + fault;
+    return {};
+}
+
+std::optional<Numbers> NumpyFile::read(const NumpyArray& array, std::optional<std::uint64_t> first,
+                                       const ReadOptions& options, ReadReport& report)
+{
+    const NpyHeader& header = array.header;
+    Numbers numbers;
+    numbers.shape.assign(header.shape.begin() + (first ? 1 : 0), header.shape.end());
+    numbers.strides = stridesOf(numbers.shape, header.isFortranOrder);
+    const std::uint64_t count = product(numbers.shape);
+    // In Fortran order what belongs together is as far apart as the first index has places.
+    const std::uint64_t step = first && header.isFortranOrder ? header.shape[0] : 1;
+    const std::uint64_t begin = first ? *first * (header.isFortranOrder ? 1 : count) : 0;
+    const std::uint64_t span = count == 0 ? 0 : (count - 1) * step + 1;
+    for (std::uint64_t done = 0; done < span;) {
+        const double share = double(done) / double(span);
+        ReadOptions asking;
+        if (options.goOn)
+            asking.goOn = [&options, share](double) { return options.goOn(share); };
+        const std::size_t piece = std::size_t(std::min<std::uint64_t>(PIECE, span - done));
+        auto bytes = readBytes(array.entry, header.dataOffset + (begin + done) * header.itemSize,
+                               piece * header.itemSize, asking, report);
+        if (!bytes)
+            return {};
+        if (bytes->size() < piece * header.itemSize) {
+            report.error = array.path +
+                           ": found the end of the file within the numbers, expected " +
+                           "all of shape " + shapeText(header.shape);
+            return {};
+        }
+        const bool isReversed = header.isBigEndian != isHostBigEndian();
+        const std::uint64_t skip = (step - done % step) % step;
+        if (header.itemSize == sizeof(float))
+            append<float>(*bytes, isReversed, skip, step, numbers.values);
+        else
+            append<double>(*bytes, isReversed, skip, step, numbers.values);
+        done += piece;
+    }
+    return numbers;
+}
+
+} // namespace strandview

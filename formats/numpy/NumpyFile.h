@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_FORMATS_NUMPY_NUMPYFILE_H
+#define STRANDVIEW_FORMATS_NUMPY_NUMPYFILE_H
+
+#include <cstddef>
+#include <cstdint>
+#include <initializer_list>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <strandview/formats/ReadReport.h>
+#include <strandview/formats/Source.h>
+#include <strandview/formats/numpy/Archive.h>
+#include <strandview/formats/numpy/npyHeader.h>
+#include <strandview/formatsExport.h>
+
+namespace strandview {
+
+/// Numbers of an array, with the shape that they have in Python.
+struct Numbers
+{
+    std::vector<std::uint64_t> shape;
+    std::vector<std::size_t> strides; ///< by how many numbers one more of an index goes on
+    std::vector<double> values;
+
+    double at(std::initializer_list<std::size_t> indices) const
+    {
+        std::size_t place = 0, axis = 0;
+        for (const std::size_t index : indices)
+            place += index * strides[axis++];
+        return values[place];
+    }
+};
+
+/// One array of a file, not read yet.
+struct STRANDVIEW_FORMATS_EXPORT NumpyArray
+{
+    std::string name; ///< without ".npy"; that of an .npy file is empty
+    std::string path; ///< for messages: "run.npz: points", or the file alone
+    NpyHeader header;
+    std::size_t entry = 0;  ///< in the archive
+    std::uint64_t size = 0; ///< in bytes, with the header: those that are there
+
+    /// How many there are of the first index, with all that belongs to them: fewer than the shape
+    /// says where the file is cut short.
+    std::uint64_t wholeCount() const;
+};
+
+/// An array (.npy), or an archive of arrays (.npz). Nothing is read but what is asked for, and
+/// memory is taken as the bytes come. Pickles are never opened.
+class STRANDVIEW_FORMATS_EXPORT NumpyFile
+{
+public:
+    /// Null and report.error if it is neither. The source must outlive the file.
+    static std::unique_ptr<NumpyFile> open(Source& source, const ReadOptions& options,
+                                           ReadReport& report);
+
+    bool isArchive() const { return archive != nullptr; }
+    /// Of the archive's arrays, without ".npy"; of an .npy file an empty one.
+    std::vector<std::string> getNames() const;
+    /// One of them; nothing and report.error if it cannot be read.
+    std::optional<NumpyArray> describe(const std::string& name, const ReadOptions& options,
+                                       ReadReport& report);
+
+    /// All of an array, or what it has at one place of its first index. Nothing and report.error
+    /// if not all of it is there.
+    std::optional<Numbers> read(const NumpyArray& array, std::optional<std::uint64_t> first,
+                                const ReadOptions& options, ReadReport& report);
+
+private:
+    explicit NumpyFile(Source& openSource) : source(openSource) {}
+    std::optional<std::string> readBytes(std::size_t entry, std::uint64_t offset, std::size_t count,
+                                         const ReadOptions& options, ReadReport& report);
+
+    Source& source;
+    std::unique_ptr<Archive> archive; ///< null of an .npy file
+    std::uint64_t size = 0;           ///< of that
+};
+
+} // namespace strandview
+
+#endif
