@@ -6,6 +6,8 @@
 
 #include "command/parseOptions.h"
 #include "info/Findings.h"
+#include "output/OutputFile.h"
+#include "output/exportFiles.h"
 #include "pictures/PictureWriter.h"
 #include "request/ExitStatus.h"
 #include "request/print.h"
@@ -13,6 +15,7 @@
 #include "scene/Progress.h"
 #include "scene/SceneBuilder.h"
 #include "scene/SceneLoader.h"
+#include "scene/readFiles.h"
 #include "window/checkDisplay.h"
 #include "window/runWindow.h"
 
@@ -47,8 +50,8 @@ int renderPicture(const Options& options, DataScene* scene)
 int tellFindings(const Options& options)
 {
     ReadReport report;
-    const std::optional<Findings> findings =
-        findIn(options.files, 0, {options.normalise, {}, false}, report);
+    const std::optional<Findings> findings = findIn(
+        options.files, std::size_t(options.frame.value_or(0)), readOptionsOf(options, {}), report);
     if (!findings)
         return fail(BAD_INPUT, report.error);
     const std::string untold = print(options.asJson ? toJson(*findings, options.dna.angstrom)
@@ -56,11 +59,31 @@ int tellFindings(const Options& options)
     return untold.empty() ? SUCCESS : fail(CANNOT_WRITE, untold);
 }
 
+// A refusal stays one line: notices are told only when all is well.
+void tell(const std::vector<std::string>& notices)
+{
+    for (const std::string& notice : notices)
+        std::cerr << "strandview: " << notice << "\n";
+}
+
+int exportData(const Options& options)
+{
+    ReadReport report;
+    const std::string failure = exportFiles(options, report);
+    if (!report.error.empty())
+        return fail(BAD_INPUT, report.error);
+    if (!failure.empty())
+        return fail(CANNOT_WRITE, failure);
+    tell(report.notices);
+    return SUCCESS;
+}
+
 int showWindow(const Options& options)
 {
-    // The command line's scalar need not be one of every file that is opened later.
+    // The command line's scalar and frame need not be those of every file that is opened later.
     Options later = options;
     later.colourIfPossible = true;
+    later.frame.reset();
     const auto loaderFor = [](const Options& asked) {
         return
             [&asked](const std::vector<std::string>& files, ReadReport& report,
@@ -79,15 +102,18 @@ int checkOutput(const Options& options)
     std::string refusal;
     if (options.picture)
         refusal = checkPictureName("--render", *options.picture, options.transparent);
+    else if (options.exportFile)
+        refusal = checkExportName(*options.exportFile);
     else if (options.windowPicture)
         refusal = checkPictureName("--screenshot-after", *options.windowPicture, false);
     if (!refusal.empty())
         return fail(BAD_INPUT, refusal);
-    const std::optional<std::string>& output =
-        options.picture ? options.picture : options.windowPicture;
+    const std::optional<std::string>& output = options.picture      ? options.picture
+                                               : options.exportFile ? options.exportFile
+                                                                    : options.windowPicture;
     if (output)
         refusal = checkWritable(*output);
-    if (refusal.empty() && !options.picture)
+    if (refusal.empty() && !options.picture && !options.exportFile)
         refusal = checkDisplay();
     return refusal.empty() ? SUCCESS : fail(CANNOT_WRITE, refusal);
 }
@@ -104,6 +130,8 @@ int run(int argc, char** argv)
     const int refused = checkOutput(options);
     if (refused)
         return refused;
+    if (options.exportFile)
+        return exportData(options);
     if (!options.picture)
         initialiseWindows("strandview");
     initialiseScene();
@@ -114,9 +142,7 @@ int run(int argc, char** argv)
     DataScene* scene = loadScene(options.files, options, report);
     if (!scene)
         return fail(BAD_INPUT, report.error);
-    // A refusal stays one line: notices are told only when all is well.
-    for (const std::string& notice : report.notices)
-        std::cerr << "strandview: " << notice << "\n";
+    tell(report.notices);
     scene->ref();
     const int status = renderPicture(options, scene);
     scene->unref();

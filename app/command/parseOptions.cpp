@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <cstring>
 #include <iostream>
+#include <limits>
 #include <sstream>
 
 #include <CLI/CLI.hpp>
@@ -302,7 +303,8 @@ void addInfo(CLI::App& app, CLI::Option* render, Options& options)
     CLI::Option* info =
         app.add_flag("--info", options.info, "Tell what was found instead of showing it")
             ->excludes(render)
-            ->excludes(app.get_option("--screenshot-after"));
+            ->excludes(app.get_option("--screenshot-after"))
+            ->excludes(app.get_option("--export"));
     app.add_flag("--json", options.asJson, "Tell it as JSON, for scripts")->needs(info);
 }
 
@@ -320,9 +322,16 @@ void addFiles(CLI::App& app, Options& options)
     app.add_flag("--transparent", options.transparent, "Leave the picture's background out")
         ->needs(render);
     addWindowPicture(app, render, options);
-    addInfo(app, render, options);
+    app.add_option("--export", options.exportFile,
+                   "Write the data instead: all frames of a file, or that of --frame; - is "
+                   "standard output")
+        ->type_name("OUT.json")
+        ->excludes(render);
+    addCount(app, "--frame", options.frame, 0, std::numeric_limits<int>::max(),
+             "The frame of a series, counted from 0 [0]");
     app.add_flag("--normalise", options.normalise,
                  "Accept quaternions and directors that are not unit and normalise them");
+    addInfo(app, render, options);
     app.add_flag("--closed", options.closed,
                  "Close every rod whose ends are apart by one more element [what files close]");
 }
@@ -461,7 +470,7 @@ ParsedOptions parseOptions(int argc, const char* const* argv)
     try {
         parseArguments(app, inOwnSpelling(argc, argv));
         options.given = givenOptions(app);
-        if ((options.picture || options.info) && options.files.empty())
+        if ((options.picture || options.info || options.exportFile) && options.files.empty())
             throw CLI::RequiredError("FILE");
         if (std::count(options.files.begin(), options.files.end(), "-") > 1)
             throw CLI::ValidationError("FILE", "found - twice, expected standard input once");

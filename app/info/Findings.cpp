@@ -164,8 +164,8 @@ Json listOf(const Items& items, Tell tell)
 }
 
 // One file's part of the findings.
-bool readInto(Findings& findings, const std::string& path, const ReadOptions& options,
-              ReadReport& report)
+bool readInto(Findings& findings, const std::string& path, bool areSeveral,
+              const ReadOptions& options, ReadReport& report)
 {
     std::unique_ptr<Source> source = Source::open(path, report);
     const Format* const format = source ? formatOf(*source, options, report) : nullptr;
@@ -175,8 +175,8 @@ bool readInto(Findings& findings, const std::string& path, const ReadOptions& op
     const std::unique_ptr<Series> series = openSeries(std::move(source), *format, options, report);
     if (!series)
         return false;
-    const std::size_t frame = series->count() == 1 ? 0 : findings.frame;
-    LoadedFrame loaded = series->load(frame, options.goOn);
+    const bool isInEveryFrame = areSeveral && series->count() == 1;
+    LoadedFrame loaded = series->load(isInEveryFrame ? 0 : findings.frame, options.goOn);
     if (!loaded.configuration) {
         report.error = loaded.error;
         return false;
@@ -195,7 +195,7 @@ std::optional<Findings> findIn(const std::vector<std::string>& files, std::size_
     Findings findings;
     findings.frame = frame;
     for (const std::string& path : files)
-        if (!readInto(findings, path, options, report))
+        if (!readInto(findings, path, files.size() > 1, options, report))
             return {};
     findings.notices = report.notices;
     return findings;

@@ -27,8 +27,8 @@ struct Findings
     std::vector<std::string> notices; ///< of what was done to the data
 };
 
-/// Reads a frame of each file; one that has a single configuration has it in every frame.
-/// Nothing, and one line in report.error, if a file cannot be read or has no such frame.
+/// Reads a frame of each file; of several one that has a single configuration has it in every
+/// frame. Nothing, and one line in report.error, if a file cannot be read or has no such frame.
 std::optional<Findings> findIn(const std::vector<std::string>& files, std::size_t frame,
                                const ReadOptions& options, ReadReport& report);
 

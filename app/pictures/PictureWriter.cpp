@@ -16,12 +16,12 @@
 #include <QFileInfo>
 #include <QImage>
 #include <QImageWriter>
-#include <QSaveFile>
 
 #include <OffscreenContext.h>
 #include <SoGeneralScene.h>
 
 #include "camera/Camera.h"
+#include "output/OutputFile.h"
 #include "pictures/TileRenderer.h"
 #include "request/limits.h"
 
@@ -278,29 +278,6 @@ std::string render(SoNode* graph, const SbViewportRegion& region, const Picture&
     return "";
 }
 
-std::string open(QSaveFile& file, const std::string& name)
-{
-    const QFileInfo target(file.fileName());
-    if (target.exists() && !target.isFile())
-        return name + ": found something that is no file, expected a file or nothing there";
-    // A buffer would not tell why it cannot be written out.
-    const QIODevice::OpenMode mode = QIODevice::WriteOnly | QIODevice::Unbuffered;
-    return file.open(mode) ? "" : name + ": " + file.errorString().toStdString();
-}
-
-// A disk that becomes full takes a part, and tells why at the next.
-bool writeAll(QIODevice& file, const QByteArray& bytes)
-{
-    qint64 written = 0;
-    while (written < bytes.size()) {
-        const qint64 more = file.write(bytes.constData() + written, bytes.size() - written);
-        if (more <= 0)
-            return false;
-        written += more;
-    }
-    return true;
-}
-
 } // namespace
 
 std::string checkPictureName(const std::string& option, const std::string& file, bool transparent)
@@ -315,14 +292,6 @@ std::string checkPictureName(const std::string& option, const std::string& file,
 
 QString pictureNamePatterns() { return "*." + writableFormats(false).join(" *."); }
 
-std::string checkWritable(const std::string& name)
-{
-    QSaveFile file(QString::fromStdString(name));
-    const std::string failure = open(file, name);
-    file.cancelWriting();
-    return failure;
-}
-
 // Encoded first, so that what can fail while writing is the disk alone.
 std::string saveImage(const QImage& image, const std::string& name)
 {
@@ -334,12 +303,12 @@ std::string saveImage(const QImage& image, const std::string& name)
                (writer.error() == QImageWriter::UnknownError ? TOO_LITTLE_MEMORY
                                                              : writer.errorString().toStdString());
     }
-    QSaveFile file(QString::fromStdString(name));
-    const std::string failure = open(file, name);
+    OutputFile file(name);
+    const std::string failure = file.open();
     if (!failure.empty())
         return failure;
-    return writeAll(file, bytes) && file.commit() ? ""
-                                                  : name + ": " + file.errorString().toStdString();
+    file.write({bytes.constData(), std::size_t(bytes.size())});
+    return file.finish();
 }
 
 std::string writePicture(SoGeneralScene* scene, const Picture& picture, CameraNumbers* usedCamera)

@@ -35,10 +35,6 @@ struct Picture
 /// says which can.
 std::string checkPictureName(const std::string& option, const std::string& file, bool transparent);
 
-/// Empty if a file of this name can be written where it is; otherwise one line that says
-/// why not.
-std::string checkWritable(const std::string& name);
-
 /// Renders the scene off screen and writes it. The file appears complete or not at all.
 /// Returns one line that says what failed, or nothing. `usedCamera`, if not null, is
 /// told the camera.

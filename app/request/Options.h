@@ -27,11 +27,15 @@ struct Options
     std::vector<std::string> files;
     std::vector<std::string> given; ///< every option of the command line, such as "--radius"
     bool normalise = false;
-    bool closed = false; ///< every rod, ReadOptions::close
+    bool closed = false;      ///< every rod, ReadOptions::close
+    std::optional<int> frame; ///< of a series, counted from 0; else the first, or all to export
 
     /// What was found is told on standard output, for people or as JSON; nothing is shown.
     bool info = false;
     bool asJson = false;
+
+    /// The data to write instead of showing them.
+    std::optional<std::string> exportFile;
 
     /// The picture to write; without one a window opens.
     std::optional<std::string> picture;

@@ -1,13 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "scene/SceneLoader.h"
 
-#include <cmath>
 #include <memory>
 #include <new>
 #include <optional>
 #include <utility>
-
-#include <strandview/formats/readFile.h>
 
 #include "scene/Colouring.h"
 #include "scene/DataScene.h"
@@ -15,43 +12,11 @@
 #include "scene/SceneBuilder.h"
 #include "scene/Style.h"
 #include "scene/idleOptions.h"
+#include "scene/readFiles.h"
 
 namespace strandview {
 
 namespace {
-
-// "Reading helix.txt (2 of 3): 40 %"
-std::string readingText(const std::vector<std::string>& files, std::size_t index, double share)
-{
-    const std::string& file = files[index];
-    std::string text =
-        "Reading " + (file == "-" ? "standard input" : file.substr(file.find_last_of('/') + 1));
-    if (files.size() > 1)
-        text += " (" + std::to_string(index + 1) + " of " + std::to_string(files.size()) + ")";
-    const long percent = std::lround(100 * share);
-    return percent > 0 ? text + ": " + std::to_string(percent) + " %" : text;
-}
-
-// Nothing after the first file that cannot be read.
-std::optional<Configuration> readFiles(const std::vector<std::string>& files,
-                                       const Options& options, ReadReport& report,
-                                       Progress& progress)
-{
-    Configuration all;
-    for (std::size_t i = 0; i < files.size(); ++i) {
-        progress.announce(readingText(files, i, 0));
-        const auto goOn = [&](double share) {
-            progress.show(readingText(files, i, share));
-            return !progress.isStopped();
-        };
-        std::optional<Configuration> read =
-            readFile(files[i], {options.normalise, goOn, options.closed}, report);
-        if (!read)
-            return std::nullopt;
-        append(all, std::move(*read));
-    }
-    return all;
-}
 
 // All that buildScene() needs.
 struct Prepared

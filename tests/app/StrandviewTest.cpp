@@ -897,7 +897,8 @@ TEST_F(StrandviewTest, HelpAndVersionGoToStandardOutput)
          {"--render",      "--size",        "--radius",    "--ribbon-width", "--slices",
           "--subsegments", "--no-tube",     "--no-ribbon", "--tube-colour",  "--ribbon-colour",
           "--background",  "--normalise",   "--closed",    "--samples",      "--transparent",
-          "--view",        "--perspective", "--camera",    "--print-camera", "--screenshot-after"})
+          "--view",        "--perspective", "--camera",    "--print-camera", "--screenshot-after",
+          "--export",      "--frame",       "--info",      "--json"})
         EXPECT_THAT(help.output, HasSubstr(option));
 
     const ProgramRun version = run({"--version"});

@@ -61,6 +61,7 @@ TEST(ParseOptions, WhatIsNotGivenIsLeftToTheData)
     EXPECT_THAT(options.files, ElementsAre("rod.txt", "-"));
     EXPECT_THAT(options.given, IsEmpty());
     EXPECT_FALSE(options.picture || options.windowSize || options.windowPicture);
+    EXPECT_FALSE(options.frame || options.exportFile);
     EXPECT_FALSE(options.radius || options.ribbonWidth || options.slices || options.subsegments);
     EXPECT_FALSE(options.showRibbon || options.tubeColour || options.ribbonColour);
     EXPECT_FALSE(options.colourBy || options.rangeMin || options.rangeMax);
@@ -101,6 +102,13 @@ TEST(ParseOptions, TheSizeIsOfThePictureOrElseOfTheWindow)
     EXPECT_EQ(picture.pictureHeight, 480);
     EXPECT_THAT(accepted({"--size", "640x480", "rod.txt"}).windowSize.value_or(std::pair(0, 0)),
                 Pair(640, 480));
+}
+
+TEST(ParseOptions, WhatIsExportedAndOfWhichFrameIsTaken)
+{
+    const Options options = accepted({"--export", "-", "--frame", "7", "run.json"});
+    EXPECT_EQ(options.exportFile, "-");
+    EXPECT_EQ(options.frame, 7);
 }
 
 TEST(ParseOptions, APartCanBeShownOrHiddenInSoManyWords)

@@ -21,6 +21,14 @@ namespace fs = std::filesystem;
 
 const fs::path PROJECT = PROJECT_FOLDER;
 
+std::string seriesOfMarkers(int frames)
+{
+    std::string text;
+    for (int i = 0; i < frames; ++i)
+        text += std::string(i == 0 ? "" : ", ") + R"({"markers": [{"point": [0, 0, 0]}]})";
+    return R"({"strandview": 1, "series": [)" + text + "]}";
+}
+
 // A folder as the pages take for granted: the samples, data of one's own under other names, and
 // the programs of the reader.
 class Desk
@@ -33,12 +41,14 @@ public:
         fs::copy_file(PROJECT / "data/supercoil.txt", place("rod.txt"));
         fs::copy_file(PROJECT / "data/dna.txt", place("dna.txt"));
         fs::copy_file(PROJECT / "data/helix.txt", place("run7.out"));
+        std::ofstream(place("run.json")) << seriesOfMarkers(4);
         fs::create_directory(place("bin"));
         writeProgram("my-simulation", "exec cat '" + place("rod.txt").string() + "'");
         writeProgram("strandview", R"(samples='--samples 1'
 case " $* " in *' --samples '*) samples= ;; esac
 case " $* " in
 *' --render '*) exec "$STRANDVIEW" $samples "$@" ;;
+*' --export '*) exec "$STRANDVIEW" "$@" ;;
 *) echo x >>windows
    exec "$STRANDVIEW" --screenshot-after 0 window$(wc -l <windows).png "$@" ;;
 esac)");
@@ -117,8 +127,8 @@ TEST_P(DocsCommandsTest, DoAsTheyAreWritten)
     EXPECT_EQ(run.status, 0) << run.error;
     for (const std::string& picture : picturesOf(commands))
         EXPECT_TRUE(fs::exists(desk.place(picture))) << picture;
-    const int rendered = countIn(commands, std::regex("--render "));
-    for (int window = 1; window <= started - rendered; ++window)
+    const int written = countIn(commands, std::regex("--(render|export) "));
+    for (int window = 1; window <= started - written; ++window)
         EXPECT_TRUE(fs::exists(desk.place("window" + std::to_string(window) + ".png")));
 }
 

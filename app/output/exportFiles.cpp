@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "output/exportFiles.h"
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <memory>
+
+#include <strandview/formats/openSeries.h>
+#include <strandview/formats/text/encoding.h>
+#include <strandview/formats/text/wording.h>
+#include <strandview/formats/writeJson.h>
+
+#include "output/OutputFile.h"
+#include "scene/Progress.h"
+#include "scene/readFiles.h"
+
+namespace strandview {
+
+namespace {
+
+bool writeAllFrames(const Options& options, const TextSink& sink, ReadReport& report,
+                    Progress& progress)
+{
+    const auto say = [&](double share) {
+        progress.show("Exporting " + *options.exportFile + ": " +
+                      std::to_string(std::lround(100 * share)) + " %");
+        return !progress.isStopped();
+    };
+    const std::unique_ptr<Series> series =
+        openSeries(options.files, readOptionsOf(options, say), report);
+    return series && writeJson(*series, sink, say, report);
+}
+
+bool writeOneFrame(const Options& options, const TextSink& sink, ReadReport& report,
+                   Progress& progress)
+{
+    const std::optional<Configuration> all = readFiles(options.files, options, report, progress);
+    return all && writeJson(*all, sink);
+}
+
+// What was given for a picture or a window.
+void tellIdleOptions(const Options& options, ReadReport& report)
+{
+    for (const std::string& option : options.given)
+        if (option != "--export" && option != "--frame" && option != "--normalise" &&
+            option != "--closed")
+            report.notices.push_back(option + " has no effect: --export writes the data alone");
+}
+
+} // namespace
+
+std::string checkExportName(const std::string& name)
+{
+    const std::filesystem::path path(name);
+    const bool isJson = inSmallLetters(path.extension().string()) == ".json";
+    return isJson || name == "-"
+               ? ""
+               : "--export: found " + inQuotes(name) + ", expected a name that ends in .json";
+}
+
+std::string exportFiles(const Options& options, ReadReport& report)
+{
+    OutputFile file(*options.exportFile);
+    const std::string failure = file.open();
+    if (!failure.empty())
+        return failure;
+    const TextSink sink = [&file](std::string_view text) { return file.write(text); };
+    TerminalProgress progress;
+    const bool isAllFrames = options.files.size() == 1 && !options.frame;
+    const bool isWritten = isAllFrames ? writeAllFrames(options, sink, report, progress)
+                                       : writeOneFrame(options, sink, report, progress);
+    if (!report.error.empty())
+        return "";
+    if (isWritten)
+        tellIdleOptions(options, report);
+    return file.finish();
+}
+
+} // namespace strandview

@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "scene/readFiles.h"
+
+#include <gmock/gmock.h>
+
+#include "scene/Progress.h"
+#include "support/TemporaryFolder.h"
+
+namespace strandview {
+
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+const char* const STILL = R"({"strandview": 1, "markers": [{"point": [0, 0, 0], "id": 5}]})";
+const char* const SERIES = R"({"strandview": 1, "series": [
+    {"markers": [{"point": [0, 0, 0], "id": 10}]}, {"markers": [{"point": [0, 0, 0], "id": 11}]}]})";
+
+/// Stops the work when it is told so many texts.
+class CountedProgress : public Progress
+{
+public:
+    void show(const std::string& text) override { texts.push_back(text); }
+    void announce(const std::string& text) override { texts.push_back(text); }
+    bool isStopped() const override { return texts.size() >= patience; }
+
+    std::vector<std::string> texts;
+    std::size_t patience = 1000;
+};
+
+class ReadFilesTest : public testing::Test
+{
+protected:
+    std::vector<long long> read(const std::vector<std::string>& files,
+                                std::optional<int> frame = {})
+    {
+        Options options;
+        options.frame = frame;
+        report = {};
+        const auto all = readFiles(files, options, report, progress);
+        std::vector<long long> ids;
+        if (all)
+            for (const Marker& marker : all->markers)
+                ids.push_back(marker.id);
+        return ids;
+    }
+
+    const TemporaryFolder folder;
+    const std::string still = folder.write("still.json", STILL);
+    const std::string series = folder.write("run.json", SERIES);
+    ReadReport report;
+    CountedProgress progress;
+};
+
+} // namespace
+
+TEST_F(ReadFilesTest, WithoutAFrameTheFirstOfEverySeriesIsReadAndTold)
+{
+    EXPECT_THAT(read({still, series}), ElementsAre(5, 10));
+    EXPECT_THAT(report.notices, ElementsAre(HasSubstr("run.json: the first of 2 frames")));
+}
+
+TEST_F(ReadFilesTest, BesideASeriesAFileOfOneConfigurationIsInEveryFrame)
+{
+    EXPECT_THAT(read({still, series}, 1), ElementsAre(5, 11));
+    EXPECT_THAT(read({series, still}, 0), ElementsAre(10, 5));
+    EXPECT_THAT(report.notices, IsEmpty());
+    EXPECT_EQ(report.error, "");
+}
+
+TEST_F(ReadFilesTest, AFrameThatNoFileHasIsToldOrRefused)
+{
+    EXPECT_THAT(read({still, still}, 1), ElementsAre(5, 5));
+    EXPECT_THAT(report.notices, ElementsAre("--frame has no effect: found no series"));
+    EXPECT_THAT(read({still}, 1), IsEmpty());
+    EXPECT_EQ(report.error, still + ": found frame 1, expected 0 to 0");
+    EXPECT_THAT(read({still, series}, 2), IsEmpty());
+    EXPECT_EQ(report.error, series + ": found frame 2, expected 0 to 1");
+}
+
+TEST_F(ReadFilesTest, SaysWhatItIsAtAndCanBeStopped)
+{
+    read({still, series}, 0);
+    EXPECT_THAT(progress.texts, testing::Contains("Reading still.json (1 of 2)"));
+    EXPECT_THAT(progress.texts, testing::Contains("Reading run.json (2 of 2)"));
+    progress.patience = 0;
+    EXPECT_THAT(read({still}), IsEmpty());
+    EXPECT_THAT(report.error, HasSubstr("reading was stopped"));
+}
+
+} // namespace strandview
