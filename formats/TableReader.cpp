@@ -5,6 +5,7 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <limits>
 #include <system_error>
 #include <unordered_set>
@@ -13,12 +14,14 @@
 
 #include <strandview/formats/Collector.h>
 #include <strandview/formats/Milestones.h>
+#include <strandview/formats/Source.h>
 #include <strandview/formats/checks.h>
 #include <strandview/formats/directors.h>
 #include <strandview/formats/text/encoding.h>
 #include <strandview/formats/text/fields.h>
 #include <strandview/formats/text/numbers.h>
 #include <strandview/formats/text/wording.h>
+#include <strandview/model/MemorySeries.h>
 
 namespace strandview {
 
@@ -226,6 +229,28 @@ struct Columns
     bool haveBases() const { return have(FRAME_WIDTH); }
 };
 
+/// How the rows of a table are to be read, whichever frame they are in.
+struct Layout
+{
+    Columns columns;
+    bool areCommasText = false;
+};
+
+/// The columns that may tell frames apart: the first of these names that there is. A T is a
+/// temperature.
+std::size_t timeColumnOf(const Columns& columns)
+{
+    const auto isNamed = [&columns](std::size_t column, const std::string& name) {
+        const std::string_view written = withoutUnit(columns.names[column]);
+        return name == "t" ? written == name : inSmallLetters(written) == name;
+    };
+    for (const char* name : {"t", "time", "frame"})
+        for (const std::size_t column : columns.others)
+            if (isNamed(column, name))
+                return column;
+    return NO_COLUMN;
+}
+
 /// A field without a number, as it stands there.
 struct MissingField
 {
@@ -236,9 +261,10 @@ struct MissingField
 class TableReader
 {
 public:
+    /// Of a table, or of a part of it that begins with the line of that number.
     TableReader(std::string_view text, const std::string& tableName, const ReadOptions& readOptions,
-                ReadReport& readReport)
-        : scanner(text),
+                ReadReport& readReport, std::size_t firstLine = 1)
+        : scanner(text, firstLine),
           fileName(tableName),
           options(readOptions),
           report(readReport),
@@ -246,6 +272,24 @@ public:
           collector(readOptions)
     {}
 
+    /// By the first line, which is neither blank nor a comment, and those below it.
+    std::optional<Layout> readLayout()
+    {
+        return takeFirstLine() ? std::optional<Layout>({columns, scanner.areCommasText()})
+                               : std::nullopt;
+    }
+
+    /// All of it, of which the layout is known.
+    std::optional<Configuration> read(const Layout& layout)
+    {
+        columns = layout.columns;
+        row.resize(columns.names.size());
+        if (layout.areCommasText)
+            scanner.makeCommasText();
+        return read();
+    }
+
+private:
     std::optional<Configuration> read()
     {
         for (; !scanner.isAtEnd(); scanner.nextLine())
@@ -256,7 +300,6 @@ public:
         return collector.finish(fileName, "rod or DNA", report);
     }
 
-private:
     bool readLine()
     {
         if (scanner.isLineBlank())
@@ -265,12 +308,10 @@ private:
             return true;
         if (isInBlock())
             return readRow();
-        if (columns.line == 0)
-            return takeFirstLine();
         return isHeaderAgain() || readRow();
     }
 
-    /// The first line that is neither blank nor a comment fixes the columns.
+    /// It fixes the columns.
     bool takeFirstLine()
     {
         FieldScanner line = scanner;
@@ -286,10 +327,10 @@ private:
         if (isHeader(fields))
             return takeHeader(fields);
         columns.areOfDna = isBase(fields[0]);
-        return takeColumnCount(fields.size()) && readRow();
+        return takeColumnCount(fields.size());
     }
 
-    /// Above a later rod or DNA.
+    /// Above any rod or DNA.
     bool isHeaderAgain() const
     {
         if (isNumber(*FieldScanner(scanner).nextField())) // most often
@@ -389,8 +430,9 @@ private:
         const std::size_t frames = nameBases() ? DNA_OWNERS.size() : 1;
         const std::string expected = std::string("base, x y z qx qy qz qw") +
                                      (frames > 1 ? ", and these with 1 and with 2 behind" : "");
-        if (columns.others.size() > 1) {
-            const std::size_t other = columns.others[1];
+        for (const std::size_t other : columns.others) {
+            if (other == 0 || other == timeColumnOf(columns))
+                continue;
             return fail(columnText(other) + ": found " + inQuotes(columns.names[other]) +
                         ", expected only " + expected);
         }
@@ -619,8 +661,10 @@ private:
             std::size_t(std::count_if(missing.begin(), missing.end(), [this](const auto& field) {
                 return columns.isOfGeometry(field.column);
             }));
+        const auto without =
+            std::count(columns.geometry.begin(), columns.geometry.end(), NO_COLUMN);
         return ofRotation == 0 ||
-               ofRotation == columns.names.size() - columns.others.size() - FIRST_OF_QUATERNION;
+               ofRotation == columns.geometry.size() - std::size_t(without) - FIRST_OF_QUATERNION;
     }
     bool failMissing()
     {
@@ -699,12 +743,304 @@ private:
     Collector collector;
 };
 
-} // namespace
+/// A place in a table, at the beginning of a line.
+struct FrameStart
+{
+    std::uint64_t offset; ///< in bytes
+    std::size_t line;     ///< counted from 1
+};
 
-std::optional<Configuration> readTable(std::string_view text, const std::string& fileName,
+/// What is to be known of a table to read any of its frames.
+struct TableFrames
+{
+    Layout layout;
+    std::vector<FrameStart> starts;
+    std::vector<double> times; ///< as many, or none if they are not known
+    std::uint64_t end = 0;
+    std::vector<std::string> notices = {};
+
+    std::uint64_t endOf(std::size_t frame) const
+    {
+        return frame + 1 < starts.size() ? starts[frame + 1].offset : end;
+    }
+};
+
+/// Finds the frames of a table, line by line.
+class FrameFinder
+{
+public:
+    FrameFinder(std::uint64_t firstOffset, const std::string& tableName,
+                const ReadOptions& readOptions, ReadReport& readReport)
+        : fileName(tableName), options(readOptions), report(readReport)
+    {
+        frames.end = firstOffset;
+    }
+
+    /// The lines that come next, whole ones; whether they can be those of a table.
+    bool add(std::string_view lines)
+    {
+        FieldScanner scanner(lines, line);
+        if (frames.layout.areCommasText)
+            scanner.makeCommasText();
+        for (; !scanner.isAtEnd(); scanner.nextLine()) {
+            const std::size_t start = scanner.getPosition();
+            if (scanner.isLineBlank()) {
+                ++blankLines;
+                continue;
+            }
+            isGap = isGap || blankLines > 1;
+            blankLines = 0;
+            if (scanner.isLineComment())
+                continue;
+            if (!takeLayout(lines.substr(start), scanner))
+                return false;
+            addRow(scanner, {frames.end + start, scanner.getLine()});
+        }
+        frames.end += lines.size();
+        line = scanner.getLine();
+        return true;
+    }
+
+    TableFrames finish()
+    {
+        if (timed.size() < 2)
+            return std::move(frames);
+        std::vector<std::size_t>& others = frames.layout.columns.others;
+        others.erase(std::find(others.begin(), others.end(), timeColumn));
+        frames.starts = std::move(timed);
+        if (inSmallLetters(withoutUnit(frames.layout.columns.names[timeColumn])) != "frame")
+            frames.times = std::move(times);
+        return std::move(frames);
+    }
+
+private:
+    /// Of the first line, from which on all others are read by it.
+    bool takeLayout(std::string_view text, FieldScanner& scanner)
+    {
+        if (frames.layout.columns.line > 0)
+            return true;
+        std::optional<Layout> layout =
+            TableReader(text, fileName, options, report, scanner.getLine()).readLayout();
+        if (!layout)
+            return false;
+        frames.layout = std::move(*layout);
+        timeColumn = timeColumnOf(frames.layout.columns);
+        if (frames.layout.areCommasText)
+            scanner.makeCommasText();
+        return true;
+    }
+
+    void addRow(const FieldScanner& row, const FrameStart& start)
+    {
+        if (isGap || frames.starts.empty())
+            frames.starts.push_back(start);
+        isTimedGap = isTimedGap || isGap;
+        isGap = false;
+        if (timeColumn == NO_COLUMN)
+            return;
+        const std::optional<double> time = timeIn(row);
+        if (!time) // a header, or left out as what is of elements
+            return;
+        if (timed.empty() || isTimedGap || *time != times.back())
+            startTime(*time, start);
+        isTimedGap = false;
+        ++rowsOfTime;
+    }
+
+    /// Times of which one has a single row are no frames, but for the last: that may be cut short.
+    void startTime(double time, const FrameStart& start)
+    {
+        if (!timed.empty() && rowsOfTime < 2) {
+            timeColumn = NO_COLUMN;
+            timed.clear();
+            return;
+        }
+        timed.push_back(start);
+        times.push_back(time);
+        rowsOfTime = 0;
+    }
+
+    std::optional<double> timeIn(FieldScanner row) const
+    {
+        std::optional<std::string_view> field = row.nextField();
+        for (std::size_t column = 0; field && column < timeColumn; ++column)
+            field = row.nextField();
+        double time = 0;
+        const bool isTime =
+            field && parseNumber(*field, time) == std::errc() && std::isfinite(time);
+        return isTime ? std::optional(time) : std::nullopt;
+    }
+
+    const std::string& fileName;
+    const ReadOptions& options;
+    ReadReport& report;
+    TableFrames frames; ///< those between blank lines
+    std::size_t line = 1;
+    std::size_t blankLines = 0; ///< without anything between them
+    bool isGap = false;         ///< since the last row
+
+    std::size_t timeColumn = NO_COLUMN;
+    std::vector<FrameStart> timed; ///< frames by the time, too
+    std::vector<double> times;
+    bool isTimedGap = false; ///< since the last row with a time
+    std::size_t rowsOfTime = 0;
+};
+
+/// As far as lines are known to end: with CR alone only if another character follows.
+std::string_view wholeLines(std::string_view piece)
+{
+    const std::size_t last =
+        piece.empty() || piece.back() != '\r' ? piece.size() : piece.size() - 1;
+    return piece.substr(0, piece.substr(0, last).find_last_of("\r\n") + 1); // 0 if there is none
+}
+
+/// Reads what is a file piece by piece, anything else at once.
+bool findFrames(Source& source, FrameFinder& finder, std::uint64_t offset,
+                const ReadOptions& options, ReadReport& report)
+{
+    if (!source.getSize()) {
+        const std::optional<std::string_view> all = source.readAll(options, report);
+        return all && finder.add(all->substr(std::min(std::size_t(offset), all->size())));
+    }
+    for (std::size_t size = 1 << 22;;) {
+        const std::optional<std::string> piece = source.readAt(offset, size, options, report);
+        if (!piece)
+            return false;
+        const bool isLast = piece->size() < size;
+        const std::string_view lines = isLast ? std::string_view(*piece) : wholeLines(*piece);
+        if (!finder.add(lines))
+            return false;
+        if (isLast)
+            return true;
+        offset += lines.size();
+        size = lines.empty() ? 2 * size : size;
+    }
+}
+
+std::optional<Configuration> readFrame(Source& source, const TableFrames& frames, std::size_t frame,
                                        const ReadOptions& options, ReadReport& report)
 {
-    return TableReader(text, fileName, options, report).read();
+    const FrameStart& start = frames.starts[frame];
+    const std::size_t size = std::size_t(frames.endOf(frame) - start.offset);
+    const std::optional<std::string> text = source.readAt(start.offset, size, options, report);
+    if (!text)
+        return {};
+    return TableReader(*text, source.getName(), options, report, start.line).read(frames.layout);
+}
+
+bool endsWith(const std::string& text, std::string_view end)
+{
+    return text.size() >= end.size() &&
+           text.compare(text.size() - end.size(), end.size(), end) == 0;
+}
+
+/// The last frame of several may be cut short: then it is none. Whether to go on.
+bool checkLastFrame(Source& source, TableFrames& frames, const ReadOptions& options,
+                    ReadReport& report)
+{
+    ReadReport ofFrame;
+    if (frames.starts.size() < 2 ||
+        readFrame(source, frames, frames.starts.size() - 1, options, ofFrame))
+        return true;
+    if (endsWith(ofFrame.error, READING_STOPPED)) {
+        report.error = ofFrame.error;
+        return false;
+    }
+    frames.notices.push_back(ofFrame.error + ": the last frame is left out");
+    frames.end = frames.starts.back().offset;
+    frames.starts.pop_back();
+    frames.times.resize(std::min(frames.times.size(), frames.starts.size()));
+    return true;
+}
+
+/// Nothing and report.error if there is no frame.
+std::optional<TableFrames> framesOf(Source& source, const ReadOptions& options, ReadReport& report)
+{
+    const std::optional<std::string_view> mark = source.readBeginning(3, options, report);
+    if (!mark)
+        return {};
+    if (isUtf16(*mark)) {
+        report.error = source.getName() + ": " + FOUND_UTF16;
+        return {};
+    }
+    const std::size_t offset = mark->size() - withoutByteOrderMark(*mark).size();
+    FrameFinder finder(offset, source.getName(), options, report);
+    if (!findFrames(source, finder, offset, options, report))
+        return {};
+    TableFrames frames = finder.finish();
+    if (frames.starts.empty()) {
+        TableReader("", source.getName(), options, report).read({});
+        return {};
+    }
+    return checkLastFrame(source, frames, options, report) ? std::optional(std::move(frames))
+                                                           : std::nullopt;
+}
+
+void tell(const std::vector<std::string>& notices, ReadReport& report)
+{
+    report.notices.insert(report.notices.end(), notices.begin(), notices.end());
+}
+
+class TableSeries : public Series
+{
+public:
+    TableSeries(std::unique_ptr<Source> openSource, TableFrames foundFrames,
+                const ReadOptions& readOptions)
+        : source(std::move(openSource)), frames(std::move(foundFrames)), options(readOptions)
+    {}
+
+    std::size_t count() const override { return frames.starts.size(); }
+    std::optional<double> time(std::size_t frame) const override
+    {
+        return frame < frames.times.size() ? std::optional(frames.times[frame]) : std::nullopt;
+    }
+
+private:
+    LoadedFrame loadFrame(std::size_t frame, const GoOn& goOn) override
+    {
+        options.goOn = goOn;
+        ReadReport report;
+        std::optional<Configuration> read = readFrame(*source, frames, frame, options, report);
+        return {std::move(read), std::move(report.notices), std::move(report.error)};
+    }
+
+    std::unique_ptr<Source> source;
+    TableFrames frames;
+    ReadOptions options;
+};
+
+} // namespace
+
+std::optional<Configuration> readTable(Source& source, const ReadOptions& options,
+                                       ReadReport& report)
+{
+    const std::optional<TableFrames> frames = framesOf(source, options, report);
+    if (!frames)
+        return {};
+    report.frames = frames->starts.size();
+    std::optional<Configuration> first = readFrame(source, *frames, 0, options, report);
+    if (first)
+        tell(frames->notices, report);
+    return first;
+}
+
+std::unique_ptr<Series> openTable(std::unique_ptr<Source> source, const ReadOptions& options,
+                                  ReadReport& report)
+{
+    std::optional<TableFrames> frames = framesOf(*source, options, report);
+    if (!frames)
+        return nullptr;
+    std::vector<Configuration> only;
+    if (frames->starts.size() == 1) {
+        std::optional<Configuration> read = readFrame(*source, *frames, 0, options, report);
+        if (!read)
+            return nullptr;
+        only.push_back(std::move(*read));
+    }
+    tell(frames->notices, report);
+    if (!only.empty())
+        return std::make_unique<MemorySeries>(std::move(only));
+    return std::make_unique<TableSeries>(std::move(source), std::move(*frames), options);
 }
 
 } // namespace strandview

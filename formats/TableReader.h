@@ -2,18 +2,21 @@
 #ifndef STRANDVIEW_FORMATS_TABLEREADER_H
 #define STRANDVIEW_FORMATS_TABLEREADER_H
 
+#include <memory>
 #include <optional>
-#include <string>
-#include <string_view>
 
 #include <strandview/formats/ReadReport.h>
 #include <strandview/formatsExport.h>
 #include <strandview/model/Configuration.h>
+#include <strandview/model/Series.h>
 
 namespace strandview {
 
-/// Reads a table of rods or of DNA: a row per point or per base pair, blank lines between
-/// rods.
+class Source;
+
+/// Reads a table of rods or of DNA: a row per point or per base pair, a blank line between
+/// rods, two or more between the frames of a series, of which it is the first; report.frames has
+/// their number.
 ///
 /// The columns of rods are x y z, or x y z qx qy qz qw and then any number of scalars, named
 /// "column8" and so on; or in any order what a header names, where x y z must be
@@ -34,6 +37,14 @@ namespace strandview {
 /// then in any order the names of those: x to qw, or with directors, and the same with 1
 /// and with 2 behind.
 ///
+/// A column named t, time or frame (the latter two in any case, all with or without a unit in
+/// brackets) tells frames apart, too: rows of one time are one frame, and the column is no scalar,
+/// nor out of place in a table of DNA. It is a scalar as any other where it never changes, or has
+/// a value that stands in one row alone: one that is a parameter along the rod. Of these columns it
+/// is the first named here; those of t and time are the times of the series.
+///
+/// A last frame of several that cannot be read, as it is cut short, is left out with a notice.
+///
 /// Blanks, tabs, a comma or a semicolon separate columns; nothing between two commas
 /// is an error, but one more comma or semicolon at the end of every line is left out.
 /// Between the names of a header spaces separate nothing if the others do, and double
@@ -46,12 +57,18 @@ namespace strandview {
 /// with D, as Fortran does. A number too small for double precision is 0. A rod's origin
 /// is "fileName:line: rod 1", with the line of its first point, and that of DNA "DNA 1".
 ///
+/// The text is UTF-8, with or without a byte order mark. Of a source that is a file no more is in
+/// memory than a few pieces and the text of one frame.
+///
 /// Nothing and report.error if that fails, as "fileName:line: column 3 (z): found ...,
 /// expected ...", lines and columns counted from 1.
-STRANDVIEW_FORMATS_EXPORT std::optional<Configuration> readTable(std::string_view text,
-                                                                 const std::string& fileName,
-                                                                 const ReadOptions& options,
-                                                                 ReadReport& report);
+STRANDVIEW_FORMATS_EXPORT std::optional<Configuration>
+readTable(Source& source, const ReadOptions& options, ReadReport& report);
+
+/// All frames, each read from its place in the source when it is loaded. Of the frames but the last
+/// one nothing is checked before; what is wrong with the only one is as above.
+STRANDVIEW_FORMATS_EXPORT std::unique_ptr<Series>
+openTable(std::unique_ptr<Source> source, const ReadOptions& options, ReadReport& report);
 
 } // namespace strandview
 

@@ -25,10 +25,12 @@ STRANDVIEW_FORMATS_EXPORT bool hasOpenQuote(std::string_view field);
 class FieldScanner
 {
 public:
-    explicit FieldScanner(std::string_view wholeText) : text(wholeText) {}
+    /// The line of that number is the text's first.
+    explicit FieldScanner(std::string_view wholeText, std::size_t firstLine = 1)
+        : text(wholeText), line(firstLine)
+    {}
 
     bool isAtEnd() const { return position == text.size(); }
-    /// Counted from 1.
     std::size_t getLine() const { return line; }
     /// In bytes, from 0.
     std::size_t getPosition() const { return position; }
@@ -69,7 +71,7 @@ private:
     char comma = ','; ///< separates too, besides semicolons; or is one
     bool spacesAreText = false;
     std::size_t position = 0;
-    std::size_t line = 1;
+    std::size_t line;
     bool afterComma = false; ///< the line owes a field
 };
 

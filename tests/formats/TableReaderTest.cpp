@@ -17,6 +17,7 @@
 
 #include <strandview/analysis/parallelTransport.h>
 
+#include "support/TemporaryFolder.h"
 #include "support/readText.h"
 
 namespace strandview {
@@ -34,7 +35,7 @@ constexpr double pi = 3.14159265358979323846;
 
 Reading readText(const std::string& text, const ReadOptions& options = {})
 {
-    return readWith(readTable, text, "rod.txt", options);
+    return readWith(readTableText, text, "rod.txt", options);
 }
 
 std::vector<Rod> rodsOf(const std::string& text) { return acceptedRods(readText(text)); }
@@ -309,9 +310,9 @@ TEST(TableReader, TheEndsOfAClosedRodAreBetweenItsLastElementAndItsFirst)
 
 // ---- Rods
 
-TEST(TableReader, BlankLinesSeparateRodsHoweverMany)
+TEST(TableReader, ABlankLineSeparatesRods)
 {
-    const std::vector<Rod> rods = rodsOf("\n\n0 0 0\n0 0 1\n\n\n \t \n5 0 0\n5 0 1\n5 0 2\n\n");
+    const std::vector<Rod> rods = rodsOf("\n\n0 0 0\n0 0 1\n \t \n5 0 0\n5 0 1\n5 0 2\n\n\n\n");
     ASSERT_EQ(rods.size(), 2U);
     EXPECT_EQ(numbersOf(rods[0].points), (Points{{0, 0, 0}, {0, 0, 1}}));
     EXPECT_EQ(numbersOf(rods[1].points), (Points{{5, 0, 0}, {5, 0, 1}, {5, 0, 2}}));
@@ -337,6 +338,237 @@ TEST(TableReader, AHeaderCountsForEveryRodAndMayComeAgain)
         EXPECT_EQ(rod.scalars[0].values.size(), 2U);
     }
 }
+
+// ---- Frames of a series
+
+namespace {
+
+class TableSeriesTest : public testing::Test
+{
+protected:
+    void open(const std::string& text)
+    {
+        report = {};
+        series = openTable(Source::ofBytes("run.txt", text), {}, report);
+        ASSERT_TRUE(series) << report.error;
+    }
+
+    /// Of each frame the numbers of points of its rods, "2 3, 4".
+    std::string shape()
+    {
+        std::string text;
+        for (std::size_t i = 0; i < series->count(); ++i) {
+            const LoadedFrame frame = series->load(i);
+            EXPECT_TRUE(frame.configuration) << frame.error;
+            text += i == 0 ? "" : ",";
+            for (const Rod& rod : frame.configuration.value_or(Configuration()).rods)
+                text += " " + std::to_string(rod.points.size());
+        }
+        return text;
+    }
+
+    std::vector<double> times() const
+    {
+        std::vector<double> all;
+        for (std::size_t i = 0; i < series->count(); ++i)
+            if (series->time(i))
+                all.push_back(*series->time(i));
+        return all;
+    }
+
+    ReadReport report;
+    std::unique_ptr<Series> series;
+};
+
+} // namespace
+
+TEST_F(TableSeriesTest, TwoBlankLinesOrMoreSeparateFrames)
+{
+    open("0 0 0\n0 0 1\n\n1 0 0\n1 0 1\n1 0 2\n\n \t\n5 0 0\n5 0 1\n\n\n\n\n7 0 0\n7 0 1\n\n\n");
+    EXPECT_EQ(shape(), " 2 3, 2, 2");
+    EXPECT_THAT(times(), testing::IsEmpty());
+    const Configuration last = *series->load(2).configuration;
+    EXPECT_EQ(numbersOf(last.rods[0].points), (Points{{7, 0, 0}, {7, 0, 1}}));
+    EXPECT_EQ(last.rods[0].origin, "run.txt:15: rod 1");
+    EXPECT_THAT(last.rods[0].lines, ElementsAre(15, 16));
+}
+
+TEST_F(TableSeriesTest, LinesMayEndInAnyWay)
+{
+    for (const std::string end : {"\n", "\r\n", "\r"}) {
+        SCOPED_TRACE(testing::PrintToString(end));
+        const std::string rod = "0 0 0" + end + "0 0 1" + end;
+        open(rod + end + rod + end + end + rod);
+        EXPECT_EQ(shape(), " 2 2, 2");
+        EXPECT_EQ(series->load(1).configuration->rods[0].lines[0], 8U);
+    }
+}
+
+TEST_F(TableSeriesTest, CommentsSeparateNothingAndABlankLineOnEitherSideIsOne)
+{
+    open("# run\n0 0 0\n#\n0 0 1\n\n# next rod\n\n1 0 0\n1 0 1\n\n\n# next frame\n2 0 0\n2 0 1\n");
+    EXPECT_EQ(shape(), " 2 2, 2");
+}
+
+TEST_F(TableSeriesTest, TheHeaderCountsForAllFramesAndMayComeAgain)
+{
+    open("z y x s\n0 0 9 1\n0 0 8 2\n\n\nz y x s\n1 2 3 4\n5 6 7 8\n\n\n0 0 1 5\n0 0 2 6\n");
+    EXPECT_EQ(shape(), " 2, 2, 2");
+    const Rod second = series->load(1).configuration->rods[0];
+    EXPECT_EQ(numbersOf(second.points), (Points{{3, 2, 1}, {7, 6, 5}}));
+    EXPECT_THAT(second.scalars[0].values, ElementsAre(4, 8));
+}
+
+TEST_F(TableSeriesTest, ADecimalCommaCountsForAllFrames)
+{
+    open("x;y;z\n0,5;0;0\n1,5;0;0\n\n\n2,5;0;0\n3,5;0;0\n");
+    EXPECT_EQ(numbersOf(series->load(1).configuration->rods[0].points),
+              (Points{{2.5, 0, 0}, {3.5, 0, 0}}));
+}
+
+TEST_F(TableSeriesTest, RowsOfOneTimeAreAFrameAndTheTimeIsNoScalar)
+{
+    for (const char* name : {"t", "time", "Time", "TIME", "t[s]", "time(ps)"}) {
+        SCOPED_TRACE(name);
+        open("x y z " + std::string(name) +
+             " s\n0 0 0 0.5 1\n0 0 1 0.5 2\n\n1 0 0 0.5 3\n1 0 1 0.5 4\n"
+             "0 0 0 -1e2 5\n0 0 1 -1e2 6\n0 0 2 -1e2 7\n2 0 0 0.5 8\n2 0 1 0.5 9\n");
+        EXPECT_EQ(shape(), " 2 2, 3, 2");
+        EXPECT_THAT(times(), ElementsAre(0.5, -100, 0.5));
+        const Rod rod = series->load(1).configuration->rods[0];
+        EXPECT_THAT(scalarNames(rod), ElementsAre("s"));
+        EXPECT_THAT(rod.scalars[0].values, ElementsAre(5, 6, 7));
+    }
+}
+
+TEST_F(TableSeriesTest, AColumnOfFrameNumbersTellsNoTimes)
+{
+    open("Frame,x,y,z\n0,0,0,0\n0,0,0,1\n1,0,0,0\n1,0,0,2\n");
+    EXPECT_EQ(shape(), " 2, 2");
+    EXPECT_THAT(times(), testing::IsEmpty());
+}
+
+TEST_F(TableSeriesTest, OfSeveralSuchColumnsTheTimeGoesFirst)
+{
+    open("frame time x y z\n1 0.1 0 0 0\n1 0.1 0 0 1\n2 0.2 0 0 0\n2 0.2 0 0 2\n");
+    EXPECT_THAT(times(), ElementsAre(0.1, 0.2));
+    EXPECT_THAT(scalarNames(series->load(0).configuration->rods[0]), ElementsAre("frame"));
+}
+
+TEST_F(TableSeriesTest, BlankLinesAndTimesSeparateFramesTogether)
+{
+    open("x y z t\n0 0 0 1\n0 0 1 1\n\n\n0 0 0 1\n0 0 2 1\n0 0 0 2\n0 0 3 2\n");
+    EXPECT_EQ(shape(), " 2, 2, 2");
+    EXPECT_THAT(times(), ElementsAre(1, 1, 2));
+}
+
+TEST_F(TableSeriesTest, AValueOfItsOwnInARowMakesItAScalar)
+{
+    // A parameter along the rod; a temperature, which is not written small; what never changes.
+    for (const char* table :
+         {"x y z t\n0 0 0 0\n0 0 1 0.1\n0 0 2 0.2\n",
+          "x y z t\n0 0 0 1\n0 0 1 1\n0 0 2 2\n0 0 3 3\n",
+          "x y z T\n0 0 0 0\n0 0 1 0\n0 0 2 1\n0 0 3 1\n", "x y z time\n0 0 0 7\n0 0 1 7\n"}) {
+        SCOPED_TRACE(table);
+        open(table);
+        ASSERT_EQ(series->count(), 1U);
+        EXPECT_THAT(times(), testing::IsEmpty());
+        const Rod rod = series->load(0).configuration->rods[0];
+        ASSERT_EQ(rod.scalars.size(), 1U);
+        EXPECT_EQ(rod.scalars[0].values.size(), rod.points.size());
+    }
+}
+
+TEST_F(TableSeriesTest, TimesMayBeLeftOutInARowOfElements)
+{
+    open("x,y,z,qx,qy,qz,qw,t\n0,0,0,0,0,0,1,0\n0,0,1,0,0,0,1,0\n0,0,2,,,,,\n\n"
+         "0,0,0,0,0,0,1,1\n0,0,3,0,0,0,1,1\n0,0,4,,,,,\n");
+    EXPECT_EQ(shape(), " 3, 3");
+    EXPECT_TRUE(series->load(1).configuration->rods[0].hasFrames);
+}
+
+TEST_F(TableSeriesTest, FramesOfDnaMayHaveATime)
+{
+    open("base x y z qx qy qz qw t\nA 0 0 0 0 0 0 1 0\nC 0 0 3 0 0 0 1 0\n"
+         "A 0 0 0 0 0 0 1 0.5\nC 0 0 4 0 0 0 1 0.5\n");
+    ASSERT_EQ(series->count(), 2U);
+    EXPECT_THAT(times(), ElementsAre(0, 0.5));
+    EXPECT_EQ(series->load(1).configuration->dnas[0].pairPoints[1].z, 4);
+    open("base x y z qx qy qz qw t\nA 0 0 0 0 0 0 1 0\n");
+    EXPECT_EQ(series->load(0).configuration->dnas.size(), 1U);
+}
+
+TEST_F(TableSeriesTest, ALastFrameThatIsCutShortIsLeftOutWithANotice)
+{
+    open("0 0 0\n0 0 1\n\n\n1 0 0\n1 0 1\n\n\n2 0 0\n2 0");
+    EXPECT_EQ(shape(), " 2, 2");
+    EXPECT_THAT(report.notices,
+                ElementsAre("run.txt:10: found 2 columns, expected 3 as in line 1: the last frame "
+                            "is left out"));
+    open("x y z t\n0 0 0 0\n0 0 1 0\n0 0 0 1\n0 0 1 1\n0 0 0 2\n");
+    EXPECT_EQ(shape(), " 2, 2");
+    EXPECT_THAT(times(), ElementsAre(0, 1));
+    EXPECT_THAT(report.notices,
+                ElementsAre("run.txt:6: found 1 distinct point, expected at least 2 in a rod: the "
+                            "last frame is left out"));
+}
+
+TEST_F(TableSeriesTest, AFaultInAFrameIsToldWhenItIsLoadedAndLeavesTheOthers)
+{
+    open("0 0 0\n0 0 1\n\n\n1 0 0\n1 x 1\n\n\n2 0 0\n2 0 1\n");
+    EXPECT_EQ(series->load(1).error,
+              "run.txt:6: column 2 (y): found 'x', expected a finite number");
+    EXPECT_TRUE(series->load(0).configuration && series->load(2).configuration);
+    EXPECT_FALSE(openTable(Source::ofBytes("run.txt", "0 0 0\n0 x 1\n"), {}, report));
+    EXPECT_EQ(report.error, "run.txt:2: column 2 (y): found 'x', expected a finite number");
+}
+
+TEST_F(TableSeriesTest, TheFirstFrameIsReadWithTheirNumber)
+{
+    const Reading reading = readText("0 0 0\n0 0 1\n\n\n1 0 0\n1 0 1\n1 0 2\n");
+    ASSERT_TRUE(reading.configuration) << reading.report.error;
+    EXPECT_EQ(reading.configuration->rods.size(), 1U);
+    EXPECT_EQ(reading.report.frames, 2U);
+    EXPECT_EQ(readText("0 0 0\n0 0 1\n").report.frames, 1U);
+}
+
+TEST_F(TableSeriesTest, FramesAreFoundWhereverAPieceOfALongFileEnds)
+{
+    // Lines of all lengths, beyond the size of a piece; each frame is told by its points.
+    const TemporaryFolder folder;
+    std::mt19937 random(7);
+    std::string text = "x y z s\r\n";
+    std::vector<std::string> shapes;
+    for (int frame = 0; text.size() < 9'000'000; ++frame) {
+        const std::size_t rows = 2 + random() % 3;
+        shapes.push_back(std::to_string(rows));
+        for (std::size_t i = 0; i < rows; ++i)
+            text += "0 0 " + std::to_string(i) + " " + std::to_string(frame) + "#" +
+                    std::string(random() % 200000, 'c') + "\r\n";
+        text += "\r\n\r\n";
+    }
+    const auto source = Source::open(folder.write("long.txt", text), report);
+    series = openTable(Source::open(folder.path("long.txt"), report), {}, report);
+    ASSERT_TRUE(series) << report.error;
+    ASSERT_EQ(series->count(), shapes.size());
+    ASSERT_GT(series->count(), 20U);
+    for (std::size_t i = 0; i < series->count(); ++i) {
+        const LoadedFrame frame = series->load(i);
+        ASSERT_TRUE(frame.configuration) << frame.error;
+        const Rod& rod = frame.configuration->rods[0];
+        EXPECT_EQ(std::to_string(rod.points.size()), shapes[i]);
+        EXPECT_EQ(rod.scalars[0].values[0], double(i));
+    }
+}
+
+TEST_F(TableSeriesTest, LoadingCanBeStopped)
+{
+    open("0 0 0\n0 0 1\n\n\n1 0 0\n1 0 1\n");
+    EXPECT_EQ(series->load(1, [](double) { return false; }).error.find("run.txt"), 0U);
+    EXPECT_TRUE(series->load(1).configuration);
+}
+
+// ---- More rods
 
 TEST(TableReader, CountsTheRodsWithoutQuaternionsInOneNotice)
 {
@@ -712,16 +944,16 @@ TEST(TableReader, ABasePairMayHaveDirectors)
 TEST(TableReader, ABlankLineStartsTheNextDna)
 {
     const Reading reading =
-        readText("# two\n" + dnaHeader + dnaRow("A") + "# still the first\n" + dnaRow("C") +
-                 "\n\n" + dnaRow("G") + "\n" + dnaHeader + dnaRow("T") + dnaRow("T") + dnaRow("T"));
+        readText("# two\n" + dnaHeader + dnaRow("A") + "# still the first\n" + dnaRow("C") + "\n" +
+                 dnaRow("G") + "\n" + dnaHeader + dnaRow("T") + dnaRow("T") + dnaRow("T"));
     ASSERT_TRUE(reading.configuration) << reading.report.error;
     const std::vector<Dna>& dnas = reading.configuration->dnas;
     ASSERT_EQ(dnas.size(), 3U);
     EXPECT_EQ(dnas[0].origin, "rod.txt:3: DNA 1");
     expectDnaNumbers(dnas[0], "AC");
-    EXPECT_EQ(dnas[1].origin, "rod.txt:8: DNA 2");
+    EXPECT_EQ(dnas[1].origin, "rod.txt:7: DNA 2");
     expectDnaNumbers(dnas[1], "G");
-    EXPECT_EQ(dnas[2].origin, "rod.txt:11: DNA 3");
+    EXPECT_EQ(dnas[2].origin, "rod.txt:10: DNA 3");
     expectDnaNumbers(dnas[2], "TTT");
 }
 
@@ -1093,7 +1325,7 @@ public:
         for (const Rod& rod : rods) {
             for (std::size_t i = 0; i < rod.points.size(); ++i)
                 writeRow(text, rod, i);
-            text += pick({" \n", " \n\n", "\r\n", "\t\r", "\t\n# next\n"});
+            text += pick({" \n", " \n", "\r\n", "\t\r", "\t\n# next\n"});
         }
         return text;
     }

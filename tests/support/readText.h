@@ -11,6 +11,8 @@
 #include <gtest/gtest.h>
 
 #include <strandview/formats/ReadReport.h>
+#include <strandview/formats/Source.h>
+#include <strandview/formats/TableReader.h>
 #include <strandview/model/Configuration.h>
 
 namespace strandview {
@@ -33,6 +35,14 @@ inline Reading readWith(TextReader reader, const std::string& text, const std::s
     Reading reading;
     reading.configuration = reader(text, fileName, options, reading.report);
     return reading;
+}
+
+/// A table as a text.
+inline std::optional<Configuration> readTableText(std::string_view text,
+                                                  const std::string& fileName,
+                                                  const ReadOptions& options, ReadReport& report)
+{
+    return readTable(*Source::ofBytes(fileName, std::string(text)), options, report);
 }
 
 /// The rods of a text that must be accepted.
