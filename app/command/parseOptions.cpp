@@ -133,22 +133,33 @@ CLI::Option* addColour(CLI::App& app, const std::string& name, Target& colour,
         ->type_name("COLOUR");
 }
 
+struct DnaPart
+{
+    const char* name;
+    bool DnaLook::*shown;
+};
+
+const DnaPart DNA_PARTS[] = {{"backbone", &DnaLook::backbone},
+                             {"bases", &DnaLook::bases},
+                             {"boxes", &DnaLook::baseBoxes},
+                             {"pairs", &DnaLook::pairBoxes},
+                             {"atoms", &DnaLook::atoms}};
+
 void addDna(CLI::App& app, Options& options)
 {
     const std::string group = "DNA";
     const auto parseLook = [&options](const std::string& text) {
-        options.dna.atoms = options.dna.baseBoxes = options.dna.pairBoxes = false;
-        const auto show = [&options](const std::string& name) {
-            if (name == "atoms")
-                options.dna.atoms = true;
-            else if (name == "bases")
-                options.dna.baseBoxes = true;
-            else if (name == "pairs")
-                options.dna.pairBoxes = true;
-            else
+        DnaLook& look = options.dna;
+        look.backbone = look.bases = look.baseBoxes = look.pairBoxes = look.atoms = false;
+        const auto show = [&look](const std::string& name) {
+            const auto* part =
+                std::find_if(std::begin(DNA_PARTS), std::end(DNA_PARTS),
+                             [&name](const DnaPart& known) { return name == known.name; });
+            if (part == std::end(DNA_PARTS))
                 throw CLI::ValidationError("--dna", "found '" + name +
-                                                        "', expected some of atoms, bases and "
-                                                        "pairs, with commas");
+                                                        "', expected some of backbone, bases, "
+                                                        "boxes, pairs and atoms, with commas");
+            look.*part->shown = true;
         };
         if (text.empty())
             show(text);
@@ -157,8 +168,8 @@ void addDna(CLI::App& app, Options& options)
             show(name);
     };
     app.add_option_function<std::string>("--dna", parseLook,
-                                         "Show atoms, boxes of bases, boxes of pairs "
-                                         "[atoms]")
+                                         "Show backbone, bases as slabs, boxes of bases, boxes of "
+                                         "pairs, atoms [backbone,bases]")
         ->type_name("WHAT,...")
         ->group(group);
     const auto parseUnit = [&options](const std::string& text) {

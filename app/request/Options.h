@@ -15,9 +15,11 @@ namespace strandview {
 /// What is shown of a DNA, and the unit of its points.
 struct DnaLook
 {
-    bool atoms = true;
+    bool backbone = true; ///< of strands, ideal ones and those that the file has
+    bool bases = true;    ///< as slabs
     bool baseBoxes = false;
     bool pairBoxes = false;
+    bool atoms = false;
     double angstrom = 1; ///< of them in the data's unit
 };
 

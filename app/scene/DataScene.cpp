@@ -69,7 +69,7 @@ void DataScene::add(std::size_t kind, const ShownDatum& datum)
         kinds.push_back({new SoGroup, {}});
         addChanging(kinds.back().group);
     }
-    places[datum.node] = {kind, kinds[kind].data.size()};
+    places[datum.group] = {kind, kinds[kind].data.size()};
     kinds[kind].data.push_back(datum);
     kinds[kind].group->addChild(datum.group);
     box.reset();
@@ -89,7 +89,7 @@ void DataScene::keepFirst(std::size_t kind, std::size_t count)
         return;
     std::vector<ShownDatum>& data = kinds[kind].data;
     for (std::size_t i = data.size(); i > count; --i) {
-        places.erase(data[i - 1].node);
+        places.erase(data[i - 1].group);
         kinds[kind].group->removeChild(int(i) - 1);
     }
     data.resize(count);
@@ -213,14 +213,15 @@ Told DataScene::describe(const SoPickedPoint& picked) const
         if (known == places.end())
             continue;
         const ShownDatum& datum = kinds[known->second.kind].data[known->second.index];
-        std::string text = (datum.placeIn ? datum.placeIn(path, i) : "") + where;
+        const Told place = datum.placeIn ? datum.placeIn(datum, picked, i) : Told{"", datum.name};
+        std::string text = place.what + where;
         if (datum.centralTube) {
             BiarcTubeMesh& tube = *datum.centralTube(*datum.node);
             const double unit = 1 / placement.scale;
             text += ", arc length " + readable(nearestArcLength(tube, inScene) * unit) + " of " +
                     readable(tube.getParamValues().back() * unit);
         }
-        return {text, datum.name};
+        return {text, place.name};
     }
     return {where, ""};
 }

@@ -105,7 +105,7 @@ private:
     Placement placement;
     Style style;
     std::vector<Kind> kinds;
-    std::unordered_map<const SoNode*, Place> places; ///< of the nodes whose picks are told
+    std::unordered_map<const SoNode*, Place> places; ///< of the groups of data
     mutable std::optional<SbBox3f> box;              ///< nothing where it is to be found anew
     Side standardSide = Side::Z;
     std::optional<Colouring> colouring;

@@ -24,10 +24,12 @@
 #include "scene/Progress.h"
 #include "scene/SoLegendCamera.h"
 #include "scene/SoOverlay.h"
+#include "scene/backbones.h"
 #include "scene/builders/ArrowBuilder.h"
 #include "scene/builders/BirodBuilder.h"
 #include "scene/builders/DnaBuilder.h"
 #include "scene/builders/FrameBuilder.h"
+#include "scene/builders/LoneBaseBuilder.h"
 #include "scene/builders/MarkerBuilder.h"
 #include "scene/builders/RodBuilder.h"
 
@@ -50,16 +52,16 @@ Builders makeAll(const FrameToShow& frame)
 // In the order in which their kinds are drawn.
 Builders makeBuilders(const FrameToShow& frame)
 {
-    return makeAll<RodBuilder, BirodBuilder, MarkerBuilder, ArrowBuilder, DnaBuilder, FrameBuilder>(
-        frame);
+    return makeAll<RodBuilder, BirodBuilder, MarkerBuilder, ArrowBuilder, DnaBuilder,
+                   LoneBaseBuilder, FrameBuilder>(frame);
 }
 
 // Refuses what would take more memory than any machine of our users has: a vertex
 // takes 64 bytes.
-std::string checkSize(const Extent& extent, const Style& style)
+std::string checkSize(const Configuration& configuration, const Style& style)
 {
     const double largest = 1e9;
-    const double rows = double(extent.segments) * style.subsegments + 1;
+    const double rows = double(countSegments(configuration, style.dna)) * style.subsegments + 1;
     const double vertices = rows * (style.slices + 1);
     if (vertices <= largest)
         return "";
@@ -112,7 +114,7 @@ SceneGeometry compute(const Configuration& configuration, const Extent& extent, 
                       const Placement& placement, Progress& progress, std::string& error)
 {
     SceneGeometry geometry;
-    error = checkSize(extent, style);
+    error = checkSize(configuration, style);
     if (!error.empty())
         return geometry;
     geometry.placement = placement;
@@ -128,6 +130,14 @@ SceneGeometry compute(const Configuration& configuration, const Extent& extent, 
             "Building birod", configuration.birods, geometry.birods,
             [&](const Birod& birod, std::string& fault) {
                 return BirodBuilder::compute(birod, style, placement, fault);
+            },
+            progress);
+    const Molecules molecules(configuration);
+    if (error.empty())
+        error = computeAll(
+            "Building DNA", configuration.dnas, geometry.dnas,
+            [&](const Dna& dna, std::string& /*fault*/) {
+                return DnaBuilder::compute(dna, molecules, style, placement);
             },
             progress);
     return geometry;
@@ -207,6 +217,7 @@ std::string showFrame(DataScene& scene, const Configuration& data, const Colouri
 {
     assert(geometry.rods.size() == data.rods.size());
     assert(geometry.birods.size() == data.birods.size());
+    assert(geometry.dnas.size() == data.dnas.size());
     assert(!colouring || colouring->places.size() == data.rods.size());
     FrameChange change(scene, {data, scene.getStyle(), scene.getPlacement(), colouring,
                                scene.areColoursShown(), geometry});

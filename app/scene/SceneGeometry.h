@@ -2,6 +2,7 @@
 #ifndef STRANDVIEW_APP_SCENE_SCENEGEOMETRY_H
 #define STRANDVIEW_APP_SCENE_SCENEGEOMETRY_H
 
+#include <array>
 #include <vector>
 
 #include <SoBirod.h>
@@ -25,10 +26,22 @@ struct SceneGeometry
         SoBirod::Data data; ///< in the scene
         SoBirod::Meshes meshes;
     };
+    /// A backbone that the file does not have.
+    struct Backbone
+    {
+        std::vector<algebra3d::Vector3<double>> points; ///< in the scene; none if none is drawn
+        std::vector<algebra3d::Quaternion<double>> rotations;
+        SoRod::Meshes meshes;
+    };
+    struct Dna
+    {
+        std::array<Backbone, 2> backbones; ///< of strand 1 and 2
+    };
     Placement placement;
     Side side = Side::Z;       ///< that it is seen from unless another is asked for
     std::vector<Rod> rods;     ///< one for each of the configuration
     std::vector<Birod> birods; ///< one for each of the configuration
+    std::vector<Dna> dnas;     ///< one for each of the configuration
 };
 
 } // namespace strandview

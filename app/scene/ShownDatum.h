@@ -3,12 +3,15 @@
 #define STRANDVIEW_APP_SCENE_SHOWNDATUM_H
 
 #include <string>
+#include <vector>
 
 #include <Inventor/SbBox3f.h>
 
+#include "scene/Told.h"
+
 class BiarcTubeMesh;
 class SoNode;
-class SoPath;
+class SoPickedPoint;
 class SoSeparator;
 class SoSwitch;
 
@@ -17,15 +20,18 @@ namespace strandview {
 /// The nodes of one datum, which the scene graph owns, and what is known of them.
 struct ShownDatum
 {
-    SoSeparator* group = nullptr; ///< all of them
-    SoNode* node = nullptr;       ///< the one among them whose picks are told
-    std::string name;             ///< by which
+    SoSeparator* group = nullptr; ///< all of them; a pick of any is told
+    SoNode* node = nullptr;       ///< the one among them that shows the datum; may be the group
+    std::string name;             ///< by which picks are told
     SbBox3f box;                  ///< in the scene
     /// Its own colours and those of data, if it has both.
     SoSwitch* colours = nullptr;
-    /// What a pick is told with besides its point: "pair 12 AT, strand 2, " of the path's node
-    /// of that index, which is `node`; null if nothing.
-    std::string (*placeIn)(const SoPath& path, int index) = nullptr;
+    std::string bases; ///< the letters of those that picks are told with
+    std::vector<std::string>
+        parts; ///< the names of its parts, if those are told instead of its own
+    /// What a pick is told with besides its point, and by which name: "pair 12 AT, strand 2, " of
+    /// a point below the node of that index in its path, which is `group`; null if nothing.
+    Told (*placeIn)(const ShownDatum& shown, const SoPickedPoint& picked, int index) = nullptr;
     /// Whose centreline tells arc lengths; null for what is no rod.
     BiarcTubeMesh* (*centralTube)(const SoNode& node) = nullptr;
 };

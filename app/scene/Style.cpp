@@ -9,10 +9,13 @@
 #include <strandview/model/Extent.h>
 
 #include "scene/Legend.h"
+#include "scene/backbones.h"
 
 namespace strandview {
 
 namespace {
+
+const double BACKBONE_RADIUS = 1; // ångström
 
 const Colour RIBBON_COLOUR{0.93f, 0.60f, 0.10f};
 
@@ -49,18 +52,18 @@ float automaticTextSize(const Options& options)
                       LEGEND_TEXT_SIZE, LARGEST_LEGEND_TEXT_SIZE);
 }
 
-int automaticSubsegments(const Extent& extent)
+int automaticSubsegments(long long segments)
 {
     const long long rows = 6000;
-    return int(std::clamp(rows / std::max(extent.segments, 1LL), 1LL, 32LL));
+    return int(std::clamp(rows / std::max(segments, 1LL), 1LL, 32LL));
 }
 
 // At least 10, so that a tube looks round; of very many rows, which are no longer than a
 // pixel or two when all of them are seen, at least 6.
-int automaticSlices(const Extent& extent, int subsegments)
+int automaticSlices(long long segments, int subsegments)
 {
     const long long vertices = 400000, mostRoundVertices = 2500000;
-    const long long rows = std::max(extent.segments * subsegments, 1LL);
+    const long long rows = std::max(segments * subsegments, 1LL);
     const long long fewest = std::clamp(mostRoundVertices / rows, 6LL, 10LL);
     return int(std::clamp(vertices / rows, fewest, 32LL));
 }
@@ -88,6 +91,8 @@ std::string checkLength(const std::string& option, const std::optional<double>& 
 
 } // namespace
 
+bool showsBackbones(const Style& style) { return style.showTube && style.dna.backbone; }
+
 bool asksForRibbon(const Options& options)
 {
     return options.showRibbon.value_or(options.ribbonWidth || options.ribbonColour ||
@@ -97,12 +102,16 @@ bool asksForRibbon(const Options& options)
 Style makeStyle(const Options& options, const Configuration& configuration)
 {
     const Extent extent = measure(configuration);
+    const long long segments = countSegments(configuration, options.dna);
     Style style;
     style.radius = options.radius ? *options.radius : automaticRadius(extent);
     style.ribbonWidth =
         options.ribbonWidth.value_or((options.twoSidedRibbon ? 6 : 3) * style.radius);
-    style.subsegments = options.subsegments.value_or(automaticSubsegments(extent));
-    style.slices = options.slices.value_or(automaticSlices(extent, style.subsegments));
+    style.isRadiusAsked = options.radius.has_value();
+    style.isRibbonWidthAsked = options.ribbonWidth.has_value();
+    style.backboneRadius = options.radius.value_or(BACKBONE_RADIUS * options.dna.angstrom);
+    style.subsegments = options.subsegments.value_or(automaticSubsegments(segments));
+    style.slices = options.slices.value_or(automaticSlices(segments, style.subsegments));
     style.showTube = options.showTube;
     style.showRibbon = options.showRibbon.value_or(true);
     style.showMadeFrames = asksForRibbon(options);

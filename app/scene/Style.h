@@ -17,6 +17,9 @@ struct Style
 {
     double radius;
     double ribbonWidth;
+    bool isRadiusAsked;      ///< then also of what has a radius of its own
+    bool isRibbonWidthAsked; ///< otherwise as much wider as a rod's own radius is larger
+    double backboneRadius;   ///< of a strand without one of its own
     int slices;
     int subsegments;
     bool showTube;
@@ -31,6 +34,9 @@ struct Style
     double glyphSize; ///< of markers and frames that have none of their own
     DnaLook dna;
 };
+
+/// Whether the tubes of backbones are shown: of rods that are one, and ideal ones.
+bool showsBackbones(const Style& style);
 
 /// Whether the options ask for a ribbon, or say how it is to look.
 bool asksForRibbon(const Options& options);

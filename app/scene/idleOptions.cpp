@@ -4,37 +4,47 @@
 #include <algorithm>
 
 #include "scene/Style.h"
+#include "scene/backbones.h"
 
 namespace strandview {
 
 namespace {
 
+// Rods but backbones, which have no ribbons.
+bool haveSingle(const std::vector<Rod>& rods)
+{
+    return std::any_of(rods.begin(), rods.end(), [](const Rod& rod) { return !rod.isBackbone; });
+}
+bool haveRods(const Configuration& data) { return !data.birods.empty() || haveSingle(data.rods); }
+
 // What the options act on.
 struct Shown
 {
     Shown(const Options& options, const Configuration& data)
-        : dna(!data.dnas.empty()),
-          rods(!data.rods.empty() || !data.birods.empty()),
-          curves(haveCurves(data.rods)),
-          tubes(rods && options.showTube),
+        : dna(!data.dnas.empty() || !data.loneBases.empty() || haveBackbone(data.rods)),
+          rods(haveRods(data)),
+          curves(rods || countSegments(data, options.dna) > 0),
+          single(haveSingle(data.rods)),
+          tubes(curves && options.showTube),
           ribbons(rods && options.showRibbon.value_or(true)),
-          frames(dna || !data.birods.empty() || !data.frames.empty() || haveFrames(data.rods)),
+          frames(!data.dnas.empty() || !data.loneBases.empty() || !data.birods.empty() ||
+                 !data.frames.empty() || haveFrames(data.rods)),
           background(!options.transparent || options.colourBy)
     {}
 
+    static bool haveBackbone(const std::vector<Rod>& rods)
+    {
+        return std::any_of(rods.begin(), rods.end(), [](const Rod& rod) { return rod.isBackbone; });
+    }
     static bool haveFrames(const std::vector<Rod>& rods)
     {
         return std::any_of(rods.begin(), rods.end(), [](const Rod& rod) { return rod.hasFrames; });
     }
 
-    static bool haveCurves(const std::vector<Rod>& rods)
-    {
-        return std::any_of(rods.begin(), rods.end(),
-                           [](const Rod& rod) { return !rod.isBackbone; });
-    }
-
-    bool dna, rods;
-    bool curves; ///< rods that are no strands
+    bool dna;
+    bool rods;   ///< that may have a ribbon
+    bool curves; ///< those and backbones
+    bool single; ///< rods that may be closed
     bool tubes, ribbons, frames;
     bool background; ///< the legend is drawn in a colour that suits it
 };
@@ -49,12 +59,12 @@ struct Rule
 // The first rule that an option breaks is told.
 const Rule RULES[] = {{"--dna", &Shown::dna, "found no DNA"},
                       {"--dna-unit", &Shown::dna, "found no DNA"},
-                      {"--radius", &Shown::rods, "found no rods"},
-                      {"--subsegments", &Shown::rods, "found no rods"},
-                      {"--tube", &Shown::rods, "found no rods"},
-                      {"--slices", &Shown::rods, "found no rods"},
+                      {"--radius", &Shown::curves, "found no rods"},
+                      {"--subsegments", &Shown::curves, "found no rods"},
+                      {"--tube", &Shown::curves, "found no rods"},
+                      {"--slices", &Shown::curves, "found no rods"},
                       {"--slices", &Shown::tubes, "--no-tube hides the tubes"},
-                      {"--tube-colour", &Shown::rods, "found no rods"},
+                      {"--tube-colour", &Shown::curves, "found no rods"},
                       {"--tube-colour", &Shown::tubes, "--no-tube hides the tubes"},
                       {"--ribbon", &Shown::rods, "found no rods"},
                       {"--ribbon-width", &Shown::rods, "found no rods"},
@@ -64,7 +74,7 @@ const Rule RULES[] = {{"--dna", &Shown::dna, "found no DNA"},
                       {"--two-sided", &Shown::rods, "found no rods"},
                       {"--two-sided", &Shown::ribbons, "--no-ribbon hides the ribbons"},
                       {"--normalise", &Shown::frames, "found no frames"},
-                      {"--closed", &Shown::curves, "found no rods"},
+                      {"--closed", &Shown::single, "found no rods"},
                       {"--background", &Shown::background, "--transparent leaves it out"}};
 
 // As it stands on the command line.
@@ -78,12 +88,13 @@ std::string written(const std::string& option, const Options& options)
 // Rods of which neither tube nor ribbon is shown.
 std::string hiddenRods(const Options& options, const Configuration& data)
 {
-    if (options.showTube || (data.rods.empty() && data.birods.empty()))
+    if (options.showTube || !haveRods(data))
         return "";
     if (!options.showRibbon.value_or(true))
         return "--no-tube --no-ribbon: nothing of the rods is left to see";
-    const auto bare = std::count_if(data.rods.begin(), data.rods.end(),
-                                    [](const Rod& rod) { return !rod.hasFrames; });
+    const auto bare = std::count_if(data.rods.begin(), data.rods.end(), [](const Rod& rod) {
+        return !rod.hasFrames && !rod.isBackbone;
+    });
     return bare == 0 || asksForRibbon(options) ? ""
                                                : "--no-tube: nothing is left to see of rods "
                                                  "without frames; --ribbon shows a ribbon";

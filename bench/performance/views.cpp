@@ -108,8 +108,9 @@ int main()
         const std::string file = folder.path / (std::to_string(pairs) + ".txt");
         writeDna(file, pairs);
         const std::string of = std::to_string(pairs) + " base pairs";
-        measure(table, "Atoms of " + of, file, "", true);
-        measure(table, "Boxes of the bases of " + of, file, "--dna bases", true);
+        measure(table, "Backbones and bases of " + of, file, "", true);
+        measure(table, "Atoms of " + of, file, "--dna atoms", true);
+        measure(table, "Boxes of the bases of " + of, file, "--dna boxes", true);
     }
     for (int turns : {10, 100, 1000}) {
         const std::string file = folder.path / ("coil" + std::to_string(turns) + ".txt");

@@ -136,15 +136,21 @@ INSTANTIATE_TEST_SUITE_P(, PictureInTilesTest,
                                                [](Options& o) { o.camera.perspective = true; }},
                                          Shown{"TransparentGlyphs", "glyphs.json",
                                                [](Options& o) { o.transparent = true; }},
-                                         Shown{"Atoms", "dna_bent.txt", nullptr},
+                                         Shown{"Dna", "dna_bent.txt", nullptr},
+                                         Shown{"Atoms", "dna_bent.txt",
+                                               [](Options& o) {
+                                                   o.dna.atoms = true;
+                                                   o.dna.backbone = o.dna.bases = false;
+                                               }},
                                          Shown{"AtomsOfFewPairsInPerspective", "minicircle.json",
                                                [](Options& o) {
+                                                   o.dna.atoms = true;
                                                    o.camera.perspective = true;
                                                    o.camera.side = Side::X;
                                                }},
                                          Shown{"Boxes", "dna_bent.txt",
                                                [](Options& o) {
-                                                   o.dna.atoms = false;
+                                                   o.dna.bases = false;
                                                    o.dna.baseBoxes = true;
                                                }},
                                          Shown{"TransparentLegend", "helix.txt",

@@ -11,6 +11,7 @@
 #include <Inventor/actions/SoGetBoundingBoxAction.h>
 #include <Inventor/actions/SoRayPickAction.h>
 #include <Inventor/actions/SoSearchAction.h>
+#include <Inventor/nodes/SoMaterial.h>
 #include <Inventor/nodes/SoShape.h>
 #include <SoArrow.h>
 #include <SoBirod.h>
@@ -87,9 +88,30 @@ protected:
         return point ? toLine(scene->describe(*point)) : "";
     }
 
+    // Of the rod with that index.
+    SbColor colourOf(std::size_t index)
+    {
+        SoSearchAction search;
+        search.setNode(find<SoRod>()[index]);
+        search.setSearchingAll(TRUE);
+        search.apply(scene);
+        const auto* group = static_cast<SoGroup*>(search.getPath()->getNodeFromTail(1));
+        return static_cast<SoMaterial*>(group->getChild(0))->diffuseColor[0];
+    }
+
     DataScene* scene = nullptr;
     std::string error;
 };
+
+// Of a DNA these parts and no other.
+Options showing(std::initializer_list<bool DnaLook::*> parts)
+{
+    Options options;
+    options.dna = {false, false, false, false, false, 1};
+    for (bool DnaLook::*part : parts)
+        options.dna.*part = true;
+    return options;
+}
 
 // Pairs one above the other along z, 10 apart, in the unit of `angstrom`.
 Dna makeDna(const std::string& bases, double angstrom = 1)
@@ -229,7 +251,7 @@ TEST_F(SceneBuilderTest, TellsWhichBaseOfADnaWasPicked)
 {
     Configuration data;
     data.dnas.push_back(makeDna("AC"));
-    ASSERT_TRUE(build(data)) << error;
+    ASSERT_TRUE(build(data, showing({&DnaLook::atoms}))) << error;
     // From above the last pair hides the first. Strand 1's bases lie along d2, y.
     EXPECT_THAT(describe(0, 4), StartsWith("pair 2 CG, strand 1, point 0 4 1"));
     EXPECT_THAT(describe(0, 4), EndsWith(" – dna.txt:1: DNA 1"));
@@ -241,19 +263,202 @@ TEST_F(SceneBuilderTest, TellsThePairOfAPairsBox)
 {
     Configuration data;
     data.dnas.push_back(makeDna("GAT"));
-    Options options;
-    options.dna = {false, false, true, 1};
-    ASSERT_TRUE(build(data, options)) << error;
+    ASSERT_TRUE(build(data, showing({&DnaLook::pairBoxes}))) << error;
     EXPECT_THAT(describe(0, 4), StartsWith("pair 3 TA, point 0 4 "));
+}
+
+TEST_F(SceneBuilderTest, TellsThePairAndTheStrandOfASlab)
+{
+    Configuration data;
+    data.dnas.push_back(makeDna("AGN"));
+    ASSERT_TRUE(build(data)) << error;
+    EXPECT_THAT(describe(0, 4), StartsWith("pair 3 NN, strand 1, point 0 4 20.65"));
+    EXPECT_THAT(describe(0, -4), StartsWith("pair 3 NN, strand 2, point 0 -4 20.65"));
+    EXPECT_THAT(describe(0, 4), EndsWith(" – dna.txt:1: DNA 1"));
+    scene->unref();
+
+    data.dnas[0].pairPoints[2].x = data.dnas[0].points1[2].x = data.dnas[0].points2[2].x = 50;
+    ASSERT_TRUE(build(data)) << error;
+    EXPECT_THAT(describe(0, 4), StartsWith("pair 2 GC, strand 1, "));
+    EXPECT_THAT(describe(0, -4), StartsWith("pair 2 GC, strand 2, "));
+    EXPECT_THAT(describe(50, -4), StartsWith("pair 3 NN, strand 2, "));
+}
+
+TEST_F(SceneBuilderTest, TellsTheBaseThatABackboneIsNear)
+{
+    Configuration data;
+    data.dnas.push_back(makeDna("AAC"));
+    ASSERT_TRUE(build(data, showing({&DnaLook::backbone}))) << error;
+    // The upper ends, of strand 1 the 3' end, of strand 2 the 5' end: the last pair of both.
+    EXPECT_THAT(describe(-5.24f, 7.81f), StartsWith("pair 3 CG, strand 1, point -5.24"));
+    EXPECT_THAT(describe(-0.3f, -9.37f), StartsWith("pair 3 CG, strand 2, point -0.3"));
+    EXPECT_EQ(describe(0, 0), "");
+}
+
+TEST_F(SceneBuilderTest, ShowsOfABaseThatIsNotKnownABoxAndNoAtoms)
+{
+    const auto shownBases = [this](const std::string& bases) {
+        Configuration data;
+        data.dnas.push_back(makeDna(bases));
+        EXPECT_TRUE(build(data, showing({&DnaLook::atoms, &DnaLook::baseBoxes}))) << error;
+        return find<SoNucleobase>();
+    };
+    const auto isGrey = [](const SoNucleobase* base) {
+        const auto colour = base->getBoxColour();
+        return colour.x == colour.y && colour.y == colour.z;
+    };
+    for (const SoNucleobase* base : shownBases("AC")) {
+        EXPECT_TRUE(base->areAtomsShown());
+        EXPECT_FALSE(isGrey(base));
+    }
+    EXPECT_EQ(find<SoNucleobase>().size(), 4u);
+    scene->unref();
+    for (const SoNucleobase* base : shownBases("N")) {
+        EXPECT_FALSE(base->areAtomsShown());
+        EXPECT_TRUE(base->isBoxShown());
+        EXPECT_TRUE(isGrey(base));
+    }
+    EXPECT_EQ(find<SoNucleobase>().size(), 2u);
+    EXPECT_THAT(describe(0, 4), StartsWith("pair 1 NN, strand 1, point 0 4 0.75"));
+}
+
+// Of strand 1 of that molecule, beside its pairs.
+Rod makeBackbone(std::size_t molecule)
+{
+    Rod rod;
+    rod.origin = "1xyz.pdb: chain A";
+    for (int i = 0; i < 4; ++i) {
+        rod.points.emplace_back(-3, 9, 10 * i);
+        rod.rotations.emplace_back();
+    }
+    rod.hasFrames = false;
+    rod.isBackbone = true;
+    rod.molecule = molecule;
+    return rod;
+}
+
+TEST_F(SceneBuilderTest, ADnaHasIdealBackbonesUnlessItsMoleculeHasOthers)
+{
+    const auto shownTubes = [this](const Configuration& data) {
+        EXPECT_TRUE(build(data)) << error;
+        int shown = 0;
+        for (const SoRod* rod : find<SoRod>())
+            shown += rod->isValid() && rod->isShowingTube();
+        scene->unref();
+        scene = nullptr;
+        return shown;
+    };
+    Configuration data;
+    data.dnas = {makeDna("ACG")};
+    data.dnas[0].molecule = 1;
+    EXPECT_EQ(shownTubes(data), 2);
+    data.rods = {makeBackbone(2)};
+    EXPECT_EQ(shownTubes(data), 3);
+    data.rods = {makeBackbone(1)};
+    EXPECT_EQ(shownTubes(data), 1);
+    data.rods[0].isBackbone = false;
+    EXPECT_EQ(shownTubes(data), 3);
+}
+
+TEST_F(SceneBuilderTest, ABackboneIsATubeOfItsMoleculeThatEndsInAHead)
+{
+    Configuration data;
+    data.dnas = {makeDna("ACG")};
+    data.dnas[0].molecule = 2;
+    data.rods = {makeBackbone(1)};
+    Options options;
+    options.showRibbon = true;
+    ASSERT_TRUE(build(data, options)) << error;
+    const auto rods = find<SoRod>();
+    ASSERT_EQ(rods.size(), 3u);
+    const SbColor first = colourOf(0);
+    EXPECT_NE(first, colourOf(1));
+    EXPECT_EQ(colourOf(1), colourOf(2));
+    for (const SoRod* rod : rods) {
+        EXPECT_EQ(rod->getTubeRadius(), 1);
+        EXPECT_FALSE(rod->isShowingRibbon());
+    }
+    // Along z from 30 on.
+    EXPECT_THAT(describe(-3, 9), HasSubstr(", arc length 30 of 30 – 1xyz.pdb"));
+    scene->unref();
+
+    data.dnas[0].molecule = 1;
+    ASSERT_TRUE(build(data, showing({&DnaLook::bases}))) << error;
+    EXPECT_EQ(describe(-3, 9), "") << "hidden with the DNA's";
+    scene->unref();
+
+    options.tubeColour = Colour{1, 0, 0};
+    options.radius = 0.5;
+    data.dnas[0].molecule = 2;
+    ASSERT_TRUE(build(data, options)) << error;
+    for (const SoRod* rod : find<SoRod>())
+        EXPECT_EQ(rod->getTubeRadius(), 0.5);
+    for (std::size_t i = 0; i < 3; ++i)
+        EXPECT_EQ(colourOf(i), SbColor(1, 0, 0));
+}
+
+TEST_F(SceneBuilderTest, ARodHasTheColourAndTheRadiusOfItsFile)
+{
+    Configuration data;
+    Rod rod = makeBackbone(0);
+    rod.isBackbone = false;
+    rod.colour = "#ff0000";
+    rod.radius = 0.25;
+    data.rods = {rod};
+    ASSERT_TRUE(build(data)) << error;
+    EXPECT_EQ(find<SoRod>()[0]->getTubeRadius(), 0.25);
+    EXPECT_NEAR(find<SoRod>()[0]->getRibbonWidth(), 0.75, 1e-12);
+    EXPECT_EQ(colourOf(0), SbColor(1, 0, 0));
+    scene->unref();
+
+    Options options;
+    options.tubeColour = Colour{0, 0, 1};
+    options.radius = 0.5;
+    ASSERT_TRUE(build(data, options)) << error;
+    EXPECT_EQ(find<SoRod>()[0]->getTubeRadius(), 0.5);
+    EXPECT_EQ(colourOf(0), SbColor(0, 0, 1));
+    scene->unref();
+
+    data.rods[0].colour = "reddish";
+    EXPECT_FALSE(build(data));
+    EXPECT_EQ(error, "1xyz.pdb: chain A.colour: found 'reddish', expected #rrggbb or an SVG colour "
+                     "name");
+}
+
+LoneBase makeLoneBase(char letter, double x)
+{
+    LoneBase base;
+    base.origin = std::string("1xyz.pdb: base ") + letter;
+    base.base = letter;
+    base.point = {x, 0, 0};
+    return base;
+}
+
+TEST_F(SceneBuilderTest, TellsEachBaseWithoutAPairByItsName)
+{
+    Configuration data;
+    data.loneBases = {makeLoneBase('A', 0), makeLoneBase('N', 20), makeLoneBase('A', 40)};
+    data.loneBases[2].origin = "another";
+    for (const Options& options :
+         {Options(), showing({&DnaLook::baseBoxes}), showing({&DnaLook::atoms})}) {
+        ASSERT_TRUE(build(data, options)) << error;
+        EXPECT_THAT(describe(0, 4), StartsWith("base A, point 0 4 "));
+        EXPECT_THAT(describe(0, 4), EndsWith(" – 1xyz.pdb: base A"));
+        EXPECT_THAT(describe(40, 4), EndsWith(" – another"));
+        EXPECT_EQ(describe(20, 4) != "", !options.dna.atoms) << "of N there are no atoms";
+        EXPECT_EQ(describe(0, -4), "") << "the base lies along d2";
+        scene->unref();
+    }
+    ASSERT_TRUE(build(data)) << error;
+    EXPECT_THAT(describe(20, 4), StartsWith("base N, point 20 4 0.65"));
+    EXPECT_GT(box().getSize()[0], 40);
 }
 
 TEST_F(SceneBuilderTest, ShowsOfADnaWhatIsAskedFor)
 {
     Configuration data;
     data.dnas.push_back(makeDna("A"));
-    Options options;
-    options.dna = {false, true, true, 1};
-    ASSERT_TRUE(build(data, options)) << error;
+    ASSERT_TRUE(build(data, showing({&DnaLook::baseBoxes, &DnaLook::pairBoxes}))) << error;
     const auto dnas = find<SoDNA>();
     ASSERT_EQ(dnas.size(), 1u);
     EXPECT_FALSE(dnas[0]->areAtomsShown());

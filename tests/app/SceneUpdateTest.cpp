@@ -12,6 +12,7 @@
 #include <Inventor/SoPickedPoint.h>
 #include <Inventor/actions/SoRayPickAction.h>
 #include <Inventor/actions/SoSearchAction.h>
+#include <Inventor/nodes/SoIndexedFaceSet.h>
 #include <Inventor/nodes/SoMaterial.h>
 #include <Inventor/nodes/SoOrthographicCamera.h>
 #include <Inventor/nodes/SoSeparator.h>
@@ -43,7 +44,7 @@ using testing::StartsWith;
 
 namespace {
 
-enum Kind { RODS, BIRODS, MARKERS, ARROWS, DNAS, FRAMES, KINDS }; // as they are drawn
+enum Kind { RODS, BIRODS, MARKERS, ARROWS, DNAS, LONE_BASES, FRAMES, KINDS }; // as they are drawn
 
 // Goes on until it was told something the so-many-th time.
 struct StoppingAt : Progress
@@ -131,6 +132,15 @@ Dna makeDna(const Helix& helix, const std::string& bases, const std::string& ori
     return dna;
 }
 
+LoneBase makeLoneBase(const Vector3<double>& point, char letter, const std::string& origin)
+{
+    LoneBase base;
+    base.origin = origin;
+    base.base = letter;
+    base.point = point;
+    return base;
+}
+
 Marker makeMarker(const Vector3<double>& point, const std::string& colour, long long id)
 {
     Marker marker;
@@ -171,6 +181,8 @@ Configuration oneOfEach(double time = 0)
     data.rods = {makeRod(helixAt(time, 1 + time), "rods.txt:1: rod 1")};
     data.birods = {makeBirod(helixAt(4, 1 + time), "ladder.json: birods[0]")};
     data.dnas = {makeDna(helixAt(8 + time), time > 0 ? "CGTA" : "ACG", "dna.txt:1: DNA 1")};
+    data.loneBases = {
+        makeLoneBase({-20 + time, 0, 0}, time > 0 ? 'C' : 'T', "1xyz.pdb: chain A, residue 7")};
     data.markers = {makeMarker({-3, time, 0}, time > 0 ? "blue" : "red", time > 0 ? 8 : 7)};
     data.arrows = {makeArrow({-3, -3, 0}, {-1, -3 + time, time})};
     data.frames = {
@@ -399,12 +411,66 @@ TEST_F(SceneUpdateTest, OpensAndClosesARod)
     }
 }
 
+TEST_F(SceneUpdateTest, KeepsSlabsBackbonesAndBases)
+{
+    Configuration first, next;
+    first.dnas = {makeDna(helixAt(0), "ACGT", "DNA")};
+    first.loneBases = {makeLoneBase({30, 0, 0}, 'A', "base")};
+    next.dnas = {makeDna(helixAt(1), "CCGTA", "DNA")};
+    next.loneBases = {makeLoneBase({31, 0, 0}, 'G', "base"), makeLoneBase({41, 0, 0}, 'N', "base")};
+    build(first);
+    const auto kept = [this] {
+        std::set<const SoNode*> nodes;
+        for (const SoNode* node : allNodes()) {
+            if (node->isOfType(SoRod::getClassTypeId()) ||
+                node->isOfType(SoIndexedFaceSet::getClassTypeId()))
+                nodes.insert(node);
+        }
+        return nodes;
+    };
+    const std::set<const SoNode*> before = kept();
+    EXPECT_EQ(before.size(), 4u);
+    ASSERT_EQ(update(next), "");
+    EXPECT_EQ(kept(), before);
+    expectShows(next);
+    // A backbone of the file takes the place of the ideal ones.
+    next.dnas[0].molecule = 1;
+    next.rods = {makeRod(helixAt(0, 9), "chain A")};
+    next.rods[0].isBackbone = true;
+    next.rods[0].molecule = 1;
+    ASSERT_EQ(update(next), "");
+    expectShows(next);
+    next.rods[0].isBackbone = false;
+    ASSERT_EQ(update(next), "");
+    expectShows(next);
+}
+
+TEST_F(SceneUpdateTest, TheHeadOfABackboneFollowsTheColoursOfItsEnd)
+{
+    options.colourBy = "k";
+    Configuration data;
+    data.rods = {makeRod(helixAt(0, 9), "chain A")};
+    data.rods[0].isBackbone = true;
+    setScalar(data.rods[0], [](double t) { return t; });
+    build(data);
+    setScalar(data.rods[0], [](double t) { return 1 - t; });
+    ASSERT_EQ(update(data), "");
+    expectShows(data);
+    scene->showColours(false);
+    expectShows(data);
+    scene->showColours(true);
+    data.rods[0].scalars.clear();
+    ASSERT_EQ(update(data), "");
+    expectShows(data);
+}
+
 TEST_F(SceneUpdateTest, AddsWhatAppearsAndDropsWhatWent)
 {
     Configuration more = oneOfEach();
     more.rods.push_back(makeRod(helixAt(-4, 0.7), "rods.txt:1: rod 2"));
     more.birods.push_back(makeBirod(helixAt(0), "ladder.json: birods[1]"));
     more.dnas.push_back(makeDna(helixAt(-12), "TTT", "dna.txt:2: DNA 2"));
+    more.loneBases.push_back(makeLoneBase({-30, 3, 0}, 'N', "1xyz.pdb: chain B, residue 1"));
     more.markers.push_back(makeMarker({2, 2, 2}, "green", 12));
     more.arrows.push_back(makeArrow({0, 0, 5}, {3, 3, 5}));
     more.frames.push_back(makeFrame({1, -4, 0}, Quaternion<double>()));
@@ -552,13 +618,13 @@ TEST_F(SceneUpdateTest, StoppedAnywhereItLeavesTheSceneAsItWas)
     const auto id = scene->getNodeId();
     Configuration next = oneOfEach(0.5);
     next.dnas.push_back(next.dnas[0]);
-    // Geometry of a rod and a birod, then all seven.
-    for (int i = 1; i <= 9; ++i) {
+    // Geometry of a rod, a birod and two DNA, then all eight.
+    for (int i = 1; i <= 12; ++i) {
         StoppingAt progress(i);
         EXPECT_EQ(updateScene(*scene, next, progress), "building the scene was stopped") << i;
         EXPECT_EQ(scene->getNodeId(), id) << i;
     }
-    StoppingAt progress(10);
+    StoppingAt progress(13);
     EXPECT_EQ(updateScene(*scene, next, progress), "");
     expectShows(next);
 }
@@ -663,6 +729,12 @@ Configuration randomFrame(RandomNumbers& random)
         [&] {
             Rod rod = makeRod(helix(), "rod " + number());
             rod.hasFrames = random.integer(0, 2) > 0;
+            rod.isBackbone = random.integer(0, 2) == 0;
+            rod.molecule = std::size_t(random.integer(0, 2));
+            if (random.integer(0, 2) == 0)
+                rod.radius = random.uniform(0.05, 0.3);
+            if (random.integer(0, 2) == 0)
+                rod.colour = "teal";
             if (random.integer(0, 3) > 0)
                 setScalar(rod, [&](double) { return random.uniform(-0.5, 1.5); });
             return rod;
@@ -675,10 +747,15 @@ Configuration randomFrame(RandomNumbers& random)
             axis.points = 12;
             std::string bases;
             for (int count = random.integer(1, 4); count > 0; --count)
-                bases += "ACGT"[random.integer(0, 3)];
-            return makeDna(axis, bases, "DNA " + number());
+                bases += "ACGTN"[random.integer(0, 4)];
+            Dna dna = makeDna(axis, bases, "DNA " + number());
+            dna.isClosed = random.integer(0, 2) == 0;
+            dna.molecule = std::size_t(random.integer(0, 2));
+            return dna;
         },
         data.dnas);
+    repeat([&] { return makeLoneBase(point(), "ACGTN"[random.integer(0, 4)], "base " + number()); },
+           data.loneBases);
     repeat(
         [&] {
             const char* const colours[] = {"red", "#00f", "teal"};
@@ -717,6 +794,9 @@ TEST_F(SceneUpdateTest, AnySequenceOfFramesShowsWhatNewScenesShow)
         setScalar(first.rods.back(), [](double t) { return t; });
         options.colourBy = seed % 2 == 0 ? std::optional<std::string>("k") : std::nullopt;
         options.dna.pairBoxes = seed % 3 == 0;
+        options.dna.atoms = seed % 3 == 1;
+        options.dna.bases = seed % 3 != 1;
+        options.dna.backbone = seed % 5 != 0;
         colouring.reset();
         build(first);
         for (int i = 0; i < 5; ++i) {

@@ -602,7 +602,8 @@ TEST_F(StrandviewTest, ColoursByEveryBuiltInScalarOfAnyRod)
 
 TEST_F(StrandviewTest, EveryLookOfADnaIsSeenOnWhiteAndOnBlack)
 {
-    for (const char* look : {"atoms", "bases", "pairs", "bases,pairs", "atoms,pairs"}) {
+    for (const char* look : {"atoms", "bases", "backbone", "backbone,bases", "boxes", "pairs",
+                             "boxes,pairs", "atoms,pairs"}) {
         for (const char* view : {"x", "y", "z"}) {
             SCOPED_TRACE(look);
             SCOPED_TRACE(view);
@@ -649,7 +650,7 @@ TEST_F(StrandviewTest, APairsPlateIsSeenAroundItsBasesAndShinesThroughNowhere)
                       0);
             return picture("pair.png");
         };
-        const QImage bases = render("bases"), both = render("bases,pairs");
+        const QImage bases = render("boxes"), both = render("boxes,pairs");
         int plate = 0;
         for (int y = 0; y < 200; ++y) {
             for (int x = 0; x < 200; ++x) {
@@ -968,9 +969,9 @@ INSTANTIATE_TEST_SUITE_P(
         IdleCall{"DnaOfDna", {"--dna", "bases", "--dna-unit", "nm"}, PAIR, {}},
         IdleCall{
             "RodsOfDna",
-            {"--radius", "1", "--ribbon-width", "1", "--slices", "4", "--subsegments", "2",
-             "--no-tube", "--no-ribbon", "--two-sided", "--tube-colour", "red", "--ribbon-colour",
-             "red"},
+            {"--dna", "bases", "--radius", "1", "--ribbon-width", "1", "--slices", "4",
+             "--subsegments", "2", "--no-tube", "--no-ribbon", "--two-sided", "--tube-colour",
+             "red", "--ribbon-colour", "red"},
             PAIR,
             {"--radius has no effect: found no rods", "--ribbon-width has no effect: found no rods",
              "--slices has no effect: found no rods", "--subsegments has no effect: found no rods",
@@ -1259,7 +1260,7 @@ INSTANTIATE_TEST_SUITE_P(
         BadCall{"DnaWithoutLook",
                 {"--render", "OUT", "--dna", "", "GOOD"},
                 "",
-                "found '', expected some of atoms, bases and pairs"},
+                "found '', expected some of backbone, bases, boxes, pairs and atoms"},
         BadCall{"DnaUnit", {"--render", "OUT", "--dna-unit", "pm", "GOOD"}, "", "'pm'"},
         BadCall{"MarkerColour",
                 {"--render", "OUT", "-"},

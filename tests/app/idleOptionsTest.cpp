@@ -23,6 +23,7 @@ Configuration dna()
 {
     Configuration configuration{{}};
     configuration.dnas.emplace_back();
+    configuration.dnas[0].bases = "A";
     return configuration;
 }
 
@@ -47,8 +48,12 @@ TEST(IdleOptions, AreToldInTheirOrderWithTheReason)
     EXPECT_THAT(
         findIdleOptions(given({"--dna-unit", "--dna"}), rods()),
         ElementsAre("--dna-unit has no effect: found no DNA", "--dna has no effect: found no DNA"));
-    EXPECT_THAT(findIdleOptions(given({"--slices"}), dna()),
+    Options atoms = given({"--slices"});
+    atoms.dna.backbone = false;
+    EXPECT_THAT(findIdleOptions(atoms, dna()),
                 ElementsAre("--slices has no effect: found no rods"));
+    EXPECT_THAT(findIdleOptions(given({"--ribbon"}), dna()),
+                ElementsAre("--ribbon has no effect: found no rods"));
 }
 
 TEST(IdleOptions, ClosingNeedsRodsThatAreNoStrandsOfDna)
@@ -67,10 +72,23 @@ TEST(IdleOptions, AreThoseOfWhatAnotherOptionHides)
     EXPECT_THAT(findIdleOptions(options, rods()),
                 ElementsAre("--slices has no effect: --no-tube hides the tubes",
                             "--tube-colour has no effect: --no-tube hides the tubes"));
+    options.dna.backbone = false;
     EXPECT_THAT(findIdleOptions(options, dna()),
                 ElementsAre("--no-tube has no effect: found no rods",
                             "--slices has no effect: found no rods",
                             "--tube-colour has no effect: found no rods"));
+}
+
+TEST(IdleOptions, AreNoneOfTubesWhereABackboneIsDrawn)
+{
+    const std::vector<std::string> ofTubes = {"--radius", "--subsegments", "--slices",
+                                              "--tube-colour", "--dna"};
+    EXPECT_THAT(findIdleOptions(given(ofTubes), dna()), IsEmpty());
+    Configuration strand = rods(false);
+    strand.rods[0].isBackbone = true;
+    EXPECT_THAT(findIdleOptions(given(ofTubes), strand), IsEmpty());
+    EXPECT_THAT(findIdleOptions(given({"--ribbon-width"}), strand),
+                ElementsAre("--ribbon-width has no effect: found no rods"));
 }
 
 TEST(IdleOptions, FramesThatWereMadeAreNotNormalised)

@@ -120,11 +120,28 @@ TEST(ParseOptions, APartCanBeShownOrHiddenInSoManyWords)
 
 TEST(ParseOptions, ALookOfDnaIsAllThatIsNamed)
 {
-    const DnaLook look = accepted({"--dna", "bases,pairs", "--dna-unit", "nm", "dna.txt"}).dna;
-    EXPECT_FALSE(look.atoms);
-    EXPECT_TRUE(look.baseBoxes);
-    EXPECT_TRUE(look.pairBoxes);
-    EXPECT_EQ(look.angstrom, 0.1);
+    const DnaLook usual = accepted({"dna.txt"}).dna;
+    EXPECT_TRUE(usual.backbone);
+    EXPECT_TRUE(usual.bases);
+    EXPECT_FALSE(usual.baseBoxes);
+    EXPECT_FALSE(usual.pairBoxes);
+    EXPECT_FALSE(usual.atoms);
+    const std::pair<const char*, bool DnaLook::*> parts[] = {{"backbone", &DnaLook::backbone},
+                                                             {"bases", &DnaLook::bases},
+                                                             {"boxes", &DnaLook::baseBoxes},
+                                                             {"pairs", &DnaLook::pairBoxes},
+                                                             {"atoms", &DnaLook::atoms}};
+    for (const auto& [name, shown] : parts) {
+        SCOPED_TRACE(name);
+        const DnaLook look = accepted({"--dna", name, "--dna-unit", "nm", "dna.txt"}).dna;
+        for (const auto& [other, otherShown] : parts)
+            EXPECT_EQ(look.*otherShown, otherShown == shown) << other;
+        EXPECT_EQ(look.angstrom, 0.1);
+    }
+    const DnaLook two = accepted({"--dna", "atoms,backbone", "dna.txt"}).dna;
+    EXPECT_TRUE(two.atoms);
+    EXPECT_TRUE(two.backbone);
+    EXPECT_FALSE(two.bases);
 }
 
 TEST(ParseOptions, EitherEndOfARangeMayBeLeftOpen)

@@ -68,6 +68,11 @@ Colour tubeColour(const Style& style, std::size_t index)
     return style.tubeColour.value_or(TUBE_COLOURS[index % TUBE_COLOURS.size()]);
 }
 
+Colour strandColour(const Style& style, std::size_t index)
+{
+    return tubeColour(style, TUBE_COLOURS.size() - 1 + index);
+}
+
 Colour glyphColour(const std::optional<std::string>& text)
 {
     return text ? parseColour(*text).value_or(GLYPH_COLOUR) : GLYPH_COLOUR;

@@ -99,6 +99,9 @@ SbBox3f boxAround(const algebra3d::Vector3<double>& point, double reach);
 /// The tubes' colours, one after the other unless the style has one for all.
 Colour tubeColour(const Style& style, std::size_t index);
 
+/// Those of strands, from grey on, beside which the colours of bases are seen.
+Colour strandColour(const Style& style, std::size_t index);
+
 /// Of a marker or an arrow: that of its text, or the usual one if there is none or it is no
 /// colour.
 Colour glyphColour(const std::optional<std::string>& text);

@@ -1,16 +1,32 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "scene/builders/DnaBuilder.h"
 
+#include <algorithm>
+#include <array>
+#include <utility>
+
 #include <Inventor/SoPath.h>
+#include <Inventor/SoPickedPoint.h>
 #include <Inventor/actions/SoSearchAction.h>
 #include <Inventor/nodes/SoCube.h>
+#include <Inventor/nodes/SoMaterial.h>
 #include <Inventor/nodes/SoScale.h>
 #include <Inventor/nodes/SoSeparator.h>
 
+#include <SoArrow.h>
 #include <SoDNA.h>
+
+#include <strandview/analysis/parallelTransport.h>
+#include <strandview/model/points.h>
+
+#include "scene/DataScene.h"
+#include "scene/builders/ArrowHead.h"
+#include "scene/builders/BaseNodes.h"
+#include "scene/curveFaults.h"
 
 namespace strandview {
 
+using algebra3d::Quaternion;
 using algebra3d::Vector3;
 
 namespace {
@@ -18,8 +34,13 @@ namespace {
 // Dark enough to be seen on white where a highlight is added, and on black in the shade.
 const Colour PAIR_COLOUR{0.30f, 0.42f, 0.58f};
 
-// No atom of a base is farther from its frame.
-const double REACH = 9; // ångström
+// No atom or corner of a base is farther from its frame.
+const double REACH = 9.2; // ångström
+
+// The children of a DNA's group.
+enum Child { PAIRS, SLABS, BACKBONES };
+
+const std::array<Strand, 2> STRANDS{Strand::FIRST, Strand::SECOND};
 
 // Makes of the box that all pairs share a plate: thinner than the boxes of the bases, with
 // which it would share faces otherwise, and as much wider that its rim is seen around them.
@@ -36,31 +57,227 @@ void makePlate(SoDNA& dna)
     box->depth = thickness;
 }
 
-// "pair 12 AT, strand 2, " below a DNA, which is the path's node `index`: child 0 holds
-// the boxes of the pairs, child 1 the bases, two for each pair.
-std::string placeIn(const SoPath& path, int index)
+bool needsPairs(const DnaLook& look) { return look.atoms || look.baseBoxes || look.pairBoxes; }
+
+char complementOf(char base)
+{
+    const char complement = SoNucleobase::getComplement(base);
+    return complement ? complement : UNKNOWN_BASE;
+}
+
+// What is picked
+
+// "pair 12 AT, strand 2, ", of a pair's box without the strand.
+std::string textOf(const ShownDatum& shown, std::size_t pair, int strand)
+{
+    const char base = shown.bases[pair];
+    std::string text = "pair " + std::to_string(pair + 1) + " " + base + complementOf(base) + ", ";
+    if (strand > 0)
+        text += "strand " + std::to_string(strand) + ", ";
+    return text;
+}
+
+// Bases are two for each pair.
+std::string textOfBase(const ShownDatum& shown, std::size_t base)
+{
+    return textOf(shown, base / 2, int(base % 2) + 1);
+}
+
+// Below a SoDNA, which is the path's node `index`: child 0 holds the boxes of the pairs, child 1
+// the bases.
+std::string textOfPair(const ShownDatum& shown, const SoPath& path, int index)
 {
     if (path.getLength() < index + 3)
         return "";
-    const bool isBase = path.getIndex(index + 1) == 1;
-    const int place = path.getIndex(index + 2);
-    const int pair = isBase ? place / 2 : place;
-    const std::string& bases = static_cast<const SoDNA*>(path.getNode(index))->getSequence();
-    const char base = bases[std::size_t(pair)];
-    std::string text =
-        "pair " + std::to_string(pair + 1) + " " + base + SoNucleobase::getComplement(base) + ", ";
-    if (isBase)
-        text += "strand " + std::to_string(place % 2 + 1) + ", ";
-    return text;
+    const auto place = std::size_t(path.getIndex(index + 2));
+    return path.getIndex(index + 1) == 1 ? textOfBase(shown, place) : textOf(shown, place, 0);
+}
+
+// Only where atoms or boxes are shown.
+SoDNA& pairsOf(const SoSeparator& group)
+{
+    return *static_cast<SoDNA*>(static_cast<SoSeparator*>(group.getChild(PAIRS))->getChild(1));
+}
+
+SoSeparator& backboneOf(const SoSeparator& group, Strand strand)
+{
+    return *static_cast<SoSeparator*>(group.getChild(BACKBONES + int(strand)));
+}
+
+SoRod& rodOf(const SoSeparator& backbone) { return *static_cast<SoRod*>(backbone.getChild(1)); }
+
+// By the nearest place of the centreline, which has a point for each base and one more unless
+// points were left out.
+std::string textOfBackbone(const ShownDatum& shown, const SoPickedPoint& picked, Strand strand)
+{
+    const int number = int(strand) + 1;
+    const SbVec3f point = picked.getPoint();
+    BiarcTubeMesh& tube = *rodOf(backboneOf(*shown.group, strand)).getTubeMesh();
+    const std::vector<double>& lengths = tube.getParamValues();
+    if (lengths.size() != shown.bases.size() + 1)
+        return "strand " + std::to_string(number) + ", ";
+    const double length = nearestArcLength(tube, {point[0], point[1], point[2]});
+    const auto after = std::upper_bound(lengths.begin() + 1, lengths.end() - 1, length);
+    const auto base = std::size_t(after - lengths.begin()) - 1;
+    return textOf(shown, strand == Strand::FIRST ? base : shown.bases.size() - 1 - base, number);
+}
+
+Told placeIn(const ShownDatum& shown, const SoPickedPoint& picked, int index)
+{
+    const SoPath& path = *picked.getPath();
+    const int child = path.getLength() > index + 1 ? path.getIndex(index + 1) : -1;
+    std::string text;
+    if (child == PAIRS) {
+        text = textOfPair(shown, path, index + 2);
+    } else if (child == SLABS) {
+        if (const auto base = pickedSlab(picked))
+            text = textOfBase(shown, *base);
+    } else if (child >= BACKBONES) {
+        text = textOfBackbone(shown, picked, Strand(child - BACKBONES));
+    }
+    return {text, shown.name};
+}
+
+// Two for each pair, strand 1 first.
+std::vector<PlacedBase> basesOf(const Dna& dna)
+{
+    std::vector<PlacedBase> bases;
+    bases.reserve(2 * dna.bases.size());
+    for (std::size_t i = 0; i < dna.bases.size(); ++i) {
+        bases.push_back({dna.bases[i], dna.points1[i], dna.rotations1[i], false});
+        bases.push_back({complementOf(dna.bases[i]), dna.points2[i], dna.rotations2[i], true});
+    }
+    return bases;
+}
+
+// Nodes
+
+// A SoDNA in ångström.
+SoSeparator* makePairs(const DnaLook& look, double angstrom)
+{
+    auto* node = new SoDNA;
+    node->drawAtomsRound(true);
+    node->showAtoms(look.atoms);
+    node->showBaseBoxes(look.baseBoxes);
+    node->showBasePairBoxes(look.pairBoxes);
+    node->setBasepairColour(toVector(PAIR_COLOUR));
+    for (char base : BASE_LETTERS)
+        node->setBaseColour(base, toVector(baseColour(base)));
+    auto* scale = new SoScale;
+    const auto factor = float(angstrom);
+    scale->scaleFactor = SbVec3f(factor, factor, factor);
+    auto* group = new SoSeparator;
+    group->addChild(scale);
+    group->addChild(node);
+    return group;
+}
+
+SoSeparator* makeBackbone(const Style& style)
+{
+    auto* group = new SoSeparator;
+    group->addChild(new SoMaterial);
+    group->addChild(new SoRod(0, 0, style.slices, style.subsegments, true, false, false));
+    group->addChild(new SoArrow({}, {}, 0, 0, 0));
+    return group;
+}
+
+// Lets a base of which the letter is not known be a grey box without atoms, where boxes are shown.
+void hideUnknown(const std::string& bases, const DnaLook& look, SoDNA& dna)
+{
+    SoNucleobase* unknown[2] = {};
+    auto* placed = static_cast<SoGroup*>(dna.getChild(1));
+    for (std::size_t pair = 0; pair < bases.size(); ++pair) {
+        if (bases[pair] != UNKNOWN_BASE)
+            continue;
+        for (std::size_t strand = 0; strand < 2; ++strand) {
+            if (!unknown[strand])
+                unknown[strand] = makeNucleobase(UNKNOWN_BASE, look, strand == 0);
+            static_cast<SoGroup*>(placed->getChild(int(2 * pair + strand)))
+                ->replaceChild(1, unknown[strand]);
+        }
+    }
+}
+
+// Without those that are no points of their own to the formulas.
+std::vector<Vector3<double>> withoutCoincident(const std::vector<Vector3<double>>& points)
+{
+    const double least = smallestEdge(points);
+    std::vector<Vector3<double>> apart;
+    for (const Vector3<double>& point : points) {
+        if (apart.empty() ||
+            !(areCoincident(apart.back(), point) || (apart.back() - point).getNorm() < least))
+            apart.push_back(point);
+    }
+    return apart;
+}
+
+SceneGeometry::Backbone computeBackbone(const std::vector<Vector3<double>>& points,
+                                        const Style& style, const Placement& placement)
+{
+    SceneGeometry::Backbone backbone;
+    backbone.points = placement.toScene(withoutCoincident(points));
+    if (backbone.points.size() < 2)
+        return {};
+    backbone.rotations = parallelTransport(backbone.points);
+    const double radius = placement.scale * style.backboneRadius;
+    const double hiddenWidth = radius / 2; // of a ribbon within the tube
+    backbone.meshes = SoRod::makeMeshes(backbone.points, backbone.rotations, radius, hiddenWidth,
+                                        style.slices, style.subsegments, false);
+    const NamedCurve curve{backbone.points, &backbone.rotations,
+                           [](std::size_t point) { return std::to_string(point); }};
+    if (!backbone.meshes.tube ||
+        !findFault(*backbone.meshes.tube, style.subsegments, curve).empty())
+        return {};
+    return backbone;
 }
 
 } // namespace
 
+SceneGeometry::Dna DnaBuilder::compute(const Dna& dna, const Molecules& molecules,
+                                       const Style& style, const Placement& placement)
+{
+    SceneGeometry::Dna computed;
+    if (!showsBackbones(style) || molecules.hasBackbone(dna.molecule))
+        return computed;
+    for (Strand strand : STRANDS)
+        computed.backbones[std::size_t(strand)] =
+            computeBackbone(idealBackbone(dna, strand, style.dna.angstrom), style, placement);
+    return computed;
+}
+
 const char* DnaBuilder::getWork() const { return "Building DNA"; }
 
+// Around all that its frames can place, which is less than what Coin makes of turned boxes.
 SbBox3f DnaBuilder::getReach(std::size_t index) const
 {
-    const Dna& dna = datum(index);
+    SbBox3f box = boxOfBases(datum(index));
+    for (const SceneGeometry::Backbone& backbone : frame.geometry.dnas[index].backbones) {
+        if (backbone.points.empty())
+            continue;
+        box.extendBy(backbone.meshes.tube->getBBox());
+        box.extendBy(headOf(backbone.points.back(), backbone.rotations.back()).getBox());
+    }
+    return box;
+}
+
+SbBox3f DnaBuilder::findBox(std::size_t index, const ShownDatum& shown)
+{
+    SbBox3f box = boxOfBases(datum(index));
+    for (Strand strand : STRANDS) {
+        const SoRod& rod = rodOf(backboneOf(*shown.group, strand));
+        if (!rod.isValid())
+            continue;
+        Vector3<double> end;
+        Quaternion<double> rotation;
+        rod.getFrame(end, rotation, rod.getPointsNum() - 1);
+        box.extendBy(rod.getTubeMesh()->getBBox());
+        box.extendBy(headOf(end, rotation).getBox());
+    }
+    return box;
+}
+
+SbBox3f DnaBuilder::boxOfBases(const Dna& dna) const
+{
     const double reach = frame.scaled(REACH * frame.style.dna.angstrom);
     SbBox3f box;
     for (const auto* points : {&dna.pairPoints, &dna.points1, &dna.points2}) {
@@ -70,45 +287,72 @@ SbBox3f DnaBuilder::getReach(std::size_t index) const
     return box;
 }
 
-// Around all that its frames can place, which is less than what Coin makes of turned boxes.
-SbBox3f DnaBuilder::findBox(std::size_t index, const ShownDatum& /*shown*/)
+ArrowHead DnaBuilder::headOf(const Vector3<double>& end, const Quaternion<double>& rotation) const
 {
-    return getReach(index);
+    return ArrowHead(end, rotation, frame.scaled(frame.style.backboneRadius));
 }
 
 ShownDatum DnaBuilder::makeNodes(std::size_t index)
 {
     const DnaLook& look = frame.style.dna;
-    auto* node = new SoDNA;
-    node->drawAtomsRound(true);
-    node->showAtoms(look.atoms);
-    node->showBaseBoxes(look.baseBoxes);
-    node->showBasePairBoxes(look.pairBoxes);
-    auto* scale = new SoScale;
-    const float factor = float(frame.scaled(look.angstrom));
-    scale->scaleFactor = SbVec3f(factor, factor, factor);
     ShownDatum shown;
     shown.group = new SoSeparator;
-    shown.group->addChild(scale);
-    shown.group->addChild(node);
-    shown.node = node;
+    shown.group->addChild(needsPairs(look) ? makePairs(look, frame.scaled(look.angstrom))
+                                           : new SoSeparator);
+    shown.group->addChild(makeSlabs());
+    for (std::size_t i = 0; i < STRANDS.size(); ++i)
+        shown.group->addChild(makeBackbone(frame.style));
+    shown.node = shown.group;
     shown.placeIn = &placeIn;
     updateNodes(index, shown);
-    node->setBasepairColour(toVector(PAIR_COLOUR));
     if (look.baseBoxes && look.pairBoxes)
-        makePlate(*node);
+        makePlate(pairsOf(*shown.group));
     return shown;
 }
 
 void DnaBuilder::updateNodes(std::size_t index, ShownDatum& shown)
 {
     const Dna& dna = datum(index);
-    const Placement inAngstrom{frame.placement.origin, 1 / frame.style.dna.angstrom};
-    auto* node = static_cast<SoDNA*>(shown.node);
-    node->setData(dna.bases, inAngstrom.toScene(dna.pairPoints), dna.pairRotations,
-                  inAngstrom.toScene(dna.points1), dna.rotations1, inAngstrom.toScene(dna.points2),
-                  dna.rotations2);
-    node->generate();
+    const DnaLook& look = frame.style.dna;
+    shown.bases = dna.bases;
+    if (needsPairs(look))
+        setPairs(dna, pairsOf(*shown.group));
+    if (look.bases)
+        setSlabs(*static_cast<SoSeparator*>(shown.group->getChild(SLABS)), basesOf(dna),
+                 frame.placement, look.angstrom);
+    for (Strand strand : STRANDS)
+        setBackbone(index, strand, backboneOf(*shown.group, strand));
+}
+
+void DnaBuilder::setPairs(const Dna& dna, SoDNA& node) const
+{
+    const DnaLook& look = frame.style.dna;
+    const Placement inAngstrom{frame.placement.origin, 1 / look.angstrom};
+    std::string known = dna.bases;
+    std::replace(known.begin(), known.end(), UNKNOWN_BASE, BASE_LETTERS[0]);
+    node.setData(known, inAngstrom.toScene(dna.pairPoints), dna.pairRotations,
+                 inAngstrom.toScene(dna.points1), dna.rotations1, inAngstrom.toScene(dna.points2),
+                 dna.rotations2);
+    node.generate();
+    hideUnknown(dna.bases, look, node);
+}
+
+// Without points a rod draws nothing, and so does an arrow of no length.
+void DnaBuilder::setBackbone(std::size_t index, Strand strand, SoSeparator& group)
+{
+    SceneGeometry::Backbone& backbone = frame.geometry.dnas[index].backbones[std::size_t(strand)];
+    auto* material = static_cast<SoMaterial*>(group.getChild(0));
+    auto* arrow = static_cast<SoArrow*>(group.getChild(2));
+    material->diffuseColor =
+        toSbColor(strandColour(frame.style, molecules.colourOf(datum(index).molecule, index)));
+    if (backbone.points.empty())
+        arrow->setArrow({}, {}, 0, 0, 0);
+    else
+        headOf(backbone.points.back(), backbone.rotations.back()).show(*arrow);
+    SoRod& rod = rodOf(group);
+    rod.setTubeRadius(frame.scaled(frame.style.backboneRadius));
+    rod.setData(std::move(backbone.points), std::move(backbone.rotations),
+                std::move(backbone.meshes));
 }
 
 } // namespace strandview

@@ -2,15 +2,26 @@
 #ifndef STRANDVIEW_APP_SCENE_BUILDERS_DNABUILDER_H
 #define STRANDVIEW_APP_SCENE_BUILDERS_DNABUILDER_H
 
+#include "scene/SceneGeometry.h"
+#include "scene/backbones.h"
+#include "scene/builders/ArrowHead.h"
 #include "scene/builders/DatumBuilder.h"
+
+class SoDNA;
 
 namespace strandview {
 
-/// DNA: built in ångström, the unit of its atoms, and scaled to the scene.
+/// DNA: slabs, ideal backbones where the file has none, and atoms and boxes, which are built in
+/// ångström and scaled to the scene.
 class DnaBuilder : public BuilderOf<&Configuration::dnas>
 {
 public:
     using BuilderOf::BuilderOf;
+
+    /// The ideal backbones of one, in any thread. A strand through which no curve can be drawn has
+    /// none.
+    static SceneGeometry::Dna compute(const Dna& dna, const Molecules& molecules,
+                                      const Style& style, const Placement& placement);
 
     const char* getWork() const override;
     SbBox3f getReach(std::size_t index) const override;
@@ -19,6 +30,15 @@ protected:
     ShownDatum makeNodes(std::size_t index) override;
     void updateNodes(std::size_t index, ShownDatum& shown) override;
     SbBox3f findBox(std::size_t index, const ShownDatum& shown) override;
+
+private:
+    SbBox3f boxOfBases(const Dna& dna) const;
+    ArrowHead headOf(const algebra3d::Vector3<double>& end,
+                     const algebra3d::Quaternion<double>& rotation) const;
+    void setPairs(const Dna& dna, SoDNA& node) const;
+    void setBackbone(std::size_t index, Strand strand, SoSeparator& group);
+
+    const Molecules molecules{frame.data};
 };
 
 } // namespace strandview

@@ -3,13 +3,16 @@
 #define STRANDVIEW_APP_SCENE_BUILDERS_RODBUILDER_H
 
 #include "scene/SceneGeometry.h"
+#include "scene/backbones.h"
+#include "scene/builders/ArrowHead.h"
 #include "scene/builders/DatumBuilder.h"
 
 class SoSwitch;
 
 namespace strandview {
 
-/// Rods: tube and ribbon, in a colour of their own or in those of a scalar.
+/// Rods: tube and ribbon, in a colour of their own or in those of a scalar. A backbone is a tube
+/// with a head at its 3' end, in the colour of its molecule.
 class RodBuilder : public BuilderOf<&Configuration::rods>
 {
 public:
@@ -20,6 +23,7 @@ public:
     static SceneGeometry::Rod compute(const Rod& rod, const Style& style,
                                       const Placement& placement, std::string& error);
 
+    std::string check(std::size_t index) const override;
     const char* getWork() const override;
     SbBox3f getReach(std::size_t index) const override;
 
@@ -28,8 +32,14 @@ protected:
     void updateNodes(std::size_t index, ShownDatum& shown) override;
 
 private:
+    Colour ownColour(std::size_t index) const;
+    void setOwnColours(std::size_t index, SoNode* material) const;
+    ArrowHead headOf(std::size_t index) const;
+    void showHead(std::size_t index, ShownDatum& shown) const;
     bool hasDataColours(std::size_t index) const;
     void setDataColours(std::size_t index, ShownDatum& shown) const;
+
+    const Molecules molecules{frame.data};
 };
 
 } // namespace strandview

@@ -1,0 +1,122 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "scene/builders/LoneBaseBuilder.h"
+
+#include <map>
+
+#include <Inventor/SoPath.h>
+#include <Inventor/SoPickedPoint.h>
+#include <Inventor/nodes/SoScale.h>
+#include <Inventor/nodes/SoSeparator.h>
+#include <Inventor/nodes/SoTransform.h>
+
+#include <SoNucleobase.h>
+
+#include "scene/builders/BaseNodes.h"
+
+namespace strandview {
+
+namespace {
+
+// No atom or corner of a base is farther from its frame.
+const double REACH = 9.2; // ångström
+
+// The children of the group: placed nucleobases behind a scale, and slabs.
+enum Child { PLACED, SLABS };
+
+std::optional<std::size_t> baseAt(const SoPickedPoint& picked, int index)
+{
+    const SoPath& path = *picked.getPath();
+    if (path.getLength() < index + 3)
+        return {};
+    if (path.getIndex(index + 1) == SLABS)
+        return pickedSlab(picked);
+    return std::size_t(path.getIndex(index + 2)) - 1;
+}
+
+// "base A, " by the name of that base.
+Told placeIn(const ShownDatum& shown, const SoPickedPoint& picked, int index)
+{
+    const std::optional<std::size_t> base = baseAt(picked, index);
+    if (!base || *base >= shown.parts.size())
+        return {"", shown.name};
+    return {std::string("base ") + shown.bases[*base] + ", ", shown.parts[*base]};
+}
+
+// Each base in its place, in ångström; those of a letter share their node.
+void setPlaced(SoSeparator& group, const std::vector<LoneBase>& bases, const DnaLook& look,
+               const Placement& placement)
+{
+    const Placement inAngstrom{placement.origin, 1 / look.angstrom};
+    const auto factor = float(placement.scale * look.angstrom);
+    auto* scale = new SoScale;
+    scale->scaleFactor = SbVec3f(factor, factor, factor);
+    group.removeAllChildren();
+    group.addChild(scale);
+    std::map<char, SoNucleobase*> nodes;
+    for (const LoneBase& base : bases) {
+        SoNucleobase*& node = nodes[base.base];
+        if (!node)
+            node = makeNucleobase(base.base, look, true);
+        auto* transform = new SoTransform;
+        transform->translation = toSbVec3f(inAngstrom.toScene(base.point));
+        transform->rotation = toSbRotation(base.rotation);
+        auto* placed = new SoSeparator;
+        placed->addChild(transform);
+        placed->addChild(node);
+        group.addChild(placed);
+    }
+}
+
+} // namespace
+
+const char* LoneBaseBuilder::getWork() const { return "Building bases"; }
+
+std::size_t LoneBaseBuilder::count() const { return frame.data.loneBases.empty() ? 0 : 1; }
+
+SbBox3f LoneBaseBuilder::getReach(std::size_t /*index*/) const
+{
+    const double reach = frame.scaled(REACH * frame.style.dna.angstrom);
+    SbBox3f box;
+    for (const LoneBase& base : frame.data.loneBases)
+        box.extendBy(boxAround(frame.placement.toScene(base.point), reach));
+    return box;
+}
+
+SbBox3f LoneBaseBuilder::findBox(std::size_t index, const ShownDatum& /*shown*/)
+{
+    return getReach(index);
+}
+
+ShownDatum LoneBaseBuilder::makeNodes(std::size_t index)
+{
+    ShownDatum shown;
+    shown.group = new SoSeparator;
+    shown.group->addChild(new SoSeparator);
+    shown.group->addChild(makeSlabs());
+    shown.node = shown.group;
+    shown.placeIn = &placeIn;
+    updateNodes(index, shown);
+    return shown;
+}
+
+void LoneBaseBuilder::updateNodes(std::size_t /*index*/, ShownDatum& shown)
+{
+    const std::vector<LoneBase>& bases = frame.data.loneBases;
+    const DnaLook& look = frame.style.dna;
+    shown.bases.clear();
+    shown.parts.clear();
+    std::vector<PlacedBase> placed;
+    for (const LoneBase& base : bases) {
+        shown.bases.push_back(base.base);
+        shown.parts.push_back(base.origin);
+        placed.push_back({base.base, base.point, base.rotation, false});
+    }
+    if (look.atoms || look.baseBoxes)
+        setPlaced(*static_cast<SoSeparator*>(shown.group->getChild(PLACED)), bases, look,
+                  frame.placement);
+    if (look.bases)
+        setSlabs(*static_cast<SoSeparator*>(shown.group->getChild(SLABS)), placed, frame.placement,
+                 look.angstrom);
+}
+
+} // namespace strandview
