@@ -21,7 +21,7 @@ constexpr double LARGEST_STAGGER = 2;
 /// How far the second origin is above the plane half-way between both bases.
 double stagger(const BaseFrame& a, const BaseFrame& b)
 {
-    const BaseFrame middle = halfWay(a, turnedOver(b));
+    const BaseFrame middle = pairFrame(a, b);
     const auto normal = rotated(algebra3d::Vector3<double>(0, 0, 1), middle.rotation);
     return std::abs(normal.dot(b.point - a.point));
 }

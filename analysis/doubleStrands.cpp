@@ -5,8 +5,6 @@
 
 #include <algebra3d/rotations.h>
 
-#include <strandview/analysis/stepParameters.h>
-
 namespace strandview {
 
 namespace {
@@ -30,24 +28,25 @@ void appendPair(const BaseFrame& strand1, const BaseFrame& strand2, Frames& fram
     turned.rotation = nearer(turned.rotation, strand1.rotation);
     append(strand1, frames.points1, frames.rotations1);
     append(turned, frames.points2, frames.rotations2);
-    // Half-way by the scheme of the parameters, as published ones of steps are made: by the
-    // rotation half-way some would differ by 0.3 degrees.
-    const PlacedFrame pair =
-        midFrame({turned.point, turned.rotation}, {strand1.point, strand1.rotation});
-    append({pair.point, pair.rotation}, frames.pairPoints, frames.pairRotations);
+    BaseFrame pair = pairFrame(strand1, strand2);
+    pair.rotation = nearer(pair.rotation, strand1.rotation);
+    append(pair, frames.pairPoints, frames.pairRotations);
 }
 
-/// The strands' names in the order in which they come, each once: "B,C".
+constexpr std::size_t MOST_NAMES = 3;
+
+/// The strands' names in the order in which they come, each once: "B,C", or "B,C,D,..." of more.
 std::string namesOf(const std::vector<std::size_t>& side, const Nucleotides& nucleotides,
                     const NucleotideNames& names)
 {
     std::vector<std::size_t> strands;
     for (const std::size_t i : side)
-        if (std::find(strands.begin(), strands.end(), nucleotides[i].strand) == strands.end())
+        if (strands.size() <= MOST_NAMES &&
+            std::find(strands.begin(), strands.end(), nucleotides[i].strand) == strands.end())
             strands.push_back(nucleotides[i].strand);
     std::string text;
-    for (const std::size_t strand : strands)
-        text += (text.empty() ? "" : ",") + names.strands[strand];
+    for (std::size_t i = 0; i < strands.size(); ++i)
+        text += (i > 0 ? "," : "") + (i < MOST_NAMES ? names.strands[strands[i]] : "...");
     return text;
 }
 

@@ -31,8 +31,8 @@ struct NucleotideNames
 };
 
 /// Double strands and bases of nucleotides whose partners and frames are known. A DNA is named by
-/// the strands that it is of, "A-B", or "A-B,C" where there is a nick. Quaternions of pairs that
-/// follow one another are of one sign.
+/// the strands that it is of, "A-B", or "A-B,C" where there is a nick, three of a side at most.
+/// Quaternions of pairs that follow one another are of one sign.
 STRANDVIEW_ANALYSIS_EXPORT DoubleStrands
 makeDoubleStrands(const std::vector<Nucleotide>& nucleotides, const NucleotideNames& names);
 

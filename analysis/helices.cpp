@@ -53,9 +53,9 @@ public:
     }
 
 private:
-    BaseFrame pairFrame(std::size_t i) const
+    BaseFrame frameOf(std::size_t i) const
     {
-        return halfWay(all[i].frame, turnedOver(all[partner(i)].frame));
+        return pairFrame(all[i].frame, all[partner(i)].frame);
     }
 
     bool areStacked(std::size_t i, std::size_t next) const
@@ -66,7 +66,7 @@ private:
             i = partner(i);
             next = partner(next);
         }
-        const BaseFrame a = pairFrame(i), b = pairFrame(next);
+        const BaseFrame a = frameOf(i), b = frameOf(next);
         const algebra3d::Vector3<double> axis(0, 0, 1);
         const auto normalA = rotated(axis, a.rotation), normalB = rotated(axis, b.rotation);
         const auto step = b.point - a.point;
@@ -149,14 +149,14 @@ std::vector<std::size_t> findMolecules(const Nucleotides& nucleotides, std::size
     return molecules;
 }
 
-BaseFrame turnedOver(const BaseFrame& strand2)
+BaseFrame turnedOver(const BaseFrame& base)
 {
-    return {strand2.point, strand2.rotation * algebra3d::Quaternion<double>(1, 0, 0, 0)};
+    return {base.point, base.rotation * algebra3d::Quaternion<double>(1, 0, 0, 0)};
 }
 
-BaseFrame halfWay(const BaseFrame& a, const BaseFrame& b)
+BaseFrame pairFrame(const BaseFrame& base1, const BaseFrame& base2)
 {
-    return {(a.point + b.point) * 0.5, scaledToUnit(slerp(a.rotation, b.rotation, 0.5))};
+    return midFrame(turnedOver(base2), base1);
 }
 
 } // namespace strandview

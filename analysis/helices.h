@@ -7,9 +7,7 @@
 #include <optional>
 #include <vector>
 
-#include <algebra3d/Quaternion.h>
-#include <algebra3d/Vector3.h>
-
+#include <strandview/analysis/stepParameters.h>
 #include <strandview/analysisExport.h>
 #include <strandview/model/Dna.h>
 
@@ -20,11 +18,7 @@ namespace strandview {
 constexpr std::size_t NO_NUCLEOTIDE = std::numeric_limits<std::size_t>::max();
 
 /// Where a base is, as in a strand 1 (model/Dna.h), in ångström.
-struct BaseFrame
-{
-    algebra3d::Vector3<double> point;
-    algebra3d::Quaternion<double> rotation; ///< unit
-};
+using BaseFrame = PlacedFrame;
 
 /// A base on its strand. Others are named by their index in the sequence of all.
 struct Nucleotide
@@ -63,10 +57,13 @@ findHelices(const std::vector<Nucleotide>& nucleotides);
 STRANDVIEW_ANALYSIS_EXPORT std::vector<std::size_t>
 findMolecules(const std::vector<Nucleotide>& nucleotides, std::size_t strands);
 
-/// Of two bases that are paired: strand 2's frame turned by half a turn about its d1, and the
-/// frame half-way between both at their mean origin, which is that of the pair.
-STRANDVIEW_ANALYSIS_EXPORT BaseFrame turnedOver(const BaseFrame& strand2);
-STRANDVIEW_ANALYSIS_EXPORT BaseFrame halfWay(const BaseFrame& a, const BaseFrame& b);
+/// The frame of a base of strand 2 in the sense of its pair (model/Dna.h), or back: half a turn
+/// about its d1.
+STRANDVIEW_ANALYSIS_EXPORT BaseFrame turnedOver(const BaseFrame& base);
+
+/// The frame of a pair by those of its bases, each as in a strand 1: half-way between both, by the
+/// scheme that step parameters have (stepParameters.h), at their mean origin.
+STRANDVIEW_ANALYSIS_EXPORT BaseFrame pairFrame(const BaseFrame& base1, const BaseFrame& base2);
 
 } // namespace strandview
 

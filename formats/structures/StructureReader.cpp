@@ -55,7 +55,9 @@ bool isLineOfPdb(std::string_view line)
         "REMARK", "REVDAT", "SCALE1", "SCALE2", "SCALE3", "SEQADV", "SEQRES", "SHEET",
         "SITE",   "SOURCE", "SPLIT",  "SPRSDE", "SSBOND", "TER",    "TITLE"};
     const std::string_view record = trimmed(line.substr(0, 6));
-    if (std::find(std::begin(records), std::end(records), record) == std::end(records))
+    const char next = line.size() > 6 ? line[6] : ' '; // or the first digit of a long number
+    if (std::find(std::begin(records), std::end(records), record) == std::end(records) ||
+        !(next == ' ' || (next >= '0' && next <= '9')))
         return false;
     if (record != "ATOM" && record != "HETATM")
         return true;

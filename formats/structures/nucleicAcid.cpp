@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <limits>
 #include <map>
 #include <utility>
 #include <vector>
@@ -117,7 +118,8 @@ bool areNumberedInTurn(const Residue& a, const Residue& b)
 {
     const long from = std::strtol(a.number.c_str(), nullptr, 10);
     const long to = std::strtol(b.number.c_str(), nullptr, 10);
-    return to == from + 1 || (to == from && a.number != b.number); // 7 and 7A
+    const bool isNext = from != std::numeric_limits<long>::max() && to == from + 1;
+    return isNext || (to == from && a.number != b.number); // 7 and 7A
 }
 
 /// Whether b follows a on its strand, towards the 3' end.

@@ -200,7 +200,7 @@ private:
 
     void addResidue(const gemmi::Residue& residue, const std::string& chain, std::size_t index)
     {
-        const std::string part = std::to_string(index) + residue.segment;
+        const std::string part = std::to_string(index) + "/" + residue.segment;
         const std::string place = residue.seqid.str();
         for (const gemmi::Atom& atom : residue.atoms)
             residues.add({chain,
@@ -267,6 +267,7 @@ enum Column {
 };
 
 constexpr int NO_COLUMN = -1;
+constexpr double LARGEST_OCCUPANCY = 1e6; // some files have per cent
 
 int columnOf(std::string_view tag)
 {
@@ -436,8 +437,9 @@ private:
         atom.residue = either(RESIDUE, LABEL_RESIDUE);
         atom.atom = either(ATOM, LABEL_ATOM);
         atom.conformer = row[CONFORMER].empty() ? '\0' : row[CONFORMER][0];
-        if (parseNumber(row[OCCUPANCY], atom.occupancy) != std::errc())
-            atom.occupancy = 1;
+        const bool hasOccupancy = parseNumber(row[OCCUPANCY], atom.occupancy) == std::errc() &&
+                                  atom.occupancy >= 0 && atom.occupancy < LARGEST_OCCUPANCY;
+        atom.occupancy = hasOccupancy ? atom.occupancy : 1;
         atom.place = {coordinate(X, line), coordinate(Y, line), coordinate(Z, line)};
         residues.add(atom);
     }
@@ -522,7 +524,8 @@ struct CifAction<rules::loop_end>
 void parse(std::string_view text, CifScanner& scanner)
 {
     pegtl::memory_input<> in(text.data(), text.size(), "");
-    pegtl::parse<rules::file, CifAction, gemmi::cif::Errors>(in, scanner);
+    if (!pegtl::parse<rules::file, CifAction, gemmi::cif::Errors>(in, scanner))
+        throw Fault(1, "found an empty text, expected a data block");
     scanner.finishModel();
 }
 
@@ -577,8 +580,8 @@ bool readMmcif(std::string_view text, const std::string& fileName, const ReadOpt
     } catch (const pegtl::parse_error& error) {
         const auto position = error.positions().front();
         report.error = fileName + ":" + std::to_string(position.line) + ":" +
-                       std::to_string(position.column) +
-                       ": no mmCIF: " + onOneLine(std::string(error.message()));
+                       std::to_string(position.column) + ": found no mmCIF (" +
+                       onOneLine(error.message()) + "), expected tags and values of a data block";
         return false;
     }
     return true;

@@ -45,6 +45,10 @@ TEST(DoubleStrands, NamesAreThoseOfTheStrands)
     EXPECT_EQ(makeDoubleStrands(all, named({"A", "B"})).dnas[0].origin, "a.pdb: DNA A-B");
     cutBehind(8, 2, all);
     EXPECT_EQ(makeDoubleStrands(all, named({"A", "B", "C"})).dnas[0].name, "A-C,B");
+    cutBehind(6, 3, all);
+    EXPECT_EQ(makeDoubleStrands(all, named({"A", "B", "C", "D"})).dnas[0].name, "A-C,D,B");
+    cutBehind(9, 4, all);
+    EXPECT_EQ(makeDoubleStrands(all, named({"A", "B", "C", "D", "E"})).dnas[0].name, "A-E,C,D,...");
 }
 
 TEST(DoubleStrands, ABaseInNoPairIsAloneAndOfTheSameMolecule)

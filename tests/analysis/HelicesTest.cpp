@@ -230,18 +230,20 @@ TEST(Helices, MoleculesAreStrandsWithPairsBetweenThem)
 TEST(Helices, TheFrameOfAFlatPairIsThatOfBothBases)
 {
     const auto all = idealDuplex("ACG");
-    const BaseFrame middle = halfWay(all[2].frame, turnedOver(all[3].frame));
+    const BaseFrame middle = pairFrame(all[2].frame, all[3].frame);
     EXPECT_NEAR((middle.point - all[2].frame.point).getNorm(), 0, 1e-15);
     EXPECT_NEAR(std::abs(dot(middle.rotation, all[2].frame.rotation)), 1, 1e-15);
 }
 
 TEST(Helices, TheFrameOfAPairIsHalfWayBetweenItsBases)
 {
-    const algebra3d::Vector3<double> z(0, 0, 1);
-    const BaseFrame a{{1, 2, 3}, about(z, 0.2)}, b{{3, 2, 1}, about(z, 0.6)};
-    const BaseFrame middle = halfWay(a, b);
-    EXPECT_NEAR((middle.point - algebra3d::Vector3<double>(2, 2, 2)).getNorm(), 0, 1e-15);
-    EXPECT_NEAR(dot(middle.rotation, about(z, 0.4)), 1, 1e-15);
+    for (const algebra3d::Vector3<double>& axis :
+         {algebra3d::Vector3<double>(0, 0, 1), {1, 0, 0}, {0, 1, 0}}) {
+        const BaseFrame a{{1, 2, 3}, about(axis, 0.2)}, b{{3, 2, 1}, about(axis, 0.6)};
+        const BaseFrame middle = pairFrame(a, turnedOver(b));
+        EXPECT_NEAR((middle.point - algebra3d::Vector3<double>(2, 2, 2)).getNorm(), 0, 1e-15);
+        EXPECT_NEAR(std::abs(dot(middle.rotation, about(axis, 0.4))), 1, 1e-15);
+    }
 }
 
 } // namespace strandview

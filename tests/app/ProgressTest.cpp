@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <fcntl.h>
 #include <pty.h>
 #include <unistd.h>
 
@@ -21,7 +20,6 @@ public:
         EXPECT_EQ(terminal ? openpty(&ends[0], &ends[1], nullptr, nullptr, nullptr) : pipe(ends),
                   0);
         source = ends[0];
-        fcntl(source, F_SETFL, O_NONBLOCK);
         before = dup(STDERR_FILENO);
         dup2(ends[1], STDERR_FILENO);
         close(ends[1]);
@@ -35,12 +33,15 @@ public:
     StandardError(const StandardError&) = delete;
     StandardError& operator=(const StandardError&) = delete;
 
-    // Since it was last asked.
+    // Since it was last asked. A terminal hands on what is written some time later, but in order.
     std::string getText() const
     {
-        char buffer[4096];
-        const ssize_t count = read(source, buffer, sizeof buffer);
-        return count > 0 ? std::string(buffer, std::size_t(count)) : "";
+        const char end = '\1';
+        EXPECT_EQ(write(STDERR_FILENO, &end, 1), 1);
+        std::string text;
+        for (char c = 0; read(source, &c, 1) == 1 && c != end;)
+            text += c;
+        return text;
     }
 
 private:

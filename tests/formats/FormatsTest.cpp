@@ -65,7 +65,7 @@ TEST(Formats, TheEndingOfAPathTellsOneInAnyCase)
 {
     EXPECT_EQ(nameOf(formatOfEnding("a/b.c/rods.CSV")), "Tables");
     EXPECT_EQ(nameOf(formatOfEnding("rods.txt.json")), "JSON");
-    for (const char* path : {"", "-", "rods", ".json", "a.json/rods", "rods.jsonx", "rods.pdb"})
+    for (const char* path : {"", "-", "rods", ".json", "a.json/rods", "rods.jsonx", "rods.pdbx"})
         EXPECT_EQ(formatOfEnding(path), nullptr) << path;
 }
 
@@ -97,6 +97,10 @@ TEST(Formats, EachReadsASourceUnderItsName)
         {"JSON", R"({"strandview": 1, "rods": [{"points": [[0, 0, 0], [0, 0, 1]]}]})"},
         {"Step parameters", "2\n0 # parameters\nA-T 0 0 0 0 0 0 0 0 0 0 0 0\n"
                             "C-G 0 0 0 0 0 0 0 0 3.4 0 0 36\n"},
+        {"PDB and mmCIF",
+         "ATOM      1  P    DA A   1       0.000   0.000   0.000  1.00  0.00           P\n"
+         "ATOM      2  O3'  DA A   1       4.000   0.000   0.000  1.00  0.00           O\n"
+         "ATOM      3  P    DA A   2       5.600   0.000   0.000  1.00  0.00           P\n"},
         {"Pair frames", "{{0,0,0},{{1,0,0},{0,1,0},{0,0,1}}}\n"
                         "{{0,0,3},{{1,0,0},{0,1,0},{0,0,1}}}\n"},
         {"NumPy",

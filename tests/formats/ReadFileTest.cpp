@@ -88,10 +88,11 @@ TEST_F(ReadFile, WithoutAKnownEndingTheContentDecidesTheFormat)
         EXPECT_TRUE(read(write(name, json))) << report.error;
         EXPECT_TRUE(read(write(name, byteOrderMark + json))) << report.error;
     }
-    const std::string other = write("a.pdb", "HEADER    DNA\n");
+    const std::string other = write("a.rod", "HEADER_OF DNA\n");
     EXPECT_FALSE(read(other));
-    EXPECT_EQ(report.error, other + ":1: column 1: found 'HEADER', expected a number, or a header "
-                                    "that names x y z, and qx qy qz qw if there are quaternions");
+    EXPECT_EQ(report.error, other +
+                                ":1: column 1: found 'HEADER_OF', expected a number, or a header "
+                                "that names x y z, and qx qy qz qw if there are quaternions");
 }
 
 TEST_F(ReadFile, RefusesBinaryDataThatNoEndingNames)
