@@ -18,11 +18,13 @@
 #include <Inventor/misc/SoState.h>
 #include <Inventor/nodes/SoComplexity.h>
 #include <Inventor/nodes/SoCube.h>
+#include <Inventor/nodes/SoIndexedFaceSet.h>
 #include <Inventor/nodes/SoMaterial.h>
 #include <Inventor/nodes/SoSeparator.h>
 #include <Inventor/nodes/SoSphere.h>
 #include <Inventor/nodes/SoSwitch.h>
 #include <Inventor/nodes/SoTranslation.h>
+#include <Inventor/nodes/SoVertexProperty.h>
 
 #include "detail/exactly.h"
 #include <SoNucleobase.h>
@@ -175,6 +177,8 @@ struct GlyphDrawing::Compiler
             addBox(state, cube);
             return true;
         }
+        if (const auto* faces = exactly<SoIndexedFaceSet>(node))
+            return addQuads(state, faces);
         return false;
     }
 
@@ -189,7 +193,12 @@ struct GlyphDrawing::Compiler
 
     void addVertex(const State& state, const SbVec3f& point, const SbVec3f& normal)
     {
-        const std::uint32_t colour = state.material->diffuseColor[0].getPackedValue();
+        addVertex(point, normal, state.material->diffuseColor[0].getPackedValue());
+    }
+
+    // Of a colour in red, green, blue and opacity from the highest byte down.
+    void addVertex(const SbVec3f& point, const SbVec3f& normal, std::uint32_t colour)
+    {
         vertices.push_back({point,
                             normal,
                             {std::uint8_t(colour >> 24), std::uint8_t(colour >> 16),
@@ -253,6 +262,9 @@ struct GlyphDrawing::Compiler
         batches.back().count = std::int32_t(indices.size()) - batches.back().first;
     }
 
+    struct Quads;
+    bool addQuads(const State& state, const SoIndexedFaceSet* faces);
+
     // The corners in Coin's order; bits 0, 1 and 2 of a corner are negative x, y and z.
     void addBox(const State& state, const SoCube* cube)
     {
@@ -276,6 +288,69 @@ struct GlyphDrawing::Compiler
         }
     }
 };
+
+// Quadrilaterals, with a normal and an opaque colour of its own for each corner.
+struct GlyphDrawing::Compiler::Quads
+{
+    explicit Quads(const SoIndexedFaceSet* faces) : indices(faces->coordIndex)
+    {
+        SoNode* const property = faces->vertexProperty.getValue();
+        if (property && isUnindexed(faces->normalIndex) && isUnindexed(faces->materialIndex) &&
+            isUnindexed(faces->textureCoordIndex))
+            vertices = exactly<SoVertexProperty>(property);
+    }
+
+    static bool isUnindexed(const SoMFInt32& index)
+    {
+        return index.getNum() == 0 || (index.getNum() == 1 && index[0] == -1);
+    }
+
+    bool areUnderstood() const
+    {
+        if (!vertices || vertices->texCoord.getNum() > 0 ||
+            vertices->normalBinding.getValue() != SoVertexProperty::PER_VERTEX_INDEXED ||
+            vertices->materialBinding.getValue() != SoVertexProperty::PER_VERTEX_INDEXED)
+            return false;
+        const int n = vertices->vertex.getNum();
+        if (vertices->normal.getNum() != n || vertices->orderedRGBA.getNum() != n)
+            return false;
+        for (int i = 0; i < n; ++i) {
+            if ((vertices->orderedRGBA[i] & 255) != 255)
+                return false;
+        }
+        bool right = indices.getNum() > 0 && indices.getNum() % 5 == 0;
+        for (int i = 0; i < indices.getNum() && right; ++i)
+            right = i % 5 == 4 ? indices[i] < 0 : indices[i] >= 0 && indices[i] < n;
+        return right;
+    }
+
+    const SoMFInt32& indices;
+    const SoVertexProperty* vertices = nullptr;
+};
+
+bool GlyphDrawing::Compiler::addQuads(const State& state, const SoIndexedFaceSet* faces)
+{
+    const Quads quads(faces);
+    if (!quads.areUnderstood())
+        return false;
+    const int first = int(vertices.size());
+    SbBox3f box;
+    for (int i = 0; i < quads.indices.getNum(); ++i) {
+        const int corner = quads.indices[i];
+        if (corner < 0)
+            continue;
+        const SbVec3f& point = quads.vertices->vertex[corner];
+        addVertex(point, quads.vertices->normal[corner], quads.vertices->orderedRGBA[corner]);
+        box.extendBy(point);
+    }
+    batches.push_back({state.place, true, first, std::int32_t(vertices.size()) - first});
+    const SbVec3f half = box.getSize() * 0.5f;
+    const SbVec3f middle = state.place + box.getCenter();
+    SbVec3f halfBrick;
+    const std::vector<SbVec3f> bricks = cutIntoBricks(middle, half, halfBrick);
+    parts.push_back({batches.back(), {middle, half.length()}, bricks, halfBrick});
+    return true;
+}
 
 GlyphDrawing::GlyphDrawing() = default;
 

@@ -22,7 +22,8 @@ class SoSwitch;
 /// Whether a switch shows all or nothing: the two that are drawn from buffers.
 bool isAllOrNothing(const SoSwitch* node);
 
-/// Draws nodes that hold spheres and boxes from vertex buffers, instead of traversing them:
+/// Draws nodes that hold spheres, boxes and quadrilaterals (of SoIndexedFaceSet, with a normal and
+/// a colour for each corner) from vertex buffers, instead of traversing them:
 /// the bases and boxes of a DNA, which are placed many times.
 ///
 /// The nodes stay the only description of what is shown. They are read again where their ids
@@ -80,7 +81,7 @@ private:
         std::uint8_t colour[4];
     };
 
-    // One draw: indexed triangles of merged spheres, or the quadrilaterals of a box, which
+    // One draw: indexed triangles of merged spheres, or quadrilaterals, those of a box, too, which
     // OpenGL is to move and to divide as it does in immediate mode: without indices.
     struct Batch
     {
@@ -90,7 +91,7 @@ private:
         std::int32_t count;
     };
 
-    // A sphere, or a box in bricks, which are along the axes.
+    // A sphere; or quadrilaterals, and their box in bricks, which are along the axes.
     struct Part
     {
         Batch batch;

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "scene/builders/BaseNodes.h"
+#include "scene/BaseNodes.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <map>
+#include <cstdint>
+#include <string>
+#include <vector>
 
 #include <Inventor/SbBox3f.h>
 #include <Inventor/SoPrimitiveVertex.h>
@@ -13,13 +14,14 @@
 #include <Inventor/nodes/SoIndexedFaceSet.h>
 #include <Inventor/nodes/SoSeparator.h>
 #include <Inventor/nodes/SoVertexProperty.h>
+#include <SoNucleobase.h>
+#include <algebra3d/Vector3.h>
 #include <gtest/gtest.h>
 
 #include "support/initialiseSceneOnce.h"
 
 namespace strandview {
 
-using algebra3d::Quaternion;
 using algebra3d::Vector3;
 
 namespace {
@@ -97,77 +99,73 @@ TEST(BaseColours, AreToldApartWithEveryKindOfColourVision)
     EXPECT_LT(difference('N', 'X', VISIONS[0]), 1e-9) << "any other letter is one colour";
 }
 
-// A triangle of slabs, in the scene.
 struct Triangle
 {
-    SbVec3f corners[3], normals[3];
-    std::uint32_t colour;
+    SbVec3f corners[3], normal;
 };
 
-class SlabsTest : public testing::Test
+class SlabTest : public testing::Test
 {
 protected:
-    SlabsTest()
+    SlabTest() { initialiseSceneOnce(); }
+    ~SlabTest() override
     {
-        initialiseSceneOnce();
-        slabs = makeSlabs();
-        slabs->ref();
+        if (slab)
+            slab->unref();
     }
-    ~SlabsTest() override { slabs->unref(); }
 
-    const SoIndexedFaceSet& shape() const
+    void make(char letter, bool isUpright)
     {
-        return *static_cast<SoIndexedFaceSet*>(slabs->getChild(slabs->getNumChildren() - 1));
+        if (slab)
+            slab->unref();
+        slab = makeSlab(letter, isUpright);
+        slab->ref();
     }
     const SoVertexProperty& vertices() const
     {
-        return *static_cast<SoVertexProperty*>(shape().vertexProperty.getValue());
-    }
-    std::vector<std::uint32_t> colours() const
-    {
-        const SoMFUInt32& packed = vertices().orderedRGBA;
-        return {packed.getValues(0), packed.getValues(0) + packed.getNum()};
-    }
-    std::size_t countColours() const
-    {
-        std::map<std::uint32_t, int> found;
-        for (const std::uint32_t colour : colours())
-            ++found[colour];
-        return found.size();
+        const auto* shape = static_cast<SoIndexedFaceSet*>(slab->getChild(1));
+        return *static_cast<SoVertexProperty*>(shape->vertexProperty.getValue());
     }
     SbBox3f box() const
     {
-        SbBox3f found;
-        for (int i = 0; i < vertices().vertex.getNum(); ++i)
-            found.extendBy(vertices().vertex[i]);
+        SbBox3f found = boxOf(true);
+        found.extendBy(boxOf(false));
         return found;
     }
     // Around the vertices of the dark edge, or of the rest.
-    SbBox3f boxOf(bool dark) const
+    SbBox3f boxOf(bool isEdge) const
     {
-        const std::vector<std::uint32_t> all = colours();
-        const auto brightness = [](std::uint32_t rgba) {
-            return (rgba >> 24) + (rgba >> 16 & 255) + (rgba >> 8 & 255);
-        };
         std::uint32_t brightest = 0;
-        for (const std::uint32_t colour : all)
-            brightest = std::max(brightest, brightness(colour));
+        for (int i = 0; i < vertices().orderedRGBA.getNum(); ++i)
+            brightest = std::max(brightest, vertices().orderedRGBA[i]);
         SbBox3f found;
-        for (std::size_t i = 0; i < all.size(); ++i) {
-            if ((brightness(all[i]) < 0.7 * brightest) == dark)
-                found.extendBy(vertices().vertex[int(i)]);
+        for (int i = 0; i < vertices().orderedRGBA.getNum(); ++i) {
+            if ((vertices().orderedRGBA[i] < brightest) == isEdge)
+                found.extendBy(vertices().vertex[i]);
         }
         return found;
     }
+    std::vector<Triangle> triangles() const
+    {
+        std::vector<Triangle> all;
+        SoCallbackAction action;
+        const auto collect = [](void* found, SoCallbackAction* /*action*/,
+                                const SoPrimitiveVertex* a, const SoPrimitiveVertex* b,
+                                const SoPrimitiveVertex* c) {
+            static_cast<std::vector<Triangle>*>(found)->push_back(
+                {{a->getPoint(), b->getPoint(), c->getPoint()}, a->getNormal()});
+        };
+        action.addTriangleCallback(SoIndexedFaceSet::getClassTypeId(), collect, &all);
+        action.apply(slab);
+        return all;
+    }
 
-    SoSeparator* slabs;
+    SoSeparator* slab = nullptr;
 };
 
-const PlacedBase ONE{'A', {0, 0, 0}, Quaternion<double>(), false};
-
-TEST_F(SlabsTest, AreThinAndReachFromTheMiddleOfThePairToTheBackbone)
+TEST_F(SlabTest, IsThinAndReachesFromTheMiddleOfThePairToTheBackbone)
 {
-    setSlabs(*slabs, {ONE}, {}, 1);
+    make('A', true);
     EXPECT_GT(box().getMin()[1], 0) << "beside the other base's";
     EXPECT_LT(box().getMin()[1], 1);
     EXPECT_GT(box().getMax()[1], 8) << "a tube of radius 1 runs about 9 from the middle";
@@ -176,84 +174,61 @@ TEST_F(SlabsTest, AreThinAndReachFromTheMiddleOfThePairToTheBackbone)
     EXPECT_NEAR(box().getMax()[2], -box().getMin()[2], 1e-6);
 }
 
-TEST_F(SlabsTest, AreDarkAlongTheMinorGroove)
+TEST_F(SlabTest, IsDarkAlongTheMinorGroove)
 {
-    setSlabs(*slabs, {ONE}, {}, 1);
-    EXPECT_EQ(countColours(), 2u);
-    EXPECT_LT(boxOf(true).getMax()[0], 0) << "d1 points into the major groove";
-    EXPECT_GT(boxOf(false).getMax()[0], 2);
-}
-
-TEST_F(SlabsTest, OfStrand2LieOnTheOtherSideWithTheSameGrooves)
-{
-    PlacedBase other = ONE;
-    other.isInStrand2 = true;
-    setSlabs(*slabs, {other}, {}, 1);
-    EXPECT_LT(box().getMax()[1], 0);
-    EXPECT_LT(box().getMin()[1], -8);
-    EXPECT_LT(boxOf(true).getMax()[0], 0);
-}
-
-TEST_F(SlabsTest, AreClosedSurfacesSeenFromOutside)
-{
-    for (const bool second : {false, true}) {
-        PlacedBase base = ONE;
-        base.isInStrand2 = second;
-        setSlabs(*slabs, {base}, {}, 1);
-        std::vector<Triangle> triangles;
-        SoCallbackAction action;
-        const auto collect = [](void* all, SoCallbackAction*, const SoPrimitiveVertex* a,
-                                const SoPrimitiveVertex* b, const SoPrimitiveVertex* c) {
-            static_cast<std::vector<Triangle>*>(all)->push_back(
-                {{a->getPoint(), b->getPoint(), c->getPoint()},
-                 {a->getNormal(), b->getNormal(), c->getNormal()},
-                 0});
-        };
-        action.addTriangleCallback(SoIndexedFaceSet::getClassTypeId(), collect, &triangles);
-        action.apply(slabs);
-        EXPECT_EQ(triangles.size(), 20u);
-        // Six times the volume; what lies within, where edge and rest meet, is no face.
-        double volume = 0;
-        SbVec3f area(0, 0, 0);
-        for (const Triangle& triangle : triangles) {
-            const auto& [a, b, c] = triangle.corners;
-            const SbVec3f normal = (b - a).cross(c - a);
-            EXPECT_GT(normal.dot(triangle.normals[0]), 0);
-            EXPECT_NEAR(triangle.normals[0].length(), 1, 1e-5);
-            area += normal;
-            volume += double(a.dot(b.cross(c)));
-        }
-        EXPECT_NEAR(area.length(), 0, 1e-4) << "closed";
-        EXPECT_GT(volume / 6, 20);
+    for (const char letter : std::string("ACGTN")) {
+        make(letter, true);
+        EXPECT_LT(boxOf(true).getMax()[0], 0) << "d1 points into the major groove";
+        EXPECT_GT(boxOf(false).getMax()[0], 2);
     }
 }
 
-TEST_F(SlabsTest, StandWhereTheirFramesAreInTheScene)
+TEST_F(SlabTest, OfStrand2LiesOnTheOtherSideWithTheSameGrooves)
 {
-    const double s = std::sqrt(0.5);
-    const PlacedBase turned{'C', {10, 20, 30}, Quaternion<double>(0, 0, s, s), false}; // d2 is -x
-    setSlabs(*slabs, {turned}, Placement{{10, 0, 0}, 2}, 0.1);
-    EXPECT_GT(box().getMax()[0], -0.2);
-    EXPECT_LT(box().getMax()[0], 0);
-    EXPECT_LT(box().getMin()[0], -1.6) << "8 ångström of 0.1, twice";
-    EXPECT_NEAR(box().getCenter()[2], 60, 1e-4);
-    EXPECT_NEAR(box().getCenter()[1], 40, 0.2);
+    make('C', false);
+    EXPECT_LT(box().getMax()[1], 0);
+    EXPECT_LT(box().getMin()[1], -8);
+    EXPECT_LT(boxOf(true).getMax()[0], 0);
+    EXPECT_GT(boxOf(false).getMax()[0], 2);
 }
 
-TEST_F(SlabsTest, AreOneShapeForAllOfThemThatIsSetAgain)
+TEST_F(SlabTest, IsAClosedSurfaceSeenFromOutside)
 {
-    const PlacedBase other{'T', {0, 0, 10}, Quaternion<double>(), true};
-    setSlabs(*slabs, {ONE, other, ONE}, {}, 1);
-    const int three = vertices().vertex.getNum(), faces = shape().coordIndex.getNum();
-    EXPECT_EQ(countColours(), 4u);
-    setSlabs(*slabs, {other}, {}, 1);
-    EXPECT_EQ(3 * vertices().vertex.getNum(), three);
-    EXPECT_EQ(3 * shape().coordIndex.getNum(), faces);
-    EXPECT_EQ(vertices().normal.getNum(), vertices().vertex.getNum());
-    EXPECT_EQ(vertices().orderedRGBA.getNum(), vertices().vertex.getNum());
-    setSlabs(*slabs, {}, {}, 1);
-    EXPECT_EQ(vertices().vertex.getNum(), 0);
-    EXPECT_EQ(shape().coordIndex.getNum(), 0);
+    for (const bool isUpright : {true, false}) {
+        make('G', isUpright);
+        EXPECT_EQ(triangles().size(), 20u);
+        double volume = 0;
+        SbVec3f area(0, 0, 0);
+        for (const Triangle& triangle : triangles()) {
+            const auto& [a, b, c] = triangle.corners;
+            const SbVec3f normal = (b - a).cross(c - a);
+            EXPECT_GT(normal.dot(triangle.normal), 0);
+            EXPECT_NEAR(triangle.normal.length(), 1, 1e-5);
+            area += normal;
+            volume += double(a.dot(b.cross(c))) / 6;
+        }
+        EXPECT_NEAR(area.length(), 0, 1e-4) << "closed";
+        EXPECT_GT(volume, 20);
+    }
+}
+
+TEST(Nucleobase, HasASlabWhereBasesAreShown)
+{
+    initialiseSceneOnce();
+    DnaLook look;
+    look.atoms = look.baseBoxes = true;
+    for (const bool bases : {true, false}) {
+        look.bases = bases;
+        SoNucleobase* base = makeNucleobase('T', look, true);
+        base->ref();
+        EXPECT_TRUE(base->areAtomsShown());
+        EXPECT_TRUE(base->isBoxShown());
+        SoSearchAction search;
+        search.setType(SoIndexedFaceSet::getClassTypeId());
+        search.apply(base);
+        EXPECT_EQ(search.getPath() != nullptr, bases);
+        base->unref();
+    }
 }
 
 } // namespace

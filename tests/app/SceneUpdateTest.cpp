@@ -12,7 +12,6 @@
 #include <Inventor/SoPickedPoint.h>
 #include <Inventor/actions/SoRayPickAction.h>
 #include <Inventor/actions/SoSearchAction.h>
-#include <Inventor/nodes/SoIndexedFaceSet.h>
 #include <Inventor/nodes/SoMaterial.h>
 #include <Inventor/nodes/SoOrthographicCamera.h>
 #include <Inventor/nodes/SoSeparator.h>
@@ -422,14 +421,13 @@ TEST_F(SceneUpdateTest, KeepsSlabsBackbonesAndBases)
     const auto kept = [this] {
         std::set<const SoNode*> nodes;
         for (const SoNode* node : allNodes()) {
-            if (node->isOfType(SoRod::getClassTypeId()) ||
-                node->isOfType(SoIndexedFaceSet::getClassTypeId()))
+            if (node->isOfType(SoRod::getClassTypeId()) || node->isOfType(SoDNA::getClassTypeId()))
                 nodes.insert(node);
         }
         return nodes;
     };
     const std::set<const SoNode*> before = kept();
-    EXPECT_EQ(before.size(), 4u);
+    EXPECT_EQ(before.size(), 3u);
     ASSERT_EQ(update(next), "");
     EXPECT_EQ(kept(), before);
     expectShows(next);

@@ -13,12 +13,15 @@
 #include <Inventor/nodes/SoComplexity.h>
 #include <Inventor/nodes/SoCube.h>
 #include <Inventor/nodes/SoDrawStyle.h>
+#include <Inventor/nodes/SoIndexedFaceSet.h>
 #include <Inventor/nodes/SoMaterial.h>
 #include <Inventor/nodes/SoRotationXYZ.h>
 #include <Inventor/nodes/SoSwitch.h>
 #include <Inventor/nodes/SoTransform.h>
 #include <Inventor/nodes/SoTranslation.h>
+#include <Inventor/nodes/SoVertexProperty.h>
 #include <SoNucleobase.h>
+#include <global.h>
 
 #include "support/DrawingComparison.h"
 
@@ -67,6 +70,63 @@ TEST_F(NucleobaseDrawingTest, TheBoxIsThatTraversedPixelForPixel)
         lookFrom(side);
         expectSame();
     }
+}
+
+// A square of four colours, and one across it.
+SoIndexedFaceSet* makeQuads()
+{
+    auto* vertices = new SoVertexProperty;
+    vertices->normalBinding = SoVertexProperty::PER_VERTEX_INDEXED;
+    vertices->materialBinding = SoVertexProperty::PER_VERTEX_INDEXED;
+    const float square[4][2] = {{-3, -3}, {3, -3}, {3, 3}, {-3, 3}};
+    const unsigned int colours[] = {0xff0000ff, 0x00ff00ff, 0x0000ffff, 0xffff00ff};
+    auto* faces = new SoIndexedFaceSet;
+    for (int i = 0; i < 8; ++i) {
+        const float* place = square[i % 4];
+        vertices->vertex.set1Value(i, i < 4 ? SbVec3f(place[0], place[1], 0)
+                                            : SbVec3f(0, place[0], place[1]));
+        vertices->normal.set1Value(i, i < 4 ? SbVec3f(0, 0, 1) : SbVec3f(1, 0, 0));
+        vertices->orderedRGBA.set1Value(i, colours[i % 4]);
+        faces->coordIndex.set1Value(i + i / 4, i);
+    }
+    faces->coordIndex.set1Value(4, SO_END_FACE_INDEX);
+    faces->coordIndex.set1Value(9, SO_END_FACE_INDEX);
+    faces->vertexProperty = vertices;
+    return faces;
+}
+
+TEST_F(NucleobaseDrawingTest, QuadrilateralsOfAHostAreThoseTraversed)
+{
+    base->showAtoms(false);
+    auto* own = new SoSeparator;
+    own->addChild(createMaterial({1, 1, 1}, {1, 1, 1}, {}));
+    auto* aside = new SoTranslation;
+    aside->translation = SbVec3f(1, -1, 0.5f);
+    own->addChild(aside);
+    SoIndexedFaceSet* const faces = makeQuads();
+    own->addChild(faces);
+    base->addChild(own);
+    EXPECT_EQ(countDraws(), 1);
+    setUnlit();
+    // Coin's override would give them all one colour; a plain separator draws them as they are.
+    NodeRef<SoSeparator> plain(new SoSeparator);
+    plain->addChild(camera);
+    plain->addChild(settings);
+    plain->addChild(own);
+    for (int side = 0; side < 6; ++side) {
+        lookFrom(side);
+        const Difference difference = compare(draw(), draw(plain));
+        EXPECT_LE(difference.strong, 8) << difference;
+        EXPECT_GT(difference.covered, 2000);
+    }
+    // What is transparent, or has another corner, is traversed.
+    auto* vertices = static_cast<SoVertexProperty*>(faces->vertexProperty.getValue());
+    vertices->orderedRGBA.set1Value(2, 0xff000080);
+    EXPECT_EQ(countDraws(), 0);
+    vertices->orderedRGBA.set1Value(2, 0xff0000ff);
+    EXPECT_EQ(countDraws(), 1);
+    faces->coordIndex.set1Value(9, 4);
+    EXPECT_EQ(countDraws(), 0);
 }
 
 TEST_F(NucleobaseDrawingTest, TheAtomsAreOneDrawAndTheBoxIsOne)

@@ -19,9 +19,9 @@
 #include <strandview/analysis/parallelTransport.h>
 #include <strandview/model/points.h>
 
+#include "scene/BaseNodes.h"
 #include "scene/DataScene.h"
 #include "scene/builders/ArrowHead.h"
-#include "scene/builders/BaseNodes.h"
 #include "scene/curveFaults.h"
 
 namespace strandview {
@@ -38,7 +38,7 @@ const Colour PAIR_COLOUR{0.30f, 0.42f, 0.58f};
 const double REACH = 9.2; // ångström
 
 // The children of a DNA's group.
-enum Child { PAIRS, SLABS, BACKBONES };
+enum Child { PAIRS, BACKBONES };
 
 const std::array<Strand, 2> STRANDS{Strand::FIRST, Strand::SECOND};
 
@@ -57,7 +57,10 @@ void makePlate(SoDNA& dna)
     box->depth = thickness;
 }
 
-bool needsPairs(const DnaLook& look) { return look.atoms || look.baseBoxes || look.pairBoxes; }
+bool needsPairs(const DnaLook& look)
+{
+    return look.bases || look.baseBoxes || look.pairBoxes || look.atoms;
+}
 
 char complementOf(char base)
 {
@@ -93,7 +96,7 @@ std::string textOfPair(const ShownDatum& shown, const SoPath& path, int index)
     return path.getIndex(index + 1) == 1 ? textOfBase(shown, place) : textOf(shown, place, 0);
 }
 
-// Only where atoms or boxes are shown.
+// Only where something of them is shown.
 SoDNA& pairsOf(const SoSeparator& group)
 {
     return *static_cast<SoDNA*>(static_cast<SoSeparator*>(group.getChild(PAIRS))->getChild(1));
@@ -129,25 +132,10 @@ Told placeIn(const ShownDatum& shown, const SoPickedPoint& picked, int index)
     std::string text;
     if (child == PAIRS) {
         text = textOfPair(shown, path, index + 2);
-    } else if (child == SLABS) {
-        if (const auto base = pickedSlab(picked))
-            text = textOfBase(shown, *base);
     } else if (child >= BACKBONES) {
         text = textOfBackbone(shown, picked, Strand(child - BACKBONES));
     }
     return {text, shown.name};
-}
-
-// Two for each pair, strand 1 first.
-std::vector<PlacedBase> basesOf(const Dna& dna)
-{
-    std::vector<PlacedBase> bases;
-    bases.reserve(2 * dna.bases.size());
-    for (std::size_t i = 0; i < dna.bases.size(); ++i) {
-        bases.push_back({dna.bases[i], dna.points1[i], dna.rotations1[i], false});
-        bases.push_back({complementOf(dna.bases[i]), dna.points2[i], dna.rotations2[i], true});
-    }
-    return bases;
 }
 
 // Nodes
@@ -181,19 +169,25 @@ SoSeparator* makeBackbone(const Style& style)
     return group;
 }
 
-// Lets a base of which the letter is not known be a grey box without atoms, where boxes are shown.
-void hideUnknown(const std::string& bases, const DnaLook& look, SoDNA& dna)
+// Gives the nucleobases that have none yet, after their atoms and their box, a slab. A base of
+// which the letter is not known is one of its own.
+void completeBases(const std::string& bases, const DnaLook& look, SoDNA& dna)
 {
+    const auto* placed = static_cast<SoGroup*>(dna.getChild(1));
+    const int partsOfBase = 2;
     SoNucleobase* unknown[2] = {};
-    auto* placed = static_cast<SoGroup*>(dna.getChild(1));
     for (std::size_t pair = 0; pair < bases.size(); ++pair) {
-        if (bases[pair] != UNKNOWN_BASE)
-            continue;
         for (std::size_t strand = 0; strand < 2; ++strand) {
-            if (!unknown[strand])
-                unknown[strand] = makeNucleobase(UNKNOWN_BASE, look, strand == 0);
-            static_cast<SoGroup*>(placed->getChild(int(2 * pair + strand)))
-                ->replaceChild(1, unknown[strand]);
+            const char letter = strand == 0 ? bases[pair] : complementOf(bases[pair]);
+            auto* group = static_cast<SoGroup*>(placed->getChild(int(2 * pair + strand)));
+            auto* base = static_cast<SoNucleobase*>(group->getChild(1));
+            if (letter == UNKNOWN_BASE) {
+                if (!unknown[strand])
+                    unknown[strand] = makeNucleobase(letter, look, strand == 0);
+                group->replaceChild(1, unknown[strand]);
+            } else if (look.bases && base->getNumChildren() == partsOfBase) {
+                base->addChild(makeSlab(letter, strand == 0));
+            }
         }
     }
 }
@@ -299,7 +293,6 @@ ShownDatum DnaBuilder::makeNodes(std::size_t index)
     shown.group = new SoSeparator;
     shown.group->addChild(needsPairs(look) ? makePairs(look, frame.scaled(look.angstrom))
                                            : new SoSeparator);
-    shown.group->addChild(makeSlabs());
     for (std::size_t i = 0; i < STRANDS.size(); ++i)
         shown.group->addChild(makeBackbone(frame.style));
     shown.node = shown.group;
@@ -317,9 +310,6 @@ void DnaBuilder::updateNodes(std::size_t index, ShownDatum& shown)
     shown.bases = dna.bases;
     if (needsPairs(look))
         setPairs(dna, pairsOf(*shown.group));
-    if (look.bases)
-        setSlabs(*static_cast<SoSeparator*>(shown.group->getChild(SLABS)), basesOf(dna),
-                 frame.placement, look.angstrom);
     for (Strand strand : STRANDS)
         setBackbone(index, strand, backboneOf(*shown.group, strand));
 }
@@ -334,7 +324,7 @@ void DnaBuilder::setPairs(const Dna& dna, SoDNA& node) const
                  inAngstrom.toScene(dna.points1), dna.rotations1, inAngstrom.toScene(dna.points2),
                  dna.rotations2);
     node.generate();
-    hideUnknown(dna.bases, look, node);
+    completeBases(dna.bases, look, node);
 }
 
 // Without points a rod draws nothing, and so does an arrow of no length.

@@ -11,8 +11,8 @@ class SoDNA;
 
 namespace strandview {
 
-/// DNA: slabs, ideal backbones where the file has none, and atoms and boxes, which are built in
-/// ångström and scaled to the scene.
+/// DNA: its bases and pairs, which are built in ångström and scaled to the scene, and ideal
+/// backbones where the file has none.
 class DnaBuilder : public BuilderOf<&Configuration::dnas>
 {
 public:

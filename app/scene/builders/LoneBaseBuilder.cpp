@@ -11,7 +11,7 @@
 
 #include <SoNucleobase.h>
 
-#include "scene/builders/BaseNodes.h"
+#include "scene/BaseNodes.h"
 
 namespace strandview {
 
@@ -20,26 +20,14 @@ namespace {
 // No atom or corner of a base is farther from its frame.
 const double REACH = 9.2; // ångström
 
-// The children of the group: placed nucleobases behind a scale, and slabs.
-enum Child { PLACED, SLABS };
-
-std::optional<std::size_t> baseAt(const SoPickedPoint& picked, int index)
-{
-    const SoPath& path = *picked.getPath();
-    if (path.getLength() < index + 3)
-        return {};
-    if (path.getIndex(index + 1) == SLABS)
-        return pickedSlab(picked);
-    return std::size_t(path.getIndex(index + 2)) - 1;
-}
-
-// "base A, " by the name of that base.
+// "base A, " by the name of that base. The first child of the group is its scale.
 Told placeIn(const ShownDatum& shown, const SoPickedPoint& picked, int index)
 {
-    const std::optional<std::size_t> base = baseAt(picked, index);
-    if (!base || *base >= shown.parts.size())
+    const SoPath& path = *picked.getPath();
+    if (path.getLength() < index + 2)
         return {"", shown.name};
-    return {std::string("base ") + shown.bases[*base] + ", ", shown.parts[*base]};
+    const auto base = std::size_t(path.getIndex(index + 1)) - 1;
+    return {std::string("base ") + shown.bases[base] + ", ", shown.parts[base]};
 }
 
 // Each base in its place, in ångström; those of a letter share their node.
@@ -91,8 +79,6 @@ ShownDatum LoneBaseBuilder::makeNodes(std::size_t index)
 {
     ShownDatum shown;
     shown.group = new SoSeparator;
-    shown.group->addChild(new SoSeparator);
-    shown.group->addChild(makeSlabs());
     shown.node = shown.group;
     shown.placeIn = &placeIn;
     updateNodes(index, shown);
@@ -105,18 +91,12 @@ void LoneBaseBuilder::updateNodes(std::size_t /*index*/, ShownDatum& shown)
     const DnaLook& look = frame.style.dna;
     shown.bases.clear();
     shown.parts.clear();
-    std::vector<PlacedBase> placed;
     for (const LoneBase& base : bases) {
         shown.bases.push_back(base.base);
         shown.parts.push_back(base.origin);
-        placed.push_back({base.base, base.point, base.rotation, false});
     }
-    if (look.atoms || look.baseBoxes)
-        setPlaced(*static_cast<SoSeparator*>(shown.group->getChild(PLACED)), bases, look,
-                  frame.placement);
-    if (look.bases)
-        setSlabs(*static_cast<SoSeparator*>(shown.group->getChild(SLABS)), placed, frame.placement,
-                 look.angstrom);
+    if (look.bases || look.baseBoxes || look.atoms)
+        setPlaced(*shown.group, bases, look, frame.placement);
 }
 
 } // namespace strandview
