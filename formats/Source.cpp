@@ -14,6 +14,7 @@
 #include <unistd.h>
 
 #include <strandview/formats/Milestones.h>
+#include <strandview/formats/Unpacker.h>
 #include <strandview/formats/text/wording.h>
 
 namespace strandview {
@@ -100,10 +101,56 @@ std::size_t Source::roomFor(std::uint64_t count) const
     return std::size_t(std::min(count, whole));
 }
 
+/// Whether the first bytes could be read, which tell whether it is packed. What has no places is
+/// begun by that.
+bool Source::look(const ReadOptions& options, ReadReport& report)
+{
+    if (hasLooked || descriptor < 0)
+        return true;
+    std::string first(Unpacker::BYTES_TO_KNOW_BY, '\0');
+    std::size_t there = 0, got = 1;
+    for (; got > 0 && there < first.size(); there += got) {
+        const auto offset = isFile ? std::optional<std::uint64_t>(there) : std::nullopt;
+        if (!readDescriptor(&first[there], first.size() - there, offset, options, report, got))
+            return false;
+    }
+    hasLooked = true;
+    first.resize(there);
+    if (std::unique_ptr<Unpacker> unpacker = Unpacker::of(first)) {
+        packedOffset = there;
+        unpacked = std::make_unique<UnpackedFile>(std::move(unpacker), std::move(first));
+        size.reset();
+    } else if (!isFile) {
+        filled = first.size();
+        beginning = std::move(first);
+        isComplete = got == 0;
+    }
+    return true;
+}
+
 /// Reads some of the next bytes, or of those at an offset; none at the end.
 bool Source::readPiece(char* to, std::size_t count, std::optional<std::uint64_t> offset,
-                       const ReadOptions& options, ReadReport& report, std::size_t& got) const
+                       const ReadOptions& options, ReadReport& report, std::size_t& got)
 {
+    if (!unpacked)
+        return readDescriptor(to, count, offset, options, report, got);
+    std::string fault;
+    const auto readPacked = [&](char* packedTo, std::size_t room, std::size_t& packedGot) {
+        const auto from = isFile ? std::optional(packedOffset) : std::nullopt;
+        const bool isRead = readDescriptor(packedTo, room, from, options, report, packedGot);
+        packedOffset += packedGot;
+        return isRead;
+    };
+    if (unpacked->read(offset.value_or(filled), to, count, got, readPacked, fault))
+        return true;
+    return fault.empty() ? false : fail(name, fault, report);
+}
+
+/// The same of what the bytes are packed in, if they are.
+bool Source::readDescriptor(char* to, std::size_t count, std::optional<std::uint64_t> offset,
+                            const ReadOptions& options, ReadReport& report, std::size_t& got) const
+{
+    got = 0;
     for (;;) {
         if (!waitForInput(descriptor, options))
             return fail(name, READING_STOPPED, report);
@@ -120,6 +167,8 @@ bool Source::readPiece(char* to, std::size_t count, std::optional<std::uint64_t>
 /// Reads on from the beginning until there are so many bytes, or the end comes.
 bool Source::fill(std::uint64_t count, const ReadOptions& options, ReadReport& report)
 {
+    if (!look(options, report))
+        return false;
     while (!isComplete && filled < count) {
         if (filled == beginning.size())
             beginning.resize(roomFor(count));
@@ -151,7 +200,7 @@ std::optional<std::string> Source::readAt(std::uint64_t offset, std::size_t coun
                                           const ReadOptions& options, ReadReport& report)
 {
     const std::uint64_t end = offset + std::min(std::uint64_t(count), EVERYTHING - offset);
-    if (!isFile && !fill(end, options, report))
+    if (!look(options, report) || (!isFile && !unpacked && !fill(end, options, report)))
         return {};
     if (isComplete || end <= filled) {
         const std::size_t from = std::size_t(std::min(offset, std::uint64_t(filled)));
@@ -181,7 +230,8 @@ std::unique_ptr<Source> Source::openWithEnding(const std::string& ending, ReadRe
 {
     if (path.empty())
         return openBeside("*" + ending, report);
-    return open(std::filesystem::path(path).replace_extension(ending).string(), report);
+    std::filesystem::path other = withoutPackedEnding(path);
+    return open(other.replace_extension(ending).string(), report);
 }
 
 } // namespace strandview

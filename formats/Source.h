@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include <strandview/formats/ReadReport.h>
+#include <strandview/formats/UnpackedFile.h>
 #include <strandview/formatsExport.h>
 
 namespace strandview {
@@ -21,6 +22,10 @@ namespace strandview {
 /// nothing and report.error, one line with the source's name: "rod.txt: cannot be read: No
 /// such file or directory". ReadOptions::goOn is asked, with a share of 0, before every piece
 /// that is read, and every 50 ms while a pipe has nothing.
+///
+/// Files and pipes that are packed by gzip or Zstandard are as what was packed, told by their first
+/// bytes: it is unpacked into a temporary file as far as it is asked for (UnpackedFile.h). The size
+/// of what was packed is not known before.
 ///
 /// A source is for one thread at a time, and belongs to whoever opened it; its file is closed
 /// with it.
@@ -42,8 +47,8 @@ public:
     const std::string& getName() const { return name; }
     /// As it was opened; empty of standard input and of bytes.
     const std::string& getPath() const { return path; }
-    /// In bytes, where it is known before the end is read: of bytes and of files, but for those
-    /// that say 0, as the system's own do.
+    /// In bytes, where it is known before the end is read: of bytes and of files, but for packed
+    /// ones and for those that say 0, as the system's own do.
     std::optional<std::uint64_t> getSize() const { return size; }
 
     /// The first `count` bytes, or all where there are fewer. Valid until more is read.
@@ -61,21 +66,28 @@ public:
     /// The file of another name in the same folder, or at a path from there on.
     std::unique_ptr<Source> openBeside(const std::string& fileName, ReadReport& report) const;
 
-    /// The file of the same name with another ending: ".top" beside "run.traj" is "run.top".
+    /// The file of the same name with another ending: ".top" beside "run.traj" is "run.top", and
+    /// so it is beside "run.traj.gz".
     std::unique_ptr<Source> openWithEnding(const std::string& ending, ReadReport& report) const;
 
 private:
     Source(std::string sourceName, std::string sourcePath, int openDescriptor);
 
+    bool look(const ReadOptions& options, ReadReport& report);
     bool fill(std::uint64_t count, const ReadOptions& options, ReadReport& report);
     std::size_t roomFor(std::uint64_t count) const;
     bool readPiece(char* to, std::size_t count, std::optional<std::uint64_t> offset,
-                   const ReadOptions& options, ReadReport& report, std::size_t& got) const;
+                   const ReadOptions& options, ReadReport& report, std::size_t& got);
+    bool readDescriptor(char* to, std::size_t count, std::optional<std::uint64_t> offset,
+                        const ReadOptions& options, ReadReport& report, std::size_t& got) const;
 
     std::string name;
     std::string path;
     int descriptor; ///< negative of bytes
     bool isFile = false;
+    bool hasLooked = false;                 ///< whether it is packed
+    std::unique_ptr<UnpackedFile> unpacked; ///< of what is
+    std::uint64_t packedOffset = 0;         ///< of a file, how much of it was unpacked
     std::optional<std::uint64_t> size;
     std::string beginning;   ///< what was read of it without an offset, and room for more
     std::size_t filled = 0;  ///< how much of that was read

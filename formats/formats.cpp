@@ -11,6 +11,7 @@
 #include <strandview/formats/StepParameterReader.h>
 #include <strandview/formats/TableReader.h>
 #include <strandview/formats/structures/StructureReader.h>
+#include <strandview/formats/Unpacker.h>
 #include <strandview/formats/oxdna/OxdnaReader.h>
 #include <strandview/formats/numpy/NumpyReader.h>
 #include <strandview/formats/text/encoding.h>
@@ -100,7 +101,8 @@ const std::vector<Format>& formats()
 
 const Format* formatOfEnding(const std::string& path)
 {
-    const std::string ending = inSmallLetters(std::filesystem::path(path).extension().string());
+    const std::string ending =
+        inSmallLetters(std::filesystem::path(withoutPackedEnding(path)).extension().string());
     for (const Format& format : formats())
         if (std::find(format.endings.begin(), format.endings.end(), ending) != format.endings.end())
             return &format;

@@ -14,7 +14,8 @@ namespace strandview {
 /// Every format that is read, each once. All may be called from any thread.
 STRANDVIEW_FORMATS_EXPORT const std::vector<Format>& formats();
 
-/// The first format whose ending a path has; null if none has it.
+/// The first format whose ending a path has, but for an ending of packed files (".gz"); null if
+/// none has it.
 STRANDVIEW_FORMATS_EXPORT const Format* formatOfEnding(const std::string& path);
 
 /// The format that is as likely as asked by the beginning of the bytes; null if none is. The last

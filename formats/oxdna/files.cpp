@@ -11,6 +11,7 @@
 #include <strandview/formats/IndexedSeries.h>
 #include <strandview/formats/RowScanner.h>
 #include <strandview/formats/Source.h>
+#include <strandview/formats/Unpacker.h>
 #include <strandview/formats/text/encoding.h>
 #include <strandview/formats/text/wording.h>
 
@@ -55,11 +56,7 @@ public:
 /// The path of a source without its ending, nor one of compression.
 fs::path stemOf(const Source& source)
 {
-    fs::path path = source.getPath();
-    const std::string ending = inSmallLetters(path.extension().string());
-    if (ending == ".gz" || ending == ".zst")
-        path.replace_extension();
-    return path.replace_extension();
+    return fs::path(withoutPackedEnding(source.getPath())).replace_extension();
 }
 
 /// The files in the folder of a source with one of the endings, in the order of their names.

@@ -65,6 +65,8 @@ TEST(Formats, TheEndingOfAPathTellsOneInAnyCase)
 {
     EXPECT_EQ(nameOf(formatOfEnding("a/b.c/rods.CSV")), "Tables");
     EXPECT_EQ(nameOf(formatOfEnding("rods.txt.json")), "JSON");
+    EXPECT_EQ(nameOf(formatOfEnding("rods.json.GZ")), "JSON");
+    EXPECT_EQ(nameOf(formatOfEnding("run.oxdna.zst")), "oxDNA");
     for (const char* path : {"", "-", "rods", ".json", "a.json/rods", "rods.jsonx", "rods.pdbx"})
         EXPECT_EQ(formatOfEnding(path), nullptr) << path;
 }

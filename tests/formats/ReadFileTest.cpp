@@ -99,7 +99,9 @@ TEST_F(ReadFile, RefusesBinaryDataThatNoEndingNames)
 {
     using namespace std::string_literals;
     const std::string faults[] = {"\x89PNG\r\n\x1a\n\0\0\0\rIHDR"s, "PK\x03\x04\x14"s,
-                                  "\x1f\x8b\x08"s, "{\0"s, "0 0 0\n0 0 \0"s};
+                                  "\x7f"
+                                  "ELF\2\1\1\0"s,
+                                  "{\0"s, "0 0 0\n0 0 \0"s};
     for (const std::string& text : faults) {
         const std::string path = write("rod.out", text);
         EXPECT_FALSE(read(path));

@@ -11,6 +11,7 @@
 #include <gmock/gmock.h>
 
 #include "support/TemporaryFolder.h"
+#include "support/pack.h"
 
 namespace strandview {
 
@@ -236,6 +237,58 @@ TEST_F(SourceTest, NothingLiesBesideWhatHasNoFolder)
     EXPECT_EQ(report.error, "standard input: found no folder, expected 'masses' beside it");
     EXPECT_FALSE(Source::ofBytes("text", "")->openWithEnding(".top", report));
     EXPECT_EQ(report.error, "text: found no folder, expected '*.top' beside it");
+}
+
+TEST_F(SourceTest, WhatIsPackedIsReadAsWhatWasPacked)
+{
+    const std::string text = numberedLines(200000);
+    for (const auto pack : {packedByGzip, packedByZstandard}) {
+        const std::string path = folder.write("lines.txt.any", pack(text));
+        EXPECT_TRUE(open(path)->readAll({}, report) == text);
+        const auto source = open(path);
+        EXPECT_EQ(source->readBeginning(9, {}, report), "000000\n00");
+        EXPECT_EQ(source->getSize(), std::nullopt);
+        EXPECT_EQ(at(*source, 199999 * lineLength, 100), "199999\n");
+        EXPECT_EQ(at(*source, 3 * lineLength, 6), "000003");
+        EXPECT_TRUE(source->readAll({}, report) == text);
+        EXPECT_EQ(at(*source, 7 * lineLength, 6), "000007");
+    }
+    EXPECT_EQ(report.error, "");
+}
+
+TEST_F(SourceTest, APackedPipeIsReadAtAnyPlace)
+{
+    const auto source = openPipe(packedByGzip(numberedLines(200000)));
+    ASSERT_TRUE(source);
+    EXPECT_EQ(at(*source, 199999 * lineLength, 100), "199999\n");
+    EXPECT_EQ(at(*source, 3 * lineLength, 6), "000003");
+    EXPECT_EQ(source->readBeginning(6, {}, report), "000000");
+}
+
+TEST_F(SourceTest, PackedFaultsAreOneLineWithTheName)
+{
+    const std::string packed = packedByGzip(numberedLines(1000));
+    const std::string path = folder.write("cut.gz", packed.substr(0, packed.size() / 2));
+    EXPECT_FALSE(open(path)->readAll({}, report));
+    EXPECT_EQ(report.error,
+              path + ": found the end of the packed data too early, expected all of it");
+}
+
+TEST_F(SourceTest, WhatIsShorterThanAMarkOfPackedDataIsReadAsItIs)
+{
+    for (const std::string& text : {std::string(), std::string("\x1f"), std::string("abc")}) {
+        EXPECT_EQ(open(folder.write("short", text))->readAll({}, report), text);
+        EXPECT_EQ(at(*open(folder.path("short")), 0, 9), text);
+    }
+    EXPECT_EQ(openPipe("ab")->readAll({}, report), "ab");
+}
+
+TEST_F(SourceTest, AnotherEndingIsThatBehindAPackedOne)
+{
+    folder.write("run.top", "beside");
+    const auto beside = open(folder.write("run.dat.zst", ""))->openWithEnding(".top", report);
+    ASSERT_TRUE(beside) << report.error;
+    EXPECT_EQ(beside->readAll({}, report), "beside");
 }
 
 } // namespace strandview

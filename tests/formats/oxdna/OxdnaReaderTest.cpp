@@ -17,6 +17,7 @@
 
 #include "support/FilesOfOthers.h"
 #include "support/TemporaryFolder.h"
+#include "support/pack.h"
 
 namespace strandview {
 
@@ -159,6 +160,18 @@ TEST(OxdnaReader, ATrajectoryIsASeriesWithItsTimes)
     const LoadedFrame frame = series->load(2);
     ASSERT_TRUE(frame.configuration) << frame.error;
     EXPECT_EQ(pairsIn(*frame.configuration), 5u);
+}
+
+TEST(OxdnaReader, APackedTrajectoryIsASeriesToo)
+{
+    const TemporaryFolder folder;
+    folder.write("run.top", contentOf(OURS + "duplex5_new.top"));
+    const std::string packed = packedByZstandard(contentOf(OURS + "duplex5_new.dat"));
+    ReadReport report;
+    const auto series = openSeries({folder.write("run.dat.zst", packed)}, {}, report);
+    ASSERT_TRUE(series) << report.error;
+    ASSERT_EQ(series->count(), 3u);
+    EXPECT_TRUE(series->load(2).configuration && series->load(0).configuration);
 }
 
 TEST(OxdnaReader, ALastConfigurationCutShortIsLeftOutAndAnOnlyOneIsRefused)
