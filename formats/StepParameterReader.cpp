@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <vector>
 
@@ -21,6 +22,7 @@ namespace strandview {
 namespace {
 
 constexpr std::size_t PARAMETERS = 12;
+constexpr double LARGEST_ANGLE = 360; ///< in degrees
 constexpr char EXPECTED_ORDER[] =
     "Shear Stretch Stagger Buckle Prop-Tw Opening Shift Slide Rise Tilt Roll Twist";
 /// By what the columns begin, in small letters; of a pair's propeller there are many names.
@@ -168,6 +170,10 @@ private:
         std::array<double, PARAMETERS> numbers;
         if (!rows.takeNumbers(numbers.data(), numbers.size()))
             return false;
+        for (const std::size_t i : {3, 4, 5, 9, 10, 11})
+            if (std::abs(numbers[i]) > LARGEST_ANGLE)
+                return rows.fail("found an angle of " + formatted(numbers[i]) +
+                                 " degrees, expected at most 360");
         if (const auto more = rows.nextField())
             return rows.failInColumn("found " + inQuotes(*more) + ", expected the end of the line");
         if (dna.bases.empty())

@@ -286,17 +286,30 @@ std::optional<bool> isTopology(Source& source, const ReadOptions& options, ReadR
     return countInOxdnaTopology(*beginning).has_value();
 }
 
-/// Of a topology's configuration; report.error if there is none.
-std::unique_ptr<OxdnaFrames> framesFor(Source& configuration, const std::string& topologyPath,
-                                       ReadOptions options, ReadReport& report)
+std::unique_ptr<TextFrames> framesFor(Source& configuration, const std::string& topologyPath,
+                                      ReadOptions options, ReadReport& report)
 {
     if (!topologyPath.empty())
         options.topology = topologyPath;
     std::optional<OxdnaTopology> topology = findOxdnaTopology(configuration, options, report);
-    return topology ? std::make_unique<OxdnaFrames>(std::move(*topology)) : nullptr;
+    return topology ? makeOxdnaFrames(std::move(*topology)) : nullptr;
+}
+
+/// What was told of a topology whose configuration then failed is not told.
+template <typename Result>
+Result withoutNoticesOfFailure(Result result, std::size_t before, ReadReport& report)
+{
+    if (!result)
+        report.notices.resize(before);
+    return result;
 }
 
 } // namespace
+
+std::unique_ptr<TextFrames> makeOxdnaFrames(OxdnaTopology topology)
+{
+    return std::make_unique<OxdnaFrames>(std::move(topology));
+}
 
 std::optional<Configuration> readOxdna(Source& source, const ReadOptions& options,
                                        ReadReport& report)
@@ -308,8 +321,11 @@ std::optional<Configuration> readOxdna(Source& source, const ReadOptions& option
     if (*isNamedByTopology && !(found = findOxdnaConfiguration(source, options, report)))
         return {};
     Source& configuration = found ? *found : source;
+    const std::size_t before = report.notices.size();
     const auto frames = framesFor(configuration, found ? source.getPath() : "", options, report);
-    return frames ? IndexedSeries::readFirst(configuration, *frames, options, report)
+    return frames ? withoutNoticesOfFailure(
+                        IndexedSeries::readFirst(configuration, *frames, options, report), before,
+                        report)
                   : std::nullopt;
 }
 
@@ -324,8 +340,11 @@ std::unique_ptr<Series> openOxdna(std::unique_ptr<Source> source, const ReadOpti
         topology = source->getPath();
         source = findOxdnaConfiguration(*source, options, report);
     }
+    const std::size_t before = report.notices.size();
     auto frames = source ? framesFor(*source, topology, options, report) : nullptr;
-    return frames ? IndexedSeries::open(std::move(source), std::move(frames), options, report)
+    return frames ? withoutNoticesOfFailure(
+                        IndexedSeries::open(std::move(source), std::move(frames), options, report),
+                        before, report)
                   : nullptr;
 }
 

@@ -7,6 +7,8 @@
 #include <string_view>
 
 #include <strandview/formats/Format.h>
+#include <strandview/formats/IndexedSeries.h>
+#include <strandview/formats/oxdna/Topology.h>
 #include <strandview/formatsExport.h>
 
 namespace strandview {
@@ -35,6 +37,9 @@ readOxdna(Source& source, const ReadOptions& options, ReadReport& report);
 /// (IndexedSeries.h).
 STRANDVIEW_FORMATS_EXPORT std::unique_ptr<Series>
 openOxdna(std::unique_ptr<Source> source, const ReadOptions& options, ReadReport& report);
+
+/// What IndexedSeries has to know of configurations of this topology.
+STRANDVIEW_FORMATS_EXPORT std::unique_ptr<TextFrames> makeOxdnaFrames(OxdnaTopology topology);
 
 /// Certain of configurations and of topologies.
 STRANDVIEW_FORMATS_EXPORT Likeness likenessToOxdna(std::string_view beginning);

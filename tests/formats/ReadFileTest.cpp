@@ -20,9 +20,12 @@
 #include <sys/stat.h>
 
 #include <strandview/formats/JsonReader.h>
+#include <strandview/formats/PairFrameReader.h>
 #include <strandview/formats/Source.h>
+#include <strandview/formats/StepParameterReader.h>
 #include <strandview/formats/TableReader.h>
 #include <strandview/formats/formats.h>
+#include <strandview/formats/oxdna/OxdnaReader.h>
 
 #include "support/TemporaryFolder.h"
 #include "support/readText.h"
@@ -471,13 +474,20 @@ void expectPromises(const Dna& dna)
 {
     const std::size_t count = dna.bases.size();
     ASSERT_GE(count, 1U);
-    EXPECT_EQ(dna.bases.find_first_not_of("ACGT"), std::string::npos);
+    EXPECT_EQ(dna.bases.find_first_not_of("ACGTN"), std::string::npos);
     for (const auto& points : {dna.pairPoints, dna.points1, dna.points2}) {
         EXPECT_EQ(points.size(), count);
         EXPECT_TRUE(arePoints(points));
     }
     for (const auto& rotations : {dna.pairRotations, dna.rotations1, dna.rotations2})
         expectRotations(rotations, count);
+}
+
+void expectPromises(const LoneBase& base)
+{
+    EXPECT_NE(std::string_view("ACGTN").find(base.base), std::string_view::npos);
+    EXPECT_TRUE(arePoints({base.point}));
+    expectRotations({base.rotation}, 1);
 }
 
 bool isLength(const std::optional<double>& length)
@@ -601,6 +611,7 @@ void expectReaderHoldsFor(Mutator mutator, Reader reader)
                           expectPromisesOfAll(configuration->dnas) +
                           expectPromisesOfAll(configuration->markers) +
                           expectPromisesOfAll(configuration->frames) +
+                          expectPromisesOfAll(configuration->loneBases) +
                           expectPromisesOfAll(configuration->arrows),
                       0U);
         } else {
@@ -767,6 +778,80 @@ TEST(AnyJsonOfEverything, GivesGoodThingsOrOneLineOfError)
                                  "colour": "tan"}]})"},
                                  snippets),
                          readJson);
+}
+
+namespace {
+
+const std::vector<std::string> pairSnippets = {
+    "A-T",  "G-U",     "X-N",         "{",       "}",
+    "{{",   "}}",      "*^",          "3 ",      "0 ",
+    "... ", "0 0 1\n", "5->3",        "(-1)",    "circular=true",
+    "-1",   "t = 1\n", "b = 1 1 1\n", "E = 0\n", "1 A -1 1\n",
+    "\f"};
+
+std::vector<std::string> snippetsOfPairs()
+{
+    std::vector<std::string> snippets = numberSnippets;
+    snippets.insert(snippets.end(), pairSnippets.begin(), pairSnippets.end());
+    return snippets;
+}
+
+/// A topology and, behind a form feed, a configuration.
+std::optional<Configuration> readOxdnaText(std::string_view text, const std::string& fileName,
+                                           const ReadOptions& options, ReadReport& report)
+{
+    const std::size_t feed = std::min(text.find('\f'), text.size());
+    auto topology = readOxdnaTopology(text.substr(0, feed), fileName, options, report);
+    if (!topology)
+        return {};
+    const auto frames = makeOxdnaFrames(std::move(*topology));
+    const auto source =
+        Source::ofBytes(fileName, std::string(text.substr(std::min(feed + 1, text.size()))));
+    auto read = IndexedSeries::readFirst(*source, *frames, options, report);
+    if (!read)
+        report.notices.clear(); // of the topology
+    return read;
+}
+
+} // namespace
+
+TEST(AnyStepParameters, GiveGoodDnaOrOneLineOfError)
+{
+    const std::string flat = "0 0 0 0 0 0 0.1 0 3.4 0 5 36\n";
+    expectReaderHoldsFor(
+        Mutator({"3 # base pairs\n0 # ***local base-pair & step parameters***\n# Shear Stretch "
+                 "Stagger Buckle Prop-Tw Opening Shift Slide Rise Tilt Roll Twist\nA-T " +
+                     flat + "C-G " + flat + "G-C " + flat,
+                 "4\r\n0\r\nU-A " + flat + "X-A " + flat + "G-T " + flat + "A-T " + flat,
+                 "4\n0\nA-T 0 0 0 0 0 0 0 0 3 0 90 0\nA-T 0 0 0 0 0 0 0 0 3 0 120 0\n"
+                 "A-T 0 0 0 0 0 0 0 0 3 0 120 0\nA-T 0 0 0 0 0 0 0 0 3 0 120 0\n"},
+                snippetsOfPairs()),
+        readStepParameters);
+}
+
+TEST(AnyPairFrames, GiveGoodDnaOrOneLineOfError)
+{
+    const std::string axes = "1 0 0 # x\n0 1 0\n0 0 1\n";
+    expectReaderHoldsFor(
+        Mutator(
+            {"2 pairs\n... 1 A-T # one\n0 0 0 # origin\n" + axes + "... 2 C-G\n0 0 3.4\n" + axes,
+             "{{0,0,0},{{1,0,0},{0,1,0},{0,0,1}}}\n{{0,0,3},{{0,1,0},{-1,0,0},{0,0,1}}}\n",
+             "[[[0, 0, 0], [[1, 0, 0], [0, 1, 0], [0, 0, 1]]], ((0 0 3) ((1. 0 0) (0 1 0) (0 0 "
+             "1.*^0)))]"},
+            snippetsOfPairs()),
+        readPairFrames);
+}
+
+TEST(AnyOxdna, GivesGoodThingsOrOneLineOfError)
+{
+    const std::string head = "t = 0\nb = 20 20 20\nE = 0 0 0\n";
+    const std::string pair = "0 -0.6 0 0 1 0 0 0 -1 0 0 0 0 0 0\n0.3 -0.5 0.4 -0.5 0.9 0 0 0 -1\n"
+                             "-0.3 0.5 0.4 0.5 -0.9 0 0 0 1\n0 0.6 0 0 -1 0 0 0 1\n";
+    expectReaderHoldsFor(
+        Mutator({"4 2 5->3\nAC\nGT circular=true\n\f" + head + pair,
+                 "4 2\n1 A -1 1\n1 U 0 -1\n2 7 -1 3\n2 x 2 -1\n\f" + head + pair + head + pair},
+                snippetsOfPairs()),
+        readOxdnaText);
 }
 
 // ---- Curves from elsewhere

@@ -174,6 +174,8 @@ INSTANTIATE_TEST_SUITE_P(
         Fault{"FarAway", "2" + BEGINNING + "A-T" + FLAT + "A-T 0 0 0 0 0 0 0 0 1e300 0 0 36\n",
               "here.par:5: found a pair that comes to 1e+300, expected a coordinate between -1e18 "
               "and 1e18"},
+        Fault{"LargeAngle", "1" + BEGINNING + "A-T 0 0 0 0 0 0 0 0 0 0 0 -361\n",
+              "here.par:4: found an angle of -361 degrees, expected at most 360"},
         Fault{"FewRows", "99999999999" + BEGINNING + "A-T" + FLAT,
               "here.par:5: found the end of the file after 1 pair, expected 99999999999"},
         Fault{"ManyRows", "1" + BEGINNING + "A-T" + FLAT + "A-T" + FLAT,
