@@ -22,20 +22,34 @@ Cell cellOf(const algebra3d::Vector3<double>& point, double size)
     return {std::floor(point.x / size), std::floor(point.y / size), std::floor(point.z / size)};
 }
 
-template <typename Visit>
-void forNeighbours(const std::vector<InCell>& sorted, const Cell& centre, Visit visit)
+/// Goes from cell to cell in their order, and tells who is in those around each.
+class Neighbourhood
 {
-    // A row of three cells along z is one run of the sorted ones.
-    for (int x = -1; x <= 1; ++x) {
-        for (int y = -1; y <= 1; ++y) {
+public:
+    explicit Neighbourhood(const std::vector<InCell>& sortedPoints) : sorted(sortedPoints) {}
+
+    /// Of a cell that is not before the one asked for last.
+    template <typename Visit>
+    void forNeighbours(const Cell& centre, Visit visit)
+    {
+        // A row of three cells along z is one run of the sorted ones, and the nine runs around a
+        // cell are not before those around the last one.
+        for (std::size_t row = 0; row < begins.size(); ++row) {
+            const double x = double(row / 3) - 1, y = double(row % 3) - 1;
             const Cell first{centre[0] + x, centre[1] + y, centre[2] - 1};
             const Cell last{first[0], first[1], centre[2] + 1};
-            for (auto entry = std::lower_bound(sorted.begin(), sorted.end(), InCell(first, 0));
-                 entry != sorted.end() && entry->first <= last; ++entry)
-                visit(entry->second);
+            std::size_t& begin = begins[row];
+            while (begin < sorted.size() && sorted[begin].first < first)
+                ++begin;
+            for (std::size_t i = begin; i < sorted.size() && sorted[i].first <= last; ++i)
+                visit(sorted[i].second);
         }
     }
-}
+
+private:
+    const std::vector<InCell>& sorted;
+    std::array<std::size_t, 9> begins = {}; ///< of the runs
+};
 
 } // namespace
 
@@ -44,15 +58,17 @@ mutuallyNearest(const std::vector<algebra3d::Vector3<double>>& points, double re
                 const std::function<double(std::size_t, std::size_t)>& distance)
 {
     std::vector<InCell> sorted;
+    sorted.reserve(points.size());
     for (std::size_t i = 0; i < points.size(); ++i)
         sorted.emplace_back(cellOf(points[i], reach), i);
     std::sort(sorted.begin(), sorted.end());
 
+    Neighbourhood neighbourhood(sorted);
     std::vector<std::size_t> nearest(points.size(), NO_NUCLEOTIDE);
     for (const auto& [cell, index] : sorted) {
         const std::size_t i = index;
         double least = std::numeric_limits<double>::infinity();
-        forNeighbours(sorted, cell, [&](std::size_t j) {
+        neighbourhood.forNeighbours(cell, [&](std::size_t j) {
             if (j == i || (points[j] - points[i]).getNorm() > reach)
                 return;
             const double apart = distance(i, j);

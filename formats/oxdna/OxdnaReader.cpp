@@ -127,7 +127,9 @@ private:
         const std::size_t count = topology.nucleotides.size();
         const std::string expected =
             "expected " + std::to_string(count) + " as in " + topology.name;
-        placed.reserve(std::min(count, countLines(text)));
+        constexpr std::size_t shortestLine = 17; // nine digits and the blanks between
+        placed.reserve(std::min(count, text.size() / shortestLine));
+        nucleotides.reserve(placed.capacity());
         while (rows.nextRow()) {
             if (!milestones.pass(rows.getPosition())) {
                 report.error = fileName + ": " + READING_STOPPED;
