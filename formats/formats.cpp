@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <filesystem>
 
+#include <strandview/formats/FibreReader.h>
 #include <strandview/formats/JsonReader.h>
 #include <strandview/formats/PairFrameReader.h>
 #include <strandview/formats/Source.h>
@@ -13,6 +14,8 @@
 #include <strandview/formats/structures/StructureReader.h>
 #include <strandview/formats/Unpacker.h>
 #include <strandview/formats/oxdna/OxdnaReader.h>
+#include <strandview/formats/VectReader.h>
+#include <strandview/formats/XyzReader.h>
 #include <strandview/formats/numpy/NumpyReader.h>
 #include <strandview/formats/text/encoding.h>
 
@@ -65,7 +68,7 @@ const std::vector<Format>& formats()
     static const std::vector<Format> all = {
         {"Tables",
          "a table",
-         {".txt", ".dat", ".csv", ".tsv", ".xyz"},
+         {".txt", ".dat", ".csv", ".tsv", ".xyz", ".raw"},
          likenessToTable,
          readTable,
          openTable},
@@ -95,6 +98,9 @@ const std::vector<Format>& formats()
          readOxdna,
          openOxdna},
         {"NumPy", "arrays of NumPy", {".npy", ".npz"}, likenessToNumpy, readNumpy, openNumpySeries},
+        {"Fibre reports", "a fibre report", {".txt"}, likenessToFibres, readFibres, openFibres},
+        {"Multi-frame XYZ", "a list of atoms", {".xyz"}, likenessToXyz, readXyz, openXyz},
+        {"Geomview", "VECT", {".vect"}, likenessToVect, readWhole<readVect>, nullptr},
     };
     return all;
 }

@@ -87,7 +87,7 @@ TEST(Formats, WhatIsExpectedNamesThemAll)
     const std::string last = " or " + formats().back().expected;
     EXPECT_EQ(expectedFormats().rfind("a table, JSON, ", 0), 0u);
     EXPECT_EQ(expectedFormats().find(last), expectedFormats().size() - last.size());
-    EXPECT_EQ(endingsOf(formats()[0]), ".txt .dat .csv .tsv .xyz");
+    EXPECT_EQ(endingsOf(formats()[0]), ".txt .dat .csv .tsv .xyz .raw");
     EXPECT_EQ(endingsOf(formats()[1], "*"), "*.json");
 }
 
@@ -105,6 +105,9 @@ TEST(Formats, EachReadsASourceUnderItsName)
          "ATOM      3  P    DA A   2       5.600   0.000   0.000  1.00  0.00           P\n"},
         {"Pair frames", "{{0,0,0},{{1,0,0},{0,1,0},{0,0,1}}}\n"
                         "{{0,0,3},{{1,0,0},{0,1,0},{0,0,1}}}\n"},
+        {"Fibre reports", "% frame 0\n% fiber f0:1\n1 0 0 0\n1 0 0 1\n% end\n"},
+        {"Multi-frame XYZ", "2\n\nC 0 0 0\nC 0 0 1\n"},
+        {"Geomview", "VECT\n1 2 0\n2\n0\n0 0 0\n0 0 1\n"},
         {"NumPy",
          "\x93NUMPY\x01\0\x3B\0{'descr': '<f8', 'fortran_order': False, 'shape': (2, 3)}  "s +
              std::string(46, '\0') + "\xF0\x3F"},
