@@ -19,11 +19,14 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <strandview/formats/FibreReader.h>
 #include <strandview/formats/JsonReader.h>
 #include <strandview/formats/PairFrameReader.h>
 #include <strandview/formats/Source.h>
 #include <strandview/formats/StepParameterReader.h>
 #include <strandview/formats/TableReader.h>
+#include <strandview/formats/VectReader.h>
+#include <strandview/formats/XyzReader.h>
 #include <strandview/formats/formats.h>
 #include <strandview/formats/oxdna/OxdnaReader.h>
 
@@ -602,6 +605,7 @@ void expectReaderHoldsFor(Mutator mutator, Reader reader)
         SCOPED_TRACE(testing::PrintToString(text));
         ReadOptions options;
         options.normalise = i % 2 == 0;
+        options.close = i % 3 == 0;
         ReadReport report;
         if (const auto configuration = reader(text, "file", options, report)) {
             ++accepted;
@@ -730,6 +734,58 @@ TEST(AnyTableOfDna, GivesGoodDnaOrOneLineOfError)
                  "g;0;0;0;0;0;0;1;0;1,5;0;0;0;0;1;0;-1,5;0;0;0;0;1;\n"},
                 snippets),
         readTableText);
+}
+
+namespace {
+
+/// The last frame of a text.
+template <auto openSeries>
+std::optional<Configuration> readLast(std::string_view text, const std::string& name,
+                                      const ReadOptions& options, ReadReport& report)
+{
+    const auto series = openSeries(Source::ofBytes(name, std::string(text)), options, report);
+    if (!series)
+        return {};
+    LoadedFrame loaded = series->load(series->count() - 1);
+    report = {loaded.notices, loaded.error};
+    return std::move(loaded.configuration);
+}
+
+std::vector<std::string> numbersAnd(std::initializer_list<const char*> more)
+{
+    std::vector<std::string> snippets = numberSnippets;
+    snippets.insert(snippets.end(), more.begin(), more.end());
+    return snippets;
+}
+
+} // namespace
+
+TEST(AnyListOfAtoms, GivesGoodRodsOrOneLineOfError)
+{
+    expectReaderHoldsFor(Mutator({"3\n\nC 0 0 0\nC 0 0 1\nC 1 0 1\n2\nx\n6 1 2 3 4\n7 2 3 4 5\n",
+                                  "2 \r\nstep\r\nA 0.5 0 0\r\nB 0 0 -1.5e2"},
+                                 numbersAnd({"\n", "2\n\n", "C 0 0 0\n", "#", ","})),
+                         readLast<openXyz>);
+}
+
+TEST(AnyFibreReport, GivesGoodRodsOrOneLineOfError)
+{
+    expectReaderHoldsFor(
+        Mutator(
+            {"% frame 0\n% time 1\n% fiber f0:1\n 1 0 0 0\n 1 0 0 1\n% end\n"
+             "% frame 1\n% fiber f0:1\n 1 0 0 0\n 1 0 0 1\n 1 0 1 1\n% fiber f0:2\n"
+             " 2 0 0 0\n 2 0 0 1\n% end\n"},
+            numbersAnd({"\n", "% ", "% end\n", "% frame 2\n", "% fiber x\n", "FILAMENT 0 1\n"})),
+        readLast<openFibres>);
+}
+
+TEST(AnyVect, GivesGoodRodsOrOneLineOfError)
+{
+    expectReaderHoldsFor(Mutator({"VECT\n2 5 1\n-3 2\n1 0\n0 0 0\n1 0 0\n0 1 0\n5 5 5\n6 6 6\n"
+                                  "0 1 0 1\n",
+                                  "VECT # one\n1 4 0\n4\n0\n0 0 0 1 0 0 1 1 0 0 0 0"},
+                                 numbersAnd({"\n", "-3", "9223372036854775807", "#", "VECT"})),
+                         readVect);
 }
 
 TEST(AnyJsonOfEverything, GivesGoodThingsOrOneLineOfError)
