@@ -14,15 +14,16 @@ namespace strandview {
 std::string takePoint(FieldScanner& scanner, std::size_t column, algebra3d::Vector3<double>& point)
 {
     for (std::size_t axis = 0; axis < 3; ++axis) {
+        const std::optional<std::string_view> field = scanner.nextField();
+        double number = 0;
+        if (field && parseNumber(*field, number) == std::errc() && isCoordinate(number)) {
+            point[int(axis)] = number;
+            continue;
+        }
         const std::string name =
             "column " + std::to_string(column + axis) + " (" + "xyz"[axis] + "): ";
-        const std::optional<std::string_view> field = scanner.nextField();
-        if (!field)
-            return name + "found the end of the line, expected x y z";
-        double number = 0;
-        if (parseNumber(*field, number) != std::errc() || !isCoordinate(number))
-            return name + "found " + inQuotes(*field) + ", expected " + EXPECTED_COORDINATE;
-        point[int(axis)] = number;
+        return name + (field ? "found " + inQuotes(*field) + ", expected " + EXPECTED_COORDINATE
+                             : "found the end of the line, expected x y z");
     }
     return {};
 }
