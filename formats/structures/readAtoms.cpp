@@ -327,7 +327,7 @@ public:
     {
         columns.clear();
         next = 0;
-        isOfAtoms = false;
+        isOfAtoms = areColumnsChecked = false;
     }
 
     void addTag(std::string_view tag, std::size_t line)
@@ -340,13 +340,8 @@ public:
 
     void addValue(std::string_view token, std::size_t line)
     {
-        if (!milestones.pass(std::size_t(token.data() - text.data())))
-            throw Fault(0, READING_STOPPED);
-        if (next == 0) {
-            row.fill({});
-            if (isOfAtoms)
-                checkColumns();
-        }
+        if (next == 0)
+            beginRow(std::size_t(token.data() - text.data()));
         if (columns[next] != NO_COLUMN)
             row[std::size_t(columns[next])] = valueOf(token);
         if (++next < columns.size())
@@ -385,6 +380,15 @@ private:
         return type;
     }
 
+    void beginRow(std::size_t position)
+    {
+        if (!milestones.pass(position))
+            throw Fault(0, READING_STOPPED);
+        row.fill({});
+        if (isOfAtoms && !areColumnsChecked)
+            checkColumns();
+    }
+
     bool has(Column wanted) const
     {
         return std::find(columns.begin(), columns.end(), int(wanted)) != columns.end();
@@ -403,7 +407,7 @@ private:
             if (!isThere)
                 throw Fault(beginLine, std::string("found atoms without _atom_site.") + name +
                                            ", expected a structure with it");
-        isOfAtoms = hasAtoms = true;
+        hasAtoms = areColumnsChecked = true;
     }
 
     /// The author's value where there is one.
@@ -452,6 +456,7 @@ private:
     std::vector<int> columns; ///< of the loop
     std::size_t next = 0;     ///< column
     bool isOfAtoms = false;
+    bool areColumnsChecked = false;
     bool hasAtoms = false;
     std::size_t beginLine = 0;
     std::array<std::string_view, COLUMNS> row;
