@@ -540,6 +540,9 @@ ResidueType typeOfResidue(const std::string& name)
 {
     if (const char letter = letterOfPlainName(name))
         return {ResidueKind::NUCLEOTIDE, letter, false};
+    const auto isAscii = [](unsigned char c) { return c < 0x80; };
+    if (!std::all_of(name.begin(), name.end(), isAscii)) // which gemmi's shifts of it expect
+        return {};
     const gemmi::ResidueInfo info = gemmi::find_tabulated_residue(name);
     if (info.is_water() || isWaterOfDynamics(name))
         return {ResidueKind::WATER};

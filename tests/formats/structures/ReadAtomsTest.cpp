@@ -225,7 +225,10 @@ TEST(ReadAtoms, NamesTellWhatAResidueIs)
     EXPECT_EQ(typeOfResidue("ALA").kind, ResidueKind::AMINO_ACID);
     EXPECT_EQ(typeOfResidue("HOH").kind, ResidueKind::WATER);
     EXPECT_EQ(typeOfResidue("WAT").kind, ResidueKind::WATER);
-    for (const char* name : {"MG", "ATP", "ZZZ", "", "D", "R3"})
+    for (const char* name : {"MG", "ATP", "ZZZ", "", "D", "R3",
+                             "\xFF"
+                             "A",
+                             "D\x80\xFF"})
         EXPECT_EQ(typeOfResidue(name).kind, ResidueKind::OTHER) << name;
 }
 
