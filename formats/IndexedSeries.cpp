@@ -188,7 +188,10 @@ std::optional<Configuration> IndexedSeries::readFirst(Source& source, TextFrames
 {
     // Where the second one begins the first one ends.
     const std::optional<IndexedText> text = IndexedText::of(source, frames, 2, options, report);
-    return text ? text->read(0, source, frames, options, report).configuration : std::nullopt;
+    if (!text)
+        return {};
+    report.frames = text->count() > 1 ? SEVERAL_FRAMES : 1;
+    return text->read(0, source, frames, options, report).configuration;
 }
 
 LoadedFrame IndexedSeries::loadFrame(std::size_t frame, const GoOn& goOn)

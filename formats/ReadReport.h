@@ -24,12 +24,16 @@ struct ReadOptions
     std::string topology = {};
 };
 
+/// More than one, without having looked how many.
+constexpr std::size_t SEVERAL_FRAMES = static_cast<std::size_t>(-1);
+
 /// What a reader has to tell its user.
 struct ReadReport
 {
     /// Things done to the data that the user should know of, a line each.
     std::vector<std::string> notices;
-    /// How many frames there are in what was read last; it was the first of them.
+    /// How many frames there are in what was read last, which was the first of them; SEVERAL_FRAMES
+    /// where they were not counted.
     std::size_t frames = 1;
     /// Why nothing was read: one line, "file:line: column 3 (z): found ..., expected ...",
     /// with as much of the place as the format has; empty after success.

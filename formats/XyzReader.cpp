@@ -110,10 +110,11 @@ Likeness likenessToXyz(std::string_view beginning)
     scanner.nextLine();
     scanner.nextLine();
     const std::vector<std::string_view> atom = remainingFields(scanner);
-    // A name, or the number of an element.
-    const bool isList = first.size() == 1 && countIn(first[0]) && atom.size() > 3 &&
-                        (!isNumber(atom[0]) || countIn(atom[0])) && isNumber(atom[1]) &&
-                        isNumber(atom[2]) && isNumber(atom[3]);
+    // A name, or the number of an element; the letters of a pair ("A-T") begin steps.
+    const bool isName = !atom.empty() && (isNumber(atom[0]) ? countIn(atom[0]).has_value()
+                                                            : atom[0].find('-') == atom[0].npos);
+    const bool isList = first.size() == 1 && countIn(first[0]) && atom.size() > 3 && isName &&
+                        isNumber(atom[1]) && isNumber(atom[2]) && isNumber(atom[3]);
     return isList ? Likeness::CERTAIN : Likeness::NONE;
 }
 

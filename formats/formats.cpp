@@ -11,12 +11,12 @@
 #include <strandview/formats/Source.h>
 #include <strandview/formats/StepParameterReader.h>
 #include <strandview/formats/TableReader.h>
-#include <strandview/formats/structures/StructureReader.h>
 #include <strandview/formats/Unpacker.h>
-#include <strandview/formats/oxdna/OxdnaReader.h>
 #include <strandview/formats/VectReader.h>
 #include <strandview/formats/XyzReader.h>
 #include <strandview/formats/numpy/NumpyReader.h>
+#include <strandview/formats/oxdna/OxdnaReader.h>
+#include <strandview/formats/structures/StructureReader.h>
 #include <strandview/formats/text/encoding.h>
 
 namespace strandview {
@@ -117,11 +117,16 @@ const Format* formatOfEnding(const std::string& path)
 
 const Format* formatOfContent(std::string_view beginning, Likeness atLeast)
 {
-    const std::vector<Format>& all = formats();
-    const auto found = std::find_if(all.rbegin(), all.rend(), [&](const Format& format) {
-        return format.recognises(beginning) >= atLeast;
-    });
-    return found == all.rend() ? nullptr : &*found;
+    const Format* likeliest = nullptr;
+    Likeness likeness = atLeast;
+    for (const Format& format : formats()) {
+        const Likeness ofThis = format.recognises(beginning);
+        if (ofThis != Likeness::NONE && ofThis >= likeness) {
+            likeliest = &format;
+            likeness = ofThis;
+        }
+    }
+    return likeliest;
 }
 
 const Format* formatOf(Source& source, const ReadOptions& options, ReadReport& report)

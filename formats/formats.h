@@ -18,8 +18,8 @@ STRANDVIEW_FORMATS_EXPORT const std::vector<Format>& formats();
 /// none has it.
 STRANDVIEW_FORMATS_EXPORT const Format* formatOfEnding(const std::string& path);
 
-/// The format that is as likely as asked by the beginning of the bytes; null if none is. The last
-/// one of the list is asked first: what comes first in it is tables, which take any text.
+/// The likeliest format by the beginning of the bytes; null if none is as likely as asked. Of
+/// several it is the last one of the list: what comes first in it is tables, which take any text.
 STRANDVIEW_FORMATS_EXPORT const Format* formatOfContent(std::string_view beginning,
                                                         Likeness atLeast = Likeness::POSSIBLE);
 

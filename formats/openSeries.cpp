@@ -6,6 +6,7 @@
 #include <strandview/formats/FileSeries.h>
 #include <strandview/formats/Source.h>
 #include <strandview/formats/formats.h>
+#include <strandview/formats/groupFiles.h>
 #include <strandview/model/MemorySeries.h>
 
 namespace strandview {
@@ -16,11 +17,18 @@ std::unique_ptr<Series> openSeries(const std::vector<std::string>& paths,
     report.error = paths.empty() ? "found no file, expected at least one" : "";
     if (paths.empty())
         return nullptr;
-    if (paths.size() > 1)
-        return std::make_unique<FileSeries>(paths, options);
-    std::unique_ptr<Source> source = Source::open(paths.front(), report);
-    const Format* const format = source ? formatOf(*source, options, report) : nullptr;
-    return format ? openSeries(std::move(source), *format, options, report) : nullptr;
+    const std::vector<FileGroup> groups = groupFiles(paths);
+    ReadOptions asked = options;
+    asked.topology = groups.front().topology;
+    if (groups.size() > 1) {
+        std::vector<std::string> frames;
+        for (const FileGroup& group : groups)
+            frames.push_back(group.path);
+        return std::make_unique<FileSeries>(std::move(frames), asked);
+    }
+    std::unique_ptr<Source> source = Source::open(groups.front().path, report);
+    const Format* const format = source ? formatOf(*source, asked, report) : nullptr;
+    return format ? openSeries(std::move(source), *format, asked, report) : nullptr;
 }
 
 std::unique_ptr<Series> openSeries(std::unique_ptr<Source> source, const Format& format,

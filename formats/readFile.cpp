@@ -26,9 +26,10 @@ std::optional<Configuration> readSource(Source& source, const ReadOptions& optio
         return {};
     std::optional<Configuration> first = format->read(source, options, report);
     if (first && report.frames > 1)
-        report.notices.push_back(source.getName() + ": the first of " +
-                                 std::to_string(report.frames) +
-                                 " frames; --frame N takes another, counted from 0");
+        report.notices.push_back(
+            source.getName() + ": the first of " +
+            (report.frames == SEVERAL_FRAMES ? "several" : std::to_string(report.frames)) +
+            " frames; --frame N takes another, counted from 0");
     return first;
 }
 

@@ -11,6 +11,7 @@
 #include <strandview/analysis/dnaNumbers.h>
 #include <strandview/formats/Source.h>
 #include <strandview/formats/formats.h>
+#include <strandview/formats/groupFiles.h>
 #include <strandview/formats/openSeries.h>
 #include <strandview/formats/text/wording.h>
 
@@ -164,10 +165,11 @@ Json listOf(const Items& items, Tell tell)
 }
 
 // One file's part of the findings.
-bool readInto(Findings& findings, const std::string& path, bool areSeveral,
-              const ReadOptions& options, ReadReport& report)
+bool readInto(Findings& findings, const FileGroup& group, bool areSeveral, ReadOptions options,
+              ReadReport& report)
 {
-    std::unique_ptr<Source> source = Source::open(path, report);
+    options.topology = group.topology;
+    std::unique_ptr<Source> source = Source::open(group.path, report);
     const Format* const format = source ? formatOf(*source, options, report) : nullptr;
     if (!format)
         return false;
@@ -194,8 +196,9 @@ std::optional<Findings> findIn(const std::vector<std::string>& files, std::size_
 {
     Findings findings;
     findings.frame = frame;
-    for (const std::string& path : files)
-        if (!readInto(findings, path, files.size() > 1, options, report))
+    const std::vector<FileGroup> groups = groupFiles(files);
+    for (const FileGroup& group : groups)
+        if (!readInto(findings, group, groups.size() > 1, options, report))
             return {};
     findings.notices = report.notices;
     return findings;

@@ -7,6 +7,7 @@
 #include <memory>
 #include <utility>
 
+#include <strandview/formats/groupFiles.h>
 #include <strandview/formats/openSeries.h>
 #include <strandview/formats/readFile.h>
 #include <strandview/formats/text/wording.h>
@@ -20,9 +21,9 @@ namespace {
 std::string nameOf(const std::string& file) { return file == "-" ? "standard input" : file; }
 
 // "Reading helix.txt (2 of 3): 40 %"
-std::string readingText(const std::vector<std::string>& files, std::size_t index, double share)
+std::string readingText(const std::vector<FileGroup>& files, std::size_t index, double share)
 {
-    const std::string file = nameOf(files[index]);
+    const std::string file = nameOf(files[index].path);
     std::string text = "Reading " + file.substr(file.find_last_of('/') + 1);
     if (files.size() > 1)
         text += " (" + std::to_string(index + 1) + " of " + std::to_string(files.size()) + ")";
@@ -75,15 +76,17 @@ std::optional<Configuration> readFiles(const std::vector<std::string>& files,
                                        Progress& progress)
 {
     Configuration all;
-    FrameReader reader(std::size_t(options.frame.value_or(0)), files.size() > 1, report);
-    for (std::size_t i = 0; i < files.size(); ++i) {
-        progress.announce(readingText(files, i, 0));
-        const ReadOptions asked = readOptionsOf(options, [&](double share) {
-            progress.show(readingText(files, i, share));
+    const std::vector<FileGroup> groups = groupFiles(files);
+    FrameReader reader(std::size_t(options.frame.value_or(0)), groups.size() > 1, report);
+    for (std::size_t i = 0; i < groups.size(); ++i) {
+        progress.announce(readingText(groups, i, 0));
+        ReadOptions asked = readOptionsOf(options, [&](double share) {
+            progress.show(readingText(groups, i, share));
             return !progress.isStopped();
         });
-        std::optional<Configuration> read =
-            options.frame ? reader.read(files[i], asked) : readFile(files[i], asked, report);
+        asked.topology = groups[i].topology;
+        std::optional<Configuration> read = options.frame ? reader.read(groups[i].path, asked)
+                                                          : readFile(groups[i].path, asked, report);
         if (!read)
             return std::nullopt;
         append(all, std::move(*read));

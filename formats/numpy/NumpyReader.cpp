@@ -582,7 +582,10 @@ std::optional<Configuration> readNumpy(Source& source, const ReadOptions& option
                                        ReadReport& report)
 {
     const auto frames = NumpyFrames::open(source, options, report);
-    return frames ? frames->read(0, options, report) : std::nullopt;
+    if (!frames)
+        return {};
+    report.frames = std::size_t(frames->count());
+    return frames->read(0, options, report);
 }
 
 std::unique_ptr<Series> openNumpySeries(std::unique_ptr<Source> source, const ReadOptions& options,

@@ -102,14 +102,17 @@ Likeness likenessToStructure(std::string_view beginning)
 std::optional<Configuration> readStructure(Source& source, const ReadOptions& options,
                                            ReadReport& report)
 {
-    StructureModel first;
-    const auto takeFirst = [&first](StructureModel model) {
-        first = std::move(model);
-        return false;
+    std::optional<StructureModel> first;
+    const auto takeFirst = [&](StructureModel model) {
+        if (first)
+            report.frames = SEVERAL_FRAMES;
+        else
+            first = std::move(model);
+        return report.frames == 1;
     };
     if (!readModels(source, options, takeFirst, report))
         return {};
-    return makeNucleicAcid(std::move(first), source.getName(), report);
+    return makeNucleicAcid(first ? std::move(*first) : StructureModel(), source.getName(), report);
 }
 
 std::unique_ptr<Series> openStructures(std::unique_ptr<Source> source, const ReadOptions& options,

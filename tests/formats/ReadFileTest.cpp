@@ -747,7 +747,8 @@ std::optional<Configuration> readLast(std::string_view text, const std::string& 
     if (!series)
         return {};
     LoadedFrame loaded = series->load(series->count() - 1);
-    report = {loaded.notices, loaded.error};
+    report.notices = loaded.notices;
+    report.error = loaded.error;
     return std::move(loaded.configuration);
 }
 

@@ -48,7 +48,7 @@ public:
 case " $* " in *' --samples '*) samples= ;; esac
 case " $* " in
 *' --render '*) exec "$STRANDVIEW" $samples "$@" ;;
-*' --export '*) exec "$STRANDVIEW" "$@" ;;
+*' --export '*|*' --info '*) exec "$STRANDVIEW" "$@" ;;
 *) echo x >>windows
    exec "$STRANDVIEW" --screenshot-after 0 window$(wc -l <windows).png "$@" ;;
 esac)");

@@ -48,7 +48,8 @@ Configuration mustRead(const std::string& path)
 {
     ReadReport report;
     Configuration configuration = mustRead(path, report);
-    EXPECT_THAT(report.notices, IsEmpty());
+    for (const std::string& notice : report.notices)
+        EXPECT_THAT(notice, HasSubstr("the first of several frames"));
     return configuration;
 }
 
@@ -95,7 +96,8 @@ TEST(OxdnaReader, TheNewTopologyReadAsTheClassicOneWouldTurnTheHelixLeftHanded)
 
     ReadReport report;
     EXPECT_LT(*numbersOf(mustRead(path, report).dnas[0]).meanTwist, 0);
-    EXPECT_THAT(report.notices, ElementsAre(HasSubstr("d3 does not follow the pairs")));
+    EXPECT_THAT(report.notices, ElementsAre(HasSubstr("d3 does not follow the pairs"),
+                                            HasSubstr("the first of several frames")));
     EXPECT_GT(*numbersOf(mustRead(OURS + "duplex5_new.dat").dnas[0]).meanTwist, 0);
 }
 
@@ -273,7 +275,8 @@ TEST_F(OxdnaOfOthers, AnRnaFindsTheOnlyTopologyThatFitsAndItsUracilsAreToldOf)
 {
     ReadReport report;
     const Configuration found = mustRead(folder + "rna_tile_traj.dat", report);
-    EXPECT_THAT(report.notices, ElementsAre(HasSubstr("rna_tile.top: ")));
+    EXPECT_THAT(report.notices,
+                ElementsAre(HasSubstr("rna_tile.top: "), HasSubstr("the first of several frames")));
     EXPECT_THAT(report.notices[0], HasSubstr("U, shown as T"));
     EXPECT_EQ(2 * pairsIn(found) + found.loneBases.size(), 132u);
     ASSERT_EQ(found.rods.size(), 1u);

@@ -181,7 +181,8 @@ TEST(StructureReader, AFileWithAllThatStructuresHaveIsRead)
         EXPECT_EQ(data.rods.size(), 3u);
         ASSERT_EQ(data.loneBases.size(), 1u);
         EXPECT_EQ(data.loneBases[0].base, 'A');
-        EXPECT_EQ(report.notices.size(), 4u) << testing::PrintToString(report.notices);
+        EXPECT_EQ(report.notices.size(), 5u) << testing::PrintToString(report.notices);
+        EXPECT_EQ(report.frames, SEVERAL_FRAMES);
     }
 }
 
