@@ -180,7 +180,8 @@ bool readInto(Findings& findings, const FileGroup& group, bool areSeveral, ReadO
     const bool isInEveryFrame = areSeveral && series->count() == 1;
     LoadedFrame loaded = series->load(isInEveryFrame ? 0 : findings.frame, options.goOn);
     if (!loaded.configuration) {
-        report.error = loaded.error;
+        report.error =
+            (findings.frame >= series->count() ? onOneLine(name) + ": " : "") + loaded.error;
         return false;
     }
     findings.files.push_back({name, format->name, series->count()});

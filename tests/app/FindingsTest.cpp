@@ -174,6 +174,19 @@ TEST(Findings, FailWithTheFirstFileThatCannotBeRead)
     EXPECT_EQ(report.error, bad + ": cannot be read: No such file or directory");
 }
 
+TEST(Findings, OfAFrameThatIsNotThereNameTheFile)
+{
+    const TemporaryFolder folder;
+    const std::string file = folder.write("a.txt", "0 0 0\n0 0 1\n\n\n0 0 0\n0 0 2\n");
+    ReadReport report;
+    const std::optional<Findings> second = findIn({file}, 1, {}, report);
+    ASSERT_TRUE(second) << report.error;
+    EXPECT_EQ(second->files[0].frames, 2u);
+    EXPECT_EQ(json::parse(toJson(*second, 1))["rods"][0]["length"], 2);
+    EXPECT_FALSE(findIn({file}, 2, {}, report));
+    EXPECT_EQ(report.error, file + ": found frame 2, expected 0 to 1");
+}
+
 // Names of files and of things are bytes, JSON is UTF-8.
 TEST(Findings, AreValidJsonWhateverTheNames)
 {

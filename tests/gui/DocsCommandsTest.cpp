@@ -127,7 +127,7 @@ TEST_P(DocsCommandsTest, DoAsTheyAreWritten)
     EXPECT_EQ(run.status, 0) << run.error;
     for (const std::string& picture : picturesOf(commands))
         EXPECT_TRUE(fs::exists(desk.place(picture))) << picture;
-    const int written = countIn(commands, std::regex("--(render|export) "));
+    const int written = countIn(commands, std::regex("--(render|export|info) "));
     for (int window = 1; window <= started - written; ++window)
         EXPECT_TRUE(fs::exists(desk.place("window" + std::to_string(window) + ".png")));
 }
