@@ -152,7 +152,8 @@ TEST(NucleicAcid, StrandsMayComeInAnyOrder)
         for (const TestAtom& atom : atoms)
             if (atom.chain == chain)
                 exchanged.push_back(atom);
-    const Dna& dna = onlyDna(made(exchanged));
+    const Made all = made(exchanged);
+    const Dna& dna = onlyDna(all);
     EXPECT_EQ(dna.bases, "CAACGT");
     EXPECT_EQ(dna.name, "B-A");
 }
