@@ -64,13 +64,7 @@ public:
     {
         dna.points1 = dna.points2 = dna.pairPoints;
         dna.rotations1 = dna.rotations2 = dna.pairRotations;
-        closeWhereRepeated(dna);
-        Collector collector;
-        const std::string fault = collector.add(std::move(dna));
-        if (fault.empty())
-            return collector.finish(fileName, "base pair", report);
-        report.error = fileName + ": " + fault;
-        return {};
+        return finishPairs(std::move(dna), fileName, report);
     }
 
 private:

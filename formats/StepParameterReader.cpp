@@ -8,7 +8,6 @@
 #include <vector>
 
 #include <strandview/analysis/stepParameters.h>
-#include <strandview/formats/Collector.h>
 #include <strandview/formats/Milestones.h>
 #include <strandview/formats/RowScanner.h>
 #include <strandview/formats/checks.h>
@@ -88,13 +87,7 @@ public:
         if (!readHeader() || !readPairs())
             return {};
         letters.tell(fileName, report);
-        closeWhereRepeated(dna);
-        Collector collector;
-        const std::string fault = collector.add(std::move(dna));
-        if (fault.empty())
-            return collector.finish(fileName, "base pair", report);
-        report.error = fileName + ": " + fault;
-        return {};
+        return finishPairs(std::move(dna), fileName, report);
     }
 
 private:

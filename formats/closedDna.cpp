@@ -3,8 +3,11 @@
 
 #include <cmath>
 #include <cstddef>
+#include <utility>
 
 #include <algebra3d/rotations.h>
+
+#include <strandview/formats/Collector.h>
 
 namespace strandview {
 
@@ -31,6 +34,17 @@ void closeWhereRepeated(Dna& dna)
         points->pop_back();
     for (auto* rotations : {&dna.pairRotations, &dna.rotations1, &dna.rotations2})
         rotations->pop_back();
+}
+
+std::optional<Configuration> finishPairs(Dna dna, const std::string& fileName, ReadReport& report)
+{
+    closeWhereRepeated(dna);
+    Collector collector;
+    const std::string fault = collector.add(std::move(dna));
+    if (fault.empty())
+        return collector.finish(fileName, "base pair", report);
+    report.error = fileName + ": " + fault;
+    return {};
 }
 
 } // namespace strandview

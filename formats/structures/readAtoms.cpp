@@ -96,6 +96,32 @@ std::string faultOfAtomLine(std::string_view line)
     return {};
 }
 
+/// What residues are: by gemmi's table, else by the parents that the file names.
+class ResidueTypes
+{
+public:
+    void addModified(std::string_view residue, std::string_view parent)
+    {
+        if (!residue.empty() && !parent.empty())
+            parents.emplace(residue, parent);
+    }
+    void forgetModified() { parents.clear(); }
+
+    ResidueType operator()(const std::string& residue) const
+    {
+        const auto parent = parents.find(residue);
+        ResidueType type = typeOfResidue(residue);
+        if (type.kind == ResidueKind::OTHER && parent != parents.end()) {
+            type = typeOfResidue(parent->second);
+            type.isModified = true;
+        }
+        return type;
+    }
+
+private:
+    std::map<std::string, std::string> parents;
+};
+
 /// Walks over the lines and keeps those of atoms that may be DNA, model by model: few of a file
 /// with protein and water.
 class PdbScanner
@@ -105,7 +131,7 @@ public:
         : fileName(name),
           take(takeModel),
           report(readReport),
-          residues([this](const std::string& residue) { return typeOf(residue); })
+          residues([this](const std::string& residue) { return types(residue); })
     {}
 
     /// Whether to go on.
@@ -146,24 +172,13 @@ public:
     bool wasStopped() const { return isStopped; }
 
 private:
-    ResidueType typeOf(const std::string& residue) const
-    {
-        const auto parent = parents.find(residue);
-        ResidueType type = typeOfResidue(residue);
-        if (type.kind == ResidueKind::OTHER && parent != parents.end()) {
-            type = typeOfResidue(parent->second);
-            type.isModified = true;
-        }
-        return type;
-    }
-
     bool scanAtom(std::string_view line)
     {
         isInModel = true;
         const std::string_view residue = column(line, 17, 3);
         const auto [known, isNew] = kinds.emplace(residue, ResidueKind::OTHER);
         if (isNew)
-            known->second = typeOf(known->first).kind;
+            known->second = types(known->first).kind;
         hasProtein = hasProtein || known->second == ResidueKind::AMINO_ACID;
         hasWater = hasWater || known->second == ResidueKind::WATER;
         if (known->second == ResidueKind::AMINO_ACID || known->second == ResidueKind::WATER)
@@ -181,9 +196,7 @@ private:
     /// "MODRES 1ABC 5CM A    3   DC  ..."
     void addModified(std::string_view line)
     {
-        const std::string_view residue = column(line, 12, 3), parent = column(line, 24, 3);
-        if (!residue.empty() && !parent.empty())
-            parents.emplace(residue, parent);
+        types.addModified(column(line, 12, 3), column(line, 24, 3));
     }
 
     void addAtoms()
@@ -217,7 +230,7 @@ private:
     const TakeModel& take;
     ReadReport& report;
     ResidueCollector residues;
-    std::map<std::string, std::string> parents;
+    ResidueTypes types;
     std::map<std::string, ResidueKind, std::less<>> kinds;
     std::string kept; ///< lines of the model
     std::size_t number = 0;
@@ -312,7 +325,7 @@ public:
         : text(wholeText),
           take(takeModel),
           milestones(options, wholeText.size()),
-          residues([this](const std::string& residue) { return typeOf(residue); })
+          residues([this](const std::string& residue) { return types(residue); })
     {}
 
     void beginBlock()
@@ -320,7 +333,7 @@ public:
         finishModel();
         if (hasAtoms)
             throw Enough();
-        parents.clear();
+        types.forgetModified();
     }
 
     void beginLoop()
@@ -349,8 +362,8 @@ public:
         next = 0;
         if (isOfAtoms)
             addAtom(line);
-        else if (!row[COMPONENT].empty() && !row[PARENT].empty())
-            parents.emplace(row[COMPONENT], row[PARENT]);
+        else
+            types.addModified(row[COMPONENT], row[PARENT]);
     }
 
     void endLoop(std::size_t line)
@@ -369,17 +382,6 @@ public:
     }
 
 private:
-    ResidueType typeOf(const std::string& residue) const
-    {
-        const auto parent = parents.find(residue);
-        ResidueType type = typeOfResidue(residue);
-        if (type.kind == ResidueKind::OTHER && parent != parents.end()) {
-            type = typeOfResidue(parent->second);
-            type.isModified = true;
-        }
-        return type;
-    }
-
     void beginRow(std::size_t position)
     {
         if (!milestones.pass(position))
@@ -452,7 +454,7 @@ private:
     const TakeModel& take;
     Milestones milestones;
     ResidueCollector residues;
-    std::map<std::string, std::string, std::less<>> parents;
+    ResidueTypes types;
     std::vector<int> columns; ///< of the loop
     std::size_t next = 0;     ///< column
     bool isOfAtoms = false;

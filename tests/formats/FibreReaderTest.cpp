@@ -21,13 +21,7 @@ const std::string FIRST = "% frame 0\n% time 0.5\n% start 0.5\n% id pos_x pos_y 
                           "% fiber f0:2\n 2 5 0 0\n 2 5 0 1\n 2 5 0 2\n% end\n\n";
 const std::string SECOND = "% frame 7\n% fiber f0:1\n 1 1 0 0\n 1 0 0 1\n% end\n";
 
-Reading read(const std::string& text)
-{
-    Reading reading;
-    const auto source = Source::ofBytes("here", text);
-    reading.configuration = readFibres(*source, {}, reading.report);
-    return reading;
-}
+Reading read(const std::string& text) { return readWith(readFibres, text); }
 
 std::unique_ptr<Series> open(const std::string& text, ReadReport& report)
 {

@@ -20,13 +20,7 @@ using testing::StartsWith;
 const std::string FIRST = "3\nstep 10\nC 0 0 0\nC 0 0 1.5 0.25\nN -1 2 2e0\n";
 const std::string SECOND = "2\n\nC 0 0 0\nC 4 0 0\n";
 
-Reading read(const std::string& text)
-{
-    Reading reading;
-    const auto source = Source::ofBytes("here", text);
-    reading.configuration = readXyz(*source, {}, reading.report);
-    return reading;
-}
+Reading read(const std::string& text) { return readWith(readXyz, text); }
 
 std::unique_ptr<Series> open(const std::string& text, ReadReport& report)
 {

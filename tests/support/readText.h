@@ -37,6 +37,17 @@ inline Reading readWith(TextReader reader, const std::string& text, const std::s
     return reading;
 }
 
+/// By a reader that is given a source.
+using SourceReader = std::optional<Configuration> (*)(Source& source, const ReadOptions& options,
+                                                      ReadReport& report);
+
+inline Reading readWith(SourceReader reader, const std::string& text)
+{
+    Reading reading;
+    reading.configuration = reader(*Source::ofBytes("here", text), {}, reading.report);
+    return reading;
+}
+
 /// A table as a text.
 inline std::optional<Configuration> readTableText(std::string_view text,
                                                   const std::string& fileName,
