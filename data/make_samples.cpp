@@ -8,6 +8,7 @@
 #include <string>
 
 #include "samples.h"
+#include "writers.h"
 
 using namespace strandview;
 
@@ -16,17 +17,7 @@ namespace {
 using Vector = algebra3d::Vector3<double>;
 using Quaternion = algebra3d::Quaternion<double>;
 
-/// With so many digits after the point, without the zeros at the end.
-std::string written(double value, int digits)
-{
-    char text[64];
-    std::snprintf(text, sizeof text, "%.*f", digits, value);
-    std::string number = text;
-    number.erase(number.find_last_not_of('0') + 1);
-    if (number.back() == '.')
-        number.pop_back();
-    return number == "-0" ? "0" : number;
-}
+using samples::written;
 
 /// Ten digits after the point, which is where two machines' mathematics may begin to
 /// differ.
@@ -143,7 +134,8 @@ void writeMinicircle(std::ostream& out, const Configuration& configuration)
         out << '}';
     };
     const Dna& dna = configuration.dnas[0];
-    out << "{\"strandview\": 1,\n\"dna\": [{\"sequence\": \"" << dna.bases << '"';
+    out << "{\"strandview\": 1,\n\"dna\": [{\"closed\": true, \"molecule\": 1, \"sequence\": \""
+        << dna.bases << '"';
     strand("pairs", dna.pairPoints, dna.pairRotations);
     strand("strand1", dna.points1, dna.rotations1);
     strand("strand2", dna.points2, dna.rotations2);
@@ -155,7 +147,7 @@ void writeMinicircle(std::ostream& out, const Configuration& configuration)
     strand("strand2", birod.points2, birod.rotations2);
     out << "}],\n\"rods\": ";
     writeList(out, configuration.rods.size(), ",\n", [&](std::size_t r) {
-        out << '{';
+        out << "{\"closed\": true, \"backbone\": true, \"molecule\": 1,\n";
         writeShort(out, configuration.rods[r].points, configuration.rods[r].rotations);
         out << '}';
     });
@@ -238,5 +230,20 @@ int main(int argc, char** argv)
           [](std::ostream& out) { writeMinicircle(out, samples::minicircle()); });
     write("glyphs.json", [](std::ostream& out) { writeGlyphs(out, samples::glyphs()); });
     write("rods.json", [](std::ostream& out) { writeJson(out, samples::borromeanRings()); });
+    write("sticky_end.pdb",
+          [](std::ostream& out) { samples::writePdb(out, samples::stickyEnd()); });
+    write("hairpin.top",
+          [](std::ostream& out) { samples::writeOxdnaTopology(out, samples::hairpin()); });
+    write("hairpin.dat",
+          [](std::ostream& out) { samples::writeOxdnaConfiguration(out, samples::hairpin()); });
+    write("ring.par", [](std::ostream& out) {
+        samples::writeStepParameters(out, samples::minicircle().dnas[0]);
+    });
+    write("superhelix.bplist",
+          [](std::ostream& out) { samples::writePairFrames(out, samples::superhelix()); });
+    write("knot.vect", [](std::ostream& out) { samples::writeVect(out, samples::trefoil(), 4); });
+    write("pulled.xyz", [](std::ostream& out) { samples::writeXyz(out, samples::pulledHelix()); });
+    write("aster.txt", [](std::ostream& out) { samples::writeFibres(out, samples::aster()); });
+    samples::writeArchive((folder / "arm.npz").string(), samples::arm());
     return good ? 0 : 1;
 }

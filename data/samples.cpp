@@ -13,6 +13,8 @@
 #include <gsl/gsl_sf_ellint.h>
 #include <gsl/gsl_sf_elljac.h>
 
+#include <strandview/analysis/doubleStrands.h>
+
 namespace strandview::samples {
 namespace {
 
@@ -288,13 +290,46 @@ Rod supercoil()
     return closedRod(curve, 2 * M_PI, 400, -2);
 }
 
-// The strains u1, u2 (bending) and u3 (twist) about d1, d2, d3 are random
-// trigonometric sums; the frame and the centreline follow by integration.
+namespace {
+
+/// A rod of so many points from the origin on, along the z axis there. Its strains, u1 and u2
+/// (bending) and u3 (twist) about d1, d2 and d3, are those of the function at each arc length; the
+/// frame and the centreline follow by integration.
+template <typename Strain>
+Rod integrated(const Strain& strainAt, double length, int count)
+{
+    constexpr int pieces = 64;
+    Vector point, d1(1, 0, 0), d2(0, 1, 0), d3(0, 0, 1);
+    Rod rod;
+    const double step = length / (count - 1) / pieces;
+    for (int i = 0; i < count; ++i) {
+        const double s = length * i / (count - 1);
+        addPoint(rod, point, d2, d3);
+        // Every piece turns the frame about the fixed axis of its middle.
+        for (int piece = 0; piece < pieces; ++piece) {
+            const Vector v = strainAt(s + (piece + 0.5) * step);
+            const Vector axis = (d1 * v.x + d2 * v.y + d3 * v.z).getUnit();
+            const auto turned = [&axis](const Vector& w, double angle) {
+                return algebra3d::rotated(w, algebra3d::about(axis, angle));
+            };
+            const double angle = v.getNorm() * step;
+            point += turned(d3, angle / 2) * step;
+            d1 = turned(d1, angle);
+            d2 = turned(d2, angle);
+            d3 = turned(d3, angle);
+        }
+    }
+    return rod;
+}
+
+} // namespace
+
+// The strains are random trigonometric sums.
 Rod randomRod()
 {
     constexpr unsigned seed = 17;
     constexpr double length = 30, bending = 4, twisting = 2;
-    constexpr int modes = 6, count = 301, pieces = 64;
+    constexpr int modes = 6, count = 301;
 
     // Equal on every standard library: the engine is fixed by the C++ standard,
     // its distributions are not. In [-1, 1).
@@ -320,32 +355,79 @@ Rod randomRod()
         return u;
     };
 
-    Vector point, d1(1, 0, 0), d2(0, 1, 0), d3(0, 0, 1);
-    Rod rod;
+    Rod rod = integrated(strainAt, length, count);
     rod.scalars = {{"arclength", {}}, {"curvature", {}}, {"twist", {}}};
-    const double step = length / (count - 1) / pieces;
     for (int i = 0; i < count; ++i) {
         const double s = length * i / (count - 1);
         const Vector u = strainAt(s);
-        addPoint(rod, point, d2, d3);
         rod.scalars[0].values.push_back(s);
         rod.scalars[1].values.push_back(std::hypot(u.x, u.y));
         rod.scalars[2].values.push_back(u.z);
-        // Every piece turns the frame about the fixed axis of its middle.
-        for (int piece = 0; piece < pieces; ++piece) {
-            const Vector v = strainAt(s + (piece + 0.5) * step);
-            const Vector axis = (d1 * v.x + d2 * v.y + d3 * v.z).getUnit();
-            const auto turned = [&axis](const Vector& w, double angle) {
-                return algebra3d::rotated(w, algebra3d::about(axis, angle));
-            };
-            const double angle = v.getNorm() * step;
-            point += turned(d3, angle / 2) * step;
-            d1 = turned(d1, angle);
-            d2 = turned(d2, angle);
-            d3 = turned(d3, angle);
-        }
     }
     return rod;
+}
+
+// Curled up to its tip, and then less and less.
+std::vector<Rod> arm()
+{
+    constexpr double length = 1;
+    constexpr int frames = 5, elements = 30;
+    std::vector<Rod> all;
+    for (int frame = 0; frame < frames; ++frame) {
+        const double share = 1 - double(frame) / frames;
+        const auto strainAt = [share](double s) { return Vector(share * (2 + 14 * s), 0, 3); };
+        const Rod fine = integrated(strainAt, length, 2 * elements + 1);
+        Rod& rod = all.emplace_back();
+        for (int i = 0; i <= elements; ++i) {
+            rod.points.push_back(fine.points[2 * i]);
+            if (i < elements)
+                rod.rotations.push_back(fine.rotations[2 * i + 1]);
+        }
+    }
+    return all;
+}
+
+// An alpha helix has 3.6 residues a turn and a rise of 1.5 each (L. Pauling, R. B. Corey,
+// H. R. Branson, The structure of proteins, Proc. Natl. Acad. Sci. USA 37, 1951, 205-211).
+std::vector<Rod> pulledHelix()
+{
+    constexpr int frames = 4, residues = 30;
+    constexpr double bond = 3.8, turn = 2 * M_PI / 3.6;
+    std::vector<Rod> all;
+    for (int frame = 0; frame < frames; ++frame) {
+        const double rise = 1.5 + 0.5 * frame;
+        const double radius = std::sqrt(bond * bond - rise * rise) / (2 * std::sin(turn / 2));
+        Rod& rod = all.emplace_back();
+        for (int i = 0; i < residues; ++i)
+            rod.points.emplace_back(rise * i, radius * std::cos(turn * i),
+                                    radius * std::sin(turn * i));
+    }
+    return all;
+}
+
+// Each fibre is an arc of a circle that begins near the origin. They grow at their tips.
+std::vector<std::vector<Rod>> aster()
+{
+    constexpr int frames = 3, fibres = 7;
+    constexpr double spacing = 0.25;
+    std::vector<std::vector<Rod>> all;
+    for (int frame = 0; frame < frames; ++frame) {
+        std::vector<Rod>& rods = all.emplace_back(fibres);
+        for (int k = 0; k < fibres; ++k) {
+            const double place = 2 * M_PI * k / fibres, curvature = 0.4 * std::cos(3 * k);
+            const double lift = 0.3 * std::sin(5 * k);
+            const Vector outwards(std::cos(place), std::sin(place), 0);
+            const Vector across(-outwards.y, outwards.x, 0);
+            for (int i = 0; i < 8 + k % 3 + 2 * frame; ++i) {
+                const double s = spacing * i, angle = curvature * s / 2;
+                const double chord = i == 0 ? 0 : std::sin(angle) / (curvature / 2);
+                rods[k].points.push_back(outwards * (0.3 + chord * std::cos(angle)) +
+                                         across * (chord * std::sin(angle)) +
+                                         Vector(0, 0, lift * s));
+            }
+        }
+    }
+    return all;
 }
 
 namespace {
@@ -463,19 +545,32 @@ Configuration minicircle()
 
     Configuration configuration;
     Dna& dna = configuration.dnas.emplace_back();
+    dna.isClosed = true;
+    dna.molecule = 1;
     std::vector<Rod>& backbones = configuration.rods;
     Birod& birod = configuration.birods.emplace_back();
     backbones.resize(2);
+    for (Rod& backbone : backbones) {
+        backbone.isClosed = backbone.isBackbone = true;
+        backbone.molecule = 1;
+    }
     for (int i = 0; i <= count; ++i) {
-        const int row = i % count; // the ends are one place
-        const Pair pair =
-            pairOnCircle(radius, 2 * M_PI * row / count, 2 * M_PI * link * row / count);
+        const auto pairInRow = [&](int row) { // the ends are one place
+            return pairOnCircle(radius, 2 * M_PI * (row % count) / count,
+                                2 * M_PI * link * (row % count) / count);
+        };
+        const Pair pair = pairInRow(i);
         if (i < count)
             addPair(dna, DODECAMER[i % 12], pair, 0);
+        // From its 5' end on, strand 2 runs against the pairs.
         for (int strand = 0; strand < 2; ++strand) {
-            const Vector point = pair.at(phosphorusX, strand == 0 ? phosphorusY : -phosphorusY);
-            const Vector outwards = point - pair.middle;
-            const Vector d3 = (pair.d3 + (bending + pair.d3 * twisting).cross(outwards)).getUnit();
+            const bool isFirst = strand == 0;
+            const Pair place = isFirst ? pair : pairInRow(count - i);
+            const Vector point = place.at(phosphorusX, isFirst ? phosphorusY : -phosphorusY);
+            const Vector outwards = point - place.middle;
+            const Vector along =
+                (place.d3 + (bending + place.d3 * twisting).cross(outwards)).getUnit();
+            const Vector d3 = isFirst ? along : along * -1.0;
             addPoint(backbones[strand], point, (outwards - d3 * outwards.dot(d3)).getUnit(), d3);
         }
         addPoint(birod.points, birod.rotations, pair.middle, pair.d2, pair.d3);
@@ -483,6 +578,96 @@ Configuration minicircle()
         addPoint(birod.points2, birod.rotations2, pair.at(baseX, -baseY), pair.d2, pair.d3);
     }
     return configuration;
+}
+
+// The path of DNA in the nucleosome is a left-handed superhelix of radius 41.9 and pitch 25.9,
+// with 1.67 turns of 133.6 pairs (T. J. Richmond, C. A. Davey, The structure of DNA in the
+// nucleosome core, Nature 423, 2003, 145-150); its DNA has 10.2 pairs a turn.
+Dna superhelix()
+{
+    constexpr int count = 134;
+    constexpr double radius = 41.9, pitch = 25.9, pairsPerTurn = 10.2;
+    const double length = 2 * M_PI * std::hypot(radius, pitch / (2 * M_PI)); // of a turn
+    Dna dna;
+    for (int i = 0; i < count; ++i) {
+        const double place = 2 * M_PI * RISE * i / length;
+        const Vector outwards(std::cos(place), -std::sin(place), 0);
+        const Vector around(-std::sin(place), -std::cos(place), 0);
+        const Vector tangent = around * (2 * M_PI * radius / length) + Vector(0, 0, pitch / length);
+        const Vector middle = outwards * radius + Vector(0, 0, pitch * place / (2 * M_PI));
+        addPair(dna, UNKNOWN_BASE, pairAt(middle, tangent, outwards, 2 * M_PI * i / pairsPerTurn),
+                0);
+    }
+    return dna;
+}
+
+namespace {
+
+/// Adds a nucleotide to the strand of the last one, or to the next strand.
+void addNucleotide(std::vector<Nucleotide>& all, char base, const BaseFrame& frame, bool isFirst)
+{
+    Nucleotide one;
+    one.base = base;
+    one.frame = frame;
+    if (!all.empty()) {
+        one.strand = all.back().strand + (isFirst ? 1 : 0);
+        if (!isFirst) {
+            one.previous = all.size() - 1;
+            all.back().next = all.size();
+        }
+    }
+    all.push_back(one);
+}
+
+/// Of strand 1 of a straight B-DNA along the z axis, ten pairs a turn.
+BaseFrame frameInStack(int index)
+{
+    const Vector up(0, 0, 1);
+    return {up * (RISE * index), algebra3d::about(up, 2 * M_PI * index / 10)};
+}
+
+} // namespace
+
+std::vector<Nucleotide> stickyEnd()
+{
+    std::vector<Nucleotide> all;
+    const std::string letters = std::string(DODECAMER) + "TT";
+    for (int i = 0; i < int(letters.size()); ++i)
+        addNucleotide(all, letters[i], frameInStack(i), i == 0);
+    for (int i = 11; i >= 0; --i)
+        addNucleotide(all, complementOf(DODECAMER[i]), turnedOver(frameInStack(i)), i == 11);
+    return all;
+}
+
+// Backbones of oxDNA are a unit of 8.518 off the axis. The loop's go on between those of the last
+// pair, on a circle about a place above it, with the same distance from one to the next.
+std::vector<Nucleotide> hairpin()
+{
+    constexpr char stem[] = "GCATCGAGTCAC";
+    constexpr int pairs = 12, loop = 6;
+    constexpr double unit = 8.518, radius = 1.21 * unit;
+    const double height = std::sqrt(radius * radius - unit * unit);
+    const double opening = std::asin(unit / radius); // half of the angle that the circle leaves out
+    const BaseFrame last = frameInStack(pairs - 1);
+    const Vector up(0, 0, 1), side = algebra3d::rotated(Vector(0, 1, 0), last.rotation);
+
+    std::vector<Nucleotide> all;
+    for (int i = 0; i < pairs; ++i)
+        addNucleotide(all, stem[i], frameInStack(i), i == 0);
+    for (int i = 1; i <= loop; ++i) {
+        // From the bottom of the circle round over its top.
+        const double angle = opening + (2 * M_PI - 2 * opening) * i / (loop + 1);
+        const Vector outwards = side * std::sin(angle) - up * std::cos(angle);
+        const Vector along = side * std::cos(angle) + up * std::sin(angle);
+        const Vector base = last.point + up * height + outwards * (radius + unit);
+        const Vector d2 = outwards * -1.0;
+        addNucleotide(
+            all, 'T',
+            {base, algebra3d::Matrix3<double>(d2.cross(along), d2, along).getQuaternion()}, false);
+    }
+    for (int i = pairs - 1; i >= 0; --i)
+        addNucleotide(all, complementOf(stem[i]), turnedOver(frameInStack(i)), false);
+    return all;
 }
 
 // A clock of markers, arrows to every second of them, and frames along the z axis.

@@ -53,9 +53,11 @@ TEST_P(SamplePicturesTest, LooksAsExpected)
 }
 
 INSTANTIATE_TEST_SUITE_P(, SamplePicturesTest,
-                         testing::Values("dna.txt", "dna_bent.txt", "elastica.txt", "glyphs.json",
-                                         "helix.txt", "minicircle.json", "random.txt", "rods.json",
-                                         "supercoil.txt", "trefoil.txt"),
+                         testing::Values("arm.npz", "aster.txt", "dna.txt", "dna_bent.txt",
+                                         "elastica.txt", "glyphs.json", "hairpin.dat", "helix.txt",
+                                         "knot.vect", "minicircle.json", "pulled.xyz", "random.txt",
+                                         "ring.par", "rods.json", "sticky_end.pdb", "supercoil.txt",
+                                         "superhelix.bplist", "trefoil.txt"),
                          [](const auto& test) {
                              const std::string file = test.param;
                              return file.substr(0, file.find('.'));

@@ -202,6 +202,8 @@ TEST(Samples, AreWhatTheirGeneratorWrites)
     for (const auto& entry : std::filesystem::directory_iterator(folder)) {
         SCOPED_TRACE(entry.path().filename());
         ++files;
+        if (entry.path().extension() == ".npz") // binary: SamplesOfOthersTest.cpp
+            continue;
         const auto made = cutAtNumbers(contentOf(entry.path()));
         const auto kept = cutAtNumbers(
             contentOf(std::filesystem::path(SAMPLES_FOLDER) / entry.path().filename()));
@@ -215,7 +217,7 @@ TEST(Samples, AreWhatTheirGeneratorWrites)
                 ASSERT_EQ(made[i], kept[i]);
         }
     }
-    EXPECT_EQ(files, 10);
+    EXPECT_EQ(files, 19);
     std::filesystem::remove_all(folder);
 }
 
@@ -709,14 +711,27 @@ TEST(MinicircleSample, IsAClosedCircleOfEightyFourPairs)
     EXPECT_NEAR(turns, 8, 1e-5); // and a plane circle has no writhe
 }
 
-TEST(MinicircleSample, HasTwoClosedBackbonesLinkedEightTimes)
+TEST(MinicircleSample, IsOneMoleculeOfAClosedDnaAndItsBackbones)
+{
+    const Configuration configuration = readAll("minicircle.json");
+    ASSERT_EQ(configuration.dnas.size(), 1u);
+    EXPECT_TRUE(configuration.dnas[0].isClosed);
+    EXPECT_EQ(configuration.dnas[0].molecule, 1u);
+    ASSERT_EQ(configuration.rods.size(), 2u);
+    for (const Rod& rod : configuration.rods) {
+        EXPECT_TRUE(rod.isClosed && rod.isBackbone);
+        EXPECT_EQ(rod.molecule, 1u);
+    }
+}
+
+TEST(MinicircleSample, HasTwoClosedBackbonesLinkedEightTimesOneAgainstTheOther)
 {
     const Configuration configuration = readAll("minicircle.json");
     const std::vector<Rod>& rods = configuration.rods;
     ASSERT_EQ(rods.size(), 2u);
     ASSERT_EQ(configuration.dnas.size(), 1u);
     const Dna& dna = configuration.dnas[0];
-    EXPECT_NEAR(link(rods[0], rods[1]), 8, 1e-6);
+    EXPECT_NEAR(link(rods[0], rods[1]), -8, 1e-6);
     for (int strand = 0; strand < 2; ++strand) {
         const Rod& rod = rods[strand];
         ASSERT_EQ(rod.points.size(), 85u);
@@ -725,15 +740,16 @@ TEST(MinicircleSample, HasTwoClosedBackbonesLinkedEightTimes)
             EXPECT_LT((director(rod, 84, column) - director(rod, 0, column)).getNorm(), 1e-9);
         const Vector phosphorus(-3, strand == 0 ? 8.9 : -8.9, 0);
         for (std::size_t i = 0; i < 84; ++i) {
-            const Vector expected = placed(phosphorus, dna.pairPoints[i], dna.pairRotations[i]);
+            const std::size_t pair = strand == 0 ? i : (84 - i) % 84;
+            const Vector& middle = dna.pairPoints[pair];
+            const Vector expected = placed(phosphorus, middle, dna.pairRotations[pair]);
             EXPECT_LT((rod.points[i] - expected).getNorm(), 3e-4) << i;
             EXPECT_NEAR(rod.rotations[i].getNorm(), 1, 1e-7) << i;
             // A step turns by 34 degrees, h = 0.6: the difference errs by h^4 / 30 = 0.004.
             const auto at = [&](std::size_t j) { return rod.points[(i + j) % 84]; };
             const Vector tangent = ((at(1) - at(83)) * 8.0 - (at(2) - at(82))).getUnit();
             EXPECT_LT((tangent - director(rod, i, 2)).getNorm(), 0.005) << i;
-            EXPECT_GT(director(rod, i, 1).dot((rod.points[i] - dna.pairPoints[i]).getUnit()), 0.9)
-                << i;
+            EXPECT_GT(director(rod, i, 1).dot((rod.points[i] - middle).getUnit()), 0.9) << i;
         }
     }
 }
