@@ -96,6 +96,15 @@ std::string commandsOf(const CodeBlock& block)
     return commands;
 }
 
+// Of a block with prompts the lines that are no commands.
+std::string answersOf(const CodeBlock& block)
+{
+    std::string answers;
+    for (const std::string& line : block.lines)
+        answers += line.rfind("$ ", 0) == 0 ? "" : line + "\n";
+    return answers;
+}
+
 // The files that the commands say they write; not those of loops.
 std::vector<std::string> picturesOf(const std::string& commands)
 {
@@ -127,7 +136,11 @@ TEST_P(DocsCommandsTest, DoAsTheyAreWritten)
     EXPECT_EQ(run.status, 0) << run.error;
     for (const std::string& picture : picturesOf(commands))
         EXPECT_TRUE(fs::exists(desk.place(picture))) << picture;
-    const int written = countIn(commands, std::regex("--(render|export|info) "));
+    const int told = countIn(commands, std::regex("--info "));
+    if (told == started && commands != GetParam().text()) {
+        EXPECT_EQ(run.output, answersOf(GetParam()));
+    }
+    const int written = countIn(commands, std::regex("--(render|export) ")) + told;
     for (int window = 1; window <= started - written; ++window)
         EXPECT_TRUE(fs::exists(desk.place("window" + std::to_string(window) + ".png")));
 }

@@ -2,8 +2,10 @@
 // What the pages show is true: code is compiled, files are read, commands are there or run
 // (tests/gui/DocsCommandsTest.cpp), and whatever is named exists.
 #include <algorithm>
+#include <cctype>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <regex>
 #include <set>
 #include <string>
@@ -11,6 +13,8 @@
 
 #include <gmock/gmock.h>
 
+#include <strandview/formats/Source.h>
+#include <strandview/formats/formats.h>
 #include <strandview/formats/readFile.h>
 
 #include "support/codeBlocks.h"
@@ -108,7 +112,7 @@ TEST(Docs, CodeIsAnExcerptOfAHostThatIsCompiled)
 {
     const std::vector<fs::path> hosts = filesBelow(PROJECT / "examples", ".cpp");
     const std::string list =
-        CodeBlock{"", "", readLines(PROJECT / "examples/CMakeLists.txt")}.text();
+        CodeBlock{"", "", "", "", readLines(PROJECT / "examples/CMakeLists.txt")}.text();
     for (const fs::path& host : hosts)
         EXPECT_THAT(list, testing::HasSubstr(host.stem().string())) << "is not compiled";
     for (const CodeBlock& block : blocksIn("cpp"))
@@ -128,6 +132,132 @@ TEST(Docs, FilesThatAreShownAreReadWithoutAFault)
         EXPECT_EQ(faultOf(block, ".json"), "") << block.place;
     for (const CodeBlock& block : blocksIn(""))
         EXPECT_EQ(faultOf(block, ".txt"), "") << block.place;
+}
+
+const std::string GUIDE_TO_DATA = "docs/files.md";
+
+// As the heading in the guide: "JSON: `.json`".
+std::string headingOf(const strandview::Format& format)
+{
+    std::string heading = format.name + ":";
+    for (const std::string& ending : format.endings)
+        heading += " `" + ending + "`";
+    return heading;
+}
+
+// The format that a file turns out to be of, if it can be read.
+const strandview::Format* formatOfReadable(const fs::path& file)
+{
+    strandview::ReadReport report;
+    EXPECT_TRUE(strandview::readFile(file.string(), {}, report)) << report.error;
+    const auto source = strandview::Source::open(file.string(), report);
+    return source ? strandview::formatOf(*source, {}, report) : nullptr;
+}
+
+// The blocks of a section of the guide that are no commands, as files in a new folder: under their
+// own names, or with the first ending of the format.
+std::vector<fs::path> writeExamples(const strandview::Format& format, const fs::path& folder)
+{
+    std::vector<fs::path> files;
+    for (const CodeBlock& block : codeBlocksOf(PROJECT)) {
+        const bool isOfGuide = block.place.rfind(GUIDE_TO_DATA, 0) == 0;
+        if (!isOfGuide || block.section != headingOf(format) || block.language == "sh")
+            continue;
+        const std::string name = "example" + std::to_string(files.size()) + format.endings[0];
+        files.push_back(folder / (block.file.empty() ? name : block.file));
+        std::ofstream(files.back()) << block.text();
+    }
+    return files;
+}
+
+TEST(Docs, TheExamplesOfAFormatAreReadAsThatFormat)
+{
+    for (const strandview::Format& format : strandview::formats()) {
+        SCOPED_TRACE(format.name);
+        const fs::path folder = fs::path(testing::TempDir()) / "strandview_examples";
+        fs::remove_all(folder);
+        fs::create_directory(folder);
+        const std::vector<fs::path> files = writeExamples(format, folder);
+        EXPECT_TRUE(!files.empty() || format.name == "NumPy") << "which is no text";
+        for (const fs::path& file : files)
+            EXPECT_EQ(formatOfReadable(file), &format) << file;
+        fs::remove_all(folder);
+    }
+}
+
+// The names of the pictures in each section of a page: "helix".
+std::map<std::string, std::set<std::string>> picturesOf(const fs::path& page)
+{
+    static const std::regex picture("\\]\\(pictures/([^)]+)\\.png\\)");
+    std::map<std::string, std::set<std::string>> pictures;
+    std::string section;
+    for (const std::string& line : readLines(page)) {
+        std::smatch match;
+        if (line.rfind("## ", 0) == 0)
+            section = line.substr(3);
+        else if (std::regex_search(line, match, picture))
+            pictures[section].insert(match[1]);
+    }
+    return pictures;
+}
+
+TEST(Docs, AFormatHasThePictureOfASampleOfThatFormat)
+{
+    const auto pictures = picturesOf(PROJECT / GUIDE_TO_DATA);
+    for (const strandview::Format& format : strandview::formats()) {
+        SCOPED_TRACE(format.name);
+        const auto section = pictures.find(headingOf(format));
+        ASSERT_NE(section, pictures.end()) << "has no picture";
+        std::size_t samples = 0;
+        for (const fs::directory_entry& entry : fs::directory_iterator(PROJECT / "data")) {
+            const bool isShown = section->second.count(entry.path().stem().string()) == 1;
+            samples += isShown && formatOfReadable(entry.path()) == &format;
+        }
+        EXPECT_GE(samples, section->second.size());
+    }
+}
+
+// As web pages make it of a heading: "tables-txt-dat" of "Tables: `.txt` `.dat`".
+std::string anchorOf(const std::string& heading)
+{
+    std::string anchor;
+    for (const char c : heading) {
+        if (c == ' ' || c == '-')
+            anchor += '-';
+        else if (std::isalnum(static_cast<unsigned char>(c)) || c == '_')
+            anchor += char(std::tolower(static_cast<unsigned char>(c)));
+    }
+    return anchor;
+}
+
+std::set<std::string> anchorsOf(const fs::path& page)
+{
+    static const std::regex heading("^#+ (.*)$");
+    std::set<std::string> anchors;
+    for (const std::string& line : readLines(page)) {
+        std::smatch match;
+        if (std::regex_match(line, match, heading))
+            anchors.insert(anchorOf(match[1]));
+    }
+    return anchors;
+}
+
+TEST(Docs, LinksIntoPagesLeadToHeadings)
+{
+    static const std::regex link("\\]\\(([a-z/.]*)#([^)]+)\\)");
+    std::size_t seen = 0;
+    for (const fs::path& page : pagesOf(PROJECT)) {
+        std::string text; // links may go on in the next line
+        for (const std::string& line : readLines(page))
+            text += line + "\n";
+        for (std::sregex_iterator at(text.begin(), text.end(), link), end; at != end; ++at) {
+            const std::string target = (*at)[1];
+            const fs::path led = target.empty() ? page : page.parent_path() / target;
+            EXPECT_EQ(anchorsOf(led).count((*at)[2]), 1u) << page << ": " << at->str();
+            ++seen;
+        }
+    }
+    EXPECT_GT(seen, 20u); // so that the test has read what it is about
 }
 
 TEST(Docs, CommandsOfTheProjectAreThere)

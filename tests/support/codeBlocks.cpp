@@ -13,19 +13,36 @@ bool startsWith(const std::string& line, const std::string& start)
     return line.compare(0, start.size(), start) == 0;
 }
 
+// "run.top" of "<!-- run.top -->"; empty for any other line.
+std::string commentIn(const std::string& line)
+{
+    const std::string begin = "<!-- ", end = " -->";
+    return startsWith(line, begin) && line.size() > begin.size() + end.size()
+               ? line.substr(begin.size(), line.size() - begin.size() - end.size())
+               : "";
+}
+
 void addBlocks(const fs::path& page, const std::string& name, std::vector<CodeBlock>& blocks)
 {
     bool inside = false;
     int number = 0;
+    std::string section, before;
     for (const std::string& line : readLines(page)) {
         ++number;
         if (startsWith(line, "```")) {
             inside = !inside;
             if (inside)
-                blocks.push_back({name + ":" + std::to_string(number), line.substr(3), {}});
+                blocks.push_back({name + ":" + std::to_string(number),
+                                  line.substr(3),
+                                  section,
+                                  commentIn(before),
+                                  {}});
         } else if (inside) {
             blocks.back().lines.push_back(line);
+        } else if (startsWith(line, "## ")) {
+            section = line.substr(3);
         }
+        before = line;
     }
 }
 

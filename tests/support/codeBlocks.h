@@ -14,6 +14,8 @@ struct CodeBlock
 {
     std::string place;    ///< "docs/scene.md:34"
     std::string language; ///< empty for what is shown as it is
+    std::string section;  ///< the heading above it, without "## "
+    std::string file;     ///< its name where a line above, "<!-- run.top -->", gives it
     Lines lines;
 
     /// The lines as a file.
