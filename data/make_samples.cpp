@@ -6,6 +6,7 @@
 #include <fstream>
 #include <iostream>
 #include <string>
+#include <utility>
 
 #include "samples.h"
 #include "writers.h"
@@ -189,27 +190,43 @@ void writeGlyphs(std::ostream& out, const Configuration& configuration)
     out << "}\n";
 }
 
-} // namespace
-
-int main(int argc, char** argv)
+/// The folder that the samples are written into.
+class Folder
 {
-    if (argc != 2) {
-        std::cerr << "usage: make_samples FOLDER\n";
-        return 2;
+public:
+    explicit Folder(std::filesystem::path path) : path(std::move(path)) {}
+
+    std::string place(const char* name) const { return (path / name).string(); }
+    bool isWritten() const { return good; }
+
+    void expect(bool isFileWritten, const char* name)
+    {
+        if (!isFileWritten)
+            std::cerr << "make_samples: cannot write " << place(name) << '\n';
+        good = good && isFileWritten;
     }
-    const std::filesystem::path folder = argv[1];
-    bool good = true;
-    const auto write = [&](const char* name, auto content) {
-        std::ofstream out(folder / name, std::ios::binary);
+
+    template <typename Content>
+    void write(const char* name, Content content)
+    {
+        std::ofstream out(path / name, std::ios::binary);
         content(out);
         out.close();
-        if (!out) {
-            std::cerr << "make_samples: cannot write " << (folder / name).string() << '\n';
-            good = false;
-        }
-    };
+        expect(bool(out), name);
+    }
+
+private:
+    std::filesystem::path path;
+    bool good = true;
+};
+
+void writeOwnFormats(Folder& folder)
+{
     const auto table = [&](const char* name, const char* comment, const Rod& rod) {
-        write(name, [&](std::ostream& out) { writeTable(out, comment, rod); });
+        folder.write(name, [&](std::ostream& out) { writeTable(out, comment, rod); });
+    };
+    const auto dnaTable = [&](const char* name, const char* comment, const Dna& dna) {
+        folder.write(name, [&](std::ostream& out) { writeDnaTable(out, comment, dna); });
     };
     table("helix.txt", "A circular helix with its Frenet frame.", samples::helix());
     table("elastica.txt", "Euler's elastica, three periods of an inflectional one.",
@@ -220,30 +237,40 @@ int main(int argc, char** argv)
     table("supercoil.txt", "A closed plectonemic supercoil, for tube radii up to 0.4.",
           samples::supercoil());
     table("random.txt", "A rod with smooth random curvatures and twist.", samples::randomRod());
-    write("dna.txt", [](std::ostream& out) {
-        writeDnaTable(out, "Straight B-DNA, ten pairs a turn.", samples::straightDna());
-    });
-    write("dna_bent.txt", [](std::ostream& out) {
-        writeDnaTable(out, "DNA bent to a quarter of a circle.", samples::bentDna());
-    });
-    write("minicircle.json",
-          [](std::ostream& out) { writeMinicircle(out, samples::minicircle()); });
-    write("glyphs.json", [](std::ostream& out) { writeGlyphs(out, samples::glyphs()); });
-    write("rods.json", [](std::ostream& out) { writeJson(out, samples::borromeanRings()); });
-    write("sticky_end.pdb",
-          [](std::ostream& out) { samples::writePdb(out, samples::stickyEnd()); });
-    write("hairpin.top",
-          [](std::ostream& out) { samples::writeOxdnaTopology(out, samples::hairpin()); });
-    write("hairpin.dat",
-          [](std::ostream& out) { samples::writeOxdnaConfiguration(out, samples::hairpin()); });
-    write("ring.par", [](std::ostream& out) {
-        samples::writeStepParameters(out, samples::minicircle().dnas[0]);
-    });
-    write("superhelix.bplist",
-          [](std::ostream& out) { samples::writePairFrames(out, samples::superhelix()); });
-    write("knot.vect", [](std::ostream& out) { samples::writeVect(out, samples::trefoil(), 4); });
-    write("pulled.xyz", [](std::ostream& out) { samples::writeXyz(out, samples::pulledHelix()); });
-    write("aster.txt", [](std::ostream& out) { samples::writeFibres(out, samples::aster()); });
-    samples::writeArchive((folder / "arm.npz").string(), samples::arm());
-    return good ? 0 : 1;
+    dnaTable("dna.txt", "Straight B-DNA, ten pairs a turn.", samples::straightDna());
+    dnaTable("dna_bent.txt", "DNA bent to a quarter of a circle.", samples::bentDna());
+    folder.write("minicircle.json",
+                 [](std::ostream& out) { writeMinicircle(out, samples::minicircle()); });
+    folder.write("glyphs.json", [](std::ostream& out) { writeGlyphs(out, samples::glyphs()); });
+    folder.write("rods.json", [](std::ostream& out) { writeJson(out, samples::borromeanRings()); });
+}
+
+void writeFormatsOfOthers(Folder& folder)
+{
+    using namespace samples;
+    folder.write("sticky_end.pdb", [](std::ostream& out) { writePdb(out, stickyEnd()); });
+    folder.write("hairpin.top", [](std::ostream& out) { writeOxdnaTopology(out, hairpin()); });
+    folder.write("hairpin.dat", [](std::ostream& out) { writeOxdnaConfiguration(out, hairpin()); });
+    folder.write("ring.par",
+                 [](std::ostream& out) { writeStepParameters(out, minicircle().dnas[0]); });
+    folder.write("superhelix.bplist",
+                 [](std::ostream& out) { writePairFrames(out, superhelix()); });
+    folder.write("knot.vect", [](std::ostream& out) { writeVect(out, trefoil(), 4); });
+    folder.write("pulled.xyz", [](std::ostream& out) { writeXyz(out, pulledHelix()); });
+    folder.write("aster.txt", [](std::ostream& out) { writeFibres(out, aster()); });
+    folder.expect(writeArchive(folder.place("arm.npz"), arm()), "arm.npz");
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    if (argc != 2) {
+        std::cerr << "usage: make_samples FOLDER\n";
+        return 2;
+    }
+    Folder folder(argv[1]);
+    writeOwnFormats(folder);
+    writeFormatsOfOthers(folder);
+    return folder.isWritten() ? 0 : 1;
 }

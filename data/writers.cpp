@@ -190,7 +190,7 @@ void add(zip_t* archive, const char* name, const std::string& bytes)
 
 } // namespace
 
-void writeArchive(const std::string& path, const std::vector<Rod>& frames)
+bool writeArchive(const std::string& path, const std::vector<Rod>& frames)
 {
     const std::string t = std::to_string(frames.size());
     const std::string n = std::to_string(frames[0].points.size());
@@ -210,12 +210,14 @@ void writeArchive(const std::string& path, const std::vector<Rod>& frames)
     }
     zip_t* const archive = zip_open(path.c_str(), ZIP_CREATE | ZIP_TRUNCATE, nullptr);
     if (!archive)
-        return;
+        return false;
     add(archive, "time.npy", times);
     add(archive, "center_line.npy", points);
     add(archive, "director_rod.npy", directors);
-    if (zip_close(archive) != 0)
+    const bool isWritten = zip_close(archive) == 0;
+    if (!isWritten)
         zip_discard(archive);
+    return isWritten;
 }
 
 } // namespace strandview::samples

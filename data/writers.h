@@ -38,8 +38,9 @@ void writeXyz(std::ostream& out, const std::vector<Rod>& frames);
 /// A report of fibres, a tenth of a second from frame to frame.
 void writeFibres(std::ostream& out, const std::vector<std::vector<Rod>>& frames);
 
-/// An archive of NumPy's arrays: `time`, `center_line`, and `director_rod` of elements.
-void writeArchive(const std::string& path, const std::vector<Rod>& frames);
+/// An archive of NumPy's arrays: `time`, `center_line`, and `director_rod` of elements. Whether it
+/// is written.
+bool writeArchive(const std::string& path, const std::vector<Rod>& frames);
 
 } // namespace strandview::samples
 
