@@ -532,47 +532,56 @@ Dna bentDna()
     return dna;
 }
 
-// The phosphorus atoms of B-DNA are near (-3, +-8.9) of their pairs' frames, the middles of
-// the bases near (-0.24, +-2.6).
+namespace {
+
+// The minicircle: the pairs round it, how often the strands are linked, and its axis.
+constexpr int CIRCLE_PAIRS = 84, CIRCLE_LINK = 8;
+constexpr double CIRCLE_RADIUS = RISE * CIRCLE_PAIRS / (2 * M_PI);
+
+/// Behind the last pair comes the first one again.
+Pair pairOfCircle(int index)
+{
+    const double turn = 2 * M_PI * (index % CIRCLE_PAIRS) / CIRCLE_PAIRS;
+    return pairOnCircle(CIRCLE_RADIUS, turn, CIRCLE_LINK * turn);
+}
+
+/// From its 5' end on; strand 2 runs against the pairs. The phosphorus atoms of B-DNA are near
+/// (-3, +-8.9) of their pairs' frames.
+Rod backboneOfCircle(bool isFirst)
+{
+    constexpr double phosphorusX = -3, phosphorusY = 8.9;
+    // How a vector of the pair turns on its way along the axis, per length.
+    const Vector bending = Vector(0, 0, 1) * (1 / CIRCLE_RADIUS);
+    constexpr double twisting = CIRCLE_LINK / CIRCLE_RADIUS;
+    Rod backbone;
+    backbone.isClosed = backbone.isBackbone = true;
+    backbone.molecule = 1;
+    for (int i = 0; i <= CIRCLE_PAIRS; ++i) {
+        const Pair pair = pairOfCircle(isFirst ? i : CIRCLE_PAIRS - i);
+        const Vector point = pair.at(phosphorusX, isFirst ? phosphorusY : -phosphorusY);
+        const Vector outwards = point - pair.middle;
+        const Vector along = (pair.d3 + (bending + pair.d3 * twisting).cross(outwards)).getUnit();
+        const Vector d3 = isFirst ? along : along * -1.0;
+        addPoint(backbone, point, (outwards - d3 * outwards.dot(d3)).getUnit(), d3);
+    }
+    return backbone;
+}
+
+} // namespace
+
 Configuration minicircle()
 {
-    constexpr int count = 84, link = 8;
-    constexpr double phosphorusX = -3, phosphorusY = 8.9, baseX = -0.24, baseY = 2.6;
-    const double radius = RISE * count / (2 * M_PI);
-    // How a vector of the pair turns on its way along the axis, per length.
-    const Vector bending = Vector(0, 0, 1) * (1 / radius);
-    constexpr double twisting = 2 * M_PI * link / (RISE * count);
-
+    constexpr double baseX = -0.24, baseY = 2.6; // the middles of the bases, near that
     Configuration configuration;
+    configuration.rods = {backboneOfCircle(true), backboneOfCircle(false)};
     Dna& dna = configuration.dnas.emplace_back();
     dna.isClosed = true;
     dna.molecule = 1;
-    std::vector<Rod>& backbones = configuration.rods;
     Birod& birod = configuration.birods.emplace_back();
-    backbones.resize(2);
-    for (Rod& backbone : backbones) {
-        backbone.isClosed = backbone.isBackbone = true;
-        backbone.molecule = 1;
-    }
-    for (int i = 0; i <= count; ++i) {
-        const auto pairInRow = [&](int row) { // the ends are one place
-            return pairOnCircle(radius, 2 * M_PI * (row % count) / count,
-                                2 * M_PI * link * (row % count) / count);
-        };
-        const Pair pair = pairInRow(i);
-        if (i < count)
+    for (int i = 0; i <= CIRCLE_PAIRS; ++i) {
+        const Pair pair = pairOfCircle(i);
+        if (i < CIRCLE_PAIRS)
             addPair(dna, DODECAMER[i % 12], pair, 0);
-        // From its 5' end on, strand 2 runs against the pairs.
-        for (int strand = 0; strand < 2; ++strand) {
-            const bool isFirst = strand == 0;
-            const Pair place = isFirst ? pair : pairInRow(count - i);
-            const Vector point = place.at(phosphorusX, isFirst ? phosphorusY : -phosphorusY);
-            const Vector outwards = point - place.middle;
-            const Vector along =
-                (place.d3 + (bending + place.d3 * twisting).cross(outwards)).getUnit();
-            const Vector d3 = isFirst ? along : along * -1.0;
-            addPoint(backbones[strand], point, (outwards - d3 * outwards.dot(d3)).getUnit(), d3);
-        }
         addPoint(birod.points, birod.rotations, pair.middle, pair.d2, pair.d3);
         addPoint(birod.points1, birod.rotations1, pair.at(baseX, baseY), pair.d2, pair.d3);
         addPoint(birod.points2, birod.rotations2, pair.at(baseX, -baseY), pair.d2, pair.d3);
