@@ -19,6 +19,7 @@ namespace {
 
 const int CELLS_ACROSS = 256; // of the viewport's larger side, so that reading costs most
 const int SMALLEST_CELL = 4;
+const double PIXELS_PER_DRAW = 2000; // that are drawn, though hidden, while another draw begins
 
 // Depths of 24 bits, and a few roundings of float on the way to them.
 const float DEPTH_TOLERANCE = 1e-6f;
@@ -75,19 +76,25 @@ void DepthGrid::Area::extend(const Area& other)
     top = std::max(top, other.top);
 }
 
-void DepthGrid::simplify(std::vector<Area>& areas)
+void DepthGrid::Areas::add(const Area& area)
 {
-    areas.erase(
-        std::remove_if(areas.begin(), areas.end(), [](const Area& area) { return area.isEmpty(); }),
-        areas.end());
-    Area all = nowhere();
-    double size = 0;
-    for (const Area& area : areas) {
-        all.extend(area);
-        size += area.getSize();
+    for (Piece& piece : pieces) {
+        Area both = piece.area;
+        both.extend(area);
+        if (both.getSize() <= piece.added + area.getSize() + PIXELS_PER_DRAW) {
+            piece = {both, std::min(piece.added + area.getSize(), both.getSize())};
+            return;
+        }
     }
-    if (areas.size() > 1 && all.getSize() <= size)
-        areas = {all};
+    pieces.push_back({area, area.getSize()});
+}
+
+double DepthGrid::Areas::getSize() const
+{
+    double size = 0;
+    for (const Piece& piece : pieces)
+        size += piece.added;
+    return size;
 }
 
 DepthGrid::DepthGrid(SoState* state)
@@ -188,35 +195,38 @@ DepthGrid::Disc DepthGrid::project(const SbVec3f& centre, double radius, const S
             float(depth)};
 }
 
-DepthGrid::Disc DepthGrid::project(const SbVec3f& middle, const SbVec3f halves[3]) const
+DepthGrid::Corner DepthGrid::project(const SbVec3f& point, const SbMatrix& matrix) const
 {
-    const SbMatrix& p = projection;
-    Disc disc = {0, 0, 0, 1};
-    double xs[8], ys[8];
-    for (int corner = 0; corner < 8; ++corner) {
-        SbVec3f eye = middle;
-        for (int i = 0; i < 3; ++i)
-            eye += corner & (1 << i) ? halves[i] : -halves[i];
-        const double w = double(eye[2]) * p[2][3] + p[3][3];
-        const double depth = (double(eye[2]) * p[2][2] + p[3][2]) / w / 2 + 0.5;
-        if (!(w > 0) || !(depth > 0))
-            return {0, 0, 0, 0};
-        xs[corner] = (double(eye[0]) * p[0][0] + double(eye[2]) * p[2][0] + p[3][0]) / w;
-        ys[corner] = (double(eye[1]) * p[1][1] + double(eye[2]) * p[2][1] + p[3][1]) / w;
-        xs[corner] = (xs[corner] + 1) * width / 2;
-        ys[corner] = (ys[corner] + 1) * height / 2;
-        disc.x += xs[corner] / 8;
-        disc.y += ys[corner] / 8;
-        disc.depth = std::min(disc.depth, float(depth));
+    const double rounding = 4 * double(std::numeric_limits<float>::epsilon());
+    double eye[3], errors[3];
+    for (int i = 0; i < 3; ++i) {
+        const double terms[] = {double(point[0]) * matrix[0][i], double(point[1]) * matrix[1][i],
+                                double(point[2]) * matrix[2][i], double(matrix[3][i])};
+        eye[i] = terms[0] + terms[1] + terms[2] + terms[3];
+        errors[i] = rounding * (std::abs(terms[0]) + std::abs(terms[1]) + std::abs(terms[2]) +
+                                std::abs(terms[3]));
     }
-    for (int corner = 0; corner < 8; ++corner)
-        disc.radius = std::max(disc.radius, std::hypot(xs[corner] - disc.x, ys[corner] - disc.y));
-    return disc;
+    const SbMatrix& p = projection;
+    const double w = eye[2] * p[2][3] + p[3][3];
+    const double x = (eye[0] * p[0][0] + eye[2] * p[2][0] + p[3][0]) / w;
+    const double y = (eye[1] * p[1][1] + eye[2] * p[2][1] + p[3][1]) / w;
+    const double depth = (eye[2] * p[2][2] + p[3][2]) / w / 2 + 0.5;
+    if (!(w > 0) || !(depth > 0))
+        return {0, 0, 0, 0};
+    const double across =
+        errors[0] * std::abs(p[0][0]) * width / 2 + errors[1] * std::abs(p[1][1]) * height / 2;
+    const double along = errors[2] *
+                         (std::abs(double(p[2][0]) - x * p[2][3]) * width +
+                          std::abs(double(p[2][1]) - y * p[2][3]) * height) /
+                         2;
+    return {(x + 1) * width / 2, (y + 1) * height / 2, (across + along) / w, float(depth)};
 }
 
 void DepthGrid::read()
 {
     ++reads;
+    // The rasteriser moves corners by parts of a pixel; a sample is anywhere in it.
+    tolerance = getInteger(GL_SAMPLES) > 0 ? 1 : 1.0 / 128;
     pixels.resize(std::size_t(width) * std::size_t(height), 1); // beyond a window's edge, too
     glPushClientAttrib(GL_CLIENT_PIXEL_STORE_BIT);
     glPixelStorei(GL_PACK_ALIGNMENT, 4);
@@ -242,71 +252,202 @@ void DepthGrid::read()
     }
 }
 
-// Within some of the cells.
-DepthGrid::Area DepthGrid::seen(const Disc& disc, const Area& cells) const
+// Calls visit(area) for what is seen in each row of cells until it says that it is enough.
+template <typename Visit>
+void DepthGrid::visitSeen(const Disc& disc, Visit visit) const
 {
-    if (!(disc.radius > 0) || !std::isfinite(disc.x + disc.y + disc.radius))
-        return {cells.left * cell, cells.bottom * cell, cells.right * cell, cells.top * cell};
+    if (!(disc.radius > 0) || !std::isfinite(disc.x + disc.y + disc.radius)) {
+        visit(Area{0, 0, columns * cell, rows * cell});
+        return;
+    }
     // One pixel more, for roundings.
     const double radius = disc.radius + 1;
     const auto cellOf = [this](double pixel, int last) {
         return int(std::clamp(std::floor(pixel / cell), -1.0, double(last)));
     };
-    const int bottom = std::max(cells.bottom, cellOf(disc.y - radius, rows));
-    const int top = std::min(cells.top - 1, cellOf(disc.y + radius, rows));
+    const int bottom = std::max(0, cellOf(disc.y - radius, rows));
+    const int top = std::min(rows - 1, cellOf(disc.y + radius, rows));
     const float depth = disc.depth - DEPTH_TOLERANCE;
-    Area area = nowhere();
-    for (int row = bottom; row <= top; ++row) {
+    bool enough = false;
+    for (int row = bottom; row <= top && !enough; ++row) {
         // The disc is widest where the row of cells is nearest to its middle.
         const double below = double(row) * cell;
         const double distance = std::clamp(disc.y, below, below + cell) - disc.y;
         const double half = std::sqrt(std::max(radius * radius - distance * distance, 0.0));
-        const int left = std::max(cells.left, cellOf(disc.x - half, columns));
-        const int right = std::min(cells.right - 1, cellOf(disc.x + half, columns));
-        if (left > right)
-            continue;
-        int first = left, last = right;
+        int first = std::max(0, cellOf(disc.x - half, columns));
+        int last = std::min(columns - 1, cellOf(disc.x + half, columns));
         if (!farthest.empty()) {
             const float* const depths = farthest.data() + std::size_t(row) * std::size_t(columns);
             while (first <= last && depths[first] < depth)
                 ++first;
             while (first <= last && depths[last] < depth)
                 --last;
-            if (first > last)
-                continue;
         }
-        area.extend({first * cell, row * cell, (last + 1) * cell, (row + 1) * cell});
+        if (first <= last)
+            enough = visit(Area{first * cell, row * cell, (last + 1) * cell, (row + 1) * cell});
     }
+}
+
+bool DepthGrid::shows(const Disc& disc) const
+{
+    bool shown = false;
+    visitSeen(disc, [&](const Area& area) { return shown = !area.isEmpty(); });
+    return shown;
+}
+
+DepthGrid::Area DepthGrid::seen(const Disc& disc) const
+{
+    Area area = nowhere();
+    visitSeen(disc, [&](const Area& inRow) {
+        area.extend(inRow);
+        return false;
+    });
     return area;
 }
 
-std::vector<DepthGrid::Area> DepthGrid::seenInParts(const Disc& disc) const
+namespace {
+
+// Twice the area of a triangle, positive where its corners go round counter-clockwise.
+double twiceArea(const DepthGrid::Corner& p, const DepthGrid::Corner& q, const DepthGrid::Corner& r)
 {
-    const Area all = seen(disc);
-    const Area cells = {all.left / cell, all.bottom / cell, (all.right + cell - 1) / cell,
-                        (all.top + cell - 1) / cell};
-    // Each of them is a draw.
-    const int parts = 4; // a side
-    if (std::min(cells.right - cells.left, cells.top - cells.bottom) < 2 * parts) {
-        std::vector<Area> areas = {all};
-        simplify(areas);
-        return areas;
+    return (q.x - p.x) * (r.y - p.y) - (q.y - p.y) * (r.x - p.x);
+}
+
+// Whether the corners go round one way all along: then its two triangles cover the quadrilateral.
+bool isConvex(const DepthGrid::Quad& quad)
+{
+    bool left = false, right = false;
+    for (std::size_t i = 0; i < 4; ++i) {
+        const double turn = twiceArea(quad[i], quad[(i + 1) % 4], quad[(i + 2) % 4]);
+        left = left || turn > 0;
+        right = right || turn < 0;
     }
-    std::vector<Area> areas;
-    for (int row = 0; row < parts; ++row) {
-        const int bottom = cells.bottom + (cells.top - cells.bottom) * row / parts;
-        const int top = cells.bottom + (cells.top - cells.bottom) * (row + 1) / parts;
-        std::vector<Area> inRow;
-        for (int column = 0; column < parts; ++column) {
-            const int left = cells.left + (cells.right - cells.left) * column / parts;
-            const int right = cells.left + (cells.right - cells.left) * (column + 1) / parts;
-            inRow.push_back(seen(disc, {left, bottom, right, top}));
+    return !left || !right;
+}
+
+} // namespace
+
+// The pixels of a convex quadrilateral, row by row: those between its edges on the left and its
+// edges on the right. Level edges are left to its bottom and top.
+struct DepthGrid::Outline
+{
+    struct Span
+    {
+        double left, right; // of the pixels' middles
+    };
+
+    Outline(const Quad& quad, double tolerance)
+    {
+        const bool turnsLeft =
+            twiceArea(quad[0], quad[1], quad[2]) + twiceArea(quad[0], quad[2], quad[3]) >= 0;
+        Line *left = lefts, *right = rights;
+        for (std::size_t i = 0; i < 4; ++i) {
+            const Corner &from = quad[i], &to = quad[(i + 1) % 4];
+            const double x = to.x - from.x, y = to.y - from.y;
+            if (std::abs(y) <= LEVEL * std::abs(x))
+                continue;
+            const double slope = x / y, room = tolerance * (1 + std::abs(slope));
+            if ((y < 0) == turnsLeft)
+                *left++ = {slope, from.x - slope * from.y - room};
+            else
+                *right++ = {slope, from.x - slope * from.y + room};
         }
-        simplify(inRow);
-        areas.insert(areas.end(), inRow.begin(), inRow.end());
     }
-    simplify(areas);
-    return areas;
+
+    // Of the rows of pixels whose middles are from bottom to top.
+    Span spanOf(double bottom, double top) const
+    {
+        Span span = {lefts[0].least(bottom, top), rights[0].most(bottom, top)};
+        for (int i = 1; i < MOST; ++i) {
+            span.left = std::max(span.left, lefts[i].least(bottom, top));
+            span.right = std::min(span.right, rights[i].most(bottom, top));
+        }
+        return span;
+    }
+
+private:
+    static constexpr double LEVEL = 1e-9;
+    static constexpr double FAR = 1e9;
+    static constexpr int MOST = 3; // edges on one side
+
+    struct Line
+    {
+        double slope, start; // at y = 0
+
+        double least(double bottom, double top) const
+        {
+            return std::min(slope * bottom, slope * top) + start;
+        }
+        double most(double bottom, double top) const
+        {
+            return std::max(slope * bottom, slope * top) + start;
+        }
+    };
+
+    // One more for those of no area, all of whose edges may be on one side.
+    Line lefts[MOST + 1] = {{0, -FAR}, {0, -FAR}, {0, -FAR}, {0, -FAR}};
+    Line rights[MOST + 1] = {{0, FAR}, {0, FAR}, {0, FAR}, {0, FAR}};
+};
+
+void DepthGrid::addSeen(const Quad& quad, Areas& areas) const
+{
+    if (isConvex(quad)) {
+        addSeenConvex(quad, areas);
+    } else {
+        addSeenConvex({quad[0], quad[1], quad[2], quad[2]}, areas);
+        addSeenConvex({quad[0], quad[2], quad[3], quad[3]}, areas);
+    }
+}
+
+// As if all of it were as near as its nearest corner.
+void DepthGrid::addSeenConvex(const Quad& quad, Areas& areas) const
+{
+    const auto& [a, b, c, d] = quad;
+    const double slack = std::max({a.slack, b.slack, c.slack, d.slack}) + tolerance;
+    const double bottom = std::min({a.y, b.y, c.y, d.y}) - slack;
+    const double top = std::max({a.y, b.y, c.y, d.y}) + slack;
+    const double left = std::min({a.x, b.x, c.x, d.x}) - slack;
+    const double right = std::max({a.x, b.x, c.x, d.x}) + slack;
+    const float nearest = std::min({a.depth, b.depth, c.depth, d.depth});
+    if (!(nearest > 0) || !std::isfinite(bottom + top + left + right) || farthest.empty()) {
+        areas.add({0, 0, columns * cell, rows * cell});
+        return;
+    }
+    if (right < 0 || left > width || top < 0 || bottom > height)
+        return;
+    const float depth = nearest - DEPTH_TOLERANCE;
+    const Outline outline(quad, slack);
+    const auto cellOf = [this](double pixel, int number) {
+        return int(std::clamp(std::floor(pixel / cell), 0.0, double(number - 1)));
+    };
+    const int lastRow = cellOf(top, rows);
+    for (int row = cellOf(bottom, rows); row <= lastRow; ++row) {
+        const Outline::Span span = outline.spanOf(row * cell + 0.5, (row + 1) * cell - 0.5);
+        const double from = std::max(span.left, left), to = std::min(span.right, right);
+        if (!(from <= to))
+            continue;
+        const int last = cellOf(to, columns);
+        const float* const depths = farthest.data() + std::size_t(row) * std::size_t(columns);
+        for (int column = cellOf(from, columns); column <= last; ++column) {
+            if (depths[column] >= depth && isSeenInCell(column, row, outline, depth))
+                areas.add({column * cell, row * cell, (column + 1) * cell, (row + 1) * cell});
+        }
+    }
+}
+
+bool DepthGrid::isSeenInCell(int column, int row, const Outline& outline, float depth) const
+{
+    const int left = column * cell, right = std::min(left + cell, width) - 1;
+    for (int y = row * cell; y < std::min((row + 1) * cell, height); ++y) {
+        const Outline::Span span = outline.spanOf(y + 0.5, y + 0.5);
+        const double from = std::ceil(std::max(span.left - 0.5, double(left)));
+        const double to = std::floor(std::min(span.right - 0.5, double(right)));
+        const float* const line = pixels.data() + std::size_t(y) * std::size_t(width);
+        if (from <= to && std::any_of(line + int(from), line + int(to) + 1,
+                                      [depth](float pixel) { return pixel >= depth; }))
+            return true;
+    }
+    return false;
 }
 
 void DepthGrid::enter(const Area& area)

@@ -2,6 +2,7 @@
 #ifndef STRANDVIEW_DRAWING_DEPTHGRID_H
 #define STRANDVIEW_DRAWING_DEPTHGRID_H
 
+#include <array>
 #include <vector>
 
 #include <Inventor/SbMatrix.h>
@@ -28,8 +29,34 @@ public:
     };
 
     static Area nowhere() { return {0, 0, 0, 0}; }
-    /// Removes those that are empty, and makes all of them one where that has hardly more pixels.
-    static void simplify(std::vector<Area>& areas);
+
+    /// A few areas about many.
+    class Areas
+    {
+    public:
+        /// One with another one where a draw more would cost more than what is between them.
+        void add(const Area& area);
+        void clear() { pieces.clear(); }
+        bool isEmpty() const { return pieces.empty(); }
+        /// Of those added.
+        double getSize() const;
+        /// Calls visit(area) for each that is left.
+        template <typename Visit>
+        void visit(Visit visit) const
+        {
+            for (const Piece& piece : pieces)
+                visit(piece.area);
+        }
+
+    private:
+        struct Piece
+        {
+            Area area;
+            double added; // pixels
+        };
+
+        std::vector<Piece> pieces;
+    };
 
     /// A ball in the viewport, and how near its nearest point is.
     struct Disc
@@ -37,6 +64,14 @@ public:
         double x, y, radius; ///< in pixels; a radius that is not positive: it may be anywhere
         float depth;         ///< of the depth buffer, 0 to 1
     };
+
+    /// A point in the viewport: in pixels, each right within `slack`, and of the depth buffer.
+    struct Corner
+    {
+        double x, y, slack;
+        float depth; ///< 0 to 1; if it is not positive the point may be anywhere
+    };
+    using Quad = std::array<Corner, 4>; ///< one after the other around it
 
     /// Under a traversal's matrices and view. Nothing is hidden before read().
     explicit DepthGrid(SoState* state);
@@ -59,9 +94,8 @@ public:
     /// `stretch`.
     Disc project(const SbVec3f& centre, double radius, const SbMatrix& matrix,
                  double stretch) const;
-    /// The disc of a box: its middle and half of each of its sides, as vectors, in the eye's
-    /// coordinates.
-    Disc project(const SbVec3f& middle, const SbVec3f halves[3]) const;
+    /// The corner at a point in coordinates that a matrix brings to the eye's.
+    Corner project(const SbVec3f& point, const SbMatrix& matrix) const;
     /// About how many pixels an area has that is within the ball of a disc.
     double pixelsOf(double area, double radius, const Disc& disc) const;
     /// The pixels of a length where a ball, in coordinates of the state's model matrix, is nearest;
@@ -76,17 +110,26 @@ public:
     int getReads() const { return reads; }
     /// Takes the depths as they are now.
     void read();
+    /// Whether a disc may be seen.
+    bool shows(const Disc& disc) const;
     /// The smallest area outside of which a disc cannot be seen.
-    Area seen(const Disc& disc) const { return seen(disc, {0, 0, columns, rows}); }
-    /// Several areas instead, where that leaves out more.
-    std::vector<Area> seenInParts(const Disc& disc) const;
+    Area seen(const Disc& disc) const;
+    /// Adds where a quadrilateral of two triangles is seen, told pixel by pixel: of many that end
+    /// where one in front of them ends, as the turns of a coil seen along itself do, no disc would
+    /// be hidden.
+    void addSeen(const Quad& quad, Areas& areas) const;
 
     /// Lets OpenGL draw in an area only, until leave().
     void enter(const Area& area);
     void leave();
 
 private:
-    Area seen(const Disc& disc, const Area& cells) const;
+    struct Outline;
+
+    template <typename Visit>
+    void visitSeen(const Disc& disc, Visit visit) const;
+    void addSeenConvex(const Quad& quad, Areas& areas) const;
+    bool isSeenInCell(int column, int row, const Outline& outline, float depth) const;
 
     SbMatrix toEye, projection;
     int origin[2] = {0, 0};
@@ -95,6 +138,7 @@ private:
     int cell = 1; // pixels per side of a cell
     int columns = 0, rows = 0;
     int reads = 0;
+    double tolerance = 0;        // about a pixel's middle, where it may be covered
     std::vector<float> farthest; // the largest depth in a cell; row by row, empty before read()
     std::vector<float> pixels;
 };

@@ -189,7 +189,7 @@ DnaDrawing::findSeen(const std::vector<Placement>& placements, const DepthGrid& 
         const GlyphDrawing::Ball& ball = glyphs.getBound(placement.glyph);
         const DepthGrid::Disc disc =
             grid.project(ball.centre, ball.radius, toEye, DepthGrid::stretchOf(toEye));
-        if (!grid.seen(disc).isEmpty()) {
+        if (grid.shows(disc)) {
             const double pixels = grid.pixelsOf(glyphs.getArea(placement.glyph), ball.radius, disc);
             seen.push_back({&placement, disc, -toEye[3][2], pixels});
         }
@@ -205,7 +205,8 @@ void DnaDrawing::drawNearestFirst(std::vector<InView<const Placement*>>& seen, D
         [this](const Placement* placement) {
             glyphs.drawGlyph(placement->glyph, placement->matrix);
         },
-        [&](const Placement* placement, const DepthGrid::Disc& /*disc*/) {
+        [&](const Placement* placement) {
             return glyphs.drawSeen(placement->glyph, placement->matrix, grid);
-        });
+        },
+        [] {});
 }

@@ -36,6 +36,7 @@ public:
     explicit operator bool() const { return name != 0; }
     /// Binds it, or none.
     void bind(GLenum target) const;
+    static void unbind(GLenum target) { GLBuffer().bind(target); }
 
     /// Replaces bytes from an offset on.
     void write(GLenum target, std::size_t offset, const void* data, std::size_t bytes) const;

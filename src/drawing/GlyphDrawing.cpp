@@ -85,30 +85,6 @@ bool hasRoomForMatrices()
     return depth + 2 <= room;
 }
 
-// Cuts a box into bricks that are as nearly cubes as its thinnest side allows, without more than
-// a few of them along a side.
-std::vector<SbVec3f> cutIntoBricks(const SbVec3f& middle, const SbVec3f& half, SbVec3f& halfBrick)
-{
-    const float longest = std::max({half[0], half[1], half[2]});
-    const float brick = std::max(std::min({half[0], half[1], half[2]}), longest / 8);
-    int numbers[3];
-    for (int i = 0; i < 3; ++i) {
-        numbers[i] = brick > 0 ? std::max(1, int(std::ceil(half[i] / brick))) : 1;
-        halfBrick[i] = half[i] / float(numbers[i]);
-    }
-    std::vector<SbVec3f> bricks;
-    for (int x = 0; x < numbers[0]; ++x) {
-        for (int y = 0; y < numbers[1]; ++y) {
-            for (int z = 0; z < numbers[2]; ++z) {
-                bricks.push_back(middle + SbVec3f(halfBrick[0] * float(2 * x + 1 - numbers[0]),
-                                                  halfBrick[1] * float(2 * y + 1 - numbers[1]),
-                                                  halfBrick[2] * float(2 * z + 1 - numbers[2])));
-            }
-        }
-    }
-    return bricks;
-}
-
 } // namespace
 
 bool isAllOrNothing(const SoSwitch* node)
@@ -238,7 +214,6 @@ struct GlyphDrawing::Compiler
         const auto count = std::int32_t(indices.size()) - firstIndex;
         parts.push_back({{SbVec3f(0, 0, 0), false, firstIndex, count},
                          {state.place, std::abs(radius)},
-                         {},
                          SbVec3f(0, 0, 0)});
     }
 
@@ -276,9 +251,7 @@ struct GlyphDrawing::Compiler
                            cube->depth.getValue() * 0.5f);
         batches.push_back({state.place, true, std::int32_t(vertices.size()), 24});
         const SbVec3f size(std::abs(half[0]), std::abs(half[1]), std::abs(half[2]));
-        SbVec3f halfBrick;
-        const std::vector<SbVec3f> bricks = cutIntoBricks(state.place, size, halfBrick);
-        parts.push_back({batches.back(), {state.place, size.length()}, bricks, halfBrick});
+        parts.push_back({batches.back(), {state.place, size.length()}, size});
         for (int face = 0; face < 6; ++face) {
             for (int corner : faces[face])
                 addVertex(state,
@@ -346,9 +319,7 @@ bool GlyphDrawing::Compiler::addQuads(const State& state, const SoIndexedFaceSet
     batches.push_back({state.place, true, first, std::int32_t(vertices.size()) - first});
     const SbVec3f half = box.getSize() * 0.5f;
     const SbVec3f middle = state.place + box.getCenter();
-    SbVec3f halfBrick;
-    const std::vector<SbVec3f> bricks = cutIntoBricks(middle, half, halfBrick);
-    parts.push_back({batches.back(), {middle, half.length()}, bricks, halfBrick});
+    parts.push_back({batches.back(), {middle, half.length()}, half});
     return true;
 }
 
@@ -413,10 +384,9 @@ void GlyphDrawing::measure(Glyph& glyph)
         const SbVec3f sides = part.half * 2;
         const double radius = part.bound.radius;
         glyph.area +=
-            part.bricks.empty()
-                ? M_PI * radius * radius
-                : double(sides[0] * sides[1] + sides[1] * sides[2] + sides[2] * sides[0]) *
-                      double(part.bricks.size()) / 2;
+            part.batch.quads
+                ? double(sides[0] * sides[1] + sides[1] * sides[2] + sides[2] * sides[0]) / 2
+                : M_PI * radius * radius;
     }
     glyph.bound = {glyph.parts.empty() ? SbVec3f(0, 0, 0) : box.getCenter(), 0};
     for (const Part& part : glyph.parts) {
@@ -503,34 +473,38 @@ void GlyphDrawing::drawGlyph(std::size_t index, const SbMatrix& place) const
     glPopMatrix();
 }
 
+void GlyphDrawing::addSeen(const Batch& quads, const SbMatrix& toEye, const DepthGrid& grid,
+                           DepthGrid::Areas& areas) const
+{
+    for (int i = quads.first; i < quads.first + quads.count; i += 4) {
+        DepthGrid::Quad quad;
+        for (std::size_t k = 0; k < 4; ++k)
+            quad[k] = grid.project(quads.translation + vertices[std::size_t(i) + k].point, toEye);
+        grid.addSeen(quad, areas);
+    }
+}
+
 double GlyphDrawing::drawSeen(std::size_t index, const SbMatrix& place, DepthGrid& grid) const
 {
     SbMatrix toEye = place;
     toEye.multRight(grid.getToEye());
     const double stretch = DepthGrid::stretchOf(toEye);
     double drawn = 0;
-    std::vector<DepthGrid::Area> areas;
+    DepthGrid::Areas areas;
     glPushMatrix();
     glMultMatrixf(place[0]);
     for (const Part& part : glyphs[index].parts) {
-        const Ball& bound = part.bound;
-        areas = {grid.seen(grid.project(bound.centre, bound.radius, toEye, stretch))};
-        if (!areas[0].isEmpty() && !part.bricks.empty()) {
-            areas.clear();
-            SbVec3f halves[3], middle;
-            for (int i = 0; i < 3; ++i)
-                halves[i] = SbVec3f(toEye[i]) * part.half[i];
-            for (const SbVec3f& brick : part.bricks) {
-                toEye.multVecMatrix(brick, middle);
-                areas.push_back(grid.seen(grid.project(middle, halves)));
-            }
-        }
-        DepthGrid::simplify(areas);
-        for (const DepthGrid::Area& area : areas) {
+        areas.clear();
+        if (part.batch.quads)
+            addSeen(part.batch, toEye, grid, areas);
+        else
+            areas.add(
+                grid.seen(grid.project(part.bound.centre, part.bound.radius, toEye, stretch)));
+        areas.visit([&](const DepthGrid::Area& area) {
             grid.enter(area);
             drawBatch(part.batch);
             drawn += area.getSize();
-        }
+        });
     }
     glPopMatrix();
     return drawn;

@@ -69,7 +69,7 @@ public:
     const Ball& getBound(std::size_t index) const { return glyphs[index].bound; }
     /// The area of a glyph's parts seen one beside the other.
     double getArea(std::size_t index) const { return glyphs[index].area; }
-    /// As drawGlyph(), without the parts, or what is left and right of them, that the grid says
+    /// As drawGlyph(), without the parts, and what is about the rest of them, that the grid says
     /// are hidden. About how many pixels were drawn.
     double drawSeen(std::size_t index, const SbMatrix& place, DepthGrid& grid) const;
 
@@ -91,13 +91,12 @@ private:
         std::int32_t count;
     };
 
-    // A sphere; or quadrilaterals, and their box in bricks, which are along the axes.
+    // A sphere, or quadrilaterals.
     struct Part
     {
         Batch batch;
         Ball bound;
-        std::vector<SbVec3f> bricks; // their middles
-        SbVec3f half;                // of a brick's sides
+        SbVec3f half; // of the sides of the quadrilaterals' box, along the axes
     };
 
     struct Glyph
@@ -121,6 +120,8 @@ private:
     bool compile(const std::vector<SoNode*>& nodes);
     static void measure(Glyph& glyph);
     static void drawBatch(const Batch& batch);
+    void addSeen(const Batch& quads, const SbMatrix& toEye, const DepthGrid& grid,
+                 DepthGrid::Areas& areas) const;
     void setMaterial(SoMaterial* newMaterial);
     void bindBuffers(std::uint32_t context);
 

@@ -226,7 +226,8 @@ public:
             if (piece.cap) {
                 const SbBox3f box = boxOf(piece.mesh, piece.row);
                 const double side = double(diagonalOf(box));
-                addRun(piece, 0, 1, box, side * side / 2, runs);
+                runs.push_back({piece.part, drawOf(piece, 0, 1), box.getCenter(),
+                                diagonalOf(box) / 2, side * side / 2, 0, 0, 0});
             } else {
                 addRunsOfBody(piece, runs);
             }
@@ -350,19 +351,14 @@ private:
             area += areaOfStrip(piece.mesh, int(i));
             const bool endsDraw = (i + 1) % piece.stripsPerDraw == 0;
             if (diagonalOf(box) >= largest || endsDraw || i + 1 == piece.strips) {
-                addRun(piece, begin, i + 1, box, area, runs);
+                runs.push_back({piece.part, drawOf(piece, begin, i + 1), box.getCenter(),
+                                diagonalOf(box) / 2, area, int(begin), int(i + 2 - begin),
+                                piece.firstVertex + begin * std::size_t(piece.mesh.getWidth())});
                 begin = i + 1;
                 box = next;
                 area = 0;
             }
         }
-    }
-
-    static void addRun(const Piece& piece, std::size_t begin, std::size_t end, const SbBox3f& box,
-                       double area, std::vector<Run>& runs)
-    {
-        runs.push_back(
-            {piece.part, drawOf(piece, begin, end), box.getCenter(), diagonalOf(box) / 2, area});
     }
 
     const std::vector<Part>& parts;
@@ -409,6 +405,25 @@ public:
         }
     }
 
+    // A triangle of all the vertices, at the latest by drawGathered().
+    void gather(std::size_t a, std::size_t b, std::size_t c)
+    {
+        for (const std::size_t vertex : {a, b, c})
+            gathered.push_back(std::uint32_t(vertex));
+    }
+
+    void drawGathered()
+    {
+        if (gathered.empty())
+            return;
+        if (!bound || boundVertex != 0)
+            bindFrom(0);
+        GLBuffer::unbind(GL_ELEMENT_ARRAY_BUFFER);
+        glDrawElements(GL_TRIANGLES, GLsizei(gathered.size()), GL_UNSIGNED_INT, gathered.data());
+        kept.triangles.bind(GL_ELEMENT_ARRAY_BUFFER);
+        gathered.clear();
+    }
+
 private:
     // The arrays begin at the vertex that the indices count from: OpenGL has a parameter for
     // that only since its version 3.2.
@@ -440,6 +455,7 @@ private:
     // Mesa's up to 64 times 36 MB. What is one draw is not that large.
     const bool collects;
     std::size_t collected = 0; // indices since the driver last had to draw
+    std::vector<std::uint32_t> gathered;
 };
 
 MeshDrawing::Materials::Materials(SoState* state)
@@ -585,6 +601,39 @@ void MeshDrawing::drawInOrder(const Kept& kept, const Colours& colours, bool nor
         drawer(draw);
 }
 
+// The triangles of a run that the grid shows, in the order of addBody(). About how many pixels.
+double MeshDrawing::drawSeen(const Run& run, Mesh& mesh, const DepthGrid& grid, Drawer& drawer)
+{
+    if (run.rows == 0) {
+        drawer.drawGathered(); // what is behind a cap comes after it
+        drawer(run.draw);
+        return 0;
+    }
+    const int width = mesh.getWidth();
+    std::vector<DepthGrid::Corner> corners;
+    for (int i = 0; i < run.rows; ++i) {
+        for (int j = 0; j < width; ++j)
+            corners.push_back(
+                grid.project(toSbVec3f(mesh.getPoints()[run.firstRow + i][j]), grid.getToEye()));
+    }
+    double pixels = 0;
+    DepthGrid::Areas seen;
+    for (int row = 0; row + 1 < run.rows; ++row) {
+        for (int j = 0; j + 1 < width; ++j) {
+            const auto here = std::size_t(row * width + j), next = here + std::size_t(width);
+            seen.clear();
+            grid.addSeen({corners[next], corners[here], corners[here + 1], corners[next + 1]},
+                         seen);
+            if (seen.isEmpty())
+                continue;
+            drawer.gather(run.vertex + next, run.vertex + here, run.vertex + next + 1);
+            drawer.gather(run.vertex + next + 1, run.vertex + here, run.vertex + here + 1);
+            pixels += seen.getSize();
+        }
+    }
+    return pixels;
+}
+
 // One part after the other, since they meet: where both are equally near, the last is seen.
 void MeshDrawing::drawNearestFirst(Kept& kept, const Colours& colours, bool normals, SoState* state,
                                    const std::vector<Part>& parts, DepthGrid& grid)
@@ -601,20 +650,15 @@ void MeshDrawing::drawNearestFirst(Kept& kept, const Colours& colours, bool norm
         for (; run != kept.runs.end() && run->part == part; ++run) {
             const DepthGrid::Disc disc =
                 grid.project(run->centre, run->radius, grid.getToEye(), stretch);
-            if (!grid.seen(disc).isEmpty())
+            if (grid.shows(disc))
                 seen.push_back(
                     {&*run, disc, disc.depth, grid.pixelsOf(run->area, run->radius, disc)});
         }
         const auto drawAll = [&drawer](const Run* one) { drawer(one->draw); };
-        const auto drawSeen = [&](const Run* one, const DepthGrid::Disc& disc) {
-            double drawn = 0;
-            for (const DepthGrid::Area& visible : grid.seenInParts(disc)) {
-                grid.enter(visible);
-                drawer(one->draw);
-                drawn += visible.getSize();
-            }
-            return drawn;
+        const auto drawSeen = [&](const Run* one) {
+            return MeshDrawing::drawSeen(*one, parts[part].mesh, grid, drawer);
         };
-        ::drawNearestFirst(seen, grid, unread, drawAll, drawSeen);
+        const auto finish = [&drawer] { drawer.drawGathered(); };
+        ::drawNearestFirst(seen, grid, unread, drawAll, drawSeen, finish);
     }
 }

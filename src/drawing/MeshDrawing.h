@@ -31,7 +31,7 @@ class SoState;
 /// the time, and drawn in several draws.
 ///
 /// Where much of it would lie one behind the other, as in a coil seen along its axis, it is put
-/// into buffers at once, the nearest comes first, and what is hidden is not drawn.
+/// into buffers at once, the nearest comes first, and triangles that are hidden are not drawn.
 ///
 /// Coin caches no extension shape unless it is told to, and gives up every cache in which a
 /// shader program was traversed: what hangs beside a program keeps its own.
@@ -76,7 +76,9 @@ private:
         Draw draw;
         SbVec3f centre; ///< of a ball about them
         float radius;
-        double area; ///< seen from aside, front and back
+        double area;        ///< seen from aside, front and back
+        int firstRow, rows; ///< of the body; no rows in a cap
+        std::size_t vertex; ///< of all the first of the first row
     };
     /// In one context.
     struct Kept
@@ -95,6 +97,7 @@ private:
                         bool atOnce);
     static void fillVertices(Kept& kept, std::uint32_t context, const Layout& layout);
     static void drawInOrder(const Kept& kept, const Colours& colours, bool normals, SoState* state);
+    static double drawSeen(const Run& run, Mesh& mesh, const DepthGrid& grid, Drawer& drawer);
     static void drawNearestFirst(Kept& kept, const Colours& colours, bool normals, SoState* state,
                                  const std::vector<Part>& parts, DepthGrid& grid);
 

@@ -23,29 +23,32 @@ struct InView
 /// Draws what is opaque from front to back, so that the shader sees little of what is hidden,
 /// and without what the depth buffer hides once it holds some layers.
 ///
-/// drawAll(what) draws it; drawSeen(what, disc) what of it the grid shows, and returns about how
-/// many pixels. Things at the same distance keep their order, for the last of coincident faces
-/// is seen. `unread` counts the pixels since the grid was read; 0 to begin with.
-template <typename What, typename DrawAll, typename DrawSeen>
+/// drawAll(what) draws it; drawSeen(what) what of it the grid shows, by finish() at the latest, and
+/// returns about how many pixels. Things at the same distance keep their order, for the last of
+/// coincident faces is seen. `unread` counts the pixels since the grid was read; 0 to begin with.
+template <typename What, typename DrawAll, typename DrawSeen, typename Finish>
 void drawNearestFirst(std::vector<InView<What>>& things, DepthGrid& grid, double& unread,
-                      DrawAll drawAll, DrawSeen drawSeen)
+                      DrawAll drawAll, DrawSeen drawSeen, Finish finish)
 {
     // Reading costs about a layer, and there is less and less to be found.
-    const double layersUntilRead = 4;
+    const double layersAtFirst = 4;
     std::stable_sort(things.begin(), things.end(),
                      [](const auto& a, const auto& b) { return a.distance < b.distance; });
     for (const InView<What>& thing : things) {
-        if (unread > layersUntilRead * (1 + grid.getReads()) * grid.getViewportArea()) {
+        const double layers = grid.getReads() == 0 ? layersAtFirst : 1 + grid.getReads();
+        if (unread > layers * grid.getViewportArea()) {
+            finish();
             grid.read();
             unread = 0;
         }
         if (grid.getReads() == 0) {
             drawAll(thing.what);
             unread += thing.pixels;
-        } else if (!grid.seen(thing.disc).isEmpty()) {
-            unread += drawSeen(thing.what, thing.disc);
+        } else if (grid.shows(thing.disc)) {
+            unread += drawSeen(thing.what);
         }
     }
+    finish();
     grid.leave();
 }
 
