@@ -114,7 +114,9 @@ std::string withoutPackedEnding(const std::string& path)
 {
     const std::filesystem::path whole(path);
     const std::string ending = inSmallLetters(whole.extension().string());
-    return ending == ".gz" || ending == ".zst" ? path.substr(0, path.size() - ending.size()) : path;
+    const bool isPacked =
+        std::find(PACKED_ENDINGS.begin(), PACKED_ENDINGS.end(), ending) != PACKED_ENDINGS.end();
+    return isPacked ? path.substr(0, path.size() - ending.size()) : path;
 }
 
 } // namespace strandview

@@ -2,6 +2,7 @@
 #ifndef STRANDVIEW_FORMATS_UNPACKER_H
 #define STRANDVIEW_FORMATS_UNPACKER_H
 
+#include <array>
 #include <cstddef>
 #include <memory>
 #include <string>
@@ -33,7 +34,10 @@ public:
     virtual bool isWhole() const = 0;
 };
 
-/// The path without a last ending of packed files, ".gz" or ".zst" in small or capital letters.
+/// Of packed files.
+constexpr std::array<const char*, 2> PACKED_ENDINGS = {".gz", ".zst"};
+
+/// The path without a last one of these endings, in small or capital letters.
 STRANDVIEW_FORMATS_EXPORT std::string withoutPackedEnding(const std::string& path);
 
 } // namespace strandview

@@ -59,7 +59,20 @@ fs::path stemOf(const Source& source)
     return fs::path(withoutPackedEnding(source.getPath())).replace_extension();
 }
 
-/// The files in the folder of a source with one of the endings, in the order of their names.
+/// The file of that path, or the first that is that one packed; empty if there is none.
+std::string packedOrNot(const std::string& path)
+{
+    std::error_code ignored;
+    if (fs::exists(path, ignored))
+        return path;
+    for (const char* ending : PACKED_ENDINGS)
+        if (fs::exists(path + ending, ignored))
+            return path + ending;
+    return {};
+}
+
+/// The files in the folder of a source with one of the endings, packed or not, in the order of
+/// their names.
 template <std::size_t count>
 std::vector<std::string> filesBeside(const Source& source,
                                      const std::array<const char*, count>& endings)
@@ -69,7 +82,8 @@ std::vector<std::string> filesBeside(const Source& source,
     std::error_code error;
     fs::directory_iterator entry(folder.empty() ? "." : folder, error);
     for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
-        const std::string ending = inSmallLetters(entry->path().extension().string());
+        const fs::path unpacked = withoutPackedEnding(entry->path().string());
+        const std::string ending = inSmallLetters(unpacked.extension().string());
         const bool isOne = std::find(endings.begin(), endings.end(), ending) != endings.end();
         std::error_code ignored;
         if (isOne && entry->is_regular_file(ignored))
@@ -140,9 +154,8 @@ std::optional<OxdnaTopology> findOxdnaTopology(Source& configuration, const Read
         return {};
     }
     const std::string sameName = stemOf(configuration).string() + TOPOLOGY;
-    std::error_code ignored;
-    if (fs::exists(sameName, ignored))
-        return readTopology(sameName, options, report);
+    if (const std::string there = packedOrNot(sameName); !there.empty())
+        return readTopology(there, options, report);
     const auto nucleotides = countInOxdnaConfiguration(configuration, options, report);
     if (!nucleotides)
         return {};
@@ -168,11 +181,12 @@ std::unique_ptr<Source> findOxdnaConfiguration(Source& topology, const ReadOptio
     if (!beginning)
         return nullptr;
     const std::size_t nucleotides = countInOxdnaTopology(*beginning).value_or(0);
-    std::error_code ignored;
     const std::string stem = topology.getPath().empty() ? "" : stemOf(topology).string();
-    for (const char* ending : CONFIGURATIONS)
-        if (!stem.empty() && fs::exists(stem + ending, ignored))
-            return Source::open(stem + ending, report);
+    for (const char* ending : CONFIGURATIONS) {
+        const std::string there = stem.empty() ? "" : packedOrNot(stem + ending);
+        if (!there.empty())
+            return Source::open(there, report);
+    }
     const auto countIn = [&](Source& source) -> std::optional<std::size_t> {
         ReadReport none;
         const auto text = source.readBeginning(BEGINNING, options, none);

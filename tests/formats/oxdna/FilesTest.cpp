@@ -6,6 +6,7 @@
 #include <strandview/formats/Source.h>
 
 #include "support/TemporaryFolder.h"
+#include "support/pack.h"
 
 namespace strandview {
 
@@ -68,6 +69,20 @@ TEST_F(OxdnaFilesTest, ElseTheOnlyOneOfAsManyNucleotides)
                          "one other of 2 nucleotides"));
     options.topology = folder.path("another.top");
     EXPECT_EQ(topologyOf(path), "another.top");
+}
+
+TEST_F(OxdnaFilesTest, PackedOnesAreFoundAsOthersAre)
+{
+    const std::string packed = folder.write("run.dat.gz", packedByGzip(HEAD + ROW + ROW));
+    const std::string top = folder.write("two.top.zst", packedByZstandard("2 1 5->3\nAA\n"));
+    EXPECT_EQ(topologyOf(packed), "two.top.zst");
+    EXPECT_EQ(configurationOf(top), "run.dat.gz");
+    folder.write("run.top.gz", packedByGzip("2 1 5->3\nAC\n"));
+    folder.write("two.dat.gz", packedByGzip(HEAD + ROW + ROW));
+    EXPECT_EQ(topologyOf(packed), "run.top.gz");
+    EXPECT_EQ(configurationOf(top), "two.dat.gz");
+    folder.write("run.top", "2 1 5->3\nAG\n");
+    EXPECT_EQ(topologyOf(packed), "run.top");
 }
 
 TEST_F(OxdnaFilesTest, WhatHasNoFolderHasNoTopology)
