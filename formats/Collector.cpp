@@ -61,8 +61,10 @@ void keep(std::vector<T>& values, const Indices& kept)
 
 void keepPoints(Rod& rod, const Indices& kept)
 {
-    if (kept.size() < rod.points.size())
+    if (rod.indices.empty())
         rod.indices = kept;
+    else
+        keep(rod.indices, kept);
     keep(rod.points, kept);
     if (!rod.lines.empty())
         keep(rod.lines, kept);
@@ -70,6 +72,58 @@ void keepPoints(Rod& rod, const Indices& kept)
         keep(rod.rotations, kept);
     for (Scalar& scalar : rod.scalars)
         keep(scalar.values, kept);
+}
+
+/// The same of all that belongs to a birod.
+void keepPoints(Birod& birod, const Indices& kept)
+{
+    if (birod.indices.empty())
+        birod.indices = kept;
+    else
+        keep(birod.indices, kept);
+    for (Points* points : {&birod.points, &birod.points1, &birod.points2})
+        keep(*points, kept);
+    for (Rotations* rotations : {&birod.rotations, &birod.rotations1, &birod.rotations2})
+        keep(*rotations, kept);
+}
+
+/// Until no points are too near: without those that are left out the mean distance is larger.
+/// After so many rounds, which only a file that was made for it takes, the rest stays. Whether two
+/// are left.
+template <typename Keep>
+bool leaveOutPoints(const std::vector<const Points*>& curves, Keep keepAll)
+{
+    constexpr int mostRounds = 64;
+    for (int round = 0; round < mostRounds; ++round) {
+        const Indices kept = distinctPoints(curves);
+        if (kept.size() < 2)
+            return false;
+        if (kept.size() == curves.front()->size())
+            break;
+        keepAll(kept);
+    }
+    return true;
+}
+
+bool leaveOutPoints(Rod& rod)
+{
+    return leaveOutPoints({&rod.points}, [&](const Indices& kept) { keepPoints(rod, kept); });
+}
+bool leaveOutPoints(Birod& birod)
+{
+    return leaveOutPoints({&birod.points, &birod.points1, &birod.points2},
+                          [&](const Indices& kept) { keepPoints(birod, kept); });
+}
+
+/// Of a closed rod, the last point of which stays where the first one is.
+void leaveOutPointsOfClosed(Rod& rod)
+{
+    const auto repeatFirst = [&] { rod.points.back() = rod.points.front(); };
+    repeatFirst();
+    leaveOutPoints({&rod.points}, [&](const Indices& kept) {
+        keepPoints(rod, kept);
+        repeatFirst();
+    });
 }
 
 /// Whether d3 is the direction to the next point, by and large. Points in one place have
@@ -99,6 +153,9 @@ bool areEqual(const Points& points)
 
 constexpr char FOUND_TOO_NEAR[] =
     "found points nearer than 1.5e-154 to one another, expected a unit in which they are apart";
+
+constexpr char FOUND_TOO_FEW_PLACES[] =
+    "found fewer than 3 points that are apart, expected at least 3 in a closed rod";
 
 /// Makes values of elements, one fewer than the points, values of the points; whether
 /// they were.
@@ -157,11 +214,14 @@ std::string Collector::close(Rod& rod, bool doEndsMeet)
     if (!rod.isClosed)
         return {};
     closedRods += !doEndsMeet && !isSaid;
-    if (doEndsMeet)
-        rod.points.back() = rod.points.front();
-    else
+    if (!doEndsMeet)
         repeatFirstPoint(rod);
-    return {};
+    // What was apart may be too near, now that the last point is elsewhere or there is one more.
+    const std::size_t count = rod.points.size();
+    leaveOutPointsOfClosed(rod);
+    mergedPoints += count - rod.points.size();
+    rod.isClosed = rod.points.size() > 3;
+    return rod.isClosed || !isSaid ? "" : FOUND_TOO_FEW_PLACES;
 }
 
 std::string Collector::add(Rod rod)
@@ -169,15 +229,15 @@ std::string Collector::add(Rod rod)
     bool hasElements = takeToPoints(rod.rotations, rod.points);
     for (Scalar& scalar : rod.scalars)
         hasElements = takeToPoints(scalar.values, rod.points) || hasElements;
-    const Indices kept = distinctPoints({&rod.points});
-    if (kept.size() < 2)
-        return areEqual(rod.points) ? "found " + counted(kept.size(), "distinct point") +
-                                          ", expected at least 2 in a rod"
-                                    : FOUND_TOO_NEAR;
-    const bool doEndsMeet = isClosed(rod.points);
-    const std::size_t merged = rod.points.size() - kept.size();
-    keepPoints(rod, kept);
-    const std::string fault = close(rod, doEndsMeet);
+    const std::size_t count = rod.points.size();
+    const bool didEndsMeet = count > 0 && isClosed(rod.points);
+    if (!leaveOutPoints(rod))
+        return areEqual(rod.points)
+                   ? "found " + counted(std::min(count, std::size_t(1)), "distinct point") +
+                         ", expected at least 2 in a rod"
+                   : FOUND_TOO_NEAR;
+    const std::size_t merged = count - rod.points.size();
+    const std::string fault = close(rod, didEndsMeet || isClosed(rod.points));
     if (!fault.empty())
         return fault;
     rodsOfElements += hasElements;
@@ -198,18 +258,12 @@ std::string Collector::add(Birod birod)
     bool hasElements = takeToPoints(birod.rotations, birod.points);
     hasElements = takeToPoints(birod.rotations1, birod.points1) || hasElements;
     hasElements = takeToPoints(birod.rotations2, birod.points2) || hasElements;
-    const Indices kept = distinctPoints({&birod.points, &birod.points1, &birod.points2});
-    if (kept.size() < 2)
-        return "found " + counted(kept.size(), "point") +
+    const std::size_t count = birod.points.size();
+    if (!leaveOutPoints(birod))
+        return "found " + counted(std::min(count, std::size_t(1)), "point") +
                " distinct in the average and in both strands, expected at least 2 in a birod";
     birodsOfElements += hasElements;
-    mergedPoints += birod.points.size() - kept.size();
-    if (kept.size() < birod.points.size())
-        birod.indices = kept;
-    for (Points* points : {&birod.points, &birod.points1, &birod.points2})
-        keep(*points, kept);
-    for (Rotations* rotations : {&birod.rotations, &birod.rotations1, &birod.rotations2})
-        keep(*rotations, kept);
+    mergedPoints += count - birod.points.size();
     strayingBirods += !followsPoints(birod.rotations, birod.points);
     configuration.birods.push_back(std::move(birod));
     return {};

@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <strandview/formats/Collector.h>
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 #include <numeric>
+#include <random>
 
 #include <gmock/gmock.h>
 
@@ -106,14 +109,73 @@ TEST(Collector, LeavesOutAPointInThePlaceOfTheOneBeforeWithAllThatBelongsToIt)
 
 TEST(Collector, ComparesWithTheLastPointThatIsKept)
 {
-    // Eight short steps and one of 1: the mean is 0.11, so points nearer than 1.1e-6 are one.
-    const Collected apart =
-        collect(straightRod({1, 4e-6, 4e-6, 4e-6, 4e-6, 4e-6, 4e-6, 4e-6, 4e-6}));
-    EXPECT_EQ(apart.configuration->rods[0].points.size(), 10u);
-    // Of steps of 4e-7 every third ends more than that behind the point that was kept.
-    const Collected near =
-        collect(straightRod({1, 4e-7, 4e-7, 4e-7, 4e-7, 4e-7, 4e-7, 4e-7, 4e-7}));
-    EXPECT_THAT(near.configuration->rods[0].indices, ElementsAre(0, 1, 4, 7));
+    // Eight short steps behind 100 of 1: the mean is 0.93, so points nearer than 9.3e-6 are one.
+    std::vector<double> steps(100, 1);
+    steps.resize(108, 1.2e-5);
+    EXPECT_EQ(collect(straightRod(steps)).configuration->rods[0].points.size(), 109u);
+    // Of steps of 4e-6 every third ends more than that behind the point that was kept.
+    std::fill(steps.begin() + 100, steps.end(), 4e-6);
+    const Collected near = collect(straightRod(steps));
+    const std::vector<std::size_t>& indices = near.configuration->rods[0].indices;
+    ASSERT_EQ(indices.size(), 103u);
+    EXPECT_EQ(indices[100], 100u);
+    EXPECT_EQ(indices[101], 103u);
+    EXPECT_EQ(indices[102], 106u);
+}
+
+/// The same points, however small their differences are beside their distances.
+void expectKeptAgain(const Rod& rod)
+{
+    const Collected again = collect(rod);
+    ASSERT_EQ(again.fault, "");
+    const Rod& second = again.configuration->rods[0];
+    EXPECT_EQ(second.isClosed, rod.isClosed);
+    ASSERT_EQ(second.points.size(), rod.points.size());
+    for (std::size_t i = 0; i < rod.points.size(); ++i)
+        EXPECT_EQ((second.points[i] - rod.points[i]).getNorm(), 0) << i;
+}
+
+TEST(Collector, WhatIsKeptIsKeptAgain)
+{
+    std::mt19937 random(5);
+    std::uniform_real_distribution<double> part(-1, 1), power(-6, 0);
+    std::size_t rods = 0, merged = 0, closed = 0;
+    for (int round = 0; round < 2000; ++round) {
+        Rod rod;
+        const std::size_t count = 2 + random() % 12;
+        rod.points = {Vector(0, 0, 0)};
+        while (rod.points.size() < count)
+            rod.points.push_back(rod.points.back() + Vector(part(random), part(random), 0) *
+                                                         std::pow(10, power(random)));
+        if (round % 3 == 0)
+            rod.points.back() = rod.points.front() + Vector(1, 0, 0) * std::pow(10, power(random));
+        rod.isClosed = round % 2 == 0;
+        const Collected first = collect(rod);
+        if (!first.fault.empty())
+            continue;
+        const Rod& kept = first.configuration->rods[0];
+        ++rods;
+        closed += kept.isClosed;
+        merged += kept.points.size() < count;
+        SCOPED_TRACE(round);
+        expectKeptAgain(kept);
+    }
+    EXPECT_GT(rods, 1500);
+    EXPECT_GT(merged, 100);
+    EXPECT_GT(closed, 500);
+}
+
+TEST(Collector, WithoutAPointThatIsLeftOutAnotherMayBeTooNear)
+{
+    // The last two points are 0.1 and 1.3 from the one before; of the mean step 1e-5 is 1, and 1.5
+    // without the former.
+    const Collected result = collect(straightRod({300000, 0.1, 1.2}));
+    EXPECT_EQ(result.configuration->rods[0].points.size(), 2);
+    EXPECT_THAT(result.configuration->rods[0].indices, ElementsAre(0, 1));
+    EXPECT_THAT(result.report.notices, ElementsAre(HasSubstr("2 points left out")));
+
+    Birod birod = straightBirod({{{300000, 0.1, 1.2}, {1, 1, 1}, {1, 1, 1}}});
+    EXPECT_EQ(collect(birod).configuration->birods[0].points.size(), 2);
 }
 
 TEST(Collector, RefusesARodWithoutTwoPlaces)
