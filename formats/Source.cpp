@@ -101,6 +101,14 @@ std::size_t Source::roomFor(std::uint64_t count) const
     return std::size_t(std::min(count, whole));
 }
 
+/// The same for what comes at an offset, behind so many bytes.
+std::size_t Source::roomAt(std::uint64_t offset, std::size_t before) const
+{
+    const std::size_t room = std::max(before, SMALLEST_ROOM);
+    const std::uint64_t left = size ? *size - std::min(*size, offset) + 1 : room;
+    return std::size_t(std::min(left, std::uint64_t(room)));
+}
+
 /// Whether the first bytes could be read, which tell whether it is packed. What has no places is
 /// begun by that.
 bool Source::look(const ReadOptions& options, ReadReport& report)
@@ -210,7 +218,7 @@ std::optional<std::string> Source::readAt(std::uint64_t offset, std::size_t coun
     std::size_t place = 0, got = 1;
     for (; got > 0 && place < count; place += got) {
         // Not all the room at once: a count may be a broken file's own.
-        bytes.resize(place + std::min(count - place, std::max(place, SMALLEST_ROOM)));
+        bytes.resize(place + std::min(count - place, roomAt(offset + place, place)));
         if (!readPiece(&bytes[place], bytes.size() - place, offset + place, options, report, got))
             return {};
     }

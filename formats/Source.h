@@ -76,6 +76,7 @@ private:
     bool look(const ReadOptions& options, ReadReport& report);
     bool fill(std::uint64_t count, const ReadOptions& options, ReadReport& report);
     std::size_t roomFor(std::uint64_t count) const;
+    std::size_t roomAt(std::uint64_t offset, std::size_t before) const;
     bool readPiece(char* to, std::size_t count, std::optional<std::uint64_t> offset,
                    const ReadOptions& options, ReadReport& report, std::size_t& got);
     bool readDescriptor(char* to, std::size_t count, std::optional<std::uint64_t> offset,

@@ -183,6 +183,8 @@ Archive::Archive(std::unique_ptr<Zip> openZip) : zip(std::move(openZip))
         const char* const name = zip_get_name(zip->archive, zip_uint64_t(i), 0);
         names.emplace_back(name ? name : "");
     }
+    for (std::size_t i = 0; i < names.size(); ++i)
+        places.emplace(names[i], i);
 }
 
 Archive::~Archive() = default;

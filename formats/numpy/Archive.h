@@ -7,6 +7,8 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include <strandview/formats/ReadReport.h>
@@ -27,6 +29,8 @@ public:
     Archive& operator=(const Archive&) = delete;
 
     const std::vector<std::string>& getNames() const { return names; }
+    /// The first entry of a name that there is.
+    std::size_t find(const std::string& name) const { return places.at(name); }
 
     /// As the archive's directory has it, unpacked; it may be wrong.
     std::uint64_t sizeOf(std::size_t entry) const;
@@ -43,6 +47,7 @@ private:
 
     std::unique_ptr<Zip> zip;
     std::vector<std::string> names;
+    std::unordered_map<std::string_view, std::size_t> places; ///< of the names
 };
 
 } // namespace strandview

@@ -70,6 +70,13 @@ void append(std::string& bytes, bool isReversed, std::uint64_t skip, std::uint64
     }
 }
 
+std::nullopt_t failCut(const NumpyArray& array, ReadReport& report)
+{
+    report.error = array.path + ": found the end of the file within the numbers, expected " +
+                   "all of shape " + shapeText(array.header.shape);
+    return std::nullopt;
+}
+
 } // namespace
 
 std::uint64_t NumpyArray::wholeCount() const
@@ -93,10 +100,6 @@ std::unique_ptr<NumpyFile> NumpyFile::open(Source& source, const ReadOptions& op
         report.error = source.getName() + ": " + pickleRefusal();
         return nullptr;
     }
-    if (beginning->substr(0, 2) == "PK") {
-        file->archive = Archive::open(source, options, report);
-        return file->archive ? std::move(file) : nullptr;
-    }
     std::optional<std::uint64_t> size = source.getSize();
     if (!size) {
         const auto all = source.readAll(options, report);
@@ -105,7 +108,10 @@ std::unique_ptr<NumpyFile> NumpyFile::open(Source& source, const ReadOptions& op
         size = all->size();
     }
     file->size = *size;
-    return file;
+    if (beginning->substr(0, 2) != "PK")
+        return file;
+    file->archive = Archive::open(source, options, report);
+    return file->archive ? std::move(file) : nullptr;
 }
 
 std::vector<std::string> NumpyFile::getNames() const
@@ -136,9 +142,7 @@ std::optional<NumpyArray> NumpyFile::describe(const std::string& name, const Rea
     array.size = size;
     if (archive) {
         array.path += ": " + shortened(name);
-        const std::vector<std::string>& names = archive->getNames();
-        const auto found = std::find(names.begin(), names.end(), name + std::string(ENDING));
-        array.entry = std::size_t(found - names.begin());
+        array.entry = archive->find(name + std::string(ENDING));
         array.size = archive->sizeOf(array.entry);
     }
     const auto bytes = readBytes(array.entry, 0, LARGEST_NPY_HEADER, options, report);
@@ -163,6 +167,9 @@ std::optional<Numbers> NumpyFile::read(const NumpyArray& array, std::optional<st
     const std::uint64_t step = first && header.isFortranOrder ? header.shape[0] : 1;
     const std::uint64_t begin = first ? *first * (header.isFortranOrder ? 1 : count) : 0;
     const std::uint64_t span = count == 0 ? 0 : (count - 1) * step + 1;
+    const std::uint64_t there = array.size - std::min(array.size, header.dataOffset);
+    if (begin + span > there / header.itemSize)
+        return failCut(array, report);
     for (std::uint64_t done = 0; done < span;) {
         const double share = double(done) / double(span);
         ReadOptions asking;
@@ -173,12 +180,8 @@ std::optional<Numbers> NumpyFile::read(const NumpyArray& array, std::optional<st
                                piece * header.itemSize, asking, report);
         if (!bytes)
             return {};
-        if (bytes->size() < piece * header.itemSize) {
-            report.error = array.path +
-                           ": found the end of the file within the numbers, expected " +
-                           "all of shape " + shapeText(header.shape);
-            return {};
-        }
+        if (bytes->size() < piece * header.itemSize)
+            return failCut(array, report);
         const bool isReversed = header.isBigEndian != isHostBigEndian();
         const std::uint64_t skip = (step - done % step) % step;
         if (header.itemSize == sizeof(float))

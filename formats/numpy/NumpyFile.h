@@ -58,6 +58,8 @@ public:
                                            ReadReport& report);
 
     bool isArchive() const { return archive != nullptr; }
+    /// Of the file, in bytes.
+    std::uint64_t getSize() const { return size; }
     /// Of the archive's arrays, without ".npy"; of an .npy file an empty one.
     std::vector<std::string> getNames() const;
     /// One of them; nothing and report.error if it cannot be read.
@@ -76,7 +78,7 @@ private:
 
     Source& source;
     std::unique_ptr<Archive> archive; ///< null of an .npy file
-    std::uint64_t size = 0;           ///< of that
+    std::uint64_t size = 0;
 };
 
 } // namespace strandview

@@ -163,7 +163,8 @@ private:
         for (const auto& [key, name] : names)
             if (!describeRod(names, key.first, key.second, options))
                 return false;
-        if (!describeDna(names, options) || !describeTimes(names, options))
+        if (!describeDna(names, options) || !checkSize(names.count({0, Role::TIME}) > 0) ||
+            !describeTimes(names, options))
             return false;
         return !rods.empty() || dna || failWithoutAny();
     }
@@ -229,6 +230,33 @@ private:
                                          std::to_string(count) + " frames");
         dna = {std::move(*frames), std::move(*steps), std::size_t(count)};
         return true;
+    }
+
+    /// Whether the numbers of a frame, and the times, are no more than files have: packed zeros
+    /// become a thousand times as much.
+    bool checkSize(bool hasTimes)
+    {
+        constexpr double allowed = 1 << 30, largestRatio = 100; // bytes, of the file
+        double size = hasTimes ? sizeof(double) * double(count()) : 0;
+        const auto addFrame = [&](const NumpyArray& array) {
+            double numbers = 1;
+            for (std::size_t axis = frameCount ? 1 : 0; axis < array.header.shape.size(); ++axis)
+                numbers *= double(array.header.shape[axis]);
+            size += sizeof(double) *
+                    std::min(numbers, double(array.size) / double(array.header.itemSize));
+        };
+        for (const RodArrays& rod : rods)
+            for (const auto* array : {&rod.points, &rod.quaternions, &rod.directors})
+                if (*array)
+                    addFrame(**array);
+        if (dna) {
+            addFrame(dna->frames);
+            addFrame(dna->steps);
+        }
+        if (!file->isArchive() || size <= allowed || size <= largestRatio * double(file->getSize()))
+            return true;
+        return fail(fileName + ": found more than 100 times as many bytes of numbers in a frame " +
+                    "as the file has, expected fewer");
     }
 
     bool describeTimes(const Names& names, const ReadOptions& options)

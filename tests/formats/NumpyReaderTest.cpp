@@ -18,6 +18,7 @@
 
 #include "support/FilesOfOthers.h"
 #include "support/TemporaryFolder.h"
+#include "support/pack.h"
 #include "support/readText.h"
 
 namespace strandview {
@@ -568,6 +569,22 @@ TEST(NumpyReader, RefusesArchivesWhoseArraysDoNotFitInOneLine)
         EXPECT_FALSE(reading.configuration);
         EXPECT_THAT(reading.report.error, StartsWith(error));
     }
+}
+
+TEST(NumpyReader, RefusesAFrameThatIsFarLargerThanTheFileBeforeItIsUnpacked)
+{
+    // 3 GB, as the directory has it, of which there are the first 80 KB. Between its head and its
+    // tail gzip has what archives have.
+    const std::string there = array("(125000000, 3)", std::vector<double>(10000, 0));
+    const std::string packed = packedByGzip(there);
+    std::string bytes = archive({{"points", packed.substr(10, packed.size() - 18)}});
+    const std::size_t inDirectory = bytes.find("PK\x01\x02");
+    bytes[inDirectory + 10] = 8; // the method
+    bytes.replace(inDirectory + 24, 4, littleEndian(3000000000u, 4));
+    const Reading reading = read(bytes);
+    EXPECT_FALSE(reading.configuration);
+    EXPECT_EQ(reading.report.error, "here: found more than 100 times as many bytes of numbers in "
+                                    "a frame as the file has, expected fewer");
 }
 
 TEST(NumpyReader, AWrongByteOfAPackedArrayIsToldInOneLine)
