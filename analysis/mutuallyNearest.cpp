@@ -22,33 +22,48 @@ Cell cellOf(const algebra3d::Vector3<double>& point, double size)
     return {std::floor(point.x / size), std::floor(point.y / size), std::floor(point.z / size)};
 }
 
+/// Far more than there are bases, and few enough for each of them to be looked at by all others.
+constexpr std::size_t MOST_NEIGHBOURS = 1000;
+
 /// Goes from cell to cell in their order, and tells who is in those around each.
 class Neighbourhood
 {
 public:
     explicit Neighbourhood(const std::vector<InCell>& sortedPoints) : sorted(sortedPoints) {}
 
-    /// Of a cell that is not before the one asked for last.
+    /// Of a cell that is not before the one asked for last. Of a crowd nobody is told.
     template <typename Visit>
     void forNeighbours(const Cell& centre, Visit visit)
     {
-        // A row of three cells along z is one run of the sorted ones, and the nine runs around a
-        // cell are not before those around the last one.
-        for (std::size_t row = 0; row < begins.size(); ++row) {
-            const double x = double(row / 3) - 1, y = double(row % 3) - 1;
-            const Cell first{centre[0] + x, centre[1] + y, centre[2] - 1};
-            const Cell last{first[0], first[1], centre[2] + 1};
-            std::size_t& begin = begins[row];
-            while (begin < sorted.size() && sorted[begin].first < first)
-                ++begin;
-            for (std::size_t i = begin; i < sorted.size() && sorted[i].first <= last; ++i)
+        std::size_t count = 0;
+        for (std::size_t row = 0; row < begins.size(); ++row)
+            count += moveOn(row, centre);
+        if (count > MOST_NEIGHBOURS)
+            return;
+        for (std::size_t row = 0; row < begins.size(); ++row)
+            for (std::size_t i = begins[row]; i < ends[row]; ++i)
                 visit(sorted[i].second);
-        }
     }
 
 private:
+    /// A row of three cells along z is one run of the sorted ones, and the nine runs around a
+    /// cell are not before those around the last one. How many are in it.
+    std::size_t moveOn(std::size_t row, const Cell& centre)
+    {
+        const double x = double(row / 3) - 1, y = double(row % 3) - 1;
+        const Cell first{centre[0] + x, centre[1] + y, centre[2] - 1};
+        const Cell last{first[0], first[1], centre[2] + 1};
+        std::size_t &begin = begins[row], &end = ends[row];
+        while (begin < sorted.size() && sorted[begin].first < first)
+            ++begin;
+        end = std::max(begin, end);
+        while (end < sorted.size() && sorted[end].first <= last)
+            ++end;
+        return end - begin;
+    }
+
     const std::vector<InCell>& sorted;
-    std::array<std::size_t, 9> begins = {}; ///< of the runs
+    std::array<std::size_t, 9> begins = {}, ends = {}; ///< of the runs
 };
 
 } // namespace

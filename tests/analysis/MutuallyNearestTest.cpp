@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <strandview/analysis/mutuallyNearest.h>
 
+#include <algorithm>
 #include <limits>
 #include <random>
 
@@ -56,6 +57,27 @@ TEST(MutuallyNearest, OfEqualOnesTheLowerIndexIsTheNearer)
 TEST(MutuallyNearest, PointsMayBeFarFromTheOrigin)
 {
     EXPECT_THAT(nearestBy({{1e18, 0, -1e18}, {1e18, 0, -1e18}}, 2), ElementsAre(1, 0));
+}
+
+TEST(MutuallyNearest, InACrowdNobodyIsAskedAndNobodyHasAPartner)
+{
+    std::vector<Vector> points(1001, {5, 5, 5});
+    points.emplace_back(50, 0, 0);
+    points.emplace_back(51, 0, 0);
+    std::size_t asked = 0;
+    const auto partners = mutuallyNearest(points, 2, [&](std::size_t, std::size_t) {
+        ++asked;
+        return 1.0;
+    });
+    EXPECT_EQ(asked, 2); // from either end
+    EXPECT_EQ(partners[1001], 1002);
+    EXPECT_EQ(partners[1002], 1001);
+    EXPECT_EQ(std::count(partners.begin(), partners.end(), NO_NUCLEOTIDE), 1001);
+
+    points.erase(points.begin());
+    const auto ofFewer = nearestBy(points, 2);
+    EXPECT_EQ(ofFewer[0], 1);
+    EXPECT_EQ(ofFewer[1], 0);
 }
 
 TEST(MutuallyNearest, IsWhatComparingAllWithAllFinds)
