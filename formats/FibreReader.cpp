@@ -106,7 +106,7 @@ private:
                  !fault.empty())
             fail(fault);
         rod.lines.push_back(firstLine + scanner.getLine() - 1);
-        isCut = text.find('\n', scanner.getPosition()) == text.npos;
+        isCut = !report.error.empty() && text.find('\n', scanner.getPosition()) == text.npos;
         return report.error.empty();
     }
 

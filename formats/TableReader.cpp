@@ -636,10 +636,13 @@ private:
         return !columns.areOfDna && std::find(coordinates, coordinates + FIRST_OF_QUATERNION,
                                               column) == coordinates + FIRST_OF_QUATERNION;
     }
+    /// They are in the order of their columns.
     bool isMissing(std::size_t column) const
     {
-        return std::any_of(missing.begin(), missing.end(),
-                           [column](const MissingField& field) { return field.column == column; });
+        const auto found = std::lower_bound(
+            missing.begin(), missing.end(), column,
+            [](const MissingField& field, std::size_t wanted) { return field.column < wanted; });
+        return found != missing.end() && found->column == column;
     }
     /// A scalar that is no number, beside a frame or where there are none, is not missing:
     /// it is the point's, and unknown.
