@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_TESTS_READANYTHING_H
+#define STRANDVIEW_TESTS_READANYTHING_H
+
+#include <string_view>
+
+#include <strandview/formats/Format.h>
+
+namespace strandview {
+
+/// Reads any bytes as a file of a format: whatever they are, the reader ends, leaves memory alone,
+/// and gives data that are whole and can be written, or one line. What is not so ends the program,
+/// after a line on standard error. Behind a line "====" are the bytes of a topology, which is in a
+/// folder with the others then.
+void readAnything(const Format& format, std::string_view bytes);
+
+} // namespace strandview
+
+#endif
