@@ -94,11 +94,8 @@ Source::~Source()
 /// has no size of its own may be long too.
 std::size_t Source::roomFor(std::uint64_t count) const
 {
-    if (count < SMALLEST_ROOM)
-        return std::size_t(count);
-    const std::uint64_t whole =
-        std::max({size.value_or(0) + 1, std::uint64_t(SMALLEST_ROOM), 2 * std::uint64_t(filled)});
-    return std::size_t(std::min(count, whole));
+    const std::uint64_t whole = size ? *size + 1 : std::uint64_t(SMALLEST_ROOM);
+    return std::size_t(std::min(count, std::max(whole, 2 * std::uint64_t(filled))));
 }
 
 /// The same for what comes at an offset, behind so many bytes.

@@ -897,6 +897,10 @@ std::string_view wholeLines(std::string_view piece)
     return piece.substr(0, piece.substr(0, last).find_last_of("\r\n") + 1); // 0 if there is none
 }
 
+/// In bytes: more columns than any table has. Whoever looks for its end longer, in a file that has
+/// none, takes all memory.
+constexpr std::size_t LONGEST_LINE = std::size_t(1) << 25;
+
 /// Reads what is a file piece by piece, anything else at once.
 bool findFrames(Source& source, FrameFinder& finder, std::uint64_t offset,
                 const ReadOptions& options, ReadReport& report)
@@ -917,6 +921,10 @@ bool findFrames(Source& source, FrameFinder& finder, std::uint64_t offset,
             return true;
         offset += lines.size();
         size = lines.empty() ? 2 * size : size;
+        if (size <= LONGEST_LINE)
+            continue;
+        report.error = source.getName() + ": found a line of more than 32 MiB, expected a table";
+        return false;
     }
 }
 

@@ -5,7 +5,9 @@
 #include <array>
 #include <clocale>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
+#include <filesystem>
 #include <locale>
 #include <random>
 #include <sstream>
@@ -1041,6 +1043,17 @@ struct BadTable
 class TableReaderRefuses : public testing::TestWithParam<BadTable>
 {
 };
+
+TEST(TableReader, AFileWhoseLineDoesNotEndIsNotReadToItsEnd)
+{
+    const TemporaryFolder folder;
+    const std::string path = folder.write("zeros.txt", "");
+    std::filesystem::resize_file(path, std::uintmax_t(1) << 38); // without a byte on the disk
+    ReadReport report;
+    const auto source = Source::open(path, report);
+    EXPECT_FALSE(readTable(*source, {}, report));
+    EXPECT_EQ(report.error, path + ": found a line of more than 32 MiB, expected a table");
+}
 
 TEST_P(TableReaderRefuses, WithOneLineThatSaysWhereAndWhat)
 {
