@@ -336,7 +336,7 @@ private:
         if (isNumber(*FieldScanner(scanner).nextField())) // most often
             return false;
         std::vector<std::string_view> fields = headerFields(scanner);
-        if (columns.endWithComma && fields.back().empty())
+        if (columns.endWithComma && fields.size() > 1 && fields.back().empty())
             fields.pop_back();
         return isHeader(fields) && namesOfColumns(fields, columns.knownNames()) == columns.names;
     }
