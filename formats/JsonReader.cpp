@@ -365,7 +365,10 @@ public:
         const char* const end = text.data() + text.size();
         if (!nlohmann::json::sax_parse(Cursor(place, place), Cursor(end, place), this))
             return false;
-        return report.frames > 0 || finishFrame("");
+        if (report.frames == 0 && !finishFrame(""))
+            return false;
+        report.error = isAnyShown ? "" : noneShown;
+        return isAnyShown;
     }
 
     /// Among a scalar's values it stands for one that is no number, and of a sequence for bases
@@ -739,20 +742,24 @@ private:
         return finishFrame(path() + ": ");
     }
 
-    /// `owner` stands before what its error says.
+    /// `owner` stands before what its error says. Of a series the first one that is read alone has
+    /// something to show, else any of them.
     bool finishFrame(const std::string& owner)
     {
         ReadReport ofFrame;
         std::optional<Configuration> frame =
             std::exchange(collector, Collector(options))
                 .finish(fileName, "rod, birod, DNA, marker, frame, arrow or base", ofFrame);
-        if (!frame) {
-            report.error = ofFrame.error.insert(fileName.size() + 2, owner);
-            return false;
-        }
+        if (!frame && noneShown.empty())
+            noneShown = ofFrame.error.insert(fileName.size() + 2, owner);
+        isAnyShown = isAnyShown || frame;
         if (report.frames++ > 0 && !keepsAll)
             return true;
-        frames.push_back(std::move(*frame));
+        if (!frame && (owner.empty() || !keepsAll)) {
+            report.error = noneShown;
+            return false;
+        }
+        frames.push_back(frame ? std::move(*frame) : Configuration());
         addNew(ofFrame.notices);
         return true;
     }
@@ -944,7 +951,9 @@ private:
     LoneBase loneBase;
     double time = 0;
     bool isSequenceNull = false;
-    Collector collector; ///< of the frame being read
+    bool isAnyShown = false; ///< by a frame
+    std::string noneShown;   ///< what is said of the first one that shows nothing
+    Collector collector;     ///< of the frame being read
 };
 
 } // namespace

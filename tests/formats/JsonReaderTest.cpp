@@ -481,6 +481,21 @@ TEST(JsonReader, TimesMayBeUnknownAndAFileWithoutASeriesHasOneFrame)
     EXPECT_EQ(only->time(0), std::nullopt);
 }
 
+TEST(JsonReader, AFrameMayBeEmptyBesideOthers)
+{
+    const auto series = opened(seriesOf("{}, " + frameOfMarkers("", 2) + ", {\"rods\": []}"));
+    ASSERT_EQ(series->count(), 3U);
+    EXPECT_TRUE(series->load(0).configuration->markers.empty());
+    EXPECT_EQ(series->load(1).configuration->markers.size(), 2U);
+    EXPECT_TRUE(series->load(2).configuration->markers.empty());
+
+    ReadReport report;
+    EXPECT_FALSE(openJson(seriesOf("{}, {\"rods\": []}"), "run.json", {}, report));
+    EXPECT_EQ(report.error,
+              "run.json: series[0]: found nothing to show, expected at least one rod, "
+              "birod, DNA, marker, frame, arrow or base");
+}
+
 TEST(JsonReader, WhatAllFramesHaveToTellIsToldOnce)
 {
     ReadReport report;
@@ -953,8 +968,9 @@ INSTANTIATE_TEST_SUITE_P(
         BadJson{"ASeriesOfNumbers", "{\"strandview\": 1, \"series\": [3]}",
                 " series[0]: found 3, expected an object with rods, birods, dna, markers, frames, "
                 "arrows or bases"},
-        BadJson{"AnEmptyFrame", seriesOf(frameOfMarkers("", 1) + ", {\"rods\": []}"),
-                " series[1]: found nothing to show, expected at least one rod, birod, DNA, marker, "
+        BadJson{"FramesOfWhichTheFirstIsEmptyReadAlone",
+                seriesOf("{\"rods\": []}, " + frameOfMarkers("", 1)),
+                " series[0]: found nothing to show, expected at least one rod, birod, DNA, marker, "
                 "frame, arrow or base"},
         BadJson{"AFaultInALaterFrame",
                 seriesOf(frameOfMarkers("", 1) + ", {\"rods\": [{\"points\": [[0, 0]]}]}"),

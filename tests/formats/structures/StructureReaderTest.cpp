@@ -14,10 +14,12 @@
 #include <strandview/analysis/baseAtoms.h>
 #include <strandview/analysis/dnaNumbers.h>
 #include <strandview/analysis/fitFrame.h>
+#include <strandview/formats/JsonReader.h>
 #include <strandview/formats/Source.h>
 #include <strandview/formats/openSeries.h>
 #include <strandview/formats/readFile.h>
 #include <strandview/formats/structures/readAtoms.h>
+#include <strandview/formats/writeJson.h>
 
 #include "support/FilesOfOthers.h"
 #include "support/structureTexts.h"
@@ -130,6 +132,16 @@ TEST(StructureReader, AModelWithoutDnaIsAnEmptyFrame)
     ASSERT_TRUE(series) << report.error;
     ASSERT_EQ(series->count(), 2u);
     EXPECT_TRUE(series->load(1).configuration->dnas.empty());
+
+    std::string written;
+    const auto take = [&](std::string_view piece) {
+        written += piece;
+        return true;
+    };
+    ASSERT_TRUE(writeJson(*series, take, {}, report));
+    const auto again = openJson(written, "again.json", {}, report);
+    ASSERT_TRUE(again) << report.error;
+    EXPECT_EQ(again->count(), 2u);
 }
 
 TEST(StructureReader, WithoutAnyDnaSeriesAndFileAreRefusedAlike)
