@@ -14,8 +14,10 @@
 #include <algebra3d/rotations.h>
 
 #include <strandview/analysis/dnaNumbers.h>
+#include <strandview/analysis/scalars.h>
 #include <strandview/formats/JsonReader.h>
 #include <strandview/formats/Source.h>
+#include <strandview/formats/Unpacker.h>
 #include <strandview/formats/openSeries.h>
 #include <strandview/formats/writeJson.h>
 
@@ -23,7 +25,7 @@ namespace strandview {
 
 namespace {
 
-// Between the bytes of a file and those of the one that is beside it.
+// Between the bytes of a configuration and those of the topology beside it.
 constexpr std::string_view SEPARATOR = "\n====\n";
 
 void require(bool holds, const std::string& what)
@@ -68,6 +70,9 @@ void requireWhole(const Rod& rod)
         require(scalar.values.size() == count, "a value for each point");
     require(rod.lines.empty() || rod.lines.size() == count, "a line for each point");
     require(rod.indices.empty() || rod.indices.size() == count, "an index for each point");
+    for (const std::string& name : builtInScalars())
+        require(findScalar(rod, name).value_or(std::vector<double>()).size() == count,
+                "a scalar for each point");
     const auto gap = rod.points.back() - rod.points.front();
     require(!rod.isClosed || (gap.x == 0 && gap.y == 0 && gap.z == 0),
             "a closed rod ends where it begins");
@@ -98,6 +103,7 @@ void requireWhole(const Dna& dna)
     if (dna.standard)
         requirePairs(*dna.standard, dna.bases.size());
     require(std::isfinite(numbersOf(dna).length), "a length is finite");
+    require(pairsOf(dna).size() == dna.bases.size(), "numbers for each pair");
 }
 
 void requireWhole(const LoneBase& base)
@@ -141,6 +147,20 @@ void requireWritten(const Configuration& configuration)
                 "a point that is written is read");
 }
 
+void requireWritten(Series& series)
+{
+    std::string text;
+    ReadReport report;
+    const auto take = [&](std::string_view piece) {
+        text += piece;
+        return true;
+    };
+    require(writeJson(series, take, {}, report), "a series is written");
+    const std::unique_ptr<Series> again = openJson(text, "written", {}, report);
+    require(again != nullptr, "what is written can be read: " + report.error);
+    require(again->count() == series.count(), "a frame that is written is read");
+}
+
 // ---- What is read
 
 // Of a folder of its own, where the second file may be beside the first.
@@ -158,26 +178,33 @@ public:
     Files(const Files&) = delete;
     Files& operator=(const Files&) = delete;
 
-    std::unique_ptr<Source> open(std::string_view first, std::string_view second,
-                                 ReadReport& report) const
+    std::unique_ptr<Source> open(std::string_view bytes, ReadReport& report) const
     {
-        std::ofstream(folder / "fuzzed.dat", std::ios::binary) << first;
-        std::ofstream(folder / "fuzzed.top", std::ios::binary) << second;
+        const std::size_t separator = bytes.find(SEPARATOR);
+        write("fuzzed.dat", bytes.substr(0, separator));
+        if (separator != bytes.npos) {
+            // Of the same name, or of another, by chance.
+            const bool isOther = separator % 2 == 1;
+            std::filesystem::remove(folder / (isOther ? "fuzzed.top" : "other.top"));
+            write(isOther ? "other.top" : "fuzzed.top", bytes.substr(separator + SEPARATOR.size()));
+        }
         return Source::open((folder / "fuzzed.dat").string(), report);
     }
 
 private:
+    void write(const char* name, std::string_view bytes) const
+    {
+        std::ofstream(folder / name, std::ios::binary) << bytes;
+    }
+
     std::filesystem::path folder;
 };
 
 std::unique_ptr<Source> sourceOf(std::string_view bytes, ReadReport& report)
 {
     static const Files files;
-    const std::size_t separator = bytes.find(SEPARATOR);
-    if (separator == std::string_view::npos)
-        return Source::ofBytes("fuzzed", std::string(bytes));
-    return files.open(bytes.substr(0, separator), bytes.substr(separator + SEPARATOR.size()),
-                      report);
+    const bool areOfFiles = bytes.find(SEPARATOR) != bytes.npos || Unpacker::of(bytes);
+    return areOfFiles ? files.open(bytes, report) : Source::ofBytes("fuzzed", std::string(bytes));
 }
 
 void readAll(const Format& format, std::string_view bytes)
@@ -205,13 +232,18 @@ void loadAll(const Format& format, std::string_view bytes)
     if (!series)
         return;
     const std::size_t most = 8; // frames more are more of the same
+    bool areAllThere = series->count() <= most;
     for (std::size_t frame = 0; frame < std::min(series->count(), most); ++frame) {
+        series->time(frame);
         const LoadedFrame loaded = series->load(frame);
         require(loaded.configuration ? loaded.error.empty() : isOneLine(loaded.error),
                 "a frame or one line");
+        areAllThere = areAllThere && loaded.configuration;
         if (loaded.configuration)
             requireWhole(*loaded.configuration);
     }
+    if (areAllThere)
+        requireWritten(*series);
 }
 
 } // namespace
