@@ -114,6 +114,18 @@ void Table::compare(const std::string& what, double ours, const std::string& pee
                                 : "**no**"});
 }
 
+void Table::rate(const std::string& what, double ours, const std::string& peerName, double peer,
+                 const std::string& unit, double atLeast)
+{
+    const double ratio = ours / peer;
+    text +=
+        row({what, threeDigits(ours) + " " + unit, peerName + ": " + threeDigits(peer) + " " + unit,
+             threeDigits(ratio), atLeast == 0 ? "–" : "≥ " + threeDigits(atLeast),
+             atLeast == 0       ? "–"
+             : ratio >= atLeast ? "yes"
+                                : "**no**"});
+}
+
 void Table::limit(const std::string& what, double ours, const std::string& unit, double limit)
 {
     compare(what, ours, "limit", limit, unit, Goal::AtMost, 1);

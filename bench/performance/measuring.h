@@ -39,6 +39,9 @@ public:
     /// (AtLeast: times faster) or ours / peer (AtMost: times as much).
     void compare(const std::string& what, double ours, const std::string& peerName, double peer,
                  const std::string& unit, Goal goal, double limit);
+    /// A rate, of which more is better, beside another: times as fast; a goal of 0 is none.
+    void rate(const std::string& what, double ours, const std::string& peerName, double peer,
+              const std::string& unit, double atLeast);
     /// A value with a limit of its own, which is also its peer.
     void limit(const std::string& what, double ours, const std::string& unit, double limit);
     /// A value that stands for itself.

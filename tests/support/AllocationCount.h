@@ -5,7 +5,7 @@
 #include <cstddef>
 
 /// What operator new has been asked for since this was made. A program that links the
-/// source has an operator new of its own, which counts.
+/// source has an operator new of its own, which counts; one of them at a time is asked.
 class AllocationCount
 {
 public:
@@ -14,9 +14,14 @@ public:
     std::size_t blocks() const;
     /// The bytes of the largest one, 0 without any.
     std::size_t largest() const;
+    /// The bytes of what is there and was not before, less those of what is there no more.
+    std::ptrdiff_t held() const;
+    /// The most that held() was.
+    std::ptrdiff_t mostHeld() const;
 
 private:
-    std::size_t before;
+    std::size_t blocksBefore;
+    std::ptrdiff_t heldBefore;
 };
 
 #endif

@@ -1,0 +1,199 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// How fast files are read, and what memory that takes.
+#include <algorithm>
+#include <charconv>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <strandview/formats/openSeries.h>
+#include <strandview/formats/readFile.h>
+
+#include "measuring.h"
+#include "support/AllocationCount.h"
+#include "support/largeFiles.h"
+
+using namespace strandview;
+
+namespace {
+
+constexpr double MOST_MEMORY = 8;                          // bytes for each of the file
+constexpr double SLOWEST_TEXT = 100, SLOWEST_BINARY = 500; // MB/s
+constexpr int ROUNDS = 3;
+
+// A folder that goes with the program.
+class TemporaryFolder
+{
+public:
+    TemporaryFolder()
+    {
+        std::string pattern =
+            (std::filesystem::temp_directory_path() / "strandview-XXXXXX").string();
+        const char* const made = mkdtemp(pattern.data());
+        if (!made)
+            std::abort();
+        path = made;
+    }
+    ~TemporaryFolder() { std::filesystem::remove_all(path); }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    std::size_t bytes() const
+    {
+        std::size_t sum = 0;
+        for (const auto& entry : std::filesystem::directory_iterator(path))
+            sum += entry.file_size();
+        return sum;
+    }
+
+    std::string path;
+};
+
+// The processor's time, of the system's part, too: other work on the machine is not in it.
+double processorSeconds()
+{
+    timespec time = {};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+    return double(time.tv_sec) + 1e-9 * double(time.tv_nsec);
+}
+
+// All of its frames, one after another; false and a line on standard error if that fails.
+bool readFrames(const std::string& path)
+{
+    ReadReport report;
+    const std::unique_ptr<Series> series = openSeries({path}, {}, report);
+    for (std::size_t frame = 0; series && frame < series->count(); ++frame)
+        if (const LoadedFrame loaded = series->load(frame); !loaded.configuration)
+            report.error = loaded.error;
+    if (!report.error.empty())
+        std::cerr << report.error << "\n";
+    return report.error.empty();
+}
+
+// Nothing and a line on standard error if that fails.
+std::optional<Configuration> readOne(const std::string& path)
+{
+    ReadReport report;
+    std::optional<Configuration> data = readFile(path, {}, report);
+    if (!data)
+        std::cerr << report.error << "\n";
+    return data;
+}
+
+std::string contentOf(const std::string& path)
+{
+    std::string text(std::filesystem::file_size(path), '\0');
+    std::ifstream(path, std::ios::binary).read(text.data(), std::streamsize(text.size()));
+    return text;
+}
+
+// The peers. What they come to is kept, or they would not be computed.
+volatile double kept = 0;
+
+void sumNumbers(const std::string& path)
+{
+    const std::string text = contentOf(path);
+    double sum = 0;
+    const char* const end = text.data() + text.size();
+    for (const char* place = text.data(); place < end;) {
+        double number = 0;
+        const auto [stop, status] = std::from_chars(place, end, number);
+        sum += status == std::errc() ? number : 0;
+        place = stop == place ? place + 1 : stop;
+    }
+    kept = sum;
+}
+
+void sumBytes(const std::string& path)
+{
+    const std::string bytes = contentOf(path);
+    std::uint64_t sum = 0;
+    for (std::size_t i = 0; i + 8 <= bytes.size(); i += 8) {
+        std::uint64_t word = 0;
+        std::memcpy(&word, &bytes[i], sizeof word);
+        sum += word;
+    }
+    kept = double(sum);
+}
+
+struct Measured
+{
+    double seconds, secondsOfPeer;
+    double memory; // bytes beyond what is returned
+};
+
+// Negative memory if it cannot be read.
+Measured measure(const LargeFile& file, const std::string& path)
+{
+    const bool isText = file.kind == LargeFile::Kind::TEXT || file.kind == LargeFile::Kind::SERIES;
+    std::vector<double> seconds, secondsOfPeer;
+    double memory = 0;
+    for (int round = 0; round < ROUNDS && memory >= 0; ++round) {
+        const double begin = processorSeconds();
+        const AllocationCount count;
+        if (file.kind == LargeFile::Kind::SERIES) {
+            memory = readFrames(path) ? double(count.mostHeld()) : -1;
+            seconds.push_back(processorSeconds() - begin);
+        } else {
+            const std::optional<Configuration> data = readOne(path);
+            seconds.push_back(processorSeconds() - begin);
+            memory = data ? double(count.mostHeld() - count.held()) : -1;
+        }
+        const double middle = processorSeconds();
+        (isText ? sumNumbers : sumBytes)(path);
+        secondsOfPeer.push_back(processorSeconds() - middle);
+    }
+    return {median(seconds), median(secondsOfPeer), memory};
+}
+
+void add(Table& table, const LargeFile& file, double megabytes)
+{
+    const TemporaryFolder folder;
+    file.write(folder.path, std::size_t(megabytes * 1e6));
+    const double bytes = double(folder.bytes());
+    const Measured measured = measure(file, folder.path + "/" + file.name);
+    if (measured.memory < 0)
+        return table.missing(file.what, "it could not be read");
+    const bool isPacked = file.kind == LargeFile::Kind::PACKED;
+    const bool isBinary = file.kind == LargeFile::Kind::BINARY || isPacked;
+    const double rate = bytes / 1e6 / measured.seconds;
+    table.rate(file.what, rate, "goal", isBinary ? SLOWEST_BINARY : SLOWEST_TEXT, "MB/s",
+               isPacked ? 0 : 1);
+    table.rate(file.what, rate, isBinary ? "the bytes added" : "std::from_chars alone",
+               bytes / 1e6 / measured.secondsOfPeer, "MB/s", 0);
+    table.limit("– memory beyond the result", measured.memory / bytes, "bytes/byte", MOST_MEMORY);
+}
+
+} // namespace
+
+// readers [MEGABYTES [FORMAT]...]: files of that size, 100 MB unless told otherwise; of all
+// formats, or of those that one of the words is in.
+int main(int count, char** words)
+{
+    const double megabytes = count > 1 ? std::atof(words[1]) : 100;
+    Table table(
+        "Readers",
+        "Files of " + std::to_string(int(megabytes)) +
+            " MB, in the system's memory already, from opening to the data; of a series all "
+            "frames,\none after another. The time is the processor's, the system's part "
+            "included. The peer reads\nthe file and every number in it, or of a binary file "
+            "adds every eight bytes. How fast an\narchive is unpacked, zlib decides. Memory "
+            "is the most that was held at a time, less what the\nreader returns; of a "
+            "series with the frame that is shown.");
+    for (const LargeFile& file : largeFiles()) {
+        bool isAsked = count < 3;
+        for (int i = 2; i < count; ++i)
+            isAsked = isAsked || file.what.find(words[i]) != std::string::npos;
+        if (isAsked)
+            add(table, file, megabytes);
+    }
+    table.print();
+}
