@@ -95,8 +95,10 @@ std::optional<IndexedText> IndexedText::of(Source& source, TextFrames& frames, s
         std::string_view rest = *piece;
         for (std::size_t stop; !isDone() && (stop = rest.find('\n')) != rest.npos;
              rest.remove_prefix(stop + 1)) {
-            begun += rest.substr(0, std::min(stop, LONGEST_LINE - begun.size()));
-            text.see(withoutCarriageReturn(begun), std::exchange(begunSize, 0) + stop + 1, frames);
+            std::string_view line = rest.substr(0, std::min(stop, LONGEST_LINE - begun.size()));
+            if (begunSize > 0)
+                line = begun += line;
+            text.see(withoutCarriageReturn(line), std::exchange(begunSize, 0) + stop + 1, frames);
             begun.clear();
         }
         begun += rest.substr(0, LONGEST_LINE - begun.size());

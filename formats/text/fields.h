@@ -36,10 +36,10 @@ public:
     std::size_t getPosition() const { return position; }
 
     /// From now on commas separate nothing.
-    void makeCommasText() { comma = ';'; }
-    bool areCommasText() const { return comma == ';'; }
+    void makeCommasText() { separators &= ~COMMA; }
+    bool areCommasText() const { return !(separators & COMMA); }
     /// From now on spaces separate nothing, but tabs still do.
-    void makeSpacesText() { spacesAreText = true; }
+    void makeSpacesText() { separators &= ~SPACE; }
 
     /// The next field of the line: empty between two commas, none at the end of the line.
     /// Of a field in double quotes it is the text between them; if it begins with a
@@ -58,18 +58,23 @@ public:
     STRANDVIEW_FORMATS_EXPORT void nextLine();
 
 private:
-    void skipBlanks();
+    /// What a character may do, a bit each; most do nothing.
+    enum Kind : unsigned { SPACE = 1, BLANK = 2, COMMA = 4, SEMICOLON = 8, COMMENT = 16, END = 32 };
+    struct Kinds;
+    static const Kinds KINDS;
+
+    void skip(unsigned kinds);
+    void skipTo(unsigned kinds);
+    void skipBlanks() { skip(SPACE | BLANK); }
     std::string_view take();
     std::string_view takeQuoted();
-    bool isPartOfField(char c) const;
-    bool isComma(char c) const { return c == comma || c == ';'; }
-    bool isAtField() const { return !isAtEnd() && isPartOfField(text[position]); }
-    bool isAtComma() const { return !isAtEnd() && isComma(text[position]); }
-    bool isAtLineEnd() const;
+    bool isAt(unsigned kinds) const;
+    bool isAtField() const { return !isAtEnd() && !isAt(separators); }
+    bool isAtComma() const { return isAt(separators & (COMMA | SEMICOLON)); }
+    bool isAtLineEnd() const { return isAtEnd() || isAt(END); }
 
     std::string_view text;
-    char comma = ','; ///< separates too, besides semicolons; or is one
-    bool spacesAreText = false;
+    unsigned separators = SPACE | BLANK | COMMA | SEMICOLON | COMMENT | END; ///< of fields
     std::size_t position = 0;
     std::size_t line;
     bool afterComma = false; ///< the line owes a field
