@@ -204,23 +204,36 @@ std::optional<std::string_view> Source::readAll(const ReadOptions& options, Read
 std::optional<std::string> Source::readAt(std::uint64_t offset, std::size_t count,
                                           const ReadOptions& options, ReadReport& report)
 {
+    // Not all the room at once: a count may be a broken file's own.
+    std::string bytes;
+    for (bool isAtEnd = false; !isAtEnd && bytes.size() < count;) {
+        const std::size_t place = bytes.size();
+        bytes.resize(place + std::min(count - place, roomAt(offset + place, place)));
+        const auto more =
+            readAt(offset + place, &bytes[place], bytes.size() - place, options, report);
+        if (!more)
+            return {};
+        isAtEnd = *more < bytes.size() - place;
+        bytes.resize(place + *more);
+    }
+    return bytes;
+}
+
+std::optional<std::size_t> Source::readAt(std::uint64_t offset, char* to, std::size_t count,
+                                          const ReadOptions& options, ReadReport& report)
+{
     const std::uint64_t end = offset + std::min(std::uint64_t(count), EVERYTHING - offset);
     if (!look(options, report) || (!isFile && !unpacked && !fill(end, options, report)))
         return {};
     if (isComplete || end <= filled) {
         const std::size_t from = std::size_t(std::min(offset, std::uint64_t(filled)));
-        return beginning.substr(from, std::min(count, filled - from));
+        return beginning.copy(to, std::min(count, filled - from), from);
     }
-    std::string bytes;
     std::size_t place = 0, got = 1;
-    for (; got > 0 && place < count; place += got) {
-        // Not all the room at once: a count may be a broken file's own.
-        bytes.resize(place + std::min(count - place, roomAt(offset + place, place)));
-        if (!readPiece(&bytes[place], bytes.size() - place, offset + place, options, report, got))
+    for (; got > 0 && place < count; place += got)
+        if (!readPiece(to + place, count - place, offset + place, options, report, got))
             return {};
-    }
-    bytes.resize(place);
-    return bytes;
+    return place;
 }
 
 std::unique_ptr<Source> Source::openBeside(const std::string& fileName, ReadReport& report) const

@@ -63,6 +63,10 @@ public:
     std::optional<std::string> readAt(std::uint64_t offset, std::size_t count,
                                       const ReadOptions& options, ReadReport& report);
 
+    /// The same into memory that is there, of at least `count` bytes; how many were read.
+    std::optional<std::size_t> readAt(std::uint64_t offset, char* to, std::size_t count,
+                                      const ReadOptions& options, ReadReport& report);
+
     /// The file of another name in the same folder, or at a path from there on.
     std::unique_ptr<Source> openBeside(const std::string& fileName, ReadReport& report) const;
 

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <map>
 #include <utility>
 
@@ -31,14 +30,14 @@ struct Bytes
     zip_int64_t read(void* to, zip_uint64_t count)
     {
         const std::uint64_t most = std::min<std::uint64_t>({count, size - place, PIECE});
-        const auto bytes = source.readAt(place, std::size_t(most), *options, *report);
-        if (!bytes) {
+        const auto got =
+            source.readAt(place, static_cast<char*>(to), std::size_t(most), *options, *report);
+        if (!got) {
             zip_error_set(&error, ZIP_ER_READ, EIO);
             return -1;
         }
-        std::memcpy(to, bytes->data(), bytes->size());
-        place += bytes->size();
-        return zip_int64_t(bytes->size());
+        place += *got;
+        return zip_int64_t(*got);
     }
 
     zip_int64_t seek(void* data, zip_uint64_t length)
@@ -213,7 +212,7 @@ std::uint64_t Archive::sizeOf(std::size_t entry) const
                : 0;
 }
 
-std::optional<std::string> Archive::readAt(std::size_t entry, std::uint64_t offset,
+std::optional<std::size_t> Archive::readAt(std::size_t entry, std::uint64_t offset, char* to,
                                            std::size_t count, const ReadOptions& options,
                                            ReadReport& report)
 {
@@ -228,14 +227,14 @@ std::optional<std::string> Archive::readAt(std::size_t entry, std::uint64_t offs
     OpenEntry* const opened = zip->openAt(entry, offset);
     if (!opened)
         return fail(zip_strerror(zip->archive));
-    std::string bytes;
-    for (std::size_t got = 0; got < count;) {
-        // What lies before the offset is read and dropped.
+    std::string dropped; // what lies before the offset
+    std::size_t got = 0;
+    for (zip_int64_t more = 1; more > 0 && got < count;) {
         const std::uint64_t before = offset - std::min(offset, opened->place);
         const std::size_t piece =
             std::size_t(std::min<std::uint64_t>(before > 0 ? before : count - got, PIECE));
-        bytes.resize(got + piece);
-        const zip_int64_t more = zip_fread(opened->file, &bytes[got], piece);
+        dropped.resize(before > 0 ? piece : 0);
+        more = zip_fread(opened->file, before > 0 ? dropped.data() : to + got, piece);
         const std::string reason = more < 0 ? zip_file_strerror(opened->file) : "";
         if (more < 0)
             zip->close(entry);
@@ -243,11 +242,8 @@ std::optional<std::string> Archive::readAt(std::size_t entry, std::uint64_t offs
             return fail(reason);
         opened->place += std::uint64_t(more);
         got += before > 0 ? 0 : std::size_t(more);
-        bytes.resize(got);
-        if (more == 0)
-            break;
     }
-    return bytes;
+    return got;
 }
 
 } // namespace strandview

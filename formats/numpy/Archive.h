@@ -35,11 +35,12 @@ public:
     /// As the archive's directory has it, unpacked; it may be wrong.
     std::uint64_t sizeOf(std::size_t entry) const;
 
-    /// `count` bytes of an entry from an offset on; fewer, or none, only where the end comes
+    /// Reads `count` bytes of an entry from an offset on; how many, fewer only where the end comes
     /// before. A packed entry is unpacked up to there, and from its beginning if it was behind it
     /// already.
-    std::optional<std::string> readAt(std::size_t entry, std::uint64_t offset, std::size_t count,
-                                      const ReadOptions& options, ReadReport& report);
+    std::optional<std::size_t> readAt(std::size_t entry, std::uint64_t offset, char* to,
+                                      std::size_t count, const ReadOptions& options,
+                                      ReadReport& report);
 
 private:
     struct Zip; // keeps libzip out of the header

@@ -56,17 +56,13 @@ void append(std::string& bytes, bool isReversed, std::uint64_t skip, std::uint64
             std::vector<double>& values)
 {
     const std::uint64_t count = bytes.size() / sizeof(Float);
-    if (skip >= count)
-        return;
-    std::size_t to = values.size();
-    values.resize(to + std::size_t((count - skip - 1) / step + 1));
     for (std::uint64_t i = skip; i < count; i += step) {
         char* const place = &bytes[std::size_t(i) * sizeof(Float)];
         if (isReversed)
             std::reverse(place, place + sizeof(Float));
         Float number;
         std::memcpy(&number, place, sizeof(Float));
-        values[to++] = double(number);
+        values.push_back(double(number));
     }
 }
 
@@ -125,12 +121,12 @@ std::vector<std::string> NumpyFile::getNames() const
     return names;
 }
 
-std::optional<std::string> NumpyFile::readBytes(std::size_t entry, std::uint64_t offset,
+std::optional<std::size_t> NumpyFile::readBytes(std::size_t entry, std::uint64_t offset, char* to,
                                                 std::size_t count, const ReadOptions& options,
                                                 ReadReport& report)
 {
-    return archive ? archive->readAt(entry, offset, count, options, report)
-                   : source.readAt(offset, count, options, report);
+    return archive ? archive->readAt(entry, offset, to, count, options, report)
+                   : source.readAt(offset, to, count, options, report);
 }
 
 std::optional<NumpyArray> NumpyFile::describe(const std::string& name, const ReadOptions& options,
@@ -145,10 +141,12 @@ std::optional<NumpyArray> NumpyFile::describe(const std::string& name, const Rea
         array.entry = archive->find(name + std::string(ENDING));
         array.size = archive->sizeOf(array.entry);
     }
-    const auto bytes = readBytes(array.entry, 0, LARGEST_NPY_HEADER, options, report);
-    if (!bytes)
+    std::string bytes(LARGEST_NPY_HEADER, '\0');
+    const auto got = readBytes(array.entry, 0, bytes.data(), bytes.size(), options, report);
+    if (!got)
         return {};
-    const std::string fault = parseNpyHeader(*bytes, array.header);
+    bytes.resize(*got);
+    const std::string fault = parseNpyHeader(bytes, array.header);
     if (fault.empty())
         return array;
     report.error = array.path + ": " + fault;
@@ -170,27 +168,48 @@ std::optional<Numbers> NumpyFile::read(const NumpyArray& array, std::optional<st
     const std::uint64_t there = array.size - std::min(array.size, header.dataOffset);
     if (begin + span > there / header.itemSize)
         return failCut(array, report);
+    // No more than there is of the file: a size in an archive alone takes no memory.
+    const std::uint64_t packed = source.getSize().value_or(0) / header.itemSize;
+    numbers.values.reserve(std::size_t(std::min(count, packed)));
     for (std::uint64_t done = 0; done < span;) {
         const double share = double(done) / double(span);
         ReadOptions asking;
         if (options.goOn)
             asking.goOn = [&options, share](double) { return options.goOn(share); };
         const std::size_t piece = std::size_t(std::min<std::uint64_t>(PIECE, span - done));
-        auto bytes = readBytes(array.entry, header.dataOffset + (begin + done) * header.itemSize,
-                               piece * header.itemSize, asking, report);
-        if (!bytes)
-            return {};
-        if (bytes->size() < piece * header.itemSize)
-            return failCut(array, report);
-        const bool isReversed = header.isBigEndian != isHostBigEndian();
         const std::uint64_t skip = (step - done % step) % step;
-        if (header.itemSize == sizeof(float))
-            append<float>(*bytes, isReversed, skip, step, numbers.values);
-        else
-            append<double>(*bytes, isReversed, skip, step, numbers.values);
+        if (!readPiece(array, begin + done, piece, skip, step, numbers.values, asking, report))
+            return {};
         done += piece;
     }
     return numbers;
+}
+
+bool NumpyFile::readPiece(const NumpyArray& array, std::uint64_t first, std::size_t count,
+                          std::uint64_t skip, std::uint64_t step, std::vector<double>& values,
+                          const ReadOptions& options, ReadReport& report)
+{
+    const NpyHeader& header = array.header;
+    const bool isReversed = header.isBigEndian != isHostBigEndian();
+    const bool isAsInMemory = header.itemSize == sizeof(double) && !isReversed && step == 1;
+    const std::size_t before = values.size();
+    std::string bytes(isAsInMemory ? 0 : count * header.itemSize, '\0');
+    if (isAsInMemory)
+        values.resize(before + count);
+    char* const to = isAsInMemory ? reinterpret_cast<char*>(&values[before]) : bytes.data();
+    const auto got = readBytes(array.entry, header.dataOffset + first * header.itemSize, to,
+                               count * header.itemSize, options, report);
+    if (!got)
+        return false;
+    if (*got < count * header.itemSize) {
+        failCut(array, report);
+        return false;
+    }
+    if (header.itemSize == sizeof(float))
+        append<float>(bytes, isReversed, skip, step, values);
+    else if (!isAsInMemory)
+        append<double>(bytes, isReversed, skip, step, values);
+    return true;
 }
 
 } // namespace strandview

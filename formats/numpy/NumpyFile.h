@@ -4,7 +4,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <initializer_list>
 #include <memory>
 #include <optional>
 #include <string>
@@ -24,14 +23,6 @@ struct Numbers
     std::vector<std::uint64_t> shape;
     std::vector<std::size_t> strides; ///< by how many numbers one more of an index goes on
     std::vector<double> values;
-
-    double at(std::initializer_list<std::size_t> indices) const
-    {
-        std::size_t place = 0, axis = 0;
-        for (const std::size_t index : indices)
-            place += index * strides[axis++];
-        return values[place];
-    }
 };
 
 /// One array of a file, not read yet.
@@ -73,8 +64,13 @@ public:
 
 private:
     explicit NumpyFile(Source& openSource) : source(openSource) {}
-    std::optional<std::string> readBytes(std::size_t entry, std::uint64_t offset, std::size_t count,
-                                         const ReadOptions& options, ReadReport& report);
+    /// Appends every `step`-th of some numbers of the array, from the `skip`-th on.
+    bool readPiece(const NumpyArray& array, std::uint64_t first, std::size_t count,
+                   std::uint64_t skip, std::uint64_t step, std::vector<double>& values,
+                   const ReadOptions& options, ReadReport& report);
+    std::optional<std::size_t> readBytes(std::size_t entry, std::uint64_t offset, char* to,
+                                         std::size_t count, const ReadOptions& options,
+                                         ReadReport& report);
 
     Source& source;
     std::unique_ptr<Archive> archive; ///< null of an .npy file

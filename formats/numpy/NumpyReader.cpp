@@ -429,11 +429,13 @@ private:
         const std::optional<Numbers> numbers = file->read(array, frame, options, *report);
         if (!numbers)
             return false;
+        const std::size_t along = numbers->strides[areRows ? 0 : 1];
+        const std::size_t across = numbers->strides[areRows ? 1 : 0];
         points.reserve(count);
         for (std::size_t i = 0; i < count; ++i) {
             double at[3];
             for (std::size_t axis = 0; axis < 3; ++axis) {
-                at[axis] = areRows ? numbers->at({i, axis}) : numbers->at({axis, i});
+                at[axis] = numbers->values[i * along + axis * across];
                 if (!isCoordinate(at[axis])) {
                     const std::string point = std::to_string(i), xyz = std::to_string(axis);
                     return fail(
@@ -454,12 +456,14 @@ private:
         if (!numbers)
             return false;
         const bool areRows = arrays.areQuaternionRows;
+        const std::size_t along = numbers->strides[areRows ? 0 : 1];
+        const std::size_t across = numbers->strides[areRows ? 1 : 0];
         rod.rotations.reserve(arrays.rotationCount);
         for (std::size_t i = 0; i < arrays.rotationCount; ++i) {
             algebra3d::Quaternion<double>& q = rod.rotations.emplace_back();
             bool areFinite = true;
             for (std::size_t k = 0; k < 4; ++k) {
-                q[int(k)] = areRows ? numbers->at({i, k}) : numbers->at({k, i});
+                q[int(k)] = numbers->values[i * along + k * across];
                 areFinite = areFinite && std::isfinite(q[int(k)]);
             }
             const std::string fault = areFinite ? checkRotation(q, options) : FOUND_NOT_FINITE;
@@ -480,6 +484,9 @@ private:
         const std::optional<Numbers> numbers = file->read(array, frame, options, *report);
         if (!numbers)
             return false;
+        const std::vector<std::size_t>& strides = numbers->strides;
+        const std::size_t along = strides[areRows ? 0 : 2];
+        const std::size_t ofDirector = strides[areRows ? 1 : 0], across = strides[areRows ? 2 : 1];
         rotations.reserve(count);
         for (std::size_t e = 0; e < count; ++e) {
             Directors directors;
@@ -487,7 +494,7 @@ private:
             for (std::size_t d = 0; d < 3; ++d) {
                 double v[3];
                 for (std::size_t k = 0; k < 3; ++k) {
-                    v[k] = areRows ? numbers->at({e, d, k}) : numbers->at({d, k, e});
+                    v[k] = numbers->values[e * along + d * ofDirector + k * across];
                     areFinite = areFinite && std::isfinite(v[k]);
                 }
                 directors[d].emplace(v[0], v[1], v[2]);
