@@ -67,19 +67,6 @@ struct Directions
     std::vector<Vector> d2, d3;
 };
 
-Directions transported(const std::vector<Vector>& points, bool closed)
-{
-    Directions frames;
-    for (std::size_t i = 0; i < points.size(); ++i) {
-        const Vector tangent = tangentAt(points, i, closed);
-        frames.d2.push_back(i == 0 ? firstD2(tangent)
-                                   : carried(frames.d2.back(), points[i - 1], frames.d3.back(),
-                                             points[i], tangent));
-        frames.d3.push_back(tangent);
-    }
-    return frames;
-}
-
 /// Turns every d2 about its d3 by the share of the way that is behind it of what is missing at the
 /// end, where both ends have one tangent: so all edges turn by as little as can be.
 void close(Directions& frames, const std::vector<Vector>& points)
@@ -97,21 +84,43 @@ void close(Directions& frames, const std::vector<Vector>& points)
     frames.d3.back() = frames.d3.front();
 }
 
+algebra3d::Quaternion<double> rotationOf(const Vector& d2, const Vector& d3)
+{
+    return algebra3d::Matrix3<double>(d2.cross(d3), d2, d3).getQuaternion();
+}
+
 } // namespace
 
 std::vector<algebra3d::Quaternion<double>> parallelTransport(const std::vector<Vector>& points)
 {
-    const bool closed = isClosed(points);
-    Directions frames = transported(points, closed);
-    // A rod there and back has opposite tangents at its ends.
-    if (closed && frames.d3.front().dot(frames.d3.back()) > 0)
-        close(frames, points);
+    return parallelTransport(points, isClosed(points));
+}
+
+std::vector<algebra3d::Quaternion<double>> parallelTransport(const std::vector<Vector>& points,
+                                                             bool isClosed)
+{
     std::vector<algebra3d::Quaternion<double>> rotations;
     rotations.reserve(points.size());
+    Directions frames; // of a closed one, of which the end has to be known first
+    frames.d2.reserve(isClosed ? points.size() : 0);
+    frames.d3.reserve(isClosed ? points.size() : 0);
+    Vector d2, d3;
     for (std::size_t i = 0; i < points.size(); ++i) {
-        const Vector &d2 = frames.d2[i], &d3 = frames.d3[i];
-        rotations.push_back(algebra3d::Matrix3<double>(d2.cross(d3), d2, d3).getQuaternion());
+        const Vector tangent = tangentAt(points, i, isClosed);
+        d2 = i == 0 ? firstD2(tangent) : carried(d2, points[i - 1], d3, points[i], tangent);
+        d3 = tangent;
+        if (!isClosed) {
+            rotations.push_back(rotationOf(d2, d3));
+            continue;
+        }
+        frames.d2.push_back(d2);
+        frames.d3.push_back(d3);
     }
+    // A rod there and back has opposite tangents at its ends.
+    if (isClosed && frames.d3.front().dot(frames.d3.back()) > 0)
+        close(frames, points);
+    for (std::size_t i = 0; i < frames.d2.size(); ++i)
+        rotations.push_back(rotationOf(frames.d2[i], frames.d3[i]));
     return rotations;
 }
 

@@ -32,6 +32,9 @@ namespace strandview {
 /// At least 2 points, and no two consecutive ones coincident (model/points.h).
 STRANDVIEW_ANALYSIS_EXPORT std::vector<algebra3d::Quaternion<double>>
 parallelTransport(const std::vector<algebra3d::Vector3<double>>& points);
+/// The same where it is known whether the last point is the first one again.
+STRANDVIEW_ANALYSIS_EXPORT std::vector<algebra3d::Quaternion<double>>
+parallelTransport(const std::vector<algebra3d::Vector3<double>>& points, bool isClosed);
 
 } // namespace strandview
 

@@ -27,27 +27,54 @@ constexpr double SMALLEST_MEAN_TANGENCY = 0.5;
 
 using Indices = std::vector<std::size_t>;
 
-/// Of points of some curves, all of one length: the indices of those that are in no
-/// curve at the place of the one before. Of a single curve they are two if any two were
-/// distinct, since the far end of an edge of mean length or more is one of them.
-Indices distinctPoints(const std::vector<const Points*>& curves)
+/// Points of some curves, all of one length.
+struct Curves
 {
-    std::vector<double> nearest;
-    for (const Points* points : curves)
-        nearest.push_back(smallestEdge(*points));
-    const auto areApart = [&](std::size_t i, std::size_t j) {
+    explicit Curves(std::vector<const Points*> allCurves) : curves(std::move(allCurves))
+    {
+        for (const Points* points : curves)
+            smallestEdges.push_back(smallestEdge(*points));
+    }
+
+    /// Whether the points of both indices are in different places in every curve.
+    bool areApart(std::size_t i, std::size_t j) const
+    {
         for (std::size_t c = 0; c < curves.size(); ++c) {
             const Vector &a = (*curves[c])[i], &b = (*curves[c])[j];
-            if (areCoincident(a, b) || (b - a).getNorm() < nearest[c])
+            if (areCoincident(a, b) || (b - a).getNorm() < smallestEdges[c])
                 return false;
         }
         return true;
-    };
-    Indices kept;
-    for (std::size_t i = 0; i < curves.front()->size(); ++i)
-        if (kept.empty() || areApart(kept.back(), i))
-            kept.push_back(i);
-    return kept;
+    }
+
+    std::size_t size() const { return curves.front()->size(); }
+
+    std::vector<const Points*> curves;
+    std::vector<double> smallestEdges; ///< of each
+};
+
+/// Which of some points are kept.
+struct Kept
+{
+    std::size_t count;
+    Indices indices; ///< of those, unless all are kept
+};
+
+/// Those that are in no curve at the place of the one before. Of a single curve they are two if
+/// any two were distinct, since the far end of an edge of mean length or more is one of them.
+Kept distinctPoints(const Curves& curves)
+{
+    std::size_t apart = std::min<std::size_t>(1, curves.size()); // before the first that is not
+    while (apart < curves.size() && curves.areApart(apart - 1, apart))
+        ++apart;
+    if (apart == curves.size())
+        return {apart, {}};
+    Indices indices(apart);
+    std::iota(indices.begin(), indices.end(), 0);
+    for (std::size_t i = apart; i < curves.size(); ++i)
+        if (curves.areApart(indices.back(), i))
+            indices.push_back(i);
+    return {indices.size(), std::move(indices)};
 }
 
 /// Moves what is kept to the front and cuts off the rest.
@@ -91,28 +118,19 @@ void keepPoints(Birod& birod, const Indices& kept)
 /// After so many rounds, which only a file that was made for it takes, the rest stays. Whether two
 /// are left.
 template <typename Keep>
-bool leaveOutPoints(const std::vector<const Points*>& curves, Keep keepAll)
+bool leaveOutPoints(Curves curves, Keep keepAll)
 {
     constexpr int mostRounds = 64;
     for (int round = 0; round < mostRounds; ++round) {
-        const Indices kept = distinctPoints(curves);
-        if (kept.size() < 2)
+        const Kept kept = distinctPoints(curves);
+        if (kept.count < 2)
             return false;
-        if (kept.size() == curves.front()->size())
+        if (kept.count == curves.size())
             break;
-        keepAll(kept);
+        keepAll(kept.indices);
+        curves = Curves(curves.curves);
     }
     return true;
-}
-
-bool leaveOutPoints(Rod& rod)
-{
-    return leaveOutPoints({&rod.points}, [&](const Indices& kept) { keepPoints(rod, kept); });
-}
-bool leaveOutPoints(Birod& birod)
-{
-    return leaveOutPoints({&birod.points, &birod.points1, &birod.points2},
-                          [&](const Indices& kept) { keepPoints(birod, kept); });
 }
 
 /// Of a closed rod, the last point of which stays where the first one is.
@@ -120,7 +138,7 @@ void leaveOutPointsOfClosed(Rod& rod)
 {
     const auto repeatFirst = [&] { rod.points.back() = rod.points.front(); };
     repeatFirst();
-    leaveOutPoints({&rod.points}, [&](const Indices& kept) {
+    leaveOutPoints(Curves({&rod.points}), [&](const Indices& kept) {
         keepPoints(rod, kept);
         repeatFirst();
     });
@@ -230,20 +248,24 @@ std::string Collector::add(Rod rod)
     for (Scalar& scalar : rod.scalars)
         hasElements = takeToPoints(scalar.values, rod.points) || hasElements;
     const std::size_t count = rod.points.size();
-    const bool didEndsMeet = count > 0 && isClosed(rod.points);
-    if (!leaveOutPoints(rod))
+    const Curves curve({&rod.points});
+    bool doEndsMeet = count > 0 && isClosed(rod.points, curve.smallestEdges[0]);
+    if (!leaveOutPoints(curve, [&](const Indices& kept) { keepPoints(rod, kept); }))
         return areEqual(rod.points)
                    ? "found " + counted(std::min(count, std::size_t(1)), "distinct point") +
                          ", expected at least 2 in a rod"
                    : FOUND_TOO_NEAR;
     const std::size_t merged = count - rod.points.size();
-    const std::string fault = close(rod, didEndsMeet || isClosed(rod.points));
+    doEndsMeet = doEndsMeet || (merged > 0 && isClosed(rod.points));
+    const std::string fault = close(rod, doEndsMeet);
     if (!fault.empty())
         return fault;
     rodsOfElements += hasElements;
     mergedPoints += merged;
     if (rod.rotations.empty()) {
-        rod.rotations = parallelTransport(rod.points);
+        const bool isAsItWas = merged == 0 && !rod.isClosed;
+        rod.rotations =
+            isAsItWas ? parallelTransport(rod.points, doEndsMeet) : parallelTransport(rod.points);
         rod.hasFrames = false;
         transportedRods += !rod.isBackbone; // which nobody expects to have any
     } else {
@@ -259,7 +281,8 @@ std::string Collector::add(Birod birod)
     hasElements = takeToPoints(birod.rotations1, birod.points1) || hasElements;
     hasElements = takeToPoints(birod.rotations2, birod.points2) || hasElements;
     const std::size_t count = birod.points.size();
-    if (!leaveOutPoints(birod))
+    const Curves curves({&birod.points, &birod.points1, &birod.points2});
+    if (!leaveOutPoints(curves, [&](const Indices& kept) { keepPoints(birod, kept); }))
         return "found " + counted(std::min(count, std::size_t(1)), "point") +
                " distinct in the average and in both strands, expected at least 2 in a birod";
     birodsOfElements += hasElements;

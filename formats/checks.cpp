@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <strandview/formats/checks.h>
 
-#include <cmath>
-
 #include <algebra3d/rotations.h>
 
 #include <strandview/formats/text/wording.h>
@@ -12,16 +10,12 @@ namespace strandview {
 
 namespace {
 
-constexpr double LARGEST_COORDINATE = 1e18;
-
 bool isZero(const algebra3d::Quaternion<double>& q)
 {
     return q[0] == 0 && q[1] == 0 && q[2] == 0 && q[3] == 0;
 }
 
 } // namespace
-
-bool isCoordinate(double number) { return std::abs(number) <= LARGEST_COORDINATE; }
 
 std::string checkRotation(algebra3d::Quaternion<double>& rotation, const ReadOptions& options)
 {

@@ -2,7 +2,6 @@
 #include <strandview/model/points.h>
 
 #include <cstddef>
-#include <limits>
 
 namespace strandview {
 
@@ -11,12 +10,6 @@ namespace {
 constexpr double SMALLEST_EDGE_OF_MEAN = 1e-5;
 
 } // namespace
-
-bool areCoincident(const algebra3d::Vector3<double>& a, const algebra3d::Vector3<double>& b)
-{
-    const algebra3d::Vector3<double> distance = b - a;
-    return distance.dot(distance) < std::numeric_limits<double>::min();
-}
 
 double smallestEdge(const std::vector<algebra3d::Vector3<double>>& points)
 {
@@ -32,8 +25,13 @@ double smallestEdge(const std::vector<algebra3d::Vector3<double>>& points)
 
 bool isClosed(const std::vector<algebra3d::Vector3<double>>& points)
 {
+    return areCoincident(points.front(), points.back()) || isClosed(points, smallestEdge(points));
+}
+
+bool isClosed(const std::vector<algebra3d::Vector3<double>>& points, double smallestEdge)
+{
     return areCoincident(points.front(), points.back()) ||
-           (points.back() - points.front()).getNorm() < smallestEdge(points);
+           (points.back() - points.front()).getNorm() < smallestEdge;
 }
 
 } // namespace strandview

@@ -2,6 +2,7 @@
 #ifndef STRANDVIEW_MODEL_POINTS_H
 #define STRANDVIEW_MODEL_POINTS_H
 
+#include <limits>
 #include <vector>
 
 #include <algebra3d/Vector3.h>
@@ -14,8 +15,11 @@ namespace strandview {
 
 /// Whether two points are one to the formulas, which divide by the square of their
 /// distance: they are equal, or so near (below 1.5e-154) that it is no normal number.
-STRANDVIEW_MODEL_EXPORT bool areCoincident(const algebra3d::Vector3<double>& a,
-                                           const algebra3d::Vector3<double>& b);
+inline bool areCoincident(const algebra3d::Vector3<double>& a, const algebra3d::Vector3<double>& b)
+{
+    const algebra3d::Vector3<double> distance = b - a;
+    return distance.dot(distance) < std::numeric_limits<double>::min();
+}
 
 /// Points of one rod that are nearer than this are one: 1e-5 of the mean distance of
 /// consecutive points, not counting coincident ones; 0 without any. Beside unit edges
@@ -24,6 +28,9 @@ STRANDVIEW_MODEL_EXPORT double smallestEdge(const std::vector<algebra3d::Vector3
 
 /// Whether the last of at least two points is the first one again, within smallestEdge().
 STRANDVIEW_MODEL_EXPORT bool isClosed(const std::vector<algebra3d::Vector3<double>>& points);
+/// The same where it is known.
+STRANDVIEW_MODEL_EXPORT bool isClosed(const std::vector<algebra3d::Vector3<double>>& points,
+                                      double smallestEdge);
 
 } // namespace strandview
 
