@@ -11,6 +11,7 @@
 #include <strandview/formats/IndexedSeries.h>
 #include <strandview/formats/Milestones.h>
 #include <strandview/formats/pointRows.h>
+#include <strandview/formats/text/characters.h>
 #include <strandview/formats/text/encoding.h>
 #include <strandview/formats/text/fields.h>
 #include <strandview/formats/text/numbers.h>
@@ -49,8 +50,8 @@ bool isOfFilament(std::string_view line)
 /// The line that the scanner begins.
 std::string_view lineAt(std::string_view text, const FieldScanner& scanner)
 {
-    const std::string_view rest = text.substr(scanner.getPosition());
-    return rest.substr(0, std::min(rest.find_first_of("\r\n"), rest.size()));
+    const std::size_t start = scanner.getPosition();
+    return text.substr(start, findLineEnd(text, start) - start);
 }
 
 /// One frame, line by line.

@@ -15,6 +15,7 @@
 #include <strandview/formats/closedDna.h>
 #include <strandview/formats/directors.h>
 #include <strandview/formats/pairLetters.h>
+#include <strandview/formats/text/characters.h>
 #include <strandview/formats/text/encoding.h>
 #include <strandview/formats/text/numbers.h>
 #include <strandview/formats/text/wording.h>
@@ -26,13 +27,9 @@ namespace {
 using Vector = algebra3d::Vector3<double>;
 using Rows = std::array<Vector, 4>; ///< the origin and the axes
 
-constexpr std::string_view OPENING = "{[(", CLOSING = "}])";
+constexpr CharacterSet OPENING("{[("), CLOSING("}])"), BETWEEN(", \t\r\n"), NUMBER("+-.0123456789"),
+    IN_NUMBER("+-.0123456789eEdD*^"), BEHIND_NUMBER("{}[]() ,\t\r\n");
 constexpr char EXPECTED_PAIRS[] = "the number of base pairs";
-
-bool isOneOf(char c, std::string_view characters)
-{
-    return characters.find(c) != std::string_view::npos;
-}
 
 /// The double strand of pairs one after another.
 class PairCollector
@@ -142,7 +139,7 @@ public:
     std::optional<Configuration> read()
     {
         const auto ends =
-            std::count_if(text.begin(), text.end(), [](char c) { return isOneOf(c, CLOSING); });
+            std::count_if(text.begin(), text.end(), [](char c) { return CLOSING.has(c); });
         pairs.reserve(std::size_t(ends) / 4);
         while (position < text.size()) {
             if (!milestones.pass(position)) {
@@ -163,16 +160,16 @@ public:
 private:
     bool take(char c)
     {
-        if (!isOneOf(c, OPENING) && !isOneOf(c, CLOSING) && !isOneOf(c, ", \t\r\n"))
+        if (!OPENING.has(c) && !CLOSING.has(c) && !BETWEEN.has(c))
             return takeNumber();
         line += c == '\n';
         ++position;
-        if (isOneOf(c, OPENING)) {
+        if (OPENING.has(c)) {
             ++depth;
             return filled == 0 || fail("found an opening bracket after a number, expected 3 "
                                        "numbers");
         }
-        return !isOneOf(c, CLOSING) || close();
+        return !CLOSING.has(c) || close();
     }
 
     bool close()
@@ -193,16 +190,11 @@ private:
 
     bool takeNumber()
     {
-        const std::size_t end =
-            std::min(text.find_first_of("{}[]() ,\t\r\n", position), text.size());
-        std::string field(text.substr(position, end - position));
+        const std::size_t end = BEHIND_NUMBER.findIn(text, position);
+        const std::string_view written = text.substr(position, end - position);
         position = end;
-        const std::size_t power = field.find("*^");
-        const std::string written = field;
-        if (power != std::string::npos)
-            field.replace(power, 2, "e");
         double number = 0;
-        if (parseNumber(field, number) != std::errc() || !std::isfinite(number))
+        if (parseWithPower(written, number) != std::errc() || !std::isfinite(number))
             return fail("found " + inQuotes(written) + ", expected " + EXPECTED_NUMBER);
         if (filled == 3)
             return fail("found a fourth number in brackets, expected 3");
@@ -210,6 +202,16 @@ private:
             return fail("found " + inQuotes(written) + ", expected " + EXPECTED_COORDINATE);
         rows[group][int(filled++)] = number;
         return true;
+    }
+
+    /// Of "1.5*^-3", too, as some programs write powers of ten.
+    static std::errc parseWithPower(std::string_view written, double& number)
+    {
+        const std::size_t power = written.find('*');
+        if (power == std::string_view::npos || written.substr(power, 2) != "*^")
+            return parseNumber(written, number);
+        std::string field(written);
+        return parseNumber(field.replace(power, 2, "e"), number);
     }
 
     /// Always false.
@@ -239,13 +241,13 @@ std::string outlineOf(std::string_view text)
     std::string outline;
     bool isInNumber = false;
     for (const char c : text) {
-        if (isOneOf(c, OPENING) || isOneOf(c, CLOSING))
-            outline += isOneOf(c, OPENING) ? '{' : '}';
-        else if (isOneOf(c, "+-.0123456789") && !isInNumber)
+        if (OPENING.has(c) || CLOSING.has(c))
+            outline += OPENING.has(c) ? '{' : '}';
+        else if (NUMBER.has(c) && !isInNumber)
             outline += '0';
-        else if (!isOneOf(c, ", \t\r\n") && !isInNumber)
+        else if (!BETWEEN.has(c) && !isInNumber)
             outline += c;
-        isInNumber = isOneOf(c, "+-.0123456789eEdD*^");
+        isInNumber = IN_NUMBER.has(c);
         if (outline.size() > longest)
             break;
     }
@@ -255,7 +257,7 @@ std::string outlineOf(std::string_view text)
 bool isInBrackets(std::string_view text)
 {
     const std::size_t first = text.find_first_not_of(" \t\r\n");
-    return first != std::string_view::npos && isOneOf(text[first], OPENING);
+    return first != std::string_view::npos && OPENING.has(text[first]);
 }
 
 } // namespace

@@ -3,6 +3,8 @@
 
 #include <cstdint>
 
+#include <strandview/formats/text/characters.h>
+
 namespace strandview {
 
 namespace {
@@ -73,12 +75,13 @@ bool FieldScanner::isLineComment()
 
 std::string_view FieldScanner::getRestOfLine() const
 {
-    return text.substr(position, text.find_first_of("\r\n", position) - position);
+    return text.substr(position, findLineEnd(text, position) - position);
 }
 
 void FieldScanner::nextLine()
 {
-    skipTo(END);
+    if (!isAtLineEnd())
+        position = findLineEnd(text, position);
     if (!isAtEnd() && text[position++] == '\r' && !isAtEnd() && text[position] == '\n')
         ++position;
     afterComma = false;
