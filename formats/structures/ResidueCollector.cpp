@@ -8,29 +8,36 @@ namespace strandview {
 
 namespace {
 
-constexpr std::size_t LONGEST_NAME = 3;
-
 // Atoms of bases (analysis/baseAtoms.h), where the sugar is, and those between nucleotides.
 constexpr std::string_view NAMES[] = {"C1'", "C2", "C4", "C5", "C6", "C7",  "C8", "N1", "N2", "N3",
                                       "N4",  "N6", "N7", "N9", "O2", "O3'", "O4", "O6", "P"};
 
-/// The name that an atom has in files of today; nothing of one that is not kept.
-std::string_view keptName(std::string_view atom)
+} // namespace
+
+AtomName nameOfAtom(std::string_view name)
 {
-    if (atom == "C5M") // the methyl group of thymine
-        return "C7";
-    if (atom.size() > LONGEST_NAME || atom.empty())
-        return {};
-    for (const std::string_view name : NAMES) {
-        const bool isOld = atom.size() == 3 && atom.back() == '*' && name.size() == 3 &&
-                           name.substr(0, 2) == atom.substr(0, 2);
-        if (name == atom || isOld)
-            return name;
-    }
-    return {};
+    AtomName padded = {};
+    std::copy_n(name.begin(), std::min(name.size(), padded.size()), padded.begin());
+    return padded;
 }
 
-} // namespace
+std::optional<AtomName> keptName(std::string_view atom)
+{
+    static const std::vector<std::uint32_t> names = [] {
+        std::vector<std::uint32_t> all;
+        for (const std::string_view kept : NAMES)
+            all.push_back(numberOf(nameOfAtom(kept)));
+        return all;
+    }();
+    AtomName name = nameOfAtom(atom);
+    if (atom.size() == 3 && name[2] == '*')
+        name[2] = '\'';
+    if (atom == "C5M") // the methyl group of thymine
+        name = nameOfAtom("C7");
+    const bool isKept = atom.size() < name.size() &&
+                        std::find(names.begin(), names.end(), numberOf(name)) != names.end();
+    return isKept ? std::optional(name) : std::nullopt;
+}
 
 ResidueCollector::ResidueCollector(TypeOf typeOfResidue) : typeOfName(std::move(typeOfResidue)) {}
 
@@ -41,11 +48,15 @@ bool ResidueCollector::isEmpty() const
 
 const ResidueType& ResidueCollector::typeOf(std::string_view residue)
 {
-    const auto known = types.find(residue);
-    if (known != types.end())
-        return known->second;
-    const std::string name(residue);
-    return types.emplace(name, typeOfName(name)).first->second;
+    if (lastType && lastType->first == residue) // most often
+        return lastType->second;
+    auto known = types.find(residue);
+    if (known == types.end()) {
+        const std::string name(residue);
+        known = types.emplace(name, typeOfName(name)).first;
+    }
+    lastType = &*known;
+    return known->second;
 }
 
 Residue& ResidueCollector::residueOf(const AtomRow& row, const ResidueType& type)
@@ -79,13 +90,11 @@ void ResidueCollector::add(const AtomRow& row)
     model.hasOther = model.hasOther || type.kind == ResidueKind::OTHER;
     if (type.kind == ResidueKind::AMINO_ACID || type.kind == ResidueKind::WATER)
         return;
-    const std::string_view name = keptName(row.atom);
-    if (name.empty())
+    const std::optional<AtomName> name = keptName(row.atom);
+    if (!name)
         return;
-    ResidueAtom atom{
-        {}, row.conformer, float(row.occupancy), {row.place.x, row.place.y, row.place.z}};
-    std::copy(name.begin(), name.end(), atom.name.begin());
-    residueOf(row, type).atoms.push_back(atom);
+    residueOf(row, type).atoms.push_back(
+        {*name, row.conformer, float(row.occupancy), {row.place.x, row.place.y, row.place.z}});
 }
 
 StructureModel ResidueCollector::take()

@@ -4,8 +4,11 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -39,10 +42,28 @@ struct AtomRow
     algebra3d::Vector3<double> place;
 };
 
+/// Padded with NUL, at least one.
+using AtomName = std::array<char, 4>;
+
+/// As one number: names are alike where those are.
+inline std::uint32_t numberOf(const AtomName& name)
+{
+    std::uint32_t number = 0;
+    std::memcpy(&number, name.data(), sizeof number);
+    return number;
+}
+
+/// The first four characters of a name.
+STRANDVIEW_FORMATS_EXPORT AtomName nameOfAtom(std::string_view name);
+
+/// The name that an atom has in files of today; nothing of one that no frame, backbone or bond is
+/// made of.
+STRANDVIEW_FORMATS_EXPORT std::optional<AtomName> keptName(std::string_view atom);
+
 /// An atom of a residue: one that frames, backbones or bonds are made of.
 struct ResidueAtom
 {
-    std::array<char, 4> name; ///< padded with NUL
+    AtomName name;
     char conformer;
     float occupancy;
     double place[3];
@@ -91,6 +112,7 @@ private:
     TypeOf typeOfName;
     std::map<std::string, ResidueType, std::less<>> types;
     StructureModel model;
+    const std::pair<const std::string, ResidueType>* lastType = nullptr; ///< that was asked for
     std::string part;
     std::size_t parts = 0;
     std::map<std::pair<std::string, std::string>, std::size_t> ofPart; ///< by number and name

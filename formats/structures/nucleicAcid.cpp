@@ -38,8 +38,9 @@ const ResidueAtom* findAtom(const Residue& residue, std::string_view name, char 
         return std::pair(isWanted, atom.occupancy);
     };
     const ResidueAtom* best = nullptr;
+    const std::uint32_t wanted = numberOf(nameOfAtom(name));
     for (const ResidueAtom& atom : residue.atoms)
-        if (name == atom.name.data() && (!best || rankOf(atom) > rankOf(*best)))
+        if (numberOf(atom.name) == wanted && (!best || rankOf(atom) > rankOf(*best)))
             best = &atom;
     return best;
 }
@@ -259,6 +260,8 @@ private:
     static FittedFrame fitTo(const std::vector<BaseAtom>& wanted, const Atoms& atoms)
     {
         std::vector<Vector> places, measured;
+        places.reserve(wanted.size());
+        measured.reserve(wanted.size());
         for (const BaseAtom& atom : wanted) {
             if (const auto place = atoms.place(atom.name)) {
                 places.push_back(atom.place);

@@ -18,6 +18,7 @@
 
 #include <strandview/formats/Milestones.h>
 #include <strandview/formats/checks.h>
+#include <strandview/formats/text/characters.h>
 #include <strandview/formats/text/encoding.h>
 #include <strandview/formats/text/fields.h>
 #include <strandview/formats/text/numbers.h>
@@ -176,21 +177,34 @@ private:
     {
         isInModel = true;
         const std::string_view residue = column(line, 17, 3);
-        const auto [known, isNew] = kinds.emplace(residue, ResidueKind::OTHER);
-        if (isNew)
-            known->second = types(known->first).kind;
-        hasProtein = hasProtein || known->second == ResidueKind::AMINO_ACID;
-        hasWater = hasWater || known->second == ResidueKind::WATER;
-        if (known->second == ResidueKind::AMINO_ACID || known->second == ResidueKind::WATER)
+        const ResidueKind kind = kindOf(residue);
+        hasProtein = hasProtein || kind == ResidueKind::AMINO_ACID;
+        hasWater = hasWater || kind == ResidueKind::WATER;
+        if (kind == ResidueKind::AMINO_ACID || kind == ResidueKind::WATER)
             return true;
         const std::string fault = faultOfAtomLine(line);
         if (!fault.empty()) {
             report.error = fileName + ":" + std::to_string(number) + ": " + fault;
             return false;
         }
-        kept += line.substr(0, LAST_COLUMN);
-        kept += '\n';
+        if (kind != ResidueKind::NUCLEOTIDE || keptName(column(line, 12, 4))) {
+            kept += line.substr(0, LAST_COLUMN);
+            kept += '\n';
+        }
         return true;
+    }
+
+    ResidueKind kindOf(std::string_view residue)
+    {
+        if (lastKind && lastKind->first == residue) // most often
+            return lastKind->second;
+        auto known = kinds.find(residue);
+        if (known == kinds.end()) {
+            const std::string name(residue);
+            known = kinds.emplace(name, types(name).kind).first;
+        }
+        lastKind = &*known;
+        return known->second;
     }
 
     /// "MODRES 1ABC 5CM A    3   DC  ..."
@@ -232,7 +246,8 @@ private:
     ResidueCollector residues;
     ResidueTypes types;
     std::map<std::string, ResidueKind, std::less<>> kinds;
-    std::string kept; ///< lines of the model
+    const std::pair<const std::string, ResidueKind>* lastKind = nullptr; ///< that was asked for
+    std::string kept;                                                    ///< lines of the model
     std::size_t number = 0;
     bool isInModel = false;
     bool hasProtein = false;
@@ -310,11 +325,33 @@ int columnOf(std::string_view tag)
 /// Without quotation marks; nothing of "." and "?", which stand for nothing.
 std::string_view valueOf(std::string_view token)
 {
-    if (token == "." || token == "?")
+    if (token.size() == 1 && (token[0] == '.' || token[0] == '?'))
         return {};
     const bool isQuoted =
         token.size() >= 2 && (token[0] == '"' || token[0] == '\'') && token.back() == token[0];
     return isQuoted ? token.substr(1, token.size() - 2) : token;
+}
+
+bool isOrdinary(char c) { return gemmi::cif::char_table(c) == 1; }
+bool isBlank(char c) { return gemmi::cif::char_table(c) == 2; }
+
+/// Of a value that is nothing but ordinary characters, or is in quotation marks without one between
+/// them; with a blank behind it. 0 of anything else.
+std::size_t sizeOfPlainValue(std::string_view text, std::size_t begin)
+{
+    const char first = begin < text.size() ? text[begin] : '\0';
+    const bool isQuoted = first == '"' || first == '\'';
+    std::size_t end = begin + isQuoted;
+    if (isQuoted)
+        while (end < text.size() && text[end] != first && text[end] != '\n')
+            ++end;
+    else
+        while (end < text.size() && isOrdinary(text[end]))
+            ++end;
+    const bool isClosed = isQuoted && end < text.size() && text[end] == first;
+    end += isClosed;
+    const bool isWhole = end < text.size() && isBlank(text[end]) && isClosed == isQuoted;
+    return isWhole ? end - begin : 0;
 }
 
 /// Takes the tables of atoms and of components from the parser, a value at a time.
@@ -364,6 +401,20 @@ public:
             addAtom(line);
         else
             types.addModified(row[COMPONENT], row[PARENT]);
+    }
+
+    /// Takes the values that a text begins with, one after another, as long as they are plain and
+    /// on one line, and ends with one of them. How many bytes those are.
+    std::size_t addPlainValues(std::string_view rest, std::size_t line)
+    {
+        std::size_t end = 0, place = 0;
+        while (const std::size_t size = sizeOfPlainValue(rest, place)) {
+            addValue(rest.substr(place, size), line);
+            end = place += size;
+            while (place < rest.size() && isBlank(rest[place]) && rest[place] != '\n')
+                ++place;
+        }
+        return end;
     }
 
     void endLoop(std::size_t line)
@@ -438,7 +489,8 @@ private:
         AtomRow atom;
         atom.chain = either(CHAIN, LABEL_CHAIN);
         atom.part = either(LABEL_CHAIN, CHAIN);
-        number = std::string(either(NUMBER, LABEL_NUMBER)) + std::string(row[INSERTION]);
+        number = either(NUMBER, LABEL_NUMBER);
+        number += row[INSERTION];
         atom.number = number;
         atom.residue = either(RESIDUE, LABEL_RESIDUE);
         atom.atom = either(ATOM, LABEL_ATOM);
@@ -527,11 +579,33 @@ struct CifAction<rules::loop_end>
     }
 };
 
+/// gemmi's grammar tries five rules at every value of a table. Most are plain: those are taken at
+/// once, by a loop.
+template <typename Rule>
+struct CifControl : gemmi::cif::Errors<Rule>
+{
+};
+
+template <>
+struct CifControl<rules::loop_value> : gemmi::cif::Errors<rules::loop_value>
+{
+    template <pegtl::apply_mode A, pegtl::rewind_mode M, template <typename...> class Action,
+              template <typename...> class Control, typename Input>
+    static bool match(Input& in, CifScanner& scanner)
+    {
+        const std::size_t size =
+            scanner.addPlainValues({in.current(), in.size()}, in.iterator().line);
+        in.bump_in_this_line(size);
+        return size > 0 ||
+               gemmi::cif::Errors<rules::loop_value>::match<A, M, Action, Control>(in, scanner);
+    }
+};
+
 /// Parses the text; what is wrong with it is thrown.
 void parse(std::string_view text, CifScanner& scanner)
 {
     pegtl::memory_input<> in(text.data(), text.size(), "");
-    if (!pegtl::parse<rules::file, CifAction, gemmi::cif::Errors>(in, scanner))
+    if (!pegtl::parse<rules::file, CifAction, CifControl>(in, scanner))
         throw Fault(1, "found an empty text, expected a data block");
     scanner.finishModel();
 }
@@ -567,7 +641,7 @@ bool readPdb(std::string_view text, const std::string& fileName, const ReadOptio
             report.error = fileName + ": " + READING_STOPPED;
             return false;
         }
-        const std::size_t end = std::min(text.find_first_of("\r\n", start), text.size());
+        const std::size_t end = findLineEnd(text, start);
         if (!scanner.scan(text.substr(start, end - start)))
             return scanner.wasStopped();
         const bool isCrLf = text.substr(end, 2) == "\r\n";
