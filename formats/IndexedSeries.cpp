@@ -170,7 +170,7 @@ std::unique_ptr<Series> IndexedSeries::open(std::unique_ptr<Source> source,
         return nullptr;
     const std::size_t last = text->count() - 1;
     ReadReport reportOfLast;
-    const FrameRead read = text->read(last, *source, *frames, options, reportOfLast);
+    FrameRead read = text->read(last, *source, *frames, options, reportOfLast);
     if (!read.configuration && last == 0) {
         report.error = reportOfLast.error;
         return nullptr;
@@ -180,8 +180,11 @@ std::unique_ptr<Series> IndexedSeries::open(std::unique_ptr<Source> source,
         report.notices.push_back(reportOfLast.error + "; frame " + std::to_string(last) +
                                  ", the last one, is left out");
     }
-    return std::unique_ptr<Series>(
+    std::unique_ptr<IndexedSeries> series(
         new IndexedSeries(std::move(source), std::move(frames), std::move(*text), options));
+    if (last == 0)
+        series->only = {std::move(read.configuration), std::move(reportOfLast.notices), {}};
+    return series;
 }
 
 std::optional<Configuration> IndexedSeries::readFirst(Source& source, TextFrames& frames,
@@ -198,6 +201,8 @@ std::optional<Configuration> IndexedSeries::readFirst(Source& source, TextFrames
 
 LoadedFrame IndexedSeries::loadFrame(std::size_t frame, const GoOn& goOn)
 {
+    if (only)
+        return *std::exchange(only, std::nullopt);
     ReadReport report;
     options.goOn = goOn;
     FrameRead read = text.read(frame, *source, *frames, options, report);

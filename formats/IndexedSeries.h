@@ -123,6 +123,7 @@ private:
     std::unique_ptr<TextFrames> frames;
     IndexedText text;
     ReadOptions options;
+    std::optional<LoadedFrame> only; ///< of a text that has no other, read when it was opened
 };
 
 } // namespace strandview

@@ -479,8 +479,10 @@ private:
         if (levels.empty())
             return Place::FILE;
         const Level& level = levels.back();
-        const Member* member = findMember(level.place, level.key);
-        return member ? member->place : ruleOf(level.place).element;
+        const Rule& rule = ruleOf(level.place);
+        const Member* member =
+            rule.kind == Kind::OBJECT ? findMember(level.place, level.key) : nullptr;
+        return member ? member->place : rule.element;
     }
 
     bool enter(Kind kind, const char* found)

@@ -548,8 +548,8 @@ private:
         if (columns.areOfDna && column == 0)
             return readBase(field);
         const std::errc status = parseNumber(field, row[column]);
-        const bool isComma = !scanner.areCommasText() && hasComma(field);
-        if (status == std::errc() && !isComma && std::isfinite(row[column]))
+        if (status == std::errc() && std::isfinite(row[column]) &&
+            (scanner.areCommasText() || !hasComma(field)))
             return true;
         const bool isNoNumber = status == std::errc() && std::isnan(row[column]);
         if ((field.empty() || isNoNumber) && mayBeMissing(column)) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <strandview/formats/XyzReader.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cstdint>
 #include <string>
@@ -63,6 +64,9 @@ public:
         rod.origin = placeOf(fileName, scanner, frame.line) + "rod 1";
         scanner.nextLine();
         scanner.nextLine();
+        constexpr std::size_t shortestAtom = 8; // "C 0 0 0" and the end of the line
+        rod.points.reserve(std::min<std::uint64_t>(count, frame.text.size() / shortestAtom));
+        rod.lines.reserve(rod.points.capacity());
         Milestones milestones(options, frame.text.size());
         for (; rod.points.size() < count; scanner.nextLine()) {
             if (!milestones.pass(scanner.getPosition()))
