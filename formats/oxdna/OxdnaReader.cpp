@@ -46,7 +46,7 @@ constexpr std::int64_t COMPLEMENTARY_SUM = 3;
 /// One nucleotide as a line of the file has it, in units.
 struct Placed
 {
-    Vector position, a1, a3;
+    Vector position, a1;
 };
 
 std::string_view afterEquals(std::string_view line)
@@ -150,7 +150,8 @@ private:
     bool readNucleotide()
     {
         Placed one;
-        if (!rows.takePoint(one.position) || !rows.takePoint(one.a1) || !rows.takePoint(one.a3))
+        Vector a3;
+        if (!rows.takePoint(one.position) || !rows.takePoint(one.a1) || !rows.takePoint(a3))
             return isLastLine() ? failCut() : false;
         for (int i = 0; i < 3; ++i)
             if (!isCoordinate(UNIT * (std::abs(one.position[i]) + std::abs(one.a1[i]))))
@@ -159,11 +160,16 @@ private:
         BaseFrame frame;
         frame.point = UNIT * (one.position + one.a1 * FRAME_ORIGIN);
         const std::string fault =
-            findRotation({std::nullopt, -one.a1, -one.a3}, options, frame.rotation);
+            findRotation({std::nullopt, -one.a1, -a3}, options, frame.rotation);
         if (!fault.empty())
             return rows.fail("axes a1 and a3: " + fault);
-        nucleotides.push_back(topology.nucleotides[placed.size()]);
-        nucleotides.back().frame = frame;
+        const OxdnaNucleotide& of = topology.nucleotides[placed.size()];
+        Nucleotide& nucleotide = nucleotides.emplace_back();
+        nucleotide.base = of.base;
+        nucleotide.strand = of.strand;
+        nucleotide.previous = of.previous;
+        nucleotide.next = of.next;
+        nucleotide.frame = frame;
         placed.push_back(one);
         return true;
     }
@@ -227,6 +233,7 @@ private:
         rod.origin = fileName + ": " + rod.name;
         rod.isBackbone = true;
         rod.molecule = molecules[strand];
+        rod.points.reserve(chain.size() + 1);
         for (const std::size_t i : chain)
             rod.points.push_back(UNIT * (placed[i].position + placed[i].a1 * BACKBONE_SITE));
         if (nucleotides[chain.back()].next == chain.front()) {

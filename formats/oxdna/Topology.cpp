@@ -77,7 +77,7 @@ private:
             if (!passMilestone() || !hasRoom())
                 return false;
             std::size_t strand = 0;
-            Nucleotide nucleotide;
+            OxdnaNucleotide nucleotide;
             if (!rows.takeCount(strand, expectedStrand()))
                 return false;
             if (strand == 0 || strand > topology.strands)
@@ -106,7 +106,7 @@ private:
     /// Neighbours are each other's, and of one strand.
     bool checkLinks()
     {
-        const std::vector<Nucleotide>& all = topology.nucleotides;
+        const std::vector<OxdnaNucleotide>& all = topology.nucleotides;
         for (std::size_t i = 0; i < all.size(); ++i) {
             const std::size_t next = all[i].next, previous = all[i].previous;
             const bool nextAgrees =
@@ -148,7 +148,7 @@ private:
 
     bool readSequence(std::string_view sequence, std::size_t strand)
     {
-        Nucleotide nucleotide;
+        OxdnaNucleotide nucleotide;
         nucleotide.strand = strand;
         for (std::size_t at = 0, length = 0; at < sequence.size(); at += length) {
             const std::size_t close = sequence.find(')', at);
@@ -174,7 +174,7 @@ private:
     /// The nucleotides of a strand from the first one on, towards the 3' end.
     void link(std::size_t first, bool isCircular)
     {
-        std::vector<Nucleotide>& all = topology.nucleotides;
+        std::vector<OxdnaNucleotide>& all = topology.nucleotides;
         for (std::size_t i = first; i + 1 < all.size(); ++i) {
             all[i].next = i + 1;
             all[i + 1].previous = i;
@@ -187,7 +187,7 @@ private:
 
     // ---- Both
 
-    bool takeBase(std::string_view field, Nucleotide& nucleotide)
+    bool takeBase(std::string_view field, OxdnaNucleotide& nucleotide)
     {
         constexpr std::string_view letterOfCode = "ACGT";
         const std::optional<std::int64_t> number = parseWhole(field);

@@ -15,11 +15,20 @@
 
 namespace strandview {
 
+/// What a nucleotide is wherever it is, as in a Nucleotide (analysis/helices.h).
+struct OxdnaNucleotide
+{
+    char base = UNKNOWN_BASE;
+    std::size_t strand = 0;
+    std::size_t previous = NO_NUCLEOTIDE;
+    std::size_t next = NO_NUCLEOTIDE;
+};
+
 /// The strands of an oxDNA simulation, of which each configuration has the places.
 struct OxdnaTopology
 {
-    std::string name;                    ///< of its file, for messages
-    std::vector<Nucleotide> nucleotides; ///< in the order of configurations, without frames
+    std::string name;                         ///< of its file, for messages
+    std::vector<OxdnaNucleotide> nucleotides; ///< in the order of configurations
     /// Two that are complementary have the sum 3: A, C, G and T (or U) are 0, 1, 2 and 3, and any
     /// other number is that of a base that pairs with one number alone. Letters that are none of
     /// these have UNPAIRED_CODE.

@@ -26,7 +26,7 @@ Read read(const std::string& text)
 std::string lettersOf(const OxdnaTopology& topology)
 {
     std::string letters;
-    for (const Nucleotide& nucleotide : topology.nucleotides)
+    for (const OxdnaNucleotide& nucleotide : topology.nucleotides)
         letters += nucleotide.base;
     return letters;
 }
