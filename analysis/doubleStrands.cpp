@@ -33,6 +33,15 @@ void appendPair(const BaseFrame& strand1, const BaseFrame& strand2, Frames& fram
     append(pair, frames.pairPoints, frames.pairRotations);
 }
 
+template <typename Frames>
+void reserve(std::size_t pairs, Frames& frames)
+{
+    for (Points* points : {&frames.pairPoints, &frames.points1, &frames.points2})
+        points->reserve(pairs);
+    for (Rotations* rotations : {&frames.pairRotations, &frames.rotations1, &frames.rotations2})
+        rotations->reserve(pairs);
+}
+
 constexpr std::size_t MOST_NAMES = 3;
 
 /// The strands' names in the order in which they come, each once: "B,C", or "B,C,D,..." of more.
@@ -57,8 +66,9 @@ Dna makeDna(const Helix& helix, const Nucleotides& nucleotides, const Nucleotide
                namesOf(helix.strand2, nucleotides, names);
     dna.origin = names.file + ": DNA " + dna.name;
     dna.isClosed = helix.isClosed;
+    reserve(helix.strand1.size(), dna);
     if (nucleotides[helix.strand1.front()].standard)
-        dna.standard.emplace();
+        reserve(helix.strand1.size(), dna.standard.emplace());
     for (std::size_t k = 0; k < helix.strand1.size(); ++k) {
         const Nucleotide &a = nucleotides[helix.strand1[k]], &b = nucleotides[helix.strand2[k]];
         dna.bases += a.base == UNKNOWN_BASE ? complementOf(b.base) : a.base;

@@ -2,6 +2,7 @@
 #include <strandview/formats/Collector.h>
 
 #include <algorithm>
+#include <iterator>
 #include <numeric>
 #include <utility>
 
@@ -306,6 +307,14 @@ void Collector::add(Frame frame) { configuration.frames.push_back(std::move(fram
 void Collector::add(Arrow arrow) { configuration.arrows.push_back(std::move(arrow)); }
 
 void Collector::add(LoneBase base) { configuration.loneBases.push_back(std::move(base)); }
+
+void Collector::add(std::vector<LoneBase> bases)
+{
+    if (configuration.loneBases.empty())
+        configuration.loneBases = std::move(bases);
+    else
+        std::move(bases.begin(), bases.end(), std::back_inserter(configuration.loneBases));
+}
 
 std::optional<Configuration> Collector::finish(const std::string& fileName, const char* expected,
                                                ReadReport& report)

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include <strandview/formats/ReadReport.h>
 #include <strandview/formatsExport.h>
@@ -50,6 +51,7 @@ public:
     void add(Frame frame);
     void add(Arrow arrow);
     void add(LoneBase base);
+    void add(std::vector<LoneBase> bases);
 
     /// All of it, and a notice for each thing done; nothing and an error if there is
     /// nothing to show, with what could have been: "rod or DNA".

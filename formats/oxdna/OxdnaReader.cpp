@@ -215,10 +215,11 @@ private:
         for (const std::vector<std::size_t>& chain : chainsOf(nucleotides))
             if (!addBackbone(chain, all.molecules, collector))
                 return {};
+        nucleotides = {};
+        placed = {};
         for (Dna& dna : all.dnas)
             collector.add(std::move(dna));
-        for (LoneBase& base : all.loneBases)
-            collector.add(std::move(base));
+        collector.add(std::move(all.loneBases));
         return collector.finish(fileName, "strand", report);
     }
 

@@ -360,8 +360,7 @@ private:
             addBackbone(strand, found.molecules[strand], collector);
         for (Dna& dna : found.dnas)
             collector.add(std::move(dna));
-        for (LoneBase& base : found.loneBases)
-            collector.add(std::move(base));
+        collector.add(std::move(found.loneBases));
         return collector.finish(fileName, "base or backbone", report);
     }
 
