@@ -303,6 +303,31 @@ TEST(ReadAtoms, StopWhenTheyAreTold)
 }
 
 // Tags in any case, values in quotes, tables that are not asked for, and rows over several lines.
+TEST(ReadAtoms, ValuesOfMmcifMayStandInEveryForm)
+{
+    const std::string begin = "data_x\nloop_\n_atom_site.label_asym_id\n_atom_site.label_seq_id\n"
+                              "_atom_site.label_atom_id\n_atom_site.label_comp_id\n"
+                              "_atom_site.Cartn_x\n_atom_site.Cartn_y\n_atom_site.Cartn_z\n";
+    const Models plain = readBy(readMmcif, begin + "A 1 P DA 1 2 3\nA 1 O3' DA 4 5 6\n");
+    ASSERT_EQ(plain.models.size(), 1u) << plain.error;
+    ASSERT_EQ(plain.models[0].residues.size(), 1u);
+    ASSERT_EQ(plain.models[0].residues[0].atoms.size(), 2u);
+    for (const char* rows : {
+             "A 1 'P' \"DA\" '1' 2 3\nA 1 \"O3'\" 'DA' 4 5 6\n",
+             "A 1 P DA 1 2 3 A 1 'O3'' DA 4 5 6",
+             "A\t1 P\n\n DA 1 2 # here\n3\n# a line\nA 1 O3' DA\r\n4 5 6\r\n",
+             "A 1 P DA 1 2 3\nA 1 O3' DA 4 5 6\nstop_\n",
+             "A 1 P DA 1 2 3\nA 1 O3' DA 4 5 6\n_other.tag [value]\n",
+         }) {
+        SCOPED_TRACE(rows);
+        const Models read = readBy(readMmcif, begin + rows);
+        ASSERT_EQ(read.models.size(), 1u) << read.error;
+        expectSame(read.models[0], plain.models[0]);
+    }
+    const Models wrong = readBy(readMmcif, begin + "A 1 P DA 1 2 3\nA 1 P DA 4 'x y' 6\n");
+    EXPECT_EQ(wrong.error, "here:11: Cartn_y: found 'x y', expected a finite number");
+}
+
 TEST(ReadAtoms, MmcifIsReadAsItMayBeWritten)
 {
     const Models read = readBy(

@@ -3,7 +3,9 @@
 
 #include <clocale>
 #include <cmath>
+#include <cstdlib>
 #include <limits>
+#include <random>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -57,6 +59,34 @@ TEST(Numbers, MayBeInfiniteOrUnknown)
         EXPECT_EQ(parseNumber(field, number), std::errc()) << field;
         EXPECT_TRUE(std::isnan(number)) << field;
     }
+}
+
+TEST(Numbers, AreTheNearestDoublesHoweverManyDigitsTheyHave)
+{
+    std::mt19937_64 random(1);
+    for (int i = 0; i < 200000; ++i) {
+        // Up to 19 digits, and 24 with zeros in front, with the point anywhere or nowhere.
+        std::string field = std::to_string(random() >> (random() % 64));
+        field.insert(0, random() % 6, '0');
+        if (random() % 8 > 0)
+            field.insert(random() % (field.size() + 1), 1, '.');
+        if (random() % 2 > 0)
+            field.insert(0, 1, '-');
+        const double expected = std::strtod(field.c_str(), nullptr), number = numberOf(field);
+        ASSERT_EQ(number, expected) << field;
+        ASSERT_EQ(std::signbit(number), std::signbit(expected)) << field;
+    }
+}
+
+TEST(Numbers, AreExactWhereAProductOfTwoRoundedOnesIsNot)
+{
+    EXPECT_EQ(numberOf("9007199254740992"), 9007199254740992.0);
+    EXPECT_EQ(numberOf("9007199254740993"), 9007199254740992.0);
+    EXPECT_EQ(numberOf("9007199254740995"), 9007199254740996.0);
+    EXPECT_EQ(numberOf("0.1"), 0.1);
+    EXPECT_EQ(numberOf("1.0000000000000000000000"), 1.0);
+    EXPECT_TRUE(std::signbit(numberOf("-0.0")));
+    EXPECT_TRUE(std::signbit(numberOf("-0")));
 }
 
 TEST(Numbers, TooSmallForADoubleAreRoundedAndTooLargeRefused)
