@@ -139,14 +139,15 @@ int run(int argc, char** argv)
         return showWindow(options);
 
     ReadReport report;
-    DataScene* scene = loadScene(options.files, options, report);
+    // The end of the process gives its memory back at once, a long DNA's nodes one by one: a
+    // seventh of the time.
+    static DataScene* scene = nullptr;
+    scene = loadScene(options.files, options, report);
     if (!scene)
         return fail(BAD_INPUT, report.error);
     tell(report.notices);
     scene->ref();
-    const int status = renderPicture(options, scene);
-    scene->unref();
-    return status;
+    return renderPicture(options, scene);
 }
 
 } // namespace
