@@ -30,12 +30,17 @@ struct FieldScanner::Kinds
 {
     constexpr Kinds()
     {
-        at[' '] = SPACE;
-        at['\t'] = at['\v'] = at['\f'] = BLANK;
-        at[','] = COMMA;
-        at[';'] = SEMICOLON;
-        at['#'] = COMMENT;
-        at['\n'] = at['\r'] = END;
+        set(" ", SPACE);
+        set("\t\v\f", BLANK);
+        set(",", COMMA);
+        set(";", SEMICOLON);
+        set("#", COMMENT);
+        set("\n\r", END);
+    }
+    constexpr void set(std::string_view characters, std::uint8_t kind)
+    {
+        for (const char c : characters)
+            at[static_cast<unsigned char>(c)] = kind;
     }
     bool isOne(char c, unsigned kinds) const { return at[static_cast<unsigned char>(c)] & kinds; }
 
