@@ -174,11 +174,11 @@ void add(Table& table, const LargeFile& file, double megabytes)
 
 } // namespace
 
-// readers [MEGABYTES [FORMAT]...]: files of that size, 100 MB unless told otherwise; of all
+// readers [MEGABYTES [FORMAT]...]: files of that size, 50 MB unless told otherwise; of all
 // formats, or of those that one of the words is in.
 int main(int count, char** words)
 {
-    const double megabytes = count > 1 ? std::atof(words[1]) : 100;
+    const double megabytes = count > 1 ? std::atof(words[1]) : 50;
     Table table(
         "Readers",
         "Files of " + std::to_string(int(megabytes)) +
