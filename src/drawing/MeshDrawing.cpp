@@ -398,11 +398,7 @@ public:
             bindFrom(draw.firstVertex);
         glDrawElements(GL_TRIANGLES, draw.indexCount, GL_UNSIGNED_INT,
                        GLBuffer::offset(draw.firstIndex * sizeof(std::uint32_t)));
-        collected += std::size_t(draw.indexCount);
-        if (collects && collected >= 6 * VERTICES_PER_DRAW) {
-            glFinish();
-            collected = 0;
-        }
+        collect(std::size_t(draw.indexCount));
     }
 
     // A triangle of all the vertices, at the latest by drawGathered().
@@ -410,6 +406,8 @@ public:
     {
         for (const std::size_t vertex : {a, b, c})
             gathered.push_back(std::uint32_t(vertex));
+        if (gathered.size() >= MOST_COLLECTED)
+            drawGathered();
     }
 
     void drawGathered()
@@ -421,10 +419,22 @@ public:
         GLBuffer::unbind(GL_ELEMENT_ARRAY_BUFFER);
         glDrawElements(GL_TRIANGLES, GLsizei(gathered.size()), GL_UNSIGNED_INT, gathered.data());
         kept.triangles.bind(GL_ELEMENT_ARRAY_BUFFER);
+        collect(gathered.size());
         gathered.clear();
     }
 
 private:
+    static constexpr std::size_t MOST_COLLECTED = 6 * VERTICES_PER_DRAW; // indices
+
+    void collect(std::size_t indices)
+    {
+        collected += indices;
+        if (collects && collected >= MOST_COLLECTED) {
+            glFinish();
+            collected = 0;
+        }
+    }
+
     // The arrays begin at the vertex that the indices count from: OpenGL has a parameter for
     // that only since its version 3.2.
     void bindFrom(std::size_t vertex)
