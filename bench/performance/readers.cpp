@@ -185,7 +185,8 @@ int main(int count, char** words)
             " MB, in the system's memory already, from opening to the data; of a series all "
             "frames,\none after another. The time is the processor's, the system's part "
             "included. The peer reads\nthe file and every number in it, or of a binary file "
-            "adds every eight bytes. How fast an\narchive is unpacked, zlib decides. Memory "
+            "adds every eight bytes. How fast an\narchive is read, zlib decides first, then the "
+            "making of frames. Memory "
             "is the most that was held at a time, less what the\nreader returns; of a "
             "series with the frame that is shown.");
     for (const LargeFile& file : largeFiles()) {
