@@ -78,6 +78,8 @@ void DepthGrid::Area::extend(const Area& other)
 
 void DepthGrid::Areas::add(const Area& area)
 {
+    if (area.isEmpty())
+        return;
     for (Piece& piece : pieces) {
         Area both = piece.area;
         both.extend(area);

@@ -34,7 +34,8 @@ public:
     class Areas
     {
     public:
-        /// One with another one where a draw more would cost more than what is between them.
+        /// Unless it is empty; one with another one where a draw more would cost more than what
+        /// is between them.
         void add(const Area& area);
         void clear() { pieces.clear(); }
         bool isEmpty() const { return pieces.empty(); }

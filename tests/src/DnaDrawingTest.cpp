@@ -331,7 +331,7 @@ TEST_F(LongDnaDrawingTest, WhatIsHiddenByTheNearestPairsIsNotDrawn)
 {
     dna->showBasePairBoxes(false);
     lookAlong(12);
-    EXPECT_LT(countDraws(), PAIRS);
+    EXPECT_LT(countDraws(), PAIRS / 6);
     camera->position = SbVec3f(2000, 0, 1.7f * PAIRS);
     camera->pointAt(SbVec3f(0, 0, 1.7f * PAIRS));
     EXPECT_EQ(countDraws(), 2 * PAIRS);
