@@ -99,6 +99,9 @@ public:
     /// `typeOfResidue` is asked once for a name.
     explicit ResidueCollector(TypeOf typeOfResidue);
 
+    /// What residues of a name are, as add() takes them.
+    const ResidueType& typeOf(std::string_view residue);
+
     void add(const AtomRow& row);
     bool isEmpty() const;
 
@@ -106,7 +109,6 @@ public:
     StructureModel take();
 
 private:
-    const ResidueType& typeOf(std::string_view residue);
     Residue& residueOf(const AtomRow& row, const ResidueType& type);
 
     TypeOf typeOfName;

@@ -177,7 +177,7 @@ private:
     {
         isInModel = true;
         const std::string_view residue = column(line, 17, 3);
-        const ResidueKind kind = kindOf(residue);
+        const ResidueKind kind = residues.typeOf(residue).kind;
         hasProtein = hasProtein || kind == ResidueKind::AMINO_ACID;
         hasWater = hasWater || kind == ResidueKind::WATER;
         if (kind == ResidueKind::AMINO_ACID || kind == ResidueKind::WATER)
@@ -192,19 +192,6 @@ private:
             kept += '\n';
         }
         return true;
-    }
-
-    ResidueKind kindOf(std::string_view residue)
-    {
-        if (lastKind && lastKind->first == residue) // most often
-            return lastKind->second;
-        auto known = kinds.find(residue);
-        if (known == kinds.end()) {
-            const std::string name(residue);
-            known = kinds.emplace(name, types(name).kind).first;
-        }
-        lastKind = &*known;
-        return known->second;
     }
 
     /// "MODRES 1ABC 5CM A    3   DC  ..."
@@ -245,9 +232,7 @@ private:
     ReadReport& report;
     ResidueCollector residues;
     ResidueTypes types;
-    std::map<std::string, ResidueKind, std::less<>> kinds;
-    const std::pair<const std::string, ResidueKind>* lastKind = nullptr; ///< that was asked for
-    std::string kept;                                                    ///< lines of the model
+    std::string kept; ///< lines of the model
     std::size_t number = 0;
     bool isInModel = false;
     bool hasProtein = false;

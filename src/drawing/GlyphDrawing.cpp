@@ -85,6 +85,13 @@ bool hasRoomForMatrices()
     return depth + 2 <= room;
 }
 
+// Seen from aside, in the mean a quarter of its surface; by half of each of its sides.
+double areaOfBox(const SbVec3f& half)
+{
+    const double a = 2 * std::abs(half[0]), b = 2 * std::abs(half[1]), c = 2 * std::abs(half[2]);
+    return (a * b + b * c + c * a) / 2;
+}
+
 } // namespace
 
 bool isAllOrNothing(const SoSwitch* node)
@@ -214,7 +221,7 @@ struct GlyphDrawing::Compiler
         const auto count = std::int32_t(indices.size()) - firstIndex;
         parts.push_back({{SbVec3f(0, 0, 0), false, firstIndex, count},
                          {state.place, std::abs(radius)},
-                         SbVec3f(0, 0, 0)});
+                         M_PI * double(radius) * double(radius)});
     }
 
     // Of the poles, which come first, and of the rows after them.
@@ -250,8 +257,7 @@ struct GlyphDrawing::Compiler
         const SbVec3f half(cube->width.getValue() * 0.5f, cube->height.getValue() * 0.5f,
                            cube->depth.getValue() * 0.5f);
         batches.push_back({state.place, true, std::int32_t(vertices.size()), 24});
-        const SbVec3f size(std::abs(half[0]), std::abs(half[1]), std::abs(half[2]));
-        parts.push_back({batches.back(), {state.place, size.length()}, size});
+        parts.push_back({batches.back(), {state.place, half.length()}, areaOfBox(half)});
         for (int face = 0; face < 6; ++face) {
             for (int corner : faces[face])
                 addVertex(state,
@@ -319,7 +325,7 @@ bool GlyphDrawing::Compiler::addQuads(const State& state, const SoIndexedFaceSet
     batches.push_back({state.place, true, first, std::int32_t(vertices.size()) - first});
     const SbVec3f half = box.getSize() * 0.5f;
     const SbVec3f middle = state.place + box.getCenter();
-    parts.push_back({batches.back(), {middle, half.length()}, half});
+    parts.push_back({batches.back(), {middle, half.length()}, areaOfBox(half)});
     return true;
 }
 
@@ -381,12 +387,7 @@ void GlyphDrawing::measure(Glyph& glyph)
     SbBox3f box;
     for (const Part& part : glyph.parts) {
         box.extendBy(part.bound.centre);
-        const SbVec3f sides = part.half * 2;
-        const double radius = part.bound.radius;
-        glyph.area +=
-            part.batch.quads
-                ? double(sides[0] * sides[1] + sides[1] * sides[2] + sides[2] * sides[0]) / 2
-                : M_PI * radius * radius;
+        glyph.area += part.area;
     }
     glyph.bound = {glyph.parts.empty() ? SbVec3f(0, 0, 0) : box.getCenter(), 0};
     for (const Part& part : glyph.parts) {

@@ -96,7 +96,7 @@ private:
     {
         Batch batch;
         Ball bound;
-        SbVec3f half; // of the sides of the quadrilaterals' box, along the axes
+        double area; // of the sphere's disc, or of the quadrilaterals' box seen from aside
     };
 
     struct Glyph

@@ -615,7 +615,7 @@ void MeshDrawing::drawInOrder(const Kept& kept, const Colours& colours, bool nor
 double MeshDrawing::drawSeen(const Run& run, Mesh& mesh, const DepthGrid& grid, Drawer& drawer)
 {
     if (run.rows == 0) {
-        drawer.drawGathered(); // what is behind a cap comes after it
+        drawer.drawGathered(); // in their order
         drawer(run.draw);
         return 0;
     }

@@ -66,7 +66,8 @@ std::string nameOfFile(const testing::TestParamInfo<File>& info)
 INSTANTIATE_TEST_SUITE_P(OfUsualFiles, ReaderMemory, testing::ValuesIn(largeFiles()),
                          nameOfFile<LargeFile>);
 
-/// As many points, pairs or nucleotides as a file of some bytes can have.
+/// As many points or pairs as a file of some bytes can have. Nucleotides of oxDNA have rows of some
+/// 50 bytes here: of under 44 they take more.
 struct DenseFile
 {
     std::string name;

@@ -791,7 +791,7 @@ TEST_F(CoilDrawingTest, OfMillionsOfVerticesLooksTheSameWithoutWhatIsHidden)
     const Picture expected = pictureOfMeshes(*coil);
     const Difference difference = compare(drawChanged(), expected);
     EXPECT_EQ(vertices(), 0);
-    EXPECT_GT(draws(), 20); // runs, and not ten times all in their order
+    EXPECT_GT(draws(), 20); // in their order it would be ten
     EXPECT_LE(difference.pixels, 3) << difference;
     EXPECT_GT(difference.covered, 3000);
 }
