@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What the frames of a rod cost. With arguments it only draws, for the counting of
-// instructions: frames SCENE VERTICES FRAMES, where SCENE is empty, still, moving (the
-// camera) or changing (the rod).
-#include <algorithm>
+// instructions: frames SCENE POINTS FRAMES, where SCENE is one of the scenes below.
+#include <array>
 #include <cmath>
 #include <cstdlib>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -14,6 +14,9 @@
 #include <Inventor/SoInteraction.h>
 #include <Inventor/actions/SoGLRenderAction.h>
 #include <Inventor/elements/SoGLCacheContextElement.h>
+#include <Inventor/nodes/SoCallback.h>
+#include <Inventor/nodes/SoMaterial.h>
+#include <Inventor/nodes/SoMaterialBinding.h>
 #include <Inventor/nodes/SoOrthographicCamera.h>
 #include <Inventor/nodes/SoSeparator.h>
 #include <OffscreenContext.h>
@@ -23,24 +26,117 @@
 
 namespace {
 
-// A helix whose tube has about so many vertices.
-SoRod* makeRod(int vertices)
+const int SLICES = 12, SUBSEGMENTS = 10;
+const int COLUMNS = SLICES + 1 + 2; // of the tube and the ribbon
+
+int rowsOf(int points) { return SUBSEGMENTS * (points - 1) + 1; }
+
+using Points = std::vector<algebra3d::Vector3<double>>;
+using Rotations = std::vector<algebra3d::Quaternion<double>>;
+
+// A helix, a little wider or narrower.
+Points makePoints(int count, double radius)
 {
-    const int slices = 12, subsegments = 10;
-    const int points = std::max(2, vertices / (slices * subsegments));
-    std::vector<algebra3d::Vector3<double>> centreline;
-    for (int i = 0; i < points; ++i) {
+    Points points;
+    for (int i = 0; i < count; ++i) {
         const double t = 0.1 * i;
-        centreline.emplace_back(std::cos(t), std::sin(t), 0.1 * t);
+        points.emplace_back(radius * std::cos(t), radius * std::sin(t), 0.1 * t);
     }
-    auto* rod = new SoRod(0.05, 0.1, slices, subsegments, true, true, false);
-    rod->setData(centreline,
-                 std::vector<algebra3d::Quaternion<double>>(static_cast<std::size_t>(points)));
-    return rod;
+    return points;
 }
 
+void renderMeshes(void* shown, SoAction* action)
+{
+    if (!action->isOfType(SoGLRenderAction::getClassTypeId()))
+        return;
+    auto& rod = *static_cast<SoRod*>(shown);
+    rod.getTubeMesh()->render(static_cast<SoGLRenderAction*>(action), 0);
+    rod.getRibbonMesh()->render(static_cast<SoGLRenderAction*>(action), 1);
+}
+
+class Scene
+{
+public:
+    Scene(const std::string& sceneName, int pointCount)
+        : name(sceneName), count(pointCount), points{makePoints(count, 1), makePoints(count, 1.01)}
+    {
+        root->ref();
+        root->addChild(camera);
+        if (name == "empty")
+            return;
+        if (name == "recoloured" || name == "coloured") {
+            auto* binding = new SoMaterialBinding;
+            binding->value = SoMaterialBinding::PER_VERTEX;
+            root->addChild(binding);
+            root->addChild(material);
+            recolour(0);
+        }
+        rod->ref();
+        rod->setData(points[0], rotations);
+        if (name == "immediate") {
+            auto* meshes = new SoCallback;
+            meshes->setCallback(renderMeshes, rod);
+            root->addChild(meshes);
+        } else {
+            root->addChild(rod);
+        }
+        camera->viewAll(root, region);
+    }
+    Scene(const Scene&) = delete;
+    Scene& operator=(const Scene&) = delete;
+    ~Scene()
+    {
+        root->unref();
+        if (name != "empty")
+            rod->unref();
+    }
+
+    void draw(SoGLRenderAction& action, int frame)
+    {
+        if (name == "moving")
+            camera->position =
+                camera->position.getValue() + SbVec3f(frame % 2 ? 0.001f : -0.001f, 0, 0);
+        if (name == "changing" || name == "coloured" || name == "building")
+            rod->setData(points.at(std::size_t(frame % 2)), rotations);
+        if (name == "recoloured")
+            recolour(frame);
+        if (name == "touched" || name == "widened")
+            rod->touch();
+        if (name == "widened") {
+            rod->setTubeRadius(frame % 2 ? 0.05 : 0.06);
+            rod->generate();
+        }
+        if (name != "building")
+            action.apply(root);
+    }
+
+    const SbViewportRegion region{320, 240};
+
+private:
+    // Of the tube's rows, then of the ribbon's.
+    void recolour(int frame)
+    {
+        const int rows = 2 * rowsOf(count);
+        if (material->diffuseColor.getNum() == 0 || material->diffuseColor.getNum() != rows) {
+            material->diffuseColor.setNum(rows);
+            for (int i = 0; i < rows; ++i)
+                material->diffuseColor.set1Value(i, float(i % 256) / 255, 0.5f, 1);
+        }
+        material->diffuseColor.set1Value(0, float(frame % 2), 0, 0);
+    }
+
+    const std::string name;
+    const int count;
+    const std::array<Points, 2> points;
+    const Rotations rotations = Rotations(std::size_t(count));
+    SoSeparator* const root = new SoSeparator;
+    SoOrthographicCamera* const camera = new SoOrthographicCamera;
+    SoMaterial* const material = new SoMaterial;
+    SoRod* const rod = new SoRod(0.05, 0.1, SLICES, SUBSEGMENTS, true, true, false);
+};
+
 // Whether there is OpenGL to draw with.
-bool draw(const std::string& scene, int vertices, int frames)
+bool draw(const std::string& name, int points, int frames)
 {
     SoDB::init();
     SoInteraction::init();
@@ -48,33 +144,15 @@ bool draw(const std::string& scene, int vertices, int frames)
     SoRod::initClass();
     OffscreenContext::install();
 
-    const SbViewportRegion region(320, 240);
-    auto* root = new SoSeparator;
-    root->ref();
-    auto* camera = new SoOrthographicCamera;
-    root->addChild(camera);
-    SoRod* rod = nullptr;
-    if (scene != "empty") {
-        rod = makeRod(vertices);
-        root->addChild(rod);
-    }
-    camera->viewAll(root, region);
-
     void* context = cc_glglue_context_create_offscreen(320, 240);
     if (!context || !cc_glglue_context_make_current(context))
         return false;
-    SoGLRenderAction action(region);
+    Scene scene(name, points);
+    SoGLRenderAction action(scene.region);
     action.setCacheContext(SoGLCacheContextElement::getUniqueCacheContext());
-    for (int i = 0; i < frames; ++i) {
-        if (scene == "moving")
-            camera->position =
-                camera->position.getValue() + SbVec3f(i % 2 ? 0.001f : -0.001f, 0, 0);
-        if (scene == "changing")
-            rod->touch();
-        action.apply(root);
-    }
+    for (int i = 0; i < frames; ++i)
+        scene.draw(action, i);
     cc_glglue_context_reinstate_previous(context);
-    root->unref();
     return true;
 }
 
@@ -84,25 +162,82 @@ public:
     explicit Counter(const char* programPath) : program(programPath) {}
 
     /// The instructions of each frame after so many that are not counted.
-    double perFrame(const std::string& scene, int vertices, int before, int frames)
+    double perFrame(const std::string& scene, int points, int before, int frames)
     {
-        const double without = total(scene, vertices, before);
-        const double with = total(scene, vertices, before + frames);
+        const double without = total(scene, points, before);
+        const double with = total(scene, points, before + frames);
         failed = failed || without < 0 || with < 0;
         return (with - without) / frames;
     }
     bool hasFailed() const { return failed; }
 
 private:
-    double total(const std::string& scene, int vertices, int frames) const
+    double total(const std::string& scene, int points, int frames) const
     {
-        return countInstructions(program,
-                                 {scene, std::to_string(vertices), std::to_string(frames)});
+        return countInstructions(program, {scene, std::to_string(points), std::to_string(frames)});
     }
 
     std::string program;
     bool failed = false;
 };
+
+void addUnchanged(Table& table, Counter& counter)
+{
+    const struct
+    {
+        int points;
+        const char* name;
+    } sizes[] = {{70, "10⁴"}, {700, "10⁵"}, {7000, "10⁶"}};
+    double smallest = 0, smallestMoving = 0;
+    for (const auto& [points, name] : sizes) {
+        const std::string of = std::string(", ") + name + " vertices";
+        const double still = counter.perFrame("still", points, 10, 1000);
+        const double moving = counter.perFrame("moving", points, 10, 1000);
+        if (counter.hasFailed())
+            return;
+        table.limit("Unchanged frame" + of, still, "instructions", 34000);
+        table.limit("Unchanged frame, camera moving" + of, moving, "instructions", 34000);
+        if (points == sizes[0].points) {
+            smallest = still;
+            smallestMoving = moving;
+            continue;
+        }
+        table.compare("Unchanged frame" + of, still, "10⁴ vertices", smallest, "instructions",
+                      Table::Goal::AtMost, 1.02);
+        table.compare("Unchanged frame, camera moving" + of, moving, "10⁴ vertices", smallestMoving,
+                      "instructions", Table::Goal::AtMost, 1.02);
+    }
+}
+
+void addChanged(Table& table, Counter& counter, int points, double empty)
+{
+    const int rows = rowsOf(points);
+    const double vertices = double(rows) * COLUMNS;
+    const std::string of = ", " + std::to_string(points) + " points";
+    const auto perVertex = [&](const char* scene, double without) {
+        return (counter.perFrame(scene, points, 2, 4) - without) / vertices;
+    };
+    const double building = perVertex("building", 0);
+    const double changing = perVertex("changing", empty);
+    const double coloured = perVertex("coloured", empty);
+    const double recoloured = perVertex("recoloured", empty);
+    const double widened = perVertex("widened", empty);
+    const double immediate = perVertex("immediate", empty);
+    if (counter.hasFailed())
+        return;
+    const std::string unit = "instructions/vertex";
+    table.limit("New data given" + of, building, unit, 55);
+    table.limit("The frame after new data" + of, changing - building, unit, 20);
+    table.limit("The frame after new data, with a colour per row" + of, coloured - building, unit,
+                20);
+    table.compare("The frame after new data" + of, changing - building, "immediate mode", immediate,
+                  unit, Table::Goal::AtLeast, 20);
+    table.limit("New data given and the frame after it, per row" + of, changing * COLUMNS,
+                "instructions", 1100);
+    table.limit("New colours and the frame after them" + of, recoloured, unit, 10);
+    table.compare("Another radius and the frame after it" + of, widened, "new data", changing, unit,
+                  Table::Goal::AtMost, 1.02);
+}
 
 } // namespace
 
@@ -117,43 +252,16 @@ int main(int count, char** arguments)
     Table table(
         "Frames",
         "The instructions of one frame of a scene with a camera and a rod, tube and ribbon, "
-        "without the graphics\ndriver's share (`GALLIUM_NOOP=1`). The first frame after a "
-        "change is drawn in immediate mode,\nthe second fills vertex buffers, those after "
-        "it draw from them.");
+        "without the graphics\ndriver's share (`GALLIUM_NOOP=1`); those of a frame after a change "
+        "without those of an empty\nscene. Tubes have 12 slices and 10 subsegments.");
     Counter counter(arguments[0]);
-    const std::string unit = "instructions";
-    const double empty = counter.perFrame("empty", 0, 10, 1000);
-    const struct
-    {
-        int vertices;
-        const char* name;
-    } sizes[] = {{10000, "10⁴"}, {100000, "10⁵"}, {1000000, "10⁶"}};
+    const double empty = counter.perFrame("empty", 2, 10, 1000);
     if (!counter.hasFailed())
-        table.value("Empty scene", empty, unit);
-    double smallest = 0, smallestMoving = 0;
-    for (const auto& [vertices, name] : sizes) {
-        const std::string of = std::string(", ") + name + " vertices";
-        const double still = counter.perFrame("still", vertices, 10, 1000);
-        const double moving = counter.perFrame("moving", vertices, 10, 1000);
-        const double filling = counter.perFrame("still", vertices, 1, 1);
-        const double changing = counter.perFrame("changing", vertices, 1, 1);
-        if (counter.hasFailed()) {
-            table.missing("Frames" + of, "valgrind or OpenGL cannot run");
-            continue;
-        }
-        table.limit("Unchanged frame" + of, still, unit, 34000);
-        table.limit("Unchanged frame, camera moving" + of, moving, unit, 34000);
-        if (vertices == sizes[0].vertices) {
-            smallest = still;
-            smallestMoving = moving;
-        } else {
-            table.compare("Unchanged frame" + of, still, "10⁴ vertices", smallest, unit,
-                          Table::Goal::AtMost, 1.02);
-            table.compare("Unchanged frame, camera moving" + of, moving, "10⁴ vertices",
-                          smallestMoving, unit, Table::Goal::AtMost, 1.02);
-        }
-        table.compare("Frame that fills the buffers" + of, filling, "immediate mode", changing,
-                      unit, Table::Goal::AtMost, 1.5);
-    }
+        table.value("Empty scene", empty, "instructions");
+    addUnchanged(table, counter);
+    for (const int points : {1000, 10000})
+        addChanged(table, counter, points, empty);
+    if (counter.hasFailed())
+        table.missing("Frames", "valgrind or OpenGL cannot run");
     table.print();
 }

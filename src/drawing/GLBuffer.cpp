@@ -45,10 +45,25 @@ bool GLBuffer::areSupported(std::uint32_t context)
     return cc_glglue_has_vertex_buffer_object(cc_glglue_instance(int(context)));
 }
 
-void GLBuffer::write(GLenum target, std::size_t offset, const void* data, std::size_t bytes) const
+void GLBuffer::fill(std::uint32_t currentContext, GLenum target, std::size_t bytes,
+                    const std::function<void(void*)>& write)
 {
+    if (!name) {
+        context = currentContext;
+        glGenBuffers(1, &name);
+    }
     glBindBuffer(target, name);
-    glBufferSubData(target, GLintptr(offset), GLsizeiptr(bytes), data);
+    glBufferData(target, GLsizeiptr(bytes), nullptr, GL_DYNAMIC_DRAW);
+    bool isWritten = bytes == 0;
+    if (void* const lent = isWritten ? nullptr : glMapBuffer(target, GL_WRITE_ONLY)) {
+        write(lent);
+        isWritten = glUnmapBuffer(target); // or what was written is lost
+    }
+    if (!isWritten) {
+        std::vector<unsigned char> own(bytes);
+        write(own.data());
+        glBufferSubData(target, 0, GLsizeiptr(bytes), own.data());
+    }
     glBindBuffer(target, 0);
 }
 

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <vector>
 
@@ -21,10 +22,6 @@ public:
     GLBuffer(std::uint32_t currentContext, GLenum target, const std::vector<Element>& elements)
         : GLBuffer(currentContext, target, elements.data(), elements.size() * sizeof(Element))
     {}
-    /// So many bytes that a BufferWriter fills.
-    GLBuffer(std::uint32_t currentContext, GLenum target, std::size_t bytes)
-        : GLBuffer(currentContext, target, nullptr, bytes)
-    {}
     GLBuffer(GLBuffer&& other) noexcept;
     GLBuffer& operator=(GLBuffer&& other) noexcept;
     ~GLBuffer();
@@ -38,8 +35,11 @@ public:
     void bind(GLenum target) const;
     static void unbind(GLenum target) { GLBuffer().bind(target); }
 
-    /// Replaces bytes from an offset on.
-    void write(GLenum target, std::size_t offset, const void* data, std::size_t bytes) const;
+    /// Makes it one of the current context, which has this name, of so many bytes, all of which
+    /// write(memory) sets: the driver's own where it lends some, so that they are nowhere twice.
+    /// What is still to be drawn from the bytes before is drawn from those.
+    void fill(std::uint32_t currentContext, GLenum target, std::size_t bytes,
+              const std::function<void(void*)>& write);
 
     /// A place in the bound buffer, for OpenGL's functions that take a pointer.
     static const void* offset(std::size_t bytes) { return reinterpret_cast<const void*>(bytes); }
@@ -49,45 +49,6 @@ private:
 
     std::uint32_t context = 0;
     GLuint name = 0;
-};
-
-/// Fills a buffer from its beginning with elements that come one by one, so that they are
-/// never all in memory beside it.
-template <typename Element>
-class BufferWriter
-{
-public:
-    BufferWriter(const GLBuffer& filledBuffer, GLenum bufferTarget)
-        : buffer(filledBuffer), target(bufferTarget)
-    {
-        elements.reserve(CAPACITY);
-    }
-    ~BufferWriter() { flush(); }
-    BufferWriter(const BufferWriter&) = delete;
-    BufferWriter& operator=(const BufferWriter&) = delete;
-
-    void append(const Element& element)
-    {
-        elements.push_back(element);
-        if (elements.size() == CAPACITY)
-            flush();
-    }
-
-private:
-    static constexpr std::size_t CAPACITY = 32 * 1024;
-
-    void flush()
-    {
-        const std::size_t bytes = elements.size() * sizeof(Element);
-        buffer.write(target, written, elements.data(), bytes);
-        written += bytes;
-        elements.clear();
-    }
-
-    const GLBuffer& buffer;
-    const GLenum target;
-    std::vector<Element> elements;
-    std::size_t written = 0; // bytes
 };
 
 /// What somebody keeps in each context, until the context goes.

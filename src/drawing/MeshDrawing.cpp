@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <optional>
 #include <utility>
 
 #include <GL/glext.h>
@@ -26,20 +27,20 @@
 #include "drawing/DepthGrid.h"
 #include "drawing/GLVertexState.h"
 #include "drawing/drawNearestFirst.h"
-#include "drawing/sendMaterial.h"
+#include "sampling/fourAtOnce.h"
 
 using algebra3d::Vector3;
 
 namespace {
 
-// Of one node under different materials; with more of them it is drawn as if it changed.
+// Of one node under different materials; with more of them each is filled when it is drawn.
 const std::size_t LARGEST_COUNT = 8;
 
-// From here on buffers are filled at once, and drawn in several draws.
+// From here on it is drawn in several draws.
 const std::size_t LARGE_COUNT = 2'000'000;
 const std::size_t VERTICES_PER_DRAW = 1 << 18;
 
-// Of fewer rows there is little to leave out.
+// Of fewer rows there is little to leave out; of more, as many tell the area of all.
 const int MANY_ROWS = 1000;
 
 struct BufferVertex
@@ -47,6 +48,7 @@ struct BufferVertex
     float point[3];
     float normal[3];
 };
+static_assert(sizeof(BufferVertex) == 6 * sizeof(float), "as roundVertices() writes them");
 
 struct TexturePlace
 {
@@ -55,53 +57,68 @@ struct TexturePlace
 
 float diagonalOf(const SbBox3f& box) { return (box.getMax() - box.getMin()).length(); }
 
+// Of a strip: from edge to edge, or of a tube through it.
+int oppositeColumn(const Mesh& mesh) { return mesh.getWidth() == 2 ? 1 : mesh.getWidth() / 2; }
+
 // Seen from aside, front and back: two layers of a tube, one of a ribbon, of two columns.
-double areaOfStrip(Mesh& mesh, int row)
+double areaOf(Mesh& mesh, int row, double length)
 {
     const Vector3<double>* const points = mesh.getPoints()[row];
-    const int width = mesh.getWidth();
-    const int opposite = width == 2 ? 1 : width / 2;
-    const double across = (points[opposite] - points[0]).getNorm();
-    const double along =
-        std::max((mesh.getPoints()[row + 1][0] - points[0]).getNorm(),
-                 (mesh.getPoints()[row + 1][opposite] - points[opposite]).getNorm());
-    return along * across * (width == 2 ? 1 : 2);
+    const double across = (points[oppositeColumn(mesh)] - points[0]).getNorm();
+    return length * across * (mesh.getWidth() == 2 ? 1 : 2);
+}
+
+// Along the longer side.
+double areaOfStrip(Mesh& mesh, int row)
+{
+    const Vector3<double>* const here = mesh.getPoints()[row];
+    const Vector3<double>* const next = mesh.getPoints()[row + 1];
+    const int opposite = oppositeColumn(mesh);
+    return areaOf(
+        mesh, row,
+        std::max((next[0] - here[0]).getNorm(), (next[opposite] - here[opposite]).getNorm()));
+}
+
+// Along the middle, which does not tell of a row that is turned against the one before.
+double areaAboutMiddle(Mesh& mesh, int row)
+{
+    const Vector3<double>* const here = mesh.getPoints()[row];
+    const Vector3<double>* const next = mesh.getPoints()[row + 1];
+    const int opposite = oppositeColumn(mesh);
+    return areaOf(mesh, row,
+                  0.5 * ((next[opposite] + next[0]) - (here[opposite] + here[0])).getNorm());
 }
 
 using Colour = std::uint32_t; // four bytes: red, green, blue, alpha
 
-// The colour in which OpenGL draws what has this material.
-Colour colourOf(SoMaterialBundle& bundle, int material)
-{
-    sendMaterial(bundle, material);
-    GLfloat current[4];
-    glGetFloatv(GL_CURRENT_COLOR, current);
-    Colour colour = 0;
-    auto* const bytes = reinterpret_cast<GLubyte*>(&colour);
-    for (int i = 0; i < 4; ++i)
-        bytes[i] = GLubyte(std::lround(255 * current[i]));
-    return colour;
-}
-
-// Neighbours have the same material most of the time.
+// The colours in which OpenGL draws what has a material, as SoGLLazyElement sends them.
 class ColourLookup
 {
 public:
-    explicit ColourLookup(SoMaterialBundle& materials) : bundle(materials) {}
+    explicit ColourLookup(SoState* state)
+        : element(*SoLazyElement::getInstance(state)),
+          last(std::max(element.getNumDiffuse(), 1) - 1),
+          lastTransparency(std::max(element.getNumTransparencies(), 1) - 1)
+    {}
 
-    Colour operator()(int material)
+    Colour operator()(int material) const
     {
-        if (material != lastMaterial) {
-            lastMaterial = material;
-            lastColour = colourOf(bundle, material);
-        }
-        return lastColour;
+        const int index = std::clamp(material, 0, last);
+        const std::uint32_t packed =
+            element.isPacked()
+                ? element.getPackedPointer()[index]
+                : element.getDiffusePointer()[index].getPackedValue(
+                      element.getTransparencyPointer()[std::min(index, lastTransparency)]);
+        Colour colour = 0;
+        auto* const bytes = reinterpret_cast<GLubyte*>(&colour);
+        for (int i = 0; i < 4; ++i)
+            bytes[i] = GLubyte(packed >> (24 - 8 * i));
+        return colour;
     }
 
 private:
-    SoMaterialBundle& bundle;
-    int lastMaterial = -1;
-    Colour lastColour = 0;
+    const SoLazyElement& element;
+    const int last, lastTransparency;
 };
 
 // Whether all that is drawn hides all that is behind it.
@@ -156,8 +173,7 @@ private:
 class MeshDrawing::Layout
 {
 public:
-    Layout(const std::vector<Part>& drawnParts, bool overall)
-        : parts(drawnParts), materialOverall(overall)
+    explicit Layout(const std::vector<Part>& drawnParts) : parts(drawnParts)
     {
         for (const auto& [mesh, materialOffset] : parts) {
             caps.push_back(CapCollector(mesh).caps);
@@ -165,28 +181,86 @@ public:
             for (const Cap& cap : caps.back())
                 vertexCount += cap.corners.size();
         }
-        std::size_t vertex = 0, index = 0;
+        std::size_t vertex = 0;
         for (std::size_t part = 0; part < parts.size(); ++part) {
             Mesh& mesh = parts[part].mesh;
             if (bodySize(mesh) > 0)
-                placeBody(mesh, part, vertex, index);
+                placeBody(mesh, part, vertex);
             for (const Cap& cap : caps[part])
-                placeCap(mesh, cap, part, vertex, index);
+                placeCap(mesh, cap, part, vertex);
         }
     }
 
     std::size_t getVertexCount() const { return vertexCount; }
+    std::size_t getIndexCount() const { return indexCount; }
 
-    // Calls visit(point, normal, texture place, material) for each vertex.
-    template <typename Visit>
-    void visitVertices(Visit visit) const
+    std::vector<Grid> grids() const
     {
+        std::vector<Grid> grids;
         for (std::size_t part = 0; part < parts.size(); ++part) {
-            visitBody(parts[part].mesh, parts[part].materialOffset, visit);
-            for (const Cap& cap : caps[part]) {
-                for (const Cap::Corner& corner : cap.corners)
-                    visit(corner.point, corner.normal, corner.place,
-                          material(parts[part].materialOffset, cap.material));
+            const Mesh& mesh = parts[part].mesh;
+            const bool isThere = bodySize(mesh) > 0;
+            grids.push_back(
+                {isThere ? mesh.getHeight() : 0, isThere ? mesh.getWidth() : 0, caps[part].size()});
+        }
+        return grids;
+    }
+
+    void writeVertices(BufferVertex* to) const
+    {
+        for (const Piece& piece : pieces) {
+            if (!piece.cap) {
+                // All rows are one block.
+                roundVertices(piece.mesh.getPoints()[0], piece.mesh.getNormals()[0],
+                              bodySize(piece.mesh), to->point);
+                to += bodySize(piece.mesh);
+                continue;
+            }
+            for (const Cap::Corner& corner : piece.cap->corners)
+                roundVertices(&corner.point, &corner.normal, 1, (to++)->point);
+        }
+    }
+
+    void writeTextures(TexturePlace* to) const
+    {
+        for (const Piece& piece : pieces) {
+            if (piece.cap) {
+                for (const Cap::Corner& corner : piece.cap->corners)
+                    *to++ = corner.place;
+                continue;
+            }
+            const int height = piece.mesh.getHeight(), width = piece.mesh.getWidth();
+            for (int i = 0; i < height; ++i) {
+                for (int j = 0; j < width; ++j)
+                    *to++ = {float(double(j) / (width - 1)), float(double(i) / (height - 1))};
+            }
+        }
+    }
+
+    // Rows of which both edges have one material have it all across.
+    void writeColours(const ColourLookup& colourOf, bool overall, Colour* to) const
+    {
+        for (const Piece& piece : pieces) {
+            const int offset = parts[piece.part].materialOffset;
+            if (piece.cap) {
+                const Colour colour = colourOf(offset + (overall ? 0 : piece.cap->material));
+                to = std::fill_n(to, piece.cap->corners.size(), colour);
+                continue;
+            }
+            const Mesh& mesh = piece.mesh;
+            const int width = mesh.getWidth();
+            if (overall) {
+                to = std::fill_n(to, bodySize(mesh), colourOf(offset));
+                continue;
+            }
+            for (int i = 0; i < mesh.getHeight(); ++i) {
+                const int material = mesh.getMaterialIndex(i, 0);
+                if (material == mesh.getMaterialIndex(i, width - 1)) {
+                    to = std::fill_n(to, width, colourOf(offset + material));
+                    continue;
+                }
+                for (int j = 0; j < width; ++j)
+                    *to++ = colourOf(offset + mesh.getMaterialIndex(i, j));
             }
         }
     }
@@ -194,16 +268,10 @@ public:
     // See MeshVisitor: the triangles of the strips and fans, each with
     // the corners in the strip's order, which tells their lines and a flat colour. Of a body
     // drawn in several draws the indices of the first rows serve for all that follow.
-    std::vector<std::uint32_t> makeIndices() const
+    void writeIndices(std::uint32_t* to) const
     {
-        std::vector<std::uint32_t> indices;
-        for (const Piece& piece : pieces) {
-            if (piece.cap)
-                addCap(piece, indices);
-            else
-                addBody(piece, indices);
-        }
-        return indices;
+        for (const Piece& piece : pieces)
+            to = piece.cap ? writeCap(piece, to) : writeBody(piece, to);
     }
 
     // How all of it is drawn in the meshes' order, in few draws.
@@ -224,7 +292,7 @@ public:
         std::vector<Run> runs;
         for (const Piece& piece : pieces) {
             if (piece.cap) {
-                const SbBox3f box = boxOf(piece.mesh, piece.row);
+                const SbBox3f box = boxOf(piece.mesh, piece.cap->row);
                 const double side = double(diagonalOf(box));
                 runs.push_back({piece.part, drawOf(piece, 0, 1), box.getCenter(),
                                 diagonalOf(box) / 2, side * side / 2, 0, 0, 0});
@@ -241,8 +309,7 @@ private:
     {
         Mesh& mesh;
         std::size_t part;
-        bool cap;
-        int row; // of a cap
+        const Cap* cap; // null for a body
         std::size_t firstVertex, firstIndex;
         std::size_t strips, indicesPerStrip, stripsPerDraw;
     };
@@ -252,62 +319,54 @@ private:
         return mesh.isValid() ? std::size_t(mesh.getHeight()) * std::size_t(mesh.getWidth()) : 0;
     }
 
-    void placeBody(Mesh& mesh, std::size_t part, std::size_t& vertex, std::size_t& index)
+    void placeBody(Mesh& mesh, std::size_t part, std::size_t& vertex)
     {
         const auto width = std::size_t(mesh.getWidth());
         const auto strips = std::size_t(mesh.getHeight() - 1);
         const std::size_t most = std::max(VERTICES_PER_DRAW / width, std::size_t(1));
         const std::size_t perDraw =
             std::max(vertexCount >= LARGE_COUNT ? std::min(strips, most) : strips, std::size_t(1));
-        pieces.push_back({mesh, part, false, 0, vertex, index, strips, 6 * (width - 1), perDraw});
+        pieces.push_back(
+            {mesh, part, nullptr, vertex, indexCount, strips, 6 * (width - 1), perDraw});
         vertex += bodySize(mesh);
-        index += std::min(strips, perDraw) * pieces.back().indicesPerStrip;
+        indexCount += std::min(strips, perDraw) * pieces.back().indicesPerStrip;
     }
 
-    void placeCap(Mesh& mesh, const Cap& cap, std::size_t part, std::size_t& vertex,
-                  std::size_t& index)
+    void placeCap(Mesh& mesh, const Cap& cap, std::size_t part, std::size_t& vertex)
     {
         const std::size_t size = cap.corners.size();
-        pieces.push_back({mesh, part, true, cap.row, vertex, index, 1, 3 * (size - 2), 1});
+        pieces.push_back({mesh, part, &cap, vertex, indexCount, 1, 3 * (size - 2), 1});
         vertex += size;
-        index += pieces.back().indicesPerStrip;
+        indexCount += pieces.back().indicesPerStrip;
     }
 
-    template <typename Visit>
-    void visitBody(Mesh& mesh, int materialOffset, Visit& visit) const
-    {
-        if (!std::as_const(mesh).isValid())
-            return;
-        const int height = mesh.getHeight(), width = mesh.getWidth();
-        for (int i = 0; i < height; ++i) {
-            for (int j = 0; j < width; ++j) {
-                const TexturePlace place{float(double(j) / (width - 1)),
-                                         float(double(i) / (height - 1))};
-                visit(mesh.getPoints()[i][j], mesh.getNormals()[i][j], place,
-                      material(materialOffset, mesh.getMaterialIndex(i, j)));
-            }
-        }
-    }
-
-    int material(int offset, int index) const { return offset + (materialOverall ? 0 : index); }
-
-    static void addBody(const Piece& piece, std::vector<std::uint32_t>& indices)
+    static std::uint32_t* writeBody(const Piece& piece, std::uint32_t* to)
     {
         const auto width = std::uint32_t(piece.mesh.getWidth());
         for (std::size_t i = 0; i < std::min(piece.strips, piece.stripsPerDraw); ++i) {
             const auto row = std::uint32_t(piece.firstVertex + i * width);
             const std::uint32_t next = row + width;
-            for (std::uint32_t j = 0; j + 1 < width; ++j)
-                indices.insert(indices.end(), {next + j, row + j, next + j + 1, next + j + 1,
-                                               row + j, row + j + 1});
+            for (std::uint32_t j = 0; j + 1 < width; ++j, to += 6) {
+                to[0] = next + j;
+                to[1] = row + j;
+                to[2] = next + j + 1;
+                to[3] = next + j + 1;
+                to[4] = row + j;
+                to[5] = row + j + 1;
+            }
         }
+        return to;
     }
 
-    static void addCap(const Piece& piece, std::vector<std::uint32_t>& indices)
+    static std::uint32_t* writeCap(const Piece& piece, std::uint32_t* to)
     {
         const auto first = std::uint32_t(piece.firstVertex);
-        for (std::uint32_t k = 0; k < piece.indicesPerStrip / 3; ++k)
-            indices.insert(indices.end(), {first, first + k + 1, first + k + 2});
+        for (std::uint32_t k = 0; k < piece.indicesPerStrip / 3; ++k, to += 3) {
+            to[0] = first;
+            to[1] = first + k + 1;
+            to[2] = first + k + 2;
+        }
+        return to;
     }
 
     // Consecutive strips of one draw.
@@ -362,9 +421,8 @@ private:
     }
 
     const std::vector<Part>& parts;
-    const bool materialOverall;
     std::vector<std::vector<Cap>> caps; // of each part
-    std::size_t vertexCount = 0;
+    std::size_t vertexCount = 0, indexCount = 0;
     std::vector<Piece> pieces; // in the order of the vertices
 };
 
@@ -490,117 +548,119 @@ bool MeshDrawing::Materials::operator==(const Materials& other) const
 
 void MeshDrawing::draw(const SoNode& node, SoGLRenderAction* action, const std::vector<Part>& parts)
 {
-    if (drawnId != node.getNodeId()) {
-        drawnId = node.getNodeId();
-        contexts.clear();
-        measure(parts);
-    }
     SoState* const state = action->getState();
+    const std::uint32_t context = action->getCacheContext();
     SoMaterialBundle bundle(action);
     bundle.sendFirst();
-    const std::uint32_t context = action->getCacheContext();
-    if (!state->isCacheOpen() && GLBuffer::areSupported(context)) {
-        Kept& kept = contexts[context];
-        DepthGrid grid(state);
-        const bool overdrawn = grid.mayCover(centre, radius, area, SORTED_LAYERS) &&
-                               rowCount >= MANY_ROWS && isOpaque(state) &&
-                               DepthGrid::isUsable(state);
-        if (const Colours* colours = find(action, kept, parts, overdrawn)) {
-            const bool normals = !bundle.isColorOnly();
-            if (overdrawn)
-                drawNearestFirst(kept, *colours, normals, state, parts, grid);
-            else
-                drawInOrder(kept, *colours, normals, state);
-            // Which colour is current now OpenGL leaves open.
-            SoGLLazyElement::getInstance(state)->reset(state, SoLazyElement::DIFFUSE_MASK);
-            return;
-        }
+    if (state->isCacheOpen() || !GLBuffer::areSupported(context)) {
+        for (const auto& [mesh, materialOffset] : parts)
+            mesh.render(action, materialOffset);
+        return;
     }
-    for (const auto& [mesh, materialOffset] : parts)
-        mesh.render(action, materialOffset);
+    if (drawnId != node.getNodeId()) {
+        drawnId = node.getNodeId();
+        measure(parts);
+    }
+    Kept& kept = contexts[context];
+    const Colours& colours = prepare(action, kept, parts);
+    const bool normals = !bundle.isColorOnly();
+    DepthGrid grid(state);
+    if (grid.mayCover(centre, radius, area, SORTED_LAYERS) && isOpaque(state) &&
+        DepthGrid::isUsable(state))
+        drawNearestFirst(kept, colours, normals, state, parts, grid);
+    else
+        drawInOrder(kept, colours, normals, state);
+    // Which colour is current now OpenGL leaves open.
+    SoGLLazyElement::getInstance(state)->reset(state, SoLazyElement::DIFFUSE_MASK);
 }
 
-// From few points per row, so that what changes in every frame costs hardly more.
+// From few points, so that what changes in every frame costs hardly more. Without many rows there
+// is no area.
 void MeshDrawing::measure(const std::vector<Part>& parts)
 {
     SbBox3f box;
     area = 0;
-    rowCount = 0;
+    int rowCount = 0;
+    for (const auto& [mesh, materialOffset] : parts)
+        rowCount += std::as_const(mesh).isValid() ? mesh.getHeight() : 0;
+    if (rowCount < MANY_ROWS)
+        return;
+    const int step = rowCount / MANY_ROWS;
     for (const auto& [mesh, materialOffset] : parts) {
         if (!std::as_const(mesh).isValid())
             continue;
-        rowCount += mesh.getHeight();
-        const int opposite = mesh.getWidth() == 2 ? 1 : mesh.getWidth() / 2;
-        for (int i = 0; i < mesh.getHeight(); ++i) {
+        for (int i = 0; i < mesh.getHeight(); i += step) {
             box.extendBy(toSbVec3f(mesh.getPoints()[i][0]));
-            box.extendBy(toSbVec3f(mesh.getPoints()[i][opposite]));
+            box.extendBy(toSbVec3f(mesh.getPoints()[i][oppositeColumn(mesh)]));
             if (i + 1 < mesh.getHeight())
-                area += areaOfStrip(mesh, i);
+                area += step * areaAboutMiddle(mesh, i);
         }
     }
-    centre = box.isEmpty() ? SbVec3f(0, 0, 0) : box.getCenter();
-    radius = box.isEmpty() ? 0 : diagonalOf(box) / 2;
+    centre = box.getCenter();
+    radius = diagonalOf(box) / 2;
 }
 
-// Those that the parts are drawn with, filled, or null if they were not seen before and need
-// not be there at once.
-const MeshDrawing::Colours* MeshDrawing::find(SoGLRenderAction* action, Kept& kept,
-                                              const std::vector<Part>& parts, bool atOnce)
+// Fills what is not there yet. Returns the colours that the parts are drawn with.
+const MeshDrawing::Colours& MeshDrawing::prepare(SoGLRenderAction* action, Kept& kept,
+                                                 const std::vector<Part>& parts) const
+{
+    SoState* const state = action->getState();
+    const std::uint32_t context = action->getCacheContext();
+    std::optional<Layout> made;
+    const auto layout = [&]() -> const Layout& { return made ? *made : made.emplace(parts); };
+
+    if (kept.filledId != drawnId)
+        fillVertices(kept, context, layout());
+    if (!kept.textures && SoGLTextureEnabledElement::get(state))
+        kept.textures.fill(
+            context, GL_ARRAY_BUFFER, layout().getVertexCount() * sizeof(TexturePlace),
+            [&](void* memory) { layout().writeTextures(static_cast<TexturePlace*>(memory)); });
+    const Materials materials(state);
+    Colours& colours = takeColours(kept, materials);
+    if (!colours.buffer || !(colours.materials == materials)) {
+        colours.materials = materials;
+        colours.buffer.fill(context, GL_ARRAY_BUFFER, layout().getVertexCount() * sizeof(Colour),
+                            [&](void* memory) {
+                                layout().writeColours(ColourLookup(state), isMaterialOverall(state),
+                                                      static_cast<Colour*>(memory));
+                            });
+    }
+    colours.usedId = drawnId;
+    return colours;
+}
+
+void MeshDrawing::fillVertices(Kept& kept, std::uint32_t context, const Layout& layout) const
+{
+    if (!kept.triangles || kept.grids != layout.grids()) {
+        kept = Kept();
+        kept.grids = layout.grids();
+        kept.draws = layout.makeDraws();
+        kept.triangles.fill(
+            context, GL_ELEMENT_ARRAY_BUFFER, layout.getIndexCount() * sizeof(std::uint32_t),
+            [&](void* memory) { layout.writeIndices(static_cast<std::uint32_t*>(memory)); });
+    }
+    kept.vertices.fill(
+        context, GL_ARRAY_BUFFER, layout.getVertexCount() * sizeof(BufferVertex),
+        [&](void* memory) { layout.writeVertices(static_cast<BufferVertex*>(memory)); });
+    kept.runs.clear();
+    kept.filledId = drawnId;
+}
+
+// Those of these materials, or some to be filled: where data and colours change together, those
+// that were not used since then.
+MeshDrawing::Colours& MeshDrawing::takeColours(Kept& kept, const Materials& materials) const
 {
     auto& colours = kept.colours;
-    const Materials materials(action->getState());
-    const auto found = std::find_if(colours.begin(), colours.end(), [&](const Colours& seen) {
-        return seen.materials == materials;
-    });
-    const bool textured = SoGLTextureEnabledElement::get(action->getState());
-    if (found != colours.end()) {
-        std::rotate(found, found + 1, colours.end());
-        if (colours.back().buffer && (kept.textures || !textured))
-            return &colours.back();
-    }
-    const Layout layout(parts, isMaterialOverall(action->getState()));
-    if (found == colours.end()) {
-        if (colours.size() == LARGEST_COUNT)
-            colours.erase(colours.begin());
-        colours.push_back({materials, {}});
-        if (!atOnce && layout.getVertexCount() < LARGE_COUNT)
-            return nullptr;
-    }
-    const std::uint32_t context = action->getCacheContext();
-    if (!kept.vertices)
-        fillVertices(kept, context, layout);
-    if (!kept.textures && textured) {
-        const std::size_t bytes = layout.getVertexCount() * sizeof(TexturePlace);
-        kept.textures = GLBuffer(context, GL_ARRAY_BUFFER, bytes);
-        BufferWriter<TexturePlace> writer(kept.textures, GL_ARRAY_BUFFER);
-        layout.visitVertices([&](const auto&, const auto&, const TexturePlace& place, int) {
-            writer.append(place);
-        });
-    }
-    if (GLBuffer& buffer = colours.back().buffer; !buffer) {
-        buffer = GLBuffer(context, GL_ARRAY_BUFFER, layout.getVertexCount() * sizeof(Colour));
-        BufferWriter<Colour> writer(buffer, GL_ARRAY_BUFFER);
-        SoMaterialBundle bundle(action);
-        ColourLookup lookup(bundle);
-        layout.visitVertices([&](const auto&, const auto&, const auto&, int material) {
-            writer.append(lookup(material));
-        });
-    }
-    return &colours.back();
-}
-
-void MeshDrawing::fillVertices(Kept& kept, std::uint32_t context, const Layout& layout)
-{
-    kept.vertices =
-        GLBuffer(context, GL_ARRAY_BUFFER, layout.getVertexCount() * sizeof(BufferVertex));
-    BufferWriter<BufferVertex> writer(kept.vertices, GL_ARRAY_BUFFER);
-    layout.visitVertices(
-        [&](const Vector3<double>& point, const Vector3<double>& normal, const TexturePlace&, int) {
-            writer.append({{float(point.x), float(point.y), float(point.z)},
-                           {float(normal.x), float(normal.y), float(normal.z)}});
-        });
-    kept.triangles = GLBuffer(context, GL_ELEMENT_ARRAY_BUFFER, layout.makeIndices());
-    kept.draws = layout.makeDraws();
+    auto taken = std::find_if(colours.begin(), colours.end(),
+                              [&](const Colours& seen) { return seen.materials == materials; });
+    if (taken == colours.end() && !colours.empty() &&
+        (colours.size() == LARGEST_COUNT || colours.front().usedId != drawnId))
+        taken = colours.begin();
+    if (taken == colours.end())
+        colours.push_back({materials, drawnId, {}});
+    else
+        std::rotate(taken, taken + 1, colours.end());
+    return colours.back();
 }
 
 void MeshDrawing::drawInOrder(const Kept& kept, const Colours& colours, bool normals,
@@ -649,7 +709,7 @@ void MeshDrawing::drawNearestFirst(Kept& kept, const Colours& colours, bool norm
                                    const std::vector<Part>& parts, DepthGrid& grid)
 {
     if (kept.runs.empty())
-        kept.runs = Layout(parts, isMaterialOverall(state)).makeRuns();
+        kept.runs = Layout(parts).makeRuns();
     Drawer drawer(kept, colours, normals, state);
     const double stretch = DepthGrid::stretchOf(grid.getToEye());
     std::vector<InView<const Run*>> seen;

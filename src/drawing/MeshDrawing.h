@@ -17,21 +17,19 @@ class SoGLRenderAction;
 class SoNode;
 class SoState;
 
-/// Draws the meshes of a node so that a frame in which nothing of it changed costs the same
-/// whatever their size.
+/// Draws the meshes of a node from vertex buffers, so that a frame in which nothing of it changed
+/// costs the same whatever their size, and one after a change what its vertices cost.
 ///
-/// What is drawn for the first time, or after a change, is drawn by the meshes themselves:
-/// what changes in every frame costs nothing more. When the same is drawn again it is put
-/// into vertex buffers, and drawn from them from then on; the picture is the same. The same
-/// means: by the same node id, in the same OpenGL context, with materials from the same
-/// place; the materials are kept as one colour per vertex. A display list that somebody
-/// records gets what the meshes send.
+/// What depends on the grids alone (triangles, texture coordinates) is made once for as long as
+/// they have as many rows and columns; the vertices, rounded to float, when the node's id is
+/// another one; the colours, one for each vertex, when the materials come from another place. Each
+/// OpenGL context has its own. The picture is that of the meshes' render(), which draws where
+/// there are no buffers, and what goes into a display list that somebody records.
 ///
-/// From two million vertices on it is put into buffers at once, which takes less than half of
-/// the time, and drawn in several draws.
+/// From two million vertices on they are drawn in several draws.
 ///
-/// Where much of it would lie one behind the other, as in a coil seen along its axis, it is put
-/// into buffers at once, the nearest comes first, and triangles that are hidden are not drawn.
+/// Where much of it would lie one behind the other, as in a coil seen along its axis, the nearest
+/// comes first, and triangles that are hidden are not drawn.
 ///
 /// Coin caches no extension shape unless it is told to, and gives up every cache in which a
 /// shader program was traversed: what hangs beside a program keeps its own.
@@ -45,7 +43,8 @@ public:
     };
 
     /// Draws the parts in their order, as their render() does. They are the same until the
-    /// node's id changes; their material offsets may depend on the material binding.
+    /// node's id changes. Their material offsets may depend on the material binding; parts of as
+    /// many rows and columns have the same ones.
     void draw(const SoNode& node, SoGLRenderAction* action, const std::vector<Part>& parts);
 
 private:
@@ -61,7 +60,19 @@ private:
     struct Colours
     {
         Materials materials;
-        GLBuffer buffer; // none yet if they were seen once
+        SbUniqueId usedId; // the node's when they were used last
+        GLBuffer buffer;
+    };
+    /// What the triangles between the vertices of a part depend on.
+    struct Grid
+    {
+        bool operator==(const Grid& other) const
+        {
+            return rows == other.rows && columns == other.columns && caps == other.caps;
+        }
+
+        int rows, columns; // of the body; 0 if it is not drawn
+        std::size_t caps;
     };
     /// The vertex that the indices count from, and the indices.
     struct Draw
@@ -83,19 +94,23 @@ private:
     /// In one context.
     struct Kept
     {
-        GLBuffer vertices, textures, triangles; // textures only if some were seen
-        std::vector<Draw> draws;                // of all
-        std::vector<Run> runs;                  // only once they are sorted
-        std::vector<Colours> colours;           // those used last at the end
+        std::vector<Grid> grids;
+        SbUniqueId filledId = 0; // the node's when its vertices were taken
+        GLBuffer vertices, triangles;
+        GLBuffer textures;            // only if some were seen
+        std::vector<Draw> draws;      // of all
+        std::vector<Run> runs;        // only once they are sorted
+        std::vector<Colours> colours; // those used last at the end
     };
 
     class Drawer;
     class Layout;
 
     void measure(const std::vector<Part>& parts);
-    const Colours* find(SoGLRenderAction* action, Kept& kept, const std::vector<Part>& parts,
-                        bool atOnce);
-    static void fillVertices(Kept& kept, std::uint32_t context, const Layout& layout);
+    const Colours& prepare(SoGLRenderAction* action, Kept& kept,
+                           const std::vector<Part>& parts) const;
+    void fillVertices(Kept& kept, std::uint32_t context, const Layout& layout) const;
+    Colours& takeColours(Kept& kept, const Materials& materials) const;
     static void drawInOrder(const Kept& kept, const Colours& colours, bool normals, SoState* state);
     static double drawSeen(const Run& run, Mesh& mesh, const DepthGrid& grid, Drawer& drawer);
     static void drawNearestFirst(Kept& kept, const Colours& colours, bool normals, SoState* state,
@@ -104,8 +119,7 @@ private:
     SbUniqueId drawnId = 0;  // the node's
     SbVec3f centre{0, 0, 0}; // of a ball about the parts
     double radius = 0;
-    int rowCount = 0;
-    double area = 0; // of the parts seen from aside, front and back
+    double area = 0; // of the parts seen from aside, front and back; 0 if they have few rows
     PerContext<Kept> contexts;
 };
 

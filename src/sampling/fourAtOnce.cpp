@@ -31,6 +31,8 @@ typedef double Four __attribute__((vector_size(32)));
 // Wherever four doubles lie, even as a vector.
 typedef double FourInMemory __attribute__((vector_size(32), aligned(8), may_alias));
 typedef long long FourMasks __attribute__((vector_size(32)));
+typedef float FourFloats __attribute__((vector_size(16)));
+typedef float FourFloatsInMemory __attribute__((vector_size(16), aligned(4), may_alias));
 
 struct FourVectors
 {
@@ -233,6 +235,26 @@ FOUR_AT_ONCE void fillCarriedRings(const RingFiller& to, const CurveSamples& sam
     d2 = v;
 }
 
+// The components of a vector, rounded, before a 0. Reads the pointer of the vector behind it, which
+// as a number would be one that processors are slow with.
+ALWAYS_INLINE void storeRounded(const Vector* vector, float* rounded)
+{
+    const Four components = load(&vector->x);
+    const Four beforeZero = __builtin_shufflevector(components, all(0), 0, 1, 2, 7);
+    *reinterpret_cast<FourFloatsInMemory*>(rounded) =
+        __builtin_convertvector(beforeZero, FourFloats);
+}
+
+// Each writes one float too many, in which the next one then begins.
+FOUR_AT_ONCE void roundAllButLast(const Vector* points, const Vector* normals, std::size_t count,
+                                  float* rounded)
+{
+    for (std::size_t i = 0; i + 1 < count; ++i) {
+        storeRounded(points + i, rounded + 6 * i);
+        storeRounded(normals + i, rounded + 6 * i + 3);
+    }
+}
+
 FOUR_AT_ONCE void normalise(double* x, double* y, double* z, int count)
 {
     for (int i = 0; i < count; i += 4) {
@@ -277,6 +299,18 @@ void sampleBiarc(const BiarcSampler<Vector3>& sampler, double step, int first, i
 void normaliseTangents(CurveSamples& samples)
 {
     normalise(samples.tangentX, samples.tangentY, samples.tangentZ, samples.size);
+}
+
+void roundVertices(const Vector* points, const Vector* normals, std::size_t count, float* rounded)
+{
+    if (count == 0)
+        return;
+    roundAllButLast(points, normals, count, rounded);
+    rounded += 6 * (count - 1);
+    for (const Vector* vector : {points + count - 1, normals + count - 1}) {
+        for (int axis = 0; axis < 3; ++axis)
+            *rounded++ = float((*vector)[axis]);
+    }
 }
 
 void RingFiller::fill(const TubeMesh::RingFrame* rings, int count)

@@ -3,6 +3,7 @@
 #define STRANDVIEW_SAMPLING_FOURATONCE_H
 
 #include <cmath>
+#include <cstddef>
 
 #include <TubeMesh.h>
 #include <algebra3d/Vector3.h>
@@ -62,6 +63,10 @@ inline __attribute__((always_inline)) void carryFrame(const algebra3d::Vector3<d
         d1 = d2.cross(tangent);
     }
 }
+
+/// Rounds points and normals to floats, six for each vertex: its point, then its normal.
+void roundVertices(const algebra3d::Vector3<double>* points,
+                   const algebra3d::Vector3<double>* normals, std::size_t count, float* rounded);
 
 /// Constructs the points and normals of rings, one behind the other in memory.
 struct RingFiller

@@ -7,11 +7,13 @@
 #include <iostream>
 
 #include <GL/gl.h>
+#include <Inventor/C/glue/gl.h>
 #include <dlfcn.h>
 
 namespace {
 
 bool recording = false;
+bool areBuffersHidden = false;
 RecordedCalls recorded;
 
 void record(const char* name, std::vector<float> arguments)
@@ -118,6 +120,19 @@ RECORDED void glDeleteBuffers(GLsizei count, const GLuint* buffers)
     real(count, buffers);
 }
 
+RECORDED void glBufferData(GLenum target, GLsizeiptr size, const void* data, GLenum usage)
+{
+    FORWARD(glBufferData);
+    record("glBufferData", {float(target), float(size)});
+    real(target, size, data, usage);
+}
+
+RECORDED SbBool cc_glglue_has_vertex_buffer_object(const cc_glglue* context)
+{
+    FORWARD(cc_glglue_has_vertex_buffer_object);
+    return !areBuffersHidden && real(context);
+}
+
 } // extern "C"
 
 namespace RecordingGL {
@@ -133,6 +148,9 @@ RecordedCalls stop()
     recording = false;
     return std::move(recorded);
 }
+
+WithoutBuffers::WithoutBuffers() { areBuffersHidden = true; }
+WithoutBuffers::~WithoutBuffers() { areBuffersHidden = false; }
 
 } // namespace RecordingGL
 

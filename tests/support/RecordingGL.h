@@ -27,15 +27,25 @@ using RecordedCalls = std::vector<GLCall>;
 
 /// The OpenGL calls of the library and of Coin that draw in immediate mode or send a
 /// material: glBegin, glEnd, glNormal3f, glTexCoord2f, glVertex3f, glColor4ub,
-/// glMaterialf and glMaterialfv; that draw from buffers: glDrawElements; and that make
-/// and delete those: glGenBuffers and glDeleteBuffers. The program that links this file
-/// defines them itself; each call goes on to the real function.
+/// glMaterialf and glMaterialfv; that draw from buffers: glDrawElements; and that make,
+/// fill and delete those: glGenBuffers, glBufferData and glDeleteBuffers. The program that links
+/// this file defines them itself; each call goes on to the real function.
 namespace RecordingGL {
 
 /// Forgets what was recorded and records from now on.
 void start();
 /// Stops and returns the calls since start(), in their order.
 RecordedCalls stop();
+
+/// While there is one, Coin tells of every context that it has no vertex buffers.
+class WithoutBuffers
+{
+public:
+    WithoutBuffers();
+    ~WithoutBuffers();
+    WithoutBuffers(const WithoutBuffers&) = delete;
+    WithoutBuffers& operator=(const WithoutBuffers&) = delete;
+};
 
 } // namespace RecordingGL
 

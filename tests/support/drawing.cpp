@@ -106,7 +106,10 @@ RecordedCalls recordDrawing(SoNode* shape, const DrawingState& state)
     after->setCallback(stopRecording, &calls);
     scene->addChild(after);
 
-    EXPECT_TRUE(renderPicture(scene, 16, 16).isRendered());
+    {
+        const RecordingGL::WithoutBuffers without;
+        EXPECT_TRUE(renderPicture(scene, 16, 16).isRendered());
+    }
 
     RecordedCalls significant;
     std::vector<float> currentColour;

@@ -33,8 +33,8 @@ std::ostream& operator<<(std::ostream& stream, const DrawingState& state);
 /// PER_VERTEX_INDEXED with and without texture and lighting.
 std::vector<DrawingState> allDrawingStates();
 
-/// Renders the shape off-screen and returns its calls, without those that change
-/// nothing: glMaterial, for the materials differ in their diffuse colour only, and a
+/// Renders the shape off-screen, where there are no buffers, and returns its calls, without those
+/// that change nothing: glMaterial, for the materials differ in their diffuse colour only, and a
 /// colour that is the current one already.
 RecordedCalls recordDrawing(SoNode* shape, const DrawingState& state);
 
