@@ -5,8 +5,11 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <cstring>
+#include <memory>
 #include <optional>
 #include <utility>
+#include <vector>
 
 #include <GL/glext.h>
 #include <Inventor/SbBox3f.h>
@@ -92,23 +95,36 @@ double areaAboutMiddle(Mesh& mesh, int row)
 using Colour = std::uint32_t; // four bytes: red, green, blue, alpha
 
 // The colours in which OpenGL draws what has a material, as SoGLLazyElement sends them.
-class ColourLookup
+class ShownColours
 {
 public:
-    explicit ColourLookup(SoState* state)
-        : element(*SoLazyElement::getInstance(state)),
-          last(std::max(element.getNumDiffuse(), 1) - 1),
-          lastTransparency(std::max(element.getNumTransparencies(), 1) - 1)
-    {}
-
-    Colour operator()(int material) const
+    explicit ShownColours(SoState* state)
     {
-        const int index = std::clamp(material, 0, last);
-        const std::uint32_t packed =
-            element.isPacked()
-                ? element.getPackedPointer()[index]
-                : element.getDiffusePointer()[index].getPackedValue(
-                      element.getTransparencyPointer()[std::min(index, lastTransparency)]);
+        static_assert(sizeof(SbColor) == 3 * sizeof(float));
+        const SoLazyElement& element = *SoLazyElement::getInstance(state);
+        count = std::size_t(std::max(element.getNumDiffuse(), 1));
+        colours.reset(new Colour[count]); // not zeros first
+        if (!element.isPacked())
+            roundColours(element.getDiffusePointer()->getValue(), count,
+                         element.getTransparencyPointer(),
+                         std::size_t(std::max(element.getNumTransparencies(), 1)), colours.get());
+        else
+            std::transform(element.getPackedPointer(), element.getPackedPointer() + count,
+                           colours.get(), colourOf);
+    }
+
+    // That of the last one where there are not so many.
+    Colour operator[](std::size_t material) const { return colours[std::min(material, count - 1)]; }
+    // Of rows.
+    void spread(std::size_t first, std::size_t step, std::size_t rows, std::size_t width,
+                Colour* to) const
+    {
+        spreadColours(colours.get(), count, first, step, rows, width, to);
+    }
+
+private:
+    static Colour colourOf(std::uint32_t packed)
+    {
         Colour colour = 0;
         auto* const bytes = reinterpret_cast<GLubyte*>(&colour);
         for (int i = 0; i < 4; ++i)
@@ -116,9 +132,8 @@ public:
         return colour;
     }
 
-private:
-    const SoLazyElement& element;
-    const int last, lastTransparency;
+    std::size_t count;
+    std::unique_ptr<Colour[]> colours;
 };
 
 // Whether all that is drawn hides all that is behind it.
@@ -237,30 +252,33 @@ public:
         }
     }
 
-    // Rows of which both edges have one material have it all across.
-    void writeColours(const ColourLookup& colourOf, bool overall, Colour* to) const
+    // Materials grow by the same step from row to row, and from column to column: with most
+    // meshes a row has one.
+    void writeColours(const ShownColours& colours, bool overall, Colour* to) const
     {
         for (const Piece& piece : pieces) {
-            const int offset = parts[piece.part].materialOffset;
+            const auto offset = std::size_t(parts[piece.part].materialOffset);
             if (piece.cap) {
-                const Colour colour = colourOf(offset + (overall ? 0 : piece.cap->material));
-                to = std::fill_n(to, piece.cap->corners.size(), colour);
+                const int material = overall ? 0 : piece.cap->material;
+                to = std::fill_n(to, piece.cap->corners.size(),
+                                 colours[offset + std::size_t(material)]);
                 continue;
             }
             const Mesh& mesh = piece.mesh;
-            const int width = mesh.getWidth();
-            if (overall) {
-                to = std::fill_n(to, bodySize(mesh), colourOf(offset));
+            const auto height = std::size_t(mesh.getHeight()), width = std::size_t(mesh.getWidth());
+            const auto indexOf = [&](int row, int column) {
+                return overall ? 0 : std::size_t(mesh.getMaterialIndex(row, column));
+            };
+            const std::size_t first = indexOf(0, 0);
+            const std::size_t alongRow = indexOf(0, 1) - first, down = indexOf(1, 0) - first;
+            if (alongRow == 0) {
+                colours.spread(offset + first, down, height, width, to);
+                to += height * width;
                 continue;
             }
-            for (int i = 0; i < mesh.getHeight(); ++i) {
-                const int material = mesh.getMaterialIndex(i, 0);
-                if (material == mesh.getMaterialIndex(i, width - 1)) {
-                    to = std::fill_n(to, width, colourOf(offset + material));
-                    continue;
-                }
-                for (int j = 0; j < width; ++j)
-                    *to++ = colourOf(offset + mesh.getMaterialIndex(i, j));
+            for (std::size_t i = 0; i < height; ++i) {
+                for (std::size_t j = 0; j < width; ++j)
+                    *to++ = colours[offset + first + i * down + j * alongRow];
             }
         }
     }
@@ -621,7 +639,7 @@ const MeshDrawing::Colours& MeshDrawing::prepare(SoGLRenderAction* action, Kept&
         colours.materials = materials;
         colours.buffer.fill(context, GL_ARRAY_BUFFER, layout().getVertexCount() * sizeof(Colour),
                             [&](void* memory) {
-                                layout().writeColours(ColourLookup(state), isMaterialOverall(state),
+                                layout().writeColours(ShownColours(state), isMaterialOverall(state),
                                                       static_cast<Colour*>(memory));
                             });
     }

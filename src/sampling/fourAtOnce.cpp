@@ -5,6 +5,7 @@
 #include <cfloat>
 #include <cmath>
 #include <cstddef>
+#include <cstring>
 
 #if defined(__x86_64__)
 #include <emmintrin.h>
@@ -32,6 +33,10 @@ typedef double Four __attribute__((vector_size(32)));
 typedef double FourInMemory __attribute__((vector_size(32), aligned(8), may_alias));
 typedef long long FourMasks __attribute__((vector_size(32)));
 typedef float FourFloats __attribute__((vector_size(16)));
+typedef int FourInts __attribute__((vector_size(16)));
+typedef std::uint8_t Bytes __attribute__((vector_size(16)));
+typedef std::uint32_t TwoColours __attribute__((vector_size(8)));
+typedef std::uint32_t EightColours __attribute__((vector_size(32)));
 typedef float FourFloatsInMemory __attribute__((vector_size(16), aligned(4), may_alias));
 
 struct FourVectors
@@ -239,8 +244,8 @@ FOUR_AT_ONCE void fillCarriedRings(const RingFiller& to, const CurveSamples& sam
 // as a number would be one that processors are slow with.
 ALWAYS_INLINE void storeRounded(const Vector* vector, float* rounded)
 {
-    const Four components = load(&vector->x);
-    const Four beforeZero = __builtin_shufflevector(components, all(0), 0, 1, 2, 7);
+    const FourMasks components = reinterpret_cast<FourMasks>(load(&vector->x));
+    const auto beforeZero = reinterpret_cast<Four>(components & FourMasks{-1, -1, -1, 0});
     *reinterpret_cast<FourFloatsInMemory*>(rounded) =
         __builtin_convertvector(beforeZero, FourFloats);
 }
@@ -249,10 +254,62 @@ ALWAYS_INLINE void storeRounded(const Vector* vector, float* rounded)
 FOUR_AT_ONCE void roundAllButLast(const Vector* points, const Vector* normals, std::size_t count,
                                   float* rounded)
 {
+#pragma GCC unroll 4
     for (std::size_t i = 0; i + 1 < count; ++i) {
         storeRounded(points + i, rounded + 6 * i);
         storeRounded(normals + i, rounded + 6 * i + 3);
     }
+}
+
+// Red, green, blue and opacity, 0 to 255.
+ALWAYS_INLINE FourInts rounded(const float* colour, float transparency)
+{
+    FourFloats parts = *reinterpret_cast<const FourFloatsInMemory*>(colour);
+    parts[3] = 1 - transparency;
+    return __builtin_convertvector(parts * 255.0F + 0.5F, FourInts) & 255;
+}
+
+// Reads the first number of the colour behind the last one.
+FOUR_AT_ONCE void roundFourColours(const float* colours, std::size_t fours,
+                                   const float* transparencies, std::size_t transparencyStep,
+                                   std::uint32_t* to)
+{
+    const Bytes columns = {0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15};
+    for (std::size_t i = 0; i < fours; ++i, colours += 12, transparencies += 4 * transparencyStep) {
+        FourInts parts = {}; // four reds, then four greens, ...
+        for (int j = 0; j < 4; ++j)
+            parts |= rounded(colours + 3 * j, transparencies[std::size_t(j) * transparencyStep])
+                     << (8 * j);
+        const Bytes bytes = __builtin_shuffle(reinterpret_cast<Bytes>(parts), columns);
+        std::memcpy(to + 4 * i, &bytes, sizeof bytes);
+    }
+}
+
+// From as many on as are stored at once; the last of a row overlap those before.
+template <typename Colours>
+ALWAYS_INLINE std::uint32_t* fillRow(std::uint32_t* to, std::size_t width, std::uint32_t colour)
+{
+    constexpr std::size_t atOnce = sizeof(Colours) / sizeof colour;
+    const Colours all = Colours{} + colour;
+    for (std::size_t j = 0; j + atOnce < width; j += atOnce)
+        std::memcpy(to + j, &all, sizeof all);
+    std::memcpy(to + width - atOnce, &all, sizeof all);
+    return to + width;
+}
+
+FOUR_AT_ONCE void fillRows(const std::uint32_t* colours, std::size_t last, std::size_t first,
+                           std::size_t step, std::size_t rows, std::size_t width, std::uint32_t* to)
+{
+    std::size_t index = first;
+    if (width >= 8)
+        for (std::size_t i = 0; i < rows; ++i, index += step)
+            to = fillRow<EightColours>(to, width, colours[std::min(index, last)]);
+    else if (width >= 2)
+        for (std::size_t i = 0; i < rows; ++i, index += step)
+            to = fillRow<TwoColours>(to, width, colours[std::min(index, last)]);
+    else
+        for (std::size_t i = 0; i < rows * width; ++i, index += step)
+            to[i] = colours[std::min(index, last)];
 }
 
 FOUR_AT_ONCE void normalise(double* x, double* y, double* z, int count)
@@ -311,6 +368,31 @@ void roundVertices(const Vector* points, const Vector* normals, std::size_t coun
         for (int axis = 0; axis < 3; ++axis)
             *rounded++ = float((*vector)[axis]);
     }
+}
+
+// By fours as far as there is a transparency for each, or one for all.
+void roundColours(const float* colours, std::size_t count, const float* transparencies,
+                  std::size_t transparencyCount, std::uint32_t* to)
+{
+    const std::size_t step = transparencyCount > 1 ? 1 : 0;
+    const std::size_t fours = (step == 0 ? count : std::min(count, transparencyCount)) / 4 -
+                              (count % 4 == 0 && count > 0);
+    roundFourColours(colours, fours, transparencies, step, to);
+    for (std::size_t i = 4 * fours; i < count; ++i) {
+        const float* const colour = colours + 3 * i;
+        const float parts[] = {colour[0], colour[1], colour[2],
+                               1 - transparencies[std::min(i, transparencyCount - 1)]};
+        std::uint8_t bytes[4];
+        for (int j = 0; j < 4; ++j)
+            bytes[j] = std::uint8_t(int(parts[j] * 255.0F + 0.5F));
+        std::memcpy(to + i, bytes, sizeof bytes);
+    }
+}
+
+void spreadColours(const std::uint32_t* colours, std::size_t count, std::size_t first,
+                   std::size_t step, std::size_t rows, std::size_t width, std::uint32_t* to)
+{
+    fillRows(colours, count - 1, first, step, rows, width, to);
 }
 
 void RingFiller::fill(const TubeMesh::RingFrame* rings, int count)

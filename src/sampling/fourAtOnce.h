@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 
 #include <TubeMesh.h>
 #include <algebra3d/Vector3.h>
@@ -67,6 +68,17 @@ inline __attribute__((always_inline)) void carryFrame(const algebra3d::Vector3<d
 /// Rounds points and normals to floats, six for each vertex: its point, then its normal.
 void roundVertices(const algebra3d::Vector3<double>* points,
                    const algebra3d::Vector3<double>* normals, std::size_t count, float* rounded);
+
+/// Rounds colours of three floats to four bytes each, red, green, blue and opacity, as
+/// SbColor::getPackedValue() does. Where there are fewer transparencies, of which there is one at
+/// least, the last one serves.
+void roundColours(const float* colours, std::size_t count, const float* transparencies,
+                  std::size_t transparencyCount, std::uint32_t* rounded);
+
+/// Fills rows of so many columns with one colour each: the first one, and that many further on from
+/// row to row, or the last where there are not so many.
+void spreadColours(const std::uint32_t* colours, std::size_t count, std::size_t first,
+                   std::size_t step, std::size_t rows, std::size_t width, std::uint32_t* to);
 
 /// Constructs the points and normals of rings, one behind the other in memory.
 struct RingFiller
