@@ -3,6 +3,7 @@
 #include <biarc/Curve.h>
 #include <biarc/PKFmanip.h>
 #include <biarc/Tube.h>
+#include <biarc/cosineAndSine.h>
 
 #include <algorithm>
 #include <cmath>
@@ -32,6 +33,20 @@ double arcRadius(const Vector& chord, double cosine)
 }
 
 double arcAngle(double cosine) { return 2 * std::acos(cosine); }
+
+// Where the model circle, which starts in the origin along y, is after such an angle.
+void modelPoint(double radius, double angle, double& x, double& y)
+{
+    double cosine, sine;
+    if (std::abs(angle) <= biarc::LARGEST_ANGLE) {
+        biarc::cosineAndSine(angle, cosine, sine);
+    } else {
+        cosine = std::cos(angle);
+        sine = std::sin(angle);
+    }
+    x = radius - radius * cosine;
+    y = radius * sine;
+}
 
 // The weight of the middle control point that makes the conic a circular arc: the
 // cosine of the angle between chord and tangent.
@@ -248,8 +263,8 @@ ArcSampler<Vector>::ArcSampler(const char* evaluation, const Vector& start, cons
       length(arcLength),
       weight(circleWeight(start, middle, end))
 {
-    const double endX = radius - radius * std::cos(length / radius);
-    const double endY = radius * std::sin(length / radius);
+    double endX, endY;
+    modelPoint(radius, length / radius, endX, endY);
     chord = std::sqrt(endX * endX + endY * endY);
     chordX = endX / chord;
     chordY = endY / chord;
@@ -258,8 +273,8 @@ ArcSampler<Vector>::ArcSampler(const char* evaluation, const Vector& start, cons
 template <class Vector>
 double ArcSampler<Vector>::parameterAt(double s) const
 {
-    const double x = radius - radius * std::cos(s / radius);
-    const double y = radius * std::sin(s / radius);
+    double x, y;
+    modelPoint(radius, s / radius, x, y);
     const double projection = x * chordX + y * chordY;
     if (projection > SMALLEST_PROJECTION)
         return std::clamp(projection / chord, 0.0, 1.0);

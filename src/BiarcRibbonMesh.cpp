@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <new>
 
 #include "detail/closedCurves.h"
 #include "sampling/biarcSampling.h"
@@ -53,13 +52,16 @@ BiarcRibbonMesh::BiarcRibbonMesh(const std::vector<Vector>& edgeA, const std::ve
         takeMemory(*replaced);
         takeCapacity(curveA.biarcs, replaced->curveA.biarcs);
         takeCapacity(curveB.biarcs, replaced->curveB.biarcs);
-        takeCapacity(paramValues, replaced->paramValues);
-        takeCapacity(interpParamValues, replaced->interpParamValues);
+        takeTable(paramValues, replaced->paramValues);
+        takeTable(interpParamValues, replaced->interpParamValues);
     }
     setWidth(2);
     const std::size_t m = edgeA.size();
-    if (m < 2)
+    if (m < 2) {
+        paramValues.clear();
+        interpParamValues.clear();
         return;
+    }
 
     const int rows = int(interpolationCount) * (int(m) - 1) + 1;
     setHeight(rows);
@@ -71,47 +73,49 @@ BiarcRibbonMesh::BiarcRibbonMesh(const std::vector<Vector>& edgeA, const std::ve
 
     allocateUnconstructed();
     resetBB();
-    Vector** normals = getNormals();
-    for (const int column : {0, 1}) {
-        // Each tangent waits in the place of the normal that is made from it.
-        samplePointsOnSide(
-            column, int(m), column == 0 ? curveA : curveB,
-            [&](int row, const Vector& tangent) { new (&normals[row][column]) Vector(tangent); });
+    fillRows(int(m));
+}
+
+void BiarcRibbonMesh::fillRows(int m)
+{
+    Vector **points = getPoints(), **normals = getNormals();
+    const int count = int(interpolationCount);
+    const LengthTables tables = {paramValues, interpParamValues}; // those of curve B stay
+    CurveWalk walkA(curveA, m, count, nullptr), walkB(curveB, m, count, &tables);
+    CurveSamples edgeA, edgeB;
+    while (walkA.next(edgeA) && walkB.next(edgeB)) {
+        const int row = walkB.getRow() - edgeB.size;
+        fillRibbon(edgeA, edgeB, points[row], normals[row], getMinimum(), getMaximum());
     }
-    for (int row = 0; row < rows; ++row) {
-        const Vector side = getPoints()[row][1] - getPoints()[row][0];
-        for (const int column : {0, 1})
-            normals[row][column] = side.cross(normals[row][column]).getUnit();
-    }
+    const int last = walkB.getRow();
+    paramValues[std::size_t(m - 1)] = interpParamValues[std::size_t(last)] = walkB.getLength();
+
+    // Unlike the tube's last ring, the last row does not extend the box: kept on purpose.
+    const Biarc<::Vector3>&endA = lastNode(curveA, m), &endB = lastNode(curveB, m);
+    edgeA.size = edgeB.size = 0;
+    edgeA.append(endA.point, endA.tangent);
+    edgeB.append(endB.point, endB.tangent);
+    double ignored[] = {0, 0, 0};
+    fillRibbon(edgeA, edgeB, points[last], normals[last], ignored, ignored);
 }
 
 void BiarcRibbonMesh::computePointsOnSide(int column, int m, Curve<::Vector3>& curve,
                                           std::vector<Vector>& tangents)
 {
-    if (!curve.biarcs.empty())
-        samplePointsOnSide(column, m, curve, [&](int row, const Vector& tangent) {
-            tangents[std::size_t(row)] = tangent;
-        });
-}
-
-// Constructs the points of a column, and calls setTangent(row, tangent) for each.
-template <typename SetTangent>
-void BiarcRibbonMesh::samplePointsOnSide(int column, int m, const Curve<::Vector3>& curve,
-                                         SetTangent setTangent)
-{
+    if (curve.biarcs.empty())
+        return;
     Vector** points = getPoints();
     const auto visit = [&](int firstRow, const CurveSamples& samples) {
         for (int i = 0; i < samples.size; ++i) {
-            const auto* const point = new (&points[firstRow + i][column]) Vector(samples.point(i));
-            updateBB(*point);
-            setTangent(firstRow + i, samples.tangent(i));
+            points[firstRow + i][column] = samples.point(i);
+            updateBB(samples.point(i));
+            tangents[std::size_t(firstRow + i)] = samples.tangent(i);
         }
     };
     const int last =
-        sampleCurve(curve, m, int(interpolationCount), paramValues, interpParamValues, visit);
-    // Unlike the tube's last ring, the last row does not extend the box: kept on purpose.
-    new (&points[last][column]) Vector(fromBiarc(lastNode(curve, m).point));
-    setTangent(last, fromBiarc(lastNode(curve, m).tangent));
+        sampleCurve(curve, m, int(interpolationCount), {paramValues, interpParamValues}, visit);
+    points[last][column] = fromBiarc(lastNode(curve, m).point);
+    tangents[std::size_t(last)] = fromBiarc(lastNode(curve, m).tangent);
 }
 
 void BiarcRibbonMesh::forgetCurves()

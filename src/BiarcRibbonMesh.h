@@ -58,9 +58,7 @@ private:
                     const std::vector<algebra3d::Vector3<double>>& edgeB, double width,
                     int interpolationCount, bool closed, BiarcRibbonMesh* replaced);
 
-    template <typename SetTangent>
-    void samplePointsOnSide(int column, int m, const Curve<::Vector3>& curve,
-                            SetTangent setTangent);
+    void fillRows(int m);
 
     double interpolationCount; // a whole number
     Curve<::Vector3> curveA;

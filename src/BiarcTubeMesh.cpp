@@ -23,8 +23,8 @@ BiarcTubeMesh::BiarcTubeMesh(double radius, int ringSlices, int ringsPerBiarc,
         return;
     takeMemory(*replaced);
     takeCapacity(curve.biarcs, replaced->curve.biarcs);
-    takeCapacity(paramValues, replaced->paramValues);
-    takeCapacity(interpParamValues, replaced->interpParamValues);
+    takeTable(paramValues, replaced->paramValues);
+    takeTable(interpParamValues, replaced->interpParamValues);
 }
 
 BiarcTubeMesh::BiarcTubeMesh(const std::vector<Vector>& points, double radius, int ringSlices,
@@ -127,15 +127,25 @@ void BiarcTubeMesh::appendWithEstimatedTangents(const std::vector<Vector>& point
 
 void BiarcTubeMesh::generateMesh(int n)
 {
-    if (n < 2 || curve.biarcs.empty())
+    const auto clearTables = [this] {
+        paramValues.clear();
+        interpParamValues.clear();
+    };
+    if (n < 2 || curve.biarcs.empty()) {
+        if (getHeight() == 0) // what they hold is of the mesh that this one replaced
+            clearTables();
         return;
+    }
+    const bool isComplete = int(curve.biarcs.size()) >= n;
+    if (!isComplete)
+        clearTables();
     setWidth(getSlices() + 1);
     setHeight(interpolationCount * (n - 1) + 1);
-    paramValues.assign(std::size_t(n), 0.0);
-    interpParamValues.assign(std::size_t(getHeight()), 0.0);
+    paramValues.resize(std::size_t(n));
+    interpParamValues.resize(std::size_t(getHeight()));
     // A subclass may have a circle of its own. It is then asked ring by ring.
     const bool ownCircle = typeid(*this) != typeid(BiarcTubeMesh);
-    if (ownCircle || int(curve.biarcs.size()) < n)
+    if (ownCircle || !isComplete)
         allocateMemory();
     else
         allocateUnconstructed();
@@ -156,8 +166,8 @@ void BiarcTubeMesh::generateMesh(int n)
         normaliseTangents(samples);
         fill(firstRow, samples);
     };
-    const int last =
-        sampleCurve(curve, n, interpolationCount, paramValues, interpParamValues, normaliseAndFill);
+    const int last = sampleCurve(curve, n, interpolationCount, {paramValues, interpParamValues},
+                                 normaliseAndFill);
     CurveSamples end;
     end.append(lastNode(curve, n).point, lastNode(curve, n).tangent);
     fill(last, end);

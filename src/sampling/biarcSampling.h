@@ -3,6 +3,8 @@
 #define STRANDVIEW_SAMPLING_BIARCSAMPLING_H
 
 #include <algorithm>
+#include <optional>
+#include <utility>
 #include <vector>
 
 #include <algebra3d/Vector3.h>
@@ -23,50 +25,101 @@ inline const Biarc<Vector3>& lastNode(const Curve<Vector3>& curve, int n)
     return curve.biarcs[std::min(std::size_t(n), curve.biarcs.size()) - 1];
 }
 
-/// Takes over the memory of a table, which is empty then, for another one.
+/// Takes over the memory of a list, which is empty then, for another one.
 template <typename T>
-void takeCapacity(std::vector<T>& table, std::vector<T>& replaced)
+void takeCapacity(std::vector<T>& list, std::vector<T>& replaced)
 {
-    table = std::move(replaced);
-    table.clear();
+    list = std::move(replaced);
+    list.clear();
     replaced.clear();
 }
 
-/// Walks along a curve of n nodes in `count` equal steps of arc length per biarc and
-/// calls visit(first row, samples) for the steps' starts, many at once; the last node is
-/// left to the caller. Writes the arc lengths so far, per node and per row, the last node
-/// included. Returns the last node's row.
-template <typename Visit>
-int sampleCurve(const Curve<Vector3>& curve, int n, int count, std::vector<double>& nodeLengths,
-                std::vector<double>& rowLengths, Visit visit)
+/// Takes over a table that is filled anew, which is empty then. What it holds stays in it until
+/// then: it would be cleared for nothing.
+inline void takeTable(std::vector<double>& table, std::vector<double>& replaced)
 {
-    double s = 0;
-    int row = 0;
-    CurveSamples samples;
-    const auto flush = [&] {
-        visit(row - samples.size, samples);
+    table = std::move(replaced);
+    replaced.clear();
+}
+
+/// The arc lengths along a curve, per node and per row.
+struct LengthTables
+{
+    std::vector<double>& ofNodes;
+    std::vector<double>& ofRows;
+};
+
+/// Walks along a curve of n nodes in `count` equal steps of arc length per biarc, without the last
+/// node. Writes the lengths so far into the tables, if some are given.
+class CurveWalk
+{
+public:
+    CurveWalk(const Curve<Vector3>& walkedCurve, int n, int countPerBiarc,
+              const LengthTables* lengthTables)
+        : curve(walkedCurve),
+          biarcs(std::min(n - 1, int(walkedCurve.biarcs.size()))),
+          count(countPerBiarc),
+          tables(lengthTables)
+    {}
+
+    /// The steps' starts that come next, as many as there is room for. Whether there are any.
+    bool next(CurveSamples& samples)
+    {
         samples.size = 0;
-    };
-    const int biarcs = std::min(n - 1, int(curve.biarcs.size()));
-    for (int i = 0; i < biarcs; ++i) {
-        const Biarc<Vector3>& biarc = curve.biarcs[std::size_t(i)];
-        const BiarcSampler<Vector3> sampler(biarc);
-        const double step = biarc.length / count;
-        nodeLengths[std::size_t(i)] = s;
-        for (int k = 0; k < count;) {
-            const int run = std::min(count - k, CurveSamples::CAPACITY - samples.size);
-            sampleBiarc(sampler, step, k, run, samples);
-            for (const int end = row + run; row < end; ++row, s += step)
-                rowLengths[std::size_t(row)] = s;
-            k += run;
-            if (samples.size == CurveSamples::CAPACITY)
-                flush();
+        while (biarc < biarcs && samples.size < CurveSamples::CAPACITY) {
+            if (step == 0)
+                begin();
+            const int run = std::min(count - step, CurveSamples::CAPACITY - samples.size);
+            sampleBiarc(*sampler, stepLength, step, run, samples);
+            for (int i = 0; i < run; ++i, length += stepLength) {
+                if (tables)
+                    tables->ofRows[std::size_t(row + i)] = length;
+            }
+            row += run;
+            step += run;
+            if (step == count) {
+                step = 0;
+                ++biarc;
+            }
         }
+        return samples.size > 0;
     }
-    flush();
-    nodeLengths[std::size_t(n - 1)] = s;
-    rowLengths[std::size_t(row)] = s;
-    return row;
+
+    /// The row that comes next.
+    int getRow() const { return row; }
+    double getLength() const { return length; }
+
+private:
+    void begin()
+    {
+        const Biarc<Vector3>& begun = curve.biarcs[std::size_t(biarc)];
+        sampler.emplace(begun);
+        stepLength = begun.length / count;
+        if (tables)
+            tables->ofNodes[std::size_t(biarc)] = length;
+    }
+
+    const Curve<Vector3>& curve;
+    const int biarcs, count;
+    const LengthTables* const tables;
+    int biarc = 0, step = 0, row = 0;
+    double length = 0, stepLength = 0;
+    std::optional<BiarcSampler<Vector3>> sampler; // of this biarc
+};
+
+/// Walks along a curve and calls visit(first row, samples) for the steps' starts, many at once; the
+/// last node is left to the caller. Fills the tables, the last node included. Returns its row.
+template <typename Visit>
+int sampleCurve(const Curve<Vector3>& curve, int n, int count, const LengthTables& tables,
+                Visit visit)
+{
+    CurveWalk walk(curve, n, count, &tables);
+    CurveSamples samples;
+    while (walk.next(samples))
+        visit(walk.getRow() - samples.size, samples);
+    tables.ofNodes[std::size_t(n - 1)] = walk.getLength();
+    tables.ofRows[std::size_t(walk.getRow())] = walk.getLength();
+    return walk.getRow();
 }
 
 #endif

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "sampling/fourAtOnce.h"
 
+#include <biarc/cosineAndSine.h>
+
 #include <algorithm>
 #include <cfloat>
 #include <cmath>
 #include <cstddef>
 #include <cstring>
+#include <limits>
 
 #if defined(__x86_64__)
 #include <emmintrin.h>
@@ -107,17 +110,17 @@ ALWAYS_INLINE Four norm(const FourVectors& v) { return squareRoot(dot(v, v)); }
 FOUR_AT_ONCE void sampleArcs(const BiarcSampler<Vector3>& sampler, double step, int begin,
                              int count, CurveSamples& samples, int at)
 {
-    const Biarc<Vector3>& biarc = sampler.getBiarc();
+    const Biarc<Vector3>& node = sampler.getBiarc();
     const ArcSampler<Vector3>&arc0 = sampler.getArc0(), &arc1 = sampler.getArc1();
-    const double halfway0 = biarc.length0 / 2, halfway1 = biarc.length0 + biarc.length1 / 2;
-    const FourVectors t0 = all(biarc.tangent), tm = all(biarc.matchTangent),
+    const double halfway0 = node.length0 / 2, halfway1 = node.length0 + node.length1 / 2;
+    const FourVectors t0 = all(node.tangent), tm = all(node.matchTangent),
                       tN = all(sampler.getNext().tangent);
     const Four zero = all(0), one = all(1);
 
     for (int i = 0; i < count; i += 4) {
         const double k = begin + i;
         const Four s = Four{k, k + 1, k + 2, k + 3} * step;
-        const FourMasks onFirst = s <= biarc.length0;
+        const FourMasks onFirst = s <= node.length0;
         const auto number = [&](double ArcSampler<Vector3>::*of) {
             return onFirst ? all(arc0.*of) : all(arc1.*of);
         };
@@ -125,9 +128,10 @@ FOUR_AT_ONCE void sampleArcs(const BiarcSampler<Vector3>& sampler, double step, 
         const FourVectors b1 = select(onFirst, all(arc0.b1), all(arc1.b1));
         const FourVectors b2 = select(onFirst, all(arc0.b2), all(arc1.b2));
         const Four radius = number(&ArcSampler<Vector3>::radius);
-        const Four onArc = onFirst ? s : s - biarc.length0;
+        const Four onArc = onFirst ? s : s - node.length0;
 
-        const Four cosine = load(samples.cosines + at + i), sine = load(samples.sines + at + i);
+        Four cosine, sine;
+        biarc::cosineAndSine(Four(onArc / radius), cosine, sine);
         const Four modelX = radius - radius * cosine;
         const Four modelY = radius * sine;
         const Four projection = modelX * number(&ArcSampler<Vector3>::chordX) +
@@ -150,8 +154,8 @@ FOUR_AT_ONCE void sampleArcs(const BiarcSampler<Vector3>& sampler, double step, 
         const FourVectors line = select(nearStart, b2 - point, point - b0);
         const FourVectors reflected = 2 * (dot(known, line) / dot(line, line)) * line - known;
         FourVectors tangent = reflected / norm(reflected);
-        tangent = select(s == biarc.length, tN, tangent);
-        tangent = select(s == biarc.length0, tm, tangent);
+        tangent = select(s == node.length, tN, tangent);
+        tangent = select(s == node.length0, tm, tangent);
         tangent = select(s == zero, t0, tangent);
 
         store(point.x, samples.x + at + i);
@@ -240,6 +244,97 @@ FOUR_AT_ONCE void fillCarriedRings(const RingFiller& to, const CurveSamples& sam
     d2 = v;
 }
 
+ALWAYS_INLINE FourVectors cross(const FourVectors& a, const FourVectors& b)
+{
+    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
+}
+
+// Of each row the vectors of both columns.
+ALWAYS_INLINE void constructRows(Vector* vectors, const FourVectors& a, const FourVectors& b,
+                                 int rows, const Four& made)
+{
+    for (int i = 0; i < rows; ++i) {
+        construct(vectors + 2 * i, Four{0, a.x[i], a.y[i], a.z[i]}, made);
+        construct(vectors + 2 * i + 1, Four{0, b.x[i], b.y[i], b.z[i]}, made);
+    }
+}
+
+// A box in each of four lanes.
+struct FourBoxes
+{
+    FourVectors low, high;
+
+    ALWAYS_INLINE void extend(const FourVectors& v)
+    {
+        low = {v.x < low.x ? v.x : low.x, v.y < low.y ? v.y : low.y, v.z < low.z ? v.z : low.z};
+        high = {v.x > high.x ? v.x : high.x, v.y > high.y ? v.y : high.y,
+                v.z > high.z ? v.z : high.z};
+    }
+    ALWAYS_INLINE void extend(const FourVectors& v, int lanes)
+    {
+        const FourMasks isIn = Four{0, 1, 2, 3} < double(lanes);
+        const FourBoxes before = *this;
+        extend(v);
+        low = select(isIn, low, before.low);
+        high = select(isIn, high, before.high);
+    }
+    void addTo(double* minimum, double* maximum) const
+    {
+        for (int lane = 0; lane < 4; ++lane) {
+            const double least[] = {low.x[lane], low.y[lane], low.z[lane]};
+            const double most[] = {high.x[lane], high.y[lane], high.z[lane]};
+            for (int axis = 0; axis < 3; ++axis) {
+                minimum[axis] = std::min(minimum[axis], least[axis]);
+                maximum[axis] = std::max(maximum[axis], most[axis]);
+            }
+        }
+    }
+};
+
+ALWAYS_INLINE FourVectors unitOf(const FourVectors& v)
+{
+    const Four length = norm(v);
+    return select(length == all(0), v, v / length);
+}
+
+ALWAYS_INLINE FourVectors pointsFrom(const CurveSamples& samples, int i)
+{
+    return {load(samples.x + i), load(samples.y + i), load(samples.z + i)};
+}
+
+ALWAYS_INLINE FourVectors tangentsFrom(const CurveSamples& samples, int i)
+{
+    return {load(samples.tangentX + i), load(samples.tangentY + i), load(samples.tangentZ + i)};
+}
+
+FOUR_AT_ONCE void fillRibbonRows(const CurveSamples& edgeA, const CurveSamples& edgeB,
+                                 Vector* points, Vector* normals, double* minimum, double* maximum)
+{
+    const Vector zeroVector;
+    const Four made = load(reinterpret_cast<const double*>(&zeroVector));
+    const Four infinite = all(std::numeric_limits<double>::infinity());
+    FourBoxes box = {{infinite, infinite, infinite}, {-infinite, -infinite, -infinite}};
+    for (int i = 0; i < edgeA.size; i += 4) {
+        const int rows = std::min(edgeA.size - i, 4);
+        const FourVectors a = pointsFrom(edgeA, i), b = pointsFrom(edgeB, i);
+        const FourVectors across = b - a;
+        const FourVectors normalA = unitOf(cross(across, tangentsFrom(edgeA, i)));
+        const FourVectors normalB = unitOf(cross(across, tangentsFrom(edgeB, i)));
+        if (rows == 4) {
+            box.extend(a);
+            box.extend(b);
+            constructRows(points + 2 * i, a, b, 4, made);
+            constructRows(normals + 2 * i, normalA, normalB, 4, made);
+        } else {
+            box.extend(a, rows);
+            box.extend(b, rows);
+            constructRows(points + 2 * i, a, b, rows, made);
+            constructRows(normals + 2 * i, normalA, normalB, rows, made);
+        }
+    }
+    box.addTo(minimum, maximum);
+}
+
 // The components of a vector, rounded, before a 0. Reads the pointer of the vector behind it, which
 // as a number would be one that processors are slow with.
 ALWAYS_INLINE void storeRounded(const Vector* vector, float* rounded)
@@ -315,9 +410,7 @@ FOUR_AT_ONCE void fillRows(const std::uint32_t* colours, std::size_t last, std::
 FOUR_AT_ONCE void normalise(double* x, double* y, double* z, int count)
 {
     for (int i = 0; i < count; i += 4) {
-        const FourVectors v = {load(x + i), load(y + i), load(z + i)};
-        const Four length = norm(v);
-        const FourVectors unit = select(length == all(0), v, v / length);
+        const FourVectors unit = unitOf({load(x + i), load(y + i), load(z + i)});
         store(unit.x, x + i);
         store(unit.y, y + i);
         store(unit.z, z + i);
@@ -343,19 +436,18 @@ void sampleBiarc(const BiarcSampler<Vector3>& sampler, double step, int first, i
 
     const int at = samples.size;
     samples.size += count;
-    for (int i = 0; i < count; ++i) {
-        const double s = (first + i) * step;
-        const double angle =
-            s <= biarc.length0 ? s / biarc.radius0 : (s - biarc.length0) / biarc.radius1;
-        samples.cosines[at + i] = std::cos(angle);
-        samples.sines[at + i] = std::sin(angle);
-    }
     sampleArcs(sampler, step, first, count, samples, at);
 }
 
 void normaliseTangents(CurveSamples& samples)
 {
     normalise(samples.tangentX, samples.tangentY, samples.tangentZ, samples.size);
+}
+
+void fillRibbon(const CurveSamples& edgeA, const CurveSamples& edgeB, Vector* points,
+                Vector* normals, double* minimum, double* maximum)
+{
+    fillRibbonRows(edgeA, edgeB, points, normals, minimum, maximum);
 }
 
 void roundVertices(const Vector* points, const Vector* normals, std::size_t count, float* rounded)

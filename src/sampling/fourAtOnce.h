@@ -22,8 +22,6 @@ struct CurveSamples
     double x[CAPACITY + 3], y[CAPACITY + 3], z[CAPACITY + 3]; ///< points
     double tangentX[CAPACITY + 3], tangentY[CAPACITY + 3], tangentZ[CAPACITY + 3];
     int size = 0;
-    // Of the angle on the arc, from which a point is made.
-    double cosines[CAPACITY + 3] = {}, sines[CAPACITY + 3] = {};
 
     void append(const Vector3& point, const Vector3& tangent)
     {
@@ -64,6 +62,13 @@ inline __attribute__((always_inline)) void carryFrame(const algebra3d::Vector3<d
         d1 = d2.cross(tangent);
     }
 }
+
+/// Constructs the points and normals of a ribbon, its rows one behind the other in memory, between
+/// samples of its edges: the normals are unit(across x tangent). Extends the box as by
+/// Mesh::updateBB.
+void fillRibbon(const CurveSamples& edgeA, const CurveSamples& edgeB,
+                algebra3d::Vector3<double>* points, algebra3d::Vector3<double>* normals,
+                double* minimum, double* maximum);
 
 /// Rounds points and normals to floats, six for each vertex: its point, then its normal.
 void roundVertices(const algebra3d::Vector3<double>* points,
