@@ -233,6 +233,8 @@ void Mesh::allocateUnconstructed()
         capacity = needed;
     }
     pickBoxes.reset();
+    if (rows.empty())
+        rows = std::move(replacedRows);
     rows.resize(2 * std::size_t(height));
     Vector3<double>* next = block.get();
     for (Vector3<double>*& row : rows) {
@@ -245,8 +247,7 @@ void Mesh::takeMemory(Mesh& replaced)
 {
     block = std::move(replaced.block);
     capacity = std::exchange(replaced.capacity, 0);
-    rows = std::move(replaced.rows);
-    rows.clear();
+    replacedRows = std::move(replaced.rows);
     replaced.clear();
 }
 
@@ -254,6 +255,7 @@ void Mesh::clear()
 {
     pickBoxes.reset();
     rows = {};
+    replacedRows = {};
     block.reset();
     capacity = 0;
     height = 0;

@@ -176,6 +176,9 @@ private:
     std::size_t capacity;
     // Those of the points, then those of the normals; none without an allocation.
     std::vector<algebra3d::Vector3<double>*> rows;
+    // Those of a mesh that this one replaces, until there are some: pointers that are all set again
+    // are not cleared before.
+    std::vector<algebra3d::Vector3<double>*> replacedRows;
     // Kept in double and rounded when asked for: rounding is monotonic, so this is
     // the box of the rounded points.
     double minimum[3];

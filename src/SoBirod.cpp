@@ -13,6 +13,7 @@
 
 #include "detail/WrittenShape.h"
 #include "detail/rodData.h"
+#include "detail/runBoth.h"
 #include "drawing/MeshDrawing.h"
 
 using Vector = algebra3d::Vector3<double>;
@@ -123,15 +124,22 @@ SoBirod::Meshes SoBirod::makeMeshes(const Data& data, double avgTubeRadius, doub
         mesh->forgetCurves();
         return mesh;
     };
-    meshes.avgRibbon = ribbon(data.avgPoints, data.avgRotations, avgRibbonWidth);
-    meshes.ribbon1 = ribbon(positions1, data.rotations1, ribbonsWidth);
-    meshes.ribbon2 = ribbon(positions2, data.rotations2, ribbonsWidth);
-    meshes.avgTube = makeFramedTube(data.avgPoints, data.avgRotations, avgTubeRadius, slices,
-                                    subsegments, false, nullptr);
-    meshes.tube1 = makeStrandTube(positions1, tubesRadius, slices, subsegments, nullptr);
-    meshes.tube2 = makeStrandTube(positions2, tubesRadius, slices, subsegments, nullptr);
-    for (BiarcTubeMesh* const tube : {meshes.avgTube.get(), meshes.tube1.get(), meshes.tube2.get()})
-        tube->forgetCurve();
+    runBoth(
+        data.avgPoints.size() >= MANY_POINTS,
+        [&] {
+            meshes.avgRibbon = ribbon(data.avgPoints, data.avgRotations, avgRibbonWidth);
+            meshes.ribbon1 = ribbon(positions1, data.rotations1, ribbonsWidth);
+            meshes.ribbon2 = ribbon(positions2, data.rotations2, ribbonsWidth);
+        },
+        [&] {
+            meshes.avgTube = makeFramedTube(data.avgPoints, data.avgRotations, avgTubeRadius,
+                                            slices, subsegments, false, nullptr);
+            meshes.tube1 = makeStrandTube(positions1, tubesRadius, slices, subsegments, nullptr);
+            meshes.tube2 = makeStrandTube(positions2, tubesRadius, slices, subsegments, nullptr);
+            for (BiarcTubeMesh* const tube :
+                 {meshes.avgTube.get(), meshes.tube1.get(), meshes.tube2.get()})
+                tube->forgetCurve();
+        });
     return meshes;
 }
 
@@ -226,18 +234,22 @@ void SoBirod::deleteMeshes()
 void SoBirod::buildMeshes()
 {
     updateStrandPositions();
-    average.tube = makeFramedTube(average.points, average.rotations, avgTubeRadius, slices,
-                                  subsegments, false, average.tube.get());
-    for (Rod* strand : {&strand1, &strand2})
-        strand->tube =
-            makeStrandTube(strand->positions, tubesRadius, slices, subsegments, strand->tube.get());
+    const auto buildTubes = [this] {
+        average.tube = makeFramedTube(average.points, average.rotations, avgTubeRadius, slices,
+                                      subsegments, false, average.tube.get());
+        for (Rod* strand : {&strand1, &strand2})
+            strand->tube = makeStrandTube(strand->positions, tubesRadius, slices, subsegments,
+                                          strand->tube.get());
+    };
     const auto buildRibbon = [this](Rod& rod, const std::vector<Vector>& centreline, double width) {
         rod.ribbon = makeRibbon(centreline, rod.rotations, width, subsegments, twoSidedRibbon,
                                 false, rod.ribbon.get());
     };
-    buildRibbon(average, average.points, avgRibbonWidth);
-    buildRibbon(strand1, strand1.positions, ribbonsWidth);
-    buildRibbon(strand2, strand2.positions, ribbonsWidth);
+    runBoth(average.points.size() >= MANY_POINTS, buildTubes, [&] {
+        buildRibbon(average, average.points, avgRibbonWidth);
+        buildRibbon(strand1, strand1.positions, ribbonsWidth);
+        buildRibbon(strand2, strand2.positions, ribbonsWidth);
+    });
 }
 
 void SoBirod::clear()

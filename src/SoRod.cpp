@@ -13,6 +13,7 @@
 
 #include "detail/WrittenShape.h"
 #include "detail/rodData.h"
+#include "detail/runBoth.h"
 #include "drawing/MeshDrawing.h"
 
 using Vector = algebra3d::Vector3<double>;
@@ -70,12 +71,18 @@ SoRod::Meshes SoRod::makeMeshes(const std::vector<Vector>& points,
     if (!areCorrect(points, rotations))
         return meshes;
     // The ribbon first, while there is no tube yet: it has two curves, the tube one.
-    meshes.ribbon =
-        makeRibbon(points, rotations, ribbonWidth, subsegments, twoSidedRibbon, closed, nullptr);
-    meshes.ribbon->forgetCurves();
-    meshes.tube =
-        makeFramedTube(points, rotations, tubeRadius, slices, subsegments, closed, nullptr);
-    meshes.tube->forgetCurve();
+    runBoth(
+        points.size() >= MANY_POINTS,
+        [&] {
+            meshes.ribbon = makeRibbon(points, rotations, ribbonWidth, subsegments, twoSidedRibbon,
+                                       closed, nullptr);
+            meshes.ribbon->forgetCurves();
+        },
+        [&] {
+            meshes.tube =
+                makeFramedTube(points, rotations, tubeRadius, slices, subsegments, closed, nullptr);
+            meshes.tube->forgetCurve();
+        });
     return meshes;
 }
 
@@ -128,10 +135,16 @@ void SoRod::generate()
 // The new meshes take over the memory of the old ones, which go after that.
 void SoRod::buildMeshes()
 {
-    tubeMesh =
-        makeFramedTube(points, rotations, tubeRadius, slices, subsegments, closed, tubeMesh.get());
-    ribbonMesh = makeRibbon(points, rotations, ribbonWidth, subsegments, twoSidedRibbon, closed,
-                            ribbonMesh.get());
+    runBoth(
+        points.size() >= MANY_POINTS,
+        [this] {
+            tubeMesh = makeFramedTube(points, rotations, tubeRadius, slices, subsegments, closed,
+                                      tubeMesh.get());
+        },
+        [this] {
+            ribbonMesh = makeRibbon(points, rotations, ribbonWidth, subsegments, twoSidedRibbon,
+                                    closed, ribbonMesh.get());
+        });
 }
 
 void SoRod::clear()

@@ -467,8 +467,8 @@ void roundColours(const float* colours, std::size_t count, const float* transpar
                   std::size_t transparencyCount, std::uint32_t* to)
 {
     const std::size_t step = transparencyCount > 1 ? 1 : 0;
-    const std::size_t fours = (step == 0 ? count : std::min(count, transparencyCount)) / 4 -
-                              (count % 4 == 0 && count > 0);
+    const std::size_t alike = step == 0 ? count : std::min(count, transparencyCount);
+    const std::size_t fours = alike == 0 ? 0 : (alike - 1) / 4;
     roundFourColours(colours, fours, transparencies, step, to);
     for (std::size_t i = 4 * fours; i < count; ++i) {
         const float* const colour = colours + 3 * i;

@@ -12,6 +12,7 @@
 #include <MeshVisitor.h>
 #include <RibbonMesh.h>
 #include <SoRod.h>
+#include <algebra3d/Matrix3.h>
 #include <gtest/gtest.h>
 
 #include "support/RandomRods.h"
@@ -140,4 +141,24 @@ TEST(MeshThreads, OneColourMapperIsReadBySeveral)
     const auto together = inThreads<std::vector<double>>(colours);
     for (unsigned seed = 0; seed < unsigned(THREADS * ROUNDS); ++seed)
         EXPECT_TRUE(together[seed] == colours(seed)) << seed;
+}
+
+TEST(MeshThreads, OfManyPointsTubeAndRibbonAreThoseBuiltOneAfterTheOther)
+{
+    for (const int count : {999, 1000, 2500}) {
+        const RandomRod rod = randomRod(RodKind::SMOOTH, count, unsigned(count));
+        const SoRod::Meshes both =
+            SoRod::makeMeshes(rod.points, rod.rotations, RADIUS, WIDTH, SLICES, ROWS, false, false);
+        const auto director = [](const algebra3d::Quaternion<double>& rotation, int column) {
+            return algebra3d::Matrix3<double>(rotation).getColumn(column);
+        };
+        BiarcTubeMesh tube(rod.points, director(rod.rotations.front(), 2),
+                           director(rod.rotations.back(), 2), RADIUS, SLICES, ROWS, false, false);
+        std::vector<Vector> base = rod.points, edge;
+        for (std::size_t i = 0; i < base.size(); ++i)
+            edge.push_back(base[i] + WIDTH * director(rod.rotations[i], 1));
+        BiarcRibbonMesh ribbon(base, edge, WIDTH, ROWS);
+        EXPECT_EQ(Numbers::of(*both.tube), Numbers::of(tube)) << count;
+        EXPECT_EQ(Numbers::of(*both.ribbon), Numbers::of(ribbon)) << count;
+    }
 }

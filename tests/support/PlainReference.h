@@ -7,6 +7,8 @@
 #include <limits>
 #include <vector>
 
+#include <biarc/cosineAndSine.h>
+
 /// The formulas of biarc curves, tubes and ribbons written down once more, one after
 /// the other and without any short cut, to compare the library with. Products and
 /// sums are evaluated from left to right, so the doubles must be the same.
@@ -123,8 +125,15 @@ inline Vec conic(Vec b0, Vec b1, Vec b2, double tau)
 /// The point at s of a model circle through the origin, as a fraction of the chord.
 inline double chordFraction(double s, double r, double arcLengthOfAll)
 {
-    const Vec q = {r - r * std::cos(s / r), r * std::sin(s / r), 0};
-    const Vec qE = {r - r * std::cos(arcLengthOfAll / r), r * std::sin(arcLengthOfAll / r), 0};
+    const auto onCircle = [r](double angle) -> Vec {
+        double cosine = std::cos(angle), sine = std::sin(angle);
+        // The last bit of those of the standard library differs from system to system.
+        if (std::abs(angle) <= biarc::LARGEST_ANGLE)
+            biarc::cosineAndSine(angle, cosine, sine);
+        return {r - r * cosine, r * sine, 0};
+    };
+    const Vec q = onCircle(s / r);
+    const Vec qE = onCircle(arcLengthOfAll / r);
     const double k = norm(qE);
     const double g = dot(q, unit(qE));
     if (!(g > 1e-7))
