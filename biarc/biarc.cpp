@@ -3,7 +3,7 @@
 #include <biarc/Curve.h>
 #include <biarc/PKFmanip.h>
 #include <biarc/Tube.h>
-#include <biarc/cosineAndSine.h>
+#include <biarc/trigonometry.h>
 
 #include <algorithm>
 #include <cmath>
@@ -32,7 +32,13 @@ double arcRadius(const Vector& chord, double cosine)
     return std::sqrt(chord.norm2() * 0.25 / (1 - cosine * cosine));
 }
 
-double arcAngle(double cosine) { return 2 * std::acos(cosine); }
+double arcAngle(double cosine)
+{
+    double half;
+    biarc::arcCosine(
+        cosine, [](double& square) { square = std::sqrt(square); }, half);
+    return 2 * half;
+}
 
 // Where the model circle, which starts in the origin along y, is after such an angle.
 void modelPoint(double radius, double angle, double& x, double& y)

@@ -23,7 +23,7 @@ void interpolate(Curve<::Vector3>& curve, const std::vector<Vector>& edge, std::
         curve.biarcs.front().tangent = toBiarc(tangentAtSeam(edge));
         curve.biarcs.back().tangent = curve.biarcs.front().tangent;
     }
-    curve.makeMidpointRule();
+    makeMidpointRule(curve);
 }
 
 } // namespace

@@ -79,7 +79,7 @@ int BiarcTubeMesh::computeCurve(const std::vector<Vector>& points)
 {
     if (points.size() >= 2) {
         appendWithEstimatedTangents(points);
-        curve.makeMidpointRule();
+        makeMidpointRule(curve);
     }
     return int(points.size());
 }
@@ -95,7 +95,7 @@ int BiarcTubeMesh::computeCurve(const std::vector<Vector>& points,
             const Vector d3 = algebra3d::Matrix3<double>(rotations[i]).getColumn(2);
             curve.append(toBiarc(points[i]), toBiarc(d3));
         }
-        curve.makeMidpointRule();
+        makeMidpointRule(curve);
     }
     return int(n);
 }
@@ -111,7 +111,7 @@ int BiarcTubeMesh::computeCurve(const std::vector<Vector>& points, const Vector&
         };
         fixLine(curve.biarcs.front().tangent, startTangent);
         fixLine(curve.biarcs.back().tangent, endTangent);
-        curve.makeMidpointRule();
+        makeMidpointRule(curve);
     }
     return int(points.size());
 }

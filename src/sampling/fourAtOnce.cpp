@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "sampling/fourAtOnce.h"
 
-#include <biarc/cosineAndSine.h>
+#include <biarc/trigonometry.h>
 
 #include <algorithm>
 #include <cfloat>
@@ -103,6 +103,92 @@ ALWAYS_INLINE Four squareRoot(const Four& four)
 }
 
 ALWAYS_INLINE Four norm(const FourVectors& v) { return squareRoot(dot(v, v)); }
+
+// That of four nodes, a component of it.
+template <typename Of>
+ALWAYS_INLINE FourVectors gather(const Biarc<Vector3>* nodes, Of of)
+{
+    const Vector3 &a = of(nodes[0]), &b = of(nodes[1]), &c = of(nodes[2]), &d = of(nodes[3]);
+    return {Four{a[0], b[0], c[0], d[0]}, Four{a[1], b[1], c[1], d[1]},
+            Four{a[2], b[2], c[2], d[2]}};
+}
+
+ALWAYS_INLINE void scatter(const FourVectors& v, int lane, Vector3& to)
+{
+    to = Vector3(v.x[lane], v.y[lane], v.z[lane]);
+}
+
+// As in biarc.cpp, formula by formula.
+
+ALWAYS_INLINE FourVectors tangentIntersection(const FourVectors& from, const FourVectors& to,
+                                              const FourVectors& tangent)
+{
+    const FourVectors chord = to - from;
+    return from + dot(chord, chord) * 0.5 / dot(chord, tangent) * tangent;
+}
+
+struct FourArcs
+{
+    Four radius, length;
+};
+
+ALWAYS_INLINE FourArcs measure(const FourVectors& from, const FourVectors& to,
+                               const FourVectors& tangent)
+{
+    const double straightSine2 = 1e-7;
+    const FourVectors chord = to - from;
+    const Four square = dot(chord, chord);
+    const Four chordLength = squareRoot(square);
+    const Four cosine = dot(chord / chordLength, tangent);
+    const Four sine2 = 1 - cosine * cosine;
+    const FourMasks isStraight = straightSine2 > sine2;
+    const Four radius = isStraight ? all(-1) : squareRoot(square * 0.25 / sine2);
+    Four half;
+    biarc::arcCosine(
+        cosine, [](Four& four) { four = squareRoot(four); }, half);
+    return {radius, radius < 0 ? chordLength : radius * (2 * half)};
+}
+
+// Of four nodes that one more follows.
+FOUR_AT_ONCE void makeMidpointRuleOfFour(Biarc<Vector3>* nodes)
+{
+    const auto pointOf = [](const Biarc<Vector3>& node) -> const Vector3& { return node.point; };
+    const auto tangentOf = [](const Biarc<Vector3>& node) -> const Vector3& {
+        return node.tangent;
+    };
+    const FourVectors p0 = gather(nodes, pointOf), t0 = gather(nodes, tangentOf);
+    const FourVectors p1 = gather(nodes + 1, pointOf), t1 = gather(nodes + 1, tangentOf);
+
+    const FourVectors d = p1 - p0;
+    const Four chord = norm(d);
+    const FourVectors e = d / chord;
+    const Four c = dot(t0, t1);
+    const Four a0 = dot(e, t0), a1 = dot(e, t1);
+    const Four root = squareRoot(4 * a0 * a1 + 2 - 2 * c);
+    const Four divisor = dot(e, t0 + t1) + root;
+    const Four lambda = (root / 2 + a1) / divisor;
+    const FourVectors match = (1 - lambda) * p0 + lambda * p1 + chord / (2 * divisor) * (t0 - t1);
+    const FourVectors half = match - p0;
+    const FourVectors tangent = 2 * dot(half, t0) / dot(half, half) * half - t0;
+    const FourVectors bezier0 = tangentIntersection(p0, match, t0);
+    const FourVectors bezier1 = tangentIntersection(match, p1, tangent);
+    const FourArcs first = measure(p0, match, t0), second = measure(match, p1, tangent);
+    const Four length = first.length + second.length;
+
+    for (int lane = 0; lane < 4; ++lane) {
+        Biarc<Vector3>& node = nodes[lane];
+        node.biarcFlag = 1;
+        scatter(match, lane, node.matchPoint);
+        scatter(tangent, lane, node.matchTangent);
+        scatter(bezier0, lane, node.bezier0);
+        scatter(bezier1, lane, node.bezier1);
+        node.radius0 = first.radius[lane];
+        node.radius1 = second.radius[lane];
+        node.length0 = first.length[lane];
+        node.length1 = second.length[lane];
+        node.length = length[lane];
+    }
+}
 
 // BiarcSampler::sampleAt on two curved arcs, from there formula by formula. Each of four
 // samples takes the numbers of the arc that it lies on. In one piece, as long as it is: its steps
@@ -418,6 +504,17 @@ FOUR_AT_ONCE void normalise(double* x, double* y, double* z, int count)
 }
 
 } // namespace
+
+void makeMidpointRule(Curve<Vector3>& curve)
+{
+    const std::size_t nodes = curve.biarcs.size();
+    if (curve.closed || nodes < 5)
+        return curve.makeMidpointRule();
+    const std::size_t last = nodes - 5;
+    for (std::size_t i = 0; i < last; i += 4)
+        makeMidpointRuleOfFour(&curve.biarcs[i]);
+    makeMidpointRuleOfFour(&curve.biarcs[last]); // some again
+}
 
 void sampleBiarc(const BiarcSampler<Vector3>& sampler, double step, int first, int count,
                  CurveSamples& samples)

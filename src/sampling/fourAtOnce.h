@@ -9,6 +9,7 @@
 #include <TubeMesh.h>
 #include <algebra3d/Vector3.h>
 #include <biarc/Biarc.h>
+#include <biarc/Curve.h>
 
 // The inner loops of the meshes, with four doubles at once. Each of the four is computed
 // by the same operations in the same order as one alone, so the doubles are those of the
@@ -39,6 +40,9 @@ struct CurveSamples
         return {tangentX[i], tangentY[i], tangentZ[i]};
     }
 };
+
+/// Curve::makeMidpointRule(), four biarcs at once where it is open and there are as many.
+void makeMidpointRule(Curve<Vector3>& curve);
 
 /// Appends the points and tangents at the arc lengths k * step for `count` values of k
 /// from `first` on, as BiarcSampler::sampleAt gives them. There must be room.

@@ -7,7 +7,7 @@
 #include <limits>
 #include <vector>
 
-#include <biarc/cosineAndSine.h>
+#include <biarc/trigonometry.h>
 
 /// The formulas of biarc curves, tubes and ribbons written down once more, one after
 /// the other and without any short cut, to compare the library with. Products and
@@ -74,7 +74,10 @@ inline double arcLength(Vec a, Vec b, Vec t)
     const double radius = arcRadius(a, b, t);
     if (radius < 0)
         return norm(b - a);
-    return radius * (2 * std::acos(dot(unit(b - a), t)));
+    double half;
+    biarc::arcCosine(
+        dot(unit(b - a), t), [](double& square) { square = std::sqrt(square); }, half);
+    return radius * (2 * half);
 }
 
 /// The biarc between two nodes with a given matching point and tangent.

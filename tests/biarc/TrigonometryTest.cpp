@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include <biarc/cosineAndSine.h>
+#include <biarc/trigonometry.h>
 
 #include <cmath>
 #include <limits>
@@ -81,6 +81,60 @@ TEST(CosineAndSine, OfFourAtOnceAreThoseOfOne)
             biarc::cosineAndSine(double(angle[lane]), cosine, sine);
             ASSERT_EQ(cosines[lane], cosine);
             ASSERT_EQ(sines[lane], sine);
+        }
+    }
+}
+
+namespace {
+
+double arcCosine(double cosine)
+{
+    double angle;
+    biarc::arcCosine(
+        cosine, [](double& square) { square = std::sqrt(square); }, angle);
+    return angle;
+}
+
+} // namespace
+
+TEST(ArcCosine, IsRightToTheLastBitButTwo)
+{
+    std::mt19937_64 random(3);
+    std::uniform_real_distribution<double> cosines(-1, 1), exponents(-16, -1);
+    for (int i = 0; i < 400000; ++i) {
+        const double small = std::pow(10, exponents(random));
+        for (const double cosine :
+             {cosines(random), 1 - small, small - 1, small, -small, 0.5 - small, 0.5 + small / 10})
+            ASSERT_LT(errorOf(arcCosine(cosine), std::acos(static_cast<long double>(cosine))), 2.5)
+                << cosine;
+    }
+}
+
+TEST(ArcCosine, OfTheEndsIsExact)
+{
+    EXPECT_EQ(arcCosine(1), 0);
+    EXPECT_EQ(arcCosine(-1), M_PI);
+    EXPECT_EQ(arcCosine(0), M_PI / 2);
+    EXPECT_TRUE(std::isnan(arcCosine(std::nextafter(1.0, 2.0))));
+    EXPECT_TRUE(std::isnan(arcCosine(-2)));
+    EXPECT_TRUE(std::isnan(arcCosine(std::numeric_limits<double>::quiet_NaN())));
+}
+
+TEST(ArcCosine, OfFourAtOnceAreThoseOfOne)
+{
+    std::mt19937_64 random(4);
+    std::uniform_real_distribution<double> cosines(-1.01, 1.01);
+    const auto takeRoots = [](Four& f) {
+        for (int lane = 0; lane < 4; ++lane)
+            f[lane] = std::sqrt(f[lane]);
+    };
+    for (int i = 0; i < 20000; ++i) {
+        const Four cosine = {cosines(random), cosines(random), 0.1 * cosines(random), 1.0};
+        Four angles;
+        biarc::arcCosine(cosine, takeRoots, angles);
+        for (int lane = 0; lane < 4; ++lane) {
+            const double angle = arcCosine(cosine[lane]);
+            ASSERT_TRUE(angles[lane] == angle || (std::isnan(angle) && std::isnan(angles[lane])));
         }
     }
 }
