@@ -44,7 +44,9 @@ double arcAngle(double cosine)
 void modelPoint(double radius, double angle, double& x, double& y)
 {
     double cosine, sine;
-    if (std::abs(angle) <= biarc::LARGEST_ANGLE) {
+    if (std::abs(angle) <= biarc::SMALL_ANGLE) {
+        biarc::ofSmallAngle(angle, cosine, sine);
+    } else if (std::abs(angle) <= biarc::LARGEST_ANGLE) {
         biarc::cosineAndSine(angle, cosine, sine);
     } else {
         cosine = std::cos(angle);

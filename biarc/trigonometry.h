@@ -6,38 +6,53 @@
 // whichever it is, which no library promises.
 namespace biarc {
 
+/// Up to this magnitude an angle is one of ofSmallAngle().
+constexpr double SMALL_ANGLE = 0.75;
+
 /// Up to this magnitude of an angle cosineAndSine() is right to the last bit but one.
 constexpr double LARGEST_ANGLE = 1000;
 
-/// The cosine and the sine of an angle in radians.
-///
-/// The angle less the nearest multiple of a quarter turn, of which three parts are subtracted
-/// (W. J. Cody, W. Waite, Software Manual for the Elementary Functions, 1980, chapter 8); of the
-/// rest Taylor's series, of which the first term left out is below 1e-17.
+/// The cosine and the sine of an angle in radians that is less than the eighth part of a turn:
+/// those that cosineAndSine() gives. Taylor's series, of which the first term left out is below
+/// 1e-17.
 template <class Number>
-inline __attribute__((always_inline)) void cosineAndSine(const Number& angle, Number& cosine,
-                                                         Number& sine)
+inline __attribute__((always_inline)) void ofSmallAngle(const Number& angle, Number& cosine,
+                                                        Number& sine)
 {
-    constexpr double TO_WHOLE = 0x1.8p+52; // added and subtracted again it rounds to whole numbers
-    constexpr double QUARTER[] = {0x1.921fb544p+0, 0x1.0b4611a6p-34, 0x1.3198a2e037073p-69};
     constexpr double SINE[] = {-1.0 / 6,        1.0 / 120,        -1.0 / 5040,         1.0 / 362880,
                                -1.0 / 39916800, 1.0 / 6227020800, -1.0 / 1307674368000};
     constexpr double COSINE[] = {
         1.0 / 24,        -1.0 / 720,         1.0 / 40320,         -1.0 / 3628800,
         1.0 / 479001600, -1.0 / 87178291200, 1.0 / 20922789888000};
 
-    const Number quarters = (angle * 0x1.45f306dc9c883p-1 + TO_WHOLE) - TO_WHOLE;
-    const Number rest =
-        ((angle - quarters * QUARTER[0]) - quarters * QUARTER[1]) - quarters * QUARTER[2];
-    const Number square = rest * rest;
+    const Number square = angle * angle;
     Number ofSine = square * SINE[6] + SINE[5];
     Number ofCosine = square * COSINE[6] + COSINE[5];
     for (int i = 4; i >= 0; --i) {
         ofSine = ofSine * square + SINE[i];
         ofCosine = ofCosine * square + COSINE[i];
     }
-    const Number restSine = rest + rest * (square * ofSine);
-    const Number restCosine = 1.0 - (square * 0.5 - square * (square * ofCosine));
+    sine = angle + angle * (square * ofSine);
+    cosine = 1.0 - (square * 0.5 - square * (square * ofCosine));
+}
+
+/// The cosine and the sine of an angle in radians.
+///
+/// Those of the angle less the nearest multiple of a quarter turn, of which three parts are
+/// subtracted (W. J. Cody, W. Waite, Software Manual for the Elementary Functions, 1980, chapter
+/// 8).
+template <class Number>
+inline __attribute__((always_inline)) void cosineAndSine(const Number& angle, Number& cosine,
+                                                         Number& sine)
+{
+    constexpr double TO_WHOLE = 0x1.8p+52; // added and subtracted again it rounds to whole numbers
+    constexpr double QUARTER[] = {0x1.921fb544p+0, 0x1.0b4611a6p-34, 0x1.3198a2e037073p-69};
+
+    const Number quarters = (angle * 0x1.45f306dc9c883p-1 + TO_WHOLE) - TO_WHOLE;
+    const Number rest =
+        ((angle - quarters * QUARTER[0]) - quarters * QUARTER[1]) - quarters * QUARTER[2];
+    Number restCosine, restSine;
+    ofSmallAngle(rest, restCosine, restSine);
 
     // -2 to 2, of which the ends are the same
     const Number turn = quarters - 4.0 * ((quarters * 0.25 + TO_WHOLE) - TO_WHOLE);

@@ -15,9 +15,9 @@ namespace {
 void interpolate(Curve<::Vector3>& curve, const std::vector<Vector>& edge, std::size_t m,
                  bool closed)
 {
-    curve.biarcs.reserve(m);
-    for (std::size_t i = 0; i < m; ++i)
-        curve.append(toBiarc(edge[i]), ::Vector3());
+    setNodes(curve, m, [&](std::size_t i, ::Vector3& point, ::Vector3& /*tangent*/) {
+        point = toBiarc(edge[i]);
+    });
     curve.computeTangents();
     if (closed) {
         curve.biarcs.front().tangent = toBiarc(tangentAtSeam(edge));
@@ -50,16 +50,18 @@ BiarcRibbonMesh::BiarcRibbonMesh(const std::vector<Vector>& edgeA, const std::ve
 {
     if (replaced) {
         takeMemory(*replaced);
-        takeCapacity(curveA.biarcs, replaced->curveA.biarcs);
-        takeCapacity(curveB.biarcs, replaced->curveB.biarcs);
+        takeNodes(curveA, replaced->curveA);
+        takeNodes(curveB, replaced->curveB);
         takeTable(paramValues, replaced->paramValues);
         takeTable(interpParamValues, replaced->interpParamValues);
     }
     setWidth(2);
     const std::size_t m = edgeA.size();
     if (m < 2) {
-        paramValues.clear();
-        interpParamValues.clear();
+        for (auto* const nodes : {&curveA.biarcs, &curveB.biarcs})
+            nodes->clear();
+        for (auto* const table : {&paramValues, &interpParamValues})
+            table->clear();
         return;
     }
 

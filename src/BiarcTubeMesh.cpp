@@ -22,7 +22,7 @@ BiarcTubeMesh::BiarcTubeMesh(double radius, int ringSlices, int ringsPerBiarc,
     if (!replaced)
         return;
     takeMemory(*replaced);
-    takeCapacity(curve.biarcs, replaced->curve.biarcs);
+    takeNodes(curve, replaced->curve);
     takeTable(paramValues, replaced->paramValues);
     takeTable(interpParamValues, replaced->interpParamValues);
 }
@@ -89,12 +89,11 @@ int BiarcTubeMesh::computeCurve(const std::vector<Vector>& points,
 {
     const std::size_t n = std::min(points.size(), rotations.size());
     if (n >= 2) {
-        curve.biarcs.clear();
-        curve.biarcs.reserve(n);
-        for (std::size_t i = 0; i < n; ++i) {
-            const Vector d3 = algebra3d::Matrix3<double>(rotations[i]).getColumn(2);
-            curve.append(toBiarc(points[i]), toBiarc(d3));
-        }
+        setNodes(curve, n, [&](std::size_t i, ::Vector3& point, ::Vector3& tangent) {
+            point = toBiarc(points[i]);
+            tangent = toBiarc(algebra3d::Matrix3<double>(rotations[i]).getColumn(2));
+            tangent.normalize();
+        });
         makeMidpointRule(curve);
     }
     return int(n);
@@ -118,15 +117,16 @@ int BiarcTubeMesh::computeCurve(const std::vector<Vector>& points, const Vector&
 
 void BiarcTubeMesh::appendWithEstimatedTangents(const std::vector<Vector>& points)
 {
-    curve.biarcs.clear();
-    curve.biarcs.reserve(points.size());
-    for (const Vector& point : points)
-        curve.append(toBiarc(point), ::Vector3());
+    setNodes(curve, points.size(), [&](std::size_t i, ::Vector3& point, ::Vector3& /*tangent*/) {
+        point = toBiarc(points[i]);
+    });
     curve.computeTangents();
 }
 
 void BiarcTubeMesh::generateMesh(int n)
 {
+    if (!curve.biarcs.empty() && curve.biarcs.front().curve != &curve)
+        curve.biarcs.clear(); // of a mesh that this one replaced
     const auto clearTables = [this] {
         paramValues.clear();
         interpParamValues.clear();

@@ -25,13 +25,35 @@ inline const Biarc<Vector3>& lastNode(const Curve<Vector3>& curve, int n)
     return curve.biarcs[std::min(std::size_t(n), curve.biarcs.size()) - 1];
 }
 
-/// Takes over the memory of a list, which is empty then, for another one.
-template <typename T>
-void takeCapacity(std::vector<T>& list, std::vector<T>& replaced)
+/// Takes over the nodes of a curve, which has none then, for setNodes().
+inline void takeNodes(Curve<Vector3>& curve, Curve<Vector3>& replaced)
 {
-    list = std::move(replaced);
-    list.clear();
-    replaced.clear();
+    curve.biarcs = std::move(replaced.biarcs);
+    replaced.biarcs.clear();
+}
+
+/// Gives a curve so many nodes and no others: node(i, point, tangent) sets those of each, which is
+/// then as Curve::append() makes it, but for what makeMidpointRule() computes.
+template <typename Node>
+void setNodes(Curve<Vector3>& curve, std::size_t count, Node node)
+{
+    auto& nodes = curve.biarcs;
+    nodes.resize(std::min(nodes.size(), count), Biarc<Vector3>({}, {}));
+    nodes.reserve(count);
+    for (std::size_t i = 0; i < nodes.size(); ++i) {
+        nodes[i].curve = &curve;
+        node(i, nodes[i].point, nodes[i].tangent);
+    }
+    while (nodes.size() < count) {
+        curve.append({}, {});
+        node(nodes.size() - 1, nodes.back().point, nodes.back().tangent);
+    }
+    if (count > 0) { // of which nothing is computed
+        const Vector3 point = nodes.back().point, tangent = nodes.back().tangent;
+        nodes.pop_back();
+        curve.append(point, {});
+        nodes.back().tangent = tangent;
+    }
 }
 
 /// Takes over a table that is filled anew, which is empty then. What it holds stays in it until

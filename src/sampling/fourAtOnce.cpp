@@ -192,9 +192,10 @@ FOUR_AT_ONCE void makeMidpointRuleOfFour(Biarc<Vector3>* nodes)
 
 // BiarcSampler::sampleAt on two curved arcs, from there formula by formula. Each of four
 // samples takes the numbers of the arc that it lies on. In one piece, as long as it is: its steps
-// share nearly all of their values, which stay in registers.
-FOUR_AT_ONCE void sampleArcs(const BiarcSampler<Vector3>& sampler, double step, int begin,
-                             int count, CurveSamples& samples, int at)
+// share nearly all of their values, which stay in registers. Most arcs are of small angles.
+template <bool AreSmall>
+ALWAYS_INLINE void sampleArcsOf(const BiarcSampler<Vector3>& sampler, double step, int begin,
+                                int count, CurveSamples& samples, int at)
 {
     const Biarc<Vector3>& node = sampler.getBiarc();
     const ArcSampler<Vector3>&arc0 = sampler.getArc0(), &arc1 = sampler.getArc1();
@@ -217,7 +218,11 @@ FOUR_AT_ONCE void sampleArcs(const BiarcSampler<Vector3>& sampler, double step, 
         const Four onArc = onFirst ? s : s - node.length0;
 
         Four cosine, sine;
-        biarc::cosineAndSine(Four(onArc / radius), cosine, sine);
+        const Four angle = onArc / radius;
+        if (AreSmall)
+            biarc::ofSmallAngle(angle, cosine, sine);
+        else
+            biarc::cosineAndSine(angle, cosine, sine);
         const Four modelX = radius - radius * cosine;
         const Four modelY = radius * sine;
         const Four projection = modelX * number(&ArcSampler<Vector3>::chordX) +
@@ -251,6 +256,18 @@ FOUR_AT_ONCE void sampleArcs(const BiarcSampler<Vector3>& sampler, double step, 
         store(tangent.y, samples.tangentY + at + i);
         store(tangent.z, samples.tangentZ + at + i);
     }
+}
+
+FOUR_AT_ONCE void sampleSmallArcs(const BiarcSampler<Vector3>& sampler, double step, int begin,
+                                  int count, CurveSamples& samples, int at)
+{
+    sampleArcsOf<true>(sampler, step, begin, count, samples, at);
+}
+
+FOUR_AT_ONCE void sampleArcs(const BiarcSampler<Vector3>& sampler, double step, int begin,
+                             int count, CurveSamples& samples, int at)
+{
+    sampleArcsOf<false>(sampler, step, begin, count, samples, at);
 }
 
 static_assert(sizeof(Vector) == sizeof(Four) && alignof(Vector) == alignof(double),
@@ -287,6 +304,7 @@ ALWAYS_INLINE void fillRings(const RingFiller& to, int count, Next next)
     for (int ring = 0; ring < count; ++ring) {
         Four centre, u, v;
         next(centre, u, v);
+#pragma GCC unroll 4
         for (std::ptrdiff_t column = 0; column < columns; ++column) {
             const Four n = directions[2 * column] * u + directions[2 * column + 1] * v;
             const Four p = centre + radius * n;
@@ -519,10 +537,10 @@ void makeMidpointRule(Curve<Vector3>& curve)
 void sampleBiarc(const BiarcSampler<Vector3>& sampler, double step, int first, int count,
                  CurveSamples& samples)
 {
-    const Biarc<Vector3>& biarc = sampler.getBiarc();
+    const Biarc<Vector3>& node = sampler.getBiarc();
     const int end = first + count;
     // Straight ones, and what is not finite or not valid.
-    if (!sampler.isCurved() || !((end - 1) * step <= biarc.length && biarc.length <= DBL_MAX)) {
+    if (!sampler.isCurved() || !((end - 1) * step <= node.length && node.length <= DBL_MAX)) {
         for (int k = first; k < end; ++k) {
             Vector3 point, tangent;
             sampler.sampleAt(k * step, point, tangent);
@@ -533,7 +551,11 @@ void sampleBiarc(const BiarcSampler<Vector3>& sampler, double step, int first, i
 
     const int at = samples.size;
     samples.size += count;
-    sampleArcs(sampler, step, first, count, samples, at);
+    const double angle = std::max(node.length0 / node.radius0, node.length1 / node.radius1);
+    if (angle <= biarc::SMALL_ANGLE)
+        sampleSmallArcs(sampler, step, first, count, samples, at);
+    else
+        sampleArcs(sampler, step, first, count, samples, at);
 }
 
 void normaliseTangents(CurveSamples& samples)

@@ -56,6 +56,20 @@ TEST(CosineAndSine, OfQuarterTurnsKeepTheirSigns)
     EXPECT_EQ(sine, 0);
 }
 
+TEST(CosineAndSine, OfSmallAnglesAreTheSeriesAlone)
+{
+    std::mt19937_64 random(5);
+    std::uniform_real_distribution<double> angles(-biarc::SMALL_ANGLE, biarc::SMALL_ANGLE);
+    for (int i = 0; i < 100000; ++i) {
+        const double angle = i == 0 ? biarc::SMALL_ANGLE : angles(random);
+        double cosine, sine, smallCosine, smallSine;
+        biarc::cosineAndSine(angle, cosine, sine);
+        biarc::ofSmallAngle(angle, smallCosine, smallSine);
+        ASSERT_EQ(cosine, smallCosine);
+        ASSERT_EQ(sine, smallSine);
+    }
+}
+
 TEST(CosineAndSine, OfWhatIsNoAngleAreNoNumbers)
 {
     for (const double angle :
