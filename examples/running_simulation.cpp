@@ -1,11 +1,21 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // A host whose picture follows a running simulation: a vibrating string with twist, integrated in
-// the event loop. Each frame shows the newest state, and the title tells what a rebuild costs.
+// the event loop. Each frame shows the newest state; the title and standard output tell how many
+// frames a second are shown, and what the rod's share of each is.
+//
+//     running_simulation [POINTS [SECONDS]]
+//
+// of 1,000 points, until the window is closed, unless told otherwise.
+#include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <cstdlib>
+#include <iostream>
 #include <vector>
 
 #include <Inventor/Qt/SoQt.h>
+#include <Inventor/actions/SoGLRenderAction.h>
+#include <Inventor/nodes/SoCallback.h>
 #include <Inventor/nodes/SoMaterial.h>
 #include <QTimer>
 #include <QWidget>
@@ -75,25 +85,38 @@ private:
     std::vector<Vector> now, before, next; // of the displacements; x is not used
 };
 
+void countFrame(void* frames, SoAction* action)
+{
+    if (action->isOfType(SoGLRenderAction::getClassTypeId()))
+        ++*static_cast<int*>(frames);
+}
+
+double secondsNow()
+{
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+}
+
 } // namespace
 
-int main(int, char** argv)
+int main(int count, char** argv)
 {
     qputenv("QT_QPA_PLATFORM", "xcb"); // Coin speaks X11 alone, under Wayland, too
     QWidget* window = SoQt::init(argv[0]);
     initStrandviewClasses();
 
-    VibratingString string(1000);
-    auto* rod = new SoRod(0.05, 0.4, 16, 2, true, true, false);
-    int rebuilds = 0;
+    const int pointCount = count > 1 ? std::max(std::atoi(argv[1]), 3) : 1000;
+    const double duration = count > 2 ? std::atof(argv[2]) : 0;
+    VibratingString string(pointCount);
+    auto* rod = new SoRod(0.05, 0.4, 12, pointCount < 5000 ? 2 : 1, true, true, false);
+    int rebuilds = 0, frames = 0;
     double rebuilding = 0; // seconds
     const auto show = [&] {
         const std::vector<Vector> points = string.points();
-        const std::vector<Rotation> frames = VibratingString::frames(points);
-        const auto start = std::chrono::steady_clock::now();
-        rod->setData(points, frames); // the next frame shows it
-        rebuilding +=
-            std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+        const std::vector<Rotation> rotations = VibratingString::frames(points);
+        const double start = secondsNow();
+        rod->setData(points, rotations); // the next frame shows it
+        rebuilding += secondsNow() - start;
         ++rebuilds;
     };
     show();
@@ -104,19 +127,44 @@ int main(int, char** argv)
     colours->diffuseColor.set1Value(1, SbColor(0.9f, 0.6f, 0.1f)); // ribbons
     scene->addShaded(colours);
     scene->addShaded(rod);
+    auto* counter = new SoCallback;
+    counter->setCallback(countFrame, &frames);
+    scene->addShaded(counter);
     auto* viewer = new SoQtGeneralViewer(window);
     viewer->setSceneGraph(scene);
     viewer->setBackgroundColor(SbColor(1, 1, 1));
     viewer->show();
+    window->resize(900, 600);
 
+    const double begin = secondsNow();
+    double told = begin;
+    const auto tell = [&](double now) {
+        const QString text = QString("%1 points: %2 frames/s, %3 ms of each rebuild the rod")
+                                 .arg(pointCount)
+                                 .arg(frames / (now - told), 0, 'f', 1)
+                                 .arg(1e3 * rebuilding / std::max(rebuilds, 1), 0, 'f', 2);
+        window->setWindowTitle(text);
+        std::cout << text.toStdString() << std::endl;
+        told = now;
+        frames = rebuilds = 0;
+        rebuilding = 0;
+    };
+    int shown = 0;
     QTimer timer; // of no interval: as often as the event loop is idle
     QObject::connect(&timer, &QTimer::timeout, [&] {
+        if (frames == shown && rebuilds > 0)
+            return; // what is there is not drawn yet
+        shown = frames;
         for (int i = 0; i < 10; ++i)
             string.step();
         show();
-        if (rebuilds % 100 == 0)
-            window->setWindowTitle(QString("1000 points, %1 ms per rebuild")
-                                       .arg(1e3 * rebuilding / rebuilds, 0, 'f', 2));
+        const double now = secondsNow();
+        if (now - told > 2) {
+            tell(now);
+            shown = 0;
+        }
+        if (duration > 0 && now - begin > duration)
+            SoQt::exitMainLoop();
     });
     timer.start();
     SoQt::show(window);

@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What the frames of a rod cost. With arguments it only draws, for the counting of
-// instructions: frames SCENE POINTS FRAMES, where SCENE is one of the scenes below.
+// instructions: frames SCENE POINTS FRAMES, where SCENE is one of the scenes below; and prints
+// the seconds of a frame.
+#include <algorithm>
 #include <array>
+#include <chrono>
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
-#include <map>
+#include <iostream>
 #include <string>
 #include <vector>
 
@@ -100,8 +104,6 @@ public:
             rod->setData(points.at(std::size_t(frame % 2)), rotations);
         if (name == "recoloured")
             recolour(frame);
-        if (name == "touched" || name == "widened")
-            rod->touch();
         if (name == "widened") {
             rod->setTubeRadius(frame % 2 ? 0.05 : 0.06);
             rod->generate();
@@ -150,10 +152,52 @@ bool draw(const std::string& name, int points, int frames)
     Scene scene(name, points);
     SoGLRenderAction action(scene.region);
     action.setCacheContext(SoGLCacheContextElement::getUniqueCacheContext());
-    for (int i = 0; i < frames; ++i)
+    const int warm = std::min(frames, 2);
+    for (int i = 0; i < warm; ++i)
         scene.draw(action, i);
+    const auto begin = std::chrono::steady_clock::now();
+    for (int i = warm; i < frames; ++i)
+        scene.draw(action, i);
+    const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - begin;
+    std::cout << seconds.count() / std::max(frames - warm, 1) << "\n";
     cc_glglue_context_reinstate_previous(context);
     return true;
+}
+
+// What a program prints; negative if it fails.
+double printedBy(const std::string& command)
+{
+    FILE* const output = popen(command.c_str(), "r");
+    if (!output)
+        return -1;
+    double number = -1;
+    const bool isRead = std::fscanf(output, "%lf", &number) == 1;
+    return pclose(output) == 0 && isRead ? number : -1;
+}
+
+// Both in turn, so that other work on the machine disturbs both.
+void addPeer(Table& table, const std::string& program)
+{
+    for (const int points : {1000, 10000, 100000}) {
+        const std::string what = "New data given and drawn, " + std::to_string(points) + " points";
+#ifdef STRANDVIEW_PEER
+        const std::string size = std::to_string(points) + " ";
+        const std::string frames = std::to_string(std::max(300000 / points, 6));
+        std::vector<double> ours, peers;
+        for (int round = 0; round < 5; ++round) {
+            ours.push_back(printedBy(program + " changing " + size + frames));
+            peers.push_back(printedBy(std::string(STRANDVIEW_PEER " ") + size + frames));
+        }
+        if (median(ours) > 0 && *std::min_element(peers.begin(), peers.end()) > 0) {
+            table.compare(what, 1e3 * median(ours), "VTK, the tube alone", 1e3 * median(peers),
+                          "ms", Table::Goal::AtLeast, 4);
+            continue;
+        }
+        table.missing(what, "VTK cannot draw here");
+#else
+        table.missing(what, "VTK is not there, for " + program);
+#endif
+    }
 }
 
 class Counter
@@ -253,7 +297,9 @@ int main(int count, char** arguments)
         "Frames",
         "The instructions of one frame of a scene with a camera and a rod, tube and ribbon, "
         "without the graphics\ndriver's share (`GALLIUM_NOOP=1`); those of a frame after a change "
-        "without those of an empty\nscene. Tubes have 12 slices and 10 subsegments.");
+        "without those of an empty\nscene. Tubes have 12 slices and 10 subsegments. VTK's tube "
+        "filter is given as many samples, "
+        "ready-made;\nits times and those beside them are of both cores.");
     Counter counter(arguments[0]);
     const double empty = counter.perFrame("empty", 2, 10, 1000);
     if (!counter.hasFailed())
@@ -263,5 +309,6 @@ int main(int count, char** arguments)
         addChanged(table, counter, points, empty);
     if (counter.hasFailed())
         table.missing("Frames", "valgrind or OpenGL cannot run");
+    addPeer(table, arguments[0]);
     table.print();
 }

@@ -9,7 +9,7 @@
 #include <Inventor/elements/SoGLCacheContextElement.h>
 
 GLBuffer::GLBuffer(std::uint32_t currentContext, GLenum target, const void* data, std::size_t bytes)
-    : context(currentContext)
+    : context(currentContext), size(bytes)
 {
     glGenBuffers(1, &name);
     glBindBuffer(target, name);
@@ -18,13 +18,14 @@ GLBuffer::GLBuffer(std::uint32_t currentContext, GLenum target, const void* data
 }
 
 GLBuffer::GLBuffer(GLBuffer&& other) noexcept
-    : context(other.context), name(std::exchange(other.name, 0))
+    : context(other.context), name(std::exchange(other.name, 0)), size(other.size)
 {}
 
 GLBuffer& GLBuffer::operator=(GLBuffer&& other) noexcept
 {
     std::swap(context, other.context);
     std::swap(name, other.name);
+    std::swap(size, other.size);
     return *this;
 }
 
@@ -45,17 +46,34 @@ bool GLBuffer::areSupported(std::uint32_t context)
     return cc_glglue_has_vertex_buffer_object(cc_glglue_instance(int(context)));
 }
 
+namespace {
+
+// All of the bound buffer, of which nothing is read again; null if the driver lends no memory. What
+// is there already is not made anew, which costs more than to write into it.
+void* mapToWrite(std::uint32_t context, GLenum target, std::size_t bytes, bool isThere)
+{
+    const cc_glglue* const glue = cc_glglue_instance(int(context));
+    if (isThere && cc_glglue_glversion_matches_at_least(glue, 3, 0, 0))
+        return glMapBufferRange(target, 0, GLsizeiptr(bytes),
+                                GL_MAP_WRITE_BIT | GL_MAP_INVALIDATE_BUFFER_BIT);
+    glBufferData(target, GLsizeiptr(bytes), nullptr, GL_DYNAMIC_DRAW);
+    return bytes == 0 ? nullptr : glMapBuffer(target, GL_WRITE_ONLY);
+}
+
+} // namespace
+
 void GLBuffer::fill(std::uint32_t currentContext, GLenum target, std::size_t bytes,
                     const std::function<void(void*)>& write)
 {
+    const bool isThere = name != 0 && size == bytes && bytes > 0;
     if (!name) {
         context = currentContext;
         glGenBuffers(1, &name);
     }
+    size = bytes;
     glBindBuffer(target, name);
-    glBufferData(target, GLsizeiptr(bytes), nullptr, GL_DYNAMIC_DRAW);
     bool isWritten = bytes == 0;
-    if (void* const lent = isWritten ? nullptr : glMapBuffer(target, GL_WRITE_ONLY)) {
+    if (void* const lent = mapToWrite(context, target, bytes, isThere)) {
         write(lent);
         isWritten = glUnmapBuffer(target); // or what was written is lost
     }

@@ -49,6 +49,7 @@ private:
 
     std::uint32_t context = 0;
     GLuint name = 0;
+    std::size_t size = 0; // in bytes
 };
 
 /// What somebody keeps in each context, until the context goes.

@@ -127,6 +127,13 @@ RECORDED void glBufferData(GLenum target, GLsizeiptr size, const void* data, GLe
     real(target, size, data, usage);
 }
 
+RECORDED void* glMapBufferRange(GLenum target, GLintptr offset, GLsizeiptr size, GLbitfield access)
+{
+    FORWARD(glMapBufferRange);
+    record("glMapBufferRange", {float(target), float(size)});
+    return real(target, offset, size, access);
+}
+
 RECORDED SbBool cc_glglue_has_vertex_buffer_object(const cc_glglue* context)
 {
     FORWARD(cc_glglue_has_vertex_buffer_object);

@@ -28,8 +28,8 @@ using RecordedCalls = std::vector<GLCall>;
 /// The OpenGL calls of the library and of Coin that draw in immediate mode or send a
 /// material: glBegin, glEnd, glNormal3f, glTexCoord2f, glVertex3f, glColor4ub,
 /// glMaterialf and glMaterialfv; that draw from buffers: glDrawElements; and that make,
-/// fill and delete those: glGenBuffers, glBufferData and glDeleteBuffers. The program that links
-/// this file defines them itself; each call goes on to the real function.
+/// fill and delete those: glGenBuffers, glBufferData, glMapBufferRange and glDeleteBuffers. The
+/// program that links this file defines them itself; each call goes on to the real function.
 namespace RecordingGL {
 
 /// Forgets what was recorded and records from now on.
