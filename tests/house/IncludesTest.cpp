@@ -28,7 +28,7 @@ const std::map<std::string, Rooms> MAY_INCLUDE{
     {"src/detail", {"algebra3d", "biarc", "src"}},
     {"src/sampling", {"algebra3d", "biarc", "src", "src/detail"}},
     {"src/picking", {"algebra3d", "biarc", "src", "src/detail"}},
-    {"src/drawing", {"algebra3d", "biarc", "src", "src/detail"}},
+    {"src/drawing", {"algebra3d", "biarc", "src", "src/detail", "src/sampling"}},
     {"src", {"algebra3d", "biarc", "src/detail", "src/sampling", "src/picking", "src/drawing"}},
     {"app/request", {"algebra3d", "model", "analysis", "formats", "src"}},
     {"app/command", {"algebra3d", "model", "analysis", "formats", "src", "app/request"}},
