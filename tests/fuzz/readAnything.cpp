@@ -207,7 +207,7 @@ std::unique_ptr<Source> sourceOf(std::string_view bytes, ReadReport& report)
     return areOfFiles ? files.open(bytes, report) : Source::ofBytes("fuzzed", std::string(bytes));
 }
 
-void readAll(const Format& format, std::string_view bytes)
+void readAll(const Format& format, std::string_view bytes, bool writes)
 {
     ReadReport report;
     const std::unique_ptr<Source> source = sourceOf(bytes, report);
@@ -217,11 +217,12 @@ void readAll(const Format& format, std::string_view bytes)
     if (!read)
         return;
     requireWhole(*read);
-    requireWritten(*read);
+    if (writes)
+        requireWritten(*read);
 }
 
 // With the options that a user may add.
-void loadAll(const Format& format, std::string_view bytes)
+void loadAll(const Format& format, std::string_view bytes, bool writes)
 {
     ReadReport report;
     ReadOptions options;
@@ -242,17 +243,17 @@ void loadAll(const Format& format, std::string_view bytes)
         if (loaded.configuration)
             requireWhole(*loaded.configuration);
     }
-    if (areAllThere)
+    if (writes && areAllThere)
         requireWritten(*series);
 }
 
 } // namespace
 
-void readAnything(const Format& format, std::string_view bytes)
+void readAnything(const Format& format, std::string_view bytes, bool writes)
 {
     format.recognises(bytes);
-    readAll(format, bytes);
-    loadAll(format, bytes);
+    readAll(format, bytes, writes);
+    loadAll(format, bytes, writes);
 }
 
 } // namespace strandview
