@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <strandview/analysis/parallelTransport.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <limits>
 
 #include <algebra3d/Matrix3.h>
+#include <algebra3d/rotations.h>
 
 #include <strandview/model/points.h>
 
@@ -13,19 +16,7 @@ namespace strandview {
 namespace {
 
 using Vector = algebra3d::Vector3<double>;
-
-Vector tangentAt(const std::vector<Vector>& points, std::size_t i, bool closed)
-{
-    const std::size_t last = points.size() - 1;
-    const bool isEnd = i == 0 || i == last;
-    if (closed && isEnd && !areCoincident(points[last - 1], points[1]))
-        return (points[1] - points[last - 1]).getUnit();
-    const Vector& before = points[i == 0 ? 0 : i - 1];
-    const Vector& after = points[i == last ? last : i + 1];
-    if (areCoincident(before, after))
-        return (after - points[i]).getUnit();
-    return (after - before).getUnit();
-}
+using Quaternion = algebra3d::Quaternion<double>;
 
 /// The unit vector along the part of v that is perpendicular to the unit vector t.
 Vector madePerpendicular(const Vector& v, const Vector& t) { return (v - t * v.dot(t)).getUnit(); }
@@ -40,20 +31,134 @@ Vector firstD2(const Vector& tangent)
 /// v reflected in the plane perpendicular to the unit vector n.
 Vector reflected(const Vector& v, const Vector& n) { return v - n * (2 * n.dot(v)); }
 
-/// Carries d2 from point a with tangent ta to point b with tangent tb by two
-/// reflections (W. Wang, B. Juettler, D. Zheng, Y. Liu, Computation of rotation
-/// minimizing frames, ACM Trans. Graph. 27, 2008, 2:1-2:18).
-Vector carried(const Vector& d2, const Vector& a, const Vector& ta, const Vector& b,
-               const Vector& tb)
+Vector d2Of(const Quaternion& rotation) { return algebra3d::rotated(Vector(0, 1, 0), rotation); }
+Vector d3Of(const Quaternion& rotation) { return algebra3d::rotated(Vector(0, 0, 1), rotation); }
+
+/// The rotation with its d3 turned on to the tangent by the shortest way, of unit length.
+Quaternion turnedTo(const Vector& tangent, const Quaternion& rotation)
 {
-    const Vector edge = (b - a).getUnit();
-    Vector result = reflected(d2, edge);
-    const Vector second = tb - reflected(ta, edge);
-    // Below this the second plane is rounding only, and the reflection moves nothing.
-    if (second.getNorm() > 1e-10)
-        result = reflected(result, second.getUnit());
-    return madePerpendicular(result, tb);
+    return algebra3d::scaledToUnit(algebra3d::between(d3Of(rotation), tangent) * rotation);
 }
+
+/// The two reflections along an edge at the end of which the tangent is the first one's picture:
+/// then any second plane through it will do, and that across d1 leaves d2 where it is.
+Quaternion carriedBack(const Quaternion& rotation, const Vector& edge)
+{
+    const Vector n1 = edge.getUnit();
+    const Vector n2 = reflected(algebra3d::rotated(Vector(1, 0, 0), rotation), n1);
+    const Vector axis = n1.cross(n2);
+    return Quaternion(axis.x, axis.y, axis.z, n1.dot(n2)) * rotation;
+}
+
+/// Some points of a centreline, which are carried along at a time: component by component, so that
+/// the compiler does several points at once. Only the product of what each point turns by depends
+/// on the point before.
+class Stretch
+{
+public:
+    static constexpr std::size_t MOST = 64;
+
+    /// Behind the points lies nothing but what the last tangent leads to.
+    Stretch(const std::vector<Vector>& allPoints, const Vector& pointBehind)
+        : points(allPoints), behind(pointBehind)
+    {}
+
+    /// Carries a frame from the point before `first` on, and appends that of each point.
+    void carry(std::size_t first, const Vector& tangent, std::vector<Quaternion>& rotations)
+    {
+        count = std::min(MOST, points.size() - first);
+        for (std::size_t k = 0; k < count + 2; ++k) {
+            const std::size_t i = first - 1 + k;
+            const Vector& point = i < points.size() ? points[i] : behind;
+            x[k] = point.x;
+            y[k] = point.y;
+            z[k] = point.z;
+        }
+        setTangent(0, tangent);
+        findTangents();
+        findTurns();
+        multiply(rotations);
+    }
+
+    std::size_t size() const { return count; }
+    Vector lastTangent() const { return tangentAt(count); }
+
+private:
+    void findTangents()
+    {
+        for (std::size_t k = 1; k <= count; ++k) {
+            const double dx = x[k + 1] - x[k - 1], dy = y[k + 1] - y[k - 1];
+            const double dz = z[k + 1] - z[k - 1];
+            square[k] = dx * dx + dy * dy + dz * dz;
+            const double scale = 1 / std::sqrt(square[k]);
+            tx[k] = dx * scale;
+            ty[k] = dy * scale;
+            tz[k] = dz * scale;
+        }
+        for (std::size_t k = 1; k <= count; ++k)
+            if (square[k] < std::numeric_limits<double>::min()) // as of areCoincident()
+                setTangent(k, edgeFrom(k).getUnit());
+    }
+
+    void setTangent(std::size_t k, const Vector& tangent)
+    {
+        tx[k] = tangent.x;
+        ty[k] = tangent.y;
+        tz[k] = tangent.z;
+    }
+
+    Vector tangentAt(std::size_t k) const { return Vector(tx[k], ty[k], tz[k]); }
+
+    Vector edgeFrom(std::size_t k) const
+    {
+        return Vector(x[k + 1] - x[k], y[k + 1] - y[k], z[k + 1] - z[k]);
+    }
+
+    /// What turns the frame of point k into that of the next: the product of two reflections
+    /// (W. Wang, B. Juettler, D. Zheng, Y. Liu, Computation of rotation minimizing frames, ACM
+    /// Trans. Graph. 27, 2008, 2:1-2:18), which as a quaternion is that of both normals.
+    void findTurns()
+    {
+        for (std::size_t k = 0; k < count; ++k) {
+            const double dx = x[k + 1] - x[k], dy = y[k + 1] - y[k], dz = z[k + 1] - z[k];
+            const double scale = 1 / std::sqrt(dx * dx + dy * dy + dz * dz);
+            const double ex = dx * scale, ey = dy * scale, ez = dz * scale;
+            const double twice = 2 * (ex * tx[k] + ey * ty[k] + ez * tz[k]);
+            const double nx = tx[k + 1] - (tx[k] - ex * twice);
+            const double ny = ty[k + 1] - (ty[k] - ey * twice);
+            const double nz = tz[k + 1] - (tz[k] - ez * twice);
+            square[k] = nx * nx + ny * ny + nz * nz;
+            const double inverse = 1 / std::sqrt(square[k]);
+            qx[k] = (ey * nz - ez * ny) * inverse;
+            qy[k] = (ez * nx - ex * nz) * inverse;
+            qz[k] = (ex * ny - ey * nx) * inverse;
+            qw[k] = (ex * nx + ey * ny + ez * nz) * inverse;
+        }
+    }
+
+    /// Appends the products of the turns. What rounding adds up to in them stays below 1e-12.
+    void multiply(std::vector<Quaternion>& rotations) const
+    {
+        Quaternion rotation = rotations.back();
+        for (std::size_t k = 0; k < count; ++k) {
+            const bool isRoundingOnly = square[k] < 1e-20;
+            rotation = isRoundingOnly ? carriedBack(rotation, edgeFrom(k))
+                                      : Quaternion(qx[k], qy[k], qz[k], qw[k]) * rotation;
+            // The turn has lost as many digits as the second normal has.
+            if (k + 1 == count || square[k] < 1e-6)
+                rotation = turnedTo(tangentAt(k + 1), rotation);
+            rotations.push_back(rotation);
+        }
+    }
+
+    const std::vector<Vector>& points;
+    const Vector behind;
+    std::size_t count = 0;
+    double x[MOST + 2], y[MOST + 2], z[MOST + 2];    ///< from the point before on
+    double tx[MOST + 1], ty[MOST + 1], tz[MOST + 1]; ///< tangents, likewise
+    double square[MOST + 1];                         ///< of the length of what is made a unit
+    double qx[MOST], qy[MOST], qz[MOST], qw[MOST];   ///< turns
+};
 
 /// The angle about the unit vector t, across both, that turns one d2 into another.
 double angleBetween(const Vector& from, const Vector& to, const Vector& t)
@@ -61,32 +166,22 @@ double angleBetween(const Vector& from, const Vector& to, const Vector& t)
     return std::atan2(from.cross(to).dot(t), from.dot(to));
 }
 
-/// d2 and d3 of each point.
-struct Directions
-{
-    std::vector<Vector> d2, d3;
-};
-
 /// Turns every d2 about its d3 by the share of the way that is behind it of what is missing at the
 /// end, where both ends have one tangent: so all edges turn by as little as can be.
-void close(Directions& frames, const std::vector<Vector>& points)
+void close(std::vector<Quaternion>& rotations, const std::vector<Vector>& points)
 {
-    const double missing = angleBetween(frames.d2.back(), frames.d2.front(), frames.d3.front());
-    std::vector<double> way = {0};
+    const Quaternion &first = rotations.front(), &last = rotations.back();
+    const double missing = angleBetween(d2Of(last), d2Of(first), d3Of(first));
+    double length = 0;
     for (std::size_t i = 1; i < points.size(); ++i)
-        way.push_back(way.back() + (points[i] - points[i - 1]).getNorm());
-    for (std::size_t i = 1; i < points.size(); ++i) {
-        const double angle = missing * (way[i] / way.back());
-        const Vector &d2 = frames.d2[i], d1 = d2.cross(frames.d3[i]);
-        frames.d2[i] = d2 * std::cos(angle) - d1 * std::sin(angle);
+        length += (points[i] - points[i - 1]).getNorm();
+    double way = 0;
+    for (std::size_t i = 1; i + 1 < points.size(); ++i) {
+        way += (points[i] - points[i - 1]).getNorm();
+        const double half = missing * (way / length) / 2;
+        rotations[i] = rotations[i] * Quaternion(0, 0, std::sin(half), std::cos(half));
     }
-    frames.d2.back() = frames.d2.front();
-    frames.d3.back() = frames.d3.front();
-}
-
-algebra3d::Quaternion<double> rotationOf(const Vector& d2, const Vector& d3)
-{
-    return algebra3d::Matrix3<double>(d2.cross(d3), d2, d3).getQuaternion();
+    rotations.back() = rotations.front();
 }
 
 } // namespace
@@ -99,28 +194,21 @@ std::vector<algebra3d::Quaternion<double>> parallelTransport(const std::vector<V
 std::vector<algebra3d::Quaternion<double>> parallelTransport(const std::vector<Vector>& points,
                                                              bool isClosed)
 {
-    std::vector<algebra3d::Quaternion<double>> rotations;
+    const std::size_t last = points.size() - 1;
+    const bool isAround = isClosed && !areCoincident(points[last - 1], points[1]);
+    Vector d3 = (points[1] - points[isAround ? last - 1 : 0]).getUnit();
+    const Vector d2 = firstD2(d3);
+    std::vector<Quaternion> rotations;
     rotations.reserve(points.size());
-    Directions frames; // of a closed one, of which the end has to be known first
-    frames.d2.reserve(isClosed ? points.size() : 0);
-    frames.d3.reserve(isClosed ? points.size() : 0);
-    Vector d2, d3;
-    for (std::size_t i = 0; i < points.size(); ++i) {
-        const Vector tangent = tangentAt(points, i, isClosed);
-        d2 = i == 0 ? firstD2(tangent) : carried(d2, points[i - 1], d3, points[i], tangent);
-        d3 = tangent;
-        if (!isClosed) {
-            rotations.push_back(rotationOf(d2, d3));
-            continue;
-        }
-        frames.d2.push_back(d2);
-        frames.d3.push_back(d3);
+    rotations.push_back(algebra3d::Matrix3<double>(d2.cross(d3), d2, d3).getQuaternion());
+    Stretch stretch(points, points[isAround ? 1 : last]);
+    for (std::size_t i = 1; i < points.size(); i += stretch.size()) {
+        stretch.carry(i, d3, rotations);
+        d3 = stretch.lastTangent();
     }
     // A rod there and back has opposite tangents at its ends.
-    if (isClosed && frames.d3.front().dot(frames.d3.back()) > 0)
-        close(frames, points);
-    for (std::size_t i = 0; i < frames.d2.size(); ++i)
-        rotations.push_back(rotationOf(frames.d2[i], frames.d3[i]));
+    if (isClosed && d3Of(rotations.front()).dot(d3) > 0)
+        close(rotations, points);
     return rotations;
 }
 

@@ -23,7 +23,8 @@ namespace strandview {
 /// point to point by two reflections (W. Wang, B. Jüttler, D. Zheng, Y. Liu, Computation of
 /// rotation minimizing frames, ACM Trans. Graph. 27, 2008, 2:1-2:18). The first d2 is the unit
 /// vector of z x d3, or y made perpendicular to d3 where d3 is nearly z or -z: in a plane of
-/// constant z, every d2 lies in that plane.
+/// constant z, every d2 lies in that plane. Neighbouring quaternions are of one sign along a smooth
+/// centreline, but for the last one of a closed one.
 ///
 /// Carried so around a closed centreline d2 comes back turned about d3 by some angle of at most
 /// half a turn. It is turned back by that, evenly along the length: the last frame is the first

@@ -2,10 +2,12 @@
 #include <strandview/analysis/parallelTransport.h>
 
 #include <cmath>
+#include <random>
 
 #include <gtest/gtest.h>
 
 #include <algebra3d/Matrix3.h>
+#include <algebra3d/rotations.h>
 
 namespace strandview {
 
@@ -131,6 +133,57 @@ double turnOf(const Matrix& from, const Matrix& to, const Vector& edge)
 }
 
 } // namespace
+
+TEST(ParallelTransport, NoFrameOfALongRodTurnsAboutTheTangent)
+{
+    std::mt19937 random(7);
+    std::normal_distribution<double> step;
+    std::vector<Vector> points = {Vector()};
+    while (points.size() < 1000)
+        points.push_back(points.back() + Vector(step(random), step(random), step(random)));
+    const auto frames = framesAlong(points);
+    for (std::size_t i = 1; i + 1 < points.size(); ++i) {
+        expectNear(frames[i].getColumn(2), (points[i + 1] - points[i - 1]).getUnit());
+        EXPECT_NEAR(turnOf(frames[i - 1], frames[i], points[i] - points[i - 1]), 0, 1e-12) << i;
+    }
+}
+
+TEST(ParallelTransport, QuaternionsAreOfOneSignAlongTheRod)
+{
+    const auto rotations = parallelTransport(helix(1000, 0.5, 0.1));
+    for (std::size_t i = 1; i < rotations.size(); ++i)
+        EXPECT_GT(algebra3d::dot(rotations[i - 1], rotations[i]), 0) << i;
+}
+
+TEST(ParallelTransport, FramesAreThoseOfOneUnitOfLengthInAnyOther)
+{
+    const std::vector<Vector> points = wavyRing(300, 3, 0.7);
+    const auto expected = parallelTransport(points, false);
+    for (const double unit : {1e-150, 1e-9, 1e17}) {
+        std::vector<Vector> scaled;
+        for (const Vector& point : points)
+            scaled.push_back(point * unit);
+        const auto rotations = parallelTransport(scaled, false);
+        for (std::size_t i = 0; i < rotations.size(); ++i)
+            EXPECT_NEAR(algebra3d::dot(rotations[i], expected[i]), 1, 1e-13) << unit << " " << i;
+    }
+}
+
+TEST(ParallelTransport, WhereTheRodNearlyTurnsBackD3IsTheTangent)
+{
+    for (const double aside : {1e-2, 1e-4, 1e-6, 1e-8, 1e-11, 0.0}) {
+        std::vector<Vector> points;
+        for (int i = 0; i < 200; ++i)
+            points.emplace_back(i % 2, aside * (i % 3), aside * (i % 5));
+        const auto frames = framesAlong(points);
+        for (std::size_t i = 1; i + 1 < points.size(); ++i) {
+            const Vector across = points[i + 1] - points[i - 1];
+            const Vector tangent = aside > 0 ? across : points[i + 1] - points[i];
+            if (tangent.getNorm() > 0)
+                expectNear(frames[i].getColumn(2), tangent.getUnit());
+        }
+    }
+}
 
 TEST(ParallelTransport, TheLastFrameOfAClosedRodIsTheFirstToTheLastBit)
 {
