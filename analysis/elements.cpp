@@ -3,6 +3,7 @@
 
 #include <cstddef>
 
+#include <algebra3d/largePages.h>
 #include <algebra3d/rotations.h>
 
 #include <strandview/model/points.h>
@@ -42,7 +43,7 @@ std::vector<double> valuesAtPoints(const std::vector<double>& elements, bool isC
 std::vector<Quaternion> rotationsAtPoints(const std::vector<Quaternion>& elements, bool isClosed)
 {
     std::vector<Quaternion> units;
-    units.reserve(elements.size());
+    algebra3d::reserveMany(units, elements.size());
     for (const Quaternion& element : elements)
         units.push_back(scaledToUnit(element));
     const std::size_t count = units.size();

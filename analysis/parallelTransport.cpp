@@ -7,6 +7,7 @@
 #include <limits>
 
 #include <algebra3d/Matrix3.h>
+#include <algebra3d/largePages.h>
 #include <algebra3d/rotations.h>
 
 #include <strandview/model/points.h>
@@ -77,7 +78,9 @@ public:
         setTangent(0, tangent);
         findTangents();
         findTurns();
-        multiply(rotations);
+        multiply(rotations.back());
+        for (std::size_t k = 0; k < count; ++k)
+            rotations.emplace_back(qx[k], qy[k], qz[k], qw[k]);
     }
 
     std::size_t size() const { return count; }
@@ -136,18 +139,25 @@ private:
         }
     }
 
-    /// Appends the products of the turns. What rounding adds up to in them stays below 1e-12.
-    void multiply(std::vector<Quaternion>& rotations) const
+    /// Makes rotations of the turns. What rounding adds up to in them stays below 1e-12.
+    void multiply(const Quaternion& before)
     {
-        Quaternion rotation = rotations.back();
+        double a, b, c, d; // in registers, where a Quaternion would wait for its copy in memory
+        const auto take = [&](const Quaternion& q) { a = q[0], b = q[1], c = q[2], d = q[3]; };
+        take(before);
         for (std::size_t k = 0; k < count; ++k) {
-            const bool isRoundingOnly = square[k] < 1e-20;
-            rotation = isRoundingOnly ? carriedBack(rotation, edgeFrom(k))
-                                      : Quaternion(qx[k], qy[k], qz[k], qw[k]) * rotation;
-            // The turn has lost as many digits as the second normal has.
+            const Quaternion rotation(a, b, c, d);
+            if (square[k] > 1e-20)
+                take(Quaternion(qx[k], qy[k], qz[k], qw[k]) * rotation);
+            else // the second normal is rounding only
+                take(carriedBack(rotation, edgeFrom(k)));
+            // The turn has lost as many digits as that has.
             if (k + 1 == count || square[k] < 1e-6)
-                rotation = turnedTo(tangentAt(k + 1), rotation);
-            rotations.push_back(rotation);
+                take(turnedTo(tangentAt(k + 1), Quaternion(a, b, c, d)));
+            qx[k] = a;
+            qy[k] = b;
+            qz[k] = c;
+            qw[k] = d;
         }
     }
 
@@ -157,7 +167,7 @@ private:
     double x[MOST + 2], y[MOST + 2], z[MOST + 2];    ///< from the point before on
     double tx[MOST + 1], ty[MOST + 1], tz[MOST + 1]; ///< tangents, likewise
     double square[MOST + 1];                         ///< of the length of what is made a unit
-    double qx[MOST], qy[MOST], qz[MOST], qw[MOST];   ///< turns
+    double qx[MOST], qy[MOST], qz[MOST], qw[MOST];   ///< turns, and then rotations
 };
 
 /// The angle about the unit vector t, across both, that turns one d2 into another.
@@ -199,7 +209,7 @@ std::vector<algebra3d::Quaternion<double>> parallelTransport(const std::vector<V
     Vector d3 = (points[1] - points[isAround ? last - 1 : 0]).getUnit();
     const Vector d2 = firstD2(d3);
     std::vector<Quaternion> rotations;
-    rotations.reserve(points.size());
+    algebra3d::reserveMany(rotations, points.size());
     rotations.push_back(algebra3d::Matrix3<double>(d2.cross(d3), d2, d3).getQuaternion());
     Stretch stretch(points, points[isAround ? 1 : last]);
     for (std::size_t i = 1; i < points.size(); i += stretch.size()) {

@@ -6,8 +6,6 @@
 #include <numeric>
 #include <utility>
 
-#include <algebra3d/Matrix3.h>
-
 #include <strandview/analysis/elements.h>
 #include <strandview/analysis/parallelTransport.h>
 #include <strandview/formats/checks.h>
@@ -33,8 +31,11 @@ struct Curves
 {
     explicit Curves(std::vector<const Points*> allCurves) : curves(std::move(allCurves))
     {
-        for (const Points* points : curves)
-            smallestEdges.push_back(smallestEdge(*points));
+        for (const Points* points : curves) {
+            const Edges edges = measureEdges(*points);
+            smallestEdges.push_back(edges.smallest);
+            areAllApart = areAllApart && edges.areLong;
+        }
     }
 
     /// Whether the points of both indices are in different places in every curve.
@@ -52,6 +53,7 @@ struct Curves
 
     std::vector<const Points*> curves;
     std::vector<double> smallestEdges; ///< of each
+    bool areAllApart = true;           ///< each point from the one before, in every curve
 };
 
 /// Which of some points are kept.
@@ -65,6 +67,8 @@ struct Kept
 /// any two were distinct, since the far end of an edge of mean length or more is one of them.
 Kept distinctPoints(const Curves& curves)
 {
+    if (curves.areAllApart)
+        return {curves.size(), {}};
     std::size_t apart = std::min<std::size_t>(1, curves.size()); // before the first that is not
     while (apart < curves.size() && curves.areApart(apart - 1, apart))
         ++apart;
@@ -154,8 +158,11 @@ bool followsPoints(const Rotations& rotations, const Points& points)
     for (std::size_t i = 0; i + 1 < points.size(); ++i) {
         if (areCoincident(points[i], points[i + 1]))
             continue;
-        const auto d3 = algebra3d::Matrix3<double>(rotations[i]).getColumn(2);
-        sum += d3.dot((points[i + 1] - points[i]).getUnit());
+        const Vector edge = points[i + 1] - points[i];
+        const double x = rotations[i][0], y = rotations[i][1], z = rotations[i][2];
+        const double w = rotations[i][3], square = x * x + y * y + z * z + w * w;
+        const Vector d3(2 * (x * z + w * y), 2 * (y * z - w * x), square - 2 * (x * x + y * y));
+        sum += d3.dot(edge) / (square * edge.getNorm());
         ++edges;
     }
     return sum >= SMALLEST_MEAN_TANGENCY * double(edges);

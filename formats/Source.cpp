@@ -13,6 +13,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algebra3d/largePages.h>
+
 #include <strandview/formats/Milestones.h>
 #include <strandview/formats/Unpacker.h>
 #include <strandview/formats/text/wording.h>
@@ -101,9 +103,8 @@ std::size_t Source::roomFor(std::uint64_t count) const
 /// The same for what comes at an offset, behind so many bytes.
 std::size_t Source::roomAt(std::uint64_t offset, std::size_t before) const
 {
-    const std::size_t room = std::max(before, SMALLEST_ROOM);
-    const std::uint64_t left = size ? *size - std::min(*size, offset) + 1 : room;
-    return std::size_t(std::min(left, std::uint64_t(room)));
+    return size ? std::size_t(*size - std::min(*size, offset) + 1)
+                : std::max(before, SMALLEST_ROOM);
 }
 
 /// Whether the first bytes could be read, which tell whether it is packed. What has no places is
@@ -175,8 +176,10 @@ bool Source::fill(std::uint64_t count, const ReadOptions& options, ReadReport& r
     if (!look(options, report))
         return false;
     while (!isComplete && filled < count) {
-        if (filled == beginning.size())
+        if (filled == beginning.size()) {
+            algebra3d::reserveMany(beginning, roomFor(count));
             beginning.resize(roomFor(count));
+        }
         std::size_t got = 0;
         if (!readPiece(&beginning[filled], beginning.size() - filled, {}, options, report, got))
             return false;
@@ -208,7 +211,9 @@ std::optional<std::string> Source::readAt(std::uint64_t offset, std::size_t coun
     std::string bytes;
     for (bool isAtEnd = false; !isAtEnd && bytes.size() < count;) {
         const std::size_t place = bytes.size();
-        bytes.resize(place + std::min(count - place, roomAt(offset + place, place)));
+        const std::size_t room = place + std::min(count - place, roomAt(offset + place, place));
+        algebra3d::reserveMany(bytes, room);
+        bytes.resize(room);
         const auto more =
             readAt(offset + place, &bytes[place], bytes.size() - place, options, report);
         if (!more)

@@ -32,37 +32,32 @@ Vector scaledToUnit(const Vector& v)
 
 bool isZero(const Vector& v) { return v.x == 0 && v.y == 0 && v.z == 0; }
 
-std::string checkLength(const Vector& director, std::size_t index, const ReadOptions& options)
+bool isUnit(const Vector& v) { return std::abs(v.getNorm() - 1) <= TOLERANCE; }
+
+std::string faultOfLength(const Vector& director, std::size_t index, const ReadOptions& options)
 {
     if (options.normalise)
-        return isZero(director) ? "found " + nameOf(index) + " of norm 0, expected any other" : "";
-    const double norm = director.getNorm();
-    return std::abs(norm - 1) <= TOLERANCE
-               ? ""
-               : "found " + nameOf(index) + " of norm " + formatted(norm) + ", expected 1 within " +
-                     formatted(TOLERANCE) + NORMALISE_HINT;
+        return "found " + nameOf(index) + " of norm 0, expected any other";
+    return "found " + nameOf(index) + " of norm " + formatted(director.getNorm()) +
+           ", expected 1 within " + formatted(TOLERANCE) + NORMALISE_HINT;
 }
 
-std::string checkAngle(const Directors& directors, std::size_t i, std::size_t j)
+std::string faultOfAngle(const Directors& directors, std::size_t i, std::size_t j)
 {
-    if (!directors[i] || !directors[j])
-        return {};
-    const double product = directors[i]->dot(*directors[j]);
-    return std::abs(product) <= TOLERANCE
-               ? ""
-               : "found " + nameOf(i) + " times " + nameOf(j) + " = " + formatted(product) +
-                     ", expected 0 within " + formatted(TOLERANCE) + NORMALISE_HINT;
+    return "found " + nameOf(i) + " times " + nameOf(j) + " = " +
+           formatted(directors[i]->dot(*directors[j])) + ", expected 0 within " +
+           formatted(TOLERANCE) + NORMALISE_HINT;
 }
 
 std::string checkAngles(const Directors& directors, const ReadOptions& options)
 {
     if (options.normalise)
         return {};
-    for (const auto& [i, j] : {std::pair(0, 1), std::pair(0, 2), std::pair(1, 2)}) {
-        const std::string fault = checkAngle(directors, std::size_t(i), std::size_t(j));
-        if (!fault.empty())
-            return fault;
-    }
+    for (std::size_t i = 0; i < directors.size(); ++i)
+        for (std::size_t j = i + 1; j < directors.size(); ++j)
+            if (directors[i] && directors[j] &&
+                !(std::abs(directors[i]->dot(*directors[j])) <= TOLERANCE))
+                return faultOfAngle(directors, i, j);
     return {};
 }
 
@@ -97,9 +92,8 @@ std::string findRotation(const Directors& directors, const ReadOptions& options,
     for (std::size_t i = 0; i < directors.size(); ++i) {
         if (!directors[i])
             continue;
-        const std::string fault = checkLength(*directors[i], i, options);
-        if (!fault.empty())
-            return fault;
+        if (options.normalise ? isZero(*directors[i]) : !isUnit(*directors[i]))
+            return faultOfLength(*directors[i], i, options);
         units[i] = scaledToUnit(*directors[i]);
     }
     const std::string fault = checkAngles(directors, options);

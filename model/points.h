@@ -26,6 +26,14 @@ inline bool areCoincident(const algebra3d::Vector3<double>& a, const algebra3d::
 /// the rings of the tubes were seen to fail from 1e-7 down, and to hold at 1e-6.
 STRANDVIEW_MODEL_EXPORT double smallestEdge(const std::vector<algebra3d::Vector3<double>>& points);
 
+/// That, and whether no edge is shorter: then all points are kept.
+struct Edges
+{
+    double smallest;
+    bool areLong;
+};
+STRANDVIEW_MODEL_EXPORT Edges measureEdges(const std::vector<algebra3d::Vector3<double>>& points);
+
 /// Whether the last of at least two points is the first one again, within smallestEdge().
 STRANDVIEW_MODEL_EXPORT bool isClosed(const std::vector<algebra3d::Vector3<double>>& points);
 /// The same where it is known.

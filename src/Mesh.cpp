@@ -3,22 +3,17 @@
 
 #include <algorithm>
 #include <cfloat>
-#include <cstdint>
 #include <limits>
 #include <memory>
 #include <new>
 #include <utility>
-
-#ifdef __linux__
-#include <sys/mman.h>
-#include <unistd.h>
-#endif
 
 #include <GL/gl.h>
 #include <Inventor/actions/SoGLRenderAction.h>
 #include <Inventor/bundles/SoMaterialBundle.h>
 
 #include <SoMeshShape.h>
+#include <algebra3d/largePages.h>
 
 #include "drawing/meshVisitors.h"
 #include "drawing/sendMaterial.h"
@@ -37,16 +32,8 @@ Vector3<double>* allocateVectors(std::size_t count)
 {
     const std::size_t bytes = count * sizeof(Vector3<double>);
     void* const memory = ::operator new(bytes, ALIGNMENT);
-#ifdef MADV_HUGEPAGE
-    // Touching fresh memory is most of the time to build a first mesh: in large pages,
-    // where they fit, it takes a third. Only a hint, so its result does not matter.
-    const std::size_t LARGE_PAGE = 2 * 1024 * 1024;
-    const auto page = std::uintptr_t(sysconf(_SC_PAGESIZE));
-    const std::uintptr_t begin = (std::uintptr_t(memory) + page - 1) / page * page;
-    const std::uintptr_t end = (std::uintptr_t(memory) + bytes) / page * page;
-    if (begin < end && end - begin >= LARGE_PAGE)
-        madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE);
-#endif
+    // Touching fresh memory is most of the time to build a first mesh.
+    algebra3d::useLargePages(memory, bytes);
     return static_cast<Vector3<double>*>(memory);
 }
 

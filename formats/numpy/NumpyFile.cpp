@@ -5,6 +5,8 @@
 #include <cstring>
 #include <utility>
 
+#include <algebra3d/largePages.h>
+
 #include <strandview/formats/Milestones.h>
 #include <strandview/formats/text/wording.h>
 
@@ -12,7 +14,7 @@ namespace strandview {
 
 namespace {
 
-constexpr std::size_t PIECE = 1 << 17; ///< in numbers: a MiB of doubles
+constexpr std::size_t PIECE = 3640 * 4 * 9; ///< in numbers: a MiB of doubles, in whole rows
 constexpr std::string_view ENDING = ".npy";
 
 bool endsAsArray(const std::string& name)
@@ -30,18 +32,6 @@ std::uint64_t product(const std::vector<std::uint64_t>& shape, std::size_t from 
     return count;
 }
 
-std::vector<std::size_t> stridesOf(const std::vector<std::uint64_t>& shape, bool isFortranOrder)
-{
-    std::vector<std::size_t> strides(shape.size());
-    std::size_t stride = 1;
-    for (std::size_t i = 0; i < shape.size(); ++i) {
-        const std::size_t axis = isFortranOrder ? i : shape.size() - 1 - i;
-        strides[axis] = stride;
-        stride *= std::size_t(shape[axis]);
-    }
-    return strides;
-}
-
 bool isHostBigEndian()
 {
     const std::uint16_t one = 1;
@@ -50,10 +40,10 @@ bool isHostBigEndian()
     return first == 0;
 }
 
-/// Appends every `step`-th number, from the `skip`-th on.
+/// Every `step`-th number, from the `skip`-th on.
 template <typename Float>
-void append(std::string& bytes, bool isReversed, std::uint64_t skip, std::uint64_t step,
-            std::vector<double>& values)
+void convert(std::string& bytes, bool isReversed, std::uint64_t skip, std::uint64_t step,
+             double* values)
 {
     const std::uint64_t count = bytes.size() / sizeof(Float);
     for (std::uint64_t i = skip; i < count; i += step) {
@@ -62,15 +52,16 @@ void append(std::string& bytes, bool isReversed, std::uint64_t skip, std::uint64
             std::reverse(place, place + sizeof(Float));
         Float number;
         std::memcpy(&number, place, sizeof(Float));
-        values.push_back(double(number));
+        *values++ = double(number);
     }
 }
 
-std::nullopt_t failCut(const NumpyArray& array, ReadReport& report)
+/// Always false.
+bool failCut(const NumpyArray& array, ReadReport& report)
 {
     report.error = array.path + ": found the end of the file within the numbers, expected " +
                    "all of shape " + shapeText(array.header.shape);
-    return std::nullopt;
+    return false;
 }
 
 } // namespace
@@ -153,14 +144,46 @@ std::optional<NumpyArray> NumpyFile::describe(const std::string& name, const Rea
     return {};
 }
 
-std::optional<Numbers> NumpyFile::read(const NumpyArray& array, std::optional<std::uint64_t> first,
-                                       const ReadOptions& options, ReadReport& report)
+std::vector<std::size_t> NumpyFile::stridesOf(const NumpyArray& array, bool isPlace)
+{
+    const std::vector<std::uint64_t> shape(array.header.shape.begin() + (isPlace ? 1 : 0),
+                                           array.header.shape.end());
+    std::vector<std::size_t> strides(shape.size());
+    std::size_t stride = 1;
+    for (std::size_t i = 0; i < shape.size(); ++i) {
+        const std::size_t axis = array.header.isFortranOrder ? i : shape.size() - 1 - i;
+        strides[axis] = stride;
+        stride *= std::size_t(shape[axis]);
+    }
+    return strides;
+}
+
+std::optional<std::vector<double>> NumpyFile::read(const NumpyArray& array,
+                                                   std::optional<std::uint64_t> first,
+                                                   const ReadOptions& options, ReadReport& report)
+{
+    // No more than there is of the file: a size in an archive alone takes no memory.
+    const std::uint64_t packed = source.getSize().value_or(0) / array.header.itemSize;
+    std::vector<double> values;
+    algebra3d::reserveMany(
+        values, std::size_t(std::min(product(array.header.shape, first ? 1 : 0), packed)));
+    return read(array, first, options, report, values, nullptr) ? std::optional(std::move(values))
+                                                                : std::nullopt;
+}
+
+bool NumpyFile::readPieces(const NumpyArray& array, std::optional<std::uint64_t> first,
+                           const ReadOptions& options, ReadReport& report, const Take& take)
+{
+    std::vector<double> piece;
+    return read(array, first, options, report, piece, &take);
+}
+
+bool NumpyFile::read(const NumpyArray& array, std::optional<std::uint64_t> first,
+                     const ReadOptions& options, ReadReport& report, std::vector<double>& values,
+                     const Take* take)
 {
     const NpyHeader& header = array.header;
-    Numbers numbers;
-    numbers.shape.assign(header.shape.begin() + (first ? 1 : 0), header.shape.end());
-    numbers.strides = stridesOf(numbers.shape, header.isFortranOrder);
-    const std::uint64_t count = product(numbers.shape);
+    const std::uint64_t count = product(header.shape, first ? 1 : 0);
     // In Fortran order what belongs together is as far apart as the first index has places.
     const std::uint64_t step = first && header.isFortranOrder ? header.shape[0] : 1;
     const std::uint64_t begin = first ? *first * (header.isFortranOrder ? 1 : count) : 0;
@@ -168,9 +191,6 @@ std::optional<Numbers> NumpyFile::read(const NumpyArray& array, std::optional<st
     const std::uint64_t there = array.size - std::min(array.size, header.dataOffset);
     if (begin + span > there / header.itemSize)
         return failCut(array, report);
-    // No more than there is of the file: a size in an archive alone takes no memory.
-    const std::uint64_t packed = source.getSize().value_or(0) / header.itemSize;
-    numbers.values.reserve(std::size_t(std::min(count, packed)));
     for (std::uint64_t done = 0; done < span;) {
         const double share = double(done) / double(span);
         ReadOptions asking;
@@ -178,37 +198,37 @@ std::optional<Numbers> NumpyFile::read(const NumpyArray& array, std::optional<st
             asking.goOn = [&options, share](double) { return options.goOn(share); };
         const std::size_t piece = std::size_t(std::min<std::uint64_t>(PIECE, span - done));
         const std::uint64_t skip = (step - done % step) % step;
-        if (!readPiece(array, begin + done, piece, skip, step, numbers.values, asking, report))
-            return {};
+        const std::size_t behind = take ? 0 : values.size();
+        if (!readPiece(array, begin + done, piece, skip, step, values, behind, asking, report) ||
+            (take && !(*take)(values)))
+            return false;
         done += piece;
     }
-    return numbers;
+    return true;
 }
 
 bool NumpyFile::readPiece(const NumpyArray& array, std::uint64_t first, std::size_t count,
                           std::uint64_t skip, std::uint64_t step, std::vector<double>& values,
-                          const ReadOptions& options, ReadReport& report)
+                          std::size_t behind, const ReadOptions& options, ReadReport& report)
 {
     const NpyHeader& header = array.header;
     const bool isReversed = header.isBigEndian != isHostBigEndian();
     const bool isAsInMemory = header.itemSize == sizeof(double) && !isReversed && step == 1;
-    const std::size_t before = values.size();
+    const std::size_t taken = count > skip ? std::size_t((count - skip - 1) / step) + 1 : 0;
+    values.resize(behind + taken);
+    double* const numbers = values.data() + behind;
     std::string bytes(isAsInMemory ? 0 : count * header.itemSize, '\0');
-    if (isAsInMemory)
-        values.resize(before + count);
-    char* const to = isAsInMemory ? reinterpret_cast<char*>(&values[before]) : bytes.data();
+    char* const to = isAsInMemory ? reinterpret_cast<char*>(numbers) : bytes.data();
     const auto got = readBytes(array.entry, header.dataOffset + first * header.itemSize, to,
                                count * header.itemSize, options, report);
     if (!got)
         return false;
-    if (*got < count * header.itemSize) {
-        failCut(array, report);
-        return false;
-    }
+    if (*got < count * header.itemSize)
+        return failCut(array, report);
     if (header.itemSize == sizeof(float))
-        append<float>(bytes, isReversed, skip, step, values);
+        convert<float>(bytes, isReversed, skip, step, numbers);
     else if (!isAsInMemory)
-        append<double>(bytes, isReversed, skip, step, values);
+        convert<double>(bytes, isReversed, skip, step, numbers);
     return true;
 }
 

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -16,14 +17,6 @@
 #include <strandview/formatsExport.h>
 
 namespace strandview {
-
-/// Numbers of an array, with the shape that they have in Python.
-struct Numbers
-{
-    std::vector<std::uint64_t> shape;
-    std::vector<std::size_t> strides; ///< by how many numbers one more of an index goes on
-    std::vector<double> values;
-};
 
 /// One array of a file, not read yet.
 struct STRANDVIEW_FORMATS_EXPORT NumpyArray
@@ -57,17 +50,31 @@ public:
     std::optional<NumpyArray> describe(const std::string& name, const ReadOptions& options,
                                        ReadReport& report);
 
-    /// All of an array, or what it has at one place of its first index. Nothing and report.error
-    /// if not all of it is there.
-    std::optional<Numbers> read(const NumpyArray& array, std::optional<std::uint64_t> first,
-                                const ReadOptions& options, ReadReport& report);
+    /// By how many numbers one more of each index goes on among those that read() gives.
+    static std::vector<std::size_t> stridesOf(const NumpyArray& array, bool isPlace);
+
+    /// All numbers of an array, or those that it has at one place of its first index, in the order
+    /// of the file. Nothing and report.error if not all of it is there.
+    std::optional<std::vector<double>> read(const NumpyArray& array,
+                                            std::optional<std::uint64_t> first,
+                                            const ReadOptions& options, ReadReport& report);
+
+    /// The same piece by piece. Each is whole rows of 3, 4 or 9 numbers; `take` answers whether to
+    /// go on.
+    using Take = std::function<bool(const std::vector<double>& piece)>;
+    bool readPieces(const NumpyArray& array, std::optional<std::uint64_t> first,
+                    const ReadOptions& options, ReadReport& report, const Take& take);
 
 private:
     explicit NumpyFile(Source& openSource) : source(openSource) {}
-    /// Appends every `step`-th of some numbers of the array, from the `skip`-th on.
+    /// Into `values` all of them; or each piece in the place of the one before, and to `take`.
+    bool read(const NumpyArray& array, std::optional<std::uint64_t> first,
+              const ReadOptions& options, ReadReport& report, std::vector<double>& values,
+              const Take* take);
+    /// Every `step`-th of some numbers of the array, from the `skip`-th on, behind so many values.
     bool readPiece(const NumpyArray& array, std::uint64_t first, std::size_t count,
                    std::uint64_t skip, std::uint64_t step, std::vector<double>& values,
-                   const ReadOptions& options, ReadReport& report);
+                   std::size_t behind, const ReadOptions& options, ReadReport& report);
     std::optional<std::size_t> readBytes(std::size_t entry, std::uint64_t offset, char* to,
                                          std::size_t count, const ReadOptions& options,
                                          ReadReport& report);

@@ -10,6 +10,9 @@
 #include <utility>
 #include <vector>
 
+#include <algebra3d/largePages.h>
+#include <algebra3d/rotations.h>
+
 #include <strandview/formats/Collector.h>
 #include <strandview/formats/checks.h>
 #include <strandview/formats/directors.h>
@@ -268,10 +271,10 @@ private:
             return false;
         if (array->header.shape != Shape{*frameCount})
             return failShape(*array, shapeText({*frameCount}) + ", a time of each frame");
-        const std::optional<Numbers> numbers = file->read(*array, {}, options, *report);
+        std::optional<std::vector<double>> numbers = file->read(*array, {}, options, *report);
         if (!numbers)
             return false;
-        times = numbers->values;
+        times = std::move(*numbers);
         return true;
     }
 
@@ -422,58 +425,96 @@ private:
         return fault.empty() || fail(placeIn(*arrays.points, frame, {":"}) + fault);
     }
 
+    /// Hands over what belongs to each point, as many numbers as rows have, in the order of C. The
+    /// points are the first index, or else the last. `add` answers whether to go on.
+    template <typename Add>
+    bool readRows(const NumpyArray& array, bool areRows, std::size_t width,
+                  std::optional<std::uint64_t> frame, const ReadOptions& options, Add add)
+    {
+        const std::vector<std::size_t> strides = NumpyFile::stridesOf(array, frame.has_value());
+        const std::size_t along = strides[areRows ? 0 : strides.size() - 1];
+        const std::vector<std::size_t> places = placesInRow(strides, areRows, width);
+        const bool isInPlace = std::is_sorted(places.begin(), places.end()) && along == width;
+        if (isInPlace && !(frame && array.header.isFortranOrder))
+            return file->readPieces(array, frame, options, *report, [&](const auto& piece) {
+                for (std::size_t at = 0; at < piece.size(); at += width)
+                    if (!add(&piece[at]))
+                        return false;
+                return true;
+            });
+        const auto numbers = file->read(array, frame, options, *report);
+        std::vector<double> row(width);
+        for (std::size_t at = 0; numbers && at < numbers->size() / width; ++at) {
+            for (std::size_t k = 0; k < width; ++k)
+                row[k] = (*numbers)[at * along + places[k]];
+            if (!add(row.data()))
+                return false;
+        }
+        return numbers.has_value();
+    }
+
+    /// Of each number behind the first of what belongs to a point, by what the indices but the
+    /// points' go on.
+    static std::vector<std::size_t> placesInRow(const std::vector<std::size_t>& strides,
+                                                bool areRows, std::size_t width)
+    {
+        const std::size_t* const across = &strides[areRows ? 1 : 0];
+        std::vector<std::size_t> places;
+        for (std::size_t k = 0; k < width; ++k)
+            places.push_back(strides.size() == 2 ? k * across[0]
+                                                 : k / 3 * across[0] + k % 3 * across[1]);
+        return places;
+    }
+
     bool readPoints(const NumpyArray& array, bool areRows, std::size_t count,
                     std::optional<std::uint64_t> frame, std::vector<Vector>& points,
                     const ReadOptions& options)
     {
-        const std::optional<Numbers> numbers = file->read(array, frame, options, *report);
-        if (!numbers)
-            return false;
-        const std::size_t along = numbers->strides[areRows ? 0 : 1];
-        const std::size_t across = numbers->strides[areRows ? 1 : 0];
-        points.reserve(count);
-        for (std::size_t i = 0; i < count; ++i) {
-            double at[3];
-            for (std::size_t axis = 0; axis < 3; ++axis) {
-                at[axis] = numbers->values[i * along + axis * across];
-                if (!isCoordinate(at[axis])) {
-                    const std::string point = std::to_string(i), xyz = std::to_string(axis);
-                    return fail(
-                        placeIn(array, frame, {areRows ? point : xyz, areRows ? xyz : point}) +
-                        "found " + formatted(at[axis]) + ", expected " + EXPECTED_COORDINATE);
-                }
+        reserveRows(points, count, array, 3);
+        return readRows(array, areRows, 3, frame, options, [&](const double* at) {
+            if (isCoordinate(at[0]) && isCoordinate(at[1]) && isCoordinate(at[2])) {
+                points.emplace_back(at[0], at[1], at[2]);
+                return true;
             }
-            points.emplace_back(at[0], at[1], at[2]);
-        }
-        return true;
+            const std::size_t axis = !isCoordinate(at[0]) ? 0 : !isCoordinate(at[1]) ? 1 : 2;
+            const std::string point = std::to_string(points.size()), xyz = std::to_string(axis);
+            return fail(placeIn(array, frame, {areRows ? point : xyz, areRows ? xyz : point}) +
+                        "found " + formatted(at[axis]) + ", expected " + EXPECTED_COORDINATE);
+        });
+    }
+
+    /// No more than the file has bytes for: a size in an archive alone takes no memory.
+    template <typename T>
+    void reserveRows(std::vector<T>& rows, std::size_t count, const NumpyArray& array,
+                     std::size_t width) const
+    {
+        const std::uint64_t there = file->getSize() / (width * array.header.itemSize);
+        algebra3d::reserveMany(rows, std::size_t(std::min<std::uint64_t>(count, there)));
     }
 
     bool readQuaternions(const RodArrays& arrays, std::optional<std::uint64_t> frame, Rod& rod,
                          const ReadOptions& options)
     {
         const NumpyArray& array = *arrays.quaternions;
-        const std::optional<Numbers> numbers = file->read(array, frame, options, *report);
-        if (!numbers)
-            return false;
         const bool areRows = arrays.areQuaternionRows;
-        const std::size_t along = numbers->strides[areRows ? 0 : 1];
-        const std::size_t across = numbers->strides[areRows ? 1 : 0];
-        rod.rotations.reserve(arrays.rotationCount);
-        for (std::size_t i = 0; i < arrays.rotationCount; ++i) {
-            algebra3d::Quaternion<double>& q = rod.rotations.emplace_back();
-            bool areFinite = true;
-            for (std::size_t k = 0; k < 4; ++k) {
-                q[int(k)] = numbers->values[i * along + k * across];
-                areFinite = areFinite && std::isfinite(q[int(k)]);
-            }
-            const std::string fault = areFinite ? checkRotation(q, options) : FOUND_NOT_FINITE;
-            if (!fault.empty())
-                return fail(placeIn(array, frame,
-                                    {areRows ? std::to_string(i) : ":",
-                                     areRows ? ":" : std::to_string(i)}) +
-                            fault);
-        }
-        return true;
+        reserveRows(rod.rotations, arrays.rotationCount, array, 4);
+        return readRows(array, areRows, 4, frame, options, [&](const double* at) {
+            const std::size_t i = rod.rotations.size();
+            auto& rotation = rod.rotations.emplace_back(at[0], at[1], at[2], at[3]);
+            if (!options.normalise && algebra3d::isRotation(rotation)) // most often
+                return true;
+            const std::string fault =
+                areFinite(at, 4) ? checkRotation(rotation, options) : FOUND_NOT_FINITE;
+            return fault.empty() || fail(placeIn(array, frame,
+                                                 {areRows ? std::to_string(i) : ":",
+                                                  areRows ? ":" : std::to_string(i)}) +
+                                         fault);
+        });
+    }
+
+    static bool areFinite(const double* numbers, std::size_t count)
+    {
+        return std::all_of(numbers, numbers + count, [](double v) { return std::isfinite(v); });
     }
 
     bool readDirectors(const NumpyArray& array, bool areRows, std::size_t count,
@@ -481,35 +522,20 @@ private:
                        std::vector<algebra3d::Quaternion<double>>& rotations,
                        const ReadOptions& options)
     {
-        const std::optional<Numbers> numbers = file->read(array, frame, options, *report);
-        if (!numbers)
-            return false;
-        const std::vector<std::size_t>& strides = numbers->strides;
-        const std::size_t along = strides[areRows ? 0 : 2];
-        const std::size_t ofDirector = strides[areRows ? 1 : 0], across = strides[areRows ? 2 : 1];
-        rotations.reserve(count);
-        for (std::size_t e = 0; e < count; ++e) {
-            Directors directors;
-            bool areFinite = true;
-            for (std::size_t d = 0; d < 3; ++d) {
-                double v[3];
-                for (std::size_t k = 0; k < 3; ++k) {
-                    v[k] = numbers->values[e * along + d * ofDirector + k * across];
-                    areFinite = areFinite && std::isfinite(v[k]);
-                }
-                directors[d].emplace(v[0], v[1], v[2]);
-            }
+        reserveRows(rotations, count, array, 9);
+        return readRows(array, areRows, 9, frame, options, [&](const double* at) {
             const std::string fault =
-                areFinite ? findRotation(directors, options, rotations.emplace_back())
-                          : FOUND_NOT_FINITE;
-            const std::string index = std::to_string(e);
-            if (!fault.empty())
-                return fail(placeIn(array, frame,
-                                    areRows ? std::vector<std::string>{index, ":", ":"}
-                                            : std::vector<std::string>{":", ":", index}) +
-                            fault);
-        }
-        return true;
+                areFinite(at, 9) ? findRotation({Vector(at), Vector(at + 3), Vector(at + 6)},
+                                                options, rotations.emplace_back())
+                                 : FOUND_NOT_FINITE;
+            if (fault.empty())
+                return true;
+            const std::string index = std::to_string(rotations.size() - areFinite(at, 9));
+            return fail(placeIn(array, frame,
+                                areRows ? std::vector<std::string>{index, ":", ":"}
+                                        : std::vector<std::string>{":", ":", index}) +
+                        fault);
+        });
     }
 
     bool addDna(const DnaArrays& arrays, std::optional<std::uint64_t> frame, Collector& collector,
