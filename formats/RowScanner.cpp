@@ -48,6 +48,10 @@ std::optional<std::string_view> RowScanner::nextField()
 bool RowScanner::takeNumbers(double* numbers, std::size_t count)
 {
     for (std::size_t i = 0; i < count; ++i) {
+        if (scanner.nextNumber(numbers[i])) {
+            ++column;
+            continue;
+        }
         const std::optional<std::string_view> field = nextField();
         if (!field)
             return fail("found " + counted(column - 1, "column") + ", expected " +

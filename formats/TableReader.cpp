@@ -523,7 +523,13 @@ private:
         const FieldScanner start = scanner;
         std::size_t count = 0;
         bool endsWithComma = false;
-        for (; const auto field = scanner.nextField(); ++count) {
+        for (;; ++count) {
+            const bool isNumber = count < row.size() && !(columns.areOfDna && count == 0);
+            if (isNumber && scanner.nextNumber(row[count])) // most often
+                continue;
+            const auto field = scanner.nextField();
+            if (!field)
+                break;
             if (count < row.size()) {
                 if (!readField(*field, count))
                     return false;

@@ -14,9 +14,11 @@ namespace strandview {
 std::string takePoint(FieldScanner& scanner, std::size_t column, algebra3d::Vector3<double>& point)
 {
     for (std::size_t axis = 0; axis < 3; ++axis) {
-        const std::optional<std::string_view> field = scanner.nextField();
         double number = 0;
-        if (field && parseNumber(*field, number) == std::errc() && isCoordinate(number)) {
+        const bool isPlain = scanner.nextNumber(number); // of 16 digits at most
+        const auto field = isPlain ? std::nullopt : scanner.nextField();
+        if (isPlain ||
+            (field && parseNumber(*field, number) == std::errc() && isCoordinate(number))) {
             point[int(axis)] = number;
             continue;
         }

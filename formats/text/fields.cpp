@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include <strandview/formats/text/characters.h>
+#include <strandview/formats/text/numbers.h>
 
 namespace strandview {
 
@@ -59,11 +60,28 @@ std::optional<std::string_view> FieldScanner::nextField()
     if (!isAtField() && !isAtComma() && !afterComma)
         return {};
     const std::string_view field = isAtField() && isQuote(text[position]) ? takeQuoted() : take();
+    skipSeparator();
+    return field;
+}
+
+bool FieldScanner::nextNumber(double& number)
+{
+    skipBlanks();
+    const std::size_t end = position + takePlainNumber(text.substr(position), number);
+    if (end == position || (end < text.size() && !KINDS.isOne(text[end], separators)))
+        return false;
+    position = end;
+    skipSeparator();
+    return true;
+}
+
+/// Behind a field.
+void FieldScanner::skipSeparator()
+{
     skipBlanks();
     afterComma = isAtComma();
     if (afterComma)
         ++position;
-    return field;
 }
 
 bool FieldScanner::isLineBlank()

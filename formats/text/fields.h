@@ -46,6 +46,10 @@ public:
     /// quote, the closing one is missing or does not end the field.
     STRANDVIEW_FORMATS_EXPORT std::optional<std::string_view> nextField();
 
+    /// The same where the next field is a plain number (numbers.h); false at any other, and at the
+    /// end of the line, which are left to nextField().
+    STRANDVIEW_FORMATS_EXPORT bool nextNumber(double& number);
+
     /// These two are to be asked at the start of a line; a comment, from "#" or "%" on, is not
     /// blank.
     STRANDVIEW_FORMATS_EXPORT bool isLineBlank();
@@ -65,6 +69,7 @@ private:
 
     void skip(unsigned kinds);
     void skipTo(unsigned kinds);
+    void skipSeparator();
     void skipBlanks() { skip(SPACE | BLANK); }
     std::string_view take();
     std::string_view takeQuoted();

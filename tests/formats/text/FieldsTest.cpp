@@ -1,9 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <strandview/formats/text/fields.h>
 
+#include <iterator>
+#include <optional>
+#include <random>
 #include <string>
 
 #include <gmock/gmock.h>
+
+#include <strandview/formats/text/numbers.h>
 
 namespace strandview {
 
@@ -109,6 +114,40 @@ TEST(Fields, TrimmingLeavesBlanksWithin)
     EXPECT_EQ(trimmed("\t a b \v\f"), "a b");
     EXPECT_EQ(trimmed("  "), "");
     EXPECT_EQ(trimmed("\na"), "\na") << "a line end is no blank";
+}
+
+TEST(Fields, NumbersAreTheFieldsThatAreTakenWithoutThem)
+{
+    const std::string pieces[] = {"1", "-2.5", "0.123456789", "x",  "1e5",     "\"3\"", ",",
+                                  ";", " ",    "  ",          "\t", "#",       "%",     ".",
+                                  "-", "1,5",  "\n",          "\r", "12345678"};
+    std::mt19937 random(5);
+    std::size_t numbers = 0;
+    for (int i = 0; i < 100000; ++i) {
+        std::string text;
+        for (std::size_t count = random() % 12; count > 0; --count)
+            text += pieces[random() % std::size(pieces)];
+        FieldScanner asked(text), plain(text);
+        if (random() % 3 == 0) {
+            asked.makeCommasText();
+            plain.makeCommasText();
+        }
+        for (std::optional<std::string_view> field; (field = plain.nextField());) {
+            double number = 0, expected = 0;
+            if (asked.nextNumber(number)) {
+                ASSERT_EQ(parseNumber(*field, expected), std::errc()) << text;
+                ASSERT_EQ(number, expected) << text;
+                ++numbers;
+            } else {
+                ASSERT_EQ(asked.nextField(), field) << text;
+            }
+        }
+        double none = 0;
+        ASSERT_FALSE(asked.nextNumber(none)) << text;
+        ASSERT_FALSE(asked.nextField()) << text;
+        ASSERT_EQ(asked.getPosition(), plain.getPosition()) << text;
+    }
+    EXPECT_GT(numbers, 30000u);
 }
 
 } // namespace strandview

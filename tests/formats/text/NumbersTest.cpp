@@ -7,6 +7,7 @@
 #include <limits>
 #include <random>
 #include <string>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -106,6 +107,52 @@ TEST(Numbers, AreWholeFields)
         EXPECT_EQ(statusOf(field), std::errc::invalid_argument) << field;
         EXPECT_FALSE(isNumber(field)) << field;
     }
+}
+
+TEST(Numbers, PlainOnesAreTakenFromTheBeginningOfAText)
+{
+    const auto taken = [](std::string_view text) {
+        double number = std::nan("");
+        return std::pair(takePlainNumber(text, number), number);
+    };
+    EXPECT_EQ(taken("12"), std::pair(std::size_t(2), 12.0));
+    EXPECT_EQ(taken("-12.5 7"), std::pair(std::size_t(5), -12.5));
+    EXPECT_EQ(taken("123456789.0123,4"), std::pair(std::size_t(14), 123456789.0123));
+    EXPECT_EQ(taken(".5;"), std::pair(std::size_t(2), 0.5));
+    EXPECT_EQ(taken("5.x"), std::pair(std::size_t(2), 5.0));
+    EXPECT_EQ(taken("1e5"), std::pair(std::size_t(1), 1.0));
+    EXPECT_EQ(taken("1.2.3"), std::pair(std::size_t(3), 1.2));
+    EXPECT_EQ(taken("9007199254740992"), std::pair(std::size_t(16), 9007199254740992.0));
+    for (const char* text : {"", "-", ".", "-.", "+1", "x", " 1", "--1", "e5", "9007199254740993",
+                             "0.00000000000000000001", "12345678901234567890"})
+        EXPECT_EQ(taken(text).first, 0u) << text;
+}
+
+TEST(Numbers, PlainOnesAreTheNearestDoublesWhateverStandsBehindThem)
+{
+    std::mt19937 random(3);
+    const auto digits = [&random](std::size_t most) {
+        std::string text(random() % (most + 1), '0');
+        for (char& c : text)
+            c = char('0' + random() % 10);
+        return text;
+    };
+    std::size_t taken = 0;
+    for (int i = 0; i < 200000; ++i) {
+        const std::string text = (random() % 2 ? "-" : "") + digits(9) +
+                                 (random() % 4 ? "." + digits(random() % 4 ? 8 : 18) : "");
+        const char behind = char(random() % 256);
+        if ((behind >= '0' && behind <= '9') || behind == '.' || behind == '-')
+            continue;
+        double number = 0;
+        const std::size_t size = takePlainNumber(text + behind + digits(9), number);
+        if (size == 0)
+            continue;
+        ASSERT_EQ(size, text.size()) << text;
+        ASSERT_EQ(number, std::strtod(text.c_str(), nullptr)) << text;
+        ++taken;
+    }
+    EXPECT_GT(taken, 100000u);
 }
 
 TEST(Numbers, AreReadAlikeInEveryLocale)
