@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <iterator>
 #include <limits>
+#include <memory>
 #include <unordered_set>
 #include <utility>
 #include <vector>
@@ -16,6 +17,7 @@
 
 #include <strandview/formats/Collector.h>
 #include <strandview/formats/Milestones.h>
+#include <strandview/formats/PlainJson.h>
 #include <strandview/formats/checks.h>
 #include <strandview/formats/directors.h>
 #include <strandview/formats/text/wording.h>
@@ -335,7 +337,7 @@ private:
 
 /// Is told every event of the parser, in the order of the text, and keeps no more of
 /// it than the rod, the DNA or the like being read. Each event answers whether to go on.
-class JsonReader : public nlohmann::json_sax<nlohmann::json>
+class JsonReader final : public nlohmann::json_sax<nlohmann::json>
 {
 public:
     JsonReader(std::string_view wholeText, const std::string& jsonName,
@@ -355,20 +357,30 @@ public:
     std::vector<Configuration> frames;
     std::vector<double> times; ///< of as many frames as the file has, or none
 
-    /// Whether all of it is as it should be.
-    bool read()
+    enum class Parser {
+        PLAIN,  ///< fast
+        WORDED, ///< knows what is wrong with a text
+    };
+    enum class End { DONE, FAILED, REFUSED };
+
+    /// Whether all of it is as it should be; or else that the plain parser cannot read it.
+    End read(Parser parser)
     {
         // To the parser this character is the end of the text.
         const std::size_t nul = text.find('\0');
-        if (nul != std::string_view::npos)
-            return failInText(nul, "found a character of code 0, expected valid JSON in UTF-8");
+        if (nul != std::string_view::npos) {
+            failInText(nul, "found a character of code 0, expected valid JSON in UTF-8");
+            return End::FAILED;
+        }
         const char* const end = text.data() + text.size();
-        if (!nlohmann::json::sax_parse(Cursor(place, place), Cursor(end, place), this))
-            return false;
-        if (report.frames == 0 && !finishFrame(""))
-            return false;
-        report.error = isAnyShown ? "" : noneShown;
-        return isAnyShown;
+        if (parser == Parser::PLAIN) {
+            PlainJson plain(place, end, *this);
+            if (!plain.parse())
+                return plain.isStopped() ? End::FAILED : End::REFUSED;
+        } else if (!nlohmann::json::sax_parse(Cursor(place, place), Cursor(end, place), this)) {
+            return End::FAILED;
+        }
+        return finishFile() ? End::DONE : End::FAILED;
     }
 
     /// Among a scalar's values it stands for one that is no number, and of a sequence for bases
@@ -400,6 +412,13 @@ public:
         if (ruleOf(place).kind != Kind::TEXT)
             return failExpected("the string " + inQuotes(value));
         return takeText(place, value) && goOn();
+    }
+    static bool decode(std::string_view quoted, std::string& value)
+    {
+        const auto parsed = nlohmann::json::parse(quoted, nullptr, false);
+        if (parsed.is_string())
+            value = parsed.get<std::string>();
+        return parsed.is_string();
     }
     bool binary(binary_t&) override { return failExpected("binary data"); }
     bool number_integer(std::int64_t value) override { return wholeNumber(value); }
@@ -733,6 +752,14 @@ private:
         return true;
     }
 
+    bool finishFile()
+    {
+        if (report.frames == 0 && !finishFrame(""))
+            return false;
+        report.error = isAnyShown ? "" : noneShown;
+        return isAnyShown;
+    }
+
     bool finishStep(const Level& level)
     {
         const bool hasTime = level.keys.count("time");
@@ -958,24 +985,38 @@ private:
     Collector collector;     ///< of the frame being read
 };
 
+/// Null and report.error if anything is wrong.
+std::unique_ptr<JsonReader> read(std::string_view text, const std::string& fileName,
+                                 const ReadOptions& options, ReadReport& report, bool shallKeepAll)
+{
+    report.frames = 0;
+    const ReadReport before = report;
+    auto reader = std::make_unique<JsonReader>(text, fileName, options, report, shallKeepAll);
+    JsonReader::End end = reader->read(JsonReader::Parser::PLAIN);
+    if (end == JsonReader::End::REFUSED) {
+        report = before;
+        reader = std::make_unique<JsonReader>(text, fileName, options, report, shallKeepAll);
+        end = reader->read(JsonReader::Parser::WORDED);
+    }
+    return end == JsonReader::End::DONE ? std::move(reader) : nullptr;
+}
+
 } // namespace
 
 std::optional<Configuration> readJson(std::string_view text, const std::string& fileName,
                                       const ReadOptions& options, ReadReport& report)
 {
-    report.frames = 0;
-    JsonReader reader(text, fileName, options, report, false);
-    return reader.read() ? std::optional(std::move(reader.frames.front())) : std::nullopt;
+    const auto reader = read(text, fileName, options, report, false);
+    return reader ? std::optional(std::move(reader->frames.front())) : std::nullopt;
 }
 
 std::unique_ptr<Series> openJson(std::string_view text, const std::string& fileName,
                                  const ReadOptions& options, ReadReport& report)
 {
-    report.frames = 0;
-    JsonReader reader(text, fileName, options, report, true);
-    if (!reader.read())
+    const auto reader = read(text, fileName, options, report, true);
+    if (!reader)
         return nullptr;
-    return std::make_unique<MemorySeries>(std::move(reader.frames), std::move(reader.times));
+    return std::make_unique<MemorySeries>(std::move(reader->frames), std::move(reader->times));
 }
 
 } // namespace strandview
