@@ -12,6 +12,8 @@
 #include <utility>
 #include <vector>
 
+#include <algebra3d/largePages.h>
+
 #include <strandview/formats/Collector.h>
 #include <strandview/formats/Milestones.h>
 #include <strandview/formats/Source.h>
@@ -198,6 +200,8 @@ struct Columns
     Names names;
     std::vector<std::size_t> geometry; ///< the column of each of knownNames(), or NO_COLUMN
     std::vector<std::size_t> others;   ///< the scalars; of DNA the base
+    enum Rotation { NONE, QUATERNION, DIRECTORS };
+    std::vector<Rotation> rotations; ///< what tells that of each frame
 
     const Names& knownNames() const { return areOfDna ? DNA_NAMES : ROD_NAMES; }
     bool have(std::size_t name) const { return geometry[name] != NO_COLUMN; }
@@ -286,6 +290,7 @@ public:
         row.resize(columns.names.size());
         if (layout.areCommasText)
             scanner.makeCommasText();
+        scanner.lookForReturns();
         return read();
     }
 
@@ -302,10 +307,12 @@ private:
 
     bool readLine()
     {
-        if (scanner.isLineBlank())
-            return finishBlock();
-        if (scanner.isLineComment())
-            return true;
+        if (!scanner.isAtRow()) { // or behind blanks
+            if (scanner.isLineBlank())
+                return finishBlock();
+            if (scanner.isLineComment())
+                return true;
+        }
         if (isInBlock())
             return readRow();
         return isHeaderAgain() || readRow();
@@ -500,9 +507,13 @@ private:
             if (index != NO_COLUMN)
                 columns.geometry[index] = c;
         }
-        for (std::size_t frame = 0; frame * FRAME_WIDTH < columns.geometry.size(); ++frame)
+        for (std::size_t frame = 0; frame * FRAME_WIDTH < columns.geometry.size(); ++frame) {
             if (columns.nameQuaternion(frame))
                 leaveOutDirectors(frame);
+            columns.rotations.push_back(columns.nameQuaternion(frame)  ? Columns::QUATERNION
+                                        : columns.haveDirectors(frame) ? Columns::DIRECTORS
+                                                                       : Columns::NONE);
+        }
         for (std::size_t c = 0; c < columns.names.size(); ++c)
             if (!columns.isOfGeometry(c))
                 columns.others.push_back(c);
@@ -524,10 +535,9 @@ private:
         std::size_t count = 0;
         bool endsWithComma = false;
         for (;; ++count) {
-            const bool isNumber = count < row.size() && !(columns.areOfDna && count == 0);
-            if (isNumber && scanner.nextNumber(row[count])) // most often
-                continue;
-            const auto field = scanner.nextField();
+            while (count < row.size() && takesNumbers(count) && scanner.nextNumber(row[count]))
+                ++count; // most often, up to the last one
+            const auto field = scanner.isAtRowEnd() ? std::nullopt : scanner.nextField();
             if (!field)
                 break;
             if (count < row.size()) {
@@ -549,9 +559,11 @@ private:
         return addRow();
     }
 
+    bool takesNumbers(std::size_t column) const { return column > 0 || !columns.areOfDna; }
+
     bool readField(std::string_view field, std::size_t column)
     {
-        if (columns.areOfDna && column == 0)
+        if (!takesNumbers(column))
             return readBase(field);
         const std::errc status = parseNumber(field, row[column]);
         if (status == std::errc() && std::isfinite(row[column]) &&
@@ -592,6 +604,7 @@ private:
             keepUnknownScalars();
         if (!missing.empty() && !isRowOfElements())
             return failMissing();
+        algebra3d::reserveNext(rod.lines);
         rod.lines.push_back(scanner.getLine());
         for (std::size_t i = 0; i < columns.others.size(); ++i)
             if (!isMissing(columns.others[i]))
@@ -608,13 +621,14 @@ private:
             if (!isCoordinate(row[at[i]]))
                 return fail(nameText(at[i]) + ": found " + formatted(row[at[i]]) + ", expected " +
                             EXPECTED_COORDINATE);
+        algebra3d::reserveNext(points);
         points.emplace_back(row[at[0]], row[at[1]], row[at[2]]);
         if (isRotationMissing())
             return true;
-        if (columns.haveDirectors(frame))
-            return addRotationOfDirectors(frame, rotations);
-        if (!columns.nameQuaternion(frame))
-            return true;
+        if (columns.rotations[frame] != Columns::QUATERNION)
+            return columns.rotations[frame] == Columns::NONE ||
+                   addRotationOfDirectors(frame, rotations);
+        algebra3d::reserveNext(rotations);
         rotations.emplace_back(row[at[3]], row[at[4]], row[at[5]], row[at[6]]);
         const std::string fault = checkRotation(rotations.back(), options);
         return fault.empty() || fail("columns qx qy qz qw" + ofOwner(frame) + ": " + fault);
@@ -659,9 +673,10 @@ private:
     }
     bool isRotationMissing() const
     {
-        return std::any_of(missing.begin(), missing.end(), [this](const MissingField& field) {
-            return columns.isOfGeometry(field.column);
-        });
+        return !missing.empty() && // most often
+               std::any_of(missing.begin(), missing.end(), [this](const MissingField& field) {
+                   return columns.isOfGeometry(field.column);
+               });
     }
     /// Whether a rotation is missing as a whole, or not at all.
     bool isRowOfElements() const
@@ -789,19 +804,21 @@ public:
     bool add(std::string_view lines)
     {
         FieldScanner scanner(lines, line);
+        scanner.lookForReturns();
         if (frames.layout.areCommasText)
             scanner.makeCommasText();
         for (; !scanner.isAtEnd(); scanner.nextLine()) {
             const std::size_t start = scanner.getPosition();
-            if (scanner.isLineBlank()) {
+            const bool isRow = scanner.isAtRow(); // most often
+            if (!isRow && scanner.isLineBlank()) {
                 ++blankLines;
                 continue;
             }
             isGap = isGap || blankLines > 1;
             blankLines = 0;
-            if (scanner.isLineComment())
+            if (!isRow && scanner.isLineComment())
                 continue;
-            if (!takeLayout(lines.substr(start), scanner))
+            if (frames.layout.columns.line == 0 && !takeLayout(lines.substr(start), scanner))
                 return false;
             addRow(scanner, {frames.end + start, scanner.getLine()});
         }
@@ -826,8 +843,6 @@ private:
     /// Of the first line, from which on all others are read by it.
     bool takeLayout(std::string_view text, FieldScanner& scanner)
     {
-        if (frames.layout.columns.line > 0)
-            return true;
         std::optional<Layout> layout =
             TableReader(text, fileName, options, report, scanner.getLine()).readLayout();
         if (!layout)
@@ -915,12 +930,16 @@ bool findFrames(Source& source, FrameFinder& finder, std::uint64_t offset,
         const std::optional<std::string_view> all = source.readAll(options, report);
         return all && finder.add(all->substr(std::min(std::size_t(offset), all->size())));
     }
-    for (std::size_t size = 1 << 22;;) {
-        const std::optional<std::string> piece = source.readAt(offset, size, options, report);
-        if (!piece)
+    std::string room;
+    for (std::size_t size = std::min<std::uint64_t>(1 << 22, *source.getSize() + 1);;) {
+        algebra3d::reserveMany(room, size);
+        room.resize(size);
+        const auto got = source.readAt(offset, room.data(), size, options, report);
+        if (!got)
             return false;
-        const bool isLast = piece->size() < size;
-        const std::string_view lines = isLast ? std::string_view(*piece) : wholeLines(*piece);
+        const std::string_view piece = std::string_view(room).substr(0, *got);
+        const bool isLast = piece.size() < size;
+        const std::string_view lines = isLast ? piece : wholeLines(piece);
         if (!finder.add(lines))
             return false;
         if (isLast)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <strandview/formats/text/fields.h>
 
+#include <algorithm>
 #include <cstdint>
 
 #include <strandview/formats/text/characters.h>
@@ -67,11 +68,15 @@ std::optional<std::string_view> FieldScanner::nextField()
 bool FieldScanner::nextNumber(double& number)
 {
     skipBlanks();
-    const std::size_t end = position + takePlainNumber(text.substr(position), number);
+    const std::string_view rest(text.data() + position, text.size() - position);
+    const std::size_t end = position + takePlainNumber(rest, number);
     if (end == position || (end < text.size() && !KINDS.isOne(text[end], separators)))
         return false;
     position = end;
-    skipSeparator();
+    if (isAtLineEnd())
+        afterComma = false;
+    else
+        skipSeparator();
     return true;
 }
 
@@ -104,7 +109,8 @@ std::string_view FieldScanner::getRestOfLine() const
 void FieldScanner::nextLine()
 {
     if (!isAtLineEnd())
-        position = findLineEnd(text, position);
+        position = haveLinesFeedsAlone ? std::min(text.find('\n', position), text.size())
+                                       : findLineEnd(text, position);
     if (!isAtEnd() && text[position++] == '\r' && !isAtEnd() && text[position] == '\n')
         ++position;
     afterComma = false;

@@ -52,25 +52,31 @@ std::uint64_t valueOf(std::uint64_t digits)
     return ((digits & pairs) * first + (digits >> 16 & pairs) * second) >> 32;
 }
 
+inline bool isDigit(char c) { return c >= '0' && c <= '9'; }
+
 /// Where the digits end; what they say comes behind `number`, whatever is left of more than 64 bits
-/// hold. Eight at a time.
-const char* takeDigits(const char* place, const char* end, std::uint64_t& number)
+/// hold.
+inline const char* takeDigits(const char* place, const char* end, std::uint64_t& number)
 {
-    while (end - place >= 8) {
+    for (; place < end && isDigit(*place); ++place)
+        number = 10 * number + (unsigned(*place) - '0');
+    return place;
+}
+
+/// The same eight at a time, for those behind the point, which are many.
+inline const char* takeManyDigits(const char* place, const char* end, std::uint64_t& number)
+{
+    while (end - place >= 8 && isDigit(*place)) {
         const std::uint64_t digits = eightAt(place) ^ eightTimes('0');
         const std::uint64_t others = (digits | (digits + eightTimes(0x80 - 10))) & eightTimes(0x80);
         const unsigned count = others == 0 ? 8 : unsigned(__builtin_ctzll(others)) / 8;
-        if (count == 0)
-            return place;
         // The first ones are those in front, which are zero.
         number = WHOLE_POWERS[count] * number + valueOf(digits << (64 - 8 * count));
         place += count;
         if (count < 8)
             return place;
     }
-    for (; place < end && unsigned(*place) - '0' < 10; ++place)
-        number = 10 * number + (unsigned(*place) - '0');
-    return place;
+    return takeDigits(place, end, number);
 }
 
 } // namespace
@@ -87,7 +93,7 @@ std::size_t takePlainNumber(std::string_view text, double& number)
     std::ptrdiff_t count = place - begin - isNegative, decimals = 0;
     if (place < end && *place == '.') {
         const char* const point = place + 1;
-        place = takeDigits(point, end, digits);
+        place = takeManyDigits(point, end, digits);
         decimals = place - point;
         count += decimals;
     }
