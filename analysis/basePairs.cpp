@@ -5,6 +5,7 @@
 #include <cmath>
 #include <limits>
 
+#include <algebra3d/largePages.h>
 #include <algebra3d/rotations.h>
 
 #include <strandview/analysis/doubleStrands.h>
@@ -47,7 +48,7 @@ double distanceFromPair(const BaseFrame& a, const BaseFrame& b)
 void pairBases(std::vector<Nucleotide>& nucleotides)
 {
     std::vector<algebra3d::Vector3<double>> points;
-    points.reserve(nucleotides.size());
+    algebra3d::reserveMany(points, nucleotides.size());
     for (const Nucleotide& nucleotide : nucleotides)
         points.push_back(nucleotide.frame.point);
     const auto distance = [&](std::size_t i, std::size_t j) {

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include <algebra3d/largePages.h>
 #include <algebra3d/rotations.h>
 
 namespace strandview {
@@ -37,9 +38,9 @@ template <typename Frames>
 void reserve(std::size_t pairs, Frames& frames)
 {
     for (Points* points : {&frames.pairPoints, &frames.points1, &frames.points2})
-        points->reserve(pairs);
+        algebra3d::reserveMany(*points, pairs);
     for (Rotations* rotations : {&frames.pairRotations, &frames.rotations1, &frames.rotations2})
-        rotations->reserve(pairs);
+        algebra3d::reserveMany(*rotations, pairs);
 }
 
 constexpr std::size_t MOST_NAMES = 3;

@@ -7,6 +7,8 @@
 #include <limits>
 #include <utility>
 
+#include <algebra3d/largePages.h>
+
 #include <strandview/analysis/helices.h>
 
 namespace strandview {
@@ -73,7 +75,7 @@ mutuallyNearest(const std::vector<algebra3d::Vector3<double>>& points, double re
                 const std::function<double(std::size_t, std::size_t)>& distance)
 {
     std::vector<InCell> sorted;
-    sorted.reserve(points.size());
+    algebra3d::reserveMany(sorted, points.size());
     for (std::size_t i = 0; i < points.size(); ++i)
         sorted.emplace_back(cellOf(points[i], reach), i);
     std::sort(sorted.begin(), sorted.end());

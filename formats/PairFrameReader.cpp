@@ -8,6 +8,8 @@
 #include <system_error>
 #include <utility>
 
+#include <algebra3d/largePages.h>
+
 #include <strandview/formats/Collector.h>
 #include <strandview/formats/Milestones.h>
 #include <strandview/formats/RowScanner.h>
@@ -41,9 +43,9 @@ public:
 
     void reserve(std::size_t count)
     {
-        dna.bases.reserve(count);
-        dna.pairPoints.reserve(count);
-        dna.pairRotations.reserve(count);
+        algebra3d::reserveMany(dna.bases, count);
+        algebra3d::reserveMany(dna.pairPoints, count);
+        algebra3d::reserveMany(dna.pairRotations, count);
     }
     std::size_t count() const { return dna.bases.size(); }
 

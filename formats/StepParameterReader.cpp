@@ -7,6 +7,8 @@
 #include <cstddef>
 #include <vector>
 
+#include <algebra3d/largePages.h>
+
 #include <strandview/analysis/stepParameters.h>
 #include <strandview/formats/Milestones.h>
 #include <strandview/formats/RowScanner.h>
@@ -125,11 +127,11 @@ private:
     bool readPairs()
     {
         const std::size_t possible = std::min(count, countLines(text));
-        dna.bases.reserve(possible);
+        algebra3d::reserveMany(dna.bases, possible);
         for (auto* points : {&dna.pairPoints, &dna.points1, &dna.points2})
-            points->reserve(possible);
+            algebra3d::reserveMany(*points, possible);
         for (auto* rotations : {&dna.pairRotations, &dna.rotations1, &dna.rotations2})
-            rotations->reserve(possible);
+            algebra3d::reserveMany(*rotations, possible);
         while (rows.nextLine()) {
             if (!milestones.pass(rows.getPosition())) {
                 report.error = fileName + ": " + READING_STOPPED;

@@ -7,6 +7,8 @@
 #include <system_error>
 #include <utility>
 
+#include <algebra3d/largePages.h>
+
 #include <strandview/formats/Collector.h>
 #include <strandview/formats/Milestones.h>
 #include <strandview/formats/checks.h>
@@ -94,6 +96,8 @@ private:
         for (std::int64_t i = 0; i < std::abs(size); ++i) {
             if (!milestones.pass(scanner.getPosition()))
                 return fail(READING_STOPPED);
+            algebra3d::reserveNext(rod.points);
+            algebra3d::reserveNext(rod.lines);
             algebra3d::Vector3<double>& point = rod.points.emplace_back();
             for (int axis = 0; axis < 3; ++axis)
                 if (!takeCoordinate(point[axis], rod.points.size(), std::abs(size)))
@@ -112,6 +116,8 @@ private:
 
     bool takeCoordinate(double& number, std::size_t vertex, std::int64_t ofSize)
     {
+        if (scanner.nextNumber(number)) // of 16 digits at most
+            return true;
         const auto word = nextWord(scanner);
         if (word && parseNumber(*word, number) == std::errc() && isCoordinate(number))
             return true;

@@ -9,6 +9,8 @@
 #include <utility>
 #include <vector>
 
+#include <algebra3d/largePages.h>
+
 #include <strandview/formats/Collector.h>
 #include <strandview/formats/IndexedSeries.h>
 #include <strandview/formats/Milestones.h>
@@ -65,8 +67,9 @@ public:
         scanner.nextLine();
         scanner.nextLine();
         constexpr std::size_t shortestAtom = 8; // "C 0 0 0" and the end of the line
-        rod.points.reserve(std::min<std::uint64_t>(count, frame.text.size() / shortestAtom));
-        rod.lines.reserve(rod.points.capacity());
+        algebra3d::reserveMany(rod.points,
+                               std::min<std::uint64_t>(count, frame.text.size() / shortestAtom));
+        algebra3d::reserveMany(rod.lines, rod.points.capacity());
         Milestones milestones(options, frame.text.size());
         for (; rod.points.size() < count; scanner.nextLine()) {
             if (!milestones.pass(scanner.getPosition()))

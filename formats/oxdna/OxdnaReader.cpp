@@ -10,6 +10,7 @@
 #include <vector>
 
 #include <algebra3d/Vector3.h>
+#include <algebra3d/largePages.h>
 
 #include <strandview/analysis/doubleStrands.h>
 #include <strandview/analysis/mutuallyNearest.h>
@@ -128,8 +129,8 @@ private:
         const std::string expected =
             "expected " + std::to_string(count) + " as in " + topology.name;
         constexpr std::size_t shortestLine = 17; // nine digits and the blanks between
-        placed.reserve(std::min(count, text.size() / shortestLine));
-        nucleotides.reserve(placed.capacity());
+        algebra3d::reserveMany(placed, std::min(count, text.size() / shortestLine));
+        algebra3d::reserveMany(nucleotides, placed.capacity());
         while (rows.nextRow()) {
             if (!milestones.pass(rows.getPosition())) {
                 report.error = fileName + ": " + READING_STOPPED;
@@ -188,7 +189,7 @@ private:
     void pair()
     {
         Points sites;
-        sites.reserve(placed.size());
+        algebra3d::reserveMany(sites, placed.size());
         for (const Placed& one : placed)
             sites.push_back(one.position + one.a1 * BASE_SITE);
         const auto partners =
@@ -234,7 +235,7 @@ private:
         rod.origin = fileName + ": " + rod.name;
         rod.isBackbone = true;
         rod.molecule = molecules[strand];
-        rod.points.reserve(chain.size() + 1);
+        algebra3d::reserveMany(rod.points, chain.size() + 1);
         for (const std::size_t i : chain)
             rod.points.push_back(UNIT * (placed[i].position + placed[i].a1 * BACKBONE_SITE));
         if (nucleotides[chain.back()].next == chain.front()) {

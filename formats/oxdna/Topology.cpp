@@ -5,6 +5,8 @@
 #include <charconv>
 #include <system_error>
 
+#include <algebra3d/largePages.h>
+
 #include <strandview/formats/Milestones.h>
 #include <strandview/formats/RowScanner.h>
 #include <strandview/formats/pairLetters.h>
@@ -64,8 +66,9 @@ private:
                              ", expected at least one in each strand");
         isNewForm = rows.nextField() == NEW_FORM;
         const std::size_t possible = std::min(count, text.size());
-        topology.nucleotides.reserve(isNewForm ? possible : std::min(possible, countLines(text)));
-        topology.codes.reserve(topology.nucleotides.capacity());
+        algebra3d::reserveMany(topology.nucleotides,
+                               isNewForm ? possible : std::min(possible, countLines(text)));
+        algebra3d::reserveMany(topology.codes, topology.nucleotides.capacity());
         return true;
     }
 
