@@ -514,7 +514,10 @@ private:
 
     static bool areFinite(const double* numbers, std::size_t count)
     {
-        return std::all_of(numbers, numbers + count, [](double v) { return std::isfinite(v); });
+        double sum = 0; // of zeros, or not-a-number
+        for (std::size_t i = 0; i < count; ++i)
+            sum += 0 * numbers[i];
+        return sum == 0;
     }
 
     bool readDirectors(const NumpyArray& array, bool areRows, std::size_t count,
