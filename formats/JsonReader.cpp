@@ -15,6 +15,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algebra3d/largePages.h>
+
 #include <strandview/formats/Collector.h>
 #include <strandview/formats/Milestones.h>
 #include <strandview/formats/PlainJson.h>
@@ -645,8 +647,10 @@ private:
     Vector& currentPoint()
     {
         const Level& level = levels.back();
-        if (level.place == Place::POINTS)
+        if (level.place == Place::POINTS) {
+            algebra3d::reserveNext(strand.points);
             return strand.points.emplace_back();
+        }
         if (level.place == Place::ARROW)
             return level.key == "from" ? arrow.from : arrow.to;
         return level.place == Place::MARKER ? marker.point
@@ -656,9 +660,10 @@ private:
     Quaternion& currentRotation()
     {
         const Place owner = levels.back().place;
-        return owner == Place::FRAME  ? frame.rotation
-               : owner == Place::BASE ? loneBase.rotation
-                                      : strand.rotations.emplace_back();
+        if (owner == Place::FRAME || owner == Place::BASE)
+            return owner == Place::FRAME ? frame.rotation : loneBase.rotation;
+        algebra3d::reserveNext(strand.rotations);
+        return strand.rotations.emplace_back();
     }
     std::optional<double>& currentLength()
     {
