@@ -9,9 +9,10 @@
 #include <Inventor/nodes/SoCube.h>
 #include <Inventor/nodes/SoMaterial.h>
 #include <Inventor/nodes/SoSwitch.h>
-#include <Inventor/nodes/SoTransform.h>
 #include <Inventor/nodes/SoTranslation.h>
 
+#include "detail/PlacedGroup.h"
+#include "detail/Silence.h"
 #include "detail/copyOf.h"
 #include "drawing/DnaDrawing.h"
 #include "drawing/overallColour.h"
@@ -36,123 +37,6 @@ Node* makeReferenced()
     return node;
 }
 
-// Whether a field takes a value as that of a new node does.
-bool isFree(const SoField& field)
-{
-    return !field.isIgnored() && !field.isConnected() && field.isConnectionEnabled() &&
-           field.isNotifyEnabled();
-}
-
-bool isAsMade(const SoField& field) { return field.isDefault() && isFree(field); }
-
-// Whether a node has nothing of its own beside its fields and children.
-bool isPlain(const SoNode* node)
-{
-    return !node->isOverride() && node->isNotifyEnabled() && !node->getUserData() &&
-           node->getNodeType() == SoNode::INVENTOR && node->getName().getLength() == 0;
-}
-
-// Whether a separator with a DNA's transform is as good as new but for what it places, and
-// where: nobody else holds them, and nobody changed anything else in them.
-bool isReusable(const SoNode* node, const SoTransform* transform)
-{
-    if (node->getTypeId() != SoSeparator::getClassTypeId() || node->getRefCount() != 1 ||
-        !isPlain(node))
-        return false;
-    const auto* separator = static_cast<const SoSeparator*>(node);
-    return isAsMade(separator->renderCaching) && isAsMade(separator->boundingBoxCaching) &&
-           isAsMade(separator->renderCulling) && isAsMade(separator->pickCulling) &&
-           separator->getNumChildren() == 2 && separator->getChild(0) == transform &&
-           transform->getRefCount() == 2 && isPlain(transform) && isFree(transform->translation) &&
-           isFree(transform->rotation) && isAsMade(transform->scaleFactor) &&
-           isAsMade(transform->scaleOrientation) && isAsMade(transform->center);
-}
-
-// The separators of a group that is generated again, each with its transform. Making them anew
-// costs several times as much, most of it in Coin's constructors and in scattered memory.
-class Separators
-{
-public:
-    explicit Separators(std::size_t size) { kept.reserve(size); }
-    ~Separators()
-    {
-        for (; next < kept.size(); ++next)
-            kept[next]->unref();
-    }
-    Separators(const Separators&) = delete;
-    Separators& operator=(const Separators&) = delete;
-
-    // Keeps the child with that index beyond its removal if it can be used again.
-    void keep(const SoGroup* group, std::size_t index, const SoTransform* transform)
-    {
-        if (index >= std::size_t(group->getNumChildren()) ||
-            !isReusable(group->getChild(int(index)), transform))
-            return;
-        auto* separator = static_cast<SoSeparator*>(group->getChild(int(index)));
-        separator->ref();
-        kept.push_back(separator);
-    }
-
-    // One that was kept, to be unreferenced, or null.
-    SoSeparator* take() { return next < kept.size() ? kept[next++] : nullptr; }
-
-private:
-    std::vector<SoSeparator*> kept;
-    std::size_t next = 0;
-};
-
-// Keeps a node from notifying: one notification in the end tells as much as one per change.
-class Silence
-{
-public:
-    explicit Silence(SoNode* silent) : node(silent), before(silent->enableNotify(FALSE)) {}
-    ~Silence() { node->enableNotify(before); }
-    Silence(const Silence&) = delete;
-    Silence& operator=(const Silence&) = delete;
-
-private:
-    SoNode* node;
-    SbBool before;
-};
-
-void setPlace(SoTransform* transform, const Vector& place, const Rotation& rotation)
-{
-    transform->translation = toSbVec3f(place);
-    transform->rotation = toSbRotation(rotation);
-}
-
-// A new, referenced separator. Nobody is there yet to be notified. It is made before its
-// transform, for memory is read fastest in the order in which they are visited.
-SoSeparator* makePlaced(const Vector& place, const Rotation& rotation, SoNode* placed)
-{
-    auto* separator = makeReferenced<SoSeparator>();
-    auto* transform = new SoTransform;
-    const Silence ofTransform(transform), ofSeparator(separator);
-    setPlace(transform, place, rotation);
-    separator->addChild(transform);
-    separator->addChild(placed);
-    return separator;
-}
-
-// Appends a separator of a transform and what it places, and references the transform.
-SoTransform* addPlaced(SoGroup* group, Separators& separators, const Vector& place,
-                       const Rotation& rotation, SoNode* placed)
-{
-    SoSeparator* separator = separators.take();
-    if (separator) {
-        setPlace(static_cast<SoTransform*>(separator->getChild(0)), place, rotation);
-        if (separator->getChild(1) != placed)
-            separator->replaceChild(1, placed);
-    } else {
-        separator = makePlaced(place, rotation, placed);
-    }
-    auto* transform = static_cast<SoTransform*>(separator->getChild(0));
-    transform->ref();
-    group->addChild(separator);
-    separator->unref();
-    return transform;
-}
-
 } // namespace
 
 void SoDNA::initClass() { SO_NODE_INIT_CLASS(SoDNA, SoSeparator, "SoSeparator"); }
@@ -170,10 +54,10 @@ SoDNA::SoDNA() : drawing(std::make_unique<DnaDrawing>())
         strand2Bases[i]->ref();
     }
     createBP();
-    bpSwitch = makeReferenced<SoSwitch>();
+    bpSwitch = makeReferenced<PlacedGroup<SoSwitch>>();
     bpSwitch->whichChild = SO_SWITCH_ALL;
     addChild(bpSwitch);
-    basesGroup = makeReferenced<SoSeparator>();
+    basesGroup = makeReferenced<PlacedGroup<SoSeparator>>();
     addChild(basesGroup);
 }
 
@@ -262,49 +146,29 @@ void SoDNA::generate()
 {
     {
         const Silence ofAll(this);
-        replacePairs();
+        const auto place = [](const Vector& point, const Rotation& rotation, SoNode* node) {
+            return PlacedNode{toSbVec3f(point), toSbRotation(rotation), node};
+        };
+        bpSwitch->place(rAvg.size(),
+                        [&](std::size_t i) { return place(rAvg[i], qAvg[i], bpGroup); });
+        basesGroup->place(2 * rAvg.size(), [&](std::size_t i) {
+            const std::size_t pair = i / 2;
+            const int base = SoNucleobase::getBaseIndex(sequence[pair]);
+            return i % 2 == 0 ? place(r1[pair], q1[pair], strand1Bases[base])
+                              : place(r2[pair], q2[pair],
+                                      strand2Bases[SoNucleobase::getComplementIndex(base)]);
+        });
         bpSwitch->touch();
         basesGroup->touch();
     }
     touch();
 }
 
-void SoDNA::replacePairs()
-{
-    const Silence ofBoxes(bpSwitch), ofBases(basesGroup);
-    const std::size_t former = avgTransforms.size();
-    Separators boxes(former), bases(2 * former);
-    for (std::size_t i = 0; i < former; ++i) {
-        boxes.keep(bpSwitch, i, avgTransforms[i]);
-        bases.keep(basesGroup, 2 * i, strand1Transforms[i]);
-        bases.keep(basesGroup, 2 * i + 1, strand2Transforms[i]);
-    }
-    clear();
-    const std::size_t n = rAvg.size();
-    avgTransforms.resize(n);
-    strand1Transforms.resize(n);
-    strand2Transforms.resize(n);
-    // One group after the other: they are emptied so, and memory goes in the order it came.
-    for (std::size_t i = 0; i < n; ++i)
-        avgTransforms[i] = addPlaced(bpSwitch, boxes, rAvg[i], qAvg[i], bpGroup);
-    for (std::size_t i = 0; i < n; ++i) {
-        const int base = SoNucleobase::getBaseIndex(sequence[i]);
-        const int complement = SoNucleobase::getComplementIndex(base);
-        strand1Transforms[i] = addPlaced(basesGroup, bases, r1[i], q1[i], strand1Bases[base]);
-        strand2Transforms[i] = addPlaced(basesGroup, bases, r2[i], q2[i], strand2Bases[complement]);
-    }
-}
-
 void SoDNA::clear()
 {
-    // Each transform then goes with its separator.
-    for (auto* transforms : {&avgTransforms, &strand1Transforms, &strand2Transforms}) {
-        for (SoTransform* transform : *transforms)
-            transform->unref();
-        transforms->clear();
-    }
-    bpSwitch->removeAllChildren();
-    basesGroup->removeAllChildren();
+    const auto nothing = [](std::size_t) { return PlacedNode{}; };
+    bpSwitch->place(0, nothing);
+    basesGroup->place(0, nothing);
 }
 
 void SoDNA::copyContents(const SoFieldContainer* from, SbBool copyConnections)
@@ -330,12 +194,6 @@ void SoDNA::copyContents(const SoFieldContainer* from, SbBool copyConnections)
     holdCopyOf(original->bpGroup, bpGroup, copyConnections);
     holdCopyOf(original->bpSwitch, bpSwitch, copyConnections);
     holdCopyOf(original->basesGroup, basesGroup, copyConnections);
-    const std::size_t n = original->avgTransforms.size();
-    for (auto* transforms : {&avgTransforms, &strand1Transforms, &strand2Transforms})
-        transforms->resize(n);
-    follow(original->avgTransforms, avgTransforms);
-    follow(original->strand1Transforms, strand1Transforms);
-    follow(original->strand2Transforms, strand2Transforms);
 }
 
 const std::string& SoDNA::getSequence() const { return sequence; }
@@ -353,6 +211,16 @@ const SoDNA::Vectors& SoDNA::getR2() const { return r2; }
 const SoDNA::Quaternions& SoDNA::getQ2() const { return q2; }
 
 int SoDNA::getNumBP() const { return int(sequence.size()); }
+
+SoNucleobase* SoDNA::getNucleobase(char base, int strand) const
+{
+    const int index = SoNucleobase::getBaseIndex(base);
+    if (index < 0 || strand < 1 || strand > 2)
+        return nullptr;
+    return strand == 1 ? strand1Bases[index] : strand2Bases[index];
+}
+
+SoCube* SoDNA::getPairBox() const { return bpBox; }
 
 // Bases
 

@@ -18,7 +18,8 @@ class DnaDrawing;
 class SoCube;
 class SoMaterial;
 class SoSwitch;
-class SoTransform;
+template <typename Group>
+class PlacedGroup;
 
 /// A DNA double strand as a stack of base pairs, in ångström: per pair a box in the pair's
 /// average frame, and the two nucleobases, each in its own frame.
@@ -28,6 +29,9 @@ class SoTransform;
 /// what is placed by it: the one pair box, or one of eight nucleobases, the four of strand 1
 /// upright, those of strand 2 mirrored. All pairs share these nine, so a change of one shows
 /// at every pair at once. The sequence is that of strand 1; strand 2 has the complements.
+///
+/// The separators and their transforms are made when somebody asks for them: a DNA that is drawn,
+/// bounded, or searched for something else has none.
 ///
 /// setData() stores and checks, generate() builds. Refused data empties what is stored and
 /// leaves the picture as it was until the next generate(). Backbones are not part of a DNA.
@@ -56,9 +60,8 @@ public:
     bool setData(const std::string& sequence, const Vectors& rAvg, const Quaternions& qAvg,
                  const Vectors& r1, const Quaternions& q1, const Vectors& r2,
                  const Quaternions& q2);
-    /// Rebuilds the pairs from the stored data, in time linear in their number. Separators and
-    /// transforms of former pairs serve again, as good as new, unless somebody else references
-    /// them.
+    /// Rebuilds the pairs from the stored data, in time linear in their number: the former
+    /// separators are removed, and others are made once they are asked for.
     void generate();
 
     const std::string& getSequence() const;
@@ -73,6 +76,11 @@ public:
     /// 0 if every letter is one of ATGC, upper case; otherwise the place of the first one that
     /// is not, counted from 1. Zero means correct, whatever the name says.
     static int isSequenceCorrect(std::string sequence);
+
+    /// What the pairs share, without their being made: the base with that letter, upper case, of
+    /// strand 1 or 2, null for any other; and the box of the pairs.
+    SoNucleobase* getNucleobase(char base, int strand) const;
+    SoCube* getPairBox() const;
 
     // Bases: SoNucleobase's operations of these names, or of its box, for all pairs and both
     // strands, adenine's of strand 1 answering. What is invalid is answered as by an empty base.
@@ -128,7 +136,6 @@ protected:
 
 private:
     void createBP();
-    void replacePairs();
     template <typename Action>
     void forEachBase(Action action);
 
@@ -144,11 +151,8 @@ private:
     Quaternions q1;
     Vectors r2;
     Quaternions q2;
-    std::vector<SoTransform*> avgTransforms;
-    std::vector<SoTransform*> strand1Transforms;
-    std::vector<SoTransform*> strand2Transforms;
-    SoSwitch* bpSwitch;
-    SoSeparator* basesGroup;
+    PlacedGroup<SoSwitch>* bpSwitch;
+    PlacedGroup<SoSeparator>* basesGroup;
     std::unique_ptr<DnaDrawing> drawing;
 };
 

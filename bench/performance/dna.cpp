@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What a DNA costs per base pair. With arguments it only builds or draws, for the counting of
-// instructions: dna PAIRS [FRAMES].
+// instructions: dna PAIRS [FRAMES [changed]], the latter with new data before each frame.
 #include <algorithm>
 #include <cstdlib>
 #include <functional>
@@ -18,6 +18,7 @@
 #include <Inventor/nodes/SoTransform.h>
 #include <OffscreenContext.h>
 #include <SoDNA.h>
+#include <SoGeneralScene.h>
 #include <support/IdealDna.h>
 
 #include "measuring.h"
@@ -41,6 +42,46 @@ enum class Drawn {
     Dna,
     Bases,  // the DNA's graph alone: its bases draw themselves
     ByCoin, // Coin's own way: nothing is drawn from buffers under an override
+};
+
+// A DNA that moves from frame to frame, lit by the programs of a scene, as a viewer shows it.
+class MovingScene
+{
+public:
+    explicit MovingScene(int pairs)
+        : frames{IdealDna(irregularSequence(std::size_t(pairs))),
+                 IdealDna(irregularSequence(std::size_t(pairs)), 3.3, 0.6)}
+    {
+        root->ref();
+        root->renderCaching = SoSeparator::OFF;
+        auto* camera = new SoOrthographicCamera;
+        root->addChild(camera);
+        auto* lit = new SoGeneralScene;
+        lit->addShaded(dna);
+        root->addChild(lit);
+        build(frames[0], dna);
+        camera->viewAll(root, region);
+    }
+    ~MovingScene()
+    {
+        root->unref();
+        dna->unref();
+    }
+
+    bool draw()
+    {
+        shown = 1 - shown;
+        build(frames[shown], dna);
+        return renderer.render(root);
+    }
+
+private:
+    const SbViewportRegion region{200, 200};
+    const IdealDna frames[2];
+    int shown = 0;
+    SoSeparator* const root = new SoSeparator;
+    SoDNA* const dna = newDna();
+    SoOffscreenRenderer renderer{region};
 };
 
 // A DNA under a camera and a light.
@@ -85,18 +126,21 @@ private:
 
 const int FIRST_FRAMES = 8; // until Coin has all its caches
 
-void countFrames(Table& table, const std::string& program, int pairs, const std::string& name)
+void countFrames(Table& table, const std::string& program, int pairs, const std::string& what,
+                 bool changed, double limit)
 {
-    const std::string what = "Unchanged frame, " + name + " pairs";
     const int frames = 10;
     const auto count = [&](int number) {
-        return countInstructions(program, {std::to_string(pairs), std::to_string(number)});
+        std::vector<std::string> arguments{std::to_string(pairs), std::to_string(number)};
+        if (changed)
+            arguments.emplace_back("changed");
+        return countInstructions(program, arguments);
     };
     const double first = count(FIRST_FRAMES), all = count(FIRST_FRAMES + frames);
     if (first < 0 || all < 0)
         table.missing(what, "valgrind or OpenGL cannot run");
     else
-        table.limit(what, (all - first) / frames / pairs, "instructions/pair", 9000);
+        table.limit(what, (all - first) / frames / pairs, "instructions/pair", limit);
 }
 
 void measureFrames(Table& table, int pairs, const std::string& name)
@@ -196,6 +240,16 @@ void measureBuilding(Table& table, int pairs, const std::string& name)
                   nodes / pairs * 1e9, "ns/pair", Table::Goal::None, 0);
 }
 
+// The program's exit status.
+template <typename AnyScene>
+int drawFrames(AnyScene& scene, int frames)
+{
+    bool drawn = true;
+    for (int frame = 0; frame < frames; ++frame)
+        drawn = scene.draw() && drawn;
+    return drawn ? 0 : 1;
+}
+
 } // namespace
 
 int main(int count, char** arguments)
@@ -208,16 +262,18 @@ int main(int count, char** arguments)
     OffscreenContext::install();
     SoNucleobase::initClass();
     SoDNA::initClass();
+    SoGeneralScene::initClass();
     if (count == 2) {
         build(IdealDna(irregularSequence(std::size_t(std::atoi(arguments[1])))), newDna());
         return 0;
     }
     if (count == 3) {
         Scene scene(std::atoi(arguments[1]), Drawn::Dna);
-        bool drawn = true;
-        for (int frame = 0; frame < std::atoi(arguments[2]); ++frame)
-            drawn = scene.draw() && drawn;
-        return drawn ? 0 : 1;
+        return drawFrames(scene, std::atoi(arguments[2]));
+    }
+    if (count == 4) {
+        MovingScene scene(std::atoi(arguments[1]));
+        return drawFrames(scene, std::atoi(arguments[2]));
     }
 
     Table table(
@@ -232,7 +288,9 @@ int main(int count, char** arguments)
         const char* name;
     } sizes[] = {{1000, "10³"}, {10000, "10⁴"}};
     for (const auto& [pairs, name] : sizes) {
-        countFrames(table, arguments[0], pairs, name);
+        const std::string ofPairs = std::string(", ") + name + " pairs";
+        countFrames(table, arguments[0], pairs, "Unchanged frame" + ofPairs, false, 9000);
+        countFrames(table, arguments[0], pairs, "New data and their frame" + ofPairs, true, 4000);
         measureFrames(table, pairs, name);
     }
     const std::vector<std::pair<int, std::string>> lengths{

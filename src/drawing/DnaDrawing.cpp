@@ -10,6 +10,7 @@
 #include <Inventor/nodes/SoSwitch.h>
 #include <Inventor/nodes/SoTransform.h>
 
+#include "detail/PlacedGroup.h"
 #include "detail/exactly.h"
 
 namespace {
@@ -26,7 +27,8 @@ const double ATOMS_PER_BASE = 9;
 
 // Reading the graph
 
-bool DnaDrawing::update(SoGroup* root, SoSwitch* boxes, SoGroup* bases)
+bool DnaDrawing::update(SoGroup* root, const PlacedGroup<SoSwitch>* boxes,
+                        const PlacedGroup<SoSeparator>* bases)
 {
     const std::uint64_t id = root->getNodeId();
     if (id == seenId)
@@ -44,8 +46,29 @@ bool DnaDrawing::update(SoGroup* root, SoSwitch* boxes, SoGroup* bases)
     return drawable;
 }
 
+template <typename Group>
+bool DnaDrawing::updatePlacements(const PlacedGroup<Group>* group,
+                                  std::vector<Placement>& placements)
+{
+    return group->areMade() ? readGraph(group, placements)
+                            : readPlaces(group->getPlaced(), placements);
+}
+
+bool DnaDrawing::readPlaces(const std::vector<PlacedNode>& places,
+                            std::vector<Placement>& placements)
+{
+    placements.resize(places.size());
+    for (std::size_t i = 0; i < places.size(); ++i) {
+        const int glyph = findGlyph(places[i].node);
+        if (glyph < 0)
+            return false;
+        placements[i] = {nullptr, std::uint32_t(glyph), matrixOf(places[i])};
+    }
+    return true;
+}
+
 // Matrices are made again only where the transform is another one, or changed.
-bool DnaDrawing::updatePlacements(SoGroup* group, std::vector<Placement>& placements)
+bool DnaDrawing::readGraph(const SoGroup* group, std::vector<Placement>& placements)
 {
     const int n = group->getNumChildren();
     placements.resize(std::size_t(n));
@@ -118,7 +141,8 @@ bool DnaDrawing::setCorners(int newCorners)
 
 // Drawing
 
-bool DnaDrawing::draw(SoGLRenderAction* action, SoGroup* root, SoSwitch* boxes, SoGroup* bases)
+bool DnaDrawing::draw(SoGLRenderAction* action, SoGroup* root, const PlacedGroup<SoSwitch>* boxes,
+                      const PlacedGroup<SoSeparator>* bases)
 {
     SoState* const state = action->getState();
     return GlyphDrawing::canDraw(state) && update(root, boxes, bases) &&

@@ -11,8 +11,12 @@
 #include "drawing/drawNearestFirst.h"
 
 class SoGroup;
+class SoSeparator;
 class SoState;
 class SoSwitch;
+struct PlacedNode;
+template <typename Group>
+class PlacedGroup;
 
 /// Draws the pairs of a DNA from vertex buffers, one small draw per placed base or box,
 /// instead of traversing their graph. Where many of them lie one behind the other, the nearest
@@ -20,8 +24,8 @@ class SoSwitch;
 ///
 /// The graph stays the only description of what is shown. It is read again where its nodes'
 /// ids tell that it changed: as glyphs, what the pairs share, and placements, one matrix and
-/// glyph per pair and frame. What is not understood is not drawn here: draw() then says so,
-/// and the graph is to be traversed.
+/// glyph per pair and frame, from the places themselves while their nodes are not made. What is not
+/// understood is not drawn here: draw() then says so, and the graph is to be traversed.
 class DnaDrawing
 {
 public:
@@ -32,18 +36,23 @@ public:
 
     /// Draws what stands below root, whose children are to be the two groups: separators of
     /// a transform and what it places. Whether it was drawn.
-    bool draw(SoGLRenderAction* action, SoGroup* root, SoSwitch* boxes, SoGroup* bases);
+    bool draw(SoGLRenderAction* action, SoGroup* root, const PlacedGroup<SoSwitch>* boxes,
+              const PlacedGroup<SoSeparator>* bases);
 
 private:
     struct Placement
     {
-        const SoNode* transform = nullptr;
+        const SoNode* transform = nullptr; // none while it is not made
         std::uint32_t glyph = 0;
         SbMatrix matrix;
     };
 
-    bool update(SoGroup* root, SoSwitch* boxes, SoGroup* bases);
-    bool updatePlacements(SoGroup* group, std::vector<Placement>& placements);
+    bool update(SoGroup* root, const PlacedGroup<SoSwitch>* boxes,
+                const PlacedGroup<SoSeparator>* bases);
+    template <typename Group>
+    bool updatePlacements(const PlacedGroup<Group>* group, std::vector<Placement>& placements);
+    bool readGraph(const SoGroup* group, std::vector<Placement>& placements);
+    bool readPlaces(const std::vector<PlacedNode>& places, std::vector<Placement>& placements);
     int findGlyph(SoNode* node);
     void drawPlacements(const std::vector<Placement>& placements) const;
     void measure();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <SoDNA.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <functional>
@@ -11,12 +12,15 @@
 #include <Inventor/SoOutput.h>
 #include <Inventor/SoPath.h>
 #include <Inventor/SoPickedPoint.h>
+#include <Inventor/actions/SoHandleEventAction.h>
 #include <Inventor/actions/SoRayPickAction.h>
 #include <Inventor/actions/SoSearchAction.h>
 #include <Inventor/actions/SoWriteAction.h>
+#include <Inventor/events/SoKeyboardEvent.h>
 #include <Inventor/lists/SoFieldList.h>
 #include <Inventor/nodes/SoAnnotation.h>
 #include <Inventor/nodes/SoCube.h>
+#include <Inventor/nodes/SoEventCallback.h>
 #include <Inventor/nodes/SoLightModel.h>
 #include <Inventor/nodes/SoMaterial.h>
 #include <Inventor/nodes/SoOrthographicCamera.h>
@@ -26,6 +30,7 @@
 #include <Inventor/sensors/SoNodeSensor.h>
 #include <algebra3d/Matrix3.h>
 #include <gmock/gmock.h>
+#include <toCoin.h>
 
 #include "support/AllocationCount.h"
 #include "support/CoinEnvironment.h"
@@ -405,22 +410,165 @@ TEST_F(SoDNATest, GeneratedAgainItIsAsANewOne)
     }
 }
 
-TEST_F(SoDNATest, GeneratedAgainItMakesNoNodes)
+// Pairs that nobody asks for
+
+class UnaskedPairs : public SoDNATest
 {
-    ASSERT_TRUE(RandomDna(100, 1).give(dna));
-    const AllocationCount first;
+protected:
+    static constexpr int PAIRS = 200;
+    static constexpr int NODES = 6 * PAIRS; // a separator and a transform per frame
+
+    void SetUp() override
+    {
+        ASSERT_TRUE(RandomDna(PAIRS).give(dna));
+        dna->generate();
+    }
+
+    static bool search(SoSearchAction& action, SoNode* node)
+    {
+        action.setSearchingAll(TRUE);
+        action.apply(node);
+        return action.getPath() != nullptr;
+    }
+};
+
+TEST_F(UnaskedPairs, AreNotMade)
+{
+    const AllocationCount count;
+    boxOf(dna);
+    SoSearchAction cameras;
+    cameras.setType(SoCamera::getClassTypeId());
+    EXPECT_FALSE(search(cameras, dna));
+    SoHandleEventAction events(SbViewportRegion(100, 100));
+    SoKeyboardEvent key;
+    events.setEvent(&key);
+    events.apply(dna);
+    ASSERT_TRUE(RandomDna(PAIRS, 2).give(dna));
     dna->generate();
-    EXPECT_GT(first.blocks(), 600u); // three separators and transforms per pair
-    RandomDna next(100, 2);
-    ASSERT_TRUE(next.give(dna));
-    const AllocationCount again;
+    EXPECT_LT(count.blocks(), std::size_t(NODES));
+    parts.transform(0, 1);
+    EXPECT_GT(count.blocks(), std::size_t(NODES) * 2 / 3); // those of the bases
+}
+
+TEST_F(UnaskedPairs, AreMadeInSilence)
+{
+    int notified = 0;
+    SoNodeSensor sensor([](void* count, SoSensor*) { ++*static_cast<int*>(count); }, &notified);
+    sensor.setPriority(0);
+    sensor.attach(dna);
+    const SbUniqueId id = dna->getNodeId();
+    EXPECT_EQ(parts.bpSwitch->getNumChildren(), PAIRS);
+    EXPECT_EQ(parts.basesGroup->getNumChildren(), 2 * PAIRS);
+    EXPECT_EQ(notified, 0);
+    EXPECT_EQ(dna->getNodeId(), id);
+    EXPECT_TRUE(parts.bpSwitch->isNotifyEnabled());
+}
+
+TEST_F(UnaskedPairs, AreThoseOfTheLastGenerate)
+{
+    const SbVec3f place = toSbVec3f(RandomDna(PAIRS).r1[7]);
+    ASSERT_TRUE(RandomDna(PAIRS, 2).give(dna));
+    EXPECT_EQ(parts.transform(7, 1)->translation.getValue(), place);
+}
+
+TEST_F(UnaskedPairs, AreBoundedAsThoseThatAreMade)
+{
+    auto* turned = new SoTransform;
+    turned->rotation.setValue(SbVec3f(1, 2, 3), 0.5f);
+    turned->scaleFactor.setValue(1, 2, 0.5f);
+    NodeRef<SoSeparator> scene(new SoSeparator);
+    scene->addChild(turned);
+    scene->addChild(dna);
+    for (int look = 0; look < 4; ++look) {
+        SCOPED_TRACE(look);
+        dna->showAtoms(look != 1 && look != 3);
+        dna->showBaseBoxes(look == 1);
+        dna->showBasePairBoxes(look != 2);
+        ASSERT_TRUE(RandomDna(PAIRS, unsigned(look)).give(dna));
+        dna->generate();
+        SoGetBoundingBoxAction unasked(SbViewportRegion(100, 100));
+        unasked.apply(scene);
+        parts.transform(0, 0);
+        parts.transform(0, 1);
+        dna->touch(); // or Coin would remember
+        SoGetBoundingBoxAction made(SbViewportRegion(100, 100));
+        made.apply(scene);
+        EXPECT_EQ(unasked.getBoundingBox().getMin(), made.getBoundingBox().getMin());
+        EXPECT_EQ(unasked.getBoundingBox().getMax(), made.getBoundingBox().getMax());
+        EXPECT_EQ(unasked.getCenter(), made.getCenter());
+    }
+}
+
+TEST_F(UnaskedPairs, AreFoundByWhatTheyHold)
+{
+    SoSearchAction cubes, transforms, base, name;
+    cubes.setType(SoCube::getClassTypeId());
+    transforms.setType(SoTransform::getClassTypeId());
+    base.setNode(dna->getNucleobase('T', 2));
+    dna->getNucleobase('G', 1)->setName("guanine");
+    name.setName("guanine");
+    for (SoSearchAction* action : {&cubes, &transforms, &base, &name}) {
+        dna->generate();
+        EXPECT_TRUE(search(*action, dna));
+    }
+    name.setName("nobody");
+    EXPECT_FALSE(search(name, dna));
+}
+
+TEST_F(UnaskedPairs, HandleEventsWhereABaseDoes)
+{
+    int handled = 0;
+    auto* callback = new SoEventCallback;
+    callback->addEventCallback(
+        SoKeyboardEvent::getClassTypeId(),
+        [](void* count, SoEventCallback*) { ++*static_cast<int*>(count); }, &handled);
+    dna->getNucleobase('A', 1)->addChild(callback);
     dna->generate();
-    EXPECT_LT(again.blocks(), 20u);
-    next.sequence = std::string(100, 'A');
-    ASSERT_TRUE(next.give(dna));
-    const AllocationCount otherLetters;
+    SoHandleEventAction events(SbViewportRegion(100, 100));
+    SoKeyboardEvent key;
+    events.setEvent(&key);
+    events.apply(dna);
+    const std::string& letters = dna->getSequence();
+    EXPECT_EQ(handled, std::count(letters.begin(), letters.end(), 'A'));
+}
+
+TEST_F(UnaskedPairs, AreOfACopyToo)
+{
+    NodeRef<SoDNA> copy(static_cast<SoDNA*>(dna->copy()));
+    EXPECT_EQ(written(copy), written(dna));
+    copy->generate();
+    const AllocationCount count;
+    boxOf(copy);
+    EXPECT_LT(count.blocks(), std::size_t(NODES));
+    EXPECT_EQ(written(copy), written(dna));
+}
+
+TEST_F(UnaskedPairs, AreTakenOutByTheirGroup)
+{
+    parts.basesGroup->removeChild(3);
+    EXPECT_EQ(parts.basesGroup->getNumChildren(), 2 * PAIRS - 1);
+    parts.bpSwitch->removeAllChildren();
+    EXPECT_EQ(parts.bpSwitch->getNumChildren(), 0);
+    parts.bpSwitch->addChild(new SoCube);
+    EXPECT_EQ(parts.bpSwitch->getNumChildren(), 1);
     dna->generate();
-    EXPECT_LT(otherLetters.blocks(), 20u);
+    auto* cube = new SoCube;
+    parts.bpSwitch->insertChild(cube, 5);
+    EXPECT_EQ(parts.bpSwitch->findChild(cube), 5);
+    EXPECT_EQ(parts.bpSwitch->getNumChildren(), PAIRS + 1);
+}
+
+TEST_F(SoDNATest, TellsWhatItsPairsShare)
+{
+    ASSERT_TRUE(IdealDna("GA").give(*dna));
+    dna->generate();
+    EXPECT_EQ(dna->getNucleobase('G', 1), parts.base(0, 1));
+    EXPECT_EQ(dna->getNucleobase('T', 2), parts.base(1, 2));
+    EXPECT_EQ(dna->getPairBox(), child<SoCube>(parts.bpGroup(0), 2));
+    for (char letter : {'a', 'U', '\0'})
+        EXPECT_EQ(dna->getNucleobase(letter, 1), nullptr);
+    for (int strand : {0, 3, -1})
+        EXPECT_EQ(dna->getNucleobase('A', strand), nullptr);
 }
 
 TEST_F(SoDNATest, WhatSomebodyHoldsOfFormerPairsIsLeftAlone)

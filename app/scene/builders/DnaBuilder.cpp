@@ -7,7 +7,6 @@
 
 #include <Inventor/SoPath.h>
 #include <Inventor/SoPickedPoint.h>
-#include <Inventor/actions/SoSearchAction.h>
 #include <Inventor/nodes/SoCube.h>
 #include <Inventor/nodes/SoMaterial.h>
 #include <Inventor/nodes/SoScale.h>
@@ -47,11 +46,7 @@ const std::array<Strand, 2> STRANDS{Strand::FIRST, Strand::SECOND};
 void makePlate(SoDNA& dna)
 {
     const float rim = 0.8f, thickness = 0.5f; // in ångström
-    SoSearchAction search;
-    search.setType(SoCube::getClassTypeId());
-    search.setSearchingAll(TRUE);
-    search.apply(dna.getChild(0));
-    auto* box = static_cast<SoCube*>(search.getPath()->getTail());
+    SoCube* const box = dna.getPairBox();
     box->width = box->width.getValue() + 2 * rim;
     box->height = box->height.getValue() + 2 * rim;
     box->depth = thickness;
@@ -169,25 +164,31 @@ SoSeparator* makeBackbone(const Style& style)
     return group;
 }
 
-// Gives the nucleobases that have none yet, after their atoms and their box, a slab. A base of
-// which the letter is not known is one of its own.
-void completeBases(const std::string& bases, const DnaLook& look, SoDNA& dna)
+// Gives the nucleobases that have none yet, after their atoms and their box, a slab.
+void addSlabs(SoDNA& dna)
 {
-    const auto* placed = static_cast<SoGroup*>(dna.getChild(1));
     const int partsOfBase = 2;
-    SoNucleobase* unknown[2] = {};
+    for (char letter : BASE_LETTERS) {
+        for (int strand : {1, 2}) {
+            SoNucleobase* const base = dna.getNucleobase(letter, strand);
+            if (base->getNumChildren() == partsOfBase)
+                base->addChild(makeSlab(letter, strand == 1));
+        }
+    }
+}
+
+// Places a base of its own where the letter is not known.
+void replaceUnknown(const std::string& bases, const DnaLook& look, SoDNA& dna)
+{
+    if (bases.find(UNKNOWN_BASE) == std::string::npos)
+        return;
+    const auto* placed = static_cast<SoGroup*>(dna.getChild(1));
+    SoNucleobase* const unknown[] = {makeNucleobase(UNKNOWN_BASE, look, true),
+                                     makeNucleobase(UNKNOWN_BASE, look, false)};
     for (std::size_t pair = 0; pair < bases.size(); ++pair) {
-        for (std::size_t strand = 0; strand < 2; ++strand) {
-            const char letter = strand == 0 ? bases[pair] : complementOf(bases[pair]);
+        for (std::size_t strand = 0; bases[pair] == UNKNOWN_BASE && strand < 2; ++strand) {
             auto* group = static_cast<SoGroup*>(placed->getChild(int(2 * pair + strand)));
-            auto* base = static_cast<SoNucleobase*>(group->getChild(1));
-            if (letter == UNKNOWN_BASE) {
-                if (!unknown[strand])
-                    unknown[strand] = makeNucleobase(letter, look, strand == 0);
-                group->replaceChild(1, unknown[strand]);
-            } else if (look.bases && base->getNumChildren() == partsOfBase) {
-                base->addChild(makeSlab(letter, strand == 0));
-            }
+            group->replaceChild(1, unknown[strand]);
         }
     }
 }
@@ -324,7 +325,9 @@ void DnaBuilder::setPairs(const Dna& dna, SoDNA& node) const
                  inAngstrom.toScene(dna.points1), dna.rotations1, inAngstrom.toScene(dna.points2),
                  dna.rotations2);
     node.generate();
-    completeBases(dna.bases, look, node);
+    if (look.bases)
+        addSlabs(node);
+    replaceUnknown(dna.bases, look, node);
 }
 
 // Without points a rod draws nothing, and so does an arrow of no length.
