@@ -47,32 +47,33 @@ bool DnaDrawing::update(SoGroup* root, const PlacedGroup<SoSwitch>* boxes,
 }
 
 template <typename Group>
-bool DnaDrawing::updatePlacements(const PlacedGroup<Group>* group,
-                                  std::vector<Placement>& placements)
+bool DnaDrawing::updatePlacements(const PlacedGroup<Group>* group, Placements& placements)
 {
     return group->areMade() ? readGraph(group, placements)
                             : readPlaces(group->getPlaced(), placements);
 }
 
-bool DnaDrawing::readPlaces(const std::vector<PlacedNode>& places,
-                            std::vector<Placement>& placements)
+bool DnaDrawing::readPlaces(const std::vector<PlacedNode>& places, Placements& placements)
 {
-    placements.resize(places.size());
+    placements.placed.resize(places.size());
+    placements.transforms.clear();
     for (std::size_t i = 0; i < places.size(); ++i) {
         const int glyph = findGlyph(places[i].node);
         if (glyph < 0)
             return false;
-        placements[i] = {nullptr, std::uint32_t(glyph), matrixOf(places[i])};
+        placements.placed[i].glyph = std::uint32_t(glyph);
+        placements.placed[i].matrix = matrixOf(places[i]);
     }
     return true;
 }
 
 // Matrices are made again only where the transform is another one, or changed.
-bool DnaDrawing::readGraph(const SoGroup* group, std::vector<Placement>& placements)
+bool DnaDrawing::readGraph(const SoGroup* group, Placements& placements)
 {
     const int n = group->getNumChildren();
-    placements.resize(std::size_t(n));
-    placements.shrink_to_fit();
+    placements.placed.resize(std::size_t(n));
+    placements.placed.shrink_to_fit();
+    placements.transforms.resize(std::size_t(n));
     for (int i = 0; i < n; ++i) {
         const auto* separator = exactly<SoSeparator>(group->getChild(i));
         if (!separator || separator->getNumChildren() != 2)
@@ -80,15 +81,16 @@ bool DnaDrawing::readGraph(const SoGroup* group, std::vector<Placement>& placeme
         const auto* transform = exactly<SoTransform>(separator->getChild(0));
         if (!transform)
             return false;
-        Placement& placement = placements[std::size_t(i)];
+        Placed& placed = placements.placed[std::size_t(i)];
         const int glyph = findGlyph(separator->getChild(1));
         if (glyph < 0)
             return false;
-        placement.glyph = std::uint32_t(glyph);
-        if (placement.transform == transform && transform->getNodeId() <= seenId)
+        placed.glyph = std::uint32_t(glyph);
+        const SoNode*& read = placements.transforms[std::size_t(i)];
+        if (read == transform && transform->getNodeId() <= seenId)
             continue;
-        placement.transform = transform;
-        placement.matrix.setTransform(
+        read = transform;
+        placed.matrix.setTransform(
             transform->translation.getValue(), transform->rotation.getValue(),
             transform->scaleFactor.getValue(), transform->scaleOrientation.getValue(),
             transform->center.getValue());
@@ -117,14 +119,15 @@ void DnaDrawing::measure()
     for (const auto* placements : {&boxPlacements, &basePlacements}) {
         if (placements == &boxPlacements && !boxesShown)
             continue;
-        for (const Placement& placement : *placements) {
-            const GlyphDrawing::Ball& ball = glyphs.getBound(placement.glyph);
-            const double stretch = DepthGrid::stretchOf(placement.matrix);
+        const bool areRigid = placements->transforms.empty();
+        for (const Placed& placed : placements->placed) {
+            const GlyphDrawing::Ball& ball = glyphs.getBound(placed.glyph);
+            const double stretch = areRigid ? 1 : DepthGrid::stretchOf(placed.matrix);
             SbVec3f centre;
-            placement.matrix.multVecMatrix(ball.centre, centre);
+            placed.matrix.multVecMatrix(ball.centre, centre);
             box.extendBy(centre);
             reach = std::max(reach, ball.radius * stretch);
-            area += glyphs.getArea(placement.glyph) * stretch * stretch;
+            area += glyphs.getArea(placed.glyph) * stretch * stretch;
         }
     }
     if (box.isEmpty())
@@ -176,7 +179,7 @@ void DnaDrawing::drawAll(SoState* state) const
     DepthGrid grid(state);
     if (grid.mayCover(bound.centre, bound.radius, area, SORTED_LAYERS) &&
         DepthGrid::isUsable(state)) {
-        std::vector<InView<const Placement*>> boxes, bases = findSeen(basePlacements, grid);
+        std::vector<InView<const Placed*>> boxes, bases = findSeen(basePlacements, grid);
         if (boxesShown)
             boxes = findSeen(boxPlacements, grid);
         if (pixelsOf(boxes) + pixelsOf(bases) > SORTED_LAYERS * grid.getViewportArea()) {
@@ -189,25 +192,30 @@ void DnaDrawing::drawAll(SoState* state) const
     if (boxesShown)
         drawPlacements(boxPlacements);
     if (corners > MANY_CORNERS) {
-        for (const InView<const Placement*>& base : findSeen(basePlacements, grid))
-            glyphs.drawGlyph(base.what->glyph, base.what->matrix);
+        std::vector<const Placed*> seen;
+        for (const InView<const Placed*>& base : findSeen(basePlacements, grid))
+            seen.push_back(base.what);
+        glyphs.drawGlyphs(seen);
     } else {
         drawPlacements(basePlacements);
     }
 }
 
-void DnaDrawing::drawPlacements(const std::vector<Placement>& placements) const
+void DnaDrawing::drawPlacements(const Placements& placements) const
 {
-    for (const Placement& placement : placements)
-        glyphs.drawGlyph(placement.glyph, placement.matrix);
+    std::vector<const Placed*> all;
+    all.reserve(placements.placed.size());
+    for (const Placed& placed : placements.placed)
+        all.push_back(&placed);
+    glyphs.drawGlyphs(all);
 }
 
-std::vector<InView<const DnaDrawing::Placement*>>
-DnaDrawing::findSeen(const std::vector<Placement>& placements, const DepthGrid& grid) const
+std::vector<InView<const DnaDrawing::Placed*>> DnaDrawing::findSeen(const Placements& placements,
+                                                                    const DepthGrid& grid) const
 {
-    std::vector<InView<const Placement*>> seen;
-    seen.reserve(placements.size());
-    for (const Placement& placement : placements) {
+    std::vector<InView<const Placed*>> seen;
+    seen.reserve(placements.placed.size());
+    for (const Placed& placement : placements.placed) {
         SbMatrix toEye = placement.matrix;
         toEye.multRight(grid.getToEye());
         const GlyphDrawing::Ball& ball = glyphs.getBound(placement.glyph);
@@ -221,15 +229,13 @@ DnaDrawing::findSeen(const std::vector<Placement>& placements, const DepthGrid& 
     return seen;
 }
 
-void DnaDrawing::drawNearestFirst(std::vector<InView<const Placement*>>& seen, DepthGrid& grid,
+void DnaDrawing::drawNearestFirst(std::vector<InView<const Placed*>>& seen, DepthGrid& grid,
                                   double& unread) const
 {
     ::drawNearestFirst(
         seen, grid, unread,
-        [this](const Placement* placement) {
-            glyphs.drawGlyph(placement->glyph, placement->matrix);
-        },
-        [&](const Placement* placement) {
+        [this](const Placed* placement) { glyphs.drawGlyph(placement->glyph, placement->matrix); },
+        [&](const Placed* placement) {
             return glyphs.drawSeen(placement->glyph, placement->matrix, grid);
         },
         [] {});

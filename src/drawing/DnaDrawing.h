@@ -40,34 +40,35 @@ public:
               const PlacedGroup<SoSeparator>* bases);
 
 private:
-    struct Placement
+    using Placed = GlyphDrawing::Placed;
+
+    struct Placements
     {
-        const SoNode* transform = nullptr; // none while it is not made
-        std::uint32_t glyph = 0;
-        SbMatrix matrix;
+        std::vector<Placed> placed;
+        std::vector<const SoNode*> transforms; // of each; none while they are not made
     };
 
     bool update(SoGroup* root, const PlacedGroup<SoSwitch>* boxes,
                 const PlacedGroup<SoSeparator>* bases);
     template <typename Group>
-    bool updatePlacements(const PlacedGroup<Group>* group, std::vector<Placement>& placements);
-    bool readGraph(const SoGroup* group, std::vector<Placement>& placements);
-    bool readPlaces(const std::vector<PlacedNode>& places, std::vector<Placement>& placements);
+    bool updatePlacements(const PlacedGroup<Group>* group, Placements& placements);
+    bool readGraph(const SoGroup* group, Placements& placements);
+    bool readPlaces(const std::vector<PlacedNode>& places, Placements& placements);
     int findGlyph(SoNode* node);
-    void drawPlacements(const std::vector<Placement>& placements) const;
+    void drawPlacements(const Placements& placements) const;
     void measure();
     int findCorners(SoState* state) const;
     bool setCorners(int newCorners);
     void drawAll(SoState* state) const;
-    std::vector<InView<const Placement*>> findSeen(const std::vector<Placement>& placements,
-                                                   const DepthGrid& grid) const;
-    void drawNearestFirst(std::vector<InView<const Placement*>>& seen, DepthGrid& grid,
+    std::vector<InView<const Placed*>> findSeen(const Placements& placements,
+                                                const DepthGrid& grid) const;
+    void drawNearestFirst(std::vector<InView<const Placed*>>& seen, DepthGrid& grid,
                           double& unread) const;
 
     GlyphDrawing glyphs;
     std::vector<SoNode*> placed; // the node of each glyph
-    std::vector<Placement> boxPlacements;
-    std::vector<Placement> basePlacements;
+    Placements boxPlacements;
+    Placements basePlacements;
     GlyphDrawing::Ball bound = {}; // about all that is shown
     double area = 0;               // of all of it seen one beside the other
     std::uint64_t seenId = 0;      // the root's node id when the graph was read last

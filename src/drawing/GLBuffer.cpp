@@ -85,4 +85,11 @@ void GLBuffer::fill(std::uint32_t currentContext, GLenum target, std::size_t byt
     glBindBuffer(target, 0);
 }
 
+void GLBuffer::refill(GLenum target, const void* data, std::size_t bytes)
+{
+    size = bytes;
+    glBindBuffer(target, name);
+    glBufferData(target, GLsizeiptr(bytes), data, GL_STREAM_DRAW);
+}
+
 void GLBuffer::bind(GLenum target) const { glBindBuffer(target, name); }

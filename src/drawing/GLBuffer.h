@@ -41,11 +41,19 @@ public:
     void fill(std::uint32_t currentContext, GLenum target, std::size_t bytes,
               const std::function<void(void*)>& write);
 
+    /// Binds it, and makes it hold other elements, of any number.
+    template <typename Element>
+    void refill(GLenum target, const std::vector<Element>& elements)
+    {
+        refill(target, elements.data(), elements.size() * sizeof(Element));
+    }
+
     /// A place in the bound buffer, for OpenGL's functions that take a pointer.
     static const void* offset(std::size_t bytes) { return reinterpret_cast<const void*>(bytes); }
 
 private:
     GLBuffer(std::uint32_t currentContext, GLenum target, const void* data, std::size_t bytes);
+    void refill(GLenum target, const void* data, std::size_t bytes);
 
     std::uint32_t context = 0;
     GLuint name = 0;

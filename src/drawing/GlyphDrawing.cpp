@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#define GL_GLEXT_PROTOTYPES
 #include "drawing/GlyphDrawing.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
 
+#include <GL/gl.h>
+#include <GL/glext.h>
 #include <Inventor/SbBox3f.h>
 #include <Inventor/actions/SoGLRenderAction.h>
 #include <Inventor/bundles/SoMaterialBundle.h>
@@ -435,7 +438,10 @@ bool GlyphDrawing::draw(SoGLRenderAction* action, const std::function<void()>& d
         glEnableClientState(GL_NORMAL_ARRAY);
         glNormalPointer(GL_FLOAT, sizeof(Vertex), GLBuffer::offset(offsetof(Vertex, normal)));
     }
+    placedProgram = PlacedProgram::find(context);
     drawAll();
+    placedProgram = nullptr;
+    bound = nullptr;
     glPopClientAttrib();
     if (lit)
         glColorMaterial(GL_FRONT_AND_BACK, GL_DIFFUSE);
@@ -472,6 +478,53 @@ void GlyphDrawing::drawGlyph(std::size_t index, const SbMatrix& place) const
     for (const Batch& batch : batches)
         drawBatch(batch);
     glPopMatrix();
+}
+
+void GlyphDrawing::drawGlyphs(const std::vector<const Placed*>& all) const
+{
+    const std::size_t few = 8; // another program costs about as much as some draws
+    if (!placedProgram || all.size() < few) {
+        for (const Placed* placed : all)
+            drawGlyph(placed->glyph, placed->matrix);
+        return;
+    }
+    const PlacedProgram::Use use(*placedProgram);
+    std::vector<std::vector<const Placed*>> ofGlyphs(glyphs.size());
+    for (const Placed* placed : all)
+        ofGlyphs[placed->glyph].push_back(placed);
+    for (std::size_t i = 0; i < glyphs.size(); ++i)
+        drawTogether(i, ofGlyphs[i]);
+}
+
+void GlyphDrawing::drawTogether(std::size_t index, const std::vector<const Placed*>& all) const
+{
+    for (const Batch& batch : glyphs[index].batches) {
+        if (!all.empty())
+            drawTogether(batch, all);
+    }
+}
+
+void GlyphDrawing::drawTogether(const Batch& batch, const std::vector<const Placed*>& all) const
+{
+    const std::size_t atOnce = 4096; // what is sent at a time stays in a processor's cache
+    const PlaceReader reader;
+    std::vector<PlacedProgram::Place> places;
+    places.reserve(std::min(atOnce, all.size()));
+    for (std::size_t first = 0; first < all.size(); first += atOnce) {
+        places.clear();
+        for (std::size_t i = first; i < std::min(first + atOnce, all.size()); ++i)
+            places.push_back(reader.read(all[i]->matrix, batch.translation));
+        bound->places.refill(GL_ARRAY_BUFFER, places);
+        placedProgram->enablePlaces();
+        const auto count = GLsizei(places.size());
+        if (batch.quads)
+            glDrawArraysInstanced(GL_QUADS, batch.first, batch.count, count);
+        else
+            glDrawElementsInstanced(
+                GL_TRIANGLES, batch.count, GL_UNSIGNED_INT,
+                GLBuffer::offset(std::size_t(batch.first) * sizeof(std::uint32_t)), count);
+    }
+    placedProgram->disablePlaces();
 }
 
 void GlyphDrawing::addSeen(const Batch& quads, const SbMatrix& toEye, const DepthGrid& grid,
@@ -520,6 +573,9 @@ void GlyphDrawing::bindBuffers(std::uint32_t context)
         held.indices = GLBuffer(context, GL_ELEMENT_ARRAY_BUFFER, indices);
         held.version = version;
     }
+    if (!held.places)
+        held.places = GLBuffer(context, GL_ARRAY_BUFFER, std::size_t(0));
+    bound = &held;
     held.vertices.bind(GL_ARRAY_BUFFER);
     held.indices.bind(GL_ELEMENT_ARRAY_BUFFER);
 }

@@ -12,6 +12,7 @@
 
 #include "drawing/DepthGrid.h"
 #include "drawing/GLBuffer.h"
+#include "drawing/PlacedProgram.h"
 
 class SoGLRenderAction;
 class SoMaterial;
@@ -41,6 +42,13 @@ public:
         float radius;
     };
 
+    /// A glyph, by the index of its node, and where it is drawn.
+    struct Placed
+    {
+        std::uint32_t glyph = 0;
+        SbMatrix matrix;
+    };
+
     GlyphDrawing();
     ~GlyphDrawing();
     GlyphDrawing(const GlyphDrawing&) = delete;
@@ -64,6 +72,9 @@ public:
     bool draw(SoGLRenderAction* action, const std::function<void()>& drawAll);
     /// Draws the glyph of the node with that index at a place.
     void drawGlyph(std::size_t index, const SbMatrix& place) const;
+    /// The same for many, of each node those together where the program in use can be made to:
+    /// then a batch of a node is one draw for thousands of places.
+    void drawGlyphs(const std::vector<const Placed*>& all) const;
 
     /// About all of the glyph of the node with that index, in its own coordinates.
     const Ball& getBound(std::size_t index) const { return glyphs[index].bound; }
@@ -111,7 +122,7 @@ private:
 
     struct Buffers
     {
-        GLBuffer vertices, indices;
+        GLBuffer vertices, indices, places;
         std::uint64_t version = 0; // of the geometry in them
     };
 
@@ -120,6 +131,8 @@ private:
     bool compile(const std::vector<SoNode*>& nodes);
     static void measure(Glyph& glyph);
     static void drawBatch(const Batch& batch);
+    void drawTogether(std::size_t index, const std::vector<const Placed*>& all) const;
+    void drawTogether(const Batch& batch, const std::vector<const Placed*>& all) const;
     void addSeen(const Batch& quads, const SbMatrix& toEye, const DepthGrid& grid,
                  DepthGrid::Areas& areas) const;
     void setMaterial(SoMaterial* newMaterial);
@@ -134,6 +147,9 @@ private:
     SoMaterial* material = nullptr; // one of those that were compiled, referenced
     std::uint64_t version = 0;
     PerContext<Buffers> buffers;
+    // While it draws:
+    const Buffers* bound = nullptr;
+    const PlacedProgram* placedProgram = nullptr; // or null where places are drawn one by one
 };
 
 #endif

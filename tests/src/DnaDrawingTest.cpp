@@ -12,15 +12,19 @@
 #include <Inventor/nodes/SoCube.h>
 #include <Inventor/nodes/SoDepthBuffer.h>
 #include <Inventor/nodes/SoDrawStyle.h>
+#include <Inventor/nodes/SoFragmentShader.h>
 #include <Inventor/nodes/SoMaterial.h>
 #include <Inventor/nodes/SoMaterialBinding.h>
 #include <Inventor/nodes/SoOrthographicCamera.h>
 #include <Inventor/nodes/SoRotationXYZ.h>
 #include <Inventor/nodes/SoScale.h>
+#include <Inventor/nodes/SoShaderParameter.h>
+#include <Inventor/nodes/SoShaderProgram.h>
 #include <Inventor/nodes/SoSwitch.h>
 #include <Inventor/nodes/SoTexture2.h>
 #include <Inventor/nodes/SoTransform.h>
 #include <Inventor/nodes/SoTranslation.h>
+#include <Inventor/nodes/SoVertexShader.h>
 #include <SoGeneralScene.h>
 
 #include "support/DrawingComparison.h"
@@ -89,23 +93,6 @@ TEST_F(DnaDrawingTest, BoxesAreThoseThatCoinKeepsInListsUnlessCoplanar)
     cube()->depth = 2;
     for (int frame = 0; frame < 8; ++frame) // often enough for Coin to make them
         expectSame();
-}
-
-TEST_F(DnaDrawingTest, UnderTheProgramsOfTheSceneBoxesAreThoseTraversed)
-{
-    dna->showAtoms(false);
-    dna->showBaseBoxes(true);
-    NodeRef<SoSeparator> root(new SoSeparator);
-    root->addChild(camera);
-    auto* shaded = new SoGeneralScene;
-    root->addChild(shaded);
-    shaded->addShaded(place);
-    drawCount = 0;
-    const Picture drawn = draw(root);
-    EXPECT_GT(drawCount, 0);
-    const Difference difference = compare(drawn, traverse(root));
-    EXPECT_EQ(difference.pixels, 0) << difference;
-    EXPECT_GT(difference.covered, 500);
 }
 
 // What is rounded otherwise
@@ -350,6 +337,120 @@ TEST_F(LongDnaDrawingTest, WhatIsHiddenButForADepthTestIsDrawn)
     plane->plane = SbPlane(SbVec3f(0, 0, -1), SbVec3f(0, 0, 3.4f * PAIRS - 40));
     settings->addChild(plane);
     EXPECT_EQ(countDraws(), 2 * PAIRS);
+}
+
+// Under the programs of a scene those of a kind are drawn together
+
+class DnaUnderPrograms : public LongDnaDrawingTest
+{
+protected:
+    NodeRef<SoSeparator> root{new SoSeparator};
+    SoGeneralScene* lit = new SoGeneralScene;
+
+    void SetUp() override
+    {
+        LongDnaDrawingTest::SetUp();
+        root->renderCaching = SoSeparator::OFF;
+        root->addChild(camera);
+        root->addChild(lit);
+        settings->addChild(place);
+        lit->addShaded(settings);
+        camera->position = SbVec3f(600, 20, 1.7f * PAIRS);
+        camera->pointAt(SbVec3f(0, 0, 1.7f * PAIRS), SbVec3f(0, 0, 1));
+    }
+
+    void expectAsTraversed(int pixels)
+    {
+        const Picture drawn = draw(root);
+        const Difference difference = compare(drawn, traverse(root));
+        EXPECT_LE(difference.pixels, pixels) << difference;
+        EXPECT_GT(difference.covered, 500);
+    }
+};
+
+TEST_F(DnaUnderPrograms, AKindIsOneDraw)
+{
+    drawCount = placeCount = 0;
+    draw(root);
+    EXPECT_EQ(drawCount, 1 + 8);
+    EXPECT_EQ(placeCount, 3 * PAIRS);
+    dna->showAtoms(false);
+    dna->showBaseBoxes(true);
+    dna->showBasePairBoxes(false);
+    drawCount = placeCount = 0;
+    draw(root);
+    EXPECT_EQ(drawCount, 8);
+    EXPECT_EQ(placeCount, 2 * PAIRS);
+}
+
+TEST_F(DnaUnderPrograms, BoxesAreThoseTraversedPixelForPixel)
+{
+    dna->showAtoms(false);
+    for (bool bases : {false, true}) {
+        dna->showBaseBoxes(bases);
+        expectAsTraversed(0);
+    }
+    auto* transform = new SoTransform;
+    transform->scaleFactor = SbVec3f(0.7f, 1.2f, -0.9f);
+    transform->rotation = SbRotation(SbVec3f(0, 1, 0), float(M_PI));
+    settings->insertChild(transform, 0);
+    lookAlong(-70);
+    camera->nearDistance = 40;
+    expectAsTraversed(0);
+}
+
+TEST_F(DnaUnderPrograms, AtomsAreThoseTraversedButForAFewPixels)
+{
+    expectAsTraversed(8);
+    settings->insertChild(new SoScale, 0);
+    for (float distance : {100, 200, 400}) {
+        camera->position = SbVec3f(distance, 20, 1.7f * PAIRS);
+        expectAsTraversed(8);
+    }
+}
+
+TEST_F(DnaUnderPrograms, AChangedLightShowsInTheNextPicture)
+{
+    dna->showAtoms(false);
+    const Picture first = draw(root);
+    SoShaderParameterArray3f* directions;
+    SoShaderParameterArray1f *intensities, *shininess;
+    lit->getLightingParameters(directions, intensities, shininess);
+    directions->value.set1Value(0, SbVec3f(0, 1, -0.1f));
+    EXPECT_GT(compare(first, draw(root)).pixels, 100);
+    expectAsTraversed(0);
+}
+
+TEST_F(DnaUnderPrograms, AProgramOfTheHostIsFollowed)
+{
+    const auto show = [&](const char* text, int draws) {
+        auto* program = new SoShaderProgram;
+        auto* vertex = new SoVertexShader;
+        vertex->sourceType = SoShaderObject::GLSL_PROGRAM;
+        vertex->sourceProgram = text;
+        auto* fragment = new SoFragmentShader;
+        fragment->sourceType = SoShaderObject::GLSL_PROGRAM;
+        fragment->sourceProgram = "varying vec4 c; void main() { gl_FragColor = c; }";
+        program->shaderObject.set1Value(0, vertex);
+        program->shaderObject.set1Value(1, fragment);
+        settings->insertChild(program, 0);
+        drawCount = 0;
+        draw(root);
+        EXPECT_EQ(drawCount, draws) << text;
+        dna->showAtoms(false);
+        expectAsTraversed(0);
+        dna->showAtoms(true);
+        settings->removeChild(0);
+    };
+    show("#version 120\nvarying vec4 c; void main() { c = vec4(abs(gl_NormalMatrix[0]) + 0.2, 1);"
+         "gl_Position = gl_ProjectionMatrix * (gl_ModelViewMatrix * gl_Vertex); }",
+         9);
+    show("varying vec4 c; void main() { c = gl_Color;"
+         "gl_Position = gl_ModelViewProjectionMatrix * gl_Vertex; }",
+         9);
+    show("varying vec4 c; void main() { c = abs(gl_ModelViewMatrixInverse[0]) + 0.2;"
+         "gl_Position = ftransform(); }",
+         3 * PAIRS);
 }
 
 // What is not drawn from buffers is traversed

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#define GL_GLEXT_PROTOTYPES
 #include "support/DrawingComparison.h"
 
 #include <GL/gl.h>
+#include <GL/glext.h>
 #include <Inventor/nodes/SoDirectionalLight.h>
 #include <Inventor/nodes/SoLightModel.h>
 #include <Inventor/nodes/SoShapeHints.h>
@@ -9,6 +11,7 @@
 
 int drawCount = 0;
 int indexCount = 0;
+int placeCount = 0;
 
 #define REAL(function) reinterpret_cast<decltype(&function)>(dlsym(RTLD_NEXT, #function))
 
@@ -27,6 +30,26 @@ glDrawElements(GLenum mode, GLsizei count, GLenum type, const void* indices)
     ++drawCount;
     indexCount += count;
     real(mode, count, type, indices);
+}
+
+extern "C" __attribute__((visibility("default"))) void
+glDrawArraysInstanced(GLenum mode, GLint first, GLsizei count, GLsizei places)
+{
+    static const auto real = REAL(glDrawArraysInstanced);
+    ++drawCount;
+    placeCount += places;
+    real(mode, first, count, places);
+}
+
+extern "C" __attribute__((visibility("default"))) void
+glDrawElementsInstanced(GLenum mode, GLsizei count, GLenum type, const void* indices,
+                        GLsizei places)
+{
+    static const auto real = REAL(glDrawElementsInstanced);
+    ++drawCount;
+    indexCount += count;
+    placeCount += places;
+    real(mode, count, type, indices, places);
 }
 
 DrawingComparison::DrawingComparison()

@@ -12,12 +12,15 @@
 #include "CoinEnvironment.h"
 #include "renderPicture.h"
 
-/// The calls of glDrawArrays and glDrawElements so far; for a test to set to zero. A program
-/// that links the source has both functions of its own, which count. Coin itself draws in
+/// The calls of glDrawArrays and glDrawElements so far, and of those that draw at many places;
+/// for a test to set to zero. A program that links the source has these functions of its own,
+/// which count. Coin itself draws in
 /// immediate mode.
 extern int drawCount;
-/// The indices that glDrawElements was given so far.
+/// The indices that these were given so far.
 extern int indexCount;
+/// The places that draws of many places were given so far.
+extern int placeCount;
 
 /// A node that draws from buffers looks like its graph traversed: its children, under a plain
 /// separator and an override, with which nothing is drawn from buffers.
