@@ -18,6 +18,7 @@
 #include <QImageWriter>
 
 #include <OffscreenContext.h>
+#include <SoDNA.h>
 #include <SoGeneralScene.h>
 
 #include "camera/Camera.h"
@@ -159,6 +160,7 @@ public:
         // A search would miss what is in an overlay.
         SoCallbackAction traversal;
         traversal.addPreCallback(SoDrawStyle::getClassTypeId(), note, this);
+        traversal.addPreCallback(SoDNA::getClassTypeId(), skip, nullptr);
         traversal.apply(scene);
         for (const auto& [style, width] : widths) {
             // 0 stands for OpenGL's own width, 1.
@@ -188,6 +190,13 @@ private:
         auto* style = static_cast<SoDrawStyle*>(traversal->getCurPathTail());
         static_cast<LineWidener*>(widener)->widths[style] = style->lineWidth.getValue();
         return SoCallbackAction::CONTINUE;
+    }
+
+    // A DNA has no lines, and makes its pairs for whom goes through them.
+    static SoCallbackAction::Response skip(void* /*nothing*/, SoCallbackAction* /*traversal*/,
+                                           const SoNode* /*dna*/)
+    {
+        return SoCallbackAction::PRUNE;
     }
 
     std::map<SoDrawStyle*, float> widths;

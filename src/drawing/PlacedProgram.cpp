@@ -151,7 +151,7 @@ CopyIntegers copyIntegers(GLenum type)
 }
 
 // The product of two matrices, column by column, summed in OpenGL's order.
-void multiply(const float* a, const float* b, float* product)
+void multiply(const float* a, const float* b, float* __restrict product)
 {
     for (int column = 0; column < 4; ++column) {
         const float* const right = b + 4 * column;
