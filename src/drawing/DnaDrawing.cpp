@@ -15,6 +15,10 @@
 
 namespace {
 
+// Of spheres that cover two pixels at most.
+const int FEWEST_CORNERS = 4;
+const double FEWEST_PIXELS = 2;
+
 // Of round spheres; multiples of the smallest, so that few steps of a zoom compile them.
 const int SMALLEST_CORNERS = 6;
 const int MANY_CORNERS = 12; // with more of them what is out of view is not drawn
@@ -160,6 +164,8 @@ int DnaDrawing::findCorners(SoState* state) const
     const DepthGrid grid(state);
     const double pixels =
         grid.pixelsAtNearest(bound.centre, bound.radius, glyphs.getLargestSphere());
+    if (M_PI * pixels * pixels <= FEWEST_PIXELS)
+        return FEWEST_CORNERS;
     // A chord's distance from the circle is pixels (1 - cos(pi / corners)).
     const double needed = M_PI * std::sqrt(pixels / (2 * LARGEST_ERROR));
     int number = SMALLEST_CORNERS;

@@ -34,6 +34,11 @@
 
 namespace {
 
+// Of an octahedron that covers, in the mean of all sides, as much as a sphere of 6 corners and 4
+// rows. A convex body covers a quarter of its surface (A. Cauchy): of a radius' square this one
+// the square root of 3, the other one 2.46998.
+const float OCTAHEDRON_STRETCH = 1.19417f;
+
 SoGroup* asSeparator(SoNode* node)
 {
     SoGroup* const base = exactly<SoNucleobase>(node);
@@ -199,6 +204,9 @@ struct GlyphDrawing::Compiler
         const int rows = corners > 0 ? corners / 2 + 1 : std::max(int(30.0f * complexity), 3);
         const int slices = corners > 0 ? corners : std::clamp(int(30.0f * complexity), 4, 128);
         largestSphere = std::max(largestSphere, std::abs(radius));
+        const float area = float(M_PI) * radius * radius;
+        if (corners == 4)
+            radius *= OCTAHEDRON_STRETCH;
         const float rowAngle = float(M_PI) / float(rows - 1);
         const float sliceAngle = 2.0f * float(M_PI) / float(slices);
         const auto first = std::uint32_t(vertices.size());
@@ -224,7 +232,7 @@ struct GlyphDrawing::Compiler
         const auto count = std::int32_t(indices.size()) - firstIndex;
         parts.push_back({{SbVec3f(0, 0, 0), false, firstIndex, count},
                          {state.place, std::abs(radius)},
-                         M_PI * double(radius) * double(radius)});
+                         double(area)});
     }
 
     // Of the poles, which come first, and of the rows after them.

@@ -60,7 +60,7 @@ public:
 
     /// Reads the nodes, one glyph each, unless they are as they were. Whether all of them are
     /// understood. Spheres have that many corners around and half as many rows; with 0 as many
-    /// as Coin gives them.
+    /// as Coin gives them. With 4 they are octahedra that cover as much as with 6.
     bool update(const std::vector<SoNode*>& nodes, int corners = 0);
 
     /// The largest radius of all spheres.

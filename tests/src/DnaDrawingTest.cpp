@@ -203,6 +203,44 @@ TEST_F(RoundAtomsTest, HaveMoreCornersTheLargerTheyAre)
     EXPECT_EQ(countIndices(), ofComplexity);
 }
 
+// At 200 pixels and 0.785 radians, an ångström is 241 / distance pixels.
+TEST_F(RoundAtomsTest, AreOctahedraWhereTheyCoverTwoPixelsAtMost)
+{
+    const double twoPixels = 241 * SoNucleobase::ATOM_R_AMBER[0] / std::sqrt(2 / M_PI);
+    const int indicesOfOctahedron = 3 * 8, basesOfDna = 16;
+    int atoms = 0;
+    for (int i = 0; i < basesOfDna; ++i)
+        atoms += child<SoSwitch>(pair(1, i)->getChild(1), 0)->getNumChildren();
+    dna->drawAtomsRound(true);
+    lookFromAfar(float(1.1 * twoPixels));
+    EXPECT_EQ(countIndices(), atoms * indicesOfOctahedron);
+    lookFromAfar(float(0.9 * twoPixels));
+    EXPECT_EQ(countIndices(), 3 * atoms * indicesOfOctahedron);
+}
+
+TEST_F(RoundAtomsTest, CoverAsMuchAsBeforeWhereTheyBecomeOctahedra)
+{
+    const double radius = 0.6; // few lie behind others
+    for (int kind = 0; kind < 3; ++kind)
+        dna->setAtomRadius(SoNucleobase::Atom(kind), radius);
+    dna->drawAtomsRound(true);
+    const double twoPixels = 241 * radius / std::sqrt(2 / M_PI);
+    double covered[2] = {}; // in squares of lengths
+    const int sides = 200;
+    for (int side = 0; side < sides; ++side) { // spread evenly over all of them
+        const double z = (2 * side + 1.0) / sides - 1, across = std::sqrt(1 - z * z);
+        const SbVec3f direction(float(across * std::cos(2.4 * side)),
+                                float(across * std::sin(2.4 * side)), float(z));
+        for (bool octahedra : {false, true}) {
+            const double distance = (octahedra ? 1.15 : 0.85) * twoPixels;
+            camera->position = SbVec3f(0, 0, 12) + float(distance) * direction;
+            camera->pointAt(SbVec3f(0, 0, 12));
+            covered[octahedra] += distance * distance * draw().countOther(BLACK);
+        }
+    }
+    EXPECT_NEAR(covered[true] / covered[false], 1, 0.05);
+}
+
 // Seen along the poles, where Coin's coarse spheres have 9 corners; 30 are nearly round here.
 TEST_F(RoundAtomsTest, CoverAsMuchAsTheFinestSpheresOfCoin)
 {
