@@ -277,11 +277,12 @@ int main(int count, char** arguments)
     }
 
     Table table(
-        "DNA", "What a base pair costs, without the graphics driver's share (`GALLIUM_NOOP=1`): to "
-               "draw it again where\nnothing changed, and to build it. The graph traversed is "
-               "the same one, drawn in Coin's own way:\nwithout our buffers, with its caches. "
-               "Fresh memory is what the process did not have before;\nCoin's nodes alone are as "
-               "many separators and transforms, made without a `SoDNA`.");
+        "DNA",
+        "What a base pair costs, without the graphics driver's share (`GALLIUM_NOOP=1`): to draw "
+        "it again where\nnothing changed, with new data under a scene's programs, and to build "
+        "it. The graph traversed is\nthe same one, drawn in Coin's own way: without our buffers, "
+        "with its caches. Fresh memory is what the\nprocess did not have before; Coin's nodes "
+        "alone are as many separators and transforms, made without a `SoDNA`.");
     const struct
     {
         int pairs;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What a picture costs seen along the axis, where everything lies behind everything, beside the
-// cheapest side.
+// cheapest side; and one of a very long DNA.
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
@@ -10,6 +10,7 @@
 #include <vector>
 
 #include <support/IdealDna.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include "measuring.h"
@@ -94,6 +95,50 @@ void measure(Table& table, const std::string& what, const std::string& file,
                   withGoal ? Table::Goal::AtMost : Table::Goal::None, 5);
 }
 
+// Of all children that have ended.
+double processorSeconds()
+{
+    rusage usage{};
+    getrusage(RUSAGE_CHILDREN, &usage);
+    const auto seconds = [](const timeval& time) {
+        return double(time.tv_sec) + 1e-6 * double(time.tv_usec);
+    };
+    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
+}
+
+void measureProcessor(Table& table, const std::string& what, const std::string& file,
+                      const std::string& options, double limit)
+{
+    std::vector<double> seconds;
+    for (int round = 0; round < ROUNDS; ++round) {
+        const double before = processorSeconds();
+        const std::string command = STRANDVIEW_PROGRAM " --render " + file + ".png --samples 1 " +
+                                    options + " " + file + " >/dev/null 2>&1";
+        if (std::system(command.c_str()) != 0) {
+            table.missing(what, "strandview failed");
+            return;
+        }
+        seconds.push_back(processorSeconds() - before);
+    }
+    table.limit(what, median(seconds), "s", limit);
+}
+
+void measureLongDna(const std::string& file)
+{
+    Table table("A long DNA",
+                "The processor's time of a run of `strandview --render`, from start to end, of a "
+                "table of 10⁵ pairs, with one\nsample per pixel: without the graphics driver "
+                "(`GALLIUM_NOOP=1`), and drawn by Mesa's software driver.");
+    writeDna(file, 100000);
+    setenv("GALLIUM_NOOP", "1", 1);
+    measureProcessor(table, "Backbones and bases, without the driver", file, "", 1.5);
+    measureProcessor(table, "Atoms, without the driver", file, "--dna atoms", 1.5);
+    unsetenv("GALLIUM_NOOP");
+    measureProcessor(table, "Backbones and bases", file, "", 7);
+    measureProcessor(table, "Atoms", file, "--dna atoms", 7);
+    table.print();
+}
+
 } // namespace
 
 int main()
@@ -118,4 +163,5 @@ int main()
         measure(table, "A coil of " + std::to_string(turns) + " turns", file, "", false);
     }
     table.print();
+    measureLongDna(folder.path / "long.txt");
 }
