@@ -446,9 +446,7 @@ bool GlyphDrawing::draw(SoGLRenderAction* action, const std::function<void()>& d
         glEnableClientState(GL_NORMAL_ARRAY);
         glNormalPointer(GL_FLOAT, sizeof(Vertex), GLBuffer::offset(offsetof(Vertex, normal)));
     }
-    placedProgram = PlacedProgram::find(context);
     drawAll();
-    placedProgram = nullptr;
     bound = nullptr;
     glPopClientAttrib();
     if (lit)
@@ -491,28 +489,27 @@ void GlyphDrawing::drawGlyph(std::size_t index, const SbMatrix& place) const
 void GlyphDrawing::drawGlyphs(const std::vector<const Placed*>& all) const
 {
     const std::size_t few = 8; // another program costs about as much as some draws
-    if (!placedProgram || all.size() < few) {
+    const PlacedProgram* const program =
+        all.size() < few ? nullptr : PlacedProgram::find(boundContext);
+    if (!program) {
         for (const Placed* placed : all)
             drawGlyph(placed->glyph, placed->matrix);
         return;
     }
-    const PlacedProgram::Use use(*placedProgram);
+    const PlacedProgram::Use use(*program);
     std::vector<std::vector<const Placed*>> ofGlyphs(glyphs.size());
     for (const Placed* placed : all)
         ofGlyphs[placed->glyph].push_back(placed);
-    for (std::size_t i = 0; i < glyphs.size(); ++i)
-        drawTogether(i, ofGlyphs[i]);
-}
-
-void GlyphDrawing::drawTogether(std::size_t index, const std::vector<const Placed*>& all) const
-{
-    for (const Batch& batch : glyphs[index].batches) {
-        if (!all.empty())
-            drawTogether(batch, all);
+    for (std::size_t i = 0; i < glyphs.size(); ++i) {
+        for (const Batch& batch : glyphs[i].batches) {
+            if (!ofGlyphs[i].empty())
+                drawTogether(*program, batch, ofGlyphs[i]);
+        }
     }
 }
 
-void GlyphDrawing::drawTogether(const Batch& batch, const std::vector<const Placed*>& all) const
+void GlyphDrawing::drawTogether(const PlacedProgram& program, const Batch& batch,
+                                const std::vector<const Placed*>& all) const
 {
     const std::size_t atOnce = 4096; // what is sent at a time stays in a processor's cache
     const PlaceReader reader;
@@ -523,7 +520,7 @@ void GlyphDrawing::drawTogether(const Batch& batch, const std::vector<const Plac
         for (std::size_t i = first; i < std::min(first + atOnce, all.size()); ++i)
             places.push_back(reader.read(all[i]->matrix, batch.translation));
         bound->places.refill(GL_ARRAY_BUFFER, places);
-        placedProgram->enablePlaces();
+        program.enablePlaces();
         const auto count = GLsizei(places.size());
         if (batch.quads)
             glDrawArraysInstanced(GL_QUADS, batch.first, batch.count, count);
@@ -532,7 +529,7 @@ void GlyphDrawing::drawTogether(const Batch& batch, const std::vector<const Plac
                 GL_TRIANGLES, batch.count, GL_UNSIGNED_INT,
                 GLBuffer::offset(std::size_t(batch.first) * sizeof(std::uint32_t)), count);
     }
-    placedProgram->disablePlaces();
+    program.disablePlaces();
 }
 
 void GlyphDrawing::addSeen(const Batch& quads, const SbMatrix& toEye, const DepthGrid& grid,
@@ -584,6 +581,7 @@ void GlyphDrawing::bindBuffers(std::uint32_t context)
     if (!held.places)
         held.places = GLBuffer(context, GL_ARRAY_BUFFER, std::size_t(0));
     bound = &held;
+    boundContext = context;
     held.vertices.bind(GL_ARRAY_BUFFER);
     held.indices.bind(GL_ELEMENT_ARRAY_BUFFER);
 }

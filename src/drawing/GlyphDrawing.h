@@ -131,8 +131,8 @@ private:
     bool compile(const std::vector<SoNode*>& nodes);
     static void measure(Glyph& glyph);
     static void drawBatch(const Batch& batch);
-    void drawTogether(std::size_t index, const std::vector<const Placed*>& all) const;
-    void drawTogether(const Batch& batch, const std::vector<const Placed*>& all) const;
+    void drawTogether(const PlacedProgram& program, const Batch& batch,
+                      const std::vector<const Placed*>& all) const;
     void addSeen(const Batch& quads, const SbMatrix& toEye, const DepthGrid& grid,
                  DepthGrid::Areas& areas) const;
     void setMaterial(SoMaterial* newMaterial);
@@ -147,9 +147,8 @@ private:
     SoMaterial* material = nullptr; // one of those that were compiled, referenced
     std::uint64_t version = 0;
     PerContext<Buffers> buffers;
-    // While it draws:
-    const Buffers* bound = nullptr;
-    const PlacedProgram* placedProgram = nullptr; // or null where places are drawn one by one
+    const Buffers* bound = nullptr; // while it draws
+    std::uint32_t boundContext = 0;
 };
 
 #endif
