@@ -204,7 +204,7 @@ private:
             Group::addChild(separator);
             separator->unref();
         }
-        placed = {};
+        std::vector<PlacedNode>().swap(placed);
     }
 
     void unrefTransforms()
