@@ -24,6 +24,7 @@
 #include "camera/Camera.h"
 #include "output/OutputFile.h"
 #include "pictures/TileRenderer.h"
+#include "pictures/writePng.h"
 #include "request/limits.h"
 
 namespace strandview {
@@ -287,6 +288,17 @@ std::string render(SoNode* graph, const SbViewportRegion& region, const Picture&
     return "";
 }
 
+// By Qt. Returns what failed, or nothing.
+std::string encode(const QImage& image, const QByteArray& format, QByteArray& bytes)
+{
+    QBuffer buffer(&bytes);
+    QImageWriter writer(&buffer, format);
+    if (writer.write(image))
+        return "";
+    return writer.error() == QImageWriter::UnknownError ? TOO_LITTLE_MEMORY
+                                                        : writer.errorString().toStdString();
+}
+
 } // namespace
 
 std::string checkPictureName(const std::string& option, const std::string& file, bool transparent)
@@ -304,19 +316,26 @@ QString pictureNamePatterns() { return "*." + writableFormats(false).join(" *.")
 // Encoded first, so that what can fail while writing is the disk alone.
 std::string saveImage(const QImage& image, const std::string& name)
 {
+    const QByteArray format = imageFormat(name);
+    const bool isPng = format == "png";
     QByteArray bytes;
-    QBuffer buffer(&bytes);
-    QImageWriter writer(&buffer, imageFormat(name));
-    if (!writer.write(image)) {
-        return name + ": " +
-               (writer.error() == QImageWriter::UnknownError ? TOO_LITTLE_MEMORY
-                                                             : writer.errorString().toStdString());
+    if (!isPng) {
+        const std::string failure = encode(image, format, bytes);
+        if (!failure.empty())
+            return name + ": " + failure;
     }
     OutputFile file(name);
     const std::string failure = file.open();
     if (!failure.empty())
         return failure;
-    file.write({bytes.constData(), std::size_t(bytes.size())});
+    try {
+        if (isPng)
+            writePng(image, [&file](std::string_view part) { file.write(part); });
+        else
+            file.write({bytes.constData(), std::size_t(bytes.size())});
+    } catch (const std::bad_alloc&) {
+        return name + ": " + TOO_LITTLE_MEMORY;
+    }
     return file.finish();
 }
 
