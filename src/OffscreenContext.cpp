@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstring>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <EGL/egl.h>
@@ -13,8 +14,11 @@
 #include <Inventor/C/errors/debugerror.h>
 #include <Inventor/C/glue/gl.h>
 #include <Inventor/SoOffscreenRenderer.h>
+#include <Inventor/elements/SoGLCacheContextElement.h>
 #include <Inventor/errors/SoDebugError.h>
+#include <Inventor/misc/SoContextHandler.h>
 #include <Inventor/nodes/SoSeparator.h>
+#include <Inventor/system/gl.h>
 
 namespace {
 
@@ -216,6 +220,10 @@ void freeContext(OffscreenHandle& handle)
     handle.surface = EGL_NO_SURFACE;
 }
 
+// The context that a display was tried with, for the first who asks for one: making one takes
+// milliseconds.
+EGLContext triedContext = EGL_NO_CONTEXT;
+
 // Fills in surface and context, both or neither; returns the error in that case.
 EGLint makeContext(OffscreenHandle& handle, unsigned int width, unsigned int height)
 {
@@ -228,10 +236,11 @@ EGLint makeContext(OffscreenHandle& handle, unsigned int width, unsigned int hei
     const EGLint size[] = {EGL_WIDTH, EGLint(width), EGL_HEIGHT, EGLint(height), EGL_NONE};
     EGLint error = EGL_SUCCESS;
     handle.surface = eglCreatePbufferSurface(handle.display, config, size);
+    handle.context = std::exchange(triedContext, EGL_NO_CONTEXT);
     // Without attributes the profile is the compatible one, as Coin needs it.
-    if (handle.surface != EGL_NO_SURFACE)
+    if (handle.surface != EGL_NO_SURFACE && handle.context == EGL_NO_CONTEXT)
         handle.context = eglCreateContext(handle.display, config, EGL_NO_CONTEXT, nullptr);
-    if (handle.context == EGL_NO_CONTEXT) {
+    if (handle.surface == EGL_NO_SURFACE || handle.context == EGL_NO_CONTEXT) {
         error = eglGetError();
         freeContext(handle);
     }
@@ -275,6 +284,7 @@ bool isUsable(EGLDisplay display, const char* name, std::string& report)
         report += ": no OpenGL context with an RGBA8 pbuffer, " + errorText(error);
         return false;
     }
+    triedContext = std::exchange(probe.context, EGL_NO_CONTEXT);
     freeContext(probe);
     return true;
 }
@@ -330,6 +340,21 @@ EGLDisplay getDisplay()
     return display;
 }
 
+// Null if there is no such context, with the error.
+OffscreenHandle* makeHandle(unsigned int width, unsigned int height, EGLint& error)
+{
+    error = EGL_BAD_DISPLAY;
+    if (getDisplay() == EGL_NO_DISPLAY)
+        return nullptr;
+    auto* handle = new OffscreenHandle;
+    handle->display = getDisplay();
+    error = makeContext(*handle, width, height);
+    if (handle->context != EGL_NO_CONTEXT)
+        return handle;
+    delete handle;
+    return nullptr;
+}
+
 // Coin's callbacks
 
 void* createOffscreen(unsigned int width, unsigned int height)
@@ -339,17 +364,15 @@ void* createOffscreen(unsigned int width, unsigned int height)
     static bool givenUp = false;
     if (givenUp || getDisplay() == EGL_NO_DISPLAY)
         return nullptr;
-    auto* handle = new OffscreenHandle;
-    handle->display = getDisplay();
-    const EGLint error = makeContext(*handle, width, height);
-    if (handle->context == EGL_NO_CONTEXT) {
+    EGLint error = EGL_SUCCESS;
+    OffscreenHandle* handle = makeHandle(width, height, error);
+    if (!handle) {
         if (width <= SMALLEST_SIZE && height <= SMALLEST_SIZE) {
             givenUp = true;
             SoDebugError::postWarning("OffscreenContext",
                                       "No more OpenGL contexts for off-screen pictures: %s.",
                                       errorText(error).c_str());
         }
-        delete handle;
         return nullptr;
     }
     provokeResourceRemark();
@@ -402,3 +425,35 @@ void OffscreenContext::install()
                                                          reinstatePrevious, destroyOffscreen};
     cc_glglue_context_set_offscreen_cb_functions(&callbacks);
 }
+
+OffscreenContext::OffscreenContext(int width, int height)
+    : handle(nullptr), id(SoGLCacheContextElement::getUniqueCacheContext())
+{
+    if (getDisplay() == EGL_NO_DISPLAY)
+        return; // told when it was looked for
+    EGLint error = EGL_SUCCESS;
+    OffscreenHandle* made = makeHandle(unsigned(width), unsigned(height), error);
+    if (made && !makeCurrent(made)) {
+        error = eglGetError();
+        destroyOffscreen(std::exchange(made, nullptr));
+    }
+    handle = made;
+    if (handle)
+        glEnable(GL_DEPTH_TEST);
+    else
+        SoDebugError::postWarning("OffscreenContext",
+                                  "No OpenGL context for a picture of %d x %d pixels: %s.", width,
+                                  height, errorText(error).c_str());
+}
+
+OffscreenContext::~OffscreenContext()
+{
+    if (!handle)
+        return;
+    SoContextHandler::destructingContext(id);
+    destroyOffscreen(handle);
+}
+
+bool OffscreenContext::isValid() const { return handle; }
+
+std::uint32_t OffscreenContext::getId() const { return id; }

@@ -2,6 +2,8 @@
 #ifndef STRANDVIEW_OFFSCREENCONTEXT_H
 #define STRANDVIEW_OFFSCREENCONTEXT_H
 
+#include <cstdint>
+
 #include <StrandviewExport.h>
 
 /// OpenGL contexts for Coin's SoOffscreenRenderer, with and without a display.
@@ -21,16 +23,36 @@
 /// writes past its buffer if such a picture has the components LUMINANCE or
 /// LUMINANCE_TRANSPARENCY: ask for RGB or RGB_TRANSPARENCY.
 ///
-/// install() and every render belong to Coin's thread. Contexts are owned by Coin, which has them
-/// destroyed with the renderer.
+/// A host that draws with its own SoGLRenderAction and reads what it wants, as it wants it, makes
+/// one such context of its own. That costs less: SoOffscreenRenderer makes others to find out what
+/// it may ask for, and copies every picture.
+///
+/// All of this belongs to Coin's thread. Contexts of SoOffscreenRenderer are owned by Coin, which
+/// has them destroyed with the renderer.
 class STRANDVIEW_EXPORT OffscreenContext
 {
 public:
-    OffscreenContext() = delete;
+    /// A context with a picture of so many pixels, and current as long as it lives; depth is
+    /// tested. Nothing is cleared. Needs no install().
+    OffscreenContext(int width, int height);
+    /// Has Coin free what it keeps in this context.
+    ~OffscreenContext();
+    OffscreenContext(const OffscreenContext&) = delete;
+    OffscreenContext& operator=(const OffscreenContext&) = delete;
+
+    /// False if no such context could be had, which a warning through SoDebugError tells.
+    bool isValid() const;
+
+    /// For SoGLRenderAction::setCacheContext().
+    std::uint32_t getId() const;
 
     /// To be called after SoDB::init() and before the first off-screen render of the
     /// process. Calling it again changes nothing. No context is made yet.
     static void install();
+
+private:
+    void* handle; ///< null if there is none
+    std::uint32_t id;
 };
 
 #endif

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <map>
 #include <new>
 #include <vector>
@@ -17,12 +18,12 @@
 #include <QImage>
 #include <QImageWriter>
 
-#include <OffscreenContext.h>
 #include <SoDNA.h>
 #include <SoGeneralScene.h>
 
 #include "camera/Camera.h"
 #include "output/OutputFile.h"
+#include "pictures/SampleMeans.h"
 #include "pictures/TileRenderer.h"
 #include "pictures/writePng.h"
 #include "request/limits.h"
@@ -31,7 +32,7 @@ namespace strandview {
 
 namespace {
 
-const int LARGEST_TILE_SIDE = 4096; // that Coin renders at once
+const int LARGEST_TILE_SIDE = 4096; // that every driver has
 const Colour BLACK{0, 0, 0};
 const Colour WHITE{1, 1, 1};
 const char* const TOO_LITTLE_MEMORY = "found too little memory for so many pixels";
@@ -80,75 +81,6 @@ QList<QByteArray> writableFormats(bool transparent)
                                  [&](const QByteArray& f) { return !supported.contains(f); }),
                   formats.end());
     return formats;
-}
-
-// What a pixel's samples add up to.
-struct Sum
-{
-    int red = 0;
-    int green = 0;
-    int blue = 0;
-    int alpha = 0;
-};
-
-// How much of the background shows is found by rendering before black and before white
-// (A. R. Smith and J. F. Blinn, Blue screen matting, SIGGRAPH 1996): what covers a sample
-// is black's picture, and covers all that white's does not exceed it by. So neither the
-// colour of what is shown nor that of the background matters.
-void addSeparated(Sum& sum, const uchar* black, const uchar* white)
-{
-    const int shining = std::min({white[0] - black[0], white[1] - black[1], white[2] - black[2]});
-    const int alpha = 255 - std::max(shining, 0);
-    sum.red += std::min<int>(black[0], alpha);
-    sum.green += std::min<int>(black[1], alpha);
-    sum.blue += std::min<int>(black[2], alpha);
-    sum.alpha += alpha;
-}
-
-int ratio(int sum, int count) { return (2 * sum + count) / (2 * count); }
-
-// The rows of samples of a tile, which run upwards, and where in them a pixel's are.
-struct Samples
-{
-    const uchar* rows;
-    int rowBytes;
-    int perPixel; // in each direction
-
-    const uchar* at(int left, int below) const { return rows + below * rowBytes + 3 * left; }
-};
-
-// The mean of the samples from `left` and `below` on.
-void setOpaque(uchar* pixel, const Samples& samples, int left, int below)
-{
-    const int n = samples.perPixel;
-    Sum sum;
-    for (int row = 0; row < n; ++row) {
-        const uchar* sample = samples.at(left, below + row);
-        for (const uchar* end = sample + 3 * n; sample < end; sample += 3) {
-            sum.red += sample[0];
-            sum.green += sample[1];
-            sum.blue += sample[2];
-        }
-    }
-    pixel[0] = uchar(ratio(sum.red, n * n));
-    pixel[1] = uchar(ratio(sum.green, n * n));
-    pixel[2] = uchar(ratio(sum.blue, n * n));
-}
-
-// The same of what is before black and before white, its colour apart from its alpha.
-void setTransparent(QRgb& pixel, const Samples& black, const Samples& white, int left, int below)
-{
-    const int n = black.perPixel;
-    Sum sum;
-    for (int row = 0; row < n; ++row) {
-        for (int i = 0; i < n; ++i)
-            addSeparated(sum, black.at(left + i, below + row), white.at(left + i, below + row));
-    }
-    pixel = 0;
-    if (sum.alpha > 0) {
-        const auto part = [&sum](int colour) { return ratio(255 * colour, sum.alpha); };
-        pixel = qRgba(part(sum.red), part(sum.green), part(sum.blue), ratio(sum.alpha, n * n));
-    }
 }
 
 // Makes the lines of a scene, whose widths are in pixels, wider while it lives, so that
@@ -233,22 +165,24 @@ Division divide(const Picture& picture, int border)
     return {width, height, border};
 }
 
-// Fills in the part of the picture that a tile shows, its border left out. `black` holds the
+// Fills in the part of the picture that a tile shows, its border left out. `black` holds all
 // samples before black if the picture is transparent.
-void setPixels(QImage& image, const QRect& part, const Samples& samples, const Samples& black,
-               int border)
+void setPixels(QImage& image, const QRect& part, const TileRenderer& renderer, int rowLength,
+               const std::vector<std::uint32_t>& black, int n, int border)
 {
-    const int n = samples.perPixel;
+    SampleMeans means(n);
+    std::vector<std::uint32_t> samples(std::size_t(n) * rowLength);
     for (int row = 0; row < part.height(); ++row) {
-        uchar* pixels = image.scanLine(part.bottom() - row);
         const int below = border + n * row;
-        for (int column = 0; column < part.width(); ++column) {
-            const int left = border + n * column, x = part.x() + column;
-            if (black.rows)
-                setTransparent(reinterpret_cast<QRgb*>(pixels)[x], black, samples, left, below);
-            else
-                setOpaque(pixels + 3 * x, samples, left, below);
-        }
+        renderer.read(below, n, samples.data());
+        uchar* pixels =
+            image.scanLine(part.bottom() - row) + std::ptrdiff_t(part.x()) * image.depth() / 8;
+        if (black.empty())
+            means.setOpaque(pixels, part.width(), &samples[border], rowLength);
+        else
+            means.setTransparent(pixels, part.width(),
+                                 &black[std::size_t(below) * rowLength + border], &samples[border],
+                                 rowLength);
     }
 }
 
@@ -262,11 +196,9 @@ std::string render(SoNode* graph, const SbViewportRegion& region, const Picture&
     const SbVec2s tile{short(n * division.width + 2 * division.border),
                        short(n * division.height + 2 * division.border)};
 
-    OffscreenContext::install();
     MessageCollector messages;
     TileRenderer renderer(graph, region, n * picture.width, n * picture.height, tile);
-    const int rowBytes = 3 * tile[0];
-    std::vector<uchar> black;
+    std::vector<std::uint32_t> black;
     for (int y = 0; y < picture.height; y += division.height) {
         for (int x = 0; x < picture.width; x += division.width) {
             const QRect part =
@@ -276,13 +208,13 @@ std::string render(SoNode* graph, const SbViewportRegion& region, const Picture&
             bool rendered =
                 renderer.render(left, below, picture.transparent ? BLACK : picture.background);
             if (rendered && picture.transparent) {
-                black.assign(renderer.getSamples(), renderer.getSamples() + rowBytes * tile[1]);
+                black.resize(std::size_t(tile[0]) * tile[1]);
+                renderer.read(0, tile[1], black.data());
                 rendered = renderer.render(left, below, WHITE);
             }
             if (!rendered)
                 return "the picture could not be rendered: " + messages.first;
-            setPixels(image, part, {renderer.getSamples(), rowBytes, n},
-                      {black.empty() ? nullptr : black.data(), rowBytes, n}, division.border);
+            setPixels(image, part, renderer, tile[0], black, n, division.border);
         }
     }
     return "";
@@ -352,7 +284,7 @@ std::string writePicture(SoGeneralScene* scene, const Picture& picture, CameraNu
     const bool perspectiveBefore = scene->isShaderPersp();
     scene->setShaderPersp(picture.camera.isPerspective());
     QImage image(picture.width, picture.height,
-                 picture.transparent ? QImage::Format_ARGB32 : QImage::Format_RGB888);
+                 picture.transparent ? QImage::Format_RGBA8888 : QImage::Format_RGB888);
     std::string failure = TOO_LITTLE_MEMORY;
     try {
         if (!image.isNull())

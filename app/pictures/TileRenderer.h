@@ -2,10 +2,12 @@
 #ifndef STRANDVIEW_APP_PICTURES_TILERENDERER_H
 #define STRANDVIEW_APP_PICTURES_TILERENDERER_H
 
+#include <cstdint>
+
 #include <Inventor/SbVec2s.h>
 #include <Inventor/SbViewportRegion.h>
-#include <Inventor/SoOffscreenRenderer.h>
 #include <Inventor/actions/SoGLRenderAction.h>
+#include <OffscreenContext.h>
 
 #include "request/Colour.h"
 
@@ -17,7 +19,7 @@ namespace strandview {
 /// Renders a picture off screen tile by tile: what no memory holds at once, and whose sides
 /// may exceed what Coin holds in 16 bits. Every camera of the graph shows its part of what
 /// it would show in the whole picture, those of overlays too, so that tiles that lie side
-/// by side fit together.
+/// by side fit together. Its OpenGL context is current as long as it lives.
 class TileRenderer
 {
 public:
@@ -31,8 +33,9 @@ public:
     /// it; both may be outside the picture. False if that failed.
     bool render(int left, int below, const Colour& background);
 
-    /// Rows upwards of three bytes per sample: red, green and blue.
-    const unsigned char* getSamples() const;
+    /// Samples of the tile that was rendered last, 0xAARRGGBB: so many whole rows, upwards. Alpha
+    /// says nothing.
+    void read(int firstRow, int rows, std::uint32_t* samples) const;
 
 private:
     static SoGLRenderAction::AbortCode beforeNode(void* renderer);
@@ -43,12 +46,12 @@ private:
     const int width;
     const int height;
     const bool narrowing; // the whole picture is no tile
-    SoOffscreenRenderer renderer;
+    const OffscreenContext context;
+    SoGLRenderAction action;
 
     int left = 0;
     int below = 0;
     SoCamera* lastCamera = nullptr; // traversed, and not yet narrowed
-    bool asked = false;             // by Coin: it does not where it takes the tile to pieces itself
 };
 
 } // namespace strandview

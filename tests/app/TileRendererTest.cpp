@@ -3,6 +3,7 @@
 #include "pictures/TileRenderer.h"
 
 #include <array>
+#include <cstdint>
 #include <vector>
 
 #include <Inventor/nodes/SoBaseColor.h>
@@ -11,7 +12,6 @@
 #include <Inventor/nodes/SoOrthographicCamera.h>
 #include <Inventor/nodes/SoSeparator.h>
 #include <Inventor/nodes/SoTranslation.h>
-#include <OffscreenContext.h>
 #include <gtest/gtest.h>
 
 #include "support/initialiseSceneOnce.h"
@@ -33,7 +33,6 @@ protected:
     TileRendererTest()
     {
         initialiseSceneOnce();
-        OffscreenContext::install();
         scene = new SoSeparator;
         scene->ref();
         auto* camera = new SoOrthographicCamera;
@@ -65,10 +64,20 @@ protected:
     {
         TileRenderer renderer(scene, SbViewportRegion(WIDTH, HEIGHT), WIDTH, HEIGHT, tile);
         EXPECT_TRUE(renderer.render(left, below, BLUE));
+        return readTwice(renderer, tile);
+    }
+
+    // All rows of a tile, in two calls.
+    static std::vector<Sample> readTwice(const TileRenderer& renderer, const SbVec2s& tile)
+    {
+        const int count = tile[0] * tile[1];
+        std::vector<std::uint32_t> all(count);
+        const int first = tile[1] / 3;
+        renderer.read(0, first, all.data());
+        renderer.read(first, tile[1] - first, &all[first * tile[0]]);
         std::vector<Sample> samples;
-        const unsigned char* byte = renderer.getSamples();
-        for (int i = 0; i < tile[0] * tile[1]; ++i, byte += 3)
-            samples.push_back({byte[0], byte[1], byte[2]});
+        for (const std::uint32_t sample : all)
+            samples.push_back({int(sample >> 16 & 255), int(sample >> 8 & 255), int(sample & 255)});
         return samples;
     }
 
@@ -118,8 +127,8 @@ TEST_F(TileRendererTest, NeighboursNeedNoRendererOfTheirOwn)
     for (int below = 0; below < HEIGHT; below += tile[1]) {
         for (int left = 0; left < WIDTH; left += tile[0]) {
             ASSERT_TRUE(renderer.render(left, below, BLUE));
-            for (int i = 0; i < tile[0] * tile[1]; ++i)
-                red += renderer.getSamples()[3 * i] == 255;
+            for (const Sample& sample : readTwice(renderer, tile))
+                red += sample == IN_RED;
         }
     }
     EXPECT_EQ(red, 20 * 10);

@@ -927,3 +927,79 @@ TEST_F(OffscreenContextDeathTest, SurvivesContextsRunningOut)
         },
         testing::ExitedWithCode(0), HasSubstr("No more OpenGL contexts"));
 }
+
+// A context of one's own
+
+namespace {
+
+// The pixel in the middle of the red sphere, drawn by an action of one's own.
+Pixel drawSphereIn(const OffscreenContext& context, int width, int height)
+{
+    NodeRef<SoSeparator> scene(sphereScene());
+    SoGLRenderAction action{SbViewportRegion(short(width), short(height))};
+    action.setCacheContext(context.getId());
+    glClearColor(0, 0, 1, 0);
+    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+    action.apply(scene);
+    unsigned char pixel[4] = {};
+    glReadPixels(width / 2, height / 2, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, pixel);
+    return {pixel[0], pixel[1], pixel[2], pixel[3]};
+}
+
+} // namespace
+
+TEST_F(OffscreenContextTest, OfOnesOwnIsCurrentAsLongAsItLives)
+{
+    for (int i = 0; i < 2; ++i) {
+        {
+            const OffscreenContext context(300, 200);
+            ASSERT_TRUE(context.isValid());
+            EXPECT_NE(eglGetCurrentContext(), EGL_NO_CONTEXT);
+            EXPECT_EQ(drawSphereIn(context, 300, 200), PLAIN_RED);
+        }
+        EXPECT_EQ(eglGetCurrentContext(), EGL_NO_CONTEXT);
+        EXPECT_EQ(watch.contexts, 0);
+        EXPECT_EQ(watch.pbuffers, 0);
+    }
+}
+
+TEST_F(OffscreenContextTest, OfOnesOwnBringsAForeignContextBack)
+{
+    ForeignContext foreign(EGL_OPENGL_API);
+    {
+        const OffscreenContext context(40, 30);
+        EXPECT_EQ(drawSphereIn(context, 40, 30), PLAIN_RED);
+        EXPECT_FALSE(foreign.isCurrent());
+    }
+    EXPECT_TRUE(foreign.isCurrent());
+    EXPECT_TRUE(foreign.isYellow());
+}
+
+TEST_F(OffscreenContextTest, OfOnesOwnHaveIdsOfTheirOwn)
+{
+    const OffscreenContext one(10, 10), other(10, 10);
+    EXPECT_NE(one.getId(), other.getId());
+}
+
+TEST_F(OffscreenContextDeathTest, OfOnesOwnIsTheOnlyOneThatIsMade)
+{
+    EXPECT_EXIT(
+        {
+            const OffscreenContext context(300, 200);
+            end(drawSphereIn(context, 300, 200) == PLAIN_RED && watch.made == 1);
+        },
+        testing::ExitedWithCode(0), testing::Eq(""));
+}
+
+TEST_F(OffscreenContextDeathTest, OfOnesOwnSaysWhenItCannotBeHad)
+{
+    EXPECT_EXIT(
+        {
+            watch.largestArea = 10000;
+            const OffscreenContext context(300, 200);
+            end(!context.isValid() && watch.contexts == 0);
+        },
+        testing::ExitedWithCode(0),
+        AllOf(HasSubstr("No OpenGL context for a picture of 300 x 200 pixels"),
+              ResultOf(countLines, 1)));
+}
