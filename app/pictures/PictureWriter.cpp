@@ -23,6 +23,7 @@
 
 #include "camera/Camera.h"
 #include "output/OutputFile.h"
+#include "pictures/LeanPrograms.h"
 #include "pictures/SampleMeans.h"
 #include "pictures/TileRenderer.h"
 #include "pictures/writePng.h"
@@ -192,6 +193,7 @@ std::string render(SoNode* graph, const SbViewportRegion& region, const Picture&
 {
     const int n = picture.samples;
     const LineWidener lines(graph, n);
+    const LeanPrograms programs(graph);
     const Division division = divide(picture, int(std::ceil(lines.getWidest() / 2)) + 1);
     const SbVec2s tile{short(n * division.width + 2 * division.border),
                        short(n * division.height + 2 * division.border)};
