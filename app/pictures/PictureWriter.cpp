@@ -33,7 +33,8 @@ namespace strandview {
 
 namespace {
 
-const int LARGEST_TILE_SIDE = 4096; // that every driver has
+const int LARGEST_TILE_SIDE = 4096;        // that every driver has
+const qsizetype LARGEST_AT_ONCE = 1 << 28; // bytes, that are filtered in memory of their own
 const Colour BLACK{0, 0, 0};
 const Colour WHITE{1, 1, 1};
 const char* const TOO_LITTLE_MEMORY = "found too little memory for so many pixels";
@@ -251,9 +252,9 @@ QString pictureNamePatterns() { return "*." + writableFormats(false).join(" *.")
 std::string saveImage(const QImage& image, const std::string& name)
 {
     const QByteArray format = imageFormat(name);
-    const bool isPng = format == "png";
+    const bool atOnce = format == "png" && image.sizeInBytes() <= LARGEST_AT_ONCE;
     QByteArray bytes;
-    if (!isPng) {
+    if (!atOnce) {
         const std::string failure = encode(image, format, bytes);
         if (!failure.empty())
             return name + ": " + failure;
@@ -263,7 +264,7 @@ std::string saveImage(const QImage& image, const std::string& name)
     if (!failure.empty())
         return failure;
     try {
-        if (isPng)
+        if (atOnce)
             writePng(image, [&file](std::string_view part) { file.write(part); });
         else
             file.write({bytes.constData(), std::size_t(bytes.size())});
