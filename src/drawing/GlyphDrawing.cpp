@@ -579,7 +579,7 @@ void GlyphDrawing::bindBuffers(std::uint32_t context)
         held.version = version;
     }
     if (!held.places)
-        held.places = GLBuffer(context, GL_ARRAY_BUFFER, std::size_t(0));
+        held.places = GLBuffer(context, GL_ARRAY_BUFFER, std::vector<PlacedProgram::Place>());
     bound = &held;
     boundContext = context;
     held.vertices.bind(GL_ARRAY_BUFFER);

@@ -147,7 +147,7 @@ private:
     SoMaterial* material = nullptr; // one of those that were compiled, referenced
     std::uint64_t version = 0;
     PerContext<Buffers> buffers;
-    const Buffers* bound = nullptr; // while it draws
+    Buffers* bound = nullptr; // while it draws
     std::uint32_t boundContext = 0;
 };
 
