@@ -169,6 +169,8 @@ void SoDNA::clear()
     const auto nothing = [](std::size_t) { return PlacedNode{}; };
     bpSwitch->place(0, nothing);
     basesGroup->place(0, nothing);
+    bpSwitch->touch();
+    basesGroup->touch();
 }
 
 void SoDNA::copyContents(const SoFieldContainer* from, SbBool copyConnections)

@@ -732,6 +732,23 @@ TEST_F(SoDNATest, GenerateNotifiesOnce)
     EXPECT_FALSE(dna->isNotifyEnabled()); // as the host has set it
 }
 
+TEST_F(SoDNATest, ClearedItIsNotifiedAndShowsNothing)
+{
+    struct Clearable : SoDNA
+    {
+        using SoDNA::clear;
+    };
+    NodeRef<Clearable> cleared(new Clearable);
+    ASSERT_TRUE(RandomDna(3).give(cleared));
+    cleared->generate();
+    EXPECT_FALSE(boxOf(cleared).isEmpty());
+    const SbUniqueId id = cleared->getNodeId();
+    cleared->clear();
+    EXPECT_GT(cleared->getNodeId(), id);
+    EXPECT_TRUE(boxOf(cleared).isEmpty());
+    EXPECT_EQ(cleared->getNumBP(), 3); // what is stored stays
+}
+
 TEST_F(SoDNATest, GenerateNotifiesTheParentsOfItsGroups)
 {
     for (SoNode* group :
