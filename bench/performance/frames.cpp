@@ -258,8 +258,9 @@ void addChanged(Table& table, Counter& counter, int points, double empty)
     const int rows = rowsOf(points);
     const double vertices = double(rows) * COLUMNS;
     const std::string of = ", " + std::to_string(points) + " points";
+    const int frames = points > 1000 ? 1 : 4; // of the many one tells as much
     const auto perVertex = [&](const char* scene, double without) {
-        return (counter.perFrame(scene, points, 2, 4) - without) / vertices;
+        return (counter.perFrame(scene, points, 2, frames) - without) / vertices;
     };
     const double building = perVertex("building", 0);
     const double changing = perVertex("changing", empty);
