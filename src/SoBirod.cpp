@@ -125,7 +125,7 @@ SoBirod::Meshes SoBirod::makeMeshes(const Data& data, double avgTubeRadius, doub
         return mesh;
     };
     runBoth(
-        data.avgPoints.size() >= MANY_POINTS,
+        data.avgPoints.size() >= MANY_POINTS && data.avgPoints.size() <= TOO_MANY_POINTS,
         [&] {
             meshes.avgRibbon = ribbon(data.avgPoints, data.avgRotations, avgRibbonWidth);
             meshes.ribbon1 = ribbon(positions1, data.rotations1, ribbonsWidth);

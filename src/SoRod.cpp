@@ -72,7 +72,7 @@ SoRod::Meshes SoRod::makeMeshes(const std::vector<Vector>& points,
         return meshes;
     // The ribbon first, while there is no tube yet: it has two curves, the tube one.
     runBoth(
-        points.size() >= MANY_POINTS,
+        points.size() >= MANY_POINTS && points.size() <= TOO_MANY_POINTS,
         [&] {
             meshes.ribbon = makeRibbon(points, rotations, ribbonWidth, subsegments, twoSidedRibbon,
                                        closed, nullptr);

@@ -2,11 +2,15 @@
 #ifndef STRANDVIEW_DETAIL_RUNBOTH_H
 #define STRANDVIEW_DETAIL_RUNBOTH_H
 
+#include <cstddef>
 #include <future>
 
 /// Of a curve with so many points tubes and ribbons are built beside each other: to begin a thread
 /// takes about as long as a tenth of that.
-constexpr int MANY_POINTS = 1000;
+constexpr std::size_t MANY_POINTS = 1000;
+/// Of more, meshes for the first time are built one after the other: their curves, hundreds of bytes
+/// a point, are not all there at once then.
+constexpr std::size_t TOO_MANY_POINTS = 300000;
 
 /// Calls both, the second in a thread of its own if they shall run beside each other and the system
 /// has one. Returns, or throws what one of them throws, once both have ended.
