@@ -14,25 +14,11 @@
 #include <unistd.h>
 
 #include "measuring.h"
+#include "sampleTables.h"
 
 namespace {
 
 const int ROUNDS = 5;
-
-// A file that goes with the program.
-class TemporaryFile
-{
-public:
-    explicit TemporaryFile(const std::string& ending)
-        : path(std::filesystem::temp_directory_path() /
-               ("strandview-" + std::to_string(getpid()) + ending))
-    {}
-    ~TemporaryFile() { std::filesystem::remove(path); }
-    TemporaryFile(const TemporaryFile&) = delete;
-    TemporaryFile& operator=(const TemporaryFile&) = delete;
-
-    const std::string path;
-};
 
 // A trefoil knot, which covers itself little.
 void writeKnot(const std::string& path, int points)
@@ -43,21 +29,6 @@ void writeKnot(const std::string& path, int points)
         const double t = 2 * M_PI * i / (points - 1);
         table << std::sin(t) + 2 * std::sin(2 * t) << ' ' << std::cos(t) - 2 * std::cos(2 * t)
               << ' ' << -std::sin(3 * t) << '\n';
-    }
-}
-
-// A helix with its Frenet frame, whose ribbon stands behind its turns.
-void writeHelix(const std::string& path, int points)
-{
-    std::ofstream table(path);
-    table << std::setprecision(10);
-    const double lay = -std::atan2(1, 0.05) / 2;
-    for (int i = 0; i < points; ++i) {
-        const double t = 0.1 * i;
-        const double c = std::cos(t / 2), s = std::sin(t / 2);
-        table << std::cos(t) << ' ' << std::sin(t) << ' ' << 0.05 * t << ' ' << std::sin(lay) * c
-              << ' ' << std::sin(lay) * s << ' ' << std::cos(lay) * s << ' ' << std::cos(lay) * c
-              << '\n';
     }
 }
 

@@ -4,9 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <functional>
-#include <iomanip>
 #include <string>
 #include <vector>
 
@@ -19,6 +17,7 @@
 
 #include "measuring.h"
 #include "pictures/PictureWriter.h"
+#include "sampleTables.h"
 #include "scene/DataScene.h"
 #include "scene/Progress.h"
 #include "scene/SceneBuilder.h"
@@ -29,36 +28,6 @@ using namespace strandview;
 namespace {
 
 const int POINTS = 100000, LONG_POINTS = 1000000;
-
-// A file that goes with the program.
-class TemporaryFile
-{
-public:
-    explicit TemporaryFile(const std::string& ending)
-        : path(std::filesystem::temp_directory_path() /
-               ("strandview-" + std::to_string(getpid()) + ending))
-    {}
-    ~TemporaryFile() { std::filesystem::remove(path); }
-    TemporaryFile(const TemporaryFile&) = delete;
-    TemporaryFile& operator=(const TemporaryFile&) = delete;
-
-    const std::string path;
-};
-
-// A helix with its Frenet frame, whose d3 is the tangent.
-void writeTable(const std::string& path, int points)
-{
-    std::ofstream table(path);
-    table << std::setprecision(10);
-    const double lay = -std::atan2(1, 0.05) / 2;
-    for (int i = 0; i < points; ++i) {
-        const double t = 0.1 * i;
-        const double c = std::cos(t / 2), s = std::sin(t / 2);
-        table << std::cos(t) << ' ' << std::sin(t) << ' ' << 0.05 * t << ' ' << std::sin(lay) * c
-              << ' ' << std::sin(lay) * s << ' ' << std::cos(lay) * s << ' ' << std::cos(lay) * c
-              << '\n';
-    }
-}
 
 // Runs strandview in a process of its own; its largest memory in bytes, or a negative number
 // if it failed.
@@ -205,9 +174,9 @@ Style styleOf(const std::string& file)
 int main()
 {
     const TemporaryFile file(".txt"), longFile("-long.txt"), small("-small.txt"), picture(".png");
-    writeTable(file.path, POINTS);
-    writeTable(longFile.path, LONG_POINTS);
-    writeTable(small.path, 3);
+    writeHelix(file.path, POINTS);
+    writeHelix(longFile.path, LONG_POINTS);
+    writeHelix(small.path, 3);
     const auto bytes = double(std::filesystem::file_size(file.path));
 
     Table table(
