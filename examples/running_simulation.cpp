@@ -138,31 +138,31 @@ int main(int count, char** argv)
 
     const double begin = secondsNow();
     double told = begin;
+    int framesTold = 0;
     const auto tell = [&](double now) {
         const QString text = QString("%1 points: %2 frames/s, %3 ms of each rebuild the rod")
                                  .arg(pointCount)
-                                 .arg(frames / (now - told), 0, 'f', 1)
+                                 .arg((frames - framesTold) / (now - told), 0, 'f', 1)
                                  .arg(1e3 * rebuilding / std::max(rebuilds, 1), 0, 'f', 2);
         window->setWindowTitle(text);
         std::cout << text.toStdString() << std::endl;
         told = now;
-        frames = rebuilds = 0;
+        framesTold = frames;
+        rebuilds = 0;
         rebuilding = 0;
     };
-    int shown = 0;
-    QTimer timer; // of no interval: as often as the event loop is idle
+    int framesBefore = 0; // the newest state
+    QTimer timer;         // of no interval: as often as the event loop is idle
     QObject::connect(&timer, &QTimer::timeout, [&] {
-        if (frames == shown && rebuilds > 0)
-            return; // what is there is not drawn yet
-        shown = frames;
+        if (frames == framesBefore)
+            return; // it is not drawn yet
+        framesBefore = frames;
         for (int i = 0; i < 10; ++i)
             string.step();
         show();
         const double now = secondsNow();
-        if (now - told > 2) {
+        if (now - told > 2)
             tell(now);
-            shown = 0;
-        }
         if (duration > 0 && now - begin > duration)
             SoQt::exitMainLoop();
     });

@@ -6,6 +6,8 @@
 #include <numeric>
 #include <utility>
 
+#include <algebra3d/rotations.h>
+
 #include <strandview/analysis/elements.h>
 #include <strandview/analysis/parallelTransport.h>
 #include <strandview/formats/checks.h>
@@ -158,11 +160,8 @@ bool followsPoints(const Rotations& rotations, const Points& points)
     for (std::size_t i = 0; i + 1 < points.size(); ++i) {
         if (areCoincident(points[i], points[i + 1]))
             continue;
-        const Vector edge = points[i + 1] - points[i];
-        const double x = rotations[i][0], y = rotations[i][1], z = rotations[i][2];
-        const double w = rotations[i][3], square = x * x + y * y + z * z + w * w;
-        const Vector d3(2 * (x * z + w * y), 2 * (y * z - w * x), square - 2 * (x * x + y * y));
-        sum += d3.dot(edge) / (square * edge.getNorm());
+        const Vector d3 = algebra3d::rotated(Vector(0, 0, 1), rotations[i]);
+        sum += d3.dot((points[i + 1] - points[i]).getUnit());
         ++edges;
     }
     return sum >= SMALLEST_MEAN_TANGENCY * double(edges);

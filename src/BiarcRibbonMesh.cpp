@@ -58,10 +58,10 @@ BiarcRibbonMesh::BiarcRibbonMesh(const std::vector<Vector>& edgeA, const std::ve
     setWidth(2);
     const std::size_t m = edgeA.size();
     if (m < 2) {
-        for (auto* const nodes : {&curveA.biarcs, &curveB.biarcs})
-            nodes->clear();
-        for (auto* const table : {&paramValues, &interpParamValues})
-            table->clear();
+        // What is left of a mesh that this one replaces
+        forgetCurves();
+        paramValues.clear();
+        interpParamValues.clear();
         return;
     }
 

@@ -125,20 +125,16 @@ void BiarcTubeMesh::appendWithEstimatedTangents(const std::vector<Vector>& point
 
 void BiarcTubeMesh::generateMesh(int n)
 {
-    if (!curve.biarcs.empty() && curve.biarcs.front().curve != &curve)
-        curve.biarcs.clear(); // of a mesh that this one replaced
-    const auto clearTables = [this] {
-        paramValues.clear();
-        interpParamValues.clear();
-    };
-    if (n < 2 || curve.biarcs.empty()) {
-        if (getHeight() == 0) // what they hold is of the mesh that this one replaced
-            clearTables();
-        return;
+    const bool hasCurve = !curve.biarcs.empty() && curve.biarcs.front().curve == &curve;
+    if (!hasCurve && getHeight() == 0) { // what there is was taken over for nothing
+        forgetCurve();
+        forgetTables();
     }
+    if (n < 2 || !hasCurve)
+        return;
     const bool isComplete = int(curve.biarcs.size()) >= n;
     if (!isComplete)
-        clearTables();
+        forgetTables(); // the ends of which stay zero
     setWidth(getSlices() + 1);
     setHeight(interpolationCount * (n - 1) + 1);
     paramValues.resize(std::size_t(n));
@@ -177,6 +173,12 @@ void BiarcTubeMesh::computeMeshAt(int row, Vector centre, Vector tangent, Vector
 {
     carryFrame(tangent, d1, d2);
     fillRing(row, centre, d1, d2);
+}
+
+void BiarcTubeMesh::forgetTables()
+{
+    paramValues.clear();
+    interpParamValues.clear();
 }
 
 // Assigning {} would keep the memory.

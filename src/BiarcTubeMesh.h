@@ -90,6 +90,7 @@ private:
                   bool upperCapTakesFirst, BiarcTubeMesh* replaced);
 
     void appendWithEstimatedTangents(const std::vector<algebra3d::Vector3<double>>& points);
+    void forgetTables();
 
     int interpolationCount;
     Tube<::Vector3> tube;

@@ -248,7 +248,7 @@ std::string checkPictureName(const std::string& option, const std::string& file,
 
 QString pictureNamePatterns() { return "*." + writableFormats(false).join(" *."); }
 
-// Encoded first, so that what can fail while writing is the disk alone.
+// Nothing is written before all is encoded, so that what can fail while writing is the disk alone.
 std::string saveImage(const QImage& image, const std::string& name)
 {
     const QByteArray format = imageFormat(name);

@@ -16,7 +16,7 @@ namespace strandview {
 
 namespace {
 
-// Numbers and names of the format: PNG specification, third edition, W3C.
+// As PNG has them (W3C, Portable Network Graphics, third edition, 2025).
 const char SIGNATURE[] = "\x89PNG\r\n\x1a\n";
 const char EIGHT_BITS = 8, RGB = 2, RGBA = 6, PER_METRE = 1;
 const unsigned char LESS_LEFT = 1, LESS_ABOVE = 2; // filters

@@ -109,8 +109,8 @@ std::string_view FieldScanner::getRestOfLine() const
 void FieldScanner::nextLine()
 {
     if (!isAtLineEnd())
-        position = haveLinesFeedsAlone ? std::min(text.find('\n', position), text.size())
-                                       : findLineEnd(text, position);
+        position = mayHaveReturns ? findLineEnd(text, position)
+                                  : std::min(text.find('\n', position), text.size());
     if (!isAtEnd() && text[position++] == '\r' && !isAtEnd() && text[position] == '\n')
         ++position;
     afterComma = false;

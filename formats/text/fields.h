@@ -43,7 +43,7 @@ public:
 
     /// Looks once for CR: where there is none, lines are found faster. For whoever goes through all
     /// of the text.
-    void lookForReturns() { haveLinesFeedsAlone = text.find('\r') == text.npos; }
+    void lookForReturns() { mayHaveReturns = text.find('\r') != text.npos; }
 
     /// The next field of the line: empty between two commas, none at the end of the line.
     /// Of a field in double quotes it is the text between them; if it begins with a
@@ -95,8 +95,8 @@ private:
     unsigned separators = SPACE | BLANK | COMMA | SEMICOLON | COMMENT | END; ///< of fields
     std::size_t position = 0;
     std::size_t line;
-    bool afterComma = false;          ///< the line owes a field
-    bool haveLinesFeedsAlone = false; ///< at their ends
+    bool afterComma = false; ///< the line owes a field
+    bool mayHaveReturns = true;
 };
 
 /// By value: the rest of the line that the scanner is in.

@@ -118,7 +118,6 @@ bool mayFind(SoSearchAction& action, const std::vector<PlacedNode>& placed)
     SoSearchAction search;
     SbBool derived = TRUE;
     const SoType type = action.getType(derived);
-    search.setFind(action.getFind());
     search.setType(type, derived);
     search.setName(action.getName());
     search.setNode(action.getNode());

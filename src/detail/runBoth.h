@@ -5,11 +5,11 @@
 #include <cstddef>
 #include <future>
 
-/// Of a curve with so many points tubes and ribbons are built beside each other: to begin a thread
-/// takes about as long as a tenth of that.
+/// From so many points of a curve on, tubes and ribbons are built beside each other: two processors
+/// need half of the time there.
 constexpr std::size_t MANY_POINTS = 1000;
-/// Of more, meshes for the first time are built one after the other: their curves, hundreds of bytes
-/// a point, are not all there at once then.
+/// Of more, meshes for the first time are built one after the other: their curves, hundreds of
+/// bytes a point, are not all there at once then.
 constexpr std::size_t TOO_MANY_POINTS = 300000;
 
 /// Calls both, the second in a thread of its own if they shall run beside each other and the system

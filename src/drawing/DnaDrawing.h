@@ -18,9 +18,9 @@ struct PlacedNode;
 template <typename Group>
 class PlacedGroup;
 
-/// Draws the pairs of a DNA from vertex buffers, one small draw per placed base or box,
-/// instead of traversing their graph. Where many of them lie one behind the other, the nearest
-/// come first, and what they hide is not drawn.
+/// Draws the pairs of a DNA from vertex buffers instead of traversing their graph: one small draw
+/// per placed base or box, or under a program that can be followed one per kind. Where many of them
+/// lie one behind the other, the nearest come first, and what they hide is not drawn.
 ///
 /// The graph stays the only description of what is shown. It is read again where its nodes'
 /// ids tell that it changed: as glyphs, what the pairs share, and placements, one matrix and

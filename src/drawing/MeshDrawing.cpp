@@ -98,20 +98,7 @@ using Colour = std::uint32_t; // four bytes: red, green, blue, alpha
 class ShownColours
 {
 public:
-    explicit ShownColours(SoState* state)
-    {
-        static_assert(sizeof(SbColor) == 3 * sizeof(float));
-        const SoLazyElement& element = *SoLazyElement::getInstance(state);
-        count = std::size_t(std::max(element.getNumDiffuse(), 1));
-        colours.reset(new Colour[count]); // not zeros first
-        if (!element.isPacked())
-            roundColours(element.getDiffusePointer()->getValue(), count,
-                         element.getTransparencyPointer(),
-                         std::size_t(std::max(element.getNumTransparencies(), 1)), colours.get());
-        else
-            std::transform(element.getPackedPointer(), element.getPackedPointer() + count,
-                           colours.get(), colourOf);
-    }
+    explicit ShownColours(SoState* state) : ShownColours(*SoLazyElement::getInstance(state)) {}
 
     // That of the last one where there are not so many.
     Colour operator[](std::size_t material) const { return colours[std::min(material, count - 1)]; }
@@ -123,6 +110,20 @@ public:
     }
 
 private:
+    explicit ShownColours(const SoLazyElement& element)
+        : count(std::size_t(std::max(element.getNumDiffuse(), 1))),
+          colours(new Colour[count]) // not zeros first
+    {
+        static_assert(sizeof(SbColor) == 3 * sizeof(float));
+        if (!element.isPacked())
+            roundColours(element.getDiffusePointer()->getValue(), count,
+                         element.getTransparencyPointer(),
+                         std::size_t(std::max(element.getNumTransparencies(), 1)), colours.get());
+        else
+            std::transform(element.getPackedPointer(), element.getPackedPointer() + count,
+                           colours.get(), colourOf);
+    }
+
     static Colour colourOf(std::uint32_t packed)
     {
         Colour colour = 0;
@@ -132,8 +133,8 @@ private:
         return colour;
     }
 
-    std::size_t count;
-    std::unique_ptr<Colour[]> colours;
+    const std::size_t count;
+    const std::unique_ptr<Colour[]> colours;
 };
 
 // Whether all that is drawn hides all that is behind it.
@@ -141,10 +142,6 @@ bool isOpaque(SoState* state)
 {
     return !glIsEnabled(GL_BLEND) && SoDrawStyleElement::get(state) == SoDrawStyleElement::FILLED;
 }
-
-} // namespace
-
-namespace {
 
 // The fan that closes a mesh at one of its ends.
 struct Cap
@@ -252,8 +249,7 @@ public:
         }
     }
 
-    // Materials grow by the same step from row to row, and from column to column: with most
-    // meshes a row has one.
+    // A row has one material, and the materials of rows follow each other by the same step.
     void writeColours(const ShownColours& colours, bool overall, Colour* to) const
     {
         for (const Piece& piece : pieces) {
@@ -266,20 +262,11 @@ public:
             }
             const Mesh& mesh = piece.mesh;
             const auto height = std::size_t(mesh.getHeight()), width = std::size_t(mesh.getWidth());
-            const auto indexOf = [&](int row, int column) {
-                return overall ? 0 : std::size_t(mesh.getMaterialIndex(row, column));
+            const auto indexOf = [&](int row) {
+                return overall ? 0 : std::size_t(mesh.getMaterialIndex(row, 0));
             };
-            const std::size_t first = indexOf(0, 0);
-            const std::size_t alongRow = indexOf(0, 1) - first, down = indexOf(1, 0) - first;
-            if (alongRow == 0) {
-                colours.spread(offset + first, down, height, width, to);
-                to += height * width;
-                continue;
-            }
-            for (std::size_t i = 0; i < height; ++i) {
-                for (std::size_t j = 0; j < width; ++j)
-                    *to++ = colours[offset + first + i * down + j * alongRow];
-            }
+            colours.spread(offset + indexOf(0), indexOf(1) - indexOf(0), height, width, to);
+            to += height * width;
         }
     }
 
@@ -689,7 +676,7 @@ void MeshDrawing::drawInOrder(const Kept& kept, const Colours& colours, bool nor
         drawer(draw);
 }
 
-// The triangles of a run that the grid shows, in the order of addBody(). About how many pixels.
+// The triangles of a run that the grid shows, in the order of writeBody(). About how many pixels.
 double MeshDrawing::drawSeen(const Run& run, Mesh& mesh, const DepthGrid& grid, Drawer& drawer)
 {
     if (run.rows == 0) {

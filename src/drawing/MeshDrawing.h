@@ -36,6 +36,7 @@ class SoState;
 class MeshDrawing
 {
 public:
+    /// A tube or a ribbon: a row has one material.
     struct Part
     {
         Mesh& mesh;

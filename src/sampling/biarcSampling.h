@@ -38,7 +38,8 @@ template <typename Node>
 void setNodes(Curve<Vector3>& curve, std::size_t count, Node node)
 {
     auto& nodes = curve.biarcs;
-    nodes.resize(std::min(nodes.size(), count), Biarc<Vector3>({}, {}));
+    while (nodes.size() > count)
+        nodes.pop_back();
     nodes.reserve(count);
     for (std::size_t i = 0; i < nodes.size(); ++i) {
         nodes[i].curve = &curve;

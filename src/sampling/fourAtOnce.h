@@ -11,9 +11,9 @@
 #include <biarc/Biarc.h>
 #include <biarc/Curve.h>
 
-// The inner loops of the meshes, with four doubles at once. Each of the four is computed
-// by the same operations in the same order as one alone, so the doubles are those of the
-// plain formulas, whatever processor it is: where it has AVX2, that is used.
+// The inner loops of the meshes and of what buffers hold, with four numbers at once. Each of the
+// four is computed by the same operations in the same order as one alone, so the doubles are those
+// of the plain formulas, whatever processor it is: where it has AVX2, that is used.
 
 /// Consecutive samples of a curve, component by component.
 struct CurveSamples

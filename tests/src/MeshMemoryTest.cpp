@@ -178,6 +178,18 @@ TYPED_TEST(MeshMemory, OfTooFewPointsStaysEmpty)
     expectEmptyTables(*empty);
 }
 
+// Its tables are taken over, but no nodes.
+TEST(MeshMemoryTables, OfAMeshThatForgotItsCurveGoWithTooFewPoints)
+{
+    const Case some(20, 8, 5), onePoint(1, 8, 5);
+    auto tube = build<BiarcTubeMesh>(some, nullptr);
+    tube->forgetCurve();
+    expectEmptyTables(*build<BiarcTubeMesh>(onePoint, tube.get()));
+    auto ribbon = build<BiarcRibbonMesh>(some, nullptr);
+    ribbon->forgetCurves();
+    expectEmptyTables(*build<BiarcRibbonMesh>(onePoint, ribbon.get()));
+}
+
 TEST(MeshMemoryCount, AMeshOfTheSameSizeAllocatesNothing)
 {
     const Case first(50, 8, 5, 1), second(50, 8, 5, 2);

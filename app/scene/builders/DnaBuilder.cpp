@@ -186,7 +186,9 @@ void replaceUnknown(const std::string& bases, const DnaLook& look, SoDNA& dna)
     SoNucleobase* const unknown[] = {makeNucleobase(UNKNOWN_BASE, look, true),
                                      makeNucleobase(UNKNOWN_BASE, look, false)};
     for (std::size_t pair = 0; pair < bases.size(); ++pair) {
-        for (std::size_t strand = 0; bases[pair] == UNKNOWN_BASE && strand < 2; ++strand) {
+        if (bases[pair] != UNKNOWN_BASE)
+            continue;
+        for (std::size_t strand = 0; strand < 2; ++strand) {
             auto* group = static_cast<SoGroup*>(placed->getChild(int(2 * pair + strand)));
             group->replaceChild(1, unknown[strand]);
         }
