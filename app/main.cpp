@@ -1,15 +1,24 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include <algorithm>
 #include <csignal>
+#include <filesystem>
 #include <iostream>
 #include <new>
+#include <optional>
 #include <string>
+#include <system_error>
+#include <utility>
+
+#include <strandview/formats/text/wording.h>
 
 #include "command/parseOptions.h"
 #include "info/Findings.h"
 #include "output/OutputFile.h"
 #include "output/exportFiles.h"
 #include "pictures/PictureWriter.h"
+#include "rendering/renderSeries.h"
 #include "request/ExitStatus.h"
+#include "request/PictureName.h"
 #include "request/print.h"
 #include "scene/DataScene.h"
 #include "scene/Progress.h"
@@ -27,6 +36,13 @@ int fail(ExitStatus status, const std::string& message)
 {
     std::cerr << "strandview: " << message << "\n";
     return status;
+}
+
+// A refusal stays one line: notices are told only when all is well.
+void tell(const std::vector<std::string>& notices)
+{
+    for (const std::string& notice : notices)
+        std::cerr << "strandview: " << notice << "\n";
 }
 
 int renderPicture(const Options& options, DataScene* scene)
@@ -47,6 +63,32 @@ int renderPicture(const Options& options, DataScene* scene)
     return unprinted.empty() ? SUCCESS : fail(CANNOT_WRITE, unprinted);
 }
 
+// Of a series that can be read again it is the picture of the first frame, as among all of them.
+int renderStill(const Options& options)
+{
+    ReadReport report;
+    TerminalProgress progress;
+    std::optional<Configuration> data = readFiles(options.files, options, report, progress);
+    const bool canBeReadAgain =
+        std::all_of(options.files.begin(), options.files.end(), [](const std::string& file) {
+            std::error_code unknown;
+            return std::filesystem::is_regular_file(file, unknown);
+        });
+    if (data && report.frames > 1 && canBeReadAgain)
+        return renderSeries(options);
+    // The end of the process gives its memory back at once, a long DNA's nodes one by one: a
+    // seventh of the time.
+    static DataScene* scene = nullptr;
+    if (data)
+        scene = makeScene(std::move(*data), options, report, progress);
+    progress.hide();
+    if (!scene)
+        return fail(BAD_INPUT, report.error);
+    tell(report.notices);
+    scene->ref();
+    return renderPicture(options, scene);
+}
+
 int tellFindings(const Options& options)
 {
     ReadReport report;
@@ -57,13 +99,6 @@ int tellFindings(const Options& options)
     const std::string untold = print(options.asJson ? toJson(*findings, options.dna.angstrom)
                                                     : describe(*findings, options.dna.angstrom));
     return untold.empty() ? SUCCESS : fail(CANNOT_WRITE, untold);
-}
-
-// A refusal stays one line: notices are told only when all is well.
-void tell(const std::vector<std::string>& notices)
-{
-    for (const std::string& notice : notices)
-        std::cerr << "strandview: " << notice << "\n";
 }
 
 int exportData(const Options& options)
@@ -96,12 +131,20 @@ int showWindow(const Options& options)
     return failure.empty() ? SUCCESS : fail(CANNOT_WRITE, failure);
 }
 
+// One line if pictures of this name, or of these, are none that can be written.
+std::string checkPicture(const std::string& name, bool transparent)
+{
+    if (PictureName(name).countNumbers() > 1)
+        return "--render: found " + inQuotes(name) + ", expected one place for the frame's number";
+    return checkPictureName("--render", name, transparent);
+}
+
 // What can be refused before a long file is read.
 int checkOutput(const Options& options)
 {
     std::string refusal;
     if (options.picture)
-        refusal = checkPictureName("--render", *options.picture, options.transparent);
+        refusal = checkPicture(*options.picture, options.transparent);
     else if (options.exportFile)
         refusal = checkExportName(*options.exportFile);
     else if (options.windowPicture)
@@ -112,7 +155,7 @@ int checkOutput(const Options& options)
                                                : options.exportFile ? options.exportFile
                                                                     : options.windowPicture;
     if (output)
-        refusal = checkWritable(*output);
+        refusal = checkWritable(options.picture ? PictureName(*output).of(0) : *output);
     if (refusal.empty() && !options.picture && !options.exportFile)
         refusal = checkDisplay();
     return refusal.empty() ? SUCCESS : fail(CANNOT_WRITE, refusal);
@@ -127,6 +170,8 @@ int run(int argc, char** argv)
 
     if (options.info)
         return tellFindings(options);
+    if (options.series.listFrames)
+        return renderSeries(options);
     const int refused = checkOutput(options);
     if (refused)
         return refused;
@@ -138,16 +183,7 @@ int run(int argc, char** argv)
     if (!options.picture)
         return showWindow(options);
 
-    ReadReport report;
-    // The end of the process gives its memory back at once, a long DNA's nodes one by one: a
-    // seventh of the time.
-    static DataScene* scene = nullptr;
-    scene = loadScene(options.files, options, report);
-    if (!scene)
-        return fail(BAD_INPUT, report.error);
-    tell(report.notices);
-    scene->ref();
-    return renderPicture(options, scene);
+    return asksForSeries(options) ? renderSeries(options) : renderStill(options);
 }
 
 } // namespace

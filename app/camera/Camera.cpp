@@ -128,6 +128,31 @@ SbRotation rotationOf(const std::array<float, 4>& quaternion)
     return rotation;
 }
 
+// As fitScene(), for a scene that fills the box.
+void fitBox(SoCamera& camera, const SbBox3f& box, const SbViewportRegion& region, float bottom)
+{
+    if (isPerspective(camera))
+        fitPerspective(static_cast<SoPerspectiveCamera&>(camera), box, region, bottom);
+    else
+        fitOrthographic(static_cast<SoOrthographicCamera&>(camera), box, region, bottom);
+    setClipping(camera, box);
+}
+
+// Towards the side that was asked for, from nowhere.
+void turn(SoCamera& camera, const CameraRequest& request)
+{
+    const ViewAxes axes = axesOf(request.side.value_or(Side::Z));
+    camera.position = SbVec3f(0, 0, 0); // so that nothing is rounded by where it was
+    camera.pointAt(axes.direction, axes.up);
+}
+
+SoCamera* newCamera(const CameraRequest& request)
+{
+    if (request.isPerspective())
+        return new SoPerspectiveCamera;
+    return new SoOrthographicCamera;
+}
+
 void setNumbers(SoCamera& camera, const CameraNumbers& numbers)
 {
     camera.position = SbVec3f(numbers.position.data());
@@ -162,11 +187,7 @@ ViewAxes axesOf(Side side)
 SoCamera* makeCamera(const CameraRequest& request, SoNode* scene, const SbViewportRegion& region,
                      float bottom)
 {
-    SoCamera* camera = nullptr;
-    if (request.isPerspective())
-        camera = new SoPerspectiveCamera;
-    else
-        camera = new SoOrthographicCamera;
+    SoCamera* camera = newCamera(request);
     placeCamera(*camera, request, scene, region, bottom);
     return camera;
 }
@@ -179,22 +200,15 @@ void placeCamera(SoCamera& camera, const CameraRequest& request, SoNode* scene,
         setClipping(camera, boxOf(scene, region));
         return;
     }
-    const ViewAxes axes = axesOf(request.side.value_or(Side::Z));
-    camera.position = SbVec3f(0, 0, 0); // so that nothing is rounded by where it was
-    camera.pointAt(axes.direction, axes.up);
+    turn(camera, request);
     fitScene(camera, scene, region, bottom);
 }
 
 void fitScene(SoCamera& camera, SoNode* scene, const SbViewportRegion& region, float bottom)
 {
     const SbBox3f box = boxOf(scene, region);
-    if (box.isEmpty())
-        return;
-    if (isPerspective(camera))
-        fitPerspective(static_cast<SoPerspectiveCamera&>(camera), box, region, bottom);
-    else
-        fitOrthographic(static_cast<SoOrthographicCamera&>(camera), box, region, bottom);
-    setClipping(camera, box);
+    if (!box.isEmpty())
+        fitBox(camera, box, region, bottom);
 }
 
 void keepInFront(SoCamera& camera, SoNode* scene, const SbViewportRegion& region)
@@ -228,6 +242,20 @@ CameraNumbers numbersOf(const SoCamera& camera)
     numbers.size = numbers.perspective
                        ? static_cast<const SoPerspectiveCamera&>(camera).heightAngle.getValue()
                        : static_cast<const SoOrthographicCamera&>(camera).height.getValue();
+    return numbers;
+}
+
+CameraNumbers numbersFor(const CameraRequest& request, const SbBox3f& box,
+                         const SbViewportRegion& region, float bottom)
+{
+    if (request.numbers)
+        return *request.numbers;
+    SoCamera* camera = newCamera(request);
+    camera->ref();
+    turn(*camera, request);
+    fitBox(*camera, box, region, bottom);
+    const CameraNumbers numbers = numbersOf(*camera);
+    camera->unref();
     return numbers;
 }
 

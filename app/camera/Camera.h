@@ -2,6 +2,7 @@
 #ifndef STRANDVIEW_APP_CAMERA_CAMERA_H
 #define STRANDVIEW_APP_CAMERA_CAMERA_H
 
+#include <Inventor/SbBox3f.h>
 #include <Inventor/SbVec3f.h>
 
 #include "request/CameraRequest.h"
@@ -42,6 +43,11 @@ void fitScene(SoCamera& camera, SoNode* scene, const SbViewportRegion& region, f
 void keepInFront(SoCamera& camera, SoNode* scene, const SbViewportRegion& region);
 
 CameraNumbers numbersOf(const SoCamera& camera);
+
+/// The numbers of the camera that placeCamera() places for a scene that fills the box; those of the
+/// request if it has some. The box is not empty.
+CameraNumbers numbersFor(const CameraRequest& request, const SbBox3f& box,
+                         const SbViewportRegion& region, float bottom);
 
 } // namespace strandview
 

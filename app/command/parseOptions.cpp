@@ -9,6 +9,7 @@
 #include <cstring>
 #include <iostream>
 #include <limits>
+#include <set>
 #include <sstream>
 
 #include <CLI/CLI.hpp>
@@ -23,6 +24,10 @@
 namespace strandview {
 
 namespace {
+
+// What the look of a picture does not depend on.
+const std::set<std::string> NOT_OF_LOOK{"render", "frame",     "frames",      "series",
+                                        "shard",  "overwrite", "list-frames", "print-camera"};
 
 bool parseSize(const std::string& text, int& width, int& height)
 {
@@ -246,13 +251,16 @@ void addWindowPicture(CLI::App& app, CLI::Option* render, Options& options)
 
 void parseRange(const std::string& text, Options& options)
 {
+    options.series.ownRange = text == "frame";
+    if (text == "frame" || text == "auto")
+        return;
     const std::size_t colon = text.find(':');
     if (colon == std::string::npos || !parseLimit(text.substr(0, colon), options.rangeMin) ||
         !parseLimit(text.substr(colon + 1), options.rangeMax) ||
         (options.rangeMin && options.rangeMax && !(*options.rangeMin < *options.rangeMax))) {
         throw CLI::ValidationError("--range", "found '" + text +
-                                                  "', expected MIN:MAX with MIN below MAX; "
-                                                  "either may be left out");
+                                                  "', expected MIN:MAX with MIN below MAX, of "
+                                                  "which either may be left out, auto or frame");
     }
     if (options.rangeMin && options.rangeMax && !isRange(*options.rangeMin, *options.rangeMax))
         throw CLI::ValidationError("--range",
@@ -288,7 +296,8 @@ void addColouring(CLI::App& app, Options& options)
             ->group(group);
     app.add_option_function<std::string>(
            "--range", [&options](const std::string& text) { parseRange(text, options); },
-           "Values at the ends of the colours [those of the data]")
+           "Values at the ends of the colours: auto is those of all frames, frame those of each "
+           "[auto]")
         ->type_name("MIN:MAX")
         ->needs(colourBy)
         ->group(group);
@@ -325,7 +334,9 @@ void addFiles(CLI::App& app, Options& options)
     app.add_option("FILE", options.files,
                    namedFormats() + ", or others known by their content; - is standard input");
     CLI::Option* render =
-        app.add_option("--render", options.picture, "Write a picture instead of opening a window")
+        app.add_option("--render", options.picture,
+                       "Write a picture instead of opening a window; with %d or %05d in the name, "
+                       "one of every frame")
             ->type_name("OUT.png");
     addSize(app, options);
     addCount(app, "--samples", options.samples, 1, 8, "Smooth edges: N x N samples per pixel [3]")
@@ -338,13 +349,86 @@ void addFiles(CLI::App& app, Options& options)
                    "standard output")
         ->type_name("OUT.json")
         ->excludes(render);
-    addCount(app, "--frame", options.frame, 0, std::numeric_limits<int>::max(),
-             "The frame of a series, counted from 0 [0]");
     app.add_flag("--normalise", options.normalise,
                  "Accept quaternions and directors that are not unit and normalise them");
     addInfo(app, render, options);
     app.add_flag("--closed", options.closed,
                  "Close every rod whose ends are apart by one more element [what files close]");
+}
+
+// Text that `parse` makes a value of, or that is told as found where something was expected.
+template <typename Value, typename Target>
+CLI::Option* addParsed(CLI::App& app, const std::string& name, Target& target,
+                       std::optional<Value> (*parse)(const std::string& text),
+                       const std::string& expected, const std::string& help)
+{
+    return app.add_option_function<std::string>(
+        name,
+        [name, &target, parse, expected](const std::string& text) {
+            const std::optional<Value> value = parse(text);
+            if (!value)
+                throw CLI::ValidationError(name,
+                                           "found " + inQuotes(text) + ", expected " + expected);
+            target = *value;
+        },
+        help);
+}
+
+// The frames of a series.
+void addSeries(CLI::App& app, Options& options)
+{
+    const std::string group = "Series";
+    SeriesRequest& series = options.series;
+    CLI::Option* render = app.get_option("--render");
+    addCount(app, "--frame", options.frame, 0, std::numeric_limits<int>::max(),
+             "The frame of a series, counted from 0 [0]")
+        ->group(group);
+    addParsed(app, "--frames", series.frames, &parseFrameSlice,
+              "a slice A:B or A:B:STEP; --frame takes one",
+              "The frames to render, as Python slices a list [all of them]")
+        ->type_name("A:B:STEP")
+        ->excludes(app.get_option("--frame"))
+        ->group(group);
+    app.add_flag("--series", series.isOfFiles,
+                 "Each file is a frame, in the order of their numbers; a folder is its files")
+        ->group(group);
+    addParsed(app, "--shard", series.shard, &parseShard, "i/n with 0 <= i < n",
+              "Render only every n-th of the frames, from the i-th on, counted from 0")
+        ->type_name("i/n")
+        ->needs(render)
+        ->group(group);
+    app.add_flag("--overwrite", series.overwrite,
+                 "Also render pictures that are there, made from the same")
+        ->needs(render)
+        ->group(group);
+    app.add_flag("--stamp", series.stamp, "Write frame and time into the picture")
+        ->needs(render)
+        ->group(group);
+    app.add_flag("--list-frames", series.listFrames,
+                 "Print what would be rendered: number, time and name of each frame")
+        ->excludes(app.get_option("--info"))
+        ->excludes(app.get_option("--export"))
+        ->excludes(app.get_option("--screenshot-after"))
+        ->group(group);
+}
+
+// What the look of a picture depends on: options with their values, but for those that say which
+// pictures are made and where.
+std::string lookOf(const CLI::App& app)
+{
+    std::string text;
+    for (const CLI::Option* option : app.get_options({})) {
+        if (option->count() == 0 || option->get_lnames().empty())
+            continue;
+        const std::string& name = option->get_lnames().front();
+        if (NOT_OF_LOOK.count(name) > 0)
+            continue;
+        text += "--" + name;
+        for (const std::string& value : option->results())
+            text += " " + value;
+        text += "\n";
+    }
+    return text;
 }
 
 void addLook(CLI::App& app, Options& options)
@@ -473,6 +557,7 @@ ParsedOptions parseOptions(int argc, const char* const* argv)
     app.set_version_flag("--version", "strandview " STRANDVIEW_VERSION);
     app.footer("American spellings are understood, too: --color-by, --normalize and so on.");
     addFiles(app, options);
+    addSeries(app, options);
     addLook(app, options);
     addColouring(app, options);
     addDna(app, options);
@@ -481,7 +566,10 @@ ParsedOptions parseOptions(int argc, const char* const* argv)
     try {
         parseArguments(app, inOwnSpelling(argc, argv));
         options.given = givenOptions(app);
-        if ((options.picture || options.info || options.exportFile) && options.files.empty())
+        options.look = lookOf(app);
+        const bool needsFile =
+            options.picture || options.info || options.exportFile || options.series.listFrames;
+        if (needsFile && options.files.empty())
             throw CLI::RequiredError("FILE");
         if (std::count(options.files.begin(), options.files.end(), "-") > 1)
             throw CLI::ValidationError("FILE", "found - twice, expected standard input once");

@@ -1,6 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "output/OutputFile.h"
 
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <QFile>
@@ -34,7 +42,47 @@ std::string OutputFile::open()
     const QFileInfo target(device->fileName());
     if (target.exists() && !target.isFile())
         return name + ": found something that is no file, expected a file or nothing there";
-    return device->open(MODE) ? "" : failure();
+    return openUnnamed() || device->open(MODE) ? "" : failure();
+}
+
+// Where nothing is yet, not even a link, on file systems that have such files.
+bool OutputFile::openUnnamed()
+{
+    namespace fs = std::filesystem;
+    std::error_code unknown;
+    if (fs::symlink_status(name, unknown).type() != fs::file_type::not_found)
+        return false;
+    const fs::path folder = fs::path(name).parent_path();
+    const mode_t forAll = 0666; // but what the user's mask takes away
+    const int file =
+        ::open(folder.empty() ? "." : folder.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, forAll);
+    if (file < 0)
+        return false;
+    auto unnamed = std::make_unique<QFile>();
+    isUnnamed = unnamed->open(file, MODE, QFileDevice::AutoCloseHandle);
+    if (isUnnamed)
+        device = std::move(unnamed);
+    return isUnnamed;
+}
+
+// Meanwhile another program may have written it: then it is replaced.
+std::string OutputFile::giveName()
+{
+    const std::string file = "/proc/self/fd/" + std::to_string(device->handle());
+    const auto linkTo = [&file](const std::string& path) {
+        return ::linkat(AT_FDCWD, file.c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW) == 0;
+    };
+    if (::fsync(device->handle()) == 0 && linkTo(name))
+        return "";
+    const std::string beside = name + "." + std::to_string(::getpid());
+    if (errno == EEXIST && linkTo(beside)) {
+        if (std::rename(beside.c_str(), name.c_str()) == 0)
+            return "";
+        const int reason = errno;
+        ::unlink(beside.c_str());
+        errno = reason;
+    }
+    return name + ": " + std::strerror(errno);
 }
 
 // A disk that becomes full takes a part, and tells why at the next.
@@ -51,6 +99,8 @@ bool OutputFile::write(std::string_view bytes)
 std::string OutputFile::finish()
 {
     auto* file = qobject_cast<QSaveFile*>(device.get());
+    if (isUnnamed && isTaken)
+        return giveName();
     return isTaken && (!file || file->commit()) ? "" : failure();
 }
 

@@ -10,8 +10,9 @@ class QFileDevice;
 
 namespace strandview {
 
-/// A file that appears complete or not at all: it is written beside what it replaces. Standard
-/// output for "-", which shows what is written as it comes.
+/// A file that appears complete or not at all: it is written beside what it replaces, or, where
+/// nothing is there yet and the file system can, without a name, so that nothing is left even of a
+/// program that was killed. Standard output for "-", which shows what is written as it comes.
 class OutputFile
 {
 public:
@@ -30,10 +31,13 @@ public:
 
 private:
     std::string failure() const;
+    bool openUnnamed();
+    std::string giveName();
 
     std::string name; ///< for messages
     std::unique_ptr<QFileDevice> device;
     bool isTaken = true;
+    bool isUnnamed = false; ///< until it is finished
 };
 
 /// Empty if a file of this name can be written where it is; otherwise one line that says

@@ -274,7 +274,8 @@ std::string saveImage(const QImage& image, const std::string& name)
     return file.finish();
 }
 
-std::string writePicture(SoGeneralScene* scene, const Picture& picture, CameraNumbers* usedCamera)
+std::string drawPicture(SoGeneralScene* scene, const Picture& picture, QImage& image,
+                        CameraNumbers* usedCamera)
 {
     const SbViewportRegion region{short(picture.width), short(picture.height)};
     SoCamera* camera = makeCamera(picture.camera, scene, region, picture.bottom);
@@ -286,20 +287,29 @@ std::string writePicture(SoGeneralScene* scene, const Picture& picture, CameraNu
         *usedCamera = numbersOf(*camera);
     const bool perspectiveBefore = scene->isShaderPersp();
     scene->setShaderPersp(picture.camera.isPerspective());
-    QImage image(picture.width, picture.height,
-                 picture.transparent ? QImage::Format_RGBA8888 : QImage::Format_RGB888);
+    image = QImage(picture.width, picture.height,
+                   picture.transparent ? QImage::Format_RGBA8888 : QImage::Format_RGB888);
     std::string failure = TOO_LITTLE_MEMORY;
     try {
         if (!image.isNull())
             failure = render(root, region, picture, image);
-        if (failure.empty())
-            failure = saveImage(image, picture.file);
     } catch (const std::bad_alloc&) {
         failure = TOO_LITTLE_MEMORY;
     }
     root->unref();
     scene->setShaderPersp(perspectiveBefore);
     return failure;
+}
+
+std::string writePicture(SoGeneralScene* scene, const Picture& picture, CameraNumbers* usedCamera)
+{
+    QImage image;
+    std::string failure = drawPicture(scene, picture, image, usedCamera);
+    try {
+        return failure.empty() ? saveImage(image, picture.file) : failure;
+    } catch (const std::bad_alloc&) {
+        return TOO_LITTLE_MEMORY;
+    }
 }
 
 } // namespace strandview

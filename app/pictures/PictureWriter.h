@@ -35,9 +35,12 @@ struct Picture
 /// says which can.
 std::string checkPictureName(const std::string& option, const std::string& file, bool transparent);
 
-/// Renders the scene off screen and writes it. The file appears complete or not at all.
-/// Returns one line that says what failed, or nothing. `usedCamera`, if not null, is
-/// told the camera.
+/// Renders the scene off screen. Returns one line that says what failed, or nothing.
+/// `usedCamera`, if not null, is told the camera. The picture's file is not looked at.
+std::string drawPicture(SoGeneralScene* scene, const Picture& picture, QImage& image,
+                        CameraNumbers* usedCamera = nullptr);
+
+/// Draws and saves it. The file appears complete or not at all.
 std::string writePicture(SoGeneralScene* scene, const Picture& picture,
                          CameraNumbers* usedCamera = nullptr);
 

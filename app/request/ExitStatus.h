@@ -7,8 +7,9 @@ namespace strandview {
 /// What the program ends with.
 enum ExitStatus {
     SUCCESS = 0,
-    CANNOT_WRITE = 1, ///< an output, or there is no display to show a window on
-    BAD_INPUT = 2     ///< of the command line, or in a file
+    CANNOT_WRITE = 1, ///< an output, or a frame of a series; or there is no display for a window
+    BAD_INPUT = 2,    ///< of the command line, or in a file
+    INTERRUPTED = 130 ///< by the user (SIGINT, or SIGTERM), as shells tell it
 };
 
 } // namespace strandview

@@ -9,6 +9,7 @@
 
 #include "request/CameraRequest.h"
 #include "request/Colour.h"
+#include "request/FrameSlice.h"
 
 namespace strandview {
 
@@ -23,14 +24,29 @@ struct DnaLook
     double angstrom = 1; ///< of them in the data's unit
 };
 
+/// Which pictures of a series are rendered, and how.
+struct SeriesRequest
+{
+    bool isOfFiles = false;           ///< each file is a frame; a folder is all that are in it
+    std::optional<FrameSlice> frames; ///< all if left out
+    Shard shard;
+    bool overwrite = false;  ///< also pictures that are there
+    bool listFrames = false; ///< instead of rendering them
+    bool stamp = false;      ///< frame and time are written into the picture
+    bool ownRange = false;   ///< each frame has a colour range of its own
+};
+
 /// What the command line asks for. What is not given is chosen from the data.
 struct Options
 {
     std::vector<std::string> files;
     std::vector<std::string> given; ///< every option of the command line, such as "--radius"
+    /// Those that a picture depends on, with their values: the same text for the same look.
+    std::string look;
     bool normalise = false;
     bool closed = false;      ///< every rod, ReadOptions::close
     std::optional<int> frame; ///< of a series, counted from 0; else the first, or all to export
+    SeriesRequest series;
 
     /// What was found is told on standard output, for people or as JSON; nothing is shown.
     bool info = false;
@@ -39,7 +55,8 @@ struct Options
     /// The data to write instead of showing them.
     std::optional<std::string> exportFile;
 
-    /// The picture to write; without one a window opens.
+    /// The picture to write, or the pattern of names of a series' pictures; without one a window
+    /// opens.
     std::optional<std::string> picture;
     int pictureWidth = 1200;
     int pictureHeight = 900;

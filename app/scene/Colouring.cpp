@@ -42,61 +42,6 @@ std::string availableScalars(const std::vector<Rod>& rods)
     return text;
 }
 
-// The least and the greatest of some numbers; infinite, the other way round, if there are none.
-struct Limits
-{
-    double min = std::numeric_limits<double>::infinity();
-    double max = -std::numeric_limits<double>::infinity();
-
-    void include(double value)
-    {
-        min = std::min(min, value);
-        max = std::max(max, value);
-    }
-    bool isEmpty() const { return !(min <= max); }
-    double magnitude() const { return std::max(std::abs(min), std::abs(max)); }
-};
-
-// What is known of all values together.
-struct Summary
-{
-    Limits values;
-    // Every number that is off from each value by at most its rounding is between these.
-    double agreedMin = -std::numeric_limits<double>::infinity();
-    double agreedMax = std::numeric_limits<double>::infinity();
-    bool isRounding = true; ///< no value is more than the rounding of 0
-    std::size_t missing = 0;
-
-    void include(double value, double rounding)
-    {
-        if (!std::isfinite(value)) {
-            ++missing;
-            return;
-        }
-        values.include(value);
-        agreedMin = std::max(agreedMin, value - rounding);
-        agreedMax = std::min(agreedMax, value + rounding);
-        isRounding = isRounding && std::abs(value) <= rounding;
-    }
-
-    bool isConstant() const
-    {
-        return agreedMin - agreedMax <= std::max(1e-9 * values.magnitude(), 1e-300);
-    }
-
-    // The number of a constant, with the digits that rounding leaves of it.
-    std::string constantText() const
-    {
-        if (isRounding)
-            return "0";
-        const int mostDigits = 9;
-        const double number = agreedMin / 2 + agreedMax / 2;
-        const double doubt = std::abs(agreedMax - agreedMin) / 2;
-        const double digits = std::floor(std::log10(std::abs(number) / doubt));
-        return numberText(number, digits > 1 ? int(std::min<double>(digits, mostDigits)) : 1);
-    }
-};
-
 std::string optionText(const Options& options)
 {
     return "--colour-by " + onOneLine(*options.colourBy);
@@ -140,7 +85,7 @@ void noteIgnoredColours(const Options& options, const Configuration& configurati
         report.notices.push_back(optionText(options) + ": leaves " + ignored + " without effect");
 }
 
-void note(const Options& options, const Colouring& colouring, const Summary& summary,
+void note(const Options& options, const Colouring& colouring, const ValueSummary& summary,
           ReadReport& report)
 {
     const auto tell = [&](const std::string& text) {
@@ -229,7 +174,7 @@ void placeBesideConstant(Colouring& colouring, const std::vector<Rod>& rods)
 }
 
 // All are in the middle of the ramp.
-void placeConstant(Colouring& colouring, const Summary& summary)
+void placeConstant(Colouring& colouring, const ValueSummary& summary)
 {
     colouring.constant = summary.constantText();
     colouring.constantMin = std::min(summary.agreedMin, summary.agreedMax);
@@ -250,10 +195,10 @@ std::vector<Values> findValues(const std::vector<Rod>& rods, const std::string& 
     return all;
 }
 
-Summary summarise(const std::vector<Values>& values, const std::vector<Rod>& rods,
-                  const std::string& name)
+ValueSummary summarise(const std::vector<Values>& values, const std::vector<Rod>& rods,
+                       const std::string& name)
 {
-    Summary summary;
+    ValueSummary summary;
     for (std::size_t i = 0; i < rods.size(); ++i) {
         if (values[i].empty())
             continue;
@@ -266,7 +211,7 @@ Summary summarise(const std::vector<Values>& values, const std::vector<Rod>& rod
 
 // One line if there is nothing to colour by, or nothing.
 std::string checkValues(const Options& options, const std::vector<Rod>& rods,
-                        const std::vector<Values>& values, const Summary& summary)
+                        const std::vector<Values>& values, const ValueSummary& summary)
 {
     const bool found = std::any_of(values.begin(), values.end(),
                                    [](const Values& ofRod) { return !ofRod.empty(); });
@@ -280,8 +225,51 @@ std::string checkValues(const Options& options, const std::vector<Rod>& rods,
 
 } // namespace
 
+void ValueSummary::include(double value, double rounding)
+{
+    if (!std::isfinite(value)) {
+        ++missing;
+        return;
+    }
+    values.include(value);
+    agreedMin = std::max(agreedMin, value - rounding);
+    agreedMax = std::min(agreedMax, value + rounding);
+    isRounding = isRounding && std::abs(value) <= rounding;
+}
+
+void ValueSummary::include(const ValueSummary& others)
+{
+    values.min = std::min(values.min, others.values.min);
+    values.max = std::max(values.max, others.values.max);
+    agreedMin = std::max(agreedMin, others.agreedMin);
+    agreedMax = std::min(agreedMax, others.agreedMax);
+    isRounding = isRounding && others.isRounding;
+    missing += others.missing;
+}
+
+bool ValueSummary::isConstant() const
+{
+    return agreedMin - agreedMax <= std::max(1e-9 * values.magnitude(), 1e-300);
+}
+
+std::string ValueSummary::constantText() const
+{
+    if (isRounding)
+        return "0";
+    const int mostDigits = 9;
+    const double number = agreedMin / 2 + agreedMax / 2;
+    const double doubt = std::abs(agreedMax - agreedMin) / 2;
+    const double digits = std::floor(std::log10(std::abs(number) / doubt));
+    return numberText(number, digits > 1 ? int(std::min<double>(digits, mostDigits)) : 1);
+}
+
+ValueSummary summarise(const std::vector<Rod>& rods, const std::string& name)
+{
+    return summarise(findValues(rods, name), rods, name);
+}
+
 std::optional<Colouring> makeColouring(const Options& options, const Configuration& configuration,
-                                       ReadReport& report)
+                                       ReadReport& report, const ValueSummary* ofOthers)
 {
     const std::vector<Rod>& rods = configuration.rods;
     if (rods.empty()) {
@@ -292,7 +280,9 @@ std::optional<Colouring> makeColouring(const Options& options, const Configurati
     colouring.name = *options.colourBy;
     colouring.ramp = makeRamp(options);
     colouring.places = findValues(rods, colouring.name);
-    const Summary summary = summarise(colouring.places, rods, colouring.name);
+    ValueSummary summary = summarise(colouring.places, rods, colouring.name);
+    if (ofOthers)
+        summary.include(*ofOthers);
     report.error = checkValues(options, rods, colouring.places, summary);
     if (!report.error.empty())
         return std::nullopt;

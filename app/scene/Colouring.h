@@ -2,6 +2,8 @@
 #ifndef STRANDVIEW_APP_SCENE_COLOURING_H
 #define STRANDVIEW_APP_SCENE_COLOURING_H
 
+#include <algorithm>
+#include <cmath>
 #include <limits>
 #include <optional>
 #include <string>
@@ -47,14 +49,53 @@ struct Colouring
     bool isMissing = false; ///< a value is no number
 };
 
+/// The least and the greatest of some numbers; infinite, the other way round, if there are none.
+struct Limits
+{
+    double min = std::numeric_limits<double>::infinity();
+    double max = -std::numeric_limits<double>::infinity();
+
+    void include(double value)
+    {
+        min = std::min(min, value);
+        max = std::max(max, value);
+    }
+    bool isEmpty() const { return !(min <= max); }
+    double magnitude() const { return std::max(std::abs(min), std::abs(max)); }
+};
+
+/// What is known of all values of a scalar together, in one frame or in many.
+struct ValueSummary
+{
+    /// One more, which may be off by its rounding.
+    void include(double value, double rounding);
+    void include(const ValueSummary& others);
+
+    /// Whether all may be the same number.
+    bool isConstant() const;
+    /// The number of a constant, with the digits that rounding leaves of it.
+    std::string constantText() const;
+
+    Limits values;
+    // Every number that is off from each value by at most its rounding is between these.
+    double agreedMin = -std::numeric_limits<double>::infinity();
+    double agreedMax = std::numeric_limits<double>::infinity();
+    bool isRounding = true;  ///< no value is more than the rounding of 0
+    std::size_t missing = 0; ///< so many are no numbers
+};
+
+/// Of the scalar of that name of all rods that have it.
+ValueSummary summarise(const std::vector<Rod>& rods, const std::string& name);
+
 /// The colouring that the options ask for by name. Its limits are those of all values unless
 /// given. Values that differ by less than a 1e-9th of the largest, or by what the rounding of
 /// points and frames may cause, are a constant. A notice tells this, how many rods have no
 /// such scalar, how many values are no numbers, and which options have no effect. Nothing, and
 /// one line in report.error, if no rod has the scalar, none of its values is a number, or the
-/// limits leave no room between them.
+/// limits leave no room between them. The values of other frames of a series, if given, count for
+/// the limits, and the constant, as the configuration's own do.
 std::optional<Colouring> makeColouring(const Options& options, const Configuration& configuration,
-                                       ReadReport& report);
+                                       ReadReport& report, const ValueSummary* ofOthers = nullptr);
 
 /// The same colouring of another frame, in any thread: name, ramp, the values at its ends and the
 /// constant stay, and the values of the frame get their places among them. Rods without the scalar

@@ -199,6 +199,15 @@ void DataScene::setBackground(const Colour& background)
         setLegendBackground(*legend->getChild(0), background);
 }
 
+void DataScene::setStamp(SoNode* next)
+{
+    if (stamp)
+        removeChild(stamp);
+    stamp = next;
+    if (stamp)
+        addChild(stamp);
+}
+
 Told DataScene::describe(const SoPickedPoint& picked) const
 {
     const SbVec3f scenePoint = picked.getPoint();

@@ -71,6 +71,9 @@ public:
     /// Keeps the legend readable on another background.
     void setBackground(const Colour& background);
 
+    /// Draws a stamp over the scene, or none of null, instead of the one before.
+    void setStamp(SoNode* stamp);
+
     /// "point 0.1 2 3, arc length 1.5 of 8" of "helix.txt:1: rod 1", in the data's
     /// coordinates; the arc length is that of the nearest point of the centreline, of a
     /// birod its average's. "pair 12 AT, strand 2, point 0.1 2 3" of "dna.txt:1: DNA 1".
@@ -110,6 +113,7 @@ private:
     Side standardSide = Side::Z;
     std::optional<Colouring> colouring;
     SoSwitch* legend = nullptr;
+    SoNode* stamp = nullptr;
     Shininess highlights;           ///< while colours are shown: those without
     bool areUserHighlights = false; ///< changed while colours were shown
 };

@@ -6,21 +6,19 @@
 #include <Inventor/misc/SoChildList.h>
 #include <Inventor/nodes/SoBaseColor.h>
 #include <Inventor/nodes/SoCoordinate3.h>
-#include <Inventor/nodes/SoDepthBuffer.h>
 #include <Inventor/nodes/SoDrawStyle.h>
 #include <Inventor/nodes/SoFaceSet.h>
-#include <Inventor/nodes/SoLightModel.h>
 #include <Inventor/nodes/SoLineSet.h>
 #include <Inventor/nodes/SoMaterial.h>
 #include <Inventor/nodes/SoMaterialBinding.h>
 #include <Inventor/nodes/SoQuadMesh.h>
+#include <Inventor/nodes/SoSeparator.h>
 
 #include "request/conversions.h"
 #include "scene/Colouring.h"
 #include "scene/Lettering.h"
-#include "scene/SoLegendCamera.h"
-#include "scene/SoOverlay.h"
 #include "scene/Ticks.h"
+#include "scene/overlay.h"
 
 namespace strandview {
 
@@ -293,14 +291,7 @@ void addTexts(SoSeparator* legend, const std::vector<LegendText>& texts, const T
     std::vector<SbVec3f> corners;
     for (const LegendText& text : texts)
         letters.addCorners(text, corners);
-    auto* coordinates = new SoCoordinate3;
-    coordinates->point.setValues(0, int(corners.size()), corners.data());
-    auto* faces = new SoFaceSet;
-    const std::vector<int32_t> counts(corners.size() / 4, 4);
-    faces->numVertices.setValues(0, int(counts.size()), counts.data());
-    faces->numVertices.setNum(int(counts.size()));
-    legend->addChild(coordinates);
-    legend->addChild(faces);
+    addShapes(*legend, corners);
 }
 
 } // namespace
@@ -313,16 +304,7 @@ std::vector<LegendText> layOutLegend(const Colouring& colouring, float textSize)
 
 SoNode* makeLegend(const Colouring& colouring, const Colour& background, float textSize)
 {
-    auto* legend = new SoOverlay;
-    legend->addChild(new SoLegendCamera);
-    auto* depth = new SoDepthBuffer;
-    depth->test = FALSE;
-    depth->write = FALSE;
-    legend->addChild(depth);
-    auto* lightModel = new SoLightModel;
-    lightModel->model = SoLightModel::BASE_COLOR;
-    legend->addChild(lightModel);
-
+    SoSeparator* legend = makeOverlay();
     const Bar bar(colouring);
     addBar(legend, colouring, bar);
     addBesideBar(legend, colouring, bar);
@@ -338,11 +320,11 @@ SoNode* makeLegend(const Colouring& colouring, const Colour& background, float t
 
 void setLegendBackground(SoNode& legend, const Colour& background)
 {
-    const ColourMapper::Colour ink = ColourMapper::getForeground(toVector(background));
+    const SbColor ink = toSbColor(inkOn(background));
     for (int i = 0; i < legend.getChildren()->getLength(); ++i) {
         SoNode* child = (*legend.getChildren())[i];
         if (child->isOfType(SoBaseColor::getClassTypeId()))
-            static_cast<SoBaseColor*>(child)->rgb = toSbColor(ink);
+            static_cast<SoBaseColor*>(child)->rgb = ink;
     }
 }
 

@@ -252,6 +252,17 @@ SceneGeometry computeGeometry(const Configuration& next, const Style& style,
     return compute(next, measure(next), style, placement, progress, error);
 }
 
+SbBox3f findReach(const Configuration& configuration, const Style& style, SceneGeometry& geometry)
+{
+    SbBox3f box;
+    for (const auto& builder :
+         makeBuilders({configuration, style, geometry.placement, nullptr, false, geometry})) {
+        for (std::size_t i = 0; i < builder->count(); ++i)
+            box.extendBy(builder->getReach(i));
+    }
+    return box;
+}
+
 DataScene* buildScene(const Configuration& configuration, const Style& style,
                       const Colouring* colouring, SceneGeometry geometry, Progress& progress,
                       std::string& error)

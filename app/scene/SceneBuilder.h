@@ -4,6 +4,8 @@
 
 #include <string>
 
+#include <Inventor/SbBox3f.h>
+
 #include <strandview/model/Configuration.h>
 
 #include "scene/Placement.h"
@@ -28,6 +30,10 @@ SceneGeometry computeGeometry(const Configuration& configuration, const Style& s
 /// The same of another frame, whose placement is that of the first.
 SceneGeometry computeGeometry(const Configuration& next, const Style& style,
                               const Placement& placement, Progress& progress, std::string& error);
+
+/// Around all that buildScene() would show of a frame. No node is made, but it is for Coin's
+/// thread.
+SbBox3f findReach(const Configuration& configuration, const Style& style, SceneGeometry& geometry);
 
 /// Turns data, style and the data's geometry into nodes: the one place that does. Everything is
 /// changing content, lit at first; a legend of the colouring, if there is one, is drawn over it.

@@ -11,7 +11,7 @@
 #include "scene/Progress.h"
 #include "scene/SceneBuilder.h"
 #include "scene/Style.h"
-#include "scene/idleOptions.h"
+#include "scene/chooseLook.h"
 #include "scene/readFiles.h"
 
 namespace strandview {
@@ -27,31 +27,20 @@ struct Prepared
     SceneGeometry geometry;
 };
 
-std::shared_ptr<Prepared> prepare(const std::vector<std::string>& files, const Options& options,
-                                  ReadReport& report, Progress& progress)
+std::shared_ptr<Prepared> prepare(std::optional<Configuration> configuration,
+                                  const Options& options, ReadReport& report, Progress& progress)
 {
-    std::optional<Configuration> configuration = readFiles(files, options, report, progress);
     if (!configuration)
         return nullptr;
-    report.error = checkLengths(options, *configuration);
-    if (!report.error.empty())
-        return nullptr;
-    for (const std::string& line : findIdleOptions(options, *configuration))
-        report.notices.push_back(line);
+    const std::optional<Style> style = chooseStyle(options, *configuration, report);
     std::optional<Colouring> colouring;
-    if (options.colourBy) {
-        colouring = makeColouring(options, *configuration, report);
-        if (!colouring && !options.colourIfPossible)
-            return nullptr;
-        if (!colouring)
-            report.notices.push_back("not coloured: " + std::exchange(report.error, ""));
-    }
-    const Style style = makeStyle(options, *configuration);
-    SceneGeometry geometry = computeGeometry(*configuration, style, progress, report.error);
+    if (!style || !chooseColouring(options, *configuration, report, nullptr, colouring))
+        return nullptr;
+    SceneGeometry geometry = computeGeometry(*configuration, *style, progress, report.error);
     if (!report.error.empty())
         return nullptr;
     return std::make_shared<Prepared>(
-        Prepared{std::move(*configuration), style, std::move(colouring), std::move(geometry)});
+        Prepared{std::move(*configuration), *style, std::move(colouring), std::move(geometry)});
 }
 
 // What `load` gives, or nothing and an error if the memory is too little.
@@ -66,22 +55,36 @@ auto withinMemory(ReadReport& report, Load load) -> decltype(load())
     }
 }
 
+// Makes the nodes of what was prepared, if anything was.
+SceneMaker makerOf(const std::shared_ptr<Prepared>& prepared)
+{
+    if (!prepared)
+        return nullptr;
+    return [prepared](ReadReport& report, Progress& progress) {
+        return withinMemory(report, [&] {
+            return buildScene(prepared->configuration, prepared->style,
+                              prepared->colouring ? &*prepared->colouring : nullptr,
+                              std::move(prepared->geometry), progress, report.error);
+        });
+    };
+}
+
 } // namespace
 
 SceneMaker prepareScene(const std::vector<std::string>& files, const Options& options,
                         ReadReport& report, Progress& progress)
 {
-    const auto prepared =
-        withinMemory(report, [&] { return prepare(files, options, report, progress); });
-    if (!prepared)
-        return nullptr;
-    return [prepared](ReadReport& makeReport, Progress& makeProgress) {
-        return withinMemory(makeReport, [&] {
-            return buildScene(prepared->configuration, prepared->style,
-                              prepared->colouring ? &*prepared->colouring : nullptr,
-                              std::move(prepared->geometry), makeProgress, makeReport.error);
-        });
-    };
+    return makerOf(withinMemory(report, [&] {
+        return prepare(readFiles(files, options, report, progress), options, report, progress);
+    }));
+}
+
+DataScene* makeScene(Configuration configuration, const Options& options, ReadReport& report,
+                     Progress& progress)
+{
+    const SceneMaker make = makerOf(withinMemory(
+        report, [&] { return prepare(std::move(configuration), options, report, progress); }));
+    return make ? make(report, progress) : nullptr;
 }
 
 DataScene* loadScene(const std::vector<std::string>& files, const Options& options,

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include <strandview/formats/ReadReport.h>
+#include <strandview/model/Configuration.h>
 
 #include "request/Options.h"
 
@@ -26,7 +27,10 @@ using SceneMaker = std::function<DataScene*(ReadReport& report, Progress& progre
 SceneMaker prepareScene(const std::vector<std::string>& files, const Options& options,
                         ReadReport& report, Progress& progress);
 
-/// Both at once, with the progress on a terminal; Coin must have been initialised.
+/// Both at once, of what was read; Coin must have been initialised.
+DataScene* makeScene(Configuration configuration, const Options& options, ReadReport& report,
+                     Progress& progress);
+/// The same of files, with the progress on a terminal.
 DataScene* loadScene(const std::vector<std::string>& files, const Options& options,
                      ReadReport& report);
 

@@ -3,12 +3,14 @@
 #define STRANDVIEW_APP_SCENE_READFILES_H
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include <strandview/formats/ReadReport.h>
 #include <strandview/model/Configuration.h>
+#include <strandview/model/Series.h>
 
 #include "request/Options.h"
 
@@ -19,9 +21,17 @@ class Progress;
 /// What the readers are to do, and ask whether to go on.
 ReadOptions readOptionsOf(const Options& options, std::function<bool(double share)> goOn);
 
+/// The files as a series, for any thread: what each has beside what the others have (JointSeries),
+/// or, with options.series.isOfFiles, each file a frame in the natural order of their names ("f9"
+/// before "f10"), a folder standing for the files in it that a format could be of. Null, and one
+/// line in report.error, if a file cannot be opened, there is none, or it is stopped.
+std::unique_ptr<Series> openFiles(const std::vector<std::string>& files, const Options& options,
+                                  ReadReport& report, Progress& progress);
+
 /// All files in one configuration, in their order; nothing after the first that cannot be read, or
 /// once it is stopped, and one line in report.error. Of a series it is the frame of options.frame,
-/// or the first; beside a series a file of one configuration is in every frame. In any thread.
+/// or the first; beside a series a file of one configuration is in every frame. report.frames is
+/// that of the file that has most. In any thread.
 std::optional<Configuration> readFiles(const std::vector<std::string>& files,
                                        const Options& options, ReadReport& report,
                                        Progress& progress);

@@ -60,6 +60,32 @@ TEST_F(OutputFileTest, LeavesNothingUnlessItIsFinished)
     EXPECT_EQ(countFiles(), 0u);
 }
 
+// So that a program that is killed leaves nothing behind.
+TEST_F(OutputFileTest, HasNoNameBeforeItIsFinishedWhereNothingWasBefore)
+{
+    OutputFile file(folder.path("a"));
+    ASSERT_EQ(file.open(), "");
+    EXPECT_TRUE(file.write("half"));
+    EXPECT_EQ(countFiles(), 0u);
+    EXPECT_TRUE(file.write(" and half"));
+    EXPECT_EQ(file.finish(), "");
+    EXPECT_EQ(contentOf("a"), "half and half");
+    EXPECT_EQ(countFiles(), 1u);
+}
+
+TEST_F(OutputFileTest, TheLastThatIsFinishedStaysOfTwoThatAreWrittenAtATime)
+{
+    OutputFile first(folder.path("a")), second(folder.path("a"));
+    ASSERT_EQ(first.open(), "");
+    ASSERT_EQ(second.open(), "");
+    first.write("first");
+    second.write("second");
+    EXPECT_EQ(second.finish(), "");
+    EXPECT_EQ(first.finish(), "");
+    EXPECT_EQ(contentOf("a"), "first");
+    EXPECT_EQ(countFiles(), 1u);
+}
+
 TEST_F(OutputFileTest, ReplacesFilesAlone)
 {
     ASSERT_EQ(mkfifo(folder.path("pipe").c_str(), 0600), 0);

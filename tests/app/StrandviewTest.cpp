@@ -898,7 +898,8 @@ TEST_F(StrandviewTest, HelpAndVersionGoToStandardOutput)
           "--subsegments", "--no-tube",     "--no-ribbon", "--tube-colour",  "--ribbon-colour",
           "--background",  "--normalise",   "--closed",    "--samples",      "--transparent",
           "--view",        "--perspective", "--camera",    "--print-camera", "--screenshot-after",
-          "--export",      "--frame",       "--info",      "--json"})
+          "--export",      "--frame",       "--info",      "--json",         "--frames",
+          "--series",      "--shard",       "--overwrite", "--stamp",        "--list-frames"})
         EXPECT_THAT(help.output, HasSubstr(option));
 
     const ProgramRun version = run({"--version"});

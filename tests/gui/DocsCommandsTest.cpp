@@ -47,6 +47,7 @@ public:
         writeProgram("strandview", R"(samples='--samples 1'
 case " $* " in *' --samples '*) samples= ;; esac
 case " $* " in
+*' --list-frames '*) exec "$STRANDVIEW" "$@" ;;
 *' --render '*) exec "$STRANDVIEW" $samples "$@" ;;
 *' --export '*|*' --info '*) exec "$STRANDVIEW" "$@" ;;
 *) echo x >>windows
@@ -108,7 +109,7 @@ std::string answersOf(const CodeBlock& block)
 // The files that the commands say they write; not those of loops.
 std::vector<std::string> picturesOf(const std::string& commands)
 {
-    static const std::regex pattern("--render ([^ $]+\\.png)");
+    static const std::regex pattern("--render ([^ $%']+\\.png)");
     std::vector<std::string> pictures;
     for (std::sregex_iterator at(commands.begin(), commands.end(), pattern), end; at != end; ++at)
         pictures.push_back((*at)[1]);
@@ -136,7 +137,7 @@ TEST_P(DocsCommandsTest, DoAsTheyAreWritten)
     EXPECT_EQ(run.status, 0) << run.error;
     for (const std::string& picture : picturesOf(commands))
         EXPECT_TRUE(fs::exists(desk.place(picture))) << picture;
-    const int told = countIn(commands, std::regex("--info "));
+    const int told = countIn(commands, std::regex("--(info|list-frames) "));
     if (told == started && commands != GetParam().text()) {
         EXPECT_EQ(run.output, answersOf(GetParam()));
     }

@@ -39,12 +39,15 @@ const std::map<std::string, Rooms> MAY_INCLUDE{
     {"app/pictures",
      {"algebra3d", "model", "analysis", "formats", "src", "app/request", "app/camera",
       "app/output"}},
+    {"app/rendering",
+     {"algebra3d", "model", "analysis", "formats", "src", "app/request", "app/scene", "app/camera",
+      "app/output", "app/pictures"}},
     {"app/window",
      {"algebra3d", "model", "analysis", "formats", "src", "app/request", "app/scene", "app/camera",
       "app/output", "app/pictures"}},
     {"app",
      {"algebra3d", "model", "analysis", "formats", "src", "app/request", "app/command", "app/scene",
-      "app/camera", "app/info", "app/output", "app/pictures", "app/window"}},
+      "app/camera", "app/info", "app/output", "app/pictures", "app/rendering", "app/window"}},
 };
 
 // Data and no code: the atoms of bases, which the library draws and analysis fits, are said once,

@@ -152,10 +152,12 @@ const char* RodBuilder::getWork() const { return "Showing rod"; }
 
 SbBox3f RodBuilder::getReach(std::size_t index) const
 {
+    const Rod& rod = datum(index);
     const SoRod::Meshes& meshes = frame.geometry.rods[index].meshes;
     SbBox3f box = meshes.tube->getBBox();
-    box.extendBy(meshes.ribbon->getBBox());
-    if (datum(index).isBackbone)
+    if (showsRibbon(frame.style, rod))
+        box.extendBy(meshes.ribbon->getBBox());
+    if (rod.isBackbone)
         box.extendBy(headOf(index).getBox());
     return box;
 }

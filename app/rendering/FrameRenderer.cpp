@@ -1,0 +1,181 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "rendering/FrameRenderer.h"
+
+#include <new>
+#include <utility>
+
+#include <Inventor/SbViewportRegion.h>
+#include <QImageReader>
+
+#include <strandview/formats/text/wording.h>
+
+#include "camera/Camera.h"
+#include "pictures/PictureWriter.h"
+#include "scene/DataScene.h"
+#include "scene/Legend.h"
+#include "scene/Progress.h"
+#include "scene/Stamp.h"
+#include "scene/digest.h"
+
+namespace strandview {
+
+namespace {
+
+const char* const TOO_LITTLE_MEMORY = "found too little memory for it";
+const char* const FINGERPRINT = "strandview-made-from";
+
+// Of work that nobody watches.
+class SilentProgress : public Progress
+{
+public:
+    explicit SilentProgress(const Series::GoOn& goOn) : mayGoOn(goOn) {}
+    void show(const std::string&) override {}
+    void announce(const std::string&) override {}
+    bool isStopped() const override { return mayGoOn && !mayGoOn(0); }
+
+private:
+    const Series::GoOn& mayGoOn;
+};
+
+// Whether a picture is there that was made from the same.
+bool isThere(const std::string& file, const std::string& fingerprint)
+{
+    QImageReader reader(QString::fromStdString(file));
+    return reader.format() == "png" && reader.text(FINGERPRINT).toStdString() == fingerprint;
+}
+
+// What a colouring says beside the data's own values.
+std::string describe(const Colouring& colouring)
+{
+    return formatted(colouring.min) + " " + formatted(colouring.max) + " " + colouring.constant +
+           " " + formatted(colouring.constantMin) + " " + formatted(colouring.constantMax);
+}
+
+std::string write(const QImage& image, const std::string& file)
+{
+    try {
+        return saveImage(image, file);
+    } catch (const std::bad_alloc&) {
+        return TOO_LITTLE_MEMORY;
+    }
+}
+
+} // namespace
+
+// What came of drawing a frame.
+struct FrameRenderer::Drawn
+{
+    std::string failure = {};
+    bool wasThere = false;
+    QImage image = {};
+};
+
+FrameRenderer::FrameRenderer(Series& framesToDraw, const Stage& commonStage,
+                             const Options& askedOptions)
+    : series(framesToDraw), stage(commonStage), options(askedOptions), name(*options.picture)
+{
+    if (!stage.room.isEmpty()) {
+        CameraRequest request = options.camera;
+        request.side = request.side.value_or(stage.side);
+        const SbViewportRegion region{short(options.pictureWidth), short(options.pictureHeight)};
+        fixed = numbersFor(request, stage.room, region, stage.colouring ? LEGEND_HEIGHT : 0);
+        camera = *fixed;
+    }
+    common = "strandview " STRANDVIEW_VERSION "\n" + options.look + "\n" + stage.first + "\n" +
+             (fixed ? formatCamera(*fixed) : "") + "\n" +
+             (stage.colouring ? describe(*stage.colouring) : "") + "\n";
+}
+
+FrameRenderer::~FrameRenderer()
+{
+    if (scene)
+        scene->unref();
+}
+
+void FrameRenderer::render(std::size_t frame, const Series::GoOn& goOn, const Done& done)
+{
+    Drawn drawn;
+    try {
+        drawn = draw(frame, goOn);
+    } catch (const std::bad_alloc&) {
+        drawn.failure = TOO_LITTLE_MEMORY;
+    }
+    finish(done);
+    if (!drawn.failure.empty())
+        done(frame, {Outcome::FAILED, drawn.failure});
+    else if (drawn.wasThere)
+        done(frame, {Outcome::WAS_THERE});
+    else
+        written = {frame, std::async(std::launch::async, write, drawn.image, name.of(frame))};
+}
+
+void FrameRenderer::finish(const Done& done)
+{
+    if (!written)
+        return;
+    const std::string failure = written->failure.get();
+    const std::size_t frame = written->frame;
+    written.reset();
+    done(frame, {failure.empty() ? Outcome::WRITTEN : Outcome::FAILED, failure});
+}
+
+FrameRenderer::Drawn FrameRenderer::draw(std::size_t frame, const Series::GoOn& goOn)
+{
+    const LoadedFrame loaded = series.load(frame, goOn);
+    if (!loaded.configuration)
+        return {loaded.error};
+    const std::string fingerprint = fingerprintOf(frame, *loaded.configuration);
+    const bool isCameraKnown = fixed || !options.printCamera;
+    if (!options.series.overwrite && isCameraKnown && isThere(name.of(frame), fingerprint))
+        return {"", true};
+    Drawn drawn{show(*loaded.configuration, goOn)};
+    if (!drawn.failure.empty())
+        return drawn;
+    if (options.series.stamp)
+        scene->setStamp(makeStamp(stampOf(frame), options.background, stage.style.legendTextSize,
+                                  float(options.pictureWidth) / float(options.pictureHeight)));
+    drawn.failure =
+        drawPicture(scene,
+                    {name.of(frame), options.pictureWidth, options.pictureHeight, options.samples,
+                     options.background, options.transparent, cameraOf(), scene->getLegendHeight()},
+                    drawn.image, &camera);
+    drawn.image.setText(FINGERPRINT, QString::fromStdString(fingerprint));
+    return drawn;
+}
+
+std::string FrameRenderer::show(const Configuration& data, const Series::GoOn& goOn)
+{
+    SilentProgress progress(goOn);
+    if (!options.series.ownRange || !stage.colouring)
+        return showOnStage(scene, stage, data, progress);
+    ReadReport report;
+    Stage own = stage;
+    own.colouring = makeColouring(options, data, report);
+    if (!own.colouring)
+        return report.error;
+    if (scene)
+        scene->unref();
+    scene = nullptr;
+    return showOnStage(scene, own, data, progress);
+}
+
+std::string FrameRenderer::fingerprintOf(std::size_t frame, const Configuration& data) const
+{
+    return digestOf(common + (options.series.stamp ? stampOf(frame) : "") + "\n" + digestOf(data));
+}
+
+std::string FrameRenderer::stampOf(std::size_t frame) const
+{
+    return stampText(frame, series.time(frame));
+}
+
+CameraRequest FrameRenderer::cameraOf() const
+{
+    if (!fixed)
+        return scene->settle(options.camera);
+    CameraRequest request = options.camera;
+    request.numbers = fixed;
+    return request;
+}
+
+} // namespace strandview

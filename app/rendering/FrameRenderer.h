@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_APP_RENDERING_FRAMERENDERER_H
+#define STRANDVIEW_APP_RENDERING_FRAMERENDERER_H
+
+#include <cstddef>
+#include <functional>
+#include <future>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <QImage>
+
+#include <strandview/model/Series.h>
+
+#include "request/Options.h"
+#include "request/PictureName.h"
+#include "scene/Stage.h"
+
+namespace strandview {
+
+class DataScene;
+
+/// Draws the pictures of a series' frames, one after the other, with one scene and one stage. A
+/// picture does not depend on those before it.
+///
+/// In the thread that Coin is used in; a file is packed and written in another meanwhile.
+class FrameRenderer
+{
+public:
+    /// What became of a frame.
+    struct Outcome
+    {
+        enum Kind { WRITTEN, WAS_THERE, FAILED } kind;
+        std::string failure = {}; ///< in one line; empty unless it failed
+    };
+
+    /// What is referred to outlives the renderer.
+    FrameRenderer(Series& framesToDraw, const Stage& commonStage, const Options& askedOptions);
+    ~FrameRenderer();
+    FrameRenderer(const FrameRenderer&) = delete;
+    FrameRenderer& operator=(const FrameRenderer&) = delete;
+
+    /// Draws a frame and begins to write it, unless the same picture is there. What became of it is
+    /// told to `done`: soon, or by the next call, or by finish().
+    using Done = std::function<void(std::size_t frame, const Outcome& outcome)>;
+    void render(std::size_t frame, const Series::GoOn& goOn, const Done& done);
+    /// Waits for what is still written.
+    void finish(const Done& done);
+
+    /// That of every frame; of still data meaningless before one was drawn.
+    const CameraNumbers& getCamera() const { return camera; }
+
+private:
+    struct Written
+    {
+        std::size_t frame;
+        std::future<std::string> failure;
+    };
+
+    struct Drawn;
+
+    Drawn draw(std::size_t frame, const Series::GoOn& goOn);
+    std::string show(const Configuration& data, const Series::GoOn& goOn);
+    std::string fingerprintOf(std::size_t frame, const Configuration& data) const;
+    std::string stampOf(std::size_t frame) const;
+    CameraRequest cameraOf() const;
+
+    Series& series;
+    const Stage& stage;
+    const Options& options;
+    const PictureName name;
+    std::optional<CameraNumbers> fixed; ///< the camera of all frames; nothing of still data
+    std::string common;                 ///< to all fingerprints
+    DataScene* scene = nullptr;
+    CameraNumbers camera{};
+    std::optional<Written> written;
+};
+
+} // namespace strandview
+
+#endif

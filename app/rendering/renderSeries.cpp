@@ -1,0 +1,193 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "rendering/renderSeries.h"
+
+#include <algorithm>
+#include <iostream>
+#include <memory>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include <strandview/formats/text/wording.h>
+
+#include "rendering/FrameRenderer.h"
+#include "rendering/Interruption.h"
+#include "rendering/SeriesProgress.h"
+#include "request/ExitStatus.h"
+#include "request/print.h"
+#include "scene/Progress.h"
+#include "scene/Stage.h"
+#include "scene/readFiles.h"
+
+namespace strandview {
+
+namespace {
+
+void tell(const std::string& line) { std::cerr << "strandview: " << line << "\n"; }
+
+// On a terminal, with the user's interruption.
+class OpeningProgress : public TerminalProgress
+{
+public:
+    explicit OpeningProgress(const Interruption& userInterruption) : interruption(userInterruption)
+    {}
+    bool isStopped() const override { return interruption.hasCome(); }
+
+private:
+    const Interruption& interruption;
+};
+
+// Of the frames that there are, those that are asked for.
+std::vector<std::size_t> askedFrames(const Options& options, std::size_t count, ReadReport& report)
+{
+    std::string& error = report.error;
+    if (options.frame && std::size_t(*options.frame) >= count) {
+        const std::string where = options.files.size() == 1 ? options.files.front() : "--frame";
+        error = onOneLine(where) + ": found frame " + std::to_string(*options.frame) +
+                ", expected 0 to " + std::to_string(count - 1);
+        return {};
+    }
+    const bool isPattern = options.picture && PictureName(*options.picture).isPattern();
+    std::vector<std::size_t> frames;
+    if (options.frame)
+        frames.push_back(std::size_t(*options.frame));
+    else if (options.series.frames || isPattern || options.series.listFrames)
+        frames = framesOf(options.series.frames.value_or(FrameSlice()), count);
+    else
+        frames.push_back(0);
+    if (!options.frame && !options.series.frames && !isPattern && !options.series.listFrames)
+        report.notices.push_back("the first of " + counted(count, "frame") +
+                                 "; --frame N takes another, counted from 0");
+    if (frames.empty())
+        error = "--frames: found none of " + counted(count, "frame") + ", expected one at least";
+    if (frames.size() > 1 && options.picture && !isPattern)
+        error = "--render: found " + inQuotes(*options.picture) + " for " +
+                counted(frames.size(), "frame") + ", expected a name with %d or %05d in it";
+    return framesOf(options.series.shard, frames);
+}
+
+std::string lineOf(std::size_t frame, const Series& series, const Options& options)
+{
+    const std::optional<double> time = series.time(frame);
+    std::string line = std::to_string(frame) + "\t" + (time ? formatted(*time) : "-");
+    if (options.picture)
+        line += "\t" + PictureName(*options.picture).of(frame);
+    return line + "\n";
+}
+
+int listFrames(const std::vector<std::size_t>& frames, const Series& series, const Options& options)
+{
+    std::string text;
+    for (const std::size_t frame : frames)
+        text += lineOf(frame, series, options);
+    const std::string unprinted = print(text);
+    if (unprinted.empty())
+        return SUCCESS;
+    tell(unprinted);
+    return CANNOT_WRITE;
+}
+
+// Draws frames, and keeps what went wrong.
+class Run
+{
+public:
+    Run(std::size_t count, const Interruption& userInterruption)
+        : progress(count), interruption(userInterruption)
+    {}
+
+    void draw(FrameRenderer& renderer, const std::vector<std::size_t>& frames)
+    {
+        const auto goOn = [this](double) { return !interruption.hasCome(); };
+        const auto note = [this](std::size_t frame, const FrameRenderer::Outcome& outcome) {
+            this->note(frame, outcome);
+        };
+        for (std::size_t i = 0; i < frames.size() && goOn(0); ++i)
+            renderer.render(frames[i], goOn, note);
+        renderer.finish(note);
+        progress.hide();
+    }
+
+    int finish() const
+    {
+        if (!interruption.hasCome() && failures.size() > 1) {
+            std::string text = "failed: frames";
+            for (const std::size_t frame : failures)
+                text += (frame == failures.front() ? " " : ", ") + std::to_string(frame);
+            tell(text);
+        }
+        if (interruption.hasCome())
+            return INTERRUPTED;
+        return failures.empty() ? SUCCESS : CANNOT_WRITE;
+    }
+
+private:
+    void note(std::size_t frame, const FrameRenderer::Outcome& outcome)
+    {
+        const bool hasFailed = outcome.kind == FrameRenderer::Outcome::FAILED;
+        if (hasFailed && interruption.hasCome()) // it was stopped
+            return;
+        if (hasFailed) {
+            progress.hide();
+            tell("frame " + std::to_string(frame) + ": " + outcome.failure);
+            failures.push_back(frame);
+        }
+        progress.add(outcome.kind == FrameRenderer::Outcome::WRITTEN);
+    }
+
+    SeriesProgress progress;
+    const Interruption& interruption;
+    std::vector<std::size_t> failures;
+};
+
+int fail(const std::string& error, const Interruption& interruption)
+{
+    if (interruption.hasCome())
+        return INTERRUPTED;
+    tell(error);
+    return BAD_INPUT;
+}
+
+} // namespace
+
+bool asksForSeries(const Options& options)
+{
+    const SeriesRequest& series = options.series;
+    return series.frames || series.isOfFiles || series.listFrames || options.frame ||
+           series.shard.count > 1 || series.stamp || series.overwrite ||
+           (options.picture && PictureName(*options.picture).isPattern());
+}
+
+int renderSeries(const Options& options)
+{
+    const Interruption interruption;
+    OpeningProgress opening(interruption);
+    ReadReport report;
+    const std::unique_ptr<Series> series = openFiles(options.files, options, report, opening);
+    if (!series)
+        return fail(report.error, interruption);
+    const std::vector<std::size_t> frames = askedFrames(options, series->count(), report);
+    if (!report.error.empty())
+        return fail(report.error, interruption);
+    if (options.series.listFrames)
+        return listFrames(frames, *series, options);
+
+    const std::optional<Stage> stage = makeStage(*series, options, report, opening);
+    opening.hide();
+    if (!stage)
+        return fail(report.error, interruption);
+    for (const std::string& notice : report.notices)
+        tell(notice);
+    FrameRenderer renderer(*series, *stage, options);
+    Run run(frames.size(), interruption);
+    run.draw(renderer, frames);
+    const int status = run.finish();
+    if (status != SUCCESS || !options.printCamera)
+        return status;
+    const std::string unprinted = print(formatCamera(renderer.getCamera()) + "\n");
+    if (unprinted.empty())
+        return SUCCESS;
+    tell(unprinted);
+    return CANNOT_WRITE;
+}
+
+} // namespace strandview

@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "scene/Stamp.h"
+
+#include <algorithm>
+#include <charconv>
+#include <vector>
+
+#include <Inventor/nodes/SoBaseColor.h>
+#include <Inventor/nodes/SoSeparator.h>
+
+#include "request/conversions.h"
+#include "scene/Lettering.h"
+#include "scene/overlay.h"
+
+namespace strandview {
+
+namespace {
+
+// Six digits, with a decimal point in every locale.
+std::string readable(double value)
+{
+    char text[32];
+    const auto result =
+        std::to_chars(text, text + sizeof text, value, std::chars_format::general, 6);
+    return std::string(text, result.ptr);
+}
+
+} // namespace
+
+std::string stampText(std::size_t frame, const std::optional<double>& time)
+{
+    std::string text = "frame " + std::to_string(frame);
+    return time ? text + ", t = " + readable(*time) : text;
+}
+
+SoNode* makeStamp(const std::string& text, const Colour& background, float textSize, float aspect)
+{
+    const float width = 2 * std::max(aspect, 1.0f), height = 2 * std::max(1 / aspect, 1.0f);
+    const float margin = textSize / 2, ascent = 0.8f * textSize;
+    const Lettering letters;
+    const std::string shown = letters.elide(text, double((width - 2 * margin) / textSize));
+    const SbVec3f begin(margin - width / 2, height - 1 - margin - ascent, 0);
+    std::vector<SbVec3f> corners;
+    for (const SbVec2f& corner : letters.getShape(shown))
+        corners.push_back(begin + textSize * SbVec3f(corner[0], corner[1], 0));
+    SoSeparator* stamp = makeOverlay();
+    auto* ink = new SoBaseColor;
+    ink->rgb = toSbColor(inkOn(background));
+    stamp->addChild(ink);
+    addShapes(*stamp, corners);
+    return stamp;
+}
+
+} // namespace strandview

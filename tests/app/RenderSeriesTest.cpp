@@ -1,0 +1,389 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "rendering/renderSeries.h"
+
+#include <chrono>
+#include <cmath>
+#include <csignal>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <thread>
+
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <QImage>
+#include <gmock/gmock.h>
+
+#include "support/TemporaryFolder.h"
+#include "support/runProgram.h"
+
+extern char** environ;
+
+namespace strandview {
+
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+namespace fs = std::filesystem;
+
+// A helix with frames and a scalar that grows from frame to frame.
+std::string frameText(int frame, bool isChanged = false)
+{
+    const int points = 12;
+    std::string text;
+    for (int i = 0; i < points; ++i) {
+        const double angle = 0.5 * i, reach = 1 + 0.2 * frame;
+        for (const double value : {0.1 * frame, reach * std::cos(angle), reach * std::sin(angle),
+                                   0.3 * i, double(i * frame + (isChanged ? 1 : 0))})
+            text += std::to_string(value) + " ";
+        text += "\n";
+    }
+    return text;
+}
+
+// One of them may have another scalar.
+std::string seriesText(int frames, int changed = -1)
+{
+    std::string text = "t x y z k\n";
+    for (int frame = 0; frame < frames; ++frame)
+        text += frameText(frame, frame == changed);
+    return text;
+}
+
+std::string contentOf(const std::string& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(file), {});
+}
+
+class RenderSeriesTest : public testing::Test
+{
+protected:
+    ProgramRun run(std::vector<std::string> arguments) const
+    {
+        arguments.insert(arguments.end(), {"--size", "90x60", "--samples", "1"});
+        return runProgram(STRANDVIEW_PROGRAM, arguments);
+    }
+
+    // Every file of a folder by its name.
+    std::map<std::string, std::string> filesOf(const std::string& name) const
+    {
+        std::map<std::string, std::string> files;
+        for (const fs::directory_entry& entry : fs::directory_iterator(folder.path(name)))
+            files[entry.path().filename().string()] = contentOf(entry.path().string());
+        return files;
+    }
+    std::vector<std::string> namesOf(const std::string& name) const
+    {
+        std::vector<std::string> names;
+        for (const auto& file : filesOf(name))
+            names.push_back(file.first);
+        return names;
+    }
+    // A pattern in a new folder.
+    std::string pattern(const std::string& name) const
+    {
+        fs::create_directory(folder.path(name));
+        return folder.path(name + "/f_%02d.png");
+    }
+
+    const TemporaryFolder folder;
+    const std::string series = folder.write("run.txt", seriesText(6));
+};
+
+// Begins to run a program, and ends with it.
+class RunningProgram
+{
+public:
+    explicit RunningProgram(std::vector<std::string> arguments)
+    {
+        arguments.insert(arguments.begin(), STRANDVIEW_PROGRAM);
+        std::vector<char*> words;
+        for (std::string& argument : arguments)
+            words.push_back(argument.data());
+        words.push_back(nullptr);
+        posix_spawn_file_actions_t actions;
+        posix_spawn_file_actions_init(&actions);
+        posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+        EXPECT_EQ(
+            posix_spawn(&process, STRANDVIEW_PROGRAM, &actions, nullptr, words.data(), environ), 0);
+        posix_spawn_file_actions_destroy(&actions);
+    }
+
+    // The status that it ends with; that of a signal is negative.
+    int signalAndWait(int signal) const
+    {
+        kill(process, signal);
+        int status = 0;
+        waitpid(process, &status, 0);
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+    }
+
+private:
+    pid_t process = 0;
+};
+
+// Until a file is there: true if it comes.
+bool comes(const std::string& path)
+{
+    for (int i = 0; i < 3000 && !fs::exists(path); ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    return fs::exists(path);
+}
+
+} // namespace
+
+TEST_F(RenderSeriesTest, WritesAPictureOfEveryFrameUnderItsNumber)
+{
+    const ProgramRun all = run({"--render", pattern("all"), series});
+    EXPECT_EQ(all.status, 0) << all.error;
+    EXPECT_THAT(namesOf("all"), ElementsAre("f_00.png", "f_01.png", "f_02.png", "f_03.png",
+                                            "f_04.png", "f_05.png"));
+    const auto pictures = filesOf("all");
+    EXPECT_NE(pictures.at("f_00.png"), pictures.at("f_05.png"));
+}
+
+TEST_F(RenderSeriesTest, EveryPictureIsThatOfItsFrameAloneByteForByte)
+{
+    const std::vector<std::vector<std::string>> looks{{},
+                                                      {"--colour-by", "k"},
+                                                      {"--perspective", "--stamp"},
+                                                      {"--colour-by", "k", "--range", "frame"}};
+    int i = 0;
+    for (std::vector<std::string> look : looks) {
+        const std::string name = "look" + std::to_string(i++);
+        std::vector<std::string> all = look, one = look;
+        all.insert(all.end(), {"--render", pattern(name), series});
+        EXPECT_EQ(run(all).status, 0);
+        const std::string alone = folder.path(name + ".png");
+        one.insert(one.end(), {"--render", alone, "--frame", "4", series});
+        EXPECT_EQ(run(one).status, 0);
+        EXPECT_EQ(filesOf(name)["f_04.png"], contentOf(alone)) << name;
+    }
+}
+
+TEST_F(RenderSeriesTest, TheFirstFrameIsThePictureOfASeriesThatNobodyAskedMoreOf)
+{
+    const std::string plain = folder.path("plain.png"), first = folder.path("first.png");
+    const ProgramRun told = run({"--render", plain, series});
+    EXPECT_EQ(told.status, 0);
+    EXPECT_THAT(told.error, HasSubstr("the first of 6 frames; --frame N takes another"));
+    EXPECT_EQ(run({"--render", first, "--frame", "0", series}).status, 0);
+    EXPECT_EQ(contentOf(plain), contentOf(first));
+}
+
+TEST_F(RenderSeriesTest, CameraAndColoursStayWhateverIsRendered)
+{
+    const ProgramRun all = run({"--render", pattern("all"), "--print-camera", series});
+    const ProgramRun part =
+        run({"--render", pattern("part"), "--print-camera", "--frames", "1:2", series});
+    EXPECT_EQ(all.output, part.output);
+    EXPECT_THAT(all.output, testing::StartsWith("orthographic,"));
+    EXPECT_EQ(filesOf("all")["f_01.png"], filesOf("part")["f_01.png"]);
+}
+
+TEST_F(RenderSeriesTest, FramesAndShardsAreThoseAskedFor)
+{
+    EXPECT_EQ(run({"--render", pattern("slice"), "--frames", "-2::-2", series}).status, 0);
+    EXPECT_THAT(namesOf("slice"), ElementsAre("f_00.png", "f_02.png", "f_04.png"));
+    const std::string shards = pattern("shards");
+    for (const char* shard : {"0/4", "1/4", "2/4", "3/4"})
+        EXPECT_EQ(run({"--render", shards, "--shard", shard, series}).status, 0);
+    EXPECT_EQ(run({"--render", pattern("all"), series}).status, 0);
+    EXPECT_EQ(filesOf("shards"), filesOf("all"));
+}
+
+TEST_F(RenderSeriesTest, ListsWhatWouldBeRendered)
+{
+    const ProgramRun list =
+        run({"--list-frames", "--render", "out/f_%03d.png", "--frames", "1::2", series});
+    EXPECT_EQ(list.status, 0);
+    EXPECT_EQ(list.output, "1\t0.1\tout/f_001.png\n3\t0.3\tout/f_003.png\n5\t0.5\tout/f_005.png\n");
+    EXPECT_EQ(run({"--list-frames", "--shard", "1/3", "--render", "%d.png", series}).output,
+              "1\t0.1\t1.png\n4\t0.4\t4.png\n");
+    const std::string points = folder.write("points.txt", "0 0 0\n1 0 0\n");
+    EXPECT_EQ(runProgram(STRANDVIEW_PROGRAM, {"--list-frames", points}).output, "0\t-\n");
+}
+
+TEST_F(RenderSeriesTest, APictureThatIsThereIsSkippedUnlessItWasMadeFromOtherThings)
+{
+    const std::string out = pattern("out");
+    EXPECT_EQ(run({"--render", out, series}).status, 0);
+    const auto before = filesOf("out");
+    const auto timeOf = [&](const char* name) {
+        return fs::last_write_time(folder.path("out") + "/" + name);
+    };
+    const auto first = timeOf("f_00.png"), last = timeOf("f_05.png");
+    fs::remove(folder.path("out/f_03.png"));
+
+    EXPECT_EQ(run({"--render", out, "--frames", "0:6", series}).status, 0);
+    EXPECT_EQ(filesOf("out"), before) << "what was missing is there again";
+    EXPECT_EQ(timeOf("f_00.png"), first);
+
+    EXPECT_EQ(run({"--render", out, "--radius", "0.3", series}).status, 0);
+    EXPECT_NE(filesOf("out")["f_00.png"], before.at("f_00.png"));
+
+    EXPECT_EQ(run({"--render", out, "--overwrite", series}).status, 0);
+    EXPECT_EQ(filesOf("out"), before);
+    EXPECT_NE(timeOf("f_05.png"), last);
+}
+
+TEST_F(RenderSeriesTest, OfChangedDataOnlyTheChangedFramesAreStale)
+{
+    const std::string out = pattern("out");
+    EXPECT_EQ(run({"--render", out, series}).status, 0);
+    const auto before = filesOf("out");
+    folder.write("run.txt", seriesText(6, 3));
+    const auto timeOf = [&](const char* name) {
+        return fs::last_write_time(folder.path("out") + "/" + name);
+    };
+    const auto second = timeOf("f_02.png"), ofThird = timeOf("f_03.png");
+    EXPECT_EQ(run({"--render", out, series}).status, 0);
+    EXPECT_EQ(timeOf("f_02.png"), second);
+    EXPECT_NE(timeOf("f_03.png"), ofThird);
+}
+
+TEST_F(RenderSeriesTest, WhatIsNoPictureOfOursIsReplaced)
+{
+    const std::string out = pattern("out");
+    folder.write("out/f_01.png", "no picture");
+    fs::create_directory(folder.path("out/f_02.png"));
+    const ProgramRun result = run({"--render", out, "--frames", "1:3", series});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.error, HasSubstr("frame 2: "));
+    EXPECT_EQ(QImage(QString::fromStdString(folder.path("out/f_01.png"))).size(), QSize(90, 60));
+}
+
+TEST_F(RenderSeriesTest, AFrameThatFailsIsToldAndTheOthersAreThere)
+{
+    const char* const two = R"({"strandview": 1, "series": [
+        {"rods": [{"points": [[0,0,0],[1,0,0],[2,0,0]]}]},
+        {"rods": [{"points": [[0,0,0],[1,0,0],[0,0,0]]}]},
+        {"rods": [{"points": [[0,0,0],[1,0,0],[1,1,0]]}]},
+        {"rods": [{"points": [[0,0,0],[2,0,0],[1,0,0]]}]}]})";
+    const std::string file = folder.write("two.json", two);
+    const ProgramRun result = run({"--render", pattern("out"), file});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(namesOf("out"), ElementsAre("f_00.png", "f_02.png"));
+    EXPECT_THAT(result.error, HasSubstr("strandview: frame 1: "));
+    EXPECT_THAT(result.error, HasSubstr("strandview: failed: frames 1, 3\n"));
+    const ProgramRun one = run({"--render", folder.path("one.png"), "--frame", "1", file});
+    EXPECT_EQ(one.status, 1);
+    EXPECT_FALSE(fs::exists(folder.path("one.png")));
+}
+
+TEST_F(RenderSeriesTest, FilesCanBeTheFramesInTheOrderOfTheirNumbers)
+{
+    fs::create_directory(folder.path("files"));
+    for (const int frame : {0, 2, 10})
+        folder.write("files/s" + std::to_string(frame) + ".txt", "t x y z k\n" + frameText(frame));
+    const ProgramRun list =
+        runProgram(STRANDVIEW_PROGRAM, {"--list-frames", "--series", folder.path("files")});
+    EXPECT_EQ(list.output, "0\t-\n1\t-\n2\t-\n");
+    EXPECT_EQ(run({"--render", pattern("out"), "--series", folder.path("files/s10.txt"),
+                   folder.path("files/s0.txt"), folder.path("files/s2.txt")})
+                  .status,
+              0);
+    EXPECT_EQ(run({"--render", pattern("same"), "--series", folder.path("files")}).status, 0);
+    EXPECT_EQ(namesOf("out").size(), 3U);
+    EXPECT_EQ(filesOf("out"), filesOf("same"));
+    EXPECT_EQ(run({"--render", folder.path("scene.png"), folder.path("files/s0.txt"),
+                   folder.path("files/s2.txt")})
+                  .status,
+              0)
+        << "without --series they are one scene";
+}
+
+TEST_F(RenderSeriesTest, ASeriesIsBesideStillData)
+{
+    const std::string still = folder.write("still.txt", "0 0 0\n0 0 3\n");
+    EXPECT_EQ(runProgram(STRANDVIEW_PROGRAM, {"--list-frames", still, series}).output,
+              runProgram(STRANDVIEW_PROGRAM, {"--list-frames", series}).output);
+    EXPECT_EQ(run({"--render", pattern("both"), "--frames", ":2", still, series}).status, 0);
+    EXPECT_EQ(run({"--render", pattern("alone"), "--frames", ":2", series}).status, 0);
+    EXPECT_THAT(namesOf("both"), ElementsAre("f_00.png", "f_01.png"));
+    EXPECT_NE(filesOf("both")["f_01.png"], filesOf("alone")["f_01.png"]);
+    const std::string shorter = folder.write("shorter.txt", seriesText(2));
+    EXPECT_THAT(run({"--render", pattern("short"), shorter, series}).error,
+                HasSubstr("run.txt: the first 2 of 6 frames, as many as another file has"));
+}
+
+TEST_F(RenderSeriesTest, WhatCannotBeIsToldInOneLineBeforeAnythingIsWritten)
+{
+    const std::string one = folder.path("one.png");
+    const std::vector<std::pair<std::vector<std::string>, std::string>> calls{
+        {{"--render", one, "--frame", "6", series}, "run.txt: found frame 6, expected 0 to 5"},
+        {{"--render", one, "--frames", "::", series}, "expected a name with %d or %05d in it"},
+        {{"--render", one, "--frames", "4", series}, "expected a slice A:B or A:B:STEP"},
+        {{"--render", pattern("out"), "--frames", "6:", series}, "found none of 6 frames"},
+        {{"--render", folder.path("%d%d.png"), series}, "expected one place for the frame's"},
+        {{"--render", pattern("out2"), "--shard", "3/3", series}, "expected i/n with 0 <= i < n"},
+        {{"--render", folder.path("none/f_%d.png"), series}, "none/f_0.png: "},
+        {{"--render", pattern("out3"), "--series", folder.path("none")}, "none: "},
+        {{"--stamp", series}, "--render"}};
+    for (const auto& [arguments, expected] : calls) {
+        const ProgramRun result = run(arguments);
+        EXPECT_THAT(result.error, HasSubstr(expected));
+        EXPECT_EQ(std::count(result.error.begin(), result.error.end(), '\n'), 1) << result.error;
+        EXPECT_NE(result.status, 0) << expected;
+    }
+    EXPECT_FALSE(fs::exists(one));
+    EXPECT_THAT(namesOf("out"), IsEmpty());
+}
+
+TEST_F(RenderSeriesTest, AnInterruptionLeavesWholePicturesAlone)
+{
+    folder.write("long.txt", seriesText(3000));
+    const std::string out = pattern("out");
+    RunningProgram program({"--render", out, "--size", "300x200", folder.path("long.txt")});
+    ASSERT_TRUE(comes(folder.path("out/f_02.png")));
+    EXPECT_EQ(program.signalAndWait(SIGINT), 130);
+    const auto files = filesOf("out");
+    EXPECT_LT(files.size(), 3000U);
+    for (const auto& [name, content] : files) {
+        EXPECT_THAT(name, testing::MatchesRegex("f_[0-9]+\\.png"));
+        EXPECT_EQ(QImage(QString::fromStdString(folder.path("out/" + name))).width(), 300);
+    }
+}
+
+TEST_F(RenderSeriesTest, WhatWasKilledAndRunAgainComesToTheSameFiles)
+{
+    const std::string out = pattern("out");
+    {
+        RunningProgram program({"--render", out, "--size", "90x60", "--samples", "1", series});
+        ASSERT_TRUE(comes(folder.path("out/f_01.png")));
+        program.signalAndWait(SIGKILL);
+    }
+    EXPECT_EQ(run({"--render", out, series}).status, 0);
+    EXPECT_EQ(run({"--render", pattern("all"), series}).status, 0);
+    EXPECT_EQ(filesOf("out"), filesOf("all"));
+}
+
+TEST_F(RenderSeriesTest, TrajectoriesOfOtherProgramsAreRendered)
+{
+    const char* const others = std::getenv("STRANDVIEW_TEST_DATA");
+    if (!others)
+        GTEST_SKIP() << "skipped: STRANDVIEW_TEST_DATA is not set";
+    const std::vector<std::pair<std::vector<std::string>, std::size_t>> trajectories{
+        {{"rna_tile.top", "rna_tile_traj.dat"}, 10},
+        {{"dsdna8.top", "dsdna8_traj.dat"}, 10},
+        {{"softarm_br2.npz"}, 26},
+        {{"tweezer10.xyz"}, 10},
+        {{"fibers3x3.txt"}, 3}};
+    for (const auto& [names, count] : trajectories) {
+        std::vector<std::string> arguments{"--render", pattern(names.back()), "--stamp"};
+        for (const std::string& name : names)
+            arguments.push_back(std::string(others) + "/" + name);
+        EXPECT_EQ(run(arguments).status, 0) << names.back();
+        EXPECT_EQ(namesOf(names.back()).size(), count) << names.back();
+    }
+}
+
+} // namespace strandview

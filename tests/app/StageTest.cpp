@@ -1,0 +1,208 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "scene/Stage.h"
+
+#include <gmock/gmock.h>
+
+#include <strandview/model/MemorySeries.h>
+
+#include "scene/DataScene.h"
+#include "scene/Progress.h"
+#include "support/RandomRods.h"
+#include "support/initialiseSceneOnce.h"
+
+namespace strandview {
+
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+struct QuietProgress : Progress
+{
+    void show(const std::string& /*text*/) override { ++told; }
+    void announce(const std::string& /*text*/) override {}
+    bool isStopped() const override { return told >= patience; }
+    int told = 0, patience = 1000000;
+};
+
+// A straight rod along x from -reach to reach, with a scalar `k` that is `value` all along.
+Configuration straightRod(double reach, double value = 0)
+{
+    Configuration configuration;
+    Rod rod;
+    for (int i = 0; i <= 4; ++i) {
+        rod.points.emplace_back(reach * (i / 2.0 - 1), 0, 0);
+        rod.rotations.emplace_back(0, std::sqrt(0.5), 0, std::sqrt(0.5)); // d3 along x
+    }
+    rod.hasFrames = true;
+    rod.origin = "rod.txt:1: rod 1";
+    rod.scalars = {{"k", std::vector<double>(5, value)}};
+    configuration.rods.push_back(rod);
+    return configuration;
+}
+
+// Some of its frames cannot be loaded.
+class BrokenSeries : public Series
+{
+public:
+    BrokenSeries(std::size_t frames, std::size_t firstWhole) : all(frames), whole(firstWhole) {}
+    std::size_t count() const override { return all; }
+
+private:
+    LoadedFrame loadFrame(std::size_t frame, const GoOn& /*goOn*/) override
+    {
+        if (frame < whole)
+            return {std::nullopt, {}, "broken " + std::to_string(frame)};
+        return {straightRod(1 + double(frame))};
+    }
+
+    const std::size_t all, whole;
+};
+
+class StageTest : public testing::Test
+{
+protected:
+    StageTest() { initialiseSceneOnce(); }
+
+    std::optional<Stage> stageOf(Series& series)
+    {
+        report = {};
+        return makeStage(series, options, report, progress);
+    }
+    static MemorySeries seriesOf(const std::vector<double>& reaches)
+    {
+        std::vector<Configuration> frames;
+        for (const double reach : reaches)
+            frames.push_back(straightRod(reach, reach));
+        return MemorySeries(std::move(frames));
+    }
+
+    Options options;
+    ReadReport report;
+    QuietProgress progress;
+};
+
+} // namespace
+
+TEST_F(StageTest, HasRoomForAllFramesInTheStyleOfTheFirst)
+{
+    options.radius = 0.1;
+    options.showRibbon = false;
+    MemorySeries series = seriesOf({1, 5, 2});
+    const std::optional<Stage> stage = stageOf(series);
+    ASSERT_TRUE(stage);
+    EXPECT_NEAR(stage->room.getMin()[0], -5, 1e-6);
+    EXPECT_NEAR(stage->room.getMax()[0], 5, 1e-6);
+    EXPECT_NEAR(stage->room.getMax()[1], 0.1, 1e-6);
+    EXPECT_EQ(stage->side, Side::Z);
+    EXPECT_THAT(report.notices, IsEmpty());
+
+    options.radius.reset();
+    MemorySeries backwards = seriesOf({5, 1}), first = seriesOf({5});
+    EXPECT_EQ(stageOf(backwards)->style.radius, stageOf(first)->style.radius);
+}
+
+TEST_F(StageTest, OfOneFrameLeavesItsRoomToTheScene)
+{
+    MemorySeries still = seriesOf({3});
+    EXPECT_TRUE(stageOf(still)->room.isEmpty());
+}
+
+// Along x in the first frame, along z in the second: y is what neither of them needs.
+TEST_F(StageTest, IsSeenAlongTheShortestSideOfAllFrames)
+{
+    Configuration upright = straightRod(1);
+    for (auto& point : upright.rods[0].points)
+        point = {0, 0, point.x};
+    MemorySeries series({straightRod(1), upright});
+    EXPECT_EQ(stageOf(series)->side, Side::Y);
+}
+
+TEST_F(StageTest, ColoursHaveTheLimitsOfAllFrames)
+{
+    options.colourBy = "k";
+    MemorySeries series = seriesOf({2, 7, 1});
+    const std::optional<Stage> stage = stageOf(series);
+    ASSERT_TRUE(stage && stage->colouring);
+    EXPECT_EQ(stage->colouring->constant, "");
+    EXPECT_EQ(stage->colouring->min, 1);
+    EXPECT_EQ(stage->colouring->max, 7);
+
+    MemorySeries constant = seriesOf({2, 2});
+    EXPECT_EQ(stageOf(constant)->colouring->constant, "2");
+    options.rangeMin = 0;
+    options.rangeMax = 3;
+    EXPECT_EQ(stageOf(series)->colouring->max, 3);
+}
+
+TEST_F(StageTest, OfALongSeriesASampleIsLookedAtAndTold)
+{
+    EXPECT_THAT(sampleOf(5, 1000), ElementsAre(0, 1, 2, 3, 4));
+    EXPECT_EQ(sampleOf(100, 1).size(), 100U);
+    const std::vector<std::size_t> sample = sampleOf(100'000, 1000);
+    EXPECT_EQ(sample.size(), 100U);
+    EXPECT_EQ(sample.front(), 0U);
+    EXPECT_EQ(sample.back(), 99'999U);
+    EXPECT_TRUE(std::is_sorted(sample.begin(), sample.end(), std::less_equal<>()));
+    EXPECT_EQ(sampleOf(1000, 1'000'000).size(), 10U) << "of large frames fewer";
+    EXPECT_THAT(sampleOf(1, 0), ElementsAre(0));
+
+    MemorySeries series = seriesOf(std::vector<double>(150, 2));
+    stageOf(series);
+    EXPECT_THAT(report.notices, ElementsAre("camera and colours have room for 100 of 150 frames, "
+                                            "from the first to the last"));
+}
+
+TEST_F(StageTest, FramesThatCannotBeLoadedCountForNothing)
+{
+    BrokenSeries series(5, 2);
+    const std::optional<Stage> stage = stageOf(series);
+    ASSERT_TRUE(stage);
+    EXPECT_NEAR(stage->room.getMax()[0], 5, 0.2);
+
+    BrokenSeries nothing(3, 3);
+    EXPECT_FALSE(stageOf(nothing));
+    EXPECT_EQ(report.error, "broken 0");
+}
+
+// A rod that turns straight back is none that can be drawn.
+TEST_F(StageTest, FramesThatCannotBeDrawnCountForNothing)
+{
+    Configuration back = straightRod(50);
+    back.rods[0].points[4] = back.rods[0].points[2];
+    MemorySeries series({straightRod(1), back});
+    ASSERT_TRUE(stageOf(series));
+    EXPECT_LT(stageOf(series)->room.getMax()[0], 2);
+
+    MemorySeries nothing({back, back});
+    EXPECT_FALSE(stageOf(nothing));
+    EXPECT_THAT(report.error, HasSubstr("rod.txt:1: rod 1"));
+}
+
+TEST_F(StageTest, CanBeStopped)
+{
+    progress.patience = 3;
+    MemorySeries series = seriesOf({1, 2, 3, 4, 5, 6});
+    EXPECT_FALSE(stageOf(series));
+}
+
+TEST_F(StageTest, ANewSceneShowsAFrameAsOneThatHasShownOthers)
+{
+    options.colourBy = "k";
+    MemorySeries series = seriesOf({2, 7, 1});
+    const std::optional<Stage> stage = stageOf(series);
+    DataScene *fresh = nullptr, *used = nullptr;
+    EXPECT_EQ(showOnStage(used, *stage, straightRod(7, 7), progress), "");
+    const DataScene* const first = used;
+    EXPECT_EQ(showOnStage(used, *stage, straightRod(1, 1), progress), "");
+    EXPECT_EQ(used, first);
+    EXPECT_EQ(showOnStage(fresh, *stage, straightRod(1, 1), progress), "");
+    EXPECT_EQ(fresh->getBox().getMin(), used->getBox().getMin());
+    EXPECT_EQ(fresh->getBox().getMax(), used->getBox().getMax());
+    EXPECT_EQ(fresh->getColouring()->max, used->getColouring()->max);
+    fresh->unref();
+    used->unref();
+}
+
+} // namespace strandview

@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <strandview/model/JointSeries.h>
+
+#include <gmock/gmock.h>
+
+#include <strandview/model/MemorySeries.h>
+
+namespace strandview {
+
+namespace {
+
+using testing::ElementsAre;
+
+Configuration withMarker(int id)
+{
+    Configuration configuration;
+    configuration.markers.emplace_back();
+    configuration.markers.back().id = id;
+    return configuration;
+}
+
+// A marker in each of so many frames, numbered from `first` on.
+std::unique_ptr<Series> numbered(int first, int count, std::vector<double> times = {})
+{
+    std::vector<Configuration> frames;
+    for (int i = 0; i < count; ++i)
+        frames.push_back(withMarker(first + i));
+    return std::make_unique<MemorySeries>(std::move(frames), std::move(times));
+}
+
+// Its odd frames fail.
+class EvenSeries : public Series
+{
+public:
+    std::size_t count() const override { return 4; }
+
+private:
+    LoadedFrame loadFrame(std::size_t frame, const GoOn& goOn) override
+    {
+        shares += goOn ? (goOn(0.5) ? "go " : "stop ") : "";
+        if (frame % 2 == 1)
+            return {std::nullopt, {"odd"}, "even.txt: cut"};
+        return {withMarker(int(frame)), {"even"}};
+    }
+
+public:
+    std::string shares;
+};
+
+template <typename... Parts>
+JointSeries joint(Parts... parts)
+{
+    std::vector<std::unique_ptr<Series>> all;
+    (all.push_back(std::move(parts)), ...);
+    return JointSeries(std::move(all));
+}
+
+std::vector<long long> idsOf(const LoadedFrame& frame)
+{
+    std::vector<long long> ids;
+    for (const Marker& marker : frame.configuration->markers)
+        ids.push_back(marker.id);
+    return ids;
+}
+
+} // namespace
+
+TEST(JointSeries, AFrameHasWhatAllOfThemHave)
+{
+    JointSeries series = joint(numbered(10, 3), numbered(20, 3));
+    ASSERT_EQ(series.count(), 3U);
+    EXPECT_THAT(idsOf(series.load(0)), ElementsAre(10, 20));
+    EXPECT_THAT(idsOf(series.load(2)), ElementsAre(12, 22));
+}
+
+TEST(JointSeries, WhatIsStillIsInEveryFrame)
+{
+    JointSeries series = joint(numbered(5, 1), numbered(20, 3), numbered(7, 1));
+    ASSERT_EQ(series.count(), 3U);
+    EXPECT_THAT(idsOf(series.load(2)), ElementsAre(5, 22, 7));
+    EXPECT_EQ(joint(numbered(5, 1), numbered(6, 1)).count(), 1U);
+}
+
+TEST(JointSeries, TheShortestOfThoseThatMoveCounts)
+{
+    JointSeries series = joint(numbered(10, 5), numbered(20, 2), numbered(1, 1));
+    EXPECT_EQ(series.count(), 2U);
+    EXPECT_EQ(series.load(2).error, "found frame 2, expected 0 to 1");
+}
+
+TEST(JointSeries, TimesAreThoseOfTheFirstThatKnowsThem)
+{
+    JointSeries series = joint(numbered(5, 1, {9}), numbered(10, 2), numbered(20, 2, {0.5, 1.5}),
+                               numbered(20, 2, {7, 8}));
+    EXPECT_EQ(series.time(0), 0.5);
+    EXPECT_EQ(series.time(1), 1.5);
+    EXPECT_EQ(series.time(2), std::nullopt);
+    EXPECT_EQ(joint(numbered(5, 1, {9}), numbered(6, 1)).time(0), 9);
+}
+
+TEST(JointSeries, AFrameFailsWithAnyPartOfItAndTheOthersStay)
+{
+    JointSeries series = joint(numbered(10, 4), std::unique_ptr<Series>(new EvenSeries));
+    const LoadedFrame odd = series.load(1);
+    EXPECT_FALSE(odd.configuration);
+    EXPECT_EQ(odd.error, "even.txt: cut");
+    EXPECT_THAT(odd.notices, ElementsAre("odd"));
+    const LoadedFrame even = series.load(2);
+    EXPECT_THAT(idsOf(even), ElementsAre(12, 2));
+    EXPECT_THAT(even.notices, ElementsAre("even"));
+}
+
+TEST(JointSeries, TellsTheShareOfAllThatIsDone)
+{
+    auto part = std::make_unique<EvenSeries>();
+    const EvenSeries& watched = *part;
+    std::unique_ptr<Series> still = numbered(0, 1);
+    JointSeries series = joint(std::move(still), std::unique_ptr<Series>(std::move(part)));
+    std::vector<double> shares;
+    series.load(0, [&shares](double share) {
+        shares.push_back(share);
+        return false;
+    });
+    EXPECT_THAT(shares, ElementsAre(0.75));
+    EXPECT_EQ(watched.shares, "stop ");
+}
+
+} // namespace strandview
