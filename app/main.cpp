@@ -16,6 +16,7 @@
 #include "output/OutputFile.h"
 #include "output/exportFiles.h"
 #include "pictures/PictureWriter.h"
+#include "rendering/Film.h"
 #include "rendering/renderSeries.h"
 #include "request/ExitStatus.h"
 #include "request/PictureName.h"
@@ -136,7 +137,13 @@ std::string checkPicture(const std::string& name, bool transparent)
 {
     if (PictureName(name).countNumbers() > 1)
         return "--render: found " + inQuotes(name) + ", expected one place for the frame's number";
-    return checkPictureName("--render", name, transparent);
+    if (isFilm(name) && transparent)
+        return "--render: found " + inQuotes(name) + ", expected a picture with --transparent";
+    if (!isFilm(name))
+        return checkPictureName("--render", name, transparent);
+    return PictureName(name).countNumbers() == 0
+               ? ""
+               : "--render: found " + inQuotes(name) + ", expected one film of all frames";
 }
 
 // What can be refused before a long file is read.

@@ -27,7 +27,8 @@ namespace {
 
 // What the look of a picture does not depend on.
 const std::set<std::string> NOT_OF_LOOK{"render", "frame",     "frames",      "series",
-                                        "shard",  "overwrite", "list-frames", "print-camera"};
+                                        "shard",  "overwrite", "list-frames", "print-camera",
+                                        "jobs",   "fps"};
 
 bool parseSize(const std::string& text, int& width, int& height)
 {
@@ -336,7 +337,7 @@ void addFiles(CLI::App& app, Options& options)
     CLI::Option* render =
         app.add_option("--render", options.picture,
                        "Write a picture instead of opening a window; with %d or %05d in the name, "
-                       "one of every frame")
+                       "one of every frame; .mp4, .webm and .gif are films")
             ->type_name("OUT.png");
     addSize(app, options);
     addCount(app, "--samples", options.samples, 1, 8, "Smooth edges: N x N samples per pixel [3]")
@@ -402,6 +403,21 @@ void addSeries(CLI::App& app, Options& options)
         ->needs(render)
         ->group(group);
     app.add_flag("--stamp", series.stamp, "Write frame and time into the picture")
+        ->needs(render)
+        ->group(group);
+    addCount(app, "--jobs", series.jobs, 0, 1000,
+             "Render pictures with so many processes, or 0 for one per core [1]")
+        ->needs(render)
+        ->group(group);
+    const auto parseRate = [&series](const std::string& text) {
+        std::optional<double> rate;
+        if (!parseLimit(text, rate) || !rate || *rate < 0.01 || *rate > 1000)
+            throw CLI::ValidationError("--fps", "found " + inQuotes(text) +
+                                                    ", expected a number from 0.01 to 1000");
+        series.framesPerSecond = *rate;
+    };
+    app.add_option_function<std::string>("--fps", parseRate, "Frames per second of a film [25]")
+        ->type_name("N")
         ->needs(render)
         ->group(group);
     app.add_flag("--list-frames", series.listFrames,

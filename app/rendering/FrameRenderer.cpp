@@ -96,7 +96,7 @@ void FrameRenderer::render(std::size_t frame, const Series::GoOn& goOn, const Do
 {
     Drawn drawn;
     try {
-        drawn = draw(frame, goOn);
+        drawn = drawUnlessThere(frame, goOn);
     } catch (const std::bad_alloc&) {
         drawn.failure = TOO_LITTLE_MEMORY;
     }
@@ -119,7 +119,21 @@ void FrameRenderer::finish(const Done& done)
     done(frame, {failure.empty() ? Outcome::WRITTEN : Outcome::FAILED, failure});
 }
 
-FrameRenderer::Drawn FrameRenderer::draw(std::size_t frame, const Series::GoOn& goOn)
+std::string FrameRenderer::drawAlone(std::size_t frame, const Series::GoOn& goOn, QImage& image)
+{
+    try {
+        const LoadedFrame loaded = series.load(frame, goOn);
+        if (!loaded.configuration)
+            return loaded.error;
+        Drawn drawn = draw(frame, *loaded.configuration, goOn);
+        image = drawn.image;
+        return drawn.failure;
+    } catch (const std::bad_alloc&) {
+        return TOO_LITTLE_MEMORY;
+    }
+}
+
+FrameRenderer::Drawn FrameRenderer::drawUnlessThere(std::size_t frame, const Series::GoOn& goOn)
 {
     const LoadedFrame loaded = series.load(frame, goOn);
     if (!loaded.configuration)
@@ -128,7 +142,15 @@ FrameRenderer::Drawn FrameRenderer::draw(std::size_t frame, const Series::GoOn& 
     const bool isCameraKnown = fixed || !options.printCamera;
     if (!options.series.overwrite && isCameraKnown && isThere(name.of(frame), fingerprint))
         return {"", true};
-    Drawn drawn{show(*loaded.configuration, goOn)};
+    Drawn drawn = draw(frame, *loaded.configuration, goOn);
+    drawn.image.setText(FINGERPRINT, QString::fromStdString(fingerprint));
+    return drawn;
+}
+
+FrameRenderer::Drawn FrameRenderer::draw(std::size_t frame, const Configuration& data,
+                                         const Series::GoOn& goOn)
+{
+    Drawn drawn{show(data, goOn)};
     if (!drawn.failure.empty())
         return drawn;
     if (options.series.stamp)
@@ -139,7 +161,6 @@ FrameRenderer::Drawn FrameRenderer::draw(std::size_t frame, const Series::GoOn& 
                     {name.of(frame), options.pictureWidth, options.pictureHeight, options.samples,
                      options.background, options.transparent, cameraOf(), scene->getLegendHeight()},
                     drawn.image, &camera);
-    drawn.image.setText(FINGERPRINT, QString::fromStdString(fingerprint));
     return drawn;
 }
 

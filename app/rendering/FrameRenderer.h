@@ -48,6 +48,9 @@ public:
     /// Waits for what is still written.
     void finish(const Done& done);
 
+    /// Draws a frame for other uses. One line that says what failed, or nothing.
+    std::string drawAlone(std::size_t frame, const Series::GoOn& goOn, QImage& image);
+
     /// That of every frame; of still data meaningless before one was drawn.
     const CameraNumbers& getCamera() const { return camera; }
 
@@ -60,7 +63,8 @@ private:
 
     struct Drawn;
 
-    Drawn draw(std::size_t frame, const Series::GoOn& goOn);
+    Drawn drawUnlessThere(std::size_t frame, const Series::GoOn& goOn);
+    Drawn draw(std::size_t frame, const Configuration& data, const Series::GoOn& goOn);
     std::string show(const Configuration& data, const Series::GoOn& goOn);
     std::string fingerprintOf(std::size_t frame, const Configuration& data) const;
     std::string stampOf(std::size_t frame) const;

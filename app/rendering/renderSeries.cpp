@@ -8,11 +8,15 @@
 #include <utility>
 #include <vector>
 
+#include <QImage>
+
 #include <strandview/formats/text/wording.h>
 
+#include "rendering/Film.h"
 #include "rendering/FrameRenderer.h"
 #include "rendering/Interruption.h"
 #include "rendering/SeriesProgress.h"
+#include "rendering/Workers.h"
 #include "request/ExitStatus.h"
 #include "request/print.h"
 #include "scene/Progress.h"
@@ -47,7 +51,8 @@ std::vector<std::size_t> askedFrames(const Options& options, std::size_t count, 
                 ", expected 0 to " + std::to_string(count - 1);
         return {};
     }
-    const bool isPattern = options.picture && PictureName(*options.picture).isPattern();
+    const bool isPattern =
+        options.picture && (PictureName(*options.picture).isPattern() || isFilm(*options.picture));
     std::vector<std::size_t> frames;
     if (options.frame)
         frames.push_back(std::size_t(*options.frame));
@@ -87,57 +92,117 @@ int listFrames(const std::vector<std::size_t>& frames, const Series& series, con
     return CANNOT_WRITE;
 }
 
-// Draws frames, and keeps what went wrong.
-class Run
+// What became of the frames.
+class Result
 {
 public:
-    Run(std::size_t count, const Interruption& userInterruption)
+    Result(std::size_t count, const Interruption& userInterruption)
         : progress(count), interruption(userInterruption)
     {}
 
-    void draw(FrameRenderer& renderer, const std::vector<std::size_t>& frames)
-    {
-        const auto goOn = [this](double) { return !interruption.hasCome(); };
-        const auto note = [this](std::size_t frame, const FrameRenderer::Outcome& outcome) {
-            this->note(frame, outcome);
-        };
-        for (std::size_t i = 0; i < frames.size() && goOn(0); ++i)
-            renderer.render(frames[i], goOn, note);
-        renderer.finish(note);
-        progress.hide();
-    }
-
-    int finish() const
-    {
-        if (!interruption.hasCome() && failures.size() > 1) {
-            std::string text = "failed: frames";
-            for (const std::size_t frame : failures)
-                text += (frame == failures.front() ? " " : ", ") + std::to_string(frame);
-            tell(text);
-        }
-        if (interruption.hasCome())
-            return INTERRUPTED;
-        return failures.empty() ? SUCCESS : CANNOT_WRITE;
-    }
-
-private:
     void note(std::size_t frame, const FrameRenderer::Outcome& outcome)
     {
         const bool hasFailed = outcome.kind == FrameRenderer::Outcome::FAILED;
         if (hasFailed && interruption.hasCome()) // it was stopped
             return;
         if (hasFailed) {
-            progress.hide();
-            tell("frame " + std::to_string(frame) + ": " + outcome.failure);
+            say("frame " + std::to_string(frame) + ": " + outcome.failure);
             failures.push_back(frame);
         }
         progress.add(outcome.kind == FrameRenderer::Outcome::WRITTEN);
     }
 
+    void say(const std::string& line)
+    {
+        progress.hide();
+        tell(line);
+    }
+
+    // Says what the program ends with.
+    int finish()
+    {
+        progress.hide();
+        if (interruption.hasCome())
+            return INTERRUPTED;
+        std::sort(failures.begin(), failures.end());
+        if (failures.size() > 1) {
+            std::string text = "failed: frames";
+            for (const std::size_t frame : failures)
+                text += (frame == failures.front() ? " " : ", ") + std::to_string(frame);
+            tell(text);
+        }
+        return failures.empty() ? SUCCESS : CANNOT_WRITE;
+    }
+
+private:
     SeriesProgress progress;
     const Interruption& interruption;
     std::vector<std::size_t> failures;
 };
+
+using Frames = std::vector<std::size_t>;
+using Outcome = FrameRenderer::Outcome;
+
+int renderHere(FrameRenderer& renderer, const Frames& frames, const Interruption& interruption)
+{
+    Result result(frames.size(), interruption);
+    const auto goOn = [&interruption](double) { return !interruption.hasCome(); };
+    const auto note = [&result](std::size_t frame, const Outcome& outcome) {
+        result.note(frame, outcome);
+    };
+    for (std::size_t i = 0; i < frames.size() && goOn(0); ++i)
+        renderer.render(frames[i], goOn, note);
+    renderer.finish(note);
+    return result.finish();
+}
+
+int renderByWorkers(Series& series, const Stage& stage, const Options& options,
+                    const Frames& frames, const Interruption& interruption)
+{
+    Result result(frames.size(), interruption);
+    const auto goOn = [&interruption] { return !interruption.hasCome(); };
+    const auto makeCode = [&]() -> Workers::Code {
+        const auto renderer = std::make_shared<FrameRenderer>(series, stage, options);
+        return {[renderer, goOn](std::size_t frame, const Workers::Done& done) {
+                    renderer->render(
+                        frame, [goOn](double) { return goOn(); }, done);
+                },
+                [renderer](const Workers::Done& done) { renderer->finish(done); }};
+    };
+    Workers workers(std::size_t(options.series.jobs), makeCode);
+    workers.draw(
+        frames,
+        [&result](std::size_t frame, const Outcome& outcome) { result.note(frame, outcome); }, goOn,
+        [&result](const std::string& line) { result.say(line); });
+    return result.finish();
+}
+
+// A frame that fails is left out; a film that fails is none.
+int renderFilm(FrameRenderer& renderer, const Options& options, const Frames& frames,
+               const Interruption& interruption)
+{
+    Result result(frames.size(), interruption);
+    Film film(*options.picture, options.series.framesPerSecond, options.background);
+    const auto goOn = [&interruption](double) { return !interruption.hasCome(); };
+    std::string fault;
+    bool isEmpty = true;
+    for (std::size_t i = 0; i < frames.size() && fault.empty() && goOn(0); ++i) {
+        QImage image;
+        const std::string failure = renderer.drawAlone(frames[i], goOn, image);
+        if (failure.empty())
+            fault = film.add(image);
+        isEmpty = isEmpty && !failure.empty();
+        result.note(frames[i], {failure.empty() ? Outcome::WRITTEN : Outcome::FAILED, failure});
+    }
+    const int status = result.finish();
+    if (status == INTERRUPTED || isEmpty)
+        return status;
+    if (fault.empty())
+        fault = film.finish();
+    if (!fault.empty())
+        tell(fault);
+    return fault.empty() ? status : CANNOT_WRITE;
+}
 
 int fail(const std::string& error, const Interruption& interruption)
 {
@@ -153,8 +218,9 @@ bool asksForSeries(const Options& options)
 {
     const SeriesRequest& series = options.series;
     return series.frames || series.isOfFiles || series.listFrames || options.frame ||
-           series.shard.count > 1 || series.stamp || series.overwrite ||
-           (options.picture && PictureName(*options.picture).isPattern());
+           series.shard.count > 1 || series.stamp || series.overwrite || series.jobs != 1 ||
+           (options.picture &&
+            (PictureName(*options.picture).isPattern() || isFilm(*options.picture)));
 }
 
 int renderSeries(const Options& options)
@@ -178,9 +244,13 @@ int renderSeries(const Options& options)
     for (const std::string& notice : report.notices)
         tell(notice);
     FrameRenderer renderer(*series, *stage, options);
-    Run run(frames.size(), interruption);
-    run.draw(renderer, frames);
-    const int status = run.finish();
+    int status = SUCCESS;
+    if (isFilm(*options.picture))
+        status = renderFilm(renderer, options, frames, interruption);
+    else if (options.series.jobs != 1)
+        status = renderByWorkers(*series, *stage, options, frames, interruption);
+    else
+        status = renderHere(renderer, frames, interruption);
     if (status != SUCCESS || !options.printCamera)
         return status;
     const std::string unprinted = print(formatCamera(renderer.getCamera()) + "\n");

@@ -30,10 +30,12 @@ struct SeriesRequest
     bool isOfFiles = false;           ///< each file is a frame; a folder is all that are in it
     std::optional<FrameSlice> frames; ///< all if left out
     Shard shard;
-    bool overwrite = false;  ///< also pictures that are there
-    bool listFrames = false; ///< instead of rendering them
-    bool stamp = false;      ///< frame and time are written into the picture
-    bool ownRange = false;   ///< each frame has a colour range of its own
+    bool overwrite = false;      ///< also pictures that are there
+    bool listFrames = false;     ///< instead of rendering them
+    bool stamp = false;          ///< frame and time are written into the picture
+    bool ownRange = false;       ///< each frame has a colour range of its own
+    int jobs = 1;                ///< processes that draw; 0 for one per core
+    double framesPerSecond = 25; ///< of a film
 };
 
 /// What the command line asks for. What is not given is chosen from the data.

@@ -327,6 +327,10 @@ TEST_F(RenderSeriesTest, WhatCannotBeIsToldInOneLineBeforeAnythingIsWritten)
         {{"--render", pattern("out2"), "--shard", "3/3", series}, "expected i/n with 0 <= i < n"},
         {{"--render", folder.path("none/f_%d.png"), series}, "none/f_0.png: "},
         {{"--render", pattern("out3"), "--series", folder.path("none")}, "none: "},
+        {{"--render", folder.path("%d.mp4"), series}, "expected one film of all frames"},
+        {{"--render", folder.path("a.gif"), "--transparent", series}, "expected a picture with"},
+        {{"--render", one, "--fps", "0", series}, "expected a number from 0.01 to 1000"},
+        {{"--render", one, "--jobs", "-1", series}, "expected a whole number from 0 to 1000"},
         {{"--stamp", series}, "--render"}};
     for (const auto& [arguments, expected] : calls) {
         const ProgramRun result = run(arguments);
@@ -351,6 +355,42 @@ TEST_F(RenderSeriesTest, AnInterruptionLeavesWholePicturesAlone)
         EXPECT_THAT(name, testing::MatchesRegex("f_[0-9]+\\.png"));
         EXPECT_EQ(QImage(QString::fromStdString(folder.path("out/" + name))).width(), 300);
     }
+}
+
+TEST_F(RenderSeriesTest, SeveralProcessesWriteTheSamePictures)
+{
+    EXPECT_EQ(run({"--render", pattern("one"), series}).status, 0);
+    for (const char* jobs : {"2", "4", "0"}) {
+        const std::string name = std::string("jobs") + jobs;
+        const ProgramRun several = run({"--render", pattern(name), "--jobs", jobs, series});
+        EXPECT_EQ(several.status, 0) << several.error;
+        EXPECT_EQ(filesOf(name), filesOf("one"));
+    }
+}
+
+TEST_F(RenderSeriesTest, AFilmHasEveryFrame)
+{
+    const std::string film = folder.path("film.mp4");
+    const ProgramRun made =
+        run({"--render", film, "--fps", "12.5", "--frames", "1:", "--stamp", series});
+    EXPECT_EQ(made.status, 0) << made.error;
+    const ProgramRun facts =
+        runProgram("/usr/bin/env",
+                   {"ffprobe", "-v", "error", "-count_frames", "-show_entries",
+                    "stream=width,height,r_frame_rate,nb_read_frames", "-of", "csv=p=0", film});
+    EXPECT_EQ(facts.output, "90,60,25/2,5\n");
+    EXPECT_FALSE(fs::exists(film + ".part"));
+}
+
+TEST_F(RenderSeriesTest, AnInterruptedFilmIsNone)
+{
+    folder.write("long.txt", seriesText(3000));
+    fs::create_directory(folder.path("films"));
+    const std::string film = folder.path("films/film.mp4");
+    RunningProgram program({"--render", film, "--size", "300x200", folder.path("long.txt")});
+    ASSERT_TRUE(comes(film + ".part"));
+    EXPECT_EQ(program.signalAndWait(SIGINT), 130);
+    EXPECT_THAT(namesOf("films"), IsEmpty());
 }
 
 TEST_F(RenderSeriesTest, WhatWasKilledAndRunAgainComesToTheSameFiles)

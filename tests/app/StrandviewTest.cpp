@@ -899,7 +899,8 @@ TEST_F(StrandviewTest, HelpAndVersionGoToStandardOutput)
           "--background",  "--normalise",   "--closed",    "--samples",      "--transparent",
           "--view",        "--perspective", "--camera",    "--print-camera", "--screenshot-after",
           "--export",      "--frame",       "--info",      "--json",         "--frames",
-          "--series",      "--shard",       "--overwrite", "--stamp",        "--list-frames"})
+          "--series",      "--shard",       "--overwrite", "--stamp",        "--list-frames",
+          "--jobs",        "--fps"})
         EXPECT_THAT(help.output, HasSubstr(option));
 
     const ProgramRun version = run({"--version"});
