@@ -405,6 +405,10 @@ void addSeries(CLI::App& app, Options& options)
     app.add_flag("--stamp", series.stamp, "Write frame and time into the picture")
         ->needs(render)
         ->group(group);
+    app.add_flag("--align", series.align,
+                 "Superpose each frame on the first: the least squares of all points")
+        ->needs(render)
+        ->group(group);
     addCount(app, "--jobs", series.jobs, 0, 1000,
              "Render pictures with so many processes, or 0 for one per core [1]")
         ->needs(render)

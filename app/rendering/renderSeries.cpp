@@ -10,6 +10,7 @@
 
 #include <QImage>
 
+#include <strandview/analysis/superpose.h>
 #include <strandview/formats/text/wording.h>
 
 #include "rendering/Film.h"
@@ -218,7 +219,8 @@ bool asksForSeries(const Options& options)
 {
     const SeriesRequest& series = options.series;
     return series.frames || series.isOfFiles || series.listFrames || options.frame ||
-           series.shard.count > 1 || series.stamp || series.overwrite || series.jobs != 1 ||
+           series.shard.count > 1 || series.stamp || series.align || series.overwrite ||
+           series.jobs != 1 ||
            (options.picture &&
             (PictureName(*options.picture).isPattern() || isFilm(*options.picture)));
 }
@@ -228,9 +230,11 @@ int renderSeries(const Options& options)
     const Interruption interruption;
     OpeningProgress opening(interruption);
     ReadReport report;
-    const std::unique_ptr<Series> series = openFiles(options.files, options, report, opening);
+    std::unique_ptr<Series> series = openFiles(options.files, options, report, opening);
     if (!series)
         return fail(report.error, interruption);
+    if (options.series.align)
+        series = std::make_unique<SuperposedSeries>(std::move(series));
     const std::vector<std::size_t> frames = askedFrames(options, series->count(), report);
     if (!report.error.empty())
         return fail(report.error, interruption);

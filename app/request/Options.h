@@ -32,6 +32,7 @@ struct SeriesRequest
     Shard shard;
     bool overwrite = false;      ///< also pictures that are there
     bool listFrames = false;     ///< instead of rendering them
+    bool align = false;          ///< each frame is superposed on the first
     bool stamp = false;          ///< frame and time are written into the picture
     bool ownRange = false;       ///< each frame has a colour range of its own
     int jobs = 1;                ///< processes that draw; 0 for one per core

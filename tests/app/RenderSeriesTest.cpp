@@ -368,6 +368,35 @@ TEST_F(RenderSeriesTest, SeveralProcessesWriteTheSamePictures)
     }
 }
 
+// Frames that are the first one, turned and shifted, all look like it.
+TEST_F(RenderSeriesTest, SuperposedFramesStayInPlace)
+{
+    std::string text = "t x y z\n";
+    for (int frame = 0; frame < 3; ++frame) {
+        for (int i = 0; i < 12; ++i) {
+            const double angle = 0.5 * i + frame, height = 0.3 * i + 7 * frame;
+            text += std::to_string(frame) + " " + std::to_string(std::cos(angle)) + " " +
+                    std::to_string(std::sin(angle)) + " " + std::to_string(height) + "\n";
+        }
+    }
+    const std::string file = folder.write("turning.txt", text);
+    EXPECT_EQ(run({"--render", pattern("still"), "--align", file}).status, 0);
+    EXPECT_EQ(run({"--render", pattern("moving"), file}).status, 0);
+    const auto imageOf = [&](const std::string& name) {
+        return QImage(QString::fromStdString(folder.path(name)));
+    };
+    const QImage first = imageOf("still/f_00.png");
+    for (const char* name : {"f_01.png", "f_02.png"}) {
+        const QImage other = imageOf(std::string("still/") + name);
+        int differing = 0; // points have six digits
+        for (int y = 0; y < first.height(); ++y)
+            for (int x = 0; x < first.width(); ++x)
+                differing += first.pixel(x, y) != other.pixel(x, y) ? 1 : 0;
+        EXPECT_LT(differing, 10) << name;
+        EXPECT_NE(imageOf(std::string("moving/") + name), imageOf("moving/f_00.png"));
+    }
+}
+
 TEST_F(RenderSeriesTest, AFilmHasEveryFrame)
 {
     const std::string film = folder.path("film.mp4");

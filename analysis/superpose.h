@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_ANALYSIS_SUPERPOSE_H
+#define STRANDVIEW_ANALYSIS_SUPERPOSE_H
+
+#include <memory>
+#include <optional>
+
+#include <strandview/analysis/fitFrame.h>
+#include <strandview/analysisExport.h>
+#include <strandview/model/Configuration.h>
+#include <strandview/model/Series.h>
+
+namespace strandview {
+
+/// The rigid motion that takes a configuration nearest to another, by the sum of the squares of the
+/// distances of their points (fitFrame()): those of rods, birods and DNA, and lone bases, that have
+/// as many in both, index by index. Nothing if nothing has. May be called from any thread.
+STRANDVIEW_ANALYSIS_EXPORT std::optional<FittedFrame>
+findSuperposition(const Configuration& moved, const Configuration& reference);
+
+/// Turns all that a configuration has about the origin, and shifts it by motion.point.
+STRANDVIEW_ANALYSIS_EXPORT void move(Configuration& configuration, const FittedFrame& motion);
+
+/// A series with each frame superposed on the first one that can be loaded, of the first hundred. A
+/// frame that has nothing in common with it stays where it is, with a notice.
+class STRANDVIEW_ANALYSIS_EXPORT SuperposedSeries : public Series
+{
+public:
+    explicit SuperposedSeries(std::unique_ptr<Series> seriesToMove);
+
+    std::size_t count() const override { return series->count(); }
+    std::optional<double> time(std::size_t frame) const override { return series->time(frame); }
+
+private:
+    LoadedFrame loadFrame(std::size_t frame, const GoOn& goOn) override;
+    bool findReference(const GoOn& goOn);
+
+    const std::unique_ptr<Series> series;
+    std::optional<Configuration> reference; ///< once it was needed
+};
+
+} // namespace strandview
+
+#endif
