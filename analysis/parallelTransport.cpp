@@ -78,9 +78,8 @@ public:
         setTangent(0, tangent);
         findTangents();
         findTurns();
-        multiply(rotations.back());
-        for (std::size_t k = 0; k < count; ++k)
-            rotations.emplace_back(qx[k], qy[k], qz[k], qw[k]);
+        rotations.resize(first + count);
+        multiply(&rotations[first - 1]);
     }
 
     std::size_t size() const { return count; }
@@ -139,12 +138,13 @@ private:
         }
     }
 
-    /// Makes rotations of the turns. What rounding adds up to in them stays below 1e-12.
-    void multiply(const Quaternion& before)
+    /// From a rotation to those that the turns lead to, which follow it. What rounding adds up to
+    /// in them stays below 1e-12.
+    void multiply(Quaternion* rotations)
     {
         double a, b, c, d; // in registers, where a Quaternion would wait for its copy in memory
         const auto take = [&](const Quaternion& q) { a = q[0], b = q[1], c = q[2], d = q[3]; };
-        take(before);
+        take(*rotations);
         for (std::size_t k = 0; k < count; ++k) {
             const Quaternion rotation(a, b, c, d);
             if (square[k] > 1e-20)
@@ -154,10 +154,11 @@ private:
             // The turn has lost as many digits as that has.
             if (k + 1 == count || square[k] < 1e-6)
                 take(turnedTo(tangentAt(k + 1), Quaternion(a, b, c, d)));
-            qx[k] = a;
-            qy[k] = b;
-            qz[k] = c;
-            qw[k] = d;
+            Quaternion& made = *++rotations;
+            made[0] = a;
+            made[1] = b;
+            made[2] = c;
+            made[3] = d;
         }
     }
 
@@ -167,7 +168,7 @@ private:
     double x[MOST + 2], y[MOST + 2], z[MOST + 2];    ///< from the point before on
     double tx[MOST + 1], ty[MOST + 1], tz[MOST + 1]; ///< tangents, likewise
     double square[MOST + 1];                         ///< of the length of what is made a unit
-    double qx[MOST], qy[MOST], qz[MOST], qw[MOST];   ///< turns, and then rotations
+    double qx[MOST], qy[MOST], qz[MOST], qw[MOST];   ///< turns
 };
 
 /// The angle about the unit vector t, across both, that turns one d2 into another.

@@ -22,7 +22,8 @@ constexpr char EXPECTED_BASE[] = "A, C, G or T"; // model/Dna.h
 
 /// Whether a finite number can be drawn: at most 1e18 in magnitude, so that the square
 /// of a distance (at most 1.2e37) is finite in the single precision that is drawn with.
-inline bool isCoordinate(double number) { return std::abs(number) <= 1e18; }
+constexpr double LARGEST_COORDINATE = 1e18;
+inline bool isCoordinate(double number) { return std::abs(number) <= LARGEST_COORDINATE; }
 
 /// Checks that a quaternion of finite components is a rotation: its norm is 1 within
 /// algebra3d::ROTATION_TOLERANCE, as the nodes ask it. With options.normalise any quaternion but

@@ -2,6 +2,7 @@
 #include <strandview/formats/numpy/NumpyFile.h>
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <utility>
 
@@ -14,7 +15,7 @@ namespace strandview {
 
 namespace {
 
-constexpr std::size_t PIECE = 3640 * 4 * 9; ///< in numbers: a MiB of doubles, in whole rows
+constexpr std::size_t PIECE = 910 * 4 * 9; ///< in numbers: 256 KiB of doubles, in whole rows
 constexpr std::string_view ENDING = ".npy";
 
 bool endsAsArray(const std::string& name)
@@ -40,19 +41,22 @@ bool isHostBigEndian()
     return first == 0;
 }
 
-/// Every `step`-th number, from the `skip`-th on.
+/// The numbers that some bytes are. They may be the last ones of the memory that the numbers go to.
 template <typename Float>
-void convert(std::string& bytes, bool isReversed, std::uint64_t skip, std::uint64_t step,
-             double* values)
+void convert(const char* bytes, std::size_t count, bool isReversed, double* values)
 {
-    const std::uint64_t count = bytes.size() / sizeof(Float);
-    for (std::uint64_t i = skip; i < count; i += step) {
-        char* const place = &bytes[std::size_t(i) * sizeof(Float)];
+    std::array<Float, 512> block;
+    for (std::size_t done = 0; done < count;) {
+        const std::size_t some = std::min(block.size(), count - done);
+        std::memcpy(block.data(), bytes + done * sizeof(Float), some * sizeof(Float));
         if (isReversed)
-            std::reverse(place, place + sizeof(Float));
-        Float number;
-        std::memcpy(&number, place, sizeof(Float));
-        *values++ = double(number);
+            for (std::size_t i = 0; i < some; ++i) {
+                char* const place = reinterpret_cast<char*>(&block[i]);
+                std::reverse(place, place + sizeof(Float));
+            }
+        for (std::size_t i = 0; i < some; ++i)
+            values[done + i] = double(block[i]);
+        done += some;
     }
 }
 
@@ -213,22 +217,23 @@ bool NumpyFile::readPiece(const NumpyArray& array, std::uint64_t first, std::siz
 {
     const NpyHeader& header = array.header;
     const bool isReversed = header.isBigEndian != isHostBigEndian();
-    const bool isAsInMemory = header.itemSize == sizeof(double) && !isReversed && step == 1;
     const std::size_t taken = count > skip ? std::size_t((count - skip - 1) / step) + 1 : 0;
     values.resize(behind + taken);
-    double* const numbers = values.data() + behind;
-    std::string bytes(isAsInMemory ? 0 : count * header.itemSize, '\0');
-    char* const to = isAsInMemory ? reinterpret_cast<char*>(numbers) : bytes.data();
-    const auto got = readBytes(array.entry, header.dataOffset + first * header.itemSize, to,
+    std::vector<double> spread(step == 1 ? 0 : count); // with what lies between
+    double* const numbers = step == 1 ? values.data() + behind : spread.data();
+    char* const bytes = reinterpret_cast<char*>(numbers + count) - count * header.itemSize;
+    const auto got = readBytes(array.entry, header.dataOffset + first * header.itemSize, bytes,
                                count * header.itemSize, options, report);
     if (!got)
         return false;
     if (*got < count * header.itemSize)
         return failCut(array, report);
     if (header.itemSize == sizeof(float))
-        convert<float>(bytes, isReversed, skip, step, numbers);
-    else if (!isAsInMemory)
-        convert<double>(bytes, isReversed, skip, step, numbers);
+        convert<float>(bytes, count, isReversed, numbers);
+    else if (isReversed)
+        convert<double>(bytes, count, isReversed, numbers);
+    for (std::size_t i = 0; step > 1 && i < taken; ++i)
+        values[behind + i] = spread[std::size_t(skip + i * step)];
     return true;
 }
 

@@ -5,6 +5,7 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <limits>
 #include <map>
 #include <utility>
@@ -425,8 +426,8 @@ private:
         return fault.empty() || fail(placeIn(*arrays.points, frame, {":"}) + fault);
     }
 
-    /// Hands over what belongs to each point, as many numbers as rows have, in the order of C. The
-    /// points are the first index, or else the last. `add` answers whether to go on.
+    /// Hands over what belongs to each of some points, as many numbers as rows have, in the order
+    /// of C. The points are the first index, or else the last. `add` answers whether to go on.
     template <typename Add>
     bool readRows(const NumpyArray& array, bool areRows, std::size_t width,
                   std::optional<std::uint64_t> frame, const ReadOptions& options, Add add)
@@ -437,17 +438,14 @@ private:
         const bool isInPlace = std::is_sorted(places.begin(), places.end()) && along == width;
         if (isInPlace && !(frame && array.header.isFortranOrder))
             return file->readPieces(array, frame, options, *report, [&](const auto& piece) {
-                for (std::size_t at = 0; at < piece.size(); at += width)
-                    if (!add(&piece[at]))
-                        return false;
-                return true;
+                return add(piece.data(), piece.size() / width);
             });
         const auto numbers = file->read(array, frame, options, *report);
         std::vector<double> row(width);
         for (std::size_t at = 0; numbers && at < numbers->size() / width; ++at) {
             for (std::size_t k = 0; k < width; ++k)
                 row[k] = (*numbers)[at * along + places[k]];
-            if (!add(row.data()))
+            if (!add(row.data(), 1))
                 return false;
         }
         return numbers.has_value();
@@ -471,16 +469,30 @@ private:
                     const ReadOptions& options)
     {
         reserveRows(points, count, array, 3);
-        return readRows(array, areRows, 3, frame, options, [&](const double* at) {
-            if (isCoordinate(at[0]) && isCoordinate(at[1]) && isCoordinate(at[2])) {
+        return readRows(array, areRows, 3, frame, options, [&](const double* at, std::size_t rows) {
+            const bool areFine = areCoordinates(at, 3 * rows);
+            for (; rows > 0 && (areFine || areCoordinates(at, 3)); --rows, at += 3)
                 points.emplace_back(at[0], at[1], at[2]);
+            if (rows == 0)
                 return true;
-            }
             const std::size_t axis = !isCoordinate(at[0]) ? 0 : !isCoordinate(at[1]) ? 1 : 2;
             const std::string point = std::to_string(points.size()), xyz = std::to_string(axis);
             return fail(placeIn(array, frame, {areRows ? point : xyz, areRows ? xyz : point}) +
                         "found " + formatted(at[axis]) + ", expected " + EXPECTED_COORDINATE);
         });
+    }
+
+    /// The same row by row.
+    template <typename Add>
+    bool readEachRow(const NumpyArray& array, bool areRows, std::size_t width,
+                     std::optional<std::uint64_t> frame, const ReadOptions& options, Add add)
+    {
+        return readRows(array, areRows, width, frame, options,
+                        [&](const double* at, std::size_t rows) {
+                            for (; rows > 0 && add(at); --rows)
+                                at += width;
+                            return rows == 0;
+                        });
     }
 
     /// No more than the file has bytes for: a size in an archive alone takes no memory.
@@ -498,7 +510,7 @@ private:
         const NumpyArray& array = *arrays.quaternions;
         const bool areRows = arrays.areQuaternionRows;
         reserveRows(rod.rotations, arrays.rotationCount, array, 4);
-        return readRows(array, areRows, 4, frame, options, [&](const double* at) {
+        return readEachRow(array, areRows, 4, frame, options, [&](const double* at) {
             const std::size_t i = rod.rotations.size();
             auto& rotation = rod.rotations.emplace_back(at[0], at[1], at[2], at[3]);
             if (!options.normalise && algebra3d::isRotation(rotation)) // most often
@@ -510,6 +522,21 @@ private:
                                                   areRows ? ":" : std::to_string(i)}) +
                                          fault);
         });
+    }
+
+    /// isCoordinate() of many at a time: magnitudes are ordered as their bits, not-a-number last.
+    static bool areCoordinates(const double* numbers, std::size_t count)
+    {
+        const auto magnitude = [](double number) {
+            std::uint64_t bits;
+            std::memcpy(&bits, &number, sizeof bits);
+            return bits & (~std::uint64_t(0) >> 1);
+        };
+        const std::uint64_t largest = magnitude(LARGEST_COORDINATE);
+        std::uint64_t differences = 0; // the first bit is set where one is negative
+        for (std::size_t i = 0; i < count; ++i)
+            differences |= largest - magnitude(numbers[i]);
+        return differences >> 63 == 0;
     }
 
     static bool areFinite(const double* numbers, std::size_t count)
@@ -526,7 +553,7 @@ private:
                        const ReadOptions& options)
     {
         reserveRows(rotations, count, array, 9);
-        return readRows(array, areRows, 9, frame, options, [&](const double* at) {
+        return readEachRow(array, areRows, 9, frame, options, [&](const double* at) {
             const std::string fault =
                 areFinite(at, 9) ? findRotation({Vector(at), Vector(at + 3), Vector(at + 6)},
                                                 options, rotations.emplace_back())
