@@ -32,6 +32,12 @@ constexpr double MOST_INSTRUCTIONS = 35;                   // for each byte of a
 constexpr std::size_t BYTES_COUNTED = 6'000'000;
 constexpr int ROUNDS = 3;
 
+// Files of 1 GB: of a text, a series of texts and a binary format.
+constexpr const char* ALSO_VERY_LARGE[] = {"plain.raw", "moving.oxdna", "doubles.npy"};
+constexpr std::size_t VERY_LARGE = 1'000'000'000;
+constexpr std::uintmax_t ROOM_ON_DISK = 1'500'000'000;   // in the folder for temporary files
+constexpr std::uintmax_t ROOM_IN_MEMORY = 8'000'000'000; // for the file, the text and the data
+
 // A folder that goes with the program.
 class TemporaryFolder
 {
@@ -133,25 +139,39 @@ struct Measured
     double memory; // bytes beyond what is returned
 };
 
+bool isTextOf(const LargeFile& file)
+{
+    return file.kind == LargeFile::Kind::TEXT || file.kind == LargeFile::Kind::SERIES;
+}
+
 // Negative memory if it cannot be read.
 Measured measure(const LargeFile& file, const std::string& path)
 {
-    const bool isText = file.kind == LargeFile::Kind::TEXT || file.kind == LargeFile::Kind::SERIES;
+    Measured measured = {};
+    const double begin = processorSeconds();
+    const AllocationCount count;
+    if (file.kind == LargeFile::Kind::SERIES) {
+        measured.memory = readFrames(path) ? double(count.mostHeld()) : -1;
+        measured.seconds = processorSeconds() - begin;
+    } else {
+        const std::optional<Configuration> data = readOne(path);
+        measured.seconds = processorSeconds() - begin;
+        measured.memory = data ? double(count.mostHeld() - count.held()) : -1;
+    }
+    return measured;
+}
+
+// The same in turn with the peer.
+Measured measureBesidePeer(const LargeFile& file, const std::string& path)
+{
     std::vector<double> seconds, secondsOfPeer;
     double memory = 0;
     for (int round = 0; round < ROUNDS && memory >= 0; ++round) {
-        const double begin = processorSeconds();
-        const AllocationCount count;
-        if (file.kind == LargeFile::Kind::SERIES) {
-            memory = readFrames(path) ? double(count.mostHeld()) : -1;
-            seconds.push_back(processorSeconds() - begin);
-        } else {
-            const std::optional<Configuration> data = readOne(path);
-            seconds.push_back(processorSeconds() - begin);
-            memory = data ? double(count.mostHeld() - count.held()) : -1;
-        }
+        const Measured measured = measure(file, path);
+        seconds.push_back(measured.seconds);
+        memory = measured.memory;
         const double middle = processorSeconds();
-        (isText ? sumNumbers : sumBytes)(path);
+        (isTextOf(file) ? sumNumbers : sumBytes)(path);
         secondsOfPeer.push_back(processorSeconds() - middle);
     }
     return {median(seconds), median(secondsOfPeer), memory};
@@ -169,20 +189,24 @@ double instructionsPerByte(const std::string& program, const LargeFile& file)
     return once < 0 || twice < 0 ? -1 : (twice - once) / double(BYTES_COUNTED);
 }
 
+void addRate(Table& table, const std::string& what, const LargeFile& file, double rate)
+{
+    const bool isPacked = file.kind == LargeFile::Kind::PACKED;
+    table.rate(what, rate, "goal", isTextOf(file) ? SLOWEST_TEXT : SLOWEST_BINARY, "MB/s",
+               isPacked ? 0 : 1);
+}
+
 void add(Table& table, const LargeFile& file, double megabytes, const std::string& program)
 {
     const TemporaryFolder folder;
     file.write(folder.path, std::size_t(megabytes * 1e6));
     const double bytes = double(folder.bytes());
-    const Measured measured = measure(file, folder.path + "/" + file.name);
+    const Measured measured = measureBesidePeer(file, folder.path + "/" + file.name);
     if (measured.memory < 0)
         return table.missing(file.what, "it could not be read");
-    const bool isPacked = file.kind == LargeFile::Kind::PACKED;
-    const bool isBinary = file.kind == LargeFile::Kind::BINARY || isPacked;
     const double rate = bytes / 1e6 / measured.seconds;
-    table.rate(file.what, rate, "goal", isBinary ? SLOWEST_BINARY : SLOWEST_TEXT, "MB/s",
-               isPacked ? 0 : 1);
-    table.rate(file.what, rate, isBinary ? "the bytes added" : "std::from_chars alone",
+    addRate(table, file.what, file, rate);
+    table.rate(file.what, rate, isTextOf(file) ? "std::from_chars alone" : "the bytes added",
                bytes / 1e6 / measured.secondsOfPeer, "MB/s", 0);
     table.limit("– memory beyond the result", measured.memory / bytes, "bytes/byte", MOST_MEMORY);
     if (file.what.rfind("A table", 0) == 0)
@@ -190,10 +214,45 @@ void add(Table& table, const LargeFile& file, double megabytes, const std::strin
             table.limit("– instructions", each, "instructions/byte", MOST_INSTRUCTIONS);
 }
 
+// In bytes; 0 where the system does not tell.
+std::uintmax_t memoryAvailable()
+{
+    std::ifstream facts("/proc/meminfo");
+    for (std::string name, rest; facts >> name && std::getline(facts, rest);)
+        if (name == "MemAvailable:")
+            return std::uintmax_t(std::strtoull(rest.c_str(), nullptr, 10)) * 1024;
+    return 0;
+}
+
+bool isAlsoVeryLarge(const LargeFile& file)
+{
+    return std::find(std::begin(ALSO_VERY_LARGE), std::end(ALSO_VERY_LARGE), file.name) !=
+           std::end(ALSO_VERY_LARGE);
+}
+
+// Once, for it takes long, and where there is room.
+void addVeryLarge(Table& table, const LargeFile& file)
+{
+    const std::string what = file.what + ", 1 GB";
+    const TemporaryFolder folder;
+    if (std::filesystem::space(folder.path).available < ROOM_ON_DISK)
+        return table.missing(what, "less than 1.5 GB are free for temporary files");
+    if (memoryAvailable() < ROOM_IN_MEMORY)
+        return table.missing(what, "less than 8 GB of memory are free");
+    file.write(folder.path, VERY_LARGE);
+    const double bytes = double(folder.bytes());
+    const Measured measured = measure(file, folder.path + "/" + file.name);
+    if (measured.memory < 0)
+        return table.missing(what, "it could not be read");
+    addRate(table, what, file, bytes / 1e6 / measured.seconds);
+    table.limit("– memory beyond the result", measured.memory / bytes, "bytes/byte", MOST_MEMORY);
+}
+
 } // namespace
 
 // readers [MEGABYTES [FORMAT]...]: files of that size, 50 MB unless told otherwise; of all
-// formats, or of those that one of the words is in.
+// formats, or of those that one of the words is in; and some of 1 GB, without words or by the word
+// "1 GB".
 int main(int count, char** words)
 {
     if (count == 3 && std::string(words[1]) == "read")
@@ -209,13 +268,19 @@ int main(int count, char** words)
             "of stored bytes, too. Points without frames are bound\nby the making of those, a "
             "product of quaternions after another; PDB and mmCIF by gemmi and\nthe fit of the "
             "bases, oxDNA by the search for pairs. Memory is the most that was held at a\ntime, "
-            "less what the reader returns; of a series with the frame that is shown.");
-    for (const LargeFile& file : largeFiles()) {
-        bool isAsked = count < 3;
-        for (int i = 2; i < count; ++i)
-            isAsked = isAsked || file.what.find(words[i]) != std::string::npos;
-        if (isAsked)
+            "less what the reader returns; of a series with the frame that is shown. Files of\n1 "
+            "GB "
+            "are read once, where there are 8 GB of memory and 1.5 GB of disk for them.");
+    const auto isAsked = [&](const std::string& what) {
+        return count < 3 || std::any_of(words + 2, words + count, [&](const char* word) {
+                   return what.find(word) != std::string::npos;
+               });
+    };
+    for (const LargeFile& file : largeFiles())
+        if (isAsked(file.what))
             add(table, file, megabytes, words[0]);
-    }
+    for (const LargeFile& file : largeFiles())
+        if (isAsked("1 GB") && isAlsoVeryLarge(file))
+            addVeryLarge(table, file);
     table.print();
 }
