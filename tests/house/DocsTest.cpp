@@ -3,6 +3,7 @@
 // (tests/gui/DocsCommandsTest.cpp), and whatever is named exists.
 #include <algorithm>
 #include <cctype>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -98,7 +99,7 @@ std::string faultOf(const CodeBlock& block, const std::string& ending)
 
 TEST(Docs, EveryCodeBlockIsOfAKindThatIsTested)
 {
-    const std::set<std::string> kinds{"cpp", "cmake", "sh", "json", "text", ""};
+    const std::set<std::string> kinds{"cpp", "cmake", "sh", "json", "python", "text", ""};
     std::set<std::string> seen;
     for (const CodeBlock& block : codeBlocksOf(PROJECT)) {
         seen.insert(block.language);
@@ -154,14 +155,15 @@ const strandview::Format* formatOfReadable(const fs::path& file)
     return source ? strandview::formatOf(*source, {}, report) : nullptr;
 }
 
-// The blocks of a section of the guide that are no commands, as files in a new folder: under their
-// own names, or with the first ending of the format.
+// The blocks of a section of the guide that are no commands and no programs, as files in a new
+// folder: under their own names, or with the first ending of the format.
 std::vector<fs::path> writeExamples(const strandview::Format& format, const fs::path& folder)
 {
     std::vector<fs::path> files;
     for (const CodeBlock& block : codeBlocksOf(PROJECT)) {
         const bool isOfGuide = block.place.rfind(GUIDE_TO_DATA, 0) == 0;
-        if (!isOfGuide || block.section != headingOf(format) || block.language == "sh")
+        const bool isFile = block.language != "sh" && block.language != "python";
+        if (!isOfGuide || block.section != headingOf(format) || !isFile)
             continue;
         const std::string name = "example" + std::to_string(files.size()) + format.endings[0];
         files.push_back(folder / (block.file.empty() ? name : block.file));
@@ -169,6 +171,8 @@ std::vector<fs::path> writeExamples(const strandview::Format& format, const fs::
     }
     return files;
 }
+
+const std::string NUMPY = "NumPy";
 
 TEST(Docs, TheExamplesOfAFormatAreReadAsThatFormat)
 {
@@ -178,11 +182,41 @@ TEST(Docs, TheExamplesOfAFormatAreReadAsThatFormat)
         fs::remove_all(folder);
         fs::create_directory(folder);
         const std::vector<fs::path> files = writeExamples(format, folder);
-        EXPECT_TRUE(!files.empty() || format.name == "NumPy") << "which is no text";
+        EXPECT_TRUE(!files.empty() || format.name == NUMPY) << "which is no text";
         for (const fs::path& file : files)
             EXPECT_EQ(formatOfReadable(file), &format) << file;
         fs::remove_all(folder);
     }
+}
+
+// One that has NumPy, which the project itself does without; empty if there is none.
+std::string findPython()
+{
+    for (const std::string python : {"python3", "/usr/bin/python3"})
+        if (std::system((python + " -c 'import numpy' >/dev/null 2>&1").c_str()) == 0)
+            return python;
+    return "";
+}
+
+TEST(Docs, TheProgramsOfTheGuideWriteArraysThatAreRead)
+{
+    const std::string python = findPython();
+    if (python.empty())
+        GTEST_SKIP() << "found no python3 with numpy";
+    const fs::path folder = fs::path(testing::TempDir()) / "strandview_python";
+    for (const CodeBlock& block : blocksIn("python")) {
+        SCOPED_TRACE(block.place);
+        fs::remove_all(folder);
+        fs::create_directory(folder);
+        std::ofstream(folder / "example.py") << block.text();
+        const std::string run = "cd '" + folder.string() + "' && " + python + " example.py";
+        ASSERT_EQ(std::system(run.c_str()), 0);
+        const std::vector<fs::path> files = filesBelow(folder, ".npz");
+        ASSERT_FALSE(files.empty());
+        for (const fs::path& file : files)
+            EXPECT_EQ(formatOfReadable(file)->name, NUMPY);
+    }
+    fs::remove_all(folder);
 }
 
 // The names of the pictures in each section of a page: "helix".
