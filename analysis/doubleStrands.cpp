@@ -2,6 +2,7 @@
 #include <strandview/analysis/doubleStrands.h>
 
 #include <algorithm>
+#include <utility>
 
 #include <algebra3d/largePages.h>
 #include <algebra3d/rotations.h>
@@ -56,11 +57,12 @@ std::string namesOf(const std::vector<std::size_t>& side, const Nucleotides& nuc
             strands.push_back(nucleotides[i].strand);
     std::string text;
     for (std::size_t i = 0; i < strands.size(); ++i)
-        text += (i > 0 ? "," : "") + (i < MOST_NAMES ? names.strands[strands[i]] : "...");
+        text += (i > 0 ? "," : "") + (i < MOST_NAMES ? names.nameOf(strands[i]) : "...");
     return text;
 }
 
-Dna makeDna(const Helix& helix, const Nucleotides& nucleotides, const NucleotideNames& names)
+Dna makeDna(const Helix& helix, const Nucleotides& nucleotides, const NucleotideNames& names,
+            const std::vector<StandardBase>& standard)
 {
     Dna dna;
     dna.name = namesOf(helix.strand1, nucleotides, names) + "-" +
@@ -68,16 +70,17 @@ Dna makeDna(const Helix& helix, const Nucleotides& nucleotides, const Nucleotide
     dna.origin = names.file + ": DNA " + dna.name;
     dna.isClosed = helix.isClosed;
     reserve(helix.strand1.size(), dna);
-    if (nucleotides[helix.strand1.front()].standard)
+    if (!standard.empty())
         reserve(helix.strand1.size(), dna.standard.emplace());
     for (std::size_t k = 0; k < helix.strand1.size(); ++k) {
-        const Nucleotide &a = nucleotides[helix.strand1[k]], &b = nucleotides[helix.strand2[k]];
+        const std::size_t i = helix.strand1[k], j = helix.strand2[k];
+        const Nucleotide &a = nucleotides[i], &b = nucleotides[j];
         dna.bases += a.base == UNKNOWN_BASE ? complementOf(b.base) : a.base;
         appendPair(a.frame, b.frame, dna);
         if (!dna.standard)
             continue;
-        appendPair(*a.standard, *b.standard, *dna.standard);
-        dna.standard->rms = std::max({dna.standard->rms, a.rms, b.rms});
+        appendPair(standard[i].frame, standard[j].frame, *dna.standard);
+        dna.standard->rms = std::max({dna.standard->rms, standard[i].rms, standard[j].rms});
     }
     return dna;
 }
@@ -91,14 +94,21 @@ char complementOf(char base)
                                            : BASE_LETTERS[BASE_LETTERS.size() - 1 - index];
 }
 
-DoubleStrands makeDoubleStrands(const Nucleotides& nucleotides, const NucleotideNames& names)
+DoubleStrands makeDoubleStrands(const Nucleotides& nucleotides, const NucleotideNames& names,
+                                const std::vector<StandardBase>& standard)
 {
     DoubleStrands all;
-    all.molecules = findMolecules(nucleotides, names.strands.size());
-    for (const Helix& helix : findHelices(nucleotides)) {
-        all.dnas.push_back(makeDna(helix, nucleotides, names));
+    all.molecules = findMolecules(nucleotides, names.strands);
+    std::vector<Helix> helices = findHelices(nucleotides);
+    all.dnas.reserve(helices.size());
+    for (Helix& some : helices) {
+        const Helix helix = std::exchange(some, {}); // which takes no memory any more then
+        all.dnas.push_back(makeDna(helix, nucleotides, names, standard));
         all.dnas.back().molecule = all.molecules[nucleotides[helix.strand1.front()].strand];
     }
+    all.loneBases.reserve(
+        std::size_t(std::count_if(nucleotides.begin(), nucleotides.end(),
+                                  [](const auto& one) { return one.partner == NO_NUCLEOTIDE; })));
     for (std::size_t i = 0; i < nucleotides.size(); ++i) {
         const Nucleotide& one = nucleotides[i];
         if (one.partner != NO_NUCLEOTIDE)

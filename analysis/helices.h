@@ -3,8 +3,8 @@
 #define STRANDVIEW_ANALYSIS_HELICES_H
 
 #include <cstddef>
+#include <cstdint>
 #include <limits>
-#include <optional>
 #include <vector>
 
 #include <strandview/analysis/stepParameters.h>
@@ -20,15 +20,12 @@ constexpr std::size_t NO_NUCLEOTIDE = std::numeric_limits<std::size_t>::max();
 /// Where a base is, as in a strand 1 (model/Dna.h), in ångström.
 using BaseFrame = PlacedFrame;
 
-/// A base on its strand. Others are named by their index in the sequence of all.
+/// A base on its strand, of 104 bytes. Others are named by their index in the sequence of all.
 struct Nucleotide
 {
     char base = UNKNOWN_BASE; ///< of BASE_LETTERS, or that
-    std::size_t strand = 0;   ///< counted from 0
+    std::uint32_t strand = 0; ///< counted from 0
     BaseFrame frame;          ///< that is drawn
-    /// That numbers are made of, where it is another one: all nucleotides have it, or none.
-    std::optional<BaseFrame> standard = {};
-    double rms = 0; ///< of the atoms that gave it, in ångström
 
     std::size_t previous = NO_NUCLEOTIDE; ///< towards the 5' end; its `next` is this one
     std::size_t next = NO_NUCLEOTIDE;     ///< towards the 3' end, or round a circle

@@ -217,6 +217,15 @@ void repeatFirstPoint(Rod& rod)
     rod.indices.push_back(rod.indices.front());
 }
 
+template <typename T>
+void append(std::vector<T> values, std::vector<T>& all)
+{
+    if (all.empty())
+        all = std::move(values);
+    else
+        std::move(values.begin(), values.end(), std::back_inserter(all));
+}
+
 bool isEmpty(const Configuration& configuration)
 {
     return configuration.rods.empty() && configuration.birods.empty() &&
@@ -316,10 +325,14 @@ void Collector::add(LoneBase base) { configuration.loneBases.push_back(std::move
 
 void Collector::add(std::vector<LoneBase> bases)
 {
-    if (configuration.loneBases.empty())
-        configuration.loneBases = std::move(bases);
-    else
-        std::move(bases.begin(), bases.end(), std::back_inserter(configuration.loneBases));
+    append(std::move(bases), configuration.loneBases);
+}
+
+void Collector::add(std::vector<Dna> dnas)
+{
+    for (const Dna& dna : dnas)
+        strayingDnas += !followsPoints(dna.pairRotations, dna.pairPoints);
+    append(std::move(dnas), configuration.dnas);
 }
 
 std::optional<Configuration> Collector::finish(const std::string& fileName, const char* expected,

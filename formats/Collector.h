@@ -46,11 +46,17 @@ public:
 
     /// Leaves out nothing. A notice tells if the pairs' d3 does not follow them.
     std::string add(Dna dna);
+    /// Of at least one base each, without a copy where they are the first.
+    void add(std::vector<Dna> dnas);
+
+    /// Room for so many.
+    void reserveRods(std::size_t count) { configuration.rods.reserve(count); }
 
     void add(Marker marker);
     void add(Frame frame);
     void add(Arrow arrow);
     void add(LoneBase base);
+    /// All at once, without a copy where they are the first.
     void add(std::vector<LoneBase> bases);
 
     /// All of it, and a notice for each thing done; nothing and an error if there is

@@ -44,12 +44,6 @@ constexpr double FARTHEST_SITES = 0.6;
 constexpr double LARGEST_COSINE = -0.5;
 constexpr std::int64_t COMPLEMENTARY_SUM = 3;
 
-/// One nucleotide as a line of the file has it, in units.
-struct Placed
-{
-    Vector position, a1;
-};
-
 std::string_view afterEquals(std::string_view line)
 {
     return trimmed(line.substr(std::min(line.find('=') + 1, line.size())));
@@ -61,11 +55,13 @@ bool beginsConfiguration(std::string_view line)
     return line.substr(0, 1) == "t" && trimmed(line.substr(1)).substr(0, 1) == "=";
 }
 
-/// Chains of nucleotides from their 5' ends on, in the order of their lowest indices. A circle
-/// begins at its lowest index, and its last nucleotide goes on to it.
-std::vector<std::vector<std::size_t>> chainsOf(const std::vector<Nucleotide>& nucleotides)
+/// Hands over chains of nucleotides from their 5' ends on, in the order of their lowest indices. A
+/// circle begins at its lowest index, and its last nucleotide goes on to it. `use` answers whether
+/// to go on.
+template <typename Use>
+bool useChains(const std::vector<Nucleotide>& nucleotides, Use use)
 {
-    std::vector<std::vector<std::size_t>> chains;
+    std::vector<std::size_t> chain;
     std::vector<bool> isTaken(nucleotides.size());
     for (std::size_t i = 0; i < nucleotides.size(); ++i) {
         if (isTaken[i])
@@ -75,14 +71,16 @@ std::vector<std::vector<std::size_t>> chainsOf(const std::vector<Nucleotide>& nu
             start = nucleotides[start].previous;
         if (nucleotides[start].previous == i)
             start = i;
-        std::vector<std::size_t>& chain = chains.emplace_back();
+        chain.clear();
         for (std::size_t at = start; at != NO_NUCLEOTIDE && !isTaken[at];
              at = nucleotides[at].next) {
             isTaken[at] = true;
             chain.push_back(at);
         }
+        if (!use(chain))
+            return false;
     }
-    return chains;
+    return true;
 }
 
 /// Reads one configuration.
@@ -129,49 +127,50 @@ private:
         const std::string expected =
             "expected " + std::to_string(count) + " as in " + topology.name;
         constexpr std::size_t shortestLine = 17; // nine digits and the blanks between
-        algebra3d::reserveMany(placed, std::min(count, text.size() / shortestLine));
-        algebra3d::reserveMany(nucleotides, placed.capacity());
+        const std::size_t most = std::min(count, text.size() / shortestLine);
+        algebra3d::reserveMany(positions, most);
+        algebra3d::reserveMany(axes, most);
+        algebra3d::reserveMany(nucleotides, most);
         while (rows.nextRow()) {
             if (!milestones.pass(rows.getPosition())) {
                 report.error = fileName + ": " + READING_STOPPED;
                 return false;
             }
-            if (placed.size() == count)
+            if (nucleotides.size() == count)
                 return rows.fail("found one more nucleotide, " + expected);
             if (!readNucleotide())
                 return false;
         }
-        if (placed.size() == count)
+        if (nucleotides.size() == count)
             return true;
         rows.fail("found the end of the configuration after " +
-                  counted(placed.size(), "nucleotide") + ", " + expected);
+                  counted(nucleotides.size(), "nucleotide") + ", " + expected);
         return failCut();
     }
 
     bool readNucleotide()
     {
-        Placed one;
-        Vector a3;
-        if (!rows.takePoint(one.position) || !rows.takePoint(one.a1) || !rows.takePoint(a3))
+        Vector position, a1, a3;
+        if (!rows.takePoint(position) || !rows.takePoint(a1) || !rows.takePoint(a3))
             return isLastLine() ? failCut() : false;
         for (int i = 0; i < 3; ++i)
-            if (!isCoordinate(UNIT * (std::abs(one.position[i]) + std::abs(one.a1[i]))))
-                return rows.fail("found " + formatted(one.position[i]) +
+            if (!isCoordinate(UNIT * (std::abs(position[i]) + std::abs(a1[i]))))
+                return rows.fail("found " + formatted(position[i]) +
                                  " units of 8.518 ångström, expected " + EXPECTED_COORDINATE);
         BaseFrame frame;
-        frame.point = UNIT * (one.position + one.a1 * FRAME_ORIGIN);
-        const std::string fault =
-            findRotation({std::nullopt, -one.a1, -a3}, options, frame.rotation);
+        frame.point = UNIT * (position + a1 * FRAME_ORIGIN);
+        const std::string fault = findRotation({std::nullopt, -a1, -a3}, options, frame.rotation);
         if (!fault.empty())
             return rows.fail("axes a1 and a3: " + fault);
-        const OxdnaNucleotide& of = topology.nucleotides[placed.size()];
+        const OxdnaNucleotide& of = topology.nucleotides[nucleotides.size()];
         Nucleotide& nucleotide = nucleotides.emplace_back();
         nucleotide.base = of.base;
         nucleotide.strand = of.strand;
         nucleotide.previous = of.previous;
         nucleotide.next = of.next;
         nucleotide.frame = frame;
-        placed.push_back(one);
+        positions.push_back(position);
+        axes.push_back(a1);
         return true;
     }
 
@@ -189,14 +188,14 @@ private:
     void pair()
     {
         Points sites;
-        algebra3d::reserveMany(sites, placed.size());
-        for (const Placed& one : placed)
-            sites.push_back(one.position + one.a1 * BASE_SITE);
+        algebra3d::reserveMany(sites, positions.size());
+        for (std::size_t i = 0; i < positions.size(); ++i)
+            sites.push_back(positions[i] + axes[i] * BASE_SITE);
         const auto partners =
             mutuallyNearest(sites, FARTHEST_SITES, [&](std::size_t i, std::size_t j) {
                 const std::int64_t sum =
                     std::int64_t(topology.codes[i]) + std::int64_t(topology.codes[j]);
-                return sum == COMPLEMENTARY_SUM && placed[i].a1.dot(placed[j].a1) < LARGEST_COSINE
+                return sum == COMPLEMENTARY_SUM && axes[i].dot(axes[j]) < LARGEST_COSINE
                            ? (sites[i] - sites[j]).getNorm()
                            : std::numeric_limits<double>::infinity();
             });
@@ -206,39 +205,57 @@ private:
 
     std::optional<Configuration> makeConfiguration()
     {
-        NucleotideNames names;
-        names.file = fileName;
-        for (std::size_t strand = 1; strand <= topology.strands; ++strand)
-            names.strands.push_back(std::to_string(strand));
-        names.placeOf = [](std::size_t i) { return "nucleotide " + std::to_string(i); };
-        DoubleStrands all = makeDoubleStrands(nucleotides, names);
         Collector collector;
-        for (const std::vector<std::size_t>& chain : chainsOf(nucleotides))
-            if (!addBackbone(chain, all.molecules, collector))
-                return {};
-        nucleotides = {};
-        placed = {};
-        for (Dna& dna : all.dnas)
-            collector.add(std::move(dna));
+        if (!addBackbones(collector))
+            return {};
+        positions = Points(); // {} would keep the memory
+        axes = Points();
+        const auto nameOf = [](std::size_t strand) { return std::to_string(strand + 1); };
+        const auto placeOf = [](std::size_t i) { return "nucleotide " + std::to_string(i); };
+        DoubleStrands all =
+            makeDoubleStrands(nucleotides, {fileName, topology.strands, nameOf, placeOf});
+        nucleotides = std::vector<Nucleotide>();
+        collector.add(std::move(all.dnas));
         collector.add(std::move(all.loneBases));
         return collector.finish(fileName, "strand", report);
+    }
+
+    bool addBackbones(Collector& collector)
+    {
+        const std::vector<std::size_t> molecules = findMolecules(nucleotides, topology.strands);
+        collector.reserveRods(std::size_t(
+            std::count_if(nucleotides.begin(), nucleotides.end(), [](const Nucleotide& one) {
+                return one.previous == NO_NUCLEOTIDE && one.next != NO_NUCLEOTIDE;
+            })));
+        const bool areAdded = useChains(nucleotides, [&](const std::vector<std::size_t>& chain) {
+            return addBackbone(chain, molecules, collector);
+        });
+        if (areAdded && lone > 0)
+            report.notices.push_back(fileName + ": " + counted(lone, "strand") +
+                                     " without a backbone, of 1 nucleotide: " +
+                                     andMore("strand " + std::to_string(firstLone + 1), lone));
+        return areAdded;
     }
 
     bool addBackbone(const std::vector<std::size_t>& chain,
                      const std::vector<std::size_t>& molecules, Collector& collector)
     {
-        if (chain.size() < 2)
+        if (chain.size() < 2) {
+            if (++lone == 1)
+                firstLone = nucleotides[chain.front()].strand;
             return true;
+        }
         Rod rod;
         const std::size_t strand = nucleotides[chain.front()].strand;
+        const bool isCircle = nucleotides[chain.back()].next == chain.front();
         rod.name = "strand " + std::to_string(strand + 1);
         rod.origin = fileName + ": " + rod.name;
         rod.isBackbone = true;
         rod.molecule = molecules[strand];
-        algebra3d::reserveMany(rod.points, chain.size() + 1);
+        algebra3d::reserveMany(rod.points, chain.size() + isCircle);
         for (const std::size_t i : chain)
-            rod.points.push_back(UNIT * (placed[i].position + placed[i].a1 * BACKBONE_SITE));
-        if (nucleotides[chain.back()].next == chain.front()) {
+            rod.points.push_back(UNIT * (positions[i] + axes[i] * BACKBONE_SITE));
+        if (isCircle) {
             rod.isClosed = true;
             rod.points.push_back(rod.points.front());
         }
@@ -255,8 +272,10 @@ private:
     ReadReport& report;
     RowScanner rows;
     Milestones milestones;
-    std::vector<Placed> placed;
+    // What is kept of a line: what nothing is made of any more goes, to spare memory.
+    Points positions, axes; ///< r and a1, in units
     std::vector<Nucleotide> nucleotides;
+    std::size_t lone = 0, firstLone = 0; ///< strands of one nucleotide, and one of them
     bool isCut = false;
 };
 

@@ -19,7 +19,8 @@ namespace strandview {
 namespace {
 
 constexpr std::string_view NEW_FORM = "5->3";
-constexpr std::int32_t BASES = 4; ///< of codes that are letters
+constexpr std::size_t MOST_STRANDS = UINT32_MAX; // numbers that a nucleotide has room for
+constexpr std::int32_t BASES = 4;                ///< of codes that are letters
 
 std::optional<std::int64_t> parseWhole(std::string_view field)
 {
@@ -60,6 +61,9 @@ private:
         if (!rows.nextRow(counts) || !rows.takeCount(count, counts) ||
             !rows.takeCount(topology.strands, counts))
             return false;
+        if (topology.strands > MOST_STRANDS)
+            return rows.fail("found " + std::to_string(topology.strands) +
+                             " strands, expected at most " + std::to_string(MOST_STRANDS));
         if (count == 0 || topology.strands == 0 || topology.strands > count)
             return rows.fail("found " + counted(count, "nucleotide") + " in " +
                              counted(topology.strands, "strand") +
@@ -86,7 +90,7 @@ private:
             if (strand == 0 || strand > topology.strands)
                 return rows.failInColumn("found " + std::to_string(strand) + ", expected " +
                                          expectedStrand());
-            nucleotide.strand = strand - 1;
+            nucleotide.strand = std::uint32_t(strand - 1);
             if (!takeBase(rows.nextField().value_or(""), nucleotide) ||
                 !takeNeighbour(nucleotide.next) || !takeNeighbour(nucleotide.previous))
                 return false;
@@ -152,7 +156,7 @@ private:
     bool readSequence(std::string_view sequence, std::size_t strand)
     {
         OxdnaNucleotide nucleotide;
-        nucleotide.strand = strand;
+        nucleotide.strand = std::uint32_t(strand);
         for (std::size_t at = 0, length = 0; at < sequence.size(); at += length) {
             const std::size_t close = sequence.find(')', at);
             const bool isNumber = sequence[at] == '(';

@@ -19,7 +19,7 @@ namespace strandview {
 struct OxdnaNucleotide
 {
     char base = UNKNOWN_BASE;
-    std::size_t strand = 0;
+    std::uint32_t strand = 0;
     std::size_t previous = NO_NUCLEOTIDE;
     std::size_t next = NO_NUCLEOTIDE;
 };

@@ -293,13 +293,12 @@ private:
             ++modified[residue.name + " as " + letter];
         Nucleotide one;
         one.base = letter;
-        one.strand = strandOf[i];
+        one.strand = std::uint32_t(strandOf[i]);
         one.frame = {drawn.point, drawn.rotation};
-        one.standard = BaseFrame{standard.point, standard.rotation};
-        one.rms = standard.rms;
         link(one, i);
         residueOf.push_back(i);
         nucleotides.push_back(one);
+        standardBases.push_back({{standard.point, standard.rotation}, standard.rms});
     }
 
     /// To the base before it, and, at the end of a circle, to the first one.
@@ -330,7 +329,7 @@ private:
         return chain.empty() ? std::to_string(strand + 1) : chain;
     }
 
-    void addBackbone(std::size_t strand, std::size_t molecule, Collector& collector) const
+    void addBackbone(std::size_t strand, std::size_t molecule, Collector& collector)
     {
         const Strand& of = strands[strand];
         Rod rod;
@@ -344,22 +343,24 @@ private:
         rod.isClosed = of.isClosed && rod.points.size() > 2;
         if (rod.isClosed)
             rod.points.push_back(Vector(rod.points.front()));
-        if (rod.points.size() > 1)
-            collector.add(std::move(rod)); // of points in one place nothing is drawn
+        if (rod.points.size() < 2)
+            withoutPhosphorus.push_back(strand);
+        else if (!collector.add(std::move(rod)).empty())
+            inOnePlace.push_back(strand);
     }
 
     std::optional<Configuration> collect()
     {
-        NucleotideNames names{
-            fileName, {}, [this](std::size_t i) { return placeOf(residueOf[i]); }};
-        for (std::size_t strand = 0; strand < strands.size(); ++strand)
-            names.strands.push_back(nameOf(strand));
-        DoubleStrands found = makeDoubleStrands(nucleotides, names);
+        const NucleotideNames names{fileName, strands.size(),
+                                    [this](std::size_t strand) { return nameOf(strand); },
+                                    [this](std::size_t i) { return placeOf(residueOf[i]); }};
+        DoubleStrands found = makeDoubleStrands(nucleotides, names, standardBases);
         Collector collector;
         for (std::size_t strand = 0; strand < strands.size(); ++strand)
             addBackbone(strand, found.molecules[strand], collector);
-        for (Dna& dna : found.dnas)
-            collector.add(std::move(dna));
+        tellWithoutBackbone(withoutPhosphorus, "of fewer than 2 phosphorus atoms");
+        tellWithoutBackbone(inOnePlace, "whose phosphorus atoms are in one place");
+        collector.add(std::move(found.dnas));
         collector.add(std::move(found.loneBases));
         return collector.finish(fileName, "base or backbone", report);
     }
@@ -370,10 +371,17 @@ private:
     {
         if (residues.empty())
             return;
-        const std::string others =
-            residues.size() > 1 ? " and " + std::to_string(residues.size() - 1) + " more" : "";
         notice(counted(residues.size(), "base") + " left out, " + why + ": " +
-               placeOf(residues[0]) + others);
+               andMore(placeOf(residues[0]), residues.size()));
+    }
+
+    void tellWithoutBackbone(const std::vector<std::size_t>& some, const std::string& why)
+    {
+        if (!some.empty())
+            notice(counted(some.size(), "strand") + " without a backbone, " + why + ": " +
+                   andMore("chain " + nameOf(some[0]) + " from residue " +
+                               model.residues[strands[some[0]].first].number + " on",
+                           some.size()));
     }
 
     void tellWhatWasDone()
@@ -400,12 +408,14 @@ private:
     std::vector<Strand> strands;
     std::vector<std::size_t> strandOf; ///< of every residue
     std::vector<Nucleotide> nucleotides;
-    std::vector<std::size_t> residueOf; ///< of every nucleotide
+    std::vector<StandardBase> standardBases; ///< of each of those
+    std::vector<std::size_t> residueOf;      ///< of every nucleotide
     std::map<std::string, std::size_t> modified;
     std::size_t countOfUracils = 0;
     std::size_t severalPlaces = 0;
     std::vector<std::size_t> leftOut;
     std::vector<std::size_t> misshapen;
+    std::vector<std::size_t> withoutPhosphorus, inOnePlace; ///< strands
 };
 
 } // namespace

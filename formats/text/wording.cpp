@@ -62,4 +62,9 @@ std::string counted(std::size_t count, const std::string& noun)
     return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
 }
 
+std::string andMore(const std::string& first, std::size_t count)
+{
+    return first + (count > 1 ? " and " + std::to_string(count - 1) + " more" : "");
+}
+
 } // namespace strandview

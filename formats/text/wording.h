@@ -28,6 +28,9 @@ STRANDVIEW_FORMATS_EXPORT std::string formatted(double number);
 /// "1 point", "2 points".
 STRANDVIEW_FORMATS_EXPORT std::string counted(std::size_t count, const std::string& noun);
 
+/// Of so many, at least one: "chain A", "chain A and 2 more".
+STRANDVIEW_FORMATS_EXPORT std::string andMore(const std::string& first, std::size_t count);
+
 } // namespace strandview
 
 #endif

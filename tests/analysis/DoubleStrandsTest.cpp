@@ -14,7 +14,9 @@ namespace {
 
 NucleotideNames named(std::vector<std::string> strands)
 {
-    return {"a.pdb", std::move(strands), [](std::size_t i) { return "no. " + std::to_string(i); }};
+    const std::size_t count = strands.size();
+    return {"a.pdb", count, [strands = std::move(strands)](std::size_t i) { return strands[i]; },
+            [](std::size_t i) { return "no. " + std::to_string(i); }};
 }
 
 } // namespace
@@ -82,12 +84,12 @@ TEST(DoubleStrands, AnUnknownLetterIsToldByThatOfItsPartner)
 TEST(DoubleStrands, StandardFramesAreThoseOfTheNumbers)
 {
     auto all = paired(idealDuplex("ACG"));
+    std::vector<StandardBase> standard;
     for (std::size_t i = 0; i < all.size(); ++i) {
-        all[i].standard = all[i].frame;
-        all[i].standard->point.x += 0.5;
-        all[i].rms = 0.001 * double(i);
+        standard.push_back({all[i].frame, 0.001 * double(i)});
+        standard.back().frame.point.x += 0.5;
     }
-    const DoubleStrands found = makeDoubleStrands(all, named({"A", "B"}));
+    const DoubleStrands found = makeDoubleStrands(all, named({"A", "B"}), standard);
     const Dna& dna = found.dnas[0];
     ASSERT_TRUE(dna.standard);
     EXPECT_DOUBLE_EQ(dna.standard->rms, 0.005);

@@ -216,7 +216,7 @@ TEST(Helices, MoleculesAreStrandsWithPairsBetweenThem)
 {
     auto all = idealDuplex("AAAA");
     for (std::size_t i = 0; i < 4; ++i)
-        all[i].strand = i;
+        all[i].strand = std::uint32_t(i);
     for (std::size_t i = 4; i < 8; ++i)
         all[i].strand = 4;
     all[1].partner = 5;

@@ -66,8 +66,9 @@ std::string nameOfFile(const testing::TestParamInfo<File>& info)
 INSTANTIATE_TEST_SUITE_P(OfUsualFiles, ReaderMemory, testing::ValuesIn(largeFiles()),
                          nameOfFile<LargeFile>);
 
-/// As many points or pairs as a file of some bytes can have. Nucleotides of oxDNA have rows of some
-/// 50 bytes here: of under 44 they take more.
+constexpr std::size_t ROWS = 200000;
+
+/// As many points, pairs or nucleotides as a file of some bytes can have.
 struct DenseFile
 {
     std::string name;
@@ -76,17 +77,25 @@ struct DenseFile
     std::string otherBegin = {}, otherRow = {};
 };
 
+/// As many letters as a file has rows.
+std::string letters(const std::string& two)
+{
+    std::string text;
+    while (text.size() < ROWS)
+        text += two;
+    return text + "\n";
+}
+
 class ReaderMemoryOfDenseFiles : public testing::TestWithParam<DenseFile>
 {
 };
 
 TEST_P(ReaderMemoryOfDenseFiles, IsAtMostEightBytesForEachOfTheFile)
 {
-    constexpr std::size_t rows = 200000;
     const DenseFile& file = GetParam();
     const TemporaryFolder folder;
     std::string text = file.begin, other = file.otherBegin;
-    for (std::size_t i = 0; i < rows; ++i) {
+    for (std::size_t i = 0; i < ROWS; ++i) {
         std::string row = i % 2 == 0 ? file.row1 : file.row2;
         const std::size_t mark = row.find('@');
         text += mark == row.npos ? row : row.replace(mark, 1, std::to_string(i));
@@ -117,7 +126,13 @@ INSTANTIATE_TEST_SUITE_P(
         DenseFile{"strands.oxdna", "t = 0\nb = 9 9 9\nE = 0 0 0\n",
                   "0.00 0.00 @.00 1.00 0.00 0.00 0.00 0.00 1.00\n",
                   "0.00 0.00 @.00 1.00 0.00 0.00 0.00 0.00 1.00\n", "", "strands.top",
-                  "200000 1 5->3\n", "A"}),
+                  "200000 1 5->3\n" + letters("AA")},
+        DenseFile{"strand.oxdna", "t = 0\nb = 9 9 9\nE = 0 0 0\n", "0 0 0 1 0 0 0 0 1\n",
+                  "0 0 9 1 0 0 0 0 1\n", "", "strand.top", "200000 1 5->3\n" + letters("AA")},
+        DenseFile{"alone.oxdna", "t = 0\nb = 9 9 9\nE = 0 0 0\n", "0 0 0 1 0 0 0 0 1\n",
+                  "0 0 9 1 0 0 0 0 1\n", "", "alone.top", "200000 200000 5->3\n", "A\n"},
+        DenseFile{"pairs.oxdna", "t = 0\nb = 9 9 9\nE = 0 0 0\n", "@ 0 0 1 0 0 0 0 1\n",
+                  "@ 0 0 -1 0 0 0 0 -1\n", "", "pairs.top", "200000 1 5->3\n" + letters("AT")}),
     nameOfFile<DenseFile>);
 
 } // namespace

@@ -48,7 +48,7 @@ inline std::vector<Nucleotide> paired(std::vector<Nucleotide> duplex)
 }
 
 /// Cuts a strand behind a nucleotide; what follows is a strand of that number.
-inline void cutBehind(std::size_t i, std::size_t strand, std::vector<Nucleotide>& nucleotides)
+inline void cutBehind(std::size_t i, std::uint32_t strand, std::vector<Nucleotide>& nucleotides)
 {
     const std::size_t first = nucleotides[i].next;
     nucleotides[i].next = NO_NUCLEOTIDE;

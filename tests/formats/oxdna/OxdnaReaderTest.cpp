@@ -136,6 +136,21 @@ TEST(OxdnaReader, CirclesAreClosedAndBasesWithoutAPairAreAlone)
     EXPECT_EQ(found.rods[0].points[0].x, found.rods[0].points[4].x);
 }
 
+TEST(OxdnaReader, StrandsOfOneNucleotideHaveNoBackboneAndAreTold)
+{
+    const TemporaryFolder folder;
+    folder.write("run.top", "4 3 5->3\nAA\nA\nA\n");
+    const std::string path = folder.write(
+        "run.conf", "t = 0\nb = 9 9 9\nE = 0 0 0\n0 0 0 1 0 0 0 0 1\n1 0 0 1 0 0 0 0 1\n"
+                    "4 0 0 1 0 0 0 0 1\n6 0 0 1 0 0 0 0 1\n");
+    ReadReport report;
+    const Configuration found = mustRead(path, report);
+    EXPECT_EQ(found.rods.size(), 1u);
+    EXPECT_EQ(found.loneBases.size(), 4u);
+    EXPECT_THAT(report.notices, ElementsAre(path + ": 2 strands without a backbone, of 1 "
+                                                   "nucleotide: strand 2 and 1 more"));
+}
+
 TEST(OxdnaReader, BasesOfNumbersPairWhereTheirSumIsThree)
 {
     const std::string duplex = contentOf(OURS + "duplex5_new.dat");

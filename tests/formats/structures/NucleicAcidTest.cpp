@@ -232,6 +232,28 @@ TEST(NucleicAcid, ASingleStrandIsBasesOnABackbone)
     EXPECT_NEAR((all.data.loneBases[3].point - ideal.points[3]).getNorm(), 0, DIGIT);
 }
 
+TEST(NucleicAcid, AStrandWithoutABackboneIsTold)
+{
+    const auto lacks = [](const TestAtom& atom) {
+        return atom.name == "P" && atom.chain == "B" && atom.number < 12;
+    };
+    const Made lacking = made(without(duplexAtoms("ACGTTG"), lacks));
+    EXPECT_EQ(lacking.data.rods.size(), 1u);
+    EXPECT_EQ(onlyDna(lacking).bases, "ACGTTG");
+    EXPECT_THAT(lacking.notices, ElementsAre("here: 1 strand without a backbone, of fewer than 2 "
+                                             "phosphorus atoms: chain B from residue 7 on"));
+    const auto isSugar = [](const TestAtom& atom) { return atom.name == "O3'"; };
+    std::vector<TestAtom> atoms = without(duplexAtoms("ACGTTG"), isSugar);
+    for (TestAtom& atom : atoms)
+        if (atom.name == "P")
+            atom.place = {3, 4, 5};
+    const Made together = made(atoms);
+    EXPECT_THAT(together.data.rods, IsEmpty());
+    EXPECT_THAT(together.notices,
+                ElementsAre("here: 2 strands without a backbone, whose phosphorus atoms are in one "
+                            "place: chain A from residue 1 on and 1 more"));
+}
+
 TEST(NucleicAcid, ModifiedBasesAreShownAsTheirParents)
 {
     // Of a name that is known, of one whose atoms tell, and one with a parent by its atoms alone.

@@ -46,4 +46,10 @@ TEST(Wording, ManyHaveAnS)
     EXPECT_EQ(counted(2, "point"), "2 points");
 }
 
+TEST(Wording, TheFirstOfSeveralStandsForAll)
+{
+    EXPECT_EQ(andMore("chain A", 1), "chain A");
+    EXPECT_EQ(andMore("chain A", 3), "chain A and 2 more");
+}
+
 } // namespace strandview
