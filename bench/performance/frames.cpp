@@ -108,8 +108,10 @@ public:
             rod->setTubeRadius(frame % 2 ? 0.05 : 0.06);
             rod->generate();
         }
-        if (name != "building")
-            action.apply(root);
+        if (name == "building")
+            return;
+        action.apply(root);
+        glFlush(); // as whoever shows a frame does: until then a driver may keep its buffers
     }
 
     const SbViewportRegion region{320, 240};

@@ -10,6 +10,8 @@
 #include <cstring>
 #include <limits>
 
+#include "detail/runBoth.h"
+
 #if defined(__x86_64__)
 #include <emmintrin.h>
 #endif
@@ -460,6 +462,19 @@ FOUR_AT_ONCE void roundAllButLast(const Vector* points, const Vector* normals, s
     }
 }
 
+// The last one by itself, for nothing is written behind it.
+void roundSome(const Vector* points, const Vector* normals, std::size_t count, float* rounded)
+{
+    if (count == 0)
+        return;
+    roundAllButLast(points, normals, count, rounded);
+    rounded += 6 * (count - 1);
+    for (const Vector* vector : {points + count - 1, normals + count - 1}) {
+        for (int axis = 0; axis < 3; ++axis)
+            *rounded++ = float((*vector)[axis]);
+    }
+}
+
 // Red, green, blue and opacity, 0 to 255.
 ALWAYS_INLINE FourInts rounded(const float* colour, float transparency)
 {
@@ -571,14 +586,12 @@ void fillRibbon(const CurveSamples& edgeA, const CurveSamples& edgeB, Vector* po
 
 void roundVertices(const Vector* points, const Vector* normals, std::size_t count, float* rounded)
 {
-    if (count == 0)
-        return;
-    roundAllButLast(points, normals, count, rounded);
-    rounded += 6 * (count - 1);
-    for (const Vector* vector : {points + count - 1, normals + count - 1}) {
-        for (int axis = 0; axis < 3; ++axis)
-            *rounded++ = float((*vector)[axis]);
-    }
+    const std::size_t half = count / 2;
+    const auto round = [=](std::size_t first, std::size_t end) {
+        roundSome(points + first, normals + first, end - first, rounded + 6 * first);
+    };
+    runBoth(
+        count >= MANY_VERTICES, [=] { round(0, half); }, [=] { round(half, count); });
 }
 
 // By fours as far as there is a transparency for each, or one for all.

@@ -74,7 +74,12 @@ void fillRibbon(const CurveSamples& edgeA, const CurveSamples& edgeB,
                 algebra3d::Vector3<double>* points, algebra3d::Vector3<double>* normals,
                 double* minimum, double* maximum);
 
-/// Rounds points and normals to floats, six for each vertex: its point, then its normal.
+/// From so many vertices on two threads round them, a half each: a thread takes as long as some
+/// thousands.
+constexpr std::size_t MANY_VERTICES = 50000;
+
+/// Rounds points and normals to floats, six for each vertex: its point, then its normal. Writes
+/// nothing else.
 void roundVertices(const algebra3d::Vector3<double>* points,
                    const algebra3d::Vector3<double>* normals, std::size_t count, float* rounded);
 

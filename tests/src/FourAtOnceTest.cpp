@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
+#include <numeric>
 #include <random>
 #include <vector>
 
@@ -57,7 +58,12 @@ TEST(FourAtOnce, VerticesAreRoundedAsOneIs)
         const double magnitude = std::pow(10.0, exponent(random));
         return random() % 2 ? magnitude : -magnitude;
     };
-    for (std::size_t count = 0; count < 40; ++count) {
+    std::vector<std::size_t> counts(40);
+    std::iota(counts.begin(), counts.end(), 0);
+    // By one thread, and by two.
+    for (std::size_t many : {MANY_VERTICES - 1, MANY_VERTICES, MANY_VERTICES + 1})
+        counts.push_back(many);
+    for (std::size_t count : counts) {
         std::vector<Vector> points, normals;
         for (std::size_t i = 0; i < count; ++i) {
             points.emplace_back(number(), number(), number());
