@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <utility>
 
 #include <Inventor/elements/SoClipPlaneElement.h>
 #include <Inventor/elements/SoDepthBufferElement.h>
@@ -238,11 +239,17 @@ void DepthGrid::read()
     glPixelStorei(GL_PACK_SWAP_BYTES, GL_FALSE);
     glReadPixels(origin[0], origin[1], width, height, GL_DEPTH_COMPONENT, GL_FLOAT, pixels.data());
     glPopClientAttrib();
+    measureCells();
+    measureBlocks();
+}
 
-    farthest.assign(std::size_t(columns) * std::size_t(rows), 0);
+void DepthGrid::measureCells()
+{
+    farthest.resize(1);
+    farthest[0].assign(std::size_t(columns) * std::size_t(rows), 0);
     const float* pixel = pixels.data();
     for (int y = 0; y < height; ++y) {
-        float* const row = farthest.data() + std::size_t(y / cell) * std::size_t(columns);
+        float* const row = farthest[0].data() + std::size_t(y / cell) * std::size_t(columns);
         for (int column = 0; column < columns; ++column) {
             const int number = std::min(cell, width - column * cell);
             float largest = row[column];
@@ -251,6 +258,92 @@ void DepthGrid::read()
             row[column] = largest;
             pixel += number;
         }
+    }
+}
+
+namespace {
+
+// As many blocks of so many cells as have all of these.
+int blocksOf(int cells, int size) { return (cells + size - 1) / size; }
+
+// Counts them, as a compiler does for many at once: most often there is none.
+bool isAnyAtLeast(float depth, const float* begin, const float* end)
+{
+    int count = 0;
+    for (const float* at = begin; at < end; ++at)
+        count += *at >= depth ? 1 : 0;
+    return count > 0;
+}
+
+} // namespace
+
+void DepthGrid::measureBlocks()
+{
+    for (int size = 2; size < 2 * std::max(columns, rows); size *= 2) {
+        const int fineColumns = blocksOf(columns, size / 2), fineRows = blocksOf(rows, size / 2);
+        const auto width = std::size_t(blocksOf(columns, size));
+        std::vector<float> blocks(width * std::size_t(blocksOf(rows, size)), 0);
+        const float* fine = farthest.back().data();
+        for (int row = 0; row < fineRows; ++row) {
+            float* const inRow = blocks.data() + std::size_t(row / 2) * width;
+            for (int column = 0; column < fineColumns; ++column, ++fine)
+                inRow[column / 2] = std::max(inRow[column / 2], *fine);
+        }
+        farthest.push_back(std::move(blocks));
+    }
+}
+
+// Whether some of a block's cells, those in the span, are at least as far as a depth. From the
+// first to the last one they are then; blocks of a higher level are of two by two.
+bool DepthGrid::isFar(int level, int block, Span span, float depth, int& first, int& last) const
+{
+    const int number = blocksOf(columns, 1 << level);
+    const auto blockOf = [size = cell << level, number](double pixel) {
+        return int(std::clamp(std::floor(pixel / size), -1.0, double(number)));
+    };
+    first = std::max(0, blockOf(span.from));
+    last = std::min(number - 1, blockOf(span.to));
+    if (!(span.from <= span.to) || first > last)
+        return false;
+    if (farthest.empty())
+        return true;
+    const float* const depths =
+        farthest[std::size_t(level)].data() + std::size_t(block) * std::size_t(number);
+    return isAnyAtLeast(depth, depths + first, depths + last + 1);
+}
+
+// Calls visit(row, first, last) for rows of cells within heights, some of which are at least as far
+// as a depth, until it says that it is enough. spanOf(bottom, top) tells what counts between two
+// heights. Large blocks are looked at first, and smaller ones where those are far: most often few.
+template <typename SpanOf, typename Visit>
+void DepthGrid::visitFar(Span heights, float depth, SpanOf spanOf, Visit visit) const
+{
+    const auto rowOf = [this](double height) {
+        return int(std::clamp(std::floor(height / cell), -1.0, double(rows)));
+    };
+    const int bottom = std::max(0, rowOf(heights.from)),
+              top = std::min(rows - 1, rowOf(heights.to));
+    const int most = 2; // from the first of the largest blocks to the last
+    int largest = 0;
+    while (!farthest.empty() && (top >> largest) - (bottom >> largest) > most)
+        ++largest;
+    int level = largest;
+    for (int row = bottom; row <= top;) {
+        const int block = row >> level, size = cell << level;
+        const Span span = spanOf(double(block) * size, double(block + 1) * size);
+        int first = 0, last = 0;
+        if (!isFar(level, block, span, depth, first, last)) {
+            row = (block + 1) << level;
+        } else if (level > 0) {
+            --level;
+            continue;
+        } else if (visit(row, first, last)) {
+            return;
+        } else {
+            ++row;
+        }
+        while (level < largest && row % (2 << level) == 0)
+            ++level;
     }
 }
 
@@ -264,30 +357,24 @@ void DepthGrid::visitSeen(const Disc& disc, Visit visit) const
     }
     // One pixel more, for roundings.
     const double radius = disc.radius + 1;
-    const auto cellOf = [this](double pixel, int last) {
-        return int(std::clamp(std::floor(pixel / cell), -1.0, double(last)));
-    };
-    const int bottom = std::max(0, cellOf(disc.y - radius, rows));
-    const int top = std::min(rows - 1, cellOf(disc.y + radius, rows));
     const float depth = disc.depth - DEPTH_TOLERANCE;
-    bool enough = false;
-    for (int row = bottom; row <= top && !enough; ++row) {
-        // The disc is widest where the row of cells is nearest to its middle.
-        const double below = double(row) * cell;
-        const double distance = std::clamp(disc.y, below, below + cell) - disc.y;
+    const auto spanOf = [&](double bottom, double top) {
+        // The disc is widest where the rows are nearest to its middle.
+        const double distance = std::clamp(disc.y, bottom, top) - disc.y;
         const double half = std::sqrt(std::max(radius * radius - distance * distance, 0.0));
-        int first = std::max(0, cellOf(disc.x - half, columns));
-        int last = std::min(columns - 1, cellOf(disc.x + half, columns));
+        return Span{disc.x - half, disc.x + half};
+    };
+    visitFar({disc.y - radius, disc.y + radius}, depth, spanOf, [&](int row, int first, int last) {
         if (!farthest.empty()) {
-            const float* const depths = farthest.data() + std::size_t(row) * std::size_t(columns);
-            while (first <= last && depths[first] < depth)
+            const float* const depths =
+                farthest[0].data() + std::size_t(row) * std::size_t(columns);
+            while (first < last && depths[first] < depth)
                 ++first;
-            while (first <= last && depths[last] < depth)
+            while (first < last && depths[last] < depth)
                 --last;
         }
-        if (first <= last)
-            enough = visit(Area{first * cell, row * cell, (last + 1) * cell, (row + 1) * cell});
-    }
+        return visit(Area{first * cell, row * cell, (last + 1) * cell, (row + 1) * cell});
+    });
 }
 
 bool DepthGrid::shows(const Disc& disc) const
@@ -333,11 +420,6 @@ bool isConvex(const DepthGrid::Quad& quad)
 // edges on the right. Level edges are left to its bottom and top.
 struct DepthGrid::Outline
 {
-    struct Span
-    {
-        double left, right; // of the pixels' middles
-    };
-
     Outline(const Quad& quad, double tolerance)
     {
         const bool turnsLeft =
@@ -356,13 +438,13 @@ struct DepthGrid::Outline
         }
     }
 
-    // Of the rows of pixels whose middles are from bottom to top.
+    // Of the middles of pixels, in rows whose middles are from bottom to top.
     Span spanOf(double bottom, double top) const
     {
         Span span = {lefts[0].least(bottom, top), rights[0].most(bottom, top)};
         for (int i = 1; i < MOST; ++i) {
-            span.left = std::max(span.left, lefts[i].least(bottom, top));
-            span.right = std::min(span.right, rights[i].most(bottom, top));
+            span.from = std::max(span.from, lefts[i].least(bottom, top));
+            span.to = std::min(span.to, rights[i].most(bottom, top));
         }
         return span;
     }
@@ -419,31 +501,27 @@ void DepthGrid::addSeenConvex(const Quad& quad, Areas& areas) const
         return;
     const float depth = nearest - DEPTH_TOLERANCE;
     const Outline outline(quad, slack);
-    const auto cellOf = [this](double pixel, int number) {
-        return int(std::clamp(std::floor(pixel / cell), 0.0, double(number - 1)));
+    const auto spanOf = [&](double lowest, double highest) {
+        const Span span = outline.spanOf(lowest + 0.5, highest - 0.5);
+        return Span{std::max(span.from, left), std::min(span.to, right)};
     };
-    const int lastRow = cellOf(top, rows);
-    for (int row = cellOf(bottom, rows); row <= lastRow; ++row) {
-        const Outline::Span span = outline.spanOf(row * cell + 0.5, (row + 1) * cell - 0.5);
-        const double from = std::max(span.left, left), to = std::min(span.right, right);
-        if (!(from <= to))
-            continue;
-        const int last = cellOf(to, columns);
-        const float* const depths = farthest.data() + std::size_t(row) * std::size_t(columns);
-        for (int column = cellOf(from, columns); column <= last; ++column) {
+    visitFar({bottom, top}, depth, spanOf, [&](int row, int first, int last) {
+        const float* const depths = farthest[0].data() + std::size_t(row) * std::size_t(columns);
+        for (int column = first; column <= last; ++column) {
             if (depths[column] >= depth && isSeenInCell(column, row, outline, depth))
                 areas.add({column * cell, row * cell, (column + 1) * cell, (row + 1) * cell});
         }
-    }
+        return false;
+    });
 }
 
 bool DepthGrid::isSeenInCell(int column, int row, const Outline& outline, float depth) const
 {
     const int left = column * cell, right = std::min(left + cell, width) - 1;
     for (int y = row * cell; y < std::min((row + 1) * cell, height); ++y) {
-        const Outline::Span span = outline.spanOf(y + 0.5, y + 0.5);
-        const double from = std::ceil(std::max(span.left - 0.5, double(left)));
-        const double to = std::floor(std::min(span.right - 0.5, double(right)));
+        const Span span = outline.spanOf(y + 0.5, y + 0.5);
+        const double from = std::ceil(std::max(span.from - 0.5, double(left)));
+        const double to = std::floor(std::min(span.to - 0.5, double(right)));
         const float* const line = pixels.data() + std::size_t(y) * std::size_t(width);
         if (from <= to && std::any_of(line + int(from), line + int(to) + 1,
                                       [depth](float pixel) { return pixel >= depth; }))

@@ -126,7 +126,16 @@ public:
 
 private:
     struct Outline;
+    struct Span
+    {
+        double from, to; // pixels
+    };
 
+    void measureCells();
+    void measureBlocks();
+    bool isFar(int level, int block, Span span, float depth, int& first, int& last) const;
+    template <typename SpanOf, typename Visit>
+    void visitFar(Span heights, float depth, SpanOf spanOf, Visit visit) const;
     template <typename Visit>
     void visitSeen(const Disc& disc, Visit visit) const;
     void addSeenConvex(const Quad& quad, Areas& areas) const;
@@ -139,8 +148,10 @@ private:
     int cell = 1; // pixels per side of a cell
     int columns = 0, rows = 0;
     int reads = 0;
-    double tolerance = 0;        // about a pixel's middle, where it may be covered
-    std::vector<float> farthest; // the largest depth in a cell; row by row, empty before read()
+    double tolerance = 0; // about a pixel's middle, where it may be covered
+    // The largest depths in cells, row by row, then in blocks of two by two of those before, up to
+    // the whole viewport; none before read().
+    std::vector<std::vector<float>> farthest;
     std::vector<float> pixels;
 };
 
