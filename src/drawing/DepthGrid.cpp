@@ -32,19 +32,6 @@ int getInteger(GLenum name)
     return value;
 }
 
-// Whether what is drawn first hides what is behind it, and nothing else.
-bool hidesWhatIsBehind(SoState* state)
-{
-    SbBool test = FALSE, write = FALSE;
-    SoDepthBufferElement::DepthWriteFunction function = SoDepthBufferElement::NEVER;
-    SbVec2f range;
-    SoDepthBufferElement::get(state, test, write, function, range);
-    return test && write && range == SbVec2f(0, 1) &&
-           (function == SoDepthBufferElement::LESS || function == SoDepthBufferElement::LEQUAL) &&
-           SoClipPlaneElement::getInstance(state)->getNum() == 0 &&
-           !glIsEnabled(GL_POLYGON_OFFSET_FILL);
-}
-
 // Whether a projection is that of a camera, parallel or perspective, in its middle or not.
 bool isOfCamera(const SbMatrix& p)
 {
@@ -123,6 +110,18 @@ bool DepthGrid::isSoftware()
 {
     const auto* renderer = reinterpret_cast<const char*>(glGetString(GL_RENDERER));
     return renderer && (std::strstr(renderer, "llvmpipe") || std::strstr(renderer, "softpipe"));
+}
+
+bool DepthGrid::hidesWhatIsBehind(SoState* state)
+{
+    SbBool test = FALSE, write = FALSE;
+    SoDepthBufferElement::DepthWriteFunction function = SoDepthBufferElement::NEVER;
+    SbVec2f range;
+    SoDepthBufferElement::get(state, test, write, function, range);
+    return test && write && range == SbVec2f(0, 1) &&
+           (function == SoDepthBufferElement::LESS || function == SoDepthBufferElement::LEQUAL) &&
+           SoClipPlaneElement::getInstance(state)->getNum() == 0 &&
+           !glIsEnabled(GL_POLYGON_OFFSET_FILL);
 }
 
 bool DepthGrid::isUsable(SoState* state)

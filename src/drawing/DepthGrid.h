@@ -80,6 +80,8 @@ public:
     /// Whether a processor draws the pixels: it takes its time for hidden ones as well, and answers
     /// at once. A graphics card drops them by itself, and would be waited for.
     static bool isSoftware();
+    /// Whether what is opaque hides what is behind it, and nothing else.
+    static bool hidesWhatIsBehind(SoState* state);
     /// Whether it pays to look, and what is behind is hidden: only Mesa's software drivers take
     /// time for it; and it is not hidden with a depth test of another kind, with clipping planes
     /// or with other matrices than those of cameras. Shaders are taken to leave points in place.

@@ -27,6 +27,7 @@
 #include <MeshVisitor.h>
 #include <toCoin.h>
 
+#include "drawing/BackFaces.h"
 #include "drawing/DepthGrid.h"
 #include "drawing/GLVertexState.h"
 #include "drawing/drawNearestFirst.h"
@@ -90,6 +91,14 @@ double areaAboutMiddle(Mesh& mesh, int row)
     const int opposite = oppositeColumn(mesh);
     return areaOf(mesh, row,
                   0.5 * ((next[opposite] + next[0]) - (here[opposite] + here[0])).getNorm());
+}
+
+// The two triangles between two columns of two rows, in the order of their strip.
+std::uint32_t* writeFace(std::uint32_t here, std::uint32_t next, std::uint32_t* to)
+{
+    for (const std::uint32_t vertex : {next, here, next + 1, next + 1, here, here + 1})
+        *to++ = vertex;
+    return to;
 }
 
 using Colour = std::uint32_t; // four bytes: red, green, blue, alpha
@@ -279,6 +288,10 @@ public:
             to = piece.cap ? writeCap(piece, to) : writeBody(piece, to);
     }
 
+    // Gathers all of it, in the meshes' order, but for the back faces of closed tubes.
+    void gatherSeen(const BackFaces& backFaces, const std::vector<std::optional<ClosedTube>>& tubes,
+                    Drawer& drawer) const;
+
     // How all of it is drawn in the meshes' order, in few draws.
     std::vector<Draw> makeDraws() const
     {
@@ -350,15 +363,8 @@ private:
         const auto width = std::uint32_t(piece.mesh.getWidth());
         for (std::size_t i = 0; i < std::min(piece.strips, piece.stripsPerDraw); ++i) {
             const auto row = std::uint32_t(piece.firstVertex + i * width);
-            const std::uint32_t next = row + width;
-            for (std::uint32_t j = 0; j + 1 < width; ++j, to += 6) {
-                to[0] = next + j;
-                to[1] = row + j;
-                to[2] = next + j + 1;
-                to[3] = next + j + 1;
-                to[4] = row + j;
-                to[5] = row + j + 1;
-            }
+            for (std::uint32_t j = 0; j + 1 < width; ++j)
+                to = writeFace(row + j, row + width + j, to);
         }
         return to;
     }
@@ -464,11 +470,14 @@ public:
         collect(std::size_t(draw.indexCount));
     }
 
-    // A triangle of all the vertices, at the latest by drawGathered().
-    void gather(std::size_t a, std::size_t b, std::size_t c)
+    // Triangles of all the vertices, at the latest by drawGathered(): write(to) writes at most so
+    // many indices, and returns their end.
+    template <typename Write>
+    void gather(std::size_t most, Write write)
     {
-        for (const std::size_t vertex : {a, b, c})
-            gathered.push_back(std::uint32_t(vertex));
+        const std::size_t before = gathered.size();
+        gathered.resize(before + most);
+        gathered.resize(std::size_t(write(gathered.data() + before) - gathered.data()));
         if (gathered.size() >= MOST_COLLECTED)
             drawGathered();
     }
@@ -573,7 +582,7 @@ void MeshDrawing::draw(const SoNode& node, SoGLRenderAction* action, const std::
     if (grid.mayCover(centre, radius, area, SORTED_LAYERS) && isOpaque(state) &&
         DepthGrid::isUsable(state))
         drawNearestFirst(kept, colours, normals, state, parts, grid);
-    else
+    else if (!drawWithoutBackFaces(kept, colours, normals, state, parts))
         drawInOrder(kept, colours, normals, state);
     // Which colour is current now OpenGL leaves open.
     SoGLLazyElement::getInstance(state)->reset(state, SoLazyElement::DIFFUSE_MASK);
@@ -676,6 +685,58 @@ void MeshDrawing::drawInOrder(const Kept& kept, const Colours& colours, bool nor
         drawer(draw);
 }
 
+void MeshDrawing::Layout::gatherSeen(const BackFaces& backFaces,
+                                     const std::vector<std::optional<ClosedTube>>& tubes,
+                                     Drawer& drawer) const
+{
+    for (const Piece& piece : pieces) {
+        if (piece.cap) {
+            drawer.gather(piece.indicesPerStrip,
+                          [&](std::uint32_t* to) { return writeCap(piece, to); });
+            continue;
+        }
+        std::optional<BackFaces::Walk> walk;
+        if (tubes[piece.part] && backFaces.mayLeaveOut(*tubes[piece.part]))
+            walk.emplace(backFaces, piece.mesh, *tubes[piece.part]);
+        const int width = piece.mesh.getWidth();
+        for (std::size_t i = 0; i < piece.strips; ++i) {
+            const std::uint8_t* const leftOut =
+                walk ? walk->between(int(i), int(i) + 1).data() : nullptr;
+            const auto row = std::uint32_t(piece.firstVertex + i * std::size_t(width));
+            drawer.gather(piece.indicesPerStrip, [&](std::uint32_t* to) {
+                for (std::uint32_t j = 0; j + 1 < std::uint32_t(width); ++j) {
+                    if (!leftOut || !leftOut[j])
+                        to = writeFace(row + j, row + std::uint32_t(width) + j, to);
+                }
+                return to;
+            });
+        }
+    }
+    drawer.drawGathered();
+}
+
+// Returns whether it did: if there are some that may be left out.
+bool MeshDrawing::drawWithoutBackFaces(const Kept& kept, const Colours& colours, bool normals,
+                                       SoState* state, const std::vector<Part>& parts)
+{
+    const auto backFaces = BackFaces::find(state);
+    if (!backFaces)
+        return false;
+    if (tubesId != drawnId) {
+        tubesId = drawnId;
+        tubes.clear();
+        for (const Part& part : parts)
+            tubes.push_back(measureClosedTube(part.mesh, CapCollector(part.mesh).caps.size() == 2));
+    }
+    if (std::none_of(tubes.begin(), tubes.end(), [&](const std::optional<ClosedTube>& tube) {
+            return tube && backFaces->mayLeaveOut(*tube);
+        }))
+        return false;
+    Drawer drawer(kept, colours, normals, state);
+    Layout(parts).gatherSeen(*backFaces, tubes, drawer);
+    return true;
+}
+
 // The triangles of a run that the grid shows, in the order of writeBody(). About how many pixels.
 double MeshDrawing::drawSeen(const Run& run, Mesh& mesh, const DepthGrid& grid, Drawer& drawer)
 {
@@ -701,8 +762,10 @@ double MeshDrawing::drawSeen(const Run& run, Mesh& mesh, const DepthGrid& grid, 
                          seen);
             if (seen.isEmpty())
                 continue;
-            drawer.gather(run.vertex + next, run.vertex + here, run.vertex + next + 1);
-            drawer.gather(run.vertex + next + 1, run.vertex + here, run.vertex + here + 1);
+            drawer.gather(6, [&](std::uint32_t* to) {
+                return writeFace(std::uint32_t(run.vertex + here), std::uint32_t(run.vertex + next),
+                                 to);
+            });
             pixels += seen.getSize();
         }
     }

@@ -4,11 +4,13 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include <Inventor/SbBasic.h>
 #include <Inventor/SbVec3f.h>
 
+#include "drawing/BackFaces.h"
 #include "drawing/GLBuffer.h"
 
 class DepthGrid;
@@ -27,6 +29,9 @@ class SoState;
 /// there are no buffers, and what goes into a display list that somebody records.
 ///
 /// From two million vertices on they are drawn in several draws.
+///
+/// With a software driver, faces of closed tubes that are turned away from the eye, and hidden by
+/// others of the same tube, are not drawn: see BackFaces.
 ///
 /// Where much of it would lie one behind the other, as in a coil seen along its axis, the nearest
 /// comes first, and triangles that are hidden are not drawn.
@@ -113,6 +118,8 @@ private:
     void fillVertices(Kept& kept, std::uint32_t context, const Layout& layout) const;
     Colours& takeColours(Kept& kept, const Materials& materials) const;
     static void drawInOrder(const Kept& kept, const Colours& colours, bool normals, SoState* state);
+    bool drawWithoutBackFaces(const Kept& kept, const Colours& colours, bool normals,
+                              SoState* state, const std::vector<Part>& parts);
     static double drawSeen(const Run& run, Mesh& mesh, const DepthGrid& grid, Drawer& drawer);
     static void drawNearestFirst(Kept& kept, const Colours& colours, bool normals, SoState* state,
                                  const std::vector<Part>& parts, DepthGrid& grid);
@@ -120,7 +127,9 @@ private:
     SbUniqueId drawnId = 0;  // the node's
     SbVec3f centre{0, 0, 0}; // of a ball about the parts
     double radius = 0;
-    double area = 0; // of the parts seen from aside, front and back; 0 if they have few rows
+    double area = 0;        // of the parts seen from aside, front and back; 0 if they have few rows
+    SbUniqueId tubesId = 0; // the node's when they were measured
+    std::vector<std::optional<ClosedTube>> tubes; // those of the parts that are
     PerContext<Kept> contexts;
 };
 

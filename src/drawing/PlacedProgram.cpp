@@ -76,17 +76,6 @@ std::string makePlaced(const std::string& text)
     return placed.insert(after, DECLARATIONS);
 }
 
-std::string textOf(GLuint shader)
-{
-    GLint size = 0; // with a NUL
-    glGetShaderiv(shader, GL_SHADER_SOURCE_LENGTH, &size);
-    std::string text(std::size_t(std::max(size, 1)), '\0');
-    GLsizei length = 0;
-    glGetShaderSource(shader, GLsizei(text.size()), &length, text.data());
-    text.resize(std::size_t(length));
-    return text;
-}
-
 bool attach(GLuint program, GLenum stage, const std::string& text)
 {
     const GLuint shader = glCreateShader(stage);
@@ -189,7 +178,7 @@ void invertTransposed(const float* m, float* normal)
 // The programs that were asked for lately, the last one first.
 struct ProgramsOfAContext
 {
-    const PlacedProgram* find(PlacedProgram::Texts texts)
+    const PlacedProgram* find(ProgramTexts texts)
     {
         const std::size_t many = 8;
         auto found = std::find_if(programs.begin(), programs.end(), [&](const auto& program) {
@@ -219,31 +208,11 @@ const PlacedProgram* PlacedProgram::find(std::uint32_t context)
         return nullptr;
     GLint inUse = 0;
     glGetIntegerv(GL_CURRENT_PROGRAM, &inUse);
-    Texts read;
-    return inUse && readTexts(GLuint(inUse), read) ? (*programs)[context].find(std::move(read))
-                                                   : nullptr;
+    auto read = inUse ? readProgramTexts(GLuint(inUse)) : std::nullopt;
+    return read ? (*programs)[context].find(std::move(*read)) : nullptr;
 }
 
-// Whether it has one text for each of the two stages.
-bool PlacedProgram::readTexts(GLuint program, Texts& texts)
-{
-    GLuint shaders[3];
-    GLsizei count = 0;
-    glGetAttachedShaders(program, 3, &count, shaders);
-    if (count != 2)
-        return false;
-    for (int i = 0; i < count; ++i) {
-        GLint stage = 0;
-        glGetShaderiv(shaders[i], GL_SHADER_TYPE, &stage);
-        std::string& text = stage == GL_VERTEX_SHADER ? texts.vertex : texts.fragment;
-        if ((stage != GL_VERTEX_SHADER && stage != GL_FRAGMENT_SHADER) || !text.empty())
-            return false;
-        text = textOf(shaders[i]);
-    }
-    return !texts.vertex.empty() && !texts.fragment.empty();
-}
-
-PlacedProgram::PlacedProgram(Texts newTexts) : texts(std::move(newTexts))
+PlacedProgram::PlacedProgram(ProgramTexts newTexts) : texts(std::move(newTexts))
 {
     link();
     if (name && !findUniforms()) {

@@ -10,6 +10,8 @@
 #include <Inventor/SbMatrix.h>
 #include <Inventor/SbVec3f.h>
 
+#include "drawing/ProgramTexts.h"
+
 /// A copy of the program in use that draws at many places at once: its vertex stage is the same
 /// text, with the matrices of each place where it asks OpenGL for those of the model and the view.
 /// Its fragment stage is that of the program in use.
@@ -51,24 +53,19 @@ public:
     void disablePlaces() const;
 
 private:
-    struct Texts
-    {
-        std::string vertex, fragment;
-    };
     struct Uniform
     {
         std::string name;
         GLenum type;
     };
 
-    explicit PlacedProgram(Texts newTexts);
-    static bool readTexts(GLuint program, Texts& texts);
+    explicit PlacedProgram(ProgramTexts newTexts);
     void link();
     bool findUniforms();
     void copyUniforms(GLuint from) const;
 
-    const Texts texts; // of the program in use
-    GLuint name = 0;   // none if it could not be made; goes with its context
+    const ProgramTexts texts; // of the program in use
+    GLuint name = 0;          // none if it could not be made; goes with its context
     GLint modelView = -1, projected = -1, normal = -1;
     std::vector<Uniform> uniforms;
 
