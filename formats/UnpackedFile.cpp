@@ -2,6 +2,7 @@
 #include <strandview/formats/UnpackedFile.h>
 
 #include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <filesystem>
 #include <limits>
@@ -12,6 +13,8 @@
 #include <fcntl.h>
 #include <stdlib.h>
 #include <unistd.h>
+
+#include <strandview/formats/numpy/npyHeader.h>
 
 namespace strandview {
 
@@ -112,7 +115,24 @@ bool UnpackedFile::unpackPiece(std::string& fault)
         return false;
     if (size + given > allowed && (size + given) / LARGEST_RATIO > packedSize)
         fault = "found data more than 1000 times as large as they are packed, expected less";
+    else if (!holdsSomething({bytes.data(), given}))
+        fault = "found more than 1 MiB on end without a letter or digit, expected data";
     return fault.empty() && append(bytes.data(), given, fault);
+}
+
+/// Whether there is anything to read, now that these bytes come.
+bool UnpackedFile::holdsSomething(std::string_view bytes)
+{
+    const auto isSomething = [](char c) {
+        const auto byte = static_cast<unsigned char>(c);
+        return byte >= 0x80 || std::isalnum(byte); // of UTF-8, or of ASCII
+    };
+    if (size == 0)
+        isOfNumbers = bytes.substr(0, NPY_MAGIC.size()) == NPY_MAGIC || bytes.substr(0, 2) == "PK";
+    const auto last = std::find_if(bytes.rbegin(), bytes.rend(), isSomething);
+    if (last != bytes.rend())
+        something = size + std::uint64_t(bytes.rend() - last);
+    return isOfNumbers || size + bytes.size() <= something + LONGEST_NOTHING;
 }
 
 bool UnpackedFile::append(const char* bytes, std::size_t count, std::string& fault)

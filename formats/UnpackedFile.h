@@ -7,6 +7,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include <strandview/formats/Unpacker.h>
 #include <strandview/formatsExport.h>
@@ -18,11 +19,13 @@ namespace strandview {
 /// with this. In memory there is nothing but a piece.
 ///
 /// What is more than a thousand times larger than its packed bytes, and larger than ALWAYS_ALLOWED,
-/// is refused: no text or array of numbers is, and somebody has made it to fill the disk.
+/// is refused: no text or array of numbers is, and somebody has made it to fill the disk. So is,
+/// at once, what has LONGEST_NOTHING without a letter or digit, unless it is an array or an archive.
 class STRANDVIEW_FORMATS_EXPORT UnpackedFile
 {
 public:
     static constexpr std::uint64_t ALWAYS_ALLOWED = std::uint64_t(1) << 30;
+    static constexpr std::uint64_t LONGEST_NOTHING = 1 << 20;
 
     /// Gives the next packed bytes, at most so many and none at the end; whether that went well.
     using ReadPacked = std::function<bool(char* to, std::size_t count, std::size_t& got)>;
@@ -42,6 +45,7 @@ public:
 private:
     bool unpackTo(std::uint64_t end, const ReadPacked& readPacked, std::string& fault);
     bool unpackPiece(std::string& fault);
+    bool holdsSomething(std::string_view bytes);
     bool append(const char* bytes, std::size_t count, std::string& fault);
 
     std::unique_ptr<Unpacker> unpacker;
@@ -51,6 +55,8 @@ private:
     std::uint64_t packedSize = 0; ///< that was read
     std::uint64_t size = 0;       ///< that is unpacked
     std::uint64_t allowed;        ///< size without a look at the packed one
+    bool isOfNumbers = false;     ///< in binary, of which many may be 0
+    std::uint64_t something = 0;  ///< the size up to the last letter or digit
     bool isComplete = false;
     int descriptor = -1;
     std::string openFault; ///< why there is no file

@@ -103,14 +103,40 @@ TEST_F(UnpackedFileTest, FaultsAreTold)
     EXPECT_EQ(fault, "") << "whoever reads knows";
 }
 
+TEST_F(UnpackedFileTest, AMebibyteWithoutALetterOrDigitIsRefusedAtOnce)
+{
+    constexpr std::size_t most = 1 << 20;
+    const std::string points = "0 0 0\n0 0 1\n";
+    for (const char nothing : {'\0', '\n', ' ', '['}) {
+        taken = 0;
+        give(packedByGzip(points + std::string(most, nothing) + points));
+        EXPECT_EQ(at(points.size() + most, points.size()), points);
+        taken = 0;
+        give(packedByGzip(points + std::string(50 * most, nothing)));
+        EXPECT_EQ(at(0, 5), "0 0 0");
+        EXPECT_EQ(at(40 * most, 1), "failed");
+        EXPECT_EQ(fault, "found more than 1 MiB on end without a letter or digit, expected data");
+        EXPECT_LT(taken, packed.size() / 4);
+    }
+}
+
+TEST_F(UnpackedFileTest, ArraysAndArchivesMayHaveManyZeros)
+{
+    for (const std::string& beginning : {std::string("\x93NUMPY\x01"), std::string("PK\x03")}) {
+        taken = 0;
+        give(packedByGzip(beginning + std::string(3 << 20, '\0') + "end"));
+        EXPECT_EQ(at(beginning.size() + (3 << 20), 3), "end") << fault;
+    }
+}
+
 TEST_F(UnpackedFileTest, WhatIsMadeToFillTheDiskIsRefused)
 {
-    // 128 KiB of zeros in a few bytes, a hundred times.
-    const std::string zeros = packedByZstandard(std::string(128 * 1024, '\0'));
+    // 128 KiB of digits in a few bytes, a hundred times.
+    const std::string zeros = packedByZstandard(std::string(128 * 1024, '0'));
     for (int i = 0; i < 100; ++i)
         packed += zeros;
     file = std::make_unique<UnpackedFile>(Unpacker::of(packed), "", 10 * 1024 * 1024);
-    EXPECT_EQ(at(9 * 1024 * 1024, 1), std::string(1, '\0'));
+    EXPECT_EQ(at(9 * 1024 * 1024, 1), "0");
     EXPECT_EQ(at(12 * 1024 * 1024, 1), "failed");
     EXPECT_EQ(fault, "found data more than 1000 times as large as they are packed, expected less");
 }
