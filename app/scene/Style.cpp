@@ -52,10 +52,14 @@ float automaticTextSize(const Options& options)
                       LEGEND_TEXT_SIZE, LARGEST_LEGEND_TEXT_SIZE);
 }
 
-int automaticSubsegments(long long segments)
+// The turns of a double strand, ten segments each, are seen as polygons end-on: of its backbones
+// three of each segment look round, as long as a tube of 10 slices has no more vertices for that.
+int automaticSubsegments(long long segments, bool haveTurns)
 {
-    const long long rows = 6000;
-    return int(std::clamp(rows / std::max(segments, 1LL), 1LL, 32LL));
+    const long long rows = 6000, rowsOfTurns = 40000, fewestOfTurns = 3;
+    const long long fewest =
+        haveTurns ? std::clamp(rowsOfTurns / std::max(segments, 1LL), 1LL, fewestOfTurns) : 1;
+    return int(std::clamp(rows / std::max(segments, 1LL), fewest, 32LL));
 }
 
 // At least 10, so that a tube looks round; of very many rows, which are no longer than a
@@ -110,7 +114,8 @@ Style makeStyle(const Options& options, const Configuration& configuration)
     style.isRadiusAsked = options.radius.has_value();
     style.isRibbonWidthAsked = options.ribbonWidth.has_value();
     style.backboneRadius = options.radius.value_or(BACKBONE_RADIUS * options.dna.angstrom);
-    style.subsegments = options.subsegments.value_or(automaticSubsegments(segments));
+    style.subsegments = options.subsegments.value_or(
+        automaticSubsegments(segments, !configuration.dnas.empty() && options.dna.backbone));
     style.slices = options.slices.value_or(automaticSlices(segments, style.subsegments));
     style.showTube = options.showTube;
     style.showRibbon = options.showRibbon.value_or(true);

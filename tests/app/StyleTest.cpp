@@ -2,6 +2,7 @@
 #include "scene/Style.h"
 
 #include <cmath>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -132,6 +133,29 @@ TEST(Style, LongRodsGetFewVerticesPerPointAndShortOnesManyRows)
     const Style brief = makeStyle({}, helix(5, 0.3));
     EXPECT_EQ(brief.subsegments, 32);
     EXPECT_EQ(brief.slices, 32);
+}
+
+TEST(Style, BackbonesAreRoundEndOnAsLongAsTheyTakeNoMoreVertices)
+{
+    Options options;
+    const auto subsegments = [&](std::size_t pairs, Configuration configuration = {}) {
+        Dna dna;
+        dna.bases.assign(pairs, 'A');
+        for (std::size_t k = 0; k < pairs; ++k)
+            dna.pairPoints.emplace_back(0, 0, 3.4 * double(k));
+        dna.pairRotations.resize(pairs);
+        dna.points1 = dna.points2 = dna.pairPoints;
+        dna.rotations1 = dna.rotations2 = dna.pairRotations;
+        configuration.dnas.push_back(std::move(dna));
+        return makeStyle(options, configuration).subsegments;
+    };
+    EXPECT_EQ(subsegments(10), 32);
+    EXPECT_EQ(subsegments(3000), 3);
+    EXPECT_EQ(subsegments(10000), 2);
+    EXPECT_EQ(subsegments(100000), 1);
+    EXPECT_EQ(subsegments(1, helix(6001, 0.1)), 3);
+    options.dna.backbone = false;
+    EXPECT_EQ(subsegments(1, helix(6001, 0.1)), 1) << "of the rod alone";
 }
 
 TEST(Style, TheLegendOfASmallPictureHasLargerLetters)
