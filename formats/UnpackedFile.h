@@ -20,7 +20,8 @@ namespace strandview {
 ///
 /// What is more than a thousand times larger than its packed bytes, and larger than ALWAYS_ALLOWED,
 /// is refused: no text or array of numbers is, and somebody has made it to fill the disk. So is,
-/// at once, what has LONGEST_NOTHING without a letter or digit, unless it is an array or an archive.
+/// at once, what has LONGEST_NOTHING without a letter or digit, unless it is an array or an
+/// archive.
 class STRANDVIEW_FORMATS_EXPORT UnpackedFile
 {
 public:
