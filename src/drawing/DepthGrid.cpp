@@ -20,7 +20,6 @@ namespace {
 
 const int CELLS_ACROSS = 256; // of the viewport's larger side, so that reading costs most
 const int SMALLEST_CELL = 4;
-const double PIXELS_PER_DRAW = 2000; // that are drawn, though hidden, while another draw begins
 
 // Depths of 24 bits, and a few roundings of float on the way to them.
 const float DEPTH_TOLERANCE = 1e-6f;
@@ -297,8 +296,9 @@ void DepthGrid::measureBlocks()
 bool DepthGrid::isFar(int level, int block, Span span, float depth, int& first, int& last) const
 {
     const int number = blocksOf(columns, 1 << level);
+    // Rounded down, by cutting off what is behind the point of a number that is not negative.
     const auto blockOf = [size = cell << level, number](double pixel) {
-        return int(std::clamp(std::floor(pixel / size), -1.0, double(number)));
+        return int(std::clamp(pixel / size, -1.0, double(number)) + 1) - 1;
     };
     first = std::max(0, blockOf(span.from));
     last = std::min(number - 1, blockOf(span.to));

@@ -28,6 +28,9 @@ public:
         void extend(const Area& other);
     };
 
+    /// That are drawn, though hidden, while another draw begins.
+    static constexpr double PIXELS_PER_DRAW = 2000;
+
     static Area nowhere() { return {0, 0, 0, 0}; }
 
     /// A few areas about many.

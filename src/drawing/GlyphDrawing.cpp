@@ -562,7 +562,7 @@ double GlyphDrawing::drawSeen(std::size_t index, const SbMatrix& place, DepthGri
         areas.visit([&](const DepthGrid::Area& area) {
             grid.enter(area);
             drawBatch(part.batch);
-            drawn += area.getSize();
+            drawn += area.getSize() + DepthGrid::PIXELS_PER_DRAW;
         });
     }
     glPopMatrix();

@@ -81,7 +81,7 @@ public:
     /// The area of a glyph's parts seen one beside the other.
     double getArea(std::size_t index) const { return glyphs[index].area; }
     /// As drawGlyph(), without the parts, and what is about the rest of them, that the grid says
-    /// are hidden. About how many pixels were drawn.
+    /// are hidden. About how many pixels were drawn, with those that could be for each draw.
     double drawSeen(std::size_t index, const SbMatrix& place, DepthGrid& grid) const;
 
 private:

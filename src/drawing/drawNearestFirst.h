@@ -24,18 +24,19 @@ struct InView
 /// and without what the depth buffer hides once it holds some layers.
 ///
 /// drawAll(what) draws it; drawSeen(what) what of it the grid shows, by finish() at the latest, and
-/// returns about how many pixels. Things at the same distance keep their order, for the last of
-/// coincident faces is seen. `unread` counts the pixels since the grid was read; 0 to begin with.
+/// returns about how many pixels, and what its draws cost in pixels. Things at the same distance
+/// keep their order, for the last of coincident faces is seen. `unread` counts the pixels since the
+/// grid was read; 0 to begin with.
 template <typename What, typename DrawAll, typename DrawSeen, typename Finish>
 void drawNearestFirst(std::vector<InView<What>>& things, DepthGrid& grid, double& unread,
                       DrawAll drawAll, DrawSeen drawSeen, Finish finish)
 {
-    // Reading costs about a layer, and there is less and less to be found.
+    // Reading costs about a layer: as much as what is drawn before the next time, at most.
     const double layersAtFirst = 4;
     std::stable_sort(things.begin(), things.end(),
                      [](const auto& a, const auto& b) { return a.distance < b.distance; });
     for (const InView<What>& thing : things) {
-        const double layers = grid.getReads() == 0 ? layersAtFirst : 1 + grid.getReads();
+        const double layers = grid.getReads() == 0 ? layersAtFirst : 1;
         if (unread > layers * grid.getViewportArea()) {
             finish();
             grid.read();
