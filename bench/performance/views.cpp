@@ -136,6 +136,7 @@ void measureLongDna(const std::string& file)
     unsetenv("GALLIUM_NOOP");
     measureProcessor(table, "Backbones and bases", file, "", 7);
     measureProcessor(table, "Atoms", file, "--dna atoms", 7);
+    measureProcessor(table, "Atoms, seen end-on", file, "--dna atoms --view z", 7);
     table.print();
 }
 

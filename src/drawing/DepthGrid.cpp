@@ -241,21 +241,23 @@ void DepthGrid::read()
     measureBlocks();
 }
 
+// First of the columns of pixels in a row of cells, which a compiler takes many at once.
 void DepthGrid::measureCells()
 {
     farthest.resize(1);
     farthest[0].assign(std::size_t(columns) * std::size_t(rows), 0);
-    const float* pixel = pixels.data();
-    for (int y = 0; y < height; ++y) {
-        float* const row = farthest[0].data() + std::size_t(y / cell) * std::size_t(columns);
-        for (int column = 0; column < columns; ++column) {
-            const int number = std::min(cell, width - column * cell);
-            float largest = row[column];
-            for (int i = 0; i < number; ++i)
-                largest = std::max(largest, pixel[i]);
-            row[column] = largest;
-            pixel += number;
+    std::vector<float> ofColumns(std::size_t(width), 0);
+    float* inCell = farthest[0].data();
+    for (int row = 0; row < rows; ++row) {
+        std::fill(ofColumns.begin(), ofColumns.end(), 0.0F);
+        for (int y = row * cell; y < std::min((row + 1) * cell, height); ++y) {
+            const float* const line = pixels.data() + std::size_t(y) * std::size_t(width);
+            for (std::size_t x = 0; x < ofColumns.size(); ++x)
+                ofColumns[x] = line[x] > ofColumns[x] ? line[x] : ofColumns[x];
         }
+        for (int column = 0; column < columns; ++column, ++inCell)
+            *inCell = *std::max_element(ofColumns.begin() + column * cell,
+                                        ofColumns.begin() + std::min((column + 1) * cell, width));
     }
 }
 
