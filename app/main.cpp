@@ -16,6 +16,7 @@
 #include "output/OutputFile.h"
 #include "output/exportFiles.h"
 #include "pictures/PictureWriter.h"
+#include "pictures/largeHeapPages.h"
 #include "rendering/Film.h"
 #include "rendering/renderSeries.h"
 #include "request/ExitStatus.h"
@@ -184,7 +185,9 @@ int run(int argc, char** argv)
         return refused;
     if (options.exportFile)
         return exportData(options);
-    if (!options.picture)
+    if (options.picture)
+        useLargeHeapPages();
+    else
         initialiseWindows("strandview");
     initialiseScene();
     if (!options.picture)

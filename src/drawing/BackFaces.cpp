@@ -229,11 +229,9 @@ double BackFaces::clipAt(const Vector& point, const double* clip)
     return point.x * clip[0] + point.y * clip[1] + point.z * clip[2] + clip[3];
 }
 
-// Whether no pixel's middle is near to an edge.
-bool BackFaces::isBetweenSamples(const Vector& from, const Vector& to) const
+// Whether no pixel's middle is near to the edge between two corners.
+bool BackFaces::isBetweenSamples(const DepthGrid::Corner& a, const DepthGrid::Corner& b) const
 {
-    const DepthGrid::Corner a = grid.project(toSbVec3f(from), grid.getToEye());
-    const DepthGrid::Corner b = grid.project(toSbVec3f(to), grid.getToEye());
     const double tolerance = std::max(a.slack, b.slack) + EDGE_TOLERANCE;
     const auto isFree = [tolerance](double one, double other) {
         return std::floor(std::max(one, other) + tolerance - 0.5) <
@@ -284,7 +282,7 @@ void BackFaces::Walk::look(int row, std::vector<std::uint8_t>& isAway) const
 }
 
 // A face between clear corners and an edge of the tube as it is seen: hidden but where it ends.
-bool BackFaces::Walk::isEdgeLeftOut(int row, int next, int column, int edge) const
+bool BackFaces::Walk::isEdgeLeftOut(int row, int next, int column, int edge)
 {
     const Vector *const here = mesh.getPoints()[row], *const there = mesh.getPoints()[next];
     const auto isAway = [this](const Vector& across, const Vector& along, const Vector& corner) {
@@ -296,5 +294,18 @@ bool BackFaces::Walk::isEdgeLeftOut(int row, int next, int column, int edge) con
     const int j = column;
     return isAway(there[j + 1] - there[j], there[j] - here[j], here[j]) &&
            isAway(here[j + 1] - here[j], there[j + 1] - here[j + 1], here[j]) &&
-           faces.isBetweenSamples(here[edge], there[edge]);
+           faces.isBetweenSamples(project(row, edge), project(next, edge));
+}
+
+// Remembers the last ones: the next edge of an outline goes on where this one ends.
+DepthGrid::Corner BackFaces::Walk::project(int row, int column)
+{
+    for (const Projected& one : projected) {
+        if (one.row == row && one.column == column)
+            return one.corner;
+    }
+    const Vector& point = mesh.getPoints()[row][column];
+    oldest = (oldest + 1) % projected.size();
+    projected[oldest] = {row, column, faces.grid.project(toSbVec3f(point), faces.grid.getToEye())};
+    return projected[oldest].corner;
 }

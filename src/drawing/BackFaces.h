@@ -2,6 +2,7 @@
 #ifndef STRANDVIEW_DRAWING_BACKFACES_H
 #define STRANDVIEW_DRAWING_BACKFACES_H
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -56,7 +57,14 @@ public:
 
     private:
         void look(int row, std::vector<std::uint8_t>& isAway) const;
-        bool isEdgeLeftOut(int row, int next, int column, int edge) const;
+        bool isEdgeLeftOut(int row, int next, int column, int edge);
+        DepthGrid::Corner project(int row, int column);
+
+        struct Projected
+        {
+            int row = -1, column = -1;
+            DepthGrid::Corner corner = {0, 0, 0, 0};
+        };
 
         const BackFaces& faces;
         Mesh& mesh;
@@ -65,6 +73,8 @@ public:
         int lookedAt = -1;
         std::vector<std::uint8_t> here, there; // which corners are clearly turned away
         std::vector<std::uint8_t> leftOut;
+        std::array<Projected, 4> projected; // two edges, as a rule
+        std::size_t oldest = 0;
     };
 
 private:
@@ -73,7 +83,7 @@ private:
     explicit BackFaces(SoState* state);
     Vector towardsEye(const Vector& point) const { return parallel ? eye : eye - point; }
     static double clipAt(const Vector& point, const double* clip);
-    bool isBetweenSamples(const Vector& from, const Vector& to) const;
+    bool isBetweenSamples(const DepthGrid::Corner& a, const DepthGrid::Corner& b) const;
 
     DepthGrid grid; // that is never read
     bool parallel;
