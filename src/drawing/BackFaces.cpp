@@ -16,8 +16,8 @@
 #include <Inventor/misc/SoState.h>
 
 #include <Mesh.h>
-#include <toCoin.h>
 
+#include "drawing/DepthGrid.h"
 #include "drawing/ProgramTexts.h"
 
 using Vector = algebra3d::Vector3<double>;
@@ -36,6 +36,8 @@ const double LEAST_RADIUS = 0.5;
 const double DEPTH_STEPS = 32 / double(1 << 24);
 // Of a coordinate in radii; floats have 24 bits.
 const double LARGEST_COORDINATE = 1e5;
+// Of coordinates, on their way to the window.
+const double ROUNDING = 8 * double(std::numeric_limits<float>::epsilon());
 // By which a rasteriser may move an edge, and more, in pixels.
 const double EDGE_TOLERANCE = 1.0 / 16;
 // Sine; less is turned neither towards the eye nor away from it.
@@ -177,7 +179,7 @@ std::optional<BackFaces> BackFaces::find(SoState* state)
     return faces;
 }
 
-BackFaces::BackFaces(SoState* state) : grid(state)
+BackFaces::BackFaces(SoState* state)
 {
     SbDPMatrix toEye(SoModelMatrixElement::get(state));
     toEye.multRight(SbDPMatrix(SoViewingMatrixElement::get(state)));
@@ -188,56 +190,79 @@ BackFaces::BackFaces(SoState* state) : grid(state)
     sampled = getInteger(GL_SAMPLES) <= 1;
     const int row = parallel ? 2 : 3;
     eye = Vector(fromEye[row][0], fromEye[row][1], fromEye[row][2]);
-    for (int i = 0; i < 4; ++i) {
-        clipDepth[i] = toEye[i][2] * p[2][2] + toEye[i][3] * p[3][2];
-        clipW[i] = toEye[i][2] * p[2][3] + toEye[i][3] * p[3][3];
-        if (i < 3)
-            offset = std::max(offset, std::abs(toEye[3][i]));
+    for (int i = 0; i < 3; ++i)
+        offset = std::max(offset, std::abs(toEye[3][i]));
+    for (int axis = 0; axis < 4; ++axis) {
+        for (int i = 0; i < 4; ++i) {
+            clip[axis][i] = 0;
+            for (int k = 0; k < 4; ++k)
+                clip[axis][i] += toEye[i][k] * p[k][axis];
+        }
     }
-    pixelScale = std::min(std::abs(p[0][0]) * size[0], std::abs(p[1][1]) * size[1]) / 2;
+    for (int i = 0; i < 2; ++i)
+        half[i] = size[i] / 2.0;
+    const double across = std::abs(p[0][0]) * half[0], up = std::abs(p[1][1]) * half[1];
+    leastPixels = std::min(across, up);
+    mostPixels = std::max(across, up);
     depthScale = std::abs(double(parallel ? p[2][2] : p[3][2])) / 2;
     const bool known = toEye[0][3] == 0 && toEye[1][3] == 0 && toEye[2][3] == 0 &&
                        (!parallel || (p[2][0] == 0 && p[2][1] == 0));
-    const double stretch = DepthGrid::stretchOf(grid.getToEye());
+    stretch = DepthGrid::stretchOf(SbMatrix(toEye));
     shrink = known ? std::abs(toEye.det3()) / (stretch * stretch) : 0;
 }
 
 bool BackFaces::mayLeaveOut(const ClosedTube& tube) const
 {
-    double farthest = 0, largest = offset / shrink;
+    double farthest = 0;
     for (int i = 0; i < 8; ++i) {
         const Vector corner(i & 1 ? tube.minimum.x : tube.maximum.x,
                             i & 2 ? tube.minimum.y : tube.maximum.y,
                             i & 4 ? tube.minimum.z : tube.maximum.z);
-        const double w = clipAt(corner, clipW);
+        const double w = clipAt(corner, 3);
         // Neither before the near plane, nor as near to it as rounding may carry.
-        if (!(w > 0 && clipAt(corner, clipDepth) + w > 1e-4 * w))
+        if (!(w > 0 && clipAt(corner, 2) + w > 1e-4 * w))
             return false;
         farthest = std::max(farthest, w);
-        for (int axis = 0; axis < 3; ++axis)
-            largest = std::max(largest, std::abs(corner[axis]));
     }
     const double radius = tube.radius * shrink; // in the eye's coordinates
     const double steps = depthScale / (parallel ? 1 : farthest * farthest);
-    return radius * pixelScale / farthest >= LEAST_RADIUS &&
+    return radius * leastPixels / farthest >= LEAST_RADIUS &&
            LEAST_DEPTH / 2 * radius * steps >= DEPTH_STEPS &&
-           largest <= LARGEST_COORDINATE * tube.radius;
+           largestCoordinate(tube) <= LARGEST_COORDINATE * tube.radius;
 }
 
-double BackFaces::clipAt(const Vector& point, const double* clip)
+// What is rounded in floats, in the coordinates of the tube.
+double BackFaces::largestCoordinate(const ClosedTube& tube) const
 {
-    return point.x * clip[0] + point.y * clip[1] + point.z * clip[2] + clip[3];
+    double largest = offset / shrink;
+    for (int axis = 0; axis < 3; ++axis)
+        largest = std::max({largest, std::abs(tube.minimum[axis]), std::abs(tube.maximum[axis])});
+    return largest;
 }
 
-// Whether no pixel's middle is near to the edge between two corners.
-bool BackFaces::isBetweenSamples(const DepthGrid::Corner& a, const DepthGrid::Corner& b) const
+double BackFaces::clipAt(const Vector& point, int axis) const
 {
-    const double tolerance = std::max(a.slack, b.slack) + EDGE_TOLERANCE;
+    const double* const c = clip[axis];
+    return point.x * c[0] + point.y * c[1] + point.z * c[2] + c[3];
+}
+
+BackFaces::InWindow BackFaces::project(const Vector& point) const
+{
+    const double w = clipAt(point, 3);
+    return {(clipAt(point, 0) / w + 1) * half[0], (clipAt(point, 1) / w + 1) * half[1],
+            mostPixels / w};
+}
+
+// Whether no pixel's middle is near to the edge between two corners, which are right within a
+// length.
+bool BackFaces::isBetweenSamples(const InWindow& a, const InWindow& b, double rounding) const
+{
+    const double tolerance = EDGE_TOLERANCE + rounding * std::max(a.scale, b.scale);
     const auto isFree = [tolerance](double one, double other) {
         return std::floor(std::max(one, other) + tolerance - 0.5) <
                std::ceil(std::min(one, other) - tolerance - 0.5);
     };
-    return sampled && a.depth > 0 && b.depth > 0 && (isFree(a.x, b.x) || isFree(a.y, b.y));
+    return sampled && (isFree(a.x, b.x) || isFree(a.y, b.y));
 }
 
 BackFaces::Walk::Walk(const BackFaces& backFaces, Mesh& walkedMesh, const ClosedTube& walkedTube)
@@ -245,6 +270,7 @@ BackFaces::Walk::Walk(const BackFaces& backFaces, Mesh& walkedMesh, const Closed
       mesh(walkedMesh),
       tube(walkedTube),
       leastTurn(walkedTube.slant + LEAST_TURN),
+      rounding(ROUNDING * backFaces.stretch * backFaces.largestCoordinate(walkedTube)),
       here(std::size_t(walkedMesh.getWidth())),
       there(here),
       leftOut(here.size() - 1)
@@ -282,7 +308,7 @@ void BackFaces::Walk::look(int row, std::vector<std::uint8_t>& isAway) const
 }
 
 // A face between clear corners and an edge of the tube as it is seen: hidden but where it ends.
-bool BackFaces::Walk::isEdgeLeftOut(int row, int next, int column, int edge)
+bool BackFaces::Walk::isEdgeLeftOut(int row, int next, int column, int edge) const
 {
     const Vector *const here = mesh.getPoints()[row], *const there = mesh.getPoints()[next];
     const auto isAway = [this](const Vector& across, const Vector& along, const Vector& corner) {
@@ -294,18 +320,5 @@ bool BackFaces::Walk::isEdgeLeftOut(int row, int next, int column, int edge)
     const int j = column;
     return isAway(there[j + 1] - there[j], there[j] - here[j], here[j]) &&
            isAway(here[j + 1] - here[j], there[j + 1] - here[j + 1], here[j]) &&
-           faces.isBetweenSamples(project(row, edge), project(next, edge));
-}
-
-// Remembers the last ones: the next edge of an outline goes on where this one ends.
-DepthGrid::Corner BackFaces::Walk::project(int row, int column)
-{
-    for (const Projected& one : projected) {
-        if (one.row == row && one.column == column)
-            return one.corner;
-    }
-    const Vector& point = mesh.getPoints()[row][column];
-    oldest = (oldest + 1) % projected.size();
-    projected[oldest] = {row, column, faces.grid.project(toSbVec3f(point), faces.grid.getToEye())};
-    return projected[oldest].corner;
+           faces.isBetweenSamples(faces.project(here[edge]), faces.project(there[edge]), rounding);
 }

@@ -2,15 +2,12 @@
 #ifndef STRANDVIEW_DRAWING_BACKFACES_H
 #define STRANDVIEW_DRAWING_BACKFACES_H
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <vector>
 
 #include <algebra3d/Vector3.h>
-
-#include "drawing/DepthGrid.h"
 
 class Mesh;
 class SoState;
@@ -57,42 +54,43 @@ public:
 
     private:
         void look(int row, std::vector<std::uint8_t>& isAway) const;
-        bool isEdgeLeftOut(int row, int next, int column, int edge);
-        DepthGrid::Corner project(int row, int column);
-
-        struct Projected
-        {
-            int row = -1, column = -1;
-            DepthGrid::Corner corner = {0, 0, 0, 0};
-        };
+        bool isEdgeLeftOut(int row, int next, int column, int edge) const;
 
         const BackFaces& faces;
         Mesh& mesh;
         const ClosedTube& tube;
         const double leastTurn; ///< sine, of a corner that is clearly turned away
+        const double rounding;  ///< of a corner, in the eye's coordinates
         int lookedAt = -1;
         std::vector<std::uint8_t> here, there; // which corners are clearly turned away
         std::vector<std::uint8_t> leftOut;
-        std::array<Projected, 4> projected; // two edges, as a rule
-        std::size_t oldest = 0;
     };
 
 private:
     using Vector = algebra3d::Vector3<double>;
 
+    struct InWindow
+    {
+        double x, y;  // in pixels
+        double scale; // pixels of the eye's unit of length there
+    };
+
     explicit BackFaces(SoState* state);
     Vector towardsEye(const Vector& point) const { return parallel ? eye : eye - point; }
-    static double clipAt(const Vector& point, const double* clip);
-    bool isBetweenSamples(const DepthGrid::Corner& a, const DepthGrid::Corner& b) const;
+    double largestCoordinate(const ClosedTube& tube) const;
+    double clipAt(const Vector& point, int axis) const;
+    InWindow project(const Vector& point) const;
+    bool isBetweenSamples(const InWindow& a, const InWindow& b, double rounding) const;
 
-    DepthGrid grid; // that is never read
     bool parallel;
     bool sampled; // at the middles of pixels alone
     Vector eye; // its place, or the direction to it, in the coordinates of the state's model matrix
-    double clipDepth[4], clipW[4]; // from there: the third and the fourth clip coordinate
-    double offset = 0;             // of the origin, in the eye's coordinates
-    double pixelScale, depthScale; // what is as long as 1 there, where w is 1
-    double shrink;                 // how much shorter a length may become there
+    double clip[4][4]; // from there: what makes each clip coordinate of a point's three, and 1
+    double half[2];    // of the viewport's sides, in pixels
+    double offset = 0; // of the origin, in the eye's coordinates
+    double leastPixels, mostPixels; // of a unit there, where w is 1, one way or the other
+    double depthScale;              // of the depth buffer likewise
+    double stretch, shrink;         // how much longer and shorter a length may become there
 };
 
 #endif
