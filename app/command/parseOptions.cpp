@@ -392,6 +392,7 @@ void addSeries(CLI::App& app, Options& options)
         ->group(group);
     app.add_flag("--series", series.isOfFiles,
                  "Each file is a frame, in the order of their numbers; a folder is its files")
+        ->excludes(app.get_option("--info"))
         ->group(group);
     addParsed(app, "--shard", series.shard, &parseShard, "i/n with 0 <= i < n",
               "Render only every n-th of the frames, from the i-th on, counted from 0")
@@ -589,6 +590,9 @@ ParsedOptions parseOptions(int argc, const char* const* argv)
         options.look = lookOf(app);
         const bool needsFile =
             options.picture || options.info || options.exportFile || options.series.listFrames;
+        if (options.series.frames && !options.picture && !options.series.listFrames)
+            throw CLI::ValidationError("--frames",
+                                       "found neither --render nor --list-frames, expected one");
         if (needsFile && options.files.empty())
             throw CLI::RequiredError("FILE");
         if (std::count(options.files.begin(), options.files.end(), "-") > 1)

@@ -6,7 +6,6 @@
 #include <filesystem>
 #include <memory>
 
-#include <strandview/formats/openSeries.h>
 #include <strandview/formats/text/encoding.h>
 #include <strandview/formats/text/wording.h>
 #include <strandview/formats/writeJson.h>
@@ -27,8 +26,7 @@ bool writeAllFrames(const Options& options, const TextSink& sink, ReadReport& re
                       std::to_string(std::lround(100 * share)) + " %");
         return !progress.isStopped();
     };
-    const std::unique_ptr<Series> series =
-        openSeries(options.files, readOptionsOf(options, say), report);
+    const std::unique_ptr<Series> series = openFiles(options.files, options, report, progress);
     return series && writeJson(*series, sink, say, report);
 }
 
@@ -43,8 +41,8 @@ bool writeOneFrame(const Options& options, const TextSink& sink, ReadReport& rep
 void tellIdleOptions(const Options& options, ReadReport& report)
 {
     for (const std::string& option : options.given)
-        if (option != "--export" && option != "--frame" && option != "--normalise" &&
-            option != "--closed")
+        if (option != "--export" && option != "--frame" && option != "--series" &&
+            option != "--normalise" && option != "--closed")
             report.notices.push_back(option + " has no effect: --export writes the data alone");
 }
 
@@ -67,7 +65,8 @@ std::string exportFiles(const Options& options, ReadReport& report)
         return failure;
     const TextSink sink = [&file](std::string_view text) { return file.write(text); };
     TerminalProgress progress;
-    const bool isAllFrames = options.files.size() == 1 && !options.frame;
+    const bool isSeries = options.files.size() == 1 || options.series.isOfFiles;
+    const bool isAllFrames = isSeries && !options.frame;
     const bool isWritten = isAllFrames ? writeAllFrames(options, sink, report, progress)
                                        : writeOneFrame(options, sink, report, progress);
     if (!report.error.empty())

@@ -338,6 +338,8 @@ TEST_F(RenderSeriesTest, WhatCannotBeIsToldInOneLineBeforeAnythingIsWritten)
         EXPECT_EQ(std::count(result.error.begin(), result.error.end(), '\n'), 1) << result.error;
         EXPECT_NE(result.status, 0) << expected;
     }
+    EXPECT_EQ(runProgram(STRANDVIEW_PROGRAM, {"--frames", "1:2", series}).error,
+              "strandview: --frames: found neither --render nor --list-frames, expected one\n");
     EXPECT_FALSE(fs::exists(one));
     EXPECT_THAT(namesOf("out"), IsEmpty());
 }

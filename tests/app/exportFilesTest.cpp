@@ -169,6 +169,24 @@ TEST_F(ExportFilesTest, AFrameBeyondTheLastIsRefusedInOneLineByEveryOutput)
     EXPECT_THAT(files(), testing::ElementsAre("rod.txt", "run.json"));
 }
 
+TEST_F(ExportFilesTest, FilesThatAreFramesBecomeOneSeries)
+{
+    const auto write = [this](const char* name, const char* id) {
+        folder.write(name,
+                     std::string(R"({"strandview": 1, "markers": [{"point": [0, 0, 0], "id": )") +
+                         id + "}]}");
+    };
+    std::filesystem::create_directory(folder.path("run"));
+    write("run/s10.json", "10");
+    write("run/s9.json", "9");
+    const auto all = exported({"--series", folder.path("run")});
+    ASSERT_EQ(all->count(), 2u);
+    EXPECT_EQ(all->load(0).configuration->markers[0].id, 9);
+    EXPECT_EQ(all->load(1).configuration->markers[0].id, 10);
+    EXPECT_EQ(result.error, "");
+    EXPECT_EQ(exported({"--series", "--frame", "1", folder.path("run")})->count(), 1u);
+}
+
 TEST_F(ExportFilesTest, APictureShowsTheFrameAskedFor)
 {
     const auto pictureOf = [&](const std::vector<std::string>& arguments) {

@@ -24,7 +24,8 @@ protected:
         window.setGeometry(wanted);
         fitter = std::make_unique<ScreenFitter>(window);
         window.show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+        const int patience = 30'000; // a busy machine has been seen to need more than Qt's 5 s
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&window, patience));
         // The window manager frames it in its own time.
         ASSERT_TRUE(
             QTest::qWaitFor([this] { return window.frameGeometry() != window.geometry(); }));
