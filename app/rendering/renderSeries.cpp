@@ -61,7 +61,8 @@ std::vector<std::size_t> askedFrames(const Options& options, std::size_t count, 
         frames = framesOf(options.series.frames.value_or(FrameSlice()), count);
     else
         frames.push_back(0);
-    if (!options.frame && !options.series.frames && !isPattern && !options.series.listFrames)
+    if (count > 1 && !options.frame && !options.series.frames && !isPattern &&
+        !options.series.listFrames)
         report.notices.push_back("the first of " + counted(count, "frame") +
                                  "; --frame N takes another, counted from 0");
     if (frames.empty())

@@ -30,6 +30,7 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 
 namespace fs = std::filesystem;
 
@@ -177,6 +178,17 @@ TEST_F(RenderSeriesTest, TheFirstFrameIsThePictureOfASeriesThatNobodyAskedMoreOf
     EXPECT_THAT(told.error, HasSubstr("the first of 6 frames; --frame N takes another"));
     EXPECT_EQ(run({"--render", first, "--frame", "0", series}).status, 0);
     EXPECT_EQ(contentOf(plain), contentOf(first));
+}
+
+TEST_F(RenderSeriesTest, OfStillDataTheOnlyFrameIsTakenWithoutAWord)
+{
+    const std::string still = folder.write("still.json", R"({"strandview": 1, "rods": [
+        {"points": [[0, 0, 0], [1, 0, 0], [2, 1, 0]]}]})");
+    const ProgramRun stamped = run({"--render", folder.path("still.png"), "--stamp", still});
+    EXPECT_EQ(stamped.status, 0);
+    EXPECT_THAT(stamped.error, Not(HasSubstr("the first of")));
+    EXPECT_EQ(run({"--render", pattern("stills"), still}).status, 0);
+    EXPECT_THAT(namesOf("stills"), ElementsAre("f_00.png"));
 }
 
 TEST_F(RenderSeriesTest, CameraAndColoursStayWhateverIsRendered)
