@@ -2,36 +2,54 @@
 #include "request/PictureName.h"
 
 #include <algorithm>
-#include <regex>
+#include <cctype>
 
 namespace strandview {
 
 namespace {
 
-std::string withoutEscapes(const std::string& text)
+// How long the place for a number is that begins here, "%d" or "%0Nd"; 0 if none does.
+std::size_t lengthOfNumber(const std::string& text, std::size_t place)
 {
-    static const std::regex escaped("%%");
-    return std::regex_replace(text, escaped, "%");
+    const std::size_t most = 19; // digits
+    std::size_t end = place + 1;
+    if (text.compare(place, 2, "%0") == 0) {
+        for (++end; end < text.size() && std::isdigit(static_cast<unsigned char>(text[end]));
+             ++end) {
+        }
+        if (end == place + 2 || end > place + 4 || std::stoul(text.substr(place + 2)) > most)
+            return 0;
+    }
+    return end < text.size() && text[end] == 'd' ? end + 1 - place : 0;
+}
+
+std::string withoutEscapes(std::string text)
+{
+    for (std::size_t at = 0; (at = text.find("%%", at)) != text.npos; ++at)
+        text.erase(at, 1);
+    return text;
 }
 
 } // namespace
 
 PictureName::PictureName(const std::string& nameOrPattern) : text(nameOrPattern)
 {
-    static const std::regex pieces("%%|%(?:0(1?[0-9]))?d");
-    std::smatch first;
-    for (std::sregex_iterator piece(text.begin(), text.end(), pieces), end; piece != end; ++piece) {
-        if ((*piece)[0] == "%%")
-            continue;
-        if (numbers == 0)
-            first = *piece;
-        ++numbers;
+    std::size_t place = 0, length = 0;
+    for (std::size_t at = text.find('%'); at != text.npos; at = text.find('%', at)) {
+        const std::size_t found = lengthOfNumber(text, at);
+        if (found > 0 && numbers++ == 0) {
+            place = at;
+            length = found;
+        }
+        const std::size_t escaped = text.compare(at, 2, "%%") == 0 ? 2 : 1;
+        at += std::max(found, escaped);
     }
     if (numbers != 1)
         return;
-    digits = first[1].matched ? std::max(1UL, std::stoul(first[1])) : 1;
-    after = withoutEscapes(nameOrPattern.substr(std::size_t(first.position() + first.length())));
-    text = withoutEscapes(nameOrPattern.substr(0, std::size_t(first.position())));
+    if (length > 2)
+        digits = std::max(1UL, std::stoul(text.substr(place + 2)));
+    after = withoutEscapes(text.substr(place + length));
+    text = withoutEscapes(text.substr(0, place));
 }
 
 std::string PictureName::of(std::size_t frame) const

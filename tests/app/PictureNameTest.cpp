@@ -18,12 +18,13 @@ TEST(PictureName, APerCentSignOfAPatternIsWrittenTwice)
 {
     EXPECT_EQ(PictureName("50%%/f%%_%d%%.png").of(3), "50%/f%_3%.png");
     EXPECT_EQ(PictureName("%%d_%d.png").of(3), "%d_3.png");
+    EXPECT_EQ(PictureName("%%%d%%%%.png").of(3), "%3%%.png");
 }
 
 TEST(PictureName, WithoutANumberIsANameAsItStands)
 {
-    for (const char* name :
-         {"a.png", "100%.png", "50%%.png", "%s.png", "%5d.png", "%x%%d.png", ""}) {
+    for (const char* name : {"a.png", "100%.png", "50%%.png", "%s.png", "%5d.png", "%x%%d.png",
+                             "%0d.png", "%020d.png", ""}) {
         EXPECT_FALSE(PictureName(name).isPattern()) << name;
         EXPECT_EQ(PictureName(name).of(3), name);
     }
