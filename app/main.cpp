@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <csignal>
 #include <filesystem>
-#include <iostream>
 #include <new>
 #include <optional>
 #include <string>
@@ -36,15 +35,15 @@ namespace {
 
 int fail(ExitStatus status, const std::string& message)
 {
-    std::cerr << "strandview: " << message << "\n";
+    tell(message);
     return status;
 }
 
 // A refusal stays one line: notices are told only when all is well.
-void tell(const std::vector<std::string>& notices)
+void tellAll(const std::vector<std::string>& notices)
 {
     for (const std::string& notice : notices)
-        std::cerr << "strandview: " << notice << "\n";
+        tell(notice);
 }
 
 int renderPicture(const Options& options, DataScene* scene)
@@ -86,7 +85,7 @@ int renderStill(const Options& options)
     progress.hide();
     if (!scene)
         return fail(BAD_INPUT, report.error);
-    tell(report.notices);
+    tellAll(report.notices);
     scene->ref();
     return renderPicture(options, scene);
 }
@@ -111,7 +110,7 @@ int exportData(const Options& options)
         return fail(BAD_INPUT, report.error);
     if (!failure.empty())
         return fail(CANNOT_WRITE, failure);
-    tell(report.notices);
+    tellAll(report.notices);
     return SUCCESS;
 }
 

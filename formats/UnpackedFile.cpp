@@ -127,8 +127,9 @@ bool UnpackedFile::holdsSomething(std::string_view bytes)
         const auto byte = static_cast<unsigned char>(c);
         return byte >= 0x80 || std::isalnum(byte); // of UTF-8, or of ASCII
     };
-    if (size == 0)
-        isOfNumbers = bytes.substr(0, NPY_MAGIC.size()) == NPY_MAGIC || bytes.substr(0, 2) == "PK";
+    // A pipe may give it byte by byte.
+    beginning += bytes.substr(0, NPY_MAGIC.size() - beginning.size());
+    const bool isOfNumbers = beginning == NPY_MAGIC || beginning.compare(0, 2, "PK") == 0;
     const auto last = std::find_if(bytes.rbegin(), bytes.rend(), isSomething);
     if (last != bytes.rend())
         something = size + std::uint64_t(bytes.rend() - last);

@@ -56,7 +56,7 @@ private:
     std::uint64_t packedSize = 0; ///< that was read
     std::uint64_t size = 0;       ///< that is unpacked
     std::uint64_t allowed;        ///< size without a look at the packed one
-    bool isOfNumbers = false;     ///< in binary, of which many may be 0
+    std::string beginning;        ///< as much as tells what it is
     std::uint64_t something = 0;  ///< the size up to the last letter or digit
     bool isComplete = false;
     int descriptor = -1;

@@ -18,6 +18,7 @@ class Measurer
 public:
     void addPoint(const Vector3<double>& point)
     {
+        ++extent.points;
         for (int axis = 0; axis < 3; ++axis) {
             lowest[axis] = std::min(lowest[axis], point[axis]);
             highest[axis] = std::max(highest[axis], point[axis]);

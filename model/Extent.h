@@ -2,6 +2,8 @@
 #ifndef STRANDVIEW_MODEL_EXTENT_H
 #define STRANDVIEW_MODEL_EXTENT_H
 
+#include <cstddef>
+
 #include <algebra3d/Vector3.h>
 
 #include <strandview/model/Configuration.h>
@@ -16,6 +18,7 @@ struct Extent
     algebra3d::Vector3<double> sides;  ///< of that box
     double length = 0;                 ///< of all rods and strands together
     long long segments = 0;            ///< of all rods and strands together
+    std::size_t points = 0;            ///< of everything
 };
 
 STRANDVIEW_MODEL_EXPORT Extent measure(const Configuration& configuration);

@@ -120,22 +120,29 @@ CLI::Option* addCount(CLI::App& app, const std::string& name, Target& count, int
     return app.add_option_function<std::string>(name, parse, help)->type_name("N");
 }
 
+// Text that `parse` makes a value of, or that is told as found where something was expected.
+template <typename Value, typename Target>
+CLI::Option* addParsed(CLI::App& app, const std::string& name, Target& target,
+                       std::optional<Value> (*parse)(const std::string& text),
+                       const std::string& expected, const std::string& help)
+{
+    return app.add_option_function<std::string>(
+        name,
+        [name, &target, parse, expected](const std::string& text) {
+            const std::optional<Value> value = parse(text);
+            if (!value)
+                throw CLI::ValidationError(name,
+                                           "found " + inQuotes(text) + ", expected " + expected);
+            target = *value;
+        },
+        help);
+}
+
 template <typename Target>
 CLI::Option* addColour(CLI::App& app, const std::string& name, Target& colour,
                        const std::string& help)
 {
-    return app
-        .add_option_function<std::string>(
-            name,
-            [name, &colour](const std::string& text) {
-                const std::optional<Colour> parsed = parseColour(text);
-                if (!parsed) {
-                    throw CLI::ValidationError(
-                        name, "found '" + text + "', expected #rrggbb or an SVG colour name");
-                }
-                colour = *parsed;
-            },
-            help)
+    return addParsed(app, name, colour, &parseColour, "#rrggbb or an SVG colour name", help)
         ->type_name("COLOUR");
 }
 
@@ -355,24 +362,6 @@ void addFiles(CLI::App& app, Options& options)
     addInfo(app, render, options);
     app.add_flag("--closed", options.closed,
                  "Close every rod whose ends are apart by one more element [what files close]");
-}
-
-// Text that `parse` makes a value of, or that is told as found where something was expected.
-template <typename Value, typename Target>
-CLI::Option* addParsed(CLI::App& app, const std::string& name, Target& target,
-                       std::optional<Value> (*parse)(const std::string& text),
-                       const std::string& expected, const std::string& help)
-{
-    return app.add_option_function<std::string>(
-        name,
-        [name, &target, parse, expected](const std::string& text) {
-            const std::optional<Value> value = parse(text);
-            if (!value)
-                throw CLI::ValidationError(name,
-                                           "found " + inQuotes(text) + ", expected " + expected);
-            target = *value;
-        },
-        help);
 }
 
 // The frames of a series.

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <QFile>
@@ -45,12 +46,15 @@ std::string OutputFile::open()
     return openUnnamed() || device->open(MODE) ? "" : failure();
 }
 
-// Where nothing is yet, not even a link, on file systems that have such files.
+// On file systems that have such files. What is replaced gives its permissions, and has to allow
+// it.
 bool OutputFile::openUnnamed()
 {
     namespace fs = std::filesystem;
     std::error_code unknown;
-    if (fs::symlink_status(name, unknown).type() != fs::file_type::not_found)
+    const fs::file_status before = fs::symlink_status(name, unknown);
+    const bool isNew = before.type() == fs::file_type::not_found;
+    if (!isNew && (before.type() != fs::file_type::regular || ::access(name.c_str(), W_OK) != 0))
         return false;
     const fs::path folder = fs::path(name).parent_path();
     const mode_t forAll = 0666; // but what the user's mask takes away
@@ -58,6 +62,8 @@ bool OutputFile::openUnnamed()
         ::open(folder.empty() ? "." : folder.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, forAll);
     if (file < 0)
         return false;
+    if (!isNew)
+        ::fchmod(file, mode_t(before.permissions()));
     auto unnamed = std::make_unique<QFile>();
     isUnnamed = unnamed->open(file, MODE, QFileDevice::AutoCloseHandle);
     if (isUnnamed)
@@ -65,7 +71,7 @@ bool OutputFile::openUnnamed()
     return isUnnamed;
 }
 
-// Meanwhile another program may have written it: then it is replaced.
+// What is there is replaced.
 std::string OutputFile::giveName()
 {
     const std::string file = "/proc/self/fd/" + std::to_string(device->handle());

@@ -10,9 +10,10 @@ class QFileDevice;
 
 namespace strandview {
 
-/// A file that appears complete or not at all: it is written beside what it replaces, or, where
-/// nothing is there yet and the file system can, without a name, so that nothing is left even of a
-/// program that was killed. Standard output for "-", which shows what is written as it comes.
+/// A file that appears complete or not at all. Where the file system can, it has no name before it
+/// is finished, so that nothing is left even of a program that was killed; elsewhere, and behind a
+/// link, it is written beside what it replaces. Standard output for "-", which shows what is
+/// written as it comes.
 class OutputFile
 {
 public:

@@ -26,7 +26,8 @@ bool writeAllFrames(const Options& options, const TextSink& sink, ReadReport& re
                       std::to_string(std::lround(100 * share)) + " %");
         return !progress.isStopped();
     };
-    const std::unique_ptr<Series> series = openFiles(options.files, options, report, progress);
+    const std::unique_ptr<Series> series =
+        openFiles(options.files, options, report, progress).series;
     return series && writeJson(*series, sink, say, report);
 }
 

@@ -3,9 +3,10 @@
 
 #include <cmath>
 #include <cstdio>
-#include <iostream>
 
 #include <unistd.h>
+
+#include "request/print.h"
 
 namespace strandview {
 
@@ -45,7 +46,7 @@ void SeriesProgress::add(bool isDrawn)
     const std::string state = text(std::chrono::duration<double>(now - start).count());
     line.show(state);
     if (!isTerminal && now - told >= INTERVAL) {
-        std::cerr << "strandview: " << state << std::endl;
+        tell(state);
         told = now;
     }
 }

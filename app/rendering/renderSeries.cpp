@@ -2,7 +2,6 @@
 #include "rendering/renderSeries.h"
 
 #include <algorithm>
-#include <iostream>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -28,8 +27,6 @@ namespace strandview {
 
 namespace {
 
-void tell(const std::string& line) { std::cerr << "strandview: " << line << "\n"; }
-
 // On a terminal, with the user's interruption.
 class OpeningProgress : public TerminalProgress
 {
@@ -43,24 +40,20 @@ private:
 };
 
 // Of the frames that there are, those that are asked for.
-std::vector<std::size_t> askedFrames(const Options& options, std::size_t count, ReadReport& report)
+std::vector<std::size_t> askedFrames(const Options& options, const OpenedFiles& opened,
+                                     ReadReport& report)
 {
     std::string& error = report.error;
-    if (options.frame && std::size_t(*options.frame) >= count) {
-        const std::string where = options.files.size() == 1 ? options.files.front() : "--frame";
-        error = onOneLine(where) + ": found frame " + std::to_string(*options.frame) +
-                ", expected 0 to " + std::to_string(count - 1);
-        return {};
-    }
+    const std::size_t count = opened.series->count();
     const bool isPattern =
         options.picture && (PictureName(*options.picture).isPattern() || isFilm(*options.picture));
     std::vector<std::size_t> frames;
-    if (options.frame)
-        frames.push_back(std::size_t(*options.frame));
-    else if (options.series.frames || isPattern || options.series.listFrames)
+    if (!options.frame && (options.series.frames || isPattern || options.series.listFrames))
         frames = framesOf(options.series.frames.value_or(FrameSlice()), count);
+    else if (const std::optional<std::size_t> frame = shownFrame(opened, options, report))
+        frames.push_back(*frame);
     else
-        frames.push_back(0);
+        return {};
     if (count > 1 && !options.frame && !options.series.frames && !isPattern &&
         !options.series.listFrames)
         report.notices.push_back("the first of " + counted(count, "frame") +
@@ -71,6 +64,15 @@ std::vector<std::size_t> askedFrames(const Options& options, std::size_t count, 
         error = "--render: found " + inQuotes(*options.picture) + " for " +
                 counted(frames.size(), "frame") + ", expected a name with %d or %05d in it";
     return framesOf(options.series.shard, frames);
+}
+
+// Says what the program ends with.
+int printOrTell(const std::string& answer)
+{
+    const std::string unprinted = print(answer);
+    if (!unprinted.empty())
+        tell(unprinted);
+    return unprinted.empty() ? SUCCESS : CANNOT_WRITE;
 }
 
 std::string lineOf(std::size_t frame, const Series& series, const Options& options)
@@ -87,11 +89,7 @@ int listFrames(const std::vector<std::size_t>& frames, const Series& series, con
     std::string text;
     for (const std::size_t frame : frames)
         text += lineOf(frame, series, options);
-    const std::string unprinted = print(text);
-    if (unprinted.empty())
-        return SUCCESS;
-    tell(unprinted);
-    return CANNOT_WRITE;
+    return printOrTell(text);
 }
 
 // What became of the frames.
@@ -231,38 +229,35 @@ int renderSeries(const Options& options)
     const Interruption interruption;
     OpeningProgress opening(interruption);
     ReadReport report;
-    std::unique_ptr<Series> series = openFiles(options.files, options, report, opening);
-    if (!series)
+    OpenedFiles opened = openFiles(options.files, options, report, opening);
+    if (!opened.series)
         return fail(report.error, interruption);
     if (options.series.align)
-        series = std::make_unique<SuperposedSeries>(std::move(series));
-    const std::vector<std::size_t> frames = askedFrames(options, series->count(), report);
+        opened.series = std::make_unique<SuperposedSeries>(std::move(opened.series));
+    Series& series = *opened.series;
+    const std::vector<std::size_t> frames = askedFrames(options, opened, report);
     if (!report.error.empty())
         return fail(report.error, interruption);
     if (options.series.listFrames)
-        return listFrames(frames, *series, options);
+        return listFrames(frames, series, options);
 
-    const std::optional<Stage> stage = makeStage(*series, options, report, opening);
+    const std::optional<Stage> stage = makeStage(series, options, report, opening);
     opening.hide();
     if (!stage)
         return fail(report.error, interruption);
     for (const std::string& notice : report.notices)
         tell(notice);
-    FrameRenderer renderer(*series, *stage, options);
+    FrameRenderer renderer(series, *stage, options);
     int status = SUCCESS;
     if (isFilm(*options.picture))
         status = renderFilm(renderer, options, frames, interruption);
     else if (options.series.jobs != 1)
-        status = renderByWorkers(*series, *stage, options, frames, interruption);
+        status = renderByWorkers(series, *stage, options, frames, interruption);
     else
         status = renderHere(renderer, frames, interruption);
     if (status != SUCCESS || !options.printCamera)
         return status;
-    const std::string unprinted = print(formatCamera(renderer.getCamera()) + "\n");
-    if (unprinted.empty())
-        return SUCCESS;
-    tell(unprinted);
-    return CANNOT_WRITE;
+    return printOrTell(formatCamera(renderer.getCamera()) + "\n");
 }
 
 } // namespace strandview

@@ -14,4 +14,6 @@ std::string print(const std::string& text)
     return std::string("standard output: ") + std::strerror(errno);
 }
 
+void tell(const std::string& line) { std::cerr << "strandview: " << line << std::endl; }
+
 } // namespace strandview

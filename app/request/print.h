@@ -9,6 +9,9 @@ namespace strandview {
 /// Prints an answer to standard output, as it is. One line that says what failed, or nothing.
 std::string print(const std::string& text);
 
+/// Tells the user a line on standard error.
+void tell(const std::string& line);
+
 } // namespace strandview
 
 #endif

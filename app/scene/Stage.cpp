@@ -23,18 +23,6 @@ namespace {
 const std::size_t MOST_POINTS = 500'000;
 const std::size_t FEWEST_FRAMES = 10, MOST_FRAMES = 100;
 
-std::size_t countPoints(const Configuration& data)
-{
-    std::size_t count = 0;
-    for (const Rod& rod : data.rods)
-        count += rod.points.size();
-    for (const Birod& birod : data.birods)
-        count += 3 * birod.points.size();
-    for (const Dna& dna : data.dnas)
-        count += 3 * dna.pairPoints.size();
-    return count + data.loneBases.size();
-}
-
 // The box around the points of several frames.
 class Room
 {
@@ -124,7 +112,7 @@ private:
 
     bool lookAtOthers(std::size_t firstFrame)
     {
-        const std::vector<std::size_t> sample = sampleOf(series.count(), countPoints(first));
+        const std::vector<std::size_t> sample = sampleOf(series.count(), measure(first).points);
         for (std::size_t i = 0; i < sample.size(); ++i) {
             progress.show("Looking at frame " + std::to_string(sample[i]) + " of " +
                           std::to_string(series.count()));
@@ -132,7 +120,7 @@ private:
                 continue;
             const LoadedFrame loaded = series.load(sample[i], goOn());
             if (progress.isStopped()) {
-                report.error = loaded.error;
+                report.error = "looking at the frames was stopped";
                 return false;
             }
             if (!loaded.configuration)

@@ -2,7 +2,6 @@
 #include "scene/Stamp.h"
 
 #include <algorithm>
-#include <charconv>
 #include <vector>
 
 #include <Inventor/nodes/SoBaseColor.h>
@@ -10,27 +9,15 @@
 
 #include "request/conversions.h"
 #include "scene/Lettering.h"
+#include "scene/Ticks.h"
 #include "scene/overlay.h"
 
 namespace strandview {
 
-namespace {
-
-// Six digits, with a decimal point in every locale.
-std::string readable(double value)
-{
-    char text[32];
-    const auto result =
-        std::to_chars(text, text + sizeof text, value, std::chars_format::general, 6);
-    return std::string(text, result.ptr);
-}
-
-} // namespace
-
 std::string stampText(std::size_t frame, const std::optional<double>& time)
 {
     std::string text = "frame " + std::to_string(frame);
-    return time ? text + ", t = " + readable(*time) : text;
+    return time ? text + ", t = " + numberText(*time, 6) : text;
 }
 
 SoNode* makeStamp(const std::string& text, const Colour& background, float textSize, float aspect)

@@ -34,39 +34,6 @@ std::string readingText(const std::vector<FileGroup>& files, std::size_t index, 
     return percent > 0 ? text + ": " + std::to_string(percent) + " %" : text;
 }
 
-// One frame of each of some files.
-class FrameReader
-{
-public:
-    FrameReader(std::size_t askedFrame, bool areSeveralFiles, ReadReport& readReport)
-        : frame(askedFrame), areSeveral(areSeveralFiles), report(readReport)
-    {}
-
-    bool hasSeenSeries() const { return seenSeries; }
-
-    std::optional<Configuration> read(const std::string& file, const ReadOptions& options)
-    {
-        const std::unique_ptr<Series> series = openSeries({file}, options, report);
-        if (!series)
-            return {};
-        const bool isStill = series->count() == 1;
-        seenSeries = seenSeries || !isStill;
-        LoadedFrame loaded = series->load(isStill && areSeveral ? 0 : frame, options.goOn);
-        std::move(loaded.notices.begin(), loaded.notices.end(), std::back_inserter(report.notices));
-        const bool isBeyond = frame >= series->count();
-        report.error = (isBeyond ? onOneLine(nameOf(file)) + ": " : "") + loaded.error;
-        if (loaded.configuration)
-            report.error.clear();
-        return std::move(loaded.configuration);
-    }
-
-private:
-    const std::size_t frame;
-    const bool areSeveral;
-    bool seenSeries = false;
-    ReadReport& report;
-};
-
 // What one file is read with, and what is said meanwhile.
 ReadOptions readingOptions(const std::vector<FileGroup>& groups, std::size_t index,
                            const Options& options, Progress& progress)
@@ -92,8 +59,8 @@ void noteLonger(const std::vector<FileGroup>& groups, const std::vector<std::siz
 }
 
 // Each file beside the others.
-std::unique_ptr<Series> openBeside(const std::vector<std::string>& files, const Options& options,
-                                   ReadReport& report, Progress& progress)
+OpenedFiles openBeside(const std::vector<std::string>& files, const Options& options,
+                       ReadReport& report, Progress& progress)
 {
     const std::vector<FileGroup> groups = groupFiles(files);
     std::vector<std::unique_ptr<Series>> parts;
@@ -103,29 +70,34 @@ std::unique_ptr<Series> openBeside(const std::vector<std::string>& files, const 
         parts.push_back(
             openSeries({groups[i].path}, readingOptions(groups, i, options, progress), report));
         if (!parts.back())
-            return nullptr;
+            return {};
         counts.push_back(parts.back()->count());
     }
     if (parts.size() == 1)
-        return std::move(parts.front());
+        return {std::move(parts.front()), groups.front().path};
     auto joint = std::make_unique<JointSeries>(std::move(parts));
-    noteLonger(groups, counts, joint->count(), report);
-    return joint;
+    const std::size_t count = joint->count();
+    noteLonger(groups, counts, count, report);
+    const auto shortest = std::find(counts.begin(), counts.end(), count) - counts.begin();
+    return {std::move(joint), count == 1 ? "" : groups[std::size_t(shortest)].path};
 }
 
-// The frame that is shown of a series of files.
-std::optional<Configuration> readOneOf(const std::vector<std::string>& files,
+// The frame that is asked for.
+std::optional<Configuration> readFrame(const std::vector<std::string>& files,
                                        const Options& options, ReadReport& report,
                                        Progress& progress)
 {
-    const std::unique_ptr<Series> series = openFiles(files, options, report, progress);
-    if (!series)
+    const OpenedFiles opened = openFiles(files, options, report, progress);
+    if (!opened.series)
         return {};
-    LoadedFrame loaded = series->load(std::size_t(options.frame.value_or(0)),
-                                      [&progress](double) { return !progress.isStopped(); });
+    const std::optional<std::size_t> frame = shownFrame(opened, options, report);
+    if (!frame)
+        return {};
+    LoadedFrame loaded =
+        opened.series->load(*frame, [&progress](double) { return !progress.isStopped(); });
     report.error = loaded.error;
-    for (std::string& notice : loaded.notices)
-        report.notices.push_back(std::move(notice));
+    report.frames = opened.series->count();
+    std::move(loaded.notices.begin(), loaded.notices.end(), std::back_inserter(report.notices));
     return std::move(loaded.configuration);
 }
 
@@ -136,40 +108,53 @@ ReadOptions readOptionsOf(const Options& options, std::function<bool(double shar
     return {options.normalise, std::move(goOn), options.closed};
 }
 
-std::unique_ptr<Series> openFiles(const std::vector<std::string>& files, const Options& options,
-                                  ReadReport& report, Progress& progress)
+OpenedFiles openFiles(const std::vector<std::string>& files, const Options& options,
+                      ReadReport& report, Progress& progress)
 {
     if (!options.series.isOfFiles)
         return openBeside(files, options, report, progress);
     const std::vector<std::string> frames = seriesFiles(files, report);
     if (frames.empty())
-        return nullptr;
+        return {};
     const auto goOn = [&progress](double) { return !progress.isStopped(); };
-    return openSeries(frames, readOptionsOf(options, goOn), report);
+    return {openSeries(frames, readOptionsOf(options, goOn), report),
+            files.size() == 1 ? files.front() : "--frame"};
+}
+
+std::optional<std::size_t> shownFrame(const OpenedFiles& opened, const Options& options,
+                                      ReadReport& report)
+{
+    const auto frame = std::size_t(options.frame.value_or(0));
+    const std::size_t count = opened.series->count();
+    if (frame < count)
+        return frame;
+    if (opened.shortest.empty()) {
+        report.notices.push_back("--frame has no effect: found no series");
+        return 0;
+    }
+    report.error = onOneLine(nameOf(opened.shortest)) + ": found frame " + std::to_string(frame) +
+                   ", expected 0 to " + std::to_string(count - 1);
+    return {};
 }
 
 std::optional<Configuration> readFiles(const std::vector<std::string>& files,
                                        const Options& options, ReadReport& report,
                                        Progress& progress)
 {
-    if (options.series.isOfFiles)
-        return readOneOf(files, options, report, progress);
+    if (options.frame || options.series.isOfFiles)
+        return readFrame(files, options, report, progress);
     Configuration all;
     const std::vector<FileGroup> groups = groupFiles(files);
     std::size_t most = 1;
-    FrameReader reader(std::size_t(options.frame.value_or(0)), groups.size() > 1, report);
     for (std::size_t i = 0; i < groups.size(); ++i) {
         progress.announce(readingText(groups, i, 0));
-        const ReadOptions asked = readingOptions(groups, i, options, progress);
-        std::optional<Configuration> read = options.frame ? reader.read(groups[i].path, asked)
-                                                          : readFile(groups[i].path, asked, report);
+        std::optional<Configuration> read =
+            readFile(groups[i].path, readingOptions(groups, i, options, progress), report);
         if (!read)
-            return std::nullopt;
+            return {};
         append(all, std::move(*read));
         most = std::max(most, report.frames);
     }
-    if (options.frame.value_or(0) > 0 && !reader.hasSeenSeries())
-        report.notices.push_back("--frame has no effect: found no series");
     report.frames = most;
     return all;
 }

@@ -21,12 +21,25 @@ class Progress;
 /// What the readers are to do, and ask whether to go on.
 ReadOptions readOptionsOf(const Options& options, std::function<bool(double share)> goOn);
 
+/// Files as a series.
+struct OpenedFiles
+{
+    std::unique_ptr<Series> series; ///< null if they cannot be opened
+    /// The file that has as few frames as the series; none of several that have one each.
+    std::string shortest;
+};
+
 /// The files as a series, for any thread: what each has beside what the others have (JointSeries),
 /// or, with options.series.isOfFiles, each file a frame in the natural order of their names ("f9"
 /// before "f10"), a folder standing for the files in it that a format could be of. Null, and one
 /// line in report.error, if a file cannot be opened, there is none, or it is stopped.
-std::unique_ptr<Series> openFiles(const std::vector<std::string>& files, const Options& options,
-                                  ReadReport& report, Progress& progress);
+OpenedFiles openFiles(const std::vector<std::string>& files, const Options& options,
+                      ReadReport& report, Progress& progress);
+
+/// The frame of options.frame, or the first. Nothing, and one line in report.error, if there is no
+/// such frame; files that have one each show it with a notice instead. Of files that are open.
+std::optional<std::size_t> shownFrame(const OpenedFiles& opened, const Options& options,
+                                      ReadReport& report);
 
 /// All files in one configuration, in their order; nothing after the first that cannot be read, or
 /// once it is stopped, and one line in report.error. Of a series it is the frame of options.frame,

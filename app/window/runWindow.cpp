@@ -47,7 +47,7 @@ std::string saveWindow(const QWidget& window, const std::string& file)
 void tellNotices(const ReadReport& report)
 {
     for (const std::string& notice : report.notices)
-        std::cerr << "strandview: " << notice << "\n";
+        tell(notice);
 }
 
 // Of the window when its files are loaded and some seconds have passed, and closes it. What failed

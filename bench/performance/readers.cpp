@@ -269,8 +269,7 @@ int main(int count, char** words)
             "product of quaternions after another; PDB and mmCIF by gemmi and\nthe fit of the "
             "bases, oxDNA by the search for pairs. Memory is the most that was held at a\ntime, "
             "less what the reader returns; of a series with the frame that is shown. Files of\n1 "
-            "GB "
-            "are read once, where there are 8 GB of memory and 1.5 GB of disk for them.");
+            "GB are read once, where there are 8 GB of memory and 1.5 GB of disk for them.");
     const auto isAsked = [&](const std::string& what) {
         return count < 3 || std::any_of(words + 2, words + count, [&](const char* word) {
                    return what.find(word) != std::string::npos;

@@ -61,16 +61,51 @@ TEST_F(OutputFileTest, LeavesNothingUnlessItIsFinished)
 }
 
 // So that a program that is killed leaves nothing behind.
-TEST_F(OutputFileTest, HasNoNameBeforeItIsFinishedWhereNothingWasBefore)
+TEST_F(OutputFileTest, HasNoNameBeforeItIsFinished)
 {
-    OutputFile file(folder.path("a"));
+    for (const std::size_t before : {0u, 1u}) {
+        EXPECT_EQ(countFiles(), before);
+        OutputFile file(folder.path("a"));
+        ASSERT_EQ(file.open(), "");
+        EXPECT_TRUE(file.write("half"));
+        EXPECT_EQ(countFiles(), before);
+        EXPECT_TRUE(file.write(" and half"));
+        EXPECT_EQ(file.finish(), "");
+        EXPECT_EQ(contentOf("a"), "half and half");
+        EXPECT_EQ(countFiles(), 1u);
+    }
+}
+
+TEST_F(OutputFileTest, HasThePermissionsOfWhatItReplacesOrThoseOfAnyNewFile)
+{
+    const auto permissionsOf = [this](const char* name) {
+        return std::filesystem::status(folder.path(name)).permissions();
+    };
+    const auto write = [this](const char* name) {
+        OutputFile file(folder.path(name));
+        EXPECT_EQ(file.open(), "");
+        file.write("new");
+        EXPECT_EQ(file.finish(), "");
+    };
+    folder.write("plain", "old");
+    folder.write("own", "old");
+    std::filesystem::permissions(folder.path("own"), std::filesystem::perms(0640));
+    write("own");
+    EXPECT_EQ(permissionsOf("own"), std::filesystem::perms(0640));
+    write("fresh");
+    EXPECT_EQ(permissionsOf("fresh"), permissionsOf("plain"));
+}
+
+TEST_F(OutputFileTest, ALinkStaysOneAndWhatItLeadsToIsReplaced)
+{
+    folder.write("target", "old");
+    std::filesystem::create_symlink(folder.path("target"), folder.path("link"));
+    OutputFile file(folder.path("link"));
     ASSERT_EQ(file.open(), "");
-    EXPECT_TRUE(file.write("half"));
-    EXPECT_EQ(countFiles(), 0u);
-    EXPECT_TRUE(file.write(" and half"));
+    file.write("new");
     EXPECT_EQ(file.finish(), "");
-    EXPECT_EQ(contentOf("a"), "half and half");
-    EXPECT_EQ(countFiles(), 1u);
+    EXPECT_TRUE(std::filesystem::is_symlink(folder.path("link")));
+    EXPECT_EQ(contentOf("target"), "new");
 }
 
 TEST_F(OutputFileTest, TheLastThatIsFinishedStaysOfTwoThatAreWrittenAtATime)

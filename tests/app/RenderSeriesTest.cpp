@@ -327,6 +327,18 @@ TEST_F(RenderSeriesTest, ASeriesIsBesideStillData)
                 HasSubstr("run.txt: the first 2 of 6 frames, as many as another file has"));
 }
 
+TEST_F(RenderSeriesTest, AFrameThatNoneOfSeveralStillFilesHasIsToldAndTheirOnlyOneIsDrawn)
+{
+    const std::string still = folder.write("still.txt", seriesText(1));
+    const ProgramRun result =
+        run({"--render", folder.path("one.png"), "--frame", "1", still, still});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.error, HasSubstr("strandview: --frame has no effect: found no series\n"));
+    EXPECT_TRUE(std::filesystem::exists(folder.path("one.png")));
+    EXPECT_THAT(run({"--render", folder.path("two.png"), "--frame", "1", still}).error,
+                HasSubstr("still.txt: found frame 1, expected 0 to 0"));
+}
+
 TEST_F(RenderSeriesTest, WhatCannotBeIsToldInOneLineBeforeAnythingIsWritten)
 {
     const std::string one = folder.path("one.png");

@@ -185,6 +185,7 @@ TEST_F(StageTest, CanBeStopped)
     progress.patience = 3;
     MemorySeries series = seriesOf({1, 2, 3, 4, 5, 6});
     EXPECT_FALSE(stageOf(series));
+    EXPECT_EQ(report.error, "looking at the frames was stopped");
 }
 
 TEST_F(StageTest, ANewSceneShowsAFrameAsOneThatHasShownOthers)

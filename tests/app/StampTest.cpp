@@ -51,7 +51,7 @@ Reach reachOf(const std::string& text, float size, float aspect)
 TEST(Stamp, TellsFrameAndTimeWhereItIsKnown)
 {
     EXPECT_EQ(stampText(12, 0.48), "frame 12, t = 0.48");
-    EXPECT_EQ(stampText(0, 1e-12 / 3), "frame 0, t = 3.33333e-13");
+    EXPECT_EQ(stampText(0, 1e-12 / 3), "frame 0, t = 3.33333×10⁻¹³");
     EXPECT_EQ(stampText(7, {}), "frame 7");
 }
 

@@ -64,6 +64,7 @@ TEST(Extent, IsTheBoxAroundEverythingThatIsShown)
     EXPECT_EQ(extent.sides.y, 2);
     EXPECT_EQ(extent.sides.z, 7);
     EXPECT_EQ(thinnestAxis(extent), 0);
+    EXPECT_EQ(extent.points, 5u);
 }
 
 } // namespace

@@ -109,12 +109,7 @@ SoNode* makeCallback(void (*called)(void*, SoAction*))
 class BackFacesTest : public CoinTest
 {
 protected:
-    static void SetUpTestSuite()
-    {
-        CoinTest::SetUpTestSuite();
-        if (SoGeneralScene::getClassTypeId().isBad())
-            SoGeneralScene::initClass();
-    }
+    static void SetUpTestSuite() { initScenesOnce(); }
 
     NodeRef<SoSeparator> scene{new SoSeparator};
     SoGroup* cameras = new SoGroup;
@@ -303,6 +298,18 @@ SoNode* makeTransform(const SbVec3f& scale)
     return transform;
 }
 
+SoNode* makeTransparency(SoTransparencyType::Type type)
+{
+    auto* group = new SoGroup;
+    auto* how = new SoTransparencyType;
+    how->value = type;
+    auto* material = new SoMaterial;
+    material->transparency = 0.5f;
+    group->addChild(how);
+    group->addChild(material);
+    return group;
+}
+
 const char* const PLAIN_VERTEX = "void main() { gl_Position = ftransform();"
                                  " gl_FrontColor = vec4(gl_Normal, 1.0); }";
 const char* const PLAIN_FRAGMENT = "void main() { gl_FragColor = gl_Color; }";
@@ -352,28 +359,8 @@ std::vector<State> allStates()
              style->style = SoDrawStyle::LINES;
              return style;
          }},
-        {"Transparent",
-         [] {
-             auto* group = new SoGroup;
-             auto* type = new SoTransparencyType;
-             type->value = SoTransparencyType::BLEND;
-             auto* material = new SoMaterial;
-             material->transparency = 0.5f;
-             group->addChild(type);
-             group->addChild(material);
-             return group;
-         }},
-        {"ScreenDoor",
-         [] {
-             auto* group = new SoGroup;
-             auto* type = new SoTransparencyType;
-             type->value = SoTransparencyType::SCREEN_DOOR;
-             auto* material = new SoMaterial;
-             material->transparency = 0.5f;
-             group->addChild(type);
-             group->addChild(material);
-             return group;
-         }},
+        {"Transparent", [] { return makeTransparency(SoTransparencyType::BLEND); }},
+        {"ScreenDoor", [] { return makeTransparency(SoTransparencyType::SCREEN_DOOR); }},
         {"FrontFacesCulled",
          [] {
              auto* hints = new SoShapeHints;

@@ -36,12 +36,7 @@ using Vector = algebra3d::Vector3<double>;
 class DnaDrawingTest : public DrawingComparison
 {
 protected:
-    static void SetUpTestSuite()
-    {
-        CoinTest::SetUpTestSuite();
-        if (SoGeneralScene::getClassTypeId().isBad())
-            SoGeneralScene::initClass();
-    }
+    static void SetUpTestSuite() { initScenesOnce(); }
 
     NodeRef<SoDNA> dna{new SoDNA};
 

@@ -242,12 +242,7 @@ std::vector<Setting> allSettings()
 class MeshDrawingTest : public CoinTest
 {
 protected:
-    static void SetUpTestSuite()
-    {
-        CoinTest::SetUpTestSuite();
-        if (SoGeneralScene::getClassTypeId().isBad())
-            SoGeneralScene::initClass();
-    }
+    static void SetUpTestSuite() { initScenesOnce(); }
 
     NodeRef<SoSeparator> scene{new SoSeparator};
     NodeRef<SoPerspectiveCamera> camera{new SoPerspectiveCamera};

@@ -486,12 +486,7 @@ SoShaderParameter1i* flag(SoNode* program, int stage, const char* name)
 class LitSceneTest : public testing::Test
 {
 protected:
-    static void SetUpTestSuite()
-    {
-        initCoinOnce();
-        if (SoGeneralScene::getClassTypeId().isBad())
-            SoGeneralScene::initClass();
-    }
+    static void SetUpTestSuite() { initScenesOnce(); }
 
     LitSceneTest()
     {

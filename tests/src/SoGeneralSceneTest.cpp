@@ -99,13 +99,6 @@ const double NOT_A_NUMBER = std::numeric_limits<double>::quiet_NaN();
 
 using Rgb = algebra3d::Vector3<double>;
 
-void initScenesOnce()
-{
-    initCoinOnce();
-    if (SoGeneralScene::getClassTypeId().isBad())
-        SoGeneralScene::initClass();
-}
-
 SoGroup* asGroup(SoNode* node)
 {
     if (!node || !node->isOfType(SoGroup::getClassTypeId()))

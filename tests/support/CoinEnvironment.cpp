@@ -10,6 +10,7 @@
 #include <SoBirod.h>
 #include <SoDNA.h>
 #include <SoFrame.h>
+#include <SoGeneralScene.h>
 #include <SoMarker.h>
 #include <SoMeshShape.h>
 #include <SoNucleobase.h>
@@ -36,4 +37,11 @@ void initCoinOnce()
         return true;
     }();
     static_cast<void>(done);
+}
+
+void initScenesOnce()
+{
+    initCoinOnce();
+    if (SoGeneralScene::getClassTypeId().isBad())
+        SoGeneralScene::initClass();
 }

@@ -9,6 +9,9 @@
 /// processes of its own.
 void initCoinOnce();
 
+/// The same and SoGeneralScene.
+void initScenesOnce();
+
 /// The base of the test suites that use nodes.
 class CoinTest : public testing::Test
 {
