@@ -2,12 +2,14 @@
 #include <algorithm>
 #include <csignal>
 #include <filesystem>
+#include <memory>
 #include <new>
 #include <optional>
 #include <string>
 #include <system_error>
 #include <utility>
 
+#include <strandview/analysis/superpose.h>
 #include <strandview/formats/text/wording.h>
 
 #include "command/parseOptions.h"
@@ -125,8 +127,16 @@ int showWindow(const Options& options)
             [&asked](const std::vector<std::string>& files, ReadReport& report,
                      Progress& progress) { return prepareScene(files, asked, report, progress); };
     };
+    const auto open = [&later](const std::vector<std::string>& files, ReadReport& report,
+                               Progress& progress) {
+        std::unique_ptr<Series> series = openFiles(files, later, report, progress).series;
+        if (series && later.series.align)
+            series = std::make_unique<SuperposedSeries>(std::move(series));
+        return series;
+    };
     ReadReport report;
-    const std::string failure = runWindow(options, loaderFor(later), report, loaderFor(options));
+    const std::string failure =
+        runWindow(options, loaderFor(later), report, loaderFor(options), open);
     if (!report.error.empty())
         return fail(BAD_INPUT, report.error);
     return failure.empty() ? SUCCESS : fail(CANNOT_WRITE, failure);

@@ -35,7 +35,52 @@ std::size_t largestMolecule(const Configuration& data)
     return largest;
 }
 
+// What vectors hold, beside themselves.
+template <typename... Items>
+std::size_t memoryIn(const std::vector<Items>&... vectors)
+{
+    return (0 + ... + (vectors.capacity() * sizeof(Items)));
+}
+
+std::size_t memoryIn(const Rod& rod)
+{
+    std::size_t bytes = memoryIn(rod.points, rod.rotations, rod.scalars, rod.lines, rod.indices);
+    for (const Scalar& scalar : rod.scalars)
+        bytes += memoryIn(scalar.values);
+    return bytes;
+}
+
+std::size_t memoryIn(const Birod& birod)
+{
+    return memoryIn(birod.points, birod.rotations, birod.points1, birod.rotations1, birod.points2,
+                    birod.rotations2, birod.indices);
+}
+
+std::size_t memoryIn(const Dna& dna)
+{
+    std::size_t bytes =
+        dna.bases.capacity() + memoryIn(dna.pairPoints, dna.pairRotations, dna.points1,
+                                        dna.rotations1, dna.points2, dna.rotations2);
+    if (const auto& standard = dna.standard)
+        bytes += memoryIn(standard->pairPoints, standard->pairRotations, standard->points1,
+                          standard->rotations1, standard->points2, standard->rotations2);
+    return bytes;
+}
+
 } // namespace
+
+std::size_t memoryOf(const Configuration& data)
+{
+    std::size_t bytes = sizeof data + memoryIn(data.rods, data.birods, data.dnas, data.markers,
+                                               data.frames, data.arrows, data.loneBases);
+    for (const Rod& rod : data.rods)
+        bytes += memoryIn(rod);
+    for (const Birod& birod : data.birods)
+        bytes += memoryIn(birod);
+    for (const Dna& dna : data.dnas)
+        bytes += memoryIn(dna);
+    return bytes;
+}
 
 void append(Configuration& all, Configuration&& more)
 {

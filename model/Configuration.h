@@ -2,6 +2,7 @@
 #ifndef STRANDVIEW_MODEL_CONFIGURATION_H
 #define STRANDVIEW_MODEL_CONFIGURATION_H
 
+#include <cstddef>
 #include <vector>
 
 #include <strandview/model/Arrow.h>
@@ -30,6 +31,9 @@ struct Configuration
 /// Adds what another has behind what there is, kind by kind; nothing is left in the other. Its
 /// molecules get numbers of their own.
 STRANDVIEW_MODEL_EXPORT void append(Configuration& all, Configuration&& more);
+
+/// The bytes of memory that the data take, less what short texts take of their own.
+STRANDVIEW_MODEL_EXPORT std::size_t memoryOf(const Configuration& data);
 
 } // namespace strandview
 

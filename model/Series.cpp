@@ -16,4 +16,6 @@ LoadedFrame Series::load(std::size_t frame, const GoOn& goOn)
     return {{}, {}, "found frame " + std::to_string(frame) + ", expected " + expected};
 }
 
+bool Series::lookForMore(const GoOn& /*goOn*/) { return false; }
+
 } // namespace strandview

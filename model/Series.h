@@ -37,8 +37,11 @@ public:
     Series(const Series&) = delete;
     Series& operator=(const Series&) = delete;
 
-    /// Stays the same.
+    /// Stays the same, but for lookForMore().
     virtual std::size_t count() const = 0;
+
+    /// Looks for frames behind those that are counted. Whether there may be more.
+    virtual bool lookForMore(const GoOn& goOn);
 
     /// In the unit of the data; nothing if it is not known, or there is no such frame.
     virtual std::optional<double> time(std::size_t frame) const;

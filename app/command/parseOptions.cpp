@@ -28,7 +28,7 @@ namespace {
 // What the look of a picture does not depend on.
 const std::set<std::string> NOT_OF_LOOK{"render", "frame",     "frames",      "series",
                                         "shard",  "overwrite", "list-frames", "print-camera",
-                                        "jobs",   "fps"};
+                                        "jobs",   "fps",       "cache"};
 
 bool parseSize(const std::string& text, int& width, int& height)
 {
@@ -397,7 +397,6 @@ void addSeries(CLI::App& app, Options& options)
         ->group(group);
     app.add_flag("--align", series.align,
                  "Superpose each frame on the first: the least squares of all points")
-        ->needs(render)
         ->group(group);
     addCount(app, "--jobs", series.jobs, 0, 1000,
              "Render pictures with so many processes, or 0 for one per core [1]")
@@ -410,9 +409,13 @@ void addSeries(CLI::App& app, Options& options)
                                                     ", expected a number from 0.01 to 1000");
         series.framesPerSecond = *rate;
     };
-    app.add_option_function<std::string>("--fps", parseRate, "Frames per second of a film [25]")
+    app.add_option_function<std::string>("--fps", parseRate,
+                                         "Frames per second of a film or of playing [25]")
         ->type_name("N")
-        ->needs(render)
+        ->group(group);
+    addCount(app, "--cache", series.cacheMegabytes, 1, 1'000'000,
+             "Memory for the frames that a window keeps, in MB [256]")
+        ->excludes(render)
         ->group(group);
     app.add_flag("--list-frames", series.listFrames,
                  "Print what would be rendered: number, time and name of each frame")

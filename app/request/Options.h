@@ -36,7 +36,8 @@ struct SeriesRequest
     bool stamp = false;          ///< frame and time are written into the picture
     bool ownRange = false;       ///< each frame has a colour range of its own
     int jobs = 1;                ///< processes that draw; 0 for one per core
-    double framesPerSecond = 25; ///< of a film
+    double framesPerSecond = 25; ///< of a film, or of playing
+    int cacheMegabytes = 256;    ///< of frames that a window keeps
 };
 
 /// What the command line asks for. What is not given is chosen from the data.

@@ -99,13 +99,19 @@ void DataScene::keepFirst(std::size_t kind, std::size_t count)
 const SbBox3f& DataScene::getBox() const
 {
     if (!box) {
-        box.emplace();
+        box.emplace(room);
         for (const Kind& kind : kinds) {
             for (const ShownDatum& datum : kind.data)
                 box->extendBy(datum.box);
         }
     }
     return *box;
+}
+
+void DataScene::setRoom(const SbBox3f& roomOfFrames)
+{
+    room = roomOfFrames;
+    box.reset();
 }
 
 void DataScene::getBoundingBox(SoGetBoundingBoxAction* action)
@@ -142,6 +148,13 @@ void DataScene::updateLegend(const Colouring& next)
     colouring->isBelow = next.isBelow;
     colouring->isAbove = next.isAbove;
     colouring->isMissing = next.isMissing;
+    legend->replaceChild(0, makeLegend(*colouring, style.background, style.legendTextSize));
+}
+
+void DataScene::setColouring(const Colouring& next)
+{
+    colouring = next;
+    colouring->places.clear();
     legend->replaceChild(0, makeLegend(*colouring, style.background, style.legendTextSize));
 }
 

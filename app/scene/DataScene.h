@@ -43,8 +43,10 @@ public:
     /// Drops the data of a kind from `count` on.
     void keepFirst(std::size_t kind, std::size_t count);
 
-    /// The box that all data lie in.
+    /// The box that all data lie in, and the room that is kept for other frames.
     const SbBox3f& getBox() const;
+    /// Keeps room for what other frames show, so that the camera suits all of them.
+    void setRoom(const SbBox3f& roomOfFrames);
 
     /// The side that it is seen from unless another is asked for.
     void setSide(Side side) { standardSide = side; }
@@ -57,7 +59,9 @@ public:
     void addLegend(const Colouring& colouring);
     /// Makes the legend tell whether the values of another frame lie beyond its ends or are none.
     void updateLegend(const Colouring& next);
-    /// That of the first frame, without the places of its points; nothing without a legend.
+    /// Gives the legend other ends, for the frames to come. Only where there is a legend.
+    void setColouring(const Colouring& next);
+    /// That of the legend, without the places of its points; nothing without one.
     const std::optional<Colouring>& getColouring() const { return colouring; }
     bool hasColours() const;
     /// Whether data give the colours, and the legend is there. There are no highlights then,
@@ -110,6 +114,7 @@ private:
     std::vector<Kind> kinds;
     std::unordered_map<const SoNode*, Place> places; ///< of the groups of data
     mutable std::optional<SbBox3f> box;              ///< nothing where it is to be found anew
+    SbBox3f room;                                    ///< for other frames
     Side standardSide = Side::Z;
     std::optional<Colouring> colouring;
     SoSwitch* legend = nullptr;

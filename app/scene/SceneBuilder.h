@@ -31,8 +31,7 @@ SceneGeometry computeGeometry(const Configuration& configuration, const Style& s
 SceneGeometry computeGeometry(const Configuration& next, const Style& style,
                               const Placement& placement, Progress& progress, std::string& error);
 
-/// Around all that buildScene() would show of a frame. No node is made, but it is for Coin's
-/// thread.
+/// Around all that buildScene() would show of a frame: in any thread, since no node is made.
 SbBox3f findReach(const Configuration& configuration, const Style& style, SceneGeometry& geometry);
 
 /// Turns data, style and the data's geometry into nodes: the one place that does. Everything is

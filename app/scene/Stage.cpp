@@ -9,6 +9,8 @@
 #include <strandview/formats/text/wording.h>
 #include <strandview/model/Extent.h>
 
+#include <toCoin.h>
+
 #include "scene/DataScene.h"
 #include "scene/Progress.h"
 #include "scene/SceneBuilder.h"
@@ -49,23 +51,56 @@ private:
     algebra3d::Vector3<double> highest{-INFINITE, -INFINITE, -INFINITE};
 };
 
-// Makes the stage of a series.
-class StageMaker
+} // namespace
+
+// What is known of the frames that were looked at.
+class StageMaker::Work
 {
 public:
-    StageMaker(Series& seriesToShow, const Options& askedOptions, ReadReport& readReport,
-               Progress& toldProgress)
+    Work(Series& seriesToShow, const Options& askedOptions, ReadReport& readReport,
+         Progress& toldProgress)
         : series(seriesToShow), options(askedOptions), report(readReport), progress(toldProgress)
     {}
 
-    std::optional<Stage> make()
+    bool begin()
     {
         const std::optional<std::size_t> frame = findFirst();
         if (!frame || !chooseStyle())
-            return {};
+            return false;
         include(first);
-        if (series.count() > 1 && !lookAtOthers(*frame))
+        count = series.count();
+        sample = sampleOf(count, measure(first).points);
+        sample.erase(std::remove(sample.begin(), sample.end(), *frame), sample.end());
+        return true;
+    }
+
+    bool lookAtNext()
+    {
+        if (looked == sample.size())
+            return false;
+        const std::size_t frame = sample[looked++];
+        progress.show("Looking at frame " + std::to_string(frame) + " of " + std::to_string(count));
+        const LoadedFrame loaded = series.load(frame, goOn());
+        if (progress.isStopped()) {
+            report.error = "looking at the frames was stopped";
+            return false;
+        }
+        if (!loaded.configuration)
+            return true;
+        include(*loaded.configuration);
+        if (options.colourBy)
+            values.include(summarise(loaded.configuration->rods, *options.colourBy));
+        return true;
+    }
+
+    std::optional<Stage> finish()
+    {
+        if (!report.error.empty())
             return {};
+        if (sample.size() + 1 < count)
+            report.notices.push_back("camera and colours have room for " +
+                                     std::to_string(sample.size() + 1) + " of " +
+                                     std::to_string(count) + " frames, from the first to the last");
         if (stage.room.isEmpty()) {
             report.error = fault;
             return {};
@@ -73,7 +108,7 @@ public:
         if (!chooseColouring())
             return {};
         stage.side = room.getSide();
-        if (series.count() == 1)
+        if (count == 1)
             stage.room.makeEmpty();
         return std::move(stage);
     }
@@ -110,32 +145,6 @@ private:
         return true;
     }
 
-    bool lookAtOthers(std::size_t firstFrame)
-    {
-        const std::vector<std::size_t> sample = sampleOf(series.count(), measure(first).points);
-        for (std::size_t i = 0; i < sample.size(); ++i) {
-            progress.show("Looking at frame " + std::to_string(sample[i]) + " of " +
-                          std::to_string(series.count()));
-            if (sample[i] == firstFrame)
-                continue;
-            const LoadedFrame loaded = series.load(sample[i], goOn());
-            if (progress.isStopped()) {
-                report.error = "looking at the frames was stopped";
-                return false;
-            }
-            if (!loaded.configuration)
-                continue;
-            include(*loaded.configuration);
-            if (options.colourBy)
-                values.include(summarise(loaded.configuration->rods, *options.colourBy));
-        }
-        if (sample.size() < series.count())
-            report.notices.push_back(
-                "camera and colours have room for " + std::to_string(sample.size()) + " of " +
-                std::to_string(series.count()) + " frames, from the first to the last");
-        return true;
-    }
-
     // What cannot be drawn needs no room.
     void include(const Configuration& frame)
     {
@@ -168,10 +177,34 @@ private:
     Room room;
     ValueSummary values; ///< of all frames but the first
     std::string fault;   ///< of the first frame that cannot be drawn
+    std::size_t count = 0;
+    std::vector<std::size_t> sample; ///< the other frames to look at
+    std::size_t looked = 0;          ///< of those
     Stage stage;
 };
 
-} // namespace
+StageMaker::StageMaker(Series& series, const Options& options, ReadReport& report,
+                       Progress& progress)
+    : work(std::make_unique<Work>(series, options, report, progress))
+{}
+
+StageMaker::~StageMaker() = default;
+
+bool StageMaker::begin() { return work->begin(); }
+
+bool StageMaker::lookAtNext() { return work->lookAtNext(); }
+
+std::optional<Stage> StageMaker::finish() { return work->finish(); }
+
+SbBox3f Stage::roomIn(const Placement& other) const
+{
+    const auto place = [&](const SbVec3f& corner) {
+        const algebra3d::Vector3<double> there{double(corner[0]), double(corner[1]),
+                                               double(corner[2])};
+        return toSbVec3f(other.toScene(placement.toData(there)));
+    };
+    return room.isEmpty() ? room : SbBox3f(place(room.getMin()), place(room.getMax()));
+}
 
 std::vector<std::size_t> sampleOf(std::size_t frames, std::size_t pointsPerFrame)
 {
@@ -187,7 +220,12 @@ std::vector<std::size_t> sampleOf(std::size_t frames, std::size_t pointsPerFrame
 std::optional<Stage> makeStage(Series& series, const Options& options, ReadReport& report,
                                Progress& progress)
 {
-    return StageMaker(series, options, report, progress).make();
+    StageMaker maker(series, options, report, progress);
+    if (!maker.begin())
+        return {};
+    while (maker.lookAtNext())
+        continue;
+    return maker.finish();
 }
 
 std::string showOnStage(DataScene*& scene, const Stage& stage, const Configuration& frame,

@@ -3,6 +3,7 @@
 #define STRANDVIEW_APP_SCENE_STAGE_H
 
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -33,14 +34,38 @@ struct Stage
     SbBox3f room; ///< in the scene, around all frames; empty for data that do not move
     std::optional<Colouring> colouring; ///< its limits are those of all frames
     std::string first;                  ///< digestOf() of the first frame
+
+    /// The room in a scene with another placement.
+    SbBox3f roomIn(const Placement& other) const;
 };
 
-/// Looks at all frames of a series, or, of a long one, at a sample with the first and the last: a
-/// notice tells. Those that cannot be loaded or drawn count for nothing, as long as there is one
-/// that can: the first of them gives the style. Nothing, and one line in report.error, if there is
-/// none, or if what the options ask for does not suit that one.
+/// Makes a stage, a frame at a time: it looks at all frames of a series, or, of a long one, at a
+/// sample with the first and the last, of which a notice tells. Frames that cannot be loaded or
+/// drawn count for nothing, as long as there is one that can: the first of them gives the style.
 ///
-/// In the thread that Coin is used in.
+/// In any thread. What is referred to outlives the maker.
+class StageMaker
+{
+public:
+    StageMaker(Series& series, const Options& options, ReadReport& report, Progress& progress);
+    ~StageMaker();
+
+    /// First of all. False, and one line in report.error, if no frame can be loaded, or if what the
+    /// options ask for does not suit the first that can.
+    bool begin();
+    /// One frame more of those that the series had at the beginning; false if none is left, or,
+    /// with one line in report.error, if it is stopped.
+    bool lookAtNext();
+    /// At the end. Nothing, and one line in report.error, if no frame can be drawn or it was
+    /// stopped.
+    std::optional<Stage> finish();
+
+private:
+    class Work;
+    std::unique_ptr<Work> work;
+};
+
+/// All of it at once; nothing, and one line in report.error, if it fails or is stopped.
 std::optional<Stage> makeStage(Series& series, const Options& options, ReadReport& report,
                                Progress& progress);
 

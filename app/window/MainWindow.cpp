@@ -38,6 +38,8 @@
 #include "window/FrameWaiter.h"
 #include "window/LoadBar.h"
 #include "window/Menus.h"
+#include "window/PlayBar.h"
+#include "window/Player.h"
 #include "window/ScreenFitter.h"
 #include "window/StatusText.h"
 #include "window/WindowViewer.h"
@@ -80,8 +82,11 @@ QStringList localFiles(const QMimeData& data)
 
 } // namespace
 
-MainWindow::MainWindow(const Options& startOptions, Loader sceneLoader)
-    : SoQtGeneralViewerDialog(nullptr), options(startOptions), loader(std::move(sceneLoader))
+MainWindow::MainWindow(const Options& startOptions, Loader sceneLoader, SeriesOpener opener)
+    : SoQtGeneralViewerDialog(nullptr),
+      options(startOptions),
+      loader(std::move(sceneLoader)),
+      seriesOpener(std::move(opener))
 {
     setWindowFlags(Qt::Window);
     setWindowTitle(titleFor({}));
@@ -93,6 +98,7 @@ MainWindow::MainWindow(const Options& startOptions, Loader sceneLoader)
     layout->addWidget(buildView(), 1);
     restoreWindow(); // before SoQt, which shows the whole window with the view
     viewer->show();
+    buildPlayBar();
     buildStatusBar();
     setupUi();
     acceptDecimalComma(*findChild<QLineEdit*>("zoomLineEdit"));
@@ -114,6 +120,7 @@ void MainWindow::buildMenus()
     menus = std::make_unique<Menus>(*bar, *tools,
                                     [this](const Deed& deed, bool on) { perform(deed, on); });
     (*menus)[Command::STOP_LOADING]->setEnabled(false);
+    menus->followSeries(false);
     for (const Command shownAtFirst : {Command::SHOW_COLOURS, Command::SHOW_AXES})
         (*menus)[shownAtFirst]->setChecked(true);
     QMenu* recent = (*menus)[Command::OPEN_RECENT]->menu();
@@ -138,8 +145,19 @@ QWidget* MainWindow::buildView()
         viewer->setBackgroundColor(background);
     viewer->setSceneGraph(new SoSeparator); // without one the view stays black
     viewer->addResizeCB(refit, this);
-    ownedViewer->onHome = [this] { place(ownedViewer->home); };
+    ownedViewer->onHome = [this] { goHome(); };
     return area;
+}
+
+void MainWindow::buildPlayBar()
+{
+    std::vector<QAction*> buttons;
+    for (const Command command : {Command::FIRST_FRAME, Command::FRAME_BACK, Command::PLAY,
+                                  Command::FRAME_FORWARD, Command::LAST_FRAME})
+        buttons.push_back((*menus)[command]);
+    playBar = new PlayBar(buttons, options.series.framesPerSecond, this);
+    connect(playBar, &PlayBar::edited, this, [this] { viewer->getGLWidget()->setFocus(); });
+    layout()->addWidget(playBar);
 }
 
 void MainWindow::buildStatusBar()
@@ -164,6 +182,7 @@ void MainWindow::showScene(DataScene* newScene, const std::vector<std::string>& 
     if (choice == SAME_CAMERA && scene)
         same.numbers = getCameraNumbers();
     const bool wasFitted = isFitted();
+    endPlaying();
     scene = newScene;
     shownFiles = files;
     scene->onPick = [this](const Told& told) {
@@ -173,7 +192,7 @@ void MainWindow::showScene(DataScene* newScene, const std::vector<std::string>& 
     scene->showColours((*menus)[Command::SHOW_COLOURS]->isChecked());
     viewer->setSceneGraph(static_cast<SoGeneralScene*>(scene));
     ownedViewer->home = scene->settle(options.camera);
-    place(ownedViewer->home);
+    goHome();
     // The numbers were for the first scene.
     options.camera.numbers.reset();
     if (same.numbers) {
@@ -226,9 +245,13 @@ void MainWindow::follow(std::unique_ptr<LoadJob> newJob,
                 ended->deleteLater(); // not before it returns
                 showLoading();
                 if (loaded) {
+                    const std::size_t frame = choice == SAME_CAMERA && player
+                                                  ? player->getFrame()
+                                                  : std::size_t(options.frame.value_or(0));
                     showDrawing();
                     showScene(loaded, ended->getFiles(), choice);
                     rememberFiles(namesOf(ended->getFiles()));
+                    beginToPlay(report, frame);
                 }
                 tell(report);
                 emit loadingEnded();
@@ -245,6 +268,81 @@ void MainWindow::tellOpened(const std::vector<std::string>& files, const ReadRep
     for (const std::string& notice : report.notices)
         notices.push_back(toldOf(notice, files));
     statusText->tell(notices);
+}
+
+// Series
+
+void MainWindow::beginToPlay(const ReadReport& report, std::size_t frame)
+{
+    const std::size_t loaded = std::size_t(std::exchange(options.frame, std::nullopt).value_or(0));
+    loadNotices.clear();
+    for (const std::string& notice : report.notices)
+        loadNotices.push_back(toldOf(notice, shownFiles));
+    const bool canBeReadAgain =
+        std::all_of(shownFiles.begin(), shownFiles.end(), [](const std::string& file) {
+            const QFileInfo info(QString::fromStdString(file));
+            return info.isFile() || info.isDir();
+        });
+    if (report.frames < 2 || !seriesOpener || !canBeReadAgain)
+        return;
+    const auto open = [opener = seriesOpener, files = shownFiles](ReadReport& opened,
+                                                                  Progress& progress) {
+        return opener(files, opened, progress);
+    };
+    player =
+        std::make_unique<Player>(*scene, loaded, open,
+                                 FrameStore::Plan{scene->getStyle(), scene->getPlacement(), options,
+                                                  std::size_t(options.series.cacheMegabytes) << 20},
+                                 *playBar);
+    connect(player.get(), &Player::playingChanged, (*menus)[Command::PLAY], &QAction::setChecked);
+    connect(player.get(), &Player::told, this,
+            [this](const std::vector<Told>& news) { statusText->tell(news); });
+    connect(player.get(), &Player::opened, this,
+            [this](const std::vector<std::string>& notices) { tellSeries(notices); });
+    connect(player.get(), &Player::staged, this, &MainWindow::settle);
+    if (frame != loaded)
+        player->goTo(frame);
+    menus->followSeries(true);
+    playBar->show();
+}
+
+// Beside what loading the first frame told.
+void MainWindow::tellSeries(const std::vector<std::string>& notices)
+{
+    std::vector<Told> all = loadNotices;
+    for (const std::string& notice : notices) {
+        const Told told = toldOf(notice, shownFiles);
+        const bool isNew = std::none_of(all.begin(), all.end(), [&told](const Told& other) {
+            return toLine(other) == toLine(told);
+        });
+        if (isNew)
+            all.push_back(told);
+    }
+    if (all.size() > loadNotices.size())
+        statusText->tell(all);
+}
+
+void MainWindow::endPlaying()
+{
+    player.reset();
+    playBar->hide();
+    menus->followSeries(false);
+    (*menus)[Command::PLAY]->setChecked(false);
+}
+
+void MainWindow::settle(const Stage& stage)
+{
+    const bool wasFitted = isFitted(), wasAtHome = homeNumbers == getCameraNumbers();
+    scene->setRoom(stage.roomIn(scene->getPlacement()));
+    scene->setSide(stage.side);
+    if (stage.colouring && scene->getColouring() && !options.series.ownRange)
+        scene->setColouring(*stage.colouring);
+    if (!ownedViewer->home.numbers)
+        ownedViewer->home = scene->settle(options.camera);
+    if (wasAtHome)
+        goHome();
+    else if (wasFitted)
+        fit();
 }
 
 void MainWindow::stopLoading()
@@ -303,6 +401,12 @@ void MainWindow::place(const CameraRequest& request)
     if (!request.numbers)
         fitted = getCameraNumbers();
     update3DZoom();
+}
+
+void MainWindow::goHome()
+{
+    place(ownedViewer->home);
+    homeNumbers = getCameraNumbers();
 }
 
 void MainWindow::fit()
@@ -566,7 +670,7 @@ void MainWindow::command(Command asked, bool isOn)
         {Command::CLOSE, [](MainWindow& w, bool) { w.close(); }},
         {Command::QUIT, [](MainWindow& w, bool) { w.close(); }},
         {Command::VIEW_ALL, [](MainWindow& w, bool) { w.viewAll(); }},
-        {Command::GO_HOME, [](MainWindow& w, bool) { w.place(w.ownedViewer->home); }},
+        {Command::GO_HOME, [](MainWindow& w, bool) { w.goHome(); }},
         {Command::SET_PERSPECTIVE, [](MainWindow& w, bool on) { w.setPerspective(on); }},
         {Command::SET_FULL_SCREEN, [](MainWindow& w, bool on) { w.setFullScreen(on); }},
         {Command::CYCLE_SHADING, [](MainWindow& w, bool) { w.viewer->cycleShading(); }},
@@ -580,6 +684,15 @@ void MainWindow::command(Command asked, bool isOn)
         {Command::TOGGLE_FRAMES, [](MainWindow& w, bool) { w.viewer->toggleFramesPerSecond(); }},
         {Command::TOGGLE_WHEELS, [](MainWindow& w, bool on) { w.viewer->setDecoration(on); }},
         {Command::TOGGLE_PICKING, [](MainWindow& w, bool on) { w.viewer->setViewing(!on); }},
+        {Command::PLAY, [](MainWindow& w, bool on) { w.player->setPlaying(on); }},
+        {Command::FIRST_FRAME, [](MainWindow& w, bool) { w.player->goToFirst(); }},
+        {Command::FRAME_BACK, [](MainWindow& w, bool) { w.player->step(-1); }},
+        {Command::FRAME_FORWARD, [](MainWindow& w, bool) { w.player->step(1); }},
+        {Command::LAST_FRAME, [](MainWindow& w, bool) { w.player->goToLast(); }},
+        {Command::TEN_FRAMES_BACK, [](MainWindow& w, bool) { w.player->step(-10); }},
+        {Command::TEN_FRAMES_FORWARD, [](MainWindow& w, bool) { w.player->step(10); }},
+        {Command::START_RANGE, [](MainWindow& w, bool) { w.player->toggleRangeStart(); }},
+        {Command::END_RANGE, [](MainWindow& w, bool) { w.player->toggleRangeEnd(); }},
         {Command::SHOW_KEYS, [](MainWindow& w, bool) { w.showKeys(); }},
         {Command::SHOW_ABOUT, [](MainWindow& w, bool) { w.showAbout(); }}};
     deeds.at(asked)(*this, isOn);

@@ -12,8 +12,11 @@
 #include <SoQtGeneralViewerDialog.h>
 
 #include <strandview/formats/ReadReport.h>
+#include <strandview/model/Series.h>
 
 #include "request/Options.h"
+#include "scene/Stage.h"
+#include "scene/Told.h"
 #include "window/LoadJob.h"
 #include "window/actions.h"
 
@@ -24,6 +27,8 @@ namespace strandview {
 class DataScene;
 class LoadBar;
 class Menus;
+class PlayBar;
+class Player;
 class StatusText;
 class WindowViewer;
 
@@ -35,8 +40,12 @@ class MainWindow : public SoQtGeneralViewerDialog
 
 public:
     using Loader = LoadJob::Loader;
+    /// Opens files as a series, in another thread; see FrameStore::Opener.
+    using SeriesOpener = std::function<std::unique_ptr<Series>(
+        const std::vector<std::string>& files, ReadReport& report, Progress& progress)>;
 
-    MainWindow(const Options& options, Loader loader);
+    /// Without an opener the first frame of a series is shown alone.
+    MainWindow(const Options& options, Loader loader, SeriesOpener opener = {});
     ~MainWindow() override;
 
     enum CameraChoice { NEW_CAMERA, SAME_CAMERA };
@@ -55,6 +64,9 @@ public:
     void follow(std::unique_ptr<LoadJob> newJob, std::function<void(const ReadReport&)> tell,
                 CameraChoice choice = NEW_CAMERA);
     bool isLoading() const;
+
+    /// Plays the series that is shown; null for what has one frame.
+    Player* getPlayer() const { return player.get(); }
 
 signals:
     /// Nothing is being loaded any more: it is shown, has failed or was stopped.
@@ -117,7 +129,16 @@ private:
     void showDrawing();
     void tellOpened(const std::vector<std::string>& files, const ReadReport& report);
 
+    void buildPlayBar();
+    /// If the files that are shown have several frames, and can be read again.
+    void beginToPlay(const ReadReport& report, std::size_t frame);
+    void endPlaying();
+    void tellSeries(const std::vector<std::string>& notices);
+    /// Makes camera and colours suit all frames.
+    void settle(const Stage& stage);
+
     void place(const CameraRequest& request);
+    void goHome();
     void fit();
     /// Whether the view is as it was fitted.
     bool isFitted() const;
@@ -128,17 +149,21 @@ private:
 
     Options options;
     Loader loader;
+    SeriesOpener seriesOpener;
     std::unique_ptr<WindowViewer> ownedViewer;
     std::unique_ptr<QObject> screenFitter;
     DataScene* scene = nullptr; // kept by the viewer
     std::vector<std::string> shownFiles;
-    std::optional<CameraNumbers> fitted;
+    std::optional<CameraNumbers> fitted, homeNumbers;
     std::unique_ptr<LoadJob> job; // at work, else null
+    std::unique_ptr<Player> player;
 
     std::unique_ptr<Menus> menus;
     StatusText* statusText = nullptr;
     QLabel* modeLabel = nullptr; // turning or picking
     LoadBar* loadBar = nullptr;
+    PlayBar* playBar = nullptr;
+    std::vector<Told> loadNotices;   ///< of the files that are shown
     QString screenshotFolder = "./"; // as the dialog comes
 };
 

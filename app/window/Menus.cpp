@@ -16,11 +16,17 @@ namespace {
 
 QIcon iconOf(const Action& action, const QMenu& menu)
 {
-    if (action.deed == Deed(Command::OPEN))
-        return menu.style()->standardIcon(QStyle::SP_DialogOpenButton);
-    if (action.deed == Deed(Command::SAVE_PICTURE))
-        return menu.style()->standardIcon(QStyle::SP_DialogSaveButton);
-    return {};
+    static const std::map<Command, QStyle::StandardPixmap> icons{
+        {Command::OPEN, QStyle::SP_DialogOpenButton},
+        {Command::SAVE_PICTURE, QStyle::SP_DialogSaveButton},
+        {Command::PLAY, QStyle::SP_MediaPlay},
+        {Command::FIRST_FRAME, QStyle::SP_MediaSkipBackward},
+        {Command::FRAME_BACK, QStyle::SP_MediaSeekBackward},
+        {Command::FRAME_FORWARD, QStyle::SP_MediaSeekForward},
+        {Command::LAST_FRAME, QStyle::SP_MediaSkipForward}};
+    const auto* command = std::get_if<Command>(&action.deed);
+    const auto icon = command ? icons.find(*command) : icons.end();
+    return icon == icons.end() ? QIcon() : menu.style()->standardIcon(icon->second);
 }
 
 } // namespace
@@ -75,6 +81,8 @@ QAction* Menus::makeAction(const Action& action, QMenu& menu)
         made->setIconText(action.shortText);
     if (action.traits & NEEDS_SCENE)
         sceneActions.push_back(made);
+    if (action.traits & NEEDS_SERIES)
+        seriesActions.push_back(made);
     if (const auto* command = std::get_if<Command>(&action.deed))
         commands[*command] = made;
     if (!(action.traits & WITH_SUBMENU))
@@ -87,6 +95,12 @@ void Menus::followScene(bool hasScene)
 {
     for (QAction* action : sceneActions)
         action->setEnabled(hasScene);
+}
+
+void Menus::followSeries(bool hasFrames)
+{
+    for (QAction* action : seriesActions)
+        action->setEnabled(hasFrames);
 }
 
 } // namespace strandview

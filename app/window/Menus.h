@@ -28,6 +28,8 @@ public:
     QAction* operator[](Command command) const { return commands.at(command); }
     /// Enables what needs a scene, or disables it.
     void followScene(bool hasScene);
+    /// The same of what needs several frames.
+    void followSeries(bool hasFrames);
 
 private:
     void addGroup(const ActionGroup& group, QMenuBar& bar, QToolBar& tools);
@@ -35,7 +37,7 @@ private:
 
     Perform perform;
     std::map<Command, QAction*> commands;
-    std::vector<QAction*> sceneActions;
+    std::vector<QAction*> sceneActions, seriesActions;
 };
 
 } // namespace strandview

@@ -129,6 +129,25 @@ ActionGroup look()
               CHECKABLE | KEY_OF_VIEWER}}};
 }
 
+ActionGroup play()
+{
+    using C = Command;
+    return {
+        "&Play",
+        {{"&Play", "K", "plays the frames of a series, or stops there", C::PLAY,
+          NEEDS_SERIES | CHECKABLE},
+         {"Frame &back", ",", "a frame back, forward", C::FRAME_BACK, NEEDS_SERIES | AFTER_A_LINE},
+         {"Frame f&orward", ".", nullptr, C::FRAME_FORWARD, NEEDS_SERIES},
+         {"&Ten frames back", "<", "ten frames back, forward", C::TEN_FRAMES_BACK, NEEDS_SERIES},
+         {"Ten frames for&ward", ">", nullptr, C::TEN_FRAMES_FORWARD, NEEDS_SERIES},
+         {"&First frame", "Ctrl+Home", "the first frame of the range, the last", C::FIRST_FRAME,
+          NEEDS_SERIES},
+         {"&Last frame", "Ctrl+End", nullptr, C::LAST_FRAME, NEEDS_SERIES},
+         {"Range &starts here", "[", "lets the range start, end with this frame; again: with all",
+          C::START_RANGE, NEEDS_SERIES | AFTER_A_LINE},
+         {"Range &ends here", "]", nullptr, C::END_RANGE, NEEDS_SERIES}}};
+}
+
 ActionGroup help()
 {
     return {
@@ -205,7 +224,7 @@ KeyGroup helpOf(const ActionGroup& group)
 
 const std::vector<ActionGroup>& actions()
 {
-    static const std::vector<ActionGroup> groups{mouse(), file(), view(), look(), help()};
+    static const std::vector<ActionGroup> groups{mouse(), file(), view(), look(), play(), help()};
     return groups;
 }
 

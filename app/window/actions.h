@@ -39,6 +39,15 @@ enum class Command {
     TOGGLE_FRAMES,
     TOGGLE_WHEELS,
     TOGGLE_PICKING,
+    PLAY,
+    FIRST_FRAME,
+    FRAME_BACK,
+    FRAME_FORWARD,
+    LAST_FRAME,
+    TEN_FRAMES_BACK,
+    TEN_FRAMES_FORWARD,
+    START_RANGE,
+    END_RANGE,
     SHOW_KEYS,
     SHOW_ABOUT
 };
@@ -51,10 +60,11 @@ enum ActionTrait : unsigned {
     NEEDS_SCENE = 1,
     CHECKABLE = 2,
     IN_TOOL_BAR = 4,
-    AFTER_A_LINE = 8,     ///< a line in the menu is above it
-    KEY_OF_VIEWER = 16,   ///< the viewer takes the key itself, the menu only names it
-    WITH_SUBMENU = 32,    ///< filled when it is shown
-    BEFORE_TOOL_LINE = 64 ///< a line in the tool bar follows
+    AFTER_A_LINE = 8,      ///< a line in the menu is above it
+    KEY_OF_VIEWER = 16,    ///< the viewer takes the key itself, the menu only names it
+    WITH_SUBMENU = 32,     ///< filled when it is shown
+    BEFORE_TOOL_LINE = 64, ///< a line in the tool bar follows
+    NEEDS_SERIES = 128     ///< of several frames
 };
 
 /// One thing that the user can do. Without a text it is no entry of a menu: what is done with

@@ -77,7 +77,7 @@ void takePictureOnce(MainWindow& window, const Options& options, std::string& fa
 } // namespace
 
 std::string runWindow(const Options& options, const LoadJob::Loader& loader, ReadReport& report,
-                      const LoadJob::Loader& first)
+                      const LoadJob::Loader& first, const MainWindow::SeriesOpener& opener)
 {
     std::unique_ptr<LoadJob> begun;
     if (!options.files.empty()) {
@@ -88,7 +88,7 @@ std::string runWindow(const Options& options, const LoadJob::Loader& loader, Rea
             return "";
     }
 
-    MainWindow window(options, loader);
+    MainWindow window(options, loader, opener);
     if (begun) {
         window.follow(std::move(begun), [&](const ReadReport& loadReport) {
             report = loadReport;

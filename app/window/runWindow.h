@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "window/LoadJob.h"
+#include "window/MainWindow.h"
 
 namespace strandview {
 
@@ -18,9 +18,10 @@ void initialiseWindows(const char* programName);
 /// by a loader of their own if there is a first one. What is there soon is
 /// shown at once, and what is refused soon never opens a window; a later refusal closes it: both
 /// give report.error. Notices go to standard error. Returns one line that says what failed of the
-/// window itself, or nothing.
+/// window itself, or nothing. Series are played if there is an opener for them.
 std::string runWindow(const Options& options, const LoadJob::Loader& loader, ReadReport& report,
-                      const LoadJob::Loader& first = nullptr);
+                      const LoadJob::Loader& first = nullptr,
+                      const MainWindow::SeriesOpener& opener = nullptr);
 
 } // namespace strandview
 

@@ -42,12 +42,14 @@ const std::map<std::string, Rooms> MAY_INCLUDE{
     {"app/rendering",
      {"algebra3d", "model", "analysis", "formats", "src", "app/request", "app/scene", "app/camera",
       "app/output", "app/pictures"}},
+    {"app/playing", {"algebra3d", "model", "analysis", "formats", "app/request", "app/scene"}},
     {"app/window",
      {"algebra3d", "model", "analysis", "formats", "src", "app/request", "app/scene", "app/camera",
-      "app/output", "app/pictures"}},
+      "app/output", "app/pictures", "app/playing"}},
     {"app",
      {"algebra3d", "model", "analysis", "formats", "src", "app/request", "app/command", "app/scene",
-      "app/camera", "app/info", "app/output", "app/pictures", "app/rendering", "app/window"}},
+      "app/camera", "app/info", "app/output", "app/pictures", "app/rendering", "app/playing",
+      "app/window"}},
 };
 
 // Data and no code: the atoms of bases, which the library draws and analysis fits, are said once,

@@ -51,6 +51,22 @@ TEST(Configuration, AppendsEachKindBehindItsOwn)
     expectOrigins(all.loneBases, "base");
 }
 
+TEST(Configuration, TellsTheMemoryOfItsData)
+{
+    Configuration all = oneOfEach("first");
+    const std::size_t before = memoryOf(all);
+    all.rods[0].points.resize(1000);
+    all.rods[0].scalars.resize(1);
+    all.rods[0].scalars[0].values.resize(1000);
+    all.birods[0].rotations2.resize(1000);
+    all.dnas[0].bases.resize(1000);
+    all.dnas[0].standard.emplace().points1.resize(1000);
+    const std::size_t data = 1000 * (2 * sizeof(algebra3d::Vector3<double>) +
+                                     sizeof(algebra3d::Quaternion<double>) + sizeof(double) + 1);
+    EXPECT_GE(memoryOf(all), before + data - 100); // a short text takes no memory of its own
+    EXPECT_LE(memoryOf(all), before + data + 1000);
+}
+
 TEST(Configuration, KeepsMoleculesApartThatItAppends)
 {
     Configuration all = oneOfEach("first"), more = oneOfEach("second");

@@ -28,9 +28,7 @@ const Colour GLYPH_COLOUR{0.80f, 0.20f, 0.15f};
 
 } // namespace
 
-DatumBuilder::DatumBuilder(const FrameToShow& frameToShow)
-    : frame(frameToShow), bounds(SbViewportRegion(1, 1))
-{}
+DatumBuilder::DatumBuilder(const FrameToShow& frameToShow) : frame(frameToShow) {}
 
 std::string DatumBuilder::check(std::size_t /*index*/) const { return ""; }
 
@@ -53,8 +51,10 @@ void DatumBuilder::update(std::size_t index, ShownDatum& shown)
 
 SbBox3f DatumBuilder::findBox(std::size_t /*index*/, const ShownDatum& shown)
 {
-    bounds.apply(shown.group);
-    return bounds.getBoundingBox();
+    if (!bounds)
+        bounds.emplace(SbViewportRegion(1, 1));
+    bounds->apply(shown.group);
+    return bounds->getBoundingBox();
 }
 
 SbBox3f boxAround(const Vector3<double>& point, double reach)

@@ -74,7 +74,7 @@ protected:
     const FrameToShow frame;
 
 private:
-    SoGetBoundingBoxAction bounds; // one for all data
+    std::optional<SoGetBoundingBoxAction> bounds; // one for all data, made with the first node
 };
 
 /// A builder of the data in one member of a configuration, which are told by their origin.

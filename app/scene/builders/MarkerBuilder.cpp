@@ -28,13 +28,11 @@ SoShapeHints* makeHints()
 
 } // namespace
 
-MarkerBuilder::MarkerBuilder(const FrameToShow& frameToShow)
-    : BuilderOf(frameToShow), scale(new SoScale)
+MarkerBuilder::~MarkerBuilder()
 {
-    scale->ref();
+    if (scale)
+        scale->unref();
 }
-
-MarkerBuilder::~MarkerBuilder() { scale->unref(); }
 
 const char* MarkerBuilder::getWork() const { return "Building marker"; }
 
@@ -60,6 +58,10 @@ SbBox3f MarkerBuilder::getReach(std::size_t index) const
 ShownDatum MarkerBuilder::makeNodes(std::size_t index)
 {
     const Marker& marker = datum(index);
+    if (!scale) {
+        scale = new SoScale;
+        scale->ref();
+    }
     auto* node = new SoMarker(marker.id, toVector(glyphColour(marker.colour)),
                               frame.scaled(sizeOf(marker, frame.style)), marker.transparency,
                               SoMarker::Shape(marker.shape));

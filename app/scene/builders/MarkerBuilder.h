@@ -12,7 +12,7 @@ namespace strandview {
 class MarkerBuilder : public BuilderOf<&Configuration::markers>
 {
 public:
-    explicit MarkerBuilder(const FrameToShow& frameToShow);
+    using BuilderOf::BuilderOf;
     ~MarkerBuilder() override;
 
     const char* getWork() const override;
@@ -25,7 +25,7 @@ protected:
     std::string getName(std::size_t index) const override;
 
 private:
-    SoScale* const scale;
+    SoScale* scale = nullptr; ///< made with the first marker
 };
 
 } // namespace strandview

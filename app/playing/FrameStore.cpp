@@ -1,0 +1,395 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "playing/FrameStore.h"
+
+#include <algorithm>
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <map>
+#include <mutex>
+#include <new>
+#include <thread>
+#include <utility>
+
+#include <strandview/formats/text/wording.h>
+
+#include "scene/Progress.h"
+#include "scene/SceneBuilder.h"
+
+namespace strandview {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+// How often is told how many frames there are, and looked whether a file has grown.
+const std::chrono::milliseconds COUNT_INTERVAL(100), GROWTH_INTERVAL(200);
+
+const char* const TOO_LITTLE_MEMORY = "found too little memory for it";
+
+// Frames in bounded memory.
+class Cache
+{
+public:
+    struct Entry
+    {
+        std::shared_ptr<const Configuration> data;
+        std::string error;
+        std::size_t bytes = 0;
+        std::uint64_t used = 0;
+    };
+
+    explicit Cache(std::size_t mostBytes) : most(mostBytes) {}
+
+    const Entry* find(std::size_t frame)
+    {
+        const auto entry = entries.find(frame);
+        if (entry == entries.end())
+            return nullptr;
+        entry->second.used = ++uses;
+        return &entry->second;
+    }
+    bool has(std::size_t frame) const { return entries.count(frame) > 0; }
+    std::size_t getBytes() const { return bytes; }
+
+    // Drops frames that nobody wants until there is room for one more as large as the last.
+    bool makeRoom(const std::vector<std::size_t>& wanted) { return makeRoom(lastBytes, wanted); }
+
+    // The wanted frames are told from the first on.
+    void add(std::size_t frame, LoadedFrame loaded, const std::vector<std::size_t>& wanted)
+    {
+        Entry entry;
+        entry.error = std::move(loaded.error);
+        if (loaded.configuration)
+            entry.data = std::make_shared<const Configuration>(std::move(*loaded.configuration));
+        entry.bytes = sizeof entry + (entry.data ? memoryOf(*entry.data) : 0);
+        entry.used = ++uses;
+        lastBytes = entry.bytes;
+        makeRoom(entry.bytes, wanted);
+        for (auto last = wanted.rbegin(); last != wanted.rend() && isTooMuch(entry.bytes); ++last)
+            drop(*last);
+        bytes += entry.bytes;
+        entries[frame] = std::move(entry);
+    }
+
+private:
+    bool isTooMuch(std::size_t more) const { return bytes > 0 && bytes + more > most; }
+
+    bool makeRoom(std::size_t more, const std::vector<std::size_t>& wanted)
+    {
+        while (isTooMuch(more)) {
+            auto oldest = entries.end();
+            for (auto entry = entries.begin(); entry != entries.end(); ++entry) {
+                const bool isWanted =
+                    std::find(wanted.begin(), wanted.end(), entry->first) != wanted.end();
+                if (!isWanted &&
+                    (oldest == entries.end() || entry->second.used < oldest->second.used))
+                    oldest = entry;
+            }
+            if (oldest == entries.end())
+                return false;
+            drop(oldest->first);
+        }
+        return true;
+    }
+    void drop(std::size_t frame)
+    {
+        const auto entry = entries.find(frame);
+        if (entry == entries.end())
+            return;
+        bytes -= entry->second.bytes;
+        entries.erase(entry);
+    }
+
+    const std::size_t most;
+    std::map<std::size_t, Entry> entries;
+    std::size_t bytes = 0, lastBytes = 0;
+    std::uint64_t uses = 0;
+};
+
+} // namespace
+
+// The thread, and what it shares with the one that asks.
+class FrameStore::Reader : public Progress
+{
+public:
+    Reader(Opener seriesOpener, Plan framePlan, std::function<void()> newsHandler)
+        : opener(std::move(seriesOpener)),
+          plan(std::move(framePlan)),
+          onNews(std::move(newsHandler)),
+          cache(plan.bytes),
+          thread([this] { run(); })
+    {}
+    ~Reader() override
+    {
+        {
+            const std::lock_guard<std::mutex> lock(mutex);
+            stopRequested = true;
+        }
+        changed.notify_all();
+        thread.join();
+    }
+
+    State getState() const
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        return state;
+    }
+    void want(std::size_t frame, std::vector<std::size_t> framesAhead)
+    {
+        {
+            const std::lock_guard<std::mutex> lock(mutex);
+            wanted = frame;
+            ahead = std::move(framesAhead);
+            hasNewWishes = true;
+        }
+        changed.notify_all();
+    }
+    std::optional<FrameToPlay> take()
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        return std::exchange(ready, std::nullopt);
+    }
+    std::size_t countLoads() const
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        return loads;
+    }
+    std::size_t countBytes() const
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        return bytes;
+    }
+
+    // Progress, of what the thread does
+    void show(const std::string& /*text*/) override {}
+    void announce(const std::string& /*text*/) override {}
+    bool isStopped() const override
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        return stopRequested;
+    }
+
+private:
+    using Lock = std::unique_lock<std::mutex>;
+
+    void run()
+    {
+        open();
+        while (series && !isStopped()) {
+            if (!serve() && !readAhead() && !count() && !lookAtStage())
+                wait();
+        }
+    }
+
+    void open()
+    {
+        ReadReport report;
+        try {
+            series = opener(report, *this);
+        } catch (const std::bad_alloc&) {
+            report.error = TOO_LITTLE_MEMORY;
+        }
+        {
+            const std::lock_guard<std::mutex> lock(mutex);
+            state.count = series ? series->count() : 0;
+            state.mayGrow = series != nullptr;
+            state.error = report.error;
+            state.notices = report.notices;
+        }
+        onNews();
+    }
+
+    // The frame that is asked for; false if none is.
+    bool serve()
+    {
+        std::optional<std::size_t> frame;
+        {
+            const std::lock_guard<std::mutex> lock(mutex);
+            frame = std::exchange(wanted, std::nullopt);
+            current = frame.value_or(current);
+            wishes = ahead;
+            hasNewWishes = false;
+        }
+        if (!frame)
+            return false;
+        if (!prepared || prepared->frame != *frame)
+            prepared = prepare(*frame);
+        {
+            const std::lock_guard<std::mutex> lock(mutex);
+            ready = std::exchange(prepared, std::nullopt);
+        }
+        onNews();
+        return true;
+    }
+
+    // The next of the frames ahead that is not there; false if there is none, or no room.
+    bool readAhead()
+    {
+        if (!wishes.empty() && !prepared) {
+            prepared = prepare(wishes.front());
+            return true;
+        }
+        const auto missing = std::find_if(wishes.begin(), wishes.end(),
+                                          [this](std::size_t frame) { return !cache.has(frame); });
+        if (missing == wishes.end() || !cache.makeRoom(allWanted()))
+            return false;
+        load(*missing);
+        return true;
+    }
+
+    std::vector<std::size_t> allWanted() const
+    {
+        std::vector<std::size_t> all{current};
+        all.insert(all.end(), wishes.begin(), wishes.end());
+        return all;
+    }
+
+    void load(std::size_t frame)
+    {
+        LoadedFrame loaded;
+        try {
+            loaded = series->load(frame, [this](double) { return !isStopped(); });
+        } catch (const std::bad_alloc&) {
+            loaded.error = TOO_LITTLE_MEMORY;
+        }
+        cache.add(frame, std::move(loaded), allWanted());
+        const std::lock_guard<std::mutex> lock(mutex);
+        ++loads;
+        bytes = cache.getBytes();
+    }
+
+    // Without a node, which are for the other thread.
+    FrameToPlay prepare(std::size_t frame)
+    {
+        if (frame >= series->count()) // not kept: it may be there later
+            return {frame, {}, nullptr, {}, series->load(frame).error};
+        if (!cache.has(frame))
+            load(frame);
+        const Cache::Entry& entry = *cache.find(frame);
+        FrameToPlay play{frame, series->time(frame), entry.data, {}, entry.error};
+        if (!play.data)
+            return play;
+        try {
+            play.geometry =
+                computeGeometry(*play.data, plan.style, plan.placement, *this, play.error);
+        } catch (const std::bad_alloc&) {
+            play.error = TOO_LITTLE_MEMORY;
+        }
+        if (!play.error.empty())
+            play.data = nullptr;
+        return play;
+    }
+
+    // Looks for more frames until something is asked for; false if there is nothing to look at.
+    bool count()
+    {
+        if (!mayGrow)
+            return false;
+        const std::size_t before = series->count();
+        const Clock::time_point end = Clock::now() + COUNT_INTERVAL;
+        bool isInterrupted = false;
+        mayGrow = series->lookForMore([&](double) {
+            isInterrupted = isInterrupted || hasWork() || Clock::now() >= end;
+            return !isInterrupted;
+        });
+        hasCountedAll = !mayGrow || !isInterrupted;
+        {
+            const std::lock_guard<std::mutex> lock(mutex);
+            state.count = series->count();
+            state.mayGrow = mayGrow;
+        }
+        if (series->count() != before || !mayGrow)
+            onNews();
+        // A file that is being written: later.
+        return !(mayGrow && hasCountedAll);
+    }
+
+    // A frame more for the stage, of all that have been counted; false if it is made.
+    bool lookAtStage()
+    {
+        if (!hasCountedAll || isStageMade)
+            return false;
+        if (!maker) {
+            maker = std::make_unique<StageMaker>(*series, plan.options, stageReport, *this);
+            isStageMade = !maker->begin();
+            return true;
+        }
+        if (maker->lookAtNext())
+            return true;
+        isStageMade = true;
+        std::optional<Stage> stage = maker->finish();
+        maker.reset();
+        if (!stage)
+            return true;
+        {
+            const std::lock_guard<std::mutex> lock(mutex);
+            state.stage = std::make_shared<const Stage>(std::move(*stage));
+            for (const std::string& notice : stageReport.notices)
+                state.notices.push_back(notice);
+        }
+        onNews();
+        return true;
+    }
+
+    bool hasWork() const
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        return stopRequested || hasNewWishes;
+    }
+    void wait()
+    {
+        Lock lock(mutex);
+        const auto isAwaited = [this] { return stopRequested || hasNewWishes; };
+        if (mayGrow)
+            changed.wait_for(lock, GROWTH_INTERVAL, isAwaited);
+        else
+            changed.wait(lock, isAwaited);
+    }
+
+    // Of the thread alone
+    const Opener opener;
+    const Plan plan;
+    const std::function<void()> onNews;
+    std::unique_ptr<Series> series;
+    Cache cache;
+    std::size_t current = 0;
+    std::vector<std::size_t> wishes;
+    std::optional<FrameToPlay> prepared; ///< the next one ahead
+    bool mayGrow = true, hasCountedAll = false, isStageMade = false;
+    std::unique_ptr<StageMaker> maker;
+    ReadReport stageReport;
+
+    // Of both
+    mutable std::mutex mutex; ///< of all that follows
+    std::condition_variable changed;
+    bool stopRequested = false, hasNewWishes = false;
+    std::optional<std::size_t> wanted;
+    std::vector<std::size_t> ahead;
+    std::optional<FrameToPlay> ready;
+    State state;
+    std::size_t loads = 0, bytes = 0;
+
+    std::thread thread; ///< the last, so that all is there when it begins
+};
+
+FrameStore::FrameStore(Opener opener, Plan plan, std::function<void()> onNews)
+    : reader(std::make_unique<Reader>(std::move(opener), std::move(plan), std::move(onNews)))
+{}
+
+FrameStore::~FrameStore() = default;
+
+FrameStore::State FrameStore::getState() const { return reader->getState(); }
+
+void FrameStore::want(std::size_t frame, std::vector<std::size_t> ahead)
+{
+    reader->want(frame, std::move(ahead));
+}
+
+std::optional<FrameToPlay> FrameStore::take() { return reader->take(); }
+
+std::size_t FrameStore::countLoads() const { return reader->countLoads(); }
+
+std::size_t FrameStore::countBytes() const { return reader->countBytes(); }
+
+} // namespace strandview

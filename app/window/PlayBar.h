@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_APP_WINDOW_PLAYBAR_H
+#define STRANDVIEW_APP_WINDOW_PLAYBAR_H
+
+#include <cstddef>
+#include <optional>
+#include <vector>
+
+#include <QWidget>
+
+#include "playing/PlayOrder.h"
+
+class QAction;
+class QCheckBox;
+class QComboBox;
+class QDoubleSpinBox;
+class QLabel;
+class QSlider;
+class QSpinBox;
+
+namespace strandview {
+
+/// The bar below the view: which frame of a series is shown, and how the frames are played. Hidden
+/// at first.
+class PlayBar : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// The buttons do what the actions do, in their order.
+    PlayBar(const std::vector<QAction*>& buttons, double framesPerSecond, QWidget* parent);
+
+    /// The number of frames that are known, one at least, and whether there may be more. A range
+    /// that ended with the last frame grows with them.
+    void setCount(std::size_t frames, bool mayGrow);
+    /// Of another series: the range is all of it.
+    void reset();
+    void showFrame(std::size_t frame, const std::optional<double>& time);
+    /// Both ends are frames that there are, the first not behind the last.
+    void setRange(std::size_t first, std::size_t last);
+
+    std::size_t getCount() const { return count; }
+    PlayOrder getOrder() const;
+    double getFramesPerSecond() const;
+    /// Whether frames are rather played late than left out.
+    bool isEveryFrameShown() const;
+
+signals:
+    /// The user wants to see a frame.
+    void frameChosen(int frame);
+    /// The user changed how the frames are played.
+    void orderChanged();
+    /// The user has given a number, and the keyboard may go back to the view.
+    void edited();
+
+private:
+    QWidget* makeFrameRow(const std::vector<QAction*>& buttons);
+    QWidget* makeOrderRow(double framesPerSecond);
+    QSpinBox* makeField(const QString& name, const QString& help);
+    void keepRangeInOrder(const QSpinBox* changed);
+    void showText();
+
+    QSlider* slider = nullptr;
+    QSpinBox* field = nullptr;
+    QLabel* label = nullptr;
+    QComboBox* repeat = nullptr;
+    QDoubleSpinBox* rate = nullptr;
+    QSpinBox* every = nullptr;
+    QSpinBox *from = nullptr, *to = nullptr;
+    QCheckBox* everyFrame = nullptr;
+
+    std::size_t count = 1;
+    bool isGrowing = false;
+    std::size_t shown = 0;
+    std::optional<double> shownTime;
+};
+
+} // namespace strandview
+
+#endif

@@ -1,0 +1,217 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "window/Player.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "scene/DataScene.h"
+#include "scene/Progress.h"
+#include "scene/SceneBuilder.h"
+#include "window/PlayBar.h"
+
+namespace strandview {
+
+namespace {
+
+// Often enough for any screen.
+const int TICK = 8; // ms
+
+// Frames that are read ahead, if there is memory for them.
+const std::uint64_t AHEAD = 64;
+
+// Of nodes that are updated, which nobody stops.
+class NoProgress : public Progress
+{
+public:
+    void show(const std::string& /*text*/) override {}
+    void announce(const std::string& /*text*/) override {}
+};
+
+} // namespace
+
+Player::Player(DataScene& shownScene, std::size_t shownFrame, FrameStore::Opener opener,
+               FrameStore::Plan plan, PlayBar& playBar, bool follows)
+    : scene(shownScene),
+      bar(playBar),
+      options(plan.options),
+      isFollowing(follows),
+      shown(shownFrame),
+      asked(shownFrame),
+      store(std::move(opener), std::move(plan), [this] {
+          QMetaObject::invokeMethod(
+              this, [this] { follow(); }, Qt::QueuedConnection);
+      })
+{
+    timer.setTimerType(Qt::PreciseTimer);
+    timer.setInterval(TICK);
+    connect(&timer, &QTimer::timeout, this, &Player::tick);
+    connect(&bar, &PlayBar::frameChosen, this, [this](int frame) { goTo(std::size_t(frame)); });
+    connect(&bar, &PlayBar::orderChanged, this, [this] {
+        if (playing)
+            playFrom(asked);
+    });
+    bar.reset();
+    bar.showFrame(shown, {});
+}
+
+Player::~Player() = default;
+
+void Player::setPlaying(bool on)
+{
+    if (on == playing)
+        return;
+    playing = on;
+    if (on) {
+        const PlayOrder order = bar.getOrder();
+        const bool isAtEnd = order.repeat == PlayOrder::ONCE && order.after({asked}, 0).isAtEnd;
+        playFrom(isAtEnd ? order.first : asked);
+        timer.start();
+    } else {
+        timer.stop();
+    }
+    emit playingChanged(playing);
+}
+
+void Player::playFrom(std::size_t frame)
+{
+    start = {frame};
+    steps = 0;
+    clock.start();
+    ask(bar.getOrder().after(start, 0), 1);
+}
+
+void Player::goTo(std::size_t frame)
+{
+    if (playing)
+        playFrom(frame);
+    else
+        ask({frame}, 1);
+}
+
+void Player::step(long long frames)
+{
+    setPlaying(false);
+    const std::size_t next = bar.getOrder().beside(asked, frames);
+    ask({next, frames >= 0}, 1);
+}
+
+void Player::goToFirst() { goTo(bar.getOrder().first); }
+
+void Player::goToLast() { goTo(bar.getOrder().last); }
+
+void Player::toggleRangeStart()
+{
+    const PlayOrder order = bar.getOrder();
+    bar.setRange(order.first == shown ? 0 : shown, std::max(order.last, shown));
+}
+
+void Player::toggleRangeEnd()
+{
+    const PlayOrder order = bar.getOrder();
+    bar.setRange(std::min(order.first, shown), order.last == shown ? bar.getCount() - 1 : shown);
+}
+
+bool Player::isUpToDate() const { return shown == asked; }
+
+// A frame, and then those that a stride of so many steps leads to.
+void Player::ask(PlayOrder::Place place, std::uint64_t stride)
+{
+    const PlayOrder order = bar.getOrder();
+    std::vector<std::size_t> ahead;
+    PlayOrder::Place next = place;
+    for (std::uint64_t i = 0; i < AHEAD && !next.isAtEnd; ++i) {
+        next = place.isForward || order.repeat != PlayOrder::ONCE
+                   ? order.after(next, stride)
+                   : PlayOrder::Place{order.beside(next.frame, -(long long)(order.every)), false};
+        if (next.frame == place.frame)
+            break;
+        ahead.push_back(next.frame);
+    }
+    asked = place.frame;
+    store.want(asked, std::move(ahead));
+}
+
+void Player::tick()
+{
+    const bool isEveryFrame = bar.isEveryFrameShown();
+    if (isEveryFrame && !isUpToDate())
+        return;
+    const double due = double(clock.nsecsElapsed()) * 1e-9 * bar.getFramesPerSecond();
+    const auto dueSteps = std::uint64_t(std::floor(due));
+    if (dueSteps == steps) {
+        return;
+    }
+    const PlayOrder order = bar.getOrder();
+    if (isEveryFrame) { // the next one, from when this one was due or shown
+        start = order.after(start, 1);
+        steps = 0;
+        clock.start();
+        ask(start, 1);
+    } else {
+        const std::uint64_t stride = dueSteps - steps;
+        steps = dueSteps;
+        ask(order.after(start, steps), stride);
+    }
+    if (order.repeat == PlayOrder::ONCE && order.after({asked}, 0).isAtEnd)
+        setPlaying(false);
+}
+
+void Player::follow()
+{
+    followState(store.getState());
+    if (std::optional<FrameToPlay> next = store.take())
+        show(std::move(*next));
+}
+
+void Player::followState(const FrameStore::State& state)
+{
+    std::vector<std::string> lines = state.notices;
+    if (!state.error.empty())
+        lines.push_back(state.error);
+    if (lines.size() > std::exchange(toldBefore, lines.size()))
+        emit opened(lines);
+    if (state.count > 0) {
+        const bool wasAtLast = asked + 1 == lastCount;
+        bar.setCount(state.count, state.mayGrow);
+        if (isFollowing && wasAtLast && state.count > lastCount && !playing)
+            ask({state.count - 1}, 1);
+        lastCount = state.count;
+    }
+    if (state.stage && !std::exchange(hasStage, true)) {
+        emit staged(*state.stage);
+        ask({asked}, 1);
+    }
+}
+
+std::optional<Colouring> Player::colouringOf(const Configuration& data)
+{
+    if (!scene.getColouring())
+        return {};
+    if (options.series.ownRange) {
+        ReadReport untold; // what it says of the data was said of the first frame
+        if (std::optional<Colouring> own = makeColouring(options, data, untold)) {
+            scene.setColouring(*own);
+            return own;
+        }
+    }
+    return followColouring(*scene.getColouring(), data);
+}
+
+void Player::show(FrameToPlay next)
+{
+    std::string error = next.error;
+    if (next.data) {
+        const std::optional<Colouring> colouring = colouringOf(*next.data);
+        NoProgress progress;
+        error = updateScene(scene, *next.data, colouring ? &*colouring : nullptr,
+                            std::move(next.geometry), progress);
+    }
+    shown = next.frame;
+    bar.showFrame(next.frame, next.time);
+    if (!error.empty())
+        emit told({{"frame " + std::to_string(next.frame) + ": " + error, ""}});
+    emit frameShown(shown);
+}
+
+} // namespace strandview

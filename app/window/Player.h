@@ -1,0 +1,101 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_APP_WINDOW_PLAYER_H
+#define STRANDVIEW_APP_WINDOW_PLAYER_H
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include <QElapsedTimer>
+#include <QObject>
+#include <QTimer>
+
+#include "playing/FrameStore.h"
+#include "playing/PlayOrder.h"
+#include "scene/Told.h"
+
+namespace strandview {
+
+class DataScene;
+class PlayBar;
+
+/// Plays a series in a scene: which frame is shown follows the clock and what the user chooses.
+/// Frames come from a thread of their own (FrameStore); the nodes of the scene are updated in that
+/// of the window.
+class Player : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// The scene, which shows a frame already, and the bar outlive the player. With `follows` it
+    /// goes on to the last frame as more are found, as long as the last one is shown.
+    Player(DataScene& scene, std::size_t shownFrame, FrameStore::Opener opener,
+           FrameStore::Plan plan, PlayBar& bar, bool follows = false);
+    ~Player() override;
+
+    bool isPlaying() const { return playing; }
+    /// From the frame that is shown on, or, at the end, from the range's first. Stopping stays.
+    void setPlaying(bool on);
+
+    /// Shows a frame as soon as it is there; playing goes on from it.
+    void goTo(std::size_t frame);
+    /// So many frames further, within the range; playing stops.
+    void step(long long frames);
+    void goToFirst();
+    void goToLast();
+    /// Lets the range begin, or end, with the frame that is shown; again with all frames, where it
+    /// does so already.
+    void toggleRangeStart();
+    void toggleRangeEnd();
+
+    std::size_t getFrame() const { return shown; }
+    /// Whether nothing that was asked for is missing.
+    bool isUpToDate() const;
+    /// Whether it is known what all frames have in common.
+    bool isStaged() const { return hasStage; }
+    const FrameStore& getStore() const { return store; }
+
+signals:
+    void playingChanged(bool on);
+    /// Another frame is shown.
+    void frameShown(std::size_t frame);
+    /// All that there is to tell of the series so far.
+    void opened(const std::vector<std::string>& lines);
+    /// What the user should know of a frame.
+    void told(const std::vector<strandview::Told>& news);
+    /// What all frames have in common is known now; the player shows the frame anew afterwards.
+    void staged(const strandview::Stage& stage);
+
+private:
+    void follow(); ///< what the other thread has to tell
+    void followState(const FrameStore::State& state);
+    void show(FrameToPlay next);
+    std::optional<Colouring> colouringOf(const Configuration& data);
+    void tick();
+    void playFrom(std::size_t frame);
+    void ask(PlayOrder::Place place, std::uint64_t stride);
+
+    DataScene& scene;
+    PlayBar& bar;
+    const Options options;
+    const bool isFollowing;
+    std::size_t shown, asked;
+    bool playing = false;
+    std::size_t toldBefore = 0; ///< lines about the series
+    bool hasStage = false;
+
+    QTimer timer;
+    QElapsedTimer clock;
+    PlayOrder::Place start;  ///< where playing was at when the clock began
+    std::uint64_t steps = 0; ///< since then
+    std::size_t lastCount = 1;
+
+    FrameStore store; ///< the last: its thread tells this object
+};
+
+} // namespace strandview
+
+#endif

@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "window/PlayBar.h"
+
+#include <QAction>
+#include <QLabel>
+#include <QSlider>
+#include <QSpinBox>
+#include <gtest/gtest.h>
+
+#include "windows.h"
+
+namespace strandview {
+
+namespace {
+
+class PlayBarTest : public testing::Test
+{
+protected:
+    static void SetUpTestSuite() { initWindowsOnce(); }
+
+    PlayBarTest()
+    {
+        bar.reset();
+        QObject::connect(&bar, &PlayBar::frameChosen, [this](int frame) { chosen = frame; });
+        QObject::connect(&bar, &PlayBar::orderChanged, [this] { ++changes; });
+    }
+    std::string label() const { return bar.findChild<QLabel*>("frameLabel")->text().toStdString(); }
+    QSpinBox& field(const char* name) const { return *bar.findChild<QSpinBox*>(name); }
+
+    QAction action;
+    PlayBar bar{{&action}, 25, nullptr};
+    int chosen = -1, changes = 0;
+};
+
+} // namespace
+
+TEST_F(PlayBarTest, TellsFrameCountAndTime)
+{
+    bar.setCount(250, false);
+    bar.showFrame(12, 0.48);
+    EXPECT_EQ(label(), "frame 12 of 250, t = 0.48");
+    bar.showFrame(13, {});
+    EXPECT_EQ(label(), "frame 13 of 250");
+    bar.setCount(300, true);
+    EXPECT_EQ(label(), "frame 13 of 300 so far");
+    EXPECT_EQ(chosen, -1) << "nobody chose a frame";
+}
+
+TEST_F(PlayBarTest, TheRangeGrowsWithTheSeriesUnlessItEndsBefore)
+{
+    bar.setCount(10, true);
+    EXPECT_EQ(bar.getOrder().last, 9u);
+    bar.setCount(20, true);
+    EXPECT_EQ(bar.getOrder().last, 19u);
+    bar.setRange(3, 8);
+    bar.setCount(30, false);
+    EXPECT_EQ(bar.getOrder().first, 3u);
+    EXPECT_EQ(bar.getOrder().last, 8u);
+    bar.reset();
+    bar.setCount(4, false);
+    EXPECT_EQ(bar.getOrder().first, 0u);
+    EXPECT_EQ(bar.getOrder().last, 3u);
+}
+
+TEST_F(PlayBarTest, AnEndOfTheRangeTakesTheOtherAlong)
+{
+    bar.setCount(100, false);
+    field("toField").setValue(40);
+    field("fromField").setValue(60);
+    EXPECT_EQ(bar.getOrder().first, 60u);
+    EXPECT_EQ(bar.getOrder().last, 60u);
+    field("toField").setValue(20);
+    EXPECT_EQ(bar.getOrder().first, 20u);
+    EXPECT_EQ(bar.getOrder().last, 20u);
+    EXPECT_GE(changes, 3);
+}
+
+TEST_F(PlayBarTest, SliderAndFieldChooseFrames)
+{
+    bar.setCount(100, false);
+    bar.findChild<QSlider*>("frameSlider")->setValue(40);
+    EXPECT_EQ(chosen, 40);
+    field("frameField").setValue(41);
+    EXPECT_EQ(chosen, 41);
+}
+
+TEST_F(PlayBarTest, CountsNoFurtherThanItsFieldsCan)
+{
+    bar.setCount(std::size_t(1) << 40, false);
+    bar.showFrame(std::size_t(1) << 35, {});
+    EXPECT_EQ(label(), "frame 34359738368 of 1099511627776");
+    EXPECT_GT(bar.getOrder().last, 2'000'000'000u);
+}
+
+TEST_F(PlayBarTest, OrderAndRateAreThoseOfItsFields)
+{
+    bar.setCount(100, false);
+    field("everyField").setValue(7);
+    EXPECT_EQ(bar.getOrder().every, 7u);
+    EXPECT_EQ(bar.getOrder().repeat, PlayOrder::ONCE);
+    EXPECT_EQ(bar.getFramesPerSecond(), 25);
+    EXPECT_FALSE(bar.isEveryFrameShown());
+}
+
+} // namespace strandview

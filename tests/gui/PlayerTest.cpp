@@ -1,0 +1,499 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Playing as the user of a window sees it: with the X server's keys and mouse.
+#include "window/Player.h"
+
+#include <cstdlib>
+#include <fstream>
+#include <set>
+#include <utility>
+
+#include <Inventor/actions/SoSearchAction.h>
+#include <QAction>
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDoubleSpinBox>
+#include <QGLWidget>
+#include <QLabel>
+#include <QLineEdit>
+#include <QSettings>
+#include <QSlider>
+#include <QSpinBox>
+#include <QStatusBar>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QToolButton>
+#include <gmock/gmock.h>
+
+#include <SoRod.h>
+
+#include "scene/DataScene.h"
+#include "scene/SceneBuilder.h"
+#include "scene/SceneLoader.h"
+#include "scene/readFiles.h"
+#include "support/realInput.h"
+#include "window/MainWindow.h"
+#include "window/PlayBar.h"
+#include "window/StatusText.h"
+#include "window/checkDisplay.h"
+#include "window/runWindow.h"
+
+namespace strandview {
+
+using algebra3d::Vector3;
+using testing::ElementsAre;
+using testing::Gt;
+using testing::HasSubstr;
+
+namespace {
+
+// A rod that bends more from frame to frame.
+std::string seriesText(int frames)
+{
+    std::string text;
+    for (int frame = 0; frame < frames; ++frame) {
+        text += frame == 0 ? "" : "\n\n";
+        for (int i = 0; i < 5; ++i)
+            text += std::to_string(i) + " " + std::to_string(0.02 * frame * i * i) + " 0\n";
+    }
+    return text;
+}
+
+class PlayerTest : public testing::Test
+{
+protected:
+    static void SetUpTestSuite()
+    {
+        static bool isDone = false;
+        if (std::exchange(isDone, true))
+            return;
+        ASSERT_EQ(checkDisplay(), "");
+        static QTemporaryDir settings;
+        qputenv("XDG_CONFIG_HOME", settings.path().toLocal8Bit());
+        initialiseWindows("PlayerTest");
+        initialiseScene();
+    }
+
+    PlayerTest()
+    {
+        QSettings().clear();
+        options.windowSize = {700, 520};
+        options.series.framesPerSecond = 50;
+    }
+
+    std::string write(const std::string& name, const std::string& text) const
+    {
+        const std::string path = folder.filePath(QString::fromStdString(name)).toStdString();
+        std::ofstream(path) << text;
+        return path;
+    }
+
+    void open(const std::string& file)
+    {
+        window = std::make_unique<MainWindow>(
+            options,
+            [this](const std::vector<std::string>& files, ReadReport& report, Progress& progress) {
+                const SceneMaker make = prepareScene(files, options, report, progress);
+                return [this, make](ReadReport& made, Progress& nodes) {
+                    return scene = make(made, nodes);
+                };
+            },
+            [this](const std::vector<std::string>& files, ReadReport& report, Progress& progress) {
+                return openFiles(files, options, report, progress).series;
+            });
+        window->show();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+        window->openFiles({QString::fromStdString(file)});
+        ASSERT_TRUE(comesTo([this] { return !window->isLoading(); }));
+    }
+    // And waits until all that is known of the series is.
+    void openSeries(int frames)
+    {
+        open(write("run.txt", seriesText(frames)));
+        ASSERT_NE(player(), nullptr);
+        ASSERT_TRUE(comesTo([this] { return player()->isStaged(); }));
+        ASSERT_TRUE(comesTo([this] { return player()->isUpToDate(); }));
+    }
+
+    static bool comesTo(const std::function<bool()>& holds)
+    {
+        return QTest::qWaitFor(holds, 20000);
+    }
+
+    Player* player() const { return window->getPlayer(); }
+    PlayBar* bar() const { return window->findChild<PlayBar*>(); }
+    template <typename Widget>
+    Widget* part(const char* name) const
+    {
+        return bar()->findChild<Widget*>(name);
+    }
+    std::string label() const { return part<QLabel>("frameLabel")->text().toStdString(); }
+    std::string statusText() const
+    {
+        return window->findChild<StatusText*>()->getAll().toStdString();
+    }
+
+    // What the scene shows, by how far the rod's end is bent.
+    std::size_t frameOfScene() const
+    {
+        SoSearchAction search;
+        search.setType(SoRod::getClassTypeId());
+        search.setSearchingAll(TRUE);
+        search.apply(scene);
+        const auto* rod = static_cast<const SoRod*>(search.getPath()->getTail());
+        BiarcTubeMesh& tube = *rod->getTubeMesh();
+        const Vector3<double>* ring = tube.getPoints()[tube.getHeight() - 1];
+        double height = 0;
+        for (int i = 0; i + 1 < tube.getWidth(); ++i)
+            height += ring[i].y / (tube.getWidth() - 1);
+        return std::size_t(std::lround(height / (0.02 * 16)));
+    }
+    // Nothing that was asked for is missing, and bar and scene show this frame.
+    bool isShown(std::size_t frame) const
+    {
+        return player()->isUpToDate() && player()->getFrame() == frame &&
+               part<QSlider>("frameSlider")->value() == int(frame) &&
+               label().find("frame " + std::to_string(frame) + " of ") == 0;
+    }
+    bool comesToShow(std::size_t frame) const
+    {
+        return comesTo([&] { return isShown(frame); });
+    }
+
+    static void click(const QWidget& widget, QPoint place)
+    {
+        const QPoint where = widget.mapToGlobal(place);
+        clickRealButton(where.x(), where.y());
+    }
+    static void click(const QWidget& widget) { click(widget, widget.rect().center()); }
+    QToolButton* button(int index) const { return bar()->findChildren<QToolButton*>().at(index); }
+
+    QTemporaryDir folder;
+    Options options;
+    DataScene* scene = nullptr; // the window's
+    std::unique_ptr<MainWindow> window;
+};
+
+} // namespace
+
+// The bar
+
+TEST_F(PlayerTest, OfStillDataThereIsNoBarAndNothingToPlay)
+{
+    open(write("still.txt", seriesText(1)));
+    EXPECT_EQ(player(), nullptr);
+    EXPECT_FALSE(bar()->isVisible());
+    pressRealKey("k");
+    pressRealKey("period");
+    QTest::qWait(100);
+    EXPECT_EQ(player(), nullptr);
+}
+
+TEST_F(PlayerTest, TheBarTellsFrameNumberAndTime)
+{
+    open(write("run.json", R"({"strandview": 1, "series": [
+        {"time": 0.25, "markers": [{"point": [0, 0, 0]}]},
+        {"time": 0.5, "markers": [{"point": [1, 0, 0]}]}]})"));
+    ASSERT_NE(player(), nullptr);
+    EXPECT_TRUE(bar()->isVisible());
+    ASSERT_TRUE(comesTo([this] { return player()->isStaged(); }));
+    EXPECT_TRUE(comesTo([this] { return label() == "frame 0 of 2, t = 0.25"; })) << label();
+    pressRealKey("period");
+    EXPECT_TRUE(comesTo([this] { return label() == "frame 1 of 2, t = 0.5"; })) << label();
+}
+
+// Keys
+
+TEST_F(PlayerTest, KeysStepOneFrameOrTenAndGoToTheEnds)
+{
+    openSeries(30);
+    pressRealKey("period");
+    EXPECT_TRUE(comesToShow(1));
+    EXPECT_EQ(frameOfScene(), 1u);
+    pressRealKey("greater");
+    EXPECT_TRUE(comesToShow(11));
+    pressRealKey("comma");
+    EXPECT_TRUE(comesToShow(10));
+    pressRealKey("Control+End");
+    EXPECT_TRUE(comesToShow(29));
+    EXPECT_EQ(frameOfScene(), 29u);
+    pressRealKey("period");
+    pressRealKey("less");
+    EXPECT_TRUE(comesToShow(19));
+    pressRealKey("Control+Home");
+    EXPECT_TRUE(comesToShow(0));
+    EXPECT_EQ(frameOfScene(), 0u);
+}
+
+TEST_F(PlayerTest, TheKeyPlaysToTheEndOrStopsWhereItIs)
+{
+    openSeries(40);
+    std::set<std::size_t> seen;
+    QObject::connect(player(), &Player::frameShown, [&](std::size_t frame) { seen.insert(frame); });
+    pressRealKey("k");
+    ASSERT_TRUE(comesTo([this] { return player()->isPlaying(); }));
+    ASSERT_TRUE(comesTo([&] { return seen.size() > 2; }));
+    pressRealKey("k");
+    ASSERT_TRUE(comesTo([this] { return !player()->isPlaying(); }));
+    ASSERT_TRUE(comesTo([this] { return player()->isUpToDate(); }));
+    const std::size_t stopped = player()->getFrame();
+    EXPECT_THAT(stopped, Gt(0u));
+    QTest::qWait(200);
+    EXPECT_EQ(player()->getFrame(), stopped);
+
+    pressRealKey("k");
+    EXPECT_TRUE(comesToShow(39));
+    EXPECT_TRUE(comesTo([this] { return !player()->isPlaying(); }));
+    EXPECT_EQ(frameOfScene(), 39u);
+    pressRealKey("k"); // from the beginning
+    EXPECT_TRUE(comesTo([this] { return player()->isPlaying() && player()->getFrame() < 30; }));
+}
+
+TEST_F(PlayerTest, TheFrameFollowsTheClockUnlessEveryFrameIsAskedFor)
+{
+    options.series.framesPerSecond = 1000; // more than any window draws
+    openSeries(400);
+    std::vector<std::size_t> seen;
+    QObject::connect(player(), &Player::frameShown,
+                     [&](std::size_t frame) { seen.push_back(frame); });
+    pressRealKey("k");
+    ASSERT_TRUE(comesToShow(399));
+    EXPECT_LT(seen.size(), 200u) << "frames are left out";
+    EXPECT_TRUE(std::is_sorted(seen.begin(), seen.end()));
+
+    click(*part<QCheckBox>("everyFrameBox"),
+          QPoint(8, part<QCheckBox>("everyFrameBox")->height() / 2));
+    ASSERT_TRUE(comesTo([this] { return bar()->isEveryFrameShown(); }));
+    pressRealKey("Control+Home");
+    ASSERT_TRUE(comesToShow(0));
+    seen.clear();
+    pressRealKey("k");
+    ASSERT_TRUE(comesToShow(399));
+    ASSERT_EQ(seen.size(), 400u) << "no frame is left out";
+    for (std::size_t i = 0; i < seen.size(); ++i)
+        ASSERT_EQ(seen[i], i);
+}
+
+TEST_F(PlayerTest, BracketsSetTheRangeThatIsPlayed)
+{
+    openSeries(30);
+    pressRealKey("greater");
+    ASSERT_TRUE(comesToShow(10));
+    pressRealKey("bracketleft");
+    ASSERT_TRUE(comesTo([this] { return bar()->getOrder().first == 10; }));
+    pressRealKey("period");
+    pressRealKey("period");
+    ASSERT_TRUE(comesToShow(12));
+    pressRealKey("bracketright");
+    ASSERT_TRUE(comesTo([this] { return bar()->getOrder().last == 12; }));
+    part<QComboBox>("repeatBox")->setCurrentIndex(PlayOrder::LOOP);
+    std::set<std::size_t> seen;
+    QObject::connect(player(), &Player::frameShown, [&](std::size_t frame) { seen.insert(frame); });
+    pressRealKey("k");
+    EXPECT_TRUE(comesTo([&] { return seen.size() == 3; }));
+    QTest::qWait(200);
+    EXPECT_THAT(seen, ElementsAre(10, 11, 12));
+    pressRealKey("k");
+    pressRealKey("Control+End");
+    ASSERT_TRUE(comesToShow(12));
+    pressRealKey("bracketright"); // again: to the end
+    EXPECT_TRUE(comesTo([this] { return bar()->getOrder().last == 29; }));
+}
+
+// The mouse
+
+TEST_F(PlayerTest, TheSliderIsDraggedAndClicked)
+{
+    openSeries(101);
+    auto* slider = part<QSlider>("frameSlider");
+    click(*slider, {slider->width() / 2, slider->height() / 2});
+    EXPECT_TRUE(comesTo([this] { return player()->isUpToDate() && player()->getFrame() > 40; }));
+    EXPECT_LT(player()->getFrame(), 60u);
+    EXPECT_EQ(frameOfScene(), player()->getFrame());
+    const QPoint from = slider->mapToGlobal({slider->width() / 2, slider->height() / 2});
+    const QPoint to = slider->mapToGlobal({slider->width() - 1, slider->height() / 2});
+    dragRealPointer(from.x(), from.y(), to.x() + 50, to.y());
+    EXPECT_TRUE(comesToShow(100));
+    EXPECT_EQ(frameOfScene(), 100u);
+}
+
+TEST_F(PlayerTest, TheButtonsDoWhatTheKeysDo)
+{
+    openSeries(20);
+    click(*button(4)); // last
+    EXPECT_TRUE(comesToShow(19));
+    click(*button(1)); // back
+    EXPECT_TRUE(comesToShow(18));
+    click(*button(0)); // first
+    EXPECT_TRUE(comesToShow(0));
+    click(*button(3)); // forward
+    EXPECT_TRUE(comesToShow(1));
+    click(*button(2)); // play
+    EXPECT_TRUE(comesTo([this] { return player()->isPlaying(); }));
+    EXPECT_TRUE(button(2)->isChecked());
+    EXPECT_TRUE(comesToShow(19));
+    EXPECT_TRUE(comesTo([this] { return !button(2)->isChecked(); }));
+}
+
+TEST_F(PlayerTest, AFrameIsGivenByItsNumberAndTheKeyboardGoesBackToTheView)
+{
+    openSeries(200);
+    auto* field = part<QSpinBox>("frameField");
+    click(*field, {8, field->height() / 2});
+    ASSERT_TRUE(comesTo([&] { return field->hasFocus(); }));
+    field->selectAll();
+    for (const char* key : {"1", "5", "0", "Return"})
+        pressRealKey(key);
+    EXPECT_TRUE(comesToShow(150));
+    EXPECT_TRUE(comesTo([&] { return !field->hasFocus(); }));
+    pressRealKey("period");
+    EXPECT_TRUE(comesToShow(151));
+}
+
+TEST_F(PlayerTest, ACommaInTheRateIsNoStepBack)
+{
+    openSeries(10);
+    pressRealKey("period");
+    ASSERT_TRUE(comesToShow(1));
+    auto* rate = part<QDoubleSpinBox>("rateField");
+    click(*rate, {8, rate->height() / 2});
+    ASSERT_TRUE(comesTo([&] { return rate->hasFocus(); }));
+    rate->selectAll();
+    for (const char* key : {"2", "comma", "5", "Return"})
+        pressRealKey(key);
+    EXPECT_TRUE(comesTo([&] { return bar()->getFramesPerSecond() == 2.5; }));
+    EXPECT_TRUE(isShown(1));
+}
+
+// What stays, and what is told
+
+TEST_F(PlayerTest, NodesAreUpdatedAndNeverMadeAnew)
+{
+    openSeries(30);
+    SoSearchAction search;
+    search.setType(SoNode::getClassTypeId());
+    search.setInterest(SoSearchAction::ALL);
+    search.setSearchingAll(TRUE);
+    const auto nodes = [&] {
+        search.reset();
+        search.setType(SoNode::getClassTypeId());
+        search.setInterest(SoSearchAction::ALL);
+        search.setSearchingAll(TRUE);
+        search.apply(scene);
+        std::set<const SoNode*> all;
+        for (int i = 0; i < search.getPaths().getLength(); ++i)
+            all.insert(search.getPaths()[i]->getTail());
+        return all;
+    };
+    const std::set<const SoNode*> before = nodes();
+    ASSERT_THAT(before.size(), Gt(10u));
+    pressRealKey("k");
+    ASSERT_TRUE(comesToShow(29));
+    EXPECT_EQ(nodes(), before);
+}
+
+TEST_F(PlayerTest, TheCameraHasRoomForAllFramesAndStaysWhileTheyArePlayed)
+{
+    openSeries(30);
+    const CameraNumbers before = window->getCameraNumbers();
+    EXPECT_GT(before.size, 0.02 * 29 * 16) << "the height of the last frame";
+    pressRealKey("k");
+    ASSERT_TRUE(comesToShow(29));
+    EXPECT_TRUE(window->getCameraNumbers() == before);
+    pressRealKey("a"); // moved by the user, it stays as well
+    ASSERT_TRUE(comesTo([&] { return !(window->getCameraNumbers() == before); }));
+    const CameraNumbers moved = window->getCameraNumbers();
+    pressRealKey("Control+Home");
+    ASSERT_TRUE(comesToShow(0));
+    EXPECT_TRUE(window->getCameraNumbers() == moved);
+}
+
+TEST_F(PlayerTest, TheColoursHaveTheRangeOfAllFramesOrOfEachItsOwn)
+{
+    for (const bool isOwn : {false, true}) {
+        options.colourBy = "curvature";
+        options.series.ownRange = isOwn;
+        openSeries(10);
+        pressRealKey("period"); // the first frame is straight
+        ASSERT_TRUE(comesToShow(1));
+        const double first = scene->getColouring()->max;
+        pressRealKey("Control+End");
+        ASSERT_TRUE(comesToShow(9));
+        const double last = scene->getColouring()->max;
+        if (isOwn)
+            EXPECT_GT(last, first + 0.01);
+        else
+            EXPECT_EQ(last, first);
+        EXPECT_GT(last, 0.1) << "the curvature of the last frame";
+    }
+}
+
+TEST_F(PlayerTest, AFrameThatCannotBeReadIsToldAndTheOthersArePlayed)
+{
+    std::string text = seriesText(3);
+    text.replace(text.find("\n\n\n") + 3, 1, "x"); // the first number of frame 1
+    open(write("broken.txt", text));
+    ASSERT_NE(player(), nullptr);
+    ASSERT_TRUE(comesTo([this] { return bar()->getCount() == 3; }));
+    pressRealKey("period");
+    ASSERT_TRUE(comesTo([this] { return player()->getFrame() == 1; }));
+    EXPECT_THAT(statusText(), HasSubstr("frame 1: "));
+    EXPECT_THAT(statusText(), HasSubstr("broken.txt:8: "));
+    EXPECT_EQ(frameOfScene(), 0u) << "what was shown stays";
+    pressRealKey("period");
+    ASSERT_TRUE(comesToShow(2));
+    EXPECT_EQ(frameOfScene(), 2u);
+}
+
+TEST_F(PlayerTest, FilesAreReadAgainAtTheFrameThatIsShown)
+{
+    openSeries(10);
+    pressRealKey("Control+End");
+    ASSERT_TRUE(comesToShow(9));
+    write("run.txt", seriesText(20));
+    pressRealKey("F5");
+    ASSERT_TRUE(comesTo([this] { return bar()->getCount() == 20; }));
+    EXPECT_TRUE(comesToShow(9));
+    window->openFiles({QString::fromStdString(write("still.txt", seriesText(1)))});
+    EXPECT_TRUE(comesTo([this] { return !player(); }));
+    EXPECT_FALSE(bar()->isVisible());
+}
+
+TEST_F(PlayerTest, AWindowIsClosedWhileItPlays)
+{
+    openSeries(500);
+    pressRealKey("k");
+    ASSERT_TRUE(comesTo([this] { return player()->getFrame() > 2; }));
+    window.reset();
+}
+
+// Trajectories that others wrote
+
+class PlayerOfOthers : public PlayerTest, public testing::WithParamInterface<const char*>
+{
+};
+
+INSTANTIATE_TEST_SUITE_P(Trajectories, PlayerOfOthers,
+                         testing::Values("rna_tile_traj.dat", "dsdna8_traj.dat",
+                                         "rna_tile_aligned_traj.dat", "softarm_br2.npz",
+                                         "tweezer10.xyz", "fibers3x3.txt"));
+
+TEST_P(PlayerOfOthers, PlaysThemToTheEnd)
+{
+    const char* const named = std::getenv("STRANDVIEW_TEST_DATA");
+    if (!named)
+        GTEST_SKIP() << "skipped: STRANDVIEW_TEST_DATA is not set";
+    options.series.framesPerSecond = 200;
+    open(std::string(named) + "/" + GetParam());
+    ASSERT_NE(player(), nullptr) << statusText();
+    ASSERT_TRUE(comesTo([this] { return !player()->getStore().getState().mayGrow; }));
+    const std::size_t last = player()->getStore().getState().count - 1;
+    ASSERT_THAT(last, Gt(0u));
+    std::set<std::size_t> seen;
+    QObject::connect(player(), &Player::frameShown, [&](std::size_t frame) { seen.insert(frame); });
+    pressRealKey("k");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return isShown(last); }, 100000)) << label();
+    EXPECT_THAT(statusText(), testing::Not(testing::ContainsRegex("frame [0-9]+: ")));
+}
+
+} // namespace strandview

@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "support/realInput.h"
+
+#include <memory>
+#include <stdexcept>
+#include <vector>
+
+#include <X11/Xlib.h>
+#include <X11/extensions/XTest.h>
+#include <X11/keysym.h>
+
+namespace {
+
+const unsigned LEFT_BUTTON = 1;
+
+Display* display()
+{
+    static const std::unique_ptr<Display, int (*)(Display*)> opened(XOpenDisplay(nullptr),
+                                                                    XCloseDisplay);
+    if (!opened)
+        throw std::runtime_error("no display");
+    return opened.get();
+}
+
+KeyCode codeOf(KeySym symbol) { return XKeysymToKeycode(display(), symbol); }
+
+KeySym symbolOf(const std::string& name)
+{
+    const KeySym symbol = XStringToKeysym(name.c_str());
+    if (symbol == NoSymbol || codeOf(symbol) == 0)
+        throw std::runtime_error("no key " + name);
+    return symbol;
+}
+
+void press(const std::vector<KeyCode>& keys)
+{
+    for (const KeyCode key : keys)
+        XTestFakeKeyEvent(display(), key, True, CurrentTime);
+    for (auto key = keys.rbegin(); key != keys.rend(); ++key)
+        XTestFakeKeyEvent(display(), *key, False, CurrentTime);
+    XFlush(display());
+}
+
+void button(bool down)
+{
+    XTestFakeButtonEvent(display(), LEFT_BUTTON, down ? True : False, CurrentTime);
+    XFlush(display());
+}
+
+} // namespace
+
+void pressRealKey(const std::string& name)
+{
+    std::vector<KeyCode> keys;
+    std::string rest = name;
+    for (std::size_t plus = rest.find('+'); plus != std::string::npos; plus = rest.find('+')) {
+        keys.push_back(codeOf(symbolOf(rest.substr(0, plus) + "_L")));
+        rest.erase(0, plus + 1);
+    }
+    const KeySym symbol = symbolOf(rest);
+    const KeyCode code = codeOf(symbol);
+    int perCode = 0;
+    const std::unique_ptr<KeySym, int (*)(void*)> symbols(
+        XGetKeyboardMapping(display(), code, 1, &perCode), XFree);
+    if (symbols.get()[0] != symbol)
+        keys.push_back(codeOf(XK_Shift_L));
+    keys.push_back(code);
+    press(keys);
+}
+
+void moveRealPointer(int x, int y)
+{
+    XTestFakeMotionEvent(display(), -1, x, y, CurrentTime);
+    XFlush(display());
+}
+
+void dragRealPointer(int fromX, int fromY, int toX, int toY)
+{
+    moveRealPointer(fromX, fromY);
+    button(true);
+    moveRealPointer(toX, toY);
+    button(false);
+}
+
+void clickRealButton(int x, int y) { dragRealPointer(x, y, x, y); }

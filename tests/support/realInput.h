@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_TESTS_REALINPUT_H
+#define STRANDVIEW_TESTS_REALINPUT_H
+
+#include <string>
+
+// Keys and mouse as the X server gives them to whoever has the keyboard, or is below the pointer:
+// not to a widget that a test chose.
+
+/// Presses and releases a key by its name, such as "k", "comma", "less", with what else has to be
+/// held for it; "Control+Home" with that.
+void pressRealKey(const std::string& name);
+
+/// Moves the pointer to a place of the screen, in pixels.
+void moveRealPointer(int x, int y);
+/// Presses the left button there, moves on, and releases it.
+void dragRealPointer(int fromX, int fromY, int toX, int toY);
+/// Presses and releases the left button there.
+void clickRealButton(int x, int y);
+
+#endif
