@@ -398,6 +398,9 @@ void addSeries(CLI::App& app, Options& options)
     app.add_flag("--align", series.align,
                  "Superpose each frame on the first: the least squares of all points")
         ->group(group);
+    addCount(app, "--between", series.between, 0, 1000,
+             "So many more frames between each two: points go straight, rotations turn [0]")
+        ->group(group);
     addCount(app, "--jobs", series.jobs, 0, 1000,
              "Render pictures with so many processes, or 0 for one per core [1]")
         ->needs(render)
@@ -491,6 +494,17 @@ void parseArguments(CLI::App& app, const std::vector<std::string>& arguments)
     app.parse(int(texts.size()), texts.data());
 }
 
+// What says of which pictures a series is made needs one.
+void checkForSeries(const Options& options)
+{
+    if (options.picture || options.series.listFrames)
+        return;
+    for (const char* name : {"--frames", "--between"})
+        if (std::count(options.given.begin(), options.given.end(), name) > 0)
+            throw CLI::ValidationError(name,
+                                       "found neither --render nor --list-frames, expected one");
+}
+
 // Every name with its two dashes.
 std::vector<std::string> namesOfOptions(const CLI::App& app)
 {
@@ -582,9 +596,7 @@ ParsedOptions parseOptions(int argc, const char* const* argv)
         options.look = lookOf(app);
         const bool needsFile =
             options.picture || options.info || options.exportFile || options.series.listFrames;
-        if (options.series.frames && !options.picture && !options.series.listFrames)
-            throw CLI::ValidationError("--frames",
-                                       "found neither --render nor --list-frames, expected one");
+        checkForSeries(options);
         if (needsFile && options.files.empty())
             throw CLI::RequiredError("FILE");
         if (std::count(options.files.begin(), options.files.end(), "-") > 1)

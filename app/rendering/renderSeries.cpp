@@ -9,6 +9,7 @@
 
 #include <QImage>
 
+#include <strandview/analysis/interpolate.h>
 #include <strandview/analysis/superpose.h>
 #include <strandview/formats/text/wording.h>
 
@@ -204,6 +205,22 @@ int renderFilm(FrameRenderer& renderer, const Options& options, const Frames& fr
     return fault.empty() ? status : CANNOT_WRITE;
 }
 
+// Puts further frames between those of a series where that is asked for: then the series that has
+// them, else null.
+const InterpolatedSeries* fillBetween(std::unique_ptr<Series>& series, const Options& options,
+                                      ReadReport& report)
+{
+    if (options.series.between == 0)
+        return nullptr;
+    if (series->count() == 1)
+        report.notices.push_back("--between has no effect: found 1 frame");
+    auto filled = std::make_unique<InterpolatedSeries>(std::move(series),
+                                                       std::size_t(options.series.between));
+    const InterpolatedSeries* const interpolated = filled.get();
+    series = std::move(filled);
+    return interpolated;
+}
+
 int fail(const std::string& error, const Interruption& interruption)
 {
     if (interruption.hasCome())
@@ -218,8 +235,8 @@ bool asksForSeries(const Options& options)
 {
     const SeriesRequest& series = options.series;
     return series.frames || series.isOfFiles || series.listFrames || options.frame ||
-           series.shard.count > 1 || series.stamp || series.align || series.overwrite ||
-           series.jobs != 1 ||
+           series.shard.count > 1 || series.stamp || series.align || series.between > 0 ||
+           series.overwrite || series.jobs != 1 ||
            (options.picture &&
             (PictureName(*options.picture).isPattern() || isFilm(*options.picture)));
 }
@@ -234,6 +251,7 @@ int renderSeries(const Options& options)
         return fail(report.error, interruption);
     if (options.series.align)
         opened.series = std::make_unique<SuperposedSeries>(std::move(opened.series));
+    const InterpolatedSeries* const interpolated = fillBetween(opened.series, options, report);
     Series& series = *opened.series;
     const std::vector<std::size_t> frames = askedFrames(options, opened, report);
     if (!report.error.empty())
@@ -243,6 +261,8 @@ int renderSeries(const Options& options)
 
     const std::optional<Stage> stage = makeStage(series, options, report, opening);
     opening.hide();
+    if (interpolated && !interpolated->getRefusal().empty())
+        return fail("--between: " + interpolated->getRefusal(), interruption);
     if (!stage)
         return fail(report.error, interruption);
     for (const std::string& notice : report.notices)

@@ -423,6 +423,57 @@ TEST_F(RenderSeriesTest, SuperposedFramesStayInPlace)
     }
 }
 
+// Of frames that are parts of one straight movement, what is put between them is what was there.
+TEST_F(RenderSeriesTest, FramesBetweenAreDrawnWhereTheyAreAskedFor)
+{
+    std::string all = "t x y z\n", some = all;
+    for (int frame = 0; frame < 5; ++frame) {
+        std::string rows;
+        for (int i = 0; i < 6; ++i)
+            rows += std::to_string(frame) + " " + std::to_string(i) + " " +
+                    std::to_string(i * i / 8.0) + " " + std::to_string(i * frame / 4.0) + "\n";
+        all += rows;
+        some += frame % 2 == 0 ? rows : "";
+    }
+    const std::string every = folder.write("every.txt", all), half = folder.write("half.txt", some);
+    EXPECT_EQ(run({"--render", pattern("every"), "--stamp", every}).status, 0);
+    EXPECT_EQ(run({"--render", pattern("half"), "--stamp", "--between", "1", half}).status, 0);
+    const auto imageOf = [&](const std::string& name) {
+        return QImage(QString::fromStdString(folder.path(name)));
+    };
+    for (const char* name : {"f_00.png", "f_01.png", "f_02.png", "f_03.png", "f_04.png"})
+        EXPECT_EQ(imageOf(std::string("half/") + name), imageOf(std::string("every/") + name))
+            << name;
+    const std::string alone = folder.path("alone.png");
+    EXPECT_EQ(run({"--render", alone, "--stamp", "--between", "1", "--frame", "3", half}).status,
+              0);
+    EXPECT_EQ(contentOf(alone), filesOf("half")["f_03.png"]);
+    EXPECT_EQ(
+        runProgram(STRANDVIEW_PROGRAM, {"--list-frames", "--between", "3", "--frames", ":3", half})
+            .output,
+        "0\t0\n1\t0.5\n2\t1\n");
+    EXPECT_EQ(run({"--render", alone, "--between", "3", "--frame", "9", half}).error,
+              "strandview: " + half + ": found frame 9, expected 0 to 8\n");
+}
+
+TEST_F(RenderSeriesTest, ThereIsNothingBetweenFramesOfOtherNumbersOfPoints)
+{
+    const std::string file = folder.write("grows.json", R"({"strandview": 1, "series": [
+        {"rods": [{"points": [[0,0,0],[1,0,0]]}]},
+        {"rods": [{"points": [[0,0,0],[1,0,0],[2,1,0]]}]}]})");
+    const ProgramRun result = run({"--render", pattern("out"), "--between", "4", file});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.error, "strandview: --between: between frames 0 and 1: found 3 points in rod "
+                            "1, expected 2\n");
+    EXPECT_THAT(namesOf("out"), IsEmpty());
+    EXPECT_EQ(run({"--render", pattern("out"), file}).status, 0);
+    const std::string still = folder.write("still.txt", "0 0 0\n0 0 3\n");
+    EXPECT_THAT(run({"--render", folder.path("a.png"), "--between", "2", still}).error,
+                HasSubstr("--between has no effect: found 1 frame"));
+    EXPECT_EQ(runProgram(STRANDVIEW_PROGRAM, {"--between", "1", file}).error,
+              "strandview: --between: found neither --render nor --list-frames, expected one\n");
+}
+
 TEST_F(RenderSeriesTest, AFilmHasEveryFrame)
 {
     const std::string film = folder.path("film.mp4");
