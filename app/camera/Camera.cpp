@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <utility>
 
 #include <Inventor/SbViewportRegion.h>
 #include <Inventor/actions/SoGetBoundingBoxAction.h>
@@ -44,9 +45,10 @@ SbBox3f boxOf(SoNode* scene, const SbViewportRegion& region)
 
 // The box's corners from a point, along the camera's own axes: to the right, up, and
 // against the viewing direction.
-std::array<SbVec3f, 8> cornersFrom(const SbVec3f& from, const SbBox3f& box, const SoCamera& camera)
+std::array<SbVec3f, 8> cornersFrom(const SbVec3f& from, const SbBox3f& box,
+                                   const SbRotation& orientation)
 {
-    const SbRotation toCamera = camera.orientation.getValue().inverse();
+    const SbRotation toCamera = orientation.inverse();
     std::array<SbVec3f, 8> corners;
     for (int i = 0; i < 8; ++i) {
         const SbVec3f corner(box.getMin()[0] + (i & 1 ? box.getSize()[0] : 0),
@@ -55,6 +57,11 @@ std::array<SbVec3f, 8> cornersFrom(const SbVec3f& from, const SbBox3f& box, cons
         toCamera.multVec(corner - from, corners[i]);
     }
     return corners;
+}
+
+std::array<SbVec3f, 8> cornersFrom(const SbVec3f& from, const SbBox3f& box, const SoCamera& camera)
+{
+    return cornersFrom(from, box, camera.orientation.getValue());
 }
 
 SbVec3f turned(const SoCamera& camera, const SbVec3f& v)
@@ -127,6 +134,32 @@ SbRotation rotationOf(const std::array<float, 4>& quaternion)
     std::copy(quaternion.begin(), quaternion.end(), const_cast<float*>(rotation.getValue()));
     return rotation;
 }
+
+SbVec3f turned(const SbVec3f& v, const SbRotation& rotation)
+{
+    SbVec3f result;
+    rotation.multVec(v, result);
+    return result;
+}
+
+// The upright cylinder, in a camera's own axes, that a box turns in.
+struct Cylinder
+{
+    Cylinder(const SbBox3f& box, const SbRotation& orientation)
+    {
+        for (const SbVec3f& corner : cornersFrom(box.getCenter(), box, orientation)) {
+            radius = std::max(radius, std::hypot(corner[0], corner[2]));
+            halfHeight = std::max(halfHeight, corner[1]);
+        }
+    }
+    // Along a normal, from its middle.
+    float reachAlong(const SbVec3f& normal) const
+    {
+        return radius * std::hypot(normal[0], normal[2]) + halfHeight * std::abs(normal[1]);
+    }
+
+    float radius = 0, halfHeight = 0;
+};
 
 // As fitScene(), for a scene that fills the box.
 void fitBox(SoCamera& camera, const SbBox3f& box, const SbViewportRegion& region, float bottom)
@@ -256,6 +289,52 @@ CameraNumbers numbersFor(const CameraRequest& request, const SbBox3f& box,
     fitBox(*camera, box, region, bottom);
     const CameraNumbers numbers = numbersOf(*camera);
     camera->unref();
+    return numbers;
+}
+
+CameraNumbers turnedAround(const CameraNumbers& camera, const SbVec3f& middle, double angle)
+{
+    const SbRotation orientation = rotationOf(camera.orientation);
+    const SbRotation turn(turned(SbVec3f(0, 1, 0), orientation), float(angle));
+    const SbVec3f place = middle + turned(SbVec3f(camera.position.data()) - middle, turn);
+    const SbRotation next = orientation * turn; // in this order
+    CameraNumbers numbers = camera;
+    std::copy_n(place.getValue(), 3, numbers.position.begin());
+    std::copy_n(next.getValue(), 4, numbers.orientation.begin());
+    return numbers;
+}
+
+CameraNumbers withRoomToTurn(const CameraNumbers& camera, const SbBox3f& box,
+                             const SbViewportRegion& region, float bottom)
+{
+    const SbRotation orientation = rotationOf(camera.orientation);
+    const SbVec3f place(camera.position.data()), back = place - box.getCenter();
+    const SbVec3f middle = turned(-back, orientation.inverse());
+    const Cylinder cylinder(box, orientation);
+    const float up = heightInShorterSides(region) *
+                     (camera.perspective ? std::tan(camera.size / 2) : camera.size / 2);
+    const float aside = up * region.getViewportAspectRatio();
+    // The view's sides: where they face, and how far out they are or how much they open.
+    const std::pair<SbVec3f, float> sides[] = {{{-1, 0, 0}, aside},
+                                               {{1, 0, 0}, aside},
+                                               {{0, -1, 0}, up},
+                                               {{0, 1, 0}, up * (1 - 2 * bottom)}};
+    float times = 1; // as far away
+    for (const auto& [inwards, opening] : sides) {
+        const SbVec3f normal = inwards - SbVec3f(0, 0, camera.perspective ? opening : 0);
+        const float distance = normal.dot(middle) + (camera.perspective ? 0 : opening);
+        const float reach = cylinder.reachAlong(normal);
+        if (distance > 0 && reach > distance)
+            times = std::max(times, MARGIN * reach / distance);
+    }
+    if (times == 1)
+        return camera;
+    CameraNumbers numbers = camera;
+    const SbVec3f farther = box.getCenter() + times * back;
+    std::copy_n(farther.getValue(), 3, numbers.position.begin());
+    numbers.focalDistance *= times;
+    if (!camera.perspective)
+        numbers.size *= times;
     return numbers;
 }
 

@@ -49,6 +49,16 @@ CameraNumbers numbersOf(const SoCamera& camera);
 CameraNumbers numbersFor(const CameraRequest& request, const SbBox3f& box,
                          const SbViewportRegion& region, float bottom);
 
+/// The camera after so much, in radians, of a circle to the right around the vertical of its view
+/// through a point: it keeps its distance from that, and what is up.
+CameraNumbers turnedAround(const CameraNumbers& camera, const SbVec3f& middle, double angle);
+
+/// The camera as far back from the middle of the box, at the same angle, as it takes for all of
+/// the box to be in view all along the circle around that; itself where it takes nothing. `bottom`
+/// is as in fitScene().
+CameraNumbers withRoomToTurn(const CameraNumbers& camera, const SbBox3f& box,
+                             const SbViewportRegion& region, float bottom);
+
 } // namespace strandview
 
 #endif

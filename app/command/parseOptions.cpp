@@ -28,7 +28,7 @@ namespace {
 // What the look of a picture does not depend on.
 const std::set<std::string> NOT_OF_LOOK{"render", "frame",     "frames",      "series",
                                         "shard",  "overwrite", "list-frames", "print-camera",
-                                        "jobs",   "fps",       "cache"};
+                                        "jobs",   "fps",       "cache",       "turn"};
 
 bool parseSize(const std::string& text, int& width, int& height)
 {
@@ -377,7 +377,6 @@ void addSeries(CLI::App& app, Options& options)
               "a slice A:B or A:B:STEP; --frame takes one",
               "The frames to render, as Python slices a list [all of them]")
         ->type_name("A:B:STEP")
-        ->excludes(app.get_option("--frame"))
         ->group(group);
     app.add_flag("--series", series.isOfFiles,
                  "Each file is a frame, in the order of their numbers; a folder is its files")
@@ -397,6 +396,10 @@ void addSeries(CLI::App& app, Options& options)
         ->group(group);
     app.add_flag("--align", series.align,
                  "Superpose each frame on the first: the least squares of all points")
+        ->group(group);
+    addCount(app, "--turn", series.turn, 1, 1'000'000,
+             "So many pictures around one frame, the first or that of --frame, while the camera "
+             "goes round it once to the right; --frames takes some of them")
         ->group(group);
     addCount(app, "--between", series.between, 0, 1000,
              "So many more frames between each two: points go straight, rotations turn [0]")
@@ -499,7 +502,7 @@ void checkForSeries(const Options& options)
 {
     if (options.picture || options.series.listFrames)
         return;
-    for (const char* name : {"--frames", "--between"})
+    for (const char* name : {"--frames", "--between", "--turn"})
         if (std::count(options.given.begin(), options.given.end(), name) > 0)
             throw CLI::ValidationError(name,
                                        "found neither --render nor --list-frames, expected one");
@@ -596,6 +599,8 @@ ParsedOptions parseOptions(int argc, const char* const* argv)
         options.look = lookOf(app);
         const bool needsFile =
             options.picture || options.info || options.exportFile || options.series.listFrames;
+        if (options.frame && options.series.frames && !options.series.turn)
+            throw CLI::ExcludesError("--frames", "--frame");
         checkForSeries(options);
         if (needsFile && options.files.empty())
             throw CLI::RequiredError("FILE");

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "rendering/FrameRenderer.h"
 
+#include <cmath>
 #include <new>
 #include <utility>
 
@@ -51,6 +52,17 @@ std::string describe(const Colouring& colouring)
            " " + formatted(colouring.constantMin) + " " + formatted(colouring.constantMax);
 }
 
+SbViewportRegion regionOf(const Options& options)
+{
+    return {short(options.pictureWidth), short(options.pictureHeight)};
+}
+
+// What a turn goes around: of still data there is one frame, whichever is asked for.
+std::size_t frameOfTurn(const Options& options, const Series& series)
+{
+    return series.count() == 1 ? 0 : std::size_t(options.frame.value_or(0));
+}
+
 std::string write(const QImage& image, const std::string& file)
 {
     try {
@@ -77,8 +89,8 @@ FrameRenderer::FrameRenderer(Series& framesToDraw, const Stage& commonStage,
     if (!stage.room.isEmpty()) {
         CameraRequest request = options.camera;
         request.side = request.side.value_or(stage.side);
-        const SbViewportRegion region{short(options.pictureWidth), short(options.pictureHeight)};
-        fixed = numbersFor(request, stage.room, region, stage.colouring ? LEGEND_HEIGHT : 0);
+        fixed =
+            numbersFor(request, stage.room, regionOf(options), stage.colouring ? LEGEND_HEIGHT : 0);
         camera = *fixed;
     }
     common = "strandview " STRANDVIEW_VERSION "\n" + options.look + "\n" + stage.first + "\n" +
@@ -122,10 +134,10 @@ void FrameRenderer::finish(const Done& done)
 std::string FrameRenderer::drawAlone(std::size_t frame, const Series::GoOn& goOn, QImage& image)
 {
     try {
-        const LoadedFrame loaded = series.load(frame, goOn);
-        if (!loaded.configuration)
-            return loaded.error;
-        Drawn drawn = draw(frame, *loaded.configuration, goOn);
+        const std::shared_ptr<const LoadedFrame> loaded = load(frame, goOn);
+        if (!loaded->configuration)
+            return loaded->error;
+        Drawn drawn = draw(frame, *loaded->configuration, goOn);
         image = drawn.image;
         return drawn.failure;
     } catch (const std::bad_alloc&) {
@@ -133,16 +145,34 @@ std::string FrameRenderer::drawAlone(std::size_t frame, const Series::GoOn& goOn
     }
 }
 
+// What a turn goes around is loaded once.
+std::shared_ptr<const LoadedFrame> FrameRenderer::load(std::size_t frame, const Series::GoOn& goOn)
+{
+    if (turned)
+        return turned;
+    if (options.series.turn)
+        frame = frameOfTurn(options, series);
+    auto loaded = std::make_shared<const LoadedFrame>(series.load(frame, goOn));
+    if (options.series.turn && loaded->configuration)
+        turned = loaded;
+    return loaded;
+}
+
 FrameRenderer::Drawn FrameRenderer::drawUnlessThere(std::size_t frame, const Series::GoOn& goOn)
 {
-    const LoadedFrame loaded = series.load(frame, goOn);
-    if (!loaded.configuration)
-        return {loaded.error};
-    const std::string fingerprint = fingerprintOf(frame, *loaded.configuration);
-    const bool isCameraKnown = fixed || !options.printCamera;
+    const std::shared_ptr<const LoadedFrame> loaded = load(frame, goOn);
+    if (!loaded->configuration)
+        return {loaded->error};
+    if (options.series.turn) { // the scene tells where its camera is
+        const std::string failure = show(*loaded->configuration, goOn);
+        if (!failure.empty())
+            return {failure};
+    }
+    const std::string fingerprint = fingerprintOf(frame, *loaded->configuration);
+    const bool isCameraKnown = (fixed && !options.series.turn) || !options.printCamera;
     if (!options.series.overwrite && isCameraKnown && isThere(name.of(frame), fingerprint))
         return {"", true};
-    Drawn drawn = draw(frame, *loaded.configuration, goOn);
+    Drawn drawn = draw(frame, *loaded->configuration, goOn);
     drawn.image.setText(FINGERPRINT, QString::fromStdString(fingerprint));
     return drawn;
 }
@@ -156,16 +186,18 @@ FrameRenderer::Drawn FrameRenderer::draw(std::size_t frame, const Configuration&
     if (options.series.stamp)
         scene->setStamp(makeStamp(stampOf(frame), options.background, stage.style.legendTextSize,
                                   float(options.pictureWidth) / float(options.pictureHeight)));
-    drawn.failure =
-        drawPicture(scene,
-                    {name.of(frame), options.pictureWidth, options.pictureHeight, options.samples,
-                     options.background, options.transparent, cameraOf(), scene->getLegendHeight()},
-                    drawn.image, &camera);
+    drawn.failure = drawPicture(scene,
+                                {name.of(frame), options.pictureWidth, options.pictureHeight,
+                                 options.samples, options.background, options.transparent,
+                                 cameraOf(frame), scene->getLegendHeight()},
+                                drawn.image, &camera);
     return drawn;
 }
 
 std::string FrameRenderer::show(const Configuration& data, const Series::GoOn& goOn)
 {
+    if (options.series.turn && scene)
+        return "";
     SilentProgress progress(goOn);
     if (!options.series.ownRange || !stage.colouring)
         return showOnStage(scene, stage, data, progress);
@@ -180,22 +212,48 @@ std::string FrameRenderer::show(const Configuration& data, const Series::GoOn& g
     return showOnStage(scene, own, data, progress);
 }
 
-std::string FrameRenderer::fingerprintOf(std::size_t frame, const Configuration& data) const
+std::string FrameRenderer::fingerprintOf(std::size_t frame, const Configuration& data)
 {
-    return digestOf(common + (options.series.stamp ? stampOf(frame) : "") + "\n" + digestOf(data));
+    const std::string ofFrame = common + (options.series.stamp ? stampOf(frame) : "") + "\n";
+    if (!options.series.turn)
+        return digestOf(ofFrame + digestOf(data));
+    if (digestOfTurned.empty())
+        digestOfTurned = digestOf(data);
+    const std::optional<CameraNumbers> own = findTurnedCamera(frame);
+    return digestOf(ofFrame + (own ? formatCamera(*own) + "\n" : "") + digestOfTurned);
 }
 
 std::string FrameRenderer::stampOf(std::size_t frame) const
 {
-    return stampText(frame, series.time(frame));
+    const std::size_t shown = options.series.turn ? frameOfTurn(options, series) : frame;
+    return stampText(shown, series.time(shown));
 }
 
-CameraRequest FrameRenderer::cameraOf() const
+// Nothing where it is the one that the frame has without a turn.
+std::optional<CameraNumbers> FrameRenderer::findTurnedCamera(std::size_t frame) const
 {
-    if (!fixed)
-        return scene->settle(options.camera);
-    CameraRequest request = options.camera;
-    request.numbers = fixed;
+    if (!options.series.turn || scene->getBox().isEmpty())
+        return {};
+    const SbBox3f& box = scene->getBox();
+    const SbViewportRegion region = regionOf(options);
+    const float bottom = scene->getLegendHeight();
+    const CameraNumbers still =
+        fixed ? *fixed : numbersFor(scene->settle(options.camera), box, region, bottom);
+    const CameraNumbers first =
+        options.camera.numbers ? still : withRoomToTurn(still, box, region, bottom);
+    if (frame == 0)
+        return first == still ? std::nullopt : std::optional(first);
+    return turnedAround(first, box.getCenter(),
+                        2 * M_PI * double(frame) / double(*options.series.turn));
+}
+
+CameraRequest FrameRenderer::cameraOf(std::size_t frame) const
+{
+    CameraRequest request = fixed ? options.camera : scene->settle(options.camera);
+    if (fixed)
+        request.numbers = fixed;
+    if (const std::optional<CameraNumbers> own = findTurnedCamera(frame))
+        request.numbers = own;
     return request;
 }
 

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <functional>
 #include <future>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -21,8 +22,9 @@ namespace strandview {
 
 class DataScene;
 
-/// Draws the pictures of a series' frames, one after the other, with one scene and one stage. A
-/// picture does not depend on those before it.
+/// Draws the pictures of a series' frames, one after the other, with one scene and one stage; or
+/// those of a turn around one frame, whose numbers count the steps of the turn then. A picture does
+/// not depend on those before it.
 ///
 /// In the thread that Coin is used in; a file is packed and written in another meanwhile.
 class FrameRenderer
@@ -51,7 +53,8 @@ public:
     /// Draws a frame for other uses. One line that says what failed, or nothing.
     std::string drawAlone(std::size_t frame, const Series::GoOn& goOn, QImage& image);
 
-    /// That of every frame; of still data meaningless before one was drawn.
+    /// That of every frame, or of the last picture of a turn; of still data meaningless before one
+    /// was drawn.
     const CameraNumbers& getCamera() const { return camera; }
 
 private:
@@ -63,19 +66,23 @@ private:
 
     struct Drawn;
 
+    std::shared_ptr<const LoadedFrame> load(std::size_t frame, const Series::GoOn& goOn);
     Drawn drawUnlessThere(std::size_t frame, const Series::GoOn& goOn);
     Drawn draw(std::size_t frame, const Configuration& data, const Series::GoOn& goOn);
     std::string show(const Configuration& data, const Series::GoOn& goOn);
-    std::string fingerprintOf(std::size_t frame, const Configuration& data) const;
+    std::string fingerprintOf(std::size_t frame, const Configuration& data);
     std::string stampOf(std::size_t frame) const;
-    CameraRequest cameraOf() const;
+    std::optional<CameraNumbers> findTurnedCamera(std::size_t frame) const;
+    CameraRequest cameraOf(std::size_t frame) const;
 
     Series& series;
     const Stage& stage;
     const Options& options;
     const PictureName name;
-    std::optional<CameraNumbers> fixed; ///< the camera of all frames; nothing of still data
-    std::string common;                 ///< to all fingerprints
+    std::optional<CameraNumbers> fixed;        ///< the camera of all frames; nothing of still data
+    std::string common;                        ///< to all fingerprints
+    std::shared_ptr<const LoadedFrame> turned; ///< what a turn goes around, once it is loaded
+    std::string digestOfTurned;
     DataScene* scene = nullptr;
     CameraNumbers camera{};
     std::optional<Written> written;

@@ -48,22 +48,29 @@ std::vector<std::size_t> askedFrames(const Options& options, const OpenedFiles& 
     const std::size_t count = opened.series->count();
     const bool isPattern =
         options.picture && (PictureName(*options.picture).isPattern() || isFilm(*options.picture));
+    const std::optional<int>& turn = options.series.turn;
+    const std::size_t most = turn ? std::size_t(*turn) : count;
+    const std::string noun = turn ? "picture" : "frame";
     std::vector<std::size_t> frames;
-    if (!options.frame && (options.series.frames || isPattern || options.series.listFrames))
-        frames = framesOf(options.series.frames.value_or(FrameSlice()), count);
-    else if (const std::optional<std::size_t> frame = shownFrame(opened, options, report))
-        frames.push_back(*frame);
+    const bool areSeveral = options.series.frames || isPattern || options.series.listFrames;
+    std::optional<std::size_t> shown; // alone, or by a turn
+    if (turn || options.frame || !areSeveral) {
+        shown = shownFrame(opened, options, report);
+        if (!shown)
+            return {};
+    }
+    if (turn || !shown)
+        frames = framesOf(options.series.frames.value_or(FrameSlice()), most);
     else
-        return {};
-    if (count > 1 && !options.frame && !options.series.frames && !isPattern &&
-        !options.series.listFrames)
+        frames.push_back(*shown);
+    if (count > 1 && shown && !options.frame && !options.series.listFrames)
         report.notices.push_back("the first of " + counted(count, "frame") +
                                  "; --frame N takes another, counted from 0");
     if (frames.empty())
-        error = "--frames: found none of " + counted(count, "frame") + ", expected one at least";
+        error = "--frames: found none of " + counted(most, noun) + ", expected one at least";
     if (frames.size() > 1 && options.picture && !isPattern)
         error = "--render: found " + inQuotes(*options.picture) + " for " +
-                counted(frames.size(), "frame") + ", expected a name with %d or %05d in it";
+                counted(frames.size(), noun) + ", expected a name with %d or %05d in it";
     return framesOf(options.series.shard, frames);
 }
 
@@ -78,7 +85,9 @@ int printOrTell(const std::string& answer)
 
 std::string lineOf(std::size_t frame, const Series& series, const Options& options)
 {
-    const std::optional<double> time = series.time(frame);
+    const std::optional<int>& turn = options.series.turn;
+    const std::optional<double> time =
+        turn ? 360 * double(frame) / double(*turn) : series.time(frame);
     std::string line = std::to_string(frame) + "\t" + (time ? formatted(*time) : "-");
     if (options.picture)
         line += "\t" + PictureName(*options.picture).of(frame);
@@ -234,7 +243,7 @@ int fail(const std::string& error, const Interruption& interruption)
 bool asksForSeries(const Options& options)
 {
     const SeriesRequest& series = options.series;
-    return series.frames || series.isOfFiles || series.listFrames || options.frame ||
+    return series.frames || series.turn || series.isOfFiles || series.listFrames || options.frame ||
            series.shard.count > 1 || series.stamp || series.align || series.between > 0 ||
            series.overwrite || series.jobs != 1 ||
            (options.picture &&
@@ -268,10 +277,12 @@ int renderSeries(const Options& options)
     for (const std::string& notice : report.notices)
         tell(notice);
     FrameRenderer renderer(series, *stage, options);
+    // Of a turn it is known to who drew the last picture.
+    const bool isCameraOfLast = options.printCamera && options.series.turn;
     int status = SUCCESS;
     if (isFilm(*options.picture))
         status = renderFilm(renderer, options, frames, interruption);
-    else if (options.series.jobs != 1)
+    else if (options.series.jobs != 1 && !isCameraOfLast)
         status = renderByWorkers(series, *stage, options, frames, interruption);
     else
         status = renderHere(renderer, frames, interruption);

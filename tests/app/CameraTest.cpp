@@ -129,6 +129,90 @@ TEST_F(CameraTest, FitsTheWholeBoxFromEverySideIntoAnyView)
     }
 }
 
+TEST_F(CameraTest, WithRoomToTurnTheWholeBoxIsInViewAllTheWayRound)
+{
+    const std::vector<SbVec2s> sizes{{400, 300}, {300, 400}, {256, 256}, {900, 30}};
+    const std::vector<SbVec3f> boxes{{2, 2, 2}, {10, 1, 0.1f}, {0.1f, 8, 1}, {1e-3f, 2e-3f, 1e-3f}};
+    for (const bool perspective : {false, true}) {
+        for (const Side side : SIDES) {
+            for (const SbVec2s& size : sizes) {
+                for (const float bottom : {0.0f, 0.12f, 0.5f}) {
+                    for (const SbVec3f& box : boxes) {
+                        SCOPED_TRACE(testing::Message()
+                                     << (perspective ? "perspective" : "orthographic") << " side "
+                                     << int(side) << ", " << size[0] << "x" << size[1]
+                                     << ", bottom " << bottom << ", box " << box[0]);
+                        makeScene(box);
+                        const SbBox3f filled(corners[0], corners[7]);
+                        const SbViewportRegion region(size);
+                        CameraRequest request;
+                        request.side = side;
+                        request.perspective = perspective;
+                        const CameraNumbers fitted = numbersFor(request, filled, region, bottom);
+                        const CameraNumbers start = withRoomToTurn(fitted, filled, region, bottom);
+                        EXPECT_LT(start.focalDistance, 40 * fitted.focalDistance);
+                        for (int i = 0; i < 24; ++i) {
+                            request.numbers =
+                                turnedAround(start, filled.getCenter(), 2 * M_PI * i / 24);
+                            SoCamera* camera = makeCamera(request, scene, region, bottom);
+                            camera->ref();
+                            const Seen seen = look(*camera, size);
+                            const float slack = 1e-3f;
+                            EXPECT_GE(seen.lowest[0], -slack);
+                            EXPECT_LE(seen.highest[0], 1 + slack);
+                            EXPECT_GE(seen.lowest[1], bottom - slack);
+                            EXPECT_LE(seen.highest[1], 1 + slack);
+                            EXPECT_GE(seen.lowest[2], camera->nearDistance.getValue());
+                            camera->unref();
+                        }
+                    }
+                }
+            }
+        }
+    }
+}
+
+TEST_F(CameraTest, ACameraThatHasRoomToTurnStaysWhereItIs)
+{
+    makeScene(SbVec3f(1, 8, 1));
+    const SbBox3f filled(corners[0], corners[7]);
+    const SbViewportRegion region(400, 300);
+    for (const bool perspective : {false, true}) {
+        CameraRequest request;
+        request.perspective = perspective;
+        const CameraNumbers fitted = numbersFor(request, filled, region, 0.1f);
+        EXPECT_EQ(withRoomToTurn(fitted, filled, region, 0.1f), fitted);
+    }
+}
+
+TEST_F(CameraTest, TurningGoesToTheRightAtOneDistanceAndComesBack)
+{
+    const SbBox3f box(2, -2, 1, 4, 0, 3);
+    const SbViewportRegion region(400, 300);
+    const std::vector<std::pair<Side, Side>> quarters{{Side::X, Side::Y},
+                                                      {Side::Y, Side::MINUS_X},
+                                                      {Side::MINUS_X, Side::MINUS_Y},
+                                                      {Side::MINUS_Y, Side::X}};
+    const auto expectSame = [](const CameraNumbers& a, const CameraNumbers& b) {
+        double dot = 0;
+        for (std::size_t i = 0; i < 4; ++i)
+            dot += double(a.orientation[i]) * double(b.orientation[i]);
+        EXPECT_NEAR(std::abs(dot), 1, 1e-6);
+        for (std::size_t i = 0; i < 3; ++i)
+            EXPECT_NEAR(a.position[i], b.position[i], 1e-5);
+        EXPECT_NEAR(a.size, b.size, 1e-5);
+        EXPECT_NEAR(a.focalDistance, b.focalDistance, 1e-5);
+    };
+    for (const auto& [side, right] : quarters) {
+        CameraRequest from, to;
+        from.side = side;
+        to.side = right;
+        const CameraNumbers start = numbersFor(from, box, region, 0);
+        expectSame(turnedAround(start, box.getCenter(), M_PI / 2), numbersFor(to, box, region, 0));
+        expectSame(turnedAround(start, box.getCenter(), 2 * M_PI), start);
+    }
+}
+
 TEST_F(CameraTest, AFittedOrthographicBoxLeavesTheMarginOnly)
 {
     makeScene(SbVec3f(4, 3, 2));

@@ -474,6 +474,77 @@ TEST_F(RenderSeriesTest, ThereIsNothingBetweenFramesOfOtherNumbersOfPoints)
               "strandview: --between: found neither --render nor --list-frames, expected one\n");
 }
 
+TEST_F(RenderSeriesTest, ATurnIsSoManyPicturesAroundOneFrameOfWhichTheFirstIsItsOwn)
+{
+    const std::vector<std::string> stamped{"--stamp", "--frame", "4", series};
+    const auto with = [&](std::vector<std::string> more) {
+        more.insert(more.end(), stamped.begin(), stamped.end());
+        return more;
+    };
+    EXPECT_EQ(run(with({"--render", pattern("turn"), "--turn", "6"})).status, 0);
+    EXPECT_EQ(namesOf("turn").size(), 6U);
+    EXPECT_EQ(run(with({"--render", folder.path("still.png")})).status, 0);
+    auto turn = filesOf("turn");
+    EXPECT_EQ(turn["f_00.png"], contentOf(folder.path("still.png")));
+    for (const char* name : {"f_01.png", "f_02.png", "f_03.png", "f_04.png", "f_05.png"})
+        EXPECT_NE(turn[name], turn["f_00.png"]) << name;
+
+    EXPECT_EQ(run(with({"--render", pattern("twelve"), "--turn", "12", "--frames", "::2"})).status,
+              0);
+    auto twelve = filesOf("twelve");
+    EXPECT_THAT(namesOf("twelve"), ElementsAre("f_00.png", "f_02.png", "f_04.png", "f_06.png",
+                                               "f_08.png", "f_10.png"));
+    EXPECT_EQ(twelve["f_00.png"], turn["f_00.png"]);
+    EXPECT_EQ(twelve["f_06.png"], turn["f_03.png"]) << "the same angle";
+}
+
+TEST_F(RenderSeriesTest, ATurnIsRenderedInPartsAsAnySeries)
+{
+    EXPECT_EQ(run({"--render", pattern("all"), "--turn", "6", series}).status, 0);
+    const std::string shards = pattern("shards");
+    for (const char* shard : {"0/2", "1/2"})
+        EXPECT_EQ(run({"--render", shards, "--turn", "6", "--shard", shard, series}).status, 0);
+    EXPECT_EQ(filesOf("shards"), filesOf("all"));
+    EXPECT_EQ(run({"--render", pattern("jobs"), "--turn", "6", "--jobs", "2", series}).status, 0);
+    EXPECT_EQ(filesOf("jobs"), filesOf("all"));
+    const auto timeOf = [&](const char* name) { return fs::last_write_time(folder.path(name)); };
+    const auto before = timeOf("all/f_05.png");
+    fs::remove(folder.path("all/f_02.png"));
+    EXPECT_EQ(run({"--render", folder.path("all/f_%02d.png"), "--turn", "6", series}).status, 0);
+    EXPECT_EQ(filesOf("shards"), filesOf("all"));
+    EXPECT_EQ(timeOf("all/f_05.png"), before);
+    EXPECT_EQ(run({"--render", folder.path("all/f_%02d.png"), "--turn", "7", series}).status, 0);
+    EXPECT_NE(filesOf("shards")["f_05.png"], filesOf("all")["f_05.png"]) << "of another angle";
+    EXPECT_EQ(run({"--render", folder.path("film.gif"), "--turn", "6", series}).status, 0);
+}
+
+TEST_F(RenderSeriesTest, WhatATurnIsAskedForIsToldAndListed)
+{
+    EXPECT_EQ(
+        run({"--list-frames", "--turn", "8", "--frames", "1::3", "--render", "t%d.png", series})
+            .output,
+        "1\t45\tt1.png\n4\t180\tt4.png\n7\t315\tt7.png\n");
+    const std::string one = folder.path("one.png");
+    EXPECT_THAT(run({"--render", one, "--turn", "8", "--frames", "5:6", series}).error,
+                HasSubstr("the first of 6 frames; --frame N takes another"));
+    EXPECT_TRUE(fs::exists(one));
+    for (const auto& [arguments, expected] :
+         std::vector<std::pair<std::vector<std::string>, std::string>>{
+             {{"--render", one, "--turn", "8", series}, "for 8 pictures, expected a name with %d"},
+             {{"--render", one, "--turn", "0", series}, "expected a whole number from 1 to"},
+             {{"--render", one, "--turn", "8", "--frames", "8:", series}, "none of 8 pictures"},
+             {{"--render", one, "--turn", "8", "--frame", "6", series}, "expected 0 to 5"},
+             {{"--render", one, "--frame", "1", "--frames", "1:2", series},
+              "--frames excludes --frame"}}) {
+        const ProgramRun result = run(arguments);
+        EXPECT_EQ(result.status, 2);
+        EXPECT_THAT(result.error, HasSubstr(expected));
+        EXPECT_EQ(std::count(result.error.begin(), result.error.end(), '\n'), 1) << result.error;
+    }
+    EXPECT_EQ(runProgram(STRANDVIEW_PROGRAM, {"--turn", "3", series}).error,
+              "strandview: --turn: found neither --render nor --list-frames, expected one\n");
+}
+
 TEST_F(RenderSeriesTest, AFilmHasEveryFrame)
 {
     const std::string film = folder.path("film.mp4");
