@@ -97,9 +97,15 @@ char complementOf(char base)
 DoubleStrands makeDoubleStrands(const Nucleotides& nucleotides, const NucleotideNames& names,
                                 const std::vector<StandardBase>& standard)
 {
+    return makeDoubleStrands(nucleotides, names, standard, findHelices(nucleotides));
+}
+
+DoubleStrands makeDoubleStrands(const Nucleotides& nucleotides, const NucleotideNames& names,
+                                const std::vector<StandardBase>& standard,
+                                std::vector<Helix> helices)
+{
     DoubleStrands all;
     all.molecules = findMolecules(nucleotides, names.strands);
-    std::vector<Helix> helices = findHelices(nucleotides);
     all.dnas.reserve(helices.size());
     for (Helix& some : helices) {
         const Helix helix = std::exchange(some, {}); // which takes no memory any more then

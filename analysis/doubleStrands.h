@@ -45,6 +45,10 @@ struct StandardBase
 STRANDVIEW_ANALYSIS_EXPORT DoubleStrands
 makeDoubleStrands(const std::vector<Nucleotide>& nucleotides, const NucleotideNames& names,
                   const std::vector<StandardBase>& standard = {});
+/// The same of helices that are known: each pair is in one of them.
+STRANDVIEW_ANALYSIS_EXPORT DoubleStrands
+makeDoubleStrands(const std::vector<Nucleotide>& nucleotides, const NucleotideNames& names,
+                  const std::vector<StandardBase>& standard, std::vector<Helix> helices);
 
 /// The letter that pairs with one of BASE_LETTERS; UNKNOWN_BASE for any other.
 STRANDVIEW_ANALYSIS_EXPORT char complementOf(char base);

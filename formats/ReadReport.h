@@ -4,10 +4,13 @@
 
 #include <cstddef>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
 namespace strandview {
+
+class KeptPairs;
 
 struct ReadOptions
 {
@@ -22,6 +25,11 @@ struct ReadOptions
     /// Of a configuration whose topology is another file: its path, where it is not found beside
     /// it.
     std::string topology = {};
+    /// Each frame of a series has the pairs of nucleotides that are found in it; else all have
+    /// those of the first one.
+    bool ownPairs = false;
+    /// Where those are kept while a series is read; openSeries() makes it.
+    std::shared_ptr<KeptPairs> pairs = {};
 };
 
 /// More than one, without having looked how many.

@@ -3,6 +3,7 @@
 
 #include <utility>
 
+#include <strandview/analysis/keptPairs.h>
 #include <strandview/formats/FileSeries.h>
 #include <strandview/formats/Source.h>
 #include <strandview/formats/formats.h>
@@ -10,6 +11,23 @@
 #include <strandview/model/MemorySeries.h>
 
 namespace strandview {
+
+namespace {
+
+// Lets the readers of a series keep its pairs.
+void keepPairs(ReadOptions& options)
+{
+    options.pairs = options.ownPairs ? nullptr : std::make_shared<KeptPairs>();
+}
+
+std::unique_ptr<Series> withPairs(std::unique_ptr<Series> series, const ReadOptions& options)
+{
+    if (!series || !options.pairs)
+        return series;
+    return std::make_unique<PairKeepingSeries>(std::move(series), options.pairs);
+}
+
+} // namespace
 
 std::unique_ptr<Series> openSeries(const std::vector<std::string>& paths,
                                    const ReadOptions& options, ReadReport& report)
@@ -24,7 +42,8 @@ std::unique_ptr<Series> openSeries(const std::vector<std::string>& paths,
         std::vector<std::string> frames;
         for (const FileGroup& group : groups)
             frames.push_back(group.path);
-        return std::make_unique<FileSeries>(std::move(frames), asked);
+        keepPairs(asked);
+        return withPairs(std::make_unique<FileSeries>(std::move(frames), asked), asked);
     }
     std::unique_ptr<Source> source = Source::open(groups.front().path, report);
     const Format* const format = source ? formatOf(*source, asked, report) : nullptr;
@@ -34,8 +53,11 @@ std::unique_ptr<Series> openSeries(const std::vector<std::string>& paths,
 std::unique_ptr<Series> openSeries(std::unique_ptr<Source> source, const Format& format,
                                    const ReadOptions& options, ReadReport& report)
 {
-    if (format.openSeries)
-        return format.openSeries(std::move(source), options, report);
+    if (format.openSeries) {
+        ReadOptions asked = options;
+        keepPairs(asked);
+        return withPairs(format.openSeries(std::move(source), asked, report), asked);
+    }
     std::optional<Configuration> only = format.read(*source, options, report);
     if (!only)
         return nullptr;

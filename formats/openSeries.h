@@ -18,6 +18,9 @@ class Source;
 /// Opens files as a series: of one file the frames that it has, of several files one frame
 /// each (FileSeries). Their formats are found as by readFile().
 ///
+/// Nucleotides that are pairs in the first frame are so in all of them, unless options.ownPairs
+/// (analysis/keptPairs.h).
+///
 /// The series is the caller's, and keeps what it reads from. Null and report.error if a single
 /// file cannot be opened, or if there is none; several are not looked at before they are
 /// loaded. The options hold for every frame, but for goOn, which is asked until this returns.

@@ -391,6 +391,17 @@ void addSeries(CLI::App& app, Options& options)
                  "Also render pictures that are there, made from the same")
         ->needs(render)
         ->group(group);
+    const auto parsePairs = [&series](const std::string& text) {
+        if (text != "first" && text != "frame")
+            throw CLI::ValidationError("--pairs",
+                                       "found " + inQuotes(text) + ", expected first or frame");
+        series.ownPairs = text == "frame";
+    };
+    app.add_option_function<std::string>("--pairs", parsePairs,
+                                         "Which nucleotides are pairs in all frames: those of the "
+                                         "first, or in each frame its own [first]")
+        ->type_name("WHICH")
+        ->group(group);
     app.add_flag("--stamp", series.stamp, "Write frame and time into the picture")
         ->needs(render)
         ->group(group);

@@ -43,7 +43,7 @@ void tellIdleOptions(const Options& options, ReadReport& report)
 {
     for (const std::string& option : options.given)
         if (option != "--export" && option != "--frame" && option != "--series" &&
-            option != "--normalise" && option != "--closed")
+            option != "--normalise" && option != "--closed" && option != "--pairs")
             report.notices.push_back(option + " has no effect: --export writes the data alone");
 }
 

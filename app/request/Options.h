@@ -34,6 +34,7 @@ struct SeriesRequest
     bool listFrames = false;     ///< instead of rendering them
     bool align = false;          ///< each frame is superposed on the first
     int between = 0;             ///< so many more frames between each two
+    bool ownPairs = false;       ///< each frame has the pairs of nucleotides that are found in it
     std::optional<int> turn;     ///< instead: so many pictures around one frame
     bool stamp = false;          ///< frame and time are written into the picture
     bool ownRange = false;       ///< each frame has a colour range of its own

@@ -59,6 +59,7 @@ struct Rule
 // The first rule that an option breaks is told.
 const Rule RULES[] = {{"--dna", &Shown::dna, "found no DNA"},
                       {"--dna-unit", &Shown::dna, "found no DNA"},
+                      {"--pairs", &Shown::dna, "found no DNA"},
                       {"--radius", &Shown::curves, "found no rods"},
                       {"--subsegments", &Shown::curves, "found no rods"},
                       {"--tube", &Shown::curves, "found no rods"},

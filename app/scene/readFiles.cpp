@@ -105,7 +105,7 @@ std::optional<Configuration> readFrame(const std::vector<std::string>& files,
 
 ReadOptions readOptionsOf(const Options& options, std::function<bool(double share)> goOn)
 {
-    return {options.normalise, std::move(goOn), options.closed};
+    return {options.normalise, std::move(goOn), options.closed, {}, options.series.ownPairs};
 }
 
 OpenedFiles openFiles(const std::vector<std::string>& files, const Options& options,

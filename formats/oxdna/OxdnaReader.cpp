@@ -13,6 +13,7 @@
 #include <algebra3d/largePages.h>
 
 #include <strandview/analysis/doubleStrands.h>
+#include <strandview/analysis/keptPairs.h>
 #include <strandview/analysis/mutuallyNearest.h>
 #include <strandview/formats/Collector.h>
 #include <strandview/formats/IndexedSeries.h>
@@ -96,14 +97,16 @@ public:
           options(readOptions),
           report(readReport),
           rows(frame.text, name, readReport, frame.line),
-          milestones(readOptions, frame.text.size())
+          milestones(readOptions, frame.text.size()),
+          pairs(readOptions.pairs ? *readOptions.pairs : ownPairs)
     {}
 
     FrameRead read()
     {
         if (!readHeader() || !readNucleotides())
             return {{}, isCut};
-        pair();
+        if (!pairs.pair(nucleotides, [this] { findPairs(); }))
+            report.notices.push_back(fileName + ": " + PAIRED_ALONE);
         return {makeConfiguration()};
     }
 
@@ -185,7 +188,7 @@ private:
         return false;
     }
 
-    void pair()
+    void findPairs()
     {
         Points sites;
         algebra3d::reserveMany(sites, positions.size());
@@ -213,7 +216,8 @@ private:
         const auto nameOf = [](std::size_t strand) { return std::to_string(strand + 1); };
         const auto placeOf = [](std::size_t i) { return "nucleotide " + std::to_string(i); };
         DoubleStrands all =
-            makeDoubleStrands(nucleotides, {fileName, topology.strands, nameOf, placeOf});
+            makeDoubleStrands(nucleotides, {fileName, topology.strands, nameOf, placeOf}, {},
+                              pairs.findHelices(nucleotides));
         nucleotides = std::vector<Nucleotide>();
         collector.add(std::move(all.dnas));
         collector.add(std::move(all.loneBases));
@@ -272,6 +276,8 @@ private:
     ReadReport& report;
     RowScanner rows;
     Milestones milestones;
+    KeptPairs ownPairs; ///< of no series
+    KeptPairs& pairs;
     // What is kept of a line: what nothing is made of any more goes, to spare memory.
     Points positions, axes; ///< r and a1, in units
     std::vector<Nucleotide> nucleotides;

@@ -34,7 +34,7 @@ STRANDVIEW_FORMATS_EXPORT std::optional<Configuration>
 readOxdna(Source& source, const ReadOptions& options, ReadReport& report);
 
 /// The configurations of a trajectory, with their times in steps of the simulation
-/// (IndexedSeries.h).
+/// (IndexedSeries.h). Pairs and helices are those that options.pairs has.
 STRANDVIEW_FORMATS_EXPORT std::unique_ptr<Series>
 openOxdna(std::unique_ptr<Source> source, const ReadOptions& options, ReadReport& report);
 

@@ -7,12 +7,14 @@
 #include <utility>
 #include <vector>
 
+#include <strandview/analysis/keptPairs.h>
 #include <strandview/formats/Source.h>
 #include <strandview/formats/structures/nucleicAcid.h>
 #include <strandview/formats/structures/readAtoms.h>
 #include <strandview/formats/text/encoding.h>
 #include <strandview/formats/text/fields.h>
 #include <strandview/formats/text/numbers.h>
+#include <strandview/formats/text/wording.h>
 #include <strandview/model/MemorySeries.h>
 
 namespace strandview {
@@ -112,7 +114,8 @@ std::optional<Configuration> readStructure(Source& source, const ReadOptions& op
     };
     if (!readModels(source, options, takeFirst, report))
         return {};
-    return makeNucleicAcid(first ? std::move(*first) : StructureModel(), source.getName(), report);
+    return makeNucleicAcid(first ? std::move(*first) : StructureModel(), source.getName(), report,
+                           options.pairs.get());
 }
 
 std::unique_ptr<Series> openStructures(std::unique_ptr<Source> source, const ReadOptions& options,
@@ -120,10 +123,17 @@ std::unique_ptr<Series> openStructures(std::unique_ptr<Source> source, const Rea
 {
     std::vector<Configuration> frames;
     bool hasDna = false;
+    std::vector<std::size_t> pairedAlone; // frames
+    const std::string alone = source->getName() + ": " + PAIRED_ALONE;
+    KeptPairs* const pairs = options.pairs.get();
     ReadReport ofModel;
     const auto takeEach = [&](StructureModel model) {
         ofModel = {};
-        auto made = makeNucleicAcid(std::move(model), source->getName(), ofModel);
+        if (pairs)
+            pairs->setKeeping(!hasDna);
+        auto made = makeNucleicAcid(std::move(model), source->getName(), ofModel, pairs);
+        if (std::count(ofModel.notices.begin(), ofModel.notices.end(), alone) > 0)
+            pairedAlone.push_back(frames.size());
         if (made && !hasDna)
             report.notices.insert(report.notices.end(), ofModel.notices.begin(),
                                   ofModel.notices.end());
@@ -139,6 +149,11 @@ std::unique_ptr<Series> openStructures(std::unique_ptr<Source> source, const Rea
         report.error = ofModel.error;
         return nullptr;
     }
+    if (!pairedAlone.empty())
+        report.notices.push_back(
+            source->getName() + ": " +
+            andMore("frame " + std::to_string(pairedAlone[0]), pairedAlone.size()) + ": " +
+            PAIRED_ALONE);
     return std::make_unique<MemorySeries>(std::move(frames));
 }
 

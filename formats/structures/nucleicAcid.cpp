@@ -12,6 +12,7 @@
 #include <strandview/analysis/basePairs.h>
 #include <strandview/analysis/doubleStrands.h>
 #include <strandview/analysis/fitFrame.h>
+#include <strandview/analysis/keptPairs.h>
 #include <strandview/formats/Collector.h>
 #include <strandview/formats/text/wording.h>
 
@@ -136,8 +137,9 @@ bool areBonded(const Residue& a, const Residue& b)
 class Builder
 {
 public:
-    Builder(StructureModel structure, const std::string& name, ReadReport& readReport)
-        : model(std::move(structure)), fileName(name), report(readReport)
+    Builder(StructureModel structure, const std::string& name, ReadReport& readReport,
+            KeptPairs& pairsOfSeries)
+        : model(std::move(structure)), fileName(name), report(readReport), pairs(pairsOfSeries)
     {}
 
     std::optional<Configuration> build()
@@ -151,7 +153,8 @@ public:
         findStrands();
         for (std::size_t i = 0; i < model.residues.size(); ++i)
             addBase(i);
-        pairBases(nucleotides);
+        if (!pairs.pair(nucleotides, [this] { pairBases(nucleotides); }))
+            notice(PAIRED_ALONE);
         tellWhatWasDone();
         return collect();
     }
@@ -354,7 +357,8 @@ private:
         const NucleotideNames names{fileName, strands.size(),
                                     [this](std::size_t strand) { return nameOf(strand); },
                                     [this](std::size_t i) { return placeOf(residueOf[i]); }};
-        DoubleStrands found = makeDoubleStrands(nucleotides, names, standardBases);
+        DoubleStrands found =
+            makeDoubleStrands(nucleotides, names, standardBases, pairs.findHelices(nucleotides));
         Collector collector;
         for (std::size_t strand = 0; strand < strands.size(); ++strand)
             addBackbone(strand, found.molecules[strand], collector);
@@ -405,6 +409,7 @@ private:
     StructureModel model;
     const std::string& fileName;
     ReadReport& report;
+    KeptPairs& pairs;
     std::vector<Strand> strands;
     std::vector<std::size_t> strandOf; ///< of every residue
     std::vector<Nucleotide> nucleotides;
@@ -421,9 +426,10 @@ private:
 } // namespace
 
 std::optional<Configuration> makeNucleicAcid(StructureModel model, const std::string& fileName,
-                                             ReadReport& report)
+                                             ReadReport& report, KeptPairs* pairs)
 {
-    return Builder(std::move(model), fileName, report).build();
+    KeptPairs own; // of no series
+    return Builder(std::move(model), fileName, report, pairs ? *pairs : own).build();
 }
 
 } // namespace strandview

@@ -12,6 +12,8 @@
 
 namespace strandview {
 
+class KeptPairs;
+
 /// The DNA of a model: double strands, bases in no pair, and backbones, each strand's through its
 /// phosphorus atoms. Lengths are in ångström.
 ///
@@ -20,9 +22,13 @@ namespace strandview {
 /// equal ones the first. A base is fitted to the atoms that it has, at least 4 of its ring's; the
 /// notices tell which were left out, what is shown as its parent base, and U as T.
 ///
+/// Where `pairs` are given, they have those of another model, or keep those of this one.
+///
 /// Nothing and report.error, "fileName: found protein alone, expected DNA", if there is none.
-STRANDVIEW_FORMATS_EXPORT std::optional<Configuration>
-makeNucleicAcid(StructureModel model, const std::string& fileName, ReadReport& report);
+STRANDVIEW_FORMATS_EXPORT std::optional<Configuration> makeNucleicAcid(StructureModel model,
+                                                                       const std::string& fileName,
+                                                                       ReadReport& report,
+                                                                       KeptPairs* pairs = nullptr);
 
 } // namespace strandview
 

@@ -355,6 +355,7 @@ TEST_F(RenderSeriesTest, WhatCannotBeIsToldInOneLineBeforeAnythingIsWritten)
         {{"--render", folder.path("a.gif"), "--transparent", series}, "expected a picture with"},
         {{"--render", one, "--fps", "0", series}, "expected a number from 0.01 to 1000"},
         {{"--render", one, "--jobs", "-1", series}, "expected a whole number from 0 to 1000"},
+        {{"--render", one, "--pairs", "all", series}, "found 'all', expected first or frame"},
         {{"--stamp", series}, "--render"}};
     for (const auto& [arguments, expected] : calls) {
         const ProgramRun result = run(arguments);
@@ -543,6 +544,33 @@ TEST_F(RenderSeriesTest, WhatATurnIsAskedForIsToldAndListed)
     }
     EXPECT_EQ(runProgram(STRANDVIEW_PROGRAM, {"--turn", "3", series}).error,
               "strandview: --turn: found neither --render nor --list-frames, expected one\n");
+}
+
+// Two facing bases that come apart and back, and come to face only later.
+TEST_F(RenderSeriesTest, PairsAreThoseOfTheFirstFrameInEveryPicture)
+{
+    folder.write("two.top", "2 2 5->3\nA\nT\n");
+    const auto frame = [](const std::string& place) {
+        return "t = 0\nb = 9 9 9\nE = 0 0 0\n" + place + " 0.6 0 0 -1 0 0 0 -1\n" +
+               "0 -0.6 0 0 1 0 0 0 1\n";
+    };
+    folder.write("two.dat", frame("0") + frame("2"));
+    const std::string file = folder.path("two.dat");
+    const auto render = [&](const std::string& name, std::vector<std::string> more) {
+        more.insert(more.end(), {"--render", pattern(name), "--dna", "pairs", file});
+        const ProgramRun result = run(more);
+        EXPECT_EQ(result.status, 0) << result.error;
+        return filesOf(name);
+    };
+    const auto all = render("all", {});
+    EXPECT_EQ(all.size(), 2U);
+    EXPECT_EQ(render("alone", {"--frame", "1"}).at("f_01.png"), all.at("f_01.png"));
+    const auto imageOf = [&](const std::string& name) {
+        return QImage(QString::fromStdString(folder.path(name)));
+    };
+    render("own", {"--pairs", "frame"});
+    EXPECT_EQ(imageOf("own/f_00.png").size(), imageOf("all/f_00.png").size());
+    EXPECT_NE(imageOf("own/f_01.png"), imageOf("all/f_01.png")) << "there is no pair's box";
 }
 
 TEST_F(RenderSeriesTest, AFilmHasEveryFrame)

@@ -900,7 +900,8 @@ TEST_F(StrandviewTest, HelpAndVersionGoToStandardOutput)
           "--view",        "--perspective", "--camera",    "--print-camera", "--screenshot-after",
           "--export",      "--frame",       "--info",      "--json",         "--frames",
           "--series",      "--shard",       "--overwrite", "--stamp",        "--list-frames",
-          "--jobs",        "--fps",         "--align",     "--between",      "--turn"})
+          "--jobs",        "--fps",         "--align",     "--between",      "--turn",
+          "--pairs"})
         EXPECT_THAT(help.output, HasSubstr(option));
 
     const ProgramRun version = run({"--version"});

@@ -45,9 +45,10 @@ TEST(IdleOptions, AreNoneWhereEachHasSomethingToActOn)
 
 TEST(IdleOptions, AreToldInTheirOrderWithTheReason)
 {
-    EXPECT_THAT(
-        findIdleOptions(given({"--dna-unit", "--dna"}), rods()),
-        ElementsAre("--dna-unit has no effect: found no DNA", "--dna has no effect: found no DNA"));
+    EXPECT_THAT(findIdleOptions(given({"--dna-unit", "--pairs", "--dna"}), rods()),
+                ElementsAre("--dna-unit has no effect: found no DNA",
+                            "--pairs has no effect: found no DNA",
+                            "--dna has no effect: found no DNA"));
     Options atoms = given({"--slices"});
     atoms.dna.backbone = false;
     EXPECT_THAT(findIdleOptions(atoms, dna()),

@@ -6,6 +6,7 @@
 #include <fstream>
 #include <iterator>
 #include <sstream>
+#include <tuple>
 
 #include <gmock/gmock.h>
 
@@ -179,6 +180,68 @@ TEST(OxdnaReader, ATrajectoryIsASeriesWithItsTimes)
     EXPECT_EQ(pairsIn(*frame.configuration), 5u);
 }
 
+namespace {
+
+// Three configurations of five pairs, of which one may have nucleotide 0 far away.
+std::string trajectoryOpenIn(std::size_t configuration)
+{
+    const std::string whole = contentOf(OURS + "duplex5_new.dat");
+    const std::string first = whole.substr(0, whole.find("t = 1000"));
+    const std::size_t row = first.find('\n', first.find("E = ")) + 1;
+    std::string text;
+    for (std::size_t i = 0; i < 3; ++i)
+        text += i == configuration ? first.substr(0, row) + "5" + first.substr(row + 1) : first;
+    return text;
+}
+
+std::vector<std::size_t> pairsInEach(Series& series, const std::vector<std::size_t>& frames)
+{
+    std::vector<std::size_t> pairs;
+    for (const std::size_t frame : frames) {
+        const LoadedFrame loaded = series.load(frame);
+        EXPECT_TRUE(loaded.configuration) << loaded.error;
+        pairs.push_back(loaded.configuration ? pairsIn(*loaded.configuration) : 0);
+    }
+    return pairs;
+}
+
+} // namespace
+
+TEST(OxdnaReader, PairsAreThoseOfTheFirstConfigurationUnlessEachHasItsOwn)
+{
+    const TemporaryFolder folder;
+    folder.write("run.top", contentOf(OURS + "duplex5_new.top"));
+    for (const auto& [open, kept, own] :
+         {std::tuple(0, ElementsAre(4, 4, 4), ElementsAre(4, 5, 5)),
+          std::tuple(1, ElementsAre(5, 5, 5), ElementsAre(5, 4, 5)),
+          std::tuple(2, ElementsAre(5, 5, 5), ElementsAre(5, 5, 4))}) {
+        SCOPED_TRACE(open);
+        const std::string path = folder.write("run.dat", trajectoryOpenIn(std::size_t(open)));
+        ReadReport report;
+        ReadOptions options;
+        EXPECT_THAT(pairsInEach(*openSeries({path}, options, report), {0, 1, 2}), kept);
+        for (const std::size_t alone : {2, 1}) {
+            const auto series = openSeries({path}, options, report);
+            EXPECT_EQ(pairsInEach(*series, {alone}), pairsInEach(*series, {0}));
+        }
+        options.ownPairs = true;
+        EXPECT_THAT(pairsInEach(*openSeries({path}, options, report), {0, 1, 2}), own);
+    }
+}
+
+TEST(OxdnaReader, FilesThatAreFramesHaveThePairsOfTheFirstFile)
+{
+    const TemporaryFolder folder;
+    folder.write("run.top", contentOf(OURS + "duplex5_new.top"));
+    const std::string open = trajectoryOpenIn(0);
+    const std::size_t second = open.find("t = ", 1);
+    const std::string a = folder.write("a.dat", open.substr(second, open.size() - second));
+    const std::string b = folder.write("b.dat", open.substr(0, second));
+    ReadReport report;
+    EXPECT_THAT(pairsInEach(*openSeries({a, b}, {}, report), {1, 0}), ElementsAre(5, 5));
+    EXPECT_THAT(pairsInEach(*openSeries({b, a}, {}, report), {1, 0}), ElementsAre(4, 4));
+}
+
 TEST(OxdnaReader, APackedTrajectoryIsASeriesToo)
 {
     const TemporaryFolder folder;
@@ -324,6 +387,27 @@ TEST_F(OxdnaOfOthers, ATrajectoryOfEightPairsHasThemInEveryFrame)
     EXPECT_NEAR(numbers.length, 24.349, 0.0005);
     EXPECT_NEAR(*numbers.meanTwist, 37.731, 0.001);
     EXPECT_NEAR(*numbers.meanRise, 3.441, 0.0005);
+}
+
+TEST_F(OxdnaOfOthers, AnRnaWhosePairsOpenAndCloseStaysTheSameHelices)
+{
+    const auto lengthsOf = [this](bool ownPairs) {
+        ReadReport report;
+        ReadOptions options;
+        options.ownPairs = ownPairs;
+        const auto series = openSeries({folder + "rna_tile_traj.dat"}, options, report);
+        std::vector<std::vector<std::size_t>> lengths(series->count());
+        for (std::size_t frame = 0; frame < series->count(); ++frame) {
+            const LoadedFrame loaded = series->load(frame);
+            for (const Dna& dna : loaded.configuration->dnas)
+                lengths[frame].push_back(dna.bases.size());
+        }
+        return lengths;
+    };
+    const auto kept = lengthsOf(false), own = lengthsOf(true);
+    EXPECT_EQ(kept[0], own[0]);
+    EXPECT_EQ(std::count(kept.begin(), kept.end(), kept[0]), 10);
+    EXPECT_LT(std::count(own.begin(), own.end(), own[0]), 10);
 }
 
 TEST_F(OxdnaOfOthers, ATopologyNamedAloneFindsItsConfiguration)

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <fstream>
+#include <functional>
 #include <map>
 #include <sstream>
 #include <string>
@@ -22,6 +23,7 @@
 #include <strandview/formats/writeJson.h>
 
 #include "support/FilesOfOthers.h"
+#include "support/TemporaryFolder.h"
 #include "support/structureTexts.h"
 
 namespace strandview {
@@ -120,6 +122,48 @@ TEST(StructureReader, ModelsAreTheFramesOfASeries)
             EXPECT_NEAR(loaded.configuration->dnas.at(0).pairPoints[0].x, 5 * double(frame), 0.01);
         }
     }
+}
+
+// Base pairs of every model of a text, whose second one may have residue 1 far away, or without a
+// base.
+std::vector<std::size_t> pairsOfModels(const std::function<void(TestAtom&)>& changeInSecond,
+                                       bool ownPairs, ReadReport& report)
+{
+    std::vector<TestAtom> atoms = twoModels();
+    for (TestAtom& atom : atoms)
+        if (atom.model == 2 && atom.number == 1 && atom.name[0] != 'P')
+            changeInSecond(atom);
+    const TemporaryFolder folder;
+    ReadOptions options;
+    options.ownPairs = ownPairs;
+    const auto series = openSeries({folder.write("two.pdb", pdbOf(atoms))}, options, report);
+    std::vector<std::size_t> pairs;
+    for (const std::size_t frame : {0, 1}) {
+        const LoadedFrame loaded = series->load(frame);
+        pairs.push_back(0);
+        for (const Dna& dna : loaded.configuration->dnas)
+            pairs.back() += dna.bases.size();
+    }
+    return pairs;
+}
+
+TEST(StructureReader, PairsAreThoseOfTheFirstModelUnlessEachHasItsOwn)
+{
+    const auto moveAway = [](TestAtom& atom) { atom.place.y += 20; };
+    ReadReport report;
+    EXPECT_THAT(pairsOfModels(moveAway, false, report), testing::ElementsAre(4, 4));
+    EXPECT_THAT(pairsOfModels(moveAway, true, report), testing::ElementsAre(4, 3));
+    EXPECT_THAT(report.notices, testing::IsEmpty());
+}
+
+TEST(StructureReader, AModelOfOtherNucleotidesHasItsOwnPairsAndIsTold)
+{
+    ReadReport report;
+    const auto dropBase = [](TestAtom& atom) { atom.name = "C1'"; };
+    EXPECT_THAT(pairsOfModels(dropBase, false, report), testing::ElementsAre(4, 3));
+    EXPECT_THAT(report.notices,
+                testing::Contains(testing::HasSubstr(
+                    "two.pdb: frame 1: found other nucleotides than in the first frame")));
 }
 
 TEST(StructureReader, AModelWithoutDnaIsAnEmptyFrame)
