@@ -54,25 +54,32 @@ std::string replaced(std::string text, const Values& values)
 
 } // namespace
 
-LeanPrograms::LeanPrograms(SoNode* graph)
+LeanPrograms::~LeanPrograms() { give(texts); }
+
+void LeanPrograms::use(SoNode* graph)
 {
     SoSearchAction search;
     search.setType(SoShaderProgram::getClassTypeId());
     search.setInterest(SoSearchAction::ALL);
     search.setSearchingAll(TRUE);
     search.apply(graph);
+    Texts before;
+    before.swap(texts);
     for (int i = 0; i < search.getPaths().getLength(); ++i)
-        make(static_cast<const SoShaderProgram&>(*search.getPaths()[i]->getTail()));
+        make(static_cast<const SoShaderProgram&>(*search.getPaths()[i]->getTail()), before);
+    give(before);
 }
 
-LeanPrograms::~LeanPrograms()
+void LeanPrograms::give(const Texts& texts)
 {
-    for (const auto& [shader, text] : texts)
+    for (const auto& [shader, text] : texts) {
         shader->sourceProgram = text.c_str();
+        shader->unref();
+    }
 }
 
 // Parameters belong to a whole program, whichever of its shaders they hang on.
-void LeanPrograms::make(const SoShaderProgram& program)
+void LeanPrograms::make(const SoShaderProgram& program, Texts& before)
 {
     Values values;
     std::vector<SoShaderObject*> shaders;
@@ -85,9 +92,15 @@ void LeanPrograms::make(const SoShaderProgram& program)
             shaders.push_back(shader);
     }
     for (SoShaderObject* shader : shaders) {
-        const std::string own = shader->sourceProgram.getValue().getString();
-        texts[shader] = own;
-        shader->sourceProgram = replaced(own, values).c_str();
+        if (const auto known = before.extract(shader)) {
+            texts[shader] = known.mapped();
+        } else {
+            shader->ref();
+            texts[shader] = shader->sourceProgram.getValue().getString();
+        }
+        const SbString lean(replaced(texts[shader], values).c_str());
+        if (shader->sourceProgram.getValue() != lean) // which has it made again
+            shader->sourceProgram = lean;
     }
 }
 

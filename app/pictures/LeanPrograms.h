@@ -11,24 +11,30 @@ class SoShaderProgram;
 
 namespace strandview {
 
-/// Draws a graph, while it lives, through shader programs in which only what the scene's parameters
-/// switch on is left: a condition of the scene's texts that asks for a light, its highlight, the
-/// texture or the perspective is replaced by what it is worth at present. A software driver works
-/// out both sides of every condition. Pixels are the same; a parameter that is changed meanwhile
-/// is not seen.
+/// Has a graph drawn, while it lives, through shader programs in which only what the scene's
+/// parameters switch on is left: a condition of the scene's texts that asks for a light, its
+/// highlight, the texture or the perspective is replaced by what it was worth when use() was called
+/// last. A software driver works out both sides of every condition. Pixels are the same.
 class LeanPrograms
 {
 public:
-    explicit LeanPrograms(SoNode* graph);
+    LeanPrograms() = default;
     /// The programs have their own texts again.
     ~LeanPrograms();
     LeanPrograms(const LeanPrograms&) = delete;
     LeanPrograms& operator=(const LeanPrograms&) = delete;
 
-private:
-    void make(const SoShaderProgram& program);
+    /// To be called before a graph is drawn. Programs that are as they were, as between the
+    /// pictures of a series, are not made again; those of graphs before have their own texts.
+    void use(SoNode* graph);
 
-    std::map<SoShaderObject*, std::string> texts; // their own
+private:
+    using Texts = std::map<SoShaderObject*, std::string>;
+
+    static void give(const Texts& texts);
+    void make(const SoShaderProgram& program, Texts& before);
+
+    Texts texts; ///< their own, of shaders that are referenced
 };
 
 } // namespace strandview

@@ -137,6 +137,11 @@ private:
     std::map<SoDrawStyle*, float> widths;
 };
 
+SbViewportRegion regionOf(const Picture& picture)
+{
+    return {short(picture.width), short(picture.height)};
+}
+
 // How a picture is rendered: in tiles of so many pixels, with a border of so many samples
 // around each. What is drawn in lines ends where its middle leaves the tile.
 struct Division
@@ -186,41 +191,6 @@ void setPixels(QImage& image, const QRect& part, const TileRenderer& renderer, i
                                  &black[std::size_t(below) * rowLength + border], &samples[border],
                                  rowLength);
     }
-}
-
-// Renders the graph into the image. Returns one line that says what failed, or nothing.
-std::string render(SoNode* graph, const SbViewportRegion& region, const Picture& picture,
-                   QImage& image)
-{
-    const int n = picture.samples;
-    const LineWidener lines(graph, n);
-    const LeanPrograms programs(graph);
-    const Division division = divide(picture, int(std::ceil(lines.getWidest() / 2)) + 1);
-    const SbVec2s tile{short(n * division.width + 2 * division.border),
-                       short(n * division.height + 2 * division.border)};
-
-    MessageCollector messages;
-    TileRenderer renderer(graph, region, n * picture.width, n * picture.height, tile);
-    std::vector<std::uint32_t> black;
-    for (int y = 0; y < picture.height; y += division.height) {
-        for (int x = 0; x < picture.width; x += division.width) {
-            const QRect part =
-                QRect(x, y, division.width, division.height).intersected(image.rect());
-            const int left = n * x - division.border;
-            const int below = n * (picture.height - 1 - part.bottom()) - division.border;
-            bool rendered =
-                renderer.render(left, below, picture.transparent ? BLACK : picture.background);
-            if (rendered && picture.transparent) {
-                black.resize(std::size_t(tile[0]) * tile[1]);
-                renderer.read(0, tile[1], black.data());
-                rendered = renderer.render(left, below, WHITE);
-            }
-            if (!rendered)
-                return "the picture could not be rendered: " + messages.first;
-            setPixels(image, part, renderer, tile[0], black, n, division.border);
-        }
-    }
-    return "";
 }
 
 // By Qt. Returns what failed, or nothing.
@@ -274,11 +244,14 @@ std::string saveImage(const QImage& image, const std::string& name)
     return file.finish();
 }
 
-std::string drawPicture(SoGeneralScene* scene, const Picture& picture, QImage& image,
-                        CameraNumbers* usedCamera)
+PictureWriter::PictureWriter() : programs(std::make_unique<LeanPrograms>()) {}
+
+PictureWriter::~PictureWriter() = default;
+
+std::string PictureWriter::draw(SoGeneralScene* scene, const Picture& picture, QImage& image,
+                                CameraNumbers* usedCamera)
 {
-    const SbViewportRegion region{short(picture.width), short(picture.height)};
-    SoCamera* camera = makeCamera(picture.camera, scene, region, picture.bottom);
+    SoCamera* camera = makeCamera(picture.camera, scene, regionOf(picture), picture.bottom);
     auto* root = new SoSeparator;
     root->ref();
     root->addChild(camera);
@@ -292,7 +265,7 @@ std::string drawPicture(SoGeneralScene* scene, const Picture& picture, QImage& i
     std::string failure = TOO_LITTLE_MEMORY;
     try {
         if (!image.isNull())
-            failure = render(root, region, picture, image);
+            failure = render(root, picture, image);
     } catch (const std::bad_alloc&) {
         failure = TOO_LITTLE_MEMORY;
     }
@@ -301,10 +274,55 @@ std::string drawPicture(SoGeneralScene* scene, const Picture& picture, QImage& i
     return failure;
 }
 
+std::string PictureWriter::render(SoNode* graph, const Picture& picture, QImage& image)
+{
+    const int n = picture.samples;
+    const LineWidener lines(graph, n);
+    programs->use(graph);
+    const Division division = divide(picture, int(std::ceil(lines.getWidest() / 2)) + 1);
+    const SbVec2s tile{short(n * division.width + 2 * division.border),
+                       short(n * division.height + 2 * division.border)};
+
+    MessageCollector messages;
+    TileRenderer& tiles = rendererFor(picture, tile);
+    std::vector<std::uint32_t> black;
+    for (int y = 0; y < picture.height; y += division.height) {
+        for (int x = 0; x < picture.width; x += division.width) {
+            const QRect part =
+                QRect(x, y, division.width, division.height).intersected(image.rect());
+            const int left = n * x - division.border;
+            const int below = n * (picture.height - 1 - part.bottom()) - division.border;
+            bool rendered =
+                tiles.render(graph, left, below, picture.transparent ? BLACK : picture.background);
+            if (rendered && picture.transparent) {
+                black.resize(std::size_t(tile[0]) * tile[1]);
+                tiles.read(0, tile[1], black.data());
+                rendered = tiles.render(graph, left, below, WHITE);
+            }
+            if (!rendered) {
+                renderer.reset(); // so that the next picture tries again
+                return "the picture could not be rendered: " + messages.first;
+            }
+            setPixels(image, part, tiles, tile[0], black, n, division.border);
+        }
+    }
+    return "";
+}
+
+TileRenderer& PictureWriter::rendererFor(const Picture& picture, const SbVec2s& tile)
+{
+    const int width = picture.samples * picture.width, height = picture.samples * picture.height;
+    if (!renderer || !renderer->fits(regionOf(picture), width, height, tile)) {
+        renderer.reset(); // its memory first
+        renderer = std::make_unique<TileRenderer>(regionOf(picture), width, height, tile);
+    }
+    return *renderer;
+}
+
 std::string writePicture(SoGeneralScene* scene, const Picture& picture, CameraNumbers* usedCamera)
 {
     QImage image;
-    std::string failure = drawPicture(scene, picture, image, usedCamera);
+    std::string failure = PictureWriter().draw(scene, picture, image, usedCamera);
     try {
         return failure.empty() ? saveImage(image, picture.file) : failure;
     } catch (const std::bad_alloc&) {

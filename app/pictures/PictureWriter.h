@@ -2,7 +2,10 @@
 #ifndef STRANDVIEW_APP_PICTURES_PICTUREWRITER_H
 #define STRANDVIEW_APP_PICTURES_PICTUREWRITER_H
 
+#include <memory>
 #include <string>
+
+#include <Inventor/SbVec2s.h>
 
 #include "request/CameraRequest.h"
 #include "request/Colour.h"
@@ -10,8 +13,12 @@
 class QImage;
 class QString;
 class SoGeneralScene;
+class SoNode;
 
 namespace strandview {
+
+class LeanPrograms;
+class TileRenderer;
 
 /// Larger pictures are rendered in tiles of at most so many samples, which take some 60 MB. A
 /// tile holds one pixel at least.
@@ -35,12 +42,31 @@ struct Picture
 /// says which can.
 std::string checkPictureName(const std::string& option, const std::string& file, bool transparent);
 
-/// Renders the scene off screen. Returns one line that says what failed, or nothing.
-/// `usedCamera`, if not null, is told the camera. The picture's file is not looked at.
-std::string drawPicture(SoGeneralScene* scene, const Picture& picture, QImage& image,
-                        CameraNumbers* usedCamera = nullptr);
+/// Renders scenes off screen, one picture after the other. What the pictures of a series have in
+/// common is made once: the OpenGL context with its memory, which is current from the first picture
+/// on as long as this lives, and the shader programs. A picture is the same whatever came before.
+class PictureWriter
+{
+public:
+    PictureWriter();
+    ~PictureWriter();
+    PictureWriter(const PictureWriter&) = delete;
+    PictureWriter& operator=(const PictureWriter&) = delete;
 
-/// Draws and saves it. The file appears complete or not at all.
+    /// Returns one line that says what failed, or nothing. `usedCamera`, if not null, is told the
+    /// camera. The picture's file is not looked at.
+    std::string draw(SoGeneralScene* scene, const Picture& picture, QImage& image,
+                     CameraNumbers* usedCamera = nullptr);
+
+private:
+    std::string render(SoNode* graph, const Picture& picture, QImage& image);
+    TileRenderer& rendererFor(const Picture& picture, const SbVec2s& tile);
+
+    std::unique_ptr<TileRenderer> renderer; ///< of the pictures drawn last
+    std::unique_ptr<LeanPrograms> programs;
+};
+
+/// Draws one picture and saves it. The file appears complete or not at all.
 std::string writePicture(SoGeneralScene* scene, const Picture& picture,
                          CameraNumbers* usedCamera = nullptr);
 

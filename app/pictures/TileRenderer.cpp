@@ -25,10 +25,9 @@ void setAxis(SbMatrix& toTile, int axis, int whole, int first, int tile)
 
 } // namespace
 
-TileRenderer::TileRenderer(SoNode* shownGraph, const SbViewportRegion& shape, int samplesAcross,
-                           int samplesUp, const SbVec2s& tile)
-    : graph(shownGraph),
-      region(shape),
+TileRenderer::TileRenderer(const SbViewportRegion& shape, int samplesAcross, int samplesUp,
+                           const SbVec2s& tile)
+    : region(shape),
       width(samplesAcross),
       height(samplesUp),
       narrowing(tile[0] != width || tile[1] != height),
@@ -42,7 +41,15 @@ TileRenderer::TileRenderer(SoNode* shownGraph, const SbViewportRegion& shape, in
         action.setAbortCallback(beforeNode, this);
 }
 
-bool TileRenderer::render(int samplesLeft, int samplesBelow, const Colour& background)
+bool TileRenderer::fits(const SbViewportRegion& shape, int samplesAcross, int samplesUp,
+                        const SbVec2s& tile) const
+{
+    return region == shape && width == samplesAcross && height == samplesUp &&
+           action.getViewportRegion().getWindowSize() == tile;
+}
+
+bool TileRenderer::render(SoNode* graph, int samplesLeft, int samplesBelow,
+                          const Colour& background)
 {
     if (!context.isValid())
         return false;

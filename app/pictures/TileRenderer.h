@@ -23,15 +23,17 @@ namespace strandview {
 class TileRenderer
 {
 public:
-    /// A picture of the region's shape with `width` x `height` samples, in tiles of one size.
-    TileRenderer(SoNode* graph, const SbViewportRegion& region, int width, int height,
-                 const SbVec2s& tile);
+    /// Pictures of the region's shape with `width` x `height` samples, in tiles of one size.
+    TileRenderer(const SbViewportRegion& region, int width, int height, const SbVec2s& tile);
     TileRenderer(const TileRenderer&) = delete;
     TileRenderer& operator=(const TileRenderer&) = delete;
 
+    /// Whether it makes these.
+    bool fits(const SbViewportRegion& region, int width, int height, const SbVec2s& tile) const;
+
     /// Renders the tile whose first sample has `left` samples to its left and `below` below
     /// it; both may be outside the picture. False if that failed.
-    bool render(int left, int below, const Colour& background);
+    bool render(SoNode* graph, int left, int below, const Colour& background);
 
     /// Samples of the tile that was rendered last, 0xAARRGGBB: so many whole rows, upwards. Alpha
     /// says nothing.
@@ -41,7 +43,6 @@ private:
     static SoGLRenderAction::AbortCode beforeNode(void* renderer);
     void narrow(SoCamera& camera) const;
 
-    SoNode* const graph;
     const SbViewportRegion region;
     const int width;
     const int height;

@@ -11,7 +11,6 @@
 #include <strandview/formats/text/wording.h>
 
 #include "camera/Camera.h"
-#include "pictures/PictureWriter.h"
 #include "scene/DataScene.h"
 #include "scene/Legend.h"
 #include "scene/Progress.h"
@@ -186,7 +185,7 @@ FrameRenderer::Drawn FrameRenderer::draw(std::size_t frame, const Configuration&
     if (options.series.stamp)
         scene->setStamp(makeStamp(stampOf(frame), options.background, stage.style.legendTextSize,
                                   float(options.pictureWidth) / float(options.pictureHeight)));
-    drawn.failure = drawPicture(scene,
+    drawn.failure = writer.draw(scene,
                                 {name.of(frame), options.pictureWidth, options.pictureHeight,
                                  options.samples, options.background, options.transparent,
                                  cameraOf(frame), scene->getLegendHeight()},

@@ -14,6 +14,7 @@
 
 #include <strandview/model/Series.h>
 
+#include "pictures/PictureWriter.h"
 #include "request/Options.h"
 #include "request/PictureName.h"
 #include "scene/Stage.h"
@@ -84,6 +85,7 @@ private:
     std::shared_ptr<const LoadedFrame> turned; ///< what a turn goes around, once it is loaded
     std::string digestOfTurned;
     DataScene* scene = nullptr;
+    PictureWriter writer;
     CameraNumbers camera{};
     std::optional<Written> written;
 };

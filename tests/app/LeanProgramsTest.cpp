@@ -72,8 +72,8 @@ protected:
     std::vector<std::uint32_t> render() const
     {
         const SbVec2s size(WIDTH, HEIGHT);
-        TileRenderer renderer(root, SbViewportRegion(size), WIDTH, HEIGHT, size);
-        EXPECT_TRUE(renderer.render(0, 0, {0, 0, 0}));
+        TileRenderer renderer(SbViewportRegion(size), WIDTH, HEIGHT, size);
+        EXPECT_TRUE(renderer.render(root, 0, 0, {0, 0, 0}));
         std::vector<std::uint32_t> samples(WIDTH * HEIGHT);
         renderer.read(0, HEIGHT, samples.data());
         return samples;
@@ -117,7 +117,8 @@ protected:
 // The plain program has no light to look at, the lit one no texture, and one light of three.
 TEST_F(LeanProgramsTest, AskForNothingThatIsSettled)
 {
-    const LeanPrograms lean(root);
+    LeanPrograms lean;
+    lean.use(root);
     for (const int group : {SOLID, SHADED}) {
         for (const char* condition : {"useTexture > 0", "useLight > 0"})
             EXPECT_THAT(text(group, FRAGMENT), Not(HasSubstr(condition)));
@@ -132,7 +133,8 @@ TEST_F(LeanProgramsTest, GiveBackThePrograms)
 {
     const std::string vertex = text(SHADED, VERTEX), fragment = text(SHADED, FRAGMENT);
     {
-        const LeanPrograms lean(root);
+        LeanPrograms lean;
+        lean.use(root);
         EXPECT_NE(text(SHADED, FRAGMENT), fragment);
     }
     for (const int group : {SOLID, SHADED}) {
@@ -144,13 +146,43 @@ TEST_F(LeanProgramsTest, GiveBackThePrograms)
 TEST_F(LeanProgramsTest, ShowWhatIsSwitchedOnBetweenTwoPictures)
 {
     const auto picture = [this] {
-        const LeanPrograms lean(root);
+        LeanPrograms lean;
+        lean.use(root);
         return render();
     };
     const std::vector<std::uint32_t> before = picture();
     Lighting(*scene).intensities->value.set1Value(2, 0.5f);
     EXPECT_NE(picture(), before);
     EXPECT_EQ(picture(), render());
+}
+
+TEST_F(LeanProgramsTest, AreNotMadeAgainWhereNothingChanged)
+{
+    LeanPrograms lean;
+    lean.use(root);
+    const std::string fragment = text(SHADED, FRAGMENT);
+    const SbUniqueId plain = shader(SOLID, FRAGMENT).getNodeId();
+    const SbUniqueId lit = shader(SHADED, FRAGMENT).getNodeId();
+    lean.use(root);
+    EXPECT_EQ(shader(SOLID, FRAGMENT).getNodeId(), plain);
+    EXPECT_EQ(shader(SHADED, FRAGMENT).getNodeId(), lit);
+    Lighting(*scene).intensities->value.set1Value(2, 0.5f);
+    lean.use(root);
+    EXPECT_NE(text(SHADED, FRAGMENT), fragment);
+}
+
+TEST_F(LeanProgramsTest, GiveThoseOfAGraphBackThatIsNoLongerUsed)
+{
+    const std::string fragment = text(SHADED, FRAGMENT);
+    LeanPrograms lean;
+    lean.use(root);
+    auto* other = new SoSeparator;
+    other->ref();
+    lean.use(other);
+    EXPECT_EQ(text(SHADED, FRAGMENT), fragment);
+    lean.use(root);
+    EXPECT_NE(text(SHADED, FRAGMENT), fragment);
+    other->unref();
 }
 
 TEST_F(LeanProgramsTest, DrawTheSamePixels)
@@ -191,7 +223,8 @@ TEST_F(LeanProgramsTest, DrawTheSamePixels)
         change();
         const std::vector<std::uint32_t> own = render();
         EXPECT_NE(own, last);
-        const LeanPrograms lean(root);
+        LeanPrograms lean;
+        lean.use(root);
         EXPECT_EQ(render(), own);
         last = own;
     }

@@ -189,6 +189,53 @@ TEST(Picture, OfAnyShapeIsRenderedInTiles)
     scene->unref();
 }
 
+// Of other scenes, sizes, samples, numbers of tiles and cameras.
+TEST(Picture, IsTheSameWhateverItsWriterHasDrawnBefore)
+{
+    initialiseSceneOnce();
+    std::vector<DataScene*> scenes;
+    for (const char* name : {"trefoil.txt", "glyphs.json", "dna_bent.txt"}) {
+        ReadReport report;
+        scenes.push_back(loadScene({std::string(SAMPLES_FOLDER) + "/" + name}, {}, report));
+        ASSERT_NE(scenes.back(), nullptr) << report.error;
+        scenes.back()->ref();
+    }
+    struct Change
+    {
+        std::size_t scene;
+        int width, samples, samplesAtOnce;
+        bool transparent, perspective;
+    };
+    const Change changes[] = {{0, 90, 1, SAMPLES_AT_ONCE, false, false},
+                              {0, 90, 1, SAMPLES_AT_ONCE, false, true},
+                              {1, 90, 3, SAMPLES_AT_ONCE, false, true},
+                              {1, 90, 3, SAMPLES_AT_ONCE, true, true},
+                              {2, 70, 1, 1000, false, false},
+                              {2, 70, 1, 1000, false, true},
+                              {0, 90, 1, SAMPLES_AT_ONCE, false, false}};
+    PictureWriter writer;
+    for (const Change& change : changes) {
+        DataScene* scene = scenes[change.scene];
+        CameraRequest camera;
+        camera.perspective = change.perspective;
+        const Picture picture{"",
+                              change.width,
+                              60,
+                              change.samples,
+                              {1, 1, 1},
+                              change.transparent,
+                              scene->settle(camera),
+                              scene->getLegendHeight(),
+                              change.samplesAtOnce};
+        QImage after, alone;
+        EXPECT_EQ(writer.draw(scene, picture, after), "");
+        EXPECT_EQ(PictureWriter().draw(scene, picture, alone), "");
+        EXPECT_EQ(after, alone);
+    }
+    for (DataScene* scene : scenes)
+        scene->unref();
+}
+
 // What adds its light to all that is behind it hides nothing in the other two channels.
 TEST(Picture, WhatShinesInOneChannelAloneIsSeenWithoutTheBackground)
 {

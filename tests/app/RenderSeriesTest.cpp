@@ -170,6 +170,41 @@ TEST_F(RenderSeriesTest, EveryPictureIsThatOfItsFrameAloneByteForByte)
     }
 }
 
+// What stays, what moves, what comes and what goes, long enough for Coin to keep what stays.
+TEST_F(RenderSeriesTest, NoPictureShowsATraceOfThoseBefore)
+{
+    std::string text = R"({"strandview": 1, "series": [)";
+    const std::size_t frames = 9;
+    for (std::size_t frame = 0; frame < frames; ++frame) {
+        const std::string x = std::to_string(frame);
+        text += frame == 0 ? "{" : ", {";
+        text += R"("markers": [{"point": [1, 1, 1]}],
+            "arrows": [{"from": [0, 0, )" +
+                x + R"(], "to": [0, 1, 0]}], "rods": [)";
+        for (std::size_t rod = 0; rod <= frame % 3; ++rod)
+            text += (rod == 0 ? R"({"points": [[0, )" : R"(, {"points": [[0, )") +
+                    std::to_string(rod) + ", 0], [2, 1, 0], [" + x + ", 3, 2]]}";
+        text += frame % 4 == 1
+                    ? R"(], "dna": [{"sequence": "AC", "pairs": {"points": [[0, 0, 0], [0, 0, 3]],
+            "quaternions": [[0, 0, 0, 1], [0, 0, 0, 1]]}}]})"
+                    : "]}";
+    }
+    const std::string file = folder.write("things.json", text + "]}");
+    const std::vector<std::string> look{"--perspective", "--transparent", "--overwrite", file};
+    std::vector<std::string> all = look;
+    all.insert(all.end(), {"--render", pattern("all")});
+    const ProgramRun result = run(all);
+    EXPECT_EQ(result.status, 0) << result.error;
+    const std::string alone = folder.path("alone.png");
+    for (std::size_t frame = 0; frame < frames; ++frame) {
+        std::vector<std::string> one = look;
+        one.insert(one.end(), {"--render", alone, "--frame", std::to_string(frame)});
+        EXPECT_EQ(run(one).status, 0);
+        EXPECT_EQ(filesOf("all")["f_0" + std::to_string(frame) + ".png"], contentOf(alone))
+            << frame;
+    }
+}
+
 TEST_F(RenderSeriesTest, TheFirstFrameIsThePictureOfASeriesThatNobodyAskedMoreOf)
 {
     const std::string plain = folder.path("plain.png"), first = folder.path("first.png");

@@ -62,8 +62,8 @@ protected:
     // The samples of a tile, upwards.
     std::vector<Sample> render(int left, int below, const SbVec2s& tile)
     {
-        TileRenderer renderer(scene, SbViewportRegion(WIDTH, HEIGHT), WIDTH, HEIGHT, tile);
-        EXPECT_TRUE(renderer.render(left, below, BLUE));
+        TileRenderer renderer(SbViewportRegion(WIDTH, HEIGHT), WIDTH, HEIGHT, tile);
+        EXPECT_TRUE(renderer.render(scene, left, below, BLUE));
         return readTwice(renderer, tile);
     }
 
@@ -122,11 +122,11 @@ TEST_F(TileRendererTest, ATileMayReachBeyondThePicture)
 TEST_F(TileRendererTest, NeighboursNeedNoRendererOfTheirOwn)
 {
     const SbVec2s tile(20, 20);
-    TileRenderer renderer(scene, SbViewportRegion(WIDTH, HEIGHT), WIDTH, HEIGHT, tile);
+    TileRenderer renderer(SbViewportRegion(WIDTH, HEIGHT), WIDTH, HEIGHT, tile);
     int red = 0;
     for (int below = 0; below < HEIGHT; below += tile[1]) {
         for (int left = 0; left < WIDTH; left += tile[0]) {
-            ASSERT_TRUE(renderer.render(left, below, BLUE));
+            ASSERT_TRUE(renderer.render(scene, left, below, BLUE));
             for (const Sample& sample : readTwice(renderer, tile))
                 red += sample == IN_RED;
         }

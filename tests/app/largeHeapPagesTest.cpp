@@ -45,7 +45,8 @@ bool systemHasLargePages()
 
 } // namespace
 
-// In processes of their own: what is asked for stays so.
+// In processes of their own, begun anew: what is asked for stays so, and what other tests have
+// freed would be taken first.
 TEST(LargeHeapPages, AreAskedForAQuarterOfAGigabyte)
 {
 #ifdef __SANITIZE_ADDRESS__
@@ -53,6 +54,7 @@ TEST(LargeHeapPages, AreAskedForAQuarterOfAGigabyte)
 #endif
     if (!systemHasLargePages())
         GTEST_SKIP() << "the system has none";
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
     const std::size_t most = 1 << 27, asked = (1 << 28) - (1 << 22);
     EXPECT_EXIT(std::exit(bytesAskedFor() < most ? 0 : 1), testing::ExitedWithCode(0), "");
     EXPECT_EXIT(
