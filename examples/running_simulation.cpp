@@ -109,6 +109,7 @@ int main(int count, char** argv)
     const double duration = count > 2 ? std::atof(argv[2]) : 0;
     VibratingString string(pointCount);
     auto* rod = new SoRod(0.05, 0.4, 12, pointCount < 5000 ? 2 : 1, true, true, false);
+    rod->drawCoarsely(true); // more rows than pixels are not seen
     int rebuilds = 0, frames = 0;
     double rebuilding = 0; // seconds
     const auto show = [&] {

@@ -21,6 +21,22 @@ void SoMeshShape::shapeVertex(const SoPrimitiveVertex* vertex) { SoShape::shapeV
 
 void SoMeshShape::endShape() { SoShape::endShape(); }
 
+void SoMeshShape::drawCoarsely(bool nearRowsLeftOut)
+{
+    if (coarse == nearRowsLeftOut)
+        return;
+    coarse = nearRowsLeftOut;
+    touch();
+}
+
+bool SoMeshShape::isDrawnCoarsely() const { return coarse; }
+
+void SoMeshShape::copyContents(const SoFieldContainer* from, SbBool copyConnections)
+{
+    SoShape::copyContents(from, copyConnections);
+    coarse = static_cast<const SoMeshShape*>(from)->coarse;
+}
+
 void SoMeshShape::getBoundingBox(SoGetBoundingBoxAction* action)
 {
     if (!action)

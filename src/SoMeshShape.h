@@ -30,6 +30,15 @@ public:
     void shapeVertex(const SoPrimitiveVertex* vertex);
     void endShape();
 
+    /// Whether a drawing may leave out rows that are nearer to each other than half a pixel: for
+    /// what changes in every frame, whose triangles, smaller than a pixel, would take longer than
+    /// its data. What is seen stays within half a pixel, its colours are those of rows that are
+    /// left. For drawing alone, not for other actions; from a thousand rows on. At first not.
+    void drawCoarsely(bool coarse);
+    bool isDrawnCoarsely() const;
+
+    void copyContents(const SoFieldContainer* from, SbBool copyConnections) override;
+
     /// Extends the action's box by that of computeBBox and sets its centre; an empty
     /// box, or no action, adds nothing.
     void getBoundingBox(SoGetBoundingBoxAction* action) override;
@@ -37,6 +46,9 @@ public:
 protected:
     SoMeshShape();
     ~SoMeshShape() override;
+
+private:
+    bool coarse = false;
 };
 
 #endif

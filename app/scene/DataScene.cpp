@@ -15,6 +15,7 @@
 #include <Inventor/nodes/SoSwitch.h>
 
 #include <BiarcTubeMesh.h>
+#include <SoMeshShape.h>
 
 #include "scene/Legend.h"
 
@@ -51,6 +52,12 @@ bool areAlike(const Colouring& one, const Colouring& other)
            one.isMissing == other.isMissing;
 }
 
+void setCoarse(const ShownDatum& datum, bool coarse)
+{
+    if (auto* const shape = dynamic_cast<SoMeshShape*>(datum.node))
+        shape->drawCoarsely(coarse);
+}
+
 } // namespace
 
 DataScene::DataScene(const Placement& placementOfData, const Style& styleOfData)
@@ -63,8 +70,18 @@ const std::vector<ShownDatum>& DataScene::getShown(std::size_t kind) const
     return kind < kinds.size() ? kinds[kind].data : none;
 }
 
+void DataScene::drawCoarsely(bool nearRowsLeftOut)
+{
+    coarse = nearRowsLeftOut;
+    for (const Kind& kind : kinds) {
+        for (const ShownDatum& datum : kind.data)
+            setCoarse(datum, coarse);
+    }
+}
+
 void DataScene::add(std::size_t kind, const ShownDatum& datum)
 {
+    setCoarse(datum, coarse);
     while (kinds.size() <= kind) {
         kinds.push_back({new SoGroup, {}});
         addChanging(kinds.back().group);

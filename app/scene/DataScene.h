@@ -75,6 +75,10 @@ public:
     /// Keeps the legend readable on another background.
     void setBackground(const Colour& background);
 
+    /// Whether rods and birods are drawn without rows that nobody tells apart: see
+    /// SoMeshShape::drawCoarsely(). For a window while its data change; at first not.
+    void drawCoarsely(bool coarse);
+
     /// Draws a stamp over the scene, or none of null, instead of the one before.
     void setStamp(SoNode* stamp);
 
@@ -117,6 +121,7 @@ private:
     SbBox3f room;                                    ///< for other frames
     Side standardSide = Side::Z;
     std::optional<Colouring> colouring;
+    bool coarse = false;
     SoSwitch* legend = nullptr;
     SoNode* stamp = nullptr;
     Shininess highlights;           ///< while colours are shown: those without

@@ -74,12 +74,12 @@ bool areEqualFloats(const Vector& a, const Vector& b)
 }
 
 // Whether the last column is the first, and, without caps, the last row is.
-bool meetsItself(Mesh& mesh, bool hasCaps)
+bool meetsItself(Mesh& mesh, const MeshRows& rows, bool hasCaps)
 {
     Vector** const points = mesh.getPoints();
     const int height = mesh.getHeight(), width = mesh.getWidth();
-    for (int i = 0; i < height; ++i) {
-        if (!areEqualFloats(points[i][0], points[i][width - 1]))
+    for (int i = 0; i < rows.getSize(); ++i) {
+        if (!areEqualFloats(points[rows[i]][0], points[rows[i]][width - 1]))
             return false;
     }
     return hasCaps || std::equal(points[0], points[0] + width, points[height - 1], areEqualFloats);
@@ -139,26 +139,27 @@ void leaveOutEnds(ClosedTube& tube, Vector** points)
 
 } // namespace
 
-std::optional<ClosedTube> measureClosedTube(Mesh& mesh, bool hasCaps)
+std::optional<ClosedTube> measureClosedTube(Mesh& mesh, const MeshRows& rows, bool hasCaps)
 {
     const double infinite = std::numeric_limits<double>::infinity();
     const int height = mesh.getHeight(), width = mesh.getWidth();
-    if (!mesh.isValid() || height < 2 || width < 6 || !meetsItself(mesh, hasCaps))
+    if (!mesh.isValid() || height < 2 || width < 6 || !meetsItself(mesh, rows, hasCaps))
         return {};
     Vector **const points = mesh.getPoints(), **const normals = mesh.getNormals();
     ClosedTube tube = {0, infinite, {infinite, infinite, infinite}, {}, 0, height};
     tube.maximum = -tube.minimum;
     const double enough = 1 - LARGEST_SLANT * LARGEST_SLANT;
     double least = 1;
-    for (int i = 0; i < height; ++i) {
-        if (!areUnit(normals[i], width))
+    for (int i = 0; i < rows.getSize(); ++i) {
+        const int row = rows[i];
+        if (!areUnit(normals[row], width))
             return {};
         for (int j = 0; j + 1 < width; ++j)
-            extend(tube, points[i][j]);
-        tube.radius = std::min(tube.radius, radiusOf(points[i], width));
-        if (i + 1 < height)
-            least = std::min(least, leastCosineOfStrip(points[i], points[i + 1], normals[i],
-                                                       normals[i + 1], width));
+            extend(tube, points[row][j]);
+        tube.radius = std::min(tube.radius, radiusOf(points[row], width));
+        if (i + 1 < rows.getSize())
+            least = std::min(least, leastCosineOfStrip(points[row], points[rows[i + 1]],
+                                                       normals[row], normals[rows[i + 1]], width));
         if (!(least >= enough))
             return {};
     }

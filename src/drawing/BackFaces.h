@@ -9,6 +9,8 @@
 
 #include <algebra3d/Vector3.h>
 
+#include "drawing/MeshRows.h"
+
 class Mesh;
 class SoState;
 
@@ -21,10 +23,10 @@ struct ClosedTube
     int firstRow, endRow; ///< those that are not about as near to a cap as that hides less
 };
 
-/// A mesh whose columns meet and whose rows do, or end in caps, if all of its faces lie about
-/// as the normals say. Nothing of any other, as of a tube that is bent more sharply than it is
-/// thick.
-std::optional<ClosedTube> measureClosedTube(Mesh& mesh, bool hasCaps);
+/// A mesh of those of its rows that are told, the first and the last among them, whose columns meet
+/// and whose rows do, or end in caps, if all of its faces lie about as the normals say. Nothing of
+/// any other, as of a tube that is bent more sharply than it is thick.
+std::optional<ClosedTube> measureClosedTube(Mesh& mesh, const MeshRows& rows, bool hasCaps);
 
 /// Finds the faces of closed tubes that are turned away from the eye so clearly that every pixel of
 /// theirs has another face of the tube before it, whatever is rounded. A picture without them is

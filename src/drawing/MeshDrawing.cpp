@@ -47,6 +47,9 @@ const std::size_t VERTICES_PER_DRAW = 1 << 18;
 // Of fewer rows there is little to leave out; of more, as many tell the area of all.
 const int MANY_ROWS = 1000;
 
+// Of rows that are drawn coarsely, in pixels.
+const double NEAR_ROWS = 0.5;
+
 struct BufferVertex
 {
     float point[3];
@@ -91,6 +94,28 @@ double areaAboutMiddle(Mesh& mesh, int row)
     const int opposite = oppositeColumn(mesh);
     return areaOf(mesh, row,
                   0.5 * ((next[opposite] + next[0]) - (here[opposite] + here[0])).getNorm());
+}
+
+// Those that are farther than a length from the one before among them, on one side at least; the
+// first and the last.
+MeshRows rowsApart(Mesh& mesh, double length)
+{
+    const int height = std::as_const(mesh).isValid() ? mesh.getHeight() : 0;
+    if (height < 3)
+        return MeshRows(height);
+    Vector3<double>** const points = mesh.getPoints();
+    const int opposite = oppositeColumn(mesh);
+    std::vector<int> rows{0};
+    const auto isFar = [&](int row, int column) {
+        const Vector3<double> way = points[row][column] - points[rows.back()][column];
+        return way.dot(way) > length * length;
+    };
+    for (int i = 1; i + 1 < height; ++i) {
+        if (isFar(i, 0) || isFar(i, opposite))
+            rows.push_back(i);
+    }
+    rows.push_back(height - 1);
+    return MeshRows(std::move(rows));
 }
 
 // The two triangles between two columns of two rows, in the order of their strip.
@@ -288,9 +313,10 @@ public:
             to = piece.cap ? writeCap(piece, to) : writeBody(piece, to);
     }
 
-    // Gathers all of it, in the meshes' order, but for the back faces of closed tubes.
-    void gatherSeen(const BackFaces& backFaces, const std::vector<std::optional<ClosedTube>>& tubes,
-                    Drawer& drawer) const;
+    // Gathers all of it, in the meshes' order, but for rows that are not told and the back faces of
+    // closed tubes, of which there are none without `backFaces`.
+    void gatherSeen(const BackFaces* backFaces, const std::vector<std::optional<ClosedTube>>& tubes,
+                    const std::vector<MeshRows>& rows, Drawer& drawer) const;
 
     // How all of it is drawn in the meshes' order, in few draws.
     std::vector<Draw> makeDraws() const
@@ -560,7 +586,8 @@ bool MeshDrawing::Materials::operator==(const Materials& other) const
            transparencyType == other.transparencyType && binding == other.binding;
 }
 
-void MeshDrawing::draw(const SoNode& node, SoGLRenderAction* action, const std::vector<Part>& parts)
+void MeshDrawing::draw(const SoNode& node, SoGLRenderAction* action, const std::vector<Part>& parts,
+                       bool coarse)
 {
     SoState* const state = action->getState();
     const std::uint32_t context = action->getCacheContext();
@@ -582,18 +609,19 @@ void MeshDrawing::draw(const SoNode& node, SoGLRenderAction* action, const std::
     if (grid.mayCover(centre, radius, area, SORTED_LAYERS) && isOpaque(state) &&
         DepthGrid::isUsable(state))
         drawNearestFirst(kept, colours, normals, state, parts, grid);
-    else if (!drawWithoutBackFaces(kept, colours, normals, state, parts))
+    else if (!(coarse && drawFewRows(kept, colours, normals, state, parts, grid)) &&
+             !drawWithoutBackFaces(kept, colours, normals, state, parts))
         drawInOrder(kept, colours, normals, state);
     // Which colour is current now OpenGL leaves open.
     SoGLLazyElement::getInstance(state)->reset(state, SoLazyElement::DIFFUSE_MASK);
 }
 
 // From few points, so that what changes in every frame costs hardly more. Without many rows there
-// is no area.
+// is neither ball nor area.
 void MeshDrawing::measure(const std::vector<Part>& parts)
 {
     SbBox3f box;
-    area = 0;
+    area = radius = 0;
     int rowCount = 0;
     for (const auto& [mesh, materialOffset] : parts)
         rowCount += std::as_const(mesh).isValid() ? mesh.getHeight() : 0;
@@ -685,9 +713,9 @@ void MeshDrawing::drawInOrder(const Kept& kept, const Colours& colours, bool nor
         drawer(draw);
 }
 
-void MeshDrawing::Layout::gatherSeen(const BackFaces& backFaces,
+void MeshDrawing::Layout::gatherSeen(const BackFaces* backFaces,
                                      const std::vector<std::optional<ClosedTube>>& tubes,
-                                     Drawer& drawer) const
+                                     const std::vector<MeshRows>& rows, Drawer& drawer) const
 {
     for (const Piece& piece : pieces) {
         if (piece.cap) {
@@ -696,23 +724,61 @@ void MeshDrawing::Layout::gatherSeen(const BackFaces& backFaces,
             continue;
         }
         std::optional<BackFaces::Walk> walk;
-        if (tubes[piece.part] && backFaces.mayLeaveOut(*tubes[piece.part]))
-            walk.emplace(backFaces, piece.mesh, *tubes[piece.part]);
+        if (backFaces && tubes[piece.part] && backFaces->mayLeaveOut(*tubes[piece.part]))
+            walk.emplace(*backFaces, piece.mesh, *tubes[piece.part]);
         const int width = piece.mesh.getWidth();
-        for (std::size_t i = 0; i < piece.strips; ++i) {
-            const std::uint8_t* const leftOut =
-                walk ? walk->between(int(i), int(i) + 1).data() : nullptr;
-            const auto row = std::uint32_t(piece.firstVertex + i * std::size_t(width));
+        const MeshRows& ofPart = rows[piece.part];
+        for (int i = 0; i + 1 < ofPart.getSize(); ++i) {
+            const int row = ofPart[i], next = ofPart[i + 1];
+            const std::uint8_t* const leftOut = walk ? walk->between(row, next).data() : nullptr;
+            const auto here = std::uint32_t(piece.firstVertex + std::size_t(row) * width);
+            const auto there = std::uint32_t(piece.firstVertex + std::size_t(next) * width);
             drawer.gather(piece.indicesPerStrip, [&](std::uint32_t* to) {
                 for (std::uint32_t j = 0; j + 1 < std::uint32_t(width); ++j) {
                     if (!leftOut || !leftOut[j])
-                        to = writeFace(row + j, row + std::uint32_t(width) + j, to);
+                        to = writeFace(here + j, there + j, to);
                 }
                 return to;
             });
         }
     }
     drawer.drawGathered();
+}
+
+std::vector<std::optional<ClosedTube>> MeshDrawing::measureTubes(const std::vector<Part>& parts,
+                                                                 const std::vector<MeshRows>& rows)
+{
+    std::vector<std::optional<ClosedTube>> tubes;
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        Mesh& mesh = parts[i].mesh;
+        tubes.push_back(measureClosedTube(mesh, rows[i], CapCollector(mesh).caps.size() == 2));
+    }
+    return tubes;
+}
+
+// Returns whether it did: if at least half of the rows are near to those before them.
+bool MeshDrawing::drawFewRows(const Kept& kept, const Colours& colours, bool normals,
+                              SoState* state, const std::vector<Part>& parts,
+                              const DepthGrid& grid) const
+{
+    const double pixels = radius > 0 ? grid.pixelsAtNearest(centre, radius, 1) : 0;
+    if (!(pixels > 0) || !std::isfinite(pixels))
+        return false;
+    std::vector<MeshRows> rows;
+    int all = 0, drawn = 0;
+    for (const Part& part : parts) {
+        rows.push_back(rowsApart(part.mesh, NEAR_ROWS / pixels));
+        all += part.mesh.getHeight();
+        drawn += rows.back().getSize();
+    }
+    if (drawn > all / 2)
+        return false;
+    const auto backFaces = BackFaces::find(state);
+    const auto tubesOfRows = backFaces ? measureTubes(parts, rows)
+                                       : std::vector<std::optional<ClosedTube>>(parts.size());
+    Drawer drawer(kept, colours, normals, state);
+    Layout(parts).gatherSeen(backFaces ? &*backFaces : nullptr, tubesOfRows, rows, drawer);
+    return true;
 }
 
 // Returns whether it did: if there are some that may be left out.
@@ -722,18 +788,19 @@ bool MeshDrawing::drawWithoutBackFaces(const Kept& kept, const Colours& colours,
     const auto backFaces = BackFaces::find(state);
     if (!backFaces)
         return false;
+    std::vector<MeshRows> rows;
+    for (const Part& part : parts)
+        rows.emplace_back(part.mesh.getHeight());
     if (tubesId != drawnId) {
         tubesId = drawnId;
-        tubes.clear();
-        for (const Part& part : parts)
-            tubes.push_back(measureClosedTube(part.mesh, CapCollector(part.mesh).caps.size() == 2));
+        tubes = measureTubes(parts, rows);
     }
     if (std::none_of(tubes.begin(), tubes.end(), [&](const std::optional<ClosedTube>& tube) {
             return tube && backFaces->mayLeaveOut(*tube);
         }))
         return false;
     Drawer drawer(kept, colours, normals, state);
-    Layout(parts).gatherSeen(*backFaces, tubes, drawer);
+    Layout(parts).gatherSeen(&*backFaces, tubes, rows, drawer);
     return true;
 }
 

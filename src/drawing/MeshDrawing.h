@@ -36,6 +36,8 @@ class SoState;
 /// Where much of it would lie one behind the other, as in a coil seen along its axis, the nearest
 /// comes first, and triangles that are hidden are not drawn.
 ///
+/// Where a host asks for it, rows that are nearer to each other than half a pixel are left out.
+///
 /// Coin caches no extension shape unless it is told to, and gives up every cache in which a
 /// shader program was traversed: what hangs beside a program keeps its own.
 class MeshDrawing
@@ -51,7 +53,9 @@ public:
     /// Draws the parts in their order, as their render() does. They are the same until the
     /// node's id changes. Their material offsets may depend on the material binding; parts of as
     /// many rows and columns have the same ones.
-    void draw(const SoNode& node, SoGLRenderAction* action, const std::vector<Part>& parts);
+    /// If `coarse` is told, rows that are nearer to each other than half a pixel may be left out.
+    void draw(const SoNode& node, SoGLRenderAction* action, const std::vector<Part>& parts,
+              bool coarse);
 
 private:
     /// What the colours of a drawing depend on.
@@ -117,6 +121,10 @@ private:
                            const std::vector<Part>& parts) const;
     void fillVertices(Kept& kept, std::uint32_t context, const Layout& layout) const;
     Colours& takeColours(Kept& kept, const Materials& materials) const;
+    static std::vector<std::optional<ClosedTube>> measureTubes(const std::vector<Part>& parts,
+                                                               const std::vector<MeshRows>& rows);
+    bool drawFewRows(const Kept& kept, const Colours& colours, bool normals, SoState* state,
+                     const std::vector<Part>& parts, const DepthGrid& grid) const;
     static void drawInOrder(const Kept& kept, const Colours& colours, bool normals, SoState* state);
     bool drawWithoutBackFaces(const Kept& kept, const Colours& colours, bool normals,
                               SoState* state, const std::vector<Part>& parts);

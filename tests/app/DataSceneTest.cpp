@@ -220,6 +220,33 @@ TEST_F(DataSceneTest, KeepsDataByKindAndIndex)
     scene->unref();
 }
 
+TEST_F(DataSceneTest, DrawsRodsThatAreThereAndThatComeCoarselyIfAsked)
+{
+    const auto makeRod = [] {
+        ShownDatum datum;
+        datum.group = new SoSeparator;
+        datum.node = new SoRod(0.1, 0.2, 8, 2, true, true, false);
+        datum.group->addChild(datum.node);
+        return datum;
+    };
+    auto* scene = new DataScene({});
+    scene->ref();
+    const auto areCoarse = [&](std::size_t i) {
+        return static_cast<SoRod*>(scene->getShown(0)[i].node)->isDrawnCoarsely();
+    };
+    scene->add(0, makeRod());
+    scene->add(1, makeCube(10, "no rod"));
+    EXPECT_FALSE(areCoarse(0));
+    scene->drawCoarsely(true);
+    scene->add(0, makeRod());
+    EXPECT_TRUE(areCoarse(0));
+    EXPECT_TRUE(areCoarse(1));
+    scene->drawCoarsely(false);
+    EXPECT_FALSE(areCoarse(0));
+    EXPECT_FALSE(areCoarse(1));
+    scene->unref();
+}
+
 TEST_F(DataSceneTest, TellsThePointAloneOfWhatIsNoRod)
 {
     auto* scene = new DataScene({});

@@ -304,6 +304,15 @@ protected:
 
     int draws() const { return count(calls, "glDrawElements"); }
     int vertices() const { return count(calls, "glVertex3f"); }
+    double indices() const
+    {
+        double sum = 0;
+        for (const GLCall& call : calls) {
+            if (call.name == "glDrawElements")
+                sum += call.arguments.at(1);
+        }
+        return sum;
+    }
     // Buffers that were filled, made anew or not.
     int fills() const { return count(calls, "glBufferData") + count(calls, "glMapBufferRange"); }
 
@@ -747,16 +756,6 @@ protected:
         camera->farDistance = 100;
     }
 
-    double indices() const
-    {
-        double sum = 0;
-        for (const GLCall& call : calls) {
-            if (call.name == "glDrawElements")
-                sum += call.arguments.at(1);
-        }
-        return sum;
-    }
-
     // Along the axis, where every turn ends where the one in front of it ends.
     void lookInParallel()
     {
@@ -837,6 +836,131 @@ TEST_F(CoilDrawingTest, FromAsideItIsOneDraw)
     camera->pointAt(SbVec3f(0, 0, -9), SbVec3f(0, 1, 0));
     drawChanged();
     EXPECT_EQ(draws(), 1);
+}
+
+// Rows nearer to each other than half a pixel
+
+class CoarseDrawingTest : public MeshDrawingTest
+{
+protected:
+    static const int SLICES = 12;
+
+    // From where it does not cover the view more than once: then what is nearest would be drawn
+    // first, all of it.
+    void SetUp() override
+    {
+        MeshDrawingTest::SetUp();
+        camera->position = SbVec3f(4.5f, 3, 4.5f);
+        camera->pointAt(SbVec3f(0, 0.1f, 0));
+    }
+
+    static SoRod* makeWave(int points, bool closed)
+    {
+        Vectors places;
+        Quaternions turns;
+        for (int i = 0; i < points; ++i) {
+            const double t = 2 * M_PI * (i % (points - 1)) / (points - 1);
+            const double reach = 1 + 0.2 * std::cos(7 * t);
+            places.emplace_back(reach * std::cos(t), reach * std::sin(t), 0.3 * std::sin(5 * t));
+            turns.emplace_back(std::sin(t), 0, 0, std::cos(t));
+        }
+        if (!closed) {
+            places.resize(std::size_t(points) * 4 / 5);
+            turns.resize(places.size());
+        }
+        auto* rod = new SoRod(0.1, 0.25, SLICES, 1, true, true, false);
+        rod->setClosed(closed);
+        rod->setData(places, turns);
+        return rod;
+    }
+
+    static constexpr double INDICES_PER_ROW = 6 * (SLICES + 1); // of the tube and the ribbon
+
+    // Whether each picture covers what the other covers, within a pixel.
+    static void expectAboutSame(const Picture& a, const Picture& b)
+    {
+        int far = 0, inside = 0, differing = 0;
+        for (int y = 1; y + 1 < SIZE; ++y) {
+            for (int x = 1; x + 1 < SIZE; ++x) {
+                int inA = 0, inB = 0;
+                for (int i = 0; i < 9; ++i) {
+                    inA += a.getColour(x + i % 3 - 1, y + i / 3 - 1) != BLACK ? 1 : 0;
+                    inB += b.getColour(x + i % 3 - 1, y + i / 3 - 1) != BLACK ? 1 : 0;
+                }
+                const Colour ofA = a.getColour(x, y), ofB = b.getColour(x, y);
+                far += (ofA != BLACK && inB == 0) || (ofB != BLACK && inA == 0) ? 1 : 0;
+                inside += inA == 9 && inB == 9 ? 1 : 0;
+                const int difference = std::abs(ofA[0] - ofB[0]) + std::abs(ofA[1] - ofB[1]) +
+                                       std::abs(ofA[2] - ofB[2]);
+                differing += inA == 9 && inB == 9 && difference > 30 ? 1 : 0;
+            }
+        }
+        EXPECT_EQ(far, 0);
+        EXPECT_GT(inside, 500);
+        EXPECT_LT(differing, inside / 50) << "at edges inside";
+    }
+};
+
+TEST_F(CoarseDrawingTest, LeavesRowsOutThatNobodyTellsApart)
+{
+    for (const bool closed : {false, true}) {
+        auto* const rod = makeWave(20000, closed);
+        show(rod);
+        const Picture fine = draw();
+        const double all = indices();
+        rod->drawCoarsely(true);
+        const Picture coarse = draw();
+        EXPECT_GT(indices(), 100 * INDICES_PER_ROW / 4);
+        EXPECT_LT(indices(), all / 15);
+        expectAboutSame(coarse, fine);
+        EXPECT_EQ(compare(draw(), coarse).pixels, 0) << "the frame after it";
+        rod->drawCoarsely(false);
+        EXPECT_EQ(compare(draw(), fine).pixels, 0);
+        EXPECT_EQ(indices(), all);
+    }
+}
+
+TEST_F(CoarseDrawingTest, DrawsAllRowsThatCanBeToldApart)
+{
+    auto* const rod = makeWave(3000, false);
+    const auto expectAll = [&] {
+        rod->drawCoarsely(false);
+        const Picture fine = draw();
+        const double all = indices();
+        rod->drawCoarsely(true);
+        EXPECT_EQ(compare(draw(), fine).pixels, 0);
+        EXPECT_EQ(indices(), all);
+    };
+    show(rod);
+    camera->position = SbVec3f(1.2f, 0.4f, 0.5f); // in the midst of it
+    camera->pointAt(SbVec3f(1, 0.3f, 0));
+    camera->nearDistance = 0.01f;
+    expectAll();
+    auto* const parallel = new SoOrthographicCamera;
+    parallel->position = SbVec3f(1, 0, 3);
+    parallel->height = 0.1f;
+    scene->replaceChild(camera, parallel);
+    expectAll();
+    parallel->height = 3;
+    show(makeRod()); // of few rows
+    const Picture fine = draw();
+    static_cast<SoRod*>(shape)->drawCoarsely(true);
+    EXPECT_EQ(compare(draw(), fine).pixels, 0);
+}
+
+TEST_F(CoarseDrawingTest, NewDataAreDrawnCoarselyInTheirFrame)
+{
+    auto* const rod = makeWave(20000, false);
+    rod->drawCoarsely(true);
+    show(rod);
+    draw();
+    const double coarse = indices();
+    rod->setTubeRadius(0.12);
+    rod->generate();
+    draw();
+    EXPECT_EQ(count(calls, "glGenBuffers"), 0);
+    EXPECT_EQ(vertices(), 0);
+    EXPECT_NEAR(indices(), coarse, 0.1 * coarse);
 }
 
 // Lists and contexts

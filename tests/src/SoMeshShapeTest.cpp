@@ -60,6 +60,23 @@ TEST_F(SoMeshShapeTest, AddsNoFields)
     EXPECT_EQ(shape->getFields(fields), 0);
 }
 
+TEST_F(SoMeshShapeTest, IsDrawnCoarselyIfAskedAndSoAreItsCopies)
+{
+    EXPECT_FALSE(shape->isDrawnCoarsely());
+    const SbUniqueId before = shape->getNodeId();
+    shape->drawCoarsely(true);
+    EXPECT_TRUE(shape->isDrawnCoarsely());
+    const SbUniqueId changed = shape->getNodeId();
+    EXPECT_NE(changed, before) << "a new frame shows it";
+    shape->drawCoarsely(true);
+    EXPECT_EQ(shape->getNodeId(), changed);
+
+    const NodeRef<SoRod> rod(new SoRod(0.1, 0.2, 8, 2, true, true, false));
+    rod->drawCoarsely(true);
+    const NodeRef<SoRod> copy(static_cast<SoRod*>(rod->copy()));
+    EXPECT_TRUE(copy->isDrawnCoarsely());
+}
+
 TEST_F(SoMeshShapeTest, BoxAndCentreReachTheAction)
 {
     SoGetBoundingBoxAction action(viewport);
