@@ -30,6 +30,7 @@ public:
 
     std::size_t count() const override { return series->count(); }
     std::optional<double> time(std::size_t frame) const override { return series->time(frame); }
+    bool lookForMore(const GoOn& goOn) override { return series->lookForMore(goOn); }
 
 private:
     LoadedFrame loadFrame(std::size_t frame, const GoOn& goOn) override;

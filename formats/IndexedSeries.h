@@ -4,12 +4,12 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
+#include <vector>
 
+#include <strandview/formats/IndexedText.h>
 #include <strandview/formats/ReadReport.h>
 #include <strandview/formats/Source.h>
 #include <strandview/formatsExport.h>
@@ -17,88 +17,47 @@
 
 namespace strandview {
 
-/// Where the frames of a text begin: 24 bytes for each.
-class STRANDVIEW_FORMATS_EXPORT FrameIndex
+/// The frames of a text that are known to be whole, as far as it was looked at: those behind which
+/// another one begins, and the last one if it could be read.
+class STRANDVIEW_FORMATS_EXPORT KnownFrames
 {
 public:
-    /// A frame begins with the line that is looked at, and is all up to the next one.
-    void begin() { places.push_back({offset, line, NO_TIME}); }
-    /// Of the frame that began last, if there is one.
-    void setTime(double time);
-    /// "found ..., expected ...": the file is refused at the line that is looked at.
-    void refuse(const std::string& text) { fault = text; }
+    /// Both of them are the caller's, and only these frames are to look on in the text.
+    KnownFrames(Source& textSource, TextIndex& textIndex) : source(textSource), index(textIndex) {}
 
-    std::size_t count() const { return places.size(); }
-
-private:
-    friend class IndexedText;
-    struct Place
-    {
-        std::uint64_t offset; ///< in bytes
-        std::uint64_t line;   ///< from 1
-        double time;
+    enum class Look {
+        WHOLE,    ///< to the end
+        ENOUGH,   ///< so many frames have begun: it can go on
+        STOPPED,  ///< by ReadOptions::goOn: so it can then
+        NO_FRAME, ///< there is none, or the only one cannot be read
+        FAILED    ///< behind the frames that were found
     };
-    static const double NO_TIME; ///< not a number
+    /// Looks on from where it stopped, to the end, or a little farther than to so many frames. The
+    /// last one of several is left out with a notice if it is cut short. report.error unless it was
+    /// WHOLE.
+    Look look(const ReadOptions& options, ReadReport& report, std::size_t enough = ALL);
 
-    std::deque<Place> places; ///< no vector, which needs thrice its size when it grows
-    std::string fault;
-    std::uint64_t offset = 0, line = 1; ///< of the line that is looked at
-};
-
-/// One frame as it stands in its file.
-struct FrameText
-{
-    std::string_view text;
-    std::size_t line = 1; ///< of the file, in which it begins
-};
-
-/// What came of one frame's text; report.error if it is nothing.
-struct FrameRead
-{
-    std::optional<Configuration> configuration;
-    bool isCut = false; ///< the text ends before the frame does
-};
-
-/// How a format of texts has its frames: what IndexedSeries has to know of it.
-class STRANDVIEW_FORMATS_EXPORT TextFrames
-{
-public:
-    virtual ~TextFrames();
-
-    /// Shown every line of a file once, in their order and without their ends; of a line longer
-    /// than 4 KiB the beginning.
-    virtual void see(std::string_view line, FrameIndex& index) = 0;
-
-    virtual FrameRead read(const FrameText& frame, const std::string& fileName,
-                           const ReadOptions& options, ReadReport& report) = 0;
-};
-
-/// A text with the places of its frames.
-class STRANDVIEW_FORMATS_EXPORT IndexedText
-{
-public:
-    /// Looks for so many frames at most. Nothing and report.error if the file cannot be read, is
-    /// refused by the format, or has no frame.
-    static std::optional<IndexedText> of(Source& source, TextFrames& frames, std::size_t most,
-                                         const ReadOptions& options, ReadReport& report);
-
-    std::size_t count() const { return index.count(); }
-    std::optional<double> time(std::size_t frame) const;
-    FrameRead read(std::size_t frame, Source& source, TextFrames& frames,
-                   const ReadOptions& options, ReadReport& report) const;
-    void leaveOutLast();
+    std::size_t count() const { return known; }
+    LoadedFrame load(std::size_t frame, const ReadOptions& options);
 
 private:
-    void see(std::string_view line, std::uint64_t bytes, TextFrames& frames);
+    static constexpr std::size_t ALL = static_cast<std::size_t>(-1);
 
-    FrameIndex index;
-    std::uint64_t end = 0; ///< of the last frame
+    bool lookAtLast(const ReadOptions& options, const bool& isStopped, ReadReport& report);
+
+    Source& source;
+    TextIndex& index;
+    std::size_t known = 0;
+    std::optional<LoadedFrame> first; ///< read when it was the last one
 };
 
 /// The frames of one text, found by one pass over it and read when they are loaded: of a file
 /// nothing else is kept.
 ///
 /// A last frame that is cut short is left out, with a notice; an only one is refused.
+///
+/// Opened at once (ReadOptions::atOnce) the text is looked at in lookForMore(), and so is one that
+/// grows; Series.h and ReadReport.h tell what comes of that.
 class STRANDVIEW_FORMATS_EXPORT IndexedSeries : public Series
 {
 public:
@@ -106,24 +65,36 @@ public:
     static std::unique_ptr<Series> open(std::unique_ptr<Source> source,
                                         std::unique_ptr<TextFrames> frames,
                                         const ReadOptions& options, ReadReport& report);
+    static std::unique_ptr<Series> open(std::unique_ptr<Source> source,
+                                        std::unique_ptr<TextIndex> index,
+                                        const ReadOptions& options, ReadReport& report);
 
     /// The first frame alone, without a look at the others.
     static std::optional<Configuration> readFirst(Source& source, TextFrames& frames,
                                                   const ReadOptions& options, ReadReport& report);
 
-    std::size_t count() const override { return text.count(); }
-    std::optional<double> time(std::size_t frame) const override { return text.time(frame); }
+    std::size_t count() const override { return known.count() + (fault.empty() ? 0 : 1); }
+    std::optional<double> time(std::size_t frame) const override;
+    bool lookForMore(const GoOn& goOn) override;
 
 private:
     IndexedSeries(std::unique_ptr<Source> textSource, std::unique_ptr<TextFrames> textFrames,
-                  IndexedText indexedText, ReadOptions readOptions);
+                  std::unique_ptr<TextIndex> textIndex, const ReadOptions& readOptions);
+    static std::unique_ptr<Series> opened(std::unique_ptr<IndexedSeries> series,
+                                          const ReadOptions& options, ReadReport& report);
+    bool lookFirst(const ReadOptions& options, ReadReport& report);
+    bool end(const std::string& reason);
     LoadedFrame loadFrame(std::size_t frame, const GoOn& goOn) override;
 
     std::unique_ptr<Source> source;
-    std::unique_ptr<TextFrames> frames;
-    IndexedText text;
+    std::unique_ptr<TextFrames> frames; ///< of the index, if it has any
+    std::unique_ptr<TextIndex> index;
+    KnownFrames known;
     ReadOptions options;
-    std::optional<LoadedFrame> only; ///< of a text that has no other, read when it was opened
+    bool mayHaveMore = false;
+    std::optional<std::uint64_t> sizeSeen; ///< of a file that grows, up to its end
+    std::string fault;                     ///< of what is behind the known frames
+    std::vector<std::string> notices;      ///< to be told with the next frame
 };
 
 } // namespace strandview

@@ -30,6 +30,14 @@ struct ReadOptions
     bool ownPairs = false;
     /// Where those are kept while a series is read; openSeries() makes it.
     std::shared_ptr<KeptPairs> pairs = {};
+    /// Of a series: open it as soon as its first frame is known, where the others would have to be
+    /// looked for; Series::lookForMore() does that. What is wrong behind the first frame then
+    /// refuses nothing, but is told as a last frame that cannot be loaded.
+    bool atOnce = false;
+    /// Of a series in a file that is still written to: frames that are not whole yet are no part of
+    /// it, and Series::lookForMore() finds those that came since, for as long as it is asked. What
+    /// is packed, and pipes, are refused; formats that are read as a whole do not grow.
+    bool growing = false;
 };
 
 /// More than one, without having looked how many.

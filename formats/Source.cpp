@@ -86,6 +86,38 @@ Source::Source(std::string sourceName, std::string sourcePath, int openDescripto
         size = std::uint64_t(facts.st_size);
 }
 
+bool Source::canGrow(const ReadOptions& options, ReadReport& report)
+{
+    if (!isFile)
+        return fail(name, "cannot be followed, expected a file", report);
+    return look(options, report) &&
+           (!unpacked || fail(name,
+                              "is packed and cannot be followed, expected the file as it is "
+                              "written",
+                              report));
+}
+
+bool Source::lookAgain(ReadReport& report)
+{
+    struct stat now = {}, there = {};
+    if (fstat(descriptor, &now) != 0 || stat(path.c_str(), &there) != 0)
+        return fail(name, cannotBeRead(errno), report);
+    if (there.st_dev != now.st_dev || there.st_ino != now.st_ino)
+        return fail(name, "found another file of this name, expected the one that was opened",
+                    report);
+    const std::uint64_t newSize = std::uint64_t(now.st_size), oldSize = size.value_or(0);
+    if (newSize < oldSize)
+        return fail(name,
+                    "found " + counted(newSize, "byte") + ", expected " + std::to_string(oldSize) +
+                        " or more: it has become shorter",
+                    report);
+    if (newSize > oldSize) {
+        size = newSize;
+        isComplete = false;
+    }
+    return true;
+}
+
 Source::~Source()
 {
     if (!path.empty())

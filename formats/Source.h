@@ -51,6 +51,14 @@ public:
     /// ones and for those that say 0, as the system's own do.
     std::optional<std::uint64_t> getSize() const { return size; }
 
+    /// Whether it is a file that is not packed; else report.error.
+    bool canGrow(const ReadOptions& options, ReadReport& report);
+
+    /// Of such a file that may have been written to: from now on it is read up to its new end, and
+    /// getSize() is up to there. False and report.error where it became shorter, or its path leads
+    /// to another file or none.
+    bool lookAgain(ReadReport& report);
+
     /// The first `count` bytes, or all where there are fewer. Valid until more is read.
     std::optional<std::string_view> readBeginning(std::size_t count, const ReadOptions& options,
                                                   ReadReport& report);

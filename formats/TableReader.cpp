@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <limits>
 #include <system_error>
 #include <unordered_set>
@@ -15,7 +16,9 @@
 #include <algebra3d/largePages.h>
 
 #include <strandview/formats/Collector.h>
+#include <strandview/formats/IndexedSeries.h>
 #include <strandview/formats/Milestones.h>
+#include <strandview/formats/Pieces.h>
 #include <strandview/formats/Source.h>
 #include <strandview/formats/checks.h>
 #include <strandview/formats/directors.h>
@@ -774,38 +777,137 @@ struct FrameStart
     std::size_t line;     ///< counted from 1
 };
 
-/// What is to be known of a table to read any of its frames.
-struct TableFrames
+/// As far as lines are known to end: with CR alone only if another character follows.
+std::string_view wholeLines(std::string_view piece)
 {
-    Layout layout;
-    std::vector<FrameStart> starts;
-    std::vector<double> times; ///< as many, or none if they are not known
-    std::uint64_t end = 0;
-    std::vector<std::string> notices = {};
+    const std::size_t last =
+        piece.empty() || piece.back() != '\r' ? piece.size() : piece.size() - 1;
+    return piece.substr(0, piece.substr(0, last).find_last_of("\r\n") + 1); // 0 if there is none
+}
 
-    std::uint64_t endOf(std::size_t frame) const
-    {
-        return frame + 1 < starts.size() ? starts[frame + 1].offset : end;
-    }
-};
+constexpr std::size_t PIECE = 1 << 20;
+/// In bytes: more columns than any table has. Whoever looks for its end longer, in a file that has
+/// none, takes all memory.
+constexpr std::size_t LONGEST_LINE = std::size_t(1) << 25;
 
 /// Finds the frames of a table, line by line.
-class FrameFinder
+class TableIndex : public TextIndex
 {
 public:
-    FrameFinder(std::uint64_t firstOffset, const std::string& tableName,
-                const ReadOptions& readOptions, ReadReport& readReport)
-        : fileName(tableName), options(readOptions), report(readReport)
+    explicit TableIndex(const std::string& tableName) : fileName(tableName) {}
+
+    bool lookOn(Source& source, const ReadOptions& options, ReadReport& report) override
     {
-        frames.end = firstOffset;
+        isAtEnd = (end > 0 || skipMark(source, options, report)) && look(source, options, report);
+        if (isAtEnd && starts.empty())
+            return TableReader("", fileName, options, report).read({}).has_value();
+        chooseFrames(options.growing);
+        return isAtEnd;
+    }
+
+    std::size_t count() const override { return frames().size(); }
+
+    std::optional<double> time(std::size_t frame) const override
+    {
+        const bool isKnown = areTimed() && !areTimesNumbers && frame < times.size();
+        return isKnown ? std::optional(times[frame]) : std::nullopt;
+    }
+
+    FrameRead read(std::size_t frame, Source& source, const ReadOptions& options,
+                   ReadReport& report) const override
+    {
+        const FrameStart& start = frames()[frame];
+        const bool isLast = frame + 1 == count();
+        if (isLast && !isEnded(options.growing)) {
+            report.error = fileName + ":" + std::to_string(line) +
+                           ": found no end of the frame, expected two blank lines or another frame";
+            return {{}, true};
+        }
+        const std::uint64_t next = isLast ? end : frames()[frame + 1].offset;
+        const auto text = readBetween(source, start.offset, next, options, report);
+        if (!text)
+            return {};
+        auto read = TableReader(*text, fileName, options, report, start.line).read(layout);
+        const bool isCut = !read && isLast && !options.growing;
+        return {std::move(read), isCut};
+    }
+
+private:
+    using Starts = std::deque<FrameStart>; ///< no vector, which needs thrice its size when it grows
+
+    const Starts& frames() const { return areTimed() ? timed : starts; }
+    bool areTimed() const { return isChosen ? isTimed : timed.size() > 1; }
+
+    /// Of the last frame.
+    bool isEnded(bool isGrowing) const
+    {
+        return isGap || blankLines > 1 || (isAtEnd && !isGrowing);
+    }
+
+    /// Whether a column tells frames apart stays as it is from the second frame on; where a table
+    /// is growing, from the first one.
+    void chooseFrames(bool isGrowing)
+    {
+        const bool isFirstTimed = isGrowing && timed.size() == 1 && rowsOfTime > 1;
+        if (isChosen || (count() < 2 && !isFirstTimed))
+            return;
+        isTimed = areTimed() || isFirstTimed;
+        isChosen = true;
+        std::vector<std::size_t>& others = layout.columns.others;
+        if (isTimed)
+            others.erase(std::find(others.begin(), others.end(), timeColumn));
+        else
+            timeColumn = NO_COLUMN;
+    }
+
+    bool skipMark(Source& source, const ReadOptions& options, ReadReport& report)
+    {
+        const std::optional<std::string_view> mark = source.readBeginning(3, options, report);
+        if (mark && isUtf16(*mark))
+            report.error = fileName + ": " + FOUND_UTF16;
+        else if (mark)
+            end = mark->size() - withoutByteOrderMark(*mark).size();
+        return mark && !isUtf16(*mark);
+    }
+
+    /// What is no file is read at once, unless its first frame is to be shown at once.
+    bool look(Source& source, const ReadOptions& options, ReadReport& report)
+    {
+        if (source.getSize() || options.atOnce)
+            return lookAtPieces(source, options, report);
+        const std::optional<std::string_view> all = source.readAll(options, report);
+        return all && add(all->substr(std::min(std::size_t(end), all->size())), options, report);
+    }
+
+    bool lookAtPieces(Source& source, const ReadOptions& options, ReadReport& report)
+    {
+        if (pieceSize == 0)
+            pieceSize = options.growing
+                            ? PIECE
+                            : std::min<std::uint64_t>(PIECE, source.getSize().value_or(PIECE) + 1);
+        Pieces pieces(source, options, report);
+        while (pieceSize <= LONGEST_LINE) {
+            const std::optional<std::string_view> piece = pieces.read(end, pieceSize);
+            if (!piece)
+                return false;
+            const bool isLast = piece->size() < pieceSize;
+            const std::string_view lines = isLast && !options.growing ? *piece : wholeLines(*piece);
+            if (!add(lines, options, report))
+                return false;
+            if (isLast)
+                return true;
+            pieceSize = lines.empty() ? 2 * pieceSize : pieceSize;
+        }
+        report.error = fileName + ": found a line of more than 32 MiB, expected a table";
+        return false;
     }
 
     /// The lines that come next, whole ones; whether they can be those of a table.
-    bool add(std::string_view lines)
+    bool add(std::string_view lines, const ReadOptions& options, ReadReport& report)
     {
         FieldScanner scanner(lines, line);
         scanner.lookForReturns();
-        if (frames.layout.areCommasText)
+        if (layout.areCommasText)
             scanner.makeCommasText();
         for (; !scanner.isAtEnd(); scanner.nextLine()) {
             const std::size_t start = scanner.getPosition();
@@ -818,46 +920,37 @@ public:
             blankLines = 0;
             if (!isRow && scanner.isLineComment())
                 continue;
-            if (frames.layout.columns.line == 0 && !takeLayout(lines.substr(start), scanner))
+            if (layout.columns.line == 0 &&
+                !takeLayout(lines.substr(start), options, report, scanner))
                 return false;
-            addRow(scanner, {frames.end + start, scanner.getLine()});
+            addRow(scanner, {end + start, scanner.getLine()});
         }
-        frames.end += lines.size();
+        end += lines.size();
         line = scanner.getLine();
         return true;
     }
 
-    TableFrames finish()
-    {
-        if (timed.size() < 2)
-            return std::move(frames);
-        std::vector<std::size_t>& others = frames.layout.columns.others;
-        others.erase(std::find(others.begin(), others.end(), timeColumn));
-        frames.starts = std::move(timed);
-        if (inSmallLetters(withoutUnit(frames.layout.columns.names[timeColumn])) != "frame")
-            frames.times = std::move(times);
-        return std::move(frames);
-    }
-
-private:
     /// Of the first line, from which on all others are read by it.
-    bool takeLayout(std::string_view text, FieldScanner& scanner)
+    bool takeLayout(std::string_view text, const ReadOptions& options, ReadReport& report,
+                    FieldScanner& scanner)
     {
-        std::optional<Layout> layout =
+        std::optional<Layout> found =
             TableReader(text, fileName, options, report, scanner.getLine()).readLayout();
-        if (!layout)
+        if (!found)
             return false;
-        frames.layout = std::move(*layout);
-        timeColumn = timeColumnOf(frames.layout.columns);
-        if (frames.layout.areCommasText)
+        layout = std::move(*found);
+        timeColumn = timeColumnOf(layout.columns);
+        areTimesNumbers = timeColumn != NO_COLUMN &&
+                          inSmallLetters(withoutUnit(layout.columns.names[timeColumn])) == "frame";
+        if (layout.areCommasText)
             scanner.makeCommasText();
         return true;
     }
 
     void addRow(const FieldScanner& row, const FrameStart& start)
     {
-        if (isGap || frames.starts.empty())
-            frames.starts.push_back(start);
+        if (isGap || starts.empty())
+            starts.push_back(start);
         isTimedGap = isTimedGap || isGap;
         isGap = false;
         if (timeColumn == NO_COLUMN)
@@ -874,7 +967,7 @@ private:
     /// Times of which one has a single row are no frames, but for the last: that may be cut short.
     void startTime(double time, const FrameStart& start)
     {
-        if (!timed.empty() && rowsOfTime < 2) {
+        if (!timed.empty() && rowsOfTime < 2 && !isChosen) {
             timeColumn = NO_COLUMN;
             timed.clear();
             return;
@@ -896,153 +989,22 @@ private:
     }
 
     const std::string& fileName;
-    const ReadOptions& options;
-    ReadReport& report;
-    TableFrames frames; ///< those between blank lines
-    std::size_t line = 1;
+    Layout layout;
+    std::size_t pieceSize = 0; ///< larger than any line so far
+    std::uint64_t end = 0;     ///< of the lines that were looked at
+    std::size_t line = 1;      ///< the next one
+    bool isAtEnd = false;
+    Starts starts;              ///< of frames between blank lines
     std::size_t blankLines = 0; ///< without anything between them
     bool isGap = false;         ///< since the last row
 
     std::size_t timeColumn = NO_COLUMN;
-    std::vector<FrameStart> timed; ///< frames by the time, too
-    std::vector<double> times;
+    bool areTimesNumbers = false; ///< of frames
+    Starts timed;                 ///< frames by the time, too
+    std::deque<double> times;
     bool isTimedGap = false; ///< since the last row with a time
     std::size_t rowsOfTime = 0;
-};
-
-/// As far as lines are known to end: with CR alone only if another character follows.
-std::string_view wholeLines(std::string_view piece)
-{
-    const std::size_t last =
-        piece.empty() || piece.back() != '\r' ? piece.size() : piece.size() - 1;
-    return piece.substr(0, piece.substr(0, last).find_last_of("\r\n") + 1); // 0 if there is none
-}
-
-/// In bytes: more columns than any table has. Whoever looks for its end longer, in a file that has
-/// none, takes all memory.
-constexpr std::size_t LONGEST_LINE = std::size_t(1) << 25;
-
-/// Reads what is a file piece by piece, anything else at once.
-bool findFrames(Source& source, FrameFinder& finder, std::uint64_t offset,
-                const ReadOptions& options, ReadReport& report)
-{
-    if (!source.getSize()) {
-        const std::optional<std::string_view> all = source.readAll(options, report);
-        return all && finder.add(all->substr(std::min(std::size_t(offset), all->size())));
-    }
-    std::string room;
-    for (std::size_t size = std::min<std::uint64_t>(1 << 22, *source.getSize() + 1);;) {
-        algebra3d::reserveMany(room, size);
-        room.resize(size);
-        const auto got = source.readAt(offset, room.data(), size, options, report);
-        if (!got)
-            return false;
-        const std::string_view piece = std::string_view(room).substr(0, *got);
-        const bool isLast = piece.size() < size;
-        const std::string_view lines = isLast ? piece : wholeLines(piece);
-        if (!finder.add(lines))
-            return false;
-        if (isLast)
-            return true;
-        offset += lines.size();
-        size = lines.empty() ? 2 * size : size;
-        if (size <= LONGEST_LINE)
-            continue;
-        report.error = source.getName() + ": found a line of more than 32 MiB, expected a table";
-        return false;
-    }
-}
-
-std::optional<Configuration> readFrame(Source& source, const TableFrames& frames, std::size_t frame,
-                                       const ReadOptions& options, ReadReport& report)
-{
-    const FrameStart& start = frames.starts[frame];
-    const std::size_t size = std::size_t(frames.endOf(frame) - start.offset);
-    const std::optional<std::string> text = source.readAt(start.offset, size, options, report);
-    if (!text)
-        return {};
-    return TableReader(*text, source.getName(), options, report, start.line).read(frames.layout);
-}
-
-bool endsWith(const std::string& text, std::string_view end)
-{
-    return text.size() >= end.size() &&
-           text.compare(text.size() - end.size(), end.size(), end) == 0;
-}
-
-/// The last frame of several may be cut short: then it is none. Whether to go on.
-bool checkLastFrame(Source& source, TableFrames& frames, const ReadOptions& options,
-                    ReadReport& report)
-{
-    ReadReport ofFrame;
-    if (frames.starts.size() < 2 ||
-        readFrame(source, frames, frames.starts.size() - 1, options, ofFrame))
-        return true;
-    if (endsWith(ofFrame.error, READING_STOPPED)) {
-        report.error = ofFrame.error;
-        return false;
-    }
-    frames.notices.push_back(ofFrame.error + ": the last frame is left out");
-    frames.end = frames.starts.back().offset;
-    frames.starts.pop_back();
-    frames.times.resize(std::min(frames.times.size(), frames.starts.size()));
-    return true;
-}
-
-/// Nothing and report.error if there is no frame.
-std::optional<TableFrames> framesOf(Source& source, const ReadOptions& options, ReadReport& report)
-{
-    const std::optional<std::string_view> mark = source.readBeginning(3, options, report);
-    if (!mark)
-        return {};
-    if (isUtf16(*mark)) {
-        report.error = source.getName() + ": " + FOUND_UTF16;
-        return {};
-    }
-    const std::size_t offset = mark->size() - withoutByteOrderMark(*mark).size();
-    FrameFinder finder(offset, source.getName(), options, report);
-    if (!findFrames(source, finder, offset, options, report))
-        return {};
-    TableFrames frames = finder.finish();
-    if (frames.starts.empty()) {
-        TableReader("", source.getName(), options, report).read({});
-        return {};
-    }
-    return checkLastFrame(source, frames, options, report) ? std::optional(std::move(frames))
-                                                           : std::nullopt;
-}
-
-void tell(const std::vector<std::string>& notices, ReadReport& report)
-{
-    report.notices.insert(report.notices.end(), notices.begin(), notices.end());
-}
-
-class TableSeries : public Series
-{
-public:
-    TableSeries(std::unique_ptr<Source> openSource, TableFrames foundFrames,
-                const ReadOptions& readOptions)
-        : source(std::move(openSource)), frames(std::move(foundFrames)), options(readOptions)
-    {}
-
-    std::size_t count() const override { return frames.starts.size(); }
-    std::optional<double> time(std::size_t frame) const override
-    {
-        return frame < frames.times.size() ? std::optional(frames.times[frame]) : std::nullopt;
-    }
-
-private:
-    LoadedFrame loadFrame(std::size_t frame, const GoOn& goOn) override
-    {
-        options.goOn = goOn;
-        ReadReport report;
-        std::optional<Configuration> read = readFrame(*source, frames, frame, options, report);
-        return {std::move(read), std::move(report.notices), std::move(report.error)};
-    }
-
-    std::unique_ptr<Source> source;
-    TableFrames frames;
-    ReadOptions options;
+    bool isChosen = false, isTimed = false; ///< which of both
 };
 
 } // namespace
@@ -1050,33 +1012,38 @@ private:
 std::optional<Configuration> readTable(Source& source, const ReadOptions& options,
                                        ReadReport& report)
 {
-    const std::optional<TableFrames> frames = framesOf(source, options, report);
-    if (!frames)
+    TableIndex index(source.getName());
+    KnownFrames frames(source, index);
+    ReadReport ofAll;
+    if (frames.look(options, ofAll) != KnownFrames::Look::WHOLE) {
+        report.error = ofAll.error;
         return {};
-    report.frames = frames->starts.size();
-    std::optional<Configuration> first = readFrame(source, *frames, 0, options, report);
-    if (first)
-        tell(frames->notices, report);
-    return first;
+    }
+    report.frames = frames.count();
+    LoadedFrame first = frames.load(0, options);
+    report.error = std::move(first.error);
+    for (const auto* notices : {&first.notices, &ofAll.notices})
+        if (first.configuration)
+            report.notices.insert(report.notices.end(), notices->begin(), notices->end());
+    return std::move(first.configuration);
 }
 
 std::unique_ptr<Series> openTable(std::unique_ptr<Source> source, const ReadOptions& options,
                                   ReadReport& report)
 {
-    std::optional<TableFrames> frames = framesOf(*source, options, report);
-    if (!frames)
+    auto index = std::make_unique<TableIndex>(source->getName());
+    auto series = IndexedSeries::open(std::move(source), std::move(index), options, report);
+    const auto askForMore = [](double) { return false; };
+    if (!series || series->count() > 1 || series->lookForMore(askForMore))
+        return series;
+    LoadedFrame only = series->load(0, options.goOn);
+    report.error = std::move(only.error);
+    if (!only.configuration)
         return nullptr;
-    std::vector<Configuration> only;
-    if (frames->starts.size() == 1) {
-        std::optional<Configuration> read = readFrame(*source, *frames, 0, options, report);
-        if (!read)
-            return nullptr;
-        only.push_back(std::move(*read));
-    }
-    tell(frames->notices, report);
-    if (!only.empty())
-        return std::make_unique<MemorySeries>(std::move(only));
-    return std::make_unique<TableSeries>(std::move(source), std::move(*frames), options);
+    report.notices.insert(report.notices.end(), only.notices.begin(), only.notices.end());
+    std::vector<Configuration> frames;
+    frames.push_back(std::move(*only.configuration));
+    return std::make_unique<MemorySeries>(std::move(frames));
 }
 
 } // namespace strandview

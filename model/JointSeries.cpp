@@ -13,6 +13,8 @@ JointSeries::JointSeries(std::vector<std::unique_ptr<Series>> seriesBesideEachOt
     : parts(std::move(seriesBesideEachOther))
 {
     assert(!parts.empty());
+    for (const auto& part : parts)
+        mayHaveMore.push_back(part->lookForMore([](double) { return false; }));
 }
 
 JointSeries::~JointSeries() = default;
@@ -20,18 +22,37 @@ JointSeries::~JointSeries() = default;
 std::size_t JointSeries::count() const
 {
     std::size_t fewest = std::numeric_limits<std::size_t>::max();
-    for (const auto& part : parts)
-        fewest = std::min(fewest, part->count() == 1 ? fewest : part->count());
+    for (std::size_t i = 0; i < parts.size(); ++i)
+        fewest = std::min(fewest, isStill(i) ? fewest : parts[i]->count());
     return fewest == std::numeric_limits<std::size_t>::max() ? 1 : fewest;
 }
 
 std::optional<double> JointSeries::time(std::size_t frame) const
 {
-    for (const auto& part : parts)
-        if (const std::optional<double> known =
-                part->count() > 1 ? part->time(frame) : std::nullopt)
+    for (std::size_t i = 0; i < parts.size(); ++i)
+        if (const std::optional<double> known = isStill(i) ? std::nullopt : parts[i]->time(frame))
             return known;
     return count() == 1 ? parts.front()->time(frame) : std::nullopt;
+}
+
+bool JointSeries::lookForMore(const GoOn& goOn)
+{
+    bool mayAny = false;
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        mayHaveMore[i] = mayHaveMore[i] && parts[i]->lookForMore(ofPart(i, goOn));
+        mayAny = mayAny || mayHaveMore[i];
+    }
+    return mayAny;
+}
+
+/// The same with the share of all that the part's share is.
+Series::GoOn JointSeries::ofPart(std::size_t part, const GoOn& goOn) const
+{
+    if (!goOn)
+        return {};
+    return [this, part, &goOn](double share) {
+        return goOn((double(part) + share) / double(parts.size()));
+    };
 }
 
 LoadedFrame JointSeries::loadFrame(std::size_t frame, const GoOn& goOn)
@@ -39,11 +60,7 @@ LoadedFrame JointSeries::loadFrame(std::size_t frame, const GoOn& goOn)
     LoadedFrame all;
     all.configuration.emplace();
     for (std::size_t i = 0; i < parts.size(); ++i) {
-        const GoOn goOnWithPart = [&](double share) {
-            return goOn((double(i) + share) / double(parts.size()));
-        };
-        Series& part = *parts[i];
-        LoadedFrame loaded = part.load(part.count() == 1 ? 0 : frame, goOn ? goOnWithPart : goOn);
+        LoadedFrame loaded = parts[i]->load(isStill(i) ? 0 : frame, ofPart(i, goOn));
         std::move(loaded.notices.begin(), loaded.notices.end(), std::back_inserter(all.notices));
         if (!loaded.configuration)
             return {std::nullopt, std::move(all.notices), std::move(loaded.error)};

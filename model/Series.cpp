@@ -5,6 +5,8 @@ namespace strandview {
 
 Series::~Series() = default;
 
+bool Series::lookForMore(const GoOn&) { return false; }
+
 std::optional<double> Series::time(std::size_t) const { return {}; }
 
 LoadedFrame Series::load(std::size_t frame, const GoOn& goOn)
@@ -15,7 +17,5 @@ LoadedFrame Series::load(std::size_t frame, const GoOn& goOn)
         count() == 0 ? "none: the series is empty" : "0 to " + std::to_string(count() - 1);
     return {{}, {}, "found frame " + std::to_string(frame) + ", expected " + expected};
 }
-
-bool Series::lookForMore(const GoOn& /*goOn*/) { return false; }
 
 } // namespace strandview

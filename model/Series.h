@@ -37,10 +37,20 @@ public:
     Series(const Series&) = delete;
     Series& operator=(const Series&) = delete;
 
-    /// Stays the same, but for lookForMore().
+    /// Of those that are known: stays the same but for lookForMore(), after which there may be more
+    /// of them, never fewer.
     virtual std::size_t count() const = 0;
 
-    /// Looks for frames behind those that are counted. Whether there may be more.
+    /// Looks for more frames where there may be some, from where it stopped: in what was opened at
+    /// once, or is still written to (ReadOptions). goOn is asked first, and every few milliseconds,
+    /// with the share of the data that was looked at; none is as one that always says yes. At the
+    /// end the last frame is loaded, for which it is not asked.
+    ///
+    /// Whether there may be more frames than count() now says: those behind where goOn stopped it,
+    /// or those that somebody will write. False at the end, and from then on; at once for a series
+    /// whose frames were all known before. Where a fault ends it, the last frame is one more, which
+    /// fails with that as its error: the others stay. A last frame that is left out as it is cut
+    /// short is told with the notices of the frame that is loaded next.
     virtual bool lookForMore(const GoOn& goOn);
 
     /// In the unit of the data; nothing if it is not known, or there is no such frame.

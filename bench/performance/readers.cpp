@@ -29,6 +29,7 @@ namespace {
 constexpr double MOST_MEMORY = 8;                          // bytes for each of the file
 constexpr double SLOWEST_TEXT = 100, SLOWEST_BINARY = 500; // MB/s
 constexpr double MOST_INSTRUCTIONS = 35;                   // for each byte of a table
+constexpr double LATEST_FRAME = 1000;                      // the first one of a series, ms
 constexpr std::size_t BYTES_COUNTED = 6'000'000;
 constexpr int ROUNDS = 3;
 
@@ -85,6 +86,18 @@ bool readFrames(const std::string& path)
     if (!report.error.empty())
         std::cerr << report.error << "\n";
     return report.error.empty();
+}
+
+// Of a series that is opened at once, until its first frame is there; in ms.
+double timeOfFirstFrame(const std::string& path)
+{
+    const double begin = processorSeconds();
+    ReadReport report;
+    ReadOptions options;
+    options.atOnce = true;
+    const std::unique_ptr<Series> series = openSeries({path}, options, report);
+    const bool isThere = series && series->load(0).configuration;
+    return isThere ? 1e3 * (processorSeconds() - begin) : -1;
 }
 
 // Nothing and a line on standard error if that fails.
@@ -246,6 +259,9 @@ void addVeryLarge(Table& table, const LargeFile& file)
         return table.missing(what, "it could not be read");
     addRate(table, what, file, bytes / 1e6 / measured.seconds);
     table.limit("– memory beyond the result", measured.memory / bytes, "bytes/byte", MOST_MEMORY);
+    if (file.kind == LargeFile::Kind::SERIES)
+        table.limit("– until the first frame is there",
+                    timeOfFirstFrame(folder.path + "/" + file.name), "ms", LATEST_FRAME);
 }
 
 } // namespace

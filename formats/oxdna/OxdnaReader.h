@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include <strandview/formats/Format.h>
-#include <strandview/formats/IndexedSeries.h>
+#include <strandview/formats/IndexedText.h>
 #include <strandview/formats/oxdna/Topology.h>
 #include <strandview/formatsExport.h>
 
@@ -38,7 +38,7 @@ readOxdna(Source& source, const ReadOptions& options, ReadReport& report);
 STRANDVIEW_FORMATS_EXPORT std::unique_ptr<Series>
 openOxdna(std::unique_ptr<Source> source, const ReadOptions& options, ReadReport& report);
 
-/// What IndexedSeries has to know of configurations of this topology.
+/// What IndexedText has to know of configurations of this topology.
 STRANDVIEW_FORMATS_EXPORT std::unique_ptr<TextFrames> makeOxdnaFrames(OxdnaTopology topology);
 
 /// Certain of configurations and of topologies.

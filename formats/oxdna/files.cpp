@@ -8,7 +8,7 @@
 #include <system_error>
 #include <vector>
 
-#include <strandview/formats/IndexedSeries.h>
+#include <strandview/formats/IndexedText.h>
 #include <strandview/formats/RowScanner.h>
 #include <strandview/formats/Source.h>
 #include <strandview/formats/Unpacker.h>
@@ -138,7 +138,7 @@ std::optional<std::size_t> countInOxdnaConfiguration(Source& source, const ReadO
 {
     RowCounter counter;
     // Two frames: with the second the first one is counted.
-    if (!IndexedText::of(source, counter, 2, options, report))
+    if (!IndexedText(counter).lookFor(2, source, options, report))
         return {};
     return counter.lines < HEADER_LINES ? 0 : counter.lines - (HEADER_LINES - 1);
 }

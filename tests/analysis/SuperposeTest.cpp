@@ -139,4 +139,39 @@ TEST(SuperposedSeries, TheFirstFrameIsTheFirstThatThereIs)
                             "superposed"));
 }
 
+namespace {
+
+// Its second frame is found later.
+class FoundLater : public MemorySeries
+{
+public:
+    using MemorySeries::MemorySeries;
+    std::size_t count() const override { return isFound ? 2 : 1; }
+    bool lookForMore(const GoOn& goOn) override
+    {
+        isFound = isFound || goOn(0);
+        return !isFound;
+    }
+
+private:
+    bool isFound = false;
+};
+
+} // namespace
+
+TEST(SuperposedSeries, FramesThatAreFoundLaterAreOnTheFirst)
+{
+    Chance chance;
+    const Configuration first = rodOf(chance.points(5));
+    Configuration second = first;
+    move(second, chance.motion());
+    SuperposedSeries series(
+        std::make_unique<FoundLater>(std::vector<Configuration>{first, second}));
+    EXPECT_TRUE(series.lookForMore([](double) { return false; }));
+    EXPECT_EQ(series.count(), 1U);
+    EXPECT_FALSE(series.lookForMore([](double) { return true; }));
+    ASSERT_EQ(series.count(), 2U);
+    EXPECT_LT(largestDistance(*series.load(1).configuration, first), 1e-12);
+}
+
 } // namespace strandview

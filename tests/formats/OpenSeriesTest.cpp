@@ -2,6 +2,8 @@
 #include <strandview/formats/openSeries.h>
 
 #include <cstdlib>
+#include <fstream>
+#include <iterator>
 
 #include <gmock/gmock.h>
 
@@ -129,6 +131,101 @@ TEST_F(OpenSeriesTest, AFormatOfSeriesCanRefuse)
     auto source = Source::open(folder.write("a.digits", ""), report);
     EXPECT_FALSE(openSeries(std::move(source), digits, {}, report));
     EXPECT_THAT(report.error, HasSubstr("a.digits: found no digits"));
+}
+
+// ---- Files that are written to
+
+// Of each format that can grow, a file in which all frames are whole.
+struct WrittenFile
+{
+    std::string name, text;
+    std::size_t first; ///< bytes up to behind the first frame
+    std::size_t frames;
+};
+
+class OpenGrowingSeriesTest : public testing::TestWithParam<WrittenFile>
+{
+};
+
+TEST_P(OpenGrowingSeriesTest, HasWholeFramesAloneWhereverTheFileEnds)
+{
+    const auto& [name, text, first, frames] = GetParam();
+    const TemporaryFolder folder;
+    ReadReport report;
+    ReadOptions options;
+    options.growing = true;
+    const std::string data = TEST_FILES;
+    options.topology = data + "/duplex5_new.top"; // of oxDNA
+    const auto whole = openSeries(Source::open(folder.write("whole-" + name, text), report),
+                                  *formatOfContent(text), options, report);
+    ASSERT_TRUE(whole) << report.error;
+    ASSERT_EQ(whole->count(), frames);
+    const auto series = openSeries(Source::open(folder.write(name, text.substr(0, first)), report),
+                                   *formatOfContent(text), options, report);
+    ASSERT_TRUE(series) << report.error;
+    std::size_t seen = 0;
+    for (std::size_t size = first; size < text.size(); ++size) {
+        folder.append(name, text.substr(size, 1));
+        ASSERT_TRUE(series->lookForMore({}));
+        for (; seen < series->count(); ++seen) {
+            const LoadedFrame frame = series->load(seen), ofWhole = whole->load(seen);
+            ASSERT_TRUE(frame.configuration) << frame.error;
+            EXPECT_EQ(frame.configuration->rods.size(), ofWhole.configuration->rods.size());
+            EXPECT_EQ(frame.configuration->rods[0].points.back().x,
+                      ofWhole.configuration->rods[0].points.back().x);
+            EXPECT_EQ(series->time(seen), whole->time(seen));
+        }
+    }
+    EXPECT_EQ(seen, frames);
+}
+
+std::string contentOf(const std::string& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::vector<WrittenFile> writtenFiles()
+{
+    const std::string xyz = "2\n\nC 0 0 0\nC 1.25 0 0\n3\n\nC 0 0 0\nC 0 1 0\nC 1.75 0 0\n";
+    const std::string fibres =
+        "% frame 0\n% time 0.5\n% fiber f0:1\n 1 0 0 0\n 1 1.25 0 0\n% end\n"
+        "% frame 1\n% time 1.5\n% fiber f0:1\n 1 0 0 0\n 1 1.25 0 1\n% end\n";
+    const std::string table = "0 0 0\n1.25 0 0\n\n\n\n0 0 0\n0 0 1\n\n1 1 1\n2.5 2 2\n\n\n";
+    const std::string oxdna = contentOf(std::string(TEST_FILES) + "/duplex5_new.dat");
+    return {{"run.xyz", xyz, xyz.find("3\n\n"), 2},
+            {"run.txt", fibres, fibres.find("% frame 1"), 2},
+            {"run.dat", table, table.find("\n\n\n") + 3, 2},
+            {"run.oxdna", oxdna, oxdna.find("t = 1000"), 3}};
+}
+
+INSTANTIATE_TEST_SUITE_P(OfEachFormat, OpenGrowingSeriesTest, testing::ValuesIn(writtenFiles()),
+                         [](const auto& file) { return file.param.name.substr(4); });
+
+TEST_F(OpenSeriesTest, WhatIsReadAsAWholeDoesNotGrow)
+{
+    ReadOptions options;
+    options.growing = true;
+    const auto series = openSeries(
+        {folder.write("a.json", R"({"strandview":1,"rods":[{"points":[[0,0,0],[0,0,1]]}]})")},
+        options, report);
+    ASSERT_TRUE(series) << report.error;
+    EXPECT_FALSE(series->lookForMore({}));
+}
+
+TEST_F(OpenSeriesTest, OpenedAtOnceItIsFoundByItsContentAsEver)
+{
+    ReadOptions options;
+    options.atOnce = true;
+    std::string text;
+    for (int i = 0; i < 100000; ++i)
+        text += "2\n\nC 0 0 0\nC 0 0 1\n";
+    const auto series = openSeries({folder.write("a.xyz", text)}, options, report);
+    ASSERT_TRUE(series) << report.error;
+    EXPECT_LT(series->count(), 100000u);
+    EXPECT_FALSE(series->lookForMore({}));
+    EXPECT_EQ(series->count(), 100000u);
+    EXPECT_TRUE(series->load(99999).configuration);
 }
 
 } // namespace strandview

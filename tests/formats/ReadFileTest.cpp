@@ -20,6 +20,7 @@
 #include <sys/stat.h>
 
 #include <strandview/formats/FibreReader.h>
+#include <strandview/formats/IndexedSeries.h>
 #include <strandview/formats/JsonReader.h>
 #include <strandview/formats/PairFrameReader.h>
 #include <strandview/formats/Source.h>

@@ -30,6 +30,7 @@ using algebra3d::Matrix3;
 using algebra3d::Quaternion;
 using algebra3d::Vector3;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::IsNan;
 
@@ -388,7 +389,7 @@ TEST_F(TableSeriesTest, TwoBlankLinesOrMoreSeparateFrames)
 {
     open("0 0 0\n0 0 1\n\n1 0 0\n1 0 1\n1 0 2\n\n \t\n5 0 0\n5 0 1\n\n\n\n\n7 0 0\n7 0 1\n\n\n");
     EXPECT_EQ(shape(), " 2 3, 2, 2");
-    EXPECT_THAT(times(), testing::IsEmpty());
+    EXPECT_THAT(times(), IsEmpty());
     const Configuration last = *series->load(2).configuration;
     EXPECT_EQ(numbersOf(last.rods[0].points), (Points{{7, 0, 0}, {7, 0, 1}}));
     EXPECT_EQ(last.rods[0].origin, "run.txt:15: rod 1");
@@ -447,7 +448,7 @@ TEST_F(TableSeriesTest, AColumnOfFrameNumbersTellsNoTimes)
 {
     open("Frame,x,y,z\n0,0,0,0\n0,0,0,1\n1,0,0,0\n1,0,0,2\n");
     EXPECT_EQ(shape(), " 2, 2");
-    EXPECT_THAT(times(), testing::IsEmpty());
+    EXPECT_THAT(times(), IsEmpty());
 }
 
 TEST_F(TableSeriesTest, OfSeveralSuchColumnsTheTimeGoesFirst)
@@ -474,7 +475,7 @@ TEST_F(TableSeriesTest, AValueOfItsOwnInARowMakesItAScalar)
         SCOPED_TRACE(table);
         open(table);
         ASSERT_EQ(series->count(), 1U);
-        EXPECT_THAT(times(), testing::IsEmpty());
+        EXPECT_THAT(times(), IsEmpty());
         const Rod rod = series->load(0).configuration->rods[0];
         ASSERT_EQ(rod.scalars.size(), 1U);
         EXPECT_EQ(rod.scalars[0].values.size(), rod.points.size());
@@ -505,14 +506,15 @@ TEST_F(TableSeriesTest, ALastFrameThatIsCutShortIsLeftOutWithANotice)
     open("0 0 0\n0 0 1\n\n\n1 0 0\n1 0 1\n\n\n2 0 0\n2 0");
     EXPECT_EQ(shape(), " 2, 2");
     EXPECT_THAT(report.notices,
-                ElementsAre("run.txt:10: found 2 columns, expected 3 as in line 1: the last frame "
-                            "is left out"));
+                ElementsAre("run.txt:10: found 2 columns, expected 3 as in line 1; frame 2, the "
+                            "last one, is left out"));
     open("x y z t\n0 0 0 0\n0 0 1 0\n0 0 0 1\n0 0 1 1\n0 0 0 2\n");
     EXPECT_EQ(shape(), " 2, 2");
     EXPECT_THAT(times(), ElementsAre(0, 1));
-    EXPECT_THAT(report.notices,
-                ElementsAre("run.txt:6: found 1 distinct point, expected at least 2 in a rod: the "
-                            "last frame is left out"));
+    EXPECT_THAT(
+        report.notices,
+        ElementsAre("run.txt:6: found 1 distinct point, expected at least 2 in a rod; frame "
+                    "2, the last one, is left out"));
 }
 
 TEST_F(TableSeriesTest, AFaultInAFrameIsToldWhenItIsLoadedAndLeavesTheOthers)
@@ -568,6 +570,137 @@ TEST_F(TableSeriesTest, LoadingCanBeStopped)
     open("0 0 0\n0 0 1\n\n\n1 0 0\n1 0 1\n");
     EXPECT_EQ(series->load(1, [](double) { return false; }).error.find("run.txt"), 0U);
     EXPECT_TRUE(series->load(1).configuration);
+}
+
+// ---- Frames that are found later
+
+namespace {
+
+constexpr char TWO[] = "0 0 0\n0 0 1\n\n\n1 0 0\n1 0 1\n1 0 2\n";
+
+class GrowingTableTest : public TableSeriesTest
+{
+protected:
+    void follow(const std::string& text)
+    {
+        ReadOptions options;
+        options.growing = true;
+        series = openTable(Source::open(folder.write("run.txt", text), report), options, report);
+    }
+    /// The shape after that was written, too.
+    std::string after(const std::string& more)
+    {
+        folder.append("run.txt", more);
+        EXPECT_TRUE(series->lookForMore({}));
+        return shape();
+    }
+
+    const TemporaryFolder folder;
+};
+
+} // namespace
+
+TEST_F(GrowingTableTest, AFrameIsWholeWithTheBlankLinesBehindIt)
+{
+    follow(TWO);
+    ASSERT_TRUE(series) << report.error;
+    EXPECT_EQ(shape(), " 2");
+    EXPECT_THAT(report.notices,
+                ElementsAre(HasSubstr(
+                    "run.txt:8: found no end of the frame, expected two blank lines or another "
+                    "frame; frame 1, the last one, is left out")));
+    EXPECT_EQ(after(""), " 2");
+    EXPECT_EQ(after("1 0 3\n\n"), " 2");
+    EXPECT_EQ(after("\n"), " 2, 4");
+    EXPECT_EQ(after("\n# next\n2 0 0\n2 0 1"), " 2, 4");
+    EXPECT_EQ(after("0\n\n2 1 0\n2 1 1\n\n"), " 2, 4") << "2 0 10, in its second rod";
+    EXPECT_EQ(after("\n3"), " 2, 4, 2 2");
+    EXPECT_EQ(series->load(2).configuration->rods[0].points[1].z, 10);
+}
+
+TEST_F(GrowingTableTest, AFrameIsWholeWithARowOfAnotherTime)
+{
+    follow("t x y z\n0 0 0 0\n0 0 0 1\n");
+    EXPECT_FALSE(series);
+    EXPECT_EQ(report.error.substr(report.error.find("run.txt")),
+              "run.txt:4: found no end of the frame, expected two blank lines or another frame");
+    report = {};
+    follow("t x y z\n0 0 0 0\n0 0 0 1\n0.5 0 0 0\n");
+    ASSERT_TRUE(series) << report.error;
+    EXPECT_EQ(shape(), " 2");
+    EXPECT_EQ(after("0.5 0 0 1\n0.5 0 0 2\n"), " 2");
+    EXPECT_EQ(after("0.75 0 0 0\n"), " 2, 3");
+    EXPECT_THAT(times(), ElementsAre(0, 0.5));
+    EXPECT_EQ(after("0.75 0 0 1\n\n\n"), " 2, 3, 2");
+    EXPECT_THAT(times(), ElementsAre(0, 0.5, 0.75));
+    EXPECT_THAT(series->load(0).configuration->rods[0].scalars, IsEmpty());
+}
+
+TEST_F(GrowingTableTest, ATimeIsNoScalarFromTheFirstFrameOn)
+{
+    follow("t x y z\n0 0 0 0\n0 0 0 1\n\n\n");
+    ASSERT_TRUE(series) << report.error;
+    EXPECT_THAT(times(), ElementsAre(0));
+    EXPECT_THAT(series->load(0).configuration->rods[0].scalars, IsEmpty());
+    EXPECT_EQ(after("1 0 0 0\n1 0 0 1\n2"), " 2");
+    EXPECT_EQ(after(" 0 0 0\n"), " 2, 2");
+}
+
+TEST_F(GrowingTableTest, AFaultInAFrameThatIsWholeLeavesTheOthers)
+{
+    follow("0 0 0\n0 0 1\n\n\n");
+    folder.append("run.txt", "1 0 0\n1 x 1\n\n\n2 0 0\n2 0 1\n2 0 2\n\n\n");
+    EXPECT_TRUE(series->lookForMore({}));
+    ASSERT_EQ(series->count(), 3u);
+    EXPECT_THAT(series->load(1).error, HasSubstr("run.txt:6: column 2 (y): found 'x'"));
+    EXPECT_EQ(series->load(2).configuration->rods[0].points.size(), 3u);
+}
+
+TEST_F(TableSeriesTest, AtOnceFindsTheSameFrames)
+{
+    const TemporaryFolder folder;
+    std::string text = "t x y z\n";
+    while (text.size() < 5'000'000) {
+        const std::string time = std::to_string(text.size());
+        for (const char* row : {" 0 0 0\n", " 0 0 1\n", " 0 1 1\n"})
+            text += time + row;
+    }
+    folder.write("run.txt", text + "1 2");
+    const auto opened = [&](bool atOnce) {
+        ReadOptions options;
+        options.atOnce = atOnce;
+        return openTable(Source::open(folder.path("run.txt"), report), options, report);
+    };
+    const auto whole = opened(false), later = opened(true);
+    ASSERT_TRUE(whole && later);
+    EXPECT_FALSE(whole->lookForMore({}));
+    EXPECT_LT(later->count(), whole->count() / 4);
+    EXPECT_EQ(later->load(0).configuration->rods[0].points.size(), 3u);
+    // Stopped before each piece but the first.
+    bool mayBeMore = true;
+    for (int rounds = 0; mayBeMore; ++rounds) {
+        ASSERT_LT(rounds, 10);
+        int asked = 0;
+        mayBeMore = later->lookForMore([&](double) { return ++asked <= 2; });
+    }
+    ASSERT_EQ(later->count(), whole->count());
+    for (const std::size_t frame : {std::size_t(1), whole->count() / 2, whole->count() - 1}) {
+        EXPECT_EQ(later->time(frame), whole->time(frame));
+        const LoadedFrame one = whole->load(frame), other = later->load(frame);
+        EXPECT_EQ(one.configuration->rods[0].lines, other.configuration->rods[0].lines);
+        EXPECT_EQ(other.configuration->rods[0].scalars.size(), 0u);
+    }
+    EXPECT_FALSE(later->lookForMore({}));
+}
+
+TEST_F(TableSeriesTest, AtOnceReadsAPipeAsFarAsItIsLookedAt)
+{
+    ReadOptions options;
+    options.atOnce = true;
+    series = openTable(Source::ofBytes("run.txt", TWO), options, report);
+    ASSERT_TRUE(series) << report.error;
+    EXPECT_EQ(shape(), " 2, 3") << "what fits into a piece is known at once";
+    EXPECT_FALSE(series->lookForMore({}));
 }
 
 // ---- More rods

@@ -125,4 +125,69 @@ TEST(JointSeries, TellsTheShareOfAllThatIsDone)
     EXPECT_EQ(watched.shares, "stop ");
 }
 
+// ---- Series that grow
+
+namespace {
+
+// One more frame whenever it is looked for, up to so many.
+class LateSeries : public Series
+{
+public:
+    explicit LateSeries(std::size_t all) : most(all) {}
+    std::size_t count() const override { return known; }
+    std::optional<double> time(std::size_t frame) const override { return double(frame); }
+    bool lookForMore(const GoOn& goOn) override
+    {
+        if (known < most && (!goOn || goOn(0.5)))
+            ++known;
+        return known < most;
+    }
+
+private:
+    LoadedFrame loadFrame(std::size_t frame, const GoOn&) override
+    {
+        return {withMarker(100 + int(frame))};
+    }
+
+    const std::size_t most;
+    std::size_t known = 1;
+};
+
+} // namespace
+
+TEST(JointSeries, GrowsWithItsPartsUpToTheShortest)
+{
+    JointSeries series = joint(numbered(10, 3), std::make_unique<LateSeries>(4), numbered(5, 1));
+    EXPECT_EQ(series.count(), 1u) << "of one that may have more";
+    EXPECT_THAT(idsOf(series.load(0)), ElementsAre(10, 100, 5));
+    EXPECT_TRUE(series.lookForMore({}));
+    EXPECT_EQ(series.count(), 2u);
+    EXPECT_TRUE(series.lookForMore({}));
+    EXPECT_FALSE(series.lookForMore({}));
+    EXPECT_EQ(series.count(), 3u);
+    EXPECT_THAT(idsOf(series.load(2)), ElementsAre(12, 102, 5));
+    EXPECT_EQ(series.time(2), 2.0);
+}
+
+TEST(JointSeries, APartThatHasNoMoreThanOneIsStillOnceThatIsKnown)
+{
+    auto late = std::make_unique<LateSeries>(4);
+    JointSeries series = joint(numbered(7, 1), std::move(late));
+    EXPECT_TRUE(series.lookForMore([](double) { return false; }));
+    EXPECT_EQ(series.count(), 1u) << "it was not looked at";
+    std::vector<double> shares;
+    EXPECT_TRUE(series.lookForMore([&shares](double share) {
+        shares.push_back(share);
+        return true;
+    }));
+    EXPECT_THAT(shares, ElementsAre(0.75));
+    EXPECT_EQ(series.count(), 2u);
+    EXPECT_THAT(idsOf(series.load(1)), ElementsAre(7, 101));
+}
+
+TEST(JointSeries, HasNoMoreWhereNoPartHas)
+{
+    EXPECT_FALSE(joint(numbered(10, 3), numbered(5, 1)).lookForMore({}));
+}
+
 } // namespace strandview

@@ -78,6 +78,8 @@ TEST(Series, PassesOnWhoeverIsToBeAsked)
 
 TEST(Series, HasNoTimesUnlessItKnowsThem) { EXPECT_EQ(CountingSeries().time(0), std::nullopt); }
 
+TEST(Series, HasNoMoreUnlessItKnowsOfSome) { EXPECT_FALSE(CountingSeries().lookForMore({})); }
+
 TEST(MemorySeries, HasItsConfigurationsWithTheirTimes)
 {
     MemorySeries series({numbered(1), numbered(2)}, {0, 2.5});

@@ -35,6 +35,10 @@ public:
         std::ofstream(path(name), std::ios::binary) << text;
         return path(name);
     }
+    void append(const std::string& name, const std::string& text) const
+    {
+        std::ofstream(path(name), std::ios::binary | std::ios::app) << text;
+    }
 
 private:
     std::string folder;

@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <strandview/formats/IndexedText.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <utility>
+
+#include <strandview/formats/Pieces.h>
+#include <strandview/formats/text/encoding.h>
+
+namespace strandview {
+
+namespace {
+
+constexpr std::size_t PIECE = 1 << 20;
+constexpr std::size_t LONGEST_LINE = 4096;
+
+std::string_view withoutCarriageReturn(std::string_view line)
+{
+    return line.substr(0, line.size() - (!line.empty() && line.back() == '\r'));
+}
+
+} // namespace
+
+TextIndex::~TextIndex() = default;
+TextFrames::~TextFrames() = default;
+
+std::optional<std::string> readBetween(Source& source, std::uint64_t begin, std::uint64_t end,
+                                       const ReadOptions& options, ReadReport& report)
+{
+    std::optional<std::string> bytes =
+        source.readAt(begin, std::size_t(end - begin), options, report);
+    if (!bytes || bytes->size() == end - begin)
+        return bytes;
+    report.error = source.getName() + ": found its end at byte " +
+                   std::to_string(begin + bytes->size()) + ", expected the frame up to byte " +
+                   std::to_string(end) + ": it has become shorter";
+    return {};
+}
+
+const double FrameIndex::NO_TIME = std::numeric_limits<double>::quiet_NaN();
+
+void FrameIndex::setTime(double time)
+{
+    if (!places.empty())
+        places.back().time = time;
+}
+
+bool IndexedText::lookOn(Source& source, const ReadOptions& options, ReadReport& report)
+{
+    return lookFor(std::numeric_limits<std::size_t>::max(), source, options, report);
+}
+
+bool IndexedText::lookFor(std::size_t most, Source& source, const ReadOptions& options,
+                          ReadReport& report)
+{
+    Pieces pieces(source, options, report);
+    for (bool isAtEnd = false; !isAtEnd && !isDone(most);) {
+        const std::uint64_t offset = end + begunSize;
+        const std::optional<std::string_view> piece = pieces.read(offset, PIECE);
+        if (!piece)
+            return false;
+        if (offset == 0 && isUtf16(*piece)) {
+            report.error = source.getName() + ": " + FOUND_UTF16;
+            return false;
+        }
+        seeLines(*piece, most);
+        isAtEnd = piece->size() < PIECE;
+        if (isAtEnd && begunSize > 0 && !options.growing && !isDone(most))
+            see(withoutCarriageReturn(begun), std::exchange(begunSize, 0));
+    }
+    if (!index.fault.empty())
+        report.error = source.getName() + ":" + std::to_string(index.line) + ": " + index.fault;
+    else if (count() == 0)
+        report.error = source.getName() + ": found nothing to show, expected at least one frame";
+    return report.error.empty();
+}
+
+/// The piece comes next.
+void IndexedText::seeLines(std::string_view piece, std::size_t most)
+{
+    for (std::size_t stop; !isDone(most) && (stop = piece.find('\n')) != piece.npos;
+         piece.remove_prefix(stop + 1)) {
+        std::string_view line = piece.substr(0, std::min(stop, LONGEST_LINE - begun.size()));
+        if (begunSize > 0)
+            line = begun += line;
+        see(withoutCarriageReturn(line), std::exchange(begunSize, 0) + stop + 1);
+        begun.clear();
+    }
+    if (isDone(most))
+        return;
+    begun += piece.substr(0, LONGEST_LINE - begun.size());
+    begunSize += piece.size();
+}
+
+void IndexedText::see(std::string_view line, std::uint64_t bytes)
+{
+    frames.see(index.offset == 0 ? withoutByteOrderMark(line) : line, index);
+    if (!index.fault.empty()) // of which the line is no part of a frame
+        return;
+    end += bytes;
+    index.offset = end;
+    ++index.line;
+}
+
+std::optional<double> IndexedText::time(std::size_t frame) const
+{
+    if (frame >= count() || std::isnan(index.places[frame].time))
+        return {};
+    return index.places[frame].time;
+}
+
+FrameRead IndexedText::read(std::size_t frame, Source& source, const ReadOptions& options,
+                            ReadReport& report) const
+{
+    const FrameIndex::Place& place = index.places[frame];
+    const std::uint64_t next = frame + 1 < count() ? index.places[frame + 1].offset : end;
+    const auto bytes = readBetween(source, place.offset, next, options, report);
+    if (!bytes)
+        return {};
+    const std::string_view text = place.offset == 0 ? withoutByteOrderMark(*bytes) : *bytes;
+    return frames.read({text, std::size_t(place.line)}, source.getName(), options, report);
+}
+
+} // namespace strandview
