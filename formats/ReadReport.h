@@ -38,6 +38,9 @@ struct ReadOptions
     /// it, and Series::lookForMore() finds those that came since, for as long as it is asked. What
     /// is packed, and pipes, are refused; formats that are read as a whole do not grow.
     bool growing = false;
+    /// Of a table: so many rows are a frame, whatever is between them; 1 where each row holds a
+    /// whole one. 0 where the table tells it.
+    std::size_t frameRows = 0;
 };
 
 /// More than one, without having looked how many.

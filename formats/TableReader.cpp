@@ -26,6 +26,7 @@
 #include <strandview/formats/text/fields.h>
 #include <strandview/formats/text/numbers.h>
 #include <strandview/formats/text/wording.h>
+#include <strandview/formats/wideRows.h>
 #include <strandview/model/MemorySeries.h>
 
 namespace strandview {
@@ -96,16 +97,6 @@ std::size_t indexOfName(std::string_view name, const Names& names)
 {
     const auto found = std::find(names.begin(), names.end(), name);
     return found == names.end() ? NO_COLUMN : found - names.begin();
-}
-
-/// The text before a last part in brackets: "x" for "x [m]" and "x(nm)".
-std::string_view withoutUnit(std::string_view field)
-{
-    const char last = field.empty() ? ' ' : field.back();
-    if (last != ']' && last != ')')
-        return field;
-    const std::size_t bracket = field.rfind(last == ']' ? '[' : '(');
-    return bracket == std::string_view::npos ? field : trimmed(field.substr(0, bracket));
 }
 
 /// A column's name: a known one in lower case and without a unit, any other as it is.
@@ -185,7 +176,9 @@ std::vector<std::string_view> headerFields(FieldScanner scanner)
     FieldScanner withSpaces = scanner;
     withSpaces.makeSpacesText();
     std::vector<std::string_view> fields = remainingFields(withSpaces);
-    return haveNamesOfPoints(fields) ? fields : remainingFields(scanner);
+    std::string ignored;
+    return haveNamesOfPoints(fields) || wideColumnsOf(fields, ignored) ? fields
+                                                                       : remainingFields(scanner);
 }
 
 /// A row that is all names: none of its fields is a number.
@@ -239,8 +232,9 @@ struct Columns
 /// How the rows of a table are to be read, whichever frame they are in.
 struct Layout
 {
-    Columns columns;
+    Columns columns; ///< without names where they are wide
     bool areCommasText = false;
+    std::optional<WideColumns> wide = {};
 };
 
 /// The columns that may tell frames apart: the first of these names that there is. A T is a
@@ -282,7 +276,7 @@ public:
     /// By the first line, which is neither blank nor a comment, and those below it.
     std::optional<Layout> readLayout()
     {
-        return takeFirstLine() ? std::optional<Layout>({columns, scanner.areCommasText()})
+        return takeFirstLine() ? std::optional<Layout>({columns, scanner.areCommasText(), wide})
                                : std::nullopt;
     }
 
@@ -290,7 +284,8 @@ public:
     std::optional<Configuration> read(const Layout& layout)
     {
         columns = layout.columns;
-        row.resize(columns.names.size());
+        wide = layout.wide;
+        row.resize(wide ? wide->count : columns.names.size());
         if (layout.areCommasText)
             scanner.makeCommasText();
         scanner.lookForReturns();
@@ -334,6 +329,11 @@ private:
         columns.endWithComma = fields.size() > 1 && fields.back().empty();
         if (columns.endWithComma)
             fields.pop_back();
+        std::string fault;
+        if (isHeader(fields) && (wide = wideColumnsOf(fields, fault)))
+            return takeWideColumns() && (fault.empty() || fail(fault));
+        if (options.frameRows == 1)
+            return takeWideColumnCount(fields.size(), isHeader(fields));
         if (isHeader(fields))
             return takeHeader(fields);
         columns.areOfDna = isBase(fields[0]);
@@ -348,7 +348,26 @@ private:
         std::vector<std::string_view> fields = headerFields(scanner);
         if (columns.endWithComma && fields.size() > 1 && fields.back().empty())
             fields.pop_back();
+        if (wide) // whose columns are the same if there are as many
+            return isHeader(fields) && fields.size() == wide->count;
         return isHeader(fields) && namesOfColumns(fields, columns.knownNames()) == columns.names;
+    }
+
+    bool takeWideColumns()
+    {
+        columns.line = scanner.getLine();
+        row.resize(wide->count);
+        return true;
+    }
+
+    bool takeWideColumnCount(std::size_t count, bool areNames)
+    {
+        const std::string expected =
+            ", expected x y z of each of two points or more, or a time and these";
+        if (areNames)
+            return fail("found a header without x1 y1 z1 x2 y2 z2" + expected);
+        wide = wideColumnsOf(count);
+        return wide ? takeWideColumns() : fail("found " + counted(count, "column") + expected);
     }
 
     bool takeColumnCount(std::size_t count)
@@ -568,12 +587,14 @@ private:
     {
         if (!takesNumbers(column))
             return readBase(field);
+        if (wide && !wide->isUsed(column))
+            return true;
         const std::errc status = parseNumber(field, row[column]);
         if (status == std::errc() && std::isfinite(row[column]) &&
             (scanner.areCommasText() || !hasComma(field)))
             return true;
         const bool isNoNumber = status == std::errc() && std::isnan(row[column]);
-        if ((field.empty() || isNoNumber) && mayBeMissing(column)) {
+        if ((field.empty() || isNoNumber) && !wide && mayBeMissing(column)) {
             row[column] = std::numeric_limits<double>::quiet_NaN();
             missing.push_back({column, field});
             missingLine = scanner.getLine();
@@ -594,6 +615,8 @@ private:
 
     bool addRow()
     {
+        if (wide)
+            return addWideRow();
         if (!isInBlock())
             openBlock();
         if (columns.areOfDna) {
@@ -615,6 +638,28 @@ private:
         return addFrame(0, rod.points, rod.rotations);
     }
 
+    /// It is a rod.
+    bool addWideRow()
+    {
+        openBlock();
+        algebra3d::reserveMany(rod.points, wide->points);
+        for (std::size_t i = 0; i < wide->points; ++i) {
+            const std::size_t x = wide->first + 3 * i;
+            for (std::size_t column = x; column < x + 3; ++column)
+                if (!isCoordinate(row[column]))
+                    return failCoordinate(column);
+            rod.points.emplace_back(row[x], row[x + 1], row[x + 2]);
+        }
+        rod.lines.assign(wide->points, scanner.getLine());
+        return finishBlock();
+    }
+
+    bool failCoordinate(std::size_t column)
+    {
+        return fail(nameText(column) + ": found " + formatted(row[column]) + ", expected " +
+                    EXPECTED_COORDINATE);
+    }
+
     /// One of the points that the row places, with its rotation unless that is missing.
     bool addFrame(std::size_t frame, std::vector<algebra3d::Vector3<double>>& points,
                   std::vector<algebra3d::Quaternion<double>>& rotations)
@@ -622,8 +667,7 @@ private:
         const std::size_t* at = &columns.geometry[frame * FRAME_WIDTH];
         for (std::size_t i = 0; i < 3; ++i)
             if (!isCoordinate(row[at[i]]))
-                return fail(nameText(at[i]) + ": found " + formatted(row[at[i]]) + ", expected " +
-                            EXPECTED_COORDINATE);
+                return failCoordinate(at[i]);
         algebra3d::reserveNext(points);
         points.emplace_back(row[at[0]], row[at[1]], row[at[2]]);
         if (isRotationMissing())
@@ -734,6 +778,8 @@ private:
     }
     std::string nameText(std::size_t column) const
     {
+        if (wide)
+            return columnText(column) + " (" + nameOf(column, *wide) + ")";
         const std::size_t index = indexOfName(columns.names[column], columns.knownNames());
         const std::string name = columns.areOfDna && index != NO_COLUMN
                                      ? ROD_NAMES[index % FRAME_WIDTH] + ofOwner(index / FRAME_WIDTH)
@@ -759,6 +805,7 @@ private:
     ReadReport& report;
     Milestones milestones;
     Columns columns;
+    std::optional<WideColumns> wide;   ///< instead of them
     std::vector<double> row;           ///< the numbers of one row, by column
     std::vector<MissingField> missing; ///< of the last row that was read
     std::size_t missingLine = 0;
@@ -809,8 +856,9 @@ public:
 
     std::optional<double> time(std::size_t frame) const override
     {
-        const bool isKnown = areTimed() && !areTimesNumbers && frame < times.size();
-        return isKnown ? std::optional(times[frame]) : std::nullopt;
+        const bool isKnown =
+            (areTimed() || rowsOfFrame > 0) && !areTimesNumbers && frame < times.size();
+        return isKnown && std::isfinite(times[frame]) ? std::optional(times[frame]) : std::nullopt;
     }
 
     FrameRead read(std::size_t frame, Source& source, const ReadOptions& options,
@@ -819,8 +867,7 @@ public:
         const FrameStart& start = frames()[frame];
         const bool isLast = frame + 1 == count();
         if (isLast && !isEnded(options.growing)) {
-            report.error = fileName + ":" + std::to_string(line) +
-                           ": found no end of the frame, expected two blank lines or another frame";
+            report.error = fileName + ":" + std::to_string(line) + ": " + missingEnd();
             return {{}, true};
         }
         const std::uint64_t next = isLast ? end : frames()[frame + 1].offset;
@@ -841,7 +888,16 @@ private:
     /// Of the last frame.
     bool isEnded(bool isGrowing) const
     {
+        if (rowsOfFrame > 0)
+            return rowsLeft == 0;
         return isGap || blankLines > 1 || (isAtEnd && !isGrowing);
+    }
+    std::string missingEnd() const
+    {
+        if (rowsOfFrame == 0)
+            return "found no end of the frame, expected two blank lines or another frame";
+        return "found " + counted(rowsOfFrame - rowsLeft, "row") + " in the frame, expected " +
+               std::to_string(rowsOfFrame);
     }
 
     /// Whether a column tells frames apart stays as it is from the second frame on; where a table
@@ -853,9 +909,8 @@ private:
             return;
         isTimed = areTimed() || isFirstTimed;
         isChosen = true;
-        std::vector<std::size_t>& others = layout.columns.others;
         if (isTimed)
-            others.erase(std::find(others.begin(), others.end(), timeColumn));
+            leaveOutTime();
         else
             timeColumn = NO_COLUMN;
     }
@@ -926,7 +981,8 @@ private:
             addRow(scanner, {end + start, scanner.getLine()});
         }
         end += lines.size();
-        line = scanner.getLine();
+        const bool isWithinLine = !lines.empty() && lines.back() != '\n' && lines.back() != '\r';
+        line = scanner.getLine() - isWithinLine;
         return true;
     }
 
@@ -942,13 +998,55 @@ private:
         timeColumn = timeColumnOf(layout.columns);
         areTimesNumbers = timeColumn != NO_COLUMN &&
                           inSmallLetters(withoutUnit(layout.columns.names[timeColumn])) == "frame";
+        if (layout.wide || options.frameRows > 0)
+            countRows(options.frameRows);
         if (layout.areCommasText)
             scanner.makeCommasText();
         return true;
     }
 
+    /// Their number tells frames apart, and nothing else.
+    void countRows(std::size_t inFrame)
+    {
+        rowsOfFrame = layout.wide ? 1 : inFrame;
+        isChosen = true;
+        if (layout.wide && layout.wide->time) {
+            timeColumn = *layout.wide->time;
+            areTimesNumbers = layout.wide->isTimeNumber;
+        } else if (timeColumn != NO_COLUMN) {
+            leaveOutTime();
+        }
+    }
+    void leaveOutTime()
+    {
+        std::vector<std::size_t>& others = layout.columns.others;
+        others.erase(std::find(others.begin(), others.end(), timeColumn));
+    }
+
+    void addCountedRow(const FieldScanner& row, const FrameStart& start)
+    {
+        if (isHeaderLine(row))
+            return;
+        if (rowsLeft == 0) {
+            starts.push_back(start);
+            rowsLeft = rowsOfFrame;
+            if (timeColumn != NO_COLUMN)
+                times.push_back(timeIn(row).value_or(std::numeric_limits<double>::quiet_NaN()));
+        }
+        --rowsLeft;
+    }
+    /// Whether the line has no number.
+    static bool isHeaderLine(FieldScanner row)
+    {
+        const FieldScanner whole = row;
+        double number = 0;
+        return !row.nextNumber(number) && isHeader(remainingFields(whole));
+    }
+
     void addRow(const FieldScanner& row, const FrameStart& start)
     {
+        if (rowsOfFrame > 0)
+            return addCountedRow(row, start);
         if (isGap || starts.empty())
             starts.push_back(start);
         isTimedGap = isTimedGap || isGap;
@@ -1005,6 +1103,8 @@ private:
     bool isTimedGap = false; ///< since the last row with a time
     std::size_t rowsOfTime = 0;
     bool isChosen = false, isTimed = false; ///< which of both
+
+    std::size_t rowsOfFrame = 0, rowsLeft = 0; ///< where they are counted
 };
 
 } // namespace

@@ -43,6 +43,11 @@ class Source;
 /// a value that stands in one row alone: one that is a parameter along the rod. Of these columns it
 /// is the first named here; those of t and time are the times of the series.
 ///
+/// A row holds a whole frame, of one rod, where a header names x1 y1 z1 x2 y2 z2 and so on
+/// (wideRows.h), and where ReadOptions::frameRows is 1: then it is 3 numbers for each point, or a
+/// time and these. Any other number asked for there tells frames apart alone, and the column that
+/// could is the time of their first rows.
+///
 /// A last frame of several that cannot be read, as it is cut short, is left out with a notice.
 ///
 /// Blanks, tabs, a comma or a semicolon separate columns; nothing between two commas
@@ -67,6 +72,11 @@ readTable(Source& source, const ReadOptions& options, ReadReport& report);
 
 /// All frames, each read from its place in the source when it is loaded. Of the frames but the last
 /// one nothing is checked before; what is wrong with the only one is as above.
+///
+/// Opened at once, and where it is growing, a table's second frame decides for all whether a column
+/// tells frames apart. Of one that is growing a frame is whole with two blank lines behind it, a
+/// row of another time, or as many rows as were asked for; a column that could tell frames apart
+/// does.
 STRANDVIEW_FORMATS_EXPORT std::unique_ptr<Series>
 openTable(std::unique_ptr<Source> source, const ReadOptions& options, ReadReport& report);
 

@@ -144,6 +144,9 @@ const Format* formatOf(Source& source, const ReadOptions& options, ReadReport& r
         report.error = source.getName() + ": " +
                        (isUtf16(*beginning) ? FOUND_UTF16
                                             : "found binary data, expected " + expectedFormats());
+    else if (options.frameRows > 0 && format->read != readTable)
+        report.notices.push_back(source.getName() + ": --frame-rows has no effect: found " +
+                                 format->expected + ", expected a table");
     return format;
 }
 

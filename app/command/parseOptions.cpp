@@ -415,6 +415,10 @@ void addSeries(CLI::App& app, Options& options)
     addCount(app, "--between", series.between, 0, 1000,
              "So many more frames between each two: points go straight, rotations turn [0]")
         ->group(group);
+    addCount(app, "--frame-rows", options.frameRows, 1, std::numeric_limits<int>::max(),
+             "Every N rows of a table are a frame; 1 for rows t x1 y1 z1 x2 ... without a header "
+             "[blank lines and times tell]")
+        ->group(group);
     addCount(app, "--jobs", series.jobs, 0, 1000,
              "Render pictures with so many processes, or 0 for one per core [1]")
         ->needs(render)

@@ -52,6 +52,7 @@ struct Options
     std::string look;
     bool normalise = false;
     bool closed = false;      ///< every rod, ReadOptions::close
+    int frameRows = 0;        ///< of tables, ReadOptions::frameRows
     std::optional<int> frame; ///< of a series, counted from 0; else the first, or all to export
     SeriesRequest series;
 

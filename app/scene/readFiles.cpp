@@ -105,7 +105,10 @@ std::optional<Configuration> readFrame(const std::vector<std::string>& files,
 
 ReadOptions readOptionsOf(const Options& options, std::function<bool(double share)> goOn)
 {
-    return {options.normalise, std::move(goOn), options.closed, {}, options.series.ownPairs};
+    ReadOptions asked = {options.normalise, std::move(goOn), options.closed};
+    asked.frameRows = std::size_t(options.frameRows);
+    asked.ownPairs = options.series.ownPairs;
+    return asked;
 }
 
 OpenedFiles openFiles(const std::vector<std::string>& files, const Options& options,

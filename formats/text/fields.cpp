@@ -25,6 +25,15 @@ std::string_view trimmed(std::string_view text)
     return text;
 }
 
+std::string_view withoutUnit(std::string_view field)
+{
+    const char last = field.empty() ? ' ' : field.back();
+    if (last != ']' && last != ')')
+        return field;
+    const std::size_t bracket = field.rfind(last == ']' ? '[' : '(');
+    return bracket == std::string_view::npos ? field : trimmed(field.substr(0, bracket));
+}
+
 bool hasOpenQuote(std::string_view field) { return !field.empty() && isQuote(field[0]); }
 
 /// Of every character: a look into a table costs less than comparisons.

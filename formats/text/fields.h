@@ -14,6 +14,9 @@ namespace strandview {
 /// The text without the blanks and tabs around it.
 STRANDVIEW_FORMATS_EXPORT std::string_view trimmed(std::string_view text);
 
+/// A name without a unit: the text before a last part in brackets, "x" for "x [m]" and "x(nm)".
+STRANDVIEW_FORMATS_EXPORT std::string_view withoutUnit(std::string_view field);
+
 /// Whether a field of FieldScanner lacks its closing quote.
 STRANDVIEW_FORMATS_EXPORT bool hasOpenQuote(std::string_view field);
 

@@ -76,6 +76,12 @@ TEST(ParseOptions, FlagsOfReadingAreOffUnlessGiven)
     EXPECT_TRUE(both.closed && both.normalise);
 }
 
+TEST(ParseOptions, RowsOfAFrameAreCountedWhereThatIsAsked)
+{
+    EXPECT_EQ(accepted({"rod.txt"}).frameRows, 0);
+    EXPECT_EQ(accepted({"--frame-rows", "20", "rod.txt"}).frameRows, 20);
+}
+
 TEST(ParseOptions, LengthsCountsAndColoursAreTaken)
 {
     const Options options = accepted({"--radius", "0.25", "--ribbon-width=2", "--slices", "12",

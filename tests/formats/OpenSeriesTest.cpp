@@ -228,4 +228,21 @@ TEST_F(OpenSeriesTest, OpenedAtOnceItIsFoundByItsContentAsEver)
     EXPECT_TRUE(series->load(99999).configuration);
 }
 
+TEST_F(OpenSeriesTest, RowsAreCountedInTablesAlone)
+{
+    ReadOptions options;
+    options.frameRows = 2;
+    const auto table =
+        openSeries({folder.write("a.raw", "0 0 0\n0 0 1\n0 0 0\n0 0 2\n")}, options, report);
+    ASSERT_TRUE(table) << report.error;
+    EXPECT_EQ(table->count(), 2u);
+    EXPECT_TRUE(report.notices.empty());
+    const auto atoms =
+        openSeries({folder.write("a.xyz", "2\n\nC 0 0 0\nC 0 0 1\n")}, options, report);
+    ASSERT_TRUE(atoms) << report.error;
+    EXPECT_THAT(report.notices,
+                testing::ElementsAre(HasSubstr("a.xyz: --frame-rows has no effect: found a list of "
+                                               "atoms, expected a table")));
+}
+
 } // namespace strandview

@@ -572,6 +572,119 @@ TEST_F(TableSeriesTest, LoadingCanBeStopped)
     EXPECT_TRUE(series->load(1).configuration);
 }
 
+// ---- Rows that are frames, and frames of so many rows
+
+TEST_F(TableSeriesTest, EachWideRowIsAFrame)
+{
+    open("t,x1,y1,z1,x2,y2,z2,x3,y3,z3\n0,0,0,0,0,0,1,0,0,2\n\n# later\n"
+         "0.5,0,0,0,0,0,1,0,3,1\n0.5,0,0,0,0,4,1,0,3,1\n");
+    EXPECT_EQ(shape(), " 3, 3, 3");
+    EXPECT_THAT(times(), ElementsAre(0, 0.5, 0.5));
+    const Rod rod = series->load(1).configuration->rods[0];
+    EXPECT_EQ(rod.points[2].y, 3);
+    EXPECT_EQ(rod.points[1].z, 1);
+    EXPECT_THAT(rod.lines, ElementsAre(5, 5, 5));
+    EXPECT_EQ(rod.origin, "run.txt:5: rod 1");
+    EXPECT_THAT(rod.scalars, IsEmpty());
+    EXPECT_FALSE(rod.hasFrames);
+}
+
+TEST_F(TableSeriesTest, OfAWideRowOtherColumnsAreLeftOut)
+{
+    open("name;Frame;x1;y1;z1;x2;y2;z2;energy;\n\"a b\";1;0;0;0;0;0;1;-;\n"
+         "c;2;0,5;0;0;0;0;1;;\nname;Frame;x1;y1;z1;x2;y2;z2;energy;\nd;3;1;0;0;0;0;1;2;\n");
+    EXPECT_EQ(shape(), " 2, 2, 2");
+    EXPECT_THAT(times(), IsEmpty()) << "numbers of frames";
+    EXPECT_EQ(series->load(1).configuration->rods[0].points[0].x, 0.5);
+    EXPECT_EQ(series->load(2).configuration->rods[0].points[0].x, 1);
+}
+
+TEST_F(TableSeriesTest, FaultsInAWideRowAreToldByTheNameOfTheColumn)
+{
+    open("t x1 y1 z1 x2 y2 z2\n0 0 0 0 0 0 1\n1 0 0 0 0 no 1\n2 0 0 0 0 0\n"
+         "3 0 0 0 0 0 1e19\n4 0 0 0 0 0 nan\n5 1 1 1 1 1 1\n6 0 0 0 0 0 1\n");
+    const std::vector<std::string> faults = {
+        "",
+        "run.txt:3: column 6 (y2): found 'no', expected a finite number",
+        "run.txt:4: found 6 columns, expected 7 as in line 1",
+        "run.txt:5: column 7 (z2): found 1e+19, expected a coordinate between -1e18 and 1e18",
+        "run.txt:6: column 7 (z2): found 'nan', expected a finite number",
+        "run.txt:7: found 1 distinct point, expected at least 2 in a rod",
+        ""};
+    ASSERT_EQ(series->count(), faults.size());
+    for (std::size_t i = 0; i < faults.size(); ++i)
+        EXPECT_EQ(series->load(i).error, faults[i]);
+    EXPECT_EQ(readText("t,x1,y1,z1,x2,y2,z2,x3\n0,0,0,0,0,0,1,0\n").report.error,
+              "rod.txt:1: column 8: found 'x3', expected x y z of each point, one point after the "
+              "other");
+    EXPECT_EQ(readText("t,x1,y1,z1,x2,y2,z2\n").report.error, readText("x,y,z\n").report.error);
+}
+
+TEST_F(TableSeriesTest, AWideRowThatIsCutShortIsLeftOut)
+{
+    open("x1 y1 z1 x2 y2 z2\n0 0 0 0 0 1\n0 0 0 0 0\n");
+    EXPECT_EQ(shape(), " 2");
+    EXPECT_THAT(report.notices[0], HasSubstr("expected 6 as in line 1; frame 1, the last one"));
+}
+
+TEST_F(TableSeriesTest, WideRowsWithoutAHeaderAreAskedFor)
+{
+    ReadOptions options;
+    options.frameRows = 1;
+    const auto ask = [&](const std::string& text) {
+        report = {};
+        series = openTable(Source::ofBytes("run.txt", text), options, report);
+    };
+    ask("0.25 0 0 0 0 0 1\n0.5 0 0 0 0 0 2\n");
+    ASSERT_TRUE(series) << report.error;
+    EXPECT_EQ(shape(), " 2, 2");
+    EXPECT_THAT(times(), ElementsAre(0.25, 0.5));
+    ask("0 0 0 0 0 1 0 0 2\n0 0 0 0 0 2 0 0 4\n");
+    EXPECT_EQ(shape(), " 3, 3");
+    EXPECT_THAT(times(), IsEmpty());
+    ask("t,x1,y1,z1,x2,y2,z2\n0,0,0,0,0,0,1\n");
+    EXPECT_EQ(shape(), " 2");
+    ask("0 0 0 0 0\n");
+    EXPECT_EQ(report.error, "run.txt:1: found 5 columns, expected x y z of each of two points or "
+                            "more, or a time and these");
+    ask("x y z\n0 0 0\n");
+    EXPECT_EQ(report.error,
+              "run.txt:1: found a header without x1 y1 z1 x2 y2 z2, expected x y z of "
+              "each of two points or more, or a time and these");
+}
+
+TEST_F(TableSeriesTest, SoManyRowsAreAFrameWhereThatIsAsked)
+{
+    ReadOptions options;
+    options.frameRows = 3;
+    const auto ask = [&](const std::string& text) {
+        report = {};
+        series = openTable(Source::ofBytes("run.txt", text), options, report);
+        ASSERT_TRUE(series) << report.error;
+    };
+    ask("0 0 0\n0 0 1\n0 0 2\n1 0 0\n1 0 1\n1 0 2\n");
+    EXPECT_EQ(shape(), " 3, 3");
+    EXPECT_EQ(series->load(1).configuration->rods[0].points[0].x, 1);
+    EXPECT_THAT(report.notices, IsEmpty());
+    // Whatever is between them; a blank line still ends a rod.
+    ask("x y z s\n0 0 0 5\n\n\n# half\n0 0 1 5\n0 0 2 5\n\nx y z s\n1 0 0 6\n1 0 1 7\n1 0 2 8\n0 0 "
+        "0 0");
+    ASSERT_EQ(series->count(), 2u);
+    EXPECT_THAT(series->load(0).error, HasSubstr("found 1 distinct point"));
+    EXPECT_THAT(series->load(1).configuration->rods[0].scalars[0].values, ElementsAre(6, 7, 8));
+    EXPECT_THAT(report.notices,
+                ElementsAre("run.txt:13: found 1 row in the frame, expected 3; frame 2, the last "
+                            "one, is left out"));
+    ask("time x y z\n1 0 0 0\n2 0 0 1\n3 0 0 2\n4 0 0 0\n5 0 0 1\n6 0 0 2\n");
+    EXPECT_EQ(shape(), " 3, 3");
+    EXPECT_THAT(times(), ElementsAre(1, 4)) << "of the first row of each";
+    EXPECT_THAT(series->load(0).configuration->rods[0].scalars, IsEmpty());
+    ask("A 0 0 0 0 0 0 1\nC 0 0 3 0 0 0 1\nG 0 0 6 0 0 0 1\n");
+    EXPECT_EQ(series->load(0).configuration->dnas[0].bases, "ACG");
+    EXPECT_FALSE(openTable(Source::ofBytes("run.txt", "0 0 0\n0 0 1\n"), options, report));
+    EXPECT_THAT(report.error, HasSubstr("found 2 rows in the frame, expected 3"));
+}
+
 // ---- Frames that are found later
 
 namespace {
@@ -654,6 +767,28 @@ TEST_F(GrowingTableTest, AFaultInAFrameThatIsWholeLeavesTheOthers)
     ASSERT_EQ(series->count(), 3u);
     EXPECT_THAT(series->load(1).error, HasSubstr("run.txt:6: column 2 (y): found 'x'"));
     EXPECT_EQ(series->load(2).configuration->rods[0].points.size(), 3u);
+}
+
+TEST_F(GrowingTableTest, ARowThatIsAFrameIsWholeWithItsEnd)
+{
+    follow("t,x1,y1,z1,x2,y2,z2\n0,0,0,0,0,0,1\n");
+    ASSERT_TRUE(series) << report.error;
+    EXPECT_EQ(shape(), " 2");
+    EXPECT_EQ(after("1,0,0,0,0,0,1"), " 2");
+    EXPECT_EQ(after("0\n2,"), " 2, 2");
+    EXPECT_EQ(series->load(1).configuration->rods[0].points[1].z, 10);
+}
+
+TEST_F(GrowingTableTest, SoManyRowsAreWholeWithTheLast)
+{
+    ReadOptions options;
+    options.growing = true;
+    options.frameRows = 2;
+    series = openTable(Source::open(folder.write("run.txt", "0 0 0\n0 0 1\n0 0"), report), options,
+                       report);
+    ASSERT_TRUE(series) << report.error;
+    EXPECT_EQ(after(" 2\n0 0 3"), " 2");
+    EXPECT_EQ(after("\n"), " 2, 2");
 }
 
 TEST_F(TableSeriesTest, AtOnceFindsTheSameFrames)

@@ -227,11 +227,15 @@ void loadAll(const Format& format, std::string_view bytes, bool writes)
     ReadReport report;
     ReadOptions options;
     options.normalise = options.close = true;
+    options.atOnce = bytes.size() % 2 == 1;
+    options.frameRows = bytes.size() % 8 < 3 ? bytes.size() % 8 : 0;
     const std::unique_ptr<Series> series =
         openSeries(sourceOf(bytes, report), format, options, report);
     require(series || isOneLine(report.error), "a series or one line");
     if (!series)
         return;
+    const std::size_t first = series->count();
+    require(!series->lookForMore({}) && first > 0 && series->count() >= first, "all are found");
     const std::size_t most = 8; // frames more are more of the same
     bool areAllThere = series->count() <= most;
     for (std::size_t frame = 0; frame < std::min(series->count(), most); ++frame) {
