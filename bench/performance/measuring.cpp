@@ -8,7 +8,14 @@
 #include <cstdlib>
 #include <iostream>
 
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
 namespace {
+
+double secondsIn(const timeval& time) { return double(time.tv_sec) + 1e-6 * double(time.tv_usec); }
 
 std::string threeDigits(double value)
 {
@@ -92,6 +99,28 @@ double countInstructions(const std::string& program, const std::vector<std::stri
     if (instructions < 0)
         std::cerr << "valgrind could not count the instructions of " << program << "\n";
     return instructions;
+}
+
+std::optional<Usage> usageOf(const std::vector<std::string>& command)
+{
+    const pid_t child = fork();
+    if (child == 0) {
+        std::vector<char*> argv;
+        for (const std::string& argument : command)
+            argv.push_back(const_cast<char*>(argument.c_str()));
+        argv.push_back(nullptr);
+        const int nowhere = open("/dev/null", O_WRONLY);
+        dup2(nowhere, STDOUT_FILENO);
+        dup2(nowhere, STDERR_FILENO);
+        execvp(argv[0], argv.data());
+        _exit(127);
+    }
+    int status = 0;
+    rusage usage{};
+    if (child < 0 || wait4(child, &status, 0, &usage) != child || status != 0)
+        return {};
+    return Usage{secondsIn(usage.ru_utime) + secondsIn(usage.ru_stime),
+                 1024.0 * double(usage.ru_maxrss)};
 }
 
 Table::Table(const std::string& title, const std::string& introduction)

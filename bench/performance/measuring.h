@@ -3,6 +3,7 @@
 #define STRANDVIEW_BENCH_MEASURING_H
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -25,6 +26,17 @@ std::vector<double> medianSeconds(const std::vector<std::function<void()>>& func
 /// The instructions that a run of the program takes, as callgrind counts them. Negative,
 /// with a line on standard error, if valgrind cannot run it.
 double countInstructions(const std::string& program, const std::vector<std::string>& arguments);
+
+/// What a run of a program takes, those that it waits for included.
+struct Usage
+{
+    double processorSeconds; ///< the program's own and the system's, of all threads
+    double peakMemory;       ///< bytes, of the largest process
+};
+
+/// Runs a program, found as a shell does, without its output. Nothing if it fails. A process counts
+/// the memory that it was forked with, so call it before anything large is here.
+std::optional<Usage> usageOf(const std::vector<std::string>& command);
 
 /// A section: a Markdown table of what is measured, ours, the peer or the limit beside it,
 /// their ratio, the goal and whether it holds.

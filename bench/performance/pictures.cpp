@@ -1,61 +1,24 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The processor time of pictures, beside that of a peer.
-#include <cmath>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iomanip>
+#include <optional>
 #include <string>
 #include <vector>
 
-#include <fcntl.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include "measuring.h"
 #include "sampleTables.h"
+#include "temporary.h"
 
 namespace {
 
 const int ROUNDS = 5;
 
-// A trefoil knot, which covers itself little.
-void writeKnot(const std::string& path, int points)
-{
-    std::ofstream table(path);
-    table << std::setprecision(10);
-    for (int i = 0; i < points; ++i) {
-        const double t = 2 * M_PI * i / (points - 1);
-        table << std::sin(t) + 2 * std::sin(2 * t) << ' ' << std::cos(t) - 2 * std::cos(2 * t)
-              << ' ' << -std::sin(3 * t) << '\n';
-    }
-}
-
 using Command = std::vector<std::string>;
 
-double secondsOf(const timeval& time) { return double(time.tv_sec) + 1e-6 * double(time.tv_usec); }
-
-// Of a process and of those that it waited for; negative if it failed.
+// Negative if it failed.
 double processorSeconds(const Command& command)
 {
-    const pid_t child = fork();
-    if (child == 0) {
-        std::vector<char*> argv;
-        for (const std::string& argument : command)
-            argv.push_back(const_cast<char*>(argument.c_str()));
-        argv.push_back(nullptr);
-        const int nowhere = open("/dev/null", O_WRONLY);
-        dup2(nowhere, STDOUT_FILENO);
-        dup2(nowhere, STDERR_FILENO);
-        execvp(argv[0], argv.data());
-        _exit(127);
-    }
-    int status = 0;
-    rusage usage{};
-    if (child < 0 || wait4(child, &status, 0, &usage) != child || status != 0)
-        return -1;
-    return secondsOf(usage.ru_utime) + secondsOf(usage.ru_stime);
+    const std::optional<Usage> usage = usageOf(command);
+    return usage ? usage->processorSeconds : -1;
 }
 
 // The medians of commands that are run in turn; that of one that fails is negative.

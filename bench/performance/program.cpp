@@ -1,15 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What a run of strandview costs: a long table, from reading to the picture.
 #include <cmath>
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include <QImage>
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -22,6 +21,7 @@
 #include "scene/Progress.h"
 #include "scene/SceneBuilder.h"
 #include "scene/Style.h"
+#include "temporary.h"
 
 using namespace strandview;
 
@@ -29,26 +29,13 @@ namespace {
 
 const int POINTS = 100000, LONG_POINTS = 1000000;
 
-// Runs strandview in a process of its own; its largest memory in bytes, or a negative number
-// if it failed.
+// Of strandview in a process of its own, in bytes; negative if it failed.
 double peakMemory(const std::vector<std::string>& arguments)
 {
-    const pid_t child = fork();
-    if (child == 0) {
-        std::vector<char*> argv{const_cast<char*>(STRANDVIEW_PROGRAM)};
-        for (const std::string& argument : arguments)
-            argv.push_back(const_cast<char*>(argument.c_str()));
-        argv.push_back(nullptr);
-        if (!freopen("/dev/null", "w", stdout) || !freopen("/dev/null", "w", stderr))
-            _exit(127);
-        execv(STRANDVIEW_PROGRAM, argv.data());
-        _exit(127);
-    }
-    int status = 0;
-    rusage usage{};
-    if (child < 0 || wait4(child, &status, 0, &usage) != child || status != 0)
-        return -1;
-    return 1024.0 * double(usage.ru_maxrss);
+    std::vector<std::string> command{STRANDVIEW_PROGRAM};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    const std::optional<Usage> usage = usageOf(command);
+    return usage ? usage->peakMemory : -1;
 }
 
 CameraRequest fromAside()

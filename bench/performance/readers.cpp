@@ -21,6 +21,7 @@
 #include "measuring.h"
 #include "support/AllocationCount.h"
 #include "support/largeFiles.h"
+#include "temporary.h"
 
 using namespace strandview;
 
@@ -38,34 +39,6 @@ constexpr const char* ALSO_VERY_LARGE[] = {"plain.raw", "moving.oxdna", "doubles
 constexpr std::size_t VERY_LARGE = 1'000'000'000;
 constexpr std::uintmax_t ROOM_ON_DISK = 1'500'000'000;   // in the folder for temporary files
 constexpr std::uintmax_t ROOM_IN_MEMORY = 8'000'000'000; // for the file, the text and the data
-
-// A folder that goes with the program.
-class TemporaryFolder
-{
-public:
-    TemporaryFolder()
-    {
-        std::string pattern =
-            (std::filesystem::temp_directory_path() / "strandview-XXXXXX").string();
-        const char* const made = mkdtemp(pattern.data());
-        if (!made)
-            std::abort();
-        path = made;
-    }
-    ~TemporaryFolder() { std::filesystem::remove_all(path); }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-    std::size_t bytes() const
-    {
-        std::size_t sum = 0;
-        for (const auto& entry : std::filesystem::directory_iterator(path))
-            sum += entry.file_size();
-        return sum;
-    }
-
-    std::string path;
-};
 
 // The processor's time, of the system's part, too: other work on the machine is not in it.
 double processorSeconds()

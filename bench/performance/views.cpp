@@ -4,36 +4,19 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <string>
 #include <vector>
 
 #include <support/IdealDna.h>
 #include <sys/resource.h>
-#include <unistd.h>
 
 #include "measuring.h"
+#include "temporary.h"
 
 namespace {
 
 const int ROUNDS = 3;
-
-// A folder that goes with the program.
-class TemporaryFolder
-{
-public:
-    TemporaryFolder()
-        : path(std::filesystem::temp_directory_path() / ("strandview-" + std::to_string(getpid())))
-    {
-        std::filesystem::create_directory(path);
-    }
-    ~TemporaryFolder() { std::filesystem::remove_all(path); }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-    const std::filesystem::path path;
-};
 
 // Pairs that turn by 34.3 degrees each, so that none is behind another exactly.
 void writeDna(const std::string& file, int pairs)
@@ -151,7 +134,7 @@ int main()
                 "draws it.");
     const TemporaryFolder folder;
     for (int pairs : {10, 200, 3000, 10000}) {
-        const std::string file = folder.path / (std::to_string(pairs) + ".txt");
+        const std::string file = folder.path + "/" + std::to_string(pairs) + ".txt";
         writeDna(file, pairs);
         const std::string of = std::to_string(pairs) + " base pairs";
         measure(table, "Backbones and bases of " + of, file, "", true);
@@ -159,10 +142,10 @@ int main()
         measure(table, "Boxes of the bases of " + of, file, "--dna boxes", true);
     }
     for (int turns : {10, 100, 1000}) {
-        const std::string file = folder.path / ("coil" + std::to_string(turns) + ".txt");
+        const std::string file = folder.path + "/coil" + std::to_string(turns) + ".txt";
         writeCoil(file, turns);
         measure(table, "A coil of " + std::to_string(turns) + " turns", file, "", false);
     }
     table.print();
-    measureLongDna(folder.path / "long.txt");
+    measureLongDna(folder.path + "/long.txt");
 }

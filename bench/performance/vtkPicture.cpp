@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// vtkPicture OUT.png TABLE SAMPLES: the picture of a tube about the points of a table by VTK, a
-// peer; three columns of each row are read.
+// vtkPicture OUT.png TABLE SAMPLES [PICTURES]: the picture of a tube about the points of a table by
+// VTK, a peer; three columns of each row are read. With a number of pictures as many of a tube that
+// breathes, each in the place of the one before.
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
@@ -19,6 +20,8 @@
 #include <vtkRenderer.h>
 #include <vtkTubeFilter.h>
 #include <vtkWindowToImageFilter.h>
+
+#include "sampleTables.h"
 
 namespace {
 
@@ -45,12 +48,24 @@ vtkNew<vtkPoints> readPoints(const char* file)
     return points;
 }
 
+vtkNew<vtkPoints> resized(vtkPoints& points, double size)
+{
+    vtkNew<vtkPoints> result;
+    for (vtkIdType i = 0; i < points.GetNumberOfPoints(); ++i) {
+        double point[3];
+        points.GetPoint(i, point);
+        result->InsertNextPoint(size * point[0], size * point[1], size * point[2]);
+    }
+    return result;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
-    if (argc != 4)
+    if (argc != 4 && argc != 5)
         return 2;
+    const int pictures = argc == 5 ? std::atoi(argv[4]) : 1;
     const vtkNew<vtkPoints> points = readPoints(argv[2]);
     vtkNew<vtkCellArray> line;
     line->InsertNextCell(points->GetNumberOfPoints());
@@ -81,14 +96,20 @@ int main(int argc, char** argv)
     window->SetSize(1200, 900);
     window->AddRenderer(renderer);
     renderer->ResetCamera();
-    window->Render();
 
     vtkNew<vtkWindowToImageFilter> image;
     image->SetInput(window);
     image->ReadFrontBufferOff();
+    image->ShouldRerenderOff();
     vtkNew<vtkPNGWriter> writer;
     writer->SetInputConnection(image->GetOutputPort());
     writer->SetFileName(argv[1]);
-    writer->Write();
+    for (int picture = 0; picture < pictures; ++picture) {
+        const vtkNew<vtkPoints> moved = resized(*points, breathing(picture));
+        curve->SetPoints(moved);
+        window->Render();
+        image->Modified();
+        writer->Write();
+    }
     return 0;
 }
