@@ -39,6 +39,7 @@ public:
     InterpolatedSeries(std::unique_ptr<Series> seriesToFill, std::size_t framesBetween);
 
     std::size_t count() const override;
+    bool lookForMore(const GoOn& goOn) override { return series->lookForMore(goOn); }
     /// Nothing between two frames of which one has none.
     std::optional<double> time(std::size_t frame) const override;
 

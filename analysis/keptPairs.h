@@ -64,6 +64,7 @@ public:
     PairKeepingSeries(std::unique_ptr<Series> seriesToLoad, std::shared_ptr<KeptPairs> pairsOfIt);
 
     std::size_t count() const override { return series->count(); }
+    bool lookForMore(const GoOn& goOn) override { return series->lookForMore(goOn); }
     std::optional<double> time(std::size_t frame) const override { return series->time(frame); }
 
 private:

@@ -1,15 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include <algorithm>
 #include <csignal>
-#include <filesystem>
-#include <memory>
 #include <new>
 #include <optional>
 #include <string>
-#include <system_error>
 #include <utility>
 
-#include <strandview/analysis/superpose.h>
 #include <strandview/formats/text/wording.h>
 
 #include "command/parseOptions.h"
@@ -72,12 +67,7 @@ int renderStill(const Options& options)
     ReadReport report;
     TerminalProgress progress;
     std::optional<Configuration> data = readFiles(options.files, options, report, progress);
-    const bool canBeReadAgain =
-        std::all_of(options.files.begin(), options.files.end(), [](const std::string& file) {
-            std::error_code unknown;
-            return std::filesystem::is_regular_file(file, unknown);
-        });
-    if (data && report.frames > 1 && canBeReadAgain)
+    if (data && report.frames > 1 && canBeReadAgain(options.files))
         return renderSeries(options);
     // The end of the process gives its memory back at once, a long DNA's nodes one by one: a
     // seventh of the time.
@@ -119,24 +109,26 @@ int exportData(const Options& options)
 int showWindow(const Options& options)
 {
     // The command line's scalar and frame need not be those of every file that is opened later.
-    Options later = options;
+    Options later = options, first = options;
     later.colourIfPossible = true;
     later.frame.reset();
+    if (options.series.align || options.series.between > 0) // the player goes to it
+        first.frame.reset();
     const auto loaderFor = [](const Options& asked) {
-        return
-            [&asked](const std::vector<std::string>& files, ReadReport& report,
-                     Progress& progress) { return prepareScene(files, asked, report, progress); };
+        return [&asked](const std::vector<std::string>& files, ReadReport& report,
+                        Progress& progress) {
+            return prepareScene(files, asked, report, progress,
+                                canBeReadAgain(files) ? Opening::AT_ONCE : Opening::WHOLE);
+        };
     };
     const auto open = [&later](const std::vector<std::string>& files, ReadReport& report,
                                Progress& progress) {
-        std::unique_ptr<Series> series = openFiles(files, later, report, progress).series;
-        if (series && later.series.align)
-            series = std::make_unique<SuperposedSeries>(std::move(series));
-        return series;
+        return moveFrames(openFiles(files, later, report, progress, Opening::AT_ONCE).series,
+                          later);
     };
     ReadReport report;
     const std::string failure =
-        runWindow(options, loaderFor(later), report, loaderFor(options), open);
+        runWindow(options, loaderFor(later), report, loaderFor(first), open);
     if (!report.error.empty())
         return fail(BAD_INPUT, report.error);
     return failure.empty() ? SUCCESS : fail(CANNOT_WRITE, failure);

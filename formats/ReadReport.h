@@ -32,7 +32,9 @@ struct ReadOptions
     std::shared_ptr<KeptPairs> pairs = {};
     /// Of a series: open it as soon as its first frame is known, where the others would have to be
     /// looked for; Series::lookForMore() does that. What is wrong behind the first frame then
-    /// refuses nothing, but is told as a last frame that cannot be loaded.
+    /// refuses nothing, but is told as a last frame that cannot be loaded. readFile() does not
+    /// count the others then where it would have to look for them, nor tell of them: who wants them
+    /// opens the series.
     bool atOnce = false;
     /// Of a series in a file that is still written to: frames that are not whole yet are no part of
     /// it, and Series::lookForMore() finds those that came since, for as long as it is asked. What

@@ -1115,11 +1115,16 @@ std::optional<Configuration> readTable(Source& source, const ReadOptions& option
     TableIndex index(source.getName());
     KnownFrames frames(source, index);
     ReadReport ofAll;
-    if (frames.look(options, ofAll) != KnownFrames::Look::WHOLE) {
+    using Look = KnownFrames::Look;
+    // Where the second one begins the first one ends.
+    const Look look = options.atOnce ? frames.look(options, ofAll, 2) : frames.look(options, ofAll);
+    const bool hasFirst =
+        look == Look::WHOLE || (options.atOnce && (look == Look::ENOUGH || look == Look::FAILED));
+    if (!hasFirst) {
         report.error = ofAll.error;
         return {};
     }
-    report.frames = frames.count();
+    report.frames = look == Look::WHOLE ? frames.count() : SEVERAL_FRAMES;
     LoadedFrame first = frames.load(0, options);
     report.error = std::move(first.error);
     for (const auto* notices : {&first.notices, &ofAll.notices})

@@ -25,7 +25,7 @@ std::optional<Configuration> readSource(Source& source, const ReadOptions& optio
     if (!format)
         return {};
     std::optional<Configuration> first = format->read(source, options, report);
-    if (first && report.frames > 1)
+    if (first && report.frames > 1 && !options.atOnce)
         report.notices.push_back(
             source.getName() + ": the first of " +
             (report.frames == SEVERAL_FRAMES ? "several" : std::to_string(report.frames)) +

@@ -26,9 +26,9 @@ namespace strandview {
 namespace {
 
 // What the look of a picture does not depend on.
-const std::set<std::string> NOT_OF_LOOK{"render", "frame",     "frames",      "series",
-                                        "shard",  "overwrite", "list-frames", "print-camera",
-                                        "jobs",   "fps",       "cache",       "turn"};
+const std::set<std::string> NOT_OF_LOOK{
+    "render",       "frame", "frames", "series", "shard", "overwrite", "list-frames",
+    "print-camera", "jobs",  "fps",    "cache",  "turn",  "follow"};
 
 bool parseSize(const std::string& text, int& width, int& height)
 {
@@ -434,6 +434,13 @@ void addSeries(CLI::App& app, Options& options)
                                          "Frames per second of a film or of playing [25]")
         ->type_name("N")
         ->group(group);
+    app.add_flag("--follow", series.follow,
+                 "Show the last frame of a file that is still written to, and those to come")
+        ->excludes(render)
+        ->excludes(app.get_option("--export"))
+        ->excludes(app.get_option("--info"))
+        ->excludes(app.get_option("--series"))
+        ->group(group);
     addCount(app, "--cache", series.cacheMegabytes, 1, 1'000'000,
              "Memory for the frames that a window keeps, in MB [256]")
         ->excludes(render)
@@ -517,7 +524,7 @@ void checkForSeries(const Options& options)
 {
     if (options.picture || options.series.listFrames)
         return;
-    for (const char* name : {"--frames", "--between", "--turn"})
+    for (const char* name : {"--frames", "--turn"})
         if (std::count(options.given.begin(), options.given.end(), name) > 0)
             throw CLI::ValidationError(name,
                                        "found neither --render nor --list-frames, expected one");

@@ -177,9 +177,24 @@ private:
     {
         open();
         while (series && !isStopped()) {
-            if (!serve() && !readAhead() && !count() && !lookAtStage())
-                wait();
+            try {
+                work();
+            } catch (const std::bad_alloc&) {
+                giveUpStage(TOO_LITTLE_MEMORY); // which alone takes more than a frame
+            }
         }
+    }
+
+    // What is asked for first; but a frame that is always late must not keep the others uncounted.
+    void work()
+    {
+        const int mostServed = 8;
+        if (served < mostServed && serve())
+            ++served;
+        else if (std::exchange(served, 0) < mostServed && readAhead())
+            return;
+        else if (!count() && !lookAtStage() && !hasWork())
+            wait();
     }
 
     void open()
@@ -192,6 +207,7 @@ private:
         }
         {
             const std::lock_guard<std::mutex> lock(mutex);
+            state.isOpened = true;
             state.count = series ? series->count() : 0;
             state.mayGrow = series != nullptr;
             state.error = report.error;
@@ -207,12 +223,12 @@ private:
         {
             const std::lock_guard<std::mutex> lock(mutex);
             frame = std::exchange(wanted, std::nullopt);
-            current = frame.value_or(current);
-            wishes = ahead;
             hasNewWishes = false;
+            if (!frame)
+                return false;
+            current = *frame;
+            wishes = std::move(ahead);
         }
-        if (!frame)
-            return false;
         if (!prepared || prepared->frame != *frame)
             prepared = prepare(*frame);
         {
@@ -230,8 +246,9 @@ private:
             prepared = prepare(wishes.front());
             return true;
         }
-        const auto missing = std::find_if(wishes.begin(), wishes.end(),
-                                          [this](std::size_t frame) { return !cache.has(frame); });
+        const auto missing = std::find_if(wishes.begin(), wishes.end(), [this](std::size_t frame) {
+            return !cache.has(frame) && frame < series->count();
+        });
         if (missing == wishes.end() || !cache.makeRoom(allWanted()))
             return false;
         load(*missing);
@@ -312,7 +329,8 @@ private:
             return false;
         if (!maker) {
             maker = std::make_unique<StageMaker>(*series, plan.options, stageReport, *this);
-            isStageMade = !maker->begin();
+            if (!maker->begin())
+                giveUpStage(stageReport.error);
             return true;
         }
         if (maker->lookAtNext())
@@ -320,8 +338,10 @@ private:
         isStageMade = true;
         std::optional<Stage> stage = maker->finish();
         maker.reset();
-        if (!stage)
+        if (!stage) {
+            giveUpStage(stageReport.error);
             return true;
+        }
         {
             const std::lock_guard<std::mutex> lock(mutex);
             state.stage = std::make_shared<const Stage>(std::move(*stage));
@@ -330,6 +350,18 @@ private:
         }
         onNews();
         return true;
+    }
+
+    // What is shown goes on without one.
+    void giveUpStage(const std::string& reason)
+    {
+        isStageMade = true;
+        maker.reset();
+        {
+            const std::lock_guard<std::mutex> lock(mutex);
+            state.notices.push_back("no room is kept for all frames: " + reason);
+        }
+        onNews();
     }
 
     bool hasWork() const
@@ -357,6 +389,7 @@ private:
     std::vector<std::size_t> wishes;
     std::optional<FrameToPlay> prepared; ///< the next one ahead
     bool mayGrow = true, hasCountedAll = false, isStageMade = false;
+    int served = 0; ///< frames, since something else was done
     std::unique_ptr<StageMaker> maker;
     ReadReport stageReport;
 

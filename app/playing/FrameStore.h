@@ -56,6 +56,7 @@ public:
     /// What is known of the series.
     struct State
     {
+        bool isOpened = false;                 ///< or that failed
         std::size_t count = 0;                 ///< of the frames found so far
         bool mayGrow = true;                   ///< there may be more
         std::string error = {};                ///< why it could not be opened

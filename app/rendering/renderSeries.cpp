@@ -10,7 +10,6 @@
 #include <QImage>
 
 #include <strandview/analysis/interpolate.h>
-#include <strandview/analysis/superpose.h>
 #include <strandview/formats/text/wording.h>
 
 #include "rendering/Film.h"
@@ -214,22 +213,6 @@ int renderFilm(FrameRenderer& renderer, const Options& options, const Frames& fr
     return fault.empty() ? status : CANNOT_WRITE;
 }
 
-// Puts further frames between those of a series where that is asked for: then the series that has
-// them, else null.
-const InterpolatedSeries* fillBetween(std::unique_ptr<Series>& series, const Options& options,
-                                      ReadReport& report)
-{
-    if (options.series.between == 0)
-        return nullptr;
-    if (series->count() == 1)
-        report.notices.push_back("--between has no effect: found 1 frame");
-    auto filled = std::make_unique<InterpolatedSeries>(std::move(series),
-                                                       std::size_t(options.series.between));
-    const InterpolatedSeries* const interpolated = filled.get();
-    series = std::move(filled);
-    return interpolated;
-}
-
 int fail(const std::string& error, const Interruption& interruption)
 {
     if (interruption.hasCome())
@@ -258,10 +241,11 @@ int renderSeries(const Options& options)
     OpenedFiles opened = openFiles(options.files, options, report, opening);
     if (!opened.series)
         return fail(report.error, interruption);
-    if (options.series.align)
-        opened.series = std::make_unique<SuperposedSeries>(std::move(opened.series));
-    const InterpolatedSeries* const interpolated = fillBetween(opened.series, options, report);
+    if (options.series.between > 0 && opened.series->count() == 1)
+        report.notices.push_back("--between has no effect: found 1 frame");
+    opened.series = moveFrames(std::move(opened.series), options);
     Series& series = *opened.series;
+    const auto* interpolated = dynamic_cast<const InterpolatedSeries*>(&series);
     const std::vector<std::size_t> frames = askedFrames(options, opened, report);
     if (!report.error.empty())
         return fail(report.error, interruption);

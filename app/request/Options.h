@@ -41,6 +41,7 @@ struct SeriesRequest
     int jobs = 1;                ///< processes that draw; 0 for one per core
     double framesPerSecond = 25; ///< of a film, or of playing
     int cacheMegabytes = 256;    ///< of frames that a window keeps
+    bool follow = false;         ///< a window goes on to the last frame of a file that grows
 };
 
 /// What the command line asks for. What is not given is chosen from the data.

@@ -72,10 +72,11 @@ SceneMaker makerOf(const std::shared_ptr<Prepared>& prepared)
 } // namespace
 
 SceneMaker prepareScene(const std::vector<std::string>& files, const Options& options,
-                        ReadReport& report, Progress& progress)
+                        ReadReport& report, Progress& progress, Opening opening)
 {
     return makerOf(withinMemory(report, [&] {
-        return prepare(readFiles(files, options, report, progress), options, report, progress);
+        return prepare(readFiles(files, options, report, progress, opening), options, report,
+                       progress);
     }));
 }
 

@@ -10,6 +10,7 @@
 #include <strandview/model/Configuration.h>
 
 #include "request/Options.h"
+#include "scene/readFiles.h"
 
 namespace strandview {
 
@@ -23,9 +24,9 @@ using SceneMaker = std::function<DataScene*(ReadReport& report, Progress& progre
 
 /// Reads the files, all of them or nothing, and computes what their scene needs but its
 /// nodes: in any thread, since nothing of Coin or Qt is touched. Null, and one line in
-/// report.error, if anything fails or it is stopped.
+/// report.error, if anything fails or it is stopped. Opening is as of readFiles().
 SceneMaker prepareScene(const std::vector<std::string>& files, const Options& options,
-                        ReadReport& report, Progress& progress);
+                        ReadReport& report, Progress& progress, Opening opening = Opening::WHOLE);
 
 /// Both at once, of what was read; Coin must have been initialised.
 DataScene* makeScene(Configuration configuration, const Options& options, ReadReport& report,

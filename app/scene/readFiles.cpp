@@ -4,10 +4,14 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <filesystem>
 #include <iterator>
 #include <memory>
+#include <system_error>
 #include <utility>
 
+#include <strandview/analysis/interpolate.h>
+#include <strandview/analysis/superpose.h>
 #include <strandview/formats/groupFiles.h>
 #include <strandview/formats/openSeries.h>
 #include <strandview/formats/readFile.h>
@@ -36,13 +40,14 @@ std::string readingText(const std::vector<FileGroup>& files, std::size_t index, 
 
 // What one file is read with, and what is said meanwhile.
 ReadOptions readingOptions(const std::vector<FileGroup>& groups, std::size_t index,
-                           const Options& options, Progress& progress)
+                           const Options& options, Progress& progress, Opening opening)
 {
     ReadOptions asked = readOptionsOf(options, [&, index](double share) {
         progress.show(readingText(groups, index, share));
         return !progress.isStopped();
     });
     asked.topology = groups[index].topology;
+    asked.atOnce = opening == Opening::AT_ONCE;
     return asked;
 }
 
@@ -60,15 +65,16 @@ void noteLonger(const std::vector<FileGroup>& groups, const std::vector<std::siz
 
 // Each file beside the others.
 OpenedFiles openBeside(const std::vector<std::string>& files, const Options& options,
-                       ReadReport& report, Progress& progress)
+                       ReadReport& report, Progress& progress, Opening opening)
 {
     const std::vector<FileGroup> groups = groupFiles(files);
     std::vector<std::unique_ptr<Series>> parts;
     std::vector<std::size_t> counts;
     for (std::size_t i = 0; i < groups.size(); ++i) {
         progress.announce(readingText(groups, i, 0));
-        parts.push_back(
-            openSeries({groups[i].path}, readingOptions(groups, i, options, progress), report));
+        ReadOptions asked = readingOptions(groups, i, options, progress, opening);
+        asked.growing = options.series.follow && asked.atOnce;
+        parts.push_back(openSeries({groups[i].path}, asked, report));
         if (!parts.back())
             return {};
         counts.push_back(parts.back()->count());
@@ -77,7 +83,8 @@ OpenedFiles openBeside(const std::vector<std::string>& files, const Options& opt
         return {std::move(parts.front()), groups.front().path};
     auto joint = std::make_unique<JointSeries>(std::move(parts));
     const std::size_t count = joint->count();
-    noteLonger(groups, counts, count, report);
+    if (opening == Opening::WHOLE)
+        noteLonger(groups, counts, count, report);
     const auto shortest = std::find(counts.begin(), counts.end(), count) - counts.begin();
     return {std::move(joint), count == 1 ? "" : groups[std::size_t(shortest)].path};
 }
@@ -103,6 +110,15 @@ std::optional<Configuration> readFrame(const std::vector<std::string>& files,
 
 } // namespace
 
+bool canBeReadAgain(const std::vector<std::string>& files)
+{
+    return std::all_of(files.begin(), files.end(), [](const std::string& file) {
+        std::error_code unknown;
+        return std::filesystem::is_regular_file(file, unknown) ||
+               std::filesystem::is_directory(file, unknown);
+    });
+}
+
 ReadOptions readOptionsOf(const Options& options, std::function<bool(double share)> goOn)
 {
     ReadOptions asked = {options.normalise, std::move(goOn), options.closed};
@@ -112,16 +128,26 @@ ReadOptions readOptionsOf(const Options& options, std::function<bool(double shar
 }
 
 OpenedFiles openFiles(const std::vector<std::string>& files, const Options& options,
-                      ReadReport& report, Progress& progress)
+                      ReadReport& report, Progress& progress, Opening opening)
 {
     if (!options.series.isOfFiles)
-        return openBeside(files, options, report, progress);
+        return openBeside(files, options, report, progress, opening);
     const std::vector<std::string> frames = seriesFiles(files, report);
     if (frames.empty())
         return {};
     const auto goOn = [&progress](double) { return !progress.isStopped(); };
     return {openSeries(frames, readOptionsOf(options, goOn), report),
             files.size() == 1 ? files.front() : "--frame"};
+}
+
+std::unique_ptr<Series> moveFrames(std::unique_ptr<Series> series, const Options& options)
+{
+    if (series && options.series.align)
+        series = std::make_unique<SuperposedSeries>(std::move(series));
+    if (series && options.series.between > 0)
+        series = std::make_unique<InterpolatedSeries>(std::move(series),
+                                                      std::size_t(options.series.between));
+    return series;
 }
 
 std::optional<std::size_t> shownFrame(const OpenedFiles& opened, const Options& options,
@@ -142,7 +168,7 @@ std::optional<std::size_t> shownFrame(const OpenedFiles& opened, const Options& 
 
 std::optional<Configuration> readFiles(const std::vector<std::string>& files,
                                        const Options& options, ReadReport& report,
-                                       Progress& progress)
+                                       Progress& progress, Opening opening)
 {
     if (options.frame || options.series.isOfFiles)
         return readFrame(files, options, report, progress);
@@ -152,7 +178,7 @@ std::optional<Configuration> readFiles(const std::vector<std::string>& files,
     for (std::size_t i = 0; i < groups.size(); ++i) {
         progress.announce(readingText(groups, i, 0));
         std::optional<Configuration> read =
-            readFile(groups[i].path, readingOptions(groups, i, options, progress), report);
+            readFile(groups[i].path, readingOptions(groups, i, options, progress, opening), report);
         if (!read)
             return {};
         append(all, std::move(*read));

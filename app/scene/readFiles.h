@@ -18,6 +18,9 @@ namespace strandview {
 
 class Progress;
 
+/// Whether they are files or folders, which give the same once more; pipes do not.
+bool canBeReadAgain(const std::vector<std::string>& files);
+
 /// What the readers are to do, and ask whether to go on.
 ReadOptions readOptionsOf(const Options& options, std::function<bool(double share)> goOn);
 
@@ -32,9 +35,15 @@ struct OpenedFiles
 /// The files as a series, for any thread: what each has beside what the others have (JointSeries),
 /// or, with options.series.isOfFiles, each file a frame in the natural order of their names ("f9"
 /// before "f10"), a folder standing for the files in it that a format could be of. Null, and one
-/// line in report.error, if a file cannot be opened, there is none, or it is stopped.
+/// line in report.error, if a file cannot be opened, there is none, or it is stopped. At once:
+/// Series::lookForMore() finds all frames but the first, and those that are still written if
+/// options.series.follow asks for them.
+enum class Opening { WHOLE, AT_ONCE };
 OpenedFiles openFiles(const std::vector<std::string>& files, const Options& options,
-                      ReadReport& report, Progress& progress);
+                      ReadReport& report, Progress& progress, Opening opening = Opening::WHOLE);
+
+/// The frames as --align and --between want them.
+std::unique_ptr<Series> moveFrames(std::unique_ptr<Series> series, const Options& options);
 
 /// The frame of options.frame, or the first. Nothing, and one line in report.error, if there is no
 /// such frame; files that have one each show it with a notice instead. Of files that are open.
@@ -44,10 +53,10 @@ std::optional<std::size_t> shownFrame(const OpenedFiles& opened, const Options& 
 /// All files in one configuration, in their order; nothing after the first that cannot be read, or
 /// once it is stopped, and one line in report.error. Of a series it is the frame of options.frame,
 /// or the first; beside a series a file of one configuration is in every frame. report.frames is
-/// that of the file that has most. In any thread.
+/// that of the file that has most. In any thread. At once: as ReadOptions::atOnce.
 std::optional<Configuration> readFiles(const std::vector<std::string>& files,
                                        const Options& options, ReadReport& report,
-                                       Progress& progress);
+                                       Progress& progress, Opening opening = Opening::WHOLE);
 
 } // namespace strandview
 

@@ -35,6 +35,7 @@
 #include "pictures/PictureWriter.h"
 #include "request/conversions.h"
 #include "scene/DataScene.h"
+#include "scene/readFiles.h"
 #include "window/FrameWaiter.h"
 #include "window/LoadBar.h"
 #include "window/Menus.h"
@@ -225,6 +226,7 @@ void MainWindow::openFiles(const QStringList& names, CameraChoice choice)
         files.push_back(name.toStdString());
     if (files.empty())
         return;
+    options.frame.reset(); // that was of the first files
     follow(
         std::make_unique<LoadJob>(files, loader),
         [this, files](const ReadReport& report) { tellOpened(files, report); }, choice);
@@ -274,26 +276,26 @@ void MainWindow::tellOpened(const std::vector<std::string>& files, const ReadRep
 
 void MainWindow::beginToPlay(const ReadReport& report, std::size_t frame)
 {
-    const std::size_t loaded = std::size_t(std::exchange(options.frame, std::nullopt).value_or(0));
+    const bool areMoved = options.series.align || options.series.between > 0;
+    const auto given = std::size_t(std::exchange(options.frame, std::nullopt).value_or(0));
+    const std::size_t loaded = areMoved ? 0 : given;
     loadNotices.clear();
     for (const std::string& notice : report.notices)
         loadNotices.push_back(toldOf(notice, shownFiles));
-    const bool canBeReadAgain =
-        std::all_of(shownFiles.begin(), shownFiles.end(), [](const std::string& file) {
-            const QFileInfo info(QString::fromStdString(file));
-            return info.isFile() || info.isDir();
-        });
-    if (report.frames < 2 || !seriesOpener || !canBeReadAgain)
+    const bool isSeries = report.frames > 1 || options.series.follow;
+    if (!isSeries || !seriesOpener || !canBeReadAgain(shownFiles))
         return;
     const auto open = [opener = seriesOpener, files = shownFiles](ReadReport& opened,
                                                                   Progress& progress) {
         return opener(files, opened, progress);
     };
-    player =
-        std::make_unique<Player>(*scene, loaded, open,
-                                 FrameStore::Plan{scene->getStyle(), scene->getPlacement(), options,
-                                                  std::size_t(options.series.cacheMegabytes) << 20},
-                                 *playBar);
+    Options ofFrames = options;
+    ofFrames.colourIfPossible = true; // or this file would not be shown
+    player = std::make_unique<Player>(
+        *scene, loaded, open,
+        FrameStore::Plan{scene->getStyle(), scene->getPlacement(), ofFrames,
+                         std::size_t(options.series.cacheMegabytes) << 20},
+        *playBar, options.series.follow);
     connect(player.get(), &Player::playingChanged, (*menus)[Command::PLAY], &QAction::setChecked);
     connect(player.get(), &Player::told, this,
             [this](const std::vector<Told>& news) { statusText->tell(news); });
@@ -411,9 +413,12 @@ void MainWindow::goHome()
 
 void MainWindow::fit()
 {
+    const bool staysHome = isFitted() && homeNumbers == fitted;
     fitScene(*viewer->getCamera(), scene, SbViewportRegion(ownedViewer->getGLSize()),
              scene->getLegendHeight());
     fitted = getCameraNumbers();
+    if (staysHome) // in another size
+        homeNumbers = fitted;
     update3DZoom();
 }
 
@@ -658,7 +663,13 @@ void MainWindow::perform(const Deed& deed, bool on)
 // Longer than others: a line for each command.
 void MainWindow::command(Command asked, bool isOn)
 {
-    using Does = void (*)(MainWindow & w, bool on);
+    using Does = std::function<void(MainWindow & w, bool on)>;
+    const auto ofPlayer = [](void (*does)(Player & player, bool on)) {
+        return [does](MainWindow& w, bool on) {
+            if (w.player)
+                does(*w.player, on);
+        };
+    };
     static const std::map<Command, Does> deeds{
         {Command::OPEN, [](MainWindow& w, bool) { w.chooseFiles(); }},
         {Command::STOP_LOADING, [](MainWindow& w, bool) { w.stopLoading(); }},
@@ -684,15 +695,15 @@ void MainWindow::command(Command asked, bool isOn)
         {Command::TOGGLE_FRAMES, [](MainWindow& w, bool) { w.viewer->toggleFramesPerSecond(); }},
         {Command::TOGGLE_WHEELS, [](MainWindow& w, bool on) { w.viewer->setDecoration(on); }},
         {Command::TOGGLE_PICKING, [](MainWindow& w, bool on) { w.viewer->setViewing(!on); }},
-        {Command::PLAY, [](MainWindow& w, bool on) { w.player->setPlaying(on); }},
-        {Command::FIRST_FRAME, [](MainWindow& w, bool) { w.player->goToFirst(); }},
-        {Command::FRAME_BACK, [](MainWindow& w, bool) { w.player->step(-1); }},
-        {Command::FRAME_FORWARD, [](MainWindow& w, bool) { w.player->step(1); }},
-        {Command::LAST_FRAME, [](MainWindow& w, bool) { w.player->goToLast(); }},
-        {Command::TEN_FRAMES_BACK, [](MainWindow& w, bool) { w.player->step(-10); }},
-        {Command::TEN_FRAMES_FORWARD, [](MainWindow& w, bool) { w.player->step(10); }},
-        {Command::START_RANGE, [](MainWindow& w, bool) { w.player->toggleRangeStart(); }},
-        {Command::END_RANGE, [](MainWindow& w, bool) { w.player->toggleRangeEnd(); }},
+        {Command::PLAY, ofPlayer([](Player& player, bool on) { player.setPlaying(on); })},
+        {Command::FIRST_FRAME, ofPlayer([](Player& player, bool) { player.goToFirst(); })},
+        {Command::FRAME_BACK, ofPlayer([](Player& player, bool) { player.step(-1); })},
+        {Command::FRAME_FORWARD, ofPlayer([](Player& player, bool) { player.step(1); })},
+        {Command::LAST_FRAME, ofPlayer([](Player& player, bool) { player.goToLast(); })},
+        {Command::TEN_FRAMES_BACK, ofPlayer([](Player& player, bool) { player.step(-10); })},
+        {Command::TEN_FRAMES_FORWARD, ofPlayer([](Player& player, bool) { player.step(10); })},
+        {Command::START_RANGE, ofPlayer([](Player& player, bool) { player.toggleRangeStart(); })},
+        {Command::END_RANGE, ofPlayer([](Player& player, bool) { player.toggleRangeEnd(); })},
         {Command::SHOW_KEYS, [](MainWindow& w, bool) { w.showKeys(); }},
         {Command::SHOW_ABOUT, [](MainWindow& w, bool) { w.showAbout(); }}};
     deeds.at(asked)(*this, isOn);

@@ -59,8 +59,10 @@ PlayBar::PlayBar(const std::vector<QAction*>& buttons, double framesPerSecond, Q
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    layout->addWidget(makeFrameRow(buttons));
-    layout->addWidget(makeOrderRow(framesPerSecond));
+    for (QWidget* row : {makeFrameRow(buttons), makeOrderRow(framesPerSecond)}) {
+        row->setMinimumWidth(1); // what a narrow window has no room for is cut off
+        layout->addWidget(row);
+    }
     reset();
     hide();
 }
@@ -157,28 +159,38 @@ QSpinBox* PlayBar::makeField(const QString& name, const QString& help)
 void PlayBar::reset()
 {
     count = 1;
+    isGrowing = true;
     shown = 0;
     shownTime.reset();
+    label->setMinimumWidth(1);
+    setRanges();
     const QSignalBlocker noFrom(from), noTo(to);
     from->setValue(0);
-    to->setRange(0, 0);
-    setCount(1, true);
+    to->setValue(0);
 }
 
 void PlayBar::setCount(std::size_t frames, bool mayGrow)
 {
+    if (frames == count && mayGrow == isGrowing) // nor is anything typed into a field lost
+        return;
     const bool isRangeAll = to->value() == asInt(count - 1);
     count = std::max<std::size_t>(frames, 1);
     isGrowing = mayGrow;
+    setRanges();
+    const QSignalBlocker noTo(to);
+    if (isRangeAll)
+        to->setValue(asInt(count - 1));
+    showText();
+}
+
+void PlayBar::setRanges()
+{
     const int last = asInt(count - 1);
     const QSignalBlocker noFrame(slider), noField(field), noFrom(from), noTo(to);
     slider->setRange(0, last);
     slider->setPageStep(std::max(1, last / 10));
     for (QSpinBox* numbers : {field, from, to})
         numbers->setRange(0, last);
-    if (isRangeAll)
-        to->setValue(last);
-    showText();
 }
 
 void PlayBar::setRange(std::size_t first, std::size_t last)
@@ -202,12 +214,16 @@ void PlayBar::showFrame(std::size_t frame, const std::optional<double>& time)
 {
     shown = frame;
     shownTime = time;
+    showText();
+}
+
+void PlayBar::setFrame(std::size_t frame)
+{
     const QSignalBlocker noFrame(slider), noField(field);
     if (!slider->isSliderDown())
         slider->setValue(asInt(frame));
     if (!field->hasFocus())
         field->setValue(asInt(frame));
-    showText();
 }
 
 void PlayBar::showText()

@@ -35,11 +35,15 @@ public:
     void setCount(std::size_t frames, bool mayGrow);
     /// Of another series: the range is all of it.
     void reset();
+    /// Tells which frame is shown.
     void showFrame(std::size_t frame, const std::optional<double>& time);
+    /// Puts slider and field on the frame that is asked for, unless the user holds them.
+    void setFrame(std::size_t frame);
     /// Both ends are frames that there are, the first not behind the last.
     void setRange(std::size_t first, std::size_t last);
 
     std::size_t getCount() const { return count; }
+    bool mayGrow() const { return isGrowing; }
     PlayOrder getOrder() const;
     double getFramesPerSecond() const;
     /// Whether frames are rather played late than left out.
@@ -57,6 +61,7 @@ private:
     QWidget* makeFrameRow(const std::vector<QAction*>& buttons);
     QWidget* makeOrderRow(double framesPerSecond);
     QSpinBox* makeField(const QString& name, const QString& help);
+    void setRanges();
     void keepRangeInOrder(const QSpinBox* changed);
     void showText();
 

@@ -52,6 +52,8 @@ Player::Player(DataScene& shownScene, std::size_t shownFrame, FrameStore::Opener
             playFrom(asked);
     });
     bar.reset();
+    bar.setCount(shown + 1, true);
+    bar.setFrame(shown);
     bar.showFrame(shown, {});
 }
 
@@ -62,10 +64,9 @@ void Player::setPlaying(bool on)
     if (on == playing)
         return;
     playing = on;
+    scene.drawCoarsely(on);
     if (on) {
-        const PlayOrder order = bar.getOrder();
-        const bool isAtEnd = order.repeat == PlayOrder::ONCE && order.after({asked}, 0).isAtEnd;
-        playFrom(isAtEnd ? order.first : asked);
+        playFrom(isAtEnd() ? bar.getOrder().first : asked);
         timer.start();
     } else {
         timer.stop();
@@ -75,10 +76,8 @@ void Player::setPlaying(bool on)
 
 void Player::playFrom(std::size_t frame)
 {
-    start = {frame};
-    steps = 0;
-    clock.start();
-    ask(bar.getOrder().after(start, 0), 1);
+    beginAt(bar.getOrder().after({frame}, 0));
+    ask(start, 1);
 }
 
 void Player::goTo(std::size_t frame)
@@ -124,11 +123,13 @@ void Player::ask(PlayOrder::Place place, std::uint64_t stride)
         next = place.isForward || order.repeat != PlayOrder::ONCE
                    ? order.after(next, stride)
                    : PlayOrder::Place{order.beside(next.frame, -(long long)(order.every)), false};
-        if (next.frame == place.frame)
+        if (next.frame != place.frame)
+            ahead.push_back(next.frame);
+        else if (order.repeat != PlayOrder::TO_AND_FRO)
             break;
-        ahead.push_back(next.frame);
     }
     asked = place.frame;
+    bar.setFrame(asked);
     store.want(asked, std::move(ahead));
 }
 
@@ -139,22 +140,32 @@ void Player::tick()
         return;
     const double due = double(clock.nsecsElapsed()) * 1e-9 * bar.getFramesPerSecond();
     const auto dueSteps = std::uint64_t(std::floor(due));
-    if (dueSteps == steps) {
+    if (dueSteps == steps)
         return;
-    }
     const PlayOrder order = bar.getOrder();
-    if (isEveryFrame) { // the next one, from when this one was due or shown
-        start = order.after(start, 1);
-        steps = 0;
-        clock.start();
-        ask(start, 1);
-    } else {
-        const std::uint64_t stride = dueSteps - steps;
-        steps = dueSteps;
-        ask(order.after(start, steps), stride);
-    }
-    if (order.repeat == PlayOrder::ONCE && order.after({asked}, 0).isAtEnd)
+    const std::uint64_t next = isEveryFrame ? steps + 1 : dueSteps;
+    const PlayOrder::Place place = order.after(start, next);
+    ask(place, next - steps);
+    steps = next;
+    if (isEveryFrame && dueSteps > next) // late: the next ones are due from now on
+        beginAt(place);
+    if (isAtEnd())
         setPlaying(false);
+}
+
+// Where there may be more frames it is no end.
+bool Player::isAtEnd() const
+{
+    const PlayOrder order = bar.getOrder();
+    return order.repeat == PlayOrder::ONCE && order.after({asked}, 0).isAtEnd &&
+           !(bar.mayGrow() && order.last + 1 == bar.getCount());
+}
+
+void Player::beginAt(PlayOrder::Place place)
+{
+    start = place;
+    steps = 0;
+    clock.start();
 }
 
 void Player::follow()
@@ -171,13 +182,18 @@ void Player::followState(const FrameStore::State& state)
         lines.push_back(state.error);
     if (lines.size() > std::exchange(toldBefore, lines.size()))
         emit opened(lines);
-    if (state.count > 0) {
-        const bool wasAtLast = asked + 1 == lastCount;
-        bar.setCount(state.count, state.mayGrow);
-        if (isFollowing && wasAtLast && state.count > lastCount && !playing)
-            ask({state.count - 1}, 1);
-        lastCount = state.count;
-    }
+    if (!state.isOpened)
+        return;
+    const std::size_t before = bar.getCount();
+    const bool wasAtLast = asked + 1 == before;
+    // Those that are counted may be fewer yet than the one that was loaded first tells.
+    bar.setCount(std::max(state.count, state.mayGrow ? shown + 1 : 1), state.mayGrow);
+    if (playing && bar.getCount() != before) // the order is another one
+        playFrom(asked);
+    else if (asked >= bar.getCount() && !state.mayGrow) // of a file that became shorter
+        ask({bar.getCount() - 1}, 1);
+    else if (isFollowing && wasAtLast && bar.getCount() > before)
+        ask({bar.getCount() - 1}, 1);
     if (state.stage && !std::exchange(hasStage, true)) {
         emit staged(*state.stage);
         ask({asked}, 1);

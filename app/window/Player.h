@@ -75,7 +75,9 @@ private:
     void show(FrameToPlay next);
     std::optional<Colouring> colouringOf(const Configuration& data);
     void tick();
+    bool isAtEnd() const;
     void playFrom(std::size_t frame);
+    void beginAt(PlayOrder::Place place);
     void ask(PlayOrder::Place place, std::uint64_t stride);
 
     DataScene& scene;
@@ -91,7 +93,6 @@ private:
     QElapsedTimer clock;
     PlayOrder::Place start;  ///< where playing was at when the clock began
     std::uint64_t steps = 0; ///< since then
-    std::size_t lastCount = 1;
 
     FrameStore store; ///< the last: its thread tells this object
 };

@@ -506,8 +506,6 @@ TEST_F(RenderSeriesTest, ThereIsNothingBetweenFramesOfOtherNumbersOfPoints)
     const std::string still = folder.write("still.txt", "0 0 0\n0 0 3\n");
     EXPECT_THAT(run({"--render", folder.path("a.png"), "--between", "2", still}).error,
                 HasSubstr("--between has no effect: found 1 frame"));
-    EXPECT_EQ(runProgram(STRANDVIEW_PROGRAM, {"--between", "1", file}).error,
-              "strandview: --between: found neither --render nor --list-frames, expected one\n");
 }
 
 TEST_F(RenderSeriesTest, ATurnIsSoManyPicturesAroundOneFrameOfWhichTheFirstIsItsOwn)

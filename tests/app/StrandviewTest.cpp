@@ -901,7 +901,7 @@ TEST_F(StrandviewTest, HelpAndVersionGoToStandardOutput)
           "--export",      "--frame",       "--info",      "--json",         "--frames",
           "--series",      "--shard",       "--overwrite", "--stamp",        "--list-frames",
           "--jobs",        "--fps",         "--align",     "--between",      "--turn",
-          "--pairs",       "--frame-rows",  "--cache"})
+          "--pairs",       "--frame-rows",  "--cache",     "--follow"})
         EXPECT_THAT(help.output, HasSubstr(option));
 
     const ProgramRun version = run({"--version"});

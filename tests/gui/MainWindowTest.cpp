@@ -1652,7 +1652,7 @@ TEST_F(ActionsTest, EveryOtherKeyTriggersItsEntryOnce)
             entry->disconnect();
         }
     }
-    EXPECT_EQ(tried, 19);
+    EXPECT_EQ(tried, 28);
 }
 
 TEST_F(MainWindowTest, EveryKeyThatTheViewKnowsStandsOnTheHelpPage)

@@ -3,6 +3,7 @@
 
 #include <QAction>
 #include <QLabel>
+#include <QLineEdit>
 #include <QSlider>
 #include <QSpinBox>
 #include <gtest/gtest.h>
@@ -82,6 +83,23 @@ TEST_F(PlayBarTest, SliderAndFieldChooseFrames)
     EXPECT_EQ(chosen, 40);
     field("frameField").setValue(41);
     EXPECT_EQ(chosen, 41);
+}
+
+TEST_F(PlayBarTest, WhatIsBeingTypedStaysWhileFramesAreShown)
+{
+    bar.setCount(100, false);
+    auto* typed = field("toField").findChild<QLineEdit*>();
+    typed->setText("7");
+    bar.setCount(100, false);
+    bar.showFrame(5, {});
+    EXPECT_EQ(typed->text(), "7");
+}
+
+TEST_F(PlayBarTest, FitsIntoANarrowWindow)
+{
+    bar.setCount(1'000'000, false);
+    bar.showFrame(999'999, 123456.789);
+    EXPECT_LT(bar.minimumSizeHint().width(), 300);
 }
 
 TEST_F(PlayBarTest, CountsNoFurtherThanItsFieldsCan)
