@@ -175,8 +175,8 @@ private:
 
     void run()
     {
-        open();
-        while (series && !isStopped()) {
+        const bool isOpen = openAtLast();
+        while (isOpen && !isStopped()) {
             try {
                 work();
             } catch (const std::bad_alloc&) {
@@ -197,7 +197,8 @@ private:
             wait();
     }
 
-    void open()
+    // Whether it is open.
+    bool open()
     {
         ReadReport report;
         try {
@@ -207,13 +208,26 @@ private:
         }
         {
             const std::lock_guard<std::mutex> lock(mutex);
-            state.isOpened = true;
+            state.isOpened = series || !plan.options.series.follow;
             state.count = series ? series->count() : 0;
             state.mayGrow = series != nullptr;
             state.error = report.error;
             state.notices = report.notices;
         }
         onNews();
+        return series != nullptr;
+    }
+
+    // The first frame of a file that grows may not be whole yet.
+    bool openAtLast()
+    {
+        while (!open()) {
+            Lock lock(mutex);
+            if (!plan.options.series.follow ||
+                changed.wait_for(lock, GROWTH_INTERVAL, [this] { return stopRequested; }))
+                return false;
+        }
+        return true;
     }
 
     // The frame that is asked for; false if none is.
@@ -242,7 +256,7 @@ private:
     // The next of the frames ahead that is not there; false if there is none, or no room.
     bool readAhead()
     {
-        if (!wishes.empty() && !prepared) {
+        if (!wishes.empty() && !prepared && wishes.front() < series->count()) {
             prepared = prepare(wishes.front());
             return true;
         }

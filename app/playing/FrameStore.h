@@ -41,7 +41,8 @@ struct FrameToPlay
 class FrameStore
 {
 public:
-    /// Opens the series; null, and one line in report.error, if that fails or is stopped.
+    /// Opens the series; null, and one line in report.error, if that fails or is stopped. With
+    /// options.series.follow it is called again until it goes well.
     using Opener = std::function<std::unique_ptr<Series>(ReadReport& report, Progress& progress)>;
 
     /// What the frames are shown with, and how much of them is kept.

@@ -179,6 +179,36 @@ TEST_F(FrameStoreTest, ASeriesThatCannotBeOpenedIsTold)
     EXPECT_FALSE(store->getState().mayGrow);
 }
 
+TEST_F(FrameStoreTest, AFileThatIsFollowedIsOpenedWhenItsFirstFrameIsWhole)
+{
+    std::atomic<int> tries{0};
+    FrameStore::Plan following = plan();
+    following.options.series.follow = true;
+    store = std::make_unique<FrameStore>(
+        [&](ReadReport& report, Progress&) -> std::unique_ptr<Series> {
+            if (++tries > 2)
+                return std::make_unique<WatchedSeries>(watch);
+            report.error = "run.txt: found no whole frame";
+            return nullptr;
+        },
+        following, [this] { ++news; });
+    EXPECT_TRUE(get(3).data);
+    EXPECT_EQ(store->getState().error, "");
+    EXPECT_EQ(tries, 3);
+}
+
+TEST_F(FrameStoreTest, GoesAtOnceWhileItWaitsForAFirstFrame)
+{
+    FrameStore::Plan following = plan();
+    following.options.series.follow = true;
+    store = std::make_unique<FrameStore>(
+        [](ReadReport&, Progress&) { return std::unique_ptr<Series>(); }, following,
+        [this] { ++news; });
+    ASSERT_TRUE(comesTo([this] { return news > 0; }));
+    EXPECT_FALSE(store->getState().isOpened);
+    store.reset();
+}
+
 // Memory
 
 TEST_F(FrameStoreTest, AFrameThatIsKeptIsLoadedOnce)

@@ -503,7 +503,8 @@ TEST_F(PlayerTest, FilesAreReadAgainAtTheFrameThatIsShown)
 TEST_F(PlayerTest, AFileThatIsWrittenToIsFollowedToItsLastWholeFrame)
 {
     options.series.follow = true;
-    const std::string file = write("run.txt", frameText(0) + "\n\n");
+    // Two points of the first frame are there.
+    const std::string file = write("run.txt", frameText(0).substr(0, 26));
     const auto append = [&file](const std::string& text) {
         std::ofstream(file, std::ios::app) << text;
     };
@@ -513,6 +514,7 @@ TEST_F(PlayerTest, AFileThatIsWrittenToIsFollowedToItsLastWholeFrame)
     };
     open(file);
     ASSERT_NE(player(), nullptr);
+    append(frameText(0).substr(26) + "\n\n");
     appendFrames(1, 3);
     append(frameText(4).substr(0, 20));
     EXPECT_TRUE(comesToShow(3));
