@@ -48,9 +48,9 @@ public:
     /// What the frames are shown with, and how much of them is kept.
     struct Plan
     {
-        Style style;
-        Placement placement;
-        Options options;
+        Style style = {};
+        Placement placement = {};
+        Options options = {};
         std::size_t bytes = std::size_t(256) << 20; ///< of loaded frames; one is always kept
     };
 
