@@ -80,13 +80,18 @@ std::string OutputFile::giveName()
     };
     if (::fsync(device->handle()) == 0 && linkTo(name))
         return "";
-    const std::string beside = name + "." + std::to_string(::getpid());
-    if (errno == EEXIST && linkTo(beside)) {
+    const int mostNames = 100;
+    for (int i = 0; errno == EEXIST && i < mostNames; ++i) {
+        const std::string beside =
+            name + "." + std::to_string(::getpid()) + "." + std::to_string(i);
+        if (!linkTo(beside)) // a program that was killed just here may have left it
+            continue;
         if (std::rename(beside.c_str(), name.c_str()) == 0)
             return "";
         const int reason = errno;
         ::unlink(beside.c_str());
         errno = reason;
+        break;
     }
     return name + ": " + std::strerror(errno);
 }

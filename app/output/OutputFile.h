@@ -11,8 +11,9 @@ class QFileDevice;
 namespace strandview {
 
 /// A file that appears complete or not at all. Where the file system can, it has no name before it
-/// is finished, so that nothing is left even of a program that was killed; elsewhere, and behind a
-/// link, it is written beside what it replaces. Standard output for "-", which shows what is
+/// is finished, so that nothing is left even of a program that was killed, but in the instant in
+/// which it replaces another; elsewhere, and behind a link, it is written beside what it
+/// replaces. Standard output for "-", which shows what is
 /// written as it comes.
 class OutputFile
 {

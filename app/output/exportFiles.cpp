@@ -5,6 +5,8 @@
 #include <cmath>
 #include <filesystem>
 #include <memory>
+#include <set>
+#include <string>
 
 #include <strandview/formats/text/encoding.h>
 #include <strandview/formats/text/wording.h>
@@ -17,6 +19,10 @@
 namespace strandview {
 
 namespace {
+
+// What says which data are read, and how.
+const std::set<std::string> OF_DATA{"--export", "--frame", "--series",    "--normalise",
+                                    "--closed", "--pairs", "--frame-rows"};
 
 bool writeAllFrames(const Options& options, const TextSink& sink, ReadReport& report,
                     Progress& progress)
@@ -42,8 +48,7 @@ bool writeOneFrame(const Options& options, const TextSink& sink, ReadReport& rep
 void tellIdleOptions(const Options& options, ReadReport& report)
 {
     for (const std::string& option : options.given)
-        if (option != "--export" && option != "--frame" && option != "--series" &&
-            option != "--normalise" && option != "--closed" && option != "--pairs")
+        if (OF_DATA.count(option) == 0)
             report.notices.push_back(option + " has no effect: --export writes the data alone");
 }
 

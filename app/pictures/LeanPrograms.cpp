@@ -54,7 +54,11 @@ std::string replaced(std::string text, const Values& values)
 
 } // namespace
 
-LeanPrograms::~LeanPrograms() { give(texts); }
+LeanPrograms::~LeanPrograms()
+{
+    for (const auto& [shader, text] : texts)
+        giveBack(*shader, text);
+}
 
 void LeanPrograms::use(SoNode* graph)
 {
@@ -63,42 +67,45 @@ void LeanPrograms::use(SoNode* graph)
     search.setInterest(SoSearchAction::ALL);
     search.setSearchingAll(TRUE);
     search.apply(graph);
-    Texts before;
-    before.swap(texts);
+    std::set<const SoShaderObject*> met;
     for (int i = 0; i < search.getPaths().getLength(); ++i)
-        make(static_cast<const SoShaderProgram&>(*search.getPaths()[i]->getTail()), before);
-    give(before);
-}
-
-void LeanPrograms::give(const Texts& texts)
-{
-    for (const auto& [shader, text] : texts) {
-        shader->sourceProgram = text.c_str();
-        shader->unref();
+        make(static_cast<const SoShaderProgram&>(*search.getPaths()[i]->getTail()), met);
+    for (auto text = texts.begin(); text != texts.end();) {
+        if (met.count(text->first) > 0) {
+            ++text;
+        } else {
+            giveBack(*text->first, text->second);
+            text = texts.erase(text);
+        }
     }
 }
 
+void LeanPrograms::giveBack(SoShaderObject& shader, const std::string& text)
+{
+    shader.sourceProgram = text.c_str();
+    shader.unref();
+}
+
 // Parameters belong to a whole program, whichever of its shaders they hang on.
-void LeanPrograms::make(const SoShaderProgram& program, Texts& before)
+void LeanPrograms::make(const SoShaderProgram& program, std::set<const SoShaderObject*>& met)
 {
     Values values;
     std::vector<SoShaderObject*> shaders;
     for (int i = 0; i < program.shaderObject.getNum(); ++i) {
         auto* shader = dynamic_cast<SoShaderObject*>(program.shaderObject[i]);
-        if (!shader || texts.count(shader) > 0)
+        if (!shader || met.count(shader) > 0)
             continue;
         addValues(*shader, values);
         if (shader->sourceType.getValue() == SoShaderObject::GLSL_PROGRAM)
             shaders.push_back(shader);
     }
     for (SoShaderObject* shader : shaders) {
-        if (const auto known = before.extract(shader)) {
-            texts[shader] = known.mapped();
-        } else {
+        met.insert(shader);
+        const auto [own, isNew] =
+            texts.emplace(shader, shader->sourceProgram.getValue().getString());
+        if (isNew)
             shader->ref();
-            texts[shader] = shader->sourceProgram.getValue().getString();
-        }
-        const SbString lean(replaced(texts[shader], values).c_str());
+        const SbString lean(replaced(own->second, values).c_str());
         if (shader->sourceProgram.getValue() != lean) // which has it made again
             shader->sourceProgram = lean;
     }

@@ -3,6 +3,7 @@
 #define STRANDVIEW_APP_PICTURES_LEANPROGRAMS_H
 
 #include <map>
+#include <set>
 #include <string>
 
 class SoNode;
@@ -29,12 +30,10 @@ public:
     void use(SoNode* graph);
 
 private:
-    using Texts = std::map<SoShaderObject*, std::string>;
+    static void giveBack(SoShaderObject& shader, const std::string& text);
+    void make(const SoShaderProgram& program, std::set<const SoShaderObject*>& met);
 
-    static void give(const Texts& texts);
-    void make(const SoShaderProgram& program, Texts& before);
-
-    Texts texts; ///< their own, of shaders that are referenced
+    std::map<SoShaderObject*, std::string> texts; ///< their own, of shaders that are referenced
 };
 
 } // namespace strandview

@@ -121,6 +121,19 @@ TEST_F(OutputFileTest, TheLastThatIsFinishedStaysOfTwoThatAreWrittenAtATime)
     EXPECT_EQ(countFiles(), 1u);
 }
 
+TEST_F(OutputFileTest, IsFinishedBesideWhatAKilledProgramLeft)
+{
+    const std::string left = folder.path("a." + std::to_string(::getpid()) + ".0");
+    for (const std::string& name : {folder.path("a"), left})
+        std::ofstream(name) << "old";
+    OutputFile file(folder.path("a"));
+    ASSERT_EQ(file.open(), "");
+    file.write("new");
+    EXPECT_EQ(file.finish(), "");
+    EXPECT_EQ(contentOf("a"), "new");
+    EXPECT_EQ(countFiles(), 2u);
+}
+
 TEST_F(OutputFileTest, ReplacesFilesAlone)
 {
     ASSERT_EQ(mkfifo(folder.path("pipe").c_str(), 0600), 0);

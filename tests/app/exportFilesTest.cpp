@@ -153,6 +153,13 @@ TEST_F(ExportFilesTest, NoticesAreToldAndWhatIsOfPicturesHasNoEffect)
     EXPECT_THAT(result.error, Not(HasSubstr("--normalise has")));
 }
 
+TEST_F(ExportFilesTest, WhatSaysHowDataAreReadHasItsEffect)
+{
+    const std::string rows = folder.write("rows.txt", "0 0 0\n0 0 1\n1 0 0\n1 0 1\n");
+    EXPECT_EQ(exported({"--frame-rows", "2", "--closed", "--pairs", "frame", rows})->count(), 2u);
+    EXPECT_THAT(result.error, Not(HasSubstr("has no effect: --export")));
+}
+
 TEST_F(ExportFilesTest, AFrameBeyondTheLastIsRefusedInOneLineByEveryOutput)
 {
     const std::string out = folder.path("out.json");
