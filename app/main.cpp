@@ -17,6 +17,7 @@
 #include "rendering/renderSeries.h"
 #include "request/ExitStatus.h"
 #include "request/PictureName.h"
+#include "request/limits.h"
 #include "request/print.h"
 #include "scene/DataScene.h"
 #include "scene/Progress.h"
@@ -204,7 +205,7 @@ int runProgram(int argc, char** argv)
     try {
         return run(argc, argv);
     } catch (const std::bad_alloc&) {
-        return fail(BAD_INPUT, "found too little memory for so many points, rows or pixels");
+        return fail(BAD_INPUT, TOO_LITTLE_MEMORY_FOR_DATA);
     }
 }
 

@@ -33,7 +33,8 @@ public:
     /// Whether a drawing may leave out rows that are nearer to each other than half a pixel: for
     /// what changes in every frame, whose triangles, smaller than a pixel, would take longer than
     /// its data. What is seen stays within half a pixel, its colours are those of rows that are
-    /// left. For drawing alone, not for other actions; from a thousand rows on. At first not.
+    /// left. For drawing alone, not for other actions; from a thousand rows on, of all meshes
+    /// together. At first not.
     void drawCoarsely(bool coarse);
     bool isDrawnCoarsely() const;
 

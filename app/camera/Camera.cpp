@@ -64,11 +64,17 @@ std::array<SbVec3f, 8> cornersFrom(const SbVec3f& from, const SbBox3f& box, cons
     return cornersFrom(from, box, camera.orientation.getValue());
 }
 
-SbVec3f turned(const SoCamera& camera, const SbVec3f& v)
+SbVec3f turned(const SbVec3f& v, const SbRotation& rotation)
 {
     SbVec3f result;
-    camera.orientation.getValue().multVec(v, result);
+    rotation.multVec(v, result);
     return result;
+}
+
+// What a camera has in its own axes, in those of the scene.
+SbVec3f fromCamera(const SoCamera& camera, const SbVec3f& v)
+{
+    return turned(v, camera.orientation.getValue());
 }
 
 // Around the box, but in front of a perspective camera; depth has 24 bits.
@@ -105,7 +111,8 @@ void fitOrthographic(SoOrthographicCamera& camera, const SbBox3f& box,
     const float distance = box.getSize().length() / 2;
     camera.height = height / heightInShorterSides(region);
     camera.focalDistance = distance;
-    camera.position = box.getCenter() + turned(camera, SbVec3f(0, -bottom * height / 2, distance));
+    camera.position =
+        box.getCenter() + fromCamera(camera, SbVec3f(0, -bottom * height / 2, distance));
 }
 
 // A corner is seen if it is within the view's slopes at its own depth.
@@ -122,8 +129,8 @@ void fitPerspective(SoPerspectiveCamera& camera, const SbBox3f& box, const SbVie
                              corner[2] + MARGIN * std::abs(corner[1]) / (up * (1 - bottom))});
     }
     camera.focalDistance = distance;
-    camera.position =
-        box.getCenter() + turned(camera, SbVec3f(0, -bottom * up * (distance - front), distance));
+    camera.position = box.getCenter() +
+                      fromCamera(camera, SbVec3f(0, -bottom * up * (distance - front), distance));
 }
 
 // Bit for bit, so that a camera that is told and set again stays: the constructor of four
@@ -133,13 +140,6 @@ SbRotation rotationOf(const std::array<float, 4>& quaternion)
     SbRotation rotation;
     std::copy(quaternion.begin(), quaternion.end(), const_cast<float*>(rotation.getValue()));
     return rotation;
-}
-
-SbVec3f turned(const SbVec3f& v, const SbRotation& rotation)
-{
-    SbVec3f result;
-    rotation.multVec(v, result);
-    return result;
 }
 
 // The upright cylinder, in a camera's own axes, that a box turns in.
@@ -251,7 +251,7 @@ void keepInFront(SoCamera& camera, SoNode* scene, const SbViewportRegion& region
         return;
     const float distance = camera.focalDistance.getValue();
     const SbVec3f focalPoint =
-        camera.position.getValue() + turned(camera, SbVec3f(0, 0, -distance));
+        camera.position.getValue() + fromCamera(camera, SbVec3f(0, 0, -distance));
     float front = 0;
     for (const SbVec3f& corner : cornersFrom(focalPoint, box, camera))
         front = std::max(front, MARGIN * corner[2]);
@@ -261,7 +261,7 @@ void keepInFront(SoCamera& camera, SoNode* scene, const SbViewportRegion& region
     const float halfHeight = distance * std::tan(perspective.heightAngle.getValue() / 2);
     perspective.heightAngle = 2 * std::atan(halfHeight / front);
     perspective.focalDistance = front;
-    perspective.position = focalPoint + turned(camera, SbVec3f(0, 0, front));
+    perspective.position = focalPoint + fromCamera(camera, SbVec3f(0, 0, front));
 }
 
 CameraNumbers numbersOf(const SoCamera& camera)

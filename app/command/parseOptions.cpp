@@ -364,6 +364,18 @@ void addFiles(CLI::App& app, Options& options)
                  "Close every rod whose ends are apart by one more element [what files close]");
 }
 
+std::optional<bool> parsePairs(const std::string& text)
+{
+    return text == "first" || text == "frame" ? std::optional(text == "frame") : std::nullopt;
+}
+
+std::optional<double> parseRate(const std::string& text)
+{
+    std::optional<double> rate;
+    const bool isNumber = parseLimit(text, rate) && rate;
+    return isNumber && *rate >= 0.01 && *rate <= 1000 ? rate : std::nullopt;
+}
+
 // The frames of a series.
 void addSeries(CLI::App& app, Options& options)
 {
@@ -391,15 +403,9 @@ void addSeries(CLI::App& app, Options& options)
                  "Also render pictures that are there, made from the same")
         ->needs(render)
         ->group(group);
-    const auto parsePairs = [&series](const std::string& text) {
-        if (text != "first" && text != "frame")
-            throw CLI::ValidationError("--pairs",
-                                       "found " + inQuotes(text) + ", expected first or frame");
-        series.ownPairs = text == "frame";
-    };
-    app.add_option_function<std::string>("--pairs", parsePairs,
-                                         "Which nucleotides are pairs in all frames: those of the "
-                                         "first, or in each frame its own [first]")
+    addParsed(app, "--pairs", series.ownPairs, &parsePairs, "first or frame",
+              "Which nucleotides are pairs in all frames: those of the first, or in each frame its "
+              "own [first]")
         ->type_name("WHICH")
         ->group(group);
     app.add_flag("--stamp", series.stamp, "Write frame and time into the picture")
@@ -423,15 +429,8 @@ void addSeries(CLI::App& app, Options& options)
              "Render pictures with so many processes, or 0 for one per core [1]")
         ->needs(render)
         ->group(group);
-    const auto parseRate = [&series](const std::string& text) {
-        std::optional<double> rate;
-        if (!parseLimit(text, rate) || !rate || *rate < 0.01 || *rate > 1000)
-            throw CLI::ValidationError("--fps", "found " + inQuotes(text) +
-                                                    ", expected a number from 0.01 to 1000");
-        series.framesPerSecond = *rate;
-    };
-    app.add_option_function<std::string>("--fps", parseRate,
-                                         "Frames per second of a film or of playing [25]")
+    addParsed(app, "--fps", series.framesPerSecond, &parseRate, "a number from 0.01 to 1000",
+              "Frames per second of a film or of playing [25]")
         ->type_name("N")
         ->group(group);
     app.add_flag("--follow", series.follow,

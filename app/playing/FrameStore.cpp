@@ -11,8 +11,7 @@
 #include <thread>
 #include <utility>
 
-#include <strandview/formats/text/wording.h>
-
+#include "request/limits.h"
 #include "scene/Progress.h"
 #include "scene/SceneBuilder.h"
 
@@ -24,8 +23,6 @@ using Clock = std::chrono::steady_clock;
 
 // How often is told how many frames there are, and looked whether a file has grown.
 const std::chrono::milliseconds COUNT_INTERVAL(100), GROWTH_INTERVAL(200);
-
-const char* const TOO_LITTLE_MEMORY = "found too little memory for it";
 
 // Frames in bounded memory.
 class Cache
@@ -117,7 +114,7 @@ public:
         : opener(std::move(seriesOpener)),
           plan(std::move(framePlan)),
           onNews(std::move(newsHandler)),
-          cache(plan.bytes),
+          cache(std::size_t(plan.options.series.cacheMegabytes) << 20),
           thread([this] { run(); })
     {}
     ~Reader() override
@@ -162,8 +159,6 @@ public:
     }
 
     // Progress, of what the thread does
-    void show(const std::string& /*text*/) override {}
-    void announce(const std::string& /*text*/) override {}
     bool isStopped() const override
     {
         const std::lock_guard<std::mutex> lock(mutex);
@@ -180,7 +175,7 @@ private:
             try {
                 work();
             } catch (const std::bad_alloc&) {
-                giveUpStage(TOO_LITTLE_MEMORY); // which alone takes more than a frame
+                giveUpStage(TOO_LITTLE_MEMORY_FOR_FRAME); // which alone takes more than a frame
             }
         }
     }
@@ -204,7 +199,7 @@ private:
         try {
             series = opener(report, *this);
         } catch (const std::bad_alloc&) {
-            report.error = TOO_LITTLE_MEMORY;
+            report.error = TOO_LITTLE_MEMORY_FOR_FRAME;
         }
         {
             const std::lock_guard<std::mutex> lock(mutex);
@@ -282,7 +277,7 @@ private:
         try {
             loaded = series->load(frame, [this](double) { return !isStopped(); });
         } catch (const std::bad_alloc&) {
-            loaded.error = TOO_LITTLE_MEMORY;
+            loaded.error = TOO_LITTLE_MEMORY_FOR_FRAME;
         }
         cache.add(frame, std::move(loaded), allWanted());
         const std::lock_guard<std::mutex> lock(mutex);
@@ -298,14 +293,18 @@ private:
         if (!cache.has(frame))
             load(frame);
         const Cache::Entry& entry = *cache.find(frame);
-        FrameToPlay play{frame, series->time(frame), entry.data, {}, entry.error};
+        FrameToPlay play;
+        play.frame = frame;
+        play.time = series->time(frame);
+        play.data = entry.data;
+        play.error = entry.error;
         if (!play.data)
             return play;
         try {
             play.geometry =
                 computeGeometry(*play.data, plan.style, plan.placement, *this, play.error);
         } catch (const std::bad_alloc&) {
-            play.error = TOO_LITTLE_MEMORY;
+            play.error = TOO_LITTLE_MEMORY_FOR_FRAME;
         }
         if (!play.error.empty())
             play.data = nullptr;

@@ -45,13 +45,12 @@ public:
     /// options.series.follow it is called again until it goes well.
     using Opener = std::function<std::unique_ptr<Series>(ReadReport& report, Progress& progress)>;
 
-    /// What the frames are shown with, and how much of them is kept.
+    /// What the frames are shown with; options.series.cacheMegabytes of them are kept, one always.
     struct Plan
     {
         Style style = {};
         Placement placement = {};
         Options options = {};
-        std::size_t bytes = std::size_t(256) << 20; ///< of loaded frames; one is always kept
     };
 
     /// What is known of the series.

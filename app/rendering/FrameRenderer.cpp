@@ -11,6 +11,7 @@
 #include <strandview/formats/text/wording.h>
 
 #include "camera/Camera.h"
+#include "request/limits.h"
 #include "scene/DataScene.h"
 #include "scene/Legend.h"
 #include "scene/Progress.h"
@@ -21,7 +22,6 @@ namespace strandview {
 
 namespace {
 
-const char* const TOO_LITTLE_MEMORY = "found too little memory for it";
 const char* const FINGERPRINT = "strandview-made-from";
 
 // Of work that nobody watches.
@@ -29,8 +29,6 @@ class SilentProgress : public Progress
 {
 public:
     explicit SilentProgress(const Series::GoOn& goOn) : mayGoOn(goOn) {}
-    void show(const std::string&) override {}
-    void announce(const std::string&) override {}
     bool isStopped() const override { return mayGoOn && !mayGoOn(0); }
 
 private:
@@ -67,7 +65,7 @@ std::string write(const QImage& image, const std::string& file)
     try {
         return saveImage(image, file);
     } catch (const std::bad_alloc&) {
-        return TOO_LITTLE_MEMORY;
+        return TOO_LITTLE_MEMORY_FOR_FRAME;
     }
 }
 
@@ -109,7 +107,7 @@ void FrameRenderer::render(std::size_t frame, const Series::GoOn& goOn, const Do
     try {
         drawn = drawUnlessThere(frame, goOn);
     } catch (const std::bad_alloc&) {
-        drawn.failure = TOO_LITTLE_MEMORY;
+        drawn.failure = TOO_LITTLE_MEMORY_FOR_FRAME;
     }
     finish(done);
     if (!drawn.failure.empty())
@@ -140,7 +138,7 @@ std::string FrameRenderer::drawAlone(std::size_t frame, const Series::GoOn& goOn
         image = drawn.image;
         return drawn.failure;
     } catch (const std::bad_alloc&) {
-        return TOO_LITTLE_MEMORY;
+        return TOO_LITTLE_MEMORY_FOR_FRAME;
     }
 }
 

@@ -11,6 +11,11 @@ namespace strandview {
 constexpr int LARGEST_PICTURE_SIDE = 32767;
 constexpr int LARGEST_PIXEL_COUNT = 700'000'000;
 
+/// What is said where memory ends, after the name of what is read, shown or written.
+constexpr const char* TOO_LITTLE_MEMORY_FOR_DATA =
+    "found too little memory for so many points, rows or pixels";
+constexpr const char* TOO_LITTLE_MEMORY_FOR_FRAME = "found too little memory for it";
+
 /// The largest magnitude of a limit of a range that can be given ticks.
 constexpr double LARGEST_LIMIT = 1e307;
 

@@ -7,7 +7,8 @@
 
 namespace strandview {
 
-/// Where long work says what it is at, and asks whether to go on.
+/// Where long work says what it is at, and asks whether to go on. This one tells nobody, and nobody
+/// stops it.
 class Progress
 {
 public:
@@ -17,9 +18,9 @@ public:
     Progress& operator=(const Progress&) = delete;
 
     /// What the work is at. Cheap: it may be told every millisecond.
-    virtual void show(const std::string& text) = 0;
+    virtual void show(const std::string& /*text*/) {}
     /// The same, before a part of the work that tells nothing on its way.
-    virtual void announce(const std::string& text) = 0;
+    virtual void announce(const std::string& /*text*/) {}
     /// Whether the work is to end, with nothing done. True once, it stays so.
     virtual bool isStopped() const { return false; }
 };

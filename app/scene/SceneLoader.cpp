@@ -6,6 +6,7 @@
 #include <optional>
 #include <utility>
 
+#include "request/limits.h"
 #include "scene/Colouring.h"
 #include "scene/DataScene.h"
 #include "scene/Progress.h"
@@ -50,7 +51,7 @@ auto withinMemory(ReadReport& report, Load load) -> decltype(load())
     try {
         return load();
     } catch (const std::bad_alloc&) {
-        report.error = "found too little memory for so many points, rows or pixels";
+        report.error = TOO_LITTLE_MEMORY_FOR_DATA;
         return nullptr;
     }
 }

@@ -292,10 +292,8 @@ void MainWindow::beginToPlay(const ReadReport& report, std::size_t frame)
     Options ofFrames = options;
     ofFrames.colourIfPossible = true; // or this file would not be shown
     player = std::make_unique<Player>(
-        *scene, loaded, open,
-        FrameStore::Plan{scene->getStyle(), scene->getPlacement(), ofFrames,
-                         std::size_t(options.series.cacheMegabytes) << 20},
-        *playBar, options.series.follow);
+        *scene, loaded, open, FrameStore::Plan{scene->getStyle(), scene->getPlacement(), ofFrames},
+        *playBar);
     connect(player.get(), &Player::playingChanged, (*menus)[Command::PLAY], &QAction::setChecked);
     connect(player.get(), &Player::told, this,
             [this](const std::vector<Told>& news) { statusText->tell(news); });

@@ -20,22 +20,13 @@ const int TICK = 8; // ms
 // Frames that are read ahead, if there is memory for them.
 const std::uint64_t AHEAD = 64;
 
-// Of nodes that are updated, which nobody stops.
-class NoProgress : public Progress
-{
-public:
-    void show(const std::string& /*text*/) override {}
-    void announce(const std::string& /*text*/) override {}
-};
-
 } // namespace
 
 Player::Player(DataScene& shownScene, std::size_t shownFrame, FrameStore::Opener opener,
-               FrameStore::Plan plan, PlayBar& playBar, bool follows)
+               FrameStore::Plan plan, PlayBar& playBar)
     : scene(shownScene),
       bar(playBar),
       options(plan.options),
-      isFollowing(follows),
       shown(shownFrame),
       asked(shownFrame),
       store(std::move(opener), std::move(plan), [this] {
@@ -192,7 +183,7 @@ void Player::followState(const FrameStore::State& state)
         playFrom(asked);
     else if (asked >= bar.getCount() && !state.mayGrow) // of a file that became shorter
         ask({bar.getCount() - 1}, 1);
-    else if (isFollowing && wasAtLast && bar.getCount() > before)
+    else if (options.series.follow && wasAtLast && bar.getCount() > before)
         ask({bar.getCount() - 1}, 1);
     if (state.stage && !std::exchange(hasStage, true)) {
         emit staged(*state.stage);
@@ -219,9 +210,9 @@ void Player::show(FrameToPlay next)
     std::string error = next.error;
     if (next.data) {
         const std::optional<Colouring> colouring = colouringOf(*next.data);
-        NoProgress progress;
+        Progress unwatched;
         error = updateScene(scene, *next.data, colouring ? &*colouring : nullptr,
-                            std::move(next.geometry), progress);
+                            std::move(next.geometry), unwatched);
     }
     shown = next.frame;
     bar.showFrame(next.frame, next.time);

@@ -30,10 +30,11 @@ class Player : public QObject
     Q_OBJECT
 
 public:
-    /// The scene, which shows a frame already, and the bar outlive the player. With `follows` it
-    /// goes on to the last frame as more are found, as long as the last one is shown.
+    /// The scene, which shows a frame already, and the bar outlive the player. With
+    /// options.series.follow it goes on to the last frame as more are found, as long as the last
+    /// one is shown.
     Player(DataScene& scene, std::size_t shownFrame, FrameStore::Opener opener,
-           FrameStore::Plan plan, PlayBar& bar, bool follows = false);
+           FrameStore::Plan plan, PlayBar& bar);
     ~Player() override;
 
     bool isPlaying() const { return playing; }
@@ -83,7 +84,6 @@ private:
     DataScene& scene;
     PlayBar& bar;
     const Options options;
-    const bool isFollowing;
     std::size_t shown, asked;
     bool playing = false;
     std::size_t toldBefore = 0; ///< lines about the series

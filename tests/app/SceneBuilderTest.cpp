@@ -25,6 +25,8 @@
 
 #include "scene/DataScene.h"
 #include "scene/Progress.h"
+#include "support/StoppingAt.h"
+#include "support/graph.h"
 #include "support/initialiseSceneOnce.h"
 
 namespace strandview {
@@ -60,15 +62,7 @@ protected:
     template <typename Node>
     std::vector<Node*> find()
     {
-        SoSearchAction search;
-        search.setType(Node::getClassTypeId());
-        search.setInterest(SoSearchAction::ALL);
-        search.setSearchingAll(TRUE);
-        search.apply(scene);
-        std::vector<Node*> nodes;
-        for (int i = 0; i < search.getPaths().getLength(); ++i)
-            nodes.push_back(static_cast<Node*>(search.getPaths()[i]->getTail()));
-        return nodes;
+        return allOf<Node>(scene);
     }
 
     SbBox3f box()
@@ -170,22 +164,6 @@ Configuration glyphs()
     return data;
 }
 
-// Stops the work when it is told of something the so-many-th time.
-struct StoppingAt : Progress
-{
-    explicit StoppingAt(int stopCount) : count(stopCount) {}
-    void show(const std::string& text) override
-    {
-        texts.push_back(text);
-        --count;
-    }
-    void announce(const std::string& text) override { show(text); }
-    bool isStopped() const override { return count <= 0; }
-
-    int count;
-    std::vector<std::string> texts;
-};
-
 TEST_F(SceneBuilderTest, SaysWhatItBuildsAndStopsWhereItIsToldTo)
 {
     Configuration data;
@@ -194,7 +172,7 @@ TEST_F(SceneBuilderTest, SaysWhatItBuildsAndStopsWhereItIsToldTo)
         data.rods.push_back({"rod", points, std::vector<algebra3d::Quaternion<double>>(2), {}});
     data.arrows.resize(2);
     const Style style = makeStyle({}, data);
-    StoppingAt never(1000);
+    StoppingAt never;
     scene = buildScene(data, style, nullptr, never, error);
     ASSERT_NE(scene, nullptr) << error;
     scene->ref();

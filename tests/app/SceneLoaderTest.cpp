@@ -21,7 +21,6 @@ using testing::HasSubstr;
 class RecordedProgress : public Progress
 {
 public:
-    void show(const std::string&) override {}
     void announce(const std::string& text) override { announced.push_back(text); }
     bool isStopped() const override { return stopped; }
 

@@ -11,7 +11,6 @@
 #include <Inventor/SoOffscreenRenderer.h>
 #include <Inventor/SoPickedPoint.h>
 #include <Inventor/actions/SoRayPickAction.h>
-#include <Inventor/actions/SoSearchAction.h>
 #include <Inventor/nodes/SoMaterial.h>
 #include <Inventor/nodes/SoOrthographicCamera.h>
 #include <Inventor/nodes/SoSeparator.h>
@@ -29,6 +28,8 @@
 #include "scene/DataScene.h"
 #include "scene/Progress.h"
 #include "support/RandomRods.h"
+#include "support/StoppingAt.h"
+#include "support/graph.h"
 #include "support/initialiseSceneOnce.h"
 #include "support/renderPicture.h"
 
@@ -44,17 +45,6 @@ using testing::StartsWith;
 namespace {
 
 enum Kind { RODS, BIRODS, MARKERS, ARROWS, DNAS, LONE_BASES, FRAMES, KINDS }; // as they are drawn
-
-// Goes on until it was told something the so-many-th time.
-struct StoppingAt : Progress
-{
-    explicit StoppingAt(int stopCount = 1000000) : count(stopCount) {}
-    void show(const std::string& /*text*/) override { --count; }
-    void announce(const std::string& text) override { show(text); }
-    bool isStopped() const override { return count <= 0; }
-
-    int count;
-};
 
 // A piece of a helix about a line along z, whose turns never meet.
 struct Helix
@@ -200,14 +190,8 @@ void setScalar(Rod& rod, const std::function<double(double)>& value)
 // The colours of all materials, one after the other, with their numbers.
 std::vector<float> coloursOf(DataScene* scene)
 {
-    SoSearchAction search;
-    search.setType(SoMaterial::getClassTypeId());
-    search.setInterest(SoSearchAction::ALL);
-    search.setSearchingAll(TRUE);
-    search.apply(scene);
     std::vector<float> colours;
-    for (int i = 0; i < search.getPaths().getLength(); ++i) {
-        const auto* material = static_cast<SoMaterial*>(search.getPaths()[i]->getTail());
+    for (const SoMaterial* material : allOf<SoMaterial>(scene)) {
         for (const SoMFColor* field : {&material->ambientColor, &material->diffuseColor}) {
             colours.push_back(float(field->getNum()));
             for (int k = 0; k < field->getNum(); ++k) {
@@ -317,15 +301,8 @@ protected:
 
     std::set<const SoNode*> allNodes()
     {
-        SoSearchAction search;
-        search.setType(SoNode::getClassTypeId());
-        search.setInterest(SoSearchAction::ALL);
-        search.setSearchingAll(TRUE);
-        search.apply(scene);
-        std::set<const SoNode*> nodes;
-        for (int i = 0; i < search.getPaths().getLength(); ++i)
-            nodes.insert(search.getPaths()[i]->getTail());
-        return nodes;
+        const std::vector<SoNode*> all = allOf<SoNode>(scene);
+        return {all.begin(), all.end()};
     }
 
     // What is told of what a ray from above through x and y hits; empty if nothing.

@@ -9,6 +9,7 @@
 #include "scene/Progress.h"
 #include "support/RandomRods.h"
 #include "support/initialiseSceneOnce.h"
+#include "support/straightRod.h"
 
 namespace strandview {
 
@@ -21,24 +22,16 @@ using testing::IsEmpty;
 struct QuietProgress : Progress
 {
     void show(const std::string& /*text*/) override { ++told; }
-    void announce(const std::string& /*text*/) override {}
     bool isStopped() const override { return told >= patience; }
     int told = 0, patience = 1000000;
 };
 
-// A straight rod along x from -reach to reach, with a scalar `k` that is `value` all along.
-Configuration straightRod(double reach, double value = 0)
+// A straight rod with a scalar `k` that is `value` all along.
+Configuration rodWithValue(double reach, double value = 0)
 {
-    Configuration configuration;
-    Rod rod;
-    for (int i = 0; i <= 4; ++i) {
-        rod.points.emplace_back(reach * (i / 2.0 - 1), 0, 0);
-        rod.rotations.emplace_back(0, std::sqrt(0.5), 0, std::sqrt(0.5)); // d3 along x
-    }
-    rod.hasFrames = true;
-    rod.origin = "rod.txt:1: rod 1";
-    rod.scalars = {{"k", std::vector<double>(5, value)}};
-    configuration.rods.push_back(rod);
+    Configuration configuration = straightRod(reach);
+    configuration.rods.front().hasFrames = true;
+    configuration.rods.front().scalars = {{"k", std::vector<double>(5, value)}};
     return configuration;
 }
 
@@ -54,7 +47,7 @@ private:
     {
         if (frame < whole)
             return {std::nullopt, {}, "broken " + std::to_string(frame)};
-        return {straightRod(1 + double(frame))};
+        return {rodWithValue(1 + double(frame))};
     }
 
     const std::size_t all, whole;
@@ -74,7 +67,7 @@ protected:
     {
         std::vector<Configuration> frames;
         for (const double reach : reaches)
-            frames.push_back(straightRod(reach, reach));
+            frames.push_back(rodWithValue(reach, reach));
         return MemorySeries(std::move(frames));
     }
 
@@ -112,10 +105,10 @@ TEST_F(StageTest, OfOneFrameLeavesItsRoomToTheScene)
 // Along x in the first frame, along z in the second: y is what neither of them needs.
 TEST_F(StageTest, IsSeenAlongTheShortestSideOfAllFrames)
 {
-    Configuration upright = straightRod(1);
+    Configuration upright = rodWithValue(1);
     for (auto& point : upright.rods[0].points)
         point = {0, 0, point.x};
-    MemorySeries series({straightRod(1), upright});
+    MemorySeries series({rodWithValue(1), upright});
     EXPECT_EQ(stageOf(series)->side, Side::Y);
 }
 
@@ -169,9 +162,9 @@ TEST_F(StageTest, FramesThatCannotBeLoadedCountForNothing)
 // A rod that turns straight back is none that can be drawn.
 TEST_F(StageTest, FramesThatCannotBeDrawnCountForNothing)
 {
-    Configuration back = straightRod(50);
+    Configuration back = rodWithValue(50);
     back.rods[0].points[4] = back.rods[0].points[2];
-    MemorySeries series({straightRod(1), back});
+    MemorySeries series({rodWithValue(1), back});
     ASSERT_TRUE(stageOf(series));
     EXPECT_LT(stageOf(series)->room.getMax()[0], 2);
 
@@ -194,11 +187,11 @@ TEST_F(StageTest, ANewSceneShowsAFrameAsOneThatHasShownOthers)
     MemorySeries series = seriesOf({2, 7, 1});
     const std::optional<Stage> stage = stageOf(series);
     DataScene *fresh = nullptr, *used = nullptr;
-    EXPECT_EQ(showOnStage(used, *stage, straightRod(7, 7), progress), "");
+    EXPECT_EQ(showOnStage(used, *stage, rodWithValue(7, 7), progress), "");
     const DataScene* const first = used;
-    EXPECT_EQ(showOnStage(used, *stage, straightRod(1, 1), progress), "");
+    EXPECT_EQ(showOnStage(used, *stage, rodWithValue(1, 1), progress), "");
     EXPECT_EQ(used, first);
-    EXPECT_EQ(showOnStage(fresh, *stage, straightRod(1, 1), progress), "");
+    EXPECT_EQ(showOnStage(fresh, *stage, rodWithValue(1, 1), progress), "");
     EXPECT_EQ(fresh->getBox().getMin(), used->getBox().getMin());
     EXPECT_EQ(fresh->getBox().getMax(), used->getBox().getMax());
     EXPECT_EQ(fresh->getColouring()->max, used->getColouring()->max);

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 
 #include "scene/Progress.h"
+#include "support/StoppingAt.h"
 #include "support/TemporaryFolder.h"
 
 namespace strandview {
@@ -17,18 +18,6 @@ using testing::IsEmpty;
 const char* const STILL = R"({"strandview": 1, "markers": [{"point": [0, 0, 0], "id": 5}]})";
 const char* const SERIES = R"({"strandview": 1, "series": [
     {"markers": [{"point": [0, 0, 0], "id": 10}]}, {"markers": [{"point": [0, 0, 0], "id": 11}]}]})";
-
-/// Stops the work when it is told so many texts.
-class CountedProgress : public Progress
-{
-public:
-    void show(const std::string& text) override { texts.push_back(text); }
-    void announce(const std::string& text) override { texts.push_back(text); }
-    bool isStopped() const override { return texts.size() >= patience; }
-
-    std::vector<std::string> texts;
-    std::size_t patience = 1000;
-};
 
 class ReadFilesTest : public testing::Test
 {
@@ -51,7 +40,7 @@ protected:
     const std::string still = folder.write("still.json", STILL);
     const std::string series = folder.write("run.json", SERIES);
     ReadReport report;
-    CountedProgress progress;
+    StoppingAt progress;
 };
 
 } // namespace

@@ -2,9 +2,12 @@
 #ifndef STRANDVIEW_TESTS_GRAPH_H
 #define STRANDVIEW_TESTS_GRAPH_H
 
+#include <vector>
+
 #include <Inventor/SbBox3f.h>
 #include <Inventor/SbViewportRegion.h>
 #include <Inventor/actions/SoGetBoundingBoxAction.h>
+#include <Inventor/actions/SoSearchAction.h>
 #include <Inventor/nodes/SoGroup.h>
 #include <algebra3d/Vector3.h>
 #include <gtest/gtest.h>
@@ -16,6 +19,22 @@ Node* child(SoNode* group, int index)
     auto* const node = static_cast<SoGroup*>(group)->getChild(index);
     EXPECT_EQ(node->getTypeId(), Node::getClassTypeId());
     return static_cast<Node*>(node);
+}
+
+/// All nodes of a class, or of those derived from it, in a graph, hidden ones too: once for each
+/// path that leads there, in the order of the graph.
+template <typename Node>
+std::vector<Node*> allOf(SoNode* graph)
+{
+    SoSearchAction search;
+    search.setType(Node::getClassTypeId());
+    search.setInterest(SoSearchAction::ALL);
+    search.setSearchingAll(TRUE);
+    search.apply(graph);
+    std::vector<Node*> found;
+    for (int i = 0; i < search.getPaths().getLength(); ++i)
+        found.push_back(static_cast<Node*>(search.getPaths()[i]->getTail()));
+    return found;
 }
 
 inline SbBox3f boxOf(SoNode* node)
