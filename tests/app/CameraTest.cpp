@@ -2,6 +2,7 @@
 #include "camera/Camera.h"
 
 #include <cmath>
+#include <functional>
 #include <random>
 
 #include <Inventor/SbViewportRegion.h>
@@ -21,6 +22,8 @@ namespace {
 
 const std::vector<Side> SIDES{Side::X,       Side::MINUS_X, Side::Y,
                               Side::MINUS_Y, Side::Z,       Side::MINUS_Z};
+
+const std::vector<SbVec2s> SIZES{{400, 300}, {300, 400}, {256, 256}, {900, 30}};
 
 // Where the box's corners are: x and y from 0 to 1 across the view, and their depths.
 struct Seen
@@ -82,94 +85,82 @@ protected:
         return seen;
     }
 
-    SoSeparator* scene = nullptr;
-    SbVec3f corners[8];
-};
-
-TEST_F(CameraTest, FitsTheWholeBoxFromEverySideIntoAnyView)
-{
-    const std::vector<SbVec2s> sizes{{400, 300}, {300, 400}, {256, 256}, {900, 30},
-                                     {30, 900},  {1000, 1},  {1, 1000}};
-    const std::vector<SbVec3f> boxes{{2, 2, 2}, {10, 1, 0.1f}, {0.1f, 8, 1}, {1e-3f, 2e-3f, 1e-3f}};
-    for (const bool perspective : {false, true}) {
-        for (const Side side : SIDES) {
-            for (const SbVec2s& size : sizes) {
-                for (const float bottom : {0.0f, 0.12f, 0.5f}) {
-                    for (const SbVec3f& box : boxes) {
-                        SCOPED_TRACE(testing::Message()
-                                     << (perspective ? "perspective" : "orthographic") << " side "
-                                     << int(side) << ", " << size[0] << "x" << size[1]
-                                     << ", bottom " << bottom << ", box " << box[0]);
-                        makeScene(box);
-                        CameraRequest request;
-                        request.side = side;
-                        request.perspective = perspective;
-                        SoCamera* camera =
-                            makeCamera(request, scene, SbViewportRegion(size), bottom);
-                        camera->ref();
-                        const Seen seen = look(*camera, size);
-                        const float slack = 2e-4f;
-                        EXPECT_GE(seen.lowest[0], -slack);
-                        EXPECT_LE(seen.highest[0], 1 + slack);
-                        EXPECT_GE(seen.lowest[1], bottom - slack);
-                        EXPECT_LE(seen.highest[1], 1 + slack);
-                        // Between the clipping planes.
-                        EXPECT_GE(seen.lowest[2], camera->nearDistance.getValue());
-                        EXPECT_LE(seen.highest[2], camera->farDistance.getValue());
-                        // Sideways in the middle; and it fills the view in one direction.
-                        EXPECT_NEAR(seen.lowest[0] + seen.highest[0], 1, 1e-3);
-                        const float width = seen.highest[0] - seen.lowest[0];
-                        const float height = (seen.highest[1] - seen.lowest[1]) / (1 - bottom);
-                        EXPECT_GT(std::max(width, height), perspective ? 0.6f : 0.94f);
-                        camera->unref();
-                    }
-                }
-            }
-        }
+    static void expectInView(const Seen& seen, const SoCamera& camera, float bottom, float slack)
+    {
+        EXPECT_GE(seen.lowest[0], -slack);
+        EXPECT_LE(seen.highest[0], 1 + slack);
+        EXPECT_GE(seen.lowest[1], bottom - slack);
+        EXPECT_LE(seen.highest[1], 1 + slack);
+        EXPECT_GE(seen.lowest[2], camera.nearDistance.getValue());
     }
-}
 
-TEST_F(CameraTest, WithRoomToTurnTheWholeBoxIsInViewAllTheWayRound)
-{
-    const std::vector<SbVec2s> sizes{{400, 300}, {300, 400}, {256, 256}, {900, 30}};
-    const std::vector<SbVec3f> boxes{{2, 2, 2}, {10, 1, 0.1f}, {0.1f, 8, 1}, {1e-3f, 2e-3f, 1e-3f}};
-    for (const bool perspective : {false, true}) {
-        for (const Side side : SIDES) {
-            for (const SbVec2s& size : sizes) {
-                for (const float bottom : {0.0f, 0.12f, 0.5f}) {
-                    for (const SbVec3f& box : boxes) {
-                        SCOPED_TRACE(testing::Message()
-                                     << (perspective ? "perspective" : "orthographic") << " side "
-                                     << int(side) << ", " << size[0] << "x" << size[1]
-                                     << ", bottom " << bottom << ", box " << box[0]);
-                        makeScene(box);
-                        const SbBox3f filled(corners[0], corners[7]);
-                        const SbViewportRegion region(size);
-                        CameraRequest request;
-                        request.side = side;
-                        request.perspective = perspective;
-                        const CameraNumbers fitted = numbersFor(request, filled, region, bottom);
-                        const CameraNumbers start = withRoomToTurn(fitted, filled, region, bottom);
-                        EXPECT_LT(start.focalDistance, 40 * fitted.focalDistance);
-                        for (int i = 0; i < 24; ++i) {
-                            request.numbers =
-                                turnedAround(start, filled.getCenter(), 2 * M_PI * i / 24);
-                            SoCamera* camera = makeCamera(request, scene, region, bottom);
-                            camera->ref();
-                            const Seen seen = look(*camera, size);
-                            const float slack = 1e-3f;
-                            EXPECT_GE(seen.lowest[0], -slack);
-                            EXPECT_LE(seen.highest[0], 1 + slack);
-                            EXPECT_GE(seen.lowest[1], bottom - slack);
-                            EXPECT_LE(seen.highest[1], 1 + slack);
-                            EXPECT_GE(seen.lowest[2], camera->nearDistance.getValue());
-                            camera->unref();
+    using Check = std::function<void(const CameraRequest&, const SbVec2s& size, float bottom)>;
+
+    // Scenes of boxes of several shapes, each from every side in views of these sizes with more and
+    // less room below.
+    void forEachView(const std::vector<SbVec2s>& sizes, const Check& check)
+    {
+        for (const SbVec3f& box :
+             {SbVec3f(2, 2, 2), {10, 1, 0.1f}, {0.1f, 8, 1}, {1e-3f, 2e-3f, 1e-3f}}) {
+            makeScene(box);
+            for (const bool perspective : {false, true}) {
+                for (const Side side : SIDES) {
+                    CameraRequest request;
+                    request.side = side;
+                    request.perspective = perspective;
+                    for (const SbVec2s& size : sizes) {
+                        for (const float bottom : {0.0f, 0.12f, 0.5f}) {
+                            SCOPED_TRACE(testing::Message()
+                                         << (perspective ? "perspective" : "orthographic")
+                                         << " side " << int(side) << ", " << size[0] << "x"
+                                         << size[1] << ", bottom " << bottom << ", box " << box[0]);
+                            check(request, size, bottom);
                         }
                     }
                 }
             }
         }
     }
+
+    SoSeparator* scene = nullptr;
+    SbVec3f corners[8];
+};
+
+TEST_F(CameraTest, FitsTheWholeBoxFromEverySideIntoAnyView)
+{
+    std::vector<SbVec2s> sizes = SIZES;
+    sizes.insert(sizes.end(), {{30, 900}, {1000, 1}, {1, 1000}});
+    forEachView(sizes, [&](const CameraRequest& request, const SbVec2s& size, float bottom) {
+        SoCamera* camera = makeCamera(request, scene, SbViewportRegion(size), bottom);
+        camera->ref();
+        const Seen seen = look(*camera, size);
+        expectInView(seen, *camera, bottom, 2e-4f);
+        EXPECT_LE(seen.highest[2], camera->farDistance.getValue());
+        // Sideways in the middle; and it fills the view in one direction.
+        EXPECT_NEAR(seen.lowest[0] + seen.highest[0], 1, 1e-3);
+        const float width = seen.highest[0] - seen.lowest[0];
+        const float height = (seen.highest[1] - seen.lowest[1]) / (1 - bottom);
+        EXPECT_GT(std::max(width, height), request.isPerspective() ? 0.6f : 0.94f);
+        camera->unref();
+    });
+}
+
+TEST_F(CameraTest, WithRoomToTurnTheWholeBoxIsInViewAllTheWayRound)
+{
+    forEachView(SIZES, [&](CameraRequest request, const SbVec2s& size, float bottom) {
+        const SbBox3f filled(corners[0], corners[7]);
+        const SbViewportRegion region(size);
+        const CameraNumbers fitted = numbersFor(request, filled, region, bottom);
+        const CameraNumbers start = withRoomToTurn(fitted, filled, region, bottom);
+        EXPECT_LT(start.focalDistance, 40 * fitted.focalDistance);
+        for (int i = 0; i < 24; ++i) {
+            request.numbers = turnedAround(start, filled.getCenter(), 2 * M_PI * i / 24);
+            SoCamera* camera = makeCamera(request, scene, region, bottom);
+            camera->ref();
+            expectInView(look(*camera, size), *camera, bottom, 1e-3f);
+            camera->unref();
+        }
+    });
 }
 
 TEST_F(CameraTest, ACameraThatHasRoomToTurnStaysWhereItIs)

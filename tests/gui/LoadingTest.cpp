@@ -4,7 +4,6 @@
 #include "window/LoadJob.h"
 
 #include <condition_variable>
-#include <fstream>
 #include <mutex>
 
 #include <QAction>
@@ -14,18 +13,17 @@
 #include <QMessageBox>
 #include <QSettings>
 #include <QStatusBar>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 #include <QToolButton>
 #include <gmock/gmock.h>
 
+#include "programWindows.h"
 #include "scene/Progress.h"
-#include "scene/SceneBuilder.h"
 #include "scene/SceneLoader.h"
+#include "support/TemporaryFolder.h"
 #include "support/runProgram.h"
 #include "window/MainWindow.h"
-#include "window/checkDisplay.h"
 #include "window/runWindow.h"
 
 namespace strandview {
@@ -88,34 +86,20 @@ public:
 class LoadingTest : public testing::Test
 {
 protected:
-    static void SetUpTestSuite()
-    {
-        ASSERT_EQ(checkDisplay(), "");
-        static QTemporaryDir settings;
-        qputenv("XDG_CONFIG_HOME", settings.path().toLocal8Bit());
-        initialiseWindows("LoadingTest");
-        initialiseScene();
-    }
+    static void SetUpTestSuite() { initialiseProgramOnce("LoadingTest"); }
 
     LoadingTest()
     {
         QSettings().clear();
         options.windowSize = {520, 420};
-        first = write("first.txt", ROD);
-        second = write("second.txt", ROD);
-        slow = write("slow.txt", ROD);
+        first = folder.write("first.txt", ROD);
+        second = folder.write("second.txt", ROD);
+        slow = folder.write("slow.txt", ROD);
     }
     ~LoadingTest() override
     {
         gate.open();
         window.reset();
-    }
-
-    std::string write(const std::string& name, const std::string& text) const
-    {
-        const std::string path = folder.filePath(QString::fromStdString(name)).toStdString();
-        std::ofstream(path) << text;
-        return path;
     }
 
     // A file of which the nodes alone take a while.
@@ -124,7 +108,7 @@ protected:
         std::string text = R"({"strandview": 1, "markers": [)";
         for (int i = 0; i < 30000; ++i)
             text += (i == 0 ? "" : ",") + (R"({"point": [)" + std::to_string(i)) + ", 0, 0]}";
-        return write("many.json", text + "]}");
+        return folder.write("many.json", text + "]}");
     }
 
     // Of a file whose name begins with "slow" it says "Reading behind the gate", and reads it
@@ -153,11 +137,6 @@ protected:
     }
     void beginToOpen(const std::string& file) { window->openFiles({QString::fromStdString(file)}); }
 
-    static bool comesTo(const std::function<bool()>& holds)
-    {
-        return QTest::qWaitFor(holds, 30000);
-    }
-
     QWidget* view() const { return window->findChild<QGLWidget*>(); }
     QToolButton* stopButton() const
     {
@@ -172,7 +151,7 @@ protected:
         return bar->isVisible() ? bar->findChild<QLabel*>()->text().toStdString() : "";
     }
 
-    QTemporaryDir folder;
+    const TemporaryFolder folder;
     Options options;
     Gate gate;
     std::string first, second, slow;
@@ -345,7 +324,7 @@ TEST_F(LoadingTest, TheMakingOfNodesGivesWayToAnotherFile)
 
 TEST_F(LoadingTest, AFailureIsToldAndWhatWasShownStays)
 {
-    const std::string bad = write("slow-bad.txt", "0 0 0\n0 0 zero\n");
+    const std::string bad = folder.write("slow-bad.txt", "0 0 0\n0 0 zero\n");
     open();
     beginToOpen(bad);
     std::string told;
@@ -368,7 +347,7 @@ TEST_F(LoadingTest, AFailureIsToldAndWhatWasShownStays)
 
 TEST_F(LoadingTest, WhatIsRefusedSoonOpensNoWindow)
 {
-    options.files = {write("bad.txt", "0 0 zero\n")};
+    options.files = {folder.write("bad.txt", "0 0 zero\n")};
     const ShownWindows shown;
     ReadReport report;
     EXPECT_EQ(runWindow(options, loader(), report), "");
@@ -378,7 +357,7 @@ TEST_F(LoadingTest, WhatIsRefusedSoonOpensNoWindow)
 
 TEST_F(LoadingTest, AWindowIsThereWhileItReadsAndGoesIfThatFails)
 {
-    options.files = {write("slow-bad.txt", "0 0 zero\n")};
+    options.files = {folder.write("slow-bad.txt", "0 0 zero\n")};
     const ShownWindows shown;
     bool answered = false;
     QTimer timer;
@@ -399,15 +378,15 @@ TEST_F(LoadingTest, AWindowIsThereWhileItReadsAndGoesIfThatFails)
 TEST_F(LoadingTest, APictureOfTheWindowWaitsForIt)
 {
     options.files = {slow};
-    options.windowPicture = folder.filePath("window.png").toStdString();
+    options.windowPicture = folder.path("window.png");
     QTimer::singleShot(1000, [this] {
-        EXPECT_FALSE(QFile::exists(folder.filePath("window.png")));
+        EXPECT_FALSE(QFile::exists(QString::fromStdString(folder.path("window.png"))));
         gate.open();
     });
     ReadReport report;
     EXPECT_EQ(runWindow(options, loader(), report), "");
     EXPECT_EQ(report.error, "");
-    EXPECT_TRUE(QFile::exists(folder.filePath("window.png")));
+    EXPECT_TRUE(QFile::exists(QString::fromStdString(folder.path("window.png"))));
 }
 
 TEST_F(LoadingTest, TheProgramEndsWithOneLineHoweverLateItFails)
@@ -415,7 +394,7 @@ TEST_F(LoadingTest, TheProgramEndsWithOneLineHoweverLateItFails)
     std::string text;
     for (int i = 0; i < 400000; ++i)
         text += std::to_string(i) + " 0 0\n";
-    const std::string file = write("long.txt", text + "0 0 zero\n");
+    const std::string file = folder.write("long.txt", text + "0 0 zero\n");
     const ProgramRun run =
         runProgram(STRANDVIEW_PROGRAM, {file}, "", {{"DISPLAY", qgetenv("DISPLAY").toStdString()}});
     EXPECT_EQ(run.status, 2);

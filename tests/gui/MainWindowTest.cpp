@@ -47,6 +47,7 @@
 #include <QWheelEvent>
 #include <gmock/gmock.h>
 
+#include "programWindows.h"
 #include "scene/DataScene.h"
 #include "scene/SceneBuilder.h"
 #include "scene/SceneLoader.h"
@@ -55,7 +56,6 @@
 #include "window/AxisCross.h"
 #include "window/StatusText.h"
 #include "window/actions.h"
-#include "window/checkDisplay.h"
 #include "window/runWindow.h"
 
 namespace strandview {
@@ -141,13 +141,9 @@ class MainWindowTest : public testing::Test
 protected:
     static void SetUpTestSuite()
     {
-        ASSERT_EQ(checkDisplay(), "");
-        static QTemporaryDir settings;
-        qputenv("XDG_CONFIG_HOME", settings.path().toLocal8Bit());
         qputenv("LC_ALL", "C.UTF-8"); // not the one that programs start with
         QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
-        initialiseWindows("MainWindowTest");
-        initialiseScene();
+        initialiseProgramOnce("MainWindowTest");
     }
 
     MainWindowTest()
@@ -1484,12 +1480,6 @@ protected:
         using MainWindow::MainWindow;
         using MainWindow::viewer;
     };
-
-    static void SetUpTestSuite()
-    {
-        if (SoQtGeneralViewer::getClassTypeId().isBad()) // no other suite was before
-            MainWindowTest::SetUpTestSuite();
-    }
 
     void SetUp() override { openAnew(); }
 

@@ -2,6 +2,9 @@
 #include "window/PlayBar.h"
 
 #include <QAction>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDoubleSpinBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QSlider>
@@ -118,6 +121,13 @@ TEST_F(PlayBarTest, OrderAndRateAreThoseOfItsFields)
     EXPECT_EQ(bar.getOrder().repeat, PlayOrder::ONCE);
     EXPECT_EQ(bar.getFramesPerSecond(), 25);
     EXPECT_FALSE(bar.isEveryFrameShown());
+    bar.findChild<QComboBox*>("repeatBox")->setCurrentIndex(PlayOrder::TO_AND_FRO);
+    EXPECT_EQ(bar.getOrder().repeat, PlayOrder::TO_AND_FRO);
+    bar.findChild<QDoubleSpinBox*>("rateField")->setValue(2.5);
+    EXPECT_EQ(bar.getFramesPerSecond(), 2.5);
+    bar.findChild<QCheckBox*>("everyFrameBox")->setChecked(true);
+    EXPECT_TRUE(bar.isEveryFrameShown());
+    EXPECT_EQ(changes, 4) << "each is told";
 }
 
 } // namespace strandview

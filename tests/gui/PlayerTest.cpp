@@ -2,41 +2,37 @@
 // Playing as the user of a window sees it: with the X server's keys and mouse.
 #include "window/Player.h"
 
+#include <algorithm>
+#include <cmath>
 #include <cstdlib>
-#include <fstream>
+#include <functional>
+#include <memory>
 #include <set>
 #include <utility>
 
-#include <Inventor/actions/SoSearchAction.h>
-#include <QAction>
-#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDoubleSpinBox>
-#include <QGLWidget>
 #include <QLabel>
-#include <QLineEdit>
 #include <QSettings>
 #include <QSlider>
 #include <QSpinBox>
-#include <QStatusBar>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QToolButton>
 #include <gmock/gmock.h>
 
 #include <SoRod.h>
 
+#include "programWindows.h"
 #include "scene/DataScene.h"
-#include "scene/SceneBuilder.h"
 #include "scene/SceneLoader.h"
 #include "scene/readFiles.h"
+#include "support/TemporaryFolder.h"
+#include "support/graph.h"
 #include "support/realInput.h"
 #include "window/MainWindow.h"
 #include "window/PlayBar.h"
 #include "window/StatusText.h"
-#include "window/checkDisplay.h"
-#include "window/runWindow.h"
 
 namespace strandview {
 
@@ -67,30 +63,13 @@ std::string seriesText(int frames)
 class PlayerTest : public testing::Test
 {
 protected:
-    static void SetUpTestSuite()
-    {
-        static bool isDone = false;
-        if (std::exchange(isDone, true))
-            return;
-        ASSERT_EQ(checkDisplay(), "");
-        static QTemporaryDir settings;
-        qputenv("XDG_CONFIG_HOME", settings.path().toLocal8Bit());
-        initialiseWindows("PlayerTest");
-        initialiseScene();
-    }
+    static void SetUpTestSuite() { initialiseProgramOnce("PlayerTest"); }
 
     PlayerTest()
     {
         QSettings().clear();
         options.windowSize = {700, 520};
         options.series.framesPerSecond = 50;
-    }
-
-    std::string write(const std::string& name, const std::string& text) const
-    {
-        const std::string path = folder.filePath(QString::fromStdString(name)).toStdString();
-        std::ofstream(path) << text;
-        return path;
     }
 
     void open(const std::string& file)
@@ -116,15 +95,10 @@ protected:
     // And waits until all that is known of the series is.
     void openSeries(int frames)
     {
-        open(write("run.txt", seriesText(frames)));
+        open(folder.write("run.txt", seriesText(frames)));
         ASSERT_NE(player(), nullptr);
         ASSERT_TRUE(comesTo([this] { return player()->isStaged(); }));
         ASSERT_TRUE(comesTo([this] { return player()->isUpToDate(); }));
-    }
-
-    static bool comesTo(const std::function<bool()>& holds)
-    {
-        return QTest::qWaitFor(holds, 20000);
     }
 
     Player* player() const { return window->getPlayer(); }
@@ -143,11 +117,7 @@ protected:
     // What the scene shows, by how far the rod's end is bent.
     std::size_t frameOfScene() const
     {
-        SoSearchAction search;
-        search.setType(SoRod::getClassTypeId());
-        search.setSearchingAll(TRUE);
-        search.apply(scene);
-        const auto* rod = static_cast<const SoRod*>(search.getPath()->getTail());
+        const SoRod* rod = allOf<SoRod>(scene).front();
         BiarcTubeMesh& tube = *rod->getTubeMesh();
         const Vector3<double>* ring = tube.getPoints()[tube.getHeight() - 1];
         double height = 0;
@@ -175,7 +145,7 @@ protected:
     static void click(const QWidget& widget) { click(widget, widget.rect().center()); }
     QToolButton* button(int index) const { return bar()->findChildren<QToolButton*>().at(index); }
 
-    QTemporaryDir folder;
+    const TemporaryFolder folder;
     Options options;
     DataScene* scene = nullptr; // the window's
     std::unique_ptr<MainWindow> window;
@@ -187,7 +157,7 @@ protected:
 
 TEST_F(PlayerTest, OfStillDataThereIsNoBarAndNothingToPlay)
 {
-    open(write("still.txt", seriesText(1)));
+    open(folder.write("still.txt", seriesText(1)));
     EXPECT_EQ(player(), nullptr);
     EXPECT_FALSE(bar()->isVisible());
     pressRealKey("k");
@@ -198,7 +168,7 @@ TEST_F(PlayerTest, OfStillDataThereIsNoBarAndNothingToPlay)
 
 TEST_F(PlayerTest, TheBarTellsFrameNumberAndTime)
 {
-    open(write("run.json", R"({"strandview": 1, "series": [
+    open(folder.write("run.json", R"({"strandview": 1, "series": [
         {"time": 0.25, "markers": [{"point": [0, 0, 0]}]},
         {"time": 0.5, "markers": [{"point": [1, 0, 0]}]}]})"));
     ASSERT_NE(player(), nullptr);
@@ -377,20 +347,9 @@ TEST_F(PlayerTest, ACommaInTheRateIsNoStepBack)
 TEST_F(PlayerTest, NodesAreUpdatedAndNeverMadeAnew)
 {
     openSeries(30);
-    SoSearchAction search;
-    search.setType(SoNode::getClassTypeId());
-    search.setInterest(SoSearchAction::ALL);
-    search.setSearchingAll(TRUE);
     const auto nodes = [&] {
-        search.reset();
-        search.setType(SoNode::getClassTypeId());
-        search.setInterest(SoSearchAction::ALL);
-        search.setSearchingAll(TRUE);
-        search.apply(scene);
-        std::set<const SoNode*> all;
-        for (int i = 0; i < search.getPaths().getLength(); ++i)
-            all.insert(search.getPaths()[i]->getTail());
-        return all;
+        const std::vector<SoNode*> all = allOf<SoNode>(scene);
+        return std::set<const SoNode*>(all.begin(), all.end());
     };
     const std::set<const SoNode*> before = nodes();
     ASSERT_THAT(before.size(), Gt(10u));
@@ -437,7 +396,7 @@ TEST_F(PlayerTest, TheColoursHaveTheRangeOfAllFramesOrOfEachItsOwn)
 
 TEST_F(PlayerTest, FramesAreSeenFromTheSideThatSuitsAllOfThem)
 {
-    open(write("run.txt", "0 0 0\n5 0 0\n5 4 0\n\n\n0 0 0\n0 1 9\n5 0 9\n"));
+    open(folder.write("run.txt", "0 0 0\n5 0 0\n5 4 0\n\n\n0 0 0\n0 1 9\n5 0 9\n"));
     ASSERT_TRUE(comesTo([this] { return player()->isStaged(); }));
     const CameraNumbers ofWindow = window->getCameraNumbers();
     EXPECT_NE(std::abs(ofWindow.orientation[3]), 1) << "as the first frame alone is seen";
@@ -458,22 +417,11 @@ TEST_F(PlayerTest, FramesBetweenAreShownWhereTheyAreAskedFor)
     EXPECT_EQ(frameOfScene(), 1u) << "the data's";
 }
 
-TEST_F(PlayerTest, AFileThatBecameShorterIsReadAgainAtItsLastFrame)
-{
-    openSeries(10);
-    pressRealKey("Control+End");
-    ASSERT_TRUE(comesToShow(9));
-    write("run.txt", seriesText(4));
-    pressRealKey("F5");
-    EXPECT_TRUE(comesTo([this] { return bar()->getCount() == 4; }));
-    EXPECT_TRUE(comesToShow(3));
-}
-
 TEST_F(PlayerTest, AFrameThatCannotBeReadIsToldAndTheOthersArePlayed)
 {
     std::string text = seriesText(3);
     text.replace(text.find("\n\n\n") + 3, 1, "x"); // the first number of frame 1
-    open(write("broken.txt", text));
+    open(folder.write("broken.txt", text));
     ASSERT_NE(player(), nullptr);
     ASSERT_TRUE(comesTo([this] { return bar()->getCount() == 3; }));
     pressRealKey("period");
@@ -486,16 +434,25 @@ TEST_F(PlayerTest, AFrameThatCannotBeReadIsToldAndTheOthersArePlayed)
     EXPECT_EQ(frameOfScene(), 2u);
 }
 
-TEST_F(PlayerTest, FilesAreReadAgainAtTheFrameThatIsShown)
+TEST_F(PlayerTest, FilesAreReadAgainAtTheFrameThatIsShownOrAtTheirLast)
 {
-    openSeries(10);
-    pressRealKey("Control+End");
-    ASSERT_TRUE(comesToShow(9));
-    write("run.txt", seriesText(20));
-    pressRealKey("F5");
-    ASSERT_TRUE(comesTo([this] { return bar()->getCount() == 20; }));
-    EXPECT_TRUE(comesToShow(9));
-    window->openFiles({QString::fromStdString(write("still.txt", seriesText(1)))});
+    for (const auto& [frames, shown] : std::vector<std::pair<int, std::size_t>>{{20, 9}, {4, 3}}) {
+        openSeries(10);
+        pressRealKey("Control+End");
+        ASSERT_TRUE(comesToShow(9));
+        folder.write("run.txt", seriesText(frames));
+        pressRealKey("F5");
+        ASSERT_TRUE(
+            comesTo([&, count = frames] { return bar()->getCount() == std::size_t(count); }));
+        EXPECT_TRUE(comesToShow(shown));
+        EXPECT_EQ(frameOfScene(), shown);
+    }
+}
+
+TEST_F(PlayerTest, StillDataEndThePlaying)
+{
+    openSeries(2);
+    window->openFiles({QString::fromStdString(folder.write("still.txt", seriesText(1)))});
     EXPECT_TRUE(comesTo([this] { return !player(); }));
     EXPECT_FALSE(bar()->isVisible());
 }
@@ -504,10 +461,8 @@ TEST_F(PlayerTest, AFileThatIsWrittenToIsFollowedToItsLastWholeFrame)
 {
     options.series.follow = true;
     // Two points of the first frame are there.
-    const std::string file = write("run.txt", frameText(0).substr(0, 26));
-    const auto append = [&file](const std::string& text) {
-        std::ofstream(file, std::ios::app) << text;
-    };
+    const std::string file = folder.write("run.txt", frameText(0).substr(0, 26));
+    const auto append = [this](const std::string& text) { folder.append("run.txt", text); };
     const auto appendFrames = [&append](int from, int to) {
         for (int frame = from; frame <= to; ++frame)
             append(frameText(frame) + "\n\n");

@@ -854,24 +854,49 @@ protected:
         camera->pointAt(SbVec3f(0, 0.1f, 0));
     }
 
-    static SoRod* makeWave(int points, bool closed)
+    struct Wave
     {
-        Vectors places;
-        Quaternions turns;
+        Vectors points;
+        Quaternions rotations;
+    };
+    static Wave waveOf(int points)
+    {
+        Wave wave;
         for (int i = 0; i < points; ++i) {
             const double t = 2 * M_PI * (i % (points - 1)) / (points - 1);
             const double reach = 1 + 0.2 * std::cos(7 * t);
-            places.emplace_back(reach * std::cos(t), reach * std::sin(t), 0.3 * std::sin(5 * t));
-            turns.emplace_back(std::sin(t), 0, 0, std::cos(t));
+            wave.points.emplace_back(reach * std::cos(t), reach * std::sin(t),
+                                     0.3 * std::sin(5 * t));
+            wave.rotations.emplace_back(std::sin(t), 0, 0, std::cos(t));
         }
+        return wave;
+    }
+
+    static SoRod* makeWave(int points, bool closed)
+    {
+        Wave wave = waveOf(points);
         if (!closed) {
-            places.resize(std::size_t(points) * 4 / 5);
-            turns.resize(places.size());
+            wave.points.resize(std::size_t(points) * 4 / 5);
+            wave.rotations.resize(wave.points.size());
         }
         auto* rod = new SoRod(0.1, 0.25, SLICES, 1, true, true, false);
         rod->setClosed(closed);
-        rod->setData(places, turns);
+        rod->setData(wave.points, wave.rotations);
         return rod;
+    }
+
+    static SoBirod* makeWaves(int points)
+    {
+        const Wave wave = waveOf(points);
+        Vectors above = wave.points, below = wave.points;
+        for (auto& point : above)
+            point.z += 0.12;
+        for (auto& point : below)
+            point.z -= 0.12;
+        auto* birod =
+            new SoBirod(0.05, 0.05, 0.1, 0.1, 0, 0, SLICES, 1, true, true, true, true, false);
+        birod->setData(wave.points, wave.rotations, above, wave.rotations, below, wave.rotations);
+        return birod;
     }
 
     static constexpr double INDICES_PER_ROW = 6 * (SLICES + 1); // of the tube and the ribbon
@@ -903,18 +928,19 @@ protected:
 
 TEST_F(CoarseDrawingTest, LeavesRowsOutThatNobodyTellsApart)
 {
-    for (const bool closed : {false, true}) {
-        auto* const rod = makeWave(20000, closed);
-        show(rod);
+    const std::vector<SoMeshShape*> shapes{makeWave(20000, false), makeWave(20000, true),
+                                           makeWaves(20000)};
+    for (SoMeshShape* const waves : shapes) {
+        show(waves);
         const Picture fine = draw();
         const double all = indices();
-        rod->drawCoarsely(true);
+        waves->drawCoarsely(true);
         const Picture coarse = draw();
         EXPECT_GT(indices(), 100 * INDICES_PER_ROW / 4);
         EXPECT_LT(indices(), all / 15);
         expectAboutSame(coarse, fine);
         EXPECT_EQ(compare(draw(), coarse).pixels, 0) << "the frame after it";
-        rod->drawCoarsely(false);
+        waves->drawCoarsely(false);
         EXPECT_EQ(compare(draw(), fine).pixels, 0);
         EXPECT_EQ(indices(), all);
     }

@@ -47,6 +47,12 @@ void button(bool down)
     XFlush(display());
 }
 
+void movePointer(int x, int y)
+{
+    XTestFakeMotionEvent(display(), -1, x, y, CurrentTime);
+    XFlush(display());
+}
+
 } // namespace
 
 void pressRealKey(const std::string& name)
@@ -68,17 +74,11 @@ void pressRealKey(const std::string& name)
     press(keys);
 }
 
-void moveRealPointer(int x, int y)
-{
-    XTestFakeMotionEvent(display(), -1, x, y, CurrentTime);
-    XFlush(display());
-}
-
 void dragRealPointer(int fromX, int fromY, int toX, int toY)
 {
-    moveRealPointer(fromX, fromY);
+    movePointer(fromX, fromY);
     button(true);
-    moveRealPointer(toX, toY);
+    movePointer(toX, toY);
     button(false);
 }
 

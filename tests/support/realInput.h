@@ -11,8 +11,8 @@
 /// held for it; "Control+Home" with that.
 void pressRealKey(const std::string& name);
 
-/// Moves the pointer to a place of the screen, in pixels.
-void moveRealPointer(int x, int y);
+// Places are pixels of the screen.
+
 /// Presses the left button there, moves on, and releases it.
 void dragRealPointer(int fromX, int fromY, int toX, int toY);
 /// Presses and releases the left button there.
