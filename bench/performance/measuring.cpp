@@ -15,6 +15,8 @@
 
 namespace {
 
+using Clock = std::chrono::steady_clock;
+
 double secondsIn(const timeval& time) { return double(time.tv_sec) + 1e-6 * double(time.tv_usec); }
 
 std::string threeDigits(double value)
@@ -36,9 +38,9 @@ std::string row(const std::vector<std::string>& cells)
 
 double secondsOf(const std::function<void()>& function)
 {
-    const auto begin = std::chrono::steady_clock::now();
+    const auto begin = Clock::now();
     function();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+    return std::chrono::duration<double>(Clock::now() - begin).count();
 }
 
 double median(std::vector<double> values)
@@ -58,19 +60,33 @@ std::vector<double> medianSeconds(const std::vector<std::function<void()>>& func
         calls.push_back(int(std::clamp(secondsPerRound / seconds, 1.0, 1000.0)));
     }
 
-    std::vector<std::vector<double>> seconds(functions.size());
-    for (int round = 0; round < rounds; ++round) {
-        for (std::size_t i = 0; i < functions.size(); ++i) {
+    std::vector<std::function<std::optional<double>()>> measurements;
+    for (std::size_t i = 0; i < functions.size(); ++i) {
+        measurements.emplace_back([&functions, &calls, i] {
             const double all = secondsOf([&] {
                 for (int call = 0; call < calls[i]; ++call)
                     functions[i]();
             });
-            seconds[i].push_back(all / calls[i]);
+            return all / calls[i];
+        });
+    }
+    return mediansInTurn(measurements, rounds);
+}
+
+std::vector<double>
+mediansInTurn(const std::vector<std::function<std::optional<double>()>>& measurements, int rounds)
+{
+    std::vector<std::vector<double>> found(measurements.size());
+    for (int round = 0; round < rounds; ++round) {
+        for (std::size_t i = 0; i < measurements.size(); ++i) {
+            const std::optional<double> value = measurements[i]();
+            if (!value)
+                return {};
+            found[i].push_back(*value);
         }
     }
-
     std::vector<double> medians;
-    for (const std::vector<double>& ofOne : seconds)
+    for (const std::vector<double>& ofOne : found)
         medians.push_back(median(ofOne));
     return medians;
 }
@@ -103,6 +119,7 @@ double countInstructions(const std::string& program, const std::vector<std::stri
 
 std::optional<Usage> usageOf(const std::vector<std::string>& command)
 {
+    const auto begin = Clock::now();
     const pid_t child = fork();
     if (child == 0) {
         std::vector<char*> argv;
@@ -119,8 +136,21 @@ std::optional<Usage> usageOf(const std::vector<std::string>& command)
     rusage usage{};
     if (child < 0 || wait4(child, &status, 0, &usage) != child || status != 0)
         return {};
-    return Usage{secondsIn(usage.ru_utime) + secondsIn(usage.ru_stime),
+    return Usage{std::chrono::duration<double>(Clock::now() - begin).count(),
+                 secondsIn(usage.ru_utime) + secondsIn(usage.ru_stime),
                  1024.0 * double(usage.ru_maxrss)};
+}
+
+std::optional<double> secondsOf(const std::vector<std::string>& command)
+{
+    const std::optional<Usage> usage = usageOf(command);
+    return usage ? std::optional(usage->seconds) : std::nullopt;
+}
+
+std::optional<double> processorSecondsOf(const std::vector<std::string>& command)
+{
+    const std::optional<Usage> usage = usageOf(command);
+    return usage ? std::optional(usage->processorSeconds) : std::nullopt;
 }
 
 Table::Table(const std::string& title, const std::string& introduction)

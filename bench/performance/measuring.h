@@ -23,6 +23,10 @@ double median(std::vector<double> values);
 std::vector<double> medianSeconds(const std::vector<std::function<void()>>& functions,
                                   int rounds = 15);
 
+/// The medians of what is measured in turn; none if one of the measurements is nothing.
+std::vector<double>
+mediansInTurn(const std::vector<std::function<std::optional<double>()>>& measurements, int rounds);
+
 /// The instructions that a run of the program takes, as callgrind counts them. Negative,
 /// with a line on standard error, if valgrind cannot run it.
 double countInstructions(const std::string& program, const std::vector<std::string>& arguments);
@@ -30,6 +34,7 @@ double countInstructions(const std::string& program, const std::vector<std::stri
 /// What a run of a program takes, those that it waits for included.
 struct Usage
 {
+    double seconds;          ///< that pass
     double processorSeconds; ///< the program's own and the system's, of all threads
     double peakMemory;       ///< bytes, of the largest process
 };
@@ -37,6 +42,8 @@ struct Usage
 /// Runs a program, found as a shell does, without its output. Nothing if it fails. A process counts
 /// the memory that it was forked with, so call it before anything large is here.
 std::optional<Usage> usageOf(const std::vector<std::string>& command);
+std::optional<double> secondsOf(const std::vector<std::string>& command);
+std::optional<double> processorSecondsOf(const std::vector<std::string>& command);
 
 /// A section: a Markdown table of what is measured, ours, the peer or the limit beside it,
 /// their ratio, the goal and whether it holds.

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The processor time of pictures, beside that of a peer.
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -14,27 +15,15 @@ const int ROUNDS = 5;
 
 using Command = std::vector<std::string>;
 
-// Negative if it failed.
-double processorSeconds(const Command& command)
-{
-    const std::optional<Usage> usage = usageOf(command);
-    return usage ? usage->processorSeconds : -1;
-}
-
-// The medians of commands that are run in turn; that of one that fails is negative.
+// The medians of commands that are run in turn; none if one of them fails.
 std::vector<double> medianProcessorSeconds(const std::vector<Command>& commands)
 {
-    std::vector<std::vector<double>> seconds(commands.size());
-    for (const Command& command : commands)
-        processorSeconds(command); // which leaves compiled shaders behind
-    for (int round = 0; round < ROUNDS; ++round) {
-        for (std::size_t i = 0; i < commands.size(); ++i)
-            seconds[i].push_back(processorSeconds(commands[i]));
+    std::vector<std::function<std::optional<double>()>> runs;
+    for (const Command& command : commands) {
+        usageOf(command); // which leaves compiled shaders behind
+        runs.emplace_back([&command] { return processorSecondsOf(command); });
     }
-    std::vector<double> medians;
-    for (const std::vector<double>& ofOne : seconds)
-        medians.push_back(median(ofOne));
-    return medians;
+    return mediansInTurn(runs, ROUNDS);
 }
 
 Command strandview(const std::string& picture, const std::string& file, const std::string& samples)
@@ -77,7 +66,7 @@ int main()
             {strandview(ours.path, file.path, "1"), strandview(ours.path, file.path, "3")});
         for (int i = 0; i < 2; ++i) {
             const std::string what = name + (i == 0 ? ", 1 sample" : ", 9 samples");
-            if (medians[i] < 0)
+            if (medians.empty())
                 table.missing(what, "strandview failed");
             else
                 table.value(what, 1e3 * medians[i], "ms");
@@ -87,7 +76,7 @@ int main()
         const std::vector<double> medians = medianProcessorSeconds(
             {strandview(ours.path, file.path, "3"), peer(theirs.path, file.path, "4")});
         const std::string what = name + ", 9 samples";
-        if (medians[0] < 0 || medians[1] < 0)
+        if (medians.empty())
             table.missing(what, "strandview, VTK or a display is not there");
         else
             table.compare(what, 1e3 * medians[0], "VTK, 4 samples", 1e3 * medians[1], "ms",

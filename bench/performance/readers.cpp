@@ -232,9 +232,14 @@ void addVeryLarge(Table& table, const LargeFile& file)
         return table.missing(what, "it could not be read");
     addRate(table, what, file, bytes / 1e6 / measured.seconds);
     table.limit("– memory beyond the result", measured.memory / bytes, "bytes/byte", MOST_MEMORY);
-    if (file.kind == LargeFile::Kind::SERIES)
-        table.limit("– until the first frame is there",
-                    timeOfFirstFrame(folder.path + "/" + file.name), "ms", LATEST_FRAME);
+    if (file.kind != LargeFile::Kind::SERIES)
+        return;
+    const std::string first = "– until the first frame is there";
+    const double time = timeOfFirstFrame(folder.path + "/" + file.name);
+    if (time < 0)
+        table.missing(first, "it could not be read");
+    else
+        table.limit(first, time, "ms", LATEST_FRAME);
 }
 
 } // namespace

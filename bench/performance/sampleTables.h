@@ -38,6 +38,16 @@ inline void writeKnot(const std::string& path, int points)
     writeTable(path, [points](std::ostream& table) { writeKnot(table, points); });
 }
 
+/// Frames of a knot that breathes.
+inline void writeSeries(const std::string& path, int frames, int points)
+{
+    writeTable(path, [frames, points](std::ostream& table) {
+        table << "t x y z\n";
+        for (int frame = 0; frame < frames; ++frame)
+            writeKnot(table, points, breathing(frame), std::to_string(frame) + " ");
+    });
+}
+
 /// A helix with its Frenet frame, whose d3 is the tangent; its ribbon stands behind its turns.
 inline void writeHelix(const std::string& path, int points)
 {

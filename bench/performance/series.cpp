@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What the pictures of a series cost, beside a process for each and beside a peer.
+#include <functional>
 #include <optional>
-#include <ostream>
 #include <string>
 #include <vector>
 
@@ -11,21 +11,12 @@
 
 namespace {
 
-const int ROUNDS = 3, PICTURES = 24, ALONE = 6;
+const int ROUNDS = 3, PICTURES = 24, RUNS_ALONE = 6;
 const int POINTS = 1000, FEW_POINTS = 30;
+const char *const SERIES = "series.txt", *const ALONE = "alone.txt";
 const double AT_FIRST = 0.78; // pictures per second, before series, on two cores of a Xeon
 
 using Command = std::vector<std::string>;
-
-// Knots that breathe.
-void writeSeries(const std::string& path, int frames, int points)
-{
-    writeTable(path, [&](std::ostream& table) {
-        table << "t x y z\n";
-        for (int frame = 0; frame < frames; ++frame)
-            writeKnot(table, points, breathing(frame), std::to_string(frame) + " ");
-    });
-}
 
 Command series(const std::string& pictures, const std::string& file, const Command& options = {})
 {
@@ -49,37 +40,25 @@ struct Rate
     int pictures, runs;
 };
 
-// The median pictures per processor second of what is run in turn; 0 if it fails.
-std::vector<double> picturesPerSecond(const std::vector<Rate>& rates)
+std::optional<double> picturesPerSecond(const Rate& rate)
 {
-    std::vector<std::vector<double>> found(rates.size());
-    for (int round = 0; round < ROUNDS; ++round) {
-        for (std::size_t i = 0; i < rates.size(); ++i) {
-            double seconds = 0;
-            for (int run = 0; run < rates[i].runs; ++run) {
-                const std::optional<Usage> usage = usageOf(rates[i].command);
-                if (!usage)
-                    return std::vector<double>(rates.size());
-                seconds += usage->processorSeconds;
-            }
-            found[i].push_back(rates[i].pictures * rates[i].runs / seconds);
-        }
+    double seconds = 0;
+    for (int run = 0; run < rate.runs; ++run) {
+        const std::optional<double> ofRun = processorSecondsOf(rate.command);
+        if (!ofRun)
+            return {};
+        seconds += *ofRun;
     }
-    std::vector<double> medians;
-    for (const std::vector<double>& ofOne : found)
-        medians.push_back(median(ofOne));
-    return medians;
+    return rate.pictures * rate.runs / seconds;
 }
 
 void addRates(const Bench& bench, const std::string& what, const Command& look, bool isTube)
 {
-    const std::string file = bench.path("series.txt"), alone = bench.path("alone.txt");
-    writeSeries(file, PICTURES, POINTS);
-    writeKnot(alone, POINTS);
+    const std::string file = bench.path(SERIES), alone = bench.path(ALONE);
     Command each{STRANDVIEW_PROGRAM, "--render", bench.path("alone.png"), alone};
     each.insert(each.end(), look.begin(), look.end());
     std::vector<Rate> rates{{series(bench.path("f%d.png"), file, look), PICTURES, 1},
-                            {each, 1, ALONE}};
+                            {each, 1, RUNS_ALONE}};
 #ifdef STRANDVIEW_PEER
     if (isTube)
         rates.push_back(
@@ -87,8 +66,11 @@ void addRates(const Bench& bench, const std::string& what, const Command& look, 
              PICTURES,
              1});
 #endif
-    const std::vector<double> found = picturesPerSecond(rates);
-    if (found[0] == 0) {
+    std::vector<std::function<std::optional<double>()>> measurements;
+    for (const Rate& rate : rates)
+        measurements.emplace_back([&rate] { return picturesPerSecond(rate); });
+    const std::vector<double> found = mediansInTurn(measurements, ROUNDS);
+    if (found.empty()) {
         bench.table.missing(what, "strandview, VTK or a display is not there");
         return;
     }
@@ -102,13 +84,19 @@ void addRates(const Bench& bench, const std::string& what, const Command& look, 
 // The time that passes.
 void addJobs(const Bench& bench)
 {
-    const std::string file = bench.path("series.txt"), pictures = bench.path("f%d.png");
     const auto run = [&](const std::string& jobs) {
-        return [&, jobs] { usageOf(series(pictures, file, {"--jobs", jobs})); };
+        return [&, jobs]() -> std::optional<double> {
+            const std::optional<double> seconds =
+                secondsOf(series(bench.path("f%d.png"), bench.path(SERIES), {"--jobs", jobs}));
+            return seconds ? std::optional(PICTURES / *seconds) : std::nullopt;
+        };
     };
-    const std::vector<double> seconds = medianSeconds({run("1"), run("2")}, ROUNDS);
-    bench.table.rate("Two processes, in the time that passes", PICTURES / seconds[1], "one",
-                     PICTURES / seconds[0], "pictures/s", 0);
+    const std::string what = "Two processes, in the time that passes";
+    const std::vector<double> found = mediansInTurn({run("1"), run("2")}, ROUNDS);
+    if (found.empty())
+        bench.table.missing(what, "strandview failed");
+    else
+        bench.table.rate(what, found[1], "one", found[0], "pictures/s", 0);
 }
 
 void addMemory(const Bench& bench)
@@ -146,6 +134,8 @@ int main()
         "with new points in every frame. Memory is that of rods of 30 points in pictures\nof 120 x "
         "90, from a file of 10,000 frames.");
     const Bench bench{{}, table};
+    writeSeries(bench.path(SERIES), PICTURES, POINTS);
+    writeKnot(bench.path(ALONE), POINTS);
     addRates(bench, "Tube and ribbon", {"--ribbon"}, false);
     addRates(bench, "Tube alone", {}, true);
     addJobs(bench);

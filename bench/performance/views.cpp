@@ -5,11 +5,12 @@
 #include <cmath>
 #include <cstdlib>
 #include <fstream>
+#include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include <support/IdealDna.h>
-#include <sys/resource.h>
 
 #include "measuring.h"
 #include "temporary.h"
@@ -44,29 +45,30 @@ void writeCoil(const std::string& file, int turns)
     }
 }
 
-// The median seconds of a run from each side, in turn; empty if a run failed.
-std::vector<double> measureSides(const std::string& file, const std::string& options,
-                                 const std::vector<std::string>& sides)
+using Command = std::vector<std::string>;
+
+Command rendering(const std::string& file, const Command& options)
 {
-    std::vector<std::vector<double>> seconds(sides.size());
-    for (int round = 0; round < ROUNDS; ++round) {
-        for (std::size_t i = 0; i < sides.size(); ++i) {
-            const std::string command = STRANDVIEW_PROGRAM " --render " + file + ".png --view " +
-                                        sides[i] + " " + options + " " + file + " >/dev/null 2>&1";
-            int status = 0;
-            seconds[i].push_back(secondsOf([&] { status = std::system(command.c_str()); }));
-            if (status != 0)
-                return {};
-        }
-    }
-    std::vector<double> medians;
-    for (const std::vector<double>& ofSide : seconds)
-        medians.push_back(median(ofSide));
-    return medians;
+    Command command{STRANDVIEW_PROGRAM, "--render", file + ".png", file};
+    command.insert(command.end(), options.begin(), options.end());
+    return command;
 }
 
-void measure(Table& table, const std::string& what, const std::string& file,
-             const std::string& options, bool withGoal)
+// The median seconds of a run from each side, in turn; empty if a run failed.
+std::vector<double> measureSides(const std::string& file, const Command& options,
+                                 const std::vector<std::string>& sides)
+{
+    std::vector<std::function<std::optional<double>()>> runs;
+    for (const std::string& side : sides) {
+        Command command = rendering(file, options);
+        command.insert(command.end(), {"--view", side});
+        runs.emplace_back([command] { return secondsOf(command); });
+    }
+    return mediansInTurn(runs, ROUNDS);
+}
+
+void measure(Table& table, const std::string& what, const std::string& file, const Command& options,
+             bool withGoal)
 {
     const std::vector<double> seconds = measureSides(file, options, {"x", "y", "z", "-z"});
     if (seconds.empty()) {
@@ -78,32 +80,17 @@ void measure(Table& table, const std::string& what, const std::string& file,
                   withGoal ? Table::Goal::AtMost : Table::Goal::None, 5);
 }
 
-// Of all children that have ended.
-double processorSeconds()
-{
-    rusage usage{};
-    getrusage(RUSAGE_CHILDREN, &usage);
-    const auto seconds = [](const timeval& time) {
-        return double(time.tv_sec) + 1e-6 * double(time.tv_usec);
-    };
-    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
-}
-
 void measureProcessor(Table& table, const std::string& what, const std::string& file,
-                      const std::string& options, double limit)
+                      const Command& options, double limit)
 {
-    std::vector<double> seconds;
-    for (int round = 0; round < ROUNDS; ++round) {
-        const double before = processorSeconds();
-        const std::string command = STRANDVIEW_PROGRAM " --render " + file + ".png --samples 1 " +
-                                    options + " " + file + " >/dev/null 2>&1";
-        if (std::system(command.c_str()) != 0) {
-            table.missing(what, "strandview failed");
-            return;
-        }
-        seconds.push_back(processorSeconds() - before);
-    }
-    table.limit(what, median(seconds), "s", limit);
+    Command command = rendering(file, options);
+    command.insert(command.end(), {"--samples", "1"});
+    const std::vector<double> seconds =
+        mediansInTurn({[&command] { return processorSecondsOf(command); }}, ROUNDS);
+    if (seconds.empty())
+        table.missing(what, "strandview failed");
+    else
+        table.limit(what, seconds.front(), "s", limit);
 }
 
 void measureLongDna(const std::string& file)
@@ -114,12 +101,12 @@ void measureLongDna(const std::string& file)
                 "(`GALLIUM_NOOP=1`), and drawn by Mesa's software driver.");
     writeDna(file, 100000);
     setenv("GALLIUM_NOOP", "1", 1);
-    measureProcessor(table, "Backbones and bases, without the driver", file, "", 1.5);
-    measureProcessor(table, "Atoms, without the driver", file, "--dna atoms", 1.5);
+    measureProcessor(table, "Backbones and bases, without the driver", file, {}, 1.5);
+    measureProcessor(table, "Atoms, without the driver", file, {"--dna", "atoms"}, 1.5);
     unsetenv("GALLIUM_NOOP");
-    measureProcessor(table, "Backbones and bases", file, "", 7);
-    measureProcessor(table, "Atoms", file, "--dna atoms", 7);
-    measureProcessor(table, "Atoms, seen end-on", file, "--dna atoms --view z", 7);
+    measureProcessor(table, "Backbones and bases", file, {}, 7);
+    measureProcessor(table, "Atoms", file, {"--dna", "atoms"}, 7);
+    measureProcessor(table, "Atoms, seen end-on", file, {"--dna", "atoms", "--view", "z"}, 7);
     table.print();
 }
 
@@ -137,14 +124,14 @@ int main()
         const std::string file = folder.path + "/" + std::to_string(pairs) + ".txt";
         writeDna(file, pairs);
         const std::string of = std::to_string(pairs) + " base pairs";
-        measure(table, "Backbones and bases of " + of, file, "", true);
-        measure(table, "Atoms of " + of, file, "--dna atoms", true);
-        measure(table, "Boxes of the bases of " + of, file, "--dna boxes", true);
+        measure(table, "Backbones and bases of " + of, file, {}, true);
+        measure(table, "Atoms of " + of, file, {"--dna", "atoms"}, true);
+        measure(table, "Boxes of the bases of " + of, file, {"--dna", "boxes"}, true);
     }
     for (int turns : {10, 100, 1000}) {
         const std::string file = folder.path + "/coil" + std::to_string(turns) + ".txt";
         writeCoil(file, turns);
-        measure(table, "A coil of " + std::to_string(turns) + " turns", file, "", false);
+        measure(table, "A coil of " + std::to_string(turns) + " turns", file, {}, false);
     }
     table.print();
     measureLongDna(folder.path + "/long.txt");
