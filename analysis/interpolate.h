@@ -39,7 +39,6 @@ public:
     InterpolatedSeries(std::unique_ptr<Series> seriesToFill, std::size_t framesBetween);
 
     std::size_t count() const override;
-    bool lookForMore(const GoOn& goOn) override { return series->lookForMore(goOn); }
     /// Nothing between two frames of which one has none.
     std::optional<double> time(std::size_t frame) const override;
 
@@ -53,6 +52,10 @@ private:
         LoadedFrame loaded;
     };
 
+    bool findMore(const GoOn& goOn, std::vector<std::string>& notices) override
+    {
+        return series->lookForMore(goOn, &notices);
+    }
     LoadedFrame loadFrame(std::size_t frame, const GoOn& goOn) override;
     const LoadedFrame& loadEnd(std::size_t frame, const GoOn& goOn);
 

@@ -64,10 +64,13 @@ public:
     PairKeepingSeries(std::unique_ptr<Series> seriesToLoad, std::shared_ptr<KeptPairs> pairsOfIt);
 
     std::size_t count() const override { return series->count(); }
-    bool lookForMore(const GoOn& goOn) override { return series->lookForMore(goOn); }
     std::optional<double> time(std::size_t frame) const override { return series->time(frame); }
 
 private:
+    bool findMore(const GoOn& goOn, std::vector<std::string>& notices) override
+    {
+        return series->lookForMore(goOn, &notices);
+    }
     LoadedFrame loadFrame(std::size_t frame, const GoOn& goOn) override;
     LoadedFrame loadKeeping(std::size_t frame, const GoOn& goOn);
     void findPairs(const GoOn& goOn);

@@ -30,9 +30,12 @@ public:
 
     std::size_t count() const override { return series->count(); }
     std::optional<double> time(std::size_t frame) const override { return series->time(frame); }
-    bool lookForMore(const GoOn& goOn) override { return series->lookForMore(goOn); }
 
 private:
+    bool findMore(const GoOn& goOn, std::vector<std::string>& notices) override
+    {
+        return series->lookForMore(goOn, &notices);
+    }
     LoadedFrame loadFrame(std::size_t frame, const GoOn& goOn) override;
     bool findReference(const GoOn& goOn);
 

@@ -141,7 +141,7 @@ std::optional<double> IndexedSeries::time(std::size_t frame) const
     return frame < known.count() ? index->time(frame) : std::nullopt;
 }
 
-bool IndexedSeries::lookForMore(const GoOn& goOn)
+bool IndexedSeries::findMore(const GoOn& goOn, std::vector<std::string>& notices)
 {
     ReadReport report;
     if (!mayHaveMore)
@@ -177,8 +177,6 @@ LoadedFrame IndexedSeries::loadFrame(std::size_t frame, const GoOn& goOn)
     LoadedFrame loaded =
         frame < known.count() ? known.load(frame, options) : LoadedFrame{std::nullopt, {}, fault};
     options.goOn = {};
-    for (std::string& notice : std::exchange(notices, {}))
-        loaded.notices.push_back(std::move(notice));
     return loaded;
 }
 

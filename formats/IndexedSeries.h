@@ -75,7 +75,6 @@ public:
 
     std::size_t count() const override { return known.count() + (fault.empty() ? 0 : 1); }
     std::optional<double> time(std::size_t frame) const override;
-    bool lookForMore(const GoOn& goOn) override;
 
 private:
     IndexedSeries(std::unique_ptr<Source> textSource, std::unique_ptr<TextFrames> textFrames,
@@ -84,6 +83,7 @@ private:
                                           const ReadOptions& options, ReadReport& report);
     bool lookFirst(const ReadOptions& options, ReadReport& report);
     bool end(const std::string& reason);
+    bool findMore(const GoOn& goOn, std::vector<std::string>& notices) override;
     LoadedFrame loadFrame(std::size_t frame, const GoOn& goOn) override;
 
     std::unique_ptr<Source> source;
@@ -94,7 +94,6 @@ private:
     bool mayHaveMore = false;
     std::optional<std::uint64_t> sizeSeen; ///< of a file that grows, up to its end
     std::string fault;                     ///< of what is behind the known frames
-    std::vector<std::string> notices;      ///< to be told with the next frame
 };
 
 } // namespace strandview

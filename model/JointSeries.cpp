@@ -35,11 +35,11 @@ std::optional<double> JointSeries::time(std::size_t frame) const
     return count() == 1 ? parts.front()->time(frame) : std::nullopt;
 }
 
-bool JointSeries::lookForMore(const GoOn& goOn)
+bool JointSeries::findMore(const GoOn& goOn, std::vector<std::string>& notices)
 {
     bool mayAny = false;
     for (std::size_t i = 0; i < parts.size(); ++i) {
-        mayHaveMore[i] = mayHaveMore[i] && parts[i]->lookForMore(ofPart(i, goOn));
+        mayHaveMore[i] = mayHaveMore[i] && parts[i]->lookForMore(ofPart(i, goOn), &notices);
         mayAny = mayAny || mayHaveMore[i];
     }
     return mayAny;

@@ -25,11 +25,11 @@ public:
 
     std::size_t count() const override;
     std::optional<double> time(std::size_t frame) const override;
-    bool lookForMore(const GoOn& goOn) override;
 
 private:
     bool isStill(std::size_t part) const { return !mayHaveMore[part] && parts[part]->count() == 1; }
     GoOn ofPart(std::size_t part, const GoOn& goOn) const;
+    bool findMore(const GoOn& goOn, std::vector<std::string>& notices) override;
     LoadedFrame loadFrame(std::size_t frame, const GoOn& goOn) override;
 
     std::vector<std::unique_ptr<Series>> parts;

@@ -5,7 +5,13 @@ namespace strandview {
 
 Series::~Series() = default;
 
-bool Series::lookForMore(const GoOn&) { return false; }
+bool Series::lookForMore(const GoOn& goOn, std::vector<std::string>* notices)
+{
+    std::vector<std::string> untold;
+    return findMore(goOn, notices ? *notices : untold);
+}
+
+bool Series::findMore(const GoOn&, std::vector<std::string>&) { return false; }
 
 std::optional<double> Series::time(std::size_t) const { return {}; }
 

@@ -49,9 +49,9 @@ public:
     /// Whether there may be more frames than count() now says: those behind where goOn stopped it,
     /// or those that somebody will write. False at the end, and from then on; at once for a series
     /// whose frames were all known before. Where a fault ends it, the last frame is one more, which
-    /// fails with that as its error: the others stay. A last frame that is left out as it is cut
-    /// short is told with the notices of the frame that is loaded next.
-    virtual bool lookForMore(const GoOn& goOn);
+    /// fails with that as its error: the others stay. What was done to the data, such as a last
+    /// frame that is left out as it is cut short, is one more line each of `notices`.
+    bool lookForMore(const GoOn& goOn, std::vector<std::string>* notices = nullptr);
 
     /// In the unit of the data; nothing if it is not known, or there is no such frame.
     virtual std::optional<double> time(std::size_t frame) const;
@@ -64,6 +64,8 @@ protected:
     Series() = default;
 
 private:
+    /// Finds none unless it is overridden.
+    virtual bool findMore(const GoOn& goOn, std::vector<std::string>& notices);
     /// Of a frame that there is.
     virtual LoadedFrame loadFrame(std::size_t frame, const GoOn& goOn) = 0;
 };

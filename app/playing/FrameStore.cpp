@@ -319,17 +319,20 @@ private:
         const std::size_t before = series->count();
         const Clock::time_point end = Clock::now() + COUNT_INTERVAL;
         bool isInterrupted = false;
-        mayGrow = series->lookForMore([&](double) {
+        std::vector<std::string> notices;
+        const auto goOn = [&](double) {
             isInterrupted = isInterrupted || hasWork() || Clock::now() >= end;
             return !isInterrupted;
-        });
+        };
+        mayGrow = series->lookForMore(goOn, &notices);
         hasCountedAll = !mayGrow || !isInterrupted;
         {
             const std::lock_guard<std::mutex> lock(mutex);
             state.count = series->count();
             state.mayGrow = mayGrow;
+            state.notices.insert(state.notices.end(), notices.begin(), notices.end());
         }
-        if (series->count() != before || !mayGrow)
+        if (series->count() != before || !mayGrow || !notices.empty())
             onNews();
         // A file that is being written: later.
         return !(mayGrow && hasCountedAll);

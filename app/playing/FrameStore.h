@@ -60,7 +60,7 @@ public:
         std::size_t count = 0;                 ///< of the frames found so far
         bool mayGrow = true;                   ///< there may be more
         std::string error = {};                ///< why it could not be opened
-        std::vector<std::string> notices = {}; ///< of opening it
+        std::vector<std::string> notices = {}; ///< of opening it, and since
         std::shared_ptr<const Stage> stage;    ///< once enough frames were looked at
     };
 

@@ -147,13 +147,16 @@ class FoundLater : public MemorySeries
 public:
     using MemorySeries::MemorySeries;
     std::size_t count() const override { return isFound ? 2 : 1; }
-    bool lookForMore(const GoOn& goOn) override
+
+private:
+    bool findMore(const GoOn& goOn, std::vector<std::string>& notices) override
     {
         isFound = isFound || goOn(0);
+        if (isFound)
+            notices.emplace_back("found");
         return !isFound;
     }
 
-private:
     bool isFound = false;
 };
 
@@ -169,7 +172,9 @@ TEST(SuperposedSeries, FramesThatAreFoundLaterAreOnTheFirst)
         std::make_unique<FoundLater>(std::vector<Configuration>{first, second}));
     EXPECT_TRUE(series.lookForMore([](double) { return false; }));
     EXPECT_EQ(series.count(), 1U);
-    EXPECT_FALSE(series.lookForMore([](double) { return true; }));
+    std::vector<std::string> notices;
+    EXPECT_FALSE(series.lookForMore([](double) { return true; }, &notices));
+    EXPECT_THAT(notices, ElementsAre("found"));
     ASSERT_EQ(series.count(), 2U);
     EXPECT_LT(largestDistance(*series.load(1).configuration, first), 1e-12);
 }

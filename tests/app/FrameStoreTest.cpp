@@ -19,6 +19,7 @@ namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::IsEmpty;
 using testing::SizeIs;
 
 // What a test and the thread of a store share about a series.
@@ -52,17 +53,19 @@ public:
     {}
     std::size_t count() const override { return counted; }
     std::optional<double> time(std::size_t frame) const override { return 0.5 * double(frame); }
-    bool lookForMore(const GoOn& goOn) override
+
+private:
+    bool findMore(const GoOn& goOn, std::vector<std::string>& notices) override
     {
         while (counted < watch.known) {
             ++counted;
             if (goOn && !goOn(0))
                 break;
         }
+        if (watch.known > 0 && counted == watch.frames)
+            notices.emplace_back("run.txt: the last one is left out");
         return watch.known > 0 && counted < watch.frames;
     }
-
-private:
     LoadedFrame loadFrame(std::size_t frame, const GoOn& /*goOn*/) override
     {
         watch.note(frame);
@@ -268,6 +271,18 @@ TEST_F(FrameStoreTest, FramesAreGivenWhileOthersAreStillCounted)
     watch.known = 1000;
     ASSERT_TRUE(comesTo([this] { return store->getState().count == 1000; }));
     EXPECT_TRUE(comesTo([this] { return !store->getState().mayGrow; }));
+}
+
+TEST_F(FrameStoreTest, WhatIsFoundAtTheEndOfASeriesIsTold)
+{
+    watch.frames = 5;
+    watch.known = 3;
+    open();
+    ASSERT_TRUE(comesTo([this] { return store->getState().count == 3; }));
+    EXPECT_THAT(store->getState().notices, IsEmpty());
+    watch.known = 5;
+    ASSERT_TRUE(comesTo([this] { return !store->getState().mayGrow; }));
+    EXPECT_THAT(store->getState().notices, ElementsAre("run.txt: the last one is left out"));
 }
 
 TEST_F(FrameStoreTest, AFrameThatWasNotThereIsReadWhenItIs)

@@ -246,13 +246,17 @@ TEST(IndexedSeries, WhatIsShortIsKnownAtOnce)
     EXPECT_EQ(openAtOnce("wrong").report.error, "here:1: found wrong, expected right");
 }
 
-TEST(IndexedSeries, ACutLastFrameThatIsFoundLaterIsToldWithTheNextFrame)
+TEST(IndexedSeries, ACutLastFrameThatIsFoundLaterIsToldThen)
 {
     const Opened opened = openAtOnce(longText(2000) + "frame 1\n5");
-    EXPECT_FALSE(opened.series->lookForMore({}));
+    EXPECT_THAT(opened.report.notices, IsEmpty());
+    std::vector<std::string> notices;
+    EXPECT_FALSE(opened.series->lookForMore({}, &notices));
     EXPECT_EQ(opened.series->count(), 2000u);
-    EXPECT_THAT(opened.series->load(7).notices,
+    EXPECT_THAT(notices,
                 ElementsAre("here:6001: found no end; frame 2000, the last one, is left out"));
+    EXPECT_FALSE(opened.series->lookForMore({}, &notices));
+    EXPECT_EQ(notices.size(), 1u) << "once";
     EXPECT_THAT(opened.series->load(7).notices, IsEmpty());
 }
 
@@ -298,11 +302,13 @@ protected:
         series = IndexedSeries::open(Source::open(folder.write("run.txt", text), report),
                                      std::make_unique<Heights>(), options, report);
     }
-    /// The number of frames after that was written, too.
+    /// The number of frames after that was written, too, of which nothing is told.
     std::size_t after(const std::string& text)
     {
+        std::vector<std::string> notices;
         folder.append("run.txt", text);
-        EXPECT_TRUE(series->lookForMore({}));
+        EXPECT_TRUE(series->lookForMore({}, &notices));
+        EXPECT_THAT(notices, IsEmpty());
         return series->count();
     }
     /// Nothing more comes, and the last frame says why.

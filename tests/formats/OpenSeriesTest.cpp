@@ -228,6 +228,23 @@ TEST_F(OpenSeriesTest, OpenedAtOnceItIsFoundByItsContentAsEver)
     EXPECT_TRUE(series->load(99999).configuration);
 }
 
+TEST_F(OpenSeriesTest, OpenedAtOnceACutLastFrameIsToldWhenItIsFound)
+{
+    ReadOptions options;
+    options.atOnce = true;
+    std::string text;
+    for (int i = 0; i < 100000; ++i)
+        text += "2\n\nC 0 0 0\nC 0 0 1\n";
+    const auto series =
+        openSeries({folder.write("a.xyz", text + "2\n\nC 0 0 0\n")}, options, report);
+    ASSERT_TRUE(series) << report.error;
+    EXPECT_TRUE(report.notices.empty());
+    std::vector<std::string> notices;
+    EXPECT_FALSE(series->lookForMore({}, &notices));
+    EXPECT_THAT(notices,
+                testing::ElementsAre(HasSubstr("frame 100000, the last one, is left out")));
+}
+
 TEST_F(OpenSeriesTest, RowsAreCountedInTablesAlone)
 {
     ReadOptions options;

@@ -136,14 +136,16 @@ public:
     explicit LateSeries(std::size_t all) : most(all) {}
     std::size_t count() const override { return known; }
     std::optional<double> time(std::size_t frame) const override { return double(frame); }
-    bool lookForMore(const GoOn& goOn) override
+
+private:
+    bool findMore(const GoOn& goOn, std::vector<std::string>& notices) override
     {
         if (known < most && (!goOn || goOn(0.5)))
             ++known;
+        if (known == most)
+            notices.emplace_back("all of " + std::to_string(most));
         return known < most;
     }
-
-private:
     LoadedFrame loadFrame(std::size_t frame, const GoOn&) override
     {
         return {withMarker(100 + int(frame))};
@@ -183,6 +185,16 @@ TEST(JointSeries, APartThatHasNoMoreThanOneIsStillOnceThatIsKnown)
     EXPECT_THAT(shares, ElementsAre(0.75));
     EXPECT_EQ(series.count(), 2u);
     EXPECT_THAT(idsOf(series.load(1)), ElementsAre(7, 101));
+}
+
+TEST(JointSeries, TellsWhatEachPartTellsOfItsFrames)
+{
+    JointSeries series = joint(std::make_unique<LateSeries>(2), std::make_unique<LateSeries>(3));
+    std::vector<std::string> notices;
+    EXPECT_TRUE(series.lookForMore({}, &notices));
+    EXPECT_THAT(notices, ElementsAre("all of 2"));
+    EXPECT_FALSE(series.lookForMore({}, &notices));
+    EXPECT_THAT(notices, ElementsAre("all of 2", "all of 3"));
 }
 
 TEST(JointSeries, HasNoMoreWhereNoPartHas)
