@@ -38,6 +38,13 @@ KnownFrames::Look KnownFrames::look(const ReadOptions& options, ReadReport& repo
     return known > 0 ? Look::FAILED : Look::NO_FRAME;
 }
 
+KnownFrames::Look KnownFrames::lookForFirst(const ReadOptions& options, ReadReport& report)
+{
+    constexpr std::size_t two = 2; // where the second one begins the first one ends
+    const Look found = look(options, report, options.atOnce ? two : ALL);
+    return found == Look::FAILED && !options.atOnce ? Look::NO_FRAME : found;
+}
+
 /// Whether there is a frame; or report.error.
 bool KnownFrames::lookAtLast(const ReadOptions& options, const bool& isStopped, ReadReport& report)
 {
@@ -110,16 +117,14 @@ std::unique_ptr<Series> IndexedSeries::opened(std::unique_ptr<IndexedSeries> ser
 bool IndexedSeries::lookFirst(const ReadOptions& readOptions, ReadReport& report)
 {
     using Look = KnownFrames::Look;
-    // Where the second one begins the first one ends.
-    const Look look =
-        options.atOnce ? known.look(readOptions, report, 2) : known.look(readOptions, report);
+    const Look look = known.lookForFirst(readOptions, report);
+    if (!KnownFrames::isFound(look))
+        return false;
     mayHaveMore = look == Look::ENOUGH || (look == Look::WHOLE && options.growing);
     if (look == Look::WHOLE)
         sizeSeen = source->getSize();
-    else if (look == Look::FAILED && options.atOnce)
+    else if (look == Look::FAILED)
         end(report.error);
-    else if (look != Look::ENOUGH)
-        return false;
     report.error.clear();
     return true;
 }

@@ -37,6 +37,13 @@ public:
     /// WHOLE.
     Look look(const ReadOptions& options, ReadReport& report, std::size_t enough = ALL);
 
+    /// Looks for the first frame: opened at once (ReadOptions::atOnce) no farther than that takes,
+    /// and FAILED then tells of a fault behind it, which leaves it; else to the end, and any fault
+    /// is NO_FRAME.
+    Look lookForFirst(const ReadOptions& options, ReadReport& report);
+    /// Whether that found it.
+    static bool isFound(Look look) { return look != Look::STOPPED && look != Look::NO_FRAME; }
+
     std::size_t count() const { return known; }
     LoadedFrame load(std::size_t frame, const ReadOptions& options);
 

@@ -1116,11 +1116,8 @@ std::optional<Configuration> readTable(Source& source, const ReadOptions& option
     KnownFrames frames(source, index);
     ReadReport ofAll;
     using Look = KnownFrames::Look;
-    // Where the second one begins the first one ends.
-    const Look look = options.atOnce ? frames.look(options, ofAll, 2) : frames.look(options, ofAll);
-    const bool hasFirst =
-        look == Look::WHOLE || (options.atOnce && (look == Look::ENOUGH || look == Look::FAILED));
-    if (!hasFirst) {
+    const Look look = frames.lookForFirst(options, ofAll);
+    if (!KnownFrames::isFound(look)) {
         report.error = ofAll.error;
         return {};
     }
