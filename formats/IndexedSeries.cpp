@@ -57,8 +57,9 @@ bool KnownFrames::lookAtLast(const ReadOptions& options, const bool& isStopped, 
         return false;
     }
     if (read.isCut)
-        report.notices.push_back(ofLast.error + "; frame " + std::to_string(known) +
-                                 ", the last one, is left out");
+        report.notices.push_back(
+            ofLast.error + "; frame " + std::to_string(known) +
+            (options.growing ? " is left out until it is whole" : ", the last one, is left out"));
     else if (known++ == 0)
         first = {std::move(read.configuration), std::move(ofLast.notices), {}};
     return true;

@@ -721,7 +721,7 @@ TEST_F(GrowingTableTest, AFrameIsWholeWithTheBlankLinesBehindIt)
     EXPECT_THAT(report.notices,
                 ElementsAre(HasSubstr(
                     "run.txt:8: found no end of the frame, expected two blank lines or another "
-                    "frame; frame 1, the last one, is left out")));
+                    "frame; frame 1 is left out until it is whole")));
     EXPECT_EQ(after(""), " 2");
     EXPECT_EQ(after("1 0 3\n\n"), " 2");
     EXPECT_EQ(after("\n"), " 2, 4");
