@@ -7,8 +7,8 @@
 
 namespace strandview {
 
-FileSeries::FileSeries(std::vector<std::string> paths, ReadOptions readOptions)
-    : files(std::move(paths)), options(std::move(readOptions))
+FileSeries::FileSeries(std::vector<FileGroup> groups, ReadOptions readOptions)
+    : files(std::move(groups)), options(std::move(readOptions))
 {}
 
 std::size_t FileSeries::count() const { return files.size(); }
@@ -16,9 +16,12 @@ std::size_t FileSeries::count() const { return files.size(); }
 LoadedFrame FileSeries::loadFrame(std::size_t frame, const GoOn& goOn)
 {
     ReadReport report;
-    options.goOn = goOn;
-    std::optional<Configuration> read = readFile(files[frame], options, report);
-    options.goOn = {};
+    const FileGroup& file = files[frame];
+    ReadOptions asked = options;
+    asked.goOn = goOn;
+    if (!file.topology.empty())
+        asked.topology = file.topology;
+    std::optional<Configuration> read = readFile(file.path, asked, report);
     return {std::move(read), std::move(report.notices), std::move(report.error)};
 }
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include <strandview/formats/ReadReport.h>
+#include <strandview/formats/groupFiles.h>
 #include <strandview/formatsExport.h>
 #include <strandview/model/Series.h>
 
@@ -17,15 +18,16 @@ namespace strandview {
 class STRANDVIEW_FORMATS_EXPORT FileSeries : public Series
 {
 public:
-    /// The options hold for every file, but for goOn, which load() has.
-    explicit FileSeries(std::vector<std::string> paths, ReadOptions readOptions = {});
+    /// The options hold for every file, but for goOn, which load() has, and the topology of those
+    /// that have their own.
+    explicit FileSeries(std::vector<FileGroup> groups, ReadOptions readOptions = {});
 
     std::size_t count() const override;
 
 private:
     LoadedFrame loadFrame(std::size_t frame, const GoOn& goOn) override;
 
-    std::vector<std::string> files;
+    std::vector<FileGroup> files;
     ReadOptions options;
 };
 

@@ -35,16 +35,14 @@ std::unique_ptr<Series> openSeries(const std::vector<std::string>& paths,
     report.error = paths.empty() ? "found no file, expected at least one" : "";
     if (paths.empty())
         return nullptr;
-    const std::vector<FileGroup> groups = groupFiles(paths);
+    std::vector<FileGroup> groups = groupFiles(paths);
     ReadOptions asked = options;
-    asked.topology = groups.front().topology;
     if (groups.size() > 1) {
-        std::vector<std::string> frames;
-        for (const FileGroup& group : groups)
-            frames.push_back(group.path);
         keepPairs(asked);
-        return withPairs(std::make_unique<FileSeries>(std::move(frames), asked), asked);
+        return withPairs(std::make_unique<FileSeries>(std::move(groups), asked), asked);
     }
+    if (!groups.front().topology.empty())
+        asked.topology = groups.front().topology;
     std::unique_ptr<Source> source = Source::open(groups.front().path, report);
     const Format* const format = source ? formatOf(*source, asked, report) : nullptr;
     return format ? openSeries(std::move(source), *format, asked, report) : nullptr;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "scene/readFiles.h"
 
+#include <filesystem>
+
 #include <gmock/gmock.h>
 
 #include "scene/Progress.h"
@@ -67,6 +69,25 @@ TEST_F(ReadFilesTest, AFrameThatNoFileHasIsToldOrRefused)
     EXPECT_EQ(report.error, still + ": found frame 1, expected 0 to 0");
     EXPECT_THAT(read({still, series}, 2), IsEmpty());
     EXPECT_EQ(report.error, series + ": found frame 2, expected 0 to 1");
+}
+
+TEST_F(ReadFilesTest, ATopologyInAnotherFolderIsThatOfTheSeriesToo)
+{
+    const std::string nucleotide = "b = 9 9 9\nE = 0 0 0\n0 0 0 1 0 0 0 0 1\n";
+    std::filesystem::create_directory(folder.path("elsewhere"));
+    const std::vector<std::string> files = {
+        folder.write("run.dat", "t = 0\n" + nucleotide + "t = 1\n" + nucleotide),
+        folder.write("elsewhere/tile.top", "1 1 5->3\nG\n")};
+    folder.write("run.top", "1 1 5->3\nT\n");
+    const auto configuration = readFiles(files, {}, report, progress);
+    ASSERT_TRUE(configuration) << report.error;
+    EXPECT_EQ(configuration->loneBases.at(0).base, 'G');
+    for (const Opening opening : {Opening::WHOLE, Opening::AT_ONCE}) {
+        const OpenedFiles opened = openFiles(files, {}, report, progress, opening);
+        ASSERT_TRUE(opened.series) << report.error;
+        ASSERT_EQ(opened.series->count(), 2u);
+        EXPECT_EQ(opened.series->load(1).configuration->loneBases.at(0).base, 'G');
+    }
 }
 
 TEST_F(ReadFilesTest, SaysWhatItIsAtAndCanBeStopped)

@@ -18,9 +18,9 @@ class FileSeriesTest : public testing::Test
 {
 protected:
     /// A rod of two points, the second at (0, 0, height).
-    std::string rodOf(const std::string& name, int height) const
+    FileGroup rodOf(const std::string& name, int height) const
     {
-        return folder.write(name, "0 0 0\n0 0 " + std::to_string(height) + "\n");
+        return {folder.write(name, "0 0 0\n0 0 " + std::to_string(height) + "\n")};
     }
 
     const TemporaryFolder folder;
@@ -47,7 +47,7 @@ TEST_F(FileSeriesTest, HasAFrameForEachFileInTheOrderOfTheList)
 
 TEST_F(FileSeriesTest, ReadsAFileWheneverItIsLoadedAndNoSooner)
 {
-    FileSeries series({folder.path("late.txt"), rodOf("there.txt", 1)});
+    FileSeries series({{folder.path("late.txt")}, rodOf("there.txt", 1)});
     EXPECT_EQ(series.load(0).error,
               folder.path("late.txt") + ": cannot be read: No such file or directory");
     EXPECT_EQ(heightOf(series.load(1)), 1) << "the others are as they were";
@@ -59,9 +59,9 @@ TEST_F(FileSeriesTest, ReadsAFileWheneverItIsLoadedAndNoSooner)
 
 TEST_F(FileSeriesTest, NormalisesWhereItIsToldTo)
 {
-    const std::string path = folder.write("a.txt", "0 0 0 0 0 0 2\n0 0 1 0 0 0 2\n");
-    EXPECT_THAT(FileSeries({path}).load(0).error, HasSubstr("a quaternion of norm 2"));
-    const LoadedFrame loaded = FileSeries({path}, {true}).load(0);
+    const std::vector<FileGroup> file = {{folder.write("a.txt", "0 0 0 0 0 0 2\n0 0 1 0 0 0 2\n")}};
+    EXPECT_THAT(FileSeries(file).load(0).error, HasSubstr("a quaternion of norm 2"));
+    const LoadedFrame loaded = FileSeries(file, {true}).load(0);
     ASSERT_TRUE(loaded.configuration) << loaded.error;
     EXPECT_EQ(loaded.configuration->rods[0].rotations[0][3], 1);
 }

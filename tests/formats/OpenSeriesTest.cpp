@@ -32,6 +32,16 @@ protected:
     ReadReport report;
 };
 
+// A nucleotide alone, of which the topology tells the letter.
+constexpr char lone[] = "t = 0\nb = 9 9 9\nE = 0 0 0\n0 0 0 1 0 0 0 0 1\n";
+std::string topologyOf(char letter) { return std::string("1 1 5->3\n") + letter + "\n"; }
+
+char letterOf(const LoadedFrame& loaded)
+{
+    EXPECT_EQ(loaded.error, "");
+    return loaded.configuration ? loaded.configuration->loneBases.at(0).base : ' ';
+}
+
 // ---- A format of series: a digit a frame, read where it stands when it is loaded.
 
 class DigitSeries : public Series
@@ -98,6 +108,29 @@ TEST_F(OpenSeriesTest, SeveralFilesAreAFrameEach)
     ASSERT_EQ(series->count(), 2u);
     EXPECT_TRUE(series->load(0).configuration);
     EXPECT_THAT(series->load(1).error, HasSubstr("No such file"));
+}
+
+TEST_F(OpenSeriesTest, OfSeveralFilesEachHasItsOwnTopology)
+{
+    const auto series = open({folder.write("a.dat", lone), folder.write("a.top", topologyOf('A')),
+                              folder.write("b.dat", lone), folder.write("b.top", topologyOf('C'))});
+    ASSERT_TRUE(series) << report.error;
+    ASSERT_EQ(series->count(), 2u);
+    EXPECT_EQ(letterOf(series->load(0)), 'A');
+    EXPECT_EQ(letterOf(series->load(1)), 'C');
+}
+
+TEST_F(OpenSeriesTest, ATopologyThatIsNamedGoesBeforeTheOneThatIsFound)
+{
+    ReadOptions options;
+    options.topology = folder.write("named.top", topologyOf('G'));
+    folder.write("run.top", topologyOf('T'));
+    const std::string run = folder.write("run.dat", lone);
+    for (const std::vector<std::string>& files : {std::vector{run}, std::vector{run, run}}) {
+        const auto series = openSeries(files, options, report);
+        ASSERT_TRUE(series) << report.error;
+        EXPECT_EQ(letterOf(series->load(files.size() - 1)), 'G');
+    }
 }
 
 TEST_F(OpenSeriesTest, RefusesWhatCannotBeReadAtOnce)
