@@ -5,7 +5,20 @@
 #include <iterator>
 #include <utility>
 
+#include <strandview/analysis/keptPairs.h>
+
 namespace strandview {
+
+namespace {
+
+/// Whether the readers keep the pairs that they find.
+void setKeeping(bool keep, const ReadOptions& options)
+{
+    if (options.pairs)
+        options.pairs->setKeeping(keep);
+}
+
+} // namespace
 
 // ---- KnownFrames
 
@@ -51,7 +64,9 @@ bool KnownFrames::lookAtLast(const ReadOptions& options, const bool& isStopped, 
     if (known == index.count())
         return true;
     ReadReport ofLast;
+    setKeeping(known == 0, options); // of the first one, which is not read again
     FrameRead read = index.read(known, source, options, ofLast);
+    setKeeping(false, options);
     if (!read.configuration && (known == 0 || isStopped)) {
         report.error = ofLast.error;
         return false;

@@ -229,6 +229,23 @@ TEST(OxdnaReader, PairsAreThoseOfTheFirstConfigurationUnlessEachHasItsOwn)
     }
 }
 
+TEST(OxdnaReader, PairsOfAFileThatIsFollowedAreThoseOfItsFirstConfiguration)
+{
+    const TemporaryFolder folder;
+    folder.write("run.top", contentOf(OURS + "duplex5_new.top"));
+    const std::string open = trajectoryOpenIn(0);
+    const std::size_t second = open.find("t = ", 1);
+    ReadReport report;
+    ReadOptions options;
+    options.growing = true;
+    const auto series =
+        openSeries({folder.write("run.dat", open.substr(0, second))}, options, report);
+    ASSERT_TRUE(series) << report.error;
+    folder.append("run.dat", open.substr(second));
+    EXPECT_TRUE(series->lookForMore({}));
+    EXPECT_THAT(pairsInEach(*series, {2, 1, 0}), ElementsAre(4, 4, 4));
+}
+
 TEST(OxdnaReader, FilesThatAreFramesHaveThePairsOfTheFirstFile)
 {
     const TemporaryFolder folder;
