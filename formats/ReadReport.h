@@ -41,7 +41,8 @@ struct ReadOptions
     /// is packed, and pipes, are refused; formats that are read as a whole do not grow.
     bool growing = false;
     /// Of a table: so many rows are a frame, whatever is between them; 1 where each row holds a
-    /// whole one. 0 where the table tells it.
+    /// whole one. 0 where the table tells it. Where its header tells that each row holds one, and
+    /// for other formats, any other number has no effect, with a notice.
     std::size_t frameRows = 0;
 };
 

@@ -1000,6 +1000,9 @@ private:
                           inSmallLetters(withoutUnit(layout.columns.names[timeColumn])) == "frame";
         if (layout.wide || options.frameRows > 0)
             countRows(options.frameRows);
+        if (layout.wide && options.frameRows > 1)
+            report.notices.push_back(
+                fileName + ": --frame-rows has no effect: found rows that are whole frames");
         if (layout.areCommasText)
             scanner.makeCommasText();
         return true;

@@ -46,7 +46,7 @@ class Source;
 /// A row holds a whole frame, of one rod, where a header names x1 y1 z1 x2 y2 z2 and so on
 /// (wideRows.h), and where ReadOptions::frameRows is 1: then it is 3 numbers for each point, or a
 /// time and these. Any other number asked for there tells frames apart alone, and the column that
-/// could is the time of their first rows.
+/// could is the time of their first rows; below such a header it has no effect, with a notice.
 ///
 /// A last frame of several that cannot be read, as it is cut short, is left out with a notice.
 ///

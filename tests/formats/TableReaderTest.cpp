@@ -29,10 +29,12 @@ namespace {
 using algebra3d::Matrix3;
 using algebra3d::Quaternion;
 using algebra3d::Vector3;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::IsNan;
+using testing::Not;
 
 constexpr double pi = 3.14159265358979323846;
 
@@ -644,6 +646,7 @@ TEST_F(TableSeriesTest, WideRowsWithoutAHeaderAreAskedFor)
     EXPECT_THAT(times(), IsEmpty());
     ask("t,x1,y1,z1,x2,y2,z2\n0,0,0,0,0,0,1\n");
     EXPECT_EQ(shape(), " 2");
+    EXPECT_THAT(report.notices, Not(Contains(HasSubstr("--frame-rows"))));
     ask("0 0 0 0 0\n");
     EXPECT_EQ(report.error, "run.txt:1: found 5 columns, expected x y z of each of two points or "
                             "more, or a time and these");
@@ -651,6 +654,22 @@ TEST_F(TableSeriesTest, WideRowsWithoutAHeaderAreAskedFor)
     EXPECT_EQ(report.error,
               "run.txt:1: found a header without x1 y1 z1 x2 y2 z2, expected x y z of "
               "each of two points or more, or a time and these");
+}
+
+TEST_F(TableSeriesTest, BelowAHeaderOfWideRowsTheirNumberHasNoEffectWhichIsTold)
+{
+    const std::string text = "t,x1,y1,z1,x2,y2,z2\n0,0,0,0,0,0,1\n1,0,0,0,0,0,1\n";
+    const char* const told =
+        "run.txt: --frame-rows has no effect: found rows that are whole frames";
+    ReadOptions options;
+    options.frameRows = 2;
+    series = openTable(Source::ofBytes("run.txt", text), options, report);
+    ASSERT_TRUE(series) << report.error;
+    EXPECT_EQ(shape(), " 2, 2");
+    EXPECT_THAT(report.notices, ElementsAre(told));
+    report = {};
+    EXPECT_TRUE(readTable(*Source::ofBytes("run.txt", text), options, report)) << report.error;
+    EXPECT_THAT(report.notices, Contains(told));
 }
 
 TEST_F(TableSeriesTest, SoManyRowsAreAFrameWhereThatIsAsked)
@@ -834,7 +853,7 @@ TEST_F(TableSeriesTest, AtOnceReadsAPipeAsFarAsItIsLookedAt)
     options.atOnce = true;
     series = openTable(Source::ofBytes("run.txt", TWO), options, report);
     ASSERT_TRUE(series) << report.error;
-    EXPECT_EQ(shape(), " 2, 3") << "what fits into a piece is known at once";
+    EXPECT_EQ(shape(), " 2, 3");
     EXPECT_FALSE(series->lookForMore({}));
 }
 
