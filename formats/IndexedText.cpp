@@ -114,8 +114,14 @@ std::optional<double> IndexedText::time(std::size_t frame) const
 FrameRead IndexedText::read(std::size_t frame, Source& source, const ReadOptions& options,
                             ReadReport& report) const
 {
+    const bool isLast = frame + 1 == count();
+    if (isLast && options.growing && !frames.mayBeWhole()) {
+        report.error = source.getName() + ":" + std::to_string(index.line) +
+                       ": found the end of the file, expected more of the frame";
+        return {{}, true};
+    }
     const FrameIndex::Place& place = index.places[frame];
-    const std::uint64_t next = frame + 1 < count() ? index.places[frame + 1].offset : end;
+    const std::uint64_t next = isLast ? end : index.places[frame + 1].offset;
     const auto bytes = readBetween(source, place.offset, next, options, report);
     if (!bytes)
         return {};

@@ -94,6 +94,10 @@ public:
     /// than 4 KiB the beginning.
     virtual void see(std::string_view line, FrameIndex& index) = 0;
 
+    /// Whether the frame that began last may be whole by the lines that were shown; else, in a text
+    /// that is growing, it is cut and not read.
+    virtual bool mayBeWhole() const { return true; }
+
     /// A frame of a text that is growing is whole unless it is said to be cut: its lines are whole.
     virtual FrameRead read(const FrameText& frame, const std::string& fileName,
                            const ReadOptions& options, ReadReport& report) = 0;

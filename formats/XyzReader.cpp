@@ -53,6 +53,8 @@ public:
         linesLeft = *count + 1;
     }
 
+    bool mayBeWhole() const override { return linesLeft == 0; }
+
     FrameRead read(const FrameText& frame, const std::string& fileName, const ReadOptions& options,
                    ReadReport& report) override
     {

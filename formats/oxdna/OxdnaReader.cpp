@@ -294,12 +294,23 @@ public:
     {
         if (beginsConfiguration(line)) {
             index.begin();
+            rows = 1;
             double time = 0;
             if (parseNumber(afterEquals(line), time) == std::errc())
                 index.setTime(time);
-        } else if (index.count() == 0 && !trimmed(line).empty()) {
+        } else if (trimmed(line).empty()) {
+            return;
+        } else if (index.count() == 0) {
             index.refuse("found " + inQuotes(line) + ", expected 't = ...'");
+        } else {
+            ++rows;
         }
+    }
+
+    bool mayBeWhole() const override
+    {
+        constexpr std::size_t headerRows = 3;
+        return rows >= headerRows + topology.nucleotides.size();
     }
 
     FrameRead read(const FrameText& frame, const std::string& fileName, const ReadOptions& options,
@@ -310,6 +321,7 @@ public:
 
 private:
     OxdnaTopology topology;
+    std::size_t rows = 0; ///< of the configuration that is indexed
 };
 
 /// Whether it is a topology that was named, of which the configuration is another file.

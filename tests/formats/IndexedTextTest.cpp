@@ -19,6 +19,7 @@ public:
         if (line == "wrong")
             index.refuse("found wrong, expected right");
     }
+    bool mayBeWhole() const override { return isWhole; }
     FrameRead read(const FrameText& frame, const std::string&, const ReadOptions&,
                    ReadReport&) override
     {
@@ -27,6 +28,7 @@ public:
     }
 
     std::size_t seen = 0;
+    bool isWhole = true;
     std::string text;
 };
 
@@ -108,6 +110,27 @@ TEST(IndexedText, WhatIsGoneIsNoFrame)
     EXPECT_FALSE(text.read(0, *shorter, {}, report).configuration);
     EXPECT_EQ(report.error, "here: found its end at byte 8, expected the frame up to byte 10: it "
                             "has become shorter");
+}
+
+TEST(IndexedText, OfAGrowingTextALastFrameThatCannotBeWholeIsNotRead)
+{
+    Lines lines;
+    IndexedText text(lines);
+    ReadReport report;
+    ReadOptions growing;
+    growing.growing = true;
+    const auto source = Source::ofBytes("here", "frame\n1\nframe\n2\n");
+    ASSERT_TRUE(text.lookOn(*source, growing, report));
+    lines.isWhole = false;
+    EXPECT_TRUE(text.read(0, *source, growing, report).configuration);
+    EXPECT_EQ(lines.text, "frame\n1\n");
+    const FrameRead last = text.read(1, *source, growing, report);
+    EXPECT_TRUE(last.isCut && !last.configuration);
+    EXPECT_EQ(lines.text, "frame\n1\n");
+    EXPECT_EQ(report.error, "here:5: found the end of the file, expected more of the frame");
+    EXPECT_TRUE(text.read(1, *source, {}, report).configuration) << "of one that is as it is";
+    lines.isWhole = true;
+    EXPECT_TRUE(text.read(1, *source, growing, report).configuration);
 }
 
 } // namespace strandview

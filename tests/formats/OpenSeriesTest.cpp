@@ -212,6 +212,25 @@ TEST_P(OpenGrowingSeriesTest, HasWholeFramesAloneWhereverTheFileEnds)
     EXPECT_EQ(seen, frames);
 }
 
+TEST(OpenGrowingSeries, WhereLinesAreCountedAFrameIsReadWithItsLast)
+{
+    const TemporaryFolder folder;
+    const std::string xyz = "1\n\nC 0 0 0\n";
+    ReadOptions options;
+    options.growing = true;
+    options.topology = folder.write("run.top", topologyOf('A'));
+    const std::string frame = lone, cut = frame.substr(0, frame.find("0 0 0 1"));
+    const std::string atoms = "2\n\nC 0 0 0\nC 1 0 0\n", fewer = atoms.substr(0, 11);
+    for (const auto& [name, text] : {std::pair("run.oxdna", frame + "\n" + cut + "\n"),
+                                     std::pair("run.xyz", atoms + "\n" + fewer)}) {
+        ReadReport report;
+        ASSERT_TRUE(openSeries({folder.write(name, text)}, options, report)) << report.error;
+        EXPECT_THAT(report.notices,
+                    testing::ElementsAre(HasSubstr("expected more of the frame; frame 1 is left "
+                                                   "out until it is whole")));
+    }
+}
+
 std::string contentOf(const std::string& path)
 {
     std::ifstream file(path, std::ios::binary);
