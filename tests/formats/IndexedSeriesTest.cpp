@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 
 #include "support/TemporaryFolder.h"
+#include "support/WrittenPipe.h"
 
 namespace strandview {
 
@@ -99,9 +100,14 @@ TEST(IndexedSeries, ReadsFilesAnywhereAndPipesFromWhatWasKept)
     const TemporaryFolder folder;
     ReadReport report;
     const Opened file = open(Source::open(folder.write("a.txt", THREE), report));
-    ASSERT_TRUE(file.series);
-    EXPECT_EQ(file.series->count(), 3u);
-    EXPECT_EQ(file.series->load(1).configuration->markers[0].id, 4);
+    const WrittenPipe writer(folder.path("pipe"), THREE);
+    const Opened pipe = open(Source::open(folder.path("pipe"), report));
+    for (const Opened* opened : {&file, &pipe}) {
+        ASSERT_TRUE(opened->series);
+        EXPECT_EQ(opened->series->count(), 3u);
+        for (const auto& [frame, line] : {std::pair(1, 4), std::pair(0, 1), std::pair(2, 8)})
+            EXPECT_EQ(opened->series->load(std::size_t(frame)).configuration->markers[0].id, line);
+    }
 }
 
 TEST(IndexedSeries, LinesMayEndWithCarriageReturnsAndTheFileWithoutAny)

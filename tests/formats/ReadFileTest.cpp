@@ -32,6 +32,7 @@
 #include <strandview/formats/oxdna/OxdnaReader.h>
 
 #include "support/TemporaryFolder.h"
+#include "support/WrittenPipe.h"
 #include "support/readText.h"
 
 namespace strandview {
@@ -128,10 +129,10 @@ TEST_F(ReadFile, ReadsAPipeByItsContent)
 {
     for (const std::string& text : {table, json}) {
         const std::string path = folder + "/pipe";
-        ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
-        std::thread writer([&] { std::ofstream(path) << text; });
-        EXPECT_TRUE(read(path)) << report.error;
-        writer.join();
+        {
+            const WrittenPipe pipe(path, text);
+            EXPECT_TRUE(read(path)) << report.error;
+        }
         std::filesystem::remove(path);
     }
 }

@@ -4,13 +4,12 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <thread>
-
-#include <sys/stat.h>
+#include <optional>
 
 #include <gmock/gmock.h>
 
 #include "support/TemporaryFolder.h"
+#include "support/WrittenPipe.h"
 #include "support/pack.h"
 
 namespace strandview {
@@ -40,24 +39,15 @@ protected:
         return source.readAt(offset, count, {}, report);
     }
 
-    /// A pipe that a thread writes the text to.
     std::unique_ptr<Source> openPipe(const std::string& text)
     {
-        const std::string path = folder.path("pipe");
-        EXPECT_EQ(::mkfifo(path.c_str(), 0600), 0);
-        writer = std::thread([path, text] { std::ofstream(path) << text; });
-        return open(path);
-    }
-
-    ~SourceTest() override
-    {
-        if (writer.joinable())
-            writer.join();
+        pipe.emplace(folder.path("pipe"), text);
+        return open(folder.path("pipe"));
     }
 
     TemporaryFolder folder;
     ReadReport report;
-    std::thread writer;
+    std::optional<WrittenPipe> pipe;
 };
 
 } // namespace

@@ -20,6 +20,7 @@
 #include <strandview/analysis/parallelTransport.h>
 
 #include "support/TemporaryFolder.h"
+#include "support/WrittenPipe.h"
 #include "support/readText.h"
 
 namespace strandview {
@@ -708,6 +709,7 @@ TEST_F(TableSeriesTest, SoManyRowsAreAFrameWhereThatIsAsked)
 
 namespace {
 
+constexpr char TWO_POINTS[] = "0 0 0\n0 0 1\n\n\n";
 constexpr char TWO[] = "0 0 0\n0 0 1\n\n\n1 0 0\n1 0 1\n1 0 2\n";
 
 class GrowingTableTest : public TableSeriesTest
@@ -848,6 +850,26 @@ TEST_F(TableSeriesTest, AtOnceFindsTheSameFrames)
 }
 
 TEST_F(TableSeriesTest, AtOnceReadsAPipeAsFarAsItIsLookedAt)
+{
+    std::string beginning;
+    std::size_t frames = 0;
+    for (; beginning.size() < 1'500'000; ++frames)
+        beginning += TWO_POINTS;
+    const TemporaryFolder folder;
+    WrittenPipe pipe(folder.path("pipe"), beginning, TWO_POINTS);
+    ReadOptions options;
+    options.atOnce = true;
+    series = openTable(Source::open(folder.path("pipe"), report), options, report);
+    pipe.letGo();
+    ASSERT_TRUE(series) << report.error;
+    EXPECT_GE(series->count(), 1u);
+    EXPECT_LT(series->count(), frames);
+    EXPECT_FALSE(series->lookForMore({}));
+    EXPECT_EQ(series->count(), frames + 1);
+    EXPECT_EQ(series->load(frames).configuration->rods[0].points.size(), 2u);
+}
+
+TEST_F(TableSeriesTest, AtOnceWhatFitsIntoAPieceIsKnown)
 {
     ReadOptions options;
     options.atOnce = true;
