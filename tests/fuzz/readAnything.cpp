@@ -227,7 +227,7 @@ void loadAll(const Format& format, std::string_view bytes, bool writes)
     ReadReport report;
     ReadOptions options;
     options.normalise = options.close = true;
-    options.atOnce = bytes.size() % 2 == 1;
+    options.atOnce = bytes.size() % 16 >= 8;
     options.frameRows = bytes.size() % 8 < 3 ? bytes.size() % 8 : 0;
     const std::unique_ptr<Series> series =
         openSeries(sourceOf(bytes, report), format, options, report);
