@@ -127,16 +127,42 @@ public:
     }
 
     void operator()(Rod& from, const Rod& to) const;
-    void operator()(Birod& from, const Birod& to) const;
+    void operator()(Birod& from, const Birod& to) const
+    {
+        each(from, to, &Birod::points, &Birod::rotations, &Birod::points1, &Birod::rotations1,
+             &Birod::points2, &Birod::rotations2);
+    }
     void operator()(Dna& from, const Dna& to) const;
-    void operator()(LoneBase& from, const LoneBase& to) const;
-    void operator()(Marker& from, const Marker& to) const;
-    void operator()(Arrow& from, const Arrow& to) const;
-    void operator()(Frame& from, const Frame& to) const;
+    void operator()(LoneBase& from, const LoneBase& to) const
+    {
+        each(from, to, &LoneBase::point, &LoneBase::rotation);
+    }
+    void operator()(Marker& from, const Marker& to) const
+    {
+        each(from, to, &Marker::point, &Marker::size, &Marker::transparency);
+    }
+    void operator()(Arrow& from, const Arrow& to) const
+    {
+        each(from, to, &Arrow::from, &Arrow::to, &Arrow::radius);
+    }
+    void operator()(Frame& from, const Frame& to) const
+    {
+        each(from, to, &Frame::point, &Frame::rotation, &Frame::size);
+    }
+
+    template <typename Item, typename... Members>
+    void each(Item& from, const Item& to, Members Item::*... members) const
+    {
+        ((*this)(from.*members, to.*members), ...);
+    }
 
 private:
     template <typename Frames>
-    void takePairs(Frames& from, const Frames& to) const;
+    void takePairs(Frames& from, const Frames& to) const
+    {
+        each(from, to, &Frames::pairPoints, &Frames::pairRotations, &Frames::points1,
+             &Frames::rotations1, &Frames::points2, &Frames::rotations2);
+    }
     void takeScalars(std::vector<Scalar>& from, const std::vector<Scalar>& to) const;
 
     const double share;
@@ -159,34 +185,12 @@ void Step::takeScalars(std::vector<Scalar>& from, const std::vector<Scalar>& to)
 
 void Step::operator()(Rod& from, const Rod& to) const
 {
-    (*this)(from.points, to.points);
-    (*this)(from.radius, to.radius);
+    each(from, to, &Rod::points, &Rod::radius);
     takeScalars(from.scalars, to.scalars);
     if (from.hasFrames && to.hasFrames)
         (*this)(from.rotations, to.rotations);
     else
         from.rotations.clear(); // made when the points are known to be apart
-}
-
-void Step::operator()(Birod& from, const Birod& to) const
-{
-    (*this)(from.points, to.points);
-    (*this)(from.rotations, to.rotations);
-    (*this)(from.points1, to.points1);
-    (*this)(from.rotations1, to.rotations1);
-    (*this)(from.points2, to.points2);
-    (*this)(from.rotations2, to.rotations2);
-}
-
-template <typename Frames>
-void Step::takePairs(Frames& from, const Frames& to) const
-{
-    (*this)(from.pairPoints, to.pairPoints);
-    (*this)(from.pairRotations, to.pairRotations);
-    (*this)(from.points1, to.points1);
-    (*this)(from.rotations1, to.rotations1);
-    (*this)(from.points2, to.points2);
-    (*this)(from.rotations2, to.rotations2);
 }
 
 void Step::operator()(Dna& from, const Dna& to) const
@@ -198,33 +202,6 @@ void Step::operator()(Dna& from, const Dna& to) const
     } else {
         from.standard.reset();
     }
-}
-
-void Step::operator()(LoneBase& from, const LoneBase& to) const
-{
-    (*this)(from.point, to.point);
-    (*this)(from.rotation, to.rotation);
-}
-
-void Step::operator()(Marker& from, const Marker& to) const
-{
-    (*this)(from.point, to.point);
-    (*this)(from.size, to.size);
-    (*this)(from.transparency, to.transparency);
-}
-
-void Step::operator()(Arrow& from, const Arrow& to) const
-{
-    (*this)(from.from, to.from);
-    (*this)(from.to, to.to);
-    (*this)(from.radius, to.radius);
-}
-
-void Step::operator()(Frame& from, const Frame& to) const
-{
-    (*this)(from.point, to.point);
-    (*this)(from.rotation, to.rotation);
-    (*this)(from.size, to.size);
 }
 
 /// One line if a point of a curve is where the one before is.
@@ -266,14 +243,9 @@ std::optional<Configuration> interpolate(const Configuration& from, const Config
     if (!refusal.empty())
         return {};
     std::optional<Configuration> middle = from;
-    const Step step(share);
-    step(middle->rods, to.rods);
-    step(middle->birods, to.birods);
-    step(middle->dnas, to.dnas);
-    step(middle->loneBases, to.loneBases);
-    step(middle->markers, to.markers);
-    step(middle->arrows, to.arrows);
-    step(middle->frames, to.frames);
+    Step(share).each(*middle, to, &Configuration::rods, &Configuration::birods,
+                     &Configuration::dnas, &Configuration::loneBases, &Configuration::markers,
+                     &Configuration::arrows, &Configuration::frames);
     if (!finishCurves(*middle, refusal))
         return {};
     return middle;

@@ -23,10 +23,11 @@ bool haveLetters(const std::vector<Nucleotide>& nucleotides, const std::string& 
 bool KeptPairs::pair(std::vector<Nucleotide>& nucleotides, const std::function<void()>& find)
 {
     areGiven = kept && haveLetters(nucleotides, kept->letters);
+    areOther = kept && !areGiven;
     if (!areGiven) {
         find();
         areMissed = areMissed || !(kept || isKeeping);
-        return !kept;
+        return !areOther;
     }
     for (const Helix& helix : kept->helices) {
         for (std::size_t k = 0; k < helix.strand1.size(); ++k) {

@@ -28,6 +28,9 @@ public:
     /// some. False in the latter case.
     bool pair(std::vector<Nucleotide>& nucleotides, const std::function<void()>& find);
 
+    /// Whether that was the case for those that pair() was called for last.
+    bool areOthers() const { return areOther; }
+
     /// The helices of the nucleotides that pair() was called for last.
     std::vector<Helix> findHelices(const std::vector<Nucleotide>& nucleotides);
 
@@ -50,6 +53,7 @@ private:
     bool isKeeping = false;
     bool areMissed = false;
     bool areGiven = false; ///< by the last pair()
+    bool areOther = false; ///< the last nucleotides, than those whose pairs are kept
 };
 
 /// What a frame is told of whose nucleotides others are kept for.

@@ -13,7 +13,6 @@ namespace strandview {
 
 namespace {
 
-constexpr std::size_t PIECE = 1 << 20;
 constexpr std::size_t LONGEST_LINE = 4096;
 
 std::string_view withoutCarriageReturn(std::string_view line)
@@ -58,7 +57,7 @@ bool IndexedText::lookFor(std::size_t most, Source& source, const ReadOptions& o
     Pieces pieces(source, options, report);
     for (bool isAtEnd = false; !isAtEnd && !isDone(most);) {
         const std::uint64_t offset = end + begunSize;
-        const std::optional<std::string_view> piece = pieces.read(offset, PIECE);
+        const std::optional<std::string_view> piece = pieces.read(offset, Pieces::SIZE);
         if (!piece)
             return false;
         if (offset == 0 && isUtf16(*piece)) {
@@ -66,7 +65,7 @@ bool IndexedText::lookFor(std::size_t most, Source& source, const ReadOptions& o
             return false;
         }
         seeLines(*piece, most);
-        isAtEnd = piece->size() < PIECE;
+        isAtEnd = piece->size() < Pieces::SIZE;
         if (isAtEnd && begunSize > 0 && !options.growing && !isDone(most))
             see(withoutCarriageReturn(begun), std::exchange(begunSize, 0));
     }

@@ -23,6 +23,9 @@ namespace strandview {
 class Pieces
 {
 public:
+    /// Of one, in bytes: large beside what reading it costs, and small beside memory.
+    static constexpr std::size_t SIZE = 1 << 20;
+
     Pieces(Source& readSource, const ReadOptions& readOptions, ReadReport& readReport)
         : source(readSource), options(readOptions), report(readReport)
     {}

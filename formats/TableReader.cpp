@@ -832,10 +832,9 @@ std::string_view wholeLines(std::string_view piece)
     return piece.substr(0, piece.substr(0, last).find_last_of("\r\n") + 1); // 0 if there is none
 }
 
-constexpr std::size_t PIECE = 1 << 20;
 /// In bytes: more columns than any table has. Whoever looks for its end longer, in a file that has
 /// none, takes all memory.
-constexpr std::size_t LONGEST_LINE = std::size_t(1) << 25;
+constexpr std::size_t LONGEST_ROW = std::size_t(1) << 25;
 
 /// Finds the frames of a table, line by line.
 class TableIndex : public TextIndex
@@ -938,10 +937,11 @@ private:
     {
         if (pieceSize == 0)
             pieceSize = options.growing
-                            ? PIECE
-                            : std::min<std::uint64_t>(PIECE, source.getSize().value_or(PIECE) + 1);
+                            ? Pieces::SIZE
+                            : std::min<std::uint64_t>(Pieces::SIZE,
+                                                      source.getSize().value_or(Pieces::SIZE) + 1);
         Pieces pieces(source, options, report);
-        while (pieceSize <= LONGEST_LINE) {
+        while (pieceSize <= LONGEST_ROW) {
             const std::optional<std::string_view> piece = pieces.read(end, pieceSize);
             if (!piece)
                 return false;

@@ -124,7 +124,6 @@ std::unique_ptr<Series> openStructures(std::unique_ptr<Source> source, const Rea
     std::vector<Configuration> frames;
     bool hasDna = false;
     std::vector<std::size_t> pairedAlone; // frames
-    const std::string alone = source->getName() + ": " + PAIRED_ALONE;
     KeptPairs* const pairs = options.pairs.get();
     ReadReport ofModel;
     const auto takeEach = [&](StructureModel model) {
@@ -132,7 +131,7 @@ std::unique_ptr<Series> openStructures(std::unique_ptr<Source> source, const Rea
         if (pairs)
             pairs->setKeeping(!hasDna);
         auto made = makeNucleicAcid(std::move(model), source->getName(), ofModel, pairs);
-        if (std::count(ofModel.notices.begin(), ofModel.notices.end(), alone) > 0)
+        if (made && pairs && pairs->areOthers())
             pairedAlone.push_back(frames.size());
         if (made && !hasDna)
             report.notices.insert(report.notices.end(), ofModel.notices.begin(),
