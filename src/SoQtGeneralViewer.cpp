@@ -28,9 +28,9 @@
 
 #include "detail/ascii.h"
 #include "detail/viewKeeping.h"
+#include "drawing/OneSample.h"
 
-// Both assertions of the registration carry the line of this macro, in which SoQt defines
-// both functions. Hosts see it, so it stays line 35 of this file; a test holds it there.
+// SoQt's registration asserts with this line's number, which hosts see: a test keeps it at 35.
 
 SOQT_OBJECT_SOURCE(SoQtGeneralViewer);
 
@@ -175,6 +175,16 @@ void SoQtGeneralViewer::setDefaultAntialiasingLevel(int level)
     format.setSamples(std::clamp(level, 1, 12));
     QGLFormat::setDefaultFormat(format);
 }
+
+void SoQtGeneralViewer::drawCoarsely(bool coarse)
+{
+    if (coarse == isCoarse)
+        return;
+    isCoarse = coarse;
+    scheduleRedraw();
+}
+
+bool SoQtGeneralViewer::isDrawnCoarsely() const { return isCoarse; }
 
 // Scene
 
@@ -428,6 +438,12 @@ void SoQtGeneralViewer::addResizeCB(SoQtGeneralViewerResizeCB* cb, void* userDat
 void SoQtGeneralViewer::removeResizeCB(SoQtGeneralViewerResizeCB* cb) { resizeCBs.erase(cb); }
 
 // Events
+
+void SoQtGeneralViewer::actualRedraw()
+{
+    const OneSample oneSample(isCoarse);
+    SoQtExaminerViewer::actualRedraw();
+}
 
 void SoQtGeneralViewer::sizeChanged(const SbVec2s& size)
 {

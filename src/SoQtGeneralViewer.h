@@ -67,6 +67,13 @@ public:
     /// level: clamped to 1 to 12.
     static void setDefaultAntialiasingLevel(int level);
 
+    /// Whether a software driver may draw with one sample per pixel, in less than half of the
+    /// time: for what changes in every frame, with SoMeshShape::drawCoarsely(). Edges are jagged
+    /// then, and as they should be in the frame after it is switched off. A graphics card draws as
+    /// ever. At first not.
+    void drawCoarsely(bool coarse);
+    bool isDrawnCoarsely() const;
+
     // Screenshots
 
     /// The one renderer of all viewers. Its size and background colour stay from one
@@ -185,6 +192,7 @@ public:
     void setCameraType(SoType type) override;
 
 protected:
+    void actualRedraw() override;
     void sizeChanged(const SbVec2s& size) override;
     SbBool processSoEvent(const SoEvent* const event) override;
 
@@ -210,6 +218,7 @@ private:
     std::unique_ptr<QObject> areaFitter;
     std::unique_ptr<QObject> redrawer;
     bool whiteBackground = false;
+    bool isCoarse = false;
     int cameraRotSteps = 12;
     std::map<SoQtGeneralViewerResizeCB*, void*> resizeCBs;
     std::map<SoQtGeneralViewerEventCB*, void*> preEventCBs;

@@ -295,6 +295,10 @@ void MainWindow::beginToPlay(const ReadReport& report, std::size_t frame)
         *scene, loaded, open, FrameStore::Plan{scene->getStyle(), scene->getPlacement(), ofFrames},
         *playBar);
     connect(player.get(), &Player::playingChanged, (*menus)[Command::PLAY], &QAction::setChecked);
+    connect(player.get(), &Player::playingChanged, this, [this](bool on) {
+        scene->drawCoarsely(on);
+        viewer->drawCoarsely(on);
+    });
     connect(player.get(), &Player::told, this,
             [this](const std::vector<Told>& news) { statusText->tell(news); });
     connect(player.get(), &Player::opened, this,
@@ -325,6 +329,7 @@ void MainWindow::tellSeries(const std::vector<std::string>& notices)
 void MainWindow::endPlaying()
 {
     player.reset();
+    viewer->drawCoarsely(false);
     playBar->hide();
     menus->followSeries(false);
     (*menus)[Command::PLAY]->setChecked(false);

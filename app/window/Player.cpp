@@ -55,7 +55,6 @@ void Player::setPlaying(bool on)
     if (on == playing)
         return;
     playing = on;
-    scene.drawCoarsely(on);
     if (on) {
         playFrom(isAtEnd() ? bar.getOrder().first : asked);
         timer.start();

@@ -13,7 +13,10 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDoubleSpinBox>
+#include <QGLWidget>
+#include <QImage>
 #include <QLabel>
+#include <QScreen>
 #include <QSettings>
 #include <QSlider>
 #include <QSpinBox>
@@ -340,6 +343,28 @@ TEST_F(PlayerTest, ACommaInTheRateIsNoStepBack)
         pressRealKey(key);
     EXPECT_TRUE(comesTo([&] { return bar()->getFramesPerSecond() == 2.5; }));
     EXPECT_TRUE(isShown(1));
+}
+
+// A software driver draws edges with one sample while they move.
+TEST_F(PlayerTest, EdgesAreSmoothAgainAsSoonAsPlayingStops)
+{
+    options.series.framesPerSecond = 0.01; // so that the same frame is shown while it plays
+    openSeries(2);
+    const QWidget& view = *window->findChild<QGLWidget*>();
+    const auto coloursShown = [&view] {
+        const QImage image = view.screen()->grabWindow(view.winId()).toImage();
+        std::set<QRgb> colours;
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x)
+                colours.insert(image.pixel(x, y));
+        return colours.size();
+    };
+    ASSERT_TRUE(comesTo([&] { return coloursShown() > 30; }));
+    const std::size_t smooth = coloursShown();
+    pressRealKey("k");
+    EXPECT_TRUE(comesTo([&] { return player()->isPlaying() && coloursShown() < 0.9 * smooth; }));
+    pressRealKey("k");
+    EXPECT_TRUE(comesTo([&] { return coloursShown() == smooth; }));
 }
 
 // What stays, and what is told

@@ -1,14 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <SoQtGeneralViewer.h>
+#include <set>
 
 #include <algorithm>
 #include <cstdlib>
+#include <set>
 #include <sstream>
 
 #include <QGLWidget>
 #include <QLineEdit>
 #include <QPointer>
 #include <QPushButton>
+#include <QScreen>
 #include <QtTest/QTest>
 #include <gmock/gmock.h>
 
@@ -362,6 +365,38 @@ TEST_F(SoQtGeneralViewerTest, TheAntialiasingLevelReachesAViewerThatIsMadeAfterw
     ASSERT_TRUE(glWidget);
     EXPECT_TRUE(glWidget->format().sampleBuffers());
     EXPECT_EQ(glWidget->format().samples(), 4);
+}
+
+TEST_F(SoQtGeneralViewerTest, WhatIsDrawnCoarselyHasOneSampleUntilItIsDrawnFinelyAgain)
+{
+    const QGLFormat before = QGLFormat::defaultFormat();
+    SoQtGeneralViewer::setDefaultAntialiasingLevel(4);
+    QWidget parent;
+    parent.resize(200, 200);
+    OpenViewer smooth(&parent);
+    QGLFormat::setDefaultFormat(before);
+    smooth.setFeedbackVisibility(FALSE); // the axes have colours of their own
+    smooth.setDecoration(FALSE);
+    smooth.setSceneGraph(scene);
+    smooth.rotateCamera(SbVec3f(0, 0, 1), 0.3); // so that edges go through pixels
+    parent.show();
+    smooth.show();
+    auto* glWidget = qobject_cast<QGLWidget*>(smooth.getGLWidget());
+    const auto coloursAtEdges = [glWidget] { // between those of the cube and the background
+        const QImage picture = glWidget->screen()->grabWindow(glWidget->winId()).toImage();
+        std::set<QRgb> colours;
+        for (int y = 0; y < picture.height(); ++y)
+            for (int x = 0; x < picture.width(); ++x)
+                colours.insert(picture.pixel(x, y));
+        return int(colours.size()) - 2;
+    };
+    EXPECT_TRUE(waitUntil([&] { return coloursAtEdges() > 0; }));
+    EXPECT_FALSE(smooth.isDrawnCoarsely());
+    smooth.drawCoarsely(true);
+    EXPECT_TRUE(smooth.isDrawnCoarsely());
+    EXPECT_TRUE(waitUntil([&] { return coloursAtEdges() == 0; }));
+    smooth.drawCoarsely(false);
+    EXPECT_TRUE(waitUntil([&] { return coloursAtEdges() > 0; }));
 }
 
 TEST_F(SoQtGeneralViewerTest, TheGLAreaFillsItsFrameAndCountsDevicePixels)
