@@ -10,31 +10,13 @@
 #include <string>
 #include <vector>
 
-#include <support/IdealDna.h>
-
 #include "measuring.h"
+#include "sampleDna.h"
 #include "temporary.h"
 
 namespace {
 
 const int ROUNDS = 3;
-
-// Pairs that turn by 34.3 degrees each, so that none is behind another exactly.
-void writeDna(const std::string& file, int pairs)
-{
-    const IdealDna dna(irregularSequence(std::size_t(pairs)), 3.4, 34.3 * M_PI / 180);
-    std::ofstream table(file);
-    for (std::size_t i = 0; i < dna.sequence.size(); ++i) {
-        table << dna.sequence[i];
-        for (int frame = 0; frame < 3; ++frame) {
-            for (int axis = 0; axis < 3; ++axis)
-                table << ' ' << dna.points[i][axis];
-            for (int axis = 0; axis < 4; ++axis)
-                table << ' ' << dna.rotations[i][axis];
-        }
-        table << '\n';
-    }
-}
 
 void writeCoil(const std::string& file, int turns)
 {

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <functional>
 #include <optional>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,7 @@
 
 #include "measuring.h"
 #include "request/Options.h"
+#include "sampleDna.h"
 #include "sampleTables.h"
 #include "scene/Progress.h"
 #include "scene/SceneBuilder.h"
@@ -127,17 +129,35 @@ std::optional<Played> play(const std::string& file)
     return Played{frames / (1e-9 * double(all.nsecsElapsed())), longest};
 }
 
-void addPlaying(Table& table, int points)
+void addPlaying(Table& table, const std::string& what, const std::string& file)
+{
+    const std::string whole = "A series of " + what + " that is played";
+    const std::optional<Played> played = play(file);
+    if (!played)
+        return table.missing(whole, "it was not shown within a minute");
+    table.rate(whole, played->framesPerSecond, "as fast as films are", 25, "frames/s", 0);
+    table.compare("– the longest time without an answer", 1e3 * played->longestWait, "a frame",
+                  1e3 / played->framesPerSecond, "ms", Table::Goal::AtMost, 3);
+}
+
+void addRods(Table& table, int points)
 {
     const TemporaryFile file("-series.txt");
     writeSeries(file.path, PLAYED_FRAMES, points);
-    const std::string what = "A series of " + power(points) + " that is played";
-    const std::optional<Played> played = play(file.path);
-    if (!played)
-        return table.missing(what, "it was not shown within a minute");
-    table.rate(what, played->framesPerSecond, "as fast as films are", 25, "frames/s", 0);
-    table.compare("– the longest time without an answer", 1e3 * played->longestWait, "a frame",
-                  1e3 / played->framesPerSecond, "ms", Table::Goal::AtMost, 3);
+    addPlaying(table, power(points), file.path);
+}
+
+// Which winds and unwinds.
+void addDna(Table& table, int pairs)
+{
+    const TemporaryFile file("-series.txt");
+    writeTable(file.path, [pairs](std::ostream& rows) {
+        for (int frame = 0; frame < PLAYED_FRAMES; ++frame) {
+            writeDna(rows, pairs, 34.3 * breathing(frame));
+            rows << "\n\n";
+        }
+    });
+    addPlaying(table, std::to_string(pairs) + " base pairs", file.path);
 }
 
 void addOpening(Table& table, int points)
@@ -177,6 +197,8 @@ int main()
     initialiseWindows("strandview");
     initialiseScene();
     for (const int points : {1000, 10000, 100000})
-        addPlaying(table, points);
+        addRods(table, points);
+    for (const int pairs : {44, 200, 2000})
+        addDna(table, pairs);
     table.print();
 }
