@@ -4,12 +4,12 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <limits>
 
 #include <algebra3d/Matrix3.h>
 #include <algebra3d/largePages.h>
 #include <algebra3d/rotations.h>
 
+#include <strandview/analysis/fourStretches.h>
 #include <strandview/model/points.h>
 
 namespace strandview {
@@ -43,132 +43,90 @@ Quaternion turnedTo(const Vector& tangent, const Quaternion& rotation)
 
 /// The two reflections along an edge at the end of which the tangent is the first one's picture:
 /// then any second plane through it will do, and that across d1 leaves d2 where it is.
-Quaternion carriedBack(const Quaternion& rotation, const Vector& edge)
+Quaternion turnBack(const Quaternion& rotation, const Vector& edge)
 {
-    const Vector n1 = edge.getUnit();
-    const Vector n2 = reflected(algebra3d::rotated(Vector(1, 0, 0), rotation), n1);
-    const Vector axis = n1.cross(n2);
-    return Quaternion(axis.x, axis.y, axis.z, n1.dot(n2)) * rotation;
+    const Vector n = reflected(algebra3d::rotated(Vector(1, 0, 0), rotation), edge);
+    const Vector axis = edge.cross(n);
+    return Quaternion(axis.x, axis.y, axis.z, edge.dot(n));
 }
 
-/// Some points of a centreline, which are carried along at a time: component by component, so that
-/// the compiler does several points at once. Only the product of what each point turns by depends
-/// on the point before.
-class Stretch
+/// Frames along a centreline from its first one on: of four stretches at once, or of one point
+/// where those do not fit or it nearly turns back.
+class Transport
 {
 public:
-    static constexpr std::size_t MOST = 64;
-
     /// Behind the points lies nothing but what the last tangent leads to.
-    Stretch(const std::vector<Vector>& allPoints, const Vector& pointBehind)
-        : points(allPoints), behind(pointBehind)
+    Transport(const std::vector<Vector>& allPoints, const Vector& pointBehind,
+              const Vector& firstTangent, std::vector<Quaternion>& allRotations)
+        : points(allPoints), behind(pointBehind), tangent(firstTangent), rotations(allRotations)
     {}
 
-    /// Carries a frame from the point before `first` on, and appends that of each point.
-    void carry(std::size_t first, const Vector& tangent, std::vector<Quaternion>& rotations)
+    void carryToEnd()
     {
-        count = std::min(MOST, points.size() - first);
-        for (std::size_t k = 0; k < count + 2; ++k) {
-            const std::size_t i = first - 1 + k;
-            const Vector& point = i < points.size() ? points[i] : behind;
-            x[k] = point.x;
-            y[k] = point.y;
-            z[k] = point.z;
+        carry(1); // its edge comes from the first point, whose tangent is one of its own
+        while (rotations.size() < points.size()) {
+            const std::size_t left = points.size() - 1 - rotations.size(); // but the last one
+            const std::size_t length = std::min(left / 4, FourStretches::LONGEST);
+            if (length < SHORTEST)
+                carry(left + 1);
+            else if (stretches.findTurns(&points[rotations.size()], length))
+                carryFourStretches(length);
+            else
+                carry(4 * length);
         }
-        setTangent(0, tangent);
-        findTangents();
-        findTurns();
-        rotations.resize(first + count);
-        multiply(&rotations[first - 1]);
     }
-
-    std::size_t size() const { return count; }
-    Vector lastTangent() const { return tangentAt(count); }
+    Vector lastTangent() const { return tangent; }
 
 private:
-    void findTangents()
+    static constexpr std::size_t SHORTEST = 4;
+
+    /// What rounding adds up to along one of them stays below 1e-13.
+    void carryFourStretches(std::size_t length)
     {
-        for (std::size_t k = 1; k <= count; ++k) {
-            const double dx = x[k + 1] - x[k - 1], dy = y[k + 1] - y[k - 1];
-            const double dz = z[k + 1] - z[k - 1];
-            square[k] = dx * dx + dy * dy + dz * dz;
-            const double scale = 1 / std::sqrt(square[k]);
-            tx[k] = dx * scale;
-            ty[k] = dy * scale;
-            tz[k] = dz * scale;
+        const std::size_t first = rotations.size();
+        rotations.resize(first + 4 * length);
+        for (std::size_t stretch = 0; stretch < 4; ++stretch) {
+            Quaternion* const frames = &rotations[first + stretch * length];
+            stretches.turn(stretch, frames[-1], frames);
+            tangent = tangentAt(first + (stretch + 1) * length - 1);
+            frames[length - 1] = turnedTo(tangent, frames[length - 1]);
         }
-        for (std::size_t k = 1; k <= count; ++k)
-            if (square[k] < std::numeric_limits<double>::min()) // as of areCoincident()
-                setTangent(k, edgeFrom(k).getUnit());
     }
 
-    void setTangent(std::size_t k, const Vector& tangent)
-    {
-        tx[k] = tangent.x;
-        ty[k] = tangent.y;
-        tz[k] = tangent.z;
-    }
-
-    Vector tangentAt(std::size_t k) const { return Vector(tx[k], ty[k], tz[k]); }
-
-    Vector edgeFrom(std::size_t k) const
-    {
-        return Vector(x[k + 1] - x[k], y[k + 1] - y[k], z[k + 1] - z[k]);
-    }
-
-    /// What turns the frame of point k into that of the next: the product of two reflections
-    /// (W. Wang, B. Juettler, D. Zheng, Y. Liu, Computation of rotation minimizing frames, ACM
-    /// Trans. Graph. 27, 2008, 2:1-2:18), which as a quaternion is that of both normals.
-    void findTurns()
+    /// One after the other, by the formulas of FourStretches.
+    void carry(std::size_t count)
     {
         for (std::size_t k = 0; k < count; ++k) {
-            const double dx = x[k + 1] - x[k], dy = y[k + 1] - y[k], dz = z[k + 1] - z[k];
-            const double scale = 1 / std::sqrt(dx * dx + dy * dy + dz * dz);
-            const double ex = dx * scale, ey = dy * scale, ez = dz * scale;
-            const double twice = 2 * (ex * tx[k] + ey * ty[k] + ez * tz[k]);
-            const double nx = tx[k + 1] - (tx[k] - ex * twice);
-            const double ny = ty[k + 1] - (ty[k] - ey * twice);
-            const double nz = tz[k + 1] - (tz[k] - ez * twice);
-            square[k] = nx * nx + ny * ny + nz * nz;
-            const double inverse = 1 / std::sqrt(square[k]);
-            qx[k] = (ey * nz - ez * ny) * inverse;
-            qy[k] = (ez * nx - ex * nz) * inverse;
-            qz[k] = (ex * ny - ey * nx) * inverse;
-            qw[k] = (ex * nx + ey * ny + ez * nz) * inverse;
+            const std::size_t i = rotations.size();
+            const Vector edge = (points[i] - points[i - 1]).getUnit();
+            const Vector before = tangent;
+            tangent = tangentAt(i);
+            const Vector axis = edge.cross(tangent - before);
+            const double w = edge.dot(tangent + before);
+            const double square = axis.dot(axis) + w * w, scale = 1 / std::sqrt(square);
+            const Quaternion turn =
+                square > 1e-20
+                    ? Quaternion(axis.x * scale, axis.y * scale, axis.z * scale, w * scale)
+                    : turnBack(rotations.back(), edge); // they are rounding only
+            const Quaternion rotation = turn * rotations.back();
+            // A small one has lost as many digits as it has; else they are lost by and by.
+            const bool isInexact = square < 1e-6 || k % FourStretches::LONGEST == 0;
+            rotations.push_back(isInexact ? turnedTo(tangent, rotation) : rotation);
         }
     }
 
-    /// From a rotation to those that the turns lead to, which follow it. What rounding adds up to
-    /// in them stays below 1e-12.
-    void multiply(Quaternion* rotations)
+    Vector tangentAt(std::size_t i) const
     {
-        double a, b, c, d; // in registers, where a Quaternion would wait for its copy in memory
-        const auto take = [&](const Quaternion& q) { a = q[0], b = q[1], c = q[2], d = q[3]; };
-        take(*rotations);
-        for (std::size_t k = 0; k < count; ++k) {
-            const Quaternion rotation(a, b, c, d);
-            if (square[k] > 1e-20)
-                take(Quaternion(qx[k], qy[k], qz[k], qw[k]) * rotation);
-            else // the second normal is rounding only
-                take(carriedBack(rotation, edgeFrom(k)));
-            // The turn has lost as many digits as that has.
-            if (k + 1 == count || square[k] < 1e-6)
-                take(turnedTo(tangentAt(k + 1), Quaternion(a, b, c, d)));
-            Quaternion& made = *++rotations;
-            made[0] = a;
-            made[1] = b;
-            made[2] = c;
-            made[3] = d;
-        }
+        const Vector& next = i + 1 < points.size() ? points[i + 1] : behind;
+        const bool turnsBack = areCoincident(points[i - 1], next);
+        return (next - (turnsBack ? points[i] : points[i - 1])).getUnit();
     }
 
     const std::vector<Vector>& points;
     const Vector behind;
-    std::size_t count = 0;
-    double x[MOST + 2], y[MOST + 2], z[MOST + 2];    ///< from the point before on
-    double tx[MOST + 1], ty[MOST + 1], tz[MOST + 1]; ///< tangents, likewise
-    double square[MOST + 1];                         ///< of the length of what is made a unit
-    double qx[MOST], qy[MOST], qz[MOST], qw[MOST];   ///< turns
+    Vector tangent; ///< at the last of the rotations
+    std::vector<Quaternion>& rotations;
+    FourStretches stretches;
 };
 
 /// The angle about the unit vector t, across both, that turns one d2 into another.
@@ -238,18 +196,15 @@ std::vector<algebra3d::Quaternion<double>> parallelTransport(const std::vector<V
 {
     const std::size_t last = points.size() - 1;
     const bool isAround = isClosed && !areCoincident(points[last - 1], points[1]);
-    Vector d3 = (points[1] - points[isAround ? last - 1 : 0]).getUnit();
+    const Vector d3 = (points[1] - points[isAround ? last - 1 : 0]).getUnit();
     const Vector d2 = firstD2(d3);
     std::vector<Quaternion> rotations;
     algebra3d::reserveMany(rotations, points.size());
     rotations.push_back(algebra3d::Matrix3<double>(d2.cross(d3), d2, d3).getQuaternion());
-    Stretch stretch(points, points[isAround ? 1 : last]);
-    for (std::size_t i = 1; i < points.size(); i += stretch.size()) {
-        stretch.carry(i, d3, rotations);
-        d3 = stretch.lastTangent();
-    }
+    Transport transport(points, points[isAround ? 1 : last], d3, rotations);
+    transport.carryToEnd();
     // A rod there and back has opposite tangents at its ends.
-    if (isClosed && d3Of(rotations.front()).dot(d3) > 0)
+    if (isClosed && d3.dot(transport.lastTangent()) > 0)
         close(rotations, points);
     return rotations;
 }

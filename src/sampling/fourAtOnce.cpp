@@ -10,33 +10,22 @@
 #include <cstring>
 #include <limits>
 
+#include <algebra3d/Four.h>
+
 #include "detail/runBoth.h"
-
-#if defined(__x86_64__)
-#include <emmintrin.h>
-#endif
-#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__) &&                             \
-    !defined(STRANDVIEW_BASELINE_ONLY)
-// Compiled twice, and chosen when the library is loaded. The compiler leaves the AVX2
-// state (vzeroupper) before it calls or returns to anything else. Clang refuses vectors that go
-// between one of two such functions and what is compiled into it.
-#define FOUR_AT_ONCE __attribute__((target_clones("avx2", "default")))
-#else
-#define FOUR_AT_ONCE
-#endif
-#define ALWAYS_INLINE inline __attribute__((always_inline))
-
-// Four are passed only between functions that are compiled into each other.
-#pragma GCC diagnostic ignored "-Wpsabi"
 
 using Vector = algebra3d::Vector3<double>;
 
 namespace {
 
-typedef double Four __attribute__((vector_size(32)));
-// Wherever four doubles lie, even as a vector.
-typedef double FourInMemory __attribute__((vector_size(32), aligned(8), may_alias));
-typedef long long FourMasks __attribute__((vector_size(32)));
+using algebra3d::all;
+using algebra3d::Four;
+using algebra3d::FourMasks;
+using algebra3d::FourVectors;
+using algebra3d::load;
+using algebra3d::squareRoot;
+using algebra3d::store;
+
 typedef float FourFloats __attribute__((vector_size(16)));
 typedef int FourInts __attribute__((vector_size(16)));
 typedef std::uint8_t Bytes __attribute__((vector_size(16)));
@@ -44,67 +33,7 @@ typedef std::uint32_t TwoColours __attribute__((vector_size(8)));
 typedef std::uint32_t EightColours __attribute__((vector_size(32)));
 typedef float FourFloatsInMemory __attribute__((vector_size(16), aligned(4), may_alias));
 
-struct FourVectors
-{
-    Four x, y, z;
-};
-
-ALWAYS_INLINE Four all(double value) { return Four{value, value, value, value}; }
-
 ALWAYS_INLINE FourVectors all(const Vector3& v) { return {all(v[0]), all(v[1]), all(v[2])}; }
-
-ALWAYS_INLINE Four load(const double* values)
-{
-    return *reinterpret_cast<const FourInMemory*>(values);
-}
-
-ALWAYS_INLINE void store(const Four& four, double* values)
-{
-    *reinterpret_cast<FourInMemory*>(values) = four;
-}
-
-ALWAYS_INLINE FourVectors operator+(const FourVectors& a, const FourVectors& b)
-{
-    return {a.x + b.x, a.y + b.y, a.z + b.z};
-}
-
-ALWAYS_INLINE FourVectors operator-(const FourVectors& a, const FourVectors& b)
-{
-    return {a.x - b.x, a.y - b.y, a.z - b.z};
-}
-
-ALWAYS_INLINE FourVectors operator*(const Four& factor, const FourVectors& v)
-{
-    return {factor * v.x, factor * v.y, factor * v.z};
-}
-
-ALWAYS_INLINE FourVectors operator/(const FourVectors& v, const Four& divisor)
-{
-    return {v.x / divisor, v.y / divisor, v.z / divisor};
-}
-
-ALWAYS_INLINE Four dot(const FourVectors& a, const FourVectors& b)
-{
-    return a.x * b.x + a.y * b.y + a.z * b.z;
-}
-
-ALWAYS_INLINE FourVectors select(const FourMasks& mask, const FourVectors& a, const FourVectors& b)
-{
-    return {mask ? a.x : b.x, mask ? a.y : b.y, mask ? a.z : b.z};
-}
-
-ALWAYS_INLINE Four squareRoot(const Four& four)
-{
-#if defined(__x86_64__)
-    const __m128d low = _mm_sqrt_pd(__m128d{four[0], four[1]});
-    const __m128d high = _mm_sqrt_pd(__m128d{four[2], four[3]});
-    return Four{low[0], low[1], high[0], high[1]};
-#else
-    return Four{std::sqrt(four[0]), std::sqrt(four[1]), std::sqrt(four[2]), std::sqrt(four[3])};
-#endif
-}
-
-ALWAYS_INLINE Four norm(const FourVectors& v) { return squareRoot(dot(v, v)); }
 
 // That of four nodes, a component of it.
 template <typename Of>
@@ -348,11 +277,6 @@ FOUR_AT_ONCE void fillCarriedRings(const RingFiller& to, const CurveSamples& sam
     });
     d1 = u;
     d2 = v;
-}
-
-ALWAYS_INLINE FourVectors cross(const FourVectors& a, const FourVectors& b)
-{
-    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
 }
 
 // Of each row the vectors of both columns.
