@@ -6,6 +6,7 @@
 #include <cstring>
 #include <fstream>
 #include <iterator>
+#include <numeric>
 #include <random>
 
 #include <gmock/gmock.h>
@@ -604,6 +605,51 @@ TEST(NumpyReader, AWrongByteOfAPackedArrayIsToldInOneLine)
                                                  : LoadedFrame{{}, {}, opened.report.error};
         EXPECT_EQ(loaded.error.empty(), loaded.configuration.has_value());
         EXPECT_EQ(loaded.error.find('\n'), std::string::npos) << loaded.error;
+    }
+}
+
+namespace {
+
+/// Of some pieces, the last one shorter.
+std::string longArray()
+{
+    std::vector<double> numbers(90000);
+    std::iota(numbers.begin(), numbers.end(), 0.0);
+    return array("(30000, 3)", numbers);
+}
+
+constexpr char ANOTHER_SUM[] = "here: points.npy: found bytes of another CRC-32 than the archive "
+                               "has, expected those that were written";
+
+} // namespace
+
+TEST(NumpyReader, AWrongByteOfAStoredArrayIsTold)
+{
+    const std::string bytes = archive({{"points", longArray()}});
+    EXPECT_TRUE(read(bytes).configuration);
+    // The last digits of a coordinate: what is there is a number as any.
+    const std::size_t begin = bytes.find('\n', bytes.find("shape")) + 1;
+    for (const std::size_t number : {0, 45000, 89999}) {
+        std::string broken = bytes;
+        broken[begin + 8 * number] ^= 1;
+        const Reading reading = read(broken);
+        EXPECT_FALSE(reading.configuration) << number;
+        EXPECT_EQ(reading.report.error, ANOTHER_SUM);
+    }
+}
+
+TEST(NumpyReader, AWrongSumOfAPackedArrayIsTold)
+{
+    const std::string there = longArray(), packed = packedByGzip(there);
+    for (const std::uint32_t wrong : {0u, 1u}) {
+        std::string bytes = archive({{"points", packed.substr(10, packed.size() - 18)}});
+        const std::size_t inDirectory = bytes.find("PK\x01\x02");
+        bytes[inDirectory + 10] = 8; // the method
+        bytes.replace(inDirectory + 16, 4, littleEndian(crcOf(there) ^ wrong, 4));
+        bytes.replace(inDirectory + 24, 4, littleEndian(std::uint32_t(there.size()), 4));
+        const Reading reading = read(bytes);
+        EXPECT_EQ(reading.configuration.has_value(), wrong == 0);
+        EXPECT_EQ(reading.report.error, wrong ? ANOTHER_SUM : "");
     }
 }
 
