@@ -3,6 +3,7 @@
 #define ALGEBRA3D_FOUR_H
 
 #include <cmath>
+#include <cstddef>
 
 #if defined(__x86_64__)
 #include <emmintrin.h>
@@ -52,9 +53,11 @@ ALWAYS_INLINE void store(const Four& four, double* values)
     *reinterpret_cast<FourInMemory*>(values) = four;
 }
 
-ALWAYS_INLINE FourVectors gather(const Vector3<double>& a, const Vector3<double>& b,
-                                 const Vector3<double>& c, const Vector3<double>& d)
+// The first of some vectors, and the three that are so many further on each.
+ALWAYS_INLINE FourVectors gather(const Vector3<double>* first, std::size_t step)
 {
+    const Vector3<double>&a = first[0], &b = first[step], &c = first[2 * step],
+          &d = first[3 * step];
     return {Four{a.x, b.x, c.x, d.x}, Four{a.y, b.y, c.y, d.y}, Four{a.z, b.z, c.z, d.z}};
 }
 

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <strandview/analysis/fourStretches.h>
 
-#include <limits>
-
 #include <algebra3d/Four.h>
 
 namespace strandview {
@@ -13,6 +11,7 @@ using algebra3d::all;
 using algebra3d::Four;
 using algebra3d::FourMasks;
 using algebra3d::FourVectors;
+using algebra3d::gather;
 using algebra3d::load;
 using algebra3d::store;
 using Vector = algebra3d::Vector3<double>;
@@ -38,16 +37,10 @@ ALWAYS_INLINE FourQuaternions operator*(const FourQuaternions& a, const FourQuat
             a.w * b.w - a.v.x * b.v.x - a.v.y * b.v.y - a.v.z * b.v.z};
 }
 
-/// One point of each stretch.
-ALWAYS_INLINE FourVectors pointsAt(const Vector* first, std::size_t length)
-{
-    return algebra3d::gather(first[0], first[length], first[2 * length], first[3 * length]);
-}
-
 FOUR_AT_ONCE bool findTurnsOfFour(const Vector* first, std::size_t length, double (*turns)[4][4])
 {
-    FourVectors before = pointsAt(first - 2, length), point = pointsAt(first - 1, length);
-    FourVectors next = pointsAt(first, length);
+    FourVectors before = gather(first - 2, length), point = gather(first - 1, length);
+    FourVectors next = gather(first, length);
     const FourVectors acrossFirst = next - before;
     const Four squareAcrossFirst = dot(acrossFirst, acrossFirst);
     FourVectors tangent = 1 / algebra3d::squareRoot(squareAcrossFirst) * acrossFirst;
@@ -56,7 +49,7 @@ FOUR_AT_ONCE bool findTurnsOfFour(const Vector* first, std::size_t length, doubl
     for (std::size_t i = 0; i < length; ++i) {
         before = point;
         point = next;
-        next = pointsAt(first + i + 1, length);
+        next = gather(first + i + 1, length);
         const FourVectors edge = point - before, across = next - before;
         const Four squareAcross = dot(across, across);
         const FourVectors tangentBefore = tangent;

@@ -38,6 +38,26 @@ TEST(Points, TheSmallestEdgeIsAHundredThousandthOfTheMeanOne)
     EXPECT_DOUBLE_EQ(smallestEdge({{0, 0, 0}, {3, 4, 0}}), 5e-5);
 }
 
+TEST(Points, EveryEdgeIsMeasuredWhereverItIs)
+{
+    for (std::size_t edges = 2; edges < 30; ++edges) {
+        for (std::size_t place = 0; place < edges; ++place) {
+            const auto withEdgeOf = [&](double length) {
+                std::vector<double> places = {0};
+                for (std::size_t i = 0; i < edges; ++i)
+                    places.push_back(places.back() + (i == place ? length : 1));
+                return measureEdges(alongX(places));
+            };
+            EXPECT_TRUE(withEdgeOf(1).areLong);
+            EXPECT_TRUE(withEdgeOf(1e-4).areLong);
+            EXPECT_FALSE(withEdgeOf(1e-6).areLong) << edges << " " << place;
+            EXPECT_FALSE(withEdgeOf(0).areLong) << edges << " " << place;
+            EXPECT_DOUBLE_EQ(withEdgeOf(0).smallest, 1e-5) << "of the others";
+            EXPECT_DOUBLE_EQ(withEdgeOf(3).smallest, 1e-5 * double(edges + 2) / double(edges));
+        }
+    }
+}
+
 TEST(Points, ThereIsNoSmallestEdgeWithoutAnEdge)
 {
     EXPECT_EQ(smallestEdge({}), 0);
