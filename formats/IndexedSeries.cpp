@@ -6,6 +6,8 @@
 #include <utility>
 
 #include <strandview/analysis/keptPairs.h>
+#include <strandview/formats/Milestones.h>
+#include <strandview/model/MemorySeries.h>
 
 namespace strandview {
 
@@ -86,7 +88,31 @@ LoadedFrame KnownFrames::load(std::size_t frame, const ReadOptions& options)
         return *std::exchange(first, std::nullopt);
     ReadReport report;
     FrameRead read = index.read(frame, source, options, report);
+    if (read.isEmpty)
+        return {Configuration(), std::move(report.notices), {}};
     return {std::move(read.configuration), std::move(report.notices), std::move(report.error)};
+}
+
+bool KnownFrames::isEmpty(std::size_t frame, const ReadOptions& options, ReadReport& report)
+{
+    if (frame == 0 && first)
+        return false;
+    ReadReport ofFrame;
+    bool isStopped = false;
+    ReadOptions asked = options;
+    asked.goOn = [&](double share) {
+        isStopped = isStopped || (options.goOn && !options.goOn(share));
+        return !isStopped;
+    };
+    setKeeping(true, options); // of the first one that has some
+    FrameRead read = index.read(frame, source, asked, ofFrame);
+    setKeeping(false, options);
+    if (read.isEmpty || isStopped)
+        report.error = std::move(ofFrame.error);
+    else if (frame == 0)
+        first = {std::move(read.configuration), std::move(ofFrame.notices),
+                 std::move(ofFrame.error)};
+    return read.isEmpty;
 }
 
 // ---- IndexedSeries
@@ -126,7 +152,8 @@ std::unique_ptr<Series> IndexedSeries::opened(std::unique_ptr<IndexedSeries> ser
                                               const ReadOptions& options, ReadReport& report)
 {
     const bool isOpen = (!options.growing || series->source->canGrow(options, report)) &&
-                        series->lookFirst(options, report);
+                        series->lookFirst(options, report) &&
+                        (!series->index->mayBeEmpty() || series->requireShown(options, report));
     return isOpen ? std::move(series) : nullptr;
 }
 
@@ -145,6 +172,27 @@ bool IndexedSeries::lookFirst(const ReadOptions& readOptions, ReadReport& report
     return true;
 }
 
+bool IndexedSeries::requireShown(const ReadOptions& asked, ReadReport& report)
+{
+    std::string ofFirst;
+    for (std::size_t frame = 0; frame < known.count(); ++frame) {
+        ReadReport ofFrame;
+        if (!known.isEmpty(frame, asked, ofFrame)) {
+            report.error = ofFrame.error; // it was stopped
+            return report.error.empty();
+        }
+        if (frame == 0)
+            ofFirst = ofFrame.error;
+        const bool mayLook = frame + 1 == known.count() && mayHaveMore && !options.growing;
+        if (mayLook && lookForMore(asked.goOn, &report.notices)) {
+            report.error = source->getName() + ": " + READING_STOPPED;
+            return false;
+        }
+    }
+    report.error = ofFirst;
+    return false;
+}
+
 std::optional<Configuration> IndexedSeries::readFirst(Source& source, TextFrames& frames,
                                                       const ReadOptions& options,
                                                       ReadReport& report)
@@ -155,6 +203,25 @@ std::optional<Configuration> IndexedSeries::readFirst(Source& source, TextFrames
         return {};
     report.frames = text.count() > 1 ? SEVERAL_FRAMES : 1;
     return text.read(0, source, options, report).configuration;
+}
+
+std::unique_ptr<Series> IndexedSeries::inMemoryIfAlone(std::unique_ptr<Series> series,
+                                                       const ReadOptions& options,
+                                                       ReadReport& report)
+{
+    const auto askForMore = [](double) { return false; };
+    if (!series || series->count() > 1 || series->lookForMore(askForMore))
+        return series;
+    LoadedFrame only = series->load(0, options.goOn);
+    report.error = std::move(only.error);
+    if (!only.configuration)
+        return nullptr;
+    report.notices.insert(report.notices.end(), only.notices.begin(), only.notices.end());
+    const std::optional<double> time = series->time(0);
+    std::vector<Configuration> frames;
+    frames.push_back(std::move(*only.configuration));
+    return std::make_unique<MemorySeries>(std::move(frames), time ? std::vector<double>{*time}
+                                                                  : std::vector<double>());
 }
 
 std::optional<double> IndexedSeries::time(std::size_t frame) const

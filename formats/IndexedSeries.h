@@ -47,6 +47,10 @@ public:
     std::size_t count() const { return known; }
     LoadedFrame load(std::size_t frame, const ReadOptions& options);
 
+    /// Whether a frame has nothing to show: report.error says so. It says of another one that
+    /// reading was stopped, and nothing else. The first frame is kept until it is loaded.
+    bool isEmpty(std::size_t frame, const ReadOptions& options, ReadReport& report);
+
 private:
     static constexpr std::size_t ALL = static_cast<std::size_t>(-1);
 
@@ -61,7 +65,9 @@ private:
 /// The frames of one text, found by one pass over it and read when they are loaded: of a file
 /// nothing else is kept.
 ///
-/// A last frame that is cut short is left out, with a notice; an only one is refused.
+/// A last frame that is cut short is left out, with a notice; an only one is refused. Where frames
+/// may be empty (TextIndex::mayBeEmpty) they are configurations with nothing in them; if all are
+/// the series is refused, for which they are read from the first one on up to one that is not.
 ///
 /// Opened at once (ReadOptions::atOnce) the text is looked at in lookForMore(), and so is one that
 /// grows; Series.h and ReadReport.h tell what comes of that.
@@ -80,6 +86,11 @@ public:
     static std::optional<Configuration> readFirst(Source& source, TextFrames& frames,
                                                   const ReadOptions& options, ReadReport& report);
 
+    /// A series of one frame that gets no more of them in memory, loaded now; any other as it is.
+    /// Null and report.error if that frame cannot be loaded.
+    static std::unique_ptr<Series> inMemoryIfAlone(std::unique_ptr<Series> series,
+                                                   const ReadOptions& options, ReadReport& report);
+
     std::size_t count() const override { return known.count() + (fault.empty() ? 0 : 1); }
     std::optional<double> time(std::size_t frame) const override;
 
@@ -89,6 +100,7 @@ private:
     static std::unique_ptr<Series> opened(std::unique_ptr<IndexedSeries> series,
                                           const ReadOptions& options, ReadReport& report);
     bool lookFirst(const ReadOptions& options, ReadReport& report);
+    bool requireShown(const ReadOptions& options, ReadReport& report);
     bool end(const std::string& reason);
     bool findMore(const GoOn& goOn, std::vector<std::string>& notices) override;
     LoadedFrame loadFrame(std::size_t frame, const GoOn& goOn) override;

@@ -72,7 +72,7 @@ bool IndexedText::lookFor(std::size_t most, Source& source, const ReadOptions& o
     if (!index.fault.empty())
         report.error = source.getName() + ":" + std::to_string(index.line) + ": " + index.fault;
     else if (count() == 0)
-        report.error = source.getName() + ": found nothing to show, expected at least one frame";
+        report.error = source.getName() + ": " + frames.nothingFound();
     return report.error.empty();
 }
 

@@ -20,7 +20,8 @@ namespace strandview {
 struct FrameRead
 {
     std::optional<Configuration> configuration;
-    bool isCut = false; ///< the text ends before the frame does
+    bool isCut = false;   ///< the text ends before the frame does
+    bool isEmpty = false; ///< it is as it should be, with nothing to show: report.error says what
 };
 
 /// Where the frames of a text begin, as far as it was looked at: what IndexedSeries reads by.
@@ -37,6 +38,9 @@ public:
     /// Those of which the beginning was found.
     virtual std::size_t count() const = 0;
     virtual std::optional<double> time(std::size_t frame) const = 0;
+
+    /// Whether a frame may be empty beside others. One at least has to have something to show.
+    virtual bool mayBeEmpty() const { return false; }
 
     /// The last one as far as the text was looked at; it is cut where that may not be all of it.
     virtual FrameRead read(std::size_t frame, Source& source, const ReadOptions& options,
@@ -101,6 +105,15 @@ public:
     /// A frame of a text that is growing is whole unless it is said to be cut: its lines are whole.
     virtual FrameRead read(const FrameText& frame, const std::string& fileName,
                            const ReadOptions& options, ReadReport& report) = 0;
+
+    /// As of TextIndex.
+    virtual bool mayBeEmpty() const { return false; }
+
+    /// What is said of a text without any frame.
+    virtual std::string nothingFound() const
+    {
+        return "found nothing to show, expected at least one frame";
+    }
 };
 
 /// A text with the places of its frames, found line by line.
@@ -116,6 +129,7 @@ public:
 
     std::size_t count() const override { return index.count(); }
     std::optional<double> time(std::size_t frame) const override;
+    bool mayBeEmpty() const override { return frames.mayBeEmpty(); }
     FrameRead read(std::size_t frame, Source& source, const ReadOptions& options,
                    ReadReport& report) const override;
 

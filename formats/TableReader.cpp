@@ -27,7 +27,6 @@
 #include <strandview/formats/text/numbers.h>
 #include <strandview/formats/text/wording.h>
 #include <strandview/formats/wideRows.h>
-#include <strandview/model/MemorySeries.h>
 
 namespace strandview {
 
@@ -1137,18 +1136,8 @@ std::unique_ptr<Series> openTable(std::unique_ptr<Source> source, const ReadOpti
                                   ReadReport& report)
 {
     auto index = std::make_unique<TableIndex>(source->getName());
-    auto series = IndexedSeries::open(std::move(source), std::move(index), options, report);
-    const auto askForMore = [](double) { return false; };
-    if (!series || series->count() > 1 || series->lookForMore(askForMore))
-        return series;
-    LoadedFrame only = series->load(0, options.goOn);
-    report.error = std::move(only.error);
-    if (!only.configuration)
-        return nullptr;
-    report.notices.insert(report.notices.end(), only.notices.begin(), only.notices.end());
-    std::vector<Configuration> frames;
-    frames.push_back(std::move(*only.configuration));
-    return std::make_unique<MemorySeries>(std::move(frames));
+    return IndexedSeries::inMemoryIfAlone(
+        IndexedSeries::open(std::move(source), std::move(index), options, report), options, report);
 }
 
 } // namespace strandview

@@ -8,7 +8,9 @@
 #include <vector>
 
 #include <strandview/analysis/keptPairs.h>
+#include <strandview/formats/IndexedSeries.h>
 #include <strandview/formats/Source.h>
+#include <strandview/formats/structures/PdbFrames.h>
 #include <strandview/formats/structures/nucleicAcid.h>
 #include <strandview/formats/structures/readAtoms.h>
 #include <strandview/formats/text/encoding.h>
@@ -76,33 +78,42 @@ bool isPdb(std::string_view beginning)
     return !lines.empty() && std::all_of(lines.begin(), lines.end(), isLineOfPdb);
 }
 
+/// Whether lines end with CR alone, as on old systems: the index does not look for that.
+bool hasOldLineEnds(std::string_view beginning)
+{
+    const std::string_view end = beginning.substr(std::min(beginning.find('\r'), beginning.size()));
+    return end.size() > 1 && end[1] != '\n';
+}
+
+/// Whether the models are frames of an index, each read when it is wanted; else all are read at
+/// once. Nothing and report.error if that is no text.
+std::optional<bool> isIndexed(Source& source, const ReadOptions& options, ReadReport& report)
+{
+    constexpr std::size_t enough = 64 * 1024;
+    const auto beginning = source.readBeginning(enough, options, report);
+    if (!beginning)
+        return {};
+    if (isUtf16(*beginning) || isBinary(*beginning)) {
+        report.error =
+            source.getName() + ": " +
+            (isUtf16(*beginning) ? FOUND_UTF16 : "found binary data, expected a structure");
+        return {};
+    }
+    return !isMmcif(withoutByteOrderMark(*beginning)) && !hasOldLineEnds(*beginning);
+}
+
 bool readModels(Source& source, const ReadOptions& options, const TakeModel& take,
                 ReadReport& report)
 {
     const auto bytes = source.readAll(options, report);
     if (!bytes)
         return false;
-    if (isUtf16(*bytes) || isBinary(*bytes)) {
-        report.error = source.getName() + ": " +
-                       (isUtf16(*bytes) ? FOUND_UTF16 : "found binary data, expected a structure");
-        return false;
-    }
     const std::string_view text = withoutByteOrderMark(*bytes);
     return (isMmcif(text) ? readMmcif : readPdb)(text, source.getName(), options, take, report);
 }
 
-} // namespace
-
-Likeness likenessToStructure(std::string_view beginning)
-{
-    if (isUtf16(beginning) || isBinary(beginning))
-        return Likeness::NONE;
-    const std::string_view text = withoutByteOrderMark(beginning);
-    return isMmcif(text) || isPdb(text) ? Likeness::CERTAIN : Likeness::NONE;
-}
-
-std::optional<Configuration> readStructure(Source& source, const ReadOptions& options,
-                                           ReadReport& report)
+std::optional<Configuration> readFirstModel(Source& source, const ReadOptions& options,
+                                            ReadReport& report)
 {
     std::optional<StructureModel> first;
     const auto takeFirst = [&](StructureModel model) {
@@ -118,8 +129,8 @@ std::optional<Configuration> readStructure(Source& source, const ReadOptions& op
                            options.pairs.get());
 }
 
-std::unique_ptr<Series> openStructures(std::unique_ptr<Source> source, const ReadOptions& options,
-                                       ReadReport& report)
+std::unique_ptr<Series> readAllModels(Source& source, const ReadOptions& options,
+                                      ReadReport& report)
 {
     std::vector<Configuration> frames;
     bool hasDna = false;
@@ -130,7 +141,7 @@ std::unique_ptr<Series> openStructures(std::unique_ptr<Source> source, const Rea
         ofModel = {};
         if (pairs)
             pairs->setKeeping(!hasDna);
-        auto made = makeNucleicAcid(std::move(model), source->getName(), ofModel, pairs);
+        auto made = makeNucleicAcid(std::move(model), source.getName(), ofModel, pairs);
         if (made && pairs && pairs->areOthers())
             pairedAlone.push_back(frames.size());
         if (made && !hasDna)
@@ -140,20 +151,54 @@ std::unique_ptr<Series> openStructures(std::unique_ptr<Source> source, const Rea
         frames.push_back(made ? std::move(*made) : Configuration());
         return true;
     };
-    if (!readModels(*source, options, takeEach, report))
+    if (!readModels(source, options, takeEach, report))
         return nullptr;
     if (frames.empty())
-        makeNucleicAcid({}, source->getName(), ofModel);
+        makeNucleicAcid({}, source.getName(), ofModel);
     if (!hasDna) {
         report.error = ofModel.error;
         return nullptr;
     }
     if (!pairedAlone.empty())
         report.notices.push_back(
-            source->getName() + ": " +
+            source.getName() + ": " +
             andMore("frame " + std::to_string(pairedAlone[0]), pairedAlone.size()) + ": " +
             PAIRED_ALONE);
     return std::make_unique<MemorySeries>(std::move(frames));
+}
+
+} // namespace
+
+Likeness likenessToStructure(std::string_view beginning)
+{
+    if (isUtf16(beginning) || isBinary(beginning))
+        return Likeness::NONE;
+    const std::string_view text = withoutByteOrderMark(beginning);
+    return isMmcif(text) || isPdb(text) ? Likeness::CERTAIN : Likeness::NONE;
+}
+
+std::optional<Configuration> readStructure(Source& source, const ReadOptions& options,
+                                           ReadReport& report)
+{
+    const std::optional<bool> isOfFrames = isIndexed(source, options, report);
+    if (!isOfFrames)
+        return {};
+    PdbFrames frames;
+    return *isOfFrames ? IndexedSeries::readFirst(source, frames, options, report)
+                       : readFirstModel(source, options, report);
+}
+
+std::unique_ptr<Series> openStructures(std::unique_ptr<Source> source, const ReadOptions& options,
+                                       ReadReport& report)
+{
+    const std::optional<bool> isOfFrames = isIndexed(*source, options, report);
+    if (!isOfFrames)
+        return nullptr;
+    if (!*isOfFrames)
+        return readAllModels(*source, options, report);
+    return IndexedSeries::inMemoryIfAlone(
+        IndexedSeries::open(std::move(source), std::make_unique<PdbFrames>(), options, report),
+        options, report);
 }
 
 } // namespace strandview

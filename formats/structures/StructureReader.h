@@ -25,7 +25,9 @@ STRANDVIEW_FORMATS_EXPORT Likeness likenessToStructure(std::string_view beginnin
 STRANDVIEW_FORMATS_EXPORT std::optional<Configuration>
 readStructure(Source& source, const ReadOptions& options, ReadReport& report);
 
-/// All models, read at once, one a frame; models without DNA are frames with nothing in them.
+/// All models, one a frame; models without DNA are frames with nothing in them. Those of PDB are
+/// found by one pass and read when they are loaded (IndexedSeries.h, PdbFrames.h); those of mmCIF,
+/// and of PDB whose lines end with CR alone, are all read at once.
 STRANDVIEW_FORMATS_EXPORT std::unique_ptr<Series>
 openStructures(std::unique_ptr<Source> source, const ReadOptions& options, ReadReport& report);
 

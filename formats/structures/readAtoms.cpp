@@ -75,11 +75,6 @@ constexpr std::size_t SHORTEST_ATOM = FIRST_COORDINATE + 3 * COORDINATE_WIDTH;
 /// Behind it are the element and charge, or what old files have there.
 constexpr std::size_t LAST_COLUMN = 76;
 
-std::string_view column(std::string_view line, std::size_t first, std::size_t size)
-{
-    return trimmed(line.substr(std::min(first, line.size()), size));
-}
-
 /// What is wrong with the line of an atom, "column 31 (x): found ..., expected ..."; else nothing.
 std::string faultOfAtomLine(std::string_view line)
 {
@@ -88,7 +83,7 @@ std::string faultOfAtomLine(std::string_view line)
                std::to_string(SHORTEST_ATOM);
     for (std::size_t i = 0; i < 3; ++i) {
         const std::size_t first = FIRST_COORDINATE + i * COORDINATE_WIDTH;
-        const std::string_view field = column(line, first, COORDINATE_WIDTH);
+        const std::string_view field = pdbColumns(line, first, COORDINATE_WIDTH);
         double number = 0;
         if (!isNumberOfCoordinate(field, number))
             return "column " + std::to_string(first + 1) + " (" + "xyz"[i] +
@@ -101,11 +96,14 @@ std::string faultOfAtomLine(std::string_view line)
 class ResidueTypes
 {
 public:
+    explicit ResidueTypes(ModifiedResidues known = {}) : parents(std::move(known)) {}
+
     void addModified(std::string_view residue, std::string_view parent)
     {
         if (!residue.empty() && !parent.empty())
             parents.emplace(residue, parent);
     }
+    void addModified(std::string_view line) { strandview::addModified(line, parents); }
     void forgetModified() { parents.clear(); }
 
     ResidueType operator()(const std::string& residue) const
@@ -120,7 +118,7 @@ public:
     }
 
 private:
-    std::map<std::string, std::string> parents;
+    ModifiedResidues parents;
 };
 
 /// Walks over the lines and keeps those of atoms that may be DNA, model by model: few of a file
@@ -128,25 +126,36 @@ private:
 class PdbScanner
 {
 public:
-    PdbScanner(const std::string& name, const TakeModel& takeModel, ReadReport& readReport)
+    PdbScanner(const PdbPart& part, const std::string& name, const TakeModel& takeModel,
+               ReadReport& readReport)
         : fileName(name),
           take(takeModel),
           report(readReport),
-          residues([this](const std::string& residue) { return types(residue); })
+          residues([this](const std::string& residue) { return types(residue); }),
+          types(part.modified),
+          number(part.line - 1)
     {}
 
     /// Whether to go on.
     bool scan(std::string_view line)
     {
         ++number;
-        const std::string_view record = column(line, 0, 6);
-        if (record == "ATOM" || record == "HETATM")
+        switch (pdbRecordOf(line)) {
+        case PdbRecord::ATOM:
             return scanAtom(line);
-        if (record == "TER" && isInModel)
-            kept += "TER\n";
-        if (record == "MODRES")
-            addModified(line);
-        return (record != "ENDMDL" && record != "END" && record != "MODEL") || finishModel();
+        case PdbRecord::MODEL:
+        case PdbRecord::END:
+            return finishModel();
+        case PdbRecord::MODRES:
+            types.addModified(line);
+            return true;
+        case PdbRecord::TER:
+            kept += isInModel ? "TER\n" : "";
+            return true;
+        case PdbRecord::OTHER:
+            break;
+        }
+        return true;
     }
 
     bool finishModel()
@@ -176,7 +185,7 @@ private:
     bool scanAtom(std::string_view line)
     {
         isInModel = true;
-        const std::string_view residue = column(line, 17, 3);
+        const std::string_view residue = pdbColumns(line, 17, 3);
         const ResidueKind kind = residues.typeOf(residue).kind;
         hasProtein = hasProtein || kind == ResidueKind::AMINO_ACID;
         hasWater = hasWater || kind == ResidueKind::WATER;
@@ -187,17 +196,11 @@ private:
             report.error = fileName + ":" + std::to_string(number) + ": " + fault;
             return false;
         }
-        if (kind != ResidueKind::NUCLEOTIDE || keptName(column(line, 12, 4))) {
+        if (kind != ResidueKind::NUCLEOTIDE || keptName(pdbColumns(line, 12, 4))) {
             kept += line.substr(0, LAST_COLUMN);
             kept += '\n';
         }
         return true;
-    }
-
-    /// "MODRES 1ABC 5CM A    3   DC  ..."
-    void addModified(std::string_view line)
-    {
-        types.addModified(column(line, 12, 3), column(line, 24, 3));
     }
 
     void addAtoms()
@@ -232,8 +235,8 @@ private:
     ReadReport& report;
     ResidueCollector residues;
     ResidueTypes types;
-    std::string kept; ///< lines of the model
-    std::size_t number = 0;
+    std::string kept;   ///< lines of the model
+    std::size_t number; ///< of the line
     bool isInModel = false;
     bool hasProtein = false;
     bool hasWater = false;
@@ -619,7 +622,14 @@ ResidueType typeOfResidue(const std::string& name)
 bool readPdb(std::string_view text, const std::string& fileName, const ReadOptions& options,
              const TakeModel& take, ReadReport& report)
 {
-    PdbScanner scanner(fileName, take, report);
+    return readPdbPart({text}, fileName, options, take, report);
+}
+
+bool readPdbPart(const PdbPart& part, const std::string& fileName, const ReadOptions& options,
+                 const TakeModel& take, ReadReport& report)
+{
+    const std::string_view text = part.text;
+    PdbScanner scanner(part, fileName, take, report);
     Milestones milestones(options, text.size());
     for (std::size_t start = 0; start < text.size();) {
         if (!milestones.pass(start)) {

@@ -2,12 +2,14 @@
 #ifndef STRANDVIEW_FORMATS_STRUCTURES_READATOMS_H
 #define STRANDVIEW_FORMATS_STRUCTURES_READATOMS_H
 
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <string_view>
 
 #include <strandview/formats/ReadReport.h>
 #include <strandview/formats/structures/ResidueCollector.h>
+#include <strandview/formats/structures/pdbLines.h>
 #include <strandview/formatsExport.h>
 
 namespace strandview {
@@ -15,13 +17,24 @@ namespace strandview {
 /// Told of every model of a structure when it is complete; whether to read on.
 using TakeModel = std::function<bool(StructureModel model)>;
 
-// Both read the models of a text, one after another: whether all of it could be read, or as much
-// as was wanted. Else report.error is "fileName:line: found ..., expected ...".
+// All of these read the models of a text, one after another: whether all of it could be read, or as
+// much as was wanted. Else report.error is "fileName:line: found ..., expected ...".
 
 /// PDB. Models end with ENDMDL, and with END, which some programs write instead.
 STRANDVIEW_FORMATS_EXPORT bool readPdb(std::string_view text, const std::string& fileName,
                                        const ReadOptions& options, const TakeModel& take,
                                        ReadReport& report);
+
+/// Lines of PDB that stand in their file from a line on, and what those before tell of residues.
+struct PdbPart
+{
+    std::string_view text;
+    std::size_t line = 1;
+    ModifiedResidues modified = {};
+};
+STRANDVIEW_FORMATS_EXPORT bool readPdbPart(const PdbPart& part, const std::string& fileName,
+                                           const ReadOptions& options, const TakeModel& take,
+                                           ReadReport& report);
 
 /// mmCIF, of which the first data block that has atoms is read.
 STRANDVIEW_FORMATS_EXPORT bool readMmcif(std::string_view text, const std::string& fileName,

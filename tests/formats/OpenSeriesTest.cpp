@@ -11,6 +11,7 @@
 #include <strandview/formats/formats.h>
 
 #include "support/TemporaryFolder.h"
+#include "support/structureTexts.h"
 
 namespace strandview {
 
@@ -244,11 +245,19 @@ std::vector<WrittenFile> writtenFiles()
         "% frame 0\n% time 0.5\n% fiber f0:1\n 1 0 0 0\n 1 1.25 0 0\n% end\n"
         "% frame 1\n% time 1.5\n% fiber f0:1\n 1 0 0 0\n 1 1.25 0 1\n% end\n";
     const std::string table = "0 0 0\n1.25 0 0\n\n\n\n0 0 0\n0 0 1\n\n1 1 1\n2.5 2 2\n\n\n";
-    const std::string oxdna = contentOf(std::string(TEST_FILES) + "/duplex5_new.dat");
+    std::vector<TestAtom> atoms = duplexAtoms("ACG");
+    for (TestAtom atom : duplexAtoms("ACG")) {
+        atom.model = 2;
+        atom.place.z += 1;
+        atoms.push_back(atom);
+    }
+    const std::string pdb = pdbOf(atoms),
+                      oxdna = contentOf(std::string(TEST_FILES) + "/duplex5_new.dat");
     return {{"run.xyz", xyz, xyz.find("3\n\n"), 2},
             {"run.txt", fibres, fibres.find("% frame 1"), 2},
             {"run.dat", table, table.find("\n\n\n") + 3, 2},
-            {"run.oxdna", oxdna, oxdna.find("t = 1000"), 3}};
+            {"run.oxdna", oxdna, oxdna.find("t = 1000"), 3},
+            {"run.pdb", pdb, pdb.find("MODEL", pdb.find("ENDMDL")), 2}};
 }
 
 INSTANTIATE_TEST_SUITE_P(OfEachFormat, OpenGrowingSeriesTest, testing::ValuesIn(writtenFiles()),
