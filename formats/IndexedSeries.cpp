@@ -205,6 +205,29 @@ std::optional<Configuration> IndexedSeries::readFirst(Source& source, TextFrames
     return text.read(0, source, options, report).configuration;
 }
 
+std::optional<Configuration> IndexedSeries::readFirst(Source& source, TextIndex& index,
+                                                      const ReadOptions& options,
+                                                      ReadReport& report)
+{
+    KnownFrames frames(source, index);
+    ReadReport ofAll;
+    using Look = KnownFrames::Look;
+    const Look look = frames.lookForFirst(options, ofAll);
+    if (!KnownFrames::isFound(look)) {
+        report.error = ofAll.error;
+        return {};
+    }
+    report.frames = look == Look::WHOLE ? frames.count() : SEVERAL_FRAMES;
+    if (index.mayBeEmpty() && frames.isEmpty(0, options, report))
+        return {};
+    LoadedFrame first = frames.load(0, options);
+    report.error = std::move(first.error);
+    for (const auto* notices : {&first.notices, &ofAll.notices})
+        if (first.configuration)
+            report.notices.insert(report.notices.end(), notices->begin(), notices->end());
+    return std::move(first.configuration);
+}
+
 std::unique_ptr<Series> IndexedSeries::inMemoryIfAlone(std::unique_ptr<Series> series,
                                                        const ReadOptions& options,
                                                        ReadReport& report)

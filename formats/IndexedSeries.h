@@ -86,6 +86,11 @@ public:
     static std::optional<Configuration> readFirst(Source& source, TextFrames& frames,
                                                   const ReadOptions& options, ReadReport& report);
 
+    /// The first frame, and in report.frames how many there are: counted, unless
+    /// ReadOptions::atOnce.
+    static std::optional<Configuration> readFirst(Source& source, TextIndex& index,
+                                                  const ReadOptions& options, ReadReport& report);
+
     /// A series of one frame that gets no more of them in memory, loaded now; any other as it is.
     /// Null and report.error if that frame cannot be loaded.
     static std::unique_ptr<Series> inMemoryIfAlone(std::unique_ptr<Series> series,

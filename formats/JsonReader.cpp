@@ -299,17 +299,37 @@ std::string_view wordAround(std::string_view text, std::size_t byte)
     return text.substr(start, text.find_first_of(punctuation, byte) - start);
 }
 
-/// "line:column" of a byte; the column counts characters, not bytes.
-std::string placeInText(std::string_view text, std::size_t byte)
+/// "line:column" of a byte of a text that begins at a place; the column counts characters, not
+/// bytes.
+std::string placeInText(std::string_view text, std::size_t byte, const JsonPlace& begin)
 {
     const std::string_view before = text.substr(0, byte);
     const std::size_t lineStart = before.rfind('\n') + 1; // 0 without a line end
-    const auto line = std::count(before.begin(), before.end(), '\n') + 1;
-    const auto column = std::count_if(before.begin() + lineStart, before.end(),
-                                      [](unsigned char c) { return (c & 0xC0) != 0x80; }) +
-                        1;
-    return std::to_string(line) + ":" + std::to_string(column);
+    const auto lines = std::size_t(std::count(before.begin(), before.end(), '\n'));
+    const auto characters =
+        std::size_t(std::count_if(before.begin() + std::ptrdiff_t(lineStart), before.end(),
+                                  [](unsigned char c) { return (c & 0xC0) != 0x80; }));
+    return std::to_string(begin.line + lines) + ":" +
+           std::to_string(characters + (lines == 0 ? begin.column : 1));
 }
+
+/// What of a file is read.
+enum class Part {
+    ALL_FRAMES,
+    FIRST_FRAME, ///< where the others are checked
+    ONE_FRAME,   ///< of a series, whose text is all there is
+    OUTLINE      ///< of a file with a series, in which one frame without anything stands for all
+};
+
+/// A text as a part of its file.
+struct PartOfFile
+{
+    Part part = Part::ALL_FRAMES;
+    std::size_t frame = 0;            ///< of a series, the one or the last one
+    std::optional<bool> isTimed = {}; ///< of the first frame, if that is known
+    std::size_t seam = 0;             ///< from this byte on
+    JsonPlace place = {};             ///< the text stands here
+};
 
 /// A place in the text that the parser moves on, and everybody sees.
 class Cursor
@@ -342,22 +362,32 @@ private:
 class JsonReader final : public nlohmann::json_sax<nlohmann::json>
 {
 public:
-    JsonReader(std::string_view wholeText, const std::string& jsonName,
-               const ReadOptions& readOptions, ReadReport& readReport, bool shallKeepAll)
-        : text(wholeText),
+    JsonReader(std::string_view partText, const PartOfFile& partOfFile, const std::string& jsonName,
+               const ReadOptions& readOptions, ReadReport& readReport)
+        : text(partText),
+          whole(partOfFile),
           fileName(jsonName),
           options(readOptions),
           report(readReport),
-          milestones(readOptions, wholeText.size()),
-          keepsAll(shallKeepAll),
-          place(wholeText.data()),
+          milestones(readOptions, partText.size()),
+          place(partText.data()),
+          areTimed(partOfFile.isTimed),
           collector(readOptions)
-    {}
+    {
+        if (whole.part != Part::ONE_FRAME)
+            return;
+        levels.push_back({Place::FILE, 0, "series", {}});
+        levels.push_back({Place::SERIES, whole.frame, {}, {}});
+    }
 
     /// What was read of the frames: all of them or the first, which is that of a file without a
     /// series.
     std::vector<Configuration> frames;
     std::vector<double> times; ///< of as many frames as the file has, or none
+
+    bool isAnyShown = false; ///< by a frame
+    std::string noneShown;   ///< what is said of the first one that shows nothing
+    bool isCut = false;      ///< the text ends where more has to come
 
     enum class Parser {
         PLAIN,  ///< fast
@@ -382,7 +412,8 @@ public:
         } else if (!nlohmann::json::sax_parse(Cursor(place, place), Cursor(end, place), this)) {
             return End::FAILED;
         }
-        return finishFile() ? End::DONE : End::FAILED;
+        const bool isPart = whole.part == Part::ONE_FRAME || whole.part == Part::OUTLINE;
+        return isPart || finishFile() ? End::DONE : End::FAILED;
     }
 
     /// Among a scalar's values it stands for one that is no number, and of a sequence for bases
@@ -487,7 +518,8 @@ public:
         const bool isTooLarge = dynamic_cast<const nlohmann::json::out_of_range*>(&error);
         const std::string expected =
             ", expected " + (isTooLarge ? EXPECTED_NUMBER : expectedByParser(error.what()));
-        if (position > text.size())
+        isCut = position > text.size();
+        if (isCut)
             return failInText(text.size(), "found the end of the file" + expected);
         const std::string_view word = wordAround(text, position - 1);
         return failInText(word.data() - text.data(), "found " + inQuotes(word) + expected);
@@ -511,7 +543,8 @@ private:
         const Place place = nextPlace();
         if (ruleOf(place).kind != kind)
             return failExpected(found);
-        levels.push_back({place, 0, {}, {}});
+        const bool isOutlined = place == Place::SERIES && whole.part == Part::OUTLINE;
+        levels.push_back({place, isOutlined ? whole.frame : 0, {}, {}});
         return true;
     }
 
@@ -767,10 +800,13 @@ private:
 
     bool finishStep(const Level& level)
     {
+        if (whole.part == Part::OUTLINE)
+            return true;
         const bool hasTime = level.keys.count("time");
-        if (report.frames > 0 && hasTime == times.empty())
+        if (areTimed.value_or(hasTime) != hasTime)
             return fail(std::string("found ") + (hasTime ? "a" : "no") + " key time, expected " +
                         (hasTime ? "none" : "one") + " as in series[0]");
+        areTimed = hasTime;
         if (hasTime)
             times.push_back(time);
         return finishFrame(path() + ": ");
@@ -787,9 +823,10 @@ private:
         if (!frame && noneShown.empty())
             noneShown = ofFrame.error.insert(fileName.size() + 2, owner);
         isAnyShown = isAnyShown || frame;
-        if (report.frames++ > 0 && !keepsAll)
+        const bool keepsFirst = whole.part == Part::FIRST_FRAME;
+        if (report.frames++ > 0 && keepsFirst)
             return true;
-        if (!frame && (owner.empty() || !keepsAll)) {
+        if (!frame && (owner.empty() || keepsFirst)) {
             report.error = noneShown;
             return false;
         }
@@ -960,16 +997,20 @@ private:
     }
     bool failInText(std::size_t byte, const std::string& what)
     {
-        report.error = fileName + ":" + placeInText(text, byte) + ": " + what;
+        const bool isBefore = byte < whole.seam;
+        const std::size_t begin = isBefore ? 0 : whole.seam;
+        const std::string where =
+            placeInText(text.substr(begin), byte - begin, isBefore ? JsonPlace() : whole.place);
+        report.error = fileName + ":" + where + ": " + what;
         return false;
     }
 
     std::string_view text;
+    const PartOfFile whole;
     const std::string& fileName;
     const ReadOptions& options;
     ReadReport& report;
     Milestones milestones;
-    const bool keepsAll;
     std::unordered_set<std::string> told; ///< notices
     const char* place;                    ///< in the text, that the parser has come to
     std::vector<Level> levels;            ///< from the outermost in
@@ -985,25 +1026,37 @@ private:
     LoneBase loneBase;
     double time = 0;
     bool isSequenceNull = false;
-    bool isAnyShown = false; ///< by a frame
-    std::string noneShown;   ///< what is said of the first one that shows nothing
-    Collector collector;     ///< of the frame being read
+    std::optional<bool> areTimed; ///< the frames so far
+    Collector collector;          ///< of the frame being read
 };
 
-/// Null and report.error if anything is wrong.
-std::unique_ptr<JsonReader> read(std::string_view text, const std::string& fileName,
-                                 const ReadOptions& options, ReadReport& report, bool shallKeepAll)
+/// The reader that has all that could be read; report.error unless that is all there is.
+std::unique_ptr<JsonReader> readPart(std::string_view text, const PartOfFile& part,
+                                     const std::string& fileName, const ReadOptions& options,
+                                     ReadReport& report, bool& isDone)
 {
     report.frames = 0;
     const ReadReport before = report;
-    auto reader = std::make_unique<JsonReader>(text, fileName, options, report, shallKeepAll);
+    auto reader = std::make_unique<JsonReader>(text, part, fileName, options, report);
     JsonReader::End end = reader->read(JsonReader::Parser::PLAIN);
     if (end == JsonReader::End::REFUSED) {
         report = before;
-        reader = std::make_unique<JsonReader>(text, fileName, options, report, shallKeepAll);
+        reader = std::make_unique<JsonReader>(text, part, fileName, options, report);
         end = reader->read(JsonReader::Parser::WORDED);
     }
-    return end == JsonReader::End::DONE ? std::move(reader) : nullptr;
+    isDone = end == JsonReader::End::DONE;
+    return reader;
+}
+
+/// Null and report.error if anything is wrong.
+std::unique_ptr<JsonReader> read(std::string_view text, Part part, const std::string& fileName,
+                                 const ReadOptions& options, ReadReport& report)
+{
+    bool isDone = false;
+    PartOfFile all;
+    all.part = part;
+    auto reader = readPart(text, all, fileName, options, report, isDone);
+    return isDone ? std::move(reader) : nullptr;
 }
 
 } // namespace
@@ -1011,17 +1064,47 @@ std::unique_ptr<JsonReader> read(std::string_view text, const std::string& fileN
 std::optional<Configuration> readJson(std::string_view text, const std::string& fileName,
                                       const ReadOptions& options, ReadReport& report)
 {
-    const auto reader = read(text, fileName, options, report, false);
+    const auto reader = read(text, Part::FIRST_FRAME, fileName, options, report);
     return reader ? std::optional(std::move(reader->frames.front())) : std::nullopt;
 }
 
 std::unique_ptr<Series> openJson(std::string_view text, const std::string& fileName,
                                  const ReadOptions& options, ReadReport& report)
 {
-    const auto reader = read(text, fileName, options, report, true);
+    const auto reader = read(text, Part::ALL_FRAMES, fileName, options, report);
     if (!reader)
         return nullptr;
     return std::make_unique<MemorySeries>(std::move(reader->frames), std::move(reader->times));
+}
+
+FrameRead readJsonFrame(const JsonFrame& frame, const std::string& fileName,
+                        const ReadOptions& options, ReadReport& report)
+{
+    bool isDone = false;
+    ReadReport ofFrame;
+    const PartOfFile part{Part::ONE_FRAME, frame.index, frame.isTimed, 0, frame.place};
+    const auto reader = readPart(frame.text, part, fileName, options, ofFrame, isDone);
+    report.error = isDone && !reader->isAnyShown ? reader->noneShown : ofFrame.error;
+    if (!isDone)
+        return {{}, reader->isCut};
+    report.notices.insert(report.notices.end(), ofFrame.notices.begin(), ofFrame.notices.end());
+    if (!reader->isAnyShown)
+        return {{}, false, true};
+    return {std::move(reader->frames.front())};
+}
+
+JsonOutline checkJsonOutline(const JsonSeriesText& around, const std::string& fileName,
+                             ReadReport& report)
+{
+    std::string text = around.before + "{}" + (around.isFrameNext ? "," : "");
+    PartOfFile outline{Part::OUTLINE, around.frames - 1, {}, text.size(), around.place};
+    text += around.behind;
+    ReadReport ofOutline;
+    const ReadOptions options;
+    JsonReader reader(text, outline, fileName, options, ofOutline);
+    const bool isDone = reader.read(JsonReader::Parser::WORDED) == JsonReader::End::DONE;
+    report.error = isDone ? "" : ofOutline.error;
+    return isDone ? JsonOutline::WHOLE : reader.isCut ? JsonOutline::CUT : JsonOutline::WRONG;
 }
 
 } // namespace strandview

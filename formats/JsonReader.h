@@ -2,11 +2,13 @@
 #ifndef STRANDVIEW_FORMATS_JSONREADER_H
 #define STRANDVIEW_FORMATS_JSONREADER_H
 
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 
+#include <strandview/formats/IndexedText.h>
 #include <strandview/formats/ReadReport.h>
 #include <strandview/formatsExport.h>
 #include <strandview/model/Configuration.h>
@@ -69,6 +71,49 @@ STRANDVIEW_FORMATS_EXPORT std::unique_ptr<Series> openJson(std::string_view text
                                                            const std::string& fileName,
                                                            const ReadOptions& options,
                                                            ReadReport& report);
+
+// ---- Parts of a file with a series, for its index (JsonIndex.h)
+
+/// Of a byte in its file, counted from 1 in lines and in characters.
+struct JsonPlace
+{
+    std::size_t line = 1, column = 1;
+};
+
+/// The text of a frame, an object.
+struct JsonFrame
+{
+    std::string_view text;
+    JsonPlace place;             ///< of its beginning
+    std::size_t index = 0;       ///< in the series
+    std::optional<bool> isTimed; ///< the first one, as which it has to be, if that is known
+};
+
+/// The frame as openJson() has it. FrameRead::isCut where the text ends before it is whole.
+STRANDVIEW_FORMATS_EXPORT FrameRead readJsonFrame(const JsonFrame& frame,
+                                                  const std::string& fileName,
+                                                  const ReadOptions& options, ReadReport& report);
+
+/// What is around the frames of a series.
+struct JsonSeriesText
+{
+    std::string before;       ///< from the file's beginning to behind the series' "["
+    std::size_t frames;       ///< how many, at least 1
+    bool isFrameNext = false; ///< behind a comma
+    std::string_view behind;
+    JsonPlace place; ///< of that
+};
+
+enum class JsonOutline {
+    WHOLE,
+    CUT,  ///< the text ends before the file does
+    WRONG ///< there is anything but that
+};
+
+/// Whether that is a file, whatever the frames are; else report.error, as of readJson().
+STRANDVIEW_FORMATS_EXPORT JsonOutline checkJsonOutline(const JsonSeriesText& around,
+                                                       const std::string& fileName,
+                                                       ReadReport& report);
 
 } // namespace strandview
 

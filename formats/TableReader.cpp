@@ -1115,21 +1115,7 @@ std::optional<Configuration> readTable(Source& source, const ReadOptions& option
                                        ReadReport& report)
 {
     TableIndex index(source.getName());
-    KnownFrames frames(source, index);
-    ReadReport ofAll;
-    using Look = KnownFrames::Look;
-    const Look look = frames.lookForFirst(options, ofAll);
-    if (!KnownFrames::isFound(look)) {
-        report.error = ofAll.error;
-        return {};
-    }
-    report.frames = look == Look::WHOLE ? frames.count() : SEVERAL_FRAMES;
-    LoadedFrame first = frames.load(0, options);
-    report.error = std::move(first.error);
-    for (const auto* notices : {&first.notices, &ofAll.notices})
-        if (first.configuration)
-            report.notices.insert(report.notices.end(), notices->begin(), notices->end());
-    return std::move(first.configuration);
+    return IndexedSeries::readFirst(source, index, options, report);
 }
 
 std::unique_ptr<Series> openTable(std::unique_ptr<Source> source, const ReadOptions& options,

@@ -6,7 +6,7 @@
 #include <filesystem>
 
 #include <strandview/formats/FibreReader.h>
-#include <strandview/formats/JsonReader.h>
+#include <strandview/formats/JsonSeries.h>
 #include <strandview/formats/PairFrameReader.h>
 #include <strandview/formats/Source.h>
 #include <strandview/formats/StepParameterReader.h>
@@ -18,6 +18,7 @@
 #include <strandview/formats/oxdna/OxdnaReader.h>
 #include <strandview/formats/structures/StructureReader.h>
 #include <strandview/formats/text/encoding.h>
+#include <strandview/formats/wholeText.h>
 
 namespace strandview {
 
@@ -25,25 +26,12 @@ namespace {
 
 constexpr std::size_t BEGINNING_TO_KNOW_BY = 64 * 1024;
 
-/// Reads all of a text in UTF-8, with or without a byte order mark.
 template <auto readText>
-auto readWhole(Source& source, const ReadOptions& options, ReadReport& report)
-    -> decltype(readText({}, {}, options, report))
+std::optional<Configuration> readWhole(Source& source, const ReadOptions& options,
+                                       ReadReport& report)
 {
-    const std::optional<std::string_view> bytes = source.readAll(options, report);
-    if (!bytes)
-        return {};
-    if (!isUtf16(*bytes))
-        return readText(withoutByteOrderMark(*bytes), source.getName(), options, report);
-    report.error = source.getName() + ": " + FOUND_UTF16;
-    return {};
-}
-
-template <auto openText>
-std::unique_ptr<Series> openWhole(std::unique_ptr<Source> source, const ReadOptions& options,
-                                  ReadReport& report)
-{
-    return readWhole<openText>(*source, options, report);
+    const auto text = readWholeText(source, options, report);
+    return text ? readText(*text, source.getName(), options, report) : std::nullopt;
 }
 
 bool isText(std::string_view beginning) { return !isUtf16(beginning) && !isBinary(beginning); }
@@ -72,7 +60,7 @@ const std::vector<Format>& formats()
          likenessToTable,
          readTable,
          openTable},
-        {"JSON", "JSON", {".json"}, likenessToJson, readWhole<readJson>, openWhole<openJson>},
+        {"JSON", "JSON", {".json"}, likenessToJson, readJson, openJson},
         {"PDB and mmCIF",
          "a structure",
          {".pdb", ".ent", ".cif", ".mmcif"},

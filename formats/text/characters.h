@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <string_view>
 
 namespace strandview {
@@ -33,6 +35,20 @@ public:
 private:
     bool isIn[256] = {};
 };
+
+/// In each of eight bytes.
+constexpr std::uint64_t eightTimes(std::uint64_t byte) { return byte * 0x0101010101010101; }
+
+/// Eight characters, the first of them in the lowest byte.
+inline std::uint64_t eightAt(const char* place)
+{
+    std::uint64_t eight;
+    std::memcpy(&eight, place, sizeof eight);
+#if __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__
+    eight = __builtin_bswap64(eight);
+#endif
+    return eight;
+}
 
 /// Where the line ends that a place is in, with LF or CR, or else with the text. It looks for one
 /// and the other by turns, some hundred characters at a time, which a search does many at once.

@@ -3,10 +3,11 @@
 
 #include <charconv>
 #include <cstdint>
-#include <cstring>
 #include <locale>
 #include <sstream>
 #include <string>
+
+#include <strandview/formats/text/characters.h>
 
 namespace strandview {
 
@@ -27,20 +28,6 @@ constexpr std::uint64_t WHOLE_POWERS[] = {1,      10,      100,      1000,     1
                                           100000, 1000000, 10000000, 100000000};
 constexpr std::uint64_t LARGEST_EXACT = std::uint64_t(1) << 53;
 constexpr std::ptrdiff_t MOST_DIGITS = 19; ///< that 64 bits hold
-
-/// In each of eight bytes.
-constexpr std::uint64_t eightTimes(std::uint64_t byte) { return byte * 0x0101010101010101; }
-
-/// Eight characters, the first of them in the lowest byte.
-std::uint64_t eightAt(const char* place)
-{
-    std::uint64_t eight;
-    std::memcpy(&eight, place, sizeof eight);
-#if __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__
-    eight = __builtin_bswap64(eight);
-#endif
-    return eight;
-}
 
 /// What eight digits say, which are numbers from 0 to 9: two, then four, then all side by side.
 std::uint64_t valueOf(std::uint64_t digits)

@@ -244,6 +244,10 @@ std::vector<WrittenFile> writtenFiles()
     const std::string fibres =
         "% frame 0\n% time 0.5\n% fiber f0:1\n 1 0 0 0\n 1 1.25 0 0\n% end\n"
         "% frame 1\n% time 1.5\n% fiber f0:1\n 1 0 0 0\n 1 1.25 0 1\n% end\n";
+    const std::string rod = R"("rods": [{"points": [[0, 0, 0], [0, 0, 1.5]]}]})";
+    const std::string json = R"({"series": [{"time": 1e0, )" + rod + R"(,
+        {"time": -2, )" + rod +
+                             R"(], "strandview": 1})";
     const std::string table = "0 0 0\n1.25 0 0\n\n\n\n0 0 0\n0 0 1\n\n1 1 1\n2.5 2 2\n\n\n";
     std::vector<TestAtom> atoms = duplexAtoms("ACG");
     for (TestAtom atom : duplexAtoms("ACG")) {
@@ -257,6 +261,7 @@ std::vector<WrittenFile> writtenFiles()
             {"run.txt", fibres, fibres.find("% frame 1"), 2},
             {"run.dat", table, table.find("\n\n\n") + 3, 2},
             {"run.oxdna", oxdna, oxdna.find("t = 1000"), 3},
+            {"run.json", json, json.find("{\"time\": -2"), 2},
             {"run.pdb", pdb, pdb.find("MODEL", pdb.find("ENDMDL")), 2}};
 }
 

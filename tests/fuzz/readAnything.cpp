@@ -16,9 +16,11 @@
 #include <strandview/analysis/dnaNumbers.h>
 #include <strandview/analysis/scalars.h>
 #include <strandview/formats/JsonReader.h>
+#include <strandview/formats/JsonSeries.h>
 #include <strandview/formats/Source.h>
 #include <strandview/formats/Unpacker.h>
 #include <strandview/formats/openSeries.h>
+#include <strandview/formats/text/encoding.h>
 #include <strandview/formats/writeJson.h>
 
 namespace strandview {
@@ -221,6 +223,23 @@ void readAll(const Format& format, std::string_view bytes, bool writes)
         requireWritten(*read);
 }
 
+// A text in JSON that is read as a whole is the same frame by frame.
+void requireSameFrames(std::string_view bytes)
+{
+    ReadReport report;
+    const std::unique_ptr<Series> all =
+        openJson(withoutByteOrderMark(bytes), "fuzzed", {}, report);
+    if (!all)
+        return;
+    const std::unique_ptr<Series> series =
+        openJson(Source::ofBytes("fuzzed", std::string(bytes)), {}, report);
+    require(series && series->count() == all->count(), "all frames are found: " + report.error);
+    for (std::size_t frame = 0; frame < all->count(); ++frame) {
+        require(series->time(frame) == all->time(frame), "a time is found");
+        require(series->load(frame).configuration.has_value(), "a frame is read");
+    }
+}
+
 // With the options that a user may add.
 void loadAll(const Format& format, std::string_view bytes, bool writes)
 {
@@ -256,6 +275,8 @@ void loadAll(const Format& format, std::string_view bytes, bool writes)
 void readAnything(const Format& format, std::string_view bytes, bool writes)
 {
     format.recognises(bytes);
+    if (format.name == "JSON")
+        requireSameFrames(bytes);
     readAll(format, bytes, writes);
     loadAll(format, bytes, writes);
 }
