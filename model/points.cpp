@@ -51,7 +51,7 @@ FOUR_AT_ONCE EdgeSums sumOfFour(const Vector* points, std::size_t length)
         const Four square = dot(edge, edge), norm = algebra3d::squareRoot(square);
         const FourMasks areOne = square < SMALLEST_SQUARE;
         sum += areOne ? none : norm;
-        shortest = ~areOne & (norm < shortest) ? norm : shortest;
+        shortest = (~areOne & (norm < shortest)) ? norm : shortest;
         coincident += areOne;
     }
     EdgeSums sums;
