@@ -1490,6 +1490,12 @@ protected:
         window = std::move(made);
         window->show();
         ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+        // Its parts may still be given their places, after which what is fitted fits otherwise.
+        QSize last;
+        ASSERT_TRUE(comesTo([&] {
+            QTest::qWait(30);
+            return std::exchange(last, view()->size()) == view()->size();
+        }));
         reset();
     }
 
