@@ -23,7 +23,7 @@ constexpr std::size_t PIECE = 1 << 20;
 /// In front of a series there is at most the version.
 constexpr std::size_t LONGEST_BEGINNING = 64 * 1024;
 /// Behind a series, too.
-constexpr std::size_t LONGEST_END = 1 << 20;
+constexpr std::size_t LONGEST_END = 16 << 20;
 /// Of a frame without what is in its lists: their names and the time.
 constexpr std::size_t LONGEST_OUTERMOST = 4096;
 /// Frames are less than a dozen deep.
@@ -170,7 +170,8 @@ bool JsonIndex::lookOn(Source& source, const ReadOptions& options, ReadReport& r
             scan(*next);
         if (isFaulty && fault.empty() && !findFault(source, options, report))
             return false;
-        if (fault.empty() && (isAtEnd || state == State::BEHIND_SERIES))
+        const bool isBlank = next->find_first_not_of(BLANKS) == std::string_view::npos;
+        if (fault.empty() && (isAtEnd || (state == State::BEHIND_SERIES && !isBlank)))
             checkEnd(isAtEnd, source, options, report);
         if (!fault.empty()) {
             report.error = fault;
@@ -408,7 +409,7 @@ void JsonIndex::checkEnd(bool isAtEnd, Source& source, const ReadOptions& option
     } else if (behind.size() > LONGEST_END) {
         fault = fileName + ":" + std::to_string(behindPlace.line) + ":" +
                 std::to_string(behindPlace.column) +
-                ": found more than 1 MiB behind the frames, expected the end of the file";
+                ": found more than 16 MiB behind the frames, expected the end of the file";
     } else if (outline == JsonOutline::CUT && isAtEnd && !options.growing) {
         report.notices.push_back(ofEnd.error + "; the frames before it are read");
     }
@@ -456,9 +457,10 @@ FrameRead JsonIndex::read(std::size_t frame, Source& source, const ReadOptions& 
     if (!text)
         return {};
     const std::optional<bool> isFirstTimed = frame > 0 ? isTimed : std::nullopt;
-    FrameRead read =
-        readJsonFrame({withoutComma(*text), {place.line, place.column}, frame, isFirstTimed},
-                      source.getName(), options, report);
+    // A comma at the end of what is cut is the frame's own.
+    const std::string_view ofFrame = isOpen ? std::string_view(*text) : withoutComma(*text);
+    FrameRead read = readJsonFrame({ofFrame, {place.line, place.column}, frame, isFirstTimed},
+                                   source.getName(), options, report);
     read.isCut = read.isCut && isOpen;
     return read;
 }

@@ -251,7 +251,13 @@ struct Archive::Zip
         const auto begin = beginOfStored(entry, fault);
         if (!begin)
             return {};
-        const std::uint64_t size = factsOf(entry).comp_size;
+        const zip_stat_t facts = factsOf(entry);
+        const std::uint64_t size = facts.comp_size;
+        if ((facts.valid & ZIP_STAT_SIZE) && facts.size != size) {
+            fault = "found " + std::to_string(size) + " bytes stored, expected " +
+                    std::to_string(facts.size);
+            return {};
+        }
         const std::uint64_t left = size - std::min(size, offset);
         const auto got = bytes.source.readAt(*begin + offset, to,
                                              std::size_t(std::min<std::uint64_t>(count, left)),

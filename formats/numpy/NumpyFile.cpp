@@ -87,6 +87,7 @@ std::unique_ptr<NumpyFile> NumpyFile::open(Source& source, const ReadOptions& op
     if (!beginning)
         return nullptr;
     std::unique_ptr<NumpyFile> file(new NumpyFile(source));
+    const bool isArchive = beginning->substr(0, 2) == "PK"; // it lies elsewhere once all is read
     if (isPickle(*beginning)) {
         report.error = source.getName() + ": " + pickleRefusal();
         return nullptr;
@@ -99,7 +100,7 @@ std::unique_ptr<NumpyFile> NumpyFile::open(Source& source, const ReadOptions& op
         size = all->size();
     }
     file->size = *size;
-    if (beginning->substr(0, 2) != "PK")
+    if (!isArchive)
         return file;
     file->archive = Archive::open(source, options, report);
     return file->archive ? std::move(file) : nullptr;

@@ -81,6 +81,8 @@ std::string faultOfAtomLine(std::string_view line)
     if (line.size() < SHORTEST_ATOM)
         return "found an atom of " + counted(line.size(), "character") + ", expected at least " +
                std::to_string(SHORTEST_ATOM);
+    if (line.substr(0, LAST_COLUMN).find('\0') != std::string_view::npos)
+        return "found a character of code 0, expected an atom in ASCII";
     for (std::size_t i = 0; i < 3; ++i) {
         const std::size_t first = FIRST_COORDINATE + i * COORDINATE_WIDTH;
         const std::string_view field = pdbColumns(line, first, COORDINATE_WIDTH);

@@ -19,6 +19,7 @@
 
 #include "support/FilesOfOthers.h"
 #include "support/TemporaryFolder.h"
+#include "support/everythingOf.h"
 #include "support/pack.h"
 #include "support/readText.h"
 
@@ -586,6 +587,34 @@ TEST(NumpyReader, RefusesAFrameThatIsFarLargerThanTheFileBeforeItIsUnpacked)
     EXPECT_FALSE(reading.configuration);
     EXPECT_EQ(reading.report.error, "here: found more than 100 times as many bytes of numbers in "
                                     "a frame as the file has, expected fewer");
+}
+
+TEST(NumpyReader, AnArchiveThatIsPackedOnceMoreIsReadAsItIs)
+{
+    std::vector<double> numbers;
+    for (int i = 0; i < 3 * 5000; ++i)
+        numbers.push_back(i % 7 + i);
+    const std::string bytes = archive({{"points", array("(5000, 3)", numbers)}});
+    const Reading plain = read(bytes);
+    ASSERT_TRUE(plain.configuration) << plain.report.error;
+    const TemporaryFolder folder;
+    for (const std::string& path : {folder.write("arm.npz.gz", packedByGzip(bytes)),
+                                    folder.write("arm.npz.zst", packedByZstandard(bytes))}) {
+        ReadReport report;
+        const auto unpacked = readFile(path, {}, report);
+        ASSERT_TRUE(unpacked) << report.error;
+        EXPECT_EQ(everythingOf(*unpacked), everythingOf(*plain.configuration));
+    }
+}
+
+TEST(NumpyReader, AStoredArrayHasAsManyBytesAsTheDirectorySays)
+{
+    std::string bytes = archive({{"points", array("(2, 3)", {0, 0, 0, 1, 0, 0})}});
+    const std::size_t inDirectory = bytes.find("PK\x01\x02");
+    bytes[inDirectory + 24] = char(bytes[inDirectory + 24] + 1); // the size, unpacked
+    const Reading reading = read(bytes);
+    EXPECT_FALSE(reading.configuration);
+    EXPECT_THAT(reading.report.error, StartsWith("here: points.npy: "));
 }
 
 TEST(NumpyReader, AWrongByteOfAPackedArrayIsToldInOneLine)

@@ -260,6 +260,8 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         BadText{"ShortLine", readPdb, "REMARK\n" + ATOM.substr(0, 40) + "\n",
                 "here:2: found an atom of 40 characters, expected at least 54"},
+        BadText{"Nul", readPdb, ATOM + ATOM.substr(0, 19) + '\0' + ATOM.substr(20),
+                "here:2: found a character of code 0, expected an atom in ASCII"},
         BadText{"NoNumber", readPdb, ATOM + replaced(ATOM, "  0.000  1.00", "  0.x00  1.00"),
                 "here:2: column 47 (z): found '0.x00', expected a finite number"},
         BadText{"NoCoordinate", readPdb,
