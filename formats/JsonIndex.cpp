@@ -19,7 +19,6 @@ namespace strandview {
 
 namespace {
 
-constexpr std::size_t PIECE = 1 << 20;
 /// In front of a series there is at most the version.
 constexpr std::size_t LONGEST_BEGINNING = 64 * 1024;
 /// Behind a series, too.
@@ -162,10 +161,10 @@ bool JsonIndex::lookOn(Source& source, const ReadOptions& options, ReadReport& r
 {
     Pieces pieces(source, options, report);
     for (bool isAtEnd = false; !isAtEnd;) {
-        const std::optional<std::string_view> next = pieces.read(scanned, PIECE);
+        const std::optional<std::string_view> next = pieces.read(scanned, Pieces::SIZE);
         if (!next)
             return false;
-        isAtEnd = next->size() < PIECE;
+        isAtEnd = next->size() < Pieces::SIZE;
         if (!isFaulty)
             scan(*next);
         if (isFaulty && fault.empty() && !findFault(source, options, report))

@@ -14,9 +14,7 @@
 #include <QComboBox>
 #include <QDoubleSpinBox>
 #include <QGLWidget>
-#include <QImage>
 #include <QLabel>
-#include <QScreen>
 #include <QSettings>
 #include <QSlider>
 #include <QSpinBox>
@@ -26,6 +24,7 @@
 
 #include <SoRod.h>
 
+#include "countColours.h"
 #include "programWindows.h"
 #include "scene/DataScene.h"
 #include "scene/SceneLoader.h"
@@ -351,20 +350,13 @@ TEST_F(PlayerTest, EdgesAreSmoothAgainAsSoonAsPlayingStops)
     options.series.framesPerSecond = 0.01; // so that the same frame is shown while it plays
     openSeries(2);
     const QWidget& view = *window->findChild<QGLWidget*>();
-    const auto coloursShown = [&view] {
-        const QImage image = view.screen()->grabWindow(view.winId()).toImage();
-        std::set<QRgb> colours;
-        for (int y = 0; y < image.height(); ++y)
-            for (int x = 0; x < image.width(); ++x)
-                colours.insert(image.pixel(x, y));
-        return colours.size();
-    };
-    ASSERT_TRUE(comesTo([&] { return coloursShown() > 30; }));
-    const std::size_t smooth = coloursShown();
+    ASSERT_TRUE(comesTo([&] { return countColours(view) > 30; }));
+    const int smooth = countColours(view);
     pressRealKey("k");
-    EXPECT_TRUE(comesTo([&] { return player()->isPlaying() && coloursShown() < 0.9 * smooth; }));
+    EXPECT_TRUE(
+        comesTo([&] { return player()->isPlaying() && countColours(view) < 0.9 * smooth; }));
     pressRealKey("k");
-    EXPECT_TRUE(comesTo([&] { return coloursShown() == smooth; }));
+    EXPECT_TRUE(comesTo([&] { return countColours(view) == smooth; }));
 }
 
 // What stays, and what is told

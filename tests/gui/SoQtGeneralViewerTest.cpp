@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <SoQtGeneralViewer.h>
-#include <set>
 
 #include <algorithm>
 #include <cstdlib>
+#include <memory>
 #include <set>
 #include <sstream>
 
@@ -11,7 +11,6 @@
 #include <QLineEdit>
 #include <QPointer>
 #include <QPushButton>
-#include <QScreen>
 #include <QtTest/QTest>
 #include <gmock/gmock.h>
 
@@ -32,6 +31,7 @@
 #include <ScreenshotDialog.h>
 
 #include "ViewerWindow.h"
+#include "countColours.h"
 
 using testing::AllOf;
 using testing::ContainsRegex;
@@ -75,6 +75,17 @@ SoDrawStyle* drawStyleOf(const SoGeneralScene& scene)
     auto* skeleton = static_cast<SoSeparator*>(scene.getChild(0));
     auto* solidGroup = static_cast<SoSeparator*>(skeleton->getChild(1));
     return static_cast<SoDrawStyle*>(solidGroup->getChild(0));
+}
+
+// With four samples per pixel; the others keep as many as they have.
+std::unique_ptr<OpenViewer> makeSmoothViewer(QWidget& parent)
+{
+    const QGLFormat before = QGLFormat::defaultFormat();
+    SoQtGeneralViewer::setDefaultAntialiasingLevel(4);
+    parent.resize(200, 200);
+    auto viewer = std::make_unique<OpenViewer>(&parent);
+    QGLFormat::setDefaultFormat(before);
+    return viewer;
 }
 
 } // namespace
@@ -354,14 +365,10 @@ TEST_F(SoQtGeneralViewerTest, TheAntialiasingLevelIsClamped)
 
 TEST_F(SoQtGeneralViewerTest, TheAntialiasingLevelReachesAViewerThatIsMadeAfterwards)
 {
-    const QGLFormat before = QGLFormat::defaultFormat();
-    SoQtGeneralViewer::setDefaultAntialiasingLevel(4);
     QWidget parent;
-    parent.resize(200, 200);
-    OpenViewer smooth(&parent);
-    QGLFormat::setDefaultFormat(before);
-    EXPECT_EQ(smooth.getSampleBuffers(), 4);
-    auto* glWidget = qobject_cast<QGLWidget*>(smooth.getGLWidget());
+    const std::unique_ptr<OpenViewer> smooth = makeSmoothViewer(parent);
+    EXPECT_EQ(smooth->getSampleBuffers(), 4);
+    auto* glWidget = qobject_cast<QGLWidget*>(smooth->getGLWidget());
     ASSERT_TRUE(glWidget);
     EXPECT_TRUE(glWidget->format().sampleBuffers());
     EXPECT_EQ(glWidget->format().samples(), 4);
@@ -369,33 +376,22 @@ TEST_F(SoQtGeneralViewerTest, TheAntialiasingLevelReachesAViewerThatIsMadeAfterw
 
 TEST_F(SoQtGeneralViewerTest, WhatIsDrawnCoarselyHasOneSampleUntilItIsDrawnFinelyAgain)
 {
-    const QGLFormat before = QGLFormat::defaultFormat();
-    SoQtGeneralViewer::setDefaultAntialiasingLevel(4);
     QWidget parent;
-    parent.resize(200, 200);
-    OpenViewer smooth(&parent);
-    QGLFormat::setDefaultFormat(before);
-    smooth.setFeedbackVisibility(FALSE); // the axes have colours of their own
-    smooth.setDecoration(FALSE);
-    smooth.setSceneGraph(scene);
-    smooth.rotateCamera(SbVec3f(0, 0, 1), 0.3); // so that edges go through pixels
+    const std::unique_ptr<OpenViewer> smooth = makeSmoothViewer(parent);
+    smooth->setFeedbackVisibility(FALSE); // the axes have colours of their own
+    smooth->setDecoration(FALSE);
+    smooth->setSceneGraph(scene);
+    smooth->rotateCamera(SbVec3f(0, 0, 1), 0.3); // so that edges go through pixels
     parent.show();
-    smooth.show();
-    auto* glWidget = qobject_cast<QGLWidget*>(smooth.getGLWidget());
-    const auto coloursAtEdges = [glWidget] { // between those of the cube and the background
-        const QImage picture = glWidget->screen()->grabWindow(glWidget->winId()).toImage();
-        std::set<QRgb> colours;
-        for (int y = 0; y < picture.height(); ++y)
-            for (int x = 0; x < picture.width(); ++x)
-                colours.insert(picture.pixel(x, y));
-        return int(colours.size()) - 2;
-    };
+    smooth->show();
+    // Between those of the cube and the background.
+    const auto coloursAtEdges = [&] { return countColours(*smooth->getGLWidget()) - 2; };
     EXPECT_TRUE(waitUntil([&] { return coloursAtEdges() > 0; }));
-    EXPECT_FALSE(smooth.isDrawnCoarsely());
-    smooth.drawCoarsely(true);
-    EXPECT_TRUE(smooth.isDrawnCoarsely());
+    EXPECT_FALSE(smooth->isDrawnCoarsely());
+    smooth->drawCoarsely(true);
+    EXPECT_TRUE(smooth->isDrawnCoarsely());
     EXPECT_TRUE(waitUntil([&] { return coloursAtEdges() == 0; }));
-    smooth.drawCoarsely(false);
+    smooth->drawCoarsely(false);
     EXPECT_TRUE(waitUntil([&] { return coloursAtEdges() > 0; }));
 }
 
