@@ -5,241 +5,285 @@
 #include <cmath>
 #include <limits>
 
-#include <algebra3d/rotations.h>
+#include <strandview/analysis/curveNumbers.h>
+#include <strandview/analysis/dnaNumbers.h>
+#include <strandview/analysis/helicalParameters.h>
 
 namespace strandview {
-
-using algebra3d::Vector3;
 
 namespace {
 
 using Values = std::vector<double>;
 
-// Per point from one value per edge: the mean of the two edges.
-Values fromEdges(const Values& edges)
+const double NONE = std::numeric_limits<double>::quiet_NaN();
+const double DEGREES = 180 / std::acos(-1.0);
+
+// A quantity and its formula: one of these.
+struct Row
 {
-    Values points(edges.size() + 1);
-    points.front() = edges.front();
-    points.back() = edges.back();
-    for (std::size_t i = 1; i < edges.size(); ++i)
-        points[i] = (edges[i - 1] + edges[i]) / 2;
-    return points;
+    Quantity quantity;
+    Values (*ofLine)(const Line& line) = nullptr;
+    Values (*rounding)(const Line& line) = nullptr; // of that; none is not-a-number
+    double (*ofPair)(const PairParameters& pair) = nullptr;
+    double (*ofStep)(const PlacedFrame& pair, const PlacedFrame& next) = nullptr;
+};
+
+Values exact(const Line& line) { return Values(line.points.size(), 0); }
+
+template <int component>
+Values strain(const Line& line)
+{
+    return strains(line, component);
 }
 
-// Inner ones by value(i); the ends take the value beside them. Zeros of fewer than three.
-template <typename Value>
-Values fromInner(std::size_t count, Value value)
+template <int component>
+Values roundingOfStrain(const Line& line)
 {
-    Values values(count);
-    if (count < 3)
-        return values;
-    for (std::size_t i = 1; i + 1 < count; ++i)
-        values[i] = value(i);
-    values.front() = values[1];
-    values.back() = values[count - 2];
-    return values;
+    return roundingOfStrains(line, component);
 }
 
-Values arcLength(const Rod& rod)
+template <double PairParameters::*member>
+double ofPair(const PairParameters& pair)
 {
-    Values values(rod.points.size());
-    for (std::size_t i = 1; i < values.size(); ++i)
-        values[i] = values[i - 1] + (rod.points[i] - rod.points[i - 1]).getNorm();
-    return values;
+    return pair.*member;
 }
 
-// The unit of the last decimal that numbers are written with: what they stand for was rounded to
-// it. Zero if it is larger than `coarsest`, or if they have more than twelve decimals, or so many
-// digits that a double does not tell.
-double lastDecimal(const Values& numbers, double coarsest)
+template <double StepParameters::*member>
+double ofStep(const PlacedFrame& pair, const PlacedFrame& next)
 {
-    double scale = 1;
-    for (int decimals = 0; decimals <= 12; ++decimals, scale *= 10) {
-        const auto isWhole = [scale](double number) {
-            const double units = number * scale;
-            return std::abs(units) < 1e13 && std::abs(units - std::round(units)) < 1e-2;
-        };
-        if (std::all_of(numbers.begin(), numbers.end(), isWhole))
-            return scale * coarsest < 1 ? 0 : 1 / scale;
-    }
-    return 0;
+    return stepParameters(pair, next).*member;
 }
 
-// Of the points; that of a lattice, whose edges are a few units long, is no rounding.
-double lastDecimalOfPoints(const Rod& rod)
+template <double HelicalParameters::*member>
+double ofScrew(const PlacedFrame& pair, const PlacedFrame& next)
 {
-    Values numbers;
-    numbers.reserve(3 * rod.points.size());
-    for (const Vector3<double>& point : rod.points)
-        numbers.insert(numbers.end(), {point.x, point.y, point.z});
-    return lastDecimal(numbers, 1e-3 * arcLength(rod).back() / double(rod.points.size() - 1));
+    return helicalParameters(pair, next).*member;
 }
 
-double lastDecimalOfFrames(const Rod& rod)
+double bendOf(const PlacedFrame& pair, const PlacedFrame& next)
 {
-    Values numbers;
-    numbers.reserve(4 * rod.rotations.size());
-    for (const algebra3d::Quaternion<double>& q : rod.rotations)
-        numbers.insert(numbers.end(), {q[0], q[1], q[2], q[3]});
-    return lastDecimal(numbers, 1e-4);
+    const StepParameters step = stepParameters(pair, next);
+    return std::hypot(step.tilt, step.roll);
 }
 
-// By how much the difference of two points may be off: some units in the last place of the
-// largest coordinate, or of the last decimal: half a unit in each of four coordinates, along the
-// diagonal.
-double roundingOfEdges(const Rod& rod)
+Row line(const char* name, const char* unit, bool isSigned, Values (*formula)(const Line&),
+         Values (*rounding)(const Line&), const char* meaning)
 {
-    double largest = 0;
-    for (const Vector3<double>& point : rod.points)
-        largest = std::max({largest, std::abs(point.x), std::abs(point.y), std::abs(point.z)});
-    return std::max(8 * std::numeric_limits<double>::epsilon() * largest,
-                    4 * lastDecimalOfPoints(rod));
+    return {{name, ScalarPlace::POINT, unit, isSigned, meaning}, formula, rounding};
 }
 
-double edgeLength(const Rod& rod, std::size_t edge)
+Row pair(const char* name, const char* unit, double (*formula)(const PairParameters&),
+         const char* meaning)
 {
-    return (rod.points[edge + 1] - rod.points[edge]).getNorm();
+    Row row{{name, ScalarPlace::PAIR, unit, true, meaning}};
+    row.ofPair = formula;
+    return row;
 }
 
-// The shorter of the edges that meet at an inner point.
-double shorterEdge(const Rod& rod, std::size_t i)
+Row step(const char* name, const char* unit, bool isSigned,
+         double (*formula)(const PlacedFrame&, const PlacedFrame&), const char* meaning)
 {
-    return std::min(edgeLength(rod, i - 1), edgeLength(rod, i));
+    Row row{{name, ScalarPlace::STEP, unit, isSigned, meaning}};
+    row.ofStep = formula;
+    return row;
 }
 
-// Twice the vector area of the triangle at a point; zero where the rod is straight.
-Vector3<double> doubleArea(const Rod& rod, std::size_t i)
+const std::vector<Row>& rows()
 {
-    return (rod.points[i] - rod.points[i - 1]).cross(rod.points[i + 1] - rod.points[i]);
+    using P = PairParameters;
+    using S = StepParameters;
+    using H = HelicalParameters;
+    static const std::vector<Row> all = {
+        line("arclength", "length", false, arcLengths, exact, "along the polygon, from 0"),
+        line("curvature", "1/length", false, curvatures, roundingOfCurvatures,
+             "of the circle through a point and its neighbours"),
+        line("torsion", "1/length", true, torsions, roundingOfTorsions,
+             "turn of that circle's plane per length"),
+        line("twist", "1/length", true, twistDensities, roundingOfTwistDensities,
+             "turn of d1 and d2 about d3 per length"),
+        line("kappa1", "1/length", true, strain<0>, roundingOfStrain<0>,
+             "bending of the material frame about d1"),
+        line("kappa2", "1/length", true, strain<1>, roundingOfStrain<1>,
+             "bending of the material frame about d2"),
+        line("kappa3", "1/length", true, strain<2>, roundingOfStrain<2>,
+             "twist of the material frame about d3"),
+        line("writhe_density", "1/length", true, writheDensities, nullptr,
+             "Gauss's integral with the rest of the curve per length"),
+        pair("shear", "Å", ofPair<&P::shear>, "of the bases, along x of the pair"),
+        pair("stretch", "Å", ofPair<&P::stretch>, "of the bases, along y of the pair"),
+        pair("stagger", "Å", ofPair<&P::stagger>, "of the bases, along z of the pair"),
+        pair("buckle", "°", ofPair<&P::buckle>, "of the bases, about x of the pair"),
+        pair("propeller", "°", ofPair<&P::propeller>, "of the bases, about y of the pair"),
+        pair("opening", "°", ofPair<&P::opening>, "of the bases, about z of the pair"),
+        step("shift", "Å", true, ofStep<&S::shift>, "to the next pair, along x half-way"),
+        step("slide", "Å", true, ofStep<&S::slide>, "to the next pair, along y half-way"),
+        step("rise", "Å", false, ofStep<&S::rise>, "to the next pair, along z half-way"),
+        step("tilt", "°", true, ofStep<&S::tilt>, "to the next pair, about x half-way"),
+        step("roll", "°", true, ofStep<&S::roll>, "to the next pair, about y half-way"),
+        step("twist", "°", false, ofStep<&S::twist>, "to the next pair, about z half-way"),
+        step("bend", "°", false, bendOf, "between z of a pair and of the next one"),
+        step("x_displacement", "Å", true, ofScrew<&H::xDisplacement>,
+             "from the step's screw axis, along x"),
+        step("y_displacement", "Å", true, ofScrew<&H::yDisplacement>,
+             "from the step's screw axis, along y"),
+        step("helical_rise", "Å", false, ofScrew<&H::rise>, "along the step's screw axis"),
+        step("inclination", "°", true, ofScrew<&H::inclination>,
+             "of the pair to the step's screw axis, about x"),
+        step("tip", "°", true, ofScrew<&H::tip>, "of the pair to the step's screw axis, about y"),
+        step("helical_twist", "°", false, ofScrew<&H::twist>, "about the step's screw axis"),
+    };
+    return all;
 }
 
-Values curvature(const Rod& rod)
+// "twist" of the pairs of a DNA is that of its steps, not that of a line.
+bool isOf(const Row& row, Track::Kind kind)
 {
-    const auto& p = rod.points;
-    return fromInner(p.size(), [&](std::size_t i) {
-        // The circle's radius is the product of the sides over four times the area.
-        const double sides =
-            edgeLength(rod, i - 1) * edgeLength(rod, i) * (p[i + 1] - p[i - 1]).getNorm();
-        return sides == 0 ? 0 : 2 * doubleArea(rod, i).getNorm() / sides;
+    const bool isOfPairs = kind == Track::Kind::DNA_PAIRS;
+    return row.ofLine ? !isOfPairs || row.quantity.name != "twist" : isOfPairs;
+}
+
+const Row* findRow(Track::Kind kind, const std::string& name)
+{
+    const auto row = std::find_if(rows().begin(), rows().end(), [&](const Row& candidate) {
+        return candidate.quantity.name == name && isOf(candidate, kind);
     });
+    return row == rows().end() ? nullptr : &*row;
 }
 
-// By how much the plane of the circle at an inner point may be turned by rounding, in
-// radians: the less the rod is bent there, the more; infinite if it is straight.
-double roundingOfPlane(const Rod& rod, std::size_t i, double ofEdges)
+const Scalar* findOfFile(const Track& track, const std::string& name)
 {
-    const double sides = edgeLength(rod, i - 1) * edgeLength(rod, i);
-    const double turn = sides == 0 ? 0 : doubleArea(rod, i).getNorm() / sides;
-    const double rounding = ofEdges / shorterEdge(rod, i);
-    return turn > 4 * rounding ? rounding / turn : std::numeric_limits<double>::infinity();
+    if (!track.rod)
+        return nullptr;
+    for (const Scalar& scalar : track.rod->scalars)
+        if (scalar.name == name)
+            return &scalar;
+    return nullptr;
 }
 
-Values torsion(const Rod& rod)
+// Calls a formula for the line of a track: that of closed DNA, whose last pair is another than its
+// first, with the first behind it, for which there is no value then.
+template <typename Formula>
+Values alongLine(const Track& track, Formula formula)
 {
-    const double ofEdges = roundingOfEdges(rod);
-    return fromEdges(fromInner(rod.points.size() - 1, [&](std::size_t i) {
-        if (std::isinf(roundingOfPlane(rod, i, ofEdges) + roundingOfPlane(rod, i + 1, ofEdges)))
-            return 0.0;
-        const Vector3<double> edge = rod.points[i + 1] - rod.points[i];
-        const Vector3<double> before = doubleArea(rod, i).getUnit();
-        const Vector3<double> after = doubleArea(rod, i + 1).getUnit();
-        return std::atan2(before.cross(after).dot(edge.getUnit()), before.dot(after)) /
-               edge.getNorm();
-    }));
-}
-
-Values twistOfEdges(const Rod& rod)
-{
-    Values values(rod.points.size() - 1);
-    for (std::size_t i = 0; i < values.size(); ++i) {
-        // The rotation between the two in the first one's frame: the angle of its part about d3.
-        const auto q = algebra3d::conjugate(rod.rotations[i]) * rod.rotations[i + 1];
-        values[i] =
-            std::remainder(2 * std::atan2(q[2], q[3]), 2 * std::acos(-1.0)) / edgeLength(rod, i);
-    }
+    if (track.points.size() < 2)
+        return Values(track.points.size(), 0);
+    if (!track.isClosed || !track.dna)
+        return formula(Line{track.points, track.rotations, track.isClosed});
+    auto rotations = track.rotations;
+    rotations.push_back(rotations.front());
+    const auto points = curveOf(track);
+    Values values = formula(Line{points, rotations, true});
+    values.pop_back();
     return values;
 }
 
-Values twist(const Rod& rod) { return fromEdges(twistOfEdges(rod)); }
-
-Values roundingOfCurvature(const Rod& rod)
+// Lengths in ångström.
+double inUnit(const Quantity& quantity, double value, double angstrom)
 {
-    const double ofEdges = roundingOfEdges(rod);
-    return fromInner(rod.points.size(), [&](std::size_t i) {
-        return ofEdges / (shorterEdge(rod, i) * shorterEdge(rod, i));
-    });
+    return quantity.unit == "Å" ? value / angstrom : value;
 }
 
-Values roundingOfTorsion(const Rod& rod)
+Values ofPairs(const Row& row, const Track& track)
 {
-    const double ofEdges = roundingOfEdges(rod);
-    return fromEdges(fromInner(rod.points.size() - 1, [&](std::size_t i) {
-        return (roundingOfPlane(rod, i, ofEdges) + roundingOfPlane(rod, i + 1, ofEdges)) /
-               edgeLength(rod, i);
-    }));
+    Values values;
+    for (const PairParameters& parameters : pairsOf(*track.dna))
+        values.push_back(inUnit(row.quantity, row.ofPair(parameters), track.angstrom));
+    return values;
 }
 
-Values roundingOfTwist(const Rod& rod)
+Values ofSteps(const Row& row, const Track& track)
 {
-    // Of the angle between two frames, and by the length of the edge of the whole.
-    const double angle =
-        std::max(16 * std::numeric_limits<double>::epsilon(), 8 * lastDecimalOfFrames(rod));
-    const double ofEdges = roundingOfEdges(rod);
-    const Values twists = twistOfEdges(rod);
-    Values values(rod.points.size() - 1);
-    for (std::size_t i = 0; i < values.size(); ++i) {
-        const double length = edgeLength(rod, i);
-        values[i] = (angle + std::abs(twists[i]) * ofEdges) / length;
-    }
-    return fromEdges(values);
-}
-
-bool isOfFile(const Rod& rod, const std::string& name)
-{
-    return std::any_of(rod.scalars.begin(), rod.scalars.end(),
-                       [&name](const Scalar& scalar) { return scalar.name == name; });
+    const std::vector<PlacedFrame> pairs = pairFrames(*track.dna);
+    Values values(pairs.size(), NONE);
+    const std::size_t steps = pairs.size() < 2 ? 0 : pairs.size() - (track.isClosed ? 0 : 1);
+    for (std::size_t i = 0; i < steps; ++i)
+        values[i] = inUnit(row.quantity, row.ofStep(pairs[i], pairs[(i + 1) % pairs.size()]),
+                           track.angstrom);
+    return values;
 }
 
 } // namespace
 
-const std::vector<std::string>& builtInScalars()
+const std::vector<Quantity>& quantities()
 {
-    static const std::vector<std::string> names = {"arclength", "curvature", "torsion", "twist"};
+    static const std::vector<Quantity> all = [] {
+        std::vector<Quantity> found;
+        for (const Row& row : rows())
+            found.push_back(row.quantity);
+        return found;
+    }();
+    return all;
+}
+
+const Quantity* findQuantity(Track::Kind kind, const std::string& name)
+{
+    const Row* const row = findRow(kind, name);
+    return row ? &row->quantity : nullptr;
+}
+
+std::vector<std::string> scalarNames(const Track& track)
+{
+    std::vector<std::string> names;
+    if (track.rod)
+        for (const Scalar& scalar : track.rod->scalars)
+            names.push_back(scalar.name);
+    for (const Row& row : rows())
+        if (isOf(row, track.kind) && !findOfFile(track, row.quantity.name))
+            names.push_back(row.quantity.name);
     return names;
+}
+
+std::optional<std::vector<double>> findScalar(const Track& track, const std::string& name)
+{
+    if (const Scalar* const ofFile = findOfFile(track, name))
+        return ofFile->values;
+    const Row* const row = findRow(track.kind, name);
+    if (!row)
+        return std::nullopt;
+    if (row->ofLine)
+        return alongLine(track, row->ofLine);
+    return row->ofPair ? ofPairs(*row, track) : ofSteps(*row, track);
+}
+
+std::vector<double> roundingOf(const Track& track, const std::string& name)
+{
+    Values values(track.points.size());
+    const Row* const row = findRow(track.kind, name);
+    if (!row || findOfFile(track, name) || name == "arclength" || values.empty())
+        return values;
+    if (row->rounding)
+        values = alongLine(track, row->rounding);
+    double least = 1e-9;
+    if (row->ofLine) {
+        const double length =
+            alongLine(track, [](const Line& line) { return arcLengths(line); }).back();
+        least = length > 0 ? 1e-9 / length : 0;
+    }
+    for (double& value : values)
+        value = std::max(value, least);
+    return values;
 }
 
 std::optional<std::vector<double>> findScalar(const Rod& rod, const std::string& name)
 {
-    for (const Scalar& scalar : rod.scalars) {
-        if (scalar.name == name)
-            return scalar.values;
-    }
-    if (name == "arclength")
-        return arcLength(rod);
-    if (name == "curvature")
-        return curvature(rod);
-    if (name == "torsion")
-        return torsion(rod);
-    if (name == "twist")
-        return twist(rod);
-    return std::nullopt;
+    return findScalar(trackOf(rod), name);
 }
 
 std::vector<double> roundingOf(const Rod& rod, const std::string& name)
 {
-    Values values(rod.points.size());
-    if (isOfFile(rod, name) || name == "arclength")
-        return values;
-    if (name == "curvature")
-        values = roundingOfCurvature(rod);
-    else if (name == "torsion")
-        values = roundingOfTorsion(rod);
-    else if (name == "twist")
-        values = roundingOfTwist(rod);
-    const double least = 1e-9 / arcLength(rod).back();
-    for (double& value : values)
-        value = std::max(value, least);
-    return values;
+    return roundingOf(trackOf(rod), name);
+}
+
+const std::vector<std::string>& builtInScalars()
+{
+    static const std::vector<std::string> names = [] {
+        std::vector<std::string> found;
+        for (const Row& row : rows())
+            if (row.ofLine)
+                found.push_back(row.quantity.name);
+        return found;
+    }();
+    return names;
 }
 
 } // namespace strandview

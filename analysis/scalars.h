@@ -6,30 +6,62 @@
 #include <string>
 #include <vector>
 
+#include <strandview/analysis/tracks.h>
 #include <strandview/analysisExport.h>
 #include <strandview/model/Configuration.h>
 
 namespace strandview {
 
-/// The scalars that every rod has, computed from its points and frames, one value per
-/// point. Ends take the value beside them.
-///
-/// arclength: along the polygon, from 0. curvature: of the circle through a point and
-/// its neighbours. torsion: by how much the plane of that circle turns, per length,
-/// positive for a right-handed curve; zero where the rod is straight but for rounding. twist: by
-/// how much d1 and d2 turn about d3, per length, positive for a right-handed turn.
-STRANDVIEW_ANALYSIS_EXPORT const std::vector<std::string>& builtInScalars();
+/// What a scalar has a value for.
+enum class ScalarPlace {
+    POINT, ///< of any line
+    PAIR,  ///< of a DNA
+    STEP   ///< from a pair to the next one, with the first of them
+};
 
-/// A scalar of the rod by name: one of its file, else a built-in one, else nothing.
+/// A number that is computed for each place of a line: what it is called and what it means.
+struct Quantity
+{
+    std::string name;  ///< "kappa1", "roll"
+    ScalarPlace place; ///< of what
+    std::string unit; ///< "°", "Å", or by the unit of the points "length", "1/length"; may be empty
+    bool isSigned;    ///< either sign is found, and 0 is a middle
+    std::string meaning; ///< a line for people
+};
+
+/// All that are computed, in the order in which they are told. Names are unique but for "twist",
+/// which is a density along a rod and the angle of a step of DNA.
+STRANDVIEW_ANALYSIS_EXPORT const std::vector<Quantity>& quantities();
+
+/// That of a name for a line of this kind, or null.
+STRANDVIEW_ANALYSIS_EXPORT const Quantity* findQuantity(Track::Kind kind, const std::string& name);
+
+/// The names of all scalars of a line: those of its file first, then those computed.
+STRANDVIEW_ANALYSIS_EXPORT std::vector<std::string> scalarNames(const Track& track);
+
+/// A scalar of a line by name: one of its file, else a computed one, else nothing. A value for each
+/// of its rows; what is not there is not-a-number: the step behind the last pair of an open DNA.
+///
+/// Along curves, values of edges and elements are brought to the points by the mean of the two that
+/// meet there, by their lengths; ends take the one beside them, but where a curve is closed. So the
+/// integral by the trapezoidal rule over arclength is the sum over the edges. What formulas are is
+/// in curveNumbers.h, stepParameters.h, helicalParameters.h. Any thread.
+STRANDVIEW_ANALYSIS_EXPORT std::optional<std::vector<double>> findScalar(const Track& track,
+                                                                         const std::string& name);
 STRANDVIEW_ANALYSIS_EXPORT std::optional<std::vector<double>> findScalar(const Rod& rod,
                                                                          const std::string& name);
 
 /// By how much the values of findScalar() may be off because points and frames are rounded, to
-/// double precision or to the decimals that they were written with, one number per point: as the
-/// formula carries the rounding on, and of curvature, torsion and twist a 1e-9th of 1 / length at
-/// least. Infinite where a torsion is not determined; zero of arclength and of the scalars of
+/// double precision or to the decimals that they were written with, one number per row: as the
+/// formula carries the rounding on, and at least a 1e-9th of 1 / length, or of a degree or
+/// ångström. Infinite where a torsion is not determined; zero of arclength and of the scalars of
 /// files.
+STRANDVIEW_ANALYSIS_EXPORT std::vector<double> roundingOf(const Track& track,
+                                                          const std::string& name);
 STRANDVIEW_ANALYSIS_EXPORT std::vector<double> roundingOf(const Rod& rod, const std::string& name);
+
+/// The names of those that every rod has: of quantities().
+STRANDVIEW_ANALYSIS_EXPORT const std::vector<std::string>& builtInScalars();
 
 } // namespace strandview
 

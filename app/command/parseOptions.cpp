@@ -298,8 +298,8 @@ void addColouring(CLI::App& app, Options& options)
     const std::string group = "Colour by data";
     CLI::Option* colourBy =
         app.add_option("--colour-by", options.colourBy,
-                       "Colour by a scalar of the file, or by arclength, curvature, torsion or "
-                       "twist")
+                       "Colour by a scalar of the file, or by arclength, curvature, torsion, "
+                       "twist, kappa1 and others")
             ->type_name("NAME")
             ->group(group);
     app.add_option_function<std::string>(

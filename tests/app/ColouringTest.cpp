@@ -172,8 +172,9 @@ TEST_F(ColouringTest, RodsWithoutTheScalarAreLeftOutAndCounted)
         ElementsAre("--colour-by k: found 2 rods of 3 without it, shown in their own colours"));
 
     EXPECT_FALSE(make({plain, straightRod({3, 4})}, "speed"));
-    EXPECT_EQ(report.error, "rod.txt:1: rod 1: found no scalar 'speed', expected one of k, "
-                            "arclength, curvature, torsion, twist");
+    EXPECT_EQ(report.error,
+              "rod.txt:1: rod 1: found no scalar 'speed', expected one of k, "
+              "arclength, curvature, torsion, twist, kappa1, kappa2, kappa3, writhe_density");
 }
 
 TEST_F(ColouringTest, SaysWhichColoursHaveNoEffect)

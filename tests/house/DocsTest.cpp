@@ -14,6 +14,7 @@
 
 #include <gmock/gmock.h>
 
+#include <strandview/analysis/scalars.h>
 #include <strandview/formats/Source.h>
 #include <strandview/formats/formats.h>
 #include <strandview/formats/readFile.h>
@@ -235,6 +236,20 @@ std::map<std::string, std::set<std::string>> picturesOf(const fs::path& page)
             pictures[section].insert(match[1]);
     }
     return pictures;
+}
+
+TEST(Docs, TheTableOfScalarsIsThatOfTheQuantities)
+{
+    const char* const places[] = {"point", "pair", "step"};
+    Lines rows;
+    for (const strandview::Quantity& quantity : strandview::quantities())
+        rows.push_back("| `" + quantity.name + "` | " + places[int(quantity.place)] + " | " +
+                       quantity.unit + " | " + (quantity.isSigned ? "yes" : "no") + " | " +
+                       quantity.meaning + " |");
+    Lines shown = readLines(PROJECT / "docs/numbers.md");
+    shown.erase(shown.begin(), std::find(shown.begin(), shown.end(), rows.front()));
+    shown.resize(std::min(shown.size(), rows.size()));
+    EXPECT_THAT(shown, testing::ElementsAreArray(rows));
 }
 
 TEST(Docs, AFormatHasThePictureOfASampleOfThatFormat)

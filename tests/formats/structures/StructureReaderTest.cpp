@@ -15,6 +15,7 @@
 #include <strandview/analysis/baseAtoms.h>
 #include <strandview/analysis/dnaNumbers.h>
 #include <strandview/analysis/fitFrame.h>
+#include <strandview/analysis/helicalParameters.h>
 #include <strandview/formats/JsonReader.h>
 #include <strandview/formats/Source.h>
 #include <strandview/formats/openSeries.h>
@@ -433,6 +434,28 @@ TEST_F(StructuresOfOthers, StepsOf1bnaAreThosePublished)
         for (std::size_t k = 0; k < 3; ++k) {
             EXPECT_NEAR(lengths[k], std::stod(rows[i][first + k]), 0.002) << tags[first + k];
             EXPECT_NEAR(angles[k], std::stod(rows[i][first + 3 + k]), 0.02) << tags[first + 3 + k];
+        }
+    }
+}
+
+TEST_F(StructuresOfOthers, ScrewsOf1bnaAreThosePublished)
+{
+    const Configuration data = load("1bna.cif");
+    const std::vector<PlacedFrame> pairs = pairFrames(onlyDna(data));
+    std::vector<std::string> tags;
+    const auto rows = tableOf(folder + "1bna.cif", "_ndb_struct_na_base_pair_step.", tags);
+    const auto first =
+        std::size_t(std::find(tags.begin(), tags.end(), "x_displacement") - tags.begin());
+    ASSERT_EQ(rows.size(), 11u);
+    ASSERT_EQ(pairs.size(), 12u);
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        SCOPED_TRACE(i);
+        const HelicalParameters screw = helicalParameters(pairs[i], pairs[i + 1]);
+        const double lengths[] = {screw.xDisplacement, screw.yDisplacement, screw.rise};
+        const double angles[] = {screw.inclination, screw.tip, screw.twist};
+        for (std::size_t k = 0; k < 3; ++k) {
+            EXPECT_NEAR(lengths[k], std::stod(rows[i][first + k]), 0.004) << tags[first + k];
+            EXPECT_NEAR(angles[k], std::stod(rows[i][first + 3 + k]), 0.04) << tags[first + 3 + k];
         }
     }
 }
