@@ -22,23 +22,31 @@ using Values = std::vector<double>;
 
 const double NONE = std::numeric_limits<double>::quiet_NaN();
 
-// The names of all scalars, those of files first.
-std::string availableScalars(const std::vector<Rod>& rods)
+// Those whose places have colours: rods, the curves of birods, pairs of DNA.
+std::vector<Track> colouredTracks(const Configuration& configuration, double angstrom)
 {
-    std::vector<std::string> names;
-    const auto add = [&names](const std::string& name) {
+    std::vector<Track> coloured;
+    for (const Track& track : tracksOf(configuration, angstrom))
+        if (track.kind != Track::Kind::DNA_STRAND)
+            coloured.push_back(track);
+    return coloured;
+}
+
+// The names of all scalars, those of files first.
+std::string availableScalars(const std::vector<Track>& tracks)
+{
+    std::vector<std::string> ofFiles, computed;
+    const auto add = [](std::vector<std::string>& names, const std::string& name) {
         if (std::find(names.begin(), names.end(), name) == names.end())
             names.push_back(name);
     };
-    for (const Rod& rod : rods) {
-        for (const Scalar& scalar : rod.scalars)
-            add(scalar.name);
-    }
-    for (const std::string& name : builtInScalars())
-        add(name);
+    for (const Track& track : tracks)
+        for (const std::string& name : scalarNames(track))
+            add(findQuantity(track.kind, name) ? computed : ofFiles, name);
     std::string text;
-    for (const std::string& name : names)
-        text += (text.empty() ? "" : ", ") + name;
+    for (const auto* names : {&ofFiles, &computed})
+        for (const std::string& name : *names)
+            text += (text.empty() ? "" : ", ") + name;
     return text;
 }
 
@@ -68,11 +76,9 @@ std::string checkLimits(const Options& options, const Limits& limits, const Limi
 }
 
 // Those that colours of data replace. Of hidden tubes and ribbons it is told elsewhere.
-void noteIgnoredColours(const Options& options, const Configuration& configuration,
-                        const Colouring& colouring, ReadReport& report)
+void noteIgnoredColours(const Options& options, const Colouring& colouring, ReadReport& report)
 {
-    const bool allColoured = configuration.birods.empty() &&
-                             std::none_of(colouring.places.begin(), colouring.places.end(),
+    const bool allColoured = std::none_of(colouring.places.begin(), colouring.places.end(),
                                           [](const Values& places) { return places.empty(); });
     if (!allColoured)
         return;
@@ -96,12 +102,18 @@ void note(const Options& options, const Colouring& colouring, const ValueSummary
     if (summary.missing > 0)
         tell("found " + counted(summary.missing, "value") + " that " +
              (summary.missing == 1 ? "is" : "are") + " no number, shown in grey");
-    const std::size_t without =
-        std::size_t(std::count_if(colouring.places.begin(), colouring.places.end(),
-                                  [](const Values& places) { return places.empty(); }));
-    if (without > 0)
-        tell("found " + counted(without, "rod") + " of " + std::to_string(colouring.places.size()) +
-             " without it, shown in " + (without == 1 ? "its own colours" : "their own colours"));
+    const auto tellWithout = [&](const char* noun, std::size_t first, std::size_t count,
+                                 std::size_t each) {
+        std::size_t without = 0;
+        for (std::size_t i = 0; i < count; ++i)
+            without += colouring.places[first + each * i].empty() ? 1 : 0;
+        if (without > 0)
+            tell("found " + counted(without, noun) + " of " + std::to_string(count) +
+                 " without it, shown in " +
+                 (without == 1 ? "its own colours" : "their own colours"));
+    };
+    tellWithout("rod", 0, colouring.rods, 1);
+    tellWithout("birod", colouring.rods, colouring.birods, 3);
 }
 
 ColourMapper makeRamp(const Options& options)
@@ -160,13 +172,13 @@ double placeBesideConstant(const Colouring& colouring, double value, double roun
     return value - rounding > colouring.constantMax + slack ? 2 : 0.5;
 }
 
-void placeBesideConstant(Colouring& colouring, const std::vector<Rod>& rods)
+void placeBesideConstant(Colouring& colouring, const std::vector<Track>& tracks)
 {
-    for (std::size_t i = 0; i < rods.size(); ++i) {
+    for (std::size_t i = 0; i < tracks.size(); ++i) {
         Values& places = colouring.places[i];
         if (places.empty())
             continue;
-        const Values rounding = roundingOf(rods[i], colouring.name);
+        const Values rounding = roundingOf(tracks[i], colouring.name);
         for (std::size_t point = 0; point < places.size(); ++point)
             places[point] = placeBesideConstant(colouring, places[point], rounding[point]);
     }
@@ -186,38 +198,106 @@ void placeConstant(Colouring& colouring, const ValueSummary& summary)
     noteWhatThereIs(colouring);
 }
 
-// The values of each rod, not yet their places.
-std::vector<Values> findValues(const std::vector<Rod>& rods, const std::string& name)
+bool isOfPairs(const Track& track, const std::string& name)
 {
+    const Quantity* const quantity = findQuantity(track.kind, name);
+    return quantity && quantity->place != ScalarPlace::POINT;
+}
+
+bool isOfFile(const Track& track, const std::string& name)
+{
+    return track.rod && std::any_of(track.rod->scalars.begin(), track.rod->scalars.end(),
+                                    [&](const Scalar& scalar) { return scalar.name == name; });
+}
+
+// The last pair of an open DNA, from which no step goes on, is shown as the one before it.
+Values withLastPair(const Track& track, const std::string& name, Values values)
+{
+    const Quantity* const quantity = findQuantity(track.kind, name);
+    if (quantity && quantity->place == ScalarPlace::STEP && values.size() > 1 && !track.isClosed)
+        values.back() = values[values.size() - 2];
+    return values;
+}
+
+// Farther from the axis no phosphate of a double strand is.
+const double REACH_OF_PAIRS = 20; // ångström
+
+// Of the backbone of a DNA that is a rod of its own: at each point that of the nearest pair of its
+// molecule, or no number where none is near; nothing without such a DNA.
+Values ofNearestPairs(const Rod& backbone, const std::vector<Track>& tracks,
+                      const std::vector<Values>& values)
+{
+    Values nearest;
+    std::vector<double> distances(backbone.points.size());
+    for (std::size_t i = 0; i < tracks.size(); ++i) {
+        const Track& track = tracks[i];
+        if (!track.dna || track.dna->molecule != backbone.molecule)
+            continue;
+        if (nearest.empty()) {
+            nearest.assign(backbone.points.size(), NONE);
+            distances.assign(backbone.points.size(), REACH_OF_PAIRS * track.angstrom);
+        }
+        for (std::size_t pair = 0; pair < values[i].size(); ++pair)
+            for (std::size_t point = 0; point < distances.size(); ++point) {
+                const double distance = (backbone.points[point] - track.points[pair]).getNorm();
+                if (distance < distances[point]) {
+                    distances[point] = distance;
+                    nearest[point] = values[i][pair];
+                }
+            }
+    }
+    return nearest;
+}
+
+// The values of each, not yet their places. A number of pairs or steps is another one than that of
+// the same name of rods; backbones have that of their pairs.
+std::vector<Values> findValues(const std::vector<Track>& tracks, const std::string& name)
+{
+    const bool areOfPairs = std::any_of(tracks.begin(), tracks.end(),
+                                        [&](const Track& track) { return isOfPairs(track, name); });
     std::vector<Values> all;
-    for (const Rod& rod : rods)
-        all.push_back(findScalar(rod, name).value_or(Values()));
+    for (const Track& track : tracks) {
+        const bool isMeant = !areOfPairs || isOfPairs(track, name) || isOfFile(track, name);
+        all.push_back(isMeant
+                          ? withLastPair(track, name, findScalar(track, name).value_or(Values()))
+                          : Values());
+    }
+    for (std::size_t i = 0; areOfPairs && i < tracks.size(); ++i) {
+        const Rod* const rod = tracks[i].rod;
+        if (rod && rod->isBackbone && rod->molecule > 0 && all[i].empty())
+            all[i] = ofNearestPairs(*rod, tracks, all);
+    }
     return all;
 }
 
-ValueSummary summarise(const std::vector<Values>& values, const std::vector<Rod>& rods,
+ValueSummary summarise(const std::vector<Values>& values, const std::vector<Track>& tracks,
                        const std::string& name)
 {
     ValueSummary summary;
-    for (std::size_t i = 0; i < rods.size(); ++i) {
+    for (std::size_t i = 0; i < tracks.size(); ++i) {
         if (values[i].empty())
             continue;
-        const Values rounding = roundingOf(rods[i], name);
+        const Values rounding = roundingOf(tracks[i], name);
         for (std::size_t point = 0; point < values[i].size(); ++point)
             summary.include(values[i][point], rounding[point]);
     }
     return summary;
 }
 
+const std::string& originOf(const Track& track)
+{
+    return track.rod ? track.rod->origin : track.dna ? track.dna->origin : track.birod->origin;
+}
+
 // One line if there is nothing to colour by, or nothing.
-std::string checkValues(const Options& options, const std::vector<Rod>& rods,
+std::string checkValues(const Options& options, const std::vector<Track>& tracks,
                         const std::vector<Values>& values, const ValueSummary& summary)
 {
     const bool found = std::any_of(values.begin(), values.end(),
-                                   [](const Values& ofRod) { return !ofRod.empty(); });
+                                   [](const Values& ofTrack) { return !ofTrack.empty(); });
     if (!found)
-        return rods.front().origin + ": found no scalar " + inQuotes(*options.colourBy) +
-               ", expected one of " + availableScalars(rods);
+        return originOf(tracks.front()) + ": found no scalar " + inQuotes(*options.colourBy) +
+               ", expected one of " + availableScalars(tracks);
     if (summary.values.isEmpty())
         return optionText(options) + ": found no value that is a number, expected one";
     return "";
@@ -263,27 +343,31 @@ std::string ValueSummary::constantText() const
     return numberText(number, digits > 1 ? int(std::min<double>(digits, mostDigits)) : 1);
 }
 
-ValueSummary summarise(const std::vector<Rod>& rods, const std::string& name)
+ValueSummary summarise(const Configuration& configuration, const std::string& name, double angstrom)
 {
-    return summarise(findValues(rods, name), rods, name);
+    const std::vector<Track> tracks = colouredTracks(configuration, angstrom);
+    return summarise(findValues(tracks, name), tracks, name);
 }
 
 std::optional<Colouring> makeColouring(const Options& options, const Configuration& configuration,
                                        ReadReport& report, const ValueSummary* ofOthers)
 {
-    const std::vector<Rod>& rods = configuration.rods;
-    if (rods.empty()) {
-        report.error = "--colour-by: found no rod to colour, expected one";
+    const std::vector<Track> tracks = colouredTracks(configuration, options.dna.angstrom);
+    if (tracks.empty()) {
+        report.error = "--colour-by: found no rod to colour, and no DNA, expected one";
         return std::nullopt;
     }
     Colouring colouring;
     colouring.name = *options.colourBy;
+    colouring.rods = configuration.rods.size();
+    colouring.birods = configuration.birods.size();
+    colouring.angstrom = options.dna.angstrom;
     colouring.ramp = makeRamp(options);
-    colouring.places = findValues(rods, colouring.name);
-    ValueSummary summary = summarise(colouring.places, rods, colouring.name);
+    colouring.places = findValues(tracks, colouring.name);
+    ValueSummary summary = summarise(colouring.places, tracks, colouring.name);
     if (ofOthers)
         summary.include(*ofOthers);
-    report.error = checkValues(options, rods, colouring.places, summary);
+    report.error = checkValues(options, tracks, colouring.places, summary);
     if (!report.error.empty())
         return std::nullopt;
     if (!options.rangeMin && !options.rangeMax && summary.isConstant()) {
@@ -299,7 +383,7 @@ std::optional<Colouring> makeColouring(const Options& options, const Configurati
         place(colouring);
     }
     note(options, colouring, summary, report);
-    noteIgnoredColours(options, configuration, colouring, report);
+    noteIgnoredColours(options, colouring, report);
     return colouring;
 }
 
@@ -307,12 +391,31 @@ Colouring followColouring(const Colouring& first, const Configuration& next)
 {
     Colouring colouring = first;
     colouring.isBelow = colouring.isAbove = colouring.isMissing = false;
-    colouring.places = findValues(next.rods, first.name);
+    const std::vector<Track> tracks = colouredTracks(next, first.angstrom);
+    colouring.rods = next.rods.size();
+    colouring.birods = next.birods.size();
+    colouring.places = findValues(tracks, first.name);
     if (first.constant.empty())
         place(colouring);
     else
-        placeBesideConstant(colouring, next.rods);
+        placeBesideConstant(colouring, tracks);
     return colouring;
+}
+
+std::vector<Colour> coloursOf(const Colouring& colouring, const std::vector<double>& places)
+{
+    ColourMapper mapper = colouring.ramp;
+    auto* material = new SoMaterial;
+    material->ref();
+    SoGeneralScene::generateMaterial(&mapper, material, 0, places);
+    std::vector<Colour> colours;
+    for (std::size_t i = 0; i < places.size(); ++i) {
+        const SbColor& colour = material->diffuseColor[int(i)];
+        colours.push_back(std::isnan(places[i]) ? NO_VALUE_COLOUR
+                                                : Colour{colour[0], colour[1], colour[2]});
+    }
+    material->unref();
+    return colours;
 }
 
 // Rows

@@ -39,9 +39,24 @@ struct Colouring
     double constantMin = 0; ///< numbers between these are that one
     double constantMax = 0;
 
-    /// Per point of each rod: below 0 or above 1 if the value lies beyond the ends, and
-    /// not-a-number if it is no number. Empty for a rod without the scalar.
+    /// Of each rod, then of the average and the strands of each birod, then of the pairs of each
+    /// DNA, per point: below 0 or above 1 if the value lies beyond the ends, and not-a-number if it
+    /// is no number. Empty for one without the scalar.
     std::vector<std::vector<double>> places;
+    std::size_t rods = 0; ///< among the places
+    std::size_t birods = 0;
+    double angstrom = 1; ///< in the unit of the data
+
+    const std::vector<double>& ofRod(std::size_t index) const { return places[index]; }
+    /// Of the average, 0, or a strand, 1 or 2.
+    const std::vector<double>& ofBirod(std::size_t index, std::size_t curve) const
+    {
+        return places[rods + 3 * index + curve];
+    }
+    const std::vector<double>& ofDna(std::size_t index) const
+    {
+        return places[rods + 3 * birods + index];
+    }
 
     // What there is among the places.
     bool isBelow = false;
@@ -84,23 +99,28 @@ struct ValueSummary
     std::size_t missing = 0; ///< so many are no numbers
 };
 
-/// Of the scalar of that name of all rods that have it.
-ValueSummary summarise(const std::vector<Rod>& rods, const std::string& name);
+/// Of the scalar of that name of all that have it; `angstrom` is one in the unit of the data.
+ValueSummary summarise(const Configuration& configuration, const std::string& name,
+                       double angstrom);
 
 /// The colouring that the options ask for by name. Its limits are those of all values unless
 /// given. Values that differ by less than a 1e-9th of the largest, or by what the rounding of
-/// points and frames may cause, are a constant. A notice tells this, how many rods have no
-/// such scalar, how many values are no numbers, and which options have no effect. Nothing, and
-/// one line in report.error, if no rod has the scalar, none of its values is a number, or the
+/// points and frames may cause, are a constant. What is a number of pairs or steps of DNA is not
+/// that of rods that are there besides. A notice tells a constant, how many rods, birods or DNA
+/// have no such scalar, how many values are no numbers, and which options have no effect. Nothing,
+/// and one line in report.error, if nothing has the scalar, none of its values is a number, or the
 /// limits leave no room between them. The values of other frames of a series, if given, count for
 /// the limits, and the constant, as the configuration's own do.
 std::optional<Colouring> makeColouring(const Options& options, const Configuration& configuration,
                                        ReadReport& report, const ValueSummary* ofOthers = nullptr);
 
 /// The same colouring of another frame, in any thread: name, ramp, the values at its ends and the
-/// constant stay, and the values of the frame get their places among them. Rods without the scalar
-/// have none.
+/// constant stay, and the values of the frame get their places among them. What is without the
+/// scalar has none.
 Colouring followColouring(const Colouring& first, const Configuration& next);
+
+/// The colour of each place, grey where there is none.
+std::vector<Colour> coloursOf(const Colouring& colouring, const std::vector<double>& places);
 
 /// Appends to the material's ambient and diffuse colours, from entry `offset` on, one for each
 /// of the arc lengths `at`, along a curve whose points have these ascending arc lengths and

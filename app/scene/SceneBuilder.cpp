@@ -218,7 +218,8 @@ std::string showFrame(DataScene& scene, const Configuration& data, const Colouri
     assert(geometry.rods.size() == data.rods.size());
     assert(geometry.birods.size() == data.birods.size());
     assert(geometry.dnas.size() == data.dnas.size());
-    assert(!colouring || colouring->places.size() == data.rods.size());
+    assert(!colouring ||
+           (colouring->rods == data.rods.size() && colouring->birods == data.birods.size()));
     FrameChange change(scene, {data, scene.getStyle(), scene.getPlacement(), colouring,
                                scene.areColoursShown(), geometry});
     std::string error = change.prepare(progress);

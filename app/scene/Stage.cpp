@@ -89,7 +89,8 @@ public:
             return true;
         include(*loaded.configuration);
         if (options.colourBy)
-            values.include(summarise(loaded.configuration->rods, *options.colourBy));
+            values.include(
+                summarise(*loaded.configuration, *options.colourBy, options.dna.angstrom));
         return true;
     }
 

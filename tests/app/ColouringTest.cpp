@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 
 #include <strandview/analysis/parallelTransport.h>
+#include <strandview/analysis/stepParameters.h>
 
 #include "support/initialiseSceneOnce.h"
 
@@ -264,6 +265,115 @@ TEST_F(ColouringTest, OfAnotherFrameOfAConstantForgivesTheRoundingOfBoth)
     EXPECT_THAT(turned.places[0], testing::Each(0.5));
     const Colouring smaller = followColouring(*first, {{circle(60, 1.9, 1.1)}});
     EXPECT_THAT(smaller.places[0], testing::Each(testing::Gt(1)));
+}
+
+// Three pairs, the steps of which roll by these angles.
+Dna rolled(double first, double second)
+{
+    Dna dna;
+    dna.origin = "dna.par:1: DNA 1";
+    PlacedFrame pair;
+    for (const double roll : {first, second, 0.0}) {
+        dna.bases += 'A';
+        for (auto* points : {&dna.pairPoints, &dna.points1, &dna.points2})
+            points->push_back(pair.point);
+        for (auto* rotations : {&dna.pairRotations, &dna.rotations1, &dna.rotations2})
+            rotations->push_back(pair.rotation);
+        pair = nextPair(pair, {0, 0, 3.4, 0, roll, 34});
+    }
+    return dna;
+}
+
+TEST_F(ColouringTest, OfDnaIsByItsPairsAndTheLastOneHasTheLastStep)
+{
+    Configuration data;
+    data.dnas = {rolled(2, 7), rolled(12, -3)};
+    options.colourBy = "roll";
+    options.rangeMin = -3;
+    options.rangeMax = 12;
+    const auto made = makeColouring(options, data, report);
+    ASSERT_TRUE(made) << report.error;
+    EXPECT_THAT(report.notices, IsEmpty());
+    const auto near = [](double value) { return testing::DoubleNear(value, 1e-12); };
+    EXPECT_THAT(made->ofDna(0), ElementsAre(near(1 / 3.0), near(2 / 3.0), near(2 / 3.0)));
+    EXPECT_THAT(made->ofDna(1), ElementsAre(near(1), near(0), near(0)));
+    EXPECT_EQ(followColouring(*made, {{}, {}, {rolled(12, 2)}}).ofDna(0).size(), 3u);
+}
+
+TEST_F(ColouringTest, ABackboneHasThatOfItsPairs)
+{
+    Configuration data;
+    data.dnas = {rolled(2, 7)};
+    data.dnas[0].molecule = 1;
+    Rod backbone = rodThrough({{9, 0, 0.5}, {0, 9, 3}, {0, 9, 9}, {0, 30, 9}});
+    backbone.isBackbone = true;
+    backbone.molecule = 1;
+    Rod other = backbone;
+    other.molecule = 2;
+    data.rods = {backbone, other};
+    options.colourBy = "roll";
+    const auto made = makeColouring(options, data, report);
+    ASSERT_TRUE(made) << report.error;
+    EXPECT_THAT(made->ofRod(0), ElementsAre(0, 1, 1, testing::NanSensitiveDoubleEq(NONE)));
+    EXPECT_THAT(made->ofRod(1), IsEmpty());
+}
+
+TEST_F(ColouringTest, OfABirodIsByItsThreeCurves)
+{
+    Configuration data;
+    data.rods = {straightRod({0, 4})};
+    Birod birod;
+    birod.origin = "ladder.json: birods[0]";
+    for (auto* points : {&birod.points, &birod.points1, &birod.points2})
+        for (int i = 0; i < 3; ++i)
+            points->emplace_back(0, 0, (points == &birod.points ? 1.0 : 2.0) * i);
+    birod.rotations = birod.rotations1 = birod.rotations2 = parallelTransport(birod.points);
+    data.birods = {birod};
+    options.colourBy = "arclength";
+    const auto made = makeColouring(options, data, report);
+    ASSERT_TRUE(made) << report.error;
+    EXPECT_THAT(made->ofRod(0), ElementsAre(0, 0.25));
+    EXPECT_THAT(made->ofBirod(0, 0), ElementsAre(0, 0.25, 0.5));
+    EXPECT_THAT(made->ofBirod(0, 2), ElementsAre(0, 0.5, 1));
+}
+
+TEST_F(ColouringTest, ByTheTwistOfStepsLeavesOutRodsWhoseTwistIsAnotherNumber)
+{
+    Configuration data;
+    data.rods = {straightRod({0, 4})};
+    data.dnas = {rolled(0, 0)};
+    options.colourBy = "twist";
+    const auto made = makeColouring(options, data, report);
+    ASSERT_TRUE(made) << report.error;
+    EXPECT_THAT(made->ofRod(0), IsEmpty());
+    EXPECT_THAT(made->ofDna(0), SizeIs(3));
+    EXPECT_THAT(report.notices, testing::Contains(HasSubstr("found 1 rod of 1 without it")));
+    data.dnas.clear();
+    EXPECT_THAT(makeColouring(options, data, report)->ofRod(0), SizeIs(2));
+}
+
+TEST_F(ColouringTest, OfDnaWithoutTheScalarNamesAllThereAre)
+{
+    Configuration data;
+    data.dnas = {rolled(0, 0)};
+    options.colourBy = "speed";
+    EXPECT_FALSE(makeColouring(options, data, report));
+    EXPECT_THAT(report.error, testing::StartsWith("dna.par:1: DNA 1: found no scalar 'speed', "
+                                                  "expected one of arclength, curvature"));
+    EXPECT_THAT(report.error, HasSubstr("propeller"));
+}
+
+TEST_F(ColouringTest, ColoursOfPlacesAreThoseOfTheRampAndGreyWithoutOne)
+{
+    initialiseSceneOnce();
+    Colouring colouring;
+    colouring.ramp = ColourMapper(0, 1);
+    colouring.ramp.setColours({{0, 0, 0}, {1, 1, 1}});
+    const auto colours = coloursOf(colouring, {0, 0.25, NONE, 1});
+    ASSERT_THAT(colours, SizeIs(4));
+    EXPECT_NEAR(colours[1].green, 0.25, 1e-6);
+    EXPECT_EQ(colours[2].green, NO_VALUE_COLOUR.green);
+    EXPECT_EQ(colours[3].red, 1);
 }
 
 TEST(ColourRows, GoThroughThePlacesOfThePoints)

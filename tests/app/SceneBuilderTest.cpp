@@ -11,8 +11,11 @@
 #include <Inventor/actions/SoGetBoundingBoxAction.h>
 #include <Inventor/actions/SoRayPickAction.h>
 #include <Inventor/actions/SoSearchAction.h>
+#include <Inventor/nodes/SoIndexedFaceSet.h>
 #include <Inventor/nodes/SoMaterial.h>
 #include <Inventor/nodes/SoShape.h>
+#include <Inventor/nodes/SoSwitch.h>
+#include <Inventor/nodes/SoVertexProperty.h>
 #include <SoArrow.h>
 #include <SoBirod.h>
 #include <SoDNA.h>
@@ -50,10 +53,11 @@ protected:
     }
 
     // The scene of the data, or null and the error.
-    DataScene* build(const Configuration& data, const Options& options = {})
+    DataScene* build(const Configuration& data, const Options& options = {},
+                     const Colouring* colouring = nullptr)
     {
         TerminalProgress progress;
-        scene = buildScene(data, makeStyle(options, data), nullptr, progress, error);
+        scene = buildScene(data, makeStyle(options, data), colouring, progress, error);
         if (scene)
             scene->ref();
         return scene;
@@ -81,6 +85,10 @@ protected:
         const SoPickedPoint* point = pick.getPickedPoint();
         return point ? toLine(scene->describe(*point)) : "";
     }
+
+    // Between the own colours of the first birod or DNA and those of data.
+    enum Kind { BIROD = 1, DNA = 4 };
+    SoSwitch* choiceOf(Kind kind) { return scene->getShown(kind).at(0).colours; }
 
     // Of the rod with that index.
     SbColor colourOf(std::size_t index)
@@ -260,6 +268,135 @@ TEST_F(SceneBuilderTest, TellsThePairAndTheStrandOfASlab)
     EXPECT_THAT(describe(0, 4), StartsWith("pair 2 GC, strand 1, "));
     EXPECT_THAT(describe(0, -4), StartsWith("pair 2 GC, strand 2, "));
     EXPECT_THAT(describe(50, -4), StartsWith("pair 3 NN, strand 2, "));
+}
+
+// Colours of data for the pairs of a DNA, from black at 0 to white at 1.
+Colouring colouringOf(const std::vector<double>& places)
+{
+    Colouring colouring;
+    colouring.name = "roll";
+    colouring.ramp = ColourMapper(0, 1);
+    colouring.ramp.setColours({{0, 0, 0}, {1, 1, 1}});
+    colouring.places = {places};
+    return colouring;
+}
+
+// Of the parts of a DNA's pairs in colours of data: 0 boxes of pairs, 1 what there is of bases.
+std::vector<std::uint32_t> coloursIn(const SoSwitch* choice, int part)
+{
+    const auto* pairs =
+        static_cast<SoGroup*>(static_cast<SoGroup*>(choice->getChild(1))->getChild(1));
+    const auto* shape = static_cast<SoIndexedFaceSet*>(pairs->getChild(part));
+    const auto& colours =
+        static_cast<SoVertexProperty*>(shape->vertexProperty.getValue())->orderedRGBA;
+    return {colours.getValues(0), colours.getValues(0) + colours.getNum()};
+}
+
+TEST_F(SceneBuilderTest, GivesEveryPairTheColourOfItsDataAndTellsWhichIsPicked)
+{
+    Configuration data;
+    data.dnas.push_back(makeDna("AGN"));
+    const Colouring colouring = colouringOf({0, 1, 0.5});
+    for (const auto& look :
+         {showing({&DnaLook::bases}), showing({&DnaLook::baseBoxes, &DnaLook::pairBoxes}),
+          showing({&DnaLook::bases, &DnaLook::atoms, &DnaLook::backbone})}) {
+        ASSERT_TRUE(build(data, look, &colouring)) << error;
+        const auto colours = coloursIn(choiceOf(DNA), 1);
+        ASSERT_EQ(colours.size() % 3, 0u);
+        const std::size_t each = colours.size() / 3; // one pair after the other
+        ASSERT_GT(each, 0u);
+        for (std::size_t i = 0; i < each; ++i) {
+            EXPECT_EQ(colours[i], 0x000000ffu);
+            EXPECT_EQ(colours[each + i] >> 24, colours[each + i] >> 16 & 0xff) << "no hue";
+        }
+        EXPECT_EQ(*std::max_element(colours.begin() + each, colours.begin() + 2 * each),
+                  0xffffffffu);
+        EXPECT_EQ(*std::max_element(colours.begin() + 2 * each, colours.end()), 0x808080ffu);
+        EXPECT_EQ(coloursIn(choiceOf(DNA), 0).empty(), !look.dna.pairBoxes);
+        EXPECT_THAT(describe(0, 4), StartsWith("pair 3 NN, ")) << "of all that is shown";
+        EXPECT_THAT(describe(0, 4), HasSubstr(look.dna.pairBoxes ? "point" : "strand 1, point"));
+        EXPECT_THAT(describe(0, -4), EndsWith(" – dna.txt:1: DNA 1"));
+        scene->unref();
+        scene = nullptr;
+    }
+}
+
+TEST_F(SceneBuilderTest, ShowsInColoursOfDataWhatItShowsInItsOwn)
+{
+    Configuration data;
+    data.dnas.push_back(makeDna("ACGTN"));
+    data.dnas[0].points1[1].x = 3; // no two at one place
+    const Colouring colouring = colouringOf({0, 0.25, 0.5, 0.75, 1});
+    for (const auto& look :
+         {showing({&DnaLook::bases}), showing({&DnaLook::baseBoxes}),
+          showing({&DnaLook::pairBoxes}), showing({&DnaLook::baseBoxes, &DnaLook::pairBoxes})}) {
+        ASSERT_TRUE(build(data, look, &colouring)) << error;
+        SoSwitch* const choice = choiceOf(DNA);
+        ASSERT_NE(choice, nullptr);
+        EXPECT_EQ(choice->whichChild.getValue(), 1);
+        const SbBox3f ofData = box();
+        choice->whichChild = 0;
+        const SbBox3f own = box();
+        for (int axis = 0; axis < 3; ++axis) {
+            EXPECT_NEAR(ofData.getMin()[axis], own.getMin()[axis], 1e-4);
+            EXPECT_NEAR(ofData.getMax()[axis], own.getMax()[axis], 1e-4);
+        }
+        scene->unref();
+        scene = nullptr;
+    }
+}
+
+TEST_F(SceneBuilderTest, GivesBackbonesTheColoursOfTheirPairs)
+{
+    Configuration data;
+    data.dnas.push_back(makeDna("ACG"));
+    const Colouring colouring = colouringOf({0, 0, 1});
+    ASSERT_TRUE(build(data, showing({&DnaLook::backbone}), &colouring)) << error;
+    const auto rods = find<SoRod>();
+    ASSERT_EQ(rods.size(), 2u);
+    for (std::size_t strand = 0; strand < 2; ++strand) {
+        SoSearchAction search;
+        search.setNode(rods[strand]);
+        search.setSearchingAll(TRUE);
+        search.apply(scene);
+        const auto* group = static_cast<SoGroup*>(search.getPath()->getNodeFromTail(1));
+        const auto* choice = dynamic_cast<SoSwitch*>(group->getChild(0));
+        ASSERT_NE(choice, nullptr);
+        EXPECT_EQ(choice->whichChild.getValue(), 1);
+        const auto* material =
+            static_cast<SoMaterial*>(static_cast<SoGroup*>(choice->getChild(1))->getChild(0));
+        const SbColor first = material->diffuseColor[0];
+        const SbColor last = material->diffuseColor[rods[strand]->getTubeMesh()->getHeight() - 1];
+        EXPECT_NEAR(first[0], strand == 0 ? 0 : 1, 1e-5); // strand 2 begins at the last pair
+        EXPECT_NEAR(last[0], strand == 0 ? 1 : 0, 1e-5);
+        choiceOf(DNA)->whichChild = 0;
+        EXPECT_EQ(choice->whichChild.getValue(), 0) << "follows";
+        choiceOf(DNA)->whichChild = 1;
+    }
+}
+
+TEST_F(SceneBuilderTest, GivesABirodTheColoursOfItsData)
+{
+    Configuration data;
+    data.birods.push_back(makeBirod());
+    Colouring colouring = colouringOf({});
+    colouring.birods = 1;
+    colouring.places = {{0, 0, 0, 0}, {1, 1, 1, 1}, {0.5, 0.5, 0.5, 0.5}};
+    ASSERT_TRUE(build(data, {}, &colouring)) << error;
+    const SoBirod& birod = *find<SoBirod>().at(0);
+    SoSwitch* const choice = choiceOf(BIROD);
+    ASSERT_NE(choice, nullptr);
+    const auto& colours =
+        static_cast<SoMaterial*>(static_cast<SoGroup*>(choice->getChild(1))->getChild(0))
+            ->diffuseColor;
+    const int average = birod.getAvgTubeMesh()->getHeight() + birod.getAvgRibbonMesh()->getHeight();
+    const int strand = birod.getTube1Mesh()->getHeight() + birod.getRibbon1Mesh()->getHeight();
+    ASSERT_GT(colours.getNum(), average + strand);
+    EXPECT_EQ(colours[0][0], 0);
+    EXPECT_EQ(colours[average - 1][0], 0);
+    EXPECT_EQ(colours[average][0], 1);
+    EXPECT_EQ(colours[average + strand - 1][0], 1);
+    EXPECT_NEAR(colours[average + strand][0], 0.5, 1e-6);
 }
 
 TEST_F(SceneBuilderTest, TellsTheBaseThatABackboneIsNear)

@@ -7,7 +7,10 @@
 #include <Inventor/nodes/SoMaterial.h>
 #include <Inventor/nodes/SoMaterialBinding.h>
 #include <Inventor/nodes/SoSeparator.h>
+#include <Inventor/nodes/SoSwitch.h>
 
+#include "scene/Colouring.h"
+#include "scene/builders/DataColours.h"
 #include "scene/curveFaults.h"
 
 namespace strandview {
@@ -15,6 +18,7 @@ namespace strandview {
 namespace {
 
 const double AVERAGE_RADIUS = 0.6; // of that of the strands
+const int OWN_COLOURS = 1;         // the child of the group, behind their binding
 
 // "pair.json: birods[0].strand1.points[5]" for the member "strand1".
 std::string nameOfPoint(const Birod& birod, const std::string& member, std::size_t point)
@@ -94,8 +98,8 @@ ShownDatum BirodBuilder::makeNodes(std::size_t index)
     binding->value = SoMaterialBinding::PER_PART;
     ShownDatum shown;
     shown.group = new SoSeparator;
-    shown.group->addChild(new SoMaterial);
     shown.group->addChild(binding);
+    shown.group->addChild(new SoMaterial);
     shown.node = new SoBirod(frame.scaled(AVERAGE_RADIUS * style.radius), radius, width, width, 0,
                              0, style.slices, style.subsegments, style.showTube, style.showTube,
                              style.showRibbon, false, style.twoSidedRibbon);
@@ -110,7 +114,33 @@ void BirodBuilder::updateNodes(std::size_t index, ShownDatum& shown)
     auto* node = static_cast<SoBirod*>(shown.node);
     SceneGeometry::Birod& computed = frame.geometry.birods[index];
     node->setData(std::move(computed.data), std::move(computed.meshes));
-    setColours(index, *node, static_cast<SoMaterial*>(shown.group->getChild(0)));
+    SoNode* const own = shown.group->getChild(OWN_COLOURS);
+    setColours(index, *node,
+               static_cast<SoMaterial*>(shown.colours ? shown.colours->getChild(0) : own));
+    if (frame.colouring && !frame.colouring->ofBirod(index, 0).empty()) {
+        setDataColours(index, shown);
+    } else if (shown.colours) {
+        dropColourChoice(*shown.group, OWN_COLOURS);
+        shown.colours = nullptr;
+    }
+}
+
+void BirodBuilder::setDataColours(std::size_t index, ShownDatum& shown) const
+{
+    if (!shown.colours) {
+        shown.colours = putColourChoice(*shown.group, OWN_COLOURS);
+        shown.colours->whichChild = frame.areDataColoursShown ? 1 : 0;
+    }
+    const auto& birod = static_cast<const SoBirod&>(*shown.node);
+    const Colouring& colouring = *frame.colouring;
+    SoMaterial* const material = dataMaterial(*shown.colours);
+    clearRowColours(material);
+    int rows = addRowColours(colouring, colouring.ofBirod(index, 0), *birod.getAvgTubeMesh(),
+                             *birod.getAvgRibbonMesh(), 0, material);
+    rows = addRowColours(colouring, colouring.ofBirod(index, 1), *birod.getTube1Mesh(),
+                         *birod.getRibbon1Mesh(), rows, material);
+    addRowColours(colouring, colouring.ofBirod(index, 2), *birod.getTube2Mesh(),
+                  *birod.getRibbon2Mesh(), rows, material);
 }
 
 // A colour for each of the three tubes, and one for all ribbons; the tubes' follow those of the

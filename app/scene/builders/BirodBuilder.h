@@ -29,6 +29,7 @@ protected:
 
 private:
     void setColours(std::size_t index, const SoBirod& birod, SoMaterial* material) const;
+    void setDataColours(std::size_t index, ShownDatum& shown) const;
 };
 
 } // namespace strandview

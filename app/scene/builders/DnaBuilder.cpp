@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <utility>
 
 #include <Inventor/SoPath.h>
@@ -11,6 +12,7 @@
 #include <Inventor/nodes/SoMaterial.h>
 #include <Inventor/nodes/SoScale.h>
 #include <Inventor/nodes/SoSeparator.h>
+#include <Inventor/nodes/SoSwitch.h>
 
 #include <SoArrow.h>
 #include <SoDNA.h>
@@ -19,8 +21,11 @@
 #include <strandview/model/points.h>
 
 #include "scene/BaseNodes.h"
+#include "scene/Colouring.h"
 #include "scene/DataScene.h"
 #include "scene/builders/ArrowHead.h"
+#include "scene/builders/ColouredPairs.h"
+#include "scene/builders/DataColours.h"
 #include "scene/curveFaults.h"
 
 namespace strandview {
@@ -91,10 +96,28 @@ std::string textOfPair(const ShownDatum& shown, const SoPath& path, int index)
     return path.getIndex(index + 1) == 1 ? textOfBase(shown, place) : textOf(shown, place, 0);
 }
 
-// Only where something of them is shown.
-SoDNA& pairsOf(const SoSeparator& group)
+// Behind their scale: a SoDNA, or the choice between one, with colours of its own, and what has
+// those of data, its atoms and pairs.
+SoNode* behindScale(const SoSeparator& group)
 {
-    return *static_cast<SoDNA*>(static_cast<SoSeparator*>(group.getChild(PAIRS))->getChild(1));
+    return static_cast<SoSeparator*>(group.getChild(PAIRS))->getChild(1);
+}
+
+SoSeparator& ofDataIn(const SoSwitch& choice)
+{
+    return *static_cast<SoSeparator*>(choice.getChild(1));
+}
+
+SoSeparator& colouredPairsIn(const SoSwitch& choice)
+{
+    return *static_cast<SoSeparator*>(ofDataIn(choice).getChild(1));
+}
+
+// Only where something of them is shown.
+SoDNA& pairsOf(const ShownDatum& shown)
+{
+    return *static_cast<SoDNA*>(shown.colours ? shown.colours->getChild(0)
+                                              : behindScale(*shown.group));
 }
 
 SoSeparator& backboneOf(const SoSeparator& group, Strand strand)
@@ -120,13 +143,28 @@ std::string textOfBackbone(const ShownDatum& shown, const SoPickedPoint& picked,
     return textOf(shown, strand == Strand::FIRST ? base : shown.bases.size() - 1 - base, number);
 }
 
+// Of the SoDNA, or the pairs in colours of data, that the path leads through.
+std::string textOfPairs(const ShownDatum& shown, const SoPickedPoint& picked, int index)
+{
+    const SoPath& path = *picked.getPath();
+    for (; index < path.getLength(); ++index) {
+        if (path.getNode(index)->isOfType(SoDNA::getClassTypeId()))
+            return textOfPair(shown, path, index);
+        if (shown.colours && path.getNode(index) == &colouredPairsIn(*shown.colours)) {
+            const auto pair = pickedPair(picked, index, shown.bases.size());
+            return pair ? textOf(shown, pair->pair, pair->strand) : "";
+        }
+    }
+    return "";
+}
+
 Told placeIn(const ShownDatum& shown, const SoPickedPoint& picked, int index)
 {
     const SoPath& path = *picked.getPath();
     const int child = path.getLength() > index + 1 ? path.getIndex(index + 1) : -1;
     std::string text;
     if (child == PAIRS) {
-        text = textOfPair(shown, path, index + 2);
+        text = textOfPairs(shown, picked, index + 2);
     } else if (child >= BACKBONES) {
         text = textOfBackbone(shown, picked, Strand(child - BACKBONES));
     }
@@ -135,8 +173,7 @@ Told placeIn(const ShownDatum& shown, const SoPickedPoint& picked, int index)
 
 // Nodes
 
-// A SoDNA in ångström.
-SoSeparator* makePairs(const DnaLook& look, double angstrom)
+SoDNA* makeDna(const DnaLook& look)
 {
     auto* node = new SoDNA;
     node->drawAtomsRound(true);
@@ -146,6 +183,20 @@ SoSeparator* makePairs(const DnaLook& look, double angstrom)
     node->setBasepairColour(toVector(PAIR_COLOUR));
     for (char base : BASE_LETTERS)
         node->setBaseColour(base, toVector(baseColour(base)));
+    return node;
+}
+
+DnaLook atomsAlone(const DnaLook& look)
+{
+    DnaLook atoms;
+    atoms.atoms = look.atoms;
+    atoms.bases = atoms.baseBoxes = atoms.pairBoxes = false;
+    return atoms;
+}
+
+// In ångström.
+SoSeparator* makePairs(SoNode* node, double angstrom)
+{
     auto* scale = new SoScale;
     const auto factor = float(angstrom);
     scale->scaleFactor = SbVec3f(factor, factor, factor);
@@ -155,13 +206,49 @@ SoSeparator* makePairs(const DnaLook& look, double angstrom)
     return group;
 }
 
+// Without what is not shown at all.
+SoNode* makeDnaOf(const DnaLook& look)
+{
+    return needsPairs(look) ? static_cast<SoNode*>(makeDna(look)) : new SoSeparator;
+}
+
+// A DNA, and its atoms and coloured pairs.
+SoSwitch* makePairChoice(const DnaLook& look)
+{
+    auto* ofData = new SoSeparator;
+    ofData->addChild(makeDnaOf(atomsAlone(look)));
+    ofData->addChild(makeColouredPairs());
+    auto* choice = new SoSwitch;
+    choice->addChild(makeDnaOf(look));
+    choice->addChild(ofData);
+    return choice;
+}
+
 SoSeparator* makeBackbone(const Style& style)
 {
     auto* group = new SoSeparator;
     group->addChild(new SoMaterial);
     group->addChild(new SoRod(0, 0, style.slices, style.subsegments, true, false, false));
-    group->addChild(new SoArrow({}, {}, 0, 0, 0));
+    group->addChild(makeHead());
     return group;
+}
+
+// The centreline of a backbone has a point between any two bases, and one at each end: there stands
+// the mean of what the bases beside it have.
+std::vector<double> alongBackbone(std::vector<double> ofPairs, Strand strand)
+{
+    if (strand == Strand::SECOND)
+        std::reverse(ofPairs.begin(), ofPairs.end());
+    std::vector<double> places(ofPairs.size() + 1);
+    places.front() = ofPairs.front();
+    places.back() = ofPairs.back();
+    for (std::size_t i = 1; i < ofPairs.size(); ++i) {
+        const double before = ofPairs[i - 1], behind = ofPairs[i];
+        places[i] = std::isnan(before)   ? behind
+                    : std::isnan(behind) ? before
+                                         : (before + behind) / 2;
+    }
+    return places;
 }
 
 // Gives the nucleobases that have none yet, after their atoms and their box, a slab.
@@ -294,15 +381,19 @@ ShownDatum DnaBuilder::makeNodes(std::size_t index)
     const DnaLook& look = frame.style.dna;
     ShownDatum shown;
     shown.group = new SoSeparator;
-    shown.group->addChild(needsPairs(look) ? makePairs(look, frame.scaled(look.angstrom))
-                                           : new SoSeparator);
+    if (hasDataColours(index)) {
+        shown.colours = makePairChoice(look);
+        shown.colours->whichChild = frame.areDataColoursShown ? 1 : 0;
+    }
+    shown.group->addChild(
+        makePairs(shown.colours ? shown.colours : makeDnaOf(look), frame.scaled(look.angstrom)));
     for (std::size_t i = 0; i < STRANDS.size(); ++i)
         shown.group->addChild(makeBackbone(frame.style));
     shown.node = shown.group;
     shown.placeIn = &placeIn;
-    updateNodes(index, shown);
     if (look.baseBoxes && look.pairBoxes)
-        makePlate(pairsOf(*shown.group));
+        makePlate(pairsOf(shown));
+    updateNodes(index, shown);
     return shown;
 }
 
@@ -312,14 +403,57 @@ void DnaBuilder::updateNodes(std::size_t index, ShownDatum& shown)
     const DnaLook& look = frame.style.dna;
     shown.bases = dna.bases;
     if (needsPairs(look))
-        setPairs(dna, pairsOf(*shown.group));
+        setPairs(dna, look, pairsOf(shown));
     for (Strand strand : STRANDS)
         setBackbone(index, strand, backboneOf(*shown.group, strand));
+    if (shown.colours)
+        setDataColours(index, shown);
 }
 
-void DnaBuilder::setPairs(const Dna& dna, SoDNA& node) const
+bool DnaBuilder::hasDataColours(std::size_t index) const
 {
-    const DnaLook& look = frame.style.dna;
+    return frame.colouring && !frame.colouring->ofDna(index).empty();
+}
+
+// A scalar is one of all DNA or of none, so that a DNA that has colours of data once keeps them.
+void DnaBuilder::setDataColours(std::size_t index, ShownDatum& shown) const
+{
+    const DnaLook &look = frame.style.dna, atoms = atomsAlone(look);
+    if (atoms.atoms)
+        setPairs(datum(index), atoms, *static_cast<SoDNA*>(ofDataIn(*shown.colours).getChild(0)));
+    if (hasColouredPairs(look))
+        setColouredPairs(colouredPairsIn(*shown.colours), datum(index), look,
+                         {frame.placement.origin, 1 / look.angstrom}, pairsOf(shown),
+                         coloursOf(*frame.colouring, frame.colouring->ofDna(index)));
+    for (Strand strand : STRANDS)
+        setBackboneColours(index, strand, *shown.colours, backboneOf(*shown.group, strand));
+}
+
+void DnaBuilder::setBackboneColours(std::size_t index, Strand strand, const SoSwitch& colours,
+                                    SoSeparator& group) const
+{
+    const SoRod& rod = rodOf(group);
+    const auto places = alongBackbone(frame.colouring->ofDna(index), strand);
+    const bool isWhole = rod.isValid() && std::size_t(rod.getPointsNum()) == places.size();
+    auto* choice = dynamic_cast<SoSwitch*>(group.getChild(0));
+    if (!choice && isWhole) {
+        choice = putColourChoice(group, 0);
+        choice->whichChild.connectFrom(&const_cast<SoSwitch&>(colours).whichChild);
+    } else if (choice && !isWhole) {
+        dropColourChoice(group, 0);
+        choice = nullptr;
+    }
+    if (choice) {
+        SoMaterial* const material = dataMaterial(*choice);
+        clearRowColours(material);
+        addRowColours(*frame.colouring, places, *rod.getTubeMesh(), *rod.getRibbonMesh(), 0,
+                      material);
+    }
+    setHeadColours(*static_cast<SoSeparator*>(group.getChild(2)), rod, choice);
+}
+
+void DnaBuilder::setPairs(const Dna& dna, const DnaLook& look, SoDNA& node) const
+{
     const Placement inAngstrom{frame.placement.origin, 1 / look.angstrom};
     std::string known = dna.bases;
     std::replace(known.begin(), known.end(), UNKNOWN_BASE, BASE_LETTERS[0]);
@@ -336,8 +470,9 @@ void DnaBuilder::setPairs(const Dna& dna, SoDNA& node) const
 void DnaBuilder::setBackbone(std::size_t index, Strand strand, SoSeparator& group)
 {
     SceneGeometry::Backbone& backbone = frame.geometry.dnas[index].backbones[std::size_t(strand)];
-    auto* material = static_cast<SoMaterial*>(group.getChild(0));
-    auto* arrow = static_cast<SoArrow*>(group.getChild(2));
+    auto* choice = dynamic_cast<SoSwitch*>(group.getChild(0));
+    auto* material = static_cast<SoMaterial*>(choice ? choice->getChild(0) : group.getChild(0));
+    SoArrow* const arrow = arrowOf(*static_cast<SoSeparator*>(group.getChild(2)));
     material->diffuseColor =
         toSbColor(strandColour(frame.style, molecules.colourOf(datum(index).molecule, index)));
     if (backbone.points.empty())

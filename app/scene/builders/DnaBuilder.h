@@ -35,8 +35,12 @@ private:
     SbBox3f boxOfBases(const Dna& dna) const;
     ArrowHead headOf(const algebra3d::Vector3<double>& end,
                      const algebra3d::Quaternion<double>& rotation) const;
-    void setPairs(const Dna& dna, SoDNA& node) const;
+    void setPairs(const Dna& dna, const DnaLook& look, SoDNA& node) const;
     void setBackbone(std::size_t index, Strand strand, SoSeparator& group);
+    bool hasDataColours(std::size_t index) const;
+    void setDataColours(std::size_t index, ShownDatum& shown) const;
+    void setBackboneColours(std::size_t index, Strand strand, const SoSwitch& colours,
+                            SoSeparator& group) const;
 
     const Molecules molecules{frame.data};
 };

@@ -6,13 +6,13 @@
 #include <utility>
 
 #include <Inventor/nodes/SoMaterial.h>
-#include <Inventor/nodes/SoMaterialBinding.h>
 #include <Inventor/nodes/SoSeparator.h>
 #include <Inventor/nodes/SoSwitch.h>
 
 #include <SoArrow.h>
 
 #include "scene/Colouring.h"
+#include "scene/builders/DataColours.h"
 #include "scene/curveFaults.h"
 
 namespace strandview {
@@ -50,73 +50,6 @@ std::string nameOfPoint(const Rod& rod, std::size_t point)
         return rod.origin + ", line " + std::to_string(rod.lines[point]);
     const std::size_t index = rod.indices.empty() ? point : rod.indices[point];
     return rod.origin + ".points[" + std::to_string(index) + "]";
-}
-
-// One material per row: those of the tube, then those of the ribbon.
-void setRowColours(const SoRod& rod, const Colouring& colouring, std::size_t index,
-                   SoMaterial* material)
-{
-    const std::vector<double>& places = colouring.places[index];
-    const BiarcTubeMesh& tube = *rod.getTubeMesh();
-    const BiarcRibbonMesh& ribbon = *rod.getRibbonMesh();
-    material->ambientColor.setNum(1); // of fewer rows than before none is left
-    material->diffuseColor.setNum(1);
-    colourRows(colouring.ramp, tube.getParamValues(), places, tube.getInterpParamValues(), 0,
-               material);
-    if (isFinite(ribbon)) // a hidden one need not be
-        colourRows(colouring.ramp, ribbon.getParamValues(), places, ribbon.getInterpParamValues(),
-                   tube.getHeight(), material);
-}
-
-// Child 0 gives the rod its own colours, child 1 those of data.
-SoSwitch* makeChoice(SoNode* own)
-{
-    auto* binding = new SoMaterialBinding;
-    binding->value = SoMaterialBinding::PER_VERTEX;
-    auto* ofData = new SoGroup;
-    ofData->addChild(new SoMaterial);
-    ofData->addChild(binding);
-    auto* choice = new SoSwitch;
-    choice->addChild(own);
-    choice->addChild(ofData);
-    return choice;
-}
-
-SoMaterial* dataMaterial(const SoSwitch& choice)
-{
-    return static_cast<SoMaterial*>(static_cast<SoGroup*>(choice.getChild(1))->getChild(0));
-}
-
-// A head that has the colour of the tube's end where colours of data are shown.
-SoSeparator* makeHead()
-{
-    auto* ofData = new SoGroup;
-    ofData->addChild(new SoMaterial);
-    ofData->addChild(new SoMaterialBinding);
-    auto* choice = new SoSwitch;
-    choice->addChild(new SoGroup);
-    choice->addChild(ofData);
-    choice->whichChild = 0;
-    auto* head = new SoSeparator;
-    head->addChild(choice);
-    head->addChild(new SoArrow({}, {}, 0, 0, 0));
-    return head;
-}
-
-// Lets the head follow the choice of the rod's colours, or without one its own.
-void setHeadColours(const SoSeparator& head, const SoRod& rod, SoSwitch* choice)
-{
-    auto* colours = static_cast<SoSwitch*>(head.getChild(0));
-    if (!choice) {
-        colours->whichChild.disconnect();
-        colours->whichChild = 0;
-        dataMaterial(*colours)->setToDefaults();
-        return;
-    }
-    const SoMFColor& rows = dataMaterial(*choice)->diffuseColor;
-    const int last = std::min(rod.getTubeMesh()->getHeight(), rows.getNum()) - 1;
-    dataMaterial(*colours)->diffuseColor = rows[last];
-    colours->whichChild.connectFrom(&choice->whichChild);
 }
 
 BiarcTubeMesh* centralTube(const SoNode& node)
@@ -191,10 +124,7 @@ void RodBuilder::updateNodes(std::size_t index, ShownDatum& shown)
     if (hasDataColours(index)) {
         setDataColours(index, shown);
     } else if (shown.colours) {
-        SoNode* own = shown.colours->getChild(0);
-        own->ref(); // while the choice that holds it goes
-        shown.group->replaceChild(0, own);
-        own->unrefNoDelete();
+        dropColourChoice(*shown.group, 0);
         shown.colours = nullptr;
     }
     showHead(index, shown);
@@ -237,23 +167,25 @@ void RodBuilder::showHead(std::size_t index, ShownDatum& shown) const
         shown.group->addChild(makeHead());
     const auto* head = static_cast<SoSeparator*>(shown.group->getChild(2));
     setHeadColours(*head, static_cast<const SoRod&>(*shown.node), shown.colours);
-    headOf(index).show(*static_cast<SoArrow*>(head->getChild(1)));
+    headOf(index).show(*arrowOf(*head));
 }
 
 bool RodBuilder::hasDataColours(std::size_t index) const
 {
-    return frame.colouring && !frame.colouring->places[index].empty();
+    return frame.colouring && !frame.colouring->ofRod(index).empty();
 }
 
 void RodBuilder::setDataColours(std::size_t index, ShownDatum& shown) const
 {
     if (!shown.colours) {
-        shown.colours = makeChoice(shown.group->getChild(0));
+        shown.colours = putColourChoice(*shown.group, 0);
         shown.colours->whichChild = frame.areDataColoursShown ? 1 : 0;
-        shown.group->replaceChild(0, shown.colours);
     }
-    setRowColours(static_cast<const SoRod&>(*shown.node), *frame.colouring, index,
-                  dataMaterial(*shown.colours));
+    const auto& rod = static_cast<const SoRod&>(*shown.node);
+    SoMaterial* const material = dataMaterial(*shown.colours);
+    clearRowColours(material);
+    addRowColours(*frame.colouring, frame.colouring->ofRod(index), *rod.getTubeMesh(),
+                  *rod.getRibbonMesh(), 0, material);
 }
 
 } // namespace strandview
