@@ -48,6 +48,24 @@ void fillMatrix(const Points& places, const Vector& centre, const Points& measur
         n[i] = rows[i];
 }
 
+// Of places on a line, or in one, the best turns are many: the largest eigenvalue is there more
+// than once, but for rounding.
+const double SAME_EIGENVALUE = 1e-12;
+
+/// Of the quaternions that are as good as the first one the nearest to no turn, which is their
+/// part of the scalar axis.
+Rotation smallestTurn(const double (&values)[4], const double (&vectors)[16])
+{
+    Rotation sum(0, 0, 0, 0);
+    for (int i = 0; i < 4 && values[0] - values[i] <= SAME_EIGENVALUE * values[0]; ++i)
+        for (int component = 0; component < 4; ++component) // of which the scalar is GSL's first
+            sum[component] += vectors[i] * vectors[4 * ((component + 1) % 4) + i];
+    const double share = dot(sum, sum);
+    return share > SAME_EIGENVALUE
+               ? algebra3d::scaledToUnit(sum)
+               : Rotation(vectors[4], vectors[8], vectors[12], vectors[0]); // half a turn
+}
+
 Rotation largestEigenvector(double (&matrix)[16])
 {
     double values[4], vectors[16];
@@ -58,6 +76,8 @@ Rotation largestEigenvector(double (&matrix)[16])
         workspace(gsl_eigen_symmv_alloc(4), gsl_eigen_symmv_free);
     gsl_eigen_symmv(&m.matrix, &eval.vector, &evec.matrix, workspace.get());
     gsl_eigen_symmv_sort(&eval.vector, &evec.matrix, GSL_EIGEN_SORT_VAL_DESC);
+    if (values[0] - values[1] <= SAME_EIGENVALUE * values[0])
+        return smallestTurn(values, vectors);
     return algebra3d::scaledToUnit(Rotation(vectors[4], vectors[8], vectors[12], vectors[0]));
 }
 

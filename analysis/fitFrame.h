@@ -24,7 +24,7 @@ struct FittedFrame
 /// solution of absolute orientation using unit quaternions, J. Opt. Soc. Am. A 4, 1987, 629).
 ///
 /// Both have one length, at least 1, and coordinates up to 1e18. Fewer than three, or those on a
-/// line, leave a turn open, of which one is taken. May be called from any thread.
+/// line, leave a turn open: the smallest is taken. May be called from any thread.
 STRANDVIEW_ANALYSIS_EXPORT FittedFrame
 fitFrame(const std::vector<algebra3d::Vector3<double>>& places,
          const std::vector<algebra3d::Vector3<double>>& measured);

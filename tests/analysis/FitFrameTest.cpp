@@ -129,6 +129,26 @@ TEST(FitFrame, TurnsWithWhatIsMeasured)
     EXPECT_NEAR(after.rms, before.rms, 1e-13);
 }
 
+// About the line any turn would do: what is on it is not to spin.
+TEST(FitFrame, WhatIsOnALineTurnsNoMoreThanTheLine)
+{
+    std::mt19937 random(21);
+    std::normal_distribution<double> normal;
+    for (int i = 0; i < 50; ++i) {
+        const Vector from(normal(random), normal(random), normal(random));
+        const Vector to(normal(random), normal(random), normal(random));
+        Points places, measured;
+        for (const double t : {0.0, 0.3, 0.4, 1.0}) {
+            places.push_back(t * from);
+            measured.push_back(Vector(1, 2, 3) + t * to);
+        }
+        const double cosine = from.dot(to) / (from.getNorm() * to.getNorm());
+        const double least = std::cos(std::acos(cosine) / 2); // half the angle's
+        EXPECT_NEAR(std::abs(fitFrame(places, measured).rotation[3]), least, 1e-9);
+        EXPECT_NEAR(std::abs(fitFrame(places, places).rotation[3]), 1, 1e-12);
+    }
+}
+
 TEST(FitFrame, WhatLeavesATurnOpenHasOneToo)
 {
     for (const Points& places :
