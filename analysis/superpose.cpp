@@ -136,6 +136,9 @@ LoadedFrame SuperposedSeries::loadFrame(std::size_t frame, const GoOn& goOn)
     LoadedFrame loaded = series->load(frame, goOn);
     if (!loaded.configuration || (!reference && !findReference(goOn)))
         return loaded;
+    // On itself any turn about a straight rod would be as good as none.
+    if (frame == referenceFrame)
+        return loaded;
     const std::optional<FittedFrame> motion = findSuperposition(*loaded.configuration, *reference);
     if (motion)
         move(*loaded.configuration, *motion);
@@ -148,8 +151,10 @@ LoadedFrame SuperposedSeries::loadFrame(std::size_t frame, const GoOn& goOn)
 
 bool SuperposedSeries::findReference(const GoOn& goOn)
 {
-    for (std::size_t i = 0; !reference && i < std::min(series->count(), LONGEST_SEARCH); ++i)
+    for (std::size_t i = 0; !reference && i < std::min(series->count(), LONGEST_SEARCH); ++i) {
         reference = series->load(i, goOn).configuration;
+        referenceFrame = i;
+    }
     return reference.has_value();
 }
 

@@ -21,8 +21,9 @@ findSuperposition(const Configuration& moved, const Configuration& reference);
 /// Turns all that a configuration has about the origin, and shifts it by motion.point.
 STRANDVIEW_ANALYSIS_EXPORT void move(Configuration& configuration, const FittedFrame& motion);
 
-/// A series with each frame superposed on the first one that can be loaded, of the first hundred. A
-/// frame that has nothing in common with it stays where it is, with a notice.
+/// A series with each frame superposed on the first one that can be loaded, of the first hundred,
+/// which stays as it is, bit for bit. A frame that has nothing in common with it stays where it is,
+/// with a notice.
 class STRANDVIEW_ANALYSIS_EXPORT SuperposedSeries : public Series
 {
 public:
@@ -41,6 +42,7 @@ private:
 
     const std::unique_ptr<Series> series;
     std::optional<Configuration> reference; ///< once it was needed
+    std::size_t referenceFrame = 0;
 };
 
 } // namespace strandview

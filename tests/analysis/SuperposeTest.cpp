@@ -111,6 +111,26 @@ TEST(SuperposedSeries, HasEveryFrameOnTheFirst)
     }
 }
 
+// Any turn about an oblique straight rod takes it to itself.
+TEST(SuperposedSeries, TheFirstFrameStaysAsItIsBitForBit)
+{
+    Chance chance;
+    std::vector<Point> straight;
+    for (int i = 0; i < 9; ++i)
+        straight.emplace_back(0.3 * i, 0.4 * i, 0.5 * i);
+    Configuration ofMarkers;
+    ofMarkers.markers.emplace_back();
+    for (const Configuration& first : {rodOf(straight), chance.everything(), ofMarkers}) {
+        SuperposedSeries series(
+            std::make_unique<MemorySeries>(std::vector<Configuration>{first, first}));
+        for (int again = 0; again < 2; ++again) {
+            const LoadedFrame loaded = series.load(0);
+            EXPECT_EQ(largestDistance(*loaded.configuration, first), 0);
+            EXPECT_THAT(loaded.notices, IsEmpty());
+        }
+    }
+}
+
 TEST(SuperposedSeries, AClosedRodStaysClosed)
 {
     Chance chance;

@@ -422,6 +422,35 @@ TEST_F(PlayerTest, FramesAreSeenFromTheSideThatSuitsAllOfThem)
     EXPECT_TRUE(window->getCameraNumbers() == ofWindow);
 }
 
+// Any turn about an oblique straight rod superposes it on itself.
+TEST_F(PlayerTest, TheFirstOfSuperposedFramesIsInItsPlaceFromTheBeginning)
+{
+    options.series.align = true;
+    options.showRibbon = true;
+    std::string straight;
+    for (const char* const t : {"0", "1", "2", "3", "4", "5", "6", "7", "8"})
+        straight += t + (" " + std::string(t)) + " " + t + "\n";
+    open(folder.write("run.txt", straight + "\n\n" + straight));
+    ASSERT_NE(player(), nullptr);
+    ASSERT_FALSE(player()->isStaged());
+    const auto coordinates = [this] {
+        BiarcTubeMesh& tube = *allOf<SoRod>(scene).front()->getTubeMesh();
+        std::vector<double> all;
+        for (int row = 0; row < tube.getHeight(); ++row)
+            for (int i = 0; i < tube.getWidth(); ++i)
+                for (int axis = 0; axis < 3; ++axis)
+                    all.push_back(tube.getPoints()[row][i][axis]);
+        return all;
+    };
+    const std::vector<double> before = coordinates();
+    std::vector<std::size_t> seen;
+    QObject::connect(player(), &Player::frameShown,
+                     [&](std::size_t frame) { seen.push_back(frame); });
+    ASSERT_TRUE(comesTo([&] { return player()->isStaged() && !seen.empty(); }));
+    EXPECT_THAT(seen, ElementsAre(0)) << "anew";
+    EXPECT_EQ(coordinates(), before);
+}
+
 TEST_F(PlayerTest, FramesBetweenAreShownWhereTheyAreAskedFor)
 {
     options.series.between = 3;
