@@ -32,6 +32,7 @@ public:
     {
         std::shared_ptr<const Configuration> data;
         std::string error;
+        std::vector<std::string> notices;
         std::size_t bytes = 0;
         std::uint64_t used = 0;
     };
@@ -57,6 +58,7 @@ public:
     {
         Entry entry;
         entry.error = std::move(loaded.error);
+        entry.notices = std::move(loaded.notices);
         if (loaded.configuration)
             entry.data = std::make_shared<const Configuration>(std::move(*loaded.configuration));
         entry.bytes = sizeof entry + (entry.data ? memoryOf(*entry.data) : 0);
@@ -298,6 +300,7 @@ private:
         play.time = series->time(frame);
         play.data = entry.data;
         play.error = entry.error;
+        play.notices = entry.notices;
         if (!play.data)
             return play;
         try {

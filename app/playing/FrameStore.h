@@ -29,7 +29,8 @@ struct FrameToPlay
     std::optional<double> time;
     std::shared_ptr<const Configuration> data; ///< null if it cannot be shown
     SceneGeometry geometry;
-    std::string error = {}; ///< why not, in one line
+    std::string error = {};                ///< why not, in one line
+    std::vector<std::string> notices = {}; ///< of what was done to the data
 };
 
 /// The frames of a series, for a thread that waits for none of them: another one opens the series,

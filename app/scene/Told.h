@@ -2,6 +2,7 @@
 #ifndef STRANDVIEW_APP_SCENE_TOLD_H
 #define STRANDVIEW_APP_SCENE_TOLD_H
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,9 @@ struct Told
 
 /// A reader's notice of one of these files, "FILE: text", with the text first.
 Told toldOf(const std::string& notice, const std::vector<std::string>& files);
+
+/// The same of a frame of a series: "frame 3: what", unless it says so already.
+Told toldOfFrame(std::size_t frame, Told told);
 
 /// "what – name", or what alone.
 std::string toLine(const Told& told);

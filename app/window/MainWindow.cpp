@@ -282,6 +282,7 @@ void MainWindow::beginToPlay(const ReadReport& report, std::size_t frame)
     loadNotices.clear();
     for (const std::string& notice : report.notices)
         loadNotices.push_back(toldOf(notice, shownFiles));
+    toldOnce = {report.notices.begin(), report.notices.end()};
     const bool isSeries = report.frames > 1 || options.series.follow;
     if (!isSeries || !seriesOpener || !canBeReadAgain(shownFiles))
         return;
@@ -299,8 +300,10 @@ void MainWindow::beginToPlay(const ReadReport& report, std::size_t frame)
         scene->drawCoarsely(on);
         viewer->drawCoarsely(on);
     });
-    connect(player.get(), &Player::told, this,
-            [this](const std::vector<Told>& news) { statusText->tell(news); });
+    connect(player.get(), &Player::failed, this, [this](std::size_t of, const std::string& error) {
+        statusText->tell({toldOfFrame(of, {error, ""})});
+    });
+    connect(player.get(), &Player::noticed, this, &MainWindow::tellFrame);
     connect(player.get(), &Player::opened, this,
             [this](const std::vector<std::string>& notices) { tellSeries(notices); });
     connect(player.get(), &Player::staged, this, &MainWindow::settle);
@@ -314,6 +317,7 @@ void MainWindow::beginToPlay(const ReadReport& report, std::size_t frame)
 void MainWindow::tellSeries(const std::vector<std::string>& notices)
 {
     std::vector<Told> all = loadNotices;
+    toldOnce.insert(notices.begin(), notices.end());
     for (const std::string& notice : notices) {
         const Told told = toldOf(notice, shownFiles);
         const bool isNew = std::none_of(all.begin(), all.end(), [&told](const Told& other) {
@@ -324,6 +328,18 @@ void MainWindow::tellSeries(const std::vector<std::string>& notices)
     }
     if (all.size() > loadNotices.size())
         statusText->tell(all);
+}
+
+// While thousands are played each thing is told once.
+void MainWindow::tellFrame(std::size_t frame, const std::vector<std::string>& notices)
+{
+    std::vector<Told> news;
+    for (const std::string& notice : notices) {
+        if (toldOnce.insert(notice).second)
+            news.push_back(toldOfFrame(frame, toldOf(notice, shownFiles)));
+    }
+    if (!news.empty())
+        statusText->tell(news);
 }
 
 void MainWindow::endPlaying()

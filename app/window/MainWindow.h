@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -134,6 +135,7 @@ private:
     void beginToPlay(const ReadReport& report, std::size_t frame);
     void endPlaying();
     void tellSeries(const std::vector<std::string>& notices);
+    void tellFrame(std::size_t frame, const std::vector<std::string>& notices);
     /// Makes camera and colours suit all frames.
     void settle(const Stage& stage);
 
@@ -164,6 +166,7 @@ private:
     LoadBar* loadBar = nullptr;
     PlayBar* playBar = nullptr;
     std::vector<Told> loadNotices;   ///< of the files that are shown
+    std::set<std::string> toldOnce;  ///< of these files: no frame tells it again
     QString screenshotFolder = "./"; // as the dialog comes
 };
 

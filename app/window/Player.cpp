@@ -215,8 +215,10 @@ void Player::show(FrameToPlay next)
     }
     shown = next.frame;
     bar.showFrame(next.frame, next.time);
+    if (!next.notices.empty())
+        emit noticed(shown, next.notices);
     if (!error.empty())
-        emit told({{"frame " + std::to_string(next.frame) + ": " + error, ""}});
+        emit failed(shown, error);
     emit frameShown(shown);
 }
 

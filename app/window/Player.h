@@ -7,6 +7,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include <QElapsedTimer>
@@ -15,7 +16,6 @@
 
 #include "playing/FrameStore.h"
 #include "playing/PlayOrder.h"
-#include "scene/Told.h"
 
 namespace strandview {
 
@@ -65,8 +65,10 @@ signals:
     void frameShown(std::size_t frame);
     /// All that there is to tell of the series so far.
     void opened(const std::vector<std::string>& lines);
-    /// What the user should know of a frame.
-    void told(const std::vector<strandview::Told>& news);
+    /// A frame cannot be shown, and why, in one line.
+    void failed(std::size_t frame, const std::string& error);
+    /// What was done to the data of a frame that was shown, each time that it is.
+    void noticed(std::size_t frame, const std::vector<std::string>& notices);
     /// What all frames have in common is known now; the player shows the frame anew afterwards.
     void staged(const strandview::Stage& stage);
 

@@ -71,7 +71,10 @@ private:
         watch.note(frame);
         if (frame == watch.broken)
             return {std::nullopt, {}, "run.txt:7: found 'x', expected a number"};
-        return {straightRod(1 + double(frame), watch.points)};
+        LoadedFrame loaded{straightRod(1 + double(frame), watch.points)};
+        if (frame > 0)
+            loaded.notices.push_back("run.txt: frame " + std::to_string(frame) + " is straight");
+        return loaded;
     }
 
     Watch& watch;
@@ -139,6 +142,8 @@ TEST_F(FrameStoreTest, GivesAFrameWithItsTimeAndGeometry)
     EXPECT_THAT(frame.geometry.rods, SizeIs(1));
     EXPECT_TRUE(frame.geometry.rods.front().meshes.tube);
     EXPECT_EQ(frame.error, "");
+    EXPECT_THAT(frame.notices, ElementsAre("run.txt: frame 3 is straight"));
+    EXPECT_THAT(get(3).notices, ElementsAre("run.txt: frame 3 is straight")) << "kept with it";
     EXPECT_FALSE(store->take()) << "once";
     EXPECT_EQ(store->getState().count, 10u);
     EXPECT_GE(news, 2);

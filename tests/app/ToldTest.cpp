@@ -15,6 +15,13 @@ TEST(Told, ANoticeOfAFileTellsTheFileLast)
     EXPECT_EQ(toLine(told), "2 points left out – /a: b/rods.txt");
 }
 
+TEST(Told, OfAFrameItsNumberIsToldOnce)
+{
+    const Told told = toldOfFrame(3, {"2 points left out", "run.txt"});
+    EXPECT_EQ(toLine(told), "frame 3: 2 points left out – run.txt");
+    EXPECT_EQ(toLine(toldOfFrame(3, told)), toLine(told));
+}
+
 TEST(Told, ANoticeOfNoFileStaysAsItIs)
 {
     const Told told = toldOf("3 rods: no such scalar", {"rods.txt"});

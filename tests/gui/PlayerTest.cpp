@@ -480,6 +480,36 @@ TEST_F(PlayerTest, AFrameThatCannotBeReadIsToldAndTheOthersArePlayed)
     EXPECT_EQ(frameOfScene(), 2u);
 }
 
+TEST_F(PlayerTest, WhatWasDoneToTheDataOfAFrameIsToldOnce)
+{
+    const auto twice = [](int frame) { return "0 0 0\n" + frameText(frame); }; // its first point
+    open(folder.write("run.txt", frameText(0) + "\n\n" + twice(1) + "\n\n" + frameText(2) + "\n\n" +
+                                     twice(3) + "\n\n0 0 0\n" + twice(4)));
+    ASSERT_NE(player(), nullptr);
+    ASSERT_TRUE(comesTo([this] { return player()->isStaged() && player()->isUpToDate(); }));
+    EXPECT_THAT(statusText(), testing::Not(HasSubstr("left out")));
+    const auto comesToTell = [this](const std::string& text) {
+        return comesTo([&] { return statusText().find(text) == 0; });
+    };
+    pressRealKey("period");
+    EXPECT_TRUE(comesToTell("frame 1: 1 point left out, ")) << statusText();
+    EXPECT_THAT(statusText(), testing::EndsWith(" – " + folder.path("run.txt")));
+    const std::string told = statusText();
+    for (const std::size_t next : {2, 3}) {
+        pressRealKey("period");
+        ASSERT_TRUE(comesToShow(next));
+        EXPECT_EQ(statusText(), told);
+    }
+    pressRealKey("period");
+    EXPECT_TRUE(comesToTell("frame 4: 2 points left out, ")) << statusText();
+    const std::string last = statusText();
+    pressRealKey("Control+Home");
+    ASSERT_TRUE(comesToShow(0));
+    pressRealKey("k");
+    ASSERT_TRUE(comesToShow(4));
+    EXPECT_EQ(statusText(), last);
+}
+
 TEST_F(PlayerTest, FilesAreReadAgainAtTheFrameThatIsShownOrAtTheirLast)
 {
     for (const auto& [frames, shown] : std::vector<std::pair<int, std::size_t>>{{20, 9}, {4, 3}}) {
