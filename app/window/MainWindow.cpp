@@ -39,7 +39,6 @@
 #include "window/FrameWaiter.h"
 #include "window/LoadBar.h"
 #include "window/Menus.h"
-#include "window/PlayBar.h"
 #include "window/Player.h"
 #include "window/ScreenFitter.h"
 #include "window/StatusText.h"
@@ -247,13 +246,13 @@ void MainWindow::follow(std::unique_ptr<LoadJob> newJob,
                 ended->deleteLater(); // not before it returns
                 showLoading();
                 if (loaded) {
-                    const std::size_t frame = choice == SAME_CAMERA && player
-                                                  ? player->getFrame()
-                                                  : std::size_t(options.frame.value_or(0));
+                    Start start{std::size_t(options.frame.value_or(0))};
+                    if (choice == SAME_CAMERA && player)
+                        start = {player->getFrame(), playBar->getRange()};
                     showDrawing();
                     showScene(loaded, ended->getFiles(), choice);
                     rememberFiles(namesOf(ended->getFiles()));
-                    beginToPlay(report, frame);
+                    beginToPlay(report, start);
                 }
                 tell(report);
                 emit loadingEnded();
@@ -274,7 +273,7 @@ void MainWindow::tellOpened(const std::vector<std::string>& files, const ReadRep
 
 // Series
 
-void MainWindow::beginToPlay(const ReadReport& report, std::size_t frame)
+void MainWindow::beginToPlay(const ReadReport& report, const Start& start)
 {
     const bool areMoved = options.series.align || options.series.between > 0;
     const auto given = std::size_t(std::exchange(options.frame, std::nullopt).value_or(0));
@@ -292,6 +291,7 @@ void MainWindow::beginToPlay(const ReadReport& report, std::size_t frame)
     };
     Options ofFrames = options;
     ofFrames.colourIfPossible = true; // or this file would not be shown
+    playBar->reset(start.range);
     player = std::make_unique<Player>(
         *scene, loaded, open, FrameStore::Plan{scene->getStyle(), scene->getPlacement(), ofFrames},
         *playBar);
@@ -307,8 +307,8 @@ void MainWindow::beginToPlay(const ReadReport& report, std::size_t frame)
     connect(player.get(), &Player::opened, this,
             [this](const std::vector<std::string>& notices) { tellSeries(notices); });
     connect(player.get(), &Player::staged, this, &MainWindow::settle);
-    if (frame != loaded)
-        player->goTo(frame);
+    if (start.frame != loaded)
+        player->goTo(start.frame);
     menus->followSeries(true);
     playBar->show();
 }

@@ -19,6 +19,7 @@
 #include "scene/Stage.h"
 #include "scene/Told.h"
 #include "window/LoadJob.h"
+#include "window/PlayBar.h"
 #include "window/actions.h"
 
 class QLabel;
@@ -28,7 +29,6 @@ namespace strandview {
 class DataScene;
 class LoadBar;
 class Menus;
-class PlayBar;
 class Player;
 class StatusText;
 class WindowViewer;
@@ -131,8 +131,14 @@ private:
     void tellOpened(const std::vector<std::string>& files, const ReadReport& report);
 
     void buildPlayBar();
+    /// Where playing is to begin.
+    struct Start
+    {
+        std::size_t frame = 0;
+        PlayBar::Range range = {};
+    };
     /// If the files that are shown have several frames, and can be read again.
-    void beginToPlay(const ReadReport& report, std::size_t frame);
+    void beginToPlay(const ReadReport& report, const Start& start);
     void endPlaying();
     void tellSeries(const std::vector<std::string>& notices);
     void tellFrame(std::size_t frame, const std::vector<std::string>& notices);

@@ -156,34 +156,32 @@ QSpinBox* PlayBar::makeField(const QString& name, const QString& help)
     return made;
 }
 
-void PlayBar::reset()
+void PlayBar::reset(const Range& asked)
 {
+    range = asked;
     count = 1;
     isGrowing = true;
     shown = 0;
     shownTime.reset();
     label->setMinimumWidth(1);
-    setRanges();
-    const QSignalBlocker noFrom(from), noTo(to);
-    from->setValue(0);
-    to->setValue(0);
+    setLimits();
+    showRange();
 }
 
 void PlayBar::setCount(std::size_t frames, bool mayGrow)
 {
     if (frames == count && mayGrow == isGrowing) // nor is anything typed into a field lost
         return;
-    const bool isRangeAll = to->value() == asInt(count - 1);
     count = std::max<std::size_t>(frames, 1);
     isGrowing = mayGrow;
-    setRanges();
-    const QSignalBlocker noTo(to);
-    if (isRangeAll)
-        to->setValue(asInt(count - 1));
+    if (!isGrowing && range.first >= count)
+        range = {0, {}};
+    setLimits();
+    showRange();
     showText();
 }
 
-void PlayBar::setRanges()
+void PlayBar::setLimits()
 {
     const int last = asInt(count - 1);
     const QSignalBlocker noFrame(slider), noField(field), noFrom(from), noTo(to);
@@ -193,13 +191,20 @@ void PlayBar::setRanges()
         numbers->setRange(0, last);
 }
 
+// What of it is there.
+void PlayBar::showRange()
+{
+    const QSignalBlocker noFrom(from), noTo(to);
+    from->setValue(asInt(std::min(range.first, count - 1)));
+    to->setValue(asInt(std::min(range.last.value_or(count - 1), count - 1)));
+}
+
 void PlayBar::setRange(std::size_t first, std::size_t last)
 {
-    {
-        const QSignalBlocker noFrom(from), noTo(to);
-        from->setValue(asInt(first));
-        to->setValue(asInt(last));
-    }
+    range = {first, last};
+    if (asInt(last) == asInt(count - 1))
+        range.last.reset();
+    showRange();
     emit orderChanged();
 }
 

@@ -30,11 +30,19 @@ public:
     /// The buttons do what the actions do, in their order.
     PlayBar(const std::vector<QAction*>& buttons, double framesPerSecond, QWidget* parent);
 
+    /// Which frames are played.
+    struct Range
+    {
+        std::size_t first = 0;
+        std::optional<std::size_t> last = {}; ///< nothing: to the last frame that there is
+    };
+
     /// The number of frames that are known, one at least, and whether there may be more. A range
     /// that ended with the last frame grows with them.
     void setCount(std::size_t frames, bool mayGrow);
-    /// Of another series: the range is all of it.
-    void reset();
+    /// Of another series, whose range is all of it, or that of one that was there: as far as it has
+    /// such frames, and all of it if it has none of them.
+    void reset(const Range& asked = {0, {}});
     /// Tells which frame is shown.
     void showFrame(std::size_t frame, const std::optional<double>& time);
     /// Puts slider and field on the frame that is asked for, unless the user holds them.
@@ -45,6 +53,8 @@ public:
     std::size_t getCount() const { return count; }
     bool mayGrow() const { return isGrowing; }
     PlayOrder getOrder() const;
+    /// As the user gave it, be there such frames or not.
+    const Range& getRange() const { return range; }
     double getFramesPerSecond() const;
     /// Whether frames are rather played late than left out.
     bool isEveryFrameShown() const;
@@ -61,7 +71,8 @@ private:
     QWidget* makeFrameRow(const std::vector<QAction*>& buttons);
     QWidget* makeOrderRow(double framesPerSecond);
     QSpinBox* makeField(const QString& name, const QString& help);
-    void setRanges();
+    void setLimits();
+    void showRange();
     void keepRangeInOrder(const QSpinBox* changed);
     void showText();
 
@@ -74,6 +85,7 @@ private:
     QSpinBox *from = nullptr, *to = nullptr;
     QCheckBox* everyFrame = nullptr;
 
+    Range range;
     std::size_t count = 1;
     bool isGrowing = false;
     std::size_t shown = 0;

@@ -42,7 +42,6 @@ Player::Player(DataScene& shownScene, std::size_t shownFrame, FrameStore::Opener
         if (playing)
             playFrom(asked);
     });
-    bar.reset();
     bar.setCount(shown + 1, true);
     bar.setFrame(shown);
     bar.showFrame(shown, {});

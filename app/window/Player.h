@@ -30,7 +30,8 @@ class Player : public QObject
     Q_OBJECT
 
 public:
-    /// The scene, which shows a frame already, and the bar outlive the player. With
+    /// The scene, which shows a frame already, and the bar, which was reset for the series, outlive
+    /// the player. With
     /// options.series.follow it goes on to the last frame as more are found, as long as the last
     /// one is shown.
     Player(DataScene& scene, std::size_t shownFrame, FrameStore::Opener opener,

@@ -66,6 +66,35 @@ TEST_F(PlayBarTest, TheRangeGrowsWithTheSeriesUnlessItEndsBefore)
     EXPECT_EQ(bar.getOrder().last, 3u);
 }
 
+TEST_F(PlayBarTest, ARangeIsKeptForWhatThereWillBeOfIt)
+{
+    bar.setCount(100, false);
+    bar.setRange(20, 60);
+    const PlayBar::Range kept = bar.getRange();
+    const auto expectRange = [this](std::size_t first, std::size_t last) {
+        EXPECT_EQ(bar.getOrder().first, first);
+        EXPECT_EQ(bar.getOrder().last, last);
+    };
+    bar.reset(kept);
+    bar.setCount(10, true);
+    expectRange(9, 9);
+    bar.setCount(40, true);
+    expectRange(20, 39);
+    bar.setCount(41, false);
+    expectRange(20, 40);
+    bar.reset(bar.getRange()); // not what it was cut to
+    bar.setCount(100, false);
+    expectRange(20, 60);
+
+    bar.reset(kept);
+    bar.setCount(20, false); // nothing of it
+    expectRange(0, 19);
+    bar.setRange(5, 19);
+    bar.reset(bar.getRange()); // to the end
+    bar.setCount(30, false);
+    expectRange(5, 29);
+}
+
 TEST_F(PlayBarTest, AnEndOfTheRangeTakesTheOtherAlong)
 {
     bar.setCount(100, false);

@@ -15,6 +15,7 @@
 #include <QDoubleSpinBox>
 #include <QGLWidget>
 #include <QLabel>
+#include <QPointer>
 #include <QSettings>
 #include <QSlider>
 #include <QSpinBox>
@@ -523,6 +524,28 @@ TEST_F(PlayerTest, FilesAreReadAgainAtTheFrameThatIsShownOrAtTheirLast)
         EXPECT_TRUE(comesToShow(shown));
         EXPECT_EQ(frameOfScene(), shown);
     }
+}
+
+TEST_F(PlayerTest, FilesThatAreReadAgainKeepTheRangeThatIsPlayed)
+{
+    openSeries(30);
+    bar()->setRange(4, 12);
+    const auto comesToRange = [this](std::size_t first, std::size_t last) {
+        return comesTo([&] {
+            const PlayOrder order = bar()->getOrder();
+            return !bar()->mayGrow() && order.first == first && order.last == last;
+        });
+    };
+    for (const auto& [frames, last] :
+         std::vector<std::pair<int, std::size_t>>{{20, 12}, {10, 9}, {40, 12}, {4, 3}}) {
+        const QPointer<Player> before = player();
+        folder.write("run.txt", seriesText(frames));
+        pressRealKey("F5");
+        ASSERT_TRUE(comesTo([&] { return !before && player(); }));
+        EXPECT_TRUE(comesToRange(frames > 4 ? 4 : 0, last)) << frames << " frames";
+    }
+    window->openFiles({QString::fromStdString(folder.write("other.txt", seriesText(20)))});
+    EXPECT_TRUE(comesToRange(0, 19)) << "of other files it is all of them";
 }
 
 TEST_F(PlayerTest, StillDataEndThePlaying)
