@@ -148,14 +148,11 @@ CameraRequest DataScene::settle(CameraRequest request) const
     return request;
 }
 
-void DataScene::addLegend(const Colouring& colouringOfData)
+void DataScene::setColouring(const Colouring& next)
 {
-    colouring = colouringOfData;
+    colouring = next;
     colouring->places.clear();
-    legend = new SoSwitch;
-    legend->addChild(makeLegend(*colouring, style.background, style.legendTextSize));
-    addChild(legend);
-    showColours(true);
+    tellColouring();
 }
 
 void DataScene::updateLegend(const Colouring& next)
@@ -165,14 +162,20 @@ void DataScene::updateLegend(const Colouring& next)
     colouring->isBelow = next.isBelow;
     colouring->isAbove = next.isAbove;
     colouring->isMissing = next.isMissing;
-    legend->replaceChild(0, makeLegend(*colouring, style.background, style.legendTextSize));
+    tellColouring();
 }
 
-void DataScene::setColouring(const Colouring& next)
+void DataScene::tellColouring()
 {
-    colouring = next;
-    colouring->places.clear();
-    legend->replaceChild(0, makeLegend(*colouring, style.background, style.legendTextSize));
+    SoNode* const telling = makeLegend(*colouring, style.background, style.legendTextSize);
+    if (legend) {
+        legend->replaceChild(0, telling);
+        return;
+    }
+    legend = new SoSwitch;
+    legend->addChild(telling);
+    addChild(legend);
+    showColours(true);
 }
 
 bool DataScene::hasColours() const { return legend; }

@@ -55,12 +55,11 @@ public:
 
     // Colours of data, shown at first
 
-    /// Adds a legend that is drawn over the scene, for the colouring of the data.
-    void addLegend(const Colouring& colouring);
+    /// Lets a legend that is drawn over the scene tell the colouring of this frame and of those to
+    /// come. The first one is shown with it.
+    void setColouring(const Colouring& next);
     /// Makes the legend tell whether the values of another frame lie beyond its ends or are none.
     void updateLegend(const Colouring& next);
-    /// Gives the legend other ends, for the frames to come. Only where there is a legend.
-    void setColouring(const Colouring& next);
     /// That of the legend, without the places of its points; nothing without one.
     const std::optional<Colouring>& getColouring() const { return colouring; }
     bool hasColours() const;
@@ -102,6 +101,7 @@ private:
     using Shininess = std::vector<float>;
     Shininess getShininess();
     void setShininess(const Shininess& values);
+    void tellColouring(); ///< by the legend: nothing else changes what it tells
 
     struct Kind
     {

@@ -277,7 +277,7 @@ DataScene* buildScene(const Configuration& configuration, const Style& style,
         return nullptr;
     }
     if (colouring)
-        scene->addLegend(*colouring);
+        scene->setColouring(*colouring);
     scene->unrefNoDelete();
     return scene;
 }

@@ -15,6 +15,8 @@
 #include <SoRod.h>
 #include <gmock/gmock.h>
 
+#include "scene/SoOverlay.h"
+#include "support/graph.h"
 #include "support/initialiseSceneOnce.h"
 #include <algebra3d/Matrix3.h>
 
@@ -297,7 +299,7 @@ TEST_F(DataSceneTest, ColoursOfDataHaveNoHighlightsUnlessTheUserChangesThem)
     EXPECT_FALSE(scene->hasColours());
     const std::vector<float> usual = shininessOf(*scene);
     EXPECT_GT(usual[0], 0);
-    scene->addLegend(Colouring());
+    scene->setColouring(Colouring());
     EXPECT_TRUE(scene->hasColours());
     EXPECT_THAT(shininessOf(*scene), testing::Each(0));
     EXPECT_GT(scene->getLegendHeight(), 0);
@@ -312,6 +314,31 @@ TEST_F(DataSceneTest, ColoursOfDataHaveNoHighlightsUnlessTheUserChangesThem)
     for (const bool show : {true, false, true, false}) {
         scene->showColours(show);
         EXPECT_EQ(shininessOf(*scene)[0], 5);
+    }
+    scene->unref();
+}
+
+TEST_F(DataSceneTest, OneLegendTellsWhicheverColouringThereIsAndStaysHidden)
+{
+    auto* scene = new DataScene({});
+    scene->ref();
+    Colouring next;
+    next.max = 7;
+    next.places = {{0.5}};
+    scene->setColouring(Colouring());
+    scene->setColouring(next);
+    EXPECT_TRUE(scene->areColoursShown());
+    scene->showColours(false);
+    for (const double max : {8, 9}) {
+        next.max = max;
+        scene->setColouring(next);
+        next.isAbove = !next.isAbove;
+        scene->updateLegend(next);
+        EXPECT_EQ(scene->getColouring()->max, max);
+        EXPECT_EQ(scene->getColouring()->isAbove, next.isAbove);
+        EXPECT_THAT(scene->getColouring()->places, testing::IsEmpty());
+        EXPECT_FALSE(scene->areColoursShown());
+        EXPECT_THAT(allOf<SoOverlay>(scene), testing::SizeIs(1));
     }
     scene->unref();
 }
