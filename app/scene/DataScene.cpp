@@ -64,6 +64,8 @@ DataScene::DataScene(const Placement& placementOfData, const Style& styleOfData)
     : placement(placementOfData), style(styleOfData)
 {}
 
+DataScene::~DataScene() = default;
+
 const std::vector<ShownDatum>& DataScene::getShown(std::size_t kind) const
 {
     static const std::vector<ShownDatum> none;
@@ -167,24 +169,25 @@ void DataScene::updateLegend(const Colouring& next)
 
 void DataScene::tellColouring()
 {
-    SoNode* const telling = makeLegend(*colouring, style.background, style.legendTextSize);
-    if (legend) {
-        legend->replaceChild(0, telling);
+    const bool isFirst = !legend;
+    if (isFirst)
+        legend = std::make_unique<Legend>(style.background, style.legendTextSize);
+    legend->tell(*colouring);
+    if (!isFirst)
         return;
-    }
-    legend = new SoSwitch;
-    legend->addChild(telling);
-    addChild(legend);
+    legendChoice = new SoSwitch;
+    legendChoice->addChild(legend->getNode());
+    addChild(legendChoice);
     showColours(true);
 }
 
-bool DataScene::hasColours() const { return legend; }
+bool DataScene::hasColours() const { return legend != nullptr; }
 
 void DataScene::showColours(bool show)
 {
-    if (!legend || show == (legend->whichChild.getValue() == 0))
+    if (!legend || show == (legendChoice->whichChild.getValue() == 0))
         return;
-    legend->whichChild = show ? 0 : SO_SWITCH_NONE;
+    legendChoice->whichChild = show ? 0 : SO_SWITCH_NONE;
     for (const Kind& kind : kinds) {
         for (const ShownDatum& datum : kind.data) {
             if (datum.colours)
@@ -201,7 +204,10 @@ void DataScene::showColours(bool show)
     setShininess(show ? none : highlights);
 }
 
-bool DataScene::areColoursShown() const { return !legend || legend->whichChild.getValue() == 0; }
+bool DataScene::areColoursShown() const
+{
+    return !legend || legendChoice->whichChild.getValue() == 0;
+}
 
 DataScene::Shininess DataScene::getShininess()
 {
@@ -222,14 +228,14 @@ void DataScene::setShininess(const Shininess& values)
 
 float DataScene::getLegendHeight() const
 {
-    return legend && legend->whichChild.getValue() == 0 ? LEGEND_HEIGHT : 0;
+    return legend && legendChoice->whichChild.getValue() == 0 ? LEGEND_HEIGHT : 0;
 }
 
 void DataScene::setBackground(const Colour& background)
 {
     style.background = background;
     if (legend)
-        setLegendBackground(*legend->getChild(0), background);
+        legend->setBackground(background);
 }
 
 void DataScene::setStamp(SoNode* next)

@@ -3,6 +3,7 @@
 #define STRANDVIEW_APP_SCENE_DATASCENE_H
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <unordered_map>
@@ -20,6 +21,8 @@
 #include "scene/Told.h"
 
 namespace strandview {
+
+class Legend;
 
 /// The program's scene: it knows which nodes show which datum, and tells what was picked.
 /// Placement and style are those of the first frame that it shows, and stay.
@@ -96,7 +99,7 @@ public:
     bool processPickEvent(const SoPickedPoint* point) override;
 
 private:
-    ~DataScene() override = default;
+    ~DataScene() override;
 
     using Shininess = std::vector<float>;
     Shininess getShininess();
@@ -122,7 +125,8 @@ private:
     Side standardSide = Side::Z;
     std::optional<Colouring> colouring;
     bool coarse = false;
-    SoSwitch* legend = nullptr;
+    std::unique_ptr<Legend> legend;
+    SoSwitch* legendChoice = nullptr; ///< whether it is shown
     SoNode* stamp = nullptr;
     Shininess highlights;           ///< while colours are shown: those without
     bool areUserHighlights = false; ///< changed while colours were shown

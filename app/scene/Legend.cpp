@@ -3,7 +3,6 @@
 
 #include <algorithm>
 
-#include <Inventor/misc/SoChildList.h>
 #include <Inventor/nodes/SoBaseColor.h>
 #include <Inventor/nodes/SoCoordinate3.h>
 #include <Inventor/nodes/SoDrawStyle.h>
@@ -13,6 +12,7 @@
 #include <Inventor/nodes/SoMaterialBinding.h>
 #include <Inventor/nodes/SoQuadMesh.h>
 #include <Inventor/nodes/SoSeparator.h>
+#include <Inventor/nodes/SoSwitch.h>
 
 #include "request/conversions.h"
 #include "scene/Colouring.h"
@@ -33,6 +33,7 @@ const float PATCH_LEFT = 0.77f;
 const float PATCH_RIGHT = 0.85f;
 const float BAR_TOP = -0.82f;
 const float BAR_BOTTOM = -0.87f;
+const float BAR_MIDDLE = (BAR_TOP + BAR_BOTTOM) / 2;
 const float TRIANGLE = 0.04f; // beyond the bar
 const float TICK_BOTTOM = -0.89f;
 const float NAME = -0.80f;
@@ -180,118 +181,124 @@ SbColor colourAt(const ColourMapper& ramp, double place)
     return toSbColor(colour);
 }
 
-// A filled shape of one colour.
-void addFace(SoSeparator* legend, const SbColor& colour, const std::vector<SbVec3f>& corners)
+// A shape that is filled with one colour, or not there.
+class Face
 {
-    auto* group = new SoSeparator;
-    auto* base = new SoMaterial; // not of the text's kind, whose colour changes
-    base->diffuseColor = colour;
-    group->addChild(base);
-    auto* coordinates = new SoCoordinate3;
-    coordinates->point.setValues(0, int(corners.size()), corners.data());
-    group->addChild(coordinates);
-    auto* face = new SoFaceSet;
-    face->numVertices = int(corners.size());
-    group->addChild(face);
-    legend->addChild(group);
-}
+public:
+    explicit Face(SoSeparator& legend)
+    {
+        auto* group = new SoSeparator;
+        for (SoNode* const node : {static_cast<SoNode*>(base), static_cast<SoNode*>(coordinates),
+                                   static_cast<SoNode*>(face)})
+            group->addChild(node);
+        choice->addChild(group);
+        legend.addChild(choice);
+    }
+    void show(const SbColor& colour, const std::vector<SbVec3f>& corners)
+    {
+        base->diffuseColor = colour;
+        setPoints(*coordinates, corners);
+        face->numVertices = int(corners.size());
+        choice->whichChild = 0;
+    }
+    void hide() { choice->whichChild = SO_SWITCH_NONE; }
 
-void addBar(SoSeparator* legend, const Colouring& colouring, const Bar& bar)
+private:
+    SoSwitch* choice = new SoSwitch;
+    SoMaterial* base = new SoMaterial; // not of the text's kind, which is the ink
+    SoCoordinate3* coordinates = new SoCoordinate3;
+    SoFaceSet* face = new SoFaceSet;
+};
+
+// Lines in the colour that was set last.
+class Lines
 {
-    auto* group = new SoSeparator;
-    auto* material = new SoMaterial;
-    auto* corners = new SoCoordinate3;
-    for (int i = 0; i <= BAR_CELLS; ++i) {
-        const double t = double(i) / BAR_CELLS;
-        const SbColor colour = colourAt(colouring.ramp, colouring.constant.empty() ? t : 0.5);
-        for (const int row : {0, 1}) {
-            const int index = row * (BAR_CELLS + 1) + i;
-            corners->point.set1Value(index, bar.at(t), row == 0 ? BAR_BOTTOM : BAR_TOP, 0);
-            material->diffuseColor.set1Value(index, colour);
+public:
+    Lines(SoSeparator& legend, float width)
+    {
+        auto* style = new SoDrawStyle;
+        style->lineWidth = width;
+        legend.addChild(style);
+        legend.addChild(coordinates);
+        legend.addChild(lines);
+    }
+    // Each of so many points.
+    void set(const std::vector<SbVec3f>& points, int perLine)
+    {
+        setPoints(*coordinates, points);
+        const std::vector<int32_t> counts(points.size() / std::size_t(perLine), perLine);
+        lines->numVertices.setNum(int(counts.size()));
+        lines->numVertices.setValues(0, int(counts.size()), counts.data());
+    }
+
+private:
+    SoCoordinate3* coordinates = new SoCoordinate3;
+    SoLineSet* lines = new SoLineSet;
+};
+
+// The bar with the ramp.
+class Ramp
+{
+public:
+    explicit Ramp(SoSeparator& legend)
+    {
+        auto* group = new SoSeparator;
+        group->addChild(material);
+        auto* binding = new SoMaterialBinding;
+        binding->value = SoMaterialBinding::PER_VERTEX;
+        group->addChild(binding);
+        group->addChild(coordinates);
+        auto* mesh = new SoQuadMesh;
+        mesh->verticesPerRow = BAR_CELLS + 1;
+        mesh->verticesPerColumn = 2;
+        group->addChild(mesh);
+        legend.addChild(group);
+    }
+    void show(const Colouring& colouring, const Bar& bar)
+    {
+        std::vector<SbVec3f> corners;
+        std::vector<SbColor> colours;
+        for (const float y : {BAR_BOTTOM, BAR_TOP}) {
+            for (int i = 0; i <= BAR_CELLS; ++i) {
+                const double t = double(i) / BAR_CELLS;
+                corners.emplace_back(bar.at(t), y, 0.0f);
+                colours.push_back(colourAt(colouring.ramp, colouring.constant.empty() ? t : 0.5));
+            }
         }
+        setPoints(*coordinates, corners);
+        material->diffuseColor.setNum(int(colours.size()));
+        material->diffuseColor.setValues(0, int(colours.size()), colours.data());
     }
-    group->addChild(material);
-    auto* binding = new SoMaterialBinding;
-    binding->value = SoMaterialBinding::PER_VERTEX;
-    group->addChild(binding);
-    group->addChild(corners);
-    auto* mesh = new SoQuadMesh;
-    mesh->verticesPerRow = BAR_CELLS + 1;
-    mesh->verticesPerColumn = 2;
-    group->addChild(mesh);
-    legend->addChild(group);
-}
 
-// What the colours of the bar do not show.
-void addBesideBar(SoSeparator* legend, const Colouring& colouring, const Bar& bar)
-{
-    const float middle = (BAR_TOP + BAR_BOTTOM) / 2;
-    const auto addTriangle = [&](float end, float tip, double place) {
-        addFace(legend, colourAt(colouring.ramp, place),
-                {{end, BAR_BOTTOM, 0}, {tip, middle, 0}, {end, BAR_TOP, 0}});
-    };
-    if (colouring.isBelow)
-        addTriangle(bar.left, bar.left - TRIANGLE, 0);
-    if (colouring.isAbove)
-        addTriangle(bar.right, bar.right + TRIANGLE, 1);
-    if (colouring.isMissing) {
-        addFace(legend, toSbColor(NO_VALUE_COLOUR),
-                {{PATCH_LEFT, BAR_BOTTOM, 0},
-                 {PATCH_RIGHT, BAR_BOTTOM, 0},
-                 {PATCH_RIGHT, BAR_TOP, 0},
-                 {PATCH_LEFT, BAR_TOP, 0}});
-    }
-}
+private:
+    SoMaterial* material = new SoMaterial;
+    SoCoordinate3* coordinates = new SoCoordinate3;
+};
 
 // Around the bar and its triangles, so that a ramp's end of the background's colour is seen.
-void addFrame(SoSeparator* legend, const Colouring& colouring, const Bar& bar)
+std::vector<SbVec3f> layOutFrame(const Colouring& colouring, const Bar& bar)
 {
-    const float middle = (BAR_TOP + BAR_BOTTOM) / 2;
     std::vector<SbVec3f> corners{{bar.left, BAR_TOP, 0}};
     if (colouring.isBelow)
-        corners.emplace_back(bar.left - TRIANGLE, middle, 0.0f);
+        corners.emplace_back(bar.left - TRIANGLE, BAR_MIDDLE, 0.0f);
     corners.emplace_back(bar.left, BAR_BOTTOM, 0.0f);
     corners.emplace_back(bar.right, BAR_BOTTOM, 0.0f);
     if (colouring.isAbove)
-        corners.emplace_back(bar.right + TRIANGLE, middle, 0.0f);
+        corners.emplace_back(bar.right + TRIANGLE, BAR_MIDDLE, 0.0f);
     corners.emplace_back(bar.right, BAR_TOP, 0.0f);
     corners.push_back(corners.front());
-    auto* style = new SoDrawStyle;
-    style->lineWidth = 1;
-    legend->addChild(style);
-    auto* coordinates = new SoCoordinate3;
-    coordinates->point.setValues(0, int(corners.size()), corners.data());
-    legend->addChild(coordinates);
-    auto* line = new SoLineSet;
-    line->numVertices = int(corners.size());
-    legend->addChild(line);
+    return corners;
 }
 
-void addTicks(SoSeparator* legend, const Colouring& colouring, const Ticks& ticks, const Bar& bar)
+std::vector<SbVec3f> layOutTicks(const Colouring& colouring, const Ticks& ticks, const Bar& bar)
 {
-    auto* ends = new SoCoordinate3;
-    auto* lines = new SoLineSet;
-    int count = 0;
+    std::vector<SbVec3f> ends;
     for (const double tick : ticks.values) {
         const float x = bar.at(placeOf(colouring, tick));
-        ends->point.set1Value(2 * count, x, BAR_BOTTOM, 0);
-        ends->point.set1Value(2 * count + 1, x, TICK_BOTTOM, 0);
-        lines->numVertices.set1Value(count, 2);
-        ++count;
+        ends.emplace_back(x, BAR_BOTTOM, 0.0f);
+        ends.emplace_back(x, TICK_BOTTOM, 0.0f);
     }
-    auto* style = new SoDrawStyle;
-    style->lineWidth = 2;
-    legend->addChild(style);
-    legend->addChild(ends);
-    legend->addChild(lines);
-}
-
-void addTexts(SoSeparator* legend, const std::vector<LegendText>& texts, const Text& letters)
-{
-    std::vector<SbVec3f> corners;
-    for (const LegendText& text : texts)
-        letters.addCorners(text, corners);
-    addShapes(*legend, corners);
+    return ends;
 }
 
 } // namespace
@@ -302,30 +309,84 @@ std::vector<LegendText> layOutLegend(const Colouring& colouring, float textSize)
     return layOut(colouring, ticksOf(colouring, letters), letters);
 }
 
-SoNode* makeLegend(const Colouring& colouring, const Colour& background, float textSize)
+// In the order in which they are drawn.
+class Legend::Nodes
 {
-    SoSeparator* legend = makeOverlay();
-    const Bar bar(colouring);
-    addBar(legend, colouring, bar);
-    addBesideBar(legend, colouring, bar);
-    legend->addChild(new SoBaseColor);
-    setLegendBackground(*legend, background);
-    const Text letters(textSize);
-    const Ticks ticks = ticksOf(colouring, letters);
-    addFrame(legend, colouring, bar);
-    addTicks(legend, colouring, ticks, bar);
-    addTexts(legend, layOut(colouring, ticks, letters), letters);
-    return legend;
-}
-
-void setLegendBackground(SoNode& legend, const Colour& background)
-{
-    const SbColor ink = toSbColor(inkOn(background));
-    for (int i = 0; i < legend.getChildren()->getLength(); ++i) {
-        SoNode* child = (*legend.getChildren())[i];
-        if (child->isOfType(SoBaseColor::getClassTypeId()))
-            static_cast<SoBaseColor*>(child)->rgb = ink;
+public:
+    Nodes(const Colour& background, float textSize) : letters(textSize)
+    {
+        root->ref();
+        setBackground(background);
     }
-}
+    ~Nodes() { root->unref(); }
+    Nodes(const Nodes&) = delete;
+    Nodes& operator=(const Nodes&) = delete;
+
+    SoNode* getRoot() const { return root; }
+    void tell(const Colouring& colouring)
+    {
+        const Bar bar(colouring);
+        ramp.show(colouring, bar);
+        showBesideBar(colouring, bar);
+        const std::vector<SbVec3f> corners = layOutFrame(colouring, bar);
+        frame.set(corners, int(corners.size()));
+        const Ticks found = ticksOf(colouring, letters);
+        ticks.set(layOutTicks(colouring, found, bar), 2);
+        std::vector<SbVec3f> ofLetters;
+        for (const LegendText& text : layOut(colouring, found, letters))
+            letters.addCorners(text, ofLetters);
+        texts.set(ofLetters);
+    }
+    void setBackground(const Colour& background) { ink->rgb = toSbColor(inkOn(background)); }
+
+private:
+    // What the colours of the bar do not show.
+    void showBesideBar(const Colouring& colouring, const Bar& bar)
+    {
+        const auto showTriangle = [&](Face& face, bool isThere, float end, float tip,
+                                      double place) {
+            if (isThere)
+                face.show(colourAt(colouring.ramp, place),
+                          {{end, BAR_BOTTOM, 0}, {tip, BAR_MIDDLE, 0}, {end, BAR_TOP, 0}});
+            else
+                face.hide();
+        };
+        showTriangle(below, colouring.isBelow, bar.left, bar.left - TRIANGLE, 0);
+        showTriangle(above, colouring.isAbove, bar.right, bar.right + TRIANGLE, 1);
+        if (colouring.isMissing)
+            missing.show(toSbColor(NO_VALUE_COLOUR), {{PATCH_LEFT, BAR_BOTTOM, 0},
+                                                      {PATCH_RIGHT, BAR_BOTTOM, 0},
+                                                      {PATCH_RIGHT, BAR_TOP, 0},
+                                                      {PATCH_LEFT, BAR_TOP, 0}});
+        else
+            missing.hide();
+    }
+    static SoBaseColor* addInk(SoSeparator& legend)
+    {
+        auto* ink = new SoBaseColor;
+        legend.addChild(ink);
+        return ink;
+    }
+
+    const Text letters;
+    SoSeparator* const root = makeOverlay();
+    Ramp ramp{*root};
+    Face below{*root}, above{*root}, missing{*root};
+    SoBaseColor* const ink = addInk(*root); // of all that follows
+    Lines frame{*root, 1}, ticks{*root, 2};
+    Quadrilaterals texts{*root};
+};
+
+Legend::Legend(const Colour& background, float textSize)
+    : nodes(std::make_unique<Nodes>(background, textSize))
+{}
+
+Legend::~Legend() = default;
+
+SoNode* Legend::getNode() const { return nodes->getRoot(); }
+
+void Legend::tell(const Colouring& colouring) { nodes->tell(colouring); }
+
+void Legend::setBackground(const Colour& background) { nodes->setBackground(background); }
 
 } // namespace strandview

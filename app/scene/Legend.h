@@ -2,6 +2,7 @@
 #ifndef STRANDVIEW_APP_SCENE_LEGEND_H
 #define STRANDVIEW_APP_SCENE_LEGEND_H
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -37,12 +38,29 @@ std::vector<LegendText> layOutLegend(const Colouring& colouring, float textSize)
 /// A framed bar with the ramp, ticks with their numbers, and the scalar's name, at the bottom of
 /// whatever view it is drawn in. Triangles at its ends show that values lie beyond them, a grey
 /// patch beside it that some are no numbers. A constant has one colour and one number, and the
-/// triangles where another frame has other numbers. The
-/// text is black or white, as is read on the background.
-SoNode* makeLegend(const Colouring& colouring, const Colour& background, float textSize);
+/// triangles where another frame has other numbers. The text is black or white, as is read on the
+/// background.
+///
+/// Its nodes stay, whatever it tells, which may be something else in every frame. In the thread
+/// that Coin is used in.
+class Legend
+{
+public:
+    /// Which tells nothing yet.
+    Legend(const Colour& background, float textSize);
+    ~Legend();
+    Legend(const Legend&) = delete;
+    Legend& operator=(const Legend&) = delete;
 
-/// Gives a legend's text the colour that is read on another background.
-void setLegendBackground(SoNode& legend, const Colour& background);
+    /// All of it; the legend has one of its references.
+    SoNode* getNode() const;
+    void tell(const Colouring& colouring);
+    void setBackground(const Colour& background);
+
+private:
+    class Nodes;
+    std::unique_ptr<Nodes> nodes;
+};
 
 } // namespace strandview
 

@@ -34,7 +34,7 @@ SoNode* makeStamp(const std::string& text, const Colour& background, float textS
     auto* ink = new SoBaseColor;
     ink->rgb = toSbColor(inkOn(background));
     stamp->addChild(ink);
-    addShapes(*stamp, corners);
+    Quadrilaterals(*stamp).set(corners);
     return stamp;
 }
 

@@ -30,16 +30,25 @@ SoSeparator* makeOverlay()
     return overlay;
 }
 
-void addShapes(SoSeparator& overlay, const std::vector<SbVec3f>& corners)
+Quadrilaterals::Quadrilaterals(SoSeparator& overlay)
+    : coordinates(new SoCoordinate3), faces(new SoFaceSet)
 {
-    auto* coordinates = new SoCoordinate3;
-    coordinates->point.setValues(0, int(corners.size()), corners.data());
-    auto* faces = new SoFaceSet;
-    const std::vector<int32_t> counts(corners.size() / 4, 4);
-    faces->numVertices.setValues(0, int(counts.size()), counts.data());
-    faces->numVertices.setNum(int(counts.size()));
     overlay.addChild(coordinates);
     overlay.addChild(faces);
+}
+
+void Quadrilaterals::set(const std::vector<SbVec3f>& corners)
+{
+    setPoints(*coordinates, corners);
+    const std::vector<int32_t> counts(corners.size() / 4, 4);
+    faces->numVertices.setNum(int(counts.size()));
+    faces->numVertices.setValues(0, int(counts.size()), counts.data());
+}
+
+void setPoints(SoCoordinate3& coordinates, const std::vector<SbVec3f>& points)
+{
+    coordinates.point.setNum(int(points.size()));
+    coordinates.point.setValues(0, int(points.size()), points.data());
 }
 
 Colour inkOn(const Colour& background)

@@ -8,6 +8,8 @@
 
 #include "request/Colour.h"
 
+class SoCoordinate3;
+class SoFaceSet;
 class SoSeparator;
 
 namespace strandview {
@@ -16,8 +18,22 @@ namespace strandview {
 /// before all else. Its reference count is zero.
 SoSeparator* makeOverlay();
 
-/// Adds quadrilaterals, four corners each, in the colour that was set last.
-void addShapes(SoSeparator& overlay, const std::vector<SbVec3f>& corners);
+/// Quadrilaterals in the colour that was set last, whose nodes stay as they change.
+class Quadrilaterals
+{
+public:
+    /// Adds the nodes, which the overlay owns.
+    explicit Quadrilaterals(SoSeparator& overlay);
+    /// Four corners each.
+    void set(const std::vector<SbVec3f>& corners);
+
+private:
+    SoCoordinate3* coordinates;
+    SoFaceSet* faces;
+};
+
+/// All that there is of some coordinates from now on.
+void setPoints(SoCoordinate3& coordinates, const std::vector<SbVec3f>& points);
 
 /// Black or white, as is read on the background.
 Colour inkOn(const Colour& background);

@@ -3,15 +3,18 @@
 
 #include <cmath>
 #include <random>
+#include <set>
 
 #include <Inventor/SoPrimitiveVertex.h>
 #include <Inventor/actions/SoCallbackAction.h>
 #include <Inventor/nodes/SoFaceSet.h>
+#include <Inventor/nodes/SoShape.h>
 #include <gmock/gmock.h>
 
 #include "request/limits.h"
 #include "scene/Colouring.h"
 #include "scene/Ticks.h"
+#include "support/graph.h"
 #include "support/initialiseSceneOnce.h"
 
 namespace strandview {
@@ -105,8 +108,8 @@ TEST(Legend, HasFewerNumbersWhereTheyAreLarger)
 double inkOf(const Colouring& shown)
 {
     initialiseSceneOnce();
-    SoNode* legend = makeLegend(shown, {1, 1, 1}, LEGEND_TEXT_SIZE);
-    legend->ref();
+    Legend legend({1, 1, 1}, LEGEND_TEXT_SIZE);
+    legend.tell(shown);
     SoCallbackAction triangles;
     double ink = 0;
     const auto add = [](void* data, SoCallbackAction* /*action*/, const SoPrimitiveVertex* a,
@@ -115,8 +118,7 @@ double inkOf(const Colouring& shown)
         *static_cast<double*>(data) += double(normal.length()) / 2;
     };
     triangles.addTriangleCallback(SoFaceSet::getClassTypeId(), add, &ink);
-    triangles.apply(legend);
-    legend->unref();
+    triangles.apply(legend.getNode());
     return ink;
 }
 
@@ -132,6 +134,68 @@ TEST(Legend, DrawsLettersOfEveryAlphabetEachAsItself)
     EXPECT_NEAR(inkOfName("κβ_"), kappa + beta + underscore, 1e-6);
     EXPECT_EQ(inkOfName(" "), 0);
     EXPECT_EQ(inkOfName("\n\t"), 0);
+}
+
+// The corners of all triangles and lines, and their colours.
+std::vector<float> drawn(const Legend& legend)
+{
+    std::vector<float> all;
+    static const auto add = [](void* data, SoCallbackAction* action,
+                               std::initializer_list<const SoPrimitiveVertex*> corners) {
+        for (const SoPrimitiveVertex* const corner : corners) {
+            SbColor ambient, diffuse, specular, emission;
+            float shininess = 0, transparency = 0;
+            action->getMaterial(ambient, diffuse, specular, emission, shininess, transparency,
+                                corner->getMaterialIndex());
+            for (const SbVec3f& three : {corner->getPoint(), SbVec3f(diffuse)})
+                static_cast<std::vector<float>*>(data)->insert(
+                    static_cast<std::vector<float>*>(data)->end(), three.getValue(),
+                    three.getValue() + 3);
+        }
+    };
+    SoCallbackAction action;
+    action.addTriangleCallback(
+        SoShape::getClassTypeId(),
+        [](void* data, SoCallbackAction* of, const SoPrimitiveVertex* a, const SoPrimitiveVertex* b,
+           const SoPrimitiveVertex* c) {
+            add(data, of, {a, b, c});
+        },
+        &all);
+    action.addLineSegmentCallback(
+        SoShape::getClassTypeId(),
+        [](void* data, SoCallbackAction* of, const SoPrimitiveVertex* a,
+           const SoPrimitiveVertex* b) {
+            add(data, of, {a, b});
+        },
+        &all);
+    action.apply(legend.getNode());
+    return all;
+}
+
+TEST(Legend, ThatTellsSomethingElseIsAsANewOneOfTheSameNodes)
+{
+    initialiseSceneOnce();
+    Colouring constant = colouring(0, 1, "constant"), beyond = colouring(-3, 1e6, "beyond"),
+              missing = colouring(2, 3, "missing");
+    constant.constant = "0.3";
+    beyond.isAbove = beyond.isBelow = true;
+    missing.isMissing = true;
+    missing.ramp.setColours({{1, 0, 0}, {0, 1, 0}});
+    Legend legend({1, 1, 1}, LEGEND_TEXT_SIZE);
+    const std::vector<const SoNode*> nodes = everyNodeOf(legend.getNode());
+    ASSERT_GT(nodes.size(), 20u);
+    std::set<std::vector<float>> seen;
+    for (const Colouring& told : {constant, beyond, missing, constant, missing, beyond}) {
+        legend.tell(told);
+        const Colour background = told.isMissing ? Colour{0, 0, 0} : Colour{1, 1, 1};
+        legend.setBackground(background);
+        Legend fresh(background, LEGEND_TEXT_SIZE);
+        fresh.tell(told);
+        EXPECT_TRUE(drawn(legend) == drawn(fresh)) << told.name;
+        EXPECT_EQ(everyNodeOf(legend.getNode()), nodes);
+        seen.insert(drawn(legend));
+    }
+    EXPECT_EQ(seen.size(), 3u);
 }
 
 } // namespace

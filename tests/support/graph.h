@@ -8,6 +8,7 @@
 #include <Inventor/SbViewportRegion.h>
 #include <Inventor/actions/SoGetBoundingBoxAction.h>
 #include <Inventor/actions/SoSearchAction.h>
+#include <Inventor/misc/SoChildList.h>
 #include <Inventor/nodes/SoGroup.h>
 #include <algebra3d/Vector3.h>
 #include <gtest/gtest.h>
@@ -35,6 +36,18 @@ std::vector<Node*> allOf(SoNode* graph)
     for (int i = 0; i < search.getPaths().getLength(); ++i)
         found.push_back(static_cast<Node*>(search.getPaths()[i]->getTail()));
     return found;
+}
+
+/// All nodes of a graph, those that no search finds, too, in its order.
+inline std::vector<const SoNode*> everyNodeOf(const SoNode* graph)
+{
+    std::vector<const SoNode*> all{graph};
+    const SoChildList* const children = graph->getChildren();
+    for (int i = 0; children && i < children->getLength(); ++i) {
+        const std::vector<const SoNode*> below = everyNodeOf((*children)[i]);
+        all.insert(all.end(), below.begin(), below.end());
+    }
+    return all;
 }
 
 inline SbBox3f boxOf(SoNode* node)
