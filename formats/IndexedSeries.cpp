@@ -20,6 +20,14 @@ void setKeeping(bool keep, const ReadOptions& options)
         options.pairs->setKeeping(keep);
 }
 
+/// What the first frame alone is read with: of a file that is growing it may have no end yet.
+ReadOptions ofStill(const ReadOptions& options)
+{
+    ReadOptions asked = options;
+    asked.growing = false;
+    return asked;
+}
+
 } // namespace
 
 // ---- KnownFrames
@@ -197,31 +205,35 @@ std::optional<Configuration> IndexedSeries::readFirst(Source& source, TextFrames
                                                       const ReadOptions& options,
                                                       ReadReport& report)
 {
+    const ReadOptions asked = ofStill(options);
     // Where the second one begins the first one ends.
     IndexedText text(frames);
-    if (!text.lookFor(2, source, options, report))
+    if (!text.lookFor(2, source, asked, report))
         return {};
     report.frames = text.count() > 1 ? SEVERAL_FRAMES : 1;
-    return text.read(0, source, options, report).configuration;
+    return text.read(0, source, asked, report).configuration;
 }
 
 std::optional<Configuration> IndexedSeries::readFirst(Source& source, TextIndex& index,
                                                       const ReadOptions& options,
                                                       ReadReport& report)
 {
+    const ReadOptions asked = ofStill(options);
     KnownFrames frames(source, index);
     ReadReport ofAll;
     using Look = KnownFrames::Look;
-    const Look look = frames.lookForFirst(options, ofAll);
+    const Look look = frames.lookForFirst(asked, ofAll);
     if (!KnownFrames::isFound(look)) {
         report.error = ofAll.error;
         return {};
     }
     report.frames = look == Look::WHOLE ? frames.count() : SEVERAL_FRAMES;
-    if (index.mayBeEmpty() && frames.isEmpty(0, options, report))
+    if (index.mayBeEmpty() && frames.isEmpty(0, asked, report))
         return {};
-    LoadedFrame first = frames.load(0, options);
+    LoadedFrame first = frames.load(0, asked);
     report.error = std::move(first.error);
+    if (options.growing) // whoever follows the others tells of them
+        ofAll.notices.clear();
     for (const auto* notices : {&first.notices, &ofAll.notices})
         if (first.configuration)
             report.notices.insert(report.notices.end(), notices->begin(), notices->end());

@@ -17,7 +17,7 @@ class Source;
 /// where that is unmistakable, else by its ending (upper or lower case). A byte order mark of
 /// UTF-8 is skipped; text with one of UTF-16 is refused.
 ///
-/// Of several frames it is the first, and a notice tells.
+/// Of several frames it is the first, and a notice tells; if it is growing, its series does.
 ///
 /// Adds to report.notices. Nothing and report.error if it fails; if the file cannot be
 /// read at all the error gives the system's reason. May be called from any thread.

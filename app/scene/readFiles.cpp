@@ -48,6 +48,7 @@ ReadOptions readingOptions(const std::vector<FileGroup>& groups, std::size_t ind
     });
     asked.topology = groups[index].topology;
     asked.atOnce = opening == Opening::AT_ONCE;
+    asked.growing = options.series.follow && asked.atOnce;
     return asked;
 }
 
@@ -72,9 +73,8 @@ OpenedFiles openBeside(const std::vector<std::string>& files, const Options& opt
     std::vector<std::size_t> counts;
     for (std::size_t i = 0; i < groups.size(); ++i) {
         progress.announce(readingText(groups, i, 0));
-        ReadOptions asked = readingOptions(groups, i, options, progress, opening);
-        asked.growing = options.series.follow && asked.atOnce;
-        parts.push_back(openSeries({groups[i].path}, asked, report));
+        parts.push_back(openSeries({groups[i].path},
+                                   readingOptions(groups, i, options, progress, opening), report));
         if (!parts.back())
             return {};
         counts.push_back(parts.back()->count());
@@ -92,11 +92,15 @@ OpenedFiles openBeside(const std::vector<std::string>& files, const Options& opt
 // The frame that is asked for.
 std::optional<Configuration> readFrame(const std::vector<std::string>& files,
                                        const Options& options, ReadReport& report,
-                                       Progress& progress)
+                                       Progress& progress, Opening opening)
 {
+    const std::size_t toldBefore = report.notices.size();
     const OpenedFiles opened = openFiles(files, options, report, progress);
     if (!opened.series)
         return {};
+    // Of frames that are not whole yet the series that follows them tells.
+    if (options.series.follow && opening == Opening::AT_ONCE)
+        report.notices.resize(toldBefore);
     const std::optional<std::size_t> frame = shownFrame(opened, options, report);
     if (!frame)
         return {};
@@ -171,7 +175,7 @@ std::optional<Configuration> readFiles(const std::vector<std::string>& files,
                                        Progress& progress, Opening opening)
 {
     if (options.frame || options.series.isOfFiles)
-        return readFrame(files, options, report, progress);
+        return readFrame(files, options, report, progress, opening);
     Configuration all;
     const std::vector<FileGroup> groups = groupFiles(files);
     std::size_t most = 1;

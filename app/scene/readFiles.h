@@ -53,7 +53,8 @@ std::optional<std::size_t> shownFrame(const OpenedFiles& opened, const Options& 
 /// All files in one configuration, in their order; nothing after the first that cannot be read, or
 /// once it is stopped, and one line in report.error. Of a series it is the frame of options.frame,
 /// or the first; beside a series a file of one configuration is in every frame. report.frames is
-/// that of the file that has most. In any thread. At once: as ReadOptions::atOnce.
+/// that of the file that has most. In any thread. At once: as ReadOptions::atOnce, and as
+/// ReadOptions::growing with options.series.follow.
 std::optional<Configuration> readFiles(const std::vector<std::string>& files,
                                        const Options& options, ReadReport& report,
                                        Progress& progress, Opening opening = Opening::WHOLE);

@@ -752,6 +752,21 @@ TEST_F(GrowingTableTest, AFrameIsWholeWithTheBlankLinesBehindIt)
     EXPECT_EQ(series->load(2).configuration->rods[0].points[1].z, 10);
 }
 
+// Of which readFile() is the reader: with an end or without.
+TEST_F(GrowingTableTest, TheFirstFrameIsReadAloneWithoutAWordOfTheOthers)
+{
+    ReadOptions options;
+    options.atOnce = options.growing = true;
+    for (const std::string text : {TWO, "0 0 0\n0 0 1\n\n\n1 0 0\n1 0", "0 0 0\n0 0 1\n"}) {
+        const auto source = Source::ofBytes("run.txt", text);
+        const auto first = readTable(*source, options, report);
+        ASSERT_TRUE(first) << report.error;
+        EXPECT_EQ(first->rods.at(0).points.size(), 2u);
+        EXPECT_THAT(report.notices, ElementsAre(HasSubstr("1 rod without frames")));
+        report = {};
+    }
+}
+
 TEST_F(GrowingTableTest, AFrameIsWholeWithARowOfAnotherTime)
 {
     follow("t x y z\n0 0 0 0\n0 0 0 1\n");

@@ -588,6 +588,25 @@ TEST_F(PlayerTest, AFileThatIsWrittenToIsFollowedToItsLastWholeFrame)
     EXPECT_EQ(frameOfScene(), 9u);
 }
 
+TEST_F(PlayerTest, AFollowedTableThatEndsWithinARowIsToldOnce)
+{
+    options.series.follow = true;
+    const std::string text = seriesText(3) + "\n\n" + frameText(3).substr(0, 30);
+    for (const std::optional<int> frame : {std::optional<int>(), std::optional<int>(1)}) {
+        options.frame = frame;
+        open(folder.write("run.txt", text));
+        ASSERT_NE(player(), nullptr);
+        ASSERT_TRUE(comesTo([this] { return bar()->getCount() == 3; }));
+        EXPECT_TRUE(
+            comesTo([&] { return statusText().find("until it is whole") != std::string::npos; }));
+        const std::string told = statusText();
+        EXPECT_THAT(told, HasSubstr("run.txt:24: "));
+        EXPECT_EQ(told.find("left out"), told.rfind("left out")) << told;
+        folder.append("run.txt", frameText(3).substr(30) + "\n\n");
+        EXPECT_TRUE(comesToShow(3));
+    }
+}
+
 TEST_F(PlayerTest, AWindowIsClosedWhileItPlays)
 {
     openSeries(500);
