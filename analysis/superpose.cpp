@@ -133,13 +133,26 @@ SuperposedSeries::SuperposedSeries(std::unique_ptr<Series> seriesToMove)
 
 LoadedFrame SuperposedSeries::loadFrame(std::size_t frame, const GoOn& goOn)
 {
-    LoadedFrame loaded = series->load(frame, goOn);
-    if (!loaded.configuration || (!reference && !findReference(goOn)))
+    bool isStopped = false;
+    const GoOn ask = [&](double share) {
+        isStopped = isStopped || (goOn && !goOn(share));
+        return !isStopped;
+    };
+    const LoadedFrame stopped{
+        {}, {}, "superposing frame " + std::to_string(frame) + " was stopped"};
+    LoadedFrame loaded = series->load(frame, ask);
+    if (!loaded.configuration)
         return loaded;
+    if (!reference)
+        findReference(ask);
+    if (!ask(1))
+        return stopped;
     // On itself any turn about a straight rod would be as good as none.
-    if (frame == referenceFrame)
+    if (!reference || frame == referenceFrame)
         return loaded;
     const std::optional<FittedFrame> motion = findSuperposition(*loaded.configuration, *reference);
+    if (!ask(1))
+        return stopped;
     if (motion)
         move(*loaded.configuration, *motion);
     else
@@ -149,13 +162,14 @@ LoadedFrame SuperposedSeries::loadFrame(std::size_t frame, const GoOn& goOn)
     return loaded;
 }
 
-bool SuperposedSeries::findReference(const GoOn& goOn)
+// A frame that was stopped is no reason to take the next one.
+void SuperposedSeries::findReference(const GoOn& goOn)
 {
-    for (std::size_t i = 0; !reference && i < std::min(series->count(), LONGEST_SEARCH); ++i) {
+    const std::size_t end = std::min(series->count(), LONGEST_SEARCH);
+    for (std::size_t i = 0; !reference && i < end && goOn(0); ++i) {
         reference = series->load(i, goOn).configuration;
         referenceFrame = i;
     }
-    return reference.has_value();
 }
 
 } // namespace strandview

@@ -23,7 +23,7 @@ STRANDVIEW_ANALYSIS_EXPORT void move(Configuration& configuration, const FittedF
 
 /// A series with each frame superposed on the first one that can be loaded, of the first hundred,
 /// which stays as it is, bit for bit. A frame that has nothing in common with it stays where it is,
-/// with a notice.
+/// with a notice. It asks goOn between its steps, too.
 class STRANDVIEW_ANALYSIS_EXPORT SuperposedSeries : public Series
 {
 public:
@@ -38,7 +38,7 @@ private:
         return series->lookForMore(goOn, &notices);
     }
     LoadedFrame loadFrame(std::size_t frame, const GoOn& goOn) override;
-    bool findReference(const GoOn& goOn);
+    void findReference(const GoOn& goOn); ///< which is always asked
 
     const std::unique_ptr<Series> series;
     std::optional<Configuration> reference; ///< once it was needed

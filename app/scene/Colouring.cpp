@@ -12,6 +12,7 @@
 
 #include "request/conversions.h"
 #include "request/limits.h"
+#include "scene/Progress.h"
 #include "scene/Ticks.h"
 
 namespace strandview {
@@ -250,18 +251,23 @@ Values ofNearestPairs(const Rod& backbone, const std::vector<Track>& tracks,
 }
 
 // The values of each, not yet their places. A number of pairs or steps is another one than that of
-// the same name of rods; backbones have that of their pairs.
-std::vector<Values> findValues(const std::vector<Track>& tracks, const std::string& name)
+// the same name of rods; backbones have that of their pairs. Once it is stopped, none of the
+// others.
+std::vector<Values> findValues(const std::vector<Track>& tracks, const std::string& name,
+                               const Progress& progress = Progress())
 {
     const bool areOfPairs = std::any_of(tracks.begin(), tracks.end(),
                                         [&](const Track& track) { return isOfPairs(track, name); });
     std::vector<Values> all;
     for (const Track& track : tracks) {
+        if (progress.isStopped())
+            break;
         const bool isMeant = !areOfPairs || isOfPairs(track, name) || isOfFile(track, name);
         all.push_back(isMeant
                           ? withLastPair(track, name, findScalar(track, name).value_or(Values()))
                           : Values());
     }
+    all.resize(tracks.size());
     for (std::size_t i = 0; areOfPairs && i < tracks.size(); ++i) {
         const Rod* const rod = tracks[i].rod;
         if (rod && rod->isBackbone && rod->molecule > 0 && all[i].empty())
@@ -271,10 +277,10 @@ std::vector<Values> findValues(const std::vector<Track>& tracks, const std::stri
 }
 
 ValueSummary summarise(const std::vector<Values>& values, const std::vector<Track>& tracks,
-                       const std::string& name)
+                       const std::string& name, const Progress& progress = Progress())
 {
     ValueSummary summary;
-    for (std::size_t i = 0; i < tracks.size(); ++i) {
+    for (std::size_t i = 0; i < tracks.size() && !progress.isStopped(); ++i) {
         if (values[i].empty())
             continue;
         const Values rounding = roundingOf(tracks[i], name);
@@ -343,10 +349,11 @@ std::string ValueSummary::constantText() const
     return numberText(number, digits > 1 ? int(std::min<double>(digits, mostDigits)) : 1);
 }
 
-ValueSummary summarise(const Configuration& configuration, const std::string& name, double angstrom)
+ValueSummary summarise(const Configuration& configuration, const std::string& name, double angstrom,
+                       const Progress& progress)
 {
     const std::vector<Track> tracks = colouredTracks(configuration, angstrom);
-    return summarise(findValues(tracks, name), tracks, name);
+    return summarise(findValues(tracks, name, progress), tracks, name, progress);
 }
 
 std::optional<Colouring> makeColouring(const Options& options, const Configuration& configuration,

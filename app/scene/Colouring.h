@@ -21,6 +21,8 @@ class SoMaterial;
 
 namespace strandview {
 
+class Progress;
+
 /// Of points whose value is no number; seen on white and on black.
 constexpr Colour NO_VALUE_COLOUR{0.5f, 0.5f, 0.5f};
 
@@ -99,9 +101,10 @@ struct ValueSummary
     std::size_t missing = 0; ///< so many are no numbers
 };
 
-/// Of the scalar of that name of all that have it; `angstrom` is one in the unit of the data.
-ValueSummary summarise(const Configuration& configuration, const std::string& name,
-                       double angstrom);
+/// Of the scalar of that name of all that have it, or of fewer, if it is stopped; `angstrom` is one
+/// in the unit of the data. In any thread.
+ValueSummary summarise(const Configuration& configuration, const std::string& name, double angstrom,
+                       const Progress& progress);
 
 /// The colouring that the options ask for by name. Its limits are those of all values unless
 /// given. Values that differ by less than a 1e-9th of the largest, or by what the rounding of

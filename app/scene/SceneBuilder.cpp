@@ -253,12 +253,13 @@ SceneGeometry computeGeometry(const Configuration& next, const Style& style,
     return compute(next, measure(next), style, placement, progress, error);
 }
 
-SbBox3f findReach(const Configuration& configuration, const Style& style, SceneGeometry& geometry)
+SbBox3f findReach(const Configuration& configuration, const Style& style, SceneGeometry& geometry,
+                  const Progress& progress)
 {
     SbBox3f box;
     for (const auto& builder :
          makeBuilders({configuration, style, geometry.placement, nullptr, false, geometry})) {
-        for (std::size_t i = 0; i < builder->count(); ++i)
+        for (std::size_t i = 0; i < builder->count() && !progress.isStopped(); ++i)
             box.extendBy(builder->getReach(i));
     }
     return box;

@@ -68,6 +68,8 @@ public:
         if (!frame || !chooseStyle())
             return false;
         include(first);
+        if (!goesOn())
+            return false;
         count = series.count();
         sample = sampleOf(count, measure(first).points);
         sample.erase(std::remove(sample.begin(), sample.end(), *frame), sample.end());
@@ -81,17 +83,11 @@ public:
         const std::size_t frame = sample[looked++];
         progress.show("Looking at frame " + std::to_string(frame) + " of " + std::to_string(count));
         const LoadedFrame loaded = series.load(frame, goOn());
-        if (progress.isStopped()) {
-            report.error = "looking at the frames was stopped";
-            return false;
+        if (loaded.configuration) {
+            include(*loaded.configuration);
+            includeValues(*loaded.configuration);
         }
-        if (!loaded.configuration)
-            return true;
-        include(*loaded.configuration);
-        if (options.colourBy)
-            values.include(
-                summarise(*loaded.configuration, *options.colourBy, options.dna.angstrom));
-        return true;
+        return goesOn();
     }
 
     std::optional<Stage> finish()
@@ -135,6 +131,15 @@ private:
         return {};
     }
 
+    // Or one line in report.error.
+    bool goesOn()
+    {
+        if (!progress.isStopped())
+            return true;
+        report.error = "looking at the frames was stopped";
+        return false;
+    }
+
     bool chooseStyle()
     {
         const std::optional<Style> style = strandview::chooseStyle(options, first, report);
@@ -157,7 +162,13 @@ private:
             return;
         }
         room.include(measure(frame));
-        stage.room.extendBy(findReach(frame, stage.style, geometry));
+        stage.room.extendBy(findReach(frame, stage.style, geometry, progress));
+    }
+
+    void includeValues(const Configuration& frame)
+    {
+        if (options.colourBy)
+            values.include(summarise(frame, *options.colourBy, options.dna.angstrom, progress));
     }
 
     bool chooseColouring()

@@ -50,8 +50,8 @@ public:
     StageMaker(Series& series, const Options& options, ReadReport& report, Progress& progress);
     ~StageMaker();
 
-    /// First of all. False, and one line in report.error, if no frame can be loaded, or if what the
-    /// options ask for does not suit the first that can.
+    /// First of all. False, and one line in report.error, if no frame can be loaded, if what the
+    /// options ask for does not suit the first that can, or if it is stopped.
     bool begin();
     /// One frame more of those that the series had at the beginning; false if none is left, or,
     /// with one line in report.error, if it is stopped.

@@ -159,6 +159,27 @@ TEST(SuperposedSeries, TheFirstFrameIsTheFirstThatThereIs)
                             "superposed"));
 }
 
+// The series around which it is asks nothing.
+TEST(SuperposedSeries, CanBeStoppedBetweenItsSteps)
+{
+    Chance chance;
+    const Configuration first = rodOf(chance.points(5));
+    std::vector<Configuration> frames(2, first);
+    move(frames[1], chance.motion());
+    for (int patience = 0;; ++patience) {
+        SuperposedSeries series(std::make_unique<LateSeries>(frames));
+        int asked = 0;
+        const LoadedFrame loaded = series.load(2, [&](double) { return asked++ < patience; });
+        if (loaded.configuration) {
+            EXPECT_GE(patience, 4) << "before each frame for the first one, and two steps";
+            break;
+        }
+        EXPECT_EQ(loaded.error, "superposing frame 2 was stopped");
+        EXPECT_EQ(asked, patience + 1) << "and no more";
+        EXPECT_LT(largestDistance(*series.load(2).configuration, first), 1e-12) << patience;
+    }
+}
+
 namespace {
 
 // Its second frame is found later.

@@ -53,6 +53,19 @@ private:
     const std::size_t all, whole;
 };
 
+// Counts how often it is asked whether to go on, and stops after that.
+class Asked : public Progress
+{
+public:
+    explicit Asked(int most) : patience(most) {}
+    bool isStopped() const override { return ++count > patience; }
+
+    mutable int count = 0;
+
+private:
+    const int patience;
+};
+
 class StageTest : public testing::Test
 {
 protected:
@@ -179,6 +192,26 @@ TEST_F(StageTest, CanBeStopped)
     MemorySeries series = seriesOf({1, 2, 3, 4, 5, 6});
     EXPECT_FALSE(stageOf(series));
     EXPECT_EQ(report.error, "looking at the frames was stopped");
+}
+
+TEST_F(StageTest, AsksWithinAFrameWhetherToGoOn)
+{
+    options.colourBy = "k";
+    const int rods = 40;
+    Configuration many;
+    for (int i = 0; i < rods; ++i)
+        many.rods.push_back(rodWithValue(1 + i, i).rods.front());
+    MemorySeries series({many, many});
+    Asked all(1 << 30);
+    ASSERT_TRUE(makeStage(series, options, report, all)) << report.error;
+    EXPECT_GE(all.count, 5 * rods) << "geometry and reach of both frames, values of the second";
+    for (int patience = 1; patience < all.count; patience += 7) {
+        Asked some(patience);
+        report = {};
+        EXPECT_FALSE(makeStage(series, options, report, some));
+        EXPECT_NE(report.error, "");
+        EXPECT_LT(some.count, patience + 8) << "goes on after it was stopped";
+    }
 }
 
 TEST_F(StageTest, ANewSceneShowsAFrameAsOneThatHasShownOthers)
