@@ -30,19 +30,6 @@ double meanOfEdges(const Line& line, const Values& edges, std::size_t before, st
     return (a * edges[before] + b * edges[behind]) / (a + b);
 }
 
-// Per point from one value per edge.
-Values fromEdges(const Line& line, const Values& edges)
-{
-    Values points(edges.size() + 1);
-    points.front() = edges.front();
-    points.back() = edges.back();
-    if (line.isClosed)
-        points.front() = points.back() = meanOfEdges(line, edges, edges.size() - 1, 0);
-    for (std::size_t i = 1; i < edges.size(); ++i)
-        points[i] = meanOfEdges(line, edges, i - 1, i);
-    return points;
-}
-
 // By value(i), of points or of edges; of an open line's ends the value beside them. Zeros of an
 // open line with fewer than three.
 template <typename Value>
@@ -177,10 +164,22 @@ Values roundingOfAngles(const Line& line, const Values& ofElements)
     Values values(ofElements.size());
     for (std::size_t i = 0; i < values.size(); ++i)
         values[i] = (angle + std::abs(ofElements[i]) * ofEdges) / edgeLength(line, i);
-    return fromEdges(line, values);
+    return atPoints(line, values);
 }
 
 } // namespace
+
+Values atPoints(const Line& line, const Values& edges)
+{
+    Values points(edges.size() + 1);
+    points.front() = edges.front();
+    points.back() = edges.back();
+    if (line.isClosed)
+        points.front() = points.back() = meanOfEdges(line, edges, edges.size() - 1, 0);
+    for (std::size_t i = 1; i < edges.size(); ++i)
+        points[i] = meanOfEdges(line, edges, i - 1, i);
+    return points;
+}
 
 Values arcLengths(const Line& line)
 {
@@ -212,30 +211,30 @@ Values roundingOfCurvatures(const Line& line)
 Values torsions(const Line& line)
 {
     const double ofEdges = roundingOfEdges(line);
-    return fromEdges(line, fromInner(line, line.points.size() - 1, [&](std::size_t i) {
-                         if (std::isinf(roundingOfPlane(line, i, ofEdges) +
-                                        roundingOfPlane(line, i + 1, ofEdges)))
-                             return 0.0;
-                         const Vector3<double> edge = line.points[i + 1] - line.points[i];
-                         const Vector3<double> before = doubleArea(line, i).getUnit();
-                         const Vector3<double> after = doubleArea(line, i + 1).getUnit();
-                         return std::atan2(before.cross(after).dot(edge.getUnit()),
-                                           before.dot(after)) /
-                                edge.getNorm();
-                     }));
+    return atPoints(line, fromInner(line, line.points.size() - 1, [&](std::size_t i) {
+                        if (std::isinf(roundingOfPlane(line, i, ofEdges) +
+                                       roundingOfPlane(line, i + 1, ofEdges)))
+                            return 0.0;
+                        const Vector3<double> edge = line.points[i + 1] - line.points[i];
+                        const Vector3<double> before = doubleArea(line, i).getUnit();
+                        const Vector3<double> after = doubleArea(line, i + 1).getUnit();
+                        return std::atan2(before.cross(after).dot(edge.getUnit()),
+                                          before.dot(after)) /
+                               edge.getNorm();
+                    }));
 }
 
 Values roundingOfTorsions(const Line& line)
 {
     const double ofEdges = roundingOfEdges(line);
-    return fromEdges(line, fromInner(line, line.points.size() - 1, [&](std::size_t i) {
-                         return (roundingOfPlane(line, i, ofEdges) +
-                                 roundingOfPlane(line, i + 1, ofEdges)) /
-                                edgeLength(line, i);
-                     }));
+    return atPoints(line, fromInner(line, line.points.size() - 1, [&](std::size_t i) {
+                        return (roundingOfPlane(line, i, ofEdges) +
+                                roundingOfPlane(line, i + 1, ofEdges)) /
+                               edgeLength(line, i);
+                    }));
 }
 
-Values twistDensities(const Line& line) { return fromEdges(line, twistsOfElements(line)); }
+Values twistDensities(const Line& line) { return atPoints(line, twistsOfElements(line)); }
 
 Values roundingOfTwistDensities(const Line& line)
 {
@@ -244,7 +243,7 @@ Values roundingOfTwistDensities(const Line& line)
 
 Values strains(const Line& line, int component)
 {
-    return fromEdges(line, componentOfStrains(line, component));
+    return atPoints(line, componentOfStrains(line, component));
 }
 
 Values roundingOfStrains(const Line& line, int component)
@@ -257,7 +256,7 @@ Values writheDensities(const Line& line)
     Values values = gaussIntegralOfEdges(line.points);
     for (std::size_t i = 0; i < values.size(); ++i)
         values[i] /= edgeLength(line, i);
-    return fromEdges(line, values);
+    return atPoints(line, values);
 }
 
 } // namespace strandview

@@ -31,6 +31,10 @@ struct Line
     bool isClosed; ///< then the last point is the first one again
 };
 
+/// Of one value for each edge or element the mean at each point, as said above.
+STRANDVIEW_ANALYSIS_EXPORT std::vector<double> atPoints(const Line& line,
+                                                        const std::vector<double>& ofEdges);
+
 /// Along the polygon, from 0.
 STRANDVIEW_ANALYSIS_EXPORT std::vector<double> arcLengths(const Line& line);
 

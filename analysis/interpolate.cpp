@@ -129,6 +129,7 @@ public:
     void operator()(Rod& from, const Rod& to) const;
     void operator()(Birod& from, const Birod& to) const
     {
+        takeScalars(from.scalars, to.scalars);
         each(from, to, &Birod::points, &Birod::rotations, &Birod::points1, &Birod::rotations1,
              &Birod::points2, &Birod::rotations2);
     }
@@ -196,6 +197,7 @@ void Step::operator()(Rod& from, const Rod& to) const
 void Step::operator()(Dna& from, const Dna& to) const
 {
     takePairs(from, to);
+    takeScalars(from.scalars, to.scalars);
     if (from.standard && to.standard) {
         takePairs(*from.standard, *to.standard);
         (*this)(from.standard->rms, to.standard->rms);

@@ -150,11 +150,25 @@ const Row* findRow(Track::Kind kind, const std::string& name)
     return row == rows().end() ? nullptr : &*row;
 }
 
-const Scalar* findOfFile(const Track& track, const std::string& name)
+// That the data bring, not computed here.
+const std::vector<Scalar>& givenScalars(const Track& track)
 {
-    if (!track.rod)
-        return nullptr;
-    for (const Scalar& scalar : track.rod->scalars)
+    static const std::vector<Scalar> none;
+    switch (track.kind) {
+    case Track::Kind::ROD:
+        return track.rod->scalars;
+    case Track::Kind::BIROD_AVERAGE:
+        return track.birod->scalars;
+    case Track::Kind::DNA_PAIRS:
+        return track.dna->scalars;
+    default:
+        return none;
+    }
+}
+
+const Scalar* findGiven(const Track& track, const std::string& name)
+{
+    for (const Scalar& scalar : givenScalars(track))
         if (scalar.name == name)
             return &scalar;
     return nullptr;
@@ -224,19 +238,18 @@ const Quantity* findQuantity(Track::Kind kind, const std::string& name)
 std::vector<std::string> scalarNames(const Track& track)
 {
     std::vector<std::string> names;
-    if (track.rod)
-        for (const Scalar& scalar : track.rod->scalars)
-            names.push_back(scalar.name);
+    for (const Scalar& scalar : givenScalars(track))
+        names.push_back(scalar.name);
     for (const Row& row : rows())
-        if (isOf(row, track.kind) && !findOfFile(track, row.quantity.name))
+        if (isOf(row, track.kind) && !findGiven(track, row.quantity.name))
             names.push_back(row.quantity.name);
     return names;
 }
 
 std::optional<std::vector<double>> findScalar(const Track& track, const std::string& name)
 {
-    if (const Scalar* const ofFile = findOfFile(track, name))
-        return ofFile->values;
+    if (const Scalar* const given = findGiven(track, name))
+        return given->values;
     const Row* const row = findRow(track.kind, name);
     if (!row)
         return std::nullopt;
@@ -249,7 +262,7 @@ std::vector<double> roundingOf(const Track& track, const std::string& name)
 {
     Values values(track.points.size());
     const Row* const row = findRow(track.kind, name);
-    if (!row || findOfFile(track, name) || name == "arclength" || values.empty())
+    if (!row || findGiven(track, name) || name == "arclength" || values.empty())
         return values;
     if (row->rounding)
         values = alongLine(track, row->rounding);

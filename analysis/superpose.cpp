@@ -127,6 +127,16 @@ void move(Configuration& configuration, const FittedFrame& motion)
         move.all(frame.point, frame.rotation);
 }
 
+std::optional<ReferenceFrame> findReference(Series& series, const Series::GoOn& goOn)
+{
+    const std::size_t end = std::min(series.count(), LONGEST_SEARCH);
+    // A frame that was stopped is no reason to take the next one.
+    for (std::size_t i = 0; i < end && (!goOn || goOn(0)); ++i)
+        if (auto loaded = series.load(i, goOn).configuration)
+            return ReferenceFrame{i, std::move(*loaded)};
+    return {};
+}
+
 SuperposedSeries::SuperposedSeries(std::unique_ptr<Series> seriesToMove)
     : series(std::move(seriesToMove))
 {}
@@ -144,13 +154,14 @@ LoadedFrame SuperposedSeries::loadFrame(std::size_t frame, const GoOn& goOn)
     if (!loaded.configuration)
         return loaded;
     if (!reference)
-        findReference(ask);
+        reference = findReference(*series, ask);
     if (!ask(1))
         return stopped;
     // On itself any turn about a straight rod would be as good as none.
-    if (!reference || frame == referenceFrame)
+    if (!reference || frame == reference->frame)
         return loaded;
-    const std::optional<FittedFrame> motion = findSuperposition(*loaded.configuration, *reference);
+    const std::optional<FittedFrame> motion =
+        findSuperposition(*loaded.configuration, reference->configuration);
     if (!ask(1))
         return stopped;
     if (motion)
@@ -160,16 +171,6 @@ LoadedFrame SuperposedSeries::loadFrame(std::size_t frame, const GoOn& goOn)
                                  ": found nothing of as many points as in the first frame, not "
                                  "superposed");
     return loaded;
-}
-
-// A frame that was stopped is no reason to take the next one.
-void SuperposedSeries::findReference(const GoOn& goOn)
-{
-    const std::size_t end = std::min(series->count(), LONGEST_SEARCH);
-    for (std::size_t i = 0; !reference && i < end && goOn(0); ++i) {
-        reference = series->load(i, goOn).configuration;
-        referenceFrame = i;
-    }
 }
 
 } // namespace strandview

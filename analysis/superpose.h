@@ -21,6 +21,16 @@ findSuperposition(const Configuration& moved, const Configuration& reference);
 /// Turns all that a configuration has about the origin, and shifts it by motion.point.
 STRANDVIEW_ANALYSIS_EXPORT void move(Configuration& configuration, const FittedFrame& motion);
 
+/// The first frame of a series that can be loaded, of the first hundred, and which that is; nothing
+/// if none can, or if goOn, which is asked where it is given, stops it.
+struct ReferenceFrame
+{
+    std::size_t frame = 0;
+    Configuration configuration;
+};
+STRANDVIEW_ANALYSIS_EXPORT std::optional<ReferenceFrame> findReference(Series& series,
+                                                                       const Series::GoOn& goOn);
+
 /// A series with each frame superposed on the first one that can be loaded, of the first hundred,
 /// which stays as it is, bit for bit. A frame that has nothing in common with it stays where it is,
 /// with a notice. It asks goOn between its steps, too.
@@ -38,11 +48,9 @@ private:
         return series->lookForMore(goOn, &notices);
     }
     LoadedFrame loadFrame(std::size_t frame, const GoOn& goOn) override;
-    void findReference(const GoOn& goOn); ///< which is always asked
 
     const std::unique_ptr<Series> series;
-    std::optional<Configuration> reference; ///< once it was needed
-    std::size_t referenceFrame = 0;
+    std::optional<ReferenceFrame> reference; ///< once it was needed
 };
 
 } // namespace strandview

@@ -9,6 +9,8 @@
 #include <algebra3d/Quaternion.h>
 #include <algebra3d/Vector3.h>
 
+#include <strandview/model/Scalar.h>
+
 namespace strandview {
 
 /// Two strands and the average of both: six sequences of one length, at least 2. In each
@@ -23,6 +25,7 @@ struct Birod
     std::vector<algebra3d::Vector3<double>> points2;
     std::vector<algebra3d::Quaternion<double>> rotations2;
     std::vector<std::size_t> indices = {}; ///< of its points in the file, if some were left out
+    std::vector<Scalar> scalars = {};      ///< of the average, a value per point each; of no file
 };
 
 } // namespace strandview

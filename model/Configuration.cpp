@@ -42,25 +42,33 @@ std::size_t memoryIn(const std::vector<Items>&... vectors)
     return (0 + ... + (vectors.capacity() * sizeof(Items)));
 }
 
-std::size_t memoryIn(const Rod& rod)
+std::size_t memoryOfScalars(const std::vector<Scalar>& scalars)
 {
-    std::size_t bytes = memoryIn(rod.points, rod.rotations, rod.scalars, rod.lines, rod.indices);
-    for (const Scalar& scalar : rod.scalars)
+    std::size_t bytes = memoryIn(scalars);
+    for (const Scalar& scalar : scalars)
         bytes += memoryIn(scalar.values);
     return bytes;
+}
+
+std::size_t memoryIn(const Rod& rod)
+{
+    return memoryIn(rod.points, rod.rotations, rod.lines, rod.indices) +
+           memoryOfScalars(rod.scalars);
 }
 
 std::size_t memoryIn(const Birod& birod)
 {
     return memoryIn(birod.points, birod.rotations, birod.points1, birod.rotations1, birod.points2,
-                    birod.rotations2, birod.indices);
+                    birod.rotations2, birod.indices) +
+           memoryOfScalars(birod.scalars);
 }
 
 std::size_t memoryIn(const Dna& dna)
 {
-    std::size_t bytes =
-        dna.bases.capacity() + memoryIn(dna.pairPoints, dna.pairRotations, dna.points1,
-                                        dna.rotations1, dna.points2, dna.rotations2);
+    std::size_t bytes = dna.bases.capacity() +
+                        memoryIn(dna.pairPoints, dna.pairRotations, dna.points1, dna.rotations1,
+                                 dna.points2, dna.rotations2) +
+                        memoryOfScalars(dna.scalars);
     if (const auto& standard = dna.standard)
         bytes += memoryIn(standard->pairPoints, standard->pairRotations, standard->points1,
                           standard->rotations1, standard->points2, standard->rotations2);

@@ -11,6 +11,8 @@
 #include <algebra3d/Quaternion.h>
 #include <algebra3d/Vector3.h>
 
+#include <strandview/model/Scalar.h>
+
 namespace strandview {
 
 /// Those of a strand's bases.
@@ -53,6 +55,7 @@ struct Dna
     /// Where the frames above are made for atoms of the library to lie on those of a structure;
     /// otherwise those are the ones for numbers, too.
     std::optional<StandardFrames> standard = {};
+    std::vector<Scalar> scalars = {}; ///< a value per pair each; no file has any
 };
 
 } // namespace strandview

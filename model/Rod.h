@@ -10,14 +10,9 @@
 #include <algebra3d/Quaternion.h>
 #include <algebra3d/Vector3.h>
 
-namespace strandview {
+#include <strandview/model/Scalar.h>
 
-/// One named number per point of a rod; not-a-number where it is not known.
-struct Scalar
-{
-    std::string name;
-    std::vector<double> values;
-};
+namespace strandview {
 
 /// One rod: at least two distinct consecutive points, as many unit quaternions
 /// (the material frames), and scalars of the same length, in the file's order.

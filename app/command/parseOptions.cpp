@@ -302,6 +302,11 @@ void addColouring(CLI::App& app, Options& options)
                        "twist, kappa1 and others")
             ->type_name("NAME")
             ->group(group);
+    app.add_option("--compare", options.compare,
+                   "Compare with FILE, or with the first frame of a series: adds the scalars "
+                   "reference_distance, reference_rotation, shear1, shear2 and extension")
+        ->type_name("FILE|first")
+        ->group(group);
     app.add_option_function<std::string>(
            "--range", [&options](const std::string& text) { parseRange(text, options); },
            "Values at the ends of the colours: auto is those of all frames, frame those of each "

@@ -96,6 +96,9 @@ struct Options
     std::optional<Colour> ribbonColour;
     Colour background{1, 1, 1};
 
+    /// A file whose first frame others are compared with, by scalars; "first" is that of the
+    /// series.
+    std::optional<std::string> compare;
     /// The scalar that colours tubes and ribbons; without one they have colours of their own.
     std::optional<std::string> colourBy;
     bool colourIfPossible = false; ///< what has no such scalar is shown all the same, with a notice

@@ -10,6 +10,7 @@
 #include <system_error>
 #include <utility>
 
+#include <strandview/analysis/comparison.h>
 #include <strandview/analysis/interpolate.h>
 #include <strandview/analysis/superpose.h>
 #include <strandview/formats/groupFiles.h>
@@ -89,6 +90,50 @@ OpenedFiles openBeside(const std::vector<std::string>& files, const Options& opt
     return {std::move(joint), count == 1 ? "" : groups[std::size_t(shortest)].path};
 }
 
+const char* const OF_SERIES = "first";
+
+// What frames are compared with: nothing of the series' own first frame. False, and one line in
+// report.error, if the file cannot be read.
+bool readReference(const Options& options, ReadReport& report, Progress& progress,
+                   std::optional<Configuration>& reference)
+{
+    if (!options.compare || *options.compare == OF_SERIES)
+        return true;
+    ReadReport ofReference;
+    const auto goOn = [&progress](double) { return !progress.isStopped(); };
+    reference = readFile(*options.compare, readOptionsOf(options, goOn), ofReference);
+    report.error = ofReference.error;
+    return reference.has_value();
+}
+
+// The same series, compared where that is asked for.
+OpenedFiles compared(OpenedFiles opened, const Options& options, ReadReport& report,
+                     Progress& progress)
+{
+    std::optional<Configuration> reference;
+    if (!opened.series || !options.compare)
+        return opened;
+    if (!readReference(options, report, progress, reference))
+        return {};
+    opened.series =
+        std::make_unique<ComparedSeries>(std::move(opened.series), std::move(reference));
+    return opened;
+}
+
+// The first frame of each file is compared.
+bool compare(Configuration& all, const Options& options, ReadReport& report, Progress& progress)
+{
+    std::optional<Configuration> reference;
+    if (!options.compare)
+        return true;
+    if (!readReference(options, report, progress, reference))
+        return false;
+    const std::string notice = addComparison(all, reference ? *reference : Configuration(all));
+    if (!notice.empty())
+        report.notices.push_back(notice);
+    return true;
+}
+
 // The frame that is asked for.
 std::optional<Configuration> readFrame(const std::vector<std::string>& files,
                                        const Options& options, ReadReport& report,
@@ -135,13 +180,15 @@ OpenedFiles openFiles(const std::vector<std::string>& files, const Options& opti
                       ReadReport& report, Progress& progress, Opening opening)
 {
     if (!options.series.isOfFiles)
-        return openBeside(files, options, report, progress, opening);
+        return compared(openBeside(files, options, report, progress, opening), options, report,
+                        progress);
     const std::vector<std::string> frames = seriesFiles(files, report);
     if (frames.empty())
         return {};
     const auto goOn = [&progress](double) { return !progress.isStopped(); };
-    return {openSeries(frames, readOptionsOf(options, goOn), report),
-            files.size() == 1 ? files.front() : "--frame"};
+    return compared({openSeries(frames, readOptionsOf(options, goOn), report),
+                     files.size() == 1 ? files.front() : "--frame"},
+                    options, report, progress);
 }
 
 std::unique_ptr<Series> moveFrames(std::unique_ptr<Series> series, const Options& options)
@@ -189,6 +236,8 @@ std::optional<Configuration> readFiles(const std::vector<std::string>& files,
         most = std::max(most, report.frames);
     }
     report.frames = most;
+    if (!compare(all, options, report, progress))
+        return {};
     return all;
 }
 

@@ -32,4 +32,18 @@ TEST(Digest, TellsDataThatDifferInTheLastBit)
     EXPECT_NE(digestOf(withPoint(0.1)), digestOf(withPoint(std::nextafter(0.1, 1))));
 }
 
+TEST(Digest, TellsScalarsOfDnaAndBirods)
+{
+    Configuration plain, more;
+    for (Configuration* data : {&plain, &more}) {
+        data->dnas.emplace_back();
+        data->birods.emplace_back();
+    }
+    more.dnas[0].scalars = {{"extension", {1}}};
+    EXPECT_NE(digestOf(plain), digestOf(more));
+    more.dnas[0].scalars.clear();
+    more.birods[0].scalars = {{"extension", {1}}};
+    EXPECT_NE(digestOf(plain), digestOf(more));
+}
+
 } // namespace strandview

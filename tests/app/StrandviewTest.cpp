@@ -747,6 +747,31 @@ TEST_F(StrandviewTest, WithoutAViewItLooksAlongTheShortestSideOfTheData)
     }
 }
 
+TEST_F(StrandviewTest, ComparesWithAnotherFileOrTheFirstFrame)
+{
+    const std::string straight = write("straight.txt", "0 0 0\n0 0 1\n0 0 2\n0 0 3\n");
+    const std::string bent = write("bent.txt", "0 0 0\n0 0 1\n0 1 2\n0 1 4\n");
+    const auto exported = [&](const std::vector<std::string>& arguments) {
+        std::vector<std::string> all{"--export", path("out.json")};
+        all.insert(all.end(), arguments.begin(), arguments.end());
+        const ProgramRun result = run(all);
+        EXPECT_EQ(result.status, 0) << result.error;
+        std::ifstream written(path("out.json"));
+        return std::string(std::istreambuf_iterator<char>(written), {});
+    };
+    EXPECT_EQ(exported({bent}).find("reference_distance"), std::string::npos);
+    EXPECT_NE(exported({"--compare", straight, bent}).find("reference_distance"),
+              std::string::npos);
+    const ProgramRun same = run({"--render", path("a.png"), "--size", "60x40", "--compare",
+                                 straight, "--colour-by", "reference_distance", straight});
+    EXPECT_THAT(same.error, HasSubstr("found 0 everywhere"));
+    const std::string series =
+        write("series.txt", "0 0 0\n0 0 1\n0 0 2\n\n\n0 0 0\n0 0 1\n0 1 2\n");
+    const ProgramRun first = run({"--render", path("b.png"), "--size", "60x40", "--compare",
+                                  "first", "--colour-by", "reference_distance", series});
+    EXPECT_EQ(first.status, 0) << first.error;
+}
+
 TEST_F(StrandviewTest, TheCameraThatItPrintsGivesTheSamePicturePixelByPixel)
 {
     const std::string rod = write("rod.txt", HELIX);
@@ -1189,6 +1214,10 @@ INSTANTIATE_TEST_SUITE_P(
                 {"--render", "OUT", "--colour-by", "speed", "GOOD"},
                 "",
                 "expected one of arclength, curvature, torsion, twist"},
+        BadCall{"NothingToCompareWith",
+                {"--render", "OUT", "--compare", "/no/such/file", "GOOD"},
+                "",
+                "/no/such/file"},
         BadCall{"RangeBackwards",
                 {"--render", "OUT", "--colour-by", "twist", "--range", "2:1", "GOOD"},
                 "",

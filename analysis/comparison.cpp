@@ -1,0 +1,142 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <strandview/analysis/comparison.h>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include <algebra3d/rotations.h>
+
+#include <strandview/analysis/curveNumbers.h>
+#include <strandview/analysis/strains.h>
+#include <strandview/analysis/superpose.h>
+#include <strandview/analysis/tracks.h>
+
+namespace strandview {
+
+namespace {
+
+using Values = std::vector<double>;
+
+const double DEGREES = 180 / std::acos(-1.0);
+
+std::vector<Scalar>* scalarsOf(Configuration& configuration, const Track& track)
+{
+    switch (track.kind) {
+    case Track::Kind::ROD:
+        return &configuration.rods[track.datum].scalars;
+    case Track::Kind::BIROD_AVERAGE:
+        return &configuration.birods[track.datum].scalars;
+    case Track::Kind::DNA_PAIRS:
+        return &configuration.dnas[track.datum].scalars;
+    default:
+        return nullptr;
+    }
+}
+
+void add(std::vector<Scalar>& scalars, const char* name, Values values)
+{
+    const bool isThere = std::any_of(scalars.begin(), scalars.end(),
+                                     [name](const Scalar& scalar) { return scalar.name == name; });
+    if (!isThere)
+        scalars.push_back({name, std::move(values)});
+}
+
+Values distances(const Track& track, const Track& reference, const FittedFrame& motion)
+{
+    Values values;
+    for (std::size_t i = 0; i < track.points.size(); ++i) {
+        const auto moved = algebra3d::rotated(track.points[i], motion.rotation) + motion.point;
+        values.push_back((moved - reference.points[i]).getNorm());
+    }
+    return values;
+}
+
+Values rotations(const Track& track, const Track& reference, const FittedFrame& motion)
+{
+    Values values;
+    for (std::size_t i = 0; i < track.rotations.size(); ++i) {
+        const auto turn =
+            rotationVector(reference.rotations[i], motion.rotation * track.rotations[i]);
+        values.push_back(turn.getNorm() * DEGREES);
+    }
+    return values;
+}
+
+void addShears(std::vector<Scalar>& scalars, const Track& track, const Track& reference)
+{
+    Values lengths;
+    for (std::size_t i = 0; i + 1 < reference.points.size(); ++i)
+        lengths.push_back((reference.points[i + 1] - reference.points[i]).getNorm());
+    const auto shears = shearsOfElements(track.points, track.rotations, lengths);
+    const Line line{track.points, track.rotations, track.isClosed};
+    const char* const names[] = {"shear1", "shear2", "extension"};
+    for (int component = 0; component < 3; ++component) {
+        Values ofElements;
+        for (const auto& shear : shears)
+            ofElements.push_back(shear[component]);
+        add(scalars, names[component], atPoints(line, ofElements));
+    }
+}
+
+bool hasFrames(const Track& track) { return !track.rod || track.rod->hasFrames; }
+
+bool areAlike(const Track& track, const Track& reference)
+{
+    return track.kind == reference.kind && track.datum == reference.datum &&
+           track.strand == reference.strand && track.points.size() == reference.points.size();
+}
+
+} // namespace
+
+std::string addComparison(Configuration& configuration, const Configuration& reference)
+{
+    const std::optional<FittedFrame> motion = findSuperposition(configuration, reference);
+    const std::vector<Track> others = tracksOf(reference);
+    std::string without;
+    for (const Track& track : tracksOf(configuration)) {
+        std::vector<Scalar>* const scalars = scalarsOf(configuration, track);
+        if (!scalars)
+            continue;
+        const auto other = std::find_if(others.begin(), others.end(), [&](const Track& candidate) {
+            return areAlike(track, candidate);
+        });
+        if (!motion || other == others.end()) {
+            if (without.empty())
+                without = titleOf(track) + ": found nothing of as many points in the reference, "
+                                           "not compared";
+            continue;
+        }
+        add(*scalars, "reference_distance", distances(track, *other, *motion));
+        if (!hasFrames(track) || !hasFrames(*other))
+            continue;
+        add(*scalars, "reference_rotation", rotations(track, *other, *motion));
+        if (!track.dna)
+            addShears(*scalars, track, *other);
+    }
+    return without;
+}
+
+ComparedSeries::ComparedSeries(std::unique_ptr<Series> seriesToCompare,
+                               std::optional<Configuration> configurationToCompareWith)
+    : series(std::move(seriesToCompare)), reference(std::move(configurationToCompareWith))
+{}
+
+LoadedFrame ComparedSeries::loadFrame(std::size_t frame, const GoOn& goOn)
+{
+    LoadedFrame loaded = series->load(frame, goOn);
+    if (!loaded.configuration)
+        return loaded;
+    if (!reference) {
+        auto first = findReference(*series, goOn);
+        if (!first)
+            return loaded;
+        reference = std::move(first->configuration);
+    }
+    const std::string notice = addComparison(*loaded.configuration, *reference);
+    if (!notice.empty())
+        loaded.notices.push_back(notice);
+    return loaded;
+}
+
+} // namespace strandview

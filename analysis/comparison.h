@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_ANALYSIS_COMPARISON_H
+#define STRANDVIEW_ANALYSIS_COMPARISON_H
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include <strandview/analysisExport.h>
+#include <strandview/model/Configuration.h>
+#include <strandview/model/Series.h>
+
+namespace strandview {
+
+/// Adds scalars that compare rods, birods and DNA with those of the same index in a reference,
+/// where they have as many points:
+///
+/// reference_distance: from each point to that of the reference, once the whole of the
+/// configuration is superposed on it (findSuperposition()). reference_rotation: the angle between
+/// the two frames then, in degrees, of what has frames of its own. Along rods and the averages of
+/// birods that have frames also shear1, shear2 and extension: shearsOfElements() with the lengths
+/// that the elements have in the reference, brought to points as the strains are (curveNumbers.h).
+///
+/// What a file brings under one of these names stays. Returns a line that says what has no
+/// counterpart, or nothing. May be called from any thread.
+STRANDVIEW_ANALYSIS_EXPORT std::string addComparison(Configuration& configuration,
+                                                     const Configuration& reference);
+
+/// A series whose frames are compared with a configuration, or without one with the first frame of
+/// the series that can be loaded, of the first hundred.
+class STRANDVIEW_ANALYSIS_EXPORT ComparedSeries : public Series
+{
+public:
+    ComparedSeries(std::unique_ptr<Series> seriesToCompare,
+                   std::optional<Configuration> configurationToCompareWith);
+
+    std::size_t count() const override { return series->count(); }
+    std::optional<double> time(std::size_t frame) const override { return series->time(frame); }
+
+private:
+    bool findMore(const GoOn& goOn, std::vector<std::string>& notices) override
+    {
+        return series->lookForMore(goOn, &notices);
+    }
+    LoadedFrame loadFrame(std::size_t frame, const GoOn& goOn) override;
+
+    const std::unique_ptr<Series> series;
+    std::optional<Configuration> reference; ///< once it was needed
+};
+
+} // namespace strandview
+
+#endif
