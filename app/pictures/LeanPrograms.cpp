@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "pictures/LeanPrograms.h"
 
+#include <charconv>
+#include <cmath>
 #include <utility>
 #include <vector>
 
@@ -15,7 +17,10 @@ namespace strandview {
 
 namespace {
 
-// The conditions of a program's texts, and what each is worth.
+// Of a highlight: its width halves while this grows fourfold, and what is multiplied grows with it.
+const float LARGEST_EXPONENT = 128;
+
+// The conditions and terms of a program's texts, and what each is worth.
 using Values = std::vector<std::pair<std::string, std::string>>;
 
 // In a loop over i, whose count compilers unroll: for which i a number is above 0.
@@ -29,16 +34,85 @@ std::string whereAbove0(const SoMFFloat& numbers)
     return where.empty() ? "false" : "(" + where + ")";
 }
 
+// So exact that it is read as the same number. Not a number's own text, nor that of what is
+// infinite, is no GLSL.
+std::string textOf(float number)
+{
+    char text[32];
+    return {text, std::to_chars(text, text + sizeof text, number).ptr};
+}
+
+// In a loop over i: what is known for some, and the term itself for others.
+template <typename TextOf>
+std::string known(int count, const TextOf& textOfEntry, const std::string& term)
+{
+    std::string text = term;
+    for (int i = count - 1; i >= 0; --i) {
+        const std::string entry = textOfEntry(i);
+        if (!entry.empty())
+            text = "(i == " + std::to_string(i) + " ? " + entry + " : " + text + ")";
+    }
+    return text;
+}
+
+// What has no direction, or none that is finite, is left to the driver.
+std::string directionOf(const SbVec3f& v)
+{
+    if (!std::isfinite(v.dot(v)))
+        return "";
+    return "normalize(-vec3(" + textOf(v[0]) + ", " + textOf(v[1]) + ", " + textOf(v[2]) + "))";
+}
+
+// By squaring; compilers make what is written twice once.
+std::string powerOf(const std::string& base, int exponent)
+{
+    if (exponent == 1)
+        return base;
+    const std::string half = powerOf(base, exponent / 2);
+    return "(" + half + " * " + half + (exponent % 2 ? " * " + base : "") + ")";
+}
+
+// Of a number that is not whole it stays a power.
+std::string powerOf(const std::string& base, float exponent)
+{
+    const bool isWhole =
+        exponent >= 1 && exponent <= LARGEST_EXPONENT && exponent == std::floor(exponent);
+    return isWhole ? powerOf(base, int(exponent)) : "";
+}
+
+void addFlag(const std::string& name, const SoShaderParameter1i& flag, Values& values)
+{
+    values.emplace_back(name + " > 0", flag.value.getValue() > 0 ? "true" : "false");
+}
+
+void addNumbers(const std::string& name, const SoMFFloat& numbers, Values& values)
+{
+    values.emplace_back(name + "[i] > 0.0", whereAbove0(numbers));
+    const std::string power = "pow(h, " + name + "[i])";
+    values.emplace_back(power, known(
+                                   numbers.getNum(),
+                                   [&numbers](int i) { return powerOf("h", numbers[i]); }, power));
+}
+
+void addDirections(const std::string& name, const SoMFVec3f& directions, Values& values)
+{
+    const std::string unit = "normalize(-" + name + "[i])";
+    values.emplace_back(unit,
+                        known(
+                            directions.getNum(),
+                            [&directions](int i) { return directionOf(directions[i]); }, unit));
+}
+
 void addValues(const SoShaderObject& shader, Values& values)
 {
     for (int i = 0; i < shader.parameter.getNum(); ++i) {
         SoNode* node = shader.parameter[i];
         if (const auto* flag = dynamic_cast<SoShaderParameter1i*>(node))
-            values.emplace_back(std::string(flag->name.getValue().getString()) + " > 0",
-                                flag->value.getValue() > 0 ? "true" : "false");
-        else if (const auto* array = dynamic_cast<SoShaderParameterArray1f*>(node))
-            values.emplace_back(std::string(array->name.getValue().getString()) + "[i] > 0.0",
-                                whereAbove0(array->value));
+            addFlag(flag->name.getValue().getString(), *flag, values);
+        else if (const auto* numbers = dynamic_cast<SoShaderParameterArray1f*>(node))
+            addNumbers(numbers->name.getValue().getString(), numbers->value, values);
+        else if (const auto* vectors = dynamic_cast<SoShaderParameterArray3f*>(node))
+            addDirections(vectors->name.getValue().getString(), vectors->value, values);
     }
 }
 

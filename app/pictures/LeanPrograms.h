@@ -13,9 +13,12 @@ class SoShaderProgram;
 namespace strandview {
 
 /// Has a graph drawn, while it lives, through shader programs in which only what the scene's
-/// parameters switch on is left: a condition of the scene's texts that asks for a light, its
-/// highlight, the texture or the perspective is replaced by what it was worth when use() was called
-/// last. A software driver works out both sides of every condition. Pixels are the same.
+/// parameters switch on is left, as they were when use() was called last. A condition of the
+/// scene's texts that asks for a light, its highlight, the texture or the perspective is replaced
+/// by what it was worth: a software driver works out both sides of every condition. So are the
+/// directions of lights, whose length it would bring to 1 in every pixel, and powers whose
+/// exponents are whole, which it would take by logarithms. Pixels are the same, but for what is
+/// rounded in powers: few in a million are one of 255 levels brighter or darker.
 class LeanPrograms
 {
 public:
