@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 #include <GL/gl.h>
 #include <GL/glext.h>
@@ -266,40 +267,64 @@ bool BackFaces::isBetweenSamples(const InWindow& a, const InWindow& b, double ro
     return sampled && (isFree(a.x, b.x) || isFree(a.y, b.y));
 }
 
+// The sides of the view, as bits, beyond all of which one more pixel lies between it and a point.
+// Corners are right within a length.
+unsigned BackFaces::sidesBeyond(const Vector& point, double rounding) const
+{
+    const double w = clipAt(point, 3);
+    unsigned sides = 0;
+    for (int axis = 0; axis < 2; ++axis) {
+        const double at = clipAt(point, axis);
+        const double most = w + (w + rounding * mostPixels) / half[axis];
+        sides |= unsigned(at > most) << (2 * axis) | unsigned(at < -most) << (2 * axis + 1);
+    }
+    return sides;
+}
+
 BackFaces::Walk::Walk(const BackFaces& backFaces, Mesh& walkedMesh, const ClosedTube& walkedTube)
     : faces(backFaces),
       mesh(walkedMesh),
       tube(walkedTube),
       leastTurn(walkedTube.slant + LEAST_TURN),
       rounding(ROUNDING * backFaces.stretch * backFaces.largestCoordinate(walkedTube)),
-      here(std::size_t(walkedMesh.getWidth())),
+      here{std::vector<std::uint8_t>(std::size_t(walkedMesh.getWidth()))},
       there(here),
-      leftOut(here.size() - 1)
+      leftOut(here.isAway.size() - 1)
 {}
 
 const std::vector<std::uint8_t>& BackFaces::Walk::between(int row, int next)
 {
     if (lookedAt == row)
-        here.swap(there);
+        std::swap(here, there);
     else
         look(row, here);
     look(next, there);
     lookedAt = next;
+    if (here.sidesBeyond & there.sidesBeyond) {
+        std::fill(leftOut.begin(), leftOut.end(), std::uint8_t(1));
+        return leftOut;
+    }
     for (std::size_t j = 0; j < leftOut.size(); ++j) {
-        const bool left = here[j] && there[j], right = here[j + 1] && there[j + 1];
+        const bool left = here.isAway[j] && there.isAway[j];
+        const bool right = here.isAway[j + 1] && there.isAway[j + 1];
         leftOut[j] = (left && right) ||
                      (left != right && isEdgeLeftOut(row, next, int(j), int(left ? j + 1 : j)));
     }
     return leftOut;
 }
 
-void BackFaces::Walk::look(int row, std::vector<std::uint8_t>& isAway) const
+// Nothing is said of corners that are beyond a side, of which few are drawn.
+void BackFaces::Walk::look(int row, Row& seen) const
 {
-    if (row < tube.firstRow || row >= tube.endRow) {
+    const Vector *const points = mesh.getPoints()[row], *const normals = mesh.getNormals()[row];
+    std::vector<std::uint8_t>& isAway = seen.isAway;
+    seen.sidesBeyond = ~0U;
+    for (std::size_t j = 0; j < isAway.size() && seen.sidesBeyond; ++j)
+        seen.sidesBeyond &= faces.sidesBeyond(points[j], rounding);
+    if (seen.sidesBeyond || row < tube.firstRow || row >= tube.endRow) {
         std::fill(isAway.begin(), isAway.end(), std::uint8_t(0));
         return;
     }
-    const Vector *const points = mesh.getPoints()[row], *const normals = mesh.getNormals()[row];
     const double least = leastTurn * leastTurn;
     for (std::size_t j = 0; j < isAway.size(); ++j) {
         const Vector view = faces.towardsEye(points[j]);

@@ -31,7 +31,8 @@ std::optional<ClosedTube> measureClosedTube(Mesh& mesh, const MeshRows& rows, bo
 /// Finds the faces of closed tubes that are turned away from the eye so clearly that every pixel of
 /// theirs has another face of the tube before it, whatever is rounded. A picture without them is
 /// the same, pixel for pixel; a software driver takes as long for a vertex and a triangle that
-/// is not seen as for one that is.
+/// is not seen as for one that is. So where some are left out, those that lie beyond a side of the
+/// view are, too, as in the tiles of a large picture.
 ///
 /// Lives within one frame, under a traversal's matrices and view.
 class BackFaces
@@ -55,7 +56,13 @@ public:
         const std::vector<std::uint8_t>& between(int row, int next);
 
     private:
-        void look(int row, std::vector<std::uint8_t>& isAway) const;
+        struct Row
+        {
+            std::vector<std::uint8_t> isAway; // which corners are clearly turned away
+            unsigned sidesBeyond = 0;         // of the view, where all corners are
+        };
+
+        void look(int row, Row& seen) const;
         bool isEdgeLeftOut(int row, int next, int column, int edge) const;
 
         const BackFaces& faces;
@@ -64,7 +71,7 @@ public:
         const double leastTurn; ///< sine, of a corner that is clearly turned away
         const double rounding;  ///< of a corner, in the eye's coordinates
         int lookedAt = -1;
-        std::vector<std::uint8_t> here, there; // which corners are clearly turned away
+        Row here, there;
         std::vector<std::uint8_t> leftOut;
     };
 
@@ -82,6 +89,7 @@ private:
     double largestCoordinate(const ClosedTube& tube) const;
     double clipAt(const Vector& point, int axis) const;
     InWindow project(const Vector& point) const;
+    unsigned sidesBeyond(const Vector& point, double rounding) const;
     bool isBetweenSamples(const InWindow& a, const InWindow& b, double rounding) const;
 
     bool parallel;

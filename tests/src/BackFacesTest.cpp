@@ -238,6 +238,26 @@ TEST_F(BackFacesTest, OfARingAreHalfOfIt)
     EXPECT_GT(indices, 0.49 * tube);
 }
 
+// As a tile of a picture shows it: a quarter of the ring.
+TEST_F(BackFacesTest, AreLeftOutWithWhatLiesBesideTheView)
+{
+    const NodeRef<SoRod> shown(makeRod({"", ring, 60, 0.1, 32, true}));
+    shown->showRibbon(false);
+    show(shown);
+    auto* const camera = new SoOrthographicCamera;
+    look(camera, {0, 0, 4});
+    camera->orientation = SbRotation::identity();
+    camera->height = 2.4f;
+    const double whole = expectSame();
+    for (const Vector& at : {Vector(0.6, 0.6, 4), Vector(-0.6, 0.6, 4), Vector(0.6, -0.6, 4)}) {
+        camera->position = toSbVec3f(at);
+        camera->height = 1.2f;
+        const double part = expectSame();
+        EXPECT_LT(part, 0.3 * whole);
+        EXPECT_GT(part, 0.25 * whole);
+    }
+}
+
 // Where something of the tube's inside may be seen
 
 TEST_F(BackFacesTest, AreDrawnWhereTheEyeIsWithinOrTheNearPlaneCuts)
