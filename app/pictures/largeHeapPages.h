@@ -8,7 +8,8 @@ namespace strandview {
 /// system has them: a picture is made of a hundred megabytes that are touched once, half of them
 /// by OpenGL's driver, and in small pages a seventh of its time is the system's for giving them.
 /// Only a hint: nothing fails, and what is not touched takes no memory. For the main thread, once,
-/// before much is allocated; what is freed is kept for what follows.
+/// before much is allocated; what is freed is kept for what follows. Threads share it: in memory of
+/// their own, those that write the pictures of a series would have the system clear it again.
 void useLargeHeapPages();
 
 } // namespace strandview

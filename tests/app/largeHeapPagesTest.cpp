@@ -1,11 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "pictures/largeHeapPages.h"
 
+#include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <fstream>
+#include <memory>
 #include <sstream>
 #include <string>
+#include <thread>
 
 #include <gtest/gtest.h>
 
@@ -36,6 +40,18 @@ std::size_t bytesAskedFor()
     return sum;
 }
 
+// Where a thread of its own gets memory, from where this one does.
+std::size_t distanceOfThreadsMemory()
+{
+    const std::size_t size = 1 << 20;
+    const std::unique_ptr<char[]> own(new char[size]);
+    std::unique_ptr<char[]> other;
+    std::thread([&other] { other.reset(new char[size]); }).join();
+    const auto placeOf = [](const void* block) { return reinterpret_cast<std::uintptr_t>(block); };
+    const std::uintptr_t a = placeOf(own.get()), b = placeOf(other.get());
+    return std::max(a, b) - std::min(a, b);
+}
+
 bool systemHasLargePages()
 {
     std::string modes;
@@ -61,6 +77,20 @@ TEST(LargeHeapPages, AreAskedForAQuarterOfAGigabyte)
         {
             useLargeHeapPages();
             std::exit(bytesAskedFor() > asked ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "");
+}
+
+TEST(LargeHeapPages, AreThoseOfEveryThread)
+{
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "sanitizers have a heap of their own";
+#endif
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(
+        {
+            useLargeHeapPages();
+            std::exit(distanceOfThreadsMemory() < (1 << 28) ? 0 : 1);
         },
         testing::ExitedWithCode(0), "");
 }
