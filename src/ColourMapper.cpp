@@ -54,6 +54,7 @@ void ColourMapper::setMapping(const double& a, const std::vector<double>& values
     setMapping(a, b);
     for (std::size_t i = 1; i < values.size() + 1 && i + 1 < steps.size(); ++i)
         steps[i] = minMaxToZeroOne(values[i - 1]);
+    findReaches();
 }
 
 double ColourMapper::getMin() const { return min; }
@@ -71,6 +72,17 @@ void ColourMapper::setColours(std::vector<Colour> newColours)
     steps.resize(n);
     for (std::size_t k = 0; k < n; ++k)
         steps[k] = double(k) / (double(n) - 1);
+    findReaches();
+}
+
+void ColourMapper::findReaches()
+{
+    reaches.resize(steps.size());
+    double reach = -std::numeric_limits<double>::infinity();
+    for (std::size_t k = 1; k < steps.size(); ++k) {
+        reach = std::max(reach, steps[k]);
+        reaches[k] = reach;
+    }
 }
 
 double ColourMapper::getNumSteps() const { return double(steps.size()); }
@@ -87,13 +99,21 @@ void ColourMapper::getColour(double value, Colour& out) const
     }
     out = Colour();
     const double t = (std::clamp(value, min, max) - min) / (max - min);
-    for (std::size_t i = 1; i < steps.size(); ++i) {
-        if (steps[i] >= t) {
-            const double u = (t - steps[i - 1]) / (steps[i] - steps[i - 1]);
-            out = (1 - u) * colours[i - 1] + u * colours[i];
-            return;
-        }
-    }
+    if (steps.size() < 2 || !(t <= reaches.back())) // t may be not-a-number
+        return;
+    const std::size_t i = findStop(t);
+    const double u = (t - steps[i - 1]) / (steps[i] - steps[i - 1]);
+    out = (1 - u) * colours[i - 1] + u * colours[i];
+}
+
+// The first one at or beyond t, which is the first up to which one is.
+std::size_t ColourMapper::findStop(double t) const
+{
+    const std::size_t last = steps.size() - 1;
+    const std::size_t ofEvenSteps = std::min(std::size_t(t * double(last)), last - 1) + 1;
+    if (reaches[ofEvenSteps] >= t && (ofEvenSteps == 1 || reaches[ofEvenSteps - 1] < t))
+        return ofEvenSteps;
+    return std::size_t(std::lower_bound(reaches.begin() + 1, reaches.end(), t) - reaches.begin());
 }
 
 QString ColourMapper::getStyleSheet() const

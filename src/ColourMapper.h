@@ -2,6 +2,7 @@
 #ifndef STRANDVIEW_COLOURMAPPER_H
 #define STRANDVIEW_COLOURMAPPER_H
 
+#include <cstddef>
 #include <vector>
 
 #include <StrandviewExport.h>
@@ -55,7 +56,8 @@ public:
     double getNumSteps() const;
 
     /// The colour of a value, clamped to the limits. Not-a-number and plus infinity are
-    /// white, and if the limits are equal everything is blue, whatever the ramp.
+    /// white, and if the limits are equal everything is blue, whatever the ramp. Stops that
+    /// are evenly spaced take the same time however many they are, others that of a binary search.
     void getColour(double value, Colour& out) const;
 
     /// A Qt style sheet that paints the ramp from left to right. It shows at least two
@@ -76,10 +78,14 @@ public:
                                    bool autoFill);
 
 private:
+    void findReaches();
+    std::size_t findStop(double t) const;
+
     double min;
     double max;
     double range; // max - min
     std::vector<double> steps;
+    std::vector<double> reaches; // the greatest of steps[1] up to each, to search in
     std::vector<Colour> colours;
 };
 

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <ColourMapper.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <memory>
+#include <random>
 
 #include <QApplication>
 #include <QLabel>
@@ -278,6 +280,31 @@ TEST(ColourMapper, StopsWithoutAValueStay)
     expectColour(colourOf(mapper, 7.5), YELLOW);
     mapper.setMapping(0, std::vector<double>{}, 10);
     expectColour(colourOf(mapper, 1), CYAN);
+}
+
+// Also where stops stand twice at a place, or out of order.
+TEST(ColourMapper, AValueIsBeforeTheFirstStopThatIsNotBelowIt)
+{
+    std::mt19937 engine(7);
+    std::uniform_int_distribution<int> place(0, 40);
+    for (int round = 0; round < 20; ++round) {
+        const std::vector<Rgb> ramp = greys(30);
+        std::vector<double> stops{0};
+        for (std::size_t k = 1; k + 1 < ramp.size(); ++k)
+            stops.push_back(place(engine));
+        stops.push_back(40);
+        if (round % 2 == 0)
+            std::sort(stops.begin(), stops.end());
+        ColourMapper mapper(0, 40, ramp);
+        mapper.setMapping(0, std::vector<double>(stops.begin() + 1, stops.end() - 1), 40);
+        for (double value = 0.3; value < 40; value += 0.7) {
+            std::size_t k = 1;
+            while (stops[k] < value)
+                ++k;
+            const double u = (value - stops[k - 1]) / (stops[k] - stops[k - 1]);
+            expectColour(colourOf(mapper, value), (1 - u) * ramp[k - 1] + u * ramp[k], 1e-12);
+        }
+    }
 }
 
 TEST(ColourMapper, NewLimitsLeaveTheStopsAlone)
