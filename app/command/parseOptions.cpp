@@ -277,20 +277,42 @@ void parseRange(const std::string& text, Options& options)
                                        "or more, and up to 1e+307");
 }
 
-void parseRamp(const std::string& text, Options& options)
+// "viridis, cividis, ...".
+std::string listOfColourMaps()
 {
+    std::string text;
+    for (const std::string& name : namesOfColourMaps())
+        text += (text.empty() ? "" : ", ") + name;
+    return text;
+}
+
+Colour parseStop(const std::string& name)
+{
+    const std::optional<Colour> colour = parseColour(name);
+    if (!colour)
+        throw CLI::ValidationError("--colours", "found " + inQuotes(name) +
+                                                    ", expected #rrggbb or an SVG colour name");
+    return *colour;
+}
+
+ColourMap parseColours(const std::string& text)
+{
+    if (text.find(',') == std::string::npos) {
+        if (std::optional<ColourMap> map = findColourMap(text))
+            return *map;
+        throw CLI::ValidationError(
+            "--colours", "found " + inQuotes(text) + ", expected " + listOfColourMaps() +
+                             ", each also reversed as NAME_r, or two colours or more: C1,C2,...");
+    }
+    ColourMap map;
     std::istringstream names(text);
     std::string name;
-    while (std::getline(names, name, ',')) {
-        const std::optional<Colour> colour = parseColour(name);
-        if (!colour) {
-            throw CLI::ValidationError(
-                "--colours", "found '" + name + "', expected #rrggbb or an SVG colour name");
-        }
-        options.ramp.push_back(*colour);
-    }
-    if (options.ramp.size() < 2)
-        throw CLI::ValidationError("--colours", "expected two colours or more");
+    while (std::getline(names, name, ','))
+        map.colours.push_back(parseStop(name));
+    if (map.colours.size() < 2)
+        throw CLI::ValidationError("--colours", "found " + inQuotes(text) +
+                                                    ", expected two colours or more: C1,C2,...");
+    return map;
 }
 
 void addColouring(CLI::App& app, Options& options)
@@ -315,9 +337,12 @@ void addColouring(CLI::App& app, Options& options)
         ->needs(colourBy)
         ->group(group);
     app.add_option_function<std::string>(
-           "--colours", [&options](const std::string& text) { parseRamp(text, options); },
-           "Colours of the ramp [blue,cyan,lime,yellow,red]")
-        ->type_name("C1,C2,...")
+           "--colours",
+           [&options](const std::string& text) { options.colours = parseColours(text); },
+           "Colours from the least value to the greatest: " + listOfColourMaps() +
+               ", reversed as NAME_r, or two colours or more [" + DEFAULT_MAP + "; " +
+               DEFAULT_SIGNED_MAP + " of what can be negative, such as torsion]")
+        ->type_name("NAME|C1,C2,...")
         ->needs(colourBy)
         ->group(group);
 }

@@ -9,6 +9,7 @@
 
 #include "request/CameraRequest.h"
 #include "request/Colour.h"
+#include "request/ColourMap.h"
 #include "request/FrameSlice.h"
 
 namespace strandview {
@@ -104,7 +105,7 @@ struct Options
     bool colourIfPossible = false; ///< what has no such scalar is shown all the same, with a notice
     std::optional<double> rangeMin;
     std::optional<double> rangeMax;
-    std::vector<Colour> ramp; ///< the mapper's own if empty
+    std::optional<ColourMap> colours; ///< else those that suit the scalar
 };
 
 } // namespace strandview

@@ -23,6 +23,9 @@ using Values = std::vector<double>;
 
 const double NONE = std::numeric_limits<double>::quiet_NaN();
 
+// What differs by less, in parts of the greatest, is one number.
+const double SAME_NUMBER = 1e-9;
+
 // Those whose places have colours: rods, the curves of birods, pairs of DNA.
 std::vector<Track> colouredTracks(const Configuration& configuration, double angstrom)
 {
@@ -117,16 +120,30 @@ void note(const Options& options, const Colouring& colouring, const ValueSummary
     tellWithout("birod", colouring.rods, colouring.birods, 3);
 }
 
-ColourMapper makeRamp(const Options& options)
+// Nothing if it goes by the unit of the points, which no file tells.
+std::string unitOf(const Quantity* quantity)
 {
-    ColourMapper ramp(0, 1);
-    if (!options.ramp.empty()) {
-        std::vector<ColourMapper::Colour> colours;
-        for (const Colour& colour : options.ramp)
-            colours.push_back(toVector(colour));
-        ramp.setColours(colours);
-    }
-    return ramp;
+    const bool isAbsolute = quantity && (quantity->unit == "°" || quantity->unit == "Å");
+    return isAbsolute ? quantity->unit : "";
+}
+
+ColourMapper toMapper(const ColourMap& map)
+{
+    std::vector<ColourMapper::Colour> colours;
+    for (const Colour& colour : map.colours)
+        colours.push_back(toVector(colour));
+    return ColourMapper(0, 1, colours);
+}
+
+// The values at the ends of the colours. Where none is given, the neutral middle of a diverging
+// map is zero if there is something on either side of it.
+Limits chooseLimits(const Options& options, const ColourMap& colours, const ValueSummary& summary)
+{
+    const bool isGiven = options.rangeMin || options.rangeMax;
+    if (!isGiven && colours.isDiverging && summary.hasBothSigns())
+        return {-summary.values.magnitude(), summary.values.magnitude()};
+    return {options.rangeMin.value_or(summary.values.min),
+            options.rangeMax.value_or(summary.values.max)};
 }
 
 // A value's place on the ramp, and not so far beyond its ends that a spline through it
@@ -167,7 +184,7 @@ double placeBesideConstant(const Colouring& colouring, double value, double roun
     if (!std::isfinite(value))
         return NONE;
     const double slack =
-        1e-9 * std::max(std::abs(colouring.constantMin), std::abs(colouring.constantMax));
+        SAME_NUMBER * std::max(std::abs(colouring.constantMin), std::abs(colouring.constantMax));
     if (value + rounding < colouring.constantMin - slack)
         return -1;
     return value - rounding > colouring.constantMax + slack ? 2 : 0.5;
@@ -209,6 +226,20 @@ bool isOfFile(const Track& track, const std::string& name)
 {
     return track.rod && std::any_of(track.rod->scalars.begin(), track.rod->scalars.end(),
                                     [&](const Scalar& scalar) { return scalar.name == name; });
+}
+
+// What is shown by a name, or null: what a file calls by one may be anything. A number of pairs or
+// steps is meant where there is one, as in findValues().
+const Quantity* meaningOf(const std::vector<Track>& tracks, const std::string& name)
+{
+    const Quantity* meant = nullptr;
+    for (const Track& track : tracks) {
+        if (isOfFile(track, name))
+            return nullptr;
+        if (!meant || isOfPairs(track, name))
+            meant = findQuantity(track.kind, name);
+    }
+    return meant;
 }
 
 // The last pair of an open DNA, from which no step goes on, is shown as the one before it.
@@ -321,6 +352,8 @@ void ValueSummary::include(double value, double rounding)
     agreedMin = std::max(agreedMin, value - rounding);
     agreedMax = std::min(agreedMax, value + rounding);
     isRounding = isRounding && std::abs(value) <= rounding;
+    isNegative = isNegative || value < -rounding;
+    isPositive = isPositive || value > rounding;
 }
 
 void ValueSummary::include(const ValueSummary& others)
@@ -330,12 +363,20 @@ void ValueSummary::include(const ValueSummary& others)
     agreedMin = std::max(agreedMin, others.agreedMin);
     agreedMax = std::min(agreedMax, others.agreedMax);
     isRounding = isRounding && others.isRounding;
+    isNegative = isNegative || others.isNegative;
+    isPositive = isPositive || others.isPositive;
     missing += others.missing;
 }
 
 bool ValueSummary::isConstant() const
 {
-    return agreedMin - agreedMax <= std::max(1e-9 * values.magnitude(), 1e-300);
+    return agreedMin - agreedMax <= std::max(SAME_NUMBER * values.magnitude(), 1e-300);
+}
+
+bool ValueSummary::hasBothSigns() const
+{
+    const double nothing = SAME_NUMBER * values.magnitude();
+    return isNegative && isPositive && values.min < -nothing && values.max > nothing;
 }
 
 std::string ValueSummary::constantText() const
@@ -369,7 +410,11 @@ std::optional<Colouring> makeColouring(const Options& options, const Configurati
     colouring.rods = configuration.rods.size();
     colouring.birods = configuration.birods.size();
     colouring.angstrom = options.dna.angstrom;
-    colouring.ramp = makeRamp(options);
+    const Quantity* const quantity = meaningOf(tracks, colouring.name);
+    colouring.unit = unitOf(quantity);
+    const ColourMap colours =
+        options.colours.value_or(defaultColourMap(quantity && quantity->isSigned));
+    colouring.ramp = toMapper(colours);
     colouring.places = findValues(tracks, colouring.name);
     ValueSummary summary = summarise(colouring.places, tracks, colouring.name);
     if (ofOthers)
@@ -380,8 +425,7 @@ std::optional<Colouring> makeColouring(const Options& options, const Configurati
     if (!options.rangeMin && !options.rangeMax && summary.isConstant()) {
         placeConstant(colouring, summary);
     } else {
-        const Limits limits{options.rangeMin.value_or(summary.values.min),
-                            options.rangeMax.value_or(summary.values.max)};
+        const Limits limits = chooseLimits(options, colours, summary);
         report.error = checkLimits(options, limits, summary.values);
         if (!report.error.empty())
             return std::nullopt;

@@ -26,11 +26,12 @@ class Progress;
 /// Of points whose value is no number; seen on white and on black.
 constexpr Colour NO_VALUE_COLOUR{0.5f, 0.5f, 0.5f};
 
-/// A scalar shown as colours: its name, the ramp and the values at its ends, and where on it
-/// every point of each rod is.
+/// A scalar shown as colours: its name and unit, the ramp and the values at its ends, and where on
+/// it every point of each rod is.
 struct Colouring
 {
     std::string name;
+    std::string unit;  ///< of the values, if it is known
     ColourMapper ramp; ///< from 0 to 1
     double min = 0;    ///< the value at the ramp's 0
     double max = 1;    ///< and at its 1
@@ -90,6 +91,9 @@ struct ValueSummary
 
     /// Whether all may be the same number.
     bool isConstant() const;
+    /// Whether there is one below zero and one above it, by more than their rounding and a 1e-9th
+    /// of the greatest.
+    bool hasBothSigns() const;
     /// The number of a constant, with the digits that rounding leaves of it.
     std::string constantText() const;
 
@@ -98,6 +102,8 @@ struct ValueSummary
     double agreedMin = -std::numeric_limits<double>::infinity();
     double agreedMax = std::numeric_limits<double>::infinity();
     bool isRounding = true;  ///< no value is more than the rounding of 0
+    bool isNegative = false; ///< a value is below 0 by more than its rounding
+    bool isPositive = false; ///< and one above it
     std::size_t missing = 0; ///< so many are no numbers
 };
 
@@ -106,14 +112,16 @@ struct ValueSummary
 ValueSummary summarise(const Configuration& configuration, const std::string& name, double angstrom,
                        const Progress& progress);
 
-/// The colouring that the options ask for by name. Its limits are those of all values unless
-/// given. Values that differ by less than a 1e-9th of the largest, or by what the rounding of
-/// points and frames may cause, are a constant. What is a number of pairs or steps of DNA is not
-/// that of rods that are there besides. A notice tells a constant, how many rods, birods or DNA
-/// have no such scalar, how many values are no numbers, and which options have no effect. Nothing,
-/// and one line in report.error, if nothing has the scalar, none of its values is a number, or the
-/// limits leave no room between them. The values of other frames of a series, if given, count for
-/// the limits, and the constant, as the configuration's own do.
+/// The colouring that the options ask for by name. Unless given, its colours are
+/// defaultColourMap(), of what is signed by its nature or of all else, also of scalars of files;
+/// and its limits those of all values, but as far above 0 as below where a diverging map, whose
+/// middle is for 0, shows both signs. Values that differ by less than a 1e-9th of the largest, or
+/// by what the rounding of points and frames may cause, are a constant. What is a number of pairs
+/// or steps of DNA is not that of rods that are there besides. A notice tells a constant, how many
+/// rods, birods or DNA have no such scalar, how many values are no numbers, and which options have
+/// no effect. Nothing, and one line in report.error, if nothing has the scalar, none of its values
+/// is a number, or the limits leave no room between them. The values of other frames of a series,
+/// if given, count for the limits, and the constant, as the configuration's own do.
 std::optional<Colouring> makeColouring(const Options& options, const Configuration& configuration,
                                        ReadReport& report, const ValueSummary* ofOthers = nullptr);
 

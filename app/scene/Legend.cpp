@@ -146,15 +146,22 @@ Ticks ticksOf(const Colouring& colouring, const Text& letters)
     return {{(colouring.min + colouring.max) / 2}, {colouring.constant}, ""};
 }
 
+// "roll (°)" where the unit is known. A long name loses its end, and keeps the unit.
+std::string title(const Colouring& colouring, float room, const Text& letters)
+{
+    const std::string unit = colouring.unit.empty() ? "" : " (" + colouring.unit + ")";
+    return letters.elide(colouring.name, room - letters.make(unit, 0, 0).width) + unit;
+}
+
 // The name in the middle and what belongs to the numbers at the bar's end, or both in a row
-// where they would meet. A long name loses its end.
+// where they would meet.
 std::vector<LegendText> layOutName(const Colouring& colouring, const std::string& note,
                                    const Text& letters)
 {
     LegendText behind = letters.make(note, 0, NAME);
     const float apart = note.empty() ? 0 : 2 * letters.gap();
     const float room = WIDEST - behind.width - apart;
-    LegendText name = letters.make(letters.elide(colouring.name, room), 0, NAME);
+    LegendText name = letters.make(title(colouring, room, letters), 0, NAME);
     if (note.empty())
         return {name};
     behind.x = Bar(colouring).right - behind.width / 2;

@@ -9,6 +9,7 @@
 #include <strandview/analysis/parallelTransport.h>
 #include <strandview/analysis/stepParameters.h>
 
+#include "scene/Progress.h"
 #include "support/initialiseSceneOnce.h"
 
 namespace strandview {
@@ -91,6 +92,119 @@ TEST_F(ColouringTest, AGivenRangeIsTakenAndKnowsWhatLiesBeyond)
     EXPECT_TRUE(made->isBelow);
     EXPECT_FALSE(made->isAbove);
     EXPECT_TRUE(make({straightRod({2, 3, 5})})->isAbove);
+}
+
+// A polygon that winds to the right about x as far as it winds to the left, and on for `more`
+// points.
+Rod woundBothWays(int more)
+{
+    const int half = 40;
+    std::vector<Vector3<double>> points;
+    double turned = 0;
+    for (int i = 0; i < 2 * half + more; ++i) {
+        points.emplace_back(0.1 * i, std::cos(turned), std::sin(turned));
+        turned += i < half ? 0.2 : -0.1;
+    }
+    return rodThrough(points);
+}
+
+Colour colourAt(const Colouring& colouring, double place)
+{
+    ColourMapper::Colour colour;
+    colouring.ramp.getColour(place, colour);
+    return {float(colour.x), float(colour.y), float(colour.z)};
+}
+
+void expectColours(const Colouring& made, const ColourMap& expected)
+{
+    const auto expectSame = [&](double place, const Colour& colour) {
+        const Colour found = colourAt(made, place);
+        EXPECT_NEAR(found.red, colour.red, 1e-6) << place;
+        EXPECT_NEAR(found.green, colour.green, 1e-6) << place;
+        EXPECT_NEAR(found.blue, colour.blue, 1e-6) << place;
+    };
+    for (std::size_t i = 0; i < expected.colours.size(); ++i)
+        expectSame(double(i) / double(expected.colours.size() - 1), expected.colours[i]);
+}
+
+TEST_F(ColouringTest, WhatCanBeNegativeHasADivergingMapAndAllElseASequentialOne)
+{
+    const Rod rod = woundBothWays(0);
+    for (const std::string name : {"torsion", "twist", "kappa1", "writhe_density"}) {
+        const auto made = make({rod}, name);
+        ASSERT_TRUE(made) << report.error;
+        expectColours(*made, *findColourMap("coolwarm"));
+    }
+    for (const std::string name : {"arclength", "curvature"}) {
+        const auto made = make({rod}, name);
+        ASSERT_TRUE(made) << report.error;
+        expectColours(*made, *findColourMap("viridis"));
+    }
+    expectColours(*make({straightRod({-1, 1})}), *findColourMap("viridis"));
+    options.colours = ColourMap{{{1, 0, 0}, {0, 0, 1}}};
+    expectColours(*make({rod}, "torsion"), *options.colours);
+}
+
+TEST_F(ColouringTest, AColumnOfTheNameOfWhatCanBeNegativeIsAColumnLikeAnyOther)
+{
+    Rod rod = straightRod({-1, 3});
+    rod.scalars.front().name = "twist";
+    const auto made = make({rod}, "twist");
+    ASSERT_TRUE(made) << report.error;
+    EXPECT_EQ(made->min, -1);
+    expectColours(*made, *findColourMap("viridis"));
+}
+
+TEST_F(ColouringTest, TheMiddleOfADivergingMapIsZeroWhereThereIsSomethingOnEitherSideOfIt)
+{
+    const auto torsion = make({woundBothWays(50)}, "torsion");
+    ASSERT_TRUE(torsion) << report.error;
+    EXPECT_GT(torsion->max, 0);
+    EXPECT_EQ(torsion->min, -torsion->max);
+
+    options.colours = findColourMap("VIK_r");
+    const auto made = make({straightRod({-1, 0, 4})});
+    ASSERT_TRUE(made);
+    EXPECT_EQ(made->min, -4);
+    EXPECT_EQ(made->max, 4);
+    EXPECT_THAT(made->places, ElementsAre(ElementsAre(0.375, 0.5, 1)));
+    EXPECT_EQ(make({straightRod({-9, 0, 4})})->max, 9);
+
+    options.colours = findColourMap("viridis");
+    EXPECT_EQ(make({straightRod({-1, 0, 4})})->min, -1) << "it has no middle";
+}
+
+TEST_F(ColouringTest, ADivergingMapOfValuesOfOneSignIsAsLongAsTheirRange)
+{
+    options.colours = findColourMap("vik");
+    for (const auto& values : {std::vector<double>{1, 4}, {0, 4}, {-4e-10, 4}, {-4, 0}, {-4, -1}}) {
+        const auto made = make({straightRod(values)});
+        ASSERT_TRUE(made);
+        EXPECT_EQ(made->min, values.front());
+        EXPECT_EQ(made->max, values.back());
+    }
+}
+
+TEST_F(ColouringTest, AGivenRangeOfADivergingMapHolds)
+{
+    options.colours = findColourMap("vik");
+    options.rangeMin = -1;
+    EXPECT_EQ(make({straightRod({-2, 4})})->max, 4);
+    options.rangeMax = 3;
+    const auto made = make({straightRod({-2, 4})});
+    EXPECT_EQ(made->min, -1);
+    EXPECT_EQ(made->max, 3);
+}
+
+TEST_F(ColouringTest, TheOtherFramesTellTheSignsToo)
+{
+    options.colourBy = "k";
+    options.colours = findColourMap("vik");
+    const ValueSummary others = summarise({{straightRod({-5, -3})}}, "k", 1, {});
+    const auto made = makeColouring(options, {{straightRod({1, 2})}}, report, &others);
+    ASSERT_TRUE(made) << report.error;
+    EXPECT_EQ(made->min, -5);
+    EXPECT_EQ(made->max, 5);
 }
 
 TEST_F(ColouringTest, ValuesThatDifferByRoundingAloneAreAConstant)
@@ -298,6 +412,28 @@ TEST_F(ColouringTest, OfDnaIsByItsPairsAndTheLastOneHasTheLastStep)
     EXPECT_THAT(made->ofDna(0), ElementsAre(near(1 / 3.0), near(2 / 3.0), near(2 / 3.0)));
     EXPECT_THAT(made->ofDna(1), ElementsAre(near(1), near(0), near(0)));
     EXPECT_EQ(followColouring(*made, {{}, {}, {rolled(12, 2)}}).ofDna(0).size(), 3u);
+}
+
+TEST_F(ColouringTest, OfDnaHasTheUnitAndTheSignOfWhatItIsThere)
+{
+    const auto ofDna = [this](const std::string& name) {
+        Configuration data;
+        data.rods = {woundBothWays(0)};
+        data.dnas = {rolled(2, 7), rolled(12, -3)};
+        options.colourBy = name;
+        const auto made = makeColouring(options, data, report);
+        EXPECT_TRUE(made) << report.error;
+        return made.value_or(Colouring());
+    };
+    const Colouring roll = ofDna("roll");
+    EXPECT_EQ(roll.unit, "°");
+    EXPECT_NEAR(roll.max, 12, 1e-9);
+    EXPECT_EQ(roll.min, -roll.max);
+    expectColours(roll, *findColourMap("coolwarm"));
+    EXPECT_EQ(ofDna("rise").unit, "Å");
+    EXPECT_EQ(ofDna("twist").unit, "°") << "no density, as of a rod";
+    expectColours(ofDna("twist"), *findColourMap("viridis"));
+    EXPECT_EQ(ofDna("torsion").unit, "") << "nobody knows in which unit the points are";
 }
 
 TEST_F(ColouringTest, ABackboneHasThatOfItsPairs)

@@ -67,6 +67,15 @@ TEST(Legend, WritesTheNameAndARoundNumberPerTick)
                 ElementsAre("k", "×10⁶", "0.0", "0.5", "1.0", "1.5", "2.0", "2.5"));
 }
 
+TEST(Legend, WritesTheUnitBehindTheNameWhereItIsKnown)
+{
+    Colouring shown = colouring(0, 1, "roll");
+    shown.unit = "°";
+    EXPECT_EQ(textsOf(shown).front(), "roll (°)");
+    shown.name = std::string(400, 'W');
+    EXPECT_THAT(textsOf(shown).front(), testing::EndsWith("… (°)"));
+}
+
 TEST(Legend, OfAConstantHasOneNumber)
 {
     Colouring shown = colouring(0, 1);
@@ -94,6 +103,7 @@ TEST(Legend, ItsTextsNeverMeet)
         SCOPED_TRACE(testing::Message() << min << " to " << max);
         Colouring shown = colouring(min, max, std::string(std::size_t(5 * i + 1), 'W'));
         shown.isMissing = i % 2;
+        shown.unit = i % 5 ? "" : "Å⁻¹";
         expectApart(shown, i % 3 == 0 ? LARGEST_LEGEND_TEXT_SIZE : LEGEND_TEXT_SIZE);
     }
 }

@@ -353,6 +353,9 @@ const char* const SCALARS = "x y z qx qy qz qw heat\n"
                             "3 0 0 0 0.70710678 0 0.70710678 25\n"
                             "4 0 0 0 0.70710678 0 0.70710678 30\n";
 
+// The published map at its ends and half-way.
+const std::vector<QColor> VIRIDIS{{68, 1, 84}, {33, 145, 140}, {253, 231, 37}};
+
 TEST_F(StrandviewTest, ColoursByAScalarOfTheFileAlongTheRodAndShowsALegend)
 {
     const std::string rod = write("rod.txt", SCALARS);
@@ -366,22 +369,22 @@ TEST_F(StrandviewTest, ColoursByAScalarOfTheFileAlongTheRodAndShowsALegend)
     const QImage image = render({"--colour-by", "heat"});
     // The legend at the bottom: the ends, inside the frame, and the middle of the ramp, unlit.
     const auto barAt = [&image](int x) { return image.pixelColor(x, 276); };
-    EXPECT_LE(distance(barAt(200 - 103), Qt::blue), 12);
-    EXPECT_LE(distance(barAt(200), Qt::green), 12);
-    EXPECT_LE(distance(barAt(200 + 103), Qt::red), 12);
+    EXPECT_LE(distance(barAt(200 - 103), VIRIDIS.front()), 12);
+    EXPECT_LE(distance(barAt(200), VIRIDIS[1]), 12);
+    EXPECT_LE(distance(barAt(200 + 103), VIRIDIS.back()), 12);
     EXPECT_GT(countPixels(image, [](const QColor& c) { return c.lightness() < 60; }),
               countPixels(plain, [](const QColor& c) { return c.lightness() < 60; }));
 
-    // On the rod: blue on the left, green in the middle, red on the right.
+    // On the rod: violet on the left, green and blue in the middle, yellow on the right.
     const auto hueAt = [&image](int x) {
         int y = 0;
         while (y < 200 && image.pixelColor(x, y) == QColor(Qt::white))
             ++y;
         return image.pixelColor(x, y + 2).hsvHue();
     };
-    EXPECT_NEAR(hueAt(20), 240, 25);
-    EXPECT_NEAR(hueAt(200), 120, 15);
-    EXPECT_LT(std::abs((hueAt(380) + 180) % 360 - 180), 25);
+    EXPECT_NEAR(hueAt(20), VIRIDIS.front().hsvHue(), 25);
+    EXPECT_NEAR(hueAt(200), VIRIDIS[1].hsvHue(), 15);
+    EXPECT_NEAR(hueAt(380), VIRIDIS.back().hsvHue(), 15);
 }
 
 // Five flat ribbons or thick tubes side by side, turned to the scene's light as it is seen from
@@ -528,8 +531,8 @@ TEST_F(StrandviewTest, ALegendIsAtTheBottomOfAPictureOfAnyForm)
         const QImage image = picture("rod.png");
         const double unit = std::min(width, height) / 2.0;
         const int bar = int(height - 0.155 * unit), ramp = int(0.6 * unit);
-        EXPECT_LE(distance(image.pixelColor(width / 2, bar), Qt::green), 20);
-        EXPECT_GT(image.pixelColor(width / 2 - ramp, bar).blue(), 200);
+        EXPECT_LE(distance(image.pixelColor(width / 2, bar), VIRIDIS[1]), 20);
+        EXPECT_LT(image.pixelColor(width / 2 - ramp, bar).green(), 60);
         EXPECT_GT(image.pixelColor(width / 2 + ramp, bar).red(), 200);
         // Between the legend and the rod there is nothing.
         const QImage between = image.copy(0, int(height - 0.36 * unit), width, 2);

@@ -186,6 +186,32 @@ TEST(ParseOptions, WhatIsFoundAndExpectedIsToldInOneLine)
     expectRefused({"-", "-"}, "found - twice, expected standard input once");
 }
 
+TEST(ParseOptions, ColoursAreAMapByItsNameOrAList)
+{
+    const auto colours = [](const char* text) {
+        return accepted({"--colour-by", "twist", "--colours", text, "rod.txt"}).colours.value();
+    };
+    EXPECT_GT(colours("Viridis_R").colours.size(), 10u);
+    EXPECT_TRUE(colours("coolwarm").isDiverging);
+    EXPECT_EQ(colours("navy,white,#f00").colours.size(), 3u);
+    EXPECT_EQ(colours("grey,red").colours.size(), 2u);
+    EXPECT_FALSE(accepted({"--colour-by", "twist", "rod.txt"}).colours);
+}
+
+TEST(ParseOptions, ColoursThatAreNoneAreToldWithAllMapsThereAre)
+{
+    const auto refused = [](const char* text, const std::string& what) {
+        expectRefused({"--colour-by", "twist", "--colours", text, "rod.txt"}, what);
+    };
+    refused("virdis", "--colours: found 'virdis', expected viridis, cividis, batlow, magma, "
+                      "coolwarm, vik, grey, rainbow, each also reversed as NAME_r, or two colours "
+                      "or more: C1,C2,...");
+    refused("red", "found 'red', expected viridis, ");
+    refused("", "found '', expected viridis, ");
+    refused("red,", "found 'red,', expected two colours or more");
+    refused("red,viridis", "found 'viridis', expected #rrggbb or an SVG colour name");
+}
+
 TEST(ParseOptions, HelpAndVersionAreNoOptionsButEndWell)
 {
     for (const char* const name : {"--help", "--version"}) {

@@ -73,6 +73,8 @@ const char* const STRAIGHT = "0 0 0 0 0.70710678118654752 0 0.70710678118654752\
                              "1 0 0 0 0.70710678118654752 0 0.70710678118654752\n"
                              "2 0 0 0 0.70710678118654752 0 0.70710678118654752\n";
 
+const ColourMap BLUE_TO_RED{{{0, 0, 1}, {0, 1, 1}, {0, 1, 0}, {1, 1, 0}, {1, 0, 0}}};
+
 bool isRed(const QColor& colour)
 {
     return colour.red() > 100 && colour.green() < colour.red() / 2 && colour.blue() < 120;
@@ -998,6 +1000,7 @@ TEST_F(MainWindowTest, PerspectiveIsToggledByKeyMenuAndToolBarAndStillFits)
 TEST_F(MainWindowTest, TheLegendStaysAsItIsHoweverTheSceneIsSeen)
 {
     options.colourBy = "arclength";
+    options.colours = BLUE_TO_RED;
     open({write("straight.txt", STRAIGHT)});
     // The axis cross is further to the right.
     const auto legend = [](const QImage& p) {
@@ -1021,6 +1024,7 @@ bool isBlue(const QColor& colour) { return colour.blue() > 200 && colour.green()
 TEST_F(MainWindowTest, ColoursOfDataAreSwitchedOffAndOn)
 {
     options.colourBy = "arclength"; // on the left the rod is blue, and so is the legend
+    options.colours = BLUE_TO_RED;
     open({write("straight.txt", STRAIGHT)});
     const auto legend = [](const QImage& p) {
         return p.copy(0, p.height() * 9 / 10, p.width() * 3 / 4, p.height() / 10);
@@ -1073,6 +1077,7 @@ TEST_F(MainWindowTest, AFileWithoutTheScalarIsShownInItsOwnColours)
     const QString with = QString::fromStdString(write("heat.txt", heat));
     const QString without = QString::fromStdString(write("straight.txt", STRAIGHT));
     options.colourBy = "heat";
+    options.colours = BLUE_TO_RED;
     open({with.toStdString()});
     const auto isColoured = [](const QImage& p) { return count(p, isBlue) > 500; };
     ASSERT_TRUE(comesToShow(isColoured));
