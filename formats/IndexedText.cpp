@@ -15,10 +15,41 @@ namespace {
 
 constexpr std::size_t LONGEST_LINE = 4096;
 
-std::string_view withoutCarriageReturn(std::string_view line)
+/// The line ends of a piece of text, one after the other.
+class LineEnds
 {
-    return line.substr(0, line.size() - (!line.empty() && line.back() == '\r'));
-}
+public:
+    explicit LineEnds(std::string_view wholePiece) : piece(wholePiece) {}
+
+    /// Where the line ends that begins at a place, and how many bytes that takes; nothing if it
+    /// goes on behind the piece, as it may do behind a CR.
+    std::optional<std::pair<std::size_t, std::size_t>> find(std::size_t from)
+    {
+        const std::size_t stop = std::min(feeds.find(piece, from), returns.find(piece, from));
+        if (stop == piece.npos || (piece[stop] == '\r' && stop + 1 == piece.size()))
+            return {};
+        return std::pair(stop, piece.substr(stop, 2) == "\r\n" ? 2 : 1);
+    }
+
+private:
+    /// Looks for one character, and never twice in the same bytes.
+    struct Finder
+    {
+        std::size_t find(std::string_view text, std::size_t from)
+        {
+            if (!isKnown || next < from)
+                next = text.find(wanted, from);
+            isKnown = true;
+            return next;
+        }
+        char wanted;
+        bool isKnown = false;
+        std::size_t next = 0;
+    };
+
+    std::string_view piece;
+    Finder feeds{'\n'}, returns{'\r'};
+};
 
 } // namespace
 
@@ -67,7 +98,7 @@ bool IndexedText::lookFor(std::size_t most, Source& source, const ReadOptions& o
         seeLines(*piece, most);
         isAtEnd = piece->size() < Pieces::SIZE;
         if (isAtEnd && begunSize > 0 && !options.growing && !isDone(most))
-            see(withoutCarriageReturn(begun), std::exchange(begunSize, 0));
+            see(begun, std::exchange(begunSize, 0));
     }
     if (!index.fault.empty())
         report.error = source.getName() + ":" + std::to_string(index.line) + ": " + index.fault;
@@ -79,18 +110,37 @@ bool IndexedText::lookFor(std::size_t most, Source& source, const ReadOptions& o
 /// The piece comes next.
 void IndexedText::seeLines(std::string_view piece, std::size_t most)
 {
-    for (std::size_t stop; !isDone(most) && (stop = piece.find('\n')) != piece.npos;
-         piece.remove_prefix(stop + 1)) {
-        std::string_view line = piece.substr(0, std::min(stop, LONGEST_LINE - begun.size()));
+    if (piece.empty())
+        return;
+    if (isBehindReturn) {
+        isBehindReturn = false;
+        const bool isFeed = piece[0] == '\n';
+        see(begun, std::exchange(begunSize, 0) + isFeed);
+        begun.clear();
+        piece.remove_prefix(isFeed);
+    }
+    LineEnds ends(piece);
+    std::size_t from = 0;
+    while (!isDone(most)) {
+        const auto found = ends.find(from);
+        if (!found)
+            break;
+        const auto [stop, size] = *found;
+        std::string_view line =
+            piece.substr(from, std::min(stop - from, LONGEST_LINE - begun.size()));
         if (begunSize > 0)
             line = begun += line;
-        see(withoutCarriageReturn(line), std::exchange(begunSize, 0) + stop + 1);
+        see(line, std::exchange(begunSize, 0) + stop + size - from);
         begun.clear();
+        from = stop + size;
     }
     if (isDone(most))
         return;
-    begun += piece.substr(0, LONGEST_LINE - begun.size());
-    begunSize += piece.size();
+    std::string_view rest = piece.substr(from);
+    begunSize += rest.size();
+    isBehindReturn = !rest.empty() && rest.back() == '\r';
+    rest.remove_suffix(isBehindReturn);
+    begun += rest.substr(0, LONGEST_LINE - begun.size());
 }
 
 void IndexedText::see(std::string_view line, std::uint64_t bytes)
@@ -125,7 +175,7 @@ FrameRead IndexedText::read(std::size_t frame, Source& source, const ReadOptions
     if (!bytes)
         return {};
     const std::string_view text = place.offset == 0 ? withoutByteOrderMark(*bytes) : *bytes;
-    return frames.read({text, std::size_t(place.line)}, source.getName(), options, report);
+    return frames.read({text, std::size_t(place.line), frame}, source.getName(), options, report);
 }
 
 } // namespace strandview

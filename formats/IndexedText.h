@@ -85,7 +85,8 @@ private:
 struct FrameText
 {
     std::string_view text;
-    std::size_t line = 1; ///< of the file, in which it begins
+    std::size_t line = 1;   ///< of the file, in which it begins
+    std::size_t number = 0; ///< of the frame, counted from 0
 };
 
 /// How a format of texts has its frames: what IndexedText has to know of it.
@@ -94,8 +95,8 @@ class STRANDVIEW_FORMATS_EXPORT TextFrames
 public:
     virtual ~TextFrames();
 
-    /// Shown every line of a file once, in their order and without their ends; of a line longer
-    /// than 4 KiB the beginning.
+    /// Shown every line of a file once, in their order and without their ends, which are LF, CR LF
+    /// or CR; of a line longer than 4 KiB the beginning.
     virtual void see(std::string_view line, FrameIndex& index) = 0;
 
     /// Whether the frame that began last may be whole by the lines that were shown; else, in a text
@@ -143,6 +144,7 @@ private:
     std::uint64_t end = 0;       ///< of the last line that was seen
     std::string begun;           ///< of the next line, whose end was not found yet
     std::uint64_t begunSize = 0; ///< of which it is the beginning
+    bool isBehindReturn = false; ///< that line, which may end with it, or with the LF that follows
 };
 
 } // namespace strandview

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <strandview/formats/IndexedText.h>
 
+#include <string>
+#include <utility>
+
 #include <gmock/gmock.h>
 
 namespace strandview {
@@ -79,6 +82,46 @@ TEST(IndexedText, LooksForSoManyFramesAtMost)
     EXPECT_EQ(text.count(), 3u);
     text.read(2, *source, {}, report);
     EXPECT_EQ(lines.text, "frame\n3\n") << "up to the line that is refused";
+}
+
+TEST(IndexedText, LinesEndAsOnAnySystem)
+{
+    const std::size_t piece = 1 << 20;
+    // A piece may end within an end of a line.
+    for (const std::string end : {"\n", "\r\n", "\r"})
+        for (std::size_t filling = piece - 12; filling < piece; ++filling) {
+            Lines lines;
+            IndexedText text(lines);
+            ReadReport report;
+            const std::string first = "frame" + end + end + std::string(filling - 7, 'x') + end;
+            const auto source =
+                Source::ofBytes("here", first + "frame" + end + "1" + end + "wrong" + end);
+            ASSERT_FALSE(text.lookOn(*source, {}, report));
+            ASSERT_EQ(report.error, "here:6: found wrong, expected right");
+            ASSERT_EQ(lines.seen, 6u);
+            text.read(0, *source, {}, report);
+            ASSERT_EQ(lines.text, first);
+            text.read(1, *source, {}, report);
+            ASSERT_EQ(lines.text, "frame" + end + "1" + end);
+        }
+}
+
+TEST(IndexedText, OfAGrowingTextAReturnAtItsEndMayBeHalfOfALineEnd)
+{
+    Lines lines;
+    IndexedText text(lines);
+    ReadReport report;
+    ReadOptions growing;
+    growing.growing = true;
+    const std::pair<const char*, std::size_t> steps[] = {{"frame\r\n1\r", 1},
+                                                         {"frame\r\n1\r\n", 2},
+                                                         {"frame\r\n1\r\n2\r", 2},
+                                                         {"frame\r\n1\r\n2\rframe\r", 3}};
+    for (const auto& [written, seen] : steps) {
+        EXPECT_TRUE(text.lookOn(*Source::ofBytes("here", written), growing, report));
+        EXPECT_TRUE(text.lookOn(*Source::ofBytes("here", written), growing, report)) << "again";
+        EXPECT_EQ(lines.seen, seen);
+    }
 }
 
 TEST(IndexedText, TheLastLineOfATextThatGrowsIsSeenOnceItIsWhole)
