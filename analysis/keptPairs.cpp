@@ -54,6 +54,13 @@ std::vector<Helix> KeptPairs::findHelices(const std::vector<Nucleotide>& nucleot
 
 // ---- PairKeepingSeries
 
+std::string toldPairedAlone(const std::string& fileName, std::size_t frame)
+{
+    return fileName + ": " + (frame > 0 ? "frame " + std::to_string(frame) + ": " : "") +
+           "found other nucleotides than in the first frame: the pairs are those of this frame "
+           "alone";
+}
+
 PairKeepingSeries::PairKeepingSeries(std::unique_ptr<Series> seriesToLoad,
                                      std::shared_ptr<KeptPairs> pairsOfIt)
     : series(std::move(seriesToLoad)), pairs(std::move(pairsOfIt))

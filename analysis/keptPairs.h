@@ -56,9 +56,11 @@ private:
     bool areOther = false; ///< the last nucleotides, than those whose pairs are kept
 };
 
-/// What a frame is told of whose nucleotides others are kept for.
-constexpr char PAIRED_ALONE[] =
-    "found other nucleotides than in the first frame: the pairs are those of this frame alone";
+/// What is told of a frame for whose nucleotides no pairs are kept, "run.pdb: frame 3: found other
+/// nucleotides ...". The number is that in its file, counted from 0; the first one has none, for a
+/// file may be a frame.
+STRANDVIEW_ANALYSIS_EXPORT std::string toldPairedAlone(const std::string& fileName,
+                                                       std::size_t frame);
 
 /// A series whose readers keep pairs: those of the first frame that can be loaded, of the first
 /// hundred, whichever frame is loaded first.

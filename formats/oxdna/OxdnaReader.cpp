@@ -93,6 +93,7 @@ public:
                         ReadReport& readReport)
         : topology(oxdnaTopology),
           text(frame.text),
+          number(frame.number),
           fileName(name),
           options(readOptions),
           report(readReport),
@@ -106,7 +107,7 @@ public:
         if (!readHeader() || !readNucleotides())
             return {{}, isCut};
         if (!pairs.pair(nucleotides, [this] { findPairs(); }))
-            report.notices.push_back(fileName + ": " + PAIRED_ALONE);
+            report.notices.push_back(toldPairedAlone(fileName, number));
         return {makeConfiguration()};
     }
 
@@ -271,6 +272,7 @@ private:
 
     const OxdnaTopology& topology;
     std::string_view text;
+    std::size_t number; ///< of the frame
     const std::string& fileName;
     const ReadOptions& options;
     ReadReport& report;

@@ -69,9 +69,7 @@ FrameRead PdbFrames::read(const FrameText& frame, const std::string& fileName,
     const PdbPart part{frame.text, frame.line, modifiedBefore(frame.line)};
     if (!readPdbPart(part, fileName, options, take, report))
         return {};
-    auto made = makeNucleicAcid(std::move(model), fileName, report, options.pairs.get());
-    const bool isEmpty = !made;
-    return {std::move(made), false, isEmpty};
+    return makeFrame(std::move(model), fileName, frame.number, options, report);
 }
 
 } // namespace strandview

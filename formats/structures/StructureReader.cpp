@@ -7,17 +7,13 @@
 #include <utility>
 #include <vector>
 
-#include <strandview/analysis/keptPairs.h>
 #include <strandview/formats/IndexedSeries.h>
 #include <strandview/formats/Source.h>
+#include <strandview/formats/structures/CifIndex.h>
 #include <strandview/formats/structures/PdbFrames.h>
-#include <strandview/formats/structures/nucleicAcid.h>
-#include <strandview/formats/structures/readAtoms.h>
 #include <strandview/formats/text/encoding.h>
 #include <strandview/formats/text/fields.h>
 #include <strandview/formats/text/numbers.h>
-#include <strandview/formats/text/wording.h>
-#include <strandview/model/MemorySeries.h>
 
 namespace strandview {
 
@@ -78,16 +74,8 @@ bool isPdb(std::string_view beginning)
     return !lines.empty() && std::all_of(lines.begin(), lines.end(), isLineOfPdb);
 }
 
-/// Whether lines end with CR alone, as on old systems: the index does not look for that.
-bool hasOldLineEnds(std::string_view beginning)
-{
-    const std::string_view end = beginning.substr(std::min(beginning.find('\r'), beginning.size()));
-    return end.size() > 1 && end[1] != '\n';
-}
-
-/// Whether the models are frames of an index, each read when it is wanted; else all are read at
-/// once. Nothing and report.error if that is no text.
-std::optional<bool> isIndexed(Source& source, const ReadOptions& options, ReadReport& report)
+/// Nothing and report.error if that is no text.
+std::optional<bool> isMmcif(Source& source, const ReadOptions& options, ReadReport& report)
 {
     constexpr std::size_t enough = 64 * 1024;
     const auto beginning = source.readBeginning(enough, options, report);
@@ -99,72 +87,7 @@ std::optional<bool> isIndexed(Source& source, const ReadOptions& options, ReadRe
             (isUtf16(*beginning) ? FOUND_UTF16 : "found binary data, expected a structure");
         return {};
     }
-    return !isMmcif(withoutByteOrderMark(*beginning)) && !hasOldLineEnds(*beginning);
-}
-
-bool readModels(Source& source, const ReadOptions& options, const TakeModel& take,
-                ReadReport& report)
-{
-    const auto bytes = source.readAll(options, report);
-    if (!bytes)
-        return false;
-    const std::string_view text = withoutByteOrderMark(*bytes);
-    return (isMmcif(text) ? readMmcif : readPdb)(text, source.getName(), options, take, report);
-}
-
-std::optional<Configuration> readFirstModel(Source& source, const ReadOptions& options,
-                                            ReadReport& report)
-{
-    std::optional<StructureModel> first;
-    const auto takeFirst = [&](StructureModel model) {
-        if (first)
-            report.frames = SEVERAL_FRAMES;
-        else
-            first = std::move(model);
-        return report.frames == 1;
-    };
-    if (!readModels(source, options, takeFirst, report))
-        return {};
-    return makeNucleicAcid(first ? std::move(*first) : StructureModel(), source.getName(), report,
-                           options.pairs.get());
-}
-
-std::unique_ptr<Series> readAllModels(Source& source, const ReadOptions& options,
-                                      ReadReport& report)
-{
-    std::vector<Configuration> frames;
-    bool hasDna = false;
-    std::vector<std::size_t> pairedAlone; // frames
-    KeptPairs* const pairs = options.pairs.get();
-    ReadReport ofModel;
-    const auto takeEach = [&](StructureModel model) {
-        ofModel = {};
-        if (pairs)
-            pairs->setKeeping(!hasDna);
-        auto made = makeNucleicAcid(std::move(model), source.getName(), ofModel, pairs);
-        if (made && pairs && pairs->areOthers())
-            pairedAlone.push_back(frames.size());
-        if (made && !hasDna)
-            report.notices.insert(report.notices.end(), ofModel.notices.begin(),
-                                  ofModel.notices.end());
-        hasDna = hasDna || made.has_value();
-        frames.push_back(made ? std::move(*made) : Configuration());
-        return true;
-    };
-    if (!readModels(source, options, takeEach, report))
-        return nullptr;
-    if (frames.empty())
-        makeNucleicAcid({}, source.getName(), ofModel);
-    if (!hasDna) {
-        report.error = ofModel.error;
-        return nullptr;
-    }
-    if (!pairedAlone.empty())
-        report.notices.push_back(
-            source.getName() + ": " +
-            andMore("frame " + std::to_string(pairedAlone[0]), pairedAlone.size()) + ": " +
-            PAIRED_ALONE);
-    return std::make_unique<MemorySeries>(std::move(frames));
+    return isMmcif(withoutByteOrderMark(*beginning));
 }
 
 } // namespace
@@ -180,25 +103,25 @@ Likeness likenessToStructure(std::string_view beginning)
 std::optional<Configuration> readStructure(Source& source, const ReadOptions& options,
                                            ReadReport& report)
 {
-    const std::optional<bool> isOfFrames = isIndexed(source, options, report);
-    if (!isOfFrames)
+    const std::optional<bool> isOfWords = isMmcif(source, options, report);
+    if (!isOfWords)
         return {};
     PdbFrames frames;
-    return *isOfFrames ? IndexedSeries::readFirst(source, frames, options, report)
-                       : readFirstModel(source, options, report);
+    return *isOfWords ? CifIndex::readFirst(source, options, report)
+                      : IndexedSeries::readFirst(source, frames, options, report);
 }
 
 std::unique_ptr<Series> openStructures(std::unique_ptr<Source> source, const ReadOptions& options,
                                        ReadReport& report)
 {
-    const std::optional<bool> isOfFrames = isIndexed(*source, options, report);
-    if (!isOfFrames)
+    const std::optional<bool> isOfWords = isMmcif(*source, options, report);
+    if (!isOfWords)
         return nullptr;
-    if (!*isOfFrames)
-        return readAllModels(*source, options, report);
-    return IndexedSeries::inMemoryIfAlone(
-        IndexedSeries::open(std::move(source), std::make_unique<PdbFrames>(), options, report),
-        options, report);
+    auto series = *isOfWords ? IndexedSeries::open(std::move(source), std::make_unique<CifIndex>(),
+                                                   options, report)
+                             : IndexedSeries::open(std::move(source), std::make_unique<PdbFrames>(),
+                                                   options, report);
+    return IndexedSeries::inMemoryIfAlone(std::move(series), options, report);
 }
 
 } // namespace strandview

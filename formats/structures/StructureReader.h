@@ -25,9 +25,8 @@ STRANDVIEW_FORMATS_EXPORT Likeness likenessToStructure(std::string_view beginnin
 STRANDVIEW_FORMATS_EXPORT std::optional<Configuration>
 readStructure(Source& source, const ReadOptions& options, ReadReport& report);
 
-/// All models, one a frame; models without DNA are frames with nothing in them. Those of PDB are
-/// found by one pass and read when they are loaded (IndexedSeries.h, PdbFrames.h); those of mmCIF,
-/// and of PDB whose lines end with CR alone, are all read at once.
+/// All models, one a frame; models without DNA are frames with nothing in them. They are found by
+/// one pass and read when they are loaded (IndexedSeries.h, PdbFrames.h, CifIndex.h).
 STRANDVIEW_FORMATS_EXPORT std::unique_ptr<Series>
 openStructures(std::unique_ptr<Source> source, const ReadOptions& options, ReadReport& report);
 

@@ -153,8 +153,7 @@ public:
         findStrands();
         for (std::size_t i = 0; i < model.residues.size(); ++i)
             addBase(i);
-        if (!pairs.pair(nucleotides, [this] { pairBases(nucleotides); }))
-            notice(PAIRED_ALONE);
+        pairs.pair(nucleotides, [this] { pairBases(nucleotides); });
         tellWhatWasDone();
         return collect();
     }
@@ -430,6 +429,17 @@ std::optional<Configuration> makeNucleicAcid(StructureModel model, const std::st
 {
     KeptPairs own; // of no series
     return Builder(std::move(model), fileName, report, pairs ? *pairs : own).build();
+}
+
+FrameRead makeFrame(StructureModel model, const std::string& fileName, std::size_t number,
+                    const ReadOptions& options, ReadReport& report)
+{
+    KeptPairs* const pairs = options.pairs.get();
+    auto made = makeNucleicAcid(std::move(model), fileName, report, pairs);
+    if (made && pairs && pairs->areOthers())
+        report.notices.push_back(toldPairedAlone(fileName, number));
+    const bool isEmpty = !made;
+    return {std::move(made), false, isEmpty};
 }
 
 } // namespace strandview

@@ -2,9 +2,11 @@
 #ifndef STRANDVIEW_FORMATS_STRUCTURES_NUCLEICACID_H
 #define STRANDVIEW_FORMATS_STRUCTURES_NUCLEICACID_H
 
+#include <cstddef>
 #include <optional>
 #include <string>
 
+#include <strandview/formats/IndexedText.h>
 #include <strandview/formats/ReadReport.h>
 #include <strandview/formats/structures/ResidueCollector.h>
 #include <strandview/formatsExport.h>
@@ -29,6 +31,13 @@ STRANDVIEW_FORMATS_EXPORT std::optional<Configuration> makeNucleicAcid(Structure
                                                                        const std::string& fileName,
                                                                        ReadReport& report,
                                                                        KeptPairs* pairs = nullptr);
+
+/// The same as the frame of that number, counted from 0, of a file of models, with the pairs of
+/// ReadOptions::pairs: empty where there is none, and told if it has other nucleotides than those
+/// are of.
+STRANDVIEW_FORMATS_EXPORT FrameRead makeFrame(StructureModel model, const std::string& fileName,
+                                              std::size_t number, const ReadOptions& options,
+                                              ReadReport& report);
 
 } // namespace strandview
 

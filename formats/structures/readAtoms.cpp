@@ -18,6 +18,7 @@
 
 #include <strandview/formats/Milestones.h>
 #include <strandview/formats/checks.h>
+#include <strandview/formats/structures/cifText.h>
 #include <strandview/formats/text/characters.h>
 #include <strandview/formats/text/encoding.h>
 #include <strandview/formats/text/fields.h>
@@ -262,65 +263,7 @@ struct Enough
 {
 };
 
-/// What a column of a table is to us.
-enum Column {
-    CHAIN,
-    LABEL_CHAIN,
-    NUMBER,
-    LABEL_NUMBER,
-    INSERTION,
-    RESIDUE,
-    LABEL_RESIDUE,
-    ATOM,
-    LABEL_ATOM,
-    CONFORMER,
-    X,
-    Y,
-    Z,
-    OCCUPANCY,
-    MODEL,
-    COMPONENT,
-    PARENT,
-    COLUMNS
-};
-
-constexpr int NO_COLUMN = -1;
 constexpr double LARGEST_OCCUPANCY = 1e6; // some files have per cent
-
-int columnOf(std::string_view tag)
-{
-    static const std::map<std::string, Column, std::less<>> columns{
-        {"_atom_site.auth_asym_id", CHAIN},
-        {"_atom_site.label_asym_id", LABEL_CHAIN},
-        {"_atom_site.auth_seq_id", NUMBER},
-        {"_atom_site.label_seq_id", LABEL_NUMBER},
-        {"_atom_site.pdbx_pdb_ins_code", INSERTION},
-        {"_atom_site.auth_comp_id", RESIDUE},
-        {"_atom_site.label_comp_id", LABEL_RESIDUE},
-        {"_atom_site.auth_atom_id", ATOM},
-        {"_atom_site.label_atom_id", LABEL_ATOM},
-        {"_atom_site.label_alt_id", CONFORMER},
-        {"_atom_site.cartn_x", X},
-        {"_atom_site.cartn_y", Y},
-        {"_atom_site.cartn_z", Z},
-        {"_atom_site.occupancy", OCCUPANCY},
-        {"_atom_site.pdbx_pdb_model_num", MODEL},
-        {"_chem_comp.id", COMPONENT},
-        {"_chem_comp.mon_nstd_parent_comp_id", PARENT},
-    };
-    const auto found = columns.find(inSmallLetters(tag));
-    return found == columns.end() ? NO_COLUMN : int(found->second);
-}
-
-/// Without quotation marks; nothing of "." and "?", which stand for nothing.
-std::string_view valueOf(std::string_view token)
-{
-    if (token.size() == 1 && (token[0] == '.' || token[0] == '?'))
-        return {};
-    const bool isQuoted =
-        token.size() >= 2 && (token[0] == '"' || token[0] == '\'') && token.back() == token[0];
-    return isQuoted ? token.substr(1, token.size() - 2) : token;
-}
 
 bool isOrdinary(char c) { return gemmi::cif::char_table(c) == 1; }
 bool isBlank(char c) { return gemmi::cif::char_table(c) == 2; }
@@ -344,16 +287,24 @@ std::size_t sizeOfPlainValue(std::string_view text, std::size_t begin)
     return isWhole ? end - begin : 0;
 }
 
+using Column = CifColumn;
+
 /// Takes the tables of atoms and of components from the parser, a value at a time.
 class CifScanner
 {
 public:
-    CifScanner(std::string_view wholeText, const TakeModel& takeModel, const ReadOptions& options)
-        : text(wholeText),
+    /// Of one model where the part begins within a table, else of all.
+    CifScanner(const CifPart& part, const TakeModel& takeModel, const ReadOptions& options)
+        : text(part.text),
           take(takeModel),
-          milestones(options, wholeText.size()),
-          residues([this](const std::string& residue) { return types(residue); })
-    {}
+          milestones(options, part.text.size()),
+          residues([this](const std::string& residue) { return types(residue); }),
+          types(part.modified),
+          isOneModel(!part.tags.empty())
+    {
+        for (const std::string& tag : part.tags)
+            addTag(tag, part.lineOfTags);
+    }
 
     void beginBlock()
     {
@@ -362,6 +313,9 @@ public:
             throw Enough();
         types.forgetModified();
     }
+
+    void beginSaveFrame() { isInSaveFrame = true; }
+    void endSaveFrame() { isInSaveFrame = false; }
 
     void beginLoop()
     {
@@ -372,9 +326,8 @@ public:
 
     void addTag(std::string_view tag, std::size_t line)
     {
-        columns.push_back(columnOf(tag));
-        const bool isAtoms = columns.back() >= 0 && columns.back() < COMPONENT;
-        isOfAtoms = isOfAtoms || isAtoms;
+        columns.push_back(cifColumnOf(tag));
+        isOfAtoms = isOfAtoms || isOfAtom(columns.back());
         beginLine = line;
     }
 
@@ -382,15 +335,15 @@ public:
     {
         if (next == 0)
             beginRow(std::size_t(token.data() - text.data()));
-        if (columns[next] != NO_COLUMN)
-            row[std::size_t(columns[next])] = valueOf(token);
+        if (columns[next] != Column::NONE)
+            cell(columns[next]) = cifValueOf(token);
         if (++next < columns.size())
             return;
         next = 0;
         if (isOfAtoms)
             addAtom(line);
         else
-            types.addModified(row[COMPONENT], row[PARENT]);
+            types.addModified(cell(Column::COMPONENT), cell(Column::PARENT));
     }
 
     /// Takes the values that a text begins with, one after another, as long as they are plain and
@@ -416,9 +369,7 @@ public:
 
     void finishModel()
     {
-        if (residues.isEmpty())
-            return;
-        if (!take(residues.take()))
+        if (std::exchange(isInModel, false) && !take(residues.take()))
             throw Enough();
     }
 
@@ -432,63 +383,69 @@ private:
             checkColumns();
     }
 
-    bool has(Column wanted) const
-    {
-        return std::find(columns.begin(), columns.end(), int(wanted)) != columns.end();
-    }
+    std::string_view& cell(Column which) { return row[std::size_t(which)]; }
+    std::string_view cell(Column which) const { return row[std::size_t(which)]; }
 
     void checkColumns()
     {
-        const std::pair<bool, const char*> needed[] = {
-            {has(X), "Cartn_x"},
-            {has(Y), "Cartn_y"},
-            {has(Z), "Cartn_z"},
-            {has(ATOM) || has(LABEL_ATOM), "label_atom_id"},
-            {has(RESIDUE) || has(LABEL_RESIDUE), "label_comp_id"},
-        };
-        for (const auto& [isThere, name] : needed)
-            if (!isThere)
-                throw Fault(beginLine, std::string("found atoms without _atom_site.") + name +
-                                           ", expected a structure with it");
+        if (isInSaveFrame)
+            throw Fault(beginLine, "found atoms in a save frame, expected them in a data block");
+        if (const char* const missing = missingCifColumn(columns))
+            throw Fault(beginLine, std::string("found atoms without _atom_site.") + missing +
+                                       ", expected a structure with it");
         hasAtoms = areColumnsChecked = true;
     }
 
     /// The author's value where there is one.
     std::string_view either(Column author, Column label) const
     {
-        return row[author].empty() ? row[label] : row[author];
+        return cell(author).empty() ? cell(label) : cell(author);
     }
 
     double coordinate(Column which, std::size_t line) const
     {
         // The digits in brackets behind a number are its uncertainty.
-        const std::string_view field = row[which].substr(0, row[which].find('('));
+        const std::string_view field = cell(which).substr(0, cell(which).find('('));
         double number = 0;
         if (!isNumberOfCoordinate(field, number))
-            throw Fault(line, std::string("Cartn_") + "xyz"[which - X] + ": " +
+            throw Fault(line, std::string("Cartn_") + "xyz"[int(which) - int(Column::X)] + ": " +
                                   expectedCoordinate(field));
         return number;
     }
 
+    /// With its first atom.
+    void beginModel(std::size_t line)
+    {
+        const std::string_view ofRow = cell(Column::MODEL);
+        if (isInModel && ofRow != model) {
+            if (isOneModel)
+                throw Fault(line, "found an atom of model " + inQuotes(ofRow) + ", expected " +
+                                      inQuotes(model) + " as in the rows before");
+            finishModel();
+        }
+        isInModel = true;
+        model = ofRow;
+    }
+
     void addAtom(std::size_t line)
     {
-        if (row[MODEL] != model) {
-            finishModel();
-            model = row[MODEL];
-        }
+        beginModel(line);
         AtomRow atom;
-        atom.chain = either(CHAIN, LABEL_CHAIN);
-        atom.part = either(LABEL_CHAIN, CHAIN);
-        number = either(NUMBER, LABEL_NUMBER);
-        number += row[INSERTION];
+        atom.chain = either(Column::CHAIN, Column::LABEL_CHAIN);
+        atom.part = either(Column::LABEL_CHAIN, Column::CHAIN);
+        number = either(Column::NUMBER, Column::LABEL_NUMBER);
+        number += cell(Column::INSERTION);
         atom.number = number;
-        atom.residue = either(RESIDUE, LABEL_RESIDUE);
-        atom.atom = either(ATOM, LABEL_ATOM);
-        atom.conformer = row[CONFORMER].empty() ? '\0' : row[CONFORMER][0];
-        const bool hasOccupancy = parseNumber(row[OCCUPANCY], atom.occupancy) == std::errc() &&
-                                  atom.occupancy >= 0 && atom.occupancy < LARGEST_OCCUPANCY;
+        atom.residue = either(Column::RESIDUE, Column::LABEL_RESIDUE);
+        atom.atom = either(Column::ATOM, Column::LABEL_ATOM);
+        const std::string_view conformer = cell(Column::CONFORMER);
+        atom.conformer = conformer.empty() ? '\0' : conformer[0];
+        const bool hasOccupancy =
+            parseNumber(cell(Column::OCCUPANCY), atom.occupancy) == std::errc() &&
+            atom.occupancy >= 0 && atom.occupancy < LARGEST_OCCUPANCY;
         atom.occupancy = hasOccupancy ? atom.occupancy : 1;
-        atom.place = {coordinate(X, line), coordinate(Y, line), coordinate(Z, line)};
+        atom.place = {coordinate(Column::X, line), coordinate(Column::Y, line),
+                      coordinate(Column::Z, line)};
         residues.add(atom);
     }
 
@@ -497,13 +454,16 @@ private:
     Milestones milestones;
     ResidueCollector residues;
     ResidueTypes types;
-    std::vector<int> columns; ///< of the loop
-    std::size_t next = 0;     ///< column
+    std::vector<Column> columns; ///< of the loop
+    std::size_t next = 0;        ///< column
     bool isOfAtoms = false;
     bool areColumnsChecked = false;
+    bool isInSaveFrame = false;
     bool hasAtoms = false;
+    bool isInModel = false;
+    const bool isOneModel;
     std::size_t beginLine = 0;
-    std::array<std::string_view, COLUMNS> row;
+    std::array<std::string_view, std::size_t(Column::NONE)> row;
     std::string number;
     std::string_view model;
 };
@@ -526,6 +486,26 @@ struct CifAction<rules::datablockname>
     static void apply(const Input&, CifScanner& scanner)
     {
         scanner.beginBlock();
+    }
+};
+
+template <>
+struct CifAction<rules::framename>
+{
+    template <typename Input>
+    static void apply(const Input&, CifScanner& scanner)
+    {
+        scanner.beginSaveFrame();
+    }
+};
+
+template <>
+struct CifAction<rules::endframe>
+{
+    template <typename Input>
+    static void apply(const Input&, CifScanner& scanner)
+    {
+        scanner.endSaveFrame();
     }
 };
 
@@ -591,11 +571,24 @@ struct CifControl<rules::loop_value> : gemmi::cif::Errors<rules::loop_value>
     }
 };
 
+/// What a text is from a value of a table on: gemmi's rules for the rest of the table, of the data
+/// block, and of the file.
+using RestOfTable =
+    pegtl::seq<pegtl::star<pegtl::seq<rules::loop_value, rules::ws_or_eof, pegtl::discard>>,
+               rules::loop_end>;
+using RestOfBlock = pegtl::star<pegtl::sor<rules::dataitem, rules::loop, rules::frame>>;
+using RestOfFile =
+    pegtl::seq<RestOfTable, RestOfBlock, pegtl::star<rules::datablock>, pegtl::must<pegtl::eof>>;
+
 /// Parses the text; what is wrong with it is thrown.
-void parse(std::string_view text, CifScanner& scanner)
+void parse(const CifPart& part, CifScanner& scanner)
 {
-    pegtl::memory_input<> in(text.data(), text.size(), "");
-    if (!pegtl::parse<rules::file, CifAction, CifControl>(in, scanner))
+    const char* const begin = part.text.data();
+    pegtl::memory_input<> in(begin, begin + part.text.size(), "", 0, part.line, part.column);
+    const bool isWhole = part.tags.empty();
+    const bool isParsed = isWhole ? pegtl::parse<rules::file, CifAction, CifControl>(in, scanner)
+                                  : pegtl::parse<RestOfFile, CifAction, CifControl>(in, scanner);
+    if (!isParsed)
         throw Fault(1, "found an empty text, expected a data block");
     scanner.finishModel();
 }
@@ -650,9 +643,15 @@ bool readPdbPart(const PdbPart& part, const std::string& fileName, const ReadOpt
 bool readMmcif(std::string_view text, const std::string& fileName, const ReadOptions& options,
                const TakeModel& take, ReadReport& report)
 {
-    CifScanner scanner(text, take, options);
+    return readMmcifPart({text}, fileName, options, take, report);
+}
+
+bool readMmcifPart(const CifPart& part, const std::string& fileName, const ReadOptions& options,
+                   const TakeModel& take, ReadReport& report)
+{
+    CifScanner scanner(part, take, options);
     try {
-        parse(text, scanner);
+        parse(part, scanner);
     } catch (const Enough&) {
     } catch (const Fault& fault) {
         const std::string line = fault.line > 0 ? ":" + std::to_string(fault.line) : "";

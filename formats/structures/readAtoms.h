@@ -6,6 +6,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <strandview/formats/ReadReport.h>
 #include <strandview/formats/structures/ResidueCollector.h>
@@ -36,10 +37,25 @@ STRANDVIEW_FORMATS_EXPORT bool readPdbPart(const PdbPart& part, const std::strin
                                            const ReadOptions& options, const TakeModel& take,
                                            ReadReport& report);
 
-/// mmCIF, of which the first data block that has atoms is read.
+/// mmCIF, of which the first data block that has atoms is read. A model ends where an atom of
+/// another one follows.
 STRANDVIEW_FORMATS_EXPORT bool readMmcif(std::string_view text, const std::string& fileName,
                                          const ReadOptions& options, const TakeModel& take,
                                          ReadReport& report);
+
+/// The atoms of one model of mmCIF, from the first value of its first row on: what stands there in
+/// its file, and what those values are by the text before.
+struct CifPart
+{
+    std::string_view text;
+    std::size_t line = 1, column = 1; ///< in bytes
+    std::vector<std::string> tags = {};
+    std::size_t lineOfTags = 1; ///< of the last one
+    ModifiedResidues modified = {};
+};
+STRANDVIEW_FORMATS_EXPORT bool readMmcifPart(const CifPart& part, const std::string& fileName,
+                                             const ReadOptions& options, const TakeModel& take,
+                                             ReadReport& report);
 
 /// By its name alone, in files of the wwPDB and of programs for molecular dynamics.
 STRANDVIEW_FORMATS_EXPORT ResidueType typeOfResidue(const std::string& name);

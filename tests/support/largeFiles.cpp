@@ -169,6 +169,33 @@ void addAtoms(const Add& add)
         }
 }
 
+/// Two chains of 1000 nucleotides, as often as it is asked for: add(model, ...) with the same as of
+/// addAtoms(), until it is false behind a model.
+template <typename Add, typename IsEnough>
+void addModels(const Add& add, const IsEnough& isEnough)
+{
+    for (std::size_t model = 1; model == 1 || !isEnough(); ++model)
+        addAtoms([&](std::string_view atom, std::string_view base, char chain, std::size_t residue,
+                     const Numbers& place) {
+            if (chain == 'C')
+                return false;
+            add(model, atom, base, chain, residue, place);
+            return true;
+        });
+}
+
+void writePdbAtom(Text& text, std::size_t serial, std::string_view atom, std::string_view base,
+                  char chain, std::size_t residue, const Numbers& place)
+{
+    text << "ATOM  ";
+    text.number(double(serial % 100000), 0, 5) << "  " << atom << std::string(4 - atom.size(), ' ')
+                                               << " " << base << " " << std::string_view(&chain, 1);
+    text.number(double(residue), 0, 4) << "    ";
+    for (const double number : place)
+        text.number(number, 3, 8);
+    text << "  1.00 20.00           " << atom.substr(0, 1) << "  \n";
+}
+
 void writePdb(const std::string& folder, std::size_t bytes)
 {
     Text text(pathIn(folder, "duplexes.pdb"));
@@ -176,22 +203,32 @@ void writePdb(const std::string& folder, std::size_t bytes)
     std::size_t serial = 0;
     addAtoms([&](std::string_view atom, std::string_view base, char chain, std::size_t residue,
                  const Numbers& place) {
-        text << "ATOM  ";
-        text.number(double(++serial % 100000), 0, 5)
-            << "  " << atom << std::string(4 - atom.size(), ' ') << " " << base << " "
-            << std::string_view(&chain, 1);
-        text.number(double(residue), 0, 4) << "    ";
-        for (const double number : place)
-            text.number(number, 3, 8);
-        text << "  1.00 20.00           " << atom.substr(0, 1) << "  \n";
+        writePdbAtom(text, ++serial, atom, base, chain, residue, place);
         return text.size() < bytes;
     });
     text << "END\n";
 }
 
-void writeMmcif(const std::string& folder, std::size_t bytes)
+void writePdbModels(const std::string& folder, std::size_t bytes)
 {
-    Text text(pathIn(folder, "duplexes.cif"));
+    Text text(pathIn(folder, "models.pdb"));
+    std::size_t serial = 0, last = 0;
+    addModels(
+        [&](std::size_t model, std::string_view atom, std::string_view base, char chain,
+            std::size_t residue, const Numbers& place) {
+            if (model != last)
+                (text << (last > 0 ? "ENDMDL\nMODEL " : "MODEL ")).number(double(model), 0, 8)
+                    << "\n";
+            serial = model == last ? serial + 1 : 1;
+            last = model;
+            writePdbAtom(text, serial, atom, base, chain, residue, place);
+        },
+        [&] { return text.size() >= bytes; });
+    text << "ENDMDL\nEND\n";
+}
+
+void writeMmcifTags(Text& text)
+{
     text << "data_DNA\nloop_\n";
     for (const char* tag : {"group_PDB",         "id",
                             "type_symbol",       "label_atom_id",
@@ -205,18 +242,44 @@ void writeMmcif(const std::string& folder, std::size_t bytes)
                             "auth_asym_id",      "auth_atom_id",
                             "pdbx_PDB_model_num"})
         text << "_atom_site." << tag << " \n";
+}
+
+void writeMmcifAtom(Text& text, std::size_t model, std::size_t serial, std::string_view atom,
+                    std::string_view base, char chain, std::size_t residue, const Numbers& place)
+{
+    const std::string name =
+        atom.back() == '\'' ? "\"" + std::string(atom) + "\"" : std::string(atom);
+    const std::string_view strand(&chain, 1);
+    text << "ATOM " << serial << " " << atom.substr(0, 1) << " " << name << " . " << base << " "
+         << strand << " 1 " << residue << " ? ";
+    text.numbers(place, 3, " ") << " 1.00 20.00 ? " << residue << " " << base << " " << strand
+                                << " " << name << " " << model << " \n";
+}
+
+void writeMmcif(const std::string& folder, std::size_t bytes)
+{
+    Text text(pathIn(folder, "duplexes.cif"));
+    writeMmcifTags(text);
     std::size_t serial = 0;
     addAtoms([&](std::string_view atom, std::string_view base, char chain, std::size_t residue,
                  const Numbers& place) {
-        const std::string name =
-            atom.back() == '\'' ? "\"" + std::string(atom) + "\"" : std::string(atom);
-        const std::string_view strand(&chain, 1);
-        text << "ATOM " << ++serial << " " << atom.substr(0, 1) << " " << name << " . " << base
-             << " " << strand << " 1 " << residue << " ? ";
-        text.numbers(place, 3, " ") << " 1.00 20.00 ? " << residue << " " << base << " " << strand
-                                    << " " << name << " 1 \n";
+        writeMmcifAtom(text, 1, ++serial, atom, base, chain, residue, place);
         return text.size() < bytes;
     });
+    text << "# \n";
+}
+
+void writeMmcifModels(const std::string& folder, std::size_t bytes)
+{
+    Text text(pathIn(folder, "models.cif"));
+    writeMmcifTags(text);
+    std::size_t serial = 0;
+    addModels(
+        [&](std::size_t model, std::string_view atom, std::string_view base, char chain,
+            std::size_t residue, const Numbers& place) {
+            writeMmcifAtom(text, model, ++serial, atom, base, chain, residue, place);
+        },
+        [&] { return text.size() >= bytes; });
     text << "# \n";
 }
 
@@ -476,7 +539,9 @@ const std::vector<LargeFile>& largeFiles()
         {"A table of points and frames", "frames.txt", Kind::TEXT, writeTable},
         {"JSON", "rod.json", Kind::TEXT, writeJson},
         {"PDB", "duplexes.pdb", Kind::TEXT, writePdb},
+        {"PDB, models of 1000 pairs", "models.pdb", Kind::SERIES, writePdbModels},
         {"mmCIF", "duplexes.cif", Kind::TEXT, writeMmcif},
+        {"mmCIF, models of 1000 pairs", "models.cif", Kind::SERIES, writeMmcifModels},
         {"Step parameters", "steps.par", Kind::TEXT, writeSteps},
         {"Pair frames with names", "pairs.dat", Kind::TEXT, writeNamedPairs},
         {"Pair frames in brackets", "pairs.bplist", Kind::TEXT, writeBracketPairs},

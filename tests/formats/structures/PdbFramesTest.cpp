@@ -142,6 +142,24 @@ TEST(PdbFrames, ALastModelWithoutItsEndIsLeftOutAndAnOnlyOneRefused)
                 HasSubstr(": found the end of the file within a model, expected ENDMDL or END"));
 }
 
+TEST(PdbFrames, LinesMayEndWithReturnsFromAnyPlaceOn)
+{
+    const int count = 300; // some megabytes
+    const std::string text = modelsOf("ACGTACGT", count);
+    for (const std::size_t from : {std::size_t(0), text.find('\n', text.size() / 2)}) {
+        const std::string old = text.substr(0, from) + replaced(text.substr(from), "\n", "\r");
+        const Opened opened = open(old);
+        ASSERT_TRUE(opened.series) << opened.report.error;
+        EXPECT_EQ(opened.series->count(), std::size_t(count));
+        EXPECT_NEAR(placeOf(opened.series->load(count - 1)), count, 0.01);
+        const Opened cut = open(before(old, "ENDMDL", count - 1));
+        ASSERT_TRUE(cut.series) << cut.report.error;
+        EXPECT_EQ(cut.series->count(), std::size_t(count - 1));
+    }
+    EXPECT_THAT(open(replaced(before(text, "ENDMDL"), "\n", "\r")).report.error,
+                HasSubstr(": found the end of the file within a model, expected ENDMDL or END"));
+}
+
 TEST(PdbFrames, AnOnlyModelNeedsNoEnd)
 {
     const std::string text = modelsOf("ACG", 1);

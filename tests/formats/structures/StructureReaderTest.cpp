@@ -168,7 +168,7 @@ TEST(StructureReader, AModelOfOtherNucleotidesHasItsOwnPairsAndIsTold)
     const auto dropBase = [](TestAtom& atom) { atom.name = "C1'"; };
     EXPECT_THAT(pairsOfModels(dropBase, false, notices), ElementsAre(4, 3));
     EXPECT_THAT(notices, testing::Contains(HasSubstr(
-                             "two.pdb: found other nucleotides than in the first frame")));
+                             "two.pdb: frame 1: found other nucleotides than in the first frame")));
 }
 
 TEST(StructureReader, AModelWithoutDnaIsAnEmptyFrame)
