@@ -207,8 +207,9 @@ TEST_F(StrandviewTest, AnEdgeThatShrinksToAPointIsNoFaultOfAHiddenRibbon)
     const std::string rod = write("rod.txt", "1 0 0 0.5 -0.5 -0.5 -0.5\n"
                                              "0 1 0 0.7071067811865476 0 -0.7071067811865476 0\n"
                                              "-1 0 0 0.5 0.5 -0.5 0.5\n");
-    const ProgramRun result = run({"--render", path("out.png"), "--size", "60x60", "--ribbon-width",
-                                   "1", "--no-ribbon", "--colour-by", "arclength", rod});
+    const ProgramRun result =
+        run({"--render", path("out.png"), "--size", "60x60", "--ribbon-width", "1", "--no-ribbon",
+             "--colour-by", "arclength", "--colours", "blue,cyan,yellow,red", rod});
     EXPECT_EQ(result.status, 0) << result.error;
     // The tube has its colours, from blue to red.
     const QImage image = picture("out.png");
