@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -159,13 +160,20 @@ bool nameStrands(const std::vector<std::string_view>& fields)
     });
 }
 
-/// The first field below the line that the scanner is in, and below comments.
-std::string_view firstFieldBelow(FieldScanner scanner)
+/// A base of any alphabet, or none.
+bool isLetter(std::string_view field)
+{
+    return field.empty() ||
+           (field.size() == 1 && std::isalpha(static_cast<unsigned char>(field[0])));
+}
+
+/// The fields below the line that the scanner is in, and below comments.
+std::vector<std::string_view> fieldsBelow(FieldScanner scanner)
 {
     do
         scanner.nextLine();
     while (!scanner.isAtEnd() && (scanner.isLineBlank() || scanner.isLineComment()));
-    return scanner.nextField().value_or("");
+    return remainingFields(scanner);
 }
 
 /// The fields of the line the scanner is in if it is a header: where commas, semicolons
@@ -195,6 +203,7 @@ struct Columns
     Names names;
     std::vector<std::size_t> geometry; ///< the column of each of knownNames(), or NO_COLUMN
     std::vector<std::size_t> others;   ///< the scalars; of DNA the base
+    std::size_t letters = NO_COLUMN;   ///< the base, which is no number
     enum Rotation { NONE, QUATERNION, DIRECTORS };
     std::vector<Rotation> rotations; ///< what tells that of each frame
 
@@ -299,6 +308,9 @@ private:
                 return {};
         if (!finishBlock())
             return {};
+        if (singlePairs > 0)
+            report.notices.push_back(fileName + ": " + counted(singlePairs, "row") +
+                                     " of a base alone left out: a rod has two points");
         return collector.finish(fileName, "rod or DNA", report);
     }
 
@@ -435,7 +447,25 @@ private:
                             " again, expected each name once");
         }
         setColumns(std::move(names));
+        if (!columns.areOfDna)
+            leaveOutLetters();
         return columns.areOfDna ? checkDnaHeader() : checkRodHeader();
+    }
+
+    /// A rod's column named base that begins with a letter, or with nothing, holds no numbers.
+    void leaveOutLetters()
+    {
+        const auto isBases = [this](std::size_t column) {
+            return inSmallLetters(columns.names[column]) == "base";
+        };
+        const auto named = std::find_if(columns.others.begin(), columns.others.end(), isBases);
+        if (named == columns.others.end())
+            return;
+        const std::vector<std::string_view> below = fieldsBelow(scanner);
+        if (*named >= below.size() || !isLetter(below[*named]))
+            return;
+        columns.letters = *named;
+        columns.others.erase(named);
     }
 
     /// That names a base first, and then a strand's place, or stands above a letter. A rod
@@ -444,8 +474,8 @@ private:
     {
         if (inSmallLetters(fields[0]) != "base")
             return false;
-        const std::string_view below = firstFieldBelow(scanner);
-        return nameStrands(fields) || (!below.empty() && !isNumber(below));
+        const std::vector<std::string_view> below = fieldsBelow(scanner);
+        return nameStrands(fields) || (!below.empty() && !below[0].empty() && !isNumber(below[0]));
     }
 
     bool checkRodHeader()
@@ -522,6 +552,7 @@ private:
     {
         columns.line = scanner.getLine();
         columns.names = std::move(names);
+        columns.letters = columns.areOfDna ? 0 : NO_COLUMN;
         columns.geometry.assign(columns.knownNames().size(), NO_COLUMN);
         for (std::size_t c = 0; c < columns.names.size(); ++c) {
             const std::size_t index = indexOfName(columns.names[c], columns.knownNames());
@@ -580,12 +611,17 @@ private:
         return addRow();
     }
 
-    bool takesNumbers(std::size_t column) const { return column > 0 || !columns.areOfDna; }
+    bool takesNumbers(std::size_t column) const
+    {
+        return column != columns.letters && (absent.empty() || !isAbsent(column));
+    }
 
     bool readField(std::string_view field, std::size_t column)
     {
-        if (!takesNumbers(column))
-            return readBase(field);
+        if (column == columns.letters)
+            return columns.areOfDna ? readBase(field) : readLetter(field);
+        if (!absent.empty() && isAbsent(column))
+            return field.empty() || failAbsent(column);
         if (wide && !wide->isUsed(column))
             return true;
         const std::errc status = parseNumber(field, row[column]);
@@ -612,12 +648,20 @@ private:
         return true;
     }
 
+    /// It is left out.
+    bool readLetter(std::string_view field)
+    {
+        hasLetters = hasLetters || !field.empty();
+        return isLetter(field) || fail(nameText(columns.letters) + ": " + foundField(field) +
+                                       ", expected a letter, or nothing");
+    }
+
     bool addRow()
     {
         if (wide)
             return addWideRow();
-        if (!isInBlock())
-            openBlock();
+        if (!isInBlock() && !(openBlock(), takeAbsent()))
+            return false;
         if (columns.areOfDna) {
             dna.bases += base;
             const std::size_t first = columns.haveBases() ? 1 : 0, second = 2 * first;
@@ -632,7 +676,7 @@ private:
         algebra3d::reserveNext(rod.lines);
         rod.lines.push_back(scanner.getLine());
         for (std::size_t i = 0; i < columns.others.size(); ++i)
-            if (!isMissing(columns.others[i]))
+            if (!isMissing(columns.others[i]) && !isAbsent(columns.others[i]))
                 rod.scalars[i].values.push_back(row[columns.others[i]]);
         return addFrame(0, rod.points, rod.rotations);
     }
@@ -669,7 +713,7 @@ private:
                 return failCoordinate(at[i]);
         algebra3d::reserveNext(points);
         points.emplace_back(row[at[0]], row[at[1]], row[at[2]]);
-        if (isRotationMissing())
+        if (areFramesAbsent || isRotationMissing())
             return true;
         if (columns.rotations[frame] != Columns::QUATERNION)
             return columns.rotations[frame] == Columns::NONE ||
@@ -736,6 +780,40 @@ private:
         return ofRotation == 0 ||
                ofRotation == columns.geometry.size() - std::size_t(without) - FIRST_OF_QUATERNION;
     }
+    /// What is empty in the first row of a rod is absent: it has none, in any row.
+    bool takeAbsent()
+    {
+        if (missing.empty()) // most often
+            return true;
+        for (const MissingField& field : missing)
+            if (field.text.empty())
+                absent.push_back(field.column);
+        missing.erase(std::remove_if(missing.begin(), missing.end(),
+                                     [](const auto& field) { return field.text.empty(); }),
+                      missing.end());
+        const auto ofFrames =
+            std::find_if(absent.begin(), absent.end(),
+                         [this](std::size_t column) { return columns.isOfGeometry(column); });
+        areFramesAbsent = ofFrames != absent.end();
+        return !areFramesAbsent || areAllOfFramesAbsent() || failAbsent(*ofFrames);
+    }
+    /// They are in the order of their columns.
+    bool isAbsent(std::size_t column) const
+    {
+        return std::binary_search(absent.begin(), absent.end(), column);
+    }
+    bool areAllOfFramesAbsent() const
+    {
+        return std::all_of(
+            columns.geometry.begin() + FIRST_OF_QUATERNION, columns.geometry.end(),
+            [this](std::size_t column) { return column == NO_COLUMN || isAbsent(column); });
+    }
+    bool failAbsent(std::size_t column)
+    {
+        return failInLine(firstLine, nameText(column) + ": " + foundField("") + ", expected " +
+                                         EXPECTED_NUMBER + ", or nothing in all rows of the rod");
+    }
+
     bool failMissing()
     {
         const MissingField& first = missing.front();
@@ -766,9 +844,27 @@ private:
         if (!isInBlock())
             return true;
         missing.clear();
+        leaveOutAbsent();
+        if (std::exchange(hasLetters, false) && rod.points.size() == 1) {
+            rod = Rod();
+            ++singlePairs;
+            return true;
+        }
         const std::string fault = columns.areOfDna ? collector.add(std::exchange(dna, Dna()))
                                                    : collector.add(std::exchange(rod, Rod()));
         return fault.empty() || failInLine(firstLine, fault);
+    }
+
+    void leaveOutAbsent()
+    {
+        if (absent.empty())
+            return;
+        std::vector<Scalar>& all = rod.scalars;
+        all.erase(std::remove_if(all.begin(), all.end(),
+                                 [](const Scalar& scalar) { return scalar.values.empty(); }),
+                  all.end());
+        absent.clear();
+        areFramesAbsent = false;
     }
 
     std::string columnText(std::size_t column) const
@@ -808,6 +904,10 @@ private:
     std::vector<double> row;           ///< the numbers of one row, by column
     std::vector<MissingField> missing; ///< of the last row that was read
     std::size_t missingLine = 0;
+    std::vector<std::size_t> absent; ///< columns that are empty in this rod
+    bool areFramesAbsent = false;    ///< those of frames
+    bool hasLetters = false;         ///< this rod, which is a line of bases
+    std::size_t singlePairs = 0;
     char base = 0; ///< of the row
     Rod rod;       ///< being read, or
     Dna dna;       ///< this; without points between blocks

@@ -125,6 +125,43 @@ TEST(TableReader, AHeaderWithoutQuaternionsLeavesTheFramesToTheReader)
                             "ribbon where one is asked for (--ribbon)"));
 }
 
+TEST(TableReader, AColumnOfBasesAmongThoseOfARodIsLeftOut)
+{
+    const Rod rod = rodOf("x,y,z,base,s\n0,0,0,A,1\n0,0,1,,2\n0,0,2,n,3\n");
+    ASSERT_EQ(rod.scalars.size(), 1U);
+    EXPECT_THAT(rod.scalars[0].values, ElementsAre(1, 2, 3));
+    EXPECT_EQ(rodOf("x,y,z,Base\n0,0,0,1\n0,0,1,2\n").scalars.size(), 1U) << "one of numbers";
+}
+
+TEST(TableReader, ARowOfBasesThatIsAloneIsNoRodAndLeftOutWithANotice)
+{
+    const Reading reading =
+        readText("x y z base\n0 0 0 A\n\n0 0 0 C\n0 0 1 G\n\n# strand 2\n0 0 0 T\n");
+    ASSERT_TRUE(reading.configuration) << reading.report.error;
+    EXPECT_EQ(reading.configuration->rods.size(), 1U);
+    EXPECT_THAT(
+        reading.report.notices,
+        testing::Contains("rod.txt: 2 rows of a base alone left out: a rod has two points"));
+}
+
+TEST(TableReader, AColumnThatIsEmptyInAllRowsOfARodIsNoneOfIts)
+{
+    const Reading reading = readText("x,y,z,qx,qy,qz,qw,a,b\n"
+                                     "0,0,0,,,,,,5\n0,0,1,,,,,,6\n0,0,2,,,,,,\n\n"
+                                     "0,0,0,0,0,0,1,7,\n0,0,1,0,0,1,0,8,\n");
+    ASSERT_TRUE(reading.configuration) << reading.report.error;
+    const Rod &first = reading.configuration->rods.at(0),
+              &second = reading.configuration->rods.at(1);
+    EXPECT_FALSE(first.hasFrames);
+    EXPECT_TRUE(second.hasFrames);
+    ASSERT_EQ(first.scalars.size(), 1U);
+    EXPECT_EQ(first.scalars[0].name, "b");
+    EXPECT_THAT(first.scalars[0].values, ElementsAre(5, 5.5, 6)) << "of the elements";
+    ASSERT_EQ(second.scalars.size(), 1U);
+    EXPECT_EQ(second.scalars[0].name, "a");
+    EXPECT_THAT(second.scalars[0].values, ElementsAre(7, 8));
+}
+
 // ---- Directors
 
 namespace {
@@ -1393,6 +1430,7 @@ const std::string expectedDirectors =
     ", expected two or three of d1x d1y d1z, d2x d2y d2z, d3x d3y d3z";
 const std::string expectedOfElements =
     "expected a finite number; a rod's last row may lack what is of elements";
+const std::string expectedOfRod = "expected a finite number, or nothing in all rows of the rod";
 
 } // namespace
 
@@ -1518,6 +1556,15 @@ INSTANTIATE_TEST_SUITE_P(
                  "3: column 4 (qx): found an empty field, " + expectedOfElements},
         BadTable{"HalfAQuaternion", "x,y,z,qx,qy,qz,qw\n0,0,0,0,0,0,1\n0,0,1,0,0,,\n",
                  "3: column 6 (qz): found an empty field, " + expectedOfElements},
+        BadTable{"AScalarThatBeginsLater", "x,y,z,s\n0,0,0,\n0,0,1,4\n",
+                 "2: column 4 (s): found an empty field, " + expectedOfRod},
+        BadTable{"AQuaternionThatBeginsLater", "x,y,z,qx,qy,qz,qw\n0,0,0,,,,\n0,0,1,0,0,0,1\n",
+                 "2: column 4 (qx): found an empty field, " + expectedOfRod},
+        BadTable{"HalfAQuaternionFromTheFirstRowOn",
+                 "x,y,z,qx,qy,qz,qw\n0,0,0,0,0,,1\n0,0,1,0,0,,1\n",
+                 "2: column 6 (qz): found an empty field, " + expectedOfRod},
+        BadTable{"AWordAmongBases", "x,y,z,base\n0,0,0,A\n0,0,1,AT\n",
+                 "3: column 4 (base): found 'AT', expected a letter, or nothing"},
         BadTable{"AMissingScalarInTheMiddle", "x,y,z,s\n0,0,0,1\n0,0,1,\n0,0,2,5\n",
                  "3: column 4 (s): found an empty field, " + expectedOfElements},
         BadTable{"ALastRowCutShort", "0 0 0 0 0 0 1\n0 0 1 0 0 0 1\n0 0 2\n",
