@@ -83,6 +83,12 @@ Topology topologyOf(const Track& track)
     return found;
 }
 
+double edgePairsOf(const Track& track)
+{
+    const double edges = double(track.points.size());
+    return edges * edges / 2;
+}
+
 std::optional<double> ribbonTwistOf(const Track& track)
 {
     return hasRibbon(track) ? std::optional(turnsOf(ribbonOf(track))) : std::nullopt;

@@ -26,6 +26,10 @@ struct Topology
 /// gaussIntegral(). Fewer than two points have nothing. May be called from any thread.
 STRANDVIEW_ANALYSIS_EXPORT Topology topologyOf(const Track& track);
 
+/// How many pairs of edges topologyOf() of a line goes through, and writhe_density of scalars.h,
+/// too: what their time grows with. 5e8 take about two seconds.
+STRANDVIEW_ANALYSIS_EXPORT double edgePairsOf(const Track& track);
+
 /// Tw of that ribbon alone, in turns: nothing where topologyOf() has none. Takes little time.
 STRANDVIEW_ANALYSIS_EXPORT std::optional<double> ribbonTwistOf(const Track& track);
 

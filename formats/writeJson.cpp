@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <strandview/formats/writeJson.h>
 
-#include <algorithm>
-#include <array>
-#include <charconv>
 #include <cmath>
 #include <cstddef>
 #include <optional>
@@ -11,7 +8,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include <strandview/formats/Milestones.h>
+#include <strandview/formats/FrameLoader.h>
 
 namespace strandview {
 
@@ -20,28 +17,10 @@ namespace {
 using Points = std::vector<algebra3d::Vector3<double>>;
 using Rotations = std::vector<algebra3d::Quaternion<double>>;
 
-/// Collects a text and hands it on in pieces, until the sink takes no more.
-class JsonText
+class JsonText : public PieceText
 {
 public:
-    explicit JsonText(const TextSink& textSink) : sink(textSink) {}
-
-    void put(std::string_view text)
-    {
-        constexpr std::size_t enough = 64 * 1024;
-        pending += text;
-        if (pending.size() >= enough)
-            flush();
-    }
-
-    /// Whether all so far was taken.
-    bool flush()
-    {
-        taken = taken && (pending.empty() || sink(pending));
-        pending.clear();
-        return taken;
-    }
-    bool isTaken() const { return taken; }
+    using PieceText::PieceText;
 
     void putText(const std::string& text)
     {
@@ -53,21 +32,19 @@ public:
     /// number does.
     void putNumber(double number)
     {
-        std::array<char, 32> digits; // the longest double takes 24 characters
-        const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
         if (!std::isfinite(number))
             put("null");
         else if (number == 0)
             put(std::signbit(number) ? "-0.0" : "0");
         else
-            put({digits.data(), std::size_t(end - digits.data())});
+            putDigits(number);
     }
 
     template <typename Items, typename Put>
     void putList(const Items& items, std::string_view separator, Put putItem)
     {
         put("[");
-        for (std::size_t i = 0; i < items.size() && taken; ++i) {
+        for (std::size_t i = 0; i < items.size() && isTaken(); ++i) {
             put(i == 0 ? "" : separator);
             putItem(items[i]);
         }
@@ -84,11 +61,6 @@ public:
         }
         put("]");
     }
-
-private:
-    const TextSink& sink;
-    std::string pending;
-    bool taken = true;
 };
 
 /// An object that is being written, until this goes.
@@ -261,44 +233,6 @@ void put(Object& object, const Configuration& configuration)
     addList(object, "frames", configuration.frames);
     addList(object, "arrows", configuration.arrows);
     addList(object, "bases", configuration.loneBases);
-}
-
-/// Loads the frames of a series, and keeps what that has to tell.
-class FrameLoader
-{
-public:
-    FrameLoader(Series& loadedSeries, const Series::GoOn& shallGoOn, ReadReport& readReport)
-        : series(loadedSeries), goOn(shallGoOn), report(readReport)
-    {}
-
-    std::optional<Configuration> load(std::size_t frame)
-    {
-        const auto goOnInFrame = [&](double share) {
-            return !goOn || goOn((double(frame) + share) / double(series.count()));
-        };
-        LoadedFrame loaded = series.load(frame, goOnInFrame);
-        std::vector<std::string>& told = report.notices;
-        for (std::string& notice : loaded.notices)
-            if (std::find(told.begin(), told.end(), notice) == told.end())
-                told.push_back(std::move(notice));
-        if (loaded.configuration && goOnInFrame(1))
-            return std::move(loaded.configuration);
-        report.error = loaded.configuration ? READING_STOPPED : std::move(loaded.error);
-        return {};
-    }
-
-private:
-    Series& series;
-    const Series::GoOn& goOn;
-    ReadReport& report;
-};
-
-bool areTimesKnown(const Series& series)
-{
-    for (std::size_t frame = 0; frame < series.count(); ++frame)
-        if (!std::isfinite(series.time(frame).value_or(INFINITY)))
-            return false;
-    return true;
 }
 
 /// Whether every frame was loaded.

@@ -2,19 +2,13 @@
 #ifndef STRANDVIEW_FORMATS_WRITEJSON_H
 #define STRANDVIEW_FORMATS_WRITEJSON_H
 
-#include <functional>
-#include <string_view>
-
 #include <strandview/formats/ReadReport.h>
+#include <strandview/formats/TextSink.h>
 #include <strandview/formatsExport.h>
 #include <strandview/model/Configuration.h>
 #include <strandview/model/Series.h>
 
 namespace strandview {
-
-/// Takes the next piece of a text, 64 KiB or somewhat more; false if it cannot, which ends the
-/// text.
-using TextSink = std::function<bool(std::string_view piece)>;
 
 /// Writes what readJson() reads back, every double bit for bit: all that a configuration holds but
 /// the places of its data in the files that they came from (origin, lines, indices) and
