@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <csignal>
+#include <limits>
 #include <new>
 #include <optional>
 #include <string>
@@ -9,6 +10,7 @@
 
 #include "command/parseOptions.h"
 #include "info/Findings.h"
+#include "info/ScalarList.h"
 #include "output/OutputFile.h"
 #include "output/exportFiles.h"
 #include "pictures/PictureWriter.h"
@@ -90,8 +92,11 @@ int tellFindings(const Options& options)
         options.files, std::size_t(options.frame.value_or(0)), readOptionsOf(options, {}), report);
     if (!findings)
         return fail(BAD_INPUT, report.error);
-    const std::string untold = print(options.asJson ? toJson(*findings, options.dna.angstrom)
-                                                    : describe(*findings, options.dna.angstrom));
+    const auto tell = options.listScalars ? (options.asJson ? scalarsToJson : describeScalars)
+                                          : (options.asJson ? toJson : describe);
+    const double most =
+        options.allNumbers ? std::numeric_limits<double>::infinity() : MOST_EDGE_PAIRS;
+    const std::string untold = print(tell(*findings, options.dna.angstrom, most));
     return untold.empty() ? SUCCESS : fail(CANNOT_WRITE, untold);
 }
 
@@ -178,7 +183,7 @@ int run(int argc, char** argv)
         return parsed.exitStatus;
     const Options& options = *parsed.options;
 
-    if (options.info)
+    if (options.info || options.listScalars)
         return tellFindings(options);
     if (options.series.listFrames)
         return renderSeries(options);

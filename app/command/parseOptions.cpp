@@ -363,7 +363,16 @@ void addInfo(CLI::App& app, CLI::Option* render, Options& options)
             ->excludes(render)
             ->excludes(app.get_option("--screenshot-after"))
             ->excludes(app.get_option("--export"));
-    app.add_flag("--json", options.asJson, "Tell it as JSON, for scripts")->needs(info);
+    app.add_flag("--list-scalars", options.listScalars,
+                 "Tell the scalars that --colour-by and --export OUT.csv know: name, unit, range")
+        ->excludes(render)
+        ->excludes(info)
+        ->excludes(app.get_option("--screenshot-after"))
+        ->excludes(app.get_option("--export"));
+    app.add_flag("--json", options.asJson, "Tell it as JSON, for scripts");
+    app.add_flag(
+        "--all-numbers", options.allNumbers,
+        "Tell or export writhe and links of any number of points, too [what takes seconds]");
 }
 
 // What is read and written.
@@ -382,10 +391,11 @@ void addFiles(CLI::App& app, Options& options)
     app.add_flag("--transparent", options.transparent, "Leave the picture's background out")
         ->needs(render);
     addWindowPicture(app, render, options);
-    app.add_option("--export", options.exportFile,
-                   "Write the data instead: all frames of a file, or that of --frame; - is "
-                   "standard output")
-        ->type_name("OUT.json")
+    app.add_option(
+           "--export", options.exportFile,
+           "Write the data instead, as JSON or, with all scalars, as a table .csv: all frames "
+           "of a file, or that of --frame; - is standard output, JSON")
+        ->type_name("OUT")
         ->excludes(render);
     app.add_flag("--normalise", options.normalise,
                  "Accept quaternions and directors that are not unit and normalise them");
@@ -423,6 +433,7 @@ void addSeries(CLI::App& app, Options& options)
     app.add_flag("--series", series.isOfFiles,
                  "Each file is a frame, in the order of their numbers; a folder is its files")
         ->excludes(app.get_option("--info"))
+        ->excludes(app.get_option("--list-scalars"))
         ->group(group);
     addParsed(app, "--shard", series.shard, &parseShard, "i/n with 0 <= i < n",
               "Render only every n-th of the frames, from the i-th on, counted from 0")
@@ -468,6 +479,7 @@ void addSeries(CLI::App& app, Options& options)
         ->excludes(render)
         ->excludes(app.get_option("--export"))
         ->excludes(app.get_option("--info"))
+        ->excludes(app.get_option("--list-scalars"))
         ->excludes(app.get_option("--series"))
         ->group(group);
     addCount(app, "--cache", series.cacheMegabytes, 1, 1'000'000,
@@ -477,6 +489,7 @@ void addSeries(CLI::App& app, Options& options)
     app.add_flag("--list-frames", series.listFrames,
                  "Print what would be rendered: number, time and name of each frame")
         ->excludes(app.get_option("--info"))
+        ->excludes(app.get_option("--list-scalars"))
         ->excludes(app.get_option("--export"))
         ->excludes(app.get_option("--screenshot-after"))
         ->group(group);
@@ -557,6 +570,18 @@ void checkForSeries(const Options& options)
         if (std::count(options.given.begin(), options.given.end(), name) > 0)
             throw CLI::ValidationError(name,
                                        "found neither --render nor --list-frames, expected one");
+}
+
+// What says how something is told needs it.
+void checkForTold(const Options& options)
+{
+    const bool isTold = options.info || options.listScalars;
+    if (options.asJson && !isTold)
+        throw CLI::ValidationError("--json",
+                                   "found neither --info nor --list-scalars, expected one");
+    if (options.allNumbers && !isTold && !options.exportFile)
+        throw CLI::ValidationError(
+            "--all-numbers", "found none of --info, --list-scalars and --export, expected one");
 }
 
 // Every name with its two dashes.
@@ -648,11 +673,12 @@ ParsedOptions parseOptions(int argc, const char* const* argv)
         parseArguments(app, inOwnSpelling(argc, argv));
         options.given = givenOptions(app);
         options.look = lookOf(app);
-        const bool needsFile =
-            options.picture || options.info || options.exportFile || options.series.listFrames;
+        const bool needsFile = options.picture || options.info || options.listScalars ||
+                               options.exportFile || options.series.listFrames;
         if (options.frame && options.series.frames && !options.series.turn)
             throw CLI::ExcludesError("--frames", "--frame");
         checkForSeries(options);
+        checkForTold(options);
         if (needsFile && options.files.empty())
             throw CLI::RequiredError("FILE");
         if (std::count(options.files.begin(), options.files.end(), "-") > 1)

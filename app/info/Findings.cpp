@@ -2,6 +2,7 @@
 #include "info/Findings.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <memory>
 #include <utility>
@@ -14,6 +15,8 @@
 #include <strandview/formats/groupFiles.h>
 #include <strandview/formats/openSeries.h>
 #include <strandview/formats/text/wording.h>
+
+#include "info/LineNumbers.h"
 
 namespace strandview {
 
@@ -68,6 +71,62 @@ std::string titled(const char* kind, std::size_t index, const std::string& name)
     return text + ": ";
 }
 
+// Of closed lines, else of open ones; Tw alone where the others are left out.
+std::string inWords(const Topology& topology)
+{
+    std::string text;
+    const auto add = [&text](const std::string& name, const std::optional<double>& turns) {
+        const double rounding = 1e-9;
+        if (turns)
+            text += (text.empty() ? "" : ", ") + name + " " +
+                    shortNumber(std::abs(*turns) < rounding ? 0 : *turns) + " turns";
+    };
+    add("Tw", topology.twist);
+    add("Wr", topology.writhe);
+    add("Gauss integral", topology.gaussIntegral);
+    if (topology.linkingNumber)
+        text += ", Lk " + std::to_string(*topology.linkingNumber);
+    return text.empty() ? "" : "\n    " + text;
+}
+
+std::string inWords(const LineNumbers& numbers, double unit, const std::string& unitName)
+{
+    std::string text =
+        "\n    radius of gyration " + shortNumber(numbers.radiusOfGyration / unit) + unitName;
+    if (numbers.contact)
+        text += ", contact " + shortNumber(*numbers.contact / unit) + unitName;
+    return text + inWords(numbers.topology);
+}
+
+// Of rods counted from 1, as they are titled; those alone that are linked, or meet.
+std::string inWords(const std::vector<Link>& links)
+{
+    const std::size_t most = 20;
+    std::size_t told = 0;
+    std::string text;
+    for (const Link& link : links) {
+        if (link.number == 0 || ++told > most)
+            continue;
+        text += "rods " + std::to_string(link.first + 1) + " and " +
+                std::to_string(link.second + 1) +
+                (link.number ? " are linked, Lk " + std::to_string(*link.number) : " meet") + "\n";
+    }
+    if (told > most)
+        text += "and " + std::to_string(told - most) + " more; --json has all\n";
+    return !links.empty() && text.empty() ? "no two closed rods are linked\n" : text;
+}
+
+const std::string SLOW_LEFT_OUT = "writhe, Gauss integrals and links are left out: of so many "
+                                  "points they take long; --all-numbers tells them all the same";
+
+std::vector<std::string> noticesOf(const Findings& findings, const AllNumbers& numbers)
+{
+    std::vector<std::string> notices = findings.notices;
+    if (numbers.areSlowLeftOut)
+        notices.push_back(SLOW_LEFT_OUT);
+    return notices;
+}
+
 // "12 points, closed, length 7.5, end to end 2.5".
 std::string inWords(const CurveNumbers& numbers, bool isClosed)
 {
@@ -99,7 +158,8 @@ std::string describe(const Dna& dna, double angstrom)
         text += ", end to end " + shortNumber(numbers.endToEnd / angstrom) + " Å";
     if (numbers.meanTwist)
         text += "\n    twist " + shortNumber(*numbers.meanTwist) + "° a step, " +
-                shortNumber(*numbers.totalTwist) + "° in all, rise " +
+                shortNumber(*numbers.totalTwist) + "° or " +
+                shortNumber(*numbers.totalTwist / 360) + " turns in all, rise " +
                 shortNumber(*numbers.meanRise / angstrom) + " Å a step";
     if (dna.standard)
         text += "\n    bases fit within " + shortNumber(dna.standard->rms) + " Å rms";
@@ -121,6 +181,46 @@ Json orNull(const std::optional<Value>& value)
 }
 
 Json orNull(const std::string& name) { return name.empty() ? Json() : Json(name); }
+
+// Those of a whole line, behind others; lengths in a unit.
+Json with(const LineNumbers& numbers, Json json, double unit = 1)
+{
+    const Topology& topology = numbers.topology;
+    json["writhe"] = orNull(topology.writhe);
+    json["twist"] = orNull(topology.twist);
+    json["linkingNumber"] = orNull(topology.linkingNumber);
+    json["gaussIntegral"] = orNull(topology.gaussIntegral);
+    json["radiusOfGyration"] = numbers.radiusOfGyration / unit;
+    json["contact"] = orNull(scaled(numbers.contact, 1 / unit));
+    return json;
+}
+
+Json toJson(const std::vector<Link>& links)
+{
+    Json list = Json::array();
+    for (const Link& link : links)
+        list.push_back({link.first, link.second, orNull(link.number)});
+    return list;
+}
+
+// In the usual order.
+Json pairParametersOf(const Dna& dna, double angstrom)
+{
+    Json rows = Json::array();
+    for (const PairParameters& pair : pairsOf(dna))
+        rows.push_back({pair.shear / angstrom, pair.stretch / angstrom, pair.stagger / angstrom,
+                        pair.buckle, pair.propeller, pair.opening});
+    return rows;
+}
+
+Json stepParametersOf(const Dna& dna, double angstrom)
+{
+    Json rows = Json::array();
+    for (const StepParameters& step : stepsOf(dna))
+        rows.push_back({step.shift / angstrom, step.slide / angstrom, step.rise / angstrom,
+                        step.tilt, step.roll, step.twist});
+    return rows;
+}
 
 Json toJson(const Rod& rod)
 {
@@ -152,15 +252,26 @@ Json toJson(const Dna& dna, double angstrom)
             {"meanTwist", orNull(numbers.meanTwist)},
             {"totalTwist", orNull(numbers.totalTwist)},
             {"meanRise", orNull(scaled(numbers.meanRise, 1 / angstrom))},
-            {"fitRms", dna.standard ? Json(dna.standard->rms) : Json()}};
+            {"fitRms", dna.standard ? Json(dna.standard->rms) : Json()},
+            {"stepTwistTurns", orNull(scaled(numbers.totalTwist, 1.0 / 360))},
+            {"pairParameters", pairParametersOf(dna, angstrom)},
+            {"stepParameters", stepParametersOf(dna, angstrom)}};
 }
 
 template <typename Items, typename Tell>
-Json listOf(const Items& items, Tell tell)
+Json listOf(const Items& items, const std::vector<LineNumbers>& numbers, Tell tell, double unit = 1)
 {
     Json list = Json::array();
-    for (const auto& item : items)
-        list.push_back(tell(item));
+    for (std::size_t i = 0; i < items.size(); ++i)
+        list.push_back(with(numbers[i], tell(items[i]), unit));
+    return list;
+}
+
+Json filesOf(const Findings& findings)
+{
+    Json list = Json::array();
+    for (const Findings::File& file : findings.files)
+        list.push_back({{"file", file.name}, {"format", file.format}, {"frames", file.frames}});
     return list;
 }
 
@@ -205,9 +316,10 @@ std::optional<Findings> findIn(const std::vector<std::string>& files, std::size_
     return findings;
 }
 
-std::string describe(const Findings& findings, double angstrom)
+std::string describe(const Findings& findings, double angstrom, double mostEdgePairs)
 {
     const Configuration& data = findings.data;
+    const AllNumbers numbers = numbersOf(data, mostEdgePairs);
     std::string text;
     for (const Findings::File& file : findings.files)
         text += describe(file) + "\n";
@@ -216,12 +328,15 @@ std::string describe(const Findings& findings, double angstrom)
     if (hasFrames)
         text += "frame " + std::to_string(findings.frame) + ", counted from 0:\n";
     for (std::size_t i = 0; i < data.rods.size(); ++i)
-        text += titled("rod", i, data.rods[i].name) + describe(data.rods[i]) + "\n";
+        text += titled("rod", i, data.rods[i].name) + describe(data.rods[i]) +
+                inWords(numbers.rods[i], 1, "") + "\n";
     for (std::size_t i = 0; i < data.birods.size(); ++i)
-        text +=
-            titled("birod", i, "") + inWords(measure(data.birods[i].points, false), false) + "\n";
+        text += titled("birod", i, "") + inWords(measure(data.birods[i].points, false), false) +
+                inWords(numbers.birods[i], 1, "") + "\n";
     for (std::size_t i = 0; i < data.dnas.size(); ++i)
-        text += titled("DNA", i, data.dnas[i].name) + describe(data.dnas[i], angstrom) + "\n";
+        text += titled("DNA", i, data.dnas[i].name) + describe(data.dnas[i], angstrom) +
+                inWords(numbers.dnas[i], angstrom, " Å") + "\n";
+    text += inWords(numbers.links);
     if (!data.loneBases.empty())
         text += counted(data.loneBases.size(), "base") + " in no pair\n";
     const std::pair<const char*, std::size_t> glyphs[] = {{"marker", data.markers.size()},
@@ -230,26 +345,27 @@ std::string describe(const Findings& findings, double angstrom)
     for (const auto& [noun, count] : glyphs)
         if (count > 0)
             text += counted(count, noun) + "\n";
-    for (const std::string& notice : findings.notices)
+    for (const std::string& notice : noticesOf(findings, numbers))
         text += "note: " + notice + "\n";
     return text;
 }
 
-std::string toJson(const Findings& findings, double angstrom)
+std::string toJson(const Findings& findings, double angstrom, double mostEdgePairs)
 {
     const Configuration& data = findings.data;
+    const AllNumbers numbers = numbersOf(data, mostEdgePairs);
     const Json json = {
-        {"files",
-         listOf(findings.files,
-                [](const Findings::File& file) -> Json {
-                    return {{"file", file.name}, {"format", file.format}, {"frames", file.frames}};
-                })},
+        {"files", filesOf(findings)},
         {"frame", findings.frame},
-        {"rods", listOf(data.rods, [](const Rod& rod) { return toJson(rod); })},
-        {"birods", listOf(data.birods, [](const Birod& birod) { return toJson(birod); })},
-        {"dna", listOf(data.dnas, [&](const Dna& dna) { return toJson(dna, angstrom); })},
+        {"rods", listOf(data.rods, numbers.rods, [](const Rod& rod) { return toJson(rod); })},
+        {"birods",
+         listOf(data.birods, numbers.birods, [](const Birod& birod) { return toJson(birod); })},
+        {"dna", listOf(
+                    data.dnas, numbers.dnas, [&](const Dna& dna) { return toJson(dna, angstrom); },
+                    angstrom)},
+        {"links", numbers.areSlowLeftOut ? Json() : toJson(numbers.links)},
         {"unpairedBases", data.loneBases.size()},
-        {"notices", findings.notices}};
+        {"notices", noticesOf(findings, numbers)}};
     // A name need not be UTF-8: what is not is replaced.
     return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }

@@ -10,6 +10,8 @@
 #include <strandview/formats/ReadReport.h>
 #include <strandview/model/Configuration.h>
 
+#include "request/limits.h"
+
 namespace strandview {
 
 /// What was found in files.
@@ -33,11 +35,14 @@ std::optional<Findings> findIn(const std::vector<std::string>& files, std::size_
                                const ReadOptions& options, ReadReport& report);
 
 /// For people: a few lines for each thing. Lengths of DNA are in ångström, of which the unit of
-/// its points has `angstrom`; other lengths are in the file's unit.
-std::string describe(const Findings& findings, double angstrom);
+/// its points has `angstrom`; other lengths are in the file's unit. Writhe and links are left out,
+/// with a notice, where they would take more pairs of edges.
+std::string describe(const Findings& findings, double angstrom,
+                     double mostEdgePairs = MOST_EDGE_PAIRS);
 
 /// The same as one JSON object, for scripts, with all digits; the guide lists its keys.
-std::string toJson(const Findings& findings, double angstrom);
+std::string toJson(const Findings& findings, double angstrom,
+                   double mostEdgePairs = MOST_EDGE_PAIRS);
 
 } // namespace strandview
 

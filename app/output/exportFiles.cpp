@@ -10,9 +10,11 @@
 
 #include <strandview/formats/text/encoding.h>
 #include <strandview/formats/text/wording.h>
+#include <strandview/formats/writeCsv.h>
 #include <strandview/formats/writeJson.h>
 
 #include "output/OutputFile.h"
+#include "request/limits.h"
 #include "scene/Progress.h"
 #include "scene/readFiles.h"
 
@@ -24,6 +26,23 @@ namespace {
 const std::set<std::string> OF_DATA{"--export", "--frame", "--series",    "--normalise",
                                     "--closed", "--pairs", "--frame-rows"};
 
+// Where they say what is in a table.
+const std::set<std::string> OF_TABLES{"--dna-unit", "--all-numbers"};
+
+bool isTable(const std::string& name)
+{
+    return inSmallLetters(std::filesystem::path(name).extension().string()) == ".csv";
+}
+
+CsvOptions csvOptionsOf(const Options& options)
+{
+    CsvOptions asked;
+    asked.angstrom = options.dna.angstrom;
+    if (!options.allNumbers)
+        asked.mostEdgePairs = MOST_EDGE_PAIRS;
+    return asked;
+}
+
 bool writeAllFrames(const Options& options, const TextSink& sink, ReadReport& report,
                     Progress& progress)
 {
@@ -34,33 +53,43 @@ bool writeAllFrames(const Options& options, const TextSink& sink, ReadReport& re
     };
     const std::unique_ptr<Series> series =
         openFiles(options.files, options, report, progress).series;
-    return series && writeJson(*series, sink, say, report);
+    if (!series)
+        return false;
+    return isTable(*options.exportFile)
+               ? writeCsv(*series, sink, csvOptionsOf(options), say, report)
+               : writeJson(*series, sink, say, report);
 }
 
 bool writeOneFrame(const Options& options, const TextSink& sink, ReadReport& report,
                    Progress& progress)
 {
     const std::optional<Configuration> all = readFiles(options.files, options, report, progress);
-    return all && writeJson(*all, sink);
+    if (!all)
+        return false;
+    return isTable(*options.exportFile) ? writeCsv(*all, sink, csvOptionsOf(options), report)
+                                        : writeJson(*all, sink);
 }
 
 // What was given for a picture or a window.
 void tellIdleOptions(const Options& options, ReadReport& report)
 {
-    for (const std::string& option : options.given)
-        if (OF_DATA.count(option) == 0)
-            report.notices.push_back(option + " has no effect: --export writes the data alone");
+    const bool areInTable = isTable(*options.exportFile);
+    for (const std::string& option : options.given) {
+        if (OF_DATA.count(option) > 0 || (areInTable && OF_TABLES.count(option) > 0))
+            continue;
+        report.notices.push_back(option + " has no effect: --export writes the data alone");
+    }
 }
 
 } // namespace
 
 std::string checkExportName(const std::string& name)
 {
-    const std::filesystem::path path(name);
-    const bool isJson = inSmallLetters(path.extension().string()) == ".json";
-    return isJson || name == "-"
+    const std::string ending = inSmallLetters(std::filesystem::path(name).extension().string());
+    return ending == ".json" || ending == ".csv" || name == "-"
                ? ""
-               : "--export: found " + inQuotes(name) + ", expected a name that ends in .json";
+               : "--export: found " + inQuotes(name) +
+                     ", expected a name that ends in .json or .csv";
 }
 
 std::string exportFiles(const Options& options, ReadReport& report)

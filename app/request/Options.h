@@ -60,7 +60,11 @@ struct Options
 
     /// What was found is told on standard output, for people or as JSON; nothing is shown.
     bool info = false;
+    bool listScalars = false; ///< instead: those that colours, plots and tables offer
     bool asJson = false;
+    /// Also those numbers of it, or of a table to export, that take long: of more than
+    /// MOST_EDGE_PAIRS.
+    bool allNumbers = false;
 
     /// The data to write instead of showing them.
     std::optional<std::string> exportFile;

@@ -16,6 +16,10 @@ constexpr const char* TOO_LITTLE_MEMORY_FOR_DATA =
     "found too little memory for so many points, rows or pixels";
 constexpr const char* TOO_LITTLE_MEMORY_FOR_FRAME = "found too little memory for it";
 
+/// Of more pairs of edges than these, all lines of a file together, what grows with their number is
+/// not told unless it is asked for: about two seconds.
+constexpr double MOST_EDGE_PAIRS = 5e8;
+
 /// The largest magnitude of a limit of a range that can be given ticks.
 constexpr double LARGEST_LIMIT = 1e307;
 

@@ -59,14 +59,20 @@ TEST(Findings, OfARodAreItsLengthItsEndsAndItsScalars)
 {
     Rod rod = square();
     rod.scalars = {{"bend", {1, 2, 3, 4}}, {"κ", {1, 2, 3, 4}}};
-    EXPECT_EQ(asJson(rod), json::parse(R"({"name": null, "points": 4, "length": 6.0,
-        "endToEnd": 2.0, "closed": false, "frames": "given", "scalars": ["bend", "κ"]})"));
+    json found = asJson(rod);
+    EXPECT_NEAR(double(found["radiusOfGyration"]), std::sqrt(2), 1e-12);
+    found.erase("radiusOfGyration");
+    EXPECT_EQ(found, json::parse(R"({"name": null, "points": 4, "length": 6.0,
+        "endToEnd": 2.0, "closed": false, "frames": "given", "scalars": ["bend", "κ"],
+        "writhe": null, "twist": 0.0, "linkingNumber": null, "gaussIntegral": 0.0,
+        "contact": null})"));
     rod.name = "loop";
     rod.hasFrames = false;
     EXPECT_EQ(asJson(rod)["name"], "loop");
     EXPECT_EQ(asJson(rod)["frames"], "made");
     EXPECT_EQ(inWords({{rod}}), "rod 1 'loop': 4 points, length 6, end to end 2, without frames, "
-                                "scalars bend κ\n");
+                                "scalars bend κ\n    radius of gyration 1.41421\n"
+                                "    Gauss integral 0 turns\n");
 }
 
 TEST(Findings, CountTheFirstPointOfAClosedRodOnce)
@@ -96,7 +102,8 @@ TEST(Findings, OfADnaAreTheNumbersOfItsSteps)
     EXPECT_NEAR(double(found["totalTwist"]), 144, 1e-10);
     EXPECT_NEAR(double(found["meanRise"]), 3.4, 1e-12);
     EXPECT_EQ(found["fitRms"], nullptr);
-    EXPECT_THAT(inWords({{}, {}, {dna}}), HasSubstr("twist 36° a step, 144° in all, rise 3.4 Å"));
+    EXPECT_THAT(inWords({{}, {}, {dna}}),
+                HasSubstr("twist 36° a step, 144° or 0.4 turns in all, rise 3.4 Å"));
 }
 
 TEST(Findings, OfADnaAreThoseOfTheStandardFramesWhereThereAreSome)
@@ -132,11 +139,92 @@ TEST(Findings, AreNullWhereNothingIsKnown)
     EXPECT_EQ(asJson(dna)["sequence"], "NCN");
 }
 
+// The torus knot of three turns about the axis and two about the ring, with frames along z.
+Rod trefoil()
+{
+    Rod rod;
+    for (int i = 0; i <= 90; ++i) {
+        const double t = i == 90 ? 0 : 2 * M_PI * i / 90;
+        rod.points.push_back({std::sin(t) + 2 * std::sin(2 * t), std::cos(t) - 2 * std::cos(2 * t),
+                              -std::sin(3 * t)});
+        rod.rotations.push_back({0, 0, 0, 1});
+    }
+    rod.isClosed = true;
+    return rod;
+}
+
+TEST(Findings, OfAClosedLineAreWritheTwistAndTheirSumTheLinkingNumber)
+{
+    const json found = asJson(trefoil());
+    EXPECT_EQ(found["gaussIntegral"], nullptr);
+    EXPECT_GT(std::abs(double(found["writhe"])), 3);
+    EXPECT_NEAR(double(found["writhe"]) + double(found["twist"]), found["linkingNumber"], 1e-9);
+    EXPECT_GT(double(found["contact"]), 0);
+    EXPECT_THAT(inWords({{trefoil()}}), testing::ContainsRegex("\n    radius of gyration [0-9.]+, "
+                                                               "contact [0-9.]+\n"
+                                                               "    Tw [-0-9.]+ turns, Wr [-0-9.]+ "
+                                                               "turns, Lk -?[0-9]+\n"));
+}
+
+TEST(Findings, TellLinksOfClosedRodsFromZeroForScriptsAndFromOneForPeople)
+{
+    Rod first = square(), second = square();
+    first.points.push_back(first.points.front());
+    first.rotations.resize(5);
+    first.isClosed = true;
+    second.points = {{1, 1, -1}, {5, 1, -1}, {5, 1, 1}, {1, 1, 1}, {1, 1, -1}};
+    second.rotations.resize(5);
+    second.isClosed = true;
+    const Configuration data{{square(), first, second}};
+    const json links = asJson(data)["links"];
+    ASSERT_EQ(links.size(), 1u);
+    EXPECT_EQ(links[0][0], 1);
+    EXPECT_EQ(links[0][1], 2);
+    EXPECT_EQ(std::abs(int(links[0][2])), 1);
+    EXPECT_THAT(inWords(data), HasSubstr("\nrods 2 and 3 are linked, Lk "));
+    for (algebra3d::Vector3<double>& point : second.points)
+        point.z += 9;
+    EXPECT_THAT(inWords({{first, second}}), HasSubstr("\nno two closed rods are linked\n"));
+    EXPECT_EQ(asJson({{first, second}})["links"], json::parse("[[0, 1, 0]]"));
+}
+
+TEST(Findings, OfADnaAreTheParametersOfItsPairsAndStepsInAngstromAndDegrees)
+{
+    const json found = asJson(dnaOf("ACGTA", 0.34), 0.1);
+    ASSERT_EQ(found["pairParameters"].size(), 5u);
+    ASSERT_EQ(found["stepParameters"].size(), 4u);
+    EXPECT_EQ(found["pairParameters"][0].size(), 6u);
+    const std::vector<double> step = found["stepParameters"][3], expected{0, 0, 3.4, 0, 0, 36};
+    ASSERT_EQ(step.size(), 6u);
+    for (std::size_t i = 0; i < 6; ++i)
+        EXPECT_NEAR(step[i], expected[i], 1e-9) << i;
+    EXPECT_NEAR(double(found["stepTwistTurns"]), 0.4, 1e-12);
+    EXPECT_NEAR(double(found["radiusOfGyration"]), 3.4 * std::sqrt(2), 1e-9);
+    Dna sheared = dnaOf("AC");
+    sheared.points1[1].x += 0.5;
+    const json pair = asJson(sheared)["pairParameters"][1];
+    EXPECT_GT(std::hypot(double(pair[0]), double(pair[1])), 0.4) << "shear and stretch come first";
+}
+
+TEST(Findings, AboveTheBoundWhatIsSlowIsNullWithANotice)
+{
+    Findings findings;
+    findings.data = {{trefoil()}};
+    const json found = json::parse(toJson(findings, 1, 1000));
+    EXPECT_EQ(found["links"], nullptr);
+    for (const char* key : {"writhe", "linkingNumber", "gaussIntegral"})
+        EXPECT_EQ(found["rods"][0][key], nullptr) << key;
+    EXPECT_NE(found["rods"][0]["twist"], nullptr);
+    ASSERT_EQ(found["notices"].size(), 1u);
+    EXPECT_THAT(std::string(found["notices"][0]), HasSubstr("--all-numbers"));
+    EXPECT_THAT(describe(findings, 1, 1000), HasSubstr("note: writhe, Gauss integrals and links"));
+}
+
 TEST(Findings, HaveAllKeysWhateverThereIs)
 {
     const json found = asJson(Configuration{});
     EXPECT_EQ(found, json::parse(R"({"files": [], "frame": 0, "rods": [], "birods": [], "dna": [],
-        "unpairedBases": 0, "notices": []})"));
+        "links": [], "unpairedBases": 0, "notices": []})"));
 }
 
 TEST(Findings, CountBasesWithoutAPair)
@@ -193,7 +281,8 @@ TEST(Findings, AreValidJsonWhateverTheNames)
     Rod rod = square();
     rod.name = "a\xFF\"\n";
     EXPECT_EQ(asJson(rod)["name"], "a\uFFFD\"\n");
-    EXPECT_EQ(inWords({{rod}}).find('\n'), inWords({{rod}}).size() - 1) << "one line";
+    const std::string text = inWords({{rod}});
+    EXPECT_THAT(text.substr(0, text.find('\n')), testing::EndsWith("with frames")) << "one line";
 }
 
 } // namespace

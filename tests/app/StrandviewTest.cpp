@@ -930,7 +930,8 @@ TEST_F(StrandviewTest, HelpAndVersionGoToStandardOutput)
           "--export",      "--frame",       "--info",      "--json",         "--frames",
           "--series",      "--shard",       "--overwrite", "--stamp",        "--list-frames",
           "--jobs",        "--fps",         "--align",     "--between",      "--turn",
-          "--pairs",       "--frame-rows",  "--cache",     "--follow"})
+          "--pairs",       "--frame-rows",  "--cache",     "--follow",       "--list-scalars",
+          "--all-numbers"})
         EXPECT_THAT(help.output, HasSubstr(option));
 
     const ProgramRun version = run({"--version"});
@@ -1329,6 +1330,9 @@ INSTANTIATE_TEST_SUITE_P(
         BadCall{"InfoOfNothing", {"--info"}, "", "FILE"},
         BadCall{"InfoOfABadFile", {"--info", "-"}, "0 0\n", "found 2 columns"},
         BadCall{"JsonOfNothing", {"--json", "--render", "OUT", "GOOD"}, "", "--json"},
+        BadCall{"NumbersOfNothing", {"--all-numbers", "GOOD"}, "", "--all-numbers: found none of"},
+        BadCall{"ListAndInfo", {"--list-scalars", "--info", "GOOD"}, "", "--list-scalars"},
+        BadCall{"ListOfNothing", {"--list-scalars"}, "", "FILE"},
         BadCall{"InfoAndAPicture", {"--info", "--render", "OUT", "GOOD"}, "", "--info"},
         BadCall{"CameraQuaternion",
                 {"--render", "OUT", "--camera", "orthographic,0,0,0,0,0,0,2,1,1", "GOOD"},
@@ -1428,7 +1432,8 @@ TEST_F(StrandviewTest, TellsWhatItFoundInsteadOfShowingIt)
     const ProgramRun inWords = run({"--info", rod});
     EXPECT_EQ(inWords.status, 0) << inWords.error;
     EXPECT_EQ(inWords.output,
-              rod + ": Tables\nrod 1: 2 points, length 1, end to end 1, with frames\n");
+              rod + ": Tables\nrod 1: 2 points, length 1, end to end 1, with frames\n"
+                    "    radius of gyration 0.5\n    Tw 0 turns, Gauss integral 0 turns\n");
     EXPECT_EQ(inWords.error, "");
     const ProgramRun asJson = run({"--info", "--json", "-"}, "0 0 0\n0 0 1\n");
     EXPECT_EQ(asJson.status, 0) << asJson.error;
@@ -1436,6 +1441,19 @@ TEST_F(StrandviewTest, TellsWhatItFoundInsteadOfShowingIt)
     EXPECT_THAT(asJson.output, HasSubstr("\"file\": \"standard input\""));
     EXPECT_THAT(asJson.output, EndsWith("\n}\n"));
     EXPECT_EQ(asJson.error, "") << "notices are among the findings";
+}
+
+TEST_F(StrandviewTest, ListsTheScalarsThatColoursAndTablesHave)
+{
+    const std::string rod =
+        write("rod.txt", "x y z load\n0 0 0 1\n0 0 1 2\n\n\n0 0 0 5\n0 0 1 7\n");
+    const ProgramRun inWords = run({"--list-scalars", "--frame", "1", rod});
+    EXPECT_EQ(inWords.status, 0) << inWords.error;
+    EXPECT_THAT(inWords.output, StartsWith("rods:\n"));
+    EXPECT_THAT(inWords.output, HasSubstr("load                      point  5 to 7"));
+    const ProgramRun asJson = run({"--list-scalars", "--json", rod});
+    EXPECT_EQ(asJson.status, 0) << asJson.error;
+    EXPECT_THAT(asJson.output, StartsWith("{\n  \"frame\": 0,\n  \"scalars\": [\n"));
 }
 
 TEST_F(StrandviewTest, WhatCannotBePrintedIsToldAndStatus1)

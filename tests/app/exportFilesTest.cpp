@@ -215,15 +215,59 @@ TEST_F(ExportFilesTest, APictureShowsTheFrameAskedFor)
     EXPECT_NE(pictureOf({"--frame", "1", two}), red);
 }
 
+TEST_F(ExportFilesTest, ATableHasAllScalarsOfAllFramesOrOfTheOneAskedFor)
+{
+    const std::string run2 = folder.write("run.txt", "t x y z\n0 0 0 0\n0 0 0 1\n"
+                                                     "0.5 0 0 0\n0.5 0 0 2\n");
+    const std::string out = folder.path("out.csv");
+    const auto framesOf = [&](std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), {"--export", out});
+        result = run(arguments);
+        EXPECT_EQ(result.status, 0) << result.error;
+        ReadReport report;
+        auto back = openSeries({out}, {}, report);
+        EXPECT_TRUE(back) << report.error;
+        return back;
+    };
+    const auto all = framesOf({run2});
+    ASSERT_EQ(all->count(), 2u);
+    EXPECT_EQ(all->time(1), 0.5);
+    EXPECT_EQ(all->load(1).configuration->rods.at(0).points.back().z, 2);
+    const auto one = framesOf({"--frame", "1", run2});
+    ASSERT_EQ(one->count(), 1u);
+    EXPECT_EQ(one->load(0).configuration->rods.at(0).points.back().z, 2);
+    EXPECT_EQ(framesOf({rod, run2})->load(0).configuration->rods.size(), 2u);
+}
+
+TEST_F(ExportFilesTest, OfATableTheUnitOfDnaAndAllNumbersHaveAnEffectAndOfJsonNone)
+{
+    for (const char* name : {"out.csv", "out.json"}) {
+        result = run({"--export", folder.path(name), "--all-numbers", "--dna-unit", "nm", rod});
+        EXPECT_EQ(result.status, 0);
+        const bool isTable = std::string(name) == "out.csv";
+        EXPECT_EQ(result.error.find("--all-numbers has no effect") == std::string::npos, isTable);
+        EXPECT_EQ(result.error.find("--dna-unit has no effect") == std::string::npos, isTable);
+    }
+}
+
+TEST_F(ExportFilesTest, ATableOfGlyphsAloneIsRefusedAndNotThere)
+{
+    result = run({"--export", folder.path("out.csv"), series});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.error, "strandview: CSV: found no rod, birod or DNA, expected at least one\n");
+    EXPECT_THAT(files(), testing::ElementsAre("rod.txt", "run.json"));
+}
+
 TEST_F(ExportFilesTest, AnotherEndingIsRefusedWithThoseThatThereAre)
 {
     EXPECT_EQ(checkExportName("a.JSON"), "");
+    EXPECT_EQ(checkExportName("a.Csv"), "");
     EXPECT_EQ(checkExportName("-"), "");
-    for (const char* name : {"out.csv", "out", "json", "out.json/x", ".json"}) {
+    for (const char* name : {"out.txt", "out", "json", "out.json/x", ".json"}) {
         result = run({"--export", name, rod});
         EXPECT_EQ(result.status, 2);
         EXPECT_EQ(result.error, std::string("strandview: --export: found '") + name +
-                                    "', expected a name that ends in .json\n");
+                                    "', expected a name that ends in .json or .csv\n");
     }
 }
 

@@ -117,6 +117,21 @@ TEST(ParseOptions, WhatIsExportedAndOfWhichFrameIsTaken)
     EXPECT_EQ(options.frame, 7);
 }
 
+TEST(ParseOptions, ScalarsAreListedForPeopleOrScripts)
+{
+    EXPECT_TRUE(accepted({"--list-scalars", "rod.txt"}).listScalars);
+    const Options options = accepted({"--list-scalars", "--json", "--all-numbers", "rod.txt"});
+    EXPECT_TRUE(options.asJson);
+    EXPECT_TRUE(options.allNumbers);
+    EXPECT_TRUE(accepted({"--export", "a.csv", "--all-numbers", "rod.txt"}).allNumbers);
+    expectRefused({"--json", "rod.txt"},
+                  "--json: found neither --info nor --list-scalars, expected one");
+    expectRefused({"--all-numbers", "rod.txt"},
+                  "--all-numbers: found none of --info, --list-scalars and --export, expected one");
+    for (const char* other : {"--info", "--series", "--follow", "--list-frames"})
+        expectRefused({"--list-scalars", other, "rod.txt"}, other);
+}
+
 TEST(ParseOptions, APartCanBeShownOrHiddenInSoManyWords)
 {
     EXPECT_FALSE(accepted({"--no-tube", "rod.txt"}).showTube);

@@ -49,7 +49,7 @@ case " $* " in *' --samples '*) samples= ;; esac
 case " $* " in
 *' --list-frames '*) exec "$STRANDVIEW" "$@" ;;
 *' --render '*) exec "$STRANDVIEW" $samples "$@" ;;
-*' --export '*|*' --info '*) exec "$STRANDVIEW" "$@" ;;
+*' --export '*|*' --info '*|*' --list-scalars '*) exec "$STRANDVIEW" "$@" ;;
 *) echo x >>windows
    exec "$STRANDVIEW" --screenshot-after 0 window$(wc -l <windows).png "$@" ;;
 esac)");

@@ -1,0 +1,202 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "info/ScalarList.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include <strandview/analysis/scalars.h>
+#include <strandview/analysis/topology.h>
+#include <strandview/analysis/tracks.h>
+#include <strandview/formats/text/wording.h>
+
+namespace strandview {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+struct KindName
+{
+    Track::Kind kind;
+    const char* ofOne;   // for scripts
+    const char* heading; // for people
+};
+
+const KindName KINDS[] = {{Track::Kind::ROD, "rod", "rods"},
+                          {Track::Kind::BIROD_AVERAGE, "birod average", "averages of birods"},
+                          {Track::Kind::BIROD_STRAND, "birod strand", "strands of birods"},
+                          {Track::Kind::DNA_PAIRS, "DNA pairs", "pairs of DNA"},
+                          {Track::Kind::DNA_STRAND, "DNA strand", "strands of DNA"}};
+
+struct Listed
+{
+    std::string name;
+    std::string unit;
+    std::string of; // "point"
+    std::string meaning;
+    std::size_t lines = 0;                          // that have it
+    std::optional<std::pair<double, double>> range; // none where no value is a number
+};
+
+struct OfKind
+{
+    const KindName& kind;
+    std::size_t lines = 0;
+    std::vector<Listed> scalars;
+};
+
+const char* nameOf(ScalarPlace place)
+{
+    return place == ScalarPlace::POINT ? "point" : place == ScalarPlace::PAIR ? "pair" : "step";
+}
+
+bool isOfFile(const Track& track, const std::string& name)
+{
+    return track.rod && std::any_of(track.rod->scalars.begin(), track.rod->scalars.end(),
+                                    [&name](const Scalar& scalar) { return scalar.name == name; });
+}
+
+Listed emptyRow(const Track& track, const std::string& name)
+{
+    const Quantity* const quantity = findQuantity(track.kind, name);
+    if (isOfFile(track, name) || !quantity)
+        return {name, "", nameOf(ScalarPlace::POINT), "of the file", 0, {}};
+    return {name, quantity->unit, nameOf(quantity->place), quantity->meaning, 0, {}};
+}
+
+// What lies within its rounding is 0; what is not determined at all does not count.
+void widen(Listed& scalar, const Track& track)
+{
+    const std::vector<double> values = *findScalar(track, scalar.name);
+    const std::vector<double> rounding = roundingOf(track, scalar.name);
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        if (!std::isfinite(values[i]) || !std::isfinite(rounding[i]))
+            continue;
+        const double value = std::abs(values[i]) <= rounding[i] ? 0 : values[i];
+        scalar.range = scalar.range ? std::pair(std::min(scalar.range->first, value),
+                                                std::max(scalar.range->second, value))
+                                    : std::pair(value, value);
+    }
+}
+
+void add(OfKind& found, const Track& track, bool withSlow)
+{
+    ++found.lines;
+    for (const std::string& name : scalarNames(track)) {
+        auto row = std::find_if(found.scalars.begin(), found.scalars.end(),
+                                [&name](const Listed& scalar) { return scalar.name == name; });
+        if (row == found.scalars.end())
+            row = found.scalars.insert(row, emptyRow(track, name));
+        ++row->lines;
+        const bool isSlow = name == "writhe_density" && !isOfFile(track, name);
+        if (withSlow || !isSlow)
+            widen(*row, track);
+    }
+}
+
+std::vector<OfKind> listScalars(const Configuration& data, double angstrom, bool withSlow)
+{
+    const std::vector<Track> tracks = tracksOf(data, angstrom);
+    std::vector<OfKind> all;
+    for (const KindName& kind : KINDS) {
+        OfKind found{kind, 0, {}};
+        for (const Track& track : tracks)
+            if (track.kind == kind.kind)
+                add(found, track, withSlow);
+        if (found.lines > 0)
+            all.push_back(std::move(found));
+    }
+    return all;
+}
+
+// Whether writhe_density is computed.
+bool isSlowTold(const Configuration& data, double mostEdgePairs)
+{
+    double pairs = 0;
+    for (const Track& track : tracksOf(data))
+        pairs += edgePairsOf(track);
+    return pairs <= mostEdgePairs;
+}
+
+std::vector<std::string> noticesOf(const Findings& findings, bool withSlow)
+{
+    std::vector<std::string> notices = findings.notices;
+    if (!withSlow)
+        notices.push_back("the range of writhe_density is left out: of so many points it takes "
+                          "long; --all-numbers tells it all the same");
+    return notices;
+}
+
+std::string shortNumber(double number)
+{
+    char text[32];
+    std::snprintf(text, sizeof text, "%.4g", number);
+    return text;
+}
+
+// Blanks behind, for a column of so many characters, which may have several bytes each.
+std::string padded(const std::string& text, std::size_t width)
+{
+    const auto isFirstByte = [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; };
+    const auto length = std::size_t(std::count_if(text.begin(), text.end(), isFirstByte));
+    return text + std::string(width > length ? width - length : 0, ' ') + "  ";
+}
+
+std::string rowOf(const Listed& scalar, std::size_t lines)
+{
+    const std::string range =
+        scalar.range ? shortNumber(scalar.range->first) + " to " + shortNumber(scalar.range->second)
+                     : "none";
+    std::string text = "  " + padded(onOneLine(scalar.name), 14) + padded(scalar.unit, 8) +
+                       padded(scalar.of, 5) + padded(range, 24) + scalar.meaning;
+    if (scalar.lines < lines)
+        text += ", " + std::to_string(scalar.lines) + " of " + std::to_string(lines);
+    return text + "\n";
+}
+
+} // namespace
+
+std::string describeScalars(const Findings& findings, double angstrom, double mostEdgePairs)
+{
+    const bool withSlow = isSlowTold(findings.data, mostEdgePairs);
+    std::string text;
+    for (const OfKind& kind : listScalars(findings.data, angstrom, withSlow)) {
+        text += std::string(kind.kind.heading) + ":\n  " + padded("name", 14) + padded("unit", 8) +
+                padded("of", 5) + padded("range", 24) + "meaning\n";
+        for (const Listed& scalar : kind.scalars)
+            text += rowOf(scalar, kind.lines);
+    }
+    if (text.empty())
+        text = "found no rod, birod or DNA, which alone have scalars\n";
+    for (const std::string& notice : noticesOf(findings, withSlow))
+        text += "note: " + notice + "\n";
+    return text;
+}
+
+std::string scalarsToJson(const Findings& findings, double angstrom, double mostEdgePairs)
+{
+    const bool withSlow = isSlowTold(findings.data, mostEdgePairs);
+    Json scalars = Json::array();
+    for (const OfKind& kind : listScalars(findings.data, angstrom, withSlow))
+        for (const Listed& scalar : kind.scalars)
+            scalars.push_back({{"line", kind.kind.ofOne},
+                               {"name", scalar.name},
+                               {"unit", scalar.unit},
+                               {"of", scalar.of},
+                               {"min", scalar.range ? Json(scalar.range->first) : Json()},
+                               {"max", scalar.range ? Json(scalar.range->second) : Json()},
+                               {"lines", scalar.lines},
+                               {"meaning", scalar.meaning}});
+    const Json json = {{"frame", findings.frame},
+                       {"scalars", scalars},
+                       {"notices", noticesOf(findings, withSlow)}};
+    return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+} // namespace strandview
