@@ -23,8 +23,8 @@ namespace strandview {
 namespace {
 
 // What says which data are read, and how.
-const std::set<std::string> OF_DATA{"--export", "--frame", "--series",    "--normalise",
-                                    "--closed", "--pairs", "--frame-rows"};
+const std::set<std::string> OF_DATA{"--export", "--frame", "--series",     "--normalise",
+                                    "--closed", "--pairs", "--frame-rows", "--compare"};
 
 // Where they say what is in a table.
 const std::set<std::string> OF_TABLES{"--dna-unit", "--all-numbers"};

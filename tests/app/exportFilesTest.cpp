@@ -250,6 +250,18 @@ TEST_F(ExportFilesTest, OfATableTheUnitOfDnaAndAllNumbersHaveAnEffectAndOfJsonNo
     }
 }
 
+TEST_F(ExportFilesTest, WhatIsComparedHasTheScalarsOfThat)
+{
+    for (const char* name : {"out.csv", "out.json"}) {
+        result = run({"--export", folder.path(name), "--compare", rod, rod});
+        EXPECT_EQ(result.status, 0) << result.error;
+        EXPECT_THAT(result.error, Not(HasSubstr("has no effect")));
+        std::ifstream file(folder.path(name));
+        EXPECT_THAT(std::string(std::istreambuf_iterator<char>(file), {}),
+                    HasSubstr("reference_distance"));
+    }
+}
+
 TEST_F(ExportFilesTest, ATableOfGlyphsAloneIsRefusedAndNotThere)
 {
     result = run({"--export", folder.path("out.csv"), series});
