@@ -24,6 +24,7 @@ const std::map<std::string, std::string> ELSEWHERE{
     {"app/rendering/FrameRenderer.cpp", "tests/app/RenderSeriesTest.cpp"},
     {"app/rendering/Interruption.cpp", "tests/app/RenderSeriesTest.cpp"},
     {"app/scene/chooseLook.cpp", "tests/app/SceneLoaderTest.cpp"},
+    {"app/scene/ownColours.cpp", "tests/app/SceneUpdateTest.cpp"},
     {"app/scene/overlay.cpp", "tests/app/LegendTest.cpp"},
     {"app/scene/SoLegendCamera.cpp", "tests/app/LegendTest.cpp"},
     {"app/scene/builders", "tests/app/SceneUpdateTest.cpp"},

@@ -147,17 +147,16 @@ void BirodBuilder::setDataColours(std::size_t index, ShownDatum& shown) const
 // rods. A birod finds the material of a mesh behind those of the rows of all meshes before.
 void BirodBuilder::setColours(std::size_t index, const SoBirod& birod, SoMaterial* material) const
 {
-    const std::size_t next = frame.data.rods.size() + 3 * index;
     std::vector<SbColor> colours;
-    const auto append = [&](const Mesh& tube, const Mesh& ribbon, std::size_t tubeIndex) {
+    const auto append = [&](const Mesh& tube, const Mesh& ribbon, int strand) {
         colours.insert(colours.end(), std::size_t(tube.getHeight()),
-                       toSbColor(tubeColour(frame.style, tubeIndex)));
+                       toSbColor(birodColour(index, strand, frame.data.rods.size(), frame.style)));
         colours.insert(colours.end(), std::size_t(ribbon.getHeight()),
                        toSbColor(frame.style.ribbonColour));
     };
-    append(*birod.getAvgTubeMesh(), *birod.getAvgRibbonMesh(), next + 2);
-    append(*birod.getTube1Mesh(), *birod.getRibbon1Mesh(), next);
-    append(*birod.getTube2Mesh(), *birod.getRibbon2Mesh(), next + 1);
+    append(*birod.getAvgTubeMesh(), *birod.getAvgRibbonMesh(), 0);
+    append(*birod.getTube1Mesh(), *birod.getRibbon1Mesh(), 1);
+    append(*birod.getTube2Mesh(), *birod.getRibbon2Mesh(), 2);
     material->diffuseColor.setNum(int(colours.size()));
     material->diffuseColor.setValues(0, int(colours.size()), colours.data());
 }

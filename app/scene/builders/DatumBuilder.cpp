@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "scene/builders/DatumBuilder.h"
 
-#include <array>
-
 #include <Inventor/SbViewportRegion.h>
 #include <Inventor/nodes/SoSeparator.h>
 
@@ -13,16 +11,6 @@ namespace strandview {
 using algebra3d::Vector3;
 
 namespace {
-
-// Colours that are told apart with every kind of colour vision, the ribbon's left out
-// (M. Okabe and K. Ito, Color universal design, 2008).
-const std::array<Colour, 7> TUBE_COLOURS{{{0.34f, 0.61f, 0.82f},
-                                          {0.00f, 0.62f, 0.45f},
-                                          {0.80f, 0.47f, 0.65f},
-                                          {0.84f, 0.37f, 0.00f},
-                                          {0.00f, 0.45f, 0.70f},
-                                          {0.94f, 0.89f, 0.26f},
-                                          {0.55f, 0.55f, 0.55f}}};
 
 const Colour GLYPH_COLOUR{0.80f, 0.20f, 0.15f};
 
@@ -61,16 +49,6 @@ SbBox3f boxAround(const Vector3<double>& point, double reach)
 {
     const Vector3<double> margin(reach, reach, reach);
     return SbBox3f(toSbVec3f(point - margin), toSbVec3f(point + margin));
-}
-
-Colour tubeColour(const Style& style, std::size_t index)
-{
-    return style.tubeColour.value_or(TUBE_COLOURS[index % TUBE_COLOURS.size()]);
-}
-
-Colour strandColour(const Style& style, std::size_t index)
-{
-    return tubeColour(style, TUBE_COLOURS.size() - 1 + index);
 }
 
 Colour glyphColour(const std::optional<std::string>& text)

@@ -18,6 +18,7 @@
 #include "scene/Placement.h"
 #include "scene/ShownDatum.h"
 #include "scene/Style.h"
+#include "scene/ownColours.h"
 
 namespace strandview {
 
@@ -95,12 +96,6 @@ protected:
 
 /// A box around a point of the scene.
 SbBox3f boxAround(const algebra3d::Vector3<double>& point, double reach);
-
-/// The tubes' colours, one after the other unless the style has one for all.
-Colour tubeColour(const Style& style, std::size_t index);
-
-/// Those of strands, from grey on, beside which the colours of bases are seen.
-Colour strandColour(const Style& style, std::size_t index);
 
 /// Of a marker or an arrow: that of its text, or the usual one if there is none or it is no
 /// colour.

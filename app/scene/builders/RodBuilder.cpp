@@ -130,20 +130,11 @@ void RodBuilder::updateNodes(std::size_t index, ShownDatum& shown)
     showHead(index, shown);
 }
 
-Colour RodBuilder::ownColour(std::size_t index) const
-{
-    const Rod& rod = datum(index);
-    const std::optional<Colour> ofFile = rod.colour ? parseColour(*rod.colour) : std::nullopt;
-    if (ofFile && !frame.style.tubeColour)
-        return *ofFile;
-    return rod.isBackbone ? strandColour(frame.style, molecules.colourOf(rod.molecule, index))
-                          : tubeColour(frame.style, index);
-}
-
 // Material 0 is the tube's, material 1 the ribbon's.
 void RodBuilder::setOwnColours(std::size_t index, SoNode* material) const
 {
-    const SbColor colours[] = {toSbColor(ownColour(index)), toSbColor(frame.style.ribbonColour)};
+    const SbColor colours[] = {toSbColor(rodColour(datum(index), index, frame.style, molecules)),
+                               toSbColor(frame.style.ribbonColour)};
     static_cast<SoMaterial*>(material)->diffuseColor.setValues(0, 2, colours);
 }
 

@@ -32,7 +32,6 @@ protected:
     void updateNodes(std::size_t index, ShownDatum& shown) override;
 
 private:
-    Colour ownColour(std::size_t index) const;
     void setOwnColours(std::size_t index, SoNode* material) const;
     ArrowHead headOf(std::size_t index) const;
     void showHead(std::size_t index, ShownDatum& shown) const;
