@@ -14,6 +14,7 @@
 
 #include <gmock/gmock.h>
 
+#include <strandview/analysis/lineNumbers.h>
 #include <strandview/analysis/scalars.h>
 #include <strandview/formats/Source.h>
 #include <strandview/formats/formats.h>
@@ -246,6 +247,18 @@ TEST(Docs, TheTableOfScalarsIsThatOfTheQuantities)
         rows.push_back("| `" + quantity.name + "` | " + places[int(quantity.place)] + " | " +
                        quantity.unit + " | " + (quantity.isSigned ? "yes" : "no") + " | " +
                        quantity.meaning + " |");
+    Lines shown = readLines(PROJECT / "docs/numbers.md");
+    shown.erase(shown.begin(), std::find(shown.begin(), shown.end(), rows.front()));
+    shown.resize(std::min(shown.size(), rows.size()));
+    EXPECT_THAT(shown, testing::ElementsAreArray(rows));
+}
+
+TEST(Docs, TheTableOfNumbersOfWholeCurvesIsThatOfTheQuantities)
+{
+    Lines rows;
+    for (const strandview::LineQuantity& quantity : strandview::lineQuantities())
+        rows.push_back("| `" + quantity.name + "` | " + quantity.unit +
+                       (quantity.unit.empty() ? "| " : " | ") + quantity.meaning + " |");
     Lines shown = readLines(PROJECT / "docs/numbers.md");
     shown.erase(shown.begin(), std::find(shown.begin(), shown.end(), rows.front()));
     shown.resize(std::min(shown.size(), rows.size()));
