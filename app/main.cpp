@@ -15,6 +15,7 @@
 #include "output/exportFiles.h"
 #include "pictures/PictureWriter.h"
 #include "pictures/largeHeapPages.h"
+#include "plotting/plotFiles.h"
 #include "rendering/Film.h"
 #include "rendering/renderSeries.h"
 #include "request/ExitStatus.h"
@@ -112,6 +113,19 @@ int exportData(const Options& options)
     return SUCCESS;
 }
 
+int plotData(const Options& options)
+{
+    ReadReport report;
+    bool isWhole = true;
+    const std::string failure = plotFiles(options, report, isWhole);
+    if (!report.error.empty())
+        return fail(BAD_INPUT, report.error);
+    if (!failure.empty())
+        return fail(CANNOT_WRITE, failure);
+    tellAll(report.notices);
+    return isWhole ? SUCCESS : CANNOT_WRITE;
+}
+
 int showWindow(const Options& options)
 {
     // The command line's scalar and frame need not be those of every file that is opened later.
@@ -162,16 +176,19 @@ int checkOutput(const Options& options)
         refusal = checkPicture(*options.picture, options.transparent);
     else if (options.exportFile)
         refusal = checkExportName(*options.exportFile);
+    else if (options.plot.file)
+        refusal = checkPlotName("--plot", *options.plot.file);
     else if (options.windowPicture)
         refusal = checkPictureName("--screenshot-after", *options.windowPicture, false);
     if (!refusal.empty())
         return fail(BAD_INPUT, refusal);
     const std::optional<std::string>& output = options.picture      ? options.picture
                                                : options.exportFile ? options.exportFile
+                                               : options.plot.file  ? options.plot.file
                                                                     : options.windowPicture;
     if (output)
         refusal = checkWritable(options.picture ? PictureName(*output).of(0) : *output);
-    if (refusal.empty() && !options.picture && !options.exportFile)
+    if (refusal.empty() && !options.picture && !options.exportFile && !options.plot.file)
         refusal = checkDisplay();
     return refusal.empty() ? SUCCESS : fail(CANNOT_WRITE, refusal);
 }
@@ -192,6 +209,8 @@ int run(int argc, char** argv)
         return refused;
     if (options.exportFile)
         return exportData(options);
+    if (options.plot.file)
+        return plotData(options);
     if (options.picture)
         useLargeHeapPages();
     else

@@ -416,6 +416,58 @@ std::optional<double> parseRate(const std::string& text)
     return isNumber && *rate >= 0.01 && *rate <= 1000 ? rate : std::nullopt;
 }
 
+std::optional<std::vector<std::string>> parseNames(const std::string& text)
+{
+    std::vector<std::string> names;
+    std::istringstream parts(text + ",");
+    for (std::string name; std::getline(parts, name, ',');) {
+        if (name.empty() || std::count(names.begin(), names.end(), name) > 0)
+            return std::nullopt;
+        names.push_back(name);
+    }
+    return names;
+}
+
+std::optional<PlotAxis> parsePlotAxis(const std::string& text)
+{
+    if (text == "arclength")
+        return PlotAxis::ARC_LENGTH;
+    if (text == "number")
+        return PlotAxis::NUMBER;
+    return text == "time" ? std::optional(PlotAxis::TIME) : std::nullopt;
+}
+
+void addPlot(CLI::App& app, Options& options)
+{
+    const std::string group = "Plots";
+    CLI::Option* plot = app.add_option("--plot", options.plot.file,
+                                       "Write curves of numbers instead: .svg, .pdf or .png")
+                            ->type_name("OUT.svg")
+                            ->group(group);
+    for (const char* other :
+         {"--render", "--export", "--info", "--screenshot-after", "--list-frames", "--turn"})
+        plot->excludes(app.get_option(other));
+    addParsed(app, "--scalars", options.plot.scalars, &parseNames,
+              "different names with commas between them",
+              "What is plotted, a panel each: names as for --colour-by [curvature and kappa3 of "
+              "rods, roll and twist of DNA]; against time length, endToEnd, radiusOfGyration, "
+              "contact, writhe, gaussIntegral, twist and others")
+        ->type_name("NAME,...")
+        ->needs(plot)
+        ->group(group);
+    addParsed(app, "--against", options.plot.against, &parsePlotAxis, "arclength, number or time",
+              "Over arclength, the number of the point or pair, or the time of the frames "
+              "[arclength of rods, number of pairs]")
+        ->type_name("WHAT")
+        ->needs(plot)
+        ->group(group);
+    addCount(app, "--at", options.plot.at, 0, std::numeric_limits<int>::max(),
+             "Against time: the scalars of one place, the point of this number from 0, or the "
+             "pair from 1")
+        ->needs(plot)
+        ->group(group);
+}
+
 // The frames of a series.
 void addSeries(CLI::App& app, Options& options)
 {
@@ -564,7 +616,7 @@ void parseArguments(CLI::App& app, const std::vector<std::string>& arguments)
 // What says of which pictures a series is made needs one.
 void checkForSeries(const Options& options)
 {
-    if (options.picture || options.series.listFrames)
+    if (options.picture || options.series.listFrames || options.plot.file)
         return;
     for (const char* name : {"--frames", "--turn"})
         if (std::count(options.given.begin(), options.given.end(), name) > 0)
@@ -582,6 +634,19 @@ void checkForTold(const Options& options)
     if (options.allNumbers && !isTold && !options.exportFile)
         throw CLI::ValidationError(
             "--all-numbers", "found none of --info, --list-scalars and --export, expected one");
+}
+
+// What says what is plotted against time, and when.
+void checkForPlot(const Options& options)
+{
+    const PlotRequest& plot = options.plot;
+    const bool isOverTime = plot.against == PlotAxis::TIME;
+    if (plot.at && !isOverTime)
+        throw CLI::ValidationError("--at", "found no --against time, expected it");
+    if (plot.file && options.series.frames && !isOverTime)
+        throw CLI::ValidationError("--frames", "found no --against time, expected it");
+    if (plot.file && options.frame && isOverTime)
+        throw CLI::ValidationError("--frame", "found --against time, expected --frames");
 }
 
 // Every name with its two dashes.
@@ -664,6 +729,7 @@ ParsedOptions parseOptions(int argc, const char* const* argv)
     app.footer("American spellings are understood, too: --color-by, --normalize and so on.");
     addFiles(app, options);
     addSeries(app, options);
+    addPlot(app, options);
     addLook(app, options);
     addColouring(app, options);
     addDna(app, options);
@@ -674,11 +740,12 @@ ParsedOptions parseOptions(int argc, const char* const* argv)
         options.given = givenOptions(app);
         options.look = lookOf(app);
         const bool needsFile = options.picture || options.info || options.listScalars ||
-                               options.exportFile || options.series.listFrames;
+                               options.exportFile || options.series.listFrames || options.plot.file;
         if (options.frame && options.series.frames && !options.series.turn)
             throw CLI::ExcludesError("--frames", "--frame");
         checkForSeries(options);
         checkForTold(options);
+        checkForPlot(options);
         if (needsFile && options.files.empty())
             throw CLI::RequiredError("FILE");
         if (std::count(options.files.begin(), options.files.end(), "-") > 1)

@@ -11,6 +11,7 @@
 #include "request/Colour.h"
 #include "request/ColourMap.h"
 #include "request/FrameSlice.h"
+#include "request/PlotRequest.h"
 
 namespace strandview {
 
@@ -68,6 +69,9 @@ struct Options
 
     /// The data to write instead of showing them.
     std::optional<std::string> exportFile;
+
+    /// Curves to write instead.
+    PlotRequest plot;
 
     /// The picture to write, or the pattern of names of a series' pictures; without one a window
     /// opens.

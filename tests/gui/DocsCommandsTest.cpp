@@ -49,7 +49,7 @@ case " $* " in *' --samples '*) samples= ;; esac
 case " $* " in
 *' --list-frames '*) exec "$STRANDVIEW" "$@" ;;
 *' --render '*) exec "$STRANDVIEW" $samples "$@" ;;
-*' --export '*|*' --info '*|*' --list-scalars '*) exec "$STRANDVIEW" "$@" ;;
+*' --export '*|*' --info '*|*' --list-scalars '*|*' --plot '*) exec "$STRANDVIEW" "$@" ;;
 *) echo x >>windows
    exec "$STRANDVIEW" --screenshot-after 0 window$(wc -l <windows).png "$@" ;;
 esac)");
@@ -109,7 +109,7 @@ std::string answersOf(const CodeBlock& block)
 // The files that the commands say they write; not those of loops.
 std::vector<std::string> picturesOf(const std::string& commands)
 {
-    static const std::regex pattern("--render ([^ $%']+\\.png)");
+    static const std::regex pattern("--(?:render|plot) ([^ $%']+\\.(?:png|svg|pdf))");
     std::vector<std::string> pictures;
     for (std::sregex_iterator at(commands.begin(), commands.end(), pattern), end; at != end; ++at)
         pictures.push_back((*at)[1]);

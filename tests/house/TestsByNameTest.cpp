@@ -21,6 +21,7 @@ const std::map<std::string, std::string> ELSEWHERE{
     {"formats/numpy/NumpyFile.cpp", "tests/formats/NumpyReaderTest.cpp"},
     {"formats/numpy/npyHeader.cpp", "tests/formats/NumpyReaderTest.cpp"},
     {"app/main.cpp", "tests/app/StrandviewTest.cpp"},
+    {"app/plotting/PlotStack.cpp", "tests/app/plotFilesTest.cpp"},
     {"app/rendering/FrameRenderer.cpp", "tests/app/RenderSeriesTest.cpp"},
     {"app/rendering/Interruption.cpp", "tests/app/RenderSeriesTest.cpp"},
     {"app/scene/chooseLook.cpp", "tests/app/SceneLoaderTest.cpp"},
