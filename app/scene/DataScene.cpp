@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cassert>
-#include <charconv>
 #include <cmath>
 
 #include <Inventor/SoPath.h>
@@ -25,15 +24,6 @@ using algebra3d::Vector3;
 
 namespace {
 
-// What a person reads: six digits, with a decimal point in every locale.
-std::string readable(double value)
-{
-    char text[32];
-    const auto result =
-        std::to_chars(text, text + sizeof text, value, std::chars_format::general, 6);
-    return std::string(text, result.ptr);
-}
-
 // The points of a regular ring cancel about its centre, the point of the centreline. The
 // last of a row is the first once more.
 Vector3<double> centreOfRing(const Vector3<double>* ring, int width)
@@ -50,6 +40,17 @@ bool areAlike(const Colouring& one, const Colouring& other)
 {
     return one.isBelow == other.isBelow && one.isAbove == other.isAbove &&
            one.isMissing == other.isMissing;
+}
+
+// The row and the share of the way to the next one, by the arc lengths of the rows.
+void placeOnLine(const std::vector<double>& rows, double arcLength, double reach,
+                 PickedPlace& place)
+{
+    const auto after = std::upper_bound(rows.begin() + 1, rows.end() - 1, arcLength);
+    const double before = *(after - 1), share = (arcLength - before) / (*after - before);
+    const bool isAtNext = share >= 1 || (share > 0.5 && *after - arcLength <= reach);
+    place.row = std::size_t(after - rows.begin()) - (isAtNext ? 0 : 1);
+    place.share = isAtNext || arcLength - before <= reach ? 0 : std::max(share, 0.0);
 }
 
 void setCoarse(const ShownDatum& datum, bool coarse)
@@ -247,13 +248,12 @@ void DataScene::setStamp(SoNode* next)
         addChild(stamp);
 }
 
-Told DataScene::describe(const SoPickedPoint& picked) const
+PickedPlace DataScene::placeOf(const SoPickedPoint& picked, double reach) const
 {
     const SbVec3f scenePoint = picked.getPoint();
     const Vector3<double> inScene(scenePoint[0], scenePoint[1], scenePoint[2]);
-    const Vector3<double> point = placement.toData(inScene);
-    const std::string where =
-        "point " + readable(point.x) + " " + readable(point.y) + " " + readable(point.z);
+    PickedPlace place;
+    place.point = placement.toData(inScene);
 
     const SoPath& path = *picked.getPath();
     for (int i = path.getLength() - 1; i >= 0; --i) {
@@ -261,27 +261,36 @@ Told DataScene::describe(const SoPickedPoint& picked) const
         if (known == places.end())
             continue;
         const ShownDatum& datum = kinds[known->second.kind].data[known->second.index];
-        const Told place = datum.placeIn ? datum.placeIn(datum, picked, i) : Told{"", datum.name};
-        std::string text = place.what + where;
+        place.kind = datum.kind;
+        place.datum = known->second.index;
+        place.name = datum.name;
+        if (datum.placeIn)
+            datum.placeIn(datum, picked, i, place);
         if (datum.centralTube) {
-            BiarcTubeMesh& tube = *datum.centralTube(*datum.node);
+            BiarcTubeMesh& central = *datum.centralTube(*datum.node);
             const double unit = 1 / placement.scale;
-            text += ", arc length " + readable(nearestArcLength(tube, inScene) * unit) + " of " +
-                    readable(tube.getParamValues().back() * unit);
+            const double arcLength = nearestOnTube(central, inScene).arcLength;
+            place.arcLength = arcLength * unit;
+            place.length = central.getParamValues().back() * unit;
+            BiarcTubeMesh& tube =
+                place.strand > 0 ? *datum.strandTube(*datum.node, place.strand) : central;
+            placeOnLine(tube.getParamValues(),
+                        place.strand > 0 ? nearestOnTube(tube, inScene).arcLength : arcLength,
+                        reach, place);
         }
-        return {text, place.name};
+        break;
     }
-    return {where, ""};
+    return place;
 }
 
 bool DataScene::processPickEvent(const SoPickedPoint* point)
 {
     if (onPick)
-        onPick(describe(*point));
+        onPick(*point);
     return false;
 }
 
-double nearestArcLength(BiarcTubeMesh& tube, const Vector3<double>& point)
+PointOfTube nearestOnTube(BiarcTubeMesh& tube, const Vector3<double>& point)
 {
     const std::vector<double>& arcLengths = tube.getInterpParamValues();
     double nearest = INFINITY, arcLength = 0;
@@ -299,7 +308,7 @@ double nearestArcLength(BiarcTubeMesh& tube, const Vector3<double>& point)
         }
         last = centre;
     }
-    return arcLength;
+    return {arcLength, nearest};
 }
 
 } // namespace strandview

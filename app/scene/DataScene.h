@@ -15,6 +15,7 @@
 #include "request/CameraRequest.h"
 #include "request/Colour.h"
 #include "scene/Colouring.h"
+#include "scene/PickedPlace.h"
 #include "scene/Placement.h"
 #include "scene/ShownDatum.h"
 #include "scene/Style.h"
@@ -23,6 +24,7 @@
 namespace strandview {
 
 class Legend;
+struct Configuration;
 
 /// The program's scene: it knows which nodes show which datum, and tells what was picked.
 /// Placement and style are those of the first frame that it shows, and stay.
@@ -45,6 +47,10 @@ public:
     void change(std::size_t kind, std::size_t index, const ShownDatum& datum);
     /// Drops the data of a kind from `count` on.
     void keepFirst(std::size_t kind, std::size_t count);
+
+    /// What it shows, for whoever asks for numbers; null if nobody gave it.
+    const std::shared_ptr<const Configuration>& getData() const { return data; }
+    void setData(std::shared_ptr<const Configuration> shown) { data = std::move(shown); }
 
     /// The box that all data lie in, and the room that is kept for other frames.
     const SbBox3f& getBox() const;
@@ -87,10 +93,13 @@ public:
     /// "point 0.1 2 3, arc length 1.5 of 8" of "helix.txt:1: rod 1", in the data's
     /// coordinates; the arc length is that of the nearest point of the centreline, of a
     /// birod its average's. "pair 12 AT, strand 2, point 0.1 2 3" of "dna.txt:1: DNA 1".
-    Told describe(const SoPickedPoint& picked) const;
+    Told describe(const SoPickedPoint& picked) const { return tell(placeOf(picked)); }
+    /// Where it was picked. A place that is no farther along its line from a point of the data than
+    /// `reach`, in the scene, is that point.
+    PickedPlace placeOf(const SoPickedPoint& picked, double reach = 0) const;
 
-    /// Called with the description of what the user picks, if set.
-    std::function<void(const Told&)> onPick;
+    /// Called with what the user picks, if set.
+    std::function<void(const SoPickedPoint&)> onPick;
 
     /// The box as it was told: what Coin makes of many turned boxes, such as a DNA's, is
     /// much larger, and costs their number in every frame.
@@ -119,6 +128,7 @@ private:
     Placement placement;
     Style style;
     std::vector<Kind> kinds;
+    std::shared_ptr<const Configuration> data;
     std::unordered_map<const SoNode*, Place> places; ///< of the groups of data
     mutable std::optional<SbBox3f> box;              ///< nothing where it is to be found anew
     SbBox3f room;                                    ///< for other frames
@@ -132,9 +142,15 @@ private:
     bool areUserHighlights = false; ///< changed while colours were shown
 };
 
-/// The arc length, in the scene, of the point of a tube's centreline that is nearest to
-/// a point of the scene.
-double nearestArcLength(BiarcTubeMesh& tube, const algebra3d::Vector3<double>& point);
+/// A point of a tube's centreline, in the scene.
+struct PointOfTube
+{
+    double arcLength;
+    double distance; ///< from the point that it is nearest to
+};
+
+/// That nearest to a point of the scene.
+PointOfTube nearestOnTube(BiarcTubeMesh& tube, const algebra3d::Vector3<double>& point);
 
 } // namespace strandview
 

@@ -56,16 +56,21 @@ auto withinMemory(ReadReport& report, Load load) -> decltype(load())
     }
 }
 
-// Makes the nodes of what was prepared, if anything was.
+// Makes the nodes of what was prepared, if anything was; the scene keeps the data.
 SceneMaker makerOf(const std::shared_ptr<Prepared>& prepared)
 {
     if (!prepared)
         return nullptr;
     return [prepared](ReadReport& report, Progress& progress) {
         return withinMemory(report, [&] {
-            return buildScene(prepared->configuration, prepared->style,
-                              prepared->colouring ? &*prepared->colouring : nullptr,
-                              std::move(prepared->geometry), progress, report.error);
+            const auto data =
+                std::make_shared<const Configuration>(std::move(prepared->configuration));
+            DataScene* const scene = buildScene(
+                *data, prepared->style, prepared->colouring ? &*prepared->colouring : nullptr,
+                std::move(prepared->geometry), progress, report.error);
+            if (scene)
+                scene->setData(data);
+            return scene;
         });
     };
 }
@@ -86,7 +91,10 @@ DataScene* makeScene(Configuration configuration, const Options& options, ReadRe
 {
     const SceneMaker make = makerOf(withinMemory(
         report, [&] { return prepare(std::move(configuration), options, report, progress); }));
-    return make ? make(report, progress) : nullptr;
+    DataScene* const scene = make ? make(report, progress) : nullptr;
+    if (scene)
+        scene->setData(nullptr);
+    return scene;
 }
 
 DataScene* loadScene(const std::vector<std::string>& files, const Options& options,

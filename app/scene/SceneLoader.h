@@ -18,8 +18,8 @@ class DataScene;
 class Progress;
 
 /// Makes the nodes of what was read: to be called once, in the thread that Coin is used in.
-/// The scene's reference count is zero. Null, and one line in report.error, if it fails or
-/// is stopped.
+/// The scene's reference count is zero, and it has the data. Null, and one line in report.error, if
+/// it fails or is stopped.
 using SceneMaker = std::function<DataScene*(ReadReport& report, Progress& progress)>;
 
 /// Reads the files, all of them or nothing, and computes what their scene needs but its
@@ -28,7 +28,8 @@ using SceneMaker = std::function<DataScene*(ReadReport& report, Progress& progre
 SceneMaker prepareScene(const std::vector<std::string>& files, const Options& options,
                         ReadReport& report, Progress& progress, Opening opening = Opening::WHOLE);
 
-/// Both at once, of what was read; Coin must have been initialised.
+/// Both at once, of what was read, for a picture: the scene keeps no data. Coin must have been
+/// initialised.
 DataScene* makeScene(Configuration configuration, const Options& options, ReadReport& report,
                      Progress& progress);
 /// The same of files, with the progress on a terminal.

@@ -7,7 +7,7 @@
 
 #include <Inventor/SbBox3f.h>
 
-#include "scene/Told.h"
+#include "scene/ThingKind.h"
 
 class BiarcTubeMesh;
 class SoNode;
@@ -17,9 +17,12 @@ class SoSwitch;
 
 namespace strandview {
 
+struct PickedPlace;
+
 /// The nodes of one datum, which the scene graph owns, and what is known of them.
 struct ShownDatum
 {
+    ThingKind kind = ThingKind::OTHER;
     SoSeparator* group = nullptr; ///< all of them; a pick of any is told
     SoNode* node = nullptr;       ///< the one among them that shows the datum; may be the group
     std::string name;             ///< by which picks are told
@@ -29,11 +32,14 @@ struct ShownDatum
     std::string bases; ///< the letters of those that picks are told with
     std::vector<std::string>
         parts; ///< the names of its parts, if those are told instead of its own
-    /// What a pick is told with besides its point, and by which name: "pair 12 AT, strand 2, " of
-    /// a point below the node of that index in its path, which is `group`; null if nothing.
-    Told (*placeIn)(const ShownDatum& shown, const SoPickedPoint& picked, int index) = nullptr;
+    /// Sets strand, row, letters and name of a place that a point below the node of that index in
+    /// its path, which is `group`, was picked for; null where there is nothing to set.
+    void (*placeIn)(const ShownDatum& shown, const SoPickedPoint& picked, int index,
+                    PickedPlace& place) = nullptr;
     /// Whose centreline tells arc lengths; null for what is no rod.
     BiarcTubeMesh* (*centralTube)(const SoNode& node) = nullptr;
+    /// Those of strand 1 and 2; null for what has none with centrelines.
+    BiarcTubeMesh* (*strandTube)(const SoNode& node, int strand) = nullptr;
 };
 
 } // namespace strandview

@@ -12,12 +12,14 @@
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
+#include <QDockWidget>
 #include <QDoubleSpinBox>
 #include <QDropEvent>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMainWindow>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>
@@ -39,6 +41,8 @@
 #include "window/FrameWaiter.h"
 #include "window/LoadBar.h"
 #include "window/Menus.h"
+#include "window/PlacePanel.h"
+#include "window/PlaceTeller.h"
 #include "window/Player.h"
 #include "window/ScreenFitter.h"
 #include "window/StatusText.h"
@@ -53,6 +57,9 @@ namespace strandview {
 namespace {
 
 const char* const GEOMETRY = "windowGeometry";
+
+// So near to a point of the data, in the desktop's pixels, a click means that point.
+const double SNAP = 6;
 
 QString titleFor(const std::vector<std::string>& files)
 {
@@ -95,7 +102,12 @@ MainWindow::MainWindow(const Options& startOptions, Loader sceneLoader, SeriesOp
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     buildMenus();
-    layout->addWidget(buildView(), 1);
+    docks = new QMainWindow(this);
+    docks->setWindowFlags(Qt::Widget);
+    docks->setContextMenuPolicy(Qt::NoContextMenu);
+    docks->setCentralWidget(buildView());
+    layout->addWidget(docks, 1);
+    buildPanels();
     restoreWindow(); // before SoQt, which shows the whole window with the view
     viewer->show();
     buildPlayBar();
@@ -108,7 +120,10 @@ MainWindow::MainWindow(const Options& startOptions, Loader sceneLoader, SeriesOp
     viewer->getGLWidget()->setFocus();
 }
 
-MainWindow::~MainWindow() = default;
+MainWindow::~MainWindow()
+{
+    placeDock->disconnect(this); // it is hidden once the members are gone
+}
 
 void MainWindow::buildMenus()
 {
@@ -131,7 +146,7 @@ void MainWindow::buildMenus()
 
 QWidget* MainWindow::buildView()
 {
-    auto* area = new QWidget(this);
+    auto* area = new QWidget(docks);
     area->setMinimumSize(160, 120);
     ownedViewer = std::make_unique<WindowViewer>(area);
     viewer = ownedViewer.get();
@@ -147,6 +162,28 @@ QWidget* MainWindow::buildView()
     viewer->addResizeCB(refit, this);
     ownedViewer->onHome = [this] { goHome(); };
     return area;
+}
+
+void MainWindow::buildPanels()
+{
+    auto* panel = new PlacePanel(docks);
+    placeDock = addPanel(panel, "Numbers", Command::SHOW_NUMBERS);
+    places = std::make_unique<PlaceTeller>(ownedViewer->marks, *panel);
+    connect(placeDock, &QDockWidget::visibilityChanged, this, [this](bool visible) {
+        ownedViewer->picksWhileTurning = visible;
+        places->follow();
+        showHint();
+    });
+}
+
+QDockWidget* MainWindow::addPanel(QWidget* panel, const char* title, Command toggle)
+{
+    auto* dock = new QDockWidget(title, docks);
+    dock->setWidget(panel);
+    docks->addDockWidget(Qt::RightDockWidgetArea, dock);
+    dock->hide();
+    connect(dock->toggleViewAction(), &QAction::toggled, (*menus)[toggle], &QAction::setChecked);
+    return dock;
 }
 
 void MainWindow::buildPlayBar()
@@ -169,7 +206,10 @@ void MainWindow::buildStatusBar()
     loadBar = new LoadBar((*menus)[Command::STOP_LOADING], statusBar);
     statusBar->addWidget(loadBar, 1);
     layout()->addWidget(statusBar);
-    ownedViewer->onMiss = [this] { statusText->tell({}); };
+    ownedViewer->onMiss = [this] {
+        places->forget();
+        statusText->tell({});
+    };
     ownedViewer->onMode = [this] { followMode(); };
 }
 
@@ -185,10 +225,10 @@ void MainWindow::showScene(DataScene* newScene, const std::vector<std::string>& 
     endPlaying();
     scene = newScene;
     shownFiles = files;
-    scene->onPick = [this](const Told& told) {
-        ownedViewer->hasPicked = true;
-        statusText->tell({told});
-    };
+    scene->onPick = [this](const SoPickedPoint& picked) { pick(picked); };
+    if (choice == NEW_CAMERA)
+        places->forget();
+    places->setScene(scene);
     scene->showColours((*menus)[Command::SHOW_COLOURS]->isChecked());
     viewer->setSceneGraph(static_cast<SoGeneralScene*>(scene));
     ownedViewer->home = scene->settle(options.camera);
@@ -203,6 +243,17 @@ void MainWindow::showScene(DataScene* newScene, const std::vector<std::string>& 
     prepareDialogs();
     setWindowTitle(titleFor(files));
     followMode();
+}
+
+void MainWindow::pick(const SoPickedPoint& picked)
+{
+    ownedViewer->hasPicked = true;
+    if (!ownedViewer->isClick)
+        return;
+    const double pixel = viewer->getGLWidget()->devicePixelRatioF() /
+                         std::max(viewer->getCameraZoom(), 1e-300); // in the scene
+    places->add(scene->placeOf(picked, SNAP * pixel), ownedViewer->isShiftDown);
+    statusText->tell(places->getTold());
 }
 
 void MainWindow::whenPainted(std::function<void()> act)
@@ -304,6 +355,7 @@ void MainWindow::beginToPlay(const ReadReport& report, const Start& start)
         statusText->tell({toldOfFrame(of, {error, ""})});
     });
     connect(player.get(), &Player::noticed, this, &MainWindow::tellFrame);
+    connect(player.get(), &Player::frameShown, this, [this] { places->follow(); });
     connect(player.get(), &Player::opened, this,
             [this](const std::vector<std::string>& notices) { tellSeries(notices); });
     connect(player.get(), &Player::staged, this, &MainWindow::settle);
@@ -537,15 +589,24 @@ void MainWindow::followMode()
     const bool turning = viewer->isViewing();
     modeLabel->setText(turning ? "Turning" : "Picking");
     modeLabel->setToolTip("Esc: turning or picking");
-    if (!turning)
+    showHint();
+    statusText->tell({});
+    followViewer();
+}
+
+void MainWindow::showHint()
+{
+    if (!statusText)
+        return;
+    if (!viewer->isViewing())
         statusText->setHint("Picking: the left button tells a point. Dragging, wheel and arrows "
                             "are off; Esc turns again.");
+    else if (scene && placeDock->isVisible())
+        statusText->setHint("Click: all numbers there. With Shift: measures to there.");
     else if (scene)
         statusText->setHint("Right button: point and arc length. F1: all keys.");
     else
         statusText->setHint("Open a file, or drop it here. F1: all keys.");
-    statusText->tell({});
-    followViewer();
 }
 
 // Pictures
@@ -723,6 +784,7 @@ void MainWindow::command(Command asked, bool isOn)
         {Command::TEN_FRAMES_FORWARD, ofPlayer([](Player& player, bool) { player.step(10); })},
         {Command::START_RANGE, ofPlayer([](Player& player, bool) { player.toggleRangeStart(); })},
         {Command::END_RANGE, ofPlayer([](Player& player, bool) { player.toggleRangeEnd(); })},
+        {Command::SHOW_NUMBERS, [](MainWindow& w, bool on) { w.placeDock->setVisible(on); }},
         {Command::SHOW_KEYS, [](MainWindow& w, bool) { w.showKeys(); }},
         {Command::SHOW_ABOUT, [](MainWindow& w, bool) { w.showAbout(); }}};
     deeds.at(asked)(*this, isOn);

@@ -22,13 +22,18 @@
 #include "window/PlayBar.h"
 #include "window/actions.h"
 
+class QDockWidget;
 class QLabel;
+class QMainWindow;
+class SoPickedPoint;
 
 namespace strandview {
 
 class DataScene;
 class LoadBar;
 class Menus;
+class PlacePanel;
+class PlaceTeller;
 class Player;
 class StatusText;
 class WindowViewer;
@@ -130,6 +135,12 @@ private:
     void showDrawing();
     void tellOpened(const std::vector<std::string>& files, const ReadReport& report);
 
+    void buildPanels();
+    /// Beside the view, closed; an entry of the menu shows it.
+    QDockWidget* addPanel(QWidget* panel, const char* title, Command toggle);
+    /// Tells what was clicked, and measures with Shift.
+    void pick(const SoPickedPoint& picked);
+
     void buildPlayBar();
     /// Where playing is to begin.
     struct Start
@@ -154,6 +165,8 @@ private:
     static void refit(void* window, SoQtGeneralViewer* viewer, const SbVec2s& size);
     void followViewer();
     void followMode();
+    /// What the mouse does, while there is nothing else to tell.
+    void showHint();
 
     Options options;
     Loader loader;
@@ -168,7 +181,10 @@ private:
 
     std::unique_ptr<Menus> menus;
     StatusText* statusText = nullptr;
-    QLabel* modeLabel = nullptr; // turning or picking
+    QLabel* modeLabel = nullptr;  // turning or picking
+    QMainWindow* docks = nullptr; // view and panels
+    QDockWidget* placeDock = nullptr;
+    std::unique_ptr<PlaceTeller> places;
     LoadBar* loadBar = nullptr;
     PlayBar* playBar = nullptr;
     std::vector<Told> loadNotices;   ///< of the files that are shown

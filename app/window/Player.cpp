@@ -212,6 +212,8 @@ void Player::show(FrameToPlay next)
         error = updateScene(scene, *next.data, colouring ? &*colouring : nullptr,
                             std::move(next.geometry), unwatched);
     }
+    if (next.data && error.empty())
+        scene.setData(next.data);
     shown = next.frame;
     bar.showFrame(next.frame, next.time);
     if (!next.notices.empty())

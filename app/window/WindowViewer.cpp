@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "window/WindowViewer.h"
 
+#include <cmath>
 #include <utility>
 
+#include <Inventor/SoPickedPoint.h>
+#include <Inventor/SoSceneManager.h>
+#include <Inventor/actions/SoRayPickAction.h>
 #include <Inventor/events/SoMouseButtonEvent.h>
 #include <Inventor/nodes/SoCamera.h>
 #include <Inventor/nodes/SoSeparator.h>
@@ -13,6 +17,13 @@
 #include "camera/Camera.h"
 
 namespace strandview {
+
+namespace {
+
+// How far a hand moves the mouse that clicks, in the desktop's pixels.
+const double STILL = 4;
+
+} // namespace
 
 WindowViewer::WindowViewer(QWidget* parent) : SoQtGeneralViewer(parent)
 {
@@ -49,6 +60,7 @@ void WindowViewer::setSceneGraph(SoNode* root)
     auto* withAxes = new SoSeparator;
     withAxes->addChild(axes.getNode());
     withAxes->addChild(root);
+    withAxes->addChild(marks.getNode());
     SoQtGeneralViewer::setSceneGraph(withAxes);
 }
 
@@ -72,9 +84,13 @@ void WindowViewer::setViewing(SbBool viewing)
 SbBool WindowViewer::processSoEvent(const SoEvent* const event)
 {
     hasPicked = false;
-    const bool picks = isPick(event);
+    isShiftDown = event->wasShiftDown();
+    followButton(event);
+    const bool isQuick = isQuickPick(event), picks = isQuick || isPick(event);
     const SbBool handled = SoQtGeneralViewer::processSoEvent(event);
-    if (picks && !hasPicked && onMiss)
+    if (isQuick)
+        pickAt(event->getPosition());
+    if (picks && isClick && !hasPicked && onMiss)
         onMiss();
     return handled;
 }
@@ -92,13 +108,45 @@ void WindowViewer::actualRedraw()
 void WindowViewer::sizeChanged(const SbVec2s& size)
 {
     SoQtGeneralViewer::sizeChanged(size);
-    axes.setView(getGLSize(), float(getGLWidget()->devicePixelRatioF()));
+    const auto scale = float(getGLWidget()->devicePixelRatioF());
+    axes.setView(getGLSize(), scale);
+    marks.setScale(scale);
 }
 
 void WindowViewer::turnAxes(void* viewer, SoSensor* /*sensor*/)
 {
     auto* self = static_cast<WindowViewer*>(viewer);
     self->axes.setOrientation(self->getCamera()->orientation.getValue());
+}
+
+void WindowViewer::followButton(const SoEvent* event)
+{
+    isClick = false;
+    if (!event->isOfType(SoMouseButtonEvent::getClassTypeId()))
+        return;
+    const SbVec2s place = event->getPosition();
+    if (static_cast<const SoMouseButtonEvent*>(event)->getState() == SoButtonEvent::DOWN) {
+        pressed = place;
+        return;
+    }
+    const double way = std::hypot(place[0] - pressed[0], place[1] - pressed[1]);
+    isClick = way <= STILL * getGLWidget()->devicePixelRatioF();
+}
+
+bool WindowViewer::isQuickPick(const SoEvent* event) const
+{
+    return picksWhileTurning && isClick && SO_MOUSE_RELEASE_EVENT(event, BUTTON1) && isViewing() &&
+           !event->wasCtrlDown();
+}
+
+void WindowViewer::pickAt(const SbVec2s& place)
+{
+    SoRayPickAction pick(getViewportRegion());
+    pick.setPoint(place);
+    pick.apply(getSceneManager()->getSceneGraph());
+    const SoPickedPoint* const point = pick.getPickedPoint();
+    if (point && getGeneralScene())
+        getGeneralScene()->processPickEvent(point);
 }
 
 bool WindowViewer::isPick(const SoEvent* event) const

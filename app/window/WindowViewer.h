@@ -12,6 +12,7 @@
 #include "request/CameraRequest.h"
 #include "window/AxisCross.h"
 #include "window/FrameWaiter.h"
+#include "window/PlaceMarks.h"
 
 namespace strandview {
 
@@ -28,9 +29,15 @@ public:
     std::function<void()> onMiss;  ///< after a click beside everything
     std::function<void()> onMode;  ///< after a change between turning and picking
 
-    CameraRequest home;     ///< where the scene is seen from at the beginning
-    bool hasPicked = false; ///< in the event that is being processed; whoever picks says so
+    CameraRequest home;             ///< where the scene is seen from at the beginning
+    bool picksWhileTurning = false; ///< clicks of the left button, too, that turn nothing
+    // Of the event that is being processed
+    bool hasPicked = false;   ///< whoever picks says so
+    bool isClick = false;     ///< a button was released at about the place where it was pressed
+    bool isShiftDown = false; ///< then, too
+
     AxisCross axes;
+    PlaceMarks marks;
     QPointer<FrameWaiter> frameWaiter;
 
     using SoQtGeneralViewer::getGLSize;
@@ -40,7 +47,7 @@ public:
     void setCameraType(SoType type) override;
     void saveHomePosition() override;
     void resetToHomePosition() override;
-    /// With the axes.
+    /// With the axes and the marks.
     void setSceneGraph(SoNode* root) override;
     void setCamera(SoCamera* camera) override;
     void setViewing(SbBool viewing) override;
@@ -52,7 +59,13 @@ protected:
 
 private:
     static void turnAxes(void* viewer, SoSensor* sensor);
+    void followButton(const SoEvent* event);
     bool isPick(const SoEvent* event) const;
+    /// A click of the left button while it turns.
+    bool isQuickPick(const SoEvent* event) const;
+    void pickAt(const SbVec2s& place);
+
+    SbVec2s pressed; ///< where a button was
 
     SoFieldSensor cameraWatcher{turnAxes, this};
 };

@@ -24,13 +24,16 @@ Action step(const char* submenu, const char* text, const char* keys, V::CameraSt
 
 ActionGroup mouse()
 {
-    return {"Mouse",
-            {{nullptr, "left button, drag", "turns the scene"},
-             {nullptr, "middle button, drag", "moves it"},
-             {nullptr, "wheel", "zooms"},
-             {nullptr, "right button, click", "tells point and arc length in the status bar"},
-             {nullptr, "Ctrl + left or right button, click",
-              "brings the point clicked to the middle"}}};
+    return {
+        "Mouse",
+        {{nullptr, "left button, drag", "turns the scene"},
+         {nullptr, "middle button, drag", "moves it"},
+         {nullptr, "wheel", "zooms"},
+         {nullptr, "right button, click", "tells point and arc length in the status bar"},
+         {nullptr, "left button, click", "with the panel of numbers open: tells them all there"},
+         {nullptr, "Shift + such a click", "measures from the place before to this one"},
+         {nullptr, "Ctrl + left or right button, click",
+          "brings the point clicked to the middle"}}};
 }
 
 ActionGroup file()
@@ -126,7 +129,9 @@ ActionGroup look()
               C::TOGGLE_WHEELS, CHECKABLE | KEY_OF_VIEWER},
              {"&Picking instead of turning", "Esc",
               "turning, or picking: the left button tells, no drags", C::TOGGLE_PICKING,
-              CHECKABLE | KEY_OF_VIEWER}}};
+              CHECKABLE | KEY_OF_VIEWER},
+             {"N&umbers of a place", "N", "a panel: all numbers of what is clicked",
+              C::SHOW_NUMBERS, CHECKABLE | AFTER_A_LINE}}};
 }
 
 ActionGroup play()

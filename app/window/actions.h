@@ -39,6 +39,7 @@ enum class Command {
     TOGGLE_FRAMES,
     TOGGLE_WHEELS,
     TOGGLE_PICKING,
+    SHOW_NUMBERS,
     PLAY,
     FIRST_FRAME,
     FRAME_BACK,

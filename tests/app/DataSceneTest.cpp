@@ -72,6 +72,11 @@ protected:
     }
 };
 
+double nearestArcLength(BiarcTubeMesh& tube, const Vector3<double>& point)
+{
+    return nearestOnTube(tube, point).arcLength;
+}
+
 // A straight rod along x, 4 long, in the scene's coordinates.
 SoRod* makeStraight()
 {
@@ -269,7 +274,7 @@ TEST_F(DataSceneTest, TellsWhoListensAndLeavesThePickToTheViewer)
     ASSERT_TRUE(pick.getPickedPoint());
     EXPECT_FALSE(scene->processPickEvent(pick.getPickedPoint())); // nobody listens
     std::string told;
-    scene->onPick = [&told](const Told& description) { told = toLine(description); };
+    scene->onPick = [&](const SoPickedPoint& picked) { told = toLine(scene->describe(picked)); };
     EXPECT_FALSE(scene->processPickEvent(pick.getPickedPoint()));
     EXPECT_EQ(told, "point 0 0 1");
     scene->unref();

@@ -1653,7 +1653,7 @@ TEST_F(ActionsTest, EveryOtherKeyTriggersItsEntryOnce)
             entry->disconnect();
         }
     }
-    EXPECT_EQ(tried, 28);
+    EXPECT_EQ(tried, 29);
 }
 
 TEST_F(MainWindowTest, EveryKeyThatTheViewKnowsStandsOnTheHelpPage)

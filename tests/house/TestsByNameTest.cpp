@@ -33,6 +33,8 @@ const std::map<std::string, std::string> ELSEWHERE{
     {"app/window/LoadBar.cpp", "tests/gui/LoadingTest.cpp"},
     {"app/window/LoadJob.cpp", "tests/gui/LoadingTest.cpp"},
     {"app/window/Menus.cpp", "tests/gui/MainWindowTest.cpp"},
+    {"app/window/PlaceMarks.cpp", "tests/gui/PlacePanelTest.cpp"},
+    {"app/window/PlaceTeller.cpp", "tests/gui/PlacePanelTest.cpp"},
     {"app/window/WindowViewer.cpp", "tests/gui/MainWindowTest.cpp"},
     {"app/window/checkDisplay.cpp", "tests/app/StrandviewTest.cpp"},
     {"app/window/runWindow.cpp", "tests/gui/LoadingTest.cpp"},

@@ -11,7 +11,8 @@
 
 namespace {
 
-const unsigned LEFT_BUTTON = 1;
+const unsigned LEFT_BUTTON = 1, RIGHT_BUTTON = 3;
+const unsigned long STEP = 40; // ms, of a drag
 
 Display* display()
 {
@@ -41,15 +42,15 @@ void press(const std::vector<KeyCode>& keys)
     XFlush(display());
 }
 
-void button(bool down)
+void button(bool down, unsigned which = LEFT_BUTTON)
 {
-    XTestFakeButtonEvent(display(), LEFT_BUTTON, down ? True : False, CurrentTime);
+    XTestFakeButtonEvent(display(), which, down ? True : False, CurrentTime);
     XFlush(display());
 }
 
-void movePointer(int x, int y)
+void movePointer(int x, int y, unsigned long delay = CurrentTime)
 {
-    XTestFakeMotionEvent(display(), -1, x, y, CurrentTime);
+    XTestFakeMotionEvent(display(), -1, x, y, delay);
     XFlush(display());
 }
 
@@ -78,8 +79,33 @@ void dragRealPointer(int fromX, int fromY, int toX, int toY)
 {
     movePointer(fromX, fromY);
     button(true);
-    movePointer(toX, toY);
+    if (fromX != toX || fromY != toY) { // slowly: a viewer turns from one place to the next
+        movePointer((fromX + toX) / 2, (fromY + toY) / 2, STEP);
+        movePointer(toX, toY, STEP);
+    }
     button(false);
 }
 
 void clickRealButton(int x, int y) { dragRealPointer(x, y, x, y); }
+
+void clickRealButtonWith(const std::string& held, int x, int y)
+{
+    const KeyCode key = codeOf(symbolOf(held + "_L"));
+    XTestFakeKeyEvent(display(), key, True, CurrentTime);
+    clickRealButton(x, y);
+    XTestFakeKeyEvent(display(), key, False, CurrentTime);
+    XFlush(display());
+}
+
+void clickRealRightButton(int x, int y)
+{
+    movePointer(x, y);
+    button(true, RIGHT_BUTTON);
+    button(false, RIGHT_BUTTON);
+}
+
+void doubleClickRealButton(int x, int y)
+{
+    clickRealButton(x, y);
+    clickRealButton(x, y);
+}

@@ -17,5 +17,11 @@ void pressRealKey(const std::string& name);
 void dragRealPointer(int fromX, int fromY, int toX, int toY);
 /// Presses and releases the left button there.
 void clickRealButton(int x, int y);
+/// The same while a key is held: "Shift", "Control".
+void clickRealButtonWith(const std::string& held, int x, int y);
+/// Presses and releases the right button there.
+void clickRealRightButton(int x, int y);
+/// Twice the left button, as fast as one can.
+void doubleClickRealButton(int x, int y);
 
 #endif

@@ -12,6 +12,7 @@ class ArrowBuilder : public BuilderOf<&Configuration::arrows>
 public:
     using BuilderOf::BuilderOf;
 
+    ThingKind getKind() const override { return ThingKind::ARROW; }
     const char* getWork() const override;
     std::string check(std::size_t index) const override;
     SbBox3f getReach(std::size_t index) const override;

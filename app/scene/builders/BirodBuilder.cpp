@@ -4,12 +4,15 @@
 #include <initializer_list>
 #include <utility>
 
+#include <Inventor/SoPickedPoint.h>
 #include <Inventor/nodes/SoMaterial.h>
 #include <Inventor/nodes/SoMaterialBinding.h>
 #include <Inventor/nodes/SoSeparator.h>
 #include <Inventor/nodes/SoSwitch.h>
 
 #include "scene/Colouring.h"
+#include "scene/DataScene.h"
+#include "scene/PickedPlace.h"
 #include "scene/builders/DataColours.h"
 #include "scene/curveFaults.h"
 
@@ -59,6 +62,30 @@ BiarcTubeMesh* centralTube(const SoNode& node)
     return static_cast<const SoBirod&>(node).getAvgTubeMesh();
 }
 
+BiarcTubeMesh* strandTube(const SoNode& node, int strand)
+{
+    const auto& birod = static_cast<const SoBirod&>(node);
+    return strand == 1 ? birod.getTube1Mesh() : birod.getTube2Mesh();
+}
+
+// The strand, or 0 for the average, whose surface is nearest.
+void placeIn(const ShownDatum& shown, const SoPickedPoint& picked, int /*index*/,
+             PickedPlace& place)
+{
+    const SbVec3f point = picked.getPoint();
+    const auto distance = [&](BiarcTubeMesh& tube) {
+        return nearestOnTube(tube, {point[0], point[1], point[2]}).distance - tube.getRadius();
+    };
+    double nearest = distance(*centralTube(*shown.node));
+    for (const int strand : {1, 2}) {
+        const double next = distance(*strandTube(*shown.node, strand));
+        if (next < nearest) {
+            nearest = next;
+            place.strand = strand;
+        }
+    }
+}
+
 } // namespace
 
 SceneGeometry::Birod BirodBuilder::compute(const Birod& birod, const Style& style,
@@ -105,6 +132,8 @@ ShownDatum BirodBuilder::makeNodes(std::size_t index)
                              style.showRibbon, false, style.twoSidedRibbon);
     shown.group->addChild(shown.node);
     shown.centralTube = &centralTube;
+    shown.strandTube = &strandTube;
+    shown.placeIn = &placeIn;
     updateNodes(index, shown);
     return shown;
 }

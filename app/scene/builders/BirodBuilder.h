@@ -20,6 +20,7 @@ public:
     static SceneGeometry::Birod compute(const Birod& birod, const Style& style,
                                         const Placement& placement, std::string& error);
 
+    ThingKind getKind() const override { return ThingKind::BIROD; }
     const char* getWork() const override;
     SbBox3f getReach(std::size_t index) const override;
 

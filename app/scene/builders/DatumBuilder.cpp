@@ -23,6 +23,7 @@ std::string DatumBuilder::check(std::size_t /*index*/) const { return ""; }
 ShownDatum DatumBuilder::build(std::size_t index)
 {
     ShownDatum shown = makeNodes(index);
+    shown.kind = getKind();
     shown.name = getName(index);
     shown.group->ref(); // an action leaves no node without a reference
     shown.box = findBox(index, shown);

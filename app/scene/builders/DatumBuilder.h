@@ -49,6 +49,7 @@ public:
     DatumBuilder(const DatumBuilder&) = delete;
     DatumBuilder& operator=(const DatumBuilder&) = delete;
 
+    virtual ThingKind getKind() const = 0;
     /// "Building arrow".
     virtual const char* getWork() const = 0;
     /// How many of them the frame has.

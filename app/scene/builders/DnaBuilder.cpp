@@ -23,6 +23,7 @@
 #include "scene/BaseNodes.h"
 #include "scene/Colouring.h"
 #include "scene/DataScene.h"
+#include "scene/PickedPlace.h"
 #include "scene/builders/ArrowHead.h"
 #include "scene/builders/ColouredPairs.h"
 #include "scene/builders/DataColours.h"
@@ -70,30 +71,25 @@ char complementOf(char base)
 
 // What is picked
 
-// "pair 12 AT, strand 2, ", of a pair's box without the strand.
-std::string textOf(const ShownDatum& shown, std::size_t pair, int strand)
+void setPair(const ShownDatum& shown, std::size_t pair, int strand, PickedPlace& place)
 {
-    const char base = shown.bases[pair];
-    std::string text = "pair " + std::to_string(pair + 1) + " " + base + complementOf(base) + ", ";
-    if (strand > 0)
-        text += "strand " + std::to_string(strand) + ", ";
-    return text;
-}
-
-// Bases are two for each pair.
-std::string textOfBase(const ShownDatum& shown, std::size_t base)
-{
-    return textOf(shown, base / 2, int(base % 2) + 1);
+    place.row = pair;
+    place.strand = strand;
+    place.base = shown.bases[pair];
+    place.partner = complementOf(place.base);
 }
 
 // Below a SoDNA, which is the path's node `index`: child 0 holds the boxes of the pairs, child 1
-// the bases.
-std::string textOfPair(const ShownDatum& shown, const SoPath& path, int index)
+// the bases, two for each pair.
+void placeInPairs(const ShownDatum& shown, const SoPath& path, int index, PickedPlace& place)
 {
     if (path.getLength() < index + 3)
-        return "";
-    const auto place = std::size_t(path.getIndex(index + 2));
-    return path.getIndex(index + 1) == 1 ? textOfBase(shown, place) : textOf(shown, place, 0);
+        return;
+    const auto child = std::size_t(path.getIndex(index + 2));
+    if (path.getIndex(index + 1) == 1)
+        setPair(shown, child / 2, int(child % 2) + 1, place);
+    else
+        setPair(shown, child, 0, place);
 }
 
 // Behind their scale: a SoDNA, or the choice between one, with colours of its own, and what has
@@ -129,46 +125,48 @@ SoRod& rodOf(const SoSeparator& backbone) { return *static_cast<SoRod*>(backbone
 
 // By the nearest place of the centreline, which has a point for each base and one more unless
 // points were left out.
-std::string textOfBackbone(const ShownDatum& shown, const SoPickedPoint& picked, Strand strand)
+void placeInBackbone(const ShownDatum& shown, const SoPickedPoint& picked, Strand strand,
+                     PickedPlace& place)
 {
-    const int number = int(strand) + 1;
+    place.strand = int(strand) + 1;
     const SbVec3f point = picked.getPoint();
     BiarcTubeMesh& tube = *rodOf(backboneOf(*shown.group, strand)).getTubeMesh();
     const std::vector<double>& lengths = tube.getParamValues();
     if (lengths.size() != shown.bases.size() + 1)
-        return "strand " + std::to_string(number) + ", ";
-    const double length = nearestArcLength(tube, {point[0], point[1], point[2]});
+        return;
+    const double length = nearestOnTube(tube, {point[0], point[1], point[2]}).arcLength;
     const auto after = std::upper_bound(lengths.begin() + 1, lengths.end() - 1, length);
     const auto base = std::size_t(after - lengths.begin()) - 1;
-    return textOf(shown, strand == Strand::FIRST ? base : shown.bases.size() - 1 - base, number);
+    setPair(shown, strand == Strand::FIRST ? base : shown.bases.size() - 1 - base, place.strand,
+            place);
 }
 
 // Of the SoDNA, or the pairs in colours of data, that the path leads through.
-std::string textOfPairs(const ShownDatum& shown, const SoPickedPoint& picked, int index)
+void placeBehindScale(const ShownDatum& shown, const SoPickedPoint& picked, int index,
+                      PickedPlace& place)
 {
     const SoPath& path = *picked.getPath();
     for (; index < path.getLength(); ++index) {
-        if (path.getNode(index)->isOfType(SoDNA::getClassTypeId()))
-            return textOfPair(shown, path, index);
+        if (path.getNode(index)->isOfType(SoDNA::getClassTypeId())) {
+            placeInPairs(shown, path, index, place);
+            return;
+        }
         if (shown.colours && path.getNode(index) == &colouredPairsIn(*shown.colours)) {
-            const auto pair = pickedPair(picked, index, shown.bases.size());
-            return pair ? textOf(shown, pair->pair, pair->strand) : "";
+            if (const auto pair = pickedPair(picked, index, shown.bases.size()))
+                setPair(shown, pair->pair, pair->strand, place);
+            return;
         }
     }
-    return "";
 }
 
-Told placeIn(const ShownDatum& shown, const SoPickedPoint& picked, int index)
+void placeIn(const ShownDatum& shown, const SoPickedPoint& picked, int index, PickedPlace& place)
 {
     const SoPath& path = *picked.getPath();
     const int child = path.getLength() > index + 1 ? path.getIndex(index + 1) : -1;
-    std::string text;
-    if (child == PAIRS) {
-        text = textOfPairs(shown, picked, index + 2);
-    } else if (child >= BACKBONES) {
-        text = textOfBackbone(shown, picked, Strand(child - BACKBONES));
-    }
-    return {text, shown.name};
+    if (child == PAIRS)
+        placeBehindScale(shown, picked, index + 2, place);
+    else if (child >= BACKBONES)
+        placeInBackbone(shown, picked, Strand(child - BACKBONES), place);
 }
 
 // Nodes

@@ -23,6 +23,7 @@ public:
     static SceneGeometry::Dna compute(const Dna& dna, const Molecules& molecules,
                                       const Style& style, const Placement& placement);
 
+    ThingKind getKind() const override { return ThingKind::DNA; }
     const char* getWork() const override;
     SbBox3f getReach(std::size_t index) const override;
 

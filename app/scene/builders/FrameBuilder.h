@@ -12,6 +12,7 @@ class FrameBuilder : public BuilderOf<&Configuration::frames>
 public:
     using BuilderOf::BuilderOf;
 
+    ThingKind getKind() const override { return ThingKind::FRAME; }
     const char* getWork() const override;
     SbBox3f getReach(std::size_t index) const override;
 

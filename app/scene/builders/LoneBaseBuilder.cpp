@@ -12,6 +12,7 @@
 #include <SoNucleobase.h>
 
 #include "scene/BaseNodes.h"
+#include "scene/PickedPlace.h"
 
 namespace strandview {
 
@@ -20,14 +21,16 @@ namespace {
 // No atom or corner of a base is farther from its frame.
 const double REACH = 9.2; // ångström
 
-// "base A, " by the name of that base. The first child of the group is its scale.
-Told placeIn(const ShownDatum& shown, const SoPickedPoint& picked, int index)
+// By the name of the base. The first child of the group is its scale.
+void placeIn(const ShownDatum& shown, const SoPickedPoint& picked, int index, PickedPlace& place)
 {
     const SoPath& path = *picked.getPath();
     if (path.getLength() < index + 2)
-        return {"", shown.name};
+        return;
     const auto base = std::size_t(path.getIndex(index + 1)) - 1;
-    return {std::string("base ") + shown.bases[base] + ", ", shown.parts[base]};
+    place.datum = base;
+    place.base = shown.bases[base];
+    place.name = shown.parts[base];
 }
 
 // Each base in its place, in ångström; those of a letter share their node.

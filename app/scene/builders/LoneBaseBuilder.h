@@ -12,6 +12,7 @@ class LoneBaseBuilder : public BuilderOf<&Configuration::loneBases>
 public:
     using BuilderOf::BuilderOf;
 
+    ThingKind getKind() const override { return ThingKind::LONE_BASES; }
     const char* getWork() const override;
     std::size_t count() const override;
     SbBox3f getReach(std::size_t index) const override;

@@ -15,6 +15,7 @@ public:
     using BuilderOf::BuilderOf;
     ~MarkerBuilder() override;
 
+    ThingKind getKind() const override { return ThingKind::MARKER; }
     const char* getWork() const override;
     std::string check(std::size_t index) const override;
     SbBox3f getReach(std::size_t index) const override;

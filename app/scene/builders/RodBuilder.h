@@ -24,6 +24,7 @@ public:
                                       const Placement& placement, std::string& error);
 
     std::string check(std::size_t index) const override;
+    ThingKind getKind() const override { return ThingKind::ROD; }
     const char* getWork() const override;
     SbBox3f getReach(std::size_t index) const override;
 
