@@ -23,9 +23,9 @@ namespace strandview {
 // 0. Where the one in front, as one looks at both, is crossed from left to right by the one behind,
 // it is negative: a right-handed coil has a positive writhe.
 //
-// From POINTS_FOR_THREADS points on, all processors compute; the sums are those of one. Time grows
-// with the square of the number of points. Curves of any size: they are scaled to one first.
-// Plain functions for any thread.
+// From POINTS_FOR_THREADS points on, up to sixteen processors compute; the sums are those of one.
+// Time grows with the square of the number of points. Curves of any size: they are scaled to one
+// first. Plain functions for any thread.
 
 constexpr std::size_t POINTS_FOR_THREADS = 2000;
 

@@ -6,6 +6,7 @@
 #include <limits>
 #include <utility>
 
+#include <strandview/analysis/boxes.h>
 #include <strandview/analysis/curveNumbers.h>
 
 namespace strandview {
@@ -21,34 +22,11 @@ bool isClosedExactly(const Points& curve)
     return curve.size() > 2 && gap.dot(gap) == 0;
 }
 
-struct Box
-{
-    Vector low, high;
-
-    void include(const Vector& point)
-    {
-        low = {std::min(low.x, point.x), std::min(low.y, point.y), std::min(low.z, point.z)};
-        high = {std::max(high.x, point.x), std::max(high.y, point.y), std::max(high.z, point.z)};
-    }
-};
-
 Box joined(Box box, const Box& other)
 {
     box.include(other.low);
     box.include(other.high);
     return box;
-}
-
-// No two points of the boxes are nearer.
-double distanceOf(const Box& a, const Box& b)
-{
-    const auto between = [](double lowA, double highA, double lowB, double highB) {
-        return std::max({0.0, lowB - highA, lowA - highB});
-    };
-    return Vector(between(a.low.x, a.high.x, b.low.x, b.high.x),
-                  between(a.low.y, a.high.y, b.low.y, b.high.y),
-                  between(a.low.z, a.high.z, b.low.z, b.high.z))
-        .getNorm();
 }
 
 // The search for the nearest two edges: halves of halves of the curve, with a box each.
@@ -123,15 +101,24 @@ private:
         return behind - edge < 2 || (isClosed && edge + edges - behind < 2);
     }
 
+    // No two edges of the parts are farther from each other along the curve; either way around a
+    // closed one, or all pairs of a circle would be looked at.
+    double largestGap(const Part& part, const Part& behind) const
+    {
+        const std::size_t last = std::min(behind.end, edges) - 1;
+        const double forward = last > part.first ? lengths[last] - lengths[part.first + 1] : 0;
+        const double backward =
+            lengths.back() - lengths[behind.first + 1] + lengths[std::min(part.end, edges) - 1];
+        return isClosed ? std::min(forward, backward) : forward;
+    }
+
     // All pairs of an edge of one part and one of another, which is the same or lies behind it.
     void search(const Part& part, const Part& behind)
     {
         if (behind.first >= edges ||
             distanceOf(boxes[part.box], boxes[behind.box]) >= nearest.distance)
             return;
-        // The two that are farthest from each other along the curve.
-        const std::size_t last = std::min(behind.end, edges) - 1;
-        if (last <= part.first || lengths[last] - lengths[part.first + 1] <= gap)
+        if (largestGap(part, behind) <= gap)
             return;
         if (part.end - part.first == LEAF) {
             compare(part, behind);
@@ -208,8 +195,12 @@ std::optional<Contact> contactOf(const Points& curve)
     if (curve.size() < 4)
         return {};
     const std::vector<algebra3d::Quaternion<double>> noFrames;
-    const std::vector<double> all = curvatures({curve, noFrames, isClosedExactly(curve)});
-    const double tightest = *std::max_element(all.begin(), all.end());
+    const Line line{curve, noFrames, isClosedExactly(curve)};
+    const std::vector<double> all = curvatures(line), rounding = roundingOfCurvatures(line);
+    // Rounded points that are near each other seem to be bent far more than they are.
+    double tightest = 0;
+    for (std::size_t i = 0; i < all.size(); ++i)
+        tightest = std::max(tightest, all[i] - rounding[i]);
     if (!(tightest > 0))
         return {};
     return ContactSearch(curve, std::acos(-1.0) / tightest).find();

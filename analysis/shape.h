@@ -37,8 +37,8 @@ struct Contact
 
 /// The smallest distance between two edges that do not follow each other and are farther apart
 /// along the curve, from the end of one to the start of the other, than half a turn of its tightest
-/// bend: pi over its largest curvature (curveNumbers.h). Around a closed curve both ways are as far
-/// at least. Nothing if no two edges are.
+/// bend: pi over its largest curvature, less what rounding may make of that (curveNumbers.h).
+/// Around a closed curve both ways are as far at least. Nothing if no two edges are.
 ///
 /// Boxes around halves of halves of the curve leave out what is farther than the nearest so far:
 /// time grows little faster than the number of points.

@@ -17,6 +17,8 @@ using Vector = algebra3d::Vector3<double>;
 
 // Directions at the two ends of a closed ribbon that differ by less are one, but for rounding.
 const double SAME_DIRECTION = 1e-3; // radians
+// Of a linking number. It is no whole number where a curve meets itself.
+const double ROUNDING = 1e-6;
 
 struct Ribbon
 {
@@ -78,8 +80,9 @@ Topology topologyOf(const Track& track)
         return found;
     const Ribbon ribbon = ribbonOf(track);
     found.twist = turnsOf(ribbon);
-    if (ribbon.isClosed)
-        found.linkingNumber = std::llround(*found.twist + integral);
+    const double sum = *found.twist + integral;
+    if (ribbon.isClosed && std::abs(sum - std::round(sum)) <= ROUNDING)
+        found.linkingNumber = std::llround(sum);
     return found;
 }
 

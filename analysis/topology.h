@@ -16,7 +16,8 @@ struct Topology
     std::optional<double> gaussIntegral; ///< the same sum of an open one, which is no writhe
     std::optional<double> twist;         ///< Tw of the ribbon, in turns (ribbonTwist.h)
     /// Lk = Tw + Wr of a closed one, whose ribbon is closed, too (G. Calugareanu, Rev. Math. Pures
-    /// Appl. 4, 1959, 5; J. H. White, Am. J. Math. 91, 1969, 693).
+    /// Appl. 4, 1959, 5; J. H. White, Am. J. Math. 91, 1969, 693). Nothing of one that meets
+    /// itself: then the sum is no whole number within 1e-6.
     std::optional<long long> linkingNumber;
 };
 

@@ -136,6 +136,30 @@ TEST(Contact, OfStraightCurvesAndCirclesIsNone)
         contactOf(ringOf(100, [](double t) { return Vector(std::cos(t), std::sin(t), 0); })));
 }
 
+TEST(Contact, OfACircleIsNoneHoweverItsPointsAreRounded)
+{
+    for (const int size : {1000, 4000}) {
+        const auto rounded = [](double value) { return std::round(value * 1e6) / 1e6; };
+        EXPECT_FALSE(contactOf(ringOf(size, [&](double t) {
+            return Vector(rounded(std::cos(t)), rounded(std::sin(t)), 0);
+        }))) << size;
+    }
+}
+
+// Of which no two edges are that far apart along the curve, or those across alone: to look at all
+// pairs would take longer than a test may.
+TEST(Contact, OfALongRingIsNotSoughtAmongAllPairs)
+{
+    const auto ellipse = [](double wide) {
+        return ringOf(700000,
+                      [wide](double t) { return Vector(wide * std::cos(t), std::sin(t), 0); });
+    };
+    EXPECT_FALSE(contactOf(ellipse(1)));
+    const auto contact = contactOf(ellipse(1.01));
+    ASSERT_TRUE(contact);
+    EXPECT_NEAR(contact->distance, 2, 1e-3);
+}
+
 TEST(Contact, IsThatOfAllPairsOfEdges)
 {
     int found = 0;

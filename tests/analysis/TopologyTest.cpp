@@ -120,10 +120,8 @@ TEST(Topology, OfAClosedDnaCountsItsTurns)
         // d3 along the tangent of a circle about y.
         const auto along = algebra3d::about(Vector(0, 1, 0), t + M_PI / 2);
         dna.bases += 'N';
-        dna.pairPoints.emplace_back(radius * std::sin(t + M_PI / 2) * -std::cos(M_PI), 0,
-                                    radius * std::cos(t + M_PI / 2) * -std::cos(M_PI));
-        dna.pairPoints.back() =
-            Vector(-radius * std::cos(t + M_PI / 2), 0, radius * std::sin(t + M_PI / 2));
+        dna.pairPoints.emplace_back(-radius * std::cos(t + M_PI / 2), 0,
+                                    radius * std::sin(t + M_PI / 2));
         dna.pairRotations.push_back(along * algebra3d::about(Vector(0, 0, 1), turns * t));
     }
     for (auto* points : {&dna.points1, &dna.points2})
@@ -137,6 +135,27 @@ TEST(Topology, OfAClosedDnaCountsItsTurns)
     EXPECT_EQ(found.linkingNumber.value(), turns);
     EXPECT_NEAR(found.twist.value(), turns, 1e-10);
     EXPECT_NEAR(found.writhe.value(), 0, 1e-12);
+}
+
+TEST(Topology, OfACurveThatMeetsItselfHasNoLink)
+{
+    // Two loops through the origin, in planes that are inclined to each other.
+    std::vector<Vector> points;
+    for (int i = 0; i <= 80; ++i) {
+        const double t = 2 * M_PI * i / 40;
+        const Vector loop(std::sin(t), 1 - std::cos(t), 0);
+        points.push_back(i < 40 ? loop
+                                : algebra3d::rotated(Vector(loop.x, -loop.y, 0),
+                                                     algebra3d::about(Vector(3, 1, 2), 0.8)));
+    }
+    points[0] = points[40] = points[80] = Vector();
+    const Topology met =
+        topologyOf(trackOf(framed(points, std::vector<Vector>(81, Vector(0.1, 0.2, 1)))));
+    EXPECT_TRUE(met.writhe && met.twist);
+    EXPECT_FALSE(met.linkingNumber) << *met.writhe + *met.twist;
+    points[40].z = 0.05;
+    EXPECT_TRUE(topologyOf(trackOf(framed(points, std::vector<Vector>(81, Vector(0.1, 0.2, 1)))))
+                    .linkingNumber);
 }
 
 TEST(Topology, OfFewPointsIsNothing)
