@@ -7,6 +7,7 @@
 #include <Inventor/nodes/SoMaterial.h>
 #include <SoGeneralScene.h>
 
+#include <strandview/analysis/nearestPoints.h>
 #include <strandview/analysis/scalars.h>
 #include <strandview/formats/text/wording.h>
 
@@ -118,6 +119,8 @@ void note(const Options& options, const Colouring& colouring, const ValueSummary
     };
     tellWithout("rod", 0, colouring.rods, 1);
     tellWithout("birod", colouring.rods, colouring.birods, 3);
+    const std::size_t beforeDna = colouring.rods + 3 * colouring.birods;
+    tellWithout("double strand", beforeDna, colouring.places.size() - beforeDna, 1);
 }
 
 // Nothing if it goes by the unit of the points, which no file tells.
@@ -190,13 +193,38 @@ double placeBesideConstant(const Colouring& colouring, double value, double roun
     return value - rounding > colouring.constantMax + slack ? 2 : 0.5;
 }
 
+bool isOfPairs(const Track& track, const std::string& name)
+{
+    const Quantity* const quantity = findQuantity(track.kind, name);
+    return quantity && quantity->place != ScalarPlace::POINT;
+}
+
+bool isOfFile(const Track& track, const std::string& name)
+{
+    return track.rod && std::any_of(track.rod->scalars.begin(), track.rod->scalars.end(),
+                                    [&](const Scalar& scalar) { return scalar.name == name; });
+}
+
+// Of values of findValues(). Those that are of pairs have that of pairs, in backbones, too.
+Values roundingOfValues(const std::vector<Track>& tracks, std::size_t index,
+                        const std::string& name)
+{
+    const Track& track = tracks[index];
+    if (!track.rod || isOfFile(track, name))
+        return roundingOf(track, name);
+    for (const Track& other : tracks)
+        if (isOfPairs(other, name))
+            return Values(track.points.size(), roundingOf(other, name).front());
+    return roundingOf(track, name);
+}
+
 void placeBesideConstant(Colouring& colouring, const std::vector<Track>& tracks)
 {
     for (std::size_t i = 0; i < tracks.size(); ++i) {
         Values& places = colouring.places[i];
         if (places.empty())
             continue;
-        const Values rounding = roundingOf(tracks[i], colouring.name);
+        const Values rounding = roundingOfValues(tracks, i, colouring.name);
         for (std::size_t point = 0; point < places.size(); ++point)
             places[point] = placeBesideConstant(colouring, places[point], rounding[point]);
     }
@@ -214,18 +242,6 @@ void placeConstant(Colouring& colouring, const ValueSummary& summary)
             value = std::isfinite(value) ? 0.5 : NONE;
     }
     noteWhatThereIs(colouring);
-}
-
-bool isOfPairs(const Track& track, const std::string& name)
-{
-    const Quantity* const quantity = findQuantity(track.kind, name);
-    return quantity && quantity->place != ScalarPlace::POINT;
-}
-
-bool isOfFile(const Track& track, const std::string& name)
-{
-    return track.rod && std::any_of(track.rod->scalars.begin(), track.rod->scalars.end(),
-                                    [&](const Scalar& scalar) { return scalar.name == name; });
 }
 
 // What is shown by a name, or null: what a file calls by one may be anything. A number of pairs or
@@ -259,36 +275,37 @@ const double REACH_OF_PAIRS = 20; // ångström
 Values ofNearestPairs(const Rod& backbone, const std::vector<Track>& tracks,
                       const std::vector<Values>& values)
 {
-    Values nearest;
-    std::vector<double> distances(backbone.points.size());
+    std::vector<algebra3d::Vector3<double>> pairs;
+    Values ofPairs;
+    double reach = 0;
     for (std::size_t i = 0; i < tracks.size(); ++i) {
         const Track& track = tracks[i];
         if (!track.dna || track.dna->molecule != backbone.molecule)
             continue;
-        if (nearest.empty()) {
-            nearest.assign(backbone.points.size(), NONE);
-            distances.assign(backbone.points.size(), REACH_OF_PAIRS * track.angstrom);
-        }
-        for (std::size_t pair = 0; pair < values[i].size(); ++pair)
-            for (std::size_t point = 0; point < distances.size(); ++point) {
-                const double distance = (backbone.points[point] - track.points[pair]).getNorm();
-                if (distance < distances[point]) {
-                    distances[point] = distance;
-                    nearest[point] = values[i][pair];
-                }
-            }
+        pairs.insert(pairs.end(), track.points.begin(), track.points.end());
+        ofPairs.insert(ofPairs.end(), values[i].begin(), values[i].end());
+        reach = REACH_OF_PAIRS * track.angstrom;
     }
+    Values nearest;
+    if (!pairs.empty())
+        for (const auto& pair : nearestPoints(backbone.points, pairs, reach))
+            nearest.push_back(pair ? ofPairs[*pair] : NONE);
     return nearest;
 }
 
+bool anyIsOfPairs(const std::vector<Track>& tracks, const std::string& name)
+{
+    return std::any_of(tracks.begin(), tracks.end(),
+                       [&](const Track& track) { return isOfPairs(track, name); });
+}
+
 // The values of each, not yet their places. A number of pairs or steps is another one than that of
-// the same name of rods; backbones have that of their pairs. Once it is stopped, none of the
-// others.
+// the same name of rods; backbones have that of their pairs. The strands of a birod have what its
+// average alone has. Once it is stopped, none of the others.
 std::vector<Values> findValues(const std::vector<Track>& tracks, const std::string& name,
                                const Progress& progress = Progress())
 {
-    const bool areOfPairs = std::any_of(tracks.begin(), tracks.end(),
-                                        [&](const Track& track) { return isOfPairs(track, name); });
+    const bool areOfPairs = anyIsOfPairs(tracks, name);
     std::vector<Values> all;
     for (const Track& track : tracks) {
         if (progress.isStopped())
@@ -297,9 +314,11 @@ std::vector<Values> findValues(const std::vector<Track>& tracks, const std::stri
         all.push_back(isMeant
                           ? withLastPair(track, name, findScalar(track, name).value_or(Values()))
                           : Values());
+        if (track.kind == Track::Kind::BIROD_STRAND && all.back().empty())
+            all.back() = all[all.size() - 1 - std::size_t(track.strand)];
     }
     all.resize(tracks.size());
-    for (std::size_t i = 0; areOfPairs && i < tracks.size(); ++i) {
+    for (std::size_t i = 0; areOfPairs && i < tracks.size() && !progress.isStopped(); ++i) {
         const Rod* const rod = tracks[i].rod;
         if (rod && rod->isBackbone && rod->molecule > 0 && all[i].empty())
             all[i] = ofNearestPairs(*rod, tracks, all);
@@ -314,7 +333,7 @@ ValueSummary summarise(const std::vector<Values>& values, const std::vector<Trac
     for (std::size_t i = 0; i < tracks.size() && !progress.isStopped(); ++i) {
         if (values[i].empty())
             continue;
-        const Values rounding = roundingOf(tracks[i], name);
+        const Values rounding = roundingOfValues(tracks, i, name);
         for (std::size_t point = 0; point < values[i].size(); ++point)
             summary.include(values[i][point], rounding[point]);
     }

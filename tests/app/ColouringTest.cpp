@@ -454,6 +454,52 @@ TEST_F(ColouringTest, ABackboneHasThatOfItsPairs)
     EXPECT_THAT(made->ofRod(1), IsEmpty());
 }
 
+TEST_F(ColouringTest, RoundingOfPairsIsThatOfTheirBackboneToo)
+{
+    Configuration data;
+    data.dnas = {rolled(1e-12, -1e-12)};
+    data.dnas[0].molecule = 1;
+    Rod backbone = rodThrough({{9, 0, 0.5}, {0, 9, 3}, {0, 9, 9}});
+    backbone.isBackbone = true;
+    backbone.molecule = 1;
+    data.rods = {backbone};
+    options.colourBy = "roll";
+    const auto made = makeColouring(options, data, report);
+    ASSERT_TRUE(made) << report.error;
+    EXPECT_THAT(report.notices, testing::Contains(HasSubstr("found 0 everywhere")));
+    EXPECT_THAT(followColouring(*made, data).ofRod(0), ElementsAre(0.5, 0.5, 0.5));
+}
+
+TEST_F(ColouringTest, OfABirodWhoseAverageAloneHasTheScalarIsThatOfAllThree)
+{
+    Configuration data;
+    Birod birod;
+    birod.points = {{0, 0, 0}, {0, 0, 1}};
+    birod.points1 = birod.points2 = birod.points;
+    birod.rotations = birod.rotations1 = birod.rotations2 = parallelTransport(birod.points);
+    birod.scalars = {{"reference_distance", {1, 3}}};
+    data.birods = {birod};
+    options.colourBy = "reference_distance";
+    const auto made = makeColouring(options, data, report);
+    ASSERT_TRUE(made) << report.error;
+    for (std::size_t curve = 0; curve < 3; ++curve)
+        EXPECT_THAT(made->ofBirod(0, curve), ElementsAre(0, 1)) << curve;
+}
+
+TEST_F(ColouringTest, DnaWithoutTheScalarIsTold)
+{
+    Configuration data;
+    data.dnas = {rolled(0, 0), rolled(0, 0)};
+    data.dnas[1].scalars = {{"reference_distance", {1, 2, 3}}};
+    options.colourBy = "reference_distance";
+    const auto made = makeColouring(options, data, report);
+    ASSERT_TRUE(made) << report.error;
+    EXPECT_THAT(made->ofDna(0), IsEmpty());
+    EXPECT_THAT(report.notices,
+                ElementsAre("--colour-by reference_distance: found 1 double strand of 2 without "
+                            "it, shown in its own colours"));
+}
+
 TEST_F(ColouringTest, OfABirodIsByItsThreeCurves)
 {
     Configuration data;
