@@ -439,6 +439,31 @@ TEST_F(SceneUpdateTest, TheHeadOfABackboneFollowsTheColoursOfItsEnd)
     expectShows(data);
 }
 
+// As of data that are compared with a reference, which has as many points as some frames.
+TEST_F(SceneUpdateTest, ColoursOfDataComeAndGoWithTheirScalar)
+{
+    options.colourBy = "k";
+    options.dna.baseBoxes = options.dna.pairBoxes = true;
+    Configuration with;
+    with.dnas = {makeDna(helixAt(8), "ACG", "DNA"), makeDna(helixAt(-8), "TTA", "DNA 2")};
+    with.dnas[0].scalars = {{"k", {1, 2, 3}}};
+    with.birods = {makeBirod(helixAt(0), "birod")};
+    with.birods[0].scalars = {{"k", {1, 2, 3, 4, 5, 6, 7, 8}}};
+    Configuration other = with;
+    other.dnas[0] = makeDna(helixAt(8), "ACGTA", "DNA");
+    other.dnas[1].scalars = {{"k", {3, 2, 1}}};
+    other.birods[0].scalars.clear();
+    build(with);
+    for (const Configuration& frame : {other, with, other, with}) {
+        ASSERT_EQ(update(frame), "");
+        expectShows(frame);
+        scene->showColours(false);
+        expectShows(frame);
+        scene->showColours(true);
+        expectShows(frame);
+    }
+}
+
 TEST_F(SceneUpdateTest, AddsWhatAppearsAndDropsWhatWent)
 {
     Configuration more = oneOfEach();

@@ -17,6 +17,7 @@
 #include <SoArrow.h>
 #include <SoDNA.h>
 
+#include <strandview/analysis/doubleStrands.h>
 #include <strandview/analysis/parallelTransport.h>
 #include <strandview/model/points.h>
 
@@ -44,6 +45,8 @@ const double REACH = 9.2; // ångström
 
 // The children of a DNA's group.
 enum Child { PAIRS, BACKBONES };
+// Of the pairs.
+const int BEHIND_SCALE = 1;
 
 const std::array<Strand, 2> STRANDS{Strand::FIRST, Strand::SECOND};
 
@@ -61,12 +64,6 @@ void makePlate(SoDNA& dna)
 bool needsPairs(const DnaLook& look)
 {
     return look.bases || look.baseBoxes || look.pairBoxes || look.atoms;
-}
-
-char complementOf(char base)
-{
-    const char complement = SoNucleobase::getComplement(base);
-    return complement ? complement : UNKNOWN_BASE;
 }
 
 // What is picked
@@ -96,7 +93,7 @@ void placeInPairs(const ShownDatum& shown, const SoPath& path, int index, Picked
 // those of data, its atoms and pairs.
 SoNode* behindScale(const SoSeparator& group)
 {
-    return static_cast<SoSeparator*>(group.getChild(PAIRS))->getChild(1);
+    return static_cast<SoSeparator*>(group.getChild(PAIRS))->getChild(BEHIND_SCALE);
 }
 
 SoSeparator& ofDataIn(const SoSwitch& choice)
@@ -210,14 +207,14 @@ SoNode* makeDnaOf(const DnaLook& look)
     return needsPairs(look) ? static_cast<SoNode*>(makeDna(look)) : new SoSeparator;
 }
 
-// A DNA, and its atoms and coloured pairs.
-SoSwitch* makePairChoice(const DnaLook& look)
+// Between a DNA that is there, and its atoms and coloured pairs.
+SoSwitch* makePairChoice(SoNode* own, const DnaLook& look)
 {
     auto* ofData = new SoSeparator;
     ofData->addChild(makeDnaOf(atomsAlone(look)));
     ofData->addChild(makeColouredPairs());
     auto* choice = new SoSwitch;
-    choice->addChild(makeDnaOf(look));
+    choice->addChild(own);
     choice->addChild(ofData);
     return choice;
 }
@@ -379,12 +376,7 @@ ShownDatum DnaBuilder::makeNodes(std::size_t index)
     const DnaLook& look = frame.style.dna;
     ShownDatum shown;
     shown.group = new SoSeparator;
-    if (hasDataColours(index)) {
-        shown.colours = makePairChoice(look);
-        shown.colours->whichChild = frame.areDataColoursShown ? 1 : 0;
-    }
-    shown.group->addChild(
-        makePairs(shown.colours ? shown.colours : makeDnaOf(look), frame.scaled(look.angstrom)));
+    shown.group->addChild(makePairs(makeDnaOf(look), frame.scaled(look.angstrom)));
     for (std::size_t i = 0; i < STRANDS.size(); ++i)
         shown.group->addChild(makeBackbone(frame.style));
     shown.node = shown.group;
@@ -400,12 +392,15 @@ void DnaBuilder::updateNodes(std::size_t index, ShownDatum& shown)
     const Dna& dna = datum(index);
     const DnaLook& look = frame.style.dna;
     shown.bases = dna.bases;
+    setColourChoice(index, shown);
     if (needsPairs(look))
         setPairs(dna, look, pairsOf(shown));
     for (Strand strand : STRANDS)
         setBackbone(index, strand, backboneOf(*shown.group, strand));
     if (shown.colours)
         setDataColours(index, shown);
+    for (Strand strand : STRANDS)
+        setBackboneColours(index, strand, shown.colours, backboneOf(*shown.group, strand));
 }
 
 bool DnaBuilder::hasDataColours(std::size_t index) const
@@ -413,7 +408,22 @@ bool DnaBuilder::hasDataColours(std::size_t index) const
     return frame.colouring && !frame.colouring->ofDna(index).empty();
 }
 
-// A scalar is one of all DNA or of none, so that a DNA that has colours of data once keeps them.
+// One that is compared with a reference has colours in the frames that have as many pairs.
+void DnaBuilder::setColourChoice(std::size_t index, ShownDatum& shown) const
+{
+    if (hasDataColours(index) == (shown.colours != nullptr))
+        return;
+    auto& pairs = *static_cast<SoSeparator*>(shown.group->getChild(PAIRS));
+    if (shown.colours) {
+        dropColourChoice(pairs, BEHIND_SCALE);
+        shown.colours = nullptr;
+        return;
+    }
+    shown.colours = makePairChoice(pairs.getChild(BEHIND_SCALE), frame.style.dna);
+    shown.colours->whichChild = frame.areDataColoursShown ? 1 : 0;
+    pairs.replaceChild(BEHIND_SCALE, shown.colours);
+}
+
 void DnaBuilder::setDataColours(std::size_t index, ShownDatum& shown) const
 {
     const DnaLook &look = frame.style.dna, atoms = atomsAlone(look);
@@ -423,20 +433,22 @@ void DnaBuilder::setDataColours(std::size_t index, ShownDatum& shown) const
         setColouredPairs(colouredPairsIn(*shown.colours), datum(index), look,
                          {frame.placement.origin, 1 / look.angstrom}, pairsOf(shown),
                          coloursOf(*frame.colouring, frame.colouring->ofDna(index)));
-    for (Strand strand : STRANDS)
-        setBackboneColours(index, strand, *shown.colours, backboneOf(*shown.group, strand));
 }
 
-void DnaBuilder::setBackboneColours(std::size_t index, Strand strand, const SoSwitch& colours,
+// Those of data, by the choice of the pairs, if there is one, and no point was left out.
+void DnaBuilder::setBackboneColours(std::size_t index, Strand strand, SoSwitch* colours,
                                     SoSeparator& group) const
 {
     const SoRod& rod = rodOf(group);
-    const auto places = alongBackbone(frame.colouring->ofDna(index), strand);
-    const bool isWhole = rod.isValid() && std::size_t(rod.getPointsNum()) == places.size();
+    std::vector<double> places;
+    if (colours)
+        places = alongBackbone(frame.colouring->ofDna(index), strand);
+    const bool isWhole =
+        colours && rod.isValid() && std::size_t(rod.getPointsNum()) == places.size();
     auto* choice = dynamic_cast<SoSwitch*>(group.getChild(0));
     if (!choice && isWhole) {
         choice = putColourChoice(group, 0);
-        choice->whichChild.connectFrom(&const_cast<SoSwitch&>(colours).whichChild);
+        choice->whichChild.connectFrom(&colours->whichChild);
     } else if (choice && !isWhole) {
         dropColourChoice(group, 0);
         choice = nullptr;

@@ -39,8 +39,9 @@ private:
     void setPairs(const Dna& dna, const DnaLook& look, SoDNA& node) const;
     void setBackbone(std::size_t index, Strand strand, SoSeparator& group);
     bool hasDataColours(std::size_t index) const;
+    void setColourChoice(std::size_t index, ShownDatum& shown) const;
     void setDataColours(std::size_t index, ShownDatum& shown) const;
-    void setBackboneColours(std::size_t index, Strand strand, const SoSwitch& colours,
+    void setBackboneColours(std::size_t index, Strand strand, SoSwitch* colours,
                             SoSeparator& group) const;
 
     const Molecules molecules{frame.data};
