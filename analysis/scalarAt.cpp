@@ -124,11 +124,9 @@ std::optional<double> scalarAt(const Track& track, const std::string& name, std:
 {
     if (row >= track.points.size())
         return std::nullopt;
-    if (track.rod) {
-        for (const Scalar& scalar : track.rod->scalars)
-            if (scalar.name == name)
-                return scalar.values[row];
-    }
+    for (const Scalar& scalar : givenScalars(track))
+        if (scalar.name == name)
+            return scalar.values[row];
     const Quantity* const quantity = findQuantity(track.kind, name);
     if (!quantity)
         return std::nullopt;

@@ -150,22 +150,6 @@ const Row* findRow(Track::Kind kind, const std::string& name)
     return row == rows().end() ? nullptr : &*row;
 }
 
-// That the data bring, not computed here.
-const std::vector<Scalar>& givenScalars(const Track& track)
-{
-    static const std::vector<Scalar> none;
-    switch (track.kind) {
-    case Track::Kind::ROD:
-        return track.rod->scalars;
-    case Track::Kind::BIROD_AVERAGE:
-        return track.birod->scalars;
-    case Track::Kind::DNA_PAIRS:
-        return track.dna->scalars;
-    default:
-        return none;
-    }
-}
-
 const Scalar* findGiven(const Track& track, const std::string& name)
 {
     for (const Scalar& scalar : givenScalars(track))
@@ -217,6 +201,18 @@ Values ofSteps(const Row& row, const Track& track)
 }
 
 } // namespace
+
+const std::vector<Scalar>& givenScalars(const Track& track)
+{
+    static const std::vector<Scalar> none;
+    if (track.rod)
+        return track.rod->scalars;
+    if (track.birod && track.kind == Track::Kind::BIROD_AVERAGE)
+        return track.birod->scalars;
+    if (track.dna && track.kind == Track::Kind::DNA_PAIRS)
+        return track.dna->scalars;
+    return none;
+}
 
 const std::vector<Quantity>& quantities()
 {

@@ -36,6 +36,10 @@ STRANDVIEW_ANALYSIS_EXPORT const std::vector<Quantity>& quantities();
 /// That of a name for a line of this kind, or null.
 STRANDVIEW_ANALYSIS_EXPORT const Quantity* findQuantity(Track::Kind kind, const std::string& name);
 
+/// The scalars that the data bring with a line, of a file or a comparison: those of a rod, of the
+/// average of a birod, of the pairs of a DNA.
+STRANDVIEW_ANALYSIS_EXPORT const std::vector<Scalar>& givenScalars(const Track& track);
+
 /// The names of all scalars of a line: those of its file first, then those computed.
 STRANDVIEW_ANALYSIS_EXPORT std::vector<std::string> scalarNames(const Track& track);
 
