@@ -109,11 +109,10 @@ TEST(PlaceNumbers, OfAPointOfARodAreThoseOfItsFileAndAllScalars)
         algebra3d::rotated(Vector3<double>(1, 0, 0), data.rods[0].rotations[2]);
     EXPECT_EQ(value(rod, "d1"), readable(d1.x) + "\t" + readable(d1.y) + "\t" + readable(d1.z));
     EXPECT_EQ(value(rod, "load"), "40");
-    for (const Quantity& quantity : quantities()) {
-        if (!findQuantity(Track::Kind::ROD, quantity.name))
-            continue;
-        const auto all = findScalar(data.rods[0], quantity.name);
-        EXPECT_EQ(value(rod, quantity.name), readable((*all)[2])) << quantity.name;
+    for (const std::string& name : scalarNames(trackOf(data.rods[0]))) {
+        const auto all = findScalar(data.rods[0], name);
+        ASSERT_TRUE(all) << name;
+        EXPECT_EQ(value(rod, name), readable((*all)[2])) << name;
     }
     EXPECT_NEAR(number(rod, "kappa3", "1/length"), 0.15, 1e-6);
 }

@@ -319,14 +319,14 @@ TEST_F(PlacePanelTest, OfAnotherFrameTheSamePlaceHasItsNumbers)
     ASSERT_NE(window->getPlayer(), nullptr);
     ASSERT_TRUE(comesTo([this] { return window->getPlayer()->isStaged(); }));
     ASSERT_TRUE(comesToBePainted());
-    click(4, 0);
-    ASSERT_TRUE(comesToTell("point\t4\t0\t0\n"));
+    click(3, 0);
+    ASSERT_TRUE(comesToTell("point\t3\t0\t0\n"));
     pressRealKey("period");
-    EXPECT_TRUE(comesToTell("point\t4\t0.5\t0\n"));
+    EXPECT_TRUE(comesToTell("point\t3\t0.5\t0\n"));
     pressRealKey("period");
     EXPECT_TRUE(comesToTell("not in these data")) << "of fewer points";
     pressRealKey("comma");
-    EXPECT_TRUE(comesToTell("point\t4\t0.5\t0\n"));
+    EXPECT_TRUE(comesToTell("point\t3\t0.5\t0\n"));
 }
 
 TEST_F(PlacePanelTest, ReadAgainTheSamePlaceHasItsNewNumbers)
