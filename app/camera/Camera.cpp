@@ -244,6 +244,13 @@ void fitScene(SoCamera& camera, SoNode* scene, const SbViewportRegion& region, f
         fitBox(camera, box, region, bottom);
 }
 
+void fitBox(SoCamera& camera, const SbBox3f& box, SoNode* scene, const SbViewportRegion& region,
+            float bottom)
+{
+    fitBox(camera, box, region, bottom);
+    setClipping(camera, boxOf(scene, region));
+}
+
 void keepInFront(SoCamera& camera, SoNode* scene, const SbViewportRegion& region)
 {
     const SbBox3f box = boxOf(scene, region);

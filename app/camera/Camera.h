@@ -38,6 +38,11 @@ void placeCamera(SoCamera& camera, const CameraRequest& request, SoNode* scene,
 /// around the scene.
 void fitScene(SoCamera& camera, SoNode* scene, const SbViewportRegion& region, float bottom);
 
+/// The same for a box in the scene; the clipping planes are set around the whole scene. A flat box
+/// or a point is seen, too.
+void fitBox(SoCamera& camera, const SbBox3f& box, SoNode* scene, const SbViewportRegion& region,
+            float bottom);
+
 /// Moves a perspective camera that is not in front of the whole scene back until it is, and
 /// narrows its angle so that at the focal point it shows what it showed. Any other stays.
 void keepInFront(SoCamera& camera, SoNode* scene, const SbViewportRegion& region);

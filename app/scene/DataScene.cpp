@@ -92,6 +92,7 @@ void DataScene::add(std::size_t kind, const ShownDatum& datum)
     places[datum.group] = {kind, kinds[kind].data.size()};
     kinds[kind].data.push_back(datum);
     kinds[kind].group->addChild(datum.group);
+    showLook(kind, kinds[kind].data.size() - 1);
     box.reset();
 }
 
@@ -100,6 +101,7 @@ void DataScene::change(std::size_t kind, std::size_t index, const ShownDatum& da
     ShownDatum& known = kinds[kind].data[index];
     assert(datum.node == known.node && datum.group == known.group);
     known = datum;
+    showLook(kind, index);
     box.reset();
 }
 
@@ -114,6 +116,45 @@ void DataScene::keepFirst(std::size_t kind, std::size_t count)
     }
     data.resize(count);
     box.reset();
+}
+
+DataScene::Look DataScene::getLook(std::size_t kind, std::size_t index) const
+{
+    const auto known = looks.find({kind, index});
+    return known == looks.end() ? Look() : known->second;
+}
+
+void DataScene::setLook(std::size_t kind, std::size_t index, const Look& look)
+{
+    looks[{kind, index}] = look;
+    showLook(kind, index);
+}
+
+void DataScene::setLooks(const Looks& ofOther)
+{
+    looks = ofOther;
+    for (const auto& [place, look] : looks)
+        showLook(place.first, place.second);
+}
+
+// The nodes of what is hidden stay, behind a switch.
+void DataScene::showLook(std::size_t kind, std::size_t index)
+{
+    const auto known = looks.find({kind, index});
+    if (known == looks.end() || index >= getShown(kind).size())
+        return;
+    const Look& look = known->second;
+    const ShownDatum& datum = kinds[kind].data[index];
+    SoNode* const shown = kinds[kind].group->getChild(int(index));
+    if (shown != datum.group) {
+        static_cast<SoSwitch*>(shown)->whichChild = look.isHidden ? SO_SWITCH_NONE : 0;
+    } else if (look.isHidden) {
+        auto* hiding = new SoSwitch;
+        hiding->addChild(datum.group);
+        kinds[kind].group->replaceChild(int(index), hiding);
+    }
+    if (look.colour && datum.setColour)
+        datum.setColour(datum, *look.colour);
 }
 
 const SbBox3f& DataScene::getBox() const
@@ -263,7 +304,7 @@ PickedPlace DataScene::placeOf(const SoPickedPoint& picked, double reach) const
         const ShownDatum& datum = kinds[known->second.kind].data[known->second.index];
         place.kind = datum.kind;
         place.datum = known->second.index;
-        place.name = datum.name;
+        place.name = getLook(known->second.kind, known->second.index).name.value_or(datum.name);
         if (datum.placeIn)
             datum.placeIn(datum, picked, i, place);
         if (datum.centralTube) {

@@ -3,10 +3,12 @@
 #define STRANDVIEW_APP_SCENE_DATASCENE_H
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include <Inventor/SbBox3f.h>
@@ -51,6 +53,25 @@ public:
     /// What it shows, for whoever asks for numbers; null if nobody gave it.
     const std::shared_ptr<const Configuration>& getData() const { return data; }
     void setData(std::shared_ptr<const Configuration> shown) { data = std::move(shown); }
+
+    // What its user changes of a datum. It stays what it is in other frames, also in those after
+    // one that has fewer data.
+
+    struct Look
+    {
+        bool isHidden = false;
+        std::optional<std::string> name; ///< instead of its own, also in picks
+        std::optional<SbColor> colour;   ///< instead of its own
+    };
+    /// By kind and index.
+    using Looks = std::map<std::pair<std::size_t, std::size_t>, Look>;
+
+    std::size_t countKinds() const { return kinds.size(); }
+    Look getLook(std::size_t kind, std::size_t index) const;
+    void setLook(std::size_t kind, std::size_t index, const Look& look);
+    const Looks& getLooks() const { return looks; }
+    /// Those of another scene, for what is there and what comes.
+    void setLooks(const Looks& ofOther);
 
     /// The box that all data lie in, and the room that is kept for other frames.
     const SbBox3f& getBox() const;
@@ -110,6 +131,8 @@ public:
 private:
     ~DataScene() override;
 
+    void showLook(std::size_t kind, std::size_t index);
+
     using Shininess = std::vector<float>;
     Shininess getShininess();
     void setShininess(const Shininess& values);
@@ -129,6 +152,7 @@ private:
     Style style;
     std::vector<Kind> kinds;
     std::shared_ptr<const Configuration> data;
+    Looks looks;
     std::unordered_map<const SoNode*, Place> places; ///< of the groups of data
     mutable std::optional<SbBox3f> box;              ///< nothing where it is to be found anew
     SbBox3f room;                                    ///< for other frames

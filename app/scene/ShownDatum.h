@@ -6,6 +6,7 @@
 #include <vector>
 
 #include <Inventor/SbBox3f.h>
+#include <Inventor/SbColor.h>
 
 #include "scene/ThingKind.h"
 
@@ -40,6 +41,9 @@ struct ShownDatum
     BiarcTubeMesh* (*centralTube)(const SoNode& node) = nullptr;
     /// Those of strand 1 and 2; null for what has none with centrelines.
     BiarcTubeMesh* (*strandTube)(const SoNode& node, int strand) = nullptr;
+    /// Sets and tells the colour of its own, which colours of data may cover; null for what has none.
+    void (*setColour)(const ShownDatum& shown, const SbColor& colour) = nullptr;
+    SbColor (*getColour)(const ShownDatum& shown) = nullptr;
 };
 
 } // namespace strandview

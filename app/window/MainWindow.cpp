@@ -46,6 +46,7 @@
 #include "window/Player.h"
 #include "window/ScreenFitter.h"
 #include "window/StatusText.h"
+#include "window/ThingsPanel.h"
 #include "window/WindowViewer.h"
 #include "window/decimalComma.h"
 #include "window/fileFilter.h"
@@ -174,6 +175,9 @@ void MainWindow::buildPanels()
         places->follow();
         showHint();
     });
+    things = new ThingsPanel(docks);
+    things->onCentre = [this](const SbBox3f& box) { centre(box); };
+    thingsDock = addPanel(things, "Things", Command::SHOW_THINGS);
 }
 
 QDockWidget* MainWindow::addPanel(QWidget* panel, const char* title, Command toggle)
@@ -223,12 +227,16 @@ void MainWindow::showScene(DataScene* newScene, const std::vector<std::string>& 
         same.numbers = getCameraNumbers();
     const bool wasFitted = isFitted();
     endPlaying();
+    const DataScene::Looks looks = scene ? scene->getLooks() : DataScene::Looks();
     scene = newScene;
     shownFiles = files;
     scene->onPick = [this](const SoPickedPoint& picked) { pick(picked); };
     if (choice == NEW_CAMERA)
         places->forget();
+    else
+        scene->setLooks(looks);
     places->setScene(scene);
+    things->setScene(scene);
     scene->showColours((*menus)[Command::SHOW_COLOURS]->isChecked());
     viewer->setSceneGraph(static_cast<SoGeneralScene*>(scene));
     ownedViewer->home = scene->settle(options.camera);
@@ -254,6 +262,15 @@ void MainWindow::pick(const SoPickedPoint& picked)
                          std::max(viewer->getCameraZoom(), 1e-300); // in the scene
     places->add(scene->placeOf(picked, SNAP * pixel), ownedViewer->isShiftDown);
     statusText->tell(places->getTold());
+}
+
+void MainWindow::centre(const SbBox3f& box)
+{
+    if (!scene || box.isEmpty())
+        return;
+    fitBox(*viewer->getCamera(), box, scene, SbViewportRegion(ownedViewer->getGLSize()),
+           scene->getLegendHeight());
+    update3DZoom();
 }
 
 void MainWindow::whenPainted(std::function<void()> act)
@@ -355,7 +372,10 @@ void MainWindow::beginToPlay(const ReadReport& report, const Start& start)
         statusText->tell({toldOfFrame(of, {error, ""})});
     });
     connect(player.get(), &Player::noticed, this, &MainWindow::tellFrame);
-    connect(player.get(), &Player::frameShown, this, [this] { places->follow(); });
+    connect(player.get(), &Player::frameShown, this, [this] {
+        places->follow();
+        things->follow();
+    });
     connect(player.get(), &Player::opened, this,
             [this](const std::vector<std::string>& notices) { tellSeries(notices); });
     connect(player.get(), &Player::staged, this, &MainWindow::settle);
@@ -785,6 +805,7 @@ void MainWindow::command(Command asked, bool isOn)
         {Command::START_RANGE, ofPlayer([](Player& player, bool) { player.toggleRangeStart(); })},
         {Command::END_RANGE, ofPlayer([](Player& player, bool) { player.toggleRangeEnd(); })},
         {Command::SHOW_NUMBERS, [](MainWindow& w, bool on) { w.placeDock->setVisible(on); }},
+        {Command::SHOW_THINGS, [](MainWindow& w, bool on) { w.thingsDock->setVisible(on); }},
         {Command::SHOW_KEYS, [](MainWindow& w, bool) { w.showKeys(); }},
         {Command::SHOW_ABOUT, [](MainWindow& w, bool) { w.showAbout(); }}};
     deeds.at(asked)(*this, isOn);

@@ -36,6 +36,7 @@ class PlacePanel;
 class PlaceTeller;
 class Player;
 class StatusText;
+class ThingsPanel;
 class WindowViewer;
 
 /// The program's window: the viewer with a menu, a tool bar, and a status bar that shows
@@ -140,6 +141,8 @@ private:
     QDockWidget* addPanel(QWidget* panel, const char* title, Command toggle);
     /// Tells what was clicked, and measures with Shift.
     void pick(const SoPickedPoint& picked);
+    /// Moves the camera before a thing, without turning it.
+    void centre(const SbBox3f& box);
 
     void buildPlayBar();
     /// Where playing is to begin.
@@ -183,7 +186,8 @@ private:
     StatusText* statusText = nullptr;
     QLabel* modeLabel = nullptr;  // turning or picking
     QMainWindow* docks = nullptr; // view and panels
-    QDockWidget* placeDock = nullptr;
+    QDockWidget *placeDock = nullptr, *thingsDock = nullptr;
+    ThingsPanel* things = nullptr;
     std::unique_ptr<PlaceTeller> places;
     LoadBar* loadBar = nullptr;
     PlayBar* playBar = nullptr;

@@ -131,7 +131,9 @@ ActionGroup look()
               "turning, or picking: the left button tells, no drags", C::TOGGLE_PICKING,
               CHECKABLE | KEY_OF_VIEWER},
              {"N&umbers of a place", "N", "a panel: all numbers of what is clicked",
-              C::SHOW_NUMBERS, CHECKABLE | AFTER_A_LINE}}};
+              C::SHOW_NUMBERS, CHECKABLE | AFTER_A_LINE},
+             {"&Things", "T", "a panel: all that is shown, to hide, name, colour and find",
+              C::SHOW_THINGS, CHECKABLE}}};
 }
 
 ActionGroup play()

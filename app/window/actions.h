@@ -40,6 +40,7 @@ enum class Command {
     TOGGLE_WHEELS,
     TOGGLE_PICKING,
     SHOW_NUMBERS,
+    SHOW_THINGS,
     PLAY,
     FIRST_FRAME,
     FRAME_BACK,

@@ -227,6 +227,37 @@ TEST_F(DataSceneTest, KeepsDataByKindAndIndex)
     scene->unref();
 }
 
+TEST_F(DataSceneTest, WhatItsUserHidesAndNamesStaysSoForThatKindAndIndex)
+{
+    auto* scene = new DataScene({});
+    scene->ref();
+    scene->add(1, makeCube(0, "first"));
+    scene->add(1, makeCube(10, "second"));
+    DataScene::Look look;
+    look.isHidden = true;
+    look.name = "mine";
+    scene->setLook(1, 1, look);
+    EXPECT_EQ(describe(*scene, 10, 0), "");
+    EXPECT_EQ(describe(*scene, 0, 0), "point 0 0 1 – first");
+    EXPECT_EQ(scene->getBox(), SbBox3f(-1, -1, -1, 11, 1, 1)) << "as before";
+    // A frame with fewer, then one with more.
+    scene->keepFirst(1, 1);
+    scene->add(1, makeCube(20, "another"));
+    EXPECT_EQ(describe(*scene, 20, 0), "");
+    look.isHidden = false;
+    scene->setLook(1, 1, look);
+    EXPECT_EQ(describe(*scene, 20, 0), "point 20 0 1 – mine");
+
+    auto* again = new DataScene({});
+    again->ref();
+    again->add(1, makeCube(0, "first"));
+    again->setLooks(scene->getLooks());
+    again->add(1, makeCube(10, "second"));
+    EXPECT_EQ(describe(*again, 10, 0), "point 10 0 1 – mine");
+    again->unref();
+    scene->unref();
+}
+
 TEST_F(DataSceneTest, DrawsRodsThatAreThereAndThatComeCoarselyIfAsked)
 {
     const auto makeRod = [] {

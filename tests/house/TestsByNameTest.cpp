@@ -35,6 +35,7 @@ const std::map<std::string, std::string> ELSEWHERE{
     {"app/window/Menus.cpp", "tests/gui/MainWindowTest.cpp"},
     {"app/window/PlaceMarks.cpp", "tests/gui/PlacePanelTest.cpp"},
     {"app/window/PlaceTeller.cpp", "tests/gui/PlacePanelTest.cpp"},
+    {"app/window/ThingsModel.cpp", "tests/gui/ThingsPanelTest.cpp"},
     {"app/window/WindowViewer.cpp", "tests/gui/MainWindowTest.cpp"},
     {"app/window/checkDisplay.cpp", "tests/app/StrandviewTest.cpp"},
     {"app/window/runWindow.cpp", "tests/gui/LoadingTest.cpp"},

@@ -30,6 +30,19 @@ struct Form
     double radius, headRadius, headLength;
 };
 
+SoMaterial& materialOf(const ShownDatum& shown)
+{
+    return *static_cast<SoMaterial*>(shown.group->getChild(0));
+}
+
+void setColour(const ShownDatum& shown, const SbColor& colour)
+{
+    materialOf(shown).ambientColor = colour;
+    materialOf(shown).diffuseColor = colour;
+}
+
+SbColor getColour(const ShownDatum& shown) { return materialOf(shown).diffuseColor[0]; }
+
 } // namespace
 
 const char* ArrowBuilder::getWork() const { return "Building arrow"; }
@@ -58,6 +71,8 @@ ShownDatum ArrowBuilder::makeNodes(std::size_t index)
     shown.group->addChild(createMaterial(colour, colour, {1, 1, 1}));
     shown.node = new SoArrow(form.from, form.to, form.radius, form.headRadius, form.headLength);
     shown.group->addChild(shown.node);
+    shown.setColour = &setColour;
+    shown.getColour = &getColour;
     return shown;
 }
 

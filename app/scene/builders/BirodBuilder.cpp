@@ -68,6 +68,31 @@ BiarcTubeMesh* strandTube(const SoNode& node, int strand)
     return strand == 1 ? birod.getTube1Mesh() : birod.getTube2Mesh();
 }
 
+SoMFColor& ownColours(const ShownDatum& shown)
+{
+    SoNode* const own =
+        shown.colours ? shown.colours->getChild(0) : shown.group->getChild(OWN_COLOURS);
+    return static_cast<SoMaterial*>(own)->diffuseColor;
+}
+
+// Of the rows of the three tubes; those of the ribbons are between them.
+void setColour(const ShownDatum& shown, const SbColor& colour)
+{
+    const auto& birod = static_cast<const SoBirod&>(*shown.node);
+    SoMFColor& colours = ownColours(shown);
+    int row = 0;
+    for (const auto& [tube, ribbon] :
+         {std::pair<const Mesh*, const Mesh*>(birod.getAvgTubeMesh(), birod.getAvgRibbonMesh()),
+          {birod.getTube1Mesh(), birod.getRibbon1Mesh()},
+          {birod.getTube2Mesh(), birod.getRibbon2Mesh()}}) {
+        const std::vector<SbColor> all(std::size_t(tube->getHeight()), colour);
+        colours.setValues(row, tube->getHeight(), all.data());
+        row += tube->getHeight() + ribbon->getHeight();
+    }
+}
+
+SbColor getColour(const ShownDatum& shown) { return ownColours(shown)[0]; }
+
 // The strand, or 0 for the average, whose surface is nearest.
 void placeIn(const ShownDatum& shown, const SoPickedPoint& picked, int /*index*/,
              PickedPlace& place)
@@ -133,6 +158,8 @@ ShownDatum BirodBuilder::makeNodes(std::size_t index)
     shown.group->addChild(shown.node);
     shown.centralTube = &centralTube;
     shown.strandTube = &strandTube;
+    shown.setColour = &setColour;
+    shown.getColour = &getColour;
     shown.placeIn = &placeIn;
     updateNodes(index, shown);
     return shown;

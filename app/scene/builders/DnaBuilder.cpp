@@ -166,6 +166,22 @@ void placeIn(const ShownDatum& shown, const SoPickedPoint& picked, int index, Pi
         placeInBackbone(shown, picked, Strand(child - BACKBONES), place);
 }
 
+// Of a backbone.
+SoMFColor& ownColours(const ShownDatum& shown, Strand strand)
+{
+    SoNode* const first = backboneOf(*shown.group, strand).getChild(0);
+    const auto* choice = dynamic_cast<SoSwitch*>(first);
+    return static_cast<SoMaterial*>(choice ? choice->getChild(0) : first)->diffuseColor;
+}
+
+void setColour(const ShownDatum& shown, const SbColor& colour)
+{
+    for (const Strand strand : STRANDS)
+        ownColours(shown, strand).setValue(colour);
+}
+
+SbColor getColour(const ShownDatum& shown) { return ownColours(shown, Strand::FIRST)[0]; }
+
 // Nodes
 
 SoDNA* makeDna(const DnaLook& look)
@@ -381,6 +397,8 @@ ShownDatum DnaBuilder::makeNodes(std::size_t index)
         shown.group->addChild(makeBackbone(frame.style));
     shown.node = shown.group;
     shown.placeIn = &placeIn;
+    shown.setColour = &setColour;
+    shown.getColour = &getColour;
     if (look.baseBoxes && look.pairBoxes)
         makePlate(pairsOf(shown));
     updateNodes(index, shown);

@@ -26,6 +26,19 @@ SoShapeHints* makeHints()
     return hints;
 }
 
+void setColour(const ShownDatum& shown, const SbColor& colour)
+{
+    static_cast<SoMarker*>(shown.node)
+        ->setColour(double(colour[0]), double(colour[1]), double(colour[2]));
+}
+
+SbColor getColour(const ShownDatum& shown)
+{
+    double red = 0, green = 0, blue = 0;
+    static_cast<const SoMarker*>(shown.node)->getColour(red, green, blue);
+    return SbColor(float(red), float(green), float(blue));
+}
+
 } // namespace
 
 MarkerBuilder::~MarkerBuilder()
@@ -70,6 +83,8 @@ ShownDatum MarkerBuilder::makeNodes(std::size_t index)
     shown.group->addChild(makeHints());
     shown.group->addChild(SoMarker::wrap(node, scale, frame.placement.toScene(marker.point)));
     shown.node = node;
+    shown.setColour = &setColour;
+    shown.getColour = &getColour;
     return shown;
 }
 

@@ -57,6 +57,20 @@ BiarcTubeMesh* centralTube(const SoNode& node)
     return static_cast<const SoRod&>(node).getTubeMesh();
 }
 
+// Material 0 is the tube's.
+SoMFColor& ownColours(const ShownDatum& shown)
+{
+    SoNode* const own = shown.colours ? shown.colours->getChild(0) : shown.group->getChild(0);
+    return static_cast<SoMaterial*>(own)->diffuseColor;
+}
+
+void setColour(const ShownDatum& shown, const SbColor& colour)
+{
+    ownColours(shown).set1Value(0, colour);
+}
+
+SbColor getColour(const ShownDatum& shown) { return ownColours(shown)[0]; }
+
 } // namespace
 
 SceneGeometry::Rod RodBuilder::compute(const Rod& rod, const Style& style,
@@ -105,6 +119,8 @@ ShownDatum RodBuilder::makeNodes(std::size_t index)
         new SoRod(0, 0, style.slices, style.subsegments, false, false, style.twoSidedRibbon);
     shown.group->addChild(shown.node);
     shown.centralTube = &centralTube;
+    shown.setColour = &setColour;
+    shown.getColour = &getColour;
     updateNodes(index, shown);
     return shown;
 }
