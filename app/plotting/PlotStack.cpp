@@ -281,7 +281,13 @@ private:
     QwtPlotMarker *line, *dot;
 };
 
-PlotStack::PlotStack(QWidget* parent) : QWidget(parent) {}
+PlotStack::PlotStack(QWidget* parent) : QWidget(parent)
+{
+    QPalette white = palette();
+    white.setColor(QPalette::Window, Qt::white);
+    setPalette(white);
+    setAutoFillBackground(true);
+}
 
 void PlotStack::makePanels()
 {
@@ -433,15 +439,22 @@ std::optional<PlotPlace> PlotStack::placeAt(std::size_t index, const QPoint& pix
 
 bool PlotStack::eventFilter(QObject* watched, QEvent* event)
 {
-    if (event->type() == QEvent::Leave) {
+    const auto* const mouse =
+        event->type() == QEvent::MouseMove || event->type() == QEvent::MouseButtonPress
+            ? static_cast<QMouseEvent*>(event)
+            : nullptr;
+    if (event->type() == QEvent::Leave)
         emit left();
-    } else if (event->type() == QEvent::MouseMove) {
+    if (mouse) {
         for (std::size_t i = 0; i < panels.size(); ++i) {
             if (panels[i]->canvas() != watched)
                 continue;
-            const auto place = placeAt(i, static_cast<QMouseEvent*>(event)->pos());
-            if (place)
+            const auto place = placeAt(i, mouse->pos());
+            if (place && event->type() == QEvent::MouseMove)
                 emit hovered(*place);
+            else if (place && mouse->button() == Qt::LeftButton)
+                emit clicked(*place);
+            break; // whoever was told may have changed the panels
         }
     }
     return QWidget::eventFilter(watched, event);

@@ -60,6 +60,8 @@ public:
 signals:
     /// The mouse is nearest to this place of a curve.
     void hovered(const strandview::PlotPlace& place);
+    /// The left button was pressed there.
+    void clicked(const strandview::PlotPlace& place);
     /// It is over no curve any more.
     void left();
 

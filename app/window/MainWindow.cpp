@@ -38,6 +38,8 @@
 #include "request/conversions.h"
 #include "scene/DataScene.h"
 #include "scene/readFiles.h"
+#include "window/CurveHover.h"
+#include "window/CurvePanel.h"
 #include "window/FrameWaiter.h"
 #include "window/LoadBar.h"
 #include "window/Menus.h"
@@ -123,7 +125,8 @@ MainWindow::MainWindow(const Options& startOptions, Loader sceneLoader, SeriesOp
 
 MainWindow::~MainWindow()
 {
-    placeDock->disconnect(this); // it is hidden once the members are gone
+    for (QDockWidget* dock : {placeDock, curveDock})
+        dock->disconnect(this); // it is hidden once the members are gone
 }
 
 void MainWindow::buildMenus()
@@ -178,6 +181,23 @@ void MainWindow::buildPanels()
     things = new ThingsPanel(docks);
     things->onCentre = [this](const SbBox3f& box) { centre(box); };
     thingsDock = addPanel(things, "Things", Command::SHOW_THINGS);
+    buildCurves();
+}
+
+void MainWindow::buildCurves()
+{
+    curves = new CurvePanel(docks);
+    curveDock = addPanel(curves, "Curves", Command::SHOW_CURVES);
+    curveHover = std::make_unique<CurveHover>(*ownedViewer, *curves);
+    connect(curveDock, &QDockWidget::visibilityChanged, this,
+            [this](bool visible) { curveHover->setOn(visible); });
+    connect(curves, &CurvePanel::frameChosen, this, [this](std::size_t frame) {
+        if (player)
+            player->goTo(frame);
+    });
+    connect(curves, &CurvePanel::saved, this, [this](const QString& file) {
+        statusText->tell({{"Saved", file.toStdString()}});
+    });
 }
 
 QDockWidget* MainWindow::addPanel(QWidget* panel, const char* title, Command toggle)
@@ -237,6 +257,9 @@ void MainWindow::showScene(DataScene* newScene, const std::vector<std::string>& 
         scene->setLooks(looks);
     places->setScene(scene);
     things->setScene(scene);
+    curveHover->setScene(scene);
+    curves->showData(scene->getData(), scene->getStyle(), std::size_t(options.frame.value_or(0)),
+                     CurvePanel::OTHER_FILES);
     scene->showColours((*menus)[Command::SHOW_COLOURS]->isChecked());
     viewer->setSceneGraph(static_cast<SoGeneralScene*>(scene));
     ownedViewer->home = scene->settle(options.camera);
@@ -262,6 +285,8 @@ void MainWindow::pick(const SoPickedPoint& picked)
                          std::max(viewer->getCameraZoom(), 1e-300); // in the scene
     places->add(scene->placeOf(picked, SNAP * pixel), ownedViewer->isShiftDown);
     statusText->tell(places->getTold());
+    if (const auto chosen = curvePlaceOf(scene->placeOf(picked)))
+        curves->choose(*chosen);
 }
 
 void MainWindow::centre(const SbBox3f& box)
@@ -372,9 +397,11 @@ void MainWindow::beginToPlay(const ReadReport& report, const Start& start)
         statusText->tell({toldOfFrame(of, {error, ""})});
     });
     connect(player.get(), &Player::noticed, this, &MainWindow::tellFrame);
-    connect(player.get(), &Player::frameShown, this, [this] {
+    connect(player.get(), &Player::frameShown, this, [this](std::size_t shown) {
         places->follow();
         things->follow();
+        curves->showData(scene->getData(), scene->getStyle(), shown, CurvePanel::NEXT_FRAME);
+        curveHover->follow();
     });
     connect(player.get(), &Player::opened, this,
             [this](const std::vector<std::string>& notices) { tellSeries(notices); });
@@ -804,6 +831,7 @@ void MainWindow::command(Command asked, bool isOn)
         {Command::TEN_FRAMES_FORWARD, ofPlayer([](Player& player, bool) { player.step(10); })},
         {Command::START_RANGE, ofPlayer([](Player& player, bool) { player.toggleRangeStart(); })},
         {Command::END_RANGE, ofPlayer([](Player& player, bool) { player.toggleRangeEnd(); })},
+        {Command::SHOW_CURVES, [](MainWindow& w, bool on) { w.curveDock->setVisible(on); }},
         {Command::SHOW_NUMBERS, [](MainWindow& w, bool on) { w.placeDock->setVisible(on); }},
         {Command::SHOW_THINGS, [](MainWindow& w, bool on) { w.thingsDock->setVisible(on); }},
         {Command::SHOW_KEYS, [](MainWindow& w, bool) { w.showKeys(); }},

@@ -29,6 +29,8 @@ class SoPickedPoint;
 
 namespace strandview {
 
+class CurveHover;
+class CurvePanel;
 class DataScene;
 class LoadBar;
 class Menus;
@@ -137,6 +139,7 @@ private:
     void tellOpened(const std::vector<std::string>& files, const ReadReport& report);
 
     void buildPanels();
+    void buildCurves();
     /// Beside the view, closed; an entry of the menu shows it.
     QDockWidget* addPanel(QWidget* panel, const char* title, Command toggle);
     /// Tells what was clicked, and measures with Shift.
@@ -186,8 +189,10 @@ private:
     StatusText* statusText = nullptr;
     QLabel* modeLabel = nullptr;  // turning or picking
     QMainWindow* docks = nullptr; // view and panels
-    QDockWidget *placeDock = nullptr, *thingsDock = nullptr;
+    QDockWidget *placeDock = nullptr, *thingsDock = nullptr, *curveDock = nullptr;
     ThingsPanel* things = nullptr;
+    CurvePanel* curves = nullptr;
+    std::unique_ptr<CurveHover> curveHover;
     std::unique_ptr<PlaceTeller> places;
     LoadBar* loadBar = nullptr;
     PlayBar* playBar = nullptr;

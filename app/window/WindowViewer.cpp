@@ -7,6 +7,7 @@
 #include <Inventor/SoPickedPoint.h>
 #include <Inventor/SoSceneManager.h>
 #include <Inventor/actions/SoRayPickAction.h>
+#include <Inventor/events/SoLocation2Event.h>
 #include <Inventor/events/SoMouseButtonEvent.h>
 #include <Inventor/nodes/SoCamera.h>
 #include <Inventor/nodes/SoSeparator.h>
@@ -61,6 +62,7 @@ void WindowViewer::setSceneGraph(SoNode* root)
     withAxes->addChild(axes.getNode());
     withAxes->addChild(root);
     withAxes->addChild(marks.getNode());
+    withAxes->addChild(hoverMark.getNode());
     SoQtGeneralViewer::setSceneGraph(withAxes);
 }
 
@@ -90,6 +92,8 @@ SbBool WindowViewer::processSoEvent(const SoEvent* const event)
     const SbBool handled = SoQtGeneralViewer::processSoEvent(event);
     if (isQuick)
         pickAt(event->getPosition());
+    if (onMove && event->isOfType(SoLocation2Event::getClassTypeId()))
+        onMove(event->getPosition());
     if (picks && isClick && !hasPicked && onMiss)
         onMiss();
     return handled;
@@ -111,6 +115,7 @@ void WindowViewer::sizeChanged(const SbVec2s& size)
     const auto scale = float(getGLWidget()->devicePixelRatioF());
     axes.setView(getGLSize(), scale);
     marks.setScale(scale);
+    hoverMark.setScale(scale);
 }
 
 void WindowViewer::turnAxes(void* viewer, SoSensor* /*sensor*/)
@@ -141,12 +146,18 @@ bool WindowViewer::isQuickPick(const SoEvent* event) const
 
 void WindowViewer::pickAt(const SbVec2s& place)
 {
+    const std::unique_ptr<SoPickedPoint> point = pickedAt(place);
+    if (point && getGeneralScene())
+        getGeneralScene()->processPickEvent(point.get());
+}
+
+std::unique_ptr<SoPickedPoint> WindowViewer::pickedAt(const SbVec2s& place)
+{
     SoRayPickAction pick(getViewportRegion());
     pick.setPoint(place);
     pick.apply(getSceneManager()->getSceneGraph());
     const SoPickedPoint* const point = pick.getPickedPoint();
-    if (point && getGeneralScene())
-        getGeneralScene()->processPickEvent(point);
+    return std::unique_ptr<SoPickedPoint>(point ? point->copy() : nullptr);
 }
 
 bool WindowViewer::isPick(const SoEvent* event) const

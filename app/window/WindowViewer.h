@@ -3,7 +3,9 @@
 #define STRANDVIEW_APP_WINDOW_WINDOWVIEWER_H
 
 #include <functional>
+#include <memory>
 
+#include <Inventor/SoPickedPoint.h>
 #include <Inventor/sensors/SoFieldSensor.h>
 #include <QPointer>
 
@@ -27,7 +29,9 @@ public:
     std::function<void()> onHome;  ///< instead of SoQt's return to its home
     std::function<void()> onDrawn; ///< once, after the next frame
     std::function<void()> onMiss;  ///< after a click beside everything
-    std::function<void()> onMode;  ///< after a change between turning and picking
+    /// The mouse has moved to there, in the view's pixels
+    std::function<void(const SbVec2s& place)> onMove;
+    std::function<void()> onMode; ///< after a change between turning and picking
 
     CameraRequest home;             ///< where the scene is seen from at the beginning
     bool picksWhileTurning = false; ///< clicks of the left button, too, that turn nothing
@@ -38,6 +42,7 @@ public:
 
     AxisCross axes;
     PlaceMarks marks;
+    PlaceMarks hoverMark; ///< of a place that the mouse is over elsewhere
     QPointer<FrameWaiter> frameWaiter;
 
     using SoQtGeneralViewer::getGLSize;
@@ -51,6 +56,8 @@ public:
     void setSceneGraph(SoNode* root) override;
     void setCamera(SoCamera* camera) override;
     void setViewing(SbBool viewing) override;
+    /// What a click at that place of the view would pick; null if nothing.
+    std::unique_ptr<SoPickedPoint> pickedAt(const SbVec2s& place);
 
 protected:
     SbBool processSoEvent(const SoEvent* event) override;

@@ -133,7 +133,9 @@ ActionGroup look()
              {"N&umbers of a place", "N", "a panel: all numbers of what is clicked",
               C::SHOW_NUMBERS, CHECKABLE | AFTER_A_LINE},
              {"&Things", "T", "a panel: all that is shown, to hide, name, colour and find",
-              C::SHOW_THINGS, CHECKABLE}}};
+              C::SHOW_THINGS, CHECKABLE},
+             {"Cur&ves of numbers", "G", "a panel: curves of numbers along what is shown",
+              C::SHOW_CURVES, CHECKABLE}}};
 }
 
 ActionGroup play()

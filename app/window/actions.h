@@ -41,6 +41,7 @@ enum class Command {
     TOGGLE_PICKING,
     SHOW_NUMBERS,
     SHOW_THINGS,
+    SHOW_CURVES,
     PLAY,
     FIRST_FRAME,
     FRAME_BACK,

@@ -29,6 +29,7 @@ const std::map<std::string, std::string> ELSEWHERE{
     {"app/scene/overlay.cpp", "tests/app/LegendTest.cpp"},
     {"app/scene/SoLegendCamera.cpp", "tests/app/LegendTest.cpp"},
     {"app/scene/builders", "tests/app/SceneUpdateTest.cpp"},
+    {"app/window/CurveHover.cpp", "tests/gui/CurvePanelTest.cpp"},
     {"app/window/FrameWaiter.cpp", "tests/gui/MainWindowTest.cpp"},
     {"app/window/LoadBar.cpp", "tests/gui/LoadingTest.cpp"},
     {"app/window/LoadJob.cpp", "tests/gui/LoadingTest.cpp"},
