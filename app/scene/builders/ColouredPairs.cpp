@@ -34,14 +34,32 @@ struct Corner
 {
     SbVec3f point, normal;
     float brightness; // of the own colour
+
+    bool operator==(const Corner& other) const
+    {
+        return point == other.point && normal == other.normal && brightness == other.brightness;
+    }
 };
 
-// Triangles of what stands at each pair or base.
-using Corners = std::vector<Corner>;
+// What stands at each pair or base: its triangles are three corners each, by their indices.
+struct Solid
+{
+    std::vector<Corner> corners;
+    std::vector<std::size_t> triangles;
+
+    // Neighbours share corners, which are a third of them.
+    void add(const Corner& corner)
+    {
+        const auto same = std::find(corners.begin(), corners.end(), corner);
+        triangles.push_back(std::size_t(same - corners.begin()));
+        if (same == corners.end())
+            corners.push_back(corner);
+    }
+};
 
 struct Collected
 {
-    Corners corners;
+    Solid solid;
     SbColor own;
 };
 
@@ -63,12 +81,12 @@ void collect(void* to, SoCallbackAction* action, const SoPrimitiveVertex* a,
         action->getMaterial(ambient, diffuse, specular, emission, shininess, transparency,
                             vertex->getMaterialIndex());
         corner.brightness = std::min(brightest(diffuse) / brightest(collected.own), 1.0f);
-        collected.corners.push_back(corner);
+        collected.solid.add(corner);
     }
 }
 
 // What a node shows, beside the colour that it has itself.
-Corners trianglesOf(SoNode* node, const SbColor& own)
+Solid solidOf(SoNode* node, const SbColor& own)
 {
     Collected collected{{}, own};
     SoCallbackAction action;
@@ -76,18 +94,18 @@ Corners trianglesOf(SoNode* node, const SbColor& own)
     node->ref();
     action.apply(node);
     node->unref();
-    return collected.corners;
+    return collected.solid;
 }
 
-Corners trianglesOfBase(char letter, const DnaLook& look, bool isUpright)
+Solid solidOfBase(char letter, const DnaLook& look, bool isUpright)
 {
     DnaLook plain = look;
     plain.atoms = false;
-    return trianglesOf(makeNucleobase(letter, plain, isUpright), toSbColor(baseColour(letter)));
+    return solidOf(makeNucleobase(letter, plain, isUpright), toSbColor(baseColour(letter)));
 }
 
 // The box of a pair at the origin, with the measures of another.
-Corners trianglesOfPairBox(const SoDNA& pairs)
+Solid solidOfPairBox(const SoDNA& pairs)
 {
     auto* one = new SoDNA;
     one->showAtoms(false);
@@ -102,7 +120,7 @@ Corners trianglesOfPairBox(const SoDNA& pairs)
     one->setData("A", origin, turn, origin, turn, origin, turn);
     one->generate();
     one->setBasepairColour({1, 1, 1});
-    return trianglesOf(one, SbColor(1, 1, 1));
+    return solidOf(one, SbColor(1, 1, 1));
 }
 
 struct Place
@@ -111,15 +129,30 @@ struct Place
     algebra3d::Quaternion<double> rotation;
 };
 
-// Fills a shape with the triangles of one thing after the other.
+// Fills a shape with the triangles of one solid after the other.
 class Filler
 {
 public:
-    void add(const Corners& corners, const Place& place, const Colour& colour)
+    // Room for so many like this one.
+    void reserve(const Solid& solid, std::size_t count)
     {
+        points.reserve(count * solid.corners.size());
+        normals.reserve(count * solid.corners.size());
+        colours.reserve(count * solid.corners.size());
+        indices.reserve(count * (solid.triangles.size() / 3 * 4));
+    }
+
+    void add(const Solid& solid, const Place& place, const Colour& colour)
+    {
+        const std::size_t first = points.size();
+        for (std::size_t i = 0; i < solid.triangles.size(); ++i) {
+            indices.push_back(std::int32_t(first + solid.triangles[i]));
+            if (i % 3 == 2)
+                indices.push_back(SO_END_FACE_INDEX);
+        }
         SbMatrix matrix;
         matrix.setTransform(toSbVec3f(place.point), toSbRotation(place.rotation), SbVec3f(1, 1, 1));
-        for (const Corner& corner : corners) {
+        for (const Corner& corner : solid.corners) {
             SbVec3f point, normal;
             matrix.multVecMatrix(corner.point, point);
             matrix.multDirMatrix(corner.normal, normal);
@@ -139,12 +172,6 @@ public:
         vertices->vertex.setValues(0, count, points.data());
         vertices->normal.setValues(0, count, normals.data());
         vertices->orderedRGBA.setValues(0, count, colours.data());
-        std::vector<std::int32_t> indices;
-        for (int i = 0; i < count; ++i) {
-            indices.push_back(i);
-            if (i % 3 == 2)
-                indices.push_back(SO_END_FACE_INDEX);
-        }
         shape.coordIndex.setNum(int(indices.size()));
         shape.coordIndex.setValues(0, int(indices.size()), indices.data());
     }
@@ -152,6 +179,7 @@ public:
 private:
     std::vector<SbVec3f> points, normals;
     std::vector<std::uint32_t> colours;
+    std::vector<std::int32_t> indices;
 };
 
 SoIndexedFaceSet& shapeOf(const SoSeparator& coloured, Shape shape)
@@ -190,15 +218,17 @@ void setColouredPairs(SoSeparator& coloured, const Dna& dna, const DnaLook& look
                       const Placement& inAngstrom, const SoDNA& pairs,
                       const std::vector<Colour>& colours)
 {
-    const Corners box = look.pairBoxes ? trianglesOfPairBox(pairs) : Corners();
-    std::map<std::pair<char, bool>, Corners> known;
-    const auto baseOf = [&](char letter, bool isUpright) -> const Corners& {
+    const Solid box = look.pairBoxes ? solidOfPairBox(pairs) : Solid();
+    std::map<std::pair<char, bool>, Solid> known;
+    const auto baseOf = [&](char letter, bool isUpright) -> const Solid& {
         const auto [found, isNew] = known.try_emplace({letter, isUpright});
         if (isNew)
-            found->second = trianglesOfBase(letter, look, isUpright);
+            found->second = solidOfBase(letter, look, isUpright);
         return found->second;
     };
     Filler boxes, bases;
+    boxes.reserve(box, dna.bases.size());
+    bases.reserve(baseOf(BASE_LETTERS[0], true), 2 * dna.bases.size());
     for (std::size_t i = 0; i < dna.bases.size(); ++i) {
         const auto placed = [&](const auto& points, const auto& rotations) {
             return Place{inAngstrom.toScene(points[i]), rotations[i]};
