@@ -70,12 +70,13 @@ void addShears(std::vector<Scalar>& scalars, const Track& track, const Track& re
         lengths.push_back((reference.points[i + 1] - reference.points[i]).getNorm());
     const auto shears = shearsOfElements(track.points, track.rotations, lengths);
     const Line line{track.points, track.rotations, track.isClosed};
-    const char* const names[] = {"shear1", "shear2", "extension"};
+    const std::size_t firstShear = 2; // of the names
     for (int component = 0; component < 3; ++component) {
         Values ofElements;
         for (const auto& shear : shears)
             ofElements.push_back(shear[component]);
-        add(scalars, names[component], atPoints(line, ofElements));
+        add(scalars, COMPARISON_SCALARS[firstShear + std::size_t(component)],
+            atPoints(line, ofElements));
     }
 }
 
@@ -107,10 +108,10 @@ std::string addComparison(Configuration& configuration, const Configuration& ref
                                            "not compared";
             continue;
         }
-        add(*scalars, "reference_distance", distances(track, *other, *motion));
+        add(*scalars, COMPARISON_SCALARS[0], distances(track, *other, *motion));
         if (!hasFrames(track) || !hasFrames(*other))
             continue;
-        add(*scalars, "reference_rotation", rotations(track, *other, *motion));
+        add(*scalars, COMPARISON_SCALARS[1], rotations(track, *other, *motion));
         if (!track.dna)
             addShears(*scalars, track, *other);
     }

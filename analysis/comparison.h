@@ -2,6 +2,7 @@
 #ifndef STRANDVIEW_ANALYSIS_COMPARISON_H
 #define STRANDVIEW_ANALYSIS_COMPARISON_H
 
+#include <array>
 #include <memory>
 #include <optional>
 #include <string>
@@ -11,6 +12,10 @@
 #include <strandview/model/Series.h>
 
 namespace strandview {
+
+/// The names of the scalars that a comparison adds.
+constexpr std::array<const char*, 5> COMPARISON_SCALARS{"reference_distance", "reference_rotation",
+                                                        "shear1", "shear2", "extension"};
 
 /// Adds scalars that compare rods, birods and DNA with those of the same index in a reference,
 /// where they have as many points:

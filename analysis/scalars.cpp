@@ -5,6 +5,7 @@
 #include <cmath>
 #include <limits>
 
+#include <strandview/analysis/comparison.h>
 #include <strandview/analysis/curveNumbers.h>
 #include <strandview/analysis/dnaNumbers.h>
 #include <strandview/analysis/helicalParameters.h>
@@ -16,7 +17,8 @@ namespace {
 using Values = std::vector<double>;
 
 const double NONE = std::numeric_limits<double>::quiet_NaN();
-const double DEGREES = 180 / std::acos(-1.0);
+// What sums of doubles may lose, of a length, a degree or an ångström.
+const double LEAST_ROUNDING = 1e-9;
 
 // A quantity and its formula: one of these.
 struct Row
@@ -181,6 +183,17 @@ double inUnit(const Quantity& quantity, double value, double angstrom)
     return quantity.unit == "Å" ? value / angstrom : value;
 }
 
+double lengthOf(const Track& track)
+{
+    return alongLine(track, [](const Line& line) { return arcLengths(line); }).back();
+}
+
+bool isOfComparison(const std::string& name)
+{
+    return std::find(COMPARISON_SCALARS.begin(), COMPARISON_SCALARS.end(), name) !=
+           COMPARISON_SCALARS.end();
+}
+
 Values ofPairs(const Row& row, const Track& track)
 {
     Values values;
@@ -257,16 +270,20 @@ std::optional<std::vector<double>> findScalar(const Track& track, const std::str
 std::vector<double> roundingOf(const Track& track, const std::string& name)
 {
     Values values(track.points.size());
+    if (values.empty() || name == "arclength")
+        return values;
+    if (isOfComparison(name))
+        return Values(values.size(),
+                      LEAST_ROUNDING * (name == COMPARISON_SCALARS[0] ? lengthOf(track) : 1));
     const Row* const row = findRow(track.kind, name);
-    if (!row || findGiven(track, name) || name == "arclength" || values.empty())
+    if (!row || findGiven(track, name))
         return values;
     if (row->rounding)
         values = alongLine(track, row->rounding);
-    double least = 1e-9;
+    double least = LEAST_ROUNDING;
     if (row->ofLine) {
-        const double length =
-            alongLine(track, [](const Line& line) { return arcLengths(line); }).back();
-        least = length > 0 ? 1e-9 / length : 0;
+        const double length = lengthOf(track);
+        least = length > 0 ? LEAST_ROUNDING / length : 0;
     }
     for (double& value : values)
         value = std::max(value, least);

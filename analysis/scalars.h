@@ -58,8 +58,8 @@ STRANDVIEW_ANALYSIS_EXPORT std::optional<std::vector<double>> findScalar(const R
 /// By how much the values of findScalar() may be off because points and frames are rounded, to
 /// double precision or to the decimals that they were written with, one number per row: as the
 /// formula carries the rounding on, and at least a 1e-9th of 1 / length, or of a degree or
-/// ångström. Infinite where a torsion is not determined; zero of arclength and of the scalars of
-/// files.
+/// ångström; of comparisons (comparison.h) a 1e-9th of the length, of a degree or of 1. Infinite
+/// where a torsion is not determined; zero of arclength and of other scalars of files.
 STRANDVIEW_ANALYSIS_EXPORT std::vector<double> roundingOf(const Track& track,
                                                           const std::string& name);
 STRANDVIEW_ANALYSIS_EXPORT std::vector<double> roundingOf(const Rod& rod, const std::string& name);

@@ -6,8 +6,13 @@
 #include <Inventor/nodes/SoMaterial.h>
 #include <gmock/gmock.h>
 
+#include <algebra3d/rotations.h>
+
+#include <strandview/analysis/comparison.h>
 #include <strandview/analysis/parallelTransport.h>
+#include <strandview/analysis/scalars.h>
 #include <strandview/analysis/stepParameters.h>
+#include <strandview/analysis/superpose.h>
 
 #include "scene/Progress.h"
 #include "support/initialiseSceneOnce.h"
@@ -484,6 +489,20 @@ TEST_F(ColouringTest, OfABirodWhoseAverageAloneHasTheScalarIsThatOfAllThree)
     ASSERT_TRUE(made) << report.error;
     for (std::size_t curve = 0; curve < 3; ++curve)
         EXPECT_THAT(made->ofBirod(0, curve), ElementsAre(0, 1)) << curve;
+}
+
+TEST_F(ColouringTest, OfDataThatWereOnlyMovedTheDistanceFromTheReferenceIsNone)
+{
+    Configuration data;
+    data.rods = {rodThrough({{0, 0, 0}, {1, 0, 0}, {1, 2, 0}, {4, 2, 5}})};
+    const Configuration reference = data;
+    move(data, {{5, 6, 7}, algebra3d::about(algebra3d::Vector3<double>(1, 2, 3), 0.7)});
+    EXPECT_EQ(addComparison(data, reference), "");
+    options.colourBy = "reference_distance";
+    EXPECT_THAT(*findScalar(data.rods[0], "reference_distance"), testing::Contains(testing::Gt(0)))
+        << "but for rounding";
+    ASSERT_TRUE(makeColouring(options, data, report)) << report.error;
+    EXPECT_THAT(report.notices, testing::Contains(HasSubstr("found 0 everywhere")));
 }
 
 TEST_F(ColouringTest, DnaWithoutTheScalarIsTold)
