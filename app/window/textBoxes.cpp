@@ -66,8 +66,8 @@ QString keyPage()
         columns[column] += rowsOf(group);
         heights[column] += 1 + group.keys.size();
     }
-    return "<table style='white-space: nowrap'><tr><td><table cellspacing='4'>" + columns[0] +
-           "</table></td><td><table cellspacing='4'>" + columns[1] + "</table></td></tr></table>";
+    return "<table style='white-space: nowrap'><tr><td><table cellspacing='3'>" + columns[0] +
+           "</table></td><td><table cellspacing='3'>" + columns[1] + "</table></td></tr></table>";
 }
 
 } // namespace strandview

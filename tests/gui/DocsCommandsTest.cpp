@@ -137,11 +137,11 @@ TEST_P(DocsCommandsTest, DoAsTheyAreWritten)
     EXPECT_EQ(run.status, 0) << run.error;
     for (const std::string& picture : picturesOf(commands))
         EXPECT_TRUE(fs::exists(desk.place(picture))) << picture;
-    const int told = countIn(commands, std::regex("--(info|list-frames) "));
+    const int told = countIn(commands, std::regex("--(info|list-frames|list-scalars) "));
     if (told == started && commands != GetParam().text()) {
         EXPECT_EQ(run.output, answersOf(GetParam()));
     }
-    const int written = countIn(commands, std::regex("--(render|export) ")) + told;
+    const int written = countIn(commands, std::regex("--(render|export|plot) ")) + told;
     for (int window = 1; window <= started - written; ++window)
         EXPECT_TRUE(fs::exists(desk.place("window" + std::to_string(window) + ".png")));
 }

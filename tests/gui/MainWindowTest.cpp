@@ -1653,7 +1653,7 @@ TEST_F(ActionsTest, EveryOtherKeyTriggersItsEntryOnce)
             entry->disconnect();
         }
     }
-    EXPECT_EQ(tried, 30);
+    EXPECT_EQ(tried, 31);
 }
 
 TEST_F(MainWindowTest, EveryKeyThatTheViewKnowsStandsOnTheHelpPage)

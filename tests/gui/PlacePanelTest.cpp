@@ -246,13 +246,13 @@ TEST_F(PlacePanelTest, ASecondClickWithShiftMeasuresFromTheFirst)
     openWithPanel(rodText(0));
     click(1, 0);
     ASSERT_TRUE(comesToTell("rod 1"));
-    shiftClick(4, 0);
+    shiftClick(3, 0);
     ASSERT_TRUE(comesToTell("from 1 to 2"));
-    EXPECT_EQ(valueOf("distance"), "3\tlength");
-    EXPECT_EQ(valueOf("arc length between"), "3\tlength");
+    EXPECT_EQ(valueOf("distance"), "2\tlength");
+    EXPECT_EQ(valueOf("arc length between"), "2\tlength");
     EXPECT_THAT(told(), HasSubstr("1: rod 1\n"));
     EXPECT_THAT(told(), HasSubstr("2: rod 1\n"));
-    EXPECT_THAT(statusText(), StartsWith("distance 3\npoint "));
+    EXPECT_THAT(statusText(), StartsWith("distance 2\npoint "));
     // From the same place to another.
     shiftClick(2, 0);
     EXPECT_TRUE(comesToTell("distance\t1\t"));
