@@ -755,10 +755,14 @@ private:
         return found != missing.end() && found->column == column;
     }
     /// A scalar that is no number, beside a frame or where there are none, is not missing:
-    /// it is the point's, and unknown.
+    /// it is the point's, and unknown. So is an empty one where rows are bases, which have no
+    /// elements: behind the last pair there is no step.
     void keepUnknownScalars()
     {
-        const auto isUnknown = [](const MissingField& field) { return !field.text.empty(); };
+        const bool areBases = columns.letters != NO_COLUMN;
+        const auto isUnknown = [=](const MissingField& field) {
+            return !field.text.empty() || (areBases && !columns.isOfGeometry(field.column));
+        };
         missing.erase(std::remove_if(missing.begin(), missing.end(), isUnknown), missing.end());
     }
     bool isRotationMissing() const

@@ -219,18 +219,18 @@ private:
         for (std::size_t row = 0; row < track.points.size() && text.isTaken(); ++row) {
             text.put(begin);
             if (index)
-                putValue((*index)[row]);
+                putValue(track, (*index)[row]);
             else
                 text.put(std::to_string(row));
             text.put(",");
-            putValue(arclength ? (*arclength)[row] : NAN);
+            putValue(track, arclength ? (*arclength)[row] : NAN);
             putPlace(track, row);
             if (columns.haveBases)
                 text.put(bases.empty() ? "," : std::string(",") + bases[row]);
             for (const std::optional<Values>& values : scalars) {
                 text.put(",");
                 if (values)
-                    putValue((*values)[row]);
+                    putValue(track, (*values)[row]);
             }
             text.put("\n");
         }
@@ -249,11 +249,12 @@ private:
         }
     }
 
-    void putValue(double value)
+    // Behind the last pair of an open DNA there is no step.
+    void putValue(const Track& track, double value)
     {
         if (std::isfinite(value))
             text.putDigits(value);
-        else
+        else if (track.kind != Track::Kind::DNA_PAIRS)
             text.put("nan");
     }
 

@@ -343,6 +343,8 @@ TEST(WriteCsv, OfADnaPairsAndStrandsAreWrittenWithTheirBases)
     const Values& roll = findIn(back.rods.at(1), "roll")->values;
     EXPECT_FALSE(std::isnan(roll[2]));
     EXPECT_TRUE(std::isnan(roll[3])) << "behind the last pair there is no step";
+    EXPECT_THAT(csv.text, HasSubstr(",,,,,,,,,,,,\n")) << "the fields of all steps";
+    EXPECT_THAT(csv.text, Not(HasSubstr("nan")));
 
     std::istringstream lines(csv.text);
     std::string letters;
