@@ -193,7 +193,6 @@ std::optional<Plot> plotOf(const Configuration& configuration, const Style& styl
         request.against.value_or(areCurves ? PlotAxis::ARC_LENGTH : PlotAxis::NUMBER);
     Plot plot;
     plot.xName = axis == PlotAxis::ARC_LENGTH ? "arc length" : numberName(tracks);
-    plot.xUnit = axis == PlotAxis::ARC_LENGTH ? "length" : "";
     const Molecules molecules(configuration);
     for (const Track& track : tracks)
         plot.lines.push_back({idOf(track), titleOf(track),

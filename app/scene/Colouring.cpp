@@ -139,11 +139,12 @@ ColourMapper toMapper(const ColourMap& map)
 }
 
 // The values at the ends of the colours. Where none is given, the neutral middle of a diverging
-// map is zero if there is something on either side of it.
-Limits chooseLimits(const Options& options, const ColourMap& colours, const ValueSummary& summary)
+// map is zero if there may be something on either side of it.
+Limits chooseLimits(const Options& options, const ColourMap& colours, const ValueSummary& summary,
+                    bool isSigned)
 {
     const bool isGiven = options.rangeMin || options.rangeMax;
-    if (!isGiven && colours.isDiverging && summary.hasBothSigns())
+    if (!isGiven && colours.isDiverging && (isSigned || summary.hasBothSigns()))
         return {-summary.values.magnitude(), summary.values.magnitude()};
     return {options.rangeMin.value_or(summary.values.min),
             options.rangeMax.value_or(summary.values.max)};
@@ -431,8 +432,8 @@ std::optional<Colouring> makeColouring(const Options& options, const Configurati
     colouring.angstrom = options.dna.angstrom;
     const Quantity* const quantity = meaningOf(tracks, colouring.name);
     colouring.unit = unitOf(quantity);
-    const ColourMap colours =
-        options.colours.value_or(defaultColourMap(quantity && quantity->isSigned));
+    const bool isSigned = quantity && quantity->isSigned;
+    const ColourMap colours = options.colours.value_or(defaultColourMap(isSigned));
     colouring.ramp = toMapper(colours);
     colouring.places = findValues(tracks, colouring.name);
     ValueSummary summary = summarise(colouring.places, tracks, colouring.name);
@@ -444,7 +445,7 @@ std::optional<Colouring> makeColouring(const Options& options, const Configurati
     if (!options.rangeMin && !options.rangeMax && summary.isConstant()) {
         placeConstant(colouring, summary);
     } else {
-        const Limits limits = chooseLimits(options, colours, summary);
+        const Limits limits = chooseLimits(options, colours, summary, isSigned);
         report.error = checkLimits(options, limits, summary.values);
         if (!report.error.empty())
             return std::nullopt;

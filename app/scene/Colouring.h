@@ -115,13 +115,14 @@ ValueSummary summarise(const Configuration& configuration, const std::string& na
 /// The colouring that the options ask for by name. Unless given, its colours are
 /// defaultColourMap(), of what is signed by its nature or of all else, also of scalars of files;
 /// and its limits those of all values, but as far above 0 as below where a diverging map, whose
-/// middle is for 0, shows both signs. Values that differ by less than a 1e-9th of the largest, or
-/// by what the rounding of points and frames may cause, are a constant. What is a number of pairs
-/// or steps of DNA is not that of rods that are there besides. A notice tells a constant, how many
-/// rods, birods or DNA have no such scalar, how many values are no numbers, and which options have
-/// no effect. Nothing, and one line in report.error, if nothing has the scalar, none of its values
-/// is a number, or the limits leave no room between them. The values of other frames of a series,
-/// if given, count for the limits, and the constant, as the configuration's own do.
+/// middle is for 0, shows both signs or what is signed by its nature. Values that differ by less
+/// than a 1e-9th of the largest, or by what the rounding of points and frames may cause, are a
+/// constant. What is a number of pairs or steps of DNA is not that of rods that are there besides.
+/// A notice tells a constant, how many rods, birods or DNA have no such scalar, how many values are
+/// no numbers, and which options have no effect. Nothing, and one line in report.error, if nothing
+/// has the scalar, none of its values is a number, or the limits leave no room between them. The
+/// values of other frames of a series, if given, count for the limits, and the constant, as the
+/// configuration's own do.
 std::optional<Colouring> makeColouring(const Options& options, const Configuration& configuration,
                                        ReadReport& report, const ValueSummary* ofOthers = nullptr);
 

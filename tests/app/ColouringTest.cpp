@@ -190,6 +190,23 @@ TEST_F(ColouringTest, ADivergingMapOfValuesOfOneSignIsAsLongAsTheirRange)
     }
 }
 
+TEST_F(ColouringTest, TheMiddleIsZeroOfWhatIsSignedByItsNatureWhateverItsSigns)
+{
+    std::vector<Vector3<double>> points; // of a right-handed screw that gets steeper
+    for (int i = 0; i < 30; ++i)
+        points.emplace_back(0.1 * i + 0.01 * i * i, std::cos(0.2 * i), std::sin(0.2 * i));
+    const Rod rod = rodThrough(points);
+    const auto torsion = make({rod}, "torsion");
+    ASSERT_TRUE(torsion) << report.error;
+    EXPECT_EQ(torsion->constant, "");
+    EXPECT_EQ(torsion->min, -torsion->max);
+    for (const double place : torsion->places[0])
+        EXPECT_EQ(place > 0.5, torsion->places[0][0] > 0.5) << "one sign";
+    options.colours = findColourMap("viridis");
+    const auto plain = make({rod}, "torsion");
+    EXPECT_NE(plain->min, -plain->max);
+}
+
 TEST_F(ColouringTest, AGivenRangeOfADivergingMapHolds)
 {
     options.colours = findColourMap("vik");
@@ -452,10 +469,14 @@ TEST_F(ColouringTest, ABackboneHasThatOfItsPairs)
     Rod other = backbone;
     other.molecule = 2;
     data.rods = {backbone, other};
+    const auto near = [](double place) { return testing::DoubleNear(place, 1e-9); };
+    options.rangeMin = 2;
+    options.rangeMax = 7;
     options.colourBy = "roll";
     const auto made = makeColouring(options, data, report);
     ASSERT_TRUE(made) << report.error;
-    EXPECT_THAT(made->ofRod(0), ElementsAre(0, 1, 1, testing::NanSensitiveDoubleEq(NONE)));
+    EXPECT_THAT(made->ofRod(0),
+                ElementsAre(near(0), near(1), near(1), testing::NanSensitiveDoubleEq(NONE)));
     EXPECT_THAT(made->ofRod(1), IsEmpty());
 }
 
