@@ -267,6 +267,11 @@ std::optional<std::vector<double>> findScalar(const Track& track, const std::str
     return row->ofPair ? ofPairs(*row, track) : ofSteps(*row, track);
 }
 
+std::vector<double> arcLengthsOf(const Track& track)
+{
+    return alongLine(track, [](const Line& line) { return arcLengths(line); });
+}
+
 std::vector<double> roundingOf(const Track& track, const std::string& name)
 {
     Values values(track.points.size());

@@ -55,6 +55,9 @@ STRANDVIEW_ANALYSIS_EXPORT std::optional<std::vector<double>> findScalar(const T
 STRANDVIEW_ANALYSIS_EXPORT std::optional<std::vector<double>> findScalar(const Rod& rod,
                                                                          const std::string& name);
 
+/// Along the polygon, from 0, at each row, whatever the data call arclength.
+STRANDVIEW_ANALYSIS_EXPORT std::vector<double> arcLengthsOf(const Track& track);
+
 /// By how much the values of findScalar() may be off because points and frames are rounded, to
 /// double precision or to the decimals that they were written with, one number per row: as the
 /// formula carries the rounding on, and at least a 1e-9th of 1 / length, or of a degree or

@@ -204,6 +204,7 @@ struct Columns
     std::vector<std::size_t> geometry; ///< the column of each of knownNames(), or NO_COLUMN
     std::vector<std::size_t> others;   ///< the scalars; of DNA the base
     std::size_t letters = NO_COLUMN;   ///< the base, which is no number
+    bool areNamed = false;             ///< by a header
     enum Rotation { NONE, QUATERNION, DIRECTORS };
     std::vector<Rotation> rotations; ///< what tells that of each frame
 
@@ -345,7 +346,8 @@ private:
             return takeWideColumns() && (fault.empty() || fail(fault));
         if (options.frameRows == 1)
             return takeWideColumnCount(fields.size(), isHeader(fields));
-        if (isHeader(fields))
+        columns.areNamed = isHeader(fields);
+        if (columns.areNamed)
             return takeHeader(fields);
         columns.areOfDna = isBase(fields[0]);
         return takeColumnCount(fields.size());
@@ -462,8 +464,8 @@ private:
         if (named == columns.others.end())
             return;
         const std::vector<std::string_view> below = fieldsBelow(scanner);
-        if (*named >= below.size() || !isLetter(below[*named]))
-            return;
+        if (*named == 0 || *named >= below.size() || !isLetter(below[*named]))
+            return; // the first is that of DNA
         columns.letters = *named;
         columns.others.erase(named);
     }
@@ -784,10 +786,18 @@ private:
         return ofRotation == 0 ||
                ofRotation == columns.geometry.size() - std::size_t(without) - FIRST_OF_QUATERNION;
     }
-    /// What is empty in the first row of a rod is absent: it has none, in any row.
+    /// What is empty in the first row of a rod is absent: it has none, in any row. Names of columns
+    /// say what that is; and a time is that of all rows.
     bool takeAbsent()
     {
         if (missing.empty()) // most often
+            return true;
+        const std::size_t time = timeColumnOf(columns);
+        const bool mayLack = columns.areNamed &&
+                             std::none_of(missing.begin(), missing.end(), [=](const auto& field) {
+                                 return field.column == time && field.text.empty();
+                             });
+        if (!mayLack)
             return true;
         for (const MissingField& field : missing)
             if (field.text.empty())

@@ -219,18 +219,18 @@ private:
         for (std::size_t row = 0; row < track.points.size() && text.isTaken(); ++row) {
             text.put(begin);
             if (index)
-                putValue(track, (*index)[row]);
+                putValue(track, row, (*index)[row]);
             else
                 text.put(std::to_string(row));
             text.put(",");
-            putValue(track, arclength ? (*arclength)[row] : NAN);
+            putValue(track, row, arclength ? (*arclength)[row] : NAN);
             putPlace(track, row);
             if (columns.haveBases)
                 text.put(bases.empty() ? "," : std::string(",") + bases[row]);
             for (const std::optional<Values>& values : scalars) {
                 text.put(",");
                 if (values)
-                    putValue(track, (*values)[row]);
+                    putValue(track, row, (*values)[row]);
             }
             text.put("\n");
         }
@@ -250,11 +250,13 @@ private:
     }
 
     // Behind the last pair of an open DNA there is no step.
-    void putValue(const Track& track, double value)
+    void putValue(const Track& track, std::size_t row, double value)
     {
+        const bool isLastPair = track.kind == Track::Kind::DNA_PAIRS && !track.isClosed &&
+                                row > 0 && row + 1 == track.points.size();
         if (std::isfinite(value))
             text.putDigits(value);
-        else if (track.kind != Track::Kind::DNA_PAIRS)
+        else if (!isLastPair)
             text.put("nan");
     }
 

@@ -58,7 +58,7 @@ std::string known(int count, const TextOf& textOfEntry, const std::string& term)
 // What has no direction, or none that is finite, is left to the driver.
 std::string directionOf(const SbVec3f& v)
 {
-    if (!std::isfinite(v.dot(v)))
+    if (!std::isfinite(v.dot(v)) || !(v.dot(v) > 0))
         return "";
     return "normalize(-vec3(" + textOf(v[0]) + ", " + textOf(v[1]) + ", " + textOf(v[2]) + "))";
 }

@@ -97,7 +97,7 @@ double largestOf(const Values& rounding)
 Values placesOf(const Track& track, PlotAxis axis)
 {
     if (axis == PlotAxis::ARC_LENGTH)
-        return findScalar(track, "arclength").value_or(Values());
+        return arcLengthsOf(track);
     Values numbers(track.points.size());
     std::iota(numbers.begin(), numbers.end(), isCurve(track) ? 0 : 1);
     return numbers;
@@ -314,9 +314,11 @@ std::optional<Plot> TimePlot::finish(std::string& error) const
         return std::nullopt;
     }
     Plot whole = plot;
-    whole.xName = areTimed ? "time" : "frame";
+    // Times of a run that was begun again go back: those are no axis.
+    const bool isAxis = areTimed && std::is_sorted(times.begin(), times.end());
+    whole.xName = isAxis ? "time" : "frame";
     for (PlotLine& line : whole.lines)
-        line.x = areTimed ? times : frames;
+        line.x = isAxis ? times : frames;
     for (PlotPanel& panel : whole.panels) {
         for (Values& values : panel.values)
             if (!values.empty())

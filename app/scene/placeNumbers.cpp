@@ -267,12 +267,16 @@ void addWay(Rows& rows, const PickedPlace& from, const PickedPlace& to, const Co
     const double rowsBetween =
         std::abs(double(*to.row) + to.share - double(*from.row) - from.share);
     rows.push_back({isDna ? "pairs between" : "points between", readable(rowsBetween), ""});
-    const double way =
-        std::abs(scalarOf(*line, to, "arclength") - scalarOf(*line, from, "arclength"));
+    const std::vector<double> lengths = arcLengthsOf(*line);
+    const auto lengthAt = [&lengths](const auto& place) {
+        const std::size_t row = *place.row, next = std::min(row + 1, lengths.size() - 1);
+        return lengths[row] + place.share * (lengths[next] - lengths[row]);
+    };
+    const double way = std::abs(lengthAt(to) - lengthAt(from));
     rows.push_back({"arc length between", readable(way), "length"});
     if (!line->isClosed)
         return;
-    double all = scalarAt(*line, "arclength", line->points.size() - 1).value_or(0);
+    double all = lengths.back();
     if (isDna)
         all += (line->points.front() - line->points.back()).getNorm();
     rows.push_back({"the other way round", readable(all - way), "length"});

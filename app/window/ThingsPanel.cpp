@@ -57,22 +57,25 @@ void ThingsPanel::addButton(const char* text, const char* name, std::function<vo
 
 int ThingsPanel::chosenRow() const { return list->currentIndex().row(); }
 
+bool ThingsPanel::isThere(int row) const { return row >= 0 && row < model->rowCount(); }
+
 void ThingsPanel::centre()
 {
-    if (chosenRow() >= 0 && onCentre)
+    if (isThere(chosenRow()) && onCentre)
         onCentre(model->getDatum(chosenRow()).box);
 }
 
 void ThingsPanel::chooseColour(int row)
 {
+    if (!isThere(row))
+        return;
     const ShownDatum& datum = model->getDatum(row);
     if (!datum.getColour)
         return;
     const SbColor now = datum.getColour(datum);
     const QColor chosen = QColorDialog::getColor(
         QColor::fromRgbF(double(now[0]), double(now[1]), double(now[2])), this, "Colour");
-    // Another frame may be there by now.
-    if (chosen.isValid() && row < model->rowCount())
+    if (chosen.isValid() && isThere(row))
         model->setColour(
             row, SbColor(float(chosen.redF()), float(chosen.greenF()), float(chosen.blueF())));
 }
@@ -82,11 +85,14 @@ void ThingsPanel::offerMenu(const QPoint& place)
     const QModelIndex index = list->indexAt(place);
     if (!index.isValid())
         return;
-    const int row = index.row();
+    const int row =
+        index.row(); // another frame, with fewer things, may be there once one is chosen
     QMenu menu;
     menu.addAction("Centre the view on it", this, [this] { centre(); });
-    menu.addAction("Rename", this,
-                   [this, row] { list->edit(model->index(row, ThingsModel::NAME)); });
+    menu.addAction("Rename", this, [this, row] {
+        if (isThere(row))
+            list->edit(model->index(row, ThingsModel::NAME));
+    });
     menu.addAction("Colour...", this, [this, row] { chooseColour(row); });
     menu.exec(list->viewport()->mapToGlobal(place));
 }

@@ -35,7 +35,8 @@ public:
 
 private:
     void addButton(const char* text, const char* name, std::function<void()> does);
-    int chosenRow() const; ///< -1 for none
+    int chosenRow() const;       ///< -1 for none
+    bool isThere(int row) const; ///< in the frame that is shown
     void centre();
     void chooseColour(int row);
     void offerMenu(const QPoint& place);

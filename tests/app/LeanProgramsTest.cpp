@@ -165,7 +165,8 @@ TEST_F(LeanProgramsTest, LeaveToTheDriverWhatIsNoNumberAndWhatIsNotWhole)
 {
     const float none = std::numeric_limits<float>::quiet_NaN();
     for (int i = 0; i < 3; ++i) {
-        Lighting(*scene).directions->value.set1Value(i, SbVec3f(none, 0, 0));
+        Lighting(*scene).directions->value.set1Value(i, i == 0 ? SbVec3f(0, 0, 0)
+                                                               : SbVec3f(none, 0, 0));
         Lighting(*scene).shininess->value.set1Value(i, i == 0 ? 2.5f : i == 1 ? 1e9f : none);
     }
     LeanPrograms lean;

@@ -93,6 +93,14 @@ TEST(PlotFrames, AreOverArcLengthOfRodsAndNumbersOfPairs)
     EXPECT_THAT(ofPairs.lines[0].x, ElementsAre(1, 2, 3, 4));
 }
 
+TEST(PlotFrames, AreOverTheLengthOfTheLineWhateverAFileCallsThat)
+{
+    Configuration data = straightRod(2);
+    data.rods[0].scalars.push_back(
+        {"arclength", std::vector<double>(data.rods[0].points.size(), std::nan(""))});
+    EXPECT_THAT(plotted(data, {}).lines[0].x, ElementsAre(0, 1, 2, 3, 4));
+}
+
 TEST(PlotFrames, AreOverWhatIsAskedFor)
 {
     PlotRequest request;
@@ -173,6 +181,17 @@ std::string refusal(const TimePlot& plot)
 }
 
 } // namespace
+
+TEST(TimePlot, OfTimesThatGoBackIsOverTheFrames)
+{
+    TimePlot plot(asking({"length"}));
+    add(plot, 1, 0, 0.0);
+    add(plot, 2, 1, 1.0);
+    add(plot, 3, 2, 0.5);
+    const Plot made = finished(plot);
+    EXPECT_EQ(made.xName, "frame");
+    EXPECT_THAT(made.lines[0].x, ElementsAre(0, 1, 2));
+}
 
 TEST(TimePlot, HasOneNumberOfEachLineInEachFrame)
 {

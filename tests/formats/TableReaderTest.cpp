@@ -144,6 +144,18 @@ TEST(TableReader, ARowOfBasesThatIsAloneIsNoRodAndLeftOutWithANotice)
         testing::Contains("rod.txt: 2 rows of a base alone left out: a rod has two points"));
 }
 
+TEST(TableReader, WithoutAHeaderOrOfATimeNoColumnMayBeEmpty)
+{
+    EXPECT_FALSE(readText("0,0,0,,,,,5\n0,0,1,,,,,6\n").configuration);
+    EXPECT_FALSE(readText("t,x,y,z\n,0,0,0\n,0,0,1\n\n1,0,0,2\n1,0,0,3\n").configuration);
+}
+
+TEST(TableReader, ABaseInTheFirstColumnIsThatOfDnaAndNeedsALetter)
+{
+    EXPECT_FALSE(
+        readText("base,x,y,z,qx,qy,qz,qw\n,0,0,0,0,0,0,1\nA,0,0,1,0,0,0,1\n").configuration);
+}
+
 TEST(TableReader, AColumnThatIsEmptyInAllRowsOfARodIsNoneOfIts)
 {
     const Reading reading = readText("x,y,z,qx,qy,qz,qw,a,b\n"

@@ -329,6 +329,17 @@ TEST(WriteCsv, WhatALineDoesNotHaveIsEmptyAndReadBackAsNotThere)
     EXPECT_FALSE(findIn(back.rods.at(1), "load"));
 }
 
+TEST(WriteCsv, ANumberThatTheFirstPairHasNotIsReadBack)
+{
+    Dna dna = dnaOf("ACGT");
+    dna.scalars = {{"load", {NAN, 1, 2, 3}}};
+    const Configuration data{{}, {}, {dna}};
+    const Configuration back = onlyFrameOf(written(data).text);
+    const Values& load = findIn(back.rods.at(0), "load")->values;
+    EXPECT_TRUE(std::isnan(load[0]));
+    EXPECT_EQ(load[3], 3);
+}
+
 TEST(WriteCsv, OfADnaPairsAndStrandsAreWrittenWithTheirBases)
 {
     const Configuration data{{helix(3)}, {}, {dnaOf("ACGT")}};
