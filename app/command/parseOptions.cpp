@@ -20,6 +20,8 @@
 #include "command/optionNames.h"
 #include "request/ExitStatus.h"
 #include "request/limits.h"
+#include "request/parseNumber.h"
+#include "request/settings.h"
 
 namespace strandview {
 
@@ -74,48 +76,18 @@ void addSize(CLI::App& app, Options& options)
         ->type_name("WxH");
 }
 
-// One side of a range; empty leaves it open.
-bool parseLimit(const std::string& text, std::optional<double>& limit)
-{
-    if (text.empty())
-        return true;
-    double value = 0;
-    const auto parsed = std::from_chars(text.data(), text.data() + text.size(), value);
-    limit = value;
-    return parsed.ec == std::errc() && parsed.ptr == text.data() + text.size() &&
-           std::isfinite(value);
-}
-
-CLI::Option* addLength(CLI::App& app, const std::string& name, std::optional<double>& length,
-                       const std::string& help)
-{
-    return app
-        .add_option_function<std::string>(
-            name,
-            [name, &length](const std::string& text) {
-                if (!parseLimit(text, length) || !length || *length <= 0) {
-                    throw CLI::ValidationError(name, "found " + inQuotes(text) +
-                                                         ", expected a length above 0");
-                }
-            },
-            help)
-        ->type_name("LENGTH");
-}
-
 template <typename Target>
 CLI::Option* addCount(CLI::App& app, const std::string& name, Target& count, int smallest,
                       int largest, const std::string& help)
 {
     const auto parse = [=, &count](const std::string& text) {
-        int value = 0;
-        const char* end = text.data() + text.size();
-        const auto parsed = std::from_chars(text.data(), end, value);
-        if (parsed.ec != std::errc() || parsed.ptr != end || value < smallest || value > largest) {
+        const std::optional<int> value = parseNumber<int>(text);
+        if (!value || *value < smallest || *value > largest) {
             throw CLI::ValidationError(name, "found '" + text + "', expected a whole number from " +
                                                  std::to_string(smallest) + " to " +
                                                  std::to_string(largest));
         }
-        count = value;
+        count = *value;
     };
     return app.add_option_function<std::string>(name, parse, help)->type_name("N");
 }
@@ -136,66 +108,6 @@ CLI::Option* addParsed(CLI::App& app, const std::string& name, Target& target,
             target = *value;
         },
         help);
-}
-
-template <typename Target>
-CLI::Option* addColour(CLI::App& app, const std::string& name, Target& colour,
-                       const std::string& help)
-{
-    return addParsed(app, name, colour, &parseColour, "#rrggbb or an SVG colour name", help)
-        ->type_name("COLOUR");
-}
-
-struct DnaPart
-{
-    const char* name;
-    bool DnaLook::*shown;
-};
-
-const DnaPart DNA_PARTS[] = {{"backbone", &DnaLook::backbone},
-                             {"bases", &DnaLook::bases},
-                             {"boxes", &DnaLook::baseBoxes},
-                             {"pairs", &DnaLook::pairBoxes},
-                             {"atoms", &DnaLook::atoms}};
-
-void addDna(CLI::App& app, Options& options)
-{
-    const std::string group = "DNA";
-    const auto parseLook = [&options](const std::string& text) {
-        DnaLook& look = options.dna;
-        look.backbone = look.bases = look.baseBoxes = look.pairBoxes = look.atoms = false;
-        const auto show = [&look](const std::string& name) {
-            const auto* part =
-                std::find_if(std::begin(DNA_PARTS), std::end(DNA_PARTS),
-                             [&name](const DnaPart& known) { return name == known.name; });
-            if (part == std::end(DNA_PARTS))
-                throw CLI::ValidationError("--dna", "found '" + name +
-                                                        "', expected some of backbone, bases, "
-                                                        "boxes, pairs and atoms, with commas");
-            look.*part->shown = true;
-        };
-        if (text.empty())
-            show(text);
-        std::istringstream names(text);
-        for (std::string name; std::getline(names, name, ',');)
-            show(name);
-    };
-    app.add_option_function<std::string>("--dna", parseLook,
-                                         "Show backbone, bases as slabs, boxes of bases, boxes of "
-                                         "pairs, atoms [backbone,bases]")
-        ->type_name("WHAT,...")
-        ->group(group);
-    const auto parseUnit = [&options](const std::string& text) {
-        if (text != "angstrom" && text != "nm") {
-            throw CLI::ValidationError("--dna-unit",
-                                       "found '" + text + "', expected angstrom or nm");
-        }
-        options.dna.angstrom = text == "nm" ? 0.1 : 1;
-    };
-    app.add_option_function<std::string>("--dna-unit", parseUnit,
-                                         "Unit of a DNA's points: angstrom or nm [angstrom]")
-        ->type_name("UNIT")
-        ->group(group);
 }
 
 void addCamera(CLI::App& app, Options& options)
@@ -239,8 +151,8 @@ void addCamera(CLI::App& app, Options& options)
 void addWindowPicture(CLI::App& app, CLI::Option* render, Options& options)
 {
     const auto parse = [&options](const std::vector<std::string>& texts) {
-        std::optional<double> seconds;
-        if (!parseLimit(texts[0], seconds) || !seconds || *seconds < 0 || *seconds > 1e6) {
+        const std::optional<double> seconds = parseNumber<double>(texts[0]);
+        if (!seconds || *seconds < 0 || *seconds > 1e6) {
             throw CLI::ValidationError("--screenshot-after",
                                        "found '" + texts[0] + "', expected seconds from 0 on");
         }
@@ -255,96 +167,6 @@ void addWindowPicture(CLI::App& app, CLI::Option* render, Options& options)
         ->expected(2)
         ->allow_extra_args(false)
         ->excludes(render);
-}
-
-void parseRange(const std::string& text, Options& options)
-{
-    options.series.ownRange = text == "frame";
-    if (text == "frame" || text == "auto")
-        return;
-    const std::size_t colon = text.find(':');
-    if (colon == std::string::npos || !parseLimit(text.substr(0, colon), options.rangeMin) ||
-        !parseLimit(text.substr(colon + 1), options.rangeMax) ||
-        (options.rangeMin && options.rangeMax && !(*options.rangeMin < *options.rangeMax))) {
-        throw CLI::ValidationError("--range", "found '" + text +
-                                                  "', expected MIN:MAX with MIN below MAX, of "
-                                                  "which either may be left out, auto or frame");
-    }
-    if (options.rangeMin && options.rangeMax && !isRange(*options.rangeMin, *options.rangeMax))
-        throw CLI::ValidationError("--range",
-                                   "found '" + text +
-                                       "', expected limits that are a 1e-12th of them apart "
-                                       "or more, and up to 1e+307");
-}
-
-// "viridis, cividis, ...".
-std::string listOfColourMaps()
-{
-    std::string text;
-    for (const std::string& name : namesOfColourMaps())
-        text += (text.empty() ? "" : ", ") + name;
-    return text;
-}
-
-Colour parseStop(const std::string& name)
-{
-    const std::optional<Colour> colour = parseColour(name);
-    if (!colour)
-        throw CLI::ValidationError("--colours", "found " + inQuotes(name) +
-                                                    ", expected #rrggbb or an SVG colour name");
-    return *colour;
-}
-
-ColourMap parseColours(const std::string& text)
-{
-    if (text.find(',') == std::string::npos) {
-        if (std::optional<ColourMap> map = findColourMap(text))
-            return *map;
-        throw CLI::ValidationError(
-            "--colours", "found " + inQuotes(text) + ", expected " + listOfColourMaps() +
-                             ", each also reversed as NAME_r, or two colours or more: C1,C2,...");
-    }
-    ColourMap map;
-    std::istringstream names(text);
-    std::string name;
-    while (std::getline(names, name, ','))
-        map.colours.push_back(parseStop(name));
-    if (map.colours.size() < 2)
-        throw CLI::ValidationError("--colours", "found " + inQuotes(text) +
-                                                    ", expected two colours or more: C1,C2,...");
-    return map;
-}
-
-void addColouring(CLI::App& app, Options& options)
-{
-    const std::string group = "Colour by data";
-    CLI::Option* colourBy =
-        app.add_option("--colour-by", options.colourBy,
-                       "Colour by a scalar of the file, or by arclength, curvature, torsion, "
-                       "twist, kappa1 and others")
-            ->type_name("NAME")
-            ->group(group);
-    app.add_option("--compare", options.compare,
-                   "Compare with FILE, or with the first frame of a series: adds the scalars "
-                   "reference_distance, reference_rotation, shear1, shear2 and extension")
-        ->type_name("FILE|first")
-        ->group(group);
-    app.add_option_function<std::string>(
-           "--range", [&options](const std::string& text) { parseRange(text, options); },
-           "Values at the ends of the colours: auto is those of all frames, frame those of each "
-           "[auto]")
-        ->type_name("MIN:MAX")
-        ->needs(colourBy)
-        ->group(group);
-    app.add_option_function<std::string>(
-           "--colours",
-           [&options](const std::string& text) { options.colours = parseColours(text); },
-           "Colours from the least value to the greatest: " + listOfColourMaps() +
-               ", reversed as NAME_r, or two colours or more [" + DEFAULT_MAP + "; " +
-               DEFAULT_SIGNED_MAP + " of what can be negative, such as torsion]")
-        ->type_name("NAME|C1,C2,...")
-        ->needs(colourBy)
-        ->group(group);
 }
 
 // "Tables (.txt .dat), JSON (.json)".
@@ -411,9 +233,8 @@ std::optional<bool> parsePairs(const std::string& text)
 
 std::optional<double> parseRate(const std::string& text)
 {
-    std::optional<double> rate;
-    const bool isNumber = parseLimit(text, rate) && rate;
-    return isNumber && *rate >= 0.01 && *rate <= 1000 ? rate : std::nullopt;
+    const std::optional<double> rate = parseNumber<double>(text);
+    return rate && *rate >= 0.01 && *rate <= 1000 ? rate : std::nullopt;
 }
 
 std::optional<std::vector<std::string>> parseNames(const std::string& text)
@@ -566,31 +387,25 @@ std::string lookOf(const CLI::App& app)
     return text;
 }
 
-void addLook(CLI::App& app, Options& options)
+void addSetting(CLI::App& app, const Setting& setting, StyleRequest& request)
 {
-    const std::string look = "Look";
-    addLength(app, "--radius", options.radius, "Radius of the tube [from the data]")->group(look);
-    addLength(app, "--ribbon-width", options.ribbonWidth, "Width of the ribbon [3 radii]")
-        ->group(look);
-    addCount(app, "--slices", options.slices, 3, 1000, "Points around the tube [from the data]")
-        ->group(look);
-    addCount(app, "--subsegments", options.subsegments, 1, 1000,
-             "Rows between two points [from the data]")
-        ->group(look);
-    app.add_flag("--tube,!--no-tube", options.showTube, "Show the tube [shown]")->group(look);
-    app.add_flag_function(
-           "--ribbon,!--no-ribbon",
-           [&options](std::int64_t count) { options.showRibbon = count > 0; },
-           "Show the ribbon [of what has frames]")
-        ->group(look);
-    app.add_flag("--two-sided", options.twoSidedRibbon,
-                 "Centre the ribbon on the centreline instead of starting it there")
-        ->group(look);
-    addColour(app, "--tube-colour", options.tubeColour, "Colour of the tubes [one per rod]")
-        ->group(look);
-    addColour(app, "--ribbon-colour", options.ribbonColour, "Colour of the ribbons")->group(look);
-    addColour(app, "--background", options.background, "Colour of the background [white]")
-        ->group(look);
+    const std::string name = "--" + std::string(setting.name);
+    const auto read = [&setting, &request, name](const std::string& text) {
+        const std::string fault = setting.read(text, request);
+        if (!fault.empty())
+            throw CLI::ValidationError(name, fault);
+    };
+    CLI::Option* option = nullptr;
+    if (setting.kind == SettingKind::SWITCH)
+        option = app.add_flag_function(
+            name + ",!--no-" + setting.name,
+            [read](std::int64_t count) { read(count > 0 ? "on" : "off"); }, setting.help);
+    else
+        option = app.add_option_function<std::string>(name, read, setting.help)
+                     ->type_name(setting.values);
+    option->group(setting.group);
+    if (setting.neededSetting)
+        option->needs(app.get_option("--" + std::string(setting.neededSetting)));
 }
 
 // The command line with the names of its options as they are spelt here.
@@ -730,9 +545,8 @@ ParsedOptions parseOptions(int argc, const char* const* argv)
     addFiles(app, options);
     addSeries(app, options);
     addPlot(app, options);
-    addLook(app, options);
-    addColouring(app, options);
-    addDna(app, options);
+    for (const Setting& setting : settings())
+        addSetting(app, setting, options);
     addCamera(app, options);
 
     try {

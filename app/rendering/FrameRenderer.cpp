@@ -196,7 +196,7 @@ std::string FrameRenderer::show(const Configuration& data, const Series::GoOn& g
     if (options.series.turn && scene)
         return "";
     SilentProgress progress(goOn);
-    if (!options.series.ownRange || !stage.colouring)
+    if (!options.ownRange || !stage.colouring)
         return showOnStage(scene, stage, data, progress);
     ReadReport report;
     Stage own = stage;

@@ -156,6 +156,7 @@ std::optional<ColourMap> findColourMap(const std::string& name)
     if (!named)
         return std::nullopt;
     ColourMap map;
+    map.text = named->name + (isReversed ? reversed : "");
     map.isDiverging = named->isDiverging;
     for (const std::uint32_t colour : named->colours)
         map.colours.push_back(toColour(colour));

@@ -16,6 +16,7 @@ struct ColourMap
 {
     std::vector<Colour> colours;
     bool isDiverging = false; ///< from one hue through a neutral middle, that of 0, to another
+    std::string text = {};    ///< its name, or its colours with commas, as --colours takes it
 };
 
 /// A published map by its name, in any case, or the other way round by its name and "_r";

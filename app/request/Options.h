@@ -8,23 +8,11 @@
 #include <vector>
 
 #include "request/CameraRequest.h"
-#include "request/Colour.h"
-#include "request/ColourMap.h"
 #include "request/FrameSlice.h"
 #include "request/PlotRequest.h"
+#include "request/StyleRequest.h"
 
 namespace strandview {
-
-/// What is shown of a DNA, and the unit of its points.
-struct DnaLook
-{
-    bool backbone = true; ///< of strands, ideal ones and those that the file has
-    bool bases = true;    ///< as slabs
-    bool baseBoxes = false;
-    bool pairBoxes = false;
-    bool atoms = false;
-    double angstrom = 1; ///< of them in the data's unit
-};
 
 /// Which pictures of a series are rendered, and how.
 struct SeriesRequest
@@ -39,7 +27,6 @@ struct SeriesRequest
     bool ownPairs = false;       ///< each frame has the pairs of nucleotides that are found in it
     std::optional<int> turn;     ///< instead: so many pictures around one frame
     bool stamp = false;          ///< frame and time are written into the picture
-    bool ownRange = false;       ///< each frame has a colour range of its own
     int jobs = 1;                ///< processes that draw; 0 for one per core
     double framesPerSecond = 25; ///< of a film, or of playing
     int cacheMegabytes = 256;    ///< of frames that a window keeps
@@ -47,7 +34,7 @@ struct SeriesRequest
 };
 
 /// What the command line asks for. What is not given is chosen from the data.
-struct Options
+struct Options : StyleRequest
 {
     std::vector<std::string> files;
     std::vector<std::string> given; ///< every option of the command line, such as "--radius"
@@ -90,30 +77,7 @@ struct Options
     CameraRequest camera;
     bool printCamera = false; ///< to standard output, at the end
 
-    // Lengths in the data's unit.
-    std::optional<double> radius;
-    std::optional<double> ribbonWidth;
-    std::optional<int> slices;
-    std::optional<int> subsegments;
-    bool showTube = true;
-    std::optional<bool> showRibbon;
-    bool twoSidedRibbon = false;
-
-    DnaLook dna;
-
-    std::optional<Colour> tubeColour;
-    std::optional<Colour> ribbonColour;
-    Colour background{1, 1, 1};
-
-    /// A file whose first frame others are compared with, by scalars; "first" is that of the
-    /// series.
-    std::optional<std::string> compare;
-    /// The scalar that colours tubes and ribbons; without one they have colours of their own.
-    std::optional<std::string> colourBy;
     bool colourIfPossible = false; ///< what has no such scalar is shown all the same, with a notice
-    std::optional<double> rangeMin;
-    std::optional<double> rangeMax;
-    std::optional<ColourMap> colours; ///< else those that suit the scalar
 };
 
 } // namespace strandview

@@ -144,7 +144,8 @@ Limits chooseLimits(const Options& options, const ColourMap& colours, const Valu
                     bool isSigned)
 {
     const bool isGiven = options.rangeMin || options.rangeMax;
-    if (!isGiven && colours.isDiverging && (isSigned || summary.hasBothSigns()))
+    const bool isAroundNone = colours.isDiverging && (isSigned || summary.hasBothSigns());
+    if (!isGiven && (options.symmetricRange || isAroundNone))
         return {-summary.values.magnitude(), summary.values.magnitude()};
     return {options.rangeMin.value_or(summary.values.min),
             options.rangeMax.value_or(summary.values.max)};

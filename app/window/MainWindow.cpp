@@ -455,7 +455,7 @@ void MainWindow::settle(const Stage& stage)
     const bool wasFitted = isFitted(), wasAtHome = homeNumbers == getCameraNumbers();
     scene->setRoom(stage.roomIn(scene->getPlacement()));
     scene->setSide(stage.side);
-    if (stage.colouring && scene->getColouring() && !options.series.ownRange)
+    if (stage.colouring && scene->getColouring() && !options.ownRange)
         scene->setColouring(*stage.colouring);
     if (!ownedViewer->home.numbers)
         ownedViewer->home = scene->settle(options.camera);

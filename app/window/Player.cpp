@@ -193,7 +193,7 @@ std::optional<Colouring> Player::colouringOf(const Configuration& data)
 {
     if (!scene.getColouring())
         return {};
-    if (options.series.ownRange) {
+    if (options.ownRange) {
         ReadReport untold; // what it says of the data was said of the first frame
         if (std::optional<Colouring> own = makeColouring(options, data, untold)) {
             scene.setColouring(*own);

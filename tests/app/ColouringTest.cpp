@@ -160,6 +160,18 @@ TEST_F(ColouringTest, AColumnOfTheNameOfWhatCanBeNegativeIsAColumnLikeAnyOther)
     expectColours(*made, *findColourMap("viridis"));
 }
 
+TEST_F(ColouringTest, ASymmetricRangeReachesAsFarAboveZeroAsBelow)
+{
+    options.symmetricRange = true;
+    for (const std::vector<double>& values :
+         {std::vector<double>{-1, 3}, {-3, 1}, {2, 3}, {-3, -2}}) {
+        const auto made = make({straightRod(values)});
+        ASSERT_TRUE(made) << report.error;
+        EXPECT_EQ(made->min, -3);
+        EXPECT_EQ(made->max, 3);
+    }
+}
+
 TEST_F(ColouringTest, TheMiddleOfADivergingMapIsZeroWhereThereIsSomethingOnEitherSideOfIt)
 {
     const auto torsion = make({woundBothWays(50)}, "torsion");

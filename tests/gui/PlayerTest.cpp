@@ -367,7 +367,7 @@ TEST_F(PlayerTest, NodesAreUpdatedAndNeverMadeAnew)
     for (const bool isColoured : {false, true}) {
         if (isColoured)
             options.colourBy = "curvature";
-        options.series.ownRange = isColoured; // a legend that changes in every frame
+        options.ownRange = isColoured; // a legend that changes in every frame
         openSeries(30);
         const auto nodes = [&] { return everyNodeOf(scene); };
         const std::vector<const SoNode*> before = nodes();
@@ -398,7 +398,7 @@ TEST_F(PlayerTest, TheColoursHaveTheRangeOfAllFramesOrOfEachItsOwn)
 {
     for (const bool isOwn : {false, true}) {
         options.colourBy = "curvature";
-        options.series.ownRange = isOwn;
+        options.ownRange = isOwn;
         openSeries(10);
         pressRealKey("period"); // the first frame is straight
         ASSERT_TRUE(comesToShow(1));

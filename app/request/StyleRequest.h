@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_APP_REQUEST_STYLEREQUEST_H
+#define STRANDVIEW_APP_REQUEST_STYLEREQUEST_H
+
+#include <optional>
+#include <string>
+
+#include "request/Colour.h"
+#include "request/ColourMap.h"
+
+namespace strandview {
+
+/// What is shown of a DNA, and the unit of its points.
+struct DnaLook
+{
+    bool backbone = true; ///< of strands, ideal ones and those that the file has
+    bool bases = true;    ///< as slabs
+    bool baseBoxes = false;
+    bool pairBoxes = false;
+    bool atoms = false;
+    double angstrom = 1; ///< of them in the data's unit
+};
+
+/// How data are to look, as it can be asked for: by options, by the window's panels and by a
+/// session. What is left open is chosen from the data. settings() lists all of it.
+struct StyleRequest
+{
+    // Lengths in the data's unit.
+    std::optional<double> radius;
+    std::optional<double> ribbonWidth;
+    std::optional<int> slices;
+    std::optional<int> subsegments;
+    bool showTube = true;
+    std::optional<bool> showRibbon;
+    bool twoSidedRibbon = false;
+
+    DnaLook dna;
+
+    std::optional<Colour> tubeColour;
+    std::optional<Colour> ribbonColour;
+    Colour background{1, 1, 1};
+
+    /// A file whose first frame others are compared with, by scalars; "first" is that of the
+    /// series.
+    std::optional<std::string> compare;
+    /// The scalar that colours tubes and ribbons; without one they have colours of their own.
+    std::optional<std::string> colourBy;
+    std::optional<double> rangeMin;
+    std::optional<double> rangeMax;
+    bool ownRange = false;            ///< each frame of a series has a range of its own
+    bool symmetricRange = false;      ///< as far above 0 as below, around all values
+    std::optional<ColourMap> colours; ///< else those that suit the scalar
+};
+
+} // namespace strandview
+
+#endif

@@ -1,0 +1,424 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "request/settings.h"
+
+#include <algorithm>
+#include <cassert>
+#include <cmath>
+#include <cstdio>
+#include <sstream>
+
+#include <strandview/formats/text/wording.h>
+
+#include "request/limits.h"
+#include "request/parseNumber.h"
+
+namespace strandview {
+
+namespace {
+
+using Text = std::optional<std::string>;
+
+std::string found(const std::string& text, const std::string& expected)
+{
+    return "found " + inQuotes(text) + ", expected " + expected;
+}
+
+// Each kind of member, once: as text, from text and left open.
+
+std::string inWords(double length) { return formatted(length); }
+std::string inWords(int count) { return std::to_string(count); }
+std::string inWords(bool on) { return on ? "on" : "off"; }
+std::string inWords(const Colour& colour)
+{
+    const auto level = [](float part) { return int(std::lround(255 * part)); };
+    char text[8];
+    std::snprintf(text, sizeof text, "#%02x%02x%02x", level(colour.red), level(colour.green),
+                  level(colour.blue));
+    return text;
+}
+std::string inWords(const std::string& text) { return text; }
+std::string inWords(const ColourMap& map) { return map.text; }
+
+bool areSame(bool a, bool b) { return a == b; }
+bool areSame(const Colour& a, const Colour& b)
+{
+    return a.red == b.red && a.green == b.green && a.blue == b.blue;
+}
+
+template <typename Value>
+Text textOf(const std::optional<Value>& value, const std::optional<Value>& /*usual*/)
+{
+    return value ? Text(inWords(*value)) : std::nullopt;
+}
+template <typename Value>
+Text textOf(const Value& value, const Value& usual)
+{
+    return areSame(value, usual) ? std::nullopt : Text(inWords(value));
+}
+
+template <auto member>
+Text write(const StyleRequest& request)
+{
+    return textOf(request.*member, StyleRequest().*member);
+}
+
+template <auto member>
+void clear(StyleRequest& request)
+{
+    request.*member = StyleRequest().*member;
+}
+
+template <auto member>
+std::string readSwitch(const std::string& text, StyleRequest& request)
+{
+    if (text != "on" && text != "off")
+        return found(text, "on or off");
+    request.*member = text == "on";
+    return "";
+}
+
+template <auto member>
+std::string readLength(const std::string& text, StyleRequest& request)
+{
+    const std::optional<double> length = parseNumber<double>(text);
+    if (!length || *length <= 0)
+        return found(text, "a length above 0");
+    request.*member = *length;
+    return "";
+}
+
+template <auto member, int least, int most>
+std::string readCount(const std::string& text, StyleRequest& request)
+{
+    const std::optional<int> count = parseNumber<int>(text);
+    if (!count || *count < least || *count > most)
+        return found(text, "a whole number from " + std::to_string(least) + " to " +
+                               std::to_string(most));
+    request.*member = *count;
+    return "";
+}
+
+template <auto member>
+std::string readColour(const std::string& text, StyleRequest& request)
+{
+    const std::optional<Colour> colour = parseColour(text);
+    if (!colour)
+        return found(text, "#rrggbb or an SVG colour name");
+    request.*member = *colour;
+    return "";
+}
+
+template <auto member>
+std::string readName(const std::string& text, StyleRequest& request)
+{
+    request.*member = text;
+    return "";
+}
+
+// DNA
+
+struct DnaPart
+{
+    const char* name;
+    bool DnaLook::*shown;
+};
+
+const DnaPart DNA_PARTS[] = {{"backbone", &DnaLook::backbone},
+                             {"bases", &DnaLook::bases},
+                             {"boxes", &DnaLook::baseBoxes},
+                             {"pairs", &DnaLook::pairBoxes},
+                             {"atoms", &DnaLook::atoms}};
+
+Text writeDna(const StyleRequest& request)
+{
+    std::string names;
+    bool isUsual = true;
+    for (const DnaPart& part : DNA_PARTS) {
+        isUsual = isUsual && request.dna.*part.shown == DnaLook().*part.shown;
+        if (request.dna.*part.shown)
+            names += (names.empty() ? "" : ",") + std::string(part.name);
+    }
+    return isUsual ? std::nullopt : Text(names.empty() ? "none" : names);
+}
+
+std::string readDna(const std::string& text, StyleRequest& request)
+{
+    DnaLook look = request.dna;
+    for (const DnaPart& part : DNA_PARTS)
+        look.*part.shown = false;
+    std::istringstream names(text.empty() ? "," : text);
+    for (std::string name; text != "none" && std::getline(names, name, ',');) {
+        const auto* part =
+            std::find_if(std::begin(DNA_PARTS), std::end(DNA_PARTS),
+                         [&name](const DnaPart& known) { return name == known.name; });
+        if (part == std::end(DNA_PARTS))
+            return found(name, "some of backbone, bases, boxes, pairs and atoms, with commas, or "
+                               "none");
+        look.*part->shown = true;
+    }
+    request.dna = look;
+    return "";
+}
+
+void clearDna(StyleRequest& request)
+{
+    for (const DnaPart& part : DNA_PARTS)
+        request.dna.*part.shown = DnaLook().*part.shown;
+}
+
+Text writeDnaUnit(const StyleRequest& request)
+{
+    return request.dna.angstrom == 1 ? std::nullopt : Text("nm");
+}
+
+std::string readDnaUnit(const std::string& text, StyleRequest& request)
+{
+    if (text != "angstrom" && text != "nm")
+        return found(text, "angstrom or nm");
+    request.dna.angstrom = text == "nm" ? 0.1 : 1;
+    return "";
+}
+
+void clearDnaUnit(StyleRequest& request) { request.dna.angstrom = 1; }
+
+// Colours of data
+
+// One side of a range; empty leaves it open.
+bool parseLimit(const std::string& text, std::optional<double>& limit)
+{
+    limit = parseNumber<double>(text);
+    return limit || text.empty();
+}
+
+Text writeRange(const StyleRequest& request)
+{
+    if (request.ownRange)
+        return "frame";
+    if (request.symmetricRange)
+        return "symmetric";
+    if (!request.rangeMin && !request.rangeMax)
+        return std::nullopt;
+    return (request.rangeMin ? formatted(*request.rangeMin) : "") + ":" +
+           (request.rangeMax ? formatted(*request.rangeMax) : "");
+}
+
+void clearRange(StyleRequest& request)
+{
+    request.rangeMin = request.rangeMax = std::nullopt;
+    request.ownRange = request.symmetricRange = false;
+}
+
+std::string readRange(const std::string& text, StyleRequest& request)
+{
+    std::optional<double> min, max;
+    const bool isWord = text == "auto" || text == "frame" || text == "symmetric";
+    const std::size_t colon = text.find(':');
+    if (!isWord && (colon == std::string::npos || !parseLimit(text.substr(0, colon), min) ||
+                    !parseLimit(text.substr(colon + 1), max) || (min && max && !(*min < *max))))
+        return found(text, "MIN:MAX with MIN below MAX, of which either may be left out, auto, "
+                           "frame or symmetric");
+    if (min && max && !isRange(*min, *max))
+        return found(text, "limits that are a 1e-12th of them apart or more, and up to 1e+307");
+    request.rangeMin = min;
+    request.rangeMax = max;
+    request.ownRange = text == "frame";
+    request.symmetricRange = text == "symmetric";
+    return "";
+}
+
+// "viridis, cividis, ...".
+std::string listOfColourMaps()
+{
+    std::string text;
+    for (const std::string& name : namesOfColourMaps())
+        text += (text.empty() ? "" : ", ") + name;
+    return text;
+}
+
+// "red,white,blue".
+std::string readListOfColours(const std::string& text, ColourMap& map)
+{
+    std::istringstream names(text);
+    for (std::string name; std::getline(names, name, ',');) {
+        const std::optional<Colour> colour = parseColour(name);
+        if (!colour)
+            return found(name, "#rrggbb or an SVG colour name");
+        map.colours.push_back(*colour);
+    }
+    return map.colours.size() < 2 ? found(text, "two colours or more: C1,C2,...") : "";
+}
+
+std::string readColours(const std::string& text, StyleRequest& request)
+{
+    ColourMap map;
+    map.text = text;
+    if (text.find(',') != std::string::npos) {
+        const std::string fault = readListOfColours(text, map);
+        if (!fault.empty())
+            return fault;
+    } else if (const std::optional<ColourMap> named = findColourMap(text)) {
+        map = *named;
+    } else {
+        return found(text, listOfColourMaps() + ", each also reversed as NAME_r, or two colours "
+                                                "or more: C1,C2,...");
+    }
+    request.colours = map;
+    return "";
+}
+
+const char* const LOOK = "Look";
+const char* const DNA = "DNA";
+const char* const COLOURS = "Colour by data";
+
+template <auto member>
+Setting makeSwitch(const char* name, const char* label, const std::string& help)
+{
+    return {name,           SettingKind::SWITCH, label,         LOOK, nullptr, help,
+            &write<member>, &readSwitch<member>, &clear<member>};
+}
+
+template <auto member>
+Setting makeLength(const char* name, const char* label, const std::string& help)
+{
+    return {name,           SettingKind::LENGTH, label,         LOOK, "LENGTH", help,
+            &write<member>, &readLength<member>, &clear<member>};
+}
+
+template <auto member, int least, int most>
+Setting makeCount(const char* name, const char* label, const std::string& help)
+{
+    return {name,
+            SettingKind::COUNT,
+            label,
+            LOOK,
+            "N",
+            help,
+            &write<member>,
+            &readCount<member, least, most>,
+            &clear<member>,
+            least,
+            most};
+}
+
+template <auto member>
+Setting makeColour(const char* name, const char* label, const std::string& help)
+{
+    return {name,           SettingKind::COLOUR, label,         LOOK, "COLOUR", help,
+            &write<member>, &readColour<member>, &clear<member>};
+}
+
+std::vector<Setting> makeSettings()
+{
+    using Request = StyleRequest;
+    std::vector<std::string> dnaParts;
+    for (const DnaPart& part : DNA_PARTS)
+        dnaParts.push_back(part.name);
+    return {
+        makeLength<&Request::radius>("radius", "Radius", "Radius of the tube [from the data]"),
+        makeLength<&Request::ribbonWidth>("ribbon-width", "Ribbon width",
+                                          "Width of the ribbon [3 radii]"),
+        makeCount<&Request::slices, 3, 1000>("slices", "Slices",
+                                             "Points around the tube [from the data]"),
+        makeCount<&Request::subsegments, 1, 1000>("subsegments", "Subsegments",
+                                                  "Rows between two points [from the data]"),
+        makeSwitch<&Request::showTube>("tube", "Tube", "Show the tube [shown]"),
+        makeSwitch<&Request::showRibbon>("ribbon", "Ribbon",
+                                         "Show the ribbon [of what has frames]"),
+        makeSwitch<&Request::twoSidedRibbon>(
+            "two-sided", "Ribbon to both sides",
+            "Centre the ribbon on the centreline instead of starting it there"),
+        makeColour<&Request::tubeColour>("tube-colour", "Tube colour",
+                                         "Colour of the tubes [one per rod]"),
+        makeColour<&Request::ribbonColour>("ribbon-colour", "Ribbon colour",
+                                           "Colour of the ribbons"),
+        makeColour<&Request::background>("background", "Background",
+                                         "Colour of the background [white]"),
+        {"colour-by", SettingKind::SCALAR, "Scalar", COLOURS, "NAME",
+         "Colour by a scalar of the file, or by arclength, curvature, torsion, twist, kappa1 and "
+         "others",
+         &write<&Request::colourBy>, &readName<&Request::colourBy>, &clear<&Request::colourBy>},
+        {"compare", SettingKind::REFERENCE, "Compare with", COLOURS, "FILE|first",
+         "Compare with FILE, or with the first frame of a series: adds the scalars "
+         "reference_distance, reference_rotation, shear1, shear2 and extension",
+         &write<&Request::compare>, &readName<&Request::compare>, &clear<&Request::compare>},
+        {"range",
+         SettingKind::RANGE,
+         "Range",
+         COLOURS,
+         "MIN:MAX",
+         "Values at the ends of the colours: auto is those of all frames, frame those of each, "
+         "symmetric as far above 0 as below [auto]",
+         &writeRange,
+         &readRange,
+         &clearRange,
+         0,
+         0,
+         {},
+         "colour-by"},
+        {"colours", SettingKind::COLOUR_MAP, "Colours", COLOURS, "NAME|C1,C2,...",
+         "Colours from the least value to the greatest: " + listOfColourMaps() +
+             ", reversed as NAME_r, or two colours or more [" + DEFAULT_MAP + "; " +
+             DEFAULT_SIGNED_MAP + " of what can be negative, such as torsion]",
+         &write<&Request::colours>, &readColours, &clear<&Request::colours>, 0, 0,
+         namesOfColourMaps(), "colour-by"},
+        {"dna", SettingKind::PARTS, "Shown of DNA", DNA, "WHAT,...",
+         "Show backbone, bases as slabs, boxes of bases, boxes of pairs, atoms, or none "
+         "[backbone,bases]",
+         &writeDna, &readDna, &clearDna, 0, 0, dnaParts},
+        {"dna-unit",
+         SettingKind::CHOICE,
+         "Unit of DNA",
+         DNA,
+         "UNIT",
+         "Unit of a DNA's points: angstrom or nm [angstrom]",
+         &writeDnaUnit,
+         &readDnaUnit,
+         &clearDnaUnit,
+         0,
+         0,
+         {"angstrom", "nm"}}};
+}
+
+} // namespace
+
+const std::vector<Setting>& settings()
+{
+    static const std::vector<Setting> all = makeSettings();
+    return all;
+}
+
+const Setting& settingOf(const std::string& name)
+{
+    const auto named =
+        std::find_if(settings().begin(), settings().end(),
+                     [&name](const Setting& setting) { return name == setting.name; });
+    assert(named != settings().end());
+    return *named;
+}
+
+std::vector<std::string> argumentsOf(const StyleRequest& request)
+{
+    std::vector<std::string> arguments;
+    for (const Setting& setting : settings()) {
+        const Text text = setting.write(request);
+        if (!text)
+            continue;
+        const std::string name = setting.name;
+        if (setting.kind == SettingKind::SWITCH) {
+            arguments.push_back((*text == "on" ? "--" : "--no-") + name);
+        } else {
+            arguments.push_back("--" + name);
+            arguments.push_back(*text);
+        }
+    }
+    return arguments;
+}
+
+bool operator==(const StyleRequest& a, const StyleRequest& b)
+{
+    return std::all_of(settings().begin(), settings().end(), [&](const Setting& setting) {
+        return setting.write(a) == setting.write(b);
+    });
+}
+
+} // namespace strandview
