@@ -2,28 +2,18 @@
 // The curves beside the view as the user of a window sees them: with the X server's keys and mouse.
 #include "window/CurvePanel.h"
 
-#include <cmath>
 #include <fstream>
 #include <iterator>
-#include <memory>
 
 #include <QComboBox>
 #include <QCursor>
-#include <QGLWidget>
 #include <QImage>
 #include <QListWidget>
-#include <QScreen>
-#include <QSettings>
 #include <QTest>
 #include <gmock/gmock.h>
 
-#include "pictures/PictureWriter.h"
-#include "programWindows.h"
-#include "scene/SceneLoader.h"
-#include "scene/readFiles.h"
-#include "support/TemporaryFolder.h"
+#include "DataWindowTest.h"
 #include "support/realInput.h"
-#include "window/MainWindow.h"
 #include "window/Player.h"
 
 namespace strandview {
@@ -66,25 +56,11 @@ std::string contentOf(const std::string& file)
     return std::string(std::istreambuf_iterator<char>(stream), {});
 }
 
-bool isYellow(const QColor& c) { return c.red() > 220 && c.green() > 180 && c.blue() < 90; }
-
-int countYellow(const QImage& picture)
-{
-    int pixels = 0;
-    for (int y = 0; y < picture.height(); ++y)
-        for (int x = 0; x < picture.width(); ++x)
-            pixels += isYellow(picture.pixelColor(x, y));
-    return pixels;
-}
-
-class CurvePanelTest : public testing::Test
+class CurvePanelTest : public DataWindowTest
 {
 protected:
-    static void SetUpTestSuite() { initialiseProgramOnce("CurvePanelTest"); }
-
     CurvePanelTest()
     {
-        QSettings().clear();
         options.windowSize = {1000, 560};
         options.radius = 0.3;
         options.tubeColour = Colour{0, 0, 1};
@@ -92,39 +68,14 @@ protected:
         options.camera.side = Side::Z;
     }
 
-    void open(const std::string& text, const std::string& name)
-    {
-        file = folder.write(name, text);
-        window = std::make_unique<MainWindow>(
-            options,
-            [this](const std::vector<std::string>& files, ReadReport& report, Progress& progress) {
-                return prepareScene(files, options, report, progress, Opening::AT_ONCE);
-            },
-            [this](const std::vector<std::string>& files, ReadReport& report, Progress& progress) {
-                return moveFrames(
-                    openFiles(files, options, report, progress, Opening::AT_ONCE).series, options);
-            });
-        window->show();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
-        window->openFiles({QString::fromStdString(file)});
-        ASSERT_TRUE(comesTo([this] { return !window->isLoading(); }));
-        ASSERT_TRUE(comesToBePainted());
-    }
     void openWithPanel(const std::string& text, const std::string& name)
     {
-        open(text, name);
+        openText(text, name);
         pressRealKey("g");
         ASSERT_TRUE(comesTo([this] { return panel()->isVisible() && panel()->isUpToDate(); }));
         ASSERT_TRUE(comesToBePainted());
     }
-    bool comesToBePainted() const
-    {
-        bool isPainted = false;
-        window->whenPainted([&isPainted] { isPainted = true; });
-        return comesTo([&] { return isPainted; });
-    }
 
-    QWidget* view() const { return window->findChild<QGLWidget*>(); }
     CurvePanel* panel() const { return window->findChild<CurvePanel*>(); }
     const PlotStack& stack() const { return panel()->getStack(); }
     std::vector<std::string> shownPanels() const
@@ -135,25 +86,9 @@ protected:
         return names;
     }
 
-    // On the screen, of a point of the plane z = 0 seen along -z.
-    QPoint onScreen(double x, double y) const
-    {
-        const CameraNumbers camera = window->getCameraNumbers();
-        const double pixels = std::min(view()->width(), view()->height()) / camera.size;
-        return view()->mapToGlobal(
-            {int(std::lround(view()->width() / 2.0 + (x - camera.position[0]) * pixels)),
-             int(std::lround(view()->height() / 2.0 - (y - camera.position[1]) * pixels))});
-    }
     QPoint ofPlace(std::size_t plotPanel, std::size_t place) const
     {
         return stack().mapToGlobal(stack().positionOf(plotPanel, {0, place}));
-    }
-    QImage screen() const
-    {
-        return window->screen()
-            ->grabWindow(window->winId())
-            .toImage()
-            .copy(QRect(view()->mapTo(window.get(), QPoint()), view()->size()));
     }
     // The row of a list entry, in the middle of its check box.
     void tick(const char* name) const
@@ -176,18 +111,13 @@ protected:
         ASSERT_TRUE(comesTo([this] { return panel()->isUpToDate(); }));
         QTest::qWait(0); // laid out
     }
-
-    TemporaryFolder folder;
-    Options options;
-    std::string file;
-    std::unique_ptr<MainWindow> window;
 };
 
 } // namespace
 
 TEST_F(CurvePanelTest, AKeyShowsTheCurvesAndHidesThem)
 {
-    open(rodText(1), "rod.txt");
+    openText(rodText(1), "rod.txt");
     EXPECT_FALSE(panel()->isVisible());
     EXPECT_THAT(shownPanels(), IsEmpty());
     pressRealKey("g");
@@ -220,13 +150,10 @@ TEST_F(CurvePanelTest, APlaceUnderTheMouseInACurveIsMarkedInTheScene)
     QCursor::setPos(ofPlace(0, 3) + QPoint(0, 3));
     ASSERT_TRUE(comesTo([this] { return stack().getMark() == PlotPlace{0, 3}; }));
     ASSERT_TRUE(comesToBePainted());
-    EXPECT_TRUE(comesTo([this] {
-        const QPoint there =
-            window->mapFromGlobal(onScreen(3, 0)) - view()->mapTo(window.get(), QPoint());
-        return isYellow(screen().pixelColor(there));
-    }));
+    EXPECT_TRUE(comesTo(
+        [this] { return isYellow(screen().pixelColor(view()->mapFromGlobal(onScreen(3, 0)))); }));
     QCursor::setPos(view()->mapToGlobal({5, 5}));
-    EXPECT_TRUE(comesTo([this] { return countYellow(screen()) == 0; }));
+    EXPECT_TRUE(comesTo([this] { return countPixels(screen(), isYellow) == 0; }));
     EXPECT_FALSE(stack().getMark());
 }
 
@@ -247,10 +174,10 @@ TEST_F(CurvePanelTest, TheMarkIsInNoSavedPicture)
     untickAllBut("k");
     QCursor::setPos(ofPlace(0, 3));
     ASSERT_TRUE(comesTo([this] { return stack().getMark().has_value(); }));
-    ASSERT_TRUE(comesTo([this] { return countYellow(screen()) > 0; }));
+    ASSERT_TRUE(comesTo([this] { return countPixels(screen(), isYellow) > 0; }));
     const std::string picture = folder.path("picture.png");
     window->savePicture(QString::fromStdString(picture));
-    EXPECT_EQ(countYellow(QImage(QString::fromStdString(picture))), 0);
+    EXPECT_EQ(countPixels(QImage(QString::fromStdString(picture)), isYellow), 0);
 }
 
 TEST_F(CurvePanelTest, CurvesAreThoseOfTheFrameThatIsShown)
@@ -258,7 +185,7 @@ TEST_F(CurvePanelTest, CurvesAreThoseOfTheFrameThatIsShown)
     openWithPanel(seriesText(), "rods.json");
     untickAllBut("k");
     EXPECT_THAT(stack().getPlot().panels.at(0).values.at(0), ElementsAre(0, 1, 2, 3, 4));
-    window->getPlayer()->goTo(2);
+    player()->goTo(2);
     EXPECT_TRUE(
         comesTo([this] { return stack().getPlot().panels.at(0).values.at(0).back() == 400; }));
 }
@@ -273,8 +200,8 @@ TEST_F(CurvePanelTest, TheClickedPlaceIsPlottedOverTheFramesSeen)
         comesTo([this] { return panel()->getPlaceText() == "Over frames: rod 1, point 3"; }));
     panel()->findChild<QComboBox*>("plotAxis")->setCurrentIndex(2);
     for (const std::size_t frame : {1, 2}) {
-        window->getPlayer()->goTo(frame);
-        ASSERT_TRUE(comesTo([&] { return window->getPlayer()->getFrame() == frame; }));
+        player()->goTo(frame);
+        ASSERT_TRUE(comesTo([&] { return player()->getFrame() == frame; }));
     }
     ASSERT_TRUE(comesTo([this] {
         return !stack().getPlot().lines.empty() && stack().getPlot().lines[0].x.size() == 3;
@@ -285,7 +212,7 @@ TEST_F(CurvePanelTest, TheClickedPlaceIsPlottedOverTheFramesSeen)
     QTest::qWait(0);
     const QPoint second = ofPlace(0, 1); // a click goes to that frame
     clickRealButton(second.x(), second.y());
-    EXPECT_TRUE(comesTo([this] { return window->getPlayer()->getFrame() == 1; }));
+    EXPECT_TRUE(comesTo([this] { return player()->getFrame() == 1; }));
 }
 
 TEST_F(CurvePanelTest, CurvesAreSavedAsAFile)

@@ -3,34 +3,19 @@
 // mouse.
 #include "window/PlacePanel.h"
 
-#include <algorithm>
 #include <cmath>
-#include <functional>
-#include <memory>
 
 #include <QApplication>
 #include <QClipboard>
-#include <QDockWidget>
-#include <QGLWidget>
 #include <QImage>
-#include <QPixmap>
 #include <QPushButton>
-#include <QScreen>
-#include <QSettings>
 #include <QTest>
 #include <QTextEdit>
 #include <gmock/gmock.h>
 
-#include "programWindows.h"
-#include "scene/DataScene.h"
-#include "scene/SceneLoader.h"
-#include "scene/readFiles.h"
-#include "support/TemporaryFolder.h"
-#include "support/keepPictures.h"
+#include "DataWindowTest.h"
 #include "support/realInput.h"
-#include "window/MainWindow.h"
 #include "window/Player.h"
-#include "window/StatusText.h"
 
 namespace strandview {
 
@@ -49,25 +34,11 @@ std::string rodText(double height)
     return text;
 }
 
-bool isYellow(const QColor& c) { return c.red() > 220 && c.green() > 180 && c.blue() < 90; }
-
-int countYellow(const QImage& picture)
-{
-    int pixels = 0;
-    for (int y = 0; y < picture.height(); ++y)
-        for (int x = 0; x < picture.width(); ++x)
-            pixels += isYellow(picture.pixelColor(x, y));
-    return pixels;
-}
-
-class PlacePanelTest : public testing::Test
+class PlacePanelTest : public DataWindowTest
 {
 protected:
-    static void SetUpTestSuite() { initialiseProgramOnce("PlacePanelTest"); }
-
     PlacePanelTest()
     {
-        QSettings().clear();
         options.windowSize = {900, 520};
         options.radius = 0.3;
         options.tubeColour = Colour{0, 0, 1};
@@ -75,46 +46,22 @@ protected:
         options.camera.side = Side::Z;
     }
 
-    void open(const std::string& text, const std::string& name = "rod.txt")
+    void openRod(const std::string& text)
     {
-        file = folder.write(name, text);
-        window = std::make_unique<MainWindow>(
-            options,
-            [this](const std::vector<std::string>& files, ReadReport& report, Progress& progress) {
-                return prepareScene(files, options, report, progress, Opening::AT_ONCE);
-            },
-            [this](const std::vector<std::string>& files, ReadReport& report, Progress& progress) {
-                return moveFrames(
-                    openFiles(files, options, report, progress, Opening::AT_ONCE).series, options);
-            });
-        window->show();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
-        window->openFiles({QString::fromStdString(file)});
-        ASSERT_TRUE(comesTo([this] { return !window->isLoading(); }));
+        openText(text, "rod.txt");
         ASSERT_TRUE(comesToBePainted());
-    }
-    bool comesToBePainted() const
-    {
-        bool isPainted = false;
-        window->whenPainted([&isPainted] { isPainted = true; });
-        return comesTo([&] { return isPainted; });
     }
     void openWithPanel(const std::string& text)
     {
-        open(text);
+        openRod(text);
         pressRealKey("n");
         ASSERT_TRUE(comesTo([this] { return panel()->isVisible(); }));
         ASSERT_TRUE(comesToBePainted());
     }
 
-    QWidget* view() const { return window->findChild<QGLWidget*>(); }
     PlacePanel* panel() const { return window->findChild<PlacePanel*>(); }
     QTextEdit* page() const { return panel()->findChild<QTextEdit*>("placeText"); }
     std::string told() const { return panel()->getText().toStdString(); }
-    std::string statusText() const
-    {
-        return window->findChild<StatusText*>()->getAll().toStdString();
-    }
     bool comesToTell(const std::string& text) const
     {
         return comesTo([&] { return told().find(text) != std::string::npos; });
@@ -129,48 +76,13 @@ protected:
         }
         return "none";
     }
-
-    // On the screen, of a point of the plane z = 0 seen along -z.
-    QPoint onScreen(double x, double y) const
-    {
-        const CameraNumbers camera = window->getCameraNumbers();
-        const double pixels = std::min(view()->width(), view()->height()) / camera.size;
-        return view()->mapToGlobal(
-            {int(std::lround(view()->width() / 2.0 + (x - camera.position[0]) * pixels)),
-             int(std::lround(view()->height() / 2.0 - (y - camera.position[1]) * pixels))});
-    }
-    void click(double x, double y) const
-    {
-        const QPoint place = onScreen(x, y);
-        clickRealButton(place.x(), place.y());
-    }
-    void shiftClick(double x, double y) const
-    {
-        const QPoint place = onScreen(x, y);
-        clickRealButtonWith("Shift", place.x(), place.y());
-    }
-    static void click(const QWidget& widget)
-    {
-        const QPoint place = widget.mapToGlobal(widget.rect().center());
-        clickRealButton(place.x(), place.y());
-    }
-
-    QImage shown() const
-    {
-        return keepIfFailed(view()->screen()->grabWindow(view()->winId()).toImage());
-    }
-
-    const TemporaryFolder folder;
-    std::string file;
-    Options options;
-    std::unique_ptr<MainWindow> window;
 };
 
 } // namespace
 
 TEST_F(PlacePanelTest, IsClosedUntilItsKeyIsPressedAndAgainThen)
 {
-    open(rodText(0));
+    openRod(rodText(0));
     EXPECT_FALSE(panel()->isVisible());
     const int width = view()->width();
     pressRealKey("n");
@@ -234,7 +146,7 @@ TEST_F(PlacePanelTest, AClickTurnsNothing)
 
 TEST_F(PlacePanelTest, WithoutThePanelTheLeftButtonTellsNothingAndTheRightOneWhatThePanelTellsThen)
 {
-    open(rodText(0));
+    openRod(rodText(0));
     const std::string hint = statusText();
     click(3, 0);
     QTest::qWait(100);
@@ -304,26 +216,24 @@ TEST_F(PlacePanelTest, TheTextIsCopiedByItsButtonAndByTheUsualKeys)
 TEST_F(PlacePanelTest, PlacesAreMarkedInTheViewAndInNoPictureOfIt)
 {
     openWithPanel(rodText(0));
-    ASSERT_EQ(countYellow(shown()), 0);
+    ASSERT_EQ(countPixels(screen(), isYellow), 0);
     click(1, 0);
-    EXPECT_TRUE(comesTo([this] { return countYellow(shown()) > 20; }));
-    const int ofOne = countYellow(shown());
+    EXPECT_TRUE(comesTo([this] { return countPixels(screen(), isYellow) > 20; }));
+    const int ofOne = countPixels(screen(), isYellow);
     shiftClick(3, 0);
-    EXPECT_TRUE(comesTo([&] { return countYellow(shown()) > 2 * ofOne; }));
+    EXPECT_TRUE(comesTo([&] { return countPixels(screen(), isYellow) > 2 * ofOne; }));
     const std::string picture = folder.path() + "/view.png";
     window->savePicture(QString::fromStdString(picture));
-    const QImage saved(QString::fromStdString(picture));
-    ASSERT_FALSE(saved.isNull());
-    EXPECT_EQ(countYellow(saved), 0);
+    EXPECT_EQ(countPixels(QImage(QString::fromStdString(picture)), isYellow), 0);
     click(2, 1);
-    EXPECT_TRUE(comesTo([this] { return countYellow(shown()) == 0; }));
+    EXPECT_TRUE(comesTo([this] { return countPixels(screen(), isYellow) == 0; }));
 }
 
 TEST_F(PlacePanelTest, OfAnotherFrameTheSamePlaceHasItsNumbers)
 {
     openWithPanel(rodText(0) + "\n\n" + rodText(0.5) + "\n\n" + rodText(1).substr(0, 3 * 13));
-    ASSERT_NE(window->getPlayer(), nullptr);
-    ASSERT_TRUE(comesTo([this] { return window->getPlayer()->isStaged(); }));
+    ASSERT_NE(player(), nullptr);
+    ASSERT_TRUE(comesTo([this] { return player()->isStaged(); }));
     ASSERT_TRUE(comesToBePainted());
     click(3, 0);
     ASSERT_TRUE(comesToTell("point\t3\t0\t0\n"));

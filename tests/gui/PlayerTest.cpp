@@ -5,18 +5,14 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <functional>
-#include <memory>
 #include <set>
 #include <utility>
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDoubleSpinBox>
-#include <QGLWidget>
 #include <QLabel>
 #include <QPointer>
-#include <QSettings>
 #include <QSlider>
 #include <QSpinBox>
 #include <QTest>
@@ -25,17 +21,12 @@
 
 #include <SoRod.h>
 
+#include "DataWindowTest.h"
 #include "countColours.h"
-#include "programWindows.h"
 #include "scene/DataScene.h"
-#include "scene/SceneLoader.h"
-#include "scene/readFiles.h"
-#include "support/TemporaryFolder.h"
 #include "support/graph.h"
 #include "support/realInput.h"
-#include "window/MainWindow.h"
 #include "window/PlayBar.h"
-#include "window/StatusText.h"
 
 namespace strandview {
 
@@ -63,48 +54,24 @@ std::string seriesText(int frames)
     return text;
 }
 
-class PlayerTest : public testing::Test
+class PlayerTest : public DataWindowTest
 {
 protected:
-    static void SetUpTestSuite() { initialiseProgramOnce("PlayerTest"); }
-
     PlayerTest()
     {
-        QSettings().clear();
         options.windowSize = {700, 520};
         options.series.framesPerSecond = 50;
     }
 
-    void open(const std::string& file)
-    {
-        window = std::make_unique<MainWindow>(
-            options,
-            [this](const std::vector<std::string>& files, ReadReport& report, Progress& progress) {
-                const SceneMaker make =
-                    prepareScene(files, options, report, progress, Opening::AT_ONCE);
-                return [this, make](ReadReport& made, Progress& nodes) {
-                    return scene = make(made, nodes);
-                };
-            },
-            [this](const std::vector<std::string>& files, ReadReport& report, Progress& progress) {
-                return moveFrames(
-                    openFiles(files, options, report, progress, Opening::AT_ONCE).series, options);
-            });
-        window->show();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
-        window->openFiles({QString::fromStdString(file)});
-        ASSERT_TRUE(comesTo([this] { return !window->isLoading(); }));
-    }
     // And waits until all that is known of the series is.
     void openSeries(int frames)
     {
-        open(folder.write("run.txt", seriesText(frames)));
+        openText(seriesText(frames), "run.txt");
         ASSERT_NE(player(), nullptr);
         ASSERT_TRUE(comesTo([this] { return player()->isStaged(); }));
         ASSERT_TRUE(comesTo([this] { return player()->isUpToDate(); }));
     }
 
-    Player* player() const { return window->getPlayer(); }
     PlayBar* bar() const { return window->findChild<PlayBar*>(); }
     template <typename Widget>
     Widget* part(const char* name) const
@@ -112,10 +79,6 @@ protected:
         return bar()->findChild<Widget*>(name);
     }
     std::string label() const { return part<QLabel>("frameLabel")->text().toStdString(); }
-    std::string statusText() const
-    {
-        return window->findChild<StatusText*>()->getAll().toStdString();
-    }
 
     // What the scene shows, by how far the rod's end is bent.
     std::size_t frameOfScene() const
@@ -140,18 +103,7 @@ protected:
         return comesTo([&] { return isShown(frame); });
     }
 
-    static void click(const QWidget& widget, QPoint place)
-    {
-        const QPoint where = widget.mapToGlobal(place);
-        clickRealButton(where.x(), where.y());
-    }
-    static void click(const QWidget& widget) { click(widget, widget.rect().center()); }
     QToolButton* button(int index) const { return bar()->findChildren<QToolButton*>().at(index); }
-
-    const TemporaryFolder folder;
-    Options options;
-    DataScene* scene = nullptr; // the window's
-    std::unique_ptr<MainWindow> window;
 };
 
 } // namespace
@@ -350,14 +302,13 @@ TEST_F(PlayerTest, EdgesAreSmoothAgainAsSoonAsPlayingStops)
 {
     options.series.framesPerSecond = 0.01; // so that the same frame is shown while it plays
     openSeries(2);
-    const QWidget& view = *window->findChild<QGLWidget*>();
-    ASSERT_TRUE(comesTo([&] { return countColours(view) > 30; }));
-    const int smooth = countColours(view);
+    ASSERT_TRUE(comesTo([&] { return countColours(*view()) > 30; }));
+    const int smooth = countColours(*view());
     pressRealKey("k");
     EXPECT_TRUE(
-        comesTo([&] { return player()->isPlaying() && countColours(view) < 0.9 * smooth; }));
+        comesTo([&] { return player()->isPlaying() && countColours(*view()) < 0.9 * smooth; }));
     pressRealKey("k");
-    EXPECT_TRUE(comesTo([&] { return countColours(view) == smooth; }));
+    EXPECT_TRUE(comesTo([&] { return countColours(*view()) == smooth; }));
 }
 
 // What stays, and what is told

@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "DataWindowTest.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include <QGLWidget>
+#include <QPixmap>
+#include <QScreen>
+#include <QSettings>
+#include <QTest>
+
+#include "scene/SceneLoader.h"
+#include "scene/readFiles.h"
+#include "support/keepPictures.h"
+#include "support/realInput.h"
+#include "window/StatusText.h"
+
+namespace strandview {
+
+DataWindowTest::DataWindowTest() { QSettings().clear(); }
+
+DataWindowTest::~DataWindowTest() = default;
+
+void DataWindowTest::open(const std::string& name)
+{
+    file = name;
+    window = std::make_unique<MainWindow>(
+        options,
+        [this](const std::vector<std::string>& files, ReadReport& report, Progress& progress) {
+            const SceneMaker make =
+                prepareScene(files, options, report, progress, Opening::AT_ONCE);
+            return [this, make](ReadReport& made, Progress& nodes) {
+                return scene = make(made, nodes);
+            };
+        },
+        [this](const std::vector<std::string>& files, ReadReport& report, Progress& progress) {
+            return moveFrames(openFiles(files, options, report, progress, Opening::AT_ONCE).series,
+                              options);
+        });
+    window->show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    window->openFiles({QString::fromStdString(file)});
+    ASSERT_TRUE(comesTo([this] { return !window->isLoading(); }));
+}
+
+void DataWindowTest::openText(const std::string& text, const std::string& name)
+{
+    open(folder.write(name, text));
+}
+
+bool DataWindowTest::comesToBePainted() const
+{
+    bool isPainted = false;
+    window->whenPainted([&isPainted] { isPainted = true; });
+    return comesTo([&] { return isPainted; });
+}
+
+QWidget* DataWindowTest::view() const { return window->findChild<QGLWidget*>(); }
+
+std::string DataWindowTest::statusText() const
+{
+    return window->findChild<StatusText*>()->getAll().toStdString();
+}
+
+QImage DataWindowTest::screen() const
+{
+    return keepIfFailed(view()->screen()->grabWindow(view()->winId()).toImage());
+}
+
+QPoint DataWindowTest::onScreen(double x, double y) const
+{
+    const CameraNumbers camera = window->getCameraNumbers();
+    const double pixels = std::min(view()->width(), view()->height()) / camera.size;
+    return view()->mapToGlobal(
+        {int(std::lround(view()->width() / 2.0 + (x - camera.position[0]) * pixels)),
+         int(std::lround(view()->height() / 2.0 - (y - camera.position[1]) * pixels))});
+}
+
+void DataWindowTest::click(double x, double y) const
+{
+    const QPoint place = onScreen(x, y);
+    clickRealButton(place.x(), place.y());
+}
+
+void DataWindowTest::shiftClick(double x, double y) const
+{
+    const QPoint place = onScreen(x, y);
+    clickRealButtonWith("Shift", place.x(), place.y());
+}
+
+void DataWindowTest::click(const QWidget& widget) { click(widget, widget.rect().center()); }
+
+void DataWindowTest::click(const QWidget& widget, const QPoint& place)
+{
+    const QPoint there = widget.mapToGlobal(place);
+    clickRealButton(there.x(), there.y());
+}
+
+bool isYellow(const QColor& c) { return c.red() > 220 && c.green() > 180 && c.blue() < 90; }
+
+int countPixels(const QImage& picture, bool (*holds)(const QColor&))
+{
+    if (picture.isNull()) {
+        ADD_FAILURE() << "no picture";
+        return -1;
+    }
+    int pixels = 0;
+    for (int y = 0; y < picture.height(); ++y)
+        for (int x = 0; x < picture.width(); ++x)
+            pixels += holds(picture.pixelColor(x, y));
+    return pixels;
+}
+
+} // namespace strandview

@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_TESTS_DATAWINDOWTEST_H
+#define STRANDVIEW_TESTS_DATAWINDOWTEST_H
+
+#include <memory>
+#include <string>
+
+#include <QImage>
+#include <QPoint>
+#include <gtest/gtest.h>
+
+#include "programWindows.h"
+#include "request/Options.h"
+#include "support/TemporaryFolder.h"
+#include "window/MainWindow.h"
+
+class QWidget;
+
+namespace strandview {
+
+class DataScene;
+class Player;
+
+/// A window of the program that shows files, as its user has it: with the X server's keys and
+/// mouse, of a screen on which it is alone. Settings are those of a first start.
+class DataWindowTest : public testing::Test
+{
+protected:
+    static void SetUpTestSuite() { initialiseProgramOnce("DataWindowTest"); }
+
+    DataWindowTest();
+    ~DataWindowTest() override;
+
+    /// Shows a window with these options, which is active and has loaded the file then. Fatal
+    /// failures if it does not come to that.
+    void open(const std::string& name);
+    /// Of a file that is written for it.
+    void openText(const std::string& text, const std::string& name);
+    /// Whether a whole frame that was drawn from now on is on the screen at last.
+    [[nodiscard]] bool comesToBePainted() const;
+
+    Player* player() const { return window->getPlayer(); }
+    QWidget* view() const;
+    std::string statusText() const;
+    /// What the screen shows of the view.
+    QImage screen() const;
+
+    // On the screen
+
+    /// Of a point of the plane z = 0, seen from z in parallel.
+    QPoint onScreen(double x, double y) const;
+    /// Clicks there.
+    void click(double x, double y) const;
+    void shiftClick(double x, double y) const;
+    /// Clicks in the middle of a widget, or at one of its places.
+    static void click(const QWidget& widget);
+    static void click(const QWidget& widget, const QPoint& place);
+
+    const TemporaryFolder folder;
+    Options options;
+    std::string file;
+    DataScene* scene = nullptr; ///< the window's, once it is loaded
+    std::unique_ptr<MainWindow> window;
+};
+
+/// The colour of the marks of places.
+bool isYellow(const QColor& c);
+
+/// How many pixels have such a colour; of null, which shows nothing, a failure and -1.
+int countPixels(const QImage& picture, bool (*holds)(const QColor&));
+
+} // namespace strandview
+
+#endif
