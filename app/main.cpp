@@ -128,27 +128,18 @@ int plotData(const Options& options)
 
 int showWindow(const Options& options)
 {
-    // The command line's scalar and frame need not be those of every file that is opened later.
-    Options later = options, first = options;
-    later.colourIfPossible = true;
-    later.frame.reset();
-    if (options.series.align || options.series.between > 0) // the player goes to it
-        first.frame.reset();
-    const auto loaderFor = [](const Options& asked) {
-        return [&asked](const std::vector<std::string>& files, ReadReport& report,
-                        Progress& progress) {
-            return prepareScene(files, asked, report, progress,
-                                canBeReadAgain(files) ? Opening::AT_ONCE : Opening::WHOLE);
-        };
+    const auto load = [](const std::vector<std::string>& files, const Options& asked,
+                         ReadReport& report, Progress& progress) {
+        return prepareScene(files, asked, report, progress,
+                            canBeReadAgain(files) ? Opening::AT_ONCE : Opening::WHOLE);
     };
-    const auto open = [&later](const std::vector<std::string>& files, ReadReport& report,
-                               Progress& progress) {
-        return moveFrames(openFiles(files, later, report, progress, Opening::AT_ONCE).series,
-                          later);
+    const auto open = [](const std::vector<std::string>& files, const Options& asked,
+                         ReadReport& report, Progress& progress) {
+        return moveFrames(openFiles(files, asked, report, progress, Opening::AT_ONCE).series,
+                          asked);
     };
     ReadReport report;
-    const std::string failure =
-        runWindow(options, loaderFor(later), report, loaderFor(first), open);
+    const std::string failure = runWindow(options, load, report, open);
     if (!report.error.empty())
         return fail(BAD_INPUT, report.error);
     return failure.empty() ? SUCCESS : fail(CANNOT_WRITE, failure);

@@ -32,6 +32,10 @@ const std::set<std::string> NOT_OF_LOOK{
     "render",       "frame", "frames", "series", "shard", "overwrite", "list-frames",
     "print-camera", "jobs",  "fps",    "cache",  "turn",  "follow"};
 
+// What the window does not change: how the files are read, and how fine pictures are.
+const std::set<std::string> OF_READING{"normalise", "closed",  "frame-rows", "series",
+                                       "align",     "between", "pairs",      "samples"};
+
 bool parseSize(const std::string& text, int& width, int& height)
 {
     const char* end = text.data() + text.size();
@@ -368,6 +372,23 @@ void addSeries(CLI::App& app, Options& options)
         ->group(group);
 }
 
+// {"--frame-rows", "3", "--closed"}.
+std::vector<std::string> argumentsOfReading(const CLI::App& app)
+{
+    std::vector<std::string> arguments;
+    for (const CLI::Option* option : app.get_options({})) {
+        const std::string name = option->get_lnames().empty() ? "" : option->get_lnames().front();
+        if (option->count() == 0 || OF_READING.count(name) == 0)
+            continue;
+        arguments.push_back("--" + name);
+        if (option->get_items_expected_max() > 0) {
+            for (const std::string& value : option->results())
+                arguments.push_back(value);
+        }
+    }
+    return arguments;
+}
+
 // What the look of a picture depends on: options with their values, but for those that say which
 // pictures are made and where.
 std::string lookOf(const CLI::App& app)
@@ -404,8 +425,8 @@ void addSetting(CLI::App& app, const Setting& setting, StyleRequest& request)
         option = app.add_option_function<std::string>(name, read, setting.help)
                      ->type_name(setting.values);
     option->group(setting.group);
-    if (setting.neededSetting)
-        option->needs(app.get_option("--" + std::string(setting.neededSetting)));
+    if (!setting.neededSetting.empty())
+        option->needs(app.get_option("--" + setting.neededSetting));
 }
 
 // The command line with the names of its options as they are spelt here.
@@ -553,6 +574,7 @@ ParsedOptions parseOptions(int argc, const char* const* argv)
         parseArguments(app, inOwnSpelling(argc, argv));
         options.given = givenOptions(app);
         options.look = lookOf(app);
+        options.reading = argumentsOfReading(app);
         const bool needsFile = options.picture || options.info || options.listScalars ||
                                options.exportFile || options.series.listFrames || options.plot.file;
         if (options.frame && options.series.frames && !options.series.turn)

@@ -144,6 +144,16 @@ public:
         }
         changed.notify_all();
     }
+    void follow(Plan next, std::size_t number, StageChange change)
+    {
+        {
+            const std::lock_guard<std::mutex> lock(mutex);
+            const bool isStageAwaited = nextPlan && nextPlan->change == NEW_STAGE;
+            nextPlan = {std::move(next), number, isStageAwaited ? NEW_STAGE : change};
+            hasNewWishes = true;
+        }
+        changed.notify_all();
+    }
     std::optional<FrameToPlay> take()
     {
         const std::lock_guard<std::mutex> lock(mutex);
@@ -185,6 +195,7 @@ private:
     // What is asked for first; but a frame that is always late must not keep the others uncounted.
     void work()
     {
+        adoptPlan();
         const int mostServed = 8;
         if (served < mostServed && serve())
             ++served;
@@ -192,6 +203,25 @@ private:
             return;
         else if (!count() && !lookAtStage() && !hasWork())
             wait();
+    }
+
+    void adoptPlan()
+    {
+        std::optional<NextPlan> next;
+        {
+            const std::lock_guard<std::mutex> lock(mutex);
+            next = std::exchange(nextPlan, std::nullopt);
+            if (!next)
+                return;
+            hasNewWishes = wanted.has_value();
+        }
+        plan = std::move(next->plan);
+        planNumber = next->number;
+        prepared.reset();
+        maker.reset(); // it has the options
+        stageReport = {};
+        if (next->change == NEW_STAGE)
+            isStageMade = false;
     }
 
     // Whether it is open.
@@ -291,12 +321,13 @@ private:
     FrameToPlay prepare(std::size_t frame)
     {
         if (frame >= series->count()) // not kept: it may be there later
-            return {frame, {}, nullptr, {}, series->load(frame).error};
+            return {frame, {}, nullptr, {}, series->load(frame).error, {}, planNumber};
         if (!cache.has(frame))
             load(frame);
         const Cache::Entry& entry = *cache.find(frame);
         FrameToPlay play;
         play.frame = frame;
+        play.plan = planNumber;
         play.time = series->time(frame);
         play.data = entry.data;
         play.error = entry.error;
@@ -400,7 +431,8 @@ private:
 
     // Of the thread alone
     const Opener opener;
-    const Plan plan;
+    Plan plan;
+    std::size_t planNumber = 0;
     const std::function<void()> onNews;
     std::unique_ptr<Series> series;
     Cache cache;
@@ -418,6 +450,13 @@ private:
     bool stopRequested = false, hasNewWishes = false;
     std::optional<std::size_t> wanted;
     std::vector<std::size_t> ahead;
+    struct NextPlan
+    {
+        Plan plan;
+        std::size_t number;
+        StageChange change;
+    };
+    std::optional<NextPlan> nextPlan;
     std::optional<FrameToPlay> ready;
     State state;
     std::size_t loads = 0, bytes = 0;
@@ -436,6 +475,11 @@ FrameStore::State FrameStore::getState() const { return reader->getState(); }
 void FrameStore::want(std::size_t frame, std::vector<std::size_t> ahead)
 {
     reader->want(frame, std::move(ahead));
+}
+
+void FrameStore::follow(Plan plan, std::size_t number, StageChange change)
+{
+    reader->follow(std::move(plan), number, change);
 }
 
 std::optional<FrameToPlay> FrameStore::take() { return reader->take(); }

@@ -31,6 +31,7 @@ struct FrameToPlay
     SceneGeometry geometry;
     std::string error = {};                ///< why not, in one line
     std::vector<std::string> notices = {}; ///< of what was done to the data
+    std::size_t plan = 0;                  ///< the number of the plan that it was computed for
 };
 
 /// The frames of a series, for a thread that waits for none of them: another one opens the series,
@@ -77,6 +78,10 @@ public:
     /// Asks for a frame, and then for those ahead, in this order; what was asked for before and is
     /// not begun is forgotten.
     void want(std::size_t frame, std::vector<std::size_t> ahead);
+    /// Shows what comes with another plan, of this number. Frames that are kept stay; a new stage
+    /// is made if it would be another one.
+    enum StageChange { SAME_STAGE, NEW_STAGE };
+    void follow(Plan plan, std::size_t number, StageChange change);
     /// The last frame that was asked for and came, once.
     std::optional<FrameToPlay> take();
 

@@ -40,6 +40,8 @@ struct Options : StyleRequest
     std::vector<std::string> given; ///< every option of the command line, such as "--radius"
     /// Those that a picture depends on, with their values: the same text for the same look.
     std::string look;
+    /// Those that say how files are read, and the samples of a pixel, as they were given.
+    std::vector<std::string> reading;
     bool normalise = false;
     bool closed = false;      ///< every rod, ReadOptions::close
     int frameRows = 0;        ///< of tables, ReadOptions::frameRows

@@ -39,27 +39,21 @@ std::string inWords(const Colour& colour)
 std::string inWords(const std::string& text) { return text; }
 std::string inWords(const ColourMap& map) { return map.text; }
 
-bool areSame(bool a, bool b) { return a == b; }
-bool areSame(const Colour& a, const Colour& b)
-{
-    return a.red == b.red && a.green == b.green && a.blue == b.blue;
-}
-
 template <typename Value>
-Text textOf(const std::optional<Value>& value, const std::optional<Value>& /*usual*/)
+Text textOf(const std::optional<Value>& value)
 {
     return value ? Text(inWords(*value)) : std::nullopt;
 }
 template <typename Value>
-Text textOf(const Value& value, const Value& usual)
+Text textOf(const Value& value)
 {
-    return areSame(value, usual) ? std::nullopt : Text(inWords(value));
+    return inWords(value);
 }
 
 template <auto member>
-Text write(const StyleRequest& request)
+Text valueOf(const StyleRequest& request)
 {
-    return textOf(request.*member, StyleRequest().*member);
+    return textOf(request.*member);
 }
 
 template <auto member>
@@ -129,16 +123,14 @@ const DnaPart DNA_PARTS[] = {{"backbone", &DnaLook::backbone},
                              {"pairs", &DnaLook::pairBoxes},
                              {"atoms", &DnaLook::atoms}};
 
-Text writeDna(const StyleRequest& request)
+Text valueOfDna(const StyleRequest& request)
 {
     std::string names;
-    bool isUsual = true;
     for (const DnaPart& part : DNA_PARTS) {
-        isUsual = isUsual && request.dna.*part.shown == DnaLook().*part.shown;
         if (request.dna.*part.shown)
             names += (names.empty() ? "" : ",") + std::string(part.name);
     }
-    return isUsual ? std::nullopt : Text(names.empty() ? "none" : names);
+    return names.empty() ? "none" : names;
 }
 
 std::string readDna(const std::string& text, StyleRequest& request)
@@ -166,9 +158,9 @@ void clearDna(StyleRequest& request)
         request.dna.*part.shown = DnaLook().*part.shown;
 }
 
-Text writeDnaUnit(const StyleRequest& request)
+Text valueOfDnaUnit(const StyleRequest& request)
 {
-    return request.dna.angstrom == 1 ? std::nullopt : Text("nm");
+    return request.dna.angstrom == 1 ? "angstrom" : "nm";
 }
 
 std::string readDnaUnit(const std::string& text, StyleRequest& request)
@@ -190,7 +182,7 @@ bool parseLimit(const std::string& text, std::optional<double>& limit)
     return limit || text.empty();
 }
 
-Text writeRange(const StyleRequest& request)
+Text valueOfRange(const StyleRequest& request)
 {
     if (request.ownRange)
         return "frame";
@@ -273,15 +265,29 @@ const char* const COLOURS = "Colour by data";
 template <auto member>
 Setting makeSwitch(const char* name, const char* label, const std::string& help)
 {
-    return {name,           SettingKind::SWITCH, label,         LOOK, nullptr, help,
-            &write<member>, &readSwitch<member>, &clear<member>};
+    return {name,
+            SettingKind::SWITCH,
+            label,
+            LOOK,
+            nullptr,
+            help,
+            &valueOf<member>,
+            &readSwitch<member>,
+            &clear<member>};
 }
 
 template <auto member>
 Setting makeLength(const char* name, const char* label, const std::string& help)
 {
-    return {name,           SettingKind::LENGTH, label,         LOOK, "LENGTH", help,
-            &write<member>, &readLength<member>, &clear<member>};
+    return {name,
+            SettingKind::LENGTH,
+            label,
+            LOOK,
+            "LENGTH",
+            help,
+            &valueOf<member>,
+            &readLength<member>,
+            &clear<member>};
 }
 
 template <auto member, int least, int most>
@@ -293,7 +299,7 @@ Setting makeCount(const char* name, const char* label, const std::string& help)
             LOOK,
             "N",
             help,
-            &write<member>,
+            &valueOf<member>,
             &readCount<member, least, most>,
             &clear<member>,
             least,
@@ -303,8 +309,15 @@ Setting makeCount(const char* name, const char* label, const std::string& help)
 template <auto member>
 Setting makeColour(const char* name, const char* label, const std::string& help)
 {
-    return {name,           SettingKind::COLOUR, label,         LOOK, "COLOUR", help,
-            &write<member>, &readColour<member>, &clear<member>};
+    return {name,
+            SettingKind::COLOUR,
+            label,
+            LOOK,
+            "COLOUR",
+            help,
+            &valueOf<member>,
+            &readColour<member>,
+            &clear<member>};
 }
 
 std::vector<Setting> makeSettings()
@@ -336,11 +349,11 @@ std::vector<Setting> makeSettings()
         {"colour-by", SettingKind::SCALAR, "Scalar", COLOURS, "NAME",
          "Colour by a scalar of the file, or by arclength, curvature, torsion, twist, kappa1 and "
          "others",
-         &write<&Request::colourBy>, &readName<&Request::colourBy>, &clear<&Request::colourBy>},
+         &valueOf<&Request::colourBy>, &readName<&Request::colourBy>, &clear<&Request::colourBy>},
         {"compare", SettingKind::REFERENCE, "Compare with", COLOURS, "FILE|first",
          "Compare with FILE, or with the first frame of a series: adds the scalars "
          "reference_distance, reference_rotation, shear1, shear2 and extension",
-         &write<&Request::compare>, &readName<&Request::compare>, &clear<&Request::compare>},
+         &valueOf<&Request::compare>, &readName<&Request::compare>, &clear<&Request::compare>},
         {"range",
          SettingKind::RANGE,
          "Range",
@@ -348,7 +361,7 @@ std::vector<Setting> makeSettings()
          "MIN:MAX",
          "Values at the ends of the colours: auto is those of all frames, frame those of each, "
          "symmetric as far above 0 as below [auto]",
-         &writeRange,
+         &valueOfRange,
          &readRange,
          &clearRange,
          0,
@@ -359,19 +372,19 @@ std::vector<Setting> makeSettings()
          "Colours from the least value to the greatest: " + listOfColourMaps() +
              ", reversed as NAME_r, or two colours or more [" + DEFAULT_MAP + "; " +
              DEFAULT_SIGNED_MAP + " of what can be negative, such as torsion]",
-         &write<&Request::colours>, &readColours, &clear<&Request::colours>, 0, 0,
+         &valueOf<&Request::colours>, &readColours, &clear<&Request::colours>, 0, 0,
          namesOfColourMaps(), "colour-by"},
         {"dna", SettingKind::PARTS, "Shown of DNA", DNA, "WHAT,...",
          "Show backbone, bases as slabs, boxes of bases, boxes of pairs, atoms, or none "
          "[backbone,bases]",
-         &writeDna, &readDna, &clearDna, 0, 0, dnaParts},
+         &valueOfDna, &readDna, &clearDna, 0, 0, dnaParts},
         {"dna-unit",
          SettingKind::CHOICE,
          "Unit of DNA",
          DNA,
          "UNIT",
          "Unit of a DNA's points: angstrom or nm [angstrom]",
-         &writeDnaUnit,
+         &valueOfDnaUnit,
          &readDnaUnit,
          &clearDnaUnit,
          0,
@@ -380,6 +393,17 @@ std::vector<Setting> makeSettings()
 }
 
 } // namespace
+
+std::optional<std::string> Setting::write(const StyleRequest& request) const
+{
+    const Text text = value(request);
+    return text == value(StyleRequest()) ? std::nullopt : text;
+}
+
+bool Setting::isOfUse(const StyleRequest& request) const
+{
+    return neededSetting.empty() || settingOf(neededSetting).write(request);
+}
 
 const std::vector<Setting>& settings()
 {
@@ -401,7 +425,7 @@ std::vector<std::string> argumentsOf(const StyleRequest& request)
     std::vector<std::string> arguments;
     for (const Setting& setting : settings()) {
         const Text text = setting.write(request);
-        if (!text)
+        if (!text || !setting.isOfUse(request))
             continue;
         const std::string name = setting.name;
         if (setting.kind == SettingKind::SWITCH) {
@@ -417,7 +441,7 @@ std::vector<std::string> argumentsOf(const StyleRequest& request)
 bool operator==(const StyleRequest& a, const StyleRequest& b)
 {
     return std::all_of(settings().begin(), settings().end(), [&](const Setting& setting) {
-        return setting.write(a) == setting.write(b);
+        return setting.value(a) == setting.value(b);
     });
 }
 

@@ -35,8 +35,8 @@ struct Setting
     const char* values; ///< what the option takes, in the help; null for a switch
     std::string help;
 
-    /// What the request says, or nothing if it leaves it open.
-    std::optional<std::string> (*write)(const StyleRequest& request);
+    /// What the request says, also if that is usual; nothing if it leaves it open.
+    std::optional<std::string> (*value)(const StyleRequest& request);
     /// Lets the request say it. Nothing, or "found 'x', expected a length above 0" and the request
     /// is as it was.
     std::string (*read)(const std::string& text, StyleRequest& request);
@@ -45,7 +45,12 @@ struct Setting
 
     int least = 0, most = 0;             ///< of a count
     std::vector<std::string> words = {}; ///< of a choice, and of parts
-    const char* neededSetting = nullptr; ///< without which it says nothing
+    std::string neededSetting = {};      ///< without which it says nothing; empty for none
+
+    /// Whether what it needs is said.
+    bool isOfUse(const StyleRequest& request) const;
+    /// What the request says, or nothing if that is what is usual.
+    std::optional<std::string> write(const StyleRequest& request) const;
 };
 
 /// All of them, in the order of the help: the one list of what can be asked of a style.

@@ -38,7 +38,7 @@ std::vector<Track> colouredTracks(const Configuration& configuration, double ang
 }
 
 // The names of all scalars, those of files first.
-std::string availableScalars(const std::vector<Track>& tracks)
+std::vector<std::string> availableScalars(const std::vector<Track>& tracks)
 {
     std::vector<std::string> ofFiles, computed;
     const auto add = [](std::vector<std::string>& names, const std::string& name) {
@@ -48,10 +48,15 @@ std::string availableScalars(const std::vector<Track>& tracks)
     for (const Track& track : tracks)
         for (const std::string& name : scalarNames(track))
             add(findQuantity(track.kind, name) ? computed : ofFiles, name);
+    ofFiles.insert(ofFiles.end(), computed.begin(), computed.end());
+    return ofFiles;
+}
+
+std::string inALine(const std::vector<std::string>& names)
+{
     std::string text;
-    for (const auto* names : {&ofFiles, &computed})
-        for (const std::string& name : *names)
-            text += (text.empty() ? "" : ", ") + name;
+    for (const std::string& name : names)
+        text += (text.empty() ? "" : ", ") + name;
     return text;
 }
 
@@ -355,7 +360,7 @@ std::string checkValues(const Options& options, const std::vector<Track>& tracks
                                    [](const Values& ofTrack) { return !ofTrack.empty(); });
     if (!found)
         return originOf(tracks.front()) + ": found no scalar " + inQuotes(*options.colourBy) +
-               ", expected one of " + availableScalars(tracks);
+               ", expected one of " + inALine(availableScalars(tracks));
     if (summary.values.isEmpty())
         return optionText(options) + ": found no value that is a number, expected one";
     return "";
@@ -416,6 +421,11 @@ ValueSummary summarise(const Configuration& configuration, const std::string& na
 {
     const std::vector<Track> tracks = colouredTracks(configuration, angstrom);
     return summarise(findValues(tracks, name, progress), tracks, name, progress);
+}
+
+std::vector<std::string> namesOfScalars(const Configuration& configuration, double angstrom)
+{
+    return availableScalars(colouredTracks(configuration, angstrom));
 }
 
 std::optional<Colouring> makeColouring(const Options& options, const Configuration& configuration,

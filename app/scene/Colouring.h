@@ -112,6 +112,9 @@ struct ValueSummary
 ValueSummary summarise(const Configuration& configuration, const std::string& name, double angstrom,
                        const Progress& progress);
 
+/// The names of all scalars that data can be coloured by, those of files first, each once.
+std::vector<std::string> namesOfScalars(const Configuration& configuration, double angstrom);
+
 /// The colouring that the options ask for by name. Unless given, its colours are
 /// defaultColourMap(), of what is signed by its nature or of all else, also of scalars of files;
 /// and its limits those of all values, but as far above 0 as below where a diverging map, whose

@@ -67,6 +67,13 @@ DataScene::DataScene(const Placement& placementOfData, const Style& styleOfData)
 
 DataScene::~DataScene() = default;
 
+void DataScene::restyle(const Placement& placementOfData, const Style& styleOfData)
+{
+    placement = placementOfData;
+    style = styleOfData;
+    setBackground(style.background);
+}
+
 const std::vector<ShownDatum>& DataScene::getShown(std::size_t kind) const
 {
     static const std::vector<ShownDatum> none;
@@ -197,6 +204,17 @@ void DataScene::setColouring(const Colouring& next)
     colouring = next;
     colouring->places.clear();
     tellColouring();
+}
+
+void DataScene::dropColouring()
+{
+    if (!legend)
+        return;
+    showColours(false); // gives the highlights back
+    removeChild(legendChoice);
+    legendChoice = nullptr;
+    legend.reset();
+    colouring.reset();
 }
 
 void DataScene::updateLegend(const Colouring& next)

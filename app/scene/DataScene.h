@@ -37,6 +37,8 @@ public:
 
     const Placement& getPlacement() const { return placement; }
     const Style& getStyle() const { return style; }
+    /// What its data are shown with from now on.
+    void restyle(const Placement& placementOfData, const Style& styleOfData);
 
     // Data: by their kinds, which are numbered from 0 in the order in which they are drawn, and
     // within a kind in their order.
@@ -88,6 +90,8 @@ public:
     /// Lets a legend that is drawn over the scene tell the colouring of this frame and of those to
     /// come. The first one is shown with it.
     void setColouring(const Colouring& next);
+    /// Removes the legend: nothing has colours of data any more.
+    void dropColouring();
     /// Makes the legend tell whether the values of another frame lie beyond its ends or are none.
     void updateLegend(const Colouring& next);
     /// That of the legend, without the places of its points; nothing without one.

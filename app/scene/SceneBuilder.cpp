@@ -147,8 +147,13 @@ SceneGeometry compute(const Configuration& configuration, const Extent& extent, 
 class FrameChange
 {
 public:
-    FrameChange(DataScene& changedScene, const FrameToShow& frame)
-        : scene(changedScene), builders(makeBuilders(frame)), added(builders.size())
+    enum Nodes { OF_LAST_FRAME, NEW };
+
+    FrameChange(DataScene& changedScene, const FrameToShow& frame, Nodes nodesToShowIt)
+        : scene(changedScene),
+          builders(makeBuilders(frame)),
+          nodes(nodesToShowIt),
+          added(builders.size())
     {}
     ~FrameChange()
     {
@@ -204,24 +209,27 @@ private:
     // The nodes that go on to show data.
     std::size_t countKept(std::size_t kind) const
     {
-        return std::min(scene.getShown(kind).size(), builders[kind]->count());
+        return nodes == NEW ? 0 : std::min(scene.getShown(kind).size(), builders[kind]->count());
     }
 
     DataScene& scene;
     const Builders builders;
+    const Nodes nodes;
     std::vector<std::vector<ShownDatum>> added; // to each kind, with a reference
 };
 
-std::string showFrame(DataScene& scene, const Configuration& data, const Colouring* colouring,
-                      SceneGeometry& geometry, Progress& progress)
+std::string showFrame(DataScene& scene, const Configuration& data, const Style& style,
+                      const Colouring* colouring, SceneGeometry& geometry, FrameChange::Nodes nodes,
+                      Progress& progress)
 {
     assert(geometry.rods.size() == data.rods.size());
     assert(geometry.birods.size() == data.birods.size());
     assert(geometry.dnas.size() == data.dnas.size());
     assert(!colouring ||
            (colouring->rods == data.rods.size() && colouring->birods == data.birods.size()));
-    FrameChange change(scene, {data, scene.getStyle(), scene.getPlacement(), colouring,
-                               scene.areColoursShown(), geometry});
+    FrameChange change(
+        scene, {data, style, geometry.placement, colouring, scene.areColoursShown(), geometry},
+        nodes);
     std::string error = change.prepare(progress);
     if (error.empty())
         change.commit();
@@ -272,7 +280,8 @@ DataScene* buildScene(const Configuration& configuration, const Style& style,
     auto* scene = new DataScene(geometry.placement, style);
     scene->ref();
     scene->setSide(geometry.side);
-    error = showFrame(*scene, configuration, colouring, geometry, progress);
+    error =
+        showFrame(*scene, configuration, style, colouring, geometry, FrameChange::NEW, progress);
     if (!error.empty()) {
         scene->unref();
         return nullptr;
@@ -292,10 +301,26 @@ DataScene* buildScene(const Configuration& configuration, const Style& style,
                : nullptr;
 }
 
+std::string restyleScene(DataScene& scene, const Configuration& data, const Style& style,
+                         const Colouring* colouring, SceneGeometry geometry, Progress& progress)
+{
+    std::string error =
+        showFrame(scene, data, style, colouring, geometry, FrameChange::NEW, progress);
+    if (!error.empty())
+        return error;
+    scene.restyle(geometry.placement, style);
+    if (colouring)
+        scene.setColouring(*colouring);
+    else
+        scene.dropColouring();
+    return "";
+}
+
 std::string updateScene(DataScene& scene, const Configuration& next, const Colouring* colouring,
                         SceneGeometry geometry, Progress& progress)
 {
-    std::string error = showFrame(scene, next, colouring, geometry, progress);
+    std::string error = showFrame(scene, next, scene.getStyle(), colouring, geometry,
+                                  FrameChange::OF_LAST_FRAME, progress);
     if (error.empty() && colouring)
         scene.updateLegend(*colouring);
     return error;

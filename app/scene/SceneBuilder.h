@@ -52,6 +52,13 @@ DataScene* buildScene(const Configuration& configuration, const Style& style,
 DataScene* buildScene(const Configuration& configuration, const Style& style,
                       const Colouring* colouring, Progress& progress, std::string& error);
 
+/// Lets a scene show its data in another style, with these colours of data or none: all of it, or,
+/// with one line that says why not, nothing. Its nodes are made anew; camera, lights, what its user
+/// changed of a datum and the room of other frames stay. Data and progress as of updateScene(),
+/// geometry of the style; its placement becomes that of the scene.
+std::string restyleScene(DataScene& scene, const Configuration& data, const Style& style,
+                         const Colouring* colouring, SceneGeometry geometry, Progress& progress);
+
 /// Lets a scene show the next frame instead: all of it, or, with one line that says why not,
 /// nothing. Placement, style, colours' range and side stay those of the first frame; camera,
 /// lights and whatever else is no datum are not touched.

@@ -7,12 +7,10 @@
 #include <utility>
 
 #include "request/limits.h"
-#include "scene/Colouring.h"
 #include "scene/DataScene.h"
 #include "scene/Progress.h"
 #include "scene/SceneBuilder.h"
-#include "scene/Style.h"
-#include "scene/chooseLook.h"
+#include "scene/prepareLook.h"
 #include "scene/readFiles.h"
 
 namespace strandview {
@@ -23,9 +21,7 @@ namespace {
 struct Prepared
 {
     Configuration configuration;
-    Style style;
-    std::optional<Colouring> colouring;
-    SceneGeometry geometry;
+    PreparedLook look;
 };
 
 std::shared_ptr<Prepared> prepare(std::optional<Configuration> configuration,
@@ -33,15 +29,10 @@ std::shared_ptr<Prepared> prepare(std::optional<Configuration> configuration,
 {
     if (!configuration)
         return nullptr;
-    const std::optional<Style> style = chooseStyle(options, *configuration, report);
-    std::optional<Colouring> colouring;
-    if (!style || !chooseColouring(options, *configuration, report, nullptr, colouring))
+    std::optional<PreparedLook> look = prepareLook(options, *configuration, report, progress);
+    if (!look)
         return nullptr;
-    SceneGeometry geometry = computeGeometry(*configuration, *style, progress, report.error);
-    if (!report.error.empty())
-        return nullptr;
-    return std::make_shared<Prepared>(
-        Prepared{std::move(*configuration), *style, std::move(colouring), std::move(geometry)});
+    return std::make_shared<Prepared>(Prepared{std::move(*configuration), std::move(*look)});
 }
 
 // What `load` gives, or nothing and an error if the memory is too little.
@@ -65,9 +56,10 @@ SceneMaker makerOf(const std::shared_ptr<Prepared>& prepared)
         return withinMemory(report, [&] {
             const auto data =
                 std::make_shared<const Configuration>(std::move(prepared->configuration));
-            DataScene* const scene = buildScene(
-                *data, prepared->style, prepared->colouring ? &*prepared->colouring : nullptr,
-                std::move(prepared->geometry), progress, report.error);
+            PreparedLook& look = prepared->look;
+            DataScene* const scene =
+                buildScene(*data, look.style, look.colouring ? &*look.colouring : nullptr,
+                           std::move(look.geometry), progress, report.error);
             if (scene)
                 scene->setData(data);
             return scene;

@@ -168,12 +168,12 @@ private:
     void includeValues(const Configuration& frame)
     {
         if (options.colourBy)
-            values.include(summarise(frame, *options.colourBy, options.dna.angstrom, progress));
+            stage.values.include(summarise(frame, *options.colourBy, options.dna.angstrom, progress));
     }
 
     bool chooseColouring()
     {
-        return strandview::chooseColouring(options, first, report, &values, stage.colouring);
+        return strandview::chooseColouring(options, first, report, &stage.values, stage.colouring);
     }
 
     Series::GoOn goOn()
@@ -187,7 +187,6 @@ private:
     Progress& progress;
     Configuration first;
     Room room;
-    ValueSummary values; ///< of all frames but the first
     std::string fault;   ///< of the first frame that cannot be drawn
     std::size_t count = 0;
     std::vector<std::size_t> sample; ///< the other frames to look at

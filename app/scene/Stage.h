@@ -33,6 +33,7 @@ struct Stage
     Side side;    ///< that a frame is seen from unless another is asked for
     SbBox3f room; ///< in the scene, around all frames; empty for data that do not move
     std::optional<Colouring> colouring; ///< its limits are those of all frames
+    ValueSummary values;                ///< of its scalar, of all frames but the first
     std::string first;                  ///< digestOf() of the first frame
 
     /// The room in a scene with another placement.

@@ -130,6 +130,17 @@ Style makeStyle(const Options& options, const Configuration& configuration)
     return style;
 }
 
+StyleRequest resolve(StyleRequest request, const Style& style)
+{
+    request.radius = style.radius;
+    request.ribbonWidth = style.ribbonWidth;
+    request.slices = style.slices;
+    request.subsegments = style.subsegments;
+    request.showRibbon = style.showRibbon;
+    request.ribbonColour = style.ribbonColour;
+    return request;
+}
+
 std::string checkLengths(const Options& options, const Configuration& configuration)
 {
     const Extent extent = measure(configuration);

@@ -49,6 +49,9 @@ bool asksForRibbon(const Options& options);
 /// vertices stays within what a window redraws smoothly.
 Style makeStyle(const Options& options, const Configuration& configuration);
 
+/// What is asked for, with what a style of it makes of what it leaves open.
+StyleRequest resolve(StyleRequest request, const Style& style);
+
 /// One line about a length of the options that cannot be drawn beside these data, or
 /// nothing.
 std::string checkLengths(const Options& options, const Configuration& configuration);

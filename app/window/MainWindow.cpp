@@ -36,7 +36,10 @@
 #include "camera/Camera.h"
 #include "pictures/PictureWriter.h"
 #include "request/conversions.h"
+#include "request/writeCommand.h"
 #include "scene/DataScene.h"
+#include "scene/Progress.h"
+#include "scene/SceneBuilder.h"
 #include "scene/readFiles.h"
 #include "window/CurveHover.h"
 #include "window/CurvePanel.h"
@@ -47,6 +50,7 @@
 #include "window/PlaceTeller.h"
 #include "window/Player.h"
 #include "window/ScreenFitter.h"
+#include "window/SettingsPanel.h"
 #include "window/StatusText.h"
 #include "window/ThingsPanel.h"
 #include "window/WindowViewer.h"
@@ -73,6 +77,14 @@ QString titleFor(const std::vector<std::string>& files)
     if (files.size() > 1)
         title += " and " + QString::number(files.size() - 1) + " more";
     return title + " - strandview";
+}
+
+// In front of those that share its place.
+void showPanel(QDockWidget& dock, bool on)
+{
+    dock.setVisible(on);
+    if (on)
+        dock.raise();
 }
 
 bool isAscii(const QString& text)
@@ -178,10 +190,28 @@ void MainWindow::buildPanels()
         places->follow();
         showHint();
     });
+    buildSettings();
     things = new ThingsPanel(docks);
     things->onCentre = [this](const SbBox3f& box) { centre(box); };
     thingsDock = addPanel(things, "Things", Command::SHOW_THINGS);
     buildCurves();
+}
+
+void MainWindow::buildSettings()
+{
+    lookPanel = new SettingsPanel({"Look", "DNA"}, docks);
+    lookDock = addPanel(lookPanel, "Look", Command::SHOW_LOOK);
+    colourPanel = new SettingsPanel({"Colour by data"}, docks);
+    colourDock = addPanel(colourPanel, "Colours", Command::SHOW_COLOUR_SETTINGS);
+    docks->tabifyDockWidget(lookDock, colourDock);
+    lookPanel->setObjectName("lookPanel");
+    colourPanel->setObjectName("colourPanel");
+    for (SettingsPanel* panel : {lookPanel, colourPanel})
+        connect(panel, &SettingsPanel::changed, this, &MainWindow::setStyle);
+    connect(&restyler, &Restyler::finished, this,
+            [this](const std::shared_ptr<Restyler::Result>& result) { showStyle(*result); });
+    shownStyle = options;
+    tellStyle();
 }
 
 void MainWindow::buildCurves()
@@ -247,6 +277,7 @@ void MainWindow::showScene(DataScene* newScene, const std::vector<std::string>& 
         same.numbers = getCameraNumbers();
     const bool wasFitted = isFitted();
     endPlaying();
+    restyler.forget();
     const DataScene::Looks looks = scene ? scene->getLooks() : DataScene::Looks();
     scene = newScene;
     shownFiles = files;
@@ -255,6 +286,9 @@ void MainWindow::showScene(DataScene* newScene, const std::vector<std::string>& 
         places->forget();
     else
         scene->setLooks(looks);
+    firstFrame = scene->getData();
+    shownStyle = options;
+    tellStyle();
     places->setScene(scene);
     things->setScene(scene);
     curveHover->setScene(scene);
@@ -319,8 +353,14 @@ void MainWindow::openFiles(const QStringList& names, CameraChoice choice)
     if (files.empty())
         return;
     options.frame.reset(); // that was of the first files
+    Options asked = options;
+    asked.colourIfPossible = true; // other files need not have that scalar
+    const auto load = [load = loader, asked](const std::vector<std::string>& toLoad,
+                                             ReadReport& report, Progress& progress) {
+        return load(toLoad, asked, report, progress);
+    };
     follow(
-        std::make_unique<LoadJob>(files, loader),
+        std::make_unique<LoadJob>(files, load),
         [this, files](const ReadReport& report) { tellOpened(files, report); }, choice);
     if (job->waitFor(LoadJob::PATIENCE))
         job->finish();
@@ -378,12 +418,12 @@ void MainWindow::beginToPlay(const ReadReport& report, const Start& start)
     const bool isSeries = report.frames > 1 || options.series.follow;
     if (!isSeries || !seriesOpener || !canBeReadAgain(shownFiles))
         return;
-    const auto open = [opener = seriesOpener, files = shownFiles](ReadReport& opened,
-                                                                  Progress& progress) {
-        return opener(files, opened, progress);
-    };
     Options ofFrames = options;
     ofFrames.colourIfPossible = true; // or this file would not be shown
+    const auto open = [opener = seriesOpener, files = shownFiles, ofFrames](ReadReport& opened,
+                                                                            Progress& progress) {
+        return opener(files, ofFrames, opened, progress);
+    };
     playBar->reset(start.range);
     player = std::make_unique<Player>(
         *scene, loaded, open, FrameStore::Plan{scene->getStyle(), scene->getPlacement(), ofFrames},
@@ -591,6 +631,92 @@ void MainWindow::setColours(bool ofData)
         fit();
 }
 
+// Style
+
+void MainWindow::setStyle(const StyleRequest& next)
+{
+    const bool isReadAgain = next.compare != options.compare;
+    static_cast<StyleRequest&>(options) = next;
+    tellStyle();
+    const SbColor background = toSbColor(next.background);
+    if (background != viewer->getBackgroundColor())
+        viewer->setBackgroundColor(background);
+    if (!scene || !scene->getData())
+        return;
+    if (isReadAgain) // readers compare
+        readAgain();
+    else
+        restyle();
+}
+
+void MainWindow::restyle()
+{
+    Restyler::Task task;
+    task.options = options;
+    task.frame = scene->getData();
+    task.first = firstFrame;
+    const auto stage = player ? player->getStage() : nullptr;
+    if (stage && stage->colouring && stage->colouring->name == options.colourBy)
+        task.others = {stage, &stage->values};
+    restyler.ask(std::move(task));
+}
+
+void MainWindow::showStyle(Restyler::Result& result)
+{
+    const auto tell = [this](const std::string& fault) {
+        for (SettingsPanel* panel : {lookPanel, colourPanel})
+            panel->tellFault(fault);
+    };
+    std::string fault = result.report.error;
+    if (result.look && result.task.frame != scene->getData()) { // another frame came meanwhile
+        restyle();
+        return;
+    }
+    if (result.look) {
+        PreparedLook& look = *result.look;
+        Progress unwatched;
+        fault = restyleScene(*scene, *result.task.frame, look.style,
+                             look.colouring ? &*look.colouring : nullptr, std::move(look.geometry),
+                             unwatched);
+    }
+    tell(fault);
+    if (!fault.empty()) { // what is shown stays
+        static_cast<StyleRequest&>(options) = shownStyle;
+        tellStyle();
+        return;
+    }
+    const bool isOtherScalar = shownStyle.colourBy != result.task.options.colourBy;
+    shownStyle = result.task.options;
+    scene->showColours((*menus)[Command::SHOW_COLOURS]->isChecked());
+    if (player)
+        player->follow({scene->getStyle(), scene->getPlacement(), result.task.options},
+                       isOtherScalar ? FrameStore::NEW_STAGE : FrameStore::SAME_STAGE);
+    for (LightingDialog* lights : findChildren<LightingDialog*>())
+        lights->updateGUIFromShaders(); // highlights come and go with colours of data
+    things->follow();
+    curves->showData(scene->getData(), scene->getStyle(), player ? player->getFrame() : 0,
+                     CurvePanel::NEXT_FRAME);
+    tellStyle();
+    followViewer();
+}
+
+void MainWindow::tellStyle()
+{
+    StyleRequest shown = options;
+    if (scene) {
+        shown = resolve(options, scene->getStyle());
+        if (const auto& colouring = scene->getColouring()) {
+            shown.ownRange = shown.symmetricRange = false;
+            shown.rangeMin = colouring->min;
+            shown.rangeMax = colouring->max;
+        }
+    }
+    for (SettingsPanel* panel : {lookPanel, colourPanel})
+        panel->show(options, shown);
+    if (scene && scene->getData())
+        colourPanel->offerScalars(namesOfScalars(*scene->getData(), options.dna.angstrom));
+}
+
 void MainWindow::copyCamera()
 {
     if (!scene)
@@ -598,6 +724,24 @@ void MainWindow::copyCamera()
     const std::string text = "--camera " + formatCamera(getCameraNumbers());
     QApplication::clipboard()->setText(QString::fromStdString(text));
     statusText->tell({{"Copied: " + text, ""}});
+}
+
+void MainWindow::copyCommand()
+{
+    if (!scene)
+        return;
+    ShownPicture shown;
+    shown.files = shownFiles;
+    if (player)
+        shown.frame = player->getFrame();
+    shown.camera = getCameraNumbers();
+    const SbVec2s size = ownedViewer->getGLSize();
+    shown.width = size[0];
+    shown.height = size[1];
+    shown.name = "picture.png";
+    const std::string line = writeCommand(options, shown);
+    QApplication::clipboard()->setText(QString::fromStdString(line));
+    statusText->tell({{"Copied: " + line, ""}});
 }
 
 void MainWindow::copyStatusText() { statusText->copy(); }
@@ -629,6 +773,10 @@ void MainWindow::followViewer()
     const SbColor background = viewer->getBackgroundColor();
     if (scene)
         scene->setBackground({background[0], background[1], background[2]});
+    if (background != toSbColor(options.background)) { // the viewer's key
+        options.background = shownStyle.background = {background[0], background[1], background[2]};
+        tellStyle();
+    }
 }
 
 void MainWindow::followMode()
@@ -804,6 +952,7 @@ void MainWindow::command(Command asked, bool isOn)
         {Command::SAVE_PICTURE, [](MainWindow& w, bool) { w.choosePicture(); }},
         {Command::TAKE_SCREENSHOT, [](MainWindow& w, bool) { w.viewer->renderOffscreen(); }},
         {Command::COPY_CAMERA, [](MainWindow& w, bool) { w.copyCamera(); }},
+        {Command::COPY_COMMAND, [](MainWindow& w, bool) { w.copyCommand(); }},
         {Command::COPY_STATUS, [](MainWindow& w, bool) { w.copyStatusText(); }},
         {Command::CLOSE, [](MainWindow& w, bool) { w.close(); }},
         {Command::QUIT, [](MainWindow& w, bool) { w.close(); }},
@@ -832,6 +981,9 @@ void MainWindow::command(Command asked, bool isOn)
         {Command::START_RANGE, ofPlayer([](Player& player, bool) { player.toggleRangeStart(); })},
         {Command::END_RANGE, ofPlayer([](Player& player, bool) { player.toggleRangeEnd(); })},
         {Command::SHOW_CURVES, [](MainWindow& w, bool on) { w.curveDock->setVisible(on); }},
+        {Command::SHOW_LOOK, [](MainWindow& w, bool on) { showPanel(*w.lookDock, on); }},
+        {Command::SHOW_COLOUR_SETTINGS,
+         [](MainWindow& w, bool on) { showPanel(*w.colourDock, on); }},
         {Command::SHOW_NUMBERS, [](MainWindow& w, bool on) { w.placeDock->setVisible(on); }},
         {Command::SHOW_THINGS, [](MainWindow& w, bool on) { w.thingsDock->setVisible(on); }},
         {Command::SHOW_KEYS, [](MainWindow& w, bool) { w.showKeys(); }},

@@ -20,6 +20,7 @@
 #include "scene/Told.h"
 #include "window/LoadJob.h"
 #include "window/PlayBar.h"
+#include "window/Restyler.h"
 #include "window/actions.h"
 
 class QDockWidget;
@@ -37,6 +38,7 @@ class Menus;
 class PlacePanel;
 class PlaceTeller;
 class Player;
+class SettingsPanel;
 class StatusText;
 class ThingsPanel;
 class WindowViewer;
@@ -48,10 +50,14 @@ class MainWindow : public SoQtGeneralViewerDialog
     Q_OBJECT
 
 public:
-    using Loader = LoadJob::Loader;
+    /// As prepareScene(), in another thread, with what is asked for then.
+    using Loader =
+        std::function<SceneMaker(const std::vector<std::string>& files, const Options& options,
+                                 ReadReport& report, Progress& progress)>;
     /// Opens files as a series, in another thread; see FrameStore::Opener.
     using SeriesOpener = std::function<std::unique_ptr<Series>(
-        const std::vector<std::string>& files, ReadReport& report, Progress& progress)>;
+        const std::vector<std::string>& files, const Options& options, ReadReport& report,
+        Progress& progress)>;
 
     /// Without an opener the first frame of a series is shown alone.
     MainWindow(const Options& options, Loader loader, SeriesOpener opener = {});
@@ -77,6 +83,11 @@ public:
     /// Plays the series that is shown; null for what has one frame.
     Player* getPlayer() const { return player.get(); }
 
+    /// What is asked for of the style, by options and panels.
+    const StyleRequest& getStyle() const { return options; }
+    /// Whether a style that was asked for is not shown yet.
+    bool isRestyling() const { return restyler.isAtWork(); }
+
 signals:
     /// Nothing is being loaded any more: it is shown, has failed or was stopped.
     void loadingEnded();
@@ -99,6 +110,8 @@ public slots:
     /// Writes what the view shows, with smooth edges; tells in a message box if it cannot.
     void savePicture(const QString& file);
     void copyCamera();
+    /// The command line that makes the picture that savePicture() would write.
+    void copyCommand();
     /// What the status bar tells, all of it.
     void copyStatusText();
 
@@ -111,6 +124,8 @@ public slots:
     // Look
     /// Whether data give the colours, in this scene and in those to come.
     void setColours(bool ofData);
+    /// Shows all in another style, as soon as it is prepared: of this scene and of those to come.
+    void setStyle(const strandview::StyleRequest& next);
 
     // Help
     void showKeys();
@@ -139,6 +154,12 @@ private:
     void tellOpened(const std::vector<std::string>& files, const ReadReport& report);
 
     void buildPanels();
+    void buildSettings();
+    /// Prepares the style that is asked for, of the frame that is shown.
+    void restyle();
+    void showStyle(Restyler::Result& result);
+    /// Lets the panels show what is asked for.
+    void tellStyle();
     void buildCurves();
     /// Beside the view, closed; an entry of the menu shows it.
     QDockWidget* addPanel(QWidget* panel, const char* title, Command toggle);
@@ -184,12 +205,18 @@ private:
     std::optional<CameraNumbers> fitted, homeNumbers;
     std::unique_ptr<LoadJob> job; // at work, else null
     std::unique_ptr<Player> player;
+    Restyler restyler;
+    StyleRequest shownStyle; ///< as far as it is shown
+    /// Of these files: what is left open follows from it.
+    std::shared_ptr<const Configuration> firstFrame;
 
     std::unique_ptr<Menus> menus;
     StatusText* statusText = nullptr;
     QLabel* modeLabel = nullptr;  // turning or picking
     QMainWindow* docks = nullptr; // view and panels
     QDockWidget *placeDock = nullptr, *thingsDock = nullptr, *curveDock = nullptr;
+    QDockWidget *lookDock = nullptr, *colourDock = nullptr;
+    SettingsPanel *lookPanel = nullptr, *colourPanel = nullptr;
     ThingsPanel* things = nullptr;
     CurvePanel* curves = nullptr;
     std::unique_ptr<CurveHover> curveHover;

@@ -100,6 +100,13 @@ void Player::toggleRangeEnd()
     bar.setRange(std::min(order.first, shown), order.last == shown ? bar.getCount() - 1 : shown);
 }
 
+void Player::follow(const FrameStore::Plan& plan, FrameStore::StageChange change)
+{
+    options = plan.options;
+    store.follow(plan, ++plans, change);
+    ask({asked}, 1);
+}
+
 bool Player::isUpToDate() const { return shown == asked; }
 
 // A frame, and then those that a stride of so many steps leads to.
@@ -183,8 +190,8 @@ void Player::followState(const FrameStore::State& state)
         ask({bar.getCount() - 1}, 1);
     else if (options.series.follow && wasAtLast && bar.getCount() > before)
         ask({bar.getCount() - 1}, 1);
-    if (state.stage && !std::exchange(hasStage, true)) {
-        emit staged(*state.stage);
+    if (state.stage && std::exchange(stage, state.stage) != state.stage) {
+        emit staged(*stage);
         ask({asked}, 1);
     }
 }
@@ -205,6 +212,10 @@ std::optional<Colouring> Player::colouringOf(const Configuration& data)
 
 void Player::show(FrameToPlay next)
 {
+    if (next.plan != plans) { // its geometry is of another style
+        ask({asked}, 1);
+        return;
+    }
     std::string error = next.error;
     if (next.data) {
         const std::optional<Colouring> colouring = colouringOf(*next.data);

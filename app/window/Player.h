@@ -53,11 +53,15 @@ public:
     void toggleRangeStart();
     void toggleRangeEnd();
 
+    /// The scene has another style, and so will the frames to come.
+    void follow(const FrameStore::Plan& plan, FrameStore::StageChange change);
+
     std::size_t getFrame() const { return shown; }
     /// Whether nothing that was asked for is missing.
     bool isUpToDate() const;
     /// Whether it is known what all frames have in common.
-    bool isStaged() const { return hasStage; }
+    bool isStaged() const { return stage != nullptr; }
+    const std::shared_ptr<const Stage>& getStage() const { return stage; }
     const FrameStore& getStore() const { return store; }
 
 signals:
@@ -86,11 +90,12 @@ private:
 
     DataScene& scene;
     PlayBar& bar;
-    const Options options;
+    Options options;
     std::size_t shown, asked;
     bool playing = false;
-    std::size_t toldBefore = 0; ///< lines about the series
-    bool hasStage = false;
+    std::size_t toldBefore = 0;         ///< lines about the series
+    std::shared_ptr<const Stage> stage; ///< the last
+    std::size_t plans = 0;              ///< so many before the one that frames are shown with
 
     QTimer timer;
     QElapsedTimer clock;

@@ -53,6 +53,8 @@ ActionGroup file()
          {"S&creenshot...", "I", "saves a screenshot of any size", C::TAKE_SCREENSHOT,
           NEEDS_SCENE | KEY_OF_VIEWER},
          {"Copy c&amera", "Ctrl+K", "copies the camera, for --camera", C::COPY_CAMERA, NEEDS_SCENE},
+         {"Copy comman&d", "Ctrl+Shift+C", "copies the command line that makes this picture",
+          C::COPY_COMMAND, NEEDS_SCENE},
          {"Copy s&tatus text", "Ctrl+C", "copies what the status bar tells, all of it",
           C::COPY_STATUS},
          {"C&lose", "Ctrl+W", "closes the window", C::CLOSE, AFTER_A_LINE},
@@ -130,8 +132,12 @@ ActionGroup look()
              {"&Picking instead of turning", "Esc",
               "turning, or picking: the left button tells, no drags", C::TOGGLE_PICKING,
               CHECKABLE | KEY_OF_VIEWER},
+             {"L&ook of things", "O", "a panel: how tubes, ribbons and DNA look", C::SHOW_LOOK,
+              CHECKABLE | AFTER_A_LINE},
+             {"Colou&rs by data", "C", "a panel: colours by a scalar, their map and range",
+              C::SHOW_COLOUR_SETTINGS, CHECKABLE},
              {"N&umbers of a place", "N", "a panel: all numbers of what is clicked",
-              C::SHOW_NUMBERS, CHECKABLE | AFTER_A_LINE},
+              C::SHOW_NUMBERS, CHECKABLE},
              {"&Things", "T", "a panel: all that is shown, to hide, name, colour and find",
               C::SHOW_THINGS, CHECKABLE},
              {"Cur&ves of numbers", "G", "a panel: curves of numbers along what is shown",
@@ -193,7 +199,9 @@ bool areDigitsInARow(const std::vector<std::string>& keys)
 // "A D"; "Ctrl + 1 to 6"; "Alt + W, S". The modifier of the first is that of all.
 std::string joinKeys(const std::vector<std::string>& sequences)
 {
-    const std::string modifier = splitKey(sequences.front()).first;
+    std::string modifier = splitKey(sequences.front()).first;
+    for (std::size_t plus = 0; (plus = modifier.find('+', plus)) != std::string::npos; plus += 3)
+        modifier.replace(plus, 1, " + ");
     std::vector<std::string> keys;
     keys.reserve(sequences.size());
     for (const std::string& sequence : sequences)

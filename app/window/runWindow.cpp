@@ -76,12 +76,19 @@ void takePictureOnce(MainWindow& window, const Options& options, std::string& fa
 
 } // namespace
 
-std::string runWindow(const Options& options, const LoadJob::Loader& loader, ReadReport& report,
-                      const LoadJob::Loader& first, const MainWindow::SeriesOpener& opener)
+std::string runWindow(const Options& options, const MainWindow::Loader& loader, ReadReport& report,
+                      const MainWindow::SeriesOpener& opener)
 {
     std::unique_ptr<LoadJob> begun;
     if (!options.files.empty()) {
-        begun = std::make_unique<LoadJob>(options.files, first ? first : loader);
+        Options first = options;
+        if (options.series.align || options.series.between > 0) // the player goes to the frame
+            first.frame.reset();
+        begun = std::make_unique<LoadJob>(
+            options.files, [loader, first](const std::vector<std::string>& files,
+                                           ReadReport& loadReport, Progress& progress) {
+                return loader(files, first, loadReport, progress);
+            });
         begun->waitFor(LoadJob::PATIENCE);
         report.error = begun->getFailure();
         if (!report.error.empty())

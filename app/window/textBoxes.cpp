@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "window/textBoxes.h"
 
+#include <algorithm>
+#include <vector>
+
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QLabel>
@@ -57,17 +60,27 @@ QString rowsOf(const KeyGroup& group)
 } // namespace
 
 // In two columns, so that the page fits small screens: each group in the shorter one.
+// Two columns of groups, about equally high: of all ways to part them the best.
 QString keyPage()
 {
-    QString columns[2];
-    std::size_t heights[2] = {0, 0};
-    for (const KeyGroup& group : keyHelp()) {
-        const int column = heights[0] <= heights[1] ? 0 : 1;
-        columns[column] += rowsOf(group);
-        heights[column] += 1 + group.keys.size();
+    const std::vector<KeyGroup> groups = keyHelp();
+    const auto rowsIn = [&groups](unsigned column, unsigned parting) {
+        std::size_t rows = 0;
+        for (std::size_t i = 0; i < groups.size(); ++i)
+            rows += (parting >> i & 1) == column ? 1 + groups[i].keys.size() : 0;
+        return rows;
+    };
+    unsigned best = 0;
+    for (unsigned parting = 0; parting < 1u << groups.size(); ++parting) {
+        if (std::max(rowsIn(0, parting), rowsIn(1, parting)) <
+            std::max(rowsIn(0, best), rowsIn(1, best)))
+            best = parting;
     }
-    return "<table style='white-space: nowrap'><tr><td><table cellspacing='3'>" + columns[0] +
-           "</table></td><td><table cellspacing='3'>" + columns[1] + "</table></td></tr></table>";
+    QString columns[2];
+    for (std::size_t i = 0; i < groups.size(); ++i)
+        columns[best >> i & 1] += rowsOf(groups[i]);
+    return "<table style='white-space: nowrap'><tr><td><table cellspacing='2'>" + columns[0] +
+           "</table></td><td><table cellspacing='2'>" + columns[1] + "</table></td></tr></table>";
 }
 
 } // namespace strandview

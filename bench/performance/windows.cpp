@@ -93,10 +93,12 @@ std::optional<Played> play(const std::string& file)
     options.series.framesPerSecond = 1000;
     MainWindow window(
         options,
-        [&options](const std::vector<std::string>& files, ReadReport& report, Progress& progress) {
+        [&options](const std::vector<std::string>& files, const Options& /*asked*/,
+                   ReadReport& report, Progress& progress) {
             return prepareScene(files, options, report, progress, Opening::AT_ONCE);
         },
-        [&options](const std::vector<std::string>& files, ReadReport& report, Progress& progress) {
+        [&options](const std::vector<std::string>& files, const Options& /*asked*/,
+                   ReadReport& report, Progress& progress) {
             return openFiles(files, options, report, progress, Opening::AT_ONCE).series;
         });
     window.show();

@@ -24,9 +24,11 @@
 
 #include <strandview/analysis/parallelTransport.h>
 
+#include "request/settings.h"
 #include "scene/Colouring.h"
 #include "scene/DataScene.h"
 #include "scene/Progress.h"
+#include "scene/prepareLook.h"
 #include "support/RandomRods.h"
 #include "support/StoppingAt.h"
 #include "support/graph.h"
@@ -237,6 +239,22 @@ protected:
     {
         StoppingAt never;
         return updateScene(*scene, next, never);
+    }
+
+    // Shows the same data as other options ask for.
+    std::string restyle(const Options& other, const Configuration& data)
+    {
+        StoppingAt never;
+        ReadReport report;
+        std::optional<PreparedLook> look = prepareLook(other, data, report, never);
+        if (!look)
+            return report.error;
+        const Colouring* ofLook = look->colouring ? &*look->colouring : nullptr;
+        std::string error =
+            restyleScene(*scene, data, look->style, ofLook, std::move(look->geometry), never);
+        if (error.empty())
+            colouring = look->colouring;
+        return error;
     }
 
     // A new scene of a frame on the terms of the first one; with a reference.
@@ -811,5 +829,88 @@ TEST_F(SceneUpdateTest, AnySequenceOfFramesShowsWhatNewScenesShow)
 }
 
 } // namespace
+
+// Styles
+
+TEST_F(SceneUpdateTest, ShowsAnotherStyleAsANewSceneDoes)
+{
+    build(oneOfEach());
+    const std::pair<const char*, const char*> changes[] = {
+        {"radius", "0.3"},         {"ribbon-width", "0.7"}, {"slices", "5"},
+        {"subsegments", "3"},      {"ribbon", "off"},       {"ribbon", "on"},
+        {"two-sided", "on"},       {"tube", "off"},         {"tube", "on"},
+        {"tube-colour", "red"},    {"dna", "atoms,pairs"},  {"ribbon-colour", "blue"},
+        {"dna", "backbone,boxes"}, {"dna-unit", "nm"}};
+    for (const auto& [name, value] : changes) {
+        SCOPED_TRACE(std::string(name) + " " + value);
+        ASSERT_EQ(settingOf(name).read(value, options), "");
+        ASSERT_EQ(restyle(options, oneOfEach()), "");
+        expectShows(oneOfEach());
+    }
+}
+
+TEST_F(SceneUpdateTest, ColoursOfDataComeAndGoAsInANewScene)
+{
+    Configuration data = oneOfEach();
+    setScalar(data.rods[0], [](double t) { return t; });
+    build(data);
+    const std::vector<float> own = coloursOf(scene);
+    for (const char* name : {"k", "curvature", "roll"}) {
+        SCOPED_TRACE(name);
+        options.colourBy = name;
+        ASSERT_EQ(restyle(options, data), "");
+        EXPECT_TRUE(scene->hasColours());
+        EXPECT_EQ(scene->getColouring()->name, name);
+        expectShows(data);
+    }
+    options.colourBy.reset();
+    ASSERT_EQ(restyle(options, data), "");
+    EXPECT_FALSE(scene->hasColours());
+    EXPECT_EQ(scene->getLegendHeight(), 0);
+    EXPECT_TRUE(coloursOf(scene) == own);
+    expectShows(data);
+}
+
+TEST_F(SceneUpdateTest, AStyleThatDoesNotSuitTheDataLeavesTheSceneAsItIs)
+{
+    build(oneOfEach());
+    const std::set<const SoNode*> before = allNodes();
+    Options other = options;
+    other.radius = 1e9;
+    EXPECT_THAT(restyle(other, oneOfEach()), HasSubstr("--radius: found 1e+09"));
+    other = options;
+    other.colourBy = "no such scalar";
+    EXPECT_THAT(restyle(other, oneOfEach()), HasSubstr("no such scalar"));
+    EXPECT_EQ(allNodes(), before);
+    expectShows(oneOfEach());
+}
+
+TEST_F(SceneUpdateTest, WhatTheUserChangedOfADatumStaysInAnotherStyle)
+{
+    build(oneOfEach());
+    DataScene::Look hidden;
+    hidden.isHidden = true;
+    scene->setLook(RODS, 0, hidden);
+    DataScene::Look red;
+    red.colour = SbColor(1, 0, 0);
+    scene->setLook(BIRODS, 0, red);
+    options.radius = 0.2;
+    ASSERT_EQ(restyle(options, oneOfEach()), "");
+    EXPECT_EQ(describe(1, 0), ""); // the rod
+    const ShownDatum& birod = scene->getShown(BIRODS)[0];
+    EXPECT_EQ(birod.getColour(birod), SbColor(1, 0, 0));
+}
+
+// A frame that comes afterwards has the style of the last change.
+TEST_F(SceneUpdateTest, FramesAfterAnotherStyleHaveIt)
+{
+    build(oneOfEach());
+    options.radius = 0.25;
+    options.slices = 6;
+    ASSERT_EQ(restyle(options, oneOfEach()), "");
+    ASSERT_EQ(update(oneOfEach(0.4)), "");
+    expectShows(oneOfEach(0.4));
+    EXPECT_EQ(scene->getStyle().slices, 6);
+}
 
 } // namespace strandview

@@ -27,16 +27,17 @@ void DataWindowTest::open(const std::string& name)
     file = name;
     window = std::make_unique<MainWindow>(
         options,
-        [this](const std::vector<std::string>& files, ReadReport& report, Progress& progress) {
-            const SceneMaker make =
-                prepareScene(files, options, report, progress, Opening::AT_ONCE);
+        [this](const std::vector<std::string>& files, const Options& asked, ReadReport& report,
+               Progress& progress) {
+            const SceneMaker make = prepareScene(files, asked, report, progress, Opening::AT_ONCE);
             return [this, make](ReadReport& made, Progress& nodes) {
                 return scene = make(made, nodes);
             };
         },
-        [this](const std::vector<std::string>& files, ReadReport& report, Progress& progress) {
-            return moveFrames(openFiles(files, options, report, progress, Opening::AT_ONCE).series,
-                              options);
+        [this](const std::vector<std::string>& files, const Options& asked, ReadReport& report,
+               Progress& progress) {
+            return moveFrames(openFiles(files, asked, report, progress, Opening::AT_ONCE).series,
+                              asked);
         });
     window->show();
     ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));

@@ -115,14 +115,14 @@ protected:
     // when the gate is open.
     MainWindow::Loader loader()
     {
-        return
-            [this](const std::vector<std::string>& files, ReadReport& report, Progress& progress) {
-                if (files.front().find("/slow") != std::string::npos) {
-                    progress.announce("Reading behind the gate");
-                    gate.pass(progress);
-                }
-                return prepareScene(files, options, report, progress);
-            };
+        return [this](const std::vector<std::string>& files, const Options& /*asked*/,
+                      ReadReport& report, Progress& progress) {
+            if (files.front().find("/slow") != std::string::npos) {
+                progress.announce("Reading behind the gate");
+                gate.pass(progress);
+            }
+            return prepareScene(files, options, report, progress);
+        };
     }
 
     // A window that shows the first file.

@@ -48,6 +48,7 @@
 #include <gmock/gmock.h>
 
 #include "programWindows.h"
+#include "request/settings.h"
 #include "scene/DataScene.h"
 #include "scene/SceneBuilder.h"
 #include "scene/SceneLoader.h"
@@ -167,10 +168,10 @@ protected:
 
     MainWindow::Loader loader() const
     {
-        return
-            [this](const std::vector<std::string>& files, ReadReport& report, Progress& progress) {
-                return prepareScene(files, options, report, progress);
-            };
+        return [this](const std::vector<std::string>& files, const Options& /*asked*/,
+                      ReadReport& report, Progress& progress) {
+            return prepareScene(files, options, report, progress);
+        };
     }
 
     // A window on these files, shown.
@@ -389,8 +390,8 @@ TEST_F(MainWindowTest, FilesOfTheCommandLineAreRecentButStandardInputAndPipesAre
             widget->close();
     });
     ReadReport report;
-    const auto leaveInput = [this](const std::vector<std::string>& files, ReadReport& loadReport,
-                                   Progress& progress) {
+    const auto leaveInput = [this](const std::vector<std::string>& files, const Options& /*asked*/,
+                                   ReadReport& loadReport, Progress& progress) {
         return prepareScene({files.front()}, options, loadReport, progress);
     };
     runWindow(options, leaveInput, report);
@@ -1653,7 +1654,7 @@ TEST_F(ActionsTest, EveryOtherKeyTriggersItsEntryOnce)
             entry->disconnect();
         }
     }
-    EXPECT_EQ(tried, 31);
+    EXPECT_EQ(tried, 34);
 }
 
 TEST_F(MainWindowTest, EveryKeyThatTheViewKnowsStandsOnTheHelpPage)
@@ -1812,6 +1813,48 @@ TEST_F(MainWindowTest, SavesThePictureThatItShows)
     EXPECT_EQ(saved.pixelColor(3, 3), QColor(Qt::black));
     const int red = count(saved, isRed);
     EXPECT_NEAR(count(shown(), isRed), red, 0.05 * red);
+}
+
+// Run as it was copied, but for the program's folder.
+TEST_F(MainWindowTest, TheCopiedCommandMakesTheSavedPictureByteForByte)
+{
+    options = {};
+    options.windowSize = {900, 720};
+    options.showRibbon = true;
+    std::string bent = "x y z load\n";
+    for (int i = 0; i < 30; ++i)
+        bent += std::to_string(0.1 * i) + " " + std::to_string(std::sin(0.2 * i)) + " " +
+                std::to_string(0.05 * i) + " " + std::to_string(i % 7) + "\n";
+    open({write("my rod.txt", bent)});
+    const std::vector<std::pair<const char*, const char*>> styles[] = {
+        {},
+        {{"radius", "0.07"}, {"tube-colour", "crimson"}, {"background", "black"}},
+        {{"colour-by", "load"}, {"colours", "batlow_r"}, {"range", "1:"}},
+        {{"colour-by", "curvature"}, {"ribbon", "off"}, {"slices", "7"}}};
+    for (const auto& style : styles) {
+        StyleRequest next;
+        for (const auto& [name, value] : style)
+            ASSERT_EQ(settingOf(name).read(value, next), "");
+        SCOPED_TRACE(testing::PrintToString(argumentsOf(next)));
+        window->setStyle(next);
+        ASSERT_TRUE(QTest::qWaitFor([this] { return !window->isRestyling(); }));
+        press(Qt::Key_D, Qt::AltModifier); // another camera each time
+        const QString saved = folder.filePath("saved.png");
+        window->savePicture(saved);
+        window->copyCommand();
+        std::string line = QApplication::clipboard()->text().toStdString();
+        ASSERT_THAT(line, StartsWith("strandview "));
+        line.replace(0, std::string("strandview").size(), STRANDVIEW_PROGRAM);
+        const ProgramRun run =
+            runProgram("/bin/sh", {"-c", "cd " + folder.path().toStdString() + " && " + line});
+        ASSERT_EQ(run.status, 0) << run.error << line;
+        QFile one(saved), other(folder.filePath("picture.png"));
+        ASSERT_TRUE(one.open(QIODevice::ReadOnly) && other.open(QIODevice::ReadOnly));
+        EXPECT_TRUE(one.readAll() == other.readAll());
+        EXPECT_GT(count(QImage(saved),
+                        [&](const QColor& c) { return c != QImage(saved).pixelColor(1, 1); }),
+                  3000);
+    }
 }
 
 TEST_F(MainWindowTest, TheLinesOfASavedPictureAreAsWideAsThoseOfTheWindow)

@@ -67,10 +67,12 @@ protected:
         file = folder.write("rods.json", text);
         window = std::make_unique<MainWindow>(
             options,
-            [this](const std::vector<std::string>& files, ReadReport& report, Progress& progress) {
+            [this](const std::vector<std::string>& files, const Options& /*asked*/,
+                   ReadReport& report, Progress& progress) {
                 return prepareScene(files, options, report, progress, Opening::AT_ONCE);
             },
-            [this](const std::vector<std::string>& files, ReadReport& report, Progress& progress) {
+            [this](const std::vector<std::string>& files, const Options& /*asked*/,
+                   ReadReport& report, Progress& progress) {
                 return moveFrames(
                     openFiles(files, options, report, progress, Opening::AT_ONCE).series, options);
             });

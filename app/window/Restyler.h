@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_APP_WINDOW_RESTYLER_H
+#define STRANDVIEW_APP_WINDOW_RESTYLER_H
+
+#include <memory>
+#include <optional>
+
+#include <QFutureWatcher>
+#include <QObject>
+
+#include <strandview/formats/ReadReport.h>
+#include <strandview/model/Configuration.h>
+
+#include "request/Options.h"
+#include "scene/prepareLook.h"
+
+namespace strandview {
+
+/// Prepares other looks of data that are shown, in another thread, so that the window answers
+/// while its user drags a slider. In the window's thread.
+class Restyler : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// What a look is to be prepared of.
+    struct Task
+    {
+        Options options;
+        std::shared_ptr<const Configuration> frame, first; ///< the same of what has one frame
+        std::shared_ptr<const ValueSummary> others;        ///< of all but the first, if known
+    };
+    struct Result
+    {
+        Task task;
+        std::optional<PreparedLook> look; ///< or an error in the report
+        ReadReport report;
+    };
+
+    explicit Restyler(QObject* parent = nullptr);
+    /// Stops what is being done.
+    ~Restyler() override;
+
+    /// Begins at once, or as soon as what is being done has ended; of several that wait, the last.
+    void ask(Task task);
+    /// Forgets what was asked for: finished() will not come any more for it.
+    void forget();
+    bool isAtWork() const { return work.isRunning() || next; }
+
+signals:
+    void finished(const std::shared_ptr<strandview::Restyler::Result>& result);
+
+private:
+    void begin(Task task);
+    void end();
+
+    class StopFlag;
+    const std::shared_ptr<StopFlag> flag; ///< of what is being done
+    QFutureWatcher<std::shared_ptr<Result>> work;
+    std::optional<Task> next;
+    bool isForgotten = false; ///< what is being done
+};
+
+} // namespace strandview
+
+#endif

@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_APP_WINDOW_SETTINGCONTROL_H
+#define STRANDVIEW_APP_WINDOW_SETTINGCONTROL_H
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <QObject>
+
+#include "request/settings.h"
+
+class QWidget;
+
+namespace strandview {
+
+/// What a user sets one setting with. It shows what a request says of it, and tells what the user
+/// chooses as the setting's text.
+class SettingControl : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Of the kind of the setting, which outlives it; deleted with its widget.
+    static SettingControl* make(const Setting& setting, QWidget* parent);
+
+    const Setting& getSetting() const { return setting; }
+    QWidget* getWidget() const { return widget; }
+
+    /// What the request says, and what is shown: the same where it says something, else what
+    /// follows from the data; nothing where that is not known.
+    virtual void show(const std::optional<std::string>& asked,
+                      const std::optional<std::string>& shown) = 0;
+    /// What can be chosen among, of those that depend on the data.
+    virtual void offer(const std::vector<std::string>& /*words*/) {}
+
+signals:
+    void chosen(const QString& text);
+    void cleared();
+
+protected:
+    SettingControl(const Setting& settingToSet, QWidget* controlWidget);
+    /// An empty one beside which others stand, in a row.
+    static QWidget* makeRow(QWidget* parent);
+    /// A part of the control that is named by what it does: for tests and for those who hear it.
+    void name(QWidget* part, const char* suffix, const QString& description) const;
+
+    const Setting& setting;
+    QWidget* const widget;
+};
+
+} // namespace strandview
+
+#endif

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_APP_WINDOW_SETTINGSPANEL_H
+#define STRANDVIEW_APP_WINDOW_SETTINGSPANEL_H
+
+#include <string>
+#include <vector>
+
+#include <QWidget>
+
+#include "request/settings.h"
+
+class QFormLayout;
+class QLabel;
+
+namespace strandview {
+
+class SettingControl;
+
+/// Some groups of settings(), a control each, with a button that leaves a setting to the data
+/// again. What it shows is what it was told last: who hears of a change tells it.
+class SettingsPanel : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// The groups by the names that the help has.
+    SettingsPanel(const std::vector<std::string>& groups, QWidget* parent);
+
+    /// What is asked for, and what is shown of it, where the data fill in what is left open.
+    void show(const StyleRequest& asked, const StyleRequest& shown);
+    /// The scalars that there are.
+    void offerScalars(const std::vector<std::string>& names);
+    /// Why something is not shown, in a line; empty for nothing.
+    void tellFault(const std::string& fault);
+
+signals:
+    /// The user asks for another style; `setting` is the name of the one that is another.
+    void changed(const strandview::StyleRequest& next, const QString& setting);
+
+private:
+    void addControl(const Setting& setting, QFormLayout& form);
+    void read(const Setting& setting, const QString& text);
+    void clear(const Setting& setting);
+
+    struct Row
+    {
+        SettingControl* control;
+        QWidget* reset;
+    };
+    std::vector<Row> rows;
+    StyleRequest request;
+    StyleRequest shownStyle;
+    QLabel* faultLine;
+};
+
+} // namespace strandview
+
+#endif

@@ -1,0 +1,272 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "window/SettingsPanel.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QClipboard>
+#include <QColorDialog>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSlider>
+#include <QSpinBox>
+#include <QTest>
+#include <QTimer>
+#include <QToolButton>
+#include <gmock/gmock.h>
+
+#include "DataWindowTest.h"
+#include "request/settings.h"
+#include "scene/Colouring.h"
+#include "scene/DataScene.h"
+#include "support/realInput.h"
+#include "window/Player.h"
+
+namespace strandview {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+namespace {
+
+// A rod along x, of two units, that bends a little.
+const char* const ROD = "x y z load\n-1 0 0 3\n-0.5 0.1 0 -1\n0 0.2 0 0\n0.5 0.1 0 1\n1 0 0 2\n";
+
+bool isBlueTube(const QColor& c) { return c.blue() > c.red() + 40; }
+bool isRed(const QColor& c) { return c.red() > 150 && c.green() < 60 && c.blue() < 60; }
+
+class SettingsPanelTest : public DataWindowTest
+{
+protected:
+    void openWith(const std::string& text, const char* key)
+    {
+        ASSERT_NO_FATAL_FAILURE(openText(text, "rod.txt"));
+        ASSERT_TRUE(comesToBePainted());
+        pressRealKey(key);
+        const char* const part = std::string(key) == "o" ? "radius" : "colour-by";
+        ASSERT_TRUE(comesTo([&] { return find<QWidget>(part)->isVisible(); }));
+    }
+    template <typename Widget>
+    Widget* find(const char* name) const
+    {
+        return window->findChild<Widget*>(name);
+    }
+    // Types into a field that is clicked first, instead of what stands there.
+    void type(const char* field, const std::vector<std::string>& keys) const
+    {
+        QLineEdit* const line = find<QLineEdit>(field);
+        click(*line);
+        ASSERT_TRUE(comesTo([&] { return line->hasFocus(); }));
+        pressRealKey("Control+a");
+        for (const std::string& key : keys)
+            pressRealKey(key);
+        pressRealKey("Return");
+    }
+    // Clicks on a list, and goes down to an entry.
+    void choose(const char* list, const QString& text) const
+    {
+        auto* const box = find<QComboBox>(list);
+        ASSERT_GE(box->findText(text), 0) << text.toStdString();
+        box->setFocus();
+        ASSERT_TRUE(comesTo([&] { return box->hasFocus() || box->lineEdit(); }));
+        for (int i = 0; i < 200 && box->currentText() != text; ++i) {
+            const QString before = box->currentText();
+            pressRealKey(box->currentIndex() < box->findText(text) ? "Down" : "Up");
+            ASSERT_TRUE(comesTo([&] { return box->currentText() != before; }));
+        }
+        EXPECT_EQ(box->currentText(), text);
+    }
+    bool comesToShow() const
+    {
+        return comesTo([this] { return !window->isRestyling(); }) && comesToBePainted();
+    }
+    double radius() const { return scene->getStyle().radius; }
+};
+
+} // namespace
+
+TEST_F(SettingsPanelTest, EverySettingHasAControlThatIsNamedForThoseWhoHearIt)
+{
+    ASSERT_NO_FATAL_FAILURE(openWith(ROD, "o"));
+    for (const Setting& setting : settings()) {
+        const auto* const control = find<QWidget>(setting.name);
+        ASSERT_NE(control, nullptr) << setting.name;
+        EXPECT_EQ(control->accessibleName().toStdString(), setting.label);
+        EXPECT_NE(control->toolTip(), "") << setting.name;
+    }
+}
+
+TEST_F(SettingsPanelTest, ARadiusThatIsTypedIsShownAtOnceAlsoWithAComma)
+{
+    ASSERT_NO_FATAL_FAILURE(openWith(ROD, "o"));
+    const int before = countPixels(screen(), isBlueTube);
+    type("radiusField", {"0", "comma", "2"});
+    ASSERT_TRUE(comesToShow());
+    EXPECT_EQ(radius(), 0.2);
+    EXPECT_EQ(window->getStyle().radius, 0.2);
+    EXPECT_GT(countPixels(screen(), isBlueTube), 2 * before);
+    EXPECT_EQ(find<QLineEdit>("radiusField")->text(), "0.2");
+}
+
+TEST_F(SettingsPanelTest, ASliderMakesTubesThickerWhileItIsDragged)
+{
+    ASSERT_NO_FATAL_FAILURE(openWith(ROD, "o"));
+    const double before = radius();
+    auto* const slider = find<QSlider>("radiusSlider");
+    const QPoint middle = slider->mapToGlobal(slider->rect().center());
+    dragRealPointer(middle.x(), middle.y(), middle.x() + slider->width() / 4, middle.y());
+    ASSERT_TRUE(comesTo([&] { return radius() > 1.5 * before; }));
+    ASSERT_TRUE(comesToShow());
+    EXPECT_NEAR(find<QLineEdit>("radiusField")->text().toDouble(), radius(), 1e-12);
+}
+
+TEST_F(SettingsPanelTest, WhatIsAsUsualFollowsFromTheDataAgain)
+{
+    ASSERT_NO_FATAL_FAILURE(openWith(ROD, "o"));
+    const double usual = radius();
+    EXPECT_FALSE(find<QToolButton>("radiusReset")->isVisible());
+    type("radiusField", {"0", "period", "3"});
+    ASSERT_TRUE(comesToShow());
+    ASSERT_EQ(radius(), 0.3);
+    click(*find<QToolButton>("radiusReset"));
+    ASSERT_TRUE(comesTo([&] { return radius() == usual; }));
+    EXPECT_EQ(window->getStyle().radius, std::nullopt);
+    EXPECT_FALSE(find<QToolButton>("radiusReset")->isVisible());
+}
+
+TEST_F(SettingsPanelTest, WhatCannotBeIsToldAndLeavesAllAsItIs)
+{
+    ASSERT_NO_FATAL_FAILURE(openWith(ROD, "o"));
+    const double before = radius();
+    type("radiusField", {"x"});
+    const auto* const line = find<SettingsPanel>("lookPanel")->findChild<QLabel*>("settingFault");
+    ASSERT_TRUE(comesTo([&] { return line->isVisible(); }));
+    EXPECT_EQ(line->text().toStdString(), "Radius: found 'x', expected a length above 0");
+    type("radiusField", {"1", "e", "9"});
+    ASSERT_TRUE(comesTo([&] { return line->text().contains("1e+09"); }));
+    EXPECT_EQ(radius(), before);
+    EXPECT_EQ(window->getStyle().radius, std::nullopt);
+}
+
+TEST_F(SettingsPanelTest, ATickHidesTubes)
+{
+    ASSERT_NO_FATAL_FAILURE(openWith(ROD, "o"));
+    const int before = countPixels(screen(), isBlueTube);
+    ASSERT_GT(before, 1000);
+    click(*find<QCheckBox>("tube"), {8, find<QCheckBox>("tube")->height() / 2});
+    ASSERT_TRUE(comesTo([this] { return !window->getStyle().showTube; }));
+    ASSERT_TRUE(comesToShow());
+    EXPECT_LT(countPixels(screen(), isBlueTube), before / 10); // the axes in the corner
+}
+
+TEST_F(SettingsPanelTest, AColourIsShownWhileItIsLookedForAndGoesIfItIsNotTaken)
+{
+    ASSERT_NO_FATAL_FAILURE(openWith(ROD, "o"));
+    ASSERT_TRUE(comesToBePainted());
+    const int before = countPixels(screen(), isRed); // the axes in the corner
+    QTimer::singleShot(0, window.get(), [this, before] {
+        auto* const dialog = qobject_cast<QColorDialog*>(QApplication::activeModalWidget());
+        ASSERT_NE(dialog, nullptr);
+        dialog->setCurrentColor(Qt::red);
+        EXPECT_TRUE(comesToShow());
+        EXPECT_GT(countPixels(screen(), isRed), 10 * before);
+        dialog->reject();
+    });
+    find<QPushButton>("tube-colour")->click();
+    ASSERT_TRUE(comesToShow());
+    EXPECT_EQ(countPixels(screen(), isRed), before);
+    EXPECT_FALSE(window->getStyle().tubeColour);
+}
+
+TEST_F(SettingsPanelTest, ColoursOfAScalarComeAndGo)
+{
+    ASSERT_NO_FATAL_FAILURE(openWith(ROD, "c"));
+    EXPECT_FALSE(find<QComboBox>("rangeList")->isEnabled());
+    choose("colour-by", "load");
+    ASSERT_TRUE(comesToShow());
+    ASSERT_TRUE(scene->hasColours());
+    EXPECT_EQ(scene->getColouring()->min, -1);
+    EXPECT_EQ(find<QLineEdit>("rangeMax")->text(), "3");
+    choose("rangeList", "symmetric about 0");
+    ASSERT_TRUE(comesTo([this] { return scene->getColouring()->min == -3; }));
+    type("rangeMax", {"7"});
+    ASSERT_TRUE(comesTo([this] { return scene->getColouring()->max == 7; }));
+    EXPECT_EQ(scene->getColouring()->min, -3);
+    choose("colour-by", "none: colours of their own");
+    ASSERT_TRUE(comesTo([this] { return !scene->hasColours(); }));
+    EXPECT_EQ(window->getStyle(), StyleRequest());
+}
+
+TEST_F(SettingsPanelTest, AMapIsChosenByItsPictureOrTyped)
+{
+    options.colourBy = "load";
+    ASSERT_NO_FATAL_FAILURE(openWith(ROD, "c"));
+    choose("coloursList", "magma");
+    ASSERT_TRUE(comesToShow());
+    EXPECT_EQ(settingOf("colours").write(window->getStyle()), "magma");
+    click(*find<QCheckBox>("coloursReversed"), {8, 8});
+    ASSERT_TRUE(comesTo([this] {
+        return settingOf("colours").write(window->getStyle()) == std::string("magma_r");
+    }));
+    find<QComboBox>("coloursList")->lineEdit()->setObjectName("mapField");
+    type("mapField", {"r", "e", "d", "comma", "b", "l", "u", "e"});
+    ASSERT_TRUE(comesTo([this] {
+        return settingOf("colours").write(window->getStyle()) == std::string("red,blue");
+    }));
+}
+
+TEST_F(SettingsPanelTest, TheViewersKeyOfTheBackgroundIsASettingToo)
+{
+    ASSERT_NO_FATAL_FAILURE(openWith(ROD, "o"));
+    pressRealKey("b");
+    ASSERT_TRUE(comesTo([this] {
+        return settingOf("background").write(window->getStyle()) == std::string("#000000");
+    }));
+    click(*find<QToolButton>("backgroundReset"));
+    EXPECT_TRUE(comesTo([this] { return window->getStyle() == StyleRequest(); }));
+    ASSERT_TRUE(comesToBePainted());
+    EXPECT_EQ(screen().pixelColor(3, 3), QColor(Qt::white));
+}
+
+TEST_F(SettingsPanelTest, AStyleStaysForFilesThatAreOpenedLaterAndForTheSameReadAgain)
+{
+    ASSERT_NO_FATAL_FAILURE(openWith(ROD, "o"));
+    type("radiusField", {"0", "period", "2"});
+    ASSERT_TRUE(comesToShow());
+    DataScene* const before = scene;
+    click(*view());
+    pressRealKey("F5");
+    ASSERT_TRUE(comesTo([&] { return scene != before && !window->isLoading(); }));
+    EXPECT_EQ(radius(), 0.2);
+}
+
+// All frames have the new style, and the range of colours is that of all of them.
+TEST_F(SettingsPanelTest, AStyleIsThatOfAllFramesOfASeries)
+{
+    std::string text = "t x y z load\n";
+    for (int frame = 0; frame < 5; ++frame) {
+        for (int i = 0; i < 4; ++i)
+            text += std::to_string(frame) + " " + std::to_string(i) + " " +
+                    std::to_string(0.1 * frame) + " 0 " + std::to_string(frame + i) + "\n";
+    }
+    ASSERT_NO_FATAL_FAILURE(openWith(text, "c"));
+    ASSERT_NE(player(), nullptr);
+    ASSERT_TRUE(comesTo([this] { return player()->isStaged(); }));
+    choose("colour-by", "load");
+    ASSERT_TRUE(comesTo([this] { return scene->hasColours() && scene->getColouring()->max == 7; }))
+        << scene->getColouring()->max;
+    EXPECT_EQ(scene->getColouring()->min, 0);
+    click(*view()); // a letter in a list chooses there
+    pressRealKey("o");
+    ASSERT_TRUE(comesTo([this] { return find<QLineEdit>("radiusField")->isVisible(); }));
+    type("radiusField", {"0", "period", "1"});
+    ASSERT_TRUE(comesToShow());
+    click(*view());
+    pressRealKey("period");
+    ASSERT_TRUE(comesTo([this] { return player()->getFrame() == 1; }));
+    EXPECT_EQ(radius(), 0.1);
+    EXPECT_EQ(scene->getColouring()->max, 7);
+}
+
+} // namespace strandview
