@@ -82,12 +82,6 @@ void addShears(std::vector<Scalar>& scalars, const Track& track, const Track& re
 
 bool hasFrames(const Track& track) { return !track.rod || track.rod->hasFrames; }
 
-bool areAlike(const Track& track, const Track& reference)
-{
-    return track.kind == reference.kind && track.datum == reference.datum &&
-           track.strand == reference.strand && track.points.size() == reference.points.size();
-}
-
 } // namespace
 
 std::string addComparison(Configuration& configuration, const Configuration& reference)
@@ -99,10 +93,8 @@ std::string addComparison(Configuration& configuration, const Configuration& ref
         std::vector<Scalar>* const scalars = scalarsOf(configuration, track);
         if (!scalars)
             continue;
-        const auto other = std::find_if(others.begin(), others.end(), [&](const Track& candidate) {
-            return areAlike(track, candidate);
-        });
-        if (!motion || other == others.end()) {
+        const Track* const other = findTrack(others, idOf(track));
+        if (!motion || !other || other->points.size() != track.points.size()) {
             if (without.empty())
                 without = titleOf(track) + ": found nothing of as many points in the reference, "
                                            "not compared";

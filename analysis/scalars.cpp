@@ -9,6 +9,7 @@
 #include <strandview/analysis/curveNumbers.h>
 #include <strandview/analysis/dnaNumbers.h>
 #include <strandview/analysis/helicalParameters.h>
+#include <strandview/analysis/topology.h>
 
 namespace strandview {
 
@@ -74,6 +75,12 @@ Row line(const char* name, const char* unit, bool isSigned, Values (*formula)(co
     return {{name, ScalarPlace::POINT, unit, isSigned, meaning}, formula, rounding};
 }
 
+Row slow(Row row)
+{
+    row.quantity.isCheap = false;
+    return row;
+}
+
 Row pair(const char* name, const char* unit, double (*formula)(const PairParameters&),
          const char* meaning)
 {
@@ -109,8 +116,8 @@ const std::vector<Row>& rows()
              "bending of the material frame about d2"),
         line("kappa3", "1/length", true, strain<2>, roundingOfStrain<2>,
              "twist of the material frame about d3"),
-        line("writhe_density", "1/length", true, writheDensities, nullptr,
-             "Gauss's integral with the rest of the curve per length"),
+        slow(line("writhe_density", "1/length", true, writheDensities, nullptr,
+                  "Gauss's integral with the rest of the curve per length")),
         pair("shear", "Å", ofPair<&P::shear>, "of the bases, along x of the pair"),
         pair("stretch", "Å", ofPair<&P::stretch>, "of the bases, along y of the pair"),
         pair("stagger", "Å", ofPair<&P::stagger>, "of the bases, along z of the pair"),
@@ -225,6 +232,30 @@ const std::vector<Scalar>& givenScalars(const Track& track)
     if (track.dna && track.kind == Track::Kind::DNA_PAIRS)
         return track.dna->scalars;
     return none;
+}
+
+bool isGiven(const Track& track, const std::string& name) { return findGiven(track, name); }
+
+std::string unitOf(const Track& track, const std::string& name)
+{
+    const Quantity* const quantity = findQuantity(track.kind, name);
+    return quantity && !isGiven(track, name) ? quantity->unit : "";
+}
+
+bool isSlow(const Track& track, const std::string& name)
+{
+    const Quantity* const quantity = findQuantity(track.kind, name);
+    return quantity && !quantity->isCheap && !isGiven(track, name);
+}
+
+double edgePairsOfScalars(const std::vector<Track>& tracks)
+{
+    double pairs = 0;
+    for (const Track& track : tracks)
+        for (const Row& row : rows())
+            if (isOf(row, track.kind) && isSlow(track, row.quantity.name))
+                pairs += edgePairsOf(track);
+    return pairs;
 }
 
 const std::vector<Quantity>& quantities()

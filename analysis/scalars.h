@@ -27,6 +27,7 @@ struct Quantity
     std::string unit; ///< "°", "Å", or by the unit of the points "length", "1/length"; may be empty
     bool isSigned;    ///< either sign is found, and 0 is a middle
     std::string meaning; ///< a line for people
+    bool isCheap = true; ///< time grows with the number of points, not with its square
 };
 
 /// All that are computed, in the order in which they are told. Names are unique but for "twist",
@@ -39,6 +40,18 @@ STRANDVIEW_ANALYSIS_EXPORT const Quantity* findQuantity(Track::Kind kind, const 
 /// The scalars that the data bring with a line, of a file or a comparison: those of a rod, of the
 /// average of a birod, of the pairs of a DNA.
 STRANDVIEW_ANALYSIS_EXPORT const std::vector<Scalar>& givenScalars(const Track& track);
+
+/// Whether one of them has that name: then it is meant, not a computed one of the same name.
+STRANDVIEW_ANALYSIS_EXPORT bool isGiven(const Track& track, const std::string& name);
+
+/// As Quantity has it, of what is computed; empty of what is given, which may be in any unit.
+STRANDVIEW_ANALYSIS_EXPORT std::string unitOf(const Track& track, const std::string& name);
+
+/// Whether it is computed in time that grows with the square of the number of points.
+STRANDVIEW_ANALYSIS_EXPORT bool isSlow(const Track& track, const std::string& name);
+
+/// How many pairs of edges (edgePairsOf()) the slow scalars of lines go through, all together.
+STRANDVIEW_ANALYSIS_EXPORT double edgePairsOfScalars(const std::vector<Track>& tracks);
 
 /// The names of all scalars of a line: those of its file first, then those computed.
 STRANDVIEW_ANALYSIS_EXPORT std::vector<std::string> scalarNames(const Track& track);

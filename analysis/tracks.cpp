@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <strandview/analysis/tracks.h>
 
+#include <algorithm>
+
 #include <strandview/analysis/doubleStrands.h>
 #include <strandview/model/points.h>
 
@@ -43,6 +45,15 @@ void addDna(std::vector<Track>& tracks, const Frames& frames, const Dna& dna, st
 }
 
 } // namespace
+
+LineId idOf(const Track& track) { return {track.kind, track.datum, track.strand}; }
+
+const Track* findTrack(const std::vector<Track>& tracks, const LineId& id)
+{
+    const auto found = std::find_if(tracks.begin(), tracks.end(),
+                                    [&id](const Track& track) { return idOf(track) == id; });
+    return found == tracks.end() ? nullptr : &*found;
+}
 
 std::string titleOf(const Track& track)
 {

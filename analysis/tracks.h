@@ -32,6 +32,25 @@ struct Track
     const Birod* birod = nullptr; ///< of a birod
 };
 
+/// Which of the lines of a configuration, for who keeps no track of it.
+struct LineId
+{
+    Track::Kind kind = Track::Kind::ROD;
+    std::size_t datum = 0;
+    int strand = 0;
+
+    bool operator==(const LineId& other) const
+    {
+        return kind == other.kind && datum == other.datum && strand == other.strand;
+    }
+};
+
+STRANDVIEW_ANALYSIS_EXPORT LineId idOf(const Track& track);
+
+/// That of some tracks, or null.
+STRANDVIEW_ANALYSIS_EXPORT const Track* findTrack(const std::vector<Track>& tracks,
+                                                  const LineId& id);
+
 /// "rod 2", with a name "rod 2 'arm'", "birod 1, average", "birod 1, strand 2", "DNA 1, pairs",
 /// "DNA 1, strand 1".
 STRANDVIEW_ANALYSIS_EXPORT std::string titleOf(const Track& track);

@@ -11,7 +11,6 @@
 #include <nlohmann/json.hpp>
 
 #include <strandview/analysis/scalars.h>
-#include <strandview/analysis/topology.h>
 #include <strandview/analysis/tracks.h>
 #include <strandview/formats/text/wording.h>
 
@@ -56,16 +55,10 @@ const char* nameOf(ScalarPlace place)
     return place == ScalarPlace::POINT ? "point" : place == ScalarPlace::PAIR ? "pair" : "step";
 }
 
-bool isOfFile(const Track& track, const std::string& name)
-{
-    return track.rod && std::any_of(track.rod->scalars.begin(), track.rod->scalars.end(),
-                                    [&name](const Scalar& scalar) { return scalar.name == name; });
-}
-
 Listed emptyRow(const Track& track, const std::string& name)
 {
     const Quantity* const quantity = findQuantity(track.kind, name);
-    if (isOfFile(track, name) || !quantity)
+    if (isGiven(track, name) || !quantity)
         return {name, "", nameOf(ScalarPlace::POINT), "of the file", 0, {}};
     return {name, quantity->unit, nameOf(quantity->place), quantity->meaning, 0, {}};
 }
@@ -94,8 +87,7 @@ void add(OfKind& found, const Track& track, bool withSlow)
         if (row == found.scalars.end())
             row = found.scalars.insert(row, emptyRow(track, name));
         ++row->lines;
-        const bool isSlow = name == "writhe_density" && !isOfFile(track, name);
-        if (withSlow || !isSlow)
+        if (withSlow || !isSlow(track, name))
             widen(*row, track);
     }
 }
@@ -118,10 +110,7 @@ std::vector<OfKind> listScalars(const Configuration& data, double angstrom, bool
 // Whether writhe_density is computed.
 bool isSlowTold(const Configuration& data, double mostEdgePairs)
 {
-    double pairs = 0;
-    for (const Track& track : tracksOf(data))
-        pairs += edgePairsOf(track);
-    return pairs <= mostEdgePairs;
+    return edgePairsOfScalars(tracksOf(data)) <= mostEdgePairs;
 }
 
 std::vector<std::string> noticesOf(const Findings& findings, bool withSlow)

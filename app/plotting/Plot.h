@@ -12,19 +12,6 @@
 
 namespace strandview {
 
-/// Which of the lines of a configuration.
-struct LineId
-{
-    Track::Kind kind = Track::Kind::ROD;
-    std::size_t datum = 0;
-    int strand = 0;
-
-    bool operator==(const LineId& other) const
-    {
-        return kind == other.kind && datum == other.datum && strand == other.strand;
-    }
-};
-
 /// A line of the data: a curve in each panel that has values of it.
 struct PlotLine
 {

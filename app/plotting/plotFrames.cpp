@@ -31,8 +31,6 @@ bool isMain(const Track& track)
 
 bool isCurve(const Track& track) { return !track.dna; }
 
-LineId idOf(const Track& track) { return {track.kind, track.datum, track.strand}; }
-
 std::string joined(const Names& names)
 {
     std::string text;
@@ -62,18 +60,6 @@ bool hasAny(const Track& track, const Names& names)
 {
     return std::any_of(names.begin(), names.end(),
                        [&track](const std::string& name) { return has(track, name); });
-}
-
-// A scalar of the file has none, even if it has the name of a computed one.
-std::string unitOf(const Track& track, const std::string& name)
-{
-    if (track.rod) {
-        for (const Scalar& scalar : track.rod->scalars)
-            if (scalar.name == name)
-                return "";
-    }
-    const Quantity* const quantity = findQuantity(track.kind, name);
-    return quantity ? quantity->unit : "";
 }
 
 // "twist" of a rod and of a DNA: both units.

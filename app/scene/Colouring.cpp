@@ -129,7 +129,7 @@ void note(const Options& options, const Colouring& colouring, const ValueSummary
 }
 
 // Nothing if it goes by the unit of the points, which no file tells.
-std::string unitOf(const Quantity* quantity)
+std::string absoluteUnitOf(const Quantity* quantity)
 {
     const bool isAbsolute = quantity && (quantity->unit == "°" || quantity->unit == "Å");
     return isAbsolute ? quantity->unit : "";
@@ -206,18 +206,12 @@ bool isOfPairs(const Track& track, const std::string& name)
     return quantity && quantity->place != ScalarPlace::POINT;
 }
 
-bool isOfFile(const Track& track, const std::string& name)
-{
-    return track.rod && std::any_of(track.rod->scalars.begin(), track.rod->scalars.end(),
-                                    [&](const Scalar& scalar) { return scalar.name == name; });
-}
-
 // Of values of findValues(). Those that are of pairs have that of pairs, in backbones, too.
 Values roundingOfValues(const std::vector<Track>& tracks, std::size_t index,
                         const std::string& name)
 {
     const Track& track = tracks[index];
-    if (!track.rod || isOfFile(track, name))
+    if (!track.rod || isGiven(track, name))
         return roundingOf(track, name);
     for (const Track& other : tracks)
         if (isOfPairs(other, name))
@@ -257,7 +251,7 @@ const Quantity* meaningOf(const std::vector<Track>& tracks, const std::string& n
 {
     const Quantity* meant = nullptr;
     for (const Track& track : tracks) {
-        if (isOfFile(track, name))
+        if (isGiven(track, name))
             return nullptr;
         if (!meant || isOfPairs(track, name))
             meant = findQuantity(track.kind, name);
@@ -317,7 +311,7 @@ std::vector<Values> findValues(const std::vector<Track>& tracks, const std::stri
     for (const Track& track : tracks) {
         if (progress.isStopped())
             break;
-        const bool isMeant = !areOfPairs || isOfPairs(track, name) || isOfFile(track, name);
+        const bool isMeant = !areOfPairs || isOfPairs(track, name) || isGiven(track, name);
         all.push_back(isMeant
                           ? withLastPair(track, name, findScalar(track, name).value_or(Values()))
                           : Values());
@@ -442,7 +436,7 @@ std::optional<Colouring> makeColouring(const Options& options, const Configurati
     colouring.birods = configuration.birods.size();
     colouring.angstrom = options.dna.angstrom;
     const Quantity* const quantity = meaningOf(tracks, colouring.name);
-    colouring.unit = unitOf(quantity);
+    colouring.unit = absoluteUnitOf(quantity);
     const bool isSigned = quantity && quantity->isSigned;
     const ColourMap colours = options.colours.value_or(defaultColourMap(isSigned));
     colouring.ramp = toMapper(colours);

@@ -123,16 +123,6 @@ NumberRow indexRow(const PickedPlace& place)
     return {"index from 0", readable(double(*place.row) + place.share), ""};
 }
 
-// As the tables of scalars have it; "length" is the unit of the points.
-std::string unitOf(const Track& line, const std::string& name)
-{
-    const Quantity* const quantity = findQuantity(line.kind, name);
-    const bool isOfFile =
-        line.rod && std::any_of(line.rod->scalars.begin(), line.rod->scalars.end(),
-                                [&](const Scalar& s) { return s.name == name; });
-    return quantity && !isOfFile ? quantity->unit : "";
-}
-
 void addScalars(Rows& rows, const Track& line, const PickedPlace& place)
 {
     for (const std::string& name : scalarNames(line))

@@ -44,12 +44,11 @@ std::optional<Track::Kind> kindOf(ThingKind kind)
 std::optional<algebra3d::Vector3<double>> pointOf(const Configuration& data,
                                                   const CurvePanel::Place& place)
 {
-    for (const Track& track : tracksOf(data)) {
-        const bool isIt = LineId{track.kind, track.datum, track.strand} == place.line;
-        if (isIt && place.row < track.points.size())
-            return track.points[place.row];
-    }
-    return std::nullopt;
+    const std::vector<Track> tracks = tracksOf(data);
+    const Track* const track = findTrack(tracks, place.line);
+    if (!track || place.row >= track->points.size())
+        return std::nullopt;
+    return track->points[place.row];
 }
 
 } // namespace

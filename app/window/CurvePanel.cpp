@@ -40,27 +40,18 @@ const long long LEAST_PAUSE = 40; // milliseconds
 const long long AT_ONCE = 40; // milliseconds
 
 // What takes the square of the number of points is plotted of lines of so many alone.
-const char* const SLOW_SCALAR = "writhe_density";
 const std::size_t MOST_POINTS_OF_SLOW = 2000;
 
 const double NONE = std::numeric_limits<double>::quiet_NaN();
 
 enum Axis { ALONG, BY_NUMBER, OVER_FRAMES };
 
-const Track* trackOf(const std::vector<Track>& tracks, const LineId& id)
+bool isTooSlow(const Configuration& data, const std::string& name)
 {
-    const auto found = std::find_if(tracks.begin(), tracks.end(), [&id](const Track& track) {
-        return LineId{track.kind, track.datum, track.strand} == id;
+    const std::vector<Track> tracks = plottedTracks(data, 1);
+    return std::any_of(tracks.begin(), tracks.end(), [&name](const Track& track) {
+        return track.points.size() > MOST_POINTS_OF_SLOW && isSlow(track, name);
     });
-    return found == tracks.end() ? nullptr : &*found;
-}
-
-std::size_t mostPoints(const Configuration& data)
-{
-    std::size_t most = 0;
-    for (const Track& track : plottedTracks(data, 1))
-        most = std::max(most, track.points.size());
-    return most;
 }
 
 } // namespace
@@ -162,13 +153,12 @@ void CurvePanel::listScalars()
     const bool isAnyLeft = std::any_of(before.begin(), before.end(),
                                        [&](const std::string& name) { return has(names, name); });
     const std::vector<std::string> ticked = isAnyLeft ? before : standardScalars(*data);
-    const bool isLong = mostPoints(*data) > MOST_POINTS_OF_SLOW;
     for (const std::string& name : names) {
         auto* item = new QListWidgetItem(QString::fromStdString(name), list);
-        const bool isTooSlow = isLong && name == SLOW_SCALAR;
-        item->setFlags(isTooSlow ? Qt::NoItemFlags : Qt::ItemIsEnabled | Qt::ItemIsUserCheckable);
-        item->setCheckState(has(ticked, name) && !isTooSlow ? Qt::Checked : Qt::Unchecked);
-        if (isTooSlow)
+        const bool isRefused = isTooSlow(*data, name);
+        item->setFlags(isRefused ? Qt::NoItemFlags : Qt::ItemIsEnabled | Qt::ItemIsUserCheckable);
+        item->setCheckState(has(ticked, name) && !isRefused ? Qt::Checked : Qt::Unchecked);
+        if (isRefused)
             item->setToolTip("For --plot: it takes long for so many points");
     }
 }
@@ -253,7 +243,7 @@ std::optional<Plot> CurvePanel::plotOfFrames()
             if (values.count(number) > 0)
                 continue;
             const std::vector<Track> tracks = plottedTracks(*there, style.dna.angstrom);
-            const Track* const track = trackOf(tracks, chosen->line);
+            const Track* const track = findTrack(tracks, chosen->line);
             const auto all = track ? findScalar(*track, name) : std::nullopt;
             values[number] = all && chosen->row < all->size() ? (*all)[chosen->row] : NONE;
         }
@@ -304,7 +294,7 @@ void CurvePanel::tellPlace()
 {
     const std::vector<Track> tracks =
         data ? plottedTracks(*data, style.dna.angstrom) : std::vector<Track>();
-    const Track* const track = chosen ? trackOf(tracks, chosen->line) : nullptr;
+    const Track* const track = chosen ? findTrack(tracks, chosen->line) : nullptr;
     if (!track) {
         placeLabel->setText("Over frames: the place that was clicked, in the view or in a curve");
         return;

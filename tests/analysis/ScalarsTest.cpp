@@ -8,6 +8,8 @@
 
 #include <algebra3d/Matrix3.h>
 
+#include <strandview/analysis/topology.h>
+
 namespace strandview {
 
 namespace {
@@ -144,6 +146,22 @@ TEST(Scalars, OfTheFileComeBeforeBuiltInOnes)
     Rod rod = helix(0, 1);
     rod.scalars.push_back({"twist", std::vector<double>(rod.points.size(), 42)});
     expectAllNear(rod, "twist", 42, 0);
+}
+
+TEST(Scalars, OfTheFileHaveNoUnitAndTakeNoTime)
+{
+    Rod rod = helix(0, 1);
+    const Track track = trackOf(rod);
+    EXPECT_EQ(unitOf(track, "writhe_density"), "1/length");
+    EXPECT_TRUE(isSlow(track, "writhe_density"));
+    EXPECT_EQ(edgePairsOfScalars({track}), edgePairsOf(track));
+    rod.scalars = {{"writhe_density", std::vector<double>(rod.points.size(), 42)}};
+    EXPECT_TRUE(isGiven(track, "writhe_density"));
+    EXPECT_EQ(unitOf(track, "writhe_density"), "");
+    EXPECT_FALSE(isSlow(track, "writhe_density"));
+    EXPECT_EQ(edgePairsOfScalars({track}), 0);
+    EXPECT_FALSE(isGiven(track, "curvature"));
+    EXPECT_FALSE(isSlow(track, "curvature"));
 }
 
 TEST(Scalars, UnknownNamesGiveNothing)

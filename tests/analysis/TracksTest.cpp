@@ -53,6 +53,17 @@ TEST(Tracks, AreThoseOfRodsThenBirodsThenDna)
     EXPECT_THAT(bases, ElementsAre("", "", "", "", "AGN", "AGN", "TCN"));
 }
 
+TEST(Tracks, AreFoundByTheirKindDatumAndStrand)
+{
+    Configuration data = oneOfEach();
+    data.dnas.push_back(data.dnas[0]);
+    const std::vector<Track> tracks = tracksOf(data);
+    for (const Track& track : tracks)
+        EXPECT_EQ(findTrack(tracks, idOf(track)), &track) << titleOf(track);
+    EXPECT_EQ(findTrack(tracks, {Track::Kind::DNA_STRAND, 1, 2}), &tracks.back());
+    EXPECT_EQ(findTrack(tracks, {Track::Kind::ROD, 1, 0}), nullptr);
+}
+
 TEST(Tracks, LookAtTheDataThatTheyAreOf)
 {
     const Configuration data = oneOfEach();

@@ -249,4 +249,16 @@ TEST_F(CurvePanelTest, ASlowScalarOfALongRodCannotBeTicked)
     EXPECT_FALSE(item->toolTip().isEmpty());
 }
 
+TEST_F(CurvePanelTest, AScalarOfAFileWithTheNameOfASlowOneIsTicked)
+{
+    std::string text = "x y z writhe_density\n";
+    for (int i = 0; i < 2500; ++i)
+        text += std::to_string(i) + " 0 0 " + std::to_string(i % 7) + "\n";
+    openWithPanel(text, "long.txt");
+    auto* list = panel()->findChild<QListWidget*>("plotScalars");
+    const QListWidgetItem* item = list->findItems("writhe_density", Qt::MatchExactly).value(0);
+    ASSERT_TRUE(item);
+    EXPECT_TRUE(item->flags() & Qt::ItemIsUserCheckable);
+}
+
 } // namespace strandview
