@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <map>
 #include <optional>
 #include <set>
 #include <string>
@@ -12,7 +13,6 @@
 #include <vector>
 
 #include <strandview/analysis/scalars.h>
-#include <strandview/analysis/topology.h>
 #include <strandview/analysis/tracks.h>
 #include <strandview/formats/FrameLoader.h>
 #include <strandview/formats/text/encoding.h>
@@ -28,7 +28,6 @@ using Values = std::vector<double>;
 
 constexpr char INDEX[] = "index";
 constexpr char ARCLENGTH[] = "arclength";
-constexpr char WRITHE_DENSITY[] = "writhe_density";
 
 bool isOneOf(const std::string& name, std::initializer_list<const char*> names)
 {
@@ -76,15 +75,19 @@ public:
     /// Those of a frame that will be written.
     void add(const Configuration& configuration)
     {
-        for (const Track& track : tracksOf(configuration, options.angstrom)) {
-            edgePairs += edgePairsOf(track);
+        const std::vector<Track> tracks = tracksOf(configuration, options.angstrom);
+        edgePairs += edgePairsOfScalars(tracks);
+        const std::size_t pointsBefore = points;
+        for (const Track& track : tracks) {
             points += track.points.size();
             haveFrames = haveFrames || hasFrames(track);
             haveBases = haveBases || !basesOf(track).empty();
             for (const std::string& name : scalarNames(track))
-                if (!isOneOf(name, {INDEX, ARCLENGTH}) && known.insert(name).second)
-                    scalars.push_back({name, name});
+                addScalar(track, name);
         }
+        if (points == pointsBefore)
+            emptyFrames.push_back(frames);
+        ++frames;
         for (const Column& column : scalars)
             if (isNameOfTime(column.scalar) && tellsFrames(configuration, column.scalar))
                 framesTold.insert(column.scalar);
@@ -104,6 +107,7 @@ public:
         haveFrameNumber = areOfFrames;
         haveTime = areTimed;
         leaveOutSlow(report);
+        tellEmptyFrames(report);
         for (Column& column : scalars)
             rename(column, report);
         for (const auto& [noun, count] : others)
@@ -115,18 +119,49 @@ public:
 
     std::vector<Column> scalars;
     bool haveFrames = false, haveBases = false, haveFrameNumber = false, haveTime = false;
+    bool areSlowLeftOut = false; ///< what takes long (isSlow()) is not computed
 
 private:
+    void addScalar(const Track& track, const std::string& name)
+    {
+        if (isOneOf(name, {INDEX, ARCLENGTH}))
+            return;
+        if (known.insert(name).second)
+            scalars.push_back({name, name});
+        if (isSlow(track, name))
+            pointsOfSlow[name] += track.points.size();
+        else if (isGiven(track, name))
+            given.insert(name);
+    }
+
+    /// A column that some lines bring with them stays, for those.
     void leaveOutSlow(ReadReport& report)
     {
-        const auto slow = std::find_if(scalars.begin(), scalars.end(), [](const Column& column) {
-            return column.scalar == WRITHE_DENSITY;
-        });
-        if (slow == scalars.end() || edgePairs <= options.mostEdgePairs)
+        areSlowLeftOut = edgePairs > options.mostEdgePairs;
+        for (auto column = scalars.begin(); areSlowLeftOut && column != scalars.end();) {
+            const auto slow = pointsOfSlow.find(column->scalar);
+            const bool isKept = given.count(column->scalar) > 0;
+            if (slow != pointsOfSlow.end())
+                report.notices.push_back("CSV: " + slow->first + " left out" +
+                                         (isKept ? " of what does not bring its own" : "") +
+                                         ": of " + counted(slow->second, "point") +
+                                         " it takes long; --all-numbers writes it all the same");
+            column = slow == pointsOfSlow.end() || isKept ? column + 1 : scalars.erase(column);
+        }
+    }
+
+    /// Of a frame without rows nothing is written but its lack.
+    void tellEmptyFrames(ReadReport& report) const
+    {
+        if (emptyFrames.empty())
             return;
-        scalars.erase(slow);
-        report.notices.push_back("CSV: writhe_density left out: of " + counted(points, "point") +
-                                 " it takes long; --all-numbers writes it all the same");
+        const std::string first = "frame " + std::to_string(emptyFrames.front());
+        report.notices.push_back(
+            "CSV: " +
+            (emptyFrames.size() == 1
+                 ? first
+                 : counted(emptyFrames.size(), "frame") + ", the first of them " + first + ",") +
+            " left out: found no rod, birod or DNA");
     }
 
     /// A name that is read back as it is, as that of a scalar.
@@ -160,8 +195,12 @@ private:
     std::set<std::string> known;      ///< scalars
     std::set<std::string> framesTold; ///< those that a reader would take for the time of frames
     std::set<std::string> headers;    ///< of them
+    std::set<std::string> given;      ///< by some of the lines
+    std::map<std::string, std::size_t> pointsOfSlow; ///< that they would be computed for
     double edgePairs = 0;
     std::size_t points = 0;
+    std::size_t frames = 0;
+    std::vector<std::size_t> emptyFrames;
     std::vector<std::pair<std::string, std::size_t>> others = {
         {"marker", 0}, {"frame glyph", 0}, {"arrow", 0}, {"base in no pair", 0}};
 };
@@ -215,7 +254,9 @@ private:
         const std::string bases = basesOf(track);
         std::vector<std::optional<Values>> scalars;
         for (const Columns::Column& column : columns.scalars)
-            scalars.push_back(findScalar(track, column.scalar));
+            scalars.push_back(columns.areSlowLeftOut && isSlow(track, column.scalar)
+                                  ? std::nullopt
+                                  : findScalar(track, column.scalar));
         for (std::size_t row = 0; row < track.points.size() && text.isTaken(); ++row) {
             text.put(begin);
             if (index)

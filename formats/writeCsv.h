@@ -15,8 +15,9 @@ namespace strandview {
 struct CsvOptions
 {
     double angstrom = 1; ///< in the unit of the points of DNA
-    /// Of more pairs of edges (edgePairsOf()), those of all lines and frames together, there is no
-    /// column writhe_density, with a notice: it would take too long.
+    /// Of more pairs of edges (edgePairsOfScalars()), those of all lines and frames together,
+    /// writhe_density is not computed, with a notice: it would take too long. What a line brings
+    /// with it under this name is written in any case.
     double mostEdgePairs = std::numeric_limits<double>::infinity();
 };
 
@@ -37,7 +38,8 @@ STRANDVIEW_FORMATS_EXPORT bool writeCsv(const Configuration& configuration, cons
                                         const CsvOptions& options, ReadReport& report);
 
 /// The same of all frames of a series, with two blank lines between them and the columns frame,
-/// counted from 0, and time, if all are known, in front. Each is loaded twice, to know the columns
+/// counted from 0, and time, if all are known, in front. A frame without any row is not there, with
+/// a notice. Each is loaded twice, to know the columns
 /// first, and one at a time is in memory. Of a single frame as above. Adds to report.notices what
 /// loading has to tell, each line once. If a frame cannot be loaded, or goOn says so, it stops
 /// there with report.error; the error stays empty if it was the sink.

@@ -276,7 +276,7 @@ TEST(WriteCsv, AScalarThatWouldBeReadAsSomethingElseHasAnotherNameAndANotice)
         rod.scalars.push_back({name, {1, 2, 3}});
     const Written csv = written({{rod}});
     const Configuration back = onlyFrameOf(csv.text);
-    std::set<std::string> found, expected;
+    std::set<std::string> found;
     for (const Scalar& scalar : back.rods.at(0).scalars)
         found.insert(scalar.name);
     for (const auto& [name, header] : headers)
@@ -417,6 +417,26 @@ TEST(WriteCsv, AboveABoundTheWritheDensityIsLeftOutWithANotice)
                             "--all-numbers writes it all the same"));
 }
 
+TEST(WriteCsv, AWritheDensityThatIsGivenIsWrittenOfAnyNumberOfPoints)
+{
+    CsvOptions options;
+    options.mostEdgePairs = 1;
+    Rod rod = helix(3);
+    rod.scalars = {{"writhe_density", {7, 8, 9}}};
+    const Written given = written({{rod}}, options);
+    EXPECT_THAT(given.report.notices, IsEmpty());
+    EXPECT_THAT(findIn(onlyFrameOf(given.text).rods.at(0), "writhe_density")->values,
+                ElementsAre(7, 8, 9));
+
+    const Written beside = written({{helix(4), rod}}, options);
+    EXPECT_THAT(beside.report.notices,
+                ElementsAre("CSV: writhe_density left out of what does not bring its own: of 4 "
+                            "points it takes long; --all-numbers writes it all the same"));
+    const Configuration back = onlyFrameOf(beside.text);
+    EXPECT_FALSE(findIn(back.rods.at(0), "writhe_density"));
+    EXPECT_THAT(findIn(back.rods.at(1), "writhe_density")->values, ElementsAre(7, 8, 9));
+}
+
 TEST(WriteCsv, ASinkThatTakesNoMoreEndsIt)
 {
     int pieces = 0;
@@ -475,6 +495,23 @@ TEST(WriteCsv, TheColumnsOfASeriesAreThoseOfAllFrames)
     const auto back = readBack(csv.text);
     EXPECT_FALSE(findIn(back->load(0).configuration->rods[0], "load"));
     EXPECT_THAT(findIn(back->load(1).configuration->rods[0], "load")->values, ElementsAre(1, 2, 3));
+}
+
+TEST(WriteCsv, AFrameWithoutRowsIsToldToBeLeftOut)
+{
+    Configuration glyphs;
+    glyphs.markers.resize(1);
+    const auto series = seriesOf({{}, {{helix(3)}}, glyphs, {{helix(2)}}}, {});
+    const Written csv = written(*series);
+    EXPECT_THAT(csv.report.notices,
+                testing::Contains("CSV: 2 frames, the first of them frame 0, left out: found no "
+                                  "rod, birod or DNA"));
+    EXPECT_EQ(readBack(csv.text)->count(), 2u);
+    const auto two = seriesOf({{{helix(3)}}, {}}, {});
+    EXPECT_THAT(written(*two).report.notices,
+                ElementsAre("CSV: frame 1 left out: found no rod, birod or DNA"));
+    const auto whole = seriesOf({{{helix(3)}}, {{helix(2)}}}, {});
+    EXPECT_THAT(written(*whole).report.notices, IsEmpty());
 }
 
 TEST(WriteCsv, ASeriesOfOneFrameIsThatFrame)
