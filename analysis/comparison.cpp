@@ -84,6 +84,28 @@ bool hasFrames(const Track& track) { return !track.rod || track.rod->hasFrames; 
 
 } // namespace
 
+const std::vector<Quantity>& comparisonQuantities()
+{
+    const auto row = [](std::size_t name, const char* unit, bool isSigned, const char* meaning) {
+        return Quantity{COMPARISON_SCALARS[name], ScalarPlace::POINT, unit, isSigned, meaning};
+    };
+    static const std::vector<Quantity> all = {
+        row(0, "length", false, "to the point of the reference, once superposed"),
+        row(1, "°", false, "to the frame of the reference, once superposed"),
+        row(2, "", true, "shear along d1, by lengths of the reference"),
+        row(3, "", true, "shear along d2, by lengths of the reference"),
+        row(4, "", true, "stretch along d3, by lengths of the reference")};
+    return all;
+}
+
+const Quantity* findComparisonQuantity(const std::string& name)
+{
+    for (const Quantity& quantity : comparisonQuantities())
+        if (quantity.name == name)
+            return &quantity;
+    return nullptr;
+}
+
 std::string addComparison(Configuration& configuration, const Configuration& reference)
 {
     const std::optional<FittedFrame> motion = findSuperposition(configuration, reference);

@@ -6,7 +6,9 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
+#include <strandview/analysis/scalars.h>
 #include <strandview/analysisExport.h>
 #include <strandview/model/Configuration.h>
 #include <strandview/model/Series.h>
@@ -16,6 +18,12 @@ namespace strandview {
 /// The names of the scalars that a comparison adds.
 constexpr std::array<const char*, 5> COMPARISON_SCALARS{"reference_distance", "reference_rotation",
                                                         "shear1", "shear2", "extension"};
+
+/// What they mean, in this order.
+STRANDVIEW_ANALYSIS_EXPORT const std::vector<Quantity>& comparisonQuantities();
+
+/// That of a name, or null.
+STRANDVIEW_ANALYSIS_EXPORT const Quantity* findComparisonQuantity(const std::string& name);
 
 /// Adds scalars that compare rods, birods and DNA with those of the same index in a reference,
 /// where they have as many points:

@@ -195,12 +195,6 @@ double lengthOf(const Track& track)
     return alongLine(track, [](const Line& line) { return arcLengths(line); }).back();
 }
 
-bool isOfComparison(const std::string& name)
-{
-    return std::find(COMPARISON_SCALARS.begin(), COMPARISON_SCALARS.end(), name) !=
-           COMPARISON_SCALARS.end();
-}
-
 Values ofPairs(const Row& row, const Track& track)
 {
     Values values;
@@ -308,7 +302,7 @@ std::vector<double> roundingOf(const Track& track, const std::string& name)
     Values values(track.points.size());
     if (values.empty() || name == "arclength")
         return values;
-    if (isOfComparison(name))
+    if (findComparisonQuantity(name))
         return Values(values.size(),
                       LEAST_ROUNDING * (name == COMPARISON_SCALARS[0] ? lengthOf(track) : 1));
     const Row* const row = findRow(track.kind, name);

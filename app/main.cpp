@@ -3,6 +3,7 @@
 #include <limits>
 #include <new>
 #include <optional>
+#include <set>
 #include <string>
 #include <utility>
 
@@ -26,6 +27,7 @@
 #include "scene/Progress.h"
 #include "scene/SceneBuilder.h"
 #include "scene/SceneLoader.h"
+#include "scene/idleOptions.h"
 #include "scene/readFiles.h"
 #include "window/checkDisplay.h"
 #include "window/runWindow.h"
@@ -86,11 +88,32 @@ int renderStill(const Options& options)
     return renderPicture(options, scene);
 }
 
+// What says which data are told, and how.
+const std::set<std::string> OF_INFO{"--info",  "--json",       "--all-numbers",
+                                    "--frame", "--closed",     "--normalise",
+                                    "--pairs", "--frame-rows", "--dna-unit"};
+
+std::vector<std::string> idleOptionsOf(const Options& options)
+{
+    std::set<std::string> meant = OF_INFO;
+    if (options.listScalars)
+        meant.insert({"--list-scalars", "--compare"});
+    return findIdleOptions(options, meant,
+                           options.listScalars ? "--list-scalars tells the scalars alone"
+                                               : "--info tells what is in the files alone");
+}
+
 int tellFindings(const Options& options)
 {
     ReadReport report;
-    const std::optional<Findings> findings = findIn(
-        options.files, std::size_t(options.frame.value_or(0)), readOptionsOf(options, {}), report);
+    Progress silent;
+    std::optional<Comparison> comparison;
+    if (options.listScalars && options.compare &&
+        !readReference(options, report, silent, comparison.emplace().reference))
+        return fail(BAD_INPUT, report.error);
+    const std::optional<Findings> findings =
+        findIn(options.files, std::size_t(options.frame.value_or(0)), readOptionsOf(options, {}),
+               report, comparison);
     if (!findings)
         return fail(BAD_INPUT, report.error);
     const auto tell = options.listScalars ? (options.asJson ? scalarsToJson : describeScalars)
@@ -98,7 +121,10 @@ int tellFindings(const Options& options)
     const double most =
         options.allNumbers ? std::numeric_limits<double>::infinity() : MOST_EDGE_PAIRS;
     const std::string untold = print(tell(*findings, options.dna.angstrom, most));
-    return untold.empty() ? SUCCESS : fail(CANNOT_WRITE, untold);
+    if (!untold.empty())
+        return fail(CANNOT_WRITE, untold);
+    tellAll(idleOptionsOf(options));
+    return SUCCESS;
 }
 
 int exportData(const Options& options)

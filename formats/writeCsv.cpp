@@ -2,6 +2,7 @@
 #include <strandview/formats/writeCsv.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstddef>
 #include <map>
@@ -91,10 +92,10 @@ public:
         for (const Column& column : scalars)
             if (isNameOfTime(column.scalar) && tellsFrames(configuration, column.scalar))
                 framesTold.insert(column.scalar);
-        others[0].second += configuration.markers.size();
-        others[1].second += configuration.frames.size();
-        others[2].second += configuration.arrows.size();
-        others[3].second += configuration.loneBases.size();
+        others[0].count += configuration.markers.size();
+        others[1].count += configuration.frames.size();
+        others[2].count += configuration.arrows.size();
+        others[3].count += configuration.loneBases.size();
     }
 
     /// Once all are known. False, and report.error, if there is no line.
@@ -110,9 +111,9 @@ public:
         tellEmptyFrames(report);
         for (Column& column : scalars)
             rename(column, report);
-        for (const auto& [noun, count] : others)
-            if (count > 0)
-                report.notices.push_back("CSV: " + counted(count, noun) +
+        for (const Others& other : others)
+            if (other.count > 0)
+                report.notices.push_back("CSV: " + counted(other.count, other.noun) + other.behind +
                                          " left out: a table holds rods, birods and DNA");
         return true;
     }
@@ -201,8 +202,14 @@ private:
     std::size_t points = 0;
     std::size_t frames = 0;
     std::vector<std::size_t> emptyFrames;
-    std::vector<std::pair<std::string, std::size_t>> others = {
-        {"marker", 0}, {"frame glyph", 0}, {"arrow", 0}, {"base in no pair", 0}};
+    struct Others
+    {
+        const char* noun;
+        const char* behind = "";
+        std::size_t count = 0;
+    };
+    std::array<Others, 4> others = {
+        {{"marker"}, {"frame glyph"}, {"arrow"}, {"base", " in no pair"}}};
 };
 
 class Csv

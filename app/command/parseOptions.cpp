@@ -190,7 +190,8 @@ void addInfo(CLI::App& app, CLI::Option* render, Options& options)
             ->excludes(app.get_option("--screenshot-after"))
             ->excludes(app.get_option("--export"));
     app.add_flag("--list-scalars", options.listScalars,
-                 "Tell the scalars that --colour-by and --export OUT.csv know: name, unit, range")
+                 "Tell the scalars that --colour-by, --plot and --export OUT.csv know: name, unit, "
+                 "meaning, range in one frame")
         ->excludes(render)
         ->excludes(info)
         ->excludes(app.get_option("--screenshot-after"))
@@ -269,8 +270,8 @@ void addPlot(CLI::App& app, Options& options)
                                        "Write curves of numbers instead: .svg, .pdf or .png")
                             ->type_name("OUT.svg")
                             ->group(group);
-    for (const char* other :
-         {"--render", "--export", "--info", "--screenshot-after", "--list-frames", "--turn"})
+    for (const char* other : {"--render", "--export", "--info", "--list-scalars",
+                              "--screenshot-after", "--list-frames", "--turn"})
         plot->excludes(app.get_option(other));
     addParsed(app, "--scalars", options.plot.scalars, &parseNames,
               "different names with commas between them",

@@ -3,13 +3,16 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <memory>
+#include <set>
 #include <utility>
 
 #include <nlohmann/json.hpp>
 
+#include <strandview/analysis/comparison.h>
 #include <strandview/analysis/dnaNumbers.h>
+#include <strandview/analysis/superpose.h>
+#include <strandview/analysis/tracks.h>
 #include <strandview/formats/Source.h>
 #include <strandview/formats/formats.h>
 #include <strandview/formats/groupFiles.h>
@@ -17,6 +20,7 @@
 #include <strandview/formats/text/wording.h>
 
 #include "info/LineNumbers.h"
+#include "info/words.h"
 
 namespace strandview {
 
@@ -55,13 +59,6 @@ std::optional<double> scaled(const std::optional<double>& length, double factor)
 }
 
 // Numbers for people
-
-std::string shortNumber(double number)
-{
-    char text[32];
-    std::snprintf(text, sizeof text, "%.6g", number);
-    return text;
-}
 
 std::string titled(const char* kind, std::size_t index, const std::string& name)
 {
@@ -116,15 +113,12 @@ std::string inWords(const std::vector<Link>& links)
     return !links.empty() && text.empty() ? "no two closed rods are linked\n" : text;
 }
 
-const std::string SLOW_LEFT_OUT = "writhe, Gauss integrals and links are left out: of so many "
-                                  "points they take long; --all-numbers tells them all the same";
-
-std::vector<std::string> noticesOf(const Findings& findings, const AllNumbers& numbers)
+std::string slowLeftOut(const AllNumbers& numbers)
 {
-    std::vector<std::string> notices = findings.notices;
-    if (numbers.areSlowLeftOut)
-        notices.push_back(SLOW_LEFT_OUT);
-    return notices;
+    return numbers.areSlowLeftOut
+               ? "writhe, Gauss integrals and links are left out: of so many points they take "
+                 "long; --all-numbers tells them all the same"
+               : "";
 }
 
 // "12 points, closed, length 7.5, end to end 2.5".
@@ -275,9 +269,9 @@ Json filesOf(const Findings& findings)
     return list;
 }
 
-// One file's part of the findings.
+// One file's part of the findings, and of what they are compared with, if that is wanted.
 bool readInto(Findings& findings, const FileGroup& group, bool areSeveral, ReadOptions options,
-              ReadReport& report)
+              ReadReport& report, Configuration* first)
 {
     options.topology = group.topology;
     std::unique_ptr<Source> source = Source::open(group.path, report);
@@ -289,29 +283,56 @@ bool readInto(Findings& findings, const FileGroup& group, bool areSeveral, ReadO
     if (!series)
         return false;
     const bool isInEveryFrame = areSeveral && series->count() == 1;
-    LoadedFrame loaded = series->load(isInEveryFrame ? 0 : findings.frame, options.goOn);
+    const std::size_t frame = isInEveryFrame ? 0 : findings.frame;
+    LoadedFrame loaded = series->load(frame, options.goOn);
     if (!loaded.configuration) {
         report.error =
             (findings.frame >= series->count() ? onOneLine(name) + ": " : "") + loaded.error;
         return false;
     }
     findings.files.push_back({name, format->name, series->count()});
+    if (first && frame == 0)
+        append(*first, Configuration(*loaded.configuration));
+    else if (first)
+        if (std::optional<ReferenceFrame> found = findReference(*series, options.goOn))
+            append(*first, std::move(found->configuration));
     append(findings.data, std::move(*loaded.configuration));
     report.notices.insert(report.notices.end(), loaded.notices.begin(), loaded.notices.end());
     return true;
 }
 
+// What a file brings under the name of one of the scalars that this adds stays.
+void compare(Findings& findings, const Configuration& reference, ReadReport& report)
+{
+    std::set<std::string> ofFiles;
+    for (const Track& track : tracksOf(findings.data))
+        for (const Scalar& scalar : givenScalars(track))
+            ofFiles.insert(scalar.name);
+    const std::string notice = addComparison(findings.data, reference);
+    if (!notice.empty())
+        report.notices.push_back(notice);
+    for (const Quantity& quantity : comparisonQuantities())
+        if (ofFiles.count(quantity.name) == 0)
+            findings.compared.insert(quantity.name);
+}
+
 } // namespace
 
 std::optional<Findings> findIn(const std::vector<std::string>& files, std::size_t frame,
-                               const ReadOptions& options, ReadReport& report)
+                               const ReadOptions& options, ReadReport& report,
+                               const std::optional<Comparison>& comparison)
 {
     Findings findings;
     findings.frame = frame;
+    Configuration first;
+    const bool isWithFirst = comparison && !comparison->reference;
     const std::vector<FileGroup> groups = groupFiles(files);
     for (const FileGroup& group : groups)
-        if (!readInto(findings, group, groups.size() > 1, options, report))
+        if (!readInto(findings, group, groups.size() > 1, options, report,
+                      isWithFirst ? &first : nullptr))
             return {};
+    if (comparison)
+        compare(findings, isWithFirst ? first : *comparison->reference, report);
     findings.notices = report.notices;
     return findings;
 }
@@ -345,7 +366,7 @@ std::string describe(const Findings& findings, double angstrom, double mostEdgeP
     for (const auto& [noun, count] : glyphs)
         if (count > 0)
             text += counted(count, noun) + "\n";
-    for (const std::string& notice : noticesOf(findings, numbers))
+    for (const std::string& notice : noticesOf(findings, slowLeftOut(numbers)))
         text += "note: " + notice + "\n";
     return text;
 }
@@ -365,7 +386,7 @@ std::string toJson(const Findings& findings, double angstrom, double mostEdgePai
                     angstrom)},
         {"links", numbers.areSlowLeftOut ? Json() : toJson(numbers.links)},
         {"unpairedBases", data.loneBases.size()},
-        {"notices", noticesOf(findings, numbers)}};
+        {"notices", noticesOf(findings, slowLeftOut(numbers))}};
     // A name need not be UTF-8: what is not is replaced.
     return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }

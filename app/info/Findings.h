@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -27,12 +28,20 @@ struct Findings
     std::size_t frame = 0;            ///< that the data are of, counted from 0
     Configuration data;               ///< of all files
     std::vector<std::string> notices; ///< of what was done to the data
+    std::set<std::string> compared;   ///< the names of scalars that a comparison added
+};
+
+/// That scalars of a comparison (comparison.h) are added to what is found, and with what.
+struct Comparison
+{
+    std::optional<Configuration> reference; ///< none: the first frame of each file
 };
 
 /// Reads a frame of each file; of several one that has a single configuration has it in every
 /// frame. Nothing, and one line in report.error, if a file cannot be read or has no such frame.
 std::optional<Findings> findIn(const std::vector<std::string>& files, std::size_t frame,
-                               const ReadOptions& options, ReadReport& report);
+                               const ReadOptions& options, ReadReport& report,
+                               const std::optional<Comparison>& comparison = {});
 
 /// For people: a few lines for each thing. Lengths of DNA are in ångström, of which the unit of
 /// its points has `angstrom`; other lengths are in the file's unit. Writhe and links are left out,

@@ -3,16 +3,18 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <optional>
 #include <utility>
 #include <vector>
 
 #include <nlohmann/json.hpp>
 
+#include <strandview/analysis/comparison.h>
 #include <strandview/analysis/scalars.h>
 #include <strandview/analysis/tracks.h>
 #include <strandview/formats/text/wording.h>
+
+#include "info/words.h"
 
 namespace strandview {
 
@@ -39,6 +41,7 @@ struct Listed
     std::string unit;
     std::string of; // "point"
     std::string meaning;
+    bool isGiven;                                   // else computed
     std::size_t lines = 0;                          // that have it
     std::optional<std::pair<double, double>> range; // none where no value is a number
 };
@@ -55,12 +58,22 @@ const char* nameOf(ScalarPlace place)
     return place == ScalarPlace::POINT ? "point" : place == ScalarPlace::PAIR ? "pair" : "step";
 }
 
-Listed emptyRow(const Track& track, const std::string& name)
+// What is computed, or was by a comparison; null of what a file brings, which may be anything.
+const Quantity* meaningOf(const Findings& findings, const Track& track, const std::string& name)
 {
-    const Quantity* const quantity = findQuantity(track.kind, name);
-    if (isGiven(track, name) || !quantity)
-        return {name, "", nameOf(ScalarPlace::POINT), "of the file", 0, {}};
-    return {name, quantity->unit, nameOf(quantity->place), quantity->meaning, 0, {}};
+    if (findings.compared.count(name) > 0)
+        return findComparisonQuantity(name);
+    return isGiven(track, name) ? nullptr : findQuantity(track.kind, name);
+}
+
+Listed emptyRow(const Findings& findings, const Track& track, const std::string& name)
+{
+    const Quantity* const quantity = meaningOf(findings, track, name);
+    if (!quantity)
+        return {name, "", nameOf(ScalarPlace::POINT), "of the file", isGiven(track, name), 0, {}};
+    return {
+        name, quantity->unit, nameOf(quantity->place), quantity->meaning, isGiven(track, name), 0,
+        {}};
 }
 
 // What lies within its rounding is 0; what is not determined at all does not count.
@@ -78,29 +91,32 @@ void widen(Listed& scalar, const Track& track)
     }
 }
 
-void add(OfKind& found, const Track& track, bool withSlow)
+// A scalar of the file and a computed one of the same name, of other lines, are two.
+void add(OfKind& found, const Findings& findings, const Track& track, bool withSlow)
 {
     ++found.lines;
     for (const std::string& name : scalarNames(track)) {
-        auto row = std::find_if(found.scalars.begin(), found.scalars.end(),
-                                [&name](const Listed& scalar) { return scalar.name == name; });
+        const auto isIt = [&](const Listed& scalar) {
+            return scalar.name == name && scalar.isGiven == isGiven(track, name);
+        };
+        auto row = std::find_if(found.scalars.begin(), found.scalars.end(), isIt);
         if (row == found.scalars.end())
-            row = found.scalars.insert(row, emptyRow(track, name));
+            row = found.scalars.insert(row, emptyRow(findings, track, name));
         ++row->lines;
         if (withSlow || !isSlow(track, name))
             widen(*row, track);
     }
 }
 
-std::vector<OfKind> listScalars(const Configuration& data, double angstrom, bool withSlow)
+std::vector<OfKind> listScalars(const Findings& findings, double angstrom, bool withSlow)
 {
-    const std::vector<Track> tracks = tracksOf(data, angstrom);
+    const std::vector<Track> tracks = tracksOf(findings.data, angstrom);
     std::vector<OfKind> all;
     for (const KindName& kind : KINDS) {
         OfKind found{kind, 0, {}};
         for (const Track& track : tracks)
             if (track.kind == kind.kind)
-                add(found, track, withSlow);
+                add(found, findings, track, withSlow);
         if (found.lines > 0)
             all.push_back(std::move(found));
     }
@@ -113,36 +129,47 @@ bool isSlowTold(const Configuration& data, double mostEdgePairs)
     return edgePairsOfScalars(tracksOf(data)) <= mostEdgePairs;
 }
 
-std::vector<std::string> noticesOf(const Findings& findings, bool withSlow)
+std::string slowLeftOut(bool withSlow)
 {
-    std::vector<std::string> notices = findings.notices;
-    if (!withSlow)
-        notices.push_back("the range of writhe_density is left out: of so many points it takes "
-                          "long; --all-numbers tells it all the same");
-    return notices;
+    return withSlow ? ""
+                    : "the range of writhe_density is left out: of so many points it takes long; "
+                      "--all-numbers tells it all the same";
 }
 
-std::string shortNumber(double number)
-{
-    char text[32];
-    std::snprintf(text, sizeof text, "%.4g", number);
-    return text;
-}
-
-// Blanks behind, for a column of so many characters, which may have several bytes each.
-std::string padded(const std::string& text, std::size_t width)
+// Of a text in UTF-8.
+std::size_t charactersOf(const std::string& text)
 {
     const auto isFirstByte = [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; };
-    const auto length = std::size_t(std::count_if(text.begin(), text.end(), isFirstByte));
+    return std::size_t(std::count_if(text.begin(), text.end(), isFirstByte));
+}
+
+// Blanks behind, for a column of so many characters.
+std::string padded(const std::string& text, std::size_t width)
+{
+    const std::size_t length = charactersOf(text);
     return text + std::string(width > length ? width - length : 0, ' ') + "  ";
 }
 
-std::string rowOf(const Listed& scalar, std::size_t lines)
+// For all names but those that few files have.
+std::size_t widthOfNames(const std::vector<Listed>& scalars)
 {
-    const std::string range =
-        scalar.range ? shortNumber(scalar.range->first) + " to " + shortNumber(scalar.range->second)
-                     : "none";
-    std::string text = "  " + padded(onOneLine(scalar.name), 14) + padded(scalar.unit, 8) +
+    const std::size_t least = 14, most = 40;
+    std::size_t width = least;
+    for (const Listed& scalar : scalars)
+        width = std::max(width, charactersOf(onOneLine(scalar.name)));
+    return std::min(width, most);
+}
+
+std::string inWords(const std::pair<double, double>& range)
+{
+    const int digits = 4;
+    return shortNumber(range.first, digits) + " to " + shortNumber(range.second, digits);
+}
+
+std::string rowOf(const Listed& scalar, std::size_t lines, std::size_t width)
+{
+    const std::string range = scalar.range ? inWords(*scalar.range) : "none";
+    std::string text = "  " + padded(onOneLine(scalar.name), width) + padded(scalar.unit, 8) +
                        padded(scalar.of, 5) + padded(range, 24) + scalar.meaning;
     if (scalar.lines < lines)
         text += ", " + std::to_string(scalar.lines) + " of " + std::to_string(lines);
@@ -155,15 +182,16 @@ std::string describeScalars(const Findings& findings, double angstrom, double mo
 {
     const bool withSlow = isSlowTold(findings.data, mostEdgePairs);
     std::string text;
-    for (const OfKind& kind : listScalars(findings.data, angstrom, withSlow)) {
-        text += std::string(kind.kind.heading) + ":\n  " + padded("name", 14) + padded("unit", 8) +
-                padded("of", 5) + padded("range", 24) + "meaning\n";
+    for (const OfKind& kind : listScalars(findings, angstrom, withSlow)) {
+        const std::size_t width = widthOfNames(kind.scalars);
+        text += std::string(kind.kind.heading) + ":\n  " + padded("name", width) +
+                padded("unit", 8) + padded("of", 5) + padded("range", 24) + "meaning\n";
         for (const Listed& scalar : kind.scalars)
-            text += rowOf(scalar, kind.lines);
+            text += rowOf(scalar, kind.lines, width);
     }
     if (text.empty())
         text = "found no rod, birod or DNA, which alone have scalars\n";
-    for (const std::string& notice : noticesOf(findings, withSlow))
+    for (const std::string& notice : noticesOf(findings, slowLeftOut(withSlow)))
         text += "note: " + notice + "\n";
     return text;
 }
@@ -172,7 +200,7 @@ std::string scalarsToJson(const Findings& findings, double angstrom, double most
 {
     const bool withSlow = isSlowTold(findings.data, mostEdgePairs);
     Json scalars = Json::array();
-    for (const OfKind& kind : listScalars(findings.data, angstrom, withSlow))
+    for (const OfKind& kind : listScalars(findings, angstrom, withSlow))
         for (const Listed& scalar : kind.scalars)
             scalars.push_back({{"line", kind.kind.ofOne},
                                {"name", scalar.name},
@@ -184,7 +212,7 @@ std::string scalarsToJson(const Findings& findings, double angstrom, double most
                                {"meaning", scalar.meaning}});
     const Json json = {{"frame", findings.frame},
                        {"scalars", scalars},
-                       {"notices", noticesOf(findings, withSlow)}};
+                       {"notices", noticesOf(findings, slowLeftOut(withSlow))}};
     return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 

@@ -16,6 +16,7 @@
 #include "output/OutputFile.h"
 #include "request/limits.h"
 #include "scene/Progress.h"
+#include "scene/idleOptions.h"
 #include "scene/readFiles.h"
 
 namespace strandview {
@@ -29,10 +30,12 @@ const std::set<std::string> OF_DATA{"--export", "--frame", "--series",     "--no
 // Where they say what is in a table.
 const std::set<std::string> OF_TABLES{"--dna-unit", "--all-numbers"};
 
-bool isTable(const std::string& name)
+bool endsWith(const std::string& name, const char* ending)
 {
-    return inSmallLetters(std::filesystem::path(name).extension().string()) == ".csv";
+    return inSmallLetters(std::filesystem::path(name).extension().string()) == ending;
 }
+
+bool isTable(const std::string& name) { return endsWith(name, ".csv"); }
 
 CsvOptions csvOptionsOf(const Options& options)
 {
@@ -73,20 +76,18 @@ bool writeOneFrame(const Options& options, const TextSink& sink, ReadReport& rep
 // What was given for a picture or a window.
 void tellIdleOptions(const Options& options, ReadReport& report)
 {
-    const bool areInTable = isTable(*options.exportFile);
-    for (const std::string& option : options.given) {
-        if (OF_DATA.count(option) > 0 || (areInTable && OF_TABLES.count(option) > 0))
-            continue;
-        report.notices.push_back(option + " has no effect: --export writes the data alone");
-    }
+    std::set<std::string> meant = OF_DATA;
+    if (isTable(*options.exportFile))
+        meant.insert(OF_TABLES.begin(), OF_TABLES.end());
+    const auto idle = findIdleOptions(options, meant, "--export writes the data alone");
+    report.notices.insert(report.notices.end(), idle.begin(), idle.end());
 }
 
 } // namespace
 
 std::string checkExportName(const std::string& name)
 {
-    const std::string ending = inSmallLetters(std::filesystem::path(name).extension().string());
-    return ending == ".json" || ending == ".csv" || name == "-"
+    return isTable(name) || endsWith(name, ".json") || name == "-"
                ? ""
                : "--export: found " + inQuotes(name) +
                      ", expected a name that ends in .json or .csv";

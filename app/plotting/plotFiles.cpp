@@ -27,6 +27,7 @@
 #include "plotting/PlotStack.h"
 #include "plotting/plotFrames.h"
 #include "scene/Progress.h"
+#include "scene/idleOptions.h"
 #include "scene/readFiles.h"
 
 namespace strandview {
@@ -40,21 +41,14 @@ const double POINTS = 72;        // per inch, of paper
 const int PDF_RESOLUTION = 1200; // per inch, of the places of lines
 
 // What says which numbers are plotted, and how.
-const std::set<std::string> OF_PLOT{"--plot",        "--scalars", "--against",   "--at",
-                                    "--frame",       "--frames",  "--size",      "--series",
-                                    "--closed",      "--pairs",   "--normalise", "--frame-rows",
-                                    "--tube-colour", "--dna-unit"};
+const std::set<std::string> OF_PLOT{"--plot",        "--scalars",  "--against",   "--at",
+                                    "--frame",       "--frames",   "--size",      "--series",
+                                    "--closed",      "--pairs",    "--normalise", "--frame-rows",
+                                    "--tube-colour", "--dna-unit", "--compare"};
 
 std::string endingOf(const std::string& name)
 {
     return inSmallLetters(std::filesystem::path(name).extension().string());
-}
-
-void tellIdleOptions(const Options& options, ReadReport& report)
-{
-    for (const std::string& option : options.given)
-        if (OF_PLOT.count(option) == 0)
-            report.notices.push_back(option + " has no effect: --plot draws curves alone");
 }
 
 // Widgets without a display; numbers have a decimal point afterwards as before.
@@ -220,7 +214,8 @@ std::string plotFiles(const Options& options, ReadReport& report, bool& isWhole)
     progress.hide();
     if (!plot)
         return "";
-    tellIdleOptions(options, report);
+    const auto idle = findIdleOptions(options, OF_PLOT, "--plot draws curves alone");
+    report.notices.insert(report.notices.end(), idle.begin(), idle.end());
     if (plot->lines.size() > PlotStack::LARGEST_LEGEND)
         report.notices.push_back("no legend: found " + counted(plot->lines.size(), "line"));
     const std::unique_ptr<QApplication> application = makeApplication();

@@ -86,6 +86,11 @@ std::string written(const std::string& option, const Options& options)
     return option == "--ribbon" && !options.showRibbon.value_or(true) ? "--no-ribbon" : option;
 }
 
+std::string idle(const std::string& option, const Options& options, const std::string& reason)
+{
+    return written(option, options) + " has no effect: " + reason;
+}
+
 // Rods of which neither tube nor ribbon is shown.
 std::string hiddenRods(const Options& options, const Configuration& data)
 {
@@ -112,11 +117,21 @@ std::vector<std::string> findIdleOptions(const Options& options, const Configura
             return option == rule.option && !(shown.*rule.needed);
         });
         if (broken != std::end(RULES))
-            lines.push_back(written(option, options) + " has no effect: " + broken->reason);
+            lines.push_back(idle(option, options, broken->reason));
     }
     const std::string hidden = hiddenRods(options, configuration);
     if (!hidden.empty())
         lines.push_back(hidden);
+    return lines;
+}
+
+std::vector<std::string> findIdleOptions(const Options& options, const std::set<std::string>& meant,
+                                         const std::string& reason)
+{
+    std::vector<std::string> lines;
+    for (const std::string& option : options.given)
+        if (meant.count(option) == 0)
+            lines.push_back(idle(option, options, reason));
     return lines;
 }
 

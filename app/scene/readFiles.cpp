@@ -92,20 +92,6 @@ OpenedFiles openBeside(const std::vector<std::string>& files, const Options& opt
 
 const char* const OF_SERIES = "first";
 
-// What frames are compared with: nothing of the series' own first frame. False, and one line in
-// report.error, if the file cannot be read.
-bool readReference(const Options& options, ReadReport& report, Progress& progress,
-                   std::optional<Configuration>& reference)
-{
-    if (!options.compare || *options.compare == OF_SERIES)
-        return true;
-    ReadReport ofReference;
-    const auto goOn = [&progress](double) { return !progress.isStopped(); };
-    reference = readFile(*options.compare, readOptionsOf(options, goOn), ofReference);
-    report.error = ofReference.error;
-    return reference.has_value();
-}
-
 // The same series, compared where that is asked for.
 OpenedFiles compared(OpenedFiles opened, const Options& options, ReadReport& report,
                      Progress& progress)
@@ -174,6 +160,18 @@ ReadOptions readOptionsOf(const Options& options, std::function<bool(double shar
     asked.frameRows = std::size_t(options.frameRows);
     asked.ownPairs = options.series.ownPairs;
     return asked;
+}
+
+bool readReference(const Options& options, ReadReport& report, Progress& progress,
+                   std::optional<Configuration>& reference)
+{
+    if (!options.compare || *options.compare == OF_SERIES)
+        return true;
+    ReadReport ofReference;
+    const auto goOn = [&progress](double) { return !progress.isStopped(); };
+    reference = readFile(*options.compare, readOptionsOf(options, goOn), ofReference);
+    report.error = ofReference.error;
+    return reference.has_value();
 }
 
 OpenedFiles openFiles(const std::vector<std::string>& files, const Options& options,

@@ -24,6 +24,11 @@ bool canBeReadAgain(const std::vector<std::string>& files);
 /// What the readers are to do, and ask whether to go on.
 ReadOptions readOptionsOf(const Options& options, std::function<bool(double share)> goOn);
 
+/// What options.compare asks to compare with: nothing where that is the first frame of the series,
+/// or none is asked for. False, and one line in report.error, if the file cannot be read.
+bool readReference(const Options& options, ReadReport& report, Progress& progress,
+                   std::optional<Configuration>& reference);
+
 /// Files as a series.
 struct OpenedFiles
 {

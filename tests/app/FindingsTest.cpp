@@ -275,6 +275,48 @@ TEST(Findings, OfAFrameThatIsNotThereNameTheFile)
     EXPECT_EQ(report.error, file + ": found frame 2, expected 0 to 1");
 }
 
+const Scalar* scalarOf(const Rod& rod, const std::string& name)
+{
+    for (const Scalar& scalar : rod.scalars)
+        if (scalar.name == name)
+            return &scalar;
+    return nullptr;
+}
+
+TEST(Findings, AreComparedWithTheFirstFrameOfTheirFilesOrWithAnother)
+{
+    const TemporaryFolder folder;
+    const std::string file = folder.write("a.txt", "0 0 0\n0 0 1\n\n\n0 0 0\n0 0 2\n"),
+                      beside = folder.write("b.txt", "3 0 0\n3 0 1\n");
+    ReadReport report;
+    const auto first = findIn({file}, 1, {}, report, Comparison());
+    ASSERT_TRUE(first) << report.error;
+    EXPECT_THAT(scalarOf(first->data.rods[0], "reference_distance")->values,
+                testing::Each(testing::DoubleNear(0.5, 1e-12)));
+    EXPECT_EQ(first->compared.count("reference_distance"), 1u);
+    const auto same = findIn({file, beside}, 0, {}, report, Comparison());
+    ASSERT_TRUE(same) << report.error;
+    for (const Rod& rod : same->data.rods)
+        EXPECT_THAT(scalarOf(rod, "reference_distance")->values,
+                    testing::Each(testing::DoubleNear(0, 1e-12)));
+    const auto other = findIn({beside}, 0, {}, report, Comparison{first->data});
+    ASSERT_TRUE(other) << report.error;
+    EXPECT_THAT(scalarOf(other->data.rods[0], "reference_distance")->values,
+                testing::Each(testing::DoubleNear(0.5, 1e-12)));
+    EXPECT_TRUE(findIn({beside}, 0, {}, report)->data.rods[0].scalars.empty());
+}
+
+TEST(Findings, AComparisonLeavesWhatAFileCallsByItsNames)
+{
+    const TemporaryFolder folder;
+    const std::string file = folder.write("a.txt", "x y z extension\n0 0 0 7\n0 0 1 8\n");
+    ReadReport report;
+    const auto found = findIn({file}, 0, {}, report, Comparison());
+    ASSERT_TRUE(found) << report.error;
+    EXPECT_THAT(scalarOf(found->data.rods[0], "extension")->values, testing::ElementsAre(7, 8));
+    EXPECT_EQ(found->compared.count("extension"), 0u);
+}
+
 // Names of files and of things are bytes, JSON is UTF-8.
 TEST(Findings, AreValidJsonWhateverTheNames)
 {

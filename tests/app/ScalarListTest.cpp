@@ -94,6 +94,46 @@ TEST(ScalarList, ForPeopleIsATableForEachKindOfLine)
               "found no rod, birod or DNA, which alone have scalars\n");
 }
 
+TEST(ScalarList, ForPeopleHasItsColumnsBelowEachOtherWhateverTheNames)
+{
+    Rod rod = straight(2);
+    rod.scalars = {{"elastic énergie par longueur", {1, 2, 3}}};
+    const std::string text = describeScalars(findingsOf({{rod}}), 1);
+    EXPECT_THAT(text, HasSubstr("\n  name                          unit "));
+    EXPECT_THAT(text, HasSubstr("\n  elastic énergie par longueur            point"));
+    EXPECT_THAT(text, HasSubstr("\n  arclength                     length "));
+}
+
+TEST(ScalarList, AScalarOfAFileAndAComputedOneOfItsNameAreTold)
+{
+    Rod given = straight(2);
+    given.scalars = {{"curvature", {100, 200, 300}}};
+    std::vector<json> found;
+    for (const json& row : listOf({{given, straight(6), straight(6)}}))
+        if (row["name"] == "curvature")
+            found.push_back(row);
+    ASSERT_EQ(found.size(), 2u);
+    EXPECT_EQ(found[0], json::parse(R"({"line": "rod", "name": "curvature", "unit": "",
+                  "of": "point", "min": 100.0, "max": 300.0, "lines": 1,
+                  "meaning": "of the file"})"));
+    EXPECT_EQ(found[1]["unit"], "1/length");
+    EXPECT_EQ(found[1]["max"], 0);
+    EXPECT_EQ(found[1]["lines"], 2);
+}
+
+TEST(ScalarList, OfAComparisonAreToldByWhatTheyMean)
+{
+    Rod rod = straight(2);
+    rod.scalars = {{"reference_rotation", {30, 30, 30}}, {"extension", {1, 1, 1}}};
+    Findings findings = findingsOf({{rod}});
+    findings.compared = {"reference_rotation"};
+    const json list = json::parse(scalarsToJson(findings, 1))["scalars"];
+    EXPECT_EQ(find(list, "rod", "reference_rotation")["unit"], "°");
+    EXPECT_EQ(find(list, "rod", "reference_rotation")["meaning"],
+              "to the frame of the reference, once superposed");
+    EXPECT_EQ(find(list, "rod", "extension")["meaning"], "of the file");
+}
+
 TEST(ScalarList, AboveTheBoundTheRangeOfWhatIsSlowIsLeftOutWithANotice)
 {
     const Findings findings = findingsOf({{straight(2)}});

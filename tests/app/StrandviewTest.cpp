@@ -1333,6 +1333,7 @@ INSTANTIATE_TEST_SUITE_P(
         BadCall{"NumbersOfNothing", {"--all-numbers", "GOOD"}, "", "--all-numbers: found none of"},
         BadCall{"ListAndInfo", {"--list-scalars", "--info", "GOOD"}, "", "--list-scalars"},
         BadCall{"ListOfNothing", {"--list-scalars"}, "", "FILE"},
+        BadCall{"ListAndPlot", {"--list-scalars", "--plot", "a.svg", "GOOD"}, "", "--plot"},
         BadCall{"InfoAndAPicture", {"--info", "--render", "OUT", "GOOD"}, "", "--info"},
         BadCall{"CameraQuaternion",
                 {"--render", "OUT", "--camera", "orthographic,0,0,0,0,0,0,2,1,1", "GOOD"},
@@ -1454,6 +1455,33 @@ TEST_F(StrandviewTest, ListsTheScalarsThatColoursAndTablesHave)
     const ProgramRun asJson = run({"--list-scalars", "--json", rod});
     EXPECT_EQ(asJson.status, 0) << asJson.error;
     EXPECT_THAT(asJson.output, StartsWith("{\n  \"frame\": 0,\n  \"scalars\": [\n"));
+}
+
+TEST_F(StrandviewTest, ListsTheScalarsOfAComparison)
+{
+    const std::string rod = write("rod.txt", "0 0 0 0 0 0 1\n0 0 1 0 0 0 1\n\n\n"
+                                             "0 0 0 0 0 0 1\n0 0 3 0 0 0 1\n");
+    const ProgramRun first =
+        run({"--list-scalars", "--frame", "1", "--compare", "first", "--radius", "1", rod});
+    EXPECT_EQ(first.status, 0) << first.error;
+    EXPECT_THAT(first.output, HasSubstr("\n  extension                     point  2 to 2"));
+    EXPECT_EQ(first.error,
+              "strandview: --radius has no effect: --list-scalars tells the scalars alone\n");
+    const ProgramRun other = run({"--list-scalars", "--compare", rod, "-"}, "0 0 0\n0 0 2\n");
+    EXPECT_THAT(other.output, HasSubstr("\n  reference_distance  length    point  0.5 to 0.5"));
+    const ProgramRun missing = run({"--list-scalars", "--compare", path("none"), rod});
+    EXPECT_EQ(missing.status, 2);
+    EXPECT_THAT(missing.error, HasSubstr("cannot be read"));
+}
+
+TEST_F(StrandviewTest, WhatIsToldIsNotChangedByOptionsOfPicturesWhichAreTold)
+{
+    const std::string rod = write("rod.txt", "0 0 0 0 0 0 1\n0 0 1 0 0 0 1\n");
+    const ProgramRun result = run({"--info", "--compare", "first", "--frame-rows", "2", rod});
+    EXPECT_EQ(result.status, 0) << result.error;
+    EXPECT_EQ(result.output, run({"--info", rod}).output);
+    EXPECT_EQ(result.error,
+              "strandview: --compare has no effect: --info tells what is in the files alone\n");
 }
 
 TEST_F(StrandviewTest, WhatCannotBePrintedIsToldAndStatus1)

@@ -43,6 +43,17 @@ TEST(IdleOptions, AreNoneWhereEachHasSomethingToActOn)
     EXPECT_THAT(findIdleOptions(given({"--closed"}), rods(false)), IsEmpty());
 }
 
+TEST(IdleOptions, AreAllButThoseThatAreMeant)
+{
+    EXPECT_THAT(
+        findIdleOptions(given({"--info", "--radius", "--json"}), {"--info", "--json"}, "it tells"),
+        ElementsAre("--radius has no effect: it tells"));
+    Options hidden = given({"--tube"});
+    hidden.showTube = false;
+    EXPECT_THAT(findIdleOptions(hidden, {}, "it tells"),
+                ElementsAre("--no-tube has no effect: it tells"));
+}
+
 TEST(IdleOptions, AreToldInTheirOrderWithTheReason)
 {
     EXPECT_THAT(findIdleOptions(given({"--dna-unit", "--pairs", "--dna"}), rods()),

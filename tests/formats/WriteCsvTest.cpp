@@ -394,10 +394,11 @@ TEST(WriteCsv, GlyphsAreLeftOutWithANoticeAndNothingElseIsRefused)
 {
     Configuration data{{helix(3)}};
     data.markers.resize(2);
-    data.loneBases.resize(1);
-    EXPECT_THAT(written(data).report.notices,
-                ElementsAre("CSV: 2 markers left out: a table holds rods, birods and DNA",
-                            "CSV: 1 base in no pair left out: a table holds rods, birods and DNA"));
+    data.loneBases.resize(6);
+    EXPECT_THAT(
+        written(data).report.notices,
+        ElementsAre("CSV: 2 markers left out: a table holds rods, birods and DNA",
+                    "CSV: 6 bases in no pair left out: a table holds rods, birods and DNA"));
     data.rods.clear();
     const Written nothing = written(data);
     EXPECT_FALSE(nothing.isWhole);
