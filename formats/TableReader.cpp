@@ -309,10 +309,26 @@ private:
                 return {};
         if (!finishBlock())
             return {};
-        if (singlePairs > 0)
-            report.notices.push_back(fileName + ": " + counted(singlePairs, "row") +
-                                     " of a base alone left out: a rod has two points");
+        noteWhatIsLeftOut();
         return collector.finish(fileName, "rod or DNA", report);
+    }
+
+    void noteWhatIsLeftOut()
+    {
+        const auto note = [this](const std::string& text) {
+            report.notices.push_back(fileName + ": " + text);
+        };
+        if (singlePairs > 0)
+            note(counted(singlePairs, "row") + " of a base alone left out: a rod has two points");
+        if (areLettersLeftOut)
+            note(nameText(columns.letters) + ": letters left out: rods have none");
+        if (!alwaysAbsent.empty())
+            note(andMore(nameText(alwaysAbsent.front()), alwaysAbsent.size()) +
+                 " left out: empty in all rows");
+        if (unknowns > 0)
+            note(counted(unknowns, "empty field") + " between others taken as not known, the " +
+                 "first in line " + std::to_string(firstUnknown.line) + ", " +
+                 nameText(firstUnknown.column));
     }
 
     bool readLine()
@@ -671,6 +687,7 @@ private:
                    addFrame(first, dna.points1, dna.rotations1) &&
                    addFrame(second, dna.points2, dna.rotations2);
         }
+        countUnknowns();
         if (!isRotationMissing())
             keepUnknownScalars();
         if (!missing.empty() && !isRowOfElements())
@@ -767,6 +784,19 @@ private:
         };
         missing.erase(std::remove_if(missing.begin(), missing.end(), isUnknown), missing.end());
     }
+    /// In the last row of a rod they are expected: those of the row before are counted in the next.
+    void countUnknowns()
+    {
+        unknowns += std::exchange(unknownsOfRow, 0);
+        if (missing.empty() || columns.letters == NO_COLUMN) // most often
+            return;
+        for (const MissingField& field : missing) {
+            if (!field.text.empty() || columns.isOfGeometry(field.column))
+                continue;
+            if (unknowns + unknownsOfRow++ == 0)
+                firstUnknown = {scanner.getLine(), field.column};
+        }
+    }
     bool isRotationMissing() const
     {
         return !missing.empty() && // most often
@@ -858,7 +888,11 @@ private:
         if (!isInBlock())
             return true;
         missing.clear();
+        unknownsOfRow = 0;
+        if (!columns.areOfDna)
+            keepAlwaysAbsent();
         leaveOutAbsent();
+        areLettersLeftOut = areLettersLeftOut || hasLetters;
         if (std::exchange(hasLetters, false) && rod.points.size() == 1) {
             rod = Rod();
             ++singlePairs;
@@ -867,6 +901,16 @@ private:
         const std::string fault = columns.areOfDna ? collector.add(std::exchange(dna, Dna()))
                                                    : collector.add(std::exchange(rod, Rod()));
         return fault.empty() || failInLine(firstLine, fault);
+    }
+
+    /// What all rods lack, so far.
+    void keepAlwaysAbsent()
+    {
+        if (blocks == 1)
+            alwaysAbsent = absent;
+        const auto isThere = [this](std::size_t column) { return !isAbsent(column); };
+        alwaysAbsent.erase(std::remove_if(alwaysAbsent.begin(), alwaysAbsent.end(), isThere),
+                           alwaysAbsent.end());
     }
 
     void leaveOutAbsent()
@@ -918,10 +962,19 @@ private:
     std::vector<double> row;           ///< the numbers of one row, by column
     std::vector<MissingField> missing; ///< of the last row that was read
     std::size_t missingLine = 0;
-    std::vector<std::size_t> absent; ///< columns that are empty in this rod
-    bool areFramesAbsent = false;    ///< those of frames
-    bool hasLetters = false;         ///< this rod, which is a line of bases
+    std::vector<std::size_t> absent;       ///< columns that are empty in this rod
+    bool areFramesAbsent = false;          ///< those of frames
+    std::vector<std::size_t> alwaysAbsent; ///< in all rods
+    bool hasLetters = false;               ///< this rod, which is a line of bases
+    bool areLettersLeftOut = false;
     std::size_t singlePairs = 0;
+    struct Place
+    {
+        std::size_t line = 0, column = 0;
+    };
+    std::size_t unknowns = 0;      ///< empty scalars among rows of bases
+    std::size_t unknownsOfRow = 0; ///< the last one, not among them yet
+    Place firstUnknown;
     char base = 0; ///< of the row
     Rod rod;       ///< being read, or
     Dna dna;       ///< this; without points between blocks

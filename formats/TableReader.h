@@ -31,10 +31,11 @@ class Source;
 /// elements between the points, and every other row has those of the element that begins
 /// there. The points get theirs by the rules of elements.h.
 ///
-/// A scalar whose fields are empty in all rows of a rod, from the first one on, is none of that rod,
-/// and so are the frames if all of their fields are. A column named base (in any case) that begins
-/// with one letter, or nothing, has at most a letter in every row and is left out: so are rods with
-/// letters and a single row then, with a notice.
+/// A scalar whose fields are empty in all rows of a rod, from the first one on, is none of that
+/// rod, and so are the frames if all of their fields are; one that all rods lack is told in a
+/// notice. A column named base (in any case) that begins with one letter, or nothing, has at most a
+/// letter in every row and is left out, with a notice: so are rods with letters and a single row
+/// then. An empty scalar above the last row of a rod is not known there, with a notice, too.
 ///
 /// A table is one of DNA if its first field is a letter A, C, G or T, small or capital: that
 /// is strand 1's base, and x y z qx qy qz qw of the pair follow, which are also those of both

@@ -133,6 +133,47 @@ TEST(TableReader, AColumnOfBasesAmongThoseOfARodIsLeftOut)
     EXPECT_EQ(rodOf("x,y,z,Base\n0,0,0,1\n0,0,1,2\n").scalars.size(), 1U) << "one of numbers";
 }
 
+std::vector<std::string> noticesOf(const std::string& text)
+{
+    const Reading reading = readText(text);
+    EXPECT_TRUE(reading.configuration) << reading.report.error;
+    std::vector<std::string> notices;
+    for (const std::string& notice : reading.report.notices)
+        if (notice.find("parallel transport") == std::string::npos)
+            notices.push_back(notice);
+    return notices;
+}
+
+TEST(TableReader, LettersOfBasesThatAreLeftOutAreTold)
+{
+    EXPECT_THAT(noticesOf("x,y,z,base,s\n0,0,0,A,1\n0,0,1,,2\n\n0,0,0,A,1\n0,0,1,,2\n"),
+                ElementsAre("rod.txt: column 4 (base): letters left out: rods have none"));
+    EXPECT_THAT(noticesOf("x,y,z,base\n0,0,0,\n0,0,1,\n"), IsEmpty()) << "there is no letter";
+}
+
+TEST(TableReader, WhatAllRodsLackIsTold)
+{
+    EXPECT_THAT(noticesOf("x,y,z,s,t2,u\n0,0,0,1,,\n0,0,1,2,,\n\n0,0,0,,,\n0,0,1,,,\n"),
+                ElementsAre("rod.txt: column 5 (t2) and 1 more left out: empty in all rows"));
+    EXPECT_THAT(noticesOf("x,y,z,s,u\n0,0,0,1,\n0,0,1,2,\n\n0,0,0,,3\n0,0,1,,4\n"), IsEmpty());
+    EXPECT_THAT(noticesOf("x,y,z,s,u\n0,0,0,,3\n0,0,1,,4\n\n0,0,0,1,\n0,0,1,2,\n"), IsEmpty());
+    EXPECT_THAT(noticesOf("x,y,z,qx,qy,qz,qw\n0,0,0,,,,\n0,0,1,,,,\n"),
+                ElementsAre("rod.txt: column 4 (qx) and 3 more left out: empty in all rows"));
+}
+
+TEST(TableReader, AmongBasesAScalarThatIsEmptyIsNotKnownAndToldButInTheLastRow)
+{
+    const std::string header = "x,y,z,base,roll\n";
+    const std::string letters = "rod.txt: column 4 (base): letters left out: rods have none";
+    EXPECT_THAT(noticesOf(header + "0,0,0,A,1\n0,0,1,C,2\n0,0,2,G,\n"), ElementsAre(letters));
+    const std::string gaps = "0,0,0,A,1\n0,0,1,C,\n0,0,2,G,\n0,0,3,G,4\n";
+    EXPECT_TRUE(std::isnan(rodOf(header + gaps).scalars[0].values[1]));
+    EXPECT_THAT(noticesOf(header + gaps + "\n" + gaps),
+                ElementsAre(letters, "rod.txt: 4 empty fields between others taken as not known, "
+                                     "the first in line 3, column 5 (roll)"));
+    EXPECT_THAT(noticesOf(header + "0,0,0,A,1\n0,0,1,C,nan\n0,0,2,G,2\n"), ElementsAre(letters));
+}
+
 TEST(TableReader, ARowOfBasesThatIsAloneIsNoRodAndLeftOutWithANotice)
 {
     const Reading reading =
