@@ -81,6 +81,8 @@ double lastDecimal(const Values& numbers, double coarsest)
 // Of the points; that of a lattice, whose edges are a few units long, is no rounding.
 double lastDecimalOfPoints(const Line& line)
 {
+    if (line.points.size() < 2)
+        return 0;
     Values numbers;
     numbers.reserve(3 * line.points.size());
     for (const Vector3<double>& point : line.points)
@@ -95,18 +97,6 @@ double lastDecimalOfFrames(const Line& line)
     for (const algebra3d::Quaternion<double>& q : line.rotations)
         numbers.insert(numbers.end(), {q[0], q[1], q[2], q[3]});
     return lastDecimal(numbers, 1e-4);
-}
-
-// By how much the difference of two points may be off: some units in the last place of the
-// largest coordinate, or of the last decimal: half a unit in each of four coordinates, along the
-// diagonal.
-double roundingOfEdges(const Line& line)
-{
-    double largest = 0;
-    for (const Vector3<double>& point : line.points)
-        largest = std::max({largest, std::abs(point.x), std::abs(point.y), std::abs(point.z)});
-    return std::max(8 * std::numeric_limits<double>::epsilon() * largest,
-                    4 * lastDecimalOfPoints(line));
 }
 
 // The shorter of the edges that meet at a point.
@@ -158,8 +148,7 @@ Values componentOfStrains(const Line& line, int component)
 // Of the angle between two frames, and by the length of the edge of the whole.
 Values roundingOfAngles(const Line& line, const Values& ofElements)
 {
-    const double angle =
-        std::max(16 * std::numeric_limits<double>::epsilon(), 8 * lastDecimalOfFrames(line));
+    const double angle = roundingOfFrames(line);
     const double ofEdges = roundingOfEdges(line);
     Values values(ofElements.size());
     for (std::size_t i = 0; i < values.size(); ++i)
@@ -168,6 +157,22 @@ Values roundingOfAngles(const Line& line, const Values& ofElements)
 }
 
 } // namespace
+
+// Some units in the last place of the largest coordinate, or of the last decimal: half a unit in
+// each of four coordinates, along the diagonal.
+double roundingOfEdges(const Line& line)
+{
+    double largest = 0;
+    for (const Vector3<double>& point : line.points)
+        largest = std::max({largest, std::abs(point.x), std::abs(point.y), std::abs(point.z)});
+    return std::max(8 * std::numeric_limits<double>::epsilon() * largest,
+                    4 * lastDecimalOfPoints(line));
+}
+
+double roundingOfFrames(const Line& line)
+{
+    return std::max(16 * std::numeric_limits<double>::epsilon(), 8 * lastDecimalOfFrames(line));
+}
 
 Values atPoints(const Line& line, const Values& edges)
 {
@@ -251,11 +256,26 @@ Values roundingOfStrains(const Line& line, int component)
     return roundingOfAngles(line, componentOfStrains(line, component));
 }
 
-Values writheDensities(const Line& line)
+Values writheDensities(const Line& line) { return writheDensities(line, {}); }
+
+Values writheDensities(const Line& line, const GoOn& goOn)
 {
-    Values values = gaussIntegralOfEdges(line.points);
+    Values values = gaussIntegralOfEdges(line.points, goOn);
+    if (values.empty())
+        return values;
     for (std::size_t i = 0; i < values.size(); ++i)
         values[i] /= edgeLength(line, i);
+    return atPoints(line, values);
+}
+
+Values roundingOfWritheDensities(const Line& line)
+{
+    const double ofEdges = roundingOfEdges(line);
+    Values values(line.points.size() - 1);
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const double shorter = std::min(shorterEdge(line, i), shorterEdge(line, i + 1));
+        values[i] = ofEdges / (shorter * edgeLength(line, i));
+    }
     return atPoints(line, values);
 }
 

@@ -7,6 +7,7 @@
 #include <algebra3d/Quaternion.h>
 #include <algebra3d/Vector3.h>
 
+#include <strandview/analysis/gaussIntegral.h>
 #include <strandview/analysisExport.h>
 
 namespace strandview {
@@ -30,6 +31,11 @@ struct Line
     const std::vector<algebra3d::Quaternion<double>>& rotations;
     bool isClosed; ///< then the last point is the first one again
 };
+
+/// By how much the difference of two of its points may be off because they are rounded.
+STRANDVIEW_ANALYSIS_EXPORT double roundingOfEdges(const Line& line);
+/// And that of two of its frames, in radians.
+STRANDVIEW_ANALYSIS_EXPORT double roundingOfFrames(const Line& line);
 
 /// Of one value for each edge or element the mean at each point, as said above.
 STRANDVIEW_ANALYSIS_EXPORT std::vector<double> atPoints(const Line& line,
@@ -58,8 +64,12 @@ STRANDVIEW_ANALYSIS_EXPORT std::vector<double> strains(const Line& line, int com
 STRANDVIEW_ANALYSIS_EXPORT std::vector<double> roundingOfStrains(const Line& line, int component);
 
 /// Gauss's integral of an edge with all others (gaussIntegral.h), over its length: it integrates to
-/// the writhe of a closed curve. Takes time with the square of the number of points.
+/// the writhe of a closed curve. Takes time with the square of the number of points: goOn is asked
+/// as there, and where it stops it there are no values.
 STRANDVIEW_ANALYSIS_EXPORT std::vector<double> writheDensities(const Line& line);
+STRANDVIEW_ANALYSIS_EXPORT std::vector<double> writheDensities(const Line& line, const GoOn& goOn);
+/// Of a curve that does not come nearer to itself than its edges are long.
+STRANDVIEW_ANALYSIS_EXPORT std::vector<double> roundingOfWritheDensities(const Line& line);
 
 } // namespace strandview
 

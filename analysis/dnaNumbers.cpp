@@ -2,7 +2,6 @@
 #include <strandview/analysis/dnaNumbers.h>
 
 #include <cstddef>
-#include <utility>
 
 namespace strandview {
 
@@ -18,6 +17,17 @@ std::vector<PlacedFrame> placed(const Points& points, const Rotations& rotations
     for (std::size_t i = 0; i < points.size(); ++i)
         frames.push_back({points[i], rotations[i]});
     return frames;
+}
+
+template <typename Frames>
+std::vector<BaseFrames> basesOfPairs(const Frames& frames)
+{
+    std::vector<BaseFrames> pairs;
+    pairs.reserve(frames.points1.size());
+    for (std::size_t i = 0; i < frames.points1.size(); ++i)
+        pairs.push_back(
+            {{frames.points1[i], frames.rotations1[i]}, {frames.points2[i], frames.rotations2[i]}});
+    return pairs;
 }
 
 /// Calls `take(pair, next)` for each step.
@@ -38,17 +48,17 @@ std::vector<PlacedFrame> pairFrames(const Dna& dna)
                         : placed(dna.pairPoints, dna.pairRotations);
 }
 
+std::vector<BaseFrames> baseFramesOf(const Dna& dna)
+{
+    return dna.standard ? basesOfPairs(*dna.standard) : basesOfPairs(dna);
+}
+
 std::vector<PairParameters> pairsOf(const Dna& dna)
 {
-    const auto [bases1, bases2] =
-        dna.standard
-            ? std::pair(placed(dna.standard->points1, dna.standard->rotations1),
-                        placed(dna.standard->points2, dna.standard->rotations2))
-            : std::pair(placed(dna.points1, dna.rotations1), placed(dna.points2, dna.rotations2));
     std::vector<PairParameters> pairs;
-    pairs.reserve(bases1.size());
-    for (std::size_t i = 0; i < bases1.size(); ++i)
-        pairs.push_back(pairParameters(bases1[i], bases2[i]));
+    pairs.reserve(dna.bases.size());
+    for (const BaseFrames& bases : baseFramesOf(dna))
+        pairs.push_back(pairParameters(bases.base1, bases.base2));
     return pairs;
 }
 

@@ -26,6 +26,9 @@ struct DnaNumbers
 /// its own frames. One for each letter of Dna::bases.
 STRANDVIEW_ANALYSIS_EXPORT std::vector<PlacedFrame> pairFrames(const Dna& dna);
 
+/// Those of the bases of each pair, in the sense of the pair, by the same frames.
+STRANDVIEW_ANALYSIS_EXPORT std::vector<BaseFrames> baseFramesOf(const Dna& dna);
+
 /// The parameters of its pairs, by the same frames: one for each.
 STRANDVIEW_ANALYSIS_EXPORT std::vector<PairParameters> pairsOf(const Dna& dna);
 

@@ -2,6 +2,7 @@
 #include <strandview/analysis/gaussIntegral.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <future>
 #include <limits>
@@ -122,6 +123,25 @@ FOUR_AT_ONCE double sumOfRow(const Curve& curve, std::size_t edge, const Curve& 
     return sum[0] + sum[1] + sum[2] + sum[3];
 }
 
+/// Whether several threads are to stop: who made it asks, all others look.
+class Stop
+{
+public:
+    explicit Stop(const GoOn& shallGoOn) : goOn(shallGoOn) {}
+
+    bool isAsked()
+    {
+        if (goOn && std::this_thread::get_id() == asking && !goOn())
+            stopped = true;
+        return stopped;
+    }
+
+private:
+    const GoOn& goOn;
+    const std::thread::id asking = std::this_thread::get_id();
+    std::atomic<bool> stopped{false};
+};
+
 /// Calls work(part) for each part, by as many threads as there are processors where it is much.
 template <typename Work>
 void forEachPart(bool isMuch, Work work)
@@ -144,18 +164,21 @@ double sumOf(const Values& values) { return std::accumulate(values.begin(), valu
 
 } // namespace
 
-std::vector<double> gaussIntegralOfEdges(const Points& points)
+std::vector<double> gaussIntegralOfEdges(const Points& points, const GoOn& goOn)
 {
+    Stop stop(goOn);
     const Curve curve(points, scaleOf(points, {}));
     const std::size_t room = curve.edges + 3;
     std::vector<Values> sums(PARTS);
     forEachPart(points.size() >= POINTS_FOR_THREADS, [&](std::size_t part) {
         Values ofPart(room);
         // Two edges that follow each other lie in one plane.
-        for (std::size_t edge = part; edge < curve.edges; edge += PARTS)
+        for (std::size_t edge = part; edge < curve.edges && !stop.isAsked(); edge += PARTS)
             ofPart[edge] += sumOfRow(curve, edge, curve, edge + 2, ofPart.data());
         sums[part] = std::move(ofPart);
     });
+    if (stop.isAsked())
+        return {};
     Values integrals(curve.edges);
     for (std::size_t edge = 0; edge < curve.edges; ++edge) {
         for (const Values& ofPart : sums)

@@ -3,6 +3,7 @@
 #define STRANDVIEW_ANALYSIS_GAUSSINTEGRAL_H
 
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -29,10 +30,14 @@ namespace strandview {
 
 constexpr std::size_t POINTS_FOR_THREADS = 2000;
 
+/// Whether to go on with what takes long.
+using GoOn = std::function<bool()>;
+
 /// The integral of each edge with all others of its curve: one value for each edge, which sum to
-/// gaussIntegral(curve). Fewer than two points have no edges.
+/// gaussIntegral(curve). Fewer than two points have no edges. goOn, if it is given, is asked by the
+/// calling thread, edge after edge; where it says no there are no values at all.
 STRANDVIEW_ANALYSIS_EXPORT std::vector<double>
-gaussIntegralOfEdges(const std::vector<algebra3d::Vector3<double>>& curve);
+gaussIntegralOfEdges(const std::vector<algebra3d::Vector3<double>>& curve, const GoOn& goOn = {});
 
 /// Of a curve with itself, each pair of edges twice: of a closed one this is its writhe
 /// (F. B. Fuller, Proc. Natl. Acad. Sci. USA 68, 1971, 815).

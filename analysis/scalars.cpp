@@ -4,11 +4,13 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 #include <strandview/analysis/comparison.h>
 #include <strandview/analysis/curveNumbers.h>
 #include <strandview/analysis/dnaNumbers.h>
 #include <strandview/analysis/helicalParameters.h>
+#include <strandview/analysis/parameterRounding.h>
 #include <strandview/analysis/topology.h>
 
 namespace strandview {
@@ -21,14 +23,16 @@ const double NONE = std::numeric_limits<double>::quiet_NaN();
 // What sums of doubles may lose, of a length, a degree or an ångström.
 const double LEAST_ROUNDING = 1e-9;
 
-// A quantity and its formula: one of these.
+// A quantity and its formula, of lines or of frames, each with its rounding.
 struct Row
 {
     Quantity quantity;
-    Values (*ofLine)(const Line& line) = nullptr;
-    Values (*rounding)(const Line& line) = nullptr; // of that; none is not-a-number
-    double (*ofPair)(const PairParameters& pair) = nullptr;
-    double (*ofStep)(const PlacedFrame& pair, const PlacedFrame& next) = nullptr;
+    Values (*ofLine)(const Line& line, const GoOn& goOn) = nullptr; // empty if it is stopped
+    Values (*rounding)(const Line& line) = nullptr;
+    // Of a pair to the next one, or of strand 1's base and strand 2's.
+    double (*ofFrames)(const PlacedFrame& one, const PlacedFrame& other) = nullptr;
+    double (*roundingOfFrames)(const PlacedFrame& one, const PlacedFrame& other,
+                               const FrameRounding& rounding) = nullptr;
 };
 
 Values exact(const Line& line) { return Values(line.points.size(), 0); }
@@ -46,9 +50,16 @@ Values roundingOfStrain(const Line& line)
 }
 
 template <double PairParameters::*member>
-double ofPair(const PairParameters& pair)
+double ofPair(const PlacedFrame& base1, const PlacedFrame& base2)
 {
-    return pair.*member;
+    return pairParameters(base1, base2).*member;
+}
+
+template <double PairParameters::*member>
+double roundingOfPairs(const PlacedFrame& base1, const PlacedFrame& base2,
+                       const FrameRounding& rounding)
+{
+    return roundingOfPair(base1, base2, rounding).*member;
 }
 
 template <double StepParameters::*member>
@@ -57,10 +68,24 @@ double ofStep(const PlacedFrame& pair, const PlacedFrame& next)
     return stepParameters(pair, next).*member;
 }
 
+template <double StepParameters::*member>
+double roundingOfSteps(const PlacedFrame& pair, const PlacedFrame& next,
+                       const FrameRounding& rounding)
+{
+    return roundingOfStep(pair, next, rounding).*member;
+}
+
 template <double HelicalParameters::*member>
 double ofScrew(const PlacedFrame& pair, const PlacedFrame& next)
 {
     return helicalParameters(pair, next).*member;
+}
+
+template <double HelicalParameters::*member>
+double roundingOfScrews(const PlacedFrame& pair, const PlacedFrame& next,
+                        const FrameRounding& rounding)
+{
+    return roundingOfScrew(pair, next, rounding).*member;
 }
 
 double bendOf(const PlacedFrame& pair, const PlacedFrame& next)
@@ -69,8 +94,15 @@ double bendOf(const PlacedFrame& pair, const PlacedFrame& next)
     return std::hypot(step.tilt, step.roll);
 }
 
-Row line(const char* name, const char* unit, bool isSigned, Values (*formula)(const Line&),
-         Values (*rounding)(const Line&), const char* meaning)
+template <Values (*formula)(const Line&)>
+Values quick(const Line& line, const GoOn&)
+{
+    return formula(line);
+}
+
+Row line(const char* name, const char* unit, bool isSigned,
+         Values (*formula)(const Line&, const GoOn&), Values (*rounding)(const Line&),
+         const char* meaning)
 {
     return {{name, ScalarPlace::POINT, unit, isSigned, meaning}, formula, rounding};
 }
@@ -81,19 +113,37 @@ Row slow(Row row)
     return row;
 }
 
-Row pair(const char* name, const char* unit, double (*formula)(const PairParameters&),
-         const char* meaning)
+template <double PairParameters::*member>
+Row pair(const char* name, const char* unit, const char* meaning)
 {
     Row row{{name, ScalarPlace::PAIR, unit, true, meaning}};
-    row.ofPair = formula;
+    row.ofFrames = ofPair<member>;
+    row.roundingOfFrames = roundingOfPairs<member>;
     return row;
 }
 
-Row step(const char* name, const char* unit, bool isSigned,
-         double (*formula)(const PlacedFrame&, const PlacedFrame&), const char* meaning)
+template <double StepParameters::*member>
+Row step(const char* name, const char* unit, bool isSigned, const char* meaning)
 {
     Row row{{name, ScalarPlace::STEP, unit, isSigned, meaning}};
-    row.ofStep = formula;
+    row.ofFrames = ofStep<member>;
+    row.roundingOfFrames = roundingOfSteps<member>;
+    return row;
+}
+
+Row bend(const char* name, const char* meaning)
+{
+    Row row = step<&StepParameters::tilt>(name, "°", false, meaning);
+    row.ofFrames = bendOf;
+    return row;
+}
+
+template <double HelicalParameters::*member>
+Row screw(const char* name, const char* unit, bool isSigned, const char* meaning)
+{
+    Row row{{name, ScalarPlace::STEP, unit, isSigned, meaning}};
+    row.ofFrames = ofScrew<member>;
+    row.roundingOfFrames = roundingOfScrews<member>;
     return row;
 }
 
@@ -103,43 +153,43 @@ const std::vector<Row>& rows()
     using S = StepParameters;
     using H = HelicalParameters;
     static const std::vector<Row> all = {
-        line("arclength", "length", false, arcLengths, exact, "along the polygon, from 0"),
-        line("curvature", "1/length", false, curvatures, roundingOfCurvatures,
+        line("arclength", "length", false, quick<arcLengths>, exact, "along the polygon, from 0"),
+        line("curvature", "1/length", false, quick<curvatures>, roundingOfCurvatures,
              "of the circle through a point and its neighbours"),
-        line("torsion", "1/length", true, torsions, roundingOfTorsions,
+        line("torsion", "1/length", true, quick<torsions>, roundingOfTorsions,
              "turn of that circle's plane per length"),
-        line("twist", "1/length", true, twistDensities, roundingOfTwistDensities,
+        line("twist", "1/length", true, quick<twistDensities>, roundingOfTwistDensities,
              "turn of d1 and d2 about d3 per length"),
-        line("kappa1", "1/length", true, strain<0>, roundingOfStrain<0>,
+        line("kappa1", "1/length", true, quick<strain<0>>, roundingOfStrain<0>,
              "bending of the material frame about d1"),
-        line("kappa2", "1/length", true, strain<1>, roundingOfStrain<1>,
+        line("kappa2", "1/length", true, quick<strain<1>>, roundingOfStrain<1>,
              "bending of the material frame about d2"),
-        line("kappa3", "1/length", true, strain<2>, roundingOfStrain<2>,
+        line("kappa3", "1/length", true, quick<strain<2>>, roundingOfStrain<2>,
              "twist of the material frame about d3"),
-        slow(line("writhe_density", "1/length", true, writheDensities, nullptr,
+        slow(line("writhe_density", "1/length", true, writheDensities, roundingOfWritheDensities,
                   "Gauss's integral with the rest of the curve per length")),
-        pair("shear", "Å", ofPair<&P::shear>, "of the bases, along x of the pair"),
-        pair("stretch", "Å", ofPair<&P::stretch>, "of the bases, along y of the pair"),
-        pair("stagger", "Å", ofPair<&P::stagger>, "of the bases, along z of the pair"),
-        pair("buckle", "°", ofPair<&P::buckle>, "of the bases, about x of the pair"),
-        pair("propeller", "°", ofPair<&P::propeller>, "of the bases, about y of the pair"),
-        pair("opening", "°", ofPair<&P::opening>, "of the bases, about z of the pair"),
-        step("shift", "Å", true, ofStep<&S::shift>, "to the next pair, along x half-way"),
-        step("slide", "Å", true, ofStep<&S::slide>, "to the next pair, along y half-way"),
-        step("rise", "Å", false, ofStep<&S::rise>, "to the next pair, along z half-way"),
-        step("tilt", "°", true, ofStep<&S::tilt>, "to the next pair, about x half-way"),
-        step("roll", "°", true, ofStep<&S::roll>, "to the next pair, about y half-way"),
-        step("twist", "°", false, ofStep<&S::twist>, "to the next pair, about z half-way"),
-        step("bend", "°", false, bendOf, "between z of a pair and of the next one"),
-        step("x_displacement", "Å", true, ofScrew<&H::xDisplacement>,
-             "from the step's screw axis, along x"),
-        step("y_displacement", "Å", true, ofScrew<&H::yDisplacement>,
-             "from the step's screw axis, along y"),
-        step("helical_rise", "Å", false, ofScrew<&H::rise>, "along the step's screw axis"),
-        step("inclination", "°", true, ofScrew<&H::inclination>,
-             "of the pair to the step's screw axis, about x"),
-        step("tip", "°", true, ofScrew<&H::tip>, "of the pair to the step's screw axis, about y"),
-        step("helical_twist", "°", false, ofScrew<&H::twist>, "about the step's screw axis"),
+        pair<&P::shear>("shear", "Å", "of the bases, along x of the pair"),
+        pair<&P::stretch>("stretch", "Å", "of the bases, along y of the pair"),
+        pair<&P::stagger>("stagger", "Å", "of the bases, along z of the pair"),
+        pair<&P::buckle>("buckle", "°", "of the bases, about x of the pair"),
+        pair<&P::propeller>("propeller", "°", "of the bases, about y of the pair"),
+        pair<&P::opening>("opening", "°", "of the bases, about z of the pair"),
+        step<&S::shift>("shift", "Å", true, "to the next pair, along x half-way"),
+        step<&S::slide>("slide", "Å", true, "to the next pair, along y half-way"),
+        step<&S::rise>("rise", "Å", false, "to the next pair, along z half-way"),
+        step<&S::tilt>("tilt", "°", true, "to the next pair, about x half-way"),
+        step<&S::roll>("roll", "°", true, "to the next pair, about y half-way"),
+        step<&S::twist>("twist", "°", false, "to the next pair, about z half-way"),
+        bend("bend", "between z of a pair and of the next one"),
+        screw<&H::xDisplacement>("x_displacement", "Å", true,
+                                 "from the step's screw axis, along x"),
+        screw<&H::yDisplacement>("y_displacement", "Å", true,
+                                 "from the step's screw axis, along y"),
+        screw<&H::rise>("helical_rise", "Å", false, "along the step's screw axis"),
+        screw<&H::inclination>("inclination", "°", true,
+                               "of the pair to the step's screw axis, about x"),
+        screw<&H::tip>("tip", "°", true, "of the pair to the step's screw axis, about y"),
+        screw<&H::twist>("helical_twist", "°", false, "about the step's screw axis"),
     };
     return all;
 }
@@ -180,7 +230,8 @@ Values alongLine(const Track& track, Formula formula)
     rotations.push_back(rotations.front());
     const auto points = curveOf(track);
     Values values = formula(Line{points, rotations, true});
-    values.pop_back();
+    if (!values.empty()) // it was not stopped
+        values.pop_back();
     return values;
 }
 
@@ -195,23 +246,60 @@ double lengthOf(const Track& track)
     return alongLine(track, [](const Line& line) { return arcLengths(line); }).back();
 }
 
-Values ofPairs(const Row& row, const Track& track)
+FrameRounding roundingBetween(const std::vector<algebra3d::Vector3<double>>& points,
+                              const std::vector<algebra3d::Quaternion<double>>& rotations)
 {
+    const Line line{points, rotations, false};
+    return {roundingOfEdges(line), roundingOfFrames(line)};
+}
+
+// Of the bases of pairs those of both strands, which are rounded alike.
+template <typename Frames>
+FrameRounding roundingBetweenBases(const Frames& frames)
+{
+    const FrameRounding one = roundingBetween(frames.points1, frames.rotations1),
+                        other = roundingBetween(frames.points2, frames.rotations2);
+    return {std::max(one.length, other.length), std::max(one.angle, other.angle)};
+}
+
+FrameRounding frameRoundingOf(const Row& row, const Track& track)
+{
+    if (row.quantity.place == ScalarPlace::STEP)
+        return roundingBetween(track.points, track.rotations);
+    return track.dna->standard ? roundingBetweenBases(*track.dna->standard)
+                               : roundingBetweenBases(*track.dna);
+}
+
+// Of the frames that a quantity is about: `formula(one, other)` of the bases of each pair, or of
+// each pair and the next one. Behind the last pair of an open DNA there is none.
+template <typename Formula>
+Values ofFrames(const Row& row, const Track& track, Formula formula)
+{
+    const auto value = [&](const PlacedFrame& one, const PlacedFrame& other) {
+        return inUnit(row.quantity, formula(one, other), track.angstrom);
+    };
     Values values;
-    for (const PairParameters& parameters : pairsOf(*track.dna))
-        values.push_back(inUnit(row.quantity, row.ofPair(parameters), track.angstrom));
+    if (row.quantity.place == ScalarPlace::PAIR) {
+        for (const BaseFrames& bases : baseFramesOf(*track.dna))
+            values.push_back(value(bases.base1, bases.base2));
+        return values;
+    }
+    const std::vector<PlacedFrame> pairs = pairFrames(*track.dna);
+    values.assign(pairs.size(), NONE);
+    const std::size_t steps = pairs.size() < 2 ? 0 : pairs.size() - (track.isClosed ? 0 : 1);
+    for (std::size_t i = 0; i < steps; ++i)
+        values[i] = value(pairs[i], pairs[(i + 1) % pairs.size()]);
     return values;
 }
 
-Values ofSteps(const Row& row, const Track& track)
+Values roundingOfRow(const Row& row, const Track& track)
 {
-    const std::vector<PlacedFrame> pairs = pairFrames(*track.dna);
-    Values values(pairs.size(), NONE);
-    const std::size_t steps = pairs.size() < 2 ? 0 : pairs.size() - (track.isClosed ? 0 : 1);
-    for (std::size_t i = 0; i < steps; ++i)
-        values[i] = inUnit(row.quantity, row.ofStep(pairs[i], pairs[(i + 1) % pairs.size()]),
-                           track.angstrom);
-    return values;
+    if (row.ofLine)
+        return alongLine(track, row.rounding);
+    const FrameRounding rounding = frameRoundingOf(row, track);
+    return ofFrames(row, track, [&](const PlacedFrame& one, const PlacedFrame& other) {
+        return row.roundingOfFrames(one, other, rounding);
+    });
 }
 
 } // namespace
@@ -280,16 +368,19 @@ std::vector<std::string> scalarNames(const Track& track)
     return names;
 }
 
-std::optional<std::vector<double>> findScalar(const Track& track, const std::string& name)
+std::optional<std::vector<double>> findScalar(const Track& track, const std::string& name,
+                                              const GoOn& goOn)
 {
     if (const Scalar* const given = findGiven(track, name))
         return given->values;
     const Row* const row = findRow(track.kind, name);
     if (!row)
         return std::nullopt;
-    if (row->ofLine)
-        return alongLine(track, row->ofLine);
-    return row->ofPair ? ofPairs(*row, track) : ofSteps(*row, track);
+    if (!row->ofLine)
+        return ofFrames(*row, track, row->ofFrames);
+    Values values = alongLine(track, [&](const Line& line) { return row->ofLine(line, goOn); });
+    const bool isStopped = values.size() < track.points.size();
+    return isStopped ? std::nullopt : std::optional(std::move(values));
 }
 
 std::vector<double> arcLengthsOf(const Track& track)
@@ -308,15 +399,14 @@ std::vector<double> roundingOf(const Track& track, const std::string& name)
     const Row* const row = findRow(track.kind, name);
     if (!row || findGiven(track, name))
         return values;
-    if (row->rounding)
-        values = alongLine(track, row->rounding);
+    values = roundingOfRow(*row, track);
     double least = LEAST_ROUNDING;
     if (row->ofLine) {
         const double length = lengthOf(track);
         least = length > 0 ? LEAST_ROUNDING / length : 0;
     }
     for (double& value : values)
-        value = std::max(value, least);
+        value = std::isnan(value) ? least : std::max(value, least);
     return values;
 }
 

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include <strandview/analysis/gaussIntegral.h>
 #include <strandview/analysis/tracks.h>
 #include <strandview/analysisExport.h>
 #include <strandview/model/Configuration.h>
@@ -62,9 +63,10 @@ STRANDVIEW_ANALYSIS_EXPORT std::vector<std::string> scalarNames(const Track& tra
 /// Along curves, values of edges and elements are brought to the points by the mean of the two that
 /// meet there, by their lengths; ends take the one beside them, but where a curve is closed. So the
 /// integral by the trapezoidal rule over arclength is the sum over the edges. What formulas are is
-/// in curveNumbers.h, stepParameters.h, helicalParameters.h. Any thread.
-STRANDVIEW_ANALYSIS_EXPORT std::optional<std::vector<double>> findScalar(const Track& track,
-                                                                         const std::string& name);
+/// in curveNumbers.h, stepParameters.h, helicalParameters.h. Any thread. What is slow asks goOn
+/// now and then, and is nothing once that says no.
+STRANDVIEW_ANALYSIS_EXPORT std::optional<std::vector<double>>
+findScalar(const Track& track, const std::string& name, const GoOn& goOn = {});
 STRANDVIEW_ANALYSIS_EXPORT std::optional<std::vector<double>> findScalar(const Rod& rod,
                                                                          const std::string& name);
 
@@ -73,9 +75,10 @@ STRANDVIEW_ANALYSIS_EXPORT std::vector<double> arcLengthsOf(const Track& track);
 
 /// By how much the values of findScalar() may be off because points and frames are rounded, to
 /// double precision or to the decimals that they were written with, one number per row: as the
-/// formula carries the rounding on, and at least a 1e-9th of 1 / length, or of a degree or
-/// ångström; of comparisons (comparison.h) a 1e-9th of the length, of a degree or of 1. Infinite
-/// where a torsion is not determined; zero of arclength and of other scalars of files.
+/// formula carries the rounding on (curveNumbers.h, parameterRounding.h), and at least a 1e-9th of
+/// 1 / length, or of a degree or ångström; of comparisons (comparison.h) a 1e-9th of the length, of
+/// a degree or of 1. Infinite where a torsion, or the axis of a screw, is not determined; zero of
+/// arclength and of other scalars of files.
 STRANDVIEW_ANALYSIS_EXPORT std::vector<double> roundingOf(const Track& track,
                                                           const std::string& name);
 STRANDVIEW_ANALYSIS_EXPORT std::vector<double> roundingOf(const Rod& rod, const std::string& name);

@@ -200,7 +200,7 @@ std::string FrameRenderer::show(const Configuration& data, const Series::GoOn& g
         return showOnStage(scene, stage, data, progress);
     ReadReport report;
     Stage own = stage;
-    own.colouring = makeColouring(options, data, report);
+    own.colouring = makeColouring(options, data, report, nullptr, progress);
     if (!own.colouring)
         return report.error;
     if (scene)

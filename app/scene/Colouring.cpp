@@ -304,17 +304,18 @@ bool anyIsOfPairs(const std::vector<Track>& tracks, const std::string& name)
 // the same name of rods; backbones have that of their pairs. The strands of a birod have what its
 // average alone has. Once it is stopped, none of the others.
 std::vector<Values> findValues(const std::vector<Track>& tracks, const std::string& name,
-                               const Progress& progress = Progress())
+                               const Progress& progress)
 {
     const bool areOfPairs = anyIsOfPairs(tracks, name);
+    const auto goOn = [&progress] { return !progress.isStopped(); };
     std::vector<Values> all;
     for (const Track& track : tracks) {
         if (progress.isStopped())
             break;
         const bool isMeant = !areOfPairs || isOfPairs(track, name) || isGiven(track, name);
-        all.push_back(isMeant
-                          ? withLastPair(track, name, findScalar(track, name).value_or(Values()))
-                          : Values());
+        all.push_back(
+            isMeant ? withLastPair(track, name, findScalar(track, name, goOn).value_or(Values()))
+                    : Values());
         if (track.kind == Track::Kind::BIROD_STRAND && all.back().empty())
             all.back() = all[all.size() - 1 - std::size_t(track.strand)];
     }
@@ -328,7 +329,7 @@ std::vector<Values> findValues(const std::vector<Track>& tracks, const std::stri
 }
 
 ValueSummary summarise(const std::vector<Values>& values, const std::vector<Track>& tracks,
-                       const std::string& name, const Progress& progress = Progress())
+                       const std::string& name, const Progress& progress)
 {
     ValueSummary summary;
     for (std::size_t i = 0; i < tracks.size() && !progress.isStopped(); ++i) {
@@ -423,7 +424,8 @@ std::vector<std::string> namesOfScalars(const Configuration& configuration, doub
 }
 
 std::optional<Colouring> makeColouring(const Options& options, const Configuration& configuration,
-                                       ReadReport& report, const ValueSummary* ofOthers)
+                                       ReadReport& report, const ValueSummary* ofOthers,
+                                       const Progress& progress)
 {
     const std::vector<Track> tracks = colouredTracks(configuration, options.dna.angstrom);
     if (tracks.empty()) {
@@ -440,8 +442,12 @@ std::optional<Colouring> makeColouring(const Options& options, const Configurati
     const bool isSigned = quantity && quantity->isSigned;
     const ColourMap colours = options.colours.value_or(defaultColourMap(isSigned));
     colouring.ramp = toMapper(colours);
-    colouring.places = findValues(tracks, colouring.name);
-    ValueSummary summary = summarise(colouring.places, tracks, colouring.name);
+    colouring.places = findValues(tracks, colouring.name, progress);
+    ValueSummary summary = summarise(colouring.places, tracks, colouring.name, progress);
+    if (progress.isStopped()) {
+        report.error = "colouring was stopped";
+        return std::nullopt;
+    }
     if (ofOthers)
         summary.include(*ofOthers);
     report.error = checkValues(options, tracks, colouring.places, summary);
@@ -463,14 +469,15 @@ std::optional<Colouring> makeColouring(const Options& options, const Configurati
     return colouring;
 }
 
-Colouring followColouring(const Colouring& first, const Configuration& next)
+Colouring followColouring(const Colouring& first, const Configuration& next,
+                          const Progress& progress)
 {
     Colouring colouring = first;
     colouring.isBelow = colouring.isAbove = colouring.isMissing = false;
     const std::vector<Track> tracks = colouredTracks(next, first.angstrom);
     colouring.rods = next.rods.size();
     colouring.birods = next.birods.size();
-    colouring.places = findValues(tracks, first.name);
+    colouring.places = findValues(tracks, first.name, progress);
     if (first.constant.empty())
         place(colouring);
     else

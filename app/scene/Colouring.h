@@ -16,12 +16,11 @@
 
 #include "request/Colour.h"
 #include "request/Options.h"
+#include "scene/Progress.h"
 
 class SoMaterial;
 
 namespace strandview {
-
-class Progress;
 
 /// Of points whose value is no number; seen on white and on black.
 constexpr Colour NO_VALUE_COLOUR{0.5f, 0.5f, 0.5f};
@@ -125,14 +124,16 @@ std::vector<std::string> namesOfScalars(const Configuration& configuration, doub
 /// no numbers, and which options have no effect. Nothing, and one line in report.error, if nothing
 /// has the scalar, none of its values is a number, or the limits leave no room between them. The
 /// values of other frames of a series, if given, count for the limits, and the constant, as the
-/// configuration's own do.
+/// configuration's own do. Nothing, and an error, once it is stopped.
 std::optional<Colouring> makeColouring(const Options& options, const Configuration& configuration,
-                                       ReadReport& report, const ValueSummary* ofOthers = nullptr);
+                                       ReadReport& report, const ValueSummary* ofOthers = nullptr,
+                                       const Progress& progress = Progress());
 
 /// The same colouring of another frame, in any thread: name, ramp, the values at its ends and the
 /// constant stay, and the values of the frame get their places among them. What is without the
-/// scalar has none.
-Colouring followColouring(const Colouring& first, const Configuration& next);
+/// scalar has none, and so has what is left when it is stopped.
+Colouring followColouring(const Colouring& first, const Configuration& next,
+                          const Progress& progress = Progress());
 
 /// The colour of each place, grey where there is none.
 std::vector<Colour> coloursOf(const Colouring& colouring, const std::vector<double>& places);

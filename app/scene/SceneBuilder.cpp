@@ -335,7 +335,7 @@ std::string updateScene(DataScene& scene, const Configuration& next, Progress& p
         return error;
     std::optional<Colouring> colouring;
     if (scene.getColouring())
-        colouring = followColouring(*scene.getColouring(), next);
+        colouring = followColouring(*scene.getColouring(), next, progress);
     return updateScene(scene, next, colouring ? &*colouring : nullptr, std::move(geometry),
                        progress);
 }

@@ -168,12 +168,14 @@ private:
     void includeValues(const Configuration& frame)
     {
         if (options.colourBy)
-            stage.values.include(summarise(frame, *options.colourBy, options.dna.angstrom, progress));
+            stage.values.include(
+                summarise(frame, *options.colourBy, options.dna.angstrom, progress));
     }
 
     bool chooseColouring()
     {
-        return strandview::chooseColouring(options, first, report, &stage.values, stage.colouring);
+        return strandview::chooseColouring(options, first, report, &stage.values, stage.colouring,
+                                           progress);
     }
 
     Series::GoOn goOn()
@@ -187,7 +189,7 @@ private:
     Progress& progress;
     Configuration first;
     Room room;
-    std::string fault;   ///< of the first frame that cannot be drawn
+    std::string fault; ///< of the first frame that cannot be drawn
     std::size_t count = 0;
     std::vector<std::size_t> sample; ///< the other frames to look at
     std::size_t looked = 0;          ///< of those
@@ -251,7 +253,7 @@ std::string showOnStage(DataScene*& scene, const Stage& stage, const Configurati
     geometry.side = stage.side;
     std::optional<Colouring> colouring;
     if (stage.colouring)
-        colouring = followColouring(*stage.colouring, frame);
+        colouring = followColouring(*stage.colouring, frame, progress);
     DataScene* const made = buildScene(frame, stage.style, colouring ? &*colouring : nullptr,
                                        std::move(geometry), progress, error);
     if (made) {

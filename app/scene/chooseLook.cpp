@@ -20,11 +20,12 @@ std::optional<Style> chooseStyle(const Options& options, const Configuration& co
 }
 
 bool chooseColouring(const Options& options, const Configuration& configuration, ReadReport& report,
-                     const ValueSummary* ofOthers, std::optional<Colouring>& colouring)
+                     const ValueSummary* ofOthers, std::optional<Colouring>& colouring,
+                     const Progress& progress)
 {
     if (!options.colourBy)
         return true;
-    colouring = makeColouring(options, configuration, report, ofOthers);
+    colouring = makeColouring(options, configuration, report, ofOthers, progress);
     if (!colouring && options.colourIfPossible)
         report.notices.push_back("not coloured: " + std::exchange(report.error, ""));
     return colouring || options.colourIfPossible;

@@ -21,7 +21,8 @@ std::optional<Style> chooseStyle(const Options& options, const Configuration& co
 /// The colouring that is asked for, if one is; `ofOthers` as of makeColouring(). False, and
 /// report.error, if there is none to be had, which options.colourIfPossible makes a notice.
 bool chooseColouring(const Options& options, const Configuration& configuration, ReadReport& report,
-                     const ValueSummary* ofOthers, std::optional<Colouring>& colouring);
+                     const ValueSummary* ofOthers, std::optional<Colouring>& colouring,
+                     const Progress& progress = Progress());
 
 } // namespace strandview
 

@@ -17,14 +17,14 @@ bool chooseColouringOf(const Configuration& frame, const Options& options,
                        const Progress& progress, std::optional<Colouring>& colouring)
 {
     if (options.colourBy && options.ownRange)
-        return chooseColouring(options, frame, report, nullptr, colouring);
+        return chooseColouring(options, frame, report, nullptr, colouring, progress);
     ValueSummary values;
     if (options.colourBy && !ofOthers)
         values = summarise(frame, *options.colourBy, options.dna.angstrom, progress);
     const bool isChosen =
-        chooseColouring(options, first, report, ofOthers ? ofOthers : &values, colouring);
+        chooseColouring(options, first, report, ofOthers ? ofOthers : &values, colouring, progress);
     if (colouring)
-        colouring = followColouring(*colouring, frame);
+        colouring = followColouring(*colouring, frame, progress);
     return isChosen;
 }
 
@@ -35,7 +35,7 @@ std::optional<PreparedLook> prepareLook(const Options& options, const Configurat
 {
     const std::optional<Style> style = chooseStyle(options, data, report);
     PreparedLook look;
-    if (!style || !chooseColouring(options, data, report, nullptr, look.colouring))
+    if (!style || !chooseColouring(options, data, report, nullptr, look.colouring, progress))
         return {};
     look.style = *style;
     look.geometry = computeGeometry(data, *style, progress, report.error);

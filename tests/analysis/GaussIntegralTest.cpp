@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <numeric>
+#include <thread>
 
 #include <gmock/gmock.h>
 
@@ -199,6 +200,27 @@ TEST(LinkingNumber, IsThatOfOpenOrTouchingCurvesNever)
     const Points touching{{0, 0, -1}, {0, 0, 1}, {-3, 0.5, 0}, {0, 0, -1}};
     const auto found = linkingNumber(triangle, touching);
     EXPECT_TRUE(!found || *found == 0) << *found;
+}
+
+TEST(GaussIntegral, AsksTheThreadThatCallsEdgeByEdgeWhetherToGoOn)
+{
+    for (const int size : {200, int(POINTS_FOR_THREADS) + 100}) {
+        SCOPED_TRACE(size);
+        const Points ring = randomRing(size, 5);
+        const std::thread::id caller = std::this_thread::get_id();
+        std::size_t asked = 0;
+        const auto ask = [&](std::size_t most) {
+            asked = 0;
+            return [&asked, caller, most] {
+                EXPECT_EQ(std::this_thread::get_id(), caller);
+                return ++asked <= most;
+            };
+        };
+        EXPECT_EQ(gaussIntegralOfEdges(ring, ask(1'000'000)), gaussIntegralOfEdges(ring));
+        EXPECT_GE(asked, ring.size() / 16);
+        EXPECT_THAT(gaussIntegralOfEdges(ring, ask(3)), testing::IsEmpty());
+        EXPECT_LE(asked, 32u) << "each of the parts once more";
+    }
 }
 
 } // namespace strandview

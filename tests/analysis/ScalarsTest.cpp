@@ -8,7 +8,10 @@
 
 #include <algebra3d/Matrix3.h>
 
+#include <strandview/analysis/stepParameters.h>
 #include <strandview/analysis/topology.h>
+
+#include "support/RandomRods.h"
 
 namespace strandview {
 
@@ -94,6 +97,100 @@ TEST(Scalars, OfAHelixVaryWithinTheRoundingOfItsDecimals)
             EXPECT_TRUE(decimals < 9 || largest < 0.01) << largest; // the bound is of use
         }
     }
+}
+
+TEST(Scalars, WrithesVaryWithinTheRoundingOfTheirDecimals)
+{
+    Rod bent; // sharply, at each of its points
+    RandomNumbers random(3);
+    for (int i = 0; i < 200; ++i)
+        bent.points.push_back((i == 0 ? Vector3<double>() : bent.points.back()) +
+                              Vector3<double>(1, 0, 0) + random.unitVector());
+    bent.rotations.resize(bent.points.size());
+    const auto largestShare = [](const Rod& rod, int decimals) {
+        const auto exact = *findScalar(rod, "writhe_density");
+        const Rod rounded = written(rod, decimals);
+        const auto values = *findScalar(rounded, "writhe_density");
+        const auto rounding = roundingOf(rounded, "writhe_density");
+        double largest = 0;
+        for (std::size_t i = 0; i < values.size(); ++i)
+            largest = std::max(largest, std::abs(values[i] - exact[i]) / rounding[i]);
+        return largest;
+    };
+    for (const int decimals : {5, 6, 9}) {
+        SCOPED_TRACE(decimals);
+        EXPECT_LE(largestShare(helix(1, 1), decimals), 1);
+        EXPECT_LE(largestShare(bent, decimals), 1);
+        EXPECT_GE(largestShare(bent, decimals), 0.01) << "the bound is of use";
+    }
+}
+
+// Pairs along a helix, whose bases are a little apart.
+Dna ladder()
+{
+    Dna dna;
+    PlacedFrame pair{{0, 0, 0}, {}};
+    for (int i = 0; i < 20; ++i) {
+        const BaseFrames bases = baseFrames(pair, {0.1, -0.2, 0.3, 5, -11, 2});
+        dna.bases += "A";
+        dna.pairPoints.push_back(pair.point);
+        dna.pairRotations.push_back(pair.rotation);
+        dna.points1.push_back(bases.base1.point);
+        dna.rotations1.push_back(bases.base1.rotation);
+        dna.points2.push_back(bases.base2.point);
+        dna.rotations2.push_back(bases.base2.rotation);
+        pair = nextPair(pair, {0.2, -0.4, 3.3, 1, 4, 35});
+    }
+    return dna;
+}
+
+Dna written(Dna dna, int decimals)
+{
+    const auto round = [decimals](auto& points, auto& rotations) {
+        Rod rod;
+        rod.points = points;
+        rod.rotations = rotations;
+        rod = written(rod, decimals);
+        points = rod.points;
+        rotations = rod.rotations;
+    };
+    round(dna.pairPoints, dna.pairRotations);
+    round(dna.points1, dna.rotations1);
+    round(dna.points2, dna.rotations2);
+    return dna;
+}
+
+TEST(Scalars, OfPairsAndStepsVaryWithinTheRoundingOfTheirDecimals)
+{
+    const double angstrom = 0.5; // of the unit of the points
+    const Configuration exact{{}, {}, {ladder()}};
+    for (const int decimals : {4, 6, 9}) {
+        const Configuration data{{}, {}, {written(ladder(), decimals)}};
+        const Track track = tracksOf(data, angstrom)[0];
+        for (const Quantity& quantity : quantities()) {
+            if (quantity.place == ScalarPlace::POINT)
+                continue;
+            SCOPED_TRACE(quantity.name + " with decimals: " + std::to_string(decimals));
+            const auto values = *findScalar(track, quantity.name);
+            const auto expected = *findScalar(tracksOf(exact, angstrom)[0], quantity.name);
+            const auto rounding = roundingOf(track, quantity.name);
+            double largest = 0;
+            for (std::size_t i = 0; i + 1 < values.size(); ++i)
+                largest = std::max(largest, std::abs(values[i] - expected[i]) / rounding[i]);
+            EXPECT_LE(largest, 1);
+            EXPECT_GE(largest, 0.003) << "the bound is of use";
+        }
+    }
+}
+
+TEST(Scalars, ThatAreSlowAreNothingOnceTheyAreStopped)
+{
+    const Rod rod = helix(0, 1);
+    const Track track = trackOf(rod);
+    const auto never = [] { return false; };
+    EXPECT_FALSE(findScalar(track, "writhe_density", never));
+    EXPECT_TRUE(findScalar(track, "writhe_density", [] { return true; }));
+    EXPECT_TRUE(findScalar(track, "curvature", never)) << "which takes no time";
 }
 
 TEST(Scalars, OfALatticeAreNotRounded)

@@ -99,6 +99,32 @@ TEST_F(ColouringTest, AGivenRangeIsTakenAndKnowsWhatLiesBeyond)
     EXPECT_TRUE(make({straightRod({2, 3, 5})})->isAbove);
 }
 
+// Stops when it was asked so often.
+class AskedProgress : public Progress
+{
+public:
+    explicit AskedProgress(std::size_t most) : atMost(most) {}
+    bool isStopped() const override { return ++asked > atMost; }
+
+    mutable std::size_t asked = 0;
+
+private:
+    std::size_t atMost;
+};
+
+TEST_F(ColouringTest, AsksOnItsWayAlongARodWhetherToGoOn)
+{
+    options.colourBy = "writhe_density";
+    const std::size_t edges = 4000;
+    const Configuration data{{circle(int(edges), 1, 0)}};
+    const AskedProgress patient(1'000'000);
+    ASSERT_TRUE(makeColouring(options, data, report, nullptr, patient)) << report.error;
+    EXPECT_GT(patient.asked, edges / 20) << "by one of sixteen threads at least";
+    const AskedProgress stopped(20);
+    EXPECT_FALSE(makeColouring(options, data, report, nullptr, stopped));
+    EXPECT_EQ(report.error, "colouring was stopped");
+}
+
 // A polygon that winds to the right about x as far as it winds to the left, and on for `more`
 // points.
 Rod woundBothWays(int more)
