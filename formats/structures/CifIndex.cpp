@@ -7,6 +7,7 @@
 #include <strandview/formats/Pieces.h>
 #include <strandview/formats/structures/nucleicAcid.h>
 #include <strandview/formats/structures/readAtoms.h>
+#include <strandview/formats/text/characters.h>
 #include <strandview/formats/text/encoding.h>
 
 namespace strandview {
@@ -53,6 +54,9 @@ bool CifIndex::lookFor(std::size_t most, Source& source, const ReadOptions& opti
             scanned = piece->size() - withoutByteOrderMark(*piece).size();
             piece = withoutByteOrderMark(*piece);
         }
+        std::string withFeeds;
+        if (hasReturnAlone(*piece))
+            piece = withFeeds = withFeedsForReturns(*piece);
         const bool isAll = state == State::BROKEN || (isAtEnd && !options.growing);
         const std::size_t end = isAll ? piece->size() : piece->rfind('\n') + 1;
         seeLines(piece->substr(0, end), most);
@@ -103,8 +107,10 @@ void CifIndex::seeLine(std::string_view line)
     if (isRowOfModel(line)) {
         isBehindTable = false;
         areRowsLines = true;
+        stray.model.clear();
         return;
     }
+    const bool wasAmongAtoms = isAmongAtoms();
     words = 0;
     firstColumn = next;
     if (next == 0 && isAmongAtoms()) {
@@ -130,7 +136,7 @@ void CifIndex::seeLine(std::string_view line)
         if (isInText)
             text = line;
     }
-    endLine();
+    endLine(line, wasAmongAtoms);
 }
 
 /// Whether a line is nothing but a row of the last model, as nearly all are.
@@ -284,6 +290,7 @@ void CifIndex::beginRows()
     modelColumn = componentColumn = parentColumn = NO_COLUMN;
     isOfAtoms = isTableKept = isOdd = areRowsLines = false;
     aligned = {places.size(), model};
+    stray = {};
     std::vector<CifColumn> columns;
     for (std::size_t i = 0; i < table.tags.size(); ++i) {
         const CifColumn column = cifColumnOf(table.tags[i]);
@@ -344,8 +351,9 @@ void CifIndex::endRow()
         return;
     }
     isOdd = isOdd || !isModelNumber(rowModel);
+    const bool isStraysModel = !stray.model.empty() && stray.model == rowModel;
     if (model && *model != rowModel)
-        beginFrame(rowBegin);
+        beginFrame(isStraysModel ? stray.begin : rowBegin);
     if (model != rowModel)
         model = rowModel;
 }
@@ -360,20 +368,51 @@ void CifIndex::beginFrame(const Where& where)
 
 /// A line that is a row, and was not taken for one, where rows before have no model number, or
 /// another one than the lines around: one of them has too few values, or too many.
-void CifIndex::endLine()
+void CifIndex::endLine(std::string_view line, bool wasAmongAtoms)
 {
-    if (!isAmongAtoms() || modelColumn == NO_COLUMN || words != table.tags.size())
+    if (!wasAmongAtoms || modelColumn == NO_COLUMN)
         return;
-    if (firstColumn == 0) {
+    const bool isWhole = words == table.tags.size();
+    if (isAmongAtoms() && firstColumn == 0 && isWhole) {
         areRowsLines = next == 0;
+        stray.model.clear();
         return;
     }
-    const bool isOther = areRowsLines && model != aligned.model && lineModel == aligned.model;
-    if (isModelNumber(lineModel) && (isOdd || isOther))
+    if (areRowsLines)
+        noteStray(line);
+    const bool endsWithinRow = !isAmongAtoms() && next != 0;
+    if (endsWithinRow && model && !stray.model.empty() && stray.model != *model)
+        beginFrame(stray.begin);
+    const bool isOther = areRowsLines && model != aligned.model && model != lineModel;
+    if (isAmongAtoms() && isWhole && isModelNumber(lineModel) && (isOdd || isOther))
         align();
 }
 
-/// The line begins with a row. What was found since one did is of one model, with what is wrong.
+/// A line that is no row where others are. Its model is counted from the nearer one of its ends,
+/// since values are missing, or too many, somewhere else more probably.
+void CifIndex::noteStray(std::string_view line)
+{
+    std::vector<std::string_view> all;
+    std::size_t place = skipCif(line, 0, CifCharacter::BLANK);
+    const std::size_t begin = place;
+    while (place < line.size()) {
+        const std::size_t end = std::min(line.find_first_of(" \t\r", place), line.size());
+        all.push_back(line.substr(place, end - place));
+        place = skipCif(line, end, CifCharacter::BLANK);
+    }
+    const std::size_t columns = table.tags.size(), behind = columns - modelColumn;
+    if (columns <= modelColumn) // a keyword ended the table
+        return;
+    const bool isNearEnd = behind <= columns / 2;
+    if (all.size() < (isNearEnd ? behind : modelColumn + 1))
+        return;
+    const std::string_view found = cifValueOf(all[isNearEnd ? all.size() - behind : modelColumn]);
+    if (isModelNumber(found) && found != stray.model)
+        stray = {std::string(found), {scanned + begin, lineNumber, begin + 1}};
+}
+
+/// The line begins with a row. What was found since one did is of one model, with what is wrong,
+/// but for lines that tell the model of this row: they belong to that.
 void CifIndex::align()
 {
     const std::size_t first = 1; // in which what is wrong is told, too

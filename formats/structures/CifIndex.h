@@ -27,9 +27,12 @@ namespace strandview {
 ///
 /// What is wrong in front of the first atom refuses the text, in the words of readMmcif(); what is
 /// wrong behind it is told with the frame that it stands in. Where each row has a line, a row of
-/// too few or too many values spoils its own model alone. The last model is cut where the text ends
-/// within a row; of one that is growing, until something follows that is none of its rows, be it
-/// the line "#" that programs write behind a table.
+/// too few or too many values spoils its own model alone: the one whose number the row has, counted
+/// from the nearer end of the row; where there is none, that of the row before. Lines end with LF,
+/// CR LF or CR.
+///
+/// The last model is cut where the text ends within a row; of one that is growing, until something
+/// follows that is none of its rows, be it the line "#" that programs write behind a table.
 class STRANDVIEW_FORMATS_EXPORT CifIndex : public TextIndex
 {
 public:
@@ -71,6 +74,12 @@ private:
         std::size_t places;
         std::optional<std::string> model;
     };
+    /// Lines since then that are no rows, where others are: the first one with the last model.
+    struct Stray
+    {
+        std::string model; ///< its number; empty if none has one
+        Where begin;
+    };
 
     bool lookFor(std::size_t most, Source& source, const ReadOptions& options, ReadReport& report);
     bool refuse(Source& source, const ReadOptions& options, ReadReport& report) const;
@@ -88,7 +97,8 @@ private:
     void beginRows();
     bool mayEndTable() const;
     void endRow();
-    void endLine();
+    void endLine(std::string_view line, bool wasAmongAtoms);
+    void noteStray(std::string_view line);
     void align();
     void beginFrame(const Where& where);
     bool isAmongAtoms() const { return state == State::IN_ROWS && isOfAtoms; }
@@ -127,6 +137,7 @@ private:
     Where lineBegin = {};        ///< where that stands
     std::string lineModel;       ///< if the line is a row
     Aligned aligned = {};
+    Stray stray = {};
     bool isOdd = false;        ///< whether a row since then has no model number
     bool areRowsLines = false; ///< the last line that began with a row was one
 

@@ -11,6 +11,8 @@
 #include <strandview/formats/Source.h>
 #include <strandview/formats/structures/CifIndex.h>
 #include <strandview/formats/structures/PdbFrames.h>
+#include <strandview/formats/structures/cifText.h>
+#include <strandview/formats/text/encoding.h>
 #include <strandview/formats/text/encoding.h>
 #include <strandview/formats/text/fields.h>
 #include <strandview/formats/text/numbers.h>
@@ -34,15 +36,23 @@ std::vector<std::string_view> firstLines(std::string_view text)
     return lines;
 }
 
+/// Whether the first words are the heading of a data block, and what may follow it.
 bool isMmcif(std::string_view beginning)
 {
-    std::vector<std::string_view> lines;
-    for (const std::string_view line : firstLines(beginning))
-        if (trimmed(line)[0] != '#')
-            lines.push_back(trimmed(line));
-    if (lines.empty() || inSmallLetters(lines[0].substr(0, 5)) != "data_")
-        return false;
-    return lines.size() == 1 || lines[1][0] == '_' || inSmallLetters(lines[1]) == "loop_";
+    bool isInBlock = false;
+    for (const std::string_view line : firstLines(beginning)) {
+        std::size_t place = 0;
+        for (CifKind kind; (kind = nextCifWord(line, place).kind) != CifKind::END;) {
+            if (kind == CifKind::COMMENT)
+                continue;
+            if (isInBlock)
+                return kind == CifKind::TAG || kind == CifKind::LOOP;
+            if (kind != CifKind::DATA)
+                return false;
+            isInBlock = true;
+        }
+    }
+    return isInBlock;
 }
 
 bool isLineOfPdb(std::string_view line)

@@ -105,16 +105,37 @@ inline std::size_t skipCif(std::string_view line, std::size_t place, CifCharacte
     return place;
 }
 
-/// The value of a line from a place on, which moves behind it, if that is nothing but plain
-/// characters; else nothing, and the place stays.
+/// How long a value is that begins at a place, is nothing but plain characters, or in quotation
+/// marks without one of them between them, on one line, and has a blank or the text's end behind
+/// it. 0 of anything else.
+inline std::size_t sizeOfPlainCifValue(std::string_view text, std::size_t begin)
+{
+    const char first = begin < text.size() ? text[begin] : '\0';
+    std::size_t end = begin;
+    if (first == '"' || first == '\'') {
+        ++end;
+        while (end < text.size() && text[end] != first && text[end] != '\n')
+            ++end;
+        if (end == text.size() || text[end] != first)
+            return 0;
+        ++end;
+    } else {
+        end = skipCif(text, begin, CifCharacter::PLAIN);
+    }
+    const bool isWhole = end == text.size() || cifCharacterOf(text[end]) == CifCharacter::BLANK;
+    return isWhole ? end - begin : 0;
+}
+
+/// The value of a line from a place on, which moves behind it, if that is plain; else nothing, and
+/// the place stays.
 inline std::string_view nextPlainCifValue(std::string_view line, std::size_t& place)
 {
     const std::size_t begin = skipCif(line, place, CifCharacter::BLANK);
-    const std::size_t end = skipCif(line, begin, CifCharacter::PLAIN);
-    if (end == begin || (end < line.size() && cifCharacterOf(line[end]) != CifCharacter::BLANK))
+    const std::size_t size = sizeOfPlainCifValue(line, begin);
+    if (size == 0)
         return {};
-    place = end;
-    return line.substr(begin, end - begin);
+    place = begin + size;
+    return line.substr(begin, size);
 }
 
 /// The word of a line from a place on, which moves behind it. The line has no LF.

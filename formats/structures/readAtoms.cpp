@@ -265,28 +265,6 @@ struct Enough
 
 constexpr double LARGEST_OCCUPANCY = 1e6; // some files have per cent
 
-bool isOrdinary(char c) { return gemmi::cif::char_table(c) == 1; }
-bool isBlank(char c) { return gemmi::cif::char_table(c) == 2; }
-
-/// Of a value that is nothing but ordinary characters, or is in quotation marks without one between
-/// them; with a blank behind it. 0 of anything else.
-std::size_t sizeOfPlainValue(std::string_view text, std::size_t begin)
-{
-    const char first = begin < text.size() ? text[begin] : '\0';
-    const bool isQuoted = first == '"' || first == '\'';
-    std::size_t end = begin + isQuoted;
-    if (isQuoted)
-        while (end < text.size() && text[end] != first && text[end] != '\n')
-            ++end;
-    else
-        while (end < text.size() && isOrdinary(text[end]))
-            ++end;
-    const bool isClosed = isQuoted && end < text.size() && text[end] == first;
-    end += isClosed;
-    const bool isWhole = end < text.size() && isBlank(text[end]) && isClosed == isQuoted;
-    return isWhole ? end - begin : 0;
-}
-
 using Column = CifColumn;
 
 /// Takes the tables of atoms and of components from the parser, a value at a time.
@@ -351,10 +329,11 @@ public:
     std::size_t addPlainValues(std::string_view rest, std::size_t line)
     {
         std::size_t end = 0, place = 0;
-        while (const std::size_t size = sizeOfPlainValue(rest, place)) {
+        while (const std::size_t size = sizeOfPlainCifValue(rest, place)) {
             addValue(rest.substr(place, size), line);
             end = place += size;
-            while (place < rest.size() && isBlank(rest[place]) && rest[place] != '\n')
+            while (place < rest.size() && rest[place] != '\n' &&
+                   cifCharacterOf(rest[place]) == CifCharacter::BLANK)
                 ++place;
         }
         return end;
@@ -649,6 +628,12 @@ bool readMmcif(std::string_view text, const std::string& fileName, const ReadOpt
 bool readMmcifPart(const CifPart& part, const std::string& fileName, const ReadOptions& options,
                    const TakeModel& take, ReadReport& report)
 {
+    if (hasReturnAlone(part.text)) {
+        CifPart ofFeeds = part;
+        const std::string text = withFeedsForReturns(part.text);
+        ofFeeds.text = text;
+        return readMmcifPart(ofFeeds, fileName, options, take, report);
+    }
     CifScanner scanner(part, take, options);
     try {
         parse(part, scanner);

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <string>
 #include <string_view>
 
 namespace strandview {
@@ -63,6 +64,26 @@ inline std::size_t findLineEnd(std::string_view text, std::size_t from)
             return from + end;
     }
     return text.size();
+}
+
+/// Whether a CR ends a line, which is one that no LF follows. At the text's end it may be half of
+/// an end, and counts for none.
+inline bool hasReturnAlone(std::string_view text)
+{
+    std::size_t at = text.find('\r');
+    while (at != text.npos && text.substr(at + 1, 1) == "\n")
+        at = text.find('\r', at + 2);
+    return at != text.npos && at + 1 < text.size();
+}
+
+/// The same text, byte for byte in its place, but with LF for each such CR.
+inline std::string withFeedsForReturns(std::string_view text)
+{
+    std::string same(text);
+    for (std::size_t at = same.find('\r'); at != same.npos; at = same.find('\r', at + 1))
+        if (at + 1 < same.size() && same[at + 1] != '\n')
+            same[at] = '\n';
+    return same;
 }
 
 } // namespace strandview

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <memory>
 #include <random>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,7 @@
 #include <strandview/formats/structures/readAtoms.h>
 #include <strandview/formats/text/encoding.h>
 
+#include "support/structureModels.h"
 #include "support/structureTexts.h"
 
 namespace strandview {
@@ -25,43 +27,9 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-/// A duplex that is one model after the other a little farther along x.
-std::string modelsOf(const std::string& letters, int count)
+std::string cifModels(const std::string& letters, int count)
 {
-    std::vector<TestAtom> atoms;
-    for (int model = 1; model <= count; ++model)
-        for (TestAtom atom : duplexAtoms(letters)) {
-            atom.model = model;
-            atom.place.x += model;
-            atoms.push_back(atom);
-        }
-    return cifOf(atoms);
-}
-
-std::string replaced(std::string text, const std::string& from, const std::string& to)
-{
-    for (std::size_t at = text.find(from); at != text.npos; at = text.find(from, at + to.size()))
-        text.replace(at, from.size(), to);
-    return text;
-}
-
-struct Opened
-{
-    std::unique_ptr<Series> series;
-    ReadReport report;
-};
-
-Opened open(const std::string& text, const ReadOptions& options = {})
-{
-    Opened opened;
-    opened.series = openStructures(Source::ofBytes("here", text), options, opened.report);
-    return opened;
-}
-
-/// What identifies a model among those of a test: its DNA's first place, or that it has none.
-double placeOf(const std::optional<Configuration>& model)
-{
-    return model && !model->dnas.empty() ? model->dnas[0].pairPoints[0].x : -1;
+    return cifOf(modelsOf(letters, count));
 }
 
 std::vector<double> placesOf(Series& series)
@@ -104,11 +72,23 @@ std::size_t lineAt(const std::string& text, std::size_t place)
 /// The beginning of the row that has the first atom of a model, counted from 0.
 std::size_t firstRowOf(const std::string& text, int model)
 {
-    std::size_t at = text.find("\nATOM ");
+    std::size_t at = text.find('\n', text.rfind("\n_atom_site.") + 1);
     const std::size_t rows = duplexAtoms("ACG").size();
     for (std::size_t row = 0; row < rows * std::size_t(model); ++row)
-        at = text.find("\nATOM ", at + 1);
+        at = text.find('\n', at + 1);
     return at + 1;
+}
+
+std::size_t lastRowOf(const std::string& text, int model)
+{
+    return text.rfind('\n', firstRowOf(text, model + 1) - 2) + 1;
+}
+
+/// The first one, another one, and the last one.
+std::vector<std::size_t> rowsOfTheSecond(const std::string& text)
+{
+    const std::size_t first = firstRowOf(text, 1);
+    return {first, text.find('\n', first) + 1, lastRowOf(text, 1)};
 }
 
 /// The text with something else for a word of a row, counted from 0.
@@ -122,11 +102,26 @@ std::string withWord(std::string text, std::size_t row, int which, const std::st
 
 const int X = 7; // its word
 
-ReadOptions atOnce()
+/// Without the column that is a word, so that a row that takes a value of the next one has a number
+/// more.
+std::string startingWithNumbers(const std::string& text)
 {
-    ReadOptions options;
-    options.atOnce = true;
-    return options;
+    return replaced(replaced(text, "_atom_site.group_PDB\n", ""), "\nATOM ", "\n");
+}
+
+/// With the model's number in the second column.
+std::string withModelsFirst(const std::string& text)
+{
+    const std::string tag = "_atom_site.pdbx_PDB_model_num\n";
+    std::istringstream lines(
+        replaced(replaced(text, tag, ""), "_atom_site.id\n", tag + "_atom_site.id\n"));
+    std::string changed;
+    for (std::string line; std::getline(lines, line); changed += line + "\n") {
+        const std::size_t last = line.rfind(' ');
+        if (line.substr(0, 5) == "ATOM ")
+            line = "ATOM" + line.substr(last) + line.substr(4, last - 4);
+    }
+    return changed;
 }
 
 /// A row of a table of atoms without a word for each line.
@@ -140,12 +135,14 @@ std::string inOneLine(const std::string& text)
 
 TEST(CifIndex, EachFrameIsTheModelThatTheReaderOfAllModelsHas)
 {
-    const std::string text = modelsOf("ACG", 3);
+    const std::string text = cifModels("ACG", 3);
     const std::string body = text.substr(text.find('\n') + 1);
     const std::string other =
         "loop_\n_other.id\n_other.text\n1\n;loop_\ndata_x\n;\n2 'a data_ b'\n";
     for (const std::string& one :
          {text, replaced(text, "\n", "\r\n"), replaced(text, " ", "\n"), inOneLine(text),
+          replaced(text, "\n", "\r"),
+          replaced("# a comment\ndata_a\n" + other + "_some.text\n;\nATOM\n;\n" + body, "\n", "\r"),
           replaced(text, "ATOM ", "\n#\nATOM # of a row\n"), replaced(text, " 1\n", " .\n"),
           replaced(text, " 2\n", "\n;2\n;\n"), replaced(text, " 2\n", " '2'\n"),
           replaced(text, " 2\n", " B\n"), replaced(text, " 3\n", " 1\n"),
@@ -158,7 +155,7 @@ TEST(CifIndex, EachFrameIsTheModelThatTheReaderOfAllModelsHas)
         const ReadWhole expected = readWhole(one);
         ASSERT_EQ(expected.error, "");
         EXPECT_GE(expected.places.size(), 2u);
-        const Opened opened = open(one);
+        const OpenedStructures opened = openText(one);
         ASSERT_TRUE(opened.series) << opened.report.error;
         EXPECT_THAT(opened.report.notices, IsEmpty());
         EXPECT_EQ(placesOf(*opened.series), expected.places);
@@ -173,7 +170,7 @@ TEST(CifIndex, ModelsThatTakeTurnsAreFramesEachTime)
             atom.model = model;
             atoms.push_back(atom);
         }
-    const Opened opened = open(cifOf(atoms));
+    const OpenedStructures opened = openText(cifOf(atoms));
     ASSERT_TRUE(opened.series) << opened.report.error;
     EXPECT_EQ(opened.series->count(), 3u);
     EXPECT_EQ(readWhole(cifOf(atoms)).places.size(), 3u);
@@ -181,57 +178,85 @@ TEST(CifIndex, ModelsThatTakeTurnsAreFramesEachTime)
 
 TEST(CifIndex, WithoutAModelNumberAllAtomsAreOneModel)
 {
-    const std::string text = replaced(modelsOf("ACG", 2), "pdbx_PDB_model_num", "other");
-    const Opened opened = open(text);
+    const std::string text = replaced(cifModels("ACG", 2), "pdbx_PDB_model_num", "other");
+    const OpenedStructures opened = openText(text);
     ASSERT_TRUE(opened.series) << opened.report.error;
     EXPECT_EQ(opened.series->count(), 1u);
 }
 
 TEST(CifIndex, AModelThatCannotBeReadIsToldWithItsPlaceAndTheOthersStay)
 {
-    const std::string text = modelsOf("ACG", 3);
-    const std::size_t row = text.find("\nATOM", firstRowOf(text, 1)) + 1; // its second one
-    const std::string place = "here:" + std::to_string(lineAt(text, row));
-    for (const auto& [word, error] : std::vector<std::pair<std::string, std::string>>{
-             {"x.0", ": Cartn_x: found 'x.0', expected a finite number"},
-             {"_x", ":"},
-             {"'x", ":"},
-             {"\x80", ":"}}) {
-        const Opened opened = open(withWord(text, row, X, word));
-        ASSERT_TRUE(opened.series) << opened.report.error;
-        ASSERT_EQ(opened.series->count(), word[0] == '_' ? 2u : 3u) << word;
-        EXPECT_THAT(opened.series->load(1).error, testing::StartsWith(place + error)) << word;
-        EXPECT_NEAR(placeOf(opened.series->load(0).configuration), 1, 0.01);
-        if (word[0] != '_') {
-            EXPECT_NEAR(placeOf(opened.series->load(2).configuration), 3, 0.01);
+    const std::string text = cifModels("ACG", 3);
+    for (const std::size_t row : rowsOfTheSecond(text)) {
+        const std::string place = "here:" + std::to_string(lineAt(text, row));
+        SCOPED_TRACE(place);
+        for (const auto& [word, error] : std::vector<std::pair<std::string, std::string>>{
+                 {"x.0", ": Cartn_x: found 'x.0', expected a finite number"},
+                 {"_x", ":"},
+                 {"'x", ":"},
+                 {"\x80", ":"}}) {
+            const OpenedStructures opened = openText(withWord(text, row, X, word));
+            ASSERT_TRUE(opened.series) << opened.report.error;
+            ASSERT_EQ(opened.series->count(), word[0] == '_' ? 2u : 3u) << word;
+            EXPECT_THAT(opened.series->load(1).error, testing::StartsWith(place + error)) << word;
+            EXPECT_NEAR(placeOf(opened.series->load(0).configuration), 1, 0.01);
+            if (word[0] != '_') {
+                EXPECT_NEAR(placeOf(opened.series->load(2).configuration), 3, 0.01);
+            }
         }
     }
 }
 
 TEST(CifIndex, ARowOfTooFewOrTooManyValuesSpoilsItsModelAlone)
 {
-    const std::string text = modelsOf("ACG", 3);
-    const std::size_t row = text.find("\nATOM", firstRowOf(text, 1)) + 1; // its second one
-    for (const char* word : {"", "1 2", "1 2 3 4 5", "'1' \"2\""}) {
-        const std::string changed = withWord(text, row, X, word);
-        const Opened opened = open(changed);
-        ASSERT_TRUE(opened.series) << opened.report.error;
-        ASSERT_EQ(opened.series->count(), 3u) << word;
-        EXPECT_THAT(opened.series->load(1).error, HasSubstr("here:")) << word;
-        EXPECT_NEAR(placeOf(opened.series->load(0).configuration), 1, 0.01);
-        EXPECT_NEAR(placeOf(opened.series->load(2).configuration), 3, 0.01);
-        EXPECT_NE(readWhole(changed).error, "");
-    }
+    const std::string text = cifModels("ACG", 3);
+    for (const std::string& table : {text, startingWithNumbers(text), withModelsFirst(text)})
+        for (const std::size_t row : rowsOfTheSecond(table))
+            for (const char* word : {"", "1 2", "1 2 3 4 5", "'1' \"2\""}) {
+                const std::string changed = withWord(table, row, X, word);
+                SCOPED_TRACE(changed.substr(row, 100));
+                const OpenedStructures opened = openText(changed);
+                ASSERT_TRUE(opened.series) << opened.report.error;
+                ASSERT_EQ(opened.series->count(), 3u) << word;
+                EXPECT_THAT(opened.series->load(1).error, HasSubstr("here:")) << word;
+                EXPECT_NEAR(placeOf(opened.series->load(0).configuration), 1, 0.01);
+                EXPECT_NEAR(placeOf(opened.series->load(2).configuration), 3, 0.01);
+                EXPECT_NE(readWhole(changed).error, "");
+            }
+}
+
+TEST(CifIndex, OfTwoModelsEachIsSpoiltByItsOwnRows)
+{
+    const std::string text = cifModels("ACG", 4);
+    std::string changed = withWord(text, firstRowOf(text, 2), X, "");
+    changed = withWord(changed, lastRowOf(changed, 1), X, "");
+    const OpenedStructures opened = openText(changed);
+    ASSERT_TRUE(opened.series) << opened.report.error;
+    ASSERT_EQ(opened.series->count(), 4u);
+    EXPECT_NEAR(placeOf(opened.series->load(0).configuration), 1, 0.01);
+    EXPECT_NE(opened.series->load(1).error, "");
+    EXPECT_NE(opened.series->load(2).error, "");
+    EXPECT_NEAR(placeOf(opened.series->load(3).configuration), 4, 0.01);
+}
+
+TEST(CifIndex, OfTheFirstModelWhatIsWrongInItsFirstRowIsTold)
+{
+    const std::string text = cifModels("ACG", 3);
+    const OpenedStructures opened = openText(withWord(text, firstRowOf(text, 0), X, ""));
+    ASSERT_TRUE(opened.series) << opened.report.error;
+    ASSERT_EQ(opened.series->count(), 3u);
+    EXPECT_NE(opened.series->load(0).error, "");
+    EXPECT_NEAR(placeOf(opened.series->load(1).configuration), 2, 0.01);
 }
 
 TEST(CifIndex, ALastModelThatEndsWithinARowIsLeftOutAndAnOnlyOneRefused)
 {
-    const std::string text = modelsOf("ACG", 3);
+    const std::string text = cifModels("ACG", 3);
     const std::size_t row = firstRowOf(text, 2) + 300;
     for (const std::string& end : {std::string("ATOM 1 P"), std::string("ATOM 1 \"O3"),
                                    std::string("ATOM\n"), std::string("ATOM\n;text\n")}) {
         const std::string cut = text.substr(0, text.find('\n', row) + 1) + end;
-        const Opened opened = open(cut);
+        const OpenedStructures opened = openText(cut);
         ASSERT_TRUE(opened.series) << opened.report.error;
         EXPECT_EQ(opened.series->count(), 2u);
         EXPECT_THAT(opened.report.notices,
@@ -239,14 +264,14 @@ TEST(CifIndex, ALastModelThatEndsWithinARowIsLeftOutAndAnOnlyOneRefused)
         EXPECT_THAT(opened.report.notices[0], HasSubstr(readWhole(cut).error));
         const std::string only =
             text.substr(0, text.find('\n', firstRowOf(text, 0) + 300) + 1) + end;
-        EXPECT_EQ(open(only).report.error, readWhole(only).error);
+        EXPECT_EQ(openText(only).report.error, readWhole(only).error);
         EXPECT_NE(readWhole(only).error, "");
     }
 }
 
 TEST(CifIndex, WhatIsWrongInFrontOfTheAtomsRefusesTheText)
 {
-    const std::string text = replaced(modelsOf("ACG", 2), "#\n_entry", "_a.b c\n_entry");
+    const std::string text = replaced(cifModels("ACG", 2), "#\n_entry", "_a.b c\n_entry");
     for (const std::string& wrong :
          {replaced(text, "_entry.id TEST", "_entry.id 'TEST"),
           replaced(text, "_entry.id TEST", "TEST"), replaced(text, "_entry.id TEST", "loop_ 1 2"),
@@ -254,21 +279,21 @@ TEST(CifIndex, WhatIsWrongInFrontOfTheAtomsRefusesTheText)
           replaced(text, "loop_", "save_x loop_"), std::string("data_x\n_entry.id x\n;text\n")}) {
         const std::string expected = readWhole(wrong).error;
         EXPECT_NE(expected, "");
-        EXPECT_EQ(open(wrong).report.error, expected);
+        EXPECT_EQ(openText(wrong).report.error, expected);
         ReadReport report;
         EXPECT_FALSE(readStructure(*Source::ofBytes("here", wrong), {}, report));
         EXPECT_EQ(report.error, expected);
     }
-    EXPECT_EQ(open("data_x\n_entry.id x\n").report.error, "here: found no atoms, expected DNA");
+    EXPECT_EQ(openText("data_x\n_entry.id x\n").report.error, "here: found no atoms, expected DNA");
 }
 
 TEST(CifIndex, WhatStandsInFrontOfTheAtomsHoldsForAllModels)
 {
     const std::string table = "loop_\n_chem_comp.id\n_chem_comp.mon_nstd_parent_comp_id\n"
                               "ZZZ DC\nYYY\n;DG\n;\n";
-    std::string text = replaced(modelsOf("ACG", 3), " DC ", " ZZZ ");
+    std::string text = replaced(cifModels("ACG", 3), " DC ", " ZZZ ");
     text.insert(text.find("loop_"), table);
-    const Opened opened = open(text);
+    const OpenedStructures opened = openText(text);
     ASSERT_TRUE(opened.series) << opened.report.error;
     ASSERT_EQ(opened.series->count(), 3u);
     for (const std::size_t frame : {2, 0, 1})
@@ -278,21 +303,21 @@ TEST(CifIndex, WhatStandsInFrontOfTheAtomsHoldsForAllModels)
 TEST(CifIndex, OpenedAtOnceTheFirstModelIsThereAndTheOthersAreFoundLater)
 {
     const int count = 300; // some megabytes
-    const std::string text = modelsOf("ACGTACGT", count);
-    const Opened opened = open(text, atOnce());
+    const std::string text = cifModels("ACGTACGT", count);
+    const OpenedStructures opened = openText(text, atOnce());
     ASSERT_TRUE(opened.series) << opened.report.error;
     EXPECT_LT(opened.series->count(), std::size_t(count));
     EXPECT_NEAR(placeOf(opened.series->load(0).configuration), 1, 0.01);
     EXPECT_FALSE(opened.series->lookForMore({}));
     EXPECT_EQ(opened.series->count(), std::size_t(count));
     EXPECT_NEAR(placeOf(opened.series->load(count - 1).configuration), count, 0.01);
-    EXPECT_EQ(open(text).series->count(), std::size_t(count));
-    EXPECT_EQ(open(inOneLine(text), atOnce()).series->count(), std::size_t(count));
+    EXPECT_EQ(openText(text).series->count(), std::size_t(count));
+    EXPECT_EQ(openText(inOneLine(text), atOnce()).series->count(), std::size_t(count));
 }
 
 TEST(CifIndex, OfATextThatGrowsAModelIsWholeOnceSomethingElseFollows)
 {
-    const std::string text = modelsOf("ACG", 3);
+    const std::string text = cifModels("ACG", 3);
     ReadOptions growing;
     growing.growing = true;
     const auto wholeOf = [&](const std::string& part) {
@@ -321,7 +346,7 @@ TEST(CifIndex, OfATextThatGrowsAModelIsWholeOnceSomethingElseFollows)
 
 TEST(CifIndex, GoesOnFromWhereItWasStopped)
 {
-    const std::string text = modelsOf("ACGTACGT", 300);
+    const std::string text = cifModels("ACGTACGT", 300);
     const auto source = Source::ofBytes("here", text);
     CifIndex index;
     ReadReport report;
@@ -347,7 +372,7 @@ namespace {
 /// Two data blocks, tables before, between and behind, and words of all forms.
 std::string manyThings()
 {
-    std::string text = modelsOf("AC", 3);
+    std::string text = cifModels("AC", 3);
     text.insert(text.find("loop_"),
                 "loop_\n_chem_comp.id\n_chem_comp.mon_nstd_parent_comp_id\nZZZ DC\nYYY 'D G'\n"
                 "_some.text\n;loop_\n it's\n;\n");
@@ -383,7 +408,8 @@ ReadWhole readFrames(const std::string& text)
 TEST(CifIndex, WhateverCharacterIsChangedItTellsWhatTheReaderOfAllTells)
 {
     const std::string text = manyThings();
-    ASSERT_EQ(readWhole(text).places.size(), 3u) << readWhole(text).error;
+    const std::vector<double> whole = readWhole(text).places;
+    ASSERT_EQ(whole.size(), 3u) << readWhole(text).error;
     std::mt19937 random(7);
     const std::string characters = " \n\r\t#'\";_$?.1aZ-~\x01\x80";
     std::size_t wrong = 0, sameError = 0;
@@ -412,8 +438,10 @@ TEST(CifIndex, WhateverCharacterIsChangedItTellsWhatTheReaderOfAllTells)
             ASSERT_EQ(found.places, expected.places);
             continue;
         }
-        ASSERT_LE(found.places.size(), expected.places.size());
-        ASSERT_TRUE(std::equal(found.places.begin(), found.places.end(), expected.places.begin()));
+        // Of a wrong first row of a model the reader of all has not finished the one before.
+        ASSERT_LE(found.places.size(), expected.places.size() + 1);
+        for (std::size_t k = 0; k < found.places.size(); ++k)
+            ASSERT_EQ(found.places[k], k < expected.places.size() ? expected.places[k] : whole[k]);
         ++wrong;
         sameError += found.error == expected.error;
         if (found.error == expected.error)

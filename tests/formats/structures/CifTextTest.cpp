@@ -87,6 +87,17 @@ TEST(CifText, ColumnsAreKnownInLettersOfAnySize)
               nullptr);
 }
 
+TEST(CifText, PlainValuesEndOnTheirLine)
+{
+    const auto sizeOf = [](const std::string& text) { return sizeOfPlainCifValue(text, 0); };
+    EXPECT_EQ(sizeOf("-1.5 2"), 4u);
+    EXPECT_EQ(sizeOf("'a b'\n2"), 5u);
+    EXPECT_EQ(sizeOf("\"O3'\""), 5u);
+    for (const char* other :
+         {"", " 1", "_x", "a_b", "O3' ", "'a", "'a\nb' ", "'a'b' ", "'a'#", "#x", ";x\n", "a\x01"})
+        EXPECT_EQ(sizeOf(other), 0u) << other;
+}
+
 // A plain row is one that has the same words one after the other, all of them values.
 TEST(CifText, APlainRowHasTheWordsOfItsLine)
 {

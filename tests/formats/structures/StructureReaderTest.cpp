@@ -72,13 +72,14 @@ TEST(StructureReader, TextTellsAStructure)
          {atom, "HEADER    DNA\n" + atom, std::string("REMARK\nCRYST1\nTITLE     x\n"),
           "\r\n" + atom.substr(0, 60) + "\r\n", "\xEF\xBB\xBF" + atom, std::string("data_1BNA\n"),
           std::string("# made by\n\n DATA_x # none\n#\nloop_\n_a.b\n1\n"),
-          std::string("data_x\n_entry.id x")})
+          std::string("data_x\n_entry.id x"), std::string("data_x\nLoop_ _a.b 1\n"),
+          std::string("data_x _entry.id\nx\n")})
         EXPECT_EQ(likenessToStructure(text), Likeness::CERTAIN) << text;
     for (const std::string& text :
          {std::string(), std::string("0 0 0\n"), std::string("ATOM 1 2 3\n"),
           "ATOMS" + atom.substr(5), atom + "1 2 3\n", "  " + atom, std::string("data_x\n1 2 3\n"),
-          std::string("data x\n"), std::string("{\"data_\": 1}"), "\xFF\xFE" + atom,
-          atom + std::string(3, '\0')})
+          std::string("data_x data_y\n1 2\n"), std::string("data x\n"),
+          std::string("{\"data_\": 1}"), "\xFF\xFE" + atom, atom + std::string(3, '\0')})
         EXPECT_EQ(likenessToStructure(text), Likeness::NONE) << text;
 }
 

@@ -44,4 +44,17 @@ TEST(FindLineEnd, LooksAsFarAsALineGoes)
 
 } // namespace
 
+TEST(Characters, AReturnWithoutAFeedBehindItIsTurnedIntoOne)
+{
+    for (const char* text : {"", "a", "a\n", "a\r\nb\r\n", "\r\n", "a\r", "\r"}) {
+        EXPECT_FALSE(hasReturnAlone(text)) << text;
+        EXPECT_EQ(withFeedsForReturns(text), text);
+    }
+    for (const auto& [text, expected] : std::vector<std::pair<std::string, std::string>>{
+             {"a\rb\r", "a\nb\r"}, {"\r\r\n", "\n\r\n"}, {"a\r\nb\rc", "a\r\nb\nc"}}) {
+        EXPECT_TRUE(hasReturnAlone(text));
+        EXPECT_EQ(withFeedsForReturns(text), expected);
+    }
+}
+
 } // namespace strandview
