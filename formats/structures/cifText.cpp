@@ -56,6 +56,15 @@ std::uint64_t areEach(std::uint64_t eight, char c)
     return ~((low ^ eightTimes(std::uint64_t(c))) + eightTimes(0x7f));
 }
 
+/// Whether one of the bytes may be between " and ', which few rows have; of bytes below 128.
+bool hasMarkOrQuote(std::uint64_t eight)
+{
+    const std::uint64_t low = eight & eightTimes(0x7f);
+    const std::uint64_t areFrom = low + eightTimes(0x80 - '"');
+    const std::uint64_t areBehind = low + eightTimes(0x80 - '\'' - 1);
+    return (areFrom & ~areBehind & eightTimes(0x80)) != 0;
+}
+
 /// Where words begin and end, and what is in them that is not plain.
 struct RowBits
 {
@@ -76,9 +85,11 @@ std::optional<RowBits> bitsOf(std::string_view line)
         const std::uint64_t isFromBlank =
             (eight & eightTimes(0x7f)) + eightTimes(0x80 - std::uint64_t(' '));
         others |= eight | ~isFromBlank | areEach(eight, '\x7f') | areEach(eight, '_');
+        printed[i / 64] |= highestOf(~areEach(eight, ' ')) << i % 64;
+        if (!hasMarkOrQuote(eight))
+            continue;
         const std::uint64_t marks =
             areEach(eight, '#') | areEach(eight, '$') | areEach(eight, '\'');
-        printed[i / 64] |= highestOf(~areEach(eight, ' ')) << i % 64;
         bits.quotes[i / 64] |= highestOf(areEach(eight, '"')) << i % 64;
         bits.marks[i / 64] |= highestOf(marks) << i % 64;
     }
@@ -185,15 +196,6 @@ const char* missingCifColumn(const std::vector<CifColumn>& columns)
         if (!isThere)
             return name;
     return nullptr;
-}
-
-std::string_view cifValueOf(std::string_view word)
-{
-    if (word.size() == 1 && (word[0] == '.' || word[0] == '?'))
-        return {};
-    const bool isQuoted =
-        word.size() >= 2 && (word[0] == '"' || word[0] == '\'') && word.back() == word[0];
-    return isQuoted ? word.substr(1, word.size() - 2) : word;
 }
 
 CifWord nextCifWord(std::string_view line, std::size_t& place)

@@ -48,7 +48,14 @@ STRANDVIEW_FORMATS_EXPORT const char* missingCifColumn(const std::vector<CifColu
 
 /// What a word of a table stands for: without its quotation marks; nothing of "." and "?", which
 /// stand for nothing.
-STRANDVIEW_FORMATS_EXPORT std::string_view cifValueOf(std::string_view word);
+inline std::string_view cifValueOf(std::string_view word)
+{
+    if (word.size() == 1 && (word[0] == '.' || word[0] == '?'))
+        return {};
+    const bool isQuoted =
+        word.size() >= 2 && (word[0] == '"' || word[0] == '\'') && word.back() == word[0];
+    return isQuoted ? word.substr(1, word.size() - 2) : word;
+}
 
 /// What a word is by its form, as gemmi's parser has it.
 enum class CifKind {
