@@ -24,6 +24,7 @@
 #include "scene/Progress.h"
 #include "scene/SoLegendCamera.h"
 #include "scene/SoOverlay.h"
+#include "scene/SoPlacedSolids.h"
 #include "scene/backbones.h"
 #include "scene/builders/ArrowBuilder.h"
 #include "scene/builders/BirodBuilder.h"
@@ -245,6 +246,7 @@ void initialiseScene()
     initStrandviewClasses();
     SoOverlay::initClass();
     SoLegendCamera::initClass();
+    SoPlacedSolids::initClass();
 }
 
 SceneGeometry computeGeometry(const Configuration& configuration, const Style& style,

@@ -11,11 +11,9 @@
 #include <Inventor/actions/SoGetBoundingBoxAction.h>
 #include <Inventor/actions/SoRayPickAction.h>
 #include <Inventor/actions/SoSearchAction.h>
-#include <Inventor/nodes/SoIndexedFaceSet.h>
 #include <Inventor/nodes/SoMaterial.h>
 #include <Inventor/nodes/SoShape.h>
 #include <Inventor/nodes/SoSwitch.h>
-#include <Inventor/nodes/SoVertexProperty.h>
 #include <SoArrow.h>
 #include <SoBirod.h>
 #include <SoDNA.h>
@@ -28,6 +26,7 @@
 
 #include "scene/DataScene.h"
 #include "scene/Progress.h"
+#include "scene/SoPlacedSolids.h"
 #include "support/StoppingAt.h"
 #include "support/graph.h"
 #include "support/initialiseSceneOnce.h"
@@ -282,14 +281,29 @@ Colouring colouringOf(const std::vector<double>& places)
 }
 
 // Of the parts of a DNA's pairs in colours of data: 0 boxes of pairs, 1 what there is of bases.
-std::vector<std::uint32_t> coloursIn(const SoSwitch* choice, int part)
+const SoPlacedSolids& partOf(const SoSwitch* choice, int part)
 {
     const auto* pairs =
         static_cast<SoGroup*>(static_cast<SoGroup*>(choice->getChild(1))->getChild(1));
-    const auto* shape = static_cast<SoIndexedFaceSet*>(pairs->getChild(part));
-    const auto& colours =
-        static_cast<SoVertexProperty*>(shape->vertexProperty.getValue())->orderedRGBA;
-    return {colours.getValues(0), colours.getValues(0) + colours.getNum()};
+    return *static_cast<SoPlacedSolids*>(pairs->getChild(part));
+}
+
+std::vector<Colour> coloursIn(const SoSwitch* choice, int part)
+{
+    std::vector<Colour> colours;
+    for (const SoPlacedSolids::Place& place : partOf(choice, part).getPlaces())
+        colours.push_back(place.colour);
+    return colours;
+}
+
+// Of the brightest corner of what stands in a part's places.
+float brightestIn(const SoSwitch* choice, int part)
+{
+    float most = 0;
+    for (const Solid& solid : partOf(choice, part).getSolids())
+        for (const Solid::Corner& corner : solid.corners)
+            most = std::max(most, corner.brightness);
+    return most;
 }
 
 TEST_F(SceneBuilderTest, GivesEveryPairTheColourOfItsDataAndTellsWhichIsPicked)
@@ -302,16 +316,11 @@ TEST_F(SceneBuilderTest, GivesEveryPairTheColourOfItsDataAndTellsWhichIsPicked)
           showing({&DnaLook::bases, &DnaLook::atoms, &DnaLook::backbone})}) {
         ASSERT_TRUE(build(data, look, &colouring)) << error;
         const auto colours = coloursIn(choiceOf(DNA), 1);
-        ASSERT_EQ(colours.size() % 3, 0u);
-        const std::size_t each = colours.size() / 3; // one pair after the other
-        ASSERT_GT(each, 0u);
-        for (std::size_t i = 0; i < each; ++i) {
-            EXPECT_EQ(colours[i], 0x000000ffu);
-            EXPECT_EQ(colours[each + i] >> 24, colours[each + i] >> 16 & 0xff) << "no hue";
-        }
-        EXPECT_EQ(*std::max_element(colours.begin() + each, colours.begin() + 2 * each),
-                  0xffffffffu);
-        EXPECT_EQ(*std::max_element(colours.begin() + 2 * each, colours.end()), 0x808080ffu);
+        ASSERT_EQ(colours.size(), 6u) << "of two bases each";
+        for (std::size_t i = 0; i < 6; ++i)
+            for (const float part : {colours[i].red, colours[i].green, colours[i].blue})
+                EXPECT_NEAR(part, i / 2 == 0 ? 0 : i / 2 == 1 ? 1 : 0.5, 1e-3);
+        EXPECT_EQ(brightestIn(choiceOf(DNA), 1), 1);
         EXPECT_EQ(coloursIn(choiceOf(DNA), 0).empty(), !look.dna.pairBoxes);
         EXPECT_THAT(describe(0, 4), StartsWith("pair 3 NN, ")) << "of all that is shown";
         EXPECT_THAT(describe(0, 4), HasSubstr(look.dna.pairBoxes ? "point" : "strand 1, point"));
