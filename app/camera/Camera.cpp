@@ -4,12 +4,14 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <optional>
 #include <utility>
 
 #include <Inventor/SbViewportRegion.h>
 #include <Inventor/actions/SoGetBoundingBoxAction.h>
 #include <Inventor/nodes/SoOrthographicCamera.h>
 #include <Inventor/nodes/SoPerspectiveCamera.h>
+#include <toCoin.h>
 
 namespace strandview {
 
@@ -98,39 +100,119 @@ void setClipping(SoCamera& camera, const SbBox3f& box)
     camera.farDistance = farthest;
 }
 
-void fitOrthographic(SoOrthographicCamera& camera, const SbBox3f& box,
-                     const SbViewportRegion& region, float bottom)
+// What of a view there is for what it shows.
+struct Room
 {
+    Room(const SbViewportRegion& region, float bottom, std::optional<double> margin)
+        : height(1 - bottom)
+    {
+        if (!margin)
+            return;
+        times = 1;
+        const float besides = float(*margin) * std::min(1.0f, 1 / region.getViewportAspectRatio());
+        below = float(*margin) * std::min(1.0f, region.getViewportAspectRatio());
+        width = 1 - 2 * besides;
+        height -= 2 * below;
+    }
+
+    float times = MARGIN;    // as large as what is shown
+    float width = 1, height; // parts of the view's
+    float below = 0;         // free there and above, a part of its height
+};
+
+// What of a request is no direction.
+struct Framing
+{
+    explicit Framing(const CameraRequest& request)
+        : zoom(float(request.zoom)), margin(request.margin)
+    {
+        if (request.centre)
+            centre = toSbVec3f(*request.centre);
+    }
+    explicit Framing(std::optional<double> freeMargin = {}) : margin(freeMargin) {}
+
+    float zoom = 1;
+    std::optional<SbVec3f> centre;
+    std::optional<double> margin;
+};
+
+// How far what is nearest to the camera is in front of a point.
+float frontFrom(const SbVec3f& point, const SbBox3f& box, const SoCamera& camera)
+{
+    float front = 0;
+    for (const SbVec3f& corner : cornersFrom(point, box, camera))
+        front = std::max(front, corner[2]);
+    return front;
+}
+
+void fitOrthographic(SoOrthographicCamera& camera, const SbBox3f& box,
+                     const SbViewportRegion& region, float bottom, const Framing& framing)
+{
+    const Room room(region, bottom, framing.margin);
     float halfWidth = 0, halfHeight = 0;
     for (const SbVec3f& corner : cornersFrom(box.getCenter(), box, camera)) {
         halfWidth = std::max(halfWidth, corner[0]);
         halfHeight = std::max(halfHeight, corner[1]);
     }
-    const float height = 2 * std::max(MARGIN * halfHeight / (1 - bottom),
-                                      MARGIN * halfWidth / region.getViewportAspectRatio());
-    const float distance = box.getSize().length() / 2;
+    const float height =
+        2 *
+        std::max(room.times * halfHeight / room.height,
+                 room.times * halfWidth / room.width / region.getViewportAspectRatio()) /
+        framing.zoom;
+    float distance = box.getSize().length() / 2;
+    SbVec3f middle(0, -bottom * height / 2, 0);
+    if (framing.centre) {
+        distance = std::max(distance, MARGIN * frontFrom(*framing.centre, box, camera));
+        middle = SbVec3f(0, 0, 0);
+    }
     camera.height = height / heightInShorterSides(region);
     camera.focalDistance = distance;
-    camera.position =
-        box.getCenter() + fromCamera(camera, SbVec3f(0, -bottom * height / 2, distance));
+    camera.position = framing.centre.value_or(box.getCenter()) +
+                      fromCamera(camera, middle + SbVec3f(0, 0, distance));
+}
+
+// How far away a camera is that is moved down for what it leaves free below, and sees a corner just
+// at the upper border or at the lower one. `up` is half of the view's height at a distance of 1.
+float distanceToBorders(const SbVec3f& corner, float front, float up, float bottom,
+                        const Room& room)
+{
+    const float notMoved = bottom * up * front;
+    const float above = up * (1 - 2 * room.below), below = above - 2 * bottom * up;
+    return std::max(corner[1] - notMoved + above * corner[2],
+                    -corner[1] + notMoved + below * corner[2]) /
+           (up * room.height);
 }
 
 // A corner is seen if it is within the view's slopes at its own depth.
 void fitPerspective(SoPerspectiveCamera& camera, const SbBox3f& box, const SbViewportRegion& region,
-                    float bottom)
+                    float bottom, const Framing& framing)
 {
     camera.heightAngle = USUAL_ANGLE;
+    const Room room(region, bottom, framing.margin);
     const float up = tangentUpwards(camera, region);
     const float aside = up * region.getViewportAspectRatio();
+    const std::array<SbVec3f, 8> corners = cornersFrom(box.getCenter(), box, camera);
     float front = 0, distance = 0;
-    for (const SbVec3f& corner : cornersFrom(box.getCenter(), box, camera)) {
+    for (const SbVec3f& corner : corners)
         front = std::max(front, corner[2]);
-        distance = std::max({distance, corner[2] + MARGIN * std::abs(corner[0]) / aside,
-                             corner[2] + MARGIN * std::abs(corner[1]) / (up * (1 - bottom))});
+    for (const SbVec3f& corner : corners)
+        distance = std::max(
+            {distance, corner[2] + room.times * std::abs(corner[0]) / (aside * room.width),
+             framing.margin ? distanceToBorders(corner, front, up, bottom, room)
+                            : corner[2] + MARGIN * std::abs(corner[1]) / (up * room.height)});
+    SbVec3f middle(0, -bottom * up * (distance - front) / framing.zoom, 0);
+    float narrower = framing.zoom;
+    if (framing.centre) { // in front of everything
+        const float nearest = MARGIN * frontFrom(*framing.centre, box, camera);
+        narrower *= std::max(1.0f, nearest / distance);
+        distance = std::max(distance, nearest);
+        middle = SbVec3f(0, 0, 0);
     }
+    if (narrower != 1)
+        camera.heightAngle = 2 * std::atan(std::tan(USUAL_ANGLE / 2) / narrower);
     camera.focalDistance = distance;
-    camera.position = box.getCenter() +
-                      fromCamera(camera, SbVec3f(0, -bottom * up * (distance - front), distance));
+    camera.position = framing.centre.value_or(box.getCenter()) +
+                      fromCamera(camera, middle + SbVec3f(0, 0, distance));
 }
 
 // Bit for bit, so that a camera that is told and set again stays: the constructor of four
@@ -142,39 +224,43 @@ SbRotation rotationOf(const std::array<float, 4>& quaternion)
     return rotation;
 }
 
-// The upright cylinder, in a camera's own axes, that a box turns in.
+// The cylinder about an axis, in a camera's own axes, that a box turns in.
 struct Cylinder
 {
-    Cylinder(const SbBox3f& box, const SbRotation& orientation)
+    Cylinder(const SbBox3f& box, const SbRotation& orientation, const SbVec3f& turnAxis)
+        : axis(turned(turnAxis, orientation.inverse()))
     {
         for (const SbVec3f& corner : cornersFrom(box.getCenter(), box, orientation)) {
-            radius = std::max(radius, std::hypot(corner[0], corner[2]));
-            halfHeight = std::max(halfHeight, corner[1]);
+            radius = std::max(radius, (corner - corner.dot(axis) * axis).length());
+            halfHeight = std::max(halfHeight, corner.dot(axis));
         }
     }
     // Along a normal, from its middle.
     float reachAlong(const SbVec3f& normal) const
     {
-        return radius * std::hypot(normal[0], normal[2]) + halfHeight * std::abs(normal[1]);
+        const float along = normal.dot(axis);
+        return radius * (normal - along * axis).length() + halfHeight * std::abs(along);
     }
 
+    SbVec3f axis;
     float radius = 0, halfHeight = 0;
 };
 
 // As fitScene(), for a scene that fills the box.
-void fitBox(SoCamera& camera, const SbBox3f& box, const SbViewportRegion& region, float bottom)
+void fitBox(SoCamera& camera, const SbBox3f& box, const SbViewportRegion& region, float bottom,
+            const Framing& framing)
 {
     if (isPerspective(camera))
-        fitPerspective(static_cast<SoPerspectiveCamera&>(camera), box, region, bottom);
+        fitPerspective(static_cast<SoPerspectiveCamera&>(camera), box, region, bottom, framing);
     else
-        fitOrthographic(static_cast<SoOrthographicCamera&>(camera), box, region, bottom);
+        fitOrthographic(static_cast<SoOrthographicCamera&>(camera), box, region, bottom, framing);
     setClipping(camera, box);
 }
 
-// Towards the side that was asked for, from nowhere.
+// Towards what was asked for, from nowhere.
 void turn(SoCamera& camera, const CameraRequest& request)
 {
-    const ViewAxes axes = axesOf(request.side.value_or(Side::Z));
+    const ViewAxes axes = axesOf(request);
     camera.position = SbVec3f(0, 0, 0); // so that nothing is rounded by where it was
     camera.pointAt(axes.direction, axes.up);
 }
@@ -199,24 +285,6 @@ void setNumbers(SoCamera& camera, const CameraNumbers& numbers)
 
 } // namespace
 
-ViewAxes axesOf(Side side)
-{
-    switch (side) {
-    case Side::X:
-        return {SbVec3f(-1, 0, 0), SbVec3f(0, 0, 1)};
-    case Side::MINUS_X:
-        return {SbVec3f(1, 0, 0), SbVec3f(0, 0, 1)};
-    case Side::Y:
-        return {SbVec3f(0, -1, 0), SbVec3f(0, 0, 1)};
-    case Side::MINUS_Y:
-        return {SbVec3f(0, 1, 0), SbVec3f(0, 0, 1)};
-    case Side::MINUS_Z:
-        return {SbVec3f(0, 0, 1), SbVec3f(0, 1, 0)};
-    default:
-        return {SbVec3f(0, 0, -1), SbVec3f(0, 1, 0)};
-    }
-}
-
 SoCamera* makeCamera(const CameraRequest& request, SoNode* scene, const SbViewportRegion& region,
                      float bottom)
 {
@@ -234,20 +302,23 @@ void placeCamera(SoCamera& camera, const CameraRequest& request, SoNode* scene,
         return;
     }
     turn(camera, request);
-    fitScene(camera, scene, region, bottom);
+    const SbBox3f box = boxOf(scene, region);
+    if (!box.isEmpty())
+        fitBox(camera, box, region, bottom, Framing(request));
 }
 
-void fitScene(SoCamera& camera, SoNode* scene, const SbViewportRegion& region, float bottom)
+void fitScene(SoCamera& camera, SoNode* scene, const SbViewportRegion& region, float bottom,
+              std::optional<double> margin)
 {
     const SbBox3f box = boxOf(scene, region);
     if (!box.isEmpty())
-        fitBox(camera, box, region, bottom);
+        fitBox(camera, box, region, bottom, Framing(margin));
 }
 
 void fitBox(SoCamera& camera, const SbBox3f& box, SoNode* scene, const SbViewportRegion& region,
             float bottom)
 {
-    fitBox(camera, box, region, bottom);
+    fitBox(camera, box, region, bottom, Framing());
     setClipping(camera, boxOf(scene, region));
 }
 
@@ -293,16 +364,24 @@ CameraNumbers numbersFor(const CameraRequest& request, const SbBox3f& box,
     SoCamera* camera = newCamera(request);
     camera->ref();
     turn(*camera, request);
-    fitBox(*camera, box, region, bottom);
+    fitBox(*camera, box, region, bottom, Framing(request));
     const CameraNumbers numbers = numbersOf(*camera);
     camera->unref();
     return numbers;
 }
 
-CameraNumbers turnedAround(const CameraNumbers& camera, const SbVec3f& middle, double angle)
+SbVec3f axisToTurn(const CameraRequest& request, const CameraNumbers& camera)
+{
+    if (!request.numbers && (request.up || request.hasAngles()))
+        return toSbVec3f(upOf(request));
+    return turned(SbVec3f(0, 1, 0), rotationOf(camera.orientation));
+}
+
+CameraNumbers turnedAround(const CameraNumbers& camera, const SbVec3f& middle, const SbVec3f& axis,
+                           double angle)
 {
     const SbRotation orientation = rotationOf(camera.orientation);
-    const SbRotation turn(turned(SbVec3f(0, 1, 0), orientation), float(angle));
+    const SbRotation turn(axis, float(angle));
     const SbVec3f place = middle + turned(SbVec3f(camera.position.data()) - middle, turn);
     const SbRotation next = orientation * turn; // in this order
     CameraNumbers numbers = camera;
@@ -311,28 +390,30 @@ CameraNumbers turnedAround(const CameraNumbers& camera, const SbVec3f& middle, d
     return numbers;
 }
 
-CameraNumbers withRoomToTurn(const CameraNumbers& camera, const SbBox3f& box,
-                             const SbViewportRegion& region, float bottom)
+CameraNumbers withRoomToTurn(const CameraNumbers& camera, const SbBox3f& box, const SbVec3f& axis,
+                             const SbViewportRegion& region, float bottom,
+                             std::optional<double> margin)
 {
+    const Room room(region, bottom, margin);
     const SbRotation orientation = rotationOf(camera.orientation);
     const SbVec3f place(camera.position.data()), back = place - box.getCenter();
     const SbVec3f middle = turned(-back, orientation.inverse());
-    const Cylinder cylinder(box, orientation);
+    const Cylinder cylinder(box, orientation, axis);
     const float up = heightInShorterSides(region) *
                      (camera.perspective ? std::tan(camera.size / 2) : camera.size / 2);
     const float aside = up * region.getViewportAspectRatio();
     // The view's sides: where they face, and how far out they are or how much they open.
-    const std::pair<SbVec3f, float> sides[] = {{{-1, 0, 0}, aside},
-                                               {{1, 0, 0}, aside},
-                                               {{0, -1, 0}, up},
-                                               {{0, 1, 0}, up * (1 - 2 * bottom)}};
+    const std::pair<SbVec3f, float> sides[] = {{{-1, 0, 0}, aside * room.width},
+                                               {{1, 0, 0}, aside * room.width},
+                                               {{0, -1, 0}, up * (1 - 2 * room.below)},
+                                               {{0, 1, 0}, up * (1 - 2 * bottom - 2 * room.below)}};
     float times = 1; // as far away
     for (const auto& [inwards, opening] : sides) {
         const SbVec3f normal = inwards - SbVec3f(0, 0, camera.perspective ? opening : 0);
         const float distance = normal.dot(middle) + (camera.perspective ? 0 : opening);
         const float reach = cylinder.reachAlong(normal);
         if (distance > 0 && reach > distance)
-            times = std::max(times, MARGIN * reach / distance);
+            times = std::max(times, room.times * reach / distance);
     }
     if (times == 1)
         return camera;

@@ -2,9 +2,12 @@
 #ifndef STRANDVIEW_APP_CAMERA_CAMERA_H
 #define STRANDVIEW_APP_CAMERA_CAMERA_H
 
+#include <optional>
+
 #include <Inventor/SbBox3f.h>
 #include <Inventor/SbVec3f.h>
 
+#include "camera/viewAxes.h"
 #include "request/CameraRequest.h"
 
 class SbViewportRegion;
@@ -13,30 +16,25 @@ class SoNode;
 
 namespace strandview {
 
-/// Along where a standard view looks, and what is up in it.
-struct ViewAxes
-{
-    SbVec3f direction;
-    SbVec3f up;
-};
-
-ViewAxes axesOf(Side side);
+// A request's centre is in the scene's coordinates here.
 
 /// A camera as asked for, its reference count zero; see placeCamera().
 SoCamera* makeCamera(const CameraRequest& request, SoNode* scene, const SbViewportRegion& region,
                      float bottom);
 
-/// Puts a camera of the right type where it was asked for, wherever it was: by its numbers,
-/// or on a side, that of z if left open, from where all of the scene is seen as fitScene()
-/// says.
+/// Puts a camera of the right type where it was asked for, wherever it was: by its numbers, or
+/// where axesOf() has it, from where all of the scene is seen as fitScene() says, or of that what
+/// zoom and centre leave, at the same distance if that is in front of everything.
 void placeCamera(SoCamera& camera, const CameraRequest& request, SoNode* scene,
                  const SbViewportRegion& region, float bottom);
 
 /// Moves the camera, without turning it, so that the whole scene just fits the view with
-/// a small margin; a perspective camera gets its usual angle of 45 degrees. The part `bottom` of
-/// the view's height, from 0 to below 1, is left free below the scene. The clipping planes are set
-/// around the scene.
-void fitScene(SoCamera& camera, SoNode* scene, const SbViewportRegion& region, float bottom);
+/// a margin, as CameraRequest has it; usually a view is 1.05 times as wide or high as what it
+/// shows. A perspective camera gets its usual angle of 45 degrees. The part `bottom` of the view's
+/// height, from 0 to below 1, is left free below the scene. The clipping planes are set around the
+/// scene.
+void fitScene(SoCamera& camera, SoNode* scene, const SbViewportRegion& region, float bottom,
+              std::optional<double> margin = {});
 
 /// The same for a box in the scene; the clipping planes are set around the whole scene. A flat box
 /// or a point is seen, too.
@@ -54,15 +52,21 @@ CameraNumbers numbersOf(const SoCamera& camera);
 CameraNumbers numbersFor(const CameraRequest& request, const SbBox3f& box,
                          const SbViewportRegion& region, float bottom);
 
-/// The camera after so much, in radians, of a circle to the right around the vertical of its view
-/// through a point: it keeps its distance from that, and what is up.
-CameraNumbers turnedAround(const CameraNumbers& camera, const SbVec3f& middle, double angle);
+/// What a camera that goes round goes around, of length 1: what was asked to be up, or else the
+/// vertical of its view.
+SbVec3f axisToTurn(const CameraRequest& request, const CameraNumbers& camera);
+
+/// The camera after so much, in radians, of a circle to the right around an axis through a point:
+/// it keeps its distance from that, and its elevation above the circle.
+CameraNumbers turnedAround(const CameraNumbers& camera, const SbVec3f& middle, const SbVec3f& axis,
+                           double angle);
 
 /// The camera as far back from the middle of the box, at the same angle, as it takes for all of
-/// the box to be in view all along the circle around that; itself where it takes nothing. `bottom`
-/// is as in fitScene().
-CameraNumbers withRoomToTurn(const CameraNumbers& camera, const SbBox3f& box,
-                             const SbViewportRegion& region, float bottom);
+/// the box to be in view all along the circle around that and the axis; itself where it takes
+/// nothing. `bottom` and the margin are as in fitScene().
+CameraNumbers withRoomToTurn(const CameraNumbers& camera, const SbBox3f& box, const SbVec3f& axis,
+                             const SbViewportRegion& region, float bottom,
+                             std::optional<double> margin = {});
 
 } // namespace strandview
 

@@ -9,7 +9,8 @@ namespace strandview {
 
 namespace {
 
-const std::pair<std::string, std::string> SPELLINGS[] = {{"color", "colour"},
+const std::pair<std::string, std::string> SPELLINGS[] = {{"center", "centre"},
+                                                         {"color", "colour"},
                                                          {"normalize", "normalise"}};
 
 // How many letters are to be changed, left out, put in or exchanged with their neighbour

@@ -114,6 +114,57 @@ CLI::Option* addParsed(CLI::App& app, const std::string& name, Target& target,
         help);
 }
 
+std::optional<double> parseWithin(const std::string& text, double least, double most)
+{
+    const std::optional<double> number = parseNumber<double>(text);
+    return number && *number >= least && *number <= most ? number : std::nullopt;
+}
+
+std::optional<double> parseElevation(const std::string& text) { return parseWithin(text, -90, 90); }
+
+std::optional<double> parseZoom(const std::string& text)
+{
+    return parseWithin(text, SMALLEST_ZOOM, LARGEST_ZOOM);
+}
+
+std::optional<double> parseMargin(const std::string& text)
+{
+    return parseWithin(text, 0, LARGEST_MARGIN);
+}
+
+// Whence and how large a view is, which a whole camera tells itself.
+void addFraming(CLI::App& app, CameraRequest& request, CLI::Option* camera)
+{
+    CLI::Option* const all[] = {
+        addParsed(app, "--up", request.up, &parseDirection,
+                  "a direction x,y,z, or one of x -x y -y z -z",
+                  "What is up in the picture, in the data's coordinates: z, -x, 1,0,1 [z, or y "
+                  "from the sides of z]")
+            ->type_name("X,Y,Z"),
+        addParsed(app, "--azimuth", request.azimuth, &parseNumber<double>, "a number of degrees",
+                  "How far the camera goes around what is up, anticlockwise as seen from above: "
+                  "from --view, or without it from the front, -y if z is up [0]")
+            ->type_name("DEGREES"),
+        addParsed(app, "--elevation", request.elevation, &parseElevation,
+                  "a number of degrees from -90 to 90",
+                  "How far above the horizon the camera is, -90 to 90 [as --view is]")
+            ->type_name("DEGREES"),
+        addParsed(app, "--zoom", request.zoom, &parseZoom, "a number from 0.001 to 1000000",
+                  "How many times as large as what just fits things are drawn [1]")
+            ->type_name("FACTOR"),
+        addParsed(app, "--centre", request.centre, &parsePoint,
+                  "a point x,y,z in the data's coordinates",
+                  "The point, in the data's coordinates, in the middle of the picture [all of it "
+                  "is to be seen]")
+            ->type_name("X,Y,Z"),
+        addParsed(app, "--margin", request.margin, &parseMargin, "a number from 0 to 0.4",
+                  "How much is free at each border, as a part of the picture's shorter side [about "
+                  "0.024: the picture is 1.05 times as wide or high as what it shows]")
+            ->type_name("PART")};
+    for (CLI::Option* const option : all)
+        option->excludes(camera)->group("Camera");
+}
+
 void addCamera(CLI::App& app, Options& options)
 {
     const std::string group = "Camera";
@@ -142,12 +193,14 @@ void addCamera(CLI::App& app, Options& options)
         if (!options.camera.numbers)
             throw CLI::ValidationError("--camera", "found '" + text + "', expected " + expected);
     };
-    app.add_option_function<std::string>("--camera", parseNumbers,
-                                         "Exactly the camera that --print-camera told")
-        ->type_name("NUMBERS")
-        ->excludes(view)
-        ->excludes(perspective)
-        ->group(group);
+    CLI::Option* camera =
+        app.add_option_function<std::string>("--camera", parseNumbers,
+                                             "Exactly the camera that --print-camera told")
+            ->type_name("NUMBERS")
+            ->excludes(view)
+            ->excludes(perspective)
+            ->group(group);
+    addFraming(app, options.camera, camera);
     app.add_flag("--print-camera", options.printCamera, "Print the last camera, for --camera")
         ->group(group);
 }
@@ -461,6 +514,14 @@ void checkForSeries(const Options& options)
                                        "found neither --render nor --list-frames, expected one");
 }
 
+// What is up cannot be nearer or farther.
+void checkForCamera(const CameraRequest& camera)
+{
+    if (camera.up && camera.side && isAlong(*camera.up, *camera.side))
+        throw CLI::ValidationError("--up",
+                                   "found the direction of --view, expected one across that");
+}
+
 // What says how something is told needs it.
 void checkForTold(const Options& options)
 {
@@ -581,6 +642,7 @@ ParsedOptions parseOptions(int argc, const char* const* argv)
         if (options.frame && options.series.frames && !options.series.turn)
             throw CLI::ExcludesError("--frames", "--frame");
         checkForSeries(options);
+        checkForCamera(options.camera);
         checkForTold(options);
         checkForPlot(options);
         if (needsFile && options.files.empty())

@@ -9,6 +9,7 @@
 #include <QImageReader>
 
 #include <strandview/formats/text/wording.h>
+#include <toCoin.h>
 
 #include "camera/Camera.h"
 #include "request/limits.h"
@@ -84,8 +85,9 @@ FrameRenderer::FrameRenderer(Series& framesToDraw, const Stage& commonStage,
     : series(framesToDraw), stage(commonStage), options(askedOptions), name(*options.picture)
 {
     if (!stage.room.isEmpty()) {
-        CameraRequest request = options.camera;
-        request.side = request.side.value_or(stage.side);
+        CameraRequest request = withUsualSide(options.camera, stage.side);
+        if (request.centre)
+            request.centre = stage.placement.toScene(*request.centre);
         fixed =
             numbersFor(request, stage.room, regionOf(options), stage.colouring ? LEGEND_HEIGHT : 0);
         camera = *fixed;
@@ -234,13 +236,17 @@ std::optional<CameraNumbers> FrameRenderer::findTurnedCamera(std::size_t frame) 
     const SbBox3f& box = scene->getBox();
     const SbViewportRegion region = regionOf(options);
     const float bottom = scene->getLegendHeight();
-    const CameraNumbers still =
-        fixed ? *fixed : numbersFor(scene->settle(options.camera), box, region, bottom);
+    const CameraRequest request = scene->settle(options.camera);
+    const CameraNumbers still = fixed ? *fixed : numbersFor(request, box, region, bottom);
+    const SbVec3f axis = axisToTurn(request, still);
     const CameraNumbers first =
-        options.camera.numbers ? still : withRoomToTurn(still, box, region, bottom);
+        request.numbers || request.isFramed()
+            ? still
+            : withRoomToTurn(still, box, axis, region, bottom, request.margin);
     if (frame == 0)
         return first == still ? std::nullopt : std::optional(first);
-    return turnedAround(first, box.getCenter(),
+    const SbVec3f middle = request.centre ? toSbVec3f(*request.centre) : box.getCenter();
+    return turnedAround(first, middle, axis,
                         2 * M_PI * double(frame) / double(*options.series.turn));
 }
 

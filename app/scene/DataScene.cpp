@@ -194,8 +194,9 @@ void DataScene::getBoundingBox(SoGetBoundingBoxAction* action)
 
 CameraRequest DataScene::settle(CameraRequest request) const
 {
-    if (!request.side)
-        request.side = standardSide;
+    request = withUsualSide(request, standardSide);
+    if (request.centre)
+        request.centre = getPlacement().toScene(*request.centre);
     return request;
 }
 

@@ -82,7 +82,7 @@ public:
 
     /// The side that it is seen from unless another is asked for.
     void setSide(Side side) { standardSide = side; }
-    /// What was asked for, with what it leaves open.
+    /// What was asked for, with what it leaves open, in the scene's coordinates.
     CameraRequest settle(CameraRequest request) const;
 
     // Colours of data, shown at first

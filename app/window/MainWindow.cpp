@@ -275,7 +275,7 @@ void MainWindow::showScene(DataScene* newScene, const std::vector<std::string>& 
     CameraRequest same;
     if (choice == SAME_CAMERA && scene)
         same.numbers = getCameraNumbers();
-    const bool wasFitted = isFitted();
+    const bool wasFitted = isFitted(), isFirst = !scene;
     endPlaying();
     restyler.forget();
     const DataScene::Looks looks = scene ? scene->getLooks() : DataScene::Looks();
@@ -296,6 +296,10 @@ void MainWindow::showScene(DataScene* newScene, const std::vector<std::string>& 
                      CurvePanel::OTHER_FILES);
     scene->showColours((*menus)[Command::SHOW_COLOURS]->isChecked());
     viewer->setSceneGraph(static_cast<SoGeneralScene*>(scene));
+    if (!isFirst && choice == NEW_CAMERA) { // these were for the scene before
+        options.camera.centre.reset();
+        options.camera.zoom = 1;
+    }
     ownedViewer->home = scene->settle(options.camera);
     goHome();
     // The numbers were for the first scene.
@@ -558,7 +562,7 @@ void MainWindow::place(const CameraRequest& request)
     placeCamera(*viewer->getCamera(), request, scene, SbViewportRegion(ownedViewer->getGLSize()),
                 scene->getLegendHeight());
     fitted.reset();
-    if (!request.numbers)
+    if (!request.numbers && !request.isFramed())
         fitted = getCameraNumbers();
     update3DZoom();
 }
@@ -573,7 +577,7 @@ void MainWindow::fit()
 {
     const bool staysHome = isFitted() && homeNumbers == fitted;
     fitScene(*viewer->getCamera(), scene, SbViewportRegion(ownedViewer->getGLSize()),
-             scene->getLegendHeight());
+             scene->getLegendHeight(), options.camera.margin);
     fitted = getCameraNumbers();
     if (staysHome) // in another size
         homeNumbers = fitted;
@@ -585,7 +589,10 @@ bool MainWindow::isFitted() const { return scene && fitted && *fitted == getCame
 void MainWindow::refit(void* window, SoQtGeneralViewer* /*viewer*/, const SbVec2s& /*size*/)
 {
     auto* self = static_cast<MainWindow*>(window);
-    if (self->isFitted())
+    const bool isAtHome = self->scene && self->homeNumbers == self->getCameraNumbers();
+    if (isAtHome && !self->ownedViewer->home.numbers)
+        self->goHome(); // in another size
+    else if (self->isFitted())
         self->fit();
 }
 
@@ -599,6 +606,7 @@ void MainWindow::viewFrom(Side side)
 {
     CameraRequest request;
     request.side = side;
+    request.margin = options.camera.margin;
     request.perspective = (*menus)[Command::SET_PERSPECTIVE]->isChecked();
     place(request);
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "camera/Camera.h"
 
+#include <algorithm>
 #include <cmath>
 #include <functional>
 #include <random>
@@ -13,6 +14,7 @@
 #include <Inventor/nodes/SoSeparator.h>
 #include <Inventor/nodes/SoTranslation.h>
 #include <gmock/gmock.h>
+#include <toCoin.h>
 
 #include "support/initialiseSceneOnce.h"
 
@@ -151,10 +153,11 @@ TEST_F(CameraTest, WithRoomToTurnTheWholeBoxIsInViewAllTheWayRound)
         const SbBox3f filled(corners[0], corners[7]);
         const SbViewportRegion region(size);
         const CameraNumbers fitted = numbersFor(request, filled, region, bottom);
-        const CameraNumbers start = withRoomToTurn(fitted, filled, region, bottom);
+        const SbVec3f axis = axisToTurn(request, fitted);
+        const CameraNumbers start = withRoomToTurn(fitted, filled, axis, region, bottom);
         EXPECT_LT(start.focalDistance, 40 * fitted.focalDistance);
         for (int i = 0; i < 24; ++i) {
-            request.numbers = turnedAround(start, filled.getCenter(), 2 * M_PI * i / 24);
+            request.numbers = turnedAround(start, filled.getCenter(), axis, 2 * M_PI * i / 24);
             SoCamera* camera = makeCamera(request, scene, region, bottom);
             camera->ref();
             expectInView(look(*camera, size), *camera, bottom, 1e-3f);
@@ -172,7 +175,8 @@ TEST_F(CameraTest, ACameraThatHasRoomToTurnStaysWhereItIs)
         CameraRequest request;
         request.perspective = perspective;
         const CameraNumbers fitted = numbersFor(request, filled, region, 0.1f);
-        EXPECT_EQ(withRoomToTurn(fitted, filled, region, 0.1f), fitted);
+        EXPECT_EQ(withRoomToTurn(fitted, filled, axisToTurn(request, fitted), region, 0.1f),
+                  fitted);
     }
 }
 
@@ -199,8 +203,10 @@ TEST_F(CameraTest, TurningGoesToTheRightAtOneDistanceAndComesBack)
         from.side = side;
         to.side = right;
         const CameraNumbers start = numbersFor(from, box, region, 0);
-        expectSame(turnedAround(start, box.getCenter(), M_PI / 2), numbersFor(to, box, region, 0));
-        expectSame(turnedAround(start, box.getCenter(), 2 * M_PI), start);
+        const SbVec3f axis = axisToTurn(from, start);
+        expectSame(turnedAround(start, box.getCenter(), axis, M_PI / 2),
+                   numbersFor(to, box, region, 0));
+        expectSame(turnedAround(start, box.getCenter(), axis, 2 * M_PI), start);
     }
 }
 
@@ -213,6 +219,118 @@ TEST_F(CameraTest, AFittedOrthographicBoxLeavesTheMarginOnly)
     EXPECT_NEAR(seen.highest[0] - seen.lowest[0], 1 / 1.05, 1e-4);
     EXPECT_NEAR(seen.highest[1] - seen.lowest[1], 1 / 1.05, 1e-4);
     camera->unref();
+}
+
+TEST_F(CameraTest, AMarginIsAPartOfTheShorterSideAtTheBordersThatAreReached)
+{
+    forEachView(SIZES, [&](CameraRequest request, const SbVec2s& size, float bottom) {
+        for (const double margin : {0.0, 0.05, 0.2}) {
+            request.margin = margin;
+            SoCamera* camera = makeCamera(request, scene, SbViewportRegion(size), bottom);
+            camera->ref();
+            const Seen seen = look(*camera, size);
+            const float pixels = float(margin) * float(std::min(size[0], size[1]));
+            const float left = seen.lowest[0] * float(size[0]);
+            const float right = (1 - seen.highest[0]) * float(size[0]);
+            const float below = (seen.lowest[1] - bottom) * float(size[1]);
+            const float above = (1 - seen.highest[1]) * float(size[1]);
+            const float slack = 1e-3f * float(std::max(size[0], size[1]));
+            EXPECT_NEAR(std::min({left, right, below, above}), pixels, slack);
+            EXPECT_NEAR(left, right, slack);
+            camera->unref();
+        }
+    });
+}
+
+TEST_F(CameraTest, ZoomMultipliesWhatIsSeenAboutWhereItsMiddleIs)
+{
+    forEachView(SIZES, [&](CameraRequest request, const SbVec2s& size, float bottom) {
+        SbViewportRegion region(size); // which Coin's view volumes may change
+        const SbVec3f middle(3, -1, 2);
+        const auto placesOf = [&](double zoom) {
+            request.zoom = zoom;
+            SoCamera* camera = makeCamera(request, scene, region, bottom);
+            camera->ref();
+            const SbViewVolume volume = camera->getViewVolume(region, region);
+            std::vector<SbVec3f> places(9);
+            for (std::size_t i = 0; i < 9; ++i)
+                volume.projectToScreen(i < 8 ? corners[i] : middle, places[i]);
+            camera->unref();
+            return places;
+        };
+        const auto once = placesOf(1), thrice = placesOf(3);
+        // Where it leaves something free a perspective camera moves up or down a little.
+        const bool isExact = !request.perspective || bottom == 0;
+        for (std::size_t i = 0; i < 8; ++i)
+            for (int axis = 0; axis < (isExact ? 2 : 1); ++axis)
+                EXPECT_NEAR(thrice[i][axis] - thrice[8][axis], 3 * (once[i][axis] - once[8][axis]),
+                            2e-3);
+        if (!request.perspective) {
+            EXPECT_NEAR(thrice[8][1], once[8][1], 1e-3) << "above what is left free";
+        }
+    });
+}
+
+TEST_F(CameraTest, TheCentreIsInTheMiddleAndEverythingInFrontOfTheCamera)
+{
+    forEachView(SIZES, [&](CameraRequest request, const SbVec2s& size, float bottom) {
+        SbViewportRegion region(size); // which Coin's view volumes may change
+        for (const auto& centre : {CameraRequest::Vector(3, -1, 2), {3.4, -1, 2}, {-20, 5, 30}})
+            for (const double zoom : {1.0, 4.0}) {
+                request.centre = centre;
+                request.zoom = zoom;
+                SoCamera* camera = makeCamera(request, scene, region, bottom);
+                camera->ref();
+                SbVec3f place;
+                camera->getViewVolume(region, region).projectToScreen(toSbVec3f(centre), place);
+                EXPECT_NEAR(place[0], 0.5, 1e-3);
+                EXPECT_NEAR(place[1], 0.5, 1e-3);
+                EXPECT_GE(look(*camera, size).lowest[2], camera->nearDistance.getValue());
+                camera->unref();
+            }
+    });
+}
+
+TEST_F(CameraTest, TheCentreAloneMovesThePictureAndChangesNoSize)
+{
+    makeScene(SbVec3f(2, 2, 2));
+    const SbBox3f box(corners[0], corners[7]);
+    for (const bool perspective : {false, true}) {
+        CameraRequest request;
+        request.perspective = perspective;
+        const CameraNumbers fitted = numbersFor(request, box, SbViewportRegion(400, 300), 0);
+        request.centre = CameraRequest::Vector(3, -0.5, 2);
+        const CameraNumbers moved = numbersFor(request, box, SbViewportRegion(400, 300), 0);
+        EXPECT_EQ(moved.size, fitted.size);
+        EXPECT_EQ(moved.focalDistance, fitted.focalDistance);
+        EXPECT_NEAR(moved.position[1] - fitted.position[1], 0.5, 1e-5);
+    }
+}
+
+TEST_F(CameraTest, WithAnglesItTurnsAboutWhatIsUpAtOneElevation)
+{
+    forEachView(SIZES, [&](CameraRequest request, const SbVec2s& size, float bottom) {
+        const SbBox3f filled(corners[0], corners[7]);
+        const SbViewportRegion region(size);
+        request.elevation = 40;
+        request.margin = 0.1;
+        const CameraNumbers fitted = numbersFor(request, filled, region, bottom);
+        const SbVec3f axis = axisToTurn(request, fitted);
+        EXPECT_EQ(axis, axesOf(*request.side).up);
+        const CameraNumbers start =
+            withRoomToTurn(fitted, filled, axis, region, bottom, request.margin);
+        for (int i = 0; i < 12; ++i) {
+            CameraRequest turned;
+            turned.numbers = turnedAround(start, filled.getCenter(), axis, 2 * M_PI * i / 12);
+            SoCamera* camera = makeCamera(turned, scene, region, bottom);
+            camera->ref();
+            expectInView(look(*camera, size), *camera, bottom, 1e-3f);
+            SbVec3f direction;
+            camera->orientation.getValue().multVec(SbVec3f(0, 0, -1), direction);
+            EXPECT_NEAR(direction.dot(axis), -std::sin(40 * M_PI / 180), 1e-5);
+            camera->unref();
+        }
+    });
 }
 
 TEST_F(CameraTest, StandardViewsLookAtTheSideTheyAreNamedAfter)

@@ -18,6 +18,7 @@
 #include <QImage>
 #include <gmock/gmock.h>
 
+#include "request/CameraNumbers.h"
 #include "support/TemporaryFolder.h"
 #include "support/runProgram.h"
 
@@ -528,6 +529,46 @@ TEST_F(RenderSeriesTest, ATurnIsSoManyPicturesAroundOneFrameOfWhichTheFirstIsIts
                                                "f_08.png", "f_10.png"));
     EXPECT_EQ(twelve["f_00.png"], turn["f_00.png"]);
     EXPECT_EQ(twelve["f_06.png"], turn["f_03.png"]) << "the same angle";
+}
+
+TEST_F(RenderSeriesTest, AViewThatIsTurnedAndMadeLargerIsThatOfAllFrames)
+{
+    const std::vector<std::string> same{"--zoom", "2", "--centre", "1,0,0.5", "--margin", "0.1"};
+    for (const auto& [name, view] : std::vector<std::pair<std::string, std::vector<std::string>>>{
+             {"angle", {"--azimuth", "90"}}, {"side", {"--view", "x"}}}) {
+        std::vector<std::string> arguments{"--render", pattern(name), series};
+        arguments.insert(arguments.end(), view.begin(), view.end());
+        arguments.insert(arguments.end(), same.begin(), same.end());
+        EXPECT_EQ(run(arguments).status, 0);
+    }
+    ASSERT_GT(namesOf("angle").size(), 2U);
+    for (const std::string& name : namesOf("angle"))
+        EXPECT_EQ(imageOf("angle/" + name), imageOf("side/" + name)) << name;
+}
+
+TEST_F(RenderSeriesTest, ATurnWithAnElevationStaysAtIt)
+{
+    const std::string rod = folder.write("rod.txt", "1 0 0\n2 1 0\n2 3 5\n");
+    const std::vector<std::string> view{"--elevation", "30", "--zoom", "0.5", rod};
+    const auto with = [&](std::vector<std::string> more) {
+        more.insert(more.end(), view.begin(), view.end());
+        return more;
+    };
+    EXPECT_EQ(run(with({"--render", pattern("turn"), "--turn", "4"})).status, 0);
+    const ProgramRun half = run(with(
+        {"--render", folder.path("half.png"), "--turn", "4", "--frames", "2:3", "--print-camera"}));
+    const ProgramRun still =
+        run(with({"--render", folder.path("still.png"), "--azimuth", "180", "--print-camera"}));
+    EXPECT_EQ(half.status, 0) << half.error;
+    const auto turned = parseCamera(half.output.substr(0, half.output.size() - 1));
+    const auto expected = parseCamera(still.output.substr(0, still.output.size() - 1));
+    ASSERT_TRUE(turned && expected) << half.output << still.output;
+    double dot = 0;
+    for (std::size_t i = 0; i < 4; ++i)
+        dot += double(turned->orientation[i]) * double(expected->orientation[i]);
+    EXPECT_NEAR(std::abs(dot), 1, 1e-6);
+    for (std::size_t i = 0; i < 3; ++i)
+        EXPECT_NEAR(turned->position[i], expected->position[i], 1e-4);
 }
 
 TEST_F(RenderSeriesTest, ATurnIsRenderedInPartsAsAnySeries)

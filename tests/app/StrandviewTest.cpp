@@ -797,6 +797,93 @@ TEST_F(StrandviewTest, TheCameraThatItPrintsGivesTheSamePicturePixelByPixel)
     }
 }
 
+// A rod along x, and a red ball beside its middle; moved along x.
+std::string rodWithBall(double x)
+{
+    std::ostringstream json;
+    json.precision(17);
+    json << R"({"strandview": 1, "rods": [{"points": [[)" << x << ", 0, 0], [" << x + 10
+         << R"(, 0, 0]], "radius": 0.5, "colour": "blue"}], "markers": [{"point": [)" << x + 4
+         << R"(, 2, 0], "shape": "sphere", "size": 1, "colour": "red"}]})";
+    return json.str();
+}
+
+QRect boxOf(const QImage& image, const std::function<bool(QColor)>& holds)
+{
+    QRect box;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            if (holds(image.pixelColor(x, y)))
+                box |= QRect(x, y, 1, 1);
+    return box;
+}
+
+QRect ballIn(const QImage& image)
+{
+    return boxOf(image, [](const QColor& c) { return c.red() > c.blue() + 60; });
+}
+
+TEST_F(StrandviewTest, AnglesAreCountedFromTheFrontOrFromTheSideThatIsNamed)
+{
+    const std::string file = write("ball.json", rodWithBall(0));
+    const auto seen = [&](std::vector<std::string> view) {
+        view.insert(view.end(), {"--size", "160x120", "--render", path("seen.png"), file});
+        const ProgramRun result = run(view);
+        EXPECT_EQ(result.status, 0) << result.error;
+        return picture("seen.png");
+    };
+    const QImage front = seen({"--view", "-y"}), right = seen({"--view", "x"});
+    EXPECT_GT(countCovered(front), 1000);
+    EXPECT_NE(front, right);
+    EXPECT_EQ(seen({"--azimuth", "0", "--elevation", "0"}), front);
+    EXPECT_EQ(seen({"--up", "z", "--azimuth", "0"}), front);
+    EXPECT_EQ(seen({"--azimuth", "90"}), right);
+    EXPECT_EQ(seen({"--azimuth", "-180"}), seen({"--view", "y"}));
+    EXPECT_EQ(seen({"--elevation", "90"}), seen({"--view", "z"}));
+    EXPECT_EQ(seen({"--view", "y", "--azimuth", "-90"}), right);
+    EXPECT_EQ(seen({"--view", "z", "--azimuth", "90"}), seen({"--view", "x", "--up", "y"}));
+    EXPECT_EQ(seen({"--up", "0,5,0"}), seen({"--view", "z"})) << "as without it";
+    EXPECT_EQ(seen({"--up", "z"}), front) << "the usual side is along that";
+}
+
+TEST_F(StrandviewTest, ZoomMarginAndCentreAreMeasuredInPixels)
+{
+    const double far = 1e7; // where the scene has an origin of its own
+    for (const double x : {0.0, far})
+        for (const char* projection : {"", "--perspective"}) {
+            const std::string file = write("ball.json", rodWithBall(x));
+            const auto seen = [&](std::vector<std::string> view) {
+                view.insert(view.end(), {"--view", "z", "--size", "400x300", "--render",
+                                         path("seen.png"), file});
+                if (*projection)
+                    view.emplace_back(projection);
+                const ProgramRun result = run(view);
+                EXPECT_EQ(result.status, 0) << result.error;
+                return picture("seen.png");
+            };
+            const QRect once = ballIn(seen({}));
+            ASSERT_GT(once.width(), 20);
+            const QString centre = QString("%1,2,0").arg(x + 4, 0, 'f', 1);
+            for (const int zoom : {2, 4}) {
+                const QRect ball = ballIn(
+                    seen({"--zoom", std::to_string(zoom), "--centre", centre.toStdString()}));
+                EXPECT_NEAR(ball.width(), zoom * once.width(), zoom + 1);
+                EXPECT_NEAR(ball.height(), zoom * once.height(), zoom + 1);
+                EXPECT_NEAR(ball.left() + ball.right(), 399, 2);
+                EXPECT_NEAR(ball.top() + ball.bottom(), 299, 2);
+            }
+            if (*projection)
+                continue;
+            for (const double margin : {0.0, 0.1, 0.3}) {
+                const QImage image = seen({"--margin", QString::number(margin).toStdString()});
+                const QRect all =
+                    boxOf(image, [](const QColor& c) { return c != QColor(Qt::white); });
+                EXPECT_NEAR(all.left(), 300 * margin, 1);
+                EXPECT_NEAR(399 - all.right(), 300 * margin, 1);
+            }
+        }
+}
+
 TEST_F(StrandviewTest, TheCameraOfTheGuideShowsAllOfTheKnot)
 {
     // The printed camera and the command that is given it.
@@ -931,7 +1018,8 @@ TEST_F(StrandviewTest, HelpAndVersionGoToStandardOutput)
           "--series",      "--shard",       "--overwrite", "--stamp",        "--list-frames",
           "--jobs",        "--fps",         "--align",     "--between",      "--turn",
           "--pairs",       "--frame-rows",  "--cache",     "--follow",       "--list-scalars",
-          "--all-numbers"})
+          "--all-numbers", "--up",          "--azimuth",   "--elevation",    "--zoom",
+          "--centre",      "--margin"})
         EXPECT_THAT(help.output, HasSubstr(option));
 
     const ProgramRun version = run({"--version"});

@@ -181,6 +181,44 @@ TEST(ParseOptions, EachSideHasItsName)
         EXPECT_EQ(accepted({"--view", side.name, "rod.txt"}).camera.side, side.side) << side.name;
 }
 
+TEST(ParseOptions, AViewMayBeTurnedMovedAndMadeLarger)
+{
+    const CameraRequest plain = accepted({"rod.txt"}).camera;
+    EXPECT_FALSE(plain.up || plain.hasAngles() || plain.isFramed() || plain.margin);
+    const CameraRequest camera =
+        accepted({"--up", "-x", "--azimuth", "-30.5", "--elevation", "-90", "--zoom", "2",
+                  "--center", "-1,2e2,.5", "--margin", "0.1", "--view", "y", "rod.txt"})
+            .camera;
+    EXPECT_EQ(camera.up->x, -1);
+    EXPECT_EQ(camera.azimuth, -30.5);
+    EXPECT_EQ(camera.elevation, -90);
+    EXPECT_EQ(camera.zoom, 2);
+    EXPECT_EQ(camera.centre->x, -1);
+    EXPECT_EQ(camera.centre->y, 200);
+    EXPECT_EQ(camera.centre->z, 0.5);
+    EXPECT_EQ(camera.margin, 0.1);
+}
+
+TEST(ParseOptions, AViewThatContradictsItselfIsRefused)
+{
+    const char* const numbers = "orthographic,1,2,3,0,0,0,1,4,0.5";
+    for (const auto& [name, value] : {std::pair("--up", "z"),
+                                      {"--azimuth", "1"},
+                                      {"--elevation", "1"},
+                                      {"--zoom", "2"},
+                                      {"--centre", "1,2,3"},
+                                      {"--margin", "0"}})
+        expectRefused({"--camera", numbers, name, value, "rod.txt"}, name);
+    expectRefused({"--view", "-x", "--up", "2,0,0", "rod.txt"},
+                  "--up: found the direction of --view, expected one across that");
+    expectRefused({"--up", "0,0,0", "rod.txt"}, "--up: found '0,0,0', expected a direction");
+    expectRefused({"--azimuth", "east", "rod.txt"}, "--azimuth: found 'east', expected a number");
+    expectRefused({"--elevation", "90.1", "rod.txt"}, "from -90 to 90");
+    expectRefused({"--zoom", "0", "rod.txt"}, "--zoom: found '0', expected a number from 0.001");
+    expectRefused({"--centre", "1,2", "rod.txt"}, "--centre: found '1,2', expected a point x,y,z");
+    expectRefused({"--margin", "0.41", "rod.txt"}, "--margin: found '0.41', expected a number");
+}
+
 TEST(ParseOptions, ACameraIsTakenAsItIsPrinted)
 {
     const char* const text = "perspective,1,2,3,0,0,0,1,4,0.5";

@@ -938,6 +938,36 @@ TEST_F(MainWindowTest, HomeIsTheCameraAskedForByItsNumbers)
     EXPECT_EQ(formatCamera(window->getCameraNumbers()), formatCamera(*options.camera.numbers));
 }
 
+TEST_F(MainWindowTest, TheViewAskedForIsThatOfTheBeginningAndOfHomeInAnyShape)
+{
+    const std::string file = write("long.txt", LONG);
+    options.camera.azimuth = 30;
+    options.camera.elevation = 20;
+    options.camera.margin = 0.1;
+    open({file});
+    const auto sizeOf = [this] { return window->getCameraNumbers().size; };
+    const float fitted = sizeOf();
+    const CameraNumbers plain = window->getCameraNumbers();
+    options.camera.zoom = 2;
+    options.camera.centre = CameraRequest::Vector(10, 0, 0);
+    open({file});
+    const CameraNumbers atStart = window->getCameraNumbers();
+    EXPECT_FLOAT_EQ(atStart.size, fitted / 2);
+    EXPECT_EQ(atStart.orientation, plain.orientation);
+    press(Qt::Key_V);
+    EXPECT_FLOAT_EQ(sizeOf(), fitted) << "all of it, with its margin";
+    press(Qt::Key_P);
+    press(Qt::Key_Home);
+    EXPECT_EQ(formatCamera(window->getCameraNumbers()), formatCamera(atStart));
+    window->resize(420, 620);
+    QTest::qWait(200);
+    const float narrow = sizeOf();
+    press(Qt::Key_Home);
+    EXPECT_FLOAT_EQ(sizeOf(), narrow) << "it follows the shape";
+    press(Qt::Key_V);
+    EXPECT_FLOAT_EQ(sizeOf(), 2 * narrow);
+}
+
 TEST_F(MainWindowTest, HomeShowsAllInAWindowOfAnotherShape)
 {
     open({write("long.txt", LONG)});
