@@ -21,8 +21,8 @@ namespace strandview {
 
 namespace {
 
-// How far a hand moves the mouse that clicks, in the desktop's pixels.
-const double STILL = 4;
+// How far a hand moves the mouse that clicks, in the desktop's pixels. SoQt has a STILL of its own.
+const double SHAKE = 4;
 
 } // namespace
 
@@ -135,7 +135,7 @@ void WindowViewer::followButton(const SoEvent* event)
         return;
     }
     const double way = std::hypot(place[0] - pressed[0], place[1] - pressed[1]);
-    isClick = way <= STILL * getGLWidget()->devicePixelRatioF();
+    isClick = way <= SHAKE * getGLWidget()->devicePixelRatioF();
 }
 
 bool WindowViewer::isQuickPick(const SoEvent* event) const
