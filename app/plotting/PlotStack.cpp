@@ -310,8 +310,8 @@ void PlotStack::show(const Plot& newPlot, Ranges ranges)
     const bool areKept = ranges == KEEP_RANGES && spans.size() == newPlot.panels.size() &&
                          std::equal(newPlot.panels.begin(), newPlot.panels.end(),
                                     plot.panels.begin(), plot.panels.end(), haveSameName);
+    marked = markIn(newPlot);
     plot = newPlot;
-    marked.reset();
     makePanels();
     std::vector<Span> next;
     for (std::size_t i = 0; i < panels.size(); ++i) {
@@ -323,13 +323,26 @@ void PlotStack::show(const Plot& newPlot, Ranges ranges)
         panels[i]->setXAxis(plot, i + 1 == panels.size());
         panels[i]->showLegend(i == 0 && plot.lines.size() > 1 &&
                               plot.lines.size() <= LARGEST_LEGEND);
-        panels[i]->mark(plot, i, std::nullopt);
+        panels[i]->mark(plot, i, marked);
     }
     spans = next;
     align();
     placePanels();
     for (Panel* panel : panels)
         panel->replot();
+}
+
+// The mouse need not move while frames are played below it.
+std::optional<PlotPlace> PlotStack::markIn(const Plot& next) const
+{
+    if (!marked || next.xName != plot.xName)
+        return std::nullopt;
+    const LineId& id = plot.lines[marked->line].id;
+    const auto line = std::find_if(next.lines.begin(), next.lines.end(),
+                                   [&id](const PlotLine& one) { return one.id == id; });
+    if (line == next.lines.end() || marked->place >= line->x.size())
+        return std::nullopt;
+    return PlotPlace{std::size_t(line - next.lines.begin()), marked->place};
 }
 
 // All canvases begin and end alike.

@@ -41,7 +41,8 @@ public:
     explicit PlotStack(QWidget* parent = nullptr);
 
     /// Instead of the one before. Where that had the same panels, and their ranges are kept, axes
-    /// only grow, so that they stand still while frames are played.
+    /// only grow, so that they stand still while frames are played. A place of a line stays marked
+    /// where the line still has it, over the same axis.
     enum Ranges { NEW_RANGES, KEEP_RANGES };
     void show(const Plot& newPlot, Ranges ranges = NEW_RANGES);
     const Plot& getPlot() const { return plot; }
@@ -73,6 +74,7 @@ private:
     class Panel;
 
     void makePanels();
+    std::optional<PlotPlace> markIn(const Plot& next) const;
     void align();
     std::vector<QRectF> arrange(const QSizeF& size) const;
     void placePanels();

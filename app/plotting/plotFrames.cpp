@@ -133,6 +133,13 @@ std::vector<Track> plottedTracks(const Configuration& configuration, double angs
     return chosen.empty() ? backbones : chosen;
 }
 
+const Track* findTrack(const std::vector<Track>& tracks, const LineId& id)
+{
+    const auto found = std::find_if(tracks.begin(), tracks.end(),
+                                    [&id](const Track& track) { return idOf(track) == id; });
+    return found == tracks.end() ? nullptr : &*found;
+}
+
 Names plottableScalars(const Configuration& configuration)
 {
     Names names;
@@ -186,6 +193,25 @@ std::optional<Plot> plotOf(const Configuration& configuration, const Style& styl
                               placesOf(track, axis)});
     for (const std::string& name : names)
         addPanel(plot, tracks, name);
+    return plot;
+}
+
+std::optional<Plot> outlineOf(const LineId& id, const Configuration& configuration,
+                              const Style& style, const Names& scalars)
+{
+    const std::vector<Track> tracks = plottedTracks(configuration, style.dna.angstrom);
+    const Track* const track = findTrack(tracks, id);
+    if (!track)
+        return std::nullopt;
+    Plot plot;
+    plot.lines.push_back({id,
+                          titleOf(*track),
+                          colourOf(*track, configuration, style, Molecules(configuration)),
+                          {}});
+    for (const std::string& name : scalars) {
+        const double rounding = has(*track, name) ? largestOf(roundingOf(*track, name)) : 0;
+        plot.panels.push_back({name, unitOf(*track, name), {{}}, rounding});
+    }
     return plot;
 }
 

@@ -20,6 +20,9 @@ namespace strandview {
 /// is nothing else. In the order of tracksOf(); they look at the configuration.
 std::vector<Track> plottedTracks(const Configuration& configuration, double angstrom);
 
+/// That of these tracks, or null.
+const Track* findTrack(const std::vector<Track>& tracks, const LineId& id);
+
 /// The names of all scalars that one of them has at least, in the order of scalarNames().
 std::vector<std::string> plottableScalars(const Configuration& configuration);
 
@@ -31,6 +34,11 @@ std::vector<std::string> standardScalars(const Configuration& configuration);
 /// Nothing, and one line in `error`, if no line has a scalar of that name.
 std::optional<Plot> plotOf(const Configuration& configuration, const Style& style,
                            const PlotRequest& request, std::string& error);
+
+/// A line of one frame with a panel for each of these scalars, for whoever has their values from
+/// elsewhere: without x and values. Nothing if there is no such line.
+std::optional<Plot> outlineOf(const LineId& id, const Configuration& configuration,
+                              const Style& style, const std::vector<std::string>& scalars);
 
 /// Numbers of whole lines (lineNumbers.h), or with PlotRequest::at scalars of one of their places,
 /// over the frames of a series, which are added in their order.

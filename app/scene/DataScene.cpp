@@ -135,6 +135,17 @@ void DataScene::setLook(std::size_t kind, std::size_t index, const Look& look)
 {
     looks[{kind, index}] = look;
     showLook(kind, index);
+    if (onLook)
+        onLook();
+}
+
+DataScene::Look DataScene::lookOf(ThingKind kind, std::size_t datum) const
+{
+    for (std::size_t i = 0; i < kinds.size(); ++i) {
+        if (!kinds[i].data.empty() && kinds[i].data.front().kind == kind)
+            return getLook(i, kind == ThingKind::LONE_BASES ? 0 : datum);
+    }
+    return {};
 }
 
 void DataScene::setLooks(const Looks& ofOther)

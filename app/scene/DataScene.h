@@ -71,6 +71,8 @@ public:
     std::size_t countKinds() const { return kinds.size(); }
     Look getLook(std::size_t kind, std::size_t index) const;
     void setLook(std::size_t kind, std::size_t index, const Look& look);
+    /// Of a datum by what it is and which of these; of lone bases, which are one together, of any.
+    Look lookOf(ThingKind kind, std::size_t datum) const;
     const Looks& getLooks() const { return looks; }
     /// Those of another scene, for what is there and what comes.
     void setLooks(const Looks& ofOther);
@@ -125,6 +127,8 @@ public:
 
     /// Called with what the user picks, if set.
     std::function<void(const SoPickedPoint&)> onPick;
+    /// Called after each change of a look, if set.
+    std::function<void()> onLook;
 
     /// The box as it was told: what Coin makes of many turned boxes, such as a DNA's, is
     /// much larger, and costs their number in every frame.

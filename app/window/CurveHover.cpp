@@ -11,10 +11,10 @@
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QEvent>
-#include <QWidget>
 
 #include <strandview/analysis/tracks.h>
 
+#include "plotting/plotFrames.h"
 #include "request/conversions.h"
 #include "scene/DataScene.h"
 #include "window/WindowViewer.h"
@@ -46,9 +46,8 @@ std::optional<algebra3d::Vector3<double>> pointOf(const Configuration& data,
 {
     const std::vector<Track> tracks = tracksOf(data);
     const Track* const track = findTrack(tracks, place.line);
-    if (!track || place.row >= track->points.size())
-        return std::nullopt;
-    return track->points[place.row];
+    return track && place.row < track->points.size() ? std::optional(track->points[place.row])
+                                                     : std::nullopt;
 }
 
 } // namespace
@@ -70,7 +69,7 @@ CurveHover::CurveHover(WindowViewer& windowViewer, CurvePanel& curvePanel)
             [this](const CurvePanel::Place& place) { markInView(place); });
     connect(&panel, &CurvePanel::left, this, [this] { markInView(std::nullopt); });
     viewer.onMove = [this](const SbVec2s& place) { lookSoon(place); };
-    viewer.getGLWidget()->installEventFilter(this);
+    watchView();
 }
 
 CurveHover::~CurveHover() { viewer.onMove = nullptr; }
@@ -93,18 +92,30 @@ void CurveHover::setOn(bool on)
     }
 }
 
-bool CurveHover::eventFilter(QObject* watched, QEvent* event)
+bool CurveHover::eventFilter(QObject* of, QEvent* event)
 {
     if (isOn && event->type() == QEvent::Leave) {
         mouse.reset();
         timer.stop();
         panel.mark(std::nullopt);
     }
-    return QObject::eventFilter(watched, event);
+    return QObject::eventFilter(of, event);
+}
+
+// SoQt makes another widget where what is drawn needs another kind of context.
+void CurveHover::watchView()
+{
+    if (watched == viewer.getGLWidget())
+        return;
+    if (watched)
+        watched->removeEventFilter(this);
+    watched = viewer.getGLWidget();
+    watched->installEventFilter(this);
 }
 
 void CurveHover::lookSoon(const SbVec2s& place)
 {
+    watchView();
     if (!isOn || !scene || QApplication::mouseButtons() != Qt::NoButton)
         return;
     mouse = place;

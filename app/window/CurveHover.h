@@ -6,7 +6,9 @@
 
 #include <Inventor/SbVec2s.h>
 #include <QObject>
+#include <QPointer>
 #include <QTimer>
+#include <QWidget>
 
 #include "scene/PickedPlace.h"
 #include "window/CurvePanel.h"
@@ -33,9 +35,10 @@ public:
     void setOn(bool on);
 
 protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
+    bool eventFilter(QObject* of, QEvent* event) override;
 
 private:
+    void watchView();
     void lookSoon(const SbVec2s& place);
     void look();
     void markInView(const std::optional<CurvePanel::Place>& place);
@@ -43,6 +46,7 @@ private:
     WindowViewer& viewer;
     CurvePanel& panel;
     const DataScene* scene = nullptr;
+    QPointer<QWidget> watched; ///< the view's, which may be replaced
     bool isOn = false;
     std::optional<SbVec2s> mouse; ///< over the view, in its pixels
     std::optional<CurvePanel::Place> ofCurve;

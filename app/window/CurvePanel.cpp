@@ -17,10 +17,14 @@
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 
+#include <strandview/analysis/scalarAt.h>
 #include <strandview/analysis/scalars.h>
+#include <strandview/analysis/topology.h>
 
 #include "plotting/plotFiles.h"
 #include "plotting/plotFrames.h"
+#include "scene/DataScene.h"
+#include "window/plotLooks.h"
 #include "window/textBoxes.h"
 
 namespace strandview {
@@ -39,19 +43,29 @@ const long long LEAST_PAUSE = 40; // milliseconds
 // Of frames that were seen, when another place was clicked: so long at once, the rest soon.
 const long long AT_ONCE = 40; // milliseconds
 
-// What takes the square of the number of points is plotted of lines of so many alone.
-const std::size_t MOST_POINTS_OF_SLOW = 2000;
+// What takes the square of the number of points is plotted where all lines together have so many
+// pairs of edges, as one of 2,000 points has.
+const char* const SLOW_SCALAR = "writhe_density";
+const double MOST_EDGE_PAIRS = 2e6;
 
 const double NONE = std::numeric_limits<double>::quiet_NaN();
 
 enum Axis { ALONG, BY_NUMBER, OVER_FRAMES };
 
-bool isTooSlow(const Configuration& data, const std::string& name)
+bool isSlowTooLong(const Configuration& data)
 {
-    const std::vector<Track> tracks = plottedTracks(data, 1);
-    return std::any_of(tracks.begin(), tracks.end(), [&name](const Track& track) {
-        return track.points.size() > MOST_POINTS_OF_SLOW && isSlow(track, name);
-    });
+    return edgePairsOfScalars(plottedTracks(data, 1)) > MOST_EDGE_PAIRS;
+}
+
+std::vector<std::string> tickedNames(const QListWidget& list, Qt::ItemFlags flags)
+{
+    std::vector<std::string> names;
+    for (int i = 0; i < list.count(); ++i) {
+        const QListWidgetItem& item = *list.item(i);
+        if (item.checkState() == Qt::Checked && (item.flags() & flags) == flags)
+            names.push_back(item.text().toStdString());
+    }
+    return names;
 }
 
 } // namespace
@@ -119,12 +133,10 @@ CurvePanel::CurvePanel(QWidget* parent) : QWidget(parent)
 
 QSize CurvePanel::sizeHint() const { return {WIDTH, 2 * WIDTH}; }
 
-void CurvePanel::showData(std::shared_ptr<const Configuration> shown, const Style& shownStyle,
-                          std::size_t shownFrame, Change change)
+void CurvePanel::showScene(const DataScene& shown, std::size_t frame, Change change)
 {
-    data = std::move(shown);
-    style = shownStyle;
-    frame = shownFrame;
+    scene = &shown;
+    data = shown.getData();
     if (change == OTHER_FILES) {
         seen.clear();
         history.clear();
@@ -138,10 +150,24 @@ void CurvePanel::showData(std::shared_ptr<const Configuration> shown, const Styl
     plotSoon();
 }
 
+void CurvePanel::showGap(std::size_t frame)
+{
+    seen[frame].reset();
+    for (auto& [name, values] : history)
+        values.erase(frame);
+    plotSoon();
+}
+
+void CurvePanel::followLooks()
+{
+    tellPlace();
+    plotSoon();
+}
+
 // Those that were ticked stay so if there are any, else the usual ones are.
 void CurvePanel::listScalars()
 {
-    const std::vector<std::string> before = getScalars();
+    const std::vector<std::string> before = tickedNames(*list, Qt::NoItemFlags);
     const QSignalBlocker blocker(list);
     list->clear();
     if (!data)
@@ -155,22 +181,27 @@ void CurvePanel::listScalars()
     const std::vector<std::string> ticked = isAnyLeft ? before : standardScalars(*data);
     for (const std::string& name : names) {
         auto* item = new QListWidgetItem(QString::fromStdString(name), list);
-        const bool isRefused = isTooSlow(*data, name);
-        item->setFlags(isRefused ? Qt::NoItemFlags : Qt::ItemIsEnabled | Qt::ItemIsUserCheckable);
-        item->setCheckState(has(ticked, name) && !isRefused ? Qt::Checked : Qt::Unchecked);
-        if (isRefused)
-            item->setToolTip("For --plot: it takes long for so many points");
+        item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsUserCheckable);
+        item->setCheckState(has(ticked, name) ? Qt::Checked : Qt::Unchecked);
     }
+    limitSlow();
+}
+
+// A frame may have more points than those before; what was ticked comes back where it has fewer.
+void CurvePanel::limitSlow()
+{
+    QListWidgetItem* const item = list->findItems(SLOW_SCALAR, Qt::MatchExactly).value(0);
+    if (!item)
+        return;
+    const QSignalBlocker blocker(list);
+    const bool isTooSlow = data && isSlowTooLong(*data);
+    item->setFlags(isTooSlow ? Qt::NoItemFlags : Qt::ItemIsEnabled | Qt::ItemIsUserCheckable);
+    item->setToolTip(isTooSlow ? "For --plot: it takes long for so many points" : "");
 }
 
 std::vector<std::string> CurvePanel::getScalars() const
 {
-    std::vector<std::string> names;
-    for (int i = 0; i < list->count(); ++i) {
-        if (list->item(i)->checkState() == Qt::Checked)
-            names.push_back(list->item(i)->text().toStdString());
-    }
-    return names;
+    return tickedNames(*list, Qt::ItemIsEnabled);
 }
 
 // At most a part of the time, however long curves take.
@@ -198,82 +229,89 @@ void CurvePanel::plotNow()
     isStale = false;
     QElapsedTimer clock;
     clock.start();
-    PlotRequest request;
-    request.scalars = getScalars();
-    std::optional<Plot> plot;
-    std::string untold; // of scalars that this frame has not
-    isOverFrames = axis->currentIndex() == OVER_FRAMES;
-    if (isOverFrames)
-        plot = plotOfFrames();
-    else if (data && !request.scalars.empty()) {
-        if (axis->currentIndex() == BY_NUMBER)
-            request.against = PlotAxis::NUMBER;
-        else
-            request.against = PlotAxis::ARC_LENGTH;
-        plot = plotOf(*data, style, request, untold);
-    }
-    stack->show(plot.value_or(Plot()), std::exchange(areRangesNew, false) ? PlotStack::NEW_RANGES
-                                                                          : PlotStack::KEEP_RANGES);
-    stack->setMinimumHeight(LEAST_HEIGHT * int(stack->getPlot().panels.size()));
-    saveButton->setEnabled(!stack->getPlot().panels.empty());
+    limitSlow();
+    const bool areFrames = axis->currentIndex() == OVER_FRAMES;
+    Plot plot = (areFrames ? plotOfFrames() : plotOfLines()).value_or(Plot());
+    if (scene)
+        strandview::followLooks(plot, *scene);
+    show(plot, areFrames);
     costOfPlot = clock.elapsed();
     sincePlot.start();
     if (isStale)
         plotSoon();
 }
 
-// The chosen place in the frames that are still there; what was known of others stays.
-std::optional<Plot> CurvePanel::plotOfFrames()
+// What is marked over frames is a frame: others may come before it.
+void CurvePanel::show(const Plot& plot, bool areFrames)
 {
-    if (!data || !chosen)
+    const std::optional<PlotPlace>& mark = stack->getMark();
+    std::optional<double> markedFrame;
+    if (mark && isOverFrames && areFrames)
+        markedFrame = stack->getPlot().lines[mark->line].x[mark->place];
+    isOverFrames = areFrames;
+    stack->show(plot, std::exchange(areRangesNew, false) ? PlotStack::NEW_RANGES
+                                                         : PlotStack::KEEP_RANGES);
+    if (markedFrame && stack->getMark())
+        stack->mark(PlotPlace{0, nearestPlace(plot.lines[0].x, *markedFrame)});
+    stack->setMinimumHeight(LEAST_HEIGHT * int(plot.panels.size()));
+    saveButton->setEnabled(!plot.panels.empty());
+}
+
+std::optional<Plot> CurvePanel::plotOfLines()
+{
+    PlotRequest request;
+    request.scalars = getScalars();
+    if (!data || request.scalars.empty())
         return std::nullopt;
-    const std::vector<std::string> names = getScalars();
+    request.against = axis->currentIndex() == BY_NUMBER ? PlotAxis::NUMBER : PlotAxis::ARC_LENGTH;
+    std::string untold; // of scalars that this frame has not
+    return plotOf(*data, scene->getStyle(), request, untold);
+}
+
+// The chosen place in the frames that are still there; what was known of others stays. Whether
+// there was time for all of them.
+bool CurvePanel::readFrames(const std::vector<std::string>& names)
+{
     QElapsedTimer clock;
     clock.start();
     for (const auto& [number, kept] : seen) {
         const std::shared_ptr<const Configuration> there = kept.lock();
-        if (!there)
+        const bool isKnown =
+            std::all_of(names.begin(), names.end(),
+                        [&, of = number](const auto& n) { return history[n].count(of) > 0; });
+        if (!there || isKnown)
             continue;
-        if (clock.elapsed() > AT_ONCE) {
-            isStale = true;
-            break;
-        }
+        if (clock.elapsed() > AT_ONCE)
+            return false;
+        const std::vector<Track> tracks = plottedTracks(*there, scene->getStyle().dna.angstrom);
+        const Track* const track = findTrack(tracks, chosen->line);
         for (const std::string& name : names) {
-            auto& values = history[name];
-            if (values.count(number) > 0)
-                continue;
-            const std::vector<Track> tracks = plottedTracks(*there, style.dna.angstrom);
-            const Track* const track = findTrack(tracks, chosen->line);
-            const auto all = track ? findScalar(*track, name) : std::nullopt;
-            values[number] = all && chosen->row < all->size() ? (*all)[chosen->row] : NONE;
+            if (history[name].count(number) == 0)
+                history[name][number] =
+                    (track ? scalarAt(*track, name, chosen->row) : std::nullopt).value_or(NONE);
         }
     }
-    PlotRequest request;
-    request.scalars = names;
-    std::string untold;
-    std::optional<Plot> plot = names.empty() ? std::nullopt : plotOf(*data, style, request, untold);
+    return true;
+}
+
+std::optional<Plot> CurvePanel::plotOfFrames()
+{
+    const std::vector<std::string> names = getScalars();
+    if (!data || !chosen || names.empty())
+        return std::nullopt;
+    isStale = !readFrames(names);
+    std::optional<Plot> plot = outlineOf(chosen->line, *data, scene->getStyle(), names);
     if (!plot)
         return std::nullopt;
-    const auto line = std::find_if(plot->lines.begin(), plot->lines.end(),
-                                   [this](const auto& one) { return one.id == chosen->line; });
-    if (line == plot->lines.end())
-        return std::nullopt;
-    PlotLine only = *line;
-    only.x.clear();
-    for (const auto& [number, kept] : seen)
-        only.x.push_back(double(number));
-    for (PlotPanel& panel : plot->panels) {
-        std::vector<double> values;
-        const auto& known = history[panel.name];
-        for (const auto& [number, kept] : seen) {
-            const auto value = known.find(number);
-            values.push_back(value == known.end() ? NONE : value->second);
-        }
-        panel.values = {values};
-    }
-    plot->lines = {only};
     plot->xName = "frame";
-    plot->xUnit.clear();
+    for (const auto& [number, kept] : seen) {
+        plot->lines[0].x.push_back(double(number));
+        for (PlotPanel& panel : plot->panels) {
+            const auto& known = history[panel.name];
+            const auto value = known.find(number);
+            panel.values[0].push_back(value == known.end() ? NONE : value->second);
+        }
+    }
     return plot;
 }
 
@@ -293,16 +331,17 @@ QString CurvePanel::getPlaceText() const { return placeLabel->text(); }
 void CurvePanel::tellPlace()
 {
     const std::vector<Track> tracks =
-        data ? plottedTracks(*data, style.dna.angstrom) : std::vector<Track>();
+        data && chosen ? plottedTracks(*data, 1) : std::vector<Track>();
     const Track* const track = chosen ? findTrack(tracks, chosen->line) : nullptr;
     if (!track) {
         placeLabel->setText("Over frames: the place that was clicked, in the view or in a curve");
         return;
     }
-    const bool isPair = track->dna != nullptr;
-    placeLabel->setText(QString::fromStdString("Over frames: " + titleOf(*track) +
-                                               (isPair ? ", pair " : ", point ") +
-                                               std::to_string(chosen->row + (isPair ? 1 : 0))));
+    const std::string name = lookOf(chosen->line, *scene).name.value_or(titleOf(*track));
+    placeLabel->setText(QString::fromStdString(
+        "Over frames: " + name +
+        (track->dna ? ", pair " + std::to_string(chosen->row + 1) + " (from 1)"
+                    : ", point " + std::to_string(chosen->row) + " (from 0)")));
 }
 
 void CurvePanel::mark(const std::optional<Place>& place)

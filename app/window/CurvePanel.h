@@ -18,7 +18,6 @@
 #include "plotting/Plot.h"
 #include "plotting/PlotStack.h"
 #include "request/PlotRequest.h"
-#include "scene/Style.h"
 
 class QComboBox;
 class QLabel;
@@ -28,8 +27,11 @@ class QPushButton;
 
 namespace strandview {
 
+class DataScene;
+
 /// Curves of the data that a window shows: scalars that are ticked, over arc length, number, or the
-/// frames that were seen. It computes only while it is visible, and says which place the mouse is
+/// frames that were seen, with the names and colours that the user gave to things that are not
+/// hidden. It computes only while it is visible, and says which place the mouse is
 /// over. Of the window's thread.
 class CurvePanel : public QWidget
 {
@@ -46,10 +48,13 @@ public:
     explicit CurvePanel(QWidget* parent = nullptr);
 
     enum Change { OTHER_FILES, NEXT_FRAME };
-    /// Shows these data from now on; null for none. What is computed from them is computed soon, at
-    /// most some times a second.
-    void showData(std::shared_ptr<const Configuration> shown, const Style& shownStyle,
-                  std::size_t shownFrame, Change change);
+    /// Shows the data of a scene from now on, which outlives the panel, or another one is given.
+    /// What is computed from them is computed soon, at most some times a second.
+    void showScene(const DataScene& shown, std::size_t frame, Change change);
+    /// A frame that cannot be read is a gap over frames.
+    void showGap(std::size_t frame);
+    /// Names, colours or hiding in the scene are others.
+    void followLooks();
 
     /// Marks a place in the curves, or none.
     void mark(const std::optional<Place>& place);
@@ -58,11 +63,11 @@ public:
 
     const PlotStack& getStack() const { return *stack; }
     QSize sizeHint() const override;
-    /// The names that are ticked.
+    /// The names that are ticked, without those that take too long.
     std::vector<std::string> getScalars() const;
     /// Whether nothing is left to compute.
     bool isUpToDate() const { return !isStale; }
-    /// "Over frames: rod 1, point 3".
+    /// "Over frames: rod 1, point 3 (from 0)".
     QString getPlaceText() const;
 
     /// Writes what is plotted; tells in a message box if that fails.
@@ -84,9 +89,13 @@ protected:
 
 private:
     void listScalars();
+    void limitSlow();
     void plotSoon();
     void plotNow();
+    std::optional<Plot> plotOfLines();
     std::optional<Plot> plotOfFrames();
+    bool readFrames(const std::vector<std::string>& names);
+    void show(const Plot& plot, bool areFrames);
     void tellHover(const PlotPlace& place);
     void tellPlace();
 
@@ -96,9 +105,8 @@ private:
     QLabel* placeLabel;
     PlotStack* stack;
 
+    const DataScene* scene = nullptr;
     std::shared_ptr<const Configuration> data;
-    Style style{};
-    std::size_t frame = 0;
     std::optional<Place> chosen;
     /// Those that were seen, as long as somebody keeps them.
     std::map<std::size_t, std::weak_ptr<const Configuration>> seen;

@@ -195,6 +195,12 @@ void MainWindow::buildPanels()
     things->onCentre = [this](const SbBox3f& box) { centre(box); };
     thingsDock = addPanel(things, "Things", Command::SHOW_THINGS);
     buildCurves();
+    lookTimer.setSingleShot(true); // a button changes thousands of looks
+    connect(&lookTimer, &QTimer::timeout, this, [this] {
+        places->follow();
+        curves->followLooks();
+        curveHover->follow();
+    });
 }
 
 void MainWindow::buildSettings()
@@ -261,6 +267,8 @@ void MainWindow::buildStatusBar()
     statusBar->addWidget(loadBar, 1);
     layout()->addWidget(statusBar);
     ownedViewer->onMiss = [this] {
+        if (ownedViewer->isShiftDown) // what is measured from stays
+            return;
         places->forget();
         statusText->tell({});
     };
@@ -282,6 +290,7 @@ void MainWindow::showScene(DataScene* newScene, const std::vector<std::string>& 
     scene = newScene;
     shownFiles = files;
     scene->onPick = [this](const SoPickedPoint& picked) { pick(picked); };
+    scene->onLook = [this] { lookTimer.start(); };
     if (choice == NEW_CAMERA)
         places->forget();
     else
@@ -292,8 +301,7 @@ void MainWindow::showScene(DataScene* newScene, const std::vector<std::string>& 
     places->setScene(scene);
     things->setScene(scene);
     curveHover->setScene(scene);
-    curves->showData(scene->getData(), scene->getStyle(), std::size_t(options.frame.value_or(0)),
-                     CurvePanel::OTHER_FILES);
+    curves->showScene(*scene, loadedFrame(), CurvePanel::OTHER_FILES);
     scene->showColours((*menus)[Command::SHOW_COLOURS]->isChecked());
     viewer->setSceneGraph(static_cast<SoGeneralScene*>(scene));
     if (!isFirst && choice == NEW_CAMERA) { // these were for the scene before
@@ -412,9 +420,8 @@ void MainWindow::tellOpened(const std::vector<std::string>& files, const ReadRep
 
 void MainWindow::beginToPlay(const ReadReport& report, const Start& start)
 {
-    const bool areMoved = options.series.align || options.series.between > 0;
-    const auto given = std::size_t(std::exchange(options.frame, std::nullopt).value_or(0));
-    const std::size_t loaded = areMoved ? 0 : given;
+    const std::size_t loaded = loadedFrame();
+    options.frame.reset();
     loadNotices.clear();
     for (const std::string& notice : report.notices)
         loadNotices.push_back(toldOf(notice, shownFiles));
@@ -439,12 +446,13 @@ void MainWindow::beginToPlay(const ReadReport& report, const Start& start)
     });
     connect(player.get(), &Player::failed, this, [this](std::size_t of, const std::string& error) {
         statusText->tell({toldOfFrame(of, {error, ""})});
+        curves->showGap(of);
     });
     connect(player.get(), &Player::noticed, this, &MainWindow::tellFrame);
     connect(player.get(), &Player::frameShown, this, [this](std::size_t shown) {
         places->follow();
         things->follow();
-        curves->showData(scene->getData(), scene->getStyle(), shown, CurvePanel::NEXT_FRAME);
+        curves->showScene(*scene, shown, CurvePanel::NEXT_FRAME);
         curveHover->follow();
     });
     connect(player.get(), &Player::opened, this,
@@ -454,6 +462,13 @@ void MainWindow::beginToPlay(const ReadReport& report, const Start& start)
         player->goTo(start.frame);
     menus->followSeries(true);
     playBar->show();
+}
+
+// Frames that are moved, or put between others, begin with the first.
+std::size_t MainWindow::loadedFrame() const
+{
+    const bool areMoved = options.series.align || options.series.between > 0;
+    return areMoved ? 0 : std::size_t(options.frame.value_or(0));
 }
 
 // Beside what loading the first frame told.

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include <QStringList>
+#include <QTimer>
 
 #include <SoQtGeneralViewerDialog.h>
 
@@ -178,6 +179,8 @@ private:
     /// If the files that are shown have several frames, and can be read again.
     void beginToPlay(const ReadReport& report, const Start& start);
     void endPlaying();
+    /// Of the files that are loaded, the one that is shown first.
+    std::size_t loadedFrame() const;
     void tellSeries(const std::vector<std::string>& notices);
     void tellFrame(std::size_t frame, const std::vector<std::string>& notices);
     /// Makes camera and colours suit all frames.
@@ -221,6 +224,7 @@ private:
     CurvePanel* curves = nullptr;
     std::unique_ptr<CurveHover> curveHover;
     std::unique_ptr<PlaceTeller> places;
+    QTimer lookTimer; ///< until panels follow what the user changed of things
     LoadBar* loadBar = nullptr;
     PlayBar* playBar = nullptr;
     std::vector<Told> loadNotices;   ///< of the files that are shown

@@ -67,7 +67,7 @@ void PlacePanel::tell(const std::vector<NumberTable>& tables)
     }
     page->setLineWrapMode(QTextEdit::NoWrap);
     for (const NumberTable& table : tables)
-        show(table);
+        add(table);
     page->moveCursor(QTextCursor::Start);
     page->verticalScrollBar()->setValue(line); // of another frame's numbers the same ones
     page->horizontalScrollBar()->setValue(column);
@@ -81,7 +81,7 @@ QSize PlacePanel::sizeHint() const
 
 void PlacePanel::copy() const { QApplication::clipboard()->setText(text); }
 
-void PlacePanel::show(const NumberTable& table)
+void PlacePanel::add(const NumberTable& table)
 {
     QTextCursor cursor(page->document());
     cursor.movePosition(QTextCursor::End);

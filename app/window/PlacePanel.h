@@ -35,7 +35,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    void show(const NumberTable& table);
+    void add(const NumberTable& table);
 
     QTextEdit* page;
     QPushButton* copyButton;

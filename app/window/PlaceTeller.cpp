@@ -13,6 +13,10 @@ namespace strandview {
 
 namespace {
 
+// Numbers take at most this share of the time in which frames are played.
+const long long SHARE = 5;         // a fifth
+const long long LEAST_PAUSE = 200; // milliseconds, in which nobody reads them
+
 // "distance 2.5 length" without the unit of the points, which nobody knows.
 std::string textOf(const NumberRow& row)
 {
@@ -24,49 +28,77 @@ std::string textOf(const NumberRow& row)
 
 PlaceTeller::PlaceTeller(PlaceMarks& placeMarks, PlacePanel& placePanel)
     : marks(placeMarks), panel(placePanel)
-{}
+{
+    timer.setSingleShot(true);
+    QObject::connect(&timer, &QTimer::timeout, &timer, [this] { tellNow(); });
+}
 
 void PlaceTeller::setScene(const DataScene* shown)
 {
     scene = shown;
-    follow();
+    mark();
+    tellNow();
 }
 
 void PlaceTeller::follow()
 {
     mark();
+    if (timer.isActive())
+        return;
+    const long long pause = std::max(LEAST_PAUSE, SHARE * costOfTelling);
+    const long long passed = sinceTold.isValid() ? sinceTold.elapsed() : pause;
+    if (passed >= pause)
+        tellNow();
+    else
+        timer.start(int(pause - passed));
+}
+
+void PlaceTeller::tellNow()
+{
+    timer.stop();
     if (!panel.isVisible())
         return;
-    std::vector<NumberTable> tables;
-    if (scene && scene->getData() && !places.empty()) {
-        const Configuration& data = *scene->getData();
-        const double angstrom = scene->getStyle().dna.angstrom;
-        if (places.size() > 1) {
-            if (const auto measured = numbersBetween(places[0], places[1], data, angstrom))
-                tables.push_back(*measured);
-        }
-        for (std::size_t i = 0; i < places.size(); ++i) {
-            for (NumberTable& table : numbersAt(places[i], data, angstrom)) {
-                if (places.size() > 1)
-                    table.title = std::to_string(i + 1) + ": " + table.title;
-                tables.push_back(std::move(table));
-            }
+    QElapsedTimer clock;
+    clock.start();
+    panel.tell(tables());
+    costOfTelling = clock.elapsed();
+    sinceTold.start();
+}
+
+std::vector<NumberTable> PlaceTeller::tables() const
+{
+    if (!scene || !scene->getData())
+        return {};
+    std::vector<NumberTable> all;
+    const Configuration& data = *scene->getData();
+    const double angstrom = scene->getStyle().dna.angstrom;
+    if (places.size() > 1) {
+        if (const auto measured = numbersBetween(places[0], places[1], data, angstrom))
+            all.push_back(*measured);
+    }
+    for (std::size_t i = 0; i < places.size(); ++i) {
+        for (NumberTable& table : numbersAt(places[i], data, angstrom)) {
+            if (places.size() > 1)
+                table.title = std::to_string(i + 1) + ": " + table.title;
+            all.push_back(std::move(table));
         }
     }
-    panel.tell(tables);
+    return all;
 }
 
 void PlaceTeller::add(const PickedPlace& place, bool measures)
 {
     places.resize(std::min<std::size_t>(places.size(), measures ? 1 : 0));
     places.push_back(place);
-    follow();
+    mark();
+    tellNow();
 }
 
 void PlaceTeller::forget()
 {
     places.clear();
-    follow();
+    mark();
+    tellNow();
 }
 
 std::vector<Told> PlaceTeller::getTold() const
@@ -86,7 +118,7 @@ void PlaceTeller::mark()
 {
     std::vector<SbVec3f> points;
     for (const PickedPlace& place : places) {
-        if (!scene || !scene->getData())
+        if (!scene || !scene->getData() || scene->lookOf(place.kind, place.datum).isHidden)
             continue;
         if (const auto at = findPoint(place, *scene->getData()))
             points.push_back(toSbVec3f(scene->getPlacement().toScene(at->point)));

@@ -229,9 +229,10 @@ void Player::show(FrameToPlay next)
     bar.showFrame(next.frame, next.time);
     if (!next.notices.empty())
         emit noticed(shown, next.notices);
-    if (!error.empty())
+    if (error.empty())
+        emit frameShown(shown);
+    else
         emit failed(shown, error);
-    emit frameShown(shown);
 }
 
 } // namespace strandview

@@ -66,11 +66,11 @@ public:
 
 signals:
     void playingChanged(bool on);
-    /// Another frame is shown.
+    /// Another frame is shown, or the same one anew.
     void frameShown(std::size_t frame);
     /// All that there is to tell of the series so far.
     void opened(const std::vector<std::string>& lines);
-    /// A frame cannot be shown, and why, in one line.
+    /// A frame cannot be shown, so that what was shown stays, and why, in one line.
     void failed(std::size_t frame, const std::string& error);
     /// What was done to the data of a frame that was shown, each time that it is.
     void noticed(std::size_t frame, const std::vector<std::string>& notices);

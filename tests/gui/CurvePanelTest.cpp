@@ -5,14 +5,17 @@
 #include <fstream>
 #include <iterator>
 
+#include <Inventor/Qt/SoQtGLWidget.h>
 #include <QComboBox>
 #include <QCursor>
 #include <QImage>
 #include <QListWidget>
+#include <QPointer>
 #include <QTest>
 #include <gmock/gmock.h>
 
 #include "DataWindowTest.h"
+#include "scene/DataScene.h"
 #include "support/realInput.h"
 #include "window/Player.h"
 
@@ -21,6 +24,7 @@ namespace strandview {
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::IsNan;
 using testing::SizeIs;
 
 namespace {
@@ -31,6 +35,15 @@ std::string rodText(int factor)
     std::string text = "x y z k\n";
     for (int i = 0; i < 5; ++i)
         text += std::to_string(i) + " 0 0 " + std::to_string(factor * i * i) + "\n";
+    return text;
+}
+
+// Along x, y from it.
+std::string straightText(int points, int y)
+{
+    std::string text;
+    for (int i = 0; i < points; ++i)
+        text += std::to_string(i) + " " + std::to_string(y) + " 0\n";
     return text;
 }
 
@@ -90,11 +103,49 @@ protected:
     {
         return stack().mapToGlobal(stack().positionOf(plotPanel, {0, place}));
     }
+    std::vector<double> shownValues() const
+    {
+        const Plot& plot = stack().getPlot();
+        return plot.panels.size() == 1 && plot.lines.size() == 1 ? plot.panels[0].values[0]
+                                                                 : std::vector<double>();
+    }
+    bool comesToShowFrame(std::size_t frame) const
+    {
+        player()->goTo(frame);
+        return comesTo([&] { return player()->getFrame() == frame; });
+    }
+    // Of that place of the only curve.
+    void plotOverFrames(std::size_t place)
+    {
+        const QPoint there = ofPlace(0, place);
+        clickRealButton(there.x(), there.y());
+        ASSERT_TRUE(comesTo([&] {
+            return panel()->getPlaceText() ==
+                   "Over frames: rod 1, point " + QString::number(place) + " (from 0)";
+        }));
+        panel()->findChild<QComboBox*>("plotAxis")->setCurrentIndex(2);
+    }
+
+    // What the view is drawn by.
+    SoQtGLWidget* drawing() const
+    {
+        SoQtComponent* component = nullptr;
+        for (QWidget* part = view(); part && !component; part = part->parentWidget())
+            component = SoQtComponent::getComponent(part);
+        return dynamic_cast<SoQtGLWidget*>(component);
+    }
+    QListWidgetItem* entry(const char* name) const
+    {
+        return panel()
+            ->findChild<QListWidget*>("plotScalars")
+            ->findItems(name, Qt::MatchExactly)
+            .value(0);
+    }
     // The row of a list entry, in the middle of its check box.
     void tick(const char* name) const
     {
         auto* list = panel()->findChild<QListWidget*>("plotScalars");
-        QListWidgetItem* item = list->findItems(name, Qt::MatchExactly).value(0);
+        QListWidgetItem* item = entry(name);
         ASSERT_TRUE(item);
         list->scrollToItem(item);
         const QRect row = list->visualItemRect(item);
@@ -194,15 +245,9 @@ TEST_F(CurvePanelTest, TheClickedPlaceIsPlottedOverTheFramesSeen)
 {
     openWithPanel(seriesText(), "rods.json");
     untickAllBut("k");
-    const QPoint place = ofPlace(0, 3);
-    clickRealButton(place.x(), place.y());
-    ASSERT_TRUE(
-        comesTo([this] { return panel()->getPlaceText() == "Over frames: rod 1, point 3"; }));
-    panel()->findChild<QComboBox*>("plotAxis")->setCurrentIndex(2);
-    for (const std::size_t frame : {1, 2}) {
-        player()->goTo(frame);
-        ASSERT_TRUE(comesTo([&] { return player()->getFrame() == frame; }));
-    }
+    ASSERT_NO_FATAL_FAILURE(plotOverFrames(3));
+    for (const std::size_t frame : {1, 2})
+        ASSERT_TRUE(comesToShowFrame(frame));
     ASSERT_TRUE(comesTo([this] {
         return !stack().getPlot().lines.empty() && stack().getPlot().lines[0].x.size() == 3;
     }));
@@ -213,6 +258,83 @@ TEST_F(CurvePanelTest, TheClickedPlaceIsPlottedOverTheFramesSeen)
     const QPoint second = ofPlace(0, 1); // a click goes to that frame
     clickRealButton(second.x(), second.y());
     EXPECT_TRUE(comesTo([this] { return player()->getFrame() == 1; }));
+}
+
+TEST_F(CurvePanelTest, AFrameThatCannotBeReadIsAGapOverTheFramesSeen)
+{
+    std::string text = seriesText();
+    text.replace(text.find("[1,0,0]", text.find("}]}") + 1), 7, "[1,\"\",0]"); // of frame 1
+    openWithPanel(text, "broken.json");
+    untickAllBut("k");
+    ASSERT_NO_FATAL_FAILURE(plotOverFrames(3));
+    ASSERT_TRUE(comesToShowFrame(1));
+    EXPECT_TRUE(comesTo([this] { return shownValues().size() == 2; }));
+    EXPECT_THAT(shownValues(), ElementsAre(3, IsNan()));
+    ASSERT_TRUE(comesToShowFrame(2));
+    EXPECT_TRUE(comesTo([this] { return shownValues().size() == 3; }));
+    EXPECT_THAT(stack().getPlot().lines.at(0).x, ElementsAre(0, 1, 2));
+    EXPECT_THAT(shownValues(), ElementsAre(3, IsNan(), 300));
+}
+
+// They begin with the first, and go on to the one that is asked for.
+TEST_F(CurvePanelTest, FramesBetweenAreThemselvesOverTheFramesSeen)
+{
+    options.series.between = 1;
+    options.frame = 2; // the data's frame 1
+    start(folder.write("rods.json", seriesText()));
+    ASSERT_NE(player(), nullptr);
+    ASSERT_TRUE(comesTo([this] { return player()->isStaged() && player()->getFrame() == 2; }));
+    pressRealKey("g");
+    ASSERT_TRUE(comesTo([this] { return panel()->isVisible() && panel()->isUpToDate(); }));
+    untickAllBut("k");
+    ASSERT_NO_FATAL_FAILURE(plotOverFrames(3));
+    ASSERT_TRUE(comesTo([this] { return !shownValues().empty() && panel()->isUpToDate(); }));
+    EXPECT_THAT(stack().getPlot().lines[0].x, ElementsAre(0, 2));
+    ASSERT_TRUE(comesToShowFrame(0));
+    EXPECT_TRUE(comesTo([this] { return shownValues() == std::vector<double>{3, 30}; }));
+}
+
+TEST_F(CurvePanelTest, AMarkStaysWhileOtherFramesAreShown)
+{
+    openWithPanel(seriesText(), "rods.json");
+    untickAllBut("k");
+    QCursor::setPos(ofPlace(0, 3));
+    ASSERT_TRUE(comesTo([this] { return stack().getMark() == PlotPlace{0, 3}; }));
+    ASSERT_TRUE(comesToShowFrame(2));
+    ASSERT_TRUE(comesTo([this] { return shownValues().back() == 400; }));
+    EXPECT_EQ(stack().getMark(), (PlotPlace{0, 3}));
+    // A place of a curve is none of the frames.
+    panel()->findChild<QComboBox*>("plotAxis")->setCurrentIndex(2);
+    EXPECT_TRUE(comesTo([this] { return !stack().getMark(); }));
+}
+
+TEST_F(CurvePanelTest, NamesColoursAndHidingOfThingsAreThoseOfTheirCurves)
+{
+    openWithPanel(rodText(1), "rod.txt");
+    untickAllBut("k");
+    scene->setLook(0, 0, {false, "arm", SbColor(1, 0, 0)});
+    ASSERT_TRUE(comesTo([this] { return stack().getPlot().lines.at(0).title == "arm"; }));
+    EXPECT_EQ(stack().getPlot().lines[0].colour.red, 1);
+    EXPECT_EQ(stack().getPlot().lines[0].colour.blue, 0);
+    scene->setLook(0, 0, {true, {}, {}});
+    EXPECT_TRUE(comesTo([this] { return stack().getPlot().lines.empty(); }));
+    EXPECT_THAT(stack().getPlot().panels.at(0).values, IsEmpty());
+    scene->setLook(0, 0, {});
+    EXPECT_TRUE(comesTo([this] { return stack().getPlot().lines.size() == 1; }));
+}
+
+// SoQt makes another widget for another kind of context.
+TEST_F(CurvePanelTest, APlaceInTheSceneIsMarkedUntilTheMouseLeavesTheViewWhateverDrawsIt)
+{
+    openWithPanel(rodText(1), "rod.txt");
+    const QPointer<QWidget> before = drawing()->getGLWidget();
+    drawing()->setAccumulationBuffer(TRUE);
+    ASSERT_NE(drawing()->getGLWidget(), before);
+    ASSERT_TRUE(comesToBePainted());
+    QCursor::setPos(onScreen(2.1, 0));
+    ASSERT_TRUE(comesTo([this] { return stack().getMark() == PlotPlace{0, 2}; }));
+    QCursor::setPos(window->mapToGlobal({200, 5})); // the menus
+    EXPECT_TRUE(comesTo([this] { return !stack().getMark(); }));
 }
 
 TEST_F(CurvePanelTest, CurvesAreSavedAsAFile)
@@ -238,12 +360,8 @@ TEST_F(CurvePanelTest, OtherFilesHaveTheirOwnScalars)
 
 TEST_F(CurvePanelTest, ASlowScalarOfALongRodCannotBeTicked)
 {
-    std::string text;
-    for (int i = 0; i < 2500; ++i)
-        text += std::to_string(i) + " 0 0\n";
-    openWithPanel(text, "long.txt");
-    auto* list = panel()->findChild<QListWidget*>("plotScalars");
-    const QListWidgetItem* item = list->findItems("writhe_density", Qt::MatchExactly).value(0);
+    openWithPanel(straightText(2500, 0), "long.txt");
+    const QListWidgetItem* item = entry("writhe_density");
     ASSERT_TRUE(item);
     EXPECT_FALSE(item->flags() & Qt::ItemIsUserCheckable);
     EXPECT_FALSE(item->toolTip().isEmpty());
@@ -259,6 +377,27 @@ TEST_F(CurvePanelTest, AScalarOfAFileWithTheNameOfASlowOneIsTicked)
     const QListWidgetItem* item = list->findItems("writhe_density", Qt::MatchExactly).value(0);
     ASSERT_TRUE(item);
     EXPECT_TRUE(item->flags() & Qt::ItemIsUserCheckable);
+}
+
+TEST_F(CurvePanelTest, NorCanThatOfManyRodsThatAreLongTogether)
+{
+    std::string text;
+    for (int rod = 0; rod < 20; ++rod)
+        text += straightText(500, rod) + "\n";
+    openWithPanel(text, "many.txt");
+    EXPECT_FALSE(entry("writhe_density")->flags() & Qt::ItemIsUserCheckable);
+}
+
+TEST_F(CurvePanelTest, ASlowScalarIsLeftOutOfFramesThatAreTooLong)
+{
+    openWithPanel(straightText(100, 0) + "\n\n" + straightText(2500, 0), "grows.txt");
+    untickAllBut("writhe_density");
+    ASSERT_TRUE(comesToShowFrame(1));
+    EXPECT_TRUE(comesTo([this] { return shownPanels().empty(); }));
+    EXPECT_FALSE(entry("writhe_density")->flags() & Qt::ItemIsUserCheckable);
+    ASSERT_TRUE(comesToShowFrame(0));
+    EXPECT_TRUE(
+        comesTo([this] { return shownPanels() == std::vector<std::string>{"writhe_density"}; }));
 }
 
 } // namespace strandview

@@ -22,26 +22,50 @@ DataWindowTest::DataWindowTest() { QSettings().clear(); }
 
 DataWindowTest::~DataWindowTest() = default;
 
-void DataWindowTest::open(const std::string& name)
+MainWindow::Loader DataWindowTest::makeLoader()
 {
-    file = name;
+    return [this](const std::vector<std::string>& files, const Options& asked, ReadReport& report,
+                  Progress& progress) {
+        const SceneMaker make = prepareScene(files, asked, report, progress, Opening::AT_ONCE);
+        return
+            [this, make](ReadReport& made, Progress& nodes) { return scene = make(made, nodes); };
+    };
+}
+
+void DataWindowTest::makeWindow()
+{
     window = std::make_unique<MainWindow>(
-        options,
-        [this](const std::vector<std::string>& files, const Options& asked, ReadReport& report,
-               Progress& progress) {
-            const SceneMaker make = prepareScene(files, asked, report, progress, Opening::AT_ONCE);
-            return [this, make](ReadReport& made, Progress& nodes) {
-                return scene = make(made, nodes);
-            };
-        },
-        [this](const std::vector<std::string>& files, const Options& asked, ReadReport& report,
-               Progress& progress) {
+        options, makeLoader(),
+        [](const std::vector<std::string>& files, const Options& asked, ReadReport& report,
+           Progress& progress) {
             return moveFrames(openFiles(files, asked, report, progress, Opening::AT_ONCE).series,
                               asked);
         });
     window->show();
     ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+}
+
+void DataWindowTest::open(const std::string& name)
+{
+    file = name;
+    ASSERT_NO_FATAL_FAILURE(makeWindow());
     window->openFiles({QString::fromStdString(file)});
+    ASSERT_TRUE(comesTo([this] { return !window->isLoading(); }));
+}
+
+void DataWindowTest::start(const std::string& name)
+{
+    file = name;
+    Options first = options;
+    if (options.series.align || options.series.between > 0)
+        first.frame.reset();
+    ASSERT_NO_FATAL_FAILURE(makeWindow());
+    const auto load = [load = makeLoader(), first](const std::vector<std::string>& files,
+                                                   ReadReport& report, Progress& progress) {
+        return load(files, first, report, progress);
+    };
+    window->follow(std::make_unique<LoadJob>(std::vector<std::string>{file}, load),
+                   [](const ReadReport& report) { EXPECT_EQ(report.error, ""); });
     ASSERT_TRUE(comesTo([this] { return !window->isLoading(); }));
 }
 

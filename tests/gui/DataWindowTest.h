@@ -34,6 +34,8 @@ protected:
     /// Shows a window with these options, which is active and has loaded the file then. Fatal
     /// failures if it does not come to that.
     void open(const std::string& name);
+    /// As the program begins with it, at the frame that the options ask for.
+    void start(const std::string& name);
     /// Of a file that is written for it.
     void openText(const std::string& text, const std::string& name);
     /// Whether a whole frame that was drawn from now on is on the screen at last.
@@ -56,6 +58,11 @@ protected:
     static void click(const QWidget& widget);
     static void click(const QWidget& widget, const QPoint& place);
 
+private:
+    MainWindow::Loader makeLoader();
+    void makeWindow();
+
+protected:
     const TemporaryFolder folder;
     Options options;
     std::string file;

@@ -4,6 +4,8 @@
 #include "window/PlacePanel.h"
 
 #include <cmath>
+#include <memory>
+#include <set>
 
 #include <QApplication>
 #include <QClipboard>
@@ -14,7 +16,10 @@
 #include <gmock/gmock.h>
 
 #include "DataWindowTest.h"
+#include "scene/DataScene.h"
 #include "support/realInput.h"
+#include "window/PlaceMarks.h"
+#include "window/PlaceTeller.h"
 #include "window/Player.h"
 
 namespace strandview {
@@ -133,6 +138,7 @@ TEST_F(PlacePanelTest, ADragTurnsTheSceneAndTellsNothing)
     }
     EXPECT_TRUE(isTurned);
     EXPECT_EQ(told(), before);
+    EXPECT_GT(countPixels(screen(), isYellow), 0) << "the place stays marked";
 }
 
 TEST_F(PlacePanelTest, AClickMayMoveTheMouseALittle)
@@ -189,6 +195,29 @@ TEST_F(PlacePanelTest, AClickBesideEverythingTakesThemBack)
     EXPECT_THAT(page()->toPlainText().toStdString(), StartsWith("Click on something"));
 }
 
+TEST_F(PlacePanelTest, BesideEverythingAClickWithShiftTakesNothingBack)
+{
+    openWithPanel(rodText(0));
+    click(1, 0);
+    ASSERT_TRUE(comesToTell("rod 1"));
+    shiftClick(2, 1);
+    QTest::qWait(100);
+    shiftClick(3, 0);
+    EXPECT_TRUE(comesToTell("from 1 to 2"));
+    EXPECT_EQ(valueOf("distance"), "2\tlength");
+}
+
+TEST_F(PlacePanelTest, APlaceOfWhatIsHiddenHasNoMark)
+{
+    openWithPanel(rodText(0));
+    click(1, 0);
+    ASSERT_TRUE(comesTo([this] { return countPixels(screen(), isYellow) > 20; }));
+    scene->setLook(0, 0, {true, {}, {}});
+    EXPECT_TRUE(comesTo([this] { return countPixels(screen(), isYellow) == 0; }));
+    scene->setLook(0, 0, {});
+    EXPECT_TRUE(comesTo([this] { return countPixels(screen(), isYellow) > 20; }));
+}
+
 TEST_F(PlacePanelTest, TheTextIsCopiedByItsButtonAndByTheUsualKeys)
 {
     openWithPanel(rodText(0));
@@ -243,6 +272,32 @@ TEST_F(PlacePanelTest, OfAnotherFrameTheSamePlaceHasItsNumbers)
     EXPECT_TRUE(comesToTell("not in these data")) << "of fewer points";
     pressRealKey("comma");
     EXPECT_TRUE(comesToTell("point\t3\t0.5\t0\n"));
+}
+
+// As while frames are played; a text costs more than a frame where its numbers do.
+TEST_F(PlacePanelTest, NumbersThatNobodyCouldReadAreNotTold)
+{
+    openRod(rodText(0));
+    PlacePanel told(nullptr);
+    told.show();
+    PlaceMarks marks;
+    PlaceTeller teller(marks, told);
+    teller.setScene(scene);
+    PickedPlace place;
+    place.kind = ThingKind::ROD;
+    place.row = 3;
+    teller.add(place, false);
+    Configuration data = *scene->getData();
+    std::set<QString> texts;
+    const int frames = 5000;
+    for (int frame = 1; frame <= frames; ++frame) {
+        data.rods[0].points[3].y = frame;
+        scene->setData(std::make_shared<Configuration>(data));
+        teller.follow();
+        texts.insert(told.getText());
+    }
+    EXPECT_LT(texts.size(), frames / 10);
+    EXPECT_TRUE(comesTo([&] { return told.getText().contains("point\t3\t5000\t0\n"); }));
 }
 
 TEST_F(PlacePanelTest, ReadAgainTheSamePlaceHasItsNewNumbers)
