@@ -320,8 +320,9 @@ bool isGiven(const Track& track, const std::string& name) { return findGiven(tra
 
 std::string unitOf(const Track& track, const std::string& name)
 {
-    const Quantity* const quantity = findQuantity(track.kind, name);
-    return quantity && !isGiven(track, name) ? quantity->unit : "";
+    const Quantity* const quantity =
+        isGiven(track, name) ? findComparisonQuantity(name) : findQuantity(track.kind, name);
+    return quantity ? quantity->unit : "";
 }
 
 bool isSlow(const Track& track, const std::string& name)

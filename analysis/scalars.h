@@ -45,9 +45,6 @@ STRANDVIEW_ANALYSIS_EXPORT const std::vector<Scalar>& givenScalars(const Track& 
 /// Whether one of them has that name: then it is meant, not a computed one of the same name.
 STRANDVIEW_ANALYSIS_EXPORT bool isGiven(const Track& track, const std::string& name);
 
-/// As Quantity has it, of what is computed; empty of what is given, which may be in any unit.
-STRANDVIEW_ANALYSIS_EXPORT std::string unitOf(const Track& track, const std::string& name);
-
 /// Whether it is computed in time that grows with the square of the number of points.
 STRANDVIEW_ANALYSIS_EXPORT bool isSlow(const Track& track, const std::string& name);
 
@@ -56,6 +53,10 @@ STRANDVIEW_ANALYSIS_EXPORT double edgePairsOfScalars(const std::vector<Track>& t
 
 /// The names of all scalars of a line: those of its file first, then those computed.
 STRANDVIEW_ANALYSIS_EXPORT std::vector<std::string> scalarNames(const Track& track);
+
+/// The unit of a scalar of a line, as quantities() have it; of one that the data bring only that of
+/// a comparison is known: "length" of reference_distance, "°" of reference_rotation. May be empty.
+STRANDVIEW_ANALYSIS_EXPORT std::string unitOf(const Track& track, const std::string& name);
 
 /// A scalar of a line by name: one of its file, else a computed one, else nothing. A value for each
 /// of its rows; what is not there is not-a-number: the step behind the last pair of an open DNA.

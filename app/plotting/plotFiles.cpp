@@ -41,10 +41,10 @@ const double POINTS = 72;        // per inch, of paper
 const int PDF_RESOLUTION = 1200; // per inch, of the places of lines
 
 // What says which numbers are plotted, and how.
-const std::set<std::string> OF_PLOT{"--plot",        "--scalars",  "--against",   "--at",
-                                    "--frame",       "--frames",   "--size",      "--series",
-                                    "--closed",      "--pairs",    "--normalise", "--frame-rows",
-                                    "--tube-colour", "--dna-unit", "--compare"};
+const std::set<std::string> OF_PLOT{"--plot",    "--scalars",     "--against",   "--at",
+                                    "--frame",   "--frames",      "--size",      "--series",
+                                    "--closed",  "--pairs",       "--normalise", "--frame-rows",
+                                    "--compare", "--tube-colour", "--dna-unit"};
 
 std::string endingOf(const std::string& name)
 {
@@ -131,9 +131,12 @@ std::optional<Plot> plotOneFrame(const Options& options, ReadReport& report, Pro
     const std::optional<Configuration> data = readFiles(options.files, options, report, progress);
     if (!data)
         return std::nullopt;
-    if (report.frames > 1 && !options.frame)
+    // That it is the first of several is told by whoever read them but did not count them.
+    if (report.frames > 1 && !options.frame && options.series.isOfFiles)
         report.notices.push_back("the first of " + counted(report.frames, "frame") +
                                  "; --frame N takes another, --against time all");
+    else if (report.frames > 1 && !options.frame)
+        report.notices.push_back("--against time plots all frames");
     return plotOf(*data, makeStyle(options, *data), options.plot, report.error);
 }
 

@@ -107,8 +107,9 @@ std::string numberName(const std::vector<Track>& tracks)
 {
     const auto curves = std::count_if(tracks.begin(), tracks.end(), isCurve);
     if (curves == 0)
-        return "pair";
-    return std::size_t(curves) == tracks.size() ? "point" : "point or pair";
+        return "pair (from 1)";
+    return std::size_t(curves) == tracks.size() ? "point (from 0)"
+                                                : "point (from 0) or pair (from 1)";
 }
 
 // Writhe and twist of what is closed, else what an open chain is told by.

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cmath>
 
 #include <algebra3d/rotations.h>
@@ -109,18 +110,37 @@ void addPoint(Rows& rows, const PointOfPlace& at)
         addFrame(rows, *at.rotation);
 }
 
-// "37 of 100", "between 37 and 38 of 100".
-NumberRow countedRow(const char* name, const PickedPlace& place, std::size_t count)
+// "37", "2.25", of any size.
+std::string countOf(double places)
 {
-    const std::string number = std::to_string(*place.row + 1), of = " of " + std::to_string(count);
-    if (place.share == 0)
-        return {name, number + of, ""};
-    return {name, "between " + number + " and " + std::to_string(*place.row + 2) + of, ""};
+    std::array<char, 32> text{};
+    const int decimals = 3;
+    const auto end = std::to_chars(text.data(), text.data() + text.size(), places,
+                                   std::chars_format::fixed, decimals)
+                         .ptr;
+    std::string number(text.data(), end);
+    number.erase(number.find_last_not_of('0') + 1);
+    if (number.back() == '.')
+        number.pop_back();
+    return number;
 }
 
+// "37 of 100", as pairs are counted wherever they are told.
+NumberRow pairRow(const PickedPlace& place, std::size_t count)
+{
+    return {"pair from 1", std::to_string(*place.row + 1) + " of " + std::to_string(count), ""};
+}
+
+// As tables have it.
 NumberRow indexRow(const PickedPlace& place)
 {
-    return {"index from 0", readable(double(*place.row) + place.share), ""};
+    return {"index from 0", countOf(double(*place.row) + place.share), ""};
+}
+
+void addIndex(Rows& rows, const PickedPlace& place, std::size_t count)
+{
+    rows.push_back(indexRow(place));
+    rows.push_back({"points of the line", std::to_string(count), ""});
 }
 
 void addScalars(Rows& rows, const Track& line, const PickedPlace& place)
@@ -133,8 +153,7 @@ NumberTable tableOfRod(const Track& line, const PickedPlace& place)
 {
     const Rod& rod = *line.rod;
     NumberTable table{titleOf(line), {{"from", place.name, ""}}};
-    table.rows.push_back(countedRow("point", place, rod.points.size()));
-    table.rows.push_back(indexRow(place));
+    addIndex(table.rows, place, rod.points.size());
     if (place.share == 0 && *place.row < rod.lines.size())
         table.rows.push_back({"line of the file", std::to_string(rod.lines[*place.row]), ""});
     else if (place.share == 0 && *place.row < rod.indices.size())
@@ -149,8 +168,7 @@ NumberTable tableOfRod(const Track& line, const PickedPlace& place)
 NumberTable tableOfBirod(const Track& line, const PickedPlace& place)
 {
     NumberTable table{titleOf(line), {{"from", place.name, ""}}};
-    table.rows.push_back(countedRow("point", place, line.points.size()));
-    table.rows.push_back(indexRow(place));
+    addIndex(table.rows, place, line.points.size());
     addPoint(table.rows, pointOf(line, place));
     addScalars(table.rows, line, place);
     return table;
@@ -168,7 +186,7 @@ NumberTable tableOfStrand(const Track& line, const PickedPlace& place)
 NumberTable tableOfPair(const Track& line, const PickedPlace& place, const std::string& letters)
 {
     NumberTable table{titleOf(line), {}};
-    table.rows.push_back(countedRow("pair", place, line.points.size()));
+    table.rows.push_back(pairRow(place, line.points.size()));
     table.rows.push_back(indexRow(place));
     table.rows.push_back({"bases", letters, ""});
     addPoint(table.rows, pointOf(line, place));
@@ -253,10 +271,8 @@ void addWay(Rows& rows, const PickedPlace& from, const PickedPlace& to, const Co
     const auto line = findLine(from.kind, from.datum, strand, data, angstrom);
     if (!line)
         return;
-    const bool isDna = from.kind == ThingKind::DNA;
-    const double rowsBetween =
-        std::abs(double(*to.row) + to.share - double(*from.row) - from.share);
-    rows.push_back({isDna ? "pairs between" : "points between", readable(rowsBetween), ""});
+    const double steps = std::abs(double(*to.row) + to.share - double(*from.row) - from.share);
+    rows.push_back({"steps between", countOf(steps), ""});
     const std::vector<double> lengths = arcLengthsOf(*line);
     const auto lengthAt = [&lengths](const auto& place) {
         const std::size_t row = *place.row, next = std::min(row + 1, lengths.size() - 1);
@@ -267,7 +283,7 @@ void addWay(Rows& rows, const PickedPlace& from, const PickedPlace& to, const Co
     if (!line->isClosed)
         return;
     double all = lengths.back();
-    if (isDna)
+    if (from.kind == ThingKind::DNA)
         all += (line->points.front() - line->points.back()).getNorm();
     rows.push_back({"the other way round", readable(all - way), "length"});
 }

@@ -46,7 +46,7 @@ const long long AT_ONCE = 40; // milliseconds
 // What takes the square of the number of points is plotted where all lines together have so many
 // pairs of edges, as one of 2,000 points has.
 const char* const SLOW_SCALAR = "writhe_density";
-const double MOST_EDGE_PAIRS = 2e6;
+const double MOST_PAIRS_AT_ONCE = 2e6;
 
 const double NONE = std::numeric_limits<double>::quiet_NaN();
 
@@ -54,7 +54,7 @@ enum Axis { ALONG, BY_NUMBER, OVER_FRAMES };
 
 bool isSlowTooLong(const Configuration& data)
 {
-    return edgePairsOfScalars(plottedTracks(data, 1)) > MOST_EDGE_PAIRS;
+    return edgePairsOfScalars(plottedTracks(data, 1)) > MOST_PAIRS_AT_ONCE;
 }
 
 std::vector<std::string> tickedNames(const QListWidget& list, Qt::ItemFlags flags)

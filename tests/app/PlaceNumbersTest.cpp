@@ -100,11 +100,10 @@ TEST(PlaceNumbers, OfAPointOfARodAreThoseOfItsFileAndAllScalars)
     const NumberTable& rod = tables[0];
     EXPECT_EQ(rod.title, "rod 1 'arm'");
     EXPECT_EQ(value(rod, "from"), "its name");
-    EXPECT_EQ(rod.rows[1].value, "3 of 6");
     EXPECT_EQ(value(rod, "index from 0"), "2");
+    EXPECT_EQ(value(rod, "points of the line"), "6");
     EXPECT_EQ(value(rod, "line of the file"), "5");
-    EXPECT_EQ(rod.rows[4].name, "point");
-    EXPECT_EQ(rod.rows[4].value, "4\t0\t0");
+    EXPECT_EQ(value(rod, "point"), "4\t0\t0");
     const Vector3<double> d1 =
         algebra3d::rotated(Vector3<double>(1, 0, 0), data.rods[0].rotations[2]);
     ASSERT_NEAR(d1.x, 0, 1e-12);
@@ -123,16 +122,39 @@ TEST(PlaceNumbers, BetweenTwoPointsAreBetweenTheirs)
     const Configuration data{{straightRod()}};
     const auto tables = numbersAt(place(ThingKind::ROD, 2, 0, 0.25), data, 1);
     const NumberTable& rod = tables[0];
-    EXPECT_EQ(rod.rows[1].value, "between 3 and 4 of 6");
     EXPECT_EQ(value(rod, "index from 0"), "2.25");
     EXPECT_EQ(value(rod, "line of the file"), "none");
-    EXPECT_EQ(rod.rows[3].value, "4.5\t0\t0");
+    EXPECT_EQ(value(rod, "point"), "4.5\t0\t0");
     EXPECT_EQ(value(rod, "load"), "52.5");
     EXPECT_EQ(value(rod, "arclength"), "4.5");
     const auto at = findPoint(place(ThingKind::ROD, 2, 0, 0.25), data);
     const auto expected =
         about(Vector3<double>(1, 0, 0), 0.3 * 2.25) * about(Vector3<double>(0, 1, 0), M_PI / 2);
     EXPECT_NEAR(std::abs(algebra3d::dot(*at->rotation, expected)), 1, 1e-12);
+}
+
+TEST(PlaceNumbers, HaveAllDigitsOfAnIndex)
+{
+    Configuration data{{straightRod()}};
+    Rod& rod = data.rods[0];
+    rod.points.resize(2'345'679, {1, 0, 0});
+    rod.rotations.resize(rod.points.size());
+    for (std::size_t i = 6; i < rod.points.size(); ++i)
+        rod.points[i].x = double(2 * i);
+    rod.scalars.clear();
+    const auto measured =
+        numbersBetween(place(ThingKind::ROD, 0), place(ThingKind::ROD, 2'345'670, 0, 0.5), data, 1);
+    EXPECT_EQ(value(*measured, "steps between"), "2345670.5");
+    EXPECT_EQ(value(numbersAt(place(ThingKind::ROD, 2'345'670), data, 1)[0], "index from 0"),
+              "2345670");
+}
+
+TEST(PlaceNumbers, KnowTheUnitsOfAComparison)
+{
+    Rod rod = straightRod();
+    rod.scalars.push_back({"reference_distance", std::vector<double>(6, 0.5)});
+    const auto tables = numbersAt(place(ThingKind::ROD, 2), {{rod}}, 1);
+    EXPECT_EQ(value(tables[0], "reference_distance", "length"), "0.5");
 }
 
 TEST(PlaceNumbers, WhatIsNotKnownIsADash)
@@ -156,7 +178,8 @@ TEST(PlaceNumbers, OfABaseAreThoseOfItsStrandAndOfItsPair)
               readable(point.x) + "\t" + readable(point.y) + "\t" + readable(point.z));
     EXPECT_EQ(value(strand, "roll"), "none");
     const NumberTable& pair = table(tables, "DNA 1, pairs");
-    EXPECT_EQ(value(pair, "pair"), "2 of 8");
+    EXPECT_EQ(value(pair, "pair from 1"), "2 of 8");
+    EXPECT_EQ(value(pair, "index from 0"), "1");
     EXPECT_EQ(value(pair, "bases"), "CG");
     EXPECT_NEAR(number(pair, "twist", "°"), 36, 1e-4);
     EXPECT_NEAR(number(pair, "rise", "Å"), 3.4, 1e-4);
@@ -237,7 +260,7 @@ TEST(PlaceNumbers, BetweenTwoPlacesAreDistanceAnglesAndTheWayAlongTheLine)
     EXPECT_EQ(value(*measured, "distance"), "6");
     EXPECT_EQ(value(*measured, "distance", "Å"), "none") << "of what is no DNA";
     EXPECT_EQ(value(*measured, "vector"), "6\t0\t0");
-    EXPECT_EQ(value(*measured, "points between"), "3");
+    EXPECT_EQ(value(*measured, "steps between"), "3");
     EXPECT_EQ(value(*measured, "arc length between"), "6");
     const double angle = 0.9 * 180 / M_PI;
     EXPECT_NEAR(number(*measured, "rotation"), angle, 1e-3);
@@ -268,7 +291,7 @@ TEST(PlaceNumbers, OfDnaTheDistanceIsInAngstromToo)
     const double distance = (data.dnas[0].points2[6] - data.dnas[0].points1[1]).getNorm();
     EXPECT_NEAR(number(*measured, "distance", "length"), distance, 1e-4);
     EXPECT_NEAR(number(*measured, "distance", "Å"), 10 * distance, 1e-3);
-    EXPECT_EQ(value(*measured, "pairs between"), "5");
+    EXPECT_EQ(value(*measured, "steps between"), "5");
     EXPECT_EQ(value(*measured, "arc length between"), "17") << "along the pairs";
     EXPECT_NEAR(number(*measured, "rotation"), 180, 1e-3);
 }

@@ -262,6 +262,28 @@ TEST_F(PlotFilesTest, WhatCannotBeWrittenIsToldAndLeavesNothing)
     EXPECT_THAT(done.error, HasSubstr("no such folder"));
 }
 
+// Of such a file no more is read than where the second frame begins.
+TEST_F(PlotFilesTest, OfFramesThatWereNotCountedNoNumberIsTold)
+{
+    const std::string frame = "3\n\nC 0 0 0\nC 1 0 0\nC 2 1 0\n";
+    const ProgramRun done =
+        run({folder.path("plot.svg"), folder.write("run.xyz", frame + frame + frame)});
+    EXPECT_EQ(done.status, 0);
+    EXPECT_THAT(done.error, HasSubstr("run.xyz: the first of several frames; --frame N takes"));
+    EXPECT_THAT(done.error, HasSubstr("strandview: --against time plots all frames\n"));
+    EXPECT_EQ(done.error.find("the first of"), done.error.rfind("the first of")) << done.error;
+}
+
+TEST_F(PlotFilesTest, WhatAComparisonAddsIsPlottedWithItsUnit)
+{
+    const std::string file = folder.path("plot.svg");
+    const ProgramRun done = run(
+        {file, "--compare", "first", "--frame", "2", "--scalars", "reference_distance", series});
+    EXPECT_EQ(done.status, 0);
+    EXPECT_THAT(done.error, Not(HasSubstr("--compare")));
+    EXPECT_THAT(shownIn(file).texts, Contains("reference_distance [length]"));
+}
+
 TEST_F(PlotFilesTest, OptionsOfPicturesHaveNoEffectAndANoticeSaysSo)
 {
     const ProgramRun done = run({folder.path("plot.svg"), "--radius", "2", rods});

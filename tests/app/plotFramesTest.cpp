@@ -74,6 +74,36 @@ TEST(PlotFrames, HaveACurveForEachLineThatHasTheScalar)
     EXPECT_THAT(plot.panels[1].values[2], SizeIs(4));
 }
 
+TEST(PlotFrames, KnowTheUnitsOfAComparisonAndOfNothingElseThatTheDataBring)
+{
+    Configuration data = straightRod(2);
+    for (const char* const name : {"reference_distance", "reference_rotation", "curvature"})
+        data.rods[0].scalars.push_back({name, {1, 2, 3, 4, 5}});
+    const Plot plot =
+        plotted(data, asking({"reference_distance", "reference_rotation", "curvature", "kappa3"}));
+    ASSERT_THAT(plot.panels, SizeIs(4));
+    EXPECT_EQ(plot.panels[0].unit, "length");
+    EXPECT_EQ(plot.panels[1].unit, "°");
+    EXPECT_EQ(plot.panels[2].unit, "");
+    EXPECT_EQ(plot.panels[3].unit, "1/length");
+}
+
+TEST(PlotFrames, HaveAnOutlineOfEachLine)
+{
+    const Configuration data = rodsAndDna();
+    const auto outline =
+        outlineOf({Track::Kind::ROD, 1, 0}, data, makeStyle({}, data), {"energy", "curvature"});
+    ASSERT_TRUE(outline);
+    ASSERT_THAT(outline->lines, SizeIs(1));
+    EXPECT_EQ(outline->lines[0].title, "rod 2");
+    ASSERT_THAT(outline->panels, SizeIs(2));
+    EXPECT_EQ(outline->panels[0].unit, "");
+    EXPECT_EQ(outline->panels[1].unit, "1/length");
+    EXPECT_GT(outline->panels[1].rounding, 0);
+    EXPECT_THAT(outline->panels[1].values, ElementsAre(IsEmpty()));
+    EXPECT_FALSE(outlineOf({Track::Kind::ROD, 2, 0}, data, makeStyle({}, data), {"curvature"}));
+}
+
 TEST(PlotFrames, LeaveOutLinesThatHaveNone)
 {
     const Plot plot = plotted(rodsAndDna(), asking({"roll"}));
@@ -89,7 +119,7 @@ TEST(PlotFrames, AreOverArcLengthOfRodsAndNumbersOfPairs)
     EXPECT_EQ(ofRods.xName, "arc length");
     EXPECT_THAT(ofRods.lines[0].x, ElementsAre(0, 1, 2, 3, 4));
     const Plot ofPairs = plotted(rodsAndDna(), asking({"roll"}));
-    EXPECT_EQ(ofPairs.xName, "pair");
+    EXPECT_EQ(ofPairs.xName, "pair (from 1)");
     EXPECT_THAT(ofPairs.lines[0].x, ElementsAre(1, 2, 3, 4));
 }
 
@@ -106,7 +136,7 @@ TEST(PlotFrames, AreOverWhatIsAskedFor)
     PlotRequest request;
     request.against = PlotAxis::NUMBER;
     const Plot plot = plotted(straightRod(2), request);
-    EXPECT_EQ(plot.xName, "point");
+    EXPECT_EQ(plot.xName, "point (from 0)");
     EXPECT_THAT(plot.lines[0].x, ElementsAre(0, 1, 2, 3, 4));
     request = asking({"roll"});
     request.against = PlotAxis::ARC_LENGTH;

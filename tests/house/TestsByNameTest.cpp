@@ -42,6 +42,7 @@ const std::map<std::string, std::string> ELSEWHERE{
     {"app/window/ThingsModel.cpp", "tests/gui/ThingsPanelTest.cpp"},
     {"app/window/WindowViewer.cpp", "tests/gui/MainWindowTest.cpp"},
     {"app/window/checkDisplay.cpp", "tests/app/StrandviewTest.cpp"},
+    {"app/window/plotLooks.cpp", "tests/gui/CurvePanelTest.cpp"},
     {"app/window/runWindow.cpp", "tests/gui/LoadingTest.cpp"},
     {"app/window/textBoxes.cpp", "tests/gui/MainWindowTest.cpp"},
 };
