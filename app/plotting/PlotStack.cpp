@@ -24,6 +24,7 @@
 #include <qwt_scale_widget.h>
 #include <qwt_symbol.h>
 #include <qwt_text.h>
+#include <qwt_text_label.h>
 
 namespace strandview {
 
@@ -124,7 +125,7 @@ private:
 class PlotStack::Panel : public QwtPlot
 {
 public:
-    explicit Panel(QWidget* parent) : QwtPlot(parent)
+    Panel(QWidget* parent, Titles placeOfTitle) : QwtPlot(parent), titlePlace(placeOfTitle)
     {
         setAutoReplot(false);
         auto* ground = new QwtPlotCanvas(this);
@@ -181,7 +182,14 @@ public:
             curves[i]->setPen(onWhite(plot.lines[i].colour), CURVE_WIDTH);
             setSamples(*curves[i], plot.lines[i].x, panel.values[i]);
         }
-        setAxisTitle(yLeft, plainText(strandview::axisTitle(panel.name, panel.unit), 11));
+        QwtText title = plainText(strandview::axisTitle(panel.name, panel.unit), 11);
+        if (titlePlace == BESIDE) {
+            setAxisTitle(yLeft, title);
+            return;
+        }
+        titleLabel()->setFont(title.font()); // it would be bold
+        title.setRenderFlags(Qt::AlignLeft | Qt::AlignVCenter);
+        setTitle(title);
     }
 
     // From the first tick below to the first above.
@@ -240,6 +248,12 @@ public:
         const auto* box = dynamic_cast<const QwtLegend*>(legend());
         return box ? box->heightForWidth(int(width)) + plotLayout()->spacing() : 0;
     }
+    double titleHeight(double width) const
+    {
+        return titlePlace == ABOVE
+                   ? titleLabel()->heightForWidth(int(width)) + plotLayout()->spacing()
+                   : 0;
+    }
     double axisHeight() const
     {
         return axisEnabled(xBottom) ? axisWidget(xBottom)->sizeHint().height() : 0;
@@ -277,11 +291,13 @@ private:
         curve.setSamples(points);
     }
 
+    const Titles titlePlace;
     std::vector<std::unique_ptr<GappedCurve>> curves; ///< detach themselves
     QwtPlotMarker *line, *dot;
 };
 
-PlotStack::PlotStack(QWidget* parent) : QWidget(parent)
+PlotStack::PlotStack(Titles placesOfTitles, QWidget* parent)
+    : QWidget(parent), titles(placesOfTitles)
 {
     QPalette white = palette();
     white.setColor(QPalette::Window, Qt::white);
@@ -296,7 +312,7 @@ void PlotStack::makePanels()
         panels.pop_back();
     }
     while (panels.size() < plot.panels.size()) {
-        panels.push_back(new Panel(this));
+        panels.push_back(new Panel(this, titles));
         panels.back()->canvas()->installEventFilter(this);
         panels.back()->setVisible(true);
     }
@@ -365,11 +381,14 @@ std::vector<QRectF> PlotStack::arrange(const QSizeF& size) const
     const double width = std::max(0.0, size.width() - 2 * MARGIN);
     const double legend = panels.front()->legendHeight(width);
     const double axis = panels.back()->axisHeight();
-    const double fixed = legend + axis + 2 * MARGIN + SPACING * double(panels.size() - 1);
+    const double title = panels.front()->titleHeight(width); // of one line each
+    const double fixed =
+        legend + axis + 2 * MARGIN + (title + SPACING) * double(panels.size()) - SPACING;
     const double canvas = std::max(0.0, (size.height() - fixed) / double(panels.size()));
     double top = MARGIN;
     for (std::size_t i = 0; i < panels.size(); ++i) {
-        const double height = canvas + (i == 0 ? legend : 0) + (i + 1 == panels.size() ? axis : 0);
+        const double height =
+            title + canvas + (i == 0 ? legend : 0) + (i + 1 == panels.size() ? axis : 0);
         places.emplace_back(MARGIN, top, width, height);
         top += height + SPACING;
     }

@@ -38,7 +38,10 @@ public:
     /// More lines than these have no legend.
     static constexpr std::size_t LARGEST_LEGEND = 16;
 
-    explicit PlotStack(QWidget* parent = nullptr);
+    /// Where each panel has its title: turned beside its axis, or above it, where even a panel that
+    /// is lower than its title is long has all of it.
+    enum Titles { BESIDE, ABOVE };
+    explicit PlotStack(Titles placesOfTitles = BESIDE, QWidget* parent = nullptr);
 
     /// Instead of the one before. Where that had the same panels, and their ranges are kept, axes
     /// only grow, so that they stand still while frames are played. A place of a line stays marked
@@ -80,6 +83,7 @@ private:
     void placePanels();
     std::optional<PlotPlace> placeAt(std::size_t index, const QPoint& pixel) const;
 
+    const Titles titles;
     Plot plot;
     std::vector<Panel*> panels; ///< children
     std::vector<Span> spans;    ///< of their values, before they end at ticks

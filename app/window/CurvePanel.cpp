@@ -31,8 +31,8 @@ namespace strandview {
 
 namespace {
 
-const int LEAST_HEIGHT = 110; // of a panel, pixels
-const int LIST_HEIGHT = 110;
+const int LEAST_HEIGHT = 130; // of a panel, pixels
+const int LIST_HEIGHT = 110, LEAST_LIST_HEIGHT = 40;
 const int WIDTH = 400; // unless the user drags it
 
 // Curves take at most this share of the time in which frames are played, and are drawn anew at most
@@ -75,6 +75,7 @@ CurvePanel::CurvePanel(QWidget* parent) : QWidget(parent)
     setObjectName("curvePanel");
     list = new QListWidget(this);
     list->setObjectName("plotScalars");
+    list->setMinimumHeight(LEAST_LIST_HEIGHT);
     list->setMaximumHeight(LIST_HEIGHT);
     list->setSelectionMode(QAbstractItemView::NoSelection);
     axis = new QComboBox(this);
@@ -86,11 +87,12 @@ CurvePanel::CurvePanel(QWidget* parent) : QWidget(parent)
     placeLabel = new QLabel(this);
     placeLabel->setTextFormat(Qt::PlainText);
     placeLabel->setWordWrap(true);
-    stack = new PlotStack;
+    stack = new PlotStack(PlotStack::ABOVE);
     auto* scrolled = new QScrollArea(this);
     scrolled->setWidgetResizable(true);
     scrolled->setFrameShape(QFrame::NoFrame);
     scrolled->setWidget(stack);
+    scrolled->setMinimumHeight(LEAST_HEIGHT);
 
     auto* row = new QHBoxLayout;
     row->addWidget(axis, 1);

@@ -17,7 +17,9 @@
 #include "DataWindowTest.h"
 #include "scene/DataScene.h"
 #include "support/realInput.h"
+#include "window/PlacePanel.h"
 #include "window/Player.h"
+#include "window/ThingsPanel.h"
 
 namespace strandview {
 
@@ -335,6 +337,32 @@ TEST_F(CurvePanelTest, APlaceInTheSceneIsMarkedUntilTheMouseLeavesTheViewWhateve
     ASSERT_TRUE(comesTo([this] { return stack().getMark() == PlotPlace{0, 2}; }));
     QCursor::setPos(window->mapToGlobal({200, 5})); // the menus
     EXPECT_TRUE(comesTo([this] { return !stack().getMark(); }));
+}
+
+TEST_F(CurvePanelTest, TitlesAreWholeInASmallWindowWithAllPanels)
+{
+    options.windowSize = {900, 600};
+    openWithPanel(rodText(1), "rod.txt");
+    for (const char* key : {"n", "t"})
+        pressRealKey(key);
+    ASSERT_TRUE(comesTo([this] {
+        return window->findChild<PlacePanel*>()->isVisible() &&
+               window->findChild<ThingsPanel*>()->isVisible();
+    }));
+    ASSERT_TRUE(comesToBePainted());
+    std::vector<QRect> cut;
+    int titles = 0;
+    for (const QWidget* part : stack().findChildren<QWidget*>()) {
+        if (!part->inherits("QwtTextLabel") || !part->isVisible())
+            continue;
+        ++titles;
+        if (part->width() < part->sizeHint().width() || part->height() < part->sizeHint().height())
+            cut.push_back(part->geometry());
+    }
+    EXPECT_EQ(titles, 2) << "curvature and torsion";
+    EXPECT_THAT(cut, IsEmpty());
+    const QWidget* const scrolled = stack().parentWidget();
+    EXPECT_GE(scrolled->height(), 100) << "a panel with its title";
 }
 
 TEST_F(CurvePanelTest, CurvesAreSavedAsAFile)
