@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "scene/Told.h"
 
+#include <algorithm>
+#include <regex>
+
 namespace strandview {
 
 Told toldOf(const std::string& notice, const std::vector<std::string>& files)
@@ -19,6 +22,17 @@ Told toldOfFrame(std::size_t frame, Told told)
     if (told.what.compare(0, start.size(), start) != 0)
         told.what.insert(0, start);
     return told;
+}
+
+std::string withoutPlace(const std::string& notice, const std::vector<std::string>& files)
+{
+    const auto isOf = [&notice](const std::string& file) {
+        return notice.compare(0, file.size() + 1, file + ":") == 0;
+    };
+    const auto file = std::find_if(files.begin(), files.end(), isOf);
+    static const std::regex frame("^ *(frame [0-9]+: )?");
+    return std::regex_replace(file == files.end() ? notice : notice.substr(file->size() + 1), frame,
+                              "");
 }
 
 std::string toLine(const Told& told)

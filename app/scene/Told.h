@@ -21,6 +21,10 @@ Told toldOf(const std::string& notice, const std::vector<std::string>& files);
 /// The same of a frame of a series: "frame 3: what", unless it says so already.
 Told toldOfFrame(std::size_t frame, Told told);
 
+/// A notice without what differs from file to file and from frame to frame of a series: the name of
+/// one of these files, and the number of the frame at its beginning.
+std::string withoutPlace(const std::string& notice, const std::vector<std::string>& files);
+
 /// "what – name", or what alone.
 std::string toLine(const Told& told);
 

@@ -33,6 +33,8 @@
 #include <ScreenshotDialog.h>
 #include <SoQtGeneralViewer.h>
 
+#include <strandview/formats/seriesFiles.h>
+
 #include "camera/Camera.h"
 #include "pictures/PictureWriter.h"
 #include "request/conversions.h"
@@ -422,10 +424,13 @@ void MainWindow::beginToPlay(const ReadReport& report, const Start& start)
 {
     const std::size_t loaded = loadedFrame();
     options.frame.reset();
+    ReadReport untold; // the loader told of the folder what there is to tell
+    frameFiles = options.series.isOfFiles ? seriesFiles(shownFiles, untold) : shownFiles;
     loadNotices.clear();
     for (const std::string& notice : report.notices)
-        loadNotices.push_back(toldOf(notice, shownFiles));
-    toldOnce = {report.notices.begin(), report.notices.end()};
+        loadNotices.push_back(toldOf(notice, frameFiles));
+    toldOnce.clear();
+    tellOnce(report.notices);
     const bool isSeries = report.frames > 1 || options.series.follow;
     if (!isSeries || !seriesOpener || !canBeReadAgain(shownFiles))
         return;
@@ -475,9 +480,9 @@ std::size_t MainWindow::loadedFrame() const
 void MainWindow::tellSeries(const std::vector<std::string>& notices)
 {
     std::vector<Told> all = loadNotices;
-    toldOnce.insert(notices.begin(), notices.end());
+    tellOnce(notices);
     for (const std::string& notice : notices) {
-        const Told told = toldOf(notice, shownFiles);
+        const Told told = toldOf(notice, frameFiles);
         const bool isNew = std::none_of(all.begin(), all.end(), [&told](const Told& other) {
             return toLine(other) == toLine(told);
         });
@@ -488,14 +493,25 @@ void MainWindow::tellSeries(const std::vector<std::string>& notices)
         statusText->tell(all);
 }
 
-// While thousands are played each thing is told once.
+// While thousands are played each thing is told once, whichever file of a series it is of. Of files
+// beside each other each has its own.
+std::vector<std::string> MainWindow::tellOnce(const std::vector<std::string>& notices)
+{
+    static const std::vector<std::string> none;
+    const std::vector<std::string>& alike = options.series.isOfFiles ? frameFiles : none;
+    std::vector<std::string> news;
+    for (const std::string& notice : notices) {
+        if (toldOnce.insert(withoutPlace(notice, alike)).second)
+            news.push_back(notice);
+    }
+    return news;
+}
+
 void MainWindow::tellFrame(std::size_t frame, const std::vector<std::string>& notices)
 {
     std::vector<Told> news;
-    for (const std::string& notice : notices) {
-        if (toldOnce.insert(notice).second)
-            news.push_back(toldOfFrame(frame, toldOf(notice, shownFiles)));
-    }
+    for (const std::string& notice : tellOnce(notices))
+        news.push_back(toldOfFrame(frame, toldOf(notice, frameFiles)));
     if (!news.empty())
         statusText->tell(news);
 }

@@ -183,6 +183,8 @@ private:
     std::size_t loadedFrame() const;
     void tellSeries(const std::vector<std::string>& notices);
     void tellFrame(std::size_t frame, const std::vector<std::string>& notices);
+    /// Those of the notices that were not told of these files yet.
+    std::vector<std::string> tellOnce(const std::vector<std::string>& notices);
     /// Makes camera and colours suit all frames.
     void settle(const Stage& stage);
 
@@ -227,9 +229,10 @@ private:
     QTimer lookTimer; ///< until panels follow what the user changed of things
     LoadBar* loadBar = nullptr;
     PlayBar* playBar = nullptr;
-    std::vector<Told> loadNotices;   ///< of the files that are shown
-    std::set<std::string> toldOnce;  ///< of these files: no frame tells it again
-    QString screenshotFolder = "./"; // as the dialog comes
+    std::vector<std::string> frameFiles; ///< that frames are told of: those of a series each
+    std::vector<Told> loadNotices;       ///< of the files that are shown
+    std::set<std::string> toldOnce;      ///< of these files, by withoutPlace()
+    QString screenshotFolder = "./";     // as the dialog comes
 };
 
 } // namespace strandview

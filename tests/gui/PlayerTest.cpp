@@ -464,6 +464,28 @@ TEST_F(PlayerTest, WhatWasDoneToTheDataOfAFrameIsToldOnce)
     EXPECT_EQ(statusText(), last);
 }
 
+TEST_F(PlayerTest, WhatWasDoneToTheDataOfEachFileOfASeriesIsToldOnce)
+{
+    options.series.isOfFiles = true;
+    for (int i = 0; i < 4; ++i) {
+        const std::string text = (i > 0 ? "0 0 0\n" : "") + frameText(i);
+        folder.write("run_" + std::to_string(i) + ".txt", text);
+    }
+    open(folder.path());
+    ASSERT_NE(player(), nullptr);
+    ASSERT_TRUE(comesTo([this] { return player()->isStaged() && player()->isUpToDate(); }));
+    pressRealKey("period");
+    EXPECT_TRUE(comesTo([this] { return statusText().find("frame 1: 1 point left out, ") == 0; }))
+        << statusText();
+    EXPECT_THAT(statusText(), testing::EndsWith(" – " + folder.path("run_1.txt")));
+    const std::string told = statusText();
+    for (const std::size_t next : {2, 3}) {
+        pressRealKey("period");
+        ASSERT_TRUE(comesToShow(next));
+        EXPECT_EQ(statusText(), told);
+    }
+}
+
 TEST_F(PlayerTest, FilesAreReadAgainAtTheFrameThatIsShownOrAtTheirLast)
 {
     for (const auto& [frames, shown] : std::vector<std::pair<int, std::size_t>>{{20, 9}, {4, 3}}) {
