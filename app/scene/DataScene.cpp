@@ -16,6 +16,8 @@
 #include <BiarcTubeMesh.h>
 #include <SoMeshShape.h>
 
+#include <strandview/analysis/doubleStrands.h>
+
 #include "scene/Legend.h"
 
 namespace strandview {
@@ -51,6 +53,23 @@ void placeOnLine(const std::vector<double>& rows, double arcLength, double reach
     const bool isAtNext = share >= 1 || (share > 0.5 && *after - arcLength <= reach);
     place.row = std::size_t(after - rows.begin()) - (isAtNext ? 0 : 1);
     place.share = isAtNext || arcLength - before <= reach ? 0 : std::max(share, 0.0);
+}
+
+// By the name that its user gave it, or else its own: of several in one datum each has one. And
+// with the letters there.
+void tellOf(const ShownDatum& datum, const DataScene::Look& look, PickedPlace& place)
+{
+    const bool isPart = !datum.parts.empty();
+    if (isPart && place.datum >= datum.parts.size())
+        return;
+    place.name = look.name.value_or(isPart ? datum.parts[place.datum] : datum.name);
+    if (look.name && isPart)
+        place.name += ", base " + std::to_string(place.datum + 1);
+    const std::optional<std::size_t> letter = isPart ? place.datum : place.row;
+    if (!letter || *letter >= datum.bases.size())
+        return;
+    place.base = datum.bases[*letter];
+    place.partner = isPart ? char(0) : complementOf(place.base);
 }
 
 void setCoarse(const ShownDatum& datum, bool coarse)
@@ -334,9 +353,9 @@ PickedPlace DataScene::placeOf(const SoPickedPoint& picked, double reach) const
         const ShownDatum& datum = kinds[known->second.kind].data[known->second.index];
         place.kind = datum.kind;
         place.datum = known->second.index;
-        place.name = getLook(known->second.kind, known->second.index).name.value_or(datum.name);
         if (datum.placeIn)
             datum.placeIn(datum, picked, i, place);
+        tellOf(datum, getLook(known->second.kind, known->second.index), place);
         if (datum.centralTube) {
             BiarcTubeMesh& central = *datum.centralTube(*datum.node);
             const double unit = 1 / placement.scale;
@@ -352,6 +371,25 @@ PickedPlace DataScene::placeOf(const SoPickedPoint& picked, double reach) const
         break;
     }
     return place;
+}
+
+PickedPlace DataScene::renewed(PickedPlace place) const
+{
+    if (const auto at = findDatum(place))
+        tellOf(kinds[at->kind].data[at->index], getLook(at->kind, at->index), place);
+    return place;
+}
+
+// All lone bases are one datum.
+std::optional<DataScene::Place> DataScene::findDatum(const PickedPlace& place) const
+{
+    const std::size_t index = place.kind == ThingKind::LONE_BASES ? 0 : place.datum;
+    for (std::size_t kind = 0; kind < kinds.size(); ++kind) {
+        const std::vector<ShownDatum>& data = kinds[kind].data;
+        if (index < data.size() && data[index].kind == place.kind && place.kind != ThingKind::OTHER)
+            return Place{kind, index};
+    }
+    return std::nullopt;
 }
 
 bool DataScene::processPickEvent(const SoPickedPoint* point)

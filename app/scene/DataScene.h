@@ -62,7 +62,7 @@ public:
     struct Look
     {
         bool isHidden = false;
-        std::optional<std::string> name; ///< instead of its own, also in picks
+        std::optional<std::string> name; ///< instead of its own, also where a pick is told
         std::optional<SbColor> colour;   ///< instead of its own
     };
     /// By kind and index.
@@ -124,6 +124,9 @@ public:
     /// Where it was picked. A place that is no farther along its line from a point of the data than
     /// `reach`, in the scene, is that point.
     PickedPlace placeOf(const SoPickedPoint& picked, double reach = 0) const;
+    /// The same place by the name and with the letters that it has now: in another frame, or once
+    /// its user has renamed it. Where nothing is shown any more it stays as it was.
+    PickedPlace renewed(PickedPlace place) const;
 
     /// Called with what the user picks, if set.
     std::function<void(const SoPickedPoint&)> onPick;
@@ -139,7 +142,13 @@ public:
 private:
     ~DataScene() override;
 
+    struct Place
+    {
+        std::size_t kind, index;
+    };
+
     void showLook(std::size_t kind, std::size_t index);
+    std::optional<Place> findDatum(const PickedPlace& place) const;
 
     using Shininess = std::vector<float>;
     Shininess getShininess();
@@ -151,11 +160,6 @@ private:
         SoGroup* group; ///< owned by the graph
         std::vector<ShownDatum> data;
     };
-    struct Place
-    {
-        std::size_t kind, index;
-    };
-
     Placement placement;
     Style style;
     std::vector<Kind> kinds;

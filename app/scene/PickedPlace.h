@@ -13,8 +13,9 @@
 
 namespace strandview {
 
-/// What was clicked: of which datum, and where along it. It says nothing of the data there, so that
-/// it goes on to mean a place when those become others (scene/placeNumbers.h).
+/// What was clicked: of which datum, and where along it. It goes on to mean a place when the data
+/// there become others (scene/placeNumbers.h); its name and letters are those of the data that it
+/// was told of last (DataScene::renewed).
 struct PickedPlace
 {
     ThingKind kind = ThingKind::OTHER;

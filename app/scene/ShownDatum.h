@@ -33,7 +33,7 @@ struct ShownDatum
     std::string bases; ///< the letters of those that picks are told with
     std::vector<std::string>
         parts; ///< the names of its parts, if those are told instead of its own
-    /// Sets strand, row, letters and name of a place that a point below the node of that index in
+    /// Sets datum, strand and row of a place that a point below the node of that index in
     /// its path, which is `group`, was picked for; null where there is nothing to set.
     void (*placeIn)(const ShownDatum& shown, const SoPickedPoint& picked, int index,
                     PickedPlace& place) = nullptr;
@@ -41,7 +41,8 @@ struct ShownDatum
     BiarcTubeMesh* (*centralTube)(const SoNode& node) = nullptr;
     /// Those of strand 1 and 2; null for what has none with centrelines.
     BiarcTubeMesh* (*strandTube)(const SoNode& node, int strand) = nullptr;
-    /// Sets and tells the colour of its own, which colours of data may cover; null for what has none.
+    /// Sets and tells the colour of its own, which colours of data may cover; null for what has
+    /// none.
     void (*setColour)(const ShownDatum& shown, const SbColor& colour) = nullptr;
     SbColor (*getColour)(const ShownDatum& shown) = nullptr;
 };

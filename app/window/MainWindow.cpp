@@ -141,6 +141,7 @@ MainWindow::~MainWindow()
 {
     for (QDockWidget* dock : {placeDock, curveDock})
         dock->disconnect(this); // it is hidden once the members are gone
+    things->setScene(nullptr);  // which a name that is being edited would be given
 }
 
 void MainWindow::buildMenus()
@@ -195,6 +196,7 @@ void MainWindow::buildPanels()
     buildSettings();
     things = new ThingsPanel(docks);
     things->onCentre = [this](const SbBox3f& box) { centre(box); };
+    things->onChanged = [this] { places->follow(); };
     thingsDock = addPanel(things, "Things", Command::SHOW_THINGS);
     buildCurves();
     lookTimer.setSingleShot(true); // a button changes thousands of looks

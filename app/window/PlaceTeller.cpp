@@ -42,6 +42,10 @@ void PlaceTeller::setScene(const DataScene* shown)
 
 void PlaceTeller::follow()
 {
+    for (PickedPlace& place : places) {
+        if (scene)
+            place = scene->renewed(place);
+    }
     mark();
     if (timer.isActive())
         return;

@@ -4,8 +4,30 @@
 #include <numeric>
 
 #include <QColor>
+#include <QIcon>
+#include <QPainter>
+#include <QPixmap>
 
 namespace strandview {
+
+namespace {
+
+// The same in what is chosen, where the style would tint a plain colour. Its frame is seen about
+// white and black.
+QIcon swatch(const SbColor& colour)
+{
+    QPixmap picture(ThingsModel::swatchSize());
+    picture.fill(Qt::gray);
+    QPainter(&picture).fillRect(
+        picture.rect().adjusted(1, 1, -1, -1),
+        QColor::fromRgbF(double(colour[0]), double(colour[1]), double(colour[2])));
+    QIcon icon;
+    for (const QIcon::Mode mode : {QIcon::Normal, QIcon::Selected})
+        icon.addPixmap(picture, mode);
+    return icon;
+}
+
+} // namespace
 
 void ThingsModel::setScene(DataScene* shown)
 {
@@ -42,10 +64,8 @@ QVariant ThingsModel::data(const QModelIndex& index, int role) const
 {
     const ShownDatum& datum = getDatum(index.row());
     if (index.column() == COLOUR) {
-        if (role != Qt::BackgroundRole || !datum.getColour)
-            return {};
-        const SbColor colour = datum.getColour(datum);
-        return QColor::fromRgbF(double(colour[0]), double(colour[1]), double(colour[2]));
+        return role == Qt::DecorationRole && datum.getColour ? swatch(datum.getColour(datum))
+                                                             : QVariant();
     }
     const DataScene::Look look = lookOf(index.row());
     if (role == Qt::CheckStateRole)
@@ -102,7 +122,10 @@ void ThingsModel::showAll(bool shown)
         scene->setLook(kind, place, look);
     }
     follow();
+    emit looksChanged();
 }
+
+QSize ThingsModel::swatchSize() { return {32, 14}; }
 
 std::pair<std::size_t, std::size_t> ThingsModel::placeOf(int row) const
 {
@@ -124,6 +147,7 @@ void ThingsModel::setLook(int row, const DataScene::Look& look)
     const auto [kind, place] = placeOf(row);
     scene->setLook(kind, place, look);
     emit dataChanged(index(row, NAME), index(row, COLOUR));
+    emit looksChanged();
 }
 
 std::vector<std::size_t> ThingsModel::countKinds() const

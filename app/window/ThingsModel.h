@@ -7,6 +7,7 @@
 #include <vector>
 
 #include <QAbstractTableModel>
+#include <QSize>
 
 #include "scene/DataScene.h"
 
@@ -16,6 +17,8 @@ namespace strandview {
 /// tick, which hides and shows it, and its colour.
 class ThingsModel : public QAbstractTableModel
 {
+    Q_OBJECT
+
 public:
     enum Column { NAME, COLOUR };
 
@@ -36,6 +39,11 @@ public:
     const ShownDatum& getDatum(int row) const;
     void setColour(int row, const SbColor& colour);
     void showAll(bool shown);
+    static QSize swatchSize(); ///< of a colour
+
+signals:
+    /// By the user.
+    void looksChanged();
 
 private:
     std::pair<std::size_t, std::size_t> placeOf(int row) const; ///< kind and index in it

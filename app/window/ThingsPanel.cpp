@@ -6,8 +6,10 @@
 #include <QColorDialog>
 #include <QHBoxLayout>
 #include <QHeaderView>
+#include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
+#include <QStyledItemDelegate>
 #include <QTreeView>
 #include <QVBoxLayout>
 
@@ -15,6 +17,32 @@
 #include "window/ThingsModel.h"
 
 namespace strandview {
+
+namespace {
+
+// An editor keeps what was typed, whichever frames are shown meanwhile, and sets it only then.
+class NameEditing : public QStyledItemDelegate
+{
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& option,
+                          const QModelIndex& index) const override
+    {
+        QWidget* const editor = QStyledItemDelegate::createEditor(parent, option, index);
+        QStyledItemDelegate::setEditorData(editor, index);
+        return editor;
+    }
+    void setEditorData(QWidget* /*editor*/, const QModelIndex& /*index*/) const override {}
+    void setModelData(QWidget* editor, QAbstractItemModel* model,
+                      const QModelIndex& index) const override
+    {
+        if (qobject_cast<QLineEdit*>(editor)->isModified())
+            QStyledItemDelegate::setModelData(editor, model, index);
+    }
+};
+
+} // namespace
 
 ThingsPanel::ThingsPanel(QWidget* parent)
     : QWidget(parent), model(new ThingsModel(this)), list(new QTreeView(this))
@@ -26,18 +54,24 @@ ThingsPanel::ThingsPanel(QWidget* parent)
     layout->addLayout(buttons);
     list->setObjectName("thingsList");
     list->setModel(model);
+    list->setItemDelegateForColumn(ThingsModel::NAME, new NameEditing(list));
     list->setRootIsDecorated(false);
     list->setUniformRowHeights(true); // so that thousands cost nothing
     list->setTextElideMode(Qt::ElideLeft);
+    list->setIconSize(ThingsModel::swatchSize());
     list->setContextMenuPolicy(Qt::CustomContextMenu);
     list->header()->setStretchLastSection(false);
     list->header()->setSectionResizeMode(ThingsModel::NAME, QHeaderView::Stretch);
+    connect(model, &ThingsModel::looksChanged, this, [this] {
+        if (onChanged)
+            onChanged();
+    });
     connect(list, &QTreeView::customContextMenuRequested, this, &ThingsPanel::offerMenu);
     connect(list, &QTreeView::doubleClicked, this, [this](const QModelIndex& index) {
         if (index.column() == ThingsModel::COLOUR)
             chooseColour(index.row());
     });
-    addButton("&Centre", "centreButton", [this] { centre(); });
+    addButton("&Centre", "centreButton", [this] { centre(chosenRow()); });
     addButton("Show all", "showAllButton", [this] { model->showAll(true); });
     addButton("Hide all", "hideAllButton", [this] { model->showAll(false); });
 }
@@ -59,10 +93,10 @@ int ThingsPanel::chosenRow() const { return list->currentIndex().row(); }
 
 bool ThingsPanel::isThere(int row) const { return row >= 0 && row < model->rowCount(); }
 
-void ThingsPanel::centre()
+void ThingsPanel::centre(int row)
 {
-    if (isThere(chosenRow()) && onCentre)
-        onCentre(model->getDatum(chosenRow()).box);
+    if (isThere(row) && onCentre)
+        onCentre(model->getDatum(row).box);
 }
 
 void ThingsPanel::chooseColour(int row)
@@ -87,14 +121,15 @@ void ThingsPanel::offerMenu(const QPoint& place)
         return;
     const int row =
         index.row(); // another frame, with fewer things, may be there once one is chosen
-    QMenu menu;
-    menu.addAction("Centre the view on it", this, [this] { centre(); });
-    menu.addAction("Rename", this, [this, row] {
+    auto* menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->addAction("Centre the view on it", this, [this, row] { centre(row); });
+    menu->addAction("Rename", this, [this, row] {
         if (isThere(row))
             list->edit(model->index(row, ThingsModel::NAME));
     });
-    menu.addAction("Colour...", this, [this, row] { chooseColour(row); });
-    menu.exec(list->viewport()->mapToGlobal(place));
+    menu->addAction("Colour...", this, [this, row] { chooseColour(row); });
+    menu->popup(list->viewport()->mapToGlobal(place));
 }
 
 } // namespace strandview

@@ -29,7 +29,9 @@ public:
     /// The scene shows another frame.
     void follow();
 
-    std::function<void(const SbBox3f&)> onCentre; ///< of the box in the scene; may be empty
+    // Each may be empty
+    std::function<void(const SbBox3f&)> onCentre; ///< of the box in the scene
+    std::function<void()> onChanged;              ///< the look of something that is shown
     /// All columns.
     QSize sizeHint() const override { return {260, 300}; }
 
@@ -37,7 +39,7 @@ private:
     void addButton(const char* text, const char* name, std::function<void()> does);
     int chosenRow() const;       ///< -1 for none
     bool isThere(int row) const; ///< in the frame that is shown
-    void centre();
+    void centre(int row);
     void chooseColour(int row);
     void offerMenu(const QPoint& place);
 

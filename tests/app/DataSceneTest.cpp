@@ -258,6 +258,43 @@ TEST_F(DataSceneTest, WhatItsUserHidesAndNamesStaysSoForThatKindAndIndex)
     scene->unref();
 }
 
+TEST_F(DataSceneTest, APlaceHasTheNameAndTheLettersOfWhatIsShownNow)
+{
+    auto* scene = new DataScene({});
+    scene->ref();
+    for (const char* name : {"first", "second"}) {
+        ShownDatum datum = makeCube(0, name);
+        datum.kind = ThingKind::DNA;
+        datum.bases = "ACG";
+        scene->add(1, datum);
+    }
+    PickedPlace place;
+    place.kind = ThingKind::DNA;
+    place.datum = 1;
+    place.row = 2;
+    place = scene->renewed(place);
+    EXPECT_EQ(toLine(tell(place)), "pair 3 GC, point 0 0 0 – second");
+
+    ShownDatum ofNextFrame = scene->getShown(1)[1];
+    ofNextFrame.name = "of the next frame";
+    ofNextFrame.bases = "TTT";
+    scene->change(1, 1, ofNextFrame);
+    place = scene->renewed(place);
+    EXPECT_EQ(toLine(tell(place)), "pair 3 TA, point 0 0 0 – of the next frame");
+
+    DataScene::Look look;
+    look.name = "mine";
+    scene->setLook(1, 1, look);
+    place = scene->renewed(place);
+    EXPECT_EQ(place.name, "mine");
+    scene->keepFirst(1, 1);
+    EXPECT_EQ(toLine(tell(scene->renewed(place))), "pair 3 TA, point 0 0 0 – mine");
+    place.kind = ThingKind::OTHER;
+    place.datum = 0;
+    EXPECT_EQ(scene->renewed(place).name, "mine") << "of no datum";
+    scene->unref();
+}
+
 TEST_F(DataSceneTest, DrawsRodsThatAreThereAndThatComeCoarselyIfAsked)
 {
     const auto makeRod = [] {

@@ -578,6 +578,19 @@ TEST_F(SceneBuilderTest, TellsEachBaseWithoutAPairByItsName)
     EXPECT_GT(box().getSize()[0], 40);
 }
 
+TEST_F(SceneBuilderTest, BasesWithoutAPairThatTheirUserNamesAreToldByThatAndTheirNumber)
+{
+    const std::size_t loneBases = 5; // of the kinds
+    Configuration data;
+    data.loneBases = {makeLoneBase('A', 0), makeLoneBase('C', 20)};
+    ASSERT_TRUE(build(data)) << error;
+    DataScene::Look look;
+    look.name = "loose";
+    scene->setLook(loneBases, 0, look);
+    EXPECT_THAT(describe(20, 4), StartsWith("base C, "));
+    EXPECT_THAT(describe(20, 4), EndsWith(" – loose, base 2"));
+}
+
 TEST_F(SceneBuilderTest, ShowsOfADnaWhatIsAskedFor)
 {
     Configuration data;

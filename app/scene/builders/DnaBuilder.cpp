@@ -68,25 +68,23 @@ bool needsPairs(const DnaLook& look)
 
 // What is picked
 
-void setPair(const ShownDatum& shown, std::size_t pair, int strand, PickedPlace& place)
+void setPair(std::size_t pair, int strand, PickedPlace& place)
 {
     place.row = pair;
     place.strand = strand;
-    place.base = shown.bases[pair];
-    place.partner = complementOf(place.base);
 }
 
 // Below a SoDNA, which is the path's node `index`: child 0 holds the boxes of the pairs, child 1
 // the bases, two for each pair.
-void placeInPairs(const ShownDatum& shown, const SoPath& path, int index, PickedPlace& place)
+void placeInPairs(const SoPath& path, int index, PickedPlace& place)
 {
     if (path.getLength() < index + 3)
         return;
     const auto child = std::size_t(path.getIndex(index + 2));
     if (path.getIndex(index + 1) == 1)
-        setPair(shown, child / 2, int(child % 2) + 1, place);
+        setPair(child / 2, int(child % 2) + 1, place);
     else
-        setPair(shown, child, 0, place);
+        setPair(child, 0, place);
 }
 
 // Behind their scale: a SoDNA, or the choice between one, with colours of its own, and what has
@@ -134,8 +132,7 @@ void placeInBackbone(const ShownDatum& shown, const SoPickedPoint& picked, Stran
     const double length = nearestOnTube(tube, {point[0], point[1], point[2]}).arcLength;
     const auto after = std::upper_bound(lengths.begin() + 1, lengths.end() - 1, length);
     const auto base = std::size_t(after - lengths.begin()) - 1;
-    setPair(shown, strand == Strand::FIRST ? base : shown.bases.size() - 1 - base, place.strand,
-            place);
+    setPair(strand == Strand::FIRST ? base : shown.bases.size() - 1 - base, place.strand, place);
 }
 
 // Of the SoDNA, or the pairs in colours of data, that the path leads through.
@@ -145,12 +142,12 @@ void placeBehindScale(const ShownDatum& shown, const SoPickedPoint& picked, int 
     const SoPath& path = *picked.getPath();
     for (; index < path.getLength(); ++index) {
         if (path.getNode(index)->isOfType(SoDNA::getClassTypeId())) {
-            placeInPairs(shown, path, index, place);
+            placeInPairs(path, index, place);
             return;
         }
         if (shown.colours && path.getNode(index) == &colouredPairsIn(*shown.colours)) {
             if (const auto pair = pickedPair(picked, index, shown.bases.size()))
-                setPair(shown, pair->pair, pair->strand, place);
+                setPair(pair->pair, pair->strand, place);
             return;
         }
     }

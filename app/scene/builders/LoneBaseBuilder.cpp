@@ -21,16 +21,14 @@ namespace {
 // No atom or corner of a base is farther from its frame.
 const double REACH = 9.2; // ångström
 
-// By the name of the base. The first child of the group is its scale.
-void placeIn(const ShownDatum& shown, const SoPickedPoint& picked, int index, PickedPlace& place)
+// The first child of the group is its scale.
+void placeIn(const ShownDatum& /*shown*/, const SoPickedPoint& picked, int index,
+             PickedPlace& place)
 {
     const SoPath& path = *picked.getPath();
     if (path.getLength() < index + 2)
         return;
-    const auto base = std::size_t(path.getIndex(index + 1)) - 1;
-    place.datum = base;
-    place.base = shown.bases[base];
-    place.name = shown.parts[base];
+    place.datum = std::size_t(path.getIndex(index + 1)) - 1;
 }
 
 // Each base in its place, in ångström; those of a letter share their node.
