@@ -115,10 +115,10 @@ void DataScene::add(std::size_t kind, const ShownDatum& datum)
         kinds.push_back({new SoGroup, {}});
         addChanging(kinds.back().group);
     }
-    places[datum.group] = {kind, kinds[kind].data.size()};
+    things[datum.group] = {kind, kinds[kind].data.size()};
     kinds[kind].data.push_back(datum);
     kinds[kind].group->addChild(datum.group);
-    showLook(kind, kinds[kind].data.size() - 1);
+    showLook({kind, kinds[kind].data.size() - 1});
     box.reset();
 }
 
@@ -127,7 +127,7 @@ void DataScene::change(std::size_t kind, std::size_t index, const ShownDatum& da
     ShownDatum& known = kinds[kind].data[index];
     assert(datum.node == known.node && datum.group == known.group);
     known = datum;
-    showLook(kind, index);
+    showLook({kind, index});
     box.reset();
 }
 
@@ -137,23 +137,42 @@ void DataScene::keepFirst(std::size_t kind, std::size_t count)
         return;
     std::vector<ShownDatum>& data = kinds[kind].data;
     for (std::size_t i = data.size(); i > count; --i) {
-        places.erase(data[i - 1].group);
+        things.erase(data[i - 1].group);
         kinds[kind].group->removeChild(int(i) - 1);
     }
     data.resize(count);
     box.reset();
 }
 
-DataScene::Look DataScene::getLook(std::size_t kind, std::size_t index) const
+std::vector<Thing> DataScene::getThings() const
 {
-    const auto known = looks.find({kind, index});
-    return known == looks.end() ? Look() : known->second;
+    std::vector<Thing> all;
+    for (std::size_t kind = 0; kind < kinds.size(); ++kind) {
+        for (std::size_t i = 0; i < kinds[kind].data.size(); ++i)
+            all.push_back({kind, i});
+    }
+    return all;
 }
 
-void DataScene::setLook(std::size_t kind, std::size_t index, const Look& look)
+const ShownDatum& DataScene::datumOf(const Thing& thing) const
 {
-    looks[{kind, index}] = look;
-    showLook(kind, index);
+    return kinds[thing.kind].data[thing.index];
+}
+
+DataScene::Look DataScene::getLook(const Thing& thing) const
+{
+    const auto known = looks.ofThings.find(thing);
+    if (known != looks.ofThings.end())
+        return known->second;
+    Look other;
+    other.isHidden = looks.areOthersHidden;
+    return other;
+}
+
+void DataScene::setLook(const Thing& thing, const Look& look)
+{
+    looks.ofThings[thing] = look;
+    showLook(thing);
     if (onLook)
         onLook();
 }
@@ -162,33 +181,59 @@ DataScene::Look DataScene::lookOf(ThingKind kind, std::size_t datum) const
 {
     for (std::size_t i = 0; i < kinds.size(); ++i) {
         if (!kinds[i].data.empty() && kinds[i].data.front().kind == kind)
-            return getLook(i, kind == ThingKind::LONE_BASES ? 0 : datum);
+            return getLook({i, kind == ThingKind::LONE_BASES ? 0 : datum});
     }
     return {};
+}
+
+void DataScene::showOnly(const std::set<Thing>& shown)
+{
+    looks.areOthersHidden = true;
+    for (auto& [thing, look] : looks.ofThings)
+        look.isHidden = shown.count(thing) == 0;
+    for (const Thing& thing : shown)
+        looks.ofThings[thing].isHidden = false;
+    showLooks();
+}
+
+void DataScene::showAll()
+{
+    looks.areOthersHidden = false;
+    for (auto& [thing, look] : looks.ofThings)
+        look.isHidden = look.isDeleted = false;
+    showLooks();
 }
 
 void DataScene::setLooks(const Looks& ofOther)
 {
     looks = ofOther;
-    for (const auto& [place, look] : looks)
-        showLook(place.first, place.second);
+    showLooks();
+}
+
+void DataScene::showLooks()
+{
+    for (const Thing& thing : getThings())
+        showLook(thing);
+    if (onLook)
+        onLook();
 }
 
 // The nodes of what is hidden stay, behind a switch.
-void DataScene::showLook(std::size_t kind, std::size_t index)
+void DataScene::showLook(const Thing& thing)
 {
-    const auto known = looks.find({kind, index});
-    if (known == looks.end() || index >= getShown(kind).size())
+    if (!has(thing))
         return;
-    const Look& look = known->second;
-    const ShownDatum& datum = kinds[kind].data[index];
-    SoNode* const shown = kinds[kind].group->getChild(int(index));
+    const Look look = getLook(thing);
+    const ShownDatum& datum = datumOf(thing);
+    const bool isHidden = look.isHidden || look.isDeleted;
+    SoGroup& group = *kinds[thing.kind].group;
+    SoNode* const shown = group.getChild(int(thing.index));
     if (shown != datum.group) {
-        static_cast<SoSwitch*>(shown)->whichChild = look.isHidden ? SO_SWITCH_NONE : 0;
-    } else if (look.isHidden) {
+        static_cast<SoSwitch*>(shown)->whichChild = isHidden ? SO_SWITCH_NONE : 0;
+    } else if (isHidden) {
         auto* hiding = new SoSwitch;
         hiding->addChild(datum.group);
-        kinds[kind].group->replaceChild(int(index), hiding);
+        group.replaceChild(int(thing.index), hiding);
     }
     if (look.colour && datum.setColour)
         datum.setColour(datum, *look.colour);
@@ -347,15 +392,15 @@ PickedPlace DataScene::placeOf(const SoPickedPoint& picked, double reach) const
 
     const SoPath& path = *picked.getPath();
     for (int i = path.getLength() - 1; i >= 0; --i) {
-        const auto known = places.find(path.getNode(i));
-        if (known == places.end())
+        const auto known = things.find(path.getNode(i));
+        if (known == things.end())
             continue;
-        const ShownDatum& datum = kinds[known->second.kind].data[known->second.index];
+        const ShownDatum& datum = datumOf(known->second);
         place.kind = datum.kind;
         place.datum = known->second.index;
         if (datum.placeIn)
             datum.placeIn(datum, picked, i, place);
-        tellOf(datum, getLook(known->second.kind, known->second.index), place);
+        tellOf(datum, getLook(known->second), place);
         if (datum.centralTube) {
             BiarcTubeMesh& central = *datum.centralTube(*datum.node);
             const double unit = 1 / placement.scale;
@@ -375,19 +420,19 @@ PickedPlace DataScene::placeOf(const SoPickedPoint& picked, double reach) const
 
 PickedPlace DataScene::renewed(PickedPlace place) const
 {
-    if (const auto at = findDatum(place))
-        tellOf(kinds[at->kind].data[at->index], getLook(at->kind, at->index), place);
+    if (const auto thing = findThing(place))
+        tellOf(datumOf(*thing), getLook(*thing), place);
     return place;
 }
 
 // All lone bases are one datum.
-std::optional<DataScene::Place> DataScene::findDatum(const PickedPlace& place) const
+std::optional<Thing> DataScene::findThing(const PickedPlace& place) const
 {
     const std::size_t index = place.kind == ThingKind::LONE_BASES ? 0 : place.datum;
     for (std::size_t kind = 0; kind < kinds.size(); ++kind) {
-        const std::vector<ShownDatum>& data = kinds[kind].data;
-        if (index < data.size() && data[index].kind == place.kind && place.kind != ThingKind::OTHER)
-            return Place{kind, index};
+        const Thing thing{kind, index};
+        if (has(thing) && datumOf(thing).kind == place.kind && place.kind != ThingKind::OTHER)
+            return thing;
     }
     return std::nullopt;
 }

@@ -6,6 +6,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <unordered_map>
 #include <utility>
@@ -21,6 +22,7 @@
 #include "scene/Placement.h"
 #include "scene/ShownDatum.h"
 #include "scene/Style.h"
+#include "scene/Thing.h"
 #include "scene/Told.h"
 
 namespace strandview {
@@ -62,15 +64,25 @@ public:
     struct Look
     {
         bool isHidden = false;
+        bool isDeleted = false;          ///< from view: as hidden, and in no list
         std::optional<std::string> name; ///< instead of its own, also where a pick is told
         std::optional<SbColor> colour;   ///< instead of its own
     };
-    /// By kind and index.
-    using Looks = std::map<std::pair<std::size_t, std::size_t>, Look>;
+    struct Looks
+    {
+        std::map<Thing, Look> ofThings;
+        bool areOthersHidden = false; ///< also of frames to come
+    };
 
-    std::size_t countKinds() const { return kinds.size(); }
-    Look getLook(std::size_t kind, std::size_t index) const;
-    void setLook(std::size_t kind, std::size_t index, const Look& look);
+    /// Those that are shown or hidden, in order.
+    std::vector<Thing> getThings() const;
+    bool has(const Thing& thing) const { return thing.index < getShown(thing.kind).size(); }
+    Look getLook(const Thing& thing) const;
+    void setLook(const Thing& thing, const Look& look);
+    /// Hides all others, also of frames to come. What was deleted stays so.
+    void showOnly(const std::set<Thing>& things);
+    /// Also what was deleted from view.
+    void showAll();
     /// Of a datum by what it is and which of these; of lone bases, which are one together, of any.
     Look lookOf(ThingKind kind, std::size_t datum) const;
     const Looks& getLooks() const { return looks; }
@@ -127,6 +139,8 @@ public:
     /// The same place by the name and with the letters that it has now: in another frame, or once
     /// its user has renamed it. Where nothing is shown any more it stays as it was.
     PickedPlace renewed(PickedPlace place) const;
+    /// What is there; nothing if it is not shown.
+    std::optional<Thing> findThing(const PickedPlace& place) const;
 
     /// Called with what the user picks, if set.
     std::function<void(const SoPickedPoint&)> onPick;
@@ -142,13 +156,9 @@ public:
 private:
     ~DataScene() override;
 
-    struct Place
-    {
-        std::size_t kind, index;
-    };
-
-    void showLook(std::size_t kind, std::size_t index);
-    std::optional<Place> findDatum(const PickedPlace& place) const;
+    const ShownDatum& datumOf(const Thing& thing) const;
+    void showLook(const Thing& thing);
+    void showLooks();
 
     using Shininess = std::vector<float>;
     Shininess getShininess();
@@ -165,7 +175,7 @@ private:
     std::vector<Kind> kinds;
     std::shared_ptr<const Configuration> data;
     Looks looks;
-    std::unordered_map<const SoNode*, Place> places; ///< of the groups of data
+    std::unordered_map<const SoNode*, Thing> things; ///< by the groups of data
     mutable std::optional<SbBox3f> box;              ///< nothing where it is to be found anew
     SbBox3f room;                                    ///< for other frames
     Side standardSide = Side::Z;

@@ -140,8 +140,8 @@ MainWindow::MainWindow(const Options& startOptions, Loader sceneLoader, SeriesOp
 MainWindow::~MainWindow()
 {
     for (QDockWidget* dock : {placeDock, curveDock})
-        dock->disconnect(this); // it is hidden once the members are gone
-    things->setScene(nullptr);  // which a name that is being edited would be given
+        dock->disconnect(this);       // it is hidden once the members are gone
+    things->setScene(nullptr, false); // which a name that is being edited would be given
 }
 
 void MainWindow::buildMenus()
@@ -303,7 +303,7 @@ void MainWindow::showScene(DataScene* newScene, const std::vector<std::string>& 
     shownStyle = options;
     tellStyle();
     places->setScene(scene);
-    things->setScene(scene);
+    things->setScene(scene, choice == SAME_CAMERA);
     curveHover->setScene(scene);
     curves->showScene(*scene, loadedFrame(), CurvePanel::OTHER_FILES);
     scene->showColours((*menus)[Command::SHOW_COLOURS]->isChecked());

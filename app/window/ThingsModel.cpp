@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "window/ThingsModel.h"
 
-#include <numeric>
+#include <algorithm>
+#include <cassert>
+#include <cctype>
+#include <utility>
 
 #include <QColor>
 #include <QIcon>
@@ -10,7 +13,42 @@
 
 namespace strandview {
 
+/// The root, a file or a thing.
+struct ThingsModel::Row
+{
+    Row* parent = nullptr; ///< null of the root
+    std::size_t place = 0; ///< among the parent's
+    std::string file;      ///< the name of a file
+    Thing thing;           ///< if it is one
+    std::vector<std::unique_ptr<Row>> children;
+
+    bool isFile() const { return parent && !parent->parent; }
+    bool isThing() const { return parent && parent->parent; }
+};
+
 namespace {
+
+// Where a file's name ends in that of a datum: "helix.txt" of "helix.txt:1: rod 1", "rods.json" of
+// "rods.json: rods[0]".
+std::size_t lengthOfFile(const std::string& name)
+{
+    const std::size_t colon = name.find(": ");
+    if (colon == std::string::npos)
+        return 0;
+    std::size_t end = colon;
+    while (end > 0 && std::isdigit(static_cast<unsigned char>(name[end - 1])))
+        --end;
+    return end > 0 && end < colon && name[end - 1] == ':' ? end - 1 : colon;
+}
+
+std::string fileOf(const std::string& name) { return name.substr(0, lengthOfFile(name)); }
+
+// "rod 1", "rods[0]".
+std::string withoutFile(const std::string& name)
+{
+    const std::size_t colon = name.find(": ");
+    return colon == std::string::npos ? name : name.substr(colon + 2);
+}
 
 // The same in what is chosen, where the style would tint a plain colour. Its frame is seen about
 // white and black.
@@ -29,29 +67,169 @@ QIcon swatch(const SbColor& colour)
 
 } // namespace
 
-void ThingsModel::setScene(DataScene* shown)
+ThingsModel::ThingsModel(QObject* parent) : QAbstractItemModel(parent), root(new Row) {}
+
+ThingsModel::~ThingsModel() = default;
+
+void ThingsModel::setScene(DataScene* shown, bool isOfSameFiles)
 {
-    beginResetModel();
     scene = shown;
-    counts = countKinds();
-    endResetModel();
+    if (!isOfSameFiles) {
+        beginResetModel();
+        root->children.clear();
+        endResetModel();
+    }
+    follow();
 }
 
 void ThingsModel::follow()
 {
-    if (counts != countKinds())
-        setScene(scene);
-    else if (rowCount() > 0)
-        emit dataChanged(index(0, NAME), index(rowCount() - 1, COLOUR));
+    syncFiles(filesShown());
+    for (const auto& file : root->children) {
+        const QModelIndex ofFile = indexOf(*file);
+        emit dataChanged(ofFile, ofFile);
+        emit dataChanged(index(0, NAME, ofFile), index(rowCount(ofFile) - 1, COLOUR, ofFile));
+    }
+}
+
+// Rows
+
+const ThingsModel::Row& ThingsModel::rowAt(const QModelIndex& index)
+{
+    return *static_cast<const Row*>(index.internalPointer());
+}
+
+QModelIndex ThingsModel::indexOf(const Row& row, int column) const
+{
+    return row.parent ? createIndex(int(row.place), column, const_cast<Row*>(&row)) : QModelIndex();
+}
+
+QModelIndex ThingsModel::index(int row, int column, const QModelIndex& parent) const
+{
+    const Row& of = parent.isValid() ? rowAt(parent) : *root;
+    const bool isThere = row >= 0 && std::size_t(row) < of.children.size();
+    return isThere ? indexOf(*of.children[std::size_t(row)], column) : QModelIndex();
+}
+
+QModelIndex ThingsModel::parent(const QModelIndex& index) const
+{
+    return index.isValid() ? indexOf(*rowAt(index).parent) : QModelIndex();
 }
 
 int ThingsModel::rowCount(const QModelIndex& parent) const
 {
-    return parent.isValid() ? 0
-                            : int(std::accumulate(counts.begin(), counts.end(), std::size_t(0)));
+    if (parent.column() > NAME)
+        return 0;
+    return int((parent.isValid() ? rowAt(parent) : *root).children.size());
 }
 
-int ThingsModel::columnCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : 2; }
+int ThingsModel::columnCount(const QModelIndex& /*parent*/) const { return 2; }
+
+std::vector<ThingsModel::File> ThingsModel::filesShown() const
+{
+    std::vector<File> files;
+    if (!scene)
+        return files;
+    std::size_t last = 0; // neighbours are mostly of one file
+    for (const Thing& thing : scene->getThings()) {
+        if (scene->getLook(thing).isDeleted)
+            continue;
+        const std::string name = fileOf(scene->getShown(thing.kind)[thing.index].name);
+        if (last >= files.size() || files[last].name != name)
+            last =
+                std::size_t(std::find_if(files.begin(), files.end(),
+                                         [&name](const File& file) { return file.name == name; }) -
+                            files.begin());
+        if (last == files.size())
+            files.push_back({name, {}});
+        files[last].things.push_back(thing);
+    }
+    return files;
+}
+
+// As many as before are the same ones, which have other names in each frame of a series of files.
+// Else those of the same names are.
+void ThingsModel::syncFiles(const std::vector<File>& files)
+{
+    if (files.size() != root->children.size()) {
+        for (std::size_t i = root->children.size(); i-- > 0;) {
+            const std::string& name = root->children[i]->file;
+            if (std::none_of(files.begin(), files.end(),
+                             [&name](const File& file) { return file.name == name; }))
+                remove(*root, i, 1);
+        }
+        for (std::size_t i = 0; i < files.size(); ++i) {
+            const auto& known = root->children;
+            if (i < known.size() && known[i]->file == files[i].name)
+                continue;
+            std::vector<std::unique_ptr<Row>> rows;
+            rows.push_back(std::make_unique<Row>());
+            rows.back()->file = files[i].name;
+            insert(*root, i, std::move(rows));
+        }
+        if (root->children.size() > files.size())
+            remove(*root, files.size(), root->children.size() - files.size());
+    }
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        root->children[i]->file = files[i].name;
+        syncThings(*root->children[i], files[i].things);
+    }
+}
+
+// Both are in order.
+void ThingsModel::syncThings(Row& file, const std::vector<Thing>& things)
+{
+    const auto& rows = file.children;
+    const auto isGone = [&](std::size_t row) {
+        return !std::binary_search(things.begin(), things.end(), rows[row]->thing);
+    };
+    for (std::size_t end = rows.size(); end > 0; --end) {
+        std::size_t first = end;
+        while (first > 0 && isGone(first - 1))
+            --first;
+        if (first < end)
+            remove(file, first, end - first);
+        end = std::max<std::size_t>(first, 1);
+    }
+    for (std::size_t i = 0; i < things.size();) {
+        if (i < rows.size() && rows[i]->thing == things[i]) {
+            ++i;
+            continue;
+        }
+        std::vector<std::unique_ptr<Row>> missing;
+        const std::size_t at = i;
+        for (; i < things.size() && (at == rows.size() || things[i] < rows[at]->thing); ++i) {
+            missing.push_back(std::make_unique<Row>());
+            missing.back()->thing = things[i];
+        }
+        insert(file, at, std::move(missing));
+    }
+}
+
+void ThingsModel::insert(Row& parent, std::size_t at, std::vector<std::unique_ptr<Row>> rows)
+{
+    beginInsertRows(indexOf(parent), int(at), int(at + rows.size()) - 1);
+    for (auto& row : rows)
+        row->parent = &parent;
+    parent.children.insert(parent.children.begin() + std::ptrdiff_t(at),
+                           std::make_move_iterator(rows.begin()),
+                           std::make_move_iterator(rows.end()));
+    for (std::size_t i = at; i < parent.children.size(); ++i)
+        parent.children[i]->place = i;
+    endInsertRows();
+}
+
+void ThingsModel::remove(Row& parent, std::size_t first, std::size_t count)
+{
+    beginRemoveRows(indexOf(parent), int(first), int(first + count) - 1);
+    const auto begin = parent.children.begin() + std::ptrdiff_t(first);
+    parent.children.erase(begin, begin + std::ptrdiff_t(count));
+    for (std::size_t i = first; i < parent.children.size(); ++i)
+        parent.children[i]->place = i;
+    endRemoveRows();
+}
+
+// What is told of them
 
 QVariant ThingsModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
@@ -62,100 +240,154 @@ QVariant ThingsModel::headerData(int section, Qt::Orientation orientation, int r
 
 QVariant ThingsModel::data(const QModelIndex& index, int role) const
 {
-    const ShownDatum& datum = getDatum(index.row());
-    if (index.column() == COLOUR) {
-        return role == Qt::DecorationRole && datum.getColour ? swatch(datum.getColour(datum))
-                                                             : QVariant();
+    const Row& row = rowAt(index);
+    if (role == Qt::CheckStateRole && index.column() == NAME)
+        return tickOf(row);
+    if (row.isFile()) {
+        const bool isName = role == Qt::DisplayRole || role == Qt::ToolTipRole;
+        return isName && index.column() == NAME ? QString::fromStdString(row.file) : QVariant();
     }
-    const DataScene::Look look = lookOf(index.row());
-    if (role == Qt::CheckStateRole)
-        return look.isHidden ? Qt::Unchecked : Qt::Checked;
+    const ShownDatum* const datum = find(row.thing);
+    if (!datum)
+        return {};
+    if (index.column() == COLOUR)
+        return role == Qt::DecorationRole && datum->getColour ? swatch(datum->getColour(*datum))
+                                                              : QVariant();
     if (role == Qt::DisplayRole || role == Qt::EditRole)
-        return QString::fromStdString(look.name.value_or(datum.name));
+        return QString::fromStdString(
+            scene->getLook(row.thing).name.value_or(withoutFile(datum->name)));
     if (role == Qt::ToolTipRole)
-        return QString::fromStdString(datum.name).toHtmlEscaped();
+        return QString::fromStdString(datum->name).toHtmlEscaped();
     return {};
+}
+
+Qt::CheckState ThingsModel::tickOf(const Row& row) const
+{
+    const Things things = thingsIn(row);
+    const auto hidden = std::count_if(things.begin(), things.end(), [this](const Thing& thing) {
+        return scene->getLook(thing).isHidden;
+    });
+    if (hidden == 0)
+        return Qt::Checked;
+    return std::size_t(hidden) == things.size() ? Qt::Unchecked : Qt::PartiallyChecked;
 }
 
 Qt::ItemFlags ThingsModel::flags(const QModelIndex& index) const
 {
-    const Qt::ItemFlags usual = QAbstractTableModel::flags(index);
-    return index.column() == NAME ? usual | Qt::ItemIsUserCheckable | Qt::ItemIsEditable : usual;
+    Qt::ItemFlags all = QAbstractItemModel::flags(index);
+    if (!index.isValid() || index.column() != NAME)
+        return all;
+    all |= Qt::ItemIsUserCheckable;
+    return rowAt(index).isThing() ? all | Qt::ItemIsEditable : all;
 }
+
+ThingsModel::Things ThingsModel::thingsIn(const QModelIndexList& rows) const
+{
+    Things things;
+    for (const QModelIndex& row : rows)
+        things.merge(thingsIn(rowAt(row)));
+    return things;
+}
+
+ThingsModel::Things ThingsModel::thingsIn(const Row& row) const
+{
+    if (row.isThing())
+        return {row.thing};
+    Things things;
+    for (const auto& child : row.children)
+        things.insert(child->thing);
+    return things;
+}
+
+QModelIndex ThingsModel::rowOf(const Thing& thing) const
+{
+    for (const auto& file : root->children) {
+        const auto& rows = file->children;
+        const auto found = std::lower_bound(
+            rows.begin(), rows.end(), thing,
+            [](const std::unique_ptr<Row>& row, const Thing& of) { return row->thing < of; });
+        if (found != rows.end() && (*found)->thing == thing)
+            return indexOf(**found);
+    }
+    return {};
+}
+
+const ShownDatum* ThingsModel::find(const Thing& thing) const
+{
+    const bool isThere = scene && scene->has(thing) && !scene->getLook(thing).isDeleted;
+    return isThere ? &scene->getShown(thing.kind)[thing.index] : nullptr;
+}
+
+// What the user changes
 
 bool ThingsModel::setData(const QModelIndex& index, const QVariant& value, int role)
 {
-    DataScene::Look look = lookOf(index.row());
+    const Row& row = rowAt(index);
     if (role == Qt::CheckStateRole) {
-        look.isHidden = value.toInt() == Qt::Unchecked;
-    } else if (role == Qt::EditRole) {
-        const std::string name = value.toString().toStdString();
-        look.name.reset(); // without a name it has its own
-        if (!name.empty() && name != getDatum(index.row()).name)
-            look.name = name;
-    } else {
-        return false;
+        const bool shown = value.toInt() != Qt::Unchecked;
+        show(thingsIn(row), shown);
+        emit ticked(index, shown);
+        return true;
     }
-    setLook(index.row(), look);
+    const ShownDatum* const datum = find(row.thing);
+    if (role != Qt::EditRole || !row.isThing() || !datum)
+        return false;
+    const std::string name = value.toString().toStdString();
+    change({row.thing}, [&](DataScene::Look& look) {
+        look.name.reset(); // without a name it has its own
+        if (!name.empty() && name != withoutFile(datum->name))
+            look.name = name;
+    });
     return true;
 }
 
-const ShownDatum& ThingsModel::getDatum(int row) const
+template <typename Change>
+void ThingsModel::change(const Things& things, Change change)
 {
-    const auto [kind, place] = placeOf(row);
-    return scene->getShown(kind)[place];
-}
-
-void ThingsModel::setColour(int row, const SbColor& colour)
-{
-    DataScene::Look look = lookOf(row);
-    look.colour = colour;
-    setLook(row, look);
-}
-
-void ThingsModel::showAll(bool shown)
-{
-    for (int row = 0; row < rowCount(); ++row) {
-        DataScene::Look look = lookOf(row);
-        look.isHidden = !shown;
-        const auto [kind, place] = placeOf(row);
-        scene->setLook(kind, place, look);
+    for (const Thing& thing : things) {
+        if (!find(thing))
+            continue;
+        DataScene::Look look = scene->getLook(thing);
+        change(look);
+        scene->setLook(thing, look);
     }
     follow();
     emit looksChanged();
 }
 
-QSize ThingsModel::swatchSize() { return {32, 14}; }
-
-std::pair<std::size_t, std::size_t> ThingsModel::placeOf(int row) const
+void ThingsModel::show(const Things& things, bool shown)
 {
-    auto place = std::size_t(row);
-    std::size_t kind = 0;
-    while (place >= counts[kind])
-        place -= counts[kind++];
-    return {kind, place};
+    change(things, [shown](DataScene::Look& look) { look.isHidden = !shown; });
 }
 
-DataScene::Look ThingsModel::lookOf(int row) const
+void ThingsModel::showOnly(const Things& things)
 {
-    const auto [kind, place] = placeOf(row);
-    return scene->getLook(kind, place);
-}
-
-void ThingsModel::setLook(int row, const DataScene::Look& look)
-{
-    const auto [kind, place] = placeOf(row);
-    scene->setLook(kind, place, look);
-    emit dataChanged(index(row, NAME), index(row, COLOUR));
+    if (!scene)
+        return;
+    scene->showOnly(things);
+    follow();
     emit looksChanged();
 }
 
-std::vector<std::size_t> ThingsModel::countKinds() const
+void ThingsModel::showAll()
 {
-    std::vector<std::size_t> found;
-    for (std::size_t kind = 0; scene && kind < scene->countKinds(); ++kind)
-        found.push_back(scene->getShown(kind).size());
-    return found;
+    if (!scene)
+        return;
+    scene->showAll();
+    follow();
+    emit looksChanged();
 }
+
+void ThingsModel::deleteFromView(const Things& things)
+{
+    change(things, [](DataScene::Look& look) { look.isDeleted = true; });
+}
+
+void ThingsModel::setColour(const Things& things, const SbColor& colour)
+{
+    change(things, [&colour](DataScene::Look& look) { look.colour = colour; });
+}
+
+QSize ThingsModel::swatchSize() { return {32, 14}; }
 
 } // namespace strandview

@@ -2,33 +2,41 @@
 #ifndef STRANDVIEW_APP_WINDOW_THINGSMODEL_H
 #define STRANDVIEW_APP_WINDOW_THINGSMODEL_H
 
-#include <cstddef>
-#include <utility>
+#include <memory>
+#include <set>
+#include <string>
 #include <vector>
 
-#include <QAbstractTableModel>
+#include <QAbstractItemModel>
 #include <QSize>
 
 #include "scene/DataScene.h"
 
 namespace strandview {
 
-/// What a scene shows, a row for each datum in the order in which they are drawn: its name with a
-/// tick, which hides and shows it, and its colour.
-class ThingsModel : public QAbstractTableModel
+/// What a scene shows, as a tree: files, and below each the things in it in the order in which they
+/// are drawn, but for those that were deleted from view. A name has a tick, which hides and shows
+/// the thing or all of the file, a thing has its colour beside.
+///
+/// In another frame the rows of what is still there stay, and so does what is chosen of them.
+class ThingsModel : public QAbstractItemModel
 {
     Q_OBJECT
 
 public:
     enum Column { NAME, COLOUR };
+    using Things = std::set<Thing>;
 
-    using QAbstractTableModel::QAbstractTableModel;
+    explicit ThingsModel(QObject* parent);
+    ~ThingsModel() override;
 
     /// Null for nothing. The scene outlives the model, or another one is given.
-    void setScene(DataScene* shown);
+    void setScene(DataScene* shown, bool isOfSameFiles);
     /// The scene shows another frame.
     void follow();
 
+    QModelIndex index(int row, int column, const QModelIndex& parent = {}) const override;
+    QModelIndex parent(const QModelIndex& index) const override;
     int rowCount(const QModelIndex& parent = {}) const override;
     int columnCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role) const override;
@@ -36,23 +44,50 @@ public:
     Qt::ItemFlags flags(const QModelIndex& index) const override;
     bool setData(const QModelIndex& index, const QVariant& value, int role) override;
 
-    const ShownDatum& getDatum(int row) const;
-    void setColour(int row, const SbColor& colour);
-    void showAll(bool shown);
+    /// Those in these rows, of a file all.
+    Things thingsIn(const QModelIndexList& rows) const;
+    /// Its name; invalid of what has no row.
+    QModelIndex rowOf(const Thing& thing) const;
+    /// Null of what has no row.
+    const ShownDatum* find(const Thing& thing) const;
+
+    // Of those that have a row
+    void show(const Things& things, bool shown);
+    void showOnly(const Things& things); ///< and hides all others
+    void showAll();                      ///< and what was deleted
+    void deleteFromView(const Things& things);
+    void setColour(const Things& things, const SbColor& colour);
+
     static QSize swatchSize(); ///< of a colour
 
 signals:
-    /// By the user.
+    /// By the user: of what is shown, or where.
     void looksChanged();
+    /// The tick of a row.
+    void ticked(const QModelIndex& row, bool shown);
 
 private:
-    std::pair<std::size_t, std::size_t> placeOf(int row) const; ///< kind and index in it
-    DataScene::Look lookOf(int row) const;
-    void setLook(int row, const DataScene::Look& look);
-    std::vector<std::size_t> countKinds() const;
+    struct Row; // of the tree
+    struct File
+    {
+        std::string name;
+        std::vector<Thing> things;
+    };
+
+    static const Row& rowAt(const QModelIndex& index);
+    QModelIndex indexOf(const Row& row, int column = NAME) const;
+    std::vector<File> filesShown() const;
+    void syncFiles(const std::vector<File>& files);
+    void syncThings(Row& file, const std::vector<Thing>& things);
+    void insert(Row& parent, std::size_t at, std::vector<std::unique_ptr<Row>> rows);
+    void remove(Row& parent, std::size_t first, std::size_t count);
+    Qt::CheckState tickOf(const Row& row) const;
+    Things thingsIn(const Row& row) const;
+    template <typename Change>
+    void change(const Things& things, Change change);
 
     DataScene* scene = nullptr;
-    std::vector<std::size_t> counts; ///< of each kind
+    std::unique_ptr<Row> root;
 };
 
 } // namespace strandview

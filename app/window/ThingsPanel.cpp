@@ -1,14 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "window/ThingsPanel.h"
 
+#include <algorithm>
 #include <utility>
 
 #include <QColorDialog>
-#include <QHBoxLayout>
+#include <QGridLayout>
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QMenu>
+#include <QMouseEvent>
 #include <QPushButton>
+#include <QShortcut>
 #include <QStyledItemDelegate>
 #include <QTreeView>
 #include <QVBoxLayout>
@@ -42,26 +45,62 @@ public:
     }
 };
 
+// A click on a tick leaves what is chosen.
+class ThingsList : public QTreeView
+{
+public:
+    using QTreeView::QTreeView;
+
+protected:
+    QItemSelectionModel::SelectionFlags
+    selectionCommand(const QModelIndex& index, const QEvent* event = nullptr) const override
+    {
+        const auto* const click = dynamic_cast<const QMouseEvent*>(event);
+        return click && isTick(index, click->pos()) ? QItemSelectionModel::NoUpdate
+                                                    : QTreeView::selectionCommand(index, event);
+    }
+
+private:
+    bool isTick(const QModelIndex& index, const QPoint& place) const
+    {
+        if (!(index.flags() & Qt::ItemIsUserCheckable))
+            return false;
+        QStyleOptionViewItem option = viewOptions();
+        option.rect = visualRect(index);
+        option.features |= QStyleOptionViewItem::HasCheckIndicator;
+        return style()
+            ->subElementRect(QStyle::SE_ItemViewItemCheckIndicator, &option, this)
+            .contains(place);
+    }
+};
+
 } // namespace
 
 ThingsPanel::ThingsPanel(QWidget* parent)
-    : QWidget(parent), model(new ThingsModel(this)), list(new QTreeView(this))
+    : QWidget(parent), model(new ThingsModel(this)), list(new ThingsList(this))
 {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(4, 4, 4, 4);
     layout->addWidget(list, 1);
-    auto* buttons = new QHBoxLayout;
-    layout->addLayout(buttons);
     list->setObjectName("thingsList");
     list->setModel(model);
     list->setItemDelegateForColumn(ThingsModel::NAME, new NameEditing(list));
-    list->setRootIsDecorated(false);
+    list->setSelectionMode(QAbstractItemView::ExtendedSelection);
     list->setUniformRowHeights(true); // so that thousands cost nothing
     list->setTextElideMode(Qt::ElideLeft);
     list->setIconSize(ThingsModel::swatchSize());
     list->setContextMenuPolicy(Qt::CustomContextMenu);
     list->header()->setStretchLastSection(false);
     list->header()->setSectionResizeMode(ThingsModel::NAME, QHeaderView::Stretch);
+    connect(model, &QAbstractItemModel::rowsInserted, this,
+            [this](const QModelIndex& parentOfThem, int first, int last) {
+                for (int row = first; row <= last && !parentOfThem.isValid(); ++row)
+                    list->expand(model->index(row, ThingsModel::NAME));
+            });
+    connect(model, &ThingsModel::ticked, this, [this](const QModelIndex& row, bool shown) {
+        if (list->selectionModel()->isSelected(row))
+            model->show(chosen(), shown);
+    });
     connect(model, &ThingsModel::looksChanged, this, [this] {
         if (onChanged)
             onChanged();
@@ -69,66 +108,118 @@ ThingsPanel::ThingsPanel(QWidget* parent)
     connect(list, &QTreeView::customContextMenuRequested, this, &ThingsPanel::offerMenu);
     connect(list, &QTreeView::doubleClicked, this, [this](const QModelIndex& index) {
         if (index.column() == ThingsModel::COLOUR)
-            chooseColour(index.row());
+            chooseColour(model->thingsIn({index}));
     });
-    addButton("&Centre", "centreButton", [this] { centre(chosenRow()); });
-    addButton("Show all", "showAllButton", [this] { model->showAll(true); });
-    addButton("Hide all", "hideAllButton", [this] { model->showAll(false); });
+    buildButtons();
 }
 
-void ThingsPanel::setScene(DataScene* shown) { model->setScene(shown); }
+void ThingsPanel::buildButtons()
+{
+    auto* buttons = new QGridLayout;
+    layout()->addItem(buttons);
+    addButton(0, 0, "&Centre", "centreButton", "Brings what is chosen into the middle",
+              [this] { centre(chosen()); });
+    addButton(0, 1, "&Only these", "onlyButton", "Hides all but what is chosen", [this] {
+        if (!chosen().empty())
+            model->showOnly(chosen());
+    });
+    addButton(0, 2, "&Delete", "deleteButton", "Deletes what is chosen from view (Del)",
+              [this] { model->deleteFromView(chosen()); });
+    addButton(1, 0, "Show all", "showAllButton", "Also what was deleted from view",
+              [this] { model->showAll(); });
+    addButton(1, 1, "Hide all", "hideAllButton", "", [this] { model->showOnly({}); });
+    auto* deleting =
+        new QShortcut(QKeySequence::Delete, list, nullptr, nullptr, Qt::WidgetShortcut);
+    connect(deleting, &QShortcut::activated, this, [this] { model->deleteFromView(chosen()); });
+}
 
-void ThingsPanel::follow() { model->follow(); }
+void ThingsPanel::setScene(DataScene* shown, bool isOfSameFiles)
+{
+    model->setScene(shown, isOfSameFiles);
+}
 
-void ThingsPanel::addButton(const char* text, const char* name, std::function<void()> does)
+// Thousands of rows cost nothing while they are not seen.
+void ThingsPanel::follow()
+{
+    if (isVisible())
+        model->follow();
+}
+
+void ThingsPanel::showEvent(QShowEvent* event)
+{
+    QWidget::showEvent(event);
+    model->follow();
+}
+
+void ThingsPanel::addButton(int row, int column, const char* text, const char* name,
+                            const char* help, std::function<void()> does)
 {
     auto* button = new QPushButton(text, this);
     button->setObjectName(name);
+    button->setToolTip(help);
     button->setAutoDefault(false);
+    button->setMinimumWidth(1); // as narrow as the panel
     connect(button, &QPushButton::clicked, this, [does = std::move(does)] { does(); });
-    static_cast<QHBoxLayout*>(layout()->itemAt(1)->layout())->addWidget(button);
+    static_cast<QGridLayout*>(layout()->itemAt(1)->layout())->addWidget(button, row, column);
 }
 
-int ThingsPanel::chosenRow() const { return list->currentIndex().row(); }
-
-bool ThingsPanel::isThere(int row) const { return row >= 0 && row < model->rowCount(); }
-
-void ThingsPanel::centre(int row)
+ThingsPanel::Things ThingsPanel::chosen() const
 {
-    if (isThere(row) && onCentre)
-        onCentre(model->getDatum(row).box);
+    return model->thingsIn(list->selectionModel()->selectedRows(ThingsModel::NAME));
 }
 
-void ThingsPanel::chooseColour(int row)
+void ThingsPanel::centre(const Things& things)
 {
-    if (!isThere(row))
+    SbBox3f box;
+    for (const Thing& thing : things) {
+        if (const ShownDatum* const datum = model->find(thing))
+            box.extendBy(datum->box);
+    }
+    if (!box.isEmpty() && onCentre)
+        onCentre(box);
+}
+
+void ThingsPanel::chooseColour(const Things& things)
+{
+    const auto coloured = std::find_if(things.begin(), things.end(), [this](const Thing& thing) {
+        const ShownDatum* const datum = model->find(thing);
+        return datum && datum->getColour;
+    });
+    if (coloured == things.end())
         return;
-    const ShownDatum& datum = model->getDatum(row);
-    if (!datum.getColour)
-        return;
+    const ShownDatum& datum = *model->find(*coloured);
     const SbColor now = datum.getColour(datum);
     const QColor chosen = QColorDialog::getColor(
         QColor::fromRgbF(double(now[0]), double(now[1]), double(now[2])), this, "Colour");
-    if (chosen.isValid() && isThere(row))
+    if (chosen.isValid())
         model->setColour(
-            row, SbColor(float(chosen.redF()), float(chosen.greenF()), float(chosen.blueF())));
+            things, SbColor(float(chosen.redF()), float(chosen.greenF()), float(chosen.blueF())));
 }
 
+void ThingsPanel::rename(const Thing& thing)
+{
+    if (const QModelIndex row = model->rowOf(thing); row.isValid())
+        list->edit(row);
+}
+
+// Another frame, in which some of the things are no more, may be there once one is chosen.
 void ThingsPanel::offerMenu(const QPoint& place)
 {
     const QModelIndex index = list->indexAt(place);
     if (!index.isValid())
         return;
-    const int row =
-        index.row(); // another frame, with fewer things, may be there once one is chosen
+    const Things things = chosen(), clicked = model->thingsIn({index});
     auto* menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    menu->addAction("Centre the view on it", this, [this, row] { centre(row); });
-    menu->addAction("Rename", this, [this, row] {
-        if (isThere(row))
-            list->edit(model->index(row, ThingsModel::NAME));
-    });
-    menu->addAction("Colour...", this, [this, row] { chooseColour(row); });
+    menu->addAction("Centre the view on it", this, [=] { centre(things); });
+    menu->addAction("Show", this, [=] { model->show(things, true); });
+    menu->addAction("Hide", this, [=] { model->show(things, false); });
+    menu->addAction("Show only this", this, [=] { model->showOnly(things); });
+    menu->addSeparator();
+    if (clicked.size() == 1)
+        menu->addAction("Rename", this, [=] { rename(*clicked.begin()); });
+    menu->addAction("Colour...", this, [=] { chooseColour(things); });
+    menu->addAction("Delete from view", this, [=] { model->deleteFromView(things); });
     menu->popup(list->viewport()->mapToGlobal(place));
 }
 

@@ -3,11 +3,14 @@
 #define STRANDVIEW_APP_WINDOW_THINGSPANEL_H
 
 #include <functional>
+#include <optional>
+#include <set>
 
 #include <Inventor/SbBox3f.h>
 #include <QWidget>
 
-class QPushButton;
+#include "scene/Thing.h"
+
 class QTreeView;
 
 namespace strandview {
@@ -15,17 +18,20 @@ namespace strandview {
 class DataScene;
 class ThingsModel;
 
-/// The list of what is shown: a tick hides and shows each, a double click edits its name or chooses
-/// its colour, buttons and a menu bring it into the middle of the view.
+/// The tree of what is shown: a tick hides and shows each, a double click edits its name or chooses
+/// its colour, buttons, keys and a menu do what can be done with all that are chosen.
 class ThingsPanel : public QWidget
 {
     Q_OBJECT
 
 public:
+    using Things = std::set<Thing>;
+
     explicit ThingsPanel(QWidget* parent);
 
-    /// The scene outlives the panel, or another one is given; null for nothing.
-    void setScene(DataScene* shown);
+    /// The scene outlives the panel, or another one is given; null for nothing. What is chosen
+    /// stays so in the same files.
+    void setScene(DataScene* shown, bool isOfSameFiles);
     /// The scene shows another frame.
     void follow();
 
@@ -33,14 +39,19 @@ public:
     std::function<void(const SbBox3f&)> onCentre; ///< of the box in the scene
     std::function<void()> onChanged;              ///< the look of something that is shown
     /// All columns.
-    QSize sizeHint() const override { return {260, 300}; }
+    QSize sizeHint() const override { return {280, 320}; }
+
+protected:
+    void showEvent(QShowEvent* event) override;
 
 private:
-    void addButton(const char* text, const char* name, std::function<void()> does);
-    int chosenRow() const;       ///< -1 for none
-    bool isThere(int row) const; ///< in the frame that is shown
-    void centre(int row);
-    void chooseColour(int row);
+    void buildButtons();
+    void addButton(int row, int column, const char* text, const char* name, const char* help,
+                   std::function<void()> does);
+    Things chosen() const; ///< that are there
+    void centre(const Things& things);
+    void chooseColour(const Things& things);
+    void rename(const Thing& thing);
     void offerMenu(const QPoint& place);
 
     ThingsModel* model;

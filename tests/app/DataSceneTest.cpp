@@ -236,7 +236,7 @@ TEST_F(DataSceneTest, WhatItsUserHidesAndNamesStaysSoForThatKindAndIndex)
     DataScene::Look look;
     look.isHidden = true;
     look.name = "mine";
-    scene->setLook(1, 1, look);
+    scene->setLook({1, 1}, look);
     EXPECT_EQ(describe(*scene, 10, 0), "");
     EXPECT_EQ(describe(*scene, 0, 0), "point 0 0 1 – first");
     EXPECT_EQ(scene->getBox(), SbBox3f(-1, -1, -1, 11, 1, 1)) << "as before";
@@ -245,7 +245,7 @@ TEST_F(DataSceneTest, WhatItsUserHidesAndNamesStaysSoForThatKindAndIndex)
     scene->add(1, makeCube(20, "another"));
     EXPECT_EQ(describe(*scene, 20, 0), "");
     look.isHidden = false;
-    scene->setLook(1, 1, look);
+    scene->setLook({1, 1}, look);
     EXPECT_EQ(describe(*scene, 20, 0), "point 20 0 1 – mine");
 
     auto* again = new DataScene({});
@@ -255,6 +255,55 @@ TEST_F(DataSceneTest, WhatItsUserHidesAndNamesStaysSoForThatKindAndIndex)
     again->add(1, makeCube(10, "second"));
     EXPECT_EQ(describe(*again, 10, 0), "point 10 0 1 – mine");
     again->unref();
+    scene->unref();
+}
+
+TEST_F(DataSceneTest, WhatIsShownAloneStaysSoBesideWhatComes)
+{
+    auto* scene = new DataScene({});
+    scene->ref();
+    scene->add(1, makeCube(0, "first"));
+    scene->add(1, makeCube(10, "second"));
+    EXPECT_EQ(scene->getThings(), (std::vector<Thing>{{1, 0}, {1, 1}}));
+    scene->showOnly({{1, 1}});
+    scene->add(0, makeCube(20, "another"));
+    EXPECT_EQ(describe(*scene, 0, 0), "");
+    EXPECT_EQ(describe(*scene, 10, 0), "point 10 0 1 – second");
+    EXPECT_EQ(describe(*scene, 20, 0), "");
+    EXPECT_TRUE(scene->getLook({0, 0}).isHidden);
+
+    auto* again = new DataScene({});
+    again->ref();
+    again->add(1, makeCube(0, "first"));
+    again->setLooks(scene->getLooks());
+    again->add(1, makeCube(10, "second"));
+    EXPECT_EQ(describe(*again, 0, 0), "");
+    EXPECT_EQ(describe(*again, 10, 0), "point 10 0 1 – second");
+    again->showOnly({});
+    EXPECT_EQ(describe(*again, 10, 0), "");
+    again->unref();
+
+    scene->showAll();
+    scene->add(0, makeCube(30, "the last"));
+    for (const int x : {0, 10, 20, 30})
+        EXPECT_NE(describe(*scene, float(x), 0), "") << x;
+    scene->unref();
+}
+
+TEST_F(DataSceneTest, WhatIsDeletedFromViewIsHiddenUntilAllIsShown)
+{
+    auto* scene = new DataScene({});
+    scene->ref();
+    scene->add(1, makeCube(0, "first"));
+    DataScene::Look look;
+    look.isDeleted = true;
+    scene->setLook({1, 0}, look);
+    EXPECT_EQ(describe(*scene, 0, 0), "");
+    scene->showOnly({{1, 0}});
+    EXPECT_EQ(describe(*scene, 0, 0), "");
+    scene->showAll();
+    EXPECT_EQ(describe(*scene, 0, 0), "point 0 0 1 – first");
+    EXPECT_FALSE(scene->getLook({1, 0}).isDeleted);
     scene->unref();
 }
 
@@ -284,7 +333,7 @@ TEST_F(DataSceneTest, APlaceHasTheNameAndTheLettersOfWhatIsShownNow)
 
     DataScene::Look look;
     look.name = "mine";
-    scene->setLook(1, 1, look);
+    scene->setLook({1, 1}, look);
     place = scene->renewed(place);
     EXPECT_EQ(place.name, "mine");
     scene->keepFirst(1, 1);

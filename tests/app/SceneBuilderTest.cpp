@@ -586,7 +586,7 @@ TEST_F(SceneBuilderTest, BasesWithoutAPairThatTheirUserNamesAreToldByThatAndThei
     ASSERT_TRUE(build(data)) << error;
     DataScene::Look look;
     look.name = "loose";
-    scene->setLook(loneBases, 0, look);
+    scene->setLook({loneBases, 0}, look);
     EXPECT_THAT(describe(20, 4), StartsWith("base C, "));
     EXPECT_THAT(describe(20, 4), EndsWith(" – loose, base 2"));
 }

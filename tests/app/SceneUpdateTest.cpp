@@ -890,10 +890,10 @@ TEST_F(SceneUpdateTest, WhatTheUserChangedOfADatumStaysInAnotherStyle)
     build(oneOfEach());
     DataScene::Look hidden;
     hidden.isHidden = true;
-    scene->setLook(RODS, 0, hidden);
+    scene->setLook({RODS, 0}, hidden);
     DataScene::Look red;
     red.colour = SbColor(1, 0, 0);
-    scene->setLook(BIRODS, 0, red);
+    scene->setLook({BIRODS, 0}, red);
     options.radius = 0.2;
     ASSERT_EQ(restyle(options, oneOfEach()), "");
     EXPECT_EQ(describe(1, 0), ""); // the rod

@@ -212,9 +212,9 @@ TEST_F(PlacePanelTest, APlaceOfWhatIsHiddenHasNoMark)
     openWithPanel(rodText(0));
     click(1, 0);
     ASSERT_TRUE(comesTo([this] { return countPixels(screen(), isYellow) > 20; }));
-    scene->setLook(0, 0, {true, {}, {}});
+    scene->setLook({0, 0}, {true, false, {}, {}});
     EXPECT_TRUE(comesTo([this] { return countPixels(screen(), isYellow) == 0; }));
-    scene->setLook(0, 0, {});
+    scene->setLook({0, 0}, {});
     EXPECT_TRUE(comesTo([this] { return countPixels(screen(), isYellow) > 20; }));
 }
 

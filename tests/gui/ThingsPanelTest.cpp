@@ -4,6 +4,8 @@
 
 #include <functional>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include <QAction>
 #include <QApplication>
@@ -46,6 +48,13 @@ std::string twoRods(double apart, const char* colour = "#ff0000")
     return R"("rods": [)" + rodAt(0, colour) + ", " + rodAt(apart, "#0000ff") + "]";
 }
 
+// And a green one.
+std::string threeRods()
+{
+    return R"("rods": [)" + rodAt(0, "#ff0000") + ", " + rodAt(1, "#0000ff") + ", " +
+           rodAt(2, "#00ff00") + "]";
+}
+
 std::string fileOf(const std::string& members) { return R"({"strandview": 1, )" + members + "}"; }
 
 // Of frames that have two rods each, which part; of so many one rod alone from then on.
@@ -82,6 +91,18 @@ protected:
         pressRealKey("t");
         ASSERT_TRUE(comesTo([this] { return list()->isVisible(); }));
         ASSERT_TRUE(comesTo([this] { return has(isRed) && has(isBlue); }));
+        ASSERT_TRUE(comesToRest());
+    }
+    // A panel slides into its place.
+    bool comesToRest() const
+    {
+        QRect last;
+        int same = 0;
+        return comesTo([&] {
+            const QRect now(list()->mapToGlobal({0, 0}), list()->size());
+            same = std::exchange(last, now) == now ? same + 1 : 0;
+            return same > 5;
+        });
     }
     void openRods(double apart) { openWithList(fileOf(twoRods(apart))); }
     void openSeries(int frames, int framesOfOne = 0)
@@ -92,19 +113,54 @@ protected:
     }
 
     QTreeView* list() const { return window->findChild<QTreeView*>("thingsList"); }
-    std::string name(int row) const
+    QModelIndex fileRow() const { return list()->model()->index(0, ThingsModel::NAME); }
+    // Of a thing of the first file.
+    QModelIndex rowOf(int row, int column = ThingsModel::NAME) const
     {
-        return list()->model()->index(row, ThingsModel::NAME).data().toString().toStdString();
+        return list()->model()->index(row, column, fileRow());
+    }
+    int rowCount() const { return list()->model()->rowCount(fileRow()); }
+    std::string name(int row) const { return rowOf(row).data().toString().toStdString(); }
+    std::string fullName(int row) const
+    {
+        return rowOf(row).data(Qt::ToolTipRole).toString().toStdString();
     }
     QPoint placeOf(int row, int column) const
     {
-        return list()->visualRect(list()->model()->index(row, column)).center();
+        return list()->visualRect(rowOf(row, column)).center();
     }
     void clickRow(int row) const { click(*list()->viewport(), placeOf(row, ThingsModel::NAME)); }
-    void clickTick(int row) const
+    void clickRowWith(const char* held, int row) const
     {
-        const QRect cell = list()->visualRect(list()->model()->index(row, ThingsModel::NAME));
+        const QPoint place = list()->viewport()->mapToGlobal(placeOf(row, ThingsModel::NAME));
+        clickRealButtonWith(held, place.x(), place.y());
+    }
+    void clickTickOf(const QModelIndex& row) const
+    {
+        const QRect cell = list()->visualRect(row);
         click(*list()->viewport(), {cell.left() + 10, cell.center().y()});
+    }
+    void clickTick(int row) const { clickTickOf(rowOf(row)); }
+    std::vector<int> chosenRows() const
+    {
+        std::vector<int> rows;
+        for (int row = 0; row < rowCount(); ++row)
+            if (list()->selectionModel()->isSelected(rowOf(row)))
+                rows.push_back(row);
+        return rows;
+    }
+    bool comesToChoose(const std::vector<int>& rows) const
+    {
+        return comesTo([&] { return chosenRows() == rows; });
+    }
+    // With clicks, one after the other.
+    void choose(const std::vector<int>& rows) const
+    {
+        clickRow(rows.front());
+        ASSERT_TRUE(comesToChoose({rows.front()}));
+        for (std::size_t i = 1; i < rows.size(); ++i)
+            clickRowWith("Control", rows[i]);
+        ASSERT_TRUE(comesToChoose(rows));
     }
     void doubleClick(int row, int column) const
     {
@@ -151,16 +207,32 @@ protected:
     {
         return comesTo([=] { return has(isRed) == red && has(isBlue) == blue; });
     }
+    bool comesToHave(bool red, bool blue, bool green) const
+    {
+        return comesToHave(red, blue) && comesTo([=] { return has(isGreen) == green; });
+    }
 };
 
 } // namespace
 
-TEST_F(ThingsPanelTest, HasARowForEachThingByItsName)
+TEST_F(ThingsPanelTest, HasARowForEachFileAndBelowForEachThingInIt)
 {
     openRods(1);
-    EXPECT_EQ(list()->model()->rowCount(), 2);
-    EXPECT_EQ(name(0), file + ": rods[0]");
-    EXPECT_EQ(name(1), file + ": rods[1]");
+    EXPECT_EQ(list()->model()->rowCount(), 1);
+    EXPECT_EQ(fileRow().data().toString().toStdString(), file);
+    ASSERT_EQ(rowCount(), 2);
+    EXPECT_EQ(name(0), "rods[0]");
+    EXPECT_EQ(name(1), "rods[1]");
+    EXPECT_EQ(fullName(1), file + ": rods[1]");
+    EXPECT_FALSE(list()->visualRect(rowOf(1)).isEmpty()) << "unfolded";
+
+    const std::string table = folder.write("rod.txt", "0 0 0\n1 0 0\n1 1 0\n");
+    window->openFiles({QString::fromStdString(table), QString::fromStdString(file)});
+    ASSERT_TRUE(comesTo([this] { return list()->model()->rowCount() == 2; }));
+    EXPECT_EQ(fileRow().data().toString().toStdString(), table);
+    EXPECT_EQ(rowCount(), 1);
+    EXPECT_EQ(name(0), "rod 1");
+    EXPECT_EQ(fullName(0), table + ":1: rod 1");
     pressRealKey("t");
     EXPECT_TRUE(comesTo([this] { return !list()->isVisible(); }));
 }
@@ -176,6 +248,105 @@ TEST_F(ThingsPanelTest, ATickHidesAThingAndShowsItAgain)
     EXPECT_TRUE(comesToHave(false, false));
     press("showAllButton");
     EXPECT_TRUE(comesToHave(true, true));
+    clickTickOf(fileRow());
+    EXPECT_TRUE(comesToHave(false, false));
+    clickTick(1);
+    EXPECT_TRUE(comesToHave(false, true));
+    EXPECT_EQ(fileRow().data(Qt::CheckStateRole), Qt::PartiallyChecked);
+    clickTickOf(fileRow());
+    EXPECT_TRUE(comesToHave(true, true));
+}
+
+TEST_F(ThingsPanelTest, SeveralAreChosenWithCtrlAndShiftAndHiddenAtOnce)
+{
+    openWithList(fileOf(threeRods()));
+    clickRow(0);
+    EXPECT_TRUE(comesToChoose({0}));
+    clickRowWith("Shift", 2);
+    EXPECT_TRUE(comesToChoose({0, 1, 2}));
+    clickRowWith("Control", 1);
+    ASSERT_TRUE(comesToChoose({0, 2}));
+    clickTick(0);
+    EXPECT_TRUE(comesToHave(false, true, false));
+    EXPECT_EQ(chosenRows(), std::vector<int>({0, 2}));
+    clickTick(1); // beside what is chosen
+    EXPECT_TRUE(comesToHave(false, false, false));
+    clickTick(2);
+    EXPECT_TRUE(comesToHave(true, false, true));
+}
+
+TEST_F(ThingsPanelTest, WhatIsChosenIsShownAlone)
+{
+    openWithList(fileOf(threeRods()));
+    press("onlyButton");
+    QTest::qWait(200);
+    EXPECT_TRUE(has(isRed)) << "nothing is chosen";
+    choose({0, 2});
+    press("onlyButton");
+    EXPECT_TRUE(comesToHave(true, false, true));
+    choose({1});
+    press("onlyButton");
+    EXPECT_TRUE(comesToHave(false, true, false));
+    press("showAllButton");
+    EXPECT_TRUE(comesToHave(true, true, true));
+}
+
+TEST_F(ThingsPanelTest, WhatComesInOtherFramesIsHiddenBesideWhatIsShownAlone)
+{
+    openSeries(1, 1);
+    pressRealKey("Control+End");
+    ASSERT_TRUE(comesToHave(true, false));
+    choose({0});
+    press("onlyButton");
+    QTest::qWait(100);
+    pressRealKey("Control+Home");
+    ASSERT_TRUE(comesTo([this] { return rowCount() == 2; }));
+    QTest::qWait(200);
+    EXPECT_TRUE(comesToHave(true, false));
+    EXPECT_EQ(rowOf(1).data(Qt::CheckStateRole), Qt::Unchecked);
+    press("showAllButton");
+    EXPECT_TRUE(comesToHave(true, true));
+}
+
+TEST_F(ThingsPanelTest, WhatIsDeletedFromViewHasNoRowUntilAllIsShown)
+{
+    openWithList(fileOf(threeRods()));
+    choose({0, 1});
+    pressRealKey("Delete");
+    EXPECT_TRUE(comesToHave(false, false, true));
+    ASSERT_EQ(rowCount(), 1);
+    EXPECT_EQ(name(0), "rods[2]");
+    folder.write("rods.json", fileOf(threeRods() + R"(, "frames": [{"point": [0, 3, 0],
+                                                   "quaternion": [0, 0, 0, 1], "size": 0.1}])"));
+    pressRealKey("F5");
+    ASSERT_TRUE(comesTo([this] { return rowCount() == 2; }));
+    EXPECT_EQ(name(1), "frames[0]");
+    QTest::qWait(100);
+    EXPECT_TRUE(comesToHave(false, false, true));
+    clickTick(0);
+    EXPECT_TRUE(comesToHave(false, false, false));
+    press("showAllButton");
+    EXPECT_TRUE(comesToHave(true, true, true));
+    EXPECT_EQ(rowCount(), 4);
+}
+
+TEST_F(ThingsPanelTest, WhatIsHiddenAndWhatIsChosenStaysSoInOtherFrames)
+{
+    openSeries(2, 1);
+    clickTick(0);
+    ASSERT_TRUE(comesToHave(false, true));
+    choose({0});
+    pressRealKey("Control+End"); // there the other rod is no more
+    ASSERT_TRUE(comesTo([this] { return rowCount() == 1; }));
+    QTest::qWait(200);
+    EXPECT_TRUE(comesToHave(false, false));
+    EXPECT_EQ(chosenRows(), std::vector<int>({0}));
+    clickTick(0);
+    EXPECT_TRUE(comesToHave(true, false));
+    pressRealKey("Control+Home");
+    ASSERT_TRUE(comesTo([this] { return rowCount() == 2; }));
+    EXPECT_TRUE(comesToHave(true, true));
+    EXPECT_EQ(chosenRows(), std::vector<int>({0}));
 }
 
 TEST_F(ThingsPanelTest, WhatIsHiddenStaysSoWhenTheFilesAreReadAgain)
@@ -244,7 +415,7 @@ TEST_F(ThingsPanelTest, AnEditorThatIsLeftAsItWasGivesNoName)
     ASSERT_TRUE(comesTo([this] { return player()->getFrame() == 1; }));
     pressRealKey("Return");
     ASSERT_TRUE(comesTo([this] { return !editor(); }));
-    EXPECT_EQ(name(0), file + ": series[1].rods[0]");
+    EXPECT_EQ(name(0), "series[1].rods[0]");
 }
 
 TEST_F(ThingsPanelTest, ThePanelOfNumbersTellsTheNameOfTheFrameThatIsShown)
@@ -272,23 +443,24 @@ TEST_F(ThingsPanelTest, TheColourOfWhatIsChosenIsSeen)
 {
     openRods(1);
     clickRow(0);
-    ASSERT_TRUE(comesTo([this] { return list()->currentIndex().row() == 0; }));
+    ASSERT_TRUE(comesTo([this] { return list()->currentIndex() == rowOf(0); }));
     const auto isPureRed = [](const QColor& c) { return c == QColor(255, 0, 0); };
     QTest::qWait(200); // until the choice is drawn
     const QWidget& rows = *list()->viewport();
     const QImage shown = keepIfFailed(rows.screen()->grabWindow(rows.winId()).toImage());
-    const QRect cell = list()->visualRect(list()->model()->index(0, ThingsModel::COLOUR));
+    const QRect cell = list()->visualRect(rowOf(0, ThingsModel::COLOUR));
     EXPECT_GT(countPixels(shown.copy(cell), isPureRed), 200);
 }
 
 TEST_F(ThingsPanelTest, TheMenuOfAThingThatIsGoneDoesNothing)
 {
     openSeries(2, 1);
-    for (const char* text : {"Centre the view on it", "Rename", "Colour..."}) {
+    for (const char* text :
+         {"Centre the view on it", "Hide", "Rename", "Colour...", "Delete from view"}) {
         QMenu* const menu = menuOf(1);
         ASSERT_NE(menu, nullptr);
         player()->goTo(2);
-        ASSERT_TRUE(comesTo([this] { return list()->model()->rowCount() == 1; }));
+        ASSERT_TRUE(comesTo([this] { return rowCount() == 1; }));
         const CameraNumbers before = window->getCameraNumbers();
         choose(*menu, text);
         ASSERT_TRUE(comesTo([] { return !QApplication::activePopupWidget(); })) << text;
@@ -297,7 +469,7 @@ TEST_F(ThingsPanelTest, TheMenuOfAThingThatIsGoneDoesNothing)
         EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
         EXPECT_TRUE(window->getCameraNumbers() == before);
         player()->goTo(0);
-        ASSERT_TRUE(comesTo([this] { return list()->model()->rowCount() == 2; }));
+        ASSERT_TRUE(comesTo([this] { return rowCount() == 2; }));
     }
 }
 
