@@ -134,7 +134,7 @@ std::string addComparison(Configuration& configuration, const Configuration& ref
 
 ComparedSeries::ComparedSeries(std::unique_ptr<Series> seriesToCompare,
                                std::optional<Configuration> configurationToCompareWith)
-    : series(std::move(seriesToCompare)), reference(std::move(configurationToCompareWith))
+    : SeriesAround(std::move(seriesToCompare)), reference(std::move(configurationToCompareWith))
 {}
 
 LoadedFrame ComparedSeries::loadFrame(std::size_t frame, const GoOn& goOn)

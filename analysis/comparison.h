@@ -11,7 +11,7 @@
 #include <strandview/analysis/scalars.h>
 #include <strandview/analysisExport.h>
 #include <strandview/model/Configuration.h>
-#include <strandview/model/Series.h>
+#include <strandview/model/SeriesAround.h>
 
 namespace strandview {
 
@@ -41,23 +41,15 @@ STRANDVIEW_ANALYSIS_EXPORT std::string addComparison(Configuration& configuratio
 
 /// A series whose frames are compared with a configuration, or without one with the first frame of
 /// the series that can be loaded, of the first hundred.
-class STRANDVIEW_ANALYSIS_EXPORT ComparedSeries : public Series
+class STRANDVIEW_ANALYSIS_EXPORT ComparedSeries : public SeriesAround
 {
 public:
     ComparedSeries(std::unique_ptr<Series> seriesToCompare,
                    std::optional<Configuration> configurationToCompareWith);
 
-    std::size_t count() const override { return series->count(); }
-    std::optional<double> time(std::size_t frame) const override { return series->time(frame); }
-
 private:
-    bool findMore(const GoOn& goOn, std::vector<std::string>& notices) override
-    {
-        return series->lookForMore(goOn, &notices);
-    }
     LoadedFrame loadFrame(std::size_t frame, const GoOn& goOn) override;
 
-    const std::unique_ptr<Series> series;
     std::optional<Configuration> reference; ///< once it was needed
 };
 

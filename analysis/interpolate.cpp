@@ -257,7 +257,7 @@ std::optional<Configuration> interpolate(const Configuration& from, const Config
 
 InterpolatedSeries::InterpolatedSeries(std::unique_ptr<Series> seriesToFill,
                                        std::size_t framesBetween)
-    : series(std::move(seriesToFill)), steps(framesBetween + 1)
+    : SeriesAround(std::move(seriesToFill)), steps(framesBetween + 1)
 {}
 
 std::size_t InterpolatedSeries::count() const

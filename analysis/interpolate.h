@@ -10,7 +10,7 @@
 
 #include <strandview/analysisExport.h>
 #include <strandview/model/Configuration.h>
-#include <strandview/model/Series.h>
+#include <strandview/model/SeriesAround.h>
 
 namespace strandview {
 
@@ -33,7 +33,7 @@ interpolate(const Configuration& from, const Configuration& to, double share, st
 /// k (steps + 1) is frame k of that one. A frame between two that interpolate() refuses fails as
 /// "between frames 3 and 4: found ...", counted as in the other series; one beside a frame that
 /// cannot be loaded, as that one does.
-class STRANDVIEW_ANALYSIS_EXPORT InterpolatedSeries : public Series
+class STRANDVIEW_ANALYSIS_EXPORT InterpolatedSeries : public SeriesAround
 {
 public:
     InterpolatedSeries(std::unique_ptr<Series> seriesToFill, std::size_t framesBetween);
@@ -52,14 +52,9 @@ private:
         LoadedFrame loaded;
     };
 
-    bool findMore(const GoOn& goOn, std::vector<std::string>& notices) override
-    {
-        return series->lookForMore(goOn, &notices);
-    }
     LoadedFrame loadFrame(std::size_t frame, const GoOn& goOn) override;
     const LoadedFrame& loadEnd(std::size_t frame, const GoOn& goOn);
 
-    const std::unique_ptr<Series> series;
     const std::size_t steps; ///< from a frame to the next one
     /// The last two that were loaded, for the next frames between them: even and odd ones.
     std::array<std::optional<End>, 2> ends;

@@ -63,7 +63,7 @@ std::string toldPairedAlone(const std::string& fileName, std::size_t frame)
 
 PairKeepingSeries::PairKeepingSeries(std::unique_ptr<Series> seriesToLoad,
                                      std::shared_ptr<KeptPairs> pairsOfIt)
-    : series(std::move(seriesToLoad)), pairs(std::move(pairsOfIt))
+    : SeriesAround(std::move(seriesToLoad)), pairs(std::move(pairsOfIt))
 {}
 
 LoadedFrame PairKeepingSeries::loadFrame(std::size_t frame, const GoOn& goOn)

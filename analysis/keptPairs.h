@@ -11,7 +11,7 @@
 
 #include <strandview/analysis/helices.h>
 #include <strandview/analysisExport.h>
-#include <strandview/model/Series.h>
+#include <strandview/model/SeriesAround.h>
 
 namespace strandview {
 
@@ -64,24 +64,16 @@ STRANDVIEW_ANALYSIS_EXPORT std::string toldPairedAlone(const std::string& fileNa
 
 /// A series whose readers keep pairs: those of the first frame that can be loaded, of the first
 /// hundred, whichever frame is loaded first.
-class STRANDVIEW_ANALYSIS_EXPORT PairKeepingSeries : public Series
+class STRANDVIEW_ANALYSIS_EXPORT PairKeepingSeries : public SeriesAround
 {
 public:
     PairKeepingSeries(std::unique_ptr<Series> seriesToLoad, std::shared_ptr<KeptPairs> pairsOfIt);
 
-    std::size_t count() const override { return series->count(); }
-    std::optional<double> time(std::size_t frame) const override { return series->time(frame); }
-
 private:
-    bool findMore(const GoOn& goOn, std::vector<std::string>& notices) override
-    {
-        return series->lookForMore(goOn, &notices);
-    }
     LoadedFrame loadFrame(std::size_t frame, const GoOn& goOn) override;
     LoadedFrame loadKeeping(std::size_t frame, const GoOn& goOn);
     void findPairs(const GoOn& goOn);
 
-    const std::unique_ptr<Series> series;
     const std::shared_ptr<KeptPairs> pairs;
     bool hasSearched = false; ///< for the first frame that can be loaded
 };

@@ -138,7 +138,7 @@ std::optional<ReferenceFrame> findReference(Series& series, const Series::GoOn& 
 }
 
 SuperposedSeries::SuperposedSeries(std::unique_ptr<Series> seriesToMove)
-    : series(std::move(seriesToMove))
+    : SeriesAround(std::move(seriesToMove))
 {}
 
 LoadedFrame SuperposedSeries::loadFrame(std::size_t frame, const GoOn& goOn)

@@ -8,7 +8,7 @@
 #include <strandview/analysis/fitFrame.h>
 #include <strandview/analysisExport.h>
 #include <strandview/model/Configuration.h>
-#include <strandview/model/Series.h>
+#include <strandview/model/SeriesAround.h>
 
 namespace strandview {
 
@@ -34,22 +34,14 @@ STRANDVIEW_ANALYSIS_EXPORT std::optional<ReferenceFrame> findReference(Series& s
 /// A series with each frame superposed on the first one that can be loaded, of the first hundred,
 /// which stays as it is, bit for bit. A frame that has nothing in common with it stays where it is,
 /// with a notice. It asks goOn between its steps, too.
-class STRANDVIEW_ANALYSIS_EXPORT SuperposedSeries : public Series
+class STRANDVIEW_ANALYSIS_EXPORT SuperposedSeries : public SeriesAround
 {
 public:
     explicit SuperposedSeries(std::unique_ptr<Series> seriesToMove);
 
-    std::size_t count() const override { return series->count(); }
-    std::optional<double> time(std::size_t frame) const override { return series->time(frame); }
-
 private:
-    bool findMore(const GoOn& goOn, std::vector<std::string>& notices) override
-    {
-        return series->lookForMore(goOn, &notices);
-    }
     LoadedFrame loadFrame(std::size_t frame, const GoOn& goOn) override;
 
-    const std::unique_ptr<Series> series;
     std::optional<ReferenceFrame> reference; ///< once it was needed
 };
 

@@ -27,6 +27,7 @@
 #include <strandview/formats/text/fields.h>
 #include <strandview/formats/text/numbers.h>
 #include <strandview/formats/text/wording.h>
+#include <strandview/formats/timeColumns.h>
 #include <strandview/formats/wideRows.h>
 
 namespace strandview {
@@ -246,19 +247,19 @@ struct Layout
     std::optional<WideColumns> wide = {};
 };
 
-/// The columns that may tell frames apart: the first of these names that there is. A T is a
-/// temperature.
+/// The column that may tell frames apart: of the name that goes first.
 std::size_t timeColumnOf(const Columns& columns)
 {
-    const auto isNamed = [&columns](std::size_t column, const std::string& name) {
-        const std::string_view written = withoutUnit(columns.names[column]);
-        return name == "t" ? written == name : inSmallLetters(written) == name;
-    };
-    for (const char* name : {"t", "time", "frame"})
-        for (const std::size_t column : columns.others)
-            if (isNamed(column, name))
-                return column;
-    return NO_COLUMN;
+    std::size_t found = NO_COLUMN;
+    TimeName best = TimeName::NONE;
+    for (const std::size_t column : columns.others) {
+        const TimeName name = timeNameOf(columns.names[column]);
+        if (name < best) {
+            best = name;
+            found = column;
+        }
+    }
+    return found;
 }
 
 /// A field without a number, as it stands there.
@@ -1163,7 +1164,7 @@ private:
         layout = std::move(*found);
         timeColumn = timeColumnOf(layout.columns);
         areTimesNumbers = timeColumn != NO_COLUMN &&
-                          inSmallLetters(withoutUnit(layout.columns.names[timeColumn])) == "frame";
+                          timeNameOf(layout.columns.names[timeColumn]) == TimeName::FRAME;
         if (layout.wide || options.frameRows > 0)
             countRows(options.frameRows);
         if (layout.wide && options.frameRows > 1)

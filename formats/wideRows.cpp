@@ -8,6 +8,7 @@
 #include <strandview/formats/text/encoding.h>
 #include <strandview/formats/text/fields.h>
 #include <strandview/formats/text/wording.h>
+#include <strandview/formats/timeColumns.h>
 
 namespace strandview {
 
@@ -55,25 +56,17 @@ std::size_t countPoints(const std::vector<std::string_view>& header, std::size_t
     return count;
 }
 
-/// Whether it may be a time, and whether it comes before any other: 1 for "t"; else 0.
-std::size_t rankOfTime(std::string_view field)
-{
-    field = withoutUnit(field);
-    const std::string lower = inSmallLetters(field);
-    return field == "t" ? 1 : lower == "time" ? 2 : lower == "frame" ? 3 : 0;
-}
-
 void findTime(const std::vector<std::string_view>& header, WideColumns& columns)
 {
-    std::size_t best = 0;
+    TimeName best = TimeName::NONE;
     for (std::size_t column = 0; column < header.size(); ++column) {
-        const std::size_t rank = columns.hasCoordinate(column) ? 0 : rankOfTime(header[column]);
-        if (rank == 0 || (best > 0 && rank >= best))
+        const TimeName name = timeNameOf(header[column]);
+        if (columns.hasCoordinate(column) || name >= best)
             continue;
-        best = rank;
+        best = name;
         columns.time = column;
     }
-    columns.isTimeNumber = best == 3;
+    columns.isTimeNumber = best == TimeName::FRAME;
 }
 
 } // namespace

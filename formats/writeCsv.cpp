@@ -20,6 +20,7 @@
 #include <strandview/formats/text/fields.h>
 #include <strandview/formats/text/numbers.h>
 #include <strandview/formats/text/wording.h>
+#include <strandview/formats/timeColumns.h>
 
 namespace strandview {
 
@@ -37,10 +38,7 @@ bool isOneOf(const std::string& name, std::initializer_list<const char*> names)
 
 bool hasFrames(const Track& track) { return !track.rod || track.rod->hasFrames; }
 
-bool isNameOfTime(const std::string& name)
-{
-    return isOneOf(inSmallLetters(withoutUnit(name)), {"t", "time", "frame"});
-}
+bool isNameOfTime(const std::string& name) { return timeNameOf(name) != TimeName::NONE; }
 
 /// Whether a reader would take rows of one value for a frame: it changes, and no value but the last
 /// stands in one row alone.

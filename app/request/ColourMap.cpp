@@ -3,8 +3,9 @@
 #include "request/ColourMap.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cstdint>
+
+#include <strandview/formats/text/encoding.h>
 
 namespace strandview {
 
@@ -121,13 +122,6 @@ Colour toColour(std::uint32_t rgb)
     return {part(16), part(8), part(0)};
 }
 
-std::string inLowerCase(std::string text)
-{
-    for (char& c : text)
-        c = char(std::tolower(static_cast<unsigned char>(c)));
-    return text;
-}
-
 // Of a name in lower case; "gray" is its American spelling.
 const NamedMap* find(const std::string& name)
 {
@@ -147,7 +141,7 @@ bool endsWith(const std::string& text, const std::string& end)
 
 std::optional<ColourMap> findColourMap(const std::string& name)
 {
-    std::string wanted = inLowerCase(name);
+    std::string wanted = inSmallLetters(name);
     const std::string reversed = "_r";
     const bool isReversed = endsWith(wanted, reversed);
     if (isReversed)

@@ -179,6 +179,11 @@ Dna dnaOf(const std::string& letters)
     return dna;
 }
 
+std::unique_ptr<Series> seriesOf(std::vector<Configuration> frames, Values times)
+{
+    return std::make_unique<MemorySeries>(std::move(frames), std::move(times));
+}
+
 // ---- One rod
 
 TEST(WriteCsv, ARodIsAHeaderItsTitleAndARowForEachPoint)
@@ -305,6 +310,18 @@ TEST(WriteCsv, ATimeAlongRodsIsAScalarAndOneOfEachRodMakesNoFrames)
     const Configuration back = onlyFrameOf(written({{first, second}}).text);
     ASSERT_EQ(back.rods.size(), 2u);
     EXPECT_THAT(findIn(back.rods[1], "t_")->values, ElementsAre(2, 2, 2));
+}
+
+TEST(WriteCsv, ATemperatureOfFramesKeepsItsName)
+{
+    Rod rod = helix(3);
+    rod.scalars = {{"T", {300, 301, 302}}};
+    const auto series = seriesOf({{{rod}}, {{rod}}}, {});
+    const Written csv = written(*series);
+    EXPECT_THAT(csv.header(), HasSubstr(",T,"));
+    EXPECT_THAT(csv.report.notices, IsEmpty());
+    EXPECT_THAT(findIn(readBack(csv.text)->load(1).configuration->rods[0], "T")->values,
+                ElementsAre(300, 301, 302));
 }
 
 // ---- Several lines
@@ -454,11 +471,6 @@ TEST(WriteCsv, ASinkThatTakesNoMoreEndsIt)
 }
 
 // ---- Series
-
-std::unique_ptr<Series> seriesOf(std::vector<Configuration> frames, Values times)
-{
-    return std::make_unique<MemorySeries>(std::move(frames), std::move(times));
-}
 
 TEST(WriteCsv, FramesHaveTheirNumberAndTimeAndAreReadBackOneByOne)
 {

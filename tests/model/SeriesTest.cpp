@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <strandview/model/MemorySeries.h>
+#include <strandview/model/SeriesAround.h>
 
 #include <gmock/gmock.h>
 
@@ -51,6 +52,46 @@ TEST(Series, LoadsAnyFrameAsOftenAsWanted)
     EXPECT_EQ(series.loads, 3) << "nothing is held";
     EXPECT_EQ(series.load(1).error, "no frame 1");
     EXPECT_TRUE(series.load(2).configuration) << "after one that failed";
+}
+
+TEST(Series, ThatIsAroundAnotherHasAsManyFramesWithTheirTimesAndFindsMoreWhereThatDoes)
+{
+    class Growing : public CountingSeries
+    {
+    public:
+        std::size_t count() const override { return known; }
+        std::optional<double> time(std::size_t frame) const override { return 0.5 * double(frame); }
+
+    private:
+        bool findMore(const GoOn&, std::vector<std::string>& notices) override
+        {
+            notices.push_back("one more");
+            return ++known < 3;
+        }
+        std::size_t known = 1;
+    };
+    class Marked : public SeriesAround
+    {
+    public:
+        explicit Marked(std::unique_ptr<Series> inner) : SeriesAround(std::move(inner)) {}
+
+    private:
+        LoadedFrame loadFrame(std::size_t frame, const GoOn& goOn) override
+        {
+            LoadedFrame loaded = series->load(frame, goOn);
+            loaded.notices.push_back("marked");
+            return loaded;
+        }
+    };
+    Marked marked(std::make_unique<Growing>());
+    EXPECT_EQ(marked.count(), 1u);
+    std::vector<std::string> notices;
+    EXPECT_TRUE(marked.lookForMore({}, &notices));
+    EXPECT_FALSE(marked.lookForMore({}, &notices));
+    EXPECT_THAT(notices, testing::ElementsAre("one more", "one more"));
+    EXPECT_EQ(marked.count(), 3u);
+    EXPECT_EQ(marked.time(2), 1);
+    EXPECT_THAT(marked.load(2).notices, testing::ElementsAre("loaded", "marked"));
 }
 
 TEST(Series, AFrameThatThereIsNotIsAnError)
