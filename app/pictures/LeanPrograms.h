@@ -18,7 +18,7 @@ namespace strandview {
 /// by what it was worth: a software driver works out both sides of every condition. So are the
 /// directions of lights, whose length it would bring to 1 in every pixel, and powers whose
 /// exponents are whole, which it would take by logarithms. Pixels are the same, but for what is
-/// rounded in powers: few in a million are one of 255 levels brighter or darker.
+/// rounded in powers: fewer than twenty in a million are one of 255 levels brighter or darker.
 class LeanPrograms
 {
 public:

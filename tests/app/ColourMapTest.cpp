@@ -203,7 +203,16 @@ TEST(ColourMap, OfSignedValuesIsADivergingOneUnlessAskedFor)
 {
     EXPECT_FALSE(defaultColourMap(false).isDiverging);
     EXPECT_TRUE(defaultColourMap(true).isDiverging);
-    EXPECT_EQ(findColourMap(DEFAULT_MAP)->colours.size(), defaultColourMap(false).colours.size());
+    const auto expectEnds = [](const ColourMap& map, const Rgb& first, const Rgb& last) {
+        const auto expectEnd = [](const Colour& colour, const Rgb& expected) {
+            expectColour({double(colour.red), double(colour.green), double(colour.blue)}, expected,
+                         1);
+        };
+        expectEnd(map.colours.front(), first);
+        expectEnd(map.colours.back(), last);
+    };
+    expectEnds(defaultColourMap(false), {68, 1, 84}, {253, 231, 37}); // viridis
+    expectEnds(defaultColourMap(true), {59, 76, 192}, {180, 4, 38});  // coolwarm
 }
 
 } // namespace

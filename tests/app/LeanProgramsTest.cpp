@@ -31,7 +31,7 @@ using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
 
-const int WIDTH = 90, HEIGHT = 60;
+const int WIDTH = 900, HEIGHT = 600;
 
 // What the lighting dialog edits.
 struct Lighting
@@ -46,7 +46,7 @@ struct Lighting
     SoShaderParameterArray1f* shininess = nullptr;
 };
 
-// By one level, in less than one sample of a hundred.
+// By one level, in fewer than twenty samples of a million.
 MATCHER_P(isAbout, expected, "")
 {
     const auto level = [](std::uint32_t sample, int byte) {
@@ -61,7 +61,7 @@ MATCHER_P(isAbout, expected, "")
         }
     }
     *result_listener << different << " are different";
-    return arg.size() == expected.size() && different < expected.size() / 100;
+    return arg.size() == expected.size() && different < 20 * expected.size() / 1'000'000;
 }
 
 // Two spheres, the one lit and the other plain, before black.
