@@ -55,7 +55,10 @@ PlacePanel::PlacePanel(QWidget* parent)
 
 void PlacePanel::tell(const std::vector<NumberTable>& tables)
 {
-    text = QString::fromStdString(textOf(tables));
+    const QString next = QString::fromStdString(textOf(tables));
+    if (next == text && !page->document()->isEmpty()) // what is selected stays so
+        return;
+    text = next;
     copyButton->setEnabled(!tables.empty());
     const int line = page->verticalScrollBar()->value(),
               column = page->horizontalScrollBar()->value();

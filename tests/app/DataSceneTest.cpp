@@ -344,6 +344,24 @@ TEST_F(DataSceneTest, APlaceHasTheNameAndTheLettersOfWhatIsShownNow)
     scene->unref();
 }
 
+TEST_F(DataSceneTest, LooksAreThoseOfThingsByTheirKind)
+{
+    auto* scene = new DataScene({});
+    scene->ref();
+    for (const ThingKind kind : {ThingKind::ROD, ThingKind::LONE_BASES}) {
+        ShownDatum datum = makeCube(0, "a thing");
+        datum.kind = kind;
+        scene->add(kind == ThingKind::ROD ? 2 : 3, datum);
+    }
+    scene->setLook(2, 0, {false, "arm", {}});
+    scene->setLook(3, 0, {true, {}, {}});
+    EXPECT_EQ(scene->lookOf(ThingKind::ROD, 0).name, "arm");
+    EXPECT_FALSE(scene->lookOf(ThingKind::ROD, 1).name);
+    EXPECT_TRUE(scene->lookOf(ThingKind::LONE_BASES, 7).isHidden) << "they are one thing";
+    EXPECT_FALSE(scene->lookOf(ThingKind::BIROD, 0).isHidden);
+    scene->unref();
+}
+
 TEST_F(DataSceneTest, DrawsRodsThatAreThereAndThatComeCoarselyIfAsked)
 {
     const auto makeRod = [] {

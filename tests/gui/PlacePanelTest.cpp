@@ -218,6 +218,23 @@ TEST_F(PlacePanelTest, APlaceOfWhatIsHiddenHasNoMark)
     EXPECT_TRUE(comesTo([this] { return countPixels(screen(), isYellow) > 20; }));
 }
 
+TEST_F(PlacePanelTest, WhatIsSelectedStaysSoWhileItsNumbersAreTheSame)
+{
+    openWithPanel(rodText(0) + "\n\n" + rodText(0.5));
+    ASSERT_NE(player(), nullptr);
+    ASSERT_TRUE(comesTo([this] { return player()->isStaged(); }));
+    ASSERT_TRUE(comesToBePainted());
+    click(3, 0);
+    ASSERT_TRUE(comesToTell("rod 1"));
+    page()->selectAll();
+    scene->setLook(0, 0, {false, {}, SbColor(1, 0, 0)});
+    QTest::qWait(500); // until it would be told again
+    EXPECT_TRUE(page()->textCursor().hasSelection());
+    pressRealKey("period");
+    EXPECT_TRUE(comesToTell("point\t3\t0.5\t0\n"));
+    EXPECT_FALSE(page()->textCursor().hasSelection());
+}
+
 TEST_F(PlacePanelTest, TheTextIsCopiedByItsButtonAndByTheUsualKeys)
 {
     openWithPanel(rodText(0));
