@@ -735,8 +735,8 @@ void MainWindow::showStyle(Restyler::Result& result)
     for (LightingDialog* lights : findChildren<LightingDialog*>())
         lights->updateGUIFromShaders(); // highlights come and go with colours of data
     things->follow();
-    curves->showData(scene->getData(), scene->getStyle(), player ? player->getFrame() : 0,
-                     CurvePanel::NEXT_FRAME);
+    places->follow();
+    curves->followLooks();
     tellStyle();
     followViewer();
 }

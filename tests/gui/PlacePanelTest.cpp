@@ -227,7 +227,7 @@ TEST_F(PlacePanelTest, WhatIsSelectedStaysSoWhileItsNumbersAreTheSame)
     click(3, 0);
     ASSERT_TRUE(comesToTell("rod 1"));
     page()->selectAll();
-    scene->setLook(0, 0, {false, {}, SbColor(1, 0, 0)});
+    scene->setLook({0, 0}, {false, false, {}, SbColor(1, 0, 0)});
     QTest::qWait(500); // until it would be told again
     EXPECT_TRUE(page()->textCursor().hasSelection());
     pressRealKey("period");
