@@ -370,11 +370,12 @@ void CifIndex::beginFrame(const Where& where)
 /// another one than the lines around: one of them has too few values, or too many.
 void CifIndex::endLine(std::string_view line, bool wasAmongAtoms)
 {
-    if (!wasAmongAtoms || modelColumn == NO_COLUMN)
+    if (!wasAmongAtoms || modelColumn == NO_COLUMN || (words == 0 && !hasFaultAtEnd))
         return;
     const bool isWhole = words == table.tags.size();
-    if (isAmongAtoms() && firstColumn == 0 && isWhole) {
-        areRowsLines = next == 0;
+    if (isAmongAtoms() && firstColumn == 0 && (isWhole || next == 0) && !hasFaultAtEnd) {
+        if (isWhole)
+            areRowsLines = next == 0;
         stray.model.clear();
         return;
     }

@@ -124,6 +124,8 @@ bool areQuotesClosed(const RowBits& bits, std::string_view line)
     return true;
 }
 
+constexpr std::size_t KEYWORD_OF_TABLE = 5; // letters of loop_ and stop_
+
 bool hasPrefix(std::string_view word, std::string_view small)
 {
     return word.size() >= small.size() && inSmallLetters(word.substr(0, small.size())) == small;
@@ -216,6 +218,10 @@ CifWord nextCifWord(std::string_view line, std::size_t& place)
         return end == line.npos ? upTo(CifKind::WRONG, line.size()) : upTo(CifKind::VALUE, end);
     }
     const std::size_t end = skipPrinted(line, begin);
+    const std::string_view keyword = line.substr(begin, KEYWORD_OF_TABLE);
+    if (end > begin + KEYWORD_OF_TABLE && line[begin + KEYWORD_OF_TABLE] == '#' &&
+        (hasPrefix(keyword, "loop_") || hasPrefix(keyword, "stop_"))) // a comment needs no blank
+        return upTo(kindOfWord(keyword), begin + KEYWORD_OF_TABLE);
     const bool isWhole =
         end > begin && (end == line.size() || cifCharacterOf(line[end]) == Character::BLANK);
     return isWhole ? upTo(kindOfWord(line.substr(begin, end - begin)), end)

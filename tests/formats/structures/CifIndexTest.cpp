@@ -140,17 +140,27 @@ TEST(CifIndex, EachFrameIsTheModelThatTheReaderOfAllModelsHas)
     const std::string other =
         "loop_\n_other.id\n_other.text\n1\n;loop_\ndata_x\n;\n2 'a data_ b'\n";
     for (const std::string& one :
-         {text, replaced(text, "\n", "\r\n"), replaced(text, " ", "\n"), inOneLine(text),
+         {text,
+          replaced(text, "\n", "\r\n"),
+          replaced(text, " ", "\n"),
+          inOneLine(text),
           replaced(text, "\n", "\r"),
           replaced("# a comment\ndata_a\n" + other + "_some.text\n;\nATOM\n;\n" + body, "\n", "\r"),
-          replaced(text, "ATOM ", "\n#\nATOM # of a row\n"), replaced(text, " 1\n", " .\n"),
-          replaced(text, " 2\n", "\n;2\n;\n"), replaced(text, " 2\n", " '2'\n"),
-          replaced(text, " 2\n", " B\n"), replaced(text, " 3\n", " 1\n"),
+          replaced(text, "ATOM ", "\n#\nATOM # of a row\n"),
+          replaced(text, " 1\n", " .\n"),
+          replaced(text, " 2\n", "\n;2\n;\n"),
+          replaced(text, " 2\n", " '2'\n"),
+          replaced(text, " 2\n", " B\n"),
+          replaced(text, " 3\n", " 1\n"),
           "\xEF\xBB\xBF# a comment\nDATA_x\n" + other + text,
           "data_a\n" + other + "_some.text\n;\nATOM\n;\n" + body + "stop_\n_last.tag 'x\ty'\n",
           text + "loop_\n_other.a\n_other.b\n1 2 3 4\ndata_second\n" + body + "'",
           "data_a\n_a.b c\nsave_frame\n" + other + "save_\n" + body + "save_other\n_x.y z\nsave_\n",
-          text + "global_\n" + body, text + body, text.substr(0, text.size() - 3)}) {
+          std::string(text).insert(firstRowOf(text, 1), "# "), // a model's first row
+          replaced(text, "loop_\n", "loop_# of atoms\n"),
+          text + "global_\n" + body,
+          text + body,
+          text.substr(0, text.size() - 3)}) {
         SCOPED_TRACE(one.substr(0, 1000));
         const ReadWhole expected = readWhole(one);
         ASSERT_EQ(expected.error, "");

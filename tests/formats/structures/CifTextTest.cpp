@@ -60,6 +60,11 @@ TEST(CifText, WordsAreToldByTheirForm)
              {"a\x80", CifKind::WRONG},    {"\x01", CifKind::WRONG},  {"a_b", CifKind::VALUE},
              {"lo;op", CifKind::VALUE},    {"loops", CifKind::VALUE}})
         EXPECT_EQ(wordsOf(text).at(0).first, kind) << text;
+    for (const auto& [text, kind] :
+         {std::pair("Loop_#x y", CifKind::LOOP), {"stop_#", CifKind::STOP}})
+        EXPECT_THAT(wordsOf(text),
+                    ElementsAre(std::pair(kind, std::string(text).substr(0, 5)),
+                                std::pair(CifKind::COMMENT, std::string(text).substr(5))));
     EXPECT_EQ(wordsOf(";text").at(0), std::pair(CifKind::TEXT, std::string(";")));
     EXPECT_EQ(wordsOf(" ;text"), one(CifKind::VALUE, ";text")) << "not at the beginning";
 }
