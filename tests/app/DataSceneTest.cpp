@@ -353,8 +353,8 @@ TEST_F(DataSceneTest, LooksAreThoseOfThingsByTheirKind)
         datum.kind = kind;
         scene->add(kind == ThingKind::ROD ? 2 : 3, datum);
     }
-    scene->setLook(2, 0, {false, "arm", {}});
-    scene->setLook(3, 0, {true, {}, {}});
+    scene->setLook({2, 0}, {false, false, "arm", {}});
+    scene->setLook({3, 0}, {true, false, {}, {}});
     EXPECT_EQ(scene->lookOf(ThingKind::ROD, 0).name, "arm");
     EXPECT_FALSE(scene->lookOf(ThingKind::ROD, 1).name);
     EXPECT_TRUE(scene->lookOf(ThingKind::LONE_BASES, 7).isHidden) << "they are one thing";
