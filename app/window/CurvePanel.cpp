@@ -19,7 +19,6 @@
 
 #include <strandview/analysis/scalarAt.h>
 #include <strandview/analysis/scalars.h>
-#include <strandview/analysis/topology.h>
 
 #include "plotting/plotFiles.h"
 #include "plotting/plotFrames.h"

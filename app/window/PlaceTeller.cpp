@@ -36,17 +36,13 @@ PlaceTeller::PlaceTeller(PlaceMarks& placeMarks, PlacePanel& placePanel)
 void PlaceTeller::setScene(const DataScene* shown)
 {
     scene = shown;
-    mark();
+    renew();
     tellNow();
 }
 
 void PlaceTeller::follow()
 {
-    for (PickedPlace& place : places) {
-        if (scene)
-            place = scene->renewed(place);
-    }
-    mark();
+    renew();
     if (timer.isActive())
         return;
     const long long pause = std::max(LEAST_PAUSE, SHARE * costOfTelling);
@@ -55,6 +51,15 @@ void PlaceTeller::follow()
         tellNow();
     else
         timer.start(int(pause - passed));
+}
+
+void PlaceTeller::renew()
+{
+    for (PickedPlace& place : places) {
+        if (scene)
+            place = scene->renewed(place);
+    }
+    mark();
 }
 
 void PlaceTeller::tellNow()

@@ -38,6 +38,7 @@ public:
     std::vector<Told> getTold() const;
 
 private:
+    void renew(); ///< names, and marks
     void mark();
     void tellNow();
     std::vector<NumberTable> tables() const;

@@ -128,16 +128,6 @@ TEST_F(PlotFilesTest, ACurveHasTheColourOfItsRodAndAGapWhereThereIsNoNumber)
     EXPECT_THAT(shown.polylines.at("#0000ff"), testing::ElementsAre(3));
 }
 
-TEST_F(PlotFilesTest, ScalarsOfAComparisonArePlotted)
-{
-    const std::string file = folder.path("compared.svg");
-    const ProgramRun done = run(
-        {file, "--scalars", "reference_distance", "--compare", "first", "--frame", "1", series});
-    EXPECT_EQ(done.status, 0);
-    EXPECT_THAT(done.error, Not(HasSubstr("--compare")));
-    EXPECT_EQ(shownIn(file).texts.count("reference_distance"), 1u);
-}
-
 TEST_F(PlotFilesTest, ASingleRodHasNoLegend)
 {
     const Shown shown = plotted({series, "--frame", "1"});
