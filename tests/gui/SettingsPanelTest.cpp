@@ -263,6 +263,7 @@ TEST_F(SettingsPanelTest, AStyleIsThatOfAllFramesOfASeries)
     type("radiusField", {"0", "period", "1"});
     ASSERT_TRUE(comesToShow());
     click(*view());
+    ASSERT_TRUE(comesTo([this] { return view()->hasFocus(); }));
     pressRealKey("period");
     ASSERT_TRUE(comesTo([this] { return player()->getFrame() == 1; }));
     EXPECT_EQ(radius(), 0.1);
