@@ -3,9 +3,7 @@
 
 #include <cmath>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
-#include <filesystem>
 #include <limits>
 #include <map>
 #include <random>
@@ -19,9 +17,10 @@
 #include <strandview/analysis/tracks.h>
 #include <strandview/formats/Source.h>
 #include <strandview/formats/TableReader.h>
-#include <strandview/formats/openSeries.h>
-#include <strandview/formats/readFile.h>
 #include <strandview/model/MemorySeries.h>
+
+#include "support/FilesOfOthers.h"
+#include "support/readBack.h"
 
 namespace strandview {
 
@@ -46,22 +45,14 @@ struct Written
 Written written(const Configuration& configuration, const CsvOptions& options = {})
 {
     Written csv;
-    const TextSink sink = [&csv](std::string_view piece) {
-        csv.text += piece;
-        return true;
-    };
-    csv.isWhole = writeCsv(configuration, sink, options, csv.report);
+    csv.isWhole = writeCsv(configuration, sinkInto(csv.text), options, csv.report);
     return csv;
 }
 
 Written written(Series& series, const CsvOptions& options = {})
 {
     Written csv;
-    const TextSink sink = [&csv](std::string_view piece) {
-        csv.text += piece;
-        return true;
-    };
-    csv.isWhole = writeCsv(series, sink, options, {}, csv.report);
+    csv.isWhole = writeCsv(series, sinkInto(csv.text), options, {}, csv.report);
     return csv;
 }
 
@@ -552,53 +543,31 @@ TEST(WriteCsv, WhoStopsItIsToldSo)
 
 // ---- What is in files
 
-/// Whatever can be read of a folder, written and read back, frame by frame.
-void expectRoundTrips(const std::filesystem::path& folder, std::set<std::string>& files)
+std::set<std::string> filesReadBack(const std::string& folder)
 {
-    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-        const std::string path = entry.path().string();
-        ReadReport report;
-        if (!entry.is_regular_file() || !readFile(path, {}, report))
-            continue;
-        SCOPED_TRACE(path);
-        const auto series = openSeries({path}, {}, report);
-        ASSERT_TRUE(series) << report.error;
-        const Written csv = written(*series);
-        if (!csv.isWhole) {
-            EXPECT_THAT(csv.report.error, StartsWith("CSV: found no rod"));
-            continue;
-        }
-        files.insert(entry.path().filename().string());
-        const auto back = readBack(csv.text);
-        ASSERT_TRUE(back);
-        ASSERT_EQ(back->count(), series->count());
-        for (std::size_t i = 0; i < series->count(); ++i) {
-            const LoadedFrame first = series->load(i), second = back->load(i);
-            ASSERT_TRUE(first.configuration);
-            ASSERT_TRUE(second.configuration) << second.error;
-            expectLines(*second.configuration, *first.configuration);
-            EXPECT_EQ(back->time(i), series->count() > 1 ? series->time(i) : std::nullopt);
-        }
-    }
+    const auto writeAndRead = [](Series& series) -> std::unique_ptr<Series> {
+        const Written csv = written(series);
+        if (csv.isWhole)
+            return readBack(csv.text);
+        EXPECT_THAT(csv.report.error, StartsWith("CSV: found no rod"));
+        return nullptr;
+    };
+    return readBackAll(folder, writeAndRead, expectLines);
 }
+
+using WriteCsvOfOthers = FilesOfOthers;
 
 TEST(WriteCsv, EverySampleIsReadBackBitForBit)
 {
-    std::set<std::string> files;
-    expectRoundTrips(SAMPLES_FOLDER, files);
+    const std::set<std::string> files = filesReadBack(SAMPLES_FOLDER);
     EXPECT_THAT(files, testing::IsSupersetOf({"dna.txt", "hairpin.dat", "helix.txt",
                                               "minicircle.json", "pulled.xyz", "rods.json"}));
     EXPECT_EQ(files.count("glyphs.json"), 0u);
 }
 
-TEST(WriteCsv, WhatOthersWroteIsReadBackBitForBit)
+TEST_F(WriteCsvOfOthers, IsReadBackBitForBit)
 {
-    const char* const folder = std::getenv("STRANDVIEW_TEST_DATA");
-    if (!folder)
-        GTEST_SKIP() << "skipped: STRANDVIEW_TEST_DATA is not set";
-    std::set<std::string> files;
-    expectRoundTrips(folder, files);
-    EXPECT_THAT(files, testing::IsSupersetOf({"1bna.pdb", "protein_3kzn_a.xyz"}));
+    EXPECT_THAT(filesReadBack(folder), testing::IsSupersetOf({"1bna.pdb", "protein_3kzn_a.xyz"}));
 }
 
 } // namespace

@@ -2,8 +2,6 @@
 #include <strandview/formats/writeJson.h>
 
 #include <cmath>
-#include <cstdlib>
-#include <filesystem>
 #include <limits>
 #include <random>
 #include <set>
@@ -11,11 +9,11 @@
 #include <gmock/gmock.h>
 
 #include <strandview/formats/JsonReader.h>
-#include <strandview/formats/openSeries.h>
-#include <strandview/formats/readFile.h>
 #include <strandview/model/MemorySeries.h>
 
+#include "support/FilesOfOthers.h"
 #include "support/everythingOf.h"
+#include "support/readBack.h"
 
 namespace strandview {
 
@@ -29,24 +27,14 @@ using testing::StartsWith;
 std::string textOf(const Configuration& configuration)
 {
     std::string text;
-    EXPECT_TRUE(writeJson(configuration, [&text](std::string_view piece) {
-        text += piece;
-        return true;
-    }));
+    EXPECT_TRUE(writeJson(configuration, sinkInto(text)));
     return text;
 }
 
 std::string textOf(Series& series, ReadReport& report)
 {
     std::string text;
-    EXPECT_TRUE(writeJson(
-        series,
-        [&text](std::string_view piece) {
-            text += piece;
-            return true;
-        },
-        {}, report))
-        << report.error;
+    EXPECT_TRUE(writeJson(series, sinkInto(text), {}, report)) << report.error;
     return text;
 }
 
@@ -332,48 +320,34 @@ TEST(WriteJson, IsStoppedByWhoeverIsAsked)
 
 namespace {
 
-/// Whatever can be read of a folder, written and read back, frame by frame.
-void expectRoundTrips(const std::filesystem::path& folder, std::set<std::string>& files)
+std::set<std::string> filesReadBack(const std::string& folder)
 {
-    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-        const std::string path = entry.path().string();
+    const auto writeAndRead = [](Series& series) {
         ReadReport report;
-        if (!entry.is_regular_file() || !readFile(path, {}, report))
-            continue;
-        SCOPED_TRACE(path);
-        files.insert(entry.path().filename().string());
-        const auto series = openSeries({path}, {}, report);
-        ASSERT_TRUE(series) << report.error;
-        const auto back = openJson(textOf(*series, report), "back.json", {}, report);
-        ASSERT_TRUE(back) << report.error;
-        ASSERT_EQ(back->count(), series->count());
-        for (std::size_t i = 0; i < series->count(); ++i) {
-            const LoadedFrame first = series->load(i), second = back->load(i);
-            ASSERT_TRUE(first.configuration && second.configuration);
-            EXPECT_TRUE(everythingOf(*first.configuration) == everythingOf(*second.configuration));
-            EXPECT_EQ(back->time(i), series->count() > 1 ? series->time(i) : std::nullopt);
-        }
-    }
+        auto back = openJson(textOf(series, report), "back.json", {}, report);
+        EXPECT_TRUE(back) << report.error;
+        return back;
+    };
+    return readBackAll(folder, writeAndRead, [](const auto& frame, const auto& expected) {
+        EXPECT_TRUE(everythingOf(frame) == everythingOf(expected));
+    });
 }
+
+using WriteJsonOfOthers = FilesOfOthers;
 
 } // namespace
 
 TEST(WriteJson, EverySampleIsReadBackBitForBit)
 {
-    std::set<std::string> files;
-    expectRoundTrips(SAMPLES_FOLDER, files);
-    EXPECT_THAT(files, testing::IsSupersetOf({"dna.txt", "glyphs.json", "helix.txt",
-                                              "minicircle.json", "random.txt", "rods.json"}));
+    EXPECT_THAT(filesReadBack(SAMPLES_FOLDER),
+                testing::IsSupersetOf({"dna.txt", "glyphs.json", "helix.txt", "minicircle.json",
+                                       "random.txt", "rods.json"}));
 }
 
-TEST(WriteJson, WhatOthersWroteIsReadBackBitForBit)
+TEST_F(WriteJsonOfOthers, IsReadBackBitForBit)
 {
-    const char* const folder = std::getenv("STRANDVIEW_TEST_DATA");
-    if (!folder)
-        GTEST_SKIP() << "skipped: STRANDVIEW_TEST_DATA is not set";
-    std::set<std::string> files;
-    expectRoundTrips(folder, files);
-    EXPECT_THAT(files, testing::IsSupersetOf({"protein_3kzn_a.xyz", "trefoil_supercoiled.xyz"}));
+    EXPECT_THAT(filesReadBack(folder),
+                testing::IsSupersetOf({"protein_3kzn_a.xyz", "trefoil_supercoiled.xyz"}));
 }
 
 } // namespace strandview
