@@ -49,43 +49,18 @@ Values roundingOfStrain(const Line& line)
     return roundingOfStrains(line, component);
 }
 
-template <double PairParameters::*member>
-double ofPair(const PlacedFrame& base1, const PlacedFrame& base2)
+// One of the parameters that a scheme has of two frames, and its rounding.
+template <auto scheme, auto member>
+double partOf(const PlacedFrame& one, const PlacedFrame& other)
 {
-    return pairParameters(base1, base2).*member;
+    return scheme(one, other).*member;
 }
 
-template <double PairParameters::*member>
-double roundingOfPairs(const PlacedFrame& base1, const PlacedFrame& base2,
-                       const FrameRounding& rounding)
+template <auto scheme, auto member>
+double roundingOfPart(const PlacedFrame& one, const PlacedFrame& other,
+                      const FrameRounding& rounding)
 {
-    return roundingOfPair(base1, base2, rounding).*member;
-}
-
-template <double StepParameters::*member>
-double ofStep(const PlacedFrame& pair, const PlacedFrame& next)
-{
-    return stepParameters(pair, next).*member;
-}
-
-template <double StepParameters::*member>
-double roundingOfSteps(const PlacedFrame& pair, const PlacedFrame& next,
-                       const FrameRounding& rounding)
-{
-    return roundingOfStep(pair, next, rounding).*member;
-}
-
-template <double HelicalParameters::*member>
-double ofScrew(const PlacedFrame& pair, const PlacedFrame& next)
-{
-    return helicalParameters(pair, next).*member;
-}
-
-template <double HelicalParameters::*member>
-double roundingOfScrews(const PlacedFrame& pair, const PlacedFrame& next,
-                        const FrameRounding& rounding)
-{
-    return roundingOfScrew(pair, next, rounding).*member;
+    return scheme(one, other, rounding).*member;
 }
 
 double bendOf(const PlacedFrame& pair, const PlacedFrame& next)
@@ -113,37 +88,40 @@ Row slow(Row row)
     return row;
 }
 
+template <auto scheme, auto rounding, auto member>
+Row ofFrames(const Quantity& quantity)
+{
+    Row row{quantity};
+    row.ofFrames = partOf<scheme, member>;
+    row.roundingOfFrames = roundingOfPart<rounding, member>;
+    return row;
+}
+
 template <double PairParameters::*member>
 Row pair(const char* name, const char* unit, const char* meaning)
 {
-    Row row{{name, ScalarPlace::PAIR, unit, true, meaning}};
-    row.ofFrames = ofPair<member>;
-    row.roundingOfFrames = roundingOfPairs<member>;
-    return row;
+    return ofFrames<pairParameters, roundingOfPair, member>(
+        {name, ScalarPlace::PAIR, unit, true, meaning});
 }
 
 template <double StepParameters::*member>
 Row step(const char* name, const char* unit, bool isSigned, const char* meaning)
 {
-    Row row{{name, ScalarPlace::STEP, unit, isSigned, meaning}};
-    row.ofFrames = ofStep<member>;
-    row.roundingOfFrames = roundingOfSteps<member>;
-    return row;
+    return ofFrames<stepParameters, roundingOfStep, member>(
+        {name, ScalarPlace::STEP, unit, isSigned, meaning});
+}
+
+template <double HelicalParameters::*member>
+Row screw(const char* name, const char* unit, bool isSigned, const char* meaning)
+{
+    return ofFrames<helicalParameters, roundingOfScrew, member>(
+        {name, ScalarPlace::STEP, unit, isSigned, meaning});
 }
 
 Row bend(const char* name, const char* meaning)
 {
     Row row = step<&StepParameters::tilt>(name, "°", false, meaning);
     row.ofFrames = bendOf;
-    return row;
-}
-
-template <double HelicalParameters::*member>
-Row screw(const char* name, const char* unit, bool isSigned, const char* meaning)
-{
-    Row row{{name, ScalarPlace::STEP, unit, isSigned, meaning}};
-    row.ofFrames = ofScrew<member>;
-    row.roundingOfFrames = roundingOfScrews<member>;
     return row;
 }
 
