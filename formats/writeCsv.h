@@ -39,10 +39,10 @@ STRANDVIEW_FORMATS_EXPORT bool writeCsv(const Configuration& configuration, cons
 
 /// The same of all frames of a series, with two blank lines between them and the columns frame,
 /// counted from 0, and time, if all are known, in front. A frame without any row is not there, with
-/// a notice. Each is loaded twice, to know the columns
-/// first, and one at a time is in memory. Of a single frame as above. Adds to report.notices what
-/// loading has to tell, each line once. If a frame cannot be loaded, or goOn says so, it stops
-/// there with report.error; the error stays empty if it was the sink.
+/// a notice. Each is loaded twice, to know the columns first, and one at a time is in memory. Of a
+/// single frame as above. Adds to report.notices what loading has to tell, each line once. If a
+/// frame cannot be loaded, or goOn says so, it stops there with report.error; the error stays empty
+/// if it was the sink.
 STRANDVIEW_FORMATS_EXPORT bool writeCsv(Series& series, const TextSink& sink,
                                         const CsvOptions& options, const Series::GoOn& goOn,
                                         ReadReport& report);
