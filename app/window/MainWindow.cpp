@@ -139,7 +139,7 @@ MainWindow::MainWindow(const Options& startOptions, Loader sceneLoader, SeriesOp
 
 MainWindow::~MainWindow()
 {
-    for (QDockWidget* dock : {placeDock, curveDock})
+    for (QDockWidget* dock : {placeDock, thingsDock, curveDock})
         dock->disconnect(this);       // it is hidden once the members are gone
     things->setScene(nullptr, false); // which a name that is being edited would be given
 }
@@ -188,20 +188,18 @@ void MainWindow::buildPanels()
     auto* panel = new PlacePanel(docks);
     placeDock = addPanel(panel, "Numbers", Command::SHOW_NUMBERS);
     places = std::make_unique<PlaceTeller>(ownedViewer->marks, *panel);
-    connect(placeDock, &QDockWidget::visibilityChanged, this, [this](bool visible) {
-        ownedViewer->picksWhileTurning = visible;
-        places->follow();
-        showHint();
-    });
     buildSettings();
     things = new ThingsPanel(docks);
     things->onCentre = [this](const SbBox3f& box) { centre(box); };
-    things->onChanged = [this] { places->follow(); };
+    things->onChosen = [this] { outlineChosen(); };
     thingsDock = addPanel(things, "Things", Command::SHOW_THINGS);
+    for (const QDockWidget* dock : {placeDock, thingsDock})
+        connect(dock, &QDockWidget::visibilityChanged, this, &MainWindow::followPanels);
     buildCurves();
     lookTimer.setSingleShot(true); // a button changes thousands of looks
     connect(&lookTimer, &QTimer::timeout, this, [this] {
         places->follow();
+        outlineChosen();
         curves->followLooks();
         curveHover->follow();
     });
@@ -271,8 +269,9 @@ void MainWindow::buildStatusBar()
     statusBar->addWidget(loadBar, 1);
     layout()->addWidget(statusBar);
     ownedViewer->onMiss = [this] {
-        if (ownedViewer->isShiftDown) // what is measured from stays
+        if (ownedViewer->isShiftDown) // what is measured from stays, and what is chosen
             return;
+        things->choose({});
         places->forget();
         statusText->tell({});
     };
@@ -304,6 +303,7 @@ void MainWindow::showScene(DataScene* newScene, const std::vector<std::string>& 
     tellStyle();
     places->setScene(scene);
     things->setScene(scene, choice == SAME_CAMERA);
+    outlineChosen();
     curveHover->setScene(scene);
     curves->showScene(*scene, loadedFrame(), CurvePanel::OTHER_FILES);
     scene->showColours((*menus)[Command::SHOW_COLOURS]->isChecked());
@@ -331,12 +331,44 @@ void MainWindow::pick(const SoPickedPoint& picked)
     ownedViewer->hasPicked = true;
     if (!ownedViewer->isClick)
         return;
+    if (thingsDock->isVisible()) {
+        const std::optional<Thing> thing = scene->findThing(scene->placeOf(picked));
+        if (!ownedViewer->isShiftDown)
+            things->choose(thing);
+        else if (thing)
+            things->toggle(*thing);
+        if (ownedViewer->isShiftDown && !placeDock->isVisible()) // or it measures as well
+            return;
+    }
     const double pixel = viewer->getGLWidget()->devicePixelRatioF() /
                          std::max(viewer->getCameraZoom(), 1e-300); // in the scene
     places->add(scene->placeOf(picked, SNAP * pixel), ownedViewer->isShiftDown);
     statusText->tell(places->getTold());
     if (const auto chosen = curvePlaceOf(scene->placeOf(picked)))
         curves->choose(*chosen);
+}
+
+// What a click does depends on which of them are there.
+void MainWindow::followPanels()
+{
+    ownedViewer->picksWhileTurning = placeDock->isVisible() || thingsDock->isVisible();
+    places->follow();
+    outlineChosen();
+    showHint();
+}
+
+// While the panel is there, and not around what is hidden.
+void MainWindow::outlineChosen()
+{
+    std::vector<ThingOutline::Shown> shown;
+    for (const Thing& thing : thingsDock->isVisible() ? things->chosen() : ThingsPanel::Things()) {
+        if (scene->getLook(thing).isHidden)
+            continue;
+        const ShownDatum& datum = scene->getShown(thing.kind)[thing.index];
+        shown.push_back({datum.group, datum.box});
+    }
+    ownedViewer->outline.setThings(shown);
+    viewer->scheduleRedraw();
 }
 
 void MainWindow::centre(const SbBox3f& box)
@@ -459,6 +491,7 @@ void MainWindow::beginToPlay(const ReadReport& report, const Start& start)
     connect(player.get(), &Player::frameShown, this, [this](std::size_t shown) {
         places->follow();
         things->follow();
+        outlineChosen();
         curves->showScene(*scene, shown, CurvePanel::NEXT_FRAME);
         curveHover->follow();
     });
@@ -735,6 +768,7 @@ void MainWindow::showStyle(Restyler::Result& result)
     for (LightingDialog* lights : findChildren<LightingDialog*>())
         lights->updateGUIFromShaders(); // highlights come and go with colours of data
     things->follow();
+    outlineChosen();
     places->follow();
     curves->followLooks();
     tellStyle();
@@ -839,6 +873,8 @@ void MainWindow::showHint()
                             "are off; Esc turns again.");
     else if (scene && placeDock->isVisible())
         statusText->setHint("Click: all numbers there. With Shift: measures to there.");
+    else if (scene && thingsDock->isVisible())
+        statusText->setHint("Click: chooses a thing. With Shift: several.");
     else if (scene)
         statusText->setHint("Right button: point and arc length. F1: all keys.");
     else

@@ -166,6 +166,9 @@ private:
     QDockWidget* addPanel(QWidget* panel, const char* title, Command toggle);
     /// Tells what was clicked, and measures with Shift.
     void pick(const SoPickedPoint& picked);
+    void followPanels();
+    /// In the view.
+    void outlineChosen();
     /// Moves the camera before a thing, without turning it.
     void centre(const SbBox3f& box);
 

@@ -352,7 +352,6 @@ void ThingsModel::change(const Things& things, Change change)
         scene->setLook(thing, look);
     }
     follow();
-    emit looksChanged();
 }
 
 void ThingsModel::show(const Things& things, bool shown)
@@ -366,7 +365,6 @@ void ThingsModel::showOnly(const Things& things)
         return;
     scene->showOnly(things);
     follow();
-    emit looksChanged();
 }
 
 void ThingsModel::showAll()
@@ -375,7 +373,6 @@ void ThingsModel::showAll()
         return;
     scene->showAll();
     follow();
-    emit looksChanged();
 }
 
 void ThingsModel::deleteFromView(const Things& things)

@@ -61,8 +61,6 @@ public:
     static QSize swatchSize(); ///< of a colour
 
 signals:
-    /// By the user: of what is shown, or where.
-    void looksChanged();
     /// The tick of a row.
     void ticked(const QModelIndex& row, bool shown);
 

@@ -101,9 +101,9 @@ ThingsPanel::ThingsPanel(QWidget* parent)
         if (list->selectionModel()->isSelected(row))
             model->show(chosen(), shown);
     });
-    connect(model, &ThingsModel::looksChanged, this, [this] {
-        if (onChanged)
-            onChanged();
+    connect(list->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] {
+        if (onChosen)
+            onChosen();
     });
     connect(list, &QTreeView::customContextMenuRequested, this, &ThingsPanel::offerMenu);
     connect(list, &QTreeView::doubleClicked, this, [this](const QModelIndex& index) {
@@ -166,6 +166,26 @@ void ThingsPanel::addButton(int row, int column, const char* text, const char* n
 ThingsPanel::Things ThingsPanel::chosen() const
 {
     return model->thingsIn(list->selectionModel()->selectedRows(ThingsModel::NAME));
+}
+
+void ThingsPanel::choose(const std::optional<Thing>& thing)
+{
+    const QModelIndex row = thing ? model->rowOf(*thing) : QModelIndex();
+    if (!row.isValid()) {
+        list->selectionModel()->clearSelection();
+        return;
+    }
+    list->setCurrentIndex(row); // which it scrolls to
+}
+
+void ThingsPanel::toggle(const Thing& thing)
+{
+    const QModelIndex row = model->rowOf(thing);
+    if (!row.isValid())
+        return;
+    list->selectionModel()->setCurrentIndex(row, QItemSelectionModel::Toggle |
+                                                     QItemSelectionModel::Rows);
+    list->scrollTo(row);
 }
 
 void ThingsPanel::centre(const Things& things)

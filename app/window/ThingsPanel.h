@@ -37,7 +37,15 @@ public:
 
     // Each may be empty
     std::function<void(const SbBox3f&)> onCentre; ///< of the box in the scene
-    std::function<void()> onChanged;              ///< the look of something that is shown
+    std::function<void()> onChosen;               ///< other things
+
+    /// Those that are there.
+    Things chosen() const;
+    /// Instead of what is chosen; nothing of nothing.
+    void choose(const std::optional<Thing>& thing);
+    /// Beside it, or no more if it is.
+    void toggle(const Thing& thing);
+
     /// All columns.
     QSize sizeHint() const override { return {280, 320}; }
 
@@ -48,7 +56,6 @@ private:
     void buildButtons();
     void addButton(int row, int column, const char* text, const char* name, const char* help,
                    std::function<void()> does);
-    Things chosen() const; ///< that are there
     void centre(const Things& things);
     void chooseColour(const Things& things);
     void rename(const Thing& thing);

@@ -101,7 +101,10 @@ SbBool WindowViewer::processSoEvent(const SoEvent* const event)
 
 void WindowViewer::actualRedraw()
 {
+    if (getCamera())
+        outline.prepare(*getCamera(), *getGLRenderAction(), getGLWidget()->devicePixelRatioF());
     SoQtGeneralViewer::actualRedraw();
+    outline.draw();
     const SbVec2s size = getGLSize();
     if (frameWaiter)
         frameWaiter->endFrame(size[0], size[1]);

@@ -15,6 +15,7 @@
 #include "window/AxisCross.h"
 #include "window/FrameWaiter.h"
 #include "window/PlaceMarks.h"
+#include "window/ThingOutline.h"
 
 namespace strandview {
 
@@ -43,6 +44,7 @@ public:
     AxisCross axes;
     PlaceMarks marks;
     PlaceMarks hoverMark; ///< of a place that the mouse is over elsewhere
+    ThingOutline outline;
     QPointer<FrameWaiter> frameWaiter;
 
     using SoQtGeneralViewer::getGLSize;

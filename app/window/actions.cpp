@@ -138,7 +138,7 @@ ActionGroup look()
               C::SHOW_COLOUR_SETTINGS, CHECKABLE},
              {"N&umbers of a place", "N", "a panel: all numbers of what is clicked",
               C::SHOW_NUMBERS, CHECKABLE},
-             {"&Things", "T", "a panel: all that is shown, to hide, name, colour and find",
+             {"&Things", "T", "a panel: all that is shown, to choose, hide, name, colour and find",
               C::SHOW_THINGS, CHECKABLE},
              {"Cur&ves of numbers", "G", "a panel: curves of numbers along what is shown",
               C::SHOW_CURVES, CHECKABLE}}};

@@ -157,6 +157,7 @@ protected:
     void choose(const std::vector<int>& rows) const
     {
         clickRow(rows.front());
+        ASSERT_TRUE(comesTo([this] { return list()->hasFocus(); }));
         ASSERT_TRUE(comesToChoose({rows.front()}));
         for (std::size_t i = 1; i < rows.size(); ++i)
             clickRowWith("Control", rows[i]);
@@ -164,6 +165,7 @@ protected:
     }
     void doubleClick(int row, int column) const
     {
+        QTest::qWait(QApplication::doubleClickInterval()); // a click before is none of the two
         const QPoint place = list()->viewport()->mapToGlobal(placeOf(row, column));
         doubleClickRealButton(place.x(), place.y());
     }
@@ -362,6 +364,102 @@ TEST_F(ThingsPanelTest, WhatIsHiddenStaysSoWhenTheFilesAreReadAgain)
     EXPECT_TRUE(comesTo([this] { return has(isGreen) && has(isBlue); }));
 }
 
+// What is chosen in the view
+
+TEST_F(ThingsPanelTest, WhatIsChosenHasAnOutlineInTheViewAndInNoPicture)
+{
+    openRods(1);
+    const auto picture = [this](const char* name) {
+        window->savePicture(QString::fromStdString(folder.path(name)));
+        return keepIfFailed(QImage(QString::fromStdString(folder.path(name))));
+    };
+    const QImage before = picture("before.png");
+    const int red = countPixels(screen(), isRed);
+    EXPECT_EQ(countPixels(screen(), isYellow), 0);
+    choose({0});
+    const auto comesToBeOutlined = [this](bool outlined) {
+        return comesTo([=] { return (countPixels(screen(), isYellow) > 300) == outlined; });
+    };
+    EXPECT_TRUE(comesToBeOutlined(true));
+    EXPECT_NEAR(countPixels(screen(), isRed), red, 0.02 * red);
+    ASSERT_FALSE(before.isNull());
+    EXPECT_EQ(picture("after.png"), before);
+
+    clickTick(0);
+    EXPECT_TRUE(comesToBeOutlined(false));
+    clickTick(0);
+    EXPECT_TRUE(comesToBeOutlined(true));
+    view()->setFocus();
+    pressRealKey("t");
+    EXPECT_TRUE(comesToBeOutlined(false));
+    pressRealKey("t");
+    EXPECT_TRUE(comesToBeOutlined(true));
+    const CameraNumbers seen = window->getCameraNumbers();
+    pressRealKey("plus"); // in another view, too
+    pressRealKey("x");
+    ASSERT_TRUE(comesTo([&] { return !(window->getCameraNumbers() == seen); }));
+    EXPECT_TRUE(comesToBeOutlined(true));
+    pressRealKey("Delete");
+    EXPECT_EQ(rowCount(), 2) << "the view has the keyboard";
+    choose({0});
+    pressRealKey("Delete");
+    EXPECT_TRUE(comesToBeOutlined(false));
+}
+
+TEST_F(ThingsPanelTest, TheOutlineFollowsWhatItIsAroundThroughTheFrames)
+{
+    openSeries(2, 1);
+    choose({1});
+    const auto top = [this] { // the first row that has some of it
+        const QImage shown = screen();
+        for (int y = 0; y < shown.height(); ++y)
+            if (countPixels(shown.copy(0, y, shown.width(), 1), isYellow) > 0)
+                return y;
+        return -1;
+    };
+    ASSERT_TRUE(comesTo([&] { return top() > 0; }));
+    const int first = top();
+    pressRealKey("Control+Home");
+    player()->goTo(1); // the rod is higher there
+    EXPECT_TRUE(comesTo([&] { return top() > 0 && top() < first - 5; })) << top() << " " << first;
+    player()->goTo(2); // and no more there
+    EXPECT_TRUE(comesTo([&] { return top() == -1; }));
+}
+
+TEST_F(ThingsPanelTest, AClickInTheViewChoosesAThingAndWithShiftSeveral)
+{
+    openRods(1);
+    const CameraNumbers before = window->getCameraNumbers();
+    click(1, 1);
+    ASSERT_TRUE(comesToChoose({1}));
+    EXPECT_TRUE(comesTo([this] { return statusText().find("rods[1]") != std::string::npos; }));
+    click(1, 0);
+    ASSERT_TRUE(comesToChoose({0}));
+    shiftClick(1, 1);
+    ASSERT_TRUE(comesToChoose({0, 1}));
+    shiftClick(1, 0);
+    ASSERT_TRUE(comesToChoose({1}));
+    shiftClick(1, 0.5); // beside both
+    QTest::qWait(100);
+    EXPECT_EQ(chosenRows(), std::vector<int>({1}));
+    click(1, 0.5);
+    EXPECT_TRUE(comesToChoose({}));
+    EXPECT_TRUE(window->getCameraNumbers() == before);
+}
+
+TEST_F(ThingsPanelTest, AClickInTheViewTurnsItAloneWhileThePanelIsClosed)
+{
+    openRods(1);
+    click(1, 1);
+    ASSERT_TRUE(comesToChoose({1}));
+    pressRealKey("t");
+    ASSERT_TRUE(comesTo([this] { return !list()->isVisible(); }));
+    ASSERT_TRUE(comesToBePainted());
+    click(1, 0);
+    QTest::qWait(200);
+    EXPECT_EQ(chosenRows(), std::vector<int>({1}));
+}
+
 TEST_F(ThingsPanelTest, ADoubleClickEditsANameByWhichPicksAreToldThen)
 {
     openRods(1);
@@ -477,14 +575,17 @@ TEST_F(ThingsPanelTest, ADoubleClickOnAColourChoosesAnother)
 {
     openRods(1);
     QTimer answer;
-    QObject::connect(&answer, &QTimer::timeout, [] {
+    bool isAnswered = false;
+    QObject::connect(&answer, &QTimer::timeout, [&] {
         if (auto* dialog = qobject_cast<QColorDialog*>(QApplication::activeModalWidget())) {
             dialog->setCurrentColor(QColor(0, 255, 0));
             dialog->accept();
+            isAnswered = true;
         }
     });
     answer.start(50);
     doubleClick(0, ThingsModel::COLOUR);
+    ASSERT_TRUE(comesTo([&] { return isAnswered; }));
     EXPECT_TRUE(comesTo([this] { return has(isGreen) && !has(isRed) && has(isBlue); }));
 }
 

@@ -39,6 +39,7 @@ const std::map<std::string, std::string> ELSEWHERE{
     {"app/window/PlaceTeller.cpp", "tests/gui/PlacePanelTest.cpp"},
     {"app/window/Restyler.cpp", "tests/gui/SettingsPanelTest.cpp"},
     {"app/window/SettingControl.cpp", "tests/gui/SettingsPanelTest.cpp"},
+    {"app/window/ThingOutline.cpp", "tests/gui/ThingsPanelTest.cpp"},
     {"app/window/ThingsModel.cpp", "tests/gui/ThingsPanelTest.cpp"},
     {"app/window/WindowViewer.cpp", "tests/gui/MainWindowTest.cpp"},
     {"app/window/checkDisplay.cpp", "tests/app/StrandviewTest.cpp"},
