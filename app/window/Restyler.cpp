@@ -52,7 +52,7 @@ Restyler::~Restyler()
 
 void Restyler::ask(Task task)
 {
-    if (work.isRunning())
+    if (isWorking)
         next = std::move(task);
     else
         begin(std::move(task));
@@ -61,7 +61,7 @@ void Restyler::ask(Task task)
 void Restyler::forget()
 {
     next.reset();
-    isForgotten = work.isRunning();
+    isForgotten = isWorking;
     flag->stopped = isForgotten;
 }
 
@@ -69,6 +69,7 @@ void Restyler::begin(Task task)
 {
     flag->stopped = false;
     isForgotten = false;
+    isWorking = true;
     work.setFuture(QtConcurrent::run([task = std::move(task), stop = flag]() mutable {
         return workAt(std::move(task), *stop);
     }));
@@ -78,6 +79,7 @@ void Restyler::end()
 {
     const std::shared_ptr<Result> result = work.result();
     const bool isWanted = !std::exchange(isForgotten, false);
+    isWorking = false;
     if (next)
         begin(*std::exchange(next, std::nullopt));
     if (isWanted)

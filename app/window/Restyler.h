@@ -45,7 +45,7 @@ public:
     void ask(Task task);
     /// Forgets what was asked for: finished() will not come any more for it.
     void forget();
-    bool isAtWork() const { return work.isRunning() || next; }
+    bool isAtWork() const { return isWorking; }
 
 signals:
     void finished(const std::shared_ptr<strandview::Restyler::Result>& result);
@@ -58,6 +58,7 @@ private:
     const std::shared_ptr<StopFlag> flag; ///< of what is being done
     QFutureWatcher<std::shared_ptr<Result>> work;
     std::optional<Task> next;
+    bool isWorking = false;   ///< until what came of it was told
     bool isForgotten = false; ///< what is being done
 };
 
