@@ -54,12 +54,12 @@ int renderPicture(const Options& options, DataScene* scene)
     TerminalProgress progress;
     progress.announce("Rendering " + *options.picture);
     CameraNumbers camera;
-    const std::string failure =
-        writePicture(scene,
-                     {*options.picture, options.pictureWidth, options.pictureHeight,
-                      options.samples, options.background, options.transparent,
-                      scene->settle(options.camera), scene->getLegendHeight()},
-                     &camera);
+    const std::string failure = writePicture(
+        scene,
+        {*options.picture, options.pictureWidth, options.pictureHeight, options.samples,
+         options.background, options.transparent, scene->settle(options.camera),
+         scene->getLegendHeight(), options.dpi.value_or(DPI_OF_PIXELS)},
+        &camera);
     progress.hide();
     if (!failure.empty())
         return fail(CANNOT_WRITE, failure);

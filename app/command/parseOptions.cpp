@@ -46,6 +46,18 @@ bool parseSize(const std::string& text, int& width, int& height)
     return h.ec == std::errc() && h.ptr == end;
 }
 
+bool fits(double width, double height)
+{
+    return std::min(width, height) >= 1 && std::max(width, height) <= LARGEST_PICTURE_SIDE &&
+           width * height <= LARGEST_PIXEL_COUNT;
+}
+
+std::string whatFits()
+{
+    return "sides from 1 to " + std::to_string(LARGEST_PICTURE_SIDE) + " and at most " +
+           std::to_string(LARGEST_PIXEL_COUNT) + " pixels in all";
+}
+
 // The largest picture of the same shape.
 std::string fittingSize(int width, int height)
 {
@@ -57,27 +69,76 @@ std::string fittingSize(int width, int height)
     return side(width) + "x" + side(height);
 }
 
+// "85x60mm", "85.5x60mm".
+std::optional<PaperSize> parsePaperSize(const std::string& text)
+{
+    const std::string unit = "mm";
+    const std::size_t cross = text.find_first_of("xX");
+    if (cross == std::string::npos || text.size() < cross + 1 + unit.size() ||
+        text.substr(text.size() - unit.size()) != unit)
+        return std::nullopt;
+    const std::string height = text.substr(cross + 1, text.size() - unit.size() - cross - 1);
+    const std::optional<double> w = parseNumber<double>(text.substr(0, cross));
+    const std::optional<double> h = parseNumber<double>(height);
+    if (!w || !h || !(*w > 0) || !(*h > 0))
+        return std::nullopt;
+    return PaperSize{*w, *h, text};
+}
+
 void addSize(CLI::App& app, Options& options)
 {
     const auto parse = [&options](const std::string& text) {
+        options.paperSize = parsePaperSize(text);
+        if (options.paperSize) // its pixels depend on --dpi
+            return;
         int width = 0, height = 0;
-        const std::string refusal = "found '" + text + "', expected WxH, sides from 1 to " +
-                                    std::to_string(LARGEST_PICTURE_SIDE) + " and at most " +
-                                    std::to_string(LARGEST_PIXEL_COUNT) + " pixels in all";
+        const std::string refusal =
+            "found '" + text + "', expected WxH or, in millimetres, WxHmm, " + whatFits();
         if (!parseSize(text, width, height) || width < 1 || height < 1)
             throw CLI::ValidationError("--size", refusal);
-        if (std::max(width, height) > LARGEST_PICTURE_SIDE ||
-            LARGEST_PIXEL_COUNT < (long long)width * height)
+        if (!fits(width, height))
             throw CLI::ValidationError("--size",
                                        refusal + ": " + fittingSize(width, height) + " fits");
         options.pictureWidth = width;
         options.pictureHeight = height;
         options.windowSize = {width, height};
     };
-    app.add_option_function<std::string>("--size", parse,
-                                         "Size of the picture in pixels [1200x900], or of the "
-                                         "window [as it was]")
-        ->type_name("WxH");
+    app.add_option_function<std::string>(
+           "--size", parse,
+           "Size of the picture in pixels [1200x900], or on paper: 85x60mm; or of the window in "
+           "pixels [as it was]")
+        ->type_name("WxH[mm]");
+}
+
+double pixelsOf(double millimetres, int dpi) { return std::round(millimetres / 25.4 * dpi); }
+
+// Of a picture that was asked for in millimetres, its pixels.
+void settleSize(Options& options)
+{
+    if (!options.paperSize)
+        return;
+    const PaperSize& paper = *options.paperSize;
+    const std::string found = "found '" + paper.text + "'";
+    if (!options.picture)
+        throw CLI::ValidationError("--size", found + " without --render, expected pixels, WxH");
+    if (!options.dpi)
+        options.dpi = DPI_ON_PAPER;
+    const double width = pixelsOf(paper.width, *options.dpi);
+    const double height = pixelsOf(paper.height, *options.dpi);
+    if (!fits(width, height)) {
+        std::string refusal = found + " at --dpi " + std::to_string(*options.dpi) + ": " +
+                              formatted(width) + " x " + formatted(height) + " pixels, expected " +
+                              whatFits();
+        int fitting = *options.dpi;
+        while (fitting >= SMALLEST_DPI &&
+               !fits(pixelsOf(paper.width, fitting), pixelsOf(paper.height, fitting)))
+            --fitting;
+        if (fitting >= SMALLEST_DPI)
+            refusal += ": --dpi " + std::to_string(fitting) + " fits";
+        throw CLI::ValidationError("--size", refusal);
+    }
+    options.pictureWidth = int(width);
+    options.pictureHeight = int(height);
 }
 
 template <typename Target>
@@ -266,6 +327,10 @@ void addFiles(CLI::App& app, Options& options)
                        "one of every frame; .mp4, .webm and .gif are films")
             ->type_name("OUT.png");
     addSize(app, options);
+    addCount(app, "--dpi", options.dpi, SMALLEST_DPI, LARGEST_DPI,
+             "Pixels per inch of a picture's millimetres [300], which its file tells programs that "
+             "print it [100 of a size in pixels]")
+        ->needs(render);
     addCount(app, "--samples", options.samples, 1, 8, "Smooth edges: N x N samples per pixel [3]")
         ->needs(render);
     app.add_flag("--transparent", options.transparent, "Leave the picture's background out")
@@ -641,6 +706,7 @@ ParsedOptions parseOptions(int argc, const char* const* argv)
                                options.exportFile || options.series.listFrames || options.plot.file;
         if (options.frame && options.series.frames && !options.series.turn)
             throw CLI::ExcludesError("--frames", "--frame");
+        settleSize(options);
         checkForSeries(options);
         checkForCamera(options.camera);
         checkForTold(options);

@@ -193,6 +193,14 @@ void setPixels(QImage& image, const QRect& part, const TileRenderer& renderer, i
     }
 }
 
+// Otherwise a picture would tell that of the screen that its program has, or none.
+void setResolution(QImage& image, int dpi)
+{
+    const int perMetre = int(std::lround(dpi / 0.0254));
+    image.setDotsPerMeterX(perMetre);
+    image.setDotsPerMeterY(perMetre);
+}
+
 // By Qt. Returns what failed, or nothing.
 std::string encode(const QImage& image, const QByteArray& format, QByteArray& bytes)
 {
@@ -262,6 +270,7 @@ std::string PictureWriter::draw(SoGeneralScene* scene, const Picture& picture, Q
     scene->setShaderPersp(picture.camera.isPerspective());
     image = QImage(picture.width, picture.height,
                    picture.transparent ? QImage::Format_RGBA8888 : QImage::Format_RGB888);
+    setResolution(image, picture.dpi);
     std::string failure = TOO_LITTLE_MEMORY;
     try {
         if (!image.isNull())

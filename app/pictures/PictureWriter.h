@@ -9,6 +9,7 @@
 
 #include "request/CameraRequest.h"
 #include "request/Colour.h"
+#include "request/limits.h"
 
 class QImage;
 class QString;
@@ -34,6 +35,7 @@ struct Picture
     bool transparent; ///< the background is left out
     CameraRequest camera;
     float bottom; ///< the part of the height that a standard view leaves free below the scene
+    int dpi = DPI_OF_PIXELS; ///< pixels per inch that the file tells, where its format can
     int samplesAtOnce = SAMPLES_AT_ONCE;
 };
 

@@ -185,11 +185,12 @@ FrameRenderer::Drawn FrameRenderer::draw(std::size_t frame, const Configuration&
     if (options.series.stamp)
         scene->setStamp(makeStamp(stampOf(frame), options.background, stage.style.legendTextSize,
                                   float(options.pictureWidth) / float(options.pictureHeight)));
-    drawn.failure = writer.draw(scene,
-                                {name.of(frame), options.pictureWidth, options.pictureHeight,
-                                 options.samples, options.background, options.transparent,
-                                 cameraOf(frame), scene->getLegendHeight()},
-                                drawn.image, &camera);
+    drawn.failure =
+        writer.draw(scene,
+                    {name.of(frame), options.pictureWidth, options.pictureHeight, options.samples,
+                     options.background, options.transparent, cameraOf(frame),
+                     scene->getLegendHeight(), options.dpi.value_or(DPI_OF_PIXELS)},
+                    drawn.image, &camera);
     return drawn;
 }
 

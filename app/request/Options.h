@@ -33,6 +33,13 @@ struct SeriesRequest
     bool follow = false;         ///< a window goes on to the last frame of a file that grows
 };
 
+/// Of a picture on paper, in millimetres.
+struct PaperSize
+{
+    double width, height;
+    std::string text; ///< as it was given
+};
+
 /// What the command line asks for. What is not given is chosen from the data.
 struct Options : StyleRequest
 {
@@ -67,6 +74,9 @@ struct Options : StyleRequest
     std::optional<std::string> picture;
     int pictureWidth = 1200;
     int pictureHeight = 900;
+    /// The same on paper, if it was given so.
+    std::optional<PaperSize> paperSize;
+    std::optional<int> dpi;   ///< pixels per inch that the picture's file tells
     int samples = 3;          ///< the picture is rendered this many times wider and higher
     bool transparent = false; ///< no background in the picture
 

@@ -11,6 +11,11 @@ namespace strandview {
 constexpr int LARGEST_PICTURE_SIDE = 32767;
 constexpr int LARGEST_PIXEL_COUNT = 700'000'000;
 
+/// Pixels per inch that a picture may have; those of one whose size is in millimetres, and of one
+/// whose size is in pixels, unless others are asked for.
+constexpr int SMALLEST_DPI = 10, LARGEST_DPI = 10'000;
+constexpr int DPI_ON_PAPER = 300, DPI_OF_PIXELS = 100;
+
 /// What is said where memory ends, after the name of what is read, shown or written.
 constexpr const char* TOO_LITTLE_MEMORY_FOR_DATA =
     "found too little memory for so many points, rows or pixels";

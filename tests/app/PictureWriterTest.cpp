@@ -9,6 +9,7 @@
 #include <Inventor/nodes/SoSeparator.h>
 #include <Inventor/nodes/SoTransparencyType.h>
 #include <QColor>
+#include <QCoreApplication>
 #include <QImage>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
@@ -87,6 +88,7 @@ protected:
                                                          options.transparent,
                                                          scene->settle(options.camera),
                                                          scene->getLegendHeight(),
+                                                         DPI_OF_PIXELS,
                                                          samplesAtOnce});
         EXPECT_EQ(failure, "");
         return QImage(file).convertToFormat(QImage::Format_ARGB32);
@@ -178,6 +180,7 @@ TEST(Picture, OfAnyShapeIsRenderedInTiles)
                                        false,
                                        {},
                                        0,
+                                       DPI_OF_PIXELS,
                                        samplesAtOnce}),
                   "");
         EXPECT_EQ(QImage(file).size(), size);
@@ -226,6 +229,7 @@ TEST(Picture, IsTheSameWhateverItsWriterHasDrawnBefore)
                               change.transparent,
                               scene->settle(camera),
                               scene->getLegendHeight(),
+                              DPI_OF_PIXELS,
                               change.samplesAtOnce};
         QImage after, alone;
         EXPECT_EQ(writer.draw(scene, picture, after), "");
@@ -234,6 +238,51 @@ TEST(Picture, IsTheSameWhateverItsWriterHasDrawnBefore)
     }
     for (DataScene* scene : scenes)
         scene->unref();
+}
+
+// JPEG has whole numbers to the inch. Of TIFF where Qt can write it.
+TEST(Picture, ItsFileTellsItsResolutionInEveryFormatThatCan)
+{
+    initialiseSceneOnce();
+    QTemporaryDir folder;
+    ReadReport report;
+    DataScene* scene = loadScene({std::string(SAMPLES_FOLDER) + "/trefoil.txt"}, Options(), report);
+    ASSERT_TRUE(scene) << report.error;
+    scene->ref();
+    for (const std::string& ending : std::vector<std::string>{"png", "jpg", "tif", "bmp"}) {
+        const QString file = folder.filePath("picture.") + QString::fromStdString(ending);
+        if (ending == "tif" && !checkPictureName("", file.toStdString(), false).empty())
+            continue;
+        for (const int dpi : {10, 100, 300, 1200, 10000}) {
+            SCOPED_TRACE(ending + " " + std::to_string(dpi));
+            const Picture picture{file.toStdString(), 8, 6,  1, {1, 1, 1}, false,
+                                  scene->settle({}),  0, dpi};
+            ASSERT_EQ(writePicture(scene, picture), "");
+            const QImage read(file);
+            EXPECT_NEAR(read.dotsPerMeterX(), dpi / 0.0254, 1);
+            EXPECT_EQ(read.dotsPerMeterY(), read.dotsPerMeterX());
+        }
+    }
+    scene->unref();
+}
+
+// As it is where a window system tells one of 96.
+TEST(Picture, TheResolutionOfAScreenIsNotItsOwn)
+{
+    initialiseSceneOnce();
+    ReadReport report;
+    DataScene* scene = loadScene({std::string(SAMPLES_FOLDER) + "/trefoil.txt"}, Options(), report);
+    ASSERT_TRUE(scene) << report.error;
+    scene->ref();
+    const Picture picture{"", 8, 6, 1, {1, 1, 1}, false, scene->settle({}), 0};
+    for (const bool is96 : {true, false}) {
+        QCoreApplication::setAttribute(Qt::AA_Use96Dpi, is96);
+        QImage image;
+        EXPECT_EQ(PictureWriter().draw(scene, picture, image), "");
+        EXPECT_EQ(image.dotsPerMeterX(), 3937) << is96; // 100 per inch
+        EXPECT_EQ(image.dotsPerMeterY(), 3937) << is96;
+    }
+    scene->unref();
 }
 
 // What adds its light to all that is behind it hides nothing in the other two channels.

@@ -252,6 +252,15 @@ TEST_F(RenderSeriesTest, FramesAndShardsAreThoseAskedFor)
     EXPECT_EQ(filesOf("shards"), filesOf("all"));
 }
 
+TEST_F(RenderSeriesTest, APictureOfAnotherResolutionIsAnotherOne)
+{
+    const std::string one = folder.path("one.png");
+    for (const char* dpi : {"100", "300"}) {
+        EXPECT_EQ(run({"--render", one, "--frame", "2", "--dpi", dpi, series}).status, 0);
+        EXPECT_NEAR(imageOf("one.png").dotsPerMeterX(), std::stoi(dpi) / 0.0254, 0.5);
+    }
+}
+
 TEST_F(RenderSeriesTest, ListsWhatWouldBeRendered)
 {
     const ProgramRun list =

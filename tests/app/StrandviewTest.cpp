@@ -116,6 +116,28 @@ TEST_F(StrandviewTest, RendersATableToAPictureOfTheAskedSizeWithoutADisplay)
     EXPECT_EQ(image.pixelColor(0, 0), QColor(Qt::white));
 }
 
+// The bytes as PNG has them: pixels per metre, twice, and 1 for metres.
+TEST_F(StrandviewTest, APictureInMillimetresIsAsLargeAsAskedInPrint)
+{
+    const std::string rod = write("rod.txt", "0 0 0 0 0 0 1\n0 0 1 0 0 0 1\n");
+    const auto resolutionOf = [this, &rod](std::vector<std::string> more) {
+        more.insert(more.end(), {"--samples", "1", "--render", path("rod.png"), rod});
+        EXPECT_EQ(run(more).status, 0);
+        QFile file(QString::fromStdString(path("rod.png")));
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        const QByteArray bytes = file.readAll();
+        return bytes.mid(bytes.indexOf("pHYs") + 4, 9);
+    };
+    EXPECT_EQ(resolutionOf({"--size", "85x60mm"}), QByteArray("\0\0\x2e\x23\0\0\x2e\x23\1", 9));
+    EXPECT_EQ(picture("rod.png").size(), QSize(1004, 709));
+    EXPECT_EQ(resolutionOf({"--size", "20x10mm", "--dpi", "600"}),
+              QByteArray("\0\0\x5c\x46\0\0\x5c\x46\1", 9)); // 23622
+    EXPECT_EQ(picture("rod.png").size(), QSize(472, 236));
+    EXPECT_EQ(resolutionOf({"--size", "40x30", "--dpi", "600", "--frame", "0"}),
+              QByteArray("\0\0\x5c\x46\0\0\x5c\x46\1", 9));
+    EXPECT_EQ(picture("rod.png").size(), QSize(40, 30));
+}
+
 TEST_F(StrandviewTest, SaysNothingWhenThereIsNothingToSay)
 {
     const std::string rod = write("rod.txt", "0 0 0 0 0 0 1\n0 0 1 0 0 0 1\n");

@@ -110,6 +110,65 @@ TEST(ParseOptions, TheSizeIsOfThePictureOrElseOfTheWindow)
                 Pair(640, 480));
 }
 
+TEST(ParseOptions, MillimetresArePixelsByTheResolutionWhereverThatStands)
+{
+    struct Asked
+    {
+        const char *size, *dpi;
+        int width, height;
+    };
+    // 25.4 mm are an inch.
+    for (const Asked& asked :
+         {Asked{"254x127mm", "100", 1000, 500}, Asked{"85x60mm", "300", 1004, 709},
+          Asked{"85.5X60.25mm", "600", 2020, 1423}, Asked{"25.4x2.54mm", "10", 10, 1}}) {
+        for (const bool isFirst : {true, false}) {
+            std::vector<const char*> line{"--size", asked.size, "--render", "a.png", "rod.txt"};
+            line.insert(isFirst ? line.begin() : line.end(), {"--dpi", asked.dpi});
+            const Options options = accepted(line);
+            EXPECT_EQ(options.pictureWidth, asked.width) << asked.size;
+            EXPECT_EQ(options.pictureHeight, asked.height) << asked.size;
+            EXPECT_EQ(std::to_string(options.dpi.value_or(0)), asked.dpi);
+        }
+    }
+    const Options usual = accepted({"--size", "85x60mm", "--render", "a.png", "rod.txt"});
+    EXPECT_EQ(usual.pictureWidth, 1004);
+    EXPECT_EQ(usual.dpi.value_or(0), 300);
+}
+
+TEST(ParseOptions, TheResolutionOfASizeInPixelsChangesNoPixels)
+{
+    const Options options = accepted({"--dpi", "600", "--render", "a.png", "rod.txt"});
+    EXPECT_EQ(options.pictureWidth, Options().pictureWidth);
+    EXPECT_EQ(options.pictureHeight, Options().pictureHeight);
+    EXPECT_EQ(options.dpi.value_or(0), 600);
+}
+
+TEST(ParseOptions, SizesAndResolutionsBeyondTheLimitsAreRefused)
+{
+    const auto expectNoSize = [](const char* size, const char* dpi, const std::string& what) {
+        expectRefused({"--render", "a.png", "--size", size, "--dpi", dpi, "rod.txt"}, what);
+    };
+    expectNoSize("3000x2000mm", "300",
+                 "--size: found '3000x2000mm' at --dpi 300: 35433 x 23622 pixels, expected sides "
+                 "from 1 to 32767 and at most 700000000 pixels in all: --dpi 274 fits");
+    expectNoSize("3000x10mm", "300", ": --dpi 277 fits");
+    expectNoSize("1e6x10mm", "300", "expected sides from 1 to 32767");
+    expectNoSize("0.01x10mm", "300", "0 x 118 pixels, expected sides from 1 to 32767");
+    for (const char* size : {"85x60m", "85x60cm", "85mm", "x60mm", "85xmm", "-85x60mm", "0x60mm",
+                             "85x60 mm", "nanx60mm", "mmxmm", "85mmx60mm", "85x60.5"})
+        expectNoSize(size, "300", "expected WxH or, in millimetres, WxHmm");
+    for (const char* dpi : {"9", "10001", "72.5", "-300", "many"})
+        expectNoSize("85x60mm", dpi, "expected a whole number from 10 to 10000");
+}
+
+TEST(ParseOptions, MillimetresAreOfPicturesAlone)
+{
+    expectRefused({"--size", "85x60mm", "rod.txt"},
+                  "--size: found '85x60mm' without --render, expected pixels, WxH");
+    expectRefused({"--plot", "a.pdf", "--size", "85x60mm", "rod.txt"}, "without --render");
+    expectRefused({"--dpi", "300", "rod.txt"}, "--dpi requires --render");
+}
+
 TEST(ParseOptions, WhatIsExportedAndOfWhichFrameIsTaken)
 {
     const Options options = accepted({"--export", "-", "--frame", "7", "run.json"});
