@@ -41,6 +41,7 @@ SettingsPanel::SettingsPanel(const std::vector<std::string>& groups, QWidget* pa
     layout->addWidget(area, 1);
     faultLine->setObjectName("settingFault");
     faultLine->setWordWrap(true);
+    faultLine->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred); // or the panel widens
     layout->addWidget(faultLine);
     faultLine->hide();
     show({}, {});
