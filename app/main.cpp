@@ -58,7 +58,7 @@ int renderPicture(const Options& options, DataScene* scene)
         scene,
         {*options.picture, options.pictureWidth, options.pictureHeight, options.samples,
          options.background, options.transparent, scene->settle(options.camera),
-         scene->getLegendHeight(), options.dpi.value_or(DPI_OF_PIXELS)},
+         scene->getLegendRoom(), options.dpi.value_or(DPI_OF_PIXELS)},
         &camera);
     progress.hide();
     if (!failure.empty())

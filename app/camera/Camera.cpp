@@ -103,8 +103,8 @@ void setClipping(SoCamera& camera, const SbBox3f& box)
 // What of a view there is for what it shows.
 struct Room
 {
-    Room(const SbViewportRegion& region, float bottom, std::optional<double> margin)
-        : height(1 - bottom)
+    Room(const SbViewportRegion& region, const FreeEdges& edges, std::optional<double> margin)
+        : height(1 - edges.both())
     {
         if (!margin)
             return;
@@ -146,9 +146,9 @@ float frontFrom(const SbVec3f& point, const SbBox3f& box, const SoCamera& camera
 }
 
 void fitOrthographic(SoOrthographicCamera& camera, const SbBox3f& box,
-                     const SbViewportRegion& region, float bottom, const Framing& framing)
+                     const SbViewportRegion& region, const FreeEdges& edges, const Framing& framing)
 {
-    const Room room(region, bottom, framing.margin);
+    const Room room(region, edges, framing.margin);
     float halfWidth = 0, halfHeight = 0;
     for (const SbVec3f& corner : cornersFrom(box.getCenter(), box, camera)) {
         halfWidth = std::max(halfWidth, corner[0]);
@@ -160,7 +160,7 @@ void fitOrthographic(SoOrthographicCamera& camera, const SbBox3f& box,
                  room.times * halfWidth / room.width / region.getViewportAspectRatio()) /
         framing.zoom;
     float distance = box.getSize().length() / 2;
-    SbVec3f middle(0, -bottom * height / 2, 0);
+    SbVec3f middle(0, -edges.shift() * height, 0);
     if (framing.centre) {
         distance = std::max(distance, MARGIN * frontFrom(*framing.centre, box, camera));
         middle = SbVec3f(0, 0, 0);
@@ -171,13 +171,14 @@ void fitOrthographic(SoOrthographicCamera& camera, const SbBox3f& box,
                       fromCamera(camera, middle + SbVec3f(0, 0, distance));
 }
 
-// How far away a camera is that is moved down for what it leaves free below, and sees a corner just
-// at the upper border or at the lower one. `up` is half of the view's height at a distance of 1.
-float distanceToBorders(const SbVec3f& corner, float front, float up, float bottom,
+// How far away a camera is that is moved for what it leaves free, and sees a corner just at the
+// upper border or at the lower one. `up` is half of the view's height at a distance of 1.
+float distanceToBorders(const SbVec3f& corner, float front, float up, const FreeEdges& edges,
                         const Room& room)
 {
-    const float notMoved = bottom * up * front;
-    const float above = up * (1 - 2 * room.below), below = above - 2 * bottom * up;
+    const float notMoved = 2 * edges.shift() * up * front;
+    const float above = up * (1 - 2 * room.below - 2 * edges.top);
+    const float below = up * (1 - 2 * room.below - 2 * edges.bottom);
     return std::max(corner[1] - notMoved + above * corner[2],
                     -corner[1] + notMoved + below * corner[2]) /
            (up * room.height);
@@ -185,10 +186,10 @@ float distanceToBorders(const SbVec3f& corner, float front, float up, float bott
 
 // A corner is seen if it is within the view's slopes at its own depth.
 void fitPerspective(SoPerspectiveCamera& camera, const SbBox3f& box, const SbViewportRegion& region,
-                    float bottom, const Framing& framing)
+                    const FreeEdges& edges, const Framing& framing)
 {
     camera.heightAngle = USUAL_ANGLE;
-    const Room room(region, bottom, framing.margin);
+    const Room room(region, edges, framing.margin);
     const float up = tangentUpwards(camera, region);
     const float aside = up * region.getViewportAspectRatio();
     const std::array<SbVec3f, 8> corners = cornersFrom(box.getCenter(), box, camera);
@@ -198,9 +199,9 @@ void fitPerspective(SoPerspectiveCamera& camera, const SbBox3f& box, const SbVie
     for (const SbVec3f& corner : corners)
         distance = std::max(
             {distance, corner[2] + room.times * std::abs(corner[0]) / (aside * room.width),
-             framing.margin ? distanceToBorders(corner, front, up, bottom, room)
+             framing.margin ? distanceToBorders(corner, front, up, edges, room)
                             : corner[2] + MARGIN * std::abs(corner[1]) / (up * room.height)});
-    SbVec3f middle(0, -bottom * up * (distance - front) / framing.zoom, 0);
+    SbVec3f middle(0, -2 * edges.shift() * up * (distance - front) / framing.zoom, 0);
     float narrower = framing.zoom;
     if (framing.centre) { // in front of everything
         const float nearest = MARGIN * frontFrom(*framing.centre, box, camera);
@@ -247,13 +248,13 @@ struct Cylinder
 };
 
 // As fitScene(), for a scene that fills the box.
-void fitBox(SoCamera& camera, const SbBox3f& box, const SbViewportRegion& region, float bottom,
-            const Framing& framing)
+void fitBox(SoCamera& camera, const SbBox3f& box, const SbViewportRegion& region,
+            const FreeEdges& edges, const Framing& framing)
 {
     if (isPerspective(camera))
-        fitPerspective(static_cast<SoPerspectiveCamera&>(camera), box, region, bottom, framing);
+        fitPerspective(static_cast<SoPerspectiveCamera&>(camera), box, region, edges, framing);
     else
-        fitOrthographic(static_cast<SoOrthographicCamera&>(camera), box, region, bottom, framing);
+        fitOrthographic(static_cast<SoOrthographicCamera&>(camera), box, region, edges, framing);
     setClipping(camera, box);
 }
 
@@ -286,15 +287,15 @@ void setNumbers(SoCamera& camera, const CameraNumbers& numbers)
 } // namespace
 
 SoCamera* makeCamera(const CameraRequest& request, SoNode* scene, const SbViewportRegion& region,
-                     float bottom)
+                     const FreeEdges& edges)
 {
     SoCamera* camera = newCamera(request);
-    placeCamera(*camera, request, scene, region, bottom);
+    placeCamera(*camera, request, scene, region, edges);
     return camera;
 }
 
 void placeCamera(SoCamera& camera, const CameraRequest& request, SoNode* scene,
-                 const SbViewportRegion& region, float bottom)
+                 const SbViewportRegion& region, const FreeEdges& edges)
 {
     if (request.numbers) {
         setNumbers(camera, *request.numbers);
@@ -304,21 +305,21 @@ void placeCamera(SoCamera& camera, const CameraRequest& request, SoNode* scene,
     turn(camera, request);
     const SbBox3f box = boxOf(scene, region);
     if (!box.isEmpty())
-        fitBox(camera, box, region, bottom, Framing(request));
+        fitBox(camera, box, region, edges, Framing(request));
 }
 
-void fitScene(SoCamera& camera, SoNode* scene, const SbViewportRegion& region, float bottom,
-              std::optional<double> margin)
+void fitScene(SoCamera& camera, SoNode* scene, const SbViewportRegion& region,
+              const FreeEdges& edges, std::optional<double> margin)
 {
     const SbBox3f box = boxOf(scene, region);
     if (!box.isEmpty())
-        fitBox(camera, box, region, bottom, Framing(margin));
+        fitBox(camera, box, region, edges, Framing(margin));
 }
 
 void fitBox(SoCamera& camera, const SbBox3f& box, SoNode* scene, const SbViewportRegion& region,
-            float bottom)
+            const FreeEdges& edges)
 {
-    fitBox(camera, box, region, bottom, Framing());
+    fitBox(camera, box, region, edges, Framing());
     setClipping(camera, boxOf(scene, region));
 }
 
@@ -357,14 +358,14 @@ CameraNumbers numbersOf(const SoCamera& camera)
 }
 
 CameraNumbers numbersFor(const CameraRequest& request, const SbBox3f& box,
-                         const SbViewportRegion& region, float bottom)
+                         const SbViewportRegion& region, const FreeEdges& edges)
 {
     if (request.numbers)
         return *request.numbers;
     SoCamera* camera = newCamera(request);
     camera->ref();
     turn(*camera, request);
-    fitBox(*camera, box, region, bottom, Framing(request));
+    fitBox(*camera, box, region, edges, Framing(request));
     const CameraNumbers numbers = numbersOf(*camera);
     camera->unref();
     return numbers;
@@ -391,10 +392,10 @@ CameraNumbers turnedAround(const CameraNumbers& camera, const SbVec3f& middle, c
 }
 
 CameraNumbers withRoomToTurn(const CameraNumbers& camera, const SbBox3f& box, const SbVec3f& axis,
-                             const SbViewportRegion& region, float bottom,
+                             const SbViewportRegion& region, const FreeEdges& edges,
                              std::optional<double> margin)
 {
-    const Room room(region, bottom, margin);
+    const Room room(region, edges, margin);
     const SbRotation orientation = rotationOf(camera.orientation);
     const SbVec3f place(camera.position.data()), back = place - box.getCenter();
     const SbVec3f middle = turned(-back, orientation.inverse());
@@ -403,10 +404,11 @@ CameraNumbers withRoomToTurn(const CameraNumbers& camera, const SbBox3f& box, co
                      (camera.perspective ? std::tan(camera.size / 2) : camera.size / 2);
     const float aside = up * region.getViewportAspectRatio();
     // The view's sides: where they face, and how far out they are or how much they open.
-    const std::pair<SbVec3f, float> sides[] = {{{-1, 0, 0}, aside * room.width},
-                                               {{1, 0, 0}, aside * room.width},
-                                               {{0, -1, 0}, up * (1 - 2 * room.below)},
-                                               {{0, 1, 0}, up * (1 - 2 * bottom - 2 * room.below)}};
+    const std::pair<SbVec3f, float> sides[] = {
+        {{-1, 0, 0}, aside * room.width},
+        {{1, 0, 0}, aside * room.width},
+        {{0, -1, 0}, up * (1 - 2 * edges.top - 2 * room.below)},
+        {{0, 1, 0}, up * (1 - 2 * edges.bottom - 2 * room.below)}};
     float times = 1; // as far away
     for (const auto& [inwards, opening] : sides) {
         const SbVec3f normal = inwards - SbVec3f(0, 0, camera.perspective ? opening : 0);

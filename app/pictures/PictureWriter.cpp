@@ -259,7 +259,7 @@ PictureWriter::~PictureWriter() = default;
 std::string PictureWriter::draw(SoGeneralScene* scene, const Picture& picture, QImage& image,
                                 CameraNumbers* usedCamera)
 {
-    SoCamera* camera = makeCamera(picture.camera, scene, regionOf(picture), picture.bottom);
+    SoCamera* camera = makeCamera(picture.camera, scene, regionOf(picture), picture.edges);
     auto* root = new SoSeparator;
     root->ref();
     root->addChild(camera);

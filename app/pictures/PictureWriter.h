@@ -9,6 +9,7 @@
 
 #include "request/CameraRequest.h"
 #include "request/Colour.h"
+#include "request/FreeEdges.h"
 #include "request/limits.h"
 
 class QImage;
@@ -34,7 +35,7 @@ struct Picture
     Colour background;
     bool transparent; ///< the background is left out
     CameraRequest camera;
-    float bottom; ///< the part of the height that a standard view leaves free below the scene
+    FreeEdges edges;         ///< that a standard view leaves free
     int dpi = DPI_OF_PIXELS; ///< pixels per inch that the file tells, where its format can
     int samplesAtOnce = SAMPLES_AT_ONCE;
 };

@@ -88,8 +88,8 @@ FrameRenderer::FrameRenderer(Series& framesToDraw, const Stage& commonStage,
         CameraRequest request = withUsualSide(options.camera, stage.side);
         if (request.centre)
             request.centre = stage.placement.toScene(*request.centre);
-        fixed =
-            numbersFor(request, stage.room, regionOf(options), stage.colouring ? LEGEND_HEIGHT : 0);
+        fixed = numbersFor(request, stage.room, regionOf(options),
+                           stage.colouring ? roomOf(stage.style.legend.place) : FreeEdges());
         camera = *fixed;
     }
     common = "strandview " STRANDVIEW_VERSION "\n" + options.look + "\n" + stage.first + "\n" +
@@ -184,12 +184,14 @@ FrameRenderer::Drawn FrameRenderer::draw(std::size_t frame, const Configuration&
         return drawn;
     if (options.series.stamp)
         scene->setStamp(makeStamp(stampOf(frame), options.background, stage.style.legendTextSize,
-                                  float(options.pictureWidth) / float(options.pictureHeight)));
+                                  float(options.pictureWidth) / float(options.pictureHeight),
+                                  scene->getLegendRoom().top > 0 ? StampPlace::LOWER_LEFT
+                                                                 : StampPlace::UPPER_LEFT));
     drawn.failure =
         writer.draw(scene,
                     {name.of(frame), options.pictureWidth, options.pictureHeight, options.samples,
                      options.background, options.transparent, cameraOf(frame),
-                     scene->getLegendHeight(), options.dpi.value_or(DPI_OF_PIXELS)},
+                     scene->getLegendRoom(), options.dpi.value_or(DPI_OF_PIXELS)},
                     drawn.image, &camera);
     return drawn;
 }
@@ -236,14 +238,14 @@ std::optional<CameraNumbers> FrameRenderer::findTurnedCamera(std::size_t frame) 
         return {};
     const SbBox3f& box = scene->getBox();
     const SbViewportRegion region = regionOf(options);
-    const float bottom = scene->getLegendHeight();
+    const FreeEdges edges = scene->getLegendRoom();
     const CameraRequest request = scene->settle(options.camera);
-    const CameraNumbers still = fixed ? *fixed : numbersFor(request, box, region, bottom);
+    const CameraNumbers still = fixed ? *fixed : numbersFor(request, box, region, edges);
     const SbVec3f axis = axisToTurn(request, still);
     const CameraNumbers first =
         request.numbers || request.isFramed()
             ? still
-            : withRoomToTurn(still, box, axis, region, bottom, request.margin);
+            : withRoomToTurn(still, box, axis, region, edges, request.margin);
     if (frame == 0)
         return first == still ? std::nullopt : std::optional(first);
     const SbVec3f middle = request.centre ? toSbVec3f(*request.centre) : box.getCenter();

@@ -7,6 +7,7 @@
 
 #include "request/Colour.h"
 #include "request/ColourMap.h"
+#include "request/LegendLook.h"
 
 namespace strandview {
 
@@ -50,6 +51,7 @@ struct StyleRequest
     bool ownRange = false;            ///< each frame of a series has a range of its own
     bool symmetricRange = false;      ///< as far above 0 as below, around all values
     std::optional<ColourMap> colours; ///< else those that suit the scalar
+    LegendLook legend;
 };
 
 } // namespace strandview

@@ -38,6 +38,7 @@ std::string inWords(const Colour& colour)
 }
 std::string inWords(const std::string& text) { return text; }
 std::string inWords(const ColourMap& map) { return map.text; }
+std::string inWords(const NumberFormat& format) { return formatOf(format); }
 
 template <typename Value>
 Text textOf(const std::optional<Value>& value)
@@ -258,6 +259,67 @@ std::string readColours(const std::string& text, StyleRequest& request)
     return "";
 }
 
+// The legend
+
+struct NamedLegendPlace
+{
+    const char* name;
+    LegendPlace place;
+};
+
+const NamedLegendPlace LEGEND_PLACES[] = {
+    {"bottom", LegendPlace::BOTTOM}, {"top", LegendPlace::TOP}, {"off", LegendPlace::OFF}};
+
+Text valueOfLegendPlace(const StyleRequest& request)
+{
+    return std::find_if(std::begin(LEGEND_PLACES), std::end(LEGEND_PLACES),
+                        [&request](const NamedLegendPlace& known) {
+                            return known.place == request.legend.place;
+                        })
+        ->name;
+}
+
+std::string readLegendPlace(const std::string& text, StyleRequest& request)
+{
+    const auto* const named =
+        std::find_if(std::begin(LEGEND_PLACES), std::end(LEGEND_PLACES),
+                     [&text](const NamedLegendPlace& known) { return text == known.name; });
+    if (named == std::end(LEGEND_PLACES))
+        return found(text, "bottom, top or off");
+    request.legend.place = named->place;
+    return "";
+}
+
+template <auto member>
+Text valueOfLegend(const StyleRequest& request)
+{
+    return textOf(request.legend.*member);
+}
+
+template <auto member>
+void clearLegend(StyleRequest& request)
+{
+    request.legend.*member = LegendLook().*member;
+}
+
+template <auto member>
+std::string readLegendText(const std::string& text, StyleRequest& request)
+{
+    request.legend.*member = text;
+    return "";
+}
+
+std::string readLegendFormat(const std::string& text, StyleRequest& request)
+{
+    const std::optional<NumberFormat> format = parseNumberFormat(text);
+    if (!format)
+        return found(text, "auto or a point, a number of digits from 0 to " +
+                               std::to_string(NumberFormat::MOST_DIGITS) +
+                               " and f, e or g, such as .2f");
+    request.legend.format = *format;
+    return "";
+}
+
 const char* const LOOK = "Look";
 const char* const DNA = "DNA";
 const char* const COLOURS = "Colour by data";
@@ -326,6 +388,9 @@ std::vector<Setting> makeSettings()
     std::vector<std::string> dnaParts;
     for (const DnaPart& part : DNA_PARTS)
         dnaParts.push_back(part.name);
+    std::vector<std::string> legendPlaces;
+    for (const NamedLegendPlace& known : LEGEND_PLACES)
+        legendPlaces.push_back(known.name);
     return {
         makeLength<&Request::radius>("radius", "Radius", "Radius of the tube [from the data]"),
         makeLength<&Request::ribbonWidth>("ribbon-width", "Ribbon width",
@@ -374,6 +439,49 @@ std::vector<Setting> makeSettings()
              DEFAULT_SIGNED_MAP + " of what can be negative, such as torsion]",
          &valueOf<&Request::colours>, &readColours, &clear<&Request::colours>, 0, 0,
          namesOfColourMaps(), "colour-by"},
+        {"legend", SettingKind::CHOICE, "Legend", COLOURS, "PLACE",
+         "Where the legend is: bottom, top or off [bottom]", &valueOfLegendPlace, &readLegendPlace,
+         &clearLegend<&LegendLook::place>, 0, 0, legendPlaces, "colour-by"},
+        {"legend-title",
+         SettingKind::TEXT,
+         "Legend's title",
+         COLOURS,
+         "TEXT",
+         "Title of the legend [the scalar's name]",
+         &valueOfLegend<&LegendLook::title>,
+         &readLegendText<&LegendLook::title>,
+         &clearLegend<&LegendLook::title>,
+         0,
+         0,
+         {},
+         "colour-by"},
+        {"legend-unit",
+         SettingKind::TEXT,
+         "Legend's unit",
+         COLOURS,
+         "TEXT",
+         "Unit in the legend, none if it is empty [the scalar's, where it is known]",
+         &valueOfLegend<&LegendLook::unit>,
+         &readLegendText<&LegendLook::unit>,
+         &clearLegend<&LegendLook::unit>,
+         0,
+         0,
+         {},
+         "colour-by"},
+        {"legend-format",
+         SettingKind::NUMBER_FORMAT,
+         "Legend's numbers",
+         COLOURS,
+         "FORMAT",
+         "How the legend's numbers are written: auto; .2f, two decimals; .2e, with a power of ten; "
+         ".3g, three digits, the shorter of both [auto]",
+         &valueOfLegend<&LegendLook::format>,
+         &readLegendFormat,
+         &clearLegend<&LegendLook::format>,
+         0,
+         0,
+         {"auto", ".0f", ".1f", ".2f", ".3f", ".2e", ".3g"},
+         "colour-by"},
         {"dna", SettingKind::PARTS, "Shown of DNA", DNA, "WHAT,...",
          "Show backbone, bases as slabs, boxes of bases, boxes of pairs, atoms, or none "
          "[backbone,bases]",

@@ -20,6 +20,8 @@ enum class SettingKind {
     PARTS,  ///< some of some words, with commas
     SCALAR, ///< a name
     RANGE,
+    TEXT, ///< a line, which may be empty
+    NUMBER_FORMAT,
     COLOUR_MAP,
     REFERENCE ///< a file, or "first"
 };

@@ -307,10 +307,14 @@ void DataScene::tellColouring()
 {
     const bool isFirst = !legend;
     if (isFirst)
-        legend = std::make_unique<Legend>(style.background, style.legendTextSize);
+        legend = std::make_unique<Legend>(style.background, style.legendTextSize, style.legend);
+    else
+        legend->setLook(style.legend);
     legend->tell(*colouring);
-    if (!isFirst)
+    if (!isFirst) {
+        showLegend();
         return;
+    }
     legendChoice = new SoSwitch;
     legendChoice->addChild(legend->getNode());
     addChild(legendChoice);
@@ -321,9 +325,10 @@ bool DataScene::hasColours() const { return legend != nullptr; }
 
 void DataScene::showColours(bool show)
 {
-    if (!legend || show == (legendChoice->whichChild.getValue() == 0))
+    if (!legend || show == coloursShown)
         return;
-    legendChoice->whichChild = show ? 0 : SO_SWITCH_NONE;
+    coloursShown = show;
+    showLegend();
     for (const Kind& kind : kinds) {
         for (const ShownDatum& datum : kind.data) {
             if (datum.colours)
@@ -340,9 +345,12 @@ void DataScene::showColours(bool show)
     setShininess(show ? none : highlights);
 }
 
-bool DataScene::areColoursShown() const
+bool DataScene::areColoursShown() const { return !legend || coloursShown; }
+
+void DataScene::showLegend()
 {
-    return !legend || legendChoice->whichChild.getValue() == 0;
+    const bool isThere = coloursShown && style.legend.place != LegendPlace::OFF;
+    legendChoice->whichChild = isThere ? 0 : SO_SWITCH_NONE;
 }
 
 DataScene::Shininess DataScene::getShininess()
@@ -362,9 +370,9 @@ void DataScene::setShininess(const Shininess& values)
     shininess->value.setValues(0, int(values.size()), values.data());
 }
 
-float DataScene::getLegendHeight() const
+FreeEdges DataScene::getLegendRoom() const
 {
-    return legend && legendChoice->whichChild.getValue() == 0 ? LEGEND_HEIGHT : 0;
+    return legend && coloursShown ? roomOf(style.legend.place) : FreeEdges();
 }
 
 void DataScene::setBackground(const Colour& background)

@@ -17,6 +17,7 @@
 
 #include "request/CameraRequest.h"
 #include "request/Colour.h"
+#include "request/FreeEdges.h"
 #include "scene/Colouring.h"
 #include "scene/PickedPlace.h"
 #include "scene/Placement.h"
@@ -111,14 +112,14 @@ public:
     /// That of the legend, without the places of its points; nothing without one.
     const std::optional<Colouring>& getColouring() const { return colouring; }
     bool hasColours() const;
-    /// Whether data give the colours, and the legend is there. There are no highlights then,
-    /// so that what is turned to the light has the legend's colours; once the user has changed
-    /// that, highlights are left alone.
+    /// Whether data give the colours, and the legend is there unless the style has none. There are
+    /// no highlights then, so that what is turned to the light has the legend's colours; once the
+    /// user has changed that, highlights are left alone.
     void showColours(bool show);
     /// Whether data give the colours of what has colours of data.
     bool areColoursShown() const;
-    /// The part of a view's height, at its bottom, that the legend takes.
-    float getLegendHeight() const;
+    /// What of a view the legend takes, if it is shown.
+    FreeEdges getLegendRoom() const;
     /// Keeps the legend readable on another background.
     void setBackground(const Colour& background);
 
@@ -163,6 +164,7 @@ private:
     using Shininess = std::vector<float>;
     Shininess getShininess();
     void setShininess(const Shininess& values);
+    void showLegend();
     void tellColouring(); ///< by the legend: nothing else changes what it tells
 
     struct Kind
@@ -183,6 +185,7 @@ private:
     bool coarse = false;
     std::unique_ptr<Legend> legend;
     SoSwitch* legendChoice = nullptr; ///< whether it is shown
+    bool coloursShown = false;        ///< of data, with the legend or without
     SoNode* stamp = nullptr;
     Shininess highlights;           ///< while colours are shown: those without
     bool areUserHighlights = false; ///< changed while colours were shown

@@ -2,6 +2,8 @@
 #include "scene/Legend.h"
 
 #include <algorithm>
+#include <cmath>
+#include <optional>
 
 #include <Inventor/nodes/SoBaseColor.h>
 #include <Inventor/nodes/SoCoordinate3.h>
@@ -13,10 +15,12 @@
 #include <Inventor/nodes/SoQuadMesh.h>
 #include <Inventor/nodes/SoSeparator.h>
 #include <Inventor/nodes/SoSwitch.h>
+#include <Inventor/nodes/SoTranslation.h>
 
 #include "request/conversions.h"
 #include "scene/Colouring.h"
 #include "scene/Lettering.h"
+#include "scene/SoLegendCamera.h"
 #include "scene/Ticks.h"
 #include "scene/overlay.h"
 
@@ -41,6 +45,9 @@ const float WIDEST = 1.9f; // of all text
 const int BAR_CELLS = 256;
 const int MOST_STEPS = 8;
 const char* const NO_VALUE = "no value";
+
+// How much higher than at the bottom of its view, which is 2 high.
+float liftOf(LegendPlace place) { return place == LegendPlace::TOP ? 2 - 2 * LEGEND_HEIGHT : 0; }
 
 // From left to right on the view.
 struct Bar
@@ -125,6 +132,40 @@ std::vector<LegendText> layOutNumbers(const Colouring& colouring, const Ticks& t
     return numbers;
 }
 
+// Those whose numbers are what is written.
+Ticks exactIn(const NumberFormat& format, const Ticks& ticks, double range)
+{
+    Ticks exact;
+    for (const double value : ticks.values) {
+        if (std::abs(format.rounded(value) - value) > 1e-6 * range)
+            continue;
+        exact.values.push_back(value);
+        exact.labels.push_back(format.write(value));
+    }
+    return exact;
+}
+
+bool areInView(const std::vector<LegendText>& texts)
+{
+    return std::all_of(texts.begin(), texts.end(), [](const LegendText& text) {
+        return std::abs(text.x) + text.width / 2 <= WIDEST / 2;
+    });
+}
+
+// Of a format, at least two with room beside each other; nothing if there are none.
+std::optional<Ticks> ticksIn(const NumberFormat& format, const Colouring& colouring,
+                             const Text& letters)
+{
+    for (int steps = MOST_STEPS; steps >= 1; --steps) {
+        const Ticks ticks = exactIn(format, makeTicks(colouring.min, colouring.max, steps),
+                                    colouring.max - colouring.min);
+        const std::vector<LegendText> numbers = layOutNumbers(colouring, ticks, letters);
+        if (ticks.values.size() >= 2 && areApart(numbers, letters.gap()) && areInView(numbers))
+            return ticks;
+    }
+    return {};
+}
+
 // As many as have room beside each other.
 Ticks chooseTicks(const Colouring& colouring, const Text& letters)
 {
@@ -138,30 +179,61 @@ Ticks chooseTicks(const Colouring& colouring, const Text& letters)
     return ticks;
 }
 
-// The one number of a constant is its own tick.
-Ticks ticksOf(const Colouring& colouring, const Text& letters)
+// What rounding alone makes of 0 is 0 in every format.
+std::string constantIn(const NumberFormat& format, const Colouring& colouring)
 {
-    if (colouring.constant.empty())
-        return chooseTicks(colouring, letters);
-    return {{(colouring.min + colouring.max) / 2}, {colouring.constant}, ""};
+    const double middle = colouring.constantMin / 2 + colouring.constantMax / 2;
+    return format.write(colouring.constant == "0" ? 0 : middle);
 }
 
-// "roll (°)" where the unit is known. A long name loses its end, and keeps the unit.
-std::string title(const Colouring& colouring, float room, const Text& letters)
+// The one number of a constant is its own tick.
+Ticks tickOfConstant(const Colouring& colouring, const NumberFormat& format, const Text& letters)
 {
-    const std::string unit = colouring.unit.empty() ? "" : " (" + colouring.unit + ")";
-    return letters.elide(colouring.name, room - letters.make(unit, 0, 0).width) + unit;
+    const double middle = (colouring.min + colouring.max) / 2;
+    if (!format.isAuto()) {
+        const Ticks ticks{{middle}, {constantIn(format, colouring)}, ""};
+        const std::vector<LegendText> numbers = layOutNumbers(colouring, ticks, letters);
+        if (areApart(numbers, letters.gap()) && areInView(numbers))
+            return ticks;
+    }
+    return {{middle}, {colouring.constant}, ""};
+}
+
+Ticks ticksOf(const Colouring& colouring, const NumberFormat& format, const Text& letters)
+{
+    if (!colouring.constant.empty())
+        return tickOfConstant(colouring, format, letters);
+    if (!format.isAuto()) {
+        if (const std::optional<Ticks> ticks = ticksIn(format, colouring, letters))
+            return *ticks;
+    }
+    return chooseTicks(colouring, letters);
+}
+
+// "roll (°)" where there is a unit, which stands alone where there is no title. A long title loses
+// its end, and keeps the unit, which takes half of the room at most.
+std::string title(const Colouring& colouring, const LegendLook& look, float room,
+                  const Text& letters)
+{
+    const std::string name = look.title.value_or(colouring.name);
+    const std::string unit = look.unit.value_or(colouring.unit);
+    if (unit.empty() || name.empty())
+        return letters.elide(name + unit, room);
+    const auto inBrackets = [](const std::string& text) { return " (" + text + ")"; };
+    const float brackets = letters.make(inBrackets(""), 0, 0).width;
+    const std::string behind = inBrackets(letters.elide(unit, room / 2 - brackets));
+    return letters.elide(name, room - letters.make(behind, 0, 0).width) + behind;
 }
 
 // The name in the middle and what belongs to the numbers at the bar's end, or both in a row
 // where they would meet.
-std::vector<LegendText> layOutName(const Colouring& colouring, const std::string& note,
-                                   const Text& letters)
+std::vector<LegendText> layOutName(const Colouring& colouring, const LegendLook& look,
+                                   const std::string& note, const Text& letters)
 {
     LegendText behind = letters.make(note, 0, NAME);
     const float apart = note.empty() ? 0 : 2 * letters.gap();
     const float room = WIDEST - behind.width - apart;
-    LegendText name = letters.make(title(colouring, room, letters), 0, NAME);
+    LegendText name = letters.make(title(colouring, look, room, letters), 0, NAME);
     if (note.empty())
         return {name};
     behind.x = Bar(colouring).right - behind.width / 2;
@@ -173,9 +245,11 @@ std::vector<LegendText> layOutName(const Colouring& colouring, const std::string
     return {name, behind};
 }
 
-std::vector<LegendText> layOut(const Colouring& colouring, const Ticks& ticks, const Text& letters)
+// At the bottom.
+std::vector<LegendText> layOut(const Colouring& colouring, const LegendLook& look,
+                               const Ticks& ticks, const Text& letters)
 {
-    std::vector<LegendText> texts = layOutName(colouring, ticks.note, letters);
+    std::vector<LegendText> texts = layOutName(colouring, look, ticks.note, letters);
     const std::vector<LegendText> numbers = layOutNumbers(colouring, ticks, letters);
     texts.insert(texts.end(), numbers.begin(), numbers.end());
     return texts;
@@ -310,20 +384,39 @@ std::vector<SbVec3f> layOutTicks(const Colouring& colouring, const Ticks& ticks,
 
 } // namespace
 
-std::vector<LegendText> layOutLegend(const Colouring& colouring, float textSize)
+FreeEdges roomOf(LegendPlace place)
+{
+    switch (place) {
+    case LegendPlace::BOTTOM:
+        return {LEGEND_HEIGHT, 0};
+    case LegendPlace::TOP:
+        return {0, LEGEND_HEIGHT};
+    case LegendPlace::OFF:
+        break;
+    }
+    return {};
+}
+
+std::vector<LegendText> layOutLegend(const Colouring& colouring, float textSize,
+                                     const LegendLook& look)
 {
     const Text letters(textSize);
-    return layOut(colouring, ticksOf(colouring, letters), letters);
+    std::vector<LegendText> texts =
+        layOut(colouring, look, ticksOf(colouring, look.format, letters), letters);
+    for (LegendText& text : texts)
+        text.y += liftOf(look.place);
+    return texts;
 }
 
 // In the order in which they are drawn.
 class Legend::Nodes
 {
 public:
-    Nodes(const Colour& background, float textSize) : letters(textSize)
+    Nodes(const Colour& background, float textSize, const LegendLook& firstLook) : letters(textSize)
     {
         root->ref();
         setBackground(background);
+        setLook(firstLook);
     }
     ~Nodes() { root->unref(); }
     Nodes(const Nodes&) = delete;
@@ -337,14 +430,20 @@ public:
         showBesideBar(colouring, bar);
         const std::vector<SbVec3f> corners = layOutFrame(colouring, bar);
         frame.set(corners, int(corners.size()));
-        const Ticks found = ticksOf(colouring, letters);
+        const Ticks found = ticksOf(colouring, look.format, letters);
         ticks.set(layOutTicks(colouring, found, bar), 2);
         std::vector<SbVec3f> ofLetters;
-        for (const LegendText& text : layOut(colouring, found, letters))
+        for (const LegendText& text : layOut(colouring, look, found, letters))
             letters.addCorners(text, ofLetters);
         texts.set(ofLetters);
     }
     void setBackground(const Colour& background) { ink->rgb = toSbColor(inkOn(background)); }
+    void setLook(const LegendLook& next)
+    {
+        look = next;
+        cameraOf(*root).standAtTop(look.place == LegendPlace::TOP);
+        lift->translation = SbVec3f(0, liftOf(look.place), 0);
+    }
 
 private:
     // What the colours of the bar do not show.
@@ -368,6 +467,12 @@ private:
         else
             missing.hide();
     }
+    static SoTranslation* addLift(SoSeparator& legend)
+    {
+        auto* lift = new SoTranslation;
+        legend.addChild(lift);
+        return lift;
+    }
     static SoBaseColor* addInk(SoSeparator& legend)
     {
         auto* ink = new SoBaseColor;
@@ -376,7 +481,9 @@ private:
     }
 
     const Text letters;
+    LegendLook look;
     SoSeparator* const root = makeOverlay();
+    SoTranslation* const lift = addLift(*root);
     Ramp ramp{*root};
     Face below{*root}, above{*root}, missing{*root};
     SoBaseColor* const ink = addInk(*root); // of all that follows
@@ -384,8 +491,8 @@ private:
     Quadrilaterals texts{*root};
 };
 
-Legend::Legend(const Colour& background, float textSize)
-    : nodes(std::make_unique<Nodes>(background, textSize))
+Legend::Legend(const Colour& background, float textSize, const LegendLook& look)
+    : nodes(std::make_unique<Nodes>(background, textSize, look))
 {}
 
 Legend::~Legend() = default;
@@ -393,6 +500,8 @@ Legend::~Legend() = default;
 SoNode* Legend::getNode() const { return nodes->getRoot(); }
 
 void Legend::tell(const Colouring& colouring) { nodes->tell(colouring); }
+
+void Legend::setLook(const LegendLook& look) { nodes->setLook(look); }
 
 void Legend::setBackground(const Colour& background) { nodes->setBackground(background); }
 

@@ -7,6 +7,8 @@
 #include <vector>
 
 #include "request/Colour.h"
+#include "request/FreeEdges.h"
+#include "request/LegendLook.h"
 
 class SoNode;
 
@@ -19,8 +21,10 @@ constexpr float LEGEND_TEXT_SIZE = 0.05f;
 /// For which there is room.
 constexpr float LARGEST_LEGEND_TEXT_SIZE = 0.1f;
 
-/// The part of a view's height, at its bottom, that a legend takes.
+/// The part of a view's height, at its bottom or its top, that a legend takes.
 constexpr float LEGEND_HEIGHT = 0.16f;
+/// What it takes of the view where it stands.
+FreeEdges roomOf(LegendPlace place);
 
 /// A line of a legend's text: its middle, and its width.
 struct LegendText
@@ -31,15 +35,20 @@ struct LegendText
 };
 
 /// The texts of a legend, none over another, in its own view, which is 2 high and 2 wide or
-/// more; y is -1 at its bottom and x is 0 in the middle: the name, what makes the numbers values if
-/// anything does, and the numbers, as many as there is room for.
-std::vector<LegendText> layOutLegend(const Colouring& colouring, float textSize);
+/// more; x is 0 in the middle, and y is -1 at its bottom or, for a legend at the top, 1 at its top:
+/// the title with the unit, what makes the numbers values if anything does, and the numbers, as
+/// many as there is room for. A title that is too long loses its end.
+///
+/// In a format that is asked for there are numbers where they are exact in it. Where fewer than two
+/// are, or those have no room, all are written as suits them.
+std::vector<LegendText> layOutLegend(const Colouring& colouring, float textSize,
+                                     const LegendLook& look = {});
 
-/// A framed bar with the ramp, ticks with their numbers, and the scalar's name, at the bottom of
-/// whatever view it is drawn in. Triangles at its ends show that values lie beyond them, a grey
-/// patch beside it that some are no numbers. A constant has one colour and one number, and the
-/// triangles where another frame has other numbers. The text is black or white, as is read on the
-/// background.
+/// A framed bar with the ramp, ticks with their numbers, and the scalar's name, at the bottom or
+/// the top of whatever view it is drawn in; whoever draws it looks whether it is to be there.
+/// Triangles at its ends show that values lie beyond them, a grey patch beside it that some are no
+/// numbers. A constant has one colour and one number, and the triangles where another frame has
+/// other numbers. The text is black or white, as is read on the background.
 ///
 /// Its nodes stay, whatever it tells, which may be something else in every frame. In the thread
 /// that Coin is used in.
@@ -47,7 +56,7 @@ class Legend
 {
 public:
     /// Which tells nothing yet.
-    Legend(const Colour& background, float textSize);
+    Legend(const Colour& background, float textSize, const LegendLook& look = {});
     ~Legend();
     Legend(const Legend&) = delete;
     Legend& operator=(const Legend&) = delete;
@@ -55,6 +64,8 @@ public:
     /// All of it; the legend has one of its references.
     SoNode* getNode() const;
     void tell(const Colouring& colouring);
+    /// Of what it tells from the next time on; it moves at once.
+    void setLook(const LegendLook& look);
     void setBackground(const Colour& background);
 
 private:

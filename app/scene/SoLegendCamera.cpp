@@ -21,13 +21,27 @@ SoLegendCamera::SoLegendCamera()
 
 SoLegendCamera::~SoLegendCamera() = default;
 
+void SoLegendCamera::standAtTop(bool atTop)
+{
+    if (atTop == isAtTop)
+        return;
+    isAtTop = atTop;
+    touch();
+}
+
+void SoLegendCamera::copyContents(const SoFieldContainer* from, SbBool copyConnections)
+{
+    SoOrthographicCamera::copyContents(from, copyConnections);
+    isAtTop = static_cast<const SoLegendCamera*>(from)->isAtTop;
+}
+
 SbViewVolume SoLegendCamera::getViewVolume(float useaspectratio) const
 {
     SbViewVolume volume = SoOrthographicCamera::getViewVolume(useaspectratio);
     // A view that is higher than wide grows about its middle until it is 2 wide.
     const float aspect = useaspectratio > 0 ? useaspectratio : aspectRatio.getValue();
     if (aspect < 1)
-        volume.translateCamera(SbVec3f(0, 1 / aspect - 1, 0));
+        volume.translateCamera(SbVec3f(0, (isAtTop ? -1 : 1) * (1 / aspect - 1), 0));
     return volume;
 }
 

@@ -20,13 +20,16 @@ std::string stampText(std::size_t frame, const std::optional<double>& time)
     return time ? text + ", t = " + numberText(*time, 6) : text;
 }
 
-SoNode* makeStamp(const std::string& text, const Colour& background, float textSize, float aspect)
+SoNode* makeStamp(const std::string& text, const Colour& background, float textSize, float aspect,
+                  StampPlace place)
 {
     const float width = 2 * std::max(aspect, 1.0f), height = 2 * std::max(1 / aspect, 1.0f);
-    const float margin = textSize / 2, ascent = 0.8f * textSize;
+    const float margin = textSize / 2, ascent = 0.8f * textSize, descent = 0.25f * textSize;
     const Lettering letters;
     const std::string shown = letters.elide(text, double((width - 2 * margin) / textSize));
-    const SbVec3f begin(margin - width / 2, height - 1 - margin - ascent, 0);
+    const float baseline =
+        place == StampPlace::LOWER_LEFT ? margin + descent - 1 : height - 1 - margin - ascent;
+    const SbVec3f begin(margin - width / 2, baseline, 0);
     std::vector<SbVec3f> corners;
     for (const SbVec2f& corner : letters.getShape(shown))
         corners.push_back(begin + textSize * SbVec3f(corner[0], corner[1], 0));

@@ -12,13 +12,16 @@ class SoNode;
 
 namespace strandview {
 
+enum class StampPlace { UPPER_LEFT, LOWER_LEFT };
+
 /// "frame 12, t = 0.48", or "frame 12" where the time is not known.
 std::string stampText(std::size_t frame, const std::optional<double>& time);
 
-/// A line of text in the upper left corner of a view whose width is so many times its height, as
-/// large as a legend's letters and no wider than the view; black or white, as is read on the
-/// background. Its reference count is zero.
-SoNode* makeStamp(const std::string& text, const Colour& background, float textSize, float aspect);
+/// A line of text in the upper or lower left corner of a view whose width is so many times its
+/// height, as large as a legend's letters and no wider than the view; black or white, as is read on
+/// the background. Its reference count is zero.
+SoNode* makeStamp(const std::string& text, const Colour& background, float textSize, float aspect,
+                  StampPlace place = StampPlace::UPPER_LEFT);
 
 } // namespace strandview
 

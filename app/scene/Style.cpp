@@ -124,6 +124,7 @@ Style makeStyle(const Options& options, const Configuration& configuration)
     style.tubeColour = options.tubeColour;
     style.ribbonColour = options.ribbonColour.value_or(RIBBON_COLOUR);
     style.background = options.background;
+    style.legend = options.legend;
     style.legendTextSize = automaticTextSize(options);
     style.glyphSize = configuration.rods.empty() ? diagonal(extent) / 30 : 4 * style.radius;
     style.dna = options.dna;

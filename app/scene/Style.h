@@ -29,6 +29,7 @@ struct Style
     std::optional<Colour> tubeColour; ///< of all rods; otherwise a colour each
     Colour ribbonColour;
     Colour background;
+    LegendLook legend;
     float legendTextSize; ///< in the legend's own view
 
     double glyphSize; ///< of markers and frames that have none of their own

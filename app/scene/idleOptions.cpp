@@ -29,7 +29,8 @@ struct Shown
           ribbons(rods && options.showRibbon.value_or(true)),
           frames(!data.dnas.empty() || !data.loneBases.empty() || !data.birods.empty() ||
                  !data.frames.empty() || haveFrames(data.rods)),
-          background(!options.transparent || options.colourBy)
+          legend(options.legend.place != LegendPlace::OFF),
+          background(!options.transparent || (options.colourBy && legend))
     {}
 
     static bool haveBackbone(const std::vector<Rod>& rods)
@@ -46,6 +47,7 @@ struct Shown
     bool curves; ///< those and backbones
     bool single; ///< rods that may be closed
     bool tubes, ribbons, frames;
+    bool legend;
     bool background; ///< the legend is drawn in a colour that suits it
 };
 
@@ -76,6 +78,9 @@ const Rule RULES[] = {{"--dna", &Shown::dna, "found no DNA"},
                       {"--two-sided", &Shown::ribbons, "--no-ribbon hides the ribbons"},
                       {"--normalise", &Shown::frames, "found no frames"},
                       {"--closed", &Shown::single, "found no rods"},
+                      {"--legend-title", &Shown::legend, "--legend off leaves it out"},
+                      {"--legend-unit", &Shown::legend, "--legend off leaves it out"},
+                      {"--legend-format", &Shown::legend, "--legend off leaves it out"},
                       {"--background", &Shown::background, "--transparent leaves it out"}};
 
 // As it stands on the command line.

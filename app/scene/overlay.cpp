@@ -30,6 +30,11 @@ SoSeparator* makeOverlay()
     return overlay;
 }
 
+SoLegendCamera& cameraOf(SoSeparator& overlay)
+{
+    return *static_cast<SoLegendCamera*>(overlay.getChild(0));
+}
+
 Quadrilaterals::Quadrilaterals(SoSeparator& overlay)
     : coordinates(new SoCoordinate3), faces(new SoFaceSet)
 {

@@ -14,9 +14,13 @@ class SoSeparator;
 
 namespace strandview {
 
+class SoLegendCamera;
+
 /// Something flat to be drawn over a scene, in a view of its own (SoLegendCamera): unlit, and
 /// before all else. Its reference count is zero.
 SoSeparator* makeOverlay();
+/// Of such a view, which is one of a legend's own.
+SoLegendCamera& cameraOf(SoSeparator& overlay);
 
 /// Quadrilaterals in the colour that was set last, whose nodes stay as they change.
 class Quadrilaterals

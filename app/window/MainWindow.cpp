@@ -376,7 +376,7 @@ void MainWindow::centre(const SbBox3f& box)
     if (!scene || box.isEmpty())
         return;
     fitBox(*viewer->getCamera(), box, scene, SbViewportRegion(ownedViewer->getGLSize()),
-           scene->getLegendHeight());
+           scene->getLegendRoom());
     update3DZoom();
 }
 
@@ -626,7 +626,7 @@ void MainWindow::place(const CameraRequest& request)
     viewer->setCameraType(request.isPerspective() ? SoPerspectiveCamera::getClassTypeId()
                                                   : SoOrthographicCamera::getClassTypeId());
     placeCamera(*viewer->getCamera(), request, scene, SbViewportRegion(ownedViewer->getGLSize()),
-                scene->getLegendHeight());
+                scene->getLegendRoom());
     fitted.reset();
     if (!request.numbers && !request.isFramed())
         fitted = getCameraNumbers();
@@ -643,7 +643,7 @@ void MainWindow::fit()
 {
     const bool staysHome = isFitted() && homeNumbers == fitted;
     fitScene(*viewer->getCamera(), scene, SbViewportRegion(ownedViewer->getGLSize()),
-             scene->getLegendHeight(), options.camera.margin);
+             scene->getLegendRoom(), options.camera.margin);
     fitted = getCameraNumbers();
     if (staysHome) // in another size
         homeNumbers = fitted;
@@ -742,6 +742,8 @@ void MainWindow::showStyle(Restyler::Result& result)
             panel->tellFault(fault);
     };
     std::string fault = result.report.error;
+    const bool wasFitted = isFitted();
+    const FreeEdges roomBefore = scene->getLegendRoom();
     if (result.look && result.task.frame != scene->getData()) { // another frame came meanwhile
         restyle();
         return;
@@ -762,6 +764,8 @@ void MainWindow::showStyle(Restyler::Result& result)
     const bool isOtherScalar = shownStyle.colourBy != result.task.options.colourBy;
     shownStyle = result.task.options;
     scene->showColours((*menus)[Command::SHOW_COLOURS]->isChecked());
+    if (wasFitted && scene->getLegendRoom() != roomBefore)
+        fit();
     if (player)
         player->follow({scene->getStyle(), scene->getPlacement(), result.task.options},
                        isOtherScalar ? FrameStore::NEW_STAGE : FrameStore::SAME_STAGE);
@@ -784,6 +788,8 @@ void MainWindow::tellStyle()
             shown.ownRange = shown.symmetricRange = false;
             shown.rangeMin = colouring->min;
             shown.rangeMax = colouring->max;
+            shown.legend.title = options.legend.title.value_or(colouring->name);
+            shown.legend.unit = options.legend.unit.value_or(colouring->unit);
         }
     }
     for (SettingsPanel* panel : {lookPanel, colourPanel})

@@ -405,6 +405,60 @@ private:
     QCheckBox* const reversed;
 };
 
+// A line, which is told when it is done.
+class TextControl : public SettingControl
+{
+public:
+    TextControl(const Setting& ofText, QWidget* parent)
+        : SettingControl(ofText, new QLineEdit(parent)), field(static_cast<QLineEdit*>(widget))
+    {
+        connect(field, &QLineEdit::editingFinished, this, [this] {
+            if (!field->isModified())
+                return;
+            field->setModified(false);
+            emit chosen(field->text());
+        });
+    }
+    void show(const Text& asked, const Text& shown) override
+    {
+        if (!field->isModified())
+            field->setText(toQt(asked ? asked : shown));
+    }
+
+private:
+    QLineEdit* const field;
+};
+
+// Some formats to choose from, or one that is typed.
+class FormatControl : public SettingControl
+{
+public:
+    FormatControl(const Setting& ofFormat, QWidget* parent)
+        : SettingControl(ofFormat, new QComboBox(parent)), list(static_cast<QComboBox*>(widget))
+    {
+        list->setEditable(true);
+        list->setInsertPolicy(QComboBox::NoInsert);
+        for (const std::string& word : setting.words)
+            list->addItem(QString::fromStdString(word));
+        connect(list, QOverload<int>::of(&QComboBox::activated), this,
+                [this] { emit chosen(list->currentText()); });
+        connect(list->lineEdit(), &QLineEdit::editingFinished, this, [this] {
+            if (!list->lineEdit()->isModified())
+                return;
+            list->lineEdit()->setModified(false);
+            emit chosen(list->currentText());
+        });
+    }
+    void show(const Text& /*asked*/, const Text& shown) override
+    {
+        if (!list->lineEdit()->isModified())
+            list->setCurrentText(toQt(shown));
+    }
+
+private:
+    QComboBox* const list;
+};
+
 class ReferenceControl : public SettingControl
 {
 public:
@@ -472,6 +526,10 @@ SettingControl* SettingControl::make(const Setting& setting, QWidget* parent)
         return new ScalarControl(setting, parent);
     case SettingKind::RANGE:
         return new RangeControl(setting, parent);
+    case SettingKind::TEXT:
+        return new TextControl(setting, parent);
+    case SettingKind::NUMBER_FORMAT:
+        return new FormatControl(setting, parent);
     case SettingKind::COLOUR_MAP:
         return new MapControl(setting, parent);
     case SettingKind::REFERENCE:

@@ -101,10 +101,25 @@ void SettingsPanel::tellFault(const std::string& fault)
     faultLine->setVisible(!fault.empty());
 }
 
+namespace {
+
+// What was written about one scalar would be wrong of another.
+void clearTextsOf(const Setting& scalar, StyleRequest& request)
+{
+    for (const Setting& other : settings()) {
+        if (other.kind == SettingKind::TEXT && other.neededSetting == scalar.name)
+            other.clear(request);
+    }
+}
+
+} // namespace
+
 void SettingsPanel::read(const Setting& setting, const QString& text)
 {
     StyleRequest next = request;
     const std::string fault = setting.read(text.toStdString(), next);
+    if (fault.empty() && setting.kind == SettingKind::SCALAR && next != request)
+        clearTextsOf(setting, next);
     tellFault(fault.empty() ? "" : std::string(setting.label) + ": " + fault);
     if (fault.empty() && next != request)
         emit changed(next, setting.name);

@@ -87,19 +87,21 @@ protected:
         return seen;
     }
 
-    static void expectInView(const Seen& seen, const SoCamera& camera, float bottom, float slack)
+    static void expectInView(const Seen& seen, const SoCamera& camera, const FreeEdges& edges,
+                             float slack)
     {
         EXPECT_GE(seen.lowest[0], -slack);
         EXPECT_LE(seen.highest[0], 1 + slack);
-        EXPECT_GE(seen.lowest[1], bottom - slack);
-        EXPECT_LE(seen.highest[1], 1 + slack);
+        EXPECT_GE(seen.lowest[1], edges.bottom - slack);
+        EXPECT_LE(seen.highest[1], 1 - edges.top + slack);
         EXPECT_GE(seen.lowest[2], camera.nearDistance.getValue());
     }
 
-    using Check = std::function<void(const CameraRequest&, const SbVec2s& size, float bottom)>;
+    using Check =
+        std::function<void(const CameraRequest&, const SbVec2s& size, const FreeEdges& edges)>;
 
     // Scenes of boxes of several shapes, each from every side in views of these sizes with more and
-    // less room below.
+    // less room below and above.
     void forEachView(const std::vector<SbVec2s>& sizes, const Check& check)
     {
         for (const SbVec3f& box :
@@ -111,12 +113,14 @@ protected:
                     request.side = side;
                     request.perspective = perspective;
                     for (const SbVec2s& size : sizes) {
-                        for (const float bottom : {0.0f, 0.12f, 0.5f}) {
+                        for (const FreeEdges& edges :
+                             {FreeEdges(), {0.12f, 0}, {0.5f, 0}, {0, 0.12f}, {0.3f, 0.1f}}) {
                             SCOPED_TRACE(testing::Message()
                                          << (perspective ? "perspective" : "orthographic")
                                          << " side " << int(side) << ", " << size[0] << "x"
-                                         << size[1] << ", bottom " << bottom << ", box " << box[0]);
-                            check(request, size, bottom);
+                                         << size[1] << ", free " << edges.bottom << " and "
+                                         << edges.top << ", box " << box[0]);
+                            check(request, size, edges);
                         }
                     }
                 }
@@ -132,35 +136,36 @@ TEST_F(CameraTest, FitsTheWholeBoxFromEverySideIntoAnyView)
 {
     std::vector<SbVec2s> sizes = SIZES;
     sizes.insert(sizes.end(), {{30, 900}, {1000, 1}, {1, 1000}});
-    forEachView(sizes, [&](const CameraRequest& request, const SbVec2s& size, float bottom) {
-        SoCamera* camera = makeCamera(request, scene, SbViewportRegion(size), bottom);
-        camera->ref();
-        const Seen seen = look(*camera, size);
-        expectInView(seen, *camera, bottom, 2e-4f);
-        EXPECT_LE(seen.highest[2], camera->farDistance.getValue());
-        // Sideways in the middle; and it fills the view in one direction.
-        EXPECT_NEAR(seen.lowest[0] + seen.highest[0], 1, 1e-3);
-        const float width = seen.highest[0] - seen.lowest[0];
-        const float height = (seen.highest[1] - seen.lowest[1]) / (1 - bottom);
-        EXPECT_GT(std::max(width, height), request.isPerspective() ? 0.6f : 0.94f);
-        camera->unref();
-    });
+    forEachView(sizes,
+                [&](const CameraRequest& request, const SbVec2s& size, const FreeEdges& edges) {
+                    SoCamera* camera = makeCamera(request, scene, SbViewportRegion(size), edges);
+                    camera->ref();
+                    const Seen seen = look(*camera, size);
+                    expectInView(seen, *camera, edges, 2e-4f);
+                    EXPECT_LE(seen.highest[2], camera->farDistance.getValue());
+                    // Sideways in the middle; and it fills the view in one direction.
+                    EXPECT_NEAR(seen.lowest[0] + seen.highest[0], 1, 1e-3);
+                    const float width = seen.highest[0] - seen.lowest[0];
+                    const float height = (seen.highest[1] - seen.lowest[1]) / (1 - edges.both());
+                    EXPECT_GT(std::max(width, height), request.isPerspective() ? 0.6f : 0.94f);
+                    camera->unref();
+                });
 }
 
 TEST_F(CameraTest, WithRoomToTurnTheWholeBoxIsInViewAllTheWayRound)
 {
-    forEachView(SIZES, [&](CameraRequest request, const SbVec2s& size, float bottom) {
+    forEachView(SIZES, [&](CameraRequest request, const SbVec2s& size, const FreeEdges& edges) {
         const SbBox3f filled(corners[0], corners[7]);
         const SbViewportRegion region(size);
-        const CameraNumbers fitted = numbersFor(request, filled, region, bottom);
+        const CameraNumbers fitted = numbersFor(request, filled, region, edges);
         const SbVec3f axis = axisToTurn(request, fitted);
-        const CameraNumbers start = withRoomToTurn(fitted, filled, axis, region, bottom);
+        const CameraNumbers start = withRoomToTurn(fitted, filled, axis, region, edges);
         EXPECT_LT(start.focalDistance, 40 * fitted.focalDistance);
         for (int i = 0; i < 24; ++i) {
             request.numbers = turnedAround(start, filled.getCenter(), axis, 2 * M_PI * i / 24);
-            SoCamera* camera = makeCamera(request, scene, region, bottom);
+            SoCamera* camera = makeCamera(request, scene, region, edges);
             camera->ref();
-            expectInView(look(*camera, size), *camera, bottom, 1e-3f);
+            expectInView(look(*camera, size), *camera, edges, 1e-3f);
             camera->unref();
         }
     });
@@ -223,17 +228,17 @@ TEST_F(CameraTest, AFittedOrthographicBoxLeavesTheMarginOnly)
 
 TEST_F(CameraTest, AMarginIsAPartOfTheShorterSideAtTheBordersThatAreReached)
 {
-    forEachView(SIZES, [&](CameraRequest request, const SbVec2s& size, float bottom) {
+    forEachView(SIZES, [&](CameraRequest request, const SbVec2s& size, const FreeEdges& edges) {
         for (const double margin : {0.0, 0.05, 0.2}) {
             request.margin = margin;
-            SoCamera* camera = makeCamera(request, scene, SbViewportRegion(size), bottom);
+            SoCamera* camera = makeCamera(request, scene, SbViewportRegion(size), edges);
             camera->ref();
             const Seen seen = look(*camera, size);
             const float pixels = float(margin) * float(std::min(size[0], size[1]));
             const float left = seen.lowest[0] * float(size[0]);
             const float right = (1 - seen.highest[0]) * float(size[0]);
-            const float below = (seen.lowest[1] - bottom) * float(size[1]);
-            const float above = (1 - seen.highest[1]) * float(size[1]);
+            const float below = (seen.lowest[1] - edges.bottom) * float(size[1]);
+            const float above = (1 - edges.top - seen.highest[1]) * float(size[1]);
             const float slack = 1e-3f * float(std::max(size[0], size[1]));
             EXPECT_NEAR(std::min({left, right, below, above}), pixels, slack);
             EXPECT_NEAR(left, right, slack);
@@ -244,12 +249,12 @@ TEST_F(CameraTest, AMarginIsAPartOfTheShorterSideAtTheBordersThatAreReached)
 
 TEST_F(CameraTest, ZoomMultipliesWhatIsSeenAboutWhereItsMiddleIs)
 {
-    forEachView(SIZES, [&](CameraRequest request, const SbVec2s& size, float bottom) {
+    forEachView(SIZES, [&](CameraRequest request, const SbVec2s& size, const FreeEdges& edges) {
         SbViewportRegion region(size); // which Coin's view volumes may change
         const SbVec3f middle(3, -1, 2);
         const auto placesOf = [&](double zoom) {
             request.zoom = zoom;
-            SoCamera* camera = makeCamera(request, scene, region, bottom);
+            SoCamera* camera = makeCamera(request, scene, region, edges);
             camera->ref();
             const SbViewVolume volume = camera->getViewVolume(region, region);
             std::vector<SbVec3f> places(9);
@@ -260,26 +265,26 @@ TEST_F(CameraTest, ZoomMultipliesWhatIsSeenAboutWhereItsMiddleIs)
         };
         const auto once = placesOf(1), thrice = placesOf(3);
         // Where it leaves something free a perspective camera moves up or down a little.
-        const bool isExact = !request.perspective || bottom == 0;
+        const bool isExact = !request.perspective || edges == FreeEdges();
         for (std::size_t i = 0; i < 8; ++i)
             for (int axis = 0; axis < (isExact ? 2 : 1); ++axis)
                 EXPECT_NEAR(thrice[i][axis] - thrice[8][axis], 3 * (once[i][axis] - once[8][axis]),
                             2e-3);
         if (!request.perspective) {
-            EXPECT_NEAR(thrice[8][1], once[8][1], 1e-3) << "above what is left free";
+            EXPECT_NEAR(thrice[8][1], once[8][1], 1e-3) << "between what is left free";
         }
     });
 }
 
 TEST_F(CameraTest, TheCentreIsInTheMiddleAndEverythingInFrontOfTheCamera)
 {
-    forEachView(SIZES, [&](CameraRequest request, const SbVec2s& size, float bottom) {
+    forEachView(SIZES, [&](CameraRequest request, const SbVec2s& size, const FreeEdges& edges) {
         SbViewportRegion region(size); // which Coin's view volumes may change
         for (const auto& centre : {CameraRequest::Vector(3, -1, 2), {3.4, -1, 2}, {-20, 5, 30}})
             for (const double zoom : {1.0, 4.0}) {
                 request.centre = centre;
                 request.zoom = zoom;
-                SoCamera* camera = makeCamera(request, scene, region, bottom);
+                SoCamera* camera = makeCamera(request, scene, region, edges);
                 camera->ref();
                 SbVec3f place;
                 camera->getViewVolume(region, region).projectToScreen(toSbVec3f(centre), place);
@@ -309,22 +314,22 @@ TEST_F(CameraTest, TheCentreAloneMovesThePictureAndChangesNoSize)
 
 TEST_F(CameraTest, WithAnglesItTurnsAboutWhatIsUpAtOneElevation)
 {
-    forEachView(SIZES, [&](CameraRequest request, const SbVec2s& size, float bottom) {
+    forEachView(SIZES, [&](CameraRequest request, const SbVec2s& size, const FreeEdges& edges) {
         const SbBox3f filled(corners[0], corners[7]);
         const SbViewportRegion region(size);
         request.elevation = 40;
         request.margin = 0.1;
-        const CameraNumbers fitted = numbersFor(request, filled, region, bottom);
+        const CameraNumbers fitted = numbersFor(request, filled, region, edges);
         const SbVec3f axis = axisToTurn(request, fitted);
         EXPECT_EQ(axis, axesOf(*request.side).up);
         const CameraNumbers start =
-            withRoomToTurn(fitted, filled, axis, region, bottom, request.margin);
+            withRoomToTurn(fitted, filled, axis, region, edges, request.margin);
         for (int i = 0; i < 12; ++i) {
             CameraRequest turned;
             turned.numbers = turnedAround(start, filled.getCenter(), axis, 2 * M_PI * i / 12);
-            SoCamera* camera = makeCamera(turned, scene, region, bottom);
+            SoCamera* camera = makeCamera(turned, scene, region, edges);
             camera->ref();
-            expectInView(look(*camera, size), *camera, bottom, 1e-3f);
+            expectInView(look(*camera, size), *camera, edges, 1e-3f);
             SbVec3f direction;
             camera->orientation.getValue().multVec(SbVec3f(0, 0, -1), direction);
             EXPECT_NEAR(direction.dot(axis), -std::sin(40 * M_PI / 180), 1e-5);

@@ -442,11 +442,11 @@ TEST_F(DataSceneTest, ColoursOfDataHaveNoHighlightsUnlessTheUserChangesThem)
     scene->setColouring(Colouring());
     EXPECT_TRUE(scene->hasColours());
     EXPECT_THAT(shininessOf(*scene), testing::Each(0));
-    EXPECT_GT(scene->getLegendHeight(), 0);
+    EXPECT_GT(scene->getLegendRoom().bottom, 0);
 
     scene->showColours(false);
     EXPECT_EQ(shininessOf(*scene), usual);
-    EXPECT_EQ(scene->getLegendHeight(), 0);
+    EXPECT_EQ(scene->getLegendRoom(), FreeEdges());
     scene->showColours(true);
     EXPECT_THAT(shininessOf(*scene), testing::Each(0));
 

@@ -1,19 +1,24 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "scene/Legend.h"
 
+#include <array>
 #include <cmath>
 #include <random>
 #include <set>
+#include <tuple>
 
 #include <Inventor/SoPrimitiveVertex.h>
 #include <Inventor/actions/SoCallbackAction.h>
 #include <Inventor/nodes/SoFaceSet.h>
+#include <Inventor/nodes/SoSeparator.h>
 #include <Inventor/nodes/SoShape.h>
 #include <gmock/gmock.h>
 
 #include "request/limits.h"
 #include "scene/Colouring.h"
+#include "scene/SoLegendCamera.h"
 #include "scene/Ticks.h"
+#include "scene/overlay.h"
 #include "support/graph.h"
 #include "support/initialiseSceneOnce.h"
 
@@ -34,17 +39,19 @@ Colouring colouring(double min, double max, const std::string& name = "k")
     return made;
 }
 
-std::vector<std::string> textsOf(const Colouring& shown, float textSize = LEGEND_TEXT_SIZE)
+std::vector<std::string> textsOf(const Colouring& shown, float textSize = LEGEND_TEXT_SIZE,
+                                 const LegendLook& look = {})
 {
     std::vector<std::string> texts;
-    for (const LegendText& text : layOutLegend(shown, textSize))
+    for (const LegendText& text : layOutLegend(shown, textSize, look))
         texts.push_back(text.text);
     return texts;
 }
 
-void expectApart(const Colouring& shown, float textSize = LEGEND_TEXT_SIZE)
+void expectApart(const Colouring& shown, float textSize = LEGEND_TEXT_SIZE,
+                 const LegendLook& look = {})
 {
-    const std::vector<LegendText> texts = layOutLegend(shown, textSize);
+    const std::vector<LegendText> texts = layOutLegend(shown, textSize, look);
     for (std::size_t i = 0; i < texts.size(); ++i) {
         SCOPED_TRACE(texts[i].text);
         EXPECT_GT(texts[i].width, 0);
@@ -106,6 +113,165 @@ TEST(Legend, ItsTextsNeverMeet)
         shown.unit = i % 5 ? "" : "Å⁻¹";
         expectApart(shown, i % 3 == 0 ? LARGEST_LEGEND_TEXT_SIZE : LEGEND_TEXT_SIZE);
     }
+}
+
+std::vector<std::string> textsIn(const std::string& format, const Colouring& shown)
+{
+    LegendLook look;
+    look.format = *parseNumberFormat(format);
+    return textsOf(shown, LEGEND_TEXT_SIZE, look);
+}
+
+TEST(Legend, WritesTheTitleAndTheUnitThatItIsTold)
+{
+    Colouring shown = colouring(0, 1, "roll");
+    shown.unit = "°";
+    LegendLook look;
+    const auto title = [&] { return textsOf(shown, LEGEND_TEXT_SIZE, look).front(); };
+    look.title = "Krümmung κ_β²";
+    EXPECT_EQ(title(), "Krümmung κ_β² (°)");
+    look.unit = "1/µm";
+    EXPECT_EQ(title(), "Krümmung κ_β² (1/µm)");
+    look.unit = "";
+    EXPECT_EQ(title(), "Krümmung κ_β²");
+    look.title.reset();
+    EXPECT_EQ(title(), "roll");
+    look.unit = "rad";
+    EXPECT_EQ(title(), "roll (rad)");
+    look.title = "";
+    EXPECT_EQ(title(), "rad");
+}
+
+TEST(Legend, ALongTitleOrUnitLosesItsEndAndHasRoom)
+{
+    const std::string longText = "Curvature of the centreline, times the contour length, of all "
+                                 "frames of this rather long trajectory";
+    LegendLook look;
+    look.title = longText;
+    look.unit = "Å";
+    for (const float size : {LEGEND_TEXT_SIZE, LARGEST_LEGEND_TEXT_SIZE}) {
+        for (const Colouring& shown : {colouring(0, 1), colouring(0, 2500000)}) {
+            expectApart(shown, size, look);
+            const std::string title = textsOf(shown, size, look).front();
+            EXPECT_EQ(title.rfind("Curvature of", 0), 0u) << title;
+            EXPECT_THAT(title, testing::EndsWith("… (Å)"));
+        }
+    }
+    look.unit = longText;
+    expectApart(colouring(0, 1), LEGEND_TEXT_SIZE, look);
+    EXPECT_THAT(textsOf(colouring(0, 1), LEGEND_TEXT_SIZE, look).front(),
+                testing::AllOf(HasSubstr("Curvature of the"), HasSubstr("… (Curvature"),
+                               testing::EndsWith("…)")));
+}
+
+TEST(Legend, WritesNumbersAsItIsAskedTo)
+{
+    EXPECT_THAT(textsIn(".2f", colouring(-1, 1)),
+                ElementsAre("k", "\u22121.00", "\u22120.50", "0.00", "0.50", "1.00"));
+    EXPECT_THAT(textsIn(".1e", colouring(0, 2500000)),
+                ElementsAre("k", "0.0e+00", "5.0e+05", "1.0e+06", "1.5e+06", "2.0e+06", "2.5e+06"));
+    EXPECT_THAT(textsIn(".0f", colouring(0, 2500000)),
+                ElementsAre("k", "0", "500000", "1000000", "1500000", "2000000", "2500000"));
+    EXPECT_THAT(textsIn(".3g", colouring(0, 0.4)),
+                ElementsAre("k", "0", "0.1", "0.2", "0.3", "0.4"));
+    Colouring constant = colouring(0, 1);
+    constant.constant = "0.3";
+    constant.constantMin = constant.constantMax = 0.3;
+    EXPECT_THAT(textsIn(".2f", constant), ElementsAre("k", "0.30"));
+    constant.constant = "0";
+    constant.constantMin = constant.constantMax = 1e-17;
+    EXPECT_THAT(textsIn(".1e", constant), ElementsAre("k", "0.0e+00"));
+}
+
+// A number that is rounded would be beside its tick.
+TEST(Legend, HasNumbersWhereTheyAreExactInTheFormat)
+{
+    EXPECT_THAT(textsIn(".0f", colouring(0, 1)), ElementsAre("k", "0", "1"));
+    EXPECT_THAT(textsIn(".1f", colouring(0, 0.3)), ElementsAre("k", "0.0", "0.1", "0.2", "0.3"));
+}
+
+TEST(Legend, WritesNumbersAsSuitsThemWhereTheFormatHasNoneOrNoRoom)
+{
+    for (const char* format : {".0f", ".2f"})
+        EXPECT_EQ(textsIn(format, colouring(1e-4, 9e-4)), textsOf(colouring(1e-4, 9e-4)));
+    EXPECT_EQ(textsIn(".15f", colouring(0, 1e30)), textsOf(colouring(0, 1e30)));
+    Colouring constant = colouring(0, 1);
+    constant.constant = "1×10⁸⁰";
+    constant.constantMin = constant.constantMax = 1e80;
+    EXPECT_EQ(textsIn(".0f", constant), textsOf(constant));
+}
+
+TEST(Legend, InAnyFormatItsNumbersNeverMeet)
+{
+    std::mt19937 engine(3);
+    std::uniform_real_distribution<double> digit(-9.99, 9.99), exponent(-12, 12);
+    for (int i = 0; i < 60; ++i) {
+        const double min = digit(engine) * std::pow(10, exponent(engine));
+        const double max = min + std::abs(min) * std::pow(10, exponent(engine) / 3);
+        if (!isRange(min, max))
+            continue;
+        LegendLook look;
+        look.format.notation = std::array{NumberFormat::DECIMALS, NumberFormat::SCIENTIFIC,
+                                          NumberFormat::SHORTER}[std::size_t(i) % 3];
+        look.format.digits = i % 16;
+        SCOPED_TRACE(testing::Message() << min << " to " << max << formatOf(look.format));
+        Colouring shown = colouring(min, max, std::string(std::size_t(5 * i + 1), 'W'));
+        shown.isMissing = i % 2;
+        expectApart(shown, i % 4 == 0 ? LARGEST_LEGEND_TEXT_SIZE : LEGEND_TEXT_SIZE, look);
+    }
+}
+
+TEST(Legend, AtTheTopIsTheSameMovedUpByWhatIsLeftOfTheView)
+{
+    const Colouring shown = colouring(0, 1);
+    LegendLook look;
+    const std::vector<LegendText> below = layOutLegend(shown, LEGEND_TEXT_SIZE, look);
+    look.place = LegendPlace::TOP;
+    const std::vector<LegendText> above = layOutLegend(shown, LEGEND_TEXT_SIZE, look);
+    ASSERT_EQ(above.size(), below.size());
+    for (std::size_t i = 0; i < above.size(); ++i) {
+        EXPECT_EQ(above[i].text, below[i].text);
+        EXPECT_EQ(above[i].x, below[i].x);
+        EXPECT_FLOAT_EQ(above[i].y - below[i].y, 2 - 2 * LEGEND_HEIGHT);
+    }
+    EXPECT_EQ(roomOf(LegendPlace::TOP), FreeEdges(0, LEGEND_HEIGHT));
+    EXPECT_EQ(roomOf(LegendPlace::BOTTOM), FreeEdges(LEGEND_HEIGHT, 0));
+    EXPECT_EQ(roomOf(LegendPlace::OFF), FreeEdges());
+}
+
+// y from the middle of the lower border to that of the upper one.
+std::pair<float, float> bordersOf(const SoLegendCamera& camera, float aspect)
+{
+    SbViewVolume volume = camera.getViewVolume(aspect);
+    if (aspect < 1)
+        volume.scale(1 / aspect); // as Coin does, so that all of the width is seen
+    SbVec3f near, far;
+    std::pair<float, float> borders;
+    volume.projectPointToLine(SbVec2f(0.5f, 0), near, far);
+    borders.first = near[1];
+    volume.projectPointToLine(SbVec2f(0.5f, 1), near, far);
+    borders.second = near[1];
+    return borders;
+}
+
+TEST(Legend, AtTheTopIsSeenInAViewThatEndsThere)
+{
+    initialiseSceneOnce();
+    SoSeparator* overlay = makeOverlay();
+    overlay->ref();
+    for (const auto& [atTop, low, high] : {std::tuple(false, -1, 3), {true, -3, 1}}) {
+        cameraOf(*overlay).standAtTop(atTop);
+        auto* copy = static_cast<SoSeparator*>(overlay->copy());
+        copy->ref();
+        for (SoSeparator* const one : {overlay, copy}) {
+            const auto [lowest, highest] = bordersOf(cameraOf(*one), 0.5f);
+            EXPECT_NEAR(lowest, low, 1e-5);
+            EXPECT_NEAR(highest, high, 1e-5);
+            EXPECT_NEAR(bordersOf(cameraOf(*one), 2).second, 1, 1e-5) << "2 high, whichever it is";
+        }
+        copy->unref();
+    }
+    overlay->unref();
 }
 
 TEST(Legend, HasFewerNumbersWhereTheyAreLarger)
@@ -196,10 +362,15 @@ TEST(Legend, ThatTellsSomethingElseIsAsANewOneOfTheSameNodes)
     ASSERT_GT(nodes.size(), 20u);
     std::set<std::vector<float>> seen;
     for (const Colouring& told : {constant, beyond, missing, constant, missing, beyond}) {
+        LegendLook look;
+        look.place = told.isAbove ? LegendPlace::TOP : LegendPlace::BOTTOM;
+        if (told.isMissing)
+            look.title = "another";
+        legend.setLook(look);
         legend.tell(told);
         const Colour background = told.isMissing ? Colour{0, 0, 0} : Colour{1, 1, 1};
         legend.setBackground(background);
-        Legend fresh(background, LEGEND_TEXT_SIZE);
+        Legend fresh(background, LEGEND_TEXT_SIZE, look);
         fresh.tell(told);
         EXPECT_TRUE(drawn(legend) == drawn(fresh)) << told.name;
         EXPECT_EQ(everyNodeOf(legend.getNode()), nodes);

@@ -87,7 +87,7 @@ protected:
                                                          {1, 1, 1},
                                                          options.transparent,
                                                          scene->settle(options.camera),
-                                                         scene->getLegendHeight(),
+                                                         scene->getLegendRoom(),
                                                          DPI_OF_PIXELS,
                                                          samplesAtOnce});
         EXPECT_EQ(failure, "");
@@ -228,7 +228,7 @@ TEST(Picture, IsTheSameWhateverItsWriterHasDrawnBefore)
                               {1, 1, 1},
                               change.transparent,
                               scene->settle(camera),
-                              scene->getLegendHeight(),
+                              scene->getLegendRoom(),
                               DPI_OF_PIXELS,
                               change.samplesAtOnce};
         QImage after, alone;

@@ -241,6 +241,35 @@ TEST_F(RenderSeriesTest, CameraAndColoursStayWhateverIsRendered)
     EXPECT_EQ(filesOf("all")["f_01.png"], filesOf("part")["f_01.png"]);
 }
 
+TEST_F(RenderSeriesTest, ALegendAtTheTopHasItsRoomInAllFramesAndTheStampIsBelow)
+{
+    std::string text = "t x y z load\n";
+    for (const char* frame : {"0", "1"})
+        for (const char* point : {"-2 1", "-2 -1", "2 -1", "2 1", "-2 1"})
+            text += std::string(frame) + " " + point + " 0 " + frame + "\n";
+    const std::string file = folder.write("rectangle.txt", text);
+    EXPECT_EQ(runProgram(STRANDVIEW_PROGRAM,
+                         {"--render", pattern("top"), "--size", "600x300", "--margin", "0.02",
+                          "--colour-by", "load", "--legend", "top", "--stamp", file})
+                  .status,
+              0);
+    for (const char* name : {"top/f_00.png", "top/f_01.png"}) {
+        const QImage image = imageOf(name);
+        ASSERT_EQ(image.width(), 600) << name;
+        const auto isBlank = [&image](const QRect& part) {
+            for (int y = part.top(); y <= part.bottom(); ++y)
+                for (int x = part.left(); x <= part.right(); ++x)
+                    if (image.pixelColor(x, y) != QColor(Qt::white))
+                        return false;
+            return true;
+        };
+        EXPECT_TRUE(isBlank({0, 0, 150, 50})) << "beside the legend's bar, which has 48 rows";
+        EXPECT_FALSE(isBlank({150, 50, 300, 15}));
+        EXPECT_FALSE(isBlank({150, 285, 300, 12})) << "no room is left below";
+        EXPECT_FALSE(isBlank({0, 280, 50, 20})) << "the stamp";
+    }
+}
+
 TEST_F(RenderSeriesTest, FramesAndShardsAreThoseAskedFor)
 {
     EXPECT_EQ(run({"--render", pattern("slice"), "--frames", "-2::-2", series}).status, 0);

@@ -27,6 +27,7 @@
 #include "request/settings.h"
 #include "scene/Colouring.h"
 #include "scene/DataScene.h"
+#include "scene/Legend.h"
 #include "scene/Progress.h"
 #include "scene/prepareLook.h"
 #include "support/RandomRods.h"
@@ -866,9 +867,35 @@ TEST_F(SceneUpdateTest, ColoursOfDataComeAndGoAsInANewScene)
     options.colourBy.reset();
     ASSERT_EQ(restyle(options, data), "");
     EXPECT_FALSE(scene->hasColours());
-    EXPECT_EQ(scene->getLegendHeight(), 0);
+    EXPECT_EQ(scene->getLegendRoom(), FreeEdges());
     EXPECT_TRUE(coloursOf(scene) == own);
     expectShows(data);
+}
+
+TEST_F(SceneUpdateTest, ALegendMovesGoesAndComesBackWithAStyle)
+{
+    options.colourBy = "k";
+    Configuration data;
+    data.rods = {makeRod(helixAt(0), "rod")};
+    setScalar(data.rods[0], [](double t) { return t; });
+    build(data);
+    for (const LegendPlace place :
+         {LegendPlace::TOP, LegendPlace::OFF, LegendPlace::BOTTOM, LegendPlace::OFF}) {
+        options.legend.place = place;
+        options.legend.title = "place " + std::to_string(int(place));
+        ASSERT_EQ(restyle(options, data), "");
+        EXPECT_EQ(scene->getLegendRoom(), roomOf(place));
+        EXPECT_TRUE(scene->hasColours());
+        EXPECT_TRUE(scene->areColoursShown()) << "also without a legend";
+        expectShows(data);
+    }
+    scene->showColours(false);
+    EXPECT_FALSE(scene->areColoursShown());
+    options.legend.place = LegendPlace::TOP;
+    ASSERT_EQ(restyle(options, data), "");
+    EXPECT_EQ(scene->getLegendRoom(), FreeEdges()) << "colours are off";
+    scene->showColours(true);
+    EXPECT_EQ(scene->getLegendRoom(), roomOf(LegendPlace::TOP));
 }
 
 TEST_F(SceneUpdateTest, AStyleThatDoesNotSuitTheDataLeavesTheSceneAsItIs)

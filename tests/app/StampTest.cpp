@@ -29,10 +29,11 @@ struct Reach
     float left = 1e9f, right = -1e9f, bottom = 1e9f, top = -1e9f;
 };
 
-Reach reachOf(const std::string& text, float size, float aspect)
+Reach reachOf(const std::string& text, float size, float aspect,
+              StampPlace place = StampPlace::UPPER_LEFT)
 {
     initialiseSceneOnce();
-    SoNode* stamp = makeStamp(text, {1, 1, 1}, size, aspect);
+    SoNode* stamp = makeStamp(text, {1, 1, 1}, size, aspect, place);
     stamp->ref();
     const SoMFVec3f& corners = partOf<SoCoordinate3>(stamp).point;
     Reach reach;
@@ -66,6 +67,18 @@ TEST(Stamp, StandsInTheUpperLeftCornerOfEveryShapeOfView)
         EXPECT_LT(reach.top, top - 0.04f) << aspect;
         EXPECT_GT(reach.top, top - 0.08f) << aspect;
         EXPECT_GT(reach.bottom, top - 0.2f) << aspect;
+    }
+}
+
+TEST(Stamp, StandsInTheLowerLeftCornerWhereItIsAskedTo)
+{
+    for (const float aspect : {0.5f, 1.0f, 4.0f}) {
+        const Reach reach = reachOf("frames, 12", 0.1f, aspect, StampPlace::LOWER_LEFT);
+        const float left = -std::max(1.0f, aspect);
+        EXPECT_GT(reach.left, left + 0.04f) << aspect;
+        EXPECT_LT(reach.left, left + 0.08f) << aspect;
+        EXPECT_GT(reach.bottom, -1 + 0.04f) << aspect << ", with the comma";
+        EXPECT_LT(reach.top, -1 + 0.2f) << aspect;
     }
 }
 

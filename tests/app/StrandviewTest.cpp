@@ -8,6 +8,7 @@
 #include <set>
 #include <sstream>
 #include <thread>
+#include <tuple>
 
 #include <netinet/in.h>
 #include <sys/socket.h>
@@ -560,6 +561,60 @@ TEST_F(StrandviewTest, ALegendIsAtTheBottomOfAPictureOfAnyForm)
         // Between the legend and the rod there is nothing.
         const QImage between = image.copy(0, int(height - 0.36 * unit), width, 2);
         EXPECT_EQ(countCovered(between), 0);
+    }
+}
+
+TEST_F(StrandviewTest, ALegendStandsAtTheTopOfAPictureOfAnyFormOrIsLeftOut)
+{
+    const std::string rod = write("rod.txt", SCALARS);
+    for (const auto& [width, height] : {std::pair(150, 300), {150, 600}, {200, 200}, {900, 200}}) {
+        SCOPED_TRACE(width);
+        SCOPED_TRACE(height);
+        const std::string size = std::to_string(width) + "x" + std::to_string(height);
+        const auto render = [&](const std::string& place) {
+            EXPECT_EQ(run({"--render", path("rod.png"), "--size", size, "--colour-by", "heat",
+                           "--legend", place, rod})
+                          .status,
+                      0);
+            return picture("rod.png");
+        };
+        const QImage image = render("top");
+        const double unit = std::min(width, height) / 2.0;
+        const int bar = int(0.165 * unit), ramp = int(0.6 * unit);
+        EXPECT_LE(distance(image.pixelColor(width / 2, bar), VIRIDIS[1]), 20);
+        EXPECT_LT(image.pixelColor(width / 2 - ramp, bar).green(), 60);
+        EXPECT_GT(image.pixelColor(width / 2 + ramp, bar).red(), 200);
+        const QImage between = image.copy(0, int(0.32 * unit) + 1, width, 2);
+        EXPECT_EQ(countCovered(between), 0);
+        const QImage without = render("off");
+        const int strip = int(0.3 * unit);
+        EXPECT_EQ(countCovered(without.copy(0, 0, width, strip)), 0);
+        EXPECT_EQ(countCovered(without.copy(0, height - strip, width, strip)), 0);
+        EXPECT_GT(countCovered(without), 0);
+    }
+}
+
+TEST_F(StrandviewTest, DataHaveAllRoomThatALegendLeaves)
+{
+    const std::string ring = write("ring.txt", "x y z\n0 -1 0\n1 0 0\n0 1 0\n-1 0 0\n0 -1 0\n");
+    const int height = 300, legend = 48, margin = 15;
+    for (const bool perspective : {false, true}) {
+        for (const auto& [place, above, below] :
+             {std::tuple("off", 0, 0), {"top", legend, 0}, {"bottom", 0, legend}}) {
+            SCOPED_TRACE(place);
+            std::vector<std::string> arguments{
+                "--render",    path("ring.png"), "--size",   "600x300",
+                "--colour-by", "arclength",      "--legend", place,
+                "--margin",    "0.05",           ring};
+            if (perspective)
+                arguments.push_back("--perspective");
+            ASSERT_EQ(run(arguments).status, 0);
+            const QImage data = picture("ring.png").copy(0, above, 600, height - above - below);
+            EXPECT_EQ(countCovered(data.copy(0, 0, 600, margin - 2)), 0);
+            EXPECT_GT(countCovered(data.copy(0, 0, 600, margin + 2)), 0);
+            EXPECT_EQ(countCovered(data.copy(0, data.height() - margin + 2, 600, margin - 2)), 0);
+            EXPECT_GT(countCovered(data.copy(0, data.height() - margin - 2, 600, margin + 2)), 0);
+        }
     }
 }
 

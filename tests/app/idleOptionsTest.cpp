@@ -119,6 +119,24 @@ TEST(IdleOptions, ABackgroundThatIsLeftOutStillSuitsTheLegend)
     EXPECT_THAT(findIdleOptions(options, rods()), IsEmpty());
 }
 
+TEST(IdleOptions, AreThoseOfALegendThatIsLeftOut)
+{
+    const std::vector<std::string> ofLegend = {"--legend", "--legend-title", "--legend-unit",
+                                               "--legend-format"};
+    Options options = given(ofLegend);
+    options.colourBy = "curvature";
+    EXPECT_THAT(findIdleOptions(options, rods()), IsEmpty());
+    options.legend.place = LegendPlace::OFF;
+    EXPECT_THAT(findIdleOptions(options, rods()),
+                ElementsAre("--legend-title has no effect: --legend off leaves it out",
+                            "--legend-unit has no effect: --legend off leaves it out",
+                            "--legend-format has no effect: --legend off leaves it out"));
+    options.given = {"--background"};
+    options.transparent = true;
+    EXPECT_THAT(findIdleOptions(options, rods()),
+                ElementsAre("--background has no effect: --transparent leaves it out"));
+}
+
 TEST(IdleOptions, NothingLeftOfTheRodsIsToldAsWell)
 {
     Options options;

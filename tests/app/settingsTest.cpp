@@ -35,6 +35,10 @@ std::vector<std::string> examplesOf(const Setting& setting)
         return {"curvature", "my own scalar"};
     case SettingKind::RANGE:
         return {"-1:2.5", ":3", "0.1:", "frame", "symmetric", "auto"};
+    case SettingKind::TEXT:
+        return {"", "Biegung κ, ä (1/Å)", "two  blanks 'and' quotes", "-x", "[a, b]", "%n"};
+    case SettingKind::NUMBER_FORMAT:
+        return {".2f", "auto", ".0e", ".15g"};
     case SettingKind::COLOUR_MAP:
         return {"viridis", "vik_r", "red,#ffffff,blue"};
     case SettingKind::REFERENCE:
@@ -48,6 +52,7 @@ const char* refusedBy(const Setting& setting)
     switch (setting.kind) {
     case SettingKind::SCALAR:
     case SettingKind::REFERENCE:
+    case SettingKind::TEXT:
         return nullptr; // every name
     default:
         return "no such thing";
@@ -134,6 +139,18 @@ TEST(SettingsTest, EverySettingHasANameOfItsOwnAndALabel)
         EXPECT_EQ(&settingOf(setting.name), &setting);
         EXPECT_EQ(setting.values == nullptr, setting.kind == SettingKind::SWITCH) << setting.name;
     }
+}
+
+TEST(SettingsTest, AFormatOfNumbersThatIsNoneIsRefusedWithWhatIs)
+{
+    StyleRequest request;
+    EXPECT_EQ(
+        settingOf("legend-format").read("%s", request),
+        "found '%s', expected auto or a point, a number of digits from 0 to 15 and f, e or g, "
+        "such as .2f");
+    EXPECT_EQ(settingOf("legend").read("left", request),
+              "found 'left', expected bottom, top or off");
+    EXPECT_EQ(request, StyleRequest());
 }
 
 // What was a colour is the same after any number of ways through text.

@@ -34,6 +34,7 @@ namespace {
 const char* const ROD = "x y z load\n-1 0 0 3\n-0.5 0.1 0 -1\n0 0.2 0 0\n0.5 0.1 0 1\n1 0 0 2\n";
 
 bool isBlueTube(const QColor& c) { return c.blue() > c.red() + 40; }
+bool isInk(const QColor& c) { return c.value() < 60; }
 bool isRed(const QColor& c) { return c.red() > 150 && c.green() < 60 && c.blue() < 60; }
 
 class SettingsPanelTest : public DataWindowTest
@@ -52,11 +53,13 @@ protected:
     {
         return window->findChild<Widget*>(name);
     }
-    // Types into a field that is clicked first, instead of what stands there.
+    // Types into a field instead of what stands there. It is clicked first unless it has the
+    // keyboard: a second click would be a double one, which may come between the keys.
     void type(const char* field, const std::vector<std::string>& keys) const
     {
         QLineEdit* const line = find<QLineEdit>(field);
-        click(*line);
+        if (!line->hasFocus())
+            click(*line);
         ASSERT_TRUE(comesTo([&] { return line->hasFocus(); }));
         pressRealKey("Control+a");
         for (const std::string& key : keys)
@@ -80,6 +83,18 @@ protected:
     bool comesToShow() const
     {
         return comesTo([this] { return !window->isRestyling(); }) && comesToBePainted();
+    }
+    // Nearly black pixels where a legend has its room.
+    int inkAtTop() const
+    {
+        const QImage image = screen();
+        return countPixels(image.copy(0, 0, image.width(), image.height() / 8), isInk);
+    }
+    int inkAtBottom() const
+    {
+        const QImage image = screen();
+        const int rows = image.height() / 8;
+        return countPixels(image.copy(0, image.height() - rows, image.width(), rows), isInk);
     }
     double radius() const { return scene->getStyle().radius; }
 };
@@ -214,6 +229,55 @@ TEST_F(SettingsPanelTest, AMapIsChosenByItsPictureOrTyped)
     ASSERT_TRUE(comesTo([this] {
         return settingOf("colours").write(window->getStyle()) == std::string("red,blue");
     }));
+}
+
+TEST_F(SettingsPanelTest, TitleUnitPlaceAndNumbersOfTheLegendAreSetThere)
+{
+    options.colourBy = "load";
+    ASSERT_NO_FATAL_FAILURE(openWith(ROD, "c"));
+    ASSERT_TRUE(comesToShow());
+    EXPECT_EQ(find<QLineEdit>("legend-title")->text(), "load");
+    EXPECT_EQ(find<QLineEdit>("legend-unit")->text(), "");
+    const int top = inkAtTop(), bottom = inkAtBottom();
+    EXPECT_GT(bottom, top + 50);
+    const CameraNumbers before = window->getCameraNumbers();
+
+    type("legend-title", {"F", "o", "r", "c", "e"});
+    ASSERT_TRUE(comesTo([this] { return scene->getStyle().legend.title == std::string("Force"); }));
+    type("legend-unit", {"N"});
+    ASSERT_TRUE(comesTo([this] { return scene->getStyle().legend.unit == std::string("N"); }));
+    choose("legend", "top");
+    ASSERT_TRUE(comesTo([this] { return scene->getLegendRoom().top > 0; }));
+    ASSERT_TRUE(comesToShow());
+    EXPECT_EQ(scene->getLegendRoom().bottom, 0);
+    EXPECT_EQ(settingOf("legend-title").write(window->getStyle()), "Force");
+    EXPECT_GT(inkAtTop(), top + 50);
+    EXPECT_LT(inkAtBottom(), bottom - 50);
+    EXPECT_FALSE(window->getCameraNumbers() == before) << "room below is given back";
+
+    find<QComboBox>("legend-format")->lineEdit()->setObjectName("formatField");
+    type("formatField", {"period", "2", "d"});
+    const auto* const line = find<SettingsPanel>("colourPanel")->findChild<QLabel*>("settingFault");
+    ASSERT_TRUE(comesTo([&] { return line->isVisible(); }));
+    EXPECT_THAT(line->text().toStdString(), HasSubstr("found '.2d', expected auto or a point"));
+    type("formatField", {"period", "2", "f"});
+    ASSERT_TRUE(comesTo(
+        [this] { return scene->getStyle().legend.format.notation == NumberFormat::DECIMALS; }));
+
+    // What was written about one scalar is not that of another.
+    choose("colour-by", "curvature");
+    ASSERT_TRUE(comesToShow());
+    EXPECT_EQ(scene->getStyle().legend.title, std::nullopt);
+    EXPECT_EQ(find<QLineEdit>("legend-title")->text(), "curvature");
+    EXPECT_EQ(scene->getStyle().legend.place, LegendPlace::TOP);
+    choose("legend", "off");
+    ASSERT_TRUE(comesTo([this] { return scene->getLegendRoom() == FreeEdges(); }));
+    ASSERT_TRUE(comesToShow());
+    EXPECT_TRUE(scene->areColoursShown());
+    EXPECT_EQ(inkAtTop(), top);
+    choose("colour-by", "none: colours of their own");
+    ASSERT_TRUE(comesTo([this] { return window->getStyle() == StyleRequest(); }));
+    EXPECT_FALSE(find<QLineEdit>("legend-title")->isEnabled());
 }
 
 TEST_F(SettingsPanelTest, TheViewersKeyOfTheBackgroundIsASettingToo)
