@@ -252,6 +252,9 @@ TEST_F(LoadingTest, TheButtonAndTheMenuStopItOnlyWhileThereIsSomething)
 TEST_F(LoadingTest, TheStatusBarIsNoHigherForIt)
 {
     open();
+    bool isPainted = false; // then the window has its places
+    window->whenPainted([&isPainted] { isPainted = true; });
+    ASSERT_TRUE(comesTo([&] { return isPainted; }));
     const QSize before = view()->size();
     beginToOpen(slow);
     ASSERT_TRUE(comesTo([this] { return !loadingText().empty(); }));
