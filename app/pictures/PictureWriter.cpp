@@ -201,6 +201,13 @@ void setResolution(QImage& image, int dpi)
     image.setDotsPerMeterY(perMetre);
 }
 
+// What is to be known of a picture that lies about: the text of a camera makes the same view again.
+void setTexts(QImage& image, const CameraNumbers& camera)
+{
+    image.setText("Software", "strandview " STRANDVIEW_VERSION);
+    image.setText("Camera", QString::fromStdString(formatCamera(camera)));
+}
+
 // By Qt. Returns what failed, or nothing.
 std::string encode(const QImage& image, const QByteArray& format, QByteArray& bytes)
 {
@@ -264,13 +271,15 @@ std::string PictureWriter::draw(SoGeneralScene* scene, const Picture& picture, Q
     root->ref();
     root->addChild(camera);
     root->addChild(scene);
+    const CameraNumbers numbers = numbersOf(*camera);
     if (usedCamera)
-        *usedCamera = numbersOf(*camera);
+        *usedCamera = numbers;
     const bool perspectiveBefore = scene->isShaderPersp();
     scene->setShaderPersp(picture.camera.isPerspective());
     image = QImage(picture.width, picture.height,
                    picture.transparent ? QImage::Format_RGBA8888 : QImage::Format_RGB888);
     setResolution(image, picture.dpi);
+    setTexts(image, numbers);
     std::string failure = TOO_LITTLE_MEMORY;
     try {
         if (!image.isNull())

@@ -57,7 +57,8 @@ public:
     PictureWriter& operator=(const PictureWriter&) = delete;
 
     /// Returns one line that says what failed, or nothing. `usedCamera`, if not null, is told the
-    /// camera. The picture's file is not looked at.
+    /// camera. The image's texts are "Software", program and version, and "Camera", as
+    /// formatCamera() writes it. The picture's file is not looked at.
     std::string draw(SoGeneralScene* scene, const Picture& picture, QImage& image,
                      CameraNumbers* usedCamera = nullptr);
 

@@ -53,10 +53,13 @@ std::string resolutionOf(const QImage& image)
            bigEndian(std::uint32_t(image.dotsPerMeterY())) + PER_METRE;
 }
 
-// Not compressed, of no language.
-std::string textOf(const QImage& image, const QString& key)
+// Not compressed, of no language. What is ASCII goes into the older chunk, which every reader
+// knows.
+void writeText(const Write& write, const std::string& key, const std::string& text)
 {
-    return key.toLatin1().toStdString() + std::string(5, '\0') + image.text(key).toStdString();
+    const bool isAscii = std::all_of(text.begin(), text.end(),
+                                     [](char c) { return static_cast<unsigned char>(c) < 128; });
+    writeChunk(write, isAscii ? "tEXt" : "iTXt", key + std::string(isAscii ? 1 : 5, '\0') + text);
 }
 
 // How far the bytes of a row, taken as signed, are from 0: what compresses well is near.
@@ -119,7 +122,7 @@ void writePng(const QImage& any, const Write& write)
     writeChunk(write, "IHDR", headerOf(image));
     writeChunk(write, "pHYs", resolutionOf(image));
     for (const QString& key : image.textKeys())
-        writeChunk(write, "iTXt", textOf(image, key));
+        writeText(write, key.toLatin1().toStdString(), image.text(key).toStdString());
     const std::string_view data(reinterpret_cast<const char*>(compressed.get()), compressedSize);
     for (std::size_t begin = 0; begin < data.size(); begin += LARGEST_CHUNK)
         writeChunk(write, "IDAT", data.substr(begin, LARGEST_CHUNK));

@@ -290,6 +290,25 @@ TEST_F(RenderSeriesTest, APictureOfAnotherResolutionIsAnotherOne)
     }
 }
 
+TEST_F(RenderSeriesTest, EachPictureOfATurnTellsTheCameraThatMakesItAgain)
+{
+    EXPECT_EQ(run({"--render", pattern("turn"), "--turn", "3", "--perspective", series}).status, 0);
+    std::vector<std::string> cameras;
+    for (const char* name : {"turn/f_00.png", "turn/f_01.png", "turn/f_02.png"}) {
+        const QImage turned = imageOf(name);
+        cameras.push_back(turned.text("Camera").toStdString());
+        const std::string again = folder.path("again.png");
+        const ProgramRun result = run(
+            {"--overwrite", "--render", again, "--frame", "0", "--camera", cameras.back(), series});
+        EXPECT_EQ(result.status, 0) << result.error;
+        const QImage same = imageOf("again.png");
+        EXPECT_EQ(same.text("Camera").toStdString(), cameras.back());
+        EXPECT_EQ(same.convertToFormat(QImage::Format_RGB888),
+                  turned.convertToFormat(QImage::Format_RGB888));
+    }
+    EXPECT_NE(cameras[1], cameras[2]);
+}
+
 TEST_F(RenderSeriesTest, ListsWhatWouldBeRendered)
 {
     const ProgramRun list =

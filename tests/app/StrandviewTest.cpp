@@ -139,6 +139,29 @@ TEST_F(StrandviewTest, APictureInMillimetresIsAsLargeAsAskedInPrint)
     EXPECT_EQ(picture("rod.png").size(), QSize(40, 30));
 }
 
+TEST_F(StrandviewTest, TheCameraThatAPictureTellsMakesItAgainByteForByte)
+{
+    const std::string rod = write("rod.txt", HELIX);
+    const std::vector<std::string> looks[] = {
+        {}, {"--perspective"}, {"--azimuth", "33", "--elevation", "20", "--zoom", "1.7"}};
+    const auto bytesOf = [this](const char* name) {
+        QFile file(QString::fromStdString(path(name)));
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        return file.readAll();
+    };
+    for (std::vector<std::string> look : looks) {
+        look.insert(look.end(), {"--print-camera", "--size", "60x40", "--render"});
+        look.insert(look.end(), {path("told.png"), rod});
+        const ProgramRun told = run(look);
+        const QImage image = picture("told.png");
+        EXPECT_THAT(image.text("Software").toStdString(), testing::StartsWith("strandview "));
+        const std::string camera = image.text("Camera").toStdString();
+        EXPECT_EQ(camera + "\n", told.output);
+        run({"--camera", camera, "--size", "60x40", "--render", path("again.png"), rod});
+        EXPECT_TRUE(bytesOf("told.png") == bytesOf("again.png")) << camera;
+    }
+}
+
 TEST_F(StrandviewTest, SaysNothingWhenThereIsNothingToSay)
 {
     const std::string rod = write("rod.txt", "0 0 0 0 0 0 1\n0 0 1 0 0 0 1\n");

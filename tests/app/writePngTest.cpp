@@ -85,6 +85,20 @@ TEST(WritePng, KeepsResolutionAndTexts)
     EXPECT_TRUE(read.textKeys().contains("Comment"));
 }
 
+// PNG's "tEXt" is known to every reader, "iTXt" alone has other letters than Latin ones.
+TEST(WritePng, PlainTextIsInTheChunkThatEveryReaderKnows)
+{
+    QImage image = noise(3, 2, QImage::Format_RGB888);
+    image.setText("Camera", "orthographic,1,2");
+    image.setText("Title", "\xCF\x80");
+    const std::string png = pngOf(image);
+    EXPECT_NE(png.find(std::string("\0\0\0\x17tEXtCamera\0orthographic,1,2", 31)),
+              std::string::npos);
+    EXPECT_NE(png.find(std::string("iTXtTitle\0\0\0\0\0\xCF\x80", 16)), std::string::npos);
+    EXPECT_EQ(readBack(png).text("Camera"), image.text("Camera"));
+    EXPECT_EQ(readBack(png).text("Title"), image.text("Title"));
+}
+
 TEST(WritePng, BeginsAndEndsAsThatFormatDoes)
 {
     const std::string png = pngOf(noise(3, 2, QImage::Format_RGB888));
