@@ -9,9 +9,8 @@ namespace strandview {
 
 namespace {
 
-const std::pair<std::string, std::string> SPELLINGS[] = {{"center", "centre"},
-                                                         {"color", "colour"},
-                                                         {"normalize", "normalise"}};
+const std::pair<std::string, std::string> SPELLINGS[] = {
+    {"center", "centre"}, {"color", "colour"}, {"normalize", "normalise"}};
 
 // How many letters are to be changed, left out, put in or exchanged with their neighbour
 // to make one text of the other (F. J. Damerau, Comm. ACM 7, 1964, 171-176).

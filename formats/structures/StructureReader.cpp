@@ -13,7 +13,6 @@
 #include <strandview/formats/structures/PdbFrames.h>
 #include <strandview/formats/structures/cifText.h>
 #include <strandview/formats/text/encoding.h>
-#include <strandview/formats/text/encoding.h>
 #include <strandview/formats/text/fields.h>
 #include <strandview/formats/text/numbers.h>
 
