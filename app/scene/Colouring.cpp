@@ -7,6 +7,7 @@
 #include <Inventor/nodes/SoMaterial.h>
 #include <SoGeneralScene.h>
 
+#include <strandview/analysis/comparison.h>
 #include <strandview/analysis/nearestPoints.h>
 #include <strandview/analysis/scalars.h>
 #include <strandview/formats/text/wording.h>
@@ -245,14 +246,15 @@ void placeConstant(Colouring& colouring, const ValueSummary& summary)
     noteWhatThereIs(colouring);
 }
 
-// What is shown by a name, or null: what a file calls by one may be anything. A number of pairs or
-// steps is meant where there is one, as in findValues().
-const Quantity* meaningOf(const std::vector<Track>& tracks, const std::string& name)
+// What is shown by a name, or null: what a file calls by one may be anything, unless a comparison
+// gave it. A number of pairs or steps is meant where there is one, as in findValues().
+const Quantity* meaningOf(const std::vector<Track>& tracks, const std::string& name,
+                          bool isCompared)
 {
     const Quantity* meant = nullptr;
     for (const Track& track : tracks) {
         if (isGiven(track, name))
-            return nullptr;
+            return isCompared ? findComparisonQuantity(name) : nullptr;
         if (!meant || isOfPairs(track, name))
             meant = findQuantity(track.kind, name);
     }
@@ -437,7 +439,7 @@ std::optional<Colouring> makeColouring(const Options& options, const Configurati
     colouring.rods = configuration.rods.size();
     colouring.birods = configuration.birods.size();
     colouring.angstrom = options.dna.angstrom;
-    const Quantity* const quantity = meaningOf(tracks, colouring.name);
+    const Quantity* const quantity = meaningOf(tracks, colouring.name, options.compare.has_value());
     colouring.unit = absoluteUnitOf(quantity);
     const bool isSigned = quantity && quantity->isSigned;
     const ColourMap colours = options.colours.value_or(defaultColourMap(isSigned));

@@ -421,8 +421,9 @@ void MainWindow::follow(std::unique_ptr<LoadJob> newJob,
     job = std::move(newJob);
     showLoading();
     connect(job.get(), &LoadJob::progressed, loadBar, &LoadBar::setText);
+    const StyleRequest style = options; // until then the panels may ask for another
     connect(job.get(), &LoadJob::finished, this,
-            [this, tell, choice](DataScene* loaded, const ReadReport& report) {
+            [this, tell, choice, style](DataScene* loaded, const ReadReport& report) {
                 LoadJob* const ended = job.release();
                 ended->deleteLater(); // not before it returns
                 showLoading();
@@ -434,6 +435,9 @@ void MainWindow::follow(std::unique_ptr<LoadJob> newJob,
                     showScene(loaded, ended->getFiles(), choice);
                     rememberFiles(namesOf(ended->getFiles()));
                     beginToPlay(report, start);
+                    shownStyle = style;
+                    if (style != options && scene->getData())
+                        restyle();
                 }
                 tell(report);
                 emit loadingEnded();

@@ -186,6 +186,21 @@ TEST_F(ColouringTest, AColumnOfTheNameOfWhatCanBeNegativeIsAColumnLikeAnyOther)
     expectColours(*made, *findColourMap("viridis"));
 }
 
+TEST_F(ColouringTest, WhatAComparisonAddsHasItsUnitAndItsSigns)
+{
+    Rod rod = straightRod({1, 3});
+    rod.scalars.front().name = "reference_rotation";
+    EXPECT_EQ(make({rod}, "reference_rotation")->unit, "") << "a file's own";
+    options.compare = "first";
+    EXPECT_EQ(make({rod}, "reference_rotation")->unit, "°");
+    expectColours(*make({rod}, "reference_rotation"), *findColourMap("viridis"));
+    rod.scalars.front().name = "shear1";
+    const auto made = make({rod}, "shear1");
+    EXPECT_EQ(made->unit, "");
+    EXPECT_EQ(made->min, -3);
+    expectColours(*made, *findColourMap("coolwarm"));
+}
+
 TEST_F(ColouringTest, ASymmetricRangeReachesAsFarAboveZeroAsBelow)
 {
     options.symmetricRange = true;

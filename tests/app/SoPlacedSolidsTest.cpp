@@ -17,6 +17,7 @@
 #include <Inventor/nodes/SoOrthographicCamera.h>
 #include <Inventor/nodes/SoSeparator.h>
 #include <Inventor/nodes/SoVertexProperty.h>
+#include <OffscreenContext.h>
 #include <gmock/gmock.h>
 
 #include "support/initialiseSceneOnce.h"
@@ -109,9 +110,14 @@ SoIndexedFaceSet* facesOf(const std::vector<Solid>& solids, const std::vector<Pl
 class SoPlacedSolidsTest : public testing::Test
 {
 protected:
-    SoPlacedSolidsTest()
+    static void SetUpTestSuite() // the renderer needs it
     {
         initialiseSceneOnce();
+        OffscreenContext::install();
+    }
+
+    SoPlacedSolidsTest()
+    {
         scene = new SoSeparator;
         scene->ref();
         auto* camera = new SoOrthographicCamera;

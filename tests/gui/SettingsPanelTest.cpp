@@ -305,6 +305,23 @@ TEST_F(SettingsPanelTest, AStyleStaysForFilesThatAreOpenedLaterAndForTheSameRead
     EXPECT_EQ(radius(), 0.2);
 }
 
+TEST_F(SettingsPanelTest, AStyleThatIsChosenWhileAFileIsReadIsThatOfTheFile)
+{
+    ASSERT_NO_FATAL_FAILURE(openWith(ROD, "o"));
+    std::string text;
+    for (int i = 0; i < 300000; ++i) // takes longer than the window waits
+        text += std::to_string(i) + " " + std::to_string(i % 7) + " 0\n";
+    DataScene* const before = scene;
+    window->openFiles({QString::fromStdString(folder.write("long.txt", text))});
+    ASSERT_TRUE(window->isLoading());
+    StyleRequest next;
+    next.radius = 50;
+    window->setStyle(next);
+    ASSERT_TRUE(comesTo([this] { return !window->isLoading() && !window->isRestyling(); }));
+    ASSERT_NE(scene, before);
+    EXPECT_EQ(radius(), 50);
+}
+
 // All frames have the new style, and the range of colours is that of all of them.
 TEST_F(SettingsPanelTest, AStyleIsThatOfAllFramesOfASeries)
 {
