@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <set>
+#include <utility>
 
 #include <Inventor/nodes/SoMaterial.h>
 #include <SoGeneralScene.h>
@@ -42,13 +44,14 @@ std::vector<Track> colouredTracks(const Configuration& configuration, double ang
 std::vector<std::string> availableScalars(const std::vector<Track>& tracks)
 {
     std::vector<std::string> ofFiles, computed;
-    const auto add = [](std::vector<std::string>& names, const std::string& name) {
-        if (std::find(names.begin(), names.end(), name) == names.end())
-            names.push_back(name);
-    };
-    for (const Track& track : tracks)
-        for (const std::string& name : scalarNames(track))
-            add(findQuantity(track.kind, name) ? computed : ofFiles, name);
+    std::set<std::pair<bool, std::string>> known; // of thousands of lines
+    for (const Track& track : tracks) {
+        for (const std::string& name : scalarNames(track)) {
+            const bool isComputed = findQuantity(track.kind, name);
+            if (known.insert({isComputed, name}).second)
+                (isComputed ? computed : ofFiles).push_back(name);
+        }
+    }
     ofFiles.insert(ofFiles.end(), computed.begin(), computed.end());
     return ofFiles;
 }

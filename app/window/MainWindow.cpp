@@ -299,6 +299,8 @@ void MainWindow::showScene(DataScene* newScene, const std::vector<std::string>& 
     else
         scene->setLooks(looks);
     firstFrame = scene->getData();
+    if (firstFrame)
+        colourPanel->offerScalars(namesOfScalars(*firstFrame, options.dna.angstrom));
     shownStyle = options;
     tellStyle();
     places->setScene(scene);
@@ -417,7 +419,8 @@ void MainWindow::openFiles(const QStringList& names, CameraChoice choice)
 void MainWindow::follow(std::unique_ptr<LoadJob> newJob,
                         std::function<void(const ReadReport&)> tell, CameraChoice choice)
 {
-    stopLoading();
+    if (job)
+        abandonJob();
     job = std::move(newJob);
     showLoading();
     connect(job.get(), &LoadJob::progressed, loadBar, &LoadBar::setText);
@@ -438,6 +441,8 @@ void MainWindow::follow(std::unique_ptr<LoadJob> newJob,
                     shownStyle = style;
                     if (style != options && scene->getData())
                         restyle();
+                } else {
+                    dropComparison();
                 }
                 tell(report);
                 emit loadingEnded();
@@ -583,6 +588,12 @@ void MainWindow::stopLoading()
 {
     if (!job)
         return;
+    abandonJob();
+    dropComparison();
+}
+
+void MainWindow::abandonJob()
+{
     job.release()->abandonTo(this);
     showLoading();
     emit loadingEnded();
@@ -721,10 +732,20 @@ void MainWindow::setStyle(const StyleRequest& next)
         viewer->setBackgroundColor(background);
     if (!scene || !scene->getData())
         return;
-    if (isReadAgain) // readers compare
-        readAgain();
-    else
+    if (!isReadAgain) {
         restyle();
+        return;
+    }
+    readAgain(); // readers compare
+    if (!isLoading())
+        dropComparison(); // what was read at once is shown; what cannot be read again is not
+}
+
+// One that was asked for and did not come would keep other files from being read.
+void MainWindow::dropComparison()
+{
+    options.compare = shownStyle.compare;
+    tellStyle();
 }
 
 void MainWindow::restyle()
@@ -748,10 +769,8 @@ void MainWindow::showStyle(Restyler::Result& result)
     std::string fault = result.report.error;
     const bool wasFitted = isFitted();
     const FreeEdges roomBefore = scene->getLegendRoom();
-    if (result.look && result.task.frame != scene->getData()) { // another frame came meanwhile
-        restyle();
-        return;
-    }
+    // Of a frame that another one followed meanwhile, too: a series that plays would outrun any
+    // style, and the player shows the frame that is asked for anew.
     if (result.look) {
         PreparedLook& look = *result.look;
         Progress unwatched;
@@ -760,11 +779,13 @@ void MainWindow::showStyle(Restyler::Result& result)
                              unwatched);
     }
     tell(fault);
-    if (!fault.empty()) { // what is shown stays
-        static_cast<StyleRequest&>(options) = shownStyle;
+    if (!fault.empty()) { // what is shown stays, unless more was asked for meanwhile
+        if (!restyler.isAtWork())
+            static_cast<StyleRequest&>(options) = shownStyle;
         tellStyle();
         return;
     }
+    scene->setData(result.task.frame);
     const bool isOtherScalar = shownStyle.colourBy != result.task.options.colourBy;
     shownStyle = result.task.options;
     scene->showColours((*menus)[Command::SHOW_COLOURS]->isChecked());
@@ -798,8 +819,6 @@ void MainWindow::tellStyle()
     }
     for (SettingsPanel* panel : {lookPanel, colourPanel})
         panel->show(options, shown);
-    if (scene && scene->getData())
-        colourPanel->offerScalars(namesOfScalars(*scene->getData(), options.dna.angstrom));
 }
 
 void MainWindow::copyCamera()

@@ -159,6 +159,8 @@ private:
     /// Prepares the style that is asked for, of the frame that is shown.
     void restyle();
     void showStyle(Restyler::Result& result);
+    void dropComparison();
+    void abandonJob();
     /// Lets the panels show what is asked for.
     void tellStyle();
     void buildCurves();

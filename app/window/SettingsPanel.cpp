@@ -103,12 +103,13 @@ void SettingsPanel::tellFault(const std::string& fault)
 
 namespace {
 
-// What was written about one scalar would be wrong of another.
-void clearTextsOf(const Setting& scalar, StyleRequest& request)
+// Of those that need it, which would be wrong of another, or of none.
+void clearWhatNeeds(const Setting& needed, StyleRequest& request, bool textsAlone)
 {
-    for (const Setting& other : settings()) {
-        if (other.kind == SettingKind::TEXT && other.neededSetting == scalar.name)
-            other.clear(request);
+    for (const Setting& setting : settings()) {
+        if (setting.neededSetting == needed.name &&
+            (!textsAlone || setting.kind == SettingKind::TEXT))
+            setting.clear(request);
     }
 }
 
@@ -118,8 +119,8 @@ void SettingsPanel::read(const Setting& setting, const QString& text)
 {
     StyleRequest next = request;
     const std::string fault = setting.read(text.toStdString(), next);
-    if (fault.empty() && setting.kind == SettingKind::SCALAR && next != request)
-        clearTextsOf(setting, next);
+    if (fault.empty() && next != request)
+        clearWhatNeeds(setting, next, true);
     tellFault(fault.empty() ? "" : std::string(setting.label) + ": " + fault);
     if (fault.empty() && next != request)
         emit changed(next, setting.name);
@@ -131,12 +132,7 @@ void SettingsPanel::clear(const Setting& setting)
 {
     StyleRequest next = request;
     setting.clear(next);
-    if (setting.kind == SettingKind::SCALAR) { // what it colours is nothing any more
-        for (const Setting& other : settings()) {
-            if (other.neededSetting == setting.name)
-                other.clear(next);
-        }
-    }
+    clearWhatNeeds(setting, next, false);
     tellFault("");
     emit changed(next, setting.name);
 }

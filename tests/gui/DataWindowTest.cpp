@@ -27,8 +27,10 @@ MainWindow::Loader DataWindowTest::makeLoader()
     return [this](const std::vector<std::string>& files, const Options& asked, ReadReport& report,
                   Progress& progress) {
         const SceneMaker make = prepareScene(files, asked, report, progress, Opening::AT_ONCE);
-        return
-            [this, make](ReadReport& made, Progress& nodes) { return scene = make(made, nodes); };
+        if (!make)
+            return make;
+        return SceneMaker(
+            [this, make](ReadReport& made, Progress& nodes) { return scene = make(made, nodes); });
     };
 }
 

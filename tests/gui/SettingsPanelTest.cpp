@@ -8,6 +8,7 @@
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QSlider>
 #include <QSpinBox>
@@ -320,6 +321,72 @@ TEST_F(SettingsPanelTest, AStyleThatIsChosenWhileAFileIsReadIsThatOfTheFile)
     ASSERT_TRUE(comesTo([this] { return !window->isLoading() && !window->isRestyling(); }));
     ASSERT_NE(scene, before);
     EXPECT_EQ(radius(), 50);
+}
+
+TEST_F(SettingsPanelTest, AComparisonThatCannotBeReadIsToldAndGivenUp)
+{
+    ASSERT_NO_FATAL_FAILURE(openWith(ROD, "c"));
+    QString told;
+    QTimer::singleShot(300, window.get(), [&told] {
+        if (auto* const box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+            told = box->text();
+            box->close();
+        }
+    });
+    StyleRequest next;
+    next.compare = folder.path("no-such-file.txt");
+    window->setStyle(next);
+    ASSERT_TRUE(comesTo([&] { return !told.isEmpty(); }));
+    EXPECT_TRUE(told.contains("no-such-file.txt")) << told.toStdString();
+    EXPECT_EQ(window->getStyle(), StyleRequest());
+    EXPECT_EQ(find<QComboBox>("compare")->currentText(), "nothing");
+    DataScene* const before = scene;
+    window->readAgain();
+    EXPECT_TRUE(comesTo([&] { return scene != before; })) << "as without it";
+}
+
+// Frames may come faster than a style is prepared.
+TEST_F(SettingsPanelTest, AStyleComesWhileASeriesPlays)
+{
+    std::string text = "t x y z\n";
+    for (int frame = 0; frame < 4; ++frame) {
+        for (int i = 0; i < 3000; ++i)
+            text += std::to_string(frame) + " " + std::to_string(i) + " " +
+                    std::to_string(frame * i % 7) + " 0\n";
+    }
+    options.series.framesPerSecond = 100;
+    options.slices = 8;
+    options.subsegments = 2;
+    ASSERT_NO_FATAL_FAILURE(openWith(text, "o"));
+    ASSERT_TRUE(comesTo([this] { return player() && player()->isStaged(); }));
+    auto* const repeat = window->findChild<QComboBox*>("repeatBox");
+    ASSERT_NE(repeat, nullptr);
+    repeat->setCurrentIndex(1); // again and again
+    player()->setPlaying(true);
+    StyleRequest next = window->getStyle();
+    next.radius = 5;
+    window->setStyle(next);
+    EXPECT_TRUE(comesTo([this] { return radius() == 5; }));
+    EXPECT_TRUE(player()->isPlaying());
+    const std::size_t frame = player()->getFrame();
+    EXPECT_TRUE(comesTo([&] { return player()->getFrame() != frame; }));
+    EXPECT_EQ(radius(), 5);
+    player()->setPlaying(false);
+}
+
+// What is refused is not what was asked for afterwards.
+TEST_F(SettingsPanelTest, AStyleAfterOneThatCannotBeIsShown)
+{
+    ASSERT_NO_FATAL_FAILURE(openWith(ROD, "o"));
+    StyleRequest next;
+    next.radius = 1e9;
+    window->setStyle(next);
+    next.radius = 0.3;
+    window->setStyle(next);
+    ASSERT_TRUE(comesToShow());
+    EXPECT_EQ(radius(), 0.3);
+    EXPECT_EQ(window->getStyle().radius, 0.3);
+    EXPECT_EQ(find<QLineEdit>("radiusField")->text(), "0.3");
 }
 
 // All frames have the new style, and the range of colours is that of all of them.
