@@ -27,6 +27,7 @@
 #include <QStatusBar>
 #include <QTimer>
 #include <QToolBar>
+#include <QUndoStack>
 #include <QVBoxLayout>
 
 #include <LightingDialog.h>
@@ -46,6 +47,7 @@
 #include "window/CurveHover.h"
 #include "window/CurvePanel.h"
 #include "window/FrameWaiter.h"
+#include "window/History.h"
 #include "window/LoadBar.h"
 #include "window/Menus.h"
 #include "window/PlacePanel.h"
@@ -124,6 +126,7 @@ MainWindow::MainWindow(const Options& startOptions, Loader sceneLoader, SeriesOp
     docks->setContextMenuPolicy(Qt::NoContextMenu);
     docks->setCentralWidget(buildView());
     layout->addWidget(docks, 1);
+    buildHistory();
     buildPanels();
     restoreWindow(); // before SoQt, which shows the whole window with the view
     viewer->show();
@@ -183,6 +186,27 @@ QWidget* MainWindow::buildView()
     return area;
 }
 
+void MainWindow::buildHistory()
+{
+    history = std::make_unique<History>([this] { return getState(); },
+                                        [this](const WindowState& state) { showState(state); });
+    QAction* const undo = (*menus)[Command::UNDO];
+    QAction* const redo = (*menus)[Command::REDO];
+    QUndoStack& steps = history->steps;
+    const auto follow = [](QAction& action, const QString& verb, const QString& what) {
+        action.setText(what.isEmpty() ? verb : verb + ' ' + what);
+        action.setEnabled(!what.isEmpty());
+    };
+    const auto followAll = [this, follow, undo, redo] {
+        follow(*undo, "&Undo", history->steps.undoText());
+        follow(*redo, "&Redo", history->steps.redoText());
+    };
+    for (const auto change : {&QUndoStack::undoTextChanged, &QUndoStack::redoTextChanged})
+        connect(&steps, change, this, followAll);
+    followAll();
+    ownedViewer->onCamera = [this] { history->noteSoon(); };
+}
+
 void MainWindow::buildPanels()
 {
     auto* panel = new PlacePanel(docks);
@@ -198,6 +222,7 @@ void MainWindow::buildPanels()
     buildCurves();
     lookTimer.setSingleShot(true); // a button changes thousands of looks
     connect(&lookTimer, &QTimer::timeout, this, [this] {
+        history->note();
         places->follow();
         outlineChosen();
         curves->followLooks();
@@ -287,6 +312,7 @@ void MainWindow::showScene(DataScene* newScene, const std::vector<std::string>& 
     if (choice == SAME_CAMERA && scene)
         same.numbers = getCameraNumbers();
     const bool wasFitted = isFitted(), isFirst = !scene;
+    const History::Pause pause(*history);
     endPlaying();
     restyler.forget();
     const DataScene::Looks looks = scene ? scene->getLooks() : DataScene::Looks();
@@ -326,6 +352,8 @@ void MainWindow::showScene(DataScene* newScene, const std::vector<std::string>& 
     prepareDialogs();
     setWindowTitle(titleFor(files));
     followMode();
+    if (choice == NEW_CAMERA || isFirst)
+        history->begin();
 }
 
 void MainWindow::pick(const SoPickedPoint& picked)
@@ -571,6 +599,7 @@ void MainWindow::endPlaying()
 
 void MainWindow::settle(const Stage& stage)
 {
+    const History::Pause pause(*history);
     const bool wasFitted = isFitted(), wasAtHome = homeNumbers == getCameraNumbers();
     scene->setRoom(stage.roomIn(scene->getPlacement()));
     scene->setSide(stage.side);
@@ -670,6 +699,7 @@ bool MainWindow::isFitted() const { return scene && fitted && *fitted == getCame
 void MainWindow::refit(void* window, SoQtGeneralViewer* /*viewer*/, const SbVec2s& /*size*/)
 {
     auto* self = static_cast<MainWindow*>(window);
+    const History::Pause pause(*self->history);
     const bool isAtHome = self->scene && self->homeNumbers == self->getCameraNumbers();
     if (isAtHome && !self->ownedViewer->home.numbers)
         self->goHome(); // in another size
@@ -712,6 +742,7 @@ void MainWindow::setColours(bool ofData)
         return;
     const bool wasFitted = isFitted();
     scene->showColours(ofData);
+    history->noteSoon();
     // The highlights came or went.
     for (LightingDialog* lights : findChildren<LightingDialog*>())
         lights->updateGUIFromShaders();
@@ -726,6 +757,7 @@ void MainWindow::setStyle(const StyleRequest& next)
 {
     const bool isReadAgain = next.compare != options.compare;
     static_cast<StyleRequest&>(options) = next;
+    history->note();
     tellStyle();
     const SbColor background = toSbColor(next.background);
     if (background != viewer->getBackgroundColor())
@@ -744,7 +776,10 @@ void MainWindow::setStyle(const StyleRequest& next)
 // One that was asked for and did not come would keep other files from being read.
 void MainWindow::dropComparison()
 {
+    if (options.compare == shownStyle.compare)
+        return;
     options.compare = shownStyle.compare;
+    history->refuse();
     tellStyle();
 }
 
@@ -782,6 +817,7 @@ void MainWindow::showStyle(Restyler::Result& result)
     if (!fault.empty()) { // what is shown stays, unless more was asked for meanwhile
         if (!restyler.isAtWork())
             static_cast<StyleRequest&>(options) = shownStyle;
+        history->refuse();
         tellStyle();
         return;
     }
@@ -789,8 +825,10 @@ void MainWindow::showStyle(Restyler::Result& result)
     const bool isOtherScalar = shownStyle.colourBy != result.task.options.colourBy;
     shownStyle = result.task.options;
     scene->showColours((*menus)[Command::SHOW_COLOURS]->isChecked());
-    if (wasFitted && scene->getLegendRoom() != roomBefore)
+    if (wasFitted && scene->getLegendRoom() != roomBefore) {
+        const History::Pause pause(*history);
         fit();
+    }
     if (player)
         player->follow({scene->getStyle(), scene->getPlacement(), result.task.options},
                        isOtherScalar ? FrameStore::NEW_STAGE : FrameStore::SAME_STAGE);
@@ -802,6 +840,38 @@ void MainWindow::showStyle(Restyler::Result& result)
     curves->followLooks();
     tellStyle();
     followViewer();
+}
+
+WindowState MainWindow::getState() const
+{
+    WindowState state;
+    state.style = options;
+    state.areColoursShown = (*menus)[Command::SHOW_COLOURS]->isChecked();
+    if (scene) {
+        state.looks = scene->getLooks();
+        state.camera = getCameraNumbers();
+    }
+    return state;
+}
+
+void MainWindow::showState(const WindowState& state)
+{
+    const WindowState now = getState();
+    if (state.style != now.style)
+        setStyle(state.style);
+    scene->setLooks(state.looks);
+    things->follow();
+    if (state.areColoursShown != now.areColoursShown) {
+        (*menus)[Command::SHOW_COLOURS]->setChecked(state.areColoursShown);
+        setColours(state.areColoursShown);
+    }
+    if (state.camera == now.camera)
+        return;
+    const auto fittedBefore = fitted; // in another size it is fitted anew, if this is it
+    CameraRequest request;
+    request.numbers = state.camera;
+    place(request);
+    fitted = fittedBefore;
 }
 
 void MainWindow::tellStyle()
@@ -879,6 +949,7 @@ void MainWindow::followViewer()
         scene->setBackground({background[0], background[1], background[2]});
     if (background != toSbColor(options.background)) { // the viewer's key
         options.background = shownStyle.background = {background[0], background[1], background[2]};
+        history->note();
         tellStyle();
     }
 }
@@ -1060,6 +1131,8 @@ void MainWindow::command(Command asked, bool isOn)
         {Command::COPY_CAMERA, [](MainWindow& w, bool) { w.copyCamera(); }},
         {Command::COPY_COMMAND, [](MainWindow& w, bool) { w.copyCommand(); }},
         {Command::COPY_STATUS, [](MainWindow& w, bool) { w.copyStatusText(); }},
+        {Command::UNDO, [](MainWindow& w, bool) { w.history->steps.undo(); }},
+        {Command::REDO, [](MainWindow& w, bool) { w.history->steps.redo(); }},
         {Command::CLOSE, [](MainWindow& w, bool) { w.close(); }},
         {Command::QUIT, [](MainWindow& w, bool) { w.close(); }},
         {Command::VIEW_ALL, [](MainWindow& w, bool) { w.viewAll(); }},

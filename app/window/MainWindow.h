@@ -22,6 +22,7 @@
 #include "window/LoadJob.h"
 #include "window/PlayBar.h"
 #include "window/Restyler.h"
+#include "window/WindowState.h"
 #include "window/actions.h"
 
 class QDockWidget;
@@ -34,6 +35,7 @@ namespace strandview {
 class CurveHover;
 class CurvePanel;
 class DataScene;
+class History;
 class LoadBar;
 class Menus;
 class PlacePanel;
@@ -86,6 +88,9 @@ public:
 
     /// What is asked for of the style, by options and panels.
     const StyleRequest& getStyle() const { return options; }
+    /// What its user can take back.
+    WindowState getState() const;
+
     /// Whether a style that was asked for is not shown yet.
     bool isRestyling() const { return restyler.isAtWork(); }
 
@@ -163,6 +168,9 @@ private:
     void abandonJob();
     /// Lets the panels show what is asked for.
     void tellStyle();
+    void buildHistory();
+    /// What differs from what is shown.
+    void showState(const WindowState& state);
     void buildCurves();
     /// Beside the view, closed; an entry of the menu shows it.
     QDockWidget* addPanel(QWidget* panel, const char* title, Command toggle);
@@ -221,6 +229,7 @@ private:
     std::shared_ptr<const Configuration> firstFrame;
 
     std::unique_ptr<Menus> menus;
+    std::unique_ptr<History> history;
     StatusText* statusText = nullptr;
     QLabel* modeLabel = nullptr;  // turning or picking
     QMainWindow* docks = nullptr; // view and panels

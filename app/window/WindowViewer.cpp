@@ -30,6 +30,7 @@ WindowViewer::WindowViewer(QWidget* parent) : SoQtGeneralViewer(parent)
 {
     setFeedbackVisibility(FALSE); // a cross over the scene, with yellow letters
     cameraWatcher.setPriority(0);
+    cameraTeller.setPriority(0); // or it does not know the field
 }
 
 // SoQt takes the camera that it makes for the new home; and near what is long along the
@@ -70,10 +71,26 @@ void WindowViewer::setCamera(SoCamera* camera)
 {
     SoQtGeneralViewer::setCamera(camera);
     cameraWatcher.detach();
+    cameraTeller.detach();
     if (!camera)
         return;
     cameraWatcher.attach(&camera->orientation);
     turnAxes(this, nullptr);
+    cameraTeller.attach(camera);
+    if (onCamera)
+        onCamera();
+}
+
+// Each frame has other planes of clipping.
+void WindowViewer::tellCamera(void* viewer, SoSensor* sensor)
+{
+    const auto& self = *static_cast<WindowViewer*>(viewer);
+    const SoCamera* const camera = self.getCamera();
+    const SoField* const field = static_cast<SoNodeSensor*>(sensor)->getTriggerField();
+    if (!self.onCamera || !camera || field == &camera->nearDistance ||
+        field == &camera->farDistance)
+        return;
+    self.onCamera();
 }
 
 void WindowViewer::setViewing(SbBool viewing)

@@ -7,6 +7,7 @@
 
 #include <Inventor/SoPickedPoint.h>
 #include <Inventor/sensors/SoFieldSensor.h>
+#include <Inventor/sensors/SoNodeSensor.h>
 #include <QPointer>
 
 #include <SoQtGeneralViewer.h>
@@ -32,7 +33,8 @@ public:
     std::function<void()> onMiss;  ///< after a click beside everything
     /// The mouse has moved to there, in the view's pixels
     std::function<void(const SbVec2s& place)> onMove;
-    std::function<void()> onMode; ///< after a change between turning and picking
+    std::function<void()> onCamera; ///< after a change of what the camera shows
+    std::function<void()> onMode;   ///< after a change between turning and picking
 
     CameraRequest home;             ///< where the scene is seen from at the beginning
     bool picksWhileTurning = false; ///< clicks of the left button, too, that turn nothing
@@ -68,6 +70,7 @@ protected:
 
 private:
     static void turnAxes(void* viewer, SoSensor* sensor);
+    static void tellCamera(void* viewer, SoSensor* sensor);
     void followButton(const SoEvent* event);
     bool isPick(const SoEvent* event) const;
     /// A click of the left button while it turns.
@@ -77,6 +80,7 @@ private:
     SbVec2s pressed; ///< where a button was
 
     SoFieldSensor cameraWatcher{turnAxes, this};
+    SoNodeSensor cameraTeller{tellCamera, this};
 };
 
 } // namespace strandview

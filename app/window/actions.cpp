@@ -62,6 +62,14 @@ ActionGroup file()
          {nullptr, "Alt + F4", "closes it, too, where the desktop has that key"}}};
 }
 
+ActionGroup edit()
+{
+    return {"&Edit",
+            {{"&Undo", "Ctrl+Z", "takes back what was changed of look, things and camera",
+              Command::UNDO},
+             {"&Redo", "Ctrl+Shift+Z", "does it again", Command::REDO}}};
+}
+
 // Long, as the menu is.
 ActionGroup view()
 {
@@ -241,7 +249,8 @@ KeyGroup helpOf(const ActionGroup& group)
 
 const std::vector<ActionGroup>& actions()
 {
-    static const std::vector<ActionGroup> groups{mouse(), file(), view(), look(), play(), help()};
+    static const std::vector<ActionGroup> groups{mouse(), file(), edit(), view(),
+                                                 look(),  play(), help()};
     return groups;
 }
 

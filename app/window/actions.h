@@ -25,6 +25,8 @@ enum class Command {
     COPY_STATUS,
     CLOSE,
     QUIT,
+    UNDO,
+    REDO,
     VIEW_ALL,
     GO_HOME,
     SET_PERSPECTIVE,

@@ -41,6 +41,7 @@ const std::map<std::string, std::string> ELSEWHERE{
     {"app/window/SettingControl.cpp", "tests/gui/SettingsPanelTest.cpp"},
     {"app/window/ThingOutline.cpp", "tests/gui/ThingsPanelTest.cpp"},
     {"app/window/ThingsModel.cpp", "tests/gui/ThingsPanelTest.cpp"},
+    {"app/window/WindowState.cpp", "tests/gui/HistoryTest.cpp"},
     {"app/window/WindowViewer.cpp", "tests/gui/MainWindowTest.cpp"},
     {"app/window/checkDisplay.cpp", "tests/app/StrandviewTest.cpp"},
     {"app/window/plotLooks.cpp", "tests/gui/CurvePanelTest.cpp"},
