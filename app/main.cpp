@@ -29,6 +29,7 @@
 #include "scene/SceneLoader.h"
 #include "scene/idleOptions.h"
 #include "scene/readFiles.h"
+#include "session/fingerprint.h"
 #include "window/checkDisplay.h"
 #include "window/runWindow.h"
 
@@ -165,7 +166,7 @@ int showWindow(const Options& options)
                           asked);
     };
     ReadReport report;
-    const std::string failure = runWindow(options, load, report, open);
+    const std::string failure = runWindow(options, load, report, open, optionsOfSession);
     if (!report.error.empty())
         return fail(BAD_INPUT, report.error);
     return failure.empty() ? SUCCESS : fail(CANNOT_WRITE, failure);
@@ -183,6 +184,12 @@ std::string checkPicture(const std::string& name, bool transparent)
     return PictureName(name).countNumbers() == 0
                ? ""
                : "--render: found " + inQuotes(name) + ", expected one film of all frames";
+}
+
+bool opensWindow(const Options& options)
+{
+    return !options.picture && !options.exportFile && !options.plot.file && !options.info &&
+           !options.listScalars && !options.series.listFrames;
 }
 
 // What can be refused before a long file is read.
@@ -205,18 +212,13 @@ int checkOutput(const Options& options)
                                                                     : options.windowPicture;
     if (output)
         refusal = checkWritable(options.picture ? PictureName(*output).of(0) : *output);
-    if (refusal.empty() && !options.picture && !options.exportFile && !options.plot.file)
+    if (refusal.empty() && opensWindow(options))
         refusal = checkDisplay();
     return refusal.empty() ? SUCCESS : fail(CANNOT_WRITE, refusal);
 }
 
-int run(int argc, char** argv)
+int perform(const Options& options)
 {
-    const ParsedOptions parsed = parseOptions(argc, argv);
-    if (!parsed.options)
-        return parsed.exitStatus;
-    const Options& options = *parsed.options;
-
     if (options.info || options.listScalars)
         return tellFindings(options);
     if (options.series.listFrames)
@@ -236,7 +238,24 @@ int run(int argc, char** argv)
     if (!options.picture)
         return showWindow(options);
 
-    return asksForSeries(options) ? renderSeries(options) : renderStill(options);
+    if (asksForSeries(options))
+        return renderSeries(options);
+    Options still = options;
+    if (options.session && options.session->frame && !options.frame)
+        still.frame = int(*options.session->frame);
+    return renderStill(still);
+}
+
+int run(int argc, char** argv)
+{
+    const ParsedOptions parsed = parseOptions(argc, argv);
+    if (!parsed.options)
+        return parsed.exitStatus;
+    const int status = perform(*parsed.options);
+    // A window tells it itself.
+    if (status == SUCCESS && parsed.options->session && !opensWindow(*parsed.options))
+        tellAll(findChanged(parsed.options->session->files, {}));
+    return status;
 }
 
 } // namespace

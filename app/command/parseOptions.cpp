@@ -22,6 +22,7 @@
 #include "request/limits.h"
 #include "request/parseNumber.h"
 #include "request/settings.h"
+#include "session/sessionFile.h"
 
 namespace strandview {
 
@@ -544,7 +545,8 @@ void addSetting(CLI::App& app, const Setting& setting, StyleRequest& request)
         option = app.add_option_function<std::string>(name, read, setting.help)
                      ->type_name(setting.values);
     option->group(setting.group);
-    if (!setting.neededSetting.empty())
+    // Of a session it may be there already.
+    if (!setting.isOfUse(request))
         option->needs(app.get_option("--" + setting.neededSetting));
 }
 
@@ -680,14 +682,102 @@ std::string explain(const CLI::App& app, const CLI::ParseError& error, int argc,
     return mismatch.empty() ? error.what() : mismatch;
 }
 
-} // namespace
+// Whether it is another file than options' values: a name of a session is none of those.
+bool isSession(const std::string& argument)
+{
+    return !argument.empty() && argument[0] != '-' && isSessionName(argument);
+}
 
-ParsedOptions parseOptions(int argc, const char* const* argv)
+// The name of an option among arguments, "--pairs" of "--pairs=frame".
+std::string nameOfOption(const std::string& argument)
+{
+    return argument.rfind("--", 0) == 0 ? argument.substr(0, argument.find('=')) : "";
+}
+
+// What a session says of reading, but for what the command line says of the same.
+std::vector<std::string> readingOf(const Session& session, const std::set<std::string>& given)
+{
+    std::vector<std::string> arguments;
+    bool isTaken = false;
+    for (const std::string& argument : session.reading) {
+        const std::string name = nameOfOption(argument);
+        if (!name.empty())
+            isTaken = given.count(name) == 0;
+        if (isTaken)
+            arguments.push_back(argument);
+    }
+    return arguments;
+}
+
+// The session among the arguments, which get what it says of reading. False, and one line in
+// `fault`, if it is none; all is well without one.
+bool takeSession(std::vector<std::string>& arguments, std::optional<Session>& session,
+                 std::string& fault)
+{
+    const auto named = std::find_if(arguments.begin() + 1, arguments.end(), isSession);
+    if (named == arguments.end())
+        return true;
+    session = readSession(*named, fault);
+    if (!session)
+        return false;
+    for (const std::string& argument : session->reading) {
+        const std::string name = nameOfOption(argument);
+        const bool isFirst = &argument == &session->reading.front();
+        if (name.empty() ? isFirst : OF_READING.count(name.substr(2)) == 0) {
+            fault = *named + ": reading: found " + inQuotes(argument) +
+                    ", expected an option that says how files are read";
+            return false;
+        }
+    }
+    std::set<std::string> given;
+    for (const std::string& argument : arguments)
+        given.insert(nameOfOption(argument));
+    const std::vector<std::string> reading = readingOf(*session, given);
+    arguments.insert(arguments.begin() + 1, reading.begin(), reading.end());
+    return true;
+}
+
+// What is not said by options.
+void takeFrom(const Session& session, const CLI::App& app, Options& options)
+{
+    if (options.files.size() != 1 || !isSession(options.files.front()))
+        throw CLI::ValidationError("FILE", "found a session beside other files, expected it alone");
+    options.session = session;
+    options.files.clear();
+    for (const SessionFile& file : session.files)
+        options.files.push_back(file.name);
+    const auto isGiven = [&app](const std::string& name) {
+        return app.get_option(name)->count() > 0;
+    };
+    const auto isOfCamera = [](const CLI::Option* option) {
+        return option->get_group() == "Camera" && option->count() > 0 &&
+               !option->check_lname("print-camera");
+    };
+    const auto all = app.get_options({});
+    if (std::none_of(all.begin(), all.end(), isOfCamera))
+        options.camera.numbers = session.camera;
+    const bool isPicture = options.picture || options.exportFile || options.plot.file;
+    if (session.frame && !isGiven("--frame") && !isPicture && !options.series.listFrames)
+        options.frame = int(*session.frame);
+    if (session.pictureSize && !isGiven("--size")) {
+        options.pictureWidth = session.pictureSize->first;
+        options.pictureHeight = session.pictureSize->second;
+    }
+    // Pictures of one style are those of another however that was asked for.
+    for (const std::string& argument : argumentsOf(options))
+        options.look += argument + "\n";
+}
+
+Options parse(CLI::App& app, const std::vector<std::string>& arguments,
+              const std::optional<Session>& session)
 {
     Options options;
-    CLI::App app("Shows elastic rods with their material frames, birods and DNA: smooth tubes and\n"
-                 "ribbons, atoms and boxes, in a window or, with --render, in a picture.",
-                 "strandview");
+    if (session)
+        static_cast<StyleRequest&>(options) = session->style;
+    app.description(
+        "Shows elastic rods with their material frames, birods and DNA: smooth tubes and\n"
+        "ribbons, atoms and boxes, in a window or, with --render, in a picture.");
+    app.name("strandview");
     app.set_version_flag("--version", "strandview " STRANDVIEW_VERSION);
     app.footer("American spellings are understood, too: --color-by, --normalize and so on.");
     addFiles(app, options);
@@ -697,25 +787,42 @@ ParsedOptions parseOptions(int argc, const char* const* argv)
         addSetting(app, setting, options);
     addCamera(app, options);
 
+    parseArguments(app, arguments);
+    options.given = givenOptions(app);
+    options.look = lookOf(app);
+    options.reading = argumentsOfReading(app);
+    if (session)
+        takeFrom(*session, app, options);
+    const bool needsFile = options.picture || options.info || options.listScalars ||
+                           options.exportFile || options.series.listFrames || options.plot.file;
+    if (options.frame && options.series.frames && !options.series.turn)
+        throw CLI::ExcludesError("--frames", "--frame");
+    settleSize(options);
+    checkForSeries(options);
+    checkForCamera(options.camera);
+    checkForTold(options);
+    checkForPlot(options);
+    if (needsFile && options.files.empty())
+        throw CLI::RequiredError("FILE");
+    if (std::count(options.files.begin(), options.files.end(), "-") > 1)
+        throw CLI::ValidationError("FILE", "found - twice, expected standard input once");
+    return options;
+}
+
+} // namespace
+
+ParsedOptions parseOptions(int argc, const char* const* argv)
+{
+    std::optional<Session> session;
+    std::vector<std::string> arguments = inOwnSpelling(argc, argv);
+    std::string fault;
+    if (!takeSession(arguments, session, fault)) {
+        std::cerr << "strandview: " << fault << "\n";
+        return {std::nullopt, BAD_INPUT};
+    }
+    CLI::App app;
     try {
-        parseArguments(app, inOwnSpelling(argc, argv));
-        options.given = givenOptions(app);
-        options.look = lookOf(app);
-        options.reading = argumentsOfReading(app);
-        const bool needsFile = options.picture || options.info || options.listScalars ||
-                               options.exportFile || options.series.listFrames || options.plot.file;
-        if (options.frame && options.series.frames && !options.series.turn)
-            throw CLI::ExcludesError("--frames", "--frame");
-        settleSize(options);
-        checkForSeries(options);
-        checkForCamera(options.camera);
-        checkForTold(options);
-        checkForPlot(options);
-        if (needsFile && options.files.empty())
-            throw CLI::RequiredError("FILE");
-        if (std::count(options.files.begin(), options.files.end(), "-") > 1)
-            throw CLI::ValidationError("FILE", "found - twice, expected standard input once");
-        return {options, 0};
+        return {parse(app, arguments, session), 0};
     } catch (const CLI::Success& request) { // --help and --version
         const int status = app.exit(request);
         if (std::cout.flush())
@@ -725,6 +832,21 @@ ParsedOptions parseOptions(int argc, const char* const* argv)
     } catch (const CLI::ParseError& error) {
         std::cerr << "strandview: " << explain(app, error, argc, argv) << "\n";
         return {std::nullopt, BAD_INPUT};
+    }
+}
+
+std::optional<Options> optionsOfSession(const std::string& name, std::string& fault)
+{
+    std::optional<Session> session;
+    std::vector<std::string> arguments{"strandview", "--", name};
+    if (!takeSession(arguments, session, fault))
+        return std::nullopt;
+    CLI::App app;
+    try {
+        return parse(app, arguments, session);
+    } catch (const CLI::ParseError& error) {
+        fault = name + ": " + error.what();
+        return std::nullopt;
     }
 }
 

@@ -3,6 +3,7 @@
 #define STRANDVIEW_APP_COMMAND_PARSEOPTIONS_H
 
 #include <optional>
+#include <string>
 
 #include "request/Options.h"
 
@@ -17,6 +18,9 @@ struct ParsedOptions
 };
 
 ParsedOptions parseOptions(int argc, const char* const* argv);
+
+/// What a command line with that session alone asks for; or nothing, and one line in `fault`.
+std::optional<Options> optionsOfSession(const std::string& name, std::string& fault);
 
 } // namespace strandview
 

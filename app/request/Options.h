@@ -10,6 +10,7 @@
 #include "request/CameraRequest.h"
 #include "request/FrameSlice.h"
 #include "request/PlotRequest.h"
+#include "request/Session.h"
 #include "request/StyleRequest.h"
 
 namespace strandview {
@@ -44,6 +45,9 @@ struct PaperSize
 struct Options : StyleRequest
 {
     std::vector<std::string> files;
+    /// What named them, and says what options do not; its frame is that of a window and of a
+    /// single picture.
+    std::optional<Session> session;
     std::vector<std::string> given; ///< every option of the command line, such as "--radius"
     /// Those that a picture depends on, with their values: the same text for the same look.
     std::string look;

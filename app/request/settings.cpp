@@ -519,13 +519,19 @@ const std::vector<Setting>& settings()
     return all;
 }
 
-const Setting& settingOf(const std::string& name)
+const Setting* findSetting(const std::string& name)
 {
     const auto named =
         std::find_if(settings().begin(), settings().end(),
                      [&name](const Setting& setting) { return name == setting.name; });
-    assert(named != settings().end());
-    return *named;
+    return named == settings().end() ? nullptr : &*named;
+}
+
+const Setting& settingOf(const std::string& name)
+{
+    const Setting* const setting = findSetting(name);
+    assert(setting);
+    return *setting;
 }
 
 std::vector<std::string> argumentsOf(const StyleRequest& request)

@@ -57,6 +57,8 @@ struct Setting
 
 /// All of them, in the order of the help: the one list of what can be asked of a style.
 const std::vector<Setting>& settings();
+/// That of a name, or null.
+const Setting* findSetting(const std::string& name);
 /// That of a name, which there must be.
 const Setting& settingOf(const std::string& name);
 

@@ -44,6 +44,7 @@
 #include "scene/Progress.h"
 #include "scene/SceneBuilder.h"
 #include "scene/readFiles.h"
+#include "session/sessionFile.h"
 #include "window/CurveHover.h"
 #include "window/CurvePanel.h"
 #include "window/FrameWaiter.h"
@@ -54,6 +55,7 @@
 #include "window/PlaceTeller.h"
 #include "window/Player.h"
 #include "window/ScreenFitter.h"
+#include "window/SessionKeeper.h"
 #include "window/SettingsPanel.h"
 #include "window/StatusText.h"
 #include "window/ThingsPanel.h"
@@ -108,11 +110,14 @@ QStringList localFiles(const QMimeData& data)
 
 } // namespace
 
-MainWindow::MainWindow(const Options& startOptions, Loader sceneLoader, SeriesOpener opener)
+MainWindow::MainWindow(const Options& startOptions, Loader sceneLoader, SeriesOpener opener,
+                       SessionReader reader)
     : SoQtGeneralViewerDialog(nullptr),
       options(startOptions),
       loader(std::move(sceneLoader)),
-      seriesOpener(std::move(opener))
+      seriesOpener(std::move(opener)),
+      sessionReader(std::move(reader)),
+      sessions(std::make_unique<SessionKeeper>())
 {
     setWindowFlags(Qt::Window);
     setWindowTitle(titleFor({}));
@@ -158,8 +163,9 @@ void MainWindow::buildMenus()
                                     [this](const Deed& deed, bool on) { perform(deed, on); });
     (*menus)[Command::STOP_LOADING]->setEnabled(false);
     menus->followSeries(false);
-    for (const Command shownAtFirst : {Command::SHOW_COLOURS, Command::SHOW_AXES})
-        (*menus)[shownAtFirst]->setChecked(true);
+    (*menus)[Command::SHOW_AXES]->setChecked(true);
+    (*menus)[Command::SHOW_COLOURS]->setChecked(!options.session ||
+                                                options.session->areColoursShown);
     QMenu* recent = (*menus)[Command::OPEN_RECENT]->menu();
     connect(recent, &QMenu::aboutToShow, this, [this, recent] {
         offerRecentFiles(*recent, [this](const QStringList& files) { openFiles(files); });
@@ -301,6 +307,19 @@ void MainWindow::buildStatusBar()
         statusText->tell({});
     };
     ownedViewer->onMode = [this] { followMode(); };
+    connect(sessions.get(), &SessionKeeper::saved, this,
+            [this](const Session& session, const std::string& failure) {
+                if (!failure.empty()) {
+                    statusText->tell({});
+                    tellFailure(this, "Cannot save", failure);
+                    return;
+                }
+                statusText->tell({{"Saved", session.name}});
+                options.session = session;
+                setWindowTitle(title());
+                rememberFiles({QString::fromStdString(session.name)});
+            });
+    connect(sessions.get(), &SessionKeeper::foundChanged, this, &MainWindow::tellChanged);
 }
 
 // Scene
@@ -350,7 +369,7 @@ void MainWindow::showScene(DataScene* newScene, const std::vector<std::string>& 
             fitted = getCameraNumbers();
     }
     prepareDialogs();
-    setWindowTitle(titleFor(files));
+    setWindowTitle(title());
     followMode();
     if (choice == NEW_CAMERA || isFirst)
         history->begin();
@@ -430,35 +449,55 @@ void MainWindow::openFiles(const QStringList& names, CameraChoice choice)
         files.push_back(name.toStdString());
     if (files.empty())
         return;
+    if (sessionReader && files.size() == 1 && isSessionName(files.front())) {
+        openSession(files.front());
+        return;
+    }
     options.frame.reset(); // that was of the first files
     Options asked = options;
     asked.colourIfPossible = true; // other files need not have that scalar
+    load(files, asked, choice, std::nullopt);
+}
+
+void MainWindow::load(const std::vector<std::string>& files, const Options& asked,
+                      CameraChoice choice, const std::optional<Options>& next)
+{
     const auto load = [load = loader, asked](const std::vector<std::string>& toLoad,
                                              ReadReport& report, Progress& progress) {
         return load(toLoad, asked, report, progress);
     };
     follow(
         std::make_unique<LoadJob>(files, load),
-        [this, files](const ReadReport& report) { tellOpened(files, report); }, choice);
+        [this, files](const ReadReport& report) { tellOpened(files, report); }, choice, next);
     if (job->waitFor(LoadJob::PATIENCE))
         job->finish();
 }
 
 void MainWindow::follow(std::unique_ptr<LoadJob> newJob,
-                        std::function<void(const ReadReport&)> tell, CameraChoice choice)
+                        std::function<void(const ReadReport&)> tell, CameraChoice choice,
+                        const std::optional<Options>& asked)
 {
     if (job)
         abandonJob();
     job = std::move(newJob);
     showLoading();
     connect(job.get(), &LoadJob::progressed, loadBar, &LoadBar::setText);
-    const StyleRequest style = options; // until then the panels may ask for another
+    // Until then the panels may ask for another.
+    const StyleRequest style = asked ? *asked : options;
     connect(job.get(), &LoadJob::finished, this,
-            [this, tell, choice, style](DataScene* loaded, const ReadReport& report) {
+            [this, tell, choice, asked, style](DataScene* loaded, const ReadReport& report) {
                 LoadJob* const ended = job.release();
                 ended->deleteLater(); // not before it returns
                 showLoading();
                 if (loaded) {
+                    if (asked) {
+                        options = *asked;
+                        showBackground();
+                        (*menus)[Command::SHOW_COLOURS]->setChecked(
+                            !asked->session || asked->session->areColoursShown);
+                    } else if (scene && choice == NEW_CAMERA) {
+                        options.session.reset();
+                    }
                     Start start{std::size_t(options.frame.value_or(0))};
                     if (choice == SAME_CAMERA && player)
                         start = {player->getFrame(), playBar->getRange()};
@@ -469,6 +508,10 @@ void MainWindow::follow(std::unique_ptr<LoadJob> newJob,
                     shownStyle = style;
                     if (style != options && scene->getData())
                         restyle();
+                    if (options.session && choice == NEW_CAMERA) {
+                        rememberFiles({QString::fromStdString(options.session->name)});
+                        sessions->findChanged(*options.session);
+                    }
                 } else {
                     dropComparison();
                 }
@@ -487,6 +530,92 @@ void MainWindow::tellOpened(const std::vector<std::string>& files, const ReadRep
     for (const std::string& notice : report.notices)
         notices.push_back(toldOf(notice, files));
     statusText->tell(notices);
+}
+
+// Sessions
+
+void MainWindow::openSession(const std::string& name)
+{
+    std::string fault;
+    std::optional<Options> next = sessionReader(name, fault);
+    if (!next) {
+        tellFailure(this, "Cannot open", fault);
+        return;
+    }
+    // What a session does not say.
+    next->windowSize = options.windowSize;
+    next->series.framesPerSecond = options.series.framesPerSecond;
+    next->series.cacheMegabytes = options.series.cacheMegabytes;
+    load(next->files, *next, NEW_CAMERA, next);
+}
+
+Session MainWindow::getSession() const
+{
+    Session session;
+    if (options.session)
+        session.name = options.session->name;
+    for (const std::string& file : shownFiles)
+        session.files.push_back({file, 0, ""});
+    session.reading = options.reading;
+    session.style = options;
+    session.areColoursShown = (*menus)[Command::SHOW_COLOURS]->isChecked();
+    session.camera = getCameraNumbers();
+    if (player)
+        session.frame = player->getFrame();
+    const SbVec2s size = ownedViewer->getGLSize();
+    session.pictureSize = {size[0], size[1]};
+    return session;
+}
+
+void MainWindow::keepSession()
+{
+    if (options.session)
+        saveSession(QString::fromStdString(options.session->name));
+    else
+        chooseSession();
+}
+
+void MainWindow::chooseSession()
+{
+    if (!scene)
+        return;
+    const QString first = shownFiles.empty() ? "" : QString::fromStdString(shownFiles.front());
+    QFileDialog dialog(this, "Save the session", folderOfFiles(),
+                       QString("Sessions (*") + SESSION_ENDING + ")");
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setDefaultSuffix(SESSION_ENDING + 1);
+    dialog.selectFile(QFileInfo(first).completeBaseName() + SESSION_ENDING);
+    if (dialog.exec() == QDialog::Accepted)
+        saveSession(dialog.selectedFiles().constFirst());
+}
+
+void MainWindow::saveSession(const QString& file)
+{
+    if (!scene)
+        return;
+    if (!canBeReadAgain(shownFiles)) {
+        tellFailure(this, "Cannot save",
+                    "found data of standard input or a pipe, expected files, which a session can "
+                    "name");
+        return;
+    }
+    Session session = getSession();
+    session.name = file.toStdString();
+    statusText->tell({{"Saving", session.name}});
+    sessions->save(session);
+}
+
+void MainWindow::tellChanged(const std::vector<std::string>& files)
+{
+    std::vector<Told> told;
+    for (const std::string& line : files)
+        told.push_back(toldOf(line, shownFiles));
+    statusText->tell(told);
+}
+
+QString MainWindow::title() const
+{
+    return titleFor(options.session ? std::vector<std::string>{options.session->name} : shownFiles);
 }
 
 // Series
@@ -759,9 +888,7 @@ void MainWindow::setStyle(const StyleRequest& next)
     static_cast<StyleRequest&>(options) = next;
     history->note();
     tellStyle();
-    const SbColor background = toSbColor(next.background);
-    if (background != viewer->getBackgroundColor())
-        viewer->setBackgroundColor(background);
+    showBackground();
     if (!scene || !scene->getData())
         return;
     if (!isReadAgain) {
@@ -771,6 +898,13 @@ void MainWindow::setStyle(const StyleRequest& next)
     readAgain(); // readers compare
     if (!isLoading())
         dropComparison(); // what was read at once is shown; what cannot be read again is not
+}
+
+void MainWindow::showBackground()
+{
+    const SbColor background = toSbColor(options.background);
+    if (background != viewer->getBackgroundColor())
+        viewer->setBackgroundColor(background);
 }
 
 // One that was asked for and did not come would keep other files from being read.
@@ -1126,6 +1260,8 @@ void MainWindow::command(Command asked, bool isOn)
         {Command::OPEN, [](MainWindow& w, bool) { w.chooseFiles(); }},
         {Command::STOP_LOADING, [](MainWindow& w, bool) { w.stopLoading(); }},
         {Command::READ_AGAIN, [](MainWindow& w, bool) { w.readAgain(); }},
+        {Command::SAVE_SESSION, [](MainWindow& w, bool) { w.keepSession(); }},
+        {Command::SAVE_SESSION_AS, [](MainWindow& w, bool) { w.chooseSession(); }},
         {Command::SAVE_PICTURE, [](MainWindow& w, bool) { w.choosePicture(); }},
         {Command::TAKE_SCREENSHOT, [](MainWindow& w, bool) { w.viewer->renderOffscreen(); }},
         {Command::COPY_CAMERA, [](MainWindow& w, bool) { w.copyCamera(); }},

@@ -41,6 +41,7 @@ class Menus;
 class PlacePanel;
 class PlaceTeller;
 class Player;
+class SessionKeeper;
 class SettingsPanel;
 class StatusText;
 class ThingsPanel;
@@ -62,8 +63,14 @@ public:
         const std::vector<std::string>& files, const Options& options, ReadReport& report,
         Progress& progress)>;
 
-    /// Without an opener the first frame of a series is shown alone.
-    MainWindow(const Options& options, Loader loader, SeriesOpener opener = {});
+    /// What a session asks for; or nothing, and one line in `fault`.
+    using SessionReader =
+        std::function<std::optional<Options>(const std::string& name, std::string& fault)>;
+
+    /// Without an opener the first frame of a series is shown alone; without a reader sessions are
+    /// files like any others.
+    MainWindow(const Options& options, Loader loader, SeriesOpener opener = {},
+               SessionReader reader = {});
     ~MainWindow() override;
 
     enum CameraChoice { NEW_CAMERA, SAME_CAMERA };
@@ -77,10 +84,10 @@ public:
     /// Acts once, as soon as the screen shows a whole frame that was drawn after this call.
     void whenPainted(std::function<void()> act);
 
-    /// Shows the scene of a job when it is there, and then tells of success or failure. What
-    /// is being loaded is stopped.
+    /// Shows the scene of a job when it is there, with what is asked for then if that is not the
+    /// same, and then tells of success or failure. What is being loaded is stopped.
     void follow(std::unique_ptr<LoadJob> newJob, std::function<void(const ReadReport&)> tell,
-                CameraChoice choice = NEW_CAMERA);
+                CameraChoice choice = NEW_CAMERA, const std::optional<Options>& asked = {});
     bool isLoading() const;
 
     /// Plays the series that is shown; null for what has one frame.
@@ -112,6 +119,13 @@ public slots:
     void readAgain();
     /// What is shown stays.
     void stopLoading();
+    /// The files, the camera and all that was chosen.
+    Session getSession() const;
+    /// Under the name that it has, if any.
+    void keepSession();
+    void chooseSession();
+    /// Tells in the status bar when it is there, or in a message box why not.
+    void saveSession(const QString& file);
     void choosePicture();
     /// Writes what the view shows, with smooth edges; tells in a message box if it cannot.
     void savePicture(const QString& file);
@@ -155,6 +169,11 @@ private:
     QString folderOfFiles() const;
     void prepareDialogs();
     void restoreWindow();
+    void openSession(const std::string& name);
+    void load(const std::vector<std::string>& files, const Options& asked, CameraChoice choice,
+              const std::optional<Options>& next);
+    void tellChanged(const std::vector<std::string>& files);
+    QString title() const;
     void showLoading();
     void showDrawing();
     void tellOpened(const std::vector<std::string>& files, const ReadReport& report);
@@ -165,6 +184,7 @@ private:
     void restyle();
     void showStyle(Restyler::Result& result);
     void dropComparison();
+    void showBackground();
     void abandonJob();
     /// Lets the panels show what is asked for.
     void tellStyle();
@@ -216,6 +236,7 @@ private:
     Options options;
     Loader loader;
     SeriesOpener seriesOpener;
+    SessionReader sessionReader;
     std::unique_ptr<WindowViewer> ownedViewer;
     std::unique_ptr<QObject> screenFitter;
     DataScene* scene = nullptr; // kept by the viewer
@@ -224,6 +245,7 @@ private:
     std::unique_ptr<LoadJob> job; // at work, else null
     std::unique_ptr<Player> player;
     Restyler restyler;
+    std::unique_ptr<SessionKeeper> sessions;
     StyleRequest shownStyle; ///< as far as it is shown
     /// Of these files: what is left open follows from it.
     std::shared_ptr<const Configuration> firstFrame;

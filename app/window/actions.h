@@ -18,6 +18,8 @@ enum class Command {
     OPEN_RECENT,
     STOP_LOADING,
     READ_AGAIN,
+    SAVE_SESSION,
+    SAVE_SESSION_AS,
     SAVE_PICTURE,
     TAKE_SCREENSHOT,
     COPY_CAMERA,

@@ -5,6 +5,8 @@
 
 #include <strandview/formats/formats.h>
 
+#include "session/sessionFile.h"
+
 namespace strandview {
 
 QString fileFilter()
@@ -12,6 +14,7 @@ QString fileFilter()
     QStringList endings;
     for (const Format& format : formats())
         endings.append(QString::fromStdString(endingsOf(format, "*")));
+    endings.append(QString("*") + SESSION_ENDING);
     return QString("Configurations (%1);;All files (*)").arg(endings.join(" "));
 }
 

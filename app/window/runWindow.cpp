@@ -77,7 +77,8 @@ void takePictureOnce(MainWindow& window, const Options& options, std::string& fa
 } // namespace
 
 std::string runWindow(const Options& options, const MainWindow::Loader& loader, ReadReport& report,
-                      const MainWindow::SeriesOpener& opener)
+                      const MainWindow::SeriesOpener& opener,
+                      const MainWindow::SessionReader& reader)
 {
     std::unique_ptr<LoadJob> begun;
     if (!options.files.empty()) {
@@ -95,7 +96,7 @@ std::string runWindow(const Options& options, const MainWindow::Loader& loader, 
             return "";
     }
 
-    MainWindow window(options, loader, opener);
+    MainWindow window(options, loader, opener, reader);
     if (begun) {
         window.follow(std::move(begun), [&](const ReadReport& loadReport) {
             report = loadReport;

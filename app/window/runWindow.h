@@ -20,7 +20,8 @@ void initialiseWindows(const char* programName);
 /// says what failed of the window itself, or nothing. Series are played if there is an opener for
 /// them.
 std::string runWindow(const Options& options, const MainWindow::Loader& loader, ReadReport& report,
-                      const MainWindow::SeriesOpener& opener = nullptr);
+                      const MainWindow::SeriesOpener& opener = nullptr,
+                      const MainWindow::SessionReader& reader = nullptr);
 
 } // namespace strandview
 

@@ -7,14 +7,15 @@
 
 namespace strandview {
 
-TEST(FileFilter, OffersTheEndingsOfAllFormatsAndAllFiles)
+TEST(FileFilter, OffersTheEndingsOfAllFormatsAndSessionsAndAllFiles)
 {
     std::string patterns;
     for (const Format& format : formats()) {
         for (const std::string& ending : format.endings)
             patterns += (patterns.empty() ? "*" : " *") + ending;
     }
-    EXPECT_EQ(fileFilter().toStdString(), "Configurations (" + patterns + ");;All files (*)");
+    EXPECT_EQ(fileFilter().toStdString(),
+              "Configurations (" + patterns + " *.strandview);;All files (*)");
 }
 
 } // namespace strandview

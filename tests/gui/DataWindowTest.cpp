@@ -10,6 +10,7 @@
 #include <QSettings>
 #include <QTest>
 
+#include "command/parseOptions.h"
 #include "scene/SceneLoader.h"
 #include "scene/readFiles.h"
 #include "support/keepPictures.h"
@@ -42,7 +43,8 @@ void DataWindowTest::makeWindow()
            Progress& progress) {
             return moveFrames(openFiles(files, asked, report, progress, Opening::AT_ONCE).series,
                               asked);
-        });
+        },
+        optionsOfSession);
     window->show();
     ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
 }

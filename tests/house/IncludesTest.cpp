@@ -31,7 +31,9 @@ const std::map<std::string, Rooms> MAY_INCLUDE{
     {"src/drawing", {"algebra3d", "biarc", "src", "src/detail", "src/sampling"}},
     {"src", {"algebra3d", "biarc", "src/detail", "src/sampling", "src/picking", "src/drawing"}},
     {"app/request", {"algebra3d", "model", "analysis", "formats", "src"}},
-    {"app/command", {"algebra3d", "model", "analysis", "formats", "src", "app/request"}},
+    {"app/session", {"algebra3d", "formats", "app/request", "app/output"}},
+    {"app/command",
+     {"algebra3d", "model", "analysis", "formats", "src", "app/request", "app/session"}},
     {"app/scene", {"algebra3d", "biarc", "model", "analysis", "formats", "src", "app/request"}},
     {"app/camera", {"algebra3d", "model", "analysis", "formats", "src", "app/request"}},
     {"app/info", {"algebra3d", "model", "analysis", "formats", "app/request"}},
@@ -48,10 +50,10 @@ const std::map<std::string, Rooms> MAY_INCLUDE{
     {"app/playing", {"algebra3d", "model", "analysis", "formats", "app/request", "app/scene"}},
     {"app/window",
      {"algebra3d", "model", "analysis", "formats", "src", "app/request", "app/scene", "app/camera",
-      "app/output", "app/pictures", "app/plotting", "app/playing"}},
+      "app/output", "app/session", "app/pictures", "app/plotting", "app/playing"}},
     {"app",
      {"algebra3d", "model", "analysis", "formats", "src", "app/request", "app/command", "app/scene",
-      "app/camera", "app/info", "app/output", "app/pictures", "app/plotting", "app/rendering",
+      "app/camera", "app/info", "app/output", "app/session", "app/pictures", "app/plotting", "app/rendering",
       "app/playing", "app/window"}},
 };
 

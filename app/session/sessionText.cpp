@@ -1,0 +1,236 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "session/sessionText.h"
+
+#include <algorithm>
+#include <functional>
+#include <stdexcept>
+
+#include <nlohmann/json.hpp>
+
+#include <strandview/formats/text/wording.h>
+
+#include "request/limits.h"
+#include "request/settings.h"
+
+namespace strandview {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+const char* const VERSION_KEY = "strandview session";
+const int VERSION = 1;
+
+/// What is no session, in words.
+struct Fault : std::runtime_error
+{
+    using std::runtime_error::runtime_error;
+};
+
+std::string shown(const Json& value)
+{
+    return shortened(value.dump(-1, ' ', false, Json::error_handler_t::replace));
+}
+
+[[noreturn]] void refuse(const std::string& place, const Json& found, const std::string& expected)
+{
+    throw Fault((place.empty() ? "" : place + ": ") + "found " + shown(found) + ", expected " +
+                expected);
+}
+
+// Reading, each kind of value once
+
+std::string textIn(const Json& value, const std::string& place)
+{
+    if (!value.is_string())
+        refuse(place, value, "a text");
+    return value.get<std::string>();
+}
+
+std::uint64_t countIn(const Json& value, const std::string& place)
+{
+    if (!value.is_number_unsigned())
+        refuse(place, value, "a whole number from 0 on");
+    return value.get<std::uint64_t>();
+}
+
+bool switchIn(const Json& value, const std::string& place)
+{
+    if (!value.is_boolean())
+        refuse(place, value, "true or false");
+    return value.get<bool>();
+}
+
+void requireArray(const Json& value, const std::string& place)
+{
+    if (!value.is_array())
+        refuse(place, value, "a list [...]");
+}
+
+void requireObject(const Json& value, const std::string& place)
+{
+    if (!value.is_object())
+        refuse(place, value, "an object {...}");
+}
+
+using Entries = std::vector<
+    std::pair<std::string, std::function<void(const Json& value, const std::string& place)>>>;
+
+// Each entry by its name, and no others.
+void readObject(const Json& object, const std::string& place, const Entries& entries)
+{
+    requireObject(object, place);
+    for (const auto& [name, value] : object.items()) {
+        const auto known = std::find_if(entries.begin(), entries.end(),
+                                        [&](const auto& entry) { return entry.first == name; });
+        if (known == entries.end()) {
+            std::string names;
+            for (const auto& [one, read] : entries)
+                names += (names.empty() ? "" : ", ") + one;
+            throw Fault((place.empty() ? "" : place + ": ") + "found the entry " + inQuotes(name) +
+                        ", expected one of " + names);
+        }
+        known->second(value, place.empty() ? name : place + ", " + name);
+    }
+}
+
+SessionFile readFile(const Json& value, const std::string& place)
+{
+    SessionFile file;
+    readObject(
+        value, place,
+        {{"name", [&](const Json& v, const std::string& p) { file.name = textIn(v, p); }},
+         {"bytes", [&](const Json& v, const std::string& p) { file.bytes = countIn(v, p); }},
+         {"sha256", [&](const Json& v, const std::string& p) { file.digest = textIn(v, p); }}});
+    if (file.name.empty() || file.name == "-")
+        refuse(place, value, "the name of a file");
+    return file;
+}
+
+StyleRequest readStyle(const Json& value, const std::string& place)
+{
+    requireObject(value, place);
+    StyleRequest style;
+    for (const auto& [name, text] : value.items()) {
+        const Setting* const setting = findSetting(name);
+        if (!setting)
+            throw Fault(place + ": found the setting " + inQuotes(name) +
+                        ", expected the name of an option that says how things look");
+        const std::string fault = setting->read(textIn(text, place + ", " + name), style);
+        if (!fault.empty())
+            throw Fault(place + ", " + name + ": " + fault);
+    }
+    return style;
+}
+
+CameraNumbers readCamera(const Json& value, const std::string& place)
+{
+    std::string expected;
+    const auto camera = parseCamera(textIn(value, place), &expected);
+    if (!camera)
+        refuse(place, value, expected);
+    return *camera;
+}
+
+std::pair<int, int> readSize(const Json& value, const std::string& place)
+{
+    requireArray(value, place);
+    if (value.size() == 2) {
+        const std::uint64_t width = countIn(value[0], place), height = countIn(value[1], place);
+        const std::uint64_t most = LARGEST_PICTURE_SIDE;
+        if (width >= 1 && width <= most && height >= 1 && height <= most)
+            return {int(width), int(height)};
+    }
+    refuse(place, value, "width and height in pixels");
+}
+
+void requireVersion(const Json& whole)
+{
+    requireObject(whole, "");
+    if (!whole.contains(VERSION_KEY))
+        throw Fault("found no entry \"" + std::string(VERSION_KEY) + "\", expected a session");
+    if (whole[VERSION_KEY] != VERSION)
+        refuse(VERSION_KEY, whole[VERSION_KEY],
+               std::to_string(VERSION) + ", or a newer version of this program");
+}
+
+Session readSession(const Json& whole)
+{
+    requireVersion(whole);
+    Session session;
+    const auto readAll = [](auto& list, auto readOne) {
+        return [&list, readOne](const Json& values, const std::string& place) {
+            requireArray(values, place);
+            for (std::size_t i = 0; i < values.size(); ++i)
+                list.push_back(readOne(values[i], place + " " + std::to_string(i + 1)));
+        };
+    };
+    readObject(
+        whole, "",
+        {{VERSION_KEY, [](const Json&, const std::string&) {}},
+         {"files", readAll(session.files, readFile)},
+         {"reading", readAll(session.reading, textIn)},
+         {"style", [&](const Json& v, const std::string& p) { session.style = readStyle(v, p); }},
+         {"colours of data",
+          [&](const Json& v, const std::string& p) { session.areColoursShown = switchIn(v, p); }},
+         {"camera",
+          [&](const Json& v, const std::string& p) { session.camera = readCamera(v, p); }},
+         {"frame", [&](const Json& v, const std::string& p) { session.frame = countIn(v, p); }},
+         {"size",
+          [&](const Json& v, const std::string& p) { session.pictureSize = readSize(v, p); }}});
+    if (session.files.empty())
+        throw Fault("found no files, expected at least one");
+    return session;
+}
+
+} // namespace
+
+std::string textOf(const Session& session)
+{
+    Json whole;
+    whole[VERSION_KEY] = VERSION;
+    Json& files = whole["files"] = Json::array();
+    for (const SessionFile& file : session.files) {
+        Json& entry = files.emplace_back();
+        entry["name"] = file.name;
+        entry["bytes"] = file.bytes;
+        if (!file.digest.empty())
+            entry["sha256"] = file.digest;
+    }
+    if (!session.reading.empty())
+        whole["reading"] = session.reading;
+    Json style = Json::object();
+    for (const Setting& setting : settings()) {
+        if (const auto text = setting.write(session.style))
+            style[setting.name] = *text;
+    }
+    whole["style"] = style;
+    if (!session.areColoursShown)
+        whole["colours of data"] = false;
+    if (session.camera)
+        whole["camera"] = formatCamera(*session.camera);
+    if (session.frame)
+        whole["frame"] = *session.frame;
+    if (session.pictureSize)
+        whole["size"] = {session.pictureSize->first, session.pictureSize->second};
+    return whole.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+std::optional<Session> parseSession(const std::string& text, std::string& fault)
+{
+    try {
+        return readSession(Json::parse(text));
+    } catch (const Fault& refused) {
+        fault = refused.what();
+    } catch (const Json::parse_error& error) {
+        const std::size_t at = std::min(error.byte, text.size());
+        const auto line = 1 + std::count(text.begin(), text.begin() + std::ptrdiff_t(at), '\n');
+        const char* const found = error.byte > text.size() ? "the end" : "what is no JSON";
+        fault = "line " + std::to_string(line) + ": found " + found + ", expected a session";
+    } catch (const Json::exception&) { // a number beyond all doubles
+        fault = "found what is no JSON, expected a session";
+    }
+    return std::nullopt;
+}
+
+} // namespace strandview

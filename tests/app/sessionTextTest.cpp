@@ -1,0 +1,154 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "session/sessionText.h"
+
+#include <cmath>
+#include <random>
+
+#include <gmock/gmock.h>
+
+#include "request/settings.h"
+
+namespace strandview {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+namespace {
+
+std::string faultOf(const std::string& text)
+{
+    std::string fault;
+    EXPECT_FALSE(parseSession(text, fault)) << text;
+    return fault;
+}
+
+Session readBack(const Session& session)
+{
+    std::string fault;
+    const std::optional<Session> read = parseSession(textOf(session), fault);
+    EXPECT_TRUE(read) << fault;
+    return read.value_or(Session());
+}
+
+Session ofOneFile()
+{
+    Session session;
+    session.files = {{"a \"rod\" \xc3\xa4.txt", 120, "5891b5"}};
+    return session;
+}
+
+// A text around some entries.
+std::string around(const std::string& entries)
+{
+    return R"({"strandview session": 1, "files": [{"name": "rod.txt"}])" + entries + "}";
+}
+
+} // namespace
+
+TEST(SessionText, BringsBackAllThatWasSaid)
+{
+    Session session = ofOneFile();
+    session.files.push_back({"other.txt", 0, ""});
+    session.reading = {"--closed", "--frame-rows", "3"};
+    session.style.radius = 0.1;
+    session.style.showTube = false;
+    session.style.compare = "first";
+    session.areColoursShown = false;
+    session.camera = parseCamera("orthographic,2.2660384,-1.7460601,3.0243015,0.25,0.25,0.0669873,"
+                                 "0.93301266,4.0323534,6.095605");
+    ASSERT_TRUE(session.camera);
+    session.frame = 12;
+    session.pictureSize = {1200, 900};
+
+    const Session read = readBack(session);
+    ASSERT_EQ(read.files.size(), 2U);
+    EXPECT_EQ(read.files[0].name, session.files[0].name);
+    EXPECT_EQ(read.files[0].bytes, 120U);
+    EXPECT_EQ(read.files[0].digest, "5891b5");
+    EXPECT_EQ(read.files[1].digest, "");
+    EXPECT_EQ(read.reading, session.reading);
+    EXPECT_TRUE(read.style == session.style);
+    EXPECT_FALSE(read.areColoursShown);
+    ASSERT_TRUE(read.camera);
+    EXPECT_EQ(*read.camera, *session.camera);
+    EXPECT_EQ(read.frame, 12U);
+    EXPECT_EQ(read.pictureSize, session.pictureSize);
+}
+
+TEST(SessionText, LeavesOpenWhatWasNotSaid)
+{
+    const Session read = readBack(ofOneFile());
+    EXPECT_TRUE(read.style == StyleRequest());
+    EXPECT_TRUE(read.areColoursShown);
+    EXPECT_FALSE(read.camera);
+    EXPECT_FALSE(read.frame);
+    EXPECT_FALSE(read.pictureSize);
+}
+
+TEST(SessionText, KeepsLengthsToTheLastBit)
+{
+    std::mt19937 random(20261123);
+    std::uniform_real_distribution<double> exponents(-12, 12);
+    for (int i = 0; i < 200; ++i) {
+        Session session = ofOneFile();
+        session.style.radius = std::pow(10, exponents(random));
+        EXPECT_EQ(readBack(session).style.radius, session.style.radius);
+    }
+}
+
+TEST(SessionText, RefusesWhatIsNoSessionInOneLineThatSaysWhere)
+{
+    EXPECT_EQ(faultOf(""), "line 1: found the end, expected a session");
+    EXPECT_EQ(faultOf("{\n\n!}"), "line 3: found what is no JSON, expected a session");
+    EXPECT_EQ(faultOf("[]"), "found [], expected an object {...}");
+    EXPECT_EQ(faultOf("{}"), "found no entry \"strandview session\", expected a session");
+    EXPECT_THAT(faultOf(R"({"strandview session": 2})"),
+                HasSubstr("strandview session: found 2, expected 1"));
+    EXPECT_EQ(faultOf(R"({"strandview session": 1})"), "found no files, expected at least one");
+    EXPECT_THAT(faultOf(around(R"(, "colour": 1)")),
+                HasSubstr("found the entry 'colour', expected"));
+    EXPECT_EQ(faultOf(around(R"(, "camera": "x")")).substr(0, 20), "camera: found \"x\", e");
+    EXPECT_EQ(faultOf(around(R"(, "frame": -1)")),
+              "frame: found -1, expected a whole number from 0 on");
+    EXPECT_EQ(faultOf(around(R"(, "size": [0, 1])")),
+              "size: found [0,1], expected width and height in pixels");
+    EXPECT_EQ(faultOf(around(R"(, "style": {"radius": "-1"})")),
+              "style, radius: found '-1', expected a length above 0");
+    EXPECT_EQ(faultOf(around(R"(, "style": {"radius": 1})")),
+              "style, radius: found 1, expected a text");
+    EXPECT_THAT(faultOf(around(R"(, "style": {"colour": "red"})")),
+                StartsWith("style: found the setting 'colour', expected"));
+    EXPECT_EQ(faultOf(R"({"strandview session": 1, "files": [{"name": "-"}]})"),
+              "files 1: found {\"name\":\"-\"}, expected the name of a file");
+    EXPECT_EQ(faultOf(R"({"strandview session": 1, "files": "rod.txt"})"),
+              "files: found \"rod.txt\", expected a list [...]");
+}
+
+TEST(SessionText, RefusesAnyCutOfASessionWithoutACrash)
+{
+    Session session = ofOneFile();
+    session.style.radius = 0.1;
+    session.frame = 3;
+    const std::string text = textOf(session);
+    const std::size_t end = text.find_last_of('}');
+    for (std::size_t length = 0; length <= end; ++length)
+        EXPECT_THAT(faultOf(text.substr(0, length)), StartsWith("line "));
+}
+
+TEST(SessionText, TakesAnyCharacterAsAnotherOneOrRefusesItInOneLine)
+{
+    Session session = ofOneFile();
+    session.style.radius = 0.1;
+    const std::string text = textOf(session);
+    std::mt19937 random(20261123);
+    for (int i = 0; i < 2000; ++i) {
+        std::string damaged = text;
+        damaged[random() % damaged.size()] = char(random() % 256);
+        std::string fault;
+        const bool isRead = parseSession(damaged, fault).has_value();
+        EXPECT_EQ(fault.empty(), isRead);
+        EXPECT_EQ(fault.find('\n'), std::string::npos) << fault;
+    }
+}
+
+} // namespace strandview

@@ -1,0 +1,226 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// A session that the window saves brings all of it back, in a window and in a picture.
+#include "window/SessionKeeper.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+
+#include <QAction>
+#include <QApplication>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QTest>
+#include <QTimer>
+#include <gmock/gmock.h>
+
+#include "DataWindowTest.h"
+#include "request/settings.h"
+#include "scene/DataScene.h"
+#include "support/realInput.h"
+#include "support/runProgram.h"
+#include "window/Player.h"
+
+namespace strandview {
+
+namespace fs = std::filesystem;
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+namespace {
+
+const char* const RODS = "-1 0 0\n0 0.3 0\n1 0 0\n\n-1 1 0\n0 1.1 0\n1 1 0\n";
+const char* const FRAMES = "t x y z\n0 0 0 0\n0 1 0 0\n0 2 0.3 0\n1 0 0 0\n1 1 0.2 0\n1 2 0 0\n"
+                           "2 0 0 0\n2 1 0.4 0\n2 2 0 0\n";
+
+const std::string SAVED = "Saved \xe2\x80\x93 ";
+
+int countDifferent(const QImage& a, const QImage& b)
+{
+    EXPECT_EQ(a.size(), b.size());
+    int pixels = 0;
+    for (int y = 0; y < std::min(a.height(), b.height()); ++y)
+        for (int x = 0; x < std::min(a.width(), b.width()); ++x)
+            pixels += a.pixel(x, y) != b.pixel(x, y);
+    return pixels;
+}
+
+class SessionKeeperTest : public DataWindowTest
+{
+protected:
+    void save(const std::string& name) const
+    {
+        window->saveSession(QString::fromStdString(name));
+        ASSERT_TRUE(comesTo([&] { return statusText() == SAVED + name; })) << statusText();
+    }
+    // In a window of its own, as File > Open does.
+    void openSession(const std::string& name)
+    {
+        ASSERT_NO_FATAL_FAILURE(openText("0 0 0\n1 0 0\n2 0 1\n", "before.txt"));
+        window->openFiles({QString::fromStdString(name)});
+        ASSERT_TRUE(comesTo([this] { return !window->isLoading(); }));
+        ASSERT_TRUE(comesTo([this] { return !window->isRestyling(); }));
+    }
+    std::string bytesOf(const std::string& name) const
+    {
+        std::ifstream file(folder.path(name), std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    }
+    std::string work() const { return folder.path("work.strandview"); }
+};
+
+} // namespace
+
+TEST_F(SessionKeeperTest, TheOtherDayTheWindowShowsTheSame)
+{
+    options.windowSize = {700, 500};
+    ASSERT_NO_FATAL_FAILURE(openText(RODS, "rods.txt"));
+    ASSERT_TRUE(comesToBePainted());
+    StyleRequest style = window->getStyle();
+    style.radius = 0.12;
+    style.colourBy = "curvature";
+    style.background = {0, 0, 0.2F};
+    window->setStyle(style);
+    ASSERT_TRUE(comesTo([this] { return !window->isRestyling(); }));
+    for (const char* key : {"Control+1", "w", "d"})
+        pressRealKey(key);
+    ASSERT_TRUE(comesToBePainted());
+    const CameraNumbers camera = window->getCameraNumbers();
+    const QImage seen = screen();
+    ASSERT_NO_FATAL_FAILURE(save(work()));
+
+    ASSERT_NO_FATAL_FAILURE(openSession(work()));
+    ASSERT_TRUE(comesToBePainted());
+    EXPECT_EQ(window->getCameraNumbers(), camera);
+    EXPECT_TRUE(window->getStyle() == style);
+    EXPECT_EQ(window->windowTitle().toStdString(), work() + " - strandview");
+    // Whichever was there before; a few pixels of edges may be rounded otherwise.
+    EXPECT_LE(countDifferent(screen(), seen), 10);
+}
+
+TEST_F(SessionKeeperTest, TheCommandLineMakesThePictureThatTheWindowSaves)
+{
+    ASSERT_NO_FATAL_FAILURE(openText(RODS, "rods.txt"));
+    StyleRequest style = window->getStyle();
+    style.colourBy = "curvature";
+    window->setStyle(style);
+    ASSERT_TRUE(comesTo([this] { return !window->isRestyling(); }));
+    pressRealKey("Control+3");
+    ASSERT_TRUE(comesToBePainted());
+    window->savePicture(QString::fromStdString(folder.path("window.png")));
+    ASSERT_NO_FATAL_FAILURE(save(work()));
+    const ProgramRun run =
+        runProgram(STRANDVIEW_PROGRAM, {"--render", folder.path("command.png"), work()});
+    EXPECT_EQ(run.status, 0) << run.error;
+    EXPECT_NE(bytesOf("window.png"), "");
+    EXPECT_EQ(bytesOf("command.png"), bytesOf("window.png"));
+}
+
+TEST_F(SessionKeeperTest, TheFrameOfASeriesComesBack)
+{
+    options.colourBy = "arclength";
+    ASSERT_NO_FATAL_FAILURE(openText(FRAMES, "frames.txt"));
+    ASSERT_TRUE(player());
+    ASSERT_TRUE(comesToBePainted());
+    for (const std::size_t frame : {1, 2}) {
+        pressRealKey("period");
+        ASSERT_TRUE(comesTo([&] { return player()->getFrame() == frame; }));
+    }
+    const Session session = window->getSession();
+    EXPECT_EQ(session.frame, 2U);
+    ASSERT_NO_FATAL_FAILURE(save(work()));
+    options.colourBy.reset();
+    ASSERT_NO_FATAL_FAILURE(openSession(work()));
+    ASSERT_TRUE(player());
+    EXPECT_EQ(player()->getFrame(), 2U);
+    EXPECT_EQ(window->getStyle().colourBy, "arclength");
+}
+
+TEST_F(SessionKeeperTest, ItsKeyAsksForANameOnceAndSavesUnderThatOneFromThenOn)
+{
+    ASSERT_NO_FATAL_FAILURE(openText(RODS, "rods.txt"));
+    ASSERT_TRUE(comesToBePainted());
+    QString offered;
+    QTimer answer;
+    QObject::connect(&answer, &QTimer::timeout, [&] {
+        if (auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget())) {
+            offered = dialog->selectedFiles().constFirst();
+            static_cast<QDialog*>(dialog)->accept();
+        }
+    });
+    answer.start(20);
+    pressRealKey("Control+s");
+    const std::string name = folder.path("rods.strandview");
+    ASSERT_TRUE(comesTo([&] { return fs::exists(name); })) << offered.toStdString();
+    ASSERT_TRUE(comesTo([&] { return statusText() == SAVED + name; }));
+    const std::string before = bytesOf("rods.strandview");
+    // Without a window manager nobody gives the keyboard back once the dialog is gone.
+    const auto press = [this](const char* key) {
+        window->activateWindow();
+        pressRealKey(key);
+    };
+    const CameraNumbers camera = window->getCameraNumbers();
+    ASSERT_TRUE(comesTo([&] {
+        press("Control+1");
+        return !(window->getCameraNumbers() == camera);
+    }));
+    EXPECT_TRUE(comesTo([&] {
+        press("Control+s");
+        return bytesOf("rods.strandview") != before;
+    })) << statusText();
+    EXPECT_FALSE(QApplication::activeModalWidget());
+    EXPECT_EQ(offered.toStdString(), name);
+}
+
+TEST_F(SessionKeeperTest, AFileThatHasChangedSinceIsTold)
+{
+    ASSERT_NO_FATAL_FAILURE(openText(RODS, "rods.txt"));
+    ASSERT_NO_FATAL_FAILURE(save(work()));
+    folder.append("rods.txt", "2 0 0\n");
+    ASSERT_NO_FATAL_FAILURE(openSession(work()));
+    EXPECT_TRUE(comesTo([&] {
+        return statusText().find("has changed since the session was saved") != std::string::npos;
+    })) << statusText();
+}
+
+TEST_F(SessionKeeperTest, WhatCannotBeOpenedIsToldAndWhatIsShownStays)
+{
+    ASSERT_NO_FATAL_FAILURE(openText(RODS, "rods.txt"));
+    const CameraNumbers camera = window->getCameraNumbers();
+    const auto refusalOf = [this](const std::string& name) {
+        std::string told;
+        QTimer answer;
+        QObject::connect(&answer, &QTimer::timeout, [&] {
+            if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+                told = box->text().toStdString();
+                box->accept();
+            }
+        });
+        answer.start(10);
+        window->openFiles({QString::fromStdString(name)});
+        EXPECT_TRUE(comesTo([&] { return !told.empty(); }));
+        return told;
+    };
+    EXPECT_THAT(refusalOf(folder.write("none.strandview", "{}")), HasSubstr("expected a session"));
+    ASSERT_NO_FATAL_FAILURE(save(work()));
+    fs::remove(folder.path("rods.txt"));
+    EXPECT_THAT(refusalOf(work()), HasSubstr("rods.txt"));
+    EXPECT_EQ(window->getCameraNumbers(), camera);
+    EXPECT_TRUE(window->hasScene());
+}
+
+TEST_F(SessionKeeperTest, OtherFilesAreNoSessionAnyMore)
+{
+    ASSERT_NO_FATAL_FAILURE(openText(RODS, "rods.txt"));
+    ASSERT_NO_FATAL_FAILURE(save(work()));
+    EXPECT_THAT(window->windowTitle().toStdString(), StartsWith(work()));
+    const std::string other = folder.write("other.txt", "0 0 0\n1 0 0\n2 1 0\n");
+    window->openFiles({QString::fromStdString(other)});
+    ASSERT_TRUE(comesTo([this] { return !window->isLoading(); }));
+    EXPECT_EQ(window->windowTitle().toStdString(), other + " - strandview");
+    EXPECT_EQ(window->getSession().name, "");
+}
+
+} // namespace strandview
