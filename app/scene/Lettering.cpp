@@ -37,7 +37,7 @@ void ignoreMessage(QtMsgType /*type*/, const QMessageLogContext& /*context*/,
 
 // For text alone: without a display, and silent about what only windows need. Of the two
 // platforms of Qt that need none, "offscreen" leaves memory behind.
-std::unique_ptr<QGuiApplication> makeApplication()
+std::shared_ptr<QGuiApplication> makeApplication()
 {
     // Kept by Qt, which takes out what it understands.
     static char name[] = "strandview", option[] = "-platform", platform[] = "minimal:enable_fonts";
@@ -47,8 +47,18 @@ std::unique_ptr<QGuiApplication> makeApplication()
     count = 3;
     const LocaleKeeper locale;
     const QtMessageHandler before = qInstallMessageHandler(ignoreMessage);
-    auto application = std::make_unique<QGuiApplication>(count, arguments);
+    auto application = std::make_shared<QGuiApplication>(count, arguments);
     qInstallMessageHandler(before);
+    return application;
+}
+
+// That of all letters that live; null where the program has one.
+std::shared_ptr<QGuiApplication> getApplication()
+{
+    static std::weak_ptr<QGuiApplication> ours;
+    std::shared_ptr<QGuiApplication> application = ours.lock();
+    if (!application && !QCoreApplication::instance())
+        ours = application = makeApplication();
     return application;
 }
 
@@ -150,12 +160,23 @@ void addTrapezoids(const std::vector<Side>& sides, std::vector<SbVec2f>& corners
     }
 }
 
+// Letters that a program draws on its screen, a quarter of a pixel farther right or two or three,
+// leave the outlines of the same typeface moved by that part of a unit of its design. Of DejaVu
+// Sans all points are at whole units.
+void undoMove(QPainterPath& path)
+{
+    const double unit = PIXELS / 2048.0;
+    if (path.isEmpty())
+        return;
+    const double moved = std::fmod(path.elementAt(0).x, unit) / unit;
+    if (moved == 0.25 || moved == 0.5 || moved == 0.75)
+        path.translate(-moved * unit, 0);
+}
+
 } // namespace
 
-Lettering::Lettering()
+Lettering::Lettering() : application(getApplication())
 {
-    if (!QCoreApplication::instance())
-        application = makeApplication();
     font = std::make_unique<QFont>("DejaVu Sans"); // or what the system has instead
     font->setPixelSize(PIXELS);
     font->setHintingPreference(QFont::PreferNoHinting);
@@ -182,6 +203,7 @@ std::vector<SbVec2f> Lettering::getShape(const std::string& text) const
 {
     QPainterPath path;
     path.addText(0, 0, *font, toLine(text));
+    undoMove(path);
     std::vector<SbVec2f> corners;
     for (const Cluster& cluster : clustersOf(path.toSubpathPolygons()))
         addTrapezoids(cluster.sides, corners);

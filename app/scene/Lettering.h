@@ -17,7 +17,7 @@ namespace strandview {
 /// which the system has a font is set; what is no printable character is a blank.
 ///
 /// Qt's fonts need an application object. Where the program has none, since it renders
-/// without a window, there is one that needs no display for as long as this lives.
+/// without a window, there is one that needs no display for as long as any of these lives.
 class Lettering
 {
 public:
@@ -34,7 +34,7 @@ public:
     std::vector<SbVec2f> getShape(const std::string& text) const;
 
 private:
-    std::unique_ptr<QGuiApplication> application; ///< ours, or null
+    std::shared_ptr<QGuiApplication> application; ///< ours, or null
     std::unique_ptr<QFont> font;
 };
 

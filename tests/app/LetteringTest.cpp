@@ -4,8 +4,13 @@
 #include <algorithm>
 #include <clocale>
 #include <cmath>
+#include <memory>
+#include <vector>
 
 #include <QCoreApplication>
+#include <QFont>
+#include <QImage>
+#include <QPainter>
 #include <gtest/gtest.h>
 
 namespace strandview {
@@ -86,6 +91,36 @@ TEST(Lettering, ElidesWhatIsTooWide)
     EXPECT_EQ(elided.substr(0, 2), "xx");
     EXPECT_EQ(elided.substr(elided.size() - 3), "…");
     EXPECT_LE(lettering.getWidth(elided), 5);
+}
+
+TEST(Lettering, ShapesAreTheSameWhateverWasDrawnOnAScreen)
+{
+    const Lettering lettering;
+    const std::vector<SbVec2f> first = lettering.getShape("load");
+    QFont small("DejaVu Sans");
+    small.setPixelSize(11);
+    small.setHintingPreference(QFont::PreferNoHinting);
+    QImage screen(200, 20, QImage::Format_RGB32);
+    for (const char* text : {"a", "b", "c", "d"}) { // letters that were drawn are kept
+        for (const double x : {0.0, 0.25, 0.5, 0.75}) {
+            QPainter painter(&screen);
+            painter.setFont(small);
+            painter.drawText(QPointF(x, 15), text);
+            painter.end();
+            EXPECT_TRUE(lettering.getShape("load") == first) << text << x;
+        }
+    }
+}
+
+TEST(Lettering, TheApplicationStaysUntilTheLastOneGoes)
+{
+    ASSERT_EQ(QCoreApplication::instance(), nullptr);
+    auto first = std::make_unique<Lettering>();
+    const Lettering second;
+    const double width = second.getWidth("load");
+    first.reset();
+    EXPECT_NE(QCoreApplication::instance(), nullptr);
+    EXPECT_EQ(second.getWidth("load"), width);
 }
 
 TEST(Lettering, LeavesNeitherAnApplicationNorALocaleBehind)
