@@ -1686,7 +1686,7 @@ TEST_F(ActionsTest, EveryOtherKeyTriggersItsEntryOnce)
             entry->disconnect();
         }
     }
-    EXPECT_GE(tried, 36);
+    EXPECT_GE(tried, 37);
 }
 
 TEST_F(MainWindowTest, EveryKeyThatTheViewKnowsStandsOnTheHelpPage)
