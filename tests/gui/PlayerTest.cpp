@@ -226,6 +226,7 @@ TEST_F(PlayerTest, BracketsSetTheRangeThatIsPlayed)
     QTest::qWait(200);
     EXPECT_THAT(seen, ElementsAre(10, 11, 12));
     pressRealKey("k");
+    ASSERT_TRUE(comesTo([this] { return !player()->isPlaying(); }));
     pressRealKey("Control+End");
     ASSERT_TRUE(comesToShow(12));
     pressRealKey("bracketright"); // again: to the end

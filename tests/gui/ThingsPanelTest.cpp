@@ -419,7 +419,6 @@ TEST_F(ThingsPanelTest, TheOutlineFollowsWhatItIsAroundThroughTheFrames)
     };
     ASSERT_TRUE(comesTo([&] { return top() > 0; }));
     const int first = top();
-    pressRealKey("Control+Home");
     player()->goTo(1); // the rod is higher there
     EXPECT_TRUE(comesTo([&] { return top() > 0 && top() < first - 5; })) << top() << " " << first;
     player()->goTo(2); // and no more there
