@@ -742,6 +742,8 @@ void takeFrom(const Session& session, const CLI::App& app, Options& options)
 {
     if (options.files.size() != 1 || !isSession(options.files.front()))
         throw CLI::ValidationError("FILE", "found a session beside other files, expected it alone");
+    // What the session decides stands in `look` too: pictures that differ in it are others, also
+    // where the command line does not say it.
     options.session = session;
     options.files.clear();
     for (const SessionFile& file : session.files)
@@ -754,16 +756,21 @@ void takeFrom(const Session& session, const CLI::App& app, Options& options)
                !option->check_lname("print-camera");
     };
     const auto all = app.get_options({});
-    if (std::none_of(all.begin(), all.end(), isOfCamera))
+    if (session.camera && std::none_of(all.begin(), all.end(), isOfCamera)) {
         options.camera.numbers = session.camera;
+        options.look += formatCamera(*session.camera) + "\n";
+    }
     const bool isPicture = options.picture || options.exportFile || options.plot.file;
     if (session.frame && !isGiven("--frame") && !isPicture && !options.series.listFrames)
         options.frame = int(*session.frame);
     if (session.pictureSize && !isGiven("--size")) {
         options.pictureWidth = session.pictureSize->first;
         options.pictureHeight = session.pictureSize->second;
+        options.look += std::to_string(options.pictureWidth) + "x" +
+                        std::to_string(options.pictureHeight) + "\n";
     }
-    // Pictures of one style are those of another however that was asked for.
+    if (!session.areColoursShown && isPicture && !isGiven("--colour-by"))
+        options.colourBy.reset(); // a window switches them on again
     for (const std::string& argument : argumentsOf(options))
         options.look += argument + "\n";
 }

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <limits>
 #include <stdexcept>
 
 #include <nlohmann/json.hpp>
@@ -20,6 +21,7 @@ using Json = nlohmann::ordered_json;
 
 const char* const VERSION_KEY = "strandview session";
 const int VERSION = 1;
+const int DEEPEST = 8; // lists and objects in one another
 
 /// What is no session, in words.
 struct Fault : std::runtime_error
@@ -52,6 +54,14 @@ std::uint64_t countIn(const Json& value, const std::string& place)
     if (!value.is_number_unsigned())
         refuse(place, value, "a whole number from 0 on");
     return value.get<std::uint64_t>();
+}
+
+int frameIn(const Json& value, const std::string& place)
+{
+    const int most = std::numeric_limits<int>::max();
+    if (countIn(value, place) > std::uint64_t(most))
+        refuse(place, value, "a whole number up to " + std::to_string(most));
+    return value.get<int>();
 }
 
 bool switchIn(const Json& value, const std::string& place)
@@ -144,6 +154,14 @@ std::pair<int, int> readSize(const Json& value, const std::string& place)
     refuse(place, value, "width and height in pixels");
 }
 
+// Whoever writes about what is found in lists goes as deep as they do.
+bool refuseDeeper(int depth, Json::parse_event_t /*event*/, Json& /*value*/)
+{
+    if (depth > DEEPEST)
+        throw Fault("found lists within lists, expected a session");
+    return true;
+}
+
 void requireVersion(const Json& whole)
 {
     requireObject(whole, "");
@@ -175,7 +193,7 @@ Session readSession(const Json& whole)
           [&](const Json& v, const std::string& p) { session.areColoursShown = switchIn(v, p); }},
          {"camera",
           [&](const Json& v, const std::string& p) { session.camera = readCamera(v, p); }},
-         {"frame", [&](const Json& v, const std::string& p) { session.frame = countIn(v, p); }},
+         {"frame", [&](const Json& v, const std::string& p) { session.frame = frameIn(v, p); }},
          {"size",
           [&](const Json& v, const std::string& p) { session.pictureSize = readSize(v, p); }}});
     if (session.files.empty())
@@ -219,7 +237,7 @@ std::string textOf(const Session& session)
 std::optional<Session> parseSession(const std::string& text, std::string& fault)
 {
     try {
-        return readSession(Json::parse(text));
+        return readSession(Json::parse(text, refuseDeeper));
     } catch (const Fault& refused) {
         fault = refused.what();
     } catch (const Json::parse_error& error) {

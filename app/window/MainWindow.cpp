@@ -27,7 +27,6 @@
 #include <QStatusBar>
 #include <QTimer>
 #include <QToolBar>
-#include <QUndoStack>
 #include <QVBoxLayout>
 
 #include <LightingDialog.h>
@@ -607,7 +606,7 @@ void MainWindow::saveSession(const QString& file)
 
 void MainWindow::tellChanged(const std::vector<std::string>& files)
 {
-    std::vector<Told> told;
+    std::vector<Told> told = loadNotices; // beside what opening them told
     for (const std::string& line : files)
         told.push_back(toldOf(line, shownFiles));
     statusText->tell(told);
@@ -1047,7 +1046,10 @@ void MainWindow::copyCommand()
     shown.width = size[0];
     shown.height = size[1];
     shown.name = "picture.png";
-    const std::string line = writeCommand(options, shown);
+    Options asked = options;
+    if (!scene->areColoursShown())
+        asked.colourBy.reset();
+    const std::string line = writeCommand(asked, shown);
     QApplication::clipboard()->setText(QString::fromStdString(line));
     statusText->tell({{"Copied: " + line, ""}});
 }

@@ -97,6 +97,8 @@ public:
     const StyleRequest& getStyle() const { return options; }
     /// What its user can take back.
     WindowState getState() const;
+    /// The files, the camera and all that was chosen.
+    Session getSession() const;
 
     /// Whether a style that was asked for is not shown yet.
     bool isRestyling() const { return restyler.isAtWork(); }
@@ -119,9 +121,7 @@ public slots:
     void readAgain();
     /// What is shown stays.
     void stopLoading();
-    /// The files, the camera and all that was chosen.
-    Session getSession() const;
-    /// Under the name that it has, if any.
+    /// Saves the session under the name that it has, or asks for one.
     void keepSession();
     void chooseSession();
     /// Tells in the status bar when it is there, or in a message box why not.
@@ -170,6 +170,7 @@ private:
     void prepareDialogs();
     void restoreWindow();
     void openSession(const std::string& name);
+    /// Loads files as `asked` says, and goes on with `next`, if anything, once they are shown.
     void load(const std::vector<std::string>& files, const Options& asked, CameraChoice choice,
               const std::optional<Options>& next);
     void tellChanged(const std::vector<std::string>& files);

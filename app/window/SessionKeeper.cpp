@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "window/SessionKeeper.h"
 
+#include <utility>
+
 #include <QtConcurrent>
 
 #include "session/fingerprint.h"
@@ -10,8 +12,14 @@ namespace strandview {
 
 SessionKeeper::SessionKeeper(QObject* parent) : QObject(parent)
 {
-    connect(&saving, &QFutureWatcherBase::finished, this,
-            [this] { emit saved(beingSaved, saving.result()); });
+    connect(&saving, &QFutureWatcherBase::finished, this, [this] {
+        const Session ended = std::exchange(beingSaved, {});
+        const std::string failure = saving.result();
+        isSaving = false;
+        if (next)
+            begin(*std::exchange(next, std::nullopt));
+        emit saved(ended, failure);
+    });
     connect(&finding, &QFutureWatcherBase::finished, this, [this] {
         const std::vector<std::string> files = finding.result();
         if (!files.empty())
@@ -21,24 +29,32 @@ SessionKeeper::SessionKeeper(QObject* parent) : QObject(parent)
 
 SessionKeeper::~SessionKeeper()
 {
-    isStopped = true;
+    *stopsFinding = *stopsSaving = true;
     saving.waitForFinished();
-    finding.waitForFinished();
 }
 
 void SessionKeeper::save(const Session& session)
 {
-    if (isSaving())
-        return;
+    if (isSaving)
+        next = session;
+    else
+        begin(session);
+}
+
+void SessionKeeper::begin(const Session& session)
+{
+    isSaving = true;
     beingSaved = session;
     saving.setFuture(QtConcurrent::run(
-        [this, session] { return saveSession(session, [this] { return !isStopped; }); }));
+        [session, stop = stopsSaving] { return saveSession(session, [stop] { return !*stop; }); }));
 }
 
 void SessionKeeper::findChanged(const Session& session)
 {
-    finding.setFuture(QtConcurrent::run([this, files = session.files] {
-        return strandview::findChanged(files, [this] { return !isStopped; });
+    *stopsFinding = true;
+    stopsFinding = std::make_shared<std::atomic<bool>>(false);
+    finding.setFuture(QtConcurrent::run([files = session.files, stop = stopsFinding] {
+        return strandview::findChanged(files, [stop] { return !*stop; });
     }));
 }
 

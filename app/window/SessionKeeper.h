@@ -3,6 +3,8 @@
 #define STRANDVIEW_APP_WINDOW_SESSIONKEEPER_H
 
 #include <atomic>
+#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -21,14 +23,13 @@ class SessionKeeper : public QObject
 
 public:
     explicit SessionKeeper(QObject* parent = nullptr);
-    /// Stops what is at work, and waits for that.
+    /// Stops what is at work. What is being saved is waited for.
     ~SessionKeeper() override;
 
-    /// Under session.name. While another one is being saved it is not.
+    /// Under session.name. While another one is being saved it waits, the last of several alone.
     void save(const Session& session);
     /// Of the files of this session alone: what was asked for before is not told any more.
     void findChanged(const Session& session);
-    bool isSaving() const { return saving.isRunning(); }
 
 signals:
     /// One line that says what failed, or nothing.
@@ -37,10 +38,18 @@ signals:
     void foundChanged(const std::vector<std::string>& files);
 
 private:
+    using Flag = std::shared_ptr<std::atomic<bool>>;
+
+    void begin(const Session& session);
+
     QFutureWatcher<std::string> saving;
     QFutureWatcher<std::vector<std::string>> finding;
+    bool isSaving = false;
     Session beingSaved;
-    std::atomic<bool> isStopped{false};
+    std::optional<Session> next;
+    // What tells a thread to stop, of which one that nobody waits for may still be at work.
+    const Flag stopsSaving = std::make_shared<std::atomic<bool>>(false);
+    Flag stopsFinding = std::make_shared<std::atomic<bool>>(false);
 };
 
 } // namespace strandview

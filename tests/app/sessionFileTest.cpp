@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <utility>
 
 #include <gmock/gmock.h>
 
@@ -152,6 +153,25 @@ TEST_F(SessionFileTest, ThePictureOfASessionIsThatOfTheOptionsThatItHolds)
            "otherOptions.png");
     EXPECT_EQ(bytesOf("other.png"), bytesOf("otherOptions.png"));
     EXPECT_NE(bytesOf("other.png"), bytesOf("session.png"));
+}
+
+TEST_F(SessionFileTest, PicturesOfASeriesAreRenderedAgainForAnotherCameraOrSizeOfTheSession)
+{
+    const std::string rod = folder.write("rod.txt", ROD);
+    const std::string work = folder.path("work.strandview");
+    const auto rendered = [&](const char* camera, std::pair<int, int> size) {
+        session.camera = parseCamera(camera);
+        session.pictureSize = size;
+        EXPECT_EQ(save(rod, work), "");
+        EXPECT_EQ(run({"--series", "--render", folder.path("f%d.png"), work}).status, 0);
+        return bytesOf("f0.png");
+    };
+    const char* const near = "orthographic,0,0,4,0,0,0,1,4,2.5";
+    const std::string first = rendered(near, {60, 40});
+    EXPECT_NE(first, "");
+    EXPECT_NE(rendered("orthographic,0,0,4,0,0,0,1,4,5", {60, 40}), first);
+    EXPECT_EQ(rendered(near, {60, 40}), first);
+    EXPECT_NE(rendered(near, {80, 40}), first);
 }
 
 TEST_F(SessionFileTest, AFileThatHasChangedSinceIsTold)

@@ -110,6 +110,8 @@ TEST(SessionText, RefusesWhatIsNoSessionInOneLineThatSaysWhere)
     EXPECT_EQ(faultOf(around(R"(, "camera": "x")")).substr(0, 20), "camera: found \"x\", e");
     EXPECT_EQ(faultOf(around(R"(, "frame": -1)")),
               "frame: found -1, expected a whole number from 0 on");
+    EXPECT_EQ(faultOf(around(R"(, "frame": 2147483648)")),
+              "frame: found 2147483648, expected a whole number up to 2147483647");
     EXPECT_EQ(faultOf(around(R"(, "size": [0, 1])")),
               "size: found [0,1], expected width and height in pixels");
     EXPECT_EQ(faultOf(around(R"(, "style": {"radius": "-1"})")),
@@ -122,6 +124,13 @@ TEST(SessionText, RefusesWhatIsNoSessionInOneLineThatSaysWhere)
               "files 1: found {\"name\":\"-\"}, expected the name of a file");
     EXPECT_EQ(faultOf(R"({"strandview session": 1, "files": "rod.txt"})"),
               "files: found \"rod.txt\", expected a list [...]");
+}
+
+TEST(SessionText, RefusesListsWithinListsHoweverDeepTheyAre)
+{
+    const std::string deep = std::string(200'000, '[') + std::string(200'000, ']');
+    EXPECT_EQ(faultOf(around(", \"camera\": " + deep)),
+              "found lists within lists, expected a session");
 }
 
 TEST(SessionText, RefusesAnyCutOfASessionWithoutACrash)

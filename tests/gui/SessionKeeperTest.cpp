@@ -5,9 +5,12 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <string>
+#include <vector>
 
 #include <QAction>
 #include <QApplication>
+#include <QClipboard>
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -116,6 +119,54 @@ TEST_F(SessionKeeperTest, TheCommandLineMakesThePictureThatTheWindowSaves)
     EXPECT_EQ(run.status, 0) << run.error;
     EXPECT_NE(bytesOf("window.png"), "");
     EXPECT_EQ(bytesOf("command.png"), bytesOf("window.png"));
+}
+
+TEST_F(SessionKeeperTest, APictureWithoutTheColoursThatAreSwitchedOffIsThatOfSessionAndCommand)
+{
+    options.colourBy = "curvature";
+    ASSERT_NO_FATAL_FAILURE(openText(RODS, "rods.txt"));
+    for (QAction* const entry : window->findChildren<QAction*>()) {
+        if (entry->text() == "&Colours of data")
+            entry->trigger();
+    }
+    ASSERT_FALSE(scene->areColoursShown());
+    ASSERT_TRUE(comesToBePainted());
+    window->savePicture(QString::fromStdString(folder.path("window.png")));
+    ASSERT_NO_FATAL_FAILURE(save(work()));
+    const ProgramRun run =
+        runProgram(STRANDVIEW_PROGRAM, {"--render", folder.path("command.png"), work()});
+    EXPECT_EQ(run.status, 0) << run.error;
+    EXPECT_NE(bytesOf("window.png"), "");
+    EXPECT_EQ(bytesOf("command.png"), bytesOf("window.png"));
+    window->copyCommand();
+    EXPECT_THAT(QApplication::clipboard()->text().toStdString(),
+                testing::Not(HasSubstr("curvature")));
+
+    ASSERT_NO_FATAL_FAILURE(openSession(work()));
+    EXPECT_FALSE(scene->areColoursShown());
+    EXPECT_EQ(window->getStyle().colourBy, "curvature");
+}
+
+TEST_F(SessionKeeperTest, WhatIsSavedWhileAnotherIsBeingSavedIsSavedThen)
+{
+    Session session;
+    session.files = {{folder.write("rods.txt", RODS), 0, ""}};
+    SessionKeeper keeper;
+    std::vector<std::string> told;
+    QObject::connect(&keeper, &SessionKeeper::saved,
+                     [&](const Session& one, const std::string& failure) {
+                         EXPECT_EQ(failure, "");
+                         told.push_back(fs::path(one.name).filename().string());
+                     });
+    for (const char* name : {"a.strandview", "b.strandview", "c.strandview"}) {
+        session.name = folder.path(name);
+        keeper.save(session);
+    }
+    ASSERT_TRUE(comesTo([&] { return told.size() == 2; }));
+    EXPECT_THAT(told, testing::ElementsAre("a.strandview", "c.strandview"));
+    EXPECT_TRUE(fs::exists(folder.path("a.strandview")));
+    EXPECT_FALSE(fs::exists(folder.path("b.strandview")));
+    EXPECT_TRUE(fs::exists(folder.path("c.strandview")));
 }
 
 TEST_F(SessionKeeperTest, TheFrameOfASeriesComesBack)
