@@ -51,16 +51,30 @@ Text textOf(const Value& value)
     return inWords(value);
 }
 
+// A member of the request, or of the legend in it.
+
+template <typename Request, typename Value>
+auto& in(Request& request, Value StyleRequest::*member)
+{
+    return request.*member;
+}
+template <typename Request, typename Value>
+auto& in(Request& request, Value LegendLook::*member)
+{
+    return request.legend.*member;
+}
+
 template <auto member>
 Text valueOf(const StyleRequest& request)
 {
-    return textOf(request.*member);
+    return textOf(in(request, member));
 }
 
 template <auto member>
 void clear(StyleRequest& request)
 {
-    request.*member = StyleRequest().*member;
+    const StyleRequest usual;
+    in(request, member) = in(usual, member);
 }
 
 template <auto member>
@@ -68,7 +82,7 @@ std::string readSwitch(const std::string& text, StyleRequest& request)
 {
     if (text != "on" && text != "off")
         return found(text, "on or off");
-    request.*member = text == "on";
+    in(request, member) = text == "on";
     return "";
 }
 
@@ -78,7 +92,7 @@ std::string readLength(const std::string& text, StyleRequest& request)
     const std::optional<double> length = parseNumber<double>(text);
     if (!length || *length <= 0)
         return found(text, "a length above 0");
-    request.*member = *length;
+    in(request, member) = *length;
     return "";
 }
 
@@ -89,7 +103,7 @@ std::string readCount(const std::string& text, StyleRequest& request)
     if (!count || *count < least || *count > most)
         return found(text, "a whole number from " + std::to_string(least) + " to " +
                                std::to_string(most));
-    request.*member = *count;
+    in(request, member) = *count;
     return "";
 }
 
@@ -99,14 +113,14 @@ std::string readColour(const std::string& text, StyleRequest& request)
     const std::optional<Colour> colour = parseColour(text);
     if (!colour)
         return found(text, "#rrggbb or an SVG colour name");
-    request.*member = *colour;
+    in(request, member) = *colour;
     return "";
 }
 
 template <auto member>
-std::string readName(const std::string& text, StyleRequest& request)
+std::string readText(const std::string& text, StyleRequest& request)
 {
-    request.*member = text;
+    in(request, member) = text;
     return "";
 }
 
@@ -290,25 +304,6 @@ std::string readLegendPlace(const std::string& text, StyleRequest& request)
     return "";
 }
 
-template <auto member>
-Text valueOfLegend(const StyleRequest& request)
-{
-    return textOf(request.legend.*member);
-}
-
-template <auto member>
-void clearLegend(StyleRequest& request)
-{
-    request.legend.*member = LegendLook().*member;
-}
-
-template <auto member>
-std::string readLegendText(const std::string& text, StyleRequest& request)
-{
-    request.legend.*member = text;
-    return "";
-}
-
 std::string readLegendFormat(const std::string& text, StyleRequest& request)
 {
     const std::optional<NumberFormat> format = parseNumberFormat(text);
@@ -324,73 +319,84 @@ const char* const LOOK = "Look";
 const char* const DNA = "DNA";
 const char* const COLOURS = "Colour by data";
 
+// A row each, of one member, of the kinds that several settings have.
+
 template <auto member>
-Setting makeSwitch(const char* name, const char* label, const std::string& help)
+Setting makeRow(SettingKind kind, const char* name, const char* label, const char* group,
+                const char* values, const std::string& help,
+                std::string (*read)(const std::string& text, StyleRequest& request))
 {
-    return {name,
-            SettingKind::SWITCH,
-            label,
-            LOOK,
-            nullptr,
-            help,
-            &valueOf<member>,
-            &readSwitch<member>,
-            &clear<member>};
+    return {name, kind, label, group, values, help, &valueOf<member>, read, &clear<member>};
 }
 
 template <auto member>
-Setting makeLength(const char* name, const char* label, const std::string& help)
+Setting makeSwitch(const char* name, const char* label, const std::string& help,
+                   const char* group = LOOK)
 {
-    return {name,
-            SettingKind::LENGTH,
-            label,
-            LOOK,
-            "LENGTH",
-            help,
-            &valueOf<member>,
-            &readLength<member>,
-            &clear<member>};
+    return makeRow<member>(SettingKind::SWITCH, name, label, group, nullptr, help,
+                           &readSwitch<member>);
+}
+
+template <auto member>
+Setting makeLength(const char* name, const char* label, const std::string& help,
+                   const char* group = LOOK)
+{
+    return makeRow<member>(SettingKind::LENGTH, name, label, group, "LENGTH", help,
+                           &readLength<member>);
 }
 
 template <auto member, int least, int most>
-Setting makeCount(const char* name, const char* label, const std::string& help)
+Setting makeCount(const char* name, const char* label, const std::string& help,
+                  const char* group = LOOK)
 {
-    return {name,
-            SettingKind::COUNT,
-            label,
-            LOOK,
-            "N",
-            help,
-            &valueOf<member>,
-            &readCount<member, least, most>,
-            &clear<member>,
-            least,
-            most};
+    Setting row = makeRow<member>(SettingKind::COUNT, name, label, group, "N", help,
+                                  &readCount<member, least, most>);
+    row.least = least;
+    row.most = most;
+    return row;
 }
 
 template <auto member>
-Setting makeColour(const char* name, const char* label, const std::string& help)
+Setting makeColour(const char* name, const char* label, const std::string& help,
+                   const char* group = LOOK)
 {
-    return {name,
-            SettingKind::COLOUR,
-            label,
-            LOOK,
-            "COLOUR",
-            help,
-            &valueOf<member>,
-            &readColour<member>,
-            &clear<member>};
+    return makeRow<member>(SettingKind::COLOUR, name, label, group, "COLOUR", help,
+                           &readColour<member>);
+}
+
+template <auto member>
+Setting makeText(const char* name, const char* label, const std::string& help,
+                 const char* group = LOOK)
+{
+    return makeRow<member>(SettingKind::TEXT, name, label, group, "TEXT", help, &readText<member>);
+}
+
+// What only some rows say besides.
+
+Setting among(std::vector<std::string> words, Setting row)
+{
+    row.words = std::move(words);
+    return row;
+}
+
+Setting onlyWith(const char* neededSetting, Setting row)
+{
+    row.neededSetting = neededSetting;
+    return row;
+}
+
+template <typename Named>
+std::vector<std::string> namesOf(const Named& all)
+{
+    std::vector<std::string> names;
+    for (const auto& one : all)
+        names.push_back(one.name);
+    return names;
 }
 
 std::vector<Setting> makeSettings()
 {
     using Request = StyleRequest;
-    std::vector<std::string> dnaParts;
-    for (const DnaPart& part : DNA_PARTS)
-        dnaParts.push_back(part.name);
-    std::vector<std::string> legendPlaces;
-    for (const NamedLegendPlace& known : LEGEND_PLACES)
-        legendPlaces.push_back(known.name);
     return {
         makeLength<&Request::radius>("radius", "Radius", "Radius of the tube [from the data]"),
         makeLength<&Request::ribbonWidth>("ribbon-width", "Ribbon width",
@@ -411,93 +417,59 @@ std::vector<Setting> makeSettings()
                                            "Colour of the ribbons"),
         makeColour<&Request::background>("background", "Background",
                                          "Colour of the background [white]"),
-        {"colour-by", SettingKind::SCALAR, "Scalar", COLOURS, "NAME",
-         "Colour by a scalar of the file, or by arclength, curvature, torsion, twist, kappa1 and "
-         "others",
-         &valueOf<&Request::colourBy>, &readName<&Request::colourBy>, &clear<&Request::colourBy>},
-        {"compare", SettingKind::REFERENCE, "Compare with", COLOURS, "FILE|first",
-         "Compare with FILE, or with the first frame of a series: adds the scalars "
-         "reference_distance, reference_rotation, shear1, shear2 and extension",
-         &valueOf<&Request::compare>, &readName<&Request::compare>, &clear<&Request::compare>},
-        {"range",
-         SettingKind::RANGE,
-         "Range",
-         COLOURS,
-         "MIN:MAX",
-         "Values at the ends of the colours: auto is those of all frames, frame those of each, "
-         "symmetric as far above 0 as below [auto]",
-         &valueOfRange,
-         &readRange,
-         &clearRange,
-         0,
-         0,
-         {},
-         "colour-by"},
-        {"colours", SettingKind::COLOUR_MAP, "Colours", COLOURS, "NAME|C1,C2,...",
-         "Colours from the least value to the greatest: " + listOfColourMaps() +
-             ", reversed as NAME_r, or two colours or more [" + DEFAULT_MAP + "; " +
-             DEFAULT_SIGNED_MAP + " of what can be negative, such as torsion]",
-         &valueOf<&Request::colours>, &readColours, &clear<&Request::colours>, 0, 0,
-         namesOfColourMaps(), "colour-by"},
-        {"legend", SettingKind::CHOICE, "Legend", COLOURS, "PLACE",
-         "Where the legend is: bottom, top or off [bottom]", &valueOfLegendPlace, &readLegendPlace,
-         &clearLegend<&LegendLook::place>, 0, 0, legendPlaces, "colour-by"},
-        {"legend-title",
-         SettingKind::TEXT,
-         "Legend's title",
-         COLOURS,
-         "TEXT",
-         "Title of the legend [the scalar's name]",
-         &valueOfLegend<&LegendLook::title>,
-         &readLegendText<&LegendLook::title>,
-         &clearLegend<&LegendLook::title>,
-         0,
-         0,
-         {},
-         "colour-by"},
-        {"legend-unit",
-         SettingKind::TEXT,
-         "Legend's unit",
-         COLOURS,
-         "TEXT",
-         "Unit in the legend, none if it is empty [the scalar's, where it is known]",
-         &valueOfLegend<&LegendLook::unit>,
-         &readLegendText<&LegendLook::unit>,
-         &clearLegend<&LegendLook::unit>,
-         0,
-         0,
-         {},
-         "colour-by"},
-        {"legend-format",
-         SettingKind::NUMBER_FORMAT,
-         "Legend's numbers",
-         COLOURS,
-         "FORMAT",
-         "How the legend's numbers are written: auto; .2f, two decimals; .2e, with a power of ten; "
-         ".3g, three digits, the shorter of both [auto]",
-         &valueOfLegend<&LegendLook::format>,
-         &readLegendFormat,
-         &clearLegend<&LegendLook::format>,
-         0,
-         0,
-         {"auto", ".0f", ".1f", ".2f", ".3f", ".2e", ".3g"},
-         "colour-by"},
-        {"dna", SettingKind::PARTS, "Shown of DNA", DNA, "WHAT,...",
-         "Show backbone, bases as slabs, boxes of bases, boxes of pairs, atoms, or none "
-         "[backbone,bases]",
-         &valueOfDna, &readDna, &clearDna, 0, 0, dnaParts},
-        {"dna-unit",
-         SettingKind::CHOICE,
-         "Unit of DNA",
-         DNA,
-         "UNIT",
-         "Unit of a DNA's points: angstrom or nm [angstrom]",
-         &valueOfDnaUnit,
-         &readDnaUnit,
-         &clearDnaUnit,
-         0,
-         0,
-         {"angstrom", "nm"}}};
+        makeRow<&Request::colourBy>(
+            SettingKind::SCALAR, "colour-by", "Scalar", COLOURS, "NAME",
+            "Colour by a scalar of the file, or by arclength, curvature, torsion, twist, kappa1 "
+            "and others",
+            &readText<&Request::colourBy>),
+        makeRow<&Request::compare>(
+            SettingKind::REFERENCE, "compare", "Compare with", COLOURS, "FILE|first",
+            "Compare with FILE, or with the first frame of a series: adds the scalars "
+            "reference_distance, reference_rotation, shear1, shear2 and extension",
+            &readText<&Request::compare>),
+        onlyWith("colour-by",
+                 {"range", SettingKind::RANGE, "Range", COLOURS, "MIN:MAX",
+                  "Values at the ends of the colours: auto is those of all frames, frame those of "
+                  "each, symmetric as far above 0 as below [auto]",
+                  &valueOfRange, &readRange, &clearRange}),
+        onlyWith(
+            "colour-by",
+            among(namesOfColourMaps(),
+                  makeRow<&Request::colours>(
+                      SettingKind::COLOUR_MAP, "colours", "Colours", COLOURS, "NAME|C1,C2,...",
+                      "Colours from the least value to the greatest: " + listOfColourMaps() +
+                          ", reversed as NAME_r, or two colours or more [" + DEFAULT_MAP + "; " +
+                          DEFAULT_SIGNED_MAP + " of what can be negative, such as torsion]",
+                      &readColours))),
+        onlyWith("colour-by",
+                 among(namesOf(LEGEND_PLACES),
+                       {"legend", SettingKind::CHOICE, "Legend", COLOURS, "PLACE",
+                        "Where the legend is: bottom, top or off [bottom]", &valueOfLegendPlace,
+                        &readLegendPlace, &clear<&LegendLook::place>})),
+        onlyWith("colour-by",
+                 makeText<&LegendLook::title>("legend-title", "Legend's title",
+                                              "Title of the legend [the scalar's name]", COLOURS)),
+        onlyWith("colour-by",
+                 makeText<&LegendLook::unit>(
+                     "legend-unit", "Legend's unit",
+                     "Unit in the legend, none if it is empty [the scalar's, where it is known]",
+                     COLOURS)),
+        onlyWith("colour-by",
+                 among({"auto", ".0f", ".1f", ".2f", ".3f", ".2e", ".3g"},
+                       makeRow<&LegendLook::format>(
+                           SettingKind::NUMBER_FORMAT, "legend-format", "Legend's numbers", COLOURS,
+                           "FORMAT",
+                           "How the legend's numbers are written: auto; .2f, two decimals; .2e, "
+                           "with a power of ten; .3g, three digits, the shorter of both [auto]",
+                           &readLegendFormat))),
+        among(namesOf(DNA_PARTS),
+              {"dna", SettingKind::PARTS, "Shown of DNA", DNA, "WHAT,...",
+               "Show backbone, bases as slabs, boxes of bases, boxes of pairs, atoms, or none "
+               "[backbone,bases]",
+               &valueOfDna, &readDna, &clearDna}),
+        among({"angstrom", "nm"}, {"dna-unit", SettingKind::CHOICE, "Unit of DNA", DNA, "UNIT",
+                                   "Unit of a DNA's points: angstrom or nm [angstrom]",
+                                   &valueOfDnaUnit, &readDnaUnit, &clearDnaUnit})};
 }
 
 } // namespace

@@ -32,23 +32,69 @@ using Text = std::optional<std::string>;
 
 QString toQt(const Text& text) { return QString::fromStdString(text.value_or("")); }
 
+// A control that is one widget of Qt's.
+template <typename Widget>
+class OneWidget : public SettingControl
+{
+protected:
+    OneWidget(const Setting& ofWidget, QWidget* parent)
+        : SettingControl(ofWidget, new Widget(parent)), part(static_cast<Widget*>(widget))
+    {}
+
+    Widget* const part;
+};
+
+// Acts when the user has changed the line and leaves it, or presses Enter.
+template <typename Deed>
+void whenEdited(QLineEdit& line, const Deed& act)
+{
+    QObject::connect(&line, &QLineEdit::editingFinished, &line, [&line, act] {
+        const bool isChanged = line.isModified();
+        line.setModified(false);
+        if (isChanged)
+            act();
+    });
+}
+
+template <typename Deed>
+void whenChosen(QComboBox& list, const Deed& act)
+{
+    QObject::connect(&list, QOverload<int>::of(&QComboBox::activated), &list, act);
+}
+
+void addWords(QComboBox& list, const std::vector<std::string>& words)
+{
+    for (const std::string& word : words)
+        list.addItem(QString::fromStdString(word));
+}
+
+// However long what can be chosen is.
+void keepNarrow(QComboBox& list)
+{
+    list.setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    list.setMinimumContentsLength(14);
+}
+
+// Typed, or chosen among some.
+void letType(QComboBox& list)
+{
+    list.setEditable(true);
+    list.setInsertPolicy(QComboBox::NoInsert);
+}
+
 // On and off.
-class SwitchControl : public SettingControl
+class SwitchControl : public OneWidget<QCheckBox>
 {
 public:
-    SwitchControl(const Setting& ofSwitch, QWidget* parent)
-        : SettingControl(ofSwitch, new QCheckBox(parent)), box(static_cast<QCheckBox*>(widget))
+    SwitchControl(const Setting& ofSwitch, QWidget* parent) : OneWidget(ofSwitch, parent)
     {
-        connect(box, &QCheckBox::clicked, this,
+        connect(part, &QCheckBox::clicked, this,
                 [this](bool on) { emit chosen(on ? "on" : "off"); });
     }
     void show(const Text& /*asked*/, const Text& shown) override
     {
-        box->setChecked(shown == std::optional<std::string>("on"));
+        part->setChecked(shown == std::optional<std::string>("on"));
     }
-
-private:
-    QCheckBox* const box;
 };
 
 // A field, and a slider from a tenth to ten times what the data suggest.
@@ -69,11 +115,7 @@ public:
         widget->layout()->addWidget(slider);
         widget->setFocusProxy(field);
         acceptDecimalComma(*field);
-        connect(field, &QLineEdit::editingFinished, this, [this] {
-            if (field->isModified())
-                emit chosen(field->text());
-            field->setModified(false);
-        });
+        whenEdited(*field, [this] { emit chosen(field->text()); });
         connect(slider, &QSlider::valueChanged, this, [this](int position) {
             const double length = middle * std::pow(10.0, double(position) / STEPS);
             emit chosen(QString::number(length, 'g', 3));
@@ -103,25 +145,21 @@ private:
     double middle = 0;
 };
 
-class CountControl : public SettingControl
+class CountControl : public OneWidget<QSpinBox>
 {
 public:
-    CountControl(const Setting& ofCount, QWidget* parent)
-        : SettingControl(ofCount, new QSpinBox(parent)), box(static_cast<QSpinBox*>(widget))
+    CountControl(const Setting& ofCount, QWidget* parent) : OneWidget(ofCount, parent)
     {
-        box->setRange(setting.least, setting.most);
-        box->setKeyboardTracking(false);
-        connect(box, QOverload<int>::of(&QSpinBox::valueChanged), this,
+        part->setRange(setting.least, setting.most);
+        part->setKeyboardTracking(false);
+        connect(part, QOverload<int>::of(&QSpinBox::valueChanged), this,
                 [this](int count) { emit chosen(QString::number(count)); });
     }
     void show(const Text& /*asked*/, const Text& shown) override
     {
-        const QSignalBlocker quiet(box);
-        box->setValue(parseNumber<int>(shown.value_or("")).value_or(setting.least));
+        const QSignalBlocker quiet(part);
+        part->setValue(parseNumber<int>(shown.value_or("")).value_or(setting.least));
     }
-
-private:
-    QSpinBox* const box;
 };
 
 QIcon swatch(const QColor& colour)
@@ -131,21 +169,19 @@ QIcon swatch(const QColor& colour)
     return {picture};
 }
 
-class ColourControl : public SettingControl
+class ColourControl : public OneWidget<QPushButton>
 {
 public:
-    ColourControl(const Setting& ofColour, QWidget* parent)
-        : SettingControl(ofColour, new QPushButton(parent)),
-          button(static_cast<QPushButton*>(widget))
+    ColourControl(const Setting& ofColour, QWidget* parent) : OneWidget(ofColour, parent)
     {
-        button->setAutoDefault(false);
-        connect(button, &QPushButton::clicked, this, [this] { choose(); });
+        part->setAutoDefault(false);
+        connect(part, &QPushButton::clicked, this, [this] { choose(); });
     }
     void show(const Text& /*asked*/, const Text& shown) override
     {
         colour = shown ? QColor(toQt(shown)) : QColor();
-        button->setIcon(colour.isValid() ? swatch(colour) : QIcon());
-        button->setText(colour.isValid() ? colour.name() : "one each");
+        part->setIcon(colour.isValid() ? swatch(colour) : QIcon());
+        part->setText(colour.isValid() ? colour.name() : "one each");
     }
 
 private:
@@ -153,7 +189,7 @@ private:
     void choose()
     {
         const QColor before = colour;
-        QColorDialog dialog(before.isValid() ? before : QColor(Qt::gray), button);
+        QColorDialog dialog(before.isValid() ? before : QColor(Qt::gray), part);
         dialog.setWindowTitle(setting.label);
         connect(&dialog, &QColorDialog::currentColorChanged, this,
                 [this](const QColor& next) { emit chosen(next.name()); });
@@ -165,28 +201,21 @@ private:
             emit cleared();
     }
 
-    QPushButton* const button;
     QColor colour;
 };
 
-class ChoiceControl : public SettingControl
+class ChoiceControl : public OneWidget<QComboBox>
 {
 public:
-    ChoiceControl(const Setting& ofChoice, QWidget* parent)
-        : SettingControl(ofChoice, new QComboBox(parent)), list(static_cast<QComboBox*>(widget))
+    ChoiceControl(const Setting& ofChoice, QWidget* parent) : OneWidget(ofChoice, parent)
     {
-        for (const std::string& word : setting.words)
-            list->addItem(QString::fromStdString(word));
-        connect(list, QOverload<int>::of(&QComboBox::activated), this,
-                [this] { emit chosen(list->currentText()); });
+        addWords(*part, setting.words);
+        whenChosen(*part, [this] { emit chosen(part->currentText()); });
     }
     void show(const Text& /*asked*/, const Text& shown) override
     {
-        list->setCurrentIndex(std::max(0, list->findText(toQt(shown))));
+        part->setCurrentIndex(std::max(0, part->findText(toQt(shown))));
     }
-
-private:
-    QComboBox* const list;
 };
 
 // Ticks, one below the other.
@@ -232,41 +261,35 @@ private:
 
 const char* const NO_SCALAR = "none: colours of their own";
 
-class ScalarControl : public SettingControl
+class ScalarControl : public OneWidget<QComboBox>
 {
 public:
-    ScalarControl(const Setting& ofScalar, QWidget* parent)
-        : SettingControl(ofScalar, new QComboBox(parent)), list(static_cast<QComboBox*>(widget))
+    ScalarControl(const Setting& ofScalar, QWidget* parent) : OneWidget(ofScalar, parent)
     {
-        list->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-        list->setMinimumContentsLength(14);
+        keepNarrow(*part);
         offer({});
-        connect(list, QOverload<int>::of(&QComboBox::activated), this, [this](int index) {
+        whenChosen(*part, [this](int index) {
             if (index == 0)
                 emit cleared();
             else
-                emit chosen(list->itemText(index));
+                emit chosen(part->itemText(index));
         });
     }
     void offer(const std::vector<std::string>& words) override
     {
-        const QString now = list->currentText();
-        list->clear();
-        list->addItem(NO_SCALAR);
-        for (const std::string& word : words)
-            list->addItem(QString::fromStdString(word));
-        list->setCurrentIndex(std::max(0, list->findText(now)));
+        const QString now = part->currentText();
+        part->clear();
+        part->addItem(NO_SCALAR);
+        addWords(*part, words);
+        part->setCurrentIndex(std::max(0, part->findText(now)));
     }
     // Also a name that these data do not have.
     void show(const Text& asked, const Text& /*shown*/) override
     {
-        if (asked && list->findText(toQt(asked)) < 0)
-            list->addItem(toQt(asked));
-        list->setCurrentIndex(asked ? list->findText(toQt(asked)) : 0);
+        if (asked && part->findText(toQt(asked)) < 0)
+            part->addItem(toQt(asked));
+        part->setCurrentIndex(asked ? part->findText(toQt(asked)) : 0);
     }
-
-private:
-    QComboBox* const list;
 };
 
 // Which range, and its ends, where they are told by hand.
@@ -298,13 +321,9 @@ public:
         widget->setFocusProxy(list);
         for (QLineEdit* end : {min, max}) {
             acceptDecimalComma(*end);
-            connect(end, &QLineEdit::editingFinished, this, [this, end] {
-                if (end->isModified())
-                    emit chosen(min->text() + ":" + max->text());
-                end->setModified(false);
-            });
+            whenEdited(*end, [this] { emit chosen(min->text() + ":" + max->text()); });
         }
-        connect(list, QOverload<int>::of(&QComboBox::activated), this, [this] {
+        whenChosen(*list, [this] {
             const QString data = list->currentData().toString();
             emit chosen(data == BY_HAND ? min->text() + ":" + max->text() : data);
         });
@@ -362,20 +381,15 @@ public:
         column->addWidget(reversed);
         name(list, "List", setting.label);
         name(reversed, "Reversed", QString(setting.label) + " the other way round");
-        list->setEditable(true);
-        list->setInsertPolicy(QComboBox::NoInsert);
+        letType(*list);
         list->setIconSize({64, 14});
         list->setMinimumContentsLength(10);
         list->setToolTip("A name, or two colours or more with commas: navy,white,darkred");
         for (const std::string& word : setting.words)
             list->addItem(pictureOf(*findColourMap(word)), QString::fromStdString(word));
         widget->setFocusProxy(list);
-        connect(list, QOverload<int>::of(&QComboBox::activated), this, [this] { choose(); });
-        connect(list->lineEdit(), &QLineEdit::editingFinished, this, [this] {
-            if (list->lineEdit()->isModified())
-                choose();
-            list->lineEdit()->setModified(false);
-        });
+        whenChosen(*list, [this] { choose(); });
+        whenEdited(*list->lineEdit(), [this] { choose(); });
         connect(reversed, &QCheckBox::clicked, this, [this] { choose(); });
     }
     void show(const Text& asked, const Text& shown) override
@@ -406,78 +420,55 @@ private:
 };
 
 // A line, which is told when it is done.
-class TextControl : public SettingControl
+class TextControl : public OneWidget<QLineEdit>
 {
 public:
-    TextControl(const Setting& ofText, QWidget* parent)
-        : SettingControl(ofText, new QLineEdit(parent)), field(static_cast<QLineEdit*>(widget))
+    TextControl(const Setting& ofText, QWidget* parent) : OneWidget(ofText, parent)
     {
-        connect(field, &QLineEdit::editingFinished, this, [this] {
-            if (!field->isModified())
-                return;
-            field->setModified(false);
-            emit chosen(field->text());
-        });
+        whenEdited(*part, [this] { emit chosen(part->text()); });
     }
     void show(const Text& asked, const Text& shown) override
     {
-        if (!field->isModified())
-            field->setText(toQt(asked ? asked : shown));
+        if (!part->isModified())
+            part->setText(toQt(asked ? asked : shown));
     }
-
-private:
-    QLineEdit* const field;
 };
 
 // Some formats to choose from, or one that is typed.
-class FormatControl : public SettingControl
+class FormatControl : public OneWidget<QComboBox>
 {
 public:
-    FormatControl(const Setting& ofFormat, QWidget* parent)
-        : SettingControl(ofFormat, new QComboBox(parent)), list(static_cast<QComboBox*>(widget))
+    FormatControl(const Setting& ofFormat, QWidget* parent) : OneWidget(ofFormat, parent)
     {
-        list->setEditable(true);
-        list->setInsertPolicy(QComboBox::NoInsert);
-        for (const std::string& word : setting.words)
-            list->addItem(QString::fromStdString(word));
-        connect(list, QOverload<int>::of(&QComboBox::activated), this,
-                [this] { emit chosen(list->currentText()); });
-        connect(list->lineEdit(), &QLineEdit::editingFinished, this, [this] {
-            if (!list->lineEdit()->isModified())
-                return;
-            list->lineEdit()->setModified(false);
-            emit chosen(list->currentText());
-        });
+        letType(*part);
+        addWords(*part, setting.words);
+        whenChosen(*part, [this] { emit chosen(part->currentText()); });
+        whenEdited(*part->lineEdit(), [this] { emit chosen(part->currentText()); });
     }
     void show(const Text& /*asked*/, const Text& shown) override
     {
-        if (!list->lineEdit()->isModified())
-            list->setCurrentText(toQt(shown));
+        if (!part->lineEdit()->isModified())
+            part->setCurrentText(toQt(shown));
     }
-
-private:
-    QComboBox* const list;
 };
 
-class ReferenceControl : public SettingControl
+class ReferenceControl : public OneWidget<QComboBox>
 {
 public:
-    ReferenceControl(const Setting& ofReference, QWidget* parent)
-        : SettingControl(ofReference, new QComboBox(parent)), list(static_cast<QComboBox*>(widget))
+    ReferenceControl(const Setting& ofReference, QWidget* parent) : OneWidget(ofReference, parent)
     {
-        list->addItems({"nothing", "the first frame", "a file..."});
-        list->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-        list->setMinimumContentsLength(14);
-        connect(list, QOverload<int>::of(&QComboBox::activated), this, &ReferenceControl::choose);
+        part->addItems({"nothing", "the first frame", "a file..."});
+        keepNarrow(*part);
+        whenChosen(*part, [this](int index) { choose(index); });
     }
     void show(const Text& asked, const Text& /*shown*/) override
     {
         now = asked;
-        while (list->count() > FILE_NAME)
-            list->removeItem(FILE_NAME);
+        while (part->count() > FILE_NAME)
+            part->removeItem(FILE_NAME);
         if (asked && *asked != "first")
-            list->addItem(toQt(asked));
-        list->setCurrentIndex(!asked ? NOTHING : *asked == "first" ? FIRST : FILE_NAME);
+            part->addItem(toQt(asked));
+        part->setCurrentIndex(!asked ? NOTHING : *asked == "first" ? FIRST : FILE_NAME);
     }
 
 private:
@@ -494,14 +485,13 @@ private:
     }
     void chooseFile()
     {
-        const QString file = QFileDialog::getOpenFileName(list, "Compare with");
+        const QString file = QFileDialog::getOpenFileName(part, "Compare with");
         if (file.isEmpty())
             show(now, {});
         else
             emit chosen(file);
     }
 
-    QComboBox* const list;
     Text now;
 };
 
