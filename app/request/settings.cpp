@@ -319,6 +319,13 @@ const char* const LOOK = "Look";
 const char* const DNA = "DNA";
 const char* const COLOURS = "Colour by data";
 
+// Changes no shape: recolourScene() shows it.
+Setting ofColours(Setting row)
+{
+    row.isColour = true;
+    return row;
+}
+
 // A row each, of one member, of the kinds that several settings have.
 
 template <auto member>
@@ -385,6 +392,9 @@ Setting onlyWith(const char* neededSetting, Setting row)
     return row;
 }
 
+// Says how a scalar is shown.
+Setting ofScalar(Setting row) { return ofColours(onlyWith("colour-by", std::move(row))); }
+
 template <typename Named>
 std::vector<std::string> namesOf(const Named& all)
 {
@@ -411,29 +421,27 @@ std::vector<Setting> makeSettings()
         makeSwitch<&Request::twoSidedRibbon>(
             "two-sided", "Ribbon to both sides",
             "Centre the ribbon on the centreline instead of starting it there"),
-        makeColour<&Request::tubeColour>("tube-colour", "Tube colour",
-                                         "Colour of the tubes [one per rod]"),
-        makeColour<&Request::ribbonColour>("ribbon-colour", "Ribbon colour",
-                                           "Colour of the ribbons"),
-        makeColour<&Request::background>("background", "Background",
-                                         "Colour of the background [white]"),
-        makeRow<&Request::colourBy>(
+        ofColours(makeColour<&Request::tubeColour>("tube-colour", "Tube colour",
+                                                   "Colour of the tubes [one per rod]")),
+        ofColours(makeColour<&Request::ribbonColour>("ribbon-colour", "Ribbon colour",
+                                                     "Colour of the ribbons")),
+        ofColours(makeColour<&Request::background>("background", "Background",
+                                                   "Colour of the background [white]")),
+        ofColours(makeRow<&Request::colourBy>(
             SettingKind::SCALAR, "colour-by", "Scalar", COLOURS, "NAME",
             "Colour by a scalar of the file, or by arclength, curvature, torsion, twist, kappa1 "
             "and others",
-            &readText<&Request::colourBy>),
+            &readText<&Request::colourBy>)),
         makeRow<&Request::compare>(
             SettingKind::REFERENCE, "compare", "Compare with", COLOURS, "FILE|first",
             "Compare with FILE, or with the first frame of a series: adds the scalars "
             "reference_distance, reference_rotation, shear1, shear2 and extension",
             &readText<&Request::compare>),
-        onlyWith("colour-by",
-                 {"range", SettingKind::RANGE, "Range", COLOURS, "MIN:MAX",
+        ofScalar({"range", SettingKind::RANGE, "Range", COLOURS, "MIN:MAX",
                   "Values at the ends of the colours: auto is those of all frames, frame those of "
                   "each, symmetric as far above 0 as below [auto]",
                   &valueOfRange, &readRange, &clearRange}),
-        onlyWith(
-            "colour-by",
+        ofScalar(
             among(namesOfColourMaps(),
                   makeRow<&Request::colours>(
                       SettingKind::COLOUR_MAP, "colours", "Colours", COLOURS, "NAME|C1,C2,...",
@@ -441,21 +449,16 @@ std::vector<Setting> makeSettings()
                           ", reversed as NAME_r, or two colours or more [" + DEFAULT_MAP + "; " +
                           DEFAULT_SIGNED_MAP + " of what can be negative, such as torsion]",
                       &readColours))),
-        onlyWith("colour-by",
-                 among(namesOf(LEGEND_PLACES),
+        ofScalar(among(namesOf(LEGEND_PLACES),
                        {"legend", SettingKind::CHOICE, "Legend", COLOURS, "PLACE",
                         "Where the legend is: bottom, top or off [bottom]", &valueOfLegendPlace,
                         &readLegendPlace, &clear<&LegendLook::place>})),
-        onlyWith("colour-by",
-                 makeText<&LegendLook::title>("legend-title", "Legend's title",
+        ofScalar(makeText<&LegendLook::title>("legend-title", "Legend's title",
                                               "Title of the legend [the scalar's name]", COLOURS)),
-        onlyWith("colour-by",
-                 makeText<&LegendLook::unit>(
-                     "legend-unit", "Legend's unit",
-                     "Unit in the legend, none if it is empty [the scalar's, where it is known]",
-                     COLOURS)),
-        onlyWith("colour-by",
-                 among({"auto", ".0f", ".1f", ".2f", ".3f", ".2e", ".3g"},
+        ofScalar(makeText<&LegendLook::unit>(
+            "legend-unit", "Legend's unit",
+            "Unit in the legend, none if it is empty [the scalar's, where it is known]", COLOURS)),
+        ofScalar(among({"auto", ".0f", ".1f", ".2f", ".3f", ".2e", ".3g"},
                        makeRow<&LegendLook::format>(
                            SettingKind::NUMBER_FORMAT, "legend-format", "Legend's numbers", COLOURS,
                            "FORMAT",
@@ -522,6 +525,13 @@ std::vector<std::string> argumentsOf(const StyleRequest& request)
         }
     }
     return arguments;
+}
+
+bool differInColoursAlone(const StyleRequest& a, const StyleRequest& b)
+{
+    return std::all_of(settings().begin(), settings().end(), [&](const Setting& setting) {
+        return setting.isColour || setting.value(a) == setting.value(b);
+    });
 }
 
 bool operator==(const StyleRequest& a, const StyleRequest& b)

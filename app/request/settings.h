@@ -48,6 +48,7 @@ struct Setting
     int least = 0, most = 0;             ///< of a count
     std::vector<std::string> words = {}; ///< of a choice, and of parts
     std::string neededSetting = {};      ///< without which it says nothing; empty for none
+    bool isColour = false;               ///< it changes the colours of shapes, which stay
 
     /// Whether what it needs is said.
     bool isOfUse(const StyleRequest& request) const;
@@ -64,6 +65,9 @@ const Setting& settingOf(const std::string& name);
 
 /// The options and their values that say what a request says: {"--radius", "0.1", "--no-tube"}.
 std::vector<std::string> argumentsOf(const StyleRequest& request);
+
+/// Whether both say the same but for colours.
+bool differInColoursAlone(const StyleRequest& a, const StyleRequest& b);
 
 /// Whether both say the same.
 bool operator==(const StyleRequest& a, const StyleRequest& b);

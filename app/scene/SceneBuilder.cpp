@@ -237,6 +237,17 @@ std::string showFrame(DataScene& scene, const Configuration& data, const Style& 
     return error;
 }
 
+// Of a scene whose data have it already.
+void showStyle(DataScene& scene, const Placement& placement, const Style& style,
+               const Colouring* colouring)
+{
+    scene.restyle(placement, style);
+    if (colouring)
+        scene.setColouring(*colouring);
+    else
+        scene.dropColouring();
+}
+
 } // namespace
 
 void initialiseScene()
@@ -310,12 +321,26 @@ std::string restyleScene(DataScene& scene, const Configuration& data, const Styl
         showFrame(scene, data, style, colouring, geometry, FrameChange::NEW, progress);
     if (!error.empty())
         return error;
-    scene.restyle(geometry.placement, style);
-    if (colouring)
-        scene.setColouring(*colouring);
-    else
-        scene.dropColouring();
+    showStyle(scene, geometry.placement, style, colouring);
     return "";
+}
+
+void recolourScene(DataScene& scene, const Style& style, const Colouring* colouring)
+{
+    SceneGeometry none;
+    const Configuration& data = *scene.getData();
+    assert(!colouring ||
+           (colouring->rods == data.rods.size() && colouring->birods == data.birods.size()));
+    const Builders builders =
+        makeBuilders({data, style, scene.getPlacement(), colouring, scene.areColoursShown(), none});
+    for (std::size_t kind = 0; kind < builders.size(); ++kind) {
+        for (std::size_t i = 0; i < scene.getShown(kind).size(); ++i) {
+            ShownDatum datum = scene.getShown(kind)[i];
+            builders[kind]->recolour(i, datum);
+            scene.change(kind, i, datum);
+        }
+    }
+    showStyle(scene, scene.getPlacement(), style, colouring);
 }
 
 std::string updateScene(DataScene& scene, const Configuration& next, const Colouring* colouring,

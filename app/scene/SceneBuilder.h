@@ -59,6 +59,10 @@ DataScene* buildScene(const Configuration& configuration, const Style& style,
 std::string restyleScene(DataScene& scene, const Configuration& data, const Style& style,
                          const Colouring* colouring, SceneGeometry geometry, Progress& progress);
 
+/// The same of a scene that knows its data, whose shapes stay as they are shown: see
+/// haveSameShapes(). The colouring is that of the data that are shown.
+void recolourScene(DataScene& scene, const Style& style, const Colouring* colouring);
+
 /// Lets a scene show the next frame instead: all of it, or, with one line that says why not,
 /// nothing. Placement, style, colours' range and side stay those of the first frame; camera,
 /// lights and whatever else is no datum are not touched.

@@ -97,10 +97,10 @@ std::string checkLength(const std::string& option, const std::optional<double>& 
 
 bool showsBackbones(const Style& style) { return style.showTube && style.dna.backbone; }
 
-bool asksForRibbon(const Options& options)
+bool asksForRibbon(const StyleRequest& request)
 {
-    return options.showRibbon.value_or(options.ribbonWidth || options.ribbonColour ||
-                                       options.twoSidedRibbon);
+    return request.showRibbon.value_or(request.ribbonWidth || request.ribbonColour ||
+                                       request.twoSidedRibbon);
 }
 
 Style makeStyle(const Options& options, const Configuration& configuration)

@@ -39,8 +39,8 @@ struct Style
 /// Whether the tubes of backbones are shown: of rods that are one, and ideal ones.
 bool showsBackbones(const Style& style);
 
-/// Whether the options ask for a ribbon, or say how it is to look.
-bool asksForRibbon(const Options& options);
+/// Whether a ribbon is asked for, or it is said how it is to look.
+bool asksForRibbon(const StyleRequest& request);
 
 /// The style that the options ask for; what they leave open follows from the data.
 ///

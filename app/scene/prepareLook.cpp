@@ -3,6 +3,7 @@
 
 #include <strandview/model/Extent.h>
 
+#include "request/settings.h"
 #include "scene/Placement.h"
 #include "scene/SceneBuilder.h"
 #include "scene/chooseLook.h"
@@ -30,31 +31,47 @@ bool chooseColouringOf(const Configuration& frame, const Options& options,
 
 } // namespace
 
-std::optional<PreparedLook> prepareLook(const Options& options, const Configuration& data,
-                                        ReadReport& report, Progress& progress)
+bool haveSameShapes(const StyleRequest& shown, const StyleRequest& next)
 {
-    const std::optional<Style> style = chooseStyle(options, data, report);
+    return differInColoursAlone(shown, next) && asksForRibbon(shown) == asksForRibbon(next);
+}
+
+std::optional<PreparedLook> prepareColours(const Options& options, const Configuration& frame,
+                                           const Configuration& first, const ValueSummary* ofOthers,
+                                           ReadReport& report, Progress& progress)
+{
+    const std::optional<Style> style = chooseStyle(options, first, report);
     PreparedLook look;
-    if (!style || !chooseColouring(options, data, report, nullptr, look.colouring, progress))
+    if (!style)
+        return {};
+    const bool isChosen =
+        &frame == &first
+            ? chooseColouring(options, first, report, nullptr, look.colouring, progress)
+            : chooseColouringOf(frame, options, first, ofOthers, report, progress, look.colouring);
+    if (!isChosen)
         return {};
     look.style = *style;
-    look.geometry = computeGeometry(data, *style, progress, report.error);
-    return report.error.empty() ? std::optional(std::move(look)) : std::nullopt;
+    return look;
 }
 
 std::optional<PreparedLook> prepareLook(const Options& options, const Configuration& frame,
                                         const Configuration& first, const ValueSummary* ofOthers,
                                         ReadReport& report, Progress& progress)
 {
-    const std::optional<Style> style = chooseStyle(options, first, report);
-    PreparedLook look;
-    if (!style ||
-        !chooseColouringOf(frame, options, first, ofOthers, report, progress, look.colouring))
+    std::optional<PreparedLook> look =
+        prepareColours(options, frame, first, ofOthers, report, progress);
+    if (!look)
         return {};
-    look.style = *style;
-    look.geometry = computeGeometry(frame, *style, choosePlacement(measure(first), style->radius),
-                                    progress, report.error);
-    return report.error.empty() ? std::optional(std::move(look)) : std::nullopt;
+    look->geometry =
+        computeGeometry(frame, look->style, choosePlacement(measure(first), look->style.radius),
+                        progress, report.error);
+    return report.error.empty() ? std::move(look) : std::nullopt;
+}
+
+std::optional<PreparedLook> prepareLook(const Options& options, const Configuration& data,
+                                        ReadReport& report, Progress& progress)
+{
+    return prepareLook(options, data, data, nullptr, report, progress);
 }
 
 } // namespace strandview

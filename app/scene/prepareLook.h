@@ -21,8 +21,12 @@ struct PreparedLook
 {
     Style style;
     std::optional<Colouring> colouring; ///< of the data
-    SceneGeometry geometry;
+    SceneGeometry geometry;             ///< none of colours alone
 };
+
+/// Whether what is shown as the one asks has the shapes that the other asks for, in other colours
+/// at most.
+bool haveSameShapes(const StyleRequest& shown, const StyleRequest& next);
 
 /// What the options and the data say. In any thread, since nothing of Coin or Qt is touched.
 /// Nothing, and one line in report.error, if something asked for does not suit the data, they
@@ -35,6 +39,11 @@ std::optional<PreparedLook> prepareLook(const Options& options, const Configurat
 std::optional<PreparedLook> prepareLook(const Options& options, const Configuration& frame,
                                         const Configuration& first, const ValueSummary* ofOthers,
                                         ReadReport& report, Progress& progress);
+
+/// The same without geometry, for data that are shown with haveSameShapes().
+std::optional<PreparedLook> prepareColours(const Options& options, const Configuration& frame,
+                                           const Configuration& first, const ValueSummary* ofOthers,
+                                           ReadReport& report, Progress& progress);
 
 } // namespace strandview
 

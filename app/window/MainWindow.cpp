@@ -44,6 +44,7 @@
 #include "scene/SceneBuilder.h"
 #include "scene/readFiles.h"
 #include "session/sessionFile.h"
+#include "window/CoarseDrawing.h"
 #include "window/CurveHover.h"
 #include "window/CurvePanel.h"
 #include "window/FrameWaiter.h"
@@ -187,7 +188,9 @@ QWidget* MainWindow::buildView()
         viewer->setBackgroundColor(background);
     viewer->setSceneGraph(new SoSeparator); // without one the view stays black
     viewer->addResizeCB(refit, this);
+    coarseDrawing = std::make_unique<CoarseDrawing>(*viewer);
     ownedViewer->onHome = [this] { goHome(); };
+    ownedViewer->onFrame = [this] { emit frameDrawn(); };
     return area;
 }
 
@@ -435,6 +438,8 @@ void MainWindow::whenPainted(std::function<void()> act)
     ownedViewer->frameWaiter->setParent(this);
 }
 
+bool MainWindow::isRestyling() const { return restyler.isAtWork() || coarseDrawing->isChanging(); }
+
 bool MainWindow::hasScene() const { return scene; }
 
 CameraNumbers MainWindow::getCameraNumbers() const { return numbersOf(*viewer->getCamera()); }
@@ -646,7 +651,7 @@ void MainWindow::beginToPlay(const ReadReport& report, const Start& start)
     connect(player.get(), &Player::playingChanged, (*menus)[Command::PLAY], &QAction::setChecked);
     connect(player.get(), &Player::playingChanged, this, [this](bool on) {
         scene->drawCoarsely(on);
-        viewer->drawCoarsely(on);
+        coarseDrawing->setPlaying(on);
     });
     connect(player.get(), &Player::failed, this, [this](std::size_t of, const std::string& error) {
         statusText->tell({toldOfFrame(of, {error, ""})});
@@ -719,7 +724,7 @@ void MainWindow::tellFrame(std::size_t frame, const std::vector<std::string>& no
 void MainWindow::endPlaying()
 {
     player.reset();
-    viewer->drawCoarsely(false);
+    coarseDrawing->setPlaying(false);
     playBar->hide();
     menus->followSeries(false);
     (*menus)[Command::PLAY]->setChecked(false);
@@ -922,10 +927,12 @@ void MainWindow::restyle()
     task.options = options;
     task.frame = scene->getData();
     task.first = firstFrame;
+    task.ofColours = restyler.keepsShapes() && haveSameShapes(shownStyle, options);
     const auto stage = player ? player->getStage() : nullptr;
     if (stage && stage->colouring && stage->colouring->name == options.colourBy)
         task.others = {stage, &stage->values};
     restyler.ask(std::move(task));
+    coarseDrawing->noteChange();
 }
 
 void MainWindow::showStyle(Restyler::Result& result)
@@ -942,9 +949,14 @@ void MainWindow::showStyle(Restyler::Result& result)
     if (result.look) {
         PreparedLook& look = *result.look;
         Progress unwatched;
-        fault = restyleScene(*scene, *result.task.frame, look.style,
-                             look.colouring ? &*look.colouring : nullptr, std::move(look.geometry),
-                             unwatched);
+        if (result.task.ofColours && look.colouring && result.task.frame != scene->getData())
+            look.colouring = followColouring(*look.colouring, *scene->getData(), unwatched);
+        const Colouring* const colouring = look.colouring ? &*look.colouring : nullptr;
+        if (result.task.ofColours)
+            recolourScene(*scene, look.style, colouring);
+        else
+            fault = restyleScene(*scene, *result.task.frame, look.style, colouring,
+                                 std::move(look.geometry), unwatched);
     }
     tell(fault);
     if (!fault.empty()) { // what is shown stays, unless more was asked for meanwhile
@@ -954,7 +966,8 @@ void MainWindow::showStyle(Restyler::Result& result)
         tellStyle();
         return;
     }
-    scene->setData(result.task.frame);
+    if (!result.task.ofColours)
+        scene->setData(result.task.frame);
     const bool isOtherScalar = shownStyle.colourBy != result.task.options.colourBy;
     shownStyle = result.task.options;
     scene->showColours((*menus)[Command::SHOW_COLOURS]->isChecked());
@@ -973,6 +986,8 @@ void MainWindow::showStyle(Restyler::Result& result)
     curves->followLooks();
     tellStyle();
     followViewer();
+    coarseDrawing->noteChange();
+    emit styleShown();
 }
 
 WindowState MainWindow::getState() const

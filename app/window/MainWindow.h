@@ -32,6 +32,7 @@ class SoPickedPoint;
 
 namespace strandview {
 
+class CoarseDrawing;
 class CurveHover;
 class CurvePanel;
 class DataScene;
@@ -100,12 +101,16 @@ public:
     /// The files, the camera and all that was chosen.
     Session getSession() const;
 
-    /// Whether a style that was asked for is not shown yet.
-    bool isRestyling() const { return restyler.isAtWork(); }
+    /// Whether a style that was asked for is not shown yet, or for the moment with jagged edges.
+    bool isRestyling() const;
 
 signals:
     /// Nothing is being loaded any more: it is shown, has failed or was stopped.
     void loadingEnded();
+    /// The next frame has the style that was asked for.
+    void styleShown();
+    /// The view has drawn a frame.
+    void frameDrawn();
 
 public slots:
     void update3DZoom() override;
@@ -239,6 +244,7 @@ private:
     SeriesOpener seriesOpener;
     SessionReader sessionReader;
     std::unique_ptr<WindowViewer> ownedViewer;
+    std::unique_ptr<CoarseDrawing> coarseDrawing;
     std::unique_ptr<QObject> screenFitter;
     DataScene* scene = nullptr; // kept by the viewer
     std::vector<std::string> shownFiles;

@@ -26,10 +26,11 @@ std::shared_ptr<Restyler::Result> workAt(Restyler::Task task, Progress& progress
 {
     auto result = std::make_shared<Restyler::Result>();
     try {
-        result->look = task.first == task.frame
-                           ? prepareLook(task.options, *task.frame, result->report, progress)
-                           : prepareLook(task.options, *task.frame, *task.first, task.others.get(),
-                                         result->report, progress);
+        const auto& [options, frame, first, others, ofColours] = task;
+        result->look =
+            ofColours
+                ? prepareColours(options, *frame, *first, others.get(), result->report, progress)
+                : prepareLook(options, *frame, *first, others.get(), result->report, progress);
     } catch (const std::bad_alloc&) {
         result->report.error = TOO_LITTLE_MEMORY_FOR_DATA;
     }
@@ -70,6 +71,7 @@ void Restyler::begin(Task task)
     flag->stopped = false;
     isForgotten = false;
     isWorking = true;
+    isOfColours = task.ofColours;
     work.setFuture(QtConcurrent::run([task = std::move(task), stop = flag]() mutable {
         return workAt(std::move(task), *stop);
     }));

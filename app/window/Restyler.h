@@ -29,6 +29,7 @@ public:
         Options options;
         std::shared_ptr<const Configuration> frame, first; ///< the same of what has one frame
         std::shared_ptr<const ValueSummary> others;        ///< of all but the first, if known
+        bool ofColours = false; ///< alone: the shapes that are shown are those that are asked for
     };
     struct Result
     {
@@ -46,6 +47,8 @@ public:
     /// Forgets what was asked for: finished() will not come any more for it.
     void forget();
     bool isAtWork() const { return isWorking; }
+    /// Whether nothing is being done that will show other shapes.
+    bool keepsShapes() const { return !isWorking || isOfColours; }
 
 signals:
     void finished(const std::shared_ptr<strandview::Restyler::Result>& result);
@@ -59,6 +62,7 @@ private:
     QFutureWatcher<std::shared_ptr<Result>> work;
     std::optional<Task> next;
     bool isWorking = false;   ///< until what came of it was told
+    bool isOfColours = false; ///< alone, what is being done
     bool isForgotten = false; ///< what is being done
 };
 

@@ -127,6 +127,8 @@ void WindowViewer::actualRedraw()
         frameWaiter->endFrame(size[0], size[1]);
     if (const auto tell = std::exchange(onDrawn, nullptr))
         tell();
+    if (onFrame)
+        onFrame();
 }
 
 void WindowViewer::sizeChanged(const SbVec2s& size)

@@ -30,6 +30,7 @@ public:
     // What the window is told; each may be empty
     std::function<void()> onHome;  ///< instead of SoQt's return to its home
     std::function<void()> onDrawn; ///< once, after the next frame
+    std::function<void()> onFrame; ///< after each frame
     std::function<void()> onMiss;  ///< after a click beside everything
     /// The mouse has moved to there, in the view's pixels
     std::function<void(const SbVec2s& place)> onMove;

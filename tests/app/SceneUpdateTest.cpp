@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <functional>
+#include <map>
 #include <memory>
 #include <set>
 
@@ -256,6 +257,20 @@ protected:
         if (error.empty())
             colouring = look->colouring;
         return error;
+    }
+
+    // The same in other colours alone.
+    void recolour(const Configuration& data)
+    {
+        StoppingAt never;
+        ReadReport report;
+        const std::optional<PreparedLook> look =
+            prepareColours(options, data, data, nullptr, report, never);
+        ASSERT_TRUE(look) << report.error;
+        EXPECT_TRUE(look->geometry.rods.empty());
+        scene->setData(std::make_shared<const Configuration>(data));
+        recolourScene(*scene, look->style, look->colouring ? &*look->colouring : nullptr);
+        colouring = look->colouring;
     }
 
     // A new scene of a frame on the terms of the first one; with a reference.
@@ -926,6 +941,75 @@ TEST_F(SceneUpdateTest, WhatTheUserChangedOfADatumStaysInAnotherStyle)
     EXPECT_EQ(describe(1, 0), ""); // the rod
     const ShownDatum& birod = scene->getShown(BIRODS)[0];
     EXPECT_EQ(birod.getColour(birod), SbColor(1, 0, 0));
+}
+
+// Each setting that says so of itself, of tubes, ribbons, birods and DNA.
+TEST_F(SceneUpdateTest, OtherColoursAreThoseOfANewSceneAndTheirShapesStay)
+{
+    const std::multimap<std::string, const char*> values{
+        {"tube-colour", "red"},   {"ribbon-colour", "blue"}, {"background", "black"},
+        {"colour-by", "k"},       {"colour-by", "roll"},     {"colour-by", "curvature"},
+        {"colours", "cividis_r"}, {"range", "0:0.5"},        {"range", "symmetric"},
+        {"legend", "top"},        {"legend-title", "t"},     {"legend-unit", "u"},
+        {"legend-format", ".2f"}};
+    options.showRibbon = true;
+    Configuration data = oneOfEach();
+    setScalar(data.rods[0], [](double t) { return t; });
+    build(data);
+    const auto* const rod = static_cast<const SoRod*>(scene->getShown(RODS)[0].node);
+    const auto* const birod = static_cast<const SoBirod*>(scene->getShown(BIRODS)[0].node);
+    const auto shapes = [&] {
+        return std::pair<const void*, const void*>(rod->getTubeMesh(), birod->getAvgTubeMesh());
+    };
+    const auto before = shapes();
+    for (const Setting& setting : settings()) {
+        if (!setting.isColour)
+            continue;
+        const auto [first, last] = values.equal_range(setting.name);
+        ASSERT_NE(first, last) << setting.name << ": say here what to try";
+        for (auto value = first; value != last; ++value) {
+            SCOPED_TRACE(setting.name + std::string(" ") + value->second);
+            const StyleRequest shown = options;
+            ASSERT_EQ(setting.read(value->second, options), "");
+            EXPECT_TRUE(haveSameShapes(shown, options));
+            ASSERT_NO_FATAL_FAILURE(recolour(data));
+            EXPECT_TRUE(shapes() == before);
+            expectShows(data);
+        }
+    }
+    options.colourBy.reset();
+    ASSERT_NO_FATAL_FAILURE(recolour(data));
+    EXPECT_FALSE(scene->hasColours());
+    expectShows(data);
+}
+
+TEST_F(SceneUpdateTest, WhatTheUserColouredStaysSoInOtherColours)
+{
+    build(oneOfEach());
+    DataScene::Look green;
+    green.colour = SbColor(0, 1, 0);
+    scene->setLook({BIRODS, 0}, green);
+    options.tubeColour = Colour{1, 0, 0};
+    ASSERT_NO_FATAL_FAILURE(recolour(oneOfEach()));
+    const ShownDatum &birod = scene->getShown(BIRODS)[0], &rod = scene->getShown(RODS)[0];
+    EXPECT_EQ(birod.getColour(birod), SbColor(0, 1, 0));
+    EXPECT_EQ(rod.getColour(rod), SbColor(1, 0, 0));
+}
+
+// A colour that asks for a ribbon shows one that was not there.
+TEST_F(SceneUpdateTest, OtherShapesAreThoseOfAnySettingThatIsNoColourAndOfARibbonThatComes)
+{
+    const StyleRequest usual;
+    for (const auto& [name, value] : {std::pair("radius", "0.3"),
+                                      {"slices", "5"},
+                                      {"dna", "atoms"},
+                                      {"ribbon-colour", "red"}}) {
+        StyleRequest next;
+        ASSERT_EQ(settingOf(name).read(value, next), "");
+        EXPECT_FALSE(haveSameShapes(usual, next)) << name;
+        EXPECT_FALSE(haveSameShapes(next, usual)) << name;
+        EXPECT_TRUE(haveSameShapes(next, next)) << name;
+    }
 }
 
 // A frame that comes afterwards has the style of the last change.

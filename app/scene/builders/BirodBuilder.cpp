@@ -170,8 +170,13 @@ void BirodBuilder::updateNodes(std::size_t index, ShownDatum& shown)
     auto* node = static_cast<SoBirod*>(shown.node);
     SceneGeometry::Birod& computed = frame.geometry.birods[index];
     node->setData(std::move(computed.data), std::move(computed.meshes));
+    recolour(index, shown);
+}
+
+void BirodBuilder::recolour(std::size_t index, ShownDatum& shown)
+{
     SoNode* const own = shown.group->getChild(OWN_COLOURS);
-    setColours(index, *node,
+    setColours(index, static_cast<const SoBirod&>(*shown.node),
                static_cast<SoMaterial*>(shown.colours ? shown.colours->getChild(0) : own));
     if (frame.colouring && !frame.colouring->ofBirod(index, 0).empty()) {
         setDataColours(index, shown);

@@ -38,6 +38,8 @@ void DatumBuilder::update(std::size_t index, ShownDatum& shown)
     shown.box = findBox(index, shown);
 }
 
+void DatumBuilder::recolour(std::size_t /*index*/, ShownDatum& /*shown*/) {}
+
 SbBox3f DatumBuilder::findBox(std::size_t /*index*/, const ShownDatum& shown)
 {
     if (!bounds)

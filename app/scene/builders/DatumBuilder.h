@@ -64,6 +64,9 @@ public:
     /// Lets the nodes that another frame's datum had show this one. Only after check() and
     /// getReach().
     void update(std::size_t index, ShownDatum& shown);
+    /// Lets the nodes that show this datum have the colours of the style and of data; their shapes
+    /// stay, and the frame needs no geometry. Nothing of what has neither.
+    virtual void recolour(std::size_t index, ShownDatum& shown);
 
 protected:
     /// Sets all of a datum but name and box.

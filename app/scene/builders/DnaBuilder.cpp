@@ -412,10 +412,19 @@ void DnaBuilder::updateNodes(std::size_t index, ShownDatum& shown)
         setPairs(dna, look, pairsOf(shown));
     for (Strand strand : STRANDS)
         setBackbone(index, strand, backboneOf(*shown.group, strand));
+    recolour(index, shown);
+}
+
+void DnaBuilder::recolour(std::size_t index, ShownDatum& shown)
+{
+    setColourChoice(index, shown);
     if (shown.colours)
         setDataColours(index, shown);
-    for (Strand strand : STRANDS)
-        setBackboneColours(index, strand, shown.colours, backboneOf(*shown.group, strand));
+    for (Strand strand : STRANDS) {
+        SoSeparator& backbone = backboneOf(*shown.group, strand);
+        setOwnBackboneColours(index, backbone);
+        setBackboneColours(index, strand, shown.colours, backbone);
+    }
 }
 
 bool DnaBuilder::hasDataColours(std::size_t index) const
@@ -448,6 +457,14 @@ void DnaBuilder::setDataColours(std::size_t index, ShownDatum& shown) const
         setColouredPairs(colouredPairsIn(*shown.colours), datum(index), look,
                          {frame.placement.origin, 1 / look.angstrom}, pairsOf(shown),
                          coloursOf(*frame.colouring, frame.colouring->ofDna(index)));
+}
+
+void DnaBuilder::setOwnBackboneColours(std::size_t index, SoSeparator& group) const
+{
+    auto* choice = dynamic_cast<SoSwitch*>(group.getChild(0));
+    auto* material = static_cast<SoMaterial*>(choice ? choice->getChild(0) : group.getChild(0));
+    material->diffuseColor =
+        toSbColor(strandColour(frame.style, molecules.colourOf(datum(index).molecule, index)));
 }
 
 // Those of data, by the choice of the pairs, if there is one, and no point was left out.
@@ -495,11 +512,7 @@ void DnaBuilder::setPairs(const Dna& dna, const DnaLook& look, SoDNA& node) cons
 void DnaBuilder::setBackbone(std::size_t index, Strand strand, SoSeparator& group)
 {
     SceneGeometry::Backbone& backbone = frame.geometry.dnas[index].backbones[std::size_t(strand)];
-    auto* choice = dynamic_cast<SoSwitch*>(group.getChild(0));
-    auto* material = static_cast<SoMaterial*>(choice ? choice->getChild(0) : group.getChild(0));
     SoArrow* const arrow = arrowOf(*static_cast<SoSeparator*>(group.getChild(2)));
-    material->diffuseColor =
-        toSbColor(strandColour(frame.style, molecules.colourOf(datum(index).molecule, index)));
     if (backbone.points.empty())
         arrow->setArrow({}, {}, 0, 0, 0);
     else

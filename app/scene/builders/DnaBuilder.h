@@ -26,6 +26,7 @@ public:
     ThingKind getKind() const override { return ThingKind::DNA; }
     const char* getWork() const override;
     SbBox3f getReach(std::size_t index) const override;
+    void recolour(std::size_t index, ShownDatum& shown) override;
 
 protected:
     ShownDatum makeNodes(std::size_t index) override;
@@ -41,6 +42,7 @@ private:
     bool hasDataColours(std::size_t index) const;
     void setColourChoice(std::size_t index, ShownDatum& shown) const;
     void setDataColours(std::size_t index, ShownDatum& shown) const;
+    void setOwnBackboneColours(std::size_t index, SoSeparator& group) const;
     void setBackboneColours(std::size_t index, Strand strand, SoSwitch* colours,
                             SoSeparator& group) const;
 

@@ -136,6 +136,11 @@ void RodBuilder::updateNodes(std::size_t index, ShownDatum& shown)
     node->showRibbon(showsRibbon(frame.style, rod));
     node->setClosed(rod.isClosed);
     node->setData(std::move(computed.points), rod.rotations, std::move(computed.meshes));
+    recolour(index, shown);
+}
+
+void RodBuilder::recolour(std::size_t index, ShownDatum& shown)
+{
     setOwnColours(index, shown.colours ? shown.colours->getChild(0) : shown.group->getChild(0));
     if (hasDataColours(index)) {
         setDataColours(index, shown);

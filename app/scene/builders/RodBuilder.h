@@ -27,6 +27,7 @@ public:
     ThingKind getKind() const override { return ThingKind::ROD; }
     const char* getWork() const override;
     SbBox3f getReach(std::size_t index) const override;
+    void recolour(std::size_t index, ShownDatum& shown) override;
 
 protected:
     ShownDatum makeNodes(std::size_t index) override;

@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "window/CoarseDrawing.h"
+
+#include <QTest>
+#include <QWidget>
+#include <gtest/gtest.h>
+
+#include "DataWindowTest.h"
+#include "request/settings.h"
+#include "window/WindowViewer.h"
+
+namespace strandview {
+
+namespace {
+
+class CoarseDrawingTest : public testing::Test
+{
+protected:
+    static void SetUpTestSuite() { initialiseProgramOnce("CoarseDrawingTest"); }
+
+    QWidget area;
+    WindowViewer viewer{&area};
+    CoarseDrawing drawing{viewer};
+};
+
+TEST_F(CoarseDrawingTest, LastsUntilNothingHasChangedForAMoment)
+{
+    EXPECT_FALSE(viewer.isDrawnCoarsely());
+    for (int step = 0; step < 5; ++step) {
+        drawing.noteChange();
+        EXPECT_TRUE(viewer.isDrawnCoarsely());
+        EXPECT_TRUE(drawing.isChanging());
+        QTest::qWait(20);
+    }
+    EXPECT_TRUE(comesTo([this] { return !drawing.isChanging(); }));
+    EXPECT_FALSE(viewer.isDrawnCoarsely());
+}
+
+TEST_F(CoarseDrawingTest, LastsWhileItPlays)
+{
+    drawing.setPlaying(true);
+    drawing.noteChange();
+    QTest::qWait(500);
+    EXPECT_TRUE(viewer.isDrawnCoarsely());
+    drawing.setPlaying(false);
+    EXPECT_FALSE(viewer.isDrawnCoarsely());
+}
+
+class CoarseWindowTest : public DataWindowTest
+{
+};
+
+TEST_F(CoarseWindowTest, AStyleThatIsChangedIsDrawnSoAndThenFinely)
+{
+    ASSERT_NO_FATAL_FAILURE(openText("-1 0 0\n0 0.1 0\n1 0 0\n", "rod.txt"));
+    ASSERT_TRUE(comesToBePainted());
+    for (const auto& [name, value] : {std::pair("radius", "0.2"), {"tube-colour", "red"}}) {
+        StyleRequest style = window->getStyle();
+        ASSERT_EQ(settingOf(name).read(value, style), "");
+        bool isShown = false;
+        const auto watch =
+            QObject::connect(window.get(), &MainWindow::styleShown, [&isShown] { isShown = true; });
+        window->setStyle(style);
+        EXPECT_TRUE(comesTo([&isShown] { return isShown; })) << name;
+        EXPECT_TRUE(window->isRestyling()) << name;
+        EXPECT_TRUE(comesTo([this] { return !window->isRestyling(); })) << name;
+        QObject::disconnect(watch);
+    }
+}
+
+} // namespace
+
+} // namespace strandview
