@@ -40,6 +40,7 @@ void SoQtGeneralViewerDialog::setupUi()
     zoomLineEdit = new QLineEdit(zoomText(*viewer), container);
     zoomLineEdit->setObjectName("zoomLineEdit");
     zoomLineEdit->setMaximumWidth(80);
+    label->setBuddy(zoomLineEdit);
     connect(zoomLineEdit, SIGNAL(returnPressed()), SLOT(setCameraZoom()));
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(label);

@@ -74,11 +74,13 @@ CurvePanel::CurvePanel(QWidget* parent) : QWidget(parent)
     setObjectName("curvePanel");
     list = new QListWidget(this);
     list->setObjectName("plotScalars");
+    list->setAccessibleName("Numbers that are plotted");
     list->setMinimumHeight(LEAST_LIST_HEIGHT);
     list->setMaximumHeight(LIST_HEIGHT);
     list->setSelectionMode(QAbstractItemView::NoSelection);
     axis = new QComboBox(this);
     axis->setObjectName("plotAxis");
+    axis->setAccessibleName("What they are plotted over");
     axis->addItems({"Over arc length", "Over numbers", "Over frames seen"});
     saveButton = new QPushButton("Save...", this);
     saveButton->setObjectName("plotSave");
@@ -92,6 +94,7 @@ CurvePanel::CurvePanel(QWidget* parent) : QWidget(parent)
     scrolled->setFrameShape(QFrame::NoFrame);
     scrolled->setWidget(stack);
     scrolled->setMinimumHeight(LEAST_HEIGHT);
+    scrolled->setFocusPolicy(Qt::NoFocus);
 
     auto* row = new QHBoxLayout;
     row->addWidget(axis, 1);

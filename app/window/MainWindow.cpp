@@ -17,6 +17,7 @@
 #include <QDropEvent>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMainWindow>
@@ -24,6 +25,7 @@
 #include <QMenuBar>
 #include <QMimeData>
 #include <QSettings>
+#include <QSpinBox>
 #include <QStatusBar>
 #include <QTimer>
 #include <QToolBar>
@@ -93,6 +95,18 @@ void showPanel(QDockWidget& dock, bool on)
         dock.raise();
 }
 
+// Of the field that has the keyboard, before it is left.
+void forgetTyping()
+{
+    QWidget* const field = QApplication::focusWidget();
+    if (auto* const line = qobject_cast<QLineEdit*>(field))
+        line->setModified(false);
+    else if (auto* const count = qobject_cast<QSpinBox*>(field))
+        count->setValue(count->value());
+    else if (auto* const number = qobject_cast<QDoubleSpinBox*>(field))
+        number->setValue(number->value());
+}
+
 bool isAscii(const QString& text)
 {
     return std::all_of(text.begin(), text.end(), [](QChar c) { return c.unicode() < 128; });
@@ -135,10 +149,13 @@ MainWindow::MainWindow(const Options& startOptions, Loader sceneLoader, SeriesOp
     buildPanels();
     restoreWindow(); // before SoQt, which shows the whole window with the view
     viewer->show();
+    viewer->getGLWidget()->setAccessibleName("View");
     buildPlayBar();
     buildStatusBar();
     setupUi();
-    acceptDecimalComma(*findChild<QLineEdit*>("zoomLineEdit"));
+    zoomLineEdit->setMaximumWidth( // of large letters, too
+        std::max(80, zoomLineEdit->fontMetrics().horizontalAdvance("0.00000e+000")));
+    acceptDecimalComma(*zoomLineEdit);
     acceptDecimalComma(*findChild<QDoubleSpinBox*>("multDoubleSpinBox"));
 
     followMode();
@@ -188,6 +205,7 @@ QWidget* MainWindow::buildView()
         viewer->setBackgroundColor(background);
     viewer->setSceneGraph(new SoSeparator); // without one the view stays black
     viewer->addResizeCB(refit, this);
+    ownedViewer->onTab = [this](bool isForward) { focusNextPrevChild(isForward); };
     coarseDrawing = std::make_unique<CoarseDrawing>(*viewer);
     ownedViewer->onHome = [this] { goHome(); };
     ownedViewer->onFrame = [this] { emit frameDrawn(); };
@@ -1222,6 +1240,19 @@ void MainWindow::setFullScreen(bool full)
 {
     setWindowState(full ? windowState() | Qt::WindowFullScreen
                         : windowState() & ~Qt::WindowFullScreen);
+}
+
+// The view has an Esc of its own: this one comes from beside it.
+void MainWindow::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() != Qt::Key_Escape || viewer->getGLWidget()->hasFocus()) {
+        SoQtGeneralViewerDialog::keyPressEvent(event);
+        return;
+    }
+    forgetTyping();
+    tellStyle();
+    update3DZoom();
+    viewer->getGLWidget()->setFocus();
 }
 
 void MainWindow::changeEvent(QEvent* event)

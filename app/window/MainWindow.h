@@ -157,6 +157,8 @@ public slots:
     void showAbout();
 
 protected:
+    /// Esc, beside the view: gives the keyboard back to it, and forgets what was typed.
+    void keyPressEvent(QKeyEvent* event) override;
     void changeEvent(QEvent* event) override;
     void done(int result) override;
     void dragEnterEvent(QDragEnterEvent* event) override;

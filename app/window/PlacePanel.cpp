@@ -42,6 +42,7 @@ PlacePanel::PlacePanel(QWidget* parent)
     layout->addWidget(page, 1);
     layout->addWidget(copyButton);
     page->setObjectName("placeText");
+    page->setAccessibleName("Numbers");
     page->setReadOnly(true);
     page->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     page->setLineWrapMode(QTextEdit::NoWrap);

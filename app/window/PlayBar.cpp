@@ -80,6 +80,7 @@ QWidget* PlayBar::makeFrameRow(const std::vector<QAction*>& buttons)
     }
     slider = new QSlider(Qt::Horizontal, row);
     slider->setObjectName("frameSlider");
+    slider->setAccessibleName("Frame, slider");
     auto* style = new JumpStyle;
     style->setParent(slider);
     slider->setStyle(style);
@@ -87,6 +88,7 @@ QWidget* PlayBar::makeFrameRow(const std::vector<QAction*>& buttons)
     connect(slider, &QSlider::valueChanged, this, &PlayBar::frameChosen);
     layout->addWidget(slider, 1);
     field = makeField("frameField", "The frame, counted from 0");
+    field->setAccessibleName("Frame");
     connect(field, QOverload<int>::of(&QSpinBox::valueChanged), this, &PlayBar::frameChosen);
     layout->addWidget(field);
     label = new QLabel(row);
@@ -101,12 +103,16 @@ QWidget* PlayBar::makeOrderRow(double framesPerSecond)
     auto* row = new QWidget(this);
     QHBoxLayout* layout = makeRow(row);
     const auto add = [&](const QString& name, QWidget* widget) {
-        if (!name.isEmpty())
-            layout->addWidget(new QLabel(name, row));
+        if (!name.isEmpty()) {
+            auto* beside = new QLabel(name, row);
+            beside->setBuddy(widget);
+            layout->addWidget(beside);
+        }
         layout->addWidget(widget);
     };
     repeat = new QComboBox(row);
     repeat->setObjectName("repeatBox");
+    repeat->setAccessibleName("How often it is played");
     repeat->addItems({"Once", "Loop", "To and fro"}); // as PlayOrder::Repeat
     repeat->setFocusPolicy(Qt::NoFocus);
     connect(repeat, QOverload<int>::of(&QComboBox::currentIndexChanged), this,

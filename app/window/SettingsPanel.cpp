@@ -23,6 +23,7 @@ SettingsPanel::SettingsPanel(const std::vector<std::string>& groups, QWidget* pa
     auto* area = new QScrollArea(this);
     area->setWidgetResizable(true);
     area->setFrameShape(QFrame::NoFrame);
+    area->setFocusPolicy(Qt::NoFocus); // it follows what has the keyboard
     area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     auto* page = new QWidget;
     auto* form = new QFormLayout(page);

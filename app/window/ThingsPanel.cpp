@@ -83,6 +83,7 @@ ThingsPanel::ThingsPanel(QWidget* parent)
     layout->setContentsMargins(4, 4, 4, 4);
     layout->addWidget(list, 1);
     list->setObjectName("thingsList");
+    list->setAccessibleName("Things");
     list->setModel(model);
     list->setItemDelegateForColumn(ThingsModel::NAME, new NameEditing(list));
     list->setSelectionMode(QAbstractItemView::ExtendedSelection);
@@ -158,7 +159,6 @@ void ThingsPanel::addButton(int row, int column, const char* text, const char* n
     button->setObjectName(name);
     button->setToolTip(help);
     button->setAutoDefault(false);
-    button->setMinimumWidth(1); // as narrow as the panel
     connect(button, &QPushButton::clicked, this, [does = std::move(does)] { does(); });
     static_cast<QGridLayout*>(layout()->itemAt(1)->layout())->addWidget(button, row, column);
 }

@@ -1,16 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "window/WindowViewer.h"
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
 #include <Inventor/SoPickedPoint.h>
 #include <Inventor/SoSceneManager.h>
 #include <Inventor/actions/SoRayPickAction.h>
+#include <Inventor/events/SoKeyboardEvent.h>
 #include <Inventor/events/SoLocation2Event.h>
 #include <Inventor/events/SoMouseButtonEvent.h>
 #include <Inventor/nodes/SoCamera.h>
 #include <Inventor/nodes/SoSeparator.h>
+#include <QPushButton>
 #include <QWidget>
 
 #include <SoGeneralScene.h>
@@ -30,7 +33,18 @@ WindowViewer::WindowViewer(QWidget* parent) : SoQtGeneralViewer(parent)
 {
     setFeedbackVisibility(FALSE); // a cross over the scene, with yellow letters
     cameraWatcher.setPriority(0);
+    nameButtons();
     cameraTeller.setPriority(0); // or it does not know the field
+}
+
+// Those beside the wheels, in their order, which have pictures alone.
+void WindowViewer::nameButtons()
+{
+    static const QStringList names{
+        "Picking", "Turning", "Home", "Set home", "View all", "Seek", "Perspective or parallel"};
+    const QList<QPushButton*> buttons = getBaseWidget()->findChildren<QPushButton*>();
+    for (int i = 0; i < std::min(buttons.size(), names.size()); ++i)
+        buttons[i]->setAccessibleName(names[i]);
 }
 
 // SoQt takes the camera that it makes for the new home; and near what is long along the
@@ -102,6 +116,10 @@ void WindowViewer::setViewing(SbBool viewing)
 
 SbBool WindowViewer::processSoEvent(const SoEvent* const event)
 {
+    if (onTab && SO_KEY_PRESS_EVENT(event, TAB)) {
+        onTab(!event->wasShiftDown());
+        return TRUE;
+    }
     hasPicked = false;
     isShiftDown = event->wasShiftDown();
     followButton(event);

@@ -35,7 +35,9 @@ public:
     /// The mouse has moved to there, in the view's pixels
     std::function<void(const SbVec2s& place)> onMove;
     std::function<void()> onCamera; ///< after a change of what the camera shows
-    std::function<void()> onMode;   ///< after a change between turning and picking
+    /// The key that goes to the next control, or with Shift to the one before
+    std::function<void(bool isForward)> onTab;
+    std::function<void()> onMode; ///< after a change between turning and picking
 
     CameraRequest home;             ///< where the scene is seen from at the beginning
     bool picksWhileTurning = false; ///< clicks of the left button, too, that turn nothing
@@ -70,6 +72,7 @@ protected:
     void sizeChanged(const SbVec2s& size) override;
 
 private:
+    void nameButtons();
     static void turnAxes(void* viewer, SoSensor* sensor);
     static void tellCamera(void* viewer, SoSensor* sensor);
     void followButton(const SoEvent* event);
