@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "window/CoarseDrawing.h"
 
-#include <SoQtGeneralViewer.h>
+#include <utility>
 
 namespace strandview {
 
@@ -12,7 +12,8 @@ const int REST = 300; // milliseconds
 
 } // namespace
 
-CoarseDrawing::CoarseDrawing(SoQtGeneralViewer& viewerThatDraws) : viewer(viewerThatDraws)
+CoarseDrawing::CoarseDrawing(std::function<void(bool coarse)> howToDraw)
+    : draw(std::move(howToDraw))
 {
     rest.setSingleShot(true);
     rest.setInterval(REST);
@@ -31,6 +32,6 @@ void CoarseDrawing::setPlaying(bool on)
     follow();
 }
 
-void CoarseDrawing::follow() { viewer.drawCoarsely(isPlaying || rest.isActive()); }
+void CoarseDrawing::follow() { draw(isPlaying || rest.isActive()); }
 
 } // namespace strandview

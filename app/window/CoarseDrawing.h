@@ -2,21 +2,20 @@
 #ifndef STRANDVIEW_APP_WINDOW_COARSEDRAWING_H
 #define STRANDVIEW_APP_WINDOW_COARSEDRAWING_H
 
+#include <functional>
+
 #include <QObject>
 #include <QTimer>
 
-class SoQtGeneralViewer;
-
 namespace strandview {
 
-/// Lets a viewer draw with jagged edges what its user is changing, which takes a fraction of the
-/// time, and once more with smooth ones when nothing has changed for a moment. What plays is drawn
-/// so all the time.
+/// Lets be drawn coarsely what its user is changing, which takes a fraction of the time, and once
+/// more finely when nothing has changed for a moment. What plays is drawn so all the time.
 class CoarseDrawing : public QObject
 {
 public:
-    /// The viewer outlives it.
-    explicit CoarseDrawing(SoQtGeneralViewer& viewer);
+    /// draw: draws all coarsely from now on, or finely; called also where that is so already.
+    explicit CoarseDrawing(std::function<void(bool coarse)> draw);
 
     /// Something is being changed, or shown that was.
     void noteChange();
@@ -27,7 +26,7 @@ public:
 private:
     void follow();
 
-    SoQtGeneralViewer& viewer;
+    const std::function<void(bool coarse)> draw;
     QTimer rest; ///< since the last change
     bool isPlaying = false;
 };

@@ -206,7 +206,11 @@ QWidget* MainWindow::buildView()
     viewer->setSceneGraph(new SoSeparator); // without one the view stays black
     viewer->addResizeCB(refit, this);
     ownedViewer->onTab = [this](bool isForward) { focusNextPrevChild(isForward); };
-    coarseDrawing = std::make_unique<CoarseDrawing>(*viewer);
+    coarseDrawing = std::make_unique<CoarseDrawing>([this](bool coarse) {
+        viewer->drawCoarsely(coarse);
+        if (scene)
+            scene->drawCoarsely(coarse);
+    });
     ownedViewer->onHome = [this] { goHome(); };
     ownedViewer->onFrame = [this] { emit frameDrawn(); };
     return area;
@@ -668,7 +672,6 @@ void MainWindow::beginToPlay(const ReadReport& report, const Start& start)
         *playBar);
     connect(player.get(), &Player::playingChanged, (*menus)[Command::PLAY], &QAction::setChecked);
     connect(player.get(), &Player::playingChanged, this, [this](bool on) {
-        scene->drawCoarsely(on);
         coarseDrawing->setPlaying(on);
     });
     connect(player.get(), &Player::failed, this, [this](std::size_t of, const std::string& error) {
@@ -914,7 +917,8 @@ void MainWindow::setStyle(const StyleRequest& next)
     if (!scene || !scene->getData())
         return;
     if (!isReadAgain) {
-        restyle();
+        if (!showBackgroundAlone())
+            restyle();
         return;
     }
     readAgain(); // readers compare
@@ -927,6 +931,20 @@ void MainWindow::showBackground()
     const SbColor background = toSbColor(options.background);
     if (background != viewer->getBackgroundColor())
         viewer->setBackgroundColor(background);
+}
+
+// All else is as it is shown.
+bool MainWindow::showBackgroundAlone()
+{
+    StyleRequest shown = shownStyle;
+    shown.background = options.background;
+    if (restyler.isAtWork() || shown != options)
+        return false;
+    shownStyle = shown;
+    followViewer();
+    coarseDrawing->noteChange();
+    emit styleShown();
+    return true;
 }
 
 // One that was asked for and did not come would keep other files from being read.

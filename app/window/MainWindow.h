@@ -191,6 +191,8 @@ private:
     /// Prepares the style that is asked for, of the frame that is shown.
     void restyle();
     void showStyle(Restyler::Result& result);
+    /// Whether nothing but the background is another; then it is shown.
+    bool showBackgroundAlone();
     void dropComparison();
     void showBackground();
     void abandonJob();

@@ -2,12 +2,10 @@
 #include "window/CoarseDrawing.h"
 
 #include <QTest>
-#include <QWidget>
 #include <gtest/gtest.h>
 
 #include "DataWindowTest.h"
 #include "request/settings.h"
-#include "window/WindowViewer.h"
 
 namespace strandview {
 
@@ -18,22 +16,21 @@ class CoarseDrawingTest : public testing::Test
 protected:
     static void SetUpTestSuite() { initialiseProgramOnce("CoarseDrawingTest"); }
 
-    QWidget area;
-    WindowViewer viewer{&area};
-    CoarseDrawing drawing{viewer};
+    bool isCoarse = false;
+    CoarseDrawing drawing{[this](bool coarse) { isCoarse = coarse; }};
 };
 
 TEST_F(CoarseDrawingTest, LastsUntilNothingHasChangedForAMoment)
 {
-    EXPECT_FALSE(viewer.isDrawnCoarsely());
+    EXPECT_FALSE(isCoarse);
     for (int step = 0; step < 5; ++step) {
         drawing.noteChange();
-        EXPECT_TRUE(viewer.isDrawnCoarsely());
+        EXPECT_TRUE(isCoarse);
         EXPECT_TRUE(drawing.isChanging());
         QTest::qWait(20);
     }
     EXPECT_TRUE(comesTo([this] { return !drawing.isChanging(); }));
-    EXPECT_FALSE(viewer.isDrawnCoarsely());
+    EXPECT_FALSE(isCoarse);
 }
 
 TEST_F(CoarseDrawingTest, LastsWhileItPlays)
@@ -41,9 +38,9 @@ TEST_F(CoarseDrawingTest, LastsWhileItPlays)
     drawing.setPlaying(true);
     drawing.noteChange();
     QTest::qWait(500);
-    EXPECT_TRUE(viewer.isDrawnCoarsely());
+    EXPECT_TRUE(isCoarse);
     drawing.setPlaying(false);
-    EXPECT_FALSE(viewer.isDrawnCoarsely());
+    EXPECT_FALSE(isCoarse);
 }
 
 class CoarseWindowTest : public DataWindowTest
@@ -66,6 +63,21 @@ TEST_F(CoarseWindowTest, AStyleThatIsChangedIsDrawnSoAndThenFinely)
         EXPECT_TRUE(comesTo([this] { return !window->isRestyling(); })) << name;
         QObject::disconnect(watch);
     }
+}
+
+TEST_F(CoarseWindowTest, ABackgroundIsShownAtOnceAndNothingElseIsDoneForIt)
+{
+    ASSERT_NO_FATAL_FAILURE(openText("-1 0 0\n0 0.1 0\n1 0 0\n", "rod.txt"));
+    ASSERT_TRUE(comesToBePainted());
+    StyleRequest style = window->getStyle();
+    style.background = {0, 0, 1};
+    bool isShown = false;
+    QObject::connect(window.get(), &MainWindow::styleShown, [&isShown] { isShown = true; });
+    window->setStyle(style);
+    EXPECT_TRUE(isShown) << "without waiting for another thread";
+    ASSERT_TRUE(comesToBePainted());
+    EXPECT_EQ(screen().pixelColor(5, 5), QColor(Qt::blue));
+    EXPECT_TRUE(window->getStyle() == style);
 }
 
 } // namespace
