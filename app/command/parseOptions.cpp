@@ -528,6 +528,15 @@ std::string lookOf(const CLI::App& app)
     return text;
 }
 
+// "rod 2: hidden; rod 3: hidden".
+std::string joined(const std::vector<std::string>& texts)
+{
+    std::string all;
+    for (const std::string& text : texts)
+        all += (all.empty() ? "" : "; ") + text;
+    return all;
+}
+
 void addSetting(CLI::App& app, const Setting& setting, StyleRequest& request)
 {
     const std::string name = "--" + std::string(setting.name);
@@ -541,6 +550,13 @@ void addSetting(CLI::App& app, const Setting& setting, StyleRequest& request)
         option = app.add_flag_function(
             name + ",!--no-" + setting.name,
             [read](std::int64_t count) { read(count > 0 ? "on" : "off"); }, setting.help);
+    else if (setting.kind == SettingKind::THINGS)
+        option =
+            app.add_option_function<std::vector<std::string>>(
+                   name, [read](const std::vector<std::string>& texts) { read(joined(texts)); },
+                   setting.help)
+                ->type_name(setting.values)
+                ->allow_extra_args(false);
     else
         option = app.add_option_function<std::string>(name, read, setting.help)
                      ->type_name(setting.values);

@@ -8,6 +8,7 @@
 #include "request/Colour.h"
 #include "request/ColourMap.h"
 #include "request/LegendLook.h"
+#include "request/ThingLook.h"
 
 namespace strandview {
 
@@ -40,6 +41,7 @@ struct StyleRequest
     std::optional<Colour> tubeColour;
     std::optional<Colour> ribbonColour;
     Colour background{1, 1, 1};
+    ThingLooks things; ///< single ones
 
     /// A file whose first frame others are compared with, by scalars; "first" is that of the
     /// series.

@@ -6,11 +6,13 @@
 #include <cmath>
 #include <cstdio>
 #include <sstream>
+#include <utility>
 
 #include <strandview/formats/text/wording.h>
 
 #include "request/limits.h"
 #include "request/parseNumber.h"
+#include "request/thingTexts.h"
 
 namespace strandview {
 
@@ -188,6 +190,25 @@ std::string readDnaUnit(const std::string& text, StyleRequest& request)
 
 void clearDnaUnit(StyleRequest& request) { request.dna.angstrom = 1; }
 
+// Single things
+
+Text valueOfThings(const StyleRequest& request)
+{
+    std::string all;
+    for (const std::string& text : textsOf(request.things))
+        all += (all.empty() ? "" : "; ") + text;
+    return all.empty() ? Text() : all;
+}
+
+std::string readAllThings(const std::string& text, StyleRequest& request)
+{
+    ThingLooks things;
+    std::string fault = readThings(text, things);
+    if (fault.empty())
+        request.things = std::move(things);
+    return fault;
+}
+
 // Colours of data
 
 // One side of a range; empty leaves it open.
@@ -318,6 +339,7 @@ std::string readLegendFormat(const std::string& text, StyleRequest& request)
 const char* const LOOK = "Look";
 const char* const DNA = "DNA";
 const char* const COLOURS = "Colour by data";
+const char* const THINGS = "Things";
 
 // Changes no shape: recolourScene() shows it.
 Setting ofColours(Setting row)
@@ -472,7 +494,12 @@ std::vector<Setting> makeSettings()
                &valueOfDna, &readDna, &clearDna}),
         among({"angstrom", "nm"}, {"dna-unit", SettingKind::CHOICE, "Unit of DNA", DNA, "UNIT",
                                    "Unit of a DNA's points: angstrom or nm [angstrom]",
-                                   &valueOfDnaUnit, &readDnaUnit, &clearDnaUnit})};
+                                   &valueOfDnaUnit, &readDnaUnit, &clearDnaUnit}),
+        {"thing", SettingKind::THINGS, "Things", THINGS, "THING: LOOK",
+         "How one thing looks, as often as there are such: 'rod 2: hidden', 'rods 3-5: colour=red, "
+         "name=Left arm', 'others: hidden'; things are rod, birod, marker, arrow, DNA and frame, "
+         "counted from 1 over all files, and bases, those without a partner",
+         &valueOfThings, &readAllThings, &clear<&Request::things>}};
 }
 
 } // namespace
@@ -519,6 +546,9 @@ std::vector<std::string> argumentsOf(const StyleRequest& request)
         const std::string name = setting.name;
         if (setting.kind == SettingKind::SWITCH) {
             arguments.push_back((*text == "on" ? "--" : "--no-") + name);
+        } else if (setting.kind == SettingKind::THINGS) {
+            for (const std::string& thing : textsOf(request.things))
+                arguments.insert(arguments.end(), {"--" + name, thing});
         } else {
             arguments.push_back("--" + name);
             arguments.push_back(*text);
@@ -539,6 +569,13 @@ bool operator==(const StyleRequest& a, const StyleRequest& b)
     return std::all_of(settings().begin(), settings().end(), [&](const Setting& setting) {
         return setting.value(a) == setting.value(b);
     });
+}
+
+bool areOfSameNodes(const StyleRequest& shown, const StyleRequest& next)
+{
+    StyleRequest withNextThings = shown;
+    withNextThings.things = next.things;
+    return withNextThings == next && areOfSameNodes(shown.things, next.things);
 }
 
 } // namespace strandview

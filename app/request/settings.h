@@ -23,7 +23,8 @@ enum class SettingKind {
     TEXT, ///< a line, which may be empty
     NUMBER_FORMAT,
     COLOUR_MAP,
-    REFERENCE ///< a file, or "first"
+    REFERENCE, ///< a file, or "first"
+    THINGS     ///< how single ones look, with semicolons; the option is given for each
 };
 
 /// One thing that a style request says, which is a text: that of its option, its control and its
@@ -72,6 +73,10 @@ bool differInColoursAlone(const StyleRequest& a, const StyleRequest& b);
 /// Whether both say the same.
 bool operator==(const StyleRequest& a, const StyleRequest& b);
 inline bool operator!=(const StyleRequest& a, const StyleRequest& b) { return !(a == b); }
+
+/// Whether a scene that shows one can show the other without other nodes: they differ at most in
+/// which things are hidden, their names and new colours of theirs.
+bool areOfSameNodes(const StyleRequest& shown, const StyleRequest& next);
 
 } // namespace strandview
 

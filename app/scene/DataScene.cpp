@@ -18,6 +18,7 @@
 
 #include <strandview/analysis/doubleStrands.h>
 
+#include "request/conversions.h"
 #include "scene/Legend.h"
 
 namespace strandview {
@@ -57,7 +58,7 @@ void placeOnLine(const std::vector<double>& rows, double arcLength, double reach
 
 // By the name that its user gave it, or else its own: of several in one datum each has one. And
 // with the letters there.
-void tellOf(const ShownDatum& datum, const DataScene::Look& look, PickedPlace& place)
+void tellOf(const ShownDatum& datum, const ThingLook& look, PickedPlace& place)
 {
     const bool isPart = !datum.parts.empty();
     if (isPart && place.datum >= datum.parts.size())
@@ -112,9 +113,10 @@ void DataScene::add(std::size_t kind, const ShownDatum& datum)
 {
     setCoarse(datum, coarse);
     while (kinds.size() <= kind) {
-        kinds.push_back({new SoGroup, {}});
+        kinds.push_back({new SoGroup, ThingKind::OTHER, {}});
         addChanging(kinds.back().group);
     }
+    kinds[kind].kind = datum.kind;
     things[datum.group] = {kind, kinds[kind].data.size()};
     kinds[kind].data.push_back(datum);
     kinds[kind].group->addChild(datum.group);
@@ -159,54 +161,19 @@ const ShownDatum& DataScene::datumOf(const Thing& thing) const
     return kinds[thing.kind].data[thing.index];
 }
 
-DataScene::Look DataScene::getLook(const Thing& thing) const
+ThingId DataScene::idOf(const Thing& thing) const
 {
-    const auto known = looks.ofThings.find(thing);
-    if (known != looks.ofThings.end())
-        return known->second;
-    Look other;
-    other.isHidden = looks.areOthersHidden;
-    return other;
+    return {thing.kind < kinds.size() ? kinds[thing.kind].kind : ThingKind::OTHER, thing.index};
 }
 
-void DataScene::setLook(const Thing& thing, const Look& look)
+ThingLook DataScene::lookOf(ThingKind kind, std::size_t datum) const
 {
-    looks.ofThings[thing] = look;
-    showLook(thing);
-    if (onLook)
-        onLook();
+    return getLooks().of({kind, kind == ThingKind::LONE_BASES ? 0 : datum});
 }
 
-DataScene::Look DataScene::lookOf(ThingKind kind, std::size_t datum) const
+void DataScene::setLooks(const ThingLooks& looks)
 {
-    for (std::size_t i = 0; i < kinds.size(); ++i) {
-        if (!kinds[i].data.empty() && kinds[i].data.front().kind == kind)
-            return getLook({i, kind == ThingKind::LONE_BASES ? 0 : datum});
-    }
-    return {};
-}
-
-void DataScene::showOnly(const std::set<Thing>& shown)
-{
-    looks.areOthersHidden = true;
-    for (auto& [thing, look] : looks.ofThings)
-        look.isHidden = shown.count(thing) == 0;
-    for (const Thing& thing : shown)
-        looks.ofThings[thing].isHidden = false;
-    showLooks();
-}
-
-void DataScene::showAll()
-{
-    looks.areOthersHidden = false;
-    for (auto& [thing, look] : looks.ofThings)
-        look.isHidden = look.isDeleted = false;
-    showLooks();
-}
-
-void DataScene::setLooks(const Looks& ofOther)
-{
-    looks = ofOther;
+    style.things = looks;
     showLooks();
 }
 
@@ -223,9 +190,9 @@ void DataScene::showLook(const Thing& thing)
 {
     if (!has(thing))
         return;
-    const Look look = getLook(thing);
+    const ThingLook look = getLook(thing);
     const ShownDatum& datum = datumOf(thing);
-    const bool isHidden = look.isHidden || look.isDeleted;
+    const bool isHidden = look.isHidden() || look.isDeleted;
     SoGroup& group = *kinds[thing.kind].group;
     SoNode* const shown = group.getChild(int(thing.index));
     if (shown != datum.group) {
@@ -236,7 +203,7 @@ void DataScene::showLook(const Thing& thing)
         group.replaceChild(int(thing.index), hiding);
     }
     if (look.colour && datum.setColour)
-        datum.setColour(datum, *look.colour);
+        datum.setColour(datum, toSbColor(*look.colour));
 }
 
 const SbBox3f& DataScene::getBox() const

@@ -3,10 +3,8 @@
 #define STRANDVIEW_APP_SCENE_DATASCENE_H
 
 #include <functional>
-#include <map>
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
 #include <unordered_map>
 #include <utility>
@@ -18,6 +16,7 @@
 #include "request/CameraRequest.h"
 #include "request/Colour.h"
 #include "request/FreeEdges.h"
+#include "request/ThingLook.h"
 #include "scene/Colouring.h"
 #include "scene/PickedPlace.h"
 #include "scene/Placement.h"
@@ -59,36 +58,21 @@ public:
     const std::shared_ptr<const Configuration>& getData() const { return data; }
     void setData(std::shared_ptr<const Configuration> shown) { data = std::move(shown); }
 
-    // What its user changes of a datum. It stays what it is in other frames, also in those after
-    // one that has fewer data.
-
-    struct Look
-    {
-        bool isHidden = false;
-        bool isDeleted = false;          ///< from view: as hidden, and in no list
-        std::optional<std::string> name; ///< instead of its own, also where a pick is told
-        std::optional<SbColor> colour;   ///< instead of its own
-    };
-    struct Looks
-    {
-        std::map<Thing, Look> ofThings;
-        bool areOthersHidden = false; ///< also of frames to come
-    };
+    // How single things look, at first as the style says: whether they are hidden, their names and
+    // colours follow at once; what of it needs other nodes comes with another style.
 
     /// Those that are shown or hidden, in order.
     std::vector<Thing> getThings() const;
     bool has(const Thing& thing) const { return thing.index < getShown(thing.kind).size(); }
-    Look getLook(const Thing& thing) const;
-    void setLook(const Thing& thing, const Look& look);
-    /// Hides all others, also of frames to come. What was deleted stays so.
-    void showOnly(const std::set<Thing>& things);
-    /// Also what was deleted from view.
-    void showAll();
+    /// What a thing is, by which its look is known; that is there, or was once of its kind.
+    ThingId idOf(const Thing& thing) const;
+    ThingLook getLook(const Thing& thing) const { return getLooks().of(idOf(thing)); }
     /// Of a datum by what it is and which of these; of lone bases, which are one together, of any.
-    Look lookOf(ThingKind kind, std::size_t datum) const;
-    const Looks& getLooks() const { return looks; }
-    /// Those of another scene, for what is there and what comes.
-    void setLooks(const Looks& ofOther);
+    ThingLook lookOf(ThingKind kind, std::size_t datum) const;
+    const ThingLooks& getLooks() const { return style.things; }
+    /// For what is there and what comes. A colour of its own that was replaced is not there any
+    /// more: areOfSameNodes().
+    void setLooks(const ThingLooks& looks);
 
     /// The box that all data lie in, and the room that is kept for other frames.
     const SbBox3f& getBox() const;
@@ -145,7 +129,7 @@ public:
 
     /// Called with what the user picks, if set.
     std::function<void(const SoPickedPoint&)> onPick;
-    /// Called after each change of a look, if set.
+    /// Called after each change of looks, if set.
     std::function<void()> onLook;
 
     /// The box as it was told: what Coin makes of many turned boxes, such as a DNA's, is
@@ -170,13 +154,13 @@ private:
     struct Kind
     {
         SoGroup* group; ///< owned by the graph
+        ThingKind kind; ///< of its data
         std::vector<ShownDatum> data;
     };
     Placement placement;
     Style style;
     std::vector<Kind> kinds;
     std::shared_ptr<const Configuration> data;
-    Looks looks;
     std::unordered_map<const SoNode*, Thing> things; ///< by the groups of data
     mutable std::optional<SbBox3f> box;              ///< nothing where it is to be found anew
     SbBox3f room;                                    ///< for other frames

@@ -8,7 +8,7 @@
 
 #include <algebra3d/Vector3.h>
 
-#include "scene/ThingKind.h"
+#include "request/ThingKind.h"
 #include "scene/Told.h"
 
 namespace strandview {

@@ -232,16 +232,17 @@ std::string showFrame(DataScene& scene, const Configuration& data, const Style& 
         scene, {data, style, geometry.placement, colouring, scene.areColoursShown(), geometry},
         nodes);
     std::string error = change.prepare(progress);
-    if (error.empty())
-        change.commit();
-    return error;
+    if (!error.empty())
+        return error;
+    if (nodes == FrameChange::NEW)
+        scene.restyle(geometry.placement, style);
+    change.commit();
+    return "";
 }
 
 // Of a scene whose data have it already.
-void showStyle(DataScene& scene, const Placement& placement, const Style& style,
-               const Colouring* colouring)
+void show(DataScene& scene, const Colouring* colouring)
 {
-    scene.restyle(placement, style);
     if (colouring)
         scene.setColouring(*colouring);
     else
@@ -321,7 +322,7 @@ std::string restyleScene(DataScene& scene, const Configuration& data, const Styl
         showFrame(scene, data, style, colouring, geometry, FrameChange::NEW, progress);
     if (!error.empty())
         return error;
-    showStyle(scene, geometry.placement, style, colouring);
+    show(scene, colouring);
     return "";
 }
 
@@ -333,6 +334,7 @@ void recolourScene(DataScene& scene, const Style& style, const Colouring* colour
            (colouring->rods == data.rods.size() && colouring->birods == data.birods.size()));
     const Builders builders =
         makeBuilders({data, style, scene.getPlacement(), colouring, scene.areColoursShown(), none});
+    scene.restyle(scene.getPlacement(), style);
     for (std::size_t kind = 0; kind < builders.size(); ++kind) {
         for (std::size_t i = 0; i < scene.getShown(kind).size(); ++i) {
             ShownDatum datum = scene.getShown(kind)[i];
@@ -340,7 +342,7 @@ void recolourScene(DataScene& scene, const Style& style, const Colouring* colour
             scene.change(kind, i, datum);
         }
     }
-    showStyle(scene, scene.getPlacement(), style, colouring);
+    show(scene, colouring);
 }
 
 std::string updateScene(DataScene& scene, const Configuration& next, const Colouring* colouring,

@@ -8,7 +8,7 @@
 #include <Inventor/SbBox3f.h>
 #include <Inventor/SbColor.h>
 
-#include "scene/ThingKind.h"
+#include "request/ThingKind.h"
 
 class BiarcTubeMesh;
 class SoNode;

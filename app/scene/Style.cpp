@@ -125,6 +125,7 @@ Style makeStyle(const Options& options, const Configuration& configuration)
     style.ribbonColour = options.ribbonColour.value_or(RIBBON_COLOUR);
     style.background = options.background;
     style.legend = options.legend;
+    style.things = options.things;
     style.legendTextSize = automaticTextSize(options);
     style.glyphSize = configuration.rods.empty() ? diagonal(extent) / 30 : 4 * style.radius;
     style.dna = options.dna;

@@ -32,6 +32,8 @@ struct Style
     LegendLook legend;
     float legendTextSize; ///< in the legend's own view
 
+    ThingLooks things;
+
     double glyphSize; ///< of markers and frames that have none of their own
     DnaLook dna;
 };

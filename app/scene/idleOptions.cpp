@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "request/thingTexts.h"
 #include "scene/Style.h"
 #include "scene/backbones.h"
 
@@ -111,6 +112,49 @@ std::string hiddenRods(const Options& options, const Configuration& data)
                                                  "without frames; --ribbon shows a ribbon";
 }
 
+std::size_t countOf(ThingKind kind, const Configuration& data)
+{
+    switch (kind) {
+    case ThingKind::ROD:
+        return data.rods.size();
+    case ThingKind::BIROD:
+        return data.birods.size();
+    case ThingKind::MARKER:
+        return data.markers.size();
+    case ThingKind::ARROW:
+        return data.arrows.size();
+    case ThingKind::DNA:
+        return data.dnas.size();
+    case ThingKind::LONE_BASES:
+        return data.loneBases.empty() ? 0 : 1;
+    case ThingKind::FRAME:
+        return data.frames.size();
+    case ThingKind::OTHER:
+        break;
+    }
+    return 0;
+}
+
+// "rod 3" is the last there is, and "rod 7" is asked for.
+std::string missingThing(const ThingId& thing, const Configuration& data)
+{
+    const std::size_t count = countOf(thing.kind, data);
+    return "--thing has no effect on " + nameOf(thing) + ": found " +
+           (count == 0 ? "none" : "none behind " + nameOf({thing.kind, count - 1}));
+}
+
+// Of each kind the first.
+std::vector<std::string> findMissingThings(const ThingLooks& looks, const Configuration& data)
+{
+    std::vector<std::string> lines;
+    std::set<ThingKind> told;
+    for (const auto& [thing, look] : looks.ofThings) {
+        if (thing.index >= countOf(thing.kind, data) && told.insert(thing.kind).second)
+            lines.push_back(missingThing(thing, data));
+    }
+    return lines;
+}
+
 } // namespace
 
 std::vector<std::string> findIdleOptions(const Options& options, const Configuration& configuration)
@@ -123,6 +167,10 @@ std::vector<std::string> findIdleOptions(const Options& options, const Configura
         });
         if (broken != std::end(RULES))
             lines.push_back(idle(option, options, broken->reason));
+    }
+    if (std::count(options.given.begin(), options.given.end(), "--thing") > 0) {
+        for (const std::string& line : findMissingThings(options.things, configuration))
+            lines.push_back(line);
     }
     const std::string hidden = hiddenRods(options, configuration);
     if (!hidden.empty())

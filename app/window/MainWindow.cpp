@@ -246,13 +246,17 @@ void MainWindow::buildPanels()
     things = new ThingsPanel(docks);
     things->onCentre = [this](const SbBox3f& box) { centre(box); };
     things->onChosen = [this] { outlineChosen(); };
+    things->onLooks = [this](const ThingLooks& next) {
+        StyleRequest style = options;
+        style.things = next;
+        setStyle(style);
+    };
     thingsDock = addPanel(things, "Things", Command::SHOW_THINGS);
     for (const QDockWidget* dock : {placeDock, thingsDock})
         connect(dock, &QDockWidget::visibilityChanged, this, &MainWindow::followPanels);
     buildCurves();
     lookTimer.setSingleShot(true); // a button changes thousands of looks
     connect(&lookTimer, &QTimer::timeout, this, [this] {
-        history->note();
         places->follow();
         outlineChosen();
         curves->followLooks();
@@ -358,15 +362,13 @@ void MainWindow::showScene(DataScene* newScene, const std::vector<std::string>& 
     const History::Pause pause(*history);
     endPlaying();
     restyler.forget();
-    const DataScene::Looks looks = scene ? scene->getLooks() : DataScene::Looks();
     scene = newScene;
     shownFiles = files;
     scene->onPick = [this](const SoPickedPoint& picked) { pick(picked); };
     scene->onLook = [this] { lookTimer.start(); };
     if (choice == NEW_CAMERA)
         places->forget();
-    else
-        scene->setLooks(looks);
+    scene->setLooks(options.things);
     firstFrame = scene->getData();
     if (firstFrame)
         colourPanel->offerScalars(namesOfScalars(*firstFrame, options.dna.angstrom));
@@ -435,7 +437,7 @@ void MainWindow::outlineChosen()
 {
     std::vector<ThingOutline::Shown> shown;
     for (const Thing& thing : thingsDock->isVisible() ? things->chosen() : ThingsPanel::Things()) {
-        if (scene->getLook(thing).isHidden)
+        if (scene->getLook(thing).isHidden())
             continue;
         const ShownDatum& datum = scene->getShown(thing.kind)[thing.index];
         shown.push_back({datum.group, datum.box});
@@ -482,6 +484,8 @@ void MainWindow::openFiles(const QStringList& names, CameraChoice choice)
     options.frame.reset(); // that was of the first files
     Options asked = options;
     asked.colourIfPossible = true; // other files need not have that scalar
+    if (scene && choice == NEW_CAMERA)
+        asked.things = {}; // nor those things
     load(files, asked, choice, std::nullopt);
 }
 
@@ -509,7 +513,9 @@ void MainWindow::follow(std::unique_ptr<LoadJob> newJob,
     showLoading();
     connect(job.get(), &LoadJob::progressed, loadBar, &LoadBar::setText);
     // Until then the panels may ask for another.
-    const StyleRequest style = asked ? *asked : options;
+    StyleRequest style = asked ? *asked : options;
+    if (!asked && scene && choice == NEW_CAMERA)
+        style.things = {};
     connect(job.get(), &LoadJob::finished, this,
             [this, tell, choice, asked, style](DataScene* loaded, const ReadReport& report) {
                 LoadJob* const ended = job.release();
@@ -523,6 +529,7 @@ void MainWindow::follow(std::unique_ptr<LoadJob> newJob,
                             !asked->session || asked->session->areColoursShown);
                     } else if (scene && choice == NEW_CAMERA) {
                         options.session.reset();
+                        options.things = {}; // of the files before
                     }
                     Start start{std::size_t(options.frame.value_or(0))};
                     if (choice == SAME_CAMERA && player)
@@ -671,9 +678,8 @@ void MainWindow::beginToPlay(const ReadReport& report, const Start& start)
         *scene, loaded, open, FrameStore::Plan{scene->getStyle(), scene->getPlacement(), ofFrames},
         *playBar);
     connect(player.get(), &Player::playingChanged, (*menus)[Command::PLAY], &QAction::setChecked);
-    connect(player.get(), &Player::playingChanged, this, [this](bool on) {
-        coarseDrawing->setPlaying(on);
-    });
+    connect(player.get(), &Player::playingChanged, this,
+            [this](bool on) { coarseDrawing->setPlaying(on); });
     connect(player.get(), &Player::failed, this, [this](std::size_t of, const std::string& error) {
         statusText->tell({toldOfFrame(of, {error, ""})});
         curves->showGap(of);
@@ -910,14 +916,18 @@ void MainWindow::setColours(bool ofData)
 void MainWindow::setStyle(const StyleRequest& next)
 {
     const bool isReadAgain = next.compare != options.compare;
+    const bool isOfSameNodes = areOfSameNodes(options, next);
     static_cast<StyleRequest&>(options) = next;
     history->note();
     tellStyle();
     showBackground();
     if (!scene || !scene->getData())
         return;
+    showThings();
     if (!isReadAgain) {
-        if (!showBackgroundAlone())
+        if (isOfSameNodes && !restyler.isAtWork())
+            shownStyle = options;
+        else if (!showBackgroundAlone())
             restyle();
         return;
     }
@@ -955,6 +965,12 @@ void MainWindow::dropComparison()
     options.compare = shownStyle.compare;
     history->refuse();
     tellStyle();
+}
+
+void MainWindow::showThings()
+{
+    scene->setLooks(options.things);
+    things->follow();
 }
 
 void MainWindow::restyle()
@@ -999,6 +1015,7 @@ void MainWindow::showStyle(Restyler::Result& result)
         if (!restyler.isAtWork())
             static_cast<StyleRequest&>(options) = shownStyle;
         history->refuse();
+        showThings();
         tellStyle();
         return;
     }
@@ -1006,6 +1023,7 @@ void MainWindow::showStyle(Restyler::Result& result)
         scene->setData(result.task.frame);
     const bool isOtherScalar = shownStyle.colourBy != result.task.options.colourBy;
     shownStyle = result.task.options;
+    showThings(); // others may have been hidden meanwhile
     scene->showColours((*menus)[Command::SHOW_COLOURS]->isChecked());
     if (wasFitted && scene->getLegendRoom() != roomBefore) {
         const History::Pause pause(*history);
@@ -1016,7 +1034,6 @@ void MainWindow::showStyle(Restyler::Result& result)
                        isOtherScalar ? FrameStore::NEW_STAGE : FrameStore::SAME_STAGE);
     for (LightingDialog* lights : findChildren<LightingDialog*>())
         lights->updateGUIFromShaders(); // highlights come and go with colours of data
-    things->follow();
     outlineChosen();
     places->follow();
     curves->followLooks();
@@ -1031,10 +1048,8 @@ WindowState MainWindow::getState() const
     WindowState state;
     state.style = options;
     state.areColoursShown = (*menus)[Command::SHOW_COLOURS]->isChecked();
-    if (scene) {
-        state.looks = scene->getLooks();
+    if (scene)
         state.camera = getCameraNumbers();
-    }
     return state;
 }
 
@@ -1043,8 +1058,6 @@ void MainWindow::showState(const WindowState& state)
     const WindowState now = getState();
     if (state.style != now.style)
         setStyle(state.style);
-    scene->setLooks(state.looks);
-    things->follow();
     if (state.areColoursShown != now.areColoursShown) {
         (*menus)[Command::SHOW_COLOURS]->setChecked(state.areColoursShown);
         setColours(state.areColoursShown);

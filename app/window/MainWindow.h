@@ -188,6 +188,8 @@ private:
 
     void buildPanels();
     void buildSettings();
+    /// What of a style needs no preparation: how single things look.
+    void showThings();
     /// Prepares the style that is asked for, of the frame that is shown.
     void restyle();
     void showStyle(Restyler::Result& result);

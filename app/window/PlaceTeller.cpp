@@ -127,7 +127,7 @@ void PlaceTeller::mark()
 {
     std::vector<SbVec3f> points;
     for (const PickedPlace& place : places) {
-        if (!scene || !scene->getData() || scene->lookOf(place.kind, place.datum).isHidden)
+        if (!scene || !scene->getData() || scene->lookOf(place.kind, place.datum).isHidden())
             continue;
         if (const auto at = findPoint(place, *scene->getData()))
             points.push_back(toSbVec3f(scene->getPlacement().toScene(at->point)));

@@ -524,6 +524,8 @@ SettingControl* SettingControl::make(const Setting& setting, QWidget* parent)
         return new MapControl(setting, parent);
     case SettingKind::REFERENCE:
         return new ReferenceControl(setting, parent);
+    case SettingKind::THINGS: // the panel of things sets them
+        break;
     }
     return nullptr;
 }

@@ -265,7 +265,7 @@ Qt::CheckState ThingsModel::tickOf(const Row& row) const
 {
     const Things things = thingsIn(row);
     const auto hidden = std::count_if(things.begin(), things.end(), [this](const Thing& thing) {
-        return scene->getLook(thing).isHidden;
+        return scene->getLook(thing).isHidden();
     });
     if (hidden == 0)
         return Qt::Checked;
@@ -333,7 +333,7 @@ bool ThingsModel::setData(const QModelIndex& index, const QVariant& value, int r
     if (role != Qt::EditRole || !row.isThing() || !datum)
         return false;
     const std::string name = value.toString().toStdString();
-    change({row.thing}, [&](DataScene::Look& look) {
+    change({row.thing}, [&](ThingLook& look) {
         look.name.reset(); // without a name it has its own
         if (!name.empty() && name != withoutFile(datum->name))
             look.name = name;
@@ -344,45 +344,55 @@ bool ThingsModel::setData(const QModelIndex& index, const QVariant& value, int r
 template <typename Change>
 void ThingsModel::change(const Things& things, Change change)
 {
+    if (!scene)
+        return;
+    ThingLooks next = scene->getLooks();
     for (const Thing& thing : things) {
-        if (!find(thing))
-            continue;
-        DataScene::Look look = scene->getLook(thing);
-        change(look);
-        scene->setLook(thing, look);
+        if (find(thing))
+            change(next.ofThings[scene->idOf(thing)]);
     }
-    follow();
+    emit looksChosen(next);
 }
 
 void ThingsModel::show(const Things& things, bool shown)
 {
-    change(things, [shown](DataScene::Look& look) { look.isHidden = !shown; });
+    change(things, [shown](ThingLook& look) { look.hidden = !shown; });
 }
 
 void ThingsModel::showOnly(const Things& things)
 {
     if (!scene)
         return;
-    scene->showOnly(things);
-    follow();
+    ThingLooks next = scene->getLooks();
+    next.showOnly(idsOf(things));
+    emit looksChosen(next);
 }
 
 void ThingsModel::showAll()
 {
     if (!scene)
         return;
-    scene->showAll();
-    follow();
+    ThingLooks next = scene->getLooks();
+    next.showAll();
+    emit looksChosen(next);
 }
 
 void ThingsModel::deleteFromView(const Things& things)
 {
-    change(things, [](DataScene::Look& look) { look.isDeleted = true; });
+    change(things, [](ThingLook& look) { look.isDeleted = true; });
 }
 
-void ThingsModel::setColour(const Things& things, const SbColor& colour)
+void ThingsModel::setColour(const Things& things, const Colour& colour)
 {
-    change(things, [&colour](DataScene::Look& look) { look.colour = colour; });
+    change(things, [&colour](ThingLook& look) { look.colour = colour; });
+}
+
+std::set<ThingId> ThingsModel::idsOf(const Things& things) const
+{
+    std::set<ThingId> ids;
+    for (const Thing& thing : things)
+        ids.insert(scene->idOf(thing));
+    return ids;
 }
 
 QSize ThingsModel::swatchSize() { return {32, 14}; }

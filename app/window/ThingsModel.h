@@ -51,16 +51,18 @@ public:
     /// Null of what has no row.
     const ShownDatum* find(const Thing& thing) const;
 
-    // Of those that have a row
+    // Of those that have a row, what is asked for by looksChosen()
     void show(const Things& things, bool shown);
     void showOnly(const Things& things); ///< and hides all others
     void showAll();                      ///< and what was deleted
     void deleteFromView(const Things& things);
-    void setColour(const Things& things, const SbColor& colour);
+    void setColour(const Things& things, const Colour& colour);
 
     static QSize swatchSize(); ///< of a colour
 
 signals:
+    /// Who hears of it gives them to the scene.
+    void looksChosen(const strandview::ThingLooks& next);
     /// The tick of a row.
     void ticked(const QModelIndex& row, bool shown);
 
@@ -81,6 +83,7 @@ private:
     void remove(Row& parent, std::size_t first, std::size_t count);
     Qt::CheckState tickOf(const Row& row) const;
     Things thingsIn(const Row& row) const;
+    std::set<ThingId> idsOf(const Things& things) const;
     template <typename Change>
     void change(const Things& things, Change change);
 

@@ -102,6 +102,10 @@ ThingsPanel::ThingsPanel(QWidget* parent)
         if (list->selectionModel()->isSelected(row))
             model->show(chosen(), shown);
     });
+    connect(model, &ThingsModel::looksChosen, this, [this](const ThingLooks& next) {
+        if (onLooks)
+            onLooks(next);
+    });
     connect(list->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] {
         if (onChosen)
             onChosen();
@@ -212,8 +216,8 @@ void ThingsPanel::chooseColour(const Things& things)
     const QColor chosen = QColorDialog::getColor(
         QColor::fromRgbF(double(now[0]), double(now[1]), double(now[2])), this, "Colour");
     if (chosen.isValid())
-        model->setColour(
-            things, SbColor(float(chosen.redF()), float(chosen.greenF()), float(chosen.blueF())));
+        model->setColour(things,
+                         {float(chosen.redF()), float(chosen.greenF()), float(chosen.blueF())});
 }
 
 void ThingsPanel::rename(const Thing& thing)

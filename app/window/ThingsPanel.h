@@ -9,6 +9,7 @@
 #include <Inventor/SbBox3f.h>
 #include <QWidget>
 
+#include "request/ThingLook.h"
 #include "scene/Thing.h"
 
 class QTreeView;
@@ -38,6 +39,8 @@ public:
     // Each may be empty
     std::function<void(const SbBox3f&)> onCentre; ///< of the box in the scene
     std::function<void()> onChosen;               ///< other things
+    /// How things are to look then; who hears of it lets the scene show it, and then the panel.
+    std::function<void(const ThingLooks& next)> onLooks;
 
     /// Those that are there.
     Things chosen() const;

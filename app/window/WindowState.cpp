@@ -9,29 +9,9 @@
 
 namespace strandview {
 
-namespace {
-
-bool isSame(const DataScene::Look& a, const DataScene::Look& b)
-{
-    return a.isHidden == b.isHidden && a.isDeleted == b.isDeleted && a.name == b.name &&
-           a.colour == b.colour;
-}
-
-bool isSame(const DataScene::Looks& a, const DataScene::Looks& b)
-{
-    return a.areOthersHidden == b.areOthersHidden &&
-           std::equal(a.ofThings.begin(), a.ofThings.end(), b.ofThings.begin(), b.ofThings.end(),
-                      [](const auto& one, const auto& other) {
-                          return one.first == other.first && isSame(one.second, other.second);
-                      });
-}
-
-} // namespace
-
 bool operator==(const WindowState& a, const WindowState& b)
 {
-    return a.style == b.style && isSame(a.looks, b.looks) &&
-           a.areColoursShown == b.areColoursShown && a.camera == b.camera;
+    return a.style == b.style && a.areColoursShown == b.areColoursShown && a.camera == b.camera;
 }
 
 std::string differenceOf(const WindowState& a, const WindowState& b)
@@ -41,8 +21,6 @@ std::string differenceOf(const WindowState& a, const WindowState& b)
         if (setting.value(a.style) != setting.value(b.style))
             names.emplace_back(setting.label);
     }
-    if (!isSame(a.looks, b.looks))
-        names.emplace_back("things");
     if (a.areColoursShown != b.areColoursShown)
         names.emplace_back("colours of data");
     if (!(a.camera == b.camera))
@@ -66,8 +44,6 @@ WindowState withChange(WindowState state, const WindowState& from, const WindowS
         if (text)
             setting.read(*text, state.style);
     }
-    if (!isSame(from.looks, to.looks))
-        state.looks = to.looks;
     if (from.areColoursShown != to.areColoursShown)
         state.areColoursShown = to.areColoursShown;
     if (!(from.camera == to.camera))

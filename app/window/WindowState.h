@@ -6,7 +6,6 @@
 
 #include "request/CameraNumbers.h"
 #include "request/StyleRequest.h"
-#include "scene/DataScene.h"
 
 namespace strandview {
 
@@ -14,7 +13,6 @@ namespace strandview {
 struct WindowState
 {
     StyleRequest style;
-    DataScene::Looks looks;
     bool areColoursShown = true; ///< those of data
     CameraNumbers camera{};
 };

@@ -29,7 +29,7 @@ void dropLine(Plot& plot, std::size_t line)
 
 } // namespace
 
-DataScene::Look lookOf(const LineId& line, const DataScene& scene)
+ThingLook lookOf(const LineId& line, const DataScene& scene)
 {
     return scene.lookOf(thingOf(line.kind), line.datum);
 }
@@ -38,14 +38,14 @@ void followLooks(Plot& plot, const DataScene& scene)
 {
     for (std::size_t i = plot.lines.size(); i-- > 0;) {
         PlotLine& line = plot.lines[i];
-        const DataScene::Look look = lookOf(line.id, scene);
-        if (look.isHidden) {
+        const ThingLook look = lookOf(line.id, scene);
+        if (look.isHidden()) {
             dropLine(plot, i);
             continue;
         }
         line.title = look.name.value_or(line.title);
         if (look.colour)
-            line.colour = {(*look.colour)[0], (*look.colour)[1], (*look.colour)[2]};
+            line.colour = *look.colour;
     }
 }
 

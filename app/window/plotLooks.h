@@ -8,7 +8,7 @@
 namespace strandview {
 
 /// What the user of a scene chose for what a line is of.
-DataScene::Look lookOf(const LineId& line, const DataScene& scene);
+ThingLook lookOf(const LineId& line, const DataScene& scene);
 
 /// Gives curves the names and colours that the user chose, and leaves out those of what is hidden.
 void followLooks(Plot& plot, const DataScene& scene);

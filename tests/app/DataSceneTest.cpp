@@ -178,11 +178,12 @@ TEST_F(DataSceneTest, TellsRodPointAndArcLengthInTheDatasCoordinatesAndUnit)
 }
 
 // A cube of edge 2 about a place on x, which its box tells.
-ShownDatum makeCube(float x, const std::string& name)
+ShownDatum makeCube(float x, const std::string& name, ThingKind kind = ThingKind::OTHER)
 {
     auto* place = new SoTranslation;
     place->translation = SbVec3f(x, 0, 0);
     ShownDatum datum;
+    datum.kind = kind;
     datum.group = new SoSeparator;
     datum.group->addChild(place);
     datum.node = new SoCube;
@@ -227,16 +228,17 @@ TEST_F(DataSceneTest, KeepsDataByKindAndIndex)
     scene->unref();
 }
 
-TEST_F(DataSceneTest, WhatItsUserHidesAndNamesStaysSoForThatKindAndIndex)
+TEST_F(DataSceneTest, WhatIsHiddenAndNamedStaysSoForThatKindAndIndex)
 {
     auto* scene = new DataScene({});
     scene->ref();
     scene->add(1, makeCube(0, "first"));
     scene->add(1, makeCube(10, "second"));
-    DataScene::Look look;
-    look.isHidden = true;
-    look.name = "mine";
-    scene->setLook({1, 1}, look);
+    const ThingId second = scene->idOf({1, 1});
+    ThingLooks looks;
+    looks.ofThings[second].hidden = true;
+    looks.ofThings[second].name = "mine";
+    scene->setLooks(looks);
     EXPECT_EQ(describe(*scene, 10, 0), "");
     EXPECT_EQ(describe(*scene, 0, 0), "point 0 0 1 – first");
     EXPECT_EQ(scene->getBox(), SbBox3f(-1, -1, -1, 11, 1, 1)) << "as before";
@@ -244,14 +246,15 @@ TEST_F(DataSceneTest, WhatItsUserHidesAndNamesStaysSoForThatKindAndIndex)
     scene->keepFirst(1, 1);
     scene->add(1, makeCube(20, "another"));
     EXPECT_EQ(describe(*scene, 20, 0), "");
-    look.isHidden = false;
-    scene->setLook({1, 1}, look);
+    looks.ofThings[second].hidden = false;
+    scene->setLooks(looks);
     EXPECT_EQ(describe(*scene, 20, 0), "point 20 0 1 – mine");
 
-    auto* again = new DataScene({});
+    Style style{};
+    style.things = looks;
+    auto* again = new DataScene({}, style);
     again->ref();
     again->add(1, makeCube(0, "first"));
-    again->setLooks(scene->getLooks());
     again->add(1, makeCube(10, "second"));
     EXPECT_EQ(describe(*again, 10, 0), "point 10 0 1 – mine");
     again->unref();
@@ -262,29 +265,24 @@ TEST_F(DataSceneTest, WhatIsShownAloneStaysSoBesideWhatComes)
 {
     auto* scene = new DataScene({});
     scene->ref();
-    scene->add(1, makeCube(0, "first"));
-    scene->add(1, makeCube(10, "second"));
+    scene->add(1, makeCube(0, "first", ThingKind::BIROD));
+    scene->add(1, makeCube(10, "second", ThingKind::BIROD));
     EXPECT_EQ(scene->getThings(), (std::vector<Thing>{{1, 0}, {1, 1}}));
-    scene->showOnly({{1, 1}});
-    scene->add(0, makeCube(20, "another"));
+    ThingLooks looks;
+    looks.showOnly({{ThingKind::BIROD, 1}});
+    scene->setLooks(looks);
+    scene->add(0, makeCube(20, "another", ThingKind::ROD));
     EXPECT_EQ(describe(*scene, 0, 0), "");
     EXPECT_EQ(describe(*scene, 10, 0), "point 10 0 1 – second");
     EXPECT_EQ(describe(*scene, 20, 0), "");
-    EXPECT_TRUE(scene->getLook({0, 0}).isHidden);
+    EXPECT_TRUE(scene->getLook({0, 0}).isHidden());
+    looks.showOnly({});
+    scene->setLooks(looks);
+    EXPECT_EQ(describe(*scene, 10, 0), "");
 
-    auto* again = new DataScene({});
-    again->ref();
-    again->add(1, makeCube(0, "first"));
-    again->setLooks(scene->getLooks());
-    again->add(1, makeCube(10, "second"));
-    EXPECT_EQ(describe(*again, 0, 0), "");
-    EXPECT_EQ(describe(*again, 10, 0), "point 10 0 1 – second");
-    again->showOnly({});
-    EXPECT_EQ(describe(*again, 10, 0), "");
-    again->unref();
-
-    scene->showAll();
-    scene->add(0, makeCube(30, "the last"));
+    looks.showAll();
+    scene->setLooks(looks);
+    scene->add(0, makeCube(30, "the last", ThingKind::ROD));
     for (const int x : {0, 10, 20, 30})
         EXPECT_NE(describe(*scene, float(x), 0), "") << x;
     scene->unref();
@@ -295,13 +293,15 @@ TEST_F(DataSceneTest, WhatIsDeletedFromViewIsHiddenUntilAllIsShown)
     auto* scene = new DataScene({});
     scene->ref();
     scene->add(1, makeCube(0, "first"));
-    DataScene::Look look;
-    look.isDeleted = true;
-    scene->setLook({1, 0}, look);
+    ThingLooks looks;
+    looks.ofThings[scene->idOf({1, 0})].isDeleted = true;
+    scene->setLooks(looks);
     EXPECT_EQ(describe(*scene, 0, 0), "");
-    scene->showOnly({{1, 0}});
+    looks.showOnly({scene->idOf({1, 0})});
+    scene->setLooks(looks);
     EXPECT_EQ(describe(*scene, 0, 0), "");
-    scene->showAll();
+    looks.showAll();
+    scene->setLooks(looks);
     EXPECT_EQ(describe(*scene, 0, 0), "point 0 0 1 – first");
     EXPECT_FALSE(scene->getLook({1, 0}).isDeleted);
     scene->unref();
@@ -331,9 +331,9 @@ TEST_F(DataSceneTest, APlaceHasTheNameAndTheLettersOfWhatIsShownNow)
     place = scene->renewed(place);
     EXPECT_EQ(toLine(tell(place)), "pair 3 TA, point 0 0 0 – of the next frame");
 
-    DataScene::Look look;
-    look.name = "mine";
-    scene->setLook({1, 1}, look);
+    ThingLooks looks;
+    looks.ofThings[scene->idOf({1, 1})].name = "mine";
+    scene->setLooks(looks);
     place = scene->renewed(place);
     EXPECT_EQ(place.name, "mine");
     scene->keepFirst(1, 1);
@@ -353,12 +353,15 @@ TEST_F(DataSceneTest, LooksAreThoseOfThingsByTheirKind)
         datum.kind = kind;
         scene->add(kind == ThingKind::ROD ? 2 : 3, datum);
     }
-    scene->setLook({2, 0}, {false, false, "arm", {}});
-    scene->setLook({3, 0}, {true, false, {}, {}});
+    ThingLooks looks;
+    looks.ofThings[{ThingKind::ROD, 0}].name = "arm";
+    looks.ofThings[{ThingKind::LONE_BASES, 0}].hidden = true;
+    scene->setLooks(looks);
+    EXPECT_EQ(scene->getLook({2, 0}).name, "arm");
     EXPECT_EQ(scene->lookOf(ThingKind::ROD, 0).name, "arm");
     EXPECT_FALSE(scene->lookOf(ThingKind::ROD, 1).name);
-    EXPECT_TRUE(scene->lookOf(ThingKind::LONE_BASES, 7).isHidden) << "they are one thing";
-    EXPECT_FALSE(scene->lookOf(ThingKind::BIROD, 0).isHidden);
+    EXPECT_TRUE(scene->lookOf(ThingKind::LONE_BASES, 7).isHidden()) << "they are one thing";
+    EXPECT_FALSE(scene->lookOf(ThingKind::BIROD, 0).isHidden());
     scene->unref();
 }
 

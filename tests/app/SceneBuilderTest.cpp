@@ -584,9 +584,9 @@ TEST_F(SceneBuilderTest, BasesWithoutAPairThatTheirUserNamesAreToldByThatAndThei
     Configuration data;
     data.loneBases = {makeLoneBase('A', 0), makeLoneBase('C', 20)};
     ASSERT_TRUE(build(data)) << error;
-    DataScene::Look look;
-    look.name = "loose";
-    scene->setLook({loneBases, 0}, look);
+    ThingLooks looks;
+    looks.ofThings[scene->idOf({loneBases, 0})].name = "loose";
+    scene->setLooks(looks);
     EXPECT_THAT(describe(20, 4), StartsWith("base C, "));
     EXPECT_THAT(describe(20, 4), EndsWith(" – loose, base 2"));
 }

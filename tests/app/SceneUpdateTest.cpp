@@ -26,6 +26,7 @@
 #include <strandview/analysis/parallelTransport.h>
 
 #include "request/settings.h"
+#include "request/thingTexts.h"
 #include "scene/Colouring.h"
 #include "scene/DataScene.h"
 #include "scene/Legend.h"
@@ -930,12 +931,8 @@ TEST_F(SceneUpdateTest, AStyleThatDoesNotSuitTheDataLeavesTheSceneAsItIs)
 TEST_F(SceneUpdateTest, WhatTheUserChangedOfADatumStaysInAnotherStyle)
 {
     build(oneOfEach());
-    DataScene::Look hidden;
-    hidden.isHidden = true;
-    scene->setLook({RODS, 0}, hidden);
-    DataScene::Look red;
-    red.colour = SbColor(1, 0, 0);
-    scene->setLook({BIRODS, 0}, red);
+    ASSERT_EQ(readThings("rod 1: hidden; birod 1: colour=red", options.things), "");
+    scene->setLooks(options.things);
     options.radius = 0.2;
     ASSERT_EQ(restyle(options, oneOfEach()), "");
     EXPECT_EQ(describe(1, 0), ""); // the rod
@@ -986,9 +983,8 @@ TEST_F(SceneUpdateTest, OtherColoursAreThoseOfANewSceneAndTheirShapesStay)
 TEST_F(SceneUpdateTest, WhatTheUserColouredStaysSoInOtherColours)
 {
     build(oneOfEach());
-    DataScene::Look green;
-    green.colour = SbColor(0, 1, 0);
-    scene->setLook({BIRODS, 0}, green);
+    ASSERT_EQ(readThings("birod 1: colour=#00ff00", options.things), "");
+    scene->setLooks(options.things);
     options.tubeColour = Colour{1, 0, 0};
     ASSERT_NO_FATAL_FAILURE(recolour(oneOfEach()));
     const ShownDatum &birod = scene->getShown(BIRODS)[0], &rod = scene->getShown(RODS)[0];
@@ -1010,6 +1006,25 @@ TEST_F(SceneUpdateTest, OtherShapesAreThoseOfAnySettingThatIsNoColourAndOfARibbo
         EXPECT_FALSE(haveSameShapes(next, usual)) << name;
         EXPECT_TRUE(haveSameShapes(next, next)) << name;
     }
+}
+
+TEST_F(SceneUpdateTest, AColourOfItsOwnComesBackWithAStyleThatNamesNoOther)
+{
+    build(oneOfEach());
+    const SbColor before = scene->getShown(RODS)[0].getColour(scene->getShown(RODS)[0]);
+    ASSERT_EQ(readThings("rod 1: colour=lime", options.things), "");
+    ASSERT_EQ(restyle(options, oneOfEach()), "");
+    EXPECT_EQ(scene->getShown(RODS)[0].getColour(scene->getShown(RODS)[0]), SbColor(0, 1, 0));
+    options.things = {};
+    ASSERT_EQ(restyle(options, oneOfEach()), "");
+    EXPECT_EQ(scene->getShown(RODS)[0].getColour(scene->getShown(RODS)[0]), before);
+}
+
+TEST_F(SceneUpdateTest, ANewSceneHidesWhatItsStyleDoes)
+{
+    ASSERT_EQ(readThings("rod 1: hidden", options.things), "");
+    build(oneOfEach());
+    EXPECT_EQ(describe(1, 0), ""); // the rod
 }
 
 // A frame that comes afterwards has the style of the last change.

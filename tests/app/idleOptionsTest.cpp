@@ -3,6 +3,8 @@
 
 #include <gmock/gmock.h>
 
+#include "request/thingTexts.h"
+
 namespace strandview {
 
 namespace {
@@ -41,6 +43,19 @@ TEST(IdleOptions, AreNoneWhereEachHasSomethingToActOn)
         IsEmpty());
     EXPECT_THAT(findIdleOptions(given({"--dna", "--dna-unit", "--normalise"}), dna()), IsEmpty());
     EXPECT_THAT(findIdleOptions(given({"--closed"}), rods(false)), IsEmpty());
+}
+
+TEST(IdleOptions, AreThoseOfThingsThatThereAreNot)
+{
+    Options options = given({"--thing"});
+    ASSERT_EQ(readThings("rod 1: hidden; rods 2-9: hidden; DNA 1: name=a; others: hidden",
+                         options.things),
+              "");
+    EXPECT_THAT(findIdleOptions(options, rods()),
+                ElementsAre("--thing has no effect on rod 2: found none behind rod 1",
+                            "--thing has no effect on DNA 1: found none"));
+    options.given = {};
+    EXPECT_THAT(findIdleOptions(options, rods()), IsEmpty());
 }
 
 TEST(IdleOptions, AreAllButThoseThatAreMeant)

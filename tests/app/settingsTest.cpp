@@ -43,6 +43,11 @@ std::vector<std::string> examplesOf(const Setting& setting)
         return {"viridis", "vik_r", "red,#ffffff,blue"};
     case SettingKind::REFERENCE:
         return {"first", "a folder/rest.txt"};
+    case SettingKind::THINGS:
+        return {
+            "rod 2: hidden", "others: hidden",
+            "rods 3-5: colour=#ff0000; DNA 1: shown, name=\"a, \\\"b\\\": c; d\"; others: hidden",
+            "birod 1: deleted, name=Left arm; bases: hidden; frame 7: name=[x, y]"};
     }
     return {};
 }

@@ -314,14 +314,14 @@ TEST_F(CurvePanelTest, NamesColoursAndHidingOfThingsAreThoseOfTheirCurves)
 {
     openWithPanel(rodText(1), "rod.txt");
     untickAllBut("k");
-    scene->setLook({0, 0}, {false, false, "arm", SbColor(1, 0, 0)});
+    setThings("rod 1: name=arm, colour=red");
     ASSERT_TRUE(comesTo([this] { return stack().getPlot().lines.at(0).title == "arm"; }));
     EXPECT_EQ(stack().getPlot().lines[0].colour.red, 1);
     EXPECT_EQ(stack().getPlot().lines[0].colour.blue, 0);
-    scene->setLook({0, 0}, {true, false, {}, {}});
+    setThings("rod 1: hidden");
     EXPECT_TRUE(comesTo([this] { return stack().getPlot().lines.empty(); }));
     EXPECT_THAT(stack().getPlot().panels.at(0).values, IsEmpty());
-    scene->setLook({0, 0}, {});
+    setThings("");
     EXPECT_TRUE(comesTo([this] { return stack().getPlot().lines.size() == 1; }));
 }
 

@@ -11,6 +11,7 @@
 #include <QTest>
 
 #include "command/parseOptions.h"
+#include "request/settings.h"
 #include "scene/SceneLoader.h"
 #include "scene/readFiles.h"
 #include "support/keepPictures.h"
@@ -83,6 +84,13 @@ bool DataWindowTest::comesToBePainted() const
     bool isPainted = false;
     window->whenPainted([&isPainted] { isPainted = true; });
     return comesTo([&] { return isPainted; });
+}
+
+void DataWindowTest::setThings(const std::string& text) const
+{
+    StyleRequest style = window->getStyle();
+    ASSERT_EQ(settingOf("thing").read(text, style), "");
+    window->setStyle(style);
 }
 
 QWidget* DataWindowTest::view() const { return window->findChild<QGLWidget*>(); }

@@ -41,6 +41,8 @@ protected:
     /// Whether a whole frame that was drawn from now on is on the screen at last.
     [[nodiscard]] bool comesToBePainted() const;
 
+    /// Lets single things look so, as the option --thing does.
+    void setThings(const std::string& text) const;
     Player* player() const { return window->getPlayer(); }
     QWidget* view() const;
     std::string statusText() const;

@@ -133,16 +133,14 @@ TEST_F(HistoryTest, AStyleThatIsRefusedIsNoStep)
 
 TEST_F(HistoryTest, AHiddenThingComesBack)
 {
-    DataScene::Look hidden;
-    hidden.isHidden = true;
     const Thing second{scene->getThings().back()};
-    scene->setLook(second, hidden);
-    ASSERT_TRUE(comesTo([&] { return action("&Undo")->isEnabled(); }));
+    setThings("rod 2: hidden");
+    ASSERT_TRUE(scene->getLook(second).isHidden());
     EXPECT_EQ(undoText(), "&Undo things");
     undo();
-    EXPECT_TRUE(comesTo([&] { return !scene->getLook(second).isHidden; }));
+    EXPECT_TRUE(comesTo([&] { return !scene->getLook(second).isHidden(); }));
     redo();
-    EXPECT_TRUE(comesTo([&] { return scene->getLook(second).isHidden; }));
+    EXPECT_TRUE(comesTo([&] { return scene->getLook(second).isHidden(); }));
 }
 
 TEST_F(HistoryTest, EachStepTakesBackWhatItChangedAlone)

@@ -1857,12 +1857,14 @@ TEST_F(MainWindowTest, TheCopiedCommandMakesTheSavedPictureByteForByte)
     for (int i = 0; i < 30; ++i)
         bent += std::to_string(0.1 * i) + " " + std::to_string(std::sin(0.2 * i)) + " " +
                 std::to_string(0.05 * i) + " " + std::to_string(i % 7) + "\n";
-    open({write("my rod.txt", bent)});
+    open({write("my rod.txt", bent), write("straight.txt", STRAIGHT)});
     const std::vector<std::pair<const char*, const char*>> styles[] = {
         {},
         {{"radius", "0.07"}, {"tube-colour", "crimson"}, {"background", "black"}},
         {{"colour-by", "load"}, {"colours", "batlow_r"}, {"range", "1:"}},
-        {{"colour-by", "curvature"}, {"ribbon", "off"}, {"slices", "7"}}};
+        {{"colour-by", "curvature"}, {"ribbon", "off"}, {"slices", "7"}},
+        {{"thing", "rod 1: colour=#00ff00; rod 2: hidden"}},
+        {{"thing", "rod 1: shown, name=\"it's, mine\"; others: hidden"}}};
     for (const auto& style : styles) {
         StyleRequest next;
         for (const auto& [name, value] : style)

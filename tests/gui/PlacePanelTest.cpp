@@ -212,9 +212,9 @@ TEST_F(PlacePanelTest, APlaceOfWhatIsHiddenHasNoMark)
     openWithPanel(rodText(0));
     click(1, 0);
     ASSERT_TRUE(comesTo([this] { return countPixels(screen(), isYellow) > 20; }));
-    scene->setLook({0, 0}, {true, false, {}, {}});
+    setThings("rod 1: hidden");
     EXPECT_TRUE(comesTo([this] { return countPixels(screen(), isYellow) == 0; }));
-    scene->setLook({0, 0}, {});
+    setThings("");
     EXPECT_TRUE(comesTo([this] { return countPixels(screen(), isYellow) > 20; }));
 }
 
@@ -227,7 +227,7 @@ TEST_F(PlacePanelTest, WhatIsSelectedStaysSoWhileItsNumbersAreTheSame)
     click(3, 0);
     ASSERT_TRUE(comesToTell("rod 1"));
     page()->selectAll();
-    scene->setLook({0, 0}, {false, false, {}, SbColor(1, 0, 0)});
+    setThings("rod 1: colour=red");
     QTest::qWait(500); // until it would be told again
     EXPECT_TRUE(page()->textCursor().hasSelection());
     pressRealKey("period");

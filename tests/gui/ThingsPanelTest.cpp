@@ -22,6 +22,7 @@
 #include <gmock/gmock.h>
 
 #include "DataWindowTest.h"
+#include "request/settings.h"
 #include "support/keepPictures.h"
 #include "support/realInput.h"
 #include "window/PlacePanel.h"
@@ -275,6 +276,44 @@ TEST_F(ThingsPanelTest, SeveralAreChosenWithCtrlAndShiftAndHiddenAtOnce)
     EXPECT_TRUE(comesToHave(false, false, false));
     clickTick(2);
     EXPECT_TRUE(comesToHave(true, false, true));
+}
+
+TEST_F(ThingsPanelTest, WhatIsChangedIsAPartOfTheStyleThatIsAskedFor)
+{
+    openRods(1);
+    clickTick(0);
+    ASSERT_TRUE(comesToHave(false, true));
+    EXPECT_EQ(settingOf("thing").write(window->getStyle()), "rod 1: hidden");
+    rename(1, "arm");
+    EXPECT_TRUE(comesTo([this] {
+        return settingOf("thing").write(window->getStyle()) == "rod 1: hidden; rod 2: name=arm";
+    }));
+    press("hideAllButton");
+    ASSERT_TRUE(comesToHave(false, false));
+    EXPECT_EQ(settingOf("thing").write(window->getStyle()), "rod 2: name=arm; others: hidden");
+    EXPECT_FALSE(window->isRestyling()) << "no node is new";
+}
+
+TEST_F(ThingsPanelTest, AStyleHidesNamesAndColoursThingsAndTakesItBack)
+{
+    openRods(1);
+    setThings("rod 1: hidden; rod 2: colour=#00ff00, name=arm");
+    EXPECT_TRUE(comesToHave(false, false, true));
+    EXPECT_EQ(name(1), "arm");
+    EXPECT_EQ(rowOf(0).data(Qt::CheckStateRole), Qt::Unchecked);
+    setThings("");
+    EXPECT_TRUE(comesToHave(true, true, false));
+    EXPECT_EQ(name(1), "rods[1]");
+}
+
+TEST_F(ThingsPanelTest, OtherFilesHaveNothingOfIt)
+{
+    openRods(1);
+    clickTick(0);
+    ASSERT_TRUE(comesToHave(false, true));
+    window->openFiles({QString::fromStdString(folder.write("other.json", fileOf(twoRods(0.9))))});
+    EXPECT_TRUE(comesToHave(true, true));
+    EXPECT_EQ(settingOf("thing").write(window->getStyle()), std::nullopt);
 }
 
 TEST_F(ThingsPanelTest, WhatIsChosenIsShownAlone)

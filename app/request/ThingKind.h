@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#ifndef STRANDVIEW_APP_SCENE_THINGKIND_H
-#define STRANDVIEW_APP_SCENE_THINGKIND_H
+#ifndef STRANDVIEW_APP_REQUEST_THINGKIND_H
+#define STRANDVIEW_APP_REQUEST_THINGKIND_H
 
 namespace strandview {
 

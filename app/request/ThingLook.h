@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_APP_REQUEST_THINGLOOK_H
+#define STRANDVIEW_APP_REQUEST_THINGLOOK_H
+
+#include <cstddef>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <tuple>
+
+#include "request/Colour.h"
+#include "request/ThingKind.h"
+
+namespace strandview {
+
+/// A thing of the data, by what it is and its number among those of all files, from 0. In other
+/// frames it is the one there.
+struct ThingId
+{
+    ThingKind kind = ThingKind::OTHER;
+    std::size_t index = 0;
+};
+
+inline bool operator<(const ThingId& a, const ThingId& b)
+{
+    return std::tie(a.kind, a.index) < std::tie(b.kind, b.index);
+}
+inline bool operator==(const ThingId& a, const ThingId& b)
+{
+    return a.kind == b.kind && a.index == b.index;
+}
+
+/// How one thing is to look. What is left open is as of all others.
+struct ThingLook
+{
+    std::optional<bool> hidden;
+    bool isDeleted = false;          ///< from view: as hidden, and in no list
+    std::optional<std::string> name; ///< instead of its own, also where a pick is told
+    std::optional<Colour> colour;    ///< instead of its own
+
+    bool isHidden() const { return hidden.value_or(false); }
+};
+
+/// How single things are to look, also in frames to come and in those after one that has fewer.
+struct ThingLooks
+{
+    std::map<ThingId, ThingLook> ofThings;
+    bool areOthersHidden = false; ///< also of frames to come
+
+    /// Of any thing; whether it is hidden is said in any case.
+    ThingLook of(const ThingId& thing) const;
+    /// Lets all others be hidden. What was deleted stays so.
+    void showOnly(const std::set<ThingId>& things);
+    /// Also what was deleted from view.
+    void showAll();
+};
+
+} // namespace strandview
+
+#endif

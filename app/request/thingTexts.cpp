@@ -1,0 +1,349 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "request/thingTexts.h"
+
+#include <algorithm>
+#include <cctype>
+#include <iterator>
+#include <optional>
+#include <utility>
+
+#include <strandview/formats/text/wording.h>
+
+#include "request/parseNumber.h"
+#include "request/settings.h"
+
+namespace strandview {
+
+namespace {
+
+using Text = std::optional<std::string>;
+
+const char* const OTHERS = "others";
+const int MOST_THINGS = 1'000'000; // of a kind
+
+struct NamedKind
+{
+    ThingKind kind;
+    const char* name;
+};
+
+const NamedKind KINDS[] = {{ThingKind::ROD, "rod"},       {ThingKind::BIROD, "birod"},
+                           {ThingKind::MARKER, "marker"}, {ThingKind::ARROW, "arrow"},
+                           {ThingKind::DNA, "DNA"},       {ThingKind::LONE_BASES, "bases"},
+                           {ThingKind::FRAME, "frame"}};
+
+std::string found(const std::string& text, const std::string& expected)
+{
+    return "found " + inQuotes(text) + ", expected " + expected;
+}
+
+// What can be said of a thing's look besides whether it is there
+
+struct Attribute
+{
+    const char* name;
+    const char* values; // null for what is said by its name alone
+    Text (*value)(const ThingLook& look);
+    std::string (*read)(const std::string& text, ThingLook& look);
+    bool needsNodes; // whether only new nodes can show it
+};
+
+// By a setting that is of all things: what it takes and how it is written.
+template <auto ofLook, auto ofRequest>
+Text valueBy(const char* setting, const ThingLook& look)
+{
+    if (!(look.*ofLook))
+        return std::nullopt;
+    StyleRequest request;
+    request.*ofRequest = *(look.*ofLook);
+    return settingOf(setting).value(request);
+}
+
+template <auto ofLook, auto ofRequest>
+std::string readBy(const char* setting, const std::string& text, ThingLook& look)
+{
+    StyleRequest request;
+    std::string fault = settingOf(setting).read(text, request);
+    if (fault.empty())
+        look.*ofLook = request.*ofRequest;
+    return fault;
+}
+
+const Attribute ATTRIBUTES[] = {
+    {"name", "TEXT", [](const ThingLook& look) { return look.name; },
+     [](const std::string& text, ThingLook& look) {
+         look.name = text;
+         return std::string();
+     },
+     false},
+    {"colour", "COLOUR",
+     [](const ThingLook& look) {
+         return valueBy<&ThingLook::colour, &StyleRequest::tubeColour>("tube-colour", look);
+     },
+     [](const std::string& text, ThingLook& look) {
+         return readBy<&ThingLook::colour, &StyleRequest::tubeColour>("tube-colour", text, look);
+     },
+     false}};
+
+// "hidden, shown, deleted, name=TEXT, colour=COLOUR".
+std::string listOfAttributes()
+{
+    std::string text = "hidden, shown, deleted";
+    for (const Attribute& attribute : ATTRIBUTES)
+        text += ", " + std::string(attribute.name) + "=" + attribute.values;
+    return text;
+}
+
+// Text with quotation marks
+
+// Where the first of these characters is, from there on, that is not between quotation marks; the
+// length for none.
+std::size_t findUnquoted(const std::string& text, char wanted, std::size_t from)
+{
+    bool isQuoted = false;
+    for (std::size_t i = from; i < text.size(); ++i) {
+        if (isQuoted && text[i] == '\\')
+            ++i;
+        else if (text[i] == '"')
+            isQuoted = !isQuoted;
+        else if (!isQuoted && text[i] == wanted)
+            return i;
+    }
+    return text.size();
+}
+
+std::string trimmed(const std::string& text)
+{
+    const char* const blanks = " \t\r\n";
+    const std::size_t first = text.find_first_not_of(blanks);
+    return first == std::string::npos
+               ? ""
+               : text.substr(first, text.find_last_not_of(blanks) + 1 - first);
+}
+
+std::vector<std::string> splitAt(char separator, const std::string& text)
+{
+    std::vector<std::string> parts;
+    for (std::size_t from = 0; from <= text.size();) {
+        const std::size_t end = findUnquoted(text, separator, from);
+        parts.push_back(trimmed(text.substr(from, end - from)));
+        from = end + 1;
+    }
+    return parts;
+}
+
+std::string quoted(const std::string& text)
+{
+    if (!text.empty() && text == trimmed(text) && text.find_first_of(",;:=\"\\") == text.npos)
+        return text;
+    std::string all = "\"";
+    for (const char c : text)
+        all += (c == '"' || c == '\\' ? "\\" : "") + std::string(1, c);
+    return all + "\"";
+}
+
+std::string unquoted(const std::string& text)
+{
+    if (text.size() < 2 || text.front() != '"' || text.back() != '"')
+        return text;
+    std::string plain;
+    for (std::size_t i = 1; i + 1 < text.size(); ++i) {
+        if (text[i] == '\\' && i + 2 < text.size())
+            ++i;
+        plain += text[i];
+    }
+    return plain;
+}
+
+std::string inLowerCase(std::string text)
+{
+    for (char& c : text)
+        c = char(std::tolower(static_cast<unsigned char>(c)));
+    return text;
+}
+
+// Which things
+
+struct Range
+{
+    ThingKind kind = ThingKind::OTHER;
+    std::size_t first = 0, last = 0;
+};
+
+// "rod 2", "rods 3-5", "bases".
+std::optional<Range> parseRange(const std::string& text)
+{
+    const std::size_t end = std::min(text.find_first_of(" \t"), text.size());
+    const std::string word = inLowerCase(text.substr(0, end)), numbers = trimmed(text.substr(end));
+    const auto* const known =
+        std::find_if(std::begin(KINDS), std::end(KINDS), [&word](const NamedKind& kind) {
+            const std::string name = inLowerCase(kind.name);
+            return word == name || word == name + "s";
+        });
+    if (known == std::end(KINDS))
+        return std::nullopt;
+    if (known->kind == ThingKind::LONE_BASES)
+        return numbers.empty() ? std::optional(Range{known->kind}) : std::nullopt;
+    const std::size_t dash = std::min(numbers.find('-'), numbers.size());
+    const std::optional<int> first = parseNumber<int>(trimmed(numbers.substr(0, dash)));
+    const std::optional<int> last =
+        dash == numbers.size() ? first : parseNumber<int>(trimmed(numbers.substr(dash + 1)));
+    if (!first || !last || *first < 1 || *last < *first || *last > MOST_THINGS)
+        return std::nullopt;
+    return Range{known->kind, std::size_t(*first) - 1, std::size_t(*last) - 1};
+}
+
+std::string nameOf(const Range& range)
+{
+    const std::string first = nameOf(ThingId{range.kind, range.first});
+    if (range.first == range.last)
+        return first;
+    const std::size_t blank = first.find(' ');
+    return first.substr(0, blank) + "s" + first.substr(blank) + "-" +
+           std::to_string(range.last + 1);
+}
+
+// How they look
+
+std::string readItem(const std::string& item, ThingLook& look)
+{
+    if (item == "hidden" || item == "shown") {
+        look.hidden = item == "hidden";
+        return "";
+    }
+    if (item == "deleted") {
+        look.isDeleted = true;
+        return "";
+    }
+    const std::size_t equals = findUnquoted(item, '=', 0);
+    const std::string key = trimmed(item.substr(0, equals));
+    const auto* const attribute =
+        std::find_if(std::begin(ATTRIBUTES), std::end(ATTRIBUTES), [&key](const Attribute& known) {
+            return key == known.name || (key == "color" && known.name == std::string("colour"));
+        });
+    if (attribute == std::end(ATTRIBUTES) || equals == item.size())
+        return found(item, listOfAttributes());
+    const std::string fault = attribute->read(unquoted(trimmed(item.substr(equals + 1))), look);
+    return fault.empty() ? "" : key + ": " + fault;
+}
+
+std::string readEntry(const std::string& entry, ThingLooks& looks)
+{
+    const std::size_t colon = std::min(entry.find(':'), entry.size());
+    const std::string which = trimmed(entry.substr(0, colon));
+    const std::optional<Range> range = parseRange(which);
+    if (colon == entry.size() || (!range && which != OTHERS))
+        return found(colon == entry.size() ? entry : which,
+                     "a thing and how it looks, such as rod 2: hidden; things are rod, birod, "
+                     "marker, arrow, DNA and frame, each with its number from 1 on, bases and "
+                     "others");
+    ThingLook said;
+    std::vector<std::string> items = splitAt(',', entry.substr(colon + 1));
+    if (which == OTHERS) {
+        if (items.size() != 1 || (items[0] != "hidden" && items[0] != "shown"))
+            return found(trimmed(entry.substr(colon + 1)), "hidden or shown of others");
+        looks.areOthersHidden = items[0] == "hidden";
+        return "";
+    }
+    for (const std::string& item : items) {
+        const std::string fault = readItem(item, said);
+        if (!fault.empty())
+            return fault;
+    }
+    for (std::size_t i = range->first; i <= range->last; ++i) {
+        ThingLook& look = looks.ofThings[{range->kind, i}];
+        for (const std::string& item : items)
+            readItem(item, look);
+    }
+    return "";
+}
+
+// "hidden, name=arm"; empty for what is as others are.
+std::string textOf(const ThingLook& look, bool areOthersHidden)
+{
+    std::string text;
+    const auto add = [&text](const std::string& item) {
+        text += (text.empty() ? "" : ", ") + item;
+    };
+    if (look.hidden.value_or(areOthersHidden) != areOthersHidden)
+        add(*look.hidden ? "hidden" : "shown");
+    if (look.isDeleted)
+        add("deleted");
+    for (const Attribute& attribute : ATTRIBUTES) {
+        if (const Text value = attribute.value(look))
+            add(std::string(attribute.name) + "=" + quoted(*value));
+    }
+    return text;
+}
+
+} // namespace
+
+std::string nameOf(const ThingId& thing)
+{
+    const auto* const known =
+        std::find_if(std::begin(KINDS), std::end(KINDS),
+                     [&thing](const NamedKind& kind) { return kind.kind == thing.kind; });
+    if (known == std::end(KINDS))
+        return "thing " + std::to_string(thing.index + 1);
+    const bool isNumbered = thing.kind != ThingKind::LONE_BASES;
+    return known->name + (isNumbered ? " " + std::to_string(thing.index + 1) : "");
+}
+
+std::vector<std::string> textsOf(const ThingLooks& looks)
+{
+    std::vector<std::pair<Range, std::string>> all;
+    for (const auto& [thing, look] : looks.ofThings) {
+        const std::string text = textOf(look, looks.areOthersHidden);
+        if (text.empty())
+            continue;
+        const bool isNext = !all.empty() && all.back().first.kind == thing.kind &&
+                            all.back().first.last + 1 == thing.index && all.back().second == text;
+        if (isNext)
+            all.back().first.last = thing.index;
+        else
+            all.push_back({{thing.kind, thing.index, thing.index}, text});
+    }
+    std::vector<std::string> texts;
+    texts.reserve(all.size() + 1);
+    for (const auto& [range, text] : all)
+        texts.push_back(nameOf(range) + ": " + text);
+    if (looks.areOthersHidden)
+        texts.push_back(std::string(OTHERS) + ": hidden");
+    return texts;
+}
+
+std::string readThings(const std::string& text, ThingLooks& looks)
+{
+    ThingLooks next = looks;
+    if (trimmed(text).empty())
+        return "";
+    for (const std::string& entry : splitAt(';', text)) {
+        const std::string fault = readEntry(entry, next);
+        if (!fault.empty())
+            return fault;
+    }
+    looks = next;
+    return "";
+}
+
+bool areOfSameNodes(const ThingLooks& shown, const ThingLooks& next)
+{
+    const auto isOfSameNodes = [&](const ThingId& thing) {
+        const ThingLook before = shown.of(thing), after = next.of(thing);
+        return (!before.colour || after.colour) && // its own colours are its nodes' alone
+               std::all_of(std::begin(ATTRIBUTES), std::end(ATTRIBUTES),
+                           [&](const Attribute& attribute) {
+                               return !attribute.needsNodes ||
+                                      attribute.value(before) == attribute.value(after);
+                           });
+    };
+    for (const ThingLooks* looks : {&shown, &next}) {
+        for (const auto& [thing, look] : looks->ofThings) {
+            if (!isOfSameNodes(thing))
+                return false;
+        }
+    }
+    return true;
+}
+
+} // namespace strandview

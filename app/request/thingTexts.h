@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_APP_REQUEST_THINGTEXTS_H
+#define STRANDVIEW_APP_REQUEST_THINGTEXTS_H
+
+#include <string>
+#include <vector>
+
+#include "request/ThingLook.h"
+
+namespace strandview {
+
+// What is said of single things as text: "rod 2: hidden", "rods 3-5: colour=#ff0000, name=arm",
+// "others: hidden". A name with a comma or the like stands between quotation marks: name="a, b",
+// with a backslash before one of its own.
+
+/// As users type it: "rod 2", "DNA 1"; "bases" of those without a partner, which are one together.
+std::string nameOf(const ThingId& thing);
+
+/// A text of each, with neighbours that look alike in one; what is said in them is the same again
+/// when they are read. Whether two look alike can be told by them.
+std::vector<std::string> textsOf(const ThingLooks& looks);
+
+/// Adds what a text says, several with semicolons between, to what is said already. Nothing, or
+/// "found 'x', expected a colour" and the looks are as they were.
+std::string readThings(const std::string& text, ThingLooks& looks);
+
+/// Whether a scene that shows one can show the other by showing, hiding, naming and colouring what
+/// it has.
+bool areOfSameNodes(const ThingLooks& shown, const ThingLooks& next);
+
+} // namespace strandview
+
+#endif

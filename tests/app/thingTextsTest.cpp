@@ -1,0 +1,149 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "request/thingTexts.h"
+
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+#include "command/parseOptions.h"
+#include "request/settings.h"
+
+namespace strandview {
+
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+const ThingId ROD_2{ThingKind::ROD, 1};
+
+ThingLooks read(const std::string& text)
+{
+    ThingLooks looks;
+    EXPECT_EQ(readThings(text, looks), "") << text;
+    return looks;
+}
+
+std::string faultOf(const std::string& text)
+{
+    ThingLooks looks;
+    std::string fault = readThings(text, looks);
+    EXPECT_THAT(textsOf(looks), IsEmpty()) << text;
+    return fault;
+}
+
+} // namespace
+
+TEST(ThingTextsTest, AThingIsNamedByItsKindAndItsNumberFromOneOn)
+{
+    EXPECT_EQ(nameOf({ThingKind::ROD, 0}), "rod 1");
+    EXPECT_EQ(nameOf({ThingKind::DNA, 11}), "DNA 12");
+    EXPECT_EQ(nameOf({ThingKind::LONE_BASES, 0}), "bases");
+}
+
+TEST(ThingTextsTest, WhatIsSaidOfAThingIsReadByItem)
+{
+    const ThingLook look = read("rod 2: hidden, colour=steelblue, name=Left strand").of(ROD_2);
+    EXPECT_TRUE(look.isHidden());
+    EXPECT_FALSE(look.isDeleted);
+    EXPECT_EQ(look.name, "Left strand");
+    ASSERT_TRUE(look.colour);
+    EXPECT_FLOAT_EQ(look.colour->blue, 180.0f / 255);
+    EXPECT_TRUE(read("rod 2: deleted").of(ROD_2).isDeleted);
+}
+
+TEST(ThingTextsTest, BlanksTheCaseOfAKindAndItsPluralDoNotMatter)
+{
+    for (const char* text : {"rod 2:hidden", " Rods 2 :  hidden ", "ROD  2: hidden",
+                             "rods 2-2: hidden", "rod 2 - 2 : hidden"})
+        EXPECT_THAT(textsOf(read(text)), ElementsAre("rod 2: hidden"));
+    EXPECT_THAT(textsOf(read("dna 1: color=red")), ElementsAre("DNA 1: colour=#ff0000"));
+}
+
+TEST(ThingTextsTest, ANameBetweenQuotationMarksMayHaveEveryCharacter)
+{
+    const std::string name = R"(a, "b"; c\d: e=f)";
+    ThingLooks looks;
+    looks.ofThings[ROD_2].name = name;
+    const std::vector<std::string> texts = textsOf(looks);
+    ASSERT_EQ(texts.size(), 1u);
+    EXPECT_EQ(read(texts[0]).of(ROD_2).name, name);
+    for (const char* odd : {"", " ", "\"", "\\", "\"\\\""}) {
+        looks.ofThings[ROD_2].name = odd;
+        EXPECT_EQ(read(textsOf(looks).at(0)).of(ROD_2).name, odd);
+    }
+}
+
+TEST(ThingTextsTest, NeighboursThatLookAlikeAreOneText)
+{
+    EXPECT_THAT(textsOf(read("rod 3: hidden; rod 5: hidden; rod 4: hidden; birod 6: hidden")),
+                ElementsAre("rods 3-5: hidden", "birod 6: hidden"));
+    EXPECT_THAT(textsOf(read("rods 1-3: hidden; rod 2: shown")),
+                ElementsAre("rod 1: hidden", "rod 3: hidden"));
+}
+
+TEST(ThingTextsTest, OthersMayBeHiddenBeforeOrAfterWhatIsShown)
+{
+    for (const char* text : {"others: hidden; rod 2: shown", "rod 2: shown; others: hidden"}) {
+        const ThingLooks looks = read(text);
+        EXPECT_FALSE(looks.of(ROD_2).isHidden());
+        EXPECT_TRUE(looks.of({ThingKind::ROD, 0}).isHidden());
+        EXPECT_TRUE(looks.of({ThingKind::DNA, 1}).isHidden());
+        EXPECT_THAT(textsOf(looks), ElementsAre("rod 2: shown", "others: hidden"));
+    }
+}
+
+TEST(ThingTextsTest, ANameAloneDoesNotShowWhatIsHiddenWithOthers)
+{
+    EXPECT_TRUE(read("rod 2: name=arm; others: hidden").of(ROD_2).isHidden());
+}
+
+TEST(ThingTextsTest, WhatIsNoThingOrNoLookIsToldWithWhatIs)
+{
+    EXPECT_THAT(faultOf("rob 2: hidden"), StartsWith("found 'rob 2', expected a thing and how it "
+                                                     "looks, such as rod 2: hidden"));
+    for (const char* text :
+         {"rod 0: hidden", "rod: hidden", "rod 3-2: hidden", "rod 1.5: hidden", "rod 2",
+          "bases 2: hidden", "rod 99999999: hidden", ": hidden", "rod 2 hidden"})
+        EXPECT_THAT(faultOf(text), HasSubstr("expected a thing and how it looks")) << text;
+    EXPECT_THAT(faultOf("rod 2: hiden"),
+                StartsWith("found 'hiden', expected hidden, shown, deleted, name=TEXT"));
+    for (const char* text : {"rod 2:", "rod 2: hidden,", "rod 2: name", "rod 2: size=3"})
+        EXPECT_THAT(faultOf(text), HasSubstr("expected hidden, shown")) << text;
+    EXPECT_EQ(faultOf("rod 2: colour=reddish"),
+              "colour: found 'reddish', expected #rrggbb or an SVG colour name");
+    EXPECT_THAT(faultOf("others: colour=red"), StartsWith("found 'colour=red', expected hidden"));
+}
+
+TEST(ThingTextsTest, OfTextsOfWhichOneIsWrongNothingIsTaken)
+{
+    ThingLooks looks = read("rod 2: hidden");
+    EXPECT_NE(readThings("rod 1: hidden; rod 2: nothing", looks), "");
+    EXPECT_THAT(textsOf(looks), ElementsAre("rod 2: hidden"));
+}
+
+TEST(ThingTextsTest, TheOptionIsGivenForEachAndTakesNoFile)
+{
+    const char* line[] = {"strandview",         "--thing", "rod 2: hidden",    "rod.txt", "--thing",
+                          "rod 1: name=[a, b]", "--thing", "rod 2: colour=red"};
+    EXPECT_FALSE(parseOptions(8, line).options) << "found 'b]'";
+    line[5] = "rod 1: name=\"[a, b]\"";
+    const ParsedOptions parsed = parseOptions(8, line);
+    ASSERT_TRUE(parsed.options);
+    EXPECT_THAT(parsed.options->files, ElementsAre("rod.txt"));
+    EXPECT_THAT(textsOf(parsed.options->things),
+                ElementsAre("rod 1: name=\"[a, b]\"", "rod 2: hidden, colour=#ff0000"));
+}
+
+TEST(ThingTextsTest, OnlyAColourThatGoesNeedsOtherNodes)
+{
+    const ThingLooks none, red = read("rod 2: colour=red");
+    EXPECT_TRUE(areOfSameNodes(none, red));
+    EXPECT_TRUE(areOfSameNodes(red, read("rod 2: colour=blue, name=a, hidden; others: hidden")));
+    EXPECT_FALSE(areOfSameNodes(red, none));
+}
+
+} // namespace strandview
