@@ -39,6 +39,16 @@ struct ThingLook
     std::optional<std::string> name; ///< instead of its own, also where a pick is told
     std::optional<Colour> colour;    ///< instead of its own
 
+    // Of curves; lengths in the data's unit.
+    std::optional<double> radius;
+    std::optional<double> ribbonWidth;
+    std::optional<int> slices;
+    std::optional<int> subsegments;
+    std::optional<bool> showTube;
+    std::optional<bool> showRibbon;
+    std::optional<bool> twoSidedRibbon;
+    std::optional<Colour> ribbonColour;
+
     bool isHidden() const { return hidden.value_or(false); }
 };
 

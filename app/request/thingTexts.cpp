@@ -5,6 +5,7 @@
 #include <cctype>
 #include <iterator>
 #include <optional>
+#include <set>
 #include <utility>
 
 #include <strandview/formats/text/wording.h>
@@ -42,15 +43,19 @@ std::string found(const std::string& text, const std::string& expected)
 struct Attribute
 {
     const char* name;
-    const char* values; // null for what is said by its name alone
+    const char* setting; // of all things, whose value it is; null for none
+    const char* values;  // null for what is said by its name alone, or with "no" before it
+    std::set<ThingKind> kinds;
     Text (*value)(const ThingLook& look);
     std::string (*read)(const std::string& text, ThingLook& look);
+    void (*clear)(ThingLook& look);
     bool needsNodes; // whether only new nodes can show it
 };
 
 // By a setting that is of all things: what it takes and how it is written.
-template <auto ofLook, auto ofRequest>
-Text valueBy(const char* setting, const ThingLook& look)
+
+template <auto ofLook, auto ofRequest, const char* const& setting>
+Text valueBySetting(const ThingLook& look)
 {
     if (!(look.*ofLook))
         return std::nullopt;
@@ -59,8 +64,8 @@ Text valueBy(const char* setting, const ThingLook& look)
     return settingOf(setting).value(request);
 }
 
-template <auto ofLook, auto ofRequest>
-std::string readBy(const char* setting, const std::string& text, ThingLook& look)
+template <auto ofLook, auto ofRequest, const char* const& setting>
+std::string readBySetting(const std::string& text, ThingLook& look)
 {
     StyleRequest request;
     std::string fault = settingOf(setting).read(text, request);
@@ -69,28 +74,101 @@ std::string readBy(const char* setting, const std::string& text, ThingLook& look
     return fault;
 }
 
-const Attribute ATTRIBUTES[] = {
-    {"name", "TEXT", [](const ThingLook& look) { return look.name; },
-     [](const std::string& text, ThingLook& look) {
-         look.name = text;
-         return std::string();
-     },
-     false},
-    {"colour", "COLOUR",
-     [](const ThingLook& look) {
-         return valueBy<&ThingLook::colour, &StyleRequest::tubeColour>("tube-colour", look);
-     },
-     [](const std::string& text, ThingLook& look) {
-         return readBy<&ThingLook::colour, &StyleRequest::tubeColour>("tube-colour", text, look);
-     },
-     false}};
+template <auto ofLook>
+void clear(ThingLook& look)
+{
+    look.*ofLook = std::nullopt;
+}
+
+template <auto ofLook, auto ofRequest, const char* const& setting>
+Attribute bySetting(const char* name, const std::set<ThingKind>& kinds, bool needsNodes = true)
+{
+    return {name,
+            setting,
+            settingOf(setting).values,
+            kinds,
+            &valueBySetting<ofLook, ofRequest, setting>,
+            &readBySetting<ofLook, ofRequest, setting>,
+            &clear<ofLook>,
+            needsNodes};
+}
+
+constexpr const char* TUBE_COLOUR = "tube-colour";
+constexpr const char* RADIUS = "radius";
+constexpr const char* RIBBON_WIDTH = "ribbon-width";
+constexpr const char* SLICES = "slices";
+constexpr const char* SUBSEGMENTS = "subsegments";
+constexpr const char* TUBE = "tube";
+constexpr const char* RIBBON = "ribbon";
+constexpr const char* TWO_SIDED = "two-sided";
+constexpr const char* RIBBON_COLOUR = "ribbon-colour";
+
+std::vector<Attribute> makeAttributes()
+{
+    using Look = ThingLook;
+    using All = StyleRequest;
+    const std::set<ThingKind> tubes{ThingKind::ROD, ThingKind::BIROD, ThingKind::DNA};
+    const std::set<ThingKind> ribbons{ThingKind::ROD, ThingKind::BIROD};
+    std::set<ThingKind> coloured = tubes, all;
+    coloured.insert({ThingKind::MARKER, ThingKind::ARROW});
+    for (const NamedKind& known : KINDS)
+        all.insert(known.kind);
+    return {{"name", nullptr, "TEXT", all, [](const Look& look) { return look.name; },
+             [](const std::string& text, Look& look) {
+                 look.name = text;
+                 return std::string();
+             },
+             &clear<&Look::name>, false},
+            bySetting<&Look::colour, &All::tubeColour, TUBE_COLOUR>("colour", coloured, false),
+            bySetting<&Look::radius, &All::radius, RADIUS>("radius", tubes),
+            bySetting<&Look::ribbonWidth, &All::ribbonWidth, RIBBON_WIDTH>("ribbon-width", ribbons),
+            bySetting<&Look::slices, &All::slices, SLICES>("slices", tubes),
+            bySetting<&Look::subsegments, &All::subsegments, SUBSEGMENTS>("subsegments", tubes),
+            bySetting<&Look::showTube, &All::showTube, TUBE>("tube", tubes),
+            bySetting<&Look::showRibbon, &All::showRibbon, RIBBON>("ribbon", ribbons),
+            bySetting<&Look::twoSidedRibbon, &All::twoSidedRibbon, TWO_SIDED>("two-sided", ribbons),
+            bySetting<&Look::ribbonColour, &All::ribbonColour, RIBBON_COLOUR>("ribbon-colour",
+                                                                              ribbons)};
+}
+
+const std::vector<Attribute>& attributes()
+{
+    static const std::vector<Attribute> all = makeAttributes();
+    return all;
+}
+
+const Attribute* findAttribute(std::string key, ThingKind kind)
+{
+    for (const char* american : {"color", "ribbon-color"}) {
+        if (key == american)
+            key.insert(key.size() - 1, "u");
+    }
+    for (const Attribute& attribute : attributes()) {
+        if (key == attribute.name && attribute.kinds.count(kind) > 0)
+            return &attribute;
+    }
+    return nullptr;
+}
+
+const Attribute* attributeOfSetting(const std::string& setting)
+{
+    for (const Attribute& attribute : attributes()) {
+        if (attribute.setting && setting == attribute.setting)
+            return &attribute;
+    }
+    return nullptr;
+}
 
 // "hidden, shown, deleted, name=TEXT, colour=COLOUR".
-std::string listOfAttributes()
+std::string listOfAttributes(ThingKind kind)
 {
     std::string text = "hidden, shown, deleted";
-    for (const Attribute& attribute : ATTRIBUTES)
-        text += ", " + std::string(attribute.name) + "=" + attribute.values;
+    for (const Attribute& attribute : attributes()) {
+        if (attribute.kinds.count(kind) == 0)
+            continue;
+        const std::string name = attribute.name;
+        text += ", " + (attribute.values ? name + "=" + attribute.values : name + ", no " + name);
+    }
     return text;
 }
 
@@ -205,7 +283,7 @@ std::string nameOf(const Range& range)
 
 // How they look
 
-std::string readItem(const std::string& item, ThingLook& look)
+std::string readItem(const std::string& item, ThingKind kind, ThingLook& look)
 {
     if (item == "hidden" || item == "shown") {
         look.hidden = item == "hidden";
@@ -216,14 +294,18 @@ std::string readItem(const std::string& item, ThingLook& look)
         return "";
     }
     const std::size_t equals = findUnquoted(item, '=', 0);
-    const std::string key = trimmed(item.substr(0, equals));
-    const auto* const attribute =
-        std::find_if(std::begin(ATTRIBUTES), std::end(ATTRIBUTES), [&key](const Attribute& known) {
-            return key == known.name || (key == "color" && known.name == std::string("colour"));
-        });
-    if (attribute == std::end(ATTRIBUTES) || equals == item.size())
-        return found(item, listOfAttributes());
-    const std::string fault = attribute->read(unquoted(trimmed(item.substr(equals + 1))), look);
+    std::string key = trimmed(item.substr(0, equals));
+    const bool isSaid = equals < item.size();
+    const bool isNo = !isSaid && (key.rfind("no ", 0) == 0 || key.rfind("no-", 0) == 0);
+    if (isNo)
+        key = trimmed(key.substr(3));
+    const Attribute* const attribute = findAttribute(key, kind);
+    if (!attribute || isSaid != (attribute->values != nullptr))
+        return found(item, listOfAttributes(kind));
+    const std::string text = isSaid ? unquoted(trimmed(item.substr(equals + 1)))
+                             : isNo ? "off"
+                                    : "on";
+    const std::string fault = attribute->read(text, look);
     return fault.empty() ? "" : key + ": " + fault;
 }
 
@@ -246,14 +328,14 @@ std::string readEntry(const std::string& entry, ThingLooks& looks)
         return "";
     }
     for (const std::string& item : items) {
-        const std::string fault = readItem(item, said);
+        const std::string fault = readItem(item, range->kind, said);
         if (!fault.empty())
             return fault;
     }
     for (std::size_t i = range->first; i <= range->last; ++i) {
         ThingLook& look = looks.ofThings[{range->kind, i}];
         for (const std::string& item : items)
-            readItem(item, look);
+            readItem(item, range->kind, look);
     }
     return "";
 }
@@ -269,9 +351,11 @@ std::string textOf(const ThingLook& look, bool areOthersHidden)
         add(*look.hidden ? "hidden" : "shown");
     if (look.isDeleted)
         add("deleted");
-    for (const Attribute& attribute : ATTRIBUTES) {
+    for (const Attribute& attribute : attributes()) {
+        const std::string name = attribute.name;
         if (const Text value = attribute.value(look))
-            add(std::string(attribute.name) + "=" + quoted(*value));
+            add(attribute.values ? name + "=" + quoted(*value)
+                                 : (*value == "on" ? "" : "no ") + name);
     }
     return text;
 }
@@ -326,12 +410,33 @@ std::string readThings(const std::string& text, ThingLooks& looks)
     return "";
 }
 
+bool canHaveOwn(const std::string& setting, ThingKind kind)
+{
+    const Attribute* const attribute = attributeOfSetting(setting);
+    return attribute && attribute->kinds.count(kind) > 0;
+}
+
+std::optional<std::string> ownValue(const std::string& setting, const ThingLook& look)
+{
+    const Attribute* const attribute = attributeOfSetting(setting);
+    return attribute ? attribute->value(look) : std::nullopt;
+}
+
+void setOwn(const std::string& setting, const std::optional<std::string>& text, ThingLook& look)
+{
+    const Attribute* const attribute = attributeOfSetting(setting);
+    if (attribute && text)
+        attribute->read(*text, look);
+    else if (attribute)
+        attribute->clear(look);
+}
+
 bool areOfSameNodes(const ThingLooks& shown, const ThingLooks& next)
 {
     const auto isOfSameNodes = [&](const ThingId& thing) {
         const ThingLook before = shown.of(thing), after = next.of(thing);
         return (!before.colour || after.colour) && // its own colours are its nodes' alone
-               std::all_of(std::begin(ATTRIBUTES), std::end(ATTRIBUTES),
+               std::all_of(attributes().begin(), attributes().end(),
                            [&](const Attribute& attribute) {
                                return !attribute.needsNodes ||
                                       attribute.value(before) == attribute.value(after);

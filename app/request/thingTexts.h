@@ -2,6 +2,7 @@
 #ifndef STRANDVIEW_APP_REQUEST_THINGTEXTS_H
 #define STRANDVIEW_APP_REQUEST_THINGTEXTS_H
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -10,8 +11,8 @@
 namespace strandview {
 
 // What is said of single things as text: "rod 2: hidden", "rods 3-5: colour=#ff0000, name=arm",
-// "others: hidden". A name with a comma or the like stands between quotation marks: name="a, b",
-// with a backslash before one of its own.
+// "rod 2: radius=0.3, no ribbon", "others: hidden". A name with a comma or the like stands between
+// quotation marks: name="a, b", with a backslash before one of its own.
 
 /// As users type it: "rod 2", "DNA 1"; "bases" of those without a partner, which are one together.
 std::string nameOf(const ThingId& thing);
@@ -23,6 +24,15 @@ std::vector<std::string> textsOf(const ThingLooks& looks);
 /// Adds what a text says, several with semicolons between, to what is said already. Nothing, or
 /// "found 'x', expected a colour" and the looks are as they were.
 std::string readThings(const std::string& text, ThingLooks& looks);
+
+// Settings that a thing may have of its own, by the names that they have for all.
+
+/// Whether such a thing may.
+bool canHaveOwn(const std::string& setting, ThingKind kind);
+/// What a look says of it; nothing if it leaves it to that of all things.
+std::optional<std::string> ownValue(const std::string& setting, const ThingLook& look);
+/// Lets a look say it, or leave it open: of a setting that a thing may have, a text that it takes.
+void setOwn(const std::string& setting, const std::optional<std::string>& text, ThingLook& look);
 
 /// Whether a scene that shows one can show the other by showing, hiding, naming and colouring what
 /// it has.

@@ -57,13 +57,30 @@ Builders makeBuilders(const FrameToShow& frame)
                    LoneBaseBuilder, FrameBuilder>(frame);
 }
 
+// Of the curves that it is drawn as.
+std::size_t countPoints(const Configuration& data, const ThingId& thing)
+{
+    const std::size_t i = thing.index;
+    if (thing.kind == ThingKind::ROD)
+        return i < data.rods.size() ? data.rods[i].points.size() : 0;
+    if (thing.kind == ThingKind::BIROD)
+        return i < data.birods.size() ? 3 * data.birods[i].points.size() : 0;
+    return thing.kind == ThingKind::DNA && i < data.dnas.size() ? 2 * data.dnas[i].bases.size() : 0;
+}
+
 // Refuses what would take more memory than any machine of our users has: a vertex
 // takes 64 bytes.
 std::string checkSize(const Configuration& configuration, const Style& style)
 {
     const double largest = 1e9;
     const double rows = double(countSegments(configuration, style.dna)) * style.subsegments + 1;
-    const double vertices = rows * (style.slices + 1);
+    double vertices = rows * (style.slices + 1);
+    for (const auto& [thing, look] : style.things.ofThings) {
+        const ThingStyle own = styleOf(style, thing);
+        if (look.slices || look.subsegments)
+            vertices +=
+                double(countPoints(configuration, thing)) * own.subsegments * (own.slices + 1);
+    }
     if (vertices <= largest)
         return "";
     return "found " + formatted(vertices) +
@@ -104,7 +121,7 @@ std::string computeAll(const char* work, const std::vector<Item>& items,
     computed.reserve(items.size());
     for (std::size_t i = 0; i < items.size() && error.empty(); ++i) {
         progress.show(whichOf(work, i, items.size()));
-        computed.push_back(compute(items[i], error));
+        computed.push_back(compute(items[i], i, error));
         if (progress.isStopped())
             error = STOPPED;
     }
@@ -122,23 +139,25 @@ SceneGeometry compute(const Configuration& configuration, const Extent& extent, 
     geometry.side = std::array{Side::X, Side::Y, Side::Z}[std::size_t(thinnestAxis(extent))];
     error = computeAll(
         "Building rod", configuration.rods, geometry.rods,
-        [&](const Rod& rod, std::string& fault) {
-            return RodBuilder::compute(rod, style, placement, fault);
+        [&](const Rod& rod, std::size_t i, std::string& fault) {
+            return RodBuilder::compute(rod, styleOf(style, {ThingKind::ROD, i}), placement, fault);
         },
         progress);
     if (error.empty())
         error = computeAll(
             "Building birod", configuration.birods, geometry.birods,
-            [&](const Birod& birod, std::string& fault) {
-                return BirodBuilder::compute(birod, style, placement, fault);
+            [&](const Birod& birod, std::size_t i, std::string& fault) {
+                return BirodBuilder::compute(birod, styleOf(style, {ThingKind::BIROD, i}),
+                                             placement, fault);
             },
             progress);
     const Molecules molecules(configuration);
     if (error.empty())
         error = computeAll(
             "Building DNA", configuration.dnas, geometry.dnas,
-            [&](const Dna& dna, std::string& /*fault*/) {
-                return DnaBuilder::compute(dna, molecules, style, placement);
+            [&](const Dna& dna, std::size_t i, std::string& /*fault*/) {
+                return DnaBuilder::compute(dna, molecules, styleOf(style, {ThingKind::DNA, i}),
+                                           style.dna.angstrom, placement);
             },
             progress);
     return geometry;

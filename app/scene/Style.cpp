@@ -8,6 +8,7 @@
 #include <strandview/formats/text/wording.h>
 #include <strandview/model/Extent.h>
 
+#include "request/thingTexts.h"
 #include "scene/Legend.h"
 #include "scene/backbones.h"
 
@@ -95,7 +96,33 @@ std::string checkLength(const std::string& option, const std::optional<double>& 
 
 } // namespace
 
-bool showsBackbones(const Style& style) { return style.showTube && style.dna.backbone; }
+ThingStyle styleOf(const Style& style, const ThingId& thing)
+{
+    ThingStyle own = style;
+    const auto known = style.things.ofThings.find(thing);
+    if (known == style.things.ofThings.end())
+        return own;
+    const ThingLook& look = known->second;
+    if (look.radius) {
+        own.ribbonWidth *= style.isRibbonWidthAsked ? 1 : *look.radius / own.radius;
+        own.radius = own.backboneRadius = *look.radius;
+        own.isRadiusAsked = true;
+    }
+    own.twoSidedRibbon = look.twoSidedRibbon.value_or(own.twoSidedRibbon);
+    if (own.twoSidedRibbon != style.twoSidedRibbon && !style.isRibbonWidthAsked)
+        own.ribbonWidth *= own.twoSidedRibbon ? 2 : 0.5;
+    own.ribbonWidth = look.ribbonWidth.value_or(own.ribbonWidth);
+    own.isRibbonWidthAsked = own.isRibbonWidthAsked || look.ribbonWidth;
+    own.slices = look.slices.value_or(own.slices);
+    own.subsegments = look.subsegments.value_or(own.subsegments);
+    own.showTube = look.showTube.value_or(own.showTube);
+    own.showBackbones = own.showTube && style.dna.backbone;
+    const bool asksForRibbon = look.ribbonWidth || look.ribbonColour || look.twoSidedRibbon;
+    own.showRibbon = look.showRibbon.value_or(own.showRibbon);
+    own.showMadeFrames = look.showRibbon.value_or(own.showMadeFrames || asksForRibbon);
+    own.ribbonColour = look.ribbonColour.value_or(own.ribbonColour);
+    return own;
+}
 
 bool asksForRibbon(const StyleRequest& request)
 {
@@ -118,6 +145,7 @@ Style makeStyle(const Options& options, const Configuration& configuration)
         automaticSubsegments(segments, !configuration.dnas.empty() && options.dna.backbone));
     style.slices = options.slices.value_or(automaticSlices(segments, style.subsegments));
     style.showTube = options.showTube;
+    style.showBackbones = options.showTube && options.dna.backbone;
     style.showRibbon = options.showRibbon.value_or(true);
     style.showMadeFrames = asksForRibbon(options);
     style.twoSidedRibbon = options.twoSidedRibbon;
@@ -132,8 +160,10 @@ Style makeStyle(const Options& options, const Configuration& configuration)
     return style;
 }
 
-StyleRequest resolve(StyleRequest request, const Style& style)
+StyleRequest resolve(StyleRequest request, const ThingStyle& style)
 {
+    request.showTube = style.showTube;
+    request.twoSidedRibbon = style.twoSidedRibbon;
     request.radius = style.radius;
     request.ribbonWidth = style.ribbonWidth;
     request.slices = style.slices;
@@ -146,8 +176,17 @@ StyleRequest resolve(StyleRequest request, const Style& style)
 std::string checkLengths(const Options& options, const Configuration& configuration)
 {
     const Extent extent = measure(configuration);
-    const std::string fault = checkLength("--radius", options.radius, extent);
-    return fault.empty() ? checkLength("--ribbon-width", options.ribbonWidth, extent) : fault;
+    std::string fault = checkLength("--radius", options.radius, extent);
+    if (fault.empty())
+        fault = checkLength("--ribbon-width", options.ribbonWidth, extent);
+    for (const auto& [thing, look] : options.things.ofThings) {
+        const std::string option = "--thing " + nameOf(thing) + ": ";
+        if (fault.empty())
+            fault = checkLength(option + "radius", look.radius, extent);
+        if (fault.empty())
+            fault = checkLength(option + "ribbon-width", look.ribbonWidth, extent);
+    }
+    return fault;
 }
 
 } // namespace strandview

@@ -12,8 +12,8 @@
 
 namespace strandview {
 
-/// How everything is drawn. Lengths are in the data's unit.
-struct Style
+/// How one thing is drawn. Lengths are in the data's unit.
+struct ThingStyle
 {
     double radius;
     double ribbonWidth;
@@ -23,11 +23,17 @@ struct Style
     int slices;
     int subsegments;
     bool showTube;
+    bool showBackbones; ///< those of rods that are one, and ideal ones
     bool showRibbon;
     bool showMadeFrames; ///< a ribbon of rods without frames of their own, too
     bool twoSidedRibbon;
-    std::optional<Colour> tubeColour; ///< of all rods; otherwise a colour each
     Colour ribbonColour;
+};
+
+/// How everything is drawn, but for what single things have of their own.
+struct Style : ThingStyle
+{
+    std::optional<Colour> tubeColour; ///< of all rods; otherwise a colour each
     Colour background;
     LegendLook legend;
     float legendTextSize; ///< in the legend's own view
@@ -38,8 +44,8 @@ struct Style
     DnaLook dna;
 };
 
-/// Whether the tubes of backbones are shown: of rods that are one, and ideal ones.
-bool showsBackbones(const Style& style);
+/// That of one thing. What follows from what it has of its own does so as for all.
+ThingStyle styleOf(const Style& style, const ThingId& thing);
 
 /// Whether a ribbon is asked for, or it is said how it is to look.
 bool asksForRibbon(const StyleRequest& request);
@@ -52,8 +58,9 @@ bool asksForRibbon(const StyleRequest& request);
 /// vertices stays within what a window redraws smoothly.
 Style makeStyle(const Options& options, const Configuration& configuration);
 
-/// What is asked for, with what a style of it makes of what it leaves open.
-StyleRequest resolve(StyleRequest request, const Style& style);
+/// What is asked for of all things, or of one, with what a style of it makes of what it leaves
+/// open.
+StyleRequest resolve(StyleRequest request, const ThingStyle& style);
 
 /// One line about a length of the options that cannot be drawn beside these data, or
 /// nothing.

@@ -52,6 +52,7 @@
 #include "window/FrameWaiter.h"
 #include "window/History.h"
 #include "window/LoadBar.h"
+#include "window/LookPanel.h"
 #include "window/Menus.h"
 #include "window/PlacePanel.h"
 #include "window/PlaceTeller.h"
@@ -266,15 +267,16 @@ void MainWindow::buildPanels()
 
 void MainWindow::buildSettings()
 {
-    lookPanel = new SettingsPanel({"Look", "DNA"}, docks);
-    lookDock = addPanel(lookPanel, "Look", Command::SHOW_LOOK);
+    look = new LookPanel(docks);
+    lookPanel = look->getSettings();
+    lookDock = addPanel(look, "Look", Command::SHOW_LOOK);
     colourPanel = new SettingsPanel({"Colour by data"}, docks);
     colourDock = addPanel(colourPanel, "Colours", Command::SHOW_COLOUR_SETTINGS);
     docks->tabifyDockWidget(lookDock, colourDock);
     lookPanel->setObjectName("lookPanel");
     colourPanel->setObjectName("colourPanel");
-    for (SettingsPanel* panel : {lookPanel, colourPanel})
-        connect(panel, &SettingsPanel::changed, this, &MainWindow::setStyle);
+    connect(look, &LookPanel::changed, this, &MainWindow::setStyle);
+    connect(colourPanel, &SettingsPanel::changed, this, &MainWindow::setStyle);
     connect(&restyler, &Restyler::finished, this,
             [this](const std::shared_ptr<Restyler::Result>& result) { showStyle(*result); });
     shownStyle = options;
@@ -442,6 +444,7 @@ void MainWindow::outlineChosen()
         const ShownDatum& datum = scene->getShown(thing.kind)[thing.index];
         shown.push_back({datum.group, datum.box});
     }
+    look->offer(things->namesOfChosen());
     ownedViewer->outline.setThings(shown);
     viewer->scheduleRedraw();
 }
@@ -1084,8 +1087,8 @@ void MainWindow::tellStyle()
             shown.legend.unit = options.legend.unit.value_or(colouring->unit);
         }
     }
-    for (SettingsPanel* panel : {lookPanel, colourPanel})
-        panel->show(options, shown);
+    look->show(options, shown, scene ? &scene->getStyle() : nullptr);
+    colourPanel->show(options, shown);
 }
 
 void MainWindow::copyCamera()

@@ -38,6 +38,7 @@ class CurvePanel;
 class DataScene;
 class History;
 class LoadBar;
+class LookPanel;
 class Menus;
 class PlacePanel;
 class PlaceTeller;
@@ -270,6 +271,7 @@ private:
     QMainWindow* docks = nullptr; // view and panels
     QDockWidget *placeDock = nullptr, *thingsDock = nullptr, *curveDock = nullptr;
     QDockWidget *lookDock = nullptr, *colourDock = nullptr;
+    LookPanel* look = nullptr;
     SettingsPanel *lookPanel = nullptr, *colourPanel = nullptr;
     ThingsPanel* things = nullptr;
     CurvePanel* curves = nullptr;

@@ -11,6 +11,7 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
+#include "request/thingTexts.h"
 #include "window/SettingControl.h"
 
 namespace strandview {
@@ -78,12 +79,31 @@ void SettingsPanel::show(const StyleRequest& asked, const StyleRequest& shown)
 {
     request = asked;
     shownStyle = shown;
+    isOfThings = false;
     for (const Row& row : rows) {
         const Setting& setting = row.control->getSetting();
         const std::optional<std::string> text = setting.write(asked);
         row.control->show(text, setting.value(shown));
         row.reset->setVisible(text.has_value());
+        row.reset->setToolTip("As usual");
         row.control->getWidget()->setEnabled(setting.isOfUse(asked));
+    }
+}
+
+void SettingsPanel::showOwn(const ThingLook& look, const std::set<ThingKind>& kinds,
+                            const StyleRequest& shown)
+{
+    shownStyle = shown;
+    isOfThings = true;
+    for (const Row& row : rows) {
+        const Setting& setting = row.control->getSetting();
+        const std::optional<std::string> text = ownValue(setting.name, look);
+        row.control->show(text, setting.value(shown));
+        row.reset->setVisible(text.has_value());
+        row.reset->setToolTip("As all things");
+        row.control->getWidget()->setEnabled(
+            std::any_of(kinds.begin(), kinds.end(),
+                        [&](ThingKind kind) { return canHaveOwn(setting.name, kind); }));
     }
 }
 
@@ -120,17 +140,27 @@ void SettingsPanel::read(const Setting& setting, const QString& text)
 {
     StyleRequest next = request;
     const std::string fault = setting.read(text.toStdString(), next);
+    if (isOfThings && fault.empty()) {
+        tellFault("");
+        emit ownChosen(setting.name, text);
+        return;
+    }
     if (fault.empty() && next != request)
         clearWhatNeeds(setting, next, true);
     tellFault(fault.empty() ? "" : std::string(setting.label) + ": " + fault);
     if (fault.empty() && next != request)
         emit changed(next, setting.name);
-    else
+    else if (!isOfThings)
         show(request, shownStyle);
 }
 
 void SettingsPanel::clear(const Setting& setting)
 {
+    if (isOfThings) {
+        tellFault("");
+        emit ownCleared(setting.name);
+        return;
+    }
     StyleRequest next = request;
     setting.clear(next);
     clearWhatNeeds(setting, next, false);

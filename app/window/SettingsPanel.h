@@ -2,6 +2,7 @@
 #ifndef STRANDVIEW_APP_WINDOW_SETTINGSPANEL_H
 #define STRANDVIEW_APP_WINDOW_SETTINGSPANEL_H
 
+#include <set>
 #include <string>
 #include <vector>
 
@@ -28,6 +29,9 @@ public:
 
     /// What is asked for, and what is shown of it, where the data fill in what is left open.
     void show(const StyleRequest& asked, const StyleRequest& shown);
+    /// What a thing, of some of these kinds, has of its own instead, and what is shown of it.
+    void showOwn(const ThingLook& look, const std::set<ThingKind>& kinds,
+                 const StyleRequest& shown);
     /// The scalars that there are.
     void offerScalars(const std::vector<std::string>& names);
     /// Why something is not shown, in a line; empty for nothing.
@@ -36,6 +40,9 @@ public:
 signals:
     /// The user asks for another style; `setting` is the name of the one that is another.
     void changed(const strandview::StyleRequest& next, const QString& setting);
+    // The same of what a thing has of its own
+    void ownChosen(const QString& setting, const QString& text);
+    void ownCleared(const QString& setting);
 
 private:
     void addControl(const Setting& setting, QFormLayout& form);
@@ -50,6 +57,7 @@ private:
     std::vector<Row> rows;
     StyleRequest request;
     StyleRequest shownStyle;
+    bool isOfThings = false; ///< what is shown
     QLabel* faultLine;
 };
 

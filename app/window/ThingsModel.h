@@ -48,6 +48,7 @@ public:
     Things thingsIn(const QModelIndexList& rows) const;
     /// Its name; invalid of what has no row.
     QModelIndex rowOf(const Thing& thing) const;
+    std::set<ThingId> idsOf(const Things& things) const;
     /// Null of what has no row.
     const ShownDatum* find(const Thing& thing) const;
 
@@ -83,7 +84,6 @@ private:
     void remove(Row& parent, std::size_t first, std::size_t count);
     Qt::CheckState tickOf(const Row& row) const;
     Things thingsIn(const Row& row) const;
-    std::set<ThingId> idsOf(const Things& things) const;
     template <typename Change>
     void change(const Things& things, Change change);
 

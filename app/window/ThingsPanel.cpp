@@ -172,6 +172,16 @@ ThingsPanel::Things ThingsPanel::chosen() const
     return model->thingsIn(list->selectionModel()->selectedRows(ThingsModel::NAME));
 }
 
+std::map<ThingId, std::string> ThingsPanel::namesOfChosen() const
+{
+    std::map<ThingId, std::string> names;
+    for (const Thing& thing : chosen()) {
+        for (const ThingId& id : model->idsOf({thing}))
+            names[id] = model->rowOf(thing).data().toString().toStdString();
+    }
+    return names;
+}
+
 void ThingsPanel::choose(const std::optional<Thing>& thing)
 {
     const QModelIndex row = thing ? model->rowOf(*thing) : QModelIndex();

@@ -3,8 +3,10 @@
 #define STRANDVIEW_APP_WINDOW_THINGSPANEL_H
 
 #include <functional>
+#include <map>
 #include <optional>
 #include <set>
+#include <string>
 
 #include <Inventor/SbBox3f.h>
 #include <QWidget>
@@ -44,6 +46,8 @@ public:
 
     /// Those that are there.
     Things chosen() const;
+    /// The same with the names that they are known by.
+    std::map<ThingId, std::string> namesOfChosen() const;
     /// Instead of what is chosen; nothing of nothing.
     void choose(const std::optional<Thing>& thing);
     /// Beside it, or no more if it is.

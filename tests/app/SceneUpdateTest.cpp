@@ -853,11 +853,24 @@ TEST_F(SceneUpdateTest, ShowsAnotherStyleAsANewSceneDoes)
 {
     build(oneOfEach());
     const std::pair<const char*, const char*> changes[] = {
-        {"radius", "0.3"},         {"ribbon-width", "0.7"}, {"slices", "5"},
-        {"subsegments", "3"},      {"ribbon", "off"},       {"ribbon", "on"},
-        {"two-sided", "on"},       {"tube", "off"},         {"tube", "on"},
-        {"tube-colour", "red"},    {"dna", "atoms,pairs"},  {"ribbon-colour", "blue"},
-        {"dna", "backbone,boxes"}, {"dna-unit", "nm"}};
+        {"radius", "0.3"},
+        {"ribbon-width", "0.7"},
+        {"slices", "5"},
+        {"subsegments", "3"},
+        {"ribbon", "off"},
+        {"ribbon", "on"},
+        {"two-sided", "on"},
+        {"tube", "off"},
+        {"tube", "on"},
+        {"tube-colour", "red"},
+        {"dna", "atoms,pairs"},
+        {"ribbon-colour", "blue"},
+        {"dna", "backbone,boxes"},
+        {"dna-unit", "nm"},
+        {"thing", "rod 1: radius=0.5, no ribbon; birod 1: radius=0.2"},
+        {"thing", "rod 1: ribbon-width=2, two-sided, slices=4; DNA 1: subsegments=2, slices=3"},
+        {"thing", "birod 1: no tube, ribbon, ribbon-colour=red"},
+        {"thing", "DNA 1: no tube; birod 1: no ribbon, colour=lime; rod 1: hidden"}};
     for (const auto& [name, value] : changes) {
         SCOPED_TRACE(std::string(name) + " " + value);
         ASSERT_EQ(settingOf(name).read(value, options), "");
@@ -1018,6 +1031,55 @@ TEST_F(SceneUpdateTest, AColourOfItsOwnComesBackWithAStyleThatNamesNoOther)
     options.things = {};
     ASSERT_EQ(restyle(options, oneOfEach()), "");
     EXPECT_EQ(scene->getShown(RODS)[0].getColour(scene->getShown(RODS)[0]), before);
+}
+
+TEST_F(SceneUpdateTest, FramesHaveWhatSingleThingsHaveOfTheirOwn)
+{
+    ASSERT_EQ(readThings("rod 1: radius=0.5, no ribbon; birod 1: slices=4, ribbon-colour=red; "
+                         "DNA 1: radius=2",
+                         options.things),
+              "");
+    build(oneOfEach());
+    ASSERT_EQ(update(oneOfEach(0.3)), "");
+    expectShows(oneOfEach(0.3));
+}
+
+TEST_F(SceneUpdateTest, AThingLooksAsAllDoWhereAllLookSo)
+{
+    Configuration data = oneOfEach();
+    data.markers.clear(); // whose size is that of the radius of all
+    data.frames.clear();
+    data.arrows.clear();
+    options.radius = 0.3;
+    options.slices = 7;
+    options.subsegments = 3;
+    options.showRibbon = false;
+    build(data);
+    const SbBox3f box = scene->getBox();
+    const ::Picture all = render(scene, box);
+    const double radius = *options.radius;
+    options.slices.reset();
+    options.subsegments.reset();
+    options.showRibbon.reset();
+    options.radius = 0.1;
+    ASSERT_EQ(restyle(options, data), "");
+    EXPECT_GT(compare(render(scene, box), all).pixels, 50);
+    for (const ThingKind kind : {ThingKind::ROD, ThingKind::BIROD, ThingKind::DNA}) {
+        ThingLook& look = options.things.ofThings[{kind, 0}];
+        look.radius = radius;
+        look.slices = 7;
+        look.subsegments = 3;
+        look.showRibbon = false;
+    }
+    ASSERT_EQ(restyle(options, data), "");
+    EXPECT_EQ(compare(render(scene, box), all).pixels, 0);
+}
+
+TEST_F(SceneUpdateTest, ALengthOfAThingThatDoesNotSuitTheDataIsTold)
+{
+    build(oneOfEach());
+    ASSERT_EQ(readThings("rod 1: radius=1e9", options.things), "");
+    EXPECT_THAT(restyle(options, oneOfEach()), HasSubstr("--thing rod 1: radius: found 1e+09"));
 }
 
 TEST_F(SceneUpdateTest, ANewSceneHidesWhatItsStyleDoes)

@@ -46,8 +46,10 @@ std::vector<std::string> examplesOf(const Setting& setting)
     case SettingKind::THINGS:
         return {
             "rod 2: hidden", "others: hidden",
+            "rod 1: radius=0.3, slices=8, subsegments=2, no tube, ribbon, two-sided, "
+            "ribbon-colour=#00ff00",
             "rods 3-5: colour=#ff0000; DNA 1: shown, name=\"a, \\\"b\\\": c; d\"; others: hidden",
-            "birod 1: deleted, name=Left arm; bases: hidden; frame 7: name=[x, y]"};
+            "birod 1: deleted, name=Left arm; bases: hidden; frame 7: name=\"[x, y]\""};
     }
     return {};
 }

@@ -16,6 +16,7 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 using testing::StartsWith;
 
 const ThingId ROD_2{ThingKind::ROD, 1};
@@ -118,6 +119,42 @@ TEST(ThingTextsTest, WhatIsNoThingOrNoLookIsToldWithWhatIs)
     EXPECT_THAT(faultOf("others: colour=red"), StartsWith("found 'colour=red', expected hidden"));
 }
 
+TEST(ThingTextsTest, ASwitchIsSaidByItsNameOrWithNoBeforeIt)
+{
+    const ThingLook look = read("rod 2: no ribbon, no-tube, two-sided").of(ROD_2);
+    EXPECT_EQ(look.showRibbon, false);
+    EXPECT_EQ(look.showTube, false);
+    EXPECT_EQ(look.twoSidedRibbon, true);
+    EXPECT_FALSE(look.radius);
+}
+
+TEST(ThingTextsTest, AKindTakesWhatItHas)
+{
+    EXPECT_EQ(read("DNA 1: radius=0.5").of({ThingKind::DNA, 0}).radius, 0.5);
+    for (const char* text : {"marker 1: radius=1", "DNA 1: ribbon", "frame 1: colour=red",
+                             "bases: colour=red", "arrow 2: no tube"})
+        EXPECT_THAT(faultOf(text), HasSubstr("expected hidden, shown, deleted, name=TEXT")) << text;
+    EXPECT_THAT(faultOf("marker 1: radius=1"), Not(HasSubstr("ribbon")));
+    EXPECT_EQ(faultOf("rod 1: radius=0"), "radius: found '0', expected a length above 0");
+    EXPECT_EQ(faultOf("rod 1: slices=2"),
+              "slices: found '2', expected a whole number from 3 to 1000");
+}
+
+TEST(ThingTextsTest, ASettingThatAThingHasOfItsOwnIsSetReadAndClearedByItsName)
+{
+    ThingLook look;
+    EXPECT_TRUE(canHaveOwn("tube-colour", ThingKind::ROD));
+    EXPECT_FALSE(canHaveOwn("ribbon-width", ThingKind::DNA));
+    EXPECT_FALSE(canHaveOwn("background", ThingKind::ROD));
+    setOwn("tube-colour", "red", look);
+    setOwn("ribbon", "off", look);
+    EXPECT_EQ(ownValue("tube-colour", look), "#ff0000");
+    EXPECT_EQ(ownValue("ribbon", look), "off");
+    EXPECT_EQ(ownValue("radius", look), std::nullopt);
+    setOwn("tube-colour", std::nullopt, look);
+    EXPECT_EQ(ownValue("tube-colour", look), std::nullopt);
+}
+
 TEST(ThingTextsTest, OfTextsOfWhichOneIsWrongNothingIsTaken)
 {
     ThingLooks looks = read("rod 2: hidden");
@@ -138,12 +175,17 @@ TEST(ThingTextsTest, TheOptionIsGivenForEachAndTakesNoFile)
                 ElementsAre("rod 1: name=\"[a, b]\"", "rod 2: hidden, colour=#ff0000"));
 }
 
-TEST(ThingTextsTest, OnlyAColourThatGoesNeedsOtherNodes)
+TEST(ThingTextsTest, AColourThatGoesAndWhatCurvesHaveOfTheirOwnNeedOtherNodes)
 {
     const ThingLooks none, red = read("rod 2: colour=red");
     EXPECT_TRUE(areOfSameNodes(none, red));
     EXPECT_TRUE(areOfSameNodes(red, read("rod 2: colour=blue, name=a, hidden; others: hidden")));
     EXPECT_FALSE(areOfSameNodes(red, none));
+    for (const char* own : {"rod 2: radius=1", "rod 2: no tube", "rod 2: ribbon-colour=red"}) {
+        EXPECT_FALSE(areOfSameNodes(none, read(own))) << own;
+        EXPECT_FALSE(areOfSameNodes(read(own), none)) << own;
+        EXPECT_TRUE(areOfSameNodes(read(own), read(own))) << own;
+    }
 }
 
 } // namespace strandview

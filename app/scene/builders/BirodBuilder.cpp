@@ -31,7 +31,7 @@ std::string nameOfPoint(const Birod& birod, const std::string& member, std::size
 }
 
 // What is wrong with one of a birod's three curves.
-std::string findFault(const Birod& birod, const SoBirod::Meshes& meshes, const Style& style)
+std::string findFault(const Birod& birod, const SoBirod::Meshes& meshes, const ThingStyle& style)
 {
     struct Strand
     {
@@ -113,7 +113,7 @@ void placeIn(const ShownDatum& shown, const SoPickedPoint& picked, int /*index*/
 
 } // namespace
 
-SceneGeometry::Birod BirodBuilder::compute(const Birod& birod, const Style& style,
+SceneGeometry::Birod BirodBuilder::compute(const Birod& birod, const ThingStyle& style,
                                            const Placement& placement, std::string& error)
 {
     SceneGeometry::Birod computed;
@@ -144,7 +144,7 @@ SbBox3f BirodBuilder::getReach(std::size_t index) const
 
 ShownDatum BirodBuilder::makeNodes(std::size_t index)
 {
-    const Style& style = frame.style;
+    const ThingStyle style = styleOf(index);
     const double radius = frame.scaled(style.radius), width = frame.scaled(style.ribbonWidth);
     auto* binding = new SoMaterialBinding;
     binding->value = SoMaterialBinding::PER_PART;
@@ -209,11 +209,11 @@ void BirodBuilder::setDataColours(std::size_t index, ShownDatum& shown) const
 void BirodBuilder::setColours(std::size_t index, const SoBirod& birod, SoMaterial* material) const
 {
     std::vector<SbColor> colours;
+    const SbColor ribbonColour = toSbColor(styleOf(index).ribbonColour);
     const auto append = [&](const Mesh& tube, const Mesh& ribbon, int strand) {
         colours.insert(colours.end(), std::size_t(tube.getHeight()),
                        toSbColor(birodColour(index, strand, frame.data.rods.size(), frame.style)));
-        colours.insert(colours.end(), std::size_t(ribbon.getHeight()),
-                       toSbColor(frame.style.ribbonColour));
+        colours.insert(colours.end(), std::size_t(ribbon.getHeight()), ribbonColour);
     };
     append(*birod.getAvgTubeMesh(), *birod.getAvgRibbonMesh(), 0);
     append(*birod.getTube1Mesh(), *birod.getRibbon1Mesh(), 1);

@@ -17,7 +17,7 @@ public:
 
     /// The points and meshes of one birod, in any thread. One line in `error` if one of its
     /// tubes, or of its ribbons where they are shown, cannot be interpolated.
-    static SceneGeometry::Birod compute(const Birod& birod, const Style& style,
+    static SceneGeometry::Birod compute(const Birod& birod, const ThingStyle& style,
                                         const Placement& placement, std::string& error);
 
     ThingKind getKind() const override { return ThingKind::BIROD; }

@@ -75,6 +75,10 @@ protected:
     virtual std::string getName(std::size_t index) const = 0;
     /// The box that Coin finds unless there is a better one.
     virtual SbBox3f findBox(std::size_t index, const ShownDatum& shown);
+    ThingStyle styleOf(std::size_t index) const
+    {
+        return strandview::styleOf(frame.style, {getKind(), index});
+    }
 
     const FrameToShow frame;
 

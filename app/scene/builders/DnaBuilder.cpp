@@ -232,7 +232,7 @@ SoSwitch* makePairChoice(SoNode* own, const DnaLook& look)
     return choice;
 }
 
-SoSeparator* makeBackbone(const Style& style)
+SoSeparator* makeBackbone(const ThingStyle& style)
 {
     auto* group = new SoSeparator;
     group->addChild(new SoMaterial);
@@ -304,7 +304,7 @@ std::vector<Vector3<double>> withoutCoincident(const std::vector<Vector3<double>
 }
 
 SceneGeometry::Backbone computeBackbone(const std::vector<Vector3<double>>& points,
-                                        const Style& style, const Placement& placement)
+                                        const ThingStyle& style, const Placement& placement)
 {
     SceneGeometry::Backbone backbone;
     backbone.points = placement.toScene(withoutCoincident(points));
@@ -326,14 +326,15 @@ SceneGeometry::Backbone computeBackbone(const std::vector<Vector3<double>>& poin
 } // namespace
 
 SceneGeometry::Dna DnaBuilder::compute(const Dna& dna, const Molecules& molecules,
-                                       const Style& style, const Placement& placement)
+                                       const ThingStyle& style, double angstrom,
+                                       const Placement& placement)
 {
     SceneGeometry::Dna computed;
-    if (!showsBackbones(style) || molecules.hasBackbone(dna.molecule))
+    if (!style.showBackbones || molecules.hasBackbone(dna.molecule))
         return computed;
     for (Strand strand : STRANDS)
         computed.backbones[std::size_t(strand)] =
-            computeBackbone(idealBackbone(dna, strand, style.dna.angstrom), style, placement);
+            computeBackbone(idealBackbone(dna, strand, angstrom), style, placement);
     return computed;
 }
 
@@ -347,7 +348,7 @@ SbBox3f DnaBuilder::getReach(std::size_t index) const
         if (backbone.points.empty())
             continue;
         box.extendBy(backbone.meshes.tube->getBBox());
-        box.extendBy(headOf(backbone.points.back(), backbone.rotations.back()).getBox());
+        box.extendBy(headOf(index, backbone.points.back(), backbone.rotations.back()).getBox());
     }
     return box;
 }
@@ -363,7 +364,7 @@ SbBox3f DnaBuilder::findBox(std::size_t index, const ShownDatum& shown)
         Quaternion<double> rotation;
         rod.getFrame(end, rotation, rod.getPointsNum() - 1);
         box.extendBy(rod.getTubeMesh()->getBBox());
-        box.extendBy(headOf(end, rotation).getBox());
+        box.extendBy(headOf(index, end, rotation).getBox());
     }
     return box;
 }
@@ -379,9 +380,10 @@ SbBox3f DnaBuilder::boxOfBases(const Dna& dna) const
     return box;
 }
 
-ArrowHead DnaBuilder::headOf(const Vector3<double>& end, const Quaternion<double>& rotation) const
+ArrowHead DnaBuilder::headOf(std::size_t index, const Vector3<double>& end,
+                             const Quaternion<double>& rotation) const
 {
-    return ArrowHead(end, rotation, frame.scaled(frame.style.backboneRadius));
+    return ArrowHead(end, rotation, frame.scaled(styleOf(index).backboneRadius));
 }
 
 ShownDatum DnaBuilder::makeNodes(std::size_t index)
@@ -391,7 +393,7 @@ ShownDatum DnaBuilder::makeNodes(std::size_t index)
     shown.group = new SoSeparator;
     shown.group->addChild(makePairs(makeDnaOf(look), frame.scaled(look.angstrom)));
     for (std::size_t i = 0; i < STRANDS.size(); ++i)
-        shown.group->addChild(makeBackbone(frame.style));
+        shown.group->addChild(makeBackbone(styleOf(index)));
     shown.node = shown.group;
     shown.placeIn = &placeIn;
     shown.setColour = &setColour;
@@ -516,9 +518,9 @@ void DnaBuilder::setBackbone(std::size_t index, Strand strand, SoSeparator& grou
     if (backbone.points.empty())
         arrow->setArrow({}, {}, 0, 0, 0);
     else
-        headOf(backbone.points.back(), backbone.rotations.back()).show(*arrow);
+        headOf(index, backbone.points.back(), backbone.rotations.back()).show(*arrow);
     SoRod& rod = rodOf(group);
-    rod.setTubeRadius(frame.scaled(frame.style.backboneRadius));
+    rod.setTubeRadius(frame.scaled(styleOf(index).backboneRadius));
     rod.setData(std::move(backbone.points), std::move(backbone.rotations),
                 std::move(backbone.meshes));
 }

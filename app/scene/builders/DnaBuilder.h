@@ -21,7 +21,8 @@ public:
     /// The ideal backbones of one, in any thread. A strand through which no curve can be drawn has
     /// none.
     static SceneGeometry::Dna compute(const Dna& dna, const Molecules& molecules,
-                                      const Style& style, const Placement& placement);
+                                      const ThingStyle& style, double angstrom,
+                                      const Placement& placement);
 
     ThingKind getKind() const override { return ThingKind::DNA; }
     const char* getWork() const override;
@@ -35,7 +36,7 @@ protected:
 
 private:
     SbBox3f boxOfBases(const Dna& dna) const;
-    ArrowHead headOf(const algebra3d::Vector3<double>& end,
+    ArrowHead headOf(std::size_t index, const algebra3d::Vector3<double>& end,
                      const algebra3d::Quaternion<double>& rotation) const;
     void setPairs(const Dna& dna, const DnaLook& look, SoDNA& node) const;
     void setBackbone(std::size_t index, Strand strand, SoSeparator& group);

@@ -20,24 +20,24 @@ namespace strandview {
 namespace {
 
 // Made frames are shown only if somebody asks for a ribbon.
-bool showsRibbon(const Style& style, const Rod& rod)
+bool showsRibbon(const ThingStyle& style, const Rod& rod)
 {
     return style.showRibbon && !rod.isBackbone && (rod.hasFrames || style.showMadeFrames);
 }
 
-bool showsTube(const Style& style, const Rod& rod)
+bool showsTube(const ThingStyle& style, const Rod& rod)
 {
-    return rod.isBackbone ? showsBackbones(style) : style.showTube;
+    return rod.isBackbone ? style.showBackbones : style.showTube;
 }
 
-double radiusOf(const Rod& rod, const Style& style)
+double radiusOf(const Rod& rod, const ThingStyle& style)
 {
     if (style.isRadiusAsked)
         return style.radius;
     return rod.radius.value_or(rod.isBackbone ? style.backboneRadius : style.radius);
 }
 
-double ribbonWidthOf(const Rod& rod, const Style& style)
+double ribbonWidthOf(const Rod& rod, const ThingStyle& style)
 {
     return style.isRibbonWidthAsked ? style.ribbonWidth
                                     : style.ribbonWidth * (radiusOf(rod, style) / style.radius);
@@ -73,7 +73,7 @@ SbColor getColour(const ShownDatum& shown) { return ownColours(shown)[0]; }
 
 } // namespace
 
-SceneGeometry::Rod RodBuilder::compute(const Rod& rod, const Style& style,
+SceneGeometry::Rod RodBuilder::compute(const Rod& rod, const ThingStyle& style,
                                        const Placement& placement, std::string& error)
 {
     SceneGeometry::Rod computed;
@@ -102,7 +102,7 @@ SbBox3f RodBuilder::getReach(std::size_t index) const
     const Rod& rod = datum(index);
     const SoRod::Meshes& meshes = frame.geometry.rods[index].meshes;
     SbBox3f box = meshes.tube->getBBox();
-    if (showsRibbon(frame.style, rod))
+    if (showsRibbon(styleOf(index), rod))
         box.extendBy(meshes.ribbon->getBBox());
     if (rod.isBackbone)
         box.extendBy(headOf(index).getBox());
@@ -111,7 +111,7 @@ SbBox3f RodBuilder::getReach(std::size_t index) const
 
 ShownDatum RodBuilder::makeNodes(std::size_t index)
 {
-    const Style& style = frame.style;
+    const ThingStyle style = styleOf(index);
     ShownDatum shown;
     shown.group = new SoSeparator;
     shown.group->addChild(new SoMaterial);
@@ -129,11 +129,12 @@ void RodBuilder::updateNodes(std::size_t index, ShownDatum& shown)
 {
     auto* node = static_cast<SoRod*>(shown.node);
     const Rod& rod = datum(index);
+    const ThingStyle style = styleOf(index);
     SceneGeometry::Rod& computed = frame.geometry.rods[index];
-    node->setTubeRadius(frame.scaled(radiusOf(rod, frame.style)));
-    node->setRibbonWidth(frame.scaled(ribbonWidthOf(rod, frame.style)));
-    node->showTube(showsTube(frame.style, rod));
-    node->showRibbon(showsRibbon(frame.style, rod));
+    node->setTubeRadius(frame.scaled(radiusOf(rod, style)));
+    node->setRibbonWidth(frame.scaled(ribbonWidthOf(rod, style)));
+    node->showTube(showsTube(style, rod));
+    node->showRibbon(showsRibbon(style, rod));
     node->setClosed(rod.isClosed);
     node->setData(std::move(computed.points), rod.rotations, std::move(computed.meshes));
     recolour(index, shown);
@@ -155,7 +156,7 @@ void RodBuilder::recolour(std::size_t index, ShownDatum& shown)
 void RodBuilder::setOwnColours(std::size_t index, SoNode* material) const
 {
     const SbColor colours[] = {toSbColor(rodColour(datum(index), index, frame.style, molecules)),
-                               toSbColor(frame.style.ribbonColour)};
+                               toSbColor(styleOf(index).ribbonColour)};
     static_cast<SoMaterial*>(material)->diffuseColor.setValues(0, 2, colours);
 }
 
@@ -163,14 +164,14 @@ ArrowHead RodBuilder::headOf(std::size_t index) const
 {
     const Rod& rod = datum(index);
     return ArrowHead(frame.placement.toScene(rod.points.back()), rod.rotations.back(),
-                     frame.scaled(radiusOf(rod, frame.style)));
+                     frame.scaled(radiusOf(rod, styleOf(index))));
 }
 
 // The third of the nodes, where there is one.
 void RodBuilder::showHead(std::size_t index, ShownDatum& shown) const
 {
     const bool isThere = shown.group->getNumChildren() > 2;
-    if (!datum(index).isBackbone || !showsBackbones(frame.style)) {
+    if (!datum(index).isBackbone || !styleOf(index).showBackbones) {
         if (isThere)
             shown.group->removeChild(2);
         return;

@@ -20,7 +20,7 @@ public:
 
     /// The points and meshes of one rod, in any thread. One line in `error` if a tube, or a
     /// ribbon that is shown, cannot be interpolated.
-    static SceneGeometry::Rod compute(const Rod& rod, const Style& style,
+    static SceneGeometry::Rod compute(const Rod& rod, const ThingStyle& style,
                                       const Placement& placement, std::string& error);
 
     std::string check(std::size_t index) const override;
