@@ -35,6 +35,7 @@ struct StyleRequest
     bool showTube = true;
     std::optional<bool> showRibbon;
     bool twoSidedRibbon = false;
+    double transparency = 0; ///< of tubes, ribbons, bases and boxes, up to 1
 
     DnaLook dna;
 

@@ -49,6 +49,8 @@ struct ThingLook
     std::optional<bool> twoSidedRibbon;
     std::optional<Colour> ribbonColour;
 
+    std::optional<double> transparency; ///< up to 1
+
     bool isHidden() const { return hidden.value_or(false); }
 };
 

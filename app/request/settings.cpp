@@ -98,6 +98,16 @@ std::string readLength(const std::string& text, StyleRequest& request)
     return "";
 }
 
+template <auto member>
+std::string readShare(const std::string& text, StyleRequest& request)
+{
+    const std::optional<double> share = parseNumber<double>(text);
+    if (!share || *share < 0 || *share > 1)
+        return found(text, "a number from 0 to 1");
+    request.*member = *share;
+    return "";
+}
+
 template <auto member, int least, int most>
 std::string readCount(const std::string& text, StyleRequest& request)
 {
@@ -443,6 +453,10 @@ std::vector<Setting> makeSettings()
         makeSwitch<&Request::twoSidedRibbon>(
             "two-sided", "Ribbon to both sides",
             "Centre the ribbon on the centreline instead of starting it there"),
+        makeRow<&Request::transparency>(
+            SettingKind::SHARE, "transparency", "Transparency", LOOK, "PART",
+            "How much is seen through tubes, ribbons, bases and boxes, from 0 to 1 [0]",
+            &readShare<&Request::transparency>),
         ofColours(makeColour<&Request::tubeColour>("tube-colour", "Tube colour",
                                                    "Colour of the tubes [one per rod]")),
         ofColours(makeColour<&Request::ribbonColour>("ribbon-colour", "Ribbon colour",
@@ -575,6 +589,7 @@ bool areOfSameNodes(const StyleRequest& shown, const StyleRequest& next)
 {
     StyleRequest withNextThings = shown;
     withNextThings.things = next.things;
+    withNextThings.transparency = next.transparency;
     return withNextThings == next && areOfSameNodes(shown.things, next.things);
 }
 

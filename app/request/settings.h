@@ -15,6 +15,7 @@ enum class SettingKind {
     SWITCH, ///< "on" or "off"; an option without a value, --no- before its name switches off
     LENGTH, ///< above 0
     COUNT,  ///< a whole number
+    SHARE,  ///< from 0 to 1
     COLOUR,
     CHOICE, ///< one of some words
     PARTS,  ///< some of some words, with commas
@@ -75,7 +76,7 @@ bool operator==(const StyleRequest& a, const StyleRequest& b);
 inline bool operator!=(const StyleRequest& a, const StyleRequest& b) { return !(a == b); }
 
 /// Whether a scene that shows one can show the other without other nodes: they differ at most in
-/// which things are hidden, their names and new colours of theirs.
+/// which things are hidden or seen through, their names and new colours of theirs.
 bool areOfSameNodes(const StyleRequest& shown, const StyleRequest& next);
 
 } // namespace strandview

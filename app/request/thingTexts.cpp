@@ -102,6 +102,7 @@ constexpr const char* TUBE = "tube";
 constexpr const char* RIBBON = "ribbon";
 constexpr const char* TWO_SIDED = "two-sided";
 constexpr const char* RIBBON_COLOUR = "ribbon-colour";
+constexpr const char* TRANSPARENCY = "transparency";
 
 std::vector<Attribute> makeAttributes()
 {
@@ -113,22 +114,26 @@ std::vector<Attribute> makeAttributes()
     coloured.insert({ThingKind::MARKER, ThingKind::ARROW});
     for (const NamedKind& known : KINDS)
         all.insert(known.kind);
-    return {{"name", nullptr, "TEXT", all, [](const Look& look) { return look.name; },
-             [](const std::string& text, Look& look) {
-                 look.name = text;
-                 return std::string();
-             },
-             &clear<&Look::name>, false},
-            bySetting<&Look::colour, &All::tubeColour, TUBE_COLOUR>("colour", coloured, false),
-            bySetting<&Look::radius, &All::radius, RADIUS>("radius", tubes),
-            bySetting<&Look::ribbonWidth, &All::ribbonWidth, RIBBON_WIDTH>("ribbon-width", ribbons),
-            bySetting<&Look::slices, &All::slices, SLICES>("slices", tubes),
-            bySetting<&Look::subsegments, &All::subsegments, SUBSEGMENTS>("subsegments", tubes),
-            bySetting<&Look::showTube, &All::showTube, TUBE>("tube", tubes),
-            bySetting<&Look::showRibbon, &All::showRibbon, RIBBON>("ribbon", ribbons),
-            bySetting<&Look::twoSidedRibbon, &All::twoSidedRibbon, TWO_SIDED>("two-sided", ribbons),
-            bySetting<&Look::ribbonColour, &All::ribbonColour, RIBBON_COLOUR>("ribbon-colour",
-                                                                              ribbons)};
+    std::set<ThingKind> seenThrough = tubes; // glyphs have their own
+    seenThrough.insert(ThingKind::LONE_BASES);
+    return {
+        {"name", nullptr, "TEXT", all, [](const Look& look) { return look.name; },
+         [](const std::string& text, Look& look) {
+             look.name = text;
+             return std::string();
+         },
+         &clear<&Look::name>, false},
+        bySetting<&Look::colour, &All::tubeColour, TUBE_COLOUR>("colour", coloured, false),
+        bySetting<&Look::radius, &All::radius, RADIUS>("radius", tubes),
+        bySetting<&Look::ribbonWidth, &All::ribbonWidth, RIBBON_WIDTH>("ribbon-width", ribbons),
+        bySetting<&Look::slices, &All::slices, SLICES>("slices", tubes),
+        bySetting<&Look::subsegments, &All::subsegments, SUBSEGMENTS>("subsegments", tubes),
+        bySetting<&Look::showTube, &All::showTube, TUBE>("tube", tubes),
+        bySetting<&Look::showRibbon, &All::showRibbon, RIBBON>("ribbon", ribbons),
+        bySetting<&Look::twoSidedRibbon, &All::twoSidedRibbon, TWO_SIDED>("two-sided", ribbons),
+        bySetting<&Look::ribbonColour, &All::ribbonColour, RIBBON_COLOUR>("ribbon-colour", ribbons),
+        bySetting<&Look::transparency, &All::transparency, TRANSPARENCY>("transparency",
+                                                                         seenThrough, false)};
 }
 
 const std::vector<Attribute>& attributes()

@@ -19,7 +19,9 @@
 #include <strandview/analysis/doubleStrands.h>
 
 #include "request/conversions.h"
+#include "request/thingTexts.h"
 #include "scene/Legend.h"
+#include "scene/SoSeeThrough.h"
 
 namespace strandview {
 
@@ -71,6 +73,24 @@ void tellOf(const ShownDatum& datum, const ThingLook& look, PickedPlace& place)
         return;
     place.base = datum.bases[*letter];
     place.partner = isPart ? char(0) : complementOf(place.base);
+}
+
+// What is there of a parent: nodes of a datum, or what they are seen through in.
+void showThrough(double transparency, SoNode& ofDatum, SoGroup& parent, int child)
+{
+    auto* through = dynamic_cast<SoSeeThrough*>(parent.getChild(child));
+    if (through && transparency > 0) {
+        through->setTransparency(transparency);
+    } else if (through) {
+        ofDatum.ref(); // while what holds it goes
+        parent.replaceChild(child, &ofDatum);
+        ofDatum.unrefNoDelete();
+    } else if (transparency > 0) {
+        through = new SoSeeThrough;
+        through->setTransparency(transparency);
+        through->addChild(&ofDatum);
+        parent.replaceChild(child, through);
+    }
 }
 
 void setCoarse(const ShownDatum& datum, bool coarse)
@@ -177,6 +197,21 @@ void DataScene::setLooks(const ThingLooks& looks)
     showLooks();
 }
 
+void DataScene::setTransparency(double transparency)
+{
+    if (style.transparency == transparency)
+        return;
+    style.transparency = transparency;
+    showLooks();
+}
+
+double DataScene::transparencyOf(const Thing& thing) const
+{
+    const ThingId id = idOf(thing);
+    const bool canBe = canHaveOwn("transparency", id.kind);
+    return canBe ? getLooks().of(id).transparency.value_or(style.transparency) : 0;
+}
+
 void DataScene::showLooks()
 {
     for (const Thing& thing : getThings())
@@ -194,14 +229,16 @@ void DataScene::showLook(const Thing& thing)
     const ShownDatum& datum = datumOf(thing);
     const bool isHidden = look.isHidden() || look.isDeleted;
     SoGroup& group = *kinds[thing.kind].group;
-    SoNode* const shown = group.getChild(int(thing.index));
-    if (shown != datum.group) {
-        static_cast<SoSwitch*>(shown)->whichChild = isHidden ? SO_SWITCH_NONE : 0;
+    const int index = int(thing.index);
+    auto* hiding = dynamic_cast<SoSwitch*>(group.getChild(index));
+    if (hiding) {
+        hiding->whichChild = isHidden ? SO_SWITCH_NONE : 0;
     } else if (isHidden) {
-        auto* hiding = new SoSwitch;
-        hiding->addChild(datum.group);
-        group.replaceChild(int(thing.index), hiding);
+        hiding = new SoSwitch;
+        hiding->addChild(group.getChild(index));
+        group.replaceChild(index, hiding);
     }
+    showThrough(transparencyOf(thing), *datum.group, hiding ? *hiding : group, hiding ? 0 : index);
     if (look.colour && datum.setColour)
         datum.setColour(datum, toSbColor(*look.colour));
 }

@@ -73,6 +73,8 @@ public:
     /// For what is there and what comes. A colour of its own that was replaced is not there any
     /// more: areOfSameNodes().
     void setLooks(const ThingLooks& looks);
+    /// Of all that have none of their own and can be seen through.
+    void setTransparency(double transparency);
 
     /// The box that all data lie in, and the room that is kept for other frames.
     const SbBox3f& getBox() const;
@@ -143,6 +145,7 @@ private:
 
     const ShownDatum& datumOf(const Thing& thing) const;
     void showLook(const Thing& thing);
+    double transparencyOf(const Thing& thing) const;
     void showLooks();
 
     using Shininess = std::vector<float>;

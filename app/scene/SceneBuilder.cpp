@@ -25,6 +25,7 @@
 #include "scene/SoLegendCamera.h"
 #include "scene/SoOverlay.h"
 #include "scene/SoPlacedSolids.h"
+#include "scene/SoSeeThrough.h"
 #include "scene/backbones.h"
 #include "scene/builders/ArrowBuilder.h"
 #include "scene/builders/BirodBuilder.h"
@@ -278,6 +279,7 @@ void initialiseScene()
     SoOverlay::initClass();
     SoLegendCamera::initClass();
     SoPlacedSolids::initClass();
+    SoSeeThrough::initClass();
 }
 
 SceneGeometry computeGeometry(const Configuration& configuration, const Style& style,

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <utility>
 
@@ -47,11 +48,11 @@ SbMatrix matrixOf(const SoPlacedSolids::Place& place)
     return matrix;
 }
 
-std::array<std::uint8_t, 4> bytesOf(const Colour& colour, float brightness)
+std::array<std::uint8_t, 4> bytesOf(const Colour& colour, float brightness, std::uint8_t alpha)
 {
     const std::uint32_t packed = SbColor(toSbColor(colour) * brightness).getPackedValue();
     return {std::uint8_t(packed >> 24), std::uint8_t(packed >> 16), std::uint8_t(packed >> 8),
-            std::uint8_t(packed)};
+            alpha};
 }
 
 // The bound vertex array, or else memory.
@@ -171,7 +172,7 @@ void SoPlacedSolids::forEachPiece(bool countsFromAll, Take take) const
         std::array<std::uint8_t, 4> colour = {};
         for (const Solid::Corner& corner : solid.corners) {
             if (corner.brightness != brightness)
-                colour = bytesOf(place.colour, brightness = corner.brightness);
+                colour = bytesOf(place.colour, brightness = corner.brightness, alpha);
             Vertex vertex;
             matrix.multVecMatrix(corner.point, vertex.point);
             matrix.multDirMatrix(corner.normal, vertex.normal);
@@ -194,6 +195,11 @@ void SoPlacedSolids::GLRender(SoGLRenderAction* action)
     SoState* const state = action->getState();
     SoMaterialBundle materials(action);
     materials.sendFirst();
+    const float opacity = 1 - SoLazyElement::getTransparency(state, 0);
+    if (const auto now = std::uint8_t(std::lround(255 * opacity)); now != alpha) {
+        alpha = now;
+        forget();
+    }
     glPushClientAttrib(GL_CLIENT_VERTEX_ARRAY_BIT);
     for (const GLenum array : {GL_VERTEX_ARRAY, GL_NORMAL_ARRAY, GL_COLOR_ARRAY})
         glEnableClientState(array);

@@ -90,6 +90,7 @@ private:
     std::vector<Solid> solids;
     std::vector<Place> places;
     SbBox3f box; ///< of all corners
+    std::uint8_t alpha = 255;
     std::map<std::uint32_t, Kept> keptByContext;
 };
 

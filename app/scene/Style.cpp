@@ -120,6 +120,7 @@ ThingStyle styleOf(const Style& style, const ThingId& thing)
     const bool asksForRibbon = look.ribbonWidth || look.ribbonColour || look.twoSidedRibbon;
     own.showRibbon = look.showRibbon.value_or(own.showRibbon);
     own.showMadeFrames = look.showRibbon.value_or(own.showMadeFrames || asksForRibbon);
+    own.transparency = look.transparency.value_or(own.transparency);
     own.ribbonColour = look.ribbonColour.value_or(own.ribbonColour);
     return own;
 }
@@ -150,6 +151,7 @@ Style makeStyle(const Options& options, const Configuration& configuration)
     style.showMadeFrames = asksForRibbon(options);
     style.twoSidedRibbon = options.twoSidedRibbon;
     style.tubeColour = options.tubeColour;
+    style.transparency = options.transparency;
     style.ribbonColour = options.ribbonColour.value_or(RIBBON_COLOUR);
     style.background = options.background;
     style.legend = options.legend;
@@ -164,6 +166,7 @@ StyleRequest resolve(StyleRequest request, const ThingStyle& style)
 {
     request.showTube = style.showTube;
     request.twoSidedRibbon = style.twoSidedRibbon;
+    request.transparency = style.transparency;
     request.radius = style.radius;
     request.ribbonWidth = style.ribbonWidth;
     request.slices = style.slices;

@@ -28,6 +28,7 @@ struct ThingStyle
     bool showMadeFrames; ///< a ribbon of rods without frames of their own, too
     bool twoSidedRibbon;
     Colour ribbonColour;
+    double transparency; ///< from 0 to 1
 };
 
 /// How everything is drawn, but for what single things have of their own.

@@ -972,6 +972,7 @@ void MainWindow::dropComparison()
 
 void MainWindow::showThings()
 {
+    scene->setTransparency(options.transparency);
     scene->setLooks(options.things);
     things->follow();
 }

@@ -97,30 +97,51 @@ public:
     }
 };
 
-// A field, and a slider from a tenth to ten times what the data suggest.
-class LengthControl : public SettingControl
+// A number in a field, and a slider from a least step to 100.
+class FieldAndSlider : public SettingControl
 {
-public:
-    LengthControl(const Setting& ofLength, QWidget* parent)
-        : SettingControl(ofLength, makeRow(parent)),
+protected:
+    static constexpr int STEPS = 100;
+
+    FieldAndSlider(const Setting& ofNumber, int leastStep, QWidget* parent)
+        : SettingControl(ofNumber, makeRow(parent)),
           field(new QLineEdit(widget)),
           slider(new QSlider(Qt::Horizontal, widget))
     {
         name(field, "Field", setting.label);
         name(slider, "Slider", QString(setting.label) + ", slider");
         field->setMaximumWidth(field->fontMetrics().horizontalAdvance("0.00000000"));
-        slider->setRange(-STEPS, STEPS);
+        slider->setRange(leastStep, STEPS);
         slider->setMinimumWidth(60);
         widget->layout()->addWidget(field);
         widget->layout()->addWidget(slider);
         widget->setFocusProxy(field);
         acceptDecimalComma(*field);
         whenEdited(*field, [this] { emit chosen(field->text()); });
-        connect(slider, &QSlider::valueChanged, this, [this](int position) {
-            const double length = middle * std::pow(10.0, double(position) / STEPS);
-            emit chosen(QString::number(length, 'g', 3));
-        });
+        connect(slider, &QSlider::valueChanged, this,
+                [this](int step) { emit chosen(QString::number(valueOf(step), 'g', 3)); });
     }
+
+    virtual double valueOf(int step) const = 0;
+    // Not while its user drags it.
+    void setStep(double step)
+    {
+        const QSignalBlocker quiet(slider);
+        if (!slider->isSliderDown())
+            slider->setValue(int(std::lround(step)));
+    }
+
+    QLineEdit* const field;
+    QSlider* const slider;
+};
+
+// From a tenth to ten times what the data suggest.
+class LengthControl : public FieldAndSlider
+{
+public:
+    LengthControl(const Setting& ofLength, QWidget* parent)
+        : FieldAndSlider(ofLength, -STEPS, parent)
+    {}
     void show(const Text& asked, const Text& shown) override
     {
         const Text& text = asked ? asked : shown;
@@ -133,16 +154,32 @@ public:
             return;
         if (!asked || middle == 0)
             middle = *length;
-        const QSignalBlocker quiet(slider);
-        slider->setValue(int(std::lround(STEPS * std::log10(*length / middle))));
+        setStep(STEPS * std::log10(*length / middle));
     }
 
 private:
-    static constexpr int STEPS = 100; // of a power of ten
+    double valueOf(int step) const override
+    {
+        return middle * std::pow(10.0, double(step) / STEPS);
+    }
 
-    QLineEdit* const field;
-    QSlider* const slider;
     double middle = 0;
+};
+
+// From 0 to 1.
+class ShareControl : public FieldAndSlider
+{
+public:
+    ShareControl(const Setting& ofShare, QWidget* parent) : FieldAndSlider(ofShare, 0, parent) {}
+    void show(const Text& /*asked*/, const Text& shown) override
+    {
+        if (!field->isModified())
+            field->setText(toQt(shown));
+        setStep(STEPS * parseNumber<double>(shown.value_or("")).value_or(0));
+    }
+
+private:
+    double valueOf(int step) const override { return double(step) / STEPS; }
 };
 
 class CountControl : public OneWidget<QSpinBox>
@@ -504,6 +541,8 @@ SettingControl* SettingControl::make(const Setting& setting, QWidget* parent)
         return new SwitchControl(setting, parent);
     case SettingKind::LENGTH:
         return new LengthControl(setting, parent);
+    case SettingKind::SHARE:
+        return new ShareControl(setting, parent);
     case SettingKind::COUNT:
         return new CountControl(setting, parent);
     case SettingKind::COLOUR:

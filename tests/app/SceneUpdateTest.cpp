@@ -867,7 +867,8 @@ TEST_F(SceneUpdateTest, ShowsAnotherStyleAsANewSceneDoes)
         {"ribbon-colour", "blue"},
         {"dna", "backbone,boxes"},
         {"dna-unit", "nm"},
-        {"thing", "rod 1: radius=0.5, no ribbon; birod 1: radius=0.2"},
+        {"transparency", "0.5"},
+        {"thing", "rod 1: transparency=0, radius=0.5, no ribbon; birod 1: radius=0.2"},
         {"thing", "rod 1: ribbon-width=2, two-sided, slices=4; DNA 1: subsegments=2, slices=3"},
         {"thing", "birod 1: no tube, ribbon, ribbon-colour=red"},
         {"thing", "DNA 1: no tube; birod 1: no ribbon, colour=lime; rod 1: hidden"}};

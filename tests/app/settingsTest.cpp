@@ -25,6 +25,8 @@ std::vector<std::string> examplesOf(const Setting& setting)
         return {"0.1", "1e-09", "0.30000000000000004", "12345.678"};
     case SettingKind::COUNT:
         return {std::to_string(setting.least), std::to_string(setting.most), "7"};
+    case SettingKind::SHARE:
+        return {"0.5", "1", "0.125", "0"};
     case SettingKind::COLOUR:
         return {"#000000", "#ffffff", "#0a80f1"};
     case SettingKind::CHOICE:
@@ -47,7 +49,7 @@ std::vector<std::string> examplesOf(const Setting& setting)
         return {
             "rod 2: hidden", "others: hidden",
             "rod 1: radius=0.3, slices=8, subsegments=2, no tube, ribbon, two-sided, "
-            "ribbon-colour=#00ff00",
+            "ribbon-colour=#00ff00, transparency=0.25",
             "rods 3-5: colour=#ff0000; DNA 1: shown, name=\"a, \\\"b\\\": c; d\"; others: hidden",
             "birod 1: deleted, name=Left arm; bases: hidden; frame 7: name=\"[x, y]\""};
     }

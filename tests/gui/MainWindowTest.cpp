@@ -1865,6 +1865,7 @@ TEST_F(MainWindowTest, TheCopiedCommandMakesTheSavedPictureByteForByte)
         {{"colour-by", "curvature"}, {"ribbon", "off"}, {"slices", "7"}},
         {{"thing", "rod 1: colour=#00ff00; rod 2: hidden"}},
         {{"thing", "rod 1: radius=0.06, no ribbon, slices=5; rod 2: no tube, two-sided"}},
+        {{"transparency", "0.6"}, {"thing", "rod 1: transparency=0.3"}},
         {{"thing", "rod 1: shown, name=\"it's, mine\"; others: hidden"}}};
     for (const auto& style : styles) {
         StyleRequest next;
