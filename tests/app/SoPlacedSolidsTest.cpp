@@ -20,6 +20,7 @@
 #include <OffscreenContext.h>
 #include <gmock/gmock.h>
 
+#include "scene/SoSeeThrough.h"
 #include "support/initialiseSceneOnce.h"
 #include "support/renderPicture.h"
 
@@ -205,6 +206,28 @@ TEST_F(SoPlacedSolidsTest, ACopyShowsTheSame)
     auto* copy = static_cast<SoPlacedSolids*>(solids->copy());
     EXPECT_EQ(copy->getPlaces().size(), 40u);
     EXPECT_EQ(compare(drawn(copy), expected).pixels, 0);
+}
+
+TEST_F(SoPlacedSolidsTest, AreSeenThroughAsWhatTheyAreInSaysAlsoOnceTheyWereDrawnOften)
+{
+    solids->setPlaces(someSolids(), somePlaces(20, 3));
+    auto* through = new SoSeeThrough;
+    through->ref();
+    through->addChild(solids);
+    const int all = drawn(through).countOther(BLACK);
+    EXPECT_GT(all, 300);
+    for (int i = 0; i < 10; ++i)
+        EXPECT_EQ(drawn(through).countOther(BLACK), all);
+    const Picture opaque = drawn(through);
+    through->setTransparency(0.5);
+    const Picture half = drawn(through);
+    EXPECT_EQ(half.countOther(BLACK), all);
+    EXPECT_GT(compare(opaque, half).strong, all / 2);
+    through->setTransparency(1);
+    EXPECT_EQ(drawn(through).countOther(BLACK), 0);
+    through->setTransparency(0);
+    EXPECT_EQ(compare(drawn(through), opaque).pixels, 0);
+    through->unref();
 }
 
 } // namespace strandview
