@@ -54,6 +54,10 @@ struct StyleRequest
     bool ownRange = false;            ///< each frame of a series has a range of its own
     bool symmetricRange = false;      ///< as far above 0 as below, around all values
     std::optional<ColourMap> colours; ///< else those that suit the scalar
+    // Of values beyond the range, else those at its ends; and of what is no number, else grey.
+    std::optional<Colour> belowColour;
+    std::optional<Colour> aboveColour;
+    std::optional<Colour> nanColour;
     LegendLook legend;
 };
 

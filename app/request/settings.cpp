@@ -424,8 +424,24 @@ Setting onlyWith(const char* neededSetting, Setting row)
     return row;
 }
 
+Setting leftOpenAs(std::string what, Setting row)
+{
+    row.leftOpen = std::move(what);
+    return row;
+}
+
 // Says how a scalar is shown.
 Setting ofScalar(Setting row) { return ofColours(onlyWith("colour-by", std::move(row))); }
+
+// Of values that the colours from the least to the greatest do not have.
+template <auto member>
+Setting makeOutside(const char* name, const char* label, const std::string& of,
+                    const std::string& usual)
+{
+    return ofScalar(leftOpenAs(
+        usual,
+        makeColour<member>(name, label, "Colour of values " + of + " [" + usual + "]", COLOURS)));
+}
 
 template <typename Named>
 std::vector<std::string> namesOf(const Named& all)
@@ -457,8 +473,9 @@ std::vector<Setting> makeSettings()
             SettingKind::SHARE, "transparency", "Transparency", LOOK, "PART",
             "How much is seen through tubes, ribbons, bases and boxes, from 0 to 1 [0]",
             &readShare<&Request::transparency>),
-        ofColours(makeColour<&Request::tubeColour>("tube-colour", "Tube colour",
-                                                   "Colour of the tubes [one per rod]")),
+        ofColours(leftOpenAs(
+            "one each", makeColour<&Request::tubeColour>("tube-colour", "Tube colour",
+                                                         "Colour of the tubes [one per rod]"))),
         ofColours(makeColour<&Request::ribbonColour>("ribbon-colour", "Ribbon colour",
                                                      "Colour of the ribbons")),
         ofColours(makeColour<&Request::background>("background", "Background",
@@ -485,6 +502,11 @@ std::vector<Setting> makeSettings()
                           ", reversed as NAME_r, or two colours or more [" + DEFAULT_MAP + "; " +
                           DEFAULT_SIGNED_MAP + " of what can be negative, such as torsion]",
                       &readColours))),
+        makeOutside<&Request::belowColour>("below-colour", "Below the range", "below the range",
+                                           "that of the least"),
+        makeOutside<&Request::aboveColour>("above-colour", "Above the range", "above the range",
+                                           "that of the greatest"),
+        makeOutside<&Request::nanColour>("nan-colour", "No number", "that are no number", "grey"),
         ofScalar(among(namesOf(LEGEND_PLACES),
                        {"legend", SettingKind::CHOICE, "Legend", COLOURS, "PLACE",
                         "Where the legend is: bottom, top or off [bottom]", &valueOfLegendPlace,

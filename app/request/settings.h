@@ -51,6 +51,7 @@ struct Setting
     std::vector<std::string> words = {}; ///< of a choice, and of parts
     std::string neededSetting = {};      ///< without which it says nothing; empty for none
     bool isColour = false;               ///< it changes the colours of shapes, which stay
+    std::string leftOpen = {};           ///< of a colour, what it is if it is left open
 
     /// Whether what it needs is said.
     bool isOfUse(const StyleRequest& request) const;

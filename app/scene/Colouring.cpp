@@ -115,7 +115,8 @@ void note(const Options& options, const Colouring& colouring, const ValueSummary
         tell("found " + colouring.constant + " everywhere, shown as one colour");
     if (summary.missing > 0)
         tell("found " + counted(summary.missing, "value") + " that " +
-             (summary.missing == 1 ? "is" : "are") + " no number, shown in grey");
+             (summary.missing == 1 ? "is" : "are") + " no number, shown in " +
+             (options.nanColour ? "--nan-colour" : "grey"));
     const auto tellWithout = [&](const char* noun, std::size_t first, std::size_t count,
                                  std::size_t each) {
         std::size_t without = 0;
@@ -447,6 +448,9 @@ std::optional<Colouring> makeColouring(const Options& options, const Configurati
     const bool isSigned = quantity && quantity->isSigned;
     const ColourMap colours = options.colours.value_or(defaultColourMap(isSigned));
     colouring.ramp = toMapper(colours);
+    colouring.below = options.belowColour;
+    colouring.above = options.aboveColour;
+    colouring.none = options.nanColour.value_or(NO_VALUE_COLOUR);
     colouring.places = findValues(tracks, colouring.name, progress);
     ValueSummary summary = summarise(colouring.places, tracks, colouring.name, progress);
     if (progress.isStopped()) {
@@ -490,20 +494,25 @@ Colouring followColouring(const Colouring& first, const Configuration& next,
     return colouring;
 }
 
-std::vector<Colour> coloursOf(const Colouring& colouring, const std::vector<double>& places)
+Colour PlaceColours::at(double place) const
 {
-    ColourMapper mapper = colouring.ramp;
-    auto* material = new SoMaterial;
-    material->ref();
-    SoGeneralScene::generateMaterial(&mapper, material, 0, places);
-    std::vector<Colour> colours;
-    for (std::size_t i = 0; i < places.size(); ++i) {
-        const SbColor& colour = material->diffuseColor[int(i)];
-        colours.push_back(std::isnan(places[i]) ? NO_VALUE_COLOUR
-                                                : Colour{colour[0], colour[1], colour[2]});
-    }
-    material->unref();
-    return colours;
+    if (std::isnan(place))
+        return none;
+    if (place < 0 && below)
+        return *below;
+    if (place > 1 && above)
+        return *above;
+    ColourMapper::Colour colour;
+    ramp.getColour(place, colour);
+    return {float(colour.x), float(colour.y), float(colour.z)};
+}
+
+std::vector<Colour> coloursOf(const PlaceColours& colours, const std::vector<double>& places)
+{
+    std::vector<Colour> all;
+    for (const double place : places)
+        all.push_back(colours.at(place));
+    return all;
 }
 
 // Rows
@@ -565,21 +574,30 @@ void colourRun(ColourMapper& ramp, const Values& arcLengths, const Values& place
                                         at);
 }
 
+// The place at an arc length, straight between the points around it. Where one of them has none it
+// is that of the nearest.
+double straightAt(const Values& arcLengths, const Values& places, std::size_t nearest, double at)
+{
+    const bool isBehind = at > arcLengths[nearest];
+    const std::size_t other = isBehind ? nearest + 1 : nearest - 1;
+    const bool hasOther = isBehind ? other < places.size() : nearest > 0;
+    if (!hasOther || at == arcLengths[nearest] || std::isnan(places[other]))
+        return places[nearest];
+    const double share = (at - arcLengths[nearest]) / (arcLengths[other] - arcLengths[nearest]);
+    return places[nearest] + share * (places[other] - places[nearest]);
+}
+
 } // namespace
 
-void colourRows(const ColourMapper& ramp, const Values& arcLengths, const Values& places,
+void colourRows(const PlaceColours& colours, const Values& arcLengths, const Values& places,
                 const Values& at, int offset, SoMaterial* material)
 {
-    ColourMapper mapper = ramp;
+    ColourMapper mapper = colours.ramp;
     const std::vector<std::size_t> nearest = nearestPoints(arcLengths, at);
     Values steps;
     for (const std::size_t point : nearest)
         steps.push_back(places[point]);
     SoGeneralScene::generateMaterial(&mapper, material, offset, steps);
-    for (std::size_t row = 0; row < at.size(); ++row) {
-        if (std::isnan(steps[row]))
-            setColours(material, offset + int(row), NO_VALUE_COLOUR);
-    }
 
     // Smooth between neighbours that all have places.
     for (std::size_t first = 0; first < places.size(); ++first) {
@@ -595,6 +613,15 @@ void colourRows(const ColourMapper& ramp, const Values& arcLengths, const Values
                       offset + int(from - at.begin()), material);
         }
         first = last;
+    }
+
+    const bool hasOutside = colours.below || colours.above;
+    for (std::size_t row = 0; row < at.size(); ++row) {
+        const double place = hasOutside && !std::isnan(steps[row])
+                                 ? straightAt(arcLengths, places, nearest[row], at[row])
+                                 : steps[row];
+        if (std::isnan(place) || (place < 0 && colours.below) || (place > 1 && colours.above))
+            setColours(material, offset + int(row), colours.at(place));
     }
 }
 

@@ -25,15 +25,25 @@ namespace strandview {
 /// Of points whose value is no number; seen on white and on black.
 constexpr Colour NO_VALUE_COLOUR{0.5f, 0.5f, 0.5f};
 
+/// The colours of places on a ramp, which goes from 0 to 1.
+struct PlaceColours
+{
+    /// Beyond the ends that of the end unless there is another; not-a-number is no place.
+    Colour at(double place) const;
+
+    ColourMapper ramp;
+    std::optional<Colour> below, above;
+    Colour none = NO_VALUE_COLOUR;
+};
+
 /// A scalar shown as colours: its name and unit, the ramp and the values at its ends, and where on
 /// it every point of each rod is.
-struct Colouring
+struct Colouring : PlaceColours
 {
     std::string name;
-    std::string unit;  ///< of the values, if it is known
-    ColourMapper ramp; ///< from 0 to 1
-    double min = 0;    ///< the value at the ramp's 0
-    double max = 1;    ///< and at its 1
+    std::string unit; ///< of the values, if it is known
+    double min = 0;   ///< the value at the ramp's 0
+    double max = 1;   ///< and at its 1
 
     /// The number of a scalar that has only one, in words; all points are at 0.5 then, and
     /// those of other frames whose number is another one are beyond the ends.
@@ -135,14 +145,14 @@ std::optional<Colouring> makeColouring(const Options& options, const Configurati
 Colouring followColouring(const Colouring& first, const Configuration& next,
                           const Progress& progress = Progress());
 
-/// The colour of each place, grey where there is none.
-std::vector<Colour> coloursOf(const Colouring& colouring, const std::vector<double>& places);
+std::vector<Colour> coloursOf(const PlaceColours& colours, const std::vector<double>& places);
 
 /// Appends to the material's ambient and diffuse colours, from entry `offset` on, one for each
 /// of the arc lengths `at`, along a curve whose points have these ascending arc lengths and
-/// places: smooth through the places, straight where they are two, and grey nearer to a
-/// point without a place than to one with.
-void colourRows(const ColourMapper& ramp, const std::vector<double>& arcLengths,
+/// places: smooth through the places, straight where they are two, and that of none nearer to a
+/// point without a place than to one with. Colours of their own beyond the ends are there where
+/// straight lines between the places are beyond them: between points within the ends is none.
+void colourRows(const PlaceColours& colours, const std::vector<double>& arcLengths,
                 const std::vector<double>& places, const std::vector<double>& at, int offset,
                 SoMaterial* material);
 

@@ -255,11 +255,9 @@ std::vector<LegendText> layOut(const Colouring& colouring, const LegendLook& loo
     return texts;
 }
 
-SbColor colourAt(const ColourMapper& ramp, double place)
+SbColor colourAt(const Colouring& colouring, double place)
 {
-    ColourMapper::Colour colour;
-    ramp.getColour(place, colour);
-    return toSbColor(colour);
+    return toSbColor(colouring.at(place));
 }
 
 // A shape that is filled with one colour, or not there.
@@ -343,7 +341,7 @@ public:
             for (int i = 0; i <= BAR_CELLS; ++i) {
                 const double t = double(i) / BAR_CELLS;
                 corners.emplace_back(bar.at(t), y, 0.0f);
-                colours.push_back(colourAt(colouring.ramp, colouring.constant.empty() ? t : 0.5));
+                colours.push_back(colourAt(colouring, colouring.constant.empty() ? t : 0.5));
             }
         }
         setPoints(*coordinates, corners);
@@ -452,20 +450,25 @@ private:
         const auto showTriangle = [&](Face& face, bool isThere, float end, float tip,
                                       double place) {
             if (isThere)
-                face.show(colourAt(colouring.ramp, place),
+                face.show(colourAt(colouring, place),
                           {{end, BAR_BOTTOM, 0}, {tip, BAR_MIDDLE, 0}, {end, BAR_TOP, 0}});
             else
                 face.hide();
         };
-        showTriangle(below, colouring.isBelow, bar.left, bar.left - TRIANGLE, 0);
-        showTriangle(above, colouring.isAbove, bar.right, bar.right + TRIANGLE, 1);
-        if (colouring.isMissing)
-            missing.show(toSbColor(NO_VALUE_COLOUR), {{PATCH_LEFT, BAR_BOTTOM, 0},
-                                                      {PATCH_RIGHT, BAR_BOTTOM, 0},
-                                                      {PATCH_RIGHT, BAR_TOP, 0},
-                                                      {PATCH_LEFT, BAR_TOP, 0}});
-        else
+        showTriangle(below, colouring.isBelow, bar.left, bar.left - TRIANGLE, -1);
+        showTriangle(above, colouring.isAbove, bar.right, bar.right + TRIANGLE, 2);
+        std::vector<SbVec3f> patch;
+        if (colouring.isMissing) {
+            patch = {{PATCH_LEFT, BAR_BOTTOM, 0},
+                     {PATCH_RIGHT, BAR_BOTTOM, 0},
+                     {PATCH_RIGHT, BAR_TOP, 0},
+                     {PATCH_LEFT, BAR_TOP, 0}};
+            missing.show(toSbColor(colouring.none), patch);
+            patch.push_back(patch.front());
+        } else {
             missing.hide();
+        }
+        patchFrame.set(patch, 5);
     }
     static SoTranslation* addLift(SoSeparator& legend)
     {
@@ -487,7 +490,7 @@ private:
     Ramp ramp{*root};
     Face below{*root}, above{*root}, missing{*root};
     SoBaseColor* const ink = addInk(*root); // of all that follows
-    Lines frame{*root, 1}, ticks{*root, 2};
+    Lines frame{*root, 1}, patchFrame{*root, 1}, ticks{*root, 2};
     Quadrilaterals texts{*root};
 };
 

@@ -218,7 +218,7 @@ public:
     {
         colour = shown ? QColor(toQt(shown)) : QColor();
         part->setIcon(colour.isValid() ? swatch(colour) : QIcon());
-        part->setText(colour.isValid() ? colour.name() : "one each");
+        part->setText(colour.isValid() ? colour.name() : QString::fromStdString(setting.leftOpen));
     }
 
 private:

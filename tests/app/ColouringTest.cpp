@@ -2,6 +2,7 @@
 #include "scene/Colouring.h"
 
 #include <cmath>
+#include <random>
 
 #include <Inventor/nodes/SoMaterial.h>
 #include <gmock/gmock.h>
@@ -14,6 +15,7 @@
 #include <strandview/analysis/stepParameters.h>
 #include <strandview/analysis/superpose.h>
 
+#include "request/conversions.h"
 #include "scene/Progress.h"
 #include "support/initialiseSceneOnce.h"
 
@@ -395,7 +397,7 @@ std::vector<float> levelsOf(const std::vector<double>& places, const std::vector
     auto* material = new SoMaterial;
     material->ref();
     const int offset = 2;
-    colourRows(ramp, arcLengths, places, at, offset, material);
+    colourRows(PlaceColours{ramp, {}, {}}, arcLengths, places, at, offset, material);
     EXPECT_EQ(material->diffuseColor.getNum(), offset + int(at.size()));
     std::vector<float> levels;
     for (int i = offset; i < material->diffuseColor.getNum(); ++i) {
@@ -667,6 +669,117 @@ TEST(ColourRows, AreGreyNearerToAPointWithoutAPlace)
     EXPECT_THAT(levelsOf({NONE, 0, 1, 0}, {0, 1, 1.5, 2, 2.5, 3}),
                 ElementsAre(grey, 0, 0.6875f, 1, 0.6875f, 0));
     EXPECT_THAT(levelsOf({0.25, 1, NONE}, {0, 0.25, 1, 2}), ElementsAre(0.25f, 0.4375f, 1, grey));
+}
+
+TEST_F(ColouringTest, ValuesBeyondTheRangeAndNoNumbersHaveTheColoursThatAreAskedFor)
+{
+    options.colours = ColourMap{{{0, 0, 0}, {1, 1, 1}}};
+    options.rangeMin = 1;
+    options.rangeMax = 3;
+    const std::vector<double> values{0, 1, 2, 3, 4, NONE};
+    const auto usual = make({straightRod(values)});
+    ASSERT_TRUE(usual) << report.error;
+    std::vector<float> levels;
+    for (const Colour& colour : coloursOf(*usual, usual->ofRod(0)))
+        levels.push_back(colour.green);
+    EXPECT_THAT(levels, ElementsAre(0, 0, 0.5f, 1, 1, NO_VALUE_COLOUR.green));
+    EXPECT_THAT(report.notices, ElementsAre(HasSubstr("no number, shown in grey")));
+
+    report.notices.clear();
+    options.belowColour = Colour{1, 0.25f, 0};
+    options.aboveColour = Colour{0, 0.75f, 1};
+    options.nanColour = Colour{0.5f, 0.125f, 0};
+    const auto asked = make({straightRod(values)});
+    ASSERT_TRUE(asked) << report.error;
+    levels.clear();
+    for (const Colour& colour : coloursOf(*asked, asked->ofRod(0)))
+        levels.push_back(colour.green);
+    EXPECT_THAT(levels, ElementsAre(0.25f, 0, 0.5f, 1, 0.75f, 0.125f));
+    EXPECT_THAT(report.notices, ElementsAre(HasSubstr("no number, shown in --nan-colour")));
+    const Colouring next = followColouring(*asked, {{straightRod({-5, 9})}});
+    EXPECT_EQ(next.at(next.ofRod(0)[0]).green, 0.25f) << "in other frames, too";
+    EXPECT_EQ(next.at(next.ofRod(0)[1]).green, 0.75f);
+}
+
+// Where it is between the points, straight; of the nearest point where one of both has none.
+double plainPlace(const std::vector<double>& arcLengths, const std::vector<double>& places,
+                  double at)
+{
+    for (std::size_t i = 0; i + 1 < places.size(); ++i) {
+        const double from = arcLengths[i], to = arcLengths[i + 1];
+        if (at < from || at >= to)
+            continue;
+        if (at == from)
+            return places[i];
+        if (std::isnan(places[i]) || std::isnan(places[i + 1]))
+            return to - at < at - from ? places[i + 1] : places[i];
+        return places[i] + (places[i + 1] - places[i]) * (at - from) / (to - from);
+    }
+    return at < arcLengths.front() ? places.front() : places.back();
+}
+
+TEST(ColourRows, HaveOtherColoursWhereStraightLinesBetweenThePlacesAreBeyondTheEnds)
+{
+    initialiseSceneOnce();
+    const PlaceColours usual{ColourMapper(0, 1, {{0, 0, 0}, {1, 1, 1}}), {}, {}};
+    const Colour below{1, 0, 0}, above{0, 0, 1}, none{0, 1, 0};
+    std::mt19937 engine(5);
+    std::uniform_real_distribution<double> place(-0.5, 1.5), step(0.1, 2);
+    int countBelow = 0, countAbove = 0, countNone = 0, countUsual = 0;
+    for (int round = 0; round < 200; ++round) {
+        std::vector<double> arcLengths{0}, places, at;
+        const std::size_t points = 1 + engine() % 8;
+        while (arcLengths.size() < points)
+            arcLengths.push_back(arcLengths.back() + step(engine));
+        for (std::size_t i = 0; i < points; ++i)
+            places.push_back(engine() % 5 == 0 ? NONE : place(engine));
+        for (std::size_t i = 0; i < points; ++i)
+            for (int part = 0; part < (i + 1 < points ? 7 : 1); ++part)
+                at.push_back(arcLengths[i] +
+                             (part == 0 ? 0 : part * (arcLengths[i + 1] - arcLengths[i]) / 7));
+        PlaceColours asked = usual;
+        if (round % 3 != 1)
+            asked.below = below;
+        if (round % 3 != 2)
+            asked.above = above;
+        asked.none = none;
+        auto *ofAsked = new SoMaterial, *ofUsual = new SoMaterial;
+        ofAsked->ref();
+        ofUsual->ref();
+        colourRows(asked, arcLengths, places, at, 0, ofAsked);
+        colourRows(usual, arcLengths, places, at, 0, ofUsual);
+        for (std::size_t row = 0; row < at.size(); ++row) {
+            SCOPED_TRACE(testing::Message() << "round " << round << " row " << row);
+            const double there = plainPlace(arcLengths, places, at[row]);
+            SbColor expected = ofUsual->diffuseColor[int(row)];
+            if (std::isnan(there))
+                expected = toSbColor(none), ++countNone;
+            else if (there < 0 && asked.below)
+                expected = toSbColor(below), ++countBelow;
+            else if (there > 1 && asked.above)
+                expected = toSbColor(above), ++countAbove;
+            else
+                ++countUsual;
+            EXPECT_EQ(ofAsked->diffuseColor[int(row)], expected);
+            EXPECT_EQ(ofAsked->ambientColor[int(row)], expected);
+        }
+        ofAsked->unref();
+        ofUsual->unref();
+    }
+    for (const int count : {countBelow, countAbove, countNone, countUsual})
+        EXPECT_GT(count, 300);
+}
+
+// A natural spline through (0, 0), (1, 1), (2, 1), (3, 0) is above 1 in the middle.
+TEST(ColourRows, HaveNoOtherColourBetweenPlacesWithinTheEnds)
+{
+    initialiseSceneOnce();
+    PlaceColours colours{ColourMapper(0, 1, {{0, 0, 0}, {1, 1, 1}}), {}, Colour{1, 0, 0}};
+    auto* material = new SoMaterial;
+    material->ref();
+    colourRows(colours, {0, 1, 2, 3}, {0, 1, 1, 0}, {0, 1, 1.5, 2, 3}, 0, material);
+    EXPECT_EQ(material->diffuseColor[2], SbColor(1, 1, 1));
+    material->unref();
 }
 
 TEST(ColourRows, StayOnTheRampHoweverFarBeyondItThePlacesAre)

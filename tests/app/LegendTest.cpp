@@ -348,6 +348,33 @@ std::vector<float> drawn(const Legend& legend)
     return all;
 }
 
+TEST(Legend, ItsEndsHaveTheColoursOfWhatIsBeyondThem)
+{
+    initialiseSceneOnce();
+    Colouring shown = colouring(0, 1);
+    shown.isAbove = shown.isBelow = shown.isMissing = true;
+    const auto has = [&shown](const std::array<float, 3>& colour) {
+        Legend legend({1, 1, 1}, LEGEND_TEXT_SIZE);
+        legend.tell(shown);
+        const std::vector<float> all = drawn(legend); // corner after corner: place and colour
+        for (std::size_t i = 3; i < all.size(); i += 6)
+            if (std::equal(colour.begin(), colour.end(), all.begin() + std::ptrdiff_t(i)))
+                return true;
+        return false;
+    };
+    const std::array<float, 3> below{1, 0.5f, 0.25f}, above{0.5f, 0, 1}, none{0.25f, 0.5f, 0.75f};
+    for (const auto& colour : {below, above, none})
+        EXPECT_FALSE(has(colour));
+    shown.below = Colour{1, 0.5f, 0.25f};
+    shown.above = Colour{0.5f, 0, 1};
+    shown.none = Colour{0.25f, 0.5f, 0.75f};
+    for (const auto& colour : {below, above, none})
+        EXPECT_TRUE(has(colour));
+    shown.isAbove = shown.isBelow = shown.isMissing = false;
+    for (const auto& colour : {below, above, none})
+        EXPECT_FALSE(has(colour));
+}
+
 TEST(Legend, ThatTellsSomethingElseIsAsANewOneOfTheSameNodes)
 {
     initialiseSceneOnce();

@@ -961,6 +961,7 @@ TEST_F(SceneUpdateTest, OtherColoursAreThoseOfANewSceneAndTheirShapesStay)
         {"tube-colour", "red"},   {"ribbon-colour", "blue"}, {"background", "black"},
         {"colour-by", "k"},       {"colour-by", "roll"},     {"colour-by", "curvature"},
         {"colours", "cividis_r"}, {"range", "0:0.5"},        {"range", "symmetric"},
+        {"below-colour", "red"},  {"above-colour", "blue"},  {"nan-colour", "white"},
         {"legend", "top"},        {"legend-title", "t"},     {"legend-unit", "u"},
         {"legend-format", ".2f"}};
     options.showRibbon = true;

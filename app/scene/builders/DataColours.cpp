@@ -61,12 +61,12 @@ int addRowColours(const Colouring& colouring, const std::vector<double>& places,
                   const BiarcTubeMesh& tube, const BiarcRibbonMesh& ribbon, int rowsBefore,
                   SoMaterial* material)
 {
-    colourRows(colouring.ramp, tube.getParamValues(), places, tube.getInterpParamValues(),
-               rowsBefore, material);
+    colourRows(colouring, tube.getParamValues(), places, tube.getInterpParamValues(), rowsBefore,
+               material);
     const int rows = rowsBefore + tube.getHeight();
     if (isFinite(ribbon)) // a hidden one need not be
-        colourRows(colouring.ramp, ribbon.getParamValues(), places, ribbon.getInterpParamValues(),
-                   rows, material);
+        colourRows(colouring, ribbon.getParamValues(), places, ribbon.getInterpParamValues(), rows,
+                   material);
     return rows + ribbon.getHeight();
 }
 
