@@ -106,18 +106,27 @@ struct Room
     Room(const SbViewportRegion& region, const FreeEdges& edges, std::optional<double> margin)
         : height(1 - edges.both())
     {
+        const float ofWidth = std::min(1.0f, 1 / region.getViewportAspectRatio());
+        left = edges.left * ofWidth;
+        right = edges.right * ofWidth;
+        width -= left + right;
         if (!margin)
             return;
         times = 1;
-        const float besides = float(*margin) * std::min(1.0f, 1 / region.getViewportAspectRatio());
+        besides = float(*margin) * ofWidth;
         below = float(*margin) * std::min(1.0f, region.getViewportAspectRatio());
-        width = 1 - 2 * besides;
+        width -= 2 * besides;
         height -= 2 * below;
     }
 
     float times = MARGIN;    // as large as what is shown
     float width = 1, height; // parts of the view's
     float below = 0;         // free there and above, a part of its height
+    float besides = 0;       // and to the left and right, of its width
+    float left, right;       // what is left free there besides
+
+    // How far the middle of the room lies to the right of that of the view, of its width.
+    float shift() const { return (left - right) / 2; }
 };
 
 // What of a request is no direction.
@@ -160,7 +169,8 @@ void fitOrthographic(SoOrthographicCamera& camera, const SbBox3f& box,
                  room.times * halfWidth / room.width / region.getViewportAspectRatio()) /
         framing.zoom;
     float distance = box.getSize().length() / 2;
-    SbVec3f middle(0, -edges.shift() * height, 0);
+    SbVec3f middle(-room.shift() * height * region.getViewportAspectRatio(),
+                   -edges.shift() * height, 0);
     if (framing.centre) {
         distance = std::max(distance, MARGIN * frontFrom(*framing.centre, box, camera));
         middle = SbVec3f(0, 0, 0);
@@ -171,17 +181,22 @@ void fitOrthographic(SoOrthographicCamera& camera, const SbBox3f& box,
                       fromCamera(camera, middle + SbVec3f(0, 0, distance));
 }
 
-// How far away a camera is that is moved for what it leaves free, and sees a corner just at the
-// upper border or at the lower one. `up` is half of the view's height at a distance of 1.
-float distanceToBorders(const SbVec3f& corner, float front, float up, const FreeEdges& edges,
-                        const Room& room)
+// One direction of a view from a distance of 1: half of its extent, the parts of that which are
+// left free at its lower end and at its upper one and, besides, at both, and what there is then.
+struct Opening
 {
-    const float notMoved = 2 * edges.shift() * up * front;
-    const float above = up * (1 - 2 * room.below - 2 * edges.top);
-    const float below = up * (1 - 2 * room.below - 2 * edges.bottom);
-    return std::max(corner[1] - notMoved + above * corner[2],
-                    -corner[1] + notMoved + below * corner[2]) /
-           (up * room.height);
+    float half, low, high, besides, room;
+};
+
+// How far away a camera is that is moved for what it leaves free, and sees a corner just at one of
+// both borders: `across` and `towards` it from the middle, where all of it is as far in front.
+float distanceToBorders(float across, float towards, float front, const Opening& opening)
+{
+    const float notMoved = (opening.low - opening.high) * opening.half * front;
+    const float toHigh = opening.half * (1 - 2 * opening.besides - 2 * opening.high);
+    const float toLow = opening.half * (1 - 2 * opening.besides - 2 * opening.low);
+    return std::max(across - notMoved + toHigh * towards, -across + notMoved + toLow * towards) /
+           (opening.half * opening.room);
 }
 
 // A corner is seen if it is within the view's slopes at its own depth.
@@ -196,12 +211,18 @@ void fitPerspective(SoPerspectiveCamera& camera, const SbBox3f& box, const SbVie
     float front = 0, distance = 0;
     for (const SbVec3f& corner : corners)
         front = std::max(front, corner[2]);
+    const Opening upwards{up, edges.bottom, edges.top, room.below, room.height};
+    const Opening sideways{aside, room.left, room.right, room.besides, room.width};
+    const bool isMovedAside = room.left != room.right;
     for (const SbVec3f& corner : corners)
         distance = std::max(
-            {distance, corner[2] + room.times * std::abs(corner[0]) / (aside * room.width),
-             framing.margin ? distanceToBorders(corner, front, up, edges, room)
+            {distance,
+             isMovedAside ? distanceToBorders(room.times * corner[0], corner[2], front, sideways)
+                          : corner[2] + room.times * std::abs(corner[0]) / (aside * room.width),
+             framing.margin ? distanceToBorders(corner[1], corner[2], front, upwards)
                             : corner[2] + MARGIN * std::abs(corner[1]) / (up * room.height)});
-    SbVec3f middle(0, -2 * edges.shift() * up * (distance - front) / framing.zoom, 0);
+    SbVec3f middle(-2 * room.shift() * aside * (distance - front) / framing.zoom,
+                   -2 * edges.shift() * up * (distance - front) / framing.zoom, 0);
     float narrower = framing.zoom;
     if (framing.centre) { // in front of everything
         const float nearest = MARGIN * frontFrom(*framing.centre, box, camera);
@@ -405,8 +426,8 @@ CameraNumbers withRoomToTurn(const CameraNumbers& camera, const SbBox3f& box, co
     const float aside = up * region.getViewportAspectRatio();
     // The view's sides: where they face, and how far out they are or how much they open.
     const std::pair<SbVec3f, float> sides[] = {
-        {{-1, 0, 0}, aside * room.width},
-        {{1, 0, 0}, aside * room.width},
+        {{-1, 0, 0}, aside * (1 - 2 * room.right - 2 * room.besides)},
+        {{1, 0, 0}, aside * (1 - 2 * room.left - 2 * room.besides)},
         {{0, -1, 0}, up * (1 - 2 * edges.top - 2 * room.below)},
         {{0, 1, 0}, up * (1 - 2 * edges.bottom - 2 * room.below)}};
     float times = 1; // as far away

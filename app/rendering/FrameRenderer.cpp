@@ -89,7 +89,9 @@ FrameRenderer::FrameRenderer(Series& framesToDraw, const Stage& commonStage,
         if (request.centre)
             request.centre = stage.placement.toScene(*request.centre);
         fixed = numbersFor(request, stage.room, regionOf(options),
-                           stage.colouring ? roomOf(stage.style.legend.place) : FreeEdges());
+                           stage.colouring
+                               ? roomOf(stage.style.legend.place, stage.style.legendTextSize)
+                               : FreeEdges());
         camera = *fixed;
     }
     common = "strandview " STRANDVIEW_VERSION "\n" + options.look + "\n" + stage.first + "\n" +

@@ -9,7 +9,7 @@
 
 namespace strandview {
 
-enum class LegendPlace { BOTTOM, TOP, OFF };
+enum class LegendPlace { BOTTOM, TOP, LEFT, RIGHT, OFF };
 
 /// What the legend of a scalar says besides its colours, and where it stands.
 struct LegendLook

@@ -312,8 +312,11 @@ struct NamedLegendPlace
     LegendPlace place;
 };
 
-const NamedLegendPlace LEGEND_PLACES[] = {
-    {"bottom", LegendPlace::BOTTOM}, {"top", LegendPlace::TOP}, {"off", LegendPlace::OFF}};
+const NamedLegendPlace LEGEND_PLACES[] = {{"bottom", LegendPlace::BOTTOM},
+                                          {"top", LegendPlace::TOP},
+                                          {"left", LegendPlace::LEFT},
+                                          {"right", LegendPlace::RIGHT},
+                                          {"off", LegendPlace::OFF}};
 
 Text valueOfLegendPlace(const StyleRequest& request)
 {
@@ -330,7 +333,7 @@ std::string readLegendPlace(const std::string& text, StyleRequest& request)
         std::find_if(std::begin(LEGEND_PLACES), std::end(LEGEND_PLACES),
                      [&text](const NamedLegendPlace& known) { return text == known.name; });
     if (named == std::end(LEGEND_PLACES))
-        return found(text, "bottom, top or off");
+        return found(text, "bottom, top, left, right or off");
     request.legend.place = named->place;
     return "";
 }
@@ -509,8 +512,8 @@ std::vector<Setting> makeSettings()
         makeOutside<&Request::nanColour>("nan-colour", "No number", "that are no number", "grey"),
         ofScalar(among(namesOf(LEGEND_PLACES),
                        {"legend", SettingKind::CHOICE, "Legend", COLOURS, "PLACE",
-                        "Where the legend is: bottom, top or off [bottom]", &valueOfLegendPlace,
-                        &readLegendPlace, &clear<&LegendLook::place>})),
+                        "Where the legend is: bottom, top, left, right or off [bottom]",
+                        &valueOfLegendPlace, &readLegendPlace, &clear<&LegendLook::place>})),
         ofScalar(makeText<&LegendLook::title>("legend-title", "Legend's title",
                                               "Title of the legend [the scalar's name]", COLOURS)),
         ofScalar(makeText<&LegendLook::unit>(

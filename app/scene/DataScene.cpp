@@ -376,7 +376,7 @@ void DataScene::setShininess(const Shininess& values)
 
 FreeEdges DataScene::getLegendRoom() const
 {
-    return legend && coloursShown ? roomOf(style.legend.place) : FreeEdges();
+    return legend && coloursShown ? roomOf(style.legend.place, style.legendTextSize) : FreeEdges();
 }
 
 void DataScene::setBackground(const Colour& background)

@@ -2,6 +2,7 @@
 #include "scene/Legend.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <optional>
 
@@ -15,12 +16,12 @@
 #include <Inventor/nodes/SoQuadMesh.h>
 #include <Inventor/nodes/SoSeparator.h>
 #include <Inventor/nodes/SoSwitch.h>
-#include <Inventor/nodes/SoTranslation.h>
 
 #include "request/conversions.h"
 #include "scene/Colouring.h"
 #include "scene/Lettering.h"
 #include "scene/SoLegendCamera.h"
+#include "scene/SoStretchChoice.h"
 #include "scene/Ticks.h"
 #include "scene/overlay.h"
 
@@ -28,7 +29,8 @@ namespace strandview {
 
 namespace {
 
-// In the legend's own view: 2 high, and 2 wide or more.
+// In the legend's own view, at the bottom: 2 high, and 2 wide or more. Elsewhere all of it is
+// moved, or turned, as Stand says.
 const float BAR_LEFT = -0.7f;
 const float BAR_RIGHT = 0.7f;
 const float BAR_RIGHT_OF_PATCH = 0.55f; // where a patch stands beside the bar
@@ -41,31 +43,90 @@ const float BAR_MIDDLE = (BAR_TOP + BAR_BOTTOM) / 2;
 const float TRIANGLE = 0.04f; // beyond the bar
 const float TICK_BOTTOM = -0.89f;
 const float NAME = -0.80f;
-const float WIDEST = 1.9f; // of all text
+const float SIDE_MARGIN = 0.1f;         // of all text, on both sides together
+const float SIDE_MARGIN_UPRIGHT = 0.3f; // where a stamp may be in a corner
 const int BAR_CELLS = 256;
 const int MOST_STEPS = 8;
 const char* const NO_VALUE = "no value";
+// How long the title's border may be: of what has no room in the shortest.
+const std::array<float, 7> STRETCHES{1, 1.25f, 1.5f, 2, 2.5f, 3, 4};
 
-// How much higher than at the bottom of its view, which is 2 high.
-float liftOf(LegendPlace place) { return place == LegendPlace::TOP ? 2 - 2 * LEGEND_HEIGHT : 0; }
+// Of an upright legend, from the data to the border: a gap, the bar and its ticks, a gap, numbers
+// of so many letters' heights, a gap, the title, a gap.
+const float BEFORE_BAR = 0.03f;
+const float BESIDE_NUMBERS = 0.02f;
+const float NUMBER_ROOM = 5;     // letters
+const float BEFORE_TITLE = 0.5f; // letters
+const float ASCENT = 0.8f;       // letters
+const float DESCENT = 0.25f;     // letters
+const float AT_BORDER = 0.03f;
+const float DIGIT_HEIGHT = 0.73f;
 
-// From left to right on the view.
+bool isUpright(LegendPlace place)
+{
+    return place == LegendPlace::LEFT || place == LegendPlace::RIGHT;
+}
+
+float widthOfUpright(float textSize)
+{
+    return BEFORE_BAR + (BAR_TOP - TICK_BOTTOM) + BESIDE_NUMBERS + AT_BORDER +
+           (NUMBER_ROOM + BEFORE_TITLE + ASCENT + DESCENT) * textSize;
+}
+
+// Where a legend stands: it brings what is laid out at the bottom there.
+class Stand
+{
+public:
+    Stand(LegendPlace standPlace, float textSize)
+        : place(standPlace), begin(1 - widthOfUpright(textSize) + BEFORE_BAR)
+    {}
+
+    bool isUpright() const { return strandview::isUpright(place); }
+    SbVec3f at(float along, float y) const
+    {
+        if (!isUpright())
+            return {along, y + (place == LegendPlace::TOP ? 2 - 2 * LEGEND_HEIGHT : 0), 0};
+        return {outwards(begin + BAR_TOP - y), along, 0};
+    }
+    std::vector<SbVec3f> at(std::vector<SbVec3f> points) const
+    {
+        for (SbVec3f& point : points)
+            point = at(point[0], point[1]);
+        return points;
+    }
+    // Of an upright one: x, by how far it is on the right.
+    float outwards(float x) const { return place == LegendPlace::LEFT ? -x : x; }
+    // Of its numbers, where they begin.
+    float numbersBegin() const { return begin + BAR_TOP - TICK_BOTTOM + BESIDE_NUMBERS; }
+
+private:
+    LegendPlace place;
+    float begin; // of the bar, on the right
+};
+
+// Along the legend.
 struct Bar
 {
-    explicit Bar(const Colouring& colouring)
+    Bar(const Colouring& colouring, bool isUpright)
     {
         if (!colouring.constant.empty()) {
             left = -CONSTANT_WIDTH;
             right = CONSTANT_WIDTH;
         } else if (colouring.isMissing) {
-            right = BAR_RIGHT_OF_PATCH;
+            (isUpright ? left : right) = isUpright ? -BAR_RIGHT_OF_PATCH : BAR_RIGHT_OF_PATCH;
+        }
+        if (isUpright) { // it is below
+            patchLeft = -PATCH_RIGHT;
+            patchRight = -PATCH_LEFT;
         }
     }
     float at(double place) const { return left + (right - left) * float(place); }
-    float middle() const { return (left + right) / 2; }
+    float patchMiddle() const { return (patchLeft + patchRight) / 2; }
 
     float left = BAR_LEFT;
     float right = BAR_RIGHT;
+    float patchLeft = PATCH_LEFT;
+    float patchRight = PATCH_RIGHT;
 };
 
 // The letters of a legend, in their size.
@@ -83,15 +144,18 @@ public:
         return lettering.elide(text, double(width / size));
     }
     /// The baseline of the numbers: below the ticks by the height of digits and a little.
-    float numberLine() const { return TICK_BOTTOM - 0.0235f - 0.73f * size; }
+    float numberLine() const { return TICK_BOTTOM - 0.0235f - DIGIT_HEIGHT * size; }
     /// Between two texts.
     float gap() const { return size; }
+    float getSize() const { return size; }
 
     void addCorners(const LegendText& text, std::vector<SbVec3f>& corners) const
     {
-        for (const SbVec2f& corner : lettering.getShape(text.text))
-            corners.emplace_back(text.x - text.width / 2 + size * corner[0],
-                                 text.y + size * corner[1], 0.0f);
+        for (const SbVec2f& corner : lettering.getShape(text.text)) {
+            const float along = size * corner[0] - text.width / 2, up = size * corner[1];
+            corners.push_back(text.isUpright ? SbVec3f(text.x - up, text.y + along, 0)
+                                             : SbVec3f(text.x + along, text.y + up, 0));
+        }
     }
 
 private:
@@ -99,34 +163,58 @@ private:
     float size;
 };
 
+// What a legend's texts are laid out for.
+struct Layout
+{
+    const Colouring& colouring;
+    const LegendLook& look;
+    const Text& letters;
+
+    Stand stand{look.place, letters.getSize()};
+    Bar bar{colouring, stand.isUpright()};
+};
+
 double placeOf(const Colouring& colouring, double value)
 {
     return (value - colouring.min) / (colouring.max - colouring.min);
 }
 
-bool areApart(const std::vector<LegendText>& texts, float gap)
+bool areApart(const std::vector<LegendText>& texts, const Layout& layout)
 {
+    const float gap = layout.letters.gap();
     for (std::size_t i = 1; i < texts.size(); ++i) {
-        const float between = (texts[i - 1].width + texts[i].width) / 2 + gap;
-        if (texts[i].x - texts[i - 1].x < between)
+        const LegendText &one = texts[i - 1], &next = texts[i];
+        if (layout.stand.isUpright() ? std::abs(next.y - one.y) < 1.3f * gap
+                                     : next.x - one.x < (one.width + next.width) / 2 + gap)
             return false;
     }
     return true;
 }
 
-std::vector<LegendText> layOutNumbers(const Colouring& colouring, const Ticks& ticks,
-                                      const Text& letters)
+// Beside a place of an upright bar, or below one of another.
+LegendText layOutNumber(const std::string& text, float along, const Layout& layout)
 {
-    const Bar bar(colouring);
+    const Text& letters = layout.letters;
+    if (!layout.stand.isUpright()) {
+        const SbVec3f place = layout.stand.at(along, letters.numberLine());
+        return letters.make(text, place[0], place[1]);
+    }
+    LegendText number = letters.make(text, 0, along - DIGIT_HEIGHT / 2 * letters.getSize());
+    number.x = layout.stand.outwards(layout.stand.numbersBegin() + number.width / 2);
+    return number;
+}
+
+std::vector<LegendText> layOutNumbers(const Ticks& ticks, const Layout& layout)
+{
     std::vector<LegendText> numbers;
     for (std::size_t i = 0; i < ticks.values.size(); ++i) {
-        numbers.push_back(letters.make(ticks.labels[i], bar.at(placeOf(colouring, ticks.values[i])),
-                                       letters.numberLine()));
+        const float along = layout.bar.at(placeOf(layout.colouring, ticks.values[i]));
+        numbers.push_back(layOutNumber(ticks.labels[i], along, layout));
     }
-    if (colouring.isMissing) {
-        LegendText label =
-            letters.make(NO_VALUE, (PATCH_LEFT + PATCH_RIGHT) / 2, letters.numberLine());
-        label.x = std::min(label.x, (WIDEST - label.width) / 2);
+    if (layout.colouring.isMissing) {
+        LegendText label = layOutNumber(NO_VALUE, layout.bar.patchMiddle(), layout);
+        if (!layout.stand.isUpright())
+            label.x = std::min(label.x, (2 - SIDE_MARGIN - label.width) / 2);
         numbers.push_back(label);
     }
     return numbers;
@@ -145,35 +233,36 @@ Ticks exactIn(const NumberFormat& format, const Ticks& ticks, double range)
     return exact;
 }
 
-bool areInView(const std::vector<LegendText>& texts)
+bool areInView(const std::vector<LegendText>& texts, const Layout& layout)
 {
-    return std::all_of(texts.begin(), texts.end(), [](const LegendText& text) {
-        return std::abs(text.x) + text.width / 2 <= WIDEST / 2;
+    return std::all_of(texts.begin(), texts.end(), [&layout](const LegendText& text) {
+        return layout.stand.isUpright()
+                   ? text.width <= NUMBER_ROOM * layout.letters.getSize()
+                   : std::abs(text.x) + text.width / 2 <= (2 - SIDE_MARGIN) / 2;
     });
 }
 
 // Of a format, at least two with room beside each other; nothing if there are none.
-std::optional<Ticks> ticksIn(const NumberFormat& format, const Colouring& colouring,
-                             const Text& letters)
+std::optional<Ticks> ticksIn(const NumberFormat& format, const Layout& layout)
 {
+    const double min = layout.colouring.min, max = layout.colouring.max;
     for (int steps = MOST_STEPS; steps >= 1; --steps) {
-        const Ticks ticks = exactIn(format, makeTicks(colouring.min, colouring.max, steps),
-                                    colouring.max - colouring.min);
-        const std::vector<LegendText> numbers = layOutNumbers(colouring, ticks, letters);
-        if (ticks.values.size() >= 2 && areApart(numbers, letters.gap()) && areInView(numbers))
+        const Ticks ticks = exactIn(format, makeTicks(min, max, steps), max - min);
+        const std::vector<LegendText> numbers = layOutNumbers(ticks, layout);
+        if (ticks.values.size() >= 2 && areApart(numbers, layout) && areInView(numbers, layout))
             return ticks;
     }
     return {};
 }
 
 // As many as have room beside each other.
-Ticks chooseTicks(const Colouring& colouring, const Text& letters)
+Ticks chooseTicks(const Layout& layout)
 {
     const int fewestSteps = 2;
     Ticks ticks;
     for (int steps = MOST_STEPS; steps >= fewestSteps; --steps) {
-        ticks = makeTicks(colouring.min, colouring.max, steps);
-        if (areApart(layOutNumbers(colouring, ticks, letters), letters.gap()))
+        ticks = makeTicks(layout.colouring.min, layout.colouring.max, steps);
+        if (areApart(layOutNumbers(ticks, layout), layout))
             break;
     }
     return ticks;
@@ -187,27 +276,43 @@ std::string constantIn(const NumberFormat& format, const Colouring& colouring)
 }
 
 // The one number of a constant is its own tick.
-Ticks tickOfConstant(const Colouring& colouring, const NumberFormat& format, const Text& letters)
+Ticks tickOfConstant(const Layout& layout)
 {
-    const double middle = (colouring.min + colouring.max) / 2;
-    if (!format.isAuto()) {
-        const Ticks ticks{{middle}, {constantIn(format, colouring)}, ""};
-        const std::vector<LegendText> numbers = layOutNumbers(colouring, ticks, letters);
-        if (areApart(numbers, letters.gap()) && areInView(numbers))
+    const double middle = (layout.colouring.min + layout.colouring.max) / 2;
+    if (!layout.look.format.isAuto()) {
+        const Ticks ticks{{middle}, {constantIn(layout.look.format, layout.colouring)}, ""};
+        const std::vector<LegendText> numbers = layOutNumbers(ticks, layout);
+        if (areApart(numbers, layout) && areInView(numbers, layout))
             return ticks;
     }
-    return {{middle}, {colouring.constant}, ""};
+    return {{middle}, {layout.colouring.constant}, ""};
 }
 
-Ticks ticksOf(const Colouring& colouring, const NumberFormat& format, const Text& letters)
+Ticks ticksOf(const Layout& layout)
 {
-    if (!colouring.constant.empty())
-        return tickOfConstant(colouring, format, letters);
-    if (!format.isAuto()) {
-        if (const std::optional<Ticks> ticks = ticksIn(format, colouring, letters))
+    if (!layout.colouring.constant.empty())
+        return tickOfConstant(layout);
+    if (!layout.look.format.isAuto()) {
+        if (const std::optional<Ticks> ticks = ticksIn(layout.look.format, layout))
             return *ticks;
     }
-    return chooseTicks(colouring, letters);
+    return chooseTicks(layout);
+}
+
+// The numbers where they are drawn: one that has no room beside an upright bar is upright itself.
+std::vector<LegendText> placeNumbers(const Ticks& ticks, const Layout& layout)
+{
+    std::vector<LegendText> numbers = layOutNumbers(ticks, layout);
+    const float size = layout.letters.getSize();
+    for (LegendText& number : numbers) {
+        if (!layout.stand.isUpright() || number.width <= NUMBER_ROOM * size)
+            continue;
+        number.isUpright = true;
+        const float middle = layout.stand.numbersBegin() + DIGIT_HEIGHT / 2 * size;
+        number.x = layout.stand.outwards(middle) + DIGIT_HEIGHT / 2 * size;
+        number.y += DIGIT_HEIGHT / 2 * size;
+    }
+    return numbers;
 }
 
 // "roll (°)" where there is a unit, which stands alone where there is no title. A long title loses
@@ -225,34 +330,55 @@ std::string title(const Colouring& colouring, const LegendLook& look, float room
     return letters.elide(name, room - letters.make(behind, 0, 0).width) + behind;
 }
 
+// Beside the widest of the numbers that the name, which begins there, is beside.
+float baselineOfUprightName(const std::vector<LegendText>& numbers, float nameBegin,
+                            const Layout& layout)
+{
+    const float size = layout.letters.getSize();
+    float widest = 0;
+    for (const LegendText& number : numbers) {
+        if (number.isUpright)
+            widest = std::max(widest, DIGIT_HEIGHT * size);
+        else if (number.y + size > nameBegin)
+            widest = std::max(widest, number.width);
+    }
+    const float begin = layout.stand.numbersBegin() + widest + BEFORE_TITLE * size;
+    // Letters are upwards, to the left.
+    return layout.look.place == LegendPlace::RIGHT ? begin + ASCENT * size
+                                                   : -begin - DESCENT * size;
+}
+
 // The name in the middle and what belongs to the numbers at the bar's end, or both in a row
 // where they would meet.
-std::vector<LegendText> layOutName(const Colouring& colouring, const LegendLook& look,
-                                   const std::string& note, const Text& letters)
+std::vector<LegendText> layOutName(const std::string& note, const std::vector<LegendText>& numbers,
+                                   const Layout& layout, float stretch)
 {
-    LegendText behind = letters.make(note, 0, NAME);
+    const Text& letters = layout.letters;
+    const bool isUpright = layout.stand.isUpright();
+    LegendText behind = letters.make(note, 0, 0);
     const float apart = note.empty() ? 0 : 2 * letters.gap();
-    const float room = WIDEST - behind.width - apart;
-    LegendText name = letters.make(title(colouring, look, room, letters), 0, NAME);
-    if (note.empty())
-        return {name};
-    behind.x = Bar(colouring).right - behind.width / 2;
-    if (name.width / 2 + apart > behind.x - behind.width / 2) {
+    const float widest = 2 * stretch - (isUpright ? SIDE_MARGIN_UPRIGHT : SIDE_MARGIN);
+    const float room = widest - behind.width - apart;
+    LegendText name = letters.make(title(layout.colouring, layout.look, room, letters), 0, 0);
+    behind.x = layout.bar.right - behind.width / 2;
+    if (!note.empty() && name.width / 2 + apart > behind.x - behind.width / 2) {
         const float left = -(name.width + apart + behind.width) / 2;
         name.x = left + name.width / 2;
         behind.x = -left - behind.width / 2;
     }
-    return {name, behind};
-}
-
-// At the bottom.
-std::vector<LegendText> layOut(const Colouring& colouring, const LegendLook& look,
-                               const Ticks& ticks, const Text& letters)
-{
-    std::vector<LegendText> texts = layOutName(colouring, look, ticks.note, letters);
-    const std::vector<LegendText> numbers = layOutNumbers(colouring, ticks, letters);
-    texts.insert(texts.end(), numbers.begin(), numbers.end());
-    return texts;
+    std::vector<LegendText> row{name};
+    if (!note.empty())
+        row.push_back(behind);
+    const float baseline =
+        isUpright ? baselineOfUprightName(numbers, name.x - name.width / 2, layout) : 0;
+    for (LegendText& text : row) {
+        const SbVec3f place =
+            isUpright ? SbVec3f(baseline, text.x, 0) : layout.stand.at(text.x, NAME);
+        text.x = place[0];
+        text.y = place[1];
+        text.isUpright = isUpright;
+    }
+    return row;
 }
 
 SbColor colourAt(const Colouring& colouring, double place)
@@ -333,14 +459,15 @@ public:
         group->addChild(mesh);
         legend.addChild(group);
     }
-    void show(const Colouring& colouring, const Bar& bar)
+    void show(const Layout& layout)
     {
+        const Colouring& colouring = layout.colouring;
         std::vector<SbVec3f> corners;
         std::vector<SbColor> colours;
         for (const float y : {BAR_BOTTOM, BAR_TOP}) {
             for (int i = 0; i <= BAR_CELLS; ++i) {
                 const double t = double(i) / BAR_CELLS;
-                corners.emplace_back(bar.at(t), y, 0.0f);
+                corners.push_back(layout.stand.at(layout.bar.at(t), y));
                 colours.push_back(colourAt(colouring, colouring.constant.empty() ? t : 0.5));
             }
         }
@@ -382,13 +509,18 @@ std::vector<SbVec3f> layOutTicks(const Colouring& colouring, const Ticks& ticks,
 
 } // namespace
 
-FreeEdges roomOf(LegendPlace place)
+FreeEdges roomOf(LegendPlace place, float textSize)
 {
+    const float besides = widthOfUpright(textSize) / 2;
     switch (place) {
     case LegendPlace::BOTTOM:
         return {LEGEND_HEIGHT, 0};
     case LegendPlace::TOP:
         return {0, LEGEND_HEIGHT};
+    case LegendPlace::LEFT:
+        return {0, 0, besides, 0};
+    case LegendPlace::RIGHT:
+        return {0, 0, 0, besides};
     case LegendPlace::OFF:
         break;
     }
@@ -396,13 +528,14 @@ FreeEdges roomOf(LegendPlace place)
 }
 
 std::vector<LegendText> layOutLegend(const Colouring& colouring, float textSize,
-                                     const LegendLook& look)
+                                     const LegendLook& look, float stretch)
 {
     const Text letters(textSize);
-    std::vector<LegendText> texts =
-        layOut(colouring, look, ticksOf(colouring, look.format, letters), letters);
-    for (LegendText& text : texts)
-        text.y += liftOf(look.place);
+    const Layout layout{colouring, look, letters};
+    const Ticks ticks = ticksOf(layout);
+    const std::vector<LegendText> numbers = placeNumbers(ticks, layout);
+    std::vector<LegendText> texts = layOutName(ticks.note, numbers, layout, stretch);
+    texts.insert(texts.end(), numbers.begin(), numbers.end());
     return texts;
 }
 
@@ -423,35 +556,44 @@ public:
     SoNode* getRoot() const { return root; }
     void tell(const Colouring& colouring)
     {
-        const Bar bar(colouring);
-        ramp.show(colouring, bar);
-        showBesideBar(colouring, bar);
-        const std::vector<SbVec3f> corners = layOutFrame(colouring, bar);
+        const Layout layout{colouring, look, letters};
+        ramp.show(layout);
+        showBesideBar(layout);
+        const std::vector<SbVec3f> corners = layout.stand.at(layOutFrame(colouring, layout.bar));
         frame.set(corners, int(corners.size()));
-        const Ticks found = ticksOf(colouring, look.format, letters);
-        ticks.set(layOutTicks(colouring, found, bar), 2);
-        std::vector<SbVec3f> ofLetters;
-        for (const LegendText& text : layOut(colouring, look, found, letters))
-            letters.addCorners(text, ofLetters);
-        texts.set(ofLetters);
+        const Ticks found = ticksOf(layout);
+        ticks.set(layout.stand.at(layOutTicks(colouring, found, layout.bar)), 2);
+        const std::vector<LegendText> ofTicks = placeNumbers(found, layout);
+        numbers.set(cornersOf(ofTicks));
+        for (std::size_t i = 0; i < names.size(); ++i)
+            names[i].set(cornersOf(layOutName(found.note, ofTicks, layout, STRETCHES[i])));
     }
     void setBackground(const Colour& background) { ink->rgb = toSbColor(inkOn(background)); }
     void setLook(const LegendLook& next)
     {
         look = next;
-        cameraOf(*root).standAtTop(look.place == LegendPlace::TOP);
-        lift->translation = SbVec3f(0, liftOf(look.place), 0);
+        cameraOf(*root).standAt(look.place);
     }
 
 private:
-    // What the colours of the bar do not show.
-    void showBesideBar(const Colouring& colouring, const Bar& bar)
+    std::vector<SbVec3f> cornersOf(const std::vector<LegendText>& texts) const
     {
+        std::vector<SbVec3f> corners;
+        for (const LegendText& text : texts)
+            letters.addCorners(text, corners);
+        return corners;
+    }
+    // What the colours of the bar do not show.
+    void showBesideBar(const Layout& layout)
+    {
+        const Colouring& colouring = layout.colouring;
+        const Bar& bar = layout.bar;
         const auto showTriangle = [&](Face& face, bool isThere, float end, float tip,
                                       double place) {
             if (isThere)
                 face.show(colourAt(colouring, place),
-                          {{end, BAR_BOTTOM, 0}, {tip, BAR_MIDDLE, 0}, {end, BAR_TOP, 0}});
+                          layout.stand.at(
+                              {{end, BAR_BOTTOM, 0}, {tip, BAR_MIDDLE, 0}, {end, BAR_TOP, 0}}));
             else
                 face.hide();
         };
@@ -459,10 +601,10 @@ private:
         showTriangle(above, colouring.isAbove, bar.right, bar.right + TRIANGLE, 2);
         std::vector<SbVec3f> patch;
         if (colouring.isMissing) {
-            patch = {{PATCH_LEFT, BAR_BOTTOM, 0},
-                     {PATCH_RIGHT, BAR_BOTTOM, 0},
-                     {PATCH_RIGHT, BAR_TOP, 0},
-                     {PATCH_LEFT, BAR_TOP, 0}};
+            patch = layout.stand.at({{bar.patchLeft, BAR_BOTTOM, 0},
+                                     {bar.patchRight, BAR_BOTTOM, 0},
+                                     {bar.patchRight, BAR_TOP, 0},
+                                     {bar.patchLeft, BAR_TOP, 0}});
             missing.show(toSbColor(colouring.none), patch);
             patch.push_back(patch.front());
         } else {
@@ -470,11 +612,18 @@ private:
         }
         patchFrame.set(patch, 5);
     }
-    static SoTranslation* addLift(SoSeparator& legend)
+    // Each in a choice, by the length of the border.
+    static std::vector<Quadrilaterals> addNames(SoSeparator& legend)
     {
-        auto* lift = new SoTranslation;
-        legend.addChild(lift);
-        return lift;
+        auto* choice = new SoStretchChoice(cameraOf(legend), {STRETCHES.begin(), STRETCHES.end()});
+        legend.addChild(choice);
+        std::vector<Quadrilaterals> all;
+        for (std::size_t i = 0; i < STRETCHES.size(); ++i) {
+            auto* name = new SoSeparator;
+            choice->addChild(name);
+            all.emplace_back(*name);
+        }
+        return all;
     }
     static SoBaseColor* addInk(SoSeparator& legend)
     {
@@ -486,12 +635,12 @@ private:
     const Text letters;
     LegendLook look;
     SoSeparator* const root = makeOverlay();
-    SoTranslation* const lift = addLift(*root);
     Ramp ramp{*root};
     Face below{*root}, above{*root}, missing{*root};
     SoBaseColor* const ink = addInk(*root); // of all that follows
     Lines frame{*root, 1}, patchFrame{*root, 1}, ticks{*root, 2};
-    Quadrilaterals texts{*root};
+    Quadrilaterals numbers{*root};
+    std::vector<Quadrilaterals> names = addNames(*root);
 };
 
 Legend::Legend(const Colour& background, float textSize, const LegendLook& look)

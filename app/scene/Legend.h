@@ -23,29 +23,34 @@ constexpr float LARGEST_LEGEND_TEXT_SIZE = 0.1f;
 
 /// The part of a view's height, at its bottom or its top, that a legend takes.
 constexpr float LEGEND_HEIGHT = 0.16f;
-/// What it takes of the view where it stands.
-FreeEdges roomOf(LegendPlace place);
+/// What it takes of the view where it stands; at the left and the right more for larger letters.
+FreeEdges roomOf(LegendPlace place, float textSize = LEGEND_TEXT_SIZE);
 
-/// A line of a legend's text: its middle, and its width.
+/// A line of a legend's text: the middle of its baseline, and its width. One that is upright reads
+/// upwards.
 struct LegendText
 {
     std::string text;
     float x, y;
     float width;
+    bool isUpright = false;
 };
 
-/// The texts of a legend, none over another, in its own view, which is 2 high and 2 wide or
-/// more; x is 0 in the middle, and y is -1 at its bottom or, for a legend at the top, 1 at its top:
-/// the title with the unit, what makes the numbers values if anything does, and the numbers, as
-/// many as there is room for. A title that is too long loses its end.
+/// The texts of a legend, none over another, in the view of a SoLegendCamera that stands there,
+/// whose border is 2 long or, where `stretch` says so, so many times as long: the title with the
+/// unit, what makes the numbers values if anything does, and the numbers, as many as there is room
+/// for. A title that is too long loses its end. At the left and the right it is upright, and so is
+/// what makes the numbers values; numbers stand beside the bar there, but the one of a constant
+/// that has no room.
 ///
 /// In a format that is asked for there are numbers where they are exact in it. Where fewer than two
 /// are, or those have no room, all are written as suits them.
 std::vector<LegendText> layOutLegend(const Colouring& colouring, float textSize,
-                                     const LegendLook& look = {});
+                                     const LegendLook& look = {}, float stretch = 1);
 
-/// A framed bar with the ramp, ticks with their numbers, and the scalar's name, at the bottom or
-/// the top of whatever view it is drawn in; whoever draws it looks whether it is to be there.
+/// A framed bar with the ramp, ticks with their numbers, and the scalar's name, at a border of
+/// whatever view it is drawn in, upright at the left and the right; whoever draws it looks whether
+/// it is to be there.
 /// Triangles at its ends show that values lie beyond them, a grey patch beside it that some are no
 /// numbers. A constant has one colour and one number, and the triangles where another frame has
 /// other numbers. The text is black or white, as is read on the background.

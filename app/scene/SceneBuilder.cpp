@@ -26,6 +26,7 @@
 #include "scene/SoOverlay.h"
 #include "scene/SoPlacedSolids.h"
 #include "scene/SoSeeThrough.h"
+#include "scene/SoStretchChoice.h"
 #include "scene/backbones.h"
 #include "scene/builders/ArrowBuilder.h"
 #include "scene/builders/BirodBuilder.h"
@@ -278,6 +279,7 @@ void initialiseScene()
     initStrandviewClasses();
     SoOverlay::initClass();
     SoLegendCamera::initClass();
+    SoStretchChoice::initClass();
     SoPlacedSolids::initClass();
     SoSeeThrough::initClass();
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "scene/SoLegendCamera.h"
 
+#include <algorithm>
+
 namespace strandview {
 
 SO_NODE_SOURCE(SoLegendCamera);
@@ -21,27 +23,33 @@ SoLegendCamera::SoLegendCamera()
 
 SoLegendCamera::~SoLegendCamera() = default;
 
-void SoLegendCamera::standAtTop(bool atTop)
+void SoLegendCamera::standAt(LegendPlace at)
 {
-    if (atTop == isAtTop)
+    if (at == place)
         return;
-    isAtTop = atTop;
+    place = at;
     touch();
 }
 
 void SoLegendCamera::copyContents(const SoFieldContainer* from, SbBool copyConnections)
 {
     SoOrthographicCamera::copyContents(from, copyConnections);
-    isAtTop = static_cast<const SoLegendCamera*>(from)->isAtTop;
+    place = static_cast<const SoLegendCamera*>(from)->place;
 }
 
 SbViewVolume SoLegendCamera::getViewVolume(float useaspectratio) const
 {
     SbViewVolume volume = SoOrthographicCamera::getViewVolume(useaspectratio);
-    // A view that is higher than wide grows about its middle until it is 2 wide.
     const float aspect = useaspectratio > 0 ? useaspectratio : aspectRatio.getValue();
-    if (aspect < 1)
-        volume.translateCamera(SbVec3f(0, (isAtTop ? -1 : 1) * (1 / aspect - 1), 0));
+    const bool isUpright = place == LegendPlace::LEFT || place == LegendPlace::RIGHT;
+    stretch = std::max(1.0f, isUpright ? 1 / aspect : aspect);
+    // A view that is higher than wide grows about its middle until it is 2 wide.
+    if (aspect < 1 && !isUpright)
+        volume.translateCamera(
+            SbVec3f(0, (place == LegendPlace::TOP ? -1 : 1) * (1 / aspect - 1), 0));
+    if (aspect > 1 && isUpright)
+        volume.translateCamera(
+            SbVec3f((place == LegendPlace::RIGHT ? -1 : 1) * (aspect - 1), 0, 0));
     return volume;
 }
 

@@ -5,11 +5,14 @@
 #include <Inventor/nodes/SoOrthographicCamera.h>
 #include <Inventor/nodes/SoSubNode.h>
 
+#include "request/LegendLook.h"
+
 namespace strandview {
 
-/// A camera for what stands at a view's bottom: the plane z = 0, from y = -1 at the bottom on,
-/// at least 2 high and 2 wide, and one of them exactly. Or at its top, for what stands there: up to
-/// y = 1.
+/// A camera for what stands at a border of a view: the plane z = 0, at least 2 high and 2 wide, and
+/// one of them exactly. What stands at the bottom has y from -1 on there, and x = 0 in the middle;
+/// at the top y goes up to 1, at the left x begins at -1, and at the right it goes up to 1, each
+/// with 0 in the middle of the border.
 class SoLegendCamera : public SoOrthographicCamera
 {
     SO_NODE_HEADER(SoLegendCamera);
@@ -18,7 +21,9 @@ public:
     static void initClass();
     SoLegendCamera();
 
-    void standAtTop(bool atTop);
+    void standAt(LegendPlace at);
+    /// How many times as long as 2 the border is in the view that was last asked for, from 1 on.
+    float getStretch() const { return stretch; }
 
     SbViewVolume getViewVolume(float useaspectratio = 0.0f) const override;
 
@@ -27,7 +32,8 @@ protected:
     void copyContents(const SoFieldContainer* from, SbBool copyConnections) override;
 
 private:
-    bool isAtTop = false;
+    LegendPlace place = LegendPlace::BOTTOM;
+    mutable float stretch = 1;
 };
 
 } // namespace strandview

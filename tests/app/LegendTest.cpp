@@ -239,6 +239,117 @@ TEST(Legend, AtTheTopIsTheSameMovedUpByWhatIsLeftOfTheView)
     EXPECT_EQ(roomOf(LegendPlace::OFF), FreeEdges());
 }
 
+// Left, right, lower and upper end of a text, as large as its letters may be.
+std::array<float, 4> boxOf(const LegendText& text, float size)
+{
+    const float below = 0.25f * size, above = 0.8f * size;
+    if (text.isUpright)
+        return {text.x - above, text.x + below, text.y - text.width / 2, text.y + text.width / 2};
+    return {text.x - text.width / 2, text.x + text.width / 2, text.y - below, text.y + above};
+}
+
+const LegendPlace SIDES_OF_VIEW[] = {LegendPlace::LEFT, LegendPlace::RIGHT};
+
+// Of the room there, none over another.
+void expectBesideTheData(const Colouring& shown, float size, LegendLook look)
+{
+    for (const LegendPlace place : SIDES_OF_VIEW) {
+        look.place = place;
+        const FreeEdges room = roomOf(place, size);
+        const std::vector<LegendText> texts = layOutLegend(shown, size, look);
+        for (std::size_t i = 0; i < texts.size(); ++i) {
+            SCOPED_TRACE(texts[i].text);
+            const auto [left, right, low, high] = boxOf(texts[i], size);
+            EXPECT_GE(left, place == LegendPlace::LEFT ? -1 : 1 - 2 * room.right);
+            EXPECT_LE(right, place == LegendPlace::RIGHT ? 1 : -1 + 2 * room.left);
+            EXPECT_GE(low, -0.9f);
+            EXPECT_LE(high, 0.9f) << "the corner is for a stamp";
+            for (std::size_t j = 0; j < i; ++j) {
+                const auto other = boxOf(texts[j], size);
+                EXPECT_TRUE(right < other[0] || other[1] < left || high < other[2] ||
+                            other[3] < low)
+                    << texts[j].text;
+            }
+        }
+    }
+}
+
+TEST(Legend, AtASideHasNumbersBesideTheBarAndAnUprightTitle)
+{
+    Colouring shown = colouring(0, 2500000, "load");
+    shown.unit = "N";
+    LegendLook look;
+    for (const LegendPlace place : SIDES_OF_VIEW) {
+        look.place = place;
+        const std::vector<LegendText> texts = layOutLegend(shown, LEGEND_TEXT_SIZE, look);
+        const float outwards = place == LegendPlace::RIGHT ? 1 : -1;
+        std::vector<std::string> words;
+        float inner = 0; // of the numbers
+        for (const LegendText& text : texts) {
+            words.push_back(text.text);
+            const bool isNumber = words.size() > 2;
+            EXPECT_EQ(text.isUpright, !isNumber);
+            EXPECT_GT(outwards * text.x, 0.5f);
+            if (words.size() == 3)
+                inner = text.x - outwards * text.width / 2;
+            if (isNumber) {
+                EXPECT_NEAR(text.x - outwards * text.width / 2, inner, 1e-6) << "in a column";
+            }
+        }
+        EXPECT_THAT(words,
+                    ElementsAre("load (N)", "×10⁶", "0.0", "0.5", "1.0", "1.5", "2.0", "2.5"));
+        EXPECT_LT(texts[2].y, texts[7].y) << "upwards";
+        EXPECT_GT(outwards * texts[0].x, outwards * texts[7].x) << "the title is outside";
+    }
+}
+
+TEST(Legend, AtASideItsTextsHaveRoomAndNeverMeet)
+{
+    std::mt19937 engine(21);
+    std::uniform_real_distribution<double> digit(-9.99, 9.99), exponent(-30, 30);
+    for (int i = 0; i < 90; ++i) {
+        const double min = digit(engine) * std::pow(10, exponent(engine));
+        const double max = min + std::abs(min) * std::pow(10, exponent(engine) / 3);
+        if (!isRange(min, max))
+            continue;
+        SCOPED_TRACE(testing::Message() << min << " to " << max);
+        Colouring shown = colouring(min, max, std::string(std::size_t(5 * i + 1), 'W'));
+        shown.isMissing = i % 2;
+        shown.unit = i % 5 ? "" : "Å⁻¹";
+        LegendLook look;
+        if (i % 3 == 0) {
+            look.format.notation = i % 2 ? NumberFormat::DECIMALS : NumberFormat::SCIENTIFIC;
+            look.format.digits = i % 16;
+        }
+        expectBesideTheData(shown, i % 4 == 0 ? LARGEST_LEGEND_TEXT_SIZE : LEGEND_TEXT_SIZE, look);
+    }
+    for (const char* number : {"0.3", "−1.23456789×10⁻¹⁰⁰"}) {
+        Colouring constant = colouring(0, 1);
+        constant.constant = number;
+        expectBesideTheData(constant, LEGEND_TEXT_SIZE, {});
+        expectBesideTheData(constant, LARGEST_LEGEND_TEXT_SIZE, {});
+    }
+}
+
+TEST(Legend, ALongTitleHasTheLengthOfTheBorder)
+{
+    LegendLook look;
+    look.title = "Curvature of the centreline, times the contour length, of all frames of this";
+    look.unit = "1";
+    for (const LegendPlace place : {LegendPlace::BOTTOM, LegendPlace::TOP, LegendPlace::RIGHT}) {
+        look.place = place;
+        std::size_t before = 0;
+        for (const float stretch : {1.0f, 1.25f, 1.5f, 2.0f}) {
+            const LegendText title =
+                layOutLegend(colouring(0, 1), LEGEND_TEXT_SIZE, look, stretch).front();
+            EXPECT_GT(title.text.size(), before);
+            EXPECT_LE(title.width, 2 * stretch - 0.1f);
+            before = title.text == *look.title + " (1)" ? title.text.size() - 1 : title.text.size();
+        }
+        EXPECT_EQ(before + 1, look.title->size() + 4) << "all of it";
+    }
+}
+
 // y from the middle of the lower border to that of the upper one.
 std::pair<float, float> bordersOf(const SoLegendCamera& camera, float aspect)
 {
@@ -259,8 +370,9 @@ TEST(Legend, AtTheTopIsSeenInAViewThatEndsThere)
     initialiseSceneOnce();
     SoSeparator* overlay = makeOverlay();
     overlay->ref();
-    for (const auto& [atTop, low, high] : {std::tuple(false, -1, 3), {true, -3, 1}}) {
-        cameraOf(*overlay).standAtTop(atTop);
+    for (const auto& [place, low, high] :
+         {std::tuple(LegendPlace::BOTTOM, -1, 3), {LegendPlace::TOP, -3, 1}}) {
+        cameraOf(*overlay).standAt(place);
         auto* copy = static_cast<SoSeparator*>(overlay->copy());
         copy->ref();
         for (SoSeparator* const one : {overlay, copy}) {
@@ -270,6 +382,27 @@ TEST(Legend, AtTheTopIsSeenInAViewThatEndsThere)
             EXPECT_NEAR(bordersOf(cameraOf(*one), 2).second, 1, 1e-5) << "2 high, whichever it is";
         }
         copy->unref();
+    }
+    overlay->unref();
+}
+
+TEST(Legend, AtASideIsSeenInAViewThatEndsThere)
+{
+    initialiseSceneOnce();
+    SoSeparator* overlay = makeOverlay();
+    overlay->ref();
+    for (const LegendPlace place : SIDES_OF_VIEW) {
+        cameraOf(*overlay).standAt(place);
+        for (const float aspect : {2.5f, 1.0f, 0.4f}) {
+            SbViewVolume volume = cameraOf(*overlay).getViewVolume(aspect);
+            if (aspect < 1)
+                volume.scale(1 / aspect); // as Coin does, so that all of the width is seen
+            SbVec3f near, far;
+            volume.projectPointToLine(SbVec2f(place == LegendPlace::LEFT ? 0 : 1, 0.5f), near, far);
+            EXPECT_NEAR(near[0], place == LegendPlace::LEFT ? -1 : 1, 1e-5);
+            EXPECT_NEAR(near[1], 0, 1e-5);
+            EXPECT_NEAR(cameraOf(*overlay).getStretch(), std::max(1.0f, 1 / aspect), 1e-5);
+        }
     }
     overlay->unref();
 }
@@ -390,7 +523,9 @@ TEST(Legend, ThatTellsSomethingElseIsAsANewOneOfTheSameNodes)
     std::set<std::vector<float>> seen;
     for (const Colouring& told : {constant, beyond, missing, constant, missing, beyond}) {
         LegendLook look;
-        look.place = told.isAbove ? LegendPlace::TOP : LegendPlace::BOTTOM;
+        look.place = told.isAbove     ? LegendPlace::TOP
+                     : told.isMissing ? LegendPlace::LEFT
+                                      : LegendPlace::BOTTOM;
         if (told.isMissing)
             look.title = "another";
         legend.setLook(look);

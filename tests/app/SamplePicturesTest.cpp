@@ -2,6 +2,8 @@
 // Every sample configuration looks as it did when somebody last looked at it.
 #include <algorithm>
 #include <cstdlib>
+#include <string>
+#include <vector>
 
 #include <QImage>
 #include <QTemporaryDir>
@@ -24,18 +26,14 @@ int distance(QRgb a, QRgb b)
                      std::abs(qBlue(a) - qBlue(b))});
 }
 
-class SamplePicturesTest : public testing::TestWithParam<const char*>
+// As the picture of that name among those expected.
+void expectLooksAs(const QString& name, std::vector<std::string> options, const std::string& sample)
 {
-};
-
-TEST_P(SamplePicturesTest, LooksAsExpected)
-{
-    const QString name = QString(GetParam()).section('.', 0, 0);
     const QTemporaryDir folder;
     const QString actualFile = folder.filePath("actual.png");
-    const ProgramRun run =
-        runProgram(STRANDVIEW_PROGRAM, {"--render", actualFile.toStdString(), "--size", "320x240",
-                                        std::string(SAMPLES_FOLDER) + "/" + GetParam()});
+    options.insert(options.end(), {"--render", actualFile.toStdString(), "--size", "320x240",
+                                   std::string(SAMPLES_FOLDER) + "/" + sample});
+    const ProgramRun run = runProgram(STRANDVIEW_PROGRAM, options);
     ASSERT_EQ(run.status, 0) << run.error;
     const QImage actual = QImage(actualFile).convertToFormat(QImage::Format_RGB32);
     const QImage expected = QImage(QString(EXPECTED_PICTURES) + "/" + name + ".png")
@@ -50,6 +48,24 @@ TEST_P(SamplePicturesTest, LooksAsExpected)
             differing += distance(actual.pixel(x, y), expected.pixel(x, y)) > SAME_COLOUR;
     }
     EXPECT_LE(differing, FEW_PIXELS * actual.width() * actual.height());
+}
+
+class SamplePicturesTest : public testing::TestWithParam<const char*>
+{
+};
+
+TEST_P(SamplePicturesTest, LooksAsExpected)
+{
+    expectLooksAs(QString(GetParam()).section('.', 0, 0), {}, GetParam());
+}
+
+TEST(LegendPicturesTest, AtTheRightLooksAsExpected)
+{
+    expectLooksAs("legend_right",
+                  {"--colour-by", "curvature", "--legend", "right", "--range", "0.5:1.2",
+                   "--below-colour", "magenta", "--above-colour", "orange", "--legend-unit",
+                   "nm⁻¹"},
+                  "supercoil.txt");
 }
 
 INSTANTIATE_TEST_SUITE_P(, SamplePicturesTest,

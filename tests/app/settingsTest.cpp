@@ -157,8 +157,8 @@ TEST(SettingsTest, AFormatOfNumbersThatIsNoneIsRefusedWithWhatIs)
         settingOf("legend-format").read("%s", request),
         "found '%s', expected auto or a point, a number of digits from 0 to 15 and f, e or g, "
         "such as .2f");
-    EXPECT_EQ(settingOf("legend").read("left", request),
-              "found 'left', expected bottom, top or off");
+    EXPECT_EQ(settingOf("legend").read("middle", request),
+              "found 'middle', expected bottom, top, left, right or off");
     EXPECT_EQ(request, StyleRequest());
 }
 
