@@ -59,6 +59,9 @@ struct StyleRequest
     std::optional<Colour> aboveColour;
     std::optional<Colour> nanColour;
     LegendLook legend;
+
+    bool scaleBar = false;
+    std::optional<std::string> scaleUnit; ///< of the data's lengths, else DNA's if there is any
 };
 
 } // namespace strandview

@@ -352,6 +352,7 @@ std::string readLegendFormat(const std::string& text, StyleRequest& request)
 const char* const LOOK = "Look";
 const char* const DNA = "DNA";
 const char* const COLOURS = "Colour by data";
+const char* const SCALE = "Scale bar";
 const char* const THINGS = "Things";
 
 // Changes no shape: recolourScene() shows it.
@@ -424,6 +425,12 @@ Setting among(std::vector<std::string> words, Setting row)
 Setting onlyWith(const char* neededSetting, Setting row)
 {
     row.neededSetting = neededSetting;
+    return row;
+}
+
+Setting inGroup(const char* group, Setting row)
+{
+    row.group = group;
     return row;
 }
 
@@ -526,6 +533,17 @@ std::vector<Setting> makeSettings()
                            "How the legend's numbers are written: auto; .2f, two decimals; .2e, "
                            "with a power of ten; .3g, three digits, the shorter of both [auto]",
                            &readLegendFormat))),
+        ofColours(inGroup(
+            SCALE, makeSwitch<&Request::scaleBar>("scale-bar", "Scale bar",
+                                                  "Show how long a round length of the data is, in "
+                                                  "a corner; not with --perspective"))),
+        ofColours(onlyWith(
+            "scale-bar",
+            makeText<&Request::scaleUnit>(
+                "scale-unit", "Unit of lengths",
+                "Unit of the data's lengths, behind the scale bar's, none if it is empty [that of "
+                "DNA]",
+                SCALE))),
         among(namesOf(DNA_PARTS),
               {"dna", SettingKind::PARTS, "Shown of DNA", DNA, "WHAT,...",
                "Show backbone, bases as slabs, boxes of bases, boxes of pairs, atoms, or none "

@@ -21,6 +21,7 @@
 #include "request/conversions.h"
 #include "request/thingTexts.h"
 #include "scene/Legend.h"
+#include "scene/ScaleBar.h"
 #include "scene/SoSeeThrough.h"
 
 namespace strandview {
@@ -295,6 +296,7 @@ void DataScene::dropColouring()
     legendChoice = nullptr;
     legend.reset();
     colouring.reset();
+    showScaleBar();
 }
 
 void DataScene::updateLegend(const Colouring& next)
@@ -355,6 +357,24 @@ void DataScene::showLegend()
 {
     const bool isThere = coloursShown && style.legend.place != LegendPlace::OFF;
     legendChoice->whichChild = isThere ? 0 : SO_SWITCH_NONE;
+    showScaleBar();
+}
+
+void DataScene::showScaleBar()
+{
+    if (!scaleBar && !style.scaleBar)
+        return;
+    if (!scaleBar) {
+        scaleBar = std::make_unique<ScaleBar>();
+        scaleBarChoice = new SoSwitch;
+        scaleBarChoice->addChild(scaleBar->getNode());
+        addChild(scaleBarChoice);
+    }
+    const bool isBesideLegend = legend && coloursShown;
+    const ScaleBarLook look{1 / placement.scale, style.scaleUnit, style.legendTextSize,
+                            cornerBeside(isBesideLegend ? style.legend.place : LegendPlace::OFF)};
+    scaleBar->set(look, style.background);
+    scaleBarChoice->whichChild = style.scaleBar ? 0 : SO_SWITCH_NONE;
 }
 
 DataScene::Shininess DataScene::getShininess()
@@ -384,6 +404,7 @@ void DataScene::setBackground(const Colour& background)
     style.background = background;
     if (legend)
         legend->setBackground(background);
+    showScaleBar();
 }
 
 void DataScene::setStamp(SoNode* next)

@@ -28,6 +28,7 @@
 namespace strandview {
 
 class Legend;
+class ScaleBar;
 struct Configuration;
 
 /// The program's scene: it knows which nodes show which datum, and tells what was picked.
@@ -152,6 +153,7 @@ private:
     Shininess getShininess();
     void setShininess(const Shininess& values);
     void showLegend();
+    void showScaleBar();
     void tellColouring(); ///< by the legend: nothing else changes what it tells
 
     struct Kind
@@ -172,7 +174,9 @@ private:
     bool coarse = false;
     std::unique_ptr<Legend> legend;
     SoSwitch* legendChoice = nullptr; ///< whether it is shown
-    bool coloursShown = false;        ///< of data, with the legend or without
+    std::unique_ptr<ScaleBar> scaleBar;
+    SoSwitch* scaleBarChoice = nullptr; ///< whether it is shown
+    bool coloursShown = false;          ///< of data, with the legend or without
     SoNode* stamp = nullptr;
     Shininess highlights;           ///< while colours are shown: those without
     bool areUserHighlights = false; ///< changed while colours were shown

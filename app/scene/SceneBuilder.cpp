@@ -25,6 +25,7 @@
 #include "scene/SoLegendCamera.h"
 #include "scene/SoOverlay.h"
 #include "scene/SoPlacedSolids.h"
+#include "scene/SoScaleBar.h"
 #include "scene/SoSeeThrough.h"
 #include "scene/SoStretchChoice.h"
 #include "scene/backbones.h"
@@ -279,6 +280,7 @@ void initialiseScene()
     initStrandviewClasses();
     SoOverlay::initClass();
     SoLegendCamera::initClass();
+    SoScaleBar::initClass();
     SoStretchChoice::initClass();
     SoPlacedSolids::initClass();
     SoSeeThrough::initClass();
@@ -325,6 +327,7 @@ DataScene* buildScene(const Configuration& configuration, const Style& style,
     }
     if (colouring)
         scene->setColouring(*colouring);
+    scene->setBackground(style.background); // what is over the data comes last
     scene->unrefNoDelete();
     return scene;
 }

@@ -3,6 +3,10 @@
 
 #include <algorithm>
 
+#include <Inventor/actions/SoCallbackAction.h>
+#include <Inventor/actions/SoGLRenderAction.h>
+#include <Inventor/elements/SoViewVolumeElement.h>
+
 namespace strandview {
 
 SO_NODE_SOURCE(SoLegendCamera);
@@ -29,6 +33,24 @@ void SoLegendCamera::standAt(LegendPlace at)
         return;
     place = at;
     touch();
+}
+
+void SoLegendCamera::doAction(SoAction* action)
+{
+    before = SoViewVolumeElement::get(action->getState());
+    SoOrthographicCamera::doAction(action);
+}
+
+void SoLegendCamera::GLRender(SoGLRenderAction* action)
+{
+    before = SoViewVolumeElement::get(action->getState());
+    SoOrthographicCamera::GLRender(action);
+}
+
+void SoLegendCamera::callback(SoCallbackAction* action)
+{
+    before = SoViewVolumeElement::get(action->getState());
+    SoOrthographicCamera::callback(action);
 }
 
 void SoLegendCamera::copyContents(const SoFieldContainer* from, SbBool copyConnections)

@@ -25,6 +25,12 @@ public:
     /// How many times as long as 2 the border is in the view that was last asked for, from 1 on.
     float getStretch() const { return stretch; }
 
+    /// The view that was there before this camera, when it was last drawn or traversed.
+    const SbViewVolume& getViewBefore() const { return before; }
+
+    void doAction(SoAction* action) override;
+    void GLRender(SoGLRenderAction* action) override;
+    void callback(SoCallbackAction* action) override;
     SbViewVolume getViewVolume(float useaspectratio = 0.0f) const override;
 
 protected:
@@ -34,6 +40,7 @@ protected:
 private:
     LegendPlace place = LegendPlace::BOTTOM;
     mutable float stretch = 1;
+    SbViewVolume before;
 };
 
 } // namespace strandview

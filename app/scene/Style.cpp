@@ -53,6 +53,14 @@ float automaticTextSize(const Options& options)
                       LEGEND_TEXT_SIZE, LARGEST_LEGEND_TEXT_SIZE);
 }
 
+// DNA's is known.
+std::string usualUnit(const Options& options, const Configuration& data)
+{
+    if (data.dnas.empty() && data.loneBases.empty())
+        return "";
+    return options.dna.angstrom == 1 ? "Å" : "nm";
+}
+
 // The turns of a double strand, ten segments each, are seen as polygons end-on: of its backbones
 // three of each segment look round, as long as a tube of 10 slices has no more vertices for that.
 int automaticSubsegments(long long segments, bool haveTurns)
@@ -157,6 +165,8 @@ Style makeStyle(const Options& options, const Configuration& configuration)
     style.legend = options.legend;
     style.things = options.things;
     style.legendTextSize = automaticTextSize(options);
+    style.scaleBar = options.scaleBar;
+    style.scaleUnit = options.scaleUnit.value_or(usualUnit(options, configuration));
     style.glyphSize = configuration.rods.empty() ? diagonal(extent) / 30 : 4 * style.radius;
     style.dna = options.dna;
     return style;
@@ -174,6 +184,12 @@ StyleRequest resolve(StyleRequest request, const ThingStyle& style)
     request.showRibbon = style.showRibbon;
     request.ribbonColour = style.ribbonColour;
     return request;
+}
+
+StyleRequest resolve(StyleRequest request, const Style& style)
+{
+    request.scaleUnit = style.scaleUnit;
+    return resolve(std::move(request), static_cast<const ThingStyle&>(style));
 }
 
 std::string checkLengths(const Options& options, const Configuration& configuration)

@@ -38,6 +38,8 @@ struct Style : ThingStyle
     Colour background;
     LegendLook legend;
     float legendTextSize; ///< in the legend's own view
+    bool scaleBar;
+    std::string scaleUnit; ///< empty for none
 
     ThingLooks things;
 
@@ -61,6 +63,7 @@ Style makeStyle(const Options& options, const Configuration& configuration);
 
 /// What is asked for of all things, or of one, with what a style of it makes of what it leaves
 /// open.
+StyleRequest resolve(StyleRequest request, const Style& style);
 StyleRequest resolve(StyleRequest request, const ThingStyle& style);
 
 /// One line about a length of the options that cannot be drawn beside these data, or

@@ -31,7 +31,8 @@ struct Shown
           frames(!data.dnas.empty() || !data.loneBases.empty() || !data.birods.empty() ||
                  !data.frames.empty() || haveFrames(data.rods)),
           legend(options.legend.place != LegendPlace::OFF),
-          background(!options.transparent || (options.colourBy && legend))
+          background(!options.transparent || (options.colourBy && legend) || options.scaleBar),
+          parallel(!options.camera.isPerspective())
     {}
 
     static bool haveBackbone(const std::vector<Rod>& rods)
@@ -49,7 +50,8 @@ struct Shown
     bool single; ///< rods that may be closed
     bool tubes, ribbons, frames;
     bool legend;
-    bool background; ///< the legend is drawn in a colour that suits it
+    bool background; ///< legend and scale bar are drawn in a colour that suits it
+    bool parallel;   ///< a view with one scale
 };
 
 struct Rule
@@ -82,6 +84,7 @@ const Rule RULES[] = {{"--dna", &Shown::dna, "found no DNA"},
                       {"--legend-title", &Shown::legend, "--legend off leaves it out"},
                       {"--legend-unit", &Shown::legend, "--legend off leaves it out"},
                       {"--legend-format", &Shown::legend, "--legend off leaves it out"},
+                      {"--scale-bar", &Shown::parallel, "a view in perspective has no one scale"},
                       {"--background", &Shown::background, "--transparent leaves it out"}};
 
 // As it stands on the command line.

@@ -892,6 +892,8 @@ void MainWindow::setPerspective(bool perspective)
     const bool wasFitted = isFitted();
     viewer->setCameraType(perspective ? SoPerspectiveCamera::getClassTypeId()
                                       : SoOrthographicCamera::getClassTypeId());
+    if (perspective && options.scaleBar)
+        statusText->tell({{"No scale bar: a view in perspective has no one scale", ""}});
     // What is nearer than the middle grows, and may no longer fit.
     if (wasFitted)
         fit();

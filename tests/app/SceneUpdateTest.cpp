@@ -963,7 +963,7 @@ TEST_F(SceneUpdateTest, OtherColoursAreThoseOfANewSceneAndTheirShapesStay)
         {"colours", "cividis_r"}, {"range", "0:0.5"},        {"range", "symmetric"},
         {"below-colour", "red"},  {"above-colour", "blue"},  {"nan-colour", "white"},
         {"legend", "top"},        {"legend-title", "t"},     {"legend-unit", "u"},
-        {"legend-format", ".2f"}};
+        {"legend-format", ".2f"}, {"scale-bar", "on"},       {"scale-unit", "mm"}};
     options.showRibbon = true;
     Configuration data = oneOfEach();
     setScalar(data.rods[0], [](double t) { return t; });
