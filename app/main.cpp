@@ -14,6 +14,7 @@
 #include "info/ScalarList.h"
 #include "output/OutputFile.h"
 #include "output/exportFiles.h"
+#include "output/saveDefaults.h"
 #include "pictures/PictureWriter.h"
 #include "pictures/largeHeapPages.h"
 #include "plotting/plotFiles.h"
@@ -21,8 +22,10 @@
 #include "rendering/renderSeries.h"
 #include "request/ExitStatus.h"
 #include "request/PictureName.h"
+#include "request/defaults.h"
 #include "request/limits.h"
 #include "request/print.h"
+#include "request/settings.h"
 #include "scene/DataScene.h"
 #include "scene/Progress.h"
 #include "scene/SceneBuilder.h"
@@ -217,8 +220,24 @@ int checkOutput(const Options& options)
     return refusal.empty() ? SUCCESS : fail(CANNOT_WRITE, refusal);
 }
 
+int keepLook(const Options& options)
+{
+    const std::string file = usualDefaultsFile();
+    const std::string failure = saveDefaults(options, file);
+    if (!failure.empty())
+        return fail(CANNOT_WRITE, failure);
+    std::set<std::string> meant{"--save-defaults"};
+    for (const Setting& setting : settings())
+        meant.insert("--" + std::string(setting.name));
+    tellAll(findIdleOptions(options, meant, "--save-defaults keeps the look alone"));
+    const std::string unprinted = print("wrote " + file + "\n");
+    return unprinted.empty() ? SUCCESS : fail(CANNOT_WRITE, unprinted);
+}
+
 int perform(const Options& options)
 {
+    if (options.saveDefaults)
+        return keepLook(options);
     if (options.info || options.listScalars)
         return tellFindings(options);
     if (options.series.listFrames)
@@ -248,7 +267,7 @@ int perform(const Options& options)
 
 int run(int argc, char** argv)
 {
-    const ParsedOptions parsed = parseOptions(argc, argv);
+    const ParsedOptions parsed = parseOptions(argc, argv, usualDefaultsFile());
     if (!parsed.options)
         return parsed.exitStatus;
     const int status = perform(*parsed.options);

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <fstream>
 #include <iostream>
 #include <limits>
 #include <set>
@@ -19,6 +20,7 @@
 
 #include "command/optionNames.h"
 #include "request/ExitStatus.h"
+#include "request/defaults.h"
 #include "request/limits.h"
 #include "request/parseNumber.h"
 #include "request/settings.h"
@@ -31,7 +33,7 @@ namespace {
 // What the look of a picture does not depend on.
 const std::set<std::string> NOT_OF_LOOK{
     "render",       "frame", "frames", "series", "shard", "overwrite", "list-frames",
-    "print-camera", "jobs",  "fps",    "cache",  "turn",  "follow"};
+    "print-camera", "jobs",  "fps",    "cache",  "turn",  "follow",    "no-defaults"};
 
 // What the window does not change: how the files are read, and how fine pictures are.
 const std::set<std::string> OF_READING{"normalise", "closed",  "frame-rows", "series",
@@ -511,7 +513,7 @@ std::vector<std::string> argumentsOfReading(const CLI::App& app)
 
 // What the look of a picture depends on: options with their values, but for those that say which
 // pictures are made and where.
-std::string lookOf(const CLI::App& app)
+std::string lookOf(const CLI::App& app, const Options& options)
 {
     std::string text;
     for (const CLI::Option* option : app.get_options({})) {
@@ -525,6 +527,9 @@ std::string lookOf(const CLI::App& app)
             text += " " + value;
         text += "\n";
     }
+    if (options.hasDefaults)
+        for (const std::string& argument : argumentsOf(options))
+            text += argument + "\n";
     return text;
 }
 
@@ -535,6 +540,33 @@ std::string joined(const std::vector<std::string>& texts)
     for (const std::string& text : texts)
         all += (all.empty() ? "" : "; ") + text;
     return all;
+}
+
+void addDefaults(CLI::App& app, Options& options)
+{
+    CLI::Option* save = app.add_flag(
+        "--save-defaults", options.saveDefaults,
+        "Keep the look that the other options tell for later starts: in defaults.conf in the "
+        "folder strandview of $XDG_CONFIG_HOME, or of ~/.config");
+    for (const char* other : {"--render", "--export", "--info", "--list-scalars", "--plot",
+                              "--list-frames", "--screenshot-after"})
+        save->excludes(app.get_option(other));
+    app.add_flag("--no-defaults", "Leave that file aside")->excludes(save);
+}
+
+// Before all options: what they say comes after that. One line about a fault there, or nothing.
+std::string beginWithDefaults(const std::vector<std::string>& arguments, const std::string& file,
+                              Options& options)
+{
+    const auto end = std::find(arguments.begin(), arguments.end(), "--");
+    const auto has = [&](const char* name) {
+        return std::find(arguments.begin(), end, name) != end;
+    };
+    if (file.empty() || has("--no-defaults") || has("--save-defaults"))
+        return "";
+    const std::string fault = readDefaults(file, options);
+    options.hasDefaults = options != StyleRequest();
+    return fault;
 }
 
 void addSetting(CLI::App& app, const Setting& setting, StyleRequest& request)
@@ -561,7 +593,7 @@ void addSetting(CLI::App& app, const Setting& setting, StyleRequest& request)
         option = app.add_option_function<std::string>(name, read, setting.help)
                      ->type_name(setting.values);
     option->group(setting.group);
-    // Of a session it may be there already.
+    // A session or defaults may say it already.
     if (!setting.isOfUse(request))
         option->needs(app.get_option("--" + setting.neededSetting));
 }
@@ -641,12 +673,13 @@ std::vector<std::string> namesOfOptions(const CLI::App& app)
     return names;
 }
 
-// The first name of each option that the command line has.
+// The first name of each option that the command line has, but what always has its effect.
 std::vector<std::string> givenOptions(const CLI::App& app)
 {
     std::vector<std::string> names;
     for (const CLI::Option* option : app.get_options({})) {
-        if (option->count() > 0 && !option->get_lnames().empty())
+        if (option->count() > 0 && !option->get_lnames().empty() &&
+            option->get_lnames().front() != "no-defaults")
             names.push_back("--" + option->get_lnames().front());
     }
     return names;
@@ -753,6 +786,14 @@ bool takeSession(std::vector<std::string>& arguments, std::optional<Session>& se
     return true;
 }
 
+Options beginWith(const std::optional<Session>& session)
+{
+    Options options;
+    if (session)
+        static_cast<StyleRequest&>(options) = session->style;
+    return options;
+}
+
 // What is not said by options.
 void takeFrom(const Session& session, const CLI::App& app, Options& options)
 {
@@ -791,12 +832,11 @@ void takeFrom(const Session& session, const CLI::App& app, Options& options)
         options.look += argument + "\n";
 }
 
-Options parse(CLI::App& app, const std::vector<std::string>& arguments,
+// Beside what `before` says already.
+Options parse(CLI::App& app, const std::vector<std::string>& arguments, const Options& before,
               const std::optional<Session>& session)
 {
-    Options options;
-    if (session)
-        static_cast<StyleRequest&>(options) = session->style;
+    Options options = before;
     app.description(
         "Shows elastic rods with their material frames, birods and DNA: smooth tubes and\n"
         "ribbons, atoms and boxes, in a window or, with --render, in a picture.");
@@ -809,10 +849,12 @@ Options parse(CLI::App& app, const std::vector<std::string>& arguments,
     for (const Setting& setting : settings())
         addSetting(app, setting, options);
     addCamera(app, options);
+    addDefaults(app, options);
 
     parseArguments(app, arguments);
     options.given = givenOptions(app);
-    options.look = lookOf(app);
+    options.look = lookOf(app, options);
+    options.colourIfPossible = options.hasDefaults && app.get_option("--colour-by")->count() == 0;
     options.reading = argumentsOfReading(app);
     if (session)
         takeFrom(*session, app, options);
@@ -825,6 +867,9 @@ Options parse(CLI::App& app, const std::vector<std::string>& arguments,
     checkForCamera(options.camera);
     checkForTold(options);
     checkForPlot(options);
+    if (options.saveDefaults && !options.files.empty())
+        throw CLI::ValidationError("--save-defaults", "found " + inQuotes(options.files[0]) +
+                                                          ", expected options of the look alone");
     if (needsFile && options.files.empty())
         throw CLI::RequiredError("FILE");
     if (std::count(options.files.begin(), options.files.end(), "-") > 1)
@@ -834,18 +879,25 @@ Options parse(CLI::App& app, const std::vector<std::string>& arguments,
 
 } // namespace
 
-ParsedOptions parseOptions(int argc, const char* const* argv)
+ParsedOptions parseOptions(int argc, const char* const* argv, const std::string& defaultsFile)
 {
+    const auto refuse = [](const std::string& fault) {
+        std::cerr << "strandview: " << fault << "\n";
+        return ParsedOptions{std::nullopt, BAD_INPUT};
+    };
     std::optional<Session> session;
     std::vector<std::string> arguments = inOwnSpelling(argc, argv);
     std::string fault;
-    if (!takeSession(arguments, session, fault)) {
-        std::cerr << "strandview: " << fault << "\n";
-        return {std::nullopt, BAD_INPUT};
-    }
+    if (!takeSession(arguments, session, fault))
+        return refuse(fault);
+    Options before = beginWith(session);
+    if (!session)
+        fault = beginWithDefaults(arguments, defaultsFile, before);
     CLI::App app;
     try {
-        return {parse(app, arguments, session), 0};
+        Options options = parse(app, arguments, before, session);
+        options.hasDefaults = std::ifstream(defaultsFile).is_open();
+        return fault.empty() ? ParsedOptions{options, 0} : refuse(fault);
     } catch (const CLI::Success& request) { // --help and --version
         const int status = app.exit(request);
         if (std::cout.flush())
@@ -866,7 +918,7 @@ std::optional<Options> optionsOfSession(const std::string& name, std::string& fa
         return std::nullopt;
     CLI::App app;
     try {
-        return parse(app, arguments, session);
+        return parse(app, arguments, beginWith(session), session);
     } catch (const CLI::ParseError& error) {
         fault = name + ": " + error.what();
         return std::nullopt;

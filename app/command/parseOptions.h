@@ -17,7 +17,9 @@ struct ParsedOptions
     int exitStatus = 0;
 };
 
-ParsedOptions parseOptions(int argc, const char* const* argv);
+/// The look begins with what a file says (readDefaults()), if there is one and the command line
+/// does not leave it aside, and goes on with what the command line says.
+ParsedOptions parseOptions(int argc, const char* const* argv, const std::string& defaultsFile = "");
 
 /// What a command line with that session alone asks for; or nothing, and one line in `fault`.
 std::optional<Options> optionsOfSession(const std::string& name, std::string& fault);

@@ -93,6 +93,10 @@ struct Options : StyleRequest
     CameraRequest camera;
     bool printCamera = false; ///< to standard output, at the end
 
+    bool saveDefaults = false; ///< the style is written for later starts instead
+    bool hasDefaults =
+        false; ///< such a file is there, which a command of what is shown leaves aside
+
     bool colourIfPossible = false; ///< what has no such scalar is shown all the same, with a notice
 };
 

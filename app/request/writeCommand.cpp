@@ -23,6 +23,8 @@ std::string writeCommand(const Options& options, const ShownPicture& picture)
     const auto add = [&words](const std::vector<std::string>& more) {
         words.insert(words.end(), more.begin(), more.end());
     };
+    if (options.hasDefaults) // what is shown of them is told, too
+        add({"--no-defaults"});
     add(options.reading);
     add(argumentsOf(options));
     if (picture.frame)

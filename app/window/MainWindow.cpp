@@ -38,8 +38,10 @@
 #include <strandview/formats/seriesFiles.h>
 
 #include "camera/Camera.h"
+#include "output/saveDefaults.h"
 #include "pictures/PictureWriter.h"
 #include "request/conversions.h"
+#include "request/defaults.h"
 #include "request/writeCommand.h"
 #include "scene/DataScene.h"
 #include "scene/Progress.h"
@@ -526,7 +528,9 @@ void MainWindow::follow(std::unique_ptr<LoadJob> newJob,
                 showLoading();
                 if (loaded) {
                     if (asked) {
+                        const bool hasDefaults = options.hasDefaults;
                         options = *asked;
+                        options.hasDefaults = hasDefaults;
                         showBackground();
                         (*menus)[Command::SHOW_COLOURS]->setChecked(
                             !asked->session || asked->session->areColoursShown);
@@ -1124,6 +1128,20 @@ void MainWindow::copyCommand()
     statusText->tell({{"Copied: " + line, ""}});
 }
 
+void MainWindow::saveDefaults()
+{
+    const std::string file = usualDefaultsFile();
+    if (!askForDefaults(this, file))
+        return;
+    const std::string failure = strandview::saveDefaults(forOtherData(options), file);
+    if (!failure.empty()) {
+        tellFailure(this, "Save as defaults", failure);
+        return;
+    }
+    options.hasDefaults = true; // of commands that are copied from now on
+    statusText->tell({{"Written: " + file, ""}});
+}
+
 void MainWindow::copyStatusText() { statusText->copy(); }
 
 // What is shown of the viewer
@@ -1351,6 +1369,7 @@ void MainWindow::command(Command asked, bool isOn)
         {Command::TAKE_SCREENSHOT, [](MainWindow& w, bool) { w.viewer->renderOffscreen(); }},
         {Command::COPY_CAMERA, [](MainWindow& w, bool) { w.copyCamera(); }},
         {Command::COPY_COMMAND, [](MainWindow& w, bool) { w.copyCommand(); }},
+        {Command::SAVE_DEFAULTS, [](MainWindow& w, bool) { w.saveDefaults(); }},
         {Command::COPY_STATUS, [](MainWindow& w, bool) { w.copyStatusText(); }},
         {Command::UNDO, [](MainWindow& w, bool) { w.history->steps.undo(); }},
         {Command::REDO, [](MainWindow& w, bool) { w.history->steps.redo(); }},

@@ -138,6 +138,7 @@ public slots:
     void copyCamera();
     /// The command line that makes the picture that savePicture() would write.
     void copyCommand();
+    void saveDefaults();
     /// What the status bar tells, all of it.
     void copyStatusText();
 

@@ -60,6 +60,7 @@ ActionGroup file()
           C::COPY_COMMAND, NEEDS_SCENE},
          {"Copy s&tatus text", "Ctrl+C", "copies what the status bar tells, all of it",
           C::COPY_STATUS},
+         {"Save as de&faults...", "", nullptr, C::SAVE_DEFAULTS, AFTER_A_LINE},
          {"C&lose", "Ctrl+W", "closes the window", C::CLOSE, AFTER_A_LINE},
          {"&Quit", "Ctrl+Q", nullptr, C::QUIT},
          {nullptr, "Alt + F4", "closes it, too, where the desktop has that key"}}};

@@ -24,6 +24,7 @@ enum class Command {
     TAKE_SCREENSHOT,
     COPY_CAMERA,
     COPY_COMMAND,
+    SAVE_DEFAULTS,
     COPY_STATUS,
     CLOSE,
     QUIT,

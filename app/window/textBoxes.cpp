@@ -24,6 +24,21 @@ void tellFailure(QWidget* parent, const QString& title, const std::string& failu
     box.exec();
 }
 
+bool askForDefaults(QWidget* parent, const std::string& file)
+{
+    QMessageBox box(QMessageBox::Question, "Save as defaults",
+                    "Shall strandview begin with this look from now on?",
+                    QMessageBox::Save | QMessageBox::Cancel, parent);
+    box.setInformativeText(
+        "Kept are the settings of the panels Look and Colours, but for the range, a reference and "
+        "the legend's words, which are of these data. The command line goes before them, and "
+        "--no-defaults leaves them aside.\n\n" +
+        QString::fromStdString(file));
+    box.setTextFormat(Qt::PlainText);
+    box.setDefaultButton(QMessageBox::Save);
+    return box.exec() == QMessageBox::Save;
+}
+
 void showText(QWidget* parent, const QString& title, const QString& text)
 {
     auto* box = new QDialog(parent);

@@ -13,6 +13,10 @@ namespace strandview {
 /// is it shown as such.
 void tellFailure(QWidget* parent, const QString& title, const std::string& failure);
 
+/// Whether the user wants later starts to begin with the look that there is, having read what is
+/// kept and in which file.
+bool askForDefaults(QWidget* parent, const std::string& file);
+
 /// A box that stays beside the window, as large as its text, or as the screen; then its text
 /// can be scrolled.
 void showText(QWidget* parent, const QString& title, const QString& text);

@@ -2,6 +2,7 @@
 #include "support/runProgram.h"
 
 #include <QProcess>
+#include <QTemporaryDir>
 
 ProgramRun runProgram(const std::string& program, const std::vector<std::string>& arguments,
                       const std::string& input,
@@ -10,6 +11,8 @@ ProgramRun runProgram(const std::string& program, const std::vector<std::string>
     QProcess process;
     QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
     variables.remove("DISPLAY");
+    const QTemporaryDir settings; // the user's own say nothing about what is tested
+    variables.insert("XDG_CONFIG_HOME", settings.path());
     for (const auto& [name, value] : environment)
         variables.insert(QString::fromStdString(name), QString::fromStdString(value));
     process.setProcessEnvironment(variables);

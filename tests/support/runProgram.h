@@ -13,8 +13,8 @@ struct ProgramRun
     std::string error;
 };
 
-/// Runs a program without a display to its end. Environment variables given are set
-/// for it alone.
+/// Runs a program without a display and the user's settings to its end. Environment variables given
+/// are set for it alone.
 ProgramRun runProgram(const std::string& program, const std::vector<std::string>& arguments,
                       const std::string& input = "",
                       const std::vector<std::pair<std::string, std::string>>& environment = {});

@@ -1,0 +1,148 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "request/defaults.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <optional>
+
+#include <sys/stat.h>
+
+#include <strandview/formats/text/wording.h>
+
+#include "request/settings.h"
+
+namespace strandview {
+
+namespace {
+
+const char* const BLANKS = " \t\r";
+
+std::string trimmed(const std::string& text)
+{
+    const std::size_t first = text.find_first_not_of(BLANKS);
+    if (first == std::string::npos)
+        return "";
+    return text.substr(first, text.find_last_not_of(BLANKS) + 1 - first);
+}
+
+// Without its quotation marks.
+std::string unquoted(const std::string& text)
+{
+    const bool isQuoted = text.size() >= 2 && text.front() == '"' && text.back() == '"';
+    return isQuoted ? text.substr(1, text.size() - 2) : text;
+}
+
+// Between quotation marks where it would not be read back otherwise.
+std::string quoted(std::string text)
+{
+    std::replace(text.begin(), text.end(), '\n', ' '); // of a line
+    const bool isPlain = !text.empty() && text == trimmed(text) && text.front() != '"';
+    return isPlain ? text : "\"" + text + "\"";
+}
+
+std::string folderOfSettings()
+{
+    const char* const configured = std::getenv("XDG_CONFIG_HOME");
+    if (configured && configured[0] == '/') // others are to be ignored
+        return configured;
+    const char* const home = std::getenv("HOME");
+    return home && home[0] != '\0' ? std::string(home) + "/.config" : "";
+}
+
+bool isThere(const std::string& file)
+{
+    struct stat status;
+    return ::stat(file.c_str(), &status) == 0 || errno != ENOENT;
+}
+
+// The lines of a file as texts; or one line about a fault.
+std::string readLines(const std::string& file, std::vector<SettingText>& texts)
+{
+    std::ifstream lines(file);
+    std::string line;
+    for (int number = 1; std::getline(lines, line); ++number) {
+        const std::string place = file + ":" + std::to_string(number);
+        line = trimmed(line);
+        if (line.empty() || line.front() == '#')
+            continue;
+        const std::size_t equals = line.find('=');
+        if (equals == std::string::npos)
+            return place + ": found " + inQuotes(line) + ", expected name = value";
+        texts.push_back(
+            {trimmed(line.substr(0, equals)), unquoted(trimmed(line.substr(equals + 1))), place});
+    }
+    return lines.eof() ? "" : file + ": " + std::strerror(errno);
+}
+
+} // namespace
+
+std::string readSettings(const std::vector<SettingText>& texts, StyleRequest& request)
+{
+    StyleRequest next = request;
+    for (const SettingText& text : texts) {
+        const Setting* const setting = findSetting(text.name);
+        if (!setting)
+            return text.place + ": found the setting " + inQuotes(text.name) +
+                   ", expected the name of one, such as radius";
+        const std::string fault = setting->read(text.value, next);
+        if (!fault.empty())
+            return text.place + ": " + text.name + ": " + fault;
+    }
+    request = next;
+    return "";
+}
+
+std::string usualDefaultsFile()
+{
+    const std::string folder = folderOfSettings();
+    return folder.empty() ? "" : folder + "/strandview/defaults.conf";
+}
+
+std::string readDefaults(const std::string& file, StyleRequest& request)
+{
+    if (!isThere(file))
+        return "";
+    std::vector<SettingText> texts;
+    const std::string fault = readLines(file, texts);
+    return fault.empty() ? readSettings(texts, request) : fault;
+}
+
+std::string defaultsText(const StyleRequest& request)
+{
+    std::string text = "# What strandview begins with, unless its command line says otherwise.\n"
+                       "# strandview --no-defaults leaves this file aside.\n";
+    std::string group;
+    for (const Setting& setting : settings()) {
+        if (group != setting.group) {
+            group = setting.group;
+            text += "\n# " + group + "\n";
+        }
+        text += "\n# " + onOneLine(setting.help) + "\n";
+        const std::optional<std::string> said = setting.write(request);
+        const std::optional<std::string> usual = setting.value(StyleRequest());
+        const std::string open = setting.values ? setting.values : "on";
+        text += (said ? "" : "# ") + std::string(setting.name) + " = " +
+                (said    ? quoted(*said)
+                 : usual ? quoted(*usual)
+                         : open) +
+                "\n";
+    }
+    return text;
+}
+
+StyleRequest forOtherData(StyleRequest request)
+{
+    for (const Setting& setting : settings()) {
+        const bool isAboutScalar =
+            setting.kind == SettingKind::TEXT && setting.neededSetting == "colour-by";
+        if (isAboutScalar || setting.kind == SettingKind::RANGE ||
+            setting.kind == SettingKind::REFERENCE)
+            setting.clear(request);
+    }
+    return request;
+}
+
+} // namespace strandview
