@@ -187,8 +187,7 @@ FrameRenderer::Drawn FrameRenderer::draw(std::size_t frame, const Configuration&
     if (options.series.stamp)
         scene->setStamp(makeStamp(stampOf(frame), options.background, stage.style.legendTextSize,
                                   float(options.pictureWidth) / float(options.pictureHeight),
-                                  scene->getLegendRoom().top > 0 ? StampPlace::LOWER_LEFT
-                                                                 : StampPlace::UPPER_LEFT));
+                                  stampPlace()));
     drawn.failure =
         writer.draw(scene,
                     {name.of(frame), options.pictureWidth, options.pictureHeight, options.samples,
@@ -196,6 +195,14 @@ FrameRenderer::Drawn FrameRenderer::draw(std::size_t frame, const Configuration&
                      scene->getLegendRoom(), options.dpi.value_or(DPI_OF_PIXELS)},
                     drawn.image, &camera);
     return drawn;
+}
+
+// Where neither a legend at the top nor a scale bar is.
+StampPlace FrameRenderer::stampPlace() const
+{
+    if (!(scene->getLegendRoom().top > 0))
+        return StampPlace::UPPER_LEFT;
+    return stage.style.scaleBar ? StampPlace::LOWER_RIGHT : StampPlace::LOWER_LEFT;
 }
 
 std::string FrameRenderer::show(const Configuration& data, const Series::GoOn& goOn)

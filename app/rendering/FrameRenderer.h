@@ -18,6 +18,7 @@
 #include "request/Options.h"
 #include "request/PictureName.h"
 #include "scene/Stage.h"
+#include "scene/Stamp.h"
 
 namespace strandview {
 
@@ -73,6 +74,7 @@ private:
     std::string show(const Configuration& data, const Series::GoOn& goOn);
     std::string fingerprintOf(std::size_t frame, const Configuration& data);
     std::string stampOf(std::size_t frame) const;
+    StampPlace stampPlace() const;
     std::optional<CameraNumbers> findTurnedCamera(std::size_t frame) const;
     CameraRequest cameraOf(std::size_t frame) const;
 

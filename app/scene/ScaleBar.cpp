@@ -39,9 +39,8 @@ std::string scaleText(double length, const std::string& unit)
 
 ScaleBarCorner cornerBeside(LegendPlace legend)
 {
-    if (legend == LegendPlace::BOTTOM)
-        return ScaleBarCorner::UPPER_RIGHT;
-    return legend == LegendPlace::RIGHT ? ScaleBarCorner::LOWER_LEFT : ScaleBarCorner::LOWER_RIGHT;
+    const bool isTaken = legend == LegendPlace::BOTTOM || legend == LegendPlace::LEFT;
+    return isTaken ? ScaleBarCorner::UPPER_RIGHT : ScaleBarCorner::LOWER_LEFT;
 }
 
 ScaleBar::ScaleBar()

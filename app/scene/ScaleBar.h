@@ -25,9 +25,9 @@ double roundLength(double most);
 /// "50 nm", "2×10⁻⁷", of a round length.
 std::string scaleText(double length, const std::string& unit);
 
-enum class ScaleBarCorner { LOWER_LEFT, LOWER_RIGHT, UPPER_RIGHT };
+enum class ScaleBarCorner { LOWER_LEFT, UPPER_RIGHT };
 
-/// One that a legend at this place leaves free, and a stamp beside that.
+/// One that a legend at this place leaves free, and a window's axes, which are at the lower right.
 ScaleBarCorner cornerBeside(LegendPlace legend);
 
 struct ScaleBarLook
@@ -35,7 +35,7 @@ struct ScaleBarLook
     double perUnit = 1;     ///< of the scene, in the data's unit
     std::string unit = {};  ///< empty for none
     float textSize = 0.05f; ///< of letters, where the view's shorter side is 2
-    ScaleBarCorner corner = ScaleBarCorner::LOWER_RIGHT;
+    ScaleBarCorner corner = ScaleBarCorner::LOWER_LEFT;
 };
 
 inline bool operator==(const ScaleBarLook& a, const ScaleBarLook& b)

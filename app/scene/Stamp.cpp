@@ -28,8 +28,11 @@ SoNode* makeStamp(const std::string& text, const Colour& background, float textS
     const Lettering letters;
     const std::string shown = letters.elide(text, double((width - 2 * margin) / textSize));
     const float baseline =
-        place == StampPlace::LOWER_LEFT ? margin + descent - 1 : height - 1 - margin - ascent;
-    const SbVec3f begin(margin - width / 2, baseline, 0);
+        place == StampPlace::UPPER_LEFT ? height - 1 - margin - ascent : margin + descent - 1;
+    const float left = place == StampPlace::LOWER_RIGHT
+                           ? width - margin - textSize * float(letters.getWidth(shown))
+                           : margin;
+    const SbVec3f begin(left - width / 2, baseline, 0);
     std::vector<SbVec3f> corners;
     for (const SbVec2f& corner : letters.getShape(shown))
         corners.push_back(begin + textSize * SbVec3f(corner[0], corner[1], 0));

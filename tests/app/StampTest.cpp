@@ -82,6 +82,18 @@ TEST(Stamp, StandsInTheLowerLeftCornerWhereItIsAskedTo)
     }
 }
 
+TEST(Stamp, StandsInTheLowerRightCornerWhereItIsAskedTo)
+{
+    for (const float aspect : {0.5f, 1.0f, 4.0f}) {
+        const Reach reach = reachOf("frames, 12", 0.1f, aspect, StampPlace::LOWER_RIGHT);
+        const float right = std::max(1.0f, aspect);
+        EXPECT_LT(reach.right, right - 0.04f) << aspect;
+        EXPECT_GT(reach.right, right - 0.08f) << aspect;
+        EXPECT_GT(reach.bottom, -1 + 0.04f) << aspect << ", with the comma";
+        EXPECT_LT(reach.top, -1 + 0.2f) << aspect;
+    }
+}
+
 TEST(Stamp, IsNoWiderThanTheView)
 {
     EXPECT_LT(reachOf(std::string(200, 'x'), 0.1f, 1.5f).right, 1.5f);

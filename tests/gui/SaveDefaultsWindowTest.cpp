@@ -63,7 +63,8 @@ TEST_F(SaveDefaultsWindowTest, KeepsTheLookThatIsShownButWhatIsOfTheseDataAlone)
     ASSERT_NO_FATAL_FAILURE(openText("-1 0 0\n0 0.1 0\n1 0 0\n", "rod.txt"));
     ASSERT_NE(entry(), nullptr);
     pressRealKey("b");
-    ASSERT_TRUE(comesTo([this] { return settingOf("background").write(window->getStyle()); }));
+    ASSERT_TRUE(
+        comesTo([this] { return settingOf("background").write(window->getStyle()).has_value(); }));
 
     EXPECT_THAT(chooseAndPress("Escape"), testing::HasSubstr(usualDefaultsFile()));
     EXPECT_FALSE(QFile::exists(QString::fromStdString(usualDefaultsFile())));
