@@ -7,6 +7,7 @@
 #include <set>
 #include <tuple>
 
+#include <Inventor/SbViewportRegion.h>
 #include <Inventor/SoPrimitiveVertex.h>
 #include <Inventor/actions/SoCallbackAction.h>
 #include <Inventor/nodes/SoFaceSet.h>
@@ -446,7 +447,7 @@ TEST(Legend, DrawsLettersOfEveryAlphabetEachAsItself)
 }
 
 // The corners of all triangles and lines, and their colours.
-std::vector<float> drawn(const Legend& legend)
+std::vector<float> drawn(const Legend& legend, const SbViewportRegion& region = {100, 100})
 {
     std::vector<float> all;
     static const auto add = [](void* data, SoCallbackAction* action,
@@ -462,7 +463,7 @@ std::vector<float> drawn(const Legend& legend)
                     three.getValue() + 3);
         }
     };
-    SoCallbackAction action;
+    SoCallbackAction action(region);
     action.addTriangleCallback(
         SoShape::getClassTypeId(),
         [](void* data, SoCallbackAction* of, const SoPrimitiveVertex* a, const SoPrimitiveVertex* b,
@@ -479,6 +480,32 @@ std::vector<float> drawn(const Legend& legend)
         &all);
     action.apply(legend.getNode());
     return all;
+}
+
+TEST(Legend, DrawsAsMuchOfALongTitleAsTheViewHasRoomFor)
+{
+    initialiseSceneOnce();
+    LegendLook look;
+    look.title = std::string(200, 'W');
+    for (const LegendPlace place : {LegendPlace::TOP, LegendPlace::LEFT}) {
+        look.place = place;
+        const std::size_t along = place == LegendPlace::TOP ? 0 : 1;
+        Legend legend({1, 1, 1}, LEGEND_TEXT_SIZE, look);
+        legend.tell(colouring(0, 1));
+        for (const short longer : {100, 200, 300, 200, 100}) {
+            const SbViewportRegion region =
+                along == 0 ? SbViewportRegion(longer, 100) : SbViewportRegion(100, longer);
+            const std::vector<float> all = drawn(legend, region);
+            float low = 0, high = 0;
+            for (std::size_t i = along; i < all.size(); i += 6) {
+                low = std::min(low, all[i]);
+                high = std::max(high, all[i]);
+            }
+            const float border = 2 * float(longer) / 100;
+            EXPECT_LT(high - low, border);
+            EXPECT_GT(high - low, border - 0.4f);
+        }
+    }
 }
 
 TEST(Legend, ItsEndsHaveTheColoursOfWhatIsBeyondThem)
