@@ -4,9 +4,11 @@
 #include <algorithm>
 #include <cmath>
 #include <memory>
+#include <string>
 
 #include <Inventor/actions/SoGetBoundingBoxAction.h>
 #include <Inventor/events/SoKeyboardEvent.h>
+#include <Inventor/nodes/SoClipPlane.h>
 #include <Inventor/nodes/SoComplexity.h>
 #include <Inventor/nodes/SoDrawStyle.h>
 #include <Inventor/nodes/SoFragmentShader.h>
@@ -106,6 +108,26 @@ void colourEntries(const ColourMapper* mapper, SoMaterial* material, int offset,
     }
     material->ambientColor.setValues(offset, int(count), entries.data());
     material->diffuseColor.setValues(offset, int(count), entries.data());
+}
+
+// The vertex stage says where a vertex is before the planes, which not every driver finds out by
+// itself; only while there is one, since what a stage says costs time.
+void tellClipVertex(SoShaderProgram& program, bool tells)
+{
+    static const std::string POSITION = "gl_Position = ftransform();",
+                             CLIP_VERTEX = " gl_ClipVertex = gl_ModelViewMatrix * gl_Vertex;";
+    auto& shader = static_cast<SoShaderObject&>(*program.shaderObject[0]);
+    std::string text = shader.sourceProgram.getValue().getString();
+    const std::size_t position = text.find(POSITION), told = text.find(CLIP_VERTEX);
+    if (position == std::string::npos || tells == (told != std::string::npos))
+        return;
+    if (tells)
+        text.insert(position + POSITION.size(), CLIP_VERTEX);
+    else
+        text.erase(told, CLIP_VERTEX.size());
+    shader.sourceProgram = text.c_str();
+    // The program is linked anew, and Coin sets the parameters of those stages alone that changed.
+    static_cast<SoShaderObject&>(*program.shaderObject[1]).sourceProgram.touch();
 }
 
 bool isAscending(const std::vector<double>& x)
@@ -320,6 +342,28 @@ void SoGeneralScene::setShaderPersp(bool perspective)
         isPersp->value = perspective ? 1 : 0;
 }
 
+void SoGeneralScene::setClipPlane(const SbPlane& plane)
+{
+    if (!clipPlane) {
+        clipPlane = new SoClipPlane;
+        changingGroup->insertChild(clipPlane, changingGroup->findChild(modeSwitch) + 1);
+        tellClipVertex(*solidProgram, true);
+        tellClipVertex(*shadedProgram, true);
+    }
+    if (clipPlane->plane.getValue() != plane)
+        clipPlane->plane = plane;
+}
+
+void SoGeneralScene::dropClipPlane()
+{
+    if (!clipPlane)
+        return;
+    changingGroup->removeChild(clipPlane);
+    clipPlane = nullptr;
+    tellClipVertex(*solidProgram, false);
+    tellClipVertex(*shadedProgram, false);
+}
+
 bool SoGeneralScene::isShaderPersp() const { return isPersp && isPersp->value.getValue() != 0; }
 
 void SoGeneralScene::setGLLineData(SbVec2f range, float granularity)
@@ -407,6 +451,7 @@ void SoGeneralScene::copyContents(const SoFieldContainer* from, SbBool copyConne
     shadedGroup = copyOf(original->shadedGroup, copyConnections);
     changingGroup = copyOf(original->changingGroup, copyConnections);
     modeSwitch = copyOf(original->modeSwitch, copyConnections);
+    clipPlane = original->clipPlane ? copyOf(original->clipPlane, copyConnections) : nullptr;
     complexity = copyOf(original->complexity, copyConnections);
     drawStyle = copyOf(original->drawStyle, copyConnections);
 

@@ -4,6 +4,7 @@
 
 #include <vector>
 
+#include <Inventor/SbPlane.h>
 #include <Inventor/SbVec2f.h>
 #include <Inventor/nodes/SoSeparator.h>
 #include <Inventor/nodes/SoSubNode.h>
@@ -12,6 +13,7 @@
 #include <StrandviewExport.h>
 #include <algebra3d/Vector3.h>
 
+class SoClipPlane;
 class SoComplexity;
 class SoDrawStyle;
 class SoEvent;
@@ -33,8 +35,8 @@ class SoSwitch;
 ///     complexity
 ///     solid group:    draw style, solid program, then what addSolid() added
 ///     shaded group:   shaded program, then what addShaded() added
-///     changing group: draw style, switch between the two programs, then what
-///                     addChanging() added
+///     changing group: draw style, switch between the two programs, a clipping plane if there is
+///                     one, then what addChanging() added
 ///
 /// The draw style and the programs are shared: a change of draw style reaches solid
 /// and changing content at once, and never the shaded one. Lights are directional and
@@ -105,6 +107,14 @@ public:
     /// Whether highlights are those of a perspective camera.
     void setShaderPersp(bool perspective);
     bool isShaderPersp() const;
+    /// Lets changing content end at a plane: what is in the plane's half space stays
+    /// (SbPlane::isInHalfSpace()), all else is cut away and cannot be picked. What is cut open is
+    /// lit inside, too. In the scene's coordinates.
+    void setClipPlane(const SbPlane& plane);
+    /// Shows changing content whole again.
+    void dropClipPlane();
+    /// Null if there is none; also for what else is to be cut there.
+    SoClipPlane* getClipPlane() const { return clipPlane; }
     /// The smallest and largest line width and their granularity in OpenGL. The draw
     /// style keeps its width until the user changes it.
     void setGLLineData(SbVec2f range, float granularity);
@@ -174,6 +184,7 @@ private:
     SoSwitch* modeSwitch = nullptr;
     SoShaderProgram* solidProgram = nullptr;
     SoShaderProgram* shadedProgram = nullptr;
+    SoClipPlane* clipPlane = nullptr; ///< a child of the changing group, or null
     SoComplexity* complexity = nullptr;
     SoDrawStyle* drawStyle = nullptr;
     int drawStyleIndex = 0;

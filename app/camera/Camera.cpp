@@ -378,6 +378,12 @@ CameraNumbers numbersOf(const SoCamera& camera)
     return numbers;
 }
 
+algebra3d::Vector3<double> towardsViewer(const CameraNumbers& camera)
+{
+    const SbVec3f back = turned(SbVec3f(0, 0, 1), rotationOf(camera.orientation));
+    return {double(back[0]), double(back[1]), double(back[2])};
+}
+
 CameraNumbers numbersFor(const CameraRequest& request, const SbBox3f& box,
                          const SbViewportRegion& region, const FreeEdges& edges)
 {

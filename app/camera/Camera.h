@@ -48,6 +48,9 @@ void keepInFront(SoCamera& camera, SoNode* scene, const SbViewportRegion& region
 
 CameraNumbers numbersOf(const SoCamera& camera);
 
+/// Of length 1: against the direction in which the camera looks.
+algebra3d::Vector3<double> towardsViewer(const CameraNumbers& camera);
+
 /// The numbers of the camera that placeCamera() places for a scene that fills the box; those of the
 /// request if it has some. The box is not empty.
 CameraNumbers numbersFor(const CameraRequest& request, const SbBox3f& box,

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "request/ClipPlane.h"
 #include "request/Colour.h"
 #include "request/ColourMap.h"
 #include "request/LegendLook.h"
@@ -43,6 +44,8 @@ struct StyleRequest
     std::optional<Colour> ribbonColour;
     Colour background{1, 1, 1};
     ThingLooks things; ///< single ones
+
+    std::optional<ClipPlane> clip; ///< what lies beyond is cut away
 
     /// A file whose first frame others are compared with, by scalars; "first" is that of the
     /// series.

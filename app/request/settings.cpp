@@ -41,6 +41,7 @@ std::string inWords(const Colour& colour)
 std::string inWords(const std::string& text) { return text; }
 std::string inWords(const ColourMap& map) { return map.text; }
 std::string inWords(const NumberFormat& format) { return formatOf(format); }
+std::string inWords(const ClipPlane& plane) { return formatClipPlane(plane); }
 
 template <typename Value>
 Text textOf(const std::optional<Value>& value)
@@ -133,6 +134,16 @@ template <auto member>
 std::string readText(const std::string& text, StyleRequest& request)
 {
     in(request, member) = text;
+    return "";
+}
+
+std::string readClip(const std::string& text, StyleRequest& request)
+{
+    const std::optional<ClipPlane> plane = parseClipPlane(text);
+    if (!plane && text != "off")
+        return found(text, "x, -x, y, -y, z, -z or a normal X,Y,Z, and :DISTANCE or nothing, such "
+                           "as z:1.5; or off");
+    request.clip = plane;
     return "";
 }
 
@@ -490,6 +501,12 @@ std::vector<Setting> makeSettings()
                                                      "Colour of the ribbons")),
         ofColours(makeColour<&Request::background>("background", "Background",
                                                    "Colour of the background [white]")),
+        among({"off", "x", "-x", "y", "-y", "z", "-z"},
+              makeRow<&Request::clip>(
+                  SettingKind::CLIP, "clip", "Clipping plane", LOOK, "SIDE|X,Y,Z[:DISTANCE]",
+                  "Cut away what is beyond a plane, on that side or where the normal X,Y,Z points "
+                  "to, at DISTANCE from the origin [off; through the middle of the data]",
+                  &readClip)),
         ofColours(makeRow<&Request::colourBy>(
             SettingKind::SCALAR, "colour-by", "Scalar", COLOURS, "NAME",
             "Colour by a scalar of the file, or by arclength, curvature, torsion, twist, kappa1 "
@@ -630,10 +647,12 @@ bool operator==(const StyleRequest& a, const StyleRequest& b)
 
 bool areOfSameNodes(const StyleRequest& shown, const StyleRequest& next)
 {
-    StyleRequest withNextThings = shown;
-    withNextThings.things = next.things;
-    withNextThings.transparency = next.transparency;
-    return withNextThings == next && areOfSameNodes(shown.things, next.things);
+    StyleRequest shownSo = shown;
+    shownSo.things = next.things;
+    shownSo.transparency = next.transparency;
+    shownSo.background = next.background;
+    shownSo.clip = next.clip;
+    return shownSo == next && areOfSameNodes(shown.things, next.things);
 }
 
 } // namespace strandview

@@ -24,6 +24,7 @@ enum class SettingKind {
     TEXT, ///< a line, which may be empty
     NUMBER_FORMAT,
     COLOUR_MAP,
+    CLIP,      ///< a side or a normal, and a distance
     REFERENCE, ///< a file, or "first"
     THINGS     ///< how single ones look, with semicolons; the option is given for each
 };
@@ -77,7 +78,8 @@ bool operator==(const StyleRequest& a, const StyleRequest& b);
 inline bool operator!=(const StyleRequest& a, const StyleRequest& b) { return !(a == b); }
 
 /// Whether a scene that shows one can show the other without other nodes: they differ at most in
-/// which things are hidden or seen through, their names and new colours of theirs.
+/// which things are hidden or seen through, their names and new colours of theirs, the background
+/// and where all is cut.
 bool areOfSameNodes(const StyleRequest& shown, const StyleRequest& next);
 
 } // namespace strandview

@@ -23,6 +23,7 @@
 #include "scene/Legend.h"
 #include "scene/ScaleBar.h"
 #include "scene/SoSeeThrough.h"
+#include "scene/clipping.h"
 
 namespace strandview {
 
@@ -104,7 +105,9 @@ void setCoarse(const ShownDatum& datum, bool coarse)
 
 DataScene::DataScene(const Placement& placementOfData, const Style& styleOfData)
     : placement(placementOfData), style(styleOfData)
-{}
+{
+    cut(style.clip);
+}
 
 DataScene::~DataScene() = default;
 
@@ -113,6 +116,27 @@ void DataScene::restyle(const Placement& placementOfData, const Style& styleOfDa
     placement = placementOfData;
     style = styleOfData;
     setBackground(style.background);
+    cut(style.clip);
+}
+
+void DataScene::cut(const std::optional<ClipPlane>& plane)
+{
+    style.clip = plane;
+    if (plane)
+        setClipPlane(planeInScene(*plane, placement));
+    else
+        dropClipPlane();
+    for (const Kind& kind : kinds) {
+        for (const ShownDatum& datum : kind.data)
+            showInside(datum);
+    }
+}
+
+// Of what is closed only where it is cut open.
+void DataScene::showInside(const ShownDatum& datum) const
+{
+    if (datum.setSolid)
+        datum.setSolid(datum, !style.clip);
 }
 
 const std::vector<ShownDatum>& DataScene::getShown(std::size_t kind) const
@@ -141,6 +165,7 @@ void DataScene::add(std::size_t kind, const ShownDatum& datum)
     things[datum.group] = {kind, kinds[kind].data.size()};
     kinds[kind].data.push_back(datum);
     kinds[kind].group->addChild(datum.group);
+    showInside(datum);
     showLook({kind, kinds[kind].data.size() - 1});
     box.reset();
 }

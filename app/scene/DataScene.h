@@ -42,6 +42,9 @@ public:
     const Style& getStyle() const { return style; }
     /// What its data are shown with from now on.
     void restyle(const Placement& placementOfData, const Style& styleOfData);
+    /// Cuts data away at another plane, or nowhere; nothing else of its style changes, and no node
+    /// of its data. The plane has a distance.
+    void cut(const std::optional<ClipPlane>& plane);
 
     // Data: by their kinds, which are numbered from 0 in the order in which they are drawn, and
     // within a kind in their order.
@@ -147,6 +150,7 @@ private:
     const ShownDatum& datumOf(const Thing& thing) const;
     void showLook(const Thing& thing);
     double transparencyOf(const Thing& thing) const;
+    void showInside(const ShownDatum& datum) const;
     void showLooks();
 
     using Shininess = std::vector<float>;

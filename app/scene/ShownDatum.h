@@ -45,6 +45,9 @@ struct ShownDatum
     /// none.
     void (*setColour)(const ShownDatum& shown, const SbColor& colour) = nullptr;
     SbColor (*getColour)(const ShownDatum& shown) = nullptr;
+    /// Lets it be drawn without the faces that are turned away, or with them, as what is cut open;
+    /// null for what is always drawn with them.
+    void (*setSolid)(const ShownDatum& shown, bool solid) = nullptr;
 };
 
 } // namespace strandview

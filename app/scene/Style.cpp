@@ -11,6 +11,7 @@
 #include "request/thingTexts.h"
 #include "scene/Legend.h"
 #include "scene/backbones.h"
+#include "scene/clipping.h"
 
 namespace strandview {
 
@@ -162,6 +163,8 @@ Style makeStyle(const Options& options, const Configuration& configuration)
     style.transparency = options.transparency;
     style.ribbonColour = options.ribbonColour.value_or(RIBBON_COLOUR);
     style.background = options.background;
+    if (options.clip)
+        style.clip = settled(*options.clip, extent);
     style.legend = options.legend;
     style.things = options.things;
     style.legendTextSize = automaticTextSize(options);
@@ -189,6 +192,7 @@ StyleRequest resolve(StyleRequest request, const ThingStyle& style)
 StyleRequest resolve(StyleRequest request, const Style& style)
 {
     request.scaleUnit = style.scaleUnit;
+    request.clip = style.clip;
     return resolve(std::move(request), static_cast<const ThingStyle&>(style));
 }
 

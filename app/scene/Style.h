@@ -36,6 +36,7 @@ struct Style : ThingStyle
 {
     std::optional<Colour> tubeColour; ///< of all rods; otherwise a colour each
     Colour background;
+    std::optional<ClipPlane> clip; ///< with a distance
     LegendLook legend;
     float legendTextSize; ///< in the legend's own view
     bool scaleBar;

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include <Inventor/actions/SoGLRenderAction.h>
+#include <Inventor/nodes/SoClipPlane.h>
 #include <Inventor/nodes/SoOrthographicCamera.h>
 #include <Inventor/nodes/SoPerspectiveCamera.h>
 #include <Inventor/nodes/SoSeparator.h>
@@ -36,6 +37,7 @@
 #include <SoQtGeneralViewer.h>
 
 #include <strandview/formats/seriesFiles.h>
+#include <strandview/model/Extent.h>
 
 #include "camera/Camera.h"
 #include "output/saveDefaults.h"
@@ -46,6 +48,7 @@
 #include "scene/DataScene.h"
 #include "scene/Progress.h"
 #include "scene/SceneBuilder.h"
+#include "scene/clipping.h"
 #include "scene/readFiles.h"
 #include "session/sessionFile.h"
 #include "window/CoarseDrawing.h"
@@ -61,6 +64,7 @@
 #include "window/Player.h"
 #include "window/ScreenFitter.h"
 #include "window/SessionKeeper.h"
+#include "window/SettingControl.h"
 #include "window/SettingsPanel.h"
 #include "window/StatusText.h"
 #include "window/ThingsPanel.h"
@@ -113,6 +117,12 @@ void forgetTyping()
 bool isAscii(const QString& text)
 {
     return std::all_of(text.begin(), text.end(), [](QChar c) { return c.unicode() < 128; });
+}
+
+bool isSameButCut(const StyleRequest& one, StyleRequest other)
+{
+    other.clip = one.clip;
+    return one == other;
 }
 
 QStringList localFiles(const QMimeData& data)
@@ -275,6 +285,9 @@ void MainWindow::buildSettings()
     colourPanel = new SettingsPanel({"Colour by data"}, docks);
     colourDock = addPanel(colourPanel, "Colours", Command::SHOW_COLOUR_SETTINGS);
     docks->tabifyDockWidget(lookDock, colourDock);
+    lookPanel->setSurroundings(
+        Surroundings{[this] { return scene ? boxOfData(*scene) : std::nullopt; },
+                     [this] { return towardsViewer(getCameraNumbers()); }});
     lookPanel->setObjectName("lookPanel");
     colourPanel->setObjectName("colourPanel");
     connect(look, &LookPanel::changed, this, &MainWindow::setStyle);
@@ -447,7 +460,7 @@ void MainWindow::outlineChosen()
         shown.push_back({datum.group, datum.box});
     }
     look->offer(things->namesOfChosen());
-    ownedViewer->outline.setThings(shown);
+    ownedViewer->outline.setThings(shown, scene ? scene->getClipPlane() : nullptr);
     viewer->scheduleRedraw();
 }
 
@@ -925,24 +938,22 @@ void MainWindow::setColours(bool ofData)
 void MainWindow::setStyle(const StyleRequest& next)
 {
     const bool isReadAgain = next.compare != options.compare;
-    const bool isOfSameNodes = areOfSameNodes(options, next);
+    const bool isCutAlone = isSameButCut(options, next);
     static_cast<StyleRequest&>(options) = next;
     history->note();
+    cut();
     tellStyle();
     showBackground();
     if (!scene || !scene->getData())
         return;
     showThings();
-    if (!isReadAgain) {
-        if (isOfSameNodes && !restyler.isAtWork())
-            shownStyle = options;
-        else if (!showBackgroundAlone())
-            restyle();
-        return;
+    if (isReadAgain) {
+        readAgain(); // readers compare
+        if (!isLoading())
+            dropComparison(); // what was read at once is shown; what cannot be read again is not
+    } else if (!isCutAlone && !showAtOnce()) {
+        restyle();
     }
-    readAgain(); // readers compare
-    if (!isLoading())
-        dropComparison(); // what was read at once is shown; what cannot be read again is not
 }
 
 void MainWindow::showBackground()
@@ -952,18 +963,27 @@ void MainWindow::showBackground()
         viewer->setBackgroundColor(background);
 }
 
-// All else is as it is shown.
-bool MainWindow::showBackgroundAlone()
+// Unless it needs other nodes.
+bool MainWindow::showAtOnce()
 {
-    StyleRequest shown = shownStyle;
-    shown.background = options.background;
-    if (restyler.isAtWork() || shown != options)
+    if (restyler.isAtWork() || !areOfSameNodes(shownStyle, options))
         return false;
-    shownStyle = shown;
+    shownStyle = options;
     followViewer();
     coarseDrawing->noteChange();
     emit styleShown();
     return true;
+}
+
+// At once, whatever is being prepared.
+void MainWindow::cut()
+{
+    if (!scene || !scene->getData())
+        return;
+    shownStyle.clip = options.clip;
+    scene->cut(options.clip ? std::optional(settled(*options.clip, measure(*firstFrame)))
+                            : std::nullopt);
+    outlineChosen();
 }
 
 // One that was asked for and did not come would keep other files from being read.
@@ -1010,6 +1030,7 @@ void MainWindow::showStyle(Restyler::Result& result)
     // style, and the player shows the frame that is asked for anew.
     if (result.look) {
         PreparedLook& look = *result.look;
+        look.style.clip = scene->getStyle().clip; // of now
         Progress unwatched;
         if (result.task.ofColours && look.colouring && result.task.frame != scene->getData())
             look.colouring = followColouring(*look.colouring, *scene->getData(), unwatched);
@@ -1034,6 +1055,7 @@ void MainWindow::showStyle(Restyler::Result& result)
     const bool isOtherScalar = shownStyle.colourBy != result.task.options.colourBy;
     shownStyle = result.task.options;
     showThings(); // others may have been hidden meanwhile
+    shownStyle.clip = options.clip;
     scene->showColours((*menus)[Command::SHOW_COLOURS]->isChecked());
     if (wasFitted && scene->getLegendRoom() != roomBefore) {
         const History::Pause pause(*history);

@@ -195,8 +195,9 @@ private:
     /// Prepares the style that is asked for, of the frame that is shown.
     void restyle();
     void showStyle(Restyler::Result& result);
-    /// Whether nothing but the background is another; then it is shown.
-    bool showBackgroundAlone();
+    /// What is asked for, unless it needs other nodes than are shown.
+    bool showAtOnce();
+    void cut();
     void dropComparison();
     void showBackground();
     void abandonJob();

@@ -29,6 +29,7 @@ namespace strandview {
 namespace {
 
 using Text = std::optional<std::string>;
+using Vector = algebra3d::Vector3<double>;
 
 QString toQt(const Text& text) { return QString::fromStdString(text.value_or("")); }
 
@@ -489,6 +490,155 @@ public:
     }
 };
 
+// On and off, the way that the plane looks, and where it is: as a number, or between the ends of
+// the data.
+class ClipControl : public SettingControl
+{
+public:
+    ClipControl(const Setting& ofPlane, QWidget* parent)
+        : SettingControl(ofPlane, new QWidget(parent)),
+          on(new QCheckBox("cut", widget)),
+          list(new QComboBox(widget)),
+          flip(new QPushButton("Flip", widget)),
+          field(new QLineEdit(widget)),
+          slider(new QSlider(Qt::Horizontal, widget))
+    {
+        auto* column = new QVBoxLayout(widget);
+        column->setContentsMargins(0, 0, 0, 0);
+        QWidget *const way = makeRow(widget), *const place = makeRow(widget);
+        column->addWidget(way);
+        column->addWidget(place);
+        for (QWidget* part : std::initializer_list<QWidget*>{on, list, flip})
+            way->layout()->addWidget(part);
+        for (QWidget* part : std::initializer_list<QWidget*>{field, slider})
+            place->layout()->addWidget(part);
+        const QString label = setting.label;
+        name(on, "Switch", label);
+        name(list, "List", label + ", which way");
+        name(flip, "Flip", label + ", the other side");
+        name(field, "Field", label + ", distance");
+        name(slider, "Slider", label + ", slider");
+        list->addItems({"x", "y", "z", "as seen", "slanted"});
+        list->setToolTip("What is on that side of the plane is cut away");
+        flip->setToolTip("Cuts away the other side");
+        flip->setAutoDefault(false);
+        field->setMaximumWidth(field->fontMetrics().horizontalAdvance("0.00000000"));
+        field->setToolTip("From the origin to the plane, in the data's unit");
+        slider->setRange(-STEPS, STEPS);
+        slider->setMinimumWidth(60);
+        widget->setFocusProxy(on);
+        acceptDecimalComma(*field);
+        connectParts();
+    }
+    void setSurroundings(const Surroundings& ofThese) override { surroundings = ofThese; }
+    void show(const Text& asked, const Text& shown) override
+    {
+        const bool isOn = asked.has_value();
+        on->setChecked(isOn);
+        for (QWidget* part : std::initializer_list<QWidget*>{list, flip, field, slider})
+            part->setEnabled(isOn);
+        if (!isOn)
+            return;
+        plane = *parseClipPlane(*asked);
+        const auto settled = parseClipPlane(shown.value_or(*asked));
+        list->setCurrentIndex(indexOf(plane->normal));
+        const std::optional<double> distance = settled ? settled->distance : plane->distance;
+        if (!field->isModified())
+            field->setText(plane->distance ? toQt(formatted(*plane->distance))
+                           : distance      ? QString::number(*distance, 'g', 4)
+                                           : QString());
+        if (!distance || slider->isSliderDown())
+            return;
+        const auto [middle, reach] = reachOfData();
+        const QSignalBlocker quiet(slider);
+        slider->setValue(
+            int(std::lround(STEPS * std::clamp((*distance - middle) / reach, -1., 1.))));
+    }
+
+private:
+    enum { X, Y, Z, AS_SEEN, SLANTED };
+    static constexpr int STEPS = 200; // from the middle of the data to an end
+
+    void connectParts()
+    {
+        connect(on, &QCheckBox::clicked, this, [this](bool isOn) {
+            if (isOn)
+                tell(plane.value_or(planeFacing(towardsViewer())));
+            else
+                emit cleared();
+        });
+        whenChosen(*list, [this](int index) {
+            if (index != SLANTED)
+                tell({index == AS_SEEN ? roundedView() : normalOf(index), {}});
+            else if (plane)
+                list->setCurrentIndex(indexOf(plane->normal)); // there is nothing to choose
+        });
+        connect(flip, &QPushButton::clicked, this, [this] {
+            ClipPlane other = *plane;
+            other.normal = other.normal * -1;
+            if (other.distance)
+                other.distance = 0 - *other.distance; // no -0
+            tell(other);
+        });
+        whenEdited(*field, [this] {
+            emit chosen(toQt(formatClipPlane({plane->normal, {}})) + ":" + field->text());
+        });
+        connect(slider, &QSlider::valueChanged, this, [this](int position) {
+            const auto [middle, reach] = reachOfData();
+            // As many decimals as tell two positions apart.
+            const double step = std::pow(10.0, std::floor(std::log10(reach / STEPS)));
+            const double distance = middle + reach * position / STEPS;
+            tell({plane->normal,
+                  QString::number(std::round(distance / step) * step, 'g', 6).toDouble()});
+        });
+    }
+    void tell(const ClipPlane& next) { emit chosen(toQt(formatClipPlane(next))); }
+
+    Vector towardsViewer() const
+    {
+        return surroundings.towardsViewer ? surroundings.towardsViewer() : Vector(0, 0, 1);
+    }
+    // In digits that a user would type.
+    Vector roundedView() const
+    {
+        const Vector exact = towardsViewer();
+        const auto rounded = [](double part) { return std::round(1000 * part) / 1000 + 0.0; };
+        return {rounded(exact.x), rounded(exact.y), rounded(exact.z)};
+    }
+    static Vector normalOf(int axis)
+    {
+        return {axis == X ? 1. : 0., axis == Y ? 1. : 0., axis == Z ? 1. : 0.};
+    }
+    static int indexOf(const Vector& normal)
+    {
+        for (const int axis : {X, Y, Z}) {
+            if (std::abs(normal.dot(normalOf(axis))) == normal.getNorm())
+                return axis;
+        }
+        return SLANTED;
+    }
+    // Along the normal: where the middle of the data is, and how far it is from there to an end.
+    std::pair<double, double> reachOfData() const
+    {
+        const auto box = surroundings.box ? surroundings.box() : std::nullopt;
+        if (!box || !plane)
+            return {0, 1};
+        const Vector normal = plane->unitNormal(), half = (box->second - box->first) * 0.5;
+        double reach = 0;
+        for (int axis = 0; axis < 3; ++axis)
+            reach += std::abs(normal[axis]) * half[axis];
+        return {normal.dot(box->first + half), reach > 0 ? reach : 1};
+    }
+
+    QCheckBox* const on;
+    QComboBox* const list;
+    QPushButton* const flip;
+    QLineEdit* const field;
+    QSlider* const slider;
+    Surroundings surroundings;
+    std::optional<ClipPlane> plane; ///< that was asked for last
+};
+
 class ReferenceControl : public OneWidget<QComboBox>
 {
 public:
@@ -559,6 +709,8 @@ SettingControl* SettingControl::make(const Setting& setting, QWidget* parent)
         return new TextControl(setting, parent);
     case SettingKind::NUMBER_FORMAT:
         return new FormatControl(setting, parent);
+    case SettingKind::CLIP:
+        return new ClipControl(setting, parent);
     case SettingKind::COLOUR_MAP:
         return new MapControl(setting, parent);
     case SettingKind::REFERENCE:

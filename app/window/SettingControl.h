@@ -2,17 +2,31 @@
 #ifndef STRANDVIEW_APP_WINDOW_SETTINGCONTROL_H
 #define STRANDVIEW_APP_WINDOW_SETTINGCONTROL_H
 
+#include <functional>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <QObject>
+
+#include <algebra3d/Vector3.h>
 
 #include "request/settings.h"
 
 class QWidget;
 
 namespace strandview {
+
+/// What a control may ask of the data that are shown and of the view; empty where nothing is. In
+/// the data's coordinates.
+struct Surroundings
+{
+    using Vector = algebra3d::Vector3<double>;
+
+    std::function<std::optional<std::pair<Vector, Vector>>()> box; ///< its ends
+    std::function<Vector()> towardsViewer;                         ///< of length 1
+};
 
 /// What a user sets one setting with. It shows what a request says of it, and tells what the user
 /// chooses as the setting's text.
@@ -33,6 +47,7 @@ public:
                       const std::optional<std::string>& shown) = 0;
     /// What can be chosen among, of those that depend on the data.
     virtual void offer(const std::vector<std::string>& /*words*/) {}
+    virtual void setSurroundings(const Surroundings& /*surroundings*/) {}
 
 signals:
     void chosen(const QString& text);

@@ -116,6 +116,12 @@ void SettingsPanel::offerScalars(const std::vector<std::string>& names)
     show(request, shownStyle);
 }
 
+void SettingsPanel::setSurroundings(const Surroundings& surroundings)
+{
+    for (const Row& row : rows)
+        row.control->setSurroundings(surroundings);
+}
+
 void SettingsPanel::tellFault(const std::string& fault)
 {
     faultLine->setText(QString::fromStdString(fault));

@@ -16,6 +16,7 @@ class QLabel;
 namespace strandview {
 
 class SettingControl;
+struct Surroundings;
 
 /// Some groups of settings(), a control each, with a button that leaves a setting to the data
 /// again. What it shows is what it was told last: who hears of a change tells it.
@@ -34,6 +35,8 @@ public:
                  const StyleRequest& shown);
     /// The scalars that there are.
     void offerScalars(const std::vector<std::string>& names);
+    /// What controls ask of data and view; to be called once.
+    void setSurroundings(const Surroundings& surroundings);
     /// Why something is not shown, in a line; empty for nothing.
     void tellFault(const std::string& fault);
 

@@ -53,19 +53,24 @@ ThingOutline::ThingOutline() : group(new SoSeparator)
 
 ThingOutline::~ThingOutline() { group->unref(); }
 
-void ThingOutline::setThings(const std::vector<Shown>& things)
+void ThingOutline::setThings(const std::vector<Shown>& things, SoNode* clipPlane)
 {
     box.makeEmpty();
-    bool isSame = std::size_t(group->getNumChildren()) == things.size();
-    for (std::size_t i = 0; i < things.size(); ++i) {
-        box.extendBy(things[i].box);
-        isSame = isSame && group->getChild(int(i)) == things[i].node;
+    std::vector<SoNode*> nodes;
+    if (clipPlane)
+        nodes.push_back(clipPlane);
+    for (const Shown& thing : things) {
+        box.extendBy(thing.box);
+        nodes.push_back(thing.node);
     }
+    bool isSame = std::size_t(group->getNumChildren()) == nodes.size();
+    for (std::size_t i = 0; isSame && i < nodes.size(); ++i)
+        isSame = group->getChild(int(i)) == nodes[i];
     if (isSame)
         return;
     group->removeAllChildren();
-    for (const Shown& thing : things)
-        group->addChild(thing.node);
+    for (SoNode* node : nodes)
+        group->addChild(node);
 }
 
 void ThingOutline::prepare(const SoCamera& camera, const SoGLRenderAction& action, double scale)

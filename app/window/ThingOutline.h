@@ -38,8 +38,8 @@ public:
         SoNode* node;
         SbBox3f box;
     };
-    /// Instead of those before.
-    void setThings(const std::vector<Shown>& things);
+    /// Instead of those before; cut at a plane, unless it is null.
+    void setThings(const std::vector<Shown>& things, SoNode* clipPlane);
 
     // In the viewer's context
 

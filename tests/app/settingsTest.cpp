@@ -41,6 +41,8 @@ std::vector<std::string> examplesOf(const Setting& setting)
         return {"", "Biegung κ, ä (1/Å)", "two  blanks 'and' quotes", "-x", "[a, b]", "%n"};
     case SettingKind::NUMBER_FORMAT:
         return {".2f", "auto", ".0e", ".15g"};
+    case SettingKind::CLIP:
+        return {"z:1.5", "-x", "1,0,1:0.2", "0.30000000000000004,-1e-20,5:-1e+20", "off"};
     case SettingKind::COLOUR_MAP:
         return {"viridis", "vik_r", "red,#ffffff,blue"};
     case SettingKind::REFERENCE:

@@ -420,4 +420,85 @@ TEST_F(SettingsPanelTest, AStyleIsThatOfAllFramesOfASeries)
     EXPECT_EQ(scene->getColouring()->max, 7);
 }
 
+TEST_F(SettingsPanelTest, AClippingPlaneIsSwitchedTurnedFlippedAndMovedAtOnce)
+{
+    ASSERT_NO_FATAL_FAILURE(openWith(ROD, "o"));
+    const SoNode* const node = scene->getShown(0).at(0).node;
+    const auto shown = [this] {
+        EXPECT_TRUE(comesToBePainted());
+        return countPixels(screen(), isBlueTube);
+    };
+    click(*find<QCheckBox>("clipSwitch"));
+    ASSERT_TRUE(comesTo([&] { return window->getStyle().clip.has_value(); }));
+    EXPECT_EQ(window->getStyle().clip, parseClipPlane("z")); // which is turned to the viewer
+    choose("clipList", "x");
+    ASSERT_TRUE(comesTo([&] { return window->getStyle().clip == parseClipPlane("x"); }));
+    EXPECT_FALSE(window->isRestyling()); // no mesh is made anew
+    EXPECT_EQ(scene->getShown(0).at(0).node, node);
+    EXPECT_EQ(scene->getStyle().clip->distance, 0);
+    const int half = shown();
+
+    type("clipField", {"minus", "0", "comma", "5"});
+    ASSERT_TRUE(comesTo([&] { return window->getStyle().clip == parseClipPlane("x:-0.5"); }));
+    const int quarter = shown();
+    click(*find<QPushButton>("clipFlip"));
+    ASSERT_TRUE(comesTo([&] { return window->getStyle().clip == parseClipPlane("-x:0.5"); }));
+    const int threeQuarters = shown();
+
+    auto* const slider = find<QSlider>("clipSlider");
+    const int before = slider->value();
+    EXPECT_NEAR(before, slider->maximum() / 2, 5); // half of the way to the end at x = -1
+    slider->setFocus();
+    pressRealKey("End");
+    ASSERT_TRUE(comesTo([&] { return slider->value() == slider->maximum(); }));
+    EXPECT_LE(window->getStyle().clip->distance.value(), 1.1);
+    EXPECT_GE(window->getStyle().clip->distance.value(), 1);
+    const int whole = shown();
+    EXPECT_NEAR(half, whole / 2, whole / 40);
+    EXPECT_NEAR(quarter, whole / 4, whole / 40);
+    EXPECT_NEAR(threeQuarters, whole * 3 / 4, whole / 40);
+
+    click(*find<QCheckBox>("clipSwitch"));
+    ASSERT_TRUE(comesTo([&] { return !window->getStyle().clip; }));
+    EXPECT_NEAR(shown(), whole, 2);
+    EXPECT_EQ(scene->getClipPlane(), nullptr);
+    EXPECT_FALSE(find<QSlider>("clipSlider")->isEnabled());
+}
+
+TEST_F(SettingsPanelTest, APlaneMayBeAcrossTheViewInDigitsThatOneTypes)
+{
+    ASSERT_NO_FATAL_FAILURE(openWith(ROD, "o"));
+    window->viewFrom(Side::MINUS_Y);
+    click(*find<QCheckBox>("clipSwitch"));
+    ASSERT_TRUE(comesTo([&] { return window->getStyle().clip == parseClipPlane("-y"); }));
+    auto* const list = find<QComboBox>("clipList");
+    choose("clipList", "z");
+    click(*find<QCheckBox>("clipSwitch")); // off
+    ASSERT_TRUE(comesTo([&] { return !window->getStyle().clip; }));
+    window->viewFrom(Side::X);
+    click(*find<QCheckBox>("clipSwitch")); // on, as it was
+    ASSERT_TRUE(comesTo([&] { return window->getStyle().clip == parseClipPlane("z"); }));
+    list->setFocus();
+    ASSERT_TRUE(comesTo([&] { return list->hasFocus(); }));
+    pressRealKey("Down"); // as seen
+    ASSERT_TRUE(comesTo([&] { return window->getStyle().clip == parseClipPlane("x"); }));
+    EXPECT_EQ(list->currentText(), "x");
+}
+
+TEST_F(SettingsPanelTest, AStyleThatComesLaterIsCutAsItWasSinceThen)
+{
+    ASSERT_NO_FATAL_FAILURE(openWith(ROD, "o"));
+    StyleRequest thick = window->getStyle();
+    thick.radius = 0.3;
+    window->setStyle(thick);
+    ASSERT_TRUE(window->isRestyling());
+    thick.clip = parseClipPlane("x:0.25");
+    window->setStyle(thick);
+    ASSERT_TRUE(comesToShow());
+    EXPECT_EQ(radius(), 0.3);
+    EXPECT_EQ(scene->getStyle().clip, parseClipPlane("x:0.25"));
+    EXPECT_EQ(window->getStyle().clip, parseClipPlane("x:0.25"));
+    EXPECT_NE(scene->getClipPlane(), nullptr);
+}
+
 } // namespace strandview

@@ -22,6 +22,7 @@
 #include <Inventor/events/SoMouseButtonEvent.h>
 #include <Inventor/lists/SoFieldList.h>
 #include <Inventor/misc/SoChildList.h>
+#include <Inventor/nodes/SoClipPlane.h>
 #include <Inventor/nodes/SoComplexity.h>
 #include <Inventor/nodes/SoCube.h>
 #include <Inventor/nodes/SoDrawStyle.h>
@@ -312,6 +313,46 @@ TEST_F(SoGeneralSceneTest, SkeletonStartsFilledLitAndInScreenSpace)
     EXPECT_EQ(parts.drawStyle->pointSize.getValue(), 0.0f);
     EXPECT_EQ(parts.drawStyle->linePattern.getValue(), 0xffff);
     EXPECT_EQ(parts.modeSwitch->whichChild.getValue(), 0);
+}
+
+TEST_F(SoGeneralSceneTest, AClippingPlaneStandsBeforeChangingContentUntilItIsDropped)
+{
+    auto* changing = new SoCube;
+    scene->addChanging(changing);
+    const auto vertexText = [](SoShaderProgram* program) {
+        return std::string(shaderObject(program, 0)->sourceProgram.getValue().getString());
+    };
+    const std::string whole = outline(scene), text = vertexText(parts.shadedProgram);
+    EXPECT_EQ(scene->getClipPlane(), nullptr);
+    for (const float distance : {1.0f, -2.0f}) {
+        const SbPlane plane(SbVec3f(0, 0, 1), distance);
+        scene->setClipPlane(plane);
+        ASSERT_EQ(parts.changingGroup->getNumChildren(), 4);
+        EXPECT_EQ(parts.changingGroup->getChild(2), scene->getClipPlane());
+        EXPECT_EQ(parts.changingGroup->getChild(3), changing);
+        EXPECT_EQ(scene->getClipPlane()->plane.getValue(), plane);
+    }
+    // Drivers that do not find out where a vertex is are told, by either program.
+    for (SoShaderProgram* program : {parts.shadedProgram, parts.solidProgram})
+        EXPECT_NE(vertexText(program).find("gl_ClipVertex = gl_ModelViewMatrix * gl_Vertex;"),
+                  std::string::npos);
+    scene->dropClipPlane();
+    scene->dropClipPlane();
+    EXPECT_EQ(outline(scene), whole);
+    for (SoShaderProgram* program : {parts.shadedProgram, parts.solidProgram})
+        EXPECT_EQ(vertexText(program), text);
+}
+
+TEST_F(SoGeneralSceneTest, ACopyHasAClippingPlaneOfItsOwn)
+{
+    scene->setClipPlane(SbPlane(SbVec3f(0, 1, 0), 0.5f));
+    NodeRef<SoGeneralScene> copy(static_cast<SoGeneralScene*>(scene->copy()));
+    ASSERT_NE(copy->getClipPlane(), nullptr);
+    EXPECT_NE(copy->getClipPlane(), scene->getClipPlane());
+    EXPECT_EQ(copy->getClipPlane()->plane.getValue(), scene->getClipPlane()->plane.getValue());
+    copy->dropClipPlane();
+    EXPECT_EQ(Skeleton(copy).changingGroup->getNumChildren(), 2);
+    EXPECT_EQ(parts.changingGroup->getNumChildren(), 3);
 }
 
 TEST_F(SoGeneralSceneTest, AddedNodesFollowInTheirGroups)

@@ -26,6 +26,12 @@ SoShapeHints* makeHints()
     return hints;
 }
 
+void setSolid(const ShownDatum& shown, bool solid)
+{
+    auto* hints = static_cast<SoShapeHints*>(shown.group->getChild(0));
+    hints->shapeType = solid ? SoShapeHints::SOLID : SoShapeHints::UNKNOWN_SHAPE_TYPE;
+}
+
 void setColour(const ShownDatum& shown, const SbColor& colour)
 {
     static_cast<SoMarker*>(shown.node)
@@ -85,6 +91,7 @@ ShownDatum MarkerBuilder::makeNodes(std::size_t index)
     shown.node = node;
     shown.setColour = &setColour;
     shown.getColour = &getColour;
+    shown.setSolid = &setSolid;
     return shown;
 }
 
