@@ -253,13 +253,14 @@ void DataScene::showLook(const Thing& thing)
         return;
     const ThingLook look = getLook(thing);
     const ShownDatum& datum = datumOf(thing);
-    const bool isHidden = look.isHidden() || look.isDeleted;
+    const bool isSwitchedOff = isHidden(thing);
+    box.reset();
     SoGroup& group = *kinds[thing.kind].group;
     const int index = int(thing.index);
     auto* hiding = dynamic_cast<SoSwitch*>(group.getChild(index));
     if (hiding) {
-        hiding->whichChild = isHidden ? SO_SWITCH_NONE : 0;
-    } else if (isHidden) {
+        hiding->whichChild = isSwitchedOff ? SO_SWITCH_NONE : 0;
+    } else if (isSwitchedOff) {
         hiding = new SoSwitch;
         hiding->addChild(group.getChild(index));
         group.replaceChild(index, hiding);
@@ -269,15 +270,27 @@ void DataScene::showLook(const Thing& thing)
         datum.setColour(datum, toSbColor(*look.colour));
 }
 
+bool DataScene::isHidden(const Thing& thing) const
+{
+    const ThingLook look = getLook(thing);
+    return look.isHidden() || look.isDeleted;
+}
+
+// Nobody knows what of the room other frames' hidden things take: it counts while nothing is.
 const SbBox3f& DataScene::getBox() const
 {
-    if (!box) {
-        box.emplace(room);
-        for (const Kind& kind : kinds) {
-            for (const ShownDatum& datum : kind.data)
-                box->extendBy(datum.box);
-        }
+    if (box)
+        return *box;
+    box.emplace();
+    bool areAllShown = true;
+    for (const Thing& thing : getThings()) {
+        if (isHidden(thing))
+            areAllShown = false;
+        else
+            box->extendBy(datumOf(thing).box);
     }
+    if (areAllShown)
+        box->extendBy(room);
     return *box;
 }
 

@@ -80,7 +80,8 @@ public:
     /// Of all that have none of their own and can be seen through.
     void setTransparency(double transparency);
 
-    /// The box that all data lie in, and the room that is kept for other frames.
+    /// The box that all data lie in but what is hidden, and, while nothing is, the room that is
+    /// kept for other frames; empty if all is hidden.
     const SbBox3f& getBox() const;
     /// Keeps room for what other frames show, so that the camera suits all of them.
     void setRoom(const SbBox3f& roomOfFrames);
@@ -148,6 +149,7 @@ private:
     ~DataScene() override;
 
     const ShownDatum& datumOf(const Thing& thing) const;
+    bool isHidden(const Thing& thing) const;
     void showLook(const Thing& thing);
     double transparencyOf(const Thing& thing) const;
     void showInside(const ShownDatum& datum) const;

@@ -241,7 +241,6 @@ TEST_F(DataSceneTest, WhatIsHiddenAndNamedStaysSoForThatKindAndIndex)
     scene->setLooks(looks);
     EXPECT_EQ(describe(*scene, 10, 0), "");
     EXPECT_EQ(describe(*scene, 0, 0), "point 0 0 1 – first");
-    EXPECT_EQ(scene->getBox(), SbBox3f(-1, -1, -1, 11, 1, 1)) << "as before";
     // A frame with fewer, then one with more.
     scene->keepFirst(1, 1);
     scene->add(1, makeCube(20, "another"));
@@ -258,6 +257,40 @@ TEST_F(DataSceneTest, WhatIsHiddenAndNamedStaysSoForThatKindAndIndex)
     again->add(1, makeCube(10, "second"));
     EXPECT_EQ(describe(*again, 10, 0), "point 10 0 1 – mine");
     again->unref();
+    scene->unref();
+}
+
+TEST_F(DataSceneTest, WhatIsHiddenOrDeletedTakesNoRoomAndNorDoOtherFramesThen)
+{
+    const SbBox3f both(-1, -1, -1, 11, 1, 1), first(-1, -1, -1, 1, 1, 1),
+        room(-5, -5, -5, 20, 5, 5);
+    auto* scene = new DataScene({});
+    scene->ref();
+    scene->add(1, makeCube(0, "first", ThingKind::BIROD));
+    scene->add(1, makeCube(10, "second", ThingKind::BIROD));
+    ThingLook hidden, deleted;
+    hidden.hidden = true;
+    deleted.isDeleted = true;
+    ThingLooks looks;
+    for (const ThingLook& taken : {hidden, deleted}) {
+        scene->setRoom({});
+        EXPECT_EQ(scene->getBox(), both);
+        looks.ofThings[{ThingKind::BIROD, 1}] = taken;
+        scene->setLooks(looks);
+        EXPECT_EQ(scene->getBox(), first);
+        scene->setRoom(room);
+        EXPECT_EQ(scene->getBox(), first);
+        looks.ofThings[{ThingKind::BIROD, 0}] = taken;
+        scene->setLooks(looks);
+        EXPECT_TRUE(scene->getBox().isEmpty());
+        looks.showAll();
+        scene->setLooks(looks);
+        EXPECT_EQ(scene->getBox(), room);
+    }
+    scene->setRoom({});
+    looks.showOnly({{ThingKind::BIROD, 0}});
+    scene->setLooks(looks);
+    EXPECT_EQ(scene->getBox(), first);
     scene->unref();
 }
 

@@ -640,4 +640,23 @@ TEST_F(ThingsPanelTest, AThingIsBroughtIntoTheMiddleWithoutTurningTheView)
     EXPECT_NEAR(double(after.position[1]), 4, 0.3) << "its box has its hidden ribbon";
 }
 
+TEST_F(ThingsPanelTest, ViewAllAndTheBeginningShowWhatIsNotHidden)
+{
+    openRods(4);
+    const CameraNumbers before = window->getCameraNumbers();
+    clickTick(1);
+    ASSERT_TRUE(comesToHave(true, false));
+    EXPECT_EQ(window->getCameraNumbers(), before) << "nobody asked";
+    view()->setFocus();
+    ASSERT_TRUE(comesTo([this] { return view()->hasFocus(); }));
+    pressRealKey("v");
+    ASSERT_TRUE(comesTo([&] { return window->getCameraNumbers().size < before.size; }));
+    const CameraNumbers fitted = window->getCameraNumbers();
+    EXPECT_NEAR(double(fitted.position[1]), 0, 0.3);
+    pressRealKey("d");
+    ASSERT_TRUE(comesTo([&] { return !(window->getCameraNumbers() == fitted); }));
+    pressRealKey("Home");
+    EXPECT_TRUE(comesTo([&] { return window->getCameraNumbers() == fitted; }));
+}
+
 } // namespace strandview
