@@ -59,6 +59,7 @@
 #include "window/LoadBar.h"
 #include "window/LookPanel.h"
 #include "window/Menus.h"
+#include "window/NamedViews.h"
 #include "window/PlacePanel.h"
 #include "window/PlaceTeller.h"
 #include "window/Player.h"
@@ -200,6 +201,12 @@ void MainWindow::buildMenus()
     connect(recent, &QMenu::aboutToShow, this, [this, recent] {
         offerRecentFiles(*recent, [this](const QStringList& files) { openFiles(files); });
     });
+    views = new NamedViews(*(*menus)[Command::NAMED_VIEWS]->menu(), this);
+    views->onShow = [this](const CameraNumbers& camera) {
+        CameraRequest kept;
+        kept.numbers = camera;
+        place(kept);
+    };
 }
 
 QWidget* MainWindow::buildView()
@@ -1399,6 +1406,7 @@ void MainWindow::command(Command asked, bool isOn)
         {Command::QUIT, [](MainWindow& w, bool) { w.close(); }},
         {Command::VIEW_ALL, [](MainWindow& w, bool) { w.viewAll(); }},
         {Command::GO_HOME, [](MainWindow& w, bool) { w.goHome(); }},
+        {Command::KEEP_VIEW, [](MainWindow& w, bool) { w.views->askToKeep(w.getCameraNumbers()); }},
         {Command::SET_PERSPECTIVE, [](MainWindow& w, bool on) { w.setPerspective(on); }},
         {Command::SET_FULL_SCREEN, [](MainWindow& w, bool on) { w.setFullScreen(on); }},
         {Command::CYCLE_SHADING, [](MainWindow& w, bool) { w.viewer->cycleShading(); }},

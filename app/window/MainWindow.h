@@ -40,6 +40,7 @@ class History;
 class LoadBar;
 class LookPanel;
 class Menus;
+class NamedViews;
 class PlacePanel;
 class PlaceTeller;
 class Player;
@@ -101,6 +102,9 @@ public:
     WindowState getState() const;
     /// The files, the camera and all that was chosen.
     Session getSession() const;
+
+    /// The views that its user keeps by names, in any files; tells when the user changes them.
+    NamedViews& getViews() { return *views; }
 
     /// Whether a style that was asked for is not shown yet, or for the moment with jagged edges.
     bool isRestyling() const;
@@ -268,6 +272,7 @@ private:
 
     std::unique_ptr<Menus> menus;
     std::unique_ptr<History> history;
+    NamedViews* views = nullptr;
     StatusText* statusText = nullptr;
     QLabel* modeLabel = nullptr;  // turning or picking
     QMainWindow* docks = nullptr; // view and panels

@@ -32,6 +32,8 @@ enum class Command {
     REDO,
     VIEW_ALL,
     GO_HOME,
+    KEEP_VIEW,
+    NAMED_VIEWS,
     SET_PERSPECTIVE,
     SET_FULL_SCREEN,
     CYCLE_SHADING,

@@ -94,8 +94,8 @@ QString keyPage()
     QString columns[2];
     for (std::size_t i = 0; i < groups.size(); ++i)
         columns[best >> i & 1] += rowsOf(groups[i]);
-    return "<table style='white-space: nowrap'><tr><td><table cellspacing='1'>" + columns[0] +
-           "</table></td><td><table cellspacing='1'>" + columns[1] + "</table></td></tr></table>";
+    return "<table style='white-space: nowrap'><tr><td><table cellspacing='0'>" + columns[0] +
+           "</table></td><td><table cellspacing='0'>" + columns[1] + "</table></td></tr></table>";
 }
 
 } // namespace strandview
