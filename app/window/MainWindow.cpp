@@ -233,6 +233,11 @@ QWidget* MainWindow::buildView()
     });
     ownedViewer->onHome = [this] { goHome(); };
     ownedViewer->onFrame = [this] { emit frameDrawn(); };
+    ownedViewer->clipHandles.onMoved = [this](const ClipPlane& plane) {
+        StyleRequest next = options;
+        next.clip = plane;
+        setStyle(next);
+    };
     return area;
 }
 
@@ -404,6 +409,7 @@ void MainWindow::showScene(DataScene* newScene, const std::vector<std::string>& 
     curveHover->setScene(scene);
     curves->showScene(*scene, loadedFrame(), CurvePanel::OTHER_FILES);
     scene->showColours((*menus)[Command::SHOW_COLOURS]->isChecked());
+    followClip();
     viewer->setSceneGraph(static_cast<SoGeneralScene*>(scene));
     if (!isFirst && choice == NEW_CAMERA) { // these were for the scene before
         options.camera.centre.reset();
@@ -991,6 +997,29 @@ void MainWindow::cut()
     scene->cut(options.clip ? std::optional(settled(*options.clip, measure(*firstFrame)))
                             : std::nullopt);
     outlineChosen();
+    followClip();
+}
+
+void MainWindow::moveClip(bool on)
+{
+    hasClipHandles = on;
+    if (on && !options.clip) {
+        StyleRequest next = options;
+        next.clip = planeFacing(towardsViewer(getCameraNumbers()));
+        setStyle(next);
+    }
+    followClip();
+}
+
+void MainWindow::followClip()
+{
+    const auto plane = scene ? scene->getStyle().clip : std::nullopt;
+    hasClipHandles = hasClipHandles && plane;
+    (*menus)[Command::MOVE_CLIP]->setChecked(hasClipHandles);
+    if (hasClipHandles)
+        ownedViewer->clipHandles.show(*plane, scene->getPlacement(), scene->getBox());
+    else
+        ownedViewer->clipHandles.hide();
 }
 
 // One that was asked for and did not come would keep other files from being read.
@@ -1073,6 +1102,7 @@ void MainWindow::showStyle(Restyler::Result& result)
                        isOtherScalar ? FrameStore::NEW_STAGE : FrameStore::SAME_STAGE);
     for (LightingDialog* lights : findChildren<LightingDialog*>())
         lights->updateGUIFromShaders(); // highlights come and go with colours of data
+    followClip();
     outlineChosen();
     places->follow();
     curves->followLooks();
@@ -1413,6 +1443,7 @@ void MainWindow::command(Command asked, bool isOn)
         {Command::SET_LIGHTS, [](MainWindow& w, bool) { w.viewer->setUpLighting(); }},
         {Command::TOGGLE_BOXES, [](MainWindow& w, bool) { w.viewer->toggleBoundingBoxes(); }},
         {Command::SHOW_COLOURS, [](MainWindow& w, bool on) { w.setColours(on); }},
+        {Command::MOVE_CLIP, [](MainWindow& w, bool on) { w.moveClip(on); }},
         {Command::THICKEN_LINES, [](MainWindow& w, bool) { w.viewer->changeLineWidth(1); }},
         {Command::THIN_LINES, [](MainWindow& w, bool) { w.viewer->changeLineWidth(-1); }},
         {Command::TOGGLE_BACKGROUND, [](MainWindow& w, bool) { w.viewer->toggleBackground(); }},

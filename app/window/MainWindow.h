@@ -202,6 +202,9 @@ private:
     /// What is asked for, unless it needs other nodes than are shown.
     bool showAtOnce();
     void cut();
+    /// With handles in the view, of the plane that there is or a new one.
+    void moveClip(bool on);
+    void followClip();
     void dropComparison();
     void showBackground();
     void abandonJob();
@@ -267,6 +270,7 @@ private:
     Restyler restyler;
     std::unique_ptr<SessionKeeper> sessions;
     StyleRequest shownStyle; ///< as far as it is shown
+    bool hasClipHandles = false;
     /// Of these files: what is left open follows from it.
     std::shared_ptr<const Configuration> firstFrame;
 

@@ -78,6 +78,7 @@ void WindowViewer::setSceneGraph(SoNode* root)
     withAxes->addChild(root);
     withAxes->addChild(marks.getNode());
     withAxes->addChild(hoverMark.getNode());
+    withAxes->addChild(clipHandles.getNode());
     SoQtGeneralViewer::setSceneGraph(withAxes);
 }
 
@@ -120,6 +121,8 @@ SbBool WindowViewer::processSoEvent(const SoEvent* const event)
         onTab(!event->wasShiftDown());
         return TRUE;
     }
+    if (getCamera() && clipHandles.take(*event, getViewportRegion(), *getCamera()))
+        return TRUE;
     hasPicked = false;
     isShiftDown = event->wasShiftDown();
     followButton(event);

@@ -14,6 +14,7 @@
 
 #include "request/CameraRequest.h"
 #include "window/AxisCross.h"
+#include "window/ClipHandles.h"
 #include "window/FrameWaiter.h"
 #include "window/PlaceMarks.h"
 #include "window/ThingOutline.h"
@@ -50,6 +51,7 @@ public:
     PlaceMarks marks;
     PlaceMarks hoverMark; ///< of a place that the mouse is over elsewhere
     ThingOutline outline;
+    ClipHandles clipHandles;
     QPointer<FrameWaiter> frameWaiter;
 
     using SoQtGeneralViewer::getGLSize;

@@ -135,6 +135,8 @@ ActionGroup look()
              {"Bounding &boxes", "Shift+Space", "shapes or their bounding boxes", C::TOGGLE_BOXES,
               NEEDS_SCENE | CHECKABLE | KEY_OF_VIEWER},
              {"&Colours of data", "", nullptr, C::SHOW_COLOURS, CHECKABLE},
+             {"Clipp&ing plane", "/", "cuts things open, with handles to move the plane",
+              C::MOVE_CLIP, NEEDS_SCENE | CHECKABLE},
              {"&Thicker lines", "=", "thicker, thinner lines", C::THICKEN_LINES,
               NEEDS_SCENE | KEY_OF_VIEWER},
              {"Thi&nner lines", "-", nullptr, C::THIN_LINES, NEEDS_SCENE | KEY_OF_VIEWER},

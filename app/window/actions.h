@@ -40,6 +40,7 @@ enum class Command {
     SET_LIGHTS,
     TOGGLE_BOXES,
     SHOW_COLOURS,
+    MOVE_CLIP,
     THICKEN_LINES,
     THIN_LINES,
     TOGGLE_BACKGROUND,
