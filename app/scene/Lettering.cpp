@@ -9,6 +9,8 @@
 #include <QFont>
 #include <QFontMetricsF>
 #include <QGuiApplication>
+#include <QImage>
+#include <QPainter>
 #include <QPainterPath>
 
 namespace strandview {
@@ -208,6 +210,30 @@ std::vector<SbVec2f> Lettering::getShape(const std::string& text) const
     for (const Cluster& cluster : clustersOf(path.toSubpathPolygons()))
         addTrapezoids(cluster.sides, corners);
     return corners;
+}
+
+QImage Lettering::getPlate(const std::string& text, int pixels, const QColor& ink,
+                           const QColor& plate) const
+{
+    const QString line = toLine(text);
+    QFont sized = *font;
+    sized.setPixelSize(pixels);
+    const QFontMetricsF metrics(sized);
+    const int margin = std::max(pixels / 4, 1);
+    const int width = int(std::ceil(metrics.horizontalAdvance(line))) + 2 * margin,
+              height = int(std::ceil(metrics.height())) + margin;
+    QImage image(width, height, QImage::Format_RGBA8888);
+    image.fill(Qt::transparent);
+    QPainterPath letters;
+    letters.addText(margin, margin / 2.0 + metrics.ascent(), sized, line);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(plate);
+    painter.drawRoundedRect(QRectF(image.rect()), margin, margin);
+    painter.setBrush(ink);
+    painter.drawPath(letters);
+    return image;
 }
 
 } // namespace strandview

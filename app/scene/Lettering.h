@@ -8,8 +8,10 @@
 
 #include <Inventor/SbVec2f.h>
 
+class QColor;
 class QFont;
 class QGuiApplication;
+class QImage;
 
 namespace strandview {
 
@@ -32,6 +34,10 @@ public:
     /// The inked part as quadrilaterals, four corners each, which overlap in nothing but their
     /// edges. The text begins at x = 0, and its baseline is y = 0.
     std::vector<SbVec2f> getShape(const std::string& text) const;
+    /// The text with smooth edges on a plate of another colour with round corners, a bit larger
+    /// than it, in a font of so many pixels. What is beside the plate is transparent.
+    QImage getPlate(const std::string& text, int pixels, const QColor& ink,
+                    const QColor& plate) const;
 
 private:
     std::shared_ptr<QGuiApplication> application; ///< ours, or null

@@ -24,7 +24,8 @@ struct PickedPlace
     /// The point, the pair or the base, from 0; of a place between two points the first of them.
     /// Nothing of what has no rows, or if it is not known which.
     std::optional<std::size_t> row;
-    double share = 0; ///< of the way to the next point, from 0 to below 1
+    double share = 0;          ///< of the way to the next point, from 0 to below 1
+    bool isOnBackbone = false; ///< of DNA: where the phosphorus atom of the base would be
 
     std::string name;                 ///< by which it is told; empty of what is no datum
     algebra3d::Vector3<double> point; ///< of the surface, in the data's coordinates

@@ -22,6 +22,7 @@
 #include "scene/Colouring.h"
 #include "scene/DataScene.h"
 #include "scene/Progress.h"
+#include "scene/SoLabels.h"
 #include "scene/SoLegendCamera.h"
 #include "scene/SoOverlay.h"
 #include "scene/SoPlacedSolids.h"
@@ -284,6 +285,7 @@ void initialiseScene()
     SoStretchChoice::initClass();
     SoPlacedSolids::initClass();
     SoSeeThrough::initClass();
+    SoLabels::initClass();
 }
 
 SceneGeometry computeGeometry(const Configuration& configuration, const Style& style,

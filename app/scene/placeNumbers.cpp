@@ -7,10 +7,13 @@
 #include <cmath>
 
 #include <algebra3d/rotations.h>
+#include <nlohmann/json.hpp>
 
 #include <strandview/analysis/scalarAt.h>
 #include <strandview/analysis/scalars.h>
 #include <strandview/analysis/tracks.h>
+
+#include "scene/backbones.h"
 
 namespace strandview {
 
@@ -63,6 +66,14 @@ double scalarOf(const Track& line, const PickedPlace& place, const std::string& 
                : between(value, scalarAt(line, name, *place.row + 1).value_or(NAN), place.share);
 }
 
+// Of a base of a strand.
+Vector3<double> phosphorusOf(const Dna& dna, const PickedPlace& place, double angstrom)
+{
+    const Strand strand = place.strand == 1 ? Strand::FIRST : Strand::SECOND;
+    const std::size_t last = dna.bases.size() - 1;
+    return idealBackbone(dna, strand, angstrom)[place.strand == 1 ? *place.row : last - *place.row];
+}
+
 PointOfPlace pointOf(const Track& line, const PickedPlace& place)
 {
     const std::size_t row = *place.row;
@@ -83,10 +94,18 @@ PointOfPlace pointOf(const Arrow& arrow, const PickedPlace& place)
 
 std::string numberOrDash(double value) { return std::isfinite(value) ? readable(value) : "-"; }
 
+NumberRow rowOf(const std::string& name, double number, const std::string& unit)
+{
+    return {name, numberOrDash(number), unit, {number}};
+}
+
 // "0.1	2	3", so that each is in a column.
 NumberRow rowOf(const std::string& name, const Vector3<double>& vector)
 {
-    return {name, readable(vector.x) + "\t" + readable(vector.y) + "\t" + readable(vector.z), ""};
+    return {name,
+            readable(vector.x) + "\t" + readable(vector.y) + "\t" + readable(vector.z),
+            "",
+            {vector.x, vector.y, vector.z}};
 }
 
 void addFrame(Rows& rows, const Quaternion<double>& rotation)
@@ -128,25 +147,34 @@ std::string countOf(double places)
 // "37 of 100", as pairs are counted wherever they are told.
 NumberRow pairRow(const PickedPlace& place, std::size_t count)
 {
-    return {"pair from 1", std::to_string(*place.row + 1) + " of " + std::to_string(count), ""};
+    return {"pair from 1",
+            std::to_string(*place.row + 1) + " of " + std::to_string(count),
+            "",
+            {double(*place.row + 1)}};
+}
+
+NumberRow countRow(const std::string& name, std::size_t count)
+{
+    return {name, std::to_string(count), "", {double(count)}};
 }
 
 // As tables have it.
 NumberRow indexRow(const PickedPlace& place)
 {
-    return {"index from 0", countOf(double(*place.row) + place.share), ""};
+    const double index = double(*place.row) + place.share;
+    return {"index from 0", countOf(index), "", {index}};
 }
 
 void addIndex(Rows& rows, const PickedPlace& place, std::size_t count)
 {
     rows.push_back(indexRow(place));
-    rows.push_back({"points of the line", std::to_string(count), ""});
+    rows.push_back(countRow("points of the line", count));
 }
 
 void addScalars(Rows& rows, const Track& line, const PickedPlace& place)
 {
     for (const std::string& name : scalarNames(line))
-        rows.push_back({name, numberOrDash(scalarOf(line, place, name)), unitOf(line, name)});
+        rows.push_back(rowOf(name, scalarOf(line, place, name), unitOf(line, name)));
 }
 
 NumberTable tableOfRod(const Track& line, const PickedPlace& place)
@@ -155,9 +183,12 @@ NumberTable tableOfRod(const Track& line, const PickedPlace& place)
     NumberTable table{titleOf(line), {{"from", place.name, ""}}};
     addIndex(table.rows, place, rod.points.size());
     if (place.share == 0 && *place.row < rod.lines.size())
-        table.rows.push_back({"line of the file", std::to_string(rod.lines[*place.row]), ""});
+        table.rows.push_back(countRow("line of the file", rod.lines[*place.row]));
     else if (place.share == 0 && *place.row < rod.indices.size())
-        table.rows.push_back({"index in the file", std::to_string(rod.indices[*place.row]), ""});
+        table.rows.push_back({"index in the file",
+                              std::to_string(rod.indices[*place.row]),
+                              "",
+                              {double(rod.indices[*place.row])}});
     addPoint(table.rows, pointOf(line, place));
     if (!rod.hasFrames)
         table.rows.push_back({"frames", "made by parallel transport", ""});
@@ -174,9 +205,11 @@ NumberTable tableOfBirod(const Track& line, const PickedPlace& place)
     return table;
 }
 
-NumberTable tableOfStrand(const Track& line, const PickedPlace& place)
+NumberTable tableOfStrand(const Track& line, const PickedPlace& place, double angstrom)
 {
     NumberTable table{titleOf(line), {{"base", std::string(1, basesOf(line)[*place.row]), ""}}};
+    if (place.isOnBackbone)
+        table.rows.push_back(rowOf("phosphorus", phosphorusOf(*line.dna, place, angstrom)));
     addPoint(table.rows, pointOf(line, place));
     addScalars(table.rows, line, place);
     return table;
@@ -203,7 +236,7 @@ std::vector<NumberTable> tablesOfDna(const PickedPlace& place, const Configurati
     std::vector<NumberTable> tables;
     if (place.strand > 0)
         tables.push_back(tableOfStrand(
-            *findLine(ThingKind::DNA, place.datum, place.strand, data, angstrom), place));
+            *findLine(ThingKind::DNA, place.datum, place.strand, data, angstrom), place, angstrom));
     tables.push_back(tableOfPair(pairs, place, letters));
     tables.front().rows.insert(tables.front().rows.begin(), {"from", place.name, ""});
     return tables;
@@ -211,27 +244,28 @@ std::vector<NumberTable> tablesOfDna(const PickedPlace& place, const Configurati
 
 std::optional<NumberTable> tableOfGlyph(const PickedPlace& place, const Configuration& data)
 {
-    const std::optional<PointOfPlace> at = findPoint(place, data);
+    const std::optional<PointOfPlace> at = findPoint(place, data, 1); // no DNA
     if (!at)
         return std::nullopt;
     NumberTable table{"", {{"from", place.name, ""}}};
     const std::string number = std::to_string(place.datum + 1);
     if (place.kind == ThingKind::MARKER) {
         table.title = "marker " + number;
-        table.rows.push_back({"id", std::to_string(data.markers[place.datum].id), ""});
+        const auto id = data.markers[place.datum].id;
+        table.rows.push_back({"id", std::to_string(id), "", {double(id)}});
     } else if (place.kind == ThingKind::ARROW) {
         const Arrow& arrow = data.arrows[place.datum];
         table.title = "arrow " + number;
         table.rows.push_back(rowOf("start", arrow.from));
         table.rows.push_back(rowOf("end", arrow.to));
         table.rows.push_back(rowOf("vector", arrow.to - arrow.from));
-        table.rows.push_back({"length", readable((arrow.to - arrow.from).getNorm()), "length"});
+        table.rows.push_back(rowOf("length", (arrow.to - arrow.from).getNorm(), "length"));
     } else if (place.kind == ThingKind::FRAME) {
         table.title = "frame " + number;
     } else {
         table.title = "base without a partner";
         table.rows.push_back({"base", std::string(1, data.loneBases[place.datum].base), ""});
-        table.rows.push_back({"index from 0", std::to_string(place.datum), ""});
+        table.rows.push_back(countRow("index from 0", place.datum));
     }
     addPoint(table.rows, *at);
     return table;
@@ -246,53 +280,77 @@ double angleBetween(const Vector3<double>& a, const Vector3<double>& b)
 
 void addAngles(Rows& rows, const Quaternion<double>& from, const Quaternion<double>& to)
 {
-    const auto turn = algebra3d::conjugate(from) * to;
-    const Vector3<double> part(turn[0], turn[1], turn[2]);
-    rows.push_back(
-        {"rotation", readable(2 * DEGREES * std::atan2(part.getNorm(), std::abs(turn[3]))), "°"});
+    rows.push_back(rowOf("rotation", angleOfRotation(from, to), "°"));
     const std::array<Vector3<double>, 3> axes{Vector3<double>(1, 0, 0), Vector3<double>(0, 1, 0),
                                               Vector3<double>(0, 0, 1)};
     for (std::size_t i = 0; i < 3; ++i) {
         const std::string axis = "d" + std::to_string(i + 1);
-        rows.push_back({axis + " to " + axis,
-                        readable(angleBetween(algebra3d::rotated(axes[i], from),
-                                              algebra3d::rotated(axes[i], to))),
-                        "°"});
+        rows.push_back(rowOf(
+            axis + " to " + axis,
+            angleBetween(algebra3d::rotated(axes[i], from), algebra3d::rotated(axes[i], to)), "°"));
     }
 }
 
-// Along the line of both, of two strands along what is between them.
-void addWay(Rows& rows, const PickedPlace& from, const PickedPlace& to, const Configuration& data,
-            double angstrom)
+// That of both, of two strands what is between them.
+std::optional<Track> lineOfBoth(const PickedPlace& from, const PickedPlace& to,
+                                const Configuration& data, double angstrom)
 {
-    const int strand = from.strand == to.strand ? from.strand : 0;
     if (from.kind != to.kind || from.datum != to.datum || !from.row || !to.row)
-        return;
-    const auto line = findLine(from.kind, from.datum, strand, data, angstrom);
-    if (!line)
-        return;
-    const double steps = std::abs(double(*to.row) + to.share - double(*from.row) - from.share);
-    rows.push_back({"steps between", countOf(steps), ""});
-    const std::vector<double> lengths = arcLengthsOf(*line);
+        return std::nullopt;
+    const int strand = from.strand == to.strand ? from.strand : 0;
+    std::optional<Track> line = findLine(from.kind, from.datum, strand, data, angstrom);
+    const std::size_t last = std::max(*from.row, *to.row);
+    return line && last < line->points.size() ? std::move(line) : std::nullopt;
+}
+
+double wayAlong(const std::vector<double>& lengths, const PickedPlace& from, const PickedPlace& to)
+{
     const auto lengthAt = [&lengths](const auto& place) {
         const std::size_t row = *place.row, next = std::min(row + 1, lengths.size() - 1);
         return lengths[row] + place.share * (lengths[next] - lengths[row]);
     };
-    const double way = std::abs(lengthAt(to) - lengthAt(from));
-    rows.push_back({"arc length between", readable(way), "length"});
+    return std::abs(lengthAt(to) - lengthAt(from));
+}
+
+void addWay(Rows& rows, const PickedPlace& from, const PickedPlace& to, const Configuration& data,
+            double angstrom)
+{
+    const auto line = lineOfBoth(from, to, data, angstrom);
+    if (!line)
+        return;
+    const double steps = std::abs(double(*to.row) + to.share - double(*from.row) - from.share);
+    rows.push_back({"steps between", countOf(steps), "", {steps}});
+    const std::vector<double> lengths = arcLengthsOf(*line);
+    const double way = wayAlong(lengths, from, to);
+    rows.push_back(rowOf("arc length between", way, "length"));
     if (!line->isClosed)
         return;
     double all = lengths.back();
     if (from.kind == ThingKind::DNA)
         all += (line->points.front() - line->points.back()).getNorm();
-    rows.push_back({"the other way round", readable(all - way), "length"});
+    rows.push_back(rowOf("the other way round", all - way, "length"));
 }
-
-bool hasDna(const Configuration& data) { return !data.dnas.empty() || !data.loneBases.empty(); }
 
 } // namespace
 
-std::optional<PointOfPlace> findPoint(const PickedPlace& place, const Configuration& data)
+bool hasDna(const Configuration& data) { return !data.dnas.empty() || !data.loneBases.empty(); }
+
+double angleOfRotation(const Quaternion<double>& from, const Quaternion<double>& to)
+{
+    const auto turn = algebra3d::conjugate(from) * to;
+    const Vector3<double> part(turn[0], turn[1], turn[2]);
+    return 2 * DEGREES * std::atan2(part.getNorm(), std::abs(turn[3]));
+}
+
+std::optional<double> arcLengthBetween(const PickedPlace& from, const PickedPlace& to,
+                                       const Configuration& data, double angstrom)
+{
+    const auto line = lineOfBoth(from, to, data, angstrom);
+    return line ? std::optional(wayAlong(arcLengthsOf(*line), from, to)) : std::nullopt;
+}
+
+std::optional<PointOfPlace> findPoint(const PickedPlace& place, const Configuration& data,
+                                      double angstrom)
 {
     const std::size_t i = place.datum;
     if (isOfUnknownRow(place))
@@ -301,8 +359,13 @@ std::optional<PointOfPlace> findPoint(const PickedPlace& place, const Configurat
     case ThingKind::ROD:
     case ThingKind::BIROD:
     case ThingKind::DNA: {
-        const std::optional<Track> line = findLine(place, data, 1);
-        return line ? std::optional(pointOf(*line, place)) : std::nullopt;
+        const std::optional<Track> line = findLine(place, data, angstrom);
+        if (!line)
+            return std::nullopt;
+        PointOfPlace at = pointOf(*line, place);
+        if (place.isOnBackbone && line->dna && place.strand > 0)
+            at.point = phosphorusOf(*line->dna, place, angstrom);
+        return at;
     }
     case ThingKind::MARKER:
         return i < data.markers.size() ? std::optional(PointOfPlace{data.markers[i].point, {}})
@@ -326,7 +389,7 @@ std::optional<PointOfPlace> findPoint(const PickedPlace& place, const Configurat
 std::vector<NumberTable> numbersAt(const PickedPlace& place, const Configuration& data,
                                    double angstrom)
 {
-    if (!findPoint(place, data))
+    if (!findPoint(place, data, angstrom))
         return {{place.name, {{"not in these data", "", ""}}}};
     if (place.kind == ThingKind::OTHER || isOfUnknownRow(place))
         return {{place.name.empty() ? "a point" : place.name, {rowOf("point", place.point)}}};
@@ -343,13 +406,14 @@ std::vector<NumberTable> numbersAt(const PickedPlace& place, const Configuration
 std::optional<NumberTable> numbersBetween(const PickedPlace& from, const PickedPlace& to,
                                           const Configuration& data, double angstrom)
 {
-    const std::optional<PointOfPlace> start = findPoint(from, data), end = findPoint(to, data);
+    const std::optional<PointOfPlace> start = findPoint(from, data, angstrom),
+                                      end = findPoint(to, data, angstrom);
     if (!start || !end)
         return std::nullopt;
     const Vector3<double> way = end->point - start->point;
-    NumberTable table{"from 1 to 2", {{"distance", readable(way.getNorm()), "length"}}};
+    NumberTable table{"from 1 to 2", {rowOf("distance", way.getNorm(), "length")}};
     if (hasDna(data))
-        table.rows.push_back({"distance", readable(way.getNorm() / angstrom), "Å"});
+        table.rows.push_back(rowOf("distance", way.getNorm() / angstrom, "Å"));
     table.rows.push_back(rowOf("vector", way));
     if (start->rotation && end->rotation)
         addAngles(table.rows, *start->rotation, *end->rotation);
@@ -372,6 +436,32 @@ std::string textOf(const std::vector<NumberTable>& tables)
         }
     }
     return text;
+}
+
+std::string jsonOf(const std::vector<NumberTable>& tables)
+{
+    using Json = nlohmann::ordered_json; // which writes null for what is not finite
+    Json all = Json::array();
+    for (const NumberTable& table : tables) {
+        Json one{{"title", table.title}};
+        for (const NumberRow& row : table.rows) {
+            if (row.value.empty())
+                continue;
+            Json value = row.value;
+            if (row.numbers.size() == 1)
+                value = row.numbers.front();
+            else if (!row.numbers.empty())
+                value = row.numbers;
+            if (!row.unit.empty())
+                value = Json{{"value", value}, {"unit", row.unit}};
+            // A number in two units has two members.
+            const bool isThere = one.contains(row.name);
+            one[isThere ? row.name + " in " + row.unit : row.name] = value;
+        }
+        all.push_back(one);
+    }
+    // What is no UTF-8 in the name of a file is replaced.
+    return all.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
 } // namespace strandview

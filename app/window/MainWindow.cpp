@@ -27,6 +27,7 @@
 #include <QMimeData>
 #include <QSettings>
 #include <QSpinBox>
+#include <QSplitter>
 #include <QStatusBar>
 #include <QTimer>
 #include <QToolBar>
@@ -58,6 +59,8 @@
 #include "window/History.h"
 #include "window/LoadBar.h"
 #include "window/LookPanel.h"
+#include "window/MeasurementKeeper.h"
+#include "window/MeasurementPanel.h"
 #include "window/Menus.h"
 #include "window/NamedViews.h"
 #include "window/PlacePanel.h"
@@ -264,9 +267,7 @@ void MainWindow::buildHistory()
 
 void MainWindow::buildPanels()
 {
-    auto* panel = new PlacePanel(docks);
-    placeDock = addPanel(panel, "Numbers", Command::SHOW_NUMBERS);
-    places = std::make_unique<PlaceTeller>(ownedViewer->marks, *panel);
+    buildNumbers();
     buildSettings();
     things = new ThingsPanel(docks);
     things->onCentre = [this](const SbBox3f& box) { centre(box); };
@@ -283,11 +284,37 @@ void MainWindow::buildPanels()
     lookTimer.setSingleShot(true); // a button changes thousands of looks
     connect(&lookTimer, &QTimer::timeout, this, [this] {
         places->follow();
+        measurements->follow();
         outlineChosen();
         curves->followLooks();
         curveHover->follow();
     });
 }
+
+void MainWindow::buildNumbers()
+{
+    auto* panel = new PlacePanel(docks);
+    auto* list = new MeasurementPanel(docks);
+    auto* both = new QSplitter(Qt::Vertical, docks);
+    both->addWidget(panel);
+    both->addWidget(list);
+    both->setChildrenCollapsible(false);
+    both->setStretchFactor(0, 1);
+    placeDock = addPanel(both, "Numbers", Command::SHOW_NUMBERS);
+    places = std::make_unique<PlaceTeller>(ownedViewer->marks, *panel);
+    measurements = std::make_unique<MeasurementKeeper>(*places, ownedViewer->keptMarks, *list);
+    connect(measurements.get(), &MeasurementKeeper::changed, this, [this] { history->note(); });
+    connect(list, &MeasurementPanel::keepAsked, this, &MainWindow::keepMeasurement);
+    connect(list, &MeasurementPanel::saveAsked, this, [this](const QString& file) {
+        const std::string failure = measurements->save(file.toStdString());
+        if (failure.empty())
+            statusText->tell({{"Saved", file.toStdString()}});
+        else
+            tellFailure(this, "Cannot save", failure);
+    });
+}
+
+void MainWindow::keepMeasurement() { statusText->tell({{measurements->keep(), ""}}); }
 
 void MainWindow::buildSettings()
 {
@@ -404,6 +431,9 @@ void MainWindow::showScene(DataScene* newScene, const std::vector<std::string>& 
     shownStyle = options;
     tellStyle();
     places->setScene(scene);
+    measurements->setScene(scene, loadedFrame(),
+                           choice == SAME_CAMERA ? MeasurementKeeper::SAME_FILES
+                                                 : MeasurementKeeper::OTHER_FILES);
     things->setScene(scene, choice == SAME_CAMERA);
     outlineChosen();
     curveHover->setScene(scene);
@@ -494,6 +524,8 @@ void MainWindow::whenPainted(std::function<void()> act)
 }
 
 bool MainWindow::isRestyling() const { return restyler.isAtWork() || coarseDrawing->isChanging(); }
+
+const PlaceMarks& MainWindow::getMarks() const { return ownedViewer->marks; }
 
 bool MainWindow::hasScene() const { return scene; }
 
@@ -720,6 +752,7 @@ void MainWindow::beginToPlay(const ReadReport& report, const Start& start)
     connect(player.get(), &Player::noticed, this, &MainWindow::tellFrame);
     connect(player.get(), &Player::frameShown, this, [this](std::size_t shown) {
         places->follow();
+        measurements->follow(shown);
         things->follow();
         outlineChosen();
         curves->showScene(*scene, shown, CurvePanel::NEXT_FRAME);
@@ -1105,6 +1138,7 @@ void MainWindow::showStyle(Restyler::Result& result)
     followClip();
     outlineChosen();
     places->follow();
+    measurements->follow();
     curves->followLooks();
     tellStyle();
     followViewer();
@@ -1117,8 +1151,10 @@ WindowState MainWindow::getState() const
     WindowState state;
     state.style = options;
     state.areColoursShown = (*menus)[Command::SHOW_COLOURS]->isChecked();
-    if (scene)
+    if (scene) {
+        state.measurements = measurements->get();
         state.camera = getCameraNumbers();
+    }
     return state;
 }
 
@@ -1127,6 +1163,7 @@ void MainWindow::showState(const WindowState& state)
     const WindowState now = getState();
     if (state.style != now.style)
         setStyle(state.style);
+    measurements->set(state.measurements);
     if (state.areColoursShown != now.areColoursShown) {
         (*menus)[Command::SHOW_COLOURS]->setChecked(state.areColoursShown);
         setColours(state.areColoursShown);
@@ -1255,7 +1292,7 @@ void MainWindow::showHint()
         statusText->setHint("Picking: the left button tells a point. Dragging, wheel and arrows "
                             "are off; Esc turns again.");
     else if (scene && placeDock->isVisible())
-        statusText->setHint("Click: all numbers there. With Shift: measures to there.");
+        statusText->setHint("Click: all numbers there. With Shift: measures, up to four places.");
     else if (scene && thingsDock->isVisible())
         statusText->setHint("Click: chooses a thing. With Shift: several.");
     else if (scene)
@@ -1465,6 +1502,7 @@ void MainWindow::command(Command asked, bool isOn)
         {Command::SHOW_COLOUR_SETTINGS,
          [](MainWindow& w, bool on) { showPanel(*w.colourDock, on); }},
         {Command::SHOW_NUMBERS, [](MainWindow& w, bool on) { w.placeDock->setVisible(on); }},
+        {Command::KEEP_MEASUREMENT, [](MainWindow& w, bool) { w.keepMeasurement(); }},
         {Command::SHOW_THINGS, [](MainWindow& w, bool on) { w.thingsDock->setVisible(on); }},
         {Command::SHOW_KEYS, [](MainWindow& w, bool) { w.showKeys(); }},
         {Command::SHOW_ABOUT, [](MainWindow& w, bool) { w.showAbout(); }}};

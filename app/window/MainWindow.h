@@ -39,8 +39,10 @@ class DataScene;
 class History;
 class LoadBar;
 class LookPanel;
+class MeasurementKeeper;
 class Menus;
 class NamedViews;
+class PlaceMarks;
 class PlacePanel;
 class PlaceTeller;
 class Player;
@@ -95,6 +97,11 @@ public:
 
     /// Plays the series that is shown; null for what has one frame.
     Player* getPlayer() const { return player.get(); }
+
+    /// The places that are clicked, as the view shows them.
+    const PlaceMarks& getMarks() const;
+    /// The measurements that are kept.
+    MeasurementKeeper& getMeasurements() const { return *measurements; }
 
     /// What is asked for of the style, by options and panels.
     const StyleRequest& getStyle() const { return options; }
@@ -193,6 +200,8 @@ private:
     void tellOpened(const std::vector<std::string>& files, const ReadReport& report);
 
     void buildPanels();
+    void buildNumbers();
+    void keepMeasurement();
     void buildSettings();
     /// What of a style needs no preparation: how single things look.
     void showThings();
@@ -288,6 +297,7 @@ private:
     CurvePanel* curves = nullptr;
     std::unique_ptr<CurveHover> curveHover;
     std::unique_ptr<PlaceTeller> places;
+    std::unique_ptr<MeasurementKeeper> measurements;
     QTimer lookTimer; ///< until panels follow what the user changed of things
     LoadBar* loadBar = nullptr;
     PlayBar* playBar = nullptr;

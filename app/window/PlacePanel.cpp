@@ -5,6 +5,7 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QPushButton>
 #include <QScrollBar>
@@ -16,7 +17,8 @@ namespace strandview {
 namespace {
 
 const char* const HINT = "Click on something: its numbers stand here.\n\n"
-                         "With Shift, a second click measures from the first place to it.";
+                         "With Shift, a second click measures from the first place to it, a third "
+                         "the angle, a fourth the dihedral angle.";
 
 // Of a column, in letters: names, and numbers of six digits with sign, point and exponent.
 const int NAME_WIDTH = 17, NUMBER_WIDTH = 10;
@@ -35,12 +37,21 @@ QList<QTextOption::Tab> tabsOf(const QFontMetrics& metrics)
 } // namespace
 
 PlacePanel::PlacePanel(QWidget* parent)
-    : QWidget(parent), page(new QTextEdit(this)), copyButton(new QPushButton("&Copy all", this))
+    : QWidget(parent),
+      page(new QTextEdit(this)),
+      copyButton(new QPushButton("&Copy all", this)),
+      jsonButton(new QPushButton("Copy as &JSON", this))
 {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(4, 4, 4, 4);
     layout->addWidget(page, 1);
-    layout->addWidget(copyButton);
+    auto* buttons = new QHBoxLayout;
+    layout->addLayout(buttons);
+    for (QPushButton* button : {copyButton, jsonButton}) {
+        buttons->addWidget(button);
+        button->setAutoDefault(false);
+        button->setMinimumWidth(1); // as narrow as the panel
+    }
     page->setObjectName("placeText");
     page->setAccessibleName("Numbers");
     page->setReadOnly(true);
@@ -49,24 +60,29 @@ PlacePanel::PlacePanel(QWidget* parent)
     page->setMinimumWidth(120);
     page->installEventFilter(this);
     copyButton->setObjectName("copyPlaceButton");
-    copyButton->setAutoDefault(false);
+    copyButton->setToolTip("With tabs between the columns, as tables take it");
     connect(copyButton, &QPushButton::clicked, this, &PlacePanel::copy);
+    jsonButton->setObjectName("copyPlaceAsJsonButton");
+    jsonButton->setToolTip("Each number under its name, with all digits");
+    connect(jsonButton, &QPushButton::clicked, this, &PlacePanel::copyAsJson);
     tell({});
 }
 
 void PlacePanel::tell(const std::vector<NumberTable>& tables)
 {
+    told = tables; // of other digits than the text has
     const QString next = QString::fromStdString(textOf(tables));
     if (next == text && !page->document()->isEmpty()) // what is selected stays so
         return;
     text = next;
-    copyButton->setEnabled(!tables.empty());
+    for (QPushButton* button : {copyButton, jsonButton})
+        button->setEnabled(!tables.empty());
     const int line = page->verticalScrollBar()->value(),
               column = page->horizontalScrollBar()->value();
     page->clear();
     if (tables.empty()) {
         page->setLineWrapMode(QTextEdit::WidgetWidth);
-        page->setPlainText(HINT);
+        QTextCursor(page->document()).insertText(HINT, QTextCharFormat()); // as no title
         return;
     }
     page->setLineWrapMode(QTextEdit::NoWrap);
@@ -84,6 +100,11 @@ QSize PlacePanel::sizeHint() const
 }
 
 void PlacePanel::copy() const { QApplication::clipboard()->setText(text); }
+
+void PlacePanel::copyAsJson() const
+{
+    QApplication::clipboard()->setText(QString::fromStdString(jsonOf(told)));
+}
 
 void PlacePanel::add(const NumberTable& table)
 {

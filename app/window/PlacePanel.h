@@ -15,7 +15,8 @@ class QTextEdit;
 namespace strandview {
 
 /// The numbers of the places that were clicked, as text in columns that can be selected; a button,
-/// and Ctrl+C where nothing is selected, copy all of it with tabs between the columns.
+/// and Ctrl+C where nothing is selected, copy all of it with tabs between the columns, another one
+/// as JSON with all digits.
 class PlacePanel : public QWidget
 {
     Q_OBJECT
@@ -28,6 +29,7 @@ public:
     /// What the button copies; empty without a table.
     const QString& getText() const { return text; }
     void copy() const;
+    void copyAsJson() const;
     /// All columns.
     QSize sizeHint() const override;
 
@@ -38,8 +40,9 @@ private:
     void add(const NumberTable& table);
 
     QTextEdit* page;
-    QPushButton* copyButton;
+    QPushButton *copyButton, *jsonButton;
     QString text;
+    std::vector<NumberTable> told;
 };
 
 } // namespace strandview

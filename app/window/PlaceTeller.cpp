@@ -17,13 +17,6 @@ namespace {
 const long long SHARE = 5;         // a fifth
 const long long LEAST_PAUSE = 200; // milliseconds, in which nobody reads them
 
-// "distance 2.5 length" without the unit of the points, which nobody knows.
-std::string textOf(const NumberRow& row)
-{
-    const bool isKnown = !row.unit.empty() && row.unit != "length";
-    return row.name + " " + row.value + (isKnown ? " " + row.unit : "");
-}
-
 } // namespace
 
 PlaceTeller::PlaceTeller(PlaceMarks& placeMarks, PlacePanel& placePanel)
@@ -82,8 +75,8 @@ std::vector<NumberTable> PlaceTeller::tables() const
     const Configuration& data = *scene->getData();
     const double angstrom = scene->getStyle().dna.angstrom;
     if (places.size() > 1) {
-        if (const auto measured = numbersBetween(places[0], places[1], data, angstrom))
-            all.push_back(*measured);
+        if (const auto numbers = numbersOf(places, data, angstrom))
+            all.push_back(*numbers);
     }
     for (std::size_t i = 0; i < places.size(); ++i) {
         for (NumberTable& table : numbersAt(places[i], data, angstrom)) {
@@ -97,7 +90,7 @@ std::vector<NumberTable> PlaceTeller::tables() const
 
 void PlaceTeller::add(const PickedPlace& place, bool measures)
 {
-    places.resize(std::min<std::size_t>(places.size(), measures ? 1 : 0));
+    places.resize(std::min<std::size_t>(places.size(), measures ? MOST - 1 : 0));
     places.push_back(place);
     mark();
     tellNow();
@@ -110,14 +103,24 @@ void PlaceTeller::forget()
     tellNow();
 }
 
+std::optional<MeasuredValue> PlaceTeller::measured() const
+{
+    const auto kind = usualKind(places.size());
+    if (!kind || !scene || !scene->getData())
+        return std::nullopt;
+    Measurement asked;
+    asked.kind = *kind;
+    for (const PickedPlace& place : places)
+        asked.places.push_back(measuredPlaceOf(place));
+    return measure(asked, *scene->getData(), scene->getStyle().dna.angstrom);
+}
+
 std::vector<Told> PlaceTeller::getTold() const
 {
     std::vector<Told> told;
-    if (places.size() > 1 && scene && scene->getData()) {
-        if (const auto measured = numbersBetween(places[0], places[1], *scene->getData(),
-                                                 scene->getStyle().dna.angstrom))
-            told.push_back({textOf(measured->rows.front()), ""});
-    }
+    if (const auto value = measured())
+        told.push_back(
+            {std::string(nameOf(*usualKind(places.size()))) + " " + readable(*value), ""});
     if (!places.empty())
         told.push_back(tell(places.back()));
     return told;
@@ -125,14 +128,19 @@ std::vector<Told> PlaceTeller::getTold() const
 
 void PlaceTeller::mark()
 {
-    std::vector<SbVec3f> points;
+    PlaceMarks::Line line;
     for (const PickedPlace& place : places) {
         if (!scene || !scene->getData() || scene->lookOf(place.kind, place.datum).isHidden())
             continue;
-        if (const auto at = findPoint(place, *scene->getData()))
-            points.push_back(toSbVec3f(scene->getPlacement().toScene(at->point)));
+        if (const auto at = findPoint(place, *scene->getData(), scene->getStyle().dna.angstrom))
+            line.places.push_back(toSbVec3f(scene->getPlacement().toScene(at->point)));
     }
-    marks.setPlaces(points);
+    const bool areAllShown = line.places.size() == places.size();
+    if (const auto value = areAllShown ? measured() : std::nullopt)
+        line.text = readable(*value);
+    marks.setLines({line});
+    if (onPlaces)
+        onPlaces();
 }
 
 } // namespace strandview

@@ -11,7 +11,8 @@ namespace strandview {
 
 bool operator==(const WindowState& a, const WindowState& b)
 {
-    return a.style == b.style && a.areColoursShown == b.areColoursShown && a.camera == b.camera;
+    return a.style == b.style && a.areColoursShown == b.areColoursShown && a.camera == b.camera &&
+           a.measurements == b.measurements;
 }
 
 std::string differenceOf(const WindowState& a, const WindowState& b)
@@ -25,6 +26,8 @@ std::string differenceOf(const WindowState& a, const WindowState& b)
         names.emplace_back("colours of data");
     if (!(a.camera == b.camera))
         names.emplace_back("camera");
+    if (!(a.measurements == b.measurements))
+        names.emplace_back("measurements");
     if (names.empty())
         return "";
     std::string& first = names.front();
@@ -48,6 +51,8 @@ WindowState withChange(WindowState state, const WindowState& from, const WindowS
         state.areColoursShown = to.areColoursShown;
     if (!(from.camera == to.camera))
         state.camera = to.camera;
+    if (!(from.measurements == to.measurements))
+        state.measurements = to.measurements;
     return state;
 }
 

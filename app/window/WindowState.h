@@ -3,8 +3,10 @@
 #define STRANDVIEW_APP_WINDOW_WINDOWSTATE_H
 
 #include <string>
+#include <vector>
 
 #include "request/CameraNumbers.h"
+#include "request/Measurement.h"
 #include "request/StyleRequest.h"
 
 namespace strandview {
@@ -15,6 +17,7 @@ struct WindowState
     StyleRequest style;
     bool areColoursShown = true; ///< those of data
     CameraNumbers camera{};
+    std::vector<Measurement> measurements = {}; ///< that are kept
 };
 
 bool operator==(const WindowState& a, const WindowState& b);

@@ -76,6 +76,7 @@ void WindowViewer::setSceneGraph(SoNode* root)
     auto* withAxes = new SoSeparator;
     withAxes->addChild(axes.getNode());
     withAxes->addChild(root);
+    withAxes->addChild(keptMarks.getNode());
     withAxes->addChild(marks.getNode());
     withAxes->addChild(hoverMark.getNode());
     withAxes->addChild(clipHandles.getNode());
@@ -158,6 +159,7 @@ void WindowViewer::sizeChanged(const SbVec2s& size)
     const auto scale = float(getGLWidget()->devicePixelRatioF());
     axes.setView(getGLSize(), scale);
     marks.setScale(scale);
+    keptMarks.setScale(scale);
     hoverMark.setScale(scale);
 }
 

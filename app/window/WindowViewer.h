@@ -49,6 +49,7 @@ public:
 
     AxisCross axes;
     PlaceMarks marks;
+    PlaceMarks keptMarks; ///< of measurements
     PlaceMarks hoverMark; ///< of a place that the mouse is over elsewhere
     ThingOutline outline;
     ClipHandles clipHandles;

@@ -51,6 +51,7 @@ enum class Command {
     SHOW_LOOK,
     SHOW_COLOUR_SETTINGS,
     SHOW_NUMBERS,
+    KEEP_MEASUREMENT,
     SHOW_THINGS,
     SHOW_CURVES,
     PLAY,

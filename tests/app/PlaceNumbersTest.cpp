@@ -7,8 +7,11 @@
 #include <gmock/gmock.h>
 
 #include <algebra3d/rotations.h>
+#include <nlohmann/json.hpp>
 
 #include <strandview/analysis/scalars.h>
+
+#include "scene/backbones.h"
 
 namespace strandview {
 
@@ -127,7 +130,7 @@ TEST(PlaceNumbers, BetweenTwoPointsAreBetweenTheirs)
     EXPECT_EQ(value(rod, "point"), "4.5\t0\t0");
     EXPECT_EQ(value(rod, "load"), "52.5");
     EXPECT_EQ(value(rod, "arclength"), "4.5");
-    const auto at = findPoint(place(ThingKind::ROD, 2, 0, 0.25), data);
+    const auto at = findPoint(place(ThingKind::ROD, 2, 0, 0.25), data, 1);
     const auto expected =
         about(Vector3<double>(1, 0, 0), 0.3 * 2.25) * about(Vector3<double>(0, 1, 0), M_PI / 2);
     EXPECT_NEAR(std::abs(algebra3d::dot(*at->rotation, expected)), 1, 1e-12);
@@ -245,7 +248,7 @@ TEST(PlaceNumbers, OfAPlaceThatOtherDataLackSayThat)
          {place(ThingKind::ROD, 6), place(ThingKind::ROD, 5, 0, 0.5), place(ThingKind::DNA, 0),
           place(ThingKind::BIROD, 0), place(ThingKind::MARKER, 0), place(ThingKind::ARROW, 0),
           place(ThingKind::FRAME, 0), place(ThingKind::LONE_BASES, 0)}) {
-        EXPECT_FALSE(findPoint(gone, data));
+        EXPECT_FALSE(findPoint(gone, data, 1));
         EXPECT_EQ(textOf(numbersAt(gone, data, 1)), "its name\nnot in these data\n");
         EXPECT_FALSE(numbersBetween(place(ThingKind::ROD, 0), gone, data, 1));
     }
@@ -306,12 +309,55 @@ TEST(PlaceNumbers, OfTwoLinesThereIsNoWayAlong)
     EXPECT_EQ(value(*measured, "arc length between"), "none");
 }
 
+TEST(PlaceNumbers, OfABackboneHaveThePhosphorusOfTheirBase)
+{
+    Configuration data;
+    data.dnas = {flatDna(6)};
+    PickedPlace at = place(ThingKind::DNA, 2, 2);
+    at.isOnBackbone = true;
+    const auto expected = idealBackbone(data.dnas[0], Strand::SECOND, 1)[6 - 1 - 2];
+    const Vector3<double> found = findPoint(at, data, 1)->point;
+    EXPECT_NEAR((found - expected).getNorm(), 0, 1e-12);
+    const auto tables = numbersAt(at, data, 1);
+    EXPECT_EQ(value(table(tables, "DNA 1, strand 2"), "phosphorus"),
+              readable(expected.x) + "\t" + readable(expected.y) + "\t" + readable(expected.z));
+}
+
+TEST(PlaceNumbers, AsJsonHaveAllDigitsUnderTheirNames)
+{
+    const Configuration data{{straightRod()}};
+    auto tables = numbersAt(place(ThingKind::ROD, 4, 0, 1.0 / 3), data, 1);
+    const auto json = nlohmann::json::parse(jsonOf(tables));
+    ASSERT_EQ(json.size(), 1u);
+    EXPECT_EQ(json[0]["title"], "rod 1 'arm'");
+    EXPECT_EQ(json[0]["from"], "its name");
+    EXPECT_EQ(json[0]["index from 0"], 4 + 1.0 / 3);
+    EXPECT_EQ(json[0]["points of the line"], 6);
+    EXPECT_EQ(json[0]["arclength"]["value"], 8 + 2.0 / 3);
+    EXPECT_EQ(json[0]["arclength"]["unit"], "length");
+    EXPECT_EQ(json[0]["point"][0], 8 + 2.0 / 3);
+    EXPECT_TRUE(json[0]["load"].is_null()) << "of no number";
+    EXPECT_FALSE(json[0]["d3"].is_null());
+}
+
+TEST(PlaceNumbers, AsJsonHaveEachUnitOfADistance)
+{
+    Configuration data;
+    data.dnas = {flatDna(6)};
+    const auto json = nlohmann::json::parse(
+        jsonOf({*numbersBetween(place(ThingKind::DNA, 0), place(ThingKind::DNA, 5), data, 2)}));
+    EXPECT_EQ(json[0]["distance"]["value"], 17);
+    EXPECT_EQ(json[0]["distance in Å"]["value"], 8.5);
+    EXPECT_EQ(json[0]["distance in Å"]["unit"], "Å");
+}
+
 TEST(PlaceNumbers, TheirTextHasALineForEachWithTabs)
 {
-    EXPECT_EQ(textOf({{"one", {{"curvature", "0.5", "1/length"}, {"point", "1\t2\t3", ""}}},
-                      {"two", {{"not in these data", "", ""}}}}),
+    using Groups = std::vector<NumberTable>;
+    EXPECT_EQ(textOf(Groups{{"one", {{"curvature", "0.5", "1/length"}, {"point", "1\t2\t3", ""}}},
+                            {"two", {{"not in these data", "", ""}}}}),
               "one\ncurvature\t0.5\t1/length\npoint\t1\t2\t3\n\ntwo\nnot in these data\n");
-    EXPECT_EQ(textOf({}), "");
+    EXPECT_EQ(textOf(Groups()), "");
 }
 
 } // namespace

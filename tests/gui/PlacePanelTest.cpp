@@ -3,6 +3,7 @@
 // mouse.
 #include "window/PlacePanel.h"
 
+#include <algorithm>
 #include <cmath>
 #include <memory>
 #include <set>
@@ -17,6 +18,7 @@
 
 #include "DataWindowTest.h"
 #include "scene/DataScene.h"
+#include "scene/backbones.h"
 #include "support/realInput.h"
 #include "window/PlaceMarks.h"
 #include "window/PlaceTeller.h"
@@ -65,6 +67,8 @@ protected:
     }
 
     PlacePanel* panel() const { return window->findChild<PlacePanel*>(); }
+    // Of the places that are clicked.
+    const PlaceMarks& marks() const { return window->getMarks(); }
     QTextEdit* page() const { return panel()->findChild<QTextEdit*>("placeText"); }
     std::string told() const { return panel()->getText().toStdString(); }
     bool comesToTell(const std::string& text) const
@@ -177,12 +181,84 @@ TEST_F(PlacePanelTest, ASecondClickWithShiftMeasuresFromTheFirst)
     EXPECT_THAT(told(), HasSubstr("1: rod 1\n"));
     EXPECT_THAT(told(), HasSubstr("2: rod 1\n"));
     EXPECT_THAT(statusText(), StartsWith("distance 2\npoint "));
-    // From the same place to another.
-    shiftClick(2, 0);
-    EXPECT_TRUE(comesToTell("distance\t1\t"));
-    // And a click alone begins anew.
+    // A click alone begins anew.
     click(3, 0);
     EXPECT_TRUE(comesTo([this] { return told().find("distance") == std::string::npos; }));
+}
+
+TEST_F(PlacePanelTest, AThirdPlaceMakesAnAngleAndAFourthADihedralOneWhichStandInTheView)
+{
+    openWithPanel("0 -1 0\n0 0 0\n1 0 0\n1 1 0\n2 1 0\n3 1 0.5\n4 1 0.5\n");
+    const auto texts = [this] { return marks().getTexts(); };
+    click(0, 0);
+    ASSERT_TRUE(comesToTell("rod 1"));
+    EXPECT_THAT(texts(), testing::IsEmpty());
+    shiftClick(1, 0);
+    ASSERT_TRUE(comesToTell("from 1 to 2"));
+    EXPECT_THAT(texts(), testing::ElementsAre("1"));
+    shiftClick(1, 1);
+    ASSERT_TRUE(comesToTell("angle at 2"));
+    EXPECT_EQ(valueOf("angle"), "90\t°");
+    EXPECT_THAT(texts(), testing::ElementsAre("90°"));
+    EXPECT_THAT(statusText(), StartsWith("angle 90°\n"));
+    shiftClick(2, 1);
+    ASSERT_TRUE(comesToTell("dihedral angle about 2 to 3"));
+    const auto isFlat = [this] { return std::abs(std::stod(valueOf("dihedral angle"))) > 172; };
+    EXPECT_TRUE(isFlat()) << valueOf("dihedral angle");
+    // A fifth one stands for the fourth, which was a wrong click, say.
+    shiftClick(3, 1);
+    EXPECT_TRUE(comesTo([&] { return !isFlat(); }));
+    EXPECT_THAT(told(), HasSubstr("4: rod 1\n"));
+    EXPECT_THAT(told(), Not(HasSubstr("5: rod 1\n")));
+    EXPECT_EQ(marks().countPlaces(), 4);
+}
+
+TEST_F(PlacePanelTest, TheNumberInTheViewIsAsLargeAtAnyZoom)
+{
+    openWithPanel(rodText(0));
+    click(1, 0);
+    ASSERT_TRUE(comesToTell("rod 1"));
+    shiftClick(3, 0);
+    ASSERT_TRUE(comesToTell("from 1 to 2"));
+    ASSERT_TRUE(comesToBePainted());
+    // The plate of the number, in the middle above the line: the rod behind it is bright.
+    const auto isDark = [](const QColor& c) {
+        return std::max({c.red(), c.green(), c.blue()}) < 70;
+    };
+    const auto aboveTheLine = [this] {
+        const QPoint middle = view()->mapFromGlobal(onScreen(2, 0));
+        return screen().copy(middle.x() - 30, middle.y() - 32, 60, 26);
+    };
+    const auto plate = [&] { return countPixels(aboveTheLine(), isDark); };
+    ASSERT_TRUE(comesTo([&] { return plate() > 50; }));
+    const int before = plate();
+    pressRealKey("Alt+w"); // zooms in
+    ASSERT_TRUE(comesToBePainted());
+    EXPECT_NEAR(plate(), before, 0.15 * before);
+    pressRealKey("b");
+    ASSERT_TRUE(comesTo([this] { return screen().pixelColor(3, 3) == QColor(0, 0, 0); }));
+    EXPECT_GT(countPixels(aboveTheLine(), isYellow), 5) << "its letters are bright";
+}
+
+TEST_F(PlacePanelTest, AClickOnABackboneIsItsNearestPhosphorus)
+{
+    options.dna.bases = false;
+    options.windowSize = {900, 700};
+    open(std::string(SAMPLES_FOLDER) + "/dna.txt");
+    ASSERT_TRUE(comesToBePainted());
+    pressRealKey("n");
+    ASSERT_TRUE(comesTo([this] { return panel()->isVisible(); }));
+    ASSERT_TRUE(comesToBePainted());
+    const Dna& dna = scene->getData()->dnas.at(0);
+    const auto backbone = idealBackbone(dna, Strand::FIRST, scene->getStyle().dna.angstrom);
+    // That nearest to the eye: nothing is before it.
+    const auto nearest = std::max_element(backbone.begin(), backbone.end() - 1,
+                                          [](const auto& a, const auto& b) { return a.z < b.z; });
+    click(nearest->x, nearest->y);
+    ASSERT_TRUE(comesToTell("phosphorus"));
+    EXPECT_EQ(valueOf("phosphorus"),
+              readable(nearest->x) + "\t" + readable(nearest->y) + "\t" + readable(nearest->z));
+    EXPECT_EQ(valueOf("index from 0"), std::to_string(nearest - backbone.begin()));
 }
 
 TEST_F(PlacePanelTest, AClickBesideEverythingTakesThemBack)
@@ -193,6 +269,9 @@ TEST_F(PlacePanelTest, AClickBesideEverythingTakesThemBack)
     click(2, 1);
     EXPECT_TRUE(comesTo([this] { return told().empty(); }));
     EXPECT_THAT(page()->toPlainText().toStdString(), StartsWith("Click on something"));
+    QTextCursor first(page()->document());
+    first.movePosition(QTextCursor::Right);
+    EXPECT_LT(first.charFormat().fontWeight(), QFont::Bold) << "it is no title";
 }
 
 TEST_F(PlacePanelTest, BesideEverythingAClickWithShiftTakesNothingBack)
@@ -254,6 +333,10 @@ TEST_F(PlacePanelTest, TheTextIsCopiedByItsButtonAndByTheUsualKeys)
     pressRealKey("Control+c");
     EXPECT_TRUE(
         comesTo([] { return QApplication::clipboard()->text().startsWith("rod 1\nfrom\t"); }));
+    click(*panel()->findChild<QPushButton*>("copyPlaceAsJsonButton"));
+    ASSERT_TRUE(comesTo([] { return QApplication::clipboard()->text().startsWith("["); }));
+    EXPECT_THAT(QApplication::clipboard()->text().toStdString(), HasSubstr("\"title\": \"rod 1\""));
+    click(*page()->viewport());
     // Selecting goes on being the panel's, other keys the window's.
     pressRealKey("n");
     EXPECT_TRUE(comesTo([this] { return !panel()->isVisible(); }));

@@ -37,6 +37,7 @@ const std::map<std::string, std::string> ELSEWHERE{
     {"app/scene/prepareLook.cpp", "tests/app/SceneUpdateTest.cpp"},
     {"app/window/LoadJob.cpp", "tests/gui/LoadingTest.cpp"},
     {"app/window/Menus.cpp", "tests/gui/MainWindowTest.cpp"},
+    {"app/window/MeasurementKeeper.cpp", "tests/gui/MeasurementPanelTest.cpp"},
     {"app/window/PlaceMarks.cpp", "tests/gui/PlacePanelTest.cpp"},
     {"app/window/PlaceTeller.cpp", "tests/gui/PlacePanelTest.cpp"},
     {"app/window/Restyler.cpp", "tests/gui/SettingsPanelTest.cpp"},

@@ -118,8 +118,8 @@ SoSeparator& backboneOf(const SoSeparator& group, Strand strand)
 
 SoRod& rodOf(const SoSeparator& backbone) { return *static_cast<SoRod*>(backbone.getChild(1)); }
 
-// By the nearest place of the centreline, which has a point for each base and one more unless
-// points were left out.
+// By the nearest point of the centreline, which has the phosphorus of each base and one more unless
+// points were left out: that one is the last base's, too.
 void placeInBackbone(const ShownDatum& shown, const SoPickedPoint& picked, Strand strand,
                      PickedPlace& place)
 {
@@ -131,7 +131,10 @@ void placeInBackbone(const ShownDatum& shown, const SoPickedPoint& picked, Stran
         return;
     const double length = nearestOnTube(tube, {point[0], point[1], point[2]}).arcLength;
     const auto after = std::upper_bound(lengths.begin() + 1, lengths.end() - 1, length);
-    const auto base = std::size_t(after - lengths.begin()) - 1;
+    const bool isNearerToNext = *after - length < length - *(after - 1);
+    const auto base = std::min(std::size_t(after - lengths.begin()) - (isNearerToNext ? 0 : 1),
+                               shown.bases.size() - 1);
+    place.isOnBackbone = true;
     setPair(strand == Strand::FIRST ? base : shown.bases.size() - 1 - base, place.strand, place);
 }
 
