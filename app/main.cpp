@@ -16,6 +16,7 @@
 #include "output/exportFiles.h"
 #include "output/saveDefaults.h"
 #include "pictures/PictureWriter.h"
+#include "pictures/describePicture.h"
 #include "pictures/largeHeapPages.h"
 #include "plotting/plotFiles.h"
 #include "rendering/Film.h"
@@ -26,6 +27,7 @@
 #include "request/limits.h"
 #include "request/print.h"
 #include "request/settings.h"
+#include "request/writeCommand.h"
 #include "scene/DataScene.h"
 #include "scene/Progress.h"
 #include "scene/SceneBuilder.h"
@@ -58,12 +60,20 @@ int renderPicture(const Options& options, DataScene* scene)
     TerminalProgress progress;
     progress.announce("Rendering " + *options.picture);
     CameraNumbers camera;
-    const std::string failure = writePicture(
-        scene,
-        {*options.picture, options.pictureWidth, options.pictureHeight, options.samples,
-         options.background, options.transparent, scene->settle(options.camera),
-         scene->getLegendRoom(), options.dpi.value_or(DPI_OF_PIXELS)},
-        &camera);
+    Picture picture{*options.picture,
+                    options.pictureWidth,
+                    options.pictureHeight,
+                    options.samples,
+                    options.background,
+                    options.transparent,
+                    scene->settle(options.camera),
+                    scene->getLegendRoom(),
+                    options.dpi.value_or(DPI_OF_PIXELS)};
+    picture.title = titleOf(options.files);
+    picture.command = [&options](const CameraNumbers& used) {
+        return writeCommandToKeep(options, {options.files, {}, used, options.getPictureSize()});
+    };
+    const std::string failure = writePicture(scene, picture, &camera);
     progress.hide();
     if (!failure.empty())
         return fail(CANNOT_WRITE, failure);
@@ -107,8 +117,25 @@ std::vector<std::string> idleOptionsOf(const Options& options)
                                                : "--info tells what is in the files alone");
 }
 
+// Whether it was a picture that was asked about.
+bool tellPicture(const Options& options, int& status)
+{
+    if (options.files.size() != 1 || !options.info)
+        return false;
+    const std::optional<std::string> told =
+        (options.asJson ? pictureToJson : describePicture)(options.files.front());
+    if (!told)
+        return false;
+    const std::string untold = print(*told);
+    status = untold.empty() ? SUCCESS : fail(CANNOT_WRITE, untold);
+    return true;
+}
+
 int tellFindings(const Options& options)
 {
+    int status = SUCCESS;
+    if (tellPicture(options, status))
+        return status;
     ReadReport report;
     Progress silent;
     std::optional<Comparison> comparison;

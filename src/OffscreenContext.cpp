@@ -456,4 +456,12 @@ OffscreenContext::~OffscreenContext()
 
 bool OffscreenContext::isValid() const { return handle; }
 
+void OffscreenContext::letGo()
+{
+    if (handle)
+        reinstatePrevious(handle);
+}
+
+bool OffscreenContext::takeBack() { return handle && makeCurrent(handle); }
+
 std::uint32_t OffscreenContext::getId() const { return id; }

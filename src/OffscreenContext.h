@@ -32,8 +32,8 @@
 class STRANDVIEW_EXPORT OffscreenContext
 {
 public:
-    /// A context with a picture of so many pixels, and current as long as it lives; depth is
-    /// tested. Nothing is cleared. Needs no install().
+    /// A context with a picture of so many pixels, and current as long as it lives, but for what
+    /// letGo() says; depth is tested. Nothing is cleared. Needs no install().
     OffscreenContext(int width, int height);
     /// Has Coin free what it keeps in this context.
     ~OffscreenContext();
@@ -42,6 +42,12 @@ public:
 
     /// False if no such context could be had, which a warning through SoDebugError tells.
     bool isValid() const;
+
+    /// What was current before is so again, until takeBack(): for whoever lets others draw
+    /// meanwhile. The picture stays.
+    void letGo();
+    /// False if it cannot be current any more.
+    bool takeBack();
 
     /// For SoGLRenderAction::setCacheContext().
     std::uint32_t getId() const;

@@ -35,9 +35,9 @@ const std::set<std::string> NOT_OF_LOOK{
     "render",       "frame", "frames", "series", "shard", "overwrite", "list-frames",
     "print-camera", "jobs",  "fps",    "cache",  "turn",  "follow",    "no-defaults"};
 
-// What the window does not change: how the files are read, and how fine pictures are.
+// What the window does not change: how the files are read.
 const std::set<std::string> OF_READING{"normalise", "closed",  "frame-rows", "series",
-                                       "align",     "between", "pairs",      "samples"};
+                                       "align",     "between", "pairs"};
 
 bool parseSize(const std::string& text, int& width, int& height)
 {
@@ -47,18 +47,6 @@ bool parseSize(const std::string& text, int& width, int& height)
         return false;
     const auto h = std::from_chars(w.ptr + 1, end, height);
     return h.ec == std::errc() && h.ptr == end;
-}
-
-bool fits(double width, double height)
-{
-    return std::min(width, height) >= 1 && std::max(width, height) <= LARGEST_PICTURE_SIDE &&
-           width * height <= LARGEST_PIXEL_COUNT;
-}
-
-std::string whatFits()
-{
-    return "sides from 1 to " + std::to_string(LARGEST_PICTURE_SIDE) + " and at most " +
-           std::to_string(LARGEST_PIXEL_COUNT) + " pixels in all";
 }
 
 // The largest picture of the same shape.
@@ -96,10 +84,10 @@ void addSize(CLI::App& app, Options& options)
             return;
         int width = 0, height = 0;
         const std::string refusal =
-            "found '" + text + "', expected WxH or, in millimetres, WxHmm, " + whatFits();
+            "found '" + text + "', expected WxH or, in millimetres, WxHmm, " + wordsOfPictureSize();
         if (!parseSize(text, width, height) || width < 1 || height < 1)
             throw CLI::ValidationError("--size", refusal);
-        if (!fits(width, height))
+        if (!isPictureSize(width, height))
             throw CLI::ValidationError("--size",
                                        refusal + ": " + fittingSize(width, height) + " fits");
         options.pictureWidth = width;
@@ -112,8 +100,6 @@ void addSize(CLI::App& app, Options& options)
            "pixels [as it was]")
         ->type_name("WxH[mm]");
 }
-
-double pixelsOf(double millimetres, int dpi) { return std::round(millimetres / 25.4 * dpi); }
 
 // Of a picture that was asked for in millimetres, its pixels.
 void settleSize(Options& options)
@@ -128,13 +114,13 @@ void settleSize(Options& options)
         options.dpi = DPI_ON_PAPER;
     const double width = pixelsOf(paper.width, *options.dpi);
     const double height = pixelsOf(paper.height, *options.dpi);
-    if (!fits(width, height)) {
+    if (!isPictureSize(width, height)) {
         std::string refusal = found + " at --dpi " + std::to_string(*options.dpi) + ": " +
                               formatted(width) + " x " + formatted(height) + " pixels, expected " +
-                              whatFits();
+                              wordsOfPictureSize();
         int fitting = *options.dpi;
         while (fitting >= SMALLEST_DPI &&
-               !fits(pixelsOf(paper.width, fitting), pixelsOf(paper.height, fitting)))
+               !isPictureSize(pixelsOf(paper.width, fitting), pixelsOf(paper.height, fitting)))
             --fitting;
         if (fitting >= SMALLEST_DPI)
             refusal += ": --dpi " + std::to_string(fitting) + " fits";

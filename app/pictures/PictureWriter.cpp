@@ -26,7 +26,9 @@
 #include "pictures/LeanPrograms.h"
 #include "pictures/SampleMeans.h"
 #include "pictures/TileRenderer.h"
+#include "pictures/writePdf.h"
 #include "pictures/writePng.h"
+#include "pictures/writeSvg.h"
 #include "request/limits.h"
 
 namespace strandview {
@@ -72,16 +74,29 @@ QByteArray imageFormat(const std::string& file)
     return QFileInfo(QString::fromStdString(file)).suffix().toLower().toLatin1();
 }
 
-// What papers and slides take, as far as Qt can write it; some cannot be transparent.
+using Write = std::function<void(std::string_view)>;
+
+// Those that are written here. PNG is, unless it is too large for that.
+void (*writerOf(const QByteArray& format))(const QImage& image, const Write& write)
+{
+    if (format == "png")
+        return &writePng;
+    if (format == "pdf")
+        return &writePdf;
+    return format == "svg" ? &writeSvg : nullptr;
+}
+
+// What papers and slides take, as far as it can be written; some cannot be transparent.
 QList<QByteArray> writableFormats(bool transparent)
 {
-    QList<QByteArray> formats{"png", "tif", "tiff"};
+    QList<QByteArray> formats{"png", "pdf", "svg", "tif", "tiff"};
     if (!transparent)
         formats += {"jpg", "jpeg", "bmp", "ppm"};
     const QList<QByteArray> supported = QImageWriter::supportedImageFormats();
-    formats.erase(std::remove_if(formats.begin(), formats.end(),
-                                 [&](const QByteArray& f) { return !supported.contains(f); }),
-                  formats.end());
+    formats.erase(
+        std::remove_if(formats.begin(), formats.end(),
+                       [&](const QByteArray& f) { return !writerOf(f) && !supported.contains(f); }),
+        formats.end());
     return formats;
 }
 
@@ -201,11 +216,16 @@ void setResolution(QImage& image, int dpi)
     image.setDotsPerMeterY(perMetre);
 }
 
-// What is to be known of a picture that lies about: the text of a camera makes the same view again.
-void setTexts(QImage& image, const CameraNumbers& camera)
+// What is to be known of a picture that lies about: the text of a camera makes the same view again,
+// the command all of it.
+void setTexts(QImage& image, const Picture& picture, const CameraNumbers& camera)
 {
     image.setText("Software", "strandview " STRANDVIEW_VERSION);
     image.setText("Camera", QString::fromStdString(formatCamera(camera)));
+    if (!picture.title.empty())
+        image.setText("Title", QString::fromStdString(picture.title));
+    if (picture.command)
+        image.setText("Command", QString::fromStdString(picture.command(camera)));
 }
 
 // By Qt. Returns what failed, or nothing.
@@ -231,15 +251,20 @@ std::string checkPictureName(const std::string& option, const std::string& file,
            formats.join(" .").toStdString() + (transparent ? ", with --transparent" : "");
 }
 
-QString pictureNamePatterns() { return "*." + writableFormats(false).join(" *."); }
+QString pictureNamePatterns(bool transparent)
+{
+    return "*." + writableFormats(transparent).join(" *.");
+}
 
 // Nothing is written before all is encoded, so that what can fail while writing is the disk alone.
-std::string saveImage(const QImage& image, const std::string& name)
+std::string saveImage(const QImage& image, const std::string& name,
+                      const std::function<bool()>& isWanted)
 {
     const QByteArray format = imageFormat(name);
-    const bool atOnce = format == "png" && image.sizeInBytes() <= LARGEST_AT_ONCE;
+    const bool isTooLarge = format == "png" && image.sizeInBytes() > LARGEST_AT_ONCE;
+    auto* const writeImage = isTooLarge ? nullptr : writerOf(format);
     QByteArray bytes;
-    if (!atOnce) {
+    if (!writeImage) {
         const std::string failure = encode(image, format, bytes);
         if (!failure.empty())
             return name + ": " + failure;
@@ -249,14 +274,14 @@ std::string saveImage(const QImage& image, const std::string& name)
     if (!failure.empty())
         return failure;
     try {
-        if (atOnce)
-            writePng(image, [&file](std::string_view part) { file.write(part); });
+        if (writeImage)
+            writeImage(image, [&file](std::string_view part) { file.write(part); });
         else
             file.write({bytes.constData(), std::size_t(bytes.size())});
     } catch (const std::bad_alloc&) {
         return name + ": " + TOO_LITTLE_MEMORY;
     }
-    return file.finish();
+    return !isWanted || isWanted() ? file.finish() : PICTURE_STOPPED;
 }
 
 PictureWriter::PictureWriter() : programs(std::make_unique<LeanPrograms>()) {}
@@ -264,7 +289,7 @@ PictureWriter::PictureWriter() : programs(std::make_unique<LeanPrograms>()) {}
 PictureWriter::~PictureWriter() = default;
 
 std::string PictureWriter::draw(SoGeneralScene* scene, const Picture& picture, QImage& image,
-                                CameraNumbers* usedCamera)
+                                CameraNumbers* usedCamera, const GoOn& goOn)
 {
     SoCamera* camera = makeCamera(picture.camera, scene, regionOf(picture), picture.edges);
     auto* root = new SoSeparator;
@@ -279,11 +304,11 @@ std::string PictureWriter::draw(SoGeneralScene* scene, const Picture& picture, Q
     image = QImage(picture.width, picture.height,
                    picture.transparent ? QImage::Format_RGBA8888 : QImage::Format_RGB888);
     setResolution(image, picture.dpi);
-    setTexts(image, numbers);
+    setTexts(image, picture, numbers);
     std::string failure = TOO_LITTLE_MEMORY;
     try {
         if (!image.isNull())
-            failure = render(root, picture, image);
+            failure = render(root, picture, image, goOn);
     } catch (const std::bad_alloc&) {
         failure = TOO_LITTLE_MEMORY;
     }
@@ -292,7 +317,8 @@ std::string PictureWriter::draw(SoGeneralScene* scene, const Picture& picture, Q
     return failure;
 }
 
-std::string PictureWriter::render(SoNode* graph, const Picture& picture, QImage& image)
+std::string PictureWriter::render(SoNode* graph, const Picture& picture, QImage& image,
+                                  const GoOn& goOn)
 {
     const int n = picture.samples;
     const LineWidener lines(graph, n);
@@ -308,6 +334,13 @@ std::string PictureWriter::render(SoNode* graph, const Picture& picture, QImage&
         for (int x = 0; x < picture.width; x += division.width) {
             const QRect part =
                 QRect(x, y, division.width, division.height).intersected(image.rect());
+            if (goOn && (x > 0 || y > 0)) {
+                const double done =
+                    (y + double(x) / picture.width * part.height()) / picture.height;
+                bool goesOn = true;
+                if (!tiles.letOthersDraw([&] { goesOn = goOn(done); }) || !goesOn)
+                    return PICTURE_STOPPED;
+            }
             const int left = n * x - division.border;
             const int below = n * (picture.height - 1 - part.bottom()) - division.border;
             bool rendered =

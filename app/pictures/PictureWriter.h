@@ -2,11 +2,13 @@
 #ifndef STRANDVIEW_APP_PICTURES_PICTUREWRITER_H
 #define STRANDVIEW_APP_PICTURES_PICTUREWRITER_H
 
+#include <functional>
 #include <memory>
 #include <string>
 
 #include <Inventor/SbVec2s.h>
 
+#include "request/CameraNumbers.h"
 #include "request/CameraRequest.h"
 #include "request/Colour.h"
 #include "request/FreeEdges.h"
@@ -26,6 +28,9 @@ class TileRenderer;
 /// tile holds one pixel at least.
 constexpr int SAMPLES_AT_ONCE = 5'000'000;
 
+/// What is said of a picture that was not to be finished.
+constexpr const char* PICTURE_STOPPED = "the picture was stopped";
+
 struct Picture
 {
     std::string file;
@@ -38,6 +43,9 @@ struct Picture
     FreeEdges edges;         ///< that a standard view leaves free
     int dpi = DPI_OF_PIXELS; ///< pixels per inch that the file tells, where its format can
     int samplesAtOnce = SAMPLES_AT_ONCE;
+    std::string title = {}; ///< that the file tells, where its format can
+    /// The command line that the file tells, made of the camera that was used; none if not set.
+    std::function<std::string(const CameraNumbers& camera)> command = {};
 };
 
 /// Empty if the ending of a picture's name is one that can be written, and with
@@ -57,13 +65,18 @@ public:
     PictureWriter& operator=(const PictureWriter&) = delete;
 
     /// Returns one line that says what failed, or nothing. `usedCamera`, if not null, is told the
-    /// camera. The image's texts are "Software", program and version, and "Camera", as
-    /// formatCamera() writes it. The picture's file is not looked at.
+    /// camera. The image's texts are "Software", program and version, "Camera", as formatCamera()
+    /// writes it, and "Title" and "Command", if the picture has them. Its file is not looked at.
+    ///
+    /// Between its tiles `goOn`, if set, is told which part of the picture is drawn, from 0 to 1,
+    /// and says whether to go on; if not, the line is PICTURE_STOPPED. It may process events that
+    /// leave the scene to itself, and draw in other OpenGL contexts.
+    using GoOn = std::function<bool(double done)>;
     std::string draw(SoGeneralScene* scene, const Picture& picture, QImage& image,
-                     CameraNumbers* usedCamera = nullptr);
+                     CameraNumbers* usedCamera = nullptr, const GoOn& goOn = {});
 
 private:
-    std::string render(SoNode* graph, const Picture& picture, QImage& image);
+    std::string render(SoNode* graph, const Picture& picture, QImage& image, const GoOn& goOn);
     TileRenderer& rendererFor(const Picture& picture, const SbVec2s& tile);
 
     std::unique_ptr<TileRenderer> renderer; ///< of the pictures drawn last
@@ -74,11 +87,16 @@ private:
 std::string writePicture(SoGeneralScene* scene, const Picture& picture,
                          CameraNumbers* usedCamera = nullptr);
 
-/// Writes an image in the format of the name's ending; as writePicture().
-std::string saveImage(const QImage& image, const std::string& name);
+/// Writes an image, with its texts, in the format of the name's ending; as writePicture(). A page
+/// (.pdf, .svg) is as large as the image's resolution makes it.
+/// `isWanted`, if set, is asked at last, before the file appears; if it says no, none does, and the
+/// line is PICTURE_STOPPED.
+std::string saveImage(const QImage& image, const std::string& name,
+                      const std::function<bool()>& isWanted = {});
 
-/// The name endings of the formats that can be written, as "*.png *.jpg".
-QString pictureNamePatterns();
+/// The name endings of the formats that can be written, with transparent pixels if asked for, as
+/// "*.png *.jpg".
+QString pictureNamePatterns(bool transparent);
 
 } // namespace strandview
 

@@ -63,6 +63,13 @@ bool TileRenderer::render(SoNode* graph, int samplesLeft, int samplesBelow,
     return true;
 }
 
+bool TileRenderer::letOthersDraw(const std::function<void()>& others)
+{
+    context.letGo();
+    others();
+    return context.takeBack();
+}
+
 // In the order of the picture's own bytes, which costs a fifth of any other.
 void TileRenderer::read(int firstRow, int rows, std::uint32_t* samples) const
 {

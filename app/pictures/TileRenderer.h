@@ -3,6 +3,7 @@
 #define STRANDVIEW_APP_PICTURES_TILERENDERER_H
 
 #include <cstdint>
+#include <functional>
 
 #include <Inventor/SbVec2s.h>
 #include <Inventor/SbViewportRegion.h>
@@ -35,6 +36,9 @@ public:
     /// it; both may be outside the picture. False if that failed.
     bool render(SoNode* graph, int left, int below, const Colour& background);
 
+    /// Lets others draw in their contexts, between two tiles. False if it cannot go on.
+    bool letOthersDraw(const std::function<void()>& others);
+
     /// Samples of the tile that was rendered last, 0xAARRGGBB: so many whole rows, upwards. Alpha
     /// says nothing.
     void read(int firstRow, int rows, std::uint32_t* samples) const;
@@ -47,7 +51,7 @@ private:
     const int width;
     const int height;
     const bool narrowing; // the whole picture is no tile
-    const OffscreenContext context;
+    OffscreenContext context;
     SoGLRenderAction action;
 
     int left = 0;

@@ -100,12 +100,8 @@ Bytes filter(const QImage& image, int bytesPerPixel)
 
 } // namespace
 
-void writePng(const QImage& any, const Write& write)
+CompressedRows compressRows(const QImage& image)
 {
-    const QImage image = any.convertToFormat(any.hasAlphaChannel() ? QImage::Format_RGBA8888
-                                                                   : QImage::Format_RGB888);
-    if (image.isNull())
-        throw std::bad_alloc();
     const int bytesPerPixel = image.depth() / 8;
     const std::size_t size =
         (std::size_t(image.width()) * bytesPerPixel + 1) * std::size_t(image.height());
@@ -114,16 +110,26 @@ void writePng(const QImage& any, const Write& write)
     if (!compressor)
         throw std::bad_alloc();
     const std::size_t bound = libdeflate_zlib_compress_bound(compressor.get(), size);
-    const Bytes compressed(new unsigned char[bound]);
-    const std::size_t compressedSize = libdeflate_zlib_compress(
-        compressor.get(), filter(image, bytesPerPixel).get(), size, compressed.get(), bound);
+    CompressedRows compressed{Bytes(new unsigned char[bound]), 0};
+    compressed.size = libdeflate_zlib_compress(compressor.get(), filter(image, bytesPerPixel).get(),
+                                               size, compressed.bytes.get(), bound);
+    return compressed;
+}
+
+void writePng(const QImage& any, const Write& write)
+{
+    const QImage image = any.convertToFormat(any.hasAlphaChannel() ? QImage::Format_RGBA8888
+                                                                   : QImage::Format_RGB888);
+    if (image.isNull())
+        throw std::bad_alloc();
+    const CompressedRows rows = compressRows(image);
 
     write({SIGNATURE, sizeof SIGNATURE - 1});
     writeChunk(write, "IHDR", headerOf(image));
     writeChunk(write, "pHYs", resolutionOf(image));
     for (const QString& key : image.textKeys())
         writeText(write, key.toLatin1().toStdString(), image.text(key).toStdString());
-    const std::string_view data(reinterpret_cast<const char*>(compressed.get()), compressedSize);
+    const std::string_view data = rows.view();
     for (std::size_t begin = 0; begin < data.size(); begin += LARGEST_CHUNK)
         writeChunk(write, "IDAT", data.substr(begin, LARGEST_CHUNK));
     writeChunk(write, "IEND", "");

@@ -13,6 +13,7 @@
 
 #include "camera/Camera.h"
 #include "request/limits.h"
+#include "request/writeCommand.h"
 #include "scene/DataScene.h"
 #include "scene/Legend.h"
 #include "scene/Progress.h"
@@ -188,12 +189,12 @@ FrameRenderer::Drawn FrameRenderer::draw(std::size_t frame, const Configuration&
         scene->setStamp(makeStamp(stampOf(frame), options.background, stage.style.legendTextSize,
                                   float(options.pictureWidth) / float(options.pictureHeight),
                                   stampPlace()));
-    drawn.failure =
-        writer.draw(scene,
-                    {name.of(frame), options.pictureWidth, options.pictureHeight, options.samples,
-                     options.background, options.transparent, cameraOf(frame),
-                     scene->getLegendRoom(), options.dpi.value_or(DPI_OF_PIXELS)},
-                    drawn.image, &camera);
+    Picture picture{name.of(frame),  options.pictureWidth,   options.pictureHeight,
+                    options.samples, options.background,     options.transparent,
+                    cameraOf(frame), scene->getLegendRoom(), options.dpi.value_or(DPI_OF_PIXELS)};
+    picture.title = titleOf(options.files);
+    picture.command = [this, frame](const CameraNumbers& used) { return commandOf(frame, used); };
+    drawn.failure = writer.draw(scene, picture, drawn.image, &camera);
     return drawn;
 }
 
@@ -238,6 +239,15 @@ std::string FrameRenderer::stampOf(std::size_t frame) const
 {
     const std::size_t shown = options.series.turn ? frameOfTurn(options, series) : frame;
     return stampText(shown, series.time(shown));
+}
+
+// That of this picture alone.
+std::string FrameRenderer::commandOf(std::size_t frame, const CameraNumbers& used) const
+{
+    ShownPicture shown{options.files, {}, used, options.getPictureSize(), options.series.stamp};
+    if (series.count() > 1)
+        shown.frame = options.series.turn ? frameOfTurn(options, series) : frame;
+    return writeCommandToKeep(options, shown);
 }
 
 // Nothing where it is the one that the frame has without a turn.

@@ -75,6 +75,7 @@ private:
     std::string fingerprintOf(std::size_t frame, const Configuration& data);
     std::string stampOf(std::size_t frame) const;
     StampPlace stampPlace() const;
+    std::string commandOf(std::size_t frame, const CameraNumbers& used) const;
     std::optional<CameraNumbers> findTurnedCamera(std::size_t frame) const;
     CameraRequest cameraOf(std::size_t frame) const;
 

@@ -9,6 +9,7 @@
 
 #include "request/CameraRequest.h"
 #include "request/FrameSlice.h"
+#include "request/PictureRequest.h"
 #include "request/PlotRequest.h"
 #include "request/Session.h"
 #include "request/StyleRequest.h"
@@ -34,13 +35,6 @@ struct SeriesRequest
     bool follow = false;         ///< a window goes on to the last frame of a file that grows
 };
 
-/// Of a picture on paper, in millimetres.
-struct PaperSize
-{
-    double width, height;
-    std::string text; ///< as it was given
-};
-
 /// What the command line asks for. What is not given is chosen from the data.
 struct Options : StyleRequest
 {
@@ -51,7 +45,7 @@ struct Options : StyleRequest
     std::vector<std::string> given; ///< every option of the command line, such as "--radius"
     /// Those that a picture depends on, with their values: the same text for the same look.
     std::string look;
-    /// Those that say how files are read, and the samples of a pixel, as they were given.
+    /// Those that say how files are read, as they were given.
     std::vector<std::string> reading;
     bool normalise = false;
     bool closed = false;      ///< every rod, ReadOptions::close
@@ -98,6 +92,11 @@ struct Options : StyleRequest
         false; ///< such a file is there, which a command of what is shown leaves aside
 
     bool colourIfPossible = false; ///< what has no such scalar is shown all the same, with a notice
+
+    PictureRequest getPictureSize() const
+    {
+        return {pictureWidth, pictureHeight, paperSize, dpi, samples, transparent};
+    }
 };
 
 } // namespace strandview

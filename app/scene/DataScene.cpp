@@ -139,6 +139,20 @@ void DataScene::showInside(const ShownDatum& datum) const
         datum.setSolid(datum, !style.clip);
 }
 
+// A legend's letters have their size from its beginning on.
+void DataScene::redress(const Style& next)
+{
+    const bool hasOtherLetters = next.legendTextSize != style.legendTextSize;
+    restyle(placement, next);
+    if (!legend)
+        return;
+    if (hasOtherLetters) {
+        legend = std::make_unique<Legend>(style.background, style.legendTextSize, style.legend);
+        legendChoice->replaceChild(0, legend->getNode());
+    }
+    tellColouring();
+}
+
 const std::vector<ShownDatum>& DataScene::getShown(std::size_t kind) const
 {
     static const std::vector<ShownDatum> none;

@@ -45,6 +45,9 @@ public:
     /// Cuts data away at another plane, or nowhere; nothing else of its style changes, and no node
     /// of its data. The plane has a distance.
     void cut(const std::optional<ClipPlane>& plane);
+    /// Lets what is drawn over the data, and suits their background, be that of another style; the
+    /// data stay as they are.
+    void redress(const Style& next);
 
     // Data: by their kinds, which are numbered from 0 in the order in which they are drawn, and
     // within a kind in their order.

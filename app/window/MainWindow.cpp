@@ -45,7 +45,6 @@
 #include "pictures/PictureWriter.h"
 #include "request/conversions.h"
 #include "request/defaults.h"
-#include "request/writeCommand.h"
 #include "scene/DataScene.h"
 #include "scene/Progress.h"
 #include "scene/SceneBuilder.h"
@@ -63,6 +62,7 @@
 #include "window/MeasurementPanel.h"
 #include "window/Menus.h"
 #include "window/NamedViews.h"
+#include "window/PictureDialog.h"
 #include "window/PlacePanel.h"
 #include "window/PlaceTeller.h"
 #include "window/Player.h"
@@ -72,6 +72,7 @@
 #include "window/SettingsPanel.h"
 #include "window/StatusText.h"
 #include "window/ThingsPanel.h"
+#include "window/ViewPictures.h"
 #include "window/WindowViewer.h"
 #include "window/decimalComma.h"
 #include "window/fileFilter.h"
@@ -150,6 +151,7 @@ MainWindow::MainWindow(const Options& startOptions, Loader sceneLoader, SeriesOp
       sessionReader(std::move(reader)),
       sessions(std::make_unique<SessionKeeper>())
 {
+    pictureChoice.size.samples = options.samples;
     setWindowFlags(Qt::Window);
     setWindowTitle(titleFor({}));
     setAcceptDrops(true);
@@ -1207,19 +1209,9 @@ void MainWindow::copyCommand()
 {
     if (!scene)
         return;
-    ShownPicture shown;
-    shown.files = shownFiles;
-    if (player)
-        shown.frame = player->getFrame();
-    shown.camera = getCameraNumbers();
-    const SbVec2s size = ownedViewer->getGLSize();
-    shown.width = size[0];
-    shown.height = size[1];
-    shown.name = "picture.png";
-    Options asked = options;
-    if (!scene->areColoursShown())
-        asked.colourBy.reset();
-    const std::string line = writeCommand(asked, shown);
+    const ViewPictures pictures(getPictured(options));
+    const std::string line =
+        writeCommand(pictures.optionsOf(pictureChoice), pictures.describe(pictureChoice));
     QApplication::clipboard()->setText(QString::fromStdString(line));
     statusText->tell({{"Copied: " + line, ""}});
 }
@@ -1236,6 +1228,22 @@ void MainWindow::saveDefaults()
     }
     options.hasDefaults = true; // of commands that are copied from now on
     statusText->tell({{"Written: " + file, ""}});
+}
+
+PicturedView MainWindow::getPictured(const StyleRequest& style) const
+{
+    const SbVec2s size = ownedViewer->getGLSize();
+    PicturedView pictured{scene, ownedViewer.get(), firstFrame, options, {}};
+    static_cast<StyleRequest&>(pictured.options) = style;
+    if (!scene->areColoursShown())
+        pictured.options.colourBy.reset();
+    pictured.picture.files = shownFiles;
+    pictured.picture.camera = getCameraNumbers();
+    pictured.picture.size.width = size[0];
+    pictured.picture.size.height = size[1];
+    if (player)
+        pictured.picture.frame = player->getFrame();
+    return pictured;
 }
 
 void MainWindow::copyStatusText() { statusText->copy(); }
@@ -1305,13 +1313,28 @@ void MainWindow::showHint()
 
 void MainWindow::choosePicture()
 {
-    QFileDialog dialog(this, "Save a picture of the view", folderOfFiles(),
-                       "Pictures (" + pictureNamePatterns() + ")");
-    dialog.setAcceptMode(QFileDialog::AcceptSave);
-    dialog.setDefaultSuffix("png"); // before the dialog asks whether to overwrite
-    dialog.selectFile("picture.png");
-    if (dialog.exec() == QDialog::Accepted)
-        savePicture(dialog.selectedFiles().constFirst());
+    if (!scene)
+        return;
+    if (player)
+        player->setPlaying(false); // the picture is that of one frame
+    const ViewPictures pictures(getPictured(shownStyle));
+    const SbVec2s size = ownedViewer->getGLSize();
+    PictureDialog dialog(pictureChoice,
+                         {shownStyle,
+                          {size[0], size[1]},
+                          folderOfFiles(),
+                          [&pictures](const PictureChoice& choice, const QSize& room) {
+                              return pictures.preview(choice, room);
+                          },
+                          [&pictures](const PictureChoice& choice, const std::string& file,
+                                      const PictureWriter::GoOn& goOn) {
+                              return pictures.save(choice, file, goOn);
+                          }},
+                         this);
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    pictureChoice = dialog.getChoice();
+    statusText->tell({{"Saved", dialog.getSaved().toStdString()}});
 }
 
 void MainWindow::savePicture(const QString& file)
@@ -1319,21 +1342,13 @@ void MainWindow::savePicture(const QString& file)
     if (!scene)
         return;
     const std::string name = file.toStdString();
-    std::string failure = checkPictureName("Save a picture", name, false);
+    std::string failure = checkPictureName("Save a picture", name, pictureChoice.size.transparent);
     if (failure.empty()) {
-        const SbVec2s size = ownedViewer->getGLSize();
-        const SbColor background = viewer->getBackgroundColor();
-        CameraRequest camera;
-        camera.numbers = getCameraNumbers();
         QApplication::setOverrideCursor(Qt::WaitCursor);
-        failure = writePicture(scene, {name,
-                                       size[0],
-                                       size[1],
-                                       options.samples,
-                                       {background[0], background[1], background[2]},
-                                       false,
-                                       camera,
-                                       0});
+        failure =
+            ViewPictures(getPictured(shownStyle)).save(pictureChoice, name, [](double /*done*/) {
+                return true;
+            });
         QApplication::restoreOverrideCursor();
     }
     if (failure.empty())

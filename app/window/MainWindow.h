@@ -17,6 +17,7 @@
 #include <strandview/model/Series.h>
 
 #include "request/Options.h"
+#include "request/PictureChoice.h"
 #include "scene/Stage.h"
 #include "scene/Told.h"
 #include "window/LoadJob.h"
@@ -51,6 +52,7 @@ class SettingsPanel;
 class StatusText;
 class ThingsPanel;
 class WindowViewer;
+struct PicturedView;
 
 /// The program's window: the viewer with a menu, a tool bar, and a status bar that shows
 /// the zoom and what was picked. Menus, tool bar and keys are those of actions().
@@ -109,6 +111,9 @@ public:
     WindowState getState() const;
     /// The files, the camera and all that was chosen.
     Session getSession() const;
+    /// How pictures of the view are saved and copied as command lines; as the view is at first.
+    const PictureChoice& getPictureChoice() const { return pictureChoice; }
+    void setPictureChoice(const PictureChoice& next) { pictureChoice = next; }
 
     /// The views that its user keeps by names, in any files; tells when the user changes them.
     NamedViews& getViews() { return *views; }
@@ -143,8 +148,10 @@ public slots:
     void chooseSession();
     /// Tells in the status bar when it is there, or in a message box why not.
     void saveSession(const QString& file);
+    /// Asks how a picture is to be, and where, and saves it.
     void choosePicture();
-    /// Writes what the view shows, with smooth edges; tells in a message box if it cannot.
+    /// Writes what the view shows, with smooth edges, as it was chosen for pictures; tells in a
+    /// message box if it cannot.
     void savePicture(const QString& file);
     void copyCamera();
     /// The command line that makes the picture that savePicture() would write.
@@ -178,6 +185,9 @@ protected:
     void dropEvent(QDropEvent* event) override;
 
 private:
+    /// What a picture shows, in this style.
+    PicturedView getPictured(const StyleRequest& style) const;
+
     void buildMenus();
     /// What the view is in.
     QWidget* buildView();
@@ -280,6 +290,7 @@ private:
     std::unique_ptr<SessionKeeper> sessions;
     StyleRequest shownStyle; ///< as far as it is shown
     bool hasClipHandles = false;
+    PictureChoice pictureChoice;
     /// Of these files: what is left open follows from it.
     std::shared_ptr<const Configuration> firstFrame;
 

@@ -12,9 +12,12 @@
 #include <Inventor/nodes/SoShaderParameter.h>
 #include <Inventor/nodes/SoSphere.h>
 #include <Inventor/nodes/SoTranslation.h>
+#include <QImage>
 #include <SoRod.h>
 #include <gmock/gmock.h>
 
+#include "pictures/PictureWriter.h"
+#include "scene/SceneLoader.h"
 #include "scene/SoOverlay.h"
 #include "support/graph.h"
 #include "support/initialiseSceneOnce.h"
@@ -517,6 +520,41 @@ TEST_F(DataSceneTest, OneLegendTellsWhicheverColouringThereIsAndStaysHidden)
         EXPECT_THAT(allOf<SoOverlay>(scene), testing::SizeIs(1));
     }
     scene->unref();
+}
+
+// With a legend elsewhere, in other letters, on another background.
+TEST_F(DataSceneTest, ARedressedSceneIsDrawnAsOneThatWasMadeSoAndComesBack)
+{
+    Options usual;
+    usual.colourBy = "arclength";
+    Options other = usual;
+    other.background = {0, 0, 0};
+    other.legend.place = LegendPlace::TOP;
+    other.picture = "small.png";
+    other.pictureWidth = other.pictureHeight = 200; // of small pictures letters are larger
+    const std::vector<std::string> files{std::string(SAMPLES_FOLDER) + "/trefoil.txt"};
+    ReadReport report;
+    DataScene* scenes[] = {loadScene(files, usual, report), loadScene(files, other, report)};
+    const auto drawn = [](DataScene& scene) {
+        const Picture picture{"", 200, 200, 1, {1, 1, 1}, false, scene.settle({}), 0};
+        QImage image;
+        EXPECT_EQ(PictureWriter().draw(&scene, picture, image), "");
+        return image;
+    };
+    for (DataScene* scene : scenes) {
+        ASSERT_NE(scene, nullptr) << report.error;
+        scene->ref();
+    }
+    const Style before = scenes[0]->getStyle();
+    ASSERT_NE(before.legendTextSize, scenes[1]->getStyle().legendTextSize);
+    const QImage first = drawn(*scenes[0]);
+    EXPECT_NE(first, drawn(*scenes[1]));
+    scenes[0]->redress(scenes[1]->getStyle());
+    EXPECT_EQ(drawn(*scenes[0]), drawn(*scenes[1]));
+    scenes[0]->redress(before);
+    EXPECT_EQ(drawn(*scenes[0]), first);
+    for (DataScene* scene : scenes)
+        scene->unref();
 }
 
 TEST_F(DataSceneTest, ASceneWithoutColoursOfDataHasNoneToShow)

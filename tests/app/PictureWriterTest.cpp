@@ -10,10 +10,12 @@
 #include <Inventor/nodes/SoTransparencyType.h>
 #include <QColor>
 #include <QCoreApplication>
+#include <QFileInfo>
 #include <QImage>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
+#include "pictures/TileRenderer.h"
 #include "scene/DataScene.h"
 #include "scene/SceneLoader.h"
 #include "support/initialiseSceneOnce.h"
@@ -238,6 +240,55 @@ TEST(Picture, IsTheSameWhateverItsWriterHasDrawnBefore)
     }
     for (DataScene* scene : scenes)
         scene->unref();
+}
+
+TEST(Picture, IsTheSameWhenOthersDrawBetweenItsTiles)
+{
+    initialiseSceneOnce();
+    ReadReport report;
+    DataScene* scene = loadScene({std::string(SAMPLES_FOLDER) + "/trefoil.txt"}, {}, report);
+    ASSERT_NE(scene, nullptr) << report.error;
+    scene->ref();
+    auto* other = new SoSeparator;
+    other->ref();
+    other->addChild(new SoCube);
+    const Picture picture{"",  90, 60, 2, {1, 1, 1}, false, scene->settle({}), 0, DPI_OF_PIXELS,
+                          6000};
+    QImage alone, between;
+    EXPECT_EQ(PictureWriter().draw(scene, picture, alone), "");
+    std::vector<double> parts;
+    const auto drawOther = [&](double done) {
+        parts.push_back(done);
+        TileRenderer tiles(SbViewportRegion(8, 8), 8, 8, {8, 8});
+        return tiles.render(other, 0, 0, {0, 0, 0});
+    };
+    EXPECT_EQ(PictureWriter().draw(scene, picture, between, nullptr, drawOther), "");
+    EXPECT_EQ(between, alone);
+    EXPECT_GE(parts.size(), 3u);
+    EXPECT_TRUE(std::is_sorted(parts.begin(), parts.end()));
+    EXPECT_GT(parts.front(), 0);
+    EXPECT_LT(parts.back(), 1);
+
+    int asked = 0;
+    const auto stop = [&asked](double /*done*/) { return ++asked < 2; };
+    EXPECT_EQ(PictureWriter().draw(scene, picture, between, nullptr, stop), PICTURE_STOPPED);
+    EXPECT_EQ(asked, 2);
+    other->unref();
+    scene->unref();
+}
+
+TEST(Picture, ThatIsNotWantedAnyMoreLeavesNoFileAndTheOneThatWasThere)
+{
+    QTemporaryDir folder;
+    QImage image(4, 3, QImage::Format_RGB888);
+    image.fill(Qt::red);
+    for (const char* name : {"picture.png", "picture.jpg", "picture.pdf"}) {
+        const QString file = folder.filePath(name);
+        EXPECT_EQ(saveImage(image, file.toStdString(), [] { return false; }), PICTURE_STOPPED);
+        EXPECT_FALSE(QFileInfo::exists(file));
+        EXPECT_EQ(saveImage(image, file.toStdString(), [] { return true; }), "");
+        EXPECT_TRUE(QFileInfo::exists(file));
+    }
 }
 
 // JPEG has whole numbers to the inch. Of TIFF where Qt can write it.

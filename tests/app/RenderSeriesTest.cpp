@@ -309,6 +309,32 @@ TEST_F(RenderSeriesTest, EachPictureOfATurnTellsTheCameraThatMakesItAgain)
     EXPECT_NE(cameras[1], cameras[2]);
 }
 
+TEST_F(RenderSeriesTest, EachPictureTellsTheCommandThatMakesItAlone)
+{
+    const std::vector<std::vector<std::string>> ways = {
+        {"--stamp"}, {"--turn", "3", "--frame", "1"}, {"--colour-by", "arclength", "--align"}};
+    for (const std::vector<std::string>& way : ways) {
+        std::vector<std::string> all{"--overwrite", "--render", pattern("told")};
+        all.insert(all.end(), way.begin(), way.end());
+        all.push_back(series);
+        ASSERT_EQ(run(all).status, 0);
+        for (const char* name : {"told/f_00.png", "told/f_02.png"}) {
+            const QImage told = imageOf(name);
+            std::string line = told.text("Command").toStdString();
+            SCOPED_TRACE(line);
+            ASSERT_EQ(line.rfind("strandview ", 0), 0u);
+            line.replace(0, std::string("strandview").size(), STRANDVIEW_PROGRAM);
+            const std::string where = fs::path(series).parent_path().string();
+            const ProgramRun again = runProgram("/bin/sh", {"-c", "cd '" + where + "' && " + line});
+            ASSERT_EQ(again.status, 0) << again.error;
+            const QImage same(QString::fromStdString(where + "/picture.png"));
+            EXPECT_EQ(same.text("Command"), told.text("Command"));
+            EXPECT_TRUE(same.convertToFormat(QImage::Format_RGB888) ==
+                        told.convertToFormat(QImage::Format_RGB888));
+        }
+    }
+}
+
 TEST_F(RenderSeriesTest, ListsWhatWouldBeRendered)
 {
     const ProgramRun list =
@@ -402,7 +428,9 @@ TEST_F(RenderSeriesTest, FilesCanBeTheFramesInTheOrderOfTheirNumbers)
               0);
     EXPECT_EQ(run({"--render", pattern("same"), "--series", folder.path("files")}).status, 0);
     EXPECT_EQ(namesOf("out").size(), 3U);
-    EXPECT_EQ(filesOf("out"), filesOf("same"));
+    EXPECT_EQ(namesOf("out"), namesOf("same"));
+    for (const std::string& name : namesOf("out")) // whose commands name other files
+        EXPECT_EQ(imageOf("out/" + name), imageOf("same/" + name)) << name;
     EXPECT_EQ(run({"--render", folder.path("scene.png"), folder.path("files/s0.txt"),
                    folder.path("files/s2.txt")})
                   .status,

@@ -162,6 +162,77 @@ TEST_F(StrandviewTest, TheCameraThatAPictureTellsMakesItAgainByteForByte)
     }
 }
 
+// Run as the text has it, but for the program's folder, where the files are.
+TEST_F(StrandviewTest, TheCommandThatAPictureTellsMakesItAgainByteForByte)
+{
+    ASSERT_TRUE(QDir(folder.path()).mkdir("my data"));
+    const std::string rod = write("my data/the rod.txt", HELIX);
+    const std::vector<std::string> looks[] = {
+        {"--size", "60x40"},
+        {"--size", "12.5x8mm", "--dpi", "150", "--transparent", "--samples", "1"},
+        {"--size", "5x4mm", "--colour-by", "arclength", "--legend-title", "it's", "--view", "x"},
+        {"--size", "60x40", "--stamp", "--frame", "0", "--no-tube", "--background", "black"}};
+    const auto bytesOf = [this](const std::string& name) {
+        QFile file(QString::fromStdString(path(name)));
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name;
+        return file.readAll();
+    };
+    for (std::vector<std::string> look : looks) {
+        look.insert(look.end(), {"--render", path("told.png"), rod});
+        ASSERT_EQ(run(look).status, 0);
+        std::string line = picture("told.png").text("Command").toStdString();
+        SCOPED_TRACE(line);
+        ASSERT_THAT(line, StartsWith("strandview "));
+        line.replace(0, std::string("strandview").size(), STRANDVIEW_PROGRAM);
+        const ProgramRun again =
+            runProgram("/bin/sh", {"-c", "cd '" + path("my data") + "' && " + line});
+        EXPECT_EQ(again.status, 0) << again.error;
+        // What tells a series' pictures from others is of the options as they were given.
+        if (look[2] == "--stamp")
+            EXPECT_TRUE(picture("told.png").convertToFormat(QImage::Format_RGB888) ==
+                        picture("my data/picture.png").convertToFormat(QImage::Format_RGB888));
+        else
+            EXPECT_TRUE(bytesOf("told.png") == bytesOf("my data/picture.png"));
+    }
+}
+
+TEST_F(StrandviewTest, APictureTellsWhatItWasMadeFromWhenItIsAskedAbout)
+{
+    const std::string rod = write("rod.txt", HELIX);
+    for (const char* name : {"told.png", "told.jpg"}) {
+        SCOPED_TRACE(name);
+        ASSERT_EQ(run({"--size", "60x40", "--dpi", "150", "--render", path(name), rod}).status, 0);
+        const ProgramRun info = run({"--info", path(name)});
+        EXPECT_EQ(info.status, 0);
+        EXPECT_EQ(info.error, "");
+        const QImage image = picture(name);
+        EXPECT_THAT(info.output,
+                    StartsWith(path(name) + ": a picture, 60 x 40 pixels, 150 to the inch\n"));
+        EXPECT_THAT(info.output, HasSubstr("\n  shows: rod.txt\n  made by: strandview "));
+        const std::string command = image.text("Command").toStdString();
+        EXPECT_THAT(command, StartsWith("strandview --no-defaults --camera "));
+        EXPECT_THAT(info.output, EndsWith("\n  command: " + command + "\n"));
+        const ProgramRun json = run({"--info", "--json", path(name)});
+        EXPECT_THAT(json.output, HasSubstr("\"width\": 60,\n  \"height\": 40,\n  \"dpi\": 150,"));
+        EXPECT_THAT(json.output, HasSubstr("\"command\": \"" + command + "\""));
+    }
+}
+
+TEST_F(StrandviewTest, APictureOnAPageIsAsLargeAsAskedInPrint)
+{
+    const std::string rod = write("rod.txt", HELIX);
+    const auto textOf = [this, &rod](const char* name) {
+        EXPECT_EQ(run({"--size", "12.7x25.4mm", "--render", path(name), rod}).status, 0);
+        QFile file(QString::fromStdString(path(name)));
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name;
+        return file.readAll().toStdString();
+    };
+    EXPECT_THAT(textOf("page.pdf"), HasSubstr("/MediaBox[0 0 36.000"));
+    EXPECT_THAT(textOf("page.svg"), HasSubstr("width=\"12.7"));
+    EXPECT_EQ(textOf("page.pdf"), textOf("other.pdf")) << "whatever its name";
+    EXPECT_EQ(textOf("page.svg"), textOf("other.svg")) << "whatever its name";
+}
+
 TEST_F(StrandviewTest, SaysNothingWhenThereIsNothingToSay)
 {
     const std::string rod = write("rod.txt", "0 0 0 0 0 0 1\n0 0 1 0 0 0 1\n");

@@ -48,9 +48,8 @@ ShownPicture pictureOf(const std::vector<std::string>& files)
     ShownPicture picture;
     picture.files = files;
     picture.camera = *parseCamera("orthographic,1,2,3,0,0,0,1,4,5");
-    picture.width = 640;
-    picture.height = 480;
-    picture.name = "picture.png";
+    picture.size.width = 640;
+    picture.size.height = 480;
     return picture;
 }
 
@@ -79,6 +78,7 @@ TEST(WriteCommandTest, TheLineSaysWhatTheOptionsSay)
                 "a rod.txt"});
     ShownPicture picture = pictureOf({"a rod.txt", "b.txt"});
     picture.frame = 7;
+    picture.size.samples = asked.samples;
     const Options again = parsed(wordsOf(writeCommand(asked, picture)));
     EXPECT_EQ(static_cast<const StyleRequest&>(again), static_cast<const StyleRequest&>(asked));
     EXPECT_EQ(again.files, picture.files);
@@ -92,6 +92,58 @@ TEST(WriteCommandTest, TheLineSaysWhatTheOptionsSay)
     EXPECT_EQ(again.pictureWidth, 640);
     EXPECT_EQ(again.pictureHeight, 480);
     EXPECT_EQ(again.picture, "picture.png");
+}
+
+TEST(WriteCommandTest, TheLineSaysHowLargeAndFineThePictureIs)
+{
+    ShownPicture picture = pictureOf({"rod.txt"});
+    const auto again = [&picture] { return parsed(wordsOf(writeCommand(Options(), picture))); };
+    picture.size.samples = 5;
+    picture.size.transparent = picture.stamp = true;
+    picture.size.dpi = 250;
+    EXPECT_EQ(again().samples, 5);
+    EXPECT_TRUE(again().transparent);
+    EXPECT_TRUE(again().series.stamp);
+    EXPECT_EQ(again().dpi, 250);
+    EXPECT_EQ(again().pictureWidth, 640);
+
+    picture.size.paper = PaperSize{85.5, 60, "85.50X60mm"};
+    for (const std::optional<int> dpi : {std::optional<int>(), std::optional(600)}) {
+        picture.size.dpi = dpi;
+        EXPECT_EQ(again().pictureWidth, pixelsOf(85.5, dpi.value_or(300)));
+        EXPECT_EQ(again().dpi, dpi.value_or(300));
+    }
+}
+
+TEST(WriteCommandTest, WhatIsUsualOfAPictureIsNotSaid)
+{
+    ShownPicture picture = pictureOf({"rod.txt"});
+    const std::string usual = writeCommand(Options(), picture);
+    picture.size.dpi = 100;
+    EXPECT_EQ(writeCommand(Options(), picture), usual);
+    for (const char* name : {"--dpi", "--samples", "--transparent", "--stamp"})
+        EXPECT_EQ(usual.find(name), std::string::npos);
+}
+
+TEST(WriteCommandTest, WhatAPictureKeepsHasNoFoldersAndNotItsName)
+{
+    Options options;
+    options.compare = "/home/me/start.txt";
+    ShownPicture picture = pictureOf({"/home/me/a rod.txt", "frames/", "../b.txt", "-"});
+    picture.name = "/home/me/knot.png";
+    const Options kept = parsed(wordsOf(writeCommandToKeep(options, picture)));
+    EXPECT_EQ(kept.files, std::vector<std::string>({"a rod.txt", "frames", "b.txt", "-"}));
+    EXPECT_EQ(kept.compare, "start.txt");
+    EXPECT_EQ(kept.picture, "picture.png");
+    options.compare = "first";
+    EXPECT_EQ(parsed(wordsOf(writeCommandToKeep(options, picture))).compare, "first");
+}
+
+TEST(WriteCommandTest, ATitleHasNoFolders)
+{
+    EXPECT_EQ(titleOf({}), "");
+    EXPECT_EQ(titleOf({"/home/me/rod.txt"}), "rod.txt");
+    EXPECT_EQ(titleOf({"data/rod.txt", "b.txt", "c.txt"}), "rod.txt and 2 more");
 }
 
 TEST(WriteCommandTest, AFileThatLooksLikeAnOptionIsAFile)

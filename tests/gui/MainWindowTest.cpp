@@ -578,6 +578,8 @@ TEST_F(MainWindowTest, DialogsStartWhereTheShownFileIs)
     const Answers answers([&](QWidget& dialog) {
         if (const auto* chooser = qobject_cast<QFileDialog*>(&dialog))
             folders.append(chooser->directory().canonicalPath());
+        else if (auto* save = dialog.findChild<QPushButton*>("pictureSave"))
+            save->click();
     });
     QDir(folder.path()).mkdir("inner");
     open({write("inner/straight.txt", STRAIGHT)});
@@ -1963,6 +1965,8 @@ TEST_F(MainWindowTest, ASavedPictureGetsAnEndingAndNothingIsOverwrittenUnasked)
                 return; // closes
             chooser->findChild<QLineEdit*>()->setText(folder.filePath("picture"));
             QMetaObject::invokeMethod(chooser, "accept");
+        } else if (auto* save = dialog.findChild<QPushButton*>("pictureSave")) {
+            save->click();
         }
     });
     press(Qt::Key_P, Qt::ControlModifier);

@@ -712,6 +712,29 @@ TEST_F(OffscreenContextTest, BringsAForeignContextBack)
     EXPECT_TRUE(foreign.isYellow());
 }
 
+TEST_F(OffscreenContextTest, LetsOthersDrawMeanwhileAndKeepsItsPicture)
+{
+    ForeignContext foreign(EGL_OPENGL_API);
+    ASSERT_TRUE(foreign.isCurrent());
+    {
+        OffscreenContext context(2, 2);
+        ASSERT_TRUE(context.isValid());
+        ASSERT_FALSE(foreign.isCurrent());
+        glClearColor(1, 0, 0, 1);
+        glClear(GL_COLOR_BUFFER_BIT);
+        context.letGo();
+        EXPECT_TRUE(foreign.isCurrent());
+        EXPECT_TRUE(foreign.isYellow());
+        EXPECT_TRUE(context.takeBack());
+        EXPECT_FALSE(foreign.isCurrent());
+        unsigned char pixel[4] = {};
+        glReadPixels(1, 1, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, pixel);
+        EXPECT_EQ(pixel[0], 255);
+        EXPECT_EQ(pixel[1], 0);
+    }
+    EXPECT_TRUE(foreign.isCurrent());
+}
+
 TEST_F(OffscreenContextTest, BringsAForeignEmbeddedContextBack)
 {
     ForeignContext foreign(EGL_OPENGL_ES_API);

@@ -1,0 +1,361 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "window/PictureDialog.h"
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QClipboard>
+#include <QComboBox>
+#include <QDoubleSpinBox>
+#include <QFileDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPixmap>
+#include <QPointer>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QSpinBox>
+#include <QTest>
+#include <QTimer>
+#include <gmock/gmock.h>
+
+#include "DataWindowTest.h"
+#include "request/settings.h"
+#include "scene/DataScene.h"
+#include "support/keepPictures.h"
+#include "support/realInput.h"
+#include "support/runProgram.h"
+
+namespace strandview {
+
+using testing::HasSubstr;
+using testing::Not;
+
+namespace {
+
+const char* const ROD = "x y z load\n-1 0 0 3\n-0.5 0.1 0 -1\n0 0.2 0 0\n0.5 0.1 0 1\n1 0 0 2\n";
+
+bool isInk(const QColor& c) { return c.value() < 60; }
+
+// Does one thing after the other with the dialogs that come up, while they wait for their user.
+class User
+{
+public:
+    struct Step
+    {
+        std::function<bool()> isDue;
+        std::function<void()> act;
+    };
+
+    explicit User(std::vector<Step> allSteps) : steps(std::move(allSteps))
+    {
+        timer.setSingleShot(true); // for steps that bring up another dialog
+        QObject::connect(&timer, &QTimer::timeout, [this] { look(); });
+        timer.start(20);
+    }
+    bool isDone() const { return next == steps.size(); }
+
+private:
+    void look()
+    {
+        timer.start(20);
+        if (!isDone() && steps[next].isDue())
+            steps[next++].act();
+    }
+
+    const std::vector<Step> steps;
+    std::size_t next = 0;
+    QTimer timer;
+};
+
+class PictureDialogTest : public DataWindowTest
+{
+protected:
+    static void SetUpTestSuite()
+    {
+        QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+        DataWindowTest::SetUpTestSuite();
+    }
+
+    // With the mouse on a key's place.
+    void openRod(const StyleRequest& style = {})
+    {
+        static_cast<StyleRequest&>(options) = style;
+        ASSERT_NO_FATAL_FAILURE(openText(ROD, "my rod.txt"));
+        ASSERT_TRUE(comesToBePainted());
+    }
+    static PictureDialog* dialog()
+    {
+        return qobject_cast<PictureDialog*>(QApplication::activeModalWidget());
+    }
+    template <typename Widget>
+    static Widget* find(const char* name)
+    {
+        return dialog()->findChild<Widget*>(name);
+    }
+    static User::Step inDialog(const std::function<void()>& act)
+    {
+        return {[] { return dialog() && dialog()->isActiveWindow() && dialog()->isEnabled(); },
+                act};
+    }
+    // Types a name instead of what the dialog for files proposes, without an ending.
+    static User::Step nameFile(const std::string& name)
+    {
+        const auto chooser = [] {
+            return qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+        };
+        return {[chooser] { return chooser() && chooser()->isActiveWindow(); },
+                [chooser, name] {
+                    auto* const field = chooser()->findChild<QLineEdit*>();
+                    ASSERT_TRUE(comesTo([&] { return field->hasFocus(); }));
+                    pressRealKey("Control+a");
+                    for (const char letter : name)
+                        pressRealKey(std::string(1, letter));
+                    ASSERT_TRUE(comesTo([&] { return field->text().toStdString() == name; }));
+                    pressRealKey("Return");
+                }};
+    }
+    static void type(const char* field, const std::vector<std::string>& keys)
+    {
+        auto* const box = find<QAbstractSpinBox>(field);
+        box->setFocus();
+        ASSERT_TRUE(comesTo([&] { return box->hasFocus(); }));
+        pressRealKey("Control+a");
+        for (const std::string& key : keys)
+            pressRealKey(key);
+    }
+    // Until the keys that were pressed have reached it.
+    static bool comesToHave(const char* field, double value)
+    {
+        return comesTo(
+            [&] { return find<QAbstractSpinBox>(field)->property("value").toDouble() == value; });
+    }
+    // Ctrl+P, and what the user does then, until the window has the keyboard again.
+    void savePicture(std::vector<User::Step> steps)
+    {
+        const User user(std::move(steps));
+        pressRealKey("Control+p");
+        ASSERT_TRUE(comesTo([&] { return user.isDone() && !QApplication::activeModalWidget(); }));
+        ASSERT_TRUE(comesTo([&] { return window->isActiveWindow(); }));
+    }
+    std::string bytesOf(const std::string& name) const
+    {
+        std::ifstream stream(folder.path(name), std::ios::binary);
+        return std::string(std::istreambuf_iterator<char>(stream), {});
+    }
+    QImage picture(const std::string& name) const
+    {
+        return keepIfFailed(QImage(QString::fromStdString(folder.path(name))));
+    }
+    // Run as it was copied, but for the program's folder; it writes picture.png.
+    std::string runCopiedCommand() const
+    {
+        QApplication::clipboard()->clear();
+        pressRealKey("Control+Shift+c");
+        EXPECT_TRUE(comesTo([] { return !QApplication::clipboard()->text().isEmpty(); }));
+        const std::string line = QApplication::clipboard()->text().toStdString();
+        const std::string program = "strandview";
+        EXPECT_EQ(line.rfind(program + " ", 0), 0u);
+        const ProgramRun run =
+            runProgram("/bin/sh", {"-c", "cd '" + folder.path("") + "' && " + STRANDVIEW_PROGRAM +
+                                             line.substr(program.size())});
+        EXPECT_EQ(run.status, 0) << run.error;
+        return line;
+    }
+    std::vector<std::string> files() const
+    {
+        std::vector<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(folder.path("")))
+            names.push_back(entry.path().filename().string());
+        return names;
+    }
+};
+
+} // namespace
+
+TEST_F(PictureDialogTest, AWidthThatIsTypedIsThatOfThePictureAndOfTheCopiedCommand)
+{
+    ASSERT_NO_FATAL_FAILURE(openRod());
+    const QSize size = view()->size();
+    ASSERT_NO_FATAL_FAILURE(
+        savePicture({inDialog([&] {
+                         EXPECT_EQ(find<QDoubleSpinBox>("pictureWidth")->value(), size.width());
+                         EXPECT_EQ(find<QDoubleSpinBox>("pictureHeight")->value(), size.height());
+                         for (const char* key : {"3", "0", "0"})
+                             pressRealKey(key);
+                         ASSERT_TRUE(comesToHave("pictureWidth", 300));
+                         pressRealKey("Return");
+                     }),
+                     nameFile("knot")}));
+    const QImage saved = picture("knot.png");
+    EXPECT_EQ(saved.width(), 300);
+    EXPECT_NEAR(saved.height(), 300.0 * size.height() / size.width(), 0.51);
+    EXPECT_GT(countPixels(saved, [](const QColor& c) { return c.blue() > c.red() + 40; }), 1000);
+    EXPECT_THAT(statusText(), HasSubstr("knot.png"));
+    const std::string line = runCopiedCommand();
+    EXPECT_THAT(line, HasSubstr(" --size 300x"));
+    EXPECT_TRUE(bytesOf("knot.png") == bytesOf("picture.png")) << line;
+}
+
+TEST_F(PictureDialogTest, MillimetresAreTypedWithACommaAndKeptInTheFile)
+{
+    ASSERT_NO_FATAL_FAILURE(openRod());
+    ASSERT_NO_FATAL_FAILURE(
+        savePicture({inDialog([&] {
+                         auto* const unit = find<QComboBox>("pictureUnit");
+                         unit->setFocus();
+                         ASSERT_TRUE(comesTo([&] { return unit->hasFocus(); }));
+                         pressRealKey("Down");
+                         ASSERT_TRUE(comesTo([&] { return unit->currentText() == "mm"; }));
+                         EXPECT_EQ(find<QSpinBox>("pictureDpi")->value(), 300);
+                         auto* const shape = find<QCheckBox>("pictureShape");
+                         shape->setFocus();
+                         pressRealKey("space");
+                         ASSERT_TRUE(comesTo([&] { return !shape->isChecked(); }));
+                         type("pictureWidth", {"4", "2", "comma", "5"});
+                         ASSERT_TRUE(comesToHave("pictureWidth", 42.5));
+                         type("pictureHeight", {"3", "0"});
+                         ASSERT_TRUE(comesToHave("pictureHeight", 30));
+                         type("pictureSamples", {"1"});
+                         ASSERT_TRUE(comesToHave("pictureSamples", 1));
+                         type("pictureDpi", {"1", "5", "0"});
+                         auto* const told = find<QLabel>("pictureTold");
+                         ASSERT_TRUE(comesTo([&] { return told->text().contains("251 x 177"); }))
+                             << told->text().toStdString();
+                         pressRealKey("Return");
+                     }),
+                     nameFile("page")}));
+    const QImage saved = picture("page.png");
+    EXPECT_EQ(saved.size(), QSize(251, 177));
+    EXPECT_NEAR(saved.dotsPerMeterX(), 150 / 0.0254, 1);
+    const std::string line = runCopiedCommand();
+    EXPECT_THAT(line, HasSubstr(" --size 42.5x30mm --dpi 150 --samples 1 "));
+    EXPECT_TRUE(bytesOf("page.png") == bytesOf("picture.png")) << line;
+}
+
+TEST_F(PictureDialogTest, BackgroundAndLegendOfThePictureLeaveTheViewAsItIs)
+{
+    StyleRequest style;
+    style.colourBy = "load";
+    ASSERT_NO_FATAL_FAILURE(openRod(style));
+    const auto inkAtTop = [](const QImage& image) {
+        return countPixels(image.copy(0, 0, image.width(), image.height() / 8), isInk);
+    };
+    QImage before, after;
+    ASSERT_NO_FATAL_FAILURE(savePicture(
+        {inDialog([&] {
+             auto* const preview = find<QLabel>("picturePreview");
+             ASSERT_TRUE(comesTo([&] { return preview->pixmap(Qt::ReturnByValue).width() > 0; }));
+             before = preview->pixmap(Qt::ReturnByValue).toImage();
+             auto* const legend = find<QComboBox>("legend");
+             legend->setFocus();
+             ASSERT_TRUE(comesTo([&] { return legend->hasFocus(); }));
+             for (int i = 0; i < 9 && legend->currentText() != "top"; ++i) {
+                 const QString now = legend->currentText();
+                 pressRealKey("Down");
+                 ASSERT_TRUE(comesTo([&] { return legend->currentText() != now; }));
+             }
+             ASSERT_TRUE(comesTo([&] {
+                 after = preview->pixmap(Qt::ReturnByValue).toImage();
+                 return inkAtTop(after) > inkAtTop(before) + 20;
+             }));
+             pressRealKey("Return");
+         }),
+         nameFile("top")}));
+    EXPECT_GT(inkAtTop(picture("top.png")), 60);
+    EXPECT_EQ(inkAtTop(before), 0);
+    EXPECT_EQ(scene->getStyle().legend.place, LegendPlace::BOTTOM);
+    EXPECT_EQ(window->getStyle(), style);
+    ASSERT_TRUE(comesToBePainted());
+    EXPECT_EQ(inkAtTop(screen()), 0);
+    const std::string line = runCopiedCommand();
+    EXPECT_THAT(line, HasSubstr(" --legend top "));
+    EXPECT_TRUE(bytesOf("top.png") == bytesOf("picture.png")) << line;
+}
+
+TEST_F(PictureDialogTest, ATransparentPictureHasNoBackground)
+{
+    ASSERT_NO_FATAL_FAILURE(openRod());
+    ASSERT_NO_FATAL_FAILURE(savePicture({inDialog([&] {
+                                             auto* const box =
+                                                 find<QCheckBox>("pictureTransparent");
+                                             box->setFocus();
+                                             pressRealKey("space");
+                                             ASSERT_TRUE(comesTo([&] { return box->isChecked(); }));
+                                             pressRealKey("Return");
+                                         }),
+                                         nameFile("clear")}));
+    EXPECT_EQ(picture("clear.png").pixelColor(2, 2).alpha(), 0);
+    EXPECT_THAT(runCopiedCommand(), HasSubstr(" --transparent "));
+    EXPECT_TRUE(bytesOf("clear.png") == bytesOf("picture.png"));
+}
+
+TEST_F(PictureDialogTest, WhatWasChosenStaysForTheNextPictureUnlessItWasCancelled)
+{
+    ASSERT_NO_FATAL_FAILURE(openRod());
+    const auto typeWidth = [](const char* digit) {
+        type("pictureWidth", {digit, "0", "0"});
+        ASSERT_TRUE(comesToHave("pictureWidth", 100 * (digit[0] - '0')));
+    };
+    ASSERT_NO_FATAL_FAILURE(savePicture({inDialog([&] {
+                                             typeWidth("2");
+                                             pressRealKey("Return");
+                                         }),
+                                         nameFile("first")}));
+    ASSERT_NO_FATAL_FAILURE(savePicture({inDialog([&] {
+        EXPECT_EQ(find<QDoubleSpinBox>("pictureWidth")->value(), 200);
+        typeWidth("5");
+        pressRealKey("Escape");
+    })}));
+    ASSERT_NO_FATAL_FAILURE(savePicture({inDialog([&] {
+        EXPECT_EQ(find<QDoubleSpinBox>("pictureWidth")->value(), 200);
+        auto* const asView = find<QPushButton>("pictureAsView");
+        asView->setFocus();
+        pressRealKey("space");
+        ASSERT_TRUE(comesToHave("pictureWidth", view()->width()));
+        pressRealKey("Escape");
+    })}));
+    EXPECT_EQ(window->getPictureChoice().size.width, 200);
+}
+
+TEST_F(PictureDialogTest, APictureThatIsCancelledWhileItIsDrawnLeavesNoFileAndTheDialog)
+{
+    ASSERT_NO_FATAL_FAILURE(openRod());
+    const auto before = files();
+    ASSERT_NO_FATAL_FAILURE(savePicture(
+        {inDialog([&] {
+             type("pictureWidth", {"6", "0", "0", "0"});
+             ASSERT_TRUE(comesToHave("pictureWidth", 6000));
+             pressRealKey("Return");
+         }),
+         nameFile("large"),
+         {[] { return dialog() && find<QProgressBar>("pictureProgress")->isVisible(); },
+          [] { find<QPushButton>("pictureCancel")->click(); }},
+         {[] { return dialog() && !find<QProgressBar>("pictureProgress")->isVisible(); },
+          [] {
+              EXPECT_TRUE(find<QPushButton>("pictureSave")->isEnabled());
+              pressRealKey("Escape");
+          }}}));
+    EXPECT_EQ(files(), before);
+    EXPECT_EQ(window->getPictureChoice(), PictureChoice());
+    EXPECT_TRUE(comesToBePainted());
+}
+
+TEST_F(PictureDialogTest, ASizeThatNoPictureHasIsToldAndNotSaved)
+{
+    ASSERT_NO_FATAL_FAILURE(openRod());
+    ASSERT_NO_FATAL_FAILURE(savePicture({inDialog([&] {
+        type("pictureWidth", {"3", "2", "0", "0", "0"});
+        ASSERT_TRUE(comesToHave("pictureWidth", 32000));
+        type("pictureHeight", {"3", "2", "0", "0", "0"});
+        auto* const told = find<QLabel>("pictureTold");
+        EXPECT_TRUE(comesTo([&] { return told->text().contains("expected sides from 1 to"); }));
+        EXPECT_FALSE(find<QPushButton>("pictureSave")->isEnabled());
+        pressRealKey("Escape");
+    })}));
+}
+
+} // namespace strandview
