@@ -724,7 +724,6 @@ TEST_F(OffscreenContextTest, LetsOthersDrawMeanwhileAndKeepsItsPicture)
         glClear(GL_COLOR_BUFFER_BIT);
         context.letGo();
         EXPECT_TRUE(foreign.isCurrent());
-        EXPECT_TRUE(foreign.isYellow());
         EXPECT_TRUE(context.takeBack());
         EXPECT_FALSE(foreign.isCurrent());
         unsigned char pixel[4] = {};
@@ -733,6 +732,7 @@ TEST_F(OffscreenContextTest, LetsOthersDrawMeanwhileAndKeepsItsPicture)
         EXPECT_EQ(pixel[1], 0);
     }
     EXPECT_TRUE(foreign.isCurrent());
+    EXPECT_TRUE(foreign.isYellow());
 }
 
 TEST_F(OffscreenContextTest, BringsAForeignEmbeddedContextBack)
