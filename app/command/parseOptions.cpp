@@ -32,8 +32,8 @@ namespace {
 
 // What the look of a picture does not depend on.
 const std::set<std::string> NOT_OF_LOOK{
-    "render",       "frame", "frames", "series", "shard", "overwrite", "list-frames",
-    "print-camera", "jobs",  "fps",    "cache",  "turn",  "follow",    "no-defaults"};
+    "render", "frame", "frames", "series", "shard",  "overwrite", "list-frames", "print-camera",
+    "jobs",   "fps",   "cache",  "turn",   "follow", "watch",     "no-defaults"};
 
 // What the window does not change: how the files are read.
 const std::set<std::string> OF_READING{"normalise", "closed",  "frame-rows", "series",
@@ -276,6 +276,14 @@ void addWindowPicture(CLI::App& app, CLI::Option* render, Options& options)
         ->excludes(render);
 }
 
+void addWatch(CLI::App& app, Options& options)
+{
+    CLI::Option* watch = app.add_flag("--watch", options.watch,
+                                      "Read the files again in the window whenever they change");
+    for (const char* other : {"--render", "--export", "--info", "--list-scalars"})
+        watch->excludes(app.get_option(other));
+}
+
 // "Tables (.txt .dat), JSON (.json)".
 std::string namedFormats()
 {
@@ -334,6 +342,7 @@ void addFiles(CLI::App& app, Options& options)
     app.add_flag("--normalise", options.normalise,
                  "Accept quaternions and directors that are not unit and normalise them");
     addInfo(app, render, options);
+    addWatch(app, options);
     app.add_flag("--closed", options.closed,
                  "Close every rod whose ends are apart by one more element [what files close]");
 }
@@ -378,7 +387,7 @@ void addPlot(CLI::App& app, Options& options)
                             ->type_name("OUT.svg")
                             ->group(group);
     for (const char* other : {"--render", "--export", "--info", "--list-scalars",
-                              "--screenshot-after", "--list-frames", "--turn"})
+                              "--screenshot-after", "--list-frames", "--turn", "--watch"})
         plot->excludes(app.get_option(other));
     addParsed(app, "--scalars", options.plot.scalars, &parseNames,
               "different names with commas between them",
@@ -477,6 +486,7 @@ void addSeries(CLI::App& app, Options& options)
         ->excludes(app.get_option("--list-scalars"))
         ->excludes(app.get_option("--export"))
         ->excludes(app.get_option("--screenshot-after"))
+        ->excludes(app.get_option("--watch"))
         ->group(group);
 }
 

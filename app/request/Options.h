@@ -83,6 +83,7 @@ struct Options : StyleRequest
     /// A picture to take of the window, after so many seconds; then the program ends.
     std::optional<std::string> windowPicture;
     double windowPictureAfter = 0;
+    bool watch = false; ///< a window reads its files again whenever they change
 
     CameraRequest camera;
     bool printCamera = false; ///< to standard output, at the end

@@ -40,6 +40,7 @@ struct LoadJob::Shared : Progress
     bool hasEnded = false; // then only the window's thread uses the rest
     SceneMaker make;
     ReadReport report;
+    FileStamps stamps;
     std::thread thread;
 };
 
@@ -69,17 +70,22 @@ private:
     Clock::time_point next = Clock::now() + INTERVAL;
 };
 
-LoadJob::LoadJob(const std::vector<std::string>& filesToLoad, const Loader& loader)
+LoadJob::LoadJob(const std::vector<std::string>& filesToLoad, const Loader& loader,
+                 const std::vector<std::string>& others)
     : files(filesToLoad), shared(std::make_unique<Shared>())
 {
     connect(&timer, &QTimer::timeout, this, &LoadJob::look);
     timer.start(INTERVAL);
-    shared->thread = std::thread([names = files, loader, data = shared.get()] {
+    std::vector<std::string> all = files;
+    all.insert(all.end(), others.begin(), others.end());
+    shared->thread = std::thread([names = files, all, loader, data = shared.get()] {
         ReadReport report;
+        FileStamps stamps = stampsOf(all);
         SceneMaker make = loader(names, report, *data);
         const std::lock_guard<std::mutex> lock(data->mutex);
         data->make = std::move(make);
         data->report = std::move(report);
+        data->stamps = std::move(stamps);
         data->hasEnded = true;
         data->ended.notify_all();
     });
@@ -90,6 +96,8 @@ LoadJob::~LoadJob()
     shared->stopRequested = true;
     shared->thread.join();
 }
+
+const FileStamps& LoadJob::getStamps() const { return shared->stamps; }
 
 bool LoadJob::waitFor(std::chrono::milliseconds patience)
 {

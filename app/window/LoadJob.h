@@ -14,6 +14,7 @@
 #include <strandview/formats/ReadReport.h>
 
 #include "scene/SceneLoader.h"
+#include "window/FileStamps.h"
 
 namespace strandview {
 
@@ -36,12 +37,16 @@ public:
     /// What is loaded sooner is shown without a word about loading it.
     static constexpr std::chrono::milliseconds PATIENCE{200};
 
-    /// Begins at once. finished() comes when events are processed, not before.
-    LoadJob(const std::vector<std::string>& files, const Loader& loader);
+    /// Begins at once. finished() comes when events are processed, not before. The loader may read
+    /// other files, too.
+    LoadJob(const std::vector<std::string>& files, const Loader& loader,
+            const std::vector<std::string>& others = {});
     /// Stops it, and waits for the thread.
     ~LoadJob() override;
 
     const std::vector<std::string>& getFiles() const { return files; }
+    /// Of all of them, just before they were read; once the thread has ended.
+    const FileStamps& getStamps() const;
 
     /// Waits for the thread, without processing events, but not longer than that; says
     /// whether it has ended, so that finish() can be called.

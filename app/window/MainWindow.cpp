@@ -54,6 +54,7 @@
 #include "window/CoarseDrawing.h"
 #include "window/CurveHover.h"
 #include "window/CurvePanel.h"
+#include "window/FileWatcher.h"
 #include "window/FrameWaiter.h"
 #include "window/History.h"
 #include "window/LoadBar.h"
@@ -119,6 +120,35 @@ void forgetTyping()
         number->setValue(number->value());
 }
 
+// The first of them that can be read but once, as standard input and pipes.
+std::optional<std::string> findReadOnce(const std::vector<std::string>& files)
+{
+    const auto found = std::find_if(files.begin(), files.end(), [](const std::string& file) {
+        const QFileInfo info(QString::fromStdString(file));
+        return file == "-" || (info.exists() && !info.isFile() && !info.isDir());
+    });
+    return found == files.end() ? std::nullopt : std::optional(*found);
+}
+
+// What is read beside the files that are shown.
+std::vector<std::string> referenceOf(const StyleRequest& request)
+{
+    return request.compare && *request.compare != "first" ? std::vector{*request.compare}
+                                                          : std::vector<std::string>();
+}
+
+// "waiting for rod.txt:3: found 2 fields, expected 3", of a file that is named at the beginning.
+Told toldOfWaiting(const std::string& fault, const std::vector<std::string>& files)
+{
+    for (const std::string& file : files) {
+        if (fault.compare(0, file.size() + 1, file + ":") == 0)
+            return {"waiting for " + file.substr(file.find_last_of('/') + 1) +
+                        fault.substr(file.size()),
+                    file};
+    }
+    return {"waiting: " + fault, ""};
+}
+
 bool isAscii(const QString& text)
 {
     return std::all_of(text.begin(), text.end(), [](QChar c) { return c.unicode() < 128; });
@@ -171,6 +201,7 @@ MainWindow::MainWindow(const Options& startOptions, Loader sceneLoader, SeriesOp
     viewer->getGLWidget()->setAccessibleName("View");
     buildPlayBar();
     buildStatusBar();
+    buildWatcher();
     setupUi();
     zoomLineEdit->setMaximumWidth( // of large letters, too
         std::max(80, zoomLineEdit->fontMetrics().horizontalAdvance("0.00000e+000")));
@@ -546,30 +577,40 @@ void MainWindow::openFiles(const QStringList& names, CameraChoice choice)
         openSession(files.front());
         return;
     }
+    loadAsNow(files, choice,
+              [this, files](const ReadReport& report) { tellOpened(files, report); });
+    finishIfSoon();
+}
+
+void MainWindow::loadAsNow(const std::vector<std::string>& files, CameraChoice choice, Tell tell)
+{
     options.frame.reset(); // that was of the first files
     Options asked = options;
     asked.colourIfPossible = true; // other files need not have that scalar
     if (scene && choice == NEW_CAMERA)
         asked.things = {}; // nor those things
-    load(files, asked, choice, std::nullopt);
+    load(files, asked, choice, std::nullopt, std::move(tell));
 }
 
 void MainWindow::load(const std::vector<std::string>& files, const Options& asked,
-                      CameraChoice choice, const std::optional<Options>& next)
+                      CameraChoice choice, const std::optional<Options>& next, Tell tell)
 {
-    const auto load = [load = loader, asked](const std::vector<std::string>& toLoad,
-                                             ReadReport& report, Progress& progress) {
+    const auto loadAsAsked = [load = loader, asked](const std::vector<std::string>& toLoad,
+                                                    ReadReport& report, Progress& progress) {
         return load(toLoad, asked, report, progress);
     };
-    follow(
-        std::make_unique<LoadJob>(files, load),
-        [this, files](const ReadReport& report) { tellOpened(files, report); }, choice, next);
+    follow(std::make_unique<LoadJob>(files, loadAsAsked, referenceOf(asked)), std::move(tell),
+           choice, next);
+}
+
+// What takes no time is shown with the next frame.
+void MainWindow::finishIfSoon()
+{
     if (job->waitFor(LoadJob::PATIENCE))
         job->finish();
 }
 
-void MainWindow::follow(std::unique_ptr<LoadJob> newJob,
-                        std::function<void(const ReadReport&)> tell, CameraChoice choice,
+void MainWindow::follow(std::unique_ptr<LoadJob> newJob, Tell tell, CameraChoice choice,
                         const std::optional<Options>& asked)
 {
     if (job)
@@ -588,9 +629,7 @@ void MainWindow::follow(std::unique_ptr<LoadJob> newJob,
                 showLoading();
                 if (loaded) {
                     if (asked) {
-                        const bool hasDefaults = options.hasDefaults;
                         options = *asked;
-                        options.hasDefaults = hasDefaults;
                         showBackground();
                         (*menus)[Command::SHOW_COLOURS]->setChecked(
                             !asked->session || asked->session->areColoursShown);
@@ -600,11 +639,13 @@ void MainWindow::follow(std::unique_ptr<LoadJob> newJob,
                     }
                     Start start{std::size_t(options.frame.value_or(0))};
                     if (choice == SAME_CAMERA && player)
-                        start = {player->getFrame(), playBar->getRange()};
+                        start = startAsNow();
                     showDrawing();
                     showScene(loaded, ended->getFiles(), choice);
                     rememberFiles(namesOf(ended->getFiles()));
                     beginToPlay(report, start);
+                    readStamps = ended->getStamps();
+                    watchFiles();
                     shownStyle = style;
                     if (style != options && scene->getData())
                         restyle();
@@ -614,6 +655,8 @@ void MainWindow::follow(std::unique_ptr<LoadJob> newJob,
                     }
                 } else {
                     dropComparison();
+                    if (ended->getFiles() == shownFiles)
+                        watcher->retry(ended->getStamps());
                 }
                 tell(report);
                 emit loadingEnded();
@@ -646,7 +689,11 @@ void MainWindow::openSession(const std::string& name)
     next->windowSize = options.windowSize;
     next->series.framesPerSecond = options.series.framesPerSecond;
     next->series.cacheMegabytes = options.series.cacheMegabytes;
-    load(next->files, *next, NEW_CAMERA, next);
+    next->watch = options.watch;
+    next->hasDefaults = options.hasDefaults;
+    load(next->files, *next, NEW_CAMERA, next,
+         [this, files = next->files](const ReadReport& report) { tellOpened(files, report); });
+    finishIfSoon();
 }
 
 Session MainWindow::getSession() const
@@ -720,12 +767,26 @@ QString MainWindow::title() const
 
 // Series
 
-void MainWindow::beginToPlay(const ReadReport& report, const Start& start)
+// Who looks at the last frame that a program has written goes on to the next.
+MainWindow::Start MainWindow::startAsNow() const
+{
+    const std::size_t frame = player->getFrame();
+    if (options.series.follow && frame + 1 == playBar->getCount())
+        return {0, playBar->getRange(), player->isPlaying()}; // the player finds the last itself
+    const bool isOfWatchedFiles =
+        options.watch && options.series.isOfFiles && options.series.between == 0;
+    return {frame, playBar->getRange(), player->isPlaying(),
+            isOfWatchedFiles && frame + 1 == frameFiles.size()};
+}
+
+void MainWindow::beginToPlay(const ReadReport& report, Start start)
 {
     const std::size_t loaded = loadedFrame();
     options.frame.reset();
     ReadReport untold; // the loader told of the folder what there is to tell
     frameFiles = options.series.isOfFiles ? seriesFiles(shownFiles, untold) : shownFiles;
+    if (start.isLast && !frameFiles.empty())
+        start.frame = std::max(start.frame, frameFiles.size() - 1);
     loadNotices.clear();
     for (const std::string& notice : report.notices)
         loadNotices.push_back(toldOf(notice, frameFiles));
@@ -765,8 +826,24 @@ void MainWindow::beginToPlay(const ReadReport& report, const Start& start)
     connect(player.get(), &Player::staged, this, &MainWindow::settle);
     if (start.frame != loaded)
         player->goTo(start.frame);
+    if (start.isPlaying)
+        playOnceShown(start.frame);
     menus->followSeries(true);
     playBar->show();
+}
+
+// On from a frame that is on its way.
+void MainWindow::playOnceShown(std::size_t frame)
+{
+    if (player->getFrame() == frame) {
+        player->setPlaying(true);
+        return;
+    }
+    auto* once = new QObject(player.get());
+    connect(player.get(), &Player::frameShown, once, [this, once] {
+        once->deleteLater();
+        player->setPlaying(true);
+    });
 }
 
 // Frames that are moved, or put between others, begin with the first.
@@ -878,15 +955,59 @@ void MainWindow::showLoading()
 
 void MainWindow::readAgain()
 {
-    for (const std::string& file : shownFiles) {
-        const QFileInfo info(QString::fromStdString(file));
-        if (file == "-" || (info.exists() && !info.isFile())) {
-            statusText->tell(
-                {{"Only files can be read again", file == "-" ? "standard input" : file}});
-            return;
-        }
+    if (const auto file = findReadOnce(shownFiles))
+        statusText->tell(
+            {{"Only files can be read again", *file == "-" ? "standard input" : *file}});
+    else
+        openFiles(namesOf(shownFiles), SAME_CAMERA);
+}
+
+// Files that change
+
+void MainWindow::buildWatcher()
+{
+    watcher = new FileWatcher(this);
+    watcher->mayRead = [this] { // what is begun with keys or mouse is not disturbed
+        return !isLoading() && !QApplication::activeModalWidget() &&
+               !QApplication::activePopupWidget() && QApplication::mouseButtons() == Qt::NoButton;
+    };
+    connect(watcher, &FileWatcher::changed, this, &MainWindow::readChanged);
+    connect(watcher, &FileWatcher::missed, this, [this](const QString& path) {
+        statusText->tell(
+            {toldOfWaiting(path.toStdString() + ": it is gone", {path.toStdString()})});
+    });
+    (*menus)[Command::WATCH_FILES]->setChecked(options.watch);
+}
+
+void MainWindow::setWatching(bool on)
+{
+    options.watch = on;
+    (*menus)[Command::WATCH_FILES]->setChecked(on);
+    watchFiles();
+}
+
+void MainWindow::watchFiles()
+{
+    std::vector<std::string> files;
+    if (options.watch && scene && !findReadOnce(shownFiles)) {
+        files = referenceOf(options);
+        files.insert(files.begin(), shownFiles.begin(), shownFiles.end());
     }
-    openFiles(namesOf(shownFiles), SAME_CAMERA);
+    watcher->leaveGrowth(player && options.series.follow);
+    watcher->watch(files, readStamps);
+}
+
+// Nobody waits for it: what takes long, or fails, is told and no more.
+void MainWindow::readChanged()
+{
+    loadAsNow(shownFiles, SAME_CAMERA, [this](const ReadReport& report) {
+        if (report.error.empty())
+            tellOpened(shownFiles, report);
+        else
+            statusText->tell({toldOfWaiting(report.error, shownFiles)});
+    });
+    loadBar->hide();
+    QTimer::singleShot(LoadJob::PATIENCE, job.get(), [this] { showLoading(); });
 }
 
 // Camera
@@ -1476,6 +1597,7 @@ void MainWindow::command(Command asked, bool isOn)
         {Command::READ_AGAIN, [](MainWindow& w, bool) { w.readAgain(); }},
         {Command::SAVE_SESSION, [](MainWindow& w, bool) { w.keepSession(); }},
         {Command::SAVE_SESSION_AS, [](MainWindow& w, bool) { w.chooseSession(); }},
+        {Command::WATCH_FILES, [](MainWindow& w, bool on) { w.setWatching(on); }},
         {Command::SAVE_PICTURE, [](MainWindow& w, bool) { w.choosePicture(); }},
         {Command::TAKE_SCREENSHOT, [](MainWindow& w, bool) { w.viewer->renderOffscreen(); }},
         {Command::COPY_CAMERA, [](MainWindow& w, bool) { w.copyCamera(); }},

@@ -37,6 +37,7 @@ class CoarseDrawing;
 class CurveHover;
 class CurvePanel;
 class DataScene;
+class FileWatcher;
 class History;
 class LoadBar;
 class LookPanel;
@@ -91,11 +92,13 @@ public:
     /// Acts once, as soon as the screen shows a whole frame that was drawn after this call.
     void whenPainted(std::function<void()> act);
 
+    using Tell = std::function<void(const ReadReport&)>;
     /// Shows the scene of a job when it is there, with what is asked for then if that is not the
     /// same, and then tells of success or failure. What is being loaded is stopped.
-    void follow(std::unique_ptr<LoadJob> newJob, std::function<void(const ReadReport&)> tell,
-                CameraChoice choice = NEW_CAMERA, const std::optional<Options>& asked = {});
+    void follow(std::unique_ptr<LoadJob> newJob, Tell tell, CameraChoice choice = NEW_CAMERA,
+                const std::optional<Options>& asked = {});
     bool isLoading() const;
+    bool isWatching() const { return options.watch; }
 
     /// Plays the series that is shown; null for what has one frame.
     Player* getPlayer() const { return player.get(); }
@@ -141,6 +144,9 @@ public slots:
     void openFiles(const QStringList& files, CameraChoice choice = NEW_CAMERA);
     /// The files that are shown, with the camera as it is.
     void readAgain();
+    /// Whether files are read again whenever they change: those that are shown, and those to come.
+    /// What cannot be read is waited for.
+    void setWatching(bool on);
     /// What is shown stays.
     void stopLoading();
     /// Saves the session under the name that it has, or asks for one.
@@ -201,12 +207,18 @@ private:
     void restoreWindow();
     void openSession(const std::string& name);
     /// Loads files as `asked` says, and goes on with `next`, if anything, once they are shown.
+    /// With the options that there are.
+    void loadAsNow(const std::vector<std::string>& files, CameraChoice choice, Tell tell);
     void load(const std::vector<std::string>& files, const Options& asked, CameraChoice choice,
-              const std::optional<Options>& next);
+              const std::optional<Options>& next, Tell tell);
+    void finishIfSoon();
     void tellChanged(const std::vector<std::string>& files);
     QString title() const;
     void showLoading();
     void showDrawing();
+    void buildWatcher();
+    void watchFiles();
+    void readChanged();
     void tellOpened(const std::vector<std::string>& files, const ReadReport& report);
 
     void buildPanels();
@@ -249,9 +261,13 @@ private:
     {
         std::size_t frame = 0;
         PlayBar::Range range = {};
+        bool isPlaying = false;
+        bool isLast = false; ///< where there are more files now, too
     };
     /// If the files that are shown have several frames, and can be read again.
-    void beginToPlay(const ReadReport& report, const Start& start);
+    void beginToPlay(const ReadReport& report, Start start);
+    Start startAsNow() const;
+    void playOnceShown(std::size_t frame);
     void endPlaying();
     /// Of the files that are loaded, the one that is shown first.
     std::size_t loadedFrame() const;
@@ -286,6 +302,8 @@ private:
     std::optional<CameraNumbers> fitted, homeNumbers;
     std::unique_ptr<LoadJob> job; // at work, else null
     std::unique_ptr<Player> player;
+    FileWatcher* watcher = nullptr;
+    FileStamps readStamps; ///< of what is shown, when it was read
     Restyler restyler;
     std::unique_ptr<SessionKeeper> sessions;
     StyleRequest shownStyle; ///< as far as it is shown

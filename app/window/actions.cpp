@@ -51,6 +51,8 @@ ActionGroup file()
          {"Save s&ession", "Ctrl+S", "saves the session, to open another day", C::SAVE_SESSION,
           NEEDS_SCENE | AFTER_A_LINE},
          {"Save session as...", "", nullptr, C::SAVE_SESSION_AS, NEEDS_SCENE},
+         {"Read again when files change", "Shift+F5",
+          "reads them again whenever they change, or no more", C::WATCH_FILES, CHECKABLE},
          {"&Save a picture...", "Ctrl+P", "saves a picture of the view", C::SAVE_PICTURE,
           NEEDS_SCENE | IN_TOOL_BAR | AFTER_A_LINE | BEFORE_TOOL_LINE},
          {"S&creenshot...", "I", "saves a screenshot of any size", C::TAKE_SCREENSHOT,

@@ -20,6 +20,7 @@ enum class Command {
     READ_AGAIN,
     SAVE_SESSION,
     SAVE_SESSION_AS,
+    WATCH_FILES,
     SAVE_PICTURE,
     TAKE_SCREENSHOT,
     COPY_CAMERA,
