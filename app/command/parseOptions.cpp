@@ -33,7 +33,7 @@ namespace {
 // What the look of a picture does not depend on.
 const std::set<std::string> NOT_OF_LOOK{
     "render", "frame", "frames", "series", "shard",  "overwrite", "list-frames", "print-camera",
-    "jobs",   "fps",   "cache",  "turn",   "follow", "watch",     "no-defaults"};
+    "jobs",   "fps",   "cache",  "turn",   "follow", "watch",     "beside",      "no-defaults"};
 
 // What the window does not change: how the files are read.
 const std::set<std::string> OF_READING{"normalise", "closed",  "frame-rows", "series",
@@ -276,6 +276,19 @@ void addWindowPicture(CLI::App& app, CLI::Option* render, Options& options)
         ->excludes(render);
 }
 
+void addBeside(CLI::App& app, Options& options)
+{
+    CLI::Option* beside =
+        app.add_option_function<std::string>(
+               "--beside", [&options](const std::string& what) { options.beside = besideOf(what); },
+               "Show FILE, the first frame of the series, or the same from another side in a "
+               "second "
+               "view of the window")
+            ->type_name("FILE|first|same");
+    for (const char* other : {"--render", "--export", "--info", "--list-scalars"})
+        beside->excludes(app.get_option(other));
+}
+
 void addWatch(CLI::App& app, Options& options)
 {
     CLI::Option* watch = app.add_flag("--watch", options.watch,
@@ -342,6 +355,7 @@ void addFiles(CLI::App& app, Options& options)
     app.add_flag("--normalise", options.normalise,
                  "Accept quaternions and directors that are not unit and normalise them");
     addInfo(app, render, options);
+    addBeside(app, options);
     addWatch(app, options);
     app.add_flag("--closed", options.closed,
                  "Close every rod whose ends are apart by one more element [what files close]");
@@ -386,8 +400,9 @@ void addPlot(CLI::App& app, Options& options)
                                        "Write curves of numbers instead: .svg, .pdf or .png")
                             ->type_name("OUT.svg")
                             ->group(group);
-    for (const char* other : {"--render", "--export", "--info", "--list-scalars",
-                              "--screenshot-after", "--list-frames", "--turn", "--watch"})
+    for (const char* other :
+         {"--render", "--export", "--info", "--list-scalars", "--screenshot-after", "--list-frames",
+          "--turn", "--watch", "--beside"})
         plot->excludes(app.get_option(other));
     addParsed(app, "--scalars", options.plot.scalars, &parseNames,
               "different names with commas between them",
@@ -487,6 +502,7 @@ void addSeries(CLI::App& app, Options& options)
         ->excludes(app.get_option("--export"))
         ->excludes(app.get_option("--screenshot-after"))
         ->excludes(app.get_option("--watch"))
+        ->excludes(app.get_option("--beside"))
         ->group(group);
 }
 

@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "request/BesideRequest.h"
 #include "request/CameraRequest.h"
 #include "request/FrameSlice.h"
 #include "request/PictureRequest.h"
@@ -83,6 +84,7 @@ struct Options : StyleRequest
     /// A picture to take of the window, after so many seconds; then the program ends.
     std::optional<std::string> windowPicture;
     double windowPictureAfter = 0;
+    BesideRequest beside;
     bool watch = false; ///< a window reads its files again whenever they change
 
     CameraRequest camera;

@@ -71,6 +71,7 @@
 #include "window/SessionKeeper.h"
 #include "window/SettingControl.h"
 #include "window/SettingsPanel.h"
+#include "window/SideBySide.h"
 #include "window/StatusText.h"
 #include "window/ThingsPanel.h"
 #include "window/ViewPictures.h"
@@ -89,15 +90,16 @@ const char* const GEOMETRY = "windowGeometry";
 // So near to a point of the data, in the desktop's pixels, a click means that point.
 const double SNAP = 6;
 
+std::string nameOf(const std::vector<std::string>& files)
+{
+    const std::string& first = files.front();
+    const std::string name = first == "-" ? "standard input" : first;
+    return files.size() > 1 ? name + " and " + std::to_string(files.size() - 1) + " more" : name;
+}
+
 QString titleFor(const std::vector<std::string>& files)
 {
-    if (files.empty())
-        return "strandview";
-    const std::string& first = files.front();
-    QString title = first == "-" ? QString("standard input") : QString::fromStdString(first);
-    if (files.size() > 1)
-        title += " and " + QString::number(files.size() - 1) + " more";
-    return title + " - strandview";
+    return QString::fromStdString(files.empty() ? "strandview" : nameOf(files) + " - strandview");
 }
 
 // In front of those that share its place.
@@ -214,6 +216,7 @@ MainWindow::MainWindow(const Options& startOptions, Loader sceneLoader, SeriesOp
 
 MainWindow::~MainWindow()
 {
+    sideBySide->close();
     for (QDockWidget* dock : {placeDock, thingsDock, curveDock})
         dock->disconnect(this);       // it is hidden once the members are gone
     things->setScene(nullptr, false); // which a name that is being edited would be given
@@ -247,9 +250,8 @@ void MainWindow::buildMenus()
 
 QWidget* MainWindow::buildView()
 {
-    auto* area = new QWidget(docks);
-    area->setMinimumSize(160, 120);
-    ownedViewer = std::make_unique<WindowViewer>(area);
+    sideBySide = new SideBySide(docks);
+    ownedViewer = std::make_unique<WindowViewer>(sideBySide->getFirstArea());
     viewer = ownedViewer.get();
     viewer->setTransparencyType(SoGLRenderAction::SORTED_OBJECT_BLEND);
     viewer->setHeadlight(FALSE); // the scene has its lights
@@ -266,6 +268,7 @@ QWidget* MainWindow::buildView()
         viewer->drawCoarsely(coarse);
         if (scene)
             scene->drawCoarsely(coarse);
+        sideBySide->drawCoarsely(coarse);
     });
     ownedViewer->onHome = [this] { goHome(); };
     ownedViewer->onFrame = [this] { emit frameDrawn(); };
@@ -274,7 +277,20 @@ QWidget* MainWindow::buildView()
         next.clip = plane;
         setStyle(next);
     };
-    return area;
+    buildViews();
+    return sideBySide;
+}
+
+void MainWindow::buildViews()
+{
+    sideBySide->setFirst(*ownedViewer);
+    sideBySide->onShown = [this] { keepRoom(); };
+    sideBySide->onCamera = [this] { update3DZoom(); };
+    sideBySide->onPick = [this](const Told& told) { statusText->tell({told}); };
+    sideBySide->onFailure = [this](const std::string& error) {
+        statusText->tell({toldOf(error, {options.beside.what.value_or("")})});
+        setBeside({});
+    };
 }
 
 void MainWindow::buildHistory()
@@ -295,7 +311,10 @@ void MainWindow::buildHistory()
     for (const auto change : {&QUndoStack::undoTextChanged, &QUndoStack::redoTextChanged})
         connect(&steps, change, this, followAll);
     followAll();
-    ownedViewer->onCamera = [this] { history->noteSoon(); };
+    ownedViewer->onCamera = [this] {
+        history->noteSoon();
+        sideBySide->followFirst();
+    };
 }
 
 void MainWindow::buildPanels()
@@ -321,6 +340,7 @@ void MainWindow::buildPanels()
         outlineChosen();
         curves->followLooks();
         curveHover->follow();
+        sideBySide->followLooks(*scene);
     });
 }
 
@@ -644,6 +664,7 @@ void MainWindow::follow(std::unique_ptr<LoadJob> newJob, Tell tell, CameraChoice
                     showScene(loaded, ended->getFiles(), choice);
                     rememberFiles(namesOf(ended->getFiles()));
                     beginToPlay(report, start);
+                    openBeside();
                     readStamps = ended->getStamps();
                     watchFiles();
                     shownStyle = style;
@@ -820,6 +841,7 @@ void MainWindow::beginToPlay(const ReadReport& report, Start start)
         outlineChosen();
         curves->showScene(*scene, shown, CurvePanel::NEXT_FRAME);
         curveHover->follow();
+        followBeside(NEXT_FRAME);
     });
     connect(player.get(), &Player::opened, this,
             [this](const std::vector<std::string>& notices) { tellSeries(notices); });
@@ -906,10 +928,11 @@ void MainWindow::settle(const Stage& stage)
 {
     const History::Pause pause(*history);
     const bool wasFitted = isFitted(), wasAtHome = homeNumbers == getCameraNumbers();
-    scene->setRoom(stage.roomIn(scene->getPlacement()));
+    keepRoom();
     scene->setSide(stage.side);
     if (stage.colouring && scene->getColouring() && !options.ownRange)
         scene->setColouring(*stage.colouring);
+    followBeside(OTHER_LOOK); // in the range of all frames
     if (!ownedViewer->home.numbers)
         ownedViewer->home = scene->settle(options.camera);
     if (wasAtHome)
@@ -1093,11 +1116,96 @@ void MainWindow::setColours(bool ofData)
         return;
     const bool wasFitted = isFitted();
     scene->showColours(ofData);
+    sideBySide->showColours(ofData);
     history->noteSoon();
     // The highlights came or went.
     for (LightingDialog* lights : findChildren<LightingDialog*>())
         lights->updateGUIFromShaders();
     // The legend's room comes or goes.
+    if (wasFitted)
+        fit();
+}
+
+// The second view
+
+void MainWindow::showBeside(bool on)
+{
+    if (!on)
+        setBeside({});
+    else if (options.compare)
+        setBeside(besideOf(*options.compare));
+    else
+        setBeside(besideOf(player ? BesideRequest::FIRST_FRAME : BesideRequest::SAME));
+}
+
+void MainWindow::setBeside(const BesideRequest& request)
+{
+    const bool isOther = request.what != options.beside.what;
+    options.beside = request;
+    sideBySide->setTied(request.isTied);
+    if (isOther)
+        openBeside();
+    else
+        keepRoom();
+    followViewer();
+}
+
+// Of the files that are shown now.
+void MainWindow::openBeside()
+{
+    const std::optional<std::string>& what = options.beside.what;
+    if (!what || !scene) {
+        sideBySide->close();
+        keepRoom();
+        return;
+    }
+    const bool isFirst = *what == BesideRequest::FIRST_FRAME, isSame = *what == BesideRequest::SAME;
+    sideBySide->open(nameOf(shownFiles), isFirst ? "First frame" : isSame ? "The same" : *what);
+    Options ofFrames = options;
+    ofFrames.colourIfPossible = true;
+    if (!isFirst) {
+        ofFrames.series.isOfFiles = QFileInfo(QString::fromStdString(*what)).isDir();
+        if (options.compare == BesideRequest::FIRST_FRAME)
+            ofFrames.compare.reset(); // that would be its own
+    }
+    const std::vector<std::string> files = isFirst ? shownFiles : std::vector{*what};
+    if (isSame || !seriesOpener || (isFirst && !player))
+        sideBySide->setSeries(nullptr);
+    else
+        sideBySide->setSeries(
+            [opener = seriesOpener, files, ofFrames](ReadReport& report, Progress& progress) {
+                return opener(files, ofFrames, report, progress);
+            });
+    sideBySide->setTied(options.beside.isTied);
+    followBeside(OTHER_LOOK);
+}
+
+void MainWindow::followBeside(BesideChange change)
+{
+    const std::optional<std::string>& what = options.beside.what;
+    if (!what || !scene || !scene->getData())
+        return;
+    const bool isFirst = *what == BesideRequest::FIRST_FRAME;
+    const bool isSame = *what == BesideRequest::SAME || (isFirst && !player);
+    if (isFirst && !isSame && change == NEXT_FRAME)
+        return; // it stays
+    sideBySide->show(isSame ? scene->getData() : nullptr,
+                     player && !isFirst ? player->getFrame() : 0, *scene,
+                     change == OTHER_LOOK ? SideBySide::OTHER_LOOK : SideBySide::SAME_LOOK);
+}
+
+// Of all frames and of both views, so that one camera suits them.
+void MainWindow::keepRoom()
+{
+    if (!scene)
+        return;
+    const History::Pause pause(*history);
+    const bool wasFitted = isFitted();
+    const bool isStaged = player && player->getStage();
+    SbBox3f room = isStaged ? player->getStage()->roomIn(scene->getPlacement()) : SbBox3f();
+    if (sideBySide->getScene() && options.beside.isTied)
+        room.extendBy(sideBySide->getScene()->getBox());
+    scene->setRoom(room);
     if (wasFitted)
         fit();
 }
@@ -1154,6 +1262,7 @@ void MainWindow::cut()
                             : std::nullopt);
     outlineChosen();
     followClip();
+    sideBySide->followLooks(*scene);
 }
 
 void MainWindow::moveClip(bool on)
@@ -1193,6 +1302,7 @@ void MainWindow::showThings()
     scene->setTransparency(options.transparency);
     scene->setLooks(options.things);
     things->follow();
+    sideBySide->followLooks(*scene);
 }
 
 void MainWindow::restyle()
@@ -1263,6 +1373,7 @@ void MainWindow::showStyle(Restyler::Result& result)
     places->follow();
     measurements->follow();
     curves->followLooks();
+    followBeside(OTHER_LOOK);
     tellStyle();
     followViewer();
     coarseDrawing->noteChange();
@@ -1392,8 +1503,11 @@ void MainWindow::followViewer()
     check(Command::TOGGLE_FRAMES, SoQtGeneralViewer::isShowingFramesPerSecond());
     check(Command::TOGGLE_WHEELS, viewer->isDecoration());
     check(Command::TOGGLE_PICKING, !viewer->isViewing());
+    check(Command::SHOW_BESIDE, options.beside.what.has_value());
+    check(Command::TIE_VIEWS, options.beside.isTied);
     (*menus)[Command::SHOW_COLOURS]->setEnabled(scene && scene->hasColours());
     const SbColor background = viewer->getBackgroundColor();
+    sideBySide->setBackground(background);
     if (scene)
         scene->setBackground({background[0], background[1], background[2]});
     if (background != toSbColor(options.background)) { // the viewer's key
@@ -1612,6 +1726,11 @@ void MainWindow::command(Command asked, bool isOn)
         {Command::GO_HOME, [](MainWindow& w, bool) { w.goHome(); }},
         {Command::KEEP_VIEW, [](MainWindow& w, bool) { w.views->askToKeep(w.getCameraNumbers()); }},
         {Command::SET_PERSPECTIVE, [](MainWindow& w, bool on) { w.setPerspective(on); }},
+        {Command::SHOW_BESIDE, [](MainWindow& w, bool on) { w.showBeside(on); }},
+        {Command::TIE_VIEWS,
+         [](MainWindow& w, bool on) {
+             w.setBeside({w.options.beside.what, on});
+         }},
         {Command::SET_FULL_SCREEN, [](MainWindow& w, bool on) { w.setFullScreen(on); }},
         {Command::CYCLE_SHADING, [](MainWindow& w, bool) { w.viewer->cycleShading(); }},
         {Command::SET_LIGHTS, [](MainWindow& w, bool) { w.viewer->setUpLighting(); }},

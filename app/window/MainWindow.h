@@ -50,6 +50,7 @@ class PlaceTeller;
 class Player;
 class SessionKeeper;
 class SettingsPanel;
+class SideBySide;
 class StatusText;
 class ThingsPanel;
 class WindowViewer;
@@ -99,6 +100,10 @@ public:
                 const std::optional<Options>& asked = {});
     bool isLoading() const;
     bool isWatching() const { return options.watch; }
+
+    /// What the second view shows, if there is one.
+    const BesideRequest& getBeside() const { return options.beside; }
+    const SideBySide& getSideBySide() const { return *sideBySide; }
 
     /// Plays the series that is shown; null for what has one frame.
     Player* getPlayer() const { return player.get(); }
@@ -171,6 +176,8 @@ public slots:
     void viewFrom(Side side);
     void setPerspective(bool perspective);
     void setFullScreen(bool full);
+    /// Opens, changes or closes the second view; tells in the status bar if it cannot be shown.
+    void setBeside(const strandview::BesideRequest& request);
 
     // Look
     /// Whether data give the colours, in this scene and in those to come.
@@ -220,6 +227,14 @@ private:
     void watchFiles();
     void readChanged();
     void tellOpened(const std::vector<std::string>& files, const ReadReport& report);
+
+    // The second view
+    void buildViews();
+    void showBeside(bool on);
+    void openBeside();
+    enum BesideChange { NEXT_FRAME, OTHER_LOOK };
+    void followBeside(BesideChange change);
+    void keepRoom();
 
     void buildPanels();
     void buildNumbers();
@@ -294,6 +309,7 @@ private:
     Loader loader;
     SeriesOpener seriesOpener;
     SessionReader sessionReader;
+    SideBySide* sideBySide = nullptr; ///< goes before the viewer, whose camera it follows
     std::unique_ptr<WindowViewer> ownedViewer;
     std::unique_ptr<CoarseDrawing> coarseDrawing;
     std::unique_ptr<QObject> screenFitter;

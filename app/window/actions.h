@@ -36,6 +36,8 @@ enum class Command {
     KEEP_VIEW,
     NAMED_VIEWS,
     SET_PERSPECTIVE,
+    SHOW_BESIDE,
+    TIE_VIEWS,
     SET_FULL_SCREEN,
     CYCLE_SHADING,
     SET_LIGHTS,

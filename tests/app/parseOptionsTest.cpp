@@ -176,6 +176,28 @@ TEST(ParseOptions, WhatIsExportedAndOfWhichFrameIsTaken)
     EXPECT_EQ(options.frame, 7);
 }
 
+TEST(ParseOptions, WhatIsOfAWindowIsRefusedWhereThereIsNone)
+{
+    EXPECT_TRUE(accepted({"--watch", "rod.txt"}).watch);
+    EXPECT_TRUE(accepted({"--beside", "first", "run.txt"}).beside == besideOf("first"));
+    EXPECT_TRUE(accepted({"--beside", "b.txt", "a.txt"}).beside.isTied);
+    EXPECT_FALSE(accepted({"--beside", "same", "a.txt"}).beside.isTied);
+    using Line = std::vector<const char*>;
+    for (Line line : {Line{"--render", "a.png"},
+                      {"--export", "a.csv"},
+                      {"--plot", "a.svg"},
+                      {"--info"},
+                      {"--list-scalars"},
+                      {"--list-frames"}}) {
+        line.push_back("rod.txt");
+        for (const Line& ofWindow : {Line{"--watch"}, Line{"--beside", "first"}}) {
+            Line both = line;
+            both.insert(both.end(), ofWindow.begin(), ofWindow.end());
+            expectRefused(both, ofWindow.front());
+        }
+    }
+}
+
 TEST(ParseOptions, ScalarsAreListedForPeopleOrScripts)
 {
     EXPECT_TRUE(accepted({"--list-scalars", "rod.txt"}).listScalars);

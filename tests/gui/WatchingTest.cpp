@@ -84,10 +84,10 @@ TEST_F(WatchingTest, AFileThatIsWrittenAnewOrReplacedIsShownFromWhereItWasSeen)
 TEST_F(WatchingTest, WhatIsHiddenStaysSo)
 {
     openText(rodTo(2), "rod.txt");
-    scene->setLook({0, 0}, {true, false, {}, {}});
+    setThings("rod 1: hidden");
     folder.write("rod.txt", rodTo(3));
     ASSERT_TRUE(comesToEnd(3));
-    EXPECT_TRUE(scene->getLook({0, 0}).isHidden);
+    EXPECT_TRUE(scene->getLook({0, 0}).isHidden());
 }
 
 TEST_F(WatchingTest, AFileThatIsNotWholeYetIsToldWithoutABoxAndWaitedFor)
