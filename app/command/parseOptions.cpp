@@ -24,6 +24,7 @@
 #include "request/limits.h"
 #include "request/parseNumber.h"
 #include "request/settings.h"
+#include "request/writeCommand.h"
 #include "session/sessionFile.h"
 
 namespace strandview {
@@ -39,16 +40,6 @@ const std::set<std::string> NOT_OF_LOOK{
 const std::set<std::string> OF_READING{"normalise", "closed",  "frame-rows", "series",
                                        "align",     "between", "pairs"};
 
-bool parseSize(const std::string& text, int& width, int& height)
-{
-    const char* end = text.data() + text.size();
-    const auto w = std::from_chars(text.data(), end, width);
-    if (w.ec != std::errc() || w.ptr == end || (*w.ptr != 'x' && *w.ptr != 'X'))
-        return false;
-    const auto h = std::from_chars(w.ptr + 1, end, height);
-    return h.ec == std::errc() && h.ptr == end;
-}
-
 // The largest picture of the same shape.
 std::string fittingSize(int width, int height)
 {
@@ -60,33 +51,18 @@ std::string fittingSize(int width, int height)
     return side(width) + "x" + side(height);
 }
 
-// "85x60mm", "85.5x60mm".
-std::optional<PaperSize> parsePaperSize(const std::string& text)
-{
-    const std::string unit = "mm";
-    const std::size_t cross = text.find_first_of("xX");
-    if (cross == std::string::npos || text.size() < cross + 1 + unit.size() ||
-        text.substr(text.size() - unit.size()) != unit)
-        return std::nullopt;
-    const std::string height = text.substr(cross + 1, text.size() - unit.size() - cross - 1);
-    const std::optional<double> w = parseNumber<double>(text.substr(0, cross));
-    const std::optional<double> h = parseNumber<double>(height);
-    if (!w || !h || !(*w > 0) || !(*h > 0))
-        return std::nullopt;
-    return PaperSize{*w, *h, text};
-}
-
 void addSize(CLI::App& app, Options& options)
 {
     const auto parse = [&options](const std::string& text) {
         options.paperSize = parsePaperSize(text);
         if (options.paperSize) // its pixels depend on --dpi
             return;
-        int width = 0, height = 0;
+        const auto pixels = parsePixels(text);
         const std::string refusal =
             "found '" + text + "', expected WxH or, in millimetres, WxHmm, " + wordsOfPictureSize();
-        if (!parseSize(text, width, height) || width < 1 || height < 1)
+        if (!pixels)
             throw CLI::ValidationError("--size", refusal);
+        const auto [width, height] = *pixels;
         if (!isPictureSize(width, height))
             throw CLI::ValidationError("--size",
                                        refusal + ": " + fittingSize(width, height) + " fits");
@@ -341,7 +317,8 @@ void addFiles(CLI::App& app, Options& options)
              "Pixels per inch of a picture's millimetres [300], which its file tells programs that "
              "print it [100 of a size in pixels]")
         ->needs(render);
-    addCount(app, "--samples", options.samples, 1, 8, "Smooth edges: N x N samples per pixel [3]")
+    addCount(app, "--samples", options.samples, 1, MOST_SAMPLES,
+             "Smooth edges: N x N samples per pixel [3]")
         ->needs(render);
     app.add_flag("--transparent", options.transparent, "Leave the picture's background out")
         ->needs(render);
@@ -806,6 +783,35 @@ Options beginWith(const std::optional<Session>& session)
     return options;
 }
 
+// How the window saves pictures, but for what the command line says of the same.
+template <typename IsGiven>
+void takePictureFrom(const Session& session, const IsGiven& isGiven, Options& options)
+{
+    const PictureRequest& size = session.picture.size;
+    if (!isGiven("--size") && !session.picture.isOfView) {
+        options.paperSize = size.paper;
+        options.pictureWidth = size.width;
+        options.pictureHeight = size.height;
+    } else if (!isGiven("--size") && session.pictureSize) {
+        options.pictureWidth = session.pictureSize->first;
+        options.pictureHeight = session.pictureSize->second;
+    }
+    if (!isGiven("--dpi") && size.dpi)
+        options.dpi = size.dpi;
+    if (!isGiven("--samples"))
+        options.samples = size.samples;
+    if (!isGiven("--transparent"))
+        options.transparent = size.transparent;
+    for (const auto& [name, text] : session.picture.settings) {
+        if (!isGiven("--" + name))
+            settingOf(name).read(text, options);
+    }
+    if (session.pictureSize || session.picture != PictureChoice()) {
+        for (const std::string& argument : argumentsOf(options.getPictureSize()))
+            options.look += argument + "\n";
+    }
+}
+
 // What is not said by options.
 void takeFrom(const Session& session, const CLI::App& app, Options& options)
 {
@@ -832,12 +838,10 @@ void takeFrom(const Session& session, const CLI::App& app, Options& options)
     const bool isPicture = options.picture || options.exportFile || options.plot.file;
     if (session.frame && !isGiven("--frame") && !isPicture && !options.series.listFrames)
         options.frame = int(*session.frame);
-    if (session.pictureSize && !isGiven("--size")) {
-        options.pictureWidth = session.pictureSize->first;
-        options.pictureHeight = session.pictureSize->second;
-        options.look += std::to_string(options.pictureWidth) + "x" +
-                        std::to_string(options.pictureHeight) + "\n";
-    }
+    if (isPicture)
+        takePictureFrom(session, isGiven, options);
+    if (!isGiven("--beside"))
+        options.beside = session.beside;
     if (!session.areColoursShown && isPicture && !isGiven("--colour-by"))
         options.colourBy.reset(); // a window switches them on again
     for (const std::string& argument : argumentsOf(options))

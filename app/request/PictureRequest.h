@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "request/limits.h"
 
@@ -39,6 +40,10 @@ double pixelsOf(double millimetres, int dpi);
 
 /// "85.5x60mm".
 std::string textOf(const PaperSize& paper);
+/// The size of such a text; nothing of any other.
+std::optional<PaperSize> parsePaperSize(const std::string& text);
+/// Of a text such as "1200x900"; nothing of any other.
+std::optional<std::pair<int, int>> parsePixels(const std::string& text);
 
 } // namespace strandview
 

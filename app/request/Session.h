@@ -9,7 +9,11 @@
 #include <utility>
 #include <vector>
 
+#include "request/BesideRequest.h"
 #include "request/CameraNumbers.h"
+#include "request/Measurement.h"
+#include "request/NamedView.h"
+#include "request/PictureChoice.h"
 #include "request/StyleRequest.h"
 
 namespace strandview {
@@ -34,6 +38,10 @@ struct Session
     std::optional<CameraNumbers> camera;
     std::optional<std::size_t> frame;               ///< of a series
     std::optional<std::pair<int, int>> pictureSize; ///< of the view, in pixels
+    PictureChoice picture;                          ///< how pictures of the view are saved
+    std::vector<Measurement> measurements;          ///< that are kept
+    std::vector<NamedView> views;
+    BesideRequest beside;
 };
 
 } // namespace strandview

@@ -16,6 +16,9 @@ constexpr int LARGEST_PIXEL_COUNT = 700'000'000;
 constexpr int SMALLEST_DPI = 10, LARGEST_DPI = 10'000;
 constexpr int DPI_ON_PAPER = 300, DPI_OF_PIXELS = 100;
 
+/// Of a pixel, in each direction.
+constexpr int MOST_SAMPLES = 8;
+
 /// What is said where memory ends, after the name of what is read, shown or written.
 constexpr const char* TOO_LITTLE_MEMORY_FOR_DATA =
     "found too little memory for so many points, rows or pixels";

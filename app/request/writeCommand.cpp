@@ -9,7 +9,15 @@ namespace strandview {
 
 namespace {
 
-// {"--size", "85x60mm", "--dpi", "600"}; what is usual is left out, but for the size.
+// "rod.txt" of "data/rod.txt", and "frames" of "data/frames/".
+std::string withoutFolder(const std::string& file)
+{
+    const std::filesystem::path path(file);
+    return (path.has_filename() ? path : path.parent_path()).filename().string();
+}
+
+} // namespace
+
 std::vector<std::string> argumentsOf(const PictureRequest& size)
 {
     std::vector<std::string> arguments{"--size", size.paper ? textOf(*size.paper)
@@ -24,15 +32,6 @@ std::vector<std::string> argumentsOf(const PictureRequest& size)
         arguments.emplace_back("--transparent");
     return arguments;
 }
-
-// "rod.txt" of "data/rod.txt", and "frames" of "data/frames/".
-std::string withoutFolder(const std::string& file)
-{
-    const std::filesystem::path path(file);
-    return (path.has_filename() ? path : path.parent_path()).filename().string();
-}
-
-} // namespace
 
 std::string inShell(const std::string& word)
 {

@@ -35,6 +35,10 @@ std::string writeCommandToKeep(Options options, ShownPicture picture);
 /// What was shown, without folders: "rod.txt", "rod.txt and 2 more".
 std::string titleOf(const std::vector<std::string>& files);
 
+/// The options that ask for it, {"--size", "85x60mm", "--dpi", "600"}; what is usual is left out,
+/// but for the size.
+std::vector<std::string> argumentsOf(const PictureRequest& size);
+
 /// A word as a POSIX shell takes it: between quotation marks where it has to be.
 std::string inShell(const std::string& word);
 

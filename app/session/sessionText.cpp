@@ -4,7 +4,10 @@
 #include <algorithm>
 #include <functional>
 #include <limits>
+#include <map>
+#include <set>
 #include <stdexcept>
+#include <tuple>
 
 #include <nlohmann/json.hpp>
 
@@ -154,6 +157,134 @@ std::pair<int, int> readSize(const Json& value, const std::string& place)
     refuse(place, value, "width and height in pixels");
 }
 
+Measurement readMeasurement(const Json& value, const std::string& place)
+{
+    Measurement measurement;
+    bool isSaid = false;
+    readObject(
+        value, place,
+        {{"what",
+          [&](const Json& v, const std::string& p) {
+              const auto said = parseMeasurement(textIn(v, p));
+              if (!said)
+                  refuse(p, v, "what is measured between which places");
+              isSaid = true;
+              measurement.kind = said->kind;
+              measurement.places = said->places;
+          }},
+         {"name", [&](const Json& v, const std::string& p) { measurement.name = textIn(v, p); }},
+         {"shown",
+          [&](const Json& v, const std::string& p) { measurement.isShown = switchIn(v, p); }}});
+    if (!isSaid)
+        refuse(place, value, "\"what\" is measured");
+    return measurement;
+}
+
+NamedView readView(const Json& value, const std::string& place)
+{
+    NamedView view;
+    bool hasCamera = false;
+    readObject(value, place,
+               {{"name", [&](const Json& v, const std::string& p) { view.name = textIn(v, p); }},
+                {"camera", [&](const Json& v, const std::string& p) {
+                     view.camera = readCamera(v, p);
+                     hasCamera = true;
+                 }}});
+    if (view.name.empty() || !hasCamera)
+        refuse(place, value, "a view with its \"name\" and \"camera\"");
+    return view;
+}
+
+BesideRequest readBeside(const Json& value, const std::string& place)
+{
+    BesideRequest beside;
+    readObject(
+        value, place,
+        {{"what", [&](const Json& v, const std::string& p) { beside.what = textIn(v, p); }},
+         {"tied", [&](const Json& v, const std::string& p) { beside.isTied = switchIn(v, p); }}});
+    if (!beside.what || beside.what->empty())
+        refuse(place, value, "\"what\" is beside");
+    return beside;
+}
+
+void readPictureSize(const Json& value, const std::string& place, PictureChoice& picture)
+{
+    const std::string text = textIn(value, place);
+    const auto pixels = parsePixels(text);
+    picture.size.paper = parsePaperSize(text);
+    picture.isOfView = false;
+    if (pixels)
+        std::tie(picture.size.width, picture.size.height) = *pixels;
+    if (pixels ? !isPictureSize(pixels->first, pixels->second) : !picture.size.paper)
+        refuse(place, value, "WxH or, in millimetres, WxHmm, " + wordsOfPictureSize());
+}
+
+int countUpTo(const Json& value, const std::string& place, int least, int most)
+{
+    if (!value.is_number_unsigned() || value < least || value > most)
+        refuse(place, value,
+               "a whole number from " + std::to_string(least) + " to " + std::to_string(most));
+    return value.get<int>();
+}
+
+std::map<std::string, std::string> readPictureStyle(const Json& value, const std::string& place)
+{
+    readStyle(value, place);
+    const std::vector<std::string> known = settingsOfPicture();
+    std::map<std::string, std::string> texts;
+    for (const auto& [name, text] : value.items()) {
+        if (std::find(known.begin(), known.end(), name) == known.end())
+            refuse(place, name, "a setting that a picture has of its own");
+        texts[name] = text.get<std::string>();
+    }
+    return texts;
+}
+
+PictureChoice readPicture(const Json& value, const std::string& place)
+{
+    PictureChoice picture;
+    readObject(
+        value, place,
+        {{"size", [&](const Json& v, const std::string& p) { readPictureSize(v, p, picture); }},
+         {"keeps shape",
+          [&](const Json& v, const std::string& p) { picture.keepsShape = switchIn(v, p); }},
+         {"dpi",
+          [&](const Json& v, const std::string& p) {
+              picture.size.dpi = countUpTo(v, p, SMALLEST_DPI, LARGEST_DPI);
+          }},
+         {"samples",
+          [&](const Json& v, const std::string& p) {
+              picture.size.samples = countUpTo(v, p, 1, MOST_SAMPLES);
+          }},
+         {"transparent",
+          [&](const Json& v, const std::string& p) { picture.size.transparent = switchIn(v, p); }},
+         {"style", [&](const Json& v, const std::string& p) {
+              picture.settings = readPictureStyle(v, p);
+          }}});
+    return picture;
+}
+
+Json jsonOf(const PictureChoice& picture)
+{
+    const PictureChoice usual;
+    Json json = Json::object();
+    if (!picture.isOfView)
+        json["size"] = picture.size.paper ? textOf(*picture.size.paper)
+                                          : std::to_string(picture.size.width) + "x" +
+                                                std::to_string(picture.size.height);
+    if (picture.keepsShape != usual.keepsShape)
+        json["keeps shape"] = picture.keepsShape;
+    if (picture.size.dpi)
+        json["dpi"] = *picture.size.dpi;
+    if (picture.size.samples != usual.size.samples)
+        json["samples"] = picture.size.samples;
+    if (picture.size.transparent)
+        json["transparent"] = true;
+    if (!picture.settings.empty())
+        json["style"] = picture.settings;
+    return json;
+}
+
 // Whoever writes about what is found in lists goes as deep as they do.
 bool refuseDeeper(int depth, Json::parse_event_t /*event*/, Json& /*value*/)
 {
@@ -195,7 +326,19 @@ Session readSession(const Json& whole)
           [&](const Json& v, const std::string& p) { session.camera = readCamera(v, p); }},
          {"frame", [&](const Json& v, const std::string& p) { session.frame = frameIn(v, p); }},
          {"size",
-          [&](const Json& v, const std::string& p) { session.pictureSize = readSize(v, p); }}});
+          [&](const Json& v, const std::string& p) { session.pictureSize = readSize(v, p); }},
+         {"picture",
+          [&](const Json& v, const std::string& p) { session.picture = readPicture(v, p); }},
+         {"measurements", readAll(session.measurements, readMeasurement)},
+         {"views", readAll(session.views, readView)},
+         {"beside",
+          [&](const Json& v, const std::string& p) { session.beside = readBeside(v, p); }}});
+    std::set<std::string> names;
+    for (const NamedView& view : session.views) {
+        if (!names.insert(view.name).second)
+            throw Fault("views: found two of the name " + inQuotes(view.name) +
+                        ", expected one of each");
+    }
     if (session.files.empty())
         throw Fault("found no files, expected at least one");
     return session;
@@ -231,6 +374,21 @@ std::string textOf(const Session& session)
         whole["frame"] = *session.frame;
     if (session.pictureSize)
         whole["size"] = {session.pictureSize->first, session.pictureSize->second};
+    const Json picture = jsonOf(session.picture);
+    if (!picture.empty())
+        whole["picture"] = picture;
+    for (const Measurement& measurement : session.measurements) {
+        Json& entry = whole["measurements"].emplace_back();
+        entry["what"] = textOf(measurement);
+        if (!measurement.name.empty())
+            entry["name"] = measurement.name;
+        if (!measurement.isShown)
+            entry["shown"] = false;
+    }
+    for (const NamedView& view : session.views)
+        whole["views"].push_back({{"name", view.name}, {"camera", formatCamera(view.camera)}});
+    if (session.beside.what)
+        whole["beside"] = {{"what", *session.beside.what}, {"tied", session.beside.isTied}};
     return whole.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 

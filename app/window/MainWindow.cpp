@@ -246,6 +246,7 @@ void MainWindow::buildMenus()
         kept.numbers = camera;
         place(kept);
     };
+    connect(views, &NamedViews::changed, this, [this] { history->note(); });
 }
 
 QWidget* MainWindow::buildView()
@@ -289,7 +290,11 @@ void MainWindow::buildViews()
     sideBySide->onPick = [this](const Told& told) { statusText->tell({told}); };
     sideBySide->onFailure = [this](const std::string& error) {
         statusText->tell({toldOf(error, {options.beside.what.value_or("")})});
-        setBeside({});
+        {
+            const History::Pause pause(*history);
+            setBeside({});
+        }
+        history->refuse();
     };
 }
 
@@ -671,6 +676,9 @@ void MainWindow::follow(std::unique_ptr<LoadJob> newJob, Tell tell, CameraChoice
                     if (style != options && scene->getData())
                         restyle();
                     if (options.session && choice == NEW_CAMERA) {
+                        pictureChoice = options.session->picture;
+                        measurements->set(options.session->measurements);
+                        views->set(options.session->views);
                         rememberFiles({QString::fromStdString(options.session->name)});
                         sessions->findChanged(*options.session);
                     }
@@ -732,6 +740,10 @@ Session MainWindow::getSession() const
         session.frame = player->getFrame();
     const SbVec2s size = ownedViewer->getGLSize();
     session.pictureSize = {size[0], size[1]};
+    session.picture = pictureChoice;
+    session.measurements = measurements->get();
+    session.views = views->get();
+    session.beside = options.beside;
     return session;
 }
 
@@ -1142,6 +1154,7 @@ void MainWindow::setBeside(const BesideRequest& request)
 {
     const bool isOther = request.what != options.beside.what;
     options.beside = request;
+    history->note();
     sideBySide->setTied(request.isTied);
     if (isOther)
         openBeside();
@@ -1387,6 +1400,8 @@ WindowState MainWindow::getState() const
     state.areColoursShown = (*menus)[Command::SHOW_COLOURS]->isChecked();
     if (scene) {
         state.measurements = measurements->get();
+        state.views = views->get();
+        state.beside = options.beside;
         state.camera = getCameraNumbers();
     }
     return state;
@@ -1398,6 +1413,10 @@ void MainWindow::showState(const WindowState& state)
     if (state.style != now.style)
         setStyle(state.style);
     measurements->set(state.measurements);
+    if (state.views != now.views)
+        views->set(state.views);
+    if (!(state.beside == now.beside))
+        setBeside(state.beside);
     if (state.areColoursShown != now.areColoursShown) {
         (*menus)[Command::SHOW_COLOURS]->setChecked(state.areColoursShown);
         setColours(state.areColoursShown);

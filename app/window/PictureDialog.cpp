@@ -38,7 +38,6 @@ const int ROOM = 280;
 const int PAUSE = 150, SHARE = 4; // milliseconds; of its own time
 
 const int PIXELS = 0, MILLIMETRES = 1; // in the list of units
-const int MOST_SAMPLES = 8;
 
 void name(QWidget& widget, const char* objectName, const char* description)
 {

@@ -12,7 +12,7 @@ namespace strandview {
 bool operator==(const WindowState& a, const WindowState& b)
 {
     return a.style == b.style && a.areColoursShown == b.areColoursShown && a.camera == b.camera &&
-           a.measurements == b.measurements;
+           a.measurements == b.measurements && a.views == b.views && a.beside == b.beside;
 }
 
 std::string differenceOf(const WindowState& a, const WindowState& b)
@@ -28,6 +28,10 @@ std::string differenceOf(const WindowState& a, const WindowState& b)
         names.emplace_back("camera");
     if (!(a.measurements == b.measurements))
         names.emplace_back("measurements");
+    if (a.views != b.views)
+        names.emplace_back("named views");
+    if (!(a.beside == b.beside))
+        names.emplace_back("second view");
     if (names.empty())
         return "";
     std::string& first = names.front();
@@ -53,6 +57,10 @@ WindowState withChange(WindowState state, const WindowState& from, const WindowS
         state.camera = to.camera;
     if (!(from.measurements == to.measurements))
         state.measurements = to.measurements;
+    if (from.views != to.views)
+        state.views = to.views;
+    if (!(from.beside == to.beside))
+        state.beside = to.beside;
     return state;
 }
 

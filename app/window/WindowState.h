@@ -5,8 +5,10 @@
 #include <string>
 #include <vector>
 
+#include "request/BesideRequest.h"
 #include "request/CameraNumbers.h"
 #include "request/Measurement.h"
+#include "request/NamedView.h"
 #include "request/StyleRequest.h"
 
 namespace strandview {
@@ -18,6 +20,8 @@ struct WindowState
     bool areColoursShown = true; ///< those of data
     CameraNumbers camera{};
     std::vector<Measurement> measurements = {}; ///< that are kept
+    std::vector<NamedView> views = {};
+    BesideRequest beside = {};
 };
 
 bool operator==(const WindowState& a, const WindowState& b);

@@ -127,7 +127,7 @@ TEST_F(SessionFileTest, ThePictureOfASessionIsThatOfTheOptionsThatItHolds)
     session.camera = parseCamera("orthographic,0.1,0.1,4,0,0,0,1,4,2.5");
     ASSERT_TRUE(session.camera);
     session.pictureSize = {120, 80};
-    session.reading = {"--samples", "2"};
+    session.picture.size.samples = 2;
     ASSERT_EQ(save(rod, folder.path("work.strandview")), "");
     const ProgramRun ofSession =
         run({folder.path("work.strandview"), "--render", folder.path("session.png")});

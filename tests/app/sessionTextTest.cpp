@@ -30,6 +30,9 @@ Session readBack(const Session& session)
     return read.value_or(Session());
 }
 
+const std::string CAMERA = "orthographic,2.2660384,-1.7460601,3.0243015,0.25,0.25,0.0669873,"
+                           "0.93301266,4.0323534,6.095605";
+
 Session ofOneFile()
 {
     Session session;
@@ -54,11 +57,20 @@ TEST(SessionText, BringsBackAllThatWasSaid)
     session.style.showTube = false;
     session.style.compare = "first";
     session.areColoursShown = false;
-    session.camera = parseCamera("orthographic,2.2660384,-1.7460601,3.0243015,0.25,0.25,0.0669873,"
-                                 "0.93301266,4.0323534,6.095605");
+    session.camera = parseCamera(CAMERA);
     ASSERT_TRUE(session.camera);
     session.frame = 12;
     session.pictureSize = {1200, 900};
+    session.measurements = {*parseMeasurement("rod 1:10,rod 1:40"),
+                            *parseMeasurement("angle rod 1:0.1,point at 0.1 2 1e-9,marker 3")};
+    session.measurements[1].name = "a \"bend\"";
+    session.measurements[1].isShown = false;
+    session.views = {{"front", *session.camera}, {"the \u00e4nd", *session.camera}};
+    session.views[1].camera.size = 0.3F;
+    session.beside = {"other/rod.txt", false};
+    session.picture.size = {1, 1, parsePaperSize("85.5x60mm"), 600, 2, true};
+    session.picture.isOfView = session.picture.keepsShape = false;
+    session.picture.settings = {{"background", "#000000"}, {"legend", "off"}};
 
     const Session read = readBack(session);
     ASSERT_EQ(read.files.size(), 2U);
@@ -73,6 +85,14 @@ TEST(SessionText, BringsBackAllThatWasSaid)
     EXPECT_EQ(*read.camera, *session.camera);
     EXPECT_EQ(read.frame, 12U);
     EXPECT_EQ(read.pictureSize, session.pictureSize);
+    EXPECT_EQ(read.measurements, session.measurements);
+    EXPECT_EQ(read.views, session.views);
+    EXPECT_TRUE(read.beside == session.beside);
+    session.picture.size.width = PictureRequest().width; // those of the paper
+    session.picture.size.height = PictureRequest().height;
+    EXPECT_TRUE(read.picture == session.picture);
+    session.picture.size.paper.reset();
+    EXPECT_TRUE(readBack(session).picture == session.picture);
 }
 
 TEST(SessionText, LeavesOpenWhatWasNotSaid)
@@ -83,6 +103,10 @@ TEST(SessionText, LeavesOpenWhatWasNotSaid)
     EXPECT_FALSE(read.camera);
     EXPECT_FALSE(read.frame);
     EXPECT_FALSE(read.pictureSize);
+    EXPECT_TRUE(read.picture == PictureChoice());
+    EXPECT_TRUE(read.measurements.empty());
+    EXPECT_TRUE(read.views.empty());
+    EXPECT_FALSE(read.beside.what);
 }
 
 TEST(SessionText, KeepsLengthsToTheLastBit)
@@ -120,6 +144,24 @@ TEST(SessionText, RefusesWhatIsNoSessionInOneLineThatSaysWhere)
               "style, radius: found 1, expected a text");
     EXPECT_THAT(faultOf(around(R"(, "style": {"colour": "red"})")),
                 StartsWith("style: found the setting 'colour', expected"));
+    EXPECT_EQ(
+        faultOf(around(R"(, "measurements": [{"what": "rod"}])")),
+        "measurements 1, what: found \"rod\", expected what is measured between which places");
+    EXPECT_EQ(faultOf(around(R"(, "measurements": [{"name": "x"}])")),
+              "measurements 1: found {\"name\":\"x\"}, expected \"what\" is measured");
+    EXPECT_EQ(faultOf(around(R"(, "views": [{"name": "x"}])")),
+              "views 1: found {\"name\":\"x\"}, expected a view with its \"name\" and \"camera\"");
+    EXPECT_THAT(faultOf(around(R"(, "picture": {"size": "0x5"})")),
+                StartsWith("picture, size: found \"0x5\", expected WxH or, in millimetres"));
+    EXPECT_EQ(faultOf(around(R"(, "picture": {"samples": 99})")),
+              "picture, samples: found 99, expected a whole number from 1 to 8");
+    EXPECT_EQ(faultOf(around(R"(, "picture": {"style": {"radius": "1"}})")),
+              "picture, style: found \"radius\", expected a setting that a picture has of its own");
+    EXPECT_EQ(faultOf(around(R"(, "views": [{"name": "x", "camera": ")" + CAMERA +
+                             R"("}, {"name": "x", "camera": ")" + CAMERA + R"("}])")),
+              "views: found two of the name 'x', expected one of each");
+    EXPECT_EQ(faultOf(around(R"(, "beside": {"tied": true})")),
+              "beside: found {\"tied\":true}, expected \"what\" is beside");
     EXPECT_EQ(faultOf(R"({"strandview session": 1, "files": [{"name": "-"}]})"),
               "files 1: found {\"name\":\"-\"}, expected the name of a file");
     EXPECT_EQ(faultOf(R"({"strandview session": 1, "files": "rod.txt"})"),

@@ -23,7 +23,10 @@
 #include "scene/DataScene.h"
 #include "support/realInput.h"
 #include "support/runProgram.h"
+#include "window/MeasurementKeeper.h"
+#include "window/NamedViews.h"
 #include "window/Player.h"
+#include "window/SideBySide.h"
 
 namespace strandview {
 
@@ -107,7 +110,13 @@ TEST_F(SessionKeeperTest, TheCommandLineMakesThePictureThatTheWindowSaves)
 {
     ASSERT_NO_FATAL_FAILURE(openText(RODS, "rods.txt"));
     StyleRequest style = window->getStyle();
-    style.colourBy = "curvature";
+    for (const auto& [setting, text] : std::vector<std::pair<const char*, const char*>>{
+             {"colour-by", "curvature"},
+             {"thing", "rod 1: radius=0.05, colour=red; rod 2: transparency=0.5, name=upper"},
+             {"clip", "x:0.9"},
+             {"scale-bar", "on"},
+             {"legend", "right"}})
+        ASSERT_EQ(settingOf(setting).read(text, style), "");
     window->setStyle(style);
     ASSERT_TRUE(comesTo([this] { return !window->isRestyling(); }));
     pressRealKey("Control+3");
@@ -119,6 +128,34 @@ TEST_F(SessionKeeperTest, TheCommandLineMakesThePictureThatTheWindowSaves)
     EXPECT_EQ(run.status, 0) << run.error;
     EXPECT_NE(bytesOf("window.png"), "");
     EXPECT_EQ(bytesOf("command.png"), bytesOf("window.png"));
+}
+
+TEST_F(SessionKeeperTest, WhatWasHiddenMeasuredKeptAndComparedComesBack)
+{
+    ASSERT_NO_FATAL_FAILURE(openText(RODS, "rods.txt"));
+    ASSERT_NO_FATAL_FAILURE(setThings("rod 2: hidden, name=upper"));
+    std::vector<Measurement> measurements{*parseMeasurement("rod 1:0,rod 1:2"),
+                                          *parseMeasurement("angle rod 1:0,rod 1:1,rod 1:2")};
+    measurements[1].name = "bend";
+    window->getMeasurements().set(measurements);
+    const std::vector<NamedView> views{{"front", window->getCameraNumbers()}};
+    window->getViews().set(views);
+    window->setBeside({folder.write("beside.txt", RODS), false});
+    ASSERT_TRUE(comesTo([this] { return window->getSideBySide().getScene(); }));
+    ASSERT_NO_FATAL_FAILURE(save(work()));
+
+    fs::create_directories(folder.path("moved"));
+    for (const char* file : {"rods.txt", "beside.txt", "work.strandview"})
+        fs::rename(folder.path(file), folder.path(std::string("moved/") + file));
+    window->setBeside({});
+    ASSERT_NO_FATAL_FAILURE(openSession(folder.path("moved/work.strandview")));
+    EXPECT_TRUE(scene->getLook({0, 1}).isHidden());
+    EXPECT_EQ(scene->getLook({0, 1}).name, std::string("upper"));
+    EXPECT_EQ(window->getMeasurements().get(), measurements);
+    EXPECT_EQ(window->getViews().get(), views);
+    EXPECT_EQ(window->getBeside().what, folder.path("moved/beside.txt"));
+    EXPECT_FALSE(window->getBeside().isTied);
+    EXPECT_TRUE(comesTo([this] { return window->getSideBySide().getScene(); }));
 }
 
 TEST_F(SessionKeeperTest, APictureWithoutTheColoursThatAreSwitchedOffIsThatOfSessionAndCommand)
