@@ -1312,10 +1312,19 @@ void MainWindow::dropComparison()
 
 void MainWindow::showThings()
 {
+    const bool wasFitted = isFitted();
+    const SbBox3f before = scene->getBox();
     scene->setTransparency(options.transparency);
     scene->setLooks(options.things);
     things->follow();
     sideBySide->followLooks(*scene);
+    // What is shown again may lie outside of a view that was fitted without it.
+    SbBox3f both = before;
+    both.extendBy(scene->getBox());
+    if (wasFitted && both != before) {
+        const History::Pause pause(*history);
+        fit();
+    }
 }
 
 void MainWindow::restyle()

@@ -47,6 +47,7 @@ MeasurementPanel::MeasurementPanel(QWidget* parent)
       tree(new QTreeWidget(this))
 {
     tree->setObjectName("measurementList");
+    tree->setAccessibleName("Measurements that are kept");
     tree->setHeaderLabels({"Measured", "Value", "Places"});
     tree->setRootIsDecorated(false);
     tree->setSelectionMode(QAbstractItemView::ExtendedSelection);
@@ -78,6 +79,7 @@ void MeasurementPanel::buildButtons()
     layout->addLayout(grid);
     layout->addWidget(tree, 1);
     kindBox->setObjectName("measureKind");
+    kindBox->setAccessibleName("What is measured");
     keepButton->setObjectName("keepMeasurementButton");
     keepButton->setToolTip("Keeps what is measured in the list below (M)");
     deleteButton->setObjectName("deleteMeasurementButton");

@@ -281,6 +281,7 @@ TEST_F(ThingsPanelTest, SeveralAreChosenWithCtrlAndShiftAndHiddenAtOnce)
 TEST_F(ThingsPanelTest, WhatIsChangedIsAPartOfTheStyleThatIsAskedFor)
 {
     openRods(1);
+    const SoNode* const node = scene->getShown(0)[0].node;
     clickTick(0);
     ASSERT_TRUE(comesToHave(false, true));
     EXPECT_EQ(settingOf("thing").write(window->getStyle()), "rod 1: hidden");
@@ -291,7 +292,8 @@ TEST_F(ThingsPanelTest, WhatIsChangedIsAPartOfTheStyleThatIsAskedFor)
     press("hideAllButton");
     ASSERT_TRUE(comesToHave(false, false));
     EXPECT_EQ(settingOf("thing").write(window->getStyle()), "rod 2: name=arm; others: hidden");
-    EXPECT_FALSE(window->isRestyling()) << "no node is new";
+    ASSERT_TRUE(comesTo([this] { return !window->isRestyling(); }));
+    EXPECT_EQ(scene->getShown(0)[0].node, node) << "no node is new";
 }
 
 TEST_F(ThingsPanelTest, AStyleHidesNamesAndColoursThingsAndTakesItBack)
