@@ -26,6 +26,8 @@ const float AXIS_LENGTH = 26;
 const float LETTER_DISTANCE = 10; // from an axis's end to the middle of its letter
 const float HALF_LETTER = 4;
 const float LINE_WIDTH = 2.5f;
+// How far a legend is from the middle of a view, in halves of its shorter side.
+const float LEGEND_REACH = 0.9F;
 
 // An axis seen from its end has its letter beside it.
 const float SHORTEST_SEEN = 0.3f;
@@ -94,12 +96,30 @@ SoNode* AxisCross::getNode() const { return overlay; }
 
 void AxisCross::setView(const SbVec2s& size, float scale)
 {
-    const float width = float(size[0]) / scale, height = float(size[1]) / scale;
+    viewSize = size;
+    viewScale = scale;
+    place();
+    style->lineWidth = LINE_WIDTH * scale;
+}
+
+void AxisCross::setLegendRoom(float part)
+{
+    if (part == legendRoom) // in each frame: a change would ask for another one
+        return;
+    legendRoom = part;
+    place();
+}
+
+void AxisCross::place()
+{
+    const float width = float(viewSize[0]) / viewScale, height = float(viewSize[1]) / viewScale;
+    const bool isBesideLegend =
+        width / 2 - 2 * HALF_SIDE > LEGEND_REACH * std::min(width, height) / 2;
+    const float below = isBesideLegend ? 0 : legendRoom * height;
     // The origin is the middle of the cross.
-    camera->position = SbVec3f(HALF_SIDE - width / 2, height / 2 - HALF_SIDE, 1);
+    camera->position = SbVec3f(HALF_SIDE - width / 2, height / 2 - HALF_SIDE - below, 1);
     camera->height = height;
     camera->aspectRatio = width / height;
-    style->lineWidth = LINE_WIDTH * scale;
 }
 
 void AxisCross::setOrientation(const SbRotation& orientation)

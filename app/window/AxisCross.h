@@ -34,6 +34,9 @@ public:
 
     /// The view's size in its pixels, of which `scale` make one of the desktop's.
     void setView(const SbVec2s& size, float scale);
+    /// So much of the view's height is a legend's, at the bottom: the cross stands above it where
+    /// the view is too narrow for both.
+    void setLegendRoom(float part);
     /// That of the scene's camera.
     void setOrientation(const SbRotation& orientation);
     void show(bool shown);
@@ -43,6 +46,11 @@ public:
     static constexpr float HALF_SIDE = 44;
 
 private:
+    void place();
+
+    SbVec2s viewSize{1, 1};
+    float viewScale = 1;
+    float legendRoom = 0;
     SoOverlay* overlay;
     SoSwitch* visibility;
     SoOrthographicCamera* camera;

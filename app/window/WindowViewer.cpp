@@ -19,6 +19,7 @@
 #include <SoGeneralScene.h>
 
 #include "camera/Camera.h"
+#include "scene/DataScene.h"
 
 namespace strandview {
 
@@ -73,6 +74,7 @@ void WindowViewer::resetToHomePosition()
 
 void WindowViewer::setSceneGraph(SoNode* root)
 {
+    data = dynamic_cast<const DataScene*>(root);
     auto* withAxes = new SoSeparator;
     withAxes->addChild(axes.getNode());
     withAxes->addChild(root);
@@ -142,6 +144,7 @@ void WindowViewer::actualRedraw()
 {
     if (getCamera())
         outline.prepare(*getCamera(), *getGLRenderAction(), getGLWidget()->devicePixelRatioF());
+    axes.setLegendRoom(data ? data->getLegendRoom().bottom : 0);
     SoQtGeneralViewer::actualRedraw();
     outline.draw();
     const SbVec2s size = getGLSize();

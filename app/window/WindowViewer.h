@@ -21,6 +21,8 @@
 
 namespace strandview {
 
+class DataScene;
+
 /// The window's viewer: it lets the window see the size that pictures take, what is clicked and
 /// when a frame is drawn, leaves the home to it, and shows axes of its own.
 class WindowViewer : public SoQtGeneralViewer
@@ -84,7 +86,8 @@ private:
     bool isQuickPick(const SoEvent* event) const;
     void pickAt(const SbVec2s& place);
 
-    SbVec2s pressed; ///< where a button was
+    const DataScene* data = nullptr; ///< that is shown, if it is one
+    SbVec2s pressed;                 ///< where a button was
 
     SoFieldSensor cameraWatcher{turnAxes, this};
     SoNodeSensor cameraTeller{tellCamera, this};

@@ -965,6 +965,12 @@ TEST_F(SceneUpdateTest, OtherColoursAreThoseOfANewSceneAndTheirShapesStay)
         {"legend", "top"},        {"legend-title", "t"},     {"legend-unit", "u"},
         {"legend-format", ".2f"}, {"scale-bar", "on"},       {"scale-unit", "mm"}};
     options.showRibbon = true;
+    options.transparency = 0.3;
+    options.clip = parseClipPlane("x:0.7");
+    ASSERT_EQ(readThings("rod 1: colour=#00ff00, ribbon-colour=blue, transparency=0.5, radius=0.2; "
+                         "birod 1: colour=red; DNA 1: transparency=0",
+                         options.things),
+              "");
     Configuration data = oneOfEach();
     setScalar(data.rods[0], [](double t) { return t; });
     build(data);

@@ -50,6 +50,7 @@
 #include "programWindows.h"
 #include "request/settings.h"
 #include "scene/DataScene.h"
+#include "scene/Legend.h"
 #include "scene/SceneBuilder.h"
 #include "scene/SceneLoader.h"
 #include "support/keepPictures.h"
@@ -1439,6 +1440,28 @@ TEST_F(MainWindowTest, AxesInTheCornerAreSeenInTheWindowAloneAndCanBeTakenAway)
     EXPECT_TRUE(comesToShow(notSeen));
     action("Axes in the corner")->trigger();
     EXPECT_TRUE(comesToShow(seen));
+}
+
+TEST_F(MainWindowTest, AxesAreAboveALegendWhereTheViewIsTooNarrowForBoth)
+{
+    ASSERT_EQ(settingOf("colour-by").read("arclength", options), "");
+    ASSERT_EQ(settingOf("colours").read("black,white", options), "");
+    options.windowSize = {420, 600};
+    open({write("straight.txt", STRAIGHT)});
+    const int side = 2 * int(AxisCross::HALF_SIDE);
+    const auto inCorner = [](const QImage& p) { return count(axesOf(p), isAxis) > 100; };
+    const auto above = [&](const QImage& p) {
+        const int room = int(std::ceil(roomOf(LegendPlace::BOTTOM, 0).bottom * float(p.height())));
+        const QImage there = p.copy(p.width() - side, p.height() - side - room, side, side);
+        return count(p, isAxis) > 100 && count(there, isAxis) == count(p, isAxis);
+    };
+    EXPECT_TRUE(comesToShow(above));
+    action("Colours of data")->trigger();
+    EXPECT_TRUE(comesToShow(inCorner));
+    action("Colours of data")->trigger();
+    EXPECT_TRUE(comesToShow(above));
+    window->resize(900, 600);
+    EXPECT_TRUE(comesToShow(inCorner));
 }
 
 TEST_F(MainWindowTest, AxesTurnWithTheCamera)
