@@ -10,6 +10,8 @@
 #include <QStyle>
 #include <QToolBar>
 
+#include "window/textColouredIcon.h"
+
 namespace strandview {
 
 namespace {
@@ -26,7 +28,12 @@ QIcon iconOf(const Action& action, const QMenu& menu)
         {Command::LAST_FRAME, QStyle::SP_MediaSkipForward}};
     const auto* command = std::get_if<Command>(&action.deed);
     const auto icon = command ? icons.find(*command) : icons.end();
-    return icon == icons.end() ? QIcon() : menu.style()->standardIcon(icon->second);
+    if (icon == icons.end())
+        return {};
+    const QIcon ofStyle = menu.style()->standardIcon(icon->second);
+    const bool hasColours = icon->first == Command::OPEN ||
+                            icon->first == Command::SAVE_PICTURE; // the others are black
+    return hasColours ? ofStyle : textColouredIcon(ofStyle);
 }
 
 } // namespace

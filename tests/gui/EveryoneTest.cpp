@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The window for those who have no mouse, hear what it shows, or need it large.
 #include <algorithm>
+#include <cmath>
 #include <map>
 #include <string>
 #include <vector>
@@ -22,6 +23,7 @@
 #include <QTabBar>
 #include <QTest>
 #include <QTextEdit>
+#include <QToolButton>
 #include <gmock/gmock.h>
 
 #include <LightingDialog.h>
@@ -284,6 +286,88 @@ TEST_F(EveryoneTest, NoTextOfAPanelIsCut)
         }
         EXPECT_GT(looked, 0);
     }
+}
+
+namespace {
+
+QPalette darkPalette()
+{
+    QPalette dark(QColor(53, 53, 53));
+    dark.setColor(QPalette::Base, QColor(35, 35, 35));
+    for (const QPalette::ColorRole text :
+         {QPalette::Text, QPalette::WindowText, QPalette::ButtonText})
+        dark.setColor(QPalette::Active, text, QColor(235, 235, 235));
+    return dark;
+}
+
+// As https://www.w3.org/TR/WCAG21/#dfn-relative-luminance defines it.
+double luminanceOf(const QColor& colour)
+{
+    const auto linear = [](double part) {
+        return part <= 0.03928 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) +
+           0.0722 * linear(colour.blueF());
+}
+
+// From 1 to 21, between what there is most of and what differs most from that.
+double contrastOf(const QImage& picture)
+{
+    std::map<QRgb, int> counts;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x)
+            ++counts[picture.pixel(x, y)];
+    }
+    const auto most =
+        std::max_element(counts.begin(), counts.end(),
+                         [](const auto& a, const auto& b) { return a.second < b.second; });
+    const double ground = luminanceOf(most->first);
+    double contrast = 1;
+    for (const auto& [colour, count] : counts) {
+        const double one = luminanceOf(colour);
+        contrast =
+            std::max(contrast, (std::max(one, ground) + 0.05) / (std::min(one, ground) + 0.05));
+    }
+    return contrast;
+}
+
+} // namespace
+
+// As https://www.w3.org/TR/WCAG21/#contrast-minimum asks of texts.
+TEST_F(EveryoneTest, WhatIsWrittenIsReadOnADarkDesktopAsOnALightOne)
+{
+    const QPalette light = QApplication::palette();
+    for (const bool isDark : {false, true}) {
+        SCOPED_TRACE(isDark ? "dark" : "light");
+        QApplication::setPalette(isDark ? darkPalette() : light);
+        int looked = 0;
+        for (QDockWidget* dock : docks) {
+            SCOPED_TRACE(dock->windowTitle().toStdString());
+            ASSERT_NO_FATAL_FAILURE(showAlone(*dock));
+            for (QWidget* widget : dock->findChildren<QWidget*>()) {
+                const auto* const label = qobject_cast<const QLabel*>(widget);
+                const auto* const button = qobject_cast<const QAbstractButton*>(widget);
+                const bool isWritten =
+                    (label && !label->text().isEmpty()) || (button && !button->text().isEmpty());
+                if (!isWritten || !widget->isVisible() || !widget->isEnabled())
+                    continue;
+                ++looked;
+                EXPECT_GE(contrastOf(widget->grab().toImage()), 4.5) << nameOf(*widget);
+            }
+        }
+        EXPECT_GT(looked, 40);
+        int icons = 0;
+        for (QToolButton* button : window->findChildren<QToolButton*>()) {
+            const bool isIcon =
+                button->toolButtonStyle() == Qt::ToolButtonIconOnly && !button->icon().isNull();
+            if (!isIcon || !button->isVisible() || !button->isEnabled())
+                continue;
+            ++icons;
+            EXPECT_GE(contrastOf(button->grab().toImage()), 3) << nameOf(*button);
+        }
+        EXPECT_GT(icons, 4);
+    }
+    QApplication::setPalette(light);
 }
 
 } // namespace strandview
