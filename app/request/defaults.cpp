@@ -7,6 +7,7 @@
 #include <cstring>
 #include <fstream>
 #include <optional>
+#include <set>
 
 #include <sys/stat.h>
 
@@ -138,8 +139,9 @@ StyleRequest forOtherData(StyleRequest request)
     for (const Setting& setting : settings()) {
         const bool isAboutScalar =
             setting.kind == SettingKind::TEXT && setting.neededSetting == "colour-by";
-        if (isAboutScalar || setting.kind == SettingKind::RANGE ||
-            setting.kind == SettingKind::REFERENCE)
+        const std::set<SettingKind> ofTheseData{SettingKind::RANGE, SettingKind::REFERENCE,
+                                                SettingKind::THINGS, SettingKind::CLIP};
+        if (isAboutScalar || ofTheseData.count(setting.kind) > 0)
             setting.clear(request);
     }
     return request;

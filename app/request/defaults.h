@@ -35,8 +35,8 @@ std::string readDefaults(const std::string& file, StyleRequest& request);
 /// usual.
 std::string defaultsText(const StyleRequest& request);
 
-/// What of a request is meant for other data, too: without a reference, a range, or words about a
-/// scalar.
+/// What of a request is meant for other data, too: without a reference, a range, words about a
+/// scalar, what is said of single things, or a clipping plane.
 StyleRequest forOtherData(StyleRequest request);
 
 } // namespace strandview

@@ -227,13 +227,15 @@ TEST_F(DefaultsTest, TheUsualFileIsInTheFolderOfTheUsersSettings)
     set("HOME", home);
 }
 
-TEST_F(DefaultsTest, ForOtherDataThereIsNoRangeReferenceAndTitle)
+TEST_F(DefaultsTest, ForOtherDataThereIsNoRangeReferenceTitleThingAndCut)
 {
     StyleRequest request, rest;
     for (const auto& [name, value] :
          std::vector<std::pair<std::string, std::string>>{{"colour-by", "load"},
                                                           {"range", "0:1"},
                                                           {"compare", "first"},
+                                                          {"thing", "rod 2: hidden"},
+                                                          {"clip", "x:1"},
                                                           {"legend-title", "Load"},
                                                           {"legend-unit", "N"},
                                                           {"legend", "left"},
