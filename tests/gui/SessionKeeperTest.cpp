@@ -74,6 +74,17 @@ protected:
         std::ifstream file(folder.path(name), std::ios::binary);
         return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
     }
+    // Of the window, and of the command line with the session that it saves.
+    void expectSamePictures() const
+    {
+        window->savePicture(QString::fromStdString(folder.path("window.png")));
+        ASSERT_NO_FATAL_FAILURE(save(work()));
+        const ProgramRun run =
+            runProgram(STRANDVIEW_PROGRAM, {"--render", folder.path("command.png"), work()});
+        EXPECT_EQ(run.status, 0) << run.error;
+        EXPECT_NE(bytesOf("window.png"), "");
+        EXPECT_EQ(bytesOf("command.png"), bytesOf("window.png"));
+    }
     std::string work() const { return folder.path("work.strandview"); }
 };
 
@@ -121,13 +132,7 @@ TEST_F(SessionKeeperTest, TheCommandLineMakesThePictureThatTheWindowSaves)
     ASSERT_TRUE(comesTo([this] { return !window->isRestyling(); }));
     pressRealKey("Control+3");
     ASSERT_TRUE(comesToBePainted());
-    window->savePicture(QString::fromStdString(folder.path("window.png")));
-    ASSERT_NO_FATAL_FAILURE(save(work()));
-    const ProgramRun run =
-        runProgram(STRANDVIEW_PROGRAM, {"--render", folder.path("command.png"), work()});
-    EXPECT_EQ(run.status, 0) << run.error;
-    EXPECT_NE(bytesOf("window.png"), "");
-    EXPECT_EQ(bytesOf("command.png"), bytesOf("window.png"));
+    ASSERT_NO_FATAL_FAILURE(expectSamePictures());
 }
 
 TEST_F(SessionKeeperTest, WhatWasHiddenMeasuredKeptAndComparedComesBack)
@@ -168,13 +173,7 @@ TEST_F(SessionKeeperTest, APictureWithoutTheColoursThatAreSwitchedOffIsThatOfSes
     }
     ASSERT_FALSE(scene->areColoursShown());
     ASSERT_TRUE(comesToBePainted());
-    window->savePicture(QString::fromStdString(folder.path("window.png")));
-    ASSERT_NO_FATAL_FAILURE(save(work()));
-    const ProgramRun run =
-        runProgram(STRANDVIEW_PROGRAM, {"--render", folder.path("command.png"), work()});
-    EXPECT_EQ(run.status, 0) << run.error;
-    EXPECT_NE(bytesOf("window.png"), "");
-    EXPECT_EQ(bytesOf("command.png"), bytesOf("window.png"));
+    ASSERT_NO_FATAL_FAILURE(expectSamePictures());
     window->copyCommand();
     EXPECT_THAT(QApplication::clipboard()->text().toStdString(),
                 testing::Not(HasSubstr("curvature")));
