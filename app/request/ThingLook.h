@@ -52,6 +52,7 @@ struct ThingLook
     std::optional<double> transparency; ///< up to 1
 
     bool isHidden() const { return hidden.value_or(false); }
+    bool isOutOfView() const { return isHidden() || isDeleted; }
 };
 
 /// How single things are to look, also in frames to come and in those after one that has fewer.

@@ -115,6 +115,7 @@ void DataScene::restyle(const Placement& placementOfData, const Style& styleOfDa
 {
     placement = placementOfData;
     style = styleOfData;
+    ++styles;
     setBackground(style.background);
     cut(style.clip);
 }
@@ -284,11 +285,7 @@ void DataScene::showLook(const Thing& thing)
         datum.setColour(datum, toSbColor(*look.colour));
 }
 
-bool DataScene::isHidden(const Thing& thing) const
-{
-    const ThingLook look = getLook(thing);
-    return look.isHidden() || look.isDeleted;
-}
+bool DataScene::isHidden(const Thing& thing) const { return getLook(thing).isOutOfView(); }
 
 // Nobody knows what of the room other frames' hidden things take: it counts while nothing is.
 const SbBox3f& DataScene::getBox() const

@@ -48,6 +48,8 @@ public:
     /// Lets what is drawn over the data, and suits their background, be that of another style; the
     /// data stay as they are.
     void redress(const Style& next);
+    /// How many styles it has had: another number, another one.
+    std::size_t countStyles() const { return styles; }
 
     // Data: by their kinds, which are numbered from 0 in the order in which they are drawn, and
     // within a kind in their order.
@@ -173,6 +175,7 @@ private:
     };
     Placement placement;
     Style style;
+    std::size_t styles = 0;
     std::vector<Kind> kinds;
     std::shared_ptr<const Configuration> data;
     std::unordered_map<const SoNode*, Thing> things; ///< by the groups of data

@@ -214,7 +214,13 @@ void ClipHandles::show(const ClipPlane& plane, const Placement& placementOfData,
     visibility->whichChild = 0;
 }
 
-void ClipHandles::hide() { visibility->whichChild = SO_SWITCH_NONE; }
+void ClipHandles::hide()
+{
+    visibility->whichChild = SO_SWITCH_NONE;
+    if (isDragged) // the end of that would not come any more
+        events.releaseGrabber();
+    isDragged = false;
+}
 
 bool ClipHandles::isShown() const { return visibility->whichChild.getValue() == 0; }
 

@@ -9,6 +9,7 @@
 
 #include <QCoreApplication>
 
+#include "request/StyleRequest.h"
 #include "scene/DataScene.h"
 #include "scene/Progress.h"
 
@@ -69,6 +70,12 @@ private:
     LoadJob& job;
     Clock::time_point next = Clock::now() + INTERVAL;
 };
+
+std::vector<std::string> referenceOf(const StyleRequest& request)
+{
+    return request.compare && *request.compare != "first" ? std::vector{*request.compare}
+                                                          : std::vector<std::string>();
+}
 
 LoadJob::LoadJob(const std::vector<std::string>& filesToLoad, const Loader& loader,
                  const std::vector<std::string>& others)

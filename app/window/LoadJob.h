@@ -19,6 +19,10 @@
 namespace strandview {
 
 class DataScene;
+struct StyleRequest;
+
+/// What a loader reads beside the files that it shows.
+std::vector<std::string> referenceOf(const StyleRequest& request);
 
 /// Loads the scene of some files while a window goes on answering.
 ///

@@ -132,13 +132,6 @@ std::optional<std::string> findReadOnce(const std::vector<std::string>& files)
     return found == files.end() ? std::nullopt : std::optional(*found);
 }
 
-// What is read beside the files that are shown.
-std::vector<std::string> referenceOf(const StyleRequest& request)
-{
-    return request.compare && *request.compare != "first" ? std::vector{*request.compare}
-                                                          : std::vector<std::string>();
-}
-
 // "waiting for rod.txt:3: found 2 fields, expected 3", of a file that is named at the beginning.
 Told toldOfWaiting(const std::string& fault, const std::vector<std::string>& files)
 {
@@ -160,6 +153,14 @@ bool isSameButCut(const StyleRequest& one, StyleRequest other)
 {
     other.clip = one.clip;
     return one == other;
+}
+
+std::vector<std::string> namesOf(const Session& session)
+{
+    std::vector<std::string> names;
+    for (const SessionFile& file : session.files)
+        names.push_back(file.name);
+    return names;
 }
 
 QStringList localFiles(const QMimeData& data)
@@ -290,11 +291,10 @@ void MainWindow::buildViews()
     sideBySide->onPick = [this](const Told& told) { statusText->tell({told}); };
     sideBySide->onFailure = [this](const std::string& error) {
         statusText->tell({toldOf(error, {options.beside.what.value_or("")})});
-        {
-            const History::Pause pause(*history);
-            setBeside({});
-        }
-        history->refuse();
+        if (sideBySide->getScene()) // it may come to be whole again
+            return;
+        const History::Pause pause(*history);
+        setBeside({});
     };
 }
 
@@ -457,9 +457,11 @@ void MainWindow::buildStatusBar()
                     return;
                 }
                 statusText->tell({{"Saved", session.name}});
+                rememberFiles({QString::fromStdString(session.name)});
+                if (namesOf(session) != shownFiles)
+                    return; // others were opened meanwhile
                 options.session = session;
                 setWindowTitle(title());
-                rememberFiles({QString::fromStdString(session.name)});
             });
     connect(sessions.get(), &SessionKeeper::foundChanged, this, &MainWindow::tellChanged);
 }
@@ -472,6 +474,7 @@ void MainWindow::showScene(DataScene* newScene, const std::vector<std::string>& 
     CameraRequest same;
     if (choice == SAME_CAMERA && scene)
         same.numbers = getCameraNumbers();
+    const std::optional<CameraNumbers> homeBefore = ownedViewer->home.numbers;
     const bool wasFitted = isFitted(), isFirst = !scene;
     const History::Pause pause(*history);
     endPlaying();
@@ -497,6 +500,7 @@ void MainWindow::showScene(DataScene* newScene, const std::vector<std::string>& 
     curveHover->setScene(scene);
     curves->showScene(*scene, loadedFrame(), CurvePanel::OTHER_FILES);
     scene->showColours((*menus)[Command::SHOW_COLOURS]->isChecked());
+    cut(); // of now, whatever it was when it began to be read
     followClip();
     viewer->setSceneGraph(static_cast<SoGeneralScene*>(scene));
     if (!isFirst && choice == NEW_CAMERA) { // these were for the scene before
@@ -504,6 +508,8 @@ void MainWindow::showScene(DataScene* newScene, const std::vector<std::string>& 
         options.camera.zoom = 1;
     }
     ownedViewer->home = scene->settle(options.camera);
+    if (same.numbers && homeBefore)
+        ownedViewer->home.numbers = homeBefore;
     goHome();
     // The numbers were for the first scene.
     options.camera.numbers.reset();
@@ -609,7 +615,11 @@ void MainWindow::openFiles(const QStringList& names, CameraChoice choice)
 
 void MainWindow::loadAsNow(const std::vector<std::string>& files, CameraChoice choice, Tell tell)
 {
-    options.frame.reset(); // that was of the first files
+    options.frame.reset();           // that was of the first files
+    if (!scene && options.session) { // and so was a session that was not loaded to its end
+        options.session.reset();
+        options.camera.numbers.reset();
+    }
     Options asked = options;
     asked.colourIfPossible = true; // other files need not have that scalar
     if (scene && choice == NEW_CAMERA)
@@ -676,6 +686,7 @@ void MainWindow::follow(std::unique_ptr<LoadJob> newJob, Tell tell, CameraChoice
                     if (style != options && scene->getData())
                         restyle();
                     if (options.session && choice == NEW_CAMERA) {
+                        const History::Pause pause(*history);
                         pictureChoice = options.session->picture;
                         measurements->set(options.session->measurements);
                         views->set(options.session->views);
@@ -1217,7 +1228,7 @@ void MainWindow::keepRoom()
     const bool isStaged = player && player->getStage();
     SbBox3f room = isStaged ? player->getStage()->roomIn(scene->getPlacement()) : SbBox3f();
     if (sideBySide->getScene() && options.beside.isTied)
-        room.extendBy(sideBySide->getScene()->getBox());
+        room.extendBy(sideBySide->getRoom());
     scene->setRoom(room);
     if (wasFitted)
         fit();
@@ -1291,7 +1302,8 @@ void MainWindow::moveClip(bool on)
 
 void MainWindow::followClip()
 {
-    const auto plane = scene ? scene->getStyle().clip : std::nullopt;
+    const bool hasBox = scene && !scene->getBox().isEmpty(); // or there is no place for handles
+    const auto plane = hasBox ? scene->getStyle().clip : std::nullopt;
     hasClipHandles = hasClipHandles && plane;
     (*menus)[Command::MOVE_CLIP]->setChecked(hasClipHandles);
     if (hasClipHandles)
@@ -1580,18 +1592,18 @@ void MainWindow::choosePicture()
         return;
     if (player)
         player->setPlaying(false); // the picture is that of one frame
-    const ViewPictures pictures(getPictured(shownStyle));
+    // Of what is shown then: a style that was asked for may come while it asks.
     const SbVec2s size = ownedViewer->getGLSize();
     PictureDialog dialog(pictureChoice,
                          {shownStyle,
                           {size[0], size[1]},
                           folderOfFiles(),
-                          [&pictures](const PictureChoice& choice, const QSize& room) {
-                              return pictures.preview(choice, room);
+                          [this](const PictureChoice& choice, const QSize& room) {
+                              return ViewPictures(getPictured(shownStyle)).preview(choice, room);
                           },
-                          [&pictures](const PictureChoice& choice, const std::string& file,
-                                      const PictureWriter::GoOn& goOn) {
-                              return pictures.save(choice, file, goOn);
+                          [this](const PictureChoice& choice, const std::string& file,
+                                 const PictureWriter::GoOn& goOn) {
+                              return ViewPictures(getPictured(shownStyle)).save(choice, file, goOn);
                           }},
                          this);
     if (dialog.exec() != QDialog::Accepted)

@@ -33,6 +33,7 @@ void MeasurementKeeper::set(const std::vector<Measurement>& next)
 {
     measurements = next;
     renew();
+    remember();
     listNow();
 }
 
@@ -57,6 +58,16 @@ void MeasurementKeeper::follow(std::size_t frameOfSeries)
 {
     frame = frameOfSeries;
     renew();
+    remember();
+    listSoon();
+}
+
+// A style may show another frame's data for a moment, which are none of this frame's.
+void MeasurementKeeper::follow()
+{
+    renew();
+    if (seenAngstrom != angstrom())
+        remember();
     listSoon();
 }
 
@@ -75,6 +86,10 @@ void MeasurementKeeper::renew()
     for (const Measurement& measurement : measurements)
         values.push_back(valueOf(measurement));
     mark();
+}
+
+void MeasurementKeeper::remember()
+{
     if (!scene || !scene->getData())
         return;
     if (seenAngstrom != angstrom()) {
@@ -96,7 +111,7 @@ bool MeasurementKeeper::isHidden(const Measurement& measurement) const
     const auto& all = measurement.places;
     return std::any_of(all.begin(), all.end(), [this](const MeasuredPlace& kept) {
         const PickedPlace place = pickedPlaceOf(kept);
-        return scene->lookOf(place.kind, place.datum).isHidden();
+        return scene->lookOf(place.kind, place.datum).isOutOfView();
     });
 }
 

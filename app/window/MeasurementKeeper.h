@@ -45,7 +45,7 @@ public:
     void setScene(const DataScene* shown, std::size_t frameOfSeries, Files files);
     /// Another frame, or other looks of things.
     void follow(std::size_t frameOfSeries);
-    void follow() { follow(frame); }
+    void follow();
 
     /// Keeps what is measured between the places that are clicked, if it is, and takes those back.
     /// What was kept in a line, or that there was nothing.
@@ -68,7 +68,8 @@ private:
     void change(const std::vector<Measurement>& next);
     void offer();
     std::optional<MeasuredValue> valueOf(const Measurement& measurement) const;
-    void renew(); ///< values and marks
+    void renew();    ///< values and marks
+    void remember(); ///< the values, as those of this frame
     void mark();
     void listSoon();
     void listNow();

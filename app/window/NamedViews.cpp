@@ -55,6 +55,7 @@ public:
             item->setText(nameOf(views.get()[index])); // also one that it kept
         });
         connect(list, &QListWidget::currentRowChanged, this, [this](int) { follow(); });
+        connect(&views, &NamedViews::replaced, this, [this] { fill(0); });
         fill(0);
     }
 
@@ -100,7 +101,13 @@ NamedViews::NamedViews(QMenu& viewsMenu, QWidget* ofWindow)
 
 void NamedViews::set(Views kept)
 {
-    views = std::move(kept);
+    put(std::move(kept));
+    emit replaced();
+}
+
+void NamedViews::put(Views next)
+{
+    views = std::move(next);
     fillMenu();
 }
 
@@ -155,7 +162,7 @@ void NamedViews::change(Views next)
 {
     if (next == views)
         return;
-    set(std::move(next));
+    put(std::move(next));
     emit changed();
 }
 

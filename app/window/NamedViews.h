@@ -51,9 +51,12 @@ public:
 signals:
     /// The user has kept, renamed or deleted one.
     void changed();
+    /// There are others than before, not by the user.
+    void replaced();
 
 private:
     void change(Views next);
+    void put(Views next);
     void fillMenu();
     Views::iterator find(const std::string& name);
 

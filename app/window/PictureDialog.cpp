@@ -164,7 +164,7 @@ QWidget* PictureDialog::makeButtons()
     auto* row = new QWidget(this);
     auto* layout = new QHBoxLayout(row);
     layout->setContentsMargins(0, 0, 0, 0);
-    auto* asView = new QPushButton("As the &view", row);
+    asView = new QPushButton("As the &view", row);
     name(*asView, "pictureAsView", "As the view");
     asView->setToolTip("As large as the view, with its background and legend");
     asView->setAutoDefault(false);
@@ -353,14 +353,14 @@ void PictureDialog::save()
         pause.stop();
         isSaving = true;
         isStopped = false;
-        page->setEnabled(false);
-        saveButton->setEnabled(false);
+        for (QWidget* part : std::initializer_list<QWidget*>{page, asView, saveButton})
+            part->setEnabled(false);
         progress->setValue(0);
         progress->show();
         failure = view.save(choice, file.toStdString(), [this](double done) { return goOn(done); });
         progress->hide();
-        saveButton->setEnabled(true);
-        page->setEnabled(true);
+        for (QWidget* part : std::initializer_list<QWidget*>{page, asView, saveButton})
+            part->setEnabled(true);
         isSaving = false;
     }
     if (failure.empty()) {

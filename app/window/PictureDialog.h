@@ -84,6 +84,7 @@ private:
     QCheckBox *keepsShape = nullptr, *transparent = nullptr;
     QLabel *told = nullptr, *picture = nullptr;
     QProgressBar* progress = nullptr;
+    QPushButton* asView = nullptr;
     QPushButton* saveButton = nullptr;
     std::vector<SettingControl*> controls;
     QTimer pause; ///< before the next preview

@@ -130,7 +130,7 @@ void PlaceTeller::mark()
 {
     PlaceMarks::Line line;
     for (const PickedPlace& place : places) {
-        if (!scene || !scene->getData() || scene->lookOf(place.kind, place.datum).isHidden())
+        if (!scene || !scene->getData() || scene->lookOf(place.kind, place.datum).isOutOfView())
             continue;
         if (const auto at = findPoint(place, *scene->getData(), scene->getStyle().dna.angstrom))
             line.places.push_back(toSbVec3f(scene->getPlacement().toScene(at->point)));

@@ -29,8 +29,10 @@ SessionKeeper::SessionKeeper(QObject* parent) : QObject(parent)
 
 SessionKeeper::~SessionKeeper()
 {
-    *stopsFinding = *stopsSaving = true;
-    saving.waitForFinished();
+    *stopsFinding = true;
+    saving.waitForFinished(); // who has saved and closes has it saved
+    if (next)
+        saveSession(*next, [] { return true; });
 }
 
 void SessionKeeper::save(const Session& session)
@@ -45,8 +47,8 @@ void SessionKeeper::begin(const Session& session)
 {
     isSaving = true;
     beingSaved = session;
-    saving.setFuture(QtConcurrent::run(
-        [session, stop = stopsSaving] { return saveSession(session, [stop] { return !*stop; }); }));
+    saving.setFuture(
+        QtConcurrent::run([session] { return saveSession(session, [] { return true; }); }));
 }
 
 void SessionKeeper::findChanged(const Session& session)

@@ -47,8 +47,7 @@ private:
     bool isSaving = false;
     Session beingSaved;
     std::optional<Session> next;
-    // What tells a thread to stop, of which one that nobody waits for may still be at work.
-    const Flag stopsSaving = std::make_shared<std::atomic<bool>>(false);
+    // Tells a thread to stop, of which one that nobody waits for may still be at work.
     Flag stopsFinding = std::make_shared<std::atomic<bool>>(false);
 };
 

@@ -140,6 +140,9 @@ void SideBySide::showResult(BesideReader::Result& result)
             onFailure(error);
         return;
     }
+    if (shownLook != result.task.look)
+        room.makeEmpty();
+    room.extendBy(scene->getBox());
     shownLook = result.task.look;
     scene->setData(result.task.data);
     showLooks();

@@ -61,6 +61,8 @@ public:
     WindowViewer* getSecond() const { return second.get(); }
     /// Null until something is shown.
     DataScene* getScene() const { return scene; }
+    /// The room that all have taken that were shown in this look.
+    const SbBox3f& getRoom() const { return room; }
 
     // What the window is told; each may be empty
     std::function<void()> onShown;                           ///< something else in the second view
@@ -87,6 +89,7 @@ private:
     QLabel* secondCaption = nullptr;
     std::unique_ptr<WindowViewer> second;
     DataScene* scene = nullptr; ///< kept by the second viewer
+    SbBox3f room;
     // What the first scene has without other nodes.
     ThingLooks looks;
     double transparency = 0;

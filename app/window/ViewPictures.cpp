@@ -24,14 +24,20 @@ public:
     {
         if (view.first)
             scene.redress(makeStyle(options, *view.first));
+        dressed = scene.countStyles();
     }
-    ~Dress() { scene.redress(before); }
+    ~Dress()
+    {
+        if (scene.countStyles() == dressed) // no other style has come meanwhile
+            scene.redress(before);
+    }
     Dress(const Dress&) = delete;
     Dress& operator=(const Dress&) = delete;
 
 private:
     DataScene& scene;
     const Style before;
+    std::size_t dressed = 0;
 };
 
 namespace {

@@ -86,10 +86,12 @@ std::string runWindow(const Options& options, const MainWindow::Loader& loader, 
         if (options.series.align || options.series.between > 0) // the player goes to the frame
             first.frame.reset();
         begun = std::make_unique<LoadJob>(
-            options.files, [loader, first](const std::vector<std::string>& files,
-                                           ReadReport& loadReport, Progress& progress) {
+            options.files,
+            [loader, first](const std::vector<std::string>& files, ReadReport& loadReport,
+                            Progress& progress) {
                 return loader(files, first, loadReport, progress);
-            });
+            },
+            referenceOf(options));
         begun->waitFor(LoadJob::PATIENCE);
         report.error = begun->getFailure();
         if (!report.error.empty())

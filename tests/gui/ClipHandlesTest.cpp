@@ -106,6 +106,39 @@ TEST_F(ClipHandlesTest, TheBallTurnsThePlaneAboutItsMiddle)
                 2e-3);
 }
 
+// The rod is made anew, and cut where it is cut now.
+TEST_F(ClipHandlesTest, APlaneThatMovesWhileAFileIsReadStaysWhereItIs)
+{
+    ASSERT_NO_FATAL_FAILURE(openWithHandles("x:0"));
+    std::string text;
+    for (int i = 0; i < 300000; ++i) // takes longer than the window waits
+        text += std::to_string(i % 3) + " " + std::to_string(i) + " 0\n";
+    window->openFiles({QString::fromStdString(folder.write("long.txt", text))});
+    ASSERT_TRUE(window->isLoading());
+    StyleRequest next = window->getStyle();
+    next.clip = parseClipPlane("x:0.25");
+    window->setStyle(next);
+    ASSERT_TRUE(comesTo([this] { return !window->isLoading() && !window->isRestyling(); }));
+    EXPECT_EQ(clip(), parseClipPlane("x:0.25"));
+    EXPECT_EQ(scene->getStyle().clip, clip());
+}
+
+TEST_F(ClipHandlesTest, AroundNothingThereAreNone)
+{
+    ASSERT_NO_FATAL_FAILURE(openWithHandles("x:0.5"));
+    ASSERT_TRUE(comesTo([this] { return countPixels(screen(), isFrame) > 0; }));
+    pressRealKey("slash");
+    ASSERT_TRUE(comesTo([this] { return countPixels(screen(), isFrame) == 0; }));
+    ASSERT_NO_FATAL_FAILURE(setThings("others: hidden"));
+    pressRealKey("slash");
+    ASSERT_TRUE(comesToBePainted());
+    for (QAction* action : window->findChildren<QAction*>()) {
+        if (action->shortcut() == QKeySequence("/")) {
+            EXPECT_FALSE(action->isChecked());
+        }
+    }
+}
+
 TEST_F(ClipHandlesTest, BesideTheHandlesTheMouseTurnsTheSceneAsEver)
 {
     ASSERT_NO_FATAL_FAILURE(openWithHandles("x:0"));

@@ -248,6 +248,10 @@ TEST_F(MeasurementPanelTest, OfWhatIsHiddenIsNotShownAndNoneIsInAPictureOfTheVie
     EXPECT_EQ(countPixels(QImage(QString::fromStdString(picture)), isBlue), 0);
     setThings("rod 1: hidden");
     EXPECT_TRUE(comesTo([this] { return !hasBlue(); }));
+    setThings("");
+    EXPECT_TRUE(comesTo([this] { return hasBlue(); }));
+    setThings("rod 1: deleted");
+    EXPECT_TRUE(comesTo([this] { return !hasBlue(); }));
 }
 
 // Three clicks and a key: the panel, a phosphorus on either side, and it is kept.

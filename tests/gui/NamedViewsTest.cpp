@@ -135,6 +135,24 @@ TEST_F(NamedViewsTest, ViewsStayForOtherFilesAndWhenTheSameAreReadAgain)
     EXPECT_TRUE(comesTo([&] { return window->getCameraNumbers() == camera; }));
 }
 
+TEST_F(NamedViewsTest, ADialogListsThoseOfASessionThatComesMeanwhile)
+{
+    ASSERT_NO_FATAL_FAILURE(openRod());
+    NamedViews& views = window->getViews();
+    for (const char* name : {"a", "b", "c"})
+        views.keep(name, cameraAt(float(*name)));
+    inDialog([&](QDialog& dialog) {
+        auto* const list = dialog.findChild<QListWidget*>();
+        list->setCurrentRow(2);
+        views.set({{"x", cameraAt(1)}});
+        ASSERT_EQ(list->count(), 1);
+        EXPECT_EQ(list->item(0)->text(), "x");
+        button(dialog, "&Delete")->click();
+        EXPECT_FALSE(button(dialog, "&Show")->isEnabled());
+    });
+    EXPECT_TRUE(views.get().empty());
+}
+
 TEST_F(NamedViewsTest, ADialogRenamesAndDeletes)
 {
     ASSERT_NO_FATAL_FAILURE(openRod());

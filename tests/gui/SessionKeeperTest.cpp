@@ -163,6 +163,50 @@ TEST_F(SessionKeeperTest, WhatWasHiddenMeasuredKeptAndComparedComesBack)
     EXPECT_TRUE(comesTo([this] { return window->getSideBySide().getScene(); }));
 }
 
+TEST_F(SessionKeeperTest, WhatIsTakenBackAfterItIsOpenedIsNothingOfIt)
+{
+    ASSERT_NO_FATAL_FAILURE(openText(RODS, "rods.txt"));
+    window->getMeasurements().set({*parseMeasurement("rod 1:0,rod 1:2")});
+    window->getViews().set({{"front", window->getCameraNumbers()}});
+    ASSERT_NO_FATAL_FAILURE(save(work()));
+    ASSERT_NO_FATAL_FAILURE(openSession(work()));
+    window->activateWindow();
+    ASSERT_TRUE(comesToBePainted());
+    const CameraNumbers camera = window->getCameraNumbers();
+    pressRealKey("Control+1");
+    ASSERT_TRUE(comesTo([&] { return !(window->getCameraNumbers() == camera); }));
+    pressRealKey("Control+z");
+    ASSERT_TRUE(comesTo([&] { return window->getCameraNumbers() == camera; }));
+    EXPECT_EQ(window->getMeasurements().get().size(), 1u);
+    EXPECT_EQ(window->getViews().get().size(), 1u);
+}
+
+TEST_F(SessionKeeperTest, OneThatIsSavedWhenOthersAreShownIsNotTheirs)
+{
+    ASSERT_NO_FATAL_FAILURE(openText(RODS, "rods.txt"));
+    window->saveSession(QString::fromStdString(work()));
+    window->openFiles({QString::fromStdString(folder.write("other.txt", RODS))});
+    ASSERT_TRUE(comesTo([&] { return fs::exists(work()) && !window->isLoading(); }));
+    QTest::qWait(200); // until it has told that it is saved
+    EXPECT_EQ(window->windowTitle().toStdString(), folder.path("other.txt") + " - strandview");
+    EXPECT_EQ(window->getSession().name, "");
+}
+
+TEST_F(SessionKeeperTest, WhatIsBeingSavedWhenItIsClosedIsSaved)
+{
+    Session session;
+    session.files = {{folder.write("rods.txt", RODS), 0, ""}};
+    {
+        SessionKeeper keeper;
+        for (const char* name : {"first.strandview", "last.strandview"}) {
+            session.name = folder.path(name);
+            keeper.save(session);
+        }
+    }
+    EXPECT_TRUE(fs::exists(folder.path("first.strandview")));
+    EXPECT_TRUE(fs::exists(folder.path("last.strandview")));
+}
+
 TEST_F(SessionKeeperTest, APictureWithoutTheColoursThatAreSwitchedOffIsThatOfSessionAndCommand)
 {
     options.colourBy = "curvature";

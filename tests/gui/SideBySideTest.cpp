@@ -258,6 +258,35 @@ TEST_F(SideBySideTest, AFileThatCannotBeReadIsToldAndNotShown)
     EXPECT_THAT(statusText(), HasSubstr("bad.txt"));
 }
 
+TEST_F(SideBySideTest, AFileThatIsBadForAMomentIsToldAndTheSecondViewStays)
+{
+    options.beside = besideOf(folder.write("beside.txt", rodTo(3)));
+    openText(rodTo(2), "rod.txt");
+    ASSERT_TRUE(comesToShow(2, 3));
+    folder.write("beside.txt", "0 0\n");
+    pressRealKey("F5");
+    EXPECT_TRUE(comesTo([this] { return statusText().find("beside.txt") != std::string::npos; }));
+    EXPECT_EQ(countViews(), 2);
+    folder.write("beside.txt", rodTo(4));
+    pressRealKey("F5");
+    EXPECT_TRUE(comesToShow(2, 4));
+}
+
+// From where all of its frames are seen.
+TEST_F(SideBySideTest, TheCameraOfAFittedViewStaysOverTheFramesOfASecondSeries)
+{
+    options.beside = besideOf(folder.write("beside.txt", seriesTo(6, 4)));
+    openSeries();
+    ASSERT_TRUE(comesTo([this] { return endOf(second()) == 6; }));
+    pressRealKey("Control+End");
+    ASSERT_TRUE(comesTo([this] { return endOf(second()) == 9; }));
+    const CameraNumbers camera = window->getCameraNumbers();
+    pressRealKey("Control+Home");
+    ASSERT_TRUE(comesToShow(2, 6));
+    ASSERT_TRUE(comesToBePainted());
+    EXPECT_TRUE(window->getCameraNumbers() == camera);
+}
+
 TEST_F(SideBySideTest, OtherFilesAreShownBesideTheSameOne)
 {
     options.beside = besideOf(folder.write("reference.txt", rodTo(4)));

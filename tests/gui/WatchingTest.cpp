@@ -81,6 +81,21 @@ TEST_F(WatchingTest, AFileThatIsWrittenAnewOrReplacedIsShownFromWhereItWasSeen)
     EXPECT_TRUE(window->getCameraNumbers() == before);
 }
 
+TEST_F(WatchingTest, HomeIsTheCameraOfTheBeginning)
+{
+    options.camera.numbers = parseCamera("orthographic,1,0,5,0,0,0,1,5,8");
+    openText(rodTo(2), "rod.txt");
+    ASSERT_TRUE(comesToBePainted());
+    const CameraNumbers beginning = window->getCameraNumbers();
+    ASSERT_FLOAT_EQ(beginning.size, 8);
+    folder.write("rod.txt", rodTo(3));
+    ASSERT_TRUE(comesToEnd(3));
+    pressRealKey("v");
+    ASSERT_TRUE(comesTo([&] { return !(window->getCameraNumbers() == beginning); }));
+    pressRealKey("Home");
+    EXPECT_TRUE(comesTo([&] { return window->getCameraNumbers() == beginning; }));
+}
+
 TEST_F(WatchingTest, WhatIsHiddenStaysSo)
 {
     openText(rodTo(2), "rod.txt");
