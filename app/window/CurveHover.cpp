@@ -17,6 +17,7 @@
 #include "plotting/plotFrames.h"
 #include "request/conversions.h"
 #include "scene/DataScene.h"
+#include "scene/placeNumbers.h"
 #include "window/WindowViewer.h"
 
 namespace strandview {
@@ -58,6 +59,21 @@ std::optional<CurvePanel::Place> curvePlaceOf(const PickedPlace& picked)
     if (!kind || !picked.row)
         return std::nullopt;
     return CurvePanel::Place{{*kind, picked.datum, 0}, *picked.row + (picked.share > 0.5 ? 1 : 0)};
+}
+
+PickedPlace pickedPlaceOf(const CurvePanel::Place& place, const DataScene& scene)
+{
+    PickedPlace picked;
+    for (const ThingKind kind : {ThingKind::ROD, ThingKind::BIROD, ThingKind::DNA}) {
+        if (kindOf(kind) == place.line.kind)
+            picked.kind = kind;
+    }
+    picked.datum = place.line.datum;
+    picked.row = place.row;
+    const double angstrom = scene.getStyle().dna.angstrom;
+    if (const auto at = findPoint(picked, *scene.getData(), angstrom))
+        picked.point = at->point;
+    return scene.renewed(picked);
 }
 
 CurveHover::CurveHover(WindowViewer& windowViewer, CurvePanel& curvePanel)

@@ -57,6 +57,8 @@ private:
 /// The place of a curve that was picked: of a rod, a birod, or a pair of DNA. Of a place between
 /// two points it is the nearer one. Nothing of what has no curve.
 std::optional<CurvePanel::Place> curvePlaceOf(const PickedPlace& picked);
+/// The point of such a place, of what a scene shows, as if it was clicked there.
+PickedPlace pickedPlaceOf(const CurvePanel::Place& place, const DataScene& scene);
 
 } // namespace strandview
 

@@ -126,10 +126,13 @@ CurvePanel::CurvePanel(QWidget* parent) : QWidget(parent)
     connect(stack, &PlotStack::left, this, [this] { stack->mark(std::nullopt); });
     connect(stack, &PlotStack::clicked, this, [this](const PlotPlace& place) {
         const PlotLine& line = stack->getPlot().lines[place.line];
-        if (isOverFrames)
+        if (isOverFrames) {
             emit frameChosen(std::size_t(line.x[place.place]));
-        else
-            choose({line.id, place.place});
+            return;
+        }
+        const Place clicked{line.id, place.place};
+        choose(clicked);
+        emit placeClicked(clicked);
     });
     placeLabel->hide();
     tellPlace();

@@ -80,6 +80,8 @@ signals:
     /// The mouse is over this place of a curve.
     void hovered(const strandview::CurvePanel::Place& place);
     void left();
+    /// The mouse clicked this place of a curve.
+    void placeClicked(const strandview::CurvePanel::Place& place);
     /// A frame was clicked in curves over frames.
     void frameChosen(std::size_t frame);
     void saved(const QString& file);

@@ -406,6 +406,12 @@ void MainWindow::buildCurves()
         if (player)
             player->goTo(frame);
     });
+    connect(curves, &CurvePanel::placeClicked, this, [this](const CurvePanel::Place& place) {
+        if (!scene || !scene->getData())
+            return;
+        places->add(pickedPlaceOf(place, *scene), false);
+        statusText->tell(places->getTold());
+    });
     connect(curves, &CurvePanel::saved, this, [this](const QString& file) {
         statusText->tell({{"Saved", file.toStdString()}});
     });

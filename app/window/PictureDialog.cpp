@@ -8,7 +8,6 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QDoubleSpinBox>
 #include <QElapsedTimer>
 #include <QFileDialog>
 #include <QFormLayout>
@@ -24,6 +23,7 @@
 #include "pictures/PictureWriter.h"
 #include "request/settings.h"
 #include "window/SettingControl.h"
+#include "window/SideBox.h"
 #include "window/decimalComma.h"
 #include "window/textBoxes.h"
 
@@ -101,8 +101,8 @@ QWidget* PictureDialog::makeSizeRow()
     auto* row = new QWidget(page);
     auto* layout = new QHBoxLayout(row);
     layout->setContentsMargins(0, 0, 0, 0);
-    width = new QDoubleSpinBox(row);
-    height = new QDoubleSpinBox(row);
+    width = new SideBox(row);
+    height = new SideBox(row);
     unit = new QComboBox(row);
     unit->addItems({"pixels", "mm"});
     name(*width, "pictureWidth", "Width");
@@ -132,6 +132,14 @@ QWidget* PictureDialog::makeSizeRow()
     const auto numberChanged = QOverload<double>::of(&QDoubleSpinBox::valueChanged);
     connect(width, numberChanged, this, [this] { changeSide(true); });
     connect(height, numberChanged, this, [this] { changeSide(false); });
+    for (SideBox* box : {width, height}) {
+        box->setToolTip("A number, or one with its unit: 85 mm, 8.5 cm, 1200 px");
+        connect(box, &SideBox::typedWithUnit, this, [this, box](double side, bool isOnPaper) {
+            unit->setCurrentIndex(isOnPaper ? MILLIMETRES : PIXELS);
+            changeUnit();
+            box->setValue(side);
+        });
+    }
     for (QSpinBox* box : {dpi, samples})
         connect(box, QOverload<int>::of(&QSpinBox::valueChanged), this, &PictureDialog::read);
     connect(unit, QOverload<int>::of(&QComboBox::activated), this, &PictureDialog::changeUnit);
@@ -205,7 +213,7 @@ void PictureDialog::show(const PictureRequest& size)
                                     QSignalBlocker(transparent)};
     const bool isOnPaper = size.paper.has_value();
     unit->setCurrentIndex(isOnPaper ? MILLIMETRES : PIXELS);
-    for (QDoubleSpinBox* box : {width, height}) {
+    for (SideBox* box : {width, height}) {
         box->setDecimals(isOnPaper ? 2 : 0);
         box->setRange(isOnPaper ? 0.01 : 1, LARGEST_PICTURE_SIDE);
     }
@@ -220,7 +228,7 @@ void PictureDialog::show(const PictureRequest& size)
 void PictureDialog::changeSide(bool isWidth)
 {
     if (keepsShape->isChecked()) {
-        QDoubleSpinBox* const other = isWidth ? height : width;
+        SideBox* const other = isWidth ? height : width;
         const QSignalBlocker quiet(other);
         other->setValue(isWidth ? width->value() / shape : height->value() * shape);
     }

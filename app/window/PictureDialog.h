@@ -15,7 +15,6 @@
 
 class QCheckBox;
 class QComboBox;
-class QDoubleSpinBox;
 class QFormLayout;
 class QLabel;
 class QProgressBar;
@@ -25,6 +24,7 @@ class QSpinBox;
 namespace strandview {
 
 class SettingControl;
+class SideBox;
 struct Setting;
 
 /// Asks how a picture of the view is to be, shows it, and has it saved.
@@ -78,7 +78,7 @@ private:
     bool isSaving = false, isStopped = false;
 
     QWidget* page = nullptr; ///< all that is chosen with
-    QDoubleSpinBox *width = nullptr, *height = nullptr;
+    SideBox *width = nullptr, *height = nullptr;
     QComboBox* unit = nullptr;
     QSpinBox *dpi = nullptr, *samples = nullptr;
     QCheckBox *keepsShape = nullptr, *transparent = nullptr;

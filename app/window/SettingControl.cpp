@@ -22,6 +22,7 @@
 #include <strandview/formats/text/wording.h>
 
 #include "request/parseNumber.h"
+#include "window/colourDialog.h"
 #include "window/decimalComma.h"
 
 namespace strandview {
@@ -229,6 +230,7 @@ private:
         const QColor before = colour;
         QColorDialog dialog(before.isValid() ? before : QColor(Qt::gray), part);
         dialog.setWindowTitle(setting.label);
+        letTypeColour(dialog);
         connect(&dialog, &QColorDialog::currentColorChanged, this,
                 [this](const QColor& next) { emit chosen(next.name()); });
         if (dialog.exec() == QDialog::Accepted)

@@ -18,6 +18,7 @@
 
 #include "scene/DataScene.h"
 #include "window/ThingsModel.h"
+#include "window/colourDialog.h"
 
 namespace strandview {
 
@@ -223,9 +224,12 @@ void ThingsPanel::chooseColour(const Things& things)
         return;
     const ShownDatum& datum = *model->find(*coloured);
     const SbColor now = datum.getColour(datum);
-    const QColor chosen = QColorDialog::getColor(
-        QColor::fromRgbF(double(now[0]), double(now[1]), double(now[2])), this, "Colour");
-    if (chosen.isValid())
+    QColorDialog dialog(QColor::fromRgbF(double(now[0]), double(now[1]), double(now[2])), this);
+    dialog.setWindowTitle("Colour");
+    letTypeColour(dialog);
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    if (const QColor chosen = dialog.selectedColor(); chosen.isValid())
         model->setColour(things,
                          {float(chosen.redF()), float(chosen.greenF()), float(chosen.blueF())});
 }

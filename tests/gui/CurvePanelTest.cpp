@@ -17,6 +17,7 @@
 #include "DataWindowTest.h"
 #include "scene/DataScene.h"
 #include "support/realInput.h"
+#include "window/PlaceMarks.h"
 #include "window/PlacePanel.h"
 #include "window/Player.h"
 #include "window/ThingsPanel.h"
@@ -208,6 +209,22 @@ TEST_F(CurvePanelTest, APlaceUnderTheMouseInACurveIsMarkedInTheScene)
     QCursor::setPos(view()->mapToGlobal({5, 5}));
     EXPECT_TRUE(comesTo([this] { return countPixels(screen(), isYellow) == 0; }));
     EXPECT_FALSE(stack().getMark());
+}
+
+TEST_F(CurvePanelTest, AClickInACurveTellsTheNumbersThereAndMarksThePlace)
+{
+    openWithPanel(rodText(1), "rod.txt");
+    pressRealKey("n");
+    auto* const numbers = window->findChild<PlacePanel*>();
+    ASSERT_TRUE(comesTo([&] { return numbers->isVisible(); }));
+    QTest::qWait(300); // panels slide into their places
+    untickAllBut("k");
+    const QPoint there = ofPlace(0, 3);
+    clickRealButton(there.x(), there.y());
+    EXPECT_TRUE(comesTo([&] { return numbers->getText().contains("k\t9"); }))
+        << numbers->getText().toStdString();
+    EXPECT_THAT(statusText(), HasSubstr("point 3 0 0"));
+    EXPECT_EQ(window->getMarks().countPlaces(), 1);
 }
 
 TEST_F(CurvePanelTest, APlaceUnderTheMouseInTheSceneIsMarkedInTheCurves)

@@ -19,10 +19,10 @@
 #include <QPushButton>
 #include <QSpinBox>
 #include <QTest>
-#include <QTimer>
 #include <gmock/gmock.h>
 
 #include "DataWindowTest.h"
+#include "User.h"
 #include "request/settings.h"
 #include "scene/DataScene.h"
 #include "support/keepPictures.h"
@@ -39,37 +39,6 @@ namespace {
 const char* const ROD = "x y z load\n-1 0 0 3\n-0.5 0.1 0 -1\n0 0.2 0 0\n0.5 0.1 0 1\n1 0 0 2\n";
 
 bool isInk(const QColor& c) { return c.value() < 60; }
-
-// Does one thing after the other with the dialogs that come up, while they wait for their user.
-class User
-{
-public:
-    struct Step
-    {
-        std::function<bool()> isDue;
-        std::function<void()> act;
-    };
-
-    explicit User(std::vector<Step> allSteps) : steps(std::move(allSteps))
-    {
-        timer.setSingleShot(true); // for steps that bring up another dialog
-        QObject::connect(&timer, &QTimer::timeout, [this] { look(); });
-        timer.start(20);
-    }
-    bool isDone() const { return next == steps.size(); }
-
-private:
-    void look()
-    {
-        timer.start(20);
-        if (!isDone() && steps[next].isDue())
-            steps[next++].act();
-    }
-
-    const std::vector<Step> steps;
-    std::size_t next = 0;
-    QTimer timer;
-};
 
 class PictureDialogTest : public DataWindowTest
 {
@@ -234,6 +203,31 @@ TEST_F(PictureDialogTest, MillimetresAreTypedWithACommaAndKeptInTheFile)
     const std::string line = runCopiedCommand();
     EXPECT_THAT(line, HasSubstr(" --size 42.5x30mm --dpi 150 --samples 1 "));
     EXPECT_TRUE(bytesOf("page.png") == bytesOf("picture.png")) << line;
+}
+
+TEST_F(PictureDialogTest, AUnitThatIsTypedBehindANumberIsThatOfTheSize)
+{
+    ASSERT_NO_FATAL_FAILURE(openRod());
+    const double shape = double(view()->width()) / view()->height();
+    ASSERT_NO_FATAL_FAILURE(savePicture({inDialog([&] {
+        auto* const unit = find<QComboBox>("pictureUnit");
+        const auto comesToBe = [&](const char* field, double side, const char* name) {
+            return comesToHave(field, side) && comesTo([&] { return unit->currentText() == name; });
+        };
+        ASSERT_EQ(unit->currentText(), "pixels");
+        type("pictureWidth", {"8", "comma", "5", "space", "c", "m"});
+        EXPECT_TRUE(comesToBe("pictureWidth", 85, "mm"));
+        EXPECT_NEAR(find<QDoubleSpinBox>("pictureHeight")->value(), 85 / shape, 0.006);
+        type("pictureHeight", {"3", "0", "m", "m"});
+        EXPECT_TRUE(comesToBe("pictureHeight", 30, "mm"));
+        EXPECT_NEAR(find<QDoubleSpinBox>("pictureWidth")->value(), 30 * shape, 0.006);
+        type("pictureWidth", {"4", "0", "0", "space", "p", "x"});
+        EXPECT_TRUE(comesToBe("pictureWidth", 400, "pixels"));
+        type("pictureWidth", {"5", "q", "0", "m"});
+        pressRealKey("Tab");
+        EXPECT_TRUE(comesToBe("pictureWidth", 50, "pixels")) << "no unit, and the letters of none";
+        pressRealKey("Escape");
+    })}));
 }
 
 TEST_F(PictureDialogTest, BackgroundAndLegendOfThePictureLeaveTheViewAsItIs)

@@ -394,6 +394,44 @@ TEST(Docs, TheMapNamesTheFoldersThatThereAre)
         expectNamed(outer);
 }
 
+// "SeeInside" of "See inside".
+std::string asNameOfTest(const std::string& words)
+{
+    std::string name;
+    bool begins = true;
+    for (const char c : words) {
+        const bool isPart = std::isalnum(static_cast<unsigned char>(c)) != 0;
+        if (isPart)
+            name += begins ? char(std::toupper(static_cast<unsigned char>(c))) : c;
+        begins = !isPart && c != '\'';
+    }
+    return name;
+}
+
+// What is to be done for each, the tests look up themselves.
+TEST(Docs, TheTasksOfTheWindowAreThoseThatAreTested)
+{
+    static const std::regex row("\\| ([^|]+) \\| .* \\|"),
+        test("TEST_F\\(WorkingUserTest, (.*)\\)");
+    Lines told, tested;
+    bool isTable = false;
+    std::smatch match;
+    for (const std::string& line : readLines(PROJECT / "docs/window.md")) {
+        if (line == "|---|---|" || line == "| Task | What to do |")
+            isTable = line[2] == 'T' || isTable;
+        else if (isTable && std::regex_match(line, match, row))
+            told.push_back(asNameOfTest(match[1]));
+        else
+            isTable = false;
+    }
+    for (const std::string& line : readLines(PROJECT / "tests/gui/WorkingUserTest.cpp")) {
+        if (std::regex_match(line, match, test))
+            tested.push_back(match[1]);
+    }
+    EXPECT_EQ(told, tested);
+    EXPECT_EQ(told.size(), 10u);
+}
+
 TEST(Docs, LinksLeadToFilesOfTheProject)
 {
     static const std::regex link("\\]\\(([^)#]+)(#[^)]*)?\\)");
