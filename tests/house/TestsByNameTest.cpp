@@ -56,6 +56,7 @@ const std::map<std::string, std::string> ELSEWHERE{
     {"app/window/plotLooks.cpp", "tests/gui/CurvePanelTest.cpp"},
     {"app/window/runWindow.cpp", "tests/gui/LoadingTest.cpp"},
     {"app/window/textBoxes.cpp", "tests/gui/MainWindowTest.cpp"},
+    {"app/window/textColouredIcon.cpp", "tests/gui/EveryoneTest.cpp"},
 };
 
 std::set<fs::path> sourcesBelow(const std::string& folder)
