@@ -14,21 +14,22 @@
 
 namespace strandview {
 
-/// A thing of the data, by what it is and its number among those of all files, from 0. In other
-/// frames it is the one there.
+/// A thing of the data, or one of its strands, by what it is and its number among those of all
+/// files, from 0. In other frames it is the one there.
 struct ThingId
 {
     ThingKind kind = ThingKind::OTHER;
     std::size_t index = 0;
+    ThingPart part = ThingPart::WHOLE;
 };
 
 inline bool operator<(const ThingId& a, const ThingId& b)
 {
-    return std::tie(a.kind, a.index) < std::tie(b.kind, b.index);
+    return std::tie(a.kind, a.part, a.index) < std::tie(b.kind, b.part, b.index);
 }
 inline bool operator==(const ThingId& a, const ThingId& b)
 {
-    return a.kind == b.kind && a.index == b.index;
+    return a.kind == b.kind && a.index == b.index && a.part == b.part;
 }
 
 /// How one thing is to look. What is left open is as of all others.
@@ -56,13 +57,20 @@ struct ThingLook
 };
 
 /// How single things are to look, also in frames to come and in those after one that has fewer.
+/// What is said of a strand goes before what is said of its thing, and that before what is said of
+/// all others.
 struct ThingLooks
 {
     std::map<ThingId, ThingLook> ofThings;
     bool areOthersHidden = false; ///< also of frames to come
 
-    /// Of any thing; whether it is hidden is said in any case.
+    /// Of any thing or strand; whether it is hidden is said in any case. A thing is hidden, or
+    /// deleted, if all its strands are.
     ThingLook of(const ThingId& thing) const;
+    /// Of a strand, with what its thing has: its name and colour unless it has its own.
+    ThingLook withThings(const ThingId& strand) const;
+    /// Shows or hides a thing with all its strands, or one of those.
+    void show(const ThingId& thing, bool shown);
     /// Lets all others be hidden. What was deleted stays so.
     void showOnly(const std::set<ThingId>& things);
     /// Also what was deleted from view.

@@ -572,7 +572,9 @@ std::vector<Setting> makeSettings()
         {"thing", SettingKind::THINGS, "Things", THINGS, "THING: LOOK",
          "How one thing looks, as often as there are such: 'rod 2: hidden', 'rods 3-5: colour=red, "
          "name=Left arm', 'others: hidden'; things are rod, birod, marker, arrow, DNA and frame, "
-         "counted from 1 over all files, and bases, those without a partner",
+         "counted from 1 over all files, bases, those without a partner, and strands: 'DNA 1 "
+         "strand 2: "
+         "hidden', 'birod 1 average: colour=red'",
          &valueOfThings, &readAllThings, &clear<&Request::things>}};
 }
 

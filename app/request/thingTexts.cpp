@@ -50,6 +50,7 @@ struct Attribute
     std::string (*read)(const std::string& text, ThingLook& look);
     void (*clear)(ThingLook& look);
     bool needsNodes; // whether only new nodes can show it
+    bool ofStrands;  // whether a strand may have it, too
 };
 
 // By a setting that is of all things: what it takes and how it is written.
@@ -81,7 +82,8 @@ void clear(ThingLook& look)
 }
 
 template <auto ofLook, auto ofRequest, const char* const& setting>
-Attribute bySetting(const char* name, const std::set<ThingKind>& kinds, bool needsNodes = true)
+Attribute bySetting(const char* name, const std::set<ThingKind>& kinds, bool needsNodes = true,
+                    bool ofStrands = false)
 {
     return {name,
             setting,
@@ -90,7 +92,8 @@ Attribute bySetting(const char* name, const std::set<ThingKind>& kinds, bool nee
             &valueBySetting<ofLook, ofRequest, setting>,
             &readBySetting<ofLook, ofRequest, setting>,
             &clear<ofLook>,
-            needsNodes};
+            needsNodes,
+            ofStrands};
 }
 
 constexpr const char* TUBE_COLOUR = "tube-colour";
@@ -122,8 +125,8 @@ std::vector<Attribute> makeAttributes()
              look.name = text;
              return std::string();
          },
-         &clear<&Look::name>, false},
-        bySetting<&Look::colour, &All::tubeColour, TUBE_COLOUR>("colour", coloured, false),
+         &clear<&Look::name>, false, true},
+        bySetting<&Look::colour, &All::tubeColour, TUBE_COLOUR>("colour", coloured, false, true),
         bySetting<&Look::radius, &All::radius, RADIUS>("radius", tubes),
         bySetting<&Look::ribbonWidth, &All::ribbonWidth, RIBBON_WIDTH>("ribbon-width", ribbons),
         bySetting<&Look::slices, &All::slices, SLICES>("slices", tubes),
@@ -142,14 +145,20 @@ const std::vector<Attribute>& attributes()
     return all;
 }
 
-const Attribute* findAttribute(std::string key, ThingKind kind)
+bool mayHave(const Attribute& attribute, const ThingId& thing)
+{
+    return attribute.kinds.count(thing.kind) > 0 &&
+           (thing.part == ThingPart::WHOLE || attribute.ofStrands);
+}
+
+const Attribute* findAttribute(std::string key, const ThingId& thing)
 {
     for (const char* american : {"color", "ribbon-color"}) {
         if (key == american)
             key.insert(key.size() - 1, "u");
     }
     for (const Attribute& attribute : attributes()) {
-        if (key == attribute.name && attribute.kinds.count(kind) > 0)
+        if (key == attribute.name && mayHave(attribute, thing))
             return &attribute;
     }
     return nullptr;
@@ -165,11 +174,11 @@ const Attribute* attributeOfSetting(const std::string& setting)
 }
 
 // "hidden, shown, deleted, name=TEXT, colour=COLOUR".
-std::string listOfAttributes(ThingKind kind)
+std::string listOfAttributes(const ThingId& thing)
 {
     std::string text = "hidden, shown, deleted";
     for (const Attribute& attribute : attributes()) {
-        if (attribute.kinds.count(kind) == 0)
+        if (!mayHave(attribute, thing))
             continue;
         const std::string name = attribute.name;
         text += ", " + (attribute.values ? name + "=" + attribute.values : name + ", no " + name);
@@ -251,19 +260,43 @@ struct Range
 {
     ThingKind kind = ThingKind::OTHER;
     std::size_t first = 0, last = 0;
+    ThingPart part = ThingPart::WHOLE;
 };
 
-// "rod 2", "rods 3-5", "bases".
+// "strand 1" of what has strands, and nothing for the whole.
+std::optional<ThingPart> parsePart(const std::string& text, ThingKind kind)
+{
+    if (text.empty())
+        return ThingPart::WHOLE;
+    std::string name;
+    for (const char c : inLowerCase(text)) {
+        if (c != ' ' || name.empty() || name.back() != ' ')
+            name += c;
+    }
+    for (const ThingPart part : partsOf(kind)) {
+        if (name == nameOf(part))
+            return part;
+    }
+    return std::nullopt;
+}
+
+// "rod 2", "rods 3-5", "bases", "DNA 1 strand 2".
 std::optional<Range> parseRange(const std::string& text)
 {
     const std::size_t end = std::min(text.find_first_of(" \t"), text.size());
-    const std::string word = inLowerCase(text.substr(0, end)), numbers = trimmed(text.substr(end));
+    const std::string word = inLowerCase(text.substr(0, end)), behind = trimmed(text.substr(end));
+    const std::size_t endOfNumbers =
+        std::min(behind.find_first_not_of("0123456789- \t"), behind.size());
+    const std::string numbers = trimmed(behind.substr(0, endOfNumbers));
     const auto* const known =
         std::find_if(std::begin(KINDS), std::end(KINDS), [&word](const NamedKind& kind) {
             const std::string name = inLowerCase(kind.name);
             return word == name || word == name + "s";
         });
     if (known == std::end(KINDS))
+        return std::nullopt;
+    const std::optional<ThingPart> part = parsePart(behind.substr(endOfNumbers), known->kind);
+    if (!part)
         return std::nullopt;
     if (known->kind == ThingKind::LONE_BASES)
         return numbers.empty() ? std::optional(Range{known->kind}) : std::nullopt;
@@ -273,22 +306,28 @@ std::optional<Range> parseRange(const std::string& text)
         dash == numbers.size() ? first : parseNumber<int>(trimmed(numbers.substr(dash + 1)));
     if (!first || !last || *first < 1 || *last < *first || *last > MOST_THINGS)
         return std::nullopt;
-    return Range{known->kind, std::size_t(*first) - 1, std::size_t(*last) - 1};
+    return Range{known->kind, std::size_t(*first) - 1, std::size_t(*last) - 1, *part};
+}
+
+// " strand 1".
+std::string nameBehind(ThingPart part)
+{
+    return part == ThingPart::WHOLE ? "" : std::string(" ") + nameOf(part);
 }
 
 std::string nameOf(const Range& range)
 {
     const std::string first = nameOf(ThingId{range.kind, range.first});
     if (range.first == range.last)
-        return first;
+        return nameOf(ThingId{range.kind, range.first, range.part});
     const std::size_t blank = first.find(' ');
     return first.substr(0, blank) + "s" + first.substr(blank) + "-" +
-           std::to_string(range.last + 1);
+           std::to_string(range.last + 1) + nameBehind(range.part);
 }
 
 // How they look
 
-std::string readItem(const std::string& item, ThingKind kind, ThingLook& look)
+std::string readItem(const std::string& item, const ThingId& thing, ThingLook& look)
 {
     if (item == "hidden" || item == "shown") {
         look.hidden = item == "hidden";
@@ -304,9 +343,9 @@ std::string readItem(const std::string& item, ThingKind kind, ThingLook& look)
     const bool isNo = !isSaid && (key.rfind("no ", 0) == 0 || key.rfind("no-", 0) == 0);
     if (isNo)
         key = trimmed(key.substr(3));
-    const Attribute* const attribute = findAttribute(key, kind);
+    const Attribute* const attribute = findAttribute(key, thing);
     if (!attribute || isSaid != (attribute->values != nullptr))
-        return found(item, listOfAttributes(kind));
+        return found(item, listOfAttributes(thing));
     const std::string text = isSaid ? unquoted(trimmed(item.substr(equals + 1)))
                              : isNo ? "off"
                                     : "on";
@@ -322,8 +361,8 @@ std::string readEntry(const std::string& entry, ThingLooks& looks)
     if (colon == entry.size() || (!range && which != OTHERS))
         return found(colon == entry.size() ? entry : which,
                      "a thing and how it looks, such as rod 2: hidden; things are rod, birod, "
-                     "marker, arrow, DNA and frame, each with its number from 1 on, bases and "
-                     "others");
+                     "marker, arrow, DNA and frame, each with its number from 1 on, bases, others, "
+                     "and strands, such as DNA 1 strand 2 and birod 1 average");
     ThingLook said;
     std::vector<std::string> items = splitAt(',', entry.substr(colon + 1));
     if (which == OTHERS) {
@@ -333,16 +372,27 @@ std::string readEntry(const std::string& entry, ThingLooks& looks)
         return "";
     }
     for (const std::string& item : items) {
-        const std::string fault = readItem(item, range->kind, said);
+        const std::string fault = readItem(item, {range->kind, range->first, range->part}, said);
         if (!fault.empty())
             return fault;
     }
     for (std::size_t i = range->first; i <= range->last; ++i) {
-        ThingLook& look = looks.ofThings[{range->kind, i}];
+        const ThingId thing{range->kind, i, range->part};
+        ThingLook& look = looks.ofThings[thing];
         for (const std::string& item : items)
-            readItem(item, range->kind, look);
+            readItem(item, thing, look);
     }
     return "";
+}
+
+// Where it is not said of it.
+bool isHiddenWithOthers(const ThingId& thing, const ThingLooks& looks)
+{
+    const auto whole = thing.part == ThingPart::WHOLE
+                           ? looks.ofThings.end()
+                           : looks.ofThings.find({thing.kind, thing.index});
+    const bool isSaid = whole != looks.ofThings.end() && whole->second.hidden;
+    return isSaid ? *whole->second.hidden : looks.areOthersHidden;
 }
 
 // "hidden, name=arm"; empty for what is as others are.
@@ -375,22 +425,24 @@ std::string nameOf(const ThingId& thing)
     if (known == std::end(KINDS))
         return "thing " + std::to_string(thing.index + 1);
     const bool isNumbered = thing.kind != ThingKind::LONE_BASES;
-    return known->name + (isNumbered ? " " + std::to_string(thing.index + 1) : "");
+    return known->name + (isNumbered ? " " + std::to_string(thing.index + 1) : "") +
+           nameBehind(thing.part);
 }
 
 std::vector<std::string> textsOf(const ThingLooks& looks)
 {
     std::vector<std::pair<Range, std::string>> all;
     for (const auto& [thing, look] : looks.ofThings) {
-        const std::string text = textOf(look, looks.areOthersHidden);
+        const std::string text = textOf(look, isHiddenWithOthers(thing, looks));
         if (text.empty())
             continue;
         const bool isNext = !all.empty() && all.back().first.kind == thing.kind &&
+                            all.back().first.part == thing.part &&
                             all.back().first.last + 1 == thing.index && all.back().second == text;
         if (isNext)
             all.back().first.last = thing.index;
         else
-            all.push_back({{thing.kind, thing.index, thing.index}, text});
+            all.push_back({{thing.kind, thing.index, thing.index, thing.part}, text});
     }
     std::vector<std::string> texts;
     texts.reserve(all.size() + 1);
@@ -415,10 +467,10 @@ std::string readThings(const std::string& text, ThingLooks& looks)
     return "";
 }
 
-bool canHaveOwn(const std::string& setting, ThingKind kind)
+bool canHaveOwn(const std::string& setting, const ThingId& thing)
 {
     const Attribute* const attribute = attributeOfSetting(setting);
-    return attribute && attribute->kinds.count(kind) > 0;
+    return attribute && mayHave(*attribute, thing);
 }
 
 std::optional<std::string> ownValue(const std::string& setting, const ThingLook& look)

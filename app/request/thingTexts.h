@@ -11,10 +11,11 @@
 namespace strandview {
 
 // What is said of single things as text: "rod 2: hidden", "rods 3-5: colour=#ff0000, name=arm",
-// "rod 2: radius=0.3, no ribbon", "others: hidden". A name with a comma or the like stands between
-// quotation marks: name="a, b", with a backslash before one of its own.
+// "rod 2: radius=0.3, no ribbon", "DNA 1 strand 2: hidden", "others: hidden". A name with a comma
+// or the like stands between quotation marks: name="a, b", with a backslash before one of its own.
 
-/// As users type it: "rod 2", "DNA 1"; "bases" of those without a partner, which are one together.
+/// As users type it: "rod 2", "DNA 1", "birod 1 average"; "bases" of those without a partner, which
+/// are one together.
 std::string nameOf(const ThingId& thing);
 
 /// A text of each, with neighbours that look alike in one; what is said in them is the same again
@@ -27,8 +28,8 @@ std::string readThings(const std::string& text, ThingLooks& looks);
 
 // Settings that a thing may have of its own, by the names that they have for all.
 
-/// Whether such a thing may.
-bool canHaveOwn(const std::string& setting, ThingKind kind);
+/// Whether such a thing or strand may.
+bool canHaveOwn(const std::string& setting, const ThingId& thing);
 /// What a look says of it; nothing if it leaves it to that of all things.
 std::optional<std::string> ownValue(const std::string& setting, const ThingLook& look);
 /// Lets a look say it, or leave it open: of a setting that a thing may have, a text that it takes.

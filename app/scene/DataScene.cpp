@@ -224,12 +224,52 @@ const ShownDatum& DataScene::datumOf(const Thing& thing) const
 
 ThingId DataScene::idOf(const Thing& thing) const
 {
-    return {thing.kind < kinds.size() ? kinds[thing.kind].kind : ThingKind::OTHER, thing.index};
+    return {thing.kind < kinds.size() ? kinds[thing.kind].kind : ThingKind::OTHER, thing.index,
+            thing.part};
 }
 
-ThingLook DataScene::lookOf(ThingKind kind, std::size_t datum) const
+std::vector<Thing> DataScene::getParts(const Thing& thing) const
 {
-    return getLooks().of({kind, kind == ThingKind::LONE_BASES ? 0 : datum});
+    std::vector<Thing> parts;
+    for (const ThingPart part : partsOf(idOf(thing).kind))
+        parts.push_back({thing.kind, thing.index, part});
+    return parts;
+}
+
+SbBox3f DataScene::boxOf(const Thing& thing) const
+{
+    const ShownDatum& datum = datumOf(thing);
+    if (!datum.ofParts || (thing.part == ThingPart::WHOLE && datum.hidden.empty()))
+        return datum.box;
+    SbBox3f shown;
+    for (const Thing& part : getParts(thing)) {
+        const bool isMeant = thing.part == ThingPart::WHOLE ? datum.hidden.count(part.part) == 0
+                                                            : thing.part == part.part;
+        if (isMeant)
+            shown.extendBy(datum.ofParts->findBox(datum, part.part));
+    }
+    return shown.isEmpty() ? datum.box : shown;
+}
+
+SoNode* DataScene::nodeOf(const Thing& thing) const
+{
+    const ShownDatum& datum = datumOf(thing);
+    if (thing.part == ThingPart::WHOLE || !datum.ofParts)
+        return datum.group;
+    return datum.ofParts->makeAlone(datum, thing.part, styleOf(style, idOf(thing.whole())),
+                                    style.dna);
+}
+
+ThingLook DataScene::lookOf(ThingKind kind, std::size_t datum, ThingPart part) const
+{
+    const ThingId id{kind, kind == ThingKind::LONE_BASES ? 0 : datum, part};
+    return part == ThingPart::WHOLE ? getLooks().of(id) : getLooks().withThings(id);
+}
+
+ThingLook DataScene::lookAt(const Thing& thing, const PickedPlace& place) const
+{
+    const ThingId id = idOf(thing);
+    return lookOf(id.kind, id.index, partOf(id.kind, place.strand));
 }
 
 void DataScene::setLooks(const ThingLooks& looks)
@@ -249,7 +289,7 @@ void DataScene::setTransparency(double transparency)
 double DataScene::transparencyOf(const Thing& thing) const
 {
     const ThingId id = idOf(thing);
-    const bool canBe = canHaveOwn("transparency", id.kind);
+    const bool canBe = canHaveOwn("transparency", id);
     return canBe ? getLooks().of(id).transparency.value_or(style.transparency) : 0;
 }
 
@@ -283,6 +323,27 @@ void DataScene::showLook(const Thing& thing)
     showThrough(transparencyOf(thing), *datum.group, hiding ? *hiding : group, hiding ? 0 : index);
     if (look.colour && datum.setColour)
         datum.setColour(datum, toSbColor(*look.colour));
+    if (datum.ofParts)
+        showParts(thing);
+}
+
+// After the colours, of which those that are drawn alone have their own.
+void DataScene::showParts(const Thing& thing)
+{
+    ShownDatum& datum = kinds[thing.kind].data[thing.index];
+    std::set<ThingPart> hidden;
+    for (const Thing& part : getParts(thing)) {
+        const ThingLook look = getLook(part);
+        if (look.isHidden() || look.isDeleted)
+            hidden.insert(part.part);
+        if (look.colour)
+            datum.ofParts->setColour(datum, part.part, toSbColor(*look.colour));
+    }
+    const bool isAnyShown = !isHidden(thing);
+    if (isAnyShown && (!hidden.empty() || !datum.hidden.empty()))
+        datum.ofParts->hide(datum, hidden, styleOf(style, idOf(thing)), style.dna);
+    if (isAnyShown)
+        datum.hidden = hidden;
 }
 
 bool DataScene::isHidden(const Thing& thing) const { return getLook(thing).isOutOfView(); }
@@ -295,10 +356,10 @@ const SbBox3f& DataScene::getBox() const
     box.emplace();
     bool areAllShown = true;
     for (const Thing& thing : getThings()) {
-        if (isHidden(thing))
-            areAllShown = false;
-        else
-            box->extendBy(datumOf(thing).box);
+        const bool isWhole = !isHidden(thing) && datumOf(thing).hidden.empty();
+        areAllShown = areAllShown && isWhole;
+        if (!isHidden(thing))
+            box->extendBy(boxOf(thing));
     }
     if (areAllShown)
         box->extendBy(room);
@@ -482,7 +543,7 @@ PickedPlace DataScene::placeOf(const SoPickedPoint& picked, double reach) const
         place.datum = known->second.index;
         if (datum.placeIn)
             datum.placeIn(datum, picked, i, place);
-        tellOf(datum, getLook(known->second), place);
+        tellOf(datum, lookAt(known->second, place), place);
         if (datum.centralTube) {
             BiarcTubeMesh& central = *datum.centralTube(*datum.node);
             const double unit = 1 / placement.scale;
@@ -503,7 +564,7 @@ PickedPlace DataScene::placeOf(const SoPickedPoint& picked, double reach) const
 PickedPlace DataScene::renewed(PickedPlace place) const
 {
     if (const auto thing = findThing(place))
-        tellOf(datumOf(*thing), getLook(*thing), place);
+        tellOf(datumOf(*thing), lookAt(*thing, place), place);
     return place;
 }
 
@@ -517,6 +578,14 @@ std::optional<Thing> DataScene::findThing(const PickedPlace& place) const
             return thing;
     }
     return std::nullopt;
+}
+
+std::optional<Thing> DataScene::findPart(const PickedPlace& place) const
+{
+    std::optional<Thing> thing = findThing(place);
+    if (thing)
+        thing->part = partOf(place.kind, place.strand);
+    return thing;
 }
 
 bool DataScene::processPickEvent(const SoPickedPoint* point)

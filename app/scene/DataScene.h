@@ -73,11 +73,19 @@ public:
     /// Those that are shown or hidden, in order.
     std::vector<Thing> getThings() const;
     bool has(const Thing& thing) const { return thing.index < getShown(thing.kind).size(); }
+    /// Those of a datum that is there; none of most.
+    std::vector<Thing> getParts(const Thing& thing) const;
+    /// Of what is there: around what is shown of it, or a part.
+    SbBox3f boxOf(const Thing& thing) const;
+    /// Draws what is shown of it alone, or a part: its own nodes, or new ones without a reference,
+    /// which show what it is now.
+    SoNode* nodeOf(const Thing& thing) const;
     /// What a thing is, by which its look is known; that is there, or was once of its kind.
     ThingId idOf(const Thing& thing) const;
     ThingLook getLook(const Thing& thing) const { return getLooks().of(idOf(thing)); }
     /// Of a datum by what it is and which of these; of lone bases, which are one together, of any.
-    ThingLook lookOf(ThingKind kind, std::size_t datum) const;
+    /// Of a part with the name and colour of all of it, unless it has its own.
+    ThingLook lookOf(ThingKind kind, std::size_t datum, ThingPart part = ThingPart::WHOLE) const;
     const ThingLooks& getLooks() const { return style.things; }
     /// For what is there and what comes. A colour of its own that was replaced is not there any
     /// more: areOfSameNodes().
@@ -138,6 +146,8 @@ public:
     PickedPlace renewed(PickedPlace place) const;
     /// What is there; nothing if it is not shown.
     std::optional<Thing> findThing(const PickedPlace& place) const;
+    /// Which part of it, or all of it where it has none.
+    std::optional<Thing> findPart(const PickedPlace& place) const;
 
     /// Called with what the user picks, if set.
     std::function<void(const SoPickedPoint&)> onPick;
@@ -156,6 +166,8 @@ private:
     const ShownDatum& datumOf(const Thing& thing) const;
     bool isHidden(const Thing& thing) const;
     void showLook(const Thing& thing);
+    void showParts(const Thing& thing);
+    ThingLook lookAt(const Thing& thing, const PickedPlace& place) const;
     double transparencyOf(const Thing& thing) const;
     void showInside(const ShownDatum& datum) const;
     void showLooks();

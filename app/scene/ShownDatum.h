@@ -2,6 +2,7 @@
 #ifndef STRANDVIEW_APP_SCENE_SHOWNDATUM_H
 #define STRANDVIEW_APP_SCENE_SHOWNDATUM_H
 
+#include <set>
 #include <string>
 #include <vector>
 
@@ -18,7 +19,27 @@ class SoSwitch;
 
 namespace strandview {
 
+struct DnaLook;
 struct PickedPlace;
+struct ShownDatum;
+struct ThingStyle;
+
+/// What can be done with each part of a datum that has some.
+struct PartsOfDatum
+{
+    /// Lets all be drawn but these; not asked for where all are hidden, and again where they are
+    /// hidden already once nodes show other data or have other colours.
+    void (*hide)(const ShownDatum& shown, const std::set<ThingPart>& hidden,
+                 const ThingStyle& style, const DnaLook& dna);
+    /// As those of a whole datum.
+    void (*setColour)(const ShownDatum& shown, ThingPart part, const SbColor& colour);
+    SbColor (*getColour)(const ShownDatum& shown, ThingPart part);
+    /// In the scene; empty where there is nothing of it.
+    SbBox3f (*findBox)(const ShownDatum& shown, ThingPart part);
+    /// New nodes that draw it alone as it is now, in any colours. Without a reference.
+    SoNode* (*makeAlone)(const ShownDatum& shown, ThingPart part, const ThingStyle& style,
+                         const DnaLook& dna);
+};
 
 /// The nodes of one datum, which the scene graph owns, and what is known of them.
 struct ShownDatum
@@ -45,6 +66,8 @@ struct ShownDatum
     /// none.
     void (*setColour)(const ShownDatum& shown, const SbColor& colour) = nullptr;
     SbColor (*getColour)(const ShownDatum& shown) = nullptr;
+    const PartsOfDatum* ofParts = nullptr; ///< null of what has none
+    std::set<ThingPart> hidden;            ///< those that are hidden
     /// Lets it be drawn without the faces that are turned away, or with them, as what is cut open;
     /// null for what is always drawn with them.
     void (*setSolid)(const ShownDatum& shown, bool solid) = nullptr;

@@ -86,13 +86,15 @@ void LookPanel::follow()
         settings->show(request, shownStyle);
         return;
     }
-    std::set<ThingKind> kinds;
+    std::set<ThingId> kinds; // one of each
     for (const auto& [thing, name] : things)
-        kinds.insert(thing.kind);
+        kinds.insert({thing.kind, 0, thing.part});
     const ThingId& first = things.begin()->first;
     const ThingLook look = request.things.of(first);
-    StyleRequest shown = style ? resolve(shownStyle, styleOf(*style, first)) : shownStyle;
-    shown.tubeColour = look.colour ? look.colour : shown.tubeColour;
+    StyleRequest shown =
+        style ? resolve(shownStyle, styleOf(*style, {first.kind, first.index})) : shownStyle;
+    const std::optional<Colour> own = request.things.withThings(first).colour;
+    shown.tubeColour = own ? own : shown.tubeColour;
     settings->showOwn(look, kinds, shown);
 }
 
@@ -101,7 +103,7 @@ void LookPanel::setOwn(const QString& setting, const QString* text)
     const std::string name = setting.toStdString();
     StyleRequest next = request;
     for (const auto& [thing, known] : things) {
-        if (canHaveOwn(name, thing.kind))
+        if (canHaveOwn(name, thing))
             strandview::setOwn(name, text ? std::optional(text->toStdString()) : std::nullopt,
                                next.things.ofThings[thing]);
     }

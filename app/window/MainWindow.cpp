@@ -537,11 +537,7 @@ void MainWindow::pick(const SoPickedPoint& picked)
     if (!ownedViewer->isClick)
         return;
     if (thingsDock->isVisible()) {
-        const std::optional<Thing> thing = scene->findThing(scene->placeOf(picked));
-        if (!ownedViewer->isShiftDown)
-            things->choose(thing);
-        else if (thing)
-            things->toggle(*thing);
+        things->pick(scene->findPart(scene->placeOf(picked)), ownedViewer->isShiftDown);
         if (ownedViewer->isShiftDown && !placeDock->isVisible()) // or it measures as well
             return;
     }
@@ -569,8 +565,7 @@ void MainWindow::outlineChosen()
     for (const Thing& thing : thingsDock->isVisible() ? things->chosen() : ThingsPanel::Things()) {
         if (scene->getLook(thing).isHidden())
             continue;
-        const ShownDatum& datum = scene->getShown(thing.kind)[thing.index];
-        shown.push_back({datum.group, datum.box});
+        shown.push_back({scene->nodeOf(thing), scene->boxOf(thing)});
     }
     look->offer(things->namesOfChosen());
     ownedViewer->outline.setThings(shown, scene ? scene->getClipPlane() : nullptr);

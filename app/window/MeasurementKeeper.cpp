@@ -111,7 +111,8 @@ bool MeasurementKeeper::isHidden(const Measurement& measurement) const
     const auto& all = measurement.places;
     return std::any_of(all.begin(), all.end(), [this](const MeasuredPlace& kept) {
         const PickedPlace place = pickedPlaceOf(kept);
-        return scene->lookOf(place.kind, place.datum).isOutOfView();
+        return scene->lookOf(place.kind, place.datum, partOf(place.kind, place.strand))
+            .isOutOfView();
     });
 }
 

@@ -130,7 +130,9 @@ void PlaceTeller::mark()
 {
     PlaceMarks::Line line;
     for (const PickedPlace& place : places) {
-        if (!scene || !scene->getData() || scene->lookOf(place.kind, place.datum).isOutOfView())
+        const ThingPart part = partOf(place.kind, place.strand);
+        if (!scene || !scene->getData() ||
+            scene->lookOf(place.kind, place.datum, part).isOutOfView())
             continue;
         if (const auto at = findPoint(place, *scene->getData(), scene->getStyle().dna.angstrom))
             line.places.push_back(toSbVec3f(scene->getPlacement().toScene(at->point)));

@@ -91,7 +91,7 @@ void SettingsPanel::show(const StyleRequest& asked, const StyleRequest& shown)
     }
 }
 
-void SettingsPanel::showOwn(const ThingLook& look, const std::set<ThingKind>& kinds,
+void SettingsPanel::showOwn(const ThingLook& look, const std::set<ThingId>& things,
                             const StyleRequest& shown)
 {
     shownStyle = shown;
@@ -103,8 +103,8 @@ void SettingsPanel::showOwn(const ThingLook& look, const std::set<ThingKind>& ki
         row.reset->setVisible(text.has_value());
         row.reset->setToolTip("As all things");
         row.control->getWidget()->setEnabled(
-            std::any_of(kinds.begin(), kinds.end(),
-                        [&](ThingKind kind) { return canHaveOwn(setting.name, kind); }));
+            std::any_of(things.begin(), things.end(),
+                        [&](const ThingId& thing) { return canHaveOwn(setting.name, thing); }));
     }
 }
 

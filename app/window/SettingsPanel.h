@@ -30,9 +30,9 @@ public:
 
     /// What is asked for, and what is shown of it, where the data fill in what is left open.
     void show(const StyleRequest& asked, const StyleRequest& shown);
-    /// What a thing, of some of these kinds, has of its own instead, and what is shown of it.
-    void showOwn(const ThingLook& look, const std::set<ThingKind>& kinds,
-                 const StyleRequest& shown);
+    /// What a thing, of which there is one here of each kind, has of its own instead, and what is
+    /// shown of it.
+    void showOwn(const ThingLook& look, const std::set<ThingId>& things, const StyleRequest& shown);
     /// The scalars that there are.
     void offerScalars(const std::vector<std::string>& names);
     /// What controls ask of data and view; to be called once.

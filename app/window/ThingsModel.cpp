@@ -13,17 +13,17 @@
 
 namespace strandview {
 
-/// The root, a file or a thing.
+/// The root, a file, a thing or a part of one.
 struct ThingsModel::Row
 {
     Row* parent = nullptr; ///< null of the root
     std::size_t place = 0; ///< among the parent's
     std::string file;      ///< the name of a file
-    Thing thing;           ///< if it is one
+    Thing thing;           ///< if it is one, or the part
     std::vector<std::unique_ptr<Row>> children;
 
     bool isFile() const { return parent && !parent->parent; }
-    bool isThing() const { return parent && parent->parent; }
+    bool isThing() const { return parent && parent->parent; } ///< or a part
 };
 
 namespace {
@@ -65,6 +65,12 @@ QIcon swatch(const SbColor& colour)
     return icon;
 }
 
+// "DNA 1", "strand 2".
+std::string ownName(const ShownDatum& datum, const Thing& thing)
+{
+    return thing.part == ThingPart::WHOLE ? withoutFile(datum.name) : nameOf(thing.part);
+}
+
 } // namespace
 
 ThingsModel::ThingsModel(QObject* parent) : QAbstractItemModel(parent), root(new Row) {}
@@ -82,6 +88,8 @@ void ThingsModel::setScene(DataScene* shown, bool isOfSameFiles)
     follow();
 }
 
+// A tree that hears of a file's things draws all rows again: to tell it of the parts of thousands
+// would take it far longer.
 void ThingsModel::follow()
 {
     syncFiles(filesShown());
@@ -193,17 +201,47 @@ void ThingsModel::syncThings(Row& file, const std::vector<Thing>& things)
     }
     for (std::size_t i = 0; i < things.size();) {
         if (i < rows.size() && rows[i]->thing == things[i]) {
+            syncParts(*rows[i]);
             ++i;
             continue;
         }
         std::vector<std::unique_ptr<Row>> missing;
         const std::size_t at = i;
         for (; i < things.size() && (at == rows.size() || things[i] < rows[at]->thing); ++i) {
-            missing.push_back(std::make_unique<Row>());
-            missing.back()->thing = things[i];
+            missing.push_back(makeRow(things[i]));
         }
         insert(file, at, std::move(missing));
     }
+}
+
+std::vector<Thing> ThingsModel::partsShown(const Thing& thing) const
+{
+    std::vector<Thing> parts =
+        thing.part == ThingPart::WHOLE ? scene->getParts(thing) : std::vector<Thing>();
+    parts.erase(
+        std::remove_if(parts.begin(), parts.end(),
+                       [this](const Thing& part) { return scene->getLook(part).isDeleted; }),
+        parts.end());
+    return parts;
+}
+
+// With those of its parts.
+std::unique_ptr<ThingsModel::Row> ThingsModel::makeRow(const Thing& thing) const
+{
+    auto row = std::make_unique<Row>();
+    row->thing = thing;
+    for (const Thing& part : partsShown(thing)) {
+        row->children.push_back(makeRow(part));
+        row->children.back()->parent = row.get();
+        row->children.back()->place = row->children.size() - 1;
+    }
+    return row;
+}
+
+void ThingsModel::syncParts(Row& thing)
+{
+    if (!thing.children.empty() || !scene->getParts(thing.thing).empty())
+        syncThings(thing, partsShown(thing.thing));
 }
 
 void ThingsModel::insert(Row& parent, std::size_t at, std::vector<std::unique_ptr<Row>> rows)
@@ -250,20 +288,28 @@ QVariant ThingsModel::data(const QModelIndex& index, int role) const
     const ShownDatum* const datum = find(row.thing);
     if (!datum)
         return {};
-    if (index.column() == COLOUR)
-        return role == Qt::DecorationRole && datum->getColour ? swatch(datum->getColour(*datum))
-                                                              : QVariant();
+    if (index.column() == COLOUR) {
+        const std::optional<SbColor> colour = colourOf(row.thing);
+        return role == Qt::DecorationRole && colour ? swatch(*colour) : QVariant();
+    }
+    const std::string part = nameOf(row.thing.part);
     if (role == Qt::DisplayRole || role == Qt::EditRole)
         return QString::fromStdString(
-            scene->getLook(row.thing).name.value_or(withoutFile(datum->name)));
+            scene->getLook(row.thing).name.value_or(ownName(*datum, row.thing)));
     if (role == Qt::ToolTipRole)
-        return QString::fromStdString(datum->name).toHtmlEscaped();
+        return QString::fromStdString(datum->name + (part.empty() ? "" : ", " + part))
+            .toHtmlEscaped();
     return {};
 }
 
 Qt::CheckState ThingsModel::tickOf(const Row& row) const
 {
-    const Things things = thingsIn(row);
+    Things things = thingsIn(row);
+    for (const auto& child : row.children) {
+        for (const auto& part : child->children)
+            things.insert(part->thing);
+        things.insert(child->thing);
+    }
     const auto hidden = std::count_if(things.begin(), things.end(), [this](const Thing& thing) {
         return scene->getLook(thing).isHidden();
     });
@@ -302,20 +348,48 @@ ThingsModel::Things ThingsModel::thingsIn(const Row& row) const
 QModelIndex ThingsModel::rowOf(const Thing& thing) const
 {
     for (const auto& file : root->children) {
-        const auto& rows = file->children;
-        const auto found = std::lower_bound(
-            rows.begin(), rows.end(), thing,
-            [](const std::unique_ptr<Row>& row, const Thing& of) { return row->thing < of; });
-        if (found != rows.end() && (*found)->thing == thing)
-            return indexOf(**found);
+        const Row* const row = childOf(*file, thing.whole());
+        const Row* const wanted =
+            row && thing.part != ThingPart::WHOLE ? childOf(*row, thing) : row;
+        if (row)
+            return wanted ? indexOf(*wanted) : QModelIndex();
     }
     return {};
+}
+
+const ThingsModel::Row* ThingsModel::childOf(const Row& row, const Thing& thing)
+{
+    const auto& rows = row.children;
+    const auto found = std::lower_bound(
+        rows.begin(), rows.end(), thing,
+        [](const std::unique_ptr<Row>& child, const Thing& of) { return child->thing < of; });
+    return found != rows.end() && (*found)->thing == thing ? found->get() : nullptr;
+}
+
+QString ThingsModel::fullNameOf(const Thing& thing) const
+{
+    const QString own = rowOf(thing).data().toString();
+    return thing.part == ThingPart::WHOLE ? own
+                                          : rowOf(thing.whole()).data().toString() + ", " + own;
 }
 
 const ShownDatum* ThingsModel::find(const Thing& thing) const
 {
     const bool isThere = scene && scene->has(thing) && !scene->getLook(thing).isDeleted;
     return isThere ? &scene->getShown(thing.kind)[thing.index] : nullptr;
+}
+
+SbBox3f ThingsModel::boxOf(const Thing& thing) const
+{
+    return find(thing) ? scene->boxOf(thing) : SbBox3f();
+}
+
+std::optional<SbColor> ThingsModel::colourOf(const Thing& thing) const
+{
+    const ShownDatum* const datum = find(thing);
+    if (datum && thing.part != ThingPart::WHOLE)
+        return datum->ofParts->getColour(*datum, thing.part);
+    return datum && datum->getColour ? std::optional(datum->getColour(*datum)) : std::nullopt;
 }
 
 // What the user changes
@@ -335,7 +409,7 @@ bool ThingsModel::setData(const QModelIndex& index, const QVariant& value, int r
     const std::string name = value.toString().toStdString();
     change({row.thing}, [&](ThingLook& look) {
         look.name.reset(); // without a name it has its own
-        if (!name.empty() && name != withoutFile(datum->name))
+        if (!name.empty() && name != ownName(*datum, row.thing))
             look.name = name;
     });
     return true;
@@ -356,7 +430,14 @@ void ThingsModel::change(const Things& things, Change change)
 
 void ThingsModel::show(const Things& things, bool shown)
 {
-    change(things, [shown](ThingLook& look) { look.hidden = !shown; });
+    if (!scene)
+        return;
+    ThingLooks next = scene->getLooks();
+    for (const Thing& thing : things) {
+        if (find(thing))
+            next.show(scene->idOf(thing), shown);
+    }
+    emit looksChosen(next);
 }
 
 void ThingsModel::showOnly(const Things& things)

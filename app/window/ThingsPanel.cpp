@@ -91,6 +91,7 @@ ThingsPanel::ThingsPanel(QWidget* parent)
     list->setUniformRowHeights(true); // so that thousands cost nothing
     list->setTextElideMode(Qt::ElideLeft);
     list->setIconSize(ThingsModel::swatchSize());
+    list->setExpandsOnDoubleClick(false); // which edits
     list->setContextMenuPolicy(Qt::CustomContextMenu);
     list->header()->setStretchLastSection(false);
     list->header()->setSectionResizeMode(ThingsModel::NAME, QHeaderView::Stretch);
@@ -115,6 +116,8 @@ ThingsPanel::ThingsPanel(QWidget* parent)
     connect(list, &QTreeView::doubleClicked, this, [this](const QModelIndex& index) {
         if (index.column() == ThingsModel::COLOUR)
             chooseColour(model->thingsIn({index}));
+        else if (!index.parent().isValid())
+            list->setExpanded(index, !list->isExpanded(index));
     });
     buildButtons();
 }
@@ -178,7 +181,7 @@ std::map<ThingId, std::string> ThingsPanel::namesOfChosen() const
     std::map<ThingId, std::string> names;
     for (const Thing& thing : chosen()) {
         for (const ThingId& id : model->idsOf({thing}))
-            names[id] = model->rowOf(thing).data().toString().toStdString();
+            names[id] = model->fullNameOf(thing).toStdString();
     }
     return names;
 }
@@ -191,6 +194,26 @@ void ThingsPanel::choose(const std::optional<Thing>& thing)
         return;
     }
     list->setCurrentIndex(row); // which it scrolls to
+}
+
+// In steps, as one goes into a group: first all of it, then what of it is meant.
+void ThingsPanel::pick(const std::optional<Thing>& part, bool beside)
+{
+    if (!part) {
+        if (!beside)
+            choose({});
+        return;
+    }
+    const Things now = chosen();
+    const bool isPartChosen = std::any_of(now.begin(), now.end(), [&part](const Thing& thing) {
+        return thing.whole() == part->whole() && thing.part != ThingPart::WHOLE;
+    });
+    if (beside) {
+        toggle(isPartChosen ? *part : part->whole());
+        return;
+    }
+    const bool isChosen = now.size() == 1 && now.begin()->whole() == part->whole();
+    choose(isChosen && !(*now.begin() == *part) ? *part : part->whole());
 }
 
 void ThingsPanel::toggle(const Thing& thing)
@@ -207,8 +230,9 @@ void ThingsPanel::centre(const Things& things)
 {
     SbBox3f box;
     for (const Thing& thing : things) {
-        if (const ShownDatum* const datum = model->find(thing))
-            box.extendBy(datum->box);
+        const SbBox3f ofThing = model->boxOf(thing);
+        if (!ofThing.isEmpty())
+            box.extendBy(ofThing);
     }
     if (!box.isEmpty() && onCentre)
         onCentre(box);
@@ -217,13 +241,11 @@ void ThingsPanel::centre(const Things& things)
 void ThingsPanel::chooseColour(const Things& things)
 {
     const auto coloured = std::find_if(things.begin(), things.end(), [this](const Thing& thing) {
-        const ShownDatum* const datum = model->find(thing);
-        return datum && datum->getColour;
+        return model->colourOf(thing).has_value();
     });
     if (coloured == things.end())
         return;
-    const ShownDatum& datum = *model->find(*coloured);
-    const SbColor now = datum.getColour(datum);
+    const SbColor now = *model->colourOf(*coloured);
     QColorDialog dialog(QColor::fromRgbF(double(now[0]), double(now[1]), double(now[2])), this);
     dialog.setWindowTitle("Colour");
     letTypeColour(dialog);

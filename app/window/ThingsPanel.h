@@ -21,8 +21,9 @@ namespace strandview {
 class DataScene;
 class ThingsModel;
 
-/// The tree of what is shown: a tick hides and shows each, a double click edits its name or chooses
-/// its colour, buttons, keys and a menu do what can be done with all that are chosen.
+/// The tree of what is shown, with strands: a tick hides and shows each, a double click edits its
+/// name or chooses its colour, buttons, keys and a menu do what can be done with all that are
+/// chosen.
 class ThingsPanel : public QWidget
 {
     Q_OBJECT
@@ -50,8 +51,11 @@ public:
     std::map<ThingId, std::string> namesOfChosen() const;
     /// Instead of what is chosen; nothing of nothing.
     void choose(const std::optional<Thing>& thing);
-    /// Beside it, or no more if it is.
-    void toggle(const Thing& thing);
+    /// What was clicked in the view, the most special that is there; nothing where there is
+    /// nothing. It is all of its thing that is chosen first, and the part where that thing, or
+    /// another part of it, is chosen alone already. `beside` lets others be chosen still, and what
+    /// is chosen already no more.
+    void pick(const std::optional<Thing>& part, bool beside);
 
     /// All columns.
     QSize sizeHint() const override { return {280, 320}; }
@@ -66,6 +70,7 @@ private:
     void centre(const Things& things);
     void chooseColour(const Things& things);
     void rename(const Thing& thing);
+    void toggle(const Thing& thing);
     void offerMenu(const QPoint& place);
 
     ThingsModel* model;

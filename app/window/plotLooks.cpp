@@ -31,7 +31,8 @@ void dropLine(Plot& plot, std::size_t line)
 
 ThingLook lookOf(const LineId& line, const DataScene& scene)
 {
-    return scene.lookOf(thingOf(line.kind), line.datum);
+    const ThingKind kind = thingOf(line.kind);
+    return scene.lookOf(kind, line.datum, partOf(kind, line.strand));
 }
 
 void followLooks(Plot& plot, const DataScene& scene)

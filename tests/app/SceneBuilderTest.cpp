@@ -280,12 +280,14 @@ Colouring colouringOf(const std::vector<double>& places)
     return colouring;
 }
 
-// Of the parts of a DNA's pairs in colours of data: 0 boxes of pairs, 1 what there is of bases.
+// Of the parts of a DNA's pairs in colours of data: 0 boxes of pairs, 1 and 2 what there is of the
+// bases of a strand.
 const SoPlacedSolids& partOf(const SoSwitch* choice, int part)
 {
     const auto* pairs =
         static_cast<SoGroup*>(static_cast<SoGroup*>(choice->getChild(1))->getChild(1));
-    return *static_cast<SoPlacedSolids*>(pairs->getChild(part));
+    return *static_cast<SoPlacedSolids*>(
+        static_cast<SoSwitch*>(pairs->getChild(part))->getChild(0));
 }
 
 std::vector<Colour> coloursIn(const SoSwitch* choice, int part)
@@ -315,12 +317,14 @@ TEST_F(SceneBuilderTest, GivesEveryPairTheColourOfItsDataAndTellsWhichIsPicked)
          {showing({&DnaLook::bases}), showing({&DnaLook::baseBoxes, &DnaLook::pairBoxes}),
           showing({&DnaLook::bases, &DnaLook::atoms, &DnaLook::backbone})}) {
         ASSERT_TRUE(build(data, look, &colouring)) << error;
-        const auto colours = coloursIn(choiceOf(DNA), 1);
-        ASSERT_EQ(colours.size(), 6u) << "of two bases each";
-        for (std::size_t i = 0; i < 6; ++i)
-            for (const float part : {colours[i].red, colours[i].green, colours[i].blue})
-                EXPECT_NEAR(part, i / 2 == 0 ? 0 : i / 2 == 1 ? 1 : 0.5, 1e-3);
-        EXPECT_EQ(brightestIn(choiceOf(DNA), 1), 1);
+        for (const int strand : {1, 2}) {
+            const auto colours = coloursIn(choiceOf(DNA), strand);
+            ASSERT_EQ(colours.size(), 3u) << "of a base each";
+            for (std::size_t i = 0; i < 3; ++i)
+                for (const float part : {colours[i].red, colours[i].green, colours[i].blue})
+                    EXPECT_NEAR(part, i == 0 ? 0 : i == 1 ? 1 : 0.5, 1e-3);
+            EXPECT_EQ(brightestIn(choiceOf(DNA), strand), 1);
+        }
         EXPECT_EQ(coloursIn(choiceOf(DNA), 0).empty(), !look.dna.pairBoxes);
         EXPECT_THAT(describe(0, 4), StartsWith("pair 3 NN, ")) << "of all that is shown";
         EXPECT_THAT(describe(0, 4), HasSubstr(look.dna.pairBoxes ? "point" : "strand 1, point"));

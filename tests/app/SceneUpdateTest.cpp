@@ -208,6 +208,17 @@ std::vector<float> coloursOf(DataScene* scene)
     return colours;
 }
 
+const int WIDTH = 160, HEIGHT = 120; // of pictures
+
+template <typename Look>
+void forEachPixel(Look look)
+{
+    for (int y = 0; y < HEIGHT; ++y) {
+        for (int x = 0; x < WIDTH; ++x)
+            look(x, y);
+    }
+}
+
 class SceneUpdateTest : public testing::Test
 {
 protected:
@@ -215,7 +226,7 @@ protected:
     {
         initialiseSceneOnce();
         OffscreenContext::install();
-        renderer = std::make_unique<SoOffscreenRenderer>(SbViewportRegion(160, 120));
+        renderer = std::make_unique<SoOffscreenRenderer>(SbViewportRegion(WIDTH, HEIGHT));
     }
     ~SceneUpdateTest() override
     {
@@ -294,7 +305,7 @@ protected:
     }
 
     // Of the whole box, from above.
-    ::Picture render(DataScene* shown, const SbBox3f& box)
+    ::Picture render(SoNode* shown, const SbBox3f& box)
     {
         auto* camera = new SoOrthographicCamera;
         camera->position = box.getCenter() + SbVec3f(0, 0, box.getSize().length());
@@ -348,6 +359,24 @@ protected:
         pick.apply(scene);
         const SoPickedPoint* point = pick.getPickedPoint();
         return point ? toLine(scene->describe(*point)) : "";
+    }
+
+    // The part that such a ray hits.
+    std::optional<ThingPart> partAt(float x, float y)
+    {
+        SoRayPickAction pick(SbViewportRegion(100, 100));
+        pick.setRay(SbVec3f(x, y, 1000), SbVec3f(0, 0, -1));
+        pick.apply(scene);
+        const SoPickedPoint* point = pick.getPickedPoint();
+        const auto part = point ? scene->findPart(scene->placeOf(*point)) : std::nullopt;
+        return part ? std::optional(part->part) : std::nullopt;
+    }
+
+    void setThings(const std::string& text)
+    {
+        options.things = {};
+        ASSERT_EQ(readThings(text, options.things), "");
+        scene->setLooks(options.things);
     }
 
     Options options;
@@ -1107,6 +1136,201 @@ TEST_F(SceneUpdateTest, FramesAfterAnotherStyleHaveIt)
     ASSERT_EQ(update(oneOfEach(0.4)), "");
     expectShows(oneOfEach(0.4));
     EXPECT_EQ(scene->getStyle().slices, 6);
+}
+
+// A birod and a DNA beside each other, whose bases are known but one.
+Configuration strands()
+{
+    Configuration data;
+    data.birods = {makeBirod(helixAt(0), "ladder.json: birods[0]")};
+    Birod& birod = data.birods[0]; // as large as the bases
+    for (auto* points : {&birod.points, &birod.points1, &birod.points2}) {
+        for (Vector3<double>& point : *points)
+            point = point * 6.0;
+    }
+    data.dnas = {makeDna(helixAt(30), "ACGNTA", "dna.txt:1: DNA 1")};
+    for (std::size_t i = 0; i < data.dnas[0].bases.size(); ++i)
+        data.dnas[0].pairPoints[i].z = data.dnas[0].points1[i].z = data.dnas[0].points2[i].z =
+            3.4 * double(i);
+    return data;
+}
+
+// In each pixel is what is nearest: so all is drawn by one part or another, and as that is alone.
+TEST_F(SceneUpdateTest, EachStrandIsDrawnAloneAsItIsAmongAll)
+{
+    options.legend.place = LegendPlace::OFF;
+    options.radius = 0.8;
+    for (const char* colourBy : {"", "curvature", "roll"}) {
+        for (const char* dna : {"backbone,bases", "backbone,boxes,pairs", "atoms", "bases,atoms"}) {
+            SCOPED_TRACE(std::string(dna) + " " + colourBy);
+            options.colourBy.reset();
+            colouring.reset();
+            if (*colourBy)
+                options.colourBy = colourBy;
+            ASSERT_EQ(settingOf("dna").read(dna, options), "");
+            ASSERT_NO_FATAL_FAILURE(build(strands()));
+            const SbBox3f box = scene->getBox();
+            const ::Picture all = render(scene, box);
+            std::vector<::Picture> alone;
+            for (const ThingKind kind : {ThingKind::BIROD, ThingKind::DNA}) {
+                for (const ThingPart part : partsOf(kind)) {
+                    ThingLooks looks;
+                    looks.showOnly({{kind, 0, part}});
+                    scene->setLooks(looks);
+                    alone.push_back(render(scene, box));
+                    const Difference hidden = compare(alone.back(), all);
+                    EXPECT_GT(hidden.pixels, 30) << nameOf(ThingId{kind, 0, part});
+                    EXPECT_GT(compare(alone.back(), alone.front()).covered, 30);
+                    expectShows(strands());
+                }
+            }
+            int strange = 0;
+            forEachPixel([&](int x, int y) {
+                const ::Colour seen = all.getColour(x, y);
+                strange += std::none_of(alone.begin(), alone.end(), [&](const ::Picture& one) {
+                    return one.getColour(x, y) == seen;
+                });
+            });
+            EXPECT_EQ(strange, 0);
+            scene->setLooks({});
+            EXPECT_EQ(compare(render(scene, box), all).pixels, 0);
+            scene->unref();
+            scene = nullptr;
+        }
+    }
+}
+
+TEST_F(SceneUpdateTest, HiddenStrandsStaySoInFramesAndOtherStyles)
+{
+    options.colourBy = "roll";
+    options.dna.atoms = options.dna.bases = true;
+    const auto at = [](double time) {
+        Configuration data = oneOfEach(time);
+        data.dnas[0].bases[1] = time > 0.5 ? 'N' : 'C';
+        return data;
+    };
+    build(at(0));
+    for (const char* hidden :
+         {"birod 1 strand 1: hidden; DNA 1 strand 2: hidden", "birod 1 average: hidden",
+          "birod 1: hidden; birod 1 strand 2: shown; DNA 1: hidden",
+          "birod 1 strand 2: hidden, colour=red; DNA 1 strand 1: hidden"}) {
+        SCOPED_TRACE(hidden);
+        setThings(hidden);
+        expectShows(at(0));
+        ASSERT_EQ(update(at(0.4)), "");
+        expectShows(at(0.4));
+        ASSERT_EQ(update(at(0.6)), "");
+        expectShows(at(0.6));
+        scene->showColours(false);
+        expectShows(at(0.6));
+        scene->showColours(true);
+        options.radius = options.radius ? *options.radius + 0.02 : 0.2;
+        ASSERT_EQ(restyle(options, at(0)), "");
+        expectShows(at(0));
+        ASSERT_EQ(settingOf("colours").read("cividis", options), "");
+        ASSERT_NO_FATAL_FAILURE(recolour(at(0)));
+        expectShows(at(0));
+    }
+}
+
+TEST_F(SceneUpdateTest, AStrandHasAColourOfItsOwnBesideThatOfItsThing)
+{
+    build(strands());
+    const auto colour = [this](Kind kind, ThingPart part) {
+        const ShownDatum& datum = scene->getShown(kind)[0];
+        return datum.ofParts->getColour(datum, part);
+    };
+    const SbColor usual = colour(BIRODS, ThingPart::AVERAGE), red(1, 0, 0), blue(0, 0, 1);
+    setThings("birod 1 strand 2: colour=red; DNA 1 strand 1: colour=red; DNA 1: colour=blue");
+    EXPECT_EQ(colour(BIRODS, ThingPart::STRAND_2), red);
+    EXPECT_NE(colour(BIRODS, ThingPart::STRAND_1), red);
+    EXPECT_EQ(colour(BIRODS, ThingPart::AVERAGE), usual);
+    EXPECT_EQ(colour(DNAS, ThingPart::STRAND_1), red);
+    EXPECT_EQ(colour(DNAS, ThingPart::STRAND_2), blue);
+    ASSERT_EQ(update(strands()), "");
+    EXPECT_EQ(colour(BIRODS, ThingPart::STRAND_2), red);
+    setThings("birod 1 strand 2: colour=red; others: hidden; birod 1 strand 2: shown");
+    const SbBox3f box = scene->getBox();
+    const ::Picture alone = render(scene, box);
+    int reds = 0, others = 0;
+    forEachPixel([&](int x, int y) {
+        const auto [r, g, b] = alone.getColour(x, y);
+        const bool isRed = r > g + 20 && g == b;
+        reds += isRed;
+        others += !isRed && r + g + b > 0;
+    });
+    EXPECT_GT(reds, 100);
+    EXPECT_LT(others, reds / 5) << "highlights are white";
+}
+
+TEST_F(SceneUpdateTest, AHiddenStrandIsNotPickedAndTakesNoRoom)
+{
+    options.radius = 0.8;
+    build(strands());
+    const Vector3<double> first = strands().birods[0].points1[0],
+                          second = strands().birods[0].points2[0];
+    const SbBox3f all = scene->getBox();
+    EXPECT_EQ(partAt(float(first.x), float(first.y)), ThingPart::STRAND_1);
+    EXPECT_EQ(partAt(float(second.x), float(second.y)), ThingPart::STRAND_2);
+    setThings("birod 1 strand 1: hidden; birod 1 average: hidden; DNA 1: hidden");
+    EXPECT_NE(partAt(float(first.x), float(first.y)), ThingPart::STRAND_1);
+    EXPECT_EQ(partAt(float(second.x), float(second.y)), ThingPart::STRAND_2);
+    const SbBox3f ofSecond = scene->boxOf({BIRODS, 0, ThingPart::STRAND_2});
+    EXPECT_EQ(scene->getBox(), ofSecond);
+    EXPECT_TRUE(all.intersect(ofSecond.getCenter()));
+    EXPECT_LT(ofSecond.getMax()[0] + 5, scene->boxOf({BIRODS, 0, ThingPart::STRAND_1}).getMax()[0]);
+}
+
+TEST_F(SceneUpdateTest, AStrandIsToldByItsOwnName)
+{
+    build(strands());
+    const Vector3<double> point = strands().birods[0].points2[0];
+    const auto told = [&] { return describe(float(point.x), float(point.y)); };
+    EXPECT_THAT(told(), EndsWith("birods[0]"));
+    setThings("birod 1: name=ladder; birod 1 strand 1: name=left");
+    EXPECT_THAT(told(), EndsWith("ladder"));
+    setThings("birod 1: name=ladder; birod 1 strand 2: name=right");
+    EXPECT_THAT(told(), EndsWith("right"));
+}
+
+TEST_F(SceneUpdateTest, TheNodesOfAStrandCoverWhatItCoversInTheScene)
+{
+    options.radius = 0.8;
+    options.legend.place = LegendPlace::OFF;
+    for (const char* dna : {"backbone,bases", "boxes,pairs", "atoms"}) {
+        for (const char* colourBy : {"", "roll"}) {
+            if (*colourBy)
+                options.colourBy = colourBy;
+            ASSERT_EQ(settingOf("dna").read(dna, options), "");
+            ASSERT_NO_FATAL_FAILURE(build(strands()));
+            const SbBox3f box = scene->getBox();
+            for (const Kind kind : {BIRODS, DNAS}) {
+                for (const Thing& part : scene->getParts({kind, 0})) {
+                    SCOPED_TRACE(std::string(dna) + " " + nameOf(scene->idOf(part)));
+                    ThingLooks looks;
+                    looks.showOnly({scene->idOf(part)});
+                    scene->setLooks(looks);
+                    const ::Picture inScene = render(scene, box),
+                                    alone = render(scene->nodeOf(part), box);
+                    int covered = 0, different = 0;
+                    forEachPixel([&](int x, int y) {
+                        const bool isCovered = alone.getColour(x, y) != BLACK;
+                        covered += isCovered;
+                        different += isCovered != (inScene.getColour(x, y) != BLACK);
+                    });
+                    EXPECT_GT(covered, 30);
+                    const bool hasPairs = kind == DNAS && options.dna.pairBoxes;
+                    if (!hasPairs) { // which no strand has
+                        EXPECT_LT(different, covered / 50);
+                    }
+                }
+            }
+            scene->unref();
+            scene = nullptr;
+            colouring.reset();
+        }
+        options.colourBy.reset();
+    }
 }
 
 } // namespace strandview

@@ -140,12 +140,60 @@ TEST(ThingTextsTest, AKindTakesWhatItHas)
               "slices: found '2', expected a whole number from 3 to 1000");
 }
 
+TEST(ThingTextsTest, AStrandIsNamedBehindItsThing)
+{
+    const ThingId second{ThingKind::DNA, 0, ThingPart::STRAND_2};
+    EXPECT_EQ(nameOf(second), "DNA 1 strand 2");
+    EXPECT_EQ(nameOf({ThingKind::BIROD, 3, ThingPart::AVERAGE}), "birod 4 average");
+    const ThingLooks looks = read("DNA 1 strand 2: hidden, name=Crick");
+    EXPECT_TRUE(looks.of(second).isHidden());
+    EXPECT_EQ(looks.of(second).name, "Crick");
+    EXPECT_FALSE(looks.of({ThingKind::DNA, 0, ThingPart::STRAND_1}).isHidden());
+    for (const char* text : {"DNA 1 strand 2:hidden", "dnas 1  Strand  2 : hidden",
+                             " DNA 1-1 strand 2: hidden", "DNA 1strand 2: hidden"})
+        EXPECT_THAT(textsOf(read(text)), ElementsAre("DNA 1 strand 2: hidden")) << text;
+}
+
+TEST(ThingTextsTest, NeighboursWhoseStrandsLookAlikeAreOneText)
+{
+    EXPECT_THAT(textsOf(read("birods 1-3 strand 1: colour=red; birods 1-3 average: hidden; "
+                             "birod 4: name=a")),
+                ElementsAre("birod 4: name=a", "birods 1-3 strand 1: colour=#ff0000",
+                            "birods 1-3 average: hidden"));
+}
+
+TEST(ThingTextsTest, WhatIsSaidOfAStrandIsToldWhereItDiffersFromItsThing)
+{
+    EXPECT_THAT(textsOf(read("DNA 1 strand 1: shown")), IsEmpty());
+    EXPECT_THAT(textsOf(read("DNA 1: hidden; DNA 1 strand 1: hidden")),
+                ElementsAre("DNA 1: hidden"));
+    EXPECT_THAT(textsOf(read("DNA 1: hidden; DNA 1 strand 1: shown")),
+                ElementsAre("DNA 1: hidden", "DNA 1 strand 1: shown"));
+    EXPECT_THAT(textsOf(read("DNA 1: shown; DNA 1 strand 1: hidden; others: hidden")),
+                ElementsAre("DNA 1: shown", "DNA 1 strand 1: hidden", "others: hidden"));
+}
+
+TEST(ThingTextsTest, StrandsAreOfBirodsAndDnaAndHaveNameAndColourAlone)
+{
+    for (const char* text :
+         {"rod 1 strand 1: hidden", "DNA 1 average: hidden", "birod 1 strand 3: hidden",
+          "bases strand 1: hidden", "DNA strand 1: hidden", "DNA 1 strand: hidden"})
+        EXPECT_THAT(faultOf(text), HasSubstr("strands, such as DNA 1 strand 2")) << text;
+    EXPECT_THAT(faultOf("birod 1 strand 1: radius=1"),
+                HasSubstr("expected hidden, shown, deleted, name=TEXT, colour="));
+    EXPECT_THAT(faultOf("birod 1 strand 1: radius=1"), Not(HasSubstr("slices")));
+    const ThingId strand{ThingKind::BIROD, 0, ThingPart::STRAND_1};
+    EXPECT_TRUE(canHaveOwn("tube-colour", strand));
+    EXPECT_FALSE(canHaveOwn("radius", strand));
+    EXPECT_FALSE(canHaveOwn("transparency", strand));
+}
+
 TEST(ThingTextsTest, ASettingThatAThingHasOfItsOwnIsSetReadAndClearedByItsName)
 {
     ThingLook look;
-    EXPECT_TRUE(canHaveOwn("tube-colour", ThingKind::ROD));
-    EXPECT_FALSE(canHaveOwn("ribbon-width", ThingKind::DNA));
-    EXPECT_FALSE(canHaveOwn("background", ThingKind::ROD));
+    EXPECT_TRUE(canHaveOwn("tube-colour", {ThingKind::ROD, 0}));
+    EXPECT_FALSE(canHaveOwn("ribbon-width", {ThingKind::DNA, 0}));
+    EXPECT_FALSE(canHaveOwn("background", {ThingKind::ROD, 0}));
     setOwn("tube-colour", "red", look);
     setOwn("ribbon", "off", look);
     EXPECT_EQ(ownValue("tube-colour", look), "#ff0000");

@@ -2,6 +2,7 @@
 #include "scene/builders/BirodBuilder.h"
 
 #include <initializer_list>
+#include <limits>
 #include <utility>
 
 #include <Inventor/SoPickedPoint.h>
@@ -13,6 +14,7 @@
 #include "scene/Colouring.h"
 #include "scene/DataScene.h"
 #include "scene/PickedPlace.h"
+#include "scene/builders/BirodStrands.h"
 #include "scene/builders/DataColours.h"
 #include "scene/curveFaults.h"
 
@@ -68,12 +70,7 @@ BiarcTubeMesh* strandTube(const SoNode& node, int strand)
     return strand == 1 ? birod.getTube1Mesh() : birod.getTube2Mesh();
 }
 
-SoMFColor& ownColours(const ShownDatum& shown)
-{
-    SoNode* const own =
-        shown.colours ? shown.colours->getChild(0) : shown.group->getChild(OWN_COLOURS);
-    return static_cast<SoMaterial*>(own)->diffuseColor;
-}
+SoMFColor& ownColours(const ShownDatum& shown) { return ownMaterial(shown).diffuseColor; }
 
 // Of the rows of the three tubes; those of the ribbons are between them.
 void setColour(const ShownDatum& shown, const SbColor& colour)
@@ -93,17 +90,19 @@ void setColour(const ShownDatum& shown, const SbColor& colour)
 
 SbColor getColour(const ShownDatum& shown) { return ownColours(shown)[0]; }
 
-// The strand, or 0 for the average, whose surface is nearest.
+// The strand, or 0 for the average, whose surface is nearest, of those that are not hidden.
 void placeIn(const ShownDatum& shown, const SoPickedPoint& picked, int /*index*/,
              PickedPlace& place)
 {
     const SbVec3f point = picked.getPoint();
-    const auto distance = [&](BiarcTubeMesh& tube) {
+    const auto distance = [&](BiarcTubeMesh& tube, int strand) {
+        if (shown.hidden.count(partOf(ThingKind::BIROD, strand)) > 0)
+            return std::numeric_limits<double>::infinity();
         return nearestOnTube(tube, {point[0], point[1], point[2]}).distance - tube.getRadius();
     };
-    double nearest = distance(*centralTube(*shown.node));
+    double nearest = distance(*centralTube(*shown.node), 0);
     for (const int strand : {1, 2}) {
-        const double next = distance(*strandTube(*shown.node, strand));
+        const double next = distance(*strandTube(*shown.node, strand), strand);
         if (next < nearest) {
             nearest = next;
             place.strand = strand;
@@ -156,6 +155,8 @@ ShownDatum BirodBuilder::makeNodes(std::size_t index)
                              0, style.slices, style.subsegments, style.showTube, style.showTube,
                              style.showRibbon, false, style.twoSidedRibbon);
     shown.group->addChild(shown.node);
+    shown.group->addChild(makeStrandRods());
+    shown.ofParts = strandsOfBirod();
     shown.centralTube = &centralTube;
     shown.strandTube = &strandTube;
     shown.setColour = &setColour;
@@ -170,6 +171,7 @@ void BirodBuilder::updateNodes(std::size_t index, ShownDatum& shown)
     auto* node = static_cast<SoBirod*>(shown.node);
     SceneGeometry::Birod& computed = frame.geometry.birods[index];
     node->setData(std::move(computed.data), std::move(computed.meshes));
+    dropStrandRods(shown);
     recolour(index, shown);
 }
 

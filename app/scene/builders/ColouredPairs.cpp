@@ -14,6 +14,7 @@
 #include <Inventor/details/SoFaceDetail.h>
 #include <Inventor/nodes/SoCube.h>
 #include <Inventor/nodes/SoSeparator.h>
+#include <Inventor/nodes/SoSwitch.h>
 
 #include <SoDNA.h>
 #include <SoNucleobase.h>
@@ -28,7 +29,7 @@ namespace strandview {
 
 namespace {
 
-enum Shape { BOXES, BASES };
+enum Shape { BOXES, BASES_1, BASES_2 };
 
 // Neighbours share corners, which are a third of them.
 void add(const Solid::Corner& corner, Solid& solid)
@@ -105,18 +106,45 @@ Solid solidOfPairBox(const SoDNA& pairs)
     return solidOf(one, SbColor(1, 1, 1));
 }
 
+SoSwitch& choiceOf(const SoSeparator& coloured, Shape shape)
+{
+    return *static_cast<SoSwitch*>(coloured.getChild(shape));
+}
+
 SoPlacedSolids& shapeOf(const SoSeparator& coloured, Shape shape)
 {
-    return *static_cast<SoPlacedSolids*>(coloured.getChild(shape));
+    return *static_cast<SoPlacedSolids*>(choiceOf(coloured, shape).getChild(0));
 }
+
+// Those of a strand: one solid of each letter, and where they are.
+struct Bases
+{
+    std::uint32_t solidOf(char letter)
+    {
+        const auto [found, isNew] = known.try_emplace(letter, std::uint32_t(solids.size()));
+        if (isNew)
+            solids.push_back(solidOfBase(letter, look, isUpright));
+        return found->second;
+    }
+
+    const DnaLook& look;
+    const bool isUpright;
+    std::map<char, std::uint32_t> known;
+    std::vector<Solid> solids;
+    std::vector<SoPlacedSolids::Place> places;
+};
 
 } // namespace
 
 SoSeparator* makeColouredPairs()
 {
     auto* coloured = new SoSeparator;
-    for (int shape = BOXES; shape <= BASES; ++shape)
-        coloured->addChild(new SoPlacedSolids);
+    for (int shape = BOXES; shape <= BASES_2; ++shape) {
+        auto* choice = new SoSwitch;
+        choice->whichChild = SO_SWITCH_ALL;
+        choice->addChild(new SoPlacedSolids);
+        coloured->addChild(choice);
+    }
     return coloured;
 }
 
@@ -129,18 +157,11 @@ void setColouredPairs(SoSeparator& coloured, const Dna& dna, const DnaLook& look
                       const Placement& inAngstrom, const SoDNA& pairs,
                       const std::vector<Colour>& colours)
 {
-    std::vector<Solid> solids;
-    std::map<std::pair<char, bool>, std::uint32_t> known;
-    const auto baseOf = [&](char letter, bool isUpright) {
-        const auto [found, isNew] =
-            known.try_emplace({letter, isUpright}, std::uint32_t(solids.size()));
-        if (isNew)
-            solids.push_back(solidOfBase(letter, look, isUpright));
-        return found->second;
-    };
-    std::vector<SoPlacedSolids::Place> boxes, bases;
+    Bases first{look, true, {}, {}, {}}, second{look, false, {}, {}, {}};
+    std::vector<SoPlacedSolids::Place> boxes;
     boxes.reserve(look.pairBoxes ? dna.bases.size() : 0);
-    bases.reserve(2 * dna.bases.size());
+    for (Bases* bases : {&first, &second})
+        bases->places.reserve(dna.bases.size());
     for (std::size_t i = 0; i < dna.bases.size(); ++i) {
         const auto placed = [&](const auto& points, const auto& rotations, std::uint32_t solid) {
             return SoPlacedSolids::Place{toSbVec3f(inAngstrom.toScene(points[i])),
@@ -149,14 +170,24 @@ void setColouredPairs(SoSeparator& coloured, const Dna& dna, const DnaLook& look
         const char letter = dna.bases[i];
         if (look.pairBoxes)
             boxes.push_back(placed(dna.pairPoints, dna.pairRotations, 0));
-        bases.push_back(placed(dna.points1, dna.rotations1, baseOf(letter, true)));
-        bases.push_back(placed(dna.points2, dna.rotations2, baseOf(complementOf(letter), false)));
+        first.places.push_back(placed(dna.points1, dna.rotations1, first.solidOf(letter)));
+        second.places.push_back(
+            placed(dna.points2, dna.rotations2, second.solidOf(complementOf(letter))));
     }
     std::vector<Solid> box;
     if (look.pairBoxes)
         box.push_back(solidOfPairBox(pairs));
     shapeOf(coloured, BOXES).setPlaces(std::move(box), std::move(boxes));
-    shapeOf(coloured, BASES).setPlaces(std::move(solids), std::move(bases));
+    shapeOf(coloured, BASES_1).setPlaces(std::move(first.solids), std::move(first.places));
+    shapeOf(coloured, BASES_2).setPlaces(std::move(second.solids), std::move(second.places));
+}
+
+void showColouredBases(SoSeparator& coloured, int strand, bool shown)
+{
+    const int which = shown ? SO_SWITCH_ALL : SO_SWITCH_NONE;
+    SoSFInt32& now = choiceOf(coloured, strand == 1 ? BASES_1 : BASES_2).whichChild;
+    if (now.getValue() != which)
+        now = which;
 }
 
 std::optional<PickedPair> pickedPair(const SoPickedPoint& picked, int index, std::size_t pairs)
@@ -167,16 +198,15 @@ std::optional<PickedPair> pickedPair(const SoPickedPoint& picked, int index, std
         !detail->isOfType(SoFaceDetail::getClassTypeId()))
         return {};
     const auto shape = Shape(path.getIndex(index + 1));
-    const std::size_t things = shape == BOXES ? pairs : 2 * pairs;
     const auto& coloured = static_cast<const SoSeparator&>(*path.getNode(index));
     const std::vector<Solid>& solids = shapeOf(coloured, shape).getSolids();
     // What is shown of one base has as many faces as that of any other.
     const std::size_t facesOfEach = solids.empty() ? 0 : solids[0].triangles.size() / 3;
     const auto face = std::size_t(static_cast<const SoFaceDetail*>(detail)->getFaceIndex());
-    const std::size_t thing = facesOfEach > 0 ? face / facesOfEach : things;
-    if (thing >= things)
+    const std::size_t thing = facesOfEach > 0 ? face / facesOfEach : pairs;
+    if (thing >= pairs)
         return {};
-    return shape == BOXES ? PickedPair{thing, 0} : PickedPair{thing / 2, int(thing % 2) + 1};
+    return PickedPair{thing, shape == BOXES ? 0 : shape == BASES_1 ? 1 : 2};
 }
 
 } // namespace strandview

@@ -19,7 +19,8 @@ class SoSeparator;
 namespace strandview {
 
 // The boxes and slabs of a DNA with a colour for each pair, which a SoDNA, whose pairs share what
-// is placed, has by letter alone: a shape for all pair boxes, one for all that is shown of bases.
+// is placed, has by letter alone: a shape for all pair boxes, one for all that is shown of the
+// bases of a strand.
 
 /// Without a reference, and without pairs.
 SoSeparator* makeColouredPairs();
@@ -32,6 +33,9 @@ bool hasColouredPairs(const DnaLook& look);
 void setColouredPairs(SoSeparator& coloured, const Dna& dna, const DnaLook& look,
                       const Placement& inAngstrom, const SoDNA& pairs,
                       const std::vector<Colour>& colours);
+
+/// Shows the bases of strand 1 or 2, as they are at first, or not.
+void showColouredBases(SoSeparator& coloured, int strand, bool shown);
 
 /// Which pair is picked, and which strand of it, 1 or 2; 0 of its box.
 struct PickedPair

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <utility>
 
+#include <Inventor/SbViewportRegion.h>
 #include <Inventor/SoPath.h>
 #include <Inventor/SoPickedPoint.h>
 #include <Inventor/nodes/SoCube.h>
@@ -16,6 +17,7 @@
 
 #include <SoArrow.h>
 #include <SoDNA.h>
+#include <SoNucleobase.h>
 
 #include <strandview/analysis/doubleStrands.h>
 #include <strandview/analysis/parallelTransport.h>
@@ -111,9 +113,15 @@ SoDNA& pairsOf(const ShownDatum& shown)
                                               : behindScale(*shown.group));
 }
 
+// Whether it is shown.
+SoSwitch& backboneChoiceOf(const SoSeparator& group, Strand strand)
+{
+    return *static_cast<SoSwitch*>(group.getChild(BACKBONES + int(strand)));
+}
+
 SoSeparator& backboneOf(const SoSeparator& group, Strand strand)
 {
-    return *static_cast<SoSeparator*>(group.getChild(BACKBONES + int(strand)));
+    return *static_cast<SoSeparator*>(backboneChoiceOf(group, strand).getChild(0));
 }
 
 SoRod& rodOf(const SoSeparator& backbone) { return *static_cast<SoRod*>(backbone.getChild(1)); }
@@ -235,13 +243,16 @@ SoSwitch* makePairChoice(SoNode* own, const DnaLook& look)
     return choice;
 }
 
-SoSeparator* makeBackbone(const ThingStyle& style)
+SoSwitch* makeBackbone(const ThingStyle& style)
 {
     auto* group = new SoSeparator;
     group->addChild(new SoMaterial);
     group->addChild(new SoRod(0, 0, style.slices, style.subsegments, true, false, false));
     group->addChild(makeHead());
-    return group;
+    auto* choice = new SoSwitch;
+    choice->addChild(group);
+    choice->whichChild = SO_SWITCH_ALL;
+    return choice;
 }
 
 // The centreline of a backbone has a point between any two bases, and one at each end: there stands
@@ -292,6 +303,141 @@ void replaceUnknown(const std::string& bases, const DnaLook& look, SoDNA& dna)
         }
     }
 }
+
+// Strands
+
+Strand strandOf(ThingPart part)
+{
+    return part == ThingPart::STRAND_2 ? Strand::SECOND : Strand::FIRST;
+}
+
+// Its switches are left alone where nothing changes: drawing follows who touches them.
+void showBase(SoNucleobase& base, char letter, bool isUpright, const DnaLook& look)
+{
+    const int slab = 2;
+    const bool hasAtoms = look.atoms && letter != UNKNOWN_BASE;
+    if (base.areAtomsShown() != hasAtoms)
+        base.showAtoms(hasAtoms);
+    if (base.isBoxShown() != look.baseBoxes)
+        base.showBox(look.baseBoxes);
+    if (look.bases && base.getNumChildren() == slab)
+        base.addChild(makeSlab(letter, isUpright));
+    else if (!look.bases && base.getNumChildren() > slab)
+        base.removeChild(slab);
+}
+
+// All of a strand: bases of a letter are one node.
+void showBases(SoDNA& dna, const std::string& bases, Strand strand, const DnaLook& look)
+{
+    const bool isUpright = strand == Strand::FIRST;
+    for (char letter : BASE_LETTERS)
+        showBase(*dna.getNucleobase(letter, int(strand) + 1), letter, isUpright, look);
+    const std::size_t unknown = bases.find(UNKNOWN_BASE);
+    if (unknown == std::string::npos)
+        return;
+    const auto* placed = static_cast<SoGroup*>(dna.getChild(1));
+    const auto* group = static_cast<SoGroup*>(placed->getChild(int(2 * unknown) + int(strand)));
+    showBase(*static_cast<SoNucleobase*>(group->getChild(1)), UNKNOWN_BASE, isUpright, look);
+}
+
+DnaLook nothingOfBases(DnaLook look)
+{
+    look.bases = look.baseBoxes = look.atoms = false;
+    return look;
+}
+
+void hide(const ShownDatum& shown, const std::set<ThingPart>& hidden, const ThingStyle& /*style*/,
+          const DnaLook& look)
+{
+    for (const ThingPart part : partsOf(ThingKind::DNA)) {
+        const Strand strand = strandOf(part);
+        const bool isShown = hidden.count(part) == 0;
+        SoSFInt32& backbone = backboneChoiceOf(*shown.group, strand).whichChild;
+        const int which = isShown ? SO_SWITCH_ALL : SO_SWITCH_NONE;
+        if (backbone.getValue() != which)
+            backbone = which;
+        if (!needsPairs(look))
+            continue;
+        showBases(pairsOf(shown), shown.bases, strand, isShown ? look : nothingOfBases(look));
+        if (!shown.colours)
+            continue;
+        showColouredBases(colouredPairsIn(*shown.colours), int(strand) + 1, isShown);
+        if (look.atoms)
+            showBases(*static_cast<SoDNA*>(ofDataIn(*shown.colours).getChild(0)), shown.bases,
+                      strand, isShown ? atomsAlone(look) : nothingOfBases(look));
+    }
+}
+
+void setStrandColour(const ShownDatum& shown, ThingPart part, const SbColor& colour)
+{
+    ownColours(shown, strandOf(part)).setValue(colour);
+}
+
+SbColor getStrandColour(const ShownDatum& shown, ThingPart part)
+{
+    return ownColours(shown, strandOf(part))[0];
+}
+
+// Null where nothing of pairs is shown.
+SoDNA* findPairs(const ShownDatum& shown)
+{
+    SoNode* const node = shown.colours ? shown.colours->getChild(0) : behindScale(*shown.group);
+    return node->isOfType(SoDNA::getClassTypeId()) ? static_cast<SoDNA*>(node) : nullptr;
+}
+
+float scaleOfPairs(const ShownDatum& shown)
+{
+    const auto* pairs = static_cast<SoSeparator*>(shown.group->getChild(PAIRS));
+    return static_cast<SoScale*>(pairs->getChild(0))->scaleFactor.getValue()[0];
+}
+
+// With the boxes of its pairs.
+SbBox3f findStrandBox(const ShownDatum& shown, ThingPart part)
+{
+    SbBox3f box;
+    SoSeparator& backbone = backboneOf(*shown.group, strandOf(part));
+    if (rodOf(backbone).isValid()) { // or its head is a point
+        SoGetBoundingBoxAction withHead(SbViewportRegion(1, 1));
+        withHead.apply(&backbone);
+        box.extendBy(withHead.getBoundingBox());
+    }
+    const SoDNA* const pairs = findPairs(shown);
+    if (!pairs)
+        return box;
+    const auto scale = double(scaleOfPairs(shown));
+    for (const auto* points :
+         {&pairs->getRAvg(), part == ThingPart::STRAND_1 ? &pairs->getR1() : &pairs->getR2()}) {
+        for (const Vector3<double>& point : *points)
+            box.extendBy(boxAround(point * scale, REACH * scale));
+    }
+    return box;
+}
+
+// Bases of all letters are placed once more.
+SoNode* makeStrandAlone(const ShownDatum& shown, ThingPart part, const ThingStyle& /*style*/,
+                        const DnaLook& look)
+{
+    const Strand strand = strandOf(part), other = STRANDS[1 - std::size_t(strand)];
+    auto* alone = new SoSeparator;
+    alone->addChild(&backboneChoiceOf(*shown.group, strand));
+    const SoDNA* const pairs = findPairs(shown);
+    if (!pairs)
+        return alone;
+    DnaLook bases = look;
+    bases.pairBoxes = false;
+    SoDNA* const copy = makeDna(bases);
+    alone->addChild(makePairs(copy, double(scaleOfPairs(shown))));
+    copy->setData(pairs->getSequence(), pairs->getRAvg(), pairs->getQAvg(), pairs->getR1(),
+                  pairs->getQ1(), pairs->getR2(), pairs->getQ2());
+    copy->generate();
+    replaceUnknown(shown.bases, bases, *copy);
+    showBases(*copy, shown.bases, strand, bases);
+    showBases(*copy, shown.bases, other, nothingOfBases(bases));
+    return alone;
+}
+
+const PartsOfDatum STRANDS_OF_DNA{&hide, &setStrandColour, &getStrandColour, &findStrandBox,
+                                  &makeStrandAlone};
 
 // Without those that are no points of their own to the formulas.
 std::vector<Vector3<double>> withoutCoincident(const std::vector<Vector3<double>>& points)
@@ -401,6 +547,7 @@ ShownDatum DnaBuilder::makeNodes(std::size_t index)
     shown.placeIn = &placeIn;
     shown.setColour = &setColour;
     shown.getColour = &getColour;
+    shown.ofParts = &STRANDS_OF_DNA;
     if (look.baseBoxes && look.pairBoxes)
         makePlate(pairsOf(shown));
     updateNodes(index, shown);
