@@ -29,10 +29,12 @@
 #include "request/settings.h"
 #include "request/writeCommand.h"
 #include "scene/DataScene.h"
+#include "scene/MeasuredLine.h"
 #include "scene/Progress.h"
 #include "scene/SceneBuilder.h"
 #include "scene/SceneLoader.h"
 #include "scene/idleOptions.h"
+#include "scene/measure.h"
 #include "scene/readFiles.h"
 #include "session/fingerprint.h"
 #include "window/checkDisplay.h"
@@ -99,19 +101,23 @@ int renderStill(const Options& options)
         return fail(BAD_INPUT, report.error);
     tellAll(report.notices);
     scene->ref();
+    if (scene->getData())
+        scene->setMeasured(makeMeasured(options.measurements, *scene->getData(), *scene));
     return renderPicture(options, scene);
 }
 
 // What says which data are told, and how.
-const std::set<std::string> OF_INFO{"--info",  "--json",       "--all-numbers",
-                                    "--frame", "--closed",     "--normalise",
-                                    "--pairs", "--frame-rows", "--dna-unit"};
+const std::set<std::string> OF_INFO{"--info",     "--json",      "--all-numbers", "--frame",
+                                    "--closed",   "--normalise", "--pairs",       "--frame-rows",
+                                    "--dna-unit", "--measure"};
 
 std::vector<std::string> idleOptionsOf(const Options& options)
 {
     std::set<std::string> meant = OF_INFO;
-    if (options.listScalars)
+    if (options.listScalars) {
         meant.insert({"--list-scalars", "--compare"});
+        meant.erase("--measure");
+    }
     return findIdleOptions(options, meant,
                            options.listScalars ? "--list-scalars tells the scalars alone"
                                                : "--info tells what is in the files alone");
@@ -131,6 +137,17 @@ bool tellPicture(const Options& options, int& status)
     return true;
 }
 
+std::vector<Findings::Measured> measureAll(const Options& options, const Configuration& data)
+{
+    std::vector<Findings::Measured> all;
+    for (const Measurement& measurement : options.measurements) {
+        const auto value = measure(measurement, data, options.dna.angstrom);
+        all.push_back({measurement, value ? std::optional(value->value) : std::nullopt,
+                       unitOf(measurement.kind, data), value ? readable(*value) : "not here"});
+    }
+    return all;
+}
+
 int tellFindings(const Options& options)
 {
     int status = SUCCESS;
@@ -142,11 +159,11 @@ int tellFindings(const Options& options)
     if (options.listScalars && options.compare &&
         !readReference(options, report, silent, comparison.emplace().reference))
         return fail(BAD_INPUT, report.error);
-    const std::optional<Findings> findings =
-        findIn(options.files, std::size_t(options.frame.value_or(0)), readOptionsOf(options, {}),
-               report, comparison);
+    std::optional<Findings> findings = findIn(options.files, std::size_t(options.frame.value_or(0)),
+                                              readOptionsOf(options, {}), report, comparison);
     if (!findings)
         return fail(BAD_INPUT, report.error);
+    findings->measured = measureAll(options, findings->data);
     const auto tell = options.listScalars ? (options.asJson ? scalarsToJson : describeScalars)
                                           : (options.asJson ? toJson : describe);
     const double most =

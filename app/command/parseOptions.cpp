@@ -231,6 +231,31 @@ void addCamera(CLI::App& app, Options& options)
         ->group(group);
 }
 
+void addMeasurements(CLI::App& app, Options& options)
+{
+    const auto read = [&options](const std::vector<std::string>& texts) {
+        options.measurements.clear();
+        for (const std::string& text : texts) {
+            const std::optional<Measurement> measurement = parseNamedMeasurement(text);
+            if (!measurement)
+                throw CLI::ValidationError(
+                    "--measure", "found " + inQuotes(text) +
+                                     ", expected places with commas between them, such as 'rod "
+                                     "1:0,rod 1:10', or what is measured before them, such as "
+                                     "'angle rod 1:0,rod 1:5,rod 1:10'");
+            options.measurements.push_back(*measurement);
+        }
+    };
+    app.add_option_function<std::vector<std::string>>(
+           "--measure", read,
+           "Draw what is measured between places into the picture, keep it in the window, or tell "
+           "it with --info: 'rod 1:0,rod 1:10' is a distance, 'DNA 1:1,DNA 1:8,DNA 1:15' an angle; "
+           "or with 'arc length', 'rotation' or 'dihedral angle' before the places; 'as NAME' "
+           "behind them gives it a name; repeatable")
+        ->type_name("WHAT")
+        ->allow_extra_args(false);
+}
+
 void addWindowPicture(CLI::App& app, CLI::Option* render, Options& options)
 {
     const auto parse = [&options](const std::vector<std::string>& texts) {
@@ -332,6 +357,7 @@ void addFiles(CLI::App& app, Options& options)
     app.add_flag("--normalise", options.normalise,
                  "Accept quaternions and directors that are not unit and normalise them");
     addInfo(app, render, options);
+    addMeasurements(app, options);
     addBeside(app, options);
     addWatch(app, options);
     app.add_flag("--closed", options.closed,
@@ -806,6 +832,11 @@ void takePictureFrom(const Session& session, const IsGiven& isGiven, Options& op
         if (!isGiven("--" + name))
             settingOf(name).read(text, options);
     }
+    if (!isGiven("--measure") && session.picture.hasMeasurements) {
+        options.measurements = shownOf(session.measurements);
+        for (const std::string& argument : argumentsOf(options.measurements))
+            options.look += argument + "\n";
+    }
     if (session.pictureSize || session.picture != PictureChoice()) {
         for (const std::string& argument : argumentsOf(options.getPictureSize()))
             options.look += argument + "\n";
@@ -840,6 +871,8 @@ void takeFrom(const Session& session, const CLI::App& app, Options& options)
         options.frame = int(*session.frame);
     if (isPicture)
         takePictureFrom(session, isGiven, options);
+    if (options.info && !isGiven("--measure"))
+        options.measurements = session.measurements;
     if (!isGiven("--beside"))
         options.beside = session.beside;
     if (!session.areColoursShown && isPicture && !isGiven("--colour-by"))

@@ -197,6 +197,18 @@ Json toJson(const std::vector<Link>& links)
     return list;
 }
 
+Json toJson(const std::vector<Findings::Measured>& all)
+{
+    Json list = Json::array();
+    for (const Findings::Measured& measured : all)
+        list.push_back({{"what", textOf(measured.measurement)},
+                        {"kind", nameOf(measured.measurement.kind)},
+                        {"name", orNull(measured.measurement.name)},
+                        {"value", orNull(measured.value)},
+                        {"unit", measured.unit}});
+    return list;
+}
+
 // In the usual order.
 Json pairParametersOf(const Dna& dna, double angstrom)
 {
@@ -366,6 +378,8 @@ std::string describe(const Findings& findings, double angstrom, double mostEdgeP
     for (const auto& [noun, count] : glyphs)
         if (count > 0)
             text += counted(count, noun) + "\n";
+    for (const Findings::Measured& measured : findings.measured)
+        text += onOneLine(namedTextOf(measured.measurement)) + ": " + measured.words + "\n";
     for (const std::string& notice : noticesOf(findings, slowLeftOut(numbers)))
         text += "note: " + notice + "\n";
     return text;
@@ -386,6 +400,7 @@ std::string toJson(const Findings& findings, double angstrom, double mostEdgePai
                     angstrom)},
         {"links", numbers.areSlowLeftOut ? Json() : toJson(numbers.links)},
         {"unpairedBases", data.loneBases.size()},
+        {"measurements", toJson(findings.measured)},
         {"notices", noticesOf(findings, slowLeftOut(numbers))}};
     // A name need not be UTF-8: what is not is replaced.
     return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";

@@ -11,6 +11,7 @@
 #include <strandview/formats/ReadReport.h>
 #include <strandview/model/Configuration.h>
 
+#include "request/Measurement.h"
 #include "request/limits.h"
 
 namespace strandview {
@@ -24,11 +25,19 @@ struct Findings
         std::string format; ///< of formats()
         std::size_t frames = 1;
     };
+    struct Measured
+    {
+        Measurement measurement;
+        std::optional<double> value; ///< nothing where the data do not have its places
+        std::string unit;            ///< "Å", "°", or "length" for that of the data
+        std::string words;           ///< of the value, for people
+    };
     std::vector<File> files;
     std::size_t frame = 0;            ///< that the data are of, counted from 0
     Configuration data;               ///< of all files
     std::vector<std::string> notices; ///< of what was done to the data
     std::set<std::string> compared;   ///< the names of scalars that a comparison added
+    std::vector<Measured> measured;   ///< what was asked for
 };
 
 /// That scalars of a comparison (comparison.h) are added to what is found, and with what.

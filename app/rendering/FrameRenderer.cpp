@@ -16,6 +16,7 @@
 #include "request/writeCommand.h"
 #include "scene/DataScene.h"
 #include "scene/Legend.h"
+#include "scene/MeasuredLine.h"
 #include "scene/Progress.h"
 #include "scene/Stamp.h"
 #include "scene/digest.h"
@@ -189,6 +190,7 @@ FrameRenderer::Drawn FrameRenderer::draw(std::size_t frame, const Configuration&
         scene->setStamp(makeStamp(stampOf(frame), options.background, stage.style.legendTextSize,
                                   float(options.pictureWidth) / float(options.pictureHeight),
                                   stampPlace()));
+    scene->setMeasured(makeMeasured(options.measurements, data, *scene));
     Picture picture{name.of(frame),  options.pictureWidth,   options.pictureHeight,
                     options.samples, options.background,     options.transparent,
                     cameraOf(frame), scene->getLegendRoom(), options.dpi.value_or(DPI_OF_PIXELS)};

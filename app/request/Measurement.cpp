@@ -28,6 +28,8 @@ const std::array<KindName, 5> KINDS{{{MeasureKind::DISTANCE, "distance", 2},
                                      {MeasureKind::ANGLE, "angle", 3},
                                      {MeasureKind::DIHEDRAL, "dihedral angle", 4}}};
 
+const std::string BEFORE_NAME = " as ";
+
 const KindName& rowOf(MeasureKind kind)
 {
     return *std::find_if(KINDS.begin(), KINDS.end(),
@@ -269,6 +271,29 @@ std::optional<Measurement> parseMeasurement(const std::string& text)
         return std::nullopt;
     measurement.kind = *kind;
     return measurement;
+}
+
+std::vector<Measurement> shownOf(std::vector<Measurement> measurements)
+{
+    const auto isHidden = [](const Measurement& measurement) { return !measurement.isShown; };
+    measurements.erase(std::remove_if(measurements.begin(), measurements.end(), isHidden),
+                       measurements.end());
+    return measurements;
+}
+
+std::string namedTextOf(const Measurement& measurement)
+{
+    return textOf(measurement) + (measurement.name.empty() ? "" : BEFORE_NAME + measurement.name);
+}
+
+std::optional<Measurement> parseNamedMeasurement(const std::string& text)
+{
+    const std::size_t end = text.find(BEFORE_NAME);
+    std::optional<Measurement> measurement = parseMeasurement(text.substr(0, end));
+    if (!measurement || end == std::string::npos)
+        return measurement;
+    measurement->name = text.substr(end + BEFORE_NAME.size());
+    return measurement->name.empty() ? std::nullopt : measurement;
 }
 
 } // namespace strandview

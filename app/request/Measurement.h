@@ -72,6 +72,13 @@ std::string textOf(const Measurement& measurement);
 /// it is the usual one of so many places: "rod 1:10,rod 1:40".
 std::optional<Measurement> parseMeasurement(const std::string& text);
 
+/// The same with the name, if it has one: "distance rod 1:10,rod 1:40 as arm".
+std::string namedTextOf(const Measurement& measurement);
+std::optional<Measurement> parseNamedMeasurement(const std::string& text);
+
+/// Those of them that are shown.
+std::vector<Measurement> shownOf(std::vector<Measurement> measurements);
+
 } // namespace strandview
 
 #endif

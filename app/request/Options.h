@@ -10,6 +10,7 @@
 #include "request/BesideRequest.h"
 #include "request/CameraRequest.h"
 #include "request/FrameSlice.h"
+#include "request/Measurement.h"
 #include "request/PictureRequest.h"
 #include "request/PlotRequest.h"
 #include "request/Session.h"
@@ -78,6 +79,8 @@ struct Options : StyleRequest
     std::optional<int> dpi;   ///< pixels per inch that the picture's file tells
     int samples = 3;          ///< the picture is rendered this many times wider and higher
     bool transparent = false; ///< no background in the picture
+    /// What is measured: pictures show it, a window keeps it, and --info tells it.
+    std::vector<Measurement> measurements;
 
     /// The window, its size in pixels remembered from the last time unless given.
     std::optional<std::pair<int, int>> windowSize;

@@ -15,7 +15,7 @@ auto parts(const PictureChoice& choice)
     const PictureRequest& size = choice.size;
     return std::tuple(size.width, size.height, size.paper ? textOf(*size.paper) : "", size.dpi,
                       size.samples, size.transparent, choice.isOfView, choice.keepsShape,
-                      choice.settings);
+                      choice.hasMeasurements, choice.settings);
 }
 
 } // namespace

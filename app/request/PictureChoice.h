@@ -15,8 +15,9 @@ namespace strandview {
 struct PictureChoice
 {
     PictureRequest size;
-    bool isOfView = true;   ///< as many pixels as the view has, whatever the size says
-    bool keepsShape = true; ///< that of the view, or of the size, when one side is another
+    bool isOfView = true;         ///< as many pixels as the view has, whatever the size says
+    bool keepsShape = true;       ///< that of the view, or of the size, when one side is another
+    bool hasMeasurements = false; ///< those that the view shows
     /// What is another than in the view, of settingsOfPicture(), by name and as texts.
     std::map<std::string, std::string> settings;
 };

@@ -33,6 +33,14 @@ std::vector<std::string> argumentsOf(const PictureRequest& size)
     return arguments;
 }
 
+std::vector<std::string> argumentsOf(const std::vector<Measurement>& measurements)
+{
+    std::vector<std::string> arguments;
+    for (const Measurement& measurement : measurements)
+        arguments.insert(arguments.end(), {"--measure", namedTextOf(measurement)});
+    return arguments;
+}
+
 std::string inShell(const std::string& word)
 {
     const char* const plain = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789"
@@ -61,6 +69,7 @@ std::string writeCommand(const Options& options, const ShownPicture& picture)
     add(argumentsOf(picture.size));
     if (picture.stamp)
         add({"--stamp"});
+    add(argumentsOf(options.measurements));
     add({"--render", picture.name});
     // A name that looks like an option.
     for (const std::string& file : picture.files) {

@@ -39,6 +39,9 @@ std::string titleOf(const std::vector<std::string>& files);
 /// but for the size.
 std::vector<std::string> argumentsOf(const PictureRequest& size);
 
+/// {"--measure", "distance rod 1:10,rod 1:40"}, for each of them.
+std::vector<std::string> argumentsOf(const std::vector<Measurement>& measurements);
+
 /// A word as a POSIX shell takes it: between quotation marks where it has to be.
 std::string inShell(const std::string& word);
 

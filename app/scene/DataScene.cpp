@@ -517,13 +517,18 @@ void DataScene::setBackground(const Colour& background)
     showScaleBar();
 }
 
-void DataScene::setStamp(SoNode* next)
+void DataScene::setStamp(SoNode* next) { replaceOver(stamp, next); }
+
+void DataScene::setMeasured(SoNode* next) { replaceOver(measured, next); }
+
+// Of what is drawn over the data.
+void DataScene::replaceOver(SoNode*& shown, SoNode* next)
 {
-    if (stamp)
-        removeChild(stamp);
-    stamp = next;
-    if (stamp)
-        addChild(stamp);
+    if (shown)
+        removeChild(shown);
+    shown = next;
+    if (shown)
+        addChild(shown);
 }
 
 PickedPlace DataScene::placeOf(const SoPickedPoint& picked, double reach) const

@@ -133,6 +133,8 @@ public:
 
     /// Draws a stamp over the scene, or none of null, instead of the one before.
     void setStamp(SoNode* stamp);
+    /// The same of what is measured: see makeMeasured().
+    void setMeasured(SoNode* measured);
 
     /// "point 0.1 2 3, arc length 1.5 of 8" of "helix.txt:1: rod 1", in the data's
     /// coordinates; the arc length is that of the nearest point of the centreline, of a
@@ -177,6 +179,7 @@ private:
     void setShininess(const Shininess& values);
     void showLegend();
     void showScaleBar();
+    void replaceOver(SoNode*& shown, SoNode* next);
     void tellColouring(); ///< by the legend: nothing else changes what it tells
 
     struct Kind
@@ -201,7 +204,7 @@ private:
     std::unique_ptr<ScaleBar> scaleBar;
     SoSwitch* scaleBarChoice = nullptr; ///< whether it is shown
     bool coloursShown = false;          ///< of data, with the legend or without
-    SoNode* stamp = nullptr;
+    SoNode *stamp = nullptr, *measured = nullptr;
     Shininess highlights;           ///< while colours are shown: those without
     bool areUserHighlights = false; ///< changed while colours were shown
 };

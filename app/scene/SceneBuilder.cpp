@@ -24,6 +24,7 @@
 #include "scene/Progress.h"
 #include "scene/SoLabels.h"
 #include "scene/SoLegendCamera.h"
+#include "scene/SoMeasured.h"
 #include "scene/SoOverlay.h"
 #include "scene/SoPlacedSolids.h"
 #include "scene/SoScaleBar.h"
@@ -286,6 +287,7 @@ void initialiseScene()
     SoPlacedSolids::initClass();
     SoSeeThrough::initClass();
     SoLabels::initClass();
+    SoMeasured::initClass();
 }
 
 SceneGeometry computeGeometry(const Configuration& configuration, const Style& style,

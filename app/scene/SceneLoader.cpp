@@ -84,7 +84,7 @@ DataScene* makeScene(Configuration configuration, const Options& options, ReadRe
     const SceneMaker make = makerOf(withinMemory(
         report, [&] { return prepare(std::move(configuration), options, report, progress); }));
     DataScene* const scene = make ? make(report, progress) : nullptr;
-    if (scene)
+    if (scene && options.measurements.empty()) // nobody asks for numbers
         scene->setData(nullptr);
     return scene;
 }

@@ -65,6 +65,7 @@ SbViewVolume SoLegendCamera::getViewVolume(float useaspectratio) const
     const float aspect = useaspectratio > 0 ? useaspectratio : aspectRatio.getValue();
     const bool isUpright = place == LegendPlace::LEFT || place == LegendPlace::RIGHT;
     stretch = std::max(1.0f, isUpright ? 1 / aspect : aspect);
+    extent = 2 * SbVec2f(std::max(1.0f, aspect), std::max(1.0f, 1 / aspect));
     // A view that is higher than wide grows about its middle until it is 2 wide.
     if (aspect < 1 && !isUpright)
         volume.translateCamera(

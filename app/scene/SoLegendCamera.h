@@ -2,6 +2,7 @@
 #ifndef STRANDVIEW_APP_SCENE_SOLEGENDCAMERA_H
 #define STRANDVIEW_APP_SCENE_SOLEGENDCAMERA_H
 
+#include <Inventor/SbVec2f.h>
 #include <Inventor/nodes/SoOrthographicCamera.h>
 #include <Inventor/nodes/SoSubNode.h>
 
@@ -25,6 +26,9 @@ public:
     /// How many times as long as 2 the border is in the view that was last asked for, from 1 on.
     float getStretch() const { return stretch; }
 
+    /// How wide and high the view is that was last asked for.
+    SbVec2f getExtent() const { return extent; }
+
     /// The view that was there before this camera, when it was last drawn or traversed.
     const SbViewVolume& getViewBefore() const { return before; }
 
@@ -40,6 +44,7 @@ protected:
 private:
     LegendPlace place = LegendPlace::BOTTOM;
     mutable float stretch = 1;
+    mutable SbVec2f extent{2, 2};
     SbViewVolume before;
 };
 

@@ -3,9 +3,12 @@
 
 #include <algorithm>
 
+#include <strandview/formats/text/wording.h>
+
 #include "request/thingTexts.h"
 #include "scene/Style.h"
 #include "scene/backbones.h"
+#include "scene/measure.h"
 
 namespace strandview {
 
@@ -174,6 +177,11 @@ std::vector<std::string> findIdleOptions(const Options& options, const Configura
     if (std::count(options.given.begin(), options.given.end(), "--thing") > 0) {
         for (const std::string& line : findMissingThings(options.things, configuration))
             lines.push_back(line);
+    }
+    for (const Measurement& measurement : options.measurements) {
+        if (!measure(measurement, configuration, options.dna.angstrom))
+            lines.push_back("--measure " + inQuotes(textOf(measurement)) +
+                            " has no effect: found no such places, or nothing to measure there");
     }
     const std::string hidden = hiddenRods(options, configuration);
     if (!hidden.empty())

@@ -258,6 +258,8 @@ PictureChoice readPicture(const Json& value, const std::string& place)
           }},
          {"transparent",
           [&](const Json& v, const std::string& p) { picture.size.transparent = switchIn(v, p); }},
+         {"measurements",
+          [&](const Json& v, const std::string& p) { picture.hasMeasurements = switchIn(v, p); }},
          {"style", [&](const Json& v, const std::string& p) {
               picture.settings = readPictureStyle(v, p);
           }}});
@@ -280,6 +282,8 @@ Json jsonOf(const PictureChoice& picture)
         json["samples"] = picture.size.samples;
     if (picture.size.transparent)
         json["transparent"] = true;
+    if (picture.hasMeasurements)
+        json["measurements"] = true;
     if (!picture.settings.empty())
         json["style"] = picture.settings;
     return json;

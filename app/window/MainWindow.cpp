@@ -372,6 +372,15 @@ void MainWindow::buildNumbers()
     });
 }
 
+// Those that the window begins with are of its first files.
+void MainWindow::takeMeasurements()
+{
+    if (options.measurements.empty())
+        return;
+    pictureChoice.hasMeasurements = true; // which they are asked for in
+    measurements->set(std::exchange(options.measurements, {}));
+}
+
 void MainWindow::keepMeasurement() { statusText->tell({{measurements->keep(), ""}}); }
 
 void MainWindow::buildSettings()
@@ -694,6 +703,7 @@ void MainWindow::follow(std::unique_ptr<LoadJob> newJob, Tell tell, CameraChoice
                         rememberFiles({QString::fromStdString(options.session->name)});
                         sessions->findChanged(*options.session);
                     }
+                    takeMeasurements();
                 } else {
                     dropComparison();
                     if (ended->getFiles() == shownFiles)
@@ -1510,6 +1520,7 @@ PicturedView MainWindow::getPictured(const StyleRequest& style) const
     static_cast<StyleRequest&>(pictured.options) = style;
     if (!scene->areColoursShown())
         pictured.options.colourBy.reset();
+    pictured.options.measurements = shownOf(measurements->get());
     pictured.picture.files = shownFiles;
     pictured.picture.camera = getCameraNumbers();
     pictured.picture.size.width = size[0];
@@ -1598,6 +1609,7 @@ void MainWindow::choosePicture()
     PictureDialog dialog(pictureChoice,
                          {shownStyle,
                           {size[0], size[1]},
+                          !shownOf(measurements->get()).empty(),
                           folderOfFiles(),
                           [this](const PictureChoice& choice, const QSize& room) {
                               return ViewPictures(getPictured(shownStyle)).preview(choice, room);

@@ -238,6 +238,7 @@ private:
 
     void buildPanels();
     void buildNumbers();
+    void takeMeasurements();
     void keepMeasurement();
     void buildSettings();
     /// What of a style needs no preparation: how single things look.

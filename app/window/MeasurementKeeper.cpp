@@ -6,6 +6,7 @@
 
 #include "request/conversions.h"
 #include "scene/DataScene.h"
+#include "scene/MeasuredLine.h"
 #include "window/MeasurementPanel.h"
 #include "window/PlaceMarks.h"
 #include "window/PlaceTeller.h"
@@ -106,30 +107,15 @@ void MeasurementKeeper::remember()
     }
 }
 
-bool MeasurementKeeper::isHidden(const Measurement& measurement) const
-{
-    const auto& all = measurement.places;
-    return std::any_of(all.begin(), all.end(), [this](const MeasuredPlace& kept) {
-        const PickedPlace place = pickedPlaceOf(kept);
-        return scene->lookOf(place.kind, place.datum, partOf(place.kind, place.strand))
-            .isOutOfView();
-    });
-}
-
 void MeasurementKeeper::mark()
 {
     const std::set<std::size_t> chosen = panel.chosen();
     std::vector<PlaceMarks::Line> lines;
     for (std::size_t i = 0; i < measurements.size(); ++i) {
-        if (!measurements[i].isShown || !values[i] || isHidden(measurements[i]))
-            continue;
-        PlaceMarks::Line line;
-        for (const auto& point : values[i]->points)
-            line.places.push_back(toSbVec3f(scene->getPlacement().toScene(point)));
-        const std::string& name = measurements[i].name;
-        line.text = (name.empty() ? "" : name + " ") + readable(*values[i]);
-        line.colour = chosen.count(i) > 0 ? PlaceMarks::YELLOW : PlaceMarks::BLUE;
-        lines.push_back(line);
+        const auto line = values[i] ? lineOf(measurements[i], *values[i], *scene) : std::nullopt;
+        if (line)
+            lines.push_back({line->points, line->text,
+                             chosen.count(i) > 0 ? PlaceMarks::YELLOW : PlaceMarks::BLUE});
     }
     marks.setLines(lines);
 }

@@ -73,7 +73,6 @@ private:
     void mark();
     void listSoon();
     void listNow();
-    bool isHidden(const Measurement& measurement) const;
     double angstrom() const;
 
     PlaceTeller& places;

@@ -63,6 +63,7 @@ PictureDialog::PictureDialog(const PictureChoice& first, View pictured, QWidget*
     form->addRow("Pixels per &inch", dpi);
     form->addRow("Sa&mples per pixel", samples);
     form->addRow("", transparent);
+    form->addRow("", measured);
     addSettings(*form);
     told = new QLabel(page);
     told->setObjectName("pictureTold");
@@ -82,6 +83,7 @@ PictureDialog::PictureDialog(const PictureChoice& first, View pictured, QWidget*
     pause.setInterval(0);
     connect(&pause, &QTimer::timeout, this, &PictureDialog::drawPreview);
     show(choice.isOfView ? sizeOfView() : choice.size);
+    measured->setChecked(choice.hasMeasurements);
     width->setFocus();
     width->selectAll();
     follow();
@@ -126,6 +128,11 @@ QWidget* PictureDialog::makeSizeRow()
     samples->setToolTip("Smooth edges: N x N samples per pixel");
     transparent = new QCheckBox("&Transparent background", page);
     name(*transparent, "pictureTransparent", "Transparent background");
+    measured = new QCheckBox("With m&easurements", page);
+    name(*measured, "pictureMeasurements", "With measurements");
+    measured->setToolTip(
+        "The measurements that the view shows, with letters as large as a legend's");
+    measured->setEnabled(view.isMeasured);
     for (QAbstractSpinBox* box :
          std::initializer_list<QAbstractSpinBox*>{width, height, dpi, samples})
         acceptDecimalComma(*box);
@@ -144,6 +151,10 @@ QWidget* PictureDialog::makeSizeRow()
         connect(box, QOverload<int>::of(&QSpinBox::valueChanged), this, &PictureDialog::read);
     connect(unit, QOverload<int>::of(&QComboBox::activated), this, &PictureDialog::changeUnit);
     connect(transparent, &QCheckBox::toggled, this, &PictureDialog::read);
+    connect(measured, &QCheckBox::toggled, this, [this](bool on) {
+        choice.hasMeasurements = on;
+        follow();
+    });
     connect(keepsShape, &QCheckBox::toggled, this, [this](bool on) {
         choice.keepsShape = on;
         shape = width->value() / height->value();
@@ -196,6 +207,7 @@ QWidget* PictureDialog::makeButtons()
     connect(asView, &QPushButton::clicked, this, [this] {
         choice = PictureChoice();
         keepsShape->setChecked(true);
+        measured->setChecked(false);
         show(sizeOfView());
         follow();
     });

@@ -37,8 +37,9 @@ public:
     struct View
     {
         StyleRequest style;
-        QSize size;     ///< in pixels
-        QString folder; ///< where a file is looked for at first
+        QSize size;      ///< in pixels
+        bool isMeasured; ///< whether it shows measurements
+        QString folder;  ///< where a file is looked for at first
         /// A picture as chosen, but within so many pixels; null if it cannot be drawn.
         std::function<QImage(const PictureChoice& choice, const QSize& room)> preview;
         /// As ViewPictures::save(), of which PICTURE_STOPPED is nothing to be told.
@@ -81,7 +82,7 @@ private:
     SideBox *width = nullptr, *height = nullptr;
     QComboBox* unit = nullptr;
     QSpinBox *dpi = nullptr, *samples = nullptr;
-    QCheckBox *keepsShape = nullptr, *transparent = nullptr;
+    QCheckBox *keepsShape = nullptr, *transparent = nullptr, *measured = nullptr;
     QLabel *told = nullptr, *picture = nullptr;
     QProgressBar* progress = nullptr;
     QPushButton* asView = nullptr;

@@ -12,6 +12,7 @@
 #include <SoQtGeneralViewer.h>
 
 #include "scene/DataScene.h"
+#include "scene/MeasuredLine.h"
 
 namespace strandview {
 
@@ -25,9 +26,12 @@ public:
         if (view.first)
             scene.redress(makeStyle(options, *view.first));
         dressed = scene.countStyles();
+        if (scene.getData())
+            scene.setMeasured(makeMeasured(options.measurements, *scene.getData(), scene));
     }
     ~Dress()
     {
+        scene.setMeasured(nullptr);
         if (scene.countStyles() == dressed) // no other style has come meanwhile
             scene.redress(before);
     }
@@ -91,6 +95,8 @@ Options ViewPictures::optionsOf(const PictureChoice& choice) const
 {
     Options options = view.options;
     static_cast<StyleRequest&>(options) = styleOf(choice, options);
+    if (!choice.hasMeasurements)
+        options.measurements.clear();
     const ShownPicture picture = describe(choice);
     options.picture = picture.name;
     options.pictureWidth = picture.size.width;

@@ -224,7 +224,7 @@ TEST(Findings, HaveAllKeysWhateverThereIs)
 {
     const json found = asJson(Configuration{});
     EXPECT_EQ(found, json::parse(R"({"files": [], "frame": 0, "rods": [], "birods": [], "dna": [],
-        "links": [], "unpairedBases": 0, "notices": []})"));
+        "links": [], "unpairedBases": 0, "measurements": [], "notices": []})"));
 }
 
 TEST(Findings, CountBasesWithoutAPair)

@@ -123,6 +123,29 @@ TEST(Measurement, OfAnotherNumberOfPlacesIsNothing)
         EXPECT_FALSE(parseMeasurement(text)) << text;
 }
 
+TEST(Measurement, IsReadWithItsName)
+{
+    Measurement one = *parseMeasurement("angle rod 1:1,rod 1:2,rod 1:3");
+    EXPECT_EQ(namedTextOf(one), textOf(one));
+    EXPECT_TRUE(*parseNamedMeasurement(namedTextOf(one)) == one);
+    for (const char* name : {"arm", "as is", " as ", "a, \"b\"", "groove of DNA 1:3"}) {
+        one.name = name;
+        EXPECT_TRUE(parseNamedMeasurement(namedTextOf(one)) == one) << name;
+    }
+    EXPECT_EQ(namedTextOf(*parseNamedMeasurement("rod 1:1,rod 1:2 as arm")),
+              "distance rod 1:1,rod 1:2 as arm");
+    for (const char* text : {"rod 1:1,rod 1:2 as ", "rod 1:1 as arm", " as arm"})
+        EXPECT_FALSE(parseNamedMeasurement(text)) << text;
+}
+
+TEST(Measurement, ThatIsHiddenIsNotAmongThoseThatAreShown)
+{
+    std::vector<Measurement> all(3, *parseMeasurement("rod 1:1,rod 1:2"));
+    all[1].isShown = false;
+    all[2].name = "last";
+    EXPECT_EQ(shownOf(all), (std::vector<Measurement>{all[0], all[2]}));
+}
+
 TEST(Measurement, IsAnotherIfAnythingOfItIs)
 {
     const Measurement one = *parseMeasurement("rod 1:1,rod 1:2");

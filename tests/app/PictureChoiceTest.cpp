@@ -44,6 +44,7 @@ TEST(PictureChoiceTest, ChoicesThatDifferInOneThingAreNotTheSame)
         [](PictureChoice& c) { c.size.transparent = true; },
         [](PictureChoice& c) { c.isOfView = false; },
         [](PictureChoice& c) { c.keepsShape = false; },
+        [](PictureChoice& c) { c.hasMeasurements = true; },
         [](PictureChoice& c) { c.settings["legend"] = "top"; }};
     for (const auto& change : changes) {
         PictureChoice other;

@@ -70,6 +70,7 @@ TEST(SessionText, BringsBackAllThatWasSaid)
     session.beside = {"other/rod.txt", false};
     session.picture.size = {1, 1, parsePaperSize("85.5x60mm"), 600, 2, true};
     session.picture.isOfView = session.picture.keepsShape = false;
+    session.picture.hasMeasurements = true;
     session.picture.settings = {{"background", "#000000"}, {"legend", "off"}};
 
     const Session read = readBack(session);

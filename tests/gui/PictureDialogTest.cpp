@@ -28,6 +28,8 @@
 #include "support/keepPictures.h"
 #include "support/realInput.h"
 #include "support/runProgram.h"
+#include "window/MeasurementKeeper.h"
+#include "window/PlaceMarks.h"
 
 namespace strandview {
 
@@ -285,6 +287,73 @@ TEST_F(PictureDialogTest, ATransparentPictureHasNoBackground)
     EXPECT_EQ(picture("clear.png").pixelColor(2, 2).alpha(), 0);
     EXPECT_THAT(runCopiedCommand(), HasSubstr(" --transparent "));
     EXPECT_TRUE(bytesOf("clear.png") == bytesOf("picture.png"));
+}
+
+TEST_F(PictureDialogTest, MeasurementsAreInThePictureWhoseTickAsksForThem)
+{
+    options.camera.side = Side::Z;
+    ASSERT_NO_FATAL_FAILURE(openRod());
+    const int children = scene->getNumChildren();
+    const auto save = [this](const std::string& name, bool isTicked) {
+        savePicture({inDialog([isTicked] {
+                         auto* const box = find<QCheckBox>("pictureMeasurements");
+                         EXPECT_FALSE(box->isChecked());
+                         if (isTicked) {
+                             ASSERT_TRUE(box->isEnabled());
+                             box->setFocus();
+                             pressRealKey("space");
+                             ASSERT_TRUE(comesTo([&] { return box->isChecked(); }));
+                         }
+                         pressRealKey("Return");
+                     }),
+                     nameFile(name)});
+    };
+    pressRealKey("n");
+    ASSERT_TRUE(comesToBePainted());
+    click(-0.5, 0.1);
+    ASSERT_TRUE(comesTo([this] { return window->getMarks().countPlaces() == 1; }));
+    shiftClick(0.5, 0.1);
+    ASSERT_TRUE(comesTo([this] { return window->getMarks().countPlaces() == 2; }));
+    pressRealKey("m");
+    ASSERT_TRUE(comesTo([this] { return window->getMeasurements().get().size() == 1; }));
+    view()->setFocus();
+    ASSERT_NO_FATAL_FAILURE(save("bare", false));
+    ASSERT_NO_FATAL_FAILURE(save("with", true));
+    EXPECT_LT(countPixels(picture("bare.png"), isInk), 20);
+    EXPECT_GT(countPixels(picture("with.png"), isInk), 100);
+    const std::string line = runCopiedCommand();
+    EXPECT_THAT(line, HasSubstr(" --measure 'distance rod 1:1,rod 1:3' "));
+    EXPECT_TRUE(bytesOf("with.png") == bytesOf("picture.png")) << line;
+    EXPECT_EQ(scene->getNumChildren(), children);
+    EXPECT_TRUE(window->getPictureChoice().hasMeasurements);
+}
+
+TEST_F(PictureDialogTest, AWindowThatBeginsWithMeasurementsKeepsThemAndHasThemInItsPictures)
+{
+    options.measurements = {*parseNamedMeasurement("rod 1:0,rod 1:4 as end to end"),
+                            *parseNamedMeasurement("rod 1:0,rod 1:99")};
+    options.measurements[0].name = "it's long";
+    ASSERT_NO_FATAL_FAILURE(openRod());
+    EXPECT_EQ(window->getMeasurements().get(), options.measurements);
+    ASSERT_NO_FATAL_FAILURE(
+        savePicture({inDialog([] {
+                         EXPECT_TRUE(find<QCheckBox>("pictureMeasurements")->isChecked());
+                         pressRealKey("Return");
+                     }),
+                     nameFile("long")}));
+    EXPECT_GT(countPixels(picture("long.png"), isInk), 100);
+    const std::string line = runCopiedCommand();
+    EXPECT_THAT(line, HasSubstr(" as it'\\''s long' "));
+    EXPECT_TRUE(bytesOf("long.png") == bytesOf("picture.png")) << line;
+}
+
+TEST_F(PictureDialogTest, WithoutMeasurementsThereIsNothingToTick)
+{
+    ASSERT_NO_FATAL_FAILURE(openRod());
+    ASSERT_NO_FATAL_FAILURE(savePicture({inDialog([] {
+        EXPECT_FALSE(find<QCheckBox>("pictureMeasurements")->isEnabled());
+        pressRealKey("Escape");
+    })}));
 }
 
 TEST_F(PictureDialogTest, WhatWasChosenStaysForTheNextPictureUnlessItWasCancelled)

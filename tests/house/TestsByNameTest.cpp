@@ -30,6 +30,7 @@ const std::map<std::string, std::string> ELSEWHERE{
     {"app/scene/ownColours.cpp", "tests/app/SceneUpdateTest.cpp"},
     {"app/scene/overlay.cpp", "tests/app/LegendTest.cpp"},
     {"app/scene/SoLegendCamera.cpp", "tests/app/LegendTest.cpp"},
+    {"app/scene/SoMeasured.cpp", "tests/app/MeasuredLineTest.cpp"},
     {"app/scene/SoScaleBar.cpp", "tests/app/ScaleBarTest.cpp"},
     {"app/scene/SoStretchChoice.cpp", "tests/app/LegendTest.cpp"},
     {"app/scene/builders", "tests/app/SceneUpdateTest.cpp"},
