@@ -316,19 +316,24 @@ void SoGeneralScene::interpolateMaterial(ColourMapper* mapper, SoMaterial* mater
 
 SoGeneralScene::Shading SoGeneralScene::getShading() const { return Shading(drawStyleIndex); }
 
+void SoGeneralScene::setShading(Shading shading)
+{
+    drawStyleIndex = shading;
+    modeSwitch->whichChild = shading == LIT ? 0 : 1;
+    drawStyle->style = shading == WIREFRAME ? SoDrawStyle::LINES : SoDrawStyle::FILLED;
+}
+
 void SoGeneralScene::toggleDrawStyle(bool complexityOnly)
 {
-    if (complexityOnly) {
-        const bool screenSpace = complexity->type.getValue() == SoComplexity::SCREEN_SPACE;
-        complexity->type = screenSpace ? SoComplexity::BOUNDING_BOX : SoComplexity::SCREEN_SPACE;
-        return;
-    }
-    static const int programs[3] = {1, 1, 0};
-    static const SoDrawStyle::Style styles[3] = {SoDrawStyle::FILLED, SoDrawStyle::LINES,
-                                                 SoDrawStyle::FILLED};
-    modeSwitch->whichChild = programs[drawStyleIndex];
-    drawStyle->style = styles[drawStyleIndex];
-    drawStyleIndex = (drawStyleIndex + 1) % 3;
+    if (complexityOnly)
+        showBoundingBoxes(complexity->type.getValue() == SoComplexity::SCREEN_SPACE);
+    else
+        setShading(Shading((drawStyleIndex + 1) % 3));
+}
+
+void SoGeneralScene::showBoundingBoxes(bool show)
+{
+    complexity->type = show ? SoComplexity::BOUNDING_BOX : SoComplexity::SCREEN_SPACE;
 }
 
 bool SoGeneralScene::isShowingBoundingBoxes() const
@@ -380,8 +385,13 @@ void SoGeneralScene::changeLineWidth(int steps)
     const bool allowed = steps > 0 ? width <= lineWidthMax : width >= lineWidthMin;
     if (!allowed)
         return;
-    lineWidth = width;
-    drawStyle->lineWidth = width;
+    setLineWidth(width);
+}
+
+void SoGeneralScene::setLineWidth(float pixels)
+{
+    lineWidth = pixels;
+    drawStyle->lineWidth = pixels;
 }
 
 float SoGeneralScene::getLineWidth() const { return lineWidth; }

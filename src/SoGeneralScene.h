@@ -93,17 +93,22 @@ public:
     /// How changing content is drawn; wireframe, solid content, too.
     enum Shading { LIT, PLAIN, WIREFRAME };
     Shading getShading() const;
+    void setShading(Shading shading);
     /// The next step of: lit and filled, unlit and filled, unlit wireframe. With
     /// complexityOnly the draw style stays, and shapes change between themselves and
     /// their bounding boxes.
     void toggleDrawStyle(bool complexityOnly);
     /// Whether shapes are drawn as their bounding boxes.
     bool isShowingBoundingBoxes() const;
+    void showBoundingBoxes(bool show);
     /// Lines thicker by as many steps of OpenGL's granularity, thinner by a negative number
     /// of them; beyond the limits nothing changes.
     void changeLineWidth(int steps);
     /// In pixels; what setGLLineData() said at first.
     float getLineWidth() const;
+    /// Whatever the limits are; what changeLineWidth() begins with from now on, until
+    /// setGLLineData() says another.
+    void setLineWidth(float pixels);
     /// Whether highlights are those of a perspective camera.
     void setShaderPersp(bool perspective);
     bool isShaderPersp() const;

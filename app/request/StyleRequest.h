@@ -8,6 +8,7 @@
 #include "request/ClipPlane.h"
 #include "request/Colour.h"
 #include "request/ColourMap.h"
+#include "request/DrawingLook.h"
 #include "request/LegendLook.h"
 #include "request/ThingLook.h"
 
@@ -46,6 +47,7 @@ struct StyleRequest
     ThingLooks things; ///< single ones
 
     std::optional<ClipPlane> clip; ///< what lies beyond is cut away
+    DrawingLook drawing;
 
     /// A file whose first frame others are compared with, by scalars; "first" is that of the
     /// series.

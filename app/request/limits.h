@@ -19,6 +19,9 @@ constexpr int DPI_ON_PAPER = 300, DPI_OF_PIXELS = 100;
 /// Of a pixel, in each direction.
 constexpr int MOST_SAMPLES = 8;
 
+/// Of lines, in pixels; drivers draw thick ones as thick as they can.
+constexpr double SMALLEST_LINE_WIDTH = 0.1, LARGEST_LINE_WIDTH = 20;
+
 /// What is said where memory ends, after the name of what is read, shown or written.
 constexpr const char* TOO_LITTLE_MEMORY_FOR_DATA =
     "found too little memory for so many points, rows or pixels";

@@ -54,7 +54,7 @@ Text textOf(const Value& value)
     return inWords(value);
 }
 
-// A member of the request, or of the legend in it.
+// A member of the request, or of the legend or the drawing in it.
 
 template <typename Request, typename Value>
 auto& in(Request& request, Value StyleRequest::*member)
@@ -65,6 +65,12 @@ template <typename Request, typename Value>
 auto& in(Request& request, Value LegendLook::*member)
 {
     return request.legend.*member;
+}
+
+template <typename Request, typename Value>
+auto& in(Request& request, Value DrawingLook::*member)
+{
+    return request.drawing.*member;
 }
 
 template <auto member>
@@ -144,6 +150,47 @@ std::string readClip(const std::string& text, StyleRequest& request)
         return found(text, "x, -x, y, -y, z, -z or a normal X,Y,Z, and :DISTANCE or nothing, such "
                            "as z:1.5; or off");
     request.clip = plane;
+    return "";
+}
+
+// How all is drawn
+
+struct NamedShading
+{
+    const char* name;
+    Shading shading;
+};
+
+const NamedShading SHADINGS[] = {
+    {"lit", Shading::LIT}, {"plain", Shading::PLAIN}, {"wireframe", Shading::WIREFRAME}};
+
+Text valueOfShading(const StyleRequest& request)
+{
+    return std::find_if(std::begin(SHADINGS), std::end(SHADINGS),
+                        [&request](const NamedShading& known) {
+                            return known.shading == request.drawing.shading;
+                        })
+        ->name;
+}
+
+std::string readShading(const std::string& text, StyleRequest& request)
+{
+    const auto* const named =
+        std::find_if(std::begin(SHADINGS), std::end(SHADINGS),
+                     [&text](const NamedShading& known) { return text == known.name; });
+    if (named == std::end(SHADINGS))
+        return found(text, "lit, plain or wireframe");
+    request.drawing.shading = named->shading;
+    return "";
+}
+
+std::string readLineWidth(const std::string& text, StyleRequest& request)
+{
+    const std::optional<double> width = parseNumber<double>(text);
+    if (!width || *width < SMALLEST_LINE_WIDTH || *width > LARGEST_LINE_WIDTH)
+        return found(text, "a number of pixels from " + formatted(SMALLEST_LINE_WIDTH) + " to " +
+                               formatted(LARGEST_LINE_WIDTH));
+    request.drawing.lineWidth = *width;
     return "";
 }
 
@@ -507,6 +554,18 @@ std::vector<Setting> makeSettings()
                   "Cut away what is beyond a plane, on that side or where the normal X,Y,Z points "
                   "to, at DISTANCE from the origin [off; through the middle of the data]",
                   &readClip)),
+        ofColours(
+            among(namesOf(SHADINGS),
+                  {"shading", SettingKind::CHOICE, "Shading", LOOK, "HOW",
+                   "How shapes are drawn: lit, plain, in their own colours without lights, or "
+                   "wireframe [lit]",
+                   &valueOfShading, &readShading, &clear<&DrawingLook::shading>})),
+        ofColours(makeRow<&DrawingLook::lineWidth>(
+            SettingKind::LINE_WIDTH, "line-width", "Line width", LOOK, "PIXELS",
+            "Width of the lines of a wireframe, in pixels [1]", &readLineWidth)),
+        ofColours(makeSwitch<&DrawingLook::boundingBoxes>(
+            "bounding-boxes", "Bounding boxes",
+            "Show the boxes that shapes lie in instead of them")),
         ofColours(makeRow<&Request::colourBy>(
             SettingKind::SCALAR, "colour-by", "Scalar", COLOURS, "NAME",
             "Colour by a scalar of the file, or by arclength, curvature, torsion, twist, kappa1 "
@@ -654,6 +713,7 @@ bool areOfSameNodes(const StyleRequest& shown, const StyleRequest& next)
     shownSo.transparency = next.transparency;
     shownSo.background = next.background;
     shownSo.clip = next.clip;
+    shownSo.drawing = next.drawing;
     return shownSo == next && areOfSameNodes(shown.things, next.things);
 }
 

@@ -24,9 +24,10 @@ enum class SettingKind {
     TEXT, ///< a line, which may be empty
     NUMBER_FORMAT,
     COLOUR_MAP,
-    CLIP,      ///< a side or a normal, and a distance
-    REFERENCE, ///< a file, or "first"
-    THINGS     ///< how single ones look, with semicolons; the option is given for each
+    LINE_WIDTH, ///< in pixels
+    CLIP,       ///< a side or a normal, and a distance
+    REFERENCE,  ///< a file, or "first"
+    THINGS      ///< how single ones look, with semicolons; the option is given for each
 };
 
 /// One thing that a style request says, which is a text: that of its option, its control and its

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cassert>
+#include <charconv>
 #include <cmath>
 
 #include <Inventor/SoPath.h>
@@ -19,6 +20,8 @@
 #include <strandview/analysis/doubleStrands.h>
 
 #include "request/conversions.h"
+#include "request/limits.h"
+#include "request/parseNumber.h"
 #include "request/thingTexts.h"
 #include "scene/Legend.h"
 #include "scene/ScaleBar.h"
@@ -101,12 +104,21 @@ void setCoarse(const ShownDatum& datum, bool coarse)
         shape->drawCoarsely(coarse);
 }
 
+// In as few digits as mean the same number in single precision.
+double shortened(float number)
+{
+    char text[32];
+    const auto end = std::to_chars(text, text + sizeof text, number).ptr;
+    return parseNumber<double>(std::string(text, end)).value_or(double(number));
+}
+
 } // namespace
 
 DataScene::DataScene(const Placement& placementOfData, const Style& styleOfData)
     : placement(placementOfData), style(styleOfData)
 {
     cut(style.clip);
+    draw(style.drawing);
 }
 
 DataScene::~DataScene() = default;
@@ -118,6 +130,41 @@ void DataScene::restyle(const Placement& placementOfData, const Style& styleOfDa
     ++styles;
     setBackground(style.background);
     cut(style.clip);
+    draw(style.drawing);
+}
+
+void DataScene::draw(const DrawingLook& look)
+{
+    style.drawing = look;
+    const auto shading = SoGeneralScene::Shading(look.shading);
+    if (shading != getShading())
+        setShading(shading);
+    if (look.boundingBoxes != isShowingBoundingBoxes())
+        showBoundingBoxes(look.boundingBoxes);
+    const auto width = float(look.lineWidth);
+    if (width != drawnWidth || getLineWidth() != knownWidth)
+        setLineWidth(width);
+    drawnWidth = width;
+    knownWidth = getLineWidth();
+}
+
+DrawingLook DataScene::getDrawing() const
+{
+    DrawingLook look = style.drawing;
+    look.shading = strandview::Shading(getShading());
+    look.boundingBoxes = isShowingBoundingBoxes();
+    if (getLineWidth() != knownWidth)
+        look.lineWidth =
+            std::clamp(shortened(getLineWidth()), SMALLEST_LINE_WIDTH, LARGEST_LINE_WIDTH);
+    return look;
+}
+
+// Where none was asked for, the keys begin with the viewer's.
+void DataScene::keepLineWidth()
+{
+    if (drawnWidth != 1)
+        setLineWidth(drawnWidth);
+    knownWidth = getLineWidth();
 }
 
 void DataScene::cut(const std::optional<ClipPlane>& plane)

@@ -45,6 +45,13 @@ public:
     /// Cuts data away at another plane, or nowhere; nothing else of its style changes, and no node
     /// of its data. The plane has a distance.
     void cut(const std::optional<ClipPlane>& plane);
+    /// Draws its data in another way; nothing else of its style changes.
+    void draw(const DrawingLook& look);
+    /// How its data are drawn now: as its style says, but for what the viewer's user has changed
+    /// since, by keys.
+    DrawingLook getDrawing() const;
+    /// To be called once a viewer shows it, which begins with a line width of its own.
+    void keepLineWidth();
     /// Lets what is drawn over the data, and suits their background, be that of another style; the
     /// data stay as they are.
     void redress(const Style& next);
@@ -191,6 +198,8 @@ private:
     Placement placement;
     Style style;
     std::size_t styles = 0;
+    // As it was drawn last, and as the viewer's keys began with then.
+    float drawnWidth = 1, knownWidth = 0;
     std::vector<Kind> kinds;
     std::shared_ptr<const Configuration> data;
     std::unordered_map<const SoNode*, Thing> things; ///< by the groups of data

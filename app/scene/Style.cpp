@@ -165,6 +165,7 @@ Style makeStyle(const Options& options, const Configuration& configuration)
     style.background = options.background;
     if (options.clip)
         style.clip = settled(*options.clip, extent);
+    style.drawing = options.drawing;
     style.legend = options.legend;
     style.things = options.things;
     style.legendTextSize = automaticTextSize(options);

@@ -37,6 +37,7 @@ struct Style : ThingStyle
     std::optional<Colour> tubeColour; ///< of all rods; otherwise a colour each
     Colour background;
     std::optional<ClipPlane> clip; ///< with a distance
+    DrawingLook drawing;
     LegendLook legend;
     float legendTextSize; ///< in the legend's own view
     bool scaleBar;

@@ -33,6 +33,7 @@ struct Shown
           ribbons(rods && options.showRibbon.value_or(true)),
           frames(!data.dnas.empty() || !data.loneBases.empty() || !data.birods.empty() ||
                  !data.frames.empty() || haveFrames(data.rods)),
+          wireframe(options.drawing.shading == Shading::WIREFRAME),
           legend(options.legend.place != LegendPlace::OFF),
           background(!options.transparent || (options.colourBy && legend) || options.scaleBar),
           parallel(!options.camera.isPerspective())
@@ -52,6 +53,7 @@ struct Shown
     bool curves; ///< those and backbones
     bool single; ///< rods that may be closed
     bool tubes, ribbons, frames;
+    bool wireframe;
     bool legend;
     bool background; ///< legend and scale bar are drawn in a colour that suits it
     bool parallel;   ///< a view with one scale
@@ -82,6 +84,7 @@ const Rule RULES[] = {{"--dna", &Shown::dna, "found no DNA"},
                       {"--ribbon-colour", &Shown::ribbons, "--no-ribbon hides the ribbons"},
                       {"--two-sided", &Shown::rods, "found no rods"},
                       {"--two-sided", &Shown::ribbons, "--no-ribbon hides the ribbons"},
+                      {"--line-width", &Shown::wireframe, "only --shading wireframe has lines"},
                       {"--normalise", &Shown::frames, "found no frames"},
                       {"--closed", &Shown::single, "found no rods"},
                       {"--legend-title", &Shown::legend, "--legend off leaves it out"},

@@ -518,6 +518,8 @@ void MainWindow::showScene(DataScene* newScene, const std::vector<std::string>& 
     cut(); // of now, whatever it was when it began to be read
     followClip();
     viewer->setSceneGraph(static_cast<SoGeneralScene*>(scene));
+    scene->draw(options.drawing);
+    scene->keepLineWidth();
     if (!isFirst && choice == NEW_CAMERA) { // these were for the scene before
         options.camera.centre.reset();
         options.camera.zoom = 1;
@@ -1335,6 +1337,8 @@ void MainWindow::dropComparison()
 
 void MainWindow::showThings()
 {
+    scene->draw(options.drawing);
+    shownStyle.drawing = options.drawing;
     const bool wasFitted = isFitted();
     const SbBox3f before = scene->getBox();
     scene->setTransparency(options.transparency);
@@ -1567,6 +1571,19 @@ void MainWindow::followViewer()
         history->note();
         tellStyle();
     }
+    followDrawing();
+}
+
+// What the viewer's keys changed of it.
+void MainWindow::followDrawing()
+{
+    if (!scene || scene->getDrawing() == scene->getStyle().drawing)
+        return;
+    scene->draw(scene->getDrawing());
+    options.drawing = shownStyle.drawing = scene->getStyle().drawing;
+    sideBySide->followLooks(*scene);
+    history->note();
+    tellStyle();
 }
 
 void MainWindow::followMode()

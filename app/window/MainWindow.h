@@ -241,7 +241,7 @@ private:
     void takeMeasurements();
     void keepMeasurement();
     void buildSettings();
-    /// What of a style needs no preparation: how single things look.
+    /// What of a style needs no preparation: how all is drawn, and how single things look.
     void showThings();
     /// Prepares the style that is asked for, of the frame that is shown.
     void restyle();
@@ -302,6 +302,7 @@ private:
     /// A view that the user left as it was fitted is fitted anew to another size.
     static void refit(void* window, SoQtGeneralViewer* viewer, const SbVec2s& size);
     void followViewer();
+    void followDrawing();
     void followMode();
     /// What the mouse does, while there is nothing else to tell.
     void showHint();

@@ -692,6 +692,7 @@ SettingControl* SettingControl::make(const Setting& setting, QWidget* parent)
     case SettingKind::SWITCH:
         return new SwitchControl(setting, parent);
     case SettingKind::LENGTH:
+    case SettingKind::LINE_WIDTH:
         return new LengthControl(setting, parent);
     case SettingKind::SHARE:
         return new ShareControl(setting, parent);

@@ -178,6 +178,7 @@ std::string SideBySide::hand(BesideReader::Result& result)
     scene->setBackground({background[0], background[1], background[2]});
     const bool wasTied = std::exchange(isTied, false); // it is put somewhere first
     second->SoQtGeneralViewer::setSceneGraph(static_cast<SoGeneralScene*>(scene));
+    scene->keepLineWidth();
     follow(*first, *second);
     if (!wasTied)
         second->rotateCamera(SbVec3f(0, 1, 0), QUARTER);
@@ -197,6 +198,7 @@ void SideBySide::keepLooks(const DataScene& ofFirst)
     looks = ofFirst.getLooks();
     transparency = ofFirst.getStyle().transparency;
     clip = ofFirst.getStyle().clip;
+    drawing = ofFirst.getStyle().drawing;
 }
 
 void SideBySide::showLooks()
@@ -204,6 +206,7 @@ void SideBySide::showLooks()
     scene->setLooks(looks);
     scene->setTransparency(transparency);
     scene->cut(clip);
+    scene->draw(drawing);
 }
 
 void SideBySide::showColours(bool ofData)

@@ -94,6 +94,7 @@ private:
     ThingLooks looks;
     double transparency = 0;
     std::optional<ClipPlane> clip;
+    DrawingLook drawing;
     bool hasColours = true;
     bool isTied = true;
     bool isFollowing = false;

@@ -497,6 +497,46 @@ TEST_F(DataSceneTest, ColoursOfDataHaveNoHighlightsUnlessTheUserChangesThem)
     scene->unref();
 }
 
+TEST_F(DataSceneTest, IsDrawnAsItsStyleSaysButForWhatTheViewersKeysChange)
+{
+    Style style{};
+    style.drawing = {Shading::WIREFRAME, true, 2.5};
+    auto* scene = new DataScene({}, style);
+    scene->ref();
+    EXPECT_EQ(scene->getShading(), SoGeneralScene::WIREFRAME);
+    EXPECT_TRUE(scene->isShowingBoundingBoxes());
+    scene->setGLLineData(SbVec2f(1, 10), 0.1f); // by a viewer
+    scene->keepLineWidth();
+    EXPECT_EQ(scene->getLineWidth(), 2.5f);
+    EXPECT_EQ(scene->getDrawing(), style.drawing);
+
+    scene->changeLineWidth(1);
+    DrawingLook thicker = style.drawing;
+    thicker.lineWidth = 2.6;
+    EXPECT_EQ(scene->getDrawing(), thicker);
+    scene->toggleDrawStyle(false);
+    scene->toggleDrawStyle(true);
+    EXPECT_EQ(scene->getDrawing(), (DrawingLook{Shading::LIT, false, 2.6}));
+    EXPECT_EQ(scene->getStyle().drawing, style.drawing) << "until it is told";
+
+    scene->draw(DrawingLook());
+    EXPECT_EQ(scene->getDrawing(), DrawingLook());
+    EXPECT_EQ(scene->getLineWidth(), 1);
+    scene->unref();
+}
+
+TEST_F(DataSceneTest, WhereNoLineWidthIsAskedForTheKeysBeginWithTheViewers)
+{
+    auto* scene = new DataScene({});
+    scene->ref();
+    scene->setGLLineData(SbVec2f(0.5f, 10), 0.25f);
+    scene->keepLineWidth();
+    EXPECT_EQ(scene->getDrawing(), DrawingLook());
+    scene->changeLineWidth(1);
+    EXPECT_EQ(scene->getDrawing().lineWidth, 0.75);
+    scene->unref();
+}
+
 TEST_F(DataSceneTest, OneLegendTellsWhicheverColouringThereIsAndStaysHidden)
 {
     auto* scene = new DataScene({});

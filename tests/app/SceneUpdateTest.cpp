@@ -992,7 +992,9 @@ TEST_F(SceneUpdateTest, OtherColoursAreThoseOfANewSceneAndTheirShapesStay)
         {"colours", "cividis_r"}, {"range", "0:0.5"},        {"range", "symmetric"},
         {"below-colour", "red"},  {"above-colour", "blue"},  {"nan-colour", "white"},
         {"legend", "top"},        {"legend-title", "t"},     {"legend-unit", "u"},
-        {"legend-format", ".2f"}, {"scale-bar", "on"},       {"scale-unit", "mm"}};
+        {"legend-format", ".2f"}, {"scale-bar", "on"},       {"scale-unit", "mm"},
+        {"shading", "plain"},     {"shading", "wireframe"},  {"shading", "lit"},
+        {"line-width", "2.5"},    {"bounding-boxes", "on"},  {"bounding-boxes", "off"}};
     options.showRibbon = true;
     options.transparency = 0.3;
     options.clip = parseClipPlane("x:0.7");

@@ -117,6 +117,36 @@ TEST_F(StrandviewTest, RendersATableToAPictureOfTheAskedSizeWithoutADisplay)
     EXPECT_EQ(image.pixelColor(0, 0), QColor(Qt::white));
 }
 
+TEST_F(StrandviewTest, APictureIsLitPlainOrOfLinesAsWideAsAskedOrOfBoxes)
+{
+    const std::string rod = write("rod.txt", HELIX);
+    const auto shown = [&](const std::string& name, const std::vector<std::string>& how) {
+        std::vector<std::string> arguments{
+            "--render",      path(name), "--size",   "200x150", rod,      "--slices", "8",
+            "--subsegments", "2",        "--radius", "0.2",     "--view", "z",        "--ribbon",
+            "--tube-colour", "#204080"};
+        arguments.insert(arguments.end(), how.begin(), how.end());
+        const ProgramRun result = run(arguments);
+        EXPECT_EQ(result.status, 0) << result.error;
+        return picture(name);
+    };
+    const auto isOfTube = [](const QColor& c) { return c == QColor(0x20, 0x40, 0x80); };
+    const QImage lit = shown("lit.png", {});
+    EXPECT_EQ(shown("lit.png", {"--shading", "lit", "--line-width", "1", "--no-bounding-boxes"}),
+              lit);
+    const QImage plain = shown("plain.png", {"--shading", "plain"});
+    EXPECT_GT(countPixels(plain, isOfTube), 10 * (countPixels(lit, isOfTube) + 10));
+    EXPECT_EQ(countCovered(plain), countCovered(lit));
+    const QImage thin = shown("thin.png", {"--shading", "wireframe"});
+    const QImage thick = shown("thick.png", {"--shading", "wireframe", "--line-width", "3"});
+    const auto isInk = [](const QColor& c) { return c.lightness() < 128; };
+    EXPECT_LT(countPixels(thin, isInk), 0.6 * countPixels(plain, isInk));
+    EXPECT_GT(countPixels(thick, isInk), 1.5 * countPixels(thin, isInk));
+    const QImage boxes = shown("boxes.png", {"--bounding-boxes"});
+    EXPECT_NE(boxes, lit);
+    EXPECT_GT(countCovered(boxes), 0);
+}
+
 // The bytes as PNG has them: pixels per metre, twice, and 1 for metres.
 TEST_F(StrandviewTest, APictureInMillimetresIsAsLargeAsAskedInPrint)
 {
@@ -171,6 +201,7 @@ TEST_F(StrandviewTest, TheCommandThatAPictureTellsMakesItAgainByteForByte)
         {"--size", "60x40"},
         {"--size", "12.5x8mm", "--dpi", "150", "--transparent", "--samples", "1"},
         {"--size", "5x4mm", "--colour-by", "arclength", "--legend-title", "it's", "--view", "x"},
+        {"--size", "60x40", "--shading", "wireframe", "--line-width", "2.5", "--bounding-boxes"},
         {"--size", "60x40", "--stamp", "--frame", "0", "--no-tube", "--background", "black"}};
     const auto bytesOf = [this](const std::string& name) {
         QFile file(QString::fromStdString(path(name)));
@@ -1275,6 +1306,10 @@ INSTANTIATE_TEST_SUITE_P(
                  FRAMED,
                  {"--slices has no effect: --no-tube hides the tubes",
                   "--tube-colour has no effect: --no-tube hides the tubes"}},
+        IdleCall{"LinesOfSurfaces",
+                 {"--line-width", "3", "--shading", "plain"},
+                 FRAMED,
+                 {"--line-width has no effect: only --shading wireframe has lines"}},
         IdleCall{"RibbonsWithoutRibbons",
                  {"--ribbon-width", "1", "--two-sided", "--ribbon-colour", "red", "--no-ribbon"},
                  FRAMED,

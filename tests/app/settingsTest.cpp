@@ -23,6 +23,8 @@ std::vector<std::string> examplesOf(const Setting& setting)
         return {"on", "off"};
     case SettingKind::LENGTH:
         return {"0.1", "1e-09", "0.30000000000000004", "12345.678"};
+    case SettingKind::LINE_WIDTH:
+        return {"2.5", "0.1", "20", "0.30000000000000004", "1"};
     case SettingKind::COUNT:
         return {std::to_string(setting.least), std::to_string(setting.most), "7"};
     case SettingKind::SHARE:

@@ -723,6 +723,46 @@ TEST_F(SoGeneralSceneTest, TellsWhetherItShowsBoundingBoxes)
     EXPECT_FALSE(scene->isShowingBoundingBoxes());
 }
 
+TEST_F(SoGeneralSceneTest, TheSpaceBarGoesOnFromTheShadingThatAHostSets)
+{
+    const SoGeneralScene::Shading all[] = {SoGeneralScene::LIT, SoGeneralScene::PLAIN,
+                                           SoGeneralScene::WIREFRAME};
+    for (int i = 0; i < 3; ++i) {
+        for (const SoGeneralScene::Shading before : all) {
+            scene->setShading(before);
+            scene->setShading(all[i]);
+            EXPECT_EQ(scene->getShading(), all[i]);
+            EXPECT_EQ(parts.modeSwitch->whichChild.getValue(), i == 0 ? 0 : 1);
+            EXPECT_EQ(parts.drawStyle->style.getValue(),
+                      i == 2 ? SoDrawStyle::LINES : SoDrawStyle::FILLED);
+        }
+        EXPECT_TRUE(press(scene, SoKeyboardEvent::SPACE));
+        EXPECT_EQ(scene->getShading(), all[(i + 1) % 3]);
+    }
+}
+
+TEST_F(SoGeneralSceneTest, AHostShowsBoundingBoxesOrShapesWhateverThereIs)
+{
+    for (const bool show : {true, true, false, false, true}) {
+        scene->showBoundingBoxes(show);
+        EXPECT_EQ(scene->isShowingBoundingBoxes(), show);
+        EXPECT_EQ(parts.complexity->type.getValue(),
+                  show ? SoComplexity::BOUNDING_BOX : SoComplexity::SCREEN_SPACE);
+    }
+}
+
+TEST_F(SoGeneralSceneTest, TheKeysGoOnFromTheLineWidthThatAHostSets)
+{
+    scene->setGLLineData(SbVec2f(1, 10), 0.5f);
+    scene->setLineWidth(4);
+    EXPECT_EQ(scene->getLineWidth(), 4);
+    EXPECT_EQ(parts.drawStyle->lineWidth.getValue(), 4);
+    EXPECT_TRUE(press(scene, SoKeyboardEvent::EQUAL));
+    EXPECT_EQ(parts.drawStyle->lineWidth.getValue(), 4.5f);
+    scene->setLineWidth(0.25f); // below the least
+    EXPECT_EQ(parts.drawStyle->lineWidth.getValue(), 0.25f);
+}
+
 TEST_F(SoGeneralSceneTest, SpaceBarTogglesTheDrawStyleAndWithShiftTheComplexity)
 {
     EXPECT_TRUE(press(scene, SoKeyboardEvent::SPACE));
