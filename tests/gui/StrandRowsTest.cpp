@@ -15,6 +15,7 @@
 #include "request/settings.h"
 #include "scene/DataScene.h"
 #include "support/realInput.h"
+#include "window/History.h"
 #include "window/ThingsModel.h"
 #include "window/ThingsPanel.h"
 
@@ -154,6 +155,7 @@ TEST_F(StrandRowsTest, AStrandIsShownAloneAndCanBeTakenBack)
 {
     openUnfolded();
     clickRow(row(STRAND_2));
+    QTest::qWait(int(History::TOGETHER.count()) + 100); // the colours are a step before
     press("onlyButton");
     EXPECT_TRUE(comesToShow(false, true, false));
     EXPECT_NE(asked().find("birod 1 strand 2: shown, colour=#0000ff"), std::string::npos);
