@@ -22,6 +22,10 @@ constexpr int MOST_SAMPLES = 8;
 /// Of lines, in pixels; drivers draw thick ones as thick as they can.
 constexpr double SMALLEST_LINE_WIDTH = 0.1, LARGEST_LINE_WIDTH = 20;
 
+/// Of a number of a light's direction, and of its shininess: squares of it are finite in single
+/// precision.
+constexpr double LARGEST_OF_LIGHT = 1e18;
+
 /// What is said where memory ends, after the name of what is read, shown or written.
 constexpr const char* TOO_LITTLE_MEMORY_FOR_DATA =
     "found too little memory for so many points, rows or pixels";

@@ -42,6 +42,8 @@ std::string inWords(const std::string& text) { return text; }
 std::string inWords(const ColourMap& map) { return map.text; }
 std::string inWords(const NumberFormat& format) { return formatOf(format); }
 std::string inWords(const ClipPlane& plane) { return formatClipPlane(plane); }
+std::string inWords(const Light& light) { return formatLight(light); }
+std::string inWords(const Shininess& shininess) { return formatShininess(shininess); }
 
 template <typename Value>
 Text textOf(const std::optional<Value>& value)
@@ -191,6 +193,25 @@ std::string readLineWidth(const std::string& text, StyleRequest& request)
         return found(text, "a number of pixels from " + formatted(SMALLEST_LINE_WIDTH) + " to " +
                                formatted(LARGEST_LINE_WIDTH));
     request.drawing.lineWidth = *width;
+    return "";
+}
+
+template <auto member>
+std::string readLight(const std::string& text, StyleRequest& request)
+{
+    const std::optional<Light> light = parseLight(text);
+    if (!light)
+        return found(text, "a direction X,Y,Z, an intensity from 0 to 1, X,Y,Z:INTENSITY or off");
+    in(request, member) = *light;
+    return "";
+}
+
+std::string readShininess(const std::string& text, StyleRequest& request)
+{
+    const std::optional<Shininess> shininess = parseShininess(text);
+    if (!shininess)
+        return found(text, "a number that is not below 0, or three, one for each light: 10,5,0");
+    request.drawing.shininess = *shininess;
     return "";
 }
 
@@ -411,6 +432,7 @@ const char* const LOOK = "Look";
 const char* const DNA = "DNA";
 const char* const COLOURS = "Colour by data";
 const char* const SCALE = "Scale bar";
+const char* const LIGHT = "Light";
 const char* const THINGS = "Things";
 
 // Changes no shape: recolourScene() shows it.
@@ -511,6 +533,17 @@ Setting makeOutside(const char* name, const char* label, const std::string& of,
         makeColour<member>(name, label, "Colour of values " + of + " [" + usual + "]", COLOURS)));
 }
 
+template <auto member>
+Setting makeLight(const char* name, const char* label, const std::string& usual)
+{
+    return ofColours(makeRow<member>(
+        SettingKind::LIGHT, name, label, LIGHT, "X,Y,Z:INTENSITY",
+        "Direction from the light, with x to the right, y up and z to the viewer, intensity from 0 "
+        "to 1, or both [" +
+            usual + "]",
+        &readLight<member>));
+}
+
 template <typename Named>
 std::vector<std::string> namesOf(const Named& all)
 {
@@ -566,6 +599,14 @@ std::vector<Setting> makeSettings()
         ofColours(makeSwitch<&DrawingLook::boundingBoxes>(
             "bounding-boxes", "Bounding boxes",
             "Show the boxes that shapes lie in instead of them")),
+        makeLight<&DrawingLook::light1>("light-1", "Light 1", "0.2,-0.2,-1"),
+        makeLight<&DrawingLook::light2>("light-2", "Light 2", "-0.2,-0.2,-1:0"),
+        makeLight<&DrawingLook::light3>("light-3", "Light 3", "0,0.2,-1:0"),
+        ofColours(makeRow<&DrawingLook::shininess>(
+            SettingKind::SHININESS, "shininess", "Shininess", LIGHT, "N",
+            "How small highlights are, of all lights or as N,N,N of each; 0 for none [10; none "
+            "where data give the colours]",
+            &readShininess)),
         ofColours(makeRow<&Request::colourBy>(
             SettingKind::SCALAR, "colour-by", "Scalar", COLOURS, "NAME",
             "Colour by a scalar of the file, or by arclength, curvature, torsion, twist, kappa1 "

@@ -25,6 +25,8 @@ enum class SettingKind {
     NUMBER_FORMAT,
     COLOUR_MAP,
     LINE_WIDTH, ///< in pixels
+    LIGHT,      ///< a direction, an intensity or both
+    SHININESS,  ///< a number, or one for each light
     CLIP,       ///< a side or a normal, and a distance
     REFERENCE,  ///< a file, or "first"
     THINGS      ///< how single ones look, with semicolons; the option is given for each

@@ -112,11 +112,45 @@ double shortened(float number)
     return parseNumber<double>(std::string(text, end)).value_or(double(number));
 }
 
+const std::array<std::optional<Light> DrawingLook::*, 3> LIGHTS = {
+    &DrawingLook::light1, &DrawingLook::light2, &DrawingLook::light3};
+
+// In the dialog of lights any number can be typed. What is none counts as 0.
+
+double inReach(float number, double least, double most)
+{
+    return std::isnan(number) ? least : std::clamp(shortened(number), least, most);
+}
+
+double coordinateOf(float number)
+{
+    return std::isnan(number) ? 0 : inReach(number, -LARGEST_OF_LIGHT, LARGEST_OF_LIGHT);
+}
+
+Light lightOf(const SbVec3f& direction, float intensity)
+{
+    return {Vector3<double>(coordinateOf(direction[0]), coordinateOf(direction[1]),
+                            coordinateOf(direction[2])),
+            inReach(intensity, 0, 1)};
+}
+
+double shininessOf(float number) { return inReach(number, 0, LARGEST_OF_LIGHT); }
+
 } // namespace
 
 DataScene::DataScene(const Placement& placementOfData, const Style& styleOfData)
     : placement(placementOfData), style(styleOfData)
 {
+    SoShaderParameterArray3f* directions = nullptr;
+    SoShaderParameterArray1f *intensities = nullptr, *shininess = nullptr;
+    getLightingParameters(directions, intensities, shininess);
+    SoNode* const nodes[] = {directions, intensities, shininess};
+    for (int i = 0; i < 3; ++i) {
+        lightSensors[i].setFunction(tellLights);
+        lightSensors[i].setData(this);
+        lightSensors[i].attach(nodes[i]);
+    }
+    knownLights = getLights();
     cut(style.clip);
     draw(style.drawing);
 }
@@ -146,9 +180,10 @@ void DataScene::draw(const DrawingLook& look)
         setLineWidth(width);
     drawnWidth = width;
     knownWidth = getLineWidth();
+    drawLights();
 }
 
-DrawingLook DataScene::getDrawing() const
+DrawingLook DataScene::getDrawing()
 {
     DrawingLook look = style.drawing;
     look.shading = strandview::Shading(getShading());
@@ -156,7 +191,74 @@ DrawingLook DataScene::getDrawing() const
     if (getLineWidth() != knownWidth)
         look.lineWidth =
             std::clamp(shortened(getLineWidth()), SMALLEST_LINE_WIDTH, LARGEST_LINE_WIDTH);
+    const Lights lights = getLights();
+    for (std::size_t i = 0; i < LIGHTS.size(); ++i) {
+        if (lights.directions[i] != knownLights.directions[i] ||
+            lights.intensities[i] != knownLights.intensities[i])
+            look.*LIGHTS[i] = lightOf(lights.directions[i], lights.intensities[i]);
+    }
+    if (lights.shininess != knownLights.shininess)
+        look.shininess = {shininessOf(lights.shininess[0]), shininessOf(lights.shininess[1]),
+                          shininessOf(lights.shininess[2])};
     return look;
+}
+
+DrawingLook DataScene::getShownDrawing() const
+{
+    DrawingLook look = style.drawing;
+    for (std::size_t i = 0; i < LIGHTS.size(); ++i) {
+        std::optional<Light>& light = look.*LIGHTS[i];
+        if (!light)
+            light = Light{LIGHT_DIRS[i], LIGHT_INTENSITY[i]};
+        else if (!light->direction)
+            light->direction = LIGHT_DIRS[i];
+    }
+    if (!look.shininess && hasColours() && areColoursShown())
+        look.shininess = Shininess{};
+    else if (!look.shininess)
+        look.shininess = {LIGHT_SHININESS[0], LIGHT_SHININESS[1], LIGHT_SHININESS[2]};
+    return look;
+}
+
+DataScene::Lights DataScene::getLights()
+{
+    SoShaderParameterArray3f* directions = nullptr;
+    SoShaderParameterArray1f *intensities = nullptr, *shininess = nullptr;
+    getLightingParameters(directions, intensities, shininess);
+    Lights lights;
+    for (int i = 0; i < int(LIGHTS.size()); ++i) {
+        lights.directions[std::size_t(i)] = directions->value[i];
+        lights.intensities[std::size_t(i)] = intensities->value[i];
+        lights.shininess[std::size_t(i)] = shininess->value[i];
+    }
+    return lights;
+}
+
+// What is as it should be is left alone, so that no frame is drawn for it.
+void DataScene::drawLights()
+{
+    const DrawingLook look = getShownDrawing();
+    SoShaderParameterArray3f* directions = nullptr;
+    SoShaderParameterArray1f *intensities = nullptr, *shininess = nullptr;
+    getLightingParameters(directions, intensities, shininess);
+    const auto set = [](auto& field, int i, const auto& value) {
+        if (field[i] != value)
+            field.set1Value(i, value);
+    };
+    for (int i = 0; i < int(LIGHTS.size()); ++i) {
+        const Light& light = *(look.*LIGHTS[std::size_t(i)]);
+        set(directions->value, i, toSbVec3f(*light.direction));
+        set(intensities->value, i, float(light.intensity));
+        set(shininess->value, i, float((*look.shininess)[std::size_t(i)]));
+    }
+    knownLights = getLights();
+}
+
+void DataScene::tellLights(void* scene, SoSensor* /*sensor*/)
+{
+    const auto& self = *static_cast<const DataScene*>(scene);
+    if (self.onLights)
+        self.onLights();
 }
 
 // Where none was asked for, the keys begin with the viewer's.
@@ -490,6 +592,7 @@ void DataScene::showColours(bool show)
 {
     if (!legend || show == coloursShown)
         return;
+    const bool areAsked = getLights().shininess == knownLights.shininess; // not by the user since
     coloursShown = show;
     showLegend();
     for (const Kind& kind : kinds) {
@@ -499,13 +602,8 @@ void DataScene::showColours(bool show)
         }
     }
 
-    const Shininess none(getShininess().size(), 0.0f);
-    areUserHighlights = areUserHighlights || (!show && getShininess() != none);
-    if (areUserHighlights)
-        return;
-    if (show)
-        highlights = getShininess();
-    setShininess(show ? none : highlights);
+    if (areAsked)
+        drawLights();
 }
 
 bool DataScene::areColoursShown() const { return !legend || coloursShown; }
@@ -532,23 +630,6 @@ void DataScene::showScaleBar()
                             cornerBeside(isBesideLegend ? style.legend.place : LegendPlace::OFF)};
     scaleBar->set(look, style.background);
     scaleBarChoice->whichChild = style.scaleBar ? 0 : SO_SWITCH_NONE;
-}
-
-DataScene::Shininess DataScene::getShininess()
-{
-    SoShaderParameterArray3f* directions = nullptr;
-    SoShaderParameterArray1f *intensities = nullptr, *shininess = nullptr;
-    getLightingParameters(directions, intensities, shininess);
-    const float* values = shininess->value.getValues(0);
-    return Shininess(values, values + shininess->value.getNum());
-}
-
-void DataScene::setShininess(const Shininess& values)
-{
-    SoShaderParameterArray3f* directions = nullptr;
-    SoShaderParameterArray1f *intensities = nullptr, *shininess = nullptr;
-    getLightingParameters(directions, intensities, shininess);
-    shininess->value.setValues(0, int(values.size()), values.data());
 }
 
 FreeEdges DataScene::getLegendRoom() const

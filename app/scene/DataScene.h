@@ -2,6 +2,7 @@
 #ifndef STRANDVIEW_APP_SCENE_DATASCENE_H
 #define STRANDVIEW_APP_SCENE_DATASCENE_H
 
+#include <array>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -11,6 +12,7 @@
 #include <vector>
 
 #include <Inventor/SbBox3f.h>
+#include <Inventor/sensors/SoNodeSensor.h>
 #include <SoGeneralScene.h>
 
 #include "request/CameraRequest.h"
@@ -45,11 +47,13 @@ public:
     /// Cuts data away at another plane, or nowhere; nothing else of its style changes, and no node
     /// of its data. The plane has a distance.
     void cut(const std::optional<ClipPlane>& plane);
-    /// Draws its data in another way; nothing else of its style changes.
+    /// Draws and lights its data in another way; nothing else of its style changes.
     void draw(const DrawingLook& look);
     /// How its data are drawn now: as its style says, but for what the viewer's user has changed
-    /// since, by keys.
-    DrawingLook getDrawing() const;
+    /// since, by keys or the dialog of its lights.
+    DrawingLook getDrawing();
+    /// The same, with what it leaves open as it is shown.
+    DrawingLook getShownDrawing() const;
     /// To be called once a viewer shows it, which begins with a line width of its own.
     void keepLineWidth();
     /// Lets what is drawn over the data, and suits their background, be that of another style; the
@@ -124,8 +128,8 @@ public:
     const std::optional<Colouring>& getColouring() const { return colouring; }
     bool hasColours() const;
     /// Whether data give the colours, and the legend is there unless the style has none. There are
-    /// no highlights then, so that what is turned to the light has the legend's colours; once the
-    /// user has changed that, highlights are left alone.
+    /// no highlights then, so that what is turned to the light has the legend's colours, unless the
+    /// style asks for some, or the user of the lights' dialog.
     void showColours(bool show);
     /// Whether data give the colours of what has colours of data.
     bool areColoursShown() const;
@@ -162,6 +166,8 @@ public:
     std::function<void(const SoPickedPoint&)> onPick;
     /// Called after each change of looks, if set.
     std::function<void()> onLook;
+    /// Called after each change of lights, if set, a moment later.
+    std::function<void()> onLights;
 
     /// The box as it was told: what Coin makes of many turned boxes, such as a DNA's, is
     /// much larger, and costs their number in every frame.
@@ -181,9 +187,15 @@ private:
     void showInside(const ShownDatum& datum) const;
     void showLooks();
 
-    using Shininess = std::vector<float>;
-    Shininess getShininess();
-    void setShininess(const Shininess& values);
+    /// As the scene's parameters have them.
+    struct Lights
+    {
+        std::array<SbVec3f, 3> directions;
+        std::array<float, 3> intensities, shininess;
+    };
+    Lights getLights();
+    void drawLights();
+    static void tellLights(void* scene, SoSensor* sensor);
     void showLegend();
     void showScaleBar();
     void replaceOver(SoNode*& shown, SoNode* next);
@@ -200,6 +212,8 @@ private:
     std::size_t styles = 0;
     // As it was drawn last, and as the viewer's keys began with then.
     float drawnWidth = 1, knownWidth = 0;
+    Lights knownLights;
+    SoNodeSensor lightSensors[3];
     std::vector<Kind> kinds;
     std::shared_ptr<const Configuration> data;
     std::unordered_map<const SoNode*, Thing> things; ///< by the groups of data
@@ -214,8 +228,6 @@ private:
     SoSwitch* scaleBarChoice = nullptr; ///< whether it is shown
     bool coloursShown = false;          ///< of data, with the legend or without
     SoNode *stamp = nullptr, *measured = nullptr;
-    Shininess highlights;           ///< while colours are shown: those without
-    bool areUserHighlights = false; ///< changed while colours were shown
 };
 
 /// A point of a tube's centreline, in the scene.

@@ -33,6 +33,7 @@ struct Shown
           ribbons(rods && options.showRibbon.value_or(true)),
           frames(!data.dnas.empty() || !data.loneBases.empty() || !data.birods.empty() ||
                  !data.frames.empty() || haveFrames(data.rods)),
+          lit(options.drawing.shading == Shading::LIT),
           wireframe(options.drawing.shading == Shading::WIREFRAME),
           legend(options.legend.place != LegendPlace::OFF),
           background(!options.transparent || (options.colourBy && legend) || options.scaleBar),
@@ -53,7 +54,7 @@ struct Shown
     bool curves; ///< those and backbones
     bool single; ///< rods that may be closed
     bool tubes, ribbons, frames;
-    bool wireframe;
+    bool lit, wireframe;
     bool legend;
     bool background; ///< legend and scale bar are drawn in a colour that suits it
     bool parallel;   ///< a view with one scale
@@ -85,6 +86,10 @@ const Rule RULES[] = {{"--dna", &Shown::dna, "found no DNA"},
                       {"--two-sided", &Shown::rods, "found no rods"},
                       {"--two-sided", &Shown::ribbons, "--no-ribbon hides the ribbons"},
                       {"--line-width", &Shown::wireframe, "only --shading wireframe has lines"},
+                      {"--light-1", &Shown::lit, "only --shading lit has lights"},
+                      {"--light-2", &Shown::lit, "only --shading lit has lights"},
+                      {"--light-3", &Shown::lit, "only --shading lit has lights"},
+                      {"--shininess", &Shown::lit, "only --shading lit has lights"},
                       {"--normalise", &Shown::frames, "found no frames"},
                       {"--closed", &Shown::single, "found no rods"},
                       {"--legend-title", &Shown::legend, "--legend off leaves it out"},

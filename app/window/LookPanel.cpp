@@ -33,7 +33,7 @@ QString titleOf(const std::map<ThingId, std::string>& things)
 LookPanel::LookPanel(QWidget* parent)
     : QWidget(parent),
       which(new QComboBox(this)),
-      settings(new SettingsPanel({"Look", "Scale bar", "DNA"}, this))
+      settings(new SettingsPanel({"Look", "Light", "Scale bar", "DNA"}, this))
 {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(4, 4, 4, 0);

@@ -498,6 +498,7 @@ void MainWindow::showScene(DataScene* newScene, const std::vector<std::string>& 
     shownFiles = files;
     scene->onPick = [this](const SoPickedPoint& picked) { pick(picked); };
     scene->onLook = [this] { lookTimer.start(); };
+    scene->onLights = [this] { followDrawing(); };
     if (choice == NEW_CAMERA)
         places->forget();
     scene->setLooks(options.things);
@@ -1154,9 +1155,8 @@ void MainWindow::setColours(bool ofData)
     scene->showColours(ofData);
     sideBySide->showColours(ofData);
     history->noteSoon();
-    // The highlights came or went.
-    for (LightingDialog* lights : findChildren<LightingDialog*>())
-        lights->updateGUIFromShaders();
+    showLights(); // highlights came or went
+    tellStyle();
     // The legend's room comes or goes.
     if (wasFitted)
         fit();
@@ -1337,8 +1337,13 @@ void MainWindow::dropComparison()
 
 void MainWindow::showThings()
 {
+    const bool isDrawnOtherwise = scene->getStyle().drawing != options.drawing;
     scene->draw(options.drawing);
     shownStyle.drawing = options.drawing;
+    if (isDrawnOtherwise) {
+        showLights();
+        tellStyle(); // as it is lit now
+    }
     const bool wasFitted = isFitted();
     const SbBox3f before = scene->getBox();
     scene->setTransparency(options.transparency);
@@ -1415,8 +1420,7 @@ void MainWindow::showStyle(Restyler::Result& result)
     if (player)
         player->follow({scene->getStyle(), scene->getPlacement(), result.task.options},
                        isOtherScalar ? FrameStore::NEW_STAGE : FrameStore::SAME_STAGE);
-    for (LightingDialog* lights : findChildren<LightingDialog*>())
-        lights->updateGUIFromShaders(); // highlights come and go with colours of data
+    showLights(); // highlights come and go with colours of data
     followClip();
     outlineChosen();
     places->follow();
@@ -1471,6 +1475,7 @@ void MainWindow::tellStyle()
     StyleRequest shown = options;
     if (scene) {
         shown = resolve(options, scene->getStyle());
+        shown.drawing = scene->getShownDrawing();
         if (const auto& colouring = scene->getColouring()) {
             shown.ownRange = shown.symmetricRange = false;
             shown.rangeMin = colouring->min;
@@ -1574,7 +1579,14 @@ void MainWindow::followViewer()
     followDrawing();
 }
 
-// What the viewer's keys changed of it.
+// In the viewer's dialog.
+void MainWindow::showLights()
+{
+    for (LightingDialog* lights : findChildren<LightingDialog*>())
+        lights->updateGUIFromShaders();
+}
+
+// What the viewer's keys and dialog changed of it.
 void MainWindow::followDrawing()
 {
     if (!scene || scene->getDrawing() == scene->getStyle().drawing)

@@ -303,6 +303,7 @@ private:
     static void refit(void* window, SoQtGeneralViewer* viewer, const SbVec2s& size);
     void followViewer();
     void followDrawing();
+    void showLights();
     void followMode();
     /// What the mouse does, while there is nothing else to tell.
     void showHint();

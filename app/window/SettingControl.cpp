@@ -474,6 +474,56 @@ public:
     }
 };
 
+// A direction to type, and a slider for the intensity.
+class LightControl : public SettingControl
+{
+public:
+    LightControl(const Setting& ofLight, QWidget* parent)
+        : SettingControl(ofLight, makeRow(parent)),
+          field(new QLineEdit(widget)),
+          slider(new QSlider(Qt::Horizontal, widget))
+    {
+        name(field, "Field", QString(setting.label) + ", direction");
+        name(slider, "Slider", QString(setting.label) + ", intensity");
+        field->setMinimumWidth(field->fontMetrics().horizontalAdvance("-0.2,-0.2,-1 "));
+        slider->setRange(0, STEPS);
+        slider->setMinimumWidth(60);
+        widget->layout()->addWidget(field);
+        widget->layout()->addWidget(slider);
+        widget->setFocusProxy(field);
+        whenEdited(*field, [this] { tell(field->text(), light.intensity); });
+        connect(slider, &QSlider::valueChanged, this,
+                [this](int step) { tell(toQt(directionOf(light)), double(step) / STEPS); });
+    }
+    void show(const Text& /*asked*/, const Text& shown) override
+    {
+        light = parseLight(shown.value_or("off")).value_or(Light());
+        if (!field->isModified())
+            field->setText(toQt(directionOf(light)));
+        const QSignalBlocker quiet(slider);
+        if (!slider->isSliderDown())
+            slider->setValue(int(std::lround(STEPS * light.intensity)));
+    }
+
+private:
+    static constexpr int STEPS = 100;
+
+    static Text directionOf(Light light)
+    {
+        light.intensity = 1;
+        return light.direction ? formatLight(light) : Text();
+    }
+    void tell(const QString& direction, double intensity)
+    {
+        const QString text = toQt(formatted(intensity));
+        emit chosen(direction.isEmpty() ? text : direction + ":" + text);
+    }
+
+    QLineEdit* const field;
+    QSlider* const slider;
+    Light light;
+};
+
 // Some formats to choose from, or one that is typed.
 class FormatControl : public OneWidget<QComboBox>
 {
@@ -708,6 +758,9 @@ SettingControl* SettingControl::make(const Setting& setting, QWidget* parent)
         return new ScalarControl(setting, parent);
     case SettingKind::RANGE:
         return new RangeControl(setting, parent);
+    case SettingKind::LIGHT:
+        return new LightControl(setting, parent);
+    case SettingKind::SHININESS:
     case SettingKind::TEXT:
         return new TextControl(setting, parent);
     case SettingKind::NUMBER_FORMAT:

@@ -15,8 +15,10 @@
 #include <QImage>
 #include <SoRod.h>
 #include <gmock/gmock.h>
+#include <toCoin.h>
 
 #include "pictures/PictureWriter.h"
+#include "request/settings.h"
 #include "scene/SceneLoader.h"
 #include "scene/SoOverlay.h"
 #include "support/graph.h"
@@ -500,7 +502,7 @@ TEST_F(DataSceneTest, ColoursOfDataHaveNoHighlightsUnlessTheUserChangesThem)
 TEST_F(DataSceneTest, IsDrawnAsItsStyleSaysButForWhatTheViewersKeysChange)
 {
     Style style{};
-    style.drawing = {Shading::WIREFRAME, true, 2.5};
+    style.drawing = {Shading::WIREFRAME, true, 2.5, {}, {}, {}, {}};
     auto* scene = new DataScene({}, style);
     scene->ref();
     EXPECT_EQ(scene->getShading(), SoGeneralScene::WIREFRAME);
@@ -516,12 +518,100 @@ TEST_F(DataSceneTest, IsDrawnAsItsStyleSaysButForWhatTheViewersKeysChange)
     EXPECT_EQ(scene->getDrawing(), thicker);
     scene->toggleDrawStyle(false);
     scene->toggleDrawStyle(true);
-    EXPECT_EQ(scene->getDrawing(), (DrawingLook{Shading::LIT, false, 2.6}));
+    EXPECT_EQ(scene->getDrawing(), (DrawingLook{Shading::LIT, false, 2.6, {}, {}, {}, {}}));
     EXPECT_EQ(scene->getStyle().drawing, style.drawing) << "until it is told";
 
     scene->draw(DrawingLook());
     EXPECT_EQ(scene->getDrawing(), DrawingLook());
     EXPECT_EQ(scene->getLineWidth(), 1);
+    scene->unref();
+}
+
+TEST_F(DataSceneTest, LightsAreThoseOfItsStyleButForWhatTheirDialogChanges)
+{
+    Style style{};
+    style.drawing.light2 = parseLight("1,0,-1:0.25");
+    style.drawing.light3 = parseLight("0.5");
+    style.drawing.shininess = Shininess{10, 0, 40};
+    auto* scene = new DataScene({}, style);
+    scene->ref();
+    SoShaderParameterArray3f* directions = nullptr;
+    SoShaderParameterArray1f *intensities = nullptr, *shininess = nullptr;
+    scene->getLightingParameters(directions, intensities, shininess);
+    EXPECT_EQ(directions->value[1], SbVec3f(1, 0, -1));
+    EXPECT_EQ(directions->value[2], toSbVec3f(SoGeneralScene::LIGHT_DIRS[2]));
+    EXPECT_EQ(intensities->value[0], 1);
+    EXPECT_EQ(intensities->value[1], 0.25f);
+    EXPECT_EQ(intensities->value[2], 0.5f);
+    EXPECT_EQ(shininess->value[2], 40);
+    EXPECT_EQ(scene->getDrawing(), style.drawing);
+
+    directions->value.set1Value(0, SbVec3f(0, 0.1f, -1));
+    intensities->value.set1Value(1, 0.7f);
+    shininess->value.set1Value(2, 30);
+    DrawingLook changed = style.drawing;
+    changed.light1 = parseLight("0,0.1,-1");
+    changed.light2 = parseLight("1,0,-1:0.7");
+    changed.shininess = Shininess{10, 0, 30};
+    EXPECT_EQ(scene->getDrawing(), changed);
+    scene->draw(changed);
+    EXPECT_EQ(scene->getDrawing(), changed);
+    EXPECT_EQ(intensities->value[1], 0.7f);
+
+    scene->draw({});
+    EXPECT_EQ(directions->value[1], toSbVec3f(SoGeneralScene::LIGHT_DIRS[1]));
+    EXPECT_EQ(intensities->value[1], 0);
+    EXPECT_EQ(scene->getDrawing(), DrawingLook());
+    scene->unref();
+}
+
+TEST_F(DataSceneTest, WhatIsNoLightIsDrawnAsTheNearestThatIsOne)
+{
+    auto* scene = new DataScene({});
+    scene->ref();
+    SoShaderParameterArray3f* directions = nullptr;
+    SoShaderParameterArray1f *intensities = nullptr, *shininess = nullptr;
+    scene->getLightingParameters(directions, intensities, shininess);
+    directions->value.set1Value(0, SbVec3f(NAN, INFINITY, -1));
+    shininess->value.set1Value(0, INFINITY);
+    const DrawingLook drawing = scene->getDrawing();
+    EXPECT_EQ(formatLight(drawing.light1.value()), "0,1e+18,-1");
+    EXPECT_EQ(parseShininess(formatShininess(drawing.shininess.value())), drawing.shininess);
+    scene->draw(drawing);
+    EXPECT_EQ(scene->getDrawing(), drawing);
+    scene->unref();
+}
+
+TEST_F(DataSceneTest, ColoursOfDataHaveTheHighlightsThatItsStyleAsksFor)
+{
+    Style style{};
+    style.drawing.shininess = Shininess{20, 20, 20};
+    auto* scene = new DataScene({}, style);
+    scene->ref();
+    for (const bool show : {true, false}) {
+        scene->setColouring(Colouring());
+        scene->showColours(show);
+        EXPECT_THAT(shininessOf(*scene), testing::Each(20));
+    }
+    scene->showColours(true);
+    scene->draw({});
+    EXPECT_THAT(shininessOf(*scene), testing::Each(0));
+    EXPECT_EQ(scene->getShownDrawing().shininess, Shininess{});
+    scene->showColours(false);
+    EXPECT_THAT(shininessOf(*scene), testing::Each(10));
+    EXPECT_EQ(scene->getShownDrawing().shininess, (Shininess{10, 10, 10}));
+    scene->unref();
+}
+
+TEST_F(DataSceneTest, TheHelpTellsTheLightsThatThereAreByThemselves)
+{
+    auto* scene = new DataScene({});
+    scene->ref();
+    StyleRequest shown;
+    shown.drawing = scene->getShownDrawing();
+    for (const char* name : {"light-1", "light-2", "light-3", "shininess"})
+        EXPECT_THAT(settingOf(name).help,
+                    testing::HasSubstr("[" + settingOf(name).value(shown).value()));
     scene->unref();
 }
 

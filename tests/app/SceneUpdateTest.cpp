@@ -987,14 +987,16 @@ TEST_F(SceneUpdateTest, WhatTheUserChangedOfADatumStaysInAnotherStyle)
 TEST_F(SceneUpdateTest, OtherColoursAreThoseOfANewSceneAndTheirShapesStay)
 {
     const std::multimap<std::string, const char*> values{
-        {"tube-colour", "red"},   {"ribbon-colour", "blue"}, {"background", "black"},
-        {"colour-by", "k"},       {"colour-by", "roll"},     {"colour-by", "curvature"},
-        {"colours", "cividis_r"}, {"range", "0:0.5"},        {"range", "symmetric"},
-        {"below-colour", "red"},  {"above-colour", "blue"},  {"nan-colour", "white"},
-        {"legend", "top"},        {"legend-title", "t"},     {"legend-unit", "u"},
-        {"legend-format", ".2f"}, {"scale-bar", "on"},       {"scale-unit", "mm"},
-        {"shading", "plain"},     {"shading", "wireframe"},  {"shading", "lit"},
-        {"line-width", "2.5"},    {"bounding-boxes", "on"},  {"bounding-boxes", "off"}};
+        {"tube-colour", "red"},    {"ribbon-colour", "blue"}, {"background", "black"},
+        {"colour-by", "k"},        {"colour-by", "roll"},     {"colour-by", "curvature"},
+        {"colours", "cividis_r"},  {"range", "0:0.5"},        {"range", "symmetric"},
+        {"below-colour", "red"},   {"above-colour", "blue"},  {"nan-colour", "white"},
+        {"legend", "top"},         {"legend-title", "t"},     {"legend-unit", "u"},
+        {"legend-format", ".2f"},  {"scale-bar", "on"},       {"scale-unit", "mm"},
+        {"shading", "plain"},      {"shading", "wireframe"},  {"shading", "lit"},
+        {"line-width", "2.5"},     {"bounding-boxes", "on"},  {"bounding-boxes", "off"},
+        {"light-1", "1,0,-1:0.7"}, {"light-2", "0.5"},        {"light-3", "0,1,0"},
+        {"shininess", "3,50,0"}};
     options.showRibbon = true;
     options.transparency = 0.3;
     options.clip = parseClipPlane("x:0.7");

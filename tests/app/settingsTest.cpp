@@ -25,6 +25,10 @@ std::vector<std::string> examplesOf(const Setting& setting)
         return {"0.1", "1e-09", "0.30000000000000004", "12345.678"};
     case SettingKind::LINE_WIDTH:
         return {"2.5", "0.1", "20", "0.30000000000000004", "1"};
+    case SettingKind::LIGHT:
+        return {"0.5", "-1e-20,0.30000000000000004,-1:0.25", "0,0,-1", "0"};
+    case SettingKind::SHININESS:
+        return {"0", "12.5", "10,0.30000000000000004,0"};
     case SettingKind::COUNT:
         return {std::to_string(setting.least), std::to_string(setting.most), "7"};
     case SettingKind::SHARE:

@@ -11,8 +11,11 @@
 #include <QClipboard>
 #include <QComboBox>
 #include <QLineEdit>
+#include <QSlider>
 #include <QTest>
 #include <gmock/gmock.h>
+
+#include <LightingDialog.h>
 
 #include "DataWindowTest.h"
 #include "request/settings.h"
@@ -173,9 +176,87 @@ TEST_F(DrawingWindowTest, TheCopiedCommandDrawsAsTheViewersKeysHaveIt)
     EXPECT_EQ((std::set<std::string>{lit, plain, wireframe, bytesOf("saved.png")}).size(), 4u);
 }
 
+TEST_F(DrawingWindowTest, WhatTheDialogOfLightsChangesIsPartOfTheStyleAndTakenBackThere)
+{
+    ASSERT_NO_FATAL_FAILURE(openRod());
+    const QImage before = screen();
+    pressRealKey("l");
+    auto* const dialog = window->findChild<LightingDialog*>();
+    ASSERT_TRUE(comesTo([&] { return dialog->isActiveWindow(); }));
+    auto* const field = dialog->findChild<QLineEdit*>("intensity2LineEdit");
+    field->setFocus();
+    ASSERT_TRUE(comesTo([&] { return field->hasFocus(); }));
+    pressRealKey("Control+a");
+    for (const char* key : {"0", "period", "5", "Return"})
+        pressRealKey(key);
+    DrawingLook lit;
+    lit.light2 = parseLight("-0.2,-0.2,-1:0.5");
+    ASSERT_TRUE(comesTo([&] { return asked() == lit; }));
+    EXPECT_EQ(window->findChild<QLineEdit*>("light-2Field")->text(), "-0.2,-0.2,-1");
+    EXPECT_EQ(window->findChild<QSlider*>("light-2Slider")->value(), 50);
+    expectSamePicture();
+
+    window->activateWindow();
+    view()->setFocus();
+    ASSERT_TRUE(comesTo([this] { return window->isActiveWindow() && view()->hasFocus(); }));
+    EXPECT_TRUE(comesTo([&] { return screen() != before; }));
+    pressRealKey("Control+z");
+    ASSERT_TRUE(comesTo([this] { return asked() == DrawingLook(); }));
+    EXPECT_EQ(field->text(), "0");
+    pressRealKey("Control+Shift+z");
+    EXPECT_TRUE(comesTo([&] { return asked() == lit && field->text() == "0.5"; }));
+}
+
+TEST_F(DrawingWindowTest, APanelLightsTheViewAndItsDialogFollows)
+{
+    ASSERT_NO_FATAL_FAILURE(openRod());
+    pressRealKey("o");
+    auto* const field = window->findChild<QLineEdit*>("light-1Field");
+    ASSERT_TRUE(comesTo([&] { return field->isVisible(); }));
+    field->setFocus();
+    ASSERT_TRUE(comesTo([&] { return field->hasFocus(); }));
+    pressRealKey("Control+a");
+    for (const char* key : {"1", "comma", "0", "comma", "minus", "1", "Return"})
+        pressRealKey(key);
+    ASSERT_TRUE(comesTo([this] { return asked().light1.has_value(); }));
+    EXPECT_EQ(asked().light1, parseLight("1,0,-1"));
+    EXPECT_EQ(window->findChild<QLineEdit*>("x1LineEdit")->text(), "1");
+    auto* const slider = window->findChild<QSlider*>("light-1Slider");
+    slider->setFocus();
+    ASSERT_TRUE(comesTo([&] { return slider->hasFocus(); }));
+    pressRealKey("Left");
+    ASSERT_TRUE(comesTo([this] { return asked().light1->intensity < 1; }));
+    EXPECT_EQ(asked().light1, parseLight("1,0,-1:0.99"));
+    EXPECT_EQ(window->findChild<QLineEdit*>("intensity1LineEdit")->text(), "0.99");
+    expectSamePicture();
+}
+
+TEST_F(DrawingWindowTest, HighlightsThatAreAskedForAreThereInColoursOfDataToo)
+{
+    options.colourBy = "arclength";
+    ASSERT_NO_FATAL_FAILURE(openRod());
+    auto* const dialog = window->findChild<QLineEdit*>("shininess1LineEdit");
+    auto* const control = window->findChild<QLineEdit*>("shininess");
+    EXPECT_EQ(dialog->text(), "0");
+    EXPECT_EQ(control->text(), "0");
+    expectSamePicture();
+    StyleRequest style = window->getStyle();
+    style.drawing.shininess = Shininess{30, 30, 30};
+    window->setStyle(style);
+    EXPECT_EQ(dialog->text(), "30");
+    EXPECT_EQ(control->text(), "30");
+    expectSamePicture();
+    window->setColours(false);
+    EXPECT_EQ(dialog->text(), "30");
+    style.drawing.shininess.reset();
+    window->setStyle(style);
+    EXPECT_EQ(dialog->text(), "10");
+    EXPECT_EQ(control->text(), "10");
+}
+
 TEST_F(DrawingWindowTest, WhatIsAskedForAtTheStartIsWhatTheKeysBeginWith)
 {
-    options.drawing = {Shading::PLAIN, true, 2.5};
+    options.drawing = {Shading::PLAIN, true, 2.5, {}, {}, {}, {}};
     ASSERT_NO_FATAL_FAILURE(openRod());
     EXPECT_EQ(scene->getShading(), SoGeneralScene::PLAIN);
     EXPECT_TRUE(scene->isShowingBoundingBoxes());
