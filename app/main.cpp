@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <csignal>
+#include <filesystem>
 #include <limits>
 #include <new>
 #include <optional>
@@ -267,7 +268,10 @@ int checkOutput(const Options& options)
 int keepLook(const Options& options)
 {
     const std::string file = usualDefaultsFile();
-    const std::string failure = saveDefaults(options, file);
+    StyleRequest kept = options;
+    if (kept.compare && *kept.compare != BesideRequest::FIRST_FRAME)
+        kept.compare = std::filesystem::absolute(*kept.compare).lexically_normal().string();
+    const std::string failure = saveDefaults(kept, file);
     if (!failure.empty())
         return fail(CANNOT_WRITE, failure);
     std::set<std::string> meant{"--save-defaults"};

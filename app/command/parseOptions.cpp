@@ -869,7 +869,7 @@ void takeFrom(const Session& session, const CLI::App& app, Options& options)
     const bool isPicture = options.picture || options.exportFile || options.plot.file;
     if (session.frame && !isGiven("--frame") && !isPicture && !options.series.listFrames)
         options.frame = int(*session.frame);
-    if (isPicture)
+    if (options.picture)
         takePictureFrom(session, isGiven, options);
     if (options.info && !isGiven("--measure"))
         options.measurements = session.measurements;

@@ -53,10 +53,11 @@ std::string folderOfSettings()
     return home && home[0] != '\0' ? std::string(home) + "/.config" : "";
 }
 
+// Nor is what would be in a folder that is none, or that one may not enter.
 bool isThere(const std::string& file)
 {
     struct stat status;
-    return ::stat(file.c_str(), &status) == 0 || errno != ENOENT;
+    return ::stat(file.c_str(), &status) == 0;
 }
 
 // The lines of a file as texts; or one line about a fault.

@@ -150,11 +150,10 @@ std::pair<int, int> readSize(const Json& value, const std::string& place)
     requireArray(value, place);
     if (value.size() == 2) {
         const std::uint64_t width = countIn(value[0], place), height = countIn(value[1], place);
-        const std::uint64_t most = LARGEST_PICTURE_SIDE;
-        if (width >= 1 && width <= most && height >= 1 && height <= most)
+        if (isPictureSize(double(width), double(height)))
             return {int(width), int(height)};
     }
-    refuse(place, value, "width and height in pixels");
+    refuse(place, value, "width and height in pixels, " + wordsOfPictureSize());
 }
 
 Measurement readMeasurement(const Json& value, const std::string& place)
@@ -219,6 +218,21 @@ void readPictureSize(const Json& value, const std::string& place, PictureChoice&
         refuse(place, value, "WxH or, in millimetres, WxHmm, " + wordsOfPictureSize());
 }
 
+// Its pixels are told by the resolution, which may stand after it.
+void settlePaper(const std::string& place, PictureRequest& size)
+{
+    if (!size.paper)
+        return;
+    const int dpi = size.resolution();
+    const double width = pixelsOf(size.paper->width, dpi);
+    const double height = pixelsOf(size.paper->height, dpi);
+    if (!isPictureSize(width, height))
+        refuse(place + ", size", size.paper->text,
+               "millimetres that are, at " + std::to_string(dpi) + " dpi, " + wordsOfPictureSize());
+    size.width = int(width);
+    size.height = int(height);
+}
+
 int countUpTo(const Json& value, const std::string& place, int least, int most)
 {
     if (!value.is_number_unsigned() || value < least || value > most)
@@ -263,6 +277,7 @@ PictureChoice readPicture(const Json& value, const std::string& place)
          {"style", [&](const Json& v, const std::string& p) {
               picture.settings = readPictureStyle(v, p);
           }}});
+    settlePaper(place, picture.size);
     return picture;
 }
 

@@ -130,6 +130,15 @@ TEST_F(DefaultsTest, AFaultIsToldWithItsLineAndLeavesTheRequestAsItWas)
     EXPECT_EQ(request, StyleRequest());
 }
 
+// As where the home is no folder.
+TEST_F(DefaultsTest, AFileThatCannotBeThereIsAsNone)
+{
+    StyleRequest request;
+    EXPECT_EQ(readDefaults("/dev/null/.config/strandview/defaults.conf", request), "");
+    EXPECT_EQ(readDefaults(folder.path(std::string(1000, 'x')), request), "");
+    EXPECT_EQ(request, StyleRequest());
+}
+
 TEST_F(DefaultsTest, TheCommandLineComesAfterTheFile)
 {
     const std::string text = "radius = 0.25\ntube = off\nbackground = black\n";

@@ -102,6 +102,19 @@ TEST_F(SaveDefaultsTest, AFaultInTheFileIsOneLineWithItsPlaceAndStatus2)
     EXPECT_EQ(run({"--help"}).status, 0);
 }
 
+TEST_F(SaveDefaultsTest, WhatIsComparedWithIsFoundFromEveryFolder)
+{
+    const auto keptOf = [this](const std::string& reference) {
+        EXPECT_EQ(run({"--save-defaults", "--compare", reference}).status, 0);
+        StyleRequest kept;
+        EXPECT_EQ(readDefaults(file, kept), "");
+        return kept.compare.value_or("nothing");
+    };
+    EXPECT_EQ(keptOf("other.txt"), (std::filesystem::current_path() / "other.txt").string());
+    EXPECT_EQ(keptOf(rod), rod);
+    EXPECT_EQ(keptOf("first"), "first");
+}
+
 // Its processes go on with what the first one read.
 TEST_F(SaveDefaultsTest, ASeriesHasTheSamePicturesWithAnyNumberOfProcesses)
 {

@@ -155,6 +155,20 @@ TEST_F(SessionFileTest, ThePictureOfASessionIsThatOfTheOptionsThatItHolds)
     EXPECT_NE(bytesOf("other.png"), bytesOf("session.png"));
 }
 
+// Its millimetres and dots are of no export and of no plot.
+TEST_F(SessionFileTest, HowPicturesAreSavedIsOfPicturesAlone)
+{
+    session.picture.size.paper = parsePaperSize("85x60mm");
+    session.picture.isOfView = false;
+    ASSERT_EQ(save(folder.write("rod.txt", ROD), folder.path("work.strandview")), "");
+    for (const auto& [option, name] :
+         {std::pair("--export", "rod.json"), {"--plot", "rod.svg"}, {"--render", "rod.png"}}) {
+        const ProgramRun made = run({option, folder.path(name), folder.path("work.strandview")});
+        EXPECT_EQ(made.status, 0) << option << ": " << made.error;
+        EXPECT_NE(bytesOf(name), "") << option;
+    }
+}
+
 TEST_F(SessionFileTest, PicturesOfASeriesAreRenderedAgainForAnotherCameraOrSizeOfTheSession)
 {
     const std::string rod = folder.write("rod.txt", ROD);

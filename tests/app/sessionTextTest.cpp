@@ -89,8 +89,8 @@ TEST(SessionText, BringsBackAllThatWasSaid)
     EXPECT_EQ(read.measurements, session.measurements);
     EXPECT_EQ(read.views, session.views);
     EXPECT_TRUE(read.beside == session.beside);
-    session.picture.size.width = PictureRequest().width; // those of the paper
-    session.picture.size.height = PictureRequest().height;
+    session.picture.size.width = 2020; // 600 to the inch of the paper
+    session.picture.size.height = 1417;
     EXPECT_TRUE(read.picture == session.picture);
     session.picture.size.paper.reset();
     EXPECT_TRUE(readBack(session).picture == session.picture);
@@ -138,7 +138,8 @@ TEST(SessionText, RefusesWhatIsNoSessionInOneLineThatSaysWhere)
     EXPECT_EQ(faultOf(around(R"(, "frame": 2147483648)")),
               "frame: found 2147483648, expected a whole number up to 2147483647");
     EXPECT_EQ(faultOf(around(R"(, "size": [0, 1])")),
-              "size: found [0,1], expected width and height in pixels");
+              "size: found [0,1], expected width and height in pixels, " + wordsOfPictureSize());
+    EXPECT_THAT(faultOf(around(R"(, "size": [32767, 32767])")), StartsWith("size: found [32767"));
     EXPECT_EQ(faultOf(around(R"(, "style": {"radius": "-1"})")),
               "style, radius: found '-1', expected a length above 0");
     EXPECT_EQ(faultOf(around(R"(, "style": {"radius": 1})")),
@@ -154,6 +155,11 @@ TEST(SessionText, RefusesWhatIsNoSessionInOneLineThatSaysWhere)
               "views 1: found {\"name\":\"x\"}, expected a view with its \"name\" and \"camera\"");
     EXPECT_THAT(faultOf(around(R"(, "picture": {"size": "0x5"})")),
                 StartsWith("picture, size: found \"0x5\", expected WxH or, in millimetres"));
+    EXPECT_THAT(faultOf(around(R"(, "picture": {"size": "1e6x1e6mm"})")),
+                StartsWith("picture, size: found \"1e6x1e6mm\", expected millimetres that are, at "
+                           "300 dpi, sides from 1 to"));
+    EXPECT_THAT(faultOf(around(R"(, "picture": {"size": "85x60mm", "dpi": 10000})")),
+                HasSubstr("at 10000 dpi"));
     EXPECT_EQ(faultOf(around(R"(, "picture": {"samples": 99})")),
               "picture, samples: found 99, expected a whole number from 1 to 8");
     EXPECT_EQ(faultOf(around(R"(, "picture": {"style": {"radius": "1"}})")),
