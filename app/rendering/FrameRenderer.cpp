@@ -90,7 +90,7 @@ FrameRenderer::FrameRenderer(Series& framesToDraw, const Stage& commonStage,
         CameraRequest request = withUsualSide(options.camera, stage.side);
         if (request.centre)
             request.centre = stage.placement.toScene(*request.centre);
-        fixed = numbersFor(request, stage.room, regionOf(options),
+        fixed = numbersFor(request, stage.shownRoom, regionOf(options),
                            stage.colouring
                                ? roomOf(stage.style.legend.place, stage.style.legendTextSize)
                                : FreeEdges());

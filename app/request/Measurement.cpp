@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <cmath>
 
 #include <strandview/formats/text/wording.h>
 
@@ -155,6 +156,8 @@ private:
         const auto given = parseNumber<double>(*indexText);
         if (!thing || !thing->isLine || !given || !(*given >= thing->firstIndex))
             return false;
+        if (place.isOnBackbone && *given != std::floor(*given))
+            return false; // there is nothing between two phosphorus atoms
         place.index = *given - thing->firstIndex;
         return true;
     }

@@ -304,16 +304,21 @@ SceneGeometry computeGeometry(const Configuration& next, const Style& style,
     return compute(next, measure(next), style, placement, progress, error);
 }
 
-SbBox3f findReach(const Configuration& configuration, const Style& style, SceneGeometry& geometry,
-                  const Progress& progress)
+Reach findReach(const Configuration& configuration, const Style& style, SceneGeometry& geometry,
+                const Progress& progress)
 {
-    SbBox3f box;
+    Reach reach;
     for (const auto& builder :
          makeBuilders({configuration, style, geometry.placement, nullptr, false, geometry})) {
-        for (std::size_t i = 0; i < builder->count() && !progress.isStopped(); ++i)
-            box.extendBy(builder->getReach(i));
+        for (std::size_t i = 0; i < builder->count() && !progress.isStopped(); ++i) {
+            const SbBox3f box = builder->getReach(i);
+            const ThingLook look = style.things.of({builder->getKind(), i});
+            reach.all.extendBy(box);
+            if (!look.isHidden() && !look.isDeleted)
+                reach.shown.extendBy(box);
+        }
     }
-    return box;
+    return reach;
 }
 
 DataScene* buildScene(const Configuration& configuration, const Style& style,

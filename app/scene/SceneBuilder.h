@@ -31,10 +31,16 @@ SceneGeometry computeGeometry(const Configuration& configuration, const Style& s
 SceneGeometry computeGeometry(const Configuration& next, const Style& style,
                               const Placement& placement, Progress& progress, std::string& error);
 
-/// Around all that buildScene() would show of a frame: in any thread, since no node is made. Of
-/// less, if it is stopped.
-SbBox3f findReach(const Configuration& configuration, const Style& style, SceneGeometry& geometry,
-                  const Progress& progress);
+/// Boxes around all that buildScene() makes of a frame, and around what is neither hidden nor
+/// deleted.
+struct Reach
+{
+    SbBox3f all, shown;
+};
+
+/// In any thread, since no node is made. Of less, if it is stopped.
+Reach findReach(const Configuration& configuration, const Style& style, SceneGeometry& geometry,
+                const Progress& progress);
 
 /// Turns data, style and the data's geometry into nodes: the one place that does. Everything is
 /// changing content, lit at first; a legend of the colouring, if there is one, is drawn over it.

@@ -107,6 +107,8 @@ public:
         stage.side = room.getSide();
         if (count == 1)
             stage.room.makeEmpty();
+        if (count == 1 || stage.shownRoom.isEmpty())
+            stage.shownRoom = stage.room;
         return std::move(stage);
     }
 
@@ -162,7 +164,9 @@ private:
             return;
         }
         room.include(measure(frame));
-        stage.room.extendBy(findReach(frame, stage.style, geometry, progress));
+        const Reach reach = findReach(frame, stage.style, geometry, progress);
+        stage.room.extendBy(reach.all);
+        stage.shownRoom.extendBy(reach.shown);
     }
 
     void includeValues(const Configuration& frame)

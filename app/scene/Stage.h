@@ -32,6 +32,8 @@ struct Stage
     Placement placement;
     Side side;    ///< that a frame is seen from unless another is asked for
     SbBox3f room; ///< in the scene, around all frames; empty for data that do not move
+    /// Of that, what is neither hidden nor deleted; all of it, if nothing is left.
+    SbBox3f shownRoom;
     std::optional<Colouring> colouring; ///< its limits are those of all frames
     ValueSummary values;                ///< of its scalar, of all frames but the first
     std::string first;                  ///< digestOf() of the first frame

@@ -303,6 +303,7 @@ std::optional<Track> lineOfBoth(const PickedPlace& from, const PickedPlace& to,
     return line && last < line->points.size() ? std::move(line) : std::nullopt;
 }
 
+// In the direction of the points.
 double wayAlong(const std::vector<double>& lengths, const PickedPlace& from, const PickedPlace& to)
 {
     const auto lengthAt = [&lengths](const auto& place) {
@@ -310,6 +311,14 @@ double wayAlong(const std::vector<double>& lengths, const PickedPlace& from, con
         return lengths[row] + place.share * (lengths[next] - lengths[row]);
     };
     return std::abs(lengthAt(to) - lengthAt(from));
+}
+
+// Of a closed line.
+double lengthAround(const Track& line, const std::vector<double>& lengths)
+{
+    const double all = lengths.back();
+    const bool isOpenAtEnd = line.dna != nullptr; // its last pair is none twice
+    return isOpenAtEnd ? all + (line.points.front() - line.points.back()).getNorm() : all;
 }
 
 void addWay(Rows& rows, const PickedPlace& from, const PickedPlace& to, const Configuration& data,
@@ -325,10 +334,7 @@ void addWay(Rows& rows, const PickedPlace& from, const PickedPlace& to, const Co
     rows.push_back(rowOf("arc length between", way, "length"));
     if (!line->isClosed)
         return;
-    double all = lengths.back();
-    if (from.kind == ThingKind::DNA)
-        all += (line->points.front() - line->points.back()).getNorm();
-    rows.push_back(rowOf("the other way round", all - way, "length"));
+    rows.push_back(rowOf("the other way round", lengthAround(*line, lengths) - way, "length"));
 }
 
 } // namespace
@@ -346,15 +352,21 @@ std::optional<double> arcLengthBetween(const PickedPlace& from, const PickedPlac
                                        const Configuration& data, double angstrom)
 {
     const auto line = lineOfBoth(from, to, data, angstrom);
-    return line ? std::optional(wayAlong(arcLengthsOf(*line), from, to)) : std::nullopt;
+    if (!line)
+        return std::nullopt;
+    const std::vector<double> lengths = arcLengthsOf(*line);
+    const double way = wayAlong(lengths, from, to);
+    return line->isClosed ? std::min(way, lengthAround(*line, lengths) - way) : way;
 }
 
 std::optional<PointOfPlace> findPoint(const PickedPlace& place, const Configuration& data,
                                       double angstrom)
 {
     const std::size_t i = place.datum;
-    if (isOfUnknownRow(place))
-        return PointOfPlace{place.point, {}};
+    if (isOfUnknownRow(place)) {
+        const bool isThere = findLine(place.kind, i, place.strand, data, angstrom).has_value();
+        return isThere ? std::optional(PointOfPlace{place.point, {}}) : std::nullopt;
+    }
     switch (place.kind) {
     case ThingKind::ROD:
     case ThingKind::BIROD:

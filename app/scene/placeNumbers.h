@@ -54,8 +54,8 @@ std::vector<NumberTable> numbersAt(const PickedPlace& place, const Configuration
 std::optional<NumberTable> numbersBetween(const PickedPlace& from, const PickedPlace& to,
                                           const Configuration& data, double angstrom);
 
-/// Between two places of one line, of two strands of one along what is between them. Nothing of
-/// others.
+/// Between two places of one line, of two strands of one along what is between them; around a
+/// closed one the shorter way. Nothing of others.
 std::optional<double> arcLengthBetween(const PickedPlace& from, const PickedPlace& to,
                                        const Configuration& data, double angstrom);
 /// In degrees.

@@ -81,6 +81,7 @@ TEST(MeasuredPlace, OfNoPlaceIsNothing)
                              "rod 1 strand 1:2",
                              "DNA 1 strand 3:2",
                              "birod 1 backbone 1:2",
+                             "DNA 1 backbone 1:3.5",
                              "marker 1:2",
                              "point",
                              "point at 1 2",

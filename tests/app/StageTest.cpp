@@ -5,6 +5,7 @@
 
 #include <strandview/model/MemorySeries.h>
 
+#include "request/thingTexts.h"
 #include "scene/DataScene.h"
 #include "scene/Progress.h"
 #include "support/RandomRods.h"
@@ -109,10 +110,32 @@ TEST_F(StageTest, HasRoomForAllFramesInTheStyleOfTheFirst)
     EXPECT_EQ(stageOf(backwards)->style.radius, stageOf(first)->style.radius);
 }
 
+// What is shown in some frames alone has its room in those.
+TEST_F(StageTest, PicturesHaveRoomForWhatIsShown)
+{
+    Configuration both = rodWithValue(1), first = both;
+    both.rods.push_back(rodWithValue(9).rods.front());
+    const auto roomWith = [&](const std::string& things) {
+        options.things = {};
+        EXPECT_EQ(readThings(things, options.things), "");
+        options.radius = 0.1;
+        MemorySeries series({first, both});
+        const std::optional<Stage> stage = stageOf(series);
+        EXPECT_NEAR(stage->room.getMax()[0], 9, 1e-6) << "as much as it takes to show all again";
+        return stage->shownRoom;
+    };
+    EXPECT_NEAR(roomWith("").getMax()[0], 9, 1e-6);
+    for (const char* things : {"rod 2: hidden", "rod 2: deleted", "others: hidden; rod 1: shown"})
+        EXPECT_NEAR(roomWith(things).getMax()[0], 1, 1e-6) << things;
+    EXPECT_NEAR(roomWith("rod 1: hidden").getMax()[0], 9, 1e-6);
+    EXPECT_NEAR(roomWith("rods 1-2: hidden").getMax()[0], 9, 1e-6) << "of nothing, that of all";
+}
+
 TEST_F(StageTest, OfOneFrameLeavesItsRoomToTheScene)
 {
     MemorySeries still = seriesOf({3});
     EXPECT_TRUE(stageOf(still)->room.isEmpty());
+    EXPECT_TRUE(stageOf(still)->shownRoom.isEmpty());
 }
 
 // Along x in the first frame, along z in the second: y is what neither of them needs.

@@ -24,19 +24,19 @@ const Node& partOf(SoNode* stamp)
     throw std::logic_error("no such part");
 }
 
-struct Reach
+struct TextReach
 {
     float left = 1e9f, right = -1e9f, bottom = 1e9f, top = -1e9f;
 };
 
-Reach reachOf(const std::string& text, float size, float aspect,
-              StampPlace place = StampPlace::UPPER_LEFT)
+TextReach reachOf(const std::string& text, float size, float aspect,
+                  StampPlace place = StampPlace::UPPER_LEFT)
 {
     initialiseSceneOnce();
     SoNode* stamp = makeStamp(text, {1, 1, 1}, size, aspect, place);
     stamp->ref();
     const SoMFVec3f& corners = partOf<SoCoordinate3>(stamp).point;
-    Reach reach;
+    TextReach reach;
     for (int i = 0; i < corners.getNum(); ++i) {
         reach.left = std::min(reach.left, corners[i][0]);
         reach.right = std::max(reach.right, corners[i][0]);
@@ -60,7 +60,7 @@ TEST(Stamp, TellsFrameAndTimeWhereItIsKnown)
 TEST(Stamp, StandsInTheUpperLeftCornerOfEveryShapeOfView)
 {
     for (const float aspect : {0.5f, 1.0f, 1.5f, 4.0f}) {
-        const Reach reach = reachOf("frame 12", 0.1f, aspect);
+        const TextReach reach = reachOf("frame 12", 0.1f, aspect);
         const float left = -std::max(1.0f, aspect), top = 2 * std::max(1.0f, 1 / aspect) - 1;
         EXPECT_GT(reach.left, left + 0.04f) << aspect;
         EXPECT_LT(reach.left, left + 0.08f) << aspect;
@@ -73,7 +73,7 @@ TEST(Stamp, StandsInTheUpperLeftCornerOfEveryShapeOfView)
 TEST(Stamp, StandsInTheLowerLeftCornerWhereItIsAskedTo)
 {
     for (const float aspect : {0.5f, 1.0f, 4.0f}) {
-        const Reach reach = reachOf("frames, 12", 0.1f, aspect, StampPlace::LOWER_LEFT);
+        const TextReach reach = reachOf("frames, 12", 0.1f, aspect, StampPlace::LOWER_LEFT);
         const float left = -std::max(1.0f, aspect);
         EXPECT_GT(reach.left, left + 0.04f) << aspect;
         EXPECT_LT(reach.left, left + 0.08f) << aspect;
@@ -85,7 +85,7 @@ TEST(Stamp, StandsInTheLowerLeftCornerWhereItIsAskedTo)
 TEST(Stamp, StandsInTheLowerRightCornerWhereItIsAskedTo)
 {
     for (const float aspect : {0.5f, 1.0f, 4.0f}) {
-        const Reach reach = reachOf("frames, 12", 0.1f, aspect, StampPlace::LOWER_RIGHT);
+        const TextReach reach = reachOf("frames, 12", 0.1f, aspect, StampPlace::LOWER_RIGHT);
         const float right = std::max(1.0f, aspect);
         EXPECT_LT(reach.right, right - 0.04f) << aspect;
         EXPECT_GT(reach.right, right - 0.08f) << aspect;

@@ -108,6 +108,47 @@ TEST(Measure, OfDataThatLackAPlaceIsNothing)
     EXPECT_FALSE(measure(*parseMeasurement("arc length rod 1:0,rod 2:1"), two, 1));
 }
 
+// What is known of a line by its point alone.
+TEST(Measure, APlaceOfALineThatIsNotThereIsNoneWithoutAnIndexEither)
+{
+    Configuration data{{stairs()}};
+    data.dnas = {straightDna(3, 1)};
+    for (const char* line : {"rod 2", "birod 1", "DNA 2", "DNA 2 strand 1"})
+        EXPECT_FALSE(
+            measure(*parseMeasurement("distance " + std::string(line) + " at 0 0 0,point at 1 0 0"),
+                    data, 1))
+            << line;
+    for (const char* line : {"rod 1", "DNA 1", "DNA 1 strand 2"})
+        EXPECT_EQ(valueOf("distance " + std::string(line) + " at 0 0 0,point at 1 0 0", data).value,
+                  1)
+            << line;
+}
+
+TEST(Measure, AlongAClosedLineIsTheShorterWay)
+{
+    Rod ring;
+    for (int i = 0; i <= 12; ++i) {
+        ring.points.emplace_back(std::cos(i * M_PI / 6), std::sin(i * M_PI / 6), 0);
+        ring.rotations.push_back(about(Z, 0.0));
+    }
+    const double edge = 2 * std::sin(M_PI / 12);
+    Rod open = ring;
+    ring.isClosed = true;
+    const Configuration data{{ring, open}};
+    EXPECT_NEAR(valueOf("arc length rod 1:1,rod 1:11", data).value, 2 * edge, 1e-12);
+    EXPECT_NEAR(valueOf("arc length rod 1:11.5,rod 1:1", data).value, 1.5 * edge, 1e-12);
+    EXPECT_NEAR(valueOf("arc length rod 1:1,rod 1:4", data).value, 3 * edge, 1e-12);
+    EXPECT_NEAR(valueOf("arc length rod 2:1,rod 2:11", data).value, 10 * edge, 1e-12) << "open";
+
+    // Its last pair is not the first one again.
+    Configuration circle;
+    circle.dnas = {straightDna(12, 1)};
+    for (int i = 0; i < 12; ++i)
+        circle.dnas[0].pairPoints[std::size_t(i)] = ring.points[std::size_t(i)];
+    circle.dnas[0].isClosed = true;
+    EXPECT_NEAR(valueOf("arc length DNA 1:2,DNA 1:12", circle).value, 2 * edge, 1e-12);
+}
+
 TEST(Measure, OfPlacesThatDetermineNoAngleIsNoNumber)
 {
     const auto value = valueOf("rod 1:0,rod 1:0,rod 1:2", {{stairs()}});
