@@ -1386,11 +1386,15 @@ TEST_F(MainWindowTest, MenusTickWhatIsOnWhetherAKeyOrTheMenuSwitchedIt)
     }
 }
 
-TEST_F(MainWindowTest, AnotherSceneShowsNoBoxesAndTheMenuSaysSo)
+TEST_F(MainWindowTest, AnotherSceneShowsBoxesAsTheOneBeforeAndTheMenuSaysSo)
 {
     open({write("straight.txt", STRAIGHT)});
     press(Qt::Key_Space, Qt::ShiftModifier);
     load({QString::fromStdString(write("second.txt", STRAIGHT))});
+    EXPECT_TRUE(action("Bounding boxes")->isChecked());
+    press(Qt::Key_Space, Qt::ShiftModifier);
+    EXPECT_FALSE(action("Bounding boxes")->isChecked());
+    load({QString::fromStdString(write("third.txt", STRAIGHT))});
     EXPECT_FALSE(action("Bounding boxes")->isChecked());
 }
 
@@ -1564,6 +1568,7 @@ protected:
     void reset()
     {
         opened->viewer->setDecoration(FALSE); // before the scene is fitted
+        window->setStyle(options);
         ReadReport report;
         const std::string file = write("straight.txt", STRAIGHT);
         scene = loadScene({file}, options, report);

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include <QCheckBox>
+#include <QScrollArea>
 #include <gmock/gmock.h>
 
 #include "DataWindowTest.h"
@@ -56,6 +57,10 @@ TEST_F(ScaleBarWindowTest, ATickShowsItAndItFollowsTheZoom)
     auto* const tick = window->findChild<QCheckBox*>("scale-bar");
     ASSERT_NE(tick, nullptr);
     ASSERT_TRUE(comesTo([&] { return tick->isVisible(); }));
+    for (QScrollArea* area : window->findChildren<QScrollArea*>()) {
+        if (area->isAncestorOf(tick))
+            area->ensureWidgetVisible(tick);
+    }
     click(*tick, {8, tick->height() / 2});
     ASSERT_TRUE(comesTo([this] { return window->getStyle().scaleBar; }));
     ASSERT_TRUE(comesTo([this] { return !window->isRestyling(); }));
