@@ -13,7 +13,6 @@
 
 #include "request/thingTexts.h"
 #include "window/SettingControl.h"
-#include "window/textColouredIcon.h"
 
 namespace strandview {
 
@@ -56,7 +55,7 @@ void SettingsPanel::addControl(const Setting& setting, QFormLayout& form)
     SettingControl* const control = SettingControl::make(setting, page);
     auto* reset = new QToolButton(page);
     reset->setObjectName(QString(setting.name) + "Reset");
-    reset->setIcon(textColouredIcon(style()->standardIcon(QStyle::SP_LineEditClearButton)));
+    reset->setIcon(style()->standardIcon(QStyle::SP_LineEditClearButton));
     reset->setAutoRaise(true);
     reset->setToolTip("As usual");
     reset->setAccessibleName(QString(setting.label) + " as usual");

@@ -5,7 +5,6 @@
 #include <cmath>
 #include <cstdlib>
 #include <functional>
-#include <map>
 #include <string>
 #include <utility>
 #include <vector>
@@ -45,38 +44,6 @@ QString fileOf(const std::string& part)
 {
     return QString(PROJECT_FOLDER) + "/docs/pictures/window_" + QString::fromStdString(part) +
            ".png";
-}
-
-// To about that step; black and white stay what they are.
-int rounded(int level, int step)
-{
-    const int steps = std::max(1, 255 / step);
-    return (level * steps + 127) / 255 * 255 / steps;
-}
-
-// With 256 colours at most, for small files: each rounded as little as that takes.
-QImage withFewColours(const QImage& picture)
-{
-    for (int step = 1;; ++step) {
-        std::map<QRgb, int> places;
-        QImage few(picture.size(), QImage::Format_Indexed8);
-        for (int y = 0; y < picture.height() && places.size() <= 256; ++y) {
-            for (int x = 0; x < picture.width() && places.size() <= 256; ++x) {
-                const QRgb c = picture.pixel(x, y);
-                const QRgb rough =
-                    qRgb(rounded(qRed(c), step), rounded(qGreen(c), step), rounded(qBlue(c), step));
-                const int place = places.emplace(rough, int(places.size())).first->second;
-                few.scanLine(y)[x] = uchar(place);
-            }
-        }
-        if (places.size() > 256)
-            continue;
-        QVector<QRgb> table(int(places.size()));
-        for (const auto& [colour, place] : places)
-            table[place] = colour;
-        few.setColorTable(table);
-        return few;
-    }
 }
 
 // Of squares of some pixels, in which letters of another font are as grey as these.
@@ -163,7 +130,7 @@ protected:
     void compare(const std::string& part, const QRect& room = {}) const
     {
         QTest::qWait(600); // nothing is told at the mouse any more
-        const QImage picture = withFewColours(room.isNull() ? seen() : seen().copy(room));
+        const QImage picture = room.isNull() ? seen() : seen().copy(room);
         const char* const wish = std::getenv("STRANDVIEW_TOUR");
         if (wish && std::string(wish) == "renew") {
             ASSERT_TRUE(picture.save(fileOf(part), nullptr, 0));
