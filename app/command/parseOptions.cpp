@@ -24,6 +24,7 @@
 #include "request/limits.h"
 #include "request/parseNumber.h"
 #include "request/settings.h"
+#include "request/thingTexts.h"
 #include "request/writeCommand.h"
 #include "session/sessionFile.h"
 
@@ -548,15 +549,6 @@ std::string lookOf(const CLI::App& app, const Options& options)
     return text;
 }
 
-// "rod 2: hidden; rod 3: hidden".
-std::string joined(const std::vector<std::string>& texts)
-{
-    std::string all;
-    for (const std::string& text : texts)
-        all += (all.empty() ? "" : "; ") + text;
-    return all;
-}
-
 void addDefaults(CLI::App& app, Options& options)
 {
     CLI::Option* save = app.add_flag(
@@ -587,10 +579,16 @@ std::string beginWithDefaults(const std::vector<std::string>& arguments, const s
 void addSetting(CLI::App& app, const Setting& setting, StyleRequest& request)
 {
     const std::string name = "--" + std::string(setting.name);
-    const auto read = [&setting, &request, name](const std::string& text) {
-        const std::string fault = setting.read(text, request);
+    const auto check = [name](const std::string& fault) {
         if (!fault.empty())
             throw CLI::ValidationError(name, fault);
+    };
+    const auto read = [&setting, &request, check](const std::string& text) {
+        check(setting.read(text, request));
+    };
+    // To what is said already, of these or of others.
+    const auto addThings = [&request, check](const std::vector<std::string>& texts) {
+        check(readThings(texts, request.things));
     };
     CLI::Option* option = nullptr;
     if (setting.kind == SettingKind::SWITCH)
@@ -598,12 +596,9 @@ void addSetting(CLI::App& app, const Setting& setting, StyleRequest& request)
             name + ",!--no-" + setting.name,
             [read](std::int64_t count) { read(count > 0 ? "on" : "off"); }, setting.help);
     else if (setting.kind == SettingKind::THINGS)
-        option =
-            app.add_option_function<std::vector<std::string>>(
-                   name, [read](const std::vector<std::string>& texts) { read(joined(texts)); },
-                   setting.help)
-                ->type_name(setting.values)
-                ->allow_extra_args(false);
+        option = app.add_option_function<std::vector<std::string>>(name, addThings, setting.help)
+                     ->type_name(setting.values)
+                     ->allow_extra_args(false);
     else
         option = app.add_option_function<std::string>(name, read, setting.help)
                      ->type_name(setting.values);

@@ -188,29 +188,46 @@ std::string listOfAttributes(const ThingId& thing)
 
 // Text with quotation marks
 
-// Where the first of these characters is, from there on, that is not between quotation marks; the
-// length for none.
-std::size_t findUnquoted(const std::string& text, char wanted, std::size_t from)
+const char* const BLANKS = " \t\r\n";
+
+// Behind the second of two quotation marks, of which the first is there; past the end for none.
+std::size_t findEndOfQuotation(const std::string& text, std::size_t from)
 {
-    bool isQuoted = false;
-    for (std::size_t i = from; i < text.size(); ++i) {
-        if (isQuoted && text[i] == '\\')
+    for (std::size_t i = from + 1; i < text.size(); ++i) {
+        if (text[i] == '\\')
             ++i;
         else if (text[i] == '"')
-            isQuoted = !isQuoted;
-        else if (!isQuoted && text[i] == wanted)
+            return i + 1;
+    }
+    return text.size() + 1;
+}
+
+// Where the first of these characters is, from the beginning of an item on, that is in no value
+// between quotation marks; the length for none. Marks elsewhere are characters as others are.
+std::size_t findUnquoted(const std::string& text, char wanted, std::size_t from)
+{
+    bool isInValue = false;
+    for (std::size_t i = from; i < text.size(); ++i) {
+        if (text[i] == wanted)
             return i;
+        if (text[i] == ',' || text[i] == ';') {
+            isInValue = false;
+        } else if (text[i] == '=' && !isInValue) {
+            isInValue = true;
+            const std::size_t value = std::min(text.find_first_not_of(BLANKS, i + 1), text.size());
+            if (value < text.size() && text[value] == '"')
+                i = findEndOfQuotation(text, value) - 1;
+        }
     }
     return text.size();
 }
 
 std::string trimmed(const std::string& text)
 {
-    const char* const blanks = " \t\r\n";
-    const std::size_t first = text.find_first_not_of(blanks);
+    const std::size_t first = text.find_first_not_of(BLANKS);
     return first == std::string::npos
                ? ""
-               : text.substr(first, text.find_last_not_of(blanks) + 1 - first);
+               : text.substr(first, text.find_last_not_of(BLANKS) + 1 - first);
 }
 
 std::vector<std::string> splitAt(char separator, const std::string& text)
@@ -234,13 +251,16 @@ std::string quoted(const std::string& text)
     return all + "\"";
 }
 
-std::string unquoted(const std::string& text)
+// Nothing of what begins with a quotation mark and does not end with the second one.
+Text unquoted(const std::string& text)
 {
-    if (text.size() < 2 || text.front() != '"' || text.back() != '"')
+    if (text.empty() || text.front() != '"')
         return text;
+    if (findEndOfQuotation(text, 0) != text.size())
+        return std::nullopt;
     std::string plain;
     for (std::size_t i = 1; i + 1 < text.size(); ++i) {
-        if (text[i] == '\\' && i + 2 < text.size())
+        if (text[i] == '\\')
             ++i;
         plain += text[i];
     }
@@ -346,10 +366,10 @@ std::string readItem(const std::string& item, const ThingId& thing, ThingLook& l
     const Attribute* const attribute = findAttribute(key, thing);
     if (!attribute || isSaid != (attribute->values != nullptr))
         return found(item, listOfAttributes(thing));
-    const std::string text = isSaid ? unquoted(trimmed(item.substr(equals + 1)))
-                             : isNo ? "off"
-                                    : "on";
-    const std::string fault = attribute->read(text, look);
+    const std::string written = isSaid ? trimmed(item.substr(equals + 1)) : isNo ? "off" : "on";
+    const Text text = unquoted(written);
+    const std::string fault =
+        text ? attribute->read(*text, look) : found(written, "a second quotation mark, at the end");
     return fault.empty() ? "" : key + ": " + fault;
 }
 
@@ -453,18 +473,25 @@ std::vector<std::string> textsOf(const ThingLooks& looks)
     return texts;
 }
 
-std::string readThings(const std::string& text, ThingLooks& looks)
+std::string readThings(const std::vector<std::string>& texts, ThingLooks& looks)
 {
     ThingLooks next = looks;
-    if (trimmed(text).empty())
-        return "";
-    for (const std::string& entry : splitAt(';', text)) {
-        const std::string fault = readEntry(entry, next);
-        if (!fault.empty())
-            return fault;
+    for (const std::string& text : texts) {
+        if (trimmed(text).empty())
+            continue;
+        for (const std::string& entry : splitAt(';', text)) {
+            const std::string fault = readEntry(entry, next);
+            if (!fault.empty())
+                return fault;
+        }
     }
-    looks = next;
+    looks = std::move(next);
     return "";
+}
+
+std::string readThings(const std::string& text, ThingLooks& looks)
+{
+    return readThings(std::vector{text}, looks);
 }
 
 bool canHaveOwn(const std::string& setting, const ThingId& thing)

@@ -13,6 +13,7 @@ namespace strandview {
 // What is said of single things as text: "rod 2: hidden", "rods 3-5: colour=#ff0000, name=arm",
 // "rod 2: radius=0.3, no ribbon", "DNA 1 strand 2: hidden", "others: hidden". A name with a comma
 // or the like stands between quotation marks: name="a, b", with a backslash before one of its own.
+// Elsewhere than where a value begins a mark is none: name=3" arm.
 
 /// As users type it: "rod 2", "DNA 1", "birod 1 average"; "bases" of those without a partner, which
 /// are one together.
@@ -25,6 +26,8 @@ std::vector<std::string> textsOf(const ThingLooks& looks);
 /// Adds what a text says, several with semicolons between, to what is said already. Nothing, or
 /// "found 'x', expected a colour" and the looks are as they were.
 std::string readThings(const std::string& text, ThingLooks& looks);
+/// The same of several texts one after the other, of which each is read by itself.
+std::string readThings(const std::vector<std::string>& texts, ThingLooks& looks);
 
 // Settings that a thing may have of its own, by the names that they have for all.
 

@@ -8,6 +8,8 @@
 
 #include <gmock/gmock.h>
 
+#include "command/parseOptions.h"
+#include "request/settings.h"
 #include "support/TemporaryFolder.h"
 #include "support/runProgram.h"
 
@@ -167,6 +169,19 @@ TEST_F(SessionFileTest, HowPicturesAreSavedIsOfPicturesAlone)
         EXPECT_EQ(made.status, 0) << option << ": " << made.error;
         EXPECT_NE(bytesOf(name), "") << option;
     }
+}
+
+TEST_F(SessionFileTest, WhatTheCommandLineSaysOfAThingIsAddedToWhatTheSessionSays)
+{
+    ASSERT_EQ(settingOf("thing").read("rod 1: colour=red, name=arm; rod 2: hidden", session.style),
+              "");
+    ASSERT_EQ(save(folder.write("rod.txt", ROD), folder.path("work.strandview")), "");
+    const std::string work = folder.path("work.strandview");
+    const char* line[] = {"strandview", "--thing",      "rod 1: name=leg",
+                          "--thing",    "rod 2: shown", work.c_str()};
+    const ParsedOptions parsed = parseOptions(6, line);
+    ASSERT_TRUE(parsed.options);
+    EXPECT_EQ(settingOf("thing").value(*parsed.options), "rod 1: name=leg, colour=#ff0000");
 }
 
 TEST_F(SessionFileTest, PicturesOfASeriesAreRenderedAgainForAnotherCameraOrSizeOfTheSession)

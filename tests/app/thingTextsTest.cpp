@@ -78,6 +78,25 @@ TEST(ThingTextsTest, ANameBetweenQuotationMarksMayHaveEveryCharacter)
     }
 }
 
+TEST(ThingTextsTest, AQuotationMarkElsewhereThanWhereAValueBeginsIsACharacterAsOthersAre)
+{
+    const ThingLooks looks =
+        read("rod 1: name=3\" arm, hidden; rod 2: name=a=\"b; rod 3: name= \"; \" , hidden");
+    EXPECT_EQ(looks.of({ThingKind::ROD, 0}).name, "3\" arm");
+    EXPECT_TRUE(looks.of({ThingKind::ROD, 0}).isHidden());
+    EXPECT_EQ(looks.of(ROD_2).name, "a=\"b");
+    EXPECT_EQ(looks.of({ThingKind::ROD, 2}).name, "; ");
+    EXPECT_TRUE(looks.of({ThingKind::ROD, 2}).isHidden());
+}
+
+TEST(ThingTextsTest, AQuotationEndsWithItsValue)
+{
+    for (const char* value : {"\"arm; rod 2: hidden", "\"", "\"a\" b", "\"a\\\"", "\"a\"b\""})
+        EXPECT_EQ(faultOf("rod 1: name=" + std::string(value)),
+                  "name: found '" + std::string(value) +
+                      "', expected a second quotation mark, at the end");
+}
+
 TEST(ThingTextsTest, NeighboursThatLookAlikeAreOneText)
 {
     EXPECT_THAT(textsOf(read("rod 3: hidden; rod 5: hidden; rod 4: hidden; birod 6: hidden")),
@@ -221,6 +240,19 @@ TEST(ThingTextsTest, TheOptionIsGivenForEachAndTakesNoFile)
     EXPECT_THAT(parsed.options->files, ElementsAre("rod.txt"));
     EXPECT_THAT(textsOf(parsed.options->things),
                 ElementsAre("rod 1: name=\"[a, b]\"", "rod 2: hidden, colour=#ff0000"));
+}
+
+TEST(ThingTextsTest, EachOptionIsReadByItself)
+{
+    const char* line[] = {"strandview", "--thing", "rod 1: name=3\" arm", "--thing",
+                          "rod 2: hidden, name=4\""};
+    const ParsedOptions parsed = parseOptions(5, line);
+    ASSERT_TRUE(parsed.options);
+    EXPECT_EQ(parsed.options->things.of({ThingKind::ROD, 0}).name, "3\" arm");
+    EXPECT_EQ(parsed.options->things.of(ROD_2).name, "4\"");
+    line[2] = "rod 1: name=\"arm";
+    line[4] = "rod 2: name=hand\"";
+    EXPECT_FALSE(parseOptions(5, line).options);
 }
 
 TEST(ThingTextsTest, AColourThatGoesAndWhatCurvesHaveOfTheirOwnNeedOtherNodes)
