@@ -447,6 +447,7 @@ std::optional<Colouring> makeColouring(const Options& options, const Configurati
     colouring.unit = absoluteUnitOf(quantity);
     const bool isSigned = quantity && quantity->isSigned;
     const ColourMap colours = options.colours.value_or(defaultColourMap(isSigned));
+    colouring.map = colours;
     colouring.ramp = toMapper(colours);
     colouring.below = options.belowColour;
     colouring.above = options.aboveColour;

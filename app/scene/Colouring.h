@@ -15,6 +15,7 @@
 #include <strandview/model/Configuration.h>
 
 #include "request/Colour.h"
+#include "request/ColourMap.h"
 #include "request/Options.h"
 #include "scene/Progress.h"
 
@@ -42,6 +43,7 @@ struct Colouring : PlaceColours
 {
     std::string name;
     std::string unit; ///< of the values, if it is known
+    ColourMap map;    ///< that the ramp is of
     double min = 0;   ///< the value at the ramp's 0
     double max = 1;   ///< and at its 1
 

@@ -1478,6 +1478,7 @@ void MainWindow::tellStyle()
         shown.drawing = scene->getShownDrawing();
         if (const auto& colouring = scene->getColouring()) {
             shown.ownRange = shown.symmetricRange = false;
+            shown.colours = colouring->map;
             shown.rangeMin = colouring->min;
             shown.rangeMax = colouring->max;
             shown.legend.title = options.legend.title.value_or(colouring->name);

@@ -216,6 +216,17 @@ TEST_F(SettingsPanelTest, ColoursOfAScalarComeAndGo)
     EXPECT_EQ(window->getStyle(), StyleRequest());
 }
 
+TEST_F(SettingsPanelTest, AMapThatNobodyChoseIsToldByItsName)
+{
+    options.colourBy = "load";
+    ASSERT_NO_FATAL_FAILURE(openWith(ROD, "c"));
+    auto* const list = find<QComboBox>("coloursList");
+    EXPECT_EQ(list->currentText(), "viridis");
+    choose("colour-by", "torsion");
+    EXPECT_TRUE(comesTo([&] { return list->currentText() == "coolwarm"; }));
+    EXPECT_EQ(settingOf("colours").write(window->getStyle()), std::nullopt);
+}
+
 TEST_F(SettingsPanelTest, AMapIsChosenByItsPictureOrTyped)
 {
     options.colourBy = "load";
