@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include <QAction>
+#include <QApplication>
 #include <QCheckBox>
 #include <QFile>
 #include <gtest/gtest.h>
@@ -48,6 +49,12 @@ protected:
         pressRealKey("slash");
         ASSERT_TRUE(comesToBePainted());
         keepIfFailed(screen());
+    }
+    // A window that goes while its handles are dragged leaves what a dragger holds of itself.
+    void TearDown() override
+    {
+        EXPECT_TRUE(comesTo([] { return QApplication::mouseButtons() == Qt::NoButton; }));
+        DataWindowTest::TearDown();
     }
     std::optional<ClipPlane> clip() const { return window->getStyle().clip; }
     void drag(double fromX, double fromY, double toX, double toY) const
