@@ -13,6 +13,11 @@ struct Colour
     float red, green, blue;
 };
 
+inline bool operator==(const Colour& a, const Colour& b)
+{
+    return a.red == b.red && a.green == b.green && a.blue == b.blue;
+}
+
 /// #rgb, #rrggbb or an SVG name such as "steelblue"; nothing for any other text.
 std::optional<Colour> parseColour(const std::string& text);
 

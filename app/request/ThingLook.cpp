@@ -14,7 +14,16 @@ const ThingLook& said(const std::map<ThingId, ThingLook>& ofThings, const ThingI
     return known == ofThings.end() ? nothing : known->second;
 }
 
+auto members(const ThingLook& look)
+{
+    return std::tie(look.hidden, look.isDeleted, look.name, look.colour, look.radius,
+                    look.ribbonWidth, look.slices, look.subsegments, look.showTube, look.showRibbon,
+                    look.twoSidedRibbon, look.ribbonColour, look.transparency);
+}
+
 } // namespace
+
+bool operator==(const ThingLook& a, const ThingLook& b) { return members(a) == members(b); }
 
 ThingLook ThingLooks::of(const ThingId& thing) const
 {

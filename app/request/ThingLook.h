@@ -56,6 +56,9 @@ struct ThingLook
     bool isOutOfView() const { return isHidden() || isDeleted; }
 };
 
+/// Whether both say the same in the same words.
+bool operator==(const ThingLook& a, const ThingLook& b);
+
 /// How single things are to look, also in frames to come and in those after one that has fewer.
 /// What is said of a strand goes before what is said of its thing, and that before what is said of
 /// all others.
@@ -76,6 +79,12 @@ struct ThingLooks
     /// Also what was deleted from view.
     void showAll();
 };
+
+/// Whether both say the same in the same words: others may look alike, too, as textsOf() tells.
+inline bool operator==(const ThingLooks& a, const ThingLooks& b)
+{
+    return a.areOthersHidden == b.areOthersHidden && a.ofThings == b.ofThings;
+}
 
 } // namespace strandview
 

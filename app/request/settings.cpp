@@ -678,6 +678,13 @@ std::vector<Setting> makeSettings()
          &valueOfThings, &readAllThings, &clear<&Request::things>}};
 }
 
+// The same things need no texts to tell, which are long where there are many.
+bool saysTheSame(const Setting& setting, const StyleRequest& a, const StyleRequest& b)
+{
+    return (setting.kind == SettingKind::THINGS && a.things == b.things) ||
+           setting.value(a) == setting.value(b);
+}
+
 } // namespace
 
 std::optional<std::string> Setting::write(const StyleRequest& request) const
@@ -736,15 +743,14 @@ std::vector<std::string> argumentsOf(const StyleRequest& request)
 bool differInColoursAlone(const StyleRequest& a, const StyleRequest& b)
 {
     return std::all_of(settings().begin(), settings().end(), [&](const Setting& setting) {
-        return setting.isColour || setting.value(a) == setting.value(b);
+        return setting.isColour || saysTheSame(setting, a, b);
     });
 }
 
 bool operator==(const StyleRequest& a, const StyleRequest& b)
 {
-    return std::all_of(settings().begin(), settings().end(), [&](const Setting& setting) {
-        return setting.value(a) == setting.value(b);
-    });
+    return std::all_of(settings().begin(), settings().end(),
+                       [&](const Setting& setting) { return saysTheSame(setting, a, b); });
 }
 
 bool areOfSameNodes(const StyleRequest& shown, const StyleRequest& next)

@@ -423,6 +423,8 @@ ThingLook DataScene::lookAt(const Thing& thing, const PickedPlace& place) const
 
 void DataScene::setLooks(const ThingLooks& looks)
 {
+    if (style.things == looks)
+        return;
     style.things = looks;
     showLooks();
 }

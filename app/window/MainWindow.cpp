@@ -149,12 +149,6 @@ bool isAscii(const QString& text)
     return std::all_of(text.begin(), text.end(), [](QChar c) { return c.unicode() < 128; });
 }
 
-bool isSameButCut(const StyleRequest& one, StyleRequest other)
-{
-    other.clip = one.clip;
-    return one == other;
-}
-
 std::vector<std::string> namesOf(const Session& session)
 {
     std::vector<std::string> names;
@@ -517,7 +511,6 @@ void MainWindow::showScene(DataScene* newScene, const std::vector<std::string>& 
     curves->showScene(*scene, loadedFrame(), CurvePanel::OTHER_FILES);
     scene->showColours((*menus)[Command::SHOW_COLOURS]->isChecked());
     cut(); // of now, whatever it was when it began to be read
-    followClip();
     viewer->setSceneGraph(static_cast<SoGeneralScene*>(scene));
     scene->draw(options.drawing);
     scene->keepLineWidth();
@@ -1252,10 +1245,12 @@ void MainWindow::keepRoom()
 void MainWindow::setStyle(const StyleRequest& next)
 {
     const bool isReadAgain = next.compare != options.compare;
-    const bool isCutAlone = isSameButCut(options, next);
+    const bool isCutOtherwise = next.clip != options.clip;
+    const bool needsNodes = !areOfSameNodes(restyler.isAtWork() ? options : shownStyle, next);
     static_cast<StyleRequest&>(options) = next;
     history->note();
-    cut();
+    if (isCutOtherwise)
+        cut();
     tellStyle();
     showBackground();
     if (!scene || !scene->getData())
@@ -1265,8 +1260,13 @@ void MainWindow::setStyle(const StyleRequest& next)
         readAgain(); // readers compare
         if (!isLoading())
             dropComparison(); // what was read at once is shown; what cannot be read again is not
-    } else if (!isCutAlone && !showAtOnce()) {
+    } else if (needsNodes) {
         restyle();
+    } else if (!restyler.isAtWork()) { // or what comes is followed by all that needs no nodes
+        shownStyle = options;
+        followViewer();
+        coarseDrawing->noteChange();
+        emit styleShown();
     }
 }
 
@@ -1277,29 +1277,19 @@ void MainWindow::showBackground()
         viewer->setBackgroundColor(background);
 }
 
-// Unless it needs other nodes.
-bool MainWindow::showAtOnce()
-{
-    if (restyler.isAtWork() || !areOfSameNodes(shownStyle, options))
-        return false;
-    shownStyle = options;
-    followViewer();
-    coarseDrawing->noteChange();
-    emit styleShown();
-    return true;
-}
-
 // At once, whatever is being prepared.
 void MainWindow::cut()
 {
-    if (!scene || !scene->getData())
-        return;
-    shownStyle.clip = options.clip;
-    scene->cut(options.clip ? std::optional(settled(*options.clip, measure(*firstFrame)))
-                            : std::nullopt);
-    outlineChosen();
+    if (scene && scene->getData()) {
+        shownStyle.clip = options.clip;
+        std::optional<ClipPlane> plane = options.clip;
+        if (plane && !plane->distance) // which takes a look at each point
+            plane = settled(*plane, measure(*firstFrame));
+        scene->cut(plane);
+        outlineChosen();
+        sideBySide->followLooks(*scene);
+    }
     followClip();
-    sideBySide->followLooks(*scene);
 }
 
 void MainWindow::moveClip(bool on)

@@ -246,8 +246,6 @@ private:
     /// Prepares the style that is asked for, of the frame that is shown.
     void restyle();
     void showStyle(Restyler::Result& result);
-    /// What is asked for, unless it needs other nodes than are shown.
-    bool showAtOnce();
     void cut();
     /// With handles in the view, of the plane that there is or a new one.
     void moveClip(bool on);
