@@ -64,4 +64,24 @@ bool haveOnlyGrown(const FileStamps& before, const FileStamps& now)
                                       now.files.end(), isSameFile);
 }
 
+std::map<std::size_t, std::size_t> sameFrames(const std::vector<std::string>& filesBefore,
+                                              const FileStamps& before,
+                                              const std::vector<std::string>& filesNow,
+                                              const FileStamps& now)
+{
+    std::map<std::string, std::size_t> numbersNow;
+    for (std::size_t i = 0; i < filesNow.size(); ++i)
+        numbersNow.emplace(filesNow[i], i);
+    std::map<std::size_t, std::size_t> same;
+    for (std::size_t i = 0; i < filesBefore.size(); ++i) {
+        const auto number = numbersNow.find(filesBefore[i]);
+        const auto stampBefore = before.files.find(filesBefore[i]);
+        const auto stampNow = now.files.find(filesBefore[i]);
+        if (number != numbersNow.end() && stampBefore != before.files.end() &&
+            stampNow != now.files.end() && stampBefore->second == stampNow->second)
+            same.emplace(i, number->second);
+    }
+    return same;
+}
+
 } // namespace strandview

@@ -2,6 +2,7 @@
 #ifndef STRANDVIEW_APP_WINDOW_FILESTAMPS_H
 #define STRANDVIEW_APP_WINDOW_FILESTAMPS_H
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -35,6 +36,13 @@ FileStamps stampsOf(const std::vector<std::string>& paths);
 
 /// Whether these are the same files, each as long as it was or longer.
 bool haveOnlyGrown(const FileStamps& before, const FileStamps& now);
+
+/// Of frames that are a file each, those whose files are as they were: their numbers before, with
+/// their numbers now.
+std::map<std::size_t, std::size_t> sameFrames(const std::vector<std::string>& filesBefore,
+                                              const FileStamps& before,
+                                              const std::vector<std::string>& filesNow,
+                                              const FileStamps& now);
 
 } // namespace strandview
 

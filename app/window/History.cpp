@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "window/History.h"
 
+#include <algorithm>
 #include <utility>
+#include <vector>
 
 #include <QString>
 
@@ -14,14 +16,39 @@ const int MOST_STEPS = 1000;
 
 } // namespace
 
+// The looks of single things, of which there may be many, are kept once for all states in a row
+// that have the same.
+class History::Kept
+{
+public:
+    Kept(WindowState kept, std::shared_ptr<const ThingLooks>& last) : state(std::move(kept))
+    {
+        if (!last || !(*last == state.style.things))
+            last = std::make_shared<const ThingLooks>(std::move(state.style.things));
+        things = last;
+        state.style.things = {};
+    }
+
+    WindowState get() const
+    {
+        WindowState whole = state;
+        whole.style.things = *things;
+        return whole;
+    }
+
+private:
+    WindowState state; // but for these
+    std::shared_ptr<const ThingLooks> things;
+};
+
 class History::Step : public QUndoCommand
 {
 public:
-    Step(History& its, WindowState stateBefore, WindowState stateAfter)
+    Step(History& its, const WindowState& stateBefore, const WindowState& stateAfter)
         : history(its),
-          before(std::move(stateBefore)),
-          after(std::move(stateAfter)),
-          what(differenceOf(before, after)),
+          before(stateBefore, its.lastThings),
+          after(stateAfter, its.lastThings),
+          what(differenceOf(stateBefore, stateAfter)),
           time(its.clock.elapsed())
     {
         setText(QString::fromStdString(what));
@@ -29,35 +56,34 @@ public:
 
     void undo() override
     {
-        if (!isObsolete())
-            history.show(after, before);
+        if (!history.isRewriting)
+            history.show(after.get(), before.get());
     }
     // A stack does what is pushed, which the user has done.
     void redo() override
     {
         if (std::exchange(isDone, true))
-            history.show(before, after);
+            history.show(before.get(), after.get());
     }
-    int id() const override { return 0; }
+    int id() const override { return history.isRewriting ? -1 : 0; }
+    // And is none if that is where it began.
     bool mergeWith(const QUndoCommand* command) override
     {
         const auto& next = static_cast<const Step&>(*command);
         if (next.what != what || next.time - time > TOGETHER.count())
             return false;
         time = next.time;
-        end(next.after);
+        after = next.after;
+        setObsolete(before.get() == after.get());
         return true;
     }
-    // And is none if that is where it began.
-    void end(const WindowState& state)
-    {
-        after = state;
-        setObsolete(before == after);
-    }
+
+    WindowState getBefore() const { return before.get(); }
+    WindowState getAfter() const { return after.get(); }
 
 private:
     History& history;
-    WindowState before, after;
+    Kept before, after;
     std::string what;
     qint64 time;
     bool isDone = false;
@@ -92,14 +118,30 @@ void History::noteSoon()
 
 void History::refuse()
 {
-    known = tell();
-    if (steps.index() == 0 || steps.index() < steps.count()) // it was taken back meanwhile
+    const WindowState refused = std::exchange(known, tell());
+    if (steps.index() < steps.count()) // it was taken back meanwhile
         return;
-    auto* const last =
-        static_cast<Step*>(const_cast<QUndoCommand*>(steps.command(steps.count() - 1)));
-    last->end(known);
-    if (last->isObsolete())
+    const auto without = [&](const WindowState& state) {
+        return withChange(state, refused, known);
+    };
+    // The user may have changed something else since; that stays.
+    isRewriting = true;
+    std::vector<std::pair<WindowState, WindowState>> since;
+    for (bool hadIt = true; hadIt && steps.index() > 0;) {
+        auto& last =
+            static_cast<Step&>(const_cast<QUndoCommand&>(*steps.command(steps.index() - 1)));
+        const WindowState before = last.getBefore();
+        since.emplace_back(without(before), without(last.getAfter()));
+        hadIt = !(before == since.back().first);
+        last.setObsolete(true);
         steps.undo(); // which deletes it
+    }
+    std::reverse(since.begin(), since.end());
+    for (const auto& [before, after] : since) {
+        if (!(before == after))
+            steps.push(new Step(*this, before, after));
+    }
+    isRewriting = false;
 }
 
 void History::begin()

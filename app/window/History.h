@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <functional>
+#include <memory>
 
 #include <QElapsedTimer>
 #include <QObject>
@@ -56,13 +57,16 @@ public:
     QUndoStack steps;
 
 private:
+    class Kept;
     class Step;
 
     void show(const WindowState& from, const WindowState& to);
 
     Tell tell;
     Show showAll;
-    WindowState known; ///< at last
+    WindowState known;                            ///< at last
+    std::shared_ptr<const ThingLooks> lastThings; ///< that were kept
+    bool isRewriting = false;                     ///< of steps, which shows nothing
     bool hasBegun = false;
     int pauses = 0;
     QTimer soon;

@@ -682,9 +682,13 @@ void MainWindow::follow(std::unique_ptr<LoadJob> newJob, Tell tell, CameraChoice
                     if (choice == SAME_CAMERA && player)
                         start = startAsNow();
                     showDrawing();
+                    const std::vector<std::string> before = frameFiles;
                     showScene(loaded, ended->getFiles(), choice);
                     rememberFiles(namesOf(ended->getFiles()));
                     beginToPlay(report, start);
+                    if (choice == SAME_CAMERA && options.series.isOfFiles)
+                        measurements->keepSeen(
+                            sameFrames(before, readStamps, frameFiles, ended->getStamps()));
                     openBeside();
                     readStamps = ended->getStamps();
                     watchFiles();
@@ -701,8 +705,8 @@ void MainWindow::follow(std::unique_ptr<LoadJob> newJob, Tell tell, CameraChoice
                     }
                     takeMeasurements();
                 } else {
-                    dropComparison();
-                    if (ended->getFiles() == shownFiles)
+                    const bool wasOtherAsked = dropComparison();
+                    if (ended->getFiles() == shownFiles && !wasOtherAsked)
                         watcher->retry(ended->getStamps());
                 }
                 tell(report);
@@ -1316,13 +1320,14 @@ void MainWindow::followClip()
 }
 
 // One that was asked for and did not come would keep other files from being read.
-void MainWindow::dropComparison()
+bool MainWindow::dropComparison()
 {
     if (options.compare == shownStyle.compare)
-        return;
+        return false;
     options.compare = shownStyle.compare;
     history->refuse();
     tellStyle();
+    return true;
 }
 
 void MainWindow::showThings()

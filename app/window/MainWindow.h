@@ -250,7 +250,8 @@ private:
     /// With handles in the view, of the plane that there is or a new one.
     void moveClip(bool on);
     void followClip();
-    void dropComparison();
+    /// Whether one was asked for that is not shown.
+    bool dropComparison();
     void showBackground();
     void abandonJob();
     /// Lets the panels show what is asked for.

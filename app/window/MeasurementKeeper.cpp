@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "request/conversions.h"
 #include "scene/DataScene.h"
@@ -50,9 +51,19 @@ void MeasurementKeeper::setScene(const DataScene* shown, std::size_t frameOfSeri
 {
     scene = shown;
     frame = frameOfSeries;
-    seen.clear();
+    seenBefore = std::exchange(seen, {});
     set(files == SAME_FILES ? measurements : std::vector<Measurement>());
     offer();
+}
+
+void MeasurementKeeper::keepSeen(const std::map<std::size_t, std::size_t>& frames)
+{
+    for (const auto& [before, now] : frames) {
+        const auto known = seenBefore.find(before);
+        if (known != seenBefore.end())
+            seen.emplace(now, known->second);
+    }
+    seenBefore.clear();
 }
 
 void MeasurementKeeper::follow(std::size_t frameOfSeries)
@@ -67,9 +78,17 @@ void MeasurementKeeper::follow(std::size_t frameOfSeries)
 void MeasurementKeeper::follow()
 {
     renew();
-    if (seenAngstrom != angstrom())
-        remember();
+    forgetOtherUnits();
     listSoon();
+}
+
+void MeasurementKeeper::forgetOtherUnits()
+{
+    if (seenAngstrom == angstrom())
+        return;
+    for (auto& [number, known] : seen)
+        known.values.clear();
+    seenAngstrom = angstrom();
 }
 
 double MeasurementKeeper::angstrom() const { return scene->getStyle().dna.angstrom; }
@@ -93,11 +112,7 @@ void MeasurementKeeper::remember()
 {
     if (!scene || !scene->getData())
         return;
-    if (seenAngstrom != angstrom()) {
-        for (auto& [number, known] : seen)
-            known.values.clear();
-        seenAngstrom = angstrom();
-    }
+    forgetOtherUnits();
     Seen& now = seen[frame];
     now.data = scene->getData();
     now.values.clear();

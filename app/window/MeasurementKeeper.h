@@ -43,6 +43,8 @@ public:
     enum Files { SAME_FILES, OTHER_FILES };
     /// Another scene, which shows this frame. What is kept of other files is forgotten.
     void setScene(const DataScene* shown, std::size_t frameOfSeries, Files files);
+    /// After the same files: what was seen in these frames of before is so in these of now.
+    void keepSeen(const std::map<std::size_t, std::size_t>& frames);
     /// Another frame, or other looks of things.
     void follow(std::size_t frameOfSeries);
     void follow();
@@ -70,6 +72,7 @@ private:
     std::optional<MeasuredValue> valueOf(const Measurement& measurement) const;
     void renew();    ///< values and marks
     void remember(); ///< the values, as those of this frame
+    void forgetOtherUnits();
     void mark();
     void listSoon();
     void listNow();
@@ -82,7 +85,7 @@ private:
     std::size_t frame = 0;
     std::vector<Measurement> measurements;
     std::vector<std::optional<MeasuredValue>> values; ///< of the frame that is shown
-    std::map<std::size_t, Seen> seen;
+    std::map<std::size_t, Seen> seen, seenBefore;     ///< by frames; in the scene before this one
     double seenAngstrom = 1;
     QTimer timer; ///< until the list may tell values again
 };

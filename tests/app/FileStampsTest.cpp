@@ -13,6 +13,7 @@ namespace {
 
 using testing::Eq;
 using testing::Key;
+using testing::Pair;
 using testing::UnorderedElementsAre;
 
 TEST(FileStamps, AreTheSameOfFilesThatNobodyTouched)
@@ -71,6 +72,21 @@ TEST(FileStamps, TellWhetherFilesHaveOnlyGrown)
     EXPECT_FALSE(haveOnlyGrown(before, stampsOf({file, folder.path("three.txt")}))) << "missing";
     std::filesystem::rename(folder.write("other.txt", "1234567"), file);
     EXPECT_FALSE(haveOnlyGrown(before, stampsOf({file}))) << "another file";
+}
+
+TEST(FileStamps, TellWhichFramesAreTheSame)
+{
+    const TemporaryFolder folder;
+    const std::string one = folder.write("1.txt", "1"), two = folder.write("2.txt", "2"),
+                      three = folder.write("3.txt", "3");
+    const FileStamps before = stampsOf({folder.path()});
+    folder.append("2.txt", "2");
+    const std::string first = folder.write("0.txt", "0");
+    EXPECT_THAT(
+        sameFrames({one, two, three}, before, {first, one, two, three}, stampsOf({folder.path()})),
+        UnorderedElementsAre(Pair(0, 1), Pair(2, 3)));
+    EXPECT_THAT(sameFrames({one, two, three}, before, {three}, before),
+                UnorderedElementsAre(Pair(2, 0)));
 }
 
 } // namespace

@@ -49,7 +49,88 @@ protected:
     }
 };
 
+// Of a state that no window has.
+class StepsTest : public testing::Test
+{
+protected:
+    StepsTest() { history.begin(); }
+    void compareWith(const std::optional<std::string>& file)
+    {
+        state.style.compare = file;
+        history.note();
+    }
+    void move()
+    {
+        state.camera.position[0] += 1;
+        history.note();
+    }
+    void refuseFor(const std::optional<std::string>& file)
+    {
+        state.style.compare = file;
+        history.refuse();
+    }
+
+    WindowState state;
+    History history{[this] { return state; }, [this](const WindowState& next) { state = next; }};
+};
+
 } // namespace
+
+TEST_F(StepsTest, WhatIsRefusedIsTakenOutOfTheStepsThatWereMadeSince)
+{
+    move();
+    compareWith("unreadable");
+    move();
+    refuseFor(std::nullopt);
+    const WindowState last = state;
+    ASSERT_EQ(history.steps.count(), 2);
+    history.steps.undo();
+    EXPECT_EQ(state.style.compare, std::nullopt);
+    EXPECT_EQ(state.camera.position[0], last.camera.position[0] - 1);
+    history.steps.undo();
+    EXPECT_EQ(state.style.compare, std::nullopt);
+    EXPECT_EQ(state.camera.position[0], last.camera.position[0] - 2);
+    history.steps.redo();
+    history.steps.redo();
+    EXPECT_TRUE(state == last);
+}
+
+TEST_F(StepsTest, WhatIsRefusedAloneIsNoStep)
+{
+    compareWith("unreadable");
+    refuseFor(std::nullopt);
+    EXPECT_EQ(history.steps.count(), 0);
+    EXPECT_FALSE(history.steps.canUndo());
+    EXPECT_FALSE(history.steps.canRedo());
+}
+
+TEST_F(StepsTest, WhatWasThereBeforeTheRefusedComesBackStepByStep)
+{
+    compareWith("readable");
+    move();
+    compareWith("unreadable");
+    move();
+    refuseFor("readable");
+    EXPECT_EQ(history.steps.count(), 3);
+    history.steps.undo();
+    history.steps.undo();
+    EXPECT_EQ(state.style.compare, "readable");
+    history.steps.undo();
+    EXPECT_EQ(state.style.compare, std::nullopt);
+}
+
+TEST_F(StepsTest, LooksOfManyThingsComeBackOverStepsThatLeaveThem)
+{
+    state.style.things.ofThings[{ThingKind::ROD, 3}].radius = 0.5;
+    history.note();
+    move();
+    history.steps.undo();
+    EXPECT_EQ(state.style.things.of({ThingKind::ROD, 3}).radius, 0.5);
+    history.steps.undo();
+    EXPECT_EQ(state.style.things.of({ThingKind::ROD, 3}).radius, std::nullopt);
+    history.steps.redo();
+    EXPECT_EQ(state.style.things.of({ThingKind::ROD, 3}).radius, 0.5);
+}
 
 TEST_F(HistoryTest, ThereIsNothingToTakeBackAtFirst)
 {

@@ -2,6 +2,8 @@
 // A window that reads its files again when they change, as its user sees it.
 #include <cmath>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <string>
 
 #include <QAction>
@@ -16,6 +18,7 @@
 #include "DataWindowTest.h"
 #include "scene/DataScene.h"
 #include "support/realInput.h"
+#include "window/MeasurementKeeper.h"
 #include "window/PlayBar.h"
 #include "window/Player.h"
 
@@ -240,6 +243,31 @@ TEST_F(WatchingTest, OfFilesInAFolderTheLastOneIsFollowed)
     folder.write("run12.txt", rodTo(12));
     EXPECT_TRUE(comesToEnd(12));
     EXPECT_EQ(player()->getFrame(), 3u);
+}
+
+TEST_F(WatchingTest, WhatWasMeasuredInFilesOfAFolderIsForgottenOfThoseThatChangedAlone)
+{
+    options.series.isOfFiles = true;
+    options.measurements = {*parseMeasurement("distance rod 1:0,rod 1:2")};
+    for (const int end : {6, 7, 8, 9})
+        folder.write("run" + std::to_string(end) + ".txt", rodTo(end));
+    open(folder.path());
+    ASSERT_NE(player(), nullptr);
+    for (const int end : {7, 8, 9}) {
+        pressRealKey("period");
+        ASSERT_TRUE(comesToEnd(end));
+    }
+    folder.write("run7.txt", rodTo(70)); // two at once
+    folder.write("run5.txt", rodTo(5));
+    PlayBar* bar = window->findChild<PlayBar*>();
+    ASSERT_TRUE(comesTo([&] { return bar->getCount() == 5; }));
+    ASSERT_TRUE(comesToEnd(9));
+    ASSERT_EQ(player()->getFrame(), 4u);
+    const std::string table = folder.path() + "/measured.csv";
+    ASSERT_EQ(window->getMeasurements().save(table), "");
+    std::ifstream stream(table);
+    const std::string lines(std::istreambuf_iterator<char>(stream), {});
+    EXPECT_THAT(lines, HasSubstr("\n1,6\n3,8\n4,9\n"));
 }
 
 TEST_F(WatchingTest, AFileThatIsFollowedIsReadAgainOnlyWhenItIsNoLongerTheSame)
