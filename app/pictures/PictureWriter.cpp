@@ -119,8 +119,10 @@ public:
     }
     ~LineWidener()
     {
-        for (const auto& [style, width] : widths)
+        for (const auto& [style, width] : widths) {
             style->lineWidth = width;
+            style->unref();
+        }
     }
     LineWidener(const LineWidener&) = delete;
     LineWidener& operator=(const LineWidener&) = delete;
@@ -138,7 +140,9 @@ private:
                                            const SoNode* /*style*/)
     {
         auto* style = static_cast<SoDrawStyle*>(traversal->getCurPathTail());
-        static_cast<LineWidener*>(widener)->widths[style] = style->lineWidth.getValue();
+        auto& widths = static_cast<LineWidener*>(widener)->widths;
+        if (widths.emplace(style, style->lineWidth.getValue()).second)
+            style->ref(); // the scene may drop it between two tiles
         return SoCallbackAction::CONTINUE;
     }
 

@@ -162,6 +162,7 @@ void DataScene::restyle(const Placement& placementOfData, const Style& styleOfDa
     placement = placementOfData;
     style = styleOfData;
     ++styles;
+    alone.clear();
     setBackground(style.background);
     cut(style.clip);
     draw(style.drawing);
@@ -341,6 +342,7 @@ void DataScene::change(std::size_t kind, std::size_t index, const ShownDatum& da
     known = datum;
     showLook({kind, index});
     box.reset();
+    alone.clear();
 }
 
 void DataScene::keepFirst(std::size_t kind, std::size_t count)
@@ -354,6 +356,7 @@ void DataScene::keepFirst(std::size_t kind, std::size_t count)
     }
     data.resize(count);
     box.reset();
+    alone.clear();
 }
 
 std::vector<Thing> DataScene::getThings() const
@@ -405,8 +408,14 @@ SoNode* DataScene::nodeOf(const Thing& thing) const
     const ShownDatum& datum = datumOf(thing);
     if (thing.part == ThingPart::WHOLE || !datum.ofParts)
         return datum.group;
-    return datum.ofParts->makeAlone(datum, thing.part, styleOf(style, idOf(thing.whole())),
-                                    style.dna);
+    std::shared_ptr<SoNode>& known = alone[thing];
+    if (!known) {
+        SoNode* const made = datum.ofParts->makeAlone(
+            datum, thing.part, styleOf(style, idOf(thing.whole())), style.dna);
+        made->ref();
+        known = {made, [](SoNode* node) { node->unref(); }};
+    }
+    return known.get();
 }
 
 ThingLook DataScene::lookOf(ThingKind kind, std::size_t datum, ThingPart part) const

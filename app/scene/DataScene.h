@@ -4,6 +4,7 @@
 
 #include <array>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -88,8 +89,8 @@ public:
     std::vector<Thing> getParts(const Thing& thing) const;
     /// Of what is there: around what is shown of it, or a part.
     SbBox3f boxOf(const Thing& thing) const;
-    /// Draws what is shown of it alone, or a part: its own nodes, or new ones without a reference,
-    /// which show what it is now.
+    /// Draws what is shown of it alone, or a part: its own nodes, or others that are kept until it
+    /// changes.
     SoNode* nodeOf(const Thing& thing) const;
     /// What a thing is, by which its look is known; that is there, or was once of its kind.
     ThingId idOf(const Thing& thing) const;
@@ -216,9 +217,10 @@ private:
     SoNodeSensor lightSensors[3];
     std::vector<Kind> kinds;
     std::shared_ptr<const Configuration> data;
-    std::unordered_map<const SoNode*, Thing> things; ///< by the groups of data
-    mutable std::optional<SbBox3f> box;              ///< nothing where it is to be found anew
-    SbBox3f room;                                    ///< for other frames
+    std::unordered_map<const SoNode*, Thing> things;        ///< by the groups of data
+    mutable std::map<Thing, std::shared_ptr<SoNode>> alone; ///< of parts, as long as they are so
+    mutable std::optional<SbBox3f> box; ///< nothing where it is to be found anew
+    SbBox3f room;                       ///< for other frames
     Side standardSide = Side::Z;
     std::optional<Colouring> colouring;
     bool coarse = false;

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <system_error>
 
 #include <strandview/formats/text/wording.h>
 
@@ -21,7 +22,15 @@ namespace fs = std::filesystem;
 // Far more than all that anybody chooses.
 const std::uintmax_t LONGEST_SESSION = 64 << 20;
 
-fs::path folderOf(const std::string& name) { return fs::absolute(name).parent_path(); }
+// Or as it is, where the folder that the program runs in is gone.
+fs::path absoluteOf(const std::string& name)
+{
+    std::error_code error;
+    const fs::path path = fs::absolute(name, error);
+    return error ? fs::path(name) : path;
+}
+
+fs::path folderOf(const std::string& name) { return absoluteOf(name).parent_path(); }
 
 /// Calls `change` with every name of a file in a session.
 template <typename Change>
@@ -39,7 +48,8 @@ void changeNames(Session& session, Change change)
 // The shortest that leads there from where the program runs.
 std::string fromHere(const fs::path& path)
 {
-    const fs::path relative = path.lexically_relative(fs::current_path());
+    std::error_code error; // then there is none that is shorter
+    const fs::path relative = path.lexically_relative(fs::current_path(error));
     const bool isBelow = !relative.empty() && *relative.begin() != "..";
     return (isBelow ? relative : path).string();
 }
@@ -64,7 +74,7 @@ std::string saveSession(Session session, const GoOn& goOn)
     }
     const fs::path folder = folderOf(name);
     changeNames(session, [&folder](const std::string& file) {
-        const fs::path path = fs::absolute(file).lexically_normal();
+        const fs::path path = absoluteOf(file).lexically_normal();
         const fs::path relative = path.lexically_relative(folder.lexically_normal());
         return (relative.empty() ? path : relative).generic_string();
     });

@@ -5,9 +5,11 @@
 #include <functional>
 
 #include <Inventor/nodes/SoCube.h>
+#include <Inventor/nodes/SoDrawStyle.h>
 #include <Inventor/nodes/SoMaterial.h>
 #include <Inventor/nodes/SoSeparator.h>
 #include <Inventor/nodes/SoTransparencyType.h>
+#include <Inventor/sensors/SoNodeSensor.h>
 #include <QColor>
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -274,6 +276,36 @@ TEST(Picture, IsTheSameWhenOthersDrawBetweenItsTiles)
     EXPECT_EQ(PictureWriter().draw(scene, picture, between, nullptr, stop), PICTURE_STOPPED);
     EXPECT_EQ(asked, 2);
     other->unref();
+    scene->unref();
+}
+
+TEST(Picture, KeepsWhatASceneDropsBetweenItsTilesUntilItIsDrawn)
+{
+    initialiseSceneOnce();
+    auto* scene = new SoGeneralScene;
+    scene->ref();
+    auto* group = new SoSeparator;
+    scene->addChild(group);
+    auto* lines = new SoDrawStyle;
+    lines->lineWidth = 2;
+    group->addChild(lines);
+    group->addChild(new SoCube);
+    bool isGone = false;
+    SoNodeSensor sensor;
+    sensor.setDeleteCallback([](void* gone, SoSensor*) { *static_cast<bool*>(gone) = true; },
+                             &isGone);
+    sensor.attach(lines);
+    const Picture picture{"", 90, 60, 2, {1, 1, 1}, false, CameraRequest(), 0, DPI_OF_PIXELS, 6000};
+    bool wasGone = false;
+    const auto drop = [&](double /*done*/) {
+        group->removeAllChildren();
+        wasGone = isGone;
+        return false;
+    };
+    QImage image;
+    EXPECT_EQ(PictureWriter().draw(scene, picture, image, nullptr, drop), PICTURE_STOPPED);
+    EXPECT_FALSE(wasGone);
+    EXPECT_TRUE(isGone);
     scene->unref();
 }
 

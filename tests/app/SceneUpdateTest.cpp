@@ -1323,6 +1323,7 @@ TEST_F(SceneUpdateTest, TheNodesOfAStrandCoverWhatItCoversInTheScene)
                         different += isCovered != (inScene.getColour(x, y) != BLACK);
                     });
                     EXPECT_GT(covered, 30);
+                    EXPECT_EQ(scene->nodeOf(part), scene->nodeOf(part)) << "not made anew";
                     const bool hasPairs = kind == DNAS && options.dna.pairBoxes;
                     if (!hasPairs) { // which no strand has
                         EXPECT_LT(different, covered / 50);

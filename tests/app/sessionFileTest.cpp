@@ -82,6 +82,23 @@ TEST_F(SessionFileTest, WhatIsComparedWithIsNamedAsFilesAreAndTheFirstFrameIsNon
     EXPECT_EQ(readSession(folder.path("b.strandview"), fault)->style.compare, "first");
 }
 
+TEST_F(SessionFileTest, OneIsReadWhereTheFolderThatTheProgramRunsInIsGone)
+{
+    const std::string rod = folder.write("rod.txt", ROD);
+    ASSERT_EQ(save(rod, folder.path("a.strandview")), "");
+    const fs::path before = fs::current_path();
+    fs::create_directory(folder.path("gone"));
+    fs::current_path(folder.path("gone"));
+    fs::remove(folder.path("gone"));
+    const auto read = readSession(folder.path("a.strandview"), fault);
+    const auto unnamed = readSession("a.strandview", fault);
+    fs::current_path(before);
+    ASSERT_TRUE(read);
+    EXPECT_EQ(read->files.at(0).name, rod);
+    EXPECT_FALSE(unnamed);
+    EXPECT_THAT(fault, HasSubstr("a.strandview"));
+}
+
 TEST_F(SessionFileTest, NothingIsWrittenOfWhatCannotBeRead)
 {
     const std::string missing = folder.path("missing.txt");
