@@ -541,16 +541,17 @@ void MainWindow::pick(const SoPickedPoint& picked)
     ownedViewer->hasPicked = true;
     if (!ownedViewer->isClick)
         return;
+    const double pixel = viewer->getGLWidget()->devicePixelRatioF() /
+                         std::max(viewer->getCameraZoom(), 1e-300); // in the scene
+    const PickedPlace place = scene->placeOf(picked, SNAP * pixel);
     if (thingsDock->isVisible()) {
-        things->pick(scene->findPart(scene->placeOf(picked)), ownedViewer->isShiftDown);
+        things->pick(scene->findPart(place), ownedViewer->isShiftDown);
         if (ownedViewer->isShiftDown && !placeDock->isVisible()) // or it measures as well
             return;
     }
-    const double pixel = viewer->getGLWidget()->devicePixelRatioF() /
-                         std::max(viewer->getCameraZoom(), 1e-300); // in the scene
-    places->add(scene->placeOf(picked, SNAP * pixel), ownedViewer->isShiftDown);
+    places->add(place, ownedViewer->isShiftDown);
     statusText->tell(places->getTold());
-    if (const auto chosen = curvePlaceOf(scene->placeOf(picked)))
+    if (const auto chosen = curvePlaceOf(place))
         curves->choose(*chosen);
 }
 

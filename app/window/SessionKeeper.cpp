@@ -5,6 +5,7 @@
 
 #include <QtConcurrent>
 
+#include "request/print.h"
 #include "session/fingerprint.h"
 #include "session/sessionFile.h"
 
@@ -31,8 +32,14 @@ SessionKeeper::~SessionKeeper()
 {
     *stopsFinding = true;
     saving.waitForFinished(); // who has saved and closes has it saved
+    const auto tellFailed = [](const std::string& failure) {
+        if (!failure.empty()) // there is no window any more that could
+            tell("the session is not saved: " + failure);
+    };
+    if (isSaving)
+        tellFailed(saving.result());
     if (next)
-        saveSession(*next, [] { return true; });
+        tellFailed(saveSession(*next, [] { return true; }));
 }
 
 void SessionKeeper::save(const Session& session)

@@ -207,6 +207,23 @@ TEST_F(SessionKeeperTest, WhatIsBeingSavedWhenItIsClosedIsSaved)
     EXPECT_TRUE(fs::exists(folder.path("last.strandview")));
 }
 
+TEST_F(SessionKeeperTest, WhatCannotBeSavedWhenItIsClosedIsTold)
+{
+    Session session;
+    session.files = {{folder.path("missing.txt"), 0, ""}};
+    testing::internal::CaptureStderr();
+    {
+        SessionKeeper keeper;
+        for (const char* name : {"first.strandview", "last.strandview"}) {
+            session.name = folder.path(name);
+            keeper.save(session);
+        }
+    }
+    const std::string line = "strandview: the session is not saved: " + folder.path("missing.txt");
+    EXPECT_THAT(testing::internal::GetCapturedStderr(),
+                testing::MatchesRegex(line + ": [^\n]*\n" + line + ": [^\n]*\n"));
+}
+
 TEST_F(SessionKeeperTest, APictureWithoutTheColoursThatAreSwitchedOffIsThatOfSessionAndCommand)
 {
     options.colourBy = "curvature";
