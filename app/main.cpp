@@ -90,7 +90,7 @@ int renderStill(const Options& options)
     ReadReport report;
     TerminalProgress progress;
     std::optional<Configuration> data = readFiles(options.files, options, report, progress);
-    if (data && report.frames > 1 && canBeReadAgain(options.files))
+    if (data && report.frames > 1 && !findReadOnce(options.files))
         return renderSeries(options);
     // The end of the process gives its memory back at once, a long DNA's nodes one by one: a
     // seventh of the time.
@@ -206,7 +206,7 @@ int showWindow(const Options& options)
     const auto load = [](const std::vector<std::string>& files, const Options& asked,
                          ReadReport& report, Progress& progress) {
         return prepareScene(files, asked, report, progress,
-                            canBeReadAgain(files) ? Opening::AT_ONCE : Opening::WHOLE);
+                            findReadOnce(files) ? Opening::WHOLE : Opening::AT_ONCE);
     };
     const auto open = [](const std::vector<std::string>& files, const Options& asked,
                          ReadReport& report, Progress& progress) {

@@ -145,13 +145,16 @@ std::optional<Configuration> readFrame(const std::vector<std::string>& files,
 
 } // namespace
 
-bool canBeReadAgain(const std::vector<std::string>& files)
+std::optional<std::string> findReadOnce(const std::vector<std::string>& files)
 {
-    return std::all_of(files.begin(), files.end(), [](const std::string& file) {
+    const auto found = std::find_if(files.begin(), files.end(), [](const std::string& file) {
         std::error_code unknown;
-        return std::filesystem::is_regular_file(file, unknown) ||
-               std::filesystem::is_directory(file, unknown);
+        const std::filesystem::file_status status = std::filesystem::status(file, unknown);
+        return file == "-" ||
+               (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status) &&
+                !std::filesystem::is_directory(status));
     });
+    return found == files.end() ? std::nullopt : std::optional(*found);
 }
 
 ReadOptions readOptionsOf(const Options& options, std::function<bool(double share)> goOn)

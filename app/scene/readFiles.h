@@ -18,8 +18,9 @@ namespace strandview {
 
 class Progress;
 
-/// Whether they are files or folders, which give the same once more; pipes do not.
-bool canBeReadAgain(const std::vector<std::string>& files);
+/// The first of them that can be read but once, such as standard input, "-", and pipes. Files and
+/// folders can be read again, also those that are not there now.
+std::optional<std::string> findReadOnce(const std::vector<std::string>& files);
 
 /// What the readers are to do, and ask whether to go on.
 ReadOptions readOptionsOf(const Options& options, std::function<bool(double share)> goOn);

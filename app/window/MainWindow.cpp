@@ -122,16 +122,6 @@ void forgetTyping()
         number->setValue(number->value());
 }
 
-// The first of them that can be read but once, as standard input and pipes.
-std::optional<std::string> findReadOnce(const std::vector<std::string>& files)
-{
-    const auto found = std::find_if(files.begin(), files.end(), [](const std::string& file) {
-        const QFileInfo info(QString::fromStdString(file));
-        return file == "-" || (info.exists() && !info.isFile() && !info.isDir());
-    });
-    return found == files.end() ? std::nullopt : std::optional(*found);
-}
-
 // "waiting for rod.txt:3: found 2 fields, expected 3", of a file that is named at the beginning.
 Told toldOfWaiting(const std::string& fault, const std::vector<std::string>& files)
 {
@@ -796,7 +786,7 @@ void MainWindow::saveSession(const QString& file)
 {
     if (!scene)
         return;
-    if (!canBeReadAgain(shownFiles)) {
+    if (findReadOnce(shownFiles)) {
         tellFailure(this, "Cannot save",
                     "found data of standard input or a pipe, expected files, which a session can "
                     "name");
@@ -849,7 +839,7 @@ void MainWindow::beginToPlay(const ReadReport& report, Start start)
     toldOnce.clear();
     tellOnce(report.notices);
     const bool isSeries = report.frames > 1 || options.series.follow;
-    if (!isSeries || !seriesOpener || !canBeReadAgain(shownFiles))
+    if (!isSeries || !seriesOpener || findReadOnce(shownFiles))
         return;
     Options ofFrames = options;
     ofFrames.colourIfPossible = true; // or this file would not be shown

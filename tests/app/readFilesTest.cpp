@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include <gmock/gmock.h>
+#include <sys/stat.h>
 
 #include "scene/Progress.h"
 #include "support/StoppingAt.h"
@@ -46,6 +47,16 @@ protected:
 };
 
 } // namespace
+
+TEST_F(ReadFilesTest, StandardInputAndPipesAreReadButOnceFilesAndFoldersAgain)
+{
+    EXPECT_EQ(findReadOnce({}), std::nullopt);
+    EXPECT_EQ(findReadOnce({still, folder.path(), folder.path("gone.json")}), std::nullopt);
+    EXPECT_EQ(findReadOnce({still, "-", series}), "-");
+    const std::string pipe = folder.path("pipe");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    EXPECT_EQ(findReadOnce({still, pipe, "-"}), pipe);
+}
 
 TEST_F(ReadFilesTest, WithoutAFrameTheFirstOfEverySeriesIsReadAndTold)
 {
