@@ -25,6 +25,7 @@
 #include "request/parseNumber.h"
 #include "request/settings.h"
 #include "request/thingTexts.h"
+#include "request/wording.h"
 #include "request/writeCommand.h"
 #include "session/sessionFile.h"
 
@@ -36,6 +37,9 @@ namespace {
 const std::set<std::string> NOT_OF_LOOK{
     "render", "frame", "frames", "series", "shard",  "overwrite", "list-frames", "print-camera",
     "jobs",   "fps",   "cache",  "turn",   "follow", "watch",     "beside",      "no-defaults"};
+
+// What is done instead of opening a window.
+const char* const WITHOUT_WINDOW[] = {"--render", "--export", "--info", "--list-scalars"};
 
 // What the window does not change: how the files are read.
 const std::set<std::string> OF_READING{"normalise", "closed",  "frame-rows", "series",
@@ -60,7 +64,7 @@ void addSize(CLI::App& app, Options& options)
             return;
         const auto pixels = parsePixels(text);
         const std::string refusal =
-            "found '" + text + "', expected WxH or, in millimetres, WxHmm, " + wordsOfPictureSize();
+            found(text, "WxH or, in millimetres, WxHmm, " + wordsOfPictureSize());
         if (!pixels)
             throw CLI::ValidationError("--size", refusal);
         const auto [width, height] = *pixels;
@@ -114,9 +118,9 @@ CLI::Option* addCount(CLI::App& app, const std::string& name, Target& count, int
     const auto parse = [=, &count](const std::string& text) {
         const std::optional<int> value = parseNumber<int>(text);
         if (!value || *value < smallest || *value > largest) {
-            throw CLI::ValidationError(name, "found '" + text + "', expected a whole number from " +
-                                                 std::to_string(smallest) + " to " +
-                                                 std::to_string(largest));
+            throw CLI::ValidationError(name, found(text, "a whole number from " +
+                                                             std::to_string(smallest) + " to " +
+                                                             std::to_string(largest)));
         }
         count = *value;
     };
@@ -134,8 +138,7 @@ CLI::Option* addParsed(CLI::App& app, const std::string& name, Target& target,
         [name, &target, parse, expected](const std::string& text) {
             const std::optional<Value> value = parse(text);
             if (!value)
-                throw CLI::ValidationError(name,
-                                           "found " + inQuotes(text) + ", expected " + expected);
+                throw CLI::ValidationError(name, found(text, expected));
             target = *value;
         },
         help);
@@ -199,8 +202,7 @@ void addCamera(CLI::App& app, Options& options)
         const auto* named = std::find_if(SIDES.begin(), SIDES.end(),
                                          [&text](const NamedSide& s) { return text == s.name; });
         if (named == SIDES.end()) {
-            throw CLI::ValidationError("--view",
-                                       "found '" + text + "', expected one of x -x y -y z -z");
+            throw CLI::ValidationError("--view", found(text, "one of x -x y -y z -z"));
         }
         options.camera.side = named->side;
     };
@@ -218,7 +220,7 @@ void addCamera(CLI::App& app, Options& options)
         std::string expected;
         options.camera.numbers = parseCamera(text, &expected);
         if (!options.camera.numbers)
-            throw CLI::ValidationError("--camera", "found '" + text + "', expected " + expected);
+            throw CLI::ValidationError("--camera", found(text, expected));
     };
     CLI::Option* camera =
         app.add_option_function<std::string>("--camera", parseNumbers,
@@ -240,10 +242,10 @@ void addMeasurements(CLI::App& app, Options& options)
             const std::optional<Measurement> measurement = parseNamedMeasurement(text);
             if (!measurement)
                 throw CLI::ValidationError(
-                    "--measure", "found " + inQuotes(text) +
-                                     ", expected places with commas between them, such as 'rod "
-                                     "1:0,rod 1:10', or what is measured before them, such as "
-                                     "'angle rod 1:0,rod 1:5,rod 1:10'");
+                    "--measure",
+                    found(text, "places with commas between them, such as 'rod "
+                                "1:0,rod 1:10', or what is measured before them, such as "
+                                "'angle rod 1:0,rod 1:5,rod 1:10'"));
             options.measurements.push_back(*measurement);
         }
     };
@@ -262,8 +264,7 @@ void addWindowPicture(CLI::App& app, CLI::Option* render, Options& options)
     const auto parse = [&options](const std::vector<std::string>& texts) {
         const std::optional<double> seconds = parseNumber<double>(texts[0]);
         if (!seconds || *seconds < 0 || *seconds > 1e6) {
-            throw CLI::ValidationError("--screenshot-after",
-                                       "found '" + texts[0] + "', expected seconds from 0 on");
+            throw CLI::ValidationError("--screenshot-after", found(texts[0], "seconds from 0 on"));
         }
         options.windowPictureAfter = *seconds;
         options.windowPicture = texts[1];
@@ -287,7 +288,7 @@ void addBeside(CLI::App& app, Options& options)
                "second "
                "view of the window")
             ->type_name("FILE|first|same");
-    for (const char* other : {"--render", "--export", "--info", "--list-scalars"})
+    for (const char* other : WITHOUT_WINDOW)
         beside->excludes(app.get_option(other));
 }
 
@@ -295,7 +296,7 @@ void addWatch(CLI::App& app, Options& options)
 {
     CLI::Option* watch = app.add_flag("--watch", options.watch,
                                       "Read the files again in the window whenever they change");
-    for (const char* other : {"--render", "--export", "--info", "--list-scalars"})
+    for (const char* other : WITHOUT_WINDOW)
         watch->excludes(app.get_option(other));
 }
 

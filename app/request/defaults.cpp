@@ -14,20 +14,11 @@
 #include <strandview/formats/text/wording.h>
 
 #include "request/settings.h"
+#include "request/wording.h"
 
 namespace strandview {
 
 namespace {
-
-const char* const BLANKS = " \t\r";
-
-std::string trimmed(const std::string& text)
-{
-    const std::size_t first = text.find_first_not_of(BLANKS);
-    if (first == std::string::npos)
-        return "";
-    return text.substr(first, text.find_last_not_of(BLANKS) + 1 - first);
-}
 
 // Without its quotation marks.
 std::string unquoted(const std::string& text)
@@ -40,7 +31,7 @@ std::string unquoted(const std::string& text)
 std::string quoted(std::string text)
 {
     std::replace(text.begin(), text.end(), '\n', ' '); // of a line
-    const bool isPlain = !text.empty() && text == trimmed(text) && text.front() != '"';
+    const bool isPlain = !text.empty() && text == stripped(text) && text.front() != '"';
     return isPlain ? text : "\"" + text + "\"";
 }
 
@@ -67,14 +58,14 @@ std::string readLines(const std::string& file, std::vector<SettingText>& texts)
     std::string line;
     for (int number = 1; std::getline(lines, line); ++number) {
         const std::string place = file + ":" + std::to_string(number);
-        line = trimmed(line);
+        line = stripped(line);
         if (line.empty() || line.front() == '#')
             continue;
         const std::size_t equals = line.find('=');
         if (equals == std::string::npos)
-            return place + ": found " + inQuotes(line) + ", expected name = value";
+            return place + ": " + found(line, "name = value");
         texts.push_back(
-            {trimmed(line.substr(0, equals)), unquoted(trimmed(line.substr(equals + 1))), place});
+            {stripped(line.substr(0, equals)), unquoted(stripped(line.substr(equals + 1))), place});
     }
     return lines.eof() ? "" : file + ": " + std::strerror(errno);
 }

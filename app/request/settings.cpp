@@ -13,17 +13,13 @@
 #include "request/limits.h"
 #include "request/parseNumber.h"
 #include "request/thingTexts.h"
+#include "request/wording.h"
 
 namespace strandview {
 
 namespace {
 
 using Text = std::optional<std::string>;
-
-std::string found(const std::string& text, const std::string& expected)
-{
-    return "found " + inQuotes(text) + ", expected " + expected;
-}
 
 // Each kind of member, once: as text, from text and left open.
 
@@ -673,8 +669,7 @@ std::vector<Setting> makeSettings()
          "How one thing looks, as often as there are such: 'rod 2: hidden', 'rods 3-5: colour=red, "
          "name=Left arm', 'others: hidden'; things are rod, birod, marker, arrow, DNA and frame, "
          "counted from 1 over all files, bases, those without a partner, and strands: 'DNA 1 "
-         "strand 2: "
-         "hidden', 'birod 1 average: colour=red'",
+         "strand 2: hidden', 'birod 1 average: colour=red'",
          &valueOfThings, &readAllThings, &clear<&Request::things>}};
 }
 

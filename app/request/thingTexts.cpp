@@ -12,6 +12,7 @@
 
 #include "request/parseNumber.h"
 #include "request/settings.h"
+#include "request/wording.h"
 
 namespace strandview {
 
@@ -32,11 +33,6 @@ const NamedKind KINDS[] = {{ThingKind::ROD, "rod"},       {ThingKind::BIROD, "bi
                            {ThingKind::MARKER, "marker"}, {ThingKind::ARROW, "arrow"},
                            {ThingKind::DNA, "DNA"},       {ThingKind::LONE_BASES, "bases"},
                            {ThingKind::FRAME, "frame"}};
-
-std::string found(const std::string& text, const std::string& expected)
-{
-    return "found " + inQuotes(text) + ", expected " + expected;
-}
 
 // What can be said of a thing's look besides whether it is there
 
@@ -222,20 +218,12 @@ std::size_t findUnquoted(const std::string& text, char wanted, std::size_t from)
     return text.size();
 }
 
-std::string trimmed(const std::string& text)
-{
-    const std::size_t first = text.find_first_not_of(BLANKS);
-    return first == std::string::npos
-               ? ""
-               : text.substr(first, text.find_last_not_of(BLANKS) + 1 - first);
-}
-
 std::vector<std::string> splitAt(char separator, const std::string& text)
 {
     std::vector<std::string> parts;
     for (std::size_t from = 0; from <= text.size();) {
         const std::size_t end = findUnquoted(text, separator, from);
-        parts.push_back(trimmed(text.substr(from, end - from)));
+        parts.push_back(stripped(text.substr(from, end - from)));
         from = end + 1;
     }
     return parts;
@@ -243,7 +231,7 @@ std::vector<std::string> splitAt(char separator, const std::string& text)
 
 std::string quoted(const std::string& text)
 {
-    if (!text.empty() && text == trimmed(text) && text.find_first_of(",;:=\"\\") == text.npos)
+    if (!text.empty() && text == stripped(text) && text.find_first_of(",;:=\"\\") == text.npos)
         return text;
     std::string all = "\"";
     for (const char c : text)
@@ -304,10 +292,10 @@ std::optional<ThingPart> parsePart(const std::string& text, ThingKind kind)
 std::optional<Range> parseRange(const std::string& text)
 {
     const std::size_t end = std::min(text.find_first_of(" \t"), text.size());
-    const std::string word = inLowerCase(text.substr(0, end)), behind = trimmed(text.substr(end));
+    const std::string word = inLowerCase(text.substr(0, end)), behind = stripped(text.substr(end));
     const std::size_t endOfNumbers =
         std::min(behind.find_first_not_of("0123456789- \t"), behind.size());
-    const std::string numbers = trimmed(behind.substr(0, endOfNumbers));
+    const std::string numbers = stripped(behind.substr(0, endOfNumbers));
     const auto* const known =
         std::find_if(std::begin(KINDS), std::end(KINDS), [&word](const NamedKind& kind) {
             const std::string name = inLowerCase(kind.name);
@@ -321,9 +309,9 @@ std::optional<Range> parseRange(const std::string& text)
     if (known->kind == ThingKind::LONE_BASES)
         return numbers.empty() ? std::optional(Range{known->kind}) : std::nullopt;
     const std::size_t dash = std::min(numbers.find('-'), numbers.size());
-    const std::optional<int> first = parseNumber<int>(trimmed(numbers.substr(0, dash)));
+    const std::optional<int> first = parseNumber<int>(stripped(numbers.substr(0, dash)));
     const std::optional<int> last =
-        dash == numbers.size() ? first : parseNumber<int>(trimmed(numbers.substr(dash + 1)));
+        dash == numbers.size() ? first : parseNumber<int>(stripped(numbers.substr(dash + 1)));
     if (!first || !last || *first < 1 || *last < *first || *last > MOST_THINGS)
         return std::nullopt;
     return Range{known->kind, std::size_t(*first) - 1, std::size_t(*last) - 1, *part};
@@ -358,15 +346,15 @@ std::string readItem(const std::string& item, const ThingId& thing, ThingLook& l
         return "";
     }
     const std::size_t equals = findUnquoted(item, '=', 0);
-    std::string key = trimmed(item.substr(0, equals));
+    std::string key = stripped(item.substr(0, equals));
     const bool isSaid = equals < item.size();
     const bool isNo = !isSaid && (key.rfind("no ", 0) == 0 || key.rfind("no-", 0) == 0);
     if (isNo)
-        key = trimmed(key.substr(3));
+        key = stripped(key.substr(3));
     const Attribute* const attribute = findAttribute(key, thing);
     if (!attribute || isSaid != (attribute->values != nullptr))
         return found(item, listOfAttributes(thing));
-    const std::string written = isSaid ? trimmed(item.substr(equals + 1)) : isNo ? "off" : "on";
+    const std::string written = isSaid ? stripped(item.substr(equals + 1)) : isNo ? "off" : "on";
     const Text text = unquoted(written);
     const std::string fault =
         text ? attribute->read(*text, look) : found(written, "a second quotation mark, at the end");
@@ -376,7 +364,7 @@ std::string readItem(const std::string& item, const ThingId& thing, ThingLook& l
 std::string readEntry(const std::string& entry, ThingLooks& looks)
 {
     const std::size_t colon = std::min(entry.find(':'), entry.size());
-    const std::string which = trimmed(entry.substr(0, colon));
+    const std::string which = stripped(entry.substr(0, colon));
     const std::optional<Range> range = parseRange(which);
     if (colon == entry.size() || (!range && which != OTHERS))
         return found(colon == entry.size() ? entry : which,
@@ -387,7 +375,7 @@ std::string readEntry(const std::string& entry, ThingLooks& looks)
     std::vector<std::string> items = splitAt(',', entry.substr(colon + 1));
     if (which == OTHERS) {
         if (items.size() != 1 || (items[0] != "hidden" && items[0] != "shown"))
-            return found(trimmed(entry.substr(colon + 1)), "hidden or shown of others");
+            return found(stripped(entry.substr(colon + 1)), "hidden or shown of others");
         looks.areOthersHidden = items[0] == "hidden";
         return "";
     }
@@ -477,7 +465,7 @@ std::string readThings(const std::vector<std::string>& texts, ThingLooks& looks)
 {
     ThingLooks next = looks;
     for (const std::string& text : texts) {
-        if (trimmed(text).empty())
+        if (stripped(text).empty())
             continue;
         for (const std::string& entry : splitAt(';', text)) {
             const std::string fault = readEntry(entry, next);
