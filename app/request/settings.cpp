@@ -718,15 +718,17 @@ std::vector<std::string> argumentsOf(const StyleRequest& request)
 {
     std::vector<std::string> arguments;
     for (const Setting& setting : settings()) {
+        const std::string name = setting.name;
+        if (setting.kind == SettingKind::THINGS) { // each by itself
+            for (const std::string& thing : textsOf(request.things))
+                arguments.insert(arguments.end(), {"--" + name, thing});
+            continue;
+        }
         const Text text = setting.write(request);
         if (!text || !setting.isOfUse(request))
             continue;
-        const std::string name = setting.name;
         if (setting.kind == SettingKind::SWITCH) {
             arguments.push_back((*text == "on" ? "--" : "--no-") + name);
-        } else if (setting.kind == SettingKind::THINGS) {
-            for (const std::string& thing : textsOf(request.things))
-                arguments.insert(arguments.end(), {"--" + name, thing});
         } else {
             arguments.push_back("--" + name);
             arguments.push_back(*text);

@@ -45,6 +45,7 @@ struct Attribute
     Text (*value)(const ThingLook& look);
     std::string (*read)(const std::string& text, ThingLook& look);
     void (*clear)(ThingLook& look);
+    void (*copyIfSaid)(const ThingLook& said, ThingLook& look);
     bool needsNodes; // whether only new nodes can show it
     bool ofStrands;  // whether a strand may have it, too
 };
@@ -77,6 +78,13 @@ void clear(ThingLook& look)
     look.*ofLook = std::nullopt;
 }
 
+template <auto ofLook>
+void copyIfSaid(const ThingLook& said, ThingLook& look)
+{
+    if (said.*ofLook)
+        look.*ofLook = said.*ofLook;
+}
+
 template <auto ofLook, auto ofRequest, const char* const& setting>
 Attribute bySetting(const char* name, const std::set<ThingKind>& kinds, bool needsNodes = true,
                     bool ofStrands = false)
@@ -88,6 +96,7 @@ Attribute bySetting(const char* name, const std::set<ThingKind>& kinds, bool nee
             &valueBySetting<ofLook, ofRequest, setting>,
             &readBySetting<ofLook, ofRequest, setting>,
             &clear<ofLook>,
+            &copyIfSaid<ofLook>,
             needsNodes,
             ofStrands};
 }
@@ -121,7 +130,7 @@ std::vector<Attribute> makeAttributes()
              look.name = text;
              return std::string();
          },
-         &clear<&Look::name>, false, true},
+         &clear<&Look::name>, &copyIfSaid<&Look::name>, false, true},
         bySetting<&Look::colour, &All::tubeColour, TUBE_COLOUR>("colour", coloured, false, true),
         bySetting<&Look::radius, &All::radius, RADIUS>("radius", tubes),
         bySetting<&Look::ribbonWidth, &All::ribbonWidth, RIBBON_WIDTH>("ribbon-width", ribbons),
@@ -361,6 +370,16 @@ std::string readItem(const std::string& item, const ThingId& thing, ThingLook& l
     return fault.empty() ? "" : key + ": " + fault;
 }
 
+// What a text says of a look, beside what is said of it already.
+void add(const ThingLook& said, ThingLook& look)
+{
+    if (said.hidden)
+        look.hidden = said.hidden;
+    look.isDeleted = look.isDeleted || said.isDeleted;
+    for (const Attribute& attribute : attributes())
+        attribute.copyIfSaid(said, look);
+}
+
 std::string readEntry(const std::string& entry, ThingLooks& looks)
 {
     const std::size_t colon = std::min(entry.find(':'), entry.size());
@@ -384,11 +403,10 @@ std::string readEntry(const std::string& entry, ThingLooks& looks)
         if (!fault.empty())
             return fault;
     }
-    for (std::size_t i = range->first; i <= range->last; ++i) {
-        const ThingId thing{range->kind, i, range->part};
-        ThingLook& look = looks.ofThings[thing];
-        for (const std::string& item : items)
-            readItem(item, thing, look);
+    auto next = looks.ofThings.lower_bound({range->kind, range->first, range->part});
+    for (std::size_t i = range->first; i <= range->last; ++i, ++next) {
+        next = looks.ofThings.try_emplace(next, ThingId{range->kind, i, range->part});
+        add(said, next->second);
     }
     return "";
 }

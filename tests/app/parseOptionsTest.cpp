@@ -55,6 +55,14 @@ void expectRefused(const std::vector<const char*>& arguments, const std::string&
     EXPECT_EQ(parsed.error.find('\n'), parsed.error.size() - 1) << "one line";
 }
 
+TEST(ParseOptions, AValueOfSeveralLinesIsToldInOne)
+{
+    for (const char* option : {"--view", "--size", "--dpi", "--camera", "--up", "--measure"})
+        expectRefused({"--render", "a.png", option, "a\nb", "rod.txt"},
+                      "found 'a\\x0ab', expected");
+    expectRefused({"--screenshot-after", "a\nb", "a.png", "rod.txt"}, "found 'a\\x0ab', expected");
+}
+
 TEST(ParseOptions, WhatIsNotGivenIsLeftToTheData)
 {
     const Options options = accepted({"rod.txt", "-"});

@@ -222,6 +222,20 @@ TEST(ThingTextsTest, ASettingThatAThingHasOfItsOwnIsSetReadAndClearedByItsName)
     EXPECT_EQ(ownValue("tube-colour", look), std::nullopt);
 }
 
+TEST(ThingTextsTest, WhatIsSaidLaterIsAddedToEachThingOfARange)
+{
+    const ThingLooks looks =
+        read("rods 2-4: hidden, name=arm, radius=2, no tube; birod 1: name=leg; rods 1-3: shown, "
+             "radius=3, colour=red; rods 4-5: deleted; rods 3-5: two-sided");
+    EXPECT_THAT(textsOf(looks),
+                ElementsAre("rod 1: colour=#ff0000, radius=3",
+                            "rod 2: name=arm, colour=#ff0000, radius=3, no tube",
+                            "rod 3: name=arm, colour=#ff0000, radius=3, no tube, two-sided",
+                            "rod 4: hidden, deleted, name=arm, radius=2, no tube, two-sided",
+                            "rod 5: deleted, two-sided", "birod 1: name=leg"));
+    EXPECT_EQ(looks.ofThings.size(), 6u);
+}
+
 TEST(ThingTextsTest, OfTextsOfWhichOneIsWrongNothingIsTaken)
 {
     ThingLooks looks = read("rod 2: hidden");

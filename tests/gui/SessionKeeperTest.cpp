@@ -19,6 +19,7 @@
 #include <gmock/gmock.h>
 
 #include "DataWindowTest.h"
+#include "User.h"
 #include "request/settings.h"
 #include "scene/DataScene.h"
 #include "support/realInput.h"
@@ -190,6 +191,23 @@ TEST_F(SessionKeeperTest, OneThatIsSavedWhenOthersAreShownIsNotTheirs)
     QTest::qWait(200); // until it has told that it is saved
     EXPECT_EQ(window->windowTitle().toStdString(), folder.path("other.txt") + " - strandview");
     EXPECT_EQ(window->getSession().name, "");
+}
+
+TEST_F(SessionKeeperTest, OfAFileThatIsGoneItTellsThatAndSavesNothing)
+{
+    ASSERT_NO_FATAL_FAILURE(openText(RODS, "rods.txt"));
+    fs::remove(folder.path("rods.txt"));
+    std::string told;
+    const auto box = [] { return qobject_cast<QMessageBox*>(QApplication::activeModalWidget()); };
+    const User user({{[&] { return box() && box()->isActiveWindow(); },
+                      [&] {
+                          told = box()->text().toStdString();
+                          pressRealKey("Return");
+                      }}});
+    window->saveSession(QString::fromStdString(work()));
+    ASSERT_TRUE(comesTo([&] { return user.isDone() && !QApplication::activeModalWidget(); }));
+    EXPECT_THAT(told, testing::HasSubstr(folder.path("rods.txt") + ": No such file or directory"));
+    EXPECT_FALSE(fs::exists(work()));
 }
 
 TEST_F(SessionKeeperTest, WhatIsBeingSavedWhenItIsClosedIsSaved)
