@@ -21,6 +21,7 @@
 #include "request/print.h"
 #include "scene/Progress.h"
 #include "scene/Stage.h"
+#include "scene/clipping.h"
 #include "scene/readFiles.h"
 
 namespace strandview {
@@ -258,6 +259,9 @@ int renderSeries(const Options& options)
         return fail("--between: " + interpolated->getRefusal(), interruption);
     if (!stage)
         return fail(report.error, interruption);
+    const std::string idleClip = findIdleClip(options, stage->shownRoom, stage->placement);
+    if (!idleClip.empty())
+        report.notices.push_back(idleClip);
     for (const std::string& notice : report.notices)
         tell(notice);
     FrameRenderer renderer(series, *stage, options);

@@ -10,6 +10,7 @@
 #include "scene/DataScene.h"
 #include "scene/Progress.h"
 #include "scene/SceneBuilder.h"
+#include "scene/clipping.h"
 #include "scene/prepareLook.h"
 #include "scene/readFiles.h"
 
@@ -48,11 +49,11 @@ auto withinMemory(ReadReport& report, Load load) -> decltype(load())
 }
 
 // Makes the nodes of what was prepared, if anything was; the scene keeps the data.
-SceneMaker makerOf(const std::shared_ptr<Prepared>& prepared)
+SceneMaker makerOf(const std::shared_ptr<Prepared>& prepared, const Options& options)
 {
     if (!prepared)
         return nullptr;
-    return [prepared](ReadReport& report, Progress& progress) {
+    return [prepared, options](ReadReport& report, Progress& progress) {
         return withinMemory(report, [&] {
             const auto data =
                 std::make_shared<const Configuration>(std::move(prepared->configuration));
@@ -60,8 +61,12 @@ SceneMaker makerOf(const std::shared_ptr<Prepared>& prepared)
             DataScene* const scene =
                 buildScene(*data, look.style, look.colouring ? &*look.colouring : nullptr,
                            std::move(look.geometry), progress, report.error);
-            if (scene)
-                scene->setData(data);
+            if (!scene)
+                return scene;
+            scene->setData(data);
+            const std::string idle = findIdleClip(options, scene->getBox(), scene->getPlacement());
+            if (!idle.empty() && report.frames <= 1) // the plane may cut those to come
+                report.notices.push_back(idle);
             return scene;
         });
     };
@@ -72,17 +77,22 @@ SceneMaker makerOf(const std::shared_ptr<Prepared>& prepared)
 SceneMaker prepareScene(const std::vector<std::string>& files, const Options& options,
                         ReadReport& report, Progress& progress, Opening opening)
 {
-    return makerOf(withinMemory(report, [&] {
-        return prepare(readFiles(files, options, report, progress, opening), options, report,
-                       progress);
-    }));
+    return makerOf(withinMemory(report,
+                                [&] {
+                                    return prepare(
+                                        readFiles(files, options, report, progress, opening),
+                                        options, report, progress);
+                                }),
+                   options);
 }
 
 DataScene* makeScene(Configuration configuration, const Options& options, ReadReport& report,
                      Progress& progress)
 {
-    const SceneMaker make = makerOf(withinMemory(
-        report, [&] { return prepare(std::move(configuration), options, report, progress); }));
+    const SceneMaker make = makerOf(
+        withinMemory(report,
+                     [&] { return prepare(std::move(configuration), options, report, progress); }),
+        options);
     DataScene* const scene = make ? make(report, progress) : nullptr;
     if (scene && options.measurements.empty()) // nobody asks for numbers
         scene->setData(nullptr);

@@ -3,11 +3,14 @@
 #define STRANDVIEW_APP_SCENE_CLIPPING_H
 
 #include <optional>
+#include <string>
 #include <utility>
 
+#include <Inventor/SbBox3f.h>
 #include <Inventor/SbPlane.h>
 
 #include "request/ClipPlane.h"
+#include "request/Options.h"
 
 namespace strandview {
 
@@ -25,6 +28,11 @@ boxOfData(const DataScene& scene);
 /// A plane in the scene, as Coin has it: its normal points to what stays. The plane has a
 /// distance.
 SbPlane planeInScene(const ClipPlane& plane, const Placement& placement);
+
+/// A line if the plane that the command line asks for lies beyond all that is in a box of the
+/// scene, such as "--clip has no effect: found data from -1 to 1 along its normal", or before all
+/// of it; otherwise nothing.
+std::string findIdleClip(const Options& options, const SbBox3f& box, const Placement& placement);
 
 } // namespace strandview
 

@@ -29,6 +29,7 @@ struct Shown
           rods(haveRods(data)),
           curves(rods || countSegments(data, options.dna) > 0),
           single(haveSingle(data.rods)),
+          seenThrough(dna || rods),
           tubes(curves && options.showTube),
           ribbons(rods && options.showRibbon.value_or(true)),
           frames(!data.dnas.empty() || !data.loneBases.empty() || !data.birods.empty() ||
@@ -50,9 +51,10 @@ struct Shown
     }
 
     bool dna;
-    bool rods;   ///< that may have a ribbon
-    bool curves; ///< those and backbones
-    bool single; ///< rods that may be closed
+    bool rods;        ///< that may have a ribbon
+    bool curves;      ///< those and backbones
+    bool single;      ///< rods that may be closed
+    bool seenThrough; ///< glyphs have transparencies of their own
     bool tubes, ribbons, frames;
     bool lit, wireframe;
     bool legend;
@@ -85,6 +87,7 @@ const Rule RULES[] = {{"--dna", &Shown::dna, "found no DNA"},
                       {"--ribbon-colour", &Shown::ribbons, "--no-ribbon hides the ribbons"},
                       {"--two-sided", &Shown::rods, "found no rods"},
                       {"--two-sided", &Shown::ribbons, "--no-ribbon hides the ribbons"},
+                      {"--transparency", &Shown::seenThrough, "found no rods and no DNA"},
                       {"--line-width", &Shown::wireframe, "only --shading wireframe has lines"},
                       {"--light-1", &Shown::lit, "only --shading lit has lights"},
                       {"--light-2", &Shown::lit, "only --shading lit has lights"},

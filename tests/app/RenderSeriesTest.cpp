@@ -347,6 +347,19 @@ TEST_F(RenderSeriesTest, ListsWhatWouldBeRendered)
     EXPECT_EQ(runProgram(STRANDVIEW_PROGRAM, {"--list-frames", points}).output, "0\t-\n");
 }
 
+TEST_F(RenderSeriesTest, APlaneThatCutsNoneOfTheFramesIsTold)
+{
+    const auto told = [&](const char* plane) {
+        const ProgramRun result = run({"--render", pattern("cut"), "--frames", "0:1", "--radius",
+                                       "0.1", "--clip", plane, series});
+        EXPECT_EQ(result.status, 0);
+        return result.error;
+    };
+    EXPECT_THAT(told("x:2.5"), HasSubstr("--clip has no effect: found data from "));
+    EXPECT_THAT(told("x:-2.5"), HasSubstr("--clip leaves nothing to see: found data from "));
+    EXPECT_THAT(told("x:1.6"), Not(HasSubstr("--clip"))) << "beyond the first, not the last";
+}
+
 TEST_F(RenderSeriesTest, APictureThatIsThereIsSkippedUnlessItWasMadeFromOtherThings)
 {
     const std::string out = pattern("out");

@@ -392,6 +392,30 @@ TEST_F(ClippingTest, FramesAndStylesToComeAreCutWhereTheFirstIs)
     EXPECT_GT(rightHalf(draw()), 100);
 }
 
+TEST(ClippingPlaceTest, APlaneThatLiesBeyondOrBeforeAllDataIsToldWithWhereTheyAre)
+{
+    const Placement placement{{100, 0, -20}, 0.5}; // of data from 98 to 104, 0 to 2 and -22 to -18
+    const SbBox3f box(-1, 0, -1, 2, 1, 1);
+    Options options;
+    const auto told = [&](const std::string& plane) {
+        options.clip = parseClipPlane(plane);
+        EXPECT_TRUE(options.clip) << plane;
+        return findIdleClip(options, box, placement);
+    };
+    EXPECT_EQ(told("x:1000"), "") << "nobody asked for it on the command line";
+    options.given = {"--clip"};
+    EXPECT_EQ(told("x:104.1"), "--clip has no effect: found data from 98 to 104 along its normal");
+    EXPECT_EQ(told("x:97.9"),
+              "--clip leaves nothing to see: found data from 98 to 104 along its normal");
+    EXPECT_EQ(told("-x:-97.9"),
+              "--clip has no effect: found data from -104 to -98 along its normal");
+    EXPECT_EQ(told("0,3,4:-17.7"),
+              "--clip leaves nothing to see: found data from -17.6 to -13.2 along its normal");
+    for (const char* plane : {"x", "x:98.1", "x:103.9", "-z:18.1", "y:1", "0,3,4:-14.3"})
+        EXPECT_EQ(told(plane), "") << plane;
+    EXPECT_EQ(findIdleClip(options, SbBox3f(), placement), "") << "of no data";
+}
+
 TEST(ClippingPlaceTest, APlaneInTheSceneIsWhereItIsInTheData)
 {
     const Placement placement{{1e6, -2e6, 5e5}, 1000};
