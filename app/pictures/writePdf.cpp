@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "pictures/writePdf.h"
 
+#include <charconv>
 #include <cmath>
 #include <cstddef>
 #include <cstdio>
@@ -10,6 +11,7 @@
 
 #include <QImage>
 
+#include "pictures/madeFrom.h"
 #include "pictures/writePng.h"
 
 namespace strandview {
@@ -83,9 +85,9 @@ std::string textOf(const QString& text)
     return digits + ">";
 }
 
-std::string entryOf(const char* name, const QString& text)
+std::string entryOf(const std::string& name, const QString& text)
 {
-    return text.isEmpty() ? "" : name + textOf(text);
+    return text.isEmpty() ? "" : "/" + name + textOf(text);
 }
 
 // A 72nd of an inch, of which there are whole pixels.
@@ -143,12 +145,31 @@ void writePdf(const QImage& any, const std::function<void(std::string_view)>& wr
     document.add("", "q " + width + " 0 0 " + height + " 0 0 cm /Picture Do Q");
     document.add(dictionaryOf(image, "DeviceRGB", 3) + (isTransparent ? "/SMask 7 0 R" : ""),
                  rows.view());
-    document.add(entryOf("/Title", any.text("Title")) + entryOf("/Subject", any.text("Command")) +
-                 entryOf("/Creator", any.text("Software")));
+    document.add(entryOf("Title", any.text("Title")) + entryOf("Subject", any.text("Command")) +
+                 entryOf("Creator", any.text("Software")) +
+                 entryOf(MADE_FROM, any.text(MADE_FROM)));
     if (isTransparent)
         document.add(dictionaryOf(image, "DeviceGray", 1),
                      compressRows(channelsOf(image, 3, QImage::Format_Grayscale8)).view());
     document.finish("/Root 1 0 R/Info 6 0 R");
+}
+
+std::string textOfPdf(std::string_view document, const std::string& name)
+{
+    const std::string before = "/" + name + "<FEFF";
+    const std::size_t entry = document.rfind(before);
+    if (entry == std::string_view::npos)
+        return "";
+    document.remove_prefix(entry + before.size());
+    QString text;
+    for (; document.find('>') >= 4 && document.size() > 4; document.remove_prefix(4)) {
+        unsigned unit = 0;
+        const auto read = std::from_chars(document.data(), document.data() + 4, unit, 16);
+        if (read.ptr != document.data() + 4)
+            return "";
+        text += QChar(ushort(unit));
+    }
+    return text.toStdString();
 }
 
 } // namespace strandview

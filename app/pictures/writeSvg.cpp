@@ -8,6 +8,7 @@
 #include <QString>
 #include <QXmlStreamWriter>
 
+#include "pictures/madeFrom.h"
 #include "pictures/writePng.h"
 
 namespace strandview {
@@ -41,6 +42,12 @@ void writeSvg(const QImage& image, const std::function<void(std::string_view)>& 
     xml.writeTextElement("title", image.text("Title"));
     xml.writeTextElement("desc", image.text("Command"));
     xml.writeComment(" " + image.text("Software").replace("--", "- -") + " ");
+    if (const QString from = image.text(MADE_FROM); !from.isEmpty()) {
+        xml.writeStartElement("metadata");
+        xml.writeAttribute("id", MADE_FROM);
+        xml.writeCharacters(from);
+        xml.writeEndElement();
+    }
     xml.writeEmptyElement("image");
     xml.writeAttribute("width", width);
     xml.writeAttribute("height", height);

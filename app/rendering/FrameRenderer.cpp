@@ -6,12 +6,13 @@
 #include <utility>
 
 #include <Inventor/SbViewportRegion.h>
-#include <QImageReader>
+#include <QString>
 
 #include <strandview/formats/text/wording.h>
 #include <toCoin.h>
 
 #include "camera/Camera.h"
+#include "pictures/madeFrom.h"
 #include "request/limits.h"
 #include "request/writeCommand.h"
 #include "scene/DataScene.h"
@@ -25,8 +26,6 @@ namespace strandview {
 
 namespace {
 
-const char* const FINGERPRINT = "strandview-made-from";
-
 // Of work that nobody watches.
 class SilentProgress : public Progress
 {
@@ -37,13 +36,6 @@ public:
 private:
     const Series::GoOn& mayGoOn;
 };
-
-// Whether a picture is there that was made from the same.
-bool isThere(const std::string& file, const std::string& fingerprint)
-{
-    QImageReader reader(QString::fromStdString(file));
-    return reader.format() == "png" && reader.text(FINGERPRINT).toStdString() == fingerprint;
-}
 
 // What a colouring says beside the data's own values.
 std::string describe(const Colouring& colouring)
@@ -173,10 +165,10 @@ FrameRenderer::Drawn FrameRenderer::drawUnlessThere(std::size_t frame, const Ser
     }
     const std::string fingerprint = fingerprintOf(frame, *loaded->configuration);
     const bool isCameraKnown = (fixed && !options.series.turn) || !options.printCamera;
-    if (!options.series.overwrite && isCameraKnown && isThere(name.of(frame), fingerprint))
+    if (!options.series.overwrite && isCameraKnown && madeFrom(name.of(frame)) == fingerprint)
         return {"", true};
     Drawn drawn = draw(frame, *loaded->configuration, goOn);
-    drawn.image.setText(FINGERPRINT, QString::fromStdString(fingerprint));
+    drawn.image.setText(MADE_FROM, QString::fromStdString(fingerprint));
     return drawn;
 }
 

@@ -383,6 +383,23 @@ TEST_F(RenderSeriesTest, APictureThatIsThereIsSkippedUnlessItWasMadeFromOtherThi
     EXPECT_NE(timeOf("f_05.png"), last);
 }
 
+TEST_F(RenderSeriesTest, PicturesOfAllFormatsThatKeepTextsAreKnownAgain)
+{
+    for (const std::string ending : {"png", "jpg", "jpeg", "pdf", "svg", "tif", "bmp", "ppm"}) {
+        fs::create_directory(folder.path(ending));
+        const std::string out = folder.path(ending + "/%d." + ending);
+        const auto timeAfter = [&](const std::string& radius) {
+            EXPECT_EQ(run({"--render", out, "--frames", "0:2", "--radius", radius, series}).status,
+                      0);
+            return fs::last_write_time(folder.path(ending + "/1." + ending));
+        };
+        const auto first = timeAfter("0.1"), again = timeAfter("0.1");
+        const bool keepsTexts = ending != "tif" && ending != "bmp" && ending != "ppm";
+        EXPECT_EQ(again == first, keepsTexts) << ending;
+        EXPECT_NE(timeAfter("0.2"), again) << ending;
+    }
+}
+
 TEST_F(RenderSeriesTest, OfChangedDataOnlyTheChangedFramesAreStale)
 {
     const std::string out = pattern("out");
