@@ -574,7 +574,7 @@ std::string beginWithDefaults(const std::vector<std::string>& arguments, const s
         return "";
     const std::string fault = readDefaults(file, options);
     options.hasDefaults = options != StyleRequest();
-    return fault;
+    return fault.empty() ? "" : fault + "; --no-defaults leaves the file aside";
 }
 
 void addSetting(CLI::App& app, const Setting& setting, StyleRequest& request)

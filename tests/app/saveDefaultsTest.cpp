@@ -96,10 +96,26 @@ TEST_F(SaveDefaultsTest, AFaultInTheFileIsOneLineWithItsPlaceAndStatus2)
     const ProgramRun refused = run({"--info", rod});
     EXPECT_EQ(refused.status, 2);
     EXPECT_EQ(refused.output, "");
-    EXPECT_EQ(refused.error,
-              "strandview: " + file + ":2: radius: found 'thick', expected a length above 0\n");
+    EXPECT_EQ(refused.error, "strandview: " + file +
+                                 ":2: radius: found 'thick', expected a length above 0; "
+                                 "--no-defaults leaves the file aside\n");
     EXPECT_EQ(run({"--info", "--no-defaults", rod}).status, 0);
     EXPECT_EQ(run({"--help"}).status, 0);
+}
+
+TEST_F(SaveDefaultsTest, WhatIsToldOfDataIsInTheUnitThatTheFileSays)
+{
+    const std::string dna =
+        folder.write("dna.txt", "A 0 0 0 0 0 0 1\nC 0 0 0.34 0 0 0.309 0.951\n");
+    const auto told = [&](std::vector<std::string> arguments) {
+        arguments.insert(arguments.end(), {"--info", dna});
+        return run(arguments).output;
+    };
+    const std::string inAngstrom = told({}), inNanometres = told({"--dna-unit", "nm"});
+    EXPECT_NE(inAngstrom, inNanometres);
+    EXPECT_EQ(run({"--save-defaults", "--dna-unit", "nm"}).status, 0);
+    EXPECT_EQ(told({}), inNanometres);
+    EXPECT_EQ(told({"--no-defaults"}), inAngstrom);
 }
 
 TEST_F(SaveDefaultsTest, WhatIsComparedWithIsFoundFromEveryFolder)
