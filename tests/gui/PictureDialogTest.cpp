@@ -396,10 +396,17 @@ TEST_F(PictureDialogTest, APictureThatIsCancelledWhileItIsDrawnLeavesNoFileAndTh
          }),
          nameFile("large"),
          {[] { return dialog() && find<QProgressBar>("pictureProgress")->isVisible(); },
-          [] { find<QPushButton>("pictureCancel")->click(); }},
+          [] {
+              for (const char* button : {"pictureSave", "pictureAsView"})
+                  EXPECT_FALSE(find<QPushButton>(button)->isEnabled()) << button;
+              EXPECT_FALSE(find<QDoubleSpinBox>("pictureWidth")->isEnabled());
+              find<QPushButton>("pictureCancel")->click();
+          }},
          {[] { return dialog() && !find<QProgressBar>("pictureProgress")->isVisible(); },
           [] {
-              EXPECT_TRUE(find<QPushButton>("pictureSave")->isEnabled());
+              for (const char* button : {"pictureSave", "pictureAsView"})
+                  EXPECT_TRUE(find<QPushButton>(button)->isEnabled()) << button;
+              EXPECT_TRUE(find<QDoubleSpinBox>("pictureWidth")->isEnabled());
               pressRealKey("Escape");
           }}}));
     EXPECT_EQ(files(), before);
