@@ -139,7 +139,7 @@ void Mesh::setCaps(MeshCaps* newCaps) { caps = newCaps; }
 // Coin gives a node a new id, of all there ever were, whenever it is touched.
 const RowBoxes& Mesh::boxesFor(const SoMeshShape& shape)
 {
-    const std::uint64_t nodeId = shape.getNodeId();
+    const std::uint64_t nodeId = shape.getIdOfMeshes();
     if (!pickBoxes || pickedNodeId != nodeId) {
         pickBoxes = std::make_unique<RowBoxes>(rows.data(), height, width, columnsWrap);
         pickedNodeId = nodeId;

@@ -26,7 +26,16 @@ void SoMeshShape::drawCoarsely(bool nearRowsLeftOut)
     if (coarse == nearRowsLeftOut)
         return;
     coarse = nearRowsLeftOut;
+    meshesId = getIdOfMeshes();
+    coarseId = getNextNodeId(); // before whoever is told at once changes it again
     touch();
+    if (getNodeId() < coarseId) // told nobody
+        coarseId = 0;
+}
+
+SbUniqueId SoMeshShape::getIdOfMeshes() const
+{
+    return getNodeId() == coarseId ? meshesId : getNodeId();
 }
 
 bool SoMeshShape::isDrawnCoarsely() const { return coarse; }

@@ -2,6 +2,7 @@
 #ifndef STRANDVIEW_SOMESHSHAPE_H
 #define STRANDVIEW_SOMESHSHAPE_H
 
+#include <Inventor/SbBasic.h>
 #include <Inventor/nodes/SoShape.h>
 #include <Inventor/nodes/SoSubNode.h>
 
@@ -37,6 +38,9 @@ public:
     /// together. At first not.
     void drawCoarsely(bool coarse);
     bool isDrawnCoarsely() const;
+    /// The node's id when it was changed last otherwise than by drawCoarsely(), which leaves what
+    /// it draws from as it is: for whatever is kept of the meshes.
+    SbUniqueId getIdOfMeshes() const;
 
     void copyContents(const SoFieldContainer* from, SbBool copyConnections) override;
 
@@ -50,6 +54,8 @@ protected:
 
 private:
     bool coarse = false;
+    SbUniqueId coarseId = 0; // the node's since drawCoarsely()
+    SbUniqueId meshesId = 0; // and before it
 };
 
 #endif

@@ -132,30 +132,43 @@ using Colour = std::uint32_t; // four bytes: red, green, blue, alpha
 class ShownColours
 {
 public:
-    explicit ShownColours(SoState* state) : ShownColours(*SoLazyElement::getInstance(state)) {}
+    explicit ShownColours(SoState* state)
+        : element(*SoLazyElement::getInstance(state)),
+          count(std::size_t(std::max(element.getNumDiffuse(), 1)))
+    {
+        static_assert(sizeof(SbColor) == 3 * sizeof(float));
+    }
 
     // That of the last one where there are not so many.
-    Colour operator[](std::size_t material) const { return colours[std::min(material, count - 1)]; }
-    // Of rows.
-    void spread(std::size_t first, std::size_t step, std::size_t rows, std::size_t width,
-                Colour* to) const
+    Colour operator[](std::size_t material) const
     {
-        spreadColours(colours.get(), count, first, step, rows, width, to);
+        Colour colour = 0;
+        round(std::min(material, count - 1), 1, &colour);
+        return colour;
+    }
+    // Of rows: those of all materials are rounded for them.
+    void spread(std::size_t first, std::size_t step, std::size_t rows, std::size_t width,
+                Colour* to)
+    {
+        if (!all) {
+            all.reset(new Colour[count]); // not zeros first
+            round(0, count, all.get());
+        }
+        spreadColours(all.get(), count, first, step, rows, width, to);
     }
 
 private:
-    explicit ShownColours(const SoLazyElement& element)
-        : count(std::size_t(std::max(element.getNumDiffuse(), 1))),
-          colours(new Colour[count]) // not zeros first
+    void round(std::size_t first, std::size_t number, Colour* to) const
     {
-        static_assert(sizeof(SbColor) == 3 * sizeof(float));
-        if (!element.isPacked())
-            roundColours(element.getDiffusePointer()->getValue(), count,
-                         element.getTransparencyPointer(),
-                         std::size_t(std::max(element.getNumTransparencies(), 1)), colours.get());
-        else
-            std::transform(element.getPackedPointer(), element.getPackedPointer() + count,
-                           colours.get(), colourOf);
+        if (element.isPacked()) {
+            const std::uint32_t* const packed = element.getPackedPointer() + first;
+            std::transform(packed, packed + number, to, colourOf);
+            return;
+        }
+        const auto given = std::size_t(std::max(element.getNumTransparencies(), 1));
+        const std::size_t beforeThem = std::min(first, given - 1);
+        roundColours(element.getDiffusePointer()[first].getValue(), number,
+                     element.getTransparencyPointer() + beforeThem, given - beforeThem, to);
     }
 
     static Colour colourOf(std::uint32_t packed)
@@ -167,8 +180,9 @@ private:
         return colour;
     }
 
+    const SoLazyElement& element;
     const std::size_t count;
-    const std::unique_ptr<Colour[]> colours;
+    std::unique_ptr<Colour[]> all;
 };
 
 // Whether all that is drawn hides all that is behind it.
@@ -214,23 +228,26 @@ private:
 
 } // namespace
 
-// What meshes send to OpenGL, one after the other: the vertices of all bodies and caps, each
-// once, and the triangles between them.
+// What meshes send to OpenGL, one after the other: the vertices of all bodies, or of some of their
+// rows, and of caps, each once, and the triangles between them.
 class MeshDrawing::Layout
 {
 public:
-    explicit Layout(const std::vector<Part>& drawnParts) : parts(drawnParts)
+    explicit Layout(const std::vector<Part>& drawnParts) : Layout(drawnParts, allRows(drawnParts))
+    {}
+    Layout(const std::vector<Part>& drawnParts, const std::vector<MeshRows>& drawnRows)
+        : parts(drawnParts), rows(drawnRows)
     {
         for (const auto& [mesh, materialOffset] : parts) {
             caps.push_back(CapCollector(mesh).caps);
-            vertexCount += bodySize(mesh);
+            vertexCount += bodySize(caps.size() - 1);
             for (const Cap& cap : caps.back())
                 vertexCount += cap.corners.size();
         }
         std::size_t vertex = 0;
         for (std::size_t part = 0; part < parts.size(); ++part) {
             Mesh& mesh = parts[part].mesh;
-            if (bodySize(mesh) > 0)
+            if (bodySize(part) > 0)
                 placeBody(mesh, part, vertex);
             for (const Cap& cap : caps[part])
                 placeCap(mesh, cap, part, vertex);
@@ -245,7 +262,7 @@ public:
         std::vector<Grid> grids;
         for (std::size_t part = 0; part < parts.size(); ++part) {
             const Mesh& mesh = parts[part].mesh;
-            const bool isThere = bodySize(mesh) > 0;
+            const bool isThere = bodySize(part) > 0;
             grids.push_back(
                 {isThere ? mesh.getHeight() : 0, isThere ? mesh.getWidth() : 0, caps[part].size()});
         }
@@ -256,10 +273,8 @@ public:
     {
         for (const Piece& piece : pieces) {
             if (!piece.cap) {
-                // All rows are one block.
-                roundVertices(piece.mesh.getPoints()[0], piece.mesh.getNormals()[0],
-                              bodySize(piece.mesh), to->point);
-                to += bodySize(piece.mesh);
+                writeBodyVertices(piece, to);
+                to += bodySize(piece.part);
                 continue;
             }
             for (const Cap::Corner& corner : piece.cap->corners)
@@ -275,16 +290,18 @@ public:
                     *to++ = corner.place;
                 continue;
             }
+            const MeshRows& ofPart = rows[piece.part];
             const int height = piece.mesh.getHeight(), width = piece.mesh.getWidth();
-            for (int i = 0; i < height; ++i) {
+            for (int i = 0; i < ofPart.getSize(); ++i) {
                 for (int j = 0; j < width; ++j)
-                    *to++ = {float(double(j) / (width - 1)), float(double(i) / (height - 1))};
+                    *to++ = {float(double(j) / (width - 1)),
+                             float(double(ofPart[i]) / (height - 1))};
             }
         }
     }
 
     // A row has one material, and the materials of rows follow each other by the same step.
-    void writeColours(const ShownColours& colours, bool overall, Colour* to) const
+    void writeColours(ShownColours&& colours, bool overall, Colour* to) const
     {
         for (const Piece& piece : pieces) {
             const auto offset = std::size_t(parts[piece.part].materialOffset);
@@ -295,12 +312,19 @@ public:
                 continue;
             }
             const Mesh& mesh = piece.mesh;
-            const auto height = std::size_t(mesh.getHeight()), width = std::size_t(mesh.getWidth());
+            const MeshRows& ofPart = rows[piece.part];
+            const auto width = std::size_t(mesh.getWidth());
             const auto indexOf = [&](int row) {
                 return overall ? 0 : std::size_t(mesh.getMaterialIndex(row, 0));
             };
-            colours.spread(offset + indexOf(0), indexOf(1) - indexOf(0), height, width, to);
-            to += height * width;
+            if (ofPart.areAll()) {
+                colours.spread(offset + indexOf(0), indexOf(1) - indexOf(0),
+                               std::size_t(ofPart.getSize()), width, to);
+                to += bodySize(piece.part);
+                continue;
+            }
+            for (int i = 0; i < ofPart.getSize(); ++i)
+                to = std::fill_n(to, width, colours[offset + indexOf(ofPart[i])]);
         }
     }
 
@@ -313,10 +337,10 @@ public:
             to = piece.cap ? writeCap(piece, to) : writeBody(piece, to);
     }
 
-    // Gathers all of it, in the meshes' order, but for rows that are not told and the back faces of
-    // closed tubes, of which there are none without `backFaces`.
+    // Gathers all of it, in the meshes' order, but for the back faces of closed tubes, of which
+    // there are none without `backFaces`.
     void gatherSeen(const BackFaces* backFaces, const std::vector<std::optional<ClosedTube>>& tubes,
-                    const std::vector<MeshRows>& rows, Drawer& drawer) const;
+                    Drawer& drawer) const;
 
     // How all of it is drawn in the meshes' order, in few draws.
     std::vector<Draw> makeDraws() const
@@ -358,21 +382,45 @@ private:
         std::size_t strips, indicesPerStrip, stripsPerDraw;
     };
 
-    static std::size_t bodySize(const Mesh& mesh)
+    static std::vector<MeshRows> allRows(const std::vector<Part>& parts)
     {
-        return mesh.isValid() ? std::size_t(mesh.getHeight()) * std::size_t(mesh.getWidth()) : 0;
+        std::vector<MeshRows> all;
+        for (const Part& part : parts)
+            all.emplace_back(part.mesh.getHeight());
+        return all;
+    }
+
+    std::size_t bodySize(std::size_t part) const
+    {
+        const Mesh& mesh = parts[part].mesh;
+        return mesh.isValid() ? std::size_t(rows[part].getSize()) * std::size_t(mesh.getWidth())
+                              : 0;
+    }
+
+    void writeBodyVertices(const Piece& piece, BufferVertex* to) const
+    {
+        const MeshRows& ofPart = rows[piece.part];
+        Vector3<double>**const points = piece.mesh.getPoints(),
+                               **const normals = piece.mesh.getNormals();
+        if (ofPart.areAll()) { // which are one block
+            roundVertices(points[0], normals[0], bodySize(piece.part), to->point);
+            return;
+        }
+        const auto width = std::size_t(piece.mesh.getWidth());
+        for (int i = 0; i < ofPart.getSize(); ++i, to += width)
+            roundVertices(points[ofPart[i]], normals[ofPart[i]], width, to->point);
     }
 
     void placeBody(Mesh& mesh, std::size_t part, std::size_t& vertex)
     {
         const auto width = std::size_t(mesh.getWidth());
-        const auto strips = std::size_t(mesh.getHeight() - 1);
+        const auto strips = std::size_t(rows[part].getSize() - 1);
         const std::size_t most = std::max(VERTICES_PER_DRAW / width, std::size_t(1));
         const std::size_t perDraw =
             std::max(vertexCount >= LARGE_COUNT ? std::min(strips, most) : strips, std::size_t(1));
         pieces.push_back(
             {mesh, part, nullptr, vertex, indexCount, strips, 6 * (width - 1), perDraw});
-        vertex += bodySize(mesh);
+        vertex += bodySize(part);
         indexCount += std::min(strips, perDraw) * pieces.back().indicesPerStrip;
     }
 
@@ -458,7 +506,8 @@ private:
     }
 
     const std::vector<Part>& parts;
-    std::vector<std::vector<Cap>> caps; // of each part
+    const std::vector<MeshRows> rows;   // of each part
+    std::vector<std::vector<Cap>> caps; // likewise
     std::size_t vertexCount = 0, indexCount = 0;
     std::vector<Piece> pieces; // in the order of the vertices
 };
@@ -467,12 +516,13 @@ private:
 class MeshDrawing::Drawer
 {
 public:
-    Drawer(const Kept& keptBuffers, const Colours& shownColours, bool sendNormals, SoState* state)
-        : kept(keptBuffers),
+    Drawer(const Buffers& keptBuffers, const GLBuffer& shownColours, bool isLarge, bool sendNormals,
+           SoState* state)
+        : buffers(keptBuffers),
           colours(shownColours),
           normals(sendNormals),
           textured(SoGLTextureEnabledElement::get(state) != 0),
-          collects(keptBuffers.draws.size() > 1 && DepthGrid::isSoftware())
+          collects(isLarge && DepthGrid::isSoftware())
     {
         glPushClientAttrib(GL_CLIENT_VERTEX_ARRAY_BIT);
         glEnableClientState(GL_VERTEX_ARRAY);
@@ -481,8 +531,11 @@ public:
         if (textured)
             glEnableClientState(GL_TEXTURE_COORD_ARRAY);
         glEnableClientState(GL_COLOR_ARRAY);
-        kept.triangles.bind(GL_ELEMENT_ARRAY_BUFFER);
+        buffers.triangles.bind(GL_ELEMENT_ARRAY_BUFFER);
     }
+    Drawer(const Kept& kept, const Colours& shownColours, bool sendNormals, SoState* state)
+        : Drawer(kept.all, shownColours.buffer, kept.draws.size() > 1, sendNormals, state)
+    {}
     ~Drawer() { glPopClientAttrib(); }
     Drawer(const Drawer&) = delete;
     Drawer& operator=(const Drawer&) = delete;
@@ -516,7 +569,7 @@ public:
             bindFrom(0);
         GLBuffer::unbind(GL_ELEMENT_ARRAY_BUFFER);
         glDrawElements(GL_TRIANGLES, GLsizei(gathered.size()), GL_UNSIGNED_INT, gathered.data());
-        kept.triangles.bind(GL_ELEMENT_ARRAY_BUFFER);
+        buffers.triangles.bind(GL_ELEMENT_ARRAY_BUFFER);
         collect(gathered.size());
         gathered.clear();
     }
@@ -540,22 +593,22 @@ private:
         bound = true;
         boundVertex = vertex;
         const std::size_t start = vertex * sizeof(BufferVertex);
-        kept.vertices.bind(GL_ARRAY_BUFFER);
+        buffers.vertices.bind(GL_ARRAY_BUFFER);
         glVertexPointer(3, GL_FLOAT, sizeof(BufferVertex),
                         GLBuffer::offset(start + offsetof(BufferVertex, point)));
         if (normals)
             glNormalPointer(GL_FLOAT, sizeof(BufferVertex),
                             GLBuffer::offset(start + offsetof(BufferVertex, normal)));
         if (textured) {
-            kept.textures.bind(GL_ARRAY_BUFFER);
+            buffers.textures.bind(GL_ARRAY_BUFFER);
             glTexCoordPointer(2, GL_FLOAT, 0, GLBuffer::offset(vertex * sizeof(TexturePlace)));
         }
-        colours.buffer.bind(GL_ARRAY_BUFFER);
+        colours.bind(GL_ARRAY_BUFFER);
         glColorPointer(4, GL_UNSIGNED_BYTE, 0, GLBuffer::offset(vertex * sizeof(Colour)));
     }
 
-    const Kept& kept;
-    const Colours& colours;
+    const Buffers& buffers;
+    const GLBuffer& colours;
     const bool normals, textured;
     bool bound = false;
     std::size_t boundVertex = 0;
@@ -586,7 +639,7 @@ bool MeshDrawing::Materials::operator==(const Materials& other) const
            transparencyType == other.transparencyType && binding == other.binding;
 }
 
-void MeshDrawing::draw(const SoNode& node, SoGLRenderAction* action, const std::vector<Part>& parts,
+void MeshDrawing::draw(SbUniqueId id, SoGLRenderAction* action, const std::vector<Part>& parts,
                        bool coarse)
 {
     SoState* const state = action->getState();
@@ -598,20 +651,22 @@ void MeshDrawing::draw(const SoNode& node, SoGLRenderAction* action, const std::
             mesh.render(action, materialOffset);
         return;
     }
-    if (drawnId != node.getNodeId()) {
-        drawnId = node.getNodeId();
+    if (drawnId != id) {
+        drawnId = id;
         measure(parts);
     }
     Kept& kept = contexts[context];
-    const Colours& colours = prepare(action, kept, parts);
     const bool normals = !bundle.isColorOnly();
     DepthGrid grid(state);
-    if (grid.mayCover(centre, radius, area, SORTED_LAYERS) && isOpaque(state) &&
-        DepthGrid::isUsable(state))
-        drawNearestFirst(kept, colours, normals, state, parts, grid);
-    else if (!(coarse && drawFewRows(kept, colours, normals, state, parts, grid)) &&
-             !drawWithoutBackFaces(kept, colours, normals, state, parts))
-        drawInOrder(kept, colours, normals, state);
+    const bool isSorted = grid.mayCover(centre, radius, area, SORTED_LAYERS) && isOpaque(state) &&
+                          DepthGrid::isUsable(state);
+    if (isSorted || !coarse || !drawFewRows(kept, context, normals, state, parts, grid)) {
+        const Colours& colours = prepare(action, kept, parts);
+        if (isSorted)
+            drawNearestFirst(kept, colours, normals, state, parts, grid);
+        else if (!drawWithoutBackFaces(kept, colours, normals, state, parts))
+            drawInOrder(kept, colours, normals, state);
+    }
     // Which colour is current now OpenGL leaves open.
     SoGLLazyElement::getInstance(state)->reset(state, SoLazyElement::DIFFUSE_MASK);
 }
@@ -653,8 +708,8 @@ const MeshDrawing::Colours& MeshDrawing::prepare(SoGLRenderAction* action, Kept&
 
     if (kept.filledId != drawnId)
         fillVertices(kept, context, layout());
-    if (!kept.textures && SoGLTextureEnabledElement::get(state))
-        kept.textures.fill(
+    if (!kept.all.textures && SoGLTextureEnabledElement::get(state))
+        kept.all.textures.fill(
             context, GL_ARRAY_BUFFER, layout().getVertexCount() * sizeof(TexturePlace),
             [&](void* memory) { layout().writeTextures(static_cast<TexturePlace*>(memory)); });
     const Materials materials(state);
@@ -673,15 +728,15 @@ const MeshDrawing::Colours& MeshDrawing::prepare(SoGLRenderAction* action, Kept&
 
 void MeshDrawing::fillVertices(Kept& kept, std::uint32_t context, const Layout& layout) const
 {
-    if (!kept.triangles || kept.grids != layout.grids()) {
+    if (!kept.all.triangles || kept.grids != layout.grids()) {
         kept = Kept();
         kept.grids = layout.grids();
         kept.draws = layout.makeDraws();
-        kept.triangles.fill(
+        kept.all.triangles.fill(
             context, GL_ELEMENT_ARRAY_BUFFER, layout.getIndexCount() * sizeof(std::uint32_t),
             [&](void* memory) { layout.writeIndices(static_cast<std::uint32_t*>(memory)); });
     }
-    kept.vertices.fill(
+    kept.all.vertices.fill(
         context, GL_ARRAY_BUFFER, layout.getVertexCount() * sizeof(BufferVertex),
         [&](void* memory) { layout.writeVertices(static_cast<BufferVertex*>(memory)); });
     kept.runs.clear();
@@ -715,7 +770,7 @@ void MeshDrawing::drawInOrder(const Kept& kept, const Colours& colours, bool nor
 
 void MeshDrawing::Layout::gatherSeen(const BackFaces* backFaces,
                                      const std::vector<std::optional<ClosedTube>>& tubes,
-                                     const std::vector<MeshRows>& rows, Drawer& drawer) const
+                                     Drawer& drawer) const
 {
     for (const Piece& piece : pieces) {
         if (piece.cap) {
@@ -729,10 +784,10 @@ void MeshDrawing::Layout::gatherSeen(const BackFaces* backFaces,
         const int width = piece.mesh.getWidth();
         const MeshRows& ofPart = rows[piece.part];
         for (int i = 0; i + 1 < ofPart.getSize(); ++i) {
-            const int row = ofPart[i], next = ofPart[i + 1];
-            const std::uint8_t* const leftOut = walk ? walk->between(row, next).data() : nullptr;
-            const auto here = std::uint32_t(piece.firstVertex + std::size_t(row) * width);
-            const auto there = std::uint32_t(piece.firstVertex + std::size_t(next) * width);
+            const std::uint8_t* const leftOut =
+                walk ? walk->between(ofPart[i], ofPart[i + 1]).data() : nullptr;
+            const auto here = std::uint32_t(piece.firstVertex + std::size_t(i) * width);
+            const std::uint32_t there = here + std::uint32_t(width);
             drawer.gather(piece.indicesPerStrip, [&](std::uint32_t* to) {
                 for (std::uint32_t j = 0; j + 1 < std::uint32_t(width); ++j) {
                     if (!leftOut || !leftOut[j])
@@ -756,28 +811,51 @@ std::vector<std::optional<ClosedTube>> MeshDrawing::measureTubes(const std::vect
     return tubes;
 }
 
+// None where they are more than half of all.
+const std::vector<MeshRows>& MeshDrawing::rowsApart(const std::vector<Part>& parts, double length)
+{
+    if (apart.id == drawnId && apart.length == length)
+        return apart.rows;
+    apart = {drawnId, length, {}};
+    int all = 0, drawn = 0;
+    for (const Part& part : parts) {
+        apart.rows.push_back(::rowsApart(part.mesh, length));
+        all += part.mesh.getHeight();
+        drawn += apart.rows.back().getSize();
+    }
+    if (drawn > all / 2)
+        apart.rows.clear();
+    return apart.rows;
+}
+
 // Returns whether it did: if at least half of the rows are near to those before them.
-bool MeshDrawing::drawFewRows(const Kept& kept, const Colours& colours, bool normals,
-                              SoState* state, const std::vector<Part>& parts,
-                              const DepthGrid& grid) const
+bool MeshDrawing::drawFewRows(Kept& kept, std::uint32_t context, bool normals, SoState* state,
+                              const std::vector<Part>& parts, const DepthGrid& grid)
 {
     const double pixels = radius > 0 ? grid.pixelsAtNearest(centre, radius, 1) : 0;
     if (!(pixels > 0) || !std::isfinite(pixels))
         return false;
-    std::vector<MeshRows> rows;
-    int all = 0, drawn = 0;
-    for (const Part& part : parts) {
-        rows.push_back(rowsApart(part.mesh, NEAR_ROWS / pixels));
-        all += part.mesh.getHeight();
-        drawn += rows.back().getSize();
-    }
-    if (drawn > all / 2)
+    const std::vector<MeshRows>& rows = rowsApart(parts, NEAR_ROWS / pixels);
+    if (rows.empty())
         return false;
+    const Layout layout(parts, rows);
+    const std::size_t vertices = layout.getVertexCount();
+    kept.few.vertices.fill(
+        context, GL_ARRAY_BUFFER, vertices * sizeof(BufferVertex),
+        [&](void* memory) { layout.writeVertices(static_cast<BufferVertex*>(memory)); });
+    if (SoGLTextureEnabledElement::get(state))
+        kept.few.textures.fill(
+            context, GL_ARRAY_BUFFER, vertices * sizeof(TexturePlace),
+            [&](void* memory) { layout.writeTextures(static_cast<TexturePlace*>(memory)); });
+    kept.coloursOfFew.fill(context, GL_ARRAY_BUFFER, vertices * sizeof(Colour), [&](void* memory) {
+        layout.writeColours(ShownColours(state), isMaterialOverall(state),
+                            static_cast<Colour*>(memory));
+    });
     const auto backFaces = BackFaces::find(state);
     const auto tubesOfRows = backFaces ? measureTubes(parts, rows)
                                        : std::vector<std::optional<ClosedTube>>(parts.size());
-    Drawer drawer(kept, colours, normals, state);
-    Layout(parts).gatherSeen(backFaces ? &*backFaces : nullptr, tubesOfRows, rows, drawer);
+    Drawer drawer(kept.few, kept.coloursOfFew, vertices >= LARGE_COUNT, normals, state);
+    layout.gatherSeen(backFaces ? &*backFaces : nullptr, tubesOfRows, drawer);
     return true;
 }
 
@@ -800,7 +878,7 @@ bool MeshDrawing::drawWithoutBackFaces(const Kept& kept, const Colours& colours,
         }))
         return false;
     Drawer drawer(kept, colours, normals, state);
-    Layout(parts).gatherSeen(&*backFaces, tubes, rows, drawer);
+    Layout(parts).gatherSeen(&*backFaces, tubes, drawer);
     return true;
 }
 

@@ -15,6 +15,7 @@ public:
     {}
 
     int getSize() const { return size; }
+    bool areAll() const { return rows.empty(); }
     int operator[](int i) const { return rows.empty() ? i : rows[std::size_t(i)]; }
 
 private:

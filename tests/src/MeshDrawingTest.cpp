@@ -316,6 +316,16 @@ protected:
     // Buffers that were filled, made anew or not.
     int fills() const { return count(calls, "glBufferData") + count(calls, "glMapBufferRange"); }
 
+    double bytesFilled() const
+    {
+        double sum = 0;
+        for (const GLCall& call : calls) {
+            if (call.name == "glBufferData" || call.name == "glMapBufferRange")
+                sum += call.arguments.at(1);
+        }
+        return sum;
+    }
+
     // Whether the first picture after a change is that of the meshes, and those after it, of as
     // many instances.
     void expectSameFromBuffers(int instances = 1)
@@ -987,6 +997,74 @@ TEST_F(CoarseDrawingTest, NewDataAreDrawnCoarselyInTheirFrame)
     EXPECT_EQ(count(calls, "glGenBuffers"), 0);
     EXPECT_EQ(vertices(), 0);
     EXPECT_NEAR(indices(), coarse, 0.1 * coarse);
+}
+
+TEST_F(CoarseDrawingTest, OfNewDataTheRowsThatAreDrawnFillBuffersAlone)
+{
+    auto* const rod = makeWave(20000, false);
+    show(rod);
+    draw();
+    const double all = bytesFilled();
+    rod->drawCoarsely(true);
+    rod->setTubeRadius(0.12);
+    rod->generate();
+    draw();
+    EXPECT_GT(bytesFilled(), 0);
+    EXPECT_LT(bytesFilled(), all / 15);
+    rod->drawCoarsely(false);
+    draw();
+    EXPECT_GT(bytesFilled(), all / 3) << "all vertices of the new data";
+}
+
+TEST_F(CoarseDrawingTest, ForAWhileLeavesTheBuffersOfAllRowsAsTheyAre)
+{
+    for (SoMeshShape* const waves : {static_cast<SoMeshShape*>(makeWave(20000, true)),
+                                     static_cast<SoMeshShape*>(makeWaves(20000))}) {
+        show(waves);
+        const Picture fine = draw();
+        EXPECT_GT(fills(), 0);
+        for (int time = 0; time < 2; ++time) {
+            waves->drawCoarsely(true);
+            draw();
+            waves->drawCoarsely(false);
+            EXPECT_EQ(compare(draw(), fine).pixels, 0);
+            EXPECT_EQ(fills(), 0);
+        }
+        waves->touch();
+        draw();
+        EXPECT_GT(fills(), 0) << "it may have changed";
+    }
+}
+
+TEST_F(CoarseDrawingTest, RowsHaveTheirColoursAndTextures)
+{
+    auto* const rod = makeWave(20000, true);
+    show(rod);
+    const int rows = rod->getTubeMesh()->getHeight() + rod->getRibbonMesh()->getHeight();
+    const auto makeRamp = [rows]() -> SoNode* {
+        auto* const material = new SoMaterial;
+        std::vector<SbColor> colours;
+        for (int i = 0; i < rows; ++i)
+            colours.emplace_back(float(i) / float(rows), 1 - float(i) / float(rows), 0.5f);
+        material->diffuseColor.setValues(0, rows, colours.data());
+        return material;
+    };
+    const auto perVertex = [] { return makeBinding(SoMaterialBinding::PER_VERTEX); };
+    const std::vector<std::vector<SoNode*>> looks{{makeRamp(), perVertex()},
+                                                  {makeRamp(), perVertex(), makeTexture()},
+                                                  {makePackedColours(2)}};
+    for (const std::vector<SoNode*>& look : looks) {
+        settings->removeAllChildren();
+        for (SoNode* const node : look)
+            settings->addChild(node);
+        rod->drawCoarsely(false);
+        const Picture fine = draw();
+        const double all = indices();
+        rod->drawCoarsely(true);
+        const Picture coarse = draw();
+        EXPECT_LT(indices(), all / 15);
+        expectAboutSame(coarse, fine);
+    }
 }
 
 // Lists and contexts

@@ -10,6 +10,7 @@
 #include <Inventor/nodes/SoGroup.h>
 #include <Inventor/nodes/SoSeparator.h>
 #include <Inventor/nodes/SoTranslation.h>
+#include <Inventor/sensors/SoNodeSensor.h>
 
 #include <Mesh.h>
 #include <SoRod.h>
@@ -75,6 +76,47 @@ TEST_F(SoMeshShapeTest, IsDrawnCoarselyIfAskedAndSoAreItsCopies)
     rod->drawCoarsely(true);
     const NodeRef<SoRod> copy(static_cast<SoRod*>(rod->copy()));
     EXPECT_TRUE(copy->isDrawnCoarsely());
+}
+
+TEST_F(SoMeshShapeTest, IsTheSameHoweverItIsDrawn)
+{
+    const SbUniqueId known = shape->getIdOfMeshes();
+    EXPECT_EQ(known, shape->getNodeId());
+    for (const bool coarse : {true, false, true}) {
+        shape->drawCoarsely(coarse);
+        EXPECT_EQ(shape->getIdOfMeshes(), known);
+    }
+    shape->touch();
+    const SbUniqueId changed = shape->getIdOfMeshes();
+    EXPECT_NE(changed, known);
+    shape->drawCoarsely(false);
+    EXPECT_EQ(shape->getIdOfMeshes(), changed);
+}
+
+TEST_F(SoMeshShapeTest, IsAnotherIfWhoIsToldHowItIsDrawnChangesIt)
+{
+    const SbUniqueId known = shape->getIdOfMeshes();
+    SoNodeSensor sensor(
+        [](void* told, SoSensor* self) {
+            static_cast<SoNodeSensor*>(self)->detach();
+            static_cast<SoMeshShape*>(told)->touch();
+        },
+        static_cast<SoMeshShape*>(shape));
+    sensor.setPriority(0);
+    sensor.attach(shape);
+    shape->drawCoarsely(true);
+    EXPECT_NE(shape->getIdOfMeshes(), known);
+}
+
+TEST_F(SoMeshShapeTest, IsAnotherAfterAChangeEvenIfItWasSilentAboutItsDrawing)
+{
+    const SbUniqueId known = shape->getIdOfMeshes();
+    shape->enableNotify(FALSE);
+    shape->drawCoarsely(true);
+    EXPECT_EQ(shape->getIdOfMeshes(), known);
+    shape->enableNotify(TRUE);
+    shape->touch();
+    EXPECT_NE(shape->getIdOfMeshes(), known);
 }
 
 TEST_F(SoMeshShapeTest, BoxAndCentreReachTheAction)
