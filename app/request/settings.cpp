@@ -673,19 +673,18 @@ std::vector<Setting> makeSettings()
          &valueOfThings, &readAllThings, &clear<&Request::things>}};
 }
 
-// The same things need no texts to tell, which are long where there are many.
-bool saysTheSame(const Setting& setting, const StyleRequest& a, const StyleRequest& b)
-{
-    return (setting.kind == SettingKind::THINGS && a.things == b.things) ||
-           setting.value(a) == setting.value(b);
-}
-
 } // namespace
 
 std::optional<std::string> Setting::write(const StyleRequest& request) const
 {
     const Text text = value(request);
     return text == value(StyleRequest()) ? std::nullopt : text;
+}
+
+// The same things need no texts to tell, which are long where there are many.
+bool Setting::isSame(const StyleRequest& a, const StyleRequest& b) const
+{
+    return (kind == SettingKind::THINGS && a.things == b.things) || value(a) == value(b);
 }
 
 bool Setting::isOfUse(const StyleRequest& request) const
@@ -740,14 +739,14 @@ std::vector<std::string> argumentsOf(const StyleRequest& request)
 bool differInColoursAlone(const StyleRequest& a, const StyleRequest& b)
 {
     return std::all_of(settings().begin(), settings().end(), [&](const Setting& setting) {
-        return setting.isColour || saysTheSame(setting, a, b);
+        return setting.isColour || setting.isSame(a, b);
     });
 }
 
 bool operator==(const StyleRequest& a, const StyleRequest& b)
 {
     return std::all_of(settings().begin(), settings().end(),
-                       [&](const Setting& setting) { return saysTheSame(setting, a, b); });
+                       [&](const Setting& setting) { return setting.isSame(a, b); });
 }
 
 bool areOfSameNodes(const StyleRequest& shown, const StyleRequest& next)

@@ -57,6 +57,8 @@ struct Setting
     bool isColour = false;               ///< it changes the colours of shapes, which stay
     std::string leftOpen = {};           ///< of a colour, what it is if it is left open
 
+    /// Whether two requests say the same of it.
+    bool isSame(const StyleRequest& a, const StyleRequest& b) const;
     /// Whether what it needs is said.
     bool isOfUse(const StyleRequest& request) const;
     /// What the request says, or nothing if that is what is usual.

@@ -24,13 +24,14 @@ const Vector3<double> OWN_PHOSPHORUS(-0.14, 9.37, -2.00);
 const Vector3<double> NEXT_PHOSPHORUS(-5.24, 7.81, 1.98);
 
 // Strand 2 is strand 1 turned by half a turn about d1.
-Vector3<double> placed(const Vector3<double>& atom, const Vector3<double>& point,
-                       const Quaternion<double>& rotation, Strand strand, double angstrom)
+Vector3<double> atBase(const Vector3<double>& atom, const Dna& dna, Strand strand, std::size_t pair,
+                       double angstrom)
 {
-    const Matrix3<double> frame(rotation);
-    const double side = strand == Strand::FIRST ? angstrom : -angstrom;
-    return point + frame.getColumn(0) * (angstrom * atom.x) + frame.getColumn(1) * (side * atom.y) +
-           frame.getColumn(2) * (side * atom.z);
+    const bool isFirst = strand == Strand::FIRST;
+    const Matrix3<double> frame(isFirst ? dna.rotations1[pair] : dna.rotations2[pair]);
+    const double side = isFirst ? angstrom : -angstrom;
+    return (isFirst ? dna.points1 : dna.points2)[pair] + frame.getColumn(0) * (angstrom * atom.x) +
+           frame.getColumn(1) * (side * atom.y) + frame.getColumn(2) * (side * atom.z);
 }
 
 } // namespace
@@ -46,22 +47,24 @@ Molecules::Molecules(const Configuration& configuration)
         largest = std::max(largest, dna.molecule);
 }
 
+Vector3<double> idealPhosphorus(const Dna& dna, Strand strand, std::size_t pair, double angstrom)
+{
+    return atBase(OWN_PHOSPHORUS, dna, strand, pair, angstrom);
+}
+
 std::vector<Vector3<double>> idealBackbone(const Dna& dna, Strand strand, double angstrom)
 {
     const bool isFirst = strand == Strand::FIRST;
-    const auto& points = isFirst ? dna.points1 : dna.points2;
-    const auto& rotations = isFirst ? dna.rotations1 : dna.rotations2;
-    const std::size_t n = points.size();
-    const auto at = [&](std::size_t base, const Vector3<double>& atom) {
-        const std::size_t i = isFirst ? base : n - 1 - base;
-        return placed(atom, points[i], rotations[i], strand, angstrom);
-    };
+    const std::size_t n = isFirst ? dna.points1.size() : dna.points2.size();
+    const auto pairOf = [&](std::size_t base) { return isFirst ? base : n - 1 - base; };
     std::vector<Vector3<double>> backbone;
     backbone.reserve(n + 1);
     for (std::size_t base = 0; base < n; ++base)
-        backbone.push_back(at(base, OWN_PHOSPHORUS));
+        backbone.push_back(idealPhosphorus(dna, strand, pairOf(base), angstrom));
     if (n > 0)
-        backbone.push_back(dna.isClosed ? backbone.front() : at(n - 1, NEXT_PHOSPHORUS));
+        backbone.push_back(dna.isClosed
+                               ? backbone.front()
+                               : atBase(NEXT_PHOSPHORUS, dna, strand, pairOf(n - 1), angstrom));
     return backbone;
 }
 

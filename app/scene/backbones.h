@@ -38,10 +38,14 @@ private:
 /// The strands of a double one, counted as in what is told of them.
 enum class Strand { FIRST, SECOND };
 
-/// Where the phosphorus atoms of B-DNA would be: one for each base, from 5' to 3', which is along
+/// Where the phosphorus atom of B-DNA would be of a strand's base in a pair, counted from 0. In the
+/// data's coordinates, in which an ångström has the length `angstrom`.
+algebra3d::Vector3<double> idealPhosphorus(const Dna& dna, Strand strand, std::size_t pair,
+                                           double angstrom);
+
+/// Where those of a whole strand would be: one for each base, from 5' to 3', which is along
 /// the pairs in strand 1 and against them in strand 2, and a last one where the next base's would
-/// be. Of a closed DNA the last point is the first one again. In the data's coordinates, in which
-/// an ångström has the length `angstrom`.
+/// be. Of a closed DNA the last point is the first one again. As idealPhosphorus().
 std::vector<algebra3d::Vector3<double>> idealBackbone(const Dna& dna, Strand strand,
                                                       double angstrom);
 

@@ -70,8 +70,7 @@ double scalarOf(const Track& line, const PickedPlace& place, const std::string& 
 Vector3<double> phosphorusOf(const Dna& dna, const PickedPlace& place, double angstrom)
 {
     const Strand strand = place.strand == 1 ? Strand::FIRST : Strand::SECOND;
-    const std::size_t last = dna.bases.size() - 1;
-    return idealBackbone(dna, strand, angstrom)[place.strand == 1 ? *place.row : last - *place.row];
+    return idealPhosphorus(dna, strand, std::size_t(*place.row), angstrom);
 }
 
 PointOfPlace pointOf(const Track& line, const PickedPlace& place)

@@ -11,15 +11,16 @@ namespace strandview {
 
 bool operator==(const WindowState& a, const WindowState& b)
 {
-    return a.style == b.style && a.areColoursShown == b.areColoursShown && a.camera == b.camera &&
-           a.measurements == b.measurements && a.views == b.views && a.beside == b.beside;
+    return a.camera == b.camera && a.areColoursShown == b.areColoursShown && // the quickest first
+           a.beside == b.beside && a.measurements == b.measurements && a.views == b.views &&
+           a.style == b.style;
 }
 
 std::string differenceOf(const WindowState& a, const WindowState& b)
 {
     std::vector<std::string> names;
     for (const Setting& setting : settings()) {
-        if (setting.value(a.style) != setting.value(b.style))
+        if (!setting.isSame(a.style, b.style))
             names.emplace_back(setting.label);
     }
     if (a.areColoursShown != b.areColoursShown)
@@ -44,9 +45,9 @@ std::string differenceOf(const WindowState& a, const WindowState& b)
 WindowState withChange(WindowState state, const WindowState& from, const WindowState& to)
 {
     for (const Setting& setting : settings()) {
-        const auto text = setting.value(to.style);
-        if (text == setting.value(from.style))
+        if (setting.isSame(from.style, to.style))
             continue;
+        const auto text = setting.value(to.style);
         setting.clear(state.style);
         if (text)
             setting.read(*text, state.style);
