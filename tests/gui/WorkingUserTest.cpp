@@ -31,6 +31,7 @@
 #include "DataWindowTest.h"
 #include "User.h"
 #include "plotting/PlotStack.h"
+#include "request/thingTexts.h"
 #include "scene/DataScene.h"
 #include "scene/backbones.h"
 #include "support/codeBlocks.h"
@@ -266,13 +267,18 @@ protected:
         return countPixels(shown.copy(0, 0, shown.width() - 100, shown.height()), holds) > 100;
     }
     QTreeView* things() const { return window->findChild<QTreeView*>("thingsList"); }
+    // Of what is in the list of things.
+    using DataWindowTest::onScreen;
+    QRect onScreen(const QModelIndex& index) const
+    {
+        const QRect cell = things()->visualRect(index);
+        return {things()->viewport()->mapToGlobal(cell.topLeft()), cell.size()};
+    }
     // Of a thing of the only file, on the screen.
     QRect cellOf(int row, int column) const
     {
         const QAbstractItemModel& model = *things()->model();
-        const QRect cell =
-            things()->visualRect(model.index(row, column, model.index(0, ThingsModel::NAME)));
-        return {things()->viewport()->mapToGlobal(cell.topLeft()), cell.size()};
+        return onScreen(model.index(row, column, model.index(0, ThingsModel::NAME)));
     }
 
 private:
@@ -339,17 +345,27 @@ TEST_F(WorkingUserTest, CompareTwoFrames)
     })) << "risen, and beside it as it lay at first";
 }
 
-TEST_F(WorkingUserTest, HideARod)
+TEST_F(WorkingUserTest, HideAStrand)
 {
-    openText(threeRods(), "rods.json");
+    options.dna.bases = false;
+    ASSERT_EQ(readThings("DNA 1 strand 1: colour=#ff0000; DNA 1 strand 2: colour=#0000ff",
+                         options.things),
+              "");
+    open(std::string(SAMPLES_FOLDER) + "/dna.txt");
     ASSERT_TRUE(comesTo([this] { return has(isRed) && has(isBlue); }));
     key("t");
     ASSERT_TRUE(comesTo([this] { return things()->isVisible(); }));
     ASSERT_TRUE(comesToRest());
-    const QRect row = cellOf(1, ThingsModel::NAME);
-    clickAt(QPoint(row.left() + HALF_A_TICK, row.center().y()));
+    const QAbstractItemModel& model = *things()->model();
+    const QModelIndex dna = model.index(0, ThingsModel::NAME, model.index(0, ThingsModel::NAME));
+    const QRect name = cellOf(0, ThingsModel::NAME);
+    clickAt(QPoint(name.left() - things()->indentation() / 2, name.center().y()));
+    ASSERT_TRUE(comesTo([&] { return things()->isExpanded(dna); }));
+    ASSERT_TRUE(comesToRest());
+    const QRect second = onScreen(model.index(1, ThingsModel::NAME, dna));
+    clickAt(QPoint(second.left() + HALF_A_TICK, second.center().y()));
     EXPECT_TRUE(comesTo([this] { return !has(isBlue); }));
-    EXPECT_TRUE(has(isRed)) << "the others stay";
+    EXPECT_TRUE(has(isRed)) << "the other one stays";
 }
 
 TEST_F(WorkingUserTest, MakeYesterdaysPictureInAnotherColour)
