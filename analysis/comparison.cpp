@@ -134,8 +134,11 @@ std::string addComparison(Configuration& configuration, const Configuration& ref
 
 ComparedSeries::ComparedSeries(std::unique_ptr<Series> seriesToCompare,
                                std::optional<Configuration> configurationToCompareWith)
-    : SeriesAround(std::move(seriesToCompare)), reference(std::move(configurationToCompareWith))
-{}
+    : SeriesAround(std::move(seriesToCompare))
+{
+    if (configurationToCompareWith)
+        reference = std::make_shared<const Configuration>(std::move(*configurationToCompareWith));
+}
 
 LoadedFrame ComparedSeries::loadFrame(std::size_t frame, const GoOn& goOn)
 {
@@ -146,9 +149,10 @@ LoadedFrame ComparedSeries::loadFrame(std::size_t frame, const GoOn& goOn)
         auto first = findReference(*series, goOn);
         if (!first)
             return loaded;
-        reference = std::move(first->configuration);
+        reference = std::make_shared<const Configuration>(std::move(first->configuration));
     }
     const std::string notice = addComparison(*loaded.configuration, *reference);
+    loaded.configuration->reference = reference;
     if (!notice.empty())
         loaded.notices.push_back(notice);
     return loaded;

@@ -40,7 +40,7 @@ STRANDVIEW_ANALYSIS_EXPORT std::string addComparison(Configuration& configuratio
                                                      const Configuration& reference);
 
 /// A series whose frames are compared with a configuration, or without one with the first frame of
-/// the series that can be loaded, of the first hundred.
+/// the series that can be loaded, of the first hundred. That is their reference.
 class STRANDVIEW_ANALYSIS_EXPORT ComparedSeries : public SeriesAround
 {
 public:
@@ -50,7 +50,7 @@ public:
 private:
     LoadedFrame loadFrame(std::size_t frame, const GoOn& goOn) override;
 
-    std::optional<Configuration> reference; ///< once it was needed
+    std::shared_ptr<const Configuration> reference; ///< once it was needed
 };
 
 } // namespace strandview

@@ -104,6 +104,14 @@ std::optional<FittedFrame> findSuperposition(const Configuration& moved,
     return fitFrame(pairs.moved, pairs.reference);
 }
 
+FittedFrame inverse(const FittedFrame& motion)
+{
+    FittedFrame back = motion;
+    back.rotation = algebra3d::conjugate(motion.rotation);
+    back.point = algebra3d::rotated(motion.point, back.rotation) * -1.0;
+    return back;
+}
+
 void move(Configuration& configuration, const FittedFrame& motion)
 {
     const Mover move(motion);

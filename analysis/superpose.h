@@ -18,6 +18,9 @@ namespace strandview {
 STRANDVIEW_ANALYSIS_EXPORT std::optional<FittedFrame>
 findSuperposition(const Configuration& moved, const Configuration& reference);
 
+/// The way back.
+STRANDVIEW_ANALYSIS_EXPORT FittedFrame inverse(const FittedFrame& motion);
+
 /// Turns all that a configuration has about the origin, and shifts it by motion.point.
 STRANDVIEW_ANALYSIS_EXPORT void move(Configuration& configuration, const FittedFrame& motion);
 

@@ -3,6 +3,7 @@
 #define STRANDVIEW_MODEL_CONFIGURATION_H
 
 #include <cstddef>
+#include <memory>
 #include <vector>
 
 #include <strandview/model/Arrow.h>
@@ -26,13 +27,17 @@ struct Configuration
     std::vector<Frame> frames = {};
     std::vector<Arrow> arrows = {};
     std::vector<LoneBase> loneBases = {};
+    /// What all of it was compared with, as that lies in its own file; null of most. Nothing that
+    /// is shown, exported or measured with the data, and not appended with them.
+    std::shared_ptr<const Configuration> reference = {};
 };
 
 /// Adds what another has behind what there is, kind by kind; nothing is left in the other. Its
 /// molecules get numbers of their own.
 STRANDVIEW_MODEL_EXPORT void append(Configuration& all, Configuration&& more);
 
-/// The bytes of memory that the data take, less what short texts take of their own.
+/// The bytes of memory that the data take, less what short texts take of their own and without
+/// their reference, which other data have, too.
 STRANDVIEW_MODEL_EXPORT std::size_t memoryOf(const Configuration& data);
 
 } // namespace strandview

@@ -605,8 +605,11 @@ void addSetting(CLI::App& app, const Setting& setting, StyleRequest& request)
                      ->type_name(setting.values);
     option->group(setting.group);
     // A session or defaults may say it already.
-    if (!setting.isOfUse(request))
-        option->needs(app.get_option("--" + setting.neededSetting));
+    for (const Setting* of = &setting; !of->neededSetting.empty();) {
+        of = &settingOf(of->neededSetting);
+        if (!of->write(request))
+            option->needs(app.get_option("--" + std::string(of->name)));
+    }
 }
 
 // The command line with the names of its options as they are spelt here.

@@ -220,13 +220,26 @@ std::string FrameRenderer::show(const Configuration& data, const Series::GoOn& g
 
 std::string FrameRenderer::fingerprintOf(std::size_t frame, const Configuration& data)
 {
-    const std::string ofFrame = common + (options.series.stamp ? stampOf(frame) : "") + "\n";
+    const std::string ofFrame =
+        common + (options.series.stamp ? stampOf(frame) : "") + "\n" + digestOfGhost(data);
     if (!options.series.turn)
         return digestOf(ofFrame + digestOf(data));
     if (digestOfTurned.empty())
         digestOfTurned = digestOf(data);
     const std::optional<CameraNumbers> own = findTurnedCamera(frame);
     return digestOf(ofFrame + (own ? formatCamera(*own) + "\n" : "") + digestOfTurned);
+}
+
+// Of what all frames are compared with, if it is shown.
+std::string FrameRenderer::digestOfGhost(const Configuration& data)
+{
+    if (!stage.style.showGhost || !data.reference)
+        return "";
+    if (digested != data.reference) {
+        digested = data.reference;
+        digestOfReference = digestOf(*digested) + "\n";
+    }
+    return digestOfReference;
 }
 
 std::string FrameRenderer::stampOf(std::size_t frame) const

@@ -73,6 +73,7 @@ private:
     Drawn draw(std::size_t frame, const Configuration& data, const Series::GoOn& goOn);
     std::string show(const Configuration& data, const Series::GoOn& goOn);
     std::string fingerprintOf(std::size_t frame, const Configuration& data);
+    std::string digestOfGhost(const Configuration& data);
     std::string stampOf(std::size_t frame) const;
     StampPlace stampPlace() const;
     std::string commandOf(std::size_t frame, const CameraNumbers& used) const;
@@ -87,6 +88,8 @@ private:
     std::string common;                        ///< to all fingerprints
     std::shared_ptr<const LoadedFrame> turned; ///< what a turn goes around, once it is loaded
     std::string digestOfTurned;
+    std::shared_ptr<const Configuration> digested; ///< the reference
+    std::string digestOfReference;
     DataScene* scene = nullptr;
     PictureWriter writer;
     CameraNumbers camera{};

@@ -52,6 +52,8 @@ struct StyleRequest
     /// A file whose first frame others are compared with, by scalars; "first" is that of the
     /// series.
     std::optional<std::string> compare;
+    bool showGhost = false;         ///< what others are compared with, superposed onto them
+    double ghostTransparency = 0.6; ///< up to 1
     /// The scalar that colours tubes and ribbons; without one they have colours of their own.
     std::optional<std::string> colourBy;
     std::optional<double> rangeMin;

@@ -613,6 +613,17 @@ std::vector<Setting> makeSettings()
             "Compare with FILE, or with the first frame of a series: adds the scalars "
             "reference_distance, reference_rotation, shear1, shear2 and extension",
             &readText<&Request::compare>),
+        onlyWith("compare",
+                 makeSwitch<&Request::showGhost>(
+                     "ghost", "Reference as a ghost",
+                     "Show what is compared with, too: its curves and strands in a grey that is "
+                     "seen through, superposed onto the data as for reference_distance",
+                     COLOURS)),
+        ofColours(onlyWith("ghost", makeRow<&Request::ghostTransparency>(
+                                        SettingKind::SHARE, "ghost-transparency",
+                                        "Ghost's transparency", COLOURS, "PART",
+                                        "How much is seen through the ghost, from 0 to 1 [0.6]",
+                                        &readShare<&Request::ghostTransparency>))),
         ofScalar({"range", SettingKind::RANGE, "Range", COLOURS, "MIN:MAX",
                   "Values at the ends of the colours: auto is those of all frames, frame those of "
                   "each, symmetric as far above 0 as below [auto]",
@@ -689,7 +700,10 @@ bool Setting::isSame(const StyleRequest& a, const StyleRequest& b) const
 
 bool Setting::isOfUse(const StyleRequest& request) const
 {
-    return neededSetting.empty() || settingOf(neededSetting).write(request);
+    if (neededSetting.empty())
+        return true;
+    const Setting& needed = settingOf(neededSetting);
+    return needed.write(request) && needed.isOfUse(request);
 }
 
 const std::vector<Setting>& settings()

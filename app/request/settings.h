@@ -59,7 +59,7 @@ struct Setting
 
     /// Whether two requests say the same of it.
     bool isSame(const StyleRequest& a, const StyleRequest& b) const;
-    /// Whether what it needs is said.
+    /// Whether what it needs is said, and what that needs.
     bool isOfUse(const StyleRequest& request) const;
     /// What the request says, or nothing if that is what is usual.
     std::optional<std::string> write(const StyleRequest& request) const;

@@ -23,6 +23,7 @@
 #include "request/limits.h"
 #include "request/parseNumber.h"
 #include "request/thingTexts.h"
+#include "scene/Ghost.h"
 #include "scene/Legend.h"
 #include "scene/ScaleBar.h"
 #include "scene/SoSeeThrough.h"
@@ -166,6 +167,10 @@ void DataScene::restyle(const Placement& placementOfData, const Style& styleOfDa
     setBackground(style.background);
     cut(style.clip);
     draw(style.drawing);
+    if (ghost) {
+        ghost->setTransparency(style.ghostTransparency);
+        ghost->setLooks(style.things);
+    }
 }
 
 void DataScene::draw(const DrawingLook& look)
@@ -317,6 +322,8 @@ void DataScene::drawCoarsely(bool nearRowsLeftOut)
         for (const ShownDatum& datum : kind.data)
             setCoarse(datum, coarse);
     }
+    if (ghost)
+        ghost->drawCoarsely(coarse);
 }
 
 void DataScene::add(std::size_t kind, const ShownDatum& datum)
@@ -357,6 +364,21 @@ void DataScene::keepFirst(std::size_t kind, std::size_t count)
     data.resize(count);
     box.reset();
     alone.clear();
+}
+
+void DataScene::showGhost(std::vector<SceneGeometry::GhostCurve> curves)
+{
+    if (!ghost && curves.empty())
+        return;
+    if (!ghost) {
+        ghost = std::make_unique<Ghost>();
+        ghost->setTransparency(style.ghostTransparency);
+        ghost->setLooks(style.things);
+        ghost->drawCoarsely(coarse);
+        addChanging(ghost->getNode());
+    }
+    ghost->show(std::move(curves));
+    box.reset();
 }
 
 std::vector<Thing> DataScene::getThings() const
@@ -457,6 +479,8 @@ void DataScene::showLooks()
 {
     for (const Thing& thing : getThings())
         showLook(thing);
+    if (ghost)
+        ghost->setLooks(style.things);
     if (onLook)
         onLook();
 }
@@ -521,6 +545,8 @@ const SbBox3f& DataScene::getBox() const
         if (!isHidden(thing))
             box->extendBy(boxOf(thing));
     }
+    if (ghost)
+        box->extendBy(ghost->getBox());
     if (areAllShown)
         box->extendBy(room);
     return *box;

@@ -23,6 +23,7 @@
 #include "scene/Colouring.h"
 #include "scene/PickedPlace.h"
 #include "scene/Placement.h"
+#include "scene/SceneGeometry.h"
 #include "scene/ShownDatum.h"
 #include "scene/Style.h"
 #include "scene/Thing.h"
@@ -30,6 +31,7 @@
 
 namespace strandview {
 
+class Ghost;
 class Legend;
 class ScaleBar;
 struct Configuration;
@@ -74,6 +76,10 @@ public:
     void change(std::size_t kind, std::size_t index, const ShownDatum& datum);
     /// Drops the data of a kind from `count` on.
     void keepFirst(std::size_t kind, std::size_t count);
+
+    /// Shows beside the data what they are compared with, or nothing of it: no thing, nothing that
+    /// is picked, but within its box.
+    void showGhost(std::vector<SceneGeometry::GhostCurve> curves);
 
     /// What it shows, for whoever asks for numbers; null if nobody gave it.
     const std::shared_ptr<const Configuration>& getData() const { return data; }
@@ -224,6 +230,7 @@ private:
     Side standardSide = Side::Z;
     std::optional<Colouring> colouring;
     bool coarse = false;
+    std::unique_ptr<Ghost> ghost; ///< null until there was one
     std::unique_ptr<Legend> legend;
     SoSwitch* legendChoice = nullptr; ///< whether it is shown
     std::unique_ptr<ScaleBar> scaleBar;

@@ -21,6 +21,7 @@
 
 #include "scene/Colouring.h"
 #include "scene/DataScene.h"
+#include "scene/Ghost.h"
 #include "scene/Progress.h"
 #include "scene/SoLabels.h"
 #include "scene/SoLegendCamera.h"
@@ -38,6 +39,7 @@
 #include "scene/builders/LoneBaseBuilder.h"
 #include "scene/builders/MarkerBuilder.h"
 #include "scene/builders/RodBuilder.h"
+#include "scene/ghostCurves.h"
 
 namespace strandview {
 
@@ -85,6 +87,12 @@ std::string checkSize(const Configuration& configuration, const Style& style)
         if (look.slices || look.subsegments)
             vertices +=
                 double(countPoints(configuration, thing)) * own.subsegments * (own.slices + 1);
+    }
+    if (style.showGhost && configuration.reference) {
+        DnaLook strands;
+        strands.backbone = true;
+        vertices += double(countSegments(*configuration.reference, strands)) * style.subsegments *
+                    (style.slices + 1);
     }
     if (vertices <= largest)
         return "";
@@ -165,6 +173,10 @@ SceneGeometry compute(const Configuration& configuration, const Extent& extent, 
                                            style.dna.angstrom, placement);
             },
             progress);
+    if (error.empty()) {
+        geometry.ghost = computeGhost(configuration, style, placement, progress);
+        error = progress.isStopped() ? STOPPED : "";
+    }
     return geometry;
 }
 
@@ -178,7 +190,8 @@ public:
         : scene(changedScene),
           builders(makeBuilders(frame)),
           nodes(nodesToShowIt),
-          added(builders.size())
+          added(builders.size()),
+          ghost(std::move(frame.geometry.ghost))
     {}
     ~FrameChange()
     {
@@ -211,6 +224,7 @@ public:
                 }
             }
         }
+        box.extendBy(boxOfGhost(ghost, scene.getLooks()));
         return checkReach(box);
     }
 
@@ -228,6 +242,7 @@ public:
             for (const ShownDatum& datum : added[kind])
                 scene.add(kind, datum);
         }
+        scene.showGhost(std::move(ghost));
     }
 
 private:
@@ -241,6 +256,7 @@ private:
     const Builders builders;
     const Nodes nodes;
     std::vector<std::vector<ShownDatum>> added; // to each kind, with a reference
+    std::vector<SceneGeometry::GhostCurve> ghost;
 };
 
 std::string showFrame(DataScene& scene, const Configuration& data, const Style& style,
@@ -318,6 +334,8 @@ Reach findReach(const Configuration& configuration, const Style& style, SceneGeo
                 reach.shown.extendBy(box);
         }
     }
+    reach.all.extendBy(boxOfGhost(geometry.ghost, {}));
+    reach.shown.extendBy(boxOfGhost(geometry.ghost, style.things));
     return reach;
 }
 

@@ -9,6 +9,8 @@
 #include <SoRod.h>
 
 #include "request/CameraRequest.h"
+#include "request/ThingKind.h"
+#include "request/ThingLook.h"
 #include "scene/Placement.h"
 
 namespace strandview {
@@ -37,11 +39,21 @@ struct SceneGeometry
     {
         std::array<Backbone, 2> backbones; ///< of strand 1 and 2
     };
+    /// A curve of what the data are compared with, superposed onto them.
+    struct GhostCurve
+    {
+        ThingId like;                                   ///< what of the data it is compared with
+        std::vector<algebra3d::Vector3<double>> points; ///< in the scene
+        std::vector<algebra3d::Quaternion<double>> rotations;
+        SoRod::Meshes meshes;
+        int slices, subsegments; ///< of those
+    };
     Placement placement;
     Side side = Side::Z;       ///< that it is seen from unless another is asked for
     std::vector<Rod> rods;     ///< one for each of the configuration
     std::vector<Birod> birods; ///< one for each of the configuration
     std::vector<Dna> dnas;     ///< one for each of the configuration
+    std::vector<GhostCurve> ghost;
 };
 
 } // namespace strandview

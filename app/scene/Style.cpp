@@ -166,6 +166,8 @@ Style makeStyle(const Options& options, const Configuration& configuration)
     if (options.clip)
         style.clip = settled(*options.clip, extent);
     style.drawing = options.drawing;
+    style.showGhost = options.compare && options.showGhost;
+    style.ghostTransparency = options.ghostTransparency;
     style.legend = options.legend;
     style.things = options.things;
     style.legendTextSize = automaticTextSize(options);

@@ -43,6 +43,9 @@ struct Style : ThingStyle
     bool scaleBar;
     std::string scaleUnit; ///< empty for none
 
+    bool showGhost;           ///< of what the data are compared with, if they are
+    double ghostTransparency; ///< from 0 to 1
+
     ThingLooks things;
 
     double glyphSize; ///< of markers and frames that have none of their own

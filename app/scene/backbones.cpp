@@ -6,6 +6,7 @@
 #include <algebra3d/Matrix3.h>
 
 #include <strandview/model/Extent.h>
+#include <strandview/model/points.h>
 
 namespace strandview {
 
@@ -66,6 +67,18 @@ std::vector<Vector3<double>> idealBackbone(const Dna& dna, Strand strand, double
                                ? backbone.front()
                                : atBase(NEXT_PHOSPHORUS, dna, strand, pairOf(n - 1), angstrom));
     return backbone;
+}
+
+std::vector<Vector3<double>> withoutCoincident(const std::vector<Vector3<double>>& points)
+{
+    const double least = smallestEdge(points);
+    std::vector<Vector3<double>> apart;
+    for (const Vector3<double>& point : points) {
+        if (apart.empty() ||
+            !(areCoincident(apart.back(), point) || (apart.back() - point).getNorm() < least))
+            apart.push_back(point);
+    }
+    return apart;
 }
 
 long long countSegments(const Configuration& configuration, const DnaLook& look)

@@ -49,6 +49,10 @@ algebra3d::Vector3<double> idealPhosphorus(const Dna& dna, Strand strand, std::s
 std::vector<algebra3d::Vector3<double>> idealBackbone(const Dna& dna, Strand strand,
                                                       double angstrom);
 
+/// Points without those that are no points of their own to the formulas of curves.
+std::vector<algebra3d::Vector3<double>>
+withoutCoincident(const std::vector<algebra3d::Vector3<double>>& points);
+
 /// Of all rods and birods, and of the ideal backbones that are drawn in this look.
 long long countSegments(const Configuration& configuration, const DnaLook& look);
 

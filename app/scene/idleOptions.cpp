@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include <strandview/analysis/superpose.h>
 #include <strandview/formats/text/wording.h>
 
 #include "request/thingTexts.h"
@@ -38,7 +39,9 @@ struct Shown
           wireframe(options.drawing.shading == Shading::WIREFRAME),
           legend(options.legend.place != LegendPlace::OFF),
           background(!options.transparent || (options.colourBy && legend) || options.scaleBar),
-          parallel(!options.camera.isPerspective())
+          parallel(!options.camera.isPerspective()),
+          superposed(!options.showGhost || !data.reference ||
+                     findSuperposition(data, *data.reference))
     {}
 
     static bool haveBackbone(const std::vector<Rod>& rods)
@@ -60,6 +63,7 @@ struct Shown
     bool legend;
     bool background; ///< legend and scale bar are drawn in a colour that suits it
     bool parallel;   ///< a view with one scale
+    bool superposed; ///< on a reference, if one is to be seen
 };
 
 struct Rule
@@ -70,36 +74,38 @@ struct Rule
 };
 
 // The first rule that an option breaks is told.
-const Rule RULES[] = {{"--dna", &Shown::dna, "found no DNA"},
-                      {"--dna-unit", &Shown::dna, "found no DNA"},
-                      {"--pairs", &Shown::dna, "found no DNA"},
-                      {"--radius", &Shown::curves, "found no rods"},
-                      {"--subsegments", &Shown::curves, "found no rods"},
-                      {"--tube", &Shown::curves, "found no rods"},
-                      {"--slices", &Shown::curves, "found no rods"},
-                      {"--slices", &Shown::tubes, "--no-tube hides the tubes"},
-                      {"--tube-colour", &Shown::curves, "found no rods"},
-                      {"--tube-colour", &Shown::tubes, "--no-tube hides the tubes"},
-                      {"--ribbon", &Shown::rods, "found no rods"},
-                      {"--ribbon-width", &Shown::rods, "found no rods"},
-                      {"--ribbon-width", &Shown::ribbons, "--no-ribbon hides the ribbons"},
-                      {"--ribbon-colour", &Shown::rods, "found no rods"},
-                      {"--ribbon-colour", &Shown::ribbons, "--no-ribbon hides the ribbons"},
-                      {"--two-sided", &Shown::rods, "found no rods"},
-                      {"--two-sided", &Shown::ribbons, "--no-ribbon hides the ribbons"},
-                      {"--transparency", &Shown::seenThrough, "found no rods and no DNA"},
-                      {"--line-width", &Shown::wireframe, "only --shading wireframe has lines"},
-                      {"--light-1", &Shown::lit, "only --shading lit has lights"},
-                      {"--light-2", &Shown::lit, "only --shading lit has lights"},
-                      {"--light-3", &Shown::lit, "only --shading lit has lights"},
-                      {"--shininess", &Shown::lit, "only --shading lit has lights"},
-                      {"--normalise", &Shown::frames, "found no frames"},
-                      {"--closed", &Shown::single, "found no rods"},
-                      {"--legend-title", &Shown::legend, "--legend off leaves it out"},
-                      {"--legend-unit", &Shown::legend, "--legend off leaves it out"},
-                      {"--legend-format", &Shown::legend, "--legend off leaves it out"},
-                      {"--scale-bar", &Shown::parallel, "a view in perspective has no one scale"},
-                      {"--background", &Shown::background, "--transparent leaves it out"}};
+const Rule RULES[] = {
+    {"--dna", &Shown::dna, "found no DNA"},
+    {"--dna-unit", &Shown::dna, "found no DNA"},
+    {"--pairs", &Shown::dna, "found no DNA"},
+    {"--radius", &Shown::curves, "found no rods"},
+    {"--subsegments", &Shown::curves, "found no rods"},
+    {"--tube", &Shown::curves, "found no rods"},
+    {"--slices", &Shown::curves, "found no rods"},
+    {"--slices", &Shown::tubes, "--no-tube hides the tubes"},
+    {"--tube-colour", &Shown::curves, "found no rods"},
+    {"--tube-colour", &Shown::tubes, "--no-tube hides the tubes"},
+    {"--ribbon", &Shown::rods, "found no rods"},
+    {"--ribbon-width", &Shown::rods, "found no rods"},
+    {"--ribbon-width", &Shown::ribbons, "--no-ribbon hides the ribbons"},
+    {"--ribbon-colour", &Shown::rods, "found no rods"},
+    {"--ribbon-colour", &Shown::ribbons, "--no-ribbon hides the ribbons"},
+    {"--two-sided", &Shown::rods, "found no rods"},
+    {"--two-sided", &Shown::ribbons, "--no-ribbon hides the ribbons"},
+    {"--transparency", &Shown::seenThrough, "found no rods and no DNA"},
+    {"--line-width", &Shown::wireframe, "only --shading wireframe has lines"},
+    {"--light-1", &Shown::lit, "only --shading lit has lights"},
+    {"--light-2", &Shown::lit, "only --shading lit has lights"},
+    {"--light-3", &Shown::lit, "only --shading lit has lights"},
+    {"--shininess", &Shown::lit, "only --shading lit has lights"},
+    {"--normalise", &Shown::frames, "found no frames"},
+    {"--closed", &Shown::single, "found no rods"},
+    {"--legend-title", &Shown::legend, "--legend off leaves it out"},
+    {"--legend-unit", &Shown::legend, "--legend off leaves it out"},
+    {"--legend-format", &Shown::legend, "--legend off leaves it out"},
+    {"--scale-bar", &Shown::parallel, "a view in perspective has no one scale"},
+    {"--background", &Shown::background, "--transparent leaves it out"},
+    {"--ghost", &Shown::superposed, "found nothing of as many points in the reference"}};
 
 // As it stands on the command line.
 std::string written(const std::string& option, const Options& options)

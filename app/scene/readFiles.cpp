@@ -114,7 +114,8 @@ bool compare(Configuration& all, const Options& options, ReadReport& report, Pro
         return true;
     if (!readReference(options, report, progress, reference))
         return false;
-    const std::string notice = addComparison(all, reference ? *reference : Configuration(all));
+    all.reference = std::make_shared<const Configuration>(reference ? std::move(*reference) : all);
+    const std::string notice = addComparison(all, *all.reference);
     if (!notice.empty())
         report.notices.push_back(notice);
     return true;

@@ -135,8 +135,10 @@ void clearWhatNeeds(const Setting& needed, StyleRequest& request, bool textsAlon
 {
     for (const Setting& setting : settings()) {
         if (setting.neededSetting == needed.name &&
-            (!textsAlone || setting.kind == SettingKind::TEXT))
+            (!textsAlone || setting.kind == SettingKind::TEXT)) {
             setting.clear(request);
+            clearWhatNeeds(setting, request, false);
+        }
     }
 }
 

@@ -158,4 +158,22 @@ TEST(ComparedSeries, IsComparedWithItsFirstFrameOrAnother)
     EXPECT_THAT(different.load(0).notices, IsEmpty()) << "more in the reference is no fault";
 }
 
+TEST(ComparedSeries, AllFramesHaveOneReference)
+{
+    const auto frames = [] {
+        return std::make_unique<MemorySeries>(std::vector<Configuration>{oneRod(1), oneRod(2)});
+    };
+    for (const bool isOwn : {true, false}) {
+        ComparedSeries series(frames(), isOwn ? std::nullopt : std::optional(oneRod(3)));
+        const auto second = series.load(1).configuration->reference;
+        const auto first = series.load(0).configuration->reference;
+        ASSERT_TRUE(first);
+        EXPECT_EQ(first, second);
+        const std::vector<Vector> expected = oneRod(isOwn ? 1 : 3).rods[0].points;
+        ASSERT_EQ(first->rods.at(0).points.size(), expected.size());
+        for (std::size_t i = 0; i < expected.size(); ++i)
+            EXPECT_EQ((first->rods[0].points[i] - expected[i]).getNorm(), 0);
+    }
+}
+
 } // namespace strandview

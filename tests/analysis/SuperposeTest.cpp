@@ -53,6 +53,19 @@ TEST(Superpose, TakesAllOfAMovedConfigurationBack)
     }
 }
 
+TEST(Superpose, TheInverseOfAMotionLeadsBack)
+{
+    Chance chance;
+    for (int round = 0; round < 20; ++round) {
+        const Configuration before = chance.everything();
+        Configuration moved = before;
+        const FittedFrame motion = chance.motion();
+        move(moved, motion);
+        move(moved, inverse(motion));
+        EXPECT_LT(largestDistance(moved, before), 1e-12);
+    }
+}
+
 // Of all motions none leaves less.
 TEST(Superpose, LeavesTheLeastSquares)
 {

@@ -415,6 +415,29 @@ TEST_F(RenderSeriesTest, OfChangedDataOnlyTheChangedFramesAreStale)
     EXPECT_NE(timeOf("f_03.png"), ofThird);
 }
 
+// Of what has no counterpart no number tells, but a ghost shows it.
+TEST_F(RenderSeriesTest, OfAnotherReferenceAPictureWithItsGhostIsStale)
+{
+    const auto reference = [](const std::string& second) {
+        return "0 0 0\n1 0 0\n1 1 0\n\n" + second;
+    };
+    const std::string still = folder.write("still.txt", "0 0 0\n1 0 0\n1 1 1\n");
+    const std::string other = folder.write("other.txt", reference("0 0 1\n1 0 1\n"));
+    const std::string with = pattern("with"), without = pattern("without");
+    const auto renderAll = [&] {
+        EXPECT_EQ(run({"--compare", other, "--ghost", "--render", with, still}).status, 0);
+        EXPECT_EQ(run({"--compare", other, "--render", without, still}).status, 0);
+    };
+    renderAll();
+    const auto before = filesOf("with"), beforeWithout = filesOf("without");
+    const auto timeWithout = fs::last_write_time(folder.path("without/f_00.png"));
+    folder.write("other.txt", reference("0 0 2\n1 0 4\n"));
+    renderAll();
+    EXPECT_NE(filesOf("with"), before);
+    EXPECT_EQ(filesOf("without"), beforeWithout);
+    EXPECT_EQ(fs::last_write_time(folder.path("without/f_00.png")), timeWithout);
+}
+
 TEST_F(RenderSeriesTest, WhatIsNoPictureOfOursIsReplaced)
 {
     const std::string out = pattern("out");

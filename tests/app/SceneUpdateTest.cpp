@@ -395,6 +395,34 @@ TEST_F(SceneUpdateTest, ShowsTheNextFrameAsANewSceneDoes)
     }
 }
 
+TEST_F(SceneUpdateTest, ShowsWhatTheNextFrameIsComparedWithAsANewSceneDoes)
+{
+    const auto reference = std::make_shared<const Configuration>(oneOfEach(0.6));
+    const auto compared = [&](double time) {
+        Configuration data = oneOfEach(time);
+        data.reference = reference;
+        return data;
+    };
+    options.compare = "reference.json";
+    options.showGhost = true;
+    build(compared(0));
+    for (const double time : {0.2, 0.5, 0.0}) {
+        SCOPED_TRACE(time);
+        ASSERT_EQ(update(compared(time)), "");
+        expectShows(compared(time));
+    }
+    const SbBox3f box = scene->getBox();
+    const ::Picture with = render(scene, box);
+    options.showGhost = false;
+    ASSERT_EQ(restyle(options, compared(0)), "");
+    const ::Picture without = render(scene, box);
+    EXPECT_GT(compare(with, without).pixels, 100);
+    DataScene* const anew = buildAnew(compared(0));
+    EXPECT_EQ(scene->getBox(), anew->getBox());
+    EXPECT_EQ(compare(render(anew, box), without).pixels, 0);
+    anew->unref();
+}
+
 TEST_F(SceneUpdateTest, KeepsTheNodesOfDataThatStay)
 {
     build(oneOfEach());
@@ -987,16 +1015,16 @@ TEST_F(SceneUpdateTest, WhatTheUserChangedOfADatumStaysInAnotherStyle)
 TEST_F(SceneUpdateTest, OtherColoursAreThoseOfANewSceneAndTheirShapesStay)
 {
     const std::multimap<std::string, const char*> values{
-        {"tube-colour", "red"},    {"ribbon-colour", "blue"}, {"background", "black"},
-        {"colour-by", "k"},        {"colour-by", "roll"},     {"colour-by", "curvature"},
-        {"colours", "cividis_r"},  {"range", "0:0.5"},        {"range", "symmetric"},
-        {"below-colour", "red"},   {"above-colour", "blue"},  {"nan-colour", "white"},
-        {"legend", "top"},         {"legend-title", "t"},     {"legend-unit", "u"},
-        {"legend-format", ".2f"},  {"scale-bar", "on"},       {"scale-unit", "mm"},
-        {"shading", "plain"},      {"shading", "wireframe"},  {"shading", "lit"},
-        {"line-width", "2.5"},     {"bounding-boxes", "on"},  {"bounding-boxes", "off"},
-        {"light-1", "1,0,-1:0.7"}, {"light-2", "0.5"},        {"light-3", "0,1,0"},
-        {"shininess", "3,50,0"}};
+        {"tube-colour", "red"},    {"ribbon-colour", "blue"},    {"background", "black"},
+        {"colour-by", "k"},        {"colour-by", "roll"},        {"colour-by", "curvature"},
+        {"colours", "cividis_r"},  {"range", "0:0.5"},           {"range", "symmetric"},
+        {"below-colour", "red"},   {"above-colour", "blue"},     {"nan-colour", "white"},
+        {"legend", "top"},         {"legend-title", "t"},        {"legend-unit", "u"},
+        {"legend-format", ".2f"},  {"scale-bar", "on"},          {"scale-unit", "mm"},
+        {"shading", "plain"},      {"shading", "wireframe"},     {"shading", "lit"},
+        {"line-width", "2.5"},     {"bounding-boxes", "on"},     {"bounding-boxes", "off"},
+        {"light-1", "1,0,-1:0.7"}, {"light-2", "0.5"},           {"light-3", "0,1,0"},
+        {"shininess", "3,50,0"},   {"ghost-transparency", "0.9"}};
     options.showRibbon = true;
     options.transparency = 0.3;
     options.clip = parseClipPlane("x:0.7");
@@ -1004,7 +1032,10 @@ TEST_F(SceneUpdateTest, OtherColoursAreThoseOfANewSceneAndTheirShapesStay)
                          "birod 1: colour=red; DNA 1: transparency=0",
                          options.things),
               "");
+    options.compare = "reference.json";
+    options.showGhost = true;
     Configuration data = oneOfEach();
+    data.reference = std::make_shared<const Configuration>(oneOfEach(0.6));
     setScalar(data.rods[0], [](double t) { return t; });
     build(data);
     const auto* const rod = static_cast<const SoRod*>(scene->getShown(RODS)[0].node);

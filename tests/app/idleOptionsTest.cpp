@@ -45,6 +45,20 @@ TEST(IdleOptions, AreNoneWhereEachHasSomethingToActOn)
     EXPECT_THAT(findIdleOptions(given({"--closed"}), rods(false)), IsEmpty());
 }
 
+TEST(IdleOptions, AGhostNeedsAReferenceThatItCanBeSuperposedFrom)
+{
+    Options options = given({"--ghost"});
+    options.showGhost = true;
+    Configuration data = rods(), other = rods();
+    data.reference = std::make_shared<const Configuration>(other);
+    EXPECT_THAT(findIdleOptions(options, data), IsEmpty());
+    other.rods[0].points.emplace_back(1, 0, 1);
+    data.reference = std::make_shared<const Configuration>(other);
+    EXPECT_THAT(findIdleOptions(options, data),
+                ElementsAre("--ghost has no effect: found nothing of as many points in the "
+                            "reference"));
+}
+
 TEST(IdleOptions, AreThoseOfThingsThatThereAreNot)
 {
     Options options = given({"--thing"});

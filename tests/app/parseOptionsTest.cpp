@@ -175,6 +175,9 @@ TEST(ParseOptions, MillimetresAreOfPicturesAlone)
                   "--size: found '85x60mm' without --render, expected pixels, WxH");
     expectRefused({"--plot", "a.pdf", "--size", "85x60mm", "rod.txt"}, "without --render");
     expectRefused({"--dpi", "300", "rod.txt"}, "--dpi requires --render");
+    expectRefused({"--ghost", "rod.txt"}, "--ghost requires --compare");
+    expectRefused({"--compare", "first", "--ghost-transparency", "0.5", "rod.txt"},
+                  "--ghost-transparency requires --ghost");
 }
 
 TEST(ParseOptions, WhatIsExportedAndOfWhichFrameIsTaken)

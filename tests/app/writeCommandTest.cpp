@@ -128,14 +128,14 @@ TEST(WriteCommandTest, WhatIsUsualOfAPictureIsNotSaid)
 TEST(WriteCommandTest, WhatAPictureKeepsHasNoFoldersAndNotItsName)
 {
     Options options;
-    options.compare = "/home/me/start.txt";
+    ASSERT_EQ(settingOf("compare").read("/home/me/start.txt", options), "");
     ShownPicture picture = pictureOf({"/home/me/a rod.txt", "frames/", "../b.txt", "-"});
     picture.name = "/home/me/knot.png";
     const Options kept = parsed(wordsOf(writeCommandToKeep(options, picture)));
     EXPECT_EQ(kept.files, std::vector<std::string>({"a rod.txt", "frames", "b.txt", "-"}));
     EXPECT_EQ(kept.compare, "start.txt");
     EXPECT_EQ(kept.picture, "picture.png");
-    options.compare = "first";
+    ASSERT_EQ(settingOf("compare").read("first", options), "");
     EXPECT_EQ(parsed(wordsOf(writeCommandToKeep(options, picture))).compare, "first");
 }
 

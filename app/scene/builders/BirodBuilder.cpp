@@ -22,8 +22,7 @@ namespace strandview {
 
 namespace {
 
-const double AVERAGE_RADIUS = 0.6; // of that of the strands
-const int OWN_COLOURS = 1;         // the child of the group, behind their binding
+const int OWN_COLOURS = 1; // the child of the group, behind their binding
 
 // "pair.json: birods[0].strand1.points[5]" for the member "strand1".
 std::string nameOfPoint(const Birod& birod, const std::string& member, std::size_t point)

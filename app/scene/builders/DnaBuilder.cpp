@@ -21,7 +21,6 @@
 
 #include <strandview/analysis/doubleStrands.h>
 #include <strandview/analysis/parallelTransport.h>
-#include <strandview/model/points.h>
 
 #include "scene/BaseNodes.h"
 #include "scene/Colouring.h"
@@ -438,19 +437,6 @@ SoNode* makeStrandAlone(const ShownDatum& shown, ThingPart part, const ThingStyl
 
 const PartsOfDatum STRANDS_OF_DNA{&hide, &setStrandColour, &getStrandColour, &findStrandBox,
                                   &makeStrandAlone};
-
-// Without those that are no points of their own to the formulas.
-std::vector<Vector3<double>> withoutCoincident(const std::vector<Vector3<double>>& points)
-{
-    const double least = smallestEdge(points);
-    std::vector<Vector3<double>> apart;
-    for (const Vector3<double>& point : points) {
-        if (apart.empty() ||
-            !(areCoincident(apart.back(), point) || (apart.back() - point).getNorm() < least))
-            apart.push_back(point);
-    }
-    return apart;
-}
 
 SceneGeometry::Backbone computeBackbone(const std::vector<Vector3<double>>& points,
                                         const ThingStyle& style, const Placement& placement)

@@ -30,17 +30,11 @@ bool showsTube(const ThingStyle& style, const Rod& rod)
     return rod.isBackbone ? style.showBackbones : style.showTube;
 }
 
-double radiusOf(const Rod& rod, const ThingStyle& style)
-{
-    if (style.isRadiusAsked)
-        return style.radius;
-    return rod.radius.value_or(rod.isBackbone ? style.backboneRadius : style.radius);
-}
-
 double ribbonWidthOf(const Rod& rod, const ThingStyle& style)
 {
-    return style.isRibbonWidthAsked ? style.ribbonWidth
-                                    : style.ribbonWidth * (radiusOf(rod, style) / style.radius);
+    return style.isRibbonWidthAsked
+               ? style.ribbonWidth
+               : style.ribbonWidth * (RodBuilder::radiusOf(rod, style) / style.radius);
 }
 
 // "rod.txt:2: rod 1, line 7", "rod.json: rods[0].points[5]".
@@ -88,6 +82,13 @@ SceneGeometry::Rod RodBuilder::compute(const Rod& rod, const ThingStyle& style,
                       showsRibbon(style, rod) ? computed.meshes.ribbon.get() : nullptr,
                       style.subsegments, ribbonWidthOf(rod, style), curve);
     return computed;
+}
+
+double RodBuilder::radiusOf(const Rod& rod, const ThingStyle& style)
+{
+    if (style.isRadiusAsked)
+        return style.radius;
+    return rod.radius.value_or(rod.isBackbone ? style.backboneRadius : style.radius);
 }
 
 std::string RodBuilder::check(std::size_t index) const

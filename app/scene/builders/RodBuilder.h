@@ -23,6 +23,9 @@ public:
     static SceneGeometry::Rod compute(const Rod& rod, const ThingStyle& style,
                                       const Placement& placement, std::string& error);
 
+    /// That of its tube, in the data's unit.
+    static double radiusOf(const Rod& rod, const ThingStyle& style);
+
     std::string check(std::size_t index) const override;
     ThingKind getKind() const override { return ThingKind::ROD; }
     const char* getWork() const override;

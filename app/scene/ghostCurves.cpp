@@ -1,0 +1,154 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "scene/ghostCurves.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include <BiarcTubeMesh.h>
+
+#include <strandview/analysis/parallelTransport.h>
+#include <strandview/analysis/superpose.h>
+
+#include "scene/Progress.h"
+#include "scene/backbones.h"
+#include "scene/builders/BirodBuilder.h"
+#include "scene/builders/RodBuilder.h"
+#include "scene/curveFaults.h"
+
+namespace strandview {
+
+namespace {
+
+using Points = std::vector<algebra3d::Vector3<double>>;
+using Rotations = std::vector<algebra3d::Quaternion<double>>;
+
+// Of the radius of what is compared: less than the smallest of a tube of six slices, cos(pi / 6),
+// so that no corner of the ghost is outside of a tube that has its corners elsewhere.
+const double THINNER = 0.8;
+
+// A curve of the reference, in its own coordinates.
+struct Curve
+{
+    ThingId like;
+    Rod rod;                 // its points, rotations, and whether it is closed
+    double radius;           // in the data's unit
+    bool areEndsOfItsFrames; // or of its points alone
+};
+
+Rod lineThrough(Points points, Rotations rotations)
+{
+    Rod rod;
+    rod.points = std::move(points);
+    rod.rotations = std::move(rotations);
+    return rod;
+}
+
+void addRods(const Configuration& reference, const Style& style, std::vector<Curve>& curves)
+{
+    for (std::size_t i = 0; i < reference.rods.size(); ++i) {
+        const Rod& rod = reference.rods[i];
+        const ThingId like{ThingKind::ROD, i};
+        Curve curve{like, lineThrough(rod.points, rod.rotations),
+                    RodBuilder::radiusOf(rod, styleOf(style, like)), true};
+        curve.rod.isClosed = rod.isClosed;
+        curves.push_back(std::move(curve));
+    }
+}
+
+void addBirods(const Configuration& reference, const Style& style, std::vector<Curve>& curves)
+{
+    for (std::size_t i = 0; i < reference.birods.size(); ++i) {
+        const Birod& birod = reference.birods[i];
+        const double radius = styleOf(style, {ThingKind::BIROD, i}).radius;
+        const auto like = [i](ThingPart part) { return ThingId{ThingKind::BIROD, i, part}; };
+        curves.push_back({like(ThingPart::AVERAGE), lineThrough(birod.points, birod.rotations),
+                          BirodBuilder::AVERAGE_RADIUS * radius, true});
+        curves.push_back({like(ThingPart::STRAND_1), lineThrough(birod.points1, birod.rotations1),
+                          radius, false});
+        curves.push_back({like(ThingPart::STRAND_2), lineThrough(birod.points2, birod.rotations2),
+                          radius, false});
+    }
+}
+
+void addStrands(const Configuration& reference, const Style& style, std::vector<Curve>& curves)
+{
+    const Molecules molecules(reference);
+    for (std::size_t i = 0; i < reference.dnas.size(); ++i) {
+        const Dna& dna = reference.dnas[i];
+        if (molecules.hasBackbone(dna.molecule))
+            continue;
+        for (const auto& [strand, part] : {std::pair(Strand::FIRST, ThingPart::STRAND_1),
+                                           {Strand::SECOND, ThingPart::STRAND_2}}) {
+            const ThingId like{ThingKind::DNA, i, part};
+            Points points = withoutCoincident(idealBackbone(dna, strand, style.dna.angstrom));
+            if (points.size() < 2)
+                continue;
+            Rotations rotations = parallelTransport(points);
+            curves.push_back({like, lineThrough(std::move(points), std::move(rotations)),
+                              styleOf(style, {ThingKind::DNA, i}).backboneRadius, true});
+        }
+    }
+}
+
+// Whether a tube can be drawn through its points.
+std::optional<SceneGeometry::GhostCurve> compute(Curve curve, const Style& style,
+                                                 const Placement& placement)
+{
+    const ThingStyle own = styleOf(style, {curve.like.kind, curve.like.index});
+    const double radius = placement.scale * THINNER * curve.radius;
+    const double hiddenWidth = radius / 2; // of a ribbon within the tube
+    SceneGeometry::GhostCurve computed;
+    computed.like = curve.like;
+    computed.slices = own.slices;
+    computed.subsegments = own.subsegments;
+    computed.points = placement.toScene(curve.rod.points);
+    computed.rotations = std::move(curve.rod.rotations);
+    computed.meshes = SoRod::makeMeshes(computed.points, computed.rotations, radius, hiddenWidth,
+                                        own.slices, own.subsegments, false, curve.rod.isClosed);
+    if (!computed.meshes.tube)
+        return {};
+    if (!curve.areEndsOfItsFrames) {
+        computed.meshes.tube = std::make_unique<BiarcTubeMesh>(computed.points, radius, own.slices,
+                                                               own.subsegments, false, false);
+        computed.meshes.tube->forgetCurve();
+    }
+    const NamedCurve named{computed.points,
+                           curve.areEndsOfItsFrames ? &computed.rotations : nullptr,
+                           [](std::size_t point) { return std::to_string(point); }};
+    if (!findFault(*computed.meshes.tube, own.subsegments, named).empty())
+        return {};
+    return computed;
+}
+
+} // namespace
+
+std::vector<SceneGeometry::GhostCurve> computeGhost(const Configuration& data, const Style& style,
+                                                    const Placement& placement,
+                                                    const Progress& progress)
+{
+    if (!style.showGhost || !data.reference)
+        return {};
+    const std::optional<FittedFrame> there = findSuperposition(data, *data.reference);
+    if (!there)
+        return {};
+    std::vector<Curve> curves;
+    addRods(*data.reference, style, curves);
+    addBirods(*data.reference, style, curves);
+    addStrands(*data.reference, style, curves);
+    const FittedFrame back = inverse(*there);
+    std::vector<SceneGeometry::GhostCurve> ghost;
+    for (Curve& curve : curves) {
+        if (progress.isStopped())
+            break;
+        Configuration alone{{std::move(curve.rod)}};
+        move(alone, back);
+        curve.rod = std::move(alone.rods.front());
+        if (auto computed = compute(std::move(curve), style, placement))
+            ghost.push_back(std::move(*computed));
+    }
+    return ghost;
+}
+
+} // namespace strandview
