@@ -52,23 +52,22 @@ BiarcRibbonMesh::BiarcRibbonMesh(const std::vector<Vector>& edgeA, const std::ve
         takeMemory(*replaced);
         takeNodes(curveA, replaced->curveA);
         takeNodes(curveB, replaced->curveB);
-        takeTable(paramValues, replaced->paramValues);
-        takeTable(interpParamValues, replaced->interpParamValues);
+        lengths = std::move(replaced->lengths);
     }
     setWidth(2);
     const std::size_t m = edgeA.size();
     if (m < 2) {
         // What is left of a mesh that this one replaces
         forgetCurves();
-        paramValues.clear();
-        interpParamValues.clear();
+        lengths.reset();
         return;
     }
 
     const int rows = int(interpolationCount) * (int(m) - 1) + 1;
     setHeight(rows);
-    paramValues.resize(m);
-    interpParamValues.resize(std::size_t(rows));
+    ArcLengths& filled = ownLengths(lengths);
+    filled.ofPoints.resize(m);
+    filled.ofRows.resize(std::size_t(rows));
 
     interpolate(curveA, edgeA, m, closed);
     interpolate(curveB, edgeB, m, closed);
@@ -82,7 +81,7 @@ void BiarcRibbonMesh::fillRows(int m)
 {
     Vector **points = getPoints(), **normals = getNormals();
     const int count = int(interpolationCount);
-    const LengthTables tables = {paramValues, interpParamValues}; // those of curve B stay
+    const LengthTables tables = {lengths->ofPoints, lengths->ofRows}; // those of curve B stay
     CurveWalk walkA(curveA, m, count, nullptr), walkB(curveB, m, count, &tables);
     CurveSamples edgeA, edgeB;
     while (walkA.next(edgeA) && walkB.next(edgeB)) {
@@ -90,7 +89,7 @@ void BiarcRibbonMesh::fillRows(int m)
         fillRibbon(edgeA, edgeB, points[row], normals[row], getMinimum(), getMaximum());
     }
     const int last = walkB.getRow();
-    paramValues[std::size_t(m - 1)] = interpParamValues[std::size_t(last)] = walkB.getLength();
+    lengths->ofPoints[std::size_t(m - 1)] = lengths->ofRows[std::size_t(last)] = walkB.getLength();
 
     // Unlike the tube's last ring, the last row does not extend the box: kept on purpose.
     const Biarc<::Vector3>&endA = lastNode(curveA, m), &endB = lastNode(curveB, m);
@@ -106,6 +105,9 @@ void BiarcRibbonMesh::computePointsOnSide(int column, int m, Curve<::Vector3>& c
 {
     if (curve.biarcs.empty())
         return;
+    if (lengths && lengths.use_count() > 1)
+        lengths = std::make_shared<ArcLengths>(*lengths);
+    ArcLengths& filled = ownLengths(lengths);
     Vector** points = getPoints();
     const auto visit = [&](int firstRow, const CurveSamples& samples) {
         for (int i = 0; i < samples.size; ++i) {
@@ -115,7 +117,7 @@ void BiarcRibbonMesh::computePointsOnSide(int column, int m, Curve<::Vector3>& c
         }
     };
     const int last =
-        sampleCurve(curve, m, int(interpolationCount), {paramValues, interpParamValues}, visit);
+        sampleCurve(curve, m, int(interpolationCount), {filled.ofPoints, filled.ofRows}, visit);
     points[last][column] = fromBiarc(lastNode(curve, m).point);
     tangents[std::size_t(last)] = fromBiarc(lastNode(curve, m).tangent);
 }
@@ -127,9 +129,14 @@ void BiarcRibbonMesh::forgetCurves()
     curveB.biarcs = std::vector<Biarc<::Vector3>>();
 }
 
-const std::vector<double>& BiarcRibbonMesh::getParamValues() const { return paramValues; }
+const std::vector<double>& BiarcRibbonMesh::getParamValues() const
+{
+    return lengthsOr(lengths).ofPoints;
+}
 
 const std::vector<double>& BiarcRibbonMesh::getInterpParamValues() const
 {
-    return interpParamValues;
+    return lengthsOr(lengths).ofRows;
 }
+
+std::shared_ptr<const ArcLengths> BiarcRibbonMesh::shareArcLengths() const { return lengths; }

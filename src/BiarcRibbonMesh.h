@@ -5,6 +5,7 @@
 #include <memory>
 #include <vector>
 
+#include <ArcLengths.h>
 #include <RibbonMesh.h>
 #include <biarc/Curve.h>
 
@@ -52,6 +53,9 @@ public:
     const std::vector<double>& getParamValues() const;
     /// One per row.
     const std::vector<double>& getInterpParamValues() const;
+    /// Both, for whoever colours rows in another thread: they stay as they are when the mesh goes,
+    /// or is built anew, and share its memory. Null before there are any.
+    std::shared_ptr<const ArcLengths> shareArcLengths() const;
 
 private:
     BiarcRibbonMesh(const std::vector<algebra3d::Vector3<double>>& edgeA,
@@ -63,8 +67,7 @@ private:
     double interpolationCount; // a whole number
     Curve<::Vector3> curveA;
     Curve<::Vector3> curveB;
-    std::vector<double> paramValues;
-    std::vector<double> interpParamValues;
+    std::shared_ptr<ArcLengths> lengths; // null without; not changed while others have them
 };
 
 #endif

@@ -23,8 +23,7 @@ BiarcTubeMesh::BiarcTubeMesh(double radius, int ringSlices, int ringsPerBiarc,
         return;
     takeMemory(*replaced);
     takeNodes(curve, replaced->curve);
-    takeTable(paramValues, replaced->paramValues);
-    takeTable(interpParamValues, replaced->interpParamValues);
+    lengths = std::move(replaced->lengths);
 }
 
 BiarcTubeMesh::BiarcTubeMesh(const std::vector<Vector>& points, double radius, int ringSlices,
@@ -66,9 +65,9 @@ std::unique_ptr<BiarcTubeMesh> BiarcTubeMesh::makeClosed(const std::vector<Vecto
     const Vector tangent = tangentAtSeam(points);
     auto mesh = std::make_unique<BiarcTubeMesh>(points, tangent, tangent, radius, ringSlices,
                                                 ringsPerBiarc, false, false, replaced);
-    std::vector<double> shares = mesh->interpParamValues;
+    std::vector<double> shares = mesh->getInterpParamValues();
     for (double& share : shares)
-        share /= mesh->interpParamValues.back();
+        share /= mesh->getInterpParamValues().back();
     mesh->meetItself(shares);
     return mesh;
 }
@@ -137,8 +136,9 @@ void BiarcTubeMesh::generateMesh(int n)
         forgetTables(); // the ends of which stay zero
     setWidth(getSlices() + 1);
     setHeight(interpolationCount * (n - 1) + 1);
-    paramValues.resize(std::size_t(n));
-    interpParamValues.resize(std::size_t(getHeight()));
+    ArcLengths& filled = ownLengths(lengths);
+    filled.ofPoints.resize(std::size_t(n));
+    filled.ofRows.resize(std::size_t(getHeight()));
     // A subclass may have a circle of its own. It is then asked ring by ring.
     const bool ownCircle = typeid(*this) != typeid(BiarcTubeMesh);
     if (ownCircle || !isComplete)
@@ -162,7 +162,7 @@ void BiarcTubeMesh::generateMesh(int n)
         normaliseTangents(samples);
         fill(firstRow, samples);
     };
-    const int last = sampleCurve(curve, n, interpolationCount, {paramValues, interpParamValues},
+    const int last = sampleCurve(curve, n, interpolationCount, {filled.ofPoints, filled.ofRows},
                                  normaliseAndFill);
     CurveSamples end;
     end.append(lastNode(curve, n).point, lastNode(curve, n).tangent);
@@ -175,15 +175,19 @@ void BiarcTubeMesh::computeMeshAt(int row, Vector centre, Vector tangent, Vector
     fillRing(row, centre, d1, d2);
 }
 
-void BiarcTubeMesh::forgetTables()
-{
-    paramValues.clear();
-    interpParamValues.clear();
-}
+void BiarcTubeMesh::forgetTables() { lengths.reset(); }
 
 // Assigning {} would keep the memory.
 void BiarcTubeMesh::forgetCurve() { curve.biarcs = std::vector<Biarc<::Vector3>>(); }
 
-const std::vector<double>& BiarcTubeMesh::getParamValues() const { return paramValues; }
+const std::vector<double>& BiarcTubeMesh::getParamValues() const
+{
+    return lengthsOr(lengths).ofPoints;
+}
 
-const std::vector<double>& BiarcTubeMesh::getInterpParamValues() const { return interpParamValues; }
+const std::vector<double>& BiarcTubeMesh::getInterpParamValues() const
+{
+    return lengthsOr(lengths).ofRows;
+}
+
+std::shared_ptr<const ArcLengths> BiarcTubeMesh::shareArcLengths() const { return lengths; }

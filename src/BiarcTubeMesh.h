@@ -5,6 +5,7 @@
 #include <memory>
 #include <vector>
 
+#include <ArcLengths.h>
 #include <TubeMesh.h>
 #include <biarc/Curve.h>
 #include <biarc/Tube.h>
@@ -84,6 +85,9 @@ public:
     const std::vector<double>& getParamValues() const;
     /// One per ring.
     const std::vector<double>& getInterpParamValues() const;
+    /// Both, for whoever colours rows in another thread: they stay as they are when the mesh goes,
+    /// or is built anew, and share its memory. Null before there are any.
+    std::shared_ptr<const ArcLengths> shareArcLengths() const;
 
 private:
     BiarcTubeMesh(double radius, int slices, int interpolationCount, bool lowerCapTakesLast,
@@ -95,8 +99,7 @@ private:
     int interpolationCount;
     Tube<::Vector3> tube;
     Curve<::Vector3> curve;
-    std::vector<double> paramValues;
-    std::vector<double> interpParamValues;
+    std::shared_ptr<ArcLengths> lengths; // null without; not changed while others have them
 };
 
 #endif

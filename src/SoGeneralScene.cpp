@@ -91,13 +91,10 @@ void whitenSpecularColour(SoMaterial* material, int entries)
     material->specularColor.setValue(1, 1, 1);
 }
 
-// Ambient and diffuse colours from entry `offset` on: the mapper's for value(i).
+// The mapper's for value(i).
 template <typename Value>
-void colourEntries(const ColourMapper* mapper, SoMaterial* material, int offset, std::size_t count,
-                   Value value)
+std::vector<SbColor> mappedColours(const ColourMapper* mapper, std::size_t count, Value value)
 {
-    if (count == 0)
-        return;
     const ColourMapper fallback;
     const ColourMapper& used = mapper ? *mapper : fallback;
     std::vector<SbColor> entries(count);
@@ -106,8 +103,23 @@ void colourEntries(const ColourMapper* mapper, SoMaterial* material, int offset,
         used.getColour(value(i), colour);
         entries[i] = toSbColor(colour);
     }
-    material->ambientColor.setValues(offset, int(count), entries.data());
-    material->diffuseColor.setValues(offset, int(count), entries.data());
+    return entries;
+}
+
+// Ambient and diffuse colours from entry `offset` on.
+void setEntries(SoMaterial* material, int offset, const std::vector<SbColor>& entries)
+{
+    if (entries.empty())
+        return;
+    material->ambientColor.setValues(offset, int(entries.size()), entries.data());
+    material->diffuseColor.setValues(offset, int(entries.size()), entries.data());
+}
+
+// Of which a spline is made.
+bool areEnough(const std::vector<double>& x, const std::vector<double>& y,
+               const std::vector<double>& at)
+{
+    return std::min(x.size(), y.size()) >= 3 && at.size() >= 3;
 }
 
 // The vertex stage says where a vertex is before the planes, which not every driver finds out by
@@ -284,16 +296,14 @@ void SoGeneralScene::generateMaterial(ColourMapper* mapper, SoMaterial* material
                                       const std::vector<double>& values)
 {
     whitenSpecularColour(material, int(values.size()) + offset);
-    colourEntries(mapper, material, offset, values.size(),
-                  [&values](std::size_t i) { return values[i]; });
+    setEntries(material, offset, generateColours(mapper, values));
 }
 
 void SoGeneralScene::interpolateMaterial(ColourMapper* mapper, SoMaterial* material, int offset,
                                          const std::vector<double>& x, const std::vector<double>& y,
                                          const std::vector<double>& at)
 {
-    const std::size_t samples = std::min(x.size(), y.size());
-    if (samples < 3 || at.size() < 3)
+    if (!areEnough(x, y, at))
         return;
     whitenSpecularColour(material, int(at.size()) + offset);
     if (!isAscending(x)) {
@@ -301,13 +311,31 @@ void SoGeneralScene::interpolateMaterial(ColourMapper* mapper, SoMaterial* mater
         material->diffuseColor.setValue(0, 0, 0);
         return;
     }
+    setEntries(material, offset, interpolateColours(mapper, x, y, at));
+}
 
+std::vector<SbColor> SoGeneralScene::generateColours(const ColourMapper* mapper,
+                                                     const std::vector<double>& values)
+{
+    return mappedColours(mapper, values.size(), [&values](std::size_t i) { return values[i]; });
+}
+
+std::vector<SbColor> SoGeneralScene::interpolateColours(const ColourMapper* mapper,
+                                                        const std::vector<double>& x,
+                                                        const std::vector<double>& y,
+                                                        const std::vector<double>& at)
+{
+    if (!areEnough(x, y, at))
+        return {};
+    if (!isAscending(x))
+        return std::vector<SbColor>(at.size(), SbColor(0, 0, 0));
+    const std::size_t samples = std::min(x.size(), y.size());
     const std::unique_ptr<gsl_interp_accel, decltype(&gsl_interp_accel_free)> accelerator(
         gsl_interp_accel_alloc(), gsl_interp_accel_free);
     const std::unique_ptr<gsl_spline, decltype(&gsl_spline_free)> spline(
         gsl_spline_alloc(gsl_interp_cspline, samples), gsl_spline_free);
     gsl_spline_init(spline.get(), x.data(), y.data(), samples);
-    colourEntries(mapper, material, offset, at.size(), [&](std::size_t i) {
+    return mappedColours(mapper, at.size(), [&](std::size_t i) {
         return gsl_spline_eval(spline.get(), at[i], accelerator.get());
     });
 }

@@ -4,6 +4,7 @@
 
 #include <vector>
 
+#include <Inventor/SbColor.h>
 #include <Inventor/SbPlane.h>
 #include <Inventor/SbVec2f.h>
 #include <Inventor/nodes/SoSeparator.h>
@@ -87,6 +88,16 @@ public:
     static void interpolateMaterial(ColourMapper* mapper, SoMaterial* material, int offset,
                                     const std::vector<double>& x, const std::vector<double>& y,
                                     const std::vector<double>& at);
+
+    /// The colours that those two give to materials, without one: in any thread, while nobody
+    /// changes the mapper. Of interpolateMaterial() none where that does nothing, and all black if
+    /// x is not ascending.
+    static std::vector<SbColor> generateColours(const ColourMapper* mapper,
+                                                const std::vector<double>& values);
+    static std::vector<SbColor> interpolateColours(const ColourMapper* mapper,
+                                                   const std::vector<double>& x,
+                                                   const std::vector<double>& y,
+                                                   const std::vector<double>& at);
 
     // Look
 

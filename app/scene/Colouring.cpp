@@ -6,7 +6,6 @@
 #include <set>
 #include <utility>
 
-#include <Inventor/nodes/SoMaterial.h>
 #include <SoGeneralScene.h>
 
 #include <strandview/analysis/comparison.h>
@@ -534,13 +533,6 @@ std::vector<std::size_t> nearestPoints(const Values& arcLengths, const Values& a
     return nearest;
 }
 
-void setColours(SoMaterial* material, int index, const Colour& colour)
-{
-    const SbColor value = toSbColor(colour);
-    material->ambientColor.set1Value(index, value);
-    material->diffuseColor.set1Value(index, value);
-}
-
 // Between two places, and at their own beyond them.
 Values straight(double from, double fromPlace, double to, double toPlace, const Values& at)
 {
@@ -553,9 +545,9 @@ Values straight(double from, double fromPlace, double to, double toPlace, const 
 }
 
 // Points `first` to `last`, all with a place; `at` lies between them.
-void colourRun(ColourMapper& ramp, const Values& arcLengths, const Values& places,
-               std::size_t first, std::size_t last, const Values& at, int offset,
-               SoMaterial* material)
+std::vector<SbColor> colourRun(const ColourMapper& ramp, const Values& arcLengths,
+                               const Values& places, std::size_t first, std::size_t last,
+                               const Values& at)
 {
     if (last - first < 2 || at.size() < 3) {
         // Of three points or more, the two around the rows.
@@ -563,16 +555,13 @@ void colourRun(ColourMapper& ramp, const Values& arcLengths, const Values& place
             ++first;
         while (last - first > 1 && arcLengths[last - 1] >= at.back())
             --last;
-        SoGeneralScene::generateMaterial(
-            &ramp, material, offset,
-            straight(arcLengths[first], places[first], arcLengths[last], places[last], at));
-        return;
+        return SoGeneralScene::generateColours(
+            &ramp, straight(arcLengths[first], places[first], arcLengths[last], places[last], at));
     }
     const auto part = [=](const Values& all) {
         return Values(all.begin() + std::ptrdiff_t(first), all.begin() + std::ptrdiff_t(last) + 1);
     };
-    SoGeneralScene::interpolateMaterial(&ramp, material, offset, part(arcLengths), part(places),
-                                        at);
+    return SoGeneralScene::interpolateColours(&ramp, part(arcLengths), part(places), at);
 }
 
 // The place at an arc length, straight between the points around it. Where one of them has none it
@@ -591,14 +580,18 @@ double straightAt(const Values& arcLengths, const Values& places, std::size_t ne
 } // namespace
 
 void colourRows(const PlaceColours& colours, const Values& arcLengths, const Values& places,
-                const Values& at, int offset, SoMaterial* material)
+                const Values& at, SbColor* to)
 {
-    ColourMapper mapper = colours.ramp;
+    const ColourMapper& ramp = colours.ramp;
     const std::vector<std::size_t> nearest = nearestPoints(arcLengths, at);
-    Values steps;
-    for (const std::size_t point : nearest)
-        steps.push_back(places[point]);
-    SoGeneralScene::generateMaterial(&mapper, material, offset, steps);
+    std::size_t coloured = 0; // so many rows
+    const auto colourByNearest = [&](std::size_t end) {
+        ColourMapper::Colour colour;
+        for (; coloured < end; ++coloured) {
+            ramp.getColour(places[nearest[coloured]], colour);
+            to[coloured] = toSbColor(colour);
+        }
+    };
 
     // Smooth between neighbours that all have places.
     for (std::size_t first = 0; first < places.size(); ++first) {
@@ -608,21 +601,26 @@ void colourRows(const PlaceColours& colours, const Values& arcLengths, const Val
         while (last + 1 < places.size() && !std::isnan(places[last + 1]))
             ++last;
         const auto from = std::lower_bound(at.begin(), at.end(), arcLengths[first]);
-        const auto to = std::upper_bound(from, at.end(), arcLengths[last]);
-        if (last > first && from != to) {
-            colourRun(mapper, arcLengths, places, first, last, Values(from, to),
-                      offset + int(from - at.begin()), material);
+        const auto end = std::upper_bound(from, at.end(), arcLengths[last]);
+        if (last > first && from != end) {
+            colourByNearest(std::size_t(from - at.begin()));
+            const std::vector<SbColor> run =
+                colourRun(ramp, arcLengths, places, first, last, Values(from, end));
+            std::copy(run.begin(), run.end(), to + (from - at.begin()));
+            coloured = std::size_t(end - at.begin());
         }
         first = last;
     }
+    colourByNearest(at.size());
 
     const bool hasOutside = colours.below || colours.above;
     for (std::size_t row = 0; row < at.size(); ++row) {
-        const double place = hasOutside && !std::isnan(steps[row])
+        const double ofNearest = places[nearest[row]];
+        const double place = hasOutside && !std::isnan(ofNearest)
                                  ? straightAt(arcLengths, places, nearest[row], at[row])
-                                 : steps[row];
+                                 : ofNearest;
         if (std::isnan(place) || (place < 0 && colours.below) || (place > 1 && colours.above))
-            setColours(material, offset + int(row), colours.at(place));
+            to[row] = toSbColor(colours.at(place));
     }
 }
 

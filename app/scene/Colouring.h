@@ -10,6 +10,7 @@
 #include <vector>
 
 #include <ColourMapper.h>
+#include <Inventor/SbColor.h>
 
 #include <strandview/formats/ReadReport.h>
 #include <strandview/model/Configuration.h>
@@ -18,8 +19,6 @@
 #include "request/ColourMap.h"
 #include "request/Options.h"
 #include "scene/Progress.h"
-
-class SoMaterial;
 
 namespace strandview {
 
@@ -149,14 +148,13 @@ Colouring followColouring(const Colouring& first, const Configuration& next,
 
 std::vector<Colour> coloursOf(const PlaceColours& colours, const std::vector<double>& places);
 
-/// Appends to the material's ambient and diffuse colours, from entry `offset` on, one for each
-/// of the arc lengths `at`, along a curve whose points have these ascending arc lengths and
-/// places: smooth through the places, straight where they are two, and that of none nearer to a
-/// point without a place than to one with. Colours of their own beyond the ends are there where
-/// straight lines between the places are beyond them: between points within the ends is none.
+/// One colour for each of the arc lengths `at`, along a curve whose points have these ascending arc
+/// lengths and places, written to as many behind each other: smooth through the places, straight
+/// where they are two, and that of none nearer to a point without a place than to one with. Colours
+/// of their own beyond the ends are there where straight lines between the places are beyond them:
+/// between points within the ends is none. In any thread.
 void colourRows(const PlaceColours& colours, const std::vector<double>& arcLengths,
-                const std::vector<double>& places, const std::vector<double>& at, int offset,
-                SoMaterial* material);
+                const std::vector<double>& places, const std::vector<double>& at, SbColor* to);
 
 } // namespace strandview
 

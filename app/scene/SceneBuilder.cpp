@@ -379,14 +379,27 @@ std::string restyleScene(DataScene& scene, const Configuration& data, const Styl
     return "";
 }
 
-void recolourScene(DataScene& scene, const Style& style, const Colouring* colouring)
+RowsOfData rowsOf(const DataScene& scene)
 {
-    SceneGeometry none;
+    RowsOfData rows;
+    for (const Thing& thing : scene.getThings()) {
+        const ShownDatum& shown = scene.getShown(thing.kind)[thing.index];
+        if (shown.kind == ThingKind::ROD)
+            rows.rods.push_back(RodBuilder::rowsOf(shown));
+        else if (shown.kind == ThingKind::BIROD)
+            rows.birods.push_back(BirodBuilder::rowsOf(shown));
+    }
+    return rows;
+}
+
+void recolourScene(DataScene& scene, const Style& style, const Colouring* colouring,
+                   SceneGeometry made)
+{
     const Configuration& data = *scene.getData();
     assert(!colouring ||
            (colouring->rods == data.rods.size() && colouring->birods == data.birods.size()));
     const Builders builders =
-        makeBuilders({data, style, scene.getPlacement(), colouring, scene.areColoursShown(), none});
+        makeBuilders({data, style, scene.getPlacement(), colouring, scene.areColoursShown(), made});
     scene.restyle(scene.getPlacement(), style);
     for (std::size_t kind = 0; kind < builders.size(); ++kind) {
         for (std::size_t i = 0; i < scene.getShown(kind).size(); ++i) {

@@ -66,8 +66,12 @@ std::string restyleScene(DataScene& scene, const Configuration& data, const Styl
                          const Colouring* colouring, SceneGeometry geometry, Progress& progress);
 
 /// The same of a scene that knows its data, whose shapes stay as they are shown: see
-/// haveSameShapes(). The colouring is that of the data that are shown.
-void recolourScene(DataScene& scene, const Style& style, const Colouring* colouring);
+/// haveSameShapes(). The colouring is that of the data that are shown; of the geometry only colours
+/// of rows are taken, those that were made of the rows that are shown.
+void recolourScene(DataScene& scene, const Style& style, const Colouring* colouring,
+                   SceneGeometry made = {});
+/// The rows that a scene shows, for colours that are made of them in another thread.
+RowsOfData rowsOf(const DataScene& scene);
 
 /// Lets a scene show the next frame instead: all of it, or, with one line that says why not,
 /// nothing. Placement, style, colours' range and side stay those of the first frame; camera,

@@ -12,6 +12,7 @@
 #include "request/ThingKind.h"
 #include "request/ThingLook.h"
 #include "scene/Placement.h"
+#include "scene/RowColours.h"
 
 namespace strandview {
 
@@ -22,11 +23,13 @@ struct SceneGeometry
     {
         std::vector<algebra3d::Vector3<double>> points; ///< in the scene
         SoRod::Meshes meshes;
+        RowColours colours; ///< of data, if they were made
     };
     struct Birod
     {
         SoBirod::Data data; ///< in the scene
         SoBirod::Meshes meshes;
+        RowColours colours; ///< of data, if they were made
     };
     /// A backbone that the file does not have.
     struct Backbone

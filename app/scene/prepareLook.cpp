@@ -38,7 +38,8 @@ bool haveSameShapes(const StyleRequest& shown, const StyleRequest& next)
 
 std::optional<PreparedLook> prepareColours(const Options& options, const Configuration& frame,
                                            const Configuration& first, const ValueSummary* ofOthers,
-                                           ReadReport& report, Progress& progress)
+                                           const RowsOfData* shown, ReadReport& report,
+                                           Progress& progress)
 {
     const std::optional<Style> style = chooseStyle(options, first, report);
     PreparedLook look;
@@ -51,6 +52,8 @@ std::optional<PreparedLook> prepareColours(const Options& options, const Configu
     if (!isChosen)
         return {};
     look.style = *style;
+    if (look.colouring && shown)
+        addRowColours(*look.colouring, *shown, look.geometry);
     return look;
 }
 
@@ -59,13 +62,17 @@ std::optional<PreparedLook> prepareLook(const Options& options, const Configurat
                                         ReadReport& report, Progress& progress)
 {
     std::optional<PreparedLook> look =
-        prepareColours(options, frame, first, ofOthers, report, progress);
+        prepareColours(options, frame, first, ofOthers, nullptr, report, progress);
     if (!look)
         return {};
     look->geometry =
         computeGeometry(frame, look->style, choosePlacement(measure(first), look->style.radius),
                         progress, report.error);
-    return report.error.empty() ? std::move(look) : std::nullopt;
+    if (!report.error.empty())
+        return {};
+    if (look->colouring)
+        addRowColours(*look->colouring, rowsOf(look->geometry), look->geometry);
+    return look;
 }
 
 std::optional<PreparedLook> prepareLook(const Options& options, const Configuration& data,

@@ -21,7 +21,7 @@ struct PreparedLook
 {
     Style style;
     std::optional<Colouring> colouring; ///< of the data
-    SceneGeometry geometry;             ///< none of colours alone
+    SceneGeometry geometry;             ///< of colours alone the colours of rows
 };
 
 /// Whether what is shown as the one asks has the shapes that the other asks for, in other colours
@@ -40,10 +40,12 @@ std::optional<PreparedLook> prepareLook(const Options& options, const Configurat
                                         const Configuration& first, const ValueSummary* ofOthers,
                                         ReadReport& report, Progress& progress);
 
-/// The same without geometry, for data that are shown with haveSameShapes().
+/// The same for data that are shown with haveSameShapes(), whose rows are told or not: of the
+/// geometry their colours alone.
 std::optional<PreparedLook> prepareColours(const Options& options, const Configuration& frame,
                                            const Configuration& first, const ValueSummary* ofOthers,
-                                           ReadReport& report, Progress& progress);
+                                           const RowsOfData* shown, ReadReport& report,
+                                           Progress& progress);
 
 } // namespace strandview
 

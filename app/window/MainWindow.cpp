@@ -1352,6 +1352,8 @@ void MainWindow::restyle()
     task.frame = scene->getData();
     task.first = firstFrame;
     task.ofColours = restyler.keepsShapes() && haveSameShapes(shownStyle, options);
+    if (task.ofColours)
+        task.shown = rowsOf(*scene);
     const auto stage = player ? player->getStage() : nullptr;
     if (stage && stage->colouring && stage->colouring->name == options.colourBy)
         task.others = {stage, &stage->values};
@@ -1378,7 +1380,7 @@ void MainWindow::showStyle(Restyler::Result& result)
             look.colouring = followColouring(*look.colouring, *scene->getData(), unwatched);
         const Colouring* const colouring = look.colouring ? &*look.colouring : nullptr;
         if (result.task.ofColours)
-            recolourScene(*scene, look.style, colouring);
+            recolourScene(*scene, look.style, colouring, std::move(look.geometry));
         else
             fault = restyleScene(*scene, *result.task.frame, look.style, colouring,
                                  std::move(look.geometry), unwatched);

@@ -26,11 +26,11 @@ std::shared_ptr<Restyler::Result> workAt(Restyler::Task task, Progress& progress
 {
     auto result = std::make_shared<Restyler::Result>();
     try {
-        const auto& [options, frame, first, others, ofColours] = task;
-        result->look =
-            ofColours
-                ? prepareColours(options, *frame, *first, others.get(), result->report, progress)
-                : prepareLook(options, *frame, *first, others.get(), result->report, progress);
+        const auto& [options, frame, first, others, ofColours, shown] = task;
+        result->look = ofColours ? prepareColours(options, *frame, *first, others.get(), &shown,
+                                                  result->report, progress)
+                                 : prepareLook(options, *frame, *first, others.get(),
+                                               result->report, progress);
     } catch (const std::bad_alloc&) {
         result->report.error = TOO_LITTLE_MEMORY_FOR_DATA;
     }

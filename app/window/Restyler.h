@@ -30,6 +30,7 @@ public:
         std::shared_ptr<const Configuration> frame, first; ///< the same of what has one frame
         std::shared_ptr<const ValueSummary> others;        ///< of all but the first, if known
         bool ofColours = false; ///< alone: the shapes that are shown are those that are asked for
+        RowsOfData shown;       ///< then, to be coloured
     };
     struct Result
     {

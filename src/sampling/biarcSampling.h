@@ -3,10 +3,13 @@
 #define STRANDVIEW_SAMPLING_BIARCSAMPLING_H
 
 #include <algorithm>
+#include <atomic>
+#include <memory>
 #include <optional>
 #include <utility>
 #include <vector>
 
+#include <ArcLengths.h>
 #include <algebra3d/Vector3.h>
 #include <biarc/Curve.h>
 
@@ -57,12 +60,21 @@ void setNodes(Curve<Vector3>& curve, std::size_t count, Node node)
     }
 }
 
-/// Takes over a table that is filled anew, which is empty then. What it holds stays in it until
-/// then: it would be cleared for nothing.
-inline void takeTable(std::vector<double>& table, std::vector<double>& replaced)
+/// Some that may be written: those that are there, with what they hold, or new ones if there are
+/// none or others have them.
+inline ArcLengths& ownLengths(std::shared_ptr<ArcLengths>& lengths)
 {
-    table = std::move(replaced);
-    replaced.clear();
+    if (!lengths || lengths.use_count() > 1)
+        lengths = std::make_shared<ArcLengths>();
+    // Whoever had them last, in another thread, has read them.
+    std::atomic_thread_fence(std::memory_order_acquire);
+    return *lengths;
+}
+
+inline const ArcLengths& lengthsOr(const std::shared_ptr<ArcLengths>& lengths)
+{
+    static const ArcLengths none;
+    return lengths ? *lengths : none;
 }
 
 /// The arc lengths along a curve, per node and per row.

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <random>
 
-#include <Inventor/nodes/SoMaterial.h>
+#include <Inventor/SbColor.h>
 #include <gmock/gmock.h>
 
 #include <algebra3d/rotations.h>
@@ -389,22 +389,15 @@ TEST_F(ColouringTest, SaysWhichColoursHaveNoEffect)
 
 std::vector<float> levelsOf(const std::vector<double>& places, const std::vector<double>& at)
 {
-    initialiseSceneOnce();
     const ColourMapper ramp(0, 1, {ColourMapper::Colour(0, 0, 0), ColourMapper::Colour(1, 1, 1)});
     std::vector<double> arcLengths;
     for (std::size_t i = 0; i < places.size(); ++i)
         arcLengths.push_back(double(i));
-    auto* material = new SoMaterial;
-    material->ref();
-    const int offset = 2;
-    colourRows(PlaceColours{ramp, {}, {}}, arcLengths, places, at, offset, material);
-    EXPECT_EQ(material->diffuseColor.getNum(), offset + int(at.size()));
+    std::vector<SbColor> colours(at.size());
+    colourRows(PlaceColours{ramp, {}, {}}, arcLengths, places, at, colours.data());
     std::vector<float> levels;
-    for (int i = offset; i < material->diffuseColor.getNum(); ++i) {
-        EXPECT_EQ(material->diffuseColor[i], material->ambientColor[i]);
-        levels.push_back(material->diffuseColor[i][1]);
-    }
-    material->unref();
+    for (const SbColor& colour : colours)
+        levels.push_back(colour[1]);
     return levels;
 }
 
@@ -720,7 +713,6 @@ double plainPlace(const std::vector<double>& arcLengths, const std::vector<doubl
 
 TEST(ColourRows, HaveOtherColoursWhereStraightLinesBetweenThePlacesAreBeyondTheEnds)
 {
-    initialiseSceneOnce();
     const PlaceColours usual{ColourMapper(0, 1, {{0, 0, 0}, {1, 1, 1}}), {}, {}};
     const Colour below{1, 0, 0}, above{0, 0, 1}, none{0, 1, 0};
     std::mt19937 engine(5);
@@ -743,15 +735,13 @@ TEST(ColourRows, HaveOtherColoursWhereStraightLinesBetweenThePlacesAreBeyondTheE
         if (round % 3 != 2)
             asked.above = above;
         asked.none = none;
-        auto *ofAsked = new SoMaterial, *ofUsual = new SoMaterial;
-        ofAsked->ref();
-        ofUsual->ref();
-        colourRows(asked, arcLengths, places, at, 0, ofAsked);
-        colourRows(usual, arcLengths, places, at, 0, ofUsual);
+        std::vector<SbColor> ofAsked(at.size()), ofUsual(at.size());
+        colourRows(asked, arcLengths, places, at, ofAsked.data());
+        colourRows(usual, arcLengths, places, at, ofUsual.data());
         for (std::size_t row = 0; row < at.size(); ++row) {
             SCOPED_TRACE(testing::Message() << "round " << round << " row " << row);
             const double there = plainPlace(arcLengths, places, at[row]);
-            SbColor expected = ofUsual->diffuseColor[int(row)];
+            SbColor expected = ofUsual[row];
             if (std::isnan(there))
                 expected = toSbColor(none), ++countNone;
             else if (there < 0 && asked.below)
@@ -760,11 +750,8 @@ TEST(ColourRows, HaveOtherColoursWhereStraightLinesBetweenThePlacesAreBeyondTheE
                 expected = toSbColor(above), ++countAbove;
             else
                 ++countUsual;
-            EXPECT_EQ(ofAsked->diffuseColor[int(row)], expected);
-            EXPECT_EQ(ofAsked->ambientColor[int(row)], expected);
+            EXPECT_EQ(ofAsked[row], expected);
         }
-        ofAsked->unref();
-        ofUsual->unref();
     }
     for (const int count : {countBelow, countAbove, countNone, countUsual})
         EXPECT_GT(count, 300);
@@ -773,13 +760,10 @@ TEST(ColourRows, HaveOtherColoursWhereStraightLinesBetweenThePlacesAreBeyondTheE
 // A natural spline through (0, 0), (1, 1), (2, 1), (3, 0) is above 1 in the middle.
 TEST(ColourRows, HaveNoOtherColourBetweenPlacesWithinTheEnds)
 {
-    initialiseSceneOnce();
-    PlaceColours colours{ColourMapper(0, 1, {{0, 0, 0}, {1, 1, 1}}), {}, Colour{1, 0, 0}};
-    auto* material = new SoMaterial;
-    material->ref();
-    colourRows(colours, {0, 1, 2, 3}, {0, 1, 1, 0}, {0, 1, 1.5, 2, 3}, 0, material);
-    EXPECT_EQ(material->diffuseColor[2], SbColor(1, 1, 1));
-    material->unref();
+    const PlaceColours colours{ColourMapper(0, 1, {{0, 0, 0}, {1, 1, 1}}), {}, Colour{1, 0, 0}};
+    std::vector<SbColor> rows(5);
+    colourRows(colours, {0, 1, 2, 3}, {0, 1, 1, 0}, {0, 1, 1.5, 2, 3}, rows.data());
+    EXPECT_EQ(rows[2], SbColor(1, 1, 1));
 }
 
 TEST(ColourRows, StayOnTheRampHoweverFarBeyondItThePlacesAre)

@@ -277,7 +277,7 @@ protected:
         StoppingAt never;
         ReadReport report;
         const std::optional<PreparedLook> look =
-            prepareColours(options, data, data, nullptr, report, never);
+            prepareColours(options, data, data, nullptr, nullptr, report, never);
         ASSERT_TRUE(look) << report.error;
         EXPECT_TRUE(look->geometry.rods.empty());
         scene->setData(std::make_shared<const Configuration>(data));

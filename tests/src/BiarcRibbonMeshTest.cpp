@@ -244,6 +244,32 @@ TEST_F(BiarcRibbonMeshTest, ComputePointsOnSideFillsOneColumnAndBothTables)
     EXPECT_EQ(ribbon.getBBox().getMax()[2], 4);
 }
 
+TEST_F(BiarcRibbonMeshTest, ArcLengthsThatSomebodyHasStayAsTheyAre)
+{
+    BiarcRibbonMesh ribbon(edgeB, edgeA, WIDTH, 2);
+    const std::shared_ptr<const ArcLengths> shared = ribbon.shareArcLengths();
+    const ArcLengths before = *shared;
+    EXPECT_EQ(&shared->ofRows, &ribbon.getInterpParamValues()) << "the mesh's own";
+
+    BiarcRibbonMesh another(edgeA, edgeB, WIDTH, 2, &ribbon);
+    BiarcRibbonMesh fresh(edgeA, edgeB, WIDTH, 2);
+    expectSameMeshes(another, fresh);
+    EXPECT_EQ(shared->ofPoints, before.ofPoints) << "of a mesh that was replaced";
+    EXPECT_EQ(shared->ofRows, before.ofRows);
+
+    const std::shared_ptr<const ArcLengths> ofFresh = fresh.shareArcLengths();
+    const ArcLengths beforeOther = *ofFresh;
+    Curve<::Vector3> line;
+    for (const double z : {0.0, 2.0, 6.0})
+        line.append({0, 0, z}, {});
+    line.computeTangents();
+    line.makeMidpointRule();
+    std::vector<Vector> tangents(5);
+    fresh.computePointsOnSide(0, 3, line, tangents);
+    EXPECT_NE(fresh.getParamValues(), beforeOther.ofPoints);
+    EXPECT_EQ(ofFresh->ofPoints, beforeOther.ofPoints) << "of another side";
+}
+
 TEST_F(BiarcRibbonMeshTest, CoincidentPointsGiveNonFiniteRowsWithoutAMessage)
 {
     edgeA = {{0, 0, 0}, {0, 0, 0}, {1, 0, 0}};

@@ -803,6 +803,38 @@ TEST(BiarcTubeMesh, IsOpenWhereTheLastPointIsNotTheFirst)
     EXPECT_FALSE(BiarcTubeMesh::makeClosed(thereAndBack, 0.2, 8, 5)->isMeetingItself());
 }
 
+TEST(BiarcTubeMesh, ArcLengthsThatSomebodyHasStayAsTheyAre)
+{
+    const std::vector<Vector> line = lineAlong({0, 1, 0});
+    auto mesh = std::make_unique<BiarcTubeMesh>(line, 0.3, 8, 4, false, false);
+    const std::shared_ptr<const ArcLengths> shared = mesh->shareArcLengths();
+    const ArcLengths before = *shared;
+    EXPECT_EQ(&shared->ofPoints, &mesh->getParamValues()) << "the mesh's own";
+    EXPECT_EQ(&shared->ofRows, &mesh->getInterpParamValues());
+
+    BiarcTubeMesh another(BENT, 0.3, 8, 4, false, false, mesh.get());
+    BiarcTubeMesh fresh(BENT, 0.3, 8, 4, false, false);
+    expectSameMeshes(another, fresh);
+    EXPECT_NE(another.getParamValues(), before.ofPoints);
+    EXPECT_EQ(shared->ofPoints, before.ofPoints) << "in the memory of the mesh that was replaced";
+
+    mesh->generateMesh(mesh->computeCurve(BENT));
+    EXPECT_EQ(mesh->getInterpParamValues(), fresh.getInterpParamValues());
+    EXPECT_EQ(shared->ofRows, before.ofRows) << "of a mesh that is built anew";
+    mesh.reset();
+    EXPECT_EQ(shared->ofRows, before.ofRows);
+}
+
+TEST(BiarcTubeMesh, TakesOverArcLengthsThatNobodyHas)
+{
+    BiarcTubeMesh mesh(BENT, 0.3, 8, 4, false, false);
+    const double* const memory = mesh.shareArcLengths()->ofRows.data();
+    const BiarcTubeMesh another(BENT, 0.2, 8, 4, false, false, &mesh);
+    EXPECT_EQ(another.shareArcLengths()->ofRows.data(), memory);
+    EXPECT_TRUE(mesh.getParamValues().empty());
+    EXPECT_EQ(mesh.shareArcLengths(), nullptr);
+}
+
 TEST(BiarcTubeMesh, OfAClosedCurveIsTheSameInTheMemoryOfAnother)
 {
     const auto fresh = BiarcTubeMesh::makeClosed(closedCurve(20), 0.2, 8, 5);

@@ -1292,6 +1292,26 @@ TEST_F(ScalarColouringTest, TheShorterOfPositionsAndValuesDecides)
     }
 }
 
+TEST_F(ScalarColouringTest, ColoursWithoutAMaterialAreThoseThatItWouldHave)
+{
+    ColourMapper mapper = greyMapper(-2, 2);
+    const std::vector<double> x = {0, 1, 3, 4}, y = {-2, 1, 0, 2}, at = {0, 0.5, 1, 2.25, 4};
+    for (const bool isGiven : {true, false}) {
+        ColourMapper* const used = isGiven ? &mapper : nullptr;
+        NodeRef<SoMaterial> mapped(new SoMaterial), interpolated(new SoMaterial);
+        SoGeneralScene::generateMaterial(used, mapped, 0, y);
+        SoGeneralScene::interpolateMaterial(used, interpolated, 0, x, y, at);
+        EXPECT_EQ(SoGeneralScene::generateColours(used, y), entries(mapped->diffuseColor));
+        EXPECT_EQ(SoGeneralScene::interpolateColours(used, x, y, at),
+                  entries(interpolated->diffuseColor));
+    }
+    EXPECT_THAT(SoGeneralScene::generateColours(nullptr, {}), ElementsAre());
+    EXPECT_THAT(SoGeneralScene::interpolateColours(nullptr, {0, 1}, {0, 1}, at), ElementsAre());
+    EXPECT_THAT(SoGeneralScene::interpolateColours(nullptr, x, y, {0, 1}), ElementsAre());
+    EXPECT_EQ(SoGeneralScene::interpolateColours(nullptr, {0, 2, 1}, {0, 1, 0}, at),
+              std::vector<SbColor>(at.size(), SbColor(0, 0, 0)));
+}
+
 TEST_F(ScalarColouringTest, TooFewSamplesOrPositionsTouchNothing)
 {
     FieldChanges watch(material);

@@ -127,6 +127,14 @@ SceneGeometry::Birod BirodBuilder::compute(const Birod& birod, const ThingStyle&
     return computed;
 }
 
+std::array<CurveRows, 3> BirodBuilder::rowsOf(const ShownDatum& shown)
+{
+    const auto& birod = static_cast<const SoBirod&>(*shown.node);
+    return {strandview::rowsOf(*birod.getAvgTubeMesh(), *birod.getAvgRibbonMesh()),
+            strandview::rowsOf(*birod.getTube1Mesh(), *birod.getRibbon1Mesh()),
+            strandview::rowsOf(*birod.getTube2Mesh(), *birod.getRibbon2Mesh())};
+}
+
 const char* BirodBuilder::getWork() const { return "Showing birod"; }
 
 SbBox3f BirodBuilder::getReach(std::size_t index) const
@@ -193,16 +201,14 @@ void BirodBuilder::setDataColours(std::size_t index, ShownDatum& shown) const
         shown.colours = putColourChoice(*shown.group, OWN_COLOURS);
         shown.colours->whichChild = frame.areDataColoursShown ? 1 : 0;
     }
-    const auto& birod = static_cast<const SoBirod&>(*shown.node);
+    const std::array<CurveRows, 3> rows = rowsOf(shown);
     const Colouring& colouring = *frame.colouring;
-    SoMaterial* const material = dataMaterial(*shown.colours);
-    clearRowColours(material);
-    int rows = addRowColours(colouring, colouring.ofBirod(index, 0), *birod.getAvgTubeMesh(),
-                             *birod.getAvgRibbonMesh(), 0, material);
-    rows = addRowColours(colouring, colouring.ofBirod(index, 1), *birod.getTube1Mesh(),
-                         *birod.getRibbon1Mesh(), rows, material);
-    addRowColours(colouring, colouring.ofBirod(index, 2), *birod.getTube2Mesh(),
-                  *birod.getRibbon2Mesh(), rows, material);
+    std::vector<SceneGeometry::Birod>& computed = frame.geometry.birods;
+    setRowColours(
+        colouring,
+        {&colouring.ofBirod(index, 0), &colouring.ofBirod(index, 1), &colouring.ofBirod(index, 2)},
+        {rows.begin(), rows.end()}, index < computed.size() ? &computed[index].colours : nullptr,
+        dataMaterial(*shown.colours));
 }
 
 // A colour for each of the three tubes, and one for all ribbons; the tubes' follow those of the

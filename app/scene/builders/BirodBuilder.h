@@ -23,6 +23,9 @@ public:
                                         const Placement& placement, std::string& error);
 
     ThingKind getKind() const override { return ThingKind::BIROD; }
+    /// The rows that are shown of one: of the average and the strands.
+    static std::array<CurveRows, 3> rowsOf(const ShownDatum& shown);
+
     const char* getWork() const override;
     SbBox3f getReach(std::size_t index) const override;
     void recolour(std::size_t index, ShownDatum& shown) override;

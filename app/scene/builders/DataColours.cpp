@@ -2,19 +2,18 @@
 #include "scene/builders/DataColours.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <Inventor/nodes/SoMaterial.h>
 #include <Inventor/nodes/SoMaterialBinding.h>
 #include <Inventor/nodes/SoSeparator.h>
 #include <Inventor/nodes/SoSwitch.h>
 
-#include <BiarcRibbonMesh.h>
 #include <BiarcTubeMesh.h>
 #include <SoArrow.h>
 #include <SoRod.h>
 
 #include "scene/Colouring.h"
-#include "scene/curveFaults.h"
 
 namespace strandview {
 
@@ -51,23 +50,21 @@ void dropColourChoice(SoSeparator& group, int child)
     own->unrefNoDelete();
 }
 
-void clearRowColours(SoMaterial* material)
+// Coin takes the first ambient colour for all.
+void setRowColours(const Colouring& colouring,
+                   const std::vector<const std::vector<double>*>& places,
+                   std::vector<CurveRows> curves, RowColours* made, SoMaterial* material)
 {
-    material->ambientColor.setNum(1); // of fewer rows than before none is left
-    material->diffuseColor.setNum(1);
-}
-
-int addRowColours(const Colouring& colouring, const std::vector<double>& places,
-                  const BiarcTubeMesh& tube, const BiarcRibbonMesh& ribbon, int rowsBefore,
-                  SoMaterial* material)
-{
-    colourRows(colouring, tube.getParamValues(), places, tube.getInterpParamValues(), rowsBefore,
-               material);
-    const int rows = rowsBefore + tube.getHeight();
-    if (isFinite(ribbon)) // a hidden one need not be
-        colourRows(colouring, ribbon.getParamValues(), places, ribbon.getInterpParamValues(), rows,
-                   material);
-    return rows + ribbon.getHeight();
+    RowColours rows;
+    if (made && made->curves == curves)
+        rows = std::move(*made);
+    else
+        rows = makeRowColours(colouring, places, std::move(curves));
+    material->specularColor.setValue(1, 1, 1);
+    material->ambientColor.setNum(1);
+    material->ambientColor.set1Value(0, rows.colours[0]);
+    material->diffuseColor.setValuesPointer(rows.count, rows.colours.release());
+    material->diffuseColor.enableDeleteValues();
 }
 
 SoSeparator* makeHead()

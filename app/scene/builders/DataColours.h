@@ -4,8 +4,8 @@
 
 #include <vector>
 
-class BiarcRibbonMesh;
-class BiarcTubeMesh;
+#include "scene/RowColours.h"
+
 class SoArrow;
 class SoMaterial;
 class SoNode;
@@ -29,13 +29,11 @@ SoSwitch* putColourChoice(SoSeparator& group, int child);
 /// Puts the choice's first child back.
 void dropColourChoice(SoSeparator& group, int child);
 
-/// Lets a material have no colours, then one for each row of the tube and the ribbon of a curve
-/// whose points have these places; again for the next curve, behind the rows of those before.
-/// Returns the number of rows of all.
-void clearRowColours(SoMaterial* material);
-int addRowColours(const Colouring& colouring, const std::vector<double>& places,
-                  const BiarcTubeMesh& tube, const BiarcRibbonMesh& ribbon, int rowsBefore,
-                  SoMaterial* material);
+/// Lets a material have one colour for each row of some curves whose points have these places:
+/// those that were made of the same rows, whose memory it takes over, or new ones.
+void setRowColours(const Colouring& colouring,
+                   const std::vector<const std::vector<double>*>& places,
+                   std::vector<CurveRows> curves, RowColours* made, SoMaterial* material);
 
 /// The head of a strand, which has the colour of the tube's end where colours of data are shown.
 /// Without a reference.

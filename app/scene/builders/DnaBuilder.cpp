@@ -623,12 +623,10 @@ void DnaBuilder::setBackboneColours(std::size_t index, Strand strand, SoSwitch* 
         dropColourChoice(group, 0);
         choice = nullptr;
     }
-    if (choice) {
-        SoMaterial* const material = dataMaterial(*choice);
-        clearRowColours(material);
-        addRowColours(*frame.colouring, places, *rod.getTubeMesh(), *rod.getRibbonMesh(), 0,
-                      material);
-    }
+    if (choice)
+        setRowColours(*frame.colouring, {&places},
+                      {rowsOf(*rod.getTubeMesh(), *rod.getRibbonMesh())}, nullptr,
+                      dataMaterial(*choice));
     setHeadColours(*static_cast<SoSeparator*>(group.getChild(2)), rod, choice);
 }
 

@@ -91,6 +91,12 @@ double RodBuilder::radiusOf(const Rod& rod, const ThingStyle& style)
     return rod.radius.value_or(rod.isBackbone ? style.backboneRadius : style.radius);
 }
 
+CurveRows RodBuilder::rowsOf(const ShownDatum& shown)
+{
+    const auto& rod = static_cast<const SoRod&>(*shown.node);
+    return strandview::rowsOf(*rod.getTubeMesh(), *rod.getRibbonMesh());
+}
+
 std::string RodBuilder::check(std::size_t index) const
 {
     return checkColour(datum(index).colour, datum(index).origin);
@@ -195,11 +201,10 @@ void RodBuilder::setDataColours(std::size_t index, ShownDatum& shown) const
         shown.colours = putColourChoice(*shown.group, 0);
         shown.colours->whichChild = frame.areDataColoursShown ? 1 : 0;
     }
-    const auto& rod = static_cast<const SoRod&>(*shown.node);
-    SoMaterial* const material = dataMaterial(*shown.colours);
-    clearRowColours(material);
-    addRowColours(*frame.colouring, frame.colouring->ofRod(index), *rod.getTubeMesh(),
-                  *rod.getRibbonMesh(), 0, material);
+    std::vector<SceneGeometry::Rod>& computed = frame.geometry.rods;
+    setRowColours(*frame.colouring, {&frame.colouring->ofRod(index)}, {rowsOf(shown)},
+                  index < computed.size() ? &computed[index].colours : nullptr,
+                  dataMaterial(*shown.colours));
 }
 
 } // namespace strandview

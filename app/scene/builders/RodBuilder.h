@@ -26,6 +26,9 @@ public:
     /// That of its tube, in the data's unit.
     static double radiusOf(const Rod& rod, const ThingStyle& style);
 
+    /// The rows that are shown of one.
+    static CurveRows rowsOf(const ShownDatum& shown);
+
     std::string check(std::size_t index) const override;
     ThingKind getKind() const override { return ThingKind::ROD; }
     const char* getWork() const override;

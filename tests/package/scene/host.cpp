@@ -2,6 +2,7 @@
 // A host of the installed library: it bounds a rod and prints the box.
 #include <cstdio>
 
+#include <ArcLengths.h>
 #include <BiarcRibbonMesh.h>
 #include <BiarcTubeMesh.h>
 #include <ColourMapper.h>
