@@ -2,6 +2,7 @@
 #include "window/LookPanel.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <QComboBox>
 #include <QVBoxLayout>
@@ -54,6 +55,8 @@ LookPanel::LookPanel(QWidget* parent)
             [this](const QString& setting, const QString& text) { setOwn(setting, &text); });
     connect(settings, &SettingsPanel::ownCleared, this,
             [this](const QString& setting) { setOwn(setting, nullptr); });
+    connect(settings, &SettingsPanel::trialBegun, this, &LookPanel::beginTrial);
+    connect(settings, &SettingsPanel::trialEnded, this, &LookPanel::endTrial);
 }
 
 void LookPanel::show(const StyleRequest& asked, const StyleRequest& shown, const Style* styleOfIt)
@@ -108,6 +111,23 @@ void LookPanel::setOwn(const QString& setting, const QString* text)
                                next.things.ofThings[thing]);
     }
     emit changed(next);
+}
+
+void LookPanel::beginTrial()
+{
+    if (!isOfAll())
+        looksBeforeTrial = request.things;
+    emit trialBegun();
+}
+
+void LookPanel::endTrial()
+{
+    if (looksBeforeTrial) {
+        StyleRequest next = request;
+        next.things = *std::exchange(looksBeforeTrial, {});
+        emit changed(next);
+    }
+    emit trialEnded();
 }
 
 } // namespace strandview

@@ -36,17 +36,23 @@ public:
 signals:
     /// The user asks for another style.
     void changed(const strandview::StyleRequest& next);
+    /// Between these a style is tried, after which the panel asks for the one before.
+    void trialBegun();
+    void trialEnded();
 
 private:
     bool isOfAll() const;
     void follow();
     void setOwn(const QString& setting, const QString* text);
+    void beginTrial();
+    void endTrial();
 
     QComboBox* const which;
     SettingsPanel* const settings;
     std::map<ThingId, std::string> things;
     StyleRequest request, shownStyle;
     std::optional<Style> style;
+    std::optional<ThingLooks> looksBeforeTrial; ///< of a trial with things
 };
 
 } // namespace strandview

@@ -382,6 +382,12 @@ void MainWindow::buildSettings()
     colourPanel->setObjectName("colourPanel");
     connect(look, &LookPanel::changed, this, &MainWindow::setStyle);
     connect(colourPanel, &SettingsPanel::changed, this, &MainWindow::setStyle);
+    const auto beginTrial = [this] { trial = std::make_unique<History::Pause>(*history); };
+    const auto endTrial = [this] { trial.reset(); };
+    connect(look, &LookPanel::trialBegun, this, beginTrial);
+    connect(look, &LookPanel::trialEnded, this, endTrial);
+    connect(colourPanel, &SettingsPanel::trialBegun, this, beginTrial);
+    connect(colourPanel, &SettingsPanel::trialEnded, this, endTrial);
     connect(&restyler, &Restyler::finished, this,
             [this](const std::shared_ptr<Restyler::Result>& result) { showStyle(*result); });
     shownStyle = options;

@@ -20,6 +20,7 @@
 #include "request/PictureChoice.h"
 #include "scene/Stage.h"
 #include "scene/Told.h"
+#include "window/History.h"
 #include "window/LoadJob.h"
 #include "window/PlayBar.h"
 #include "window/Restyler.h"
@@ -38,7 +39,6 @@ class CurveHover;
 class CurvePanel;
 class DataScene;
 class FileWatcher;
-class History;
 class LoadBar;
 class LookPanel;
 class MeasurementKeeper;
@@ -332,6 +332,7 @@ private:
 
     std::unique_ptr<Menus> menus;
     std::unique_ptr<History> history;
+    std::unique_ptr<History::Pause> trial; ///< while a style is tried
     NamedViews* views = nullptr;
     StatusText* statusText = nullptr;
     QLabel* modeLabel = nullptr;  // turning or picking

@@ -175,6 +175,11 @@ void PictureDialog::addSettings(QFormLayout& form)
             StyleRequest usual;
             choose(setting, QString::fromStdString(setting.value(usual).value_or("")));
         });
+        connect(control, &SettingControl::trialBegun, this, [this] { choiceBeforeTrial = choice; });
+        connect(control, &SettingControl::trialEnded, this, [this] {
+            choice = choiceBeforeTrial;
+            follow();
+        });
     }
 }
 

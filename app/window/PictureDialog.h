@@ -88,7 +88,8 @@ private:
     QPushButton* asView = nullptr;
     QPushButton* saveButton = nullptr;
     std::vector<SettingControl*> controls;
-    QTimer pause; ///< before the next preview
+    PictureChoice choiceBeforeTrial; ///< of a setting's
+    QTimer pause;                    ///< before the next preview
 };
 
 } // namespace strandview

@@ -227,18 +227,16 @@ private:
     // Each colour of the dialog is shown as it is looked at.
     void choose()
     {
-        const QColor before = colour;
-        QColorDialog dialog(before.isValid() ? before : QColor(Qt::gray), part);
+        QColorDialog dialog(colour.isValid() ? colour : QColor(Qt::gray), part);
         dialog.setWindowTitle(setting.label);
         letTypeColour(dialog);
         connect(&dialog, &QColorDialog::currentColorChanged, this,
                 [this](const QColor& next) { emit chosen(next.name()); });
-        if (dialog.exec() == QDialog::Accepted)
+        emit trialBegun();
+        const bool isTaken = dialog.exec() == QDialog::Accepted;
+        emit trialEnded();
+        if (isTaken)
             emit chosen(dialog.selectedColor().name());
-        else if (before.isValid())
-            emit chosen(before.name());
-        else
-            emit cleared();
     }
 
     QColor colour;

@@ -52,6 +52,10 @@ public:
 signals:
     void chosen(const QString& text);
     void cleared();
+    /// What is chosen from now on is only tried, until the other: then all is as it was, of which
+    /// the control knows what it shows alone.
+    void trialBegun();
+    void trialEnded();
 
 protected:
     SettingControl(const Setting& settingToSet, QWidget* controlWidget);

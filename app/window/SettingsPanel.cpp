@@ -72,6 +72,8 @@ void SettingsPanel::addControl(const Setting& setting, QFormLayout& form)
     connect(control, &SettingControl::chosen, this,
             [this, &setting](const QString& text) { read(setting, text); });
     connect(control, &SettingControl::cleared, this, [this, &setting] { clear(setting); });
+    connect(control, &SettingControl::trialBegun, this, &SettingsPanel::beginTrial);
+    connect(control, &SettingControl::trialEnded, this, [this, &setting] { endTrial(setting); });
     connect(reset, &QToolButton::clicked, this, [this, &setting] { clear(setting); });
 }
 
@@ -174,6 +176,24 @@ void SettingsPanel::clear(const Setting& setting)
     clearWhatNeeds(setting, next, false);
     tellFault("");
     emit changed(next, setting.name);
+}
+
+void SettingsPanel::beginTrial()
+{
+    requestBeforeTrial = request;
+    emit trialBegun();
+}
+
+// Of the setting alone: what was read meanwhile may have changed others.
+void SettingsPanel::endTrial(const Setting& setting)
+{
+    StyleRequest next = request;
+    setting.clear(next);
+    if (const auto text = setting.value(requestBeforeTrial))
+        setting.read(*text, next);
+    if (!isOfThings && next != request)
+        emit changed(next, setting.name);
+    emit trialEnded();
 }
 
 } // namespace strandview

@@ -46,11 +46,17 @@ signals:
     // The same of what a thing has of its own
     void ownChosen(const QString& setting, const QString& text);
     void ownCleared(const QString& setting);
+    /// What the user asks for between these is tried; at the end the panel asks for what it was
+    /// before. What things had of their own is left to who hears of it.
+    void trialBegun();
+    void trialEnded();
 
 private:
     void addControl(const Setting& setting, QFormLayout& form);
     void read(const Setting& setting, const QString& text);
     void clear(const Setting& setting);
+    void beginTrial();
+    void endTrial(const Setting& setting);
 
     struct Row
     {
@@ -60,6 +66,7 @@ private:
     std::vector<Row> rows;
     StyleRequest request;
     StyleRequest shownStyle;
+    StyleRequest requestBeforeTrial;
     bool isOfThings = false; ///< what is shown
     QLabel* faultLine;
 };

@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QClipboard>
+#include <QColorDialog>
 #include <QComboBox>
 #include <QDoubleSpinBox>
 #include <QFileDialog>
@@ -270,6 +271,38 @@ TEST_F(PictureDialogTest, BackgroundAndLegendOfThePictureLeaveTheViewAsItIs)
     const std::string line = runCopiedCommand();
     EXPECT_THAT(line, HasSubstr(" --legend top "));
     EXPECT_TRUE(bytesOf("top.png") == bytesOf("picture.png")) << line;
+}
+
+TEST_F(PictureDialogTest, ABackgroundThatIsTriedAndNotTakenIsNotThePictures)
+{
+    ASSERT_NO_FATAL_FAILURE(openRod());
+    const auto colours = [] {
+        return qobject_cast<QColorDialog*>(QApplication::activeModalWidget());
+    };
+    bool isTried = false;
+    QString shown;
+    ASSERT_NO_FATAL_FAILURE(savePicture(
+        {inDialog([&] {
+             find<QPushButton>("background")->setFocus();
+             ASSERT_TRUE(comesTo([] { return find<QPushButton>("background")->hasFocus(); }));
+             pressRealKey("space");
+         }),
+         {[colours] { return colours() && colours()->isActiveWindow(); },
+          [&, colours] {
+              colours()->setCurrentColor(Qt::red);
+              const auto* const button =
+                  colours()->parentWidget()->window()->findChild<QPushButton*>("background");
+              isTried = button->text() == "#ff0000";
+              pressRealKey("Escape");
+          }},
+         inDialog([&] {
+             shown = find<QPushButton>("background")->text();
+             pressRealKey("Return");
+         }),
+         nameFile("tried")}));
+    EXPECT_TRUE(isTried);
+    EXPECT_EQ(shown, "#ffffff");
+    EXPECT_EQ(picture("tried.png").pixelColor(3, 3), QColor(Qt::white));
 }
 
 TEST_F(PictureDialogTest, ATransparentPictureHasNoBackground)

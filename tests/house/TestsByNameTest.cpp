@@ -47,7 +47,6 @@ const std::map<std::string, std::string> ELSEWHERE{
     {"app/window/BesideReader.cpp", "tests/gui/SideBySideTest.cpp"},
     {"app/window/SideBox.cpp", "tests/gui/PictureDialogTest.cpp"},
     {"app/window/colourDialog.cpp", "tests/gui/WorkingUserTest.cpp"},
-    {"app/window/SettingControl.cpp", "tests/gui/SettingsPanelTest.cpp"},
     {"app/window/ThingOutline.cpp", "tests/gui/ThingsPanelTest.cpp"},
     {"app/window/ThingsModel.cpp", "tests/gui/ThingsPanelTest.cpp"},
     {"app/window/ViewPictures.cpp", "tests/gui/PictureDialogTest.cpp"},
