@@ -1728,6 +1728,8 @@ void MainWindow::keyPressEvent(QKeyEvent* event)
         return;
     }
     forgetTyping();
+    for (SettingsPanel* panel : {lookPanel, colourPanel})
+        panel->forgetTyping();
     tellStyle();
     update3DZoom();
     viewer->getGLWidget()->setFocus();

@@ -187,18 +187,29 @@ private:
 class CountControl : public OneWidget<QSpinBox>
 {
 public:
-    CountControl(const Setting& ofCount, QWidget* parent) : OneWidget(ofCount, parent)
+    CountControl(const Setting& ofCount, QWidget* parent)
+        : OneWidget(ofCount, parent), line(part->findChild<QLineEdit*>())
     {
         part->setRange(setting.least, setting.most);
         part->setKeyboardTracking(false);
-        connect(part, QOverload<int>::of(&QSpinBox::valueChanged), this,
-                [this](int count) { emit chosen(QString::number(count)); });
+        connect(part, QOverload<int>::of(&QSpinBox::valueChanged), this, [this](int count) {
+            line->setModified(false);
+            emit chosen(QString::number(count));
+        });
+        connect(part, &QSpinBox::editingFinished, this, [this] { line->setModified(false); });
     }
-    void show(const Text& /*asked*/, const Text& shown) override
+    // What is asked for, from which the next step goes on before it is shown.
+    void show(const Text& asked, const Text& shown) override
     {
+        if (line->isModified())
+            return;
         const QSignalBlocker quiet(part);
-        part->setValue(parseNumber<int>(shown.value_or("")).value_or(setting.least));
+        const Text& text = asked ? asked : shown;
+        part->setValue(parseNumber<int>(text.value_or("")).value_or(setting.least));
     }
+
+private:
+    QLineEdit* const line; // which is typed into
 };
 
 QIcon swatch(const QColor& colour)
@@ -359,7 +370,7 @@ public:
         widget->setFocusProxy(list);
         for (QLineEdit* end : {min, max}) {
             acceptDecimalComma(*end);
-            whenEdited(*end, [this] { emit chosen(min->text() + ":" + max->text()); });
+            connect(end, &QLineEdit::editingFinished, this, [this, end] { tellEdited(*end); });
         }
         whenChosen(*list, [this] {
             const QString data = list->currentData().toString();
@@ -383,6 +394,25 @@ public:
 
 private:
     static constexpr const char* BY_HAND = "by hand";
+
+    // One end beyond the other stays until that has been typed, too, or both have been left.
+    void tellEdited(const QLineEdit& end)
+    {
+        if (!min->isModified() && !max->isModified())
+            return;
+        const auto least = parseNumber<double>(min->text().toStdString());
+        const auto most = parseNumber<double>(max->text().toStdString());
+        const bool isOneBeyond =
+            least && most && *least >= *most && !(min->isModified() && max->isModified());
+        const bool isLeft = !min->hasFocus() && !max->hasFocus();
+        if (isOneBeyond && !isLeft && !end.hasFocus())
+            return;
+        if (!isOneBeyond || isLeft) {
+            min->setModified(false);
+            max->setModified(false);
+        }
+        emit chosen(min->text() + ":" + max->text());
+    }
 
     QComboBox* const list;
     QLineEdit *const min, *const max;
@@ -438,8 +468,9 @@ public:
             text.chop(2);
         reversed->setChecked(isReversed);
         reversed->setEnabled(!text.contains(','));
-        if (!list->lineEdit()->isModified())
-            list->setCurrentText(text);
+        if (list->lineEdit()->isModified())
+            return;
+        list->setCurrentText(text);
         const int index = list->findText(text);
         if (index >= 0)
             list->setCurrentIndex(index);
@@ -585,6 +616,8 @@ public:
     {
         const bool isOn = asked.has_value();
         on->setChecked(isOn);
+        if (!isOn)
+            forgetTyping(); // of a field that loses the keyboard now
         for (QWidget* part : std::initializer_list<QWidget*>{list, flip, field, slider})
             part->setEnabled(isOn);
         if (!isOn)
@@ -595,7 +628,7 @@ public:
         const std::optional<double> distance = settled ? settled->distance : plane->distance;
         if (!field->isModified())
             field->setText(plane->distance ? toQt(formatted(*plane->distance))
-                           : distance      ? QString::number(*distance, 'g', 4)
+                           : distance      ? shortened(*distance, reachOfData().second)
                                            : QString());
         if (!distance || slider->isSliderDown())
             return;
@@ -635,11 +668,7 @@ private:
         });
         connect(slider, &QSlider::valueChanged, this, [this](int position) {
             const auto [middle, reach] = reachOfData();
-            // As many decimals as tell two positions apart.
-            const double step = std::pow(10.0, std::floor(std::log10(reach / STEPS)));
-            const double distance = middle + reach * position / STEPS;
-            tell({plane->normal,
-                  QString::number(std::round(distance / step) * step, 'g', 6).toDouble()});
+            tell({plane->normal, shortened(middle + reach * position / STEPS, reach).toDouble()});
         });
     }
     void tell(const ClipPlane& next) { emit chosen(toQt(formatClipPlane(next))); }
@@ -647,6 +676,15 @@ private:
     Vector towardsViewer() const
     {
         return surroundings.towardsViewer ? surroundings.towardsViewer() : Vector(0, 0, 1);
+    }
+    // With as many decimals as tell two positions of the slider apart.
+    static QString shortened(double distance, double reach)
+    {
+        const int power = int(std::floor(std::log10(reach / STEPS)));
+        const double unit = std::pow(10.0, power);
+        const double rounded = power < 0 ? QString::number(distance, 'f', -power).toDouble()
+                                         : std::round(distance / unit) * unit;
+        return toQt(formatted(rounded + 0.0)); // no -0
     }
     // In digits that a user would type.
     Vector roundedView() const
@@ -780,6 +818,19 @@ SettingControl::SettingControl(const Setting& settingToSet, QWidget* controlWidg
 {
     name(widget, "", setting.label);
     widget->setToolTip(QString::fromStdString(setting.help));
+}
+
+void SettingControl::forgetTyping()
+{
+    QList<QLineEdit*> lines = widget->findChildren<QLineEdit*>();
+    if (auto* const line = qobject_cast<QLineEdit*>(widget))
+        lines.append(line);
+    for (QLineEdit* line : lines)
+        line->setModified(false);
+    if (auto* const box = qobject_cast<QSpinBox*>(widget)) {
+        const QSignalBlocker quiet(box);
+        box->setValue(box->value()); // which it would read of its line
+    }
 }
 
 QWidget* SettingControl::makeRow(QWidget* parent)

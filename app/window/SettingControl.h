@@ -48,6 +48,8 @@ public:
     /// What can be chosen among, of those that depend on the data.
     virtual void offer(const std::vector<std::string>& /*words*/) {}
     virtual void setSurroundings(const Surroundings& /*surroundings*/) {}
+    /// What is being typed will not be chosen, and gives way to what is shown next.
+    void forgetTyping();
 
 signals:
     void chosen(const QString& text);

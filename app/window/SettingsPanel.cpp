@@ -74,7 +74,7 @@ void SettingsPanel::addControl(const Setting& setting, QFormLayout& form)
     connect(control, &SettingControl::cleared, this, [this, &setting] { clear(setting); });
     connect(control, &SettingControl::trialBegun, this, &SettingsPanel::beginTrial);
     connect(control, &SettingControl::trialEnded, this, [this, &setting] { endTrial(setting); });
-    connect(reset, &QToolButton::clicked, this, [this, &setting] { clear(setting); });
+    connect(reset, &QToolButton::clicked, this, [this, &setting] { takeBack(setting); });
 }
 
 void SettingsPanel::show(const StyleRequest& asked, const StyleRequest& shown)
@@ -88,7 +88,7 @@ void SettingsPanel::show(const StyleRequest& asked, const StyleRequest& shown)
         row.control->show(text, setting.value(shown));
         row.reset->setVisible(text.has_value());
         row.reset->setToolTip("As usual");
-        row.control->getWidget()->setEnabled(setting.isOfUse(asked));
+        enable(*row.control, setting.isOfUse(asked));
     }
 }
 
@@ -97,16 +97,40 @@ void SettingsPanel::showOwn(const ThingLook& look, const std::set<ThingId>& thin
 {
     shownStyle = shown;
     isOfThings = true;
+    ownLook = look;
+    ownThings = things;
     for (const Row& row : rows) {
         const Setting& setting = row.control->getSetting();
         const std::optional<std::string> text = ownValue(setting.name, look);
         row.control->show(text, setting.value(shown));
         row.reset->setVisible(text.has_value());
         row.reset->setToolTip("As all things");
-        row.control->getWidget()->setEnabled(
-            std::any_of(things.begin(), things.end(),
-                        [&](const ThingId& thing) { return canHaveOwn(setting.name, thing); }));
+        enable(*row.control, std::any_of(things.begin(), things.end(), [&](const ThingId& thing) {
+            return canHaveOwn(setting.name, thing);
+        }));
     }
+}
+
+// A field loses the keyboard with it, and would tell what was typed.
+void SettingsPanel::enable(SettingControl& control, bool on)
+{
+    if (!on)
+        control.forgetTyping();
+    control.getWidget()->setEnabled(on);
+}
+
+void SettingsPanel::showAgain()
+{
+    if (isOfThings)
+        showOwn(ThingLook(ownLook), std::set<ThingId>(ownThings), StyleRequest(shownStyle));
+    else
+        show(request, shownStyle);
+}
+
+void SettingsPanel::forgetTyping()
+{
+    for (const Row& row : rows)
+        row.control->forgetTyping();
 }
 
 void SettingsPanel::offerScalars(const std::vector<std::string>& names)
@@ -160,8 +184,18 @@ void SettingsPanel::read(const Setting& setting, const QString& text)
     tellFault(fault.empty() ? "" : std::string(setting.label) + ": " + fault);
     if (fault.empty() && next != request)
         emit changed(next, setting.name);
-    else if (!isOfThings)
-        show(request, shownStyle);
+    else
+        showAgain();
+}
+
+void SettingsPanel::takeBack(const Setting& setting)
+{
+    for (const Row& row : rows) {
+        const Setting& other = row.control->getSetting();
+        if (&other == &setting || other.neededSetting == setting.name)
+            row.control->forgetTyping();
+    }
+    clear(setting);
 }
 
 void SettingsPanel::clear(const Setting& setting)

@@ -39,6 +39,8 @@ public:
     void setSurroundings(const Surroundings& surroundings);
     /// Why something is not shown, in a line; empty for nothing.
     void tellFault(const std::string& fault);
+    /// What is being typed will not be asked for.
+    void forgetTyping();
 
 signals:
     /// The user asks for another style; `setting` is the name of the one that is another.
@@ -53,6 +55,9 @@ signals:
 
 private:
     void addControl(const Setting& setting, QFormLayout& form);
+    void takeBack(const Setting& setting);
+    void enable(SettingControl& control, bool on);
+    void showAgain();
     void read(const Setting& setting, const QString& text);
     void clear(const Setting& setting);
     void beginTrial();
@@ -68,6 +73,8 @@ private:
     StyleRequest shownStyle;
     StyleRequest requestBeforeTrial;
     bool isOfThings = false; ///< what is shown
+    ThingLook ownLook;
+    std::set<ThingId> ownThings;
     QLabel* faultLine;
 };
 

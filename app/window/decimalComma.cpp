@@ -36,6 +36,7 @@ void acceptDecimalComma(QLineEdit& field)
         const int cursor = field.cursorPosition();
         field.setText(QString(text).replace(',', '.'));
         field.setCursorPosition(cursor);
+        field.setModified(true); // by the user, whose text this is
     });
 }
 

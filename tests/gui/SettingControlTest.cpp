@@ -2,23 +2,32 @@
 // What a control takes of what its user types, tries and passes by.
 #include "window/SettingControl.h"
 
+#include <set>
 #include <string>
 #include <vector>
 
 #include <QAction>
 #include <QApplication>
+#include <QClipboard>
 #include <QColorDialog>
 #include <QComboBox>
 #include <QElapsedTimer>
+#include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
+#include <QSlider>
+#include <QSpinBox>
 #include <QTest>
 #include <QToolButton>
 #include <QTreeView>
 #include <gmock/gmock.h>
 
+#include <strandview/formats/text/wording.h>
+
 #include "DataWindowTest.h"
 #include "User.h"
 #include "request/settings.h"
+#include "scene/DataScene.h"
 #include "support/realInput.h"
 #include "window/History.h"
 
@@ -85,6 +94,41 @@ protected:
         return nullptr;
     }
 
+    // Instead of what stands in a field, which keeps the keyboard.
+    void type(const char* field, const std::vector<std::string>& keys) const
+    {
+        auto* const line = find<QLineEdit>(field);
+        if (!line->hasFocus())
+            click(*line);
+        ASSERT_TRUE(comesTo([&] { return line->hasFocus(); }));
+        pressRealKey("Control+a");
+        for (const std::string& key : keys)
+            pressRealKey(key);
+    }
+    void typeAll(const char* field, const std::vector<std::string>& keys, const char* text) const
+    {
+        ASSERT_NO_FATAL_FAILURE(type(field, keys));
+        ASSERT_TRUE(comesTo([&] { return textOf(field) == text; })) << textOf(field);
+    }
+    std::string textOf(const char* field) const
+    {
+        return find<QLineEdit>(field)->text().toStdString();
+    }
+    // Gives the keyboard to the view.
+    void leave() const
+    {
+        click(*view());
+        ASSERT_TRUE(comesTo([this] { return view()->hasFocus(); }));
+    }
+    bool comesToRest() const
+    {
+        return comesTo([this] { return !window->isRestyling(); }) && comesToBePainted();
+    }
+    std::string faultOf(const char* panel) const
+    {
+        const auto* const line = find<QWidget>(panel)->findChild<QLabel*>("settingFault");
+        return line->isVisible() ? line->text().toStdString() : "";
+    }
     // A colour that is typed into the dialog, after others a while before, and whether it is taken.
     void tryColours(const char* setting, const std::vector<std::string>& colours,
                     const char* lastKey) const
@@ -173,6 +217,193 @@ TEST_F(SettingControlTest, ColoursThatAreTriedAreOneStepWithTheOneThatIsTaken)
     pressRealKey("Control+z");
     ASSERT_TRUE(comesTo([&] { return written("tube-colour") == "#0000ff"; }));
     EXPECT_FALSE(undo()->isEnabled());
+}
+
+// Typing
+
+TEST_F(SettingControlTest, ACommaMayBeTheLastThingThatIsTyped)
+{
+    ASSERT_NO_FATAL_FAILURE(openLook());
+    ASSERT_NO_FATAL_FAILURE(typeAll("radiusField", {"1", "5", "Left", "comma"}, "1.5"));
+    pressRealKey("Return");
+    EXPECT_TRUE(comesTo([&] { return window->getStyle().radius == 1.5; }));
+    QApplication::clipboard()->setText("0,25");
+    ASSERT_NO_FATAL_FAILURE(typeAll("radiusField", {"Control+v"}, "0.25"));
+    pressRealKey("Tab");
+    EXPECT_TRUE(comesTo([&] { return window->getStyle().radius == 0.25; }));
+}
+
+TEST_F(SettingControlTest, WhatIsTypedGoesWithWhatTheCrossTakesBack)
+{
+    options.radius = 0.2;
+    ASSERT_NO_FATAL_FAILURE(openLook());
+    ASSERT_NO_FATAL_FAILURE(typeAll("radiusField", {"0", "period", "3"}, "0.3"));
+    click(*find<QToolButton>("radiusReset"));
+    ASSERT_TRUE(comesTo([&] { return !window->getStyle().radius; }) && comesToRest());
+    EXPECT_EQ(textOf("radiusField"),
+              QString::number(scene->getStyle().radius, 'g', 4).toStdString());
+    ASSERT_NO_FATAL_FAILURE(leave());
+    EXPECT_EQ(window->getStyle().radius, std::nullopt);
+    EXPECT_FALSE(window->isRestyling());
+}
+
+TEST_F(SettingControlTest, ADistanceThatIsTypedGoesWithTheCutInOneStep)
+{
+    options.clip = parseClipPlane("x:0.25");
+    ASSERT_NO_FATAL_FAILURE(openLook());
+    ASSERT_NO_FATAL_FAILURE(typeAll("clipField", {"1"}, "1"));
+    click(*find<QToolButton>("clipReset"));
+    ASSERT_TRUE(comesTo([&] { return undo()->isEnabled(); }));
+    EXPECT_EQ(written("clip"), "");
+    ASSERT_NO_FATAL_FAILURE(leave());
+    EXPECT_EQ(written("clip"), "");
+    pressRealKey("Control+z");
+    EXPECT_TRUE(comesTo([&] { return !undo()->isEnabled(); }));
+    EXPECT_EQ(written("clip"), "x:0.25");
+}
+
+TEST_F(SettingControlTest, ATitleThatIsTypedGoesWithItsScalar)
+{
+    options.colourBy = "curvature";
+    ASSERT_NO_FATAL_FAILURE(openPanel("c", "colour-by"));
+    ASSERT_NO_FATAL_FAILURE(typeAll("legend-title", {"k"}, "k"));
+    click(*find<QToolButton>("colour-byReset"));
+    ASSERT_TRUE(comesTo([&] { return !window->getStyle().colourBy; }) && comesToRest());
+    EXPECT_EQ(written("legend-title"), "");
+    EXPECT_EQ(faultOf("colourPanel"), "");
+}
+
+TEST_F(SettingControlTest, WhatIsBeingTypedOutlastsAStyleThatComes)
+{
+    options.colourBy = "curvature";
+    ASSERT_NO_FATAL_FAILURE(openLook());
+    const auto changeStyle = [this](double radius) {
+        StyleRequest next = window->getStyle();
+        next.radius = radius;
+        window->setStyle(next);
+        ASSERT_TRUE(comesToRest());
+    };
+    auto* const slices = find<QSpinBox>("slices");
+    auto* const ofSlices = slices->findChild<QLineEdit*>();
+    slices->setFocus();
+    ASSERT_TRUE(comesTo([&] { return slices->hasFocus(); }));
+    pressRealKey("Control+a");
+    pressRealKey("7");
+    ASSERT_TRUE(comesTo([&] { return ofSlices->text() == "7"; }));
+    changeStyle(0.1);
+    EXPECT_EQ(ofSlices->text(), "7");
+    pressRealKey("Return");
+    EXPECT_TRUE(comesTo([&] { return written("slices") == "7"; }));
+    StyleRequest other = window->getStyle();
+    other.slices = 9;
+    window->setStyle(other);
+    EXPECT_EQ(slices->value(), 9) << "once it is taken";
+
+    ASSERT_NO_FATAL_FAILURE(leave());
+    pressRealKey("c");
+    auto* const map = find<QComboBox>("coloursList");
+    ASSERT_TRUE(comesTo([&] { return map->isVisible(); }));
+    map->lineEdit()->setObjectName("mapField");
+    ASSERT_NO_FATAL_FAILURE(typeAll("mapField", {"r", "e", "d", "comma", "b"}, "red,b"));
+    changeStyle(0.2);
+    EXPECT_EQ(textOf("mapField"), "red,b");
+    for (const char* const key : {"l", "u", "e", "Return"})
+        pressRealKey(key);
+    EXPECT_TRUE(comesTo([&] { return written("colours") == "red,blue"; }));
+}
+
+TEST_F(SettingControlTest, ACountGoesOnFromWhatIsAskedForBeforeThatIsShown)
+{
+    ASSERT_NO_FATAL_FAILURE(openLook());
+    auto* const slices = find<QSpinBox>("slices");
+    const int before = slices->value();
+    for (int i = 0; i < 3; ++i)
+        slices->stepUp();
+    EXPECT_TRUE(window->isRestyling());
+    EXPECT_EQ(slices->value(), before + 3);
+    EXPECT_EQ(written("slices"), std::to_string(before + 3));
+}
+
+TEST_F(SettingControlTest, ARangeMovesPastItselfOneEndAfterTheOther)
+{
+    options.colourBy = "arclength";
+    options.rangeMin = 0;
+    options.rangeMax = 1;
+    ASSERT_NO_FATAL_FAILURE(openPanel("c", "colour-by"));
+    ASSERT_NO_FATAL_FAILURE(typeAll("rangeMin", {"5"}, "5"));
+    pressRealKey("Tab");
+    ASSERT_TRUE(comesTo([&] { return find<QLineEdit>("rangeMax")->hasFocus(); }));
+    EXPECT_EQ(textOf("rangeMin"), "5");
+    EXPECT_EQ(faultOf("colourPanel"), "");
+    ASSERT_NO_FATAL_FAILURE(typeAll("rangeMax", {"1", "0"}, "10"));
+    pressRealKey("Tab");
+    EXPECT_TRUE(comesTo([&] { return written("range") == "5:10"; }));
+    EXPECT_EQ(faultOf("colourPanel"), "");
+}
+
+TEST_F(SettingControlTest, AnEndOfARangeThatStaysBeyondTheOtherIsToldOnceBothAreLeft)
+{
+    options.colourBy = "arclength";
+    options.rangeMin = 0;
+    options.rangeMax = 1;
+    ASSERT_NO_FATAL_FAILURE(openPanel("c", "colour-by"));
+    const auto typeLeast = [this] {
+        ASSERT_NO_FATAL_FAILURE(typeAll("rangeMin", {"5"}, "5"));
+        pressRealKey("Tab");
+        ASSERT_TRUE(comesTo([&] { return find<QLineEdit>("rangeMax")->hasFocus(); }));
+    };
+    ASSERT_NO_FATAL_FAILURE(typeLeast());
+    ASSERT_NO_FATAL_FAILURE(leave());
+    EXPECT_TRUE(comesTo([&] { return faultOf("colourPanel").find("'5:1'") != std::string::npos; }))
+        << faultOf("colourPanel");
+    EXPECT_EQ(textOf("rangeMin"), "0");
+    EXPECT_EQ(written("range"), "0:1");
+
+    ASSERT_NO_FATAL_FAILURE(typeAll("rangeMax", {"2"}, "2"));
+    pressRealKey("Return");
+    ASSERT_TRUE(comesTo([&] { return written("range") == "0:2"; }));
+    ASSERT_NO_FATAL_FAILURE(typeLeast());
+    pressRealKey("Escape");
+    ASSERT_TRUE(comesTo([&] { return view()->hasFocus(); }));
+    EXPECT_EQ(faultOf("colourPanel"), "");
+    EXPECT_EQ(textOf("rangeMin"), "0");
+    EXPECT_EQ(written("range"), "0:2");
+}
+
+TEST_F(SettingControlTest, WhatIsRefusedOfChosenThingsIsPutBack)
+{
+    options.radius = 0.1;
+    ASSERT_NO_FATAL_FAILURE(openLookOfChosen());
+    ASSERT_NO_FATAL_FAILURE(typeAll("radiusField", {"x"}, "x"));
+    pressRealKey("Return");
+    EXPECT_TRUE(comesTo([&] { return !faultOf("lookPanel").empty(); }));
+    EXPECT_EQ(textOf("radiusField"), "0.1");
+    EXPECT_EQ(written("thing"), "");
+}
+
+TEST_F(SettingControlTest, ASliderOfAPlaneTellsPlacesApartFarFromTheOrigin)
+{
+    options.clip = parseClipPlane("x");
+    ASSERT_NO_FATAL_FAILURE(openText("1000000.5 0 0\n1000001.5 1 0\n1000002.5 0 0\n", "far.txt"));
+    ASSERT_TRUE(comesToBePainted());
+    pressRealKey("o");
+    auto* const slider = find<QSlider>("clipSlider");
+    ASSERT_TRUE(comesTo([&] { return slider->isVisible(); }));
+    EXPECT_EQ(textOf("clipField"), "1000001.5");
+    slider->setFocus();
+    ASSERT_TRUE(comesTo([&] { return slider->hasFocus(); }));
+    std::set<double> distances;
+    for (int i = 0; i < 5; ++i) {
+        const int before = slider->value();
+        pressRealKey("Right");
+        ASSERT_TRUE(comesTo([&] { return slider->value() == before + 1; })) << i;
+        distances.insert(window->getStyle().clip->distance.value());
+    }
+    EXPECT_EQ(distances.size(), 5u);
+    EXPECT_GT(*distances.begin(), 1000001.5);
+    EXPECT_LT(*distances.rbegin(), 1000001.6);
+    for (const double distance : distances)
+        EXPECT_LE(formatted(distance).size(), std::string("1000001.523").size()) << distance;
 }
 
 } // namespace strandview
