@@ -346,6 +346,7 @@ void MainWindow::buildNumbers()
     places = std::make_unique<PlaceTeller>(ownedViewer->marks, *panel);
     measurements = std::make_unique<MeasurementKeeper>(*places, ownedViewer->keptMarks, *list);
     connect(measurements.get(), &MeasurementKeeper::changed, this, [this] { history->note(); });
+    list->folder = [this] { return folderOfFiles(); };
     connect(list, &MeasurementPanel::keepAsked, this, &MainWindow::keepMeasurement);
     connect(list, &MeasurementPanel::saveAsked, this, [this](const QString& file) {
         const std::string failure = measurements->save(file.toStdString());
@@ -375,9 +376,11 @@ void MainWindow::buildSettings()
     colourPanel = new SettingsPanel({"Colour by data"}, docks);
     colourDock = addPanel(colourPanel, "Colours", Command::SHOW_COLOUR_SETTINGS);
     docks->tabifyDockWidget(lookDock, colourDock);
-    lookPanel->setSurroundings(
-        Surroundings{[this] { return scene ? boxOfData(*scene) : std::nullopt; },
-                     [this] { return towardsViewer(getCameraNumbers()); }});
+    for (SettingsPanel* panel : {lookPanel, colourPanel})
+        panel->setSurroundings(
+            Surroundings{[this] { return scene ? boxOfData(*scene) : std::nullopt; },
+                         [this] { return towardsViewer(getCameraNumbers()); },
+                         [this] { return folderOfFiles(); }});
     lookPanel->setObjectName("lookPanel");
     colourPanel->setObjectName("colourPanel");
     connect(look, &LookPanel::changed, this, &MainWindow::setStyle);

@@ -252,7 +252,8 @@ void MeasurementPanel::offerMenu(const QPoint& place)
 
 void MeasurementPanel::chooseFile()
 {
-    QFileDialog dialog(this, "Save what is measured", "", "Tables (*.csv)");
+    QFileDialog dialog(this, "Save what is measured", folder ? folder() : QString(),
+                       "Tables (*.csv)");
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setDefaultSuffix("csv");
     dialog.selectFile("measured.csv");

@@ -2,6 +2,7 @@
 #ifndef STRANDVIEW_APP_WINDOW_MEASUREMENTPANEL_H
 #define STRANDVIEW_APP_WINDOW_MEASUREMENTPANEL_H
 
+#include <functional>
 #include <optional>
 #include <set>
 #include <vector>
@@ -42,6 +43,8 @@ public:
     void copy() const;
 
     QSize sizeHint() const override;
+
+    std::function<QString()> folder; ///< in which files are offered to be saved
 
 signals:
     void keepAsked();

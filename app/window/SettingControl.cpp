@@ -9,6 +9,7 @@
 #include <QComboBox>
 #include <QFileDialog>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPainter>
@@ -727,6 +728,7 @@ private:
     std::optional<ClipPlane> plane; ///< that was asked for last
 };
 
+// Each choice lets files be read, or asks for one: so it is made in the open list alone.
 class ReferenceControl : public OneWidget<QComboBox>
 {
 public:
@@ -735,7 +737,9 @@ public:
         part->addItems({"nothing", "the first frame", "a file..."});
         keepNarrow(*part);
         whenChosen(*part, [this](int index) { choose(index); });
+        part->installEventFilter(this);
     }
+    void setSurroundings(const Surroundings& ofThese) override { surroundings = ofThese; }
     void show(const Text& asked, const Text& /*shown*/) override
     {
         now = asked;
@@ -749,6 +753,25 @@ public:
 private:
     enum { NOTHING, FIRST, CHOOSE, FILE_NAME };
 
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() == QEvent::Wheel) {
+            event->ignore();
+            return true;
+        }
+        if (event->type() != QEvent::KeyPress || !choosesAnother(*static_cast<QKeyEvent*>(event)))
+            return SettingControl::eventFilter(watched, event);
+        part->showPopup();
+        return true;
+    }
+    static bool choosesAnother(const QKeyEvent& key)
+    {
+        const auto moves = {Qt::Key_Up,       Qt::Key_Down, Qt::Key_PageUp,
+                            Qt::Key_PageDown, Qt::Key_Home, Qt::Key_End};
+        const QString text = key.text();
+        return std::find(moves.begin(), moves.end(), key.key()) != moves.end() ||
+               (!text.isEmpty() && text[0].isPrint());
+    }
     void choose(int index)
     {
         if (index == NOTHING)
@@ -760,7 +783,8 @@ private:
     }
     void chooseFile()
     {
-        const QString file = QFileDialog::getOpenFileName(part, "Compare with");
+        const QString folder = surroundings.folder ? surroundings.folder() : QString();
+        const QString file = QFileDialog::getOpenFileName(part, "Compare with", folder);
         if (file.isEmpty())
             show(now, {});
         else
@@ -768,6 +792,7 @@ private:
     }
 
     Text now;
+    Surroundings surroundings;
 };
 
 } // namespace

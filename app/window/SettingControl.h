@@ -18,14 +18,15 @@ class QWidget;
 
 namespace strandview {
 
-/// What a control may ask of the data that are shown and of the view; empty where nothing is. In
-/// the data's coordinates.
+/// What a control may ask of the data that are shown and of the view; empty where nothing is.
+/// Places are in the data's coordinates.
 struct Surroundings
 {
     using Vector = algebra3d::Vector3<double>;
 
     std::function<std::optional<std::pair<Vector, Vector>>()> box; ///< its ends
     std::function<Vector()> towardsViewer;                         ///< of length 1
+    std::function<QString()> folder;                               ///< where the data's files are
 };
 
 /// What a user sets one setting with. It shows what a request says of it, and tells what the user

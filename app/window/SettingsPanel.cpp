@@ -13,6 +13,7 @@
 
 #include "request/thingTexts.h"
 #include "window/SettingControl.h"
+#include "window/scrollPast.h"
 
 namespace strandview {
 
@@ -53,6 +54,7 @@ void SettingsPanel::addControl(const Setting& setting, QFormLayout& form)
 {
     QWidget* const page = form.parentWidget();
     SettingControl* const control = SettingControl::make(setting, page);
+    scrollPast(*control->getWidget());
     auto* reset = new QToolButton(page);
     reset->setObjectName(QString(setting.name) + "Reset");
     reset->setIcon(style()->standardIcon(QStyle::SP_LineEditClearButton));

@@ -9,6 +9,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
+#include <QFileDialog>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTest>
@@ -16,6 +17,7 @@
 #include <gmock/gmock.h>
 
 #include "DataWindowTest.h"
+#include "User.h"
 #include "scene/DataScene.h"
 #include "scene/backbones.h"
 #include "support/realInput.h"
@@ -236,6 +238,24 @@ TEST_F(MeasurementPanelTest, TheListIsCopiedWithTabs)
     pressRealKey("Control+c");
     EXPECT_TRUE(comesTo(
         [] { return QApplication::clipboard()->text() == "\tdistance\trod 1:2, rod 1:3\t1\n"; }));
+}
+
+TEST_F(MeasurementPanelTest, ItsFileIsOfferedWhereTheDataAre)
+{
+    openWithPanel(rodText(0));
+    ASSERT_NO_FATAL_FAILURE(keep(1, 3));
+    const auto dialog = [] {
+        return qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+    };
+    std::string place;
+    const User user({{[&] { return dialog() && dialog()->isActiveWindow(); },
+                      [&] {
+                          place = dialog()->directory().absolutePath().toStdString();
+                          pressRealKey("Escape");
+                      }}});
+    click(*button("saveMeasurementsButton"));
+    ASSERT_TRUE(comesTo([&] { return user.isDone() && !dialog(); }));
+    EXPECT_EQ(place, folder.path());
 }
 
 TEST_F(MeasurementPanelTest, OfWhatIsHiddenIsNotShownAndNoneIsInAPictureOfTheView)

@@ -6,15 +6,19 @@
 #include <string>
 #include <vector>
 
+#include <QAbstractItemView>
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
 #include <QColorDialog>
 #include <QComboBox>
 #include <QElapsedTimer>
+#include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QSlider>
 #include <QSpinBox>
 #include <QTest>
@@ -129,6 +133,16 @@ protected:
         const auto* const line = find<QWidget>(panel)->findChild<QLabel*>("settingFault");
         return line->isVisible() ? line->text().toStdString() : "";
     }
+    static QPoint middleOf(const QWidget& widget)
+    {
+        return widget.mapToGlobal(widget.rect().center());
+    }
+    static void turnWheel(const QWidget& widget, bool isUp)
+    {
+        const QPoint place = middleOf(widget) * widget.devicePixelRatioF();
+        turnRealWheel(place.x(), place.y(), isUp);
+    }
+
     // A colour that is typed into the dialog, after others a while before, and whether it is taken.
     void tryColours(const char* setting, const std::vector<std::string>& colours,
                     const char* lastKey) const
@@ -404,6 +418,87 @@ TEST_F(SettingControlTest, ASliderOfAPlaneTellsPlacesApartFarFromTheOrigin)
     EXPECT_LT(*distances.rbegin(), 1000001.6);
     for (const double distance : distances)
         EXPECT_LE(formatted(distance).size(), std::string("1000001.523").size()) << distance;
+}
+
+// The wheel
+
+TEST_F(SettingControlTest, TheWheelScrollsPastControlsThatDoNotHaveTheKeyboard)
+{
+    ASSERT_NO_FATAL_FAILURE(openLook());
+    const StyleRequest before = window->getStyle();
+    QScrollBar* const bar =
+        find<QWidget>("lookPanel")->findChild<QScrollArea*>()->verticalScrollBar();
+    ASSERT_GT(bar->maximum(), 100);
+    for (const char* const name : {"radiusSlider", "slices", "shading", "transparencySlider"}) {
+        SCOPED_TRACE(name);
+        auto* const control = find<QWidget>(name);
+        bar->setValue(0);
+        ASSERT_TRUE(comesToBePainted());
+        ASSERT_FALSE(control->visibleRegion().isEmpty());
+        turnWheel(*control, false);
+        EXPECT_TRUE(comesTo([&] { return bar->value() > 0; }));
+        EXPECT_TRUE(window->getStyle() == before);
+        EXPECT_FALSE(control->hasFocus());
+    }
+    auto* const slices = find<QSpinBox>("slices");
+    slices->setFocus();
+    ASSERT_TRUE(comesTo([&] { return slices->hasFocus(); }));
+    ASSERT_TRUE(comesToBePainted());
+    const int count = slices->value();
+    turnWheel(*slices, true);
+    EXPECT_TRUE(comesTo([&] { return slices->value() == count + 1; }));
+}
+
+TEST_F(SettingControlTest, NothingIsReadForAComparisonUntilOneIsChosenInTheOpenList)
+{
+    ASSERT_NO_FATAL_FAILURE(openPanel("c", "compare"));
+    auto* const list = find<QComboBox>("compare");
+    list->setFocus();
+    ASSERT_TRUE(comesTo([&] { return list->hasFocus(); }));
+    turnWheel(*list, false);
+    QTest::qWait(100);
+    EXPECT_EQ(list->currentText(), "nothing");
+    for (const char* const key : {"Down", "a"}) {
+        SCOPED_TRACE(key);
+        pressRealKey(key);
+        ASSERT_TRUE(comesTo([&] { return list->view()->isVisible(); }));
+        EXPECT_EQ(list->currentText(), "nothing");
+        EXPECT_EQ(window->getStyle(), StyleRequest());
+        pressRealKey("Escape");
+        ASSERT_TRUE(comesTo([&] { return !list->view()->isVisible(); }));
+        QTest::qWait(100); // until the key is that of the window again
+    }
+    pressRealKey("Down");
+    ASSERT_TRUE(comesTo([&] { return list->view()->isVisible(); }));
+    QTest::qWait(100);
+    pressRealKey("Down");
+    pressRealKey("Return");
+    EXPECT_TRUE(comesTo([&] { return window->getStyle().compare == std::string("first"); }));
+}
+
+TEST_F(SettingControlTest, AFileToCompareWithIsLookedForWhereTheDataAre)
+{
+    ASSERT_NO_FATAL_FAILURE(openPanel("c", "compare"));
+    auto* const list = find<QComboBox>("compare");
+    std::string place;
+    const auto dialog = [] {
+        return qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+    };
+    const User user({{[&] { return dialog() && dialog()->isActiveWindow(); },
+                      [&] {
+                          place = dialog()->directory().absolutePath().toStdString();
+                          pressRealKey("Escape");
+                      }}});
+    list->setFocus();
+    ASSERT_TRUE(comesTo([&] { return list->hasFocus(); }));
+    pressRealKey("space");
+    ASSERT_TRUE(comesTo([&] { return list->view()->isVisible(); }));
+    QTest::qWait(100);
+    pressRealKey("End");
+    pressRealKey("Return");
+    ASSERT_TRUE(comesTo([&] { return user.isDone() && !dialog(); }));
+    EXPECT_EQ(place, folder.path());
+    EXPECT_EQ(list->currentText(), "nothing");
 }
 
 } // namespace strandview

@@ -55,6 +55,7 @@ const std::map<std::string, std::string> ELSEWHERE{
     {"app/window/checkDisplay.cpp", "tests/app/StrandviewTest.cpp"},
     {"app/window/plotLooks.cpp", "tests/gui/CurvePanelTest.cpp"},
     {"app/window/runWindow.cpp", "tests/gui/LoadingTest.cpp"},
+    {"app/window/scrollPast.cpp", "tests/gui/SettingControlTest.cpp"},
     {"app/window/textBoxes.cpp", "tests/gui/MainWindowTest.cpp"},
     {"app/window/textColouredIcon.cpp", "tests/gui/EveryoneTest.cpp"},
 };

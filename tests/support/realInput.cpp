@@ -11,7 +11,7 @@
 
 namespace {
 
-const unsigned LEFT_BUTTON = 1, RIGHT_BUTTON = 3;
+const unsigned LEFT_BUTTON = 1, RIGHT_BUTTON = 3, WHEEL_UP = 4, WHEEL_DOWN = 5;
 const unsigned long STEP = 40; // ms, of a drag
 
 Display* display()
@@ -109,6 +109,13 @@ void clickRealRightButton(int x, int y)
     movePointer(x, y);
     button(true, RIGHT_BUTTON);
     button(false, RIGHT_BUTTON);
+}
+
+void turnRealWheel(int x, int y, bool isUp)
+{
+    movePointer(x, y);
+    button(true, isUp ? WHEEL_UP : WHEEL_DOWN);
+    button(false, isUp ? WHEEL_UP : WHEEL_DOWN);
 }
 
 void doubleClickRealButton(int x, int y)

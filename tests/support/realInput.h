@@ -24,6 +24,8 @@ void clickRealButton(int x, int y);
 void clickRealButtonWith(const std::string& held, int x, int y);
 /// Presses and releases the right button there.
 void clickRealRightButton(int x, int y);
+/// Turns the wheel there by a notch: away from the user, which scrolls up, or towards.
+void turnRealWheel(int x, int y, bool isUp);
 /// Twice the left button, as fast as one can.
 void doubleClickRealButton(int x, int y);
 
