@@ -4,8 +4,13 @@
 #include <QTest>
 #include <gtest/gtest.h>
 
+#include <SoMeshShape.h>
+#include <SoQtGeneralViewer.h>
+
 #include "DataWindowTest.h"
 #include "request/settings.h"
+#include "scene/DataScene.h"
+#include "support/graph.h"
 
 namespace strandview {
 
@@ -45,6 +50,21 @@ TEST_F(CoarseDrawingTest, LastsWhileItPlays)
 
 class CoarseWindowTest : public DataWindowTest
 {
+protected:
+    struct Opened : MainWindow
+    {
+        static const SoQtGeneralViewer& viewerOf(const MainWindow& window)
+        {
+            return *(window.*&Opened::viewer);
+        }
+    };
+    bool isViewerCoarse() const { return Opened::viewerOf(*window).isDrawnCoarsely(); }
+    bool isShapeCoarse() const
+    {
+        const auto shapes = allOf<SoMeshShape>(scene->getShown(0).at(0).group);
+        EXPECT_FALSE(shapes.empty());
+        return !shapes.empty() && shapes[0]->isDrawnCoarsely();
+    }
 };
 
 TEST_F(CoarseWindowTest, AStyleThatIsChangedIsDrawnSoAndThenFinely)
@@ -56,11 +76,18 @@ TEST_F(CoarseWindowTest, AStyleThatIsChangedIsDrawnSoAndThenFinely)
         ASSERT_EQ(settingOf(name).read(value, style), "");
         bool isShown = false;
         const auto watch =
-            QObject::connect(window.get(), &MainWindow::styleShown, [&isShown] { isShown = true; });
+            QObject::connect(window.get(), &MainWindow::styleShown, [this, &isShown] {
+                isShown = true;
+                EXPECT_TRUE(isViewerCoarse());
+                EXPECT_TRUE(isShapeCoarse());
+            });
+        SCOPED_TRACE(name);
         window->setStyle(style);
-        EXPECT_TRUE(comesTo([&isShown] { return isShown; })) << name;
-        EXPECT_TRUE(window->isRestyling()) << name;
-        EXPECT_TRUE(comesTo([this] { return !window->isRestyling(); })) << name;
+        EXPECT_TRUE(comesTo([&isShown] { return isShown; }));
+        EXPECT_TRUE(window->isRestyling());
+        EXPECT_TRUE(comesTo([this] { return !window->isRestyling(); }));
+        EXPECT_FALSE(isViewerCoarse());
+        EXPECT_FALSE(isShapeCoarse());
         QObject::disconnect(watch);
     }
 }
