@@ -22,6 +22,7 @@ struct SceneGeometry
     struct Rod
     {
         std::vector<algebra3d::Vector3<double>> points; ///< in the scene
+        std::vector<algebra3d::Quaternion<double>> rotations;
         SoRod::Meshes meshes;
         RowColours colours; ///< of data, if they were made
     };

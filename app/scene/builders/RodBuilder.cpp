@@ -72,6 +72,7 @@ SceneGeometry::Rod RodBuilder::compute(const Rod& rod, const ThingStyle& style,
 {
     SceneGeometry::Rod computed;
     computed.points = placement.toScene(rod.points);
+    computed.rotations = rod.rotations;
     computed.meshes =
         SoRod::makeMeshes(computed.points, rod.rotations, placement.scale * radiusOf(rod, style),
                           placement.scale * ribbonWidthOf(rod, style), style.slices,
@@ -143,7 +144,8 @@ void RodBuilder::updateNodes(std::size_t index, ShownDatum& shown)
     node->showTube(showsTube(style, rod));
     node->showRibbon(showsRibbon(style, rod));
     node->setClosed(rod.isClosed);
-    node->setData(std::move(computed.points), rod.rotations, std::move(computed.meshes));
+    node->setData(std::move(computed.points), std::move(computed.rotations),
+                  std::move(computed.meshes));
     recolour(index, shown);
 }
 
