@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Which thread of the program makes the colours of rows: see app/scene/RowColours.h.
+#include <atomic>
+#include <string>
+#include <thread>
+
+#include <dlfcn.h>
+#include <gsl/gsl_spline.h>
+#include <gtest/gtest.h>
+
+#include "DataWindowTest.h"
+#include "request/ColourMap.h"
+
+namespace {
+
+std::thread::id windowThread;
+std::atomic<int> inWindow{0}, beside{0}; // splines through the places of points
+
+} // namespace
+
+// The program's own, which the libraries find before GSL's.
+extern "C" __attribute__((visibility("default"))) int
+gsl_spline_init(gsl_spline* spline, const double* x, const double* y, size_t size)
+{
+    ++(std::this_thread::get_id() == windowThread ? inWindow : beside);
+    static const auto next =
+        reinterpret_cast<decltype(&gsl_spline_init)>(dlsym(RTLD_NEXT, "gsl_spline_init"));
+    return next(spline, x, y, size);
+}
+
+namespace strandview {
+
+namespace {
+
+class ColouringThreadTest : public DataWindowTest
+{
+protected:
+    ColouringThreadTest()
+    {
+        windowThread = std::this_thread::get_id();
+        options.colourBy = "curvature";
+    }
+
+    void openRod()
+    {
+        std::string text;
+        for (int i = 0; i < 200; ++i)
+            text += std::to_string(i) + " " + std::to_string(i * i % 7) + " 0\n";
+        ASSERT_NO_FATAL_FAILURE(openText(text, "rod.txt"));
+    }
+
+    void show(const StyleRequest& style)
+    {
+        window->setStyle(style);
+        EXPECT_TRUE(comesTo([this] { return !window->isRestyling(); }));
+    }
+
+    static void expectBeside()
+    {
+        EXPECT_EQ(inWindow, 0);
+        EXPECT_GT(beside.exchange(0), 0);
+    }
+};
+
+TEST_F(ColouringThreadTest, IsNotThatOfTheWindow)
+{
+    inWindow = beside = 0;
+    ASSERT_NO_FATAL_FAILURE(openRod());
+    expectBeside();
+    StyleRequest style = window->getStyle();
+    style.colours = findColourMap("cividis");
+    show(style);
+    expectBeside();
+    style.colourBy = "arclength";
+    show(style);
+    expectBeside();
+    style.rangeMin = 0;
+    style.rangeMax = 50;
+    show(style);
+    expectBeside();
+    style.radius = 0.5;
+    show(style);
+    expectBeside();
+}
+
+} // namespace
+
+} // namespace strandview
