@@ -281,13 +281,20 @@ void addWindowPicture(CLI::App& app, CLI::Option* render, Options& options)
 
 void addBeside(CLI::App& app, Options& options)
 {
+    const auto read = [&options](const std::vector<std::string>& what) {
+        if (what.size() > BesideRequest::MOST)
+            throw CLI::ValidationError("--beside", "found " + std::to_string(what.size()) +
+                                                       " further views, expected up to " +
+                                                       std::to_string(BesideRequest::MOST));
+        options.beside = besideOf(what);
+    };
     CLI::Option* beside =
-        app.add_option_function<std::string>(
-               "--beside", [&options](const std::string& what) { options.beside = besideOf(what); },
+        app.add_option_function<std::vector<std::string>>(
+               "--beside", read,
                "Show FILE, the first frame of the series, or the same from another side in a "
-               "second "
-               "view of the window")
-            ->type_name("FILE|first|same");
+               "further view of the window; up to three times")
+            ->type_name("FILE|first|same")
+            ->allow_extra_args(false);
     for (const char* other : WITHOUT_WINDOW)
         beside->excludes(app.get_option(other));
 }

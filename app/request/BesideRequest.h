@@ -2,19 +2,21 @@
 #ifndef STRANDVIEW_APP_REQUEST_BESIDEREQUEST_H
 #define STRANDVIEW_APP_REQUEST_BESIDEREQUEST_H
 
-#include <optional>
+#include <cstddef>
 #include <string>
+#include <vector>
 
 namespace strandview {
 
-/// What a window shows in a second view beside the first.
+/// What a window shows in further views beside the first.
 struct BesideRequest
 {
     static constexpr const char* FIRST_FRAME = "first"; ///< of the series that is shown
     static constexpr const char* SAME = "same"; ///< what the first view shows, from another side
+    static constexpr std::size_t MOST = 3;      ///< further views
 
-    std::optional<std::string> what; ///< one of these, or a file; nothing: there is one view
-    bool isTied = true;              ///< both views are seen from the same place
+    std::vector<std::string> what; ///< in each of them: one of these, or a file
+    bool isTied = true;            ///< all views are seen from the same place
 };
 
 inline bool operator==(const BesideRequest& a, const BesideRequest& b)
@@ -22,11 +24,21 @@ inline bool operator==(const BesideRequest& a, const BesideRequest& b)
     return a.what == b.what && a.isTied == b.isTied;
 }
 
+/// Whether it is neither the first frame nor the same.
+bool isFile(const std::string& what);
+
 /// As it is usual: two views of the same thing from one place would be one.
-inline BesideRequest besideOf(const std::string& what)
-{
-    return {what, what != BesideRequest::SAME};
-}
+BesideRequest besideOf(std::vector<std::string> what);
+
+/// Three further views of the same.
+BesideRequest fourOfTheSame();
+
+/// With a view more, behind the others, of which there are fewer than MOST. They stay tied unless
+/// it is of the same.
+BesideRequest withView(BesideRequest request, const std::string& what);
+
+/// Without that one of them.
+BesideRequest withoutView(BesideRequest request, std::size_t index);
 
 } // namespace strandview
 

@@ -40,9 +40,10 @@ void changeNames(Session& session, Change change)
         file.name = change(file.name);
     if (session.style.compare && *session.style.compare != "first")
         session.style.compare = change(*session.style.compare);
-    const std::optional<std::string>& beside = session.beside.what;
-    if (beside && *beside != BesideRequest::FIRST_FRAME && *beside != BesideRequest::SAME)
-        session.beside.what = change(*beside);
+    for (std::string& beside : session.beside.what) {
+        if (isFile(beside))
+            beside = change(beside);
+    }
 }
 
 // The shortest that leads there from where the program runs.

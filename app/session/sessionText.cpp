@@ -197,12 +197,24 @@ NamedView readView(const Json& value, const std::string& place)
 BesideRequest readBeside(const Json& value, const std::string& place)
 {
     BesideRequest beside;
-    readObject(
-        value, place,
-        {{"what", [&](const Json& v, const std::string& p) { beside.what = textIn(v, p); }},
-         {"tied", [&](const Json& v, const std::string& p) { beside.isTied = switchIn(v, p); }}});
-    if (!beside.what || beside.what->empty())
-        refuse(place, value, "\"what\" is beside");
+    const auto readWhat = [&beside](const Json& what, const std::string& at) {
+        if (what.is_string()) { // as it was for one
+            beside.what = {what.get<std::string>()};
+            return;
+        }
+        requireArray(what, at);
+        for (std::size_t i = 0; i < what.size(); ++i)
+            beside.what.push_back(textIn(what[i], at + " " + std::to_string(i + 1)));
+    };
+    readObject(value, place,
+               {{"what", readWhat}, {"tied", [&](const Json& v, const std::string& p) {
+                                         beside.isTied = switchIn(v, p);
+                                     }}});
+    const auto& what = beside.what;
+    if (what.empty() || what.size() > BesideRequest::MOST ||
+        std::count(what.begin(), what.end(), "") > 0)
+        refuse(place, value,
+               "\"what\" is beside, up to " + std::to_string(BesideRequest::MOST) + " of them");
     return beside;
 }
 
@@ -406,8 +418,8 @@ std::string textOf(const Session& session)
     }
     for (const NamedView& view : session.views)
         whole["views"].push_back({{"name", view.name}, {"camera", formatCamera(view.camera)}});
-    if (session.beside.what)
-        whole["beside"] = {{"what", *session.beside.what}, {"tied", session.beside.isTied}};
+    if (!session.beside.what.empty())
+        whole["beside"] = {{"what", session.beside.what}, {"tied", session.beside.isTied}};
     return whole.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 

@@ -20,7 +20,7 @@
 
 namespace strandview {
 
-/// Reads configurations for a second view, and computes what their scene needs but nodes, in
+/// Reads configurations for a further view, and computes what their scene needs but nodes, in
 /// another thread. In the window's thread.
 class BesideReader
 {

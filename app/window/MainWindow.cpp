@@ -273,13 +273,15 @@ void MainWindow::buildViews()
     sideBySide->onShown = [this] { keepRoom(); };
     sideBySide->onCamera = [this] { update3DZoom(); };
     sideBySide->onPick = [this](const Told& told) { statusText->tell({told}); };
-    sideBySide->onFailure = [this](const std::string& error) {
-        statusText->tell({toldOf(error, {options.beside.what.value_or("")})});
-        if (sideBySide->getScene()) // it may come to be whole again
+    sideBySide->onFailure = [this](std::size_t index, const std::string& error) {
+        statusText->tell({toldOf(error, options.beside.what)});
+        if (sideBySide->getViews()[index]->getScene()) // it may come to be whole again
             return;
         const History::Pause pause(*history);
-        setBeside({});
+        closeBeside(index);
     };
+    sideBySide->onClose = [this](std::size_t index) { closeBeside(index); };
+    sideBySide->onActive = [this] { followViewer(); };
 }
 
 void MainWindow::buildHistory()
@@ -492,8 +494,10 @@ void MainWindow::showScene(DataScene* newScene, const std::vector<std::string>& 
     scene->onPick = [this](const SoPickedPoint& picked) { pick(picked); };
     scene->onLook = [this] { lookTimer.start(); };
     scene->onLights = [this] { followDrawing(); };
-    if (choice == NEW_CAMERA)
+    if (choice == NEW_CAMERA) {
         places->forget();
+        closedBeside = {};
+    }
     scene->setLooks(options.things);
     firstFrame = scene->getData();
     if (firstFrame)
@@ -689,7 +693,7 @@ void MainWindow::follow(std::unique_ptr<LoadJob> newJob, Tell tell, CameraChoice
                     if (choice == SAME_CAMERA && options.series.isOfFiles)
                         measurements->keepSeen(
                             sameFrames(before, readStamps, frameFiles, ended->getStamps()));
-                    openBeside();
+                    openBeside(SideBySide::OTHER_FILES);
                     readStamps = ended->getStamps();
                     watchFiles();
                     shownStyle = style;
@@ -875,7 +879,7 @@ void MainWindow::beginToPlay(const ReadReport& report, Start start)
         outlineChosen();
         curves->showScene(*scene, shown, CurvePanel::NEXT_FRAME);
         curveHover->follow();
-        followBeside(NEXT_FRAME);
+        followBeside(BesideView::NEXT_FRAME);
     });
     connect(player.get(), &Player::opened, this,
             [this](const std::vector<std::string>& notices) { tellSeries(notices); });
@@ -966,7 +970,7 @@ void MainWindow::settle(const Stage& stage)
     scene->setSide(stage.side);
     if (stage.colouring && scene->getColouring() && !options.ownRange)
         scene->setColouring(*stage.colouring);
-    followBeside(OTHER_LOOK); // in the range of all frames
+    followBeside(BesideView::OTHER_LOOK); // in the range of all frames
     if (!ownedViewer->home.numbers)
         ownedViewer->home = scene->settle(options.camera);
     if (wasAtHome)
@@ -1115,7 +1119,9 @@ void MainWindow::refit(void* window, SoQtGeneralViewer* /*viewer*/, const SbVec2
 
 void MainWindow::viewAll()
 {
-    if (scene)
+    if (BesideView* const view = sideBySide->getActive())
+        view->fit();
+    else if (scene)
         fit();
 }
 
@@ -1125,13 +1131,20 @@ void MainWindow::viewFrom(Side side)
     request.side = side;
     request.margin = options.camera.margin;
     request.perspective = (*menus)[Command::SET_PERSPECTIVE]->isChecked();
-    place(request);
+    if (BesideView* const view = sideBySide->getActive())
+        view->place(request);
+    else
+        place(request);
 }
 
 void MainWindow::setPerspective(bool perspective)
 {
     if (!scene)
         return;
+    if (BesideView* const view = sideBySide->getActive()) {
+        view->setPerspective(perspective);
+        return;
+    }
     const bool wasFitted = isFitted();
     viewer->setCameraType(perspective ? SoPerspectiveCamera::getClassTypeId()
                                       : SoOrthographicCamera::getClassTypeId());
@@ -1159,16 +1172,32 @@ void MainWindow::setColours(bool ofData)
         fit();
 }
 
-// The second view
+// Further views
 
 void MainWindow::showBeside(bool on)
 {
     if (!on)
+        closedBeside = options.beside;
+    if (!on)
         setBeside({});
+    else if (!closedBeside.what.empty())
+        setBeside(closedBeside);
     else if (options.compare)
-        setBeside(besideOf(*options.compare));
+        setBeside(besideOf({*options.compare}));
     else
-        setBeside(besideOf(player ? BesideRequest::FIRST_FRAME : BesideRequest::SAME));
+        setBeside(besideOf({player ? BesideRequest::FIRST_FRAME : BesideRequest::SAME}));
+}
+
+void MainWindow::addBeside(const std::string& what)
+{
+    if (!what.empty() && options.beside.what.size() < BesideRequest::MOST)
+        setBeside(withView(options.beside, what));
+}
+
+void MainWindow::closeBeside(std::size_t index)
+{
+    sideBySide->close(index); // and no other that shows the same
+    setBeside(withoutView(options.beside, index));
 }
 
 void MainWindow::setBeside(const BesideRequest& request)
@@ -1178,57 +1207,55 @@ void MainWindow::setBeside(const BesideRequest& request)
     history->note();
     sideBySide->setTied(request.isTied);
     if (isOther)
-        openBeside();
+        openBeside(SideBySide::SAME_FILES);
     else
         keepRoom();
     followViewer();
 }
 
-// Of the files that are shown now.
-void MainWindow::openBeside()
+void MainWindow::openBeside(SideBySide::Files files)
 {
-    const std::optional<std::string>& what = options.beside.what;
-    if (!what || !scene) {
-        sideBySide->close();
-        keepRoom();
-        return;
-    }
-    const bool isFirst = *what == BesideRequest::FIRST_FRAME, isSame = *what == BesideRequest::SAME;
-    sideBySide->open(nameOf(shownFiles), isFirst ? "First frame" : isSame ? "The same" : *what);
+    std::vector<BesideView::Source> sources;
+    if (scene)
+        std::transform(options.beside.what.begin(), options.beside.what.end(),
+                       std::back_inserter(sources),
+                       [this](const std::string& what) { return besideSource(what); });
+    const std::string caption = shownFiles.empty() ? "" : nameOf(shownFiles);
+    sideBySide->open(caption, std::move(sources), files, ownedViewer->home);
+    sideBySide->setTied(options.beside.isTied);
+    followBeside(BesideView::NEW_SOURCE);
+    keepRoom();
+}
+
+// Of the files that are shown now.
+BesideView::Source MainWindow::besideSource(const std::string& what) const
+{
+    const bool isFirst = what == BesideRequest::FIRST_FRAME, isSame = what == BesideRequest::SAME;
+    BesideView::Source source{what, isFirst ? "First frame" : isSame ? "The same" : what, nullptr};
+    if (isSame || !seriesOpener || (isFirst && !player))
+        return source;
     Options ofFrames = options;
     ofFrames.colourIfPossible = true;
     if (!isFirst) {
-        ofFrames.series.isOfFiles = QFileInfo(QString::fromStdString(*what)).isDir();
+        ofFrames.series.isOfFiles = QFileInfo(QString::fromStdString(what)).isDir();
         if (options.compare == BesideRequest::FIRST_FRAME)
             ofFrames.compare.reset(); // that would be its own
     }
-    const std::vector<std::string> files = isFirst ? shownFiles : std::vector{*what};
-    if (isSame || !seriesOpener || (isFirst && !player))
-        sideBySide->setSeries(nullptr);
-    else
-        sideBySide->setSeries(
-            [opener = seriesOpener, files, ofFrames](ReadReport& report, Progress& progress) {
-                return opener(files, ofFrames, report, progress);
-            });
-    sideBySide->setTied(options.beside.isTied);
-    followBeside(OTHER_LOOK);
+    source.isStill = isFirst;
+    source.opener = [opener = seriesOpener, files = isFirst ? shownFiles : std::vector{what},
+                     ofFrames](ReadReport& report, Progress& progress) {
+        return opener(files, ofFrames, report, progress);
+    };
+    return source;
 }
 
-void MainWindow::followBeside(BesideChange change)
+void MainWindow::followBeside(BesideView::Change change)
 {
-    const std::optional<std::string>& what = options.beside.what;
-    if (!what || !scene || !scene->getData())
-        return;
-    const bool isFirst = *what == BesideRequest::FIRST_FRAME;
-    const bool isSame = *what == BesideRequest::SAME || (isFirst && !player);
-    if (isFirst && !isSame && change == NEXT_FRAME)
-        return; // it stays
-    sideBySide->show(isSame ? scene->getData() : nullptr,
-                     player && !isFirst ? player->getFrame() : 0, *scene,
-                     change == OTHER_LOOK ? SideBySide::OTHER_LOOK : SideBySide::SAME_LOOK);
+    if (scene && scene->getData())
+        sideBySide->show(*scene, player ? player->getFrame() : 0, change);
 }
 
-// Of all frames and of both views, so that one camera suits them.
+// Of all frames and of all views, so that one camera suits them.
 void MainWindow::keepRoom()
 {
     if (!scene)
@@ -1237,7 +1264,7 @@ void MainWindow::keepRoom()
     const bool wasFitted = isFitted();
     const bool isStaged = player && player->getStage();
     SbBox3f room = isStaged ? player->getStage()->roomIn(scene->getPlacement()) : SbBox3f();
-    if (sideBySide->getScene() && options.beside.isTied)
+    if (options.beside.isTied)
         room.extendBy(sideBySide->getRoom());
     scene->setRoom(room);
     if (wasFitted)
@@ -1423,7 +1450,7 @@ void MainWindow::showStyle(Restyler::Result& result)
     places->follow();
     measurements->follow();
     curves->followLooks();
-    followBeside(OTHER_LOOK);
+    followBeside(BesideView::OTHER_LOOK);
     tellStyle();
     followViewer();
     coarseDrawing->noteChange();
@@ -1557,12 +1584,17 @@ void MainWindow::followViewer()
 {
     menus->followScene(scene);
     const auto check = [this](Command command, bool on) { (*menus)[command]->setChecked(on); };
-    check(Command::SET_PERSPECTIVE, scene && getCameraNumbers().perspective);
+    const BesideView* const active = sideBySide->getActive();
+    check(Command::SET_PERSPECTIVE,
+          scene && (active ? active->getCameraNumbers() : getCameraNumbers()).perspective);
     check(Command::TOGGLE_BOXES, viewer->isShowingBoundingBoxes());
     check(Command::TOGGLE_FRAMES, SoQtGeneralViewer::isShowingFramesPerSecond());
     check(Command::TOGGLE_WHEELS, viewer->isDecoration());
     check(Command::TOGGLE_PICKING, !viewer->isViewing());
-    check(Command::SHOW_BESIDE, options.beside.what.has_value());
+    check(Command::SHOW_BESIDE, !options.beside.what.empty());
+    for (const Command add : {Command::ADD_SAME, Command::ADD_FIRST_FRAME, Command::ADD_FILE})
+        (*menus)[add]->setEnabled(scene && options.beside.what.size() < BesideRequest::MOST &&
+                                  (player || add != Command::ADD_FIRST_FRAME));
     check(Command::TIE_VIEWS, options.beside.isTied);
     (*menus)[Command::SHOW_COLOURS]->setEnabled(scene && scene->hasColours());
     const SbColor background = viewer->getBackgroundColor();
@@ -1683,6 +1715,11 @@ QString MainWindow::folderOfFiles() const
 void MainWindow::chooseFiles()
 {
     openFiles(QFileDialog::getOpenFileNames(this, "Open", folderOfFiles(), fileFilter()));
+}
+
+std::string MainWindow::askForFile(const QString& title)
+{
+    return QFileDialog::getOpenFileName(this, title, folderOfFiles(), fileFilter()).toStdString();
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event)
@@ -1813,6 +1850,12 @@ void MainWindow::command(Command asked, bool isOn)
          [](MainWindow& w, bool on) {
              w.setBeside({w.options.beside.what, on});
          }},
+        {Command::FOUR_VIEWS, [](MainWindow& w, bool) { w.setBeside(fourOfTheSame()); }},
+        {Command::ADD_SAME, [](MainWindow& w, bool) { w.addBeside(BesideRequest::SAME); }},
+        {Command::ADD_FIRST_FRAME,
+         [](MainWindow& w, bool) { w.addBeside(BesideRequest::FIRST_FRAME); }},
+        {Command::ADD_FILE,
+         [](MainWindow& w, bool) { w.addBeside(w.askForFile("Add a view of")); }},
         {Command::SET_FULL_SCREEN, [](MainWindow& w, bool on) { w.setFullScreen(on); }},
         {Command::CYCLE_SHADING, [](MainWindow& w, bool) { w.viewer->cycleShading(); }},
         {Command::SET_LIGHTS, [](MainWindow& w, bool) { w.viewer->setUpLighting(); }},

@@ -24,6 +24,7 @@
 #include "window/LoadJob.h"
 #include "window/PlayBar.h"
 #include "window/Restyler.h"
+#include "window/SideBySide.h"
 #include "window/WindowState.h"
 #include "window/actions.h"
 
@@ -50,7 +51,6 @@ class PlaceTeller;
 class Player;
 class SessionKeeper;
 class SettingsPanel;
-class SideBySide;
 class StatusText;
 class ThingsPanel;
 class WindowViewer;
@@ -101,7 +101,7 @@ public:
     bool isLoading() const;
     bool isWatching() const { return options.watch; }
 
-    /// What the second view shows, if there is one.
+    /// What further views show.
     const BesideRequest& getBeside() const { return options.beside; }
     const SideBySide& getSideBySide() const { return *sideBySide; }
 
@@ -176,7 +176,7 @@ public slots:
     void viewFrom(Side side);
     void setPerspective(bool perspective);
     void setFullScreen(bool full);
-    /// Opens, changes or closes the second view; tells in the status bar if it cannot be shown.
+    /// Opens and closes further views; tells in the status bar what cannot be shown there.
     void setBeside(const strandview::BesideRequest& request);
 
     // Look
@@ -208,6 +208,8 @@ private:
     void perform(const Deed& deed, bool on);
     void command(Command command, bool on);
 
+    /// Empty if its user chooses none.
+    std::string askForFile(const QString& title);
     /// Where the first of the shown files is; empty for none.
     QString folderOfFiles() const;
     void prepareDialogs();
@@ -228,12 +230,14 @@ private:
     void readChanged();
     void tellOpened(const std::vector<std::string>& files, const ReadReport& report);
 
-    // The second view
+    // Further views
     void buildViews();
     void showBeside(bool on);
-    void openBeside();
-    enum BesideChange { NEXT_FRAME, OTHER_LOOK };
-    void followBeside(BesideChange change);
+    void addBeside(const std::string& what);
+    void closeBeside(std::size_t index);
+    void openBeside(SideBySide::Files files);
+    BesideView::Source besideSource(const std::string& what) const;
+    void followBeside(BesideView::Change change);
     void keepRoom();
 
     void buildPanels();
@@ -326,6 +330,7 @@ private:
     std::unique_ptr<SessionKeeper> sessions;
     StyleRequest shownStyle; ///< as far as it is shown
     bool hasClipHandles = false;
+    BesideRequest closedBeside; ///< what was in further views
     PictureChoice pictureChoice;
     /// Of these files: what is left open follows from it.
     std::shared_ptr<const Configuration> firstFrame;

@@ -54,17 +54,13 @@ void Menus::addGroup(const ActionGroup& group, QMenuBar& bar, QToolBar& tools)
         if (!menu)
             menu = bar.addMenu(group.title);
         QMenu* place = menu;
-        if (action.submenu) {
-            QMenu*& submenu = submenus[action.submenu];
-            if (!submenu) {
-                if (submenus.size() == 1)
-                    menu->addSeparator();
-                submenu = menu->addMenu(action.submenu);
-            }
-            place = submenu;
-        }
+        const bool opensSubmenu = action.submenu && submenus.count(action.submenu) == 0;
+        if (action.submenu && !opensSubmenu)
+            place = submenus[action.submenu];
         if (action.traits & AFTER_A_LINE)
             place->addSeparator();
+        if (opensSubmenu)
+            place = submenus[action.submenu] = menu->addMenu(action.submenu);
         QAction* made = makeAction(action, *place);
         if (action.traits & IN_TOOL_BAR)
             tools.addAction(made);

@@ -1,273 +1,380 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "window/SideBySide.h"
 
+#include <algorithm>
 #include <utility>
 
-#include <Inventor/actions/SoGLRenderAction.h>
-#include <Inventor/fields/SoField.h>
 #include <Inventor/nodes/SoCamera.h>
-#include <Inventor/nodes/SoSeparator.h>
-#include <QCoreApplication>
+#include <QApplication>
 #include <QEvent>
-#include <QLabel>
+#include <QGridLayout>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QPointer>
+#include <QStyle>
+#include <QStyleOption>
 #include <QVBoxLayout>
 
-#include "scene/Progress.h"
-#include "scene/SceneBuilder.h"
+#include "camera/Camera.h"
+#include "window/ViewCaption.h"
 
 namespace strandview {
 
 namespace {
 
-const double QUARTER = 1.5707963267948966; // of a turn
+const QSize SMALLEST_VIEW(160, 120);
 
-// What cameras have that is not of a view alone, as its planes in front and behind are.
-const char* const CAMERA_FIELDS[] = {"position", "orientation", "focalDistance", "height",
-                                     "heightAngle"};
+// Of the stretches of two cells beside each other.
+const int WHOLE = 1000;
 
-void copyFields(const SoCamera& from, SoCamera& to)
+// Between cells: dragged, it says where it is to be.
+class Border : public QWidget
 {
-    for (const char* const name : CAMERA_FIELDS) {
-        const SoField* const field = from.getField(name);
-        SoField* const copy = to.getField(name);
-        if (field && copy && !copy->isSame(*field))
-            copy->copyFrom(*field);
+public:
+    Border(Qt::Orientation sharing, std::function<void(const QPoint& place)> drag, QWidget* parent)
+        : QWidget(parent), along(sharing), onDrag(std::move(drag))
+    {
+        const int width = style()->pixelMetric(QStyle::PM_SplitterWidth);
+        const bool isUpright = along == Qt::Horizontal;
+        setCursor(isUpright ? Qt::SplitHCursor : Qt::SplitVCursor);
+        if (isUpright)
+            setFixedWidth(width);
+        else
+            setFixedHeight(width);
     }
-}
 
-// A caption, hidden at first, above a place for a viewer.
-QWidget* addColumn(QSplitter& to, QLabel*& caption, QWidget*& area)
-{
-    auto* column = new QWidget(&to);
-    auto* layout = new QVBoxLayout(column);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(0);
-    caption = new QLabel(column);
-    caption->setAlignment(Qt::AlignCenter);
-    caption->setTextFormat(Qt::PlainText);
-    caption->setMinimumWidth(1); // names are long
-    caption->hide();
-    layout->addWidget(caption);
-    area = new QWidget(column);
-    area->setMinimumSize(160, 120);
-    layout->addWidget(area, 1);
-    to.addWidget(column);
-    to.setCollapsible(to.count() - 1, false);
-    return column;
-}
+protected:
+    void mouseMoveEvent(QMouseEvent* event) override
+    {
+        if (event->buttons() & Qt::LeftButton)
+            onDrag(mapToParent(event->pos()));
+    }
+    void paintEvent(QPaintEvent* /*event*/) override
+    {
+        QStyleOption option;
+        option.initFrom(this);
+        if (along == Qt::Horizontal)
+            option.state |= QStyle::State_Horizontal;
+        QPainter painter(this);
+        style()->drawControl(QStyle::CE_Splitter, &option, &painter, this);
+    }
 
-void setCaption(QLabel& label, const std::string& text)
+private:
+    Qt::Orientation along;
+    std::function<void(const QPoint& place)> onDrag;
+};
+
+// Around what is up as in the first view.
+CameraRequest fromSide(const CameraRequest& home, double azimuth, double elevation)
 {
-    label.setText(QString::fromStdString(text));
-    label.setToolTip(label.text());
-    label.show();
+    CameraRequest request;
+    request.up = upOf(home);
+    request.azimuth = azimuth;
+    request.elevation = elevation;
+    request.margin = home.margin;
+    return request;
 }
 
 } // namespace
 
 SideBySide::SideBySide(QWidget* parent)
-    : QSplitter(Qt::Horizontal, parent),
-      reader([this](BesideReader::Result& result) { showResult(result); })
+    : QWidget(parent), grid(new QGridLayout(this)), firstColumn(new QWidget(this))
 {
-    addColumn(*this, firstCaption, firstArea);
+    grid->setContentsMargins(0, 0, 0, 0);
+    grid->setSpacing(0);
+    auto* const column = new QVBoxLayout(firstColumn);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    firstCaption = new ViewCaption(firstColumn);
+    column->addWidget(firstCaption);
+    firstArea = new QWidget(firstColumn);
+    column->addWidget(firstArea, 1);
+    firstColumn->setMinimumSize(SMALLEST_VIEW);
+    borders = {
+        new Border(
+            Qt::Horizontal,
+            [this](const QPoint& place) { share(double(place.x()) / QWidget::width(), height); },
+            this),
+        new Border(
+            Qt::Vertical,
+            [this](const QPoint& place) { share(width, double(place.y()) / QWidget::height()); },
+            this)};
+    arrange();
 }
 
-SideBySide::~SideBySide() { close(); }
-
-void SideBySide::open(const std::string& captionOfFirst, const std::string& captionOfSecond)
+void SideBySide::setFirst(WindowViewer& viewer)
 {
-    if (!isOpen()) {
-        QWidget* area = nullptr;
-        secondColumn = addColumn(*this, secondCaption, area);
-        second = std::make_unique<WindowViewer>(area);
-        second->setTransparencyType(SoGLRenderAction::SORTED_OBJECT_BLEND);
-        second->setHeadlight(FALSE);
-        second->setDecoration(FALSE);
-        second->setBackgroundColor(first->getBackgroundColor());
-        second->setSceneGraph(new SoSeparator);
-        second->onCamera = [this] { followSecond(); };
-        second->getGLWidget()->installEventFilter(this);
-        auto* layout = new QVBoxLayout(area); // SoQt fills what is there before the window is shown
-        layout->setContentsMargins(0, 0, 0, 0);
-        layout->addWidget(second->getWidget());
-        secondColumn->show();
-        second->show();
-        setSizes({width() / 2, width() / 2});
+    first = &viewer;
+    viewer.getGLWidget()->installEventFilter(this);
+}
+
+void SideBySide::open(const std::string& captionOfFirst, std::vector<BesideView::Source> sources,
+                      Files files, const CameraRequest& home)
+{
+    const QPointer<QWidget> focus = window()->focusWidget(); // new views take it
+    std::vector<BesideView*> rest = std::exchange(views, {});
+    std::vector<BesideView*> kept;
+    for (const BesideView::Source& source : sources) {
+        const auto same = std::find_if(rest.begin(), rest.end(), [&](const BesideView* view) {
+            return view->getWhat() == source.what;
+        });
+        kept.push_back(same == rest.end() ? nullptr : *same);
+        if (kept.back())
+            rest.erase(same);
     }
-    setCaption(*firstCaption, captionOfFirst);
-    setCaption(*secondCaption, captionOfSecond);
+    for (BesideView* const view : rest)
+        drop(*view);
+    for (BesideView* const view : kept) {
+        if (view)
+            views.push_back(view); // from where they look is not free
+    }
+    for (std::size_t i = 0; i < sources.size(); ++i) {
+        BesideView* view = kept[i];
+        if (!view) {
+            view = makeView();
+            if (sources[i].what == BesideRequest::SAME)
+                view->setStart(freeSide(home));
+            views.insert(views.begin() + std::ptrdiff_t(i), view);
+        } else if (files == SAME_FILES) {
+            continue;
+        }
+        view->take(std::move(sources[i]));
+    }
+    firstCaption->setText(captionOfFirst);
+    arrange();
+    if (focus && focus->isVisible())
+        focus->setFocus();
+}
+
+BesideView* SideBySide::makeView()
+{
+    auto* const view = new BesideView(first->getBackgroundColor(), this);
+    view->setMinimumSize(SMALLEST_VIEW);
+    view->onBegin = [this, view] { begin(*view); };
+    view->onShown = [this] {
+        if (onShown)
+            onShown();
+    };
+    view->onFailure = [this, view](const std::string& error) {
+        if (onFailure)
+            onFailure(indexOf(*view), error);
+    };
+    view->onPick = [this](const Told& told) {
+        if (onPick)
+            onPick(told);
+    };
+    view->onCamera = [this, view] { follow(*view); };
+    view->onClose = [this, view] {
+        if (onClose)
+            onClose(indexOf(*view));
+    };
+    view->getViewer().getGLWidget()->installEventFilter(this);
+    return view;
+}
+
+void SideBySide::close(std::size_t index)
+{
+    drop(*views[index]);
+    views.erase(views.begin() + std::ptrdiff_t(index));
+    arrange();
 }
 
 void SideBySide::close()
 {
-    if (!isOpen())
-        return;
-    reader.setSeries(nullptr);
-    scene = nullptr;
-    second->onCamera = nullptr;
-    second.reset();
-    delete std::exchange(secondColumn, nullptr);
-    firstCaption->hide();
+    while (isOpen())
+        close(views.size() - 1);
 }
 
-void SideBySide::setTied(bool tied)
+// It may be what asks for it, by its button or its failure.
+void SideBySide::drop(BesideView& view)
 {
-    isTied = tied;
-    followFirst();
+    if (active == &view)
+        activate(nullptr);
+    const QWidget* const focus = QApplication::focusWidget();
+    if (focus && view.isAncestorOf(focus))
+        first->getGLWidget()->setFocus();
+    view.getViewer().getGLWidget()->removeEventFilter(this);
+    view.abandon();
+    grid->removeWidget(&view);
+    view.hide();
+    view.deleteLater();
 }
 
-void SideBySide::setSeries(FrameStore::Opener opener) { reader.setSeries(std::move(opener)); }
-
-void SideBySide::show(std::shared_ptr<const Configuration> data, std::size_t frame,
-                      const DataScene& as, LookChange change)
+std::size_t SideBySide::indexOf(const BesideView& view) const
 {
-    if (!isOpen())
-        return;
-    keepLooks(as);
-    hasColours = as.areColoursShown();
-    if (change == OTHER_LOOK)
-        ++look;
-    reader.ask({std::move(data), frame, as.getStyle(), as.getPlacement(), as.getColouring(), look});
+    return std::size_t(std::find(views.begin(), views.end(), &view) - views.begin());
 }
 
-void SideBySide::showResult(BesideReader::Result& result)
+// Cells
+
+void SideBySide::arrange()
 {
-    if (!isOpen())
-        return;
-    const std::string error = result.error.empty() ? hand(result) : result.error;
-    if (!error.empty()) {
-        if (onFailure)
-            onFailure(error);
-        return;
+    const std::size_t count = 1 + views.size();
+    for (std::size_t i = 0; i < count; ++i) {
+        QWidget* const cell = i == 0 ? firstColumn : views[i - 1];
+        grid->removeWidget(cell);
+        grid->addWidget(cell, int(i / 2 * 2), int(i % 2 * 2));
+        cell->show();
     }
-    if (shownLook != result.task.look)
-        room.makeEmpty();
-    room.extendBy(scene->getBox());
-    shownLook = result.task.look;
-    scene->setData(result.task.data);
-    showLooks();
-    scene->showColours(hasColours);
-    second->scheduleRedraw();
-    if (onShown)
-        onShown();
+    for (QWidget* const border : borders)
+        grid->removeWidget(border);
+    if (count > 1)
+        grid->addWidget(borders[0], 0, 1, count > 2 ? 3 : 1, 1);
+    if (count > 2)
+        grid->addWidget(borders[1], 1, 0, 1, 3);
+    borders[0]->setVisible(count > 1);
+    borders[1]->setVisible(count > 2);
+    firstCaption->setVisible(isOpen());
+    const bool isOther = std::exchange(arranged, views.size()) != views.size();
+    if (isOther)
+        width = height = 0.5;
+    share(width, height);
 }
 
-// The nodes; a line if that cannot be.
-std::string SideBySide::hand(BesideReader::Result& result)
+void SideBySide::share(double ofWidth, double ofHeight)
 {
-    const BesideReader::Task& task = result.task;
-    const Colouring* const colouring = result.colouring ? &*result.colouring : nullptr;
-    Progress unwatched;
-    std::string error;
-    if (scene && task.look == shownLook)
-        return updateScene(*scene, *task.data, colouring, std::move(result.geometry), unwatched);
-    if (scene)
-        return restyleScene(*scene, *task.data, task.style, colouring, std::move(result.geometry),
-                            unwatched);
-    DataScene* const made =
-        buildScene(*task.data, task.style, colouring, std::move(result.geometry), unwatched, error);
-    if (!made)
-        return error;
-    scene = made;
-    scene->onPick = [this](const SoPickedPoint& picked) {
-        second->hasPicked = true;
-        if (second->isClick && onPick)
-            onPick(scene->describe(picked));
-    };
-    const SbColor background = second->getBackgroundColor();
-    scene->setBackground({background[0], background[1], background[2]});
-    const bool wasTied = std::exchange(isTied, false); // it is put somewhere first
-    second->SoQtGeneralViewer::setSceneGraph(static_cast<SoGeneralScene*>(scene));
-    scene->keepLineWidth();
-    follow(*first, *second);
-    if (!wasTied)
-        second->rotateCamera(SbVec3f(0, 1, 0), QUARTER);
-    setTied(wasTied);
-    return "";
+    width = std::clamp(ofWidth, 0.05, 0.95);
+    height = std::clamp(ofHeight, 0.05, 0.95);
+    const int across = int(WHOLE * width), down = int(WHOLE * height);
+    grid->setColumnStretch(0, across);
+    grid->setColumnStretch(2, isOpen() ? WHOLE - across : 0);
+    grid->setRowStretch(0, down);
+    grid->setRowStretch(2, views.size() > 1 ? WHOLE - down : 0);
+}
+
+// What they show
+
+void SideBySide::show(const DataScene& ofFirst, std::size_t frame, BesideView::Change change)
+{
+    for (BesideView* const view : views)
+        view->show(ofFirst, frame, change);
+}
+
+bool SideBySide::isAtWork() const
+{
+    return std::any_of(views.begin(), views.end(),
+                       [](const BesideView* view) { return view->isAtWork(); });
 }
 
 void SideBySide::followLooks(const DataScene& ofFirst)
 {
-    keepLooks(ofFirst);
-    if (scene)
-        showLooks();
-}
-
-void SideBySide::keepLooks(const DataScene& ofFirst)
-{
-    looks = ofFirst.getLooks();
-    transparency = ofFirst.getStyle().transparency;
-    clip = ofFirst.getStyle().clip;
-    drawing = ofFirst.getStyle().drawing;
-}
-
-void SideBySide::showLooks()
-{
-    scene->setLooks(looks);
-    scene->setTransparency(transparency);
-    scene->cut(clip);
-    scene->draw(drawing);
+    for (BesideView* const view : views)
+        view->followLooks(ofFirst);
 }
 
 void SideBySide::showColours(bool ofData)
 {
-    hasColours = ofData;
-    if (scene)
-        scene->showColours(ofData);
+    for (BesideView* const view : views)
+        view->showColours(ofData);
 }
 
 void SideBySide::setBackground(const SbColor& background)
 {
-    if (!isOpen() || second->getBackgroundColor() == background)
-        return;
-    second->setBackgroundColor(background);
-    if (scene)
-        scene->setBackground({background[0], background[1], background[2]});
+    for (BesideView* const view : views)
+        view->setBackground(background);
 }
 
 void SideBySide::drawCoarsely(bool coarse)
 {
-    if (!isOpen())
-        return;
-    second->drawCoarsely(coarse);
-    if (scene)
-        scene->drawCoarsely(coarse);
+    for (BesideView* const view : views)
+        view->drawCoarsely(coarse);
+}
+
+SbBox3f SideBySide::getRoom() const
+{
+    SbBox3f room;
+    for (const BesideView* const view : views)
+        room.extendBy(view->getRoom());
+    return room;
 }
 
 // Cameras
 
-void SideBySide::followFirst()
+void SideBySide::setTied(bool tied)
 {
-    if (isTied && scene && first->getCamera())
-        follow(*first, *second);
+    isTied = tied;
+    if (tied)
+        activate(nullptr);
+    followFirst();
 }
 
-void SideBySide::followSecond()
+CameraRequest SideBySide::freeSide(const CameraRequest& home) const
 {
-    if (!isTied || !scene || isFollowing || !second->getCamera())
+    const double nearly = 0.99; // 8 degrees
+    std::vector<CameraRequest::Vector> taken{towardsViewer(numbersOf(*first->getCamera()))};
+    for (const BesideView* const view : views)
+        taken.push_back(view->seenFrom());
+    const std::pair<double, double> angles[] = {{0, 0},   {90, 0},  {0, 90}, // front, right, above
+                                                {180, 0}, {270, 0}, {0, -90}};
+    for (const auto& [azimuth, elevation] : angles) {
+        const CameraRequest side = fromSide(home, azimuth, elevation);
+        const SbVec3f direction = axesOf(side).direction;
+        const CameraRequest::Vector from(-direction[0], -direction[1], -direction[2]);
+        const bool isFree = std::none_of(taken.begin(), taken.end(), [&](const auto& other) {
+            return other.dot(from) > nearly;
+        });
+        if (isFree)
+            return side;
+    }
+    return fromSide(home, 0, 0); // of six sides there are two at least
+}
+
+void SideBySide::begin(BesideView& view)
+{
+    isFollowing = true; // it does not lead yet
+    if (!isTied && view.getStart())
+        view.place(*view.getStart());
+    else if (first->getCamera())
+        view.follow(*first);
+    isFollowing = false;
+}
+
+void SideBySide::followFirst()
+{
+    if (!isTied || isFollowing || !first->getCamera())
         return;
-    follow(*second, *first);
+    isFollowing = true; // what follows does not lead
+    for (BesideView* const view : views) {
+        if (view->getScene())
+            view->follow(*first);
+    }
+    isFollowing = false;
+}
+
+void SideBySide::follow(const BesideView& moved)
+{
+    if (!isTied || isFollowing || !moved.getScene() || !moved.getViewer().getCamera())
+        return;
+    isFollowing = true;
+    first->followCamera(moved.getViewer());
+    isFollowing = false;
+    followFirst();
     if (onCamera)
         onCamera();
 }
 
-void SideBySide::follow(const WindowViewer& from, WindowViewer& to)
+void SideBySide::activate(BesideView* view)
 {
-    if (isFollowing) // what follows does not lead
-        return;
-    isFollowing = true;
-    const SoCamera& camera = *from.getCamera();
-    if (to.getCamera()->getTypeId() != camera.getTypeId())
-        to.setCameraType(camera.getTypeId());
-    copyFields(camera, *to.getCamera());
-    isFollowing = false;
+    active = isTied ? nullptr : view;
+    const bool areSeveral = isOpen() && !isTied;
+    firstCaption->setActive(areSeveral && !active);
+    for (BesideView* const one : views)
+        one->setActive(one == active);
+    if (onActive)
+        onActive();
 }
 
 bool SideBySide::eventFilter(QObject* object, QEvent* event)
 {
+    const auto from = std::find_if(views.begin(), views.end(), [object](const BesideView* view) {
+        return view->getViewer().getGLWidget() == object;
+    });
+    BesideView* const view = from == views.end() ? nullptr : *from;
+    if (event->type() == QEvent::FocusIn)
+        activate(view);
     const bool isKey = event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease;
-    if (!isKey || !isTied || !scene)
-        return QSplitter::eventFilter(object, event);
+    if (!isKey || !isTied || !view)
+        return QWidget::eventFilter(object, event);
     return QCoreApplication::sendEvent(first->getGLWidget(), event);
 }
 

@@ -2,104 +2,103 @@
 #ifndef STRANDVIEW_APP_WINDOW_SIDEBYSIDE_H
 #define STRANDVIEW_APP_WINDOW_SIDEBYSIDE_H
 
+#include <array>
+#include <cstddef>
 #include <functional>
-#include <memory>
-#include <optional>
 #include <string>
+#include <vector>
 
-#include <QSplitter>
+#include <QWidget>
 
-#include "scene/DataScene.h"
-#include "window/BesideReader.h"
-#include "window/WindowViewer.h"
+#include "window/BesideView.h"
 
-class QLabel;
-class SoCamera;
+class QGridLayout;
 
 namespace strandview {
 
-/// The place of the window's view, and of a second one beside it while that is wanted: of another
-/// configuration in the same coordinates, style and range of colours.
-class SideBySide : public QSplitter
+class ViewCaption;
+
+/// The place of the window's view, and of further ones while they are wanted: two beside each
+/// other, or up to four in two rows.
+class SideBySide : public QWidget
 {
 public:
     explicit SideBySide(QWidget* parent);
-    ~SideBySide() override;
 
     /// Where the first viewer belongs.
     QWidget* getFirstArea() const { return firstArea; }
-    /// Once that is there; it outlives the second view.
-    void setFirst(WindowViewer& viewer) { first = &viewer; }
+    /// Once that is there; it outlives the others, or close() comes before it goes.
+    void setFirst(WindowViewer& viewer);
 
-    /// Opens the second view, under captions that tell both, with the camera of the first.
-    void open(const std::string& firstCaption, const std::string& secondCaption);
+    /// Shows these in further views, BesideRequest::MOST of them at most, and closes those that are
+    /// not among them. Those that are stay, also if they show something else by the same name
+    /// where the files are OTHER_FILES. The same as in the first view is seen from the front, the
+    /// right, above or elsewhere, as `home` of the first view says what is up.
+    enum Files { SAME_FILES, OTHER_FILES };
+    void open(const std::string& firstCaption, std::vector<BesideView::Source> sources, Files files,
+              const CameraRequest& home);
+    /// That one of them; or all.
+    void close(std::size_t index);
     void close();
-    bool isOpen() const { return second != nullptr; }
+    bool isOpen() const { return !views.empty(); }
+    const std::vector<BesideView*>& getViews() const { return views; }
 
-    /// Whether both are seen from the same place: each follows the other's camera, and keys go to
+    /// Whether all are seen from the same place: each follows the others' camera, and keys go to
     /// the first.
     void setTied(bool tied);
     /// The first viewer's camera has changed.
     void followFirst();
+    /// Which one its user turns, where they are not tied: that which had the keyboard last; null
+    /// for the first.
+    BesideView* getActive() const { return active; }
 
-    /// Takes what it shows from a series, or, without an opener, from what show() is given.
-    void setSeries(FrameStore::Opener opener);
-    /// Shows data, or else that frame of the series, as the scene of the first view shows its own:
-    /// as soon as it is prepared. In another style than before everything is made anew.
-    enum LookChange { SAME_LOOK, OTHER_LOOK };
-    void show(std::shared_ptr<const Configuration> data, std::size_t frame, const DataScene& as,
-              LookChange change);
-    bool isAtWork() const { return reader.isAtWork(); }
-
-    /// What is hidden, named, seen through and cut, as the first scene has it.
+    /// As BesideView has these, for all of them.
+    void show(const DataScene& first, std::size_t frame, BesideView::Change change);
+    bool isAtWork() const;
     void followLooks(const DataScene& first);
-    /// Whether data give the colours.
     void showColours(bool ofData);
     void setBackground(const SbColor& background);
     void drawCoarsely(bool coarse);
-
-    WindowViewer* getSecond() const { return second.get(); }
-    /// Null until something is shown.
-    DataScene* getScene() const { return scene; }
-    /// The room that all have taken that were shown in this look.
-    const SbBox3f& getRoom() const { return room; }
+    /// That all together have taken.
+    SbBox3f getRoom() const;
 
     // What the window is told; each may be empty
-    std::function<void()> onShown;                           ///< something else in the second view
-    std::function<void(const std::string& error)> onFailure; ///< it cannot be shown
-    std::function<void(const Told& told)> onPick;            ///< there
-    std::function<void()> onCamera; ///< the second view has moved the first one's
+    std::function<void()> onShown; ///< something else in a further view
+    /// What cannot be shown there.
+    std::function<void(std::size_t index, const std::string& error)> onFailure;
+    std::function<void(const Told& told)> onPick;   ///< there
+    std::function<void()> onCamera;                 ///< a further view has moved the first one's
+    std::function<void(std::size_t index)> onClose; ///< its user wants it closed
+    std::function<void()> onActive;                 ///< another view has the keyboard
 
 protected:
-    /// Keys of the second view, while both are one.
+    /// The keys of further views, while all are one.
     bool eventFilter(QObject* object, QEvent* event) override;
 
 private:
-    void showResult(BesideReader::Result& result);
-    std::string hand(BesideReader::Result& result);
-    void keepLooks(const DataScene& ofFirst);
-    void showLooks();
-    void follow(const WindowViewer& from, WindowViewer& to);
-    void followSecond();
+    BesideView* makeView();
+    void drop(BesideView& view);
+    std::size_t indexOf(const BesideView& view) const;
+    /// Of those sides from where nobody looks, the first.
+    CameraRequest freeSide(const CameraRequest& home) const;
+    void begin(BesideView& view);
+    void follow(const BesideView& view);
+    void activate(BesideView* view);
+    void arrange();
+    void share(double width, double height);
 
-    QLabel* firstCaption;
+    QGridLayout* grid;
+    QWidget* firstColumn;
+    ViewCaption* firstCaption;
     QWidget* firstArea;
+    std::array<QWidget*, 2> borders; ///< between columns, between rows
     WindowViewer* first = nullptr;
-    QWidget* secondColumn = nullptr;
-    QLabel* secondCaption = nullptr;
-    std::unique_ptr<WindowViewer> second;
-    DataScene* scene = nullptr; ///< kept by the second viewer
-    SbBox3f room;
-    // What the first scene has without other nodes.
-    ThingLooks looks;
-    double transparency = 0;
-    std::optional<ClipPlane> clip;
-    DrawingLook drawing;
-    bool hasColours = true;
+    std::vector<BesideView*> views; ///< children of this
+    BesideView* active = nullptr;
+    std::size_t arranged = 0;         ///< so many further ones
+    double width = 0.5, height = 0.5; ///< of the first view, as a part of all
     bool isTied = true;
     bool isFollowing = false;
-    std::size_t look = 0, shownLook = 0;
-    BesideReader reader;
 };
 
 } // namespace strandview

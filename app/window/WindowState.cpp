@@ -32,7 +32,7 @@ std::string differenceOf(const WindowState& a, const WindowState& b)
     if (a.views != b.views)
         names.emplace_back("named views");
     if (!(a.beside == b.beside))
-        names.emplace_back("second view");
+        names.emplace_back("further views");
     if (names.empty())
         return "";
     std::string& first = names.front();

@@ -28,6 +28,10 @@ namespace {
 // How far a hand moves the mouse that clicks, in the desktop's pixels. SoQt has a STILL of its own.
 const double SHAKE = 4;
 
+// What cameras have that is not of a view alone, as its planes in front and behind are.
+const char* const CAMERA_FIELDS[] = {"position", "orientation", "focalDistance", "height",
+                                     "heightAngle"};
+
 } // namespace
 
 WindowViewer::WindowViewer(QWidget* parent) : SoQtGeneralViewer(parent)
@@ -97,6 +101,19 @@ void WindowViewer::setCamera(SoCamera* camera)
     cameraTeller.attach(camera);
     if (onCamera)
         onCamera();
+}
+
+void WindowViewer::followCamera(const WindowViewer& other)
+{
+    const SoCamera& from = *other.getCamera();
+    if (getCamera()->getTypeId() != from.getTypeId())
+        setCameraType(from.getTypeId());
+    for (const char* const name : CAMERA_FIELDS) {
+        const SoField* const field = from.getField(name);
+        SoField* const copy = getCamera()->getField(name);
+        if (field && copy && !copy->isSame(*field))
+            copy->copyFrom(*field);
+    }
 }
 
 // Each frame has other planes of clipping.

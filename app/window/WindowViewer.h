@@ -67,6 +67,8 @@ public:
     /// With the axes and the marks.
     void setSceneGraph(SoNode* root) override;
     void setCamera(SoCamera* camera) override;
+    /// Sees its scene as another viewer does its own: with a camera of the same kind and numbers.
+    void followCamera(const WindowViewer& other);
     void setViewing(SbBool viewing) override;
     /// What a click at that place of the view would pick; null if nothing.
     std::unique_ptr<SoPickedPoint> pickedAt(const SbVec2s& place);

@@ -14,12 +14,13 @@ const char* const MOVE = "&Move";
 const char* const ZOOM = "&Zoom";
 const char* const TURN = "&Turn";
 const char* const FROM_HERE = "From where it &is";
+const char* const ADD_VIEW = "Add a vie&w";
 
 // A step of the camera: the viewer has a key for each.
 Action step(const char* submenu, const char* text, const char* keys, V::CameraStep deed,
-            const char* help = nullptr)
+            const char* help = nullptr, unsigned more = 0)
 {
-    return {text, keys, help, deed, NEEDS_SCENE | KEY_OF_VIEWER, submenu};
+    return {text, keys, help, deed, NEEDS_SCENE | KEY_OF_VIEWER | more, submenu};
 }
 
 ActionGroup mouse()
@@ -100,10 +101,15 @@ ActionGroup view()
           NEEDS_SCENE | CHECKABLE | IN_TOOL_BAR | AFTER_A_LINE},
          {"Side &by side", "F3", "a second view: reference, first frame or another side",
           C::SHOW_BESIDE, NEEDS_SCENE | CHECKABLE | AFTER_A_LINE},
-         {"Views move &together", "Shift+F3", "both views move together, or each by itself",
+         {"Fo&ur views", "Ctrl+F3", "four views: as it is, from the front, the right and above",
+          C::FOUR_VIEWS, NEEDS_SCENE},
+         {"Of the &same", "", nullptr, C::ADD_SAME, NEEDS_SCENE, ADD_VIEW},
+         {"Of the &first frame", "", nullptr, C::ADD_FIRST_FRAME, NEEDS_SCENE, ADD_VIEW},
+         {"Of a fi&le...", "", nullptr, C::ADD_FILE, NEEDS_SCENE, ADD_VIEW},
+         {"Views move &together", "Shift+F3", "all views move together, or each by itself",
           C::TIE_VIEWS, NEEDS_SCENE | CHECKABLE},
          {"&Full screen", "F11", "full screen, and back", C::SET_FULL_SCREEN, CHECKABLE},
-         step(MOVE, "Left", "A", V::MOVE_LEFT, "left, right"),
+         step(MOVE, "Left", "A", V::MOVE_LEFT, "left, right", AFTER_A_LINE),
          step(MOVE, "Right", "D", V::MOVE_RIGHT),
          step(MOVE, "Up", "W", V::MOVE_UP, "up, down"),
          step(MOVE, "Down", "S", V::MOVE_DOWN),

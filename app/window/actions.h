@@ -38,6 +38,10 @@ enum class Command {
     SET_PERSPECTIVE,
     SHOW_BESIDE,
     TIE_VIEWS,
+    FOUR_VIEWS,
+    ADD_SAME,
+    ADD_FIRST_FRAME,
+    ADD_FILE,
     SET_FULL_SCREEN,
     CYCLE_SHADING,
     SET_LIGHTS,
@@ -78,7 +82,7 @@ enum ActionTrait : unsigned {
     NEEDS_SCENE = 1,
     CHECKABLE = 2,
     IN_TOOL_BAR = 4,
-    AFTER_A_LINE = 8,      ///< a line in the menu is above it
+    AFTER_A_LINE = 8,      ///< a line in the menu is above it, or above the submenu it begins
     KEY_OF_VIEWER = 16,    ///< the viewer takes the key itself, the menu only names it
     WITH_SUBMENU = 32,     ///< filled when it is shown
     BEFORE_TOOL_LINE = 64, ///< a line in the tool bar follows

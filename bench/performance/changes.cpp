@@ -23,6 +23,7 @@
 #include "scene/SceneLoader.h"
 #include "temporary.h"
 #include "window/MainWindow.h"
+#include "window/SideBySide.h"
 #include "window/runWindow.h"
 
 using namespace strandview;
@@ -125,6 +126,13 @@ double millisecondsToFrame(WatchedWindow& window, const std::function<void()>& c
     return 1e-6 * double(clock.nsecsElapsed());
 }
 
+bool areAllShown(const SideBySide& views)
+{
+    const std::vector<BesideView*>& all = views.getViews();
+    return std::all_of(all.begin(), all.end(),
+                       [](const BesideView* view) { return view->getScene(); });
+}
+
 using Change = std::function<void(StyleRequest& request, int round)>;
 
 double medianOf(WatchedWindow& window, const Change& change, int rounds, double& pause)
@@ -215,6 +223,13 @@ void measure(Table& table, int points, int slices, const std::string& size, int 
         table.limit(size + ": " + change.what + ", the longest time without an answer", pause, "ms",
                     100);
     }
+    rest(400);
+    Pauses pauses;
+    window->setBeside(fourOfTheSame());
+    waitFor([&] { return areAllShown(window->getSideBySide()); });
+    rest(1000);
+    table.limit(size + ": opening four views, the longest time without an answer", pauses.longest(),
+                "ms", 100);
 }
 
 } // namespace

@@ -190,9 +190,13 @@ TEST(ParseOptions, WhatIsExportedAndOfWhichFrameIsTaken)
 TEST(ParseOptions, WhatIsOfAWindowIsRefusedWhereThereIsNone)
 {
     EXPECT_TRUE(accepted({"--watch", "rod.txt"}).watch);
-    EXPECT_TRUE(accepted({"--beside", "first", "run.txt"}).beside == besideOf("first"));
+    EXPECT_TRUE(accepted({"--beside", "first", "run.txt"}).beside == besideOf({"first"}));
     EXPECT_TRUE(accepted({"--beside", "b.txt", "a.txt"}).beside.isTied);
     EXPECT_FALSE(accepted({"--beside", "same", "a.txt"}).beside.isTied);
+    EXPECT_TRUE(accepted({"--beside", "same", "--beside", "b.txt", "a.txt"}).beside ==
+                (BesideRequest{{"same", "b.txt"}, false}));
+    expectRefused({"--beside", "a", "--beside", "b", "--beside", "c", "--beside", "d", "e.txt"},
+                  "--beside: found 4 further views, expected up to 3");
     using Line = std::vector<const char*>;
     for (Line line : {Line{"--render", "a.png"},
                       {"--export", "a.csv"},

@@ -67,7 +67,7 @@ TEST(SessionText, BringsBackAllThatWasSaid)
     session.measurements[1].isShown = false;
     session.views = {{"front", *session.camera}, {"the \u00e4nd", *session.camera}};
     session.views[1].camera.size = 0.3F;
-    session.beside = {"other/rod.txt", false};
+    session.beside = {{"other/rod.txt", "same", "first"}, false};
     session.picture.size = {1, 1, parsePaperSize("85.5x60mm"), 600, 2, true};
     session.picture.isOfView = session.picture.keepsShape = false;
     session.picture.hasMeasurements = true;
@@ -107,7 +107,16 @@ TEST(SessionText, LeavesOpenWhatWasNotSaid)
     EXPECT_TRUE(read.picture == PictureChoice());
     EXPECT_TRUE(read.measurements.empty());
     EXPECT_TRUE(read.views.empty());
-    EXPECT_FALSE(read.beside.what);
+    EXPECT_TRUE(read.beside.what.empty());
+}
+
+TEST(SessionText, NamesTheOnlyFurtherViewWithoutAList)
+{
+    std::string fault;
+    const auto read =
+        parseSession(around(R"(, "beside": {"what": "other/rod.txt", "tied": true})"), fault);
+    ASSERT_TRUE(read) << fault;
+    EXPECT_TRUE(read->beside == besideOf({"other/rod.txt"}));
 }
 
 TEST(SessionText, KeepsLengthsToTheLastBit)
@@ -168,7 +177,14 @@ TEST(SessionText, RefusesWhatIsNoSessionInOneLineThatSaysWhere)
                              R"("}, {"name": "x", "camera": ")" + CAMERA + R"("}])")),
               "views: found two of the name 'x', expected one of each");
     EXPECT_EQ(faultOf(around(R"(, "beside": {"tied": true})")),
-              "beside: found {\"tied\":true}, expected \"what\" is beside");
+              "beside: found {\"tied\":true}, expected \"what\" is beside, up to 3 of them");
+    EXPECT_EQ(faultOf(around(R"(, "beside": {"what": [""]})")),
+              "beside: found {\"what\":[\"\"]}, expected \"what\" is beside, up to 3 of them");
+    EXPECT_EQ(faultOf(around(R"(, "beside": {"what": ["a", "b", "c", "d"]})")),
+              "beside: found {\"what\":[\"a\",\"b\",\"c\",\"d\"]}, expected \"what\" is beside, "
+              "up to 3 of them");
+    EXPECT_EQ(faultOf(around(R"(, "beside": {"what": ["a", 1]})")),
+              "beside, what 2: found 1, expected a text");
     EXPECT_EQ(faultOf(R"({"strandview session": 1, "files": [{"name": "-"}]})"),
               "files 1: found {\"name\":\"-\"}, expected the name of a file");
     EXPECT_EQ(faultOf(R"({"strandview session": 1, "files": "rod.txt"})"),

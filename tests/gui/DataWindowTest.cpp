@@ -16,6 +16,7 @@
 #include "scene/readFiles.h"
 #include "support/keepPictures.h"
 #include "support/realInput.h"
+#include "window/SideBySide.h"
 #include "window/StatusText.h"
 
 namespace strandview {
@@ -91,6 +92,12 @@ void DataWindowTest::setThings(const std::string& text) const
     StyleRequest style = window->getStyle();
     ASSERT_EQ(settingOf("thing").read(text, style), "");
     window->setStyle(style);
+}
+
+DataScene* DataWindowTest::sceneBeside(std::size_t index) const
+{
+    const std::vector<BesideView*>& views = window->getSideBySide().getViews();
+    return index < views.size() ? views[index]->getScene() : nullptr;
 }
 
 QWidget* DataWindowTest::view() const { return window->findChild<QGLWidget*>(); }

@@ -2,6 +2,7 @@
 #ifndef STRANDVIEW_TESTS_DATAWINDOWTEST_H
 #define STRANDVIEW_TESTS_DATAWINDOWTEST_H
 
+#include <cstddef>
 #include <memory>
 #include <string>
 
@@ -45,6 +46,8 @@ protected:
     void setThings(const std::string& text) const;
     Player* player() const { return window->getPlayer(); }
     QWidget* view() const;
+    /// Of a further view, the first of them unless said; null as long as it shows nothing.
+    DataScene* sceneBeside(std::size_t index = 0) const;
     std::string statusText() const;
     /// What the screen shows of the view.
     QImage screen() const;

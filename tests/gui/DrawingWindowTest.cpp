@@ -271,11 +271,11 @@ TEST_F(DrawingWindowTest, WhatIsAskedForAtTheStartIsWhatTheKeysBeginWith)
 TEST_F(DrawingWindowTest, OtherFilesAndTheSecondViewAreDrawnInTheSameWay)
 {
     ASSERT_NO_FATAL_FAILURE(openRod());
-    window->setBeside({folder.write("beside.txt", ROD)});
-    ASSERT_TRUE(comesTo([this] { return window->getSideBySide().getScene(); }));
+    window->setBeside({{folder.write("beside.txt", ROD)}});
+    ASSERT_TRUE(comesTo([this] { return sceneBeside(); }));
     pressRealKey("space");
     ASSERT_TRUE(comesToBe(Shading::PLAIN));
-    EXPECT_EQ(window->getSideBySide().getScene()->getShading(), SoGeneralScene::PLAIN);
+    EXPECT_EQ(sceneBeside()->getShading(), SoGeneralScene::PLAIN);
     window->setBeside({});
 
     window->openFiles({QString::fromStdString(folder.write("other.txt", ROD))});

@@ -146,8 +146,8 @@ TEST_F(SessionKeeperTest, WhatWasHiddenMeasuredKeptAndComparedComesBack)
     window->getMeasurements().set(measurements);
     const std::vector<NamedView> views{{"front", window->getCameraNumbers()}};
     window->getViews().set(views);
-    window->setBeside({folder.write("beside.txt", RODS), false});
-    ASSERT_TRUE(comesTo([this] { return window->getSideBySide().getScene(); }));
+    window->setBeside({{folder.write("beside.txt", RODS)}, false});
+    ASSERT_TRUE(comesTo([this] { return sceneBeside(); }));
     ASSERT_NO_FATAL_FAILURE(save(work()));
 
     fs::create_directories(folder.path("moved"));
@@ -159,9 +159,9 @@ TEST_F(SessionKeeperTest, WhatWasHiddenMeasuredKeptAndComparedComesBack)
     EXPECT_EQ(scene->getLook({0, 1}).name, std::string("upper"));
     EXPECT_EQ(window->getMeasurements().get(), measurements);
     EXPECT_EQ(window->getViews().get(), views);
-    EXPECT_EQ(window->getBeside().what, folder.path("moved/beside.txt"));
+    EXPECT_EQ(window->getBeside().what, std::vector{folder.path("moved/beside.txt")});
     EXPECT_FALSE(window->getBeside().isTied);
-    EXPECT_TRUE(comesTo([this] { return window->getSideBySide().getScene(); }));
+    EXPECT_TRUE(comesTo([this] { return sceneBeside(); }));
 }
 
 TEST_F(SessionKeeperTest, WhatIsTakenBackAfterItIsOpenedIsNothingOfIt)

@@ -49,7 +49,8 @@ class SideBySideTest : public DataWindowTest
 protected:
     SideBySideTest() { options.windowSize = {900, 520}; }
 
-    DataScene* second() const { return window->getSideBySide().getScene(); }
+    const std::vector<BesideView*>& further() const { return window->getSideBySide().getViews(); }
+    DataScene* second() const { return sceneBeside(); }
     static double endOf(const DataScene* of)
     {
         return of && of->getData() ? of->getData()->rods.at(0).points.back().x : -1;
@@ -65,12 +66,9 @@ protected:
     {
         return window->getSideBySide().getFirstArea()->findChild<QGLWidget*>();
     }
-    QWidget* secondView() const { return window->getSideBySide().getSecond()->getGLWidget(); }
+    QWidget* secondView() const { return further().at(0)->getViewer().getGLWidget(); }
     int countViews() const { return window->findChildren<QGLWidget*>().size(); }
-    CameraNumbers secondCamera() const
-    {
-        return numbersOf(*window->getSideBySide().getSecond()->getCamera());
-    }
+    CameraNumbers secondCamera() const { return further().at(0)->getCameraNumbers(); }
     static QImage screenOf(const QWidget& view)
     {
         return keepIfFailed(view.screen()->grabWindow(view.winId()).toImage());
@@ -121,7 +119,7 @@ TEST_F(SideBySideTest, TheKeyShowsTheFirstFrameBesideThePresentOneAndTakesItAway
 TEST_F(SideBySideTest, BothAreDrawnInTheSameStyle)
 {
     options.tubeColour = Colour{0, 0, 0};
-    options.beside = besideOf("first");
+    options.beside = besideOf({"first"});
     openSeries();
     pressRealKey("Control+End");
     ASSERT_TRUE(comesToShow(11, 2));
@@ -146,7 +144,7 @@ TEST_F(SideBySideTest, BothAreDrawnInTheSameStyle)
 
 TEST_F(SideBySideTest, TurningOneTurnsTheOther)
 {
-    options.beside = besideOf("first");
+    options.beside = besideOf({"first"});
     openSeries();
     ASSERT_TRUE(comesToShow(2, 2));
     EXPECT_TRUE(secondCamera() == window->getCameraNumbers());
@@ -158,7 +156,7 @@ TEST_F(SideBySideTest, TurningOneTurnsTheOther)
 
 TEST_F(SideBySideTest, KeysTurnBothFromEither)
 {
-    options.beside = besideOf("first");
+    options.beside = besideOf({"first"});
     openSeries();
     ASSERT_TRUE(comesToShow(2, 2));
     for (QWidget* focus : {secondView(), firstView()}) {
@@ -176,7 +174,7 @@ TEST_F(SideBySideTest, KeysTurnBothFromEither)
 TEST_F(SideBySideTest, OneCameraSuitsBoth)
 {
     options.camera.side = Side::Z;
-    options.beside = besideOf(folder.write("long.txt", rodTo(40)));
+    options.beside = besideOf({folder.write("long.txt", rodTo(40))});
     openText(rodTo(2), "short.txt");
     ASSERT_TRUE(comesToShow(2, 40));
     const CameraNumbers both = window->getCameraNumbers();
@@ -189,7 +187,7 @@ TEST_F(SideBySideTest, OneCameraSuitsBoth)
 
 TEST_F(SideBySideTest, AnotherSeriesFollowsTheFrameAsFarAsItGoes)
 {
-    options.beside = besideOf(folder.write("other.txt", seriesTo(102, 4)));
+    options.beside = besideOf({folder.write("other.txt", seriesTo(102, 4))});
     openSeries();
     ASSERT_TRUE(comesToShow(2, 102));
     pressRealKey("period");
@@ -234,7 +232,7 @@ TEST_F(SideBySideTest, StillDataAreSeenFromAnotherSideEachViewByItself)
 TEST_F(SideBySideTest, AClickTellsWhatItsOwnViewShows)
 {
     options.camera.side = Side::Z;
-    options.beside = besideOf(folder.write("reference.txt", rodTo(2)));
+    options.beside = besideOf({folder.write("reference.txt", rodTo(2))});
     openText("0 0 0\n1 0 0\n2 0 0\n", "rod.txt");
     ASSERT_TRUE(comesToShow(2, 2));
     const auto tellOf = [](const QWidget& view) {
@@ -251,16 +249,16 @@ TEST_F(SideBySideTest, AClickTellsWhatItsOwnViewShows)
 
 TEST_F(SideBySideTest, AFileThatCannotBeReadIsToldAndNotShown)
 {
-    options.beside = besideOf(folder.write("bad.txt", "0 0\n"));
+    options.beside = besideOf({folder.write("bad.txt", "0 0\n")});
     openText(rodTo(2), "rod.txt");
-    EXPECT_TRUE(comesTo([this] { return !window->getBeside().what; }));
+    EXPECT_TRUE(comesTo([this] { return window->getBeside().what.empty(); }));
     EXPECT_EQ(countViews(), 1);
     EXPECT_THAT(statusText(), HasSubstr("bad.txt"));
 }
 
 TEST_F(SideBySideTest, AFileThatIsBadForAMomentIsToldAndTheSecondViewStays)
 {
-    options.beside = besideOf(folder.write("beside.txt", rodTo(3)));
+    options.beside = besideOf({folder.write("beside.txt", rodTo(3))});
     openText(rodTo(2), "rod.txt");
     ASSERT_TRUE(comesToShow(2, 3));
     folder.write("beside.txt", "0 0\n");
@@ -275,7 +273,7 @@ TEST_F(SideBySideTest, AFileThatIsBadForAMomentIsToldAndTheSecondViewStays)
 // From where all of its frames are seen.
 TEST_F(SideBySideTest, TheCameraOfAFittedViewStaysOverTheFramesOfASecondSeries)
 {
-    options.beside = besideOf(folder.write("beside.txt", seriesTo(6, 4)));
+    options.beside = besideOf({folder.write("beside.txt", seriesTo(6, 4))});
     openSeries();
     ASSERT_TRUE(comesTo([this] { return endOf(second()) == 6; }));
     pressRealKey("Control+End");
@@ -289,7 +287,7 @@ TEST_F(SideBySideTest, TheCameraOfAFittedViewStaysOverTheFramesOfASecondSeries)
 
 TEST_F(SideBySideTest, OtherFilesAreShownBesideTheSameOne)
 {
-    options.beside = besideOf(folder.write("reference.txt", rodTo(4)));
+    options.beside = besideOf({folder.write("reference.txt", rodTo(4))});
     openText(rodTo(2), "rod.txt");
     ASSERT_TRUE(comesToShow(2, 4));
     window->openFiles({QString::fromStdString(folder.write("other.txt", rodTo(30)))});
@@ -306,7 +304,7 @@ TEST_F(SideBySideTest, AWindowIsClosedWithTwoViewsAndWhileOneIsRead)
     ASSERT_TRUE(comesTo([this] { return player()->getFrame() > 2; }));
     window.reset();
     open(folder.path("run.txt"));
-    window->setBeside(besideOf("first"));
+    window->setBeside(besideOf({"first"}));
     window.reset();
 }
 

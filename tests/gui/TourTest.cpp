@@ -235,6 +235,15 @@ TEST_F(TourTest, TheCurvesOfNumbers)
     compare("curves");
 }
 
+TEST_F(TourTest, FourViews)
+{
+    openSample("trefoil.txt");
+    pressRealKey("Control+F3");
+    ASSERT_TRUE(comesTo([this] { return sceneBeside(2) && sceneBeside(1) && sceneBeside(0); }));
+    ASSERT_TRUE(comesToRest());
+    compareWithoutMouse("views");
+}
+
 TEST_F(TourTest, TheMenuOfWhatCanBeTakenBack)
 {
     openSample("trefoil.txt");

@@ -338,7 +338,7 @@ TEST_F(WorkingUserTest, CompareTwoFrames)
     ASSERT_TRUE(comesTo([this] { return window->findChildren<QGLWidget*>().size() == 2; }));
     ASSERT_TRUE(comesToRest());
     const QWidget& first = *window->getSideBySide().getFirstArea()->findChild<QGLWidget*>();
-    const QWidget& beside = *window->getSideBySide().getSecond()->getGLWidget();
+    const QWidget& beside = *window->getSideBySide().getViews().at(0)->getViewer().getGLWidget();
     EXPECT_TRUE(comesTo([&] {
         const int height = heightIn(beside);
         return height > 0 && heightIn(first) > 5 * height;

@@ -45,6 +45,7 @@ const std::map<std::string, std::string> ELSEWHERE{
     {"app/window/PlaceTeller.cpp", "tests/gui/PlacePanelTest.cpp"},
     {"app/window/Restyler.cpp", "tests/gui/SettingsPanelTest.cpp"},
     {"app/window/BesideReader.cpp", "tests/gui/SideBySideTest.cpp"},
+    {"app/window/ViewCaption.cpp", "tests/gui/BesideViewTest.cpp"},
     {"app/window/SideBox.cpp", "tests/gui/PictureDialogTest.cpp"},
     {"app/window/colourDialog.cpp", "tests/gui/WorkingUserTest.cpp"},
     {"app/window/ThingOutline.cpp", "tests/gui/ThingsPanelTest.cpp"},

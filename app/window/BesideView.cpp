@@ -1,0 +1,275 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "window/BesideView.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <Inventor/SbViewportRegion.h>
+#include <Inventor/actions/SoGLRenderAction.h>
+#include <Inventor/nodes/SoOrthographicCamera.h>
+#include <Inventor/nodes/SoPerspectiveCamera.h>
+#include <Inventor/nodes/SoSeparator.h>
+#include <QVBoxLayout>
+
+#include "camera/Camera.h"
+#include "scene/Progress.h"
+#include "scene/SceneBuilder.h"
+#include "window/ViewCaption.h"
+
+namespace strandview {
+
+BesideView::BesideView(const SbColor& background, QWidget* parent)
+    : QWidget(parent),
+      caption(new ViewCaption(this)),
+      reader([this](BesideReader::Result& result) { showResult(result); })
+{
+    auto* const column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    caption->addCloseButton([this] {
+        if (onClose)
+            onClose();
+    });
+    column->addWidget(caption);
+    auto* const area = new QWidget(this);
+    column->addWidget(area, 1);
+    viewer = std::make_unique<WindowViewer>(area);
+    viewer->setTransparencyType(SoGLRenderAction::SORTED_OBJECT_BLEND);
+    viewer->setHeadlight(FALSE); // the scene has its lights
+    viewer->setDecoration(FALSE);
+    viewer->setBackgroundColor(background);
+    viewer->setSceneGraph(new SoSeparator);
+    viewer->onCamera = [this] {
+        tellCaption();
+        if (onCamera)
+            onCamera();
+    };
+    viewer->onTab = [this](bool isForward) {
+        if (isForward)
+            focusNextChild();
+        else
+            focusPreviousChild();
+    };
+    viewer->addResizeCB(refit, this);
+    auto* const layout = new QVBoxLayout(area); // SoQt fills what is there before it is shown
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(viewer->getWidget());
+    viewer->show();
+}
+
+BesideView::~BesideView() { abandon(); }
+
+void BesideView::abandon()
+{
+    reader.setSeries(nullptr);
+    onBegin = onShown = onCamera = onClose = nullptr;
+    onFailure = nullptr;
+    onPick = nullptr;
+}
+
+void BesideView::take(Source next)
+{
+    source = std::move(next);
+    isNew = true;
+    room.makeEmpty();
+    reader.setSeries(source.opener);
+    tellCaption();
+}
+
+// Of the same there may be several: it says from where as well, in the menu's words.
+void BesideView::tellCaption()
+{
+    std::string text = source.caption;
+    if (scene && source.what == BesideRequest::SAME) {
+        const double nearly = 1 - 1e-6; // a camera's numbers are of single precision
+        const auto from = seenFrom();
+        for (const NamedSide& side : SIDES) {
+            if (from.dot(towardsViewer(side.side)) > nearly)
+                text += std::string(", from ") + side.name;
+        }
+    }
+    caption->setText(text);
+    viewer->getGLWidget()->setAccessibleName("View of " + QString::fromStdString(text));
+}
+
+std::string BesideView::getCaption() const { return caption->getText(); }
+
+void BesideView::setActive(bool active) { caption->setActive(active); }
+
+void BesideView::show(const DataScene& first, std::size_t frame, Change change)
+{
+    if ((change == NEXT_FRAME && source.isStill) || (change == NEW_SOURCE && !isNew))
+        return;
+    isNew = false;
+    keepLooks(first);
+    hasColours = first.areColoursShown();
+    if (change != NEXT_FRAME)
+        ++look;
+    reader.ask({source.opener ? nullptr : first.getData(), source.isStill ? 0 : frame,
+                first.getStyle(), first.getPlacement(), first.getColouring(), look});
+}
+
+void BesideView::showResult(BesideReader::Result& result)
+{
+    const bool isFirst = !scene;
+    const std::string error = result.error.empty() ? hand(result) : result.error;
+    if (!error.empty()) {
+        if (onFailure)
+            onFailure(error);
+        return;
+    }
+    if (shownLook != result.task.look)
+        room.makeEmpty();
+    room.extendBy(scene->getBox());
+    shownLook = result.task.look;
+    scene->setData(result.task.data);
+    showLooks();
+    scene->showColours(hasColours);
+    if (isFirst && onBegin)
+        onBegin();
+    viewer->scheduleRedraw();
+    if (onShown)
+        onShown();
+}
+
+// The nodes; a line if that cannot be.
+std::string BesideView::hand(BesideReader::Result& result)
+{
+    const BesideReader::Task& task = result.task;
+    const Colouring* const colouring = result.colouring ? &*result.colouring : nullptr;
+    Progress unwatched;
+    std::string error;
+    if (scene && task.look == shownLook)
+        return updateScene(*scene, *task.data, colouring, std::move(result.geometry), unwatched);
+    if (scene)
+        return restyleScene(*scene, *task.data, task.style, colouring, std::move(result.geometry),
+                            unwatched);
+    DataScene* const made =
+        buildScene(*task.data, task.style, colouring, std::move(result.geometry), unwatched, error);
+    if (!made)
+        return error;
+    scene = made;
+    scene->onPick = [this](const SoPickedPoint& picked) {
+        viewer->hasPicked = true;
+        if (!viewer->isClick || !onPick)
+            return;
+        Told told = scene->describe(picked);
+        if (!isFile(source.what)) // whose name is told anyway
+            told.what = getCaption() + ": " + told.what;
+        onPick(told);
+    };
+    const SbColor background = viewer->getBackgroundColor();
+    scene->setBackground({background[0], background[1], background[2]});
+    const auto tell = std::exchange(onCamera, nullptr); // it is put somewhere first
+    viewer->SoQtGeneralViewer::setSceneGraph(static_cast<SoGeneralScene*>(scene));
+    onCamera = tell;
+    scene->keepLineWidth();
+    return "";
+}
+
+void BesideView::followLooks(const DataScene& ofFirst)
+{
+    keepLooks(ofFirst);
+    if (scene)
+        showLooks();
+}
+
+void BesideView::keepLooks(const DataScene& ofFirst)
+{
+    looks = ofFirst.getLooks();
+    transparency = ofFirst.getStyle().transparency;
+    clip = ofFirst.getStyle().clip;
+    drawing = ofFirst.getStyle().drawing;
+}
+
+void BesideView::showLooks()
+{
+    scene->setLooks(looks);
+    scene->setTransparency(transparency);
+    scene->cut(clip);
+    scene->draw(drawing);
+}
+
+void BesideView::showColours(bool ofData)
+{
+    hasColours = ofData;
+    if (scene)
+        scene->showColours(ofData);
+}
+
+void BesideView::setBackground(const SbColor& background)
+{
+    if (viewer->getBackgroundColor() == background)
+        return;
+    viewer->setBackgroundColor(background);
+    if (scene)
+        scene->setBackground({background[0], background[1], background[2]});
+}
+
+void BesideView::drawCoarsely(bool coarse)
+{
+    viewer->drawCoarsely(coarse);
+    if (scene)
+        scene->drawCoarsely(coarse);
+}
+
+// Its camera
+
+void BesideView::place(const CameraRequest& request)
+{
+    if (!scene)
+        return;
+    viewer->setCameraType(request.isPerspective() ? SoPerspectiveCamera::getClassTypeId()
+                                                  : SoOrthographicCamera::getClassTypeId());
+    placeCamera(*viewer->getCamera(), request, scene, SbViewportRegion(viewer->getGLSize()),
+                scene->getLegendRoom());
+    margin = request.margin;
+    fitted = getCameraNumbers();
+}
+
+void BesideView::fit()
+{
+    if (!scene)
+        return;
+    fitScene(*viewer->getCamera(), scene, SbViewportRegion(viewer->getGLSize()),
+             scene->getLegendRoom(), margin);
+    fitted = getCameraNumbers();
+}
+
+void BesideView::setPerspective(bool perspective)
+{
+    const bool wasFitted = isFitted();
+    viewer->setCameraType(perspective ? SoPerspectiveCamera::getClassTypeId()
+                                      : SoOrthographicCamera::getClassTypeId());
+    if (wasFitted) // what is nearer than the middle grows
+        fit();
+}
+
+void BesideView::follow(const WindowViewer& other)
+{
+    fitted.reset();
+    viewer->followCamera(other);
+}
+
+CameraNumbers BesideView::getCameraNumbers() const { return numbersOf(*viewer->getCamera()); }
+
+CameraRequest::Vector BesideView::seenFrom() const
+{
+    if (scene)
+        return towardsViewer(getCameraNumbers());
+    if (!start)
+        return {0, 0, 0};
+    const SbVec3f direction = axesOf(*start).direction;
+    return {-direction[0], -direction[1], -direction[2]};
+}
+
+bool BesideView::isFitted() const { return scene && fitted && *fitted == getCameraNumbers(); }
+
+void BesideView::refit(void* view, SoQtGeneralViewer* /*viewer*/, const SbVec2s& /*size*/)
+{
+    auto& self = *static_cast<BesideView*>(view);
+    if (self.isFitted())
+        self.fit();
+}
+
+} // namespace strandview

@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#ifndef STRANDVIEW_APP_WINDOW_BESIDEVIEW_H
+#define STRANDVIEW_APP_WINDOW_BESIDEVIEW_H
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include <QWidget>
+
+#include "request/CameraNumbers.h"
+#include "request/CameraRequest.h"
+#include "scene/DataScene.h"
+#include "window/BesideReader.h"
+#include "window/WindowViewer.h"
+
+namespace strandview {
+
+class ViewCaption;
+
+/// A further view of a window, under a caption: of another configuration in the same coordinates,
+/// style and range of colours as the first view has its own.
+class BesideView : public QWidget
+{
+public:
+    /// What it shows.
+    struct Source
+    {
+        std::string what;          ///< as BesideRequest has it
+        std::string caption;       ///< what that is, for the user
+        FrameStore::Opener opener; ///< of its series; without one it shows the first view's data
+        bool isStill = false;      ///< the first frame, whichever the first view shows
+    };
+
+    BesideView(const SbColor& background, QWidget* parent);
+    ~BesideView() override;
+
+    /// Shows that from the next show() on.
+    void take(Source next);
+    const std::string& getWhat() const { return source.what; }
+    std::string getCaption() const;
+    void setActive(bool active);
+
+    enum Change { NEXT_FRAME, OTHER_LOOK, NEW_SOURCE };
+    /// Shows data as the scene of the first view shows its own, as soon as they are prepared. In
+    /// another look than before everything is made anew; NEW_SOURCE is for views that take() and
+    /// have not shown anything since.
+    void show(const DataScene& first, std::size_t frame, Change change);
+    bool isAtWork() const { return reader.isAtWork(); }
+
+    /// What is hidden, named, seen through and cut, as the first scene has it.
+    void followLooks(const DataScene& first);
+    /// Whether data give the colours.
+    void showColours(bool ofData);
+    void setBackground(const SbColor& background);
+    void drawCoarsely(bool coarse);
+
+    WindowViewer& getViewer() const { return *viewer; }
+    /// Null until something is shown.
+    DataScene* getScene() const { return scene; }
+    /// The room that all have taken that were shown in this look.
+    const SbBox3f& getRoom() const { return room; }
+
+    // Its camera, where it is not that of the first view
+
+    /// Where it begins.
+    void setStart(const CameraRequest& request) { start = request; }
+    const std::optional<CameraRequest>& getStart() const { return start; }
+    /// All that it shows is fitted, in any size that the view has, until the camera is moved.
+    void place(const CameraRequest& request);
+    void fit();
+    void setPerspective(bool perspective);
+    /// Sees it as that viewer does.
+    void follow(const WindowViewer& other);
+    CameraNumbers getCameraNumbers() const;
+    /// The direction to who sees it, of length 1, or will see it; 0 if that is open.
+    CameraRequest::Vector seenFrom() const;
+
+    /// Tells nobody anything from now on, and stops what it does: before it is deleted.
+    void abandon();
+
+    // What is told; each may be empty
+    std::function<void()> onBegin; ///< something is shown for the first time, and has a camera
+    std::function<void()> onShown; ///< something else is shown
+    std::function<void(const std::string& error)> onFailure; ///< it cannot be shown
+    std::function<void(const Told& told)> onPick;
+    std::function<void()> onCamera;
+    std::function<void()> onClose; ///< its user wants it closed
+
+private:
+    void showResult(BesideReader::Result& result);
+    std::string hand(BesideReader::Result& result);
+    void keepLooks(const DataScene& ofFirst);
+    void showLooks();
+    void tellCaption();
+    bool isFitted() const;
+    static void refit(void* view, SoQtGeneralViewer* viewer, const SbVec2s& size);
+
+    Source source;
+    bool isNew = false; ///< the source
+    ViewCaption* caption;
+    std::unique_ptr<WindowViewer> viewer;
+    DataScene* scene = nullptr; ///< kept by the viewer
+    SbBox3f room;
+    std::optional<CameraRequest> start;
+    std::optional<CameraNumbers> fitted;
+    std::optional<double> margin; ///< of that
+    // What the first scene has without other nodes.
+    ThingLooks looks;
+    double transparency = 0;
+    std::optional<ClipPlane> clip;
+    DrawingLook drawing;
+    bool hasColours = true;
+    std::size_t look = 0, shownLook = 0;
+    BesideReader reader;
+};
+
+} // namespace strandview
+
+#endif
