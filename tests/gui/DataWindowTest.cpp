@@ -12,11 +12,14 @@
 
 #include "command/parseOptions.h"
 #include "request/settings.h"
+#include "scene/DataScene.h"
 #include "scene/SceneLoader.h"
+#include "scene/backbones.h"
 #include "scene/readFiles.h"
 #include "support/keepPictures.h"
 #include "support/realInput.h"
 #include "window/SideBySide.h"
+#include "window/PlacePanel.h"
 #include "window/StatusText.h"
 
 namespace strandview {
@@ -80,6 +83,14 @@ void DataWindowTest::openText(const std::string& text, const std::string& name)
     open(folder.write(name, text));
 }
 
+void DataWindowTest::showNumbers() const
+{
+    ASSERT_TRUE(comesToBePainted());
+    pressRealKey("n");
+    ASSERT_TRUE(comesTo([this] { return window->findChild<PlacePanel*>()->isVisible(); }));
+    ASSERT_TRUE(comesToBePainted());
+}
+
 bool DataWindowTest::comesToBePainted() const
 {
     bool isPainted = false;
@@ -121,6 +132,18 @@ QPoint DataWindowTest::onScreen(double x, double y) const
          int(std::lround(view()->height() / 2.0 - (y - camera.position[1]) * pixels))});
 }
 
+std::pair<algebra3d::Vector3<double>, algebra3d::Vector3<double>>
+DataWindowTest::acrossGroove() const
+{
+    const Dna& dna = scene->getData()->dnas.at(0);
+    const auto nearest = [&](Strand strand) {
+        const auto all = idealBackbone(dna, strand, 1);
+        return *std::max_element(all.begin() + 10, all.end() - 10,
+                                 [](const auto& a, const auto& b) { return a.z < b.z; });
+    };
+    return {nearest(Strand::FIRST), nearest(Strand::SECOND)};
+}
+
 void DataWindowTest::click(double x, double y) const
 {
     const QPoint place = onScreen(x, y);
@@ -139,6 +162,16 @@ void DataWindowTest::click(const QWidget& widget, const QPoint& place)
 {
     const QPoint there = widget.mapToGlobal(place);
     clickRealButton(there.x(), there.y());
+}
+
+std::string rodTo(double end) { return "0 0 0\n1 0 0\n" + std::to_string(end) + " 0 0\n"; }
+
+std::string seriesTo(double end, int frames)
+{
+    std::string text;
+    for (int i = 0; i < frames; ++i)
+        text += (i == 0 ? "" : "\n\n") + rodTo(end + i);
+    return text;
 }
 
 bool isYellow(const QColor& c) { return c.red() > 220 && c.green() > 180 && c.blue() < 90; }

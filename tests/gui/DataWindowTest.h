@@ -5,10 +5,13 @@
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include <QImage>
 #include <QPoint>
 #include <gtest/gtest.h>
+
+#include <algebra3d/Vector3.h>
 
 #include "programWindows.h"
 #include "request/Options.h"
@@ -39,6 +42,8 @@ protected:
     void start(const std::string& name);
     /// Of a file that is written for it.
     void openText(const std::string& text, const std::string& name);
+    /// Shows the numbers of places by their key.
+    void showNumbers() const;
     /// Whether a whole frame that was drawn from now on is on the screen at last.
     [[nodiscard]] bool comesToBePainted() const;
 
@@ -59,6 +64,9 @@ protected:
     /// Clicks there.
     void click(double x, double y) const;
     void shiftClick(double x, double y) const;
+    /// Of the first DNA the points of its backbones that are nearest to who looks from z, not at
+    /// its ends: across a groove.
+    std::pair<algebra3d::Vector3<double>, algebra3d::Vector3<double>> acrossGroove() const;
     /// Clicks in the middle of a widget, or at one of its places.
     static void click(const QWidget& widget);
     static void click(const QWidget& widget, const QPoint& place);
@@ -74,6 +82,11 @@ protected:
     DataScene* scene = nullptr; ///< the window's, once it is loaded
     std::unique_ptr<MainWindow> window;
 };
+
+/// A straight rod along x, from 0 to there.
+std::string rodTo(double end);
+/// Frames of such a rod, each longer by 1.
+std::string seriesTo(double end, int frames);
 
 /// The colour of the marks of places.
 bool isYellow(const QColor& c);

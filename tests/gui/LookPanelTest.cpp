@@ -11,6 +11,7 @@
 #include <gmock/gmock.h>
 
 #include "DataWindowTest.h"
+#include "pureColours.h"
 #include "request/settings.h"
 #include "support/realInput.h"
 
@@ -23,9 +24,6 @@ const char* const DATA = R"({"strandview": 1, "rods": [
     {"points": [[0, 0, 0], [1, 0, 0], [2, 0, 0]], "colour": "#ff0000"},
     {"points": [[0, 1, 0], [1, 1, 0], [2, 1, 0]], "colour": "#0000ff"}],
     "markers": [{"point": [1, 2, 0], "size": 0.1, "id": 1}]})";
-
-bool isRed(const QColor& c) { return c.red() > 100 && c.green() < 60 && c.blue() < 60; }
-bool isBlue(const QColor& c) { return c.blue() > 100 && c.green() < 60 && c.red() < 60; }
 
 class LookPanelTest : public DataWindowTest
 {

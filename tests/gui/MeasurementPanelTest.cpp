@@ -2,7 +2,6 @@
 // The list of measurements as the user of a window has it: with the X server's keys and mouse.
 #include "window/MeasurementPanel.h"
 
-#include <algorithm>
 #include <fstream>
 #include <iterator>
 
@@ -19,7 +18,6 @@
 #include "DataWindowTest.h"
 #include "User.h"
 #include "scene/DataScene.h"
-#include "scene/backbones.h"
 #include "support/realInput.h"
 #include "window/MeasurementKeeper.h"
 #include "window/PlaceMarks.h"
@@ -57,11 +55,8 @@ protected:
 
     void openWithPanel(const std::string& text)
     {
-        openText(text, "rod.txt");
-        ASSERT_TRUE(comesToBePainted());
-        pressRealKey("n");
-        ASSERT_TRUE(comesTo([this] { return panel()->isVisible(); }));
-        ASSERT_TRUE(comesToBePainted());
+        ASSERT_NO_FATAL_FAILURE(openText(text, "rod.txt"));
+        showNumbers();
     }
     // From one point of the rod to another.
     void measure(double from, double to)
@@ -284,17 +279,8 @@ TEST_F(MeasurementPanelTest, AGrooveIsMeasuredBetweenTwoBackbonesInAngstrom)
     options.radius.reset();
     options.dna.bases = false;
     open(std::string(SAMPLES_FOLDER) + "/dna.txt");
-    ASSERT_TRUE(comesToBePainted());
-    pressRealKey("n");
-    ASSERT_TRUE(comesTo([this] { return panel()->isVisible(); }));
-    ASSERT_TRUE(comesToBePainted());
-    const Dna& dna = scene->getData()->dnas.at(0);
-    const auto nearest = [&](Strand strand) {
-        const auto all = idealBackbone(dna, strand, 1);
-        return *std::max_element(all.begin() + 10, all.end() - 10,
-                                 [](const auto& a, const auto& b) { return a.z < b.z; });
-    };
-    const auto first = nearest(Strand::FIRST), second = nearest(Strand::SECOND);
+    ASSERT_NO_FATAL_FAILURE(showNumbers());
+    const auto [first, second] = acrossGroove();
     click(first.x, first.y);
     ASSERT_TRUE(comesTo([this] { return window->getMarks().countPlaces() == 1; }));
     shiftClick(second.x, second.y);

@@ -60,10 +60,8 @@ protected:
     }
     void openWithPanel(const std::string& text)
     {
-        openRod(text);
-        pressRealKey("n");
-        ASSERT_TRUE(comesTo([this] { return panel()->isVisible(); }));
-        ASSERT_TRUE(comesToBePainted());
+        ASSERT_NO_FATAL_FAILURE(openText(text, "rod.txt"));
+        showNumbers();
     }
 
     PlacePanel* panel() const { return window->findChild<PlacePanel*>(); }

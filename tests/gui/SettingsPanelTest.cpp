@@ -18,6 +18,7 @@
 #include <gmock/gmock.h>
 
 #include "DataWindowTest.h"
+#include "pureColours.h"
 #include "request/settings.h"
 #include "scene/Colouring.h"
 #include "scene/DataScene.h"
@@ -36,7 +37,6 @@ const char* const ROD = "x y z load\n-1 0 0 3\n-0.5 0.1 0 -1\n0 0.2 0 0\n0.5 0.1
 
 bool isBlueTube(const QColor& c) { return c.blue() > c.red() + 40; }
 bool isInk(const QColor& c) { return c.value() < 60; }
-bool isRed(const QColor& c) { return c.red() > 150 && c.green() < 60 && c.blue() < 60; }
 
 class SettingsPanelTest : public DataWindowTest
 {

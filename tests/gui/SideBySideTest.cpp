@@ -30,17 +30,6 @@ using testing::HasSubstr;
 
 namespace {
 
-// A straight rod along x.
-std::string rodTo(double end) { return "0 0 0\n1 0 0\n" + std::to_string(end) + " 0 0\n"; }
-
-std::string seriesTo(int end, int frames)
-{
-    std::string text;
-    for (int i = 0; i < frames; ++i)
-        text += (i == 0 ? "" : "\n\n") + rodTo(end + i);
-    return text;
-}
-
 // Of a black tube with its highlight; axes have colours.
 bool isGrey(const QColor& c) { return c.saturation() < 40 && c.lightness() < 160; }
 

@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include "DataWindowTest.h"
+#include "pureColours.h"
 #include "request/settings.h"
 #include "scene/DataScene.h"
 #include "support/realInput.h"
@@ -41,10 +42,6 @@ std::string birod()
 
 const char* const COLOURS = "birod 1 strand 1: colour=#ff0000; birod 1 strand 2: colour=#0000ff; "
                             "birod 1 average: colour=#00ff00";
-
-bool isRed(const QColor& c) { return c.red() > 100 && c.green() < 60 && c.blue() < 60; }
-bool isBlue(const QColor& c) { return c.blue() > 100 && c.green() < 60 && c.red() < 60; }
-bool isGreen(const QColor& c) { return c.green() > 100 && c.blue() < 60 && c.red() < 60; }
 
 const std::size_t BIRODS = 1; // the kind, as they are drawn
 

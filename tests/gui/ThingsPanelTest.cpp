@@ -22,6 +22,7 @@
 #include <gmock/gmock.h>
 
 #include "DataWindowTest.h"
+#include "pureColours.h"
 #include "request/settings.h"
 #include "support/keepPictures.h"
 #include "support/realInput.h"
@@ -70,10 +71,6 @@ std::string seriesOf(int frames, int framesOfOne = 0)
     }
     return fileOf(R"("series": [)" + text + "]");
 }
-
-bool isRed(const QColor& c) { return c.red() > 100 && c.green() < 60 && c.blue() < 60; }
-bool isBlue(const QColor& c) { return c.blue() > 100 && c.green() < 60 && c.red() < 60; }
-bool isGreen(const QColor& c) { return c.green() > 100 && c.blue() < 60 && c.red() < 60; }
 
 class ThingsPanelTest : public DataWindowTest
 {

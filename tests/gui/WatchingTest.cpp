@@ -28,17 +28,6 @@ using testing::HasSubstr;
 
 namespace {
 
-// A straight rod.
-std::string rodTo(int end) { return "0 0 0\n1 0 0\n" + std::to_string(end) + " 0 0\n"; }
-
-std::string seriesTo(int end, int frames)
-{
-    std::string text;
-    for (int i = 0; i < frames; ++i)
-        text += (i == 0 ? "" : "\n\n") + rodTo(end + i);
-    return text;
-}
-
 class WatchingTest : public DataWindowTest
 {
 protected:
