@@ -458,8 +458,15 @@ std::string nameOf(const ThingId& thing)
 std::vector<std::string> textsOf(const ThingLooks& looks)
 {
     std::vector<std::pair<Range, std::string>> all;
+    const ThingLook* lookBefore = nullptr; // of which the text is
+    bool wasHidden = false;
+    std::string text;
     for (const auto& [thing, look] : looks.ofThings) {
-        const std::string text = textOf(look, isHiddenWithOthers(thing, looks));
+        const bool isHidden = isHiddenWithOthers(thing, looks);
+        if (!lookBefore || isHidden != wasHidden || !(look == *lookBefore))
+            text = textOf(look, isHidden);
+        lookBefore = &look;
+        wasHidden = isHidden;
         if (text.empty())
             continue;
         const bool isNext = !all.empty() && all.back().first.kind == thing.kind &&
@@ -472,8 +479,8 @@ std::vector<std::string> textsOf(const ThingLooks& looks)
     }
     std::vector<std::string> texts;
     texts.reserve(all.size() + 1);
-    for (const auto& [range, text] : all)
-        texts.push_back(nameOf(range) + ": " + text);
+    for (const auto& [range, ofRange] : all)
+        texts.push_back(nameOf(range) + ": " + ofRange);
     if (looks.areOthersHidden)
         texts.push_back(std::string(OTHERS) + ": hidden");
     return texts;
@@ -525,6 +532,8 @@ bool areOfSameNodes(const ThingLooks& shown, const ThingLooks& next)
 {
     const auto isOfSameNodes = [&](const ThingId& thing) {
         const ThingLook before = shown.of(thing), after = next.of(thing);
+        if (before == after)
+            return true;
         return (!before.colour || after.colour) && // its own colours are its nodes' alone
                std::all_of(attributes().begin(), attributes().end(),
                            [&](const Attribute& attribute) {

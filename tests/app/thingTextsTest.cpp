@@ -188,6 +188,8 @@ TEST(ThingTextsTest, WhatIsSaidOfAStrandIsToldWhereItDiffersFromItsThing)
                 ElementsAre("DNA 1: hidden"));
     EXPECT_THAT(textsOf(read("DNA 1: hidden; DNA 1 strand 1: shown")),
                 ElementsAre("DNA 1: hidden", "DNA 1 strand 1: shown"));
+    EXPECT_THAT(textsOf(read("DNA 2: hidden; DNA 1-3 strand 1: shown")),
+                ElementsAre("DNA 2: hidden", "DNA 2 strand 1: shown"));
     EXPECT_THAT(textsOf(read("DNA 1: shown; DNA 1 strand 1: hidden; others: hidden")),
                 ElementsAre("DNA 1: shown", "DNA 1 strand 1: hidden", "others: hidden"));
 }
