@@ -120,6 +120,16 @@ std::string OutputFile::failure() const
     return name + ": " + device->errorString().toStdString();
 }
 
+std::string writeFile(const std::string& name, std::string_view bytes)
+{
+    OutputFile file(name);
+    const std::string failure = file.open();
+    if (!failure.empty())
+        return failure;
+    file.write(bytes);
+    return file.finish();
+}
+
 std::string checkWritable(const std::string& name) { return OutputFile(name).open(); }
 
 } // namespace strandview

@@ -42,6 +42,9 @@ private:
     bool isUnnamed = false; ///< until it is finished
 };
 
+/// Writes all of a file, as OutputFile does. One line that says what failed, or nothing.
+std::string writeFile(const std::string& name, std::string_view bytes);
+
 /// Empty if a file of this name can be written where it is; otherwise one line that says
 /// why not.
 std::string checkWritable(const std::string& name);

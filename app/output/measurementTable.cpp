@@ -54,12 +54,7 @@ std::string measurementTable(const std::vector<Measurement>& measurements,
 
 std::string writeMeasurementTable(const std::string& table, const std::string& fileName)
 {
-    OutputFile file(fileName);
-    const std::string failure = file.open();
-    if (!failure.empty())
-        return failure;
-    file.write(table);
-    return file.finish();
+    return writeFile(fileName, table);
 }
 
 } // namespace strandview

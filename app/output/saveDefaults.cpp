@@ -19,12 +19,7 @@ std::string saveDefaults(const StyleRequest& request, const std::string& file)
     fs::create_directories(folder, failure);
     if (failure)
         return folder.string() + ": " + failure.message();
-    OutputFile output(file);
-    const std::string refusal = output.open();
-    if (!refusal.empty())
-        return refusal;
-    output.write(defaultsText(request));
-    return output.finish();
+    return writeFile(file, defaultsText(request));
 }
 
 } // namespace strandview

@@ -118,12 +118,7 @@ QImage imageOf(PlotStack& stack, const QSize& size)
 
 std::string save(const QByteArray& bytes, const std::string& name)
 {
-    OutputFile file(name);
-    const std::string failure = file.open();
-    if (!failure.empty())
-        return failure;
-    file.write(std::string_view(bytes.constData(), std::size_t(bytes.size())));
-    return file.finish();
+    return writeFile(name, std::string_view(bytes.constData(), std::size_t(bytes.size())));
 }
 
 std::optional<Plot> plotOneFrame(const Options& options, ReadReport& report, Progress& progress)

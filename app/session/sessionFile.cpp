@@ -79,12 +79,7 @@ std::string saveSession(Session session, const GoOn& goOn)
         const fs::path relative = path.lexically_relative(folder.lexically_normal());
         return (relative.empty() ? path : relative).generic_string();
     });
-    OutputFile output(name);
-    const std::string fault = output.open();
-    if (!fault.empty())
-        return fault;
-    output.write(textOf(session));
-    return output.finish();
+    return writeFile(name, textOf(session));
 }
 
 std::optional<Session> readSession(const std::string& name, std::string& fault)

@@ -6,6 +6,7 @@
 #include <random>
 #include <set>
 #include <tuple>
+#include <utility>
 
 #include <Inventor/SbViewportRegion.h>
 #include <Inventor/SoPrimitiveVertex.h>
@@ -67,6 +68,23 @@ void expectApart(const Colouring& shown, float textSize = LEGEND_TEXT_SIZE,
     }
 }
 
+// Limits of any size from 1e-MOST to 1eMOST, as near to each other or as far apart as that allows.
+class RandomRanges
+{
+public:
+    RandomRanges(unsigned seed, double most) : engine(seed), exponent(-most, most) {}
+
+    std::pair<double, double> next()
+    {
+        const double min = digit(engine) * std::pow(10, exponent(engine));
+        return {min, min + std::abs(min) * std::pow(10, exponent(engine) / 3)};
+    }
+
+private:
+    std::mt19937 engine;
+    std::uniform_real_distribution<double> digit{-9.99, 9.99}, exponent;
+};
+
 TEST(Legend, WritesTheNameAndARoundNumberPerTick)
 {
     EXPECT_THAT(textsOf(colouring(0, 1, "κ_β²")),
@@ -101,11 +119,9 @@ TEST(Legend, SaysWhatTheGreyPatchIs)
 
 TEST(Legend, ItsTextsNeverMeet)
 {
-    std::mt19937 engine(12);
-    std::uniform_real_distribution<double> digit(-9.99, 9.99), exponent(-30, 30);
+    RandomRanges ranges(12, 30);
     for (int i = 0; i < 60; ++i) {
-        const double min = digit(engine) * std::pow(10, exponent(engine));
-        const double max = min + std::abs(min) * std::pow(10, exponent(engine) / 3);
+        const auto [min, max] = ranges.next();
         if (!isRange(min, max))
             continue;
         SCOPED_TRACE(testing::Message() << min << " to " << max);
@@ -204,11 +220,9 @@ TEST(Legend, WritesNumbersAsSuitsThemWhereTheFormatHasNoneOrNoRoom)
 
 TEST(Legend, InAnyFormatItsNumbersNeverMeet)
 {
-    std::mt19937 engine(3);
-    std::uniform_real_distribution<double> digit(-9.99, 9.99), exponent(-12, 12);
+    RandomRanges ranges(3, 12);
     for (int i = 0; i < 60; ++i) {
-        const double min = digit(engine) * std::pow(10, exponent(engine));
-        const double max = min + std::abs(min) * std::pow(10, exponent(engine) / 3);
+        const auto [min, max] = ranges.next();
         if (!isRange(min, max))
             continue;
         LegendLook look;
@@ -306,11 +320,9 @@ TEST(Legend, AtASideHasNumbersBesideTheBarAndAnUprightTitle)
 
 TEST(Legend, AtASideItsTextsHaveRoomAndNeverMeet)
 {
-    std::mt19937 engine(21);
-    std::uniform_real_distribution<double> digit(-9.99, 9.99), exponent(-30, 30);
+    RandomRanges ranges(21, 30);
     for (int i = 0; i < 90; ++i) {
-        const double min = digit(engine) * std::pow(10, exponent(engine));
-        const double max = min + std::abs(min) * std::pow(10, exponent(engine) / 3);
+        const auto [min, max] = ranges.next();
         if (!isRange(min, max))
             continue;
         SCOPED_TRACE(testing::Message() << min << " to " << max);

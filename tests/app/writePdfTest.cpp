@@ -2,13 +2,14 @@
 #include "pictures/writePdf.h"
 
 #include <cstdlib>
-#include <random>
 #include <string>
 
 #include <QByteArray>
 #include <QImage>
 #include <QRegularExpression>
 #include <gtest/gtest.h>
+
+#include "support/noise.h"
 
 namespace strandview {
 
@@ -19,20 +20,6 @@ std::string pdfOf(const QImage& image)
     std::string pdf;
     writePdf(image, [&pdf](std::string_view part) { pdf += part; });
     return pdf;
-}
-
-// Every byte by chance, of seed 1, on a page of 300 pixels to the inch.
-QImage noise(int width, int height, QImage::Format format)
-{
-    QImage image(width, height, format);
-    std::mt19937 random(1);
-    for (int y = 0; y < height; ++y) {
-        for (int x = 0; x < width; ++x)
-            image.setPixel(x, y, QRgb(random()));
-    }
-    image.setDotsPerMeterX(11811);
-    image.setDotsPerMeterY(11811);
-    return image;
 }
 
 // The object of a number, found by the table at the end, as a reader finds it.

@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "pictures/writePng.h"
 
-#include <random>
 #include <string>
 
 #include <QByteArray>
 #include <QImage>
 #include <gtest/gtest.h>
+
+#include "support/noise.h"
 
 namespace strandview {
 
@@ -22,18 +23,6 @@ std::string pngOf(const QImage& image)
 QImage readBack(const std::string& png)
 {
     return QImage::fromData(reinterpret_cast<const uchar*>(png.data()), int(png.size()), "png");
-}
-
-// Every byte by chance, of seed 1.
-QImage noise(int width, int height, QImage::Format format)
-{
-    QImage image(width, height, format);
-    std::mt19937 random(1);
-    for (int y = 0; y < height; ++y) {
-        for (int x = 0; x < width; ++x)
-            image.setPixel(x, y, QRgb(random()));
-    }
-    return image;
 }
 
 // Rows that differ along them, and columns that do: each filter is the better one somewhere.
