@@ -18,8 +18,8 @@
 #include "scene/readFiles.h"
 #include "support/keepPictures.h"
 #include "support/realInput.h"
-#include "window/SideBySide.h"
 #include "window/PlacePanel.h"
+#include "window/SideBySide.h"
 #include "window/StatusText.h"
 
 namespace strandview {
