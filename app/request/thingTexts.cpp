@@ -132,7 +132,7 @@ std::vector<Attribute> makeAttributes()
          },
          &clear<&Look::name>, &copyIfSaid<&Look::name>, false, true},
         bySetting<&Look::colour, &All::tubeColour, TUBE_COLOUR>("colour", coloured, false, true),
-        bySetting<&Look::radius, &All::radius, RADIUS>("radius", tubes),
+        bySetting<&Look::radius, &All::radius, RADIUS>("radius", tubes, true, true),
         bySetting<&Look::ribbonWidth, &All::ribbonWidth, RIBBON_WIDTH>("ribbon-width", ribbons),
         bySetting<&Look::slices, &All::slices, SLICES>("slices", tubes),
         bySetting<&Look::subsegments, &All::subsegments, SUBSEGMENTS>("subsegments", tubes),

@@ -160,8 +160,7 @@ SceneGeometry compute(const Configuration& configuration, const Extent& extent, 
         error = computeAll(
             "Building birod", configuration.birods, geometry.birods,
             [&](const Birod& birod, std::size_t i, std::string& fault) {
-                return BirodBuilder::compute(birod, styleOf(style, {ThingKind::BIROD, i}),
-                                             placement, fault);
+                return BirodBuilder::compute(birod, i, style, placement, fault);
             },
             progress);
     const Molecules molecules(configuration);
@@ -169,8 +168,7 @@ SceneGeometry compute(const Configuration& configuration, const Extent& extent, 
         error = computeAll(
             "Building DNA", configuration.dnas, geometry.dnas,
             [&](const Dna& dna, std::size_t i, std::string& /*fault*/) {
-                return DnaBuilder::compute(dna, molecules, styleOf(style, {ThingKind::DNA, i}),
-                                           style.dna.angstrom, placement);
+                return DnaBuilder::compute(dna, i, molecules, style, placement);
             },
             progress);
     if (error.empty()) {

@@ -19,6 +19,8 @@ namespace {
 
 const double BACKBONE_RADIUS = 1; // ångström
 
+const double AVERAGE_RADIUS = 0.6; // of that of a birod's strands
+
 const Colour RIBBON_COLOUR{0.93f, 0.60f, 0.10f};
 
 // Of a single point, as good as any.
@@ -108,6 +110,10 @@ std::string checkLength(const std::string& option, const std::optional<double>& 
 ThingStyle styleOf(const Style& style, const ThingId& thing)
 {
     ThingStyle own = style;
+    if (thing.part != ThingPart::WHOLE)
+        own = styleOf(style, {thing.kind, thing.index});
+    if (thing.part == ThingPart::AVERAGE)
+        own.radius *= AVERAGE_RADIUS;
     const auto known = style.things.ofThings.find(thing);
     if (known == style.things.ofThings.end())
         return own;

@@ -52,7 +52,7 @@ struct Style : ThingStyle
     DnaLook dna;
 };
 
-/// That of one thing. What follows from what it has of its own does so as for all.
+/// That of one thing, or strand, as all but for what it has of its own; an average is thinner.
 ThingStyle styleOf(const Style& style, const ThingId& thing);
 
 /// Whether a ribbon is asked for, or it is said how it is to look.

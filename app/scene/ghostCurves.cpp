@@ -13,7 +13,6 @@
 
 #include "scene/Progress.h"
 #include "scene/backbones.h"
-#include "scene/builders/BirodBuilder.h"
 #include "scene/builders/RodBuilder.h"
 #include "scene/curveFaults.h"
 
@@ -61,14 +60,14 @@ void addBirods(const Configuration& reference, const Style& style, std::vector<C
 {
     for (std::size_t i = 0; i < reference.birods.size(); ++i) {
         const Birod& birod = reference.birods[i];
-        const double radius = styleOf(style, {ThingKind::BIROD, i}).radius;
-        const auto like = [i](ThingPart part) { return ThingId{ThingKind::BIROD, i, part}; };
-        curves.push_back({like(ThingPart::AVERAGE), lineThrough(birod.points, birod.rotations),
-                          BirodBuilder::AVERAGE_RADIUS * radius, true});
-        curves.push_back({like(ThingPart::STRAND_1), lineThrough(birod.points1, birod.rotations1),
-                          radius, false});
-        curves.push_back({like(ThingPart::STRAND_2), lineThrough(birod.points2, birod.rotations2),
-                          radius, false});
+        const auto add = [&](ThingPart part, const Points& points, const Rotations& rotations) {
+            const ThingId like{ThingKind::BIROD, i, part};
+            curves.push_back({like, lineThrough(points, rotations), styleOf(style, like).radius,
+                              part == ThingPart::AVERAGE});
+        };
+        add(ThingPart::AVERAGE, birod.points, birod.rotations);
+        add(ThingPart::STRAND_1, birod.points1, birod.rotations1);
+        add(ThingPart::STRAND_2, birod.points2, birod.rotations2);
     }
 }
 
@@ -87,7 +86,7 @@ void addStrands(const Configuration& reference, const Style& style, std::vector<
                 continue;
             Rotations rotations = parallelTransport(points);
             curves.push_back({like, lineThrough(std::move(points), std::move(rotations)),
-                              styleOf(style, {ThingKind::DNA, i}).backboneRadius, true});
+                              styleOf(style, like).backboneRadius, true});
         }
     }
 }

@@ -94,8 +94,7 @@ void LookPanel::follow()
         kinds.insert({thing.kind, 0, thing.part});
     const ThingId& first = things.begin()->first;
     const ThingLook look = request.things.of(first);
-    StyleRequest shown =
-        style ? resolve(shownStyle, styleOf(*style, {first.kind, first.index})) : shownStyle;
+    StyleRequest shown = style ? resolve(shownStyle, styleOf(*style, first)) : shownStyle;
     const std::optional<Colour> own = request.things.withThings(first).colour;
     shown.tubeColour = own ? own : shown.tubeColour;
     settings->showOwn(look, kinds, shown);

@@ -1195,6 +1195,8 @@ TEST_F(SceneUpdateTest, EachStrandIsDrawnAloneAsItIsAmongAll)
 {
     options.legend.place = LegendPlace::OFF;
     options.radius = 0.8;
+    ASSERT_EQ(
+        readThings("birod 1 strand 2: radius=1.2; DNA 1 strand 1: radius=1.1", options.things), "");
     for (const char* colourBy : {"", "curvature", "roll"}) {
         for (const char* dna : {"backbone,bases", "backbone,boxes,pairs", "atoms", "bases,atoms"}) {
             SCOPED_TRACE(std::string(dna) + " " + colourBy);
@@ -1209,7 +1211,7 @@ TEST_F(SceneUpdateTest, EachStrandIsDrawnAloneAsItIsAmongAll)
             std::vector<::Picture> alone;
             for (const ThingKind kind : {ThingKind::BIROD, ThingKind::DNA}) {
                 for (const ThingPart part : partsOf(kind)) {
-                    ThingLooks looks;
+                    ThingLooks looks = options.things;
                     looks.showOnly({{kind, 0, part}});
                     scene->setLooks(looks);
                     alone.push_back(render(scene, box));
@@ -1227,12 +1229,45 @@ TEST_F(SceneUpdateTest, EachStrandIsDrawnAloneAsItIsAmongAll)
                 });
             });
             EXPECT_EQ(strange, 0);
-            scene->setLooks({});
+            scene->setLooks(options.things);
             EXPECT_EQ(compare(render(scene, box), all).pixels, 0);
             scene->unref();
             scene = nullptr;
         }
     }
+}
+
+TEST_F(SceneUpdateTest, StrandsHaveRadiiOfTheirOwn)
+{
+    const auto radii = [&](const char* things) {
+        options.things = {};
+        EXPECT_EQ(readThings(things, options.things), "");
+        const Configuration data = strands();
+        StoppingAt never;
+        std::string error;
+        const SceneGeometry geometry =
+            computeGeometry(data, makeStyle(options, data), never, error);
+        EXPECT_EQ(error, "");
+        const SoBirod::Meshes& birod = geometry.birods.at(0).meshes;
+        const auto& backbones = geometry.dnas.at(0).backbones;
+        std::vector<double> found;
+        for (const auto* tube : {&birod.avgTube, &birod.tube1, &birod.tube2,
+                                 &backbones[0].meshes.tube, &backbones[1].meshes.tube})
+            found.push_back((*tube)->getRadius() / geometry.placement.scale);
+        return found;
+    };
+    const auto are = [](const std::vector<double>& expected) {
+        return testing::Pointwise(testing::DoubleNear(1e-12), expected);
+    };
+    options.radius = 0.5;
+    EXPECT_THAT(radii(""), are({0.3, 0.5, 0.5, 0.5, 0.5}));
+    EXPECT_THAT(radii("birod 1: radius=1; DNA 1: radius=2"), are({0.6, 1, 1, 2, 2}));
+    EXPECT_THAT(radii("birod 1 average: radius=0.7; birod 1 strand 2: radius=0.4; "
+                      "DNA 1 strand 1: radius=0.9"),
+                are({0.7, 0.5, 0.4, 0.9, 0.5}));
+    EXPECT_THAT(radii("birod 1: radius=1; birod 1 strand 1: radius=0.4; DNA 1: radius=2; "
+                      "DNA 1 strand 2: radius=0.9"),
+                are({0.6, 0.4, 1, 2, 0.9}));
 }
 
 TEST_F(SceneUpdateTest, HiddenStrandsStaySoInFramesAndOtherStyles)

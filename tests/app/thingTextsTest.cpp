@@ -194,18 +194,19 @@ TEST(ThingTextsTest, WhatIsSaidOfAStrandIsToldWhereItDiffersFromItsThing)
                 ElementsAre("DNA 1: shown", "DNA 1 strand 1: hidden", "others: hidden"));
 }
 
-TEST(ThingTextsTest, StrandsAreOfBirodsAndDnaAndHaveNameAndColourAlone)
+TEST(ThingTextsTest, StrandsAreOfBirodsAndDnaAndHaveNameColourAndRadiusAlone)
 {
     for (const char* text :
          {"rod 1 strand 1: hidden", "DNA 1 average: hidden", "birod 1 strand 3: hidden",
           "bases strand 1: hidden", "DNA strand 1: hidden", "DNA 1 strand: hidden"})
         EXPECT_THAT(faultOf(text), HasSubstr("strands, such as DNA 1 strand 2")) << text;
-    EXPECT_THAT(faultOf("birod 1 strand 1: radius=1"),
+    EXPECT_THAT(faultOf("birod 1 strand 1: tube"),
                 HasSubstr("expected hidden, shown, deleted, name=TEXT, colour="));
-    EXPECT_THAT(faultOf("birod 1 strand 1: radius=1"), Not(HasSubstr("slices")));
+    EXPECT_THAT(faultOf("birod 1 strand 1: tube"), Not(HasSubstr("slices")));
     const ThingId strand{ThingKind::BIROD, 0, ThingPart::STRAND_1};
     EXPECT_TRUE(canHaveOwn("tube-colour", strand));
-    EXPECT_FALSE(canHaveOwn("radius", strand));
+    EXPECT_TRUE(canHaveOwn("radius", strand));
+    EXPECT_FALSE(canHaveOwn("slices", strand));
     EXPECT_FALSE(canHaveOwn("transparency", strand));
 }
 

@@ -111,19 +111,31 @@ void placeIn(const ShownDatum& shown, const SoPickedPoint& picked, int /*index*/
 
 } // namespace
 
-SceneGeometry::Birod BirodBuilder::compute(const Birod& birod, const ThingStyle& style,
-                                           const Placement& placement, std::string& error)
+SceneGeometry::Birod BirodBuilder::compute(const Birod& birod, std::size_t index,
+                                           const Style& style, const Placement& placement,
+                                           std::string& error)
 {
+    const ThingStyle own = strandview::styleOf(style, {ThingKind::BIROD, index});
+    const auto ofPart = [&](ThingPart part) {
+        return strandview::styleOf(style, {ThingKind::BIROD, index, part});
+    };
+    const ThingStyle average = ofPart(ThingPart::AVERAGE), first = ofPart(ThingPart::STRAND_1),
+                     second = ofPart(ThingPart::STRAND_2);
     SceneGeometry::Birod computed;
     computed.data = {placement.toScene(birod.points),  birod.rotations,
                      placement.toScene(birod.points1), birod.rotations1,
                      placement.toScene(birod.points2), birod.rotations2};
-    const double radius = placement.scale * style.radius;
-    const double width = placement.scale * style.ribbonWidth;
-    computed.meshes =
-        SoBirod::makeMeshes(computed.data, AVERAGE_RADIUS * radius, radius, width, width, 0, 0,
-                            style.slices, style.subsegments, style.twoSidedRibbon);
-    error = findFault(birod, computed.meshes, style);
+    computed.meshes = SoBirod::makeMeshes(
+        computed.data, placement.scale * average.radius, placement.scale * first.radius,
+        placement.scale * average.ribbonWidth, placement.scale * own.ribbonWidth, 0, 0, own.slices,
+        own.subsegments, own.twoSidedRibbon);
+    if (second.radius != first.radius && computed.meshes.tube2) {
+        computed.meshes.tube2 =
+            std::make_unique<BiarcTubeMesh>(computed.data.points2, placement.scale * second.radius,
+                                            own.slices, own.subsegments, false, false);
+        computed.meshes.tube2->forgetCurve();
+    }
+    error = findFault(birod, computed.meshes, own);
     return computed;
 }
 
@@ -150,15 +162,17 @@ SbBox3f BirodBuilder::getReach(std::size_t index) const
 
 ShownDatum BirodBuilder::makeNodes(std::size_t index)
 {
-    const ThingStyle style = styleOf(index);
-    const double radius = frame.scaled(style.radius), width = frame.scaled(style.ribbonWidth);
+    const ThingStyle style = styleOf(index),
+                     average =
+                         strandview::styleOf(frame.style, {getKind(), index, ThingPart::AVERAGE});
     auto* binding = new SoMaterialBinding;
     binding->value = SoMaterialBinding::PER_PART;
     ShownDatum shown;
     shown.group = new SoSeparator;
     shown.group->addChild(binding);
     shown.group->addChild(new SoMaterial);
-    shown.node = new SoBirod(frame.scaled(AVERAGE_RADIUS * style.radius), radius, width, width, 0,
+    shown.node = new SoBirod(frame.scaled(average.radius), frame.scaled(style.radius),
+                             frame.scaled(average.ribbonWidth), frame.scaled(style.ribbonWidth), 0,
                              0, style.slices, style.subsegments, style.showTube, style.showTube,
                              style.showRibbon, false, style.twoSidedRibbon);
     shown.group->addChild(shown.node);

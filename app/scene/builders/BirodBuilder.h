@@ -15,11 +15,9 @@ class BirodBuilder : public BuilderOf<&Configuration::birods>
 public:
     using BuilderOf::BuilderOf;
 
-    static constexpr double AVERAGE_RADIUS = 0.6; ///< of that of the strands
-
-    /// The points and meshes of one birod, in any thread. One line in `error` if one of its
-    /// tubes, or of its ribbons where they are shown, cannot be interpolated.
-    static SceneGeometry::Birod compute(const Birod& birod, const ThingStyle& style,
+    /// The points and meshes of the birod of that index, in any thread. One line in `error` if one
+    /// of its tubes, or of its ribbons where they are shown, cannot be interpolated.
+    static SceneGeometry::Birod compute(const Birod& birod, std::size_t index, const Style& style,
                                         const Placement& placement, std::string& error);
 
     ThingKind getKind() const override { return ThingKind::BIROD; }

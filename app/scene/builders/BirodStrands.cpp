@@ -64,7 +64,7 @@ int firstRowOf(const SoBirod& birod, ThingPart part)
 SoRod* makeRod(const SoBirod& birod, ThingPart part, bool showTube, bool showRibbon)
 {
     const bool isAverage = part == ThingPart::AVERAGE;
-    const double radius = isAverage ? birod.getAvgTubeRadius() : birod.getTubesRadius();
+    const double radius = meshesOf(birod, part).tube.getRadius();
     const double width = isAverage ? birod.getAvgRibbonWidth() : birod.getRibbonsWidth();
     std::vector<algebra3d::Vector3<double>> points;
     std::vector<algebra3d::Quaternion<double>> rotations;

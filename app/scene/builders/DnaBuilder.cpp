@@ -310,6 +310,11 @@ Strand strandOf(ThingPart part)
     return part == ThingPart::STRAND_2 ? Strand::SECOND : Strand::FIRST;
 }
 
+ThingPart partOf(Strand strand)
+{
+    return strand == Strand::SECOND ? ThingPart::STRAND_2 : ThingPart::STRAND_1;
+}
+
 // Its switches are left alone where nothing changes: drawing follows who touches them.
 void showBase(SoNucleobase& base, char letter, bool isUpright, const DnaLook& look)
 {
@@ -460,16 +465,18 @@ SceneGeometry::Backbone computeBackbone(const std::vector<Vector3<double>>& poin
 
 } // namespace
 
-SceneGeometry::Dna DnaBuilder::compute(const Dna& dna, const Molecules& molecules,
-                                       const ThingStyle& style, double angstrom,
+SceneGeometry::Dna DnaBuilder::compute(const Dna& dna, std::size_t index,
+                                       const Molecules& molecules, const Style& style,
                                        const Placement& placement)
 {
     SceneGeometry::Dna computed;
-    if (!style.showBackbones || molecules.hasBackbone(dna.molecule))
+    const bool isShown = strandview::styleOf(style, {ThingKind::DNA, index}).showBackbones;
+    if (!isShown || molecules.hasBackbone(dna.molecule))
         return computed;
     for (Strand strand : STRANDS)
-        computed.backbones[std::size_t(strand)] =
-            computeBackbone(idealBackbone(dna, strand, angstrom), style, placement);
+        computed.backbones[std::size_t(strand)] = computeBackbone(
+            idealBackbone(dna, strand, style.dna.angstrom),
+            strandview::styleOf(style, {ThingKind::DNA, index, partOf(strand)}), placement);
     return computed;
 }
 
@@ -479,11 +486,14 @@ const char* DnaBuilder::getWork() const { return "Building DNA"; }
 SbBox3f DnaBuilder::getReach(std::size_t index) const
 {
     SbBox3f box = boxOfBases(datum(index));
-    for (const SceneGeometry::Backbone& backbone : frame.geometry.dnas[index].backbones) {
+    for (const Strand strand : STRANDS) {
+        const SceneGeometry::Backbone& backbone =
+            frame.geometry.dnas[index].backbones[std::size_t(strand)];
         if (backbone.points.empty())
             continue;
         box.extendBy(backbone.meshes.tube->getBBox());
-        box.extendBy(headOf(index, backbone.points.back(), backbone.rotations.back()).getBox());
+        box.extendBy(
+            headOf(index, strand, backbone.points.back(), backbone.rotations.back()).getBox());
     }
     return box;
 }
@@ -499,7 +509,7 @@ SbBox3f DnaBuilder::findBox(std::size_t index, const ShownDatum& shown)
         Quaternion<double> rotation;
         rod.getFrame(end, rotation, rod.getPointsNum() - 1);
         box.extendBy(rod.getTubeMesh()->getBBox());
-        box.extendBy(headOf(index, end, rotation).getBox());
+        box.extendBy(headOf(index, strand, end, rotation).getBox());
     }
     return box;
 }
@@ -515,10 +525,16 @@ SbBox3f DnaBuilder::boxOfBases(const Dna& dna) const
     return box;
 }
 
-ArrowHead DnaBuilder::headOf(std::size_t index, const Vector3<double>& end,
+double DnaBuilder::radiusOf(std::size_t index, Strand strand) const
+{
+    const ThingId part{getKind(), index, partOf(strand)};
+    return frame.scaled(strandview::styleOf(frame.style, part).backboneRadius);
+}
+
+ArrowHead DnaBuilder::headOf(std::size_t index, Strand strand, const Vector3<double>& end,
                              const Quaternion<double>& rotation) const
 {
-    return ArrowHead(end, rotation, frame.scaled(styleOf(index).backboneRadius));
+    return ArrowHead(end, rotation, radiusOf(index, strand));
 }
 
 ShownDatum DnaBuilder::makeNodes(std::size_t index)
@@ -652,9 +668,9 @@ void DnaBuilder::setBackbone(std::size_t index, Strand strand, SoSeparator& grou
     if (backbone.points.empty())
         arrow->setArrow({}, {}, 0, 0, 0);
     else
-        headOf(index, backbone.points.back(), backbone.rotations.back()).show(*arrow);
+        headOf(index, strand, backbone.points.back(), backbone.rotations.back()).show(*arrow);
     SoRod& rod = rodOf(group);
-    rod.setTubeRadius(frame.scaled(styleOf(index).backboneRadius));
+    rod.setTubeRadius(radiusOf(index, strand));
     rod.setData(std::move(backbone.points), std::move(backbone.rotations),
                 std::move(backbone.meshes));
 }

@@ -18,11 +18,10 @@ class DnaBuilder : public BuilderOf<&Configuration::dnas>
 public:
     using BuilderOf::BuilderOf;
 
-    /// The ideal backbones of one, in any thread. A strand through which no curve can be drawn has
-    /// none.
-    static SceneGeometry::Dna compute(const Dna& dna, const Molecules& molecules,
-                                      const ThingStyle& style, double angstrom,
-                                      const Placement& placement);
+    /// The ideal backbones of the DNA of that index, in any thread. A strand through which no curve
+    /// can be drawn has none.
+    static SceneGeometry::Dna compute(const Dna& dna, std::size_t index, const Molecules& molecules,
+                                      const Style& style, const Placement& placement);
 
     ThingKind getKind() const override { return ThingKind::DNA; }
     const char* getWork() const override;
@@ -36,7 +35,8 @@ protected:
 
 private:
     SbBox3f boxOfBases(const Dna& dna) const;
-    ArrowHead headOf(std::size_t index, const algebra3d::Vector3<double>& end,
+    double radiusOf(std::size_t index, Strand strand) const; ///< of its backbone, in the scene
+    ArrowHead headOf(std::size_t index, Strand strand, const algebra3d::Vector3<double>& end,
                      const algebra3d::Quaternion<double>& rotation) const;
     void setPairs(const Dna& dna, const DnaLook& look, SoDNA& node) const;
     void setBackbone(std::size_t index, Strand strand, SoSeparator& group);
