@@ -36,8 +36,6 @@ namespace {
 // Seen from any side it is something.
 const char* const BENT = "0 0 0\n1 0.5 0.2\n2 0 1\n";
 
-std::string rodTo(double end) { return "0 0 0\n1 0 0\n" + std::to_string(end) + " 0 0\n"; }
-
 const BesideRequest THREE_OF_THE_SAME = fourOfTheSame();
 
 class BesideViewTest : public DataWindowTest

@@ -89,11 +89,11 @@ TEST_F(GhostWindowTest, NothingIsToBeTickedWithoutAReference)
 TEST_F(GhostWindowTest, TheSecondViewOfTheSameDataHasItToo)
 {
     options.showGhost = true;
-    options.beside.what = BesideRequest::SAME;
+    options.beside = {{BesideRequest::SAME}};
     ASSERT_NO_FATAL_FAILURE(openText("-1 0 0\n0 0 0\n1 0 0\n", "rod.txt"));
-    ASSERT_TRUE(comesTo([this] { return window->getSideBySide().getScene() != nullptr; }));
+    ASSERT_TRUE(comesTo([this] { return sceneBeside() != nullptr; }));
     EXPECT_GT(topOf(scene), 0.5f);
-    EXPECT_EQ(topOf(window->getSideBySide().getScene()), topOf(scene));
+    EXPECT_EQ(topOf(sceneBeside()), topOf(scene));
 }
 
 // It stays where the shown frame is, which the reference is brought to.
