@@ -1176,16 +1176,16 @@ void MainWindow::setColours(bool ofData)
 
 void MainWindow::showBeside(bool on)
 {
-    if (!on)
+    if (!on) {
         closedBeside = options.beside;
-    if (!on)
         setBeside({});
-    else if (!closedBeside.what.empty())
+    } else if (!closedBeside.what.empty()) {
         setBeside(closedBeside);
-    else if (options.compare)
+    } else if (options.compare) {
         setBeside(besideOf({*options.compare}));
-    else
+    } else {
         setBeside(besideOf({player ? BesideRequest::FIRST_FRAME : BesideRequest::SAME}));
+    }
 }
 
 void MainWindow::addBeside(const std::string& what)

@@ -160,27 +160,6 @@ TEST_F(ClipHandlesTest, BesideTheHandlesTheMouseTurnsTheSceneAsEver)
     EXPECT_EQ(clip(), parseClipPlane("x:0"));
 }
 
-TEST_F(ClipHandlesTest, HandlesThatAreHiddenWhileTheyAreDraggedLetGoOfTheMouse)
-{
-    ASSERT_NO_FATAL_FAILURE(openWithHandles("x:0"));
-    const QPoint from = onScreen(0.35, middle()), to = onScreen(0.5, middle());
-    dragRealPointerAndHold(from.x(), from.y(), to.x(), to.y());
-    ASSERT_TRUE(comesTo([this] { return clip() != parseClipPlane("x:0"); }));
-    pressRealKey("slash");
-    ASSERT_TRUE(comesTo([this] { return countPixels(screen(), isFrame) == 0; }));
-    ASSERT_TRUE(comesTo([this] { return !window->isRestyling(); }));
-    const std::optional<ClipPlane> left = clip();
-    const CameraNumbers camera = window->getCameraNumbers();
-    releaseRealButton();
-    ASSERT_TRUE(comesTo([] { return QApplication::mouseButtons() == Qt::NoButton; }));
-    for (int tries = 0; tries < 20 && window->getCameraNumbers() == camera; ++tries) {
-        drag(0.7, 0.3, 0.5, 0.4);
-        ASSERT_TRUE(comesToBePainted());
-    }
-    EXPECT_FALSE(window->getCameraNumbers() == camera);
-    EXPECT_EQ(clip(), left);
-}
-
 TEST_F(ClipHandlesTest, HandlesAreInNoPictureAndGoWithThePlane)
 {
     ASSERT_NO_FATAL_FAILURE(openWithHandles("x:0.5"));

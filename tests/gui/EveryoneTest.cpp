@@ -266,6 +266,10 @@ TEST_F(EveryoneTest, EverySettingThatIsANumberTakesACommaAndAPointAndIsSetThen)
     ASSERT_EQ(settingOf("colour-by").read("load", style), ""); // or there is no range
     ASSERT_EQ(settingOf("range").read("0:1", style), "");
     ASSERT_EQ(settingOf("clip").read("x:0", style), "");
+    ASSERT_EQ(settingOf("compare").read("first", style), ""); // or there is no ghost
+    ASSERT_EQ(settingOf("ghost").read("on", style), "");
+    window->setStyle(style);
+    ASSERT_TRUE(comesTo([this] { return !window->isLoading() && !window->isRestyling(); }));
     std::map<std::string, std::pair<std::string, std::string>> fields{
         {"rangeMin", {"range", "0.5:1"}},
         {"rangeMax", {"range", "0:0.5"}},

@@ -75,7 +75,7 @@ void pressRealKey(const std::string& name)
     press(keys);
 }
 
-void dragRealPointerAndHold(int fromX, int fromY, int toX, int toY)
+void dragRealPointer(int fromX, int fromY, int toX, int toY)
 {
     movePointer(fromX, fromY);
     button(true);
@@ -83,14 +83,7 @@ void dragRealPointerAndHold(int fromX, int fromY, int toX, int toY)
         movePointer((fromX + toX) / 2, (fromY + toY) / 2, STEP);
         movePointer(toX, toY, STEP);
     }
-}
-
-void releaseRealButton() { button(false); }
-
-void dragRealPointer(int fromX, int fromY, int toX, int toY)
-{
-    dragRealPointerAndHold(fromX, fromY, toX, toY);
-    releaseRealButton();
+    button(false);
 }
 
 void clickRealButton(int x, int y) { dragRealPointer(x, y, x, y); }

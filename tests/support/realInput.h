@@ -15,9 +15,6 @@ void pressRealKey(const std::string& name);
 
 /// Presses the left button there, moves on, and releases it.
 void dragRealPointer(int fromX, int fromY, int toX, int toY);
-/// The same, but for the release, which is the second one.
-void dragRealPointerAndHold(int fromX, int fromY, int toX, int toY);
-void releaseRealButton();
 /// Presses and releases the left button there.
 void clickRealButton(int x, int y);
 /// The same while a key is held: "Shift", "Control".
