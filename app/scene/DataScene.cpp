@@ -278,7 +278,13 @@ void DataScene::keepLineWidth()
 void DataScene::cut(const std::optional<ClipPlane>& plane)
 {
     style.clip = plane;
-    if (plane)
+    // A plane that comes where all is hidden ends Mesa's software drivers if two views draw it:
+    // they have no fragment shader for the first lines that are drawn with it.
+    const std::vector<Thing> all = getThings();
+    const bool areAllHidden =
+        !all.empty() &&
+        std::all_of(all.begin(), all.end(), [this](const Thing& thing) { return isHidden(thing); });
+    if (plane && !areAllHidden)
         setClipPlane(planeInScene(*plane, placement));
     else
         dropClipPlane();
@@ -479,6 +485,8 @@ void DataScene::showLooks()
 {
     for (const Thing& thing : getThings())
         showLook(thing);
+    if (style.clip && !getClipPlane())
+        cut(style.clip);
     if (ghost)
         ghost->setLooks(style.things);
     if (onLook)

@@ -271,6 +271,26 @@ TEST_F(BesideViewTest, AnAddedViewLeavesTheOthersAsTheyAre)
     EXPECT_EQ(endOf(*sceneBeside(1)), 3);
 }
 
+TEST_F(BesideViewTest, WhatIsHiddenIsCutOnceItIsShown)
+{
+    options.beside = besideOf({folder.write("a.txt", rodTo(3))});
+    ASSERT_NO_FATAL_FAILURE(openText(BENT, "bent.txt"));
+    ASSERT_TRUE(comesToShow(1));
+    setThings("rod 1: hidden");
+    ASSERT_TRUE(comesToBePainted());
+    for (const char* plane : {"z", "z:0.1"}) {
+        StyleRequest style = window->getStyle();
+        style.clip = parseClipPlane(plane);
+        window->setStyle(style);
+        ASSERT_TRUE(comesTo([this] { return !window->isRestyling(); }) && comesToBePainted());
+    }
+    EXPECT_EQ(scene->getClipPlane(), nullptr) << "of nothing that is shown";
+    setThings("rod 1: shown");
+    ASSERT_TRUE(comesToBePainted());
+    EXPECT_NE(scene->getClipPlane(), nullptr);
+    EXPECT_NE(sceneBeside()->getClipPlane(), nullptr);
+}
+
 TEST_F(BesideViewTest, OfSeveralFilesTheOneThatCannotBeReadIsNotShown)
 {
     options.beside = besideOf({folder.write("a.txt", rodTo(3)), folder.write("bad.txt", "0 0\n")});
