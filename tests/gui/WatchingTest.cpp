@@ -242,6 +242,7 @@ TEST_F(WatchingTest, WhatWasMeasuredInFilesOfAFolderIsForgottenOfThoseThatChange
         folder.write("run" + std::to_string(end) + ".txt", rodTo(end));
     open(folder.path());
     ASSERT_NE(player(), nullptr);
+    ASSERT_TRUE(comesTo([this] { return player()->isStaged() && view()->hasFocus(); }));
     for (const int end : {7, 8, 9}) {
         pressRealKey("period");
         ASSERT_TRUE(comesToEnd(end));
