@@ -166,6 +166,7 @@ bool draw(const std::string& name, int points, int frames)
     return true;
 }
 
+#ifdef STRANDVIEW_PEER
 // What a program prints; negative if it fails.
 double printedBy(const std::string& command)
 {
@@ -176,6 +177,7 @@ double printedBy(const std::string& command)
     const bool isRead = std::fscanf(output, "%lf", &number) == 1;
     return pclose(output) == 0 && isRead ? number : -1;
 }
+#endif
 
 // Both in turn, so that other work on the machine disturbs both.
 void addPeer(Table& table, [[maybe_unused]] const std::string& program)
