@@ -151,6 +151,21 @@ bool isAscending(const std::vector<double>& x)
     return x.empty() || !std::isnan(x.front());
 }
 
+// Of samples that are enough, and ascend.
+std::vector<SbColor> coloursAlongSpline(const ColourMapper* mapper, const std::vector<double>& x,
+                                        const std::vector<double>& y, const std::vector<double>& at)
+{
+    const std::size_t samples = std::min(x.size(), y.size());
+    const std::unique_ptr<gsl_interp_accel, decltype(&gsl_interp_accel_free)> accelerator(
+        gsl_interp_accel_alloc(), gsl_interp_accel_free);
+    const std::unique_ptr<gsl_spline, decltype(&gsl_spline_free)> spline(
+        gsl_spline_alloc(gsl_interp_cspline, samples), gsl_spline_free);
+    gsl_spline_init(spline.get(), x.data(), y.data(), samples);
+    return mappedColours(mapper, at.size(), [&](std::size_t i) {
+        return gsl_spline_eval(spline.get(), at[i], accelerator.get());
+    });
+}
+
 } // namespace
 
 void SoGeneralScene::initClass() { SO_NODE_INIT_CLASS(SoGeneralScene, SoSeparator, "SoSeparator"); }
@@ -306,12 +321,12 @@ void SoGeneralScene::interpolateMaterial(ColourMapper* mapper, SoMaterial* mater
     if (!areEnough(x, y, at))
         return;
     whitenSpecularColour(material, int(at.size()) + offset);
-    if (!isAscending(x)) {
+    if (isAscending(x)) {
+        setEntries(material, offset, coloursAlongSpline(mapper, x, y, at));
+    } else {
         material->ambientColor.setValue(0, 0, 0);
         material->diffuseColor.setValue(0, 0, 0);
-        return;
     }
-    setEntries(material, offset, interpolateColours(mapper, x, y, at));
 }
 
 std::vector<SbColor> SoGeneralScene::generateColours(const ColourMapper* mapper,
@@ -327,17 +342,8 @@ std::vector<SbColor> SoGeneralScene::interpolateColours(const ColourMapper* mapp
 {
     if (!areEnough(x, y, at))
         return {};
-    if (!isAscending(x))
-        return std::vector<SbColor>(at.size(), SbColor(0, 0, 0));
-    const std::size_t samples = std::min(x.size(), y.size());
-    const std::unique_ptr<gsl_interp_accel, decltype(&gsl_interp_accel_free)> accelerator(
-        gsl_interp_accel_alloc(), gsl_interp_accel_free);
-    const std::unique_ptr<gsl_spline, decltype(&gsl_spline_free)> spline(
-        gsl_spline_alloc(gsl_interp_cspline, samples), gsl_spline_free);
-    gsl_spline_init(spline.get(), x.data(), y.data(), samples);
-    return mappedColours(mapper, at.size(), [&](std::size_t i) {
-        return gsl_spline_eval(spline.get(), at[i], accelerator.get());
-    });
+    return isAscending(x) ? coloursAlongSpline(mapper, x, y, at)
+                          : std::vector<SbColor>(at.size(), SbColor(0, 0, 0));
 }
 
 // Look

@@ -89,10 +89,10 @@ std::string checkSize(const Configuration& configuration, const Style& style)
                 double(countPoints(configuration, thing)) * own.subsegments * (own.slices + 1);
     }
     if (style.showGhost && configuration.reference) {
-        DnaLook strands;
-        strands.backbone = true;
-        vertices += double(countSegments(*configuration.reference, strands)) * style.subsegments *
-                    (style.slices + 1);
+        DnaLook withStrands;
+        withStrands.backbone = true;
+        vertices += double(countSegments(*configuration.reference, withStrands)) *
+                    style.subsegments * (style.slices + 1);
     }
     if (vertices <= largest)
         return "";

@@ -4,10 +4,7 @@
 #include <algorithm>
 #include <utility>
 
-#include <Inventor/SbViewportRegion.h>
 #include <Inventor/actions/SoGLRenderAction.h>
-#include <Inventor/nodes/SoOrthographicCamera.h>
-#include <Inventor/nodes/SoPerspectiveCamera.h>
 #include <Inventor/nodes/SoSeparator.h>
 #include <QVBoxLayout>
 
@@ -219,10 +216,7 @@ void BesideView::place(const CameraRequest& request)
 {
     if (!scene)
         return;
-    viewer->setCameraType(request.isPerspective() ? SoPerspectiveCamera::getClassTypeId()
-                                                  : SoOrthographicCamera::getClassTypeId());
-    placeCamera(*viewer->getCamera(), request, scene, SbViewportRegion(viewer->getGLSize()),
-                scene->getLegendRoom());
+    viewer->place(request);
     margin = request.margin;
     fitted = getCameraNumbers();
 }
@@ -231,16 +225,14 @@ void BesideView::fit()
 {
     if (!scene)
         return;
-    fitScene(*viewer->getCamera(), scene, SbViewportRegion(viewer->getGLSize()),
-             scene->getLegendRoom(), margin);
+    viewer->fit(margin);
     fitted = getCameraNumbers();
 }
 
 void BesideView::setPerspective(bool perspective)
 {
     const bool wasFitted = isFitted();
-    viewer->setCameraType(perspective ? SoPerspectiveCamera::getClassTypeId()
-                                      : SoOrthographicCamera::getClassTypeId());
+    viewer->setPerspective(perspective);
     if (wasFitted) // what is nearer than the middle grows
         fit();
 }

@@ -54,11 +54,7 @@ public:
         setText(QString::fromStdString(what));
     }
 
-    void undo() override
-    {
-        if (!history.isRewriting)
-            history.show(after.get(), before.get());
-    }
+    void undo() override { history.show(after.get(), before.get()); }
     // A stack does what is pushed, which the user has done.
     void redo() override
     {
@@ -134,7 +130,7 @@ void History::refuse()
         since.emplace_back(without(before), without(last.getAfter()));
         hadIt = !(before == since.back().first);
         last.setObsolete(true);
-        steps.undo(); // which deletes it
+        steps.undo(); // which deletes it, and no more
     }
     std::reverse(since.begin(), since.end());
     for (const auto& [before, after] : since) {

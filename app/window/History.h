@@ -66,7 +66,7 @@ private:
     Show showAll;
     WindowState known;                            ///< at last
     std::shared_ptr<const ThingLooks> lastThings; ///< that were kept
-    bool isRewriting = false;                     ///< of steps, which shows nothing
+    bool isRewriting = false;                     ///< of steps, none of which are joined
     bool hasBegun = false;
     int pauses = 0;
     QTimer soon;

@@ -7,8 +7,6 @@
 
 #include <Inventor/actions/SoGLRenderAction.h>
 #include <Inventor/nodes/SoClipPlane.h>
-#include <Inventor/nodes/SoOrthographicCamera.h>
-#include <Inventor/nodes/SoPerspectiveCamera.h>
 #include <Inventor/nodes/SoSeparator.h>
 #include <QAction>
 #include <QApplication>
@@ -331,7 +329,6 @@ void MainWindow::buildPanels()
         outlineChosen();
         curves->followLooks();
         curveHover->follow();
-        sideBySide->followLooks(*scene);
     });
 }
 
@@ -1077,10 +1074,7 @@ void MainWindow::place(const CameraRequest& request)
 {
     if (!scene)
         return;
-    viewer->setCameraType(request.isPerspective() ? SoPerspectiveCamera::getClassTypeId()
-                                                  : SoOrthographicCamera::getClassTypeId());
-    placeCamera(*viewer->getCamera(), request, scene, SbViewportRegion(ownedViewer->getGLSize()),
-                scene->getLegendRoom());
+    ownedViewer->place(request);
     fitted.reset();
     if (!request.numbers && !request.isFramed())
         fitted = getCameraNumbers();
@@ -1096,8 +1090,7 @@ void MainWindow::goHome()
 void MainWindow::fit()
 {
     const bool staysHome = isFitted() && homeNumbers == fitted;
-    fitScene(*viewer->getCamera(), scene, SbViewportRegion(ownedViewer->getGLSize()),
-             scene->getLegendRoom(), options.camera.margin);
+    ownedViewer->fit(options.camera.margin);
     fitted = getCameraNumbers();
     if (staysHome) // in another size
         homeNumbers = fitted;
@@ -1146,8 +1139,7 @@ void MainWindow::setPerspective(bool perspective)
         return;
     }
     const bool wasFitted = isFitted();
-    viewer->setCameraType(perspective ? SoPerspectiveCamera::getClassTypeId()
-                                      : SoOrthographicCamera::getClassTypeId());
+    ownedViewer->setPerspective(perspective);
     if (perspective && options.scaleBar)
         statusText->tell({{"No scale bar: a view in perspective has no one scale", ""}});
     // What is nearer than the middle grows, and may no longer fit.
@@ -1318,7 +1310,6 @@ void MainWindow::cut()
             plane = settled(*plane, measure(*firstFrame));
         scene->cut(plane);
         outlineChosen();
-        sideBySide->followLooks(*scene);
     }
     followClip();
 }

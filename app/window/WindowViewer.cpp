@@ -12,6 +12,8 @@
 #include <Inventor/events/SoLocation2Event.h>
 #include <Inventor/events/SoMouseButtonEvent.h>
 #include <Inventor/nodes/SoCamera.h>
+#include <Inventor/nodes/SoOrthographicCamera.h>
+#include <Inventor/nodes/SoPerspectiveCamera.h>
 #include <Inventor/nodes/SoSeparator.h>
 #include <QPushButton>
 #include <QWidget>
@@ -78,7 +80,7 @@ void WindowViewer::resetToHomePosition()
 
 void WindowViewer::setSceneGraph(SoNode* root)
 {
-    data = dynamic_cast<const DataScene*>(root);
+    data = dynamic_cast<DataScene*>(root);
     auto* withAxes = new SoSeparator;
     withAxes->addChild(axes.getNode());
     withAxes->addChild(root);
@@ -114,6 +116,23 @@ void WindowViewer::followCamera(const WindowViewer& other)
         if (field && copy && !copy->isSame(*field))
             copy->copyFrom(*field);
     }
+}
+
+void WindowViewer::place(const CameraRequest& request)
+{
+    setPerspective(request.isPerspective());
+    placeCamera(*getCamera(), request, data, SbViewportRegion(getGLSize()), data->getLegendRoom());
+}
+
+void WindowViewer::fit(std::optional<double> margin)
+{
+    fitScene(*getCamera(), data, SbViewportRegion(getGLSize()), data->getLegendRoom(), margin);
+}
+
+void WindowViewer::setPerspective(bool perspective)
+{
+    setCameraType(perspective ? SoPerspectiveCamera::getClassTypeId()
+                              : SoOrthographicCamera::getClassTypeId());
 }
 
 // Each frame has other planes of clipping.

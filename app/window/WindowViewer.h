@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 #include <Inventor/SoPickedPoint.h>
 #include <Inventor/sensors/SoFieldSensor.h>
@@ -69,6 +70,11 @@ public:
     void setCamera(SoCamera* camera) override;
     /// Sees its scene as another viewer does its own: with a camera of the same kind and numbers.
     void followCamera(const WindowViewer& other);
+    /// Sees what it shows as asked for, or all of it without being turned. Nothing is shown before
+    /// that.
+    void place(const CameraRequest& request);
+    void fit(std::optional<double> margin);
+    void setPerspective(bool perspective);
     void setViewing(SbBool viewing) override;
     /// What a click at that place of the view would pick; null if nothing.
     std::unique_ptr<SoPickedPoint> pickedAt(const SbVec2s& place);
@@ -88,8 +94,8 @@ private:
     bool isQuickPick(const SoEvent* event) const;
     void pickAt(const SbVec2s& place);
 
-    const DataScene* data = nullptr; ///< that is shown, if it is one
-    SbVec2s pressed;                 ///< where a button was
+    DataScene* data = nullptr; ///< that is shown, if it is one
+    SbVec2s pressed;           ///< where a button was
 
     SoFieldSensor cameraWatcher{turnAxes, this};
     SoNodeSensor cameraTeller{tellCamera, this};

@@ -82,18 +82,6 @@ protected:
     {
         return *of.findChild<QToolButton*>("closeView");
     }
-    // Turns it until its camera is another one.
-    bool turn(const QWidget& view, const std::function<CameraNumbers()>& camera) const
-    {
-        const CameraNumbers before = camera();
-        const QPoint from = view.mapToGlobal(view.rect().center());
-        // A busy window may see no place between the first and the last: then nothing is turned.
-        for (int attempt = 0; attempt < 10 && camera() == before; ++attempt) {
-            dragRealPointer(from.x(), from.y(), from.x() + 60, from.y() + 40);
-            QTest::qWait(300);
-        }
-        return !(camera() == before);
-    }
     void openBent(const BesideRequest& request)
     {
         options.beside = request;

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include <QApplication>
 #include <QGLWidget>
 #include <QPixmap>
 #include <QScreen>
@@ -23,6 +24,12 @@
 #include "window/StatusText.h"
 
 namespace strandview {
+
+void DataWindowTest::SetUpTestSuite()
+{
+    QApplication::setAttribute(Qt::AA_DontUseNativeDialogs); // which no test could find
+    initialiseProgramOnce("DataWindowTest");
+}
 
 DataWindowTest::DataWindowTest() { QSettings().clear(); }
 
@@ -162,6 +169,28 @@ void DataWindowTest::click(const QWidget& widget, const QPoint& place)
 {
     const QPoint there = widget.mapToGlobal(place);
     clickRealButton(there.x(), there.y());
+}
+
+void DataWindowTest::typeInto(const QWidget& field, const std::vector<std::string>& keys)
+{
+    if (!field.hasFocus())
+        click(field);
+    ASSERT_TRUE(comesTo([&] { return field.hasFocus(); })) << field.objectName().toStdString();
+    pressRealKey("Control+a");
+    for (const std::string& key : keys)
+        pressRealKey(key);
+}
+
+bool DataWindowTest::turn(const QWidget& view, const std::function<CameraNumbers()>& camera)
+{
+    const CameraNumbers before = camera();
+    const QPoint from = view.mapToGlobal(view.rect().center());
+    // A busy window may see no place between the first and the last: then nothing is turned.
+    for (int attempt = 0; attempt < 10 && camera() == before; ++attempt) {
+        dragRealPointer(from.x(), from.y(), from.x() + 60, from.y() + 40);
+        QTest::qWait(300);
+    }
+    return !(camera() == before);
 }
 
 std::string rodTo(double end) { return "0 0 0\n1 0 0\n" + std::to_string(end) + " 0 0\n"; }

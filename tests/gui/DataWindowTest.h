@@ -3,9 +3,11 @@
 #define STRANDVIEW_TESTS_DATAWINDOWTEST_H
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include <QImage>
 #include <QPoint>
@@ -14,6 +16,7 @@
 #include <algebra3d/Vector3.h>
 
 #include "programWindows.h"
+#include "request/CameraNumbers.h"
 #include "request/Options.h"
 #include "support/TemporaryFolder.h"
 #include "window/MainWindow.h"
@@ -30,7 +33,7 @@ class Player;
 class DataWindowTest : public testing::Test
 {
 protected:
-    static void SetUpTestSuite() { initialiseProgramOnce("DataWindowTest"); }
+    static void SetUpTestSuite();
 
     DataWindowTest();
     ~DataWindowTest() override;
@@ -70,6 +73,12 @@ protected:
     /// Clicks in the middle of a widget, or at one of its places.
     static void click(const QWidget& widget);
     static void click(const QWidget& widget, const QPoint& place);
+    /// Types these keys in place of all that is in a field, which is clicked if it has not the
+    /// keyboard. Fatal failures if it does not get it.
+    static void typeInto(const QWidget& field, const std::vector<std::string>& keys);
+    /// Turns what a view shows until its camera is another one; false if it does not come to that.
+    [[nodiscard]] static bool turn(const QWidget& view,
+                                   const std::function<CameraNumbers()>& camera);
 
 private:
     MainWindow::Loader makeLoader();

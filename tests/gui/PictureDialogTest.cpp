@@ -5,6 +5,7 @@
 #include <fstream>
 #include <iterator>
 
+#include <QAbstractSpinBox>
 #include <QApplication>
 #include <QCheckBox>
 #include <QClipboard>
@@ -46,12 +47,6 @@ bool isInk(const QColor& c) { return c.value() < 60; }
 class PictureDialogTest : public DataWindowTest
 {
 protected:
-    static void SetUpTestSuite()
-    {
-        QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
-        DataWindowTest::SetUpTestSuite();
-    }
-
     // With the mouse on a key's place.
     void openRod(const StyleRequest& style = {})
     {
@@ -89,15 +84,6 @@ protected:
                     ASSERT_TRUE(comesTo([&] { return field->text().toStdString() == name; }));
                     pressRealKey("Return");
                 }};
-    }
-    static void type(const char* field, const std::vector<std::string>& keys)
-    {
-        auto* const box = find<QAbstractSpinBox>(field);
-        box->setFocus();
-        ASSERT_TRUE(comesTo([&] { return box->hasFocus(); }));
-        pressRealKey("Control+a");
-        for (const std::string& key : keys)
-            pressRealKey(key);
     }
     // Until the keys that were pressed have reached it.
     static bool comesToHave(const char* field, double value)
@@ -175,31 +161,31 @@ TEST_F(PictureDialogTest, AWidthThatIsTypedIsThatOfThePictureAndOfTheCopiedComma
 TEST_F(PictureDialogTest, MillimetresAreTypedWithACommaAndKeptInTheFile)
 {
     ASSERT_NO_FATAL_FAILURE(openRod());
-    ASSERT_NO_FATAL_FAILURE(
-        savePicture({inDialog([&] {
-                         auto* const unit = find<QComboBox>("pictureUnit");
-                         unit->setFocus();
-                         ASSERT_TRUE(comesTo([&] { return unit->hasFocus(); }));
-                         pressRealKey("Down");
-                         ASSERT_TRUE(comesTo([&] { return unit->currentText() == "mm"; }));
-                         EXPECT_EQ(find<QSpinBox>("pictureDpi")->value(), 300);
-                         auto* const shape = find<QCheckBox>("pictureShape");
-                         shape->setFocus();
-                         pressRealKey("space");
-                         ASSERT_TRUE(comesTo([&] { return !shape->isChecked(); }));
-                         type("pictureWidth", {"4", "2", "comma", "5"});
-                         ASSERT_TRUE(comesToHave("pictureWidth", 42.5));
-                         type("pictureHeight", {"3", "0"});
-                         ASSERT_TRUE(comesToHave("pictureHeight", 30));
-                         type("pictureSamples", {"1"});
-                         ASSERT_TRUE(comesToHave("pictureSamples", 1));
-                         type("pictureDpi", {"1", "5", "0"});
-                         auto* const told = find<QLabel>("pictureTold");
-                         ASSERT_TRUE(comesTo([&] { return told->text().contains("251 x 177"); }))
-                             << told->text().toStdString();
-                         pressRealKey("Return");
-                     }),
-                     nameFile("page")}));
+    ASSERT_NO_FATAL_FAILURE(savePicture(
+        {inDialog([&] {
+             auto* const unit = find<QComboBox>("pictureUnit");
+             unit->setFocus();
+             ASSERT_TRUE(comesTo([&] { return unit->hasFocus(); }));
+             pressRealKey("Down");
+             ASSERT_TRUE(comesTo([&] { return unit->currentText() == "mm"; }));
+             EXPECT_EQ(find<QSpinBox>("pictureDpi")->value(), 300);
+             auto* const shape = find<QCheckBox>("pictureShape");
+             shape->setFocus();
+             pressRealKey("space");
+             ASSERT_TRUE(comesTo([&] { return !shape->isChecked(); }));
+             typeInto(*find<QAbstractSpinBox>("pictureWidth"), {"4", "2", "comma", "5"});
+             ASSERT_TRUE(comesToHave("pictureWidth", 42.5));
+             typeInto(*find<QAbstractSpinBox>("pictureHeight"), {"3", "0"});
+             ASSERT_TRUE(comesToHave("pictureHeight", 30));
+             typeInto(*find<QAbstractSpinBox>("pictureSamples"), {"1"});
+             ASSERT_TRUE(comesToHave("pictureSamples", 1));
+             typeInto(*find<QAbstractSpinBox>("pictureDpi"), {"1", "5", "0"});
+             auto* const told = find<QLabel>("pictureTold");
+             ASSERT_TRUE(comesTo([&] { return told->text().contains("251 x 177"); }))
+                 << told->text().toStdString();
+             pressRealKey("Return");
+         }),
+         nameFile("page")}));
     const QImage saved = picture("page.png");
     EXPECT_EQ(saved.size(), QSize(251, 177));
     EXPECT_NEAR(saved.dotsPerMeterX(), 150 / 0.0254, 1);
@@ -218,15 +204,15 @@ TEST_F(PictureDialogTest, AUnitThatIsTypedBehindANumberIsThatOfTheSize)
             return comesToHave(field, side) && comesTo([&] { return unit->currentText() == name; });
         };
         ASSERT_EQ(unit->currentText(), "pixels");
-        type("pictureWidth", {"8", "comma", "5", "space", "c", "m"});
+        typeInto(*find<QAbstractSpinBox>("pictureWidth"), {"8", "comma", "5", "space", "c", "m"});
         EXPECT_TRUE(comesToBe("pictureWidth", 85, "mm"));
         EXPECT_NEAR(find<QDoubleSpinBox>("pictureHeight")->value(), 85 / shape, 0.006);
-        type("pictureHeight", {"3", "0", "m", "m"});
+        typeInto(*find<QAbstractSpinBox>("pictureHeight"), {"3", "0", "m", "m"});
         EXPECT_TRUE(comesToBe("pictureHeight", 30, "mm"));
         EXPECT_NEAR(find<QDoubleSpinBox>("pictureWidth")->value(), 30 * shape, 0.006);
-        type("pictureWidth", {"4", "0", "0", "space", "p", "x"});
+        typeInto(*find<QAbstractSpinBox>("pictureWidth"), {"4", "0", "0", "space", "p", "x"});
         EXPECT_TRUE(comesToBe("pictureWidth", 400, "pixels"));
-        type("pictureWidth", {"5", "q", "0", "m"});
+        typeInto(*find<QAbstractSpinBox>("pictureWidth"), {"5", "q", "0", "m"});
         pressRealKey("Tab");
         EXPECT_TRUE(comesToBe("pictureWidth", 50, "pixels")) << "no unit, and the letters of none";
         pressRealKey("Escape");
@@ -393,7 +379,7 @@ TEST_F(PictureDialogTest, WhatWasChosenStaysForTheNextPictureUnlessItWasCancelle
 {
     ASSERT_NO_FATAL_FAILURE(openRod());
     const auto typeWidth = [](const char* digit) {
-        type("pictureWidth", {digit, "0", "0"});
+        typeInto(*find<QAbstractSpinBox>("pictureWidth"), {digit, "0", "0"});
         ASSERT_TRUE(comesToHave("pictureWidth", 100 * (digit[0] - '0')));
     };
     ASSERT_NO_FATAL_FAILURE(savePicture({inDialog([&] {
@@ -423,7 +409,7 @@ TEST_F(PictureDialogTest, APictureThatIsCancelledWhileItIsDrawnLeavesNoFileAndTh
     const auto before = files();
     ASSERT_NO_FATAL_FAILURE(savePicture(
         {inDialog([&] {
-             type("pictureWidth", {"6", "0", "0", "0"});
+             typeInto(*find<QAbstractSpinBox>("pictureWidth"), {"6", "0", "0", "0"});
              ASSERT_TRUE(comesToHave("pictureWidth", 6000));
              pressRealKey("Return");
          }),
@@ -451,9 +437,9 @@ TEST_F(PictureDialogTest, ASizeThatNoPictureHasIsToldAndNotSaved)
 {
     ASSERT_NO_FATAL_FAILURE(openRod());
     ASSERT_NO_FATAL_FAILURE(savePicture({inDialog([&] {
-        type("pictureWidth", {"3", "2", "0", "0", "0"});
+        typeInto(*find<QAbstractSpinBox>("pictureWidth"), {"3", "2", "0", "0", "0"});
         ASSERT_TRUE(comesToHave("pictureWidth", 32000));
-        type("pictureHeight", {"3", "2", "0", "0", "0"});
+        typeInto(*find<QAbstractSpinBox>("pictureHeight"), {"3", "2", "0", "0", "0"});
         auto* const told = find<QLabel>("pictureTold");
         EXPECT_TRUE(comesTo([&] { return told->text().contains("expected sides from 1 to"); }));
         EXPECT_FALSE(find<QPushButton>("pictureSave")->isEnabled());

@@ -46,12 +46,6 @@ const char* const RODS = R"({"strandview": 1, "rods": [
 class SettingControlTest : public DataWindowTest
 {
 protected:
-    static void SetUpTestSuite()
-    {
-        QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
-        DataWindowTest::SetUpTestSuite();
-    }
-
     SettingControlTest()
     {
         options.windowSize = {1000, 620};
@@ -101,13 +95,7 @@ protected:
     // Instead of what stands in a field, which keeps the keyboard.
     void type(const char* field, const std::vector<std::string>& keys) const
     {
-        auto* const line = find<QLineEdit>(field);
-        if (!line->hasFocus())
-            click(*line);
-        ASSERT_TRUE(comesTo([&] { return line->hasFocus(); }));
-        pressRealKey("Control+a");
-        for (const std::string& key : keys)
-            pressRealKey(key);
+        typeInto(*find<QLineEdit>(field), keys);
     }
     void typeAll(const char* field, const std::vector<std::string>& keys, const char* text) const
     {

@@ -58,13 +58,7 @@ protected:
     // keyboard: a second click would be a double one, which may come between the keys.
     void type(const char* field, const std::vector<std::string>& keys) const
     {
-        QLineEdit* const line = find<QLineEdit>(field);
-        if (!line->hasFocus())
-            click(*line);
-        ASSERT_TRUE(comesTo([&] { return line->hasFocus(); }));
-        pressRealKey("Control+a");
-        for (const std::string& key : keys)
-            pressRealKey(key);
+        ASSERT_NO_FATAL_FAILURE(typeInto(*find<QLineEdit>(field), keys));
         pressRealKey("Return");
     }
     // Clicks on a list, and goes down to an entry.

@@ -62,19 +62,6 @@ protected:
     {
         return keepIfFailed(view.screen()->grabWindow(view.winId()).toImage());
     }
-    // Turns until the camera is another one than that.
-    bool turns(const QWidget& view, const std::function<CameraNumbers()>& camera) const
-    {
-        const CameraNumbers before = camera();
-        const QPoint from = view.mapToGlobal(view.rect().center());
-        // A busy window may see no place between the first and the last: then nothing is turned.
-        for (int attempt = 0; attempt < 10 && camera() == before; ++attempt) {
-            dragRealPointer(from.x(), from.y(), from.x() + 60, from.y() + 40);
-            QTest::qWait(300);
-        }
-        return !(camera() == before);
-    }
-
     // Of ten frames, at the first.
     void openSeries()
     {
@@ -138,7 +125,7 @@ TEST_F(SideBySideTest, TurningOneTurnsTheOther)
     ASSERT_TRUE(comesToShow(2, 2));
     EXPECT_TRUE(secondCamera() == window->getCameraNumbers());
     for (const QWidget* turned : {secondView(), firstView()}) {
-        ASSERT_TRUE(turns(*turned, [this] { return window->getCameraNumbers(); }));
+        ASSERT_TRUE(turn(*turned, [this] { return window->getCameraNumbers(); }));
         EXPECT_TRUE(comesTo([&] { return secondCamera() == window->getCameraNumbers(); }));
     }
 }
@@ -206,7 +193,7 @@ TEST_F(SideBySideTest, StillDataAreSeenFromAnotherSideEachViewByItself)
     ASSERT_TRUE(comesToShow(2, 2));
     const CameraNumbers first = window->getCameraNumbers(), other = secondCamera();
     EXPECT_FALSE(first == other);
-    ASSERT_TRUE(turns(*secondView(), [this] { return secondCamera(); }));
+    ASSERT_TRUE(turn(*secondView(), [this] { return secondCamera(); }));
     EXPECT_TRUE(window->getCameraNumbers() == first);
     const CameraNumbers turned = secondCamera();
     secondView()->setFocus();

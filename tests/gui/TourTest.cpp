@@ -81,7 +81,6 @@ class TourTest : public DataWindowTest
 protected:
     static void SetUpTestSuite()
     {
-        QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
         QDir::setCurrent(PROJECT_FOLDER); // files are told by the names that they are opened by
         DataWindowTest::SetUpTestSuite();
     }
@@ -144,12 +143,7 @@ protected:
     }
     void type(const char* field, const std::vector<std::string>& keys) const
     {
-        auto* const line = window->findChild<QLineEdit*>(field);
-        click(*line);
-        ASSERT_TRUE(comesTo([&] { return line->hasFocus(); }));
-        pressRealKey("Control+a");
-        for (const std::string& key : keys)
-            pressRealKey(key);
+        ASSERT_NO_FATAL_FAILURE(typeInto(*window->findChild<QLineEdit*>(field), keys));
         pressRealKey("Return");
         ASSERT_TRUE(comesToRest());
     }

@@ -136,11 +136,6 @@ std::string threeRods()
 class WorkingUserTest : public DataWindowTest
 {
 protected:
-    static void SetUpTestSuite()
-    {
-        QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
-        DataWindowTest::SetUpTestSuite();
-    }
     WorkingUserTest()
     {
         options.windowSize = {1100, 700};
