@@ -1856,7 +1856,11 @@ void MainWindow::command(Command asked, bool isOn)
         {Command::THICKEN_LINES, [](MainWindow& w, bool) { w.viewer->changeLineWidth(1); }},
         {Command::THIN_LINES, [](MainWindow& w, bool) { w.viewer->changeLineWidth(-1); }},
         {Command::TOGGLE_BACKGROUND, [](MainWindow& w, bool) { w.viewer->toggleBackground(); }},
-        {Command::SHOW_AXES, [](MainWindow& w, bool on) { w.ownedViewer->axes.show(on); }},
+        {Command::SHOW_AXES,
+         [](MainWindow& w, bool on) {
+             w.ownedViewer->axes.show(on);
+             w.sideBySide->showAxes(on);
+         }},
         {Command::TOGGLE_FRAMES, [](MainWindow& w, bool) { w.viewer->toggleFramesPerSecond(); }},
         {Command::TOGGLE_WHEELS, [](MainWindow& w, bool on) { w.viewer->setDecoration(on); }},
         {Command::TOGGLE_PICKING, [](MainWindow& w, bool on) { w.viewer->setViewing(!on); }},

@@ -150,6 +150,7 @@ BesideView* SideBySide::makeView()
 {
     auto* const view = new BesideView(first->getBackgroundColor(), this);
     view->setMinimumSize(SMALLEST_VIEW);
+    view->getViewer().axes.show(hasAxes);
     view->onBegin = [this, view] { begin(*view); };
     view->onShown = [this] {
         if (onShown)
@@ -278,6 +279,13 @@ void SideBySide::drawCoarsely(bool coarse)
 {
     for (BesideView* const view : views)
         view->drawCoarsely(coarse);
+}
+
+void SideBySide::showAxes(bool shown)
+{
+    hasAxes = shown;
+    for (const BesideView* const view : views)
+        view->getViewer().axes.show(shown);
 }
 
 SbBox3f SideBySide::getRoom() const

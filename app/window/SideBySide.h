@@ -59,6 +59,8 @@ public:
     void showColours(bool ofData);
     void setBackground(const SbColor& background);
     void drawCoarsely(bool coarse);
+    /// The axes in the corner, in those to come as well.
+    void showAxes(bool shown);
     /// That all together have taken.
     SbBox3f getRoom() const;
 
@@ -97,6 +99,7 @@ private:
     BesideView* active = nullptr;
     std::size_t arranged = 0;         ///< so many further ones
     double width = 0.5, height = 0.5; ///< of the first view, as a part of all
+    bool hasAxes = true;
     bool isTied = true;
     bool isFollowing = false;
 };

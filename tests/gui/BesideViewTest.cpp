@@ -11,6 +11,7 @@
 #include <QGLWidget>
 #include <QLabel>
 #include <QMenu>
+#include <QScreen>
 #include <QTest>
 #include <QToolButton>
 #include <gmock/gmock.h>
@@ -37,6 +38,9 @@ namespace {
 const char* const BENT = "0 0 0\n1 0.5 0.2\n2 0 1\n";
 
 const BesideRequest THREE_OF_THE_SAME = fourOfTheSame();
+
+// Of an axis in the corner, and of no tube, which is grey or blue.
+bool isOfAxes(const QColor& c) { return c.saturation() > 100 && c.red() > c.blue() + 60; }
 
 class BesideViewTest : public DataWindowTest
 {
@@ -257,6 +261,33 @@ TEST_F(BesideViewTest, AnAddedViewLeavesTheOthersAsTheyAre)
     EXPECT_EQ(sceneBeside(0), shown);
     EXPECT_TRUE(further(0).getCameraNumbers() == turned);
     EXPECT_EQ(endOf(*sceneBeside(1)), 3);
+}
+
+// By the menu: it has no key.
+TEST_F(BesideViewTest, AxesAreInAllViewsOrInNone)
+{
+    ASSERT_NO_FATAL_FAILURE(openBent(besideOf({"same"})));
+    const auto toggle = [this] {
+        pressRealKey("Alt+l");
+        ASSERT_TRUE(comesTo([] { return QApplication::activePopupWidget() != nullptr; }));
+        pressRealKey("x");
+        ASSERT_TRUE(comesTo([] { return QApplication::activePopupWidget() == nullptr; }));
+    };
+    const auto areInAll = [this](bool shown) {
+        const auto views = viewsOnScreen();
+        return std::all_of(views.begin(), views.end(), [shown](const QWidget* one) {
+            const QImage seen = one->screen()->grabWindow(one->winId()).toImage();
+            return (countPixels(seen, isOfAxes) > 20) == shown;
+        });
+    };
+    EXPECT_TRUE(comesTo([&] { return areInAll(true); }));
+    ASSERT_NO_FATAL_FAILURE(toggle());
+    EXPECT_TRUE(comesTo([&] { return areInAll(false); }));
+    window->setBeside(THREE_OF_THE_SAME);
+    ASSERT_TRUE(comesToShow(3));
+    EXPECT_TRUE(comesTo([&] { return areInAll(false); }));
+    ASSERT_NO_FATAL_FAILURE(toggle());
+    EXPECT_TRUE(comesTo([&] { return areInAll(true); }));
 }
 
 TEST_F(BesideViewTest, WhatIsHiddenIsCutOnceItIsShown)
