@@ -2,9 +2,17 @@
 #include "request/BesideRequest.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace strandview {
+
+std::string nameOfView(std::size_t index)
+{
+    const char* const names[] = {"first", "second", "third", "fourth"};
+    static_assert(std::size(names) == BesideRequest::MOST + 1);
+    return std::string(names[index]) + " view";
+}
 
 bool isFile(const std::string& what)
 {
@@ -34,6 +42,8 @@ BesideRequest withView(BesideRequest request, const std::string& what)
 BesideRequest withoutView(BesideRequest request, std::size_t index)
 {
     request.what.erase(request.what.begin() + std::ptrdiff_t(index));
+    if (index < request.cameras.size())
+        request.cameras.erase(request.cameras.begin() + std::ptrdiff_t(index));
     return request.what.empty() ? BesideRequest() : request;
 }
 

@@ -194,6 +194,18 @@ NamedView readView(const Json& value, const std::string& place)
     return view;
 }
 
+std::vector<std::optional<BesideCamera>> readCameras(const Json& value, const std::string& place)
+{
+    requireArray(value, place);
+    std::vector<std::optional<BesideCamera>> cameras;
+    for (std::size_t i = 0; i < value.size(); ++i) {
+        cameras.emplace_back();
+        if (!value[i].is_null())
+            cameras[i] = BesideCamera{readCamera(value[i], place + " " + std::to_string(i + 1))};
+    }
+    return cameras;
+}
+
 BesideRequest readBeside(const Json& value, const std::string& place)
 {
     BesideRequest beside;
@@ -206,16 +218,32 @@ BesideRequest readBeside(const Json& value, const std::string& place)
         for (std::size_t i = 0; i < what.size(); ++i)
             beside.what.push_back(textIn(what[i], at + " " + std::to_string(i + 1)));
     };
-    readObject(value, place,
-               {{"what", readWhat}, {"tied", [&](const Json& v, const std::string& p) {
-                                         beside.isTied = switchIn(v, p);
-                                     }}});
+    readObject(
+        value, place,
+        {{"what", readWhat},
+         {"tied", [&](const Json& v, const std::string& p) { beside.isTied = switchIn(v, p); }},
+         {"cameras",
+          [&](const Json& v, const std::string& p) { beside.cameras = readCameras(v, p); }}});
     const auto& what = beside.what;
     if (what.empty() || what.size() > BesideRequest::MOST ||
         std::count(what.begin(), what.end(), "") > 0)
         refuse(place, value,
                "\"what\" is beside, up to " + std::to_string(BesideRequest::MOST) + " of them");
+    if (!beside.cameras.empty() && beside.cameras.size() != what.size())
+        refuse(place + ", cameras", value["cameras"], "a camera, or null, for each of \"what\"");
     return beside;
+}
+
+Json jsonOf(const BesideRequest& beside)
+{
+    Json json{{"what", beside.what}, {"tied", beside.isTied}};
+    Json cameras = Json::array();
+    for (const auto& camera : beside.cameras)
+        cameras.push_back(camera ? Json(formatCamera(camera->numbers)) : Json());
+    const auto isOpen = [](const Json& camera) { return camera.is_null(); };
+    if (!std::all_of(cameras.begin(), cameras.end(), isOpen))
+        json["cameras"] = cameras;
+    return json;
 }
 
 void readPictureSize(const Json& value, const std::string& place, PictureChoice& picture)
@@ -419,7 +447,7 @@ std::string textOf(const Session& session)
     for (const NamedView& view : session.views)
         whole["views"].push_back({{"name", view.name}, {"camera", formatCamera(view.camera)}});
     if (!session.beside.what.empty())
-        whole["beside"] = {{"what", session.beside.what}, {"tied", session.beside.isTied}};
+        whole["beside"] = jsonOf(session.beside);
     return whole.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 

@@ -47,7 +47,7 @@ BesideView::BesideView(const SbColor& background, QWidget* parent)
         else
             focusPreviousChild();
     };
-    viewer->addResizeCB(refit, this);
+    viewer->addResizeCB(tellSize, this);
     auto* const layout = new QVBoxLayout(area); // SoQt fills what is there before it is shown
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(viewer->getWidget());
@@ -59,7 +59,8 @@ BesideView::~BesideView() { abandon(); }
 void BesideView::abandon()
 {
     reader.setSeries(nullptr);
-    onBegin = onShown = onCamera = onClose = nullptr;
+    onShown = onResize = onCamera = onClose = nullptr;
+    onBegin = nullptr;
     onFailure = nullptr;
     onPick = nullptr;
 }
@@ -108,7 +109,6 @@ void BesideView::show(const DataScene& first, std::size_t frame, Change change)
 
 void BesideView::showResult(BesideReader::Result& result)
 {
-    const bool isFirst = !scene;
     const std::string error = result.error.empty() ? hand(result) : result.error;
     if (!error.empty()) {
         if (onFailure)
@@ -122,8 +122,8 @@ void BesideView::showResult(BesideReader::Result& result)
     scene->setData(result.task.data);
     showLooks();
     scene->showColours(hasColours);
-    if (isFirst && onBegin)
-        onBegin();
+    if (!std::exchange(hasBegun, true) && onBegin)
+        onBegin(std::exchange(awaited, std::nullopt));
     viewer->scheduleRedraw();
     if (onShown)
         onShown();
@@ -212,13 +212,42 @@ void BesideView::drawCoarsely(bool coarse)
 
 // Its camera
 
+void BesideView::beginAnew()
+{
+    hasBegun = false;
+    start.reset();
+    awaited.reset();
+}
+
+void BesideView::setCamera(const BesideCamera& camera)
+{
+    if (!hasBegun) {
+        awaited = camera;
+        return;
+    }
+    CameraRequest request;
+    request.numbers = camera.numbers;
+    viewer->place(request);
+    fitted.reset();
+    if (camera.isFitted)
+        fitted = getCameraNumbers();
+    if (camera.start)
+        start = camera.start;
+}
+
+std::optional<BesideCamera> BesideView::getCamera() const
+{
+    return hasBegun ? BesideCamera{getCameraNumbers(), isFitted(), start} : awaited;
+}
+
 void BesideView::place(const CameraRequest& request)
 {
     if (!scene)
         return;
     viewer->place(request);
-    margin = request.margin;
-    fitted = getCameraNumbers();
+    fitted.reset();
+    if (!request.numbers && !request.isFramed())
+        fitted = getCameraNumbers();
 }
 
 void BesideView::fit()
@@ -247,8 +276,8 @@ CameraNumbers BesideView::getCameraNumbers() const { return numbersOf(*viewer->g
 
 CameraRequest::Vector BesideView::seenFrom() const
 {
-    if (scene)
-        return towardsViewer(getCameraNumbers());
+    if (const auto camera = getCamera())
+        return towardsViewer(camera->numbers);
     if (!start)
         return {0, 0, 0};
     const SbVec3f direction = axesOf(*start).direction;
@@ -257,11 +286,17 @@ CameraRequest::Vector BesideView::seenFrom() const
 
 bool BesideView::isFitted() const { return scene && fitted && *fitted == getCameraNumbers(); }
 
-void BesideView::refit(void* view, SoQtGeneralViewer* /*viewer*/, const SbVec2s& /*size*/)
+void BesideView::refit()
 {
-    auto& self = *static_cast<BesideView*>(view);
-    if (self.isFitted())
-        self.fit();
+    if (isFitted())
+        fit();
+}
+
+void BesideView::tellSize(void* view, SoQtGeneralViewer* /*viewer*/, const SbVec2s& /*size*/)
+{
+    const auto& self = *static_cast<BesideView*>(view);
+    if (self.onResize)
+        self.onResize();
 }
 
 } // namespace strandview

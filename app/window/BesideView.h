@@ -9,6 +9,7 @@
 
 #include <QWidget>
 
+#include "request/BesideRequest.h"
 #include "request/CameraNumbers.h"
 #include "request/CameraRequest.h"
 #include "scene/DataScene.h"
@@ -67,9 +68,20 @@ public:
     /// Where it begins.
     void setStart(const CameraRequest& request) { start = request; }
     const std::optional<CameraRequest>& getStart() const { return start; }
-    /// All that it shows is fitted, in any size that the view has, until the camera is moved.
+    /// Begins once more with what it shows next, wherever that is to be seen from.
+    void beginAnew();
+    /// As soon as it has begun, and instead of where it would.
+    void setCamera(const BesideCamera& camera);
+    /// That, or the present one; nothing if it follows from what is to be shown.
+    std::optional<BesideCamera> getCamera() const;
+    /// What is free at the borders where all is fitted; the usual if left open.
+    void setMargin(const std::optional<double>& ofFitted) { margin = ofFitted; }
+    /// Where all that it shows is fitted, it is so in any size that the view has, until the camera
+    /// is moved.
     void place(const CameraRequest& request);
     void fit();
+    /// If it was fitted to another size.
+    void refit();
     void setPerspective(bool perspective);
     /// Sees it as that viewer does.
     void follow(const WindowViewer& other);
@@ -81,8 +93,10 @@ public:
     void abandon();
 
     // What is told; each may be empty
-    std::function<void()> onBegin; ///< something is shown for the first time, and has a camera
-    std::function<void()> onShown; ///< something else is shown
+    /// Something is shown for the first time, and has a camera, or with this one from now on
+    std::function<void(const std::optional<BesideCamera>& camera)> onBegin;
+    std::function<void()> onShown;                           ///< something else is shown
+    std::function<void()> onResize;                          ///< it has another size
     std::function<void(const std::string& error)> onFailure; ///< it cannot be shown
     std::function<void(const Told& told)> onPick;
     std::function<void()> onCamera;
@@ -95,7 +109,7 @@ private:
     void showLooks();
     void tellCaption();
     bool isFitted() const;
-    static void refit(void* view, SoQtGeneralViewer* viewer, const SbVec2s& size);
+    static void tellSize(void* view, SoQtGeneralViewer* viewer, const SbVec2s& size);
 
     Source source;
     bool isNew = false; ///< the source
@@ -103,9 +117,11 @@ private:
     std::unique_ptr<WindowViewer> viewer;
     DataScene* scene = nullptr; ///< kept by the viewer
     SbBox3f room;
+    bool hasBegun = false;
     std::optional<CameraRequest> start;
+    std::optional<BesideCamera> awaited; ///< until it has begun
     std::optional<CameraNumbers> fitted;
-    std::optional<double> margin; ///< of that
+    std::optional<double> margin;
     // What the first scene has without other nodes.
     ThingLooks looks;
     double transparency = 0;

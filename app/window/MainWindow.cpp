@@ -269,7 +269,10 @@ void MainWindow::buildViews()
 {
     sideBySide->setFirst(*ownedViewer);
     sideBySide->onShown = [this] { keepRoom(); };
-    sideBySide->onCamera = [this] { update3DZoom(); };
+    sideBySide->onCamera = [this] {
+        history->noteSoon();
+        update3DZoom();
+    };
     sideBySide->onPick = [this](const Told& told) { statusText->tell({told}); };
     sideBySide->onFailure = [this](std::size_t index, const std::string& error) {
         statusText->tell({toldOf(error, options.beside.what)});
@@ -286,6 +289,7 @@ void MainWindow::buildHistory()
 {
     history = std::make_unique<History>([this] { return getState(); },
                                         [this](const WindowState& state) { showState(state); });
+    sideBySide->setHistory(*history);
     QAction* const undo = (*menus)[Command::UNDO];
     QAction* const redo = (*menus)[Command::REDO];
     QUndoStack& steps = history->steps;
@@ -626,6 +630,7 @@ void MainWindow::loadAsNow(const std::vector<std::string>& files, CameraChoice c
     if (!scene && options.session) { // and so was a session that was not loaded to its end
         options.session.reset();
         options.camera.numbers.reset();
+        options.beside.cameras.clear();
     }
     Options asked = options;
     asked.colourIfPossible = true; // other files need not have that scalar
@@ -690,7 +695,8 @@ void MainWindow::follow(std::unique_ptr<LoadJob> newJob, Tell tell, CameraChoice
                     if (choice == SAME_CAMERA && options.series.isOfFiles)
                         measurements->keepSeen(
                             sameFrames(before, readStamps, frameFiles, ended->getStamps()));
-                    openBeside(SideBySide::OTHER_FILES);
+                    openBeside(choice == SAME_CAMERA ? SideBySide::READ_AGAIN
+                                                     : SideBySide::OTHER_FILES);
                     readStamps = ended->getStamps();
                     watchFiles();
                     shownStyle = style;
@@ -766,7 +772,7 @@ Session MainWindow::getSession() const
     session.picture = pictureChoice;
     session.measurements = measurements->get();
     session.views = views->get();
-    session.beside = options.beside;
+    session.beside = besideNow();
     return session;
 }
 
@@ -1169,7 +1175,7 @@ void MainWindow::setColours(bool ofData)
 void MainWindow::showBeside(bool on)
 {
     if (!on) {
-        closedBeside = options.beside;
+        closedBeside = besideNow();
         setBeside({});
     } else if (!closedBeside.what.empty()) {
         setBeside(closedBeside);
@@ -1198,10 +1204,12 @@ void MainWindow::setBeside(const BesideRequest& request)
     options.beside = request;
     history->note();
     sideBySide->setTied(request.isTied);
-    if (isOther)
+    if (isOther) {
         openBeside(SideBySide::SAME_FILES);
-    else
+    } else {
+        placeBeside();
         keepRoom();
+    }
     followViewer();
 }
 
@@ -1213,10 +1221,33 @@ void MainWindow::openBeside(SideBySide::Files files)
                        std::back_inserter(sources),
                        [this](const std::string& what) { return besideSource(what); });
     const std::string caption = shownFiles.empty() ? "" : nameOf(shownFiles);
+    const History::Pause pause(*history);
     sideBySide->open(caption, std::move(sources), files, ownedViewer->home);
     sideBySide->setTied(options.beside.isTied);
+    placeBeside();
     followBeside(BesideView::NEW_SOURCE);
     keepRoom();
+}
+
+// Where they were asked for, once: then their user moves them.
+void MainWindow::placeBeside()
+{
+    if (scene && !options.beside.isTied)
+        sideBySide->setCameras(std::exchange(options.beside.cameras, {}));
+}
+
+BesideRequest MainWindow::besideNow() const
+{
+    BesideRequest now = options.beside;
+    const auto asked = std::exchange(now.cameras, {});
+    if (now.isTied)
+        return now;
+    now.cameras = sideBySide->getCameras(now.what);
+    for (std::size_t i = 0; i < std::min(asked.size(), now.cameras.size()); ++i) {
+        if (!now.cameras[i])
+            now.cameras[i] = asked[i];
+    }
+    return now;
 }
 
 // Of the files that are shown now.
@@ -1456,7 +1487,7 @@ WindowState MainWindow::getState() const
     if (scene) {
         state.measurements = measurements->get();
         state.views = views->get();
-        state.beside = options.beside;
+        state.beside = besideNow();
         state.camera = getCameraNumbers();
     }
     return state;

@@ -236,6 +236,9 @@ private:
     void addBeside(const std::string& what);
     void closeBeside(std::size_t index);
     void openBeside(SideBySide::Files files);
+    /// With the cameras that they have, or will have.
+    BesideRequest besideNow() const;
+    void placeBeside();
     BesideView::Source besideSource(const std::string& what) const;
     void followBeside(BesideView::Change change);
     void keepRoom();

@@ -16,6 +16,7 @@
 #include <QVBoxLayout>
 
 #include "camera/Camera.h"
+#include "window/History.h"
 #include "window/ViewCaption.h"
 
 namespace strandview {
@@ -112,32 +113,34 @@ void SideBySide::open(const std::string& captionOfFirst, std::vector<BesideView:
                       Files files, const CameraRequest& home)
 {
     const QPointer<QWidget> focus = window()->focusWidget(); // new views take it
-    std::vector<BesideView*> rest = std::exchange(views, {});
-    std::vector<BesideView*> kept;
-    for (const BesideView::Source& source : sources) {
-        const auto same = std::find_if(rest.begin(), rest.end(), [&](const BesideView* view) {
-            return view->getWhat() == source.what;
-        });
-        kept.push_back(same == rest.end() ? nullptr : *same);
-        if (kept.back())
-            rest.erase(same);
+    std::vector<std::string> what;
+    for (const BesideView::Source& source : sources)
+        what.push_back(source.what);
+    const std::vector<BesideView*> kept = viewsOf(what);
+    for (BesideView* const view : std::exchange(views, {})) {
+        if (std::find(kept.begin(), kept.end(), view) == kept.end())
+            drop(*view);
     }
-    for (BesideView* const view : rest)
-        drop(*view);
     for (BesideView* const view : kept) {
         if (view)
             views.push_back(view); // from where they look is not free
     }
+    if (files == OTHER_FILES) {
+        for (BesideView* const view : views)
+            view->beginAnew();
+    }
     for (std::size_t i = 0; i < sources.size(); ++i) {
         BesideView* view = kept[i];
+        if (view && files == SAME_FILES)
+            continue;
         if (!view) {
             view = makeView();
-            if (sources[i].what == BesideRequest::SAME)
-                view->setStart(freeSide(home));
             views.insert(views.begin() + std::ptrdiff_t(i), view);
-        } else if (files == SAME_FILES) {
-            continue;
         }
+        const bool begins = !kept[i] || files == OTHER_FILES;
+        if (begins && what[i] == BesideRequest::SAME)
+            view->setStart(freeSide(home));
+        view->setMargin(home.margin);
         view->take(std::move(sources[i]));
     }
     firstCaption->setText(captionOfFirst);
@@ -146,12 +149,30 @@ void SideBySide::open(const std::string& captionOfFirst, std::vector<BesideView:
         focus->setFocus();
 }
 
+std::vector<BesideView*> SideBySide::viewsOf(const std::vector<std::string>& what) const
+{
+    std::vector<BesideView*> rest = views, found;
+    for (const std::string& one : what) {
+        const auto same = std::find_if(rest.begin(), rest.end(), [&](const BesideView* view) {
+            return view->getWhat() == one;
+        });
+        found.push_back(same == rest.end() ? nullptr : *same);
+        if (found.back())
+            rest.erase(same);
+    }
+    return found;
+}
+
 BesideView* SideBySide::makeView()
 {
     auto* const view = new BesideView(first->getBackgroundColor(), this);
     view->setMinimumSize(SMALLEST_VIEW);
     view->getViewer().axes.show(hasAxes);
-    view->onBegin = [this, view] { begin(*view); };
+    view->onBegin = [this, view](const auto& camera) { begin(*view, camera); };
+    view->onResize = [this, view] {
+        const History::Pause pause(*history);
+        view->refit();
+    };
     view->onShown = [this] {
         if (onShown)
             onShown();
@@ -327,14 +348,34 @@ CameraRequest SideBySide::freeSide(const CameraRequest& home) const
     return fromSide(home, 0, 0); // of six sides there are two at least
 }
 
-void SideBySide::begin(BesideView& view)
+void SideBySide::begin(BesideView& view, const std::optional<BesideCamera>& camera)
 {
+    const History::Pause pause(*history);
     isFollowing = true; // it does not lead yet
-    if (!isTied && view.getStart())
+    if (!isTied && camera)
+        view.setCamera(*camera);
+    else if (!isTied && view.getStart())
         view.place(*view.getStart());
     else if (first->getCamera())
         view.follow(*first);
     isFollowing = false;
+}
+
+void SideBySide::setCameras(const std::vector<std::optional<BesideCamera>>& cameras)
+{
+    for (std::size_t i = 0; i < std::min(views.size(), cameras.size()); ++i) {
+        if (cameras[i])
+            views[i]->setCamera(*cameras[i]);
+    }
+}
+
+std::vector<std::optional<BesideCamera>>
+SideBySide::getCameras(const std::vector<std::string>& what) const
+{
+    std::vector<std::optional<BesideCamera>> cameras;
+    for (const BesideView* const view : viewsOf(what))
+        cameras.push_back(view ? view->getCamera() : std::nullopt);
+    return cameras;
 }
 
 void SideBySide::followFirst()
@@ -351,12 +392,14 @@ void SideBySide::followFirst()
 
 void SideBySide::follow(const BesideView& moved)
 {
-    if (!isTied || isFollowing || !moved.getScene() || !moved.getViewer().getCamera())
+    if (isFollowing || !moved.getScene() || !moved.getViewer().getCamera())
         return;
-    isFollowing = true;
-    first->followCamera(moved.getViewer());
-    isFollowing = false;
-    followFirst();
+    if (isTied) {
+        isFollowing = true;
+        first->followCamera(moved.getViewer());
+        isFollowing = false;
+        followFirst();
+    }
     if (onCamera)
         onCamera();
 }

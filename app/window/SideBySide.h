@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,7 @@ class QGridLayout;
 
 namespace strandview {
 
+class History;
 class ViewCaption;
 
 /// The place of the window's view, and of further ones while they are wanted: two beside each
@@ -29,12 +31,15 @@ public:
     QWidget* getFirstArea() const { return firstArea; }
     /// Once that is there; it outlives the others, or close() comes before it goes.
     void setFirst(WindowViewer& viewer);
+    /// Of the user's doing, which what is done here without a user is none of.
+    void setHistory(History& its) { history = &its; }
 
     /// Shows these in further views, BesideRequest::MOST of them at most, and closes those that are
     /// not among them. Those that are stay, also if they show something else by the same name
-    /// where the files are OTHER_FILES. The same as in the first view is seen from the front, the
-    /// right, above or elsewhere, as `home` of the first view says what is up.
-    enum Files { SAME_FILES, OTHER_FILES };
+    /// where the files are READ_AGAIN; of OTHER_FILES they are seen as at first. The same as in the
+    /// first view is seen from the front, the right, above or elsewhere then, as `home` of the
+    /// first view says what is up.
+    enum Files { SAME_FILES, READ_AGAIN, OTHER_FILES };
     void open(const std::string& firstCaption, std::vector<BesideView::Source> sources, Files files,
               const CameraRequest& home);
     /// That one of them; or all.
@@ -46,6 +51,10 @@ public:
     /// Whether all are seen from the same place: each follows the others' camera, and keys go to
     /// the first.
     void setTied(bool tied);
+    /// Each has the camera that is given for it, if it is.
+    void setCameras(const std::vector<std::optional<BesideCamera>>& cameras);
+    /// Of those views that would stay if these were opened; open for all others.
+    std::vector<std::optional<BesideCamera>> getCameras(const std::vector<std::string>& what) const;
     /// The first viewer's camera has changed.
     void followFirst();
     /// Which one its user turns, where they are not tied: that which had the keyboard last; null
@@ -69,7 +78,7 @@ public:
     /// What cannot be shown there.
     std::function<void(std::size_t index, const std::string& error)> onFailure;
     std::function<void(const Told& told)> onPick;   ///< there
-    std::function<void()> onCamera;                 ///< a further view has moved the first one's
+    std::function<void()> onCamera;                 ///< a further view has moved its own, or all
     std::function<void(std::size_t index)> onClose; ///< its user wants it closed
     std::function<void()> onActive;                 ///< another view has the keyboard
 
@@ -79,11 +88,13 @@ protected:
 
 private:
     BesideView* makeView();
+    /// Of those that there are the ones that show this; null for others.
+    std::vector<BesideView*> viewsOf(const std::vector<std::string>& what) const;
     void drop(BesideView& view);
     std::size_t indexOf(const BesideView& view) const;
     /// Of those sides from where nobody looks, the first.
     CameraRequest freeSide(const CameraRequest& home) const;
-    void begin(BesideView& view);
+    void begin(BesideView& view, const std::optional<BesideCamera>& camera);
     void follow(const BesideView& view);
     void activate(BesideView* view);
     void arrange();
@@ -95,6 +106,7 @@ private:
     QWidget* firstArea;
     std::array<QWidget*, 2> borders; ///< between columns, between rows
     WindowViewer* first = nullptr;
+    History* history = nullptr;
     std::vector<BesideView*> views; ///< children of this
     BesideView* active = nullptr;
     std::size_t arranged = 0;         ///< so many further ones

@@ -9,6 +9,26 @@
 
 namespace strandview {
 
+namespace {
+
+// In the order of the window's views, but for the first one.
+std::vector<std::size_t> viewsOfOtherCameras(const BesideRequest& a, const BesideRequest& b)
+{
+    std::vector<std::size_t> others;
+    for (std::size_t i = 0; i < std::min(a.cameras.size(), b.cameras.size()); ++i) {
+        if (!(a.cameras[i] == b.cameras[i]))
+            others.push_back(i);
+    }
+    return others;
+}
+
+bool areSameViews(const BesideRequest& a, const BesideRequest& b)
+{
+    return a.what == b.what && a.isTied == b.isTied;
+}
+
+} // namespace
+
 bool operator==(const WindowState& a, const WindowState& b)
 {
     return a.camera == b.camera && a.areColoursShown == b.areColoursShown && // the quickest first
@@ -31,8 +51,11 @@ std::string differenceOf(const WindowState& a, const WindowState& b)
         names.emplace_back("measurements");
     if (a.views != b.views)
         names.emplace_back("named views");
-    if (!(a.beside == b.beside))
+    if (!areSameViews(a.beside, b.beside))
         names.emplace_back("further views");
+    else
+        for (const std::size_t view : viewsOfOtherCameras(a.beside, b.beside))
+            names.push_back("camera of the " + nameOfView(view + 1));
     if (names.empty())
         return "";
     std::string& first = names.front();
@@ -60,8 +83,11 @@ WindowState withChange(WindowState state, const WindowState& from, const WindowS
         state.measurements = to.measurements;
     if (from.views != to.views)
         state.views = to.views;
-    if (!(from.beside == to.beside))
+    if (!areSameViews(from.beside, to.beside))
         state.beside = to.beside;
+    else if (areSameViews(state.beside, to.beside))
+        for (const std::size_t view : viewsOfOtherCameras(from.beside, to.beside))
+            state.beside.cameras.at(view) = to.beside.cameras[view];
     return state;
 }
 

@@ -28,6 +28,9 @@ TEST(BesideRequest, AViewLessIsThatOne)
 {
     EXPECT_TRUE(withoutView({{"a", "b", "c"}, false}, 1) == (BesideRequest{{"a", "c"}, false}));
     EXPECT_TRUE(withoutView({{"a"}, false}, 0) == BesideRequest());
+    const BesideCamera camera{{false, {1, 2, 3}, {0, 0, 0, 1}, 4, 5}};
+    EXPECT_TRUE(withoutView({{"a", "b"}, false, {std::nullopt, camera}}, 0) ==
+                (BesideRequest{{"b"}, false, {camera}}));
 }
 
 } // namespace strandview

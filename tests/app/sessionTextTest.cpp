@@ -11,6 +11,7 @@
 namespace strandview {
 
 using testing::HasSubstr;
+using testing::Not;
 using testing::StartsWith;
 
 namespace {
@@ -68,6 +69,8 @@ TEST(SessionText, BringsBackAllThatWasSaid)
     session.views = {{"front", *session.camera}, {"the \u00e4nd", *session.camera}};
     session.views[1].camera.size = 0.3F;
     session.beside = {{"other/rod.txt", "same", "first"}, false};
+    session.beside.cameras = {BesideCamera{*session.camera}, std::nullopt,
+                              BesideCamera{session.views[1].camera}};
     session.picture.size = {1, 1, parsePaperSize("85.5x60mm"), 600, 2, true};
     session.picture.isOfView = session.picture.keepsShape = false;
     session.picture.hasMeasurements = true;
@@ -117,6 +120,14 @@ TEST(SessionText, NamesTheOnlyFurtherViewWithoutAList)
         parseSession(around(R"(, "beside": {"what": "other/rod.txt", "tied": true})"), fault);
     ASSERT_TRUE(read) << fault;
     EXPECT_TRUE(read->beside == besideOf({"other/rod.txt"}));
+}
+
+TEST(SessionText, SaysNothingOfCamerasThatAreAllLeftOpen)
+{
+    Session session = ofOneFile();
+    session.beside = {{"same", "same"}, false, {std::nullopt, std::nullopt}};
+    EXPECT_THAT(textOf(session), Not(HasSubstr("camera")));
+    EXPECT_TRUE(readBack(session).beside == besideOf({"same", "same"}));
 }
 
 TEST(SessionText, KeepsLengthsToTheLastBit)
@@ -185,6 +196,17 @@ TEST(SessionText, RefusesWhatIsNoSessionInOneLineThatSaysWhere)
               "up to 3 of them");
     EXPECT_EQ(faultOf(around(R"(, "beside": {"what": ["a", 1]})")),
               "beside, what 2: found 1, expected a text");
+    const auto faultOfCameras = [&](const std::string& cameras) {
+        return faultOf(around(R"(, "beside": {"what": ["a", "b"], "tied": false, "cameras": )" +
+                              cameras + "}"));
+    };
+    EXPECT_THAT(faultOfCameras(R"([null, "orthographic,1"])"),
+                StartsWith("beside, cameras 2: found \"orthographic,1\", expected "));
+    EXPECT_THAT(faultOfCameras("[null, 1]"),
+                StartsWith("beside, cameras 2: found 1, expected a text"));
+    EXPECT_EQ(faultOfCameras("[null]"),
+              "beside, cameras: found [null], expected a camera, or null, for each of \"what\"");
+    EXPECT_EQ(faultOfCameras("{}"), "beside, cameras: found {}, expected a list [...]");
     EXPECT_EQ(faultOf(R"({"strandview session": 1, "files": [{"name": "-"}]})"),
               "files 1: found {\"name\":\"-\"}, expected the name of a file");
     EXPECT_EQ(faultOf(R"({"strandview session": 1, "files": "rod.txt"})"),

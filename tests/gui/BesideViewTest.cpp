@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include <QAction>
 #include <QApplication>
 #include <QGLWidget>
 #include <QLabel>
@@ -36,6 +37,7 @@ namespace {
 
 // Seen from any side it is something.
 const char* const BENT = "0 0 0\n1 0.5 0.2\n2 0 1\n";
+const char* const LARGE_BENT = "0 0 0\n100 50 20\n200 0 100\n";
 
 const BesideRequest THREE_OF_THE_SAME = fourOfTheSame();
 
@@ -85,6 +87,16 @@ protected:
     static QToolButton& closeButton(const BesideView& of)
     {
         return *of.findChild<QToolButton*>("closeView");
+    }
+    // Each by itself, once its view has the size that it is left with.
+    [[nodiscard]] bool comeToBeSeenFrom(const std::vector<CameraNumbers>& all) const
+    {
+        return comesTo([&] { return cameras() == all; });
+    }
+    void turnFurther(std::size_t index)
+    {
+        ASSERT_TRUE(turn(*viewsOnScreen()[index + 1],
+                         [this, index] { return further(index).getCameraNumbers(); }));
     }
     void openBent(const BesideRequest& request)
     {
@@ -207,6 +219,8 @@ TEST_F(BesideViewTest, TheButtonInACaptionClosesThatViewAndUndoOpensItAgain)
     EXPECT_TRUE(window->getBeside() == THREE_OF_THE_SAME);
     EXPECT_EQ(directionOf(cameras()[1]), directionOf(before[1]));
     for (int left = 2; left >= 0; --left) {
+        // Where the one before it was
+        ASSERT_TRUE(comesTo([this] { return further(0).x() > 0 && further(0).y() == 0; }));
         click(closeButton(further(0)));
         ASSERT_TRUE(comesToShow(std::size_t(left)));
     }
@@ -224,6 +238,113 @@ TEST_F(BesideViewTest, TheKeyTakesAllAwayAndBringsAllBack)
     EXPECT_TRUE(window->getBeside() == files);
     EXPECT_EQ(endOf(*sceneBeside(0)), 3);
     EXPECT_EQ(endOf(*sceneBeside(2)), 5);
+}
+
+TEST_F(BesideViewTest, TheKeyBringsThemBackAsTheyWereSeen)
+{
+    ASSERT_NO_FATAL_FAILURE(openBent(THREE_OF_THE_SAME));
+    ASSERT_NO_FATAL_FAILURE(turnFurther(0));
+    ASSERT_NO_FATAL_FAILURE(turnFurther(2));
+    pressRealKey("p");
+    ASSERT_TRUE(comesTo([this] { return further(2).getCameraNumbers().perspective; }));
+    const auto before = cameras();
+    pressRealKey("F3");
+    ASSERT_TRUE(comesToShow(0));
+    pressRealKey("F3");
+    ASSERT_TRUE(comesToShow(3));
+    EXPECT_TRUE(comeToBeSeenFrom(before));
+    window->resize(window->width() - 400, window->height()); // what was fitted is fitted anew
+    EXPECT_TRUE(comesTo([&] { return !(cameras()[2] == before[2]); }));
+    EXPECT_TRUE(cameras()[1] == before[1]);
+    EXPECT_TRUE(cameras()[3] == before[3]);
+}
+
+TEST_F(BesideViewTest, AClosedOneThatUndoOpensAgainIsSeenAsBefore)
+{
+    ASSERT_NO_FATAL_FAILURE(openBent(besideOf({"same", "same"})));
+    ASSERT_NO_FATAL_FAILURE(turnFurther(0));
+    QTest::qWait(100); // until that is a step
+    const auto before = cameras();
+    click(closeButton(further(0))); // the others are higher then
+    ASSERT_TRUE(comesToShow(1));
+    ASSERT_TRUE(comesTo([&] { return !(cameras()[1] == before[2]); }));
+    EXPECT_EQ(undoText(), "&Undo further views");
+    pressRealKey("Control+z");
+    ASSERT_TRUE(comesToShow(2));
+    EXPECT_TRUE(comeToBeSeenFrom(before));
+    pressRealKey("Control+Shift+z");
+    ASSERT_TRUE(comesToShow(1));
+    EXPECT_EQ(directionOf(cameras()[1]), directionOf(before[2]));
+}
+
+TEST_F(BesideViewTest, MovesOfTheirCamerasAreStepsThatSayWhichViewItIs)
+{
+    ASSERT_NO_FATAL_FAILURE(openBent(THREE_OF_THE_SAME));
+    EXPECT_FALSE(action("&Undo")->isEnabled());
+    const auto before = cameras();
+    click(*viewsOnScreen()[2]);
+    ASSERT_TRUE(comesTo([this] { return beside().getActive() == &further(1); }));
+    for (const char* key : {"Control+2", "Alt+s", "Alt+d"}) {
+        const CameraNumbers last = further(1).getCameraNumbers();
+        pressRealKey(key);
+        ASSERT_TRUE(comesTo([&] { return !(further(1).getCameraNumbers() == last); }));
+    }
+    ASSERT_TRUE(comesTo([this] { return undoText() == "&Undo camera of the third view"; }));
+    const auto after = cameras();
+    pressRealKey("Control+z");
+    EXPECT_TRUE(comeToBeSeenFrom(before));
+    EXPECT_FALSE(action("&Undo")->isEnabled());
+    pressRealKey("Control+Shift+z");
+    EXPECT_TRUE(comeToBeSeenFrom(after));
+
+    ASSERT_NO_FATAL_FAILURE(turnFurther(0));
+    ASSERT_TRUE(comesTo([this] { return undoText() == "&Undo camera of the second view"; }));
+    pressRealKey("Control+z");
+    EXPECT_TRUE(comeToBeSeenFrom(after));
+}
+
+TEST_F(BesideViewTest, WhereEachWasIsTakenBackWithTheirTie)
+{
+    ASSERT_NO_FATAL_FAILURE(openBent(THREE_OF_THE_SAME));
+    ASSERT_NO_FATAL_FAILURE(turnFurther(1));
+    QTest::qWait(100); // until that is a step
+    const auto before = cameras();
+    pressRealKey("Shift+F3");
+    ASSERT_TRUE(comesTo([this] { return areCamerasTheSame(); }));
+    pressRealKey("Control+z");
+    EXPECT_TRUE(comeToBeSeenFrom(before));
+    EXPECT_FALSE(window->getBeside().isTied);
+}
+
+TEST_F(BesideViewTest, WhatTheWindowFitsIsNoStep)
+{
+    ASSERT_NO_FATAL_FAILURE(openText(BENT, "bent.txt"));
+    pressRealKey("Control+F3");
+    ASSERT_TRUE(comesToShow(3));
+    const auto before = cameras();
+    window->resize(window->width() - 300, window->height());
+    ASSERT_TRUE(comesTo([&] { return !(cameras()[3] == before[3]); }));
+    EXPECT_EQ(undoText(), "&Undo further views");
+    pressRealKey("Control+z");
+    EXPECT_TRUE(comesToShow(0));
+    EXPECT_FALSE(action("&Undo")->isEnabled());
+}
+
+TEST_F(BesideViewTest, OtherFilesAreSeenAsAtFirst)
+{
+    ASSERT_NO_FATAL_FAILURE(openBent(besideOf({"same", folder.write("a.txt", rodTo(3))})));
+    const auto before = cameras();
+    ASSERT_NO_FATAL_FAILURE(turnFurther(0));
+    ASSERT_NO_FATAL_FAILURE(turnFurther(1));
+    pressRealKey("F5");
+    const auto turned = cameras();
+    ASSERT_TRUE(comesTo([this] { return !window->isLoading(); }) && comesToShow(2));
+    EXPECT_TRUE(cameras() == turned);
+    window->openFiles({QString::fromStdString(folder.write("large.txt", LARGE_BENT))});
+    ASSERT_TRUE(comesTo([this] { return !window->isLoading(); }) && comesToShow(2));
+    EXPECT_EQ(directionOf(cameras()[1]), directionOf(before[1]));
+    EXPECT_NEAR(cameras()[1].size, 100 * before[1].size, before[1].size);
+    EXPECT_TRUE(cameras()[2] == cameras()[0]);
 }
 
 TEST_F(BesideViewTest, TheMenuAddsViewsUntilThereAreFour)

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include <QAction>
 #include <QApplication>
 #include <QGLWidget>
 #include <QPixmap>
@@ -124,6 +125,18 @@ std::string DataWindowTest::statusText() const
 {
     return window->findChild<StatusText*>()->getAll().toStdString();
 }
+
+QAction* DataWindowTest::action(const char* text) const
+{
+    for (QAction* known : window->findChildren<QAction*>()) {
+        if (known->text().startsWith(text))
+            return known;
+    }
+    ADD_FAILURE() << "no " << text;
+    return nullptr;
+}
+
+std::string DataWindowTest::undoText() const { return action("&Undo")->text().toStdString(); }
 
 QImage DataWindowTest::screen() const
 {

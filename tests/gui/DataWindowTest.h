@@ -21,6 +21,7 @@
 #include "support/TemporaryFolder.h"
 #include "window/MainWindow.h"
 
+class QAction;
 class QWidget;
 
 namespace strandview {
@@ -57,6 +58,10 @@ protected:
     /// Of a further view, the first of them unless said; null as long as it shows nothing.
     DataScene* sceneBeside(std::size_t index = 0) const;
     std::string statusText() const;
+    /// An entry of the menus that begins so, "&Undo"; a failure if there is none.
+    QAction* action(const char* text) const;
+    /// "&Undo camera"
+    std::string undoText() const;
     /// What the screen shows of the view.
     QImage screen() const;
 

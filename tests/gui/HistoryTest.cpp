@@ -26,16 +26,6 @@ protected:
         ASSERT_NO_FATAL_FAILURE(openText(RODS, "rods.txt"));
         ASSERT_TRUE(comesToBePainted());
     }
-    QAction* action(const char* text) const
-    {
-        for (QAction* known : window->findChildren<QAction*>()) {
-            if (known->text().startsWith(text))
-                return known;
-        }
-        ADD_FAILURE() << "no " << text;
-        return nullptr;
-    }
-    std::string undoText() const { return action("&Undo")->text().toStdString(); }
     bool isFrom(const CameraNumbers& camera) const { return window->getCameraNumbers() == camera; }
     void undo() const { pressRealKey("Control+z"); }
     void redo() const { pressRealKey("Control+Shift+z"); }
@@ -130,6 +120,30 @@ TEST_F(StepsTest, LooksOfManyThingsComeBackOverStepsThatLeaveThem)
     EXPECT_EQ(state.style.things.of({ThingKind::ROD, 3}).radius, std::nullopt);
     history.steps.redo();
     EXPECT_EQ(state.style.things.of({ThingKind::ROD, 3}).radius, 0.5);
+}
+
+TEST_F(StepsTest, CamerasOfFurtherViewsComeBackEachByItself)
+{
+    const auto cameraAt = [](float x) {
+        return BesideCamera{{false, {x, 0, 0}, {0, 0, 0, 1}, 1, 1}};
+    };
+    state.beside = {{"same", "same"}, false, {cameraAt(1), cameraAt(2)}};
+    history.begin();
+    state.beside.cameras[1] = cameraAt(3);
+    history.note();
+    EXPECT_EQ(history.steps.undoText(), "camera of the third view");
+    state.beside.cameras[0] = cameraAt(4);
+    history.note();
+    EXPECT_EQ(history.steps.undoText(), "camera of the second view");
+    {
+        const History::Pause pause(history); // as by another size
+        state.beside.cameras[1] = cameraAt(5);
+    }
+    history.steps.undo();
+    EXPECT_TRUE(state.beside.cameras[0] == cameraAt(1));
+    EXPECT_TRUE(state.beside.cameras[1] == cameraAt(5));
+    history.steps.undo();
+    EXPECT_TRUE(state.beside.cameras[1] == cameraAt(2));
 }
 
 TEST_F(HistoryTest, ThereIsNothingToTakeBackAtFirst)

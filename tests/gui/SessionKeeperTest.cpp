@@ -164,6 +164,41 @@ TEST_F(SessionKeeperTest, WhatWasHiddenMeasuredKeptAndComparedComesBack)
     EXPECT_TRUE(comesTo([this] { return sceneBeside(); }));
 }
 
+TEST_F(SessionKeeperTest, EachOfSeveralViewsIsSeenAsItWas)
+{
+    options.beside = {{"same", folder.write("beside.txt", RODS), "same"}, false};
+    ASSERT_NO_FATAL_FAILURE(openText(RODS, "rods.txt"));
+    const auto cameras = [this] {
+        std::vector<CameraNumbers> all{window->getCameraNumbers()};
+        for (const BesideView* view : window->getSideBySide().getViews())
+            all.push_back(view->getCameraNumbers());
+        return all;
+    };
+    const auto areShown = [this] {
+        return sceneBeside(0) && sceneBeside(1) && sceneBeside(2) &&
+               !window->getSideBySide().isAtWork();
+    };
+    ASSERT_TRUE(comesTo(areShown));
+    const auto turnFurther = [this](std::size_t index) {
+        const BesideView& view = *window->getSideBySide().getViews()[index];
+        return turn(*view.getViewer().getGLWidget(), [&view] { return view.getCameraNumbers(); });
+    };
+    for (std::size_t i = 0; i < 3; ++i)
+        ASSERT_TRUE(turnFurther(i));
+    pressRealKey("p"); // of the last one
+    ASSERT_TRUE(comesTo([&] { return cameras().back().perspective; }));
+    const auto before = cameras();
+    ASSERT_NO_FATAL_FAILURE(save(work()));
+    ASSERT_NO_FATAL_FAILURE(openSession(work()));
+    ASSERT_TRUE(comesTo(areShown));
+    EXPECT_EQ(cameras(), before);
+    EXPECT_FALSE(action("&Undo")->isEnabled());
+    ASSERT_TRUE(turnFurther(1));
+    window->openFiles({QString::fromStdString(work())}); // where there are such views already
+    ASSERT_TRUE(comesTo([&] { return !window->isLoading(); }) && comesTo(areShown));
+    EXPECT_EQ(cameras(), before);
+}
+
 TEST_F(SessionKeeperTest, WhatIsTakenBackAfterItIsOpenedIsNothingOfIt)
 {
     ASSERT_NO_FATAL_FAILURE(openText(RODS, "rods.txt"));
