@@ -56,19 +56,21 @@ void SoQtGeneralViewerDialog::setupUi()
 
 void SoQtGeneralViewerDialog::update3DZoom()
 {
-    if (viewer && zoomLineEdit)
-        zoomLineEdit->setText(zoomText(*viewer));
+    const SoQtGeneralViewer* const zoomed = getZoomedViewer();
+    if (zoomed && zoomLineEdit)
+        zoomLineEdit->setText(zoomText(*zoomed));
 }
 
 void SoQtGeneralViewerDialog::setCameraZoom()
 {
-    if (!viewer || !zoomLineEdit)
+    SoQtGeneralViewer* const zoomed = getZoomedViewer();
+    if (!zoomed || !zoomLineEdit)
         return;
     bool isNumber = false;
     const double zoom = zoomLineEdit->text().toDouble(&isNumber);
     if (isNumber)
-        viewer->setCameraZoom(zoom);
-    zoomLineEdit->setText(zoomText(*viewer));
+        zoomed->setCameraZoom(zoom);
+    zoomLineEdit->setText(zoomText(*zoomed));
 }
 
 void SoQtGeneralViewerDialog::keyPressEvent(QKeyEvent* event) { event->ignore(); }

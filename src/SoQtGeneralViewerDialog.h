@@ -48,6 +48,9 @@ protected:
     /// Leaves Return and Escape to the field and the viewer: in a dialog like any other
     /// they would press a button and close the window.
     void keyPressEvent(QKeyEvent* event) override;
+    /// Whose zoom the field shows and takes: that of `viewer`, unless a window of several viewers
+    /// has another one.
+    virtual SoQtGeneralViewer* getZoomedViewer() const { return viewer; }
 
     SoQtGeneralViewer* viewer = nullptr; ///< not owned
     QStatusBar* statusBar = nullptr;

@@ -227,7 +227,7 @@ void MainWindow::buildMenus()
     views->onShow = [this](const CameraNumbers& camera) {
         CameraRequest kept;
         kept.numbers = camera;
-        place(kept);
+        placeActive(kept);
     };
     connect(views, &NamedViews::changed, this, [this] { history->note(); });
 }
@@ -282,7 +282,7 @@ void MainWindow::buildViews()
         closeBeside(index);
     };
     sideBySide->onClose = [this](std::size_t index) { closeBeside(index); };
-    sideBySide->onActive = [this] { followViewer(); };
+    sideBySide->onActive = [this] { update3DZoom(); };
 }
 
 void MainWindow::buildHistory()
@@ -382,7 +382,7 @@ void MainWindow::buildSettings()
     for (SettingsPanel* panel : {lookPanel, colourPanel})
         panel->setSurroundings(
             Surroundings{[this] { return scene ? boxOfData(*scene) : std::nullopt; },
-                         [this] { return towardsViewer(getCameraNumbers()); },
+                         [this] { return towardsViewer(getActiveCamera()); },
                          [this] { return folderOfFiles(); }});
     lookPanel->setObjectName("lookPanel");
     colourPanel->setObjectName("colourPanel");
@@ -439,7 +439,7 @@ void MainWindow::buildPlayBar()
                                   Command::FRAME_FORWARD, Command::LAST_FRAME})
         buttons.push_back((*menus)[command]);
     playBar = new PlayBar(buttons, options.series.framesPerSecond, this);
-    connect(playBar, &PlayBar::edited, this, [this] { viewer->getGLWidget()->setFocus(); });
+    connect(playBar, &PlayBar::edited, this, [this] { activeViewer().getGLWidget()->setFocus(); });
     layout()->addWidget(playBar);
 }
 
@@ -584,10 +584,10 @@ void MainWindow::outlineChosen()
 
 void MainWindow::centre(const SbBox3f& box)
 {
-    if (!scene || box.isEmpty())
+    const BesideView* const active = sideBySide->getActive();
+    if (!(active ? active->getScene() : scene) || box.isEmpty())
         return;
-    fitBox(*viewer->getCamera(), box, scene, SbViewportRegion(ownedViewer->getGLSize()),
-           scene->getLegendRoom());
+    activeViewer().centre(box);
     update3DZoom();
 }
 
@@ -605,6 +605,16 @@ const PlaceMarks& MainWindow::getMarks() const { return ownedViewer->marks; }
 bool MainWindow::hasScene() const { return scene; }
 
 CameraNumbers MainWindow::getCameraNumbers() const { return numbersOf(*viewer->getCamera()); }
+
+WindowViewer& MainWindow::activeViewer() const
+{
+    const BesideView* const active = sideBySide->getActive();
+    return active ? active->getViewer() : *ownedViewer;
+}
+
+SoQtGeneralViewer* MainWindow::getZoomedViewer() const { return &activeViewer(); }
+
+CameraNumbers MainWindow::getActiveCamera() const { return numbersOf(*activeViewer().getCamera()); }
 
 // Loading
 
@@ -1130,10 +1140,23 @@ void MainWindow::viewFrom(Side side)
     request.side = side;
     request.margin = options.camera.margin;
     request.perspective = (*menus)[Command::SET_PERSPECTIVE]->isChecked();
+    placeActive(request);
+}
+
+void MainWindow::placeActive(const CameraRequest& request)
+{
     if (BesideView* const view = sideBySide->getActive())
         view->place(request);
     else
         place(request);
+}
+
+void MainWindow::bringActiveHome()
+{
+    if (BesideView* const view = sideBySide->getActive())
+        view->place(view->getStart().value_or(ownedViewer->home));
+    else
+        goHome();
 }
 
 void MainWindow::setPerspective(bool perspective)
@@ -1350,7 +1373,7 @@ void MainWindow::moveClip(bool on)
     hasClipHandles = on;
     if (on && !options.clip) {
         StyleRequest next = options;
-        next.clip = planeFacing(towardsViewer(getCameraNumbers()));
+        next.clip = planeFacing(towardsViewer(getActiveCamera()));
         setStyle(next);
     }
     followClip();
@@ -1539,9 +1562,9 @@ void MainWindow::copyCamera()
 {
     if (!scene)
         return;
-    const std::string text = "--camera " + formatCamera(getCameraNumbers());
+    const std::string text = "--camera " + formatCamera(getActiveCamera());
     QApplication::clipboard()->setText(QString::fromStdString(text));
-    statusText->tell({{"Copied: " + text, ""}});
+    statusText->tell({{"Copied" + wordsOf(sideBySide->getActive()) + ": " + text, ""}});
 }
 
 void MainWindow::copyCommand()
@@ -1552,7 +1575,7 @@ void MainWindow::copyCommand()
     const std::string line =
         writeCommand(pictures.optionsOf(pictureChoice), pictures.describe(pictureChoice));
     QApplication::clipboard()->setText(QString::fromStdString(line));
-    statusText->tell({{"Copied: " + line, ""}});
+    statusText->tell({{"Copied" + wordsOf(picturedBeside()) + ": " + line, ""}});
 }
 
 void MainWindow::saveDefaults()
@@ -1569,20 +1592,41 @@ void MainWindow::saveDefaults()
     statusText->tell({{"Written: " + file, ""}});
 }
 
+const BesideView* MainWindow::picturedBeside() const
+{
+    const BesideView* const active = sideBySide->getActive();
+    return active && active->getScene() && !isFile(active->getWhat()) ? active : nullptr;
+}
+
+std::string MainWindow::wordsOf(const BesideView* view) const
+{
+    const auto& further = sideBySide->getViews();
+    if (further.empty())
+        return "";
+    const auto found = std::find(further.begin(), further.end(), view);
+    return ", of the " + nameOfView(view ? 1 + std::size_t(found - further.begin()) : 0);
+}
+
 PicturedView MainWindow::getPictured(const StyleRequest& style) const
 {
-    const SbVec2s size = ownedViewer->getGLSize();
+    const BesideView* const beside = picturedBeside();
+    const bool isFirstFrame = beside && beside->getWhat() == BesideRequest::FIRST_FRAME;
+    WindowViewer& seen = beside ? beside->getViewer() : *ownedViewer;
     PicturedView pictured{scene, ownedViewer.get(), firstFrame, options, {}};
+    if (isFirstFrame) { // the same is drawn from the first view's own
+        pictured.scene = beside->getScene();
+        pictured.viewer = &seen;
+    }
     static_cast<StyleRequest&>(pictured.options) = style;
     if (!scene->areColoursShown())
         pictured.options.colourBy.reset();
     pictured.options.measurements = shownOf(measurements->get());
     pictured.picture.files = shownFiles;
-    pictured.picture.camera = getCameraNumbers();
-    pictured.picture.size.width = size[0];
-    pictured.picture.size.height = size[1];
+    pictured.picture.camera = numbersOf(*seen.getCamera());
+    pictured.picture.size.width = seen.getGLSize()[0];
+    pictured.picture.size.height = seen.getGLSize()[1];
     if (player)
-        pictured.picture.frame = player->getFrame();
+        pictured.picture.frame = isFirstFrame ? 0 : player->getFrame();
     return pictured;
 }
 
@@ -1599,16 +1643,14 @@ void MainWindow::update3DZoom()
 void MainWindow::setCameraZoom()
 {
     SoQtGeneralViewerDialog::setCameraZoom();
-    viewer->getGLWidget()->setFocus();
+    activeViewer().getGLWidget()->setFocus();
 }
 
 void MainWindow::followViewer()
 {
     menus->followScene(scene);
     const auto check = [this](Command command, bool on) { (*menus)[command]->setChecked(on); };
-    const BesideView* const active = sideBySide->getActive();
-    check(Command::SET_PERSPECTIVE,
-          scene && (active ? active->getCameraNumbers() : getCameraNumbers()).perspective);
+    check(Command::SET_PERSPECTIVE, scene && getActiveCamera().perspective);
     check(Command::TOGGLE_BOXES, viewer->isShowingBoundingBoxes());
     check(Command::TOGGLE_FRAMES, SoQtGeneralViewer::isShowingFramesPerSecond());
     check(Command::TOGGLE_WHEELS, viewer->isDecoration());
@@ -1686,10 +1728,10 @@ void MainWindow::choosePicture()
     if (player)
         player->setPlaying(false); // the picture is that of one frame
     // Of what is shown then: a style that was asked for may come while it asks.
-    const SbVec2s size = ownedViewer->getGLSize();
+    const PictureRequest size = getPictured(shownStyle).picture.size;
     PictureDialog dialog(pictureChoice,
                          {shownStyle,
-                          {size[0], size[1]},
+                          {size.width, size.height},
                           !shownOf(measurements->get()).empty(),
                           folderOfFiles(),
                           [this](const PictureChoice& choice, const QSize& room) {
@@ -1703,7 +1745,7 @@ void MainWindow::choosePicture()
     if (dialog.exec() != QDialog::Accepted)
         return;
     pictureChoice = dialog.getChoice();
-    statusText->tell({{"Saved", dialog.getSaved().toStdString()}});
+    statusText->tell({{"Saved" + wordsOf(picturedBeside()), dialog.getSaved().toStdString()}});
 }
 
 void MainWindow::savePicture(const QString& file)
@@ -1721,7 +1763,7 @@ void MainWindow::savePicture(const QString& file)
         QApplication::restoreOverrideCursor();
     }
     if (failure.empty())
-        statusText->tell({{"Saved", name}});
+        statusText->tell({{"Saved" + wordsOf(picturedBeside()), name}});
     else
         tellFailure(this, "Cannot save", failure);
 }
@@ -1785,7 +1827,8 @@ void MainWindow::setFullScreen(bool full)
 // The view has an Esc of its own: this one comes from beside it.
 void MainWindow::keyPressEvent(QKeyEvent* event)
 {
-    if (event->key() != Qt::Key_Escape || viewer->getGLWidget()->hasFocus()) {
+    QWidget* const view = activeViewer().getGLWidget();
+    if (event->key() != Qt::Key_Escape || view->hasFocus()) {
         SoQtGeneralViewerDialog::keyPressEvent(event);
         return;
     }
@@ -1794,7 +1837,7 @@ void MainWindow::keyPressEvent(QKeyEvent* event)
         panel->forgetTyping();
     tellStyle();
     update3DZoom();
-    viewer->getGLWidget()->setFocus();
+    view->setFocus();
 }
 
 void MainWindow::changeEvent(QEvent* event)
@@ -1830,7 +1873,7 @@ void MainWindow::perform(const Deed& deed, bool on)
     if (const auto* asked = std::get_if<Command>(&deed))
         command(*asked, on);
     else if (const auto* step = std::get_if<SoQtGeneralViewer::CameraStep>(&deed))
-        viewer->stepCamera(*step);
+        activeViewer().stepCamera(*step);
     else
         viewFrom(std::get<Side>(deed));
     update3DZoom();
@@ -1854,7 +1897,7 @@ void MainWindow::command(Command asked, bool isOn)
         {Command::SAVE_SESSION_AS, [](MainWindow& w, bool) { w.chooseSession(); }},
         {Command::WATCH_FILES, [](MainWindow& w, bool on) { w.setWatching(on); }},
         {Command::SAVE_PICTURE, [](MainWindow& w, bool) { w.choosePicture(); }},
-        {Command::TAKE_SCREENSHOT, [](MainWindow& w, bool) { w.viewer->renderOffscreen(); }},
+        {Command::TAKE_SCREENSHOT, [](MainWindow& w, bool) { w.activeViewer().renderOffscreen(); }},
         {Command::COPY_CAMERA, [](MainWindow& w, bool) { w.copyCamera(); }},
         {Command::COPY_COMMAND, [](MainWindow& w, bool) { w.copyCommand(); }},
         {Command::SAVE_DEFAULTS, [](MainWindow& w, bool) { w.saveDefaults(); }},
@@ -1864,8 +1907,8 @@ void MainWindow::command(Command asked, bool isOn)
         {Command::CLOSE, [](MainWindow& w, bool) { w.close(); }},
         {Command::QUIT, [](MainWindow& w, bool) { w.close(); }},
         {Command::VIEW_ALL, [](MainWindow& w, bool) { w.viewAll(); }},
-        {Command::GO_HOME, [](MainWindow& w, bool) { w.goHome(); }},
-        {Command::KEEP_VIEW, [](MainWindow& w, bool) { w.views->askToKeep(w.getCameraNumbers()); }},
+        {Command::GO_HOME, [](MainWindow& w, bool) { w.bringActiveHome(); }},
+        {Command::KEEP_VIEW, [](MainWindow& w, bool) { w.views->askToKeep(w.getActiveCamera()); }},
         {Command::SET_PERSPECTIVE, [](MainWindow& w, bool on) { w.setPerspective(on); }},
         {Command::SHOW_BESIDE, [](MainWindow& w, bool on) { w.showBeside(on); }},
         {Command::TIE_VIEWS,

@@ -89,6 +89,8 @@ public:
     void showScene(DataScene* scene, const std::vector<std::string>& files,
                    CameraChoice choice = NEW_CAMERA);
     CameraNumbers getCameraNumbers() const;
+    /// Of the view that its user turns: see SideBySide::getActive().
+    CameraNumbers getActiveCamera() const;
     bool hasScene() const;
     /// Acts once, as soon as the screen shows a whole frame that was drawn after this call.
     void whenPainted(std::function<void()> act);
@@ -200,6 +202,11 @@ protected:
 private:
     /// What a picture shows, in this style.
     PicturedView getPictured(const StyleRequest& style) const;
+    /// The further view that it is of, null for the first: that which its user turns, unless that
+    /// shows another file, which by itself has other coordinates and colours.
+    const BesideView* picturedBeside() const;
+    /// ", of the second view": where there are several, of which of them something is.
+    std::string wordsOf(const BesideView* view) const;
 
     void buildMenus();
     /// What the view is in.
@@ -302,6 +309,11 @@ private:
 
     void place(const CameraRequest& request);
     void goHome();
+    // Of the view that its user turns
+    void placeActive(const CameraRequest& request);
+    void bringActiveHome();
+    WindowViewer& activeViewer() const;
+    SoQtGeneralViewer* getZoomedViewer() const override;
     void fit();
     /// Whether the view is as it was fitted.
     bool isFitted() const;

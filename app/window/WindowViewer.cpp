@@ -129,6 +129,11 @@ void WindowViewer::fit(std::optional<double> margin)
     fitScene(*getCamera(), data, SbViewportRegion(getGLSize()), data->getLegendRoom(), margin);
 }
 
+void WindowViewer::centre(const SbBox3f& box)
+{
+    fitBox(*getCamera(), box, data, SbViewportRegion(getGLSize()), data->getLegendRoom());
+}
+
 void WindowViewer::setPerspective(bool perspective)
 {
     setCameraType(perspective ? SoPerspectiveCamera::getClassTypeId()

@@ -75,6 +75,8 @@ public:
     void place(const CameraRequest& request);
     void fit(std::optional<double> margin);
     void setPerspective(bool perspective);
+    /// A box of that in the middle, as large as it can be.
+    void centre(const SbBox3f& box);
     void setViewing(SbBool viewing) override;
     /// What a click at that place of the view would pick; null if nothing.
     std::unique_ptr<SoPickedPoint> pickedAt(const SbVec2s& place);

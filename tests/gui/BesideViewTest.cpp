@@ -7,23 +7,30 @@
 #include <string>
 #include <vector>
 
+#include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
+#include <QClipboard>
 #include <QGLWidget>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMenu>
 #include <QScreen>
 #include <QTest>
 #include <QToolButton>
+#include <QTreeView>
 #include <gmock/gmock.h>
 
 #include <strandview/model/Configuration.h>
 
 #include "DataWindowTest.h"
+#include "User.h"
 #include "camera/Camera.h"
 #include "scene/DataScene.h"
 #include "support/realInput.h"
+#include "window/NamedViews.h"
 #include "window/SideBySide.h"
+#include "window/ThingsModel.h"
 #include "window/ViewCaption.h"
 
 namespace strandview {
@@ -460,6 +467,122 @@ TEST_F(BesideViewTest, TheViewThatWasClickedLastIsTheOneThatKeysTurn)
         EXPECT_TRUE(comesTo([&] { return cameras()[i].size == whole.size; }));
         for (std::size_t other = 0; other < 4; ++other)
             EXPECT_EQ(cameras()[other] == before[other], other != i) << other << " after " << i;
+    }
+}
+
+TEST_F(BesideViewTest, HomeIsWhereEachViewBegan)
+{
+    ASSERT_NO_FATAL_FAILURE(openBent(besideOf({"same", "same"})));
+    const auto before = cameras();
+    for (std::size_t i = 0; i < 3; ++i) {
+        ASSERT_TRUE(turn(*viewsOnScreen()[i], [&] { return cameras()[i]; }));
+        const auto turned = cameras();
+        pressRealKey("Home");
+        EXPECT_TRUE(comesTo([&] { return cameras()[i] == before[i]; })) << i;
+        for (std::size_t other = 0; other < 3; ++other)
+            EXPECT_TRUE(other == i || cameras()[other] == turned[other]) << other << " of " << i;
+    }
+}
+
+TEST_F(BesideViewTest, NamedViewsAreOfTheViewThatWasClickedLast)
+{
+    ASSERT_NO_FATAL_FAILURE(openBent(besideOf({"same", "same"})));
+    ASSERT_NO_FATAL_FAILURE(turnFurther(0));
+    const auto before = cameras();
+    const User user({{[] {
+                          QWidget* const dialog = QApplication::activeModalWidget();
+                          return dialog && dialog->isActiveWindow();
+                      },
+                      [] { pressRealKey("Return"); }}});
+    pressRealKey("Control+Shift+v");
+    ASSERT_TRUE(comesTo([&] { return user.isDone() && !QApplication::activeModalWidget(); }));
+    EXPECT_EQ(window->getViews().get(), (NamedViews::Views{{"View 1", before[1]}}));
+    click(*viewsOnScreen()[2]);
+    ASSERT_TRUE(comesTo([this] { return beside().getActive() == &further(1); }));
+    pressRealKey("Alt+1");
+    EXPECT_TRUE(comeToBeSeenFrom({before[0], before[1], before[1]}));
+    window->resize(window->width() - 400, window->height());
+    ASSERT_TRUE(comesToBePainted());
+    EXPECT_TRUE(cameras()[2] == before[1]) << "it was not fitted";
+}
+
+TEST_F(BesideViewTest, MenusAndTheZoomAreOfTheViewThatWasClickedLast)
+{
+    ASSERT_NO_FATAL_FAILURE(openBent(besideOf({"same"})));
+    auto* const zoom = window->findChild<QLineEdit*>("zoomLineEdit");
+    const auto zoomOf = [](SoQtGeneralViewer& viewer) {
+        return QString::number(viewer.getCameraZoom(), 'g', 6);
+    };
+    click(*viewsOnScreen()[1]);
+    ASSERT_TRUE(comesTo([this] { return beside().getActive() == &further(0); }));
+    const auto before = cameras();
+    pressRealKey("Alt+s");
+    EXPECT_TRUE(comesTo([&] { return zoom->text() == zoomOf(further(0).getViewer()); }));
+    ASSERT_NO_FATAL_FAILURE(typeInto(*zoom, {"5", "0", "Return"}));
+    EXPECT_TRUE(comesTo([&] { return zoomOf(further(0).getViewer()) == "50"; }));
+    EXPECT_EQ(beside().getActive(), &further(0));
+    EXPECT_TRUE(viewsOnScreen()[1]->hasFocus());
+    const CameraNumbers zoomed = further(0).getCameraNumbers();
+    action("About the viewing axis")->trigger();
+    EXPECT_TRUE(comesTo([&] { return !(further(0).getCameraNumbers() == zoomed); }));
+    EXPECT_TRUE(cameras()[0] == before[0]);
+    click(*viewsOnScreen()[0]);
+    EXPECT_TRUE(comesTo([&] { return zoom->text() != "50"; }));
+}
+
+TEST_F(BesideViewTest, EscapeGivesTheKeyboardBackToTheViewThatWasClickedLast)
+{
+    ASSERT_NO_FATAL_FAILURE(openBent(besideOf({"same"})));
+    click(*viewsOnScreen()[1]);
+    ASSERT_TRUE(comesTo([this] { return beside().getActive() == &further(0); }));
+    const bool isTurning = further(0).getViewer().isViewing();
+    pressRealKey("Escape"); // which is its own
+    ASSERT_TRUE(comesTo([&] { return further(0).getViewer().isViewing() != isTurning; }));
+    EXPECT_TRUE(viewsOnScreen()[1]->hasFocus());
+    auto* const zoom = window->findChild<QLineEdit*>("zoomLineEdit");
+    click(*zoom);
+    ASSERT_TRUE(comesTo([&] { return zoom->hasFocus(); }));
+    pressRealKey("Escape");
+    EXPECT_TRUE(comesTo([this] { return viewsOnScreen()[1]->hasFocus(); }));
+    EXPECT_EQ(beside().getActive(), &further(0));
+}
+
+TEST_F(BesideViewTest, AThingIsCentredInTheViewThatWasClickedLast)
+{
+    options.beside = besideOf({"same"});
+    ASSERT_NO_FATAL_FAILURE(openText(std::string(BENT) + "\n5 0 0\n6 0.5 0.2\n", "two.txt"));
+    ASSERT_TRUE(comesToShow(1));
+    click(*viewsOnScreen()[1]);
+    ASSERT_TRUE(comesTo([this] { return beside().getActive() == &further(0); }));
+    const auto* const list = window->findChild<QTreeView*>("thingsList");
+    ASSERT_NE(list, nullptr);
+    pressRealKey("t");
+    ASSERT_TRUE(comesTo([&] { return list->isVisible(); }));
+    ASSERT_TRUE(comesToBePainted());
+    const auto before = cameras();
+    const QModelIndex ofFile = list->model()->index(0, ThingsModel::NAME);
+    const QModelIndex rod = list->model()->index(0, ThingsModel::NAME, ofFile);
+    click(*list->viewport(), list->visualRect(rod).center());
+    ASSERT_TRUE(comesTo([&] { return list->selectionModel()->isSelected(rod); }));
+    click(*window->findChild<QAbstractButton*>("centreButton"));
+    EXPECT_TRUE(comesTo([&] { return cameras()[1].size < before[1].size; }));
+    EXPECT_TRUE(cameras()[0] == before[0]);
+    EXPECT_EQ(directionOf(cameras()[1]), directionOf(before[1]));
+}
+
+TEST_F(BesideViewTest, ACopiedCameraIsThatOfTheViewThatWasClickedLast)
+{
+    ASSERT_NO_FATAL_FAILURE(openBent(besideOf({"same", folder.write("a.txt", rodTo(3))})));
+    const char* const names[] = {"first", "second", "third"};
+    for (std::size_t i = 0; i < 3; ++i) {
+        click(*viewsOnScreen()[i]);
+        ASSERT_TRUE(
+            comesTo([&] { return beside().getActive() == (i == 0 ? nullptr : &further(i - 1)); }));
+        pressRealKey("Control+k");
+        const std::string text = "--camera " + formatCamera(cameras()[i]);
+        const std::string told = std::string("Copied, of the ") + names[i] + " view: " + text;
+        EXPECT_TRUE(comesTo([&] { return statusText() == told; })) << statusText();
+        EXPECT_EQ(QApplication::clipboard()->text().toStdString(), text);
     }
 }
 

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <set>
 
 #include <QAbstractSpinBox>
 #include <QApplication>
@@ -32,11 +33,14 @@
 #include "support/runProgram.h"
 #include "window/MeasurementKeeper.h"
 #include "window/PlaceMarks.h"
+#include "window/Player.h"
+#include "window/SideBySide.h"
 
 namespace strandview {
 
 using testing::HasSubstr;
 using testing::Not;
+using testing::StartsWith;
 
 namespace {
 
@@ -53,6 +57,18 @@ protected:
         static_cast<StyleRequest&>(options) = style;
         ASSERT_NO_FATAL_FAILURE(openText(ROD, "my rod.txt"));
         ASSERT_TRUE(comesToBePainted());
+    }
+    // Of several, the first is 0.
+    QWidget& viewOf(std::size_t index) const
+    {
+        if (index == 0)
+            return *view();
+        return *window->getSideBySide().getViews().at(index - 1)->getViewer().getGLWidget();
+    }
+    void activate(std::size_t index) const
+    {
+        click(viewOf(index));
+        ASSERT_TRUE(comesTo([&] { return viewOf(index).hasFocus(); }));
     }
     static PictureDialog* dialog()
     {
@@ -156,6 +172,74 @@ TEST_F(PictureDialogTest, AWidthThatIsTypedIsThatOfThePictureAndOfTheCopiedComma
     const std::string line = runCopiedCommand();
     EXPECT_THAT(line, HasSubstr(" --size 300x"));
     EXPECT_TRUE(bytesOf("knot.png") == bytesOf("picture.png")) << line;
+}
+
+// All of them as large as the view that they are of.
+TEST_F(PictureDialogTest, ItAndTheCopiedCommandAreOfTheViewThatWasClickedLast)
+{
+    options.beside = besideOf({"same", "same"});
+    StyleRequest style;
+    style.colourBy = "load";
+    ASSERT_NO_FATAL_FAILURE(openRod(style));
+    ASSERT_TRUE(comesTo([this] { return sceneBeside(0) && sceneBeside(1); }));
+    std::set<std::string> pictures;
+    const char* const names[] = {"first", "second", "third"};
+    for (std::size_t i = 0; i < 3; ++i) {
+        ASSERT_NO_FATAL_FAILURE(activate(i));
+        const QSize size = viewOf(i).size();
+        ASSERT_NO_FATAL_FAILURE(savePicture(
+            {inDialog([&] {
+                 EXPECT_EQ(find<QDoubleSpinBox>("pictureWidth")->value(), size.width());
+                 EXPECT_EQ(find<QDoubleSpinBox>("pictureHeight")->value(), size.height());
+                 pressRealKey("Return");
+             }),
+             nameFile(names[i])}));
+        const std::string ofView = std::string(", of the ") + names[i] + " view";
+        EXPECT_THAT(statusText(), StartsWith("Saved" + ofView));
+        const std::string line = runCopiedCommand();
+        EXPECT_THAT(statusText(), StartsWith("Copied" + ofView + ": strandview "));
+        const std::string bytes = bytesOf(names[i] + std::string(".png"));
+        EXPECT_TRUE(bytes == bytesOf("picture.png")) << line;
+        pictures.insert(bytes);
+    }
+    EXPECT_EQ(pictures.size(), 3u);
+}
+
+TEST_F(PictureDialogTest, OfAViewOfTheFirstFrameItIsThatFrame)
+{
+    options.beside = {{"first"}, false};
+    options.colourBy = "curvature";
+    const std::string bent = "t x y z\n0 0 0 0\n0 1 0.1 0\n0 2 0 0\n1 0 0 0\n1 1 0.5 0\n1 2 0 0\n";
+    ASSERT_NO_FATAL_FAILURE(openText(bent, "run.txt"));
+    ASSERT_NE(player(), nullptr);
+    ASSERT_TRUE(comesTo([this] { return player()->isStaged() && sceneBeside(); }));
+    player()->goTo(1);
+    ASSERT_TRUE(comesTo([this] {
+        return player()->getFrame() == 1 && player()->isUpToDate() &&
+               !window->getSideBySide().isAtWork();
+    }));
+    ASSERT_NO_FATAL_FAILURE(activate(1));
+    ASSERT_TRUE(comesToBePainted());
+    for (const char* frame : {"0", "1"}) {
+        window->savePicture(QString::fromStdString(folder.path("frame.png")));
+        EXPECT_THAT(runCopiedCommand(), HasSubstr(std::string(" --frame ") + frame));
+        EXPECT_EQ(picture("frame.png"), picture("picture.png"));
+        ASSERT_NO_FATAL_FAILURE(activate(0));
+    }
+}
+
+TEST_F(PictureDialogTest, OfAViewOfAnotherFileItIsThatOfTheFirstAndSaysSo)
+{
+    options.beside = {{folder.write("other.txt", "0 0 0\n1 2 0\n")}, false};
+    ASSERT_NO_FATAL_FAILURE(openRod());
+    ASSERT_TRUE(comesTo([this] { return sceneBeside(); }));
+    ASSERT_NO_FATAL_FAILURE(activate(1));
+    window->savePicture(QString::fromStdString(folder.path("saved.png")));
+    EXPECT_THAT(statusText(), StartsWith("Saved, of the first view"));
+    const std::string line = runCopiedCommand();
+    EXPECT_THAT(statusText(), StartsWith("Copied, of the first view: "));
+    EXPECT_THAT(line, HasSubstr(formatCamera(window->getCameraNumbers())));
+    EXPECT_TRUE(bytesOf("saved.png") == bytesOf("picture.png"));
 }
 
 TEST_F(PictureDialogTest, MillimetresAreTypedWithACommaAndKeptInTheFile)
