@@ -2,6 +2,7 @@
 #include "window/MainWindow.h"
 
 #include <algorithm>
+#include <chrono>
 #include <map>
 #include <utility>
 
@@ -84,6 +85,9 @@ namespace strandview {
 namespace {
 
 const char* const GEOMETRY = "windowGeometry";
+
+// So long the window may wait for what is loaded, and not answer: nobody notices.
+const std::chrono::milliseconds SOON(50);
 
 // So near to a point of the data, in the desktop's pixels, a click means that point.
 const double SNAP = 6;
@@ -645,11 +649,19 @@ void MainWindow::load(const std::vector<std::string>& files, const Options& aske
            choice, next);
 }
 
-// What takes no time is shown with the next frame.
+// What takes no time is shown with the next frame, and nothing is said of what takes hardly any.
 void MainWindow::finishIfSoon()
 {
-    if (job->waitFor(LoadJob::PATIENCE))
+    if (job->waitFor(SOON))
         job->finish();
+    else
+        tellLoadingLater();
+}
+
+void MainWindow::tellLoadingLater()
+{
+    loadBar->hide();
+    QTimer::singleShot(LoadJob::PATIENCE, job.get(), [this] { showLoading(); });
 }
 
 void MainWindow::follow(std::unique_ptr<LoadJob> newJob, Tell tell, CameraChoice choice,
@@ -859,7 +871,8 @@ void MainWindow::beginToPlay(const ReadReport& report, Start start)
     };
     playBar->reset(start.range);
     player = std::make_unique<Player>(
-        *scene, loaded, open, FrameStore::Plan{scene->getStyle(), scene->getPlacement(), ofFrames},
+        *scene, loaded, open,
+        FrameStore::Plan{scene->getStyle(), scene->getPlacement(), ofFrames, scene->getColouring()},
         *playBar);
     connect(player.get(), &Player::playingChanged, (*menus)[Command::PLAY], &QAction::setChecked);
     connect(player.get(), &Player::playingChanged, this,
@@ -1064,8 +1077,7 @@ void MainWindow::readChanged()
         else
             statusText->tell({toldOfWaiting(report.error, shownFiles)});
     });
-    loadBar->hide();
-    QTimer::singleShot(LoadJob::PATIENCE, job.get(), [this] { showLoading(); });
+    tellLoadingLater();
 }
 
 // Camera
@@ -1433,8 +1445,9 @@ void MainWindow::showStyle(Restyler::Result& result)
         fit();
     }
     if (player)
-        player->follow({scene->getStyle(), scene->getPlacement(), result.task.options},
-                       isOtherScalar ? FrameStore::NEW_STAGE : FrameStore::SAME_STAGE);
+        player->follow(
+            {scene->getStyle(), scene->getPlacement(), result.task.options, scene->getColouring()},
+            isOtherScalar ? FrameStore::NEW_STAGE : FrameStore::SAME_STAGE);
     showLights(); // highlights come and go with colours of data
     followClip();
     outlineChosen();

@@ -221,6 +221,7 @@ private:
     void load(const std::vector<std::string>& files, const Options& asked, CameraChoice choice,
               const std::optional<Options>& next, Tell tell);
     void finishIfSoon();
+    void tellLoadingLater();
     void tellChanged(const std::vector<std::string>& files);
     QString title() const;
     void showLoading();
