@@ -253,9 +253,7 @@ QWidget* MainWindow::buildView()
     viewer->addResizeCB(refit, this);
     ownedViewer->onTab = [this](bool isForward) { focusNextPrevChild(isForward); };
     coarseDrawing = std::make_unique<CoarseDrawing>([this](bool coarse) {
-        viewer->drawCoarsely(coarse);
-        if (scene)
-            scene->drawCoarsely(coarse);
+        ownedViewer->drawCoarsely(coarse);
         sideBySide->drawCoarsely(coarse);
     });
     ownedViewer->onHome = [this] { goHome(); };
@@ -272,7 +270,10 @@ QWidget* MainWindow::buildView()
 void MainWindow::buildViews()
 {
     sideBySide->setFirst(*ownedViewer);
-    sideBySide->onShown = [this] { keepRoom(); };
+    sideBySide->onShown = [this] {
+        keepRoom();
+        drawCoarselyFirst();
+    };
     sideBySide->onCamera = [this] { update3DZoom(); };
     sideBySide->onPick = [this](const Told& told) { statusText->tell({told}); };
     sideBySide->onFailure = [this](std::size_t index, const std::string& error) {
@@ -515,6 +516,7 @@ void MainWindow::showScene(DataScene* newScene, const std::vector<std::string>& 
     curves->showScene(*scene, loadedFrame(), CurvePanel::OTHER_FILES);
     scene->showColours((*menus)[Command::SHOW_COLOURS]->isChecked());
     cut(); // of now, whatever it was when it began to be read
+    drawCoarselyFirst();
     viewer->setSceneGraph(static_cast<SoGeneralScene*>(scene));
     scene->draw(options.drawing);
     scene->keepLineWidth();
@@ -598,7 +600,10 @@ void MainWindow::whenPainted(std::function<void()> act)
     ownedViewer->frameWaiter->setParent(this);
 }
 
-bool MainWindow::isRestyling() const { return restyler.isAtWork() || coarseDrawing->isChanging(); }
+bool MainWindow::isRestyling() const
+{
+    return restyler.isAtWork() || coarseDrawing->isChanging() || sideBySide->isRefining();
+}
 
 const PlaceMarks& MainWindow::getMarks() const { return ownedViewer->marks; }
 
@@ -1006,6 +1011,13 @@ void MainWindow::abandonJob()
 
 bool MainWindow::isLoading() const { return job != nullptr; }
 
+// Of much data, so that they are seen at once.
+void MainWindow::drawCoarselyFirst()
+{
+    if (scene && takesLong(*scene))
+        coarseDrawing->noteChange();
+}
+
 // The first frame of much data takes long, and the window does not answer then.
 void MainWindow::showDrawing()
 {
@@ -1227,6 +1239,7 @@ void MainWindow::openBeside(SideBySide::Files files)
     const std::string caption = shownFiles.empty() ? "" : nameOf(shownFiles);
     sideBySide->open(caption, std::move(sources), files, ownedViewer->home);
     sideBySide->setTied(options.beside.isTied);
+    drawCoarselyFirst();
     followBeside(BesideView::NEW_SOURCE);
     keepRoom();
 }

@@ -225,6 +225,7 @@ private:
     void tellChanged(const std::vector<std::string>& files);
     QString title() const;
     void showLoading();
+    void drawCoarselyFirst();
     void showDrawing();
     void buildWatcher();
     void watchFiles();

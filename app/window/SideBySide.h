@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include <QTimer>
 #include <QWidget>
 
 #include "window/BesideView.h"
@@ -58,7 +59,9 @@ public:
     void followLooks(const DataScene& first);
     void showColours(bool ofData);
     void setBackground(const SbColor& background);
+    /// Finely one after the other, so that events are processed between their frames.
     void drawCoarsely(bool coarse);
+    bool isRefining() const { return refinement.isActive(); }
     /// That all together have taken.
     SbBox3f getRoom() const;
 
@@ -86,6 +89,7 @@ private:
     void activate(BesideView* view);
     void arrange();
     void share(double width, double height);
+    void refine();
 
     QGridLayout* grid;
     QWidget* firstColumn;
@@ -97,6 +101,7 @@ private:
     BesideView* active = nullptr;
     std::size_t arranged = 0;         ///< so many further ones
     double width = 0.5, height = 0.5; ///< of the first view, as a part of all
+    QTimer refinement;                ///< until the next one is drawn finely
     bool isTied = true;
     bool isFollowing = false;
 };

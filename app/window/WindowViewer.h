@@ -75,6 +75,9 @@ public:
     void place(const CameraRequest& request);
     void fit(std::optional<double> margin);
     void setPerspective(bool perspective);
+    /// With its data. Where a frame of all rows takes a software driver long, those nearer than
+    /// half a pixel are never drawn.
+    void drawCoarsely(bool coarse);
     void setViewing(SbBool viewing) override;
     /// What a click at that place of the view would pick; null if nothing.
     std::unique_ptr<SoPickedPoint> pickedAt(const SbVec2s& place);
