@@ -1,15 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The rows of strands in the tree of what is shown, as the user of a window
-// sees them: with the X server's keys and mouse.
+// The rows of strands in the tree of what is shown, and the look of those that are chosen there, as
+// the user of a window sees them: with the X server's keys and mouse.
 #include <optional>
 #include <string>
+#include <vector>
 
 #include <QComboBox>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QTest>
+#include <QToolButton>
 #include <QTreeView>
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include "DataWindowTest.h"
 #include "pureColours.h"
@@ -21,6 +24,8 @@
 #include "window/ThingsPanel.h"
 
 namespace strandview {
+
+using testing::HasSubstr;
 
 namespace {
 
@@ -108,6 +113,41 @@ protected:
     {
         return comesTo([=] { return shows(red, blue, green); });
     }
+    // Of what is chosen, where its panel shows the control of that name.
+    void openLook(const char* control) const
+    {
+        pressRealKey("Escape"); // to the view
+        pressRealKey("o");
+        auto* const whose = window->findChild<QComboBox*>("lookOf");
+        ASSERT_TRUE(comesTo([&] { return whose->isVisible(); }));
+        whose->setFocus();
+        ASSERT_TRUE(comesTo([&] { return whose->hasFocus(); }));
+        pressRealKey("Down");
+        ASSERT_TRUE(comesTo([&] { return whose->currentIndex() == 1; }));
+        window->findChild<QWidget*>("lookPanel")
+            ->findChild<QScrollArea*>()
+            ->ensureWidgetVisible(window->findChild<QWidget*>(control));
+        QTest::qWait(500); // until the panel has slid into its place
+        ASSERT_TRUE(comesToBePainted());
+    }
+    QLineEdit* field(const char* name) const { return window->findChild<QLineEdit*>(name); }
+    void typeInto(const char* name, const std::vector<std::string>& keys) const
+    {
+        field(name)->setFocus();
+        ASSERT_TRUE(comesTo([&] { return field(name)->hasFocus(); }));
+        pressRealKey("Control+a");
+        for (const std::string& key : keys)
+            pressRealKey(key);
+        pressRealKey("Return");
+        ASSERT_TRUE(comesToBeRestyled());
+    }
+    bool comesToBeRestyled() const
+    {
+        return comesTo([this] { return !window->isRestyling(); }) && comesToBePainted();
+    }
+    int count(bool (*holds)(const QColor&)) const { return countPixels(screen(), holds); }
+    // Until what is changed next is taken back by itself.
+    static void waitForNextStep() { QTest::qWait(int(History::TOGETHER.count()) + 100); }
     std::string asked() const { return settingOf("thing").write(window->getStyle()).value_or(""); }
 };
 
@@ -152,7 +192,7 @@ TEST_F(StrandRowsTest, AStrandIsShownAloneAndCanBeTakenBack)
 {
     openUnfolded();
     clickRow(row(STRAND_2));
-    QTest::qWait(int(History::TOGETHER.count()) + 100); // the colours are a step before
+    waitForNextStep(); // the colours are one before
     press("onlyButton");
     EXPECT_TRUE(comesToShow(false, true, false));
     EXPECT_NE(asked().find("birod 1 strand 2: shown, colour=#0000ff"), std::string::npos);
@@ -248,6 +288,35 @@ TEST_F(StrandRowsTest, AStrandIsCentredAndPicksAreToldByItsName)
     const QPoint place = onScreen(1, -1);
     clickRealRightButton(place.x(), place.y());
     EXPECT_TRUE(comesTo([this] { return statusText().find(" – arm") != std::string::npos; }));
+}
+
+TEST_F(StrandRowsTest, AChosenStrandHasARadiusOfItsOwnInThePanelOfLooks)
+{
+    openUnfolded();
+    clickRow(row(STRAND_1));
+    ASSERT_NO_FATAL_FAILURE(openLook("radiusField"));
+    const int red = count(isRed), blue = count(isBlue), green = count(isGreen);
+    ASSERT_GT(red, 100);
+    EXPECT_EQ(field("radiusField")->text(), "0.2");
+    ASSERT_NO_FATAL_FAILURE(typeInto("radiusField", {"0", "period", "4"}));
+    EXPECT_THAT(asked(), HasSubstr("birod 1 strand 1: colour=#ff0000, radius=0.4"));
+    EXPECT_EQ(window->getStyle().radius, 0.2);
+    EXPECT_NEAR(count(isRed), 2 * red, 0.3 * red);
+    EXPECT_NEAR(count(isBlue), blue, 0.1 * blue);
+    EXPECT_NEAR(count(isGreen), green, 0.1 * green);
+
+    waitForNextStep();
+    click(*window->findChild<QToolButton*>("radiusReset"));
+    EXPECT_TRUE(comesTo([this] { return asked().find("radius") == std::string::npos; }));
+    ASSERT_TRUE(comesToBeRestyled());
+    EXPECT_NEAR(count(isRed), red, 0.1 * red);
+    EXPECT_EQ(field("radiusField")->text(), "0.2");
+    waitForNextStep();
+    pressRealKey("Escape"); // or the field takes its text back
+    pressRealKey("Control+z");
+    EXPECT_TRUE(comesTo([this] { return field("radiusField")->text() == "0.4"; }));
+    ASSERT_TRUE(comesToBeRestyled());
+    EXPECT_NEAR(count(isRed), 2 * red, 0.3 * red);
 }
 
 } // namespace strandview
