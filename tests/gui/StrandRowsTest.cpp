@@ -9,6 +9,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QScrollArea>
+#include <QSlider>
 #include <QTest>
 #include <QToolButton>
 #include <QTreeView>
@@ -317,6 +318,65 @@ TEST_F(StrandRowsTest, AChosenStrandHasARadiusOfItsOwnInThePanelOfLooks)
     EXPECT_TRUE(comesTo([this] { return field("radiusField")->text() == "0.4"; }));
     ASSERT_TRUE(comesToBeRestyled());
     EXPECT_NEAR(count(isRed), 2 * red, 0.3 * red);
+}
+
+TEST_F(StrandRowsTest, AChosenStrandHasATransparencyOfItsOwnInThePanelOfLooks)
+{
+    openUnfolded();
+    clickRow(row(STRAND_1));
+    ASSERT_NO_FATAL_FAILURE(openLook("transparencyField"));
+    const SoNode* const node = scene->getShown(BIRODS)[0].node;
+    const int red = count(isRed), blue = count(isBlue), green = count(isGreen);
+    ASSERT_GT(red, 100);
+    EXPECT_EQ(field("transparencyField")->text(), "0");
+    ASSERT_NO_FATAL_FAILURE(typeInto("transparencyField", {"0", "period", "7"}));
+    EXPECT_THAT(asked(), HasSubstr("birod 1 strand 1: colour=#ff0000, transparency=0.7"));
+    EXPECT_EQ(window->getStyle().transparency, 0);
+    const auto isLight = [](const QColor& c) {
+        return c.red() > 200 && c.green() > 60 && c.green() < 230;
+    };
+    EXPECT_LT(count(isRed), red / 10);
+    EXPECT_GT(count(isLight), red / 2) << "the background is white";
+    EXPECT_NEAR(count(isBlue), blue, 0.05 * blue);
+    EXPECT_NEAR(count(isGreen), green, 0.05 * green);
+    EXPECT_EQ(scene->getShown(BIRODS)[0].node, node) << "nothing was built anew";
+
+    waitForNextStep();
+    click(*window->findChild<QToolButton*>("transparencyReset"));
+    EXPECT_TRUE(comesTo([this] { return asked().find("transparency") == std::string::npos; }));
+    ASSERT_TRUE(comesToBeRestyled());
+    EXPECT_NEAR(count(isRed), red, 0.05 * red);
+    waitForNextStep();
+    pressRealKey("Escape"); // or the field takes its text back
+    pressRealKey("Control+z");
+    EXPECT_TRUE(comesTo([this] { return field("transparencyField")->text() == "0.7"; }));
+    ASSERT_TRUE(comesToBeRestyled());
+    EXPECT_LT(count(isRed), red / 10);
+}
+
+TEST_F(StrandRowsTest, TheSliderLetsAnAverageBeSeenThroughInOneStep)
+{
+    openUnfolded();
+    clickRow(row(AVERAGE));
+    ASSERT_NO_FATAL_FAILURE(openLook("transparencySlider"));
+    const int red = count(isRed), green = count(isGreen);
+    const auto* const slider = window->findChild<QSlider*>("transparencySlider");
+    const int middle = slider->height() / 2;
+    const QPoint from = slider->mapToGlobal({6, middle}),
+                 to = slider->mapToGlobal({slider->width() * 3 / 4, middle});
+    dragRealPointer(from.x(), from.y(), to.x(), to.y());
+    EXPECT_TRUE(comesTo([this] {
+        return asked().find("birod 1 average: colour=#00ff00, transparency=0.") !=
+               std::string::npos;
+    }));
+    ASSERT_TRUE(comesToBeRestyled());
+    EXPECT_LT(count(isGreen), green / 10);
+    EXPECT_NEAR(count(isRed), red, 0.05 * red);
+    pressRealKey("Control+z");
+    EXPECT_TRUE(comesTo([this] { return asked().find("transparency") == std::string::npos; }))
+        << "one step";
+    ASSERT_TRUE(comesToBeRestyled());
+    EXPECT_NEAR(count(isGreen), green, 0.05 * green);
 }
 
 } // namespace strandview
