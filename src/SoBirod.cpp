@@ -376,7 +376,7 @@ void SoBirod::GLRender(SoGLRenderAction* action)
         if (isShowing(part))
             parts.push_back({getMesh(part), getMaterialOffset(part, overall)});
     }
-    drawing->draw(getIdOfMeshes(), action, parts, isDrawnCoarsely());
+    drawing->draw(getIdOfMeshes(), action, parts, leavesOutRows());
 }
 
 void SoBirod::generatePrimitives(SoAction* action)

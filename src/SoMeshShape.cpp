@@ -4,6 +4,12 @@
 #include <Inventor/SbBox3f.h>
 #include <Inventor/actions/SoGetBoundingBoxAction.h>
 
+namespace {
+
+int livingAllRows = 0;
+
+} // namespace
+
 SO_NODE_ABSTRACT_SOURCE(SoMeshShape);
 
 void SoMeshShape::initClass() { SO_NODE_INIT_ABSTRACT_CLASS(SoMeshShape, SoShape, "SoShape"); }
@@ -39,6 +45,12 @@ SbUniqueId SoMeshShape::getIdOfMeshes() const
 }
 
 bool SoMeshShape::isDrawnCoarsely() const { return coarse; }
+
+bool SoMeshShape::leavesOutRows() const { return coarse && livingAllRows == 0; }
+
+SoMeshShape::AllRows::AllRows() { ++livingAllRows; }
+
+SoMeshShape::AllRows::~AllRows() { --livingAllRows; }
 
 void SoMeshShape::copyContents(const SoFieldContainer* from, SbBool copyConnections)
 {

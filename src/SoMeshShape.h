@@ -38,6 +38,16 @@ public:
     /// together. At first not.
     void drawCoarsely(bool coarse);
     bool isDrawnCoarsely() const;
+    /// While one lives, all rows are drawn of every shape: for pictures of what a window draws
+    /// coarsely. In Coin's thread.
+    class STRANDVIEW_EXPORT AllRows
+    {
+    public:
+        AllRows();
+        ~AllRows();
+        AllRows(const AllRows&) = delete;
+        AllRows& operator=(const AllRows&) = delete;
+    };
     /// The node's id when it was changed last otherwise than by drawCoarsely(), which leaves what
     /// it draws from as it is: for whatever is kept of the meshes.
     SbUniqueId getIdOfMeshes() const;
@@ -51,6 +61,9 @@ public:
 protected:
     SoMeshShape();
     ~SoMeshShape() override;
+
+    /// Whether the drawing that is begun now does so.
+    bool leavesOutRows() const;
 
 private:
     bool coarse = false;

@@ -25,9 +25,11 @@
 #include <OffscreenContext.h>
 #include <ScreenshotDialog.h>
 #include <SoGeneralScene.h>
+#include <SoMeshShape.h>
 
 #include "detail/ascii.h"
 #include "detail/viewKeeping.h"
+#include "drawing/DepthGrid.h"
 #include "drawing/OneSample.h"
 
 // SoQt's registration asserts with this line's number, which hosts see: a test keeps it at 35.
@@ -185,6 +187,8 @@ void SoQtGeneralViewer::drawCoarsely(bool coarse)
 }
 
 bool SoQtGeneralViewer::isDrawnCoarsely() const { return isCoarse; }
+
+bool SoQtGeneralViewer::isDrawnBySoftware() const { return isBySoftware; }
 
 // Scene
 
@@ -443,6 +447,7 @@ void SoQtGeneralViewer::actualRedraw()
 {
     const OneSample oneSample(isCoarse);
     SoQtExaminerViewer::actualRedraw();
+    isBySoftware = DepthGrid::isSoftware();
 }
 
 void SoQtGeneralViewer::sizeChanged(const SbVec2s& size)
@@ -577,6 +582,7 @@ bool SoQtGeneralViewer::renderSceneForScreenshot()
     renderer->setViewportRegion(SbViewportRegion(short(width), short(height)));
     const int mapping = camera->viewportMapping.getValue();
     camera->viewportMapping = SoCamera::ADJUST_CAMERA;
+    const SoMeshShape::AllRows allRows;
     const bool rendered = renderer->render(graph);
     graph->unref();
     camera->viewportMapping = mapping;

@@ -73,6 +73,8 @@ public:
     /// ever. At first not.
     void drawCoarsely(bool coarse);
     bool isDrawnCoarsely() const;
+    /// Whether a software driver, on the processor, drew the last frame; false before the first.
+    bool isDrawnBySoftware() const;
 
     // Screenshots
 
@@ -219,6 +221,7 @@ private:
     std::unique_ptr<QObject> redrawer;
     bool whiteBackground = false;
     bool isCoarse = false;
+    bool isBySoftware = false;
     int cameraRotSteps = 12;
     std::map<SoQtGeneralViewerResizeCB*, void*> resizeCBs;
     std::map<SoQtGeneralViewerEventCB*, void*> preEventCBs;

@@ -208,7 +208,7 @@ void SoRod::GLRender(SoGLRenderAction* action)
         parts.push_back({*tubeMesh, 0});
     if (showingRibbon)
         parts.push_back({*ribbonMesh, overall ? 1 : tubeMesh->getHeight()});
-    drawing->draw(getIdOfMeshes(), action, parts, isDrawnCoarsely());
+    drawing->draw(getIdOfMeshes(), action, parts, leavesOutRows());
 }
 
 void SoRod::generatePrimitives(SoAction* action)

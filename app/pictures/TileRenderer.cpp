@@ -10,6 +10,8 @@
 #include <Inventor/nodes/SoCamera.h>
 #include <Inventor/system/gl.h>
 
+#include <SoMeshShape.h>
+
 #include "request/conversions.h"
 
 namespace strandview {
@@ -59,6 +61,7 @@ bool TileRenderer::render(SoNode* graph, int samplesLeft, int samplesBelow,
     const SbColor colour = toSbColor(background);
     glClearColor(colour[0], colour[1], colour[2], 0);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
+    const SoMeshShape::AllRows allRows;
     action.apply(graph);
     return true;
 }

@@ -317,11 +317,23 @@ private:
         bytes = cache.getBytes();
     }
 
+    std::optional<Colouring> colouringOf(const Configuration& data)
+    {
+        if (!plan.colouring)
+            return {};
+        ReadReport untold; // what it says of the data was said of the first frame
+        if (plan.options.ownRange) {
+            if (auto own = makeColouring(plan.options, data, untold, nullptr, *this))
+                return own;
+        }
+        return followColouring(*plan.colouring, data, *this);
+    }
+
     // Without a node, which are for the other thread.
     FrameToPlay prepare(std::size_t frame)
     {
         if (frame >= series->count()) // not kept: it may be there later
-            return {frame, {}, nullptr, {}, series->load(frame).error, {}, planNumber};
+            return {frame, {}, nullptr, {}, {}, series->load(frame).error, {}, planNumber};
         if (!cache.has(frame))
             load(frame);
         const Cache::Entry& entry = *cache.find(frame);
@@ -337,6 +349,9 @@ private:
         try {
             play.geometry =
                 computeGeometry(*play.data, plan.style, plan.placement, *this, play.error);
+            play.colouring = colouringOf(*play.data);
+            if (play.colouring && play.error.empty())
+                addRowColours(*play.colouring, play.geometry);
         } catch (const std::bad_alloc&) {
             play.error = TOO_LITTLE_MEMORY_FOR_FRAME;
         }

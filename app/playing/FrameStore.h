@@ -13,6 +13,7 @@
 #include <strandview/model/Series.h>
 
 #include "request/Options.h"
+#include "scene/Colouring.h"
 #include "scene/Placement.h"
 #include "scene/SceneGeometry.h"
 #include "scene/Stage.h"
@@ -29,6 +30,7 @@ struct FrameToPlay
     std::optional<double> time;
     std::shared_ptr<const Configuration> data; ///< null if it cannot be shown
     SceneGeometry geometry;
+    std::optional<Colouring> colouring;    ///< of the data; of a plan without one there is none
     std::string error = {};                ///< why not, in one line
     std::vector<std::string> notices = {}; ///< of what was done to the data
     std::size_t plan = 0;                  ///< the number of the plan that it was computed for
@@ -48,11 +50,13 @@ public:
     using Opener = std::function<std::unique_ptr<Series>(ReadReport& report, Progress& progress)>;
 
     /// What the frames are shown with; options.series.cacheMegabytes of them are kept, one always.
+    /// All have their places in the colouring, or each in one of its own if options.ownRange.
     struct Plan
     {
         Style style = {};
         Placement placement = {};
         Options options = {};
+        std::optional<Colouring> colouring = {};
     };
 
     /// What is known of the series.

@@ -141,7 +141,7 @@ std::vector<Attribute> makeAttributes()
         bySetting<&Look::twoSidedRibbon, &All::twoSidedRibbon, TWO_SIDED>("two-sided", ribbons),
         bySetting<&Look::ribbonColour, &All::ribbonColour, RIBBON_COLOUR>("ribbon-colour", ribbons),
         bySetting<&Look::transparency, &All::transparency, TRANSPARENCY>("transparency",
-                                                                         seenThrough, false)};
+                                                                         seenThrough, false, true)};
 }
 
 const std::vector<Attribute>& attributes()

@@ -156,6 +156,28 @@ SoSeparator* makeSlab(char letter, bool isUpright)
     return slab;
 }
 
+DnaLook atomsAlone(const DnaLook& look)
+{
+    DnaLook atoms;
+    atoms.atoms = look.atoms;
+    atoms.bases = atoms.baseBoxes = atoms.pairBoxes = false;
+    return atoms;
+}
+
+// Its switches are left alone where nothing changes: drawing follows who touches them.
+void showBase(SoNucleobase& base, char letter, bool isUpright, const DnaLook& look)
+{
+    const bool hasAtoms = look.atoms && SoNucleobase::isBaseCorrect(letter);
+    if (base.areAtomsShown() != hasAtoms)
+        base.showAtoms(hasAtoms);
+    if (base.isBoxShown() != look.baseBoxes)
+        base.showBox(look.baseBoxes);
+    if (look.bases && base.getNumChildren() == SLAB_OF_BASE)
+        base.addChild(makeSlab(letter, isUpright));
+    else if (!look.bases && base.getNumChildren() > SLAB_OF_BASE)
+        base.removeChild(SLAB_OF_BASE);
+}
+
 SoNucleobase* makeNucleobase(char letter, const DnaLook& look, bool isUpright)
 {
     const bool isKnown = SoNucleobase::isBaseCorrect(letter);

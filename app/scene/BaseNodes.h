@@ -20,9 +20,17 @@ Colour baseColour(char letter);
 /// dark on the side of the minor groove. Without a reference.
 SoSeparator* makeSlab(char letter, bool isUpright);
 
+/// The children of a base before its slab: atoms and box.
+const int SLAB_OF_BASE = 2;
+
 /// A base's atoms, box and slab, as far as they are shown in this look; of a letter that is not
 /// known without atoms. Without a reference.
 SoNucleobase* makeNucleobase(char letter, const DnaLook& look, bool isUpright);
+/// Lets one of a letter show what it would in another look.
+void showBase(SoNucleobase& base, char letter, bool isUpright, const DnaLook& look);
+
+/// Of a look the atoms, if they are shown.
+DnaLook atomsAlone(const DnaLook& look);
 
 } // namespace strandview
 

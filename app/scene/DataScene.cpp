@@ -81,24 +81,6 @@ void tellOf(const ShownDatum& datum, const ThingLook& look, PickedPlace& place)
     place.partner = isPart ? char(0) : complementOf(place.base);
 }
 
-// What is there of a parent: nodes of a datum, or what they are seen through in.
-void showThrough(double transparency, SoNode& ofDatum, SoGroup& parent, int child)
-{
-    auto* through = dynamic_cast<SoSeeThrough*>(parent.getChild(child));
-    if (through && transparency > 0) {
-        through->setTransparency(transparency);
-    } else if (through) {
-        ofDatum.ref(); // while what holds it goes
-        parent.replaceChild(child, &ofDatum);
-        ofDatum.unrefNoDelete();
-    } else if (transparency > 0) {
-        through = new SoSeeThrough;
-        through->setTransparency(transparency);
-        through->addChild(&ofDatum);
-        parent.replaceChild(child, through);
-    }
-}
-
 void setCoarse(const ShownDatum& datum, bool coarse)
 {
     if (auto* const shape = dynamic_cast<SoMeshShape*>(datum.node))
@@ -419,11 +401,11 @@ std::vector<Thing> DataScene::getParts(const Thing& thing) const
 SbBox3f DataScene::boxOf(const Thing& thing) const
 {
     const ShownDatum& datum = datumOf(thing);
-    if (!datum.ofParts || (thing.part == ThingPart::WHOLE && datum.hidden.empty()))
+    if (!datum.ofParts || (thing.part == ThingPart::WHOLE && datum.partLooks.hidden.empty()))
         return datum.box;
     SbBox3f shown;
     for (const Thing& part : getParts(thing)) {
-        const bool isMeant = thing.part == ThingPart::WHOLE ? datum.hidden.count(part.part) == 0
+        const bool isMeant = thing.part == ThingPart::WHOLE ? datum.partLooks.isShown(part.part)
                                                             : thing.part == part.part;
         if (isMeant)
             shown.extendBy(datum.ofParts->findBox(datum, part.part));
@@ -477,8 +459,12 @@ void DataScene::setTransparency(double transparency)
 double DataScene::transparencyOf(const Thing& thing) const
 {
     const ThingId id = idOf(thing);
-    const bool canBe = canHaveOwn("transparency", id);
-    return canBe ? getLooks().of(id).transparency.value_or(style.transparency) : 0;
+    if (!canHaveOwn("transparency", id))
+        return 0;
+    const std::optional<double> own = getLooks().of(id).transparency;
+    if (own)
+        return *own;
+    return thing.part == ThingPart::WHOLE ? style.transparency : transparencyOf(thing.whole());
 }
 
 void DataScene::showLooks()
@@ -512,7 +498,10 @@ void DataScene::showLook(const Thing& thing)
         hiding->addChild(group.getChild(index));
         group.replaceChild(index, hiding);
     }
-    showThrough(transparencyOf(thing), *datum.group, hiding ? *hiding : group, hiding ? 0 : index);
+    if (!datum.ofParts)
+        seeThrough(transparencyOf(thing), hiding ? *hiding : group, hiding ? 0 : index);
+    if (datum.setTransparency)
+        datum.setTransparency(datum, transparencyOf(thing), style.dna);
     if (look.colour && datum.setColour)
         datum.setColour(datum, toSbColor(*look.colour));
     if (datum.ofParts)
@@ -523,19 +512,25 @@ void DataScene::showLook(const Thing& thing)
 void DataScene::showParts(const Thing& thing)
 {
     ShownDatum& datum = kinds[thing.kind].data[thing.index];
-    std::set<ThingPart> hidden;
+    PartLooks looks;
+    const auto setTransparency = [&](const Thing& part) {
+        if (const double transparency = transparencyOf(part); transparency > 0)
+            looks.transparencies[part.part] = transparency;
+    };
+    setTransparency(thing);
     for (const Thing& part : getParts(thing)) {
+        setTransparency(part);
         const ThingLook look = getLook(part);
         if (look.isHidden() || look.isDeleted)
-            hidden.insert(part.part);
+            looks.hidden.insert(part.part);
         if (look.colour)
             datum.ofParts->setColour(datum, part.part, toSbColor(*look.colour));
     }
-    const bool isAnyShown = !isHidden(thing);
-    if (isAnyShown && (!hidden.empty() || !datum.hidden.empty()))
-        datum.ofParts->hide(datum, hidden, styleOf(style, idOf(thing)), style.dna);
-    if (isAnyShown)
-        datum.hidden = hidden;
+    if (isHidden(thing))
+        return;
+    if (!looks.areUsual() || !datum.partLooks.areUsual())
+        datum.ofParts->show(datum, looks, styleOf(style, idOf(thing)), style.dna);
+    datum.partLooks = looks;
 }
 
 bool DataScene::isHidden(const Thing& thing) const { return getLook(thing).isOutOfView(); }
@@ -548,7 +543,7 @@ const SbBox3f& DataScene::getBox() const
     box.emplace();
     bool areAllShown = true;
     for (const Thing& thing : getThings()) {
-        const bool isWhole = !isHidden(thing) && datumOf(thing).hidden.empty();
+        const bool isWhole = !isHidden(thing) && datumOf(thing).partLooks.hidden.empty();
         areAllShown = areAllShown && isWhole;
         if (!isHidden(thing))
             box->extendBy(boxOf(thing));

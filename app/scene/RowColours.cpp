@@ -93,4 +93,9 @@ void addRowColours(const Colouring& colouring, const RowsOfData& rows, SceneGeom
     }
 }
 
+void addRowColours(const Colouring& colouring, SceneGeometry& geometry)
+{
+    addRowColours(colouring, rowsOf(geometry), geometry);
+}
+
 } // namespace strandview

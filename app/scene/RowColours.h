@@ -57,6 +57,8 @@ RowColours makeRowColours(const Colouring& colouring,
 /// Of all that the colouring has places of; they go with the geometry, which need not have
 /// anything else. In any thread.
 void addRowColours(const Colouring& colouring, const RowsOfData& rows, SceneGeometry& geometry);
+/// The same of the geometry's own rows.
+void addRowColours(const Colouring& colouring, SceneGeometry& geometry);
 
 } // namespace strandview
 

@@ -79,21 +79,7 @@ std::size_t countPoints(const Configuration& data, const ThingId& thing)
 // takes 64 bytes.
 std::string checkSize(const Configuration& configuration, const Style& style)
 {
-    const double largest = 1e9;
-    const double rows = double(countSegments(configuration, style.dna)) * style.subsegments + 1;
-    double vertices = rows * (style.slices + 1);
-    for (const auto& [thing, look] : style.things.ofThings) {
-        const ThingStyle own = styleOf(style, thing);
-        if (look.slices || look.subsegments)
-            vertices +=
-                double(countPoints(configuration, thing)) * own.subsegments * (own.slices + 1);
-    }
-    if (style.showGhost && configuration.reference) {
-        DnaLook withStrands;
-        withStrands.backbone = true;
-        vertices += double(countSegments(*configuration.reference, withStrands)) *
-                    style.subsegments * (style.slices + 1);
-    }
+    const double largest = 1e9, vertices = countVertices(configuration, style);
     if (vertices <= largest)
         return "";
     return "found " + formatted(vertices) +
@@ -302,6 +288,25 @@ void initialiseScene()
     SoSeeThrough::initClass();
     SoLabels::initClass();
     SoMeasured::initClass();
+}
+
+double countVertices(const Configuration& configuration, const Style& style)
+{
+    const double rows = double(countSegments(configuration, style.dna)) * style.subsegments + 1;
+    double vertices = rows * (style.slices + 1);
+    for (const auto& [thing, look] : style.things.ofThings) {
+        const ThingStyle own = styleOf(style, thing);
+        if (look.slices || look.subsegments)
+            vertices +=
+                double(countPoints(configuration, thing)) * own.subsegments * (own.slices + 1);
+    }
+    if (style.showGhost && configuration.reference) {
+        DnaLook withStrands;
+        withStrands.backbone = true;
+        vertices += double(countSegments(*configuration.reference, withStrands)) *
+                    style.subsegments * (style.slices + 1);
+    }
+    return vertices;
 }
 
 SceneGeometry computeGeometry(const Configuration& configuration, const Style& style,

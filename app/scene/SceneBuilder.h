@@ -22,6 +22,9 @@ struct Colouring;
 /// once per program, and before anything else of Coin.
 void initialiseScene();
 
+/// About as many vertices as what buildScene() makes of the curves of data has.
+double countVertices(const Configuration& configuration, const Style& style);
+
 /// Computes the geometry of data: in any thread, since nothing of Coin is touched. One line
 /// in `error` if it is too large, if a rod or birod cannot be interpolated (it turns straight
 /// back on itself, or the edge of a ribbon that is shown does), or if it is stopped.

@@ -2,6 +2,7 @@
 #ifndef STRANDVIEW_APP_SCENE_SHOWNDATUM_H
 #define STRANDVIEW_APP_SCENE_SHOWNDATUM_H
 
+#include <map>
 #include <set>
 #include <string>
 #include <vector>
@@ -24,13 +25,29 @@ struct PickedPlace;
 struct ShownDatum;
 struct ThingStyle;
 
+/// How the parts of a datum are drawn beside each other.
+struct PartLooks
+{
+    std::set<ThingPart> hidden;
+    /// Of each part that is seen through and, as that of the whole, of what is no part's.
+    std::map<ThingPart, double> transparencies;
+
+    bool areUsual() const { return hidden.empty() && transparencies.empty(); }
+    bool isShown(ThingPart part) const { return hidden.count(part) == 0; }
+    double transparencyOf(ThingPart part) const
+    {
+        const auto known = transparencies.find(part);
+        return known == transparencies.end() ? 0 : known->second;
+    }
+};
+
 /// What can be done with each part of a datum that has some.
 struct PartsOfDatum
 {
-    /// Lets all be drawn but these; not asked for where all are hidden, and again where they are
-    /// hidden already once nodes show other data or have other colours.
-    void (*hide)(const ShownDatum& shown, const std::set<ThingPart>& hidden,
-                 const ThingStyle& style, const DnaLook& dna);
+    /// Lets them be drawn so; not asked for where all are hidden, and again where they are drawn so
+    /// already once nodes show other data or have other colours.
+    void (*show)(const ShownDatum& shown, const PartLooks& looks, const ThingStyle& style,
+                 const DnaLook& dna);
     /// As those of a whole datum.
     void (*setColour)(const ShownDatum& shown, ThingPart part, const SbColor& colour);
     SbColor (*getColour)(const ShownDatum& shown, ThingPart part);
@@ -66,8 +83,12 @@ struct ShownDatum
     /// none.
     void (*setColour)(const ShownDatum& shown, const SbColor& colour) = nullptr;
     SbColor (*getColour)(const ShownDatum& shown) = nullptr;
+    /// Lets it be drawn as what is seen through so around it should be, or as what is not; null for
+    /// what has parts, and for what is the same.
+    void (*setTransparency)(const ShownDatum& shown, double transparency,
+                            const DnaLook& dna) = nullptr;
     const PartsOfDatum* ofParts = nullptr; ///< null of what has none
-    std::set<ThingPart> hidden;            ///< those that are hidden
+    PartLooks partLooks;                   ///< as they are drawn
     /// Lets it be drawn without the faces that are turned away, or with them, as what is cut open;
     /// null for what is always drawn with them.
     void (*setSolid)(const ShownDatum& shown, bool solid) = nullptr;

@@ -6,6 +6,7 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <numeric>
 #include <utility>
 
 #include <GL/gl.h>
@@ -19,6 +20,8 @@
 #include <Inventor/details/SoPointDetail.h>
 #include <Inventor/elements/SoGLCacheContextElement.h>
 #include <Inventor/elements/SoGLLazyElement.h>
+#include <Inventor/elements/SoModelMatrixElement.h>
+#include <Inventor/elements/SoViewingMatrixElement.h>
 #include <Inventor/misc/SoContextHandler.h>
 
 #include "request/conversions.h"
@@ -155,14 +158,15 @@ void SoPlacedSolids::generatePrimitives(SoAction* action)
 
 // Drawing
 
-// As many whole places at a time as fill a piece; indices count from its beginning, or from that of
-// all.
+// As many whole places at a time as fill a piece, in their order or another one; indices count from
+// its beginning, or from that of all.
 template <typename Take>
-void SoPlacedSolids::forEachPiece(bool countsFromAll, Take take) const
+void SoPlacedSolids::forEachPiece(bool countsFromAll, const Order& order, Take take) const
 {
     Piece piece;
     std::size_t before = 0;
-    for (const Place& place : places) {
+    for (std::size_t i = 0; i < places.size(); ++i) {
+        const Place& place = places[order.empty() ? i : order[i]];
         const Solid& solid = solids[place.solid];
         const SbMatrix matrix = matrixOf(place);
         const auto first = std::uint32_t(before + piece.vertices.size());
@@ -179,7 +183,7 @@ void SoPlacedSolids::forEachPiece(bool countsFromAll, Take take) const
             vertex.colour = colour;
             piece.vertices.push_back(vertex);
         }
-        if (piece.vertices.size() < CORNERS_AT_ONCE && &place != &places.back())
+        if (piece.vertices.size() < CORNERS_AT_ONCE && i + 1 < places.size())
             continue;
         take(piece);
         before += countsFromAll ? piece.vertices.size() : 0;
@@ -204,25 +208,47 @@ void SoPlacedSolids::GLRender(SoGLRenderAction* action)
     for (const GLenum array : {GL_VERTEX_ARRAY, GL_NORMAL_ARRAY, GL_COLOR_ARRAY})
         glEnableClientState(array);
     Kept& kept = keptByContext[std::uint32_t(SoGLCacheContextElement::get(state))];
-    if (kept.draws == DRAWS_BEFORE_BUFFERS)
-        fillBuffers(kept);
-    if (kept.vertices != 0)
-        drawFromBuffers(kept);
-    else
-        drawFromMemory();
-    ++kept.draws;
+    if (alpha < 255) {
+        drawFromMemory(farthestFirst(state));
+    } else {
+        if (kept.draws == DRAWS_BEFORE_BUFFERS)
+            fillBuffers(kept);
+        if (kept.vertices != 0)
+            drawFromBuffers(kept);
+        else
+            drawFromMemory({});
+        ++kept.draws;
+    }
     glPopClientAttrib();
     SoGLLazyElement::getInstance(state)->reset(state, SoLazyElement::DIFFUSE_MASK);
     // A display list would keep what buffers keep, or nothing has to.
     SoGLCacheContextElement::shouldAutoCache(state, SoGLCacheContextElement::DONT_AUTO_CACHE);
 }
 
-void SoPlacedSolids::drawFromMemory() const
+// As they are to be blended.
+SoPlacedSolids::Order SoPlacedSolids::farthestFirst(SoState* state) const
+{
+    SbMatrix toEye = SoModelMatrixElement::get(state);
+    toEye.multRight(SoViewingMatrixElement::get(state));
+    const SbVec3f towardsEye(toEye[0][2], toEye[1][2], toEye[2][2]);
+    std::vector<float> nearness;
+    nearness.reserve(places.size());
+    for (const Place& place : places)
+        nearness.push_back(towardsEye.dot(place.point));
+    Order order(places.size());
+    std::iota(order.begin(), order.end(), 0);
+    std::stable_sort(order.begin(), order.end(), [&nearness](std::uint32_t a, std::uint32_t b) {
+        return nearness[a] < nearness[b];
+    });
+    return order;
+}
+
+void SoPlacedSolids::drawFromMemory(const Order& order) const
 {
     glBindBuffer(GL_ARRAY_BUFFER, 0);
     glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
     std::size_t collected = 0;
-    forEachPiece(false, [&collected](const Piece& piece) {
+    forEachPiece(false, order, [&collected](const Piece& piece) {
         setPointers(piece.vertices.data());
         glDrawRangeElements(GL_TRIANGLES, 0, GLuint(piece.vertices.size() - 1),
                             GLsizei(piece.indices.size()), GL_UNSIGNED_INT, piece.indices.data());
@@ -264,7 +290,7 @@ void SoPlacedSolids::fillBuffers(Kept& kept) const
         glBufferSubData(target, place, bytes, elements.data());
         place += bytes;
     };
-    forEachPiece(true, [&](const Piece& piece) {
+    forEachPiece(true, {}, [&](const Piece& piece) {
         append(GL_ARRAY_BUFFER, vertices, piece.vertices);
         append(GL_ELEMENT_ARRAY_BUFFER, indices, piece.indices);
     });

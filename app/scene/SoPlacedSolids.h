@@ -37,7 +37,8 @@ struct Solid
 
 /// Few solids at many places, each with a colour of its own: a shape that keeps the places alone.
 /// What OpenGL is given of them it is given some hundred at a time; when they were drawn some times
-/// as they are, as in a window, all of it goes to buffers.
+/// as they are, as in a window, all of it goes to buffers. What is seen through is given from the
+/// farthest place to the nearest.
 ///
 /// Its faces are those of one place after the other. A file keeps nothing of it.
 class SoPlacedSolids : public SoShape
@@ -77,12 +78,15 @@ private:
     };
     struct Piece;
 
+    using Order = std::vector<std::uint32_t>; ///< of places; empty for their own
+
     template <typename Take>
-    void forEachPiece(bool countsFromAll, Take take) const;
+    void forEachPiece(bool countsFromAll, const Order& order, Take take) const;
     template <typename Element>
     std::size_t numberOf(std::vector<Element> Solid::*elements) const;
     void fillBuffers(Kept& kept) const;
-    void drawFromMemory() const;
+    Order farthestFirst(SoState* state) const;
+    void drawFromMemory(const Order& order) const;
     void drawFromBuffers(const Kept& kept) const;
     void forget();
     static void contextGoes(std::uint32_t context, void* closure);

@@ -60,4 +60,33 @@ void SoSeeThrough::GLRenderInPath(SoGLRenderAction* action)
     }
 }
 
+void seeThrough(double transparency, SoGroup& parent, int child)
+{
+    auto* through = dynamic_cast<SoSeeThrough*>(parent.getChild(child));
+    if (through && transparency > 0) {
+        through->setTransparency(transparency);
+        return;
+    }
+    if (!through && transparency <= 0)
+        return;
+    SoNode* const node = childOf(parent, child);
+    node->ref(); // while what holds it goes
+    if (through) {
+        parent.replaceChild(child, node);
+    } else {
+        through = new SoSeeThrough;
+        through->setTransparency(transparency);
+        through->addChild(node);
+        parent.replaceChild(child, through);
+    }
+    node->unrefNoDelete();
+}
+
+SoNode* childOf(const SoGroup& parent, int child)
+{
+    SoNode* const node = parent.getChild(child);
+    const auto* const through = dynamic_cast<const SoSeeThrough*>(node);
+    return through ? through->getChild(1) : node;
+}
+
 } // namespace strandview

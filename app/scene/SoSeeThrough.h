@@ -32,6 +32,12 @@ private:
     SoMaterial* material; ///< the first child
 };
 
+/// Lets a child of a node be seen through, in a SoSeeThrough that takes its place; of 0 as it is.
+void seeThrough(double transparency, SoGroup& parent, int child);
+
+/// A child of a node, be it seen through or not.
+SoNode* childOf(const SoGroup& parent, int child);
+
 } // namespace strandview
 
 #endif

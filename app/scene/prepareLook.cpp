@@ -71,7 +71,7 @@ std::optional<PreparedLook> prepareLook(const Options& options, const Configurat
     if (!report.error.empty())
         return {};
     if (look->colouring)
-        addRowColours(*look->colouring, rowsOf(look->geometry), look->geometry);
+        addRowColours(*look->colouring, look->geometry);
     return look;
 }
 

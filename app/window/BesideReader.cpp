@@ -67,8 +67,10 @@ void BesideReader::Shared::work(Result& result)
             return;
         result.geometry =
             computeGeometry(*task.data, task.style, task.placement, *this, result.error);
-        if (result.error.empty() && task.colouring)
-            result.colouring = followColouring(*task.colouring, *task.data, *this);
+        if (!result.error.empty() || !task.colouring)
+            return;
+        result.colouring = followColouring(*task.colouring, *task.data, *this);
+        addRowColours(*result.colouring, result.geometry);
     } catch (const std::bad_alloc&) {
         result.error = TOO_LITTLE_MEMORY_FOR_FRAME;
     }

@@ -203,12 +203,7 @@ void BesideView::setBackground(const SbColor& background)
         scene->setBackground({background[0], background[1], background[2]});
 }
 
-void BesideView::drawCoarsely(bool coarse)
-{
-    viewer->drawCoarsely(coarse);
-    if (scene)
-        scene->drawCoarsely(coarse);
-}
+void BesideView::drawCoarsely(bool coarse) { viewer->drawCoarsely(coarse); }
 
 // Its camera
 

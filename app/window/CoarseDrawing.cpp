@@ -3,6 +3,9 @@
 
 #include <utility>
 
+#include "scene/DataScene.h"
+#include "scene/SceneBuilder.h"
+
 namespace strandview {
 
 namespace {
@@ -10,7 +13,15 @@ namespace {
 // Longer than between two steps of a slider that is dragged, and than most frames take.
 const int REST = 300; // milliseconds
 
+// Mesa's software driver draws so many in 0.1 s, on two processors.
+const double MANY_VERTICES = 5e4;
+
 } // namespace
+
+bool takesLong(const DataScene& scene)
+{
+    return scene.getData() && countVertices(*scene.getData(), scene.getStyle()) > MANY_VERTICES;
+}
 
 CoarseDrawing::CoarseDrawing(std::function<void(bool coarse)> howToDraw)
     : draw(std::move(howToDraw))

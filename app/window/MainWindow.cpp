@@ -2,6 +2,7 @@
 #include "window/MainWindow.h"
 
 #include <algorithm>
+#include <chrono>
 #include <map>
 #include <utility>
 
@@ -84,6 +85,9 @@ namespace strandview {
 namespace {
 
 const char* const GEOMETRY = "windowGeometry";
+
+// So long the window may wait for what is loaded, and not answer: nobody notices.
+const std::chrono::milliseconds SOON(50);
 
 // So near to a point of the data, in the desktop's pixels, a click means that point.
 const double SNAP = 6;
@@ -249,9 +253,7 @@ QWidget* MainWindow::buildView()
     viewer->addResizeCB(refit, this);
     ownedViewer->onTab = [this](bool isForward) { focusNextPrevChild(isForward); };
     coarseDrawing = std::make_unique<CoarseDrawing>([this](bool coarse) {
-        viewer->drawCoarsely(coarse);
-        if (scene)
-            scene->drawCoarsely(coarse);
+        ownedViewer->drawCoarsely(coarse);
         sideBySide->drawCoarsely(coarse);
     });
     ownedViewer->onHome = [this] { goHome(); };
@@ -268,7 +270,10 @@ QWidget* MainWindow::buildView()
 void MainWindow::buildViews()
 {
     sideBySide->setFirst(*ownedViewer);
-    sideBySide->onShown = [this] { keepRoom(); };
+    sideBySide->onShown = [this] {
+        keepRoom();
+        drawCoarselyFirst();
+    };
     sideBySide->onCamera = [this] {
         history->noteSoon();
         update3DZoom();
@@ -515,6 +520,7 @@ void MainWindow::showScene(DataScene* newScene, const std::vector<std::string>& 
     curves->showScene(*scene, loadedFrame(), CurvePanel::OTHER_FILES);
     scene->showColours((*menus)[Command::SHOW_COLOURS]->isChecked());
     cut(); // of now, whatever it was when it began to be read
+    drawCoarselyFirst();
     viewer->setSceneGraph(static_cast<SoGeneralScene*>(scene));
     scene->draw(options.drawing);
     scene->keepLineWidth();
@@ -598,7 +604,10 @@ void MainWindow::whenPainted(std::function<void()> act)
     ownedViewer->frameWaiter->setParent(this);
 }
 
-bool MainWindow::isRestyling() const { return restyler.isAtWork() || coarseDrawing->isChanging(); }
+bool MainWindow::isRestyling() const
+{
+    return restyler.isAtWork() || coarseDrawing->isChanging() || sideBySide->isRefining();
+}
 
 const PlaceMarks& MainWindow::getMarks() const { return ownedViewer->marks; }
 
@@ -660,11 +669,19 @@ void MainWindow::load(const std::vector<std::string>& files, const Options& aske
            choice, next);
 }
 
-// What takes no time is shown with the next frame.
+// What takes no time is shown with the next frame, and nothing is said of what takes hardly any.
 void MainWindow::finishIfSoon()
 {
-    if (job->waitFor(LoadJob::PATIENCE))
+    if (job->waitFor(SOON))
         job->finish();
+    else
+        tellLoadingLater();
+}
+
+void MainWindow::tellLoadingLater()
+{
+    loadBar->hide();
+    QTimer::singleShot(LoadJob::PATIENCE, job.get(), [this] { showLoading(); });
 }
 
 void MainWindow::follow(std::unique_ptr<LoadJob> newJob, Tell tell, CameraChoice choice,
@@ -875,7 +892,8 @@ void MainWindow::beginToPlay(const ReadReport& report, Start start)
     };
     playBar->reset(start.range);
     player = std::make_unique<Player>(
-        *scene, loaded, open, FrameStore::Plan{scene->getStyle(), scene->getPlacement(), ofFrames},
+        *scene, loaded, open,
+        FrameStore::Plan{scene->getStyle(), scene->getPlacement(), ofFrames, scene->getColouring()},
         *playBar);
     connect(player.get(), &Player::playingChanged, (*menus)[Command::PLAY], &QAction::setChecked);
     connect(player.get(), &Player::playingChanged, this,
@@ -1009,6 +1027,13 @@ void MainWindow::abandonJob()
 
 bool MainWindow::isLoading() const { return job != nullptr; }
 
+// Of much data, so that they are seen at once.
+void MainWindow::drawCoarselyFirst()
+{
+    if (scene && takesLong(*scene))
+        coarseDrawing->noteChange();
+}
+
 // The first frame of much data takes long, and the window does not answer then.
 void MainWindow::showDrawing()
 {
@@ -1080,8 +1105,7 @@ void MainWindow::readChanged()
         else
             statusText->tell({toldOfWaiting(report.error, shownFiles)});
     });
-    loadBar->hide();
-    QTimer::singleShot(LoadJob::PATIENCE, job.get(), [this] { showLoading(); });
+    tellLoadingLater();
 }
 
 // Camera
@@ -1248,6 +1272,7 @@ void MainWindow::openBeside(SideBySide::Files files)
     sideBySide->open(caption, std::move(sources), files, ownedViewer->home);
     sideBySide->setTied(options.beside.isTied);
     placeBeside();
+    drawCoarselyFirst();
     followBeside(BesideView::NEW_SOURCE);
     keepRoom();
 }
@@ -1487,8 +1512,9 @@ void MainWindow::showStyle(Restyler::Result& result)
         fit();
     }
     if (player)
-        player->follow({scene->getStyle(), scene->getPlacement(), result.task.options},
-                       isOtherScalar ? FrameStore::NEW_STAGE : FrameStore::SAME_STAGE);
+        player->follow(
+            {scene->getStyle(), scene->getPlacement(), result.task.options, scene->getColouring()},
+            isOtherScalar ? FrameStore::NEW_STAGE : FrameStore::SAME_STAGE);
     showLights(); // highlights come and go with colours of data
     followClip();
     outlineChosen();

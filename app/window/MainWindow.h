@@ -228,9 +228,11 @@ private:
     void load(const std::vector<std::string>& files, const Options& asked, CameraChoice choice,
               const std::optional<Options>& next, Tell tell);
     void finishIfSoon();
+    void tellLoadingLater();
     void tellChanged(const std::vector<std::string>& files);
     QString title() const;
     void showLoading();
+    void drawCoarselyFirst();
     void showDrawing();
     void buildWatcher();
     void watchFiles();

@@ -23,13 +23,13 @@ const std::uint64_t AHEAD = 64;
 } // namespace
 
 Player::Player(DataScene& shownScene, std::size_t shownFrame, FrameStore::Opener opener,
-               FrameStore::Plan plan, PlayBar& playBar)
+               FrameStore::Plan firstPlan, PlayBar& playBar)
     : scene(shownScene),
       bar(playBar),
-      options(plan.options),
+      plan(std::move(firstPlan)),
       shown(shownFrame),
       asked(shownFrame),
-      store(std::move(opener), std::move(plan), [this] {
+      store(std::move(opener), plan, [this] {
           QMetaObject::invokeMethod(
               this, [this] { follow(); }, Qt::QueuedConnection);
       })
@@ -100,9 +100,9 @@ void Player::toggleRangeEnd()
     bar.setRange(std::min(order.first, shown), order.last == shown ? bar.getCount() - 1 : shown);
 }
 
-void Player::follow(const FrameStore::Plan& plan, FrameStore::StageChange change)
+void Player::follow(const FrameStore::Plan& next, FrameStore::StageChange change)
 {
-    options = plan.options;
+    plan = next;
     store.follow(plan, ++plans, change);
     ask({asked}, 1);
 }
@@ -188,26 +188,13 @@ void Player::followState(const FrameStore::State& state)
         playFrom(asked);
     else if (asked >= bar.getCount() && !state.mayGrow) // of a file that became shorter
         ask({bar.getCount() - 1}, 1);
-    else if (options.series.follow && wasAtLast && bar.getCount() > before)
+    else if (plan.options.series.follow && wasAtLast && bar.getCount() > before)
         ask({bar.getCount() - 1}, 1);
     if (state.stage && std::exchange(stage, state.stage) != state.stage) {
         emit staged(*stage);
-        ask({asked}, 1);
+        plan.colouring = scene.getColouring(); // in the range of all frames now
+        follow(plan, FrameStore::SAME_STAGE);
     }
-}
-
-std::optional<Colouring> Player::colouringOf(const Configuration& data)
-{
-    if (!scene.getColouring())
-        return {};
-    if (options.ownRange) {
-        ReadReport untold; // what it says of the data was said of the first frame
-        if (std::optional<Colouring> own = makeColouring(options, data, untold)) {
-            scene.setColouring(*own);
-            return own;
-        }
-    }
-    return followColouring(*scene.getColouring(), data);
 }
 
 void Player::show(FrameToPlay next)
@@ -218,9 +205,10 @@ void Player::show(FrameToPlay next)
     }
     std::string error = next.error;
     if (next.data) {
-        const std::optional<Colouring> colouring = colouringOf(*next.data);
+        if (next.colouring && plan.options.ownRange)
+            scene.setColouring(*next.colouring);
         Progress unwatched;
-        error = updateScene(scene, *next.data, colouring ? &*colouring : nullptr,
+        error = updateScene(scene, *next.data, next.colouring ? &*next.colouring : nullptr,
                             std::move(next.geometry), unwatched);
     }
     if (next.data && error.empty())

@@ -81,7 +81,6 @@ private:
     void follow(); ///< what the other thread has to tell
     void followState(const FrameStore::State& state);
     void show(FrameToPlay next);
-    std::optional<Colouring> colouringOf(const Configuration& data);
     void tick();
     bool isAtEnd() const;
     void playFrom(std::size_t frame);
@@ -90,7 +89,7 @@ private:
 
     DataScene& scene;
     PlayBar& bar;
-    Options options;
+    FrameStore::Plan plan; ///< that frames are shown with
     std::size_t shown, asked;
     bool playing = false;
     std::size_t toldBefore = 0;         ///< lines about the series

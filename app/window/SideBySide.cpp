@@ -25,6 +25,9 @@ namespace {
 
 const QSize SMALLEST_VIEW(160, 120);
 
+// So that a frame that is asked for is drawn before the next one is.
+const int BETWEEN_FRAMES = 30; // milliseconds
+
 // Of the stretches of two cells beside each other.
 const int WHOLE = 1000;
 
@@ -101,6 +104,9 @@ SideBySide::SideBySide(QWidget* parent)
             [this](const QPoint& place) { share(width, double(place.y()) / QWidget::height()); },
             this)};
     arrange();
+    refinement.setSingleShot(true);
+    refinement.setInterval(BETWEEN_FRAMES);
+    connect(&refinement, &QTimer::timeout, this, &SideBySide::refine);
 }
 
 void SideBySide::setFirst(WindowViewer& viewer)
@@ -167,6 +173,7 @@ BesideView* SideBySide::makeView()
 {
     auto* const view = new BesideView(first->getBackgroundColor(), this);
     view->setMinimumSize(SMALLEST_VIEW);
+    view->drawCoarsely(first->isDrawnCoarsely());
     view->getViewer().axes.show(hasAxes);
     view->onBegin = [this, view](const auto& camera) { begin(*view, camera); };
     view->onResize = [this, view] {
@@ -298,8 +305,27 @@ void SideBySide::setBackground(const SbColor& background)
 
 void SideBySide::drawCoarsely(bool coarse)
 {
-    for (BesideView* const view : views)
-        view->drawCoarsely(coarse);
+    refinement.stop();
+    for (BesideView* const view : views) {
+        if (coarse)
+            view->drawCoarsely(true);
+        else if (view->getViewer().isDrawnCoarsely())
+            refinement.start(); // after the first view
+    }
+}
+
+void SideBySide::refine()
+{
+    bool isOne = false;
+    for (BesideView* const view : views) {
+        if (!view->getViewer().isDrawnCoarsely())
+            continue;
+        if (isOne)
+            refinement.start();
+        else
+            view->drawCoarsely(false);
+        isOne = true;
+    }
 }
 
 void SideBySide::showAxes(bool shown)

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include <QTimer>
 #include <QWidget>
 
 #include "window/BesideView.h"
@@ -67,9 +68,11 @@ public:
     void followLooks(const DataScene& first);
     void showColours(bool ofData);
     void setBackground(const SbColor& background);
+    /// Finely one after the other, so that events are processed between their frames.
     void drawCoarsely(bool coarse);
     /// The axes in the corner, in those to come as well.
     void showAxes(bool shown);
+    bool isRefining() const { return refinement.isActive(); }
     /// That all together have taken.
     SbBox3f getRoom() const;
 
@@ -99,6 +102,7 @@ private:
     void activate(BesideView* view);
     void arrange();
     void share(double width, double height);
+    void refine();
 
     QGridLayout* grid;
     QWidget* firstColumn;
@@ -112,6 +116,7 @@ private:
     std::size_t arranged = 0;         ///< so many further ones
     double width = 0.5, height = 0.5; ///< of the first view, as a part of all
     bool hasAxes = true;
+    QTimer refinement; ///< until the next one is drawn finely
     bool isTied = true;
     bool isFollowing = false;
 };

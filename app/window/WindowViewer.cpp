@@ -22,6 +22,7 @@
 
 #include "camera/Camera.h"
 #include "scene/DataScene.h"
+#include "window/CoarseDrawing.h"
 
 namespace strandview {
 
@@ -81,6 +82,7 @@ void WindowViewer::resetToHomePosition()
 void WindowViewer::setSceneGraph(SoNode* root)
 {
     data = dynamic_cast<DataScene*>(root);
+    drawCoarsely(isDrawnCoarsely());
     auto* withAxes = new SoSeparator;
     withAxes->addChild(axes.getNode());
     withAxes->addChild(root);
@@ -138,6 +140,13 @@ void WindowViewer::setPerspective(bool perspective)
 {
     setCameraType(perspective ? SoPerspectiveCamera::getClassTypeId()
                               : SoOrthographicCamera::getClassTypeId());
+}
+
+void WindowViewer::drawCoarsely(bool coarse)
+{
+    SoQtGeneralViewer::drawCoarsely(coarse);
+    if (data)
+        data->drawCoarsely(coarse || (isDrawnBySoftware() && takesLong(*data)));
 }
 
 // Each frame has other planes of clipping.

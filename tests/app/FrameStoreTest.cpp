@@ -149,6 +149,28 @@ TEST_F(FrameStoreTest, GivesAFrameWithItsTimeAndGeometry)
     EXPECT_GE(news, 2);
 }
 
+TEST_F(FrameStoreTest, GivesItsColoursOnTheScaleOfAllOrOnItsOwn)
+{
+    for (const bool isOwn : {false, true}) {
+        FrameStore::Plan coloured = plan();
+        coloured.options.colourBy = "arclength";
+        coloured.options.ownRange = isOwn;
+        coloured.colouring.emplace();
+        coloured.colouring->name = "arclength";
+        coloured.colouring->max = 20;
+        store = std::make_unique<FrameStore>(
+            [this](ReadReport&, Progress&) { return std::make_unique<WatchedSeries>(watch); },
+            coloured, [this] { ++news; });
+        const FrameToPlay frame = get(3); // of length 8
+        ASSERT_TRUE(frame.colouring);
+        EXPECT_NEAR(frame.colouring->max, isOwn ? 8 : 20, 1e-12);
+        EXPECT_NEAR(frame.colouring->ofRod(0).back(), isOwn ? 1 : 0.4, 1e-12);
+        EXPECT_GT(frame.geometry.rods.front().colours.count, 0);
+    }
+    open();
+    EXPECT_FALSE(get(3).colouring) << "of a plan without colours";
+}
+
 TEST_F(FrameStoreTest, TellsWhatCannotBeReadAndGoesOn)
 {
     watch.broken = 4;

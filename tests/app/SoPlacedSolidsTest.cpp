@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "scene/SoPlacedSolids.h"
 
+#include <algorithm>
 #include <random>
 #include <vector>
 
@@ -8,6 +9,7 @@
 #include <Inventor/SbMatrix.h>
 #include <Inventor/SoOffscreenRenderer.h>
 #include <Inventor/SoPickedPoint.h>
+#include <Inventor/actions/SoGLRenderAction.h>
 #include <Inventor/actions/SoGetBoundingBoxAction.h>
 #include <Inventor/actions/SoGetPrimitiveCountAction.h>
 #include <Inventor/actions/SoRayPickAction.h>
@@ -227,6 +229,32 @@ TEST_F(SoPlacedSolidsTest, AreSeenThroughAsWhatTheyAreInSaysAlsoOnceTheyWereDraw
     EXPECT_EQ(drawn(through).countOther(BLACK), 0);
     through->setTransparency(0);
     EXPECT_EQ(compare(drawn(through), opaque).pixels, 0);
+    through->unref();
+}
+
+TEST_F(SoPlacedSolidsTest, WhatIsNearerIsBlendedLaterInWhateverOrderPlacesAre)
+{
+    renderer.getGLRenderAction()->setTransparencyType(SoGLRenderAction::SORTED_OBJECT_BLEND);
+    const Place red{{0, 0, 2}, SbRotation::identity(), {1, 0, 0}, 0},
+        green{{0, 0, -2}, SbRotation::identity(), {0, 1, 0}, 0};
+    auto* through = new SoSeeThrough;
+    through->ref();
+    through->setTransparency(0.3);
+    through->addChild(solids);
+    solids->setPlaces(someSolids(), {green, red});
+    const Picture farFirst = drawn(through);
+    const ::Colour middle = farFirst.getColour(100, 100);
+    EXPECT_GT(middle[0], middle[1] + 20);
+    EXPECT_GT(middle[1], 20);
+    solids->setPlaces(someSolids(), {red, green});
+    EXPECT_EQ(compare(drawn(through), farFirst).pixels, 0);
+
+    std::vector<Place> many = somePlaces(200, 5);
+    solids->setPlaces(someSolids(), many);
+    const Picture all = drawn(through);
+    std::reverse(many.begin(), many.end());
+    solids->setPlaces(someSolids(), many);
+    EXPECT_EQ(compare(drawn(through), all).pixels, 0);
     through->unref();
 }
 

@@ -194,7 +194,7 @@ TEST(ThingTextsTest, WhatIsSaidOfAStrandIsToldWhereItDiffersFromItsThing)
                 ElementsAre("DNA 1: shown", "DNA 1 strand 1: hidden", "others: hidden"));
 }
 
-TEST(ThingTextsTest, StrandsAreOfBirodsAndDnaAndHaveNameColourAndRadiusAlone)
+TEST(ThingTextsTest, StrandsAreOfBirodsAndDnaAndHaveNameColourRadiusAndTransparencyAlone)
 {
     for (const char* text :
          {"rod 1 strand 1: hidden", "DNA 1 average: hidden", "birod 1 strand 3: hidden",
@@ -207,7 +207,9 @@ TEST(ThingTextsTest, StrandsAreOfBirodsAndDnaAndHaveNameColourAndRadiusAlone)
     EXPECT_TRUE(canHaveOwn("tube-colour", strand));
     EXPECT_TRUE(canHaveOwn("radius", strand));
     EXPECT_FALSE(canHaveOwn("slices", strand));
-    EXPECT_FALSE(canHaveOwn("transparency", strand));
+    EXPECT_TRUE(canHaveOwn("transparency", strand));
+    EXPECT_THAT(textsOf(read("DNA 1 strand 2: transparency=0.5")),
+                ElementsAre("DNA 1 strand 2: transparency=0.5"));
 }
 
 TEST(ThingTextsTest, ASettingThatAThingHasOfItsOwnIsSetReadAndClearedByItsName)

@@ -1,6 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "window/CoarseDrawing.h"
 
+#include <algorithm>
+#include <cmath>
+#include <string>
+
+#include <QImage>
 #include <QTest>
 #include <gtest/gtest.h>
 
@@ -8,9 +13,11 @@
 #include <SoQtGeneralViewer.h>
 
 #include "DataWindowTest.h"
+#include "request/BesideRequest.h"
 #include "request/settings.h"
 #include "scene/DataScene.h"
 #include "support/graph.h"
+#include "window/SideBySide.h"
 
 namespace strandview {
 
@@ -46,6 +53,18 @@ TEST_F(CoarseDrawingTest, LastsWhileItPlays)
     EXPECT_TRUE(isCoarse);
     drawing.setPlaying(false);
     EXPECT_FALSE(isCoarse);
+}
+
+// Of turns that are nearer to each other than its points are.
+std::string coil(int points)
+{
+    std::string text;
+    for (int i = 0; i < points; ++i) {
+        const double turn = 0.02 * i;
+        text += std::to_string(std::cos(turn)) + " " + std::to_string(std::sin(turn)) + " " +
+                std::to_string(0.004 * turn) + "\n";
+    }
+    return text;
 }
 
 class CoarseWindowTest : public DataWindowTest
@@ -90,6 +109,64 @@ TEST_F(CoarseWindowTest, AStyleThatIsChangedIsDrawnSoAndThenFinely)
         EXPECT_FALSE(isShapeCoarse());
         QObject::disconnect(watch);
     }
+}
+
+TEST_F(CoarseWindowTest, MuchDataBeginSoAndKeepTheirRowsLeftOutWhereSoftwareDraws)
+{
+    ASSERT_NO_FATAL_FAILURE(openText(coil(20000), "coil.txt"));
+    EXPECT_TRUE(takesLong(*scene));
+    EXPECT_TRUE(window->isRestyling());
+    ASSERT_TRUE(comesTo([this] { return !window->isRestyling(); }));
+    EXPECT_FALSE(isViewerCoarse()) << "its edges are smooth";
+    EXPECT_EQ(isShapeCoarse(), Opened::viewerOf(*window).isDrawnBySoftware());
+}
+
+TEST_F(CoarseWindowTest, FewDataBeginFinely)
+{
+    ASSERT_NO_FATAL_FAILURE(openText(coil(20), "coil.txt"));
+    EXPECT_FALSE(takesLong(*scene));
+    EXPECT_FALSE(window->isRestyling());
+    EXPECT_FALSE(isViewerCoarse());
+    EXPECT_FALSE(isShapeCoarse());
+}
+
+TEST_F(CoarseWindowTest, FurtherViewsAreDrawnFinelyOneAfterTheOther)
+{
+    options.beside = fourOfTheSame();
+    ASSERT_NO_FATAL_FAILURE(openText(coil(100), "coil.txt"));
+    const auto countCoarse = [this] {
+        const auto& views = window->getSideBySide().getViews();
+        return std::count_if(views.begin(), views.end(), [](const BesideView* view) {
+            return view->getViewer().isDrawnCoarsely();
+        });
+    };
+    ASSERT_TRUE(comesTo([this] { return sceneBeside(2) && !window->isRestyling(); }));
+    EXPECT_EQ(countCoarse(), 0);
+    auto& all =
+        *dynamic_cast<SideBySide*>(window->getSideBySide().getViews().front()->parentWidget());
+    all.drawCoarsely(true);
+    EXPECT_EQ(countCoarse(), 3);
+    all.drawCoarsely(false);
+    EXPECT_EQ(countCoarse(), 3) << "the first view's frame comes first";
+    EXPECT_TRUE(window->isRestyling());
+    ASSERT_TRUE(comesTo([this] { return !window->isRestyling(); }));
+    EXPECT_EQ(countCoarse(), 0);
+}
+
+TEST_F(CoarseWindowTest, PicturesHaveAllRowsAllTheSame)
+{
+    options.camera.side = Side::Z;
+    ASSERT_NO_FATAL_FAILURE(openText(coil(20000), "coil.txt"));
+    const auto save = [this](bool coarse) {
+        scene->drawCoarsely(coarse);
+        const QString name =
+            QString::fromStdString(folder.path(coarse ? "coarse.png" : "fine.png"));
+        window->savePicture(name);
+        return QImage(name);
+    };
+    const QImage fine = save(false);
+    ASSERT_FALSE(fine.isNull());
+    EXPECT_TRUE(save(true) == fine);
 }
 
 TEST_F(CoarseWindowTest, ABackgroundIsShownAtOnceAndNothingElseIsDoneForIt)

@@ -9,7 +9,10 @@
 #include <gtest/gtest.h>
 
 #include "DataWindowTest.h"
+#include "request/BesideRequest.h"
 #include "request/ColourMap.h"
+#include "scene/DataScene.h"
+#include "window/Player.h"
 
 namespace {
 
@@ -41,12 +44,12 @@ protected:
         options.colourBy = "curvature";
     }
 
-    void openRod()
+    static std::string rod(int points)
     {
         std::string text;
-        for (int i = 0; i < 200; ++i)
+        for (int i = 0; i < points; ++i)
             text += std::to_string(i) + " " + std::to_string(i * i % 7) + " 0\n";
-        ASSERT_NO_FATAL_FAILURE(openText(text, "rod.txt"));
+        return text;
     }
 
     void show(const StyleRequest& style)
@@ -65,7 +68,7 @@ protected:
 TEST_F(ColouringThreadTest, IsNotThatOfTheWindow)
 {
     inWindow = beside = 0;
-    ASSERT_NO_FATAL_FAILURE(openRod());
+    ASSERT_NO_FATAL_FAILURE(openText(rod(200), "rod.txt"));
     expectBeside();
     StyleRequest style = window->getStyle();
     style.colours = findColourMap("cividis");
@@ -81,6 +84,29 @@ TEST_F(ColouringThreadTest, IsNotThatOfTheWindow)
     style.radius = 0.5;
     show(style);
     expectBeside();
+}
+
+TEST_F(ColouringThreadTest, OfFurtherViewsIsNeither)
+{
+    ASSERT_NO_FATAL_FAILURE(openText(rod(200), "rod.txt"));
+    inWindow = beside = 0;
+    window->setBeside(besideOf({BesideRequest::SAME, folder.write("other.txt", rod(150))}));
+    ASSERT_TRUE(comesTo([this] { return sceneBeside(0) && sceneBeside(1); }));
+    expectBeside();
+}
+
+TEST_F(ColouringThreadTest, OfFramesThatPlayIsNeither)
+{
+    for (const bool isOwn : {false, true}) {
+        options.ownRange = isOwn;
+        ASSERT_NO_FATAL_FAILURE(openText(rod(50) + "\n\n" + rod(60) + "\n\n" + rod(70), "run.txt"));
+        ASSERT_TRUE(comesTo([this] { return player()->isStaged() && player()->isUpToDate(); }));
+        inWindow = beside = 0;
+        player()->goTo(2);
+        ASSERT_TRUE(comesTo([this] { return player()->getFrame() == 2; }));
+        EXPECT_EQ(scene->getData()->rods.front().points.size(), 70u);
+        expectBeside();
+    }
 }
 
 } // namespace

@@ -237,7 +237,7 @@ TEST_F(LoadingTest, TheButtonAndTheMenuStopItOnlyWhileThereIsSomething)
     open();
     EXPECT_FALSE(stopButton()->isEnabled());
     beginToOpen(slow);
-    ASSERT_TRUE(stopButton()->isVisible());
+    ASSERT_TRUE(comesTo([this] { return stopButton()->isVisible(); }));
     QTest::mouseClick(stopButton(), Qt::LeftButton);
     EXPECT_FALSE(window->isLoading());
 

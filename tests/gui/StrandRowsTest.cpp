@@ -1,15 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The rows of strands in the tree of what is shown, as the user of a window
-// sees them: with the X server's keys and mouse.
+// The rows of strands in the tree of what is shown, and the look of those that are chosen there, as
+// the user of a window sees them: with the X server's keys and mouse.
 #include <optional>
 #include <string>
+#include <vector>
 
 #include <QComboBox>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScrollArea>
+#include <QSlider>
 #include <QTest>
+#include <QToolButton>
 #include <QTreeView>
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include "DataWindowTest.h"
 #include "pureColours.h"
@@ -21,6 +25,8 @@
 #include "window/ThingsPanel.h"
 
 namespace strandview {
+
+using testing::HasSubstr;
 
 namespace {
 
@@ -108,6 +114,41 @@ protected:
     {
         return comesTo([=] { return shows(red, blue, green); });
     }
+    // Of what is chosen, where its panel shows the control of that name.
+    void openLook(const char* control) const
+    {
+        pressRealKey("Escape"); // to the view
+        pressRealKey("o");
+        auto* const whose = window->findChild<QComboBox*>("lookOf");
+        ASSERT_TRUE(comesTo([&] { return whose->isVisible(); }));
+        whose->setFocus();
+        ASSERT_TRUE(comesTo([&] { return whose->hasFocus(); }));
+        pressRealKey("Down");
+        ASSERT_TRUE(comesTo([&] { return whose->currentIndex() == 1; }));
+        window->findChild<QWidget*>("lookPanel")
+            ->findChild<QScrollArea*>()
+            ->ensureWidgetVisible(window->findChild<QWidget*>(control));
+        QTest::qWait(500); // until the panel has slid into its place
+        ASSERT_TRUE(comesToBePainted());
+    }
+    QLineEdit* field(const char* name) const { return window->findChild<QLineEdit*>(name); }
+    void typeInto(const char* name, const std::vector<std::string>& keys) const
+    {
+        field(name)->setFocus();
+        ASSERT_TRUE(comesTo([&] { return field(name)->hasFocus(); }));
+        pressRealKey("Control+a");
+        for (const std::string& key : keys)
+            pressRealKey(key);
+        pressRealKey("Return");
+        ASSERT_TRUE(comesToBeRestyled());
+    }
+    bool comesToBeRestyled() const
+    {
+        return comesTo([this] { return !window->isRestyling(); }) && comesToBePainted();
+    }
+    int count(bool (*holds)(const QColor&)) const { return countPixels(screen(), holds); }
+    // Until what is changed next is taken back by itself.
+    static void waitForNextStep() { QTest::qWait(int(History::TOGETHER.count()) + 100); }
     std::string asked() const { return settingOf("thing").write(window->getStyle()).value_or(""); }
 };
 
@@ -152,7 +193,7 @@ TEST_F(StrandRowsTest, AStrandIsShownAloneAndCanBeTakenBack)
 {
     openUnfolded();
     clickRow(row(STRAND_2));
-    QTest::qWait(int(History::TOGETHER.count()) + 100); // the colours are a step before
+    waitForNextStep(); // the colours are one before
     press("onlyButton");
     EXPECT_TRUE(comesToShow(false, true, false));
     EXPECT_NE(asked().find("birod 1 strand 2: shown, colour=#0000ff"), std::string::npos);
@@ -248,6 +289,94 @@ TEST_F(StrandRowsTest, AStrandIsCentredAndPicksAreToldByItsName)
     const QPoint place = onScreen(1, -1);
     clickRealRightButton(place.x(), place.y());
     EXPECT_TRUE(comesTo([this] { return statusText().find(" – arm") != std::string::npos; }));
+}
+
+TEST_F(StrandRowsTest, AChosenStrandHasARadiusOfItsOwnInThePanelOfLooks)
+{
+    openUnfolded();
+    clickRow(row(STRAND_1));
+    ASSERT_NO_FATAL_FAILURE(openLook("radiusField"));
+    const int red = count(isRed), blue = count(isBlue), green = count(isGreen);
+    ASSERT_GT(red, 100);
+    EXPECT_EQ(field("radiusField")->text(), "0.2");
+    ASSERT_NO_FATAL_FAILURE(typeInto("radiusField", {"0", "period", "4"}));
+    EXPECT_THAT(asked(), HasSubstr("birod 1 strand 1: colour=#ff0000, radius=0.4"));
+    EXPECT_EQ(window->getStyle().radius, 0.2);
+    EXPECT_NEAR(count(isRed), 2 * red, 0.3 * red);
+    EXPECT_NEAR(count(isBlue), blue, 0.1 * blue);
+    EXPECT_NEAR(count(isGreen), green, 0.1 * green);
+
+    waitForNextStep();
+    click(*window->findChild<QToolButton*>("radiusReset"));
+    EXPECT_TRUE(comesTo([this] { return asked().find("radius") == std::string::npos; }));
+    ASSERT_TRUE(comesToBeRestyled());
+    EXPECT_NEAR(count(isRed), red, 0.1 * red);
+    EXPECT_EQ(field("radiusField")->text(), "0.2");
+    waitForNextStep();
+    pressRealKey("Escape"); // or the field takes its text back
+    pressRealKey("Control+z");
+    EXPECT_TRUE(comesTo([this] { return field("radiusField")->text() == "0.4"; }));
+    ASSERT_TRUE(comesToBeRestyled());
+    EXPECT_NEAR(count(isRed), 2 * red, 0.3 * red);
+}
+
+TEST_F(StrandRowsTest, AChosenStrandHasATransparencyOfItsOwnInThePanelOfLooks)
+{
+    openUnfolded();
+    clickRow(row(STRAND_1));
+    ASSERT_NO_FATAL_FAILURE(openLook("transparencyField"));
+    const SoNode* const node = scene->getShown(BIRODS)[0].node;
+    const int red = count(isRed), blue = count(isBlue), green = count(isGreen);
+    ASSERT_GT(red, 100);
+    EXPECT_EQ(field("transparencyField")->text(), "0");
+    ASSERT_NO_FATAL_FAILURE(typeInto("transparencyField", {"0", "period", "7"}));
+    EXPECT_THAT(asked(), HasSubstr("birod 1 strand 1: colour=#ff0000, transparency=0.7"));
+    EXPECT_EQ(window->getStyle().transparency, 0);
+    const auto isLight = [](const QColor& c) {
+        return c.red() > 200 && c.green() > 60 && c.green() < 230;
+    };
+    EXPECT_LT(count(isRed), red / 10);
+    EXPECT_GT(count(isLight), red / 2) << "the background is white";
+    EXPECT_NEAR(count(isBlue), blue, 0.05 * blue);
+    EXPECT_NEAR(count(isGreen), green, 0.05 * green);
+    EXPECT_EQ(scene->getShown(BIRODS)[0].node, node) << "nothing was built anew";
+
+    waitForNextStep();
+    click(*window->findChild<QToolButton*>("transparencyReset"));
+    EXPECT_TRUE(comesTo([this] { return asked().find("transparency") == std::string::npos; }));
+    ASSERT_TRUE(comesToBeRestyled());
+    EXPECT_NEAR(count(isRed), red, 0.05 * red);
+    waitForNextStep();
+    pressRealKey("Escape"); // or the field takes its text back
+    pressRealKey("Control+z");
+    EXPECT_TRUE(comesTo([this] { return field("transparencyField")->text() == "0.7"; }));
+    ASSERT_TRUE(comesToBeRestyled());
+    EXPECT_LT(count(isRed), red / 10);
+}
+
+TEST_F(StrandRowsTest, TheSliderLetsAnAverageBeSeenThroughInOneStep)
+{
+    openUnfolded();
+    clickRow(row(AVERAGE));
+    ASSERT_NO_FATAL_FAILURE(openLook("transparencySlider"));
+    const int red = count(isRed), green = count(isGreen);
+    const auto* const slider = window->findChild<QSlider*>("transparencySlider");
+    const int middle = slider->height() / 2;
+    const QPoint from = slider->mapToGlobal({6, middle}),
+                 to = slider->mapToGlobal({slider->width() * 3 / 4, middle});
+    dragRealPointer(from.x(), from.y(), to.x(), to.y());
+    EXPECT_TRUE(comesTo([this] {
+        return asked().find("birod 1 average: colour=#00ff00, transparency=0.") !=
+               std::string::npos;
+    }));
+    ASSERT_TRUE(comesToBeRestyled());
+    EXPECT_LT(count(isGreen), green / 10);
+    EXPECT_NEAR(count(isRed), red, 0.05 * red);
+    pressRealKey("Control+z");
+    EXPECT_TRUE(comesTo([this] { return asked().find("transparency") == std::string::npos; }))
+        << "one step";
+    ASSERT_TRUE(comesToBeRestyled());
+    EXPECT_NEAR(count(isGreen), green, 0.05 * green);
 }
 
 } // namespace strandview

@@ -95,7 +95,7 @@ void placeIn(const ShownDatum& shown, const SoPickedPoint& picked, int /*index*/
 {
     const SbVec3f point = picked.getPoint();
     const auto distance = [&](BiarcTubeMesh& tube, int strand) {
-        if (shown.hidden.count(partOf(ThingKind::BIROD, strand)) > 0)
+        if (!shown.partLooks.isShown(partOf(ThingKind::BIROD, strand)))
             return std::numeric_limits<double>::infinity();
         return nearestOnTube(tube, {point[0], point[1], point[2]}).distance - tube.getRadius();
     };

@@ -2,6 +2,7 @@
 #include "scene/builders/BirodStrands.h"
 
 #include <algorithm>
+#include <array>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -13,6 +14,7 @@
 #include <SoBirod.h>
 #include <SoRod.h>
 
+#include "scene/SoSeeThrough.h"
 #include "scene/Style.h"
 #include "scene/builders/DataColours.h"
 
@@ -22,14 +24,17 @@ namespace {
 
 enum Child { BINDING, OWN_COLOURS, BIROD, RODS }; // of the group
 enum RodChild { COLOURS, ROD };
-const std::size_t STRANDS = 2;
+const std::array<ThingPart, 2> STRANDS{ThingPart::STRAND_1, ThingPart::STRAND_2};
 
 const SoBirod& birodOf(const ShownDatum& shown) { return static_cast<const SoBirod&>(*shown.node); }
 
-SoSwitch& rodsOf(const ShownDatum& shown)
+SoGroup& rodsOf(const ShownDatum& shown)
 {
-    return *static_cast<SoSwitch*>(shown.group->getChild(RODS));
+    return *static_cast<SoGroup*>(shown.group->getChild(RODS));
 }
+
+// Its place among them.
+int rodOf(ThingPart strand) { return strand == ThingPart::STRAND_1 ? 0 : 1; }
 
 struct Meshes
 {
@@ -132,46 +137,50 @@ SoSeparator* makeStrandRod(const SoBirod& birod, ThingPart part)
     return separator;
 }
 
-void forget(SoSwitch& rods, int which)
+void dropRod(SoGroup& rods, int which)
 {
-    if (static_cast<SoSeparator*>(rods.getChild(which))->getNumChildren() > 0)
+    if (static_cast<SoSeparator*>(childOf(rods, which))->getNumChildren() > 0)
         rods.replaceChild(which, new SoSeparator);
 }
 
-void showAlone(const ShownDatum& shown, ThingPart part)
+void showRod(const ShownDatum& shown, ThingPart part, double transparency)
 {
-    SoSwitch& rods = rodsOf(shown);
-    const int which = part == ThingPart::STRAND_1 ? 0 : 1;
-    auto* separator = static_cast<SoSeparator*>(rods.getChild(which));
+    SoGroup& rods = rodsOf(shown);
+    const int which = rodOf(part);
+    auto* separator = static_cast<SoSeparator*>(childOf(rods, which));
     if (separator->getNumChildren() == 0) {
         separator = makeStrandRod(birodOf(shown), part);
         rods.replaceChild(which, separator);
     }
     colourRod(shown, part, *static_cast<SoSwitch*>(separator->getChild(COLOURS)));
-    forget(rods, 1 - which);
-    if (rods.whichChild.getValue() != which)
-        rods.whichChild = which;
+    seeThrough(transparency, rods, which);
 }
 
-void hide(const ShownDatum& shown, const std::set<ThingPart>& hidden, const ThingStyle& style,
+// Strands as rods beside the average, where that is not as both of them are.
+void show(const ShownDatum& shown, const PartLooks& looks, const ThingStyle& style,
           const DnaLook& /*dna*/)
 {
     auto& birod = static_cast<SoBirod&>(*shown.node);
-    const auto isShown = [&](ThingPart part) { return hidden.count(part) == 0; };
-    const bool showsAverage = isShown(ThingPart::AVERAGE), shows1 = isShown(ThingPart::STRAND_1),
-               shows2 = isShown(ThingPart::STRAND_2);
+    const double transparency = looks.transparencyOf(ThingPart::AVERAGE);
+    const bool areTogether = std::all_of(STRANDS.begin(), STRANDS.end(), [&](ThingPart strand) {
+        return looks.isShown(strand) && looks.transparencyOf(strand) == transparency;
+    });
+    const bool showsAverage = looks.isShown(ThingPart::AVERAGE);
     const bool tube = style.showTube && showsAverage, ribbon = style.showRibbon && showsAverage,
-               tubes = style.showTube && shows1 && shows2;
+               tubes = style.showTube && areTogether;
     if (birod.isShowingAvgTube() != tube) // drawing follows who touches it
         birod.showAvgTube(tube);
     if (birod.isShowingAvgRibbon() != ribbon)
         birod.showAvgRibbon(ribbon);
     if (birod.isShowingTubes() != tubes)
         birod.showTubes(tubes);
-    if (style.showTube && shows1 != shows2)
-        showAlone(shown, shows1 ? ThingPart::STRAND_1 : ThingPart::STRAND_2);
-    else
-        dropStrandRods(shown);
+    seeThrough(transparency, *shown.group, BIROD);
+    for (const ThingPart strand : STRANDS) {
+        if (style.showTube && !areTogether && looks.isShown(strand))
+            showRod(shown, strand, looks.transparencyOf(strand));
+        else
+            dropRod(rodsOf(shown), rodOf(strand));
+    }
 }
 
 void setColour(const ShownDatum& shown, ThingPart part, const SbColor& colour)
@@ -207,19 +216,16 @@ SoNode* makeAlone(const ShownDatum& shown, ThingPart part, const ThingStyle& sty
 
 SoNode* makeStrandRods()
 {
-    auto* rods = new SoSwitch;
-    for (std::size_t i = 0; i < STRANDS; ++i)
+    auto* rods = new SoGroup;
+    for (std::size_t i = 0; i < STRANDS.size(); ++i)
         rods->addChild(new SoSeparator);
     return rods;
 }
 
 void dropStrandRods(const ShownDatum& shown)
 {
-    SoSwitch& rods = rodsOf(shown);
-    if (rods.whichChild.getValue() != SO_SWITCH_NONE)
-        rods.whichChild = SO_SWITCH_NONE;
-    for (int i = 0; i < rods.getNumChildren(); ++i)
-        forget(rods, i);
+    for (const ThingPart strand : STRANDS)
+        dropRod(rodsOf(shown), rodOf(strand));
 }
 
 SoMaterial& ownMaterial(const ShownDatum& shown)
@@ -231,7 +237,7 @@ SoMaterial& ownMaterial(const ShownDatum& shown)
 
 const PartsOfDatum* strandsOfBirod()
 {
-    static const PartsOfDatum deeds{&hide, &setColour, &getColour, &findBox, &makeAlone};
+    static const PartsOfDatum deeds{&show, &setColour, &getColour, &findBox, &makeAlone};
     return &deeds;
 }
 

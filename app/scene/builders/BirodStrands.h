@@ -8,10 +8,10 @@ class SoMaterial;
 
 namespace strandview {
 
-// The strands and the average of a birod one by one. Its node shows both strands or none, so one
-// that is shown without the other is a rod beside it.
+// The strands and the average of a birod one by one. Its node shows both strands or none, and all
+// that it shows with the same transparency, so what is to be shown otherwise is a rod beside it.
 
-/// The child of a birod's group, behind its node, that holds that rod. Without a reference.
+/// The child of a birod's group, behind its node, that holds these rods. Without a reference.
 SoNode* makeStrandRods();
 
 /// Forgets the rods: the birod shows other data.

@@ -29,8 +29,6 @@ namespace strandview {
 
 namespace {
 
-enum Shape { BOXES, BASES_1, BASES_2 };
-
 // Neighbours share corners, which are a third of them.
 void add(const Solid::Corner& corner, Solid& solid)
 {
@@ -106,18 +104,19 @@ Solid solidOfPairBox(const SoDNA& pairs)
     return solidOf(one, SbColor(1, 1, 1));
 }
 
-SoSwitch& choiceOf(const SoSeparator& coloured, Shape shape)
+// Of its boxes, or of the bases of a strand.
+SoSwitch& choiceOf(const SoSeparator& coloured, int strand)
 {
-    return *static_cast<SoSwitch*>(coloured.getChild(shape));
+    return *static_cast<SoSwitch*>(coloured.getChild(strand));
 }
 
-SoPlacedSolids& shapeOf(const SoSeparator& coloured, Shape shape)
+SoPlacedSolids& shapeOf(const SoSeparator& coloured, int strand)
 {
-    return *static_cast<SoPlacedSolids*>(choiceOf(coloured, shape).getChild(0));
+    return *static_cast<SoPlacedSolids*>(choiceOf(coloured, strand).getChild(0));
 }
 
-// Those of a strand: one solid of each letter, and where they are.
-struct Bases
+// One solid of each letter.
+struct Letters
 {
     std::uint32_t solidOf(char letter)
     {
@@ -131,15 +130,58 @@ struct Bases
     const bool isUpright;
     std::map<char, std::uint32_t> known;
     std::vector<Solid> solids;
-    std::vector<SoPlacedSolids::Place> places;
 };
+
+using Places = std::vector<SoPlacedSolids::Place>;
+
+Places placesOf(const SoDNA::Vectors& points, const SoDNA::Quaternions& rotations, int strand,
+                const ColourOfPair& colourOf)
+{
+    Places places;
+    places.reserve(points.size());
+    for (std::size_t i = 0; i < points.size(); ++i)
+        places.push_back(
+            {toSbVec3f(points[i]), toSbRotation(rotations[i]), colourOf(i, strand), 0});
+    return places;
+}
+
+void setBases(SoPlacedSolids& shape, Places places, const std::string& letters, const DnaLook& look,
+              bool areUpright)
+{
+    Letters known{look, areUpright, {}, {}};
+    for (std::size_t i = 0; i < places.size(); ++i)
+        places[i].solid = known.solidOf(letters[i]);
+    shape.setPlaces(std::move(known.solids), std::move(places));
+}
+
+void setPlaces(SoPlacedSolids& shape, int strand, const std::string& bases, const DnaLook& look,
+               const SoDNA& pairs, const ColourOfPair& colourOf)
+{
+    if (strand == 0) {
+        if (look.pairBoxes)
+            shape.setPlaces({solidOfPairBox(pairs)},
+                            placesOf(pairs.getRAvg(), pairs.getQAvg(), strand, colourOf));
+        else
+            shape.setPlaces({}, {});
+        return;
+    }
+    if (strand == 1) {
+        setBases(shape, placesOf(pairs.getR1(), pairs.getQ1(), strand, colourOf), bases, look,
+                 true);
+        return;
+    }
+    std::string complements = bases;
+    std::transform(bases.begin(), bases.end(), complements.begin(), complementOf);
+    setBases(shape, placesOf(pairs.getR2(), pairs.getQ2(), strand, colourOf), complements, look,
+             false);
+}
 
 } // namespace
 
 SoSeparator* makeColouredPairs()
 {
     auto* coloured = new SoSeparator;
-    for (int shape = BOXES; shape <= BASES_2; ++shape) {
+    for (int strand = 0; strand <= 2; ++strand) {
         auto* choice = new SoSwitch;
         choice->whichChild = SO_SWITCH_ALL;
         choice->addChild(new SoPlacedSolids);
@@ -148,65 +190,60 @@ SoSeparator* makeColouredPairs()
     return coloured;
 }
 
+SoNode* makePlacedPairs(int strand, const std::string& bases, const DnaLook& look,
+                        const SoDNA& pairs, const ColourOfPair& colourOf)
+{
+    auto* shape = new SoPlacedSolids;
+    setPlaces(*shape, strand, bases, look, pairs, colourOf);
+    return shape;
+}
+
+SoNode* makePlacedBases(std::vector<SoPlacedSolids::Place> places, const std::string& letters,
+                        const DnaLook& look)
+{
+    auto* shape = new SoPlacedSolids;
+    setBases(*shape, std::move(places), letters, look, true);
+    return shape;
+}
+
 bool hasColouredPairs(const DnaLook& look)
 {
     return look.bases || look.baseBoxes || look.pairBoxes;
 }
 
-void setColouredPairs(SoSeparator& coloured, const Dna& dna, const DnaLook& look,
-                      const Placement& inAngstrom, const SoDNA& pairs,
-                      const std::vector<Colour>& colours)
+void setColouredPairs(SoSeparator& coloured, const std::string& bases, const DnaLook& look,
+                      const SoDNA& pairs, const ColourOfPair& colourOf)
 {
-    Bases first{look, true, {}, {}, {}}, second{look, false, {}, {}, {}};
-    std::vector<SoPlacedSolids::Place> boxes;
-    boxes.reserve(look.pairBoxes ? dna.bases.size() : 0);
-    for (Bases* bases : {&first, &second})
-        bases->places.reserve(dna.bases.size());
-    for (std::size_t i = 0; i < dna.bases.size(); ++i) {
-        const auto placed = [&](const auto& points, const auto& rotations, std::uint32_t solid) {
-            return SoPlacedSolids::Place{toSbVec3f(inAngstrom.toScene(points[i])),
-                                         toSbRotation(rotations[i]), colours[i], solid};
-        };
-        const char letter = dna.bases[i];
-        if (look.pairBoxes)
-            boxes.push_back(placed(dna.pairPoints, dna.pairRotations, 0));
-        first.places.push_back(placed(dna.points1, dna.rotations1, first.solidOf(letter)));
-        second.places.push_back(
-            placed(dna.points2, dna.rotations2, second.solidOf(complementOf(letter))));
-    }
-    std::vector<Solid> box;
-    if (look.pairBoxes)
-        box.push_back(solidOfPairBox(pairs));
-    shapeOf(coloured, BOXES).setPlaces(std::move(box), std::move(boxes));
-    shapeOf(coloured, BASES_1).setPlaces(std::move(first.solids), std::move(first.places));
-    shapeOf(coloured, BASES_2).setPlaces(std::move(second.solids), std::move(second.places));
+    for (int strand = 0; strand <= 2; ++strand)
+        setPlaces(shapeOf(coloured, strand), strand, bases, look, pairs, colourOf);
 }
 
-void showColouredBases(SoSeparator& coloured, int strand, bool shown)
+void showColouredPairs(SoSeparator& coloured, int strand, bool shown)
 {
     const int which = shown ? SO_SWITCH_ALL : SO_SWITCH_NONE;
-    SoSFInt32& now = choiceOf(coloured, strand == 1 ? BASES_1 : BASES_2).whichChild;
+    SoSFInt32& now = choiceOf(coloured, strand).whichChild;
     if (now.getValue() != which)
         now = which;
 }
 
-std::optional<PickedPair> pickedPair(const SoPickedPoint& picked, int index, std::size_t pairs)
+SoNode* colouredShape(const SoSeparator& coloured, int strand)
 {
-    const SoPath& path = *picked.getPath();
+    return &shapeOf(coloured, strand);
+}
+
+std::optional<std::size_t> pickedPair(const SoPickedPoint& picked)
+{
+    const auto* const shape = dynamic_cast<const SoPlacedSolids*>(picked.getPath()->getTail());
     const SoDetail* const detail = picked.getDetail();
-    if (path.getLength() < index + 2 || pairs == 0 || !detail ||
-        !detail->isOfType(SoFaceDetail::getClassTypeId()))
+    if (!shape || !detail || !detail->isOfType(SoFaceDetail::getClassTypeId()))
         return {};
-    const auto shape = Shape(path.getIndex(index + 1));
-    const auto& coloured = static_cast<const SoSeparator&>(*path.getNode(index));
-    const std::vector<Solid>& solids = shapeOf(coloured, shape).getSolids();
+    const std::vector<Solid>& solids = shape->getSolids();
     // What is shown of one base has as many faces as that of any other.
     const std::size_t facesOfEach = solids.empty() ? 0 : solids[0].triangles.size() / 3;
     const auto face = std::size_t(static_cast<const SoFaceDetail*>(detail)->getFaceIndex());
-    const std::size_t thing = facesOfEach > 0 ? face / facesOfEach : pairs;
-    if (thing >= pairs)
-        return {};
-    return PickedPair{thing, shape == BOXES ? 0 : shape == BASES_1 ? 1 : 2};
+    const std::size_t pairs = shape->getPlaces().size();
+    const std::size_t pair = facesOfEach > 0 ? face / facesOfEach : pairs;
+    return pair < pairs ? std::optional(pair) : std::nullopt;
 }
 
 } // namespace strandview

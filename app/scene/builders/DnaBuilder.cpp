@@ -26,6 +26,7 @@
 #include "scene/Colouring.h"
 #include "scene/DataScene.h"
 #include "scene/PickedPlace.h"
+#include "scene/SoSeeThrough.h"
 #include "scene/builders/ArrowHead.h"
 #include "scene/builders/ColouredPairs.h"
 #include "scene/builders/DataColours.h"
@@ -44,10 +45,13 @@ const Colour PAIR_COLOUR{0.30f, 0.42f, 0.58f};
 // No atom or corner of a base is farther from its frame.
 const double REACH = 9.2; // ångström
 
-// The children of a DNA's group.
-enum Child { PAIRS, BACKBONES };
+// The children of a DNA's group: its pairs, for each strand the choice whether it is shown, and the
+// boxes of pairs where they are seen through.
+enum Child { PAIRS, BACKBONES, BOXES_APART = BACKBONES + 2 };
 // Of the pairs.
 const int BEHIND_SCALE = 1;
+// Of that choice: its backbone, and its bases where they are seen through.
+enum OfStrand { BACKBONE, BASES_APART };
 
 const std::array<Strand, 2> STRANDS{Strand::FIRST, Strand::SECOND};
 
@@ -62,10 +66,9 @@ void makePlate(SoDNA& dna)
     box->depth = thickness;
 }
 
-bool needsPairs(const DnaLook& look)
-{
-    return look.bases || look.baseBoxes || look.pairBoxes || look.atoms;
-}
+bool hasBases(const DnaLook& look) { return look.bases || look.baseBoxes || look.atoms; }
+
+bool needsPairs(const DnaLook& look) { return look.pairBoxes || hasBases(look); }
 
 // What is picked
 
@@ -88,12 +91,14 @@ void placeInPairs(const SoPath& path, int index, PickedPlace& place)
         setPair(child, 0, place);
 }
 
+SoSeparator& pairGroupOf(const SoSeparator& group)
+{
+    return *static_cast<SoSeparator*>(group.getChild(PAIRS));
+}
+
 // Behind their scale: a SoDNA, or the choice between one, with colours of its own, and what has
 // those of data, its atoms and pairs.
-SoNode* behindScale(const SoSeparator& group)
-{
-    return static_cast<SoSeparator*>(group.getChild(PAIRS))->getChild(BEHIND_SCALE);
-}
+SoNode* behindScale(const SoSeparator& group) { return pairGroupOf(group).getChild(BEHIND_SCALE); }
 
 SoSeparator& ofDataIn(const SoSwitch& choice)
 {
@@ -113,14 +118,14 @@ SoDNA& pairsOf(const ShownDatum& shown)
 }
 
 // Whether it is shown.
-SoSwitch& backboneChoiceOf(const SoSeparator& group, Strand strand)
+SoSwitch& strandChoiceOf(const SoSeparator& group, Strand strand)
 {
     return *static_cast<SoSwitch*>(group.getChild(BACKBONES + int(strand)));
 }
 
 SoSeparator& backboneOf(const SoSeparator& group, Strand strand)
 {
-    return *static_cast<SoSeparator*>(backboneChoiceOf(group, strand).getChild(0));
+    return *static_cast<SoSeparator*>(childOf(strandChoiceOf(group, strand), BACKBONE));
 }
 
 SoRod& rodOf(const SoSeparator& backbone) { return *static_cast<SoRod*>(backbone.getChild(1)); }
@@ -145,32 +150,38 @@ void placeInBackbone(const ShownDatum& shown, const SoPickedPoint& picked, Stran
     setPair(strand == Strand::FIRST ? base : shown.bases.size() - 1 - base, place.strand, place);
 }
 
-// Of the SoDNA, or the pairs in colours of data, that the path leads through.
-void placeBehindScale(const ShownDatum& shown, const SoPickedPoint& picked, int index,
-                      PickedPlace& place)
+// Of the boxes and bases in shapes of their own.
+int strandOfShape(const ShownDatum& shown, const SoNode* shape, int child)
 {
-    const SoPath& path = *picked.getPath();
-    for (; index < path.getLength(); ++index) {
-        if (path.getNode(index)->isOfType(SoDNA::getClassTypeId())) {
-            placeInPairs(path, index, place);
-            return;
-        }
-        if (shown.colours && path.getNode(index) == &colouredPairsIn(*shown.colours)) {
-            if (const auto pair = pickedPair(picked, index, shown.bases.size()))
-                setPair(pair->pair, pair->strand, place);
-            return;
-        }
-    }
+    if (child >= BACKBONES)
+        return child == BOXES_APART ? 0 : child - BACKBONES + 1;
+    int strand = 0;
+    while (strand < 2 && colouredShape(colouredPairsIn(*shown.colours), strand) != shape)
+        ++strand;
+    return strand;
 }
 
 void placeIn(const ShownDatum& shown, const SoPickedPoint& picked, int index, PickedPlace& place)
 {
     const SoPath& path = *picked.getPath();
-    const int child = path.getLength() > index + 1 ? path.getIndex(index + 1) : -1;
-    if (child == PAIRS)
-        placeBehindScale(shown, picked, index + 2, place);
-    else if (child >= BACKBONES)
+    if (path.getLength() < index + 3)
+        return;
+    const int child = path.getIndex(index + 1);
+    if (const auto pair = pickedPair(picked)) {
+        setPair(*pair, strandOfShape(shown, path.getTail(), child), place);
+        return;
+    }
+    const bool isOfStrand = child >= BACKBONES && child < BOXES_APART;
+    if (isOfStrand && path.getIndex(index + 2) == BACKBONE) {
         placeInBackbone(shown, picked, Strand(child - BACKBONES), place);
+        return;
+    }
+    for (int i = index + 2; i < path.getLength(); ++i) {
+        if (path.getNode(i)->isOfType(SoDNA::getClassTypeId())) {
+            placeInPairs(path, i, place);
+            return;
+        }
+    }
 }
 
 // Of a backbone.
@@ -202,14 +213,6 @@ SoDNA* makeDna(const DnaLook& look)
     for (char base : BASE_LETTERS)
         node->setBaseColour(base, toVector(baseColour(base)));
     return node;
-}
-
-DnaLook atomsAlone(const DnaLook& look)
-{
-    DnaLook atoms;
-    atoms.atoms = look.atoms;
-    atoms.bases = atoms.baseBoxes = atoms.pairBoxes = false;
-    return atoms;
 }
 
 // In ångström.
@@ -275,11 +278,10 @@ std::vector<double> alongBackbone(std::vector<double> ofPairs, Strand strand)
 // Gives the nucleobases that have none yet, after their atoms and their box, a slab.
 void addSlabs(SoDNA& dna)
 {
-    const int partsOfBase = 2;
     for (char letter : BASE_LETTERS) {
         for (int strand : {1, 2}) {
             SoNucleobase* const base = dna.getNucleobase(letter, strand);
-            if (base->getNumChildren() == partsOfBase)
+            if (base->getNumChildren() == SLAB_OF_BASE)
                 base->addChild(makeSlab(letter, strand == 1));
         }
     }
@@ -315,21 +317,6 @@ ThingPart partOf(Strand strand)
     return strand == Strand::SECOND ? ThingPart::STRAND_2 : ThingPart::STRAND_1;
 }
 
-// Its switches are left alone where nothing changes: drawing follows who touches them.
-void showBase(SoNucleobase& base, char letter, bool isUpright, const DnaLook& look)
-{
-    const int slab = 2;
-    const bool hasAtoms = look.atoms && letter != UNKNOWN_BASE;
-    if (base.areAtomsShown() != hasAtoms)
-        base.showAtoms(hasAtoms);
-    if (base.isBoxShown() != look.baseBoxes)
-        base.showBox(look.baseBoxes);
-    if (look.bases && base.getNumChildren() == slab)
-        base.addChild(makeSlab(letter, isUpright));
-    else if (!look.bases && base.getNumChildren() > slab)
-        base.removeChild(slab);
-}
-
 // All of a strand: bases of a letter are one node.
 void showBases(SoDNA& dna, const std::string& bases, Strand strand, const DnaLook& look)
 {
@@ -348,28 +335,6 @@ DnaLook nothingOfBases(DnaLook look)
 {
     look.bases = look.baseBoxes = look.atoms = false;
     return look;
-}
-
-void hide(const ShownDatum& shown, const std::set<ThingPart>& hidden, const ThingStyle& /*style*/,
-          const DnaLook& look)
-{
-    for (const ThingPart part : partsOf(ThingKind::DNA)) {
-        const Strand strand = strandOf(part);
-        const bool isShown = hidden.count(part) == 0;
-        SoSFInt32& backbone = backboneChoiceOf(*shown.group, strand).whichChild;
-        const int which = isShown ? SO_SWITCH_ALL : SO_SWITCH_NONE;
-        if (backbone.getValue() != which)
-            backbone = which;
-        if (!needsPairs(look))
-            continue;
-        showBases(pairsOf(shown), shown.bases, strand, isShown ? look : nothingOfBases(look));
-        if (!shown.colours)
-            continue;
-        showColouredBases(colouredPairsIn(*shown.colours), int(strand) + 1, isShown);
-        if (look.atoms)
-            showBases(*static_cast<SoDNA*>(ofDataIn(*shown.colours).getChild(0)), shown.bases,
-                      strand, isShown ? atomsAlone(look) : nothingOfBases(look));
-    }
 }
 
 void setStrandColour(const ShownDatum& shown, ThingPart part, const SbColor& colour)
@@ -391,8 +356,8 @@ SoDNA* findPairs(const ShownDatum& shown)
 
 float scaleOfPairs(const ShownDatum& shown)
 {
-    const auto* pairs = static_cast<SoSeparator*>(shown.group->getChild(PAIRS));
-    return static_cast<SoScale*>(pairs->getChild(0))->scaleFactor.getValue()[0];
+    const auto* scale = static_cast<SoScale*>(pairGroupOf(*shown.group).getChild(0));
+    return scale->scaleFactor.getValue()[0];
 }
 
 // With the boxes of its pairs.
@@ -417,30 +382,142 @@ SbBox3f findStrandBox(const ShownDatum& shown, ThingPart part)
     return box;
 }
 
-// Bases of all letters are placed once more.
+// Those of a strand alone, as they are in these pairs: bases of all letters are placed once more.
+SoDNA* makeBases(const SoDNA& pairs, const std::string& bases, Strand strand, DnaLook look)
+{
+    look.pairBoxes = false;
+    auto* copy = makeDna(look);
+    copy->setData(pairs.getSequence(), pairs.getRAvg(), pairs.getQAvg(), pairs.getR1(),
+                  pairs.getQ1(), pairs.getR2(), pairs.getQ2());
+    copy->generate();
+    replaceUnknown(bases, look, *copy);
+    showBases(*copy, bases, strand, look);
+    showBases(*copy, bases, STRANDS[1 - std::size_t(strand)], nothingOfBases(look));
+    return copy;
+}
+
 SoNode* makeStrandAlone(const ShownDatum& shown, ThingPart part, const ThingStyle& /*style*/,
                         const DnaLook& look)
 {
-    const Strand strand = strandOf(part), other = STRANDS[1 - std::size_t(strand)];
+    const Strand strand = strandOf(part);
     auto* alone = new SoSeparator;
-    alone->addChild(&backboneChoiceOf(*shown.group, strand));
-    const SoDNA* const pairs = findPairs(shown);
-    if (!pairs)
-        return alone;
-    DnaLook bases = look;
-    bases.pairBoxes = false;
-    SoDNA* const copy = makeDna(bases);
-    alone->addChild(makePairs(copy, double(scaleOfPairs(shown))));
-    copy->setData(pairs->getSequence(), pairs->getRAvg(), pairs->getQAvg(), pairs->getR1(),
-                  pairs->getQ1(), pairs->getR2(), pairs->getQ2());
-    copy->generate();
-    replaceUnknown(shown.bases, bases, *copy);
-    showBases(*copy, shown.bases, strand, bases);
-    showBases(*copy, shown.bases, other, nothingOfBases(bases));
+    alone->addChild(&strandChoiceOf(*shown.group, strand));
+    if (const SoDNA* const pairs = findPairs(shown))
+        alone->addChild(
+            makePairs(makeBases(*pairs, shown.bases, strand, look), double(scaleOfPairs(shown))));
     return alone;
 }
 
-const PartsOfDatum STRANDS_OF_DNA{&hide, &setStrandColour, &getStrandColour, &findStrandBox,
+// What is seen through
+
+// Of boxes, 0, or the bases of a strand, in one shape; and of those the atoms, too.
+SoSeparator* makeAllOf(SoNode* shape, SoNode* atoms)
+{
+    auto* all = new SoSeparator;
+    all->addChild(shape);
+    if (atoms)
+        all->addChild(atoms);
+    return all;
+}
+
+// In their own colours and, by the choice of the pairs, in those of data.
+SoNode* makeApart(const ShownDatum& shown, int strand, const DnaLook& look)
+{
+    const SoDNA& pairs = pairsOf(shown);
+    const std::string& bases = shown.bases;
+    const auto ownColour = [&bases](std::size_t pair, int ofStrand) {
+        return ofStrand == 0 ? PAIR_COLOUR
+                             : baseColour(ofStrand == 1 ? bases[pair] : complementOf(bases[pair]));
+    };
+    SoNode* const atoms =
+        strand > 0 && look.atoms
+            ? makeBases(pairs, bases, STRANDS[std::size_t(strand) - 1], atomsAlone(look))
+            : nullptr;
+    SoNode* all = makeAllOf(makePlacedPairs(strand, bases, look, pairs, ownColour), atoms);
+    if (shown.colours) {
+        auto* choice = new SoSwitch;
+        choice->addChild(all);
+        choice->addChild(makeAllOf(colouredShape(colouredPairsIn(*shown.colours), strand), atoms));
+        choice->whichChild.connectFrom(&shown.colours->whichChild);
+        all = choice;
+    }
+    return makePairs(all, double(scaleOfPairs(shown)));
+}
+
+// The last child, if there are more than those before it.
+void dropChild(SoGroup& parent, int child)
+{
+    if (parent.getNumChildren() > child)
+        parent.removeChild(child);
+}
+
+// As the last child of that parent, or not at all.
+void showApart(const ShownDatum& shown, int strand, double transparency, const DnaLook& look,
+               SoGroup& parent, int child)
+{
+    if (transparency <= 0) {
+        dropChild(parent, child);
+        return;
+    }
+    if (parent.getNumChildren() == child)
+        parent.addChild(makeApart(shown, strand, look));
+    seeThrough(transparency, parent, child);
+}
+
+void dropApart(const ShownDatum& shown)
+{
+    for (const Strand strand : STRANDS)
+        dropChild(strandChoiceOf(*shown.group, strand), BASES_APART);
+    dropChild(*shown.group, BOXES_APART);
+}
+
+void showStrand(const ShownDatum& shown, ThingPart part, const PartLooks& looks,
+                const DnaLook& look)
+{
+    const Strand strand = strandOf(part);
+    const bool isShown = looks.isShown(part);
+    const double transparency = looks.transparencyOf(part);
+    SoSwitch& choice = strandChoiceOf(*shown.group, strand);
+    const int which = isShown ? SO_SWITCH_ALL : SO_SWITCH_NONE;
+    if (choice.whichChild.getValue() != which)
+        choice.whichChild = which;
+    seeThrough(transparency, choice, BACKBONE);
+    if (!needsPairs(look))
+        return;
+
+    const bool areInPairs = isShown && transparency <= 0;
+    showBases(pairsOf(shown), shown.bases, strand, areInPairs ? look : nothingOfBases(look));
+    if (shown.colours) {
+        showColouredPairs(colouredPairsIn(*shown.colours), int(strand) + 1, areInPairs);
+        if (look.atoms)
+            showBases(*static_cast<SoDNA*>(ofDataIn(*shown.colours).getChild(0)), shown.bases,
+                      strand, areInPairs ? atomsAlone(look) : nothingOfBases(look));
+    }
+    showApart(shown, int(strand) + 1, isShown && hasBases(look) ? transparency : 0, look, choice,
+              BASES_APART);
+}
+
+void showBoxes(const ShownDatum& shown, double transparency, const DnaLook& look)
+{
+    const bool areInPairs = transparency <= 0;
+    SoDNA& pairs = pairsOf(shown);
+    if (pairs.areBasePairBoxesShown() != areInPairs)
+        pairs.showBasePairBoxes(areInPairs);
+    if (shown.colours)
+        showColouredPairs(colouredPairsIn(*shown.colours), 0, areInPairs);
+    showApart(shown, 0, transparency, look, *shown.group, BOXES_APART);
+}
+
+void showStrands(const ShownDatum& shown, const PartLooks& looks, const ThingStyle& /*style*/,
+                 const DnaLook& look)
+{
+    for (const ThingPart part : partsOf(ThingKind::DNA))
+        showStrand(shown, part, looks, look);
+    if (look.pairBoxes)
+        showBoxes(shown, looks.transparencyOf(ThingPart::WHOLE), look);
+}
+
+const PartsOfDatum STRANDS_OF_DNA{&showStrands, &setStrandColour, &getStrandColour, &findStrandBox,
                                   &makeStrandAlone};
 
 SceneGeometry::Backbone computeBackbone(const std::vector<Vector3<double>>& points,
@@ -571,6 +648,7 @@ void DnaBuilder::updateNodes(std::size_t index, ShownDatum& shown)
 
 void DnaBuilder::recolour(std::size_t index, ShownDatum& shown)
 {
+    dropApart(shown);
     setColourChoice(index, shown);
     if (shown.colours)
         setDataColours(index, shown);
@@ -591,7 +669,7 @@ void DnaBuilder::setColourChoice(std::size_t index, ShownDatum& shown) const
 {
     if (hasDataColours(index) == (shown.colours != nullptr))
         return;
-    auto& pairs = *static_cast<SoSeparator*>(shown.group->getChild(PAIRS));
+    SoSeparator& pairs = pairGroupOf(*shown.group);
     if (shown.colours) {
         dropColourChoice(pairs, BEHIND_SCALE);
         shown.colours = nullptr;
@@ -607,10 +685,11 @@ void DnaBuilder::setDataColours(std::size_t index, ShownDatum& shown) const
     const DnaLook &look = frame.style.dna, atoms = atomsAlone(look);
     if (atoms.atoms)
         setPairs(datum(index), atoms, *static_cast<SoDNA*>(ofDataIn(*shown.colours).getChild(0)));
-    if (hasColouredPairs(look))
-        setColouredPairs(colouredPairsIn(*shown.colours), datum(index), look,
-                         {frame.placement.origin, 1 / look.angstrom}, pairsOf(shown),
-                         coloursOf(*frame.colouring, frame.colouring->ofDna(index)));
+    if (!hasColouredPairs(look))
+        return;
+    const std::vector<Colour> colours = coloursOf(*frame.colouring, frame.colouring->ofDna(index));
+    setColouredPairs(colouredPairsIn(*shown.colours), shown.bases, look, pairsOf(shown),
+                     [&colours](std::size_t pair, int /*strand*/) { return colours[pair]; });
 }
 
 void DnaBuilder::setOwnBackboneColours(std::size_t index, SoSeparator& group) const

@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "scene/builders/LoneBaseBuilder.h"
 
+#include <algorithm>
 #include <map>
+#include <utility>
+#include <vector>
 
 #include <Inventor/SoPath.h>
 #include <Inventor/SoPickedPoint.h>
@@ -13,6 +16,8 @@
 
 #include "scene/BaseNodes.h"
 #include "scene/PickedPlace.h"
+#include "scene/SoPlacedSolids.h"
+#include "scene/builders/ColouredPairs.h"
 
 namespace strandview {
 
@@ -21,14 +26,18 @@ namespace {
 // No atom or corner of a base is farther from its frame.
 const double REACH = 9.2; // ångström
 
-// The first child of the group is its scale.
+// The first child of the group is its scale, behind which each base has its own. Behind those is
+// one shape of all but atoms, where that is seen through.
+int behindBases(const ShownDatum& shown) { return 1 + int(shown.bases.size()); }
+
 void placeIn(const ShownDatum& /*shown*/, const SoPickedPoint& picked, int index,
              PickedPlace& place)
 {
     const SoPath& path = *picked.getPath();
     if (path.getLength() < index + 2)
         return;
-    place.datum = std::size_t(path.getIndex(index + 1)) - 1;
+    place.datum =
+        pickedPair(picked).value_or(std::size_t(std::max(path.getIndex(index + 1) - 1, 0)));
 }
 
 // Each base in its place, in ångström; those of a letter share their node.
@@ -54,6 +63,29 @@ void setPlaced(SoSeparator& group, const std::vector<LoneBase>& bases, const Dna
         placed->addChild(node);
         group.addChild(placed);
     }
+}
+
+void setTransparency(const ShownDatum& shown, double transparency, const DnaLook& look)
+{
+    const int behind = behindBases(shown);
+    const bool isThere = shown.group->getNumChildren() > behind,
+               isAsked = transparency > 0 && (look.bases || look.baseBoxes);
+    if (isThere == isAsked)
+        return;
+    std::vector<SoPlacedSolids::Place> places;
+    for (int i = 1; i < behind; ++i) {
+        const char letter = shown.bases[std::size_t(i) - 1];
+        const auto* placed = static_cast<const SoSeparator*>(shown.group->getChild(i));
+        const auto* transform = static_cast<const SoTransform*>(placed->getChild(0));
+        places.push_back({transform->translation.getValue(), transform->rotation.getValue(),
+                          baseColour(letter), 0});
+        showBase(*static_cast<SoNucleobase*>(placed->getChild(1)), letter, true,
+                 isAsked ? atomsAlone(look) : look);
+    }
+    if (isThere)
+        shown.group->removeChild(behind);
+    else
+        shown.group->addChild(makePlacedBases(std::move(places), shown.bases, look));
 }
 
 } // namespace
@@ -82,6 +114,7 @@ ShownDatum LoneBaseBuilder::makeNodes(std::size_t index)
     shown.group = new SoSeparator;
     shown.node = shown.group;
     shown.placeIn = &placeIn;
+    shown.setTransparency = &setTransparency;
     updateNodes(index, shown);
     return shown;
 }
