@@ -5,7 +5,6 @@
 #include <cmath>
 #include <cstdlib>
 #include <limits>
-#include <memory>
 
 #include <Inventor/SbLine.h>
 #include <Inventor/SbPlane.h>
@@ -29,7 +28,6 @@
 
 #include "detail/ascii.h"
 #include "detail/viewKeeping.h"
-#include "drawing/DepthGrid.h"
 #include "drawing/OneSample.h"
 
 // SoQt's registration asserts with this line's number, which hosts see: a test keeps it at 35.

@@ -70,9 +70,9 @@ public:
     void setBackground(const SbColor& background);
     /// Finely one after the other, so that events are processed between their frames.
     void drawCoarsely(bool coarse);
+    bool isRefining() const { return refinement.isActive(); }
     /// The axes in the corner, in those to come as well.
     void showAxes(bool shown);
-    bool isRefining() const { return refinement.isActive(); }
     /// That all together have taken.
     SbBox3f getRoom() const;
 
