@@ -350,7 +350,7 @@ private:
             play.geometry =
                 computeGeometry(*play.data, plan.style, plan.placement, *this, play.error);
             play.colouring = colouringOf(*play.data);
-            if (play.colouring && play.error.empty())
+            if (play.colouring && play.error.empty() && !isStopped())
                 addRowColours(*play.colouring, play.geometry);
         } catch (const std::bad_alloc&) {
             play.error = TOO_LITTLE_MEMORY_FOR_FRAME;

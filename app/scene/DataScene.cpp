@@ -15,6 +15,7 @@
 #include <Inventor/nodes/SoSwitch.h>
 
 #include <BiarcTubeMesh.h>
+#include <SoDNA.h>
 #include <SoMeshShape.h>
 
 #include <strandview/analysis/doubleStrands.h>
@@ -81,9 +82,25 @@ void tellOf(const ShownDatum& datum, const ThingLook& look, PickedPlace& place)
     place.partner = isPart ? char(0) : complementOf(place.base);
 }
 
+// Of all that is below, but for the pairs of a DNA, which come into being when they are asked for.
+void setCoarse(SoNode& node, bool coarse)
+{
+    if (auto* const shape = dynamic_cast<SoMeshShape*>(&node)) {
+        shape->drawCoarsely(coarse);
+        return;
+    }
+    const auto* const group = dynamic_cast<const SoGroup*>(&node);
+    if (!group || node.isOfType(SoDNA::getClassTypeId()))
+        return;
+    for (int i = 0; i < group->getNumChildren(); ++i)
+        setCoarse(*group->getChild(i), coarse);
+}
+
 void setCoarse(const ShownDatum& datum, bool coarse)
 {
-    if (auto* const shape = dynamic_cast<SoMeshShape*>(datum.node))
+    if (datum.ofParts) // curves of strands beside its node
+        setCoarse(*datum.group, coarse);
+    else if (auto* const shape = dynamic_cast<SoMeshShape*>(datum.node))
         shape->drawCoarsely(coarse);
 }
 
@@ -531,6 +548,7 @@ void DataScene::showParts(const Thing& thing)
     if (!looks.areUsual() || !datum.partLooks.areUsual())
         datum.ofParts->show(datum, looks, styleOf(style, idOf(thing)), style.dna);
     datum.partLooks = looks;
+    setCoarse(datum, coarse);
 }
 
 bool DataScene::isHidden(const Thing& thing) const { return getLook(thing).isOutOfView(); }

@@ -85,11 +85,14 @@ void addRowColours(const Colouring& colouring, const RowsOfData& rows, SceneGeom
     }
     geometry.birods.resize(rows.birods.size());
     for (std::size_t i = 0; i < rows.birods.size(); ++i) {
-        if (!colouring.ofBirod(i, 0).empty())
-            geometry.birods[i].colours = makeRowColours(
-                colouring,
-                {&colouring.ofBirod(i, 0), &colouring.ofBirod(i, 1), &colouring.ofBirod(i, 2)},
-                {rows.birods[i].begin(), rows.birods[i].end()});
+        std::vector<const std::vector<double>*> places;
+        for (std::size_t curve = 0; curve < rows.birods[i].size(); ++curve) {
+            if (!colouring.ofBirod(i, curve).empty())
+                places.push_back(&colouring.ofBirod(i, curve));
+        }
+        if (places.size() == rows.birods[i].size()) // or it was stopped on the way
+            geometry.birods[i].colours =
+                makeRowColours(colouring, places, {rows.birods[i].begin(), rows.birods[i].end()});
     }
 }
 

@@ -70,7 +70,8 @@ void BesideReader::Shared::work(Result& result)
         if (!result.error.empty() || !task.colouring)
             return;
         result.colouring = followColouring(*task.colouring, *task.data, *this);
-        addRowColours(*result.colouring, result.geometry);
+        if (!isStopped())
+            addRowColours(*result.colouring, result.geometry);
     } catch (const std::bad_alloc&) {
         result.error = TOO_LITTLE_MEMORY_FOR_FRAME;
     }

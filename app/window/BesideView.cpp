@@ -120,10 +120,11 @@ void BesideView::showResult(BesideReader::Result& result)
     room.extendBy(scene->getBox());
     shownLook = result.task.look;
     scene->setData(result.task.data);
+    viewer->drawAsBefore();
     showLooks();
     scene->showColours(hasColours);
-    if (!std::exchange(hasBegun, true) && onBegin)
-        onBegin(std::exchange(awaited, std::nullopt));
+    if (!hasBegun && onBegin)
+        onBegin();
     viewer->scheduleRedraw();
     if (onShown)
         onShown();
@@ -206,6 +207,12 @@ void BesideView::setBackground(const SbColor& background)
 void BesideView::drawCoarsely(bool coarse) { viewer->drawCoarsely(coarse); }
 
 // Its camera
+
+std::optional<BesideCamera> BesideView::begin()
+{
+    hasBegun = true;
+    return std::exchange(awaited, std::nullopt);
+}
 
 void BesideView::beginAnew()
 {

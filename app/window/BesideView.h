@@ -68,6 +68,8 @@ public:
     /// Where it begins.
     void setStart(const CameraRequest& request) { start = request; }
     const std::optional<CameraRequest>& getStart() const { return start; }
+    /// Has a camera from now on; tells which one was set before, if one was.
+    std::optional<BesideCamera> begin();
     /// Begins once more with what it shows next, wherever that is to be seen from.
     void beginAnew();
     /// As soon as it has begun, and instead of where it would.
@@ -93,10 +95,9 @@ public:
     void abandon();
 
     // What is told; each may be empty
-    /// Something is shown for the first time, and has a camera, or with this one from now on
-    std::function<void(const std::optional<BesideCamera>& camera)> onBegin;
-    std::function<void()> onShown;                           ///< something else is shown
-    std::function<void()> onResize;                          ///< it has another size
+    std::function<void()> onBegin;  ///< something is shown for the first time: begin() is due
+    std::function<void()> onShown;  ///< something else is shown
+    std::function<void()> onResize; ///< it has another size
     std::function<void(const std::string& error)> onFailure; ///< it cannot be shown
     std::function<void(const Told& told)> onPick;
     std::function<void()> onCamera;

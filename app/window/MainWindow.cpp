@@ -681,7 +681,10 @@ void MainWindow::finishIfSoon()
 void MainWindow::tellLoadingLater()
 {
     loadBar->hide();
-    QTimer::singleShot(LoadJob::PATIENCE, job.get(), [this] { showLoading(); });
+    QTimer::singleShot(LoadJob::PATIENCE, job.get(), [this, which = job.get()] {
+        if (job.get() == which)
+            showLoading();
+    });
 }
 
 void MainWindow::follow(std::unique_ptr<LoadJob> newJob, Tell tell, CameraChoice choice,
@@ -904,6 +907,7 @@ void MainWindow::beginToPlay(const ReadReport& report, Start start)
     });
     connect(player.get(), &Player::noticed, this, &MainWindow::tellFrame);
     connect(player.get(), &Player::frameShown, this, [this](std::size_t shown) {
+        ownedViewer->drawAsBefore();
         places->follow();
         measurements->follow(shown);
         things->follow();
@@ -1030,7 +1034,11 @@ bool MainWindow::isLoading() const { return job != nullptr; }
 // Of much data, so that they are seen at once.
 void MainWindow::drawCoarselyFirst()
 {
-    if (scene && takesLong(*scene))
+    const auto& further = sideBySide->getViews();
+    const bool isMuch = std::any_of(further.begin(), further.end(), [](const BesideView* view) {
+        return view->getScene() && takesLong(*view->getScene());
+    });
+    if (isMuch || (scene && takesLong(*scene)))
         coarseDrawing->noteChange();
 }
 
@@ -1621,7 +1629,11 @@ void MainWindow::saveDefaults()
 const BesideView* MainWindow::picturedBeside() const
 {
     const BesideView* const active = sideBySide->getActive();
-    return active && active->getScene() && !isFile(active->getWhat()) ? active : nullptr;
+    if (!active || !active->getScene() || isFile(active->getWhat()))
+        return nullptr;
+    // A still view is in the range of the frame beside it, which no command gives.
+    const bool isInOtherRange = options.ownRange && active->getWhat() == BesideRequest::FIRST_FRAME;
+    return isInOtherRange ? nullptr : active;
 }
 
 std::string MainWindow::wordsOf(const BesideView* view) const

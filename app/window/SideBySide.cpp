@@ -175,7 +175,7 @@ BesideView* SideBySide::makeView()
     view->setMinimumSize(SMALLEST_VIEW);
     view->drawCoarsely(first->isDrawnCoarsely());
     view->getViewer().axes.show(hasAxes);
-    view->onBegin = [this, view](const auto& camera) { begin(*view, camera); };
+    view->onBegin = [this, view] { begin(*view); };
     view->onResize = [this, view] {
         const History::Pause pause(*history);
         view->refit();
@@ -374,9 +374,10 @@ CameraRequest SideBySide::freeSide(const CameraRequest& home) const
     return fromSide(home, 0, 0); // of six sides there are two at least
 }
 
-void SideBySide::begin(BesideView& view, const std::optional<BesideCamera>& camera)
+void SideBySide::begin(BesideView& view)
 {
-    const History::Pause pause(*history);
+    const History::Pause pause(*history); // before there is another camera
+    const std::optional<BesideCamera> camera = view.begin();
     isFollowing = true; // it does not lead yet
     if (!isTied && camera)
         view.setCamera(*camera);

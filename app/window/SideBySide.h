@@ -97,7 +97,7 @@ private:
     std::size_t indexOf(const BesideView& view) const;
     /// Of those sides from where nobody looks, the first.
     CameraRequest freeSide(const CameraRequest& home) const;
-    void begin(BesideView& view, const std::optional<BesideCamera>& camera);
+    void begin(BesideView& view);
     void follow(const BesideView& view);
     void activate(BesideView* view);
     void arrange();

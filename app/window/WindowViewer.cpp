@@ -82,7 +82,7 @@ void WindowViewer::resetToHomePosition()
 void WindowViewer::setSceneGraph(SoNode* root)
 {
     data = dynamic_cast<DataScene*>(root);
-    drawCoarsely(isDrawnCoarsely());
+    drawAsBefore();
     auto* withAxes = new SoSeparator;
     withAxes->addChild(axes.getNode());
     withAxes->addChild(root);
@@ -195,7 +195,10 @@ void WindowViewer::actualRedraw()
     if (getCamera())
         outline.prepare(*getCamera(), *getGLRenderAction(), getGLWidget()->devicePixelRatioF());
     axes.setLegendRoom(data ? data->getLegendRoom().bottom : 0);
+    const bool wasBySoftware = isDrawnBySoftware();
     SoQtGeneralViewer::actualRedraw();
+    if (isDrawnBySoftware() != wasBySoftware)
+        drawAsBefore();
     outline.draw();
     const SbVec2s size = getGLSize();
     if (frameWaiter)

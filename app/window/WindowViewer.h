@@ -78,8 +78,9 @@ public:
     /// A box of that in the middle, as large as it can be.
     void centre(const SbBox3f& box);
     /// With its data. Where a frame of all rows takes a software driver long, those nearer than
-    /// half a pixel are never drawn.
+    /// half a pixel are never drawn; to be said again of other data.
     void drawCoarsely(bool coarse);
+    void drawAsBefore() { drawCoarsely(isDrawnCoarsely()); }
     void setViewing(SbBool viewing) override;
     /// What a click at that place of the view would pick; null if nothing.
     std::unique_ptr<SoPickedPoint> pickedAt(const SbVec2s& place);

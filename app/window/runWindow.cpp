@@ -2,6 +2,7 @@
 #include "window/runWindow.h"
 
 #include <clocale>
+#include <functional>
 #include <iostream>
 #include <memory>
 #include <utility>
@@ -50,6 +51,16 @@ void tellNotices(const ReadReport& report)
         tell(notice);
 }
 
+// When all is on the screen as it stays.
+void whenAtRest(MainWindow& window, const std::function<void()>& act)
+{
+    const int lookEvery = 20; // milliseconds
+    if (window.isRestyling())
+        QTimer::singleShot(lookEvery, &window, [&window, act] { whenAtRest(window, act); });
+    else
+        window.whenPainted(act);
+}
+
 // Of the window when its files are loaded and some seconds have passed, and closes it. What failed
 // is told when the window goes.
 void takePictureOnce(MainWindow& window, const Options& options, std::string& failure)
@@ -57,7 +68,7 @@ void takePictureOnce(MainWindow& window, const Options& options, std::string& fa
     failure = *options.windowPicture + ": the window was closed before its picture was taken";
     const auto take = [&window, &options, &failure] {
         QTimer::singleShot(int(1000 * options.windowPictureAfter), &window, [&] {
-            window.whenPainted([&] {
+            whenAtRest(window, [&] {
                 failure = saveWindow(window, *options.windowPicture);
                 window.close();
             });

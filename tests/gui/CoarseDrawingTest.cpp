@@ -3,11 +3,12 @@
 
 #include <algorithm>
 #include <cmath>
+#include <set>
 #include <string>
 
 #include <QImage>
 #include <QTest>
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <SoMeshShape.h>
 #include <SoQtGeneralViewer.h>
@@ -18,6 +19,8 @@
 #include "scene/DataScene.h"
 #include "support/graph.h"
 #include "window/SideBySide.h"
+
+using testing::ElementsAre;
 
 namespace strandview {
 
@@ -148,9 +151,12 @@ TEST_F(CoarseWindowTest, FurtherViewsAreDrawnFinelyOneAfterTheOther)
     EXPECT_EQ(countCoarse(), 3);
     all.drawCoarsely(false);
     EXPECT_EQ(countCoarse(), 3) << "the first view's frame comes first";
-    EXPECT_TRUE(window->isRestyling());
-    ASSERT_TRUE(comesTo([this] { return !window->isRestyling(); }));
-    EXPECT_EQ(countCoarse(), 0);
+    std::set<long> seen;
+    ASSERT_TRUE(comesTo([&] {
+        seen.insert(countCoarse());
+        return !window->isRestyling();
+    }));
+    EXPECT_THAT(seen, ElementsAre(0, 1, 2, 3));
 }
 
 TEST_F(CoarseWindowTest, PicturesHaveAllRowsAllTheSame)
