@@ -157,6 +157,20 @@ TEST_F(RowColoursTest, AreThoseOfTheTubeThenThoseOfTheRibbon)
     EXPECT_NE(expected.front(), expected[rows.tube->ofRows.size() - 1]);
 }
 
+TEST_F(RowColoursTest, OfABirodWhoseStrandsWereStoppedAreNotMade)
+{
+    std::optional<PreparedLook> look = prepare(dataOf(1));
+    Colouring stopped = *look->colouring;
+    stopped.places.resize(stopped.rods + 1);
+    stopped.places.resize(stopped.rods + 3); // the average has some
+    look->geometry.birods[0].colours = {};
+    addRowColours(stopped, look->geometry);
+    EXPECT_EQ(look->geometry.birods[0].colours.count, 0);
+    EXPECT_GT(look->geometry.rods[1].colours.count, 0);
+    addRowColours(*look->colouring, look->geometry);
+    EXPECT_GT(look->geometry.birods[0].colours.count, 0);
+}
+
 TEST_F(RowColoursTest, OfANewLookAreShownInTheMemoryThatTheyWereMadeIn)
 {
     std::optional<PreparedLook> look = prepare(dataOf(2));

@@ -244,6 +244,20 @@ TEST_F(SceneBuilderTest, TellsWhichBaseOfADnaWasPicked)
     EXPECT_EQ(describe(20, 0), "");
 }
 
+TEST_F(SceneBuilderTest, BackbonesAreDrawnCoarselyIfAsked)
+{
+    Configuration data;
+    data.dnas.push_back(makeDna("ACGT"));
+    ASSERT_TRUE(build(data, showing({&DnaLook::backbone}))) << error;
+    const auto backbones = find<SoRod>();
+    ASSERT_EQ(backbones.size(), 2U);
+    for (const bool coarse : {true, false}) {
+        scene->drawCoarsely(coarse);
+        for (const SoRod* backbone : backbones)
+            EXPECT_EQ(backbone->isDrawnCoarsely(), coarse);
+    }
+}
+
 TEST_F(SceneBuilderTest, TellsThePairOfAPairsBox)
 {
     Configuration data;

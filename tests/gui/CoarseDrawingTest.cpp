@@ -124,6 +124,19 @@ TEST_F(CoarseWindowTest, MuchDataBeginSoAndKeepTheirRowsLeftOutWhereSoftwareDraw
     EXPECT_EQ(isShapeCoarse(), Opened::viewerOf(*window).isDrawnBySoftware());
 }
 
+TEST_F(CoarseWindowTest, MuchDataBesideFewAreDrawnAsTheyAskFor)
+{
+    options.beside = besideOf({folder.write("many.txt", coil(20000))});
+    ASSERT_NO_FATAL_FAILURE(openText(coil(20), "few.txt"));
+    ASSERT_TRUE(comesTo([this] { return sceneBeside() && window->isRestyling(); }));
+    ASSERT_TRUE(comesTo([this] { return !window->isRestyling(); }));
+    const auto isCoarse = [](const DataScene& of) {
+        return allOf<SoMeshShape>(of.getShown(0).at(0).group).at(0)->isDrawnCoarsely();
+    };
+    EXPECT_EQ(isCoarse(*sceneBeside()), Opened::viewerOf(*window).isDrawnBySoftware());
+    EXPECT_FALSE(isCoarse(*scene));
+}
+
 TEST_F(CoarseWindowTest, FewDataBeginFinely)
 {
     ASSERT_NO_FATAL_FAILURE(openText(coil(20), "coil.txt"));
