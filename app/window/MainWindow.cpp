@@ -1216,6 +1216,7 @@ void MainWindow::setColours(bool ofData)
         return;
     const bool wasFitted = isFitted();
     scene->showColours(ofData);
+    ownedViewer->drawAsBefore();
     sideBySide->showColours(ofData);
     history->noteSoon();
     showLights(); // highlights came or went

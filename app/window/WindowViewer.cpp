@@ -145,8 +145,10 @@ void WindowViewer::setPerspective(bool perspective)
 void WindowViewer::drawCoarsely(bool coarse)
 {
     SoQtGeneralViewer::drawCoarsely(coarse);
-    if (data)
-        data->drawCoarsely(coarse || (isDrawnBySoftware() && takesLong(*data)));
+    if (!data)
+        return;
+    const bool isForGood = isDrawnBySoftware() && looksTheSameCoarsely(*data) && takesLong(*data);
+    data->drawCoarsely(coarse || isForGood);
 }
 
 // Each frame has other planes of clipping.

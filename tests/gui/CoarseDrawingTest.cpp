@@ -6,6 +6,7 @@
 #include <set>
 #include <string>
 
+#include <QAction>
 #include <QImage>
 #include <QTest>
 #include <gmock/gmock.h>
@@ -121,6 +122,21 @@ TEST_F(CoarseWindowTest, MuchDataBeginSoAndKeepTheirRowsLeftOutWhereSoftwareDraw
     EXPECT_TRUE(window->isRestyling());
     ASSERT_TRUE(comesTo([this] { return !window->isRestyling(); }));
     EXPECT_FALSE(isViewerCoarse()) << "its edges are smooth";
+    EXPECT_EQ(isShapeCoarse(), Opened::viewerOf(*window).isDrawnBySoftware());
+}
+
+TEST_F(CoarseWindowTest, AllRowsAreDrawnWhileDataColourThem)
+{
+    options.colourBy = "arclength";
+    ASSERT_NO_FATAL_FAILURE(openText(coil(20000), "coil.txt"));
+    EXPECT_TRUE(window->isRestyling());
+    ASSERT_TRUE(comesTo([this] { return !window->isRestyling(); }));
+    EXPECT_FALSE(isShapeCoarse());
+    for (QAction* action : window->findChildren<QAction*>()) {
+        if (action->text() == "&Colours of data")
+            action->trigger();
+    }
+    ASSERT_FALSE(scene->areColoursShown());
     EXPECT_EQ(isShapeCoarse(), Opened::viewerOf(*window).isDrawnBySoftware());
 }
 
