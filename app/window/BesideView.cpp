@@ -120,9 +120,9 @@ void BesideView::showResult(BesideReader::Result& result)
     room.extendBy(scene->getBox());
     shownLook = result.task.look;
     scene->setData(result.task.data);
+    viewer->drawAsBefore();
     showLooks();
     scene->showColours(hasColours);
-    viewer->drawAsBefore();
     if (!hasBegun && onBegin)
         onBegin();
     viewer->scheduleRedraw();
@@ -193,7 +193,6 @@ void BesideView::showColours(bool ofData)
     hasColours = ofData;
     if (scene)
         scene->showColours(ofData);
-    viewer->drawAsBefore();
 }
 
 void BesideView::setBackground(const SbColor& background)

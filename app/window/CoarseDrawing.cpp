@@ -23,11 +23,6 @@ bool takesLong(const DataScene& scene)
     return scene.getData() && countVertices(*scene.getData(), scene.getStyle()) > MANY_VERTICES;
 }
 
-bool looksTheSameCoarsely(const DataScene& scene)
-{
-    return !(scene.hasColours() && scene.areColoursShown());
-}
-
 CoarseDrawing::CoarseDrawing(std::function<void(bool coarse)> howToDraw)
     : draw(std::move(howToDraw))
 {

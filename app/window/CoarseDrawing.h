@@ -14,9 +14,6 @@ class DataScene;
 /// Whether a software driver takes so long for a frame of all rows that its user waits for it, and
 /// any other one for the first.
 bool takesLong(const DataScene& scene);
-/// Whether it looks the same without the rows that are nearer than half a pixel: where rows have
-/// colours of their own, those of what is left out are missed.
-bool looksTheSameCoarsely(const DataScene& scene);
 
 /// Lets be drawn coarsely what its user is changing, which takes a fraction of the time, and once
 /// more finely when nothing has changed for a moment. What plays is drawn so all the time.

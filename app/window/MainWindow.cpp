@@ -1216,7 +1216,6 @@ void MainWindow::setColours(bool ofData)
         return;
     const bool wasFitted = isFitted();
     scene->showColours(ofData);
-    ownedViewer->drawAsBefore();
     sideBySide->showColours(ofData);
     history->noteSoon();
     showLights(); // highlights came or went

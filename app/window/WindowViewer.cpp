@@ -145,10 +145,8 @@ void WindowViewer::setPerspective(bool perspective)
 void WindowViewer::drawCoarsely(bool coarse)
 {
     SoQtGeneralViewer::drawCoarsely(coarse);
-    if (!data)
-        return;
-    const bool isForGood = isDrawnBySoftware() && looksTheSameCoarsely(*data) && takesLong(*data);
-    data->drawCoarsely(coarse || isForGood);
+    if (data)
+        data->drawCoarsely(coarse || (isDrawnBySoftware() && takesLong(*data)));
 }
 
 // Each frame has other planes of clipping.

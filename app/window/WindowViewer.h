@@ -78,8 +78,7 @@ public:
     /// A box of that in the middle, as large as it can be.
     void centre(const SbBox3f& box);
     /// With its data. Where a frame of all rows takes a software driver long, those nearer than
-    /// half a pixel are never drawn if they are not missed; to be said again of other data and
-    /// colours.
+    /// half a pixel are never drawn; to be said again of other data.
     void drawCoarsely(bool coarse);
     void drawAsBefore() { drawCoarsely(isDrawnCoarsely()); }
     void setViewing(SbBool viewing) override;

@@ -6,7 +6,6 @@
 #include <set>
 #include <string>
 
-#include <QAction>
 #include <QImage>
 #include <QTest>
 #include <gmock/gmock.h>
@@ -117,27 +116,16 @@ TEST_F(CoarseWindowTest, AStyleThatIsChangedIsDrawnSoAndThenFinely)
 
 TEST_F(CoarseWindowTest, MuchDataBeginSoAndKeepTheirRowsLeftOutWhereSoftwareDraws)
 {
-    ASSERT_NO_FATAL_FAILURE(openText(coil(20000), "coil.txt"));
-    EXPECT_TRUE(takesLong(*scene));
-    EXPECT_TRUE(window->isRestyling());
-    ASSERT_TRUE(comesTo([this] { return !window->isRestyling(); }));
-    EXPECT_FALSE(isViewerCoarse()) << "its edges are smooth";
-    EXPECT_EQ(isShapeCoarse(), Opened::viewerOf(*window).isDrawnBySoftware());
-}
-
-TEST_F(CoarseWindowTest, AllRowsAreDrawnWhileDataColourThem)
-{
-    options.colourBy = "arclength";
-    ASSERT_NO_FATAL_FAILURE(openText(coil(20000), "coil.txt"));
-    EXPECT_TRUE(window->isRestyling());
-    ASSERT_TRUE(comesTo([this] { return !window->isRestyling(); }));
-    EXPECT_FALSE(isShapeCoarse());
-    for (QAction* action : window->findChildren<QAction*>()) {
-        if (action->text() == "&Colours of data")
-            action->trigger();
+    for (const char* const scalar : {"", "arclength"}) {
+        if (*scalar)
+            options.colourBy = scalar;
+        ASSERT_NO_FATAL_FAILURE(openText(coil(20000), "coil.txt"));
+        EXPECT_TRUE(takesLong(*scene));
+        EXPECT_TRUE(window->isRestyling());
+        ASSERT_TRUE(comesTo([this] { return !window->isRestyling(); }));
+        EXPECT_FALSE(isViewerCoarse()) << "its edges are smooth";
+        EXPECT_EQ(isShapeCoarse(), Opened::viewerOf(*window).isDrawnBySoftware());
     }
-    ASSERT_FALSE(scene->areColoursShown());
-    EXPECT_EQ(isShapeCoarse(), Opened::viewerOf(*window).isDrawnBySoftware());
 }
 
 TEST_F(CoarseWindowTest, MuchDataBesideFewAreDrawnAsTheyAskFor)
