@@ -50,8 +50,9 @@ public:
 protected:
     void mouseMoveEvent(QMouseEvent* event) override
     {
+        // Its own place has changed since the pointer moved, if events come late.
         if (event->buttons() & Qt::LeftButton)
-            onDrag(mapToParent(event->pos()));
+            onDrag(parentWidget()->mapFromGlobal(event->globalPos()));
     }
     void paintEvent(QPaintEvent* /*event*/) override
     {

@@ -130,9 +130,10 @@ TEST_F(CoarseWindowTest, MuchDataBeginSoAndKeepTheirRowsLeftOutWhereSoftwareDraw
 
 TEST_F(CoarseWindowTest, MuchDataBesideFewAreDrawnAsTheyAskFor)
 {
-    options.beside = besideOf({folder.write("many.txt", coil(20000))});
+    options.beside = besideOf({folder.write("many.txt", coil(1500))});
     ASSERT_NO_FATAL_FAILURE(openText(coil(20), "few.txt"));
     ASSERT_TRUE(comesTo([this] { return sceneBeside() && window->isRestyling(); }));
+    ASSERT_TRUE(takesLong(*sceneBeside()));
     ASSERT_TRUE(comesTo([this] { return !window->isRestyling(); }));
     const auto isCoarse = [](const DataScene& of) {
         return allOf<SoMeshShape>(of.getShown(0).at(0).group).at(0)->isDrawnCoarsely();
