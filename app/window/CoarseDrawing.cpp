@@ -37,6 +37,12 @@ void CoarseDrawing::noteChange()
     follow();
 }
 
+void CoarseDrawing::awaitChange()
+{
+    if (isChanging())
+        rest.start();
+}
+
 void CoarseDrawing::setPlaying(bool on)
 {
     isPlaying = on;

@@ -25,6 +25,8 @@ public:
 
     /// Something is being changed, or shown that was.
     void noteChange();
+    /// A change is asked for: what is drawn coarsely stays so, what is not is not drawn for it.
+    void awaitChange();
     /// Not long ago.
     bool isChanging() const { return rest.isActive(); }
     void setPlaying(bool on);

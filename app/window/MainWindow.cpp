@@ -1472,7 +1472,7 @@ void MainWindow::restyle()
     if (stage && stage->colouring && stage->colouring->name == options.colourBy)
         task.others = {stage, &stage->values};
     restyler.ask(std::move(task));
-    coarseDrawing->noteChange();
+    coarseDrawing->awaitChange();
 }
 
 void MainWindow::showStyle(Restyler::Result& result)

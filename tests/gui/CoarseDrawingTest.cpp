@@ -48,6 +48,20 @@ TEST_F(CoarseDrawingTest, LastsUntilNothingHasChangedForAMoment)
     EXPECT_FALSE(isCoarse);
 }
 
+TEST_F(CoarseDrawingTest, LastsWhileAChangeIsAwaitedAndDoesNotBeginWithIt)
+{
+    drawing.awaitChange();
+    EXPECT_FALSE(drawing.isChanging());
+    EXPECT_FALSE(isCoarse);
+    drawing.noteChange();
+    QTest::qWait(200);
+    drawing.awaitChange();
+    QTest::qWait(200);
+    EXPECT_TRUE(isCoarse);
+    EXPECT_TRUE(comesTo([this] { return !drawing.isChanging(); }));
+    EXPECT_FALSE(isCoarse);
+}
+
 TEST_F(CoarseDrawingTest, LastsWhileItPlays)
 {
     drawing.setPlaying(true);
@@ -112,6 +126,23 @@ TEST_F(CoarseWindowTest, AStyleThatIsChangedIsDrawnSoAndThenFinely)
         EXPECT_FALSE(isShapeCoarse());
         QObject::disconnect(watch);
     }
+}
+
+TEST_F(CoarseWindowTest, AStyleThatIsAskedForIsDrawnOnceItIsThereAndNotBefore)
+{
+    ASSERT_NO_FATAL_FAILURE(openText(coil(1500), "coil.txt"));
+    ASSERT_TRUE(comesToBePainted());
+    ASSERT_TRUE(comesTo([this] { return !window->isRestyling(); }));
+    ASSERT_TRUE(comesToBePainted());
+    int drawnBefore = 0;
+    bool isShown = false;
+    QObject::connect(window.get(), &MainWindow::styleShown, [&isShown] { isShown = true; });
+    QObject::connect(window.get(), &MainWindow::frameDrawn, [&] { drawnBefore += !isShown; });
+    StyleRequest style = window->getStyle();
+    style.tubeColour = {1, 0, 0};
+    window->setStyle(style);
+    ASSERT_TRUE(comesTo([&isShown] { return isShown; }));
+    EXPECT_EQ(drawnBefore, 0);
 }
 
 TEST_F(CoarseWindowTest, MuchDataBeginSoAndKeepTheirRowsLeftOutWhereSoftwareDraws)
