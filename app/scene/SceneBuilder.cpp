@@ -158,7 +158,8 @@ SceneGeometry compute(const Configuration& configuration, const Extent& extent, 
             },
             progress);
     if (error.empty()) {
-        geometry.ghost = computeGhost(configuration, style, placement, progress);
+        geometry.ghost =
+            computeGhost(configuration, style, placement, progress, geometry.ghostFaults);
         error = progress.isStopped() ? STOPPED : "";
     }
     return geometry;

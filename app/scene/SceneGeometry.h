@@ -3,6 +3,7 @@
 #define STRANDVIEW_APP_SCENE_SCENEGEOMETRY_H
 
 #include <array>
+#include <string>
 #include <vector>
 
 #include <SoBirod.h>
@@ -58,6 +59,7 @@ struct SceneGeometry
     std::vector<Birod> birods; ///< one for each of the configuration
     std::vector<Dna> dnas;     ///< one for each of the configuration
     std::vector<GhostCurve> ghost;
+    std::vector<std::string> ghostFaults; ///< a line for each curve of it that cannot be drawn
 };
 
 } // namespace strandview

@@ -11,6 +11,7 @@
 #include <strandview/analysis/parallelTransport.h>
 #include <strandview/analysis/superpose.h>
 
+#include "request/thingTexts.h"
 #include "scene/Progress.h"
 #include "scene/backbones.h"
 #include "scene/builders/RodBuilder.h"
@@ -91,9 +92,9 @@ void addStrands(const Configuration& reference, const Style& style, std::vector<
     }
 }
 
-// Whether a tube can be drawn through its points.
+// Nothing and a line if no tube can be drawn through its points.
 std::optional<SceneGeometry::GhostCurve> compute(Curve curve, const Style& style,
-                                                 const Placement& placement)
+                                                 const Placement& placement, std::string& fault)
 {
     const ThingStyle own = styleOf(style, {curve.like.kind, curve.like.index});
     const double radius = placement.scale * THINNER * curve.radius;
@@ -106,17 +107,22 @@ std::optional<SceneGeometry::GhostCurve> compute(Curve curve, const Style& style
     computed.rotations = std::move(curve.rod.rotations);
     computed.meshes = SoRod::makeMeshes(computed.points, computed.rotations, radius, hiddenWidth,
                                         own.slices, own.subsegments, false, curve.rod.isClosed);
-    if (!computed.meshes.tube)
+    if (!computed.meshes.tube) {
+        fault = nameOf(curve.like) + ": found no curve through its points, expected a smooth one";
         return {};
+    }
     if (!curve.areEndsOfItsFrames) {
         computed.meshes.tube = std::make_unique<BiarcTubeMesh>(computed.points, radius, own.slices,
                                                                own.subsegments, false, false);
         computed.meshes.tube->forgetCurve();
     }
-    const NamedCurve named{computed.points,
-                           curve.areEndsOfItsFrames ? &computed.rotations : nullptr,
-                           [](std::size_t point) { return std::to_string(point); }};
-    if (!findFault(*computed.meshes.tube, own.subsegments, named).empty())
+    const NamedCurve named{
+        computed.points, curve.areEndsOfItsFrames ? &computed.rotations : nullptr,
+        [&curve](std::size_t point) {
+            return nameOf(curve.like) + ", points[" + std::to_string(point) + "]";
+        }};
+    fault = findFault(*computed.meshes.tube, own.subsegments, named);
+    if (!fault.empty())
         return {};
     return computed;
 }
@@ -125,7 +131,8 @@ std::optional<SceneGeometry::GhostCurve> compute(Curve curve, const Style& style
 
 std::vector<SceneGeometry::GhostCurve> computeGhost(const Configuration& data, const Style& style,
                                                     const Placement& placement,
-                                                    const Progress& progress)
+                                                    const Progress& progress,
+                                                    std::vector<std::string>& faults)
 {
     if (!style.showGhost || !data.reference)
         return {};
@@ -144,8 +151,11 @@ std::vector<SceneGeometry::GhostCurve> computeGhost(const Configuration& data, c
         Configuration alone{{std::move(curve.rod)}};
         move(alone, back);
         curve.rod = std::move(alone.rods.front());
-        if (auto computed = compute(std::move(curve), style, placement))
+        std::string fault;
+        if (auto computed = compute(std::move(curve), style, placement, fault))
             ghost.push_back(std::move(*computed));
+        else
+            faults.push_back(fault + " (of the reference)");
     }
     return ghost;
 }

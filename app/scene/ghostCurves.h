@@ -2,6 +2,7 @@
 #ifndef STRANDVIEW_APP_SCENE_GHOSTCURVES_H
 #define STRANDVIEW_APP_SCENE_GHOSTCURVES_H
 
+#include <string>
 #include <vector>
 
 #include <strandview/model/Configuration.h>
@@ -19,11 +20,12 @@ class Progress;
 /// that findSuperposition() takes the data to the reference by.
 ///
 /// None if the data have no reference, the style shows no ghost, or there is nothing to superpose
-/// by; and without those through which no tube can be drawn. In any thread, since nothing of Coin
-/// is touched. Fewer, if it is stopped.
+/// by; and a line in `faults` instead of each through which no tube can be drawn. In any thread,
+/// since nothing of Coin is touched. Fewer, if it is stopped.
 std::vector<SceneGeometry::GhostCurve> computeGhost(const Configuration& data, const Style& style,
                                                     const Placement& placement,
-                                                    const Progress& progress);
+                                                    const Progress& progress,
+                                                    std::vector<std::string>& faults);
 
 } // namespace strandview
 

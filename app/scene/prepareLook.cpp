@@ -70,6 +70,8 @@ std::optional<PreparedLook> prepareLook(const Options& options, const Configurat
                         progress, report.error);
     if (!report.error.empty())
         return {};
+    for (const std::string& fault : look->geometry.ghostFaults)
+        report.notices.push_back("--ghost leaves out " + fault);
     if (look->colouring)
         addRowColours(*look->colouring, look->geometry);
     return look;

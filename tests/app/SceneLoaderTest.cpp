@@ -92,6 +92,17 @@ TEST_F(SceneLoaderTest, OptionsWithoutEffectAreNotices)
     EXPECT_THAT(report.notices, Contains("--dna has no effect: found no DNA"));
 }
 
+TEST_F(SceneLoaderTest, AGhostThatCannotBeDrawnIsANotice)
+{
+    Options options;
+    options.compare = folder.write("reference.txt", "0 0 0\n0 0 1\n0 1 2\n\n0 0 0\n2 0 0\n1 0 0\n");
+    options.showGhost = true;
+    ASSERT_TRUE(prepareScene({first}, options, report, progress)) << report.error;
+    EXPECT_THAT(report.notices,
+                Contains("--ghost leaves out rod 2, points[1]: found edges that turn straight "
+                         "back, expected another angle between them (of the reference)"));
+}
+
 TEST_F(SceneLoaderTest, AScalarThatThereIsNotIsRefusedOrIfAllowedANotice)
 {
     Options options;
