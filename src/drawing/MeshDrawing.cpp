@@ -50,6 +50,9 @@ const int MANY_ROWS = 1000;
 // Of rows that are drawn coarsely, in pixels.
 const double NEAR_ROWS = 0.5;
 
+// Of cameras that draw the same by turns; each has a half of a pixel of its own.
+const std::size_t MOST_LENGTHS = 4;
+
 struct BufferVertex
 {
     float point[3];
@@ -814,18 +817,28 @@ std::vector<std::optional<ClosedTube>> MeshDrawing::measureTubes(const std::vect
 // None where they are more than half of all.
 const std::vector<MeshRows>& MeshDrawing::rowsApart(const std::vector<Part>& parts, double length)
 {
-    if (apart.id == drawnId && apart.length == length)
-        return apart.rows;
-    apart = {drawnId, length, {}};
+    if (std::exchange(apartId, drawnId) != drawnId)
+        apart.clear();
+    const auto known = std::find_if(apart.begin(), apart.end(), [length](const RowsApart& rows) {
+        return rows.length == length;
+    });
+    if (known != apart.end()) {
+        std::rotate(known, known + 1, apart.end());
+        return apart.back().rows;
+    }
+    if (apart.size() == MOST_LENGTHS)
+        apart.erase(apart.begin());
+    apart.push_back({length, {}});
+    std::vector<MeshRows>& rows = apart.back().rows;
     int all = 0, drawn = 0;
     for (const Part& part : parts) {
-        apart.rows.push_back(::rowsApart(part.mesh, length));
+        rows.push_back(::rowsApart(part.mesh, length));
         all += part.mesh.getHeight();
-        drawn += apart.rows.back().getSize();
+        drawn += rows.back().getSize();
     }
     if (drawn > all / 2)
-        apart.rows.clear();
-    return apart.rows;
+        rows.clear();
+    return rows;
 }
 
 // Returns whether it did: if at least half of the rows are near to those before them.

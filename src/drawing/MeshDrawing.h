@@ -126,8 +126,7 @@ private:
     /// more than half of all.
     struct RowsApart
     {
-        SbUniqueId id = 0; // that of the parts
-        double length = 0;
+        double length;
         std::vector<MeshRows> rows;
     };
 
@@ -154,7 +153,8 @@ private:
     double area = 0;        // of the parts seen from aside, front and back; 0 if they have few rows
     SbUniqueId tubesId = 0; // that of the parts when they were measured
     std::vector<std::optional<ClosedTube>> tubes; // those of the parts that are
-    RowsApart apart;                              // those that were asked for last
+    SbUniqueId apartId = 0;                       // that of the parts of these rows
+    std::vector<RowsApart> apart; // of some cameras by turns, those used last at the end
     PerContext<Kept> contexts;
 };
 

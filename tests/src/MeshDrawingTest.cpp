@@ -1036,6 +1036,31 @@ TEST_F(CoarseDrawingTest, ForAWhileLeavesTheBuffersOfAllRowsAsTheyAre)
     }
 }
 
+TEST_F(CoarseDrawingTest, FourCamerasByTurnsHaveTheirRowsFoundOnce)
+{
+    auto* const rod = makeWave(20000, false);
+    rod->drawCoarsely(true);
+    show(rod);
+    const auto fillsOf = [this] {
+        std::vector<double> bytes;
+        for (const float distance : {1.0f, 1.5f, 2.0f, 3.0f}) {
+            camera->position = distance * SbVec3f(4.5f, 3, 4.5f);
+            draw();
+            bytes.push_back(bytesFilled());
+        }
+        return bytes;
+    };
+    const std::vector<double> first = fillsOf();
+    for (std::size_t i = 1; i < first.size(); ++i)
+        EXPECT_LT(first[i], first[i - 1]) << "fewer from farther away";
+    const auto& tube = *rod->getTubeMesh();
+    algebra3d::Vector3<double>** const points = rod->getTubeMesh()->getPoints();
+    std::fill_n(points[0], tube.getHeight() * tube.getWidth(), points[0][0]);
+    EXPECT_EQ(fillsOf(), first) << "nobody has said that they changed";
+    rod->touch();
+    EXPECT_LT(fillsOf()[0], 0.8 * first[0]);
+}
+
 TEST_F(CoarseDrawingTest, RowsHaveTheirColoursAndTextures)
 {
     auto* const rod = makeWave(20000, true);
