@@ -82,26 +82,27 @@ void tellOf(const ShownDatum& datum, const ThingLook& look, PickedPlace& place)
     place.partner = isPart ? char(0) : complementOf(place.base);
 }
 
-// Of all that is below, but for the pairs of a DNA, which come into being when they are asked for.
-void setCoarse(SoNode& node, bool coarse)
+// Of all shapes that are below, but for the pairs of a DNA, which come into being when they are
+// asked for: where the scene is drawn coarsely.
+void leaveOutRows(SoNode& node)
 {
     if (auto* const shape = dynamic_cast<SoMeshShape*>(&node)) {
-        shape->drawCoarsely(coarse);
+        shape->drawCoarsely(true);
         return;
     }
     const auto* const group = dynamic_cast<const SoGroup*>(&node);
     if (!group || node.isOfType(SoDNA::getClassTypeId()))
         return;
     for (int i = 0; i < group->getNumChildren(); ++i)
-        setCoarse(*group->getChild(i), coarse);
+        leaveOutRows(*group->getChild(i));
 }
 
-void setCoarse(const ShownDatum& datum, bool coarse)
+void leaveOutRows(const ShownDatum& datum)
 {
     if (datum.ofParts) // curves of strands beside its node
-        setCoarse(*datum.group, coarse);
+        leaveOutRows(*datum.group);
     else if (auto* const shape = dynamic_cast<SoMeshShape*>(datum.node))
-        shape->drawCoarsely(coarse);
+        shape->drawCoarsely(true);
 }
 
 // In as few digits as mean the same number in single precision.
@@ -132,6 +133,11 @@ Light lightOf(const SbVec3f& direction, float intensity)
     return {Vector3<double>(coordinateOf(direction[0]), coordinateOf(direction[1]),
                             coordinateOf(direction[2])),
             inReach(intensity, 0, 1)};
+}
+
+std::unique_ptr<SoMeshShape::AllRows> allRowsUnless(bool coarse)
+{
+    return coarse ? nullptr : std::make_unique<SoMeshShape::AllRows>();
 }
 
 double shininessOf(float number) { return inReach(number, 0, LARGEST_OF_LIGHT); }
@@ -322,18 +328,28 @@ const std::vector<ShownDatum>& DataScene::getShown(std::size_t kind) const
 
 void DataScene::drawCoarsely(bool nearRowsLeftOut)
 {
+    if (coarse == nearRowsLeftOut)
+        return;
     coarse = nearRowsLeftOut;
-    for (const Kind& kind : kinds) {
-        for (const ShownDatum& datum : kind.data)
-            setCoarse(datum, coarse);
-    }
-    if (ghost)
-        ghost->drawCoarsely(coarse);
+    touch();
+}
+
+void DataScene::GLRenderBelowPath(SoGLRenderAction* action)
+{
+    const auto rows = allRowsUnless(coarse);
+    SoGeneralScene::GLRenderBelowPath(action);
+}
+
+// What is seen through comes this way.
+void DataScene::GLRenderInPath(SoGLRenderAction* action)
+{
+    const auto rows = allRowsUnless(coarse);
+    SoGeneralScene::GLRenderInPath(action);
 }
 
 void DataScene::add(std::size_t kind, const ShownDatum& datum)
 {
-    setCoarse(datum, coarse);
+    leaveOutRows(datum);
     while (kinds.size() <= kind) {
         kinds.push_back({new SoGroup, ThingKind::OTHER, {}});
         addChanging(kinds.back().group);
@@ -379,7 +395,6 @@ void DataScene::showGhost(std::vector<SceneGeometry::GhostCurve> curves)
         ghost = std::make_unique<Ghost>();
         ghost->setTransparency(style.ghostTransparency);
         ghost->setLooks(style.things);
-        ghost->drawCoarsely(coarse);
         addChanging(ghost->getNode());
     }
     ghost->show(std::move(curves));
@@ -548,7 +563,7 @@ void DataScene::showParts(const Thing& thing)
     if (!looks.areUsual() || !datum.partLooks.areUsual())
         datum.ofParts->show(datum, looks, styleOf(style, idOf(thing)), style.dna);
     datum.partLooks = looks;
-    setCoarse(datum, coarse);
+    leaveOutRows(datum);
 }
 
 bool DataScene::isHidden(const Thing& thing) const { return getLook(thing).isOutOfView(); }

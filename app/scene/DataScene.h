@@ -146,8 +146,10 @@ public:
     void setBackground(const Colour& background);
 
     /// Whether rods and birods are drawn without rows that nobody tells apart: see
-    /// SoMeshShape::drawCoarsely(). For a window while its data change; at first not.
+    /// SoMeshShape::drawCoarsely(). For a window while its data change; at first not. Of what this
+    /// scene draws alone, whoever else draws the same nodes.
     void drawCoarsely(bool coarse);
+    bool isDrawnCoarsely() const { return coarse; }
 
     /// Draws a stamp over the scene, or none of null, instead of the one before.
     void setStamp(SoNode* stamp);
@@ -179,6 +181,9 @@ public:
     /// The box as it was told: what Coin makes of many turned boxes, such as a DNA's, is
     /// much larger, and costs their number in every frame.
     void getBoundingBox(SoGetBoundingBoxAction* action) override;
+    /// As coarsely as it is asked for.
+    void GLRenderBelowPath(SoGLRenderAction* action) override;
+    void GLRenderInPath(SoGLRenderAction* action) override;
     /// Tells onPick. The pick stays free for the viewer: false.
     bool processPickEvent(const SoPickedPoint* point) override;
 

@@ -59,7 +59,7 @@ void Ghost::show(std::vector<SceneGeometry::GhostCurve> next)
 Ghost::Shown Ghost::makeCurve(int slices, int subsegments)
 {
     auto* const rod = new SoRod(0, 0, slices, subsegments, true, false, false);
-    rod->drawCoarsely(coarse);
+    rod->drawCoarsely(true);
     auto* const choice = new SoSwitch;
     choice->addChild(rod);
     curves->addChild(choice);
@@ -82,13 +82,6 @@ void Ghost::setLooks(const ThingLooks& next)
         if (curve.choice->whichChild.getValue() != which)
             curve.choice->whichChild = which;
     }
-}
-
-void Ghost::drawCoarsely(bool nearRowsLeftOut)
-{
-    coarse = nearRowsLeftOut;
-    for (const Shown& curve : shown)
-        curve.rod->drawCoarsely(coarse);
 }
 
 SbBox3f Ghost::getBox() const

@@ -33,8 +33,6 @@ public:
     void setTransparency(double transparency);
     /// Leaves out what is compared with things that are hidden.
     void setLooks(const ThingLooks& looks);
-    /// As DataScene::drawCoarsely().
-    void drawCoarsely(bool coarse);
 
     /// Around what is drawn of it, in the scene.
     SbBox3f getBox() const;
@@ -46,6 +44,7 @@ private:
         SoSwitch* choice; ///< whether it is drawn; owned by the graph
         SoRod* rod;
     };
+    /// One that rows are left out of where its scene is drawn coarsely.
     Shown makeCurve(int slices, int subsegments);
     void keepFirst(std::size_t count);
 
@@ -53,7 +52,6 @@ private:
     SoSeeThrough* curves; ///< behind a material
     std::vector<Shown> shown;
     ThingLooks looks;
-    bool coarse = false;
 };
 
 /// Around those that are not left out, in the scene, without a node.

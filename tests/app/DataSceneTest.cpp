@@ -8,10 +8,12 @@
 #include <Inventor/SoPickedPoint.h>
 #include <Inventor/actions/SoRayPickAction.h>
 #include <Inventor/nodes/SoCube.h>
+#include <Inventor/nodes/SoOrthographicCamera.h>
 #include <Inventor/nodes/SoSeparator.h>
 #include <Inventor/nodes/SoShaderParameter.h>
 #include <Inventor/nodes/SoSphere.h>
 #include <Inventor/nodes/SoTranslation.h>
+#include <OffscreenContext.h>
 #include <QImage>
 #include <SoRod.h>
 #include <gmock/gmock.h>
@@ -21,8 +23,10 @@
 #include "request/settings.h"
 #include "scene/SceneLoader.h"
 #include "scene/SoOverlay.h"
+#include "support/drawnCoarsely.h"
 #include "support/graph.h"
 #include "support/initialiseSceneOnce.h"
+#include "support/renderPicture.h"
 #include <algebra3d/Matrix3.h>
 
 namespace strandview {
@@ -30,6 +34,11 @@ namespace strandview {
 using algebra3d::Matrix3;
 using algebra3d::Quaternion;
 using algebra3d::Vector3;
+using testing::AllOf;
+using testing::Each;
+using testing::ElementsAre;
+using testing::Gt;
+using testing::SizeIs;
 
 namespace {
 
@@ -403,6 +412,23 @@ TEST_F(DataSceneTest, LooksAreThoseOfThingsByTheirKind)
     scene->unref();
 }
 
+// Whether each rod of a scene is drawn without rows that nobody tells apart, in their order.
+std::vector<bool> areDrawnCoarsely(DataScene& scene)
+{
+    OffscreenContext::install();
+    auto* const root = new SoSeparator;
+    root->ref();
+    root->addChild(new SoOrthographicCamera);
+    root->addChild(&scene);
+    const DrawnCoarsely watched(root);
+    EXPECT_TRUE(renderPicture(root, 10, 10).isRendered());
+    std::vector<bool> are;
+    for (const DrawnCoarsely::Drawing& drawing : watched.drawings)
+        are.push_back(drawing.isCoarse);
+    root->unref();
+    return are;
+}
+
 TEST_F(DataSceneTest, DrawsRodsThatAreThereAndThatComeCoarselyIfAsked)
 {
     const auto makeRod = [] {
@@ -414,19 +440,50 @@ TEST_F(DataSceneTest, DrawsRodsThatAreThereAndThatComeCoarselyIfAsked)
     };
     auto* scene = new DataScene({});
     scene->ref();
-    const auto areCoarse = [&](std::size_t i) {
-        return static_cast<SoRod*>(scene->getShown(0)[i].node)->isDrawnCoarsely();
-    };
     scene->add(0, makeRod());
     scene->add(1, makeCube(10, "no rod"));
-    EXPECT_FALSE(areCoarse(0));
+    EXPECT_THAT(areDrawnCoarsely(*scene), ElementsAre(false));
     scene->drawCoarsely(true);
     scene->add(0, makeRod());
-    EXPECT_TRUE(areCoarse(0));
-    EXPECT_TRUE(areCoarse(1));
+    EXPECT_TRUE(scene->isDrawnCoarsely());
+    EXPECT_THAT(areDrawnCoarsely(*scene), ElementsAre(true, true));
     scene->drawCoarsely(false);
-    EXPECT_FALSE(areCoarse(0));
-    EXPECT_FALSE(areCoarse(1));
+    EXPECT_FALSE(scene->isDrawnCoarsely());
+    EXPECT_THAT(areDrawnCoarsely(*scene), ElementsAre(false, false));
+    scene->unref();
+}
+
+TEST_F(DataSceneTest, DrawsWhatIsSeenThroughCoarselyIfAsked)
+{
+    ShownDatum datum;
+    datum.kind = ThingKind::ROD;
+    datum.group = new SoSeparator;
+    datum.node = makeHelix(8);
+    datum.group->addChild(datum.node);
+    auto* scene = new DataScene({});
+    scene->ref();
+    scene->add(0, datum);
+    scene->setTransparency(0.5);
+    for (const bool coarse : {true, false}) {
+        scene->drawCoarsely(coarse);
+        EXPECT_THAT(areDrawnCoarsely(*scene), AllOf(SizeIs(Gt(1U)), Each(coarse)))
+            << "what is turned away, and what is turned towards the eye";
+    }
+    scene->unref();
+}
+
+TEST_F(DataSceneTest, IsDrawnAnewWhereItIsToBeDrawnCoarsely)
+{
+    auto* scene = new DataScene({});
+    scene->ref();
+    for (const bool coarse : {true, false}) {
+        const auto before = scene->getNodeId();
+        scene->drawCoarsely(coarse);
+        const auto after = scene->getNodeId();
+        EXPECT_NE(after, before);
+        scene->drawCoarsely(coarse);
+        EXPECT_EQ(scene->getNodeId(), after);
+    }
     scene->unref();
 }
 
@@ -647,7 +704,7 @@ TEST_F(DataSceneTest, OneLegendTellsWhicheverColouringThereIsAndStaysHidden)
         EXPECT_EQ(scene->getColouring()->isAbove, next.isAbove);
         EXPECT_THAT(scene->getColouring()->places, testing::IsEmpty());
         EXPECT_FALSE(scene->areColoursShown());
-        EXPECT_THAT(allOf<SoOverlay>(scene), testing::SizeIs(1));
+        EXPECT_THAT(allOf<SoOverlay>(scene), SizeIs(1));
     }
     scene->unref();
 }

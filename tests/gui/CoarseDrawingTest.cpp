@@ -10,14 +10,12 @@
 #include <QTest>
 #include <gmock/gmock.h>
 
-#include <SoMeshShape.h>
 #include <SoQtGeneralViewer.h>
 
 #include "DataWindowTest.h"
 #include "request/BesideRequest.h"
 #include "request/settings.h"
 #include "scene/DataScene.h"
-#include "support/graph.h"
 #include "window/SideBySide.h"
 
 using testing::ElementsAre;
@@ -95,12 +93,6 @@ protected:
         }
     };
     bool isViewerCoarse() const { return Opened::viewerOf(*window).isDrawnCoarsely(); }
-    bool isShapeCoarse() const
-    {
-        const auto shapes = allOf<SoMeshShape>(scene->getShown(0).at(0).group);
-        EXPECT_FALSE(shapes.empty());
-        return !shapes.empty() && shapes[0]->isDrawnCoarsely();
-    }
 };
 
 TEST_F(CoarseWindowTest, AStyleThatIsChangedIsDrawnSoAndThenFinely)
@@ -115,7 +107,7 @@ TEST_F(CoarseWindowTest, AStyleThatIsChangedIsDrawnSoAndThenFinely)
             QObject::connect(window.get(), &MainWindow::styleShown, [this, &isShown] {
                 isShown = true;
                 EXPECT_TRUE(isViewerCoarse());
-                EXPECT_TRUE(isShapeCoarse());
+                EXPECT_TRUE(scene->isDrawnCoarsely());
             });
         SCOPED_TRACE(name);
         window->setStyle(style);
@@ -123,7 +115,7 @@ TEST_F(CoarseWindowTest, AStyleThatIsChangedIsDrawnSoAndThenFinely)
         EXPECT_TRUE(window->isRestyling());
         EXPECT_TRUE(comesTo([this] { return !window->isRestyling(); }));
         EXPECT_FALSE(isViewerCoarse());
-        EXPECT_FALSE(isShapeCoarse());
+        EXPECT_FALSE(scene->isDrawnCoarsely());
         QObject::disconnect(watch);
     }
 }
@@ -155,7 +147,7 @@ TEST_F(CoarseWindowTest, MuchDataBeginSoAndKeepTheirRowsLeftOutWhereSoftwareDraw
         EXPECT_TRUE(window->isRestyling());
         ASSERT_TRUE(comesTo([this] { return !window->isRestyling(); }));
         EXPECT_FALSE(isViewerCoarse()) << "its edges are smooth";
-        EXPECT_EQ(isShapeCoarse(), Opened::viewerOf(*window).isDrawnBySoftware());
+        EXPECT_EQ(scene->isDrawnCoarsely(), Opened::viewerOf(*window).isDrawnBySoftware());
     }
 }
 
@@ -166,11 +158,8 @@ TEST_F(CoarseWindowTest, MuchDataBesideFewAreDrawnAsTheyAskFor)
     ASSERT_TRUE(comesTo([this] { return sceneBeside() && window->isRestyling(); }));
     ASSERT_TRUE(takesLong(*sceneBeside()));
     ASSERT_TRUE(comesTo([this] { return !window->isRestyling(); }));
-    const auto isCoarse = [](const DataScene& of) {
-        return allOf<SoMeshShape>(of.getShown(0).at(0).group).at(0)->isDrawnCoarsely();
-    };
-    EXPECT_EQ(isCoarse(*sceneBeside()), Opened::viewerOf(*window).isDrawnBySoftware());
-    EXPECT_FALSE(isCoarse(*scene));
+    EXPECT_EQ(sceneBeside()->isDrawnCoarsely(), Opened::viewerOf(*window).isDrawnBySoftware());
+    EXPECT_FALSE(scene->isDrawnCoarsely());
 }
 
 TEST_F(CoarseWindowTest, FewDataBeginFinely)
@@ -179,7 +168,7 @@ TEST_F(CoarseWindowTest, FewDataBeginFinely)
     EXPECT_FALSE(takesLong(*scene));
     EXPECT_FALSE(window->isRestyling());
     EXPECT_FALSE(isViewerCoarse());
-    EXPECT_FALSE(isShapeCoarse());
+    EXPECT_FALSE(scene->isDrawnCoarsely());
 }
 
 TEST_F(CoarseWindowTest, FurtherViewsAreDrawnFinelyOneAfterTheOther)
