@@ -5,6 +5,7 @@
 #include <cassert>
 #include <charconv>
 #include <cmath>
+#include <utility>
 
 #include <Inventor/SoPath.h>
 #include <Inventor/SoPickedPoint.h>
@@ -52,6 +53,13 @@ bool areAlike(const Colouring& one, const Colouring& other)
 {
     return one.isBelow == other.isBelow && one.isAbove == other.isAbove &&
            one.isMissing == other.isMissing;
+}
+
+// The same of frames that may each have a range of their own.
+bool areInSameRange(const Colouring& one, const Colouring& other)
+{
+    return areAlike(one, other) && one.min == other.min && one.max == other.max &&
+           one.constant == other.constant;
 }
 
 // The row and the share of the way to the next one, by the arc lengths of the rows.
@@ -172,7 +180,7 @@ void DataScene::restyle(const Placement& placementOfData, const Style& styleOfDa
     setBackground(style.background);
     cut(style.clip);
     draw(style.drawing);
-    if (ghost) {
+    if (ghost && !isOfOther) {
         ghost->setTransparency(style.ghostTransparency);
         ghost->setLooks(style.things);
     }
@@ -302,7 +310,7 @@ void DataScene::cut(const std::optional<ClipPlane>& plane)
 // Of what is closed only where it is cut open.
 void DataScene::showInside(const ShownDatum& datum) const
 {
-    if (datum.setSolid)
+    if (datum.setSolid && !isOfOther)
         datum.setSolid(datum, !style.clip);
 }
 
@@ -349,7 +357,8 @@ void DataScene::GLRenderInPath(SoGLRenderAction* action)
 
 void DataScene::add(std::size_t kind, const ShownDatum& datum)
 {
-    leaveOutRows(datum);
+    if (!isOfOther)
+        leaveOutRows(datum);
     while (kinds.size() <= kind) {
         kinds.push_back({new SoGroup, ThingKind::OTHER, {}});
         addChanging(kinds.back().group);
@@ -392,13 +401,81 @@ void DataScene::showGhost(std::vector<SceneGeometry::GhostCurve> curves)
     if (!ghost && curves.empty())
         return;
     if (!ghost) {
-        ghost = std::make_unique<Ghost>();
+        placeGhost(std::make_shared<Ghost>());
         ghost->setTransparency(style.ghostTransparency);
         ghost->setLooks(style.things);
-        addChanging(ghost->getNode());
     }
     ghost->show(std::move(curves));
     box.reset();
+}
+
+void DataScene::placeGhost(std::shared_ptr<Ghost> next)
+{
+    if (ghost == next)
+        return;
+    if (!ghostPlace) {
+        ghostPlace = new SoGroup;
+        addChanging(ghostPlace);
+    }
+    ghostPlace->removeAllChildren();
+    ghost = std::move(next);
+    if (ghost)
+        ghostPlace->addChild(ghost->getNode());
+    box.reset();
+}
+
+void DataScene::mirror(const DataScene& other)
+{
+    isOfOther = true;
+    style.things = other.style.things;
+    style.transparency = other.style.transparency;
+    standardSide = other.standardSide;
+    data = other.data;
+    shareData(other);
+    placeGhost(other.ghost);
+    followColouring(other);
+    cut(other.style.clip);
+    draw(other.style.drawing);
+    showLooks();
+}
+
+void DataScene::endMirror()
+{
+    if (!std::exchange(isOfOther, false))
+        return;
+    for (std::size_t kind = 0; kind < kinds.size(); ++kind)
+        keepFirst(kind, 0);
+    placeGhost(nullptr);
+}
+
+// What is there already stays in its place.
+void DataScene::shareData(const DataScene& other)
+{
+    for (std::size_t kind = 0; kind < std::max(kinds.size(), other.kinds.size()); ++kind) {
+        const std::vector<ShownDatum>& theirs = other.getShown(kind);
+        const std::vector<ShownDatum>& known = getShown(kind);
+        std::size_t same = 0;
+        while (same < std::min(known.size(), theirs.size()) &&
+               known[same].group == theirs[same].group)
+            ++same;
+        keepFirst(kind, same);
+        for (std::size_t i = 0; i < same; ++i)
+            kinds[kind].data[i] = theirs[i];
+        for (std::size_t i = same; i < theirs.size(); ++i)
+            add(kind, theirs[i]);
+    }
+    box.reset();
+    alone.clear();
+}
+
+void DataScene::followColouring(const DataScene& other)
+{
+    const bool isRestyled = std::exchange(mirroredStyle, styles) != styles;
+    if (!other.colouring)
+        dropColouring();
+    else if (isRestyled || !colouring || !areInSameRange(*colouring, *other.colouring))
+        setColouring(*other.colouring);
+    showColours(other.coloursShown);
 }
 
 std::vector<Thing> DataScene::getThings() const
@@ -505,7 +582,7 @@ void DataScene::showLooks()
         showLook(thing);
     if (style.clip && !getClipPlane())
         cut(style.clip);
-    if (ghost)
+    if (ghost && !isOfOther)
         ghost->setLooks(style.things);
     if (onLook)
         onLook();
@@ -532,6 +609,8 @@ void DataScene::showLook(const Thing& thing)
     }
     if (!datum.ofParts)
         seeThrough(transparencyOf(thing), hiding ? *hiding : group, hiding ? 0 : index);
+    if (isOfOther)
+        return;
     if (datum.setTransparency)
         datum.setTransparency(datum, transparencyOf(thing), style.dna);
     if (look.colour && datum.setColour)
@@ -670,11 +749,10 @@ void DataScene::showColours(bool show)
     showLegend();
     for (const Kind& kind : kinds) {
         for (const ShownDatum& datum : kind.data) {
-            if (datum.colours)
+            if (datum.colours && !isOfOther)
                 datum.colours->whichChild = show ? 1 : 0;
         }
     }
-
     if (areAsked)
         drawLights();
 }

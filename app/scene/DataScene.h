@@ -77,6 +77,15 @@ public:
     /// Drops the data of a kind from `count` on.
     void keepFirst(std::size_t kind, std::size_t count);
 
+    /// Shows the data of another scene and what they are compared with, by the same nodes: as that
+    /// has them now, with its looks, plane and colours, and a legend that tells the same. To be
+    /// said again whenever they change there, where alone those nodes are changed; placement and
+    /// style are those of restyle() before.
+    void mirror(const DataScene& other);
+    bool isMirror() const { return isOfOther; }
+    /// Shows nothing of it any more: data that come are its own.
+    void endMirror();
+
     /// Shows beside the data what they are compared with, or nothing of it: no thing, nothing that
     /// is picked, but within its box.
     void showGhost(std::vector<SceneGeometry::GhostCurve> curves);
@@ -193,6 +202,9 @@ private:
     const ShownDatum& datumOf(const Thing& thing) const;
     bool isHidden(const Thing& thing) const;
     void showLook(const Thing& thing);
+    void shareData(const DataScene& other);
+    void placeGhost(std::shared_ptr<Ghost> next);
+    void followColouring(const DataScene& other);
     void showParts(const Thing& thing);
     ThingLook lookAt(const Thing& thing, const PickedPlace& place) const;
     double transparencyOf(const Thing& thing) const;
@@ -235,7 +247,10 @@ private:
     Side standardSide = Side::Z;
     std::optional<Colouring> colouring;
     bool coarse = false;
-    std::unique_ptr<Ghost> ghost; ///< null until there was one
+    bool isOfOther = false;        ///< what it shows: it leaves those nodes as they are
+    std::size_t mirroredStyle = 0; ///< of countStyles()
+    std::shared_ptr<Ghost> ghost;  ///< null until there was one
+    SoGroup* ghostPlace = nullptr; ///< owned by the graph
     std::unique_ptr<Legend> legend;
     SoSwitch* legendChoice = nullptr; ///< whether it is shown
     std::unique_ptr<ScaleBar> scaleBar;

@@ -253,14 +253,17 @@ std::string showFrame(DataScene& scene, const Configuration& data, const Style& 
     assert(geometry.dnas.size() == data.dnas.size());
     assert(!colouring ||
            (colouring->rods == data.rods.size() && colouring->birods == data.birods.size()));
+    assert(nodes == FrameChange::NEW || !scene.isMirror());
     FrameChange change(
         scene, {data, style, geometry.placement, colouring, scene.areColoursShown(), geometry},
         nodes);
     std::string error = change.prepare(progress);
     if (!error.empty())
         return error;
-    if (nodes == FrameChange::NEW)
+    if (nodes == FrameChange::NEW) {
+        scene.endMirror();
         scene.restyle(geometry.placement, style);
+    }
     change.commit();
     return "";
 }

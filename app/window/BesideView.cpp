@@ -6,6 +6,8 @@
 
 #include <Inventor/actions/SoGLRenderAction.h>
 #include <Inventor/nodes/SoSeparator.h>
+#include <QGLContext>
+#include <QGLWidget>
 #include <QVBoxLayout>
 
 #include "camera/Camera.h"
@@ -15,7 +17,27 @@
 
 namespace strandview {
 
-BesideView::BesideView(const SbColor& background, QWidget* parent)
+namespace {
+
+// Whether what one has brought to OpenGL is there for the other.
+bool shareBuffers(const WindowViewer& one, const WindowViewer& other)
+{
+    const auto contextOf = [](const WindowViewer& viewer) {
+        const auto* const widget = qobject_cast<const QGLWidget*>(viewer.getGLWidget());
+        return widget ? widget->context() : nullptr;
+    };
+    return QGLContext::areSharing(contextOf(one), contextOf(other));
+}
+
+std::shared_ptr<const DataScene> keep(const DataScene& scene)
+{
+    scene.ref();
+    return {&scene, [](const DataScene* kept) { kept->unref(); }};
+}
+
+} // namespace
+
+BesideView::BesideView(const WindowViewer& first, QWidget* parent)
     : QWidget(parent),
       caption(new ViewCaption(this)),
       reader([this](BesideReader::Result& result) { showResult(result); })
@@ -34,7 +56,7 @@ BesideView::BesideView(const SbColor& background, QWidget* parent)
     viewer->setTransparencyType(SoGLRenderAction::SORTED_OBJECT_BLEND);
     viewer->setHeadlight(FALSE); // the scene has its lights
     viewer->setDecoration(FALSE);
-    viewer->setBackgroundColor(background);
+    viewer->setBackgroundColor(first.getBackgroundColor());
     viewer->setSceneGraph(new SoSeparator);
     viewer->onCamera = [this] {
         tellCaption();
@@ -52,6 +74,7 @@ BesideView::BesideView(const SbColor& background, QWidget* parent)
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(viewer->getWidget());
     viewer->show();
+    sharesBuffers = shareBuffers(first, *viewer);
 }
 
 BesideView::~BesideView() { abandon(); }
@@ -59,6 +82,7 @@ BesideView::~BesideView() { abandon(); }
 void BesideView::abandon()
 {
     reader.setSeries(nullptr);
+    awaitedFirst.reset();
     onShown = onResize = onCamera = onClose = nullptr;
     onBegin = nullptr;
     onFailure = nullptr;
@@ -71,6 +95,7 @@ void BesideView::take(Source next)
     isNew = true;
     room.makeEmpty();
     reader.setSeries(source.opener);
+    awaitedFirst.reset();
     tellCaption();
 }
 
@@ -103,8 +128,41 @@ void BesideView::show(const DataScene& first, std::size_t frame, Change change)
     hasColours = first.areColoursShown();
     if (change != NEXT_FRAME)
         ++look;
+    if (isMirror() && scene) {
+        mirror(first);
+        return;
+    }
+    if (isMirror()) { // its camera suits the size that it is given
+        awaitedFirst = keep(first);
+        QMetaObject::invokeMethod(
+            this,
+            [this] {
+                if (const auto awaited = std::exchange(awaitedFirst, nullptr))
+                    mirror(*awaited);
+            },
+            Qt::QueuedConnection);
+        return;
+    }
     reader.ask({source.opener ? nullptr : first.getData(), source.isStill ? 0 : frame,
                 first.getStyle(), first.getPlacement(), first.getColouring(), look});
+}
+
+// Meshes and buffers of much data are there once. It changes in the same turn as the first view
+// does: what that has no longer goes.
+void BesideView::mirror(const DataScene& first)
+{
+    if (!scene) {
+        auto* const made = new DataScene(first.getPlacement(), first.getStyle());
+        made->ref();
+        made->mirror(first);
+        adopt(*made);
+        made->unref();
+    } else {
+        if (shownLook != look)
+            scene->restyle(first.getPlacement(), first.getStyle());
+        scene->mirror(first);
+    }
+    tellShown(look);
 }
 
 void BesideView::showResult(BesideReader::Result& result)
@@ -115,14 +173,20 @@ void BesideView::showResult(BesideReader::Result& result)
             onFailure(error);
         return;
     }
-    if (shownLook != result.task.look)
-        room.makeEmpty();
-    room.extendBy(scene->getBox());
-    shownLook = result.task.look;
     scene->setData(result.task.data);
-    viewer->drawAsBefore();
     showLooks();
     scene->showColours(hasColours);
+    tellShown(result.task.look);
+}
+
+// Another frame, or look.
+void BesideView::tellShown(std::size_t inLook)
+{
+    if (shownLook != inLook)
+        room.makeEmpty();
+    room.extendBy(scene->getBox());
+    shownLook = inLook;
+    viewer->drawAsBefore();
     if (!hasBegun && onBegin)
         onBegin();
     viewer->scheduleRedraw();
@@ -144,9 +208,14 @@ std::string BesideView::hand(BesideReader::Result& result)
                             unwatched);
     DataScene* const made =
         buildScene(*task.data, task.style, colouring, std::move(result.geometry), unwatched, error);
-    if (!made)
-        return error;
-    scene = made;
+    if (made)
+        adopt(*made);
+    return error;
+}
+
+void BesideView::adopt(DataScene& made)
+{
+    scene = &made;
     scene->onPick = [this](const SoPickedPoint& picked) {
         viewer->hasPicked = true;
         if (!viewer->isClick || !onPick)
@@ -162,13 +231,14 @@ std::string BesideView::hand(BesideReader::Result& result)
     viewer->SoQtGeneralViewer::setSceneGraph(static_cast<SoGeneralScene*>(scene));
     onCamera = tell;
     scene->keepLineWidth();
-    return "";
 }
 
 void BesideView::followLooks(const DataScene& ofFirst)
 {
     keepLooks(ofFirst);
-    if (scene)
+    if (scene && scene->isMirror())
+        scene->mirror(ofFirst);
+    else if (scene)
         showLooks();
 }
 

@@ -34,7 +34,8 @@ public:
         bool isStill = false;      ///< the first frame, whichever the first view shows
     };
 
-    BesideView(const SbColor& background, QWidget* parent);
+    /// Of a window with that view, whose background it has.
+    BesideView(const WindowViewer& first, QWidget* parent);
     ~BesideView() override;
 
     /// Shows that from the next show() on.
@@ -46,9 +47,10 @@ public:
     enum Change { NEXT_FRAME, OTHER_LOOK, NEW_SOURCE };
     /// Shows data as the scene of the first view shows its own, as soon as they are prepared. In
     /// another look than before everything is made anew; NEW_SOURCE is for views that take() and
-    /// have not shown anything since.
+    /// have not shown anything since. The first view's data are shown at once, by its nodes, once
+    /// this has its place.
     void show(const DataScene& first, std::size_t frame, Change change);
-    bool isAtWork() const { return reader.isAtWork(); }
+    bool isAtWork() const { return awaitedFirst || reader.isAtWork(); }
 
     /// What is hidden, named, seen through and cut, as the first scene has it.
     void followLooks(const DataScene& first);
@@ -104,8 +106,12 @@ public:
     std::function<void()> onClose; ///< its user wants it closed
 
 private:
+    bool isMirror() const { return !source.opener && sharesBuffers; }
+    void mirror(const DataScene& first);
     void showResult(BesideReader::Result& result);
     std::string hand(BesideReader::Result& result);
+    void adopt(DataScene& made);
+    void tellShown(std::size_t inLook);
     void keepLooks(const DataScene& ofFirst);
     void showLooks();
     void tellCaption();
@@ -116,7 +122,9 @@ private:
     bool isNew = false; ///< the source
     ViewCaption* caption;
     std::unique_ptr<WindowViewer> viewer;
-    DataScene* scene = nullptr; ///< kept by the viewer
+    bool sharesBuffers;                            ///< OpenGL's, with the first view
+    DataScene* scene = nullptr;                    ///< kept by the viewer
+    std::shared_ptr<const DataScene> awaitedFirst; ///< whose data are shown in a moment
     SbBox3f room;
     bool hasBegun = false;
     std::optional<CameraRequest> start;

@@ -172,7 +172,7 @@ std::vector<BesideView*> SideBySide::viewsOf(const std::vector<std::string>& wha
 
 BesideView* SideBySide::makeView()
 {
-    auto* const view = new BesideView(first->getBackgroundColor(), this);
+    auto* const view = new BesideView(*first, this);
     view->setMinimumSize(SMALLEST_VIEW);
     view->drawCoarsely(first->isDrawnCoarsely());
     view->getViewer().axes.show(hasAxes);

@@ -23,6 +23,7 @@
 #include "request/settings.h"
 #include "scene/SceneLoader.h"
 #include "scene/SoOverlay.h"
+#include "scene/SoSeeThrough.h"
 #include "support/drawnCoarsely.h"
 #include "support/graph.h"
 #include "support/initialiseSceneOnce.h"
@@ -485,6 +486,129 @@ TEST_F(DataSceneTest, IsDrawnAnewWhereItIsToBeDrawnCoarsely)
         EXPECT_EQ(scene->getNodeId(), after);
     }
     scene->unref();
+}
+
+// A scene that mirrors another of two rods and a cube.
+class MirroredSceneTest : public DataSceneTest
+{
+protected:
+    MirroredSceneTest() : first(new DataScene({})), second(new DataScene({}))
+    {
+        first->ref();
+        second->ref();
+        first->add(0, rodOf(makeStraight(), "rods.txt:1: rod 1"));
+        first->add(0, rodOf(makeHelix(8), "rods.txt:9: rod 2"));
+        first->add(1, makeCube(10, "cube"));
+        second->mirror(*first);
+    }
+    ~MirroredSceneTest() override
+    {
+        first->unref();
+        second->unref();
+    }
+
+    static ShownDatum rodOf(SoRod* rod, const std::string& name)
+    {
+        ShownDatum datum;
+        datum.kind = ThingKind::ROD;
+        datum.name = name;
+        datum.group = new SoSeparator;
+        datum.node = rod;
+        datum.group->addChild(rod);
+        datum.box = boxOf(rod);
+        return datum;
+    }
+    static std::vector<const SoSeparator*> groupsOf(const DataScene& scene)
+    {
+        std::vector<const SoSeparator*> groups;
+        for (const Thing& thing : scene.getThings())
+            groups.push_back(scene.getShown(thing.kind)[thing.index].group);
+        return groups;
+    }
+
+    DataScene *first, *second;
+};
+
+TEST_F(MirroredSceneTest, HasTheSameNodesAndTellsWhatIsPickedOfThem)
+{
+    EXPECT_THAT(groupsOf(*second), SizeIs(3));
+    EXPECT_EQ(groupsOf(*second), groupsOf(*first));
+    EXPECT_EQ(allOf<SoRod>(second), allOf<SoRod>(first));
+    EXPECT_EQ(second->getBox(), first->getBox());
+    EXPECT_THAT(describe(*second, 1, 0), testing::HasSubstr("rod 1"));
+    EXPECT_EQ(describe(*second, 1, 0), describe(*first, 1, 0));
+}
+
+TEST_F(MirroredSceneTest, FollowsWhatComesAndGoes)
+{
+    first->keepFirst(0, 1);
+    first->keepFirst(1, 0);
+    first->add(2, makeCube(20, "another"));
+    second->mirror(*first);
+    EXPECT_THAT(groupsOf(*second), SizeIs(2));
+    EXPECT_EQ(groupsOf(*second), groupsOf(*first));
+    EXPECT_EQ(second->getBox(), first->getBox());
+    first->keepFirst(0, 0);
+    first->add(0, rodOf(makeStraight(), "next"));
+    second->mirror(*first);
+    EXPECT_EQ(groupsOf(*second), groupsOf(*first));
+    EXPECT_THAT(describe(*second, 1, 0), testing::HasSubstr("next"));
+}
+
+TEST_F(MirroredSceneTest, HasLooksWithoutTouchingTheNodes)
+{
+    ThingLooks looks;
+    looks.show({ThingKind::ROD, 0}, false);
+    first->setLooks(looks);
+    first->setTransparency(0.5);
+    first->cut(ClipPlane{Vector3<double>(1, 0, 0), 0.5});
+    std::vector<SbUniqueId> before;
+    for (const SoSeparator* group : groupsOf(*first))
+        before.push_back(group->getNodeId());
+    second->mirror(*first);
+    EXPECT_TRUE(second->getLook({0, 0}).isHidden());
+    EXPECT_EQ(allOf<SoSeeThrough>(second).size(), allOf<SoSeeThrough>(first).size());
+    EXPECT_NE(second->getClipPlane(), nullptr);
+    EXPECT_NE(second->getClipPlane(), first->getClipPlane());
+    EXPECT_EQ(second->getBox(), first->getBox());
+    std::vector<SbUniqueId> after;
+    for (const SoSeparator* group : groupsOf(*first))
+        after.push_back(group->getNodeId());
+    EXPECT_EQ(after, before);
+}
+
+TEST_F(MirroredSceneTest, IsDrawnCoarselyByItself)
+{
+    second->drawCoarsely(true);
+    EXPECT_THAT(areDrawnCoarsely(*first), ElementsAre(false, false));
+    EXPECT_THAT(areDrawnCoarsely(*second), ElementsAre(true, true));
+    first->drawCoarsely(true);
+    second->drawCoarsely(false);
+    EXPECT_THAT(areDrawnCoarsely(*first), ElementsAre(true, true));
+    EXPECT_THAT(areDrawnCoarsely(*second), ElementsAre(false, false));
+}
+
+TEST_F(MirroredSceneTest, OutlivesTheOther)
+{
+    const std::string told = describe(*first, 1, 0);
+    first->unref();
+    EXPECT_EQ(describe(*second, 1, 0), told);
+    EXPECT_THAT(areDrawnCoarsely(*second), ElementsAre(false, false));
+    first = new DataScene({});
+    first->ref();
+    second->mirror(*first);
+    EXPECT_THAT(groupsOf(*second), SizeIs(0));
+}
+
+TEST_F(MirroredSceneTest, ShowsItsOwnOnceItIsNoMirror)
+{
+    second->endMirror();
+    EXPECT_FALSE(second->isMirror());
+    EXPECT_THAT(groupsOf(*second), SizeIs(0));
+    EXPECT_THAT(groupsOf(*first), SizeIs(3));
+    second->add(0, rodOf(makeStraight(), "own"));
+    EXPECT_THAT(describe(*second, 1, 0), testing::HasSubstr("own"));
+    EXPECT_THAT(describe(*first, 1, 0), testing::HasSubstr("rod 1"));
 }
 
 TEST_F(DataSceneTest, TellsThePointAloneOfWhatIsNoRod)

@@ -90,9 +90,18 @@ TEST_F(ColouringThreadTest, OfFurtherViewsIsNeither)
 {
     ASSERT_NO_FATAL_FAILURE(openText(rod(200), "rod.txt"));
     inWindow = beside = 0;
-    window->setBeside(besideOf({BesideRequest::SAME, folder.write("other.txt", rod(150))}));
-    ASSERT_TRUE(comesTo([this] { return sceneBeside(0) && sceneBeside(1); }));
+    window->setBeside(besideOf({folder.write("other.txt", rod(150))}));
+    ASSERT_TRUE(comesTo([this] { return sceneBeside(); }));
     expectBeside();
+}
+
+TEST_F(ColouringThreadTest, OfFurtherViewsOfTheSameIsNone)
+{
+    ASSERT_NO_FATAL_FAILURE(openText(rod(200), "rod.txt"));
+    inWindow = beside = 0;
+    window->setBeside(fourOfTheSame());
+    ASSERT_TRUE(comesTo([this] { return sceneBeside(2); }));
+    EXPECT_EQ(inWindow + beside, 0);
 }
 
 TEST_F(ColouringThreadTest, OfFramesThatPlayIsNeither)
