@@ -339,7 +339,14 @@ void DataScene::drawCoarsely(bool nearRowsLeftOut)
     if (coarse == nearRowsLeftOut)
         return;
     coarse = nearRowsLeftOut;
+    pictureId = getIdOfPicture();
     touch();
+    coarseId = getNodeId();
+}
+
+SbUniqueId DataScene::getIdOfPicture() const
+{
+    return getNodeId() == coarseId ? pictureId : getNodeId();
 }
 
 void DataScene::GLRenderBelowPath(SoGLRenderAction* action)

@@ -159,6 +159,9 @@ public:
     /// scene draws alone, whoever else draws the same nodes.
     void drawCoarsely(bool coarse);
     bool isDrawnCoarsely() const { return coarse; }
+    /// The node's id when it was changed last otherwise than by drawCoarsely(): of a picture of it,
+    /// which has all rows.
+    SbUniqueId getIdOfPicture() const;
 
     /// Draws a stamp over the scene, or none of null, instead of the one before.
     void setStamp(SoNode* stamp);
@@ -247,10 +250,11 @@ private:
     Side standardSide = Side::Z;
     std::optional<Colouring> colouring;
     bool coarse = false;
-    bool isOfOther = false;        ///< what it shows: it leaves those nodes as they are
-    std::size_t mirroredStyle = 0; ///< of countStyles()
-    std::shared_ptr<Ghost> ghost;  ///< null until there was one
-    SoGroup* ghostPlace = nullptr; ///< owned by the graph
+    SbUniqueId coarseId = 0, pictureId = 0; ///< the node's since drawCoarsely(), and before it
+    bool isOfOther = false;                 ///< what it shows: it leaves those nodes as they are
+    std::size_t mirroredStyle = 0;          ///< of countStyles()
+    std::shared_ptr<Ghost> ghost;           ///< null until there was one
+    SoGroup* ghostPlace = nullptr;          ///< owned by the graph
     std::unique_ptr<Legend> legend;
     SoSwitch* legendChoice = nullptr; ///< whether it is shown
     std::unique_ptr<ScaleBar> scaleBar;

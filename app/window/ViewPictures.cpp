@@ -152,9 +152,9 @@ std::string ViewPictures::save(const PictureChoice& choice, const std::string& f
         // The scene is nobody else's meanwhile, or the picture would be made of two.
         bool goesOn = true, isSame = true;
         const auto proceed = [&](double done) {
-            const SbUniqueId before = view.scene->getNodeId();
+            const SbUniqueId before = view.scene->getIdOfPicture();
             goesOn = goOn(drawing * done);
-            isSame = view.scene->getNodeId() == before;
+            isSame = view.scene->getIdOfPicture() == before;
             return goesOn && isSame;
         };
         const std::string failure =
