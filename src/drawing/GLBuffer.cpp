@@ -63,9 +63,9 @@ void* mapToWrite(std::uint32_t context, GLenum target, std::size_t bytes, bool i
 } // namespace
 
 void GLBuffer::fill(std::uint32_t currentContext, GLenum target, std::size_t bytes,
-                    const std::function<void(void*)>& write)
+                    const std::function<void(void*)>& write, Memory memory)
 {
-    const bool isThere = name != 0 && size == bytes && bytes > 0;
+    const bool isThere = memory == SAME_MEMORY && name != 0 && size == bytes && bytes > 0;
     if (!name) {
         context = currentContext;
         glGenBuffers(1, &name);

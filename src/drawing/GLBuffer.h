@@ -37,9 +37,11 @@ public:
 
     /// Makes it one of the current context, which has this name, of so many bytes, all of which
     /// write(memory) sets: the driver's own where it lends some, so that they are nowhere twice.
-    /// What is still to be drawn from the bytes before is drawn from those.
+    /// What is still to be drawn from the bytes before is drawn from those; in another context
+    /// that shares it only where it gets NEW_MEMORY, which takes longer.
+    enum Memory { SAME_MEMORY, NEW_MEMORY };
     void fill(std::uint32_t currentContext, GLenum target, std::size_t bytes,
-              const std::function<void(void*)>& write);
+              const std::function<void(void*)>& write, Memory memory = SAME_MEMORY);
 
     /// Binds it, and makes it hold other elements, of any number.
     template <typename Element>

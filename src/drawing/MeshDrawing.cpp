@@ -659,6 +659,9 @@ void MeshDrawing::draw(SbUniqueId id, SoGLRenderAction* action, const std::vecto
         measure(parts);
     }
     Kept& kept = contexts[context];
+    // Views whose contexts share the buffers draw by turns.
+    const SoGLRenderAction* const before = std::exchange(kept.drawnBy, action);
+    kept.memory = before && before != action ? GLBuffer::NEW_MEMORY : GLBuffer::SAME_MEMORY;
     const bool normals = !bundle.isColorOnly();
     DepthGrid grid(state);
     const bool isSorted = grid.mayCover(centre, radius, area, SORTED_LAYERS) && isOpaque(state) &&
@@ -714,16 +717,19 @@ const MeshDrawing::Colours& MeshDrawing::prepare(SoGLRenderAction* action, Kept&
     if (!kept.all.textures && SoGLTextureEnabledElement::get(state))
         kept.all.textures.fill(
             context, GL_ARRAY_BUFFER, layout().getVertexCount() * sizeof(TexturePlace),
-            [&](void* memory) { layout().writeTextures(static_cast<TexturePlace*>(memory)); });
+            [&](void* memory) { layout().writeTextures(static_cast<TexturePlace*>(memory)); },
+            kept.memory);
     const Materials materials(state);
     Colours& colours = takeColours(kept, materials);
     if (!colours.buffer || !(colours.materials == materials)) {
         colours.materials = materials;
-        colours.buffer.fill(context, GL_ARRAY_BUFFER, layout().getVertexCount() * sizeof(Colour),
-                            [&](void* memory) {
-                                layout().writeColours(ShownColours(state), isMaterialOverall(state),
-                                                      static_cast<Colour*>(memory));
-                            });
+        colours.buffer.fill(
+            context, GL_ARRAY_BUFFER, layout().getVertexCount() * sizeof(Colour),
+            [&](void* memory) {
+                layout().writeColours(ShownColours(state), isMaterialOverall(state),
+                                      static_cast<Colour*>(memory));
+            },
+            kept.memory);
     }
     colours.usedId = drawnId;
     return colours;
@@ -732,7 +738,9 @@ const MeshDrawing::Colours& MeshDrawing::prepare(SoGLRenderAction* action, Kept&
 void MeshDrawing::fillVertices(Kept& kept, std::uint32_t context, const Layout& layout) const
 {
     if (!kept.all.triangles || kept.grids != layout.grids()) {
+        const SoGLRenderAction* const drawnBy = kept.drawnBy;
         kept = Kept();
+        kept.drawnBy = drawnBy;
         kept.grids = layout.grids();
         kept.draws = layout.makeDraws();
         kept.all.triangles.fill(
@@ -741,7 +749,8 @@ void MeshDrawing::fillVertices(Kept& kept, std::uint32_t context, const Layout& 
     }
     kept.all.vertices.fill(
         context, GL_ARRAY_BUFFER, layout.getVertexCount() * sizeof(BufferVertex),
-        [&](void* memory) { layout.writeVertices(static_cast<BufferVertex*>(memory)); });
+        [&](void* memory) { layout.writeVertices(static_cast<BufferVertex*>(memory)); },
+        kept.memory);
     kept.runs.clear();
     kept.filledId = drawnId;
 }
@@ -855,15 +864,20 @@ bool MeshDrawing::drawFewRows(Kept& kept, std::uint32_t context, bool normals, S
     const std::size_t vertices = layout.getVertexCount();
     kept.few.vertices.fill(
         context, GL_ARRAY_BUFFER, vertices * sizeof(BufferVertex),
-        [&](void* memory) { layout.writeVertices(static_cast<BufferVertex*>(memory)); });
+        [&](void* memory) { layout.writeVertices(static_cast<BufferVertex*>(memory)); },
+        kept.memory);
     if (SoGLTextureEnabledElement::get(state))
         kept.few.textures.fill(
             context, GL_ARRAY_BUFFER, vertices * sizeof(TexturePlace),
-            [&](void* memory) { layout.writeTextures(static_cast<TexturePlace*>(memory)); });
-    kept.coloursOfFew.fill(context, GL_ARRAY_BUFFER, vertices * sizeof(Colour), [&](void* memory) {
-        layout.writeColours(ShownColours(state), isMaterialOverall(state),
-                            static_cast<Colour*>(memory));
-    });
+            [&](void* memory) { layout.writeTextures(static_cast<TexturePlace*>(memory)); },
+            kept.memory);
+    kept.coloursOfFew.fill(
+        context, GL_ARRAY_BUFFER, vertices * sizeof(Colour),
+        [&](void* memory) {
+            layout.writeColours(ShownColours(state), isMaterialOverall(state),
+                                static_cast<Colour*>(memory));
+        },
+        kept.memory);
     const auto backFaces = BackFaces::find(state);
     const auto tubesOfRows = backFaces ? measureTubes(parts, rows)
                                        : std::vector<std::optional<ClosedTube>>(parts.size());

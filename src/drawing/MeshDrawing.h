@@ -109,6 +109,8 @@ private:
     /// In one context.
     struct Kept
     {
+        const SoGLRenderAction* drawnBy = nullptr;       // last: a view has its own
+        GLBuffer::Memory memory = GLBuffer::SAME_MEMORY; // that is filled now
         std::vector<Grid> grids;
         SbUniqueId filledId = 0; // that of the parts when their vertices were taken
         Buffers all;

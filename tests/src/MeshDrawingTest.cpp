@@ -1061,6 +1061,32 @@ TEST_F(CoarseDrawingTest, FourCamerasByTurnsHaveTheirRowsFoundOnce)
     EXPECT_LT(fillsOf()[0], 0.8 * first[0]);
 }
 
+// As views of a window do, whose contexts share them.
+TEST_F(CoarseDrawingTest, DrawnByTurnsBuffersGetNewMemoryThatNobodyDrawsFromYet)
+{
+    auto* const rod = makeWave(20000, false);
+    show(rod);
+    draw();
+    const SbViewportRegion region = renderer->getViewportRegion();
+    SoGLRenderAction one(region), other(region);
+    const auto drawBy = [&](SoGLRenderAction& action) {
+        rod->touch();
+        renderer->setGLRenderAction(&action);
+        draw();
+        EXPECT_GT(fills(), 0);
+        return count(calls, "glMapBufferRange");
+    };
+    for (const bool coarse : {false, true}) {
+        rod->drawCoarsely(coarse);
+        drawBy(one);
+        EXPECT_GT(drawBy(one), 0) << coarse;
+        EXPECT_EQ(drawBy(other), 0) << coarse;
+        EXPECT_GT(drawBy(other), 0) << coarse;
+        EXPECT_EQ(drawBy(one), 0) << coarse;
+    }
+    renderer.reset(); // before they go
+}
+
 TEST_F(CoarseDrawingTest, RowsHaveTheirColoursAndTextures)
 {
     auto* const rod = makeWave(20000, true);
