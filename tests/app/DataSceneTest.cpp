@@ -3,6 +3,7 @@
 
 #include <cmath>
 #include <random>
+#include <utility>
 
 #include <Inventor/SbViewportRegion.h>
 #include <Inventor/SoPickedPoint.h>
@@ -516,6 +517,9 @@ protected:
         datum.node = rod;
         datum.group->addChild(rod);
         datum.box = boxOf(rod);
+        datum.setTransparency = [](const ShownDatum&, double, const DnaLook&) { ++changes; };
+        datum.setSolid = [](const ShownDatum&, bool) { ++changes; };
+        datum.setColour = [](const ShownDatum&, const SbColor&) { ++changes; };
         return datum;
     }
     static std::vector<const SoSeparator*> groupsOf(const DataScene& scene)
@@ -526,8 +530,11 @@ protected:
         return groups;
     }
 
+    static int changes; ///< of nodes
     DataScene *first, *second;
 };
+
+int MirroredSceneTest::changes = 0;
 
 TEST_F(MirroredSceneTest, HasTheSameNodesAndTellsWhatIsPickedOfThem)
 {
@@ -559,9 +566,12 @@ TEST_F(MirroredSceneTest, HasLooksWithoutTouchingTheNodes)
 {
     ThingLooks looks;
     looks.show({ThingKind::ROD, 0}, false);
+    looks.ofThings[{ThingKind::ROD, 1}].colour = strandview::Colour{1, 0, 0};
+    changes = 0;
     first->setLooks(looks);
     first->setTransparency(0.5);
     first->cut(ClipPlane{Vector3<double>(1, 0, 0), 0.5});
+    EXPECT_GT(std::exchange(changes, 0), 0);
     std::vector<SbUniqueId> before;
     for (const SoSeparator* group : groupsOf(*first))
         before.push_back(group->getNodeId());
@@ -575,6 +585,7 @@ TEST_F(MirroredSceneTest, HasLooksWithoutTouchingTheNodes)
     for (const SoSeparator* group : groupsOf(*first))
         after.push_back(group->getNodeId());
     EXPECT_EQ(after, before);
+    EXPECT_EQ(changes, 0);
 }
 
 TEST_F(MirroredSceneTest, IsDrawnCoarselyByItself)
