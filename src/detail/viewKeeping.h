@@ -52,14 +52,14 @@ public:
     }
 
 private:
-    // The window that the view is in, or one within it: not a menu or a tool tip.
+    // The window that the view draws into, or one that this is within: not a menu, a tool tip or
+    // another view.
     bool isOfView(const QObject& object) const
     {
-        const QWindow* const window = base ? base->window()->windowHandle() : nullptr;
-        const QObject* ancestor = &object;
-        while (ancestor && ancestor != window)
-            ancestor = ancestor->parent();
-        return ancestor && object.isWindowType();
+        const QObject* window = base ? viewer.getGLWidget()->windowHandle() : nullptr;
+        while (window && window != &object)
+            window = window->parent();
+        return window;
     }
 
     void redraw()

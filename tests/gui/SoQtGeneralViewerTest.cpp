@@ -1507,3 +1507,28 @@ TEST_F(SoQtGeneralViewerTest, DrawsMoreFramesWhenItsOwnWindowChangesAndNoOther)
     QTest::qWait(2000);
     EXPECT_EQ(frames, 0);
 }
+
+TEST_F(SoQtGeneralViewerTest, DrawsNoFrameWhenAnotherViewInItsWindowChanges)
+{
+    auto* const place = new QWidget(window);
+    place->resize(100, 80);
+    OpenViewer other(place);
+    place->show();
+    other.show();
+    int frames = 0, others = 0;
+    auto* counter = new SoCallback;
+    counter->setCallback(countFrame, &frames);
+    scene->addChanging(counter);
+    auto* otherCounter = new SoCallback;
+    otherCounter->setCallback(countFrame, &others);
+    other.setSceneGraph(static_cast<SoNode*>(otherCounter));
+    ASSERT_TRUE(waitUntil([&] { return frames > 0 && others > 0; }));
+    QTest::qWait(2000); // none is left
+
+    frames = others = 0;
+    QExposeEvent event(QRect(0, 0, 100, 80));
+    QApplication::sendEvent(other.getGLWidget()->windowHandle(), &event);
+    QTest::qWait(2000);
+    EXPECT_GE(others, 4);
+    EXPECT_EQ(frames, 0);
+}
