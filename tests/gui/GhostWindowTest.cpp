@@ -9,6 +9,7 @@
 #include "DataWindowTest.h"
 #include "scene/DataScene.h"
 #include "support/realInput.h"
+#include "window/Player.h"
 #include "window/SideBySide.h"
 
 namespace strandview {
@@ -103,6 +104,7 @@ TEST_F(GhostWindowTest, OfASeriesItIsTheFirstFrameOnEachThatIsShown)
     options.showGhost = true;
     ASSERT_NO_FATAL_FAILURE(
         openText("-1 0 0\n0 1.5 0\n1 0 0\n\n\n-1 0 0\n0 0 0\n1 0 0\n", "run.txt"));
+    ASSERT_TRUE(comesTo([this] { return player()->isStaged(); })); // it knows the last one
     pressRealKey("Control+End");
     ASSERT_TRUE(comesTo([this] { return scene->getData()->rods.at(0).points.at(1).y == 0; }));
     ASSERT_TRUE(comesToBePainted());
