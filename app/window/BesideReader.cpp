@@ -6,6 +6,8 @@
 #include <new>
 #include <utility>
 
+#include <QThread>
+#include <QThreadPool>
 #include <QtConcurrent>
 
 #include "request/limits.h"
@@ -13,6 +15,18 @@
 #include "scene/SceneBuilder.h"
 
 namespace strandview {
+
+namespace {
+
+// Of all readers: half of the processors is the window's and a software driver's.
+QThreadPool& threads()
+{
+    static QThreadPool pool;
+    pool.setMaxThreadCount(std::max(1, QThread::idealThreadCount() / 2));
+    return pool;
+}
+
+} // namespace
 
 // One task at a time uses the series.
 struct BesideReader::Shared : Progress
@@ -109,10 +123,11 @@ void BesideReader::begin(Task task)
 {
     isWorking = true;
     isForgotten = false;
-    work.setFuture(QtConcurrent::run([task = std::move(task), with = shared]() mutable {
+    work.setFuture(QtConcurrent::run(&threads(), [task = std::move(task), with = shared]() mutable {
         auto result = std::make_shared<Result>();
         result->task = std::move(task);
-        with->work(*result);
+        if (!with->isStopped()) // while it waited for a thread
+            with->work(*result);
         return result;
     }));
 }

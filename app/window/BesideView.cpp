@@ -37,9 +37,11 @@ std::shared_ptr<const DataScene> keep(const DataScene& scene)
 
 } // namespace
 
-BesideView::BesideView(const WindowViewer& first, QWidget* parent)
+BesideView::BesideView(const SbColor& firstBackground, QWidget* parent)
     : QWidget(parent),
+      background(firstBackground),
       caption(new ViewCaption(this)),
+      area(new QWidget(this)),
       reader([this](BesideReader::Result& result) { showResult(result); })
 {
     auto* const column = new QVBoxLayout(this);
@@ -50,13 +52,18 @@ BesideView::BesideView(const WindowViewer& first, QWidget* parent)
             onClose();
     });
     column->addWidget(caption);
-    auto* const area = new QWidget(this);
     column->addWidget(area, 1);
+}
+
+BesideView::~BesideView() { abandon(); }
+
+void BesideView::makeViewer(const WindowViewer& first)
+{
     viewer = std::make_unique<WindowViewer>(area);
     viewer->setTransparencyType(SoGLRenderAction::SORTED_OBJECT_BLEND);
     viewer->setHeadlight(FALSE); // the scene has its lights
     viewer->setDecoration(FALSE);
-    viewer->setBackgroundColor(first.getBackgroundColor());
+    viewer->setBackgroundColor(background);
     viewer->setSceneGraph(new SoSeparator);
     viewer->onCamera = [this] {
         tellCaption();
@@ -75,9 +82,8 @@ BesideView::BesideView(const WindowViewer& first, QWidget* parent)
     layout->addWidget(viewer->getWidget());
     viewer->show();
     sharesBuffers = shareBuffers(first, *viewer);
+    tellCaption();
 }
-
-BesideView::~BesideView() { abandon(); }
 
 void BesideView::abandon()
 {
@@ -112,7 +118,8 @@ void BesideView::tellCaption()
         }
     }
     caption->setText(text);
-    viewer->getGLWidget()->setAccessibleName("View of " + QString::fromStdString(text));
+    if (viewer)
+        viewer->getGLWidget()->setAccessibleName("View of " + QString::fromStdString(text));
 }
 
 std::string BesideView::getCaption() const { return caption->getText(); }
@@ -225,8 +232,8 @@ void BesideView::adopt(DataScene& made)
             told.what = getCaption() + ": " + told.what;
         onPick(told);
     };
-    const SbColor background = viewer->getBackgroundColor();
-    scene->setBackground({background[0], background[1], background[2]});
+    const SbColor shown = viewer->getBackgroundColor();
+    scene->setBackground({shown[0], shown[1], shown[2]});
     const auto tell = std::exchange(onCamera, nullptr); // it is put somewhere first
     viewer->SoQtGeneralViewer::setSceneGraph(static_cast<SoGeneralScene*>(scene));
     onCamera = tell;
@@ -265,16 +272,21 @@ void BesideView::showColours(bool ofData)
         scene->showColours(ofData);
 }
 
-void BesideView::setBackground(const SbColor& background)
+void BesideView::setBackground(const SbColor& next)
 {
-    if (viewer->getBackgroundColor() == background)
+    background = next;
+    if (!viewer || viewer->getBackgroundColor() == next)
         return;
-    viewer->setBackgroundColor(background);
+    viewer->setBackgroundColor(next);
     if (scene)
         scene->setBackground({background[0], background[1], background[2]});
 }
 
-void BesideView::drawCoarsely(bool coarse) { viewer->drawCoarsely(coarse); }
+void BesideView::drawCoarsely(bool coarse)
+{
+    if (viewer)
+        viewer->drawCoarsely(coarse);
+}
 
 // Its camera
 

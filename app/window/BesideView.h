@@ -34,8 +34,8 @@ public:
         bool isStill = false;      ///< the first frame, whichever the first view shows
     };
 
-    /// Of a window with that view, whose background it has.
-    BesideView(const WindowViewer& first, QWidget* parent);
+    /// Its viewer is made later, by makeViewer().
+    BesideView(const SbColor& background, QWidget* parent);
     ~BesideView() override;
 
     /// Shows that from the next show() on.
@@ -45,12 +45,12 @@ public:
     void setActive(bool active);
 
     enum Change { NEXT_FRAME, OTHER_LOOK, NEW_SOURCE };
-    /// Shows data as the scene of the first view shows its own, as soon as they are prepared. In
-    /// another look than before everything is made anew; NEW_SOURCE is for views that take() and
-    /// have not shown anything since. The first view's data are shown at once, by its nodes, once
-    /// this has its place.
+    /// With a viewer: shows data as the scene of the first view shows its own, as soon as they are
+    /// prepared. In another look than before everything is made anew; NEW_SOURCE is for views that
+    /// take() and have not shown anything since. The first view's data are shown at once, by its
+    /// nodes, once this has its place.
     void show(const DataScene& first, std::size_t frame, Change change);
-    bool isAtWork() const { return awaitedFirst || reader.isAtWork(); }
+    bool isAtWork() const { return !viewer || awaitedFirst || reader.isAtWork(); }
 
     /// What is hidden, named, seen through and cut, as the first scene has it.
     void followLooks(const DataScene& first);
@@ -58,7 +58,12 @@ public:
     void showColours(bool ofData);
     void setBackground(const SbColor& background);
     void drawCoarsely(bool coarse);
+    bool isDrawnCoarsely() const { return viewer && viewer->isDrawnCoarsely(); }
 
+    /// Where the driver makes the context of a view, which takes as long as a frame.
+    void makeViewer(const WindowViewer& first);
+    bool hasViewer() const { return viewer != nullptr; }
+    /// Once it has one.
     WindowViewer& getViewer() const { return *viewer; }
     /// Null until something is shown.
     DataScene* getScene() const { return scene; }
@@ -120,9 +125,11 @@ private:
 
     Source source;
     bool isNew = false; ///< the source
+    SbColor background;
     ViewCaption* caption;
+    QWidget* area;
     std::unique_ptr<WindowViewer> viewer;
-    bool sharesBuffers;                            ///< OpenGL's, with the first view
+    bool sharesBuffers = false;                    ///< OpenGL's, with the first view
     DataScene* scene = nullptr;                    ///< kept by the viewer
     std::shared_ptr<const DataScene> awaitedFirst; ///< whose data are shown in a moment
     SbBox3f room;

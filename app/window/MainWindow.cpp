@@ -270,6 +270,7 @@ QWidget* MainWindow::buildView()
 void MainWindow::buildViews()
 {
     sideBySide->setFirst(*ownedViewer);
+    sideBySide->onViewer = [this] { followBeside(BesideView::NEW_SOURCE); };
     sideBySide->onShown = [this] {
         keepRoom();
         drawCoarselyFirst();
@@ -600,7 +601,8 @@ void MainWindow::centre(const SbBox3f& box)
 void MainWindow::whenPainted(std::function<void()> act)
 {
     ownedViewer->frameWaiter = new FrameWaiter(
-        *viewer->getGLWidget(), [this] { viewer->scheduleRedraw(); }, std::move(act));
+        *viewer->getGLWidget(), [this] { viewer->scheduleRedraw(); },
+        [this, act = std::move(act)] { sideBySide->whenDrawn(act); });
     ownedViewer->frameWaiter->setParent(this);
 }
 

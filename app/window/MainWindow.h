@@ -92,7 +92,8 @@ public:
     /// Of the view that its user turns: see SideBySide::getActive().
     CameraNumbers getActiveCamera() const;
     bool hasScene() const;
-    /// Acts once, as soon as the screen shows a whole frame that was drawn after this call.
+    /// Acts once, as soon as the screen shows a whole frame that was drawn after this call, and
+    /// those of further views that were due with it.
     void whenPainted(std::function<void()> act);
 
     using Tell = std::function<void(const ReadReport&)>;

@@ -83,7 +83,10 @@ CameraRequest fromSide(const CameraRequest& home, double azimuth, double elevati
 } // namespace
 
 SideBySide::SideBySide(QWidget* parent)
-    : QWidget(parent), grid(new QGridLayout(this)), firstColumn(new QWidget(this))
+    : QWidget(parent),
+      grid(new QGridLayout(this)),
+      firstColumn(new QWidget(this)),
+      turns(std::make_shared<FrameTurns>())
 {
     grid->setContentsMargins(0, 0, 0, 0);
     grid->setSpacing(0);
@@ -105,6 +108,9 @@ SideBySide::SideBySide(QWidget* parent)
             [this](const QPoint& place) { share(width, double(place.y()) / QWidget::height()); },
             this)};
     arrange();
+    making.setSingleShot(true);
+    making.setInterval(0);
+    connect(&making, &QTimer::timeout, this, &SideBySide::makeNextViewer);
     refinement.setSingleShot(true);
     refinement.setInterval(BETWEEN_FRAMES);
     connect(&refinement, &QTimer::timeout, this, &SideBySide::refine);
@@ -113,13 +119,13 @@ SideBySide::SideBySide(QWidget* parent)
 void SideBySide::setFirst(WindowViewer& viewer)
 {
     first = &viewer;
+    viewer.turns = turns;
     viewer.getGLWidget()->installEventFilter(this);
 }
 
 void SideBySide::open(const std::string& captionOfFirst, std::vector<BesideView::Source> sources,
                       Files files, const CameraRequest& home)
 {
-    const QPointer<QWidget> focus = window()->focusWidget(); // new views take it
     std::vector<std::string> what;
     for (const BesideView::Source& source : sources)
         what.push_back(source.what);
@@ -152,8 +158,7 @@ void SideBySide::open(const std::string& captionOfFirst, std::vector<BesideView:
     }
     firstCaption->setText(captionOfFirst);
     arrange();
-    if (focus && focus->isVisible())
-        focus->setFocus();
+    making.start();
 }
 
 std::vector<BesideView*> SideBySide::viewsOf(const std::vector<std::string>& what) const
@@ -172,10 +177,8 @@ std::vector<BesideView*> SideBySide::viewsOf(const std::vector<std::string>& wha
 
 BesideView* SideBySide::makeView()
 {
-    auto* const view = new BesideView(*first, this);
+    auto* const view = new BesideView(first->getBackgroundColor(), this);
     view->setMinimumSize(SMALLEST_VIEW);
-    view->drawCoarsely(first->isDrawnCoarsely());
-    view->getViewer().axes.show(hasAxes);
     view->onBegin = [this, view] { begin(*view); };
     view->onResize = [this, view] {
         const History::Pause pause(*history);
@@ -198,8 +201,32 @@ BesideView* SideBySide::makeView()
         if (onClose)
             onClose(indexOf(*view));
     };
-    view->getViewer().getGLWidget()->installEventFilter(this);
     return view;
+}
+
+// One in each turn of the event loop.
+void SideBySide::makeNextViewer()
+{
+    const auto next = std::find_if(views.begin(), views.end(),
+                                   [](const BesideView* view) { return !view->hasViewer(); });
+    if (next == views.end())
+        return;
+    makeViewer(**next);
+    making.start();
+    if (onViewer)
+        onViewer();
+}
+
+void SideBySide::makeViewer(BesideView& view)
+{
+    const QPointer<QWidget> focus = window()->focusWidget(); // a new view takes it
+    view.makeViewer(*first);
+    view.drawCoarsely(first->isDrawnCoarsely());
+    view.getViewer().turns = turns;
+    view.getViewer().axes.show(hasAxes);
+    view.getViewer().getGLWidget()->installEventFilter(this);
+    if (focus && focus->isVisible())
+        focus->setFocus();
 }
 
 void SideBySide::close(std::size_t index)
@@ -223,7 +250,8 @@ void SideBySide::drop(BesideView& view)
     const QWidget* const focus = QApplication::focusWidget();
     if (focus && view.isAncestorOf(focus))
         first->getGLWidget()->setFocus();
-    view.getViewer().getGLWidget()->removeEventFilter(this);
+    if (view.hasViewer())
+        view.getViewer().getGLWidget()->removeEventFilter(this);
     view.abandon();
     grid->removeWidget(&view);
     view.hide();
@@ -276,8 +304,10 @@ void SideBySide::share(double ofWidth, double ofHeight)
 
 void SideBySide::show(const DataScene& ofFirst, std::size_t frame, BesideView::Change change)
 {
-    for (BesideView* const view : views)
-        view->show(ofFirst, frame, change);
+    for (BesideView* const view : views) {
+        if (view->hasViewer())
+            view->show(ofFirst, frame, change);
+    }
 }
 
 bool SideBySide::isAtWork() const
@@ -310,16 +340,20 @@ void SideBySide::drawCoarsely(bool coarse)
     for (BesideView* const view : views) {
         if (coarse)
             view->drawCoarsely(true);
-        else if (view->getViewer().isDrawnCoarsely())
+        else if (view->isDrawnCoarsely())
             refinement.start(); // after the first view
     }
 }
 
 void SideBySide::refine()
 {
+    if (isAtWork()) { // it needs the processors
+        refinement.start();
+        return;
+    }
     bool isOne = false;
     for (BesideView* const view : views) {
-        if (!view->getViewer().isDrawnCoarsely())
+        if (!view->isDrawnCoarsely())
             continue;
         if (isOne)
             refinement.start();
@@ -332,8 +366,10 @@ void SideBySide::refine()
 void SideBySide::showAxes(bool shown)
 {
     hasAxes = shown;
-    for (const BesideView* const view : views)
-        view->getViewer().axes.show(shown);
+    for (const BesideView* const view : views) {
+        if (view->hasViewer())
+            view->getViewer().axes.show(shown);
+    }
 }
 
 SbBox3f SideBySide::getRoom() const
@@ -446,7 +482,7 @@ void SideBySide::activate(BesideView* view)
 bool SideBySide::eventFilter(QObject* object, QEvent* event)
 {
     const auto from = std::find_if(views.begin(), views.end(), [object](const BesideView* view) {
-        return view->getViewer().getGLWidget() == object;
+        return view->hasViewer() && view->getViewer().getGLWidget() == object;
     });
     BesideView* const view = from == views.end() ? nullptr : *from;
     if (event->type() == QEvent::FocusIn)

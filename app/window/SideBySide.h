@@ -5,8 +5,10 @@
 #include <array>
 #include <cstddef>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <QTimer>
@@ -71,12 +73,16 @@ public:
     /// Finely one after the other, so that events are processed between their frames.
     void drawCoarsely(bool coarse);
     bool isRefining() const { return refinement.isActive(); }
+    /// Acts once, when all views have drawn that are to now.
+    void whenDrawn(std::function<void()> act) { turns->whenDrawn(std::move(act)); }
     /// The axes in the corner, in those to come as well.
     void showAxes(bool shown);
     /// That all together have taken.
     SbBox3f getRoom() const;
 
     // What the window is told; each may be empty
+    /// Another further view can show() data; those that cannot do not, and are at work until then.
+    std::function<void()> onViewer;
     std::function<void()> onShown; ///< something else in a further view
     /// What cannot be shown there.
     std::function<void(std::size_t index, const std::string& error)> onFailure;
@@ -91,6 +97,8 @@ protected:
 
 private:
     BesideView* makeView();
+    void makeNextViewer();
+    void makeViewer(BesideView& view);
     /// Of those that there are the ones that show this; null for others.
     std::vector<BesideView*> viewsOf(const std::vector<std::string>& what) const;
     void drop(BesideView& view);
@@ -110,12 +118,14 @@ private:
     QWidget* firstArea;
     std::array<QWidget*, 2> borders; ///< between columns, between rows
     WindowViewer* first = nullptr;
+    std::shared_ptr<FrameTurns> turns; ///< of all views
     History* history = nullptr;
     std::vector<BesideView*> views; ///< children of this
     BesideView* active = nullptr;
     std::size_t arranged = 0;         ///< so many further ones
     double width = 0.5, height = 0.5; ///< of the first view, as a part of all
     bool hasAxes = true;
+    QTimer making;     ///< until the next one has a viewer
     QTimer refinement; ///< until the next one is drawn finely
     bool isTied = true;
     bool isFollowing = false;

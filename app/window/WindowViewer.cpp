@@ -45,6 +45,12 @@ WindowViewer::WindowViewer(QWidget* parent) : SoQtGeneralViewer(parent)
     cameraTeller.setPriority(0); // or it does not know the field
 }
 
+WindowViewer::~WindowViewer()
+{
+    if (turns)
+        turns->forget(*this);
+}
+
 // Those beside the wheels, in their order, which have pictures alone.
 void WindowViewer::nameButtons()
 {
@@ -188,6 +194,12 @@ SbBool WindowViewer::processSoEvent(const SoEvent* const event)
     if (picks && isClick && !hasPicked && onMiss)
         onMiss();
     return handled;
+}
+
+void WindowViewer::redraw()
+{
+    if (!turns || turns->take(*this))
+        SoQtGeneralViewer::redraw();
 }
 
 void WindowViewer::actualRedraw()

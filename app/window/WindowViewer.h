@@ -16,6 +16,7 @@
 #include "request/CameraRequest.h"
 #include "window/AxisCross.h"
 #include "window/ClipHandles.h"
+#include "window/FrameTurns.h"
 #include "window/FrameWaiter.h"
 #include "window/PlaceMarks.h"
 #include "window/ThingOutline.h"
@@ -30,6 +31,7 @@ class WindowViewer : public SoQtGeneralViewer
 {
 public:
     explicit WindowViewer(QWidget* parent);
+    ~WindowViewer() override;
 
     // What the window is told; each may be empty
     std::function<void()> onHome;  ///< instead of SoQt's return to its home
@@ -57,6 +59,7 @@ public:
     ThingOutline outline;
     ClipHandles clipHandles;
     QPointer<FrameWaiter> frameWaiter;
+    std::shared_ptr<FrameTurns> turns; ///< with other views; without them it draws at once
 
     using SoQtGeneralViewer::getGLSize;
     using SoQtGeneralViewer::setSceneGraph;
@@ -87,6 +90,7 @@ public:
 
 protected:
     SbBool processSoEvent(const SoEvent* event) override;
+    void redraw() override;
     void actualRedraw() override;
     void sizeChanged(const SbVec2s& size) override;
 

@@ -17,6 +17,7 @@
 #include <QMenu>
 #include <QScreen>
 #include <QTest>
+#include <QTimer>
 #include <QToolButton>
 #include <QTreeView>
 #include <gmock/gmock.h>
@@ -156,6 +157,21 @@ TEST_F(BesideViewTest, TheKeyShowsFourViewsAsItIsFromTheFrontTheRightAndAbove)
     EXPECT_EQ(placeOf(3), QPoint(placeOf(1).x(), placeOf(2).y()));
     ASSERT_TRUE(turn(*views[1], [this] { return further(0).getCameraNumbers(); }));
     EXPECT_THAT(further(0).getCaption(), Not(HasSubstr("from")));
+}
+
+TEST_F(BesideViewTest, TheWindowAnswersBetweenTheViewsThatItMakes)
+{
+    ASSERT_NO_FATAL_FAILURE(openBent({}));
+    int count = countViews(), most = 0;
+    QTimer answers;
+    QObject::connect(&answers, &QTimer::timeout, [&] {
+        most = std::max(most, countViews() - count);
+        count = countViews();
+    });
+    answers.start(0);
+    window->setBeside(THREE_OF_THE_SAME);
+    ASSERT_TRUE(comesToShow(3));
+    EXPECT_EQ(most, 1);
 }
 
 TEST_F(BesideViewTest, NoTwoViewsBeginFromTheSameSide)
