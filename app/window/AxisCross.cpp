@@ -26,8 +26,10 @@ const float AXIS_LENGTH = 26;
 const float LETTER_DISTANCE = 10; // from an axis's end to the middle of its letter
 const float HALF_LETTER = 4;
 const float LINE_WIDTH = 2.5f;
-// How far a legend is from the middle of a view, in halves of its shorter side.
-const float LEGEND_REACH = 0.9F;
+// How far a legend, and an upright one, reaches from the middle of a view, in halves of its shorter
+// side.
+const float LEGEND_REACH = 0.9f;
+const float UPRIGHT_REACH = 0.8f;
 
 // An axis seen from its end has its letter beside it.
 const float SHORTEST_SEEN = 0.3f;
@@ -102,22 +104,25 @@ void AxisCross::setView(const SbVec2s& size, float scale)
     style->lineWidth = LINE_WIDTH * scale;
 }
 
-void AxisCross::setLegendRoom(float part)
+void AxisCross::setLegendRoom(const FreeEdges& room)
 {
-    if (part == legendRoom) // in each frame: a change would ask for another one
+    if (room == legendRoom) // in each frame: a change would ask for another one
         return;
-    legendRoom = part;
+    legendRoom = room;
     place();
 }
 
 void AxisCross::place()
 {
     const float width = float(viewSize[0]) / viewScale, height = float(viewSize[1]) / viewScale;
-    const bool isBesideLegend =
-        width / 2 - 2 * HALF_SIDE > LEGEND_REACH * std::min(width, height) / 2;
-    const float below = isBesideLegend ? 0 : legendRoom * height;
+    const float shorter = std::min(width, height);
+    const auto isFree = [shorter](float side, float reach) {
+        return side / 2 - 2 * HALF_SIDE > reach * shorter / 2;
+    };
+    const float below = isFree(width, LEGEND_REACH) ? 0 : legendRoom.bottom * height;
+    const float beside = isFree(height, UPRIGHT_REACH) ? 0 : legendRoom.right * shorter;
     // The origin is the middle of the cross.
-    camera->position = SbVec3f(HALF_SIDE - width / 2, height / 2 - HALF_SIDE - below, 1);
+    camera->position = SbVec3f(HALF_SIDE - width / 2 + beside, height / 2 - HALF_SIDE - below, 1);
     camera->height = height;
     camera->aspectRatio = width / height;
 }

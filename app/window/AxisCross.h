@@ -5,6 +5,8 @@
 #include <Inventor/SbRotation.h>
 #include <Inventor/SbVec2s.h>
 
+#include "request/FreeEdges.h"
+
 class SoBaseColor;
 class SoCoordinate3;
 class SoDrawStyle;
@@ -34,9 +36,9 @@ public:
 
     /// The view's size in its pixels, of which `scale` make one of the desktop's.
     void setView(const SbVec2s& size, float scale);
-    /// So much of the view's height is a legend's, at the bottom: the cross stands above it where
-    /// the view is too narrow for both.
-    void setLegendRoom(float part);
+    /// What a legend leaves free: the cross stands above one at the bottom where the view is too
+    /// narrow for both, and beside one at the right where it is too low.
+    void setLegendRoom(const FreeEdges& room);
     /// That of the scene's camera.
     void setOrientation(const SbRotation& orientation);
     void show(bool shown);
@@ -50,7 +52,7 @@ private:
 
     SbVec2s viewSize{1, 1};
     float viewScale = 1;
-    float legendRoom = 0;
+    FreeEdges legendRoom;
     SoOverlay* overlay;
     SoSwitch* visibility;
     SoOrthographicCamera* camera;

@@ -206,7 +206,7 @@ void WindowViewer::actualRedraw()
 {
     if (getCamera())
         outline.prepare(*getCamera(), *getGLRenderAction(), getGLWidget()->devicePixelRatioF());
-    axes.setLegendRoom(data ? data->getLegendRoom().bottom : 0);
+    axes.setLegendRoom(data ? data->getLegendRoom() : FreeEdges());
     const bool wasBySoftware = isDrawnBySoftware();
     SoQtGeneralViewer::actualRedraw();
     if (isDrawnBySoftware() != wasBySoftware)

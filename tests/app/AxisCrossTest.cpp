@@ -159,6 +159,15 @@ TEST_F(AxisCrossTest, IsTwiceAsLargeWhereThePixelsAreHalfAsLarge)
     EXPECT_NEAR(boxOf(render(), isRed).width(), 2 * 40, 6);
 }
 
+TEST_F(AxisCrossTest, StandsBesideALegendAtTheRightThatReachesIt)
+{
+    const int alone = boxOf(render(), isRed).right();
+    cross->setLegendRoom({0, 0, 0, 0.2f});
+    EXPECT_NEAR(alone - boxOf(render(), isRed).right(), 0.2f * HEIGHT, 1);
+    cross->setView(SbVec2s(WIDTH, 6 * WIDTH), 1); // high enough for both
+    EXPECT_NEAR(boxOf(render(), isRed).right(), alone, 2);
+}
+
 TEST_F(AxisCrossTest, IsHiddenByTheSceneAndOnRequest)
 {
     auto* camera = new SoOrthographicCamera;
