@@ -155,7 +155,7 @@ std::vector<SceneGeometry::GhostCurve> computeGhost(const Configuration& data, c
         if (auto computed = compute(std::move(curve), style, placement, fault))
             ghost.push_back(std::move(*computed));
         else
-            faults.push_back(fault + " (of the reference)");
+            faults.push_back("--ghost leaves out " + fault + " (of the reference)");
     }
     return ghost;
 }

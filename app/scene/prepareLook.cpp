@@ -71,7 +71,7 @@ std::optional<PreparedLook> prepareLook(const Options& options, const Configurat
     if (!report.error.empty())
         return {};
     for (const std::string& fault : look->geometry.ghostFaults)
-        report.notices.push_back("--ghost leaves out " + fault);
+        report.notices.push_back(fault);
     if (look->colouring)
         addRowColours(*look->colouring, look->geometry);
     return look;

@@ -243,10 +243,12 @@ void BesideView::adopt(DataScene& made)
 void BesideView::followLooks(const DataScene& ofFirst)
 {
     keepLooks(ofFirst);
-    if (scene && scene->isMirror())
-        scene->mirror(ofFirst);
-    else if (scene)
+    if (!scene)
+        return;
+    if (!scene->isMirror())
         showLooks();
+    else if (isMirror()) // and not what is shown until its own data are there
+        scene->mirror(ofFirst);
 }
 
 void BesideView::keepLooks(const DataScene& ofFirst)

@@ -46,9 +46,9 @@ public:
 
     enum Change { NEXT_FRAME, OTHER_LOOK, NEW_SOURCE };
     /// With a viewer: shows data as the scene of the first view shows its own, as soon as they are
-    /// prepared. In another look than before everything is made anew; NEW_SOURCE is for views that
-    /// take() and have not shown anything since. The first view's data are shown at once, by its
-    /// nodes, once this has its place.
+    /// prepared: anew in another look than before. NEW_SOURCE is for views that take() and have not
+    /// shown anything since. The first view's data are shown at once, by its nodes, once this has
+    /// its place.
     void show(const DataScene& first, std::size_t frame, Change change);
     bool isAtWork() const { return !viewer || awaitedFirst || reader.isAtWork(); }
 
@@ -63,6 +63,8 @@ public:
     /// Where the driver makes the context of a view, which takes as long as a frame.
     void makeViewer(const WindowViewer& first);
     bool hasViewer() const { return viewer != nullptr; }
+    /// Whether it shows the first view's data, by its nodes.
+    bool isMirror() const { return !source.opener && sharesBuffers; }
     /// Once it has one.
     WindowViewer& getViewer() const { return *viewer; }
     /// Null until something is shown.
@@ -111,7 +113,6 @@ public:
     std::function<void()> onClose; ///< its user wants it closed
 
 private:
-    bool isMirror() const { return !source.opener && sharesBuffers; }
     void mirror(const DataScene& first);
     void showResult(BesideReader::Result& result);
     std::string hand(BesideReader::Result& result);

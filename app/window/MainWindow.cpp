@@ -1484,6 +1484,7 @@ void MainWindow::showStyle(Restyler::Result& result)
             panel->tellFault(fault);
     };
     std::string fault = result.report.error;
+    std::vector<std::string> notices;
     const bool wasFitted = isFitted();
     const FreeEdges roomBefore = scene->getLegendRoom();
     // Of a frame that another one followed meanwhile, too: a series that plays would outrun any
@@ -1495,6 +1496,7 @@ void MainWindow::showStyle(Restyler::Result& result)
         if (result.task.ofColours && look.colouring && result.task.frame != scene->getData())
             look.colouring = followColouring(*look.colouring, *scene->getData(), unwatched);
         const Colouring* const colouring = look.colouring ? &*look.colouring : nullptr;
+        notices = tellOnce(look.geometry.ghostFaults);
         if (result.task.ofColours)
             recolourScene(*scene, look.style, colouring, std::move(look.geometry));
         else
@@ -1535,6 +1537,8 @@ void MainWindow::showStyle(Restyler::Result& result)
     tellStyle();
     followViewer();
     coarseDrawing->noteChange();
+    for (const std::string& notice : notices)
+        statusText->tell({toldOf(notice, shownFiles)});
     emit styleShown();
 }
 

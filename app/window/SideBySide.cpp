@@ -347,19 +347,17 @@ void SideBySide::drawCoarsely(bool coarse)
 
 void SideBySide::refine()
 {
-    if (isAtWork()) { // it needs the processors
-        refinement.start();
-        return;
-    }
+    const bool isPreparing = isAtWork(); // which needs the processors
     bool isOne = false;
     for (BesideView* const view : views) {
         if (!view->isDrawnCoarsely())
             continue;
-        if (isOne)
+        if (isOne || (isPreparing && !view->isMirror())) {
             refinement.start();
-        else
+        } else {
             view->drawCoarsely(false);
-        isOne = true;
+            isOne = true;
+        }
     }
 }
 

@@ -19,6 +19,7 @@
 #include <QWidget>
 
 #include <SoGeneralScene.h>
+#include <SoMeshShape.h>
 
 #include "camera/Camera.h"
 #include "scene/DataScene.h"
@@ -204,8 +205,13 @@ void WindowViewer::redraw()
 
 void WindowViewer::actualRedraw()
 {
-    if (getCamera())
+    if (getCamera()) {
+        // As its scene is drawn.
+        std::optional<SoMeshShape::AllRows> rows;
+        if (!data || !data->isDrawnCoarsely())
+            rows.emplace();
         outline.prepare(*getCamera(), *getGLRenderAction(), getGLWidget()->devicePixelRatioF());
+    }
     axes.setLegendRoom(data ? data->getLegendRoom() : FreeEdges());
     const bool wasBySoftware = isDrawnBySoftware();
     SoQtGeneralViewer::actualRedraw();

@@ -659,9 +659,10 @@ void MeshDrawing::draw(SbUniqueId id, SoGLRenderAction* action, const std::vecto
         measure(parts);
     }
     Kept& kept = contexts[context];
-    // Views whose contexts share the buffers draw by turns.
+    // Views whose contexts share the buffers draw by turns: any of them may still do so.
     const SoGLRenderAction* const before = std::exchange(kept.drawnBy, action);
-    kept.memory = before && before != action ? GLBuffer::NEW_MEMORY : GLBuffer::SAME_MEMORY;
+    if (before && before != action)
+        kept.memory = GLBuffer::NEW_MEMORY;
     const bool normals = !bundle.isColorOnly();
     DepthGrid grid(state);
     const bool isSorted = grid.mayCover(centre, radius, area, SORTED_LAYERS) && isOpaque(state) &&
@@ -739,8 +740,10 @@ void MeshDrawing::fillVertices(Kept& kept, std::uint32_t context, const Layout& 
 {
     if (!kept.all.triangles || kept.grids != layout.grids()) {
         const SoGLRenderAction* const drawnBy = kept.drawnBy;
+        const GLBuffer::Memory ofAll = kept.memory;
         kept = Kept();
         kept.drawnBy = drawnBy;
+        kept.memory = ofAll;
         kept.grids = layout.grids();
         kept.draws = layout.makeDraws();
         kept.all.triangles.fill(

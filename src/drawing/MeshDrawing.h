@@ -109,7 +109,7 @@ private:
     /// In one context.
     struct Kept
     {
-        const SoGLRenderAction* drawnBy = nullptr;       // last: a view has its own
+        const SoGLRenderAction* drawnBy = nullptr;       // last: a context has its own
         GLBuffer::Memory memory = GLBuffer::SAME_MEMORY; // that is filled now
         std::vector<Grid> grids;
         SbUniqueId filledId = 0; // that of the parts when their vertices were taken

@@ -43,7 +43,8 @@ TEST(BesideReader, SeveralLeaveTheWindowHalfOfTheProcessors)
         readers.back()->ask({});
     }
     EXPECT_TRUE(comesTo([&] { return results == count; }));
-    EXPECT_EQ(most, std::max(1, processors / 2));
+    EXPECT_LE(most, std::max(1, processors / 2));
+    EXPECT_GT(most, 0);
 }
 
 } // namespace strandview

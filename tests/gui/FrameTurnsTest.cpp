@@ -5,6 +5,7 @@
 #include <map>
 #include <utility>
 
+#include <QElapsedTimer>
 #include <QGLWidget>
 #include <QTest>
 #include <QTimer>
@@ -39,7 +40,6 @@ protected:
         const SideBySide& beside = window->getSideBySide();
         ASSERT_TRUE(comesTo(
             [&] { return sceneBeside(2) && !beside.isAtWork() && !window->isRestyling(); }));
-        QTest::qWait(2000); // what is drawn after a window has changed is over
         viewers = {&Opened::viewerOf(*window)};
         QObject::connect(window.get(), &MainWindow::frameDrawn, [this] { note(viewers[0]); });
         for (const BesideView* const view : beside.getViews()) {
@@ -47,6 +47,17 @@ protected:
             viewers.push_back(&viewer);
             viewer.onFrame = [this, &viewer] { note(&viewer); };
         }
+        ASSERT_NO_FATAL_FAILURE(rest());
+    }
+    // What is drawn after a window has changed is over.
+    void rest()
+    {
+        QElapsedTimer since;
+        since.start();
+        onFrame = [&since](SoQtGeneralViewer* /*any*/) { since.start(); };
+        ASSERT_TRUE(comesTo([&since] { return since.elapsed() > 2000; }));
+        onFrame = nullptr;
+        frames.clear();
     }
     void note(SoQtGeneralViewer* viewer)
     {

@@ -79,6 +79,20 @@ TEST_F(GhostWindowTest, ATickShowsItAndIsTakenBack)
     EXPECT_FALSE(tick()->isChecked());
 }
 
+TEST_F(GhostWindowTest, ATickTellsWhatOfItCannotBeDrawn)
+{
+    options.compare =
+        folder.write("more.txt", "-1 0 0\n0 1.5 0\n1 0 0\n\n0 0 0\n2 0 0\n1 0 0\n"); // and back
+    ASSERT_NO_FATAL_FAILURE(openText("-1 0 0\n0 0 0\n1 0 0\n", "rod.txt"));
+    ASSERT_NO_FATAL_FAILURE(showPanel());
+    ASSERT_TRUE(comesToBePainted());
+    click(*tick(), {8, tick()->height() / 2});
+    ASSERT_TRUE(comesToShow(true));
+    EXPECT_TRUE(comesTo([this] {
+        return statusText().find("--ghost leaves out rod 2") != std::string::npos;
+    })) << statusText();
+}
+
 TEST_F(GhostWindowTest, NothingIsToBeTickedWithoutAReference)
 {
     options.compare.reset();
