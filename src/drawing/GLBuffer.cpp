@@ -18,7 +18,10 @@ GLBuffer::GLBuffer(std::uint32_t currentContext, GLenum target, const void* data
 }
 
 GLBuffer::GLBuffer(GLBuffer&& other) noexcept
-    : context(other.context), name(std::exchange(other.name, 0)), size(other.size)
+    : context(other.context),
+      name(std::exchange(other.name, 0)),
+      size(other.size),
+      filledIn(other.filledIn)
 {}
 
 GLBuffer& GLBuffer::operator=(GLBuffer&& other) noexcept
@@ -26,6 +29,7 @@ GLBuffer& GLBuffer::operator=(GLBuffer&& other) noexcept
     std::swap(context, other.context);
     std::swap(name, other.name);
     std::swap(size, other.size);
+    std::swap(filledIn, other.filledIn);
     return *this;
 }
 
@@ -63,9 +67,10 @@ void* mapToWrite(std::uint32_t context, GLenum target, std::size_t bytes, bool i
 } // namespace
 
 void GLBuffer::fill(std::uint32_t currentContext, GLenum target, std::size_t bytes,
-                    const std::function<void(void*)>& write, Memory memory)
+                    const std::function<void(void*)>& write, unsigned turn)
 {
-    const bool isThere = memory == SAME_MEMORY && name != 0 && size == bytes && bytes > 0;
+    const bool isThere =
+        std::exchange(filledIn, turn) == turn && name != 0 && size == bytes && bytes > 0;
     if (!name) {
         context = currentContext;
         glGenBuffers(1, &name);

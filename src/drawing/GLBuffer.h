@@ -37,11 +37,11 @@ public:
 
     /// Makes it one of the current context, which has this name, of so many bytes, all of which
     /// write(memory) sets: the driver's own where it lends some, so that they are nowhere twice.
-    /// What is still to be drawn from the bytes before is drawn from those; in another context
-    /// that shares it only where it gets NEW_MEMORY, which takes longer.
-    enum Memory { SAME_MEMORY, NEW_MEMORY };
+    /// What is still to be drawn from the bytes before is drawn from those; in contexts that share
+    /// it only if the `turn` is another one whenever another of them has begun to draw: then it
+    /// gets new memory, which takes longer.
     void fill(std::uint32_t currentContext, GLenum target, std::size_t bytes,
-              const std::function<void(void*)>& write, Memory memory = SAME_MEMORY);
+              const std::function<void(void*)>& write, unsigned turn = 0);
 
     /// Binds it, and makes it hold other elements, of any number.
     template <typename Element>
@@ -59,7 +59,8 @@ private:
 
     std::uint32_t context = 0;
     GLuint name = 0;
-    std::size_t size = 0; // in bytes
+    std::size_t size = 0;  // in bytes
+    unsigned filledIn = 0; // which turn
 };
 
 /// What somebody keeps in each context, until the context goes.

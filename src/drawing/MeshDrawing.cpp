@@ -659,10 +659,9 @@ void MeshDrawing::draw(SbUniqueId id, SoGLRenderAction* action, const std::vecto
         measure(parts);
     }
     Kept& kept = contexts[context];
-    // Views whose contexts share the buffers draw by turns: any of them may still do so.
-    const SoGLRenderAction* const before = std::exchange(kept.drawnBy, action);
-    if (before && before != action)
-        kept.memory = GLBuffer::NEW_MEMORY;
+    // Views whose contexts share the buffers draw by turns.
+    if (std::exchange(kept.drawnBy, action) != action)
+        ++kept.turn;
     const bool normals = !bundle.isColorOnly();
     DepthGrid grid(state);
     const bool isSorted = grid.mayCover(centre, radius, area, SORTED_LAYERS) && isOpaque(state) &&
@@ -719,7 +718,7 @@ const MeshDrawing::Colours& MeshDrawing::prepare(SoGLRenderAction* action, Kept&
         kept.all.textures.fill(
             context, GL_ARRAY_BUFFER, layout().getVertexCount() * sizeof(TexturePlace),
             [&](void* memory) { layout().writeTextures(static_cast<TexturePlace*>(memory)); },
-            kept.memory);
+            kept.turn);
     const Materials materials(state);
     Colours& colours = takeColours(kept, materials);
     if (!colours.buffer || !(colours.materials == materials)) {
@@ -730,7 +729,7 @@ const MeshDrawing::Colours& MeshDrawing::prepare(SoGLRenderAction* action, Kept&
                 layout().writeColours(ShownColours(state), isMaterialOverall(state),
                                       static_cast<Colour*>(memory));
             },
-            kept.memory);
+            kept.turn);
     }
     colours.usedId = drawnId;
     return colours;
@@ -740,10 +739,10 @@ void MeshDrawing::fillVertices(Kept& kept, std::uint32_t context, const Layout& 
 {
     if (!kept.all.triangles || kept.grids != layout.grids()) {
         const SoGLRenderAction* const drawnBy = kept.drawnBy;
-        const GLBuffer::Memory ofAll = kept.memory;
+        const unsigned turn = kept.turn;
         kept = Kept();
         kept.drawnBy = drawnBy;
-        kept.memory = ofAll;
+        kept.turn = turn;
         kept.grids = layout.grids();
         kept.draws = layout.makeDraws();
         kept.all.triangles.fill(
@@ -752,8 +751,7 @@ void MeshDrawing::fillVertices(Kept& kept, std::uint32_t context, const Layout& 
     }
     kept.all.vertices.fill(
         context, GL_ARRAY_BUFFER, layout.getVertexCount() * sizeof(BufferVertex),
-        [&](void* memory) { layout.writeVertices(static_cast<BufferVertex*>(memory)); },
-        kept.memory);
+        [&](void* memory) { layout.writeVertices(static_cast<BufferVertex*>(memory)); }, kept.turn);
     kept.runs.clear();
     kept.filledId = drawnId;
 }
@@ -867,20 +865,19 @@ bool MeshDrawing::drawFewRows(Kept& kept, std::uint32_t context, bool normals, S
     const std::size_t vertices = layout.getVertexCount();
     kept.few.vertices.fill(
         context, GL_ARRAY_BUFFER, vertices * sizeof(BufferVertex),
-        [&](void* memory) { layout.writeVertices(static_cast<BufferVertex*>(memory)); },
-        kept.memory);
+        [&](void* memory) { layout.writeVertices(static_cast<BufferVertex*>(memory)); }, kept.turn);
     if (SoGLTextureEnabledElement::get(state))
         kept.few.textures.fill(
             context, GL_ARRAY_BUFFER, vertices * sizeof(TexturePlace),
             [&](void* memory) { layout.writeTextures(static_cast<TexturePlace*>(memory)); },
-            kept.memory);
+            kept.turn);
     kept.coloursOfFew.fill(
         context, GL_ARRAY_BUFFER, vertices * sizeof(Colour),
         [&](void* memory) {
             layout.writeColours(ShownColours(state), isMaterialOverall(state),
                                 static_cast<Colour*>(memory));
         },
-        kept.memory);
+        kept.turn);
     const auto backFaces = BackFaces::find(state);
     const auto tubesOfRows = backFaces ? measureTubes(parts, rows)
                                        : std::vector<std::optional<ClosedTube>>(parts.size());

@@ -109,8 +109,8 @@ private:
     /// In one context.
     struct Kept
     {
-        const SoGLRenderAction* drawnBy = nullptr;       // last: a context has its own
-        GLBuffer::Memory memory = GLBuffer::SAME_MEMORY; // that is filled now
+        const SoGLRenderAction* drawnBy = nullptr; // last: a context has its own
+        unsigned turn = 0;                         // of those
         std::vector<Grid> grids;
         SbUniqueId filledId = 0; // that of the parts when their vertices were taken
         Buffers all;

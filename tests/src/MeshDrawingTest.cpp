@@ -1084,6 +1084,16 @@ TEST_F(CoarseDrawingTest, DrawnByTurnsBuffersGetNewMemoryThatNobodyDrawsFromYet)
         EXPECT_GT(drawBy(other), 0) << coarse;
         EXPECT_EQ(drawBy(one), 0) << coarse;
     }
+    rod->drawCoarsely(false);
+    drawBy(one);
+    const auto showBy = [&](SoGLRenderAction& action) {
+        renderer->setGLRenderAction(&action);
+        draw();
+    };
+    showBy(other);
+    showBy(one);
+    EXPECT_EQ(drawBy(one), 0) << "another one drew from it since it was filled";
+    EXPECT_GT(drawBy(one), 0);
     renderer.reset(); // before they go
 }
 
